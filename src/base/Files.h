@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/ByteReader.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace base
+{
+
+/// Reads a whole file.
+/// @errors NotFound, Denied or IoFailure; LimitReached when it is longer than `limitBytes`.
+Result<std::vector<std::uint8_t>> readFile(const std::filesystem::path& path, std::uint64_t limitBytes);
+
+/// Writes `parts` one after another to a temporary file beside `target`, flushes it to the disk and renames
+/// it over `target`. At every instant `target` is either wholly old or wholly new; on failure it is untouched
+/// and the temporary file is gone. The permissions of an existing target are kept.
+/// @errors Denied or IoFailure (disk full among them); `what` holds the system's own text.
+Result<void> replaceFile(const std::filesystem::path& target, std::span<const Bytes> parts);
+
+inline Result<void> replaceFile(const std::filesystem::path& target, Bytes content)
+{
+    return replaceFile(target, std::span(&content, 1));
+}
+
+} // namespace base

@@ -1,0 +1,87 @@
+#include "base/Files.h"
+
+#include <csignal>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace base
+{
+namespace
+{
+
+class ReplaceFile : public testing::Test
+{
+protected:
+    ReplaceFile()
+    {
+        std::string pattern = testing::TempDir() + "filesXXXXXX";
+        folder = ::mkdtemp(pattern.data());
+    }
+    ~ReplaceFile() override { std::filesystem::remove_all(folder); }
+    [[nodiscard]] std::size_t entries() const
+    {
+        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder),
+                                                      std::filesystem::directory_iterator()));
+    }
+    std::filesystem::path folder;
+    const std::vector<std::uint8_t> oldContent{'o', 'l', 'd'};
+    const std::vector<std::uint8_t> newContent{'n', 'e', 'w', '!'};
+};
+
+TEST_F(ReplaceFile, KeepsPermissionsAndLeavesNothingBehind)
+{
+    const auto target = folder / "movie.swf";
+    ASSERT_TRUE(replaceFile(target, oldContent));
+    ASSERT_EQ(::chmod(target.c_str(), 0600), 0);
+    ASSERT_TRUE(replaceFile(target, newContent));
+    EXPECT_EQ(readFile(target, 100).value(), newContent);
+    struct stat status {
+    };
+    ASSERT_EQ(::stat(target.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+    EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(ReplaceFile, LeavesTheOldContentWhenTheNewCannotTakeItsPlace)
+{
+    // A folder cannot be replaced by a file: the rename is the step that fails.
+    const auto target = folder / "taken";
+    std::filesystem::create_directory(target);
+    std::ofstream(target / "inside") << "kept";
+    EXPECT_FALSE(replaceFile(target, newContent));
+    EXPECT_TRUE(std::filesystem::exists(target / "inside"));
+    EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(ReplaceFile, KeepsTheOldContentWhenWritingStopsPartWay)
+{
+    const auto target = folder / "movie.swf";
+    ASSERT_TRUE(replaceFile(target, oldContent));
+    // A limit on file sizes fails a write in the middle, as a full disk does.
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{2, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const auto result = replaceFile(target, newContent);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, ErrorCode::IoFailure);
+    EXPECT_EQ(readFile(target, 100).value(), oldContent);
+    EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(ReplaceFile, ReadingStopsAtTheLimit)
+{
+    const auto target = folder / "movie.swf";
+    ASSERT_TRUE(replaceFile(target, newContent));
+    EXPECT_EQ(readFile(target, 3).error().code, ErrorCode::LimitReached);
+    EXPECT_EQ(readFile(folder / "absent", 3).error().code, ErrorCode::NotFound);
+    EXPECT_FALSE(readFile(folder, 3));
+}
+
+} // namespace
+} // namespace base
