@@ -1,0 +1,154 @@
+#pragma once
+
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+namespace flash
+{
+
+/// The widget a host embeds: plays one movie, with further movies loaded into layers above it. Members in
+/// PascalCase carry the names, numbering and defaults that hosts and their scripts know. Driven by the real
+/// clock; costs nothing while nothing on the stage can change. Opens nothing by itself: addresses and
+/// commands that leave the movie go out as signals.
+class FlashControl : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(bool Playing READ Playing WRITE setPlaying)
+    Q_PROPERTY(bool Loop READ Loop WRITE setLoop)
+    Q_PROPERTY(int Quality READ Quality WRITE setQuality)
+    Q_PROPERTY(QString Quality2 READ Quality2 WRITE setQuality2)
+    Q_PROPERTY(int ScaleMode READ ScaleMode WRITE setScaleMode)
+    Q_PROPERTY(QString BGColor READ BGColor WRITE setBGColor)
+    Q_PROPERTY(int FrameNum READ FrameNum WRITE GotoFrame)
+    Q_PROPERTY(int TotalFrames READ TotalFrames)
+    Q_PROPERTY(int ReadyState READ ReadyState)
+    Q_PROPERTY(int FlashVersion READ FlashVersion)
+    Q_PROPERTY(QString Movie READ Movie WRITE setMovie)
+
+public:
+    explicit FlashControl(QWidget* parent = nullptr);
+    ~FlashControl() override;
+    FlashControl(const FlashControl&) = delete;
+    FlashControl& operator=(const FlashControl&) = delete;
+
+    /// Layer 0 replaces the movie; any other layer loads over it and leaves it playing. The movie on layer 0
+    /// is shown on its first frame when the call returns.
+    /// @param url a path or file: address, maybe with a query after its last "?", whose variables are set on
+    ///            the layer's root before its first frame; an empty one unloads the layer.
+    /// @returns whether a movie was loaded (or unloaded); why not is in errorText(). A layer whose movie
+    ///          cannot be read keeps what it held.
+    Q_INVOKABLE bool LoadMovie(int layer, const QString& url);
+    Q_INVOKABLE void Play();
+    /// Halts on the current frame.
+    Q_INVOKABLE void Stop();
+    /// One frame back and halts; from the first frame to the last.
+    Q_INVOKABLE void Back();
+    /// One frame on and halts; from the last frame to the first.
+    Q_INVOKABLE void Forward();
+    /// To the first frame and halts.
+    Q_INVOKABLE void Rewind();
+    /// @param frame counted from 0; out of range goes to the nearest frame. Halts there.
+    Q_INVOKABLE void GotoFrame(int frame);
+    Q_INVOKABLE void SetVariable(const QString& name, const QString& value);
+    /// @returns the variable as text; empty when there is none.
+    Q_INVOKABLE QString GetVariable(const QString& name) const;
+
+    /// Whether the main timeline moves; false when nothing is loaded.
+    [[nodiscard]] bool Playing() const;
+    void setPlaying(bool playing);
+    /// Whether a movie that reaches its last frame starts over; otherwise it halts there. On by default.
+    [[nodiscard]] bool Loop() const;
+    void setLoop(bool loop);
+    /// 0 Low, 1 High, 2 AutoLow, 3 AutoHigh, 4 Medium, 5 Best. Other numbers are ignored.
+    [[nodiscard]] int Quality() const;
+    void setQuality(int quality);
+    /// "Low", "Medium", "High", "AutoLow", "AutoHigh", "Best", taken without regard to case and reported in
+    /// this spelling. Another name keeps the earlier quality.
+    [[nodiscard]] QString Quality2() const;
+    void setQuality2(const QString& name);
+    /// 0 show all, 1 no border, 2 exact fit, 3 no scale. Other numbers are ignored.
+    [[nodiscard]] int ScaleMode() const;
+    void setScaleMode(int mode);
+    /// Six hexadecimal digits, red, green, blue; a leading "#" is accepted. Anything else is ignored. What is
+    /// set here holds over the movie's own colour until another movie is loaded into layer 0.
+    [[nodiscard]] QString BGColor() const;
+    void setBGColor(const QString& color);
+    /// Of the main timeline, from 0; -1 when nothing is loaded.
+    [[nodiscard]] int FrameNum() const;
+    /// 0 when nothing is loaded.
+    [[nodiscard]] int TotalFrames() const;
+    /// 0 loading, 1 uninitialised, 2 loaded, 3 interactive, 4 complete.
+    [[nodiscard]] int ReadyState() const;
+    /// The player version it stands for: major version in the upper 16 bits, release in the lower; hosts show
+    /// it in hexadecimal. 0x80018 is 8.0 release 24.
+    [[nodiscard]] int FlashVersion() const;
+    /// What layer 0 was loaded from, as given; empty when nothing is loaded.
+    [[nodiscard]] QString Movie() const;
+    void setMovie(const QString& url) { LoadMovie(0, url); }
+
+    /// Why the last LoadMovie failed, English, for the log.
+    [[nodiscard]] QString errorText() const;
+    /// The movie's own size in pixels; empty when nothing is loaded.
+    [[nodiscard]] QSize movieSize() const;
+    [[nodiscard]] double frameRate() const; ///< frames a second; 0 when nothing is loaded
+
+    /// Over everything that the movie itself sets. 0..1; 1 by default.
+    void setMasterVolume(double volume);
+    [[nodiscard]] double masterVolume() const;
+    void setMuted(bool muted);
+    [[nodiscard]] bool isMuted() const;
+
+    /// Stops time, sound included, without touching the movie's state: for a window that is not shown.
+    void setSuspended(bool suspended);
+
+    /// Where shared objects are kept, one folder for each movie below it. Empty, the default: nothing is
+    /// kept beyond the control's life.
+    void setStorageFolder(const QString& folder);
+
+    /// Asked when a script has run for longer than its limit; true ends the script. Without a handler the
+    /// script is ended.
+    void setScriptTimeoutHandler(std::function<bool()> handler);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+    /// The names of Quality2 in the order of Quality.
+    [[nodiscard]] static QStringList qualityNames();
+
+signals:
+    void FSCommand(const QString& command, const QString& args);
+    void OnReadyStateChange(int newState);
+    void OnProgress(int percentDone);
+    /// A movie asks for an address outside: getURL. `post` holds the body of a POST request, else null.
+    void urlRequested(const QString& url, const QString& target, const QByteArray& post);
+    /// One call of the movie's trace().
+    void traced(const QString& text);
+    /// Something in the movie that is damaged or not supported, English, once for each kind.
+    void logged(const QString& text);
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace flash
