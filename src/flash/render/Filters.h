@@ -1,0 +1,28 @@
+#pragma once
+
+#include "flash/render/Surface.h"
+#include "flash/swf/Movie.h"
+
+#include <span>
+
+namespace flash::render
+{
+
+/// How far a filter's result may reach beyond its source, in device pixels, each at least 0.
+struct Growth {
+    int left = 0, top = 0, right = 0, bottom = 0;
+    friend bool operator==(const Growth&, const Growth&) = default;
+};
+
+/// @param scale device pixels to a pixel of the stage: filter distances are in pixels of the stage
+Growth filterGrowth(const swf::Filter& filter, double scale = 1);
+/// Of a whole chain: the sum.
+Growth filterGrowth(std::span<const swf::Filter> filters, double scale = 1);
+IntRect grown(const IntRect& rect, const Growth& growth);
+
+/// Applies a filter in place. The surface must already have room for the result: pixels that would fall
+/// outside are lost, and everything outside counts as transparent.
+void applyFilter(const swf::Filter& filter, SurfaceView surface, double scale = 1);
+void applyFilters(std::span<const swf::Filter> filters, SurfaceView surface, double scale = 1);
+
+} // namespace flash::render
