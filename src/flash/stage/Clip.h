@@ -1,0 +1,99 @@
+#pragma once
+
+#include "flash/stage/Node.h"
+#include "flash/stage/ScriptHost.h"
+
+#include <functional>
+#include <span>
+
+namespace flash::stage
+{
+
+class Drawing;
+
+/// A movie clip: a sprite, the root of a level, a loaded movie or an empty clip made by script.
+class Clip : public Node
+{
+public:
+    Clip(Stage& stage, MoviePtr movie, std::shared_ptr<const swf::Timeline> timeline);
+    ~Clip() override;
+
+    // ---- timeline. Frames are 0-based indices; scripts count from 1. ----
+    [[nodiscard]] const swf::Timeline& timeline() const { return *m_timeline; }
+    [[nodiscard]] int currentFrame() const { return m_frame; } ///< -1 before the first was shown
+    [[nodiscard]] int totalFrames() const;
+    [[nodiscard]] int loadedFrames() const;
+    [[nodiscard]] bool isPlaying() const { return m_playing; }
+    void play();
+    void stop();
+    /// Shows a frame: backwards by rebuilding the list (what the same placement made is kept), forwards by
+    /// running the list tags between. Scripts of the frame are queued. Clamped to the frames there are.
+    void gotoFrame(int frame);
+    void nextFrame();
+    [[nodiscard]] std::optional<int> frameByLabel(std::string_view label) const;
+    /// Queues the scripts of a frame without going there (the old `call`): returns them in order.
+    [[nodiscard]] std::vector<swf::ActionBlock> frameActions(int frame) const;
+
+    // ---- children, in depth order ----
+    [[nodiscard]] std::span<const NodePtr> children() const { return m_children; }
+    [[nodiscard]] Node* childAt(int depth) const;
+    /// The child with the lowest depth of that name. Unloading children are not found.
+    enum class Case : std::uint8_t { Sensitive, Insensitive };
+    [[nodiscard]] Node* childByName(std::string_view name, Case sensitivity) const;
+    [[nodiscard]] int nextHighestDepth() const;
+    /// Puts a new instance of a character on the list; what was at the depth goes. For scripts.
+    /// @param before runs after the node is in place and before any of its scripts (initialising objects)
+    /// @returns null when the dictionary has no such character that can be shown
+    NodePtr attach(const MoviePtr& movie, std::uint16_t characterId, int depth, std::string name,
+                   const std::function<void(Node&)>& before = {});
+    std::shared_ptr<Clip> attachEmpty(int depth, std::string name);
+    NodePtr attachTextField(int depth, std::string name, const swf::Rect& boundsTwips);
+    /// Puts a picture at a depth; what was there goes. @param smooth interpolate when scaled
+    NodePtr attachBitmap(std::shared_ptr<const swf::Bitmap> bitmap, int depth, bool smooth);
+    /// A copy of `source` (a child of this clip) with its look and drawings.
+    NodePtr duplicate(Node& source, int depth, std::string name,
+                      const std::function<void(Node&)>& before = {});
+    void removeChild(Node& child);
+    void swapDepths(Node& child, int depth);
+
+    // ---- script-side drawing ----
+    [[nodiscard]] Drawing& drawing(); ///< made on first use
+    [[nodiscard]] const Drawing* drawingIfAny() const { return m_drawing.get(); }
+
+    // ---- what came with the placement or was set by script ----
+    [[nodiscard]] const std::vector<swf::ClipAction>& clipActions() const { return m_clipActions; }
+    [[nodiscard]] bool hasClipEvent(Event event) const;
+    bool lockRoot = false;
+    bool useHandCursor = true, trackAsMenu = false;
+    std::optional<bool> focusEnabled;
+    Node* hitArea() const;
+    void setHitArea(Node* node);
+    /// A drawing of a script or a loaded movie makes it react to the mouse: whether it acts as a button now.
+    [[nodiscard]] bool isButtonLike();
+    /// The clip is the root of a loaded movie or a level: relative addresses and `_root` with _lockroot.
+    [[nodiscard]] bool isMovieRoot() const { return m_movieRoot; }
+    [[nodiscard]] const std::string& url() const { return m_url; } ///< of the movie it comes from
+    [[nodiscard]] int levelNumber() const { return m_level; }      ///< of a level's root, else -1
+    [[nodiscard]] std::size_t bytesLoaded() const;
+    [[nodiscard]] std::size_t bytesTotal() const;
+    /// The linkage name its character was exported under; empty when none.
+    [[nodiscard]] std::string linkageName() const;
+
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+
+private:
+    friend class Stage;
+    friend class Node;
+    friend class Placement;
+    std::shared_ptr<const swf::Timeline> m_timeline;
+    std::vector<NodePtr> m_children;
+    std::vector<swf::ClipAction> m_clipActions;
+    std::unique_ptr<Drawing> m_drawing;
+    std::string m_url;
+    std::weak_ptr<Node> m_hitArea;
+    int m_frame = -1, m_level = -1;
+    bool m_playing = true, m_movieRoot = false;
+};
+
+} // namespace flash::stage

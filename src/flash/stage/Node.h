@@ -1,0 +1,164 @@
+#pragma once
+
+#include "flash/stage/Services.h"
+#include "flash/swf/Movie.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace flash::stage
+{
+
+class Stage;
+class Clip;
+class Button;
+class Node;
+using NodePtr = std::shared_ptr<Node>;
+
+enum class NodeKind : std::uint8_t { Shape, Morph, StaticText, Clip, Button, TextField, Video, Bitmap };
+
+// Depths are those scripts see: a depth of the file counts from kTimelineDepth.
+constexpr int kTimelineDepth = -16384;
+constexpr int kMaxScriptDepth = 2130690044;
+/// An instance whose unload handlers have yet to run waits at kUnloadDepthBase - depth.
+constexpr int kUnloadDepthBase = -32769;
+
+/// One instance on (or once on) a display list.
+///
+/// Shared by its parent's list and by script objects: a script may keep an instance that left the stage;
+/// isRemoved() tells. Created by Clip and Stage only.
+class Node : public std::enable_shared_from_this<Node>
+{
+public:
+    Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind) {}
+    virtual ~Node() = default;
+    Node(const Node&) = delete;
+    Node& operator=(const Node&) = delete;
+
+    [[nodiscard]] Stage& stage() const { return m_stage; }
+    [[nodiscard]] NodeKind kind() const { return m_kind; }
+    /// The clip or, for what a button shows, the button. Null for a level's root and for removed nodes.
+    [[nodiscard]] Node* parent() const { return m_parent; }
+    /// The nearest clip above: what scripts know as `_parent`.
+    [[nodiscard]] Clip* parentClip() const;
+    /// The root of the level this node is on (never null while it is on the stage).
+    [[nodiscard]] Clip* levelRoot();
+    [[nodiscard]] bool isRemoved() const { return m_removed; }
+    /// Its unload handlers have been queued; scripts do not find it by name any more.
+    [[nodiscard]] bool isUnloading() const { return m_unloading; }
+    [[nodiscard]] int depth() const { return m_depth; }
+    [[nodiscard]] const std::string& name() const { return m_name; } ///< UTF-8; empty when it has none
+    void setName(std::string name) { m_name = std::move(name); }
+    /// The movie whose dictionary the instance comes from; its version rules its scripts.
+    [[nodiscard]] const MoviePtr& movie() const { return m_movie; }
+    [[nodiscard]] std::uint16_t characterId() const { return m_characterId; }
+    /// `/a/b`, with `_levelN` in front unless it is level 0.
+    [[nodiscard]] std::string slashPath();
+    /// `_level0.a.b`
+    [[nodiscard]] std::string dotPath();
+
+    // ---- place and look. Every setter marks the node as changed. ----
+    [[nodiscard]] const swf::Matrix& matrix() const { return m_matrix; }
+    void setMatrix(const swf::Matrix& matrix); ///< forgets the cached scale and rotation
+    [[nodiscard]] double x() const { return m_matrix.tx / swf::kTwipsPerPixel; } ///< pixels
+    [[nodiscard]] double y() const { return m_matrix.ty / swf::kTwipsPerPixel; }
+    void setX(double pixels);
+    void setY(double pixels);
+    /// What scripts see and set: kept as numbers of their own, because a matrix loses signs, the rotation of
+    /// a scale of zero and the last digits. Percent and degrees.
+    [[nodiscard]] double scaleX();
+    [[nodiscard]] double scaleY();
+    [[nodiscard]] double rotation();
+    void setScaleX(double percent);
+    void setScaleY(double percent);
+    void setRotation(double degrees);
+    /// Of the bounds in the parent's space, pixels; setting scales.
+    [[nodiscard]] double width();
+    [[nodiscard]] double height();
+    void setWidth(double pixels);
+    void setHeight(double pixels);
+    [[nodiscard]] const swf::ColorTransform& color() const { return m_color; }
+    void setColor(const swf::ColorTransform& color);
+    [[nodiscard]] double alpha() const; ///< percent
+    void setAlpha(double percent);
+    [[nodiscard]] bool isVisible() const { return m_visible; }
+    void setVisible(bool visible);
+    [[nodiscard]] swf::BlendMode blend() const { return m_blend; }
+    void setBlend(swf::BlendMode mode);
+    [[nodiscard]] const std::vector<swf::Filter>& filters() const { return m_filters; }
+    void setFilters(std::vector<swf::Filter> filters);
+    [[nodiscard]] bool cacheAsBitmap() const { return m_cacheAsBitmap; }
+    void setCacheAsBitmap(bool on);
+    [[nodiscard]] const std::optional<swf::Rgba>& opaqueBackground() const { return m_opaqueBackground; }
+    void setOpaqueBackground(std::optional<swf::Rgba> color);
+    [[nodiscard]] const std::optional<swf::Rect>& scrollRect() const { return m_scrollRect; }
+    void setScrollRect(std::optional<swf::Rect> rect);
+    [[nodiscard]] const std::optional<swf::Rect>& scalingGrid() const { return m_scalingGrid; }
+    void setScalingGrid(std::optional<swf::Rect> grid);
+    [[nodiscard]] std::uint16_t ratio() const { return m_ratio; }
+    virtual void setRatio(std::uint16_t ratio);
+    /// Depth up to which this node clips its siblings; nothing for ordinary nodes.
+    [[nodiscard]] std::optional<int> clipDepth() const { return m_clipDepth; }
+    void setClipDepth(std::optional<int> depth);
+    /// setMask: a node has at most one mask and masks at most one node.
+    [[nodiscard]] Node* mask() const { return m_mask; }
+    [[nodiscard]] Node* maskee() const { return m_maskee; }
+    void setMask(Node* mask);
+
+    /// Set by a script: the timeline no longer moves it.
+    [[nodiscard]] bool isScriptTransformed() const { return m_scriptTransformed; }
+    void setScriptTransformed() { m_scriptTransformed = true; }
+
+    // ---- geometry ----
+    /// Of what it shows, in its own space. With or without strokes.
+    enum class Extent : std::uint8_t { WithStrokes, WithoutStrokes };
+    [[nodiscard]] virtual swf::Rect bounds(Extent extent = Extent::WithStrokes) = 0;
+    /// From this node's space to the stage's (twips).
+    [[nodiscard]] swf::Matrix toStage() const;
+    /// Whether a point of the stage (twips) lies on what is drawn.
+    [[nodiscard]] virtual bool hitsShape(swf::Point stagePoint) = 0;
+
+    /// Marks the node's old and new place as to be drawn again.
+    void invalidate();
+
+    // ---- focus; meaningful for clips, buttons and text fields ----
+    std::optional<int> tabIndex;
+    std::optional<bool> tabEnabled, focusRect;
+
+    /// The script object of this instance, or null. Owned by the script engine's heap; cleared by it.
+    void* peer = nullptr;
+
+protected:
+    friend class Stage;
+    friend class Clip;
+    friend class Button;
+    friend class Placement;
+
+    Stage& m_stage;
+    NodeKind m_kind;
+    Node* m_parent = nullptr;
+    MoviePtr m_movie;
+    std::string m_name;
+    int m_depth = 0;
+    std::uint16_t m_characterId = 0, m_ratio = 0;
+    bool m_removed = false, m_unloading = false, m_visible = true, m_cacheAsBitmap = false;
+    bool m_scriptTransformed = false, m_scaleCached = false;
+    /// Frame (index) whose tag placed it; -1 when a script did.
+    int m_placedFrame = -1;
+    swf::BlendMode m_blend = swf::BlendMode::Normal;
+    swf::Matrix m_matrix;
+    double m_scaleX = 100, m_scaleY = 100, m_rotation = 0;
+    swf::ColorTransform m_color;
+    std::vector<swf::Filter> m_filters;
+    std::optional<swf::Rgba> m_opaqueBackground;
+    std::optional<swf::Rect> m_scrollRect, m_scalingGrid;
+    std::optional<int> m_clipDepth;
+    Node* m_mask = nullptr;
+    Node* m_maskee = nullptr;
+    swf::Rect m_drawnBounds; ///< device pixels, as last drawn; empty when not drawn
+};
+
+} // namespace flash::stage

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "flash/stage/Services.h"
+
+#include <optional>
+
+namespace flash::stage
+{
+
+class Node;
+class TextField;
+class Button;
+
+/// What happens to an instance. Each has a bit for clip actions in the file and a handler name in script.
+enum class Event : std::uint8_t {
+    Load,
+    EnterFrame,
+    Unload,
+    MouseMove,
+    MouseDown,
+    MouseUp,
+    KeyDown,
+    KeyUp,
+    Data,
+    Initialize,
+    Construct,
+    Press,
+    Release,
+    ReleaseOutside,
+    RollOver,
+    RollOut,
+    DragOver,
+    DragOut,
+    KeyPress,
+};
+constexpr std::uint32_t clipEventBit(Event event) { return 1U << static_cast<unsigned>(event); }
+
+/// The script engine as the stage sees it. The default bodies do nothing: a stage without scripts.
+///
+/// The stage decides when something runs and calls from its action queue only, never from inside a walk over
+/// a display list; a call may change anything on the stage.
+class ScriptHost
+{
+public:
+    virtual ~ScriptHost() = default;
+
+    /// Runs one compiled block with `target` as `this`. `movie` owns the block and gives its version.
+    virtual void runActions(Clip& /*target*/, const MoviePtr& /*movie*/, const swf::ActionBlock&) {}
+
+    /// Runs the script-side handler of an instance (`onLoad`, `onPress`, ...) if it has one. The blocks that
+    /// the file holds for the event ran before.
+    virtual void dispatch(Node&, Event) {}
+    /// Whether dispatch() would find a handler. Asked while the pointer moves.
+    virtual bool hasHandler(Node&, Event) { return false; }
+    /// Whether buttons and button-like clips react: their `enabled` property.
+    virtual bool isEnabled(Node&) { return true; }
+
+    /// A clip with a linkage name was placed: makes the instance an object of its registered class and calls
+    /// the constructor.
+    virtual void constructClip(Clip&) {}
+    /// Whether a class is registered for the clip's linkage name, so that construction must be queued.
+    virtual bool hasRegisteredClass(Clip&) { return false; }
+
+    // Broadcasts to the listeners of Key, Mouse, Stage and Selection.
+    virtual void broadcastKey(Event /*KeyDown or KeyUp*/) {}
+    virtual void broadcastMouse(Event /*MouseDown, MouseUp or MouseMove*/) {}
+    virtual void broadcastWheel(int /*lines*/, Node* /*under the pointer*/) {}
+    virtual void broadcastResize() {}
+    virtual void broadcastFullScreen(bool) {}
+    /// Runs onKillFocus, onSetFocus and tells the listeners of Selection.
+    virtual void focusChanged(Node* /*before*/, Node* /*now*/) {}
+
+    virtual void textChanged(TextField&) {}
+    virtual void textScrolled(TextField&) {}
+
+    /// The value of a text field's variable, by a path as the file has it (`/a:b`, `_root.a.b`), seen from
+    /// `scope`. Nothing when it is undefined.
+    virtual std::optional<std::string> variable(Clip& /*scope*/, std::string_view /*path*/) { return {}; }
+    /// @returns false when the path's clip does not exist (yet).
+    virtual bool setVariable(Clip& /*scope*/, std::string_view /*path*/, std::string_view /*value*/)
+    {
+        return false;
+    }
+
+    /// A node went off the display list for good (after its unload handlers ran).
+    virtual void nodeRemoved(Node&) {}
+    /// The root of a level or a loaded clip was replaced by another movie: script properties go.
+    virtual void clipReset(Clip&) {}
+
+    /// Milliseconds until the next timer of setInterval or setTimeout; negative when there is none.
+    virtual double nextTimerMs() { return -1; }
+    /// The stage's clock stands at `nowMs`: run the timers that are due.
+    virtual void runTimers(double /*nowMs*/) {}
+    /// The end of a frame: a good moment to free objects.
+    virtual void frameEnded() {}
+
+    /// Host access to variables (GetVariable, SetVariable), seen from the root.
+    virtual std::optional<std::string> hostVariable(std::string_view /*path*/) { return {}; }
+    virtual void setHostVariable(std::string_view /*path*/, std::string_view /*value*/) {}
+};
+
+} // namespace flash::stage

@@ -1,0 +1,222 @@
+#pragma once
+
+#include "flash/stage/Clip.h"
+#include "flash/stage/Node.h"
+#include "flash/stage/ScriptHost.h"
+#include "flash/stage/Services.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace flash::render
+{
+class Canvas;
+class RenderCache;
+} // namespace flash::render
+
+namespace flash::stage
+{
+
+enum class ScaleMode : std::uint8_t { ShowAll, NoBorder, ExactFit, NoScale };
+enum class Quality : std::uint8_t { Low, Medium, High, Best };
+enum class MouseButton : std::uint8_t { Left, Middle, Right };
+/// Bits: where the movie stands in a view of another shape; none is centred.
+enum Align : std::uint8_t { kAlignLeft = 1, kAlignTop = 2, kAlignRight = 4, kAlignBottom = 8 };
+
+/// What the keyboard can say to a text field besides letters.
+enum class TextCommand : std::uint8_t {
+    MoveLeft,
+    MoveRight,
+    MoveUp,
+    MoveDown,
+    MoveLeftWord,
+    MoveRightWord,
+    MoveLineStart,
+    MoveLineEnd,
+    MoveDocumentStart,
+    MoveDocumentEnd,
+    SelectLeft,
+    SelectRight,
+    SelectUp,
+    SelectDown,
+    SelectLeftWord,
+    SelectRightWord,
+    SelectLineStart,
+    SelectLineEnd,
+    SelectDocumentStart,
+    SelectDocumentEnd,
+    SelectAll,
+    Copy,
+    Cut,
+    Paste,
+    Backspace,
+    BackspaceWord,
+    Delete,
+    DeleteWord,
+    Enter,
+};
+
+enum class Cursor : std::uint8_t { Arrow, Hand, Text, Hidden };
+
+/// A running movie: levels, frame loop, simulated clock, input and drawing. One thread; everything happens
+/// inside advance(), the input calls and the host's commands.
+class Stage
+{
+public:
+    /// @param script may be null: a stage without scripts. Borrowed, like the services.
+    Stage(Services services, ScriptHost* script);
+    ~Stage();
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+
+    [[nodiscard]] Services& services() { return m_services; }
+    [[nodiscard]] ScriptHost& script() { return *m_script; }
+    void setScript(ScriptHost* script);
+
+    // ---- the movie ----
+    /// Makes `movie` the root of level 0; everything that ran is taken down. Frame 1 is shown at once and its
+    /// scripts run, at clock time 0 for the first movie.
+    /// @param url the movie's address; its query gives variables of the root
+    void open(MoviePtr movie, std::string url);
+    void close();
+    [[nodiscard]] const MoviePtr& movie() const { return m_movie; } ///< null before open()
+    [[nodiscard]] const std::string& url() const { return m_url; }
+    [[nodiscard]] Clip* root() { return level(0); }
+    [[nodiscard]] Clip* level(int number);
+    [[nodiscard]] const std::map<int, std::shared_ptr<Clip>>& levels() const { return m_levels; }
+
+    // ---- loading by script or host. Answers arrive at the next frame. ----
+    /// What a load reports to whoever asked (MovieClipLoader); all optional.
+    struct LoadListener {
+        virtual ~LoadListener() = default;
+        virtual void started(Clip&) {}
+        virtual void progressed(Clip&, std::size_t /*loaded*/, std::size_t /*total*/) {}
+        virtual void completed(Clip&) {}
+        /// The first frame's scripts have run.
+        virtual void initialized(Clip&) {}
+        virtual void failed(Clip&, std::string_view /*error*/) {}
+    };
+    void loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<LoadListener> listener = nullptr);
+    void loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener = nullptr);
+    /// The host's LoadMovie: as loadIntoLevel().
+    void unloadLevel(int level);
+    void unloadClip(Clip& target);
+    /// Fetches bytes; `done` runs at the next frame.
+    using LoadDone = std::function<void(const base::Result<LoadAnswer>&)>;
+    void fetch(LoadRequest request, LoadDone done);
+
+    // ---- time ----
+    /// Moves timeline, timers and loads on by `ms` of simulated time. Frames that fall into it run, at most
+    /// `kMaxCatchUpFrames` of them: after a long pause the movie goes on where it was.
+    void advance(double ms);
+    /// Runs one frame now and leaves the clock alone.
+    void advanceFrame();
+    [[nodiscard]] double nowMs() const { return m_nowMs; }
+    /// Until something is due (next frame or timer).
+    [[nodiscard]] double msToNextEvent();
+    [[nodiscard]] double frameRate() const { return m_frameRate; }
+    [[nodiscard]] double frameMs() const;
+
+    // ---- the host's transport. Frames are 0-based here. ----
+    [[nodiscard]] bool isPlaying() const;
+    void play();
+    void stop();
+    void gotoFrame(int frame);
+    [[nodiscard]] int currentFrame();
+    [[nodiscard]] int totalFrames();
+    /// Off: the root stops at its last frame.
+    void setLoop(bool loop) { m_loop = loop; }
+    [[nodiscard]] bool loop() const { return m_loop; }
+
+    // ---- the view ----
+    /// Size of the area that the movie is shown in, device pixels.
+    void setViewSize(int width, int height);
+    [[nodiscard]] int viewWidth() const { return m_viewWidth; }
+    [[nodiscard]] int viewHeight() const { return m_viewHeight; }
+    /// Device pixels to one pixel of the host's measure; only NoScale looks at it.
+    void setDeviceScale(double scale);
+    void setScaleMode(ScaleMode mode);
+    [[nodiscard]] ScaleMode scaleMode() const { return m_scaleMode; }
+    void setAlign(unsigned align);
+    [[nodiscard]] unsigned align() const { return m_align; }
+    void setQuality(Quality quality);
+    [[nodiscard]] Quality quality() const { return m_quality; }
+    [[nodiscard]] swf::Rgba background() const { return m_background; }
+    void setBackground(swf::Rgba color); ///< by a movie's tag; ignored once the host has set one
+    void setHostBackground(swf::Rgba color);
+    /// Stage twips to device pixels.
+    [[nodiscard]] swf::Matrix viewMatrix() const;
+    /// The stage as scripts see it (Stage.width and height), pixels.
+    [[nodiscard]] double stageWidth() const;
+    [[nodiscard]] double stageHeight() const;
+    [[nodiscard]] bool isFullScreen() const { return m_fullScreen; }
+    void setFullScreen(bool on);
+
+    // ---- drawing ----
+    /// The union of what changed since the last call of render(), device pixels; empty when nothing did.
+    [[nodiscard]] swf::Rect dirtyRect();
+    /// Draws what lies in `clip` (device pixels), background included, and forgets what was dirty.
+    void render(render::Canvas& canvas, const swf::Rect& clip);
+    void invalidateAll();
+
+    // ---- input. Positions are device pixels of the view. ----
+    void mouseMove(double x, double y);
+    void mouseDown(double x, double y, MouseButton button = MouseButton::Left, int clicks = 1);
+    void mouseUp(double x, double y, MouseButton button = MouseButton::Left);
+    void mouseWheel(int lines);
+    void mouseLeave();
+    /// @param keyCode the player's key codes (Key.getCode) @param charCode the character, or 0
+    void keyDown(int keyCode, char32_t charCode = 0);
+    void keyUp(int keyCode, char32_t charCode = 0);
+    void textInput(char32_t character);
+    void textCommand(TextCommand command);
+    void focusGained();
+    void focusLost();
+    [[nodiscard]] Cursor cursor() const { return m_cursor; }
+
+    // ---- for scripts ----
+    [[nodiscard]] swf::Point mousePosition() const { return m_mouse; } ///< stage twips
+    [[nodiscard]] bool isKeyDown(int keyCode) const;
+    [[nodiscard]] bool isKeyToggled(int keyCode) const;
+    [[nodiscard]] int lastKeyCode() const { return m_lastKeyCode; }
+    [[nodiscard]] int lastCharCode() const { return m_lastCharCode; }
+    [[nodiscard]] Node* focus() const { return m_focus.get(); }
+    void setFocus(Node* node);
+    struct DragLimits {
+        double left = 0, top = 0, right = 0, bottom = 0; ///< pixels in the parent's space
+    };
+    void startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits);
+    void stopDrag();
+    [[nodiscard]] Clip* dragged() const;
+    [[nodiscard]] Clip* dropTarget() const { return m_dropTarget; }
+    /// The topmost node that is drawn at a point of the stage, for _droptarget and hit testing.
+    [[nodiscard]] Node* topNodeAt(swf::Point stagePoint, const Node* except = nullptr);
+    void setMouseVisible(bool visible);
+
+private:
+    friend class Node;
+    friend class Clip;
+    class Input;
+    Services m_services;
+    ScriptHost* m_script;
+    MoviePtr m_movie;
+    std::string m_url;
+    std::map<int, std::shared_ptr<Clip>> m_levels;
+    double m_nowMs = 0, m_frameRate = 12;
+    bool m_loop = true, m_fullScreen = false;
+    int m_viewWidth = 0, m_viewHeight = 0;
+    ScaleMode m_scaleMode = ScaleMode::ShowAll;
+    unsigned m_align = 0;
+    Quality m_quality = Quality::High;
+    swf::Rgba m_background{255, 255, 255, 255};
+    Cursor m_cursor = Cursor::Arrow;
+    swf::Point m_mouse;
+    int m_lastKeyCode = 0, m_lastCharCode = 0;
+    std::shared_ptr<Node> m_focus;
+    Clip* m_dropTarget = nullptr;
+};
+
+} // namespace flash::stage
