@@ -21,6 +21,17 @@ using MoviePtr = std::shared_ptr<const swf::Movie>;
 /// Names a sound's owner (a clip whose stream plays). Never dereferenced by a sound system.
 using SoundOwner = const void*;
 
+/// One playing sound that a script started; 0 is none.
+using SoundId = std::uint64_t;
+
+/// What a script sets on a clip, or on everything. Percent. The left speaker gets left * leftToLeft + right *
+/// rightToLeft, all of it times the volume.
+struct SoundTransform {
+    double leftToLeft = 100, rightToLeft = 0, leftToRight = 0, rightToRight = 100;
+    double volume = 100;
+    friend bool operator==(const SoundTransform&, const SoundTransform&) = default;
+};
+
 /// Event sounds and synchronised streams. Works on simulated time: the owner of stage and sound moves both by
 /// the same amounts, so nothing has to be kept in step here.
 class SoundSystem
@@ -43,6 +54,39 @@ public:
     virtual void stopStream(SoundOwner) {}
     /// Everything that plays now, streams included.
     virtual void stopAll() {}
+
+    // ---- sounds of scripts. An owner is the address of the node a script's Sound speaks for; null is the
+    // ---- whole movie. A sound obeys its owner's transform, those of the owner's parents and the movie's.
+    /// Starts a sound of the dictionary. @returns what names it below; 0 when nothing was started.
+    virtual SoundId playSound(SoundOwner, const MoviePtr& /*movie*/, std::uint16_t /*soundId*/,
+                              const swf::Sound&, const swf::SoundInfo&)
+    {
+        return 0;
+    }
+    /// Starts an MP3 file that a script loaded.
+    virtual SoundId playFile(SoundOwner, const std::shared_ptr<const std::vector<std::uint8_t>>& /*mp3*/,
+                             const swf::SoundInfo&)
+    {
+        return 0;
+    }
+    virtual void stopSound(SoundId) {}
+    /// Stops every sound of the owner and of what lies below it, streams included; null stops everything.
+    virtual void stopOwner(SoundOwner) {}
+    /// Stops every sound made from a symbol of the dictionary that was started for the owner.
+    virtual void stopSymbol(SoundOwner, const MoviePtr& /*movie*/, std::uint16_t /*soundId*/) {}
+    /// How far into the sound it plays; the last position once it has ended, while it is remembered.
+    [[nodiscard]] virtual double positionMs(SoundId) { return 0; }
+    [[nodiscard]] virtual double durationMs(const swf::Sound& sound)
+    {
+        return sound.rate > 0 ? 1000.0 * sound.sampleCount / sound.rate : 0;
+    }
+    [[nodiscard]] virtual double fileDurationMs(base::Bytes /*mp3*/) { return 0; }
+    /// Sounds started by playSound() or playFile() that played to their end since the last call.
+    [[nodiscard]] virtual std::vector<SoundId> takeFinished() { return {}; }
+    [[nodiscard]] virtual SoundTransform transform(SoundOwner) { return {}; }
+    virtual void setTransform(SoundOwner, const SoundTransform&) {}
+    /// The node went away for good: its transform is forgotten; what it started plays on.
+    virtual void ownerRemoved(SoundOwner) {}
 };
 
 struct LoadRequest {
