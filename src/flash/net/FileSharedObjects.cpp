@@ -1,0 +1,59 @@
+#include "flash/net/FileSharedObjects.h"
+
+#include "base/Files.h"
+
+#include <system_error>
+
+namespace flash::net
+{
+
+namespace fs = std::filesystem;
+
+fs::path FileSharedObjects::fileFor(std::string_view name) const
+{
+    // The characters that the genuine player refuses in a name, and what a file system may trip over.
+    constexpr std::string_view kForbidden = "~%&\\;:\"',<>?# ";
+    if (name.empty() || name.size() > kMaxNameBytes) return {};
+    std::string file;
+    for (const char c : name) {
+        if (static_cast<unsigned char>(c) < 0x20 || kForbidden.find(c) != std::string_view::npos) return {};
+        // A slash makes no folder, and "%" is free to stand for it because names may not hold one.
+        if (c == '/') {
+            file += "%2F";
+        } else {
+            file += c;
+        }
+    }
+    return m_folder / (file + ".sol"); // a name of dots alone is none any more
+}
+
+std::vector<std::uint8_t> FileSharedObjects::read(std::string_view name)
+{
+    const fs::path file = fileFor(name);
+    if (file.empty()) return {};
+    return base::readFile(file, kQuotaBytes).value_or(std::vector<std::uint8_t>());
+}
+
+bool FileSharedObjects::write(std::string_view name, const std::vector<std::uint8_t>& content)
+{
+    const fs::path file = fileFor(name);
+    if (file.empty()) return false;
+    std::error_code error;
+    fs::create_directories(m_folder, error);
+    std::uint64_t used = content.size();
+    for (const auto& entry : fs::directory_iterator(m_folder, error)) {
+        const std::uint64_t size = entry.path() == file ? 0 : entry.file_size(error);
+        if (!error) used += size;
+    }
+    if (used > kQuotaBytes) return false;
+    return base::replaceFile(file, base::Bytes(content)).has_value();
+}
+
+void FileSharedObjects::remove(std::string_view name)
+{
+    const fs::path file = fileFor(name);
+    std::error_code error;
+    if (!file.empty()) fs::remove(file, error);
+}
+
+} // namespace flash::net

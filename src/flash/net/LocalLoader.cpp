@@ -1,0 +1,149 @@
+#include "flash/net/LocalLoader.h"
+
+#include "base/Files.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace flash::net
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+std::string decodeEscapes(std::string_view text)
+{
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
+        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
+        if (low >= 0) {
+            out += static_cast<char>(high * 16 + low);
+            i += 2;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
+/// The scheme of an address, lower case; empty for plain paths. One letter before a colon is a drive.
+std::string schemeOf(std::string_view url)
+{
+    const auto colon = url.find(':');
+    if (colon == std::string_view::npos || colon < 2) return {};
+    std::string scheme;
+    for (const char c : url.substr(0, colon)) {
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        const bool other = (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+        if (!letter && !(other && !scheme.empty())) return {};
+        scheme += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    }
+    return scheme;
+}
+
+std::string_view withoutQuery(std::string_view url) { return url.substr(0, url.find_first_of("?#")); }
+
+std::string withSlashes(std::string_view text)
+{
+    std::string out(text);
+    std::replace(out.begin(), out.end(), '\\', '/');
+    return out;
+}
+
+/// Takes "file:" and the slashes of an empty host off.
+std::string_view withoutScheme(std::string_view url)
+{
+    if (schemeOf(url) != "file") return url;
+    url.remove_prefix(5);
+    if (url.starts_with("//")) {
+        url.remove_prefix(2);
+        const auto slash = url.find('/');
+        url = slash == std::string_view::npos ? std::string_view() : url.substr(slash);
+    }
+    return url;
+}
+
+} // namespace
+
+std::string pathFromUrl(std::string_view url)
+{
+    return withSlashes(decodeEscapes(withoutScheme(withoutQuery(url))));
+}
+
+std::string urlFromPath(const fs::path& path)
+{
+    constexpr std::string_view kUnescaped = "-._~/:";
+    constexpr std::string_view kHex = "0123456789ABCDEF";
+    std::string out = "file://";
+    for (const char c : path.generic_string()) {
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                           kUnescaped.find(c) != std::string_view::npos;
+        if (plain) {
+            out += c;
+        } else {
+            const auto byte = static_cast<unsigned char>(c);
+            out += '%';
+            out += kHex[byte >> 4];
+            out += kHex[byte & 15];
+        }
+    }
+    return out;
+}
+
+LocalLoader::LocalLoader(const fs::path& root)
+{
+    std::error_code error;
+    m_root = fs::canonical(root, error);
+    if (error) m_root.clear();
+}
+
+bool LocalLoader::isInside(const fs::path& canonical) const
+{
+    if (m_root.empty()) return false;
+    return std::mismatch(m_root.begin(), m_root.end(), canonical.begin(), canonical.end()).first ==
+           m_root.end();
+}
+
+base::Result<fs::path> LocalLoader::resolve(std::string_view url, std::string_view baseUrl) const
+{
+    const std::string scheme = schemeOf(url);
+    if (!scheme.empty() && scheme != "file") {
+        return base::fail(base::ErrorCode::Denied,
+                          std::string(url) + ": only files beside the movie are loaded");
+    }
+    std::error_code error;
+    fs::path base = fs::canonical(fs::path(pathFromUrl(baseUrl)).parent_path(), error);
+    if (error || !isInside(base)) base = m_root;
+
+    // The name as it stands comes first: real files have "%" in their names, and movies name them so.
+    const std::string literal = withSlashes(withoutScheme(withoutQuery(url)));
+    for (const std::string& name : {literal, decodeEscapes(literal)}) {
+        if (name.empty() || name.find('\0') != std::string::npos) continue;
+        const fs::path found = fs::canonical(base / name, error);
+        if (!error && isInside(found) && fs::is_regular_file(found, error)) return found;
+    }
+    return base::fail(base::ErrorCode::NotFound, std::string(url) + ": no such file beside the movie");
+}
+
+base::Result<stage::LoadAnswer> LocalLoader::load(const stage::LoadRequest& request)
+{
+    const fs::path file = TRY_RESULT(resolve(request.url, request.baseUrl));
+    stage::LoadAnswer answer;
+    answer.bytes = TRY_RESULT(base::readFile(file, kMaxFileBytes));
+    const auto query = request.url.find('?');
+    answer.url = urlFromPath(file) + (query == std::string::npos ? "" : request.url.substr(query));
+    return answer;
+}
+
+} // namespace flash::net
