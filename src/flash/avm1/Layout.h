@@ -1,0 +1,95 @@
+#pragma once
+
+#include "flash/avm1/String.h"
+
+#include <unordered_map>
+
+namespace flash::avm1
+{
+
+/// Attributes of a property, numbered as ASSetPropFlags numbers them. The bits from OnlyFrom6 up hide the
+/// property from movies of other versions.
+enum PropertyFlag : std::uint16_t {
+    kDontEnum = 1 << 0,
+    kDontDelete = 1 << 1,
+    kReadOnly = 1 << 2,
+    kFrom6 = 1 << 7,
+    kNot6 = 1 << 8,
+    kFrom7 = 1 << 10,
+    kFrom8 = 1 << 12,
+    kFrom9 = 1 << 13,
+    kFrom10 = 1 << 14,
+    kVersionMask = kFrom6 | kNot6 | kFrom7 | kFrom8 | kFrom9 | kFrom10,
+    /// What built-in members carry.
+    kBuiltIn = kDontEnum | kDontDelete,
+    /// The slot holds an Accessor. Not a flag that scripts can reach.
+    kAccessor = 1 << 15,
+};
+
+/// @returns whether a movie of that version sees a property with these flags.
+[[nodiscard]] inline bool isVisible(std::uint16_t flags, int version)
+{
+    if ((flags & kVersionMask) == 0) return true;
+    return !(((flags & kFrom6) != 0 && version < 6) || ((flags & kNot6) != 0 && version == 6) ||
+             ((flags & kFrom7) != 0 && version < 7) || ((flags & kFrom8) != 0 && version < 8) ||
+             ((flags & kFrom9) != 0 && version < 9) || ((flags & kFrom10) != 0 && version < 10));
+}
+
+/// Which properties an object has, with which flags, in which slots. Objects built the same way share one
+/// immutable layout, found by following transitions from the empty one; that is what lets an inline cache
+/// remember a slot. An object that deletes properties, changes flags or grows large gets a layout of its own,
+/// which is changed in place.
+class Layout final : public Cell
+{
+public:
+    static constexpr std::uint32_t kMissing = 0xFFFF'FFFF;
+    static constexpr std::uint32_t kLargestShared = 48; ///< properties
+
+    struct Property {
+        Name name;
+        std::uint16_t flags = 0;
+        std::uint32_t slot = 0;
+    };
+
+    Layout() = default; // the empty shared layout
+
+    [[nodiscard]] bool isShared() const { return !m_own; }
+    /// Properties in the order they were added.
+    [[nodiscard]] const std::vector<Property>& properties() const { return m_properties; }
+    /// @returns the position in properties(), or kMissing.
+    [[nodiscard]] std::uint32_t find(Name name, bool caseSensitive) const;
+    /// Slots that an object of this layout needs.
+    [[nodiscard]] std::uint32_t slotCount() const { return m_slotCount; }
+
+    /// @returns the layout with one property more, in slot slotCount(); this one itself when it is not
+    /// shared.
+    Layout* withAdded(Heap& heap, Name name, std::uint16_t flags);
+    /// @returns an unshared copy.
+    Layout* ownCopy(Heap& heap) const;
+    // For unshared layouts only.
+    void setFlags(std::uint32_t position, std::uint16_t flags) { m_properties[position].flags = flags; }
+    void remove(std::uint32_t position);
+
+    void trace(Tracer& tracer) override;
+
+private:
+    void buildIndex() const;
+    static constexpr std::size_t kIndexFrom = 8; // properties; below, a walk is faster than hashing
+
+    std::vector<Property> m_properties;
+    std::uint32_t m_slotCount = 0;
+    std::vector<std::uint32_t> m_freeSlots; // left behind by removals; unshared layouts only
+    // Folded name to the first position of that folding; made at the first look-up. Names that differ in case
+    // only are chained through m_sameFold.
+    mutable std::unordered_multimap<NameText*, std::uint32_t> m_index;
+    mutable bool m_indexed = false;
+    bool m_own = false;
+    struct Transition {
+        Name name;
+        std::uint16_t flags;
+        Layout* to;
+    };
+    std::vector<Transition> m_transitions;
+};
+
+} // namespace flash::avm1

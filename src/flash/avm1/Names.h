@@ -1,0 +1,50 @@
+#pragma once
+
+#include "flash/avm1/String.h"
+
+#include <unordered_map>
+
+namespace flash::avm1
+{
+
+/// The table of interned names. Holds them weakly: a name that no layout, code block or stack mentions goes
+/// away with the next collection, so that a movie counting through millions of keys does not fill the memory.
+class Names
+{
+public:
+    explicit Names(Heap& heap);
+    Names(const Names&) = delete;
+    Names& operator=(const Names&) = delete;
+
+    Name intern(std::u16string_view text);
+    Name intern(std::string_view latin1);
+    Name intern(String* string);
+    Name fromIndex(std::uint32_t index);
+
+    /// @returns the text in lower case, as names are folded: letters of Latin, Greek and Cyrillic.
+    static std::u16string fold(std::u16string_view text);
+
+    /// Names the engine itself looks up. Never collected.
+    struct Common {
+        Name empty, proto, prototype, constructor, constructorInternal, resolve, length, toString, valueOf,
+            callee, caller, arguments, self, super, root, parent, global, undefined, null, trueText,
+            falseText, onUnload, name, message;
+    };
+    [[nodiscard]] const Common& common() const { return m_common; }
+
+private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::u16string_view text) const
+        {
+            return std::hash<std::u16string_view>{}(text);
+        }
+    };
+    void dropUnmarked();
+
+    Heap& m_heap;
+    std::unordered_map<std::u16string_view, NameText*> m_table; // the views point into the names' own text
+    Common m_common;
+};
+
+} // namespace flash::avm1

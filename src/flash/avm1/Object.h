@@ -1,0 +1,205 @@
+#pragma once
+
+#include "flash/avm1/Layout.h"
+#include "flash/avm1/Value.h"
+
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace flash::avm1
+{
+
+class Function;
+class Object;
+class Vm;
+
+/// Getter and setter of a property made by addProperty. Either may be null.
+class Accessor final : public Cell
+{
+public:
+    Accessor(Object* getter, Object* setter) : getter(getter), setter(setter) {}
+    void trace(Tracer& tracer) override;
+    Object* getter;
+    Object* setter;
+};
+
+/// Collects the names that a for-in loop walks, without duplicates and without hidden names.
+class NameCollector
+{
+public:
+    NameCollector(Vm& vm, std::vector<Name>& names) : m_vm(vm), m_names(names) {}
+    /// In the order in which the loop shall see them. @param flags a name with kDontEnum hides those of the
+    /// same name further up the prototype chain.
+    void add(Name name, std::uint16_t flags = 0);
+
+private:
+    Vm& m_vm;
+    std::vector<Name>& m_names;
+    std::vector<Name> m_seen;
+};
+
+/// What makes an object more than a bag of properties: a date's time, an array's elements, a clip's place on
+/// the stage. A constructor attaches it to `this`, so that it works for classes that scripts derive, too.
+///
+/// Objects with hooks are asked through getOwn and its siblings for every access to their own properties; a
+/// hook that has no say calls the object's plain function of the same name (Object::getPlain for getOwn).
+class Native
+{
+public:
+    virtual ~Native() = default;
+    virtual void trace(Tracer&) {}
+
+    /// Identifies the class: the address of a static variable of it (`T::kTag`, found by Object::native<T>).
+    [[nodiscard]] virtual const void* tag() const = 0;
+    /// What the typeof operator says.
+    [[nodiscard]] virtual std::string_view typeOf() const { return "object"; }
+    /// @returns whether the functions below are to be asked. Must not change while attached.
+    [[nodiscard]] virtual bool hasHooks() const { return false; }
+
+    /// Looks for an own property. @param receiver what getters see as `this`.
+    /// @returns whether there is one; its value is in `result` then.
+    virtual bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result);
+    /// Assigns to self, setters of self included; those of prototypes have been asked already when there is
+    /// no own property. Names are created when missing.
+    virtual void putOwn(Vm& vm, Object& self, Name name, Value value);
+    virtual bool hasOwn(Vm& vm, Object& self, Name name);
+    /// @returns whether something was removed.
+    virtual bool deleteOwn(Vm& vm, Object& self, Name name);
+    virtual void enumerateOwn(Vm& vm, Object& self, NameCollector& names);
+    /// @returns the value that primitive conversion uses instead of asking valueOf and toString, or
+    /// undefined.
+    virtual Value primitive(Vm&, Object&) { return Value::undefined(); }
+};
+
+class Object : public Cell
+{
+public:
+    Object(Vm& vm, Object* prototype);
+
+    // ---- access with the whole protocol: hooks, prototypes, getters, setters, watches, __resolve
+    // ----------- Whether names differ by case, and which properties show, depends on the version of the
+    // running movie (Vm::version).
+
+    Value get(Vm& vm, Name name);
+    /// As get, with other eyes: getters and __resolve see `receiver` as `this`. For `super` and primitives.
+    Value get(Vm& vm, Name name, Value receiver);
+    /// @returns whether the object or one of its prototypes has the property. __resolve is not asked.
+    bool find(Vm& vm, Name name, Value& result, Value receiver);
+    void put(Vm& vm, Name name, Value value);
+    bool has(Vm& vm, Name name);
+    bool hasOwn(Vm& vm, Name name);
+    /// @returns whether a property was removed; protected ones stay.
+    bool remove(Vm& vm, Name name);
+    /// Names of this object and its prototypes as a for-in loop sees them, the first one first.
+    std::vector<Name> enumerate(Vm& vm);
+
+    // ---- own properties of the bag, past any hooks
+    // ----------------------------------------------------------
+
+    bool getPlain(Vm& vm, Name name, Value receiver, Value& result);
+    /// Assigns to an own property or creates it. Read-only ones stay; setters and watches are called.
+    void putPlain(Vm& vm, Name name, Value value);
+    bool hasPlain(Vm& vm, Name name) const;
+    bool deletePlain(Vm& vm, Name name);
+    void enumeratePlain(NameCollector& names) const;
+
+    /// Creates or overwrites an own property with its flags, asking nobody. For natives that furnish objects.
+    void define(Vm& vm, Name name, Value value, std::uint16_t flags = 0);
+    void define(Vm& vm, std::string_view name, Value value, std::uint16_t flags = 0);
+    /// As define, with a getter and a setter, either of which may be null.
+    void defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags = 0);
+    /// Sets, then clears, flags of one own property (a null name: of all).
+    void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear);
+
+    // ---- prototype
+    // -----------------------------------------------------------------------------------------
+
+    /// The value of `__proto__`, which scripts may set to anything; only objects are followed.
+    [[nodiscard]] Value protoValue() const { return m_proto; }
+    [[nodiscard]] Object* prototype() const { return m_proto.asObject(); }
+    void setProto(Vm& vm, Value proto);
+    /// @returns whether `prototype` is in the chain, interfaces included (the instanceof operator).
+    bool isInstance(Vm& vm, Object* prototype) const;
+
+    static constexpr int kLongestPrototypeChain = 255;
+
+    // ---- native side
+    // ---------------------------------------------------------------------------------------
+
+    [[nodiscard]] Native* nativeBase() const { return m_native.get(); }
+    /// @returns the native side when it is a T, or null.
+    template <class T>
+    [[nodiscard]] T* native() const
+    {
+        return m_native != nullptr && m_native->tag() == &T::kTag ? static_cast<T*>(m_native.get()) : nullptr;
+    }
+    /// Replaces the native side.
+    void attach(std::unique_ptr<Native> native);
+    template <class T, class... Args>
+    T& attachNew(Args&&... args)
+    {
+        auto native = std::make_unique<T>(std::forward<Args>(args)...);
+        T& reference = *native;
+        attach(std::move(native));
+        return reference;
+    }
+
+    /// @returns this as a function, or null. Defined in Function.h.
+    [[nodiscard]] inline Function* asFunction();
+    [[nodiscard]] bool isFunction() const { return m_isFunction; }
+    [[nodiscard]] bool hasHooks() const { return m_hasHooks; }
+    [[nodiscard]] std::string_view typeOf() const;
+
+    // ---- watches and interfaces
+    // ----------------------------------------------------------------------------
+
+    void watch(Name name, Object* callback, Value userData);
+    bool unwatch(Vm& vm, Name name);
+    void addInterface(Object* prototype);
+
+    // ---- for the interpreter's inline caches
+    // ---------------------------------------------------------------
+
+    [[nodiscard]] const Layout* layout() const { return m_layout; }
+    [[nodiscard]] Value slot(std::uint32_t index) const { return m_slots[index]; }
+    void setSlot(std::uint32_t index, Value value) { m_slots[index] = value; }
+    [[nodiscard]] bool hasWatches() const { return m_extras != nullptr && !m_extras->watches.empty(); }
+
+    void trace(Tracer& tracer) override;
+
+protected:
+    bool m_isFunction = false;
+
+private:
+    struct Watch {
+        Name name;
+        Object* callback;
+        Value userData;
+        bool running;
+    };
+    struct Extras {
+        std::vector<Watch> watches;
+        std::vector<Object*> interfaces;
+    };
+    Extras& extras();
+    void addProperty(Vm& vm, Name name, Value value, std::uint16_t flags);
+    void becomeUnshared(Vm& vm);
+    void noteShapeChange(Vm& vm);
+    Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);
+    std::uint32_t findVisible(const Vm& vm, Name name) const;
+    bool findSetter(Vm& vm, Name name, Object*& setter);
+
+    bool m_hasHooks = false;
+    bool m_isPrototype = false; // of some object: its changes outdate caches that looked through it
+    bool m_protoIsSet = true;   // cleared when a script deletes __proto__
+    std::uint16_t m_protoFlags = kBuiltIn;
+    Layout* m_layout;
+    std::vector<Value> m_slots;
+    Value m_proto;
+    std::unique_ptr<Native> m_native;
+    std::unique_ptr<Extras> m_extras;
+};
+
+} // namespace flash::avm1

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "flash/avm1/Heap.h"
+
+#include <string>
+#include <string_view>
+
+namespace flash::avm1
+{
+
+class NameText;
+
+/// A script string: immutable UTF-16 text. Long concatenations stay a tree of their parts until someone looks
+/// at the text, so that building a string piece by piece costs time linear in its length.
+class String : public Cell
+{
+public:
+    explicit String(std::u16string text) : m_length(text.size()), m_text(std::move(text)) {}
+    String(String* left, String* right);
+
+    /// @returns the text; valid as long as this string lives.
+    [[nodiscard]] std::u16string_view view()
+    {
+        if (m_left != nullptr) flatten();
+        return m_text;
+    }
+    /// UTF-16 units.
+    [[nodiscard]] std::size_t length() const { return m_length; }
+    [[nodiscard]] bool isEmpty() const { return m_length == 0; }
+
+    void trace(Tracer& tracer) override;
+
+protected:
+    friend class Names;
+    std::size_t m_length;
+    std::u16string m_text;
+    // Both set while this is an unflattened concatenation.
+    String* m_left = nullptr;
+    String* m_right = nullptr;
+    NameText* m_name = nullptr; // the interned twin once it was asked for; itself when interned
+
+private:
+    void flatten();
+};
+
+/// An interned string: one cell for each text.
+class NameText final : public String
+{
+public:
+    static constexpr std::uint32_t kNotIndex = 0xFFFF'FFFF;
+    explicit NameText(std::u16string text);
+
+    void trace(Tracer& tracer) override;
+
+private:
+    friend class Name;
+    friend class Names;
+    NameText* m_folded = this;         // the lower-case spelling; itself when it is one
+    std::uint32_t m_index = kNotIndex; // the array index that this text spells in canonical form
+};
+
+/// A property or variable name, interned: two names are the same when their pointers are, and the same but
+/// for case when their folded pointers are. Being pointers to cells, names are kept alive like values: by
+/// layouts, code, the C++ stack.
+class Name
+{
+public:
+    Name() = default;
+    explicit Name(NameText* text) : m_text(text) {}
+
+    [[nodiscard]] bool isNull() const { return m_text == nullptr; }
+    [[nodiscard]] std::u16string_view view() const { return m_text->view(); }
+    [[nodiscard]] String* string() const { return m_text; }
+    [[nodiscard]] NameText* cell() const { return m_text; }
+    [[nodiscard]] Name folded() const { return Name(m_text->m_folded); }
+    /// @returns the array index this name spells ("0", "17", not "017"), or NameText::kNotIndex.
+    [[nodiscard]] std::uint32_t arrayIndex() const { return m_text->m_index; }
+    /// @returns whether the two are the same name to a movie that does, or does not, tell cases apart.
+    [[nodiscard]] bool matches(Name other, bool caseSensitive) const
+    {
+        return m_text == other.m_text || (!caseSensitive && m_text->m_folded == other.m_text->m_folded);
+    }
+    friend bool operator==(Name a, Name b) { return a.m_text == b.m_text; }
+
+private:
+    NameText* m_text = nullptr;
+};
+
+} // namespace flash::avm1

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace flash::avm1
+{
+
+class Cell;
+class Object;
+class String;
+
+/// A script value in 64 bits. Numbers are stored as they are; everything else hides in the bit patterns of
+/// NaNs that arithmetic does not produce: a tag in the upper 16 bits, a pointer or a flag in the lower 48.
+class Value
+{
+public:
+    enum class Type : std::uint8_t { Number, Undefined, Null, Boolean, String, Object };
+
+    constexpr Value() : m_bits(kUndefined) {}
+    Value(double number) : m_bits(number == number ? std::bit_cast<std::uint64_t>(number) : kCanonicalNaN) {}
+    Value(int number) : Value(static_cast<double>(number)) {}
+    Value(unsigned number) : Value(static_cast<double>(number)) {}
+    Value(bool flag) : m_bits(kBoolean | static_cast<std::uint64_t>(flag)) {}
+    /// A null pointer becomes undefined, which is what scripts see of things that are gone.
+    Value(Object* object) : m_bits(object == nullptr ? kUndefined : kObject | pointerBits(object)) {}
+    Value(String* string) : m_bits(string == nullptr ? kUndefined : kString | pointerBits(string)) {}
+    // A literal would otherwise turn into `true` without a word.
+    Value(const char*) = delete;
+    Value(const char16_t*) = delete;
+
+    static constexpr Value undefined() { return Value(); }
+    static constexpr Value null() { return Value(Bits{kNull}); }
+
+    [[nodiscard]] Type type() const
+    {
+        return m_bits < kUndefined ? Type::Number
+                                   : static_cast<Type>((m_bits >> 48) - (kUndefined >> 48) + 1);
+    }
+    [[nodiscard]] bool isNumber() const { return m_bits < kUndefined; }
+    [[nodiscard]] bool isUndefined() const { return m_bits == kUndefined; }
+    [[nodiscard]] bool isNull() const { return m_bits == kNull; }
+    [[nodiscard]] bool isNullish() const { return isUndefined() || isNull(); }
+    [[nodiscard]] bool isBoolean() const { return (m_bits >> 48) == (kBoolean >> 48); }
+    [[nodiscard]] bool isString() const { return (m_bits >> 48) == (kString >> 48); }
+    [[nodiscard]] bool isObject() const { return (m_bits >> 48) == (kObject >> 48); }
+
+    // Each of these is to be asked only of a value of that type.
+    [[nodiscard]] double number() const { return std::bit_cast<double>(m_bits); }
+    [[nodiscard]] bool boolean() const { return (m_bits & 1) != 0; }
+    [[nodiscard]] String* string() const { return reinterpret_cast<String*>(m_bits & kPointerMask); }
+    [[nodiscard]] Object* object() const { return reinterpret_cast<Object*>(m_bits & kPointerMask); }
+
+    /// @returns the object, or null when the value is something else.
+    [[nodiscard]] Object* asObject() const { return isObject() ? object() : nullptr; }
+
+    /// The bits: equal bits mean the same object, the same string cell, or the same number (NaN included).
+    [[nodiscard]] std::uint64_t bits() const { return m_bits; }
+
+private:
+    struct Bits {
+        std::uint64_t value;
+    };
+    constexpr explicit Value(Bits bits) : m_bits(bits.value) {}
+    static std::uint64_t pointerBits(const void* pointer)
+    {
+        return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer));
+    }
+
+    static constexpr std::uint64_t kCanonicalNaN = 0x7FF8'0000'0000'0000;
+    // In the order of Type.
+    static constexpr std::uint64_t kUndefined = 0xFFF9'0000'0000'0000;
+    static constexpr std::uint64_t kNull = 0xFFFA'0000'0000'0000;
+    static constexpr std::uint64_t kBoolean = 0xFFFB'0000'0000'0000;
+    static constexpr std::uint64_t kString = 0xFFFC'0000'0000'0000;
+    static constexpr std::uint64_t kObject = 0xFFFD'0000'0000'0000;
+    static constexpr std::uint64_t kPointerMask = 0x0000'FFFF'FFFF'FFFF;
+
+    std::uint64_t m_bits;
+};
+
+static_assert(sizeof(Value) == 8);
+
+} // namespace flash::avm1

@@ -1,0 +1,201 @@
+#pragma once
+
+#include "flash/avm1/Convert.h"
+#include "flash/avm1/Function.h"
+#include "flash/avm1/Heap.h"
+#include "flash/avm1/Host.h"
+#include "flash/avm1/Names.h"
+#include "flash/avm1/Numbers.h"
+#include "flash/swf/Movie.h"
+
+#include <initializer_list>
+#include <map>
+#include <unordered_map>
+
+namespace flash::avm1
+{
+
+class Code;
+struct Frame;
+
+/// Prototypes of the built-in classes that natives need to make instances.
+struct BuiltIns {
+    Object* object = nullptr;
+    Object* function = nullptr;
+    Object* array = nullptr;
+    Object* string = nullptr;
+    Object* number = nullptr;
+    Object* boolean = nullptr;
+    Object* date = nullptr;
+    Object* error = nullptr;
+};
+
+/// The ActionScript virtual machine: heap, names, global object, interpreter, timers. One for a player
+/// instance; one thread.
+class Vm
+{
+public:
+    explicit Vm(Host& host);
+    ~Vm();
+    Vm(const Vm&) = delete;
+    Vm& operator=(const Vm&) = delete;
+
+    Heap& heap() { return m_heap; }
+    Names& names() { return m_names; }
+    [[nodiscard]] const Names::Common& common() const { return m_names.common(); }
+    Host& host() { return m_host; }
+    Object* global() { return m_global; }
+    BuiltIns& builtIns() { return m_builtIns; }
+
+    // ---- running
+    // ---------------------------------------------------------------------------------------------
+
+    /// Runs a block of timeline or event actions. @param owner keeps the block's bytes alive (the movie).
+    /// @param target the clip that the actions belong to: `this`, and the base of paths and variables.
+    void run(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version, Object* target);
+
+    /// Calls a function, or does nothing when `function` is none.
+    /// @returns its result; undefined when it threw. The exception stays pending while script code is further
+    /// out; otherwise it is logged and dropped.
+    Value call(Value function, Value self, std::span<const Value> args);
+    Value call(Value function, Value self, std::initializer_list<Value> args)
+    {
+        return call(function, self, std::span<const Value>(args.begin(), args.size()));
+    }
+    /// Calls a method found by name; undefined when there is none.
+    Value callMethod(Object* object, Name method, std::span<const Value> args);
+    Value callMethod(Object* object, std::string_view method, std::initializer_list<Value> args = {});
+    /// The `new` operator. @returns undefined when `constructor` is no function.
+    Value construct(Value constructor, std::span<const Value> args);
+    /// Calls a constructor with an existing object as `this`; for clips of registered classes.
+    void constructOn(Object* object, Function* constructor, std::span<const Value> args);
+
+    /// Script throw from a native function: set, then return.
+    void throwValue(Value value);
+    /// @returns whether a native that calls script in a loop must return at once: an exception is on its way,
+    /// or the script is being stopped.
+    [[nodiscard]] bool isUnwinding() const { return m_thrown || m_aborted; }
+
+    /// Version of the movie whose script runs; decides conversions, visibility and case.
+    [[nodiscard]] int version() const { return m_version; }
+    [[nodiscard]] bool isCaseSensitive() const { return m_version >= 7; }
+    /// The clip that the running script targets, or null.
+    [[nodiscard]] Object* target() const;
+
+    /// Lets natives run outside of script with the version of a given movie.
+    class VersionScope
+    {
+    public:
+        VersionScope(Vm& vm, int version) : m_vm(vm), m_previous(vm.m_version) { vm.m_version = version; }
+        ~VersionScope() { m_vm.m_version = m_previous; }
+        VersionScope(const VersionScope&) = delete;
+        VersionScope& operator=(const VersionScope&) = delete;
+
+    private:
+        Vm& m_vm;
+        int m_previous;
+    };
+
+    // ---- paths and variables
+    // ---------------------------------------------------------------------------------
+
+    /// Resolves "/a/b", "a.b", "../c", "_level1.a", "" (base itself). @returns null when it leads nowhere.
+    Object* resolveTarget(Object* base, std::u16string_view path);
+    /// Reads a variable of a clip by name or path ("/a:x", "a.b.x"), as text fields and loadVariables do.
+    Value getVariable(Object* clip, std::u16string_view path);
+    void setVariable(Object* clip, std::u16string_view path, Value value);
+
+    // ---- making things
+    // ---------------------------------------------------------------------------------------
+
+    String* string(std::u16string text);
+    String* string(std::u16string_view text) { return string(std::u16string(text)); }
+    /// From Latin-1 bytes; for the engine's own words.
+    String* string(std::string_view latin1);
+    String* string(char16_t unit);
+    Name name(std::string_view latin1) { return m_names.intern(latin1); }
+    Name name(std::u16string_view text) { return m_names.intern(text); }
+    Object* newObject();
+    Object* newObject(Object* prototype);
+    Object* newArray(std::span<const Value> elements = {});
+    Function* newFunction(NativeFunction function, int least = 0);
+
+    /// Puts a class's functions on an object. @param nativeTable first number of ASnative; -1 for none.
+    void addMembers(Object* object, std::span<const MemberInfo> members, int nativeTable = -1);
+    void addAccessors(Object* object, std::span<const AccessorInfo> accessors);
+    /// Makes a class: constructor function on _global and its prototype object, linked both ways.
+    /// @returns the constructor; its prototype is `prototypeOf(constructor)`.
+    Function* defineClass(std::string_view className, NativeFunction constructor,
+                          std::span<const MemberInfo> prototypeMembers = {}, std::uint16_t flags = 0,
+                          int nativeTable = -1);
+    Object* prototypeOf(Object* constructor);
+    /// Registers what ASnative(table, index) answers.
+    void registerNative(int table, int index, NativeFunction function, int least = 0);
+    Function* nativeByNumber(int table, int index);
+
+    // ---- timers
+    // ----------------------------------------------------------------------------------------------
+
+    /// Runs what setInterval and setTimeout are due for at Host::timeMs().
+    void advanceTimers();
+    /// @returns when the next timer is due, or nothing; milliseconds on the scale of Host::timeMs().
+    [[nodiscard]] std::optional<double> nextTimerMs() const;
+
+    // ---- memory
+    // ----------------------------------------------------------------------------------------------
+
+    /// To be called between frames.
+    void collectIfDue();
+    void collect() { m_heap.collect(); }
+    /// Collects at every safe point, to find what is not kept alive. For tests.
+    void setStressCollector(bool on) { m_stress = on; }
+    /// Outdates all inline caches.
+    void bumpEpoch() { ++m_epoch; }
+    [[nodiscard]] std::uint32_t epoch() const { return m_epoch; }
+
+    static constexpr int kMostNestedCalls = 256;
+    static constexpr double kScriptTimeoutMs = 15000;
+
+private:
+    friend struct Interpreter;
+    friend class VersionScope;
+    struct Timer {
+        Value function;
+        Value self;
+        Value method; // a name to look up at each call when self is an object and function is undefined
+        std::vector<Value> args;
+        double periodMs, dueMs;
+        bool repeats;
+        int version;
+    };
+    void traceRoots(Tracer& tracer);
+    Code* codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version);
+    void reportUncaught();
+
+    Host& m_host;
+    Heap m_heap;
+    Names m_names;
+    Object* m_global = nullptr;
+    BuiltIns m_builtIns;
+    Layout* m_emptyLayout = nullptr;
+    int m_version = 8;
+    std::uint32_t m_epoch = 1;
+    bool m_thrown = false, m_aborted = false, m_stress = false;
+    Value m_exception;
+    Frame* m_frame = nullptr; // innermost
+    int m_depth = 0;
+    double m_startedMs = 0; // real time at which the outermost script started
+    Value m_registers[4];
+    std::unordered_map<const void*, Code*> m_code;
+    std::map<std::pair<int, int>, Function*> m_natives;
+    std::map<int, Timer> m_timers;
+    int m_nextTimer = 1;
+
+public:
+    [[nodiscard]] Layout* emptyLayout() const { return m_emptyLayout; }
+    int addTimer(Value function, Value self, Value method, std::vector<Value> args, double periodMs,
+                 bool repeats);
+    bool removeTimer(int id) { return m_timers.erase(id) > 0; }
+};
+
+} // namespace flash::avm1
