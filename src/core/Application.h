@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QString>
+#include <filesystem>
+
+// core/: start-up, application paths, the event log, error reporting and the error screen. Nothing here knows
+// of a movie, a skin or the player's window; what it needs from the window it asks through ErrorHost.
+
+namespace core
+{
+
+enum class LineBreak { None, Mark };
+
+/// The records that are one for the whole process, and the event log they name. One object, made by main()
+/// and passed down by reference; a test makes a fresh one over a temporary folder. Records of the floors
+/// above (the movie loaded, the browser's state) are members of those floors' own objects, which are built
+/// from this one.
+class Application
+{
+public:
+    // All are absolute and end in a separator, except the log file. Folder names are appended as they stand,
+    // so a program in the root folder has a doubled separator, which is accepted.
+    QString AppPath;     ///< the program's folder
+    QString CachePath;   ///< header copies, converted and extracted movies, thumbnails
+    QString SkinsPath;   ///< skin folders
+    QString GadgetsPath; ///< the program's own Flash pages
+    QString LogFile;     ///< the event log; empty: nothing is logged
+    QString
+        DataPath; ///< where the program may write: AppPath, or the user's own folder when that is read-only
+
+    /// Arms error handlers. False inside a development session, where errors pass through to the debugger.
+    bool RunningCompiled = false;
+
+    /// Sets all paths, deletes the journal of the run before and begins a new one.
+    /// @param appPath  the program's folder with its closing separator
+    /// @param dataPath the same for what is written: journal, cache and settings; empty means `appPath`
+    /// @throws base::Failure when the old journal cannot be deleted or the new one not written
+    void InitLog(const QString& appPath, const QString& dataPath = {});
+
+    /// Appends one line to the journal (windows-1251, CR LF). The file is open only meanwhile, so the journal
+    /// is complete up to its last entry even when the process dies.
+    /// @param text may hold HTML and is not escaped
+    /// @throws base::Failure when the journal cannot be written. It is thrown once: while the journal stays
+    ///         unwritable later entries are tried and dropped, so that a full disk costs one error screen and
+    ///         not the use of the player.
+    void LogEvent(const QString& text, LineBreak lineBreak = LineBreak::Mark);
+
+private:
+    void appendLine(const QString& text);
+
+    bool m_logFailed = false;
+};
+
+/// Escapes "<", ">" and the double quote. The ampersand is left alone on purpose, so that an entity that is
+/// there already survives.
+QString HtmlEscape(const QString& text);
+
+/// @returns product name, a space, and major "." minor "." revision
+QString GetAppVersion();
+
+/// @returns the log's line on the running system: "Windows 5.1 Build #2600", and in the same shape "Linux 6.1
+///          Build #0-18-amd64"
+QString systemLine();
+
+/// File names are UTF-8 on disk and QString in the program.
+std::filesystem::path filePath(const QString& path);
+
+/// @returns whether a file (not a folder) of that name exists, hidden and read-only ones included
+bool fileExists(const QString& path);
+
+} // namespace core

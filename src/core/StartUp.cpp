@@ -1,0 +1,58 @@
+#include "core/StartUp.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace core
+{
+namespace
+{
+
+/// A name that no shipped executable holds.
+constexpr const char* kDevelopmentProject = "ZorvexWorkbench";
+
+/// @returns the folder for what is written: empty when the program folder will do
+QString separateDataPath(const QString& appPath)
+{
+    if (QFileInfo(appPath).isWritable()) return {};
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/zorvex/";
+    QDir().mkpath(folder + "cache");
+    return QDir::toNativeSeparators(folder);
+}
+
+} // namespace
+
+void StartUp(Application& application, const QString& executable, const QString& commandLine,
+             const std::function<void()>& visualStyle)
+{
+    const QString appPath =
+        QDir::toNativeSeparators(QFileInfo(executable).absolutePath()) + QDir::separator();
+    application.InitLog(appPath, separateDataPath(appPath));
+    application.LogEvent(" :: Start Up");
+
+    application.RunningCompiled = !isDevelopmentSession(executable);
+    if (!application.RunningCompiled) application.LogEvent("<B> IDE Session!</B>");
+
+    application.LogEvent("Initializing Visual Styles");
+    if (visualStyle) visualStyle();
+
+    application.LogEvent("Application Path: " + application.AppPath);
+    application.LogEvent("Cache Path: " + application.CachePath);
+    application.LogEvent("Argument: " + commandLine);
+}
+
+QString commandLine(const QStringList& arguments)
+{
+    QStringList quoted;
+    for (const QString& argument : arguments)
+        quoted += argument.contains(' ') ? '"' + argument + '"' : argument;
+    return quoted.join(' ');
+}
+
+bool isDevelopmentSession(const QString& executable)
+{
+    return QFileInfo(executable).completeBaseName().contains(kDevelopmentProject, Qt::CaseInsensitive);
+}
+
+} // namespace core

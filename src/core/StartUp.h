@@ -1,0 +1,28 @@
+#pragma once
+
+#include "core/Application.h"
+
+#include <functional>
+
+namespace core
+{
+
+/// The steps of starting before there is a window: paths, journal, development test, visual style, and the
+/// journal's lines on all of them. No folder is created, with one exception: a program folder that the user
+/// may not write to (an installed program) moves journal, cache and settings to the user's own data folder.
+/// There is no guard against a second instance; each launch has its own journal, the later one wins.
+/// @param executable   absolute path of the running program
+/// @param commandLine  the arguments as one text, quotes included
+/// @param visualStyle  initialises the look of windows; a test passes nothing
+/// @throws base::Failure when the journal cannot be begun: no handler is armed this early
+void StartUp(Application& application, const QString& executable, const QString& commandLine,
+             const std::function<void()>& visualStyle = {});
+
+/// @returns the arguments joined by spaces, those holding a space in double quotes, as a shell passes one
+/// line
+QString commandLine(const QStringList& arguments);
+
+/// @returns whether the executable's base name holds the development project's name, in any case
+bool isDevelopmentSession(const QString& executable);
+
+} // namespace core
