@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/ByteReader.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace media
+{
+
+/// Bytes to a zlib stream.
+/// @param level zlib's, 0 to 9
+base::Result<std::vector<std::uint8_t>> CompressData(base::Bytes source, int level);
+
+/// A zlib stream to bytes. Memory grows with what the stream really yields, whatever length a header states.
+/// @param expectedLength the most bytes that are accepted
+/// @errors Malformed when the stream is damaged, Truncated when it ends early, LimitReached when it holds
+/// more
+base::Result<std::vector<std::uint8_t>> DecompressData(base::Bytes source, std::uint64_t expectedLength);
+
+/// Opens a compressed movie and inflates the first bytes of its body, touching no more of the file than they
+/// take.
+/// @returns up to `count` bytes, fewer when the body is shorter
+/// @errors  as for DecompressData, and those of reading the file
+base::Result<std::vector<std::uint8_t>> decompressStart(const std::filesystem::path& movie,
+                                                        std::size_t count);
+
+} // namespace media

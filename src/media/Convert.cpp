@@ -1,0 +1,147 @@
+#include "base/Files.h"
+#include "media/CacheName.h"
+#include "media/Compress.h"
+#include "media/MediaFiles.h"
+#include "media/MovieHeader.h"
+#include "media/Texts.h"
+
+#include <QDir>
+
+// The conversions between the plain ("FWS") and the compressed form ("CWS") of a movie. The new file takes
+// the old one's place in one step, after a copy of the old has gone to the cache: at no instant is it neither
+// old nor new.
+
+namespace media
+{
+namespace
+{
+
+/// No movie of the supported versions comes near; what does is made to fill the memory.
+constexpr std::uint64_t kLargestMovieBytes = std::uint64_t{1} << 30;
+
+/// A link keeps leading to the movie: what it leads to is what is replaced.
+std::filesystem::path replacedBy(const QString& path)
+{
+    std::error_code error;
+    const auto real = std::filesystem::canonical(core::filePath(path), error);
+    return error ? core::filePath(path) : real;
+}
+
+struct MovieBytes {
+    std::vector<std::uint8_t> file;
+    FileHeader header;
+    [[nodiscard]] base::Bytes body() const { return base::Bytes(file).subspan(kFileHeaderBytes); }
+};
+
+base::Result<MovieBytes> readMovie(const QString& path)
+{
+    MovieBytes movie;
+    movie.file = TRY_RESULT(base::readFile(core::filePath(path), kLargestMovieBytes));
+    movie.header = TRY_RESULT(readFileHeader(movie.file));
+    return movie;
+}
+
+base::Result<void> writeMovie(const QString& path, const FileHeader& header, const char* signature,
+                              base::Bytes body)
+{
+    const auto head = header.withSignature(signature);
+    const base::Bytes parts[] = {head, body};
+    return base::replaceFile(replacedBy(path), parts);
+}
+
+} // namespace
+
+QString MediaFiles::backupPath(const QString& path, const QString& extension) const
+{
+    // The cache path ends in a separator already; the doubled one is accepted by every system.
+    return m_application.CachePath + QDir::separator() + CacheName(path, extension);
+}
+
+QString MediaFiles::DecompressFlash(MediaInfo& info, Extent extent)
+{
+    const bool headerOnly = extent == Extent::HeaderOnly;
+    m_application.LogEvent({});
+    m_application.LogEvent(QString(" :: DecompressFlash (") + (headerOnly ? "Header Only" : "Full") + ")");
+    const QString target =
+        headerOnly ? m_application.CachePath + CacheName(info.MoviePath, ".tmp") : info.MoviePath;
+    if (headerOnly && core::fileExists(target)) {
+        m_application.LogEvent("Header exists - skipping");
+        return target;
+    }
+    m_application.LogEvent("Target path: " + target);
+    m_application.LogEvent("Reading data");
+    m_host.SetStatus(texts::kReadingFile);
+
+    const base::Result<void> done =
+        headerOnly ? writeHeaderCopy(info, target) : decompressInPlace(info, target);
+    if (!done) {
+        note(done.error());
+        return {};
+    }
+    if (!headerOnly) {
+        m_application.LogEvent("Decompression succeeded");
+        m_host.SetStatus(texts::kReady);
+        info.OriginalPath = target;
+        info.MoviePath = target;
+    }
+    return target;
+}
+
+base::Result<void> MediaFiles::writeHeaderCopy(const MediaInfo& info, const QString& target)
+{
+    m_application.LogEvent("Decompression");
+    m_host.SetStatus(texts::kDecompressing);
+    auto body = TRY_RESULT(decompressStart(core::filePath(info.MoviePath), kHeaderBodyBytes));
+    CHECK_RESULT(readFrameHeader(body)); // a copy that is no use would be used again and again
+    body.resize(kHeaderBodyBytes);
+
+    m_application.LogEvent("Writing new header");
+    FileHeader header;
+    header.version = info.Version;
+    header.fileLength = info.FileLength;
+    return writeMovie(target, header, "FWS", body);
+}
+
+base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QString& target)
+{
+    const MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
+    m_application.LogEvent("Decompression");
+    m_host.SetStatus(texts::kDecompressing);
+    // The stated length counts 8 bytes that are not in the stream; the room to spare does no harm.
+    const auto body = TRY_RESULT(
+        DecompressData(movie.body(), std::min<std::uint64_t>(info.FileLength, kLargestMovieBytes)));
+
+    m_application.LogEvent("Backing up");
+    CHECK_RESULT(
+        base::replaceFile(core::filePath(backupPath(info.MoviePath, ".swf")), base::Bytes(movie.file)));
+    if (core::fileExists(target)) m_application.LogEvent("Removing persistent file");
+    m_application.LogEvent("Writing decompressed data");
+    m_host.SetStatus(texts::kWriting);
+    return writeMovie(target, movie.header, "FWS", body);
+}
+
+QString MediaFiles::CompressFlash(MediaInfo& info, int level)
+{
+    m_host.SetStatus(texts::kReadingFile);
+    const base::Result<void> done = compressInPlace(info, level);
+    if (!done) {
+        note(done.error());
+        return {};
+    }
+    m_host.SetStatus(texts::kReady);
+    info.OriginalPath = info.MoviePath;
+    return info.MoviePath;
+}
+
+base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
+{
+    const MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
+    m_host.SetStatus(texts::kCompressing);
+    const auto body = TRY_RESULT(CompressData(movie.body(), level));
+    m_host.SetStatus(texts::kWriting);
+    CHECK_RESULT(
+        base::replaceFile(core::filePath(backupPath(info.MoviePath, ".swf")), base::Bytes(movie.file)));
+    return writeMovie(info.MoviePath, movie.header, "CWS", body);
+}
+
+} // namespace media

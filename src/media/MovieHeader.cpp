@@ -1,0 +1,86 @@
+#include "media/MovieHeader.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace media
+{
+namespace
+{
+
+constexpr unsigned kRectangleBits = 72;
+constexpr unsigned kWidthFieldBits = 5;
+
+/// @returns `count` bits from bit position `first` on, most significant first, cut off at the 72nd
+std::uint32_t bitsOf(const std::array<std::uint8_t, kHeaderBodyBytes>& body, unsigned first, unsigned count)
+{
+    std::uint32_t value = 0;
+    const unsigned end = std::min(first + count, kRectangleBits);
+    for (unsigned bit = first; bit < end; ++bit) value = value << 1 | (body[bit / 8] >> (7 - bit % 8) & 1U);
+    return value;
+}
+
+/// Twentieths of a pixel to whole pixels, halves to even.
+int pixelsFromTwips(std::uint32_t twips)
+{
+    constexpr std::uint32_t kTwips = 20;
+    const std::uint32_t whole = twips / kTwips;
+    const std::uint32_t rest = twips % kTwips;
+    const bool up = rest > kTwips / 2 || (rest == kTwips / 2 && whole % 2 == 1);
+    return static_cast<int>(whole + (up ? 1 : 0)); // at most 2^31 / 20
+}
+
+} // namespace
+
+std::array<std::uint8_t, kFileHeaderBytes> FileHeader::withSignature(std::string_view wanted) const
+{
+    std::array<std::uint8_t, kFileHeaderBytes> bytes{};
+    std::copy_n(wanted.begin(), signature.size(), bytes.begin());
+    bytes[3] = version;
+    std::memcpy(&bytes[4], &fileLength, sizeof fileLength);
+    return bytes;
+}
+
+base::Result<FileHeader> readFileHeader(base::Bytes file)
+{
+    base::ByteReader reader(file);
+    FileHeader header;
+    const base::Bytes signature = TRY_RESULT(reader.bytes(header.signature.size()));
+    std::copy(signature.begin(), signature.end(), header.signature.begin());
+    header.version = TRY_RESULT(reader.u8());
+    header.fileLength = TRY_RESULT(reader.u32());
+    return header;
+}
+
+base::Result<FrameHeader> readFrameHeader(base::Bytes body)
+{
+    // What lies behind the end reads as zero, so a colour that is missing is black.
+    std::array<std::uint8_t, kHeaderBodyBytes> known{};
+    std::copy_n(body.begin(), std::min(body.size(), known.size()), known.begin());
+    const auto byteAt = [&known](std::size_t offset) -> unsigned {
+        return offset < known.size() ? known[offset] : 0U;
+    };
+
+    const unsigned fieldBits = bitsOf(known, 0, kWidthFieldBits);
+    const std::size_t rate = (kWidthFieldBits + 4 * fieldBits + 7) / 8;
+    const std::size_t need = std::min(rate + 4, known.size());
+    if (body.size() < need)
+        return base::fail(base::ErrorCode::Truncated,
+                          "movie header: needs " + std::to_string(need) + " bytes, " +
+                              std::to_string(body.size()) + " left",
+                          kFileHeaderBytes);
+
+    FrameHeader header;
+    header.width = pixelsFromTwips(bitsOf(known, kWidthFieldBits + fieldBits, fieldBits));
+    header.height = pixelsFromTwips(bitsOf(known, kWidthFieldBits + 3 * fieldBits, fieldBits));
+    // 8.8 fixed point with the fraction byte first; the fraction is dropped.
+    header.frameRate = static_cast<int>(byteAt(rate + 1));
+    header.frameCount = static_cast<int>(byteAt(rate + 2) | byteAt(rate + 3) << 8);
+    const std::size_t colour = rate + 4 + 2; // behind the 2-byte head of the first tag
+    char text[8];
+    std::snprintf(text, sizeof text, "%02X%02X%02X", byteAt(colour), byteAt(colour + 1), byteAt(colour + 2));
+    header.background = text;
+    return header;
+}
+
+} // namespace media

@@ -1,0 +1,149 @@
+#include "MovieBytes.h"
+#include "media/CacheName.h"
+#include "media/Compress.h"
+#include "media/MovieHeader.h"
+#include "media/Projector.h"
+
+#include <gtest/gtest.h>
+
+namespace media
+{
+namespace
+{
+
+using base::ErrorCode;
+
+TEST(FrameHeader, RoundsHalvesToEvenAndReadsFieldsOfAnyWidth)
+{
+    struct Case {
+        const char* name;
+        unsigned fieldBits;
+        std::uint32_t widthTwips, heightTwips;
+        int width, height;
+    };
+    constexpr Case kCases[] = {
+        {"usual", 15, 11000, 8000, 550, 400},
+        {"halves go to the even neighbour", 7, 50, 70, 2, 4},
+        {"below and above a half", 7, 69, 71, 3, 4},
+        {"empty rectangle", 0, 0, 0, 0, 0},
+        {"negative maxima count as unsigned", 4, 15, 10, 1, 0},
+        {"16 bits are the widest that fit", 16, 65535, 40000, 3277, 2000},
+        {"17 bits lose the last of the height", 17, 65540, 40000, 3277, 1000},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const auto header = readFrameHeader(frameHeader(c.fieldBits, c.widthTwips, c.heightTwips));
+        ASSERT_TRUE(header) << header.error().what;
+        EXPECT_EQ(header->width, c.width);
+        EXPECT_EQ(header->height, c.height);
+        EXPECT_EQ(header->frameRate, 24) << "the fraction byte comes first and is dropped";
+        EXPECT_EQ(header->frameCount, 300);
+    }
+    EXPECT_EQ(readFrameHeader(movieBody())->background, "0AB0FF");
+}
+
+TEST(FrameHeader, EndsAnywhereWithoutReadingOn)
+{
+    const ByteVector whole = frameHeader(15, 11000, 8000);
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const auto header =
+            readFrameHeader(ByteVector(whole.begin(), whole.begin() + static_cast<long>(length)));
+        EXPECT_EQ(header.has_value(), length >= 13) << length; // 65 bits, rate and count
+    }
+    EXPECT_EQ(readFrameHeader(ByteVector(whole.begin(), whole.begin() + 13))->background, "000000");
+    EXPECT_TRUE(readFrameHeader(ByteVector(18, 0xFF))) << "31-bit fields reach past what is looked at";
+}
+
+TEST(DecompressData, TrustsTheStreamAndNotTheStatedLength)
+{
+    const ByteVector body = movieBody(100'000);
+    const ByteVector stream = CompressData(body, 9).value();
+    EXPECT_EQ(DecompressData(stream, body.size()).value(), body);
+    EXPECT_EQ(DecompressData(stream, 0xFFFFFFFF).value(), body) << "a stated 4 GiB costs nothing";
+    EXPECT_EQ(DecompressData(stream, body.size() - 1).error().code, ErrorCode::LimitReached);
+
+    for (std::size_t length = 0; length < stream.size(); length += 1 + stream.size() / 200)
+        EXPECT_FALSE(DecompressData(base::Bytes(stream).first(length), body.size())) << length;
+    ByteVector damaged = stream;
+    damaged[damaged.size() / 2] ^= 0x55;
+    EXPECT_FALSE(DecompressData(damaged, body.size()));
+    EXPECT_FALSE(DecompressData({}, 0));
+    EXPECT_TRUE(DecompressData(CompressData({}, 9).value(), 0)->empty());
+}
+
+TEST(FindEmbeddedMovie, TakesTheMovieNearestTheEnd)
+{
+    const ByteVector first = plainMovie(5, 50);
+    const ByteVector second = plainMovie(6, 60);
+    ByteVector file = projector(first);
+    const std::size_t offset = file.size();
+    file.insert(file.end(), second.begin(), second.end());
+    const auto found = findEmbeddedMovie(file);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->offset, offset);
+    EXPECT_EQ(found->length, second.size());
+}
+
+TEST(FindEmbeddedMovie, PassesOverFalseCandidates)
+{
+    const ByteVector movie = plainMovie();
+    ByteVector version8 = plainMovie(8);
+    ByteVector noEndTag = movie;
+    noEndTag.back() = 1;
+    ByteVector tooLong = movie;
+    tooLong[6] = 0xFF;
+    const char letters[] = "FWSFWWSFFWS";
+    const ByteVector inCode(letters, letters + sizeof letters - 1);
+    struct Case {
+        const char* name;
+        const ByteVector* candidate;
+    };
+    for (const Case& c : {Case{"version 8", &version8}, Case{"no end tag", &noEndTag},
+                          Case{"too long", &tooLong}, Case{"letters in code", &inCode}}) {
+        SCOPED_TRACE(c.name);
+        ByteVector file = projector(movie, 2000, 0);
+        file.insert(file.end(), c.candidate->begin(), c.candidate->end());
+        ASSERT_TRUE(findEmbeddedMovie(file));
+        EXPECT_EQ(findEmbeddedMovie(file)->offset, 2000U);
+        EXPECT_EQ(findEmbeddedMovie(projector(*c.candidate)).error().code, ErrorCode::NotFound);
+    }
+}
+
+TEST(FindEmbeddedMovie, HandlesMoviesAtTheVeryEdges)
+{
+    ByteVector cut = projector(plainMovie(), 2000, 0);
+    cut.pop_back();
+    ASSERT_TRUE(findEmbeddedMovie(cut)) << "a movie may lack its last byte";
+    cut.pop_back();
+    EXPECT_FALSE(findEmbeddedMovie(cut)) << "but not two";
+
+    ByteVector atStart = plainMovie();
+    EXPECT_EQ(findEmbeddedMovie(atStart)->offset, 0U);
+    for (const std::uint32_t length : {0U, 1U, 2U, 8U, 0xFFFFFFFFU}) {
+        ByteVector file(1024, 0);
+        const ByteVector movie = withHeader("FWS", 1, length, {});
+        std::copy(movie.begin(), movie.end(), file.begin() + 500);
+        EXPECT_FALSE(findEmbeddedMovie(file)) << length;
+        std::copy(movie.begin(), movie.end(), file.begin());
+        EXPECT_FALSE(findEmbeddedMovie(file)) << length;
+    }
+    for (std::size_t size = 0; size < 12; ++size) EXPECT_FALSE(findEmbeddedMovie(ByteVector(size, 'W')));
+    ByteVector head{'F', 'W', 'S', 1, 0};
+    EXPECT_FALSE(findEmbeddedMovie(head));
+}
+
+TEST(CacheName, FlattensEitherKindOfPath)
+{
+    EXPECT_EQ(CacheName("C:\\Movies\\intro.swf", ".tmp"), "C@Movies#intro.swf.tmp");
+    EXPECT_EQ(CacheName("/home/Фильмы//a.swf", ".swf"), "#home#Фильмы#a.swf.swf");
+    EXPECT_EQ(CacheName("a\\b.swf", ""), CacheName("a/b.swf", ""));
+
+    const QString deep = "/" + QString("Очень длинное имя/").repeated(40) + "ролик.swf";
+    const QString name = CacheName(deep, ".tmp");
+    EXPECT_LE(name.toUtf8().size(), 248) << "must leave room for a temporary file's suffix";
+    EXPECT_TRUE(name.endsWith("#ролик.swf.tmp"));
+    EXPECT_NE(name, CacheName("/x" + deep, ".tmp"));
+}
+
+} // namespace
+} // namespace media
