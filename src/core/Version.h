@@ -1,0 +1,15 @@
+#pragma once
+
+namespace core
+{
+
+// The program's version record. The numbers are the build's own; texts are UTF-8.
+extern const char* const kProductName;
+extern const int kVersionMajor;
+extern const int kVersionMinor;
+extern const int kVersionBuild;
+extern const int kVersionRevision;
+extern const char* const kLegalCopyright;
+extern const char* const kLegalTrademarks;
+
+} // namespace core
