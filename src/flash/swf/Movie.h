@@ -318,8 +318,6 @@ struct ImportAssets {
     std::string url;
     std::vector<std::pair<std::uint16_t, std::string>> names;
 };
-/// The end of what the dictionary held when the tag stood in the file: character ids below are defined by
-/// then.
 struct SetTabIndex {
     std::uint16_t depth = 0, tabIndex = 0;
 };
@@ -399,6 +397,7 @@ struct Movie {
 struct ParseLimits {
     std::uint64_t inflatedBytes = 512ULL << 20;
     std::uint64_t bitmapBytes = 1ULL << 30;
+    std::uint64_t definitionBytes = 1ULL << 30; ///< what tags become: frames, edges, glyphs, records
     int spriteDepth = 8; ///< DefineSprite within DefineSprite is not allowed by the format; still counted
 };
 

@@ -1,0 +1,134 @@
+#include "flash/swf/Movie.h"
+
+#include "flash/swf/Container.h"
+#include "flash/swf/Tags.h"
+
+#include <algorithm>
+
+namespace flash::swf
+{
+namespace
+{
+
+// Frame numbers are 16 bits wide in the header and in script.
+constexpr std::size_t kMaxFrames = 65535;
+constexpr unsigned kLengthBits = 6;
+constexpr std::uint32_t kLongLengthMarker = 63;
+
+enum : std::uint16_t { kTagEnd = 0, kTagShowFrame = 1 };
+
+bool equalIgnoringCase(std::string_view a, std::string_view b)
+{
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+bool isWorthKeeping(const Frame& frame) { return !frame.tags.empty() || !frame.label.empty(); }
+
+/// The fixed fields of the plain movie. @returns a reader behind them.
+base::Result<BodyReader> readHeader(Header& header, base::Bytes plain)
+{
+    BodyReader body(plain, 0);
+    body.skip(3);
+    header.version = body.u8();
+    header.statedLength = body.u32();
+    header.frameSize = body.rect();
+    header.frameRate = body.u16() / 256.0;
+    header.frameCount = body.u16();
+    if (body.overrun())
+        return base::fail(base::ErrorCode::Truncated, "the movie ends within its header", plain.size());
+    return body;
+}
+
+} // namespace
+
+void TagContext::warn(std::string_view what) const { builder.warn(info.name, offset, what); }
+
+void TagContext::add(ControlTag tag)
+{
+    if (builder.definitions().take(sizeof(ControlTag))) frame.tags.push_back(std::move(tag));
+}
+
+Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
+{
+    Timeline timeline;
+    Frame frame;
+    const std::size_t start = body.offset() - body.position();
+    const auto endFrame = [&] {
+        frame.endOffset = body.offset();
+        if (builder.definitions().take(sizeof(Frame))) timeline.frames.push_back(std::move(frame));
+        frame = {};
+    };
+    bool ended = false;
+    while (!ended && body.remaining() >= 2 && !builder.definitions().isExhausted()) {
+        const std::size_t offset = body.offset();
+        const std::uint16_t header = body.u16();
+        const auto code = static_cast<std::uint16_t>(header >> kLengthBits);
+        std::uint32_t length = header & kLongLengthMarker;
+        if (length == kLongLengthMarker) length = body.u32();
+        const TagInfo* info = findTag(code);
+        const std::string name = info ? std::string(info->name) : "tag " + std::to_string(code);
+        if (body.overrun()) {
+            builder.warn(name, offset, "ends within its header");
+            break;
+        }
+        if (length > body.remaining()) {
+            builder.warn(name, offset,
+                         "needs " + std::to_string(length) + " bytes, " + std::to_string(body.remaining()) +
+                             " left");
+            length = static_cast<std::uint32_t>(body.remaining());
+        }
+        const std::size_t bodyOffset = body.offset();
+        const BodyReader tagBody(body.bytes(length), bodyOffset);
+        builder.count(code, body.offset() - offset);
+
+        ended = code == kTagEnd;
+        if (code == kTagShowFrame) {
+            endFrame();
+            if (timeline.frames.size() >= kMaxFrames) {
+                builder.warn(name, offset, "more frames than the format can number");
+                return timeline;
+            }
+        }
+        if (!info || !info->parse) continue;
+        TagContext tag{builder, timeline, frame, *info, offset, spriteDepth, tagBody};
+        if (const auto done = info->parse(tag); !done) tag.warn(done.error().what);
+    }
+    if (builder.definitions().isExhausted())
+        builder.warn("movie", body.offset(), "is too complex; what follows is left out");
+    else if (!ended)
+        builder.warn(spriteDepth > 0 ? "DefineSprite" : "movie", start, "has no end tag");
+    if (isWorthKeeping(frame) && timeline.frames.size() < kMaxFrames) endFrame();
+    return timeline;
+}
+
+std::optional<std::size_t> Timeline::frameByLabel(std::string_view label) const
+{
+    if (label.empty()) return {};
+    const auto found = std::find_if(frames.begin(), frames.end(), [&](const Frame& frame) {
+        return equalIgnoringCase(frame.label, label);
+    });
+    if (found == frames.end()) return {};
+    return static_cast<std::size_t>(found - frames.begin());
+}
+
+base::Result<std::shared_ptr<const Movie>> parseMovie(std::span<const std::uint8_t> file,
+                                                      const ParseLimits& limits)
+{
+    const auto movie = std::make_shared<Movie>();
+    PlainMovie plain = TRY_RESULT(unpackMovie(file, limits.inflatedBytes));
+    movie->fileLength = file.size();
+    movie->bytes = std::move(plain.bytes);
+    movie->header.compressed = plain.compressed;
+    const BodyReader body = TRY_RESULT(readHeader(movie->header, movie->bytes));
+
+    MovieBuilder builder(movie, limits);
+    if (!plain.complete) builder.warn("movie", 0, "the compressed data is damaged or ends early");
+    movie->timeline = parseTimeline(builder, body, 0);
+    movie->timeline.statedFrameCount = movie->header.frameCount;
+    builder.finish();
+    return movie;
+}
+
+} // namespace flash::swf
