@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzSound FuzzSound.cpp LIBS zorvex_flash_sound)
