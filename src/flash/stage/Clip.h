@@ -35,7 +35,7 @@ public:
     [[nodiscard]] std::vector<swf::ActionBlock> frameActions(int frame) const;
 
     // ---- children, in depth order ----
-    [[nodiscard]] std::span<const NodePtr> children() const { return m_children; }
+    [[nodiscard]] std::span<const NodePtr> children() const override { return m_children; }
     [[nodiscard]] Node* childAt(int depth) const;
     /// The child with the lowest depth of that name. Unloading children are not found.
     enum class Case : std::uint8_t { Sensitive, Insensitive };
@@ -82,18 +82,54 @@ public:
     [[nodiscard]] swf::Rect bounds(Extent extent) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
 
+    void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+
+protected:
+    void forgetBounds() override;
+
 private:
     friend class Stage;
     friend class Node;
-    friend class Placement;
+    friend class Button;
+
+    /// What a run of tags leaves at a depth: placements merged, and the frame of the first.
+    struct Pending;
+    enum class Run : std::uint8_t { Whole, ListOnly };
+    void step(); ///< its share of a frame: events, then the next frame when it plays
+    void runFrame(int frame, Run run);
+    void rewindTo(int frame);
+    void skipTo(int frame);
+    void streamSound();
+    void place(const swf::PlaceObject& tag, int frame);
+    void applyPlacement(Node& node, const swf::PlaceObject& tag);
+    void replace(Node& old, const swf::PlaceObject& tag, int frame);
+    NodePtr instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth);
+    void insert(NodePtr node, int depth);
+    void take(Node& node); ///< off the list, without any consequence
+    void removeAllChildren();
+    /// Queues what a new instance runs and shows its first frame.
+    void begin();
+
     std::shared_ptr<const swf::Timeline> m_timeline;
     std::vector<NodePtr> m_children;
     std::vector<swf::ClipAction> m_clipActions;
+    MoviePtr m_clipActionsMovie; ///< whose bytes they are, once another movie was loaded here
     std::unique_ptr<Drawing> m_drawing;
     std::string m_url;
     std::weak_ptr<Node> m_hitArea;
     int m_frame = -1, m_level = -1;
     bool m_playing = true, m_movieRoot = false;
+    bool m_begun = false; ///< its load event has been queued
+    bool m_inert = false; ///< only a button's hit area: runs nothing
+    bool m_streaming = false;
+    swf::Rect m_bounds[2];
+    bool m_boundsKnown[2] = {false, false};
 };
+
+/// The node as a clip, or null.
+inline Clip* asClip(Node* node)
+{
+    return node && node->kind() == NodeKind::Clip ? static_cast<Clip*>(node) : nullptr;
+}
 
 } // namespace flash::stage

@@ -1,13 +1,20 @@
 #pragma once
 
+#include "flash/render/Surface.h"
 #include "flash/stage/Services.h"
 #include "flash/swf/Movie.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
+
+namespace flash::render
+{
+class Canvas;
+}
 
 namespace flash::stage
 {
@@ -121,8 +128,15 @@ public:
     /// Whether a point of the stage (twips) lies on what is drawn.
     [[nodiscard]] virtual bool hitsShape(swf::Point stagePoint) = 0;
 
+    /// What it contains, in depth order.
+    [[nodiscard]] virtual std::span<const NodePtr> children() const { return {}; }
+    /// Paints what the node itself shows; containers paint nothing (the renderer walks their children).
+    virtual void draw(render::Canvas&, const swf::Matrix& /*toDevice*/, const swf::ColorTransform&) {}
+
     /// Marks the node's old and new place as to be drawn again.
     void invalidate();
+    /// The same, and what it shows has other bounds than before.
+    void contentChanged();
 
     // ---- focus; meaningful for clips, buttons and text fields ----
     std::optional<int> tabIndex;
@@ -132,10 +146,14 @@ public:
     void* peer = nullptr;
 
 protected:
+    void cacheScale();
+    /// A cached extent somewhere above is out of date.
+    virtual void forgetBounds();
+
     friend class Stage;
+    friend class Renderer;
     friend class Clip;
     friend class Button;
-    friend class Placement;
 
     Stage& m_stage;
     NodeKind m_kind;
@@ -146,11 +164,12 @@ protected:
     std::uint16_t m_characterId = 0, m_ratio = 0;
     bool m_removed = false, m_unloading = false, m_visible = true, m_cacheAsBitmap = false;
     bool m_scriptTransformed = false, m_scaleCached = false;
+    bool m_changed = false; ///< listed by the stage as changed since the last drawing
     /// Frame (index) whose tag placed it; -1 when a script did.
     int m_placedFrame = -1;
     swf::BlendMode m_blend = swf::BlendMode::Normal;
     swf::Matrix m_matrix;
-    double m_scaleX = 100, m_scaleY = 100, m_rotation = 0;
+    double m_scaleX = 100, m_scaleY = 100, m_rotation = 0, m_skew = 0;
     swf::ColorTransform m_color;
     std::vector<swf::Filter> m_filters;
     std::optional<swf::Rgba> m_opaqueBackground;
@@ -158,7 +177,7 @@ protected:
     std::optional<int> m_clipDepth;
     Node* m_mask = nullptr;
     Node* m_maskee = nullptr;
-    swf::Rect m_drawnBounds; ///< device pixels, as last drawn; empty when not drawn
+    render::IntRect m_drawnBounds; ///< device pixels, as last drawn; empty when not drawn
 };
 
 } // namespace flash::stage

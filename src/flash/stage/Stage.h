@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/render/Surface.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/Node.h"
 #include "flash/stage/ScriptHost.h"
@@ -8,7 +9,9 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace flash::render
@@ -157,10 +160,12 @@ public:
 
     // ---- drawing ----
     /// The union of what changed since the last call of render(), device pixels; empty when nothing did.
-    [[nodiscard]] swf::Rect dirtyRect();
+    [[nodiscard]] render::IntRect dirtyRect();
     /// Draws what lies in `clip` (device pixels), background included, and forgets what was dirty.
-    void render(render::Canvas& canvas, const swf::Rect& clip);
+    void render(render::Canvas& canvas, const render::IntRect& clip);
     void invalidateAll();
+    /// For canvases that draw this stage.
+    [[nodiscard]] render::RenderCache& renderCache() { return *m_renderCache; }
 
     // ---- input. Positions are device pixels of the view. ----
     void mouseMove(double x, double y);
@@ -196,26 +201,131 @@ public:
     [[nodiscard]] Node* topNodeAt(swf::Point stagePoint, const Node* except = nullptr);
     void setMouseVisible(bool visible);
 
+    /// Runs whatever scripts are queued, and those they queue. For callers that ran scripts themselves.
+    void runQueue();
+    /// Queues a block for `target`; skipped when it has left the stage by then.
+    void queueBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions);
+    void queueEvent(Node& node, Event event, int keyCode = 0);
+    /// Runs the blocks a clip has for an event at once, then the script's handler.
+    void runEvent(Node& node, Event event, int keyCode = 0);
+    /// All clips that live, oldest first; for scripts' collectors. Entries may be removed ones.
+    [[nodiscard]] const std::vector<std::shared_ptr<Clip>>& clips() const { return m_clips; }
+    /// The name a character was exported under.
+    [[nodiscard]] std::string linkageName(const MoviePtr& movie, std::uint16_t characterId);
+    /// A text of a file as UTF-8: before version 6 files hold the system's code page.
+    [[nodiscard]] static std::string textOf(const MoviePtr& movie, std::string_view bytes);
+    /// Frames run since open().
+    [[nodiscard]] long long frameCounter() const { return m_frameCounter; }
+
 private:
     friend class Node;
     friend class Clip;
-    class Input;
+    friend class Button;
+    friend class Renderer;
+
+    static constexpr int kMaxCatchUpFrames = 8;
+
+    struct Queued {
+        enum class Kind : std::uint8_t { Block, Init, Event };
+        Kind kind = Kind::Block;
+        Event event = Event::Load;
+        int keyCode = 0;
+        NodePtr node;
+        MoviePtr movie;
+        swf::ActionBlock block;
+    };
+    // What is queued runs in this order, whatever it is queued by.
+    enum Priority : std::uint8_t { kInitActions, kInitialize, kConstruct, kOrdinary, kPriorities };
+    struct Pending {
+        std::weak_ptr<Clip> clip;
+        int level = -1; ///< when there is no clip
+        bool intoClip = false, intoLevel = false;
+        base::Result<LoadAnswer> answer;
+        std::shared_ptr<LoadListener> listener;
+        LoadDone done;
+        long long frame = 0; ///< not before this one
+    };
+
+    // ---- instances ----
+    NodePtr makeNode(const MoviePtr& movie, std::uint16_t characterId);
+    void begin(Node& node);
+    void enlist(std::shared_ptr<Clip> clip) { m_clips.push_back(std::move(clip)); }
+    void retire(Node& node);
+    /// @returns whether any script of the subtree is to run on its removal; those are queued.
+    bool queueUnload(Node& node);
+    void finishUnloading();
+    void queueInit(Clip& target, const MoviePtr& movie, const swf::DoInitAction& init);
+    [[nodiscard]] std::shared_ptr<const swf::Timeline> emptyTimeline();
+    void noteChanged(Node& node) { m_changedNodes.push_back(node.weak_from_this()); }
+    void noteRemoved(Node& node);
+    void collectDirty();
+    void addDirty(const render::IntRect& rect) { m_dirty = render::unite(m_dirty, rect); }
+    void runTimersAndQueue();
+    void stepClips();
+    void deliverLoads();
+    void finishLoad(Pending& load);
+    void fill(Clip& clip, MoviePtr movie, std::string url);
+    bool fillFrom(Clip& clip, const LoadAnswer& answer);
+    std::shared_ptr<Clip> makeLevel(int number, MoviePtr movie, std::string url);
+    void setQueryVariables(Clip& clip, const std::string& url);
+    void adoptHeader();
+
+    // ---- input ----
+    /// What the pointer works on: a button, a clip that acts as one, or a text field.
+    NodePtr pointerTarget(swf::Point stagePoint);
+    NodePtr pointerTargetIn(Node& node, swf::Point stagePoint);
+    void updatePointer();
+    void pointerEvent(Node& node, Event event);
+    void runButtonActions(Button& button, unsigned condition);
+    void clipEventEverywhere(Event event);
+    bool keyPressEverywhere(int keyPressCode);
+    void moveDragged();
+    void focusNext(bool backwards);
+    void updateCursor();
+
     Services m_services;
+    ScriptHost m_noScript;
     ScriptHost* m_script;
     MoviePtr m_movie;
     std::string m_url;
     std::map<int, std::shared_ptr<Clip>> m_levels;
-    double m_nowMs = 0, m_frameRate = 12;
+    std::vector<std::shared_ptr<Clip>> m_clips; ///< in order of creation
+    std::vector<Queued> m_queue[kPriorities];
+    std::size_t m_queueHead[kPriorities] = {};
+    bool m_runningQueue = false;
+    std::vector<NodePtr> m_unloading;
+    std::vector<Pending> m_loads;
+    std::set<std::pair<const swf::Movie*, std::uint16_t>> m_initialized;
+    std::unordered_map<const swf::Movie*, std::unordered_map<std::uint16_t, std::string>> m_linkageNames;
+    std::shared_ptr<const swf::Timeline> m_emptyTimeline;
+    long long m_frameCounter = 0;
+    int m_instanceCounter = 0;
+
+    double m_nowMs = 0, m_nextFrameMs = 0, m_frameRate = 12;
     bool m_loop = true, m_fullScreen = false;
     int m_viewWidth = 0, m_viewHeight = 0;
+    double m_deviceScale = 1;
     ScaleMode m_scaleMode = ScaleMode::ShowAll;
     unsigned m_align = 0;
     Quality m_quality = Quality::High;
     swf::Rgba m_background{255, 255, 255, 255};
+    bool m_hostBackground = false, m_movieBackground = false;
+    std::unique_ptr<render::RenderCache> m_renderCache;
+    render::IntRect m_dirty;
+    std::vector<std::weak_ptr<Node>> m_changedNodes;
+
     Cursor m_cursor = Cursor::Arrow;
+    bool m_mouseVisible = true, m_mouseInside = false, m_mouseIsDown = false;
     swf::Point m_mouse;
+    NodePtr m_over, m_pressed;
+    bool m_pressedOutside = false; ///< the pointer left m_pressed with the button held
+    std::set<int> m_keysDown;
+    std::set<int> m_keysToggled;
     int m_lastKeyCode = 0, m_lastCharCode = 0;
-    std::shared_ptr<Node> m_focus;
+    NodePtr m_focus;
+    std::shared_ptr<Clip> m_dragged;
+    std::optional<DragLimits> m_dragLimits;
+    swf::Point m_dragOffset; ///< twips, parent space
     Clip* m_dropTarget = nullptr;
 };
 

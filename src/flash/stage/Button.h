@@ -1,0 +1,45 @@
+#pragma once
+
+#include "flash/stage/Node.h"
+
+#include <unordered_map>
+
+namespace flash::stage
+{
+
+/// A button of the timeline: shows the records of its present state; another set is what takes the pointer.
+class Button final : public Node
+{
+public:
+    enum class State : std::uint8_t { Up, Over, Down };
+
+    /// @param definition belongs to `movie`
+    Button(Stage& stage, MoviePtr movie, const swf::Button& definition);
+
+    [[nodiscard]] const swf::Button& definition() const { return m_definition; }
+    [[nodiscard]] State state() const { return m_state; }
+    void setState(State state);
+    /// Shows the up state; once, when the button is on its list.
+    void begin();
+    [[nodiscard]] bool takesPointer(swf::Point stagePoint);
+    [[nodiscard]] bool tracksAsMenu() const { return trackAsMenu.value_or(m_definition.trackAsMenu); }
+
+    std::optional<bool> trackAsMenu;
+    bool useHandCursor = true;
+
+    [[nodiscard]] std::span<const NodePtr> children() const override { return m_children; }
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+
+private:
+    friend class Stage;
+    NodePtr make(const swf::ButtonRecord& record);
+    const swf::Button& m_definition;
+    State m_state = State::Up;
+    std::vector<NodePtr> m_children;
+    std::unordered_map<std::size_t, NodePtr> m_byRecord; ///< those shown, by index of their record
+    std::vector<NodePtr> m_hitNodes;                     ///< never drawn; made when first asked for
+    bool m_hitNodesMade = false;
+};
+
+} // namespace flash::stage

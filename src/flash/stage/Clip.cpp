@@ -1,0 +1,316 @@
+#include "flash/stage/Clip.h"
+
+#include "flash/render/Canvas.h"
+#include "flash/render/HitTest.h"
+#include "flash/stage/Button.h"
+#include "flash/stage/Drawing.h"
+#include "flash/stage/Graphics.h"
+#include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
+
+#include <algorithm>
+
+namespace flash::stage
+{
+
+namespace
+{
+
+bool equalNames(std::string_view a, std::string_view b, Clip::Case sensitivity)
+{
+    if (sensitivity == Clip::Case::Sensitive) return a == b;
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+} // namespace
+
+Clip::Clip(Stage& stage, MoviePtr movie, std::shared_ptr<const swf::Timeline> timeline)
+    : Node(stage, NodeKind::Clip), m_timeline(std::move(timeline))
+{
+    m_movie = std::move(movie);
+}
+
+Clip::~Clip() = default;
+
+Node* Clip::childAt(int depth) const
+{
+    const auto found = std::lower_bound(m_children.begin(), m_children.end(), depth,
+                                        [](const NodePtr& child, int d) { return child->depth() < d; });
+    return found != m_children.end() && (*found)->depth() == depth ? found->get() : nullptr;
+}
+
+Node* Clip::childByName(std::string_view name, Case sensitivity) const
+{
+    if (name.empty()) return nullptr;
+    for (const NodePtr& child : m_children)
+        if (!child->isUnloading() && equalNames(child->name(), name, sensitivity)) return child.get();
+    return nullptr;
+}
+
+int Clip::nextHighestDepth() const
+{
+    return m_children.empty() ? 0 : std::max(0, m_children.back()->depth() + 1);
+}
+
+void Clip::insert(NodePtr node, int depth)
+{
+    node->m_parent = this;
+    node->m_depth = depth;
+    const auto at = std::upper_bound(m_children.begin(), m_children.end(), depth,
+                                     [](int d, const NodePtr& child) { return d < child->depth(); });
+    Node& inserted = *node;
+    m_children.insert(at, std::move(node));
+    forgetBounds();
+    inserted.invalidate();
+}
+
+void Clip::take(Node& node)
+{
+    const auto found = std::find_if(m_children.begin(), m_children.end(),
+                                    [&](const NodePtr& child) { return child.get() == &node; });
+    if (found == m_children.end()) return;
+    m_stage.noteRemoved(node);
+    m_children.erase(found);
+    forgetBounds();
+}
+
+NodePtr Clip::instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth)
+{
+    // A sprite cannot contain itself in a sound file; in others the chain ends here.
+    constexpr int kMaxNesting = 200;
+    int nesting = 0;
+    for (const Node* node = this; node; node = node->parent()) ++nesting;
+    if (nesting > kMaxNesting) {
+        m_stage.services().host.logLine("A clip contains itself; the innermost is left out");
+        return nullptr;
+    }
+    NodePtr node = m_stage.makeNode(movie, characterId);
+    if (!node) return nullptr;
+    if (m_inert && node->kind() == NodeKind::Clip) static_cast<Clip*>(node.get())->m_inert = true;
+    insert(node, depth);
+    return node;
+}
+
+NodePtr Clip::attach(const MoviePtr& movie, std::uint16_t characterId, int depth, std::string name,
+                     const std::function<void(Node&)>& before)
+{
+    if (!movie || !movie->character(characterId)) return nullptr;
+    if (Node* old = childAt(depth)) removeChild(*old);
+    NodePtr node = instantiate(movie, characterId, depth);
+    if (!node) return nullptr;
+    node->setName(std::move(name));
+    node->m_scriptTransformed = true;
+    if (before) before(*node);
+    m_stage.begin(*node);
+    return node;
+}
+
+std::shared_ptr<Clip> Clip::attachEmpty(int depth, std::string name)
+{
+    if (Node* old = childAt(depth)) removeChild(*old);
+    auto clip = std::make_shared<Clip>(m_stage, m_movie, m_stage.emptyTimeline());
+    clip->setName(std::move(name));
+    clip->m_url = m_url;
+    clip->m_scriptTransformed = true;
+    insert(clip, depth);
+    m_stage.enlist(clip);
+    clip->m_begun = true;
+    clip->m_frame = 0;
+    return clip;
+}
+
+NodePtr Clip::attachTextField(int depth, std::string name, const swf::Rect& boundsTwips)
+{
+    if (Node* old = childAt(depth)) removeChild(*old);
+    NodePtr field = TextField::makeDynamic(m_stage, m_movie, boundsTwips);
+    field->setName(std::move(name));
+    field->m_scriptTransformed = true;
+    insert(field, depth);
+    return field;
+}
+
+NodePtr Clip::attachBitmap(std::shared_ptr<const swf::Bitmap> bitmap, int depth, bool smooth)
+{
+    if (Node* old = childAt(depth)) removeChild(*old);
+    auto node = std::make_shared<BitmapNode>(m_stage, std::move(bitmap), smooth);
+    node->m_movie = m_movie;
+    insert(node, depth);
+    return node;
+}
+
+NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::function<void(Node&)>& before)
+{
+    Clip* original = asClip(&source);
+    NodePtr copy;
+    if (Node* old = childAt(depth)) {
+        if (old == &source) return nullptr;
+        removeChild(*old);
+    }
+    if (original) {
+        auto clip = std::make_shared<Clip>(m_stage, original->m_movie, original->m_timeline);
+        clip->m_characterId = original->m_characterId;
+        clip->m_clipActions = original->m_clipActions;
+        clip->m_url = original->m_url;
+        if (original->m_drawing) clip->m_drawing = std::make_unique<Drawing>(*original->m_drawing);
+        insert(clip, depth);
+        m_stage.enlist(clip);
+        copy = clip;
+    } else {
+        copy = instantiate(source.movie(), source.characterId(), depth);
+    }
+    if (!copy) return nullptr;
+    copy->setName(std::move(name));
+    copy->m_matrix = source.m_matrix;
+    copy->m_color = source.m_color;
+    copy->m_ratio = source.m_ratio;
+    copy->m_clipDepth = source.m_clipDepth;
+    copy->m_scriptTransformed = true;
+    if (before) before(*copy);
+    m_stage.begin(*copy);
+    return copy;
+}
+
+void Clip::removeChild(Node& child)
+{
+    if (child.m_parent != this || child.m_unloading) return;
+    const NodePtr keep = child.shared_from_this();
+    if (m_stage.queueUnload(child)) {
+        // Its scripts still run once; meanwhile it is drawn, and its depth is free for others.
+        child.m_unloading = true;
+        take(child);
+        insert(keep, kUnloadDepthBase - child.m_depth);
+        return;
+    }
+    take(child);
+    m_stage.retire(child);
+}
+
+void Clip::removeAllChildren()
+{
+    const std::vector<NodePtr> children = m_children;
+    for (const NodePtr& child : children) removeChild(*child);
+}
+
+void Clip::swapDepths(Node& child, int depth)
+{
+    if (child.m_parent != this || child.m_depth == depth) return;
+    const int before = child.m_depth;
+    const NodePtr first = child.shared_from_this();
+    Node* other = childAt(depth);
+    const NodePtr second = other ? other->shared_from_this() : nullptr;
+    take(child);
+    if (second) {
+        take(*second);
+        insert(second, before);
+        second->m_scriptTransformed = true;
+    }
+    insert(first, depth);
+    child.m_scriptTransformed = true;
+}
+
+Drawing& Clip::drawing()
+{
+    if (!m_drawing) m_drawing = std::make_unique<Drawing>();
+    return *m_drawing;
+}
+
+bool Clip::hasClipEvent(Event event) const
+{
+    const std::uint32_t bit = clipEventBit(event);
+    return std::any_of(m_clipActions.begin(), m_clipActions.end(),
+                       [bit](const swf::ClipAction& action) { return (action.events & bit) != 0; });
+}
+
+Node* Clip::hitArea() const
+{
+    const std::shared_ptr<Node> area = m_hitArea.lock();
+    return area && !area->isRemoved() ? area.get() : nullptr;
+}
+
+void Clip::setHitArea(Node* node)
+{
+    m_hitArea = node ? std::weak_ptr<Node>(node->shared_from_this()) : std::weak_ptr<Node>();
+}
+
+bool Clip::isButtonLike()
+{
+    constexpr Event kButtonEvents[] = {Event::Press,    Event::Release, Event::ReleaseOutside,
+                                       Event::RollOver, Event::RollOut, Event::DragOver,
+                                       Event::DragOut};
+    for (const Event event : kButtonEvents)
+        if (hasClipEvent(event)) return true;
+    for (const Event event : kButtonEvents)
+        if (m_stage.script().hasHandler(*this, event)) return true;
+    return false;
+}
+
+std::size_t Clip::bytesTotal() const
+{
+    if (!m_movieRoot || !m_movie) return m_timeline->frames.empty() ? 0 : m_timeline->frames.back().endOffset;
+    return m_movie->bytes.size();
+}
+std::size_t Clip::bytesLoaded() const { return bytesTotal(); }
+
+std::string Clip::linkageName() const { return m_stage.linkageName(m_movie, m_characterId); }
+
+void Clip::forgetBounds()
+{
+    if (!m_boundsKnown[0] && !m_boundsKnown[1]) return;
+    m_boundsKnown[0] = m_boundsKnown[1] = false;
+    Node::forgetBounds();
+}
+
+swf::Rect Clip::bounds(Extent extent)
+{
+    if (m_scrollRect) return {0, m_scrollRect->width(), 0, m_scrollRect->height()};
+    const auto slot = static_cast<std::size_t>(extent);
+    if (m_boundsKnown[slot]) return m_bounds[slot];
+    swf::Rect all;
+    if (m_drawing && !m_drawing->isEmpty()) {
+        const swf::Shape& shape = *m_drawing->shape();
+        all = extent == Extent::WithStrokes ? shape.bounds : shape.edgeBounds;
+    }
+    for (const NodePtr& child : m_children)
+        all = swf::unite(all, swf::mapBounds(child->matrix(), child->bounds(extent)));
+    m_bounds[slot] = all;
+    m_boundsKnown[slot] = true;
+    return all;
+}
+
+bool Clip::hitsShape(swf::Point stagePoint)
+{
+    // Quick refusal, with room for hairlines.
+    const swf::Matrix toStageSpace = toStage();
+    if (!toStageSpace.isInvertible()) return false;
+    const swf::Point own = toStageSpace.inverted().map(stagePoint);
+    const swf::Rect extent = bounds(Extent::WithStrokes);
+    constexpr double kRoom = 2 * swf::kTwipsPerPixel;
+    if (extent.isEmpty() || own.x < extent.xMin - kRoom || own.x > extent.xMax + kRoom ||
+        own.y < extent.yMin - kRoom || own.y > extent.yMax + kRoom)
+        return false;
+    if (m_scrollRect && !rectContains(*this, extent, stagePoint)) return false;
+    // Several clip layers may be open at once, each to a depth of its own.
+    std::vector<std::pair<int, bool>> masks;
+    for (const NodePtr& child : m_children) {
+        std::erase_if(masks, [&](const auto& mask) { return child->depth() > mask.first; });
+        if (child->clipDepth()) {
+            masks.emplace_back(*child->clipDepth(), child->hitsShape(stagePoint));
+            continue;
+        }
+        const bool open =
+            std::all_of(masks.begin(), masks.end(), [](const auto& mask) { return mask.second; });
+        if (!open || !child->isVisible() || child->maskee()) continue;
+        if (child->mask() && !child->mask()->hitsShape(stagePoint)) continue;
+        if (child->hitsShape(stagePoint)) return true;
+    }
+    return m_drawing && !m_drawing->isEmpty() && render::shapeContains(*m_drawing->shape(), own);
+}
+
+void Clip::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    if (m_drawing && !m_drawing->isEmpty()) canvas.drawShape(m_drawing->shape(), toDevice, color);
+}
+
+} // namespace flash::stage

@@ -1,0 +1,336 @@
+#include "flash/stage/Clip.h"
+#include "flash/stage/Drawing.h"
+#include "flash/stage/Stage.h"
+
+#include <algorithm>
+#include <map>
+
+namespace flash::stage
+{
+
+/// What a run of tags leaves at one depth.
+struct Clip::Pending {
+    swf::PlaceObject merged;
+    int frame = 0; ///< where the character was placed
+    bool created = false;
+};
+
+namespace
+{
+
+constexpr int depthOf(std::uint16_t fileDepth) { return kTimelineDepth + fileDepth; }
+
+template <class T>
+void mergeField(std::optional<T>& into, const std::optional<T>& from)
+{
+    if (from) into = from;
+}
+
+void merge(swf::PlaceObject& into, const swf::PlaceObject& from)
+{
+    mergeField(into.characterId, from.characterId);
+    mergeField(into.matrix, from.matrix);
+    mergeField(into.color, from.color);
+    mergeField(into.ratio, from.ratio);
+    mergeField(into.clipDepth, from.clipDepth);
+    mergeField(into.filters, from.filters);
+    mergeField(into.blend, from.blend);
+    mergeField(into.cacheAsBitmap, from.cacheAsBitmap);
+    mergeField(into.visible, from.visible);
+    mergeField(into.opaqueBackground, from.opaqueBackground);
+}
+
+bool isTimelineDepth(int depth) { return depth >= kTimelineDepth && depth < 0; }
+
+} // namespace
+
+int Clip::totalFrames() const { return std::max(1, std::max<int>(m_timeline->statedFrameCount, 0)); }
+
+int Clip::loadedFrames() const
+{
+    return std::min(totalFrames(), std::max(1, static_cast<int>(m_timeline->frames.size())));
+}
+
+std::optional<int> Clip::frameByLabel(std::string_view label) const
+{
+    if (const auto found = m_timeline->frameByLabel(label)) return static_cast<int>(*found);
+    return {};
+}
+
+std::vector<swf::ActionBlock> Clip::frameActions(int frame) const
+{
+    std::vector<swf::ActionBlock> blocks;
+    if (frame < 0 || static_cast<std::size_t>(frame) >= m_timeline->frames.size()) return blocks;
+    for (const swf::ControlTag& tag : m_timeline->frames[static_cast<std::size_t>(frame)].tags)
+        if (const auto* action = std::get_if<swf::DoAction>(&tag)) blocks.push_back(action->actions);
+    return blocks;
+}
+
+void Clip::play() { m_playing = true; }
+
+void Clip::stop()
+{
+    m_playing = false;
+    if (m_streaming) m_stage.services().sound.stopStream(this);
+    m_streaming = false;
+}
+
+void Clip::begin()
+{
+    if (m_inert) {
+        runFrame(0, Run::ListOnly);
+        return;
+    }
+    m_stage.queueEvent(*this, Event::Initialize);
+    m_stage.queueEvent(*this, Event::Construct);
+    step();
+}
+
+void Clip::step()
+{
+    if (m_removed || m_inert) return;
+    if (!m_begun) {
+        m_begun = true;
+        m_stage.queueEvent(*this, Event::Load);
+    } else if (!m_unloading) {
+        m_stage.queueEvent(*this, Event::EnterFrame);
+    }
+    if (m_frame >= 0 && (!m_playing || m_unloading)) return;
+    const int count = loadedFrames();
+    const int next = m_frame + 1;
+    if (next < count) {
+        runFrame(next, Run::Whole);
+        streamSound();
+        return;
+    }
+    if (count <= 1) return;
+    if (m_parent == nullptr && m_level == 0 && !m_stage.loop()) {
+        stop();
+        return;
+    }
+    rewindTo(0);
+    streamSound();
+}
+
+void Clip::gotoFrame(int frame)
+{
+    frame = std::clamp(frame, 0, loadedFrames() - 1);
+    if (frame == m_frame) return;
+    if (m_streaming) m_stage.services().sound.stopStream(this);
+    m_streaming = false;
+    if (frame == m_frame + 1)
+        runFrame(frame, Run::Whole);
+    else if (frame > m_frame)
+        skipTo(frame);
+    else
+        rewindTo(frame);
+}
+
+void Clip::nextFrame() { gotoFrame(m_frame + 1); }
+
+void Clip::streamSound()
+{
+    const auto index = static_cast<std::size_t>(std::max(m_frame, 0));
+    if (!m_timeline->streamHead || index >= m_timeline->frames.size() || !m_playing) return;
+    const auto& tags = m_timeline->frames[index].tags;
+    const bool hasBlock = std::any_of(tags.begin(), tags.end(), [](const swf::ControlTag& tag) {
+        return std::holds_alternative<swf::SoundStreamBlock>(tag);
+    });
+    if (!hasBlock) return;
+    m_streaming = true;
+    m_stage.services().sound.streamFrame(this, m_movie, *m_timeline, index);
+}
+
+void Clip::runFrame(int frame, Run run)
+{
+    m_frame = frame;
+    if (static_cast<std::size_t>(frame) >= m_timeline->frames.size()) return;
+    const NodePtr keep = shared_from_this();
+    const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
+    for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(frame)].tags) {
+        if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
+            place(*placed, frame);
+        } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
+            if (Node* child = childAt(depthOf(removed->depth))) removeChild(*child);
+        } else if (const auto* index = std::get_if<swf::SetTabIndex>(&tag)) {
+            if (Node* child = childAt(depthOf(index->depth))) child->tabIndex = index->tabIndex;
+        } else if (const auto* background = std::get_if<swf::SetBackground>(&tag)) {
+            if (m_level == 0) m_stage.setBackground(background->color);
+        } else if (run == Run::ListOnly) {
+            continue;
+        } else if (const auto* action = std::get_if<swf::DoAction>(&tag)) {
+            m_stage.queueBlock(*this, m_movie, action->actions);
+        } else if (const auto* init = std::get_if<swf::DoInitAction>(&tag)) {
+            m_stage.queueInit(*this, m_movie, *init);
+        } else if (const auto* start = std::get_if<swf::StartSound>(&tag)) {
+            const swf::Character* character = m_movie->character(start->soundId);
+            if (const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
+                m_stage.services().sound.startEvent(m_movie, start->soundId, *sound, start->info);
+        }
+    }
+}
+
+void Clip::place(const swf::PlaceObject& tag, int frame)
+{
+    const int depth = depthOf(tag.depth);
+    Node* existing = childAt(depth);
+    if (tag.move) {
+        if (!existing) return;
+        if (tag.characterId)
+            replace(*existing, tag, frame);
+        else
+            applyPlacement(*existing, tag);
+        return;
+    }
+    if (!tag.characterId || existing) return;
+    const NodePtr node = instantiate(m_movie, *tag.characterId, depth);
+    if (!node) return;
+    node->m_placedFrame = frame;
+    if (tag.name) node->setName(m_stage.textOf(m_movie, *tag.name));
+    if (Clip* clip = asClip(node.get())) clip->m_clipActions = tag.clipActions;
+    applyPlacement(*node, tag);
+    m_stage.begin(*node);
+}
+
+void Clip::applyPlacement(Node& node, const swf::PlaceObject& tag)
+{
+    if (node.m_scriptTransformed) return;
+    if (tag.matrix) node.setMatrix(*tag.matrix);
+    if (tag.color) node.setColor(*tag.color);
+    if (tag.ratio) node.setRatio(*tag.ratio);
+    if (tag.clipDepth) node.setClipDepth(depthOf(*tag.clipDepth));
+    if (tag.filters) node.setFilters(*tag.filters);
+    if (tag.blend) node.setBlend(*tag.blend);
+    if (tag.cacheAsBitmap) node.setCacheAsBitmap(*tag.cacheAsBitmap);
+    if (tag.visible) node.setVisible(*tag.visible);
+    if (tag.opaqueBackground) node.setOpaqueBackground(*tag.opaqueBackground);
+}
+
+void Clip::replace(Node& old, const swf::PlaceObject& tag, int frame)
+{
+    const auto isGraphic = [](const Node& node) {
+        return node.kind() != NodeKind::Clip && node.kind() != NodeKind::Button &&
+               node.kind() != NodeKind::TextField;
+    };
+    // Instances that scripts can know stay; only what is purely drawn is exchanged.
+    if (!isGraphic(old) || old.characterId() == *tag.characterId) {
+        applyPlacement(old, tag);
+        return;
+    }
+    const NodePtr keep = old.shared_from_this();
+    const NodePtr fresh = m_stage.makeNode(m_movie, *tag.characterId);
+    if (!fresh || !isGraphic(*fresh)) {
+        applyPlacement(old, tag);
+        return;
+    }
+    fresh->m_placedFrame = frame;
+    fresh->m_matrix = old.m_matrix;
+    fresh->m_color = old.m_color;
+    fresh->m_clipDepth = old.m_clipDepth;
+    fresh->m_blend = old.m_blend;
+    fresh->m_filters = old.m_filters;
+    fresh->setRatio(old.m_ratio);
+    const int depth = old.m_depth;
+    take(old);
+    m_stage.retire(old);
+    insert(fresh, depth);
+    applyPlacement(*fresh, tag);
+}
+
+void Clip::skipTo(int frame)
+{
+    // Between here and there only what the list looks like in the end matters: nothing that comes and goes
+    // is made, and what stays is moved once.
+    std::map<int, Pending> pending;
+    const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
+    const int first = m_frame + 1;
+    for (int at = first; at < frame; ++at) {
+        for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(at)].tags) {
+            if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
+                const int depth = depthOf(placed->depth);
+                auto found = pending.find(depth);
+                const bool occupied = found != pending.end() || childAt(depth) != nullptr;
+                if (placed->move != occupied) continue;
+                if (found == pending.end())
+                    pending.emplace(depth, Pending{*placed, at, !placed->move});
+                else
+                    merge(found->second.merged, *placed);
+            } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
+                const int depth = depthOf(removed->depth);
+                const auto found = pending.find(depth);
+                const bool created = found != pending.end() && found->second.created;
+                if (found != pending.end()) pending.erase(found);
+                if (Node* child = created ? nullptr : childAt(depth)) removeChild(*child);
+            } else if (const auto* init = std::get_if<swf::DoInitAction>(&tag)) {
+                m_stage.queueInit(*this, m_movie, *init);
+            } else if (const auto* background = std::get_if<swf::SetBackground>(&tag)) {
+                if (m_level == 0) m_stage.setBackground(background->color);
+            }
+        }
+    }
+    m_frame = frame - 1;
+    for (auto& [depth, result] : pending) place(result.merged, result.frame);
+    runFrame(frame, Run::Whole);
+}
+
+void Clip::rewindTo(int frame)
+{
+    const NodePtr keep = shared_from_this();
+    const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
+    std::map<int, Pending> pending;
+    // The tags of the target frame count too: an instance that it places and that is there already stays.
+    for (int at = 0; at <= frame && static_cast<std::size_t>(at) < timeline->frames.size(); ++at) {
+        for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(at)].tags) {
+            if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
+                const int depth = depthOf(placed->depth);
+                const auto found = pending.find(depth);
+                if (placed->move != (found != pending.end())) continue;
+                if (found == pending.end())
+                    pending.emplace(depth, Pending{*placed, at, true});
+                else
+                    merge(found->second.merged, *placed);
+            } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
+                pending.erase(depthOf(removed->depth));
+            }
+        }
+    }
+    const std::vector<NodePtr> before = m_children;
+    for (const NodePtr& child : before) {
+        if (!isTimelineDepth(child->depth())) continue;
+        const auto found = pending.find(child->depth());
+        const bool same = found != pending.end() && child->m_placedFrame == found->second.frame;
+        if (!same) removeChild(*child);
+    }
+    m_frame = frame;
+    for (auto& [depth, result] : pending) {
+        Node* child = childAt(depth);
+        if (!child) {
+            swf::PlaceObject tag = result.merged;
+            tag.move = false;
+            place(tag, result.frame);
+            continue;
+        }
+        // Kept from before: whatever the merged placement does not state is as it was at its creation.
+        swf::PlaceObject tag = result.merged;
+        if (!tag.matrix) tag.matrix = swf::Matrix{};
+        if (!tag.color) tag.color = swf::ColorTransform{};
+        if (!tag.ratio) tag.ratio = 0;
+        if (child->characterId() != tag.characterId)
+            replace(*child, tag, result.frame);
+        else
+            applyPlacement(*child, tag);
+    }
+    // Placements are done; scripts and sounds of the frame are left.
+    if (static_cast<std::size_t>(frame) >= timeline->frames.size()) return;
+    for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(frame)].tags) {
+        if (const auto* action = std::get_if<swf::DoAction>(&tag)) {
+            m_stage.queueBlock(*this, m_movie, action->actions);
+        } else if (const auto* start = std::get_if<swf::StartSound>(&tag)) {
+            const swf::Character* character = m_movie->character(start->soundId);
+            if (const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
+                m_stage.services().sound.startEvent(m_movie, start->soundId, *sound, start->info);
+        }
+    }
+}
+
+} // namespace flash::stage

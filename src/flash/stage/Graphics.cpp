@@ -1,0 +1,168 @@
+#include "flash/stage/Graphics.h"
+
+#include "base/TextCodes.h"
+#include "flash/render/Canvas.h"
+#include "flash/render/HitTest.h"
+#include "flash/stage/Stage.h"
+
+namespace flash::stage
+{
+
+namespace
+{
+
+bool shapeHit(const Node& node, const swf::Shape& shape, swf::Point stagePoint)
+{
+    const swf::Matrix toStage = node.toStage();
+    if (!toStage.isInvertible()) return false;
+    const swf::Point point = toStage.inverted().map(stagePoint);
+    return render::shapeContains(shape, point);
+}
+
+swf::Rect extentOf(const swf::Shape& shape, Node::Extent extent)
+{
+    return extent == Node::Extent::WithStrokes ? shape.bounds : shape.edgeBounds;
+}
+
+swf::Rect pixelRect(int width, int height)
+{
+    return {0, width * swf::kTwipsPerPixel, 0, height * swf::kTwipsPerPixel};
+}
+
+swf::Matrix scaledBy(const swf::Matrix& m, double factor)
+{
+    return {m.a * factor, m.b * factor, m.c * factor, m.d * factor, m.tx, m.ty};
+}
+
+} // namespace
+
+bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint)
+{
+    const swf::Matrix toStage = node.toStage();
+    if (rect.isEmpty() || !toStage.isInvertible()) return false;
+    const swf::Point p = toStage.inverted().map(stagePoint);
+    return p.x >= rect.xMin && p.x < rect.xMax && p.y >= rect.yMin && p.y < rect.yMax;
+}
+
+swf::Rect ShapeNode::bounds(Extent extent) { return extentOf(*m_shape, extent); }
+bool ShapeNode::hitsShape(swf::Point stagePoint) { return shapeHit(*this, *m_shape, stagePoint); }
+void ShapeNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    canvas.drawShape(m_shape, toDevice, color);
+}
+
+void MorphNode::setRatio(std::uint16_t ratio)
+{
+    if (ratio == m_ratio && m_shape) return;
+    invalidate();
+    m_ratio = ratio;
+    m_shape.reset();
+    contentChanged();
+}
+const std::shared_ptr<const swf::Shape>& MorphNode::shape()
+{
+    if (!m_shape) m_shape = std::make_shared<swf::Shape>(swf::interpolate(*m_morph, m_ratio));
+    return m_shape;
+}
+swf::Rect MorphNode::bounds(Extent extent) { return extentOf(*shape(), extent); }
+bool MorphNode::hitsShape(swf::Point stagePoint) { return shapeHit(*this, *shape(), stagePoint); }
+void MorphNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    canvas.drawShape(shape(), toDevice, color);
+}
+
+StaticTextNode::StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticText& text)
+    : Node(stage, NodeKind::StaticText), m_text(text)
+{
+    m_movie = std::move(movie);
+    for (const swf::StaticText::Record& record : text.records) {
+        const swf::Character* character = m_movie->character(record.fontId);
+        const swf::Font* font = character ? std::get_if<swf::Font>(&character->data) : nullptr;
+        if (!font) continue;
+        Run run{record.color, {}};
+        const double scale = static_cast<double>(record.height) / font->unitsPerEm;
+        double x = record.x;
+        for (const swf::StaticText::GlyphEntry& entry : record.glyphs) {
+            if (entry.index < font->glyphs.size()) {
+                const swf::Font::Glyph& glyph = font->glyphs[entry.index];
+                const swf::Matrix place{scale, 0, 0, scale, x, static_cast<double>(record.y)};
+                run.glyphs.push_back({glyph.outline, text.matrix * place, glyph.code});
+            }
+            x += entry.advance;
+        }
+        m_runs.push_back(std::move(run));
+    }
+}
+
+swf::Rect StaticTextNode::bounds(Extent) { return swf::mapBounds(m_text.matrix, m_text.bounds); }
+
+bool StaticTextNode::hitsShape(swf::Point stagePoint)
+{
+    const swf::Matrix nodeToStage = toStage();
+    for (const Run& run : m_runs) {
+        for (const Glyph& glyph : run.glyphs) {
+            const swf::Matrix toStageSpace = nodeToStage * glyph.toNode;
+            if (!glyph.outline || !toStageSpace.isInvertible()) continue;
+            if (render::shapeContains(*glyph.outline, toStageSpace.inverted().map(stagePoint))) return true;
+        }
+    }
+    return false;
+}
+
+void StaticTextNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
+                          const swf::ColorTransform& color)
+{
+    std::vector<render::GlyphPlacement> placements;
+    for (const Run& run : m_runs) {
+        placements.clear();
+        for (const Glyph& glyph : run.glyphs)
+            if (glyph.outline) placements.push_back({glyph.outline, toDevice * glyph.toNode});
+        canvas.drawGlyphs(placements, swf::apply(color, run.color));
+    }
+}
+
+std::string StaticTextNode::text() const
+{
+    std::u16string units;
+    for (const Run& run : m_runs)
+        for (const Glyph& glyph : run.glyphs) units += static_cast<char16_t>(glyph.code);
+    return base::utf8FromUtf16(units);
+}
+
+swf::Rect BitmapNode::bounds(Extent) { return pixelRect(m_bitmap->width, m_bitmap->height); }
+bool BitmapNode::hitsShape(swf::Point stagePoint)
+{
+    return rectContains(*this, bounds(Extent::WithStrokes), stagePoint);
+}
+void BitmapNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    canvas.drawBitmap(*m_bitmap, scaledBy(toDevice, swf::kTwipsPerPixel), color,
+                      m_smooth ? render::Smoothing::On : render::Smoothing::Off);
+}
+
+void VideoNode::setPicture(std::shared_ptr<const swf::Bitmap> picture)
+{
+    m_picture = std::move(picture);
+    invalidate();
+}
+void VideoNode::setRatio(std::uint16_t ratio)
+{
+    if (ratio == m_ratio) return;
+    m_ratio = ratio;
+    invalidate();
+}
+swf::Rect VideoNode::bounds(Extent) { return pixelRect(m_stream.width, m_stream.height); }
+bool VideoNode::hitsShape(swf::Point stagePoint)
+{
+    return rectContains(*this, bounds(Extent::WithStrokes), stagePoint);
+}
+void VideoNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    if (!m_picture || m_picture->width == 0 || m_picture->height == 0) return;
+    const swf::Matrix fit{static_cast<double>(m_stream.width) / m_picture->width,   0, 0,
+                          static_cast<double>(m_stream.height) / m_picture->height, 0, 0};
+    canvas.drawBitmap(*m_picture, scaledBy(toDevice, swf::kTwipsPerPixel) * fit, color,
+                      smoothing ? render::Smoothing::On : render::Smoothing::Off);
+}
+
+} // namespace flash::stage

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "flash/stage/Node.h"
+
+#include <vector>
+
+// What a timeline shows and scripts cannot name: shapes, morphs, static texts, and pictures.
+namespace flash::stage
+{
+
+class ShapeNode final : public Node
+{
+public:
+    ShapeNode(Stage& stage, std::shared_ptr<const swf::Shape> shape)
+        : Node(stage, NodeKind::Shape), m_shape(std::move(shape))
+    {
+    }
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+    void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+
+private:
+    std::shared_ptr<const swf::Shape> m_shape;
+};
+
+class MorphNode final : public Node
+{
+public:
+    MorphNode(Stage& stage, std::shared_ptr<const swf::MorphShape> morph)
+        : Node(stage, NodeKind::Morph), m_morph(std::move(morph))
+    {
+    }
+    void setRatio(std::uint16_t ratio) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+    void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+
+private:
+    const std::shared_ptr<const swf::Shape>& shape();
+    std::shared_ptr<const swf::MorphShape> m_morph;
+    std::shared_ptr<const swf::Shape> m_shape; ///< at the present ratio; made when needed
+};
+
+class StaticTextNode final : public Node
+{
+public:
+    /// @param text belongs to `movie`, which also holds the fonts
+    StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticText& text);
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+    void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+    /// The characters of its glyphs, for text snapshots. UTF-8.
+    [[nodiscard]] std::string text() const;
+
+private:
+    struct Glyph {
+        std::shared_ptr<const swf::Shape> outline;
+        swf::Matrix toNode;
+        std::uint16_t code = 0;
+    };
+    struct Run {
+        swf::Rgba color;
+        std::vector<Glyph> glyphs;
+    };
+    const swf::StaticText& m_text;
+    std::vector<Run> m_runs;
+};
+
+/// A picture: attached by script, or loaded in a movie's place.
+class BitmapNode final : public Node
+{
+public:
+    BitmapNode(Stage& stage, std::shared_ptr<const swf::Bitmap> bitmap, bool smooth)
+        : Node(stage, NodeKind::Bitmap), m_bitmap(std::move(bitmap)), m_smooth(smooth)
+    {
+    }
+    [[nodiscard]] const std::shared_ptr<const swf::Bitmap>& bitmap() const { return m_bitmap; }
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+    void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+
+private:
+    std::shared_ptr<const swf::Bitmap> m_bitmap;
+    bool m_smooth;
+};
+
+/// The decoder of a video character's frames; pictures come from above.
+class VideoNode final : public Node
+{
+public:
+    VideoNode(Stage& stage, const swf::VideoStream& stream) : Node(stage, NodeKind::Video), m_stream(stream)
+    {
+    }
+    [[nodiscard]] const swf::VideoStream& stream() const { return m_stream; }
+    /// Null until the first picture.
+    void setPicture(std::shared_ptr<const swf::Bitmap> picture);
+    void setRatio(std::uint16_t ratio) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
+    void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+    bool smoothing = false;
+    int deblocking = 0;
+
+private:
+    const swf::VideoStream& m_stream; ///< belongs to movie()
+    std::shared_ptr<const swf::Bitmap> m_picture;
+};
+
+/// Whether a stage point (twips) lies within a node's rectangle.
+bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint);
+
+} // namespace flash::stage

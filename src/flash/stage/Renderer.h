@@ -1,0 +1,30 @@
+#pragma once
+
+#include "flash/render/Canvas.h"
+#include "flash/stage/Node.h"
+
+namespace flash::stage
+{
+
+/// Walks a display list and paints it: depth order, clip layers, masks, layers with blend modes and filters.
+class Renderer
+{
+public:
+    /// @param view stage twips to device pixels; masks that lie elsewhere on the stage are placed by it
+    Renderer(render::Canvas& canvas, const swf::Matrix& view) : m_canvas(canvas), m_view(view) {}
+
+    /// A node with all below, unless it is hidden or serves as a mask.
+    void drawNode(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor);
+    /// What a node shows, placed by the caller: for drawing one into a bitmap.
+    void drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+
+private:
+    void drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+    void drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+    void drawAsMask(Node& mask, const swf::Matrix& toDevice);
+    render::Canvas& m_canvas;
+    swf::Matrix m_view;
+    int m_depth = 0;
+};
+
+} // namespace flash::stage

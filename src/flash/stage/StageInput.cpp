@@ -1,0 +1,483 @@
+#include "flash/stage/Button.h"
+#include "flash/stage/Graphics.h"
+#include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
+
+#include <algorithm>
+
+namespace flash::stage
+{
+
+namespace
+{
+
+// The key numbers that button conditions use for keys that type nothing.
+struct SpecialKey {
+    int keyCode;
+    int pressCode;
+};
+constexpr SpecialKey kSpecialKeys[] = {
+    {37, 1},  {39, 2},  {36, 3},  {35, 4},  {45, 5},  {46, 6}, {8, 8},
+    {13, 13}, {38, 14}, {40, 15}, {33, 16}, {34, 17}, {9, 18}, {27, 19},
+};
+
+int pressCodeOf(int keyCode, char32_t charCode)
+{
+    for (const SpecialKey& key : kSpecialKeys)
+        if (key.keyCode == keyCode) return key.pressCode;
+    return charCode >= 32 && charCode < 127 ? static_cast<int>(charCode) : 0;
+}
+
+bool tracksAsMenu(Node& node)
+{
+    if (node.kind() == NodeKind::Button) return static_cast<Button&>(node).tracksAsMenu();
+    Clip* clip = asClip(&node);
+    return clip && clip->trackAsMenu;
+}
+
+unsigned conditionOf(Event event, bool menu)
+{
+    using Condition = swf::ButtonAction::Condition;
+    switch (event) {
+    case Event::RollOver: return Condition::IdleToOverUp;
+    case Event::RollOut: return Condition::OverUpToIdle;
+    case Event::Press: return Condition::OverUpToOverDown;
+    case Event::Release: return Condition::OverDownToOverUp;
+    case Event::ReleaseOutside: return Condition::OutDownToIdle;
+    case Event::DragOver: return menu ? Condition::IdleToOverDown : Condition::OutDownToOverDown;
+    case Event::DragOut: return menu ? Condition::OverDownToIdle : Condition::OverDownToOutDown;
+    default: return 0;
+    }
+}
+
+Button::State stateAfter(Event event, bool menu)
+{
+    switch (event) {
+    case Event::RollOver:
+    case Event::Release: return Button::State::Over;
+    case Event::Press:
+    case Event::DragOver: return Button::State::Down;
+    case Event::DragOut: return menu ? Button::State::Up : Button::State::Over;
+    default: return Button::State::Up;
+    }
+}
+
+/// Index into the sounds of a button; -1 when the event has none.
+int cueOf(Event event)
+{
+    switch (event) {
+    case Event::RollOut: return 0;
+    case Event::RollOver: return 1;
+    case Event::Press: return 2;
+    case Event::Release: return 3;
+    default: return -1;
+    }
+}
+
+} // namespace
+
+NodePtr Stage::pointerTarget(swf::Point stagePoint)
+{
+    for (auto level = m_levels.rbegin(); level != m_levels.rend(); ++level)
+        if (NodePtr found = pointerTargetIn(*level->second, stagePoint)) return found;
+    return nullptr;
+}
+
+NodePtr Stage::pointerTargetIn(Node& node, swf::Point stagePoint)
+{
+    if (!node.isVisible() || node.maskee() || node.isUnloading()) return nullptr;
+    if (node.mask() && !node.mask()->hitsShape(stagePoint)) return nullptr;
+    if (node.kind() == NodeKind::Button) {
+        auto& button = static_cast<Button&>(node);
+        const bool taken = m_script->isEnabled(node) && button.takesPointer(stagePoint);
+        return taken ? node.shared_from_this() : nullptr;
+    }
+    if (node.kind() == NodeKind::TextField) {
+        auto& field = static_cast<TextField&>(node);
+        const bool taken = (field.selectable || field.isInput()) && field.hitsShape(stagePoint);
+        return taken ? node.shared_from_this() : nullptr;
+    }
+    Clip* clip = asClip(&node);
+    if (!clip) return nullptr;
+    if (clip->isButtonLike() && m_script->isEnabled(node)) {
+        Node* area = clip->hitArea();
+        return (area ? area : clip)->hitsShape(stagePoint) ? node.shared_from_this() : nullptr;
+    }
+    if (clip->scrollRect() && !rectContains(*clip, clip->bounds(Node::Extent::WithStrokes), stagePoint))
+        return nullptr;
+    const std::span<const NodePtr> children = clip->children();
+    for (std::size_t i = children.size(); i-- > 0;) {
+        Node& child = *children[i];
+        if (child.clipDepth()) continue;
+        NodePtr found = pointerTargetIn(child, stagePoint);
+        if (!found) continue;
+        const bool masked = std::any_of(
+            children.begin(), children.begin() + static_cast<std::ptrdiff_t>(i), [&](const NodePtr& below) {
+                return below->clipDepth() && *below->clipDepth() >= child.depth() &&
+                       !below->hitsShape(stagePoint);
+            });
+        if (!masked) return found;
+    }
+    return nullptr;
+}
+
+Node* Stage::topNodeAt(swf::Point stagePoint, const Node* except)
+{
+    const auto within = [&](auto&& self, Node& node) -> Node* {
+        if (&node == except || !node.isVisible() || node.maskee()) return nullptr;
+        if (node.kind() != NodeKind::Clip) return node.hitsShape(stagePoint) ? &node : nullptr;
+        const std::span<const NodePtr> children = node.children();
+        for (std::size_t i = children.size(); i-- > 0;) {
+            if (children[i]->clipDepth()) continue;
+            if (Node* found = self(self, *children[i])) return found;
+        }
+        Clip& clip = static_cast<Clip&>(node);
+        const bool drawn = clip.drawingIfAny() && clip.hitsShape(stagePoint);
+        return drawn ? &node : nullptr;
+    };
+    for (auto level = m_levels.rbegin(); level != m_levels.rend(); ++level)
+        if (Node* found = within(within, *level->second)) return found;
+    return nullptr;
+}
+
+void Stage::pointerEvent(Node& node, Event event)
+{
+    const bool menu = tracksAsMenu(node);
+    if (node.kind() == NodeKind::Button) {
+        auto& button = static_cast<Button&>(node);
+        const int cue = cueOf(event);
+        if (cue >= 0) {
+            const swf::Button::Cue& sound = button.definition().sounds[static_cast<std::size_t>(cue)];
+            const swf::Character* character = button.movie()->character(sound.soundId);
+            if (const auto* data = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
+                m_services.sound.startEvent(button.movie(), sound.soundId, *data, sound.info);
+        }
+        button.setState(stateAfter(event, menu));
+        runButtonActions(button, conditionOf(event, menu));
+    }
+    queueEvent(node, event);
+}
+
+void Stage::runButtonActions(Button& button, unsigned condition)
+{
+    Clip* target = button.parentClip();
+    if (!target) return;
+    for (const swf::ButtonAction& action : button.definition().actions)
+        if (action.conditions & condition) queueBlock(*target, button.movie(), action.actions);
+}
+
+void Stage::updatePointer()
+{
+    const NodePtr target = m_mouseInside ? pointerTarget(m_mouse) : nullptr;
+    if (m_mouseIsDown) {
+        if (m_pressed) {
+            const bool menu = tracksAsMenu(*m_pressed);
+            if (target == m_pressed) {
+                if (m_pressedOutside) {
+                    m_pressedOutside = false;
+                    pointerEvent(*m_pressed, Event::DragOver);
+                }
+            } else if (!m_pressedOutside) {
+                m_pressedOutside = true;
+                pointerEvent(*m_pressed, Event::DragOut);
+            }
+            if (menu && target && target != m_pressed && tracksAsMenu(*target)) {
+                m_pressed = target;
+                m_pressedOutside = false;
+                pointerEvent(*target, Event::DragOver);
+            }
+        } else if (target && tracksAsMenu(*target) && target != m_over) {
+            m_pressed = target;
+            m_pressedOutside = false;
+            pointerEvent(*target, Event::DragOver);
+        }
+        m_over = target;
+    } else if (target != m_over) {
+        const NodePtr before = m_over;
+        m_over = target;
+        if (before && !before->isRemoved()) pointerEvent(*before, Event::RollOut);
+        if (target) pointerEvent(*target, Event::RollOver);
+    }
+    updateCursor();
+    runQueue();
+}
+
+void Stage::updateCursor()
+{
+    const NodePtr& node = m_mouseIsDown && m_pressed ? m_pressed : m_over;
+    m_cursor = Cursor::Arrow;
+    if (!m_mouseVisible)
+        m_cursor = Cursor::Hidden;
+    else if (node && node->kind() == NodeKind::TextField)
+        m_cursor = Cursor::Text;
+    else if (node && node->kind() == NodeKind::Button)
+        m_cursor = static_cast<Button&>(*node).useHandCursor ? Cursor::Hand : Cursor::Arrow;
+    else if (Clip* clip = asClip(node.get()))
+        m_cursor = clip->useHandCursor ? Cursor::Hand : Cursor::Arrow;
+}
+
+void Stage::clipEventEverywhere(Event event)
+{
+    for (std::size_t i = m_clips.size(); i-- > 0;)
+        if (!m_clips[i]->isRemoved()) queueEvent(*m_clips[i], event);
+}
+
+void Stage::mouseMove(double x, double y)
+{
+    const swf::Matrix view = viewMatrix();
+    const swf::Point before = m_mouse;
+    m_mouse = view.inverted().map(x, y);
+    m_mouseInside = true;
+    if (m_mouse == before) {
+        updatePointer();
+        return;
+    }
+    if (m_dragged) moveDragged();
+    clipEventEverywhere(Event::MouseMove);
+    runQueue();
+    m_script->broadcastMouse(Event::MouseMove);
+    runQueue();
+    if (m_mouseIsDown && m_pressed && m_pressed->kind() == NodeKind::TextField)
+        static_cast<TextField&>(*m_pressed).drag(m_mouse);
+    updatePointer();
+}
+
+void Stage::mouseDown(double x, double y, MouseButton button, int)
+{
+    const swf::Point point = viewMatrix().inverted().map(x, y);
+    if (point != m_mouse || !m_mouseInside) mouseMove(x, y);
+    if (button != MouseButton::Left) return;
+    m_keysDown.insert(1);
+    m_mouseIsDown = true;
+    clipEventEverywhere(Event::MouseDown);
+    runQueue();
+    m_script->broadcastMouse(Event::MouseDown);
+    runQueue();
+    const NodePtr target = pointerTarget(m_mouse);
+    m_pressed = target;
+    m_pressedOutside = false;
+    if (target && target->kind() == NodeKind::TextField) {
+        setFocus(target.get());
+        static_cast<TextField&>(*target).press(m_mouse);
+    } else if (m_focus && m_focus->kind() == NodeKind::TextField) {
+        setFocus(nullptr);
+    }
+    if (target && !target->isRemoved()) pointerEvent(*target, Event::Press);
+    updateCursor();
+    runQueue();
+}
+
+void Stage::mouseUp(double x, double y, MouseButton button)
+{
+    const swf::Point point = viewMatrix().inverted().map(x, y);
+    if (point != m_mouse) mouseMove(x, y);
+    if (button != MouseButton::Left) return;
+    m_keysDown.erase(1);
+    clipEventEverywhere(Event::MouseUp);
+    runQueue();
+    m_script->broadcastMouse(Event::MouseUp);
+    runQueue();
+    m_mouseIsDown = false;
+    const NodePtr pressed = m_pressed;
+    m_pressed.reset();
+    if (pressed && !pressed->isRemoved()) {
+        const NodePtr target = pointerTarget(m_mouse);
+        if (target == pressed) {
+            m_over = pressed;
+            pointerEvent(*pressed, Event::Release);
+        } else {
+            if (!tracksAsMenu(*pressed)) pointerEvent(*pressed, Event::ReleaseOutside);
+            m_over.reset();
+        }
+    }
+    runQueue();
+    updatePointer();
+}
+
+void Stage::mouseWheel(int lines)
+{
+    m_script->broadcastWheel(lines, topNodeAt(m_mouse));
+    runQueue();
+}
+
+void Stage::mouseLeave()
+{
+    m_mouseInside = false;
+    updatePointer();
+}
+
+bool Stage::keyPressEverywhere(int keyPressCode)
+{
+    if (keyPressCode == 0) return false;
+    bool any = false;
+    const auto visit = [&](auto&& self, Node& node) -> void {
+        if (node.kind() == NodeKind::Button) {
+            auto& button = static_cast<Button&>(node);
+            Clip* target = button.parentClip();
+            for (const swf::ButtonAction& action : button.definition().actions) {
+                if (action.keyCode != keyPressCode || !target) continue;
+                queueBlock(*target, button.movie(), action.actions);
+                any = true;
+            }
+            return;
+        }
+        Clip* clip = asClip(&node);
+        if (!clip) return;
+        for (const swf::ClipAction& action : clip->clipActions()) {
+            if ((action.events & clipEventBit(Event::KeyPress)) == 0 || action.keyCode != keyPressCode)
+                continue;
+            queueEvent(*clip, Event::KeyPress, keyPressCode);
+            any = true;
+            break;
+        }
+        for (const NodePtr& child : clip->children()) self(self, *child);
+    };
+    for (const auto& [number, root] : m_levels) visit(visit, *root);
+    return any;
+}
+
+void Stage::keyDown(int keyCode, char32_t charCode)
+{
+    m_lastKeyCode = keyCode;
+    m_lastCharCode = static_cast<int>(charCode);
+    m_keysDown.insert(keyCode);
+    if (keyCode == 20 || keyCode == 144 || keyCode == 145) {
+        if (!m_keysToggled.erase(keyCode)) m_keysToggled.insert(keyCode);
+    }
+    clipEventEverywhere(Event::KeyDown);
+    runQueue();
+    m_script->broadcastKey(Event::KeyDown);
+    runQueue();
+    const bool typing = m_focus && m_focus->kind() == NodeKind::TextField &&
+                        static_cast<TextField&>(*m_focus).isInput() && charCode >= 32 && charCode != 127;
+    const bool handled = !typing && keyPressEverywhere(pressCodeOf(keyCode, charCode));
+    runQueue();
+    if (!handled && keyCode == 9) focusNext(isKeyDown(16));
+    runQueue();
+}
+
+void Stage::keyUp(int keyCode, char32_t charCode)
+{
+    m_lastKeyCode = keyCode;
+    m_lastCharCode = static_cast<int>(charCode);
+    m_keysDown.erase(keyCode);
+    clipEventEverywhere(Event::KeyUp);
+    runQueue();
+    m_script->broadcastKey(Event::KeyUp);
+    runQueue();
+}
+
+bool Stage::isKeyDown(int keyCode) const { return m_keysDown.contains(keyCode); }
+bool Stage::isKeyToggled(int keyCode) const { return m_keysToggled.contains(keyCode); }
+
+void Stage::textInput(char32_t character)
+{
+    if (!m_focus || m_focus->kind() != NodeKind::TextField) return;
+    static_cast<TextField&>(*m_focus).input(character);
+    runQueue();
+}
+
+void Stage::textCommand(TextCommand) {}
+
+void Stage::focusGained() {}
+
+void Stage::focusLost()
+{
+    m_keysDown.clear();
+    setFocus(nullptr);
+}
+
+void Stage::setFocus(Node* node)
+{
+    if (m_focus.get() == node) return;
+    const NodePtr before = m_focus;
+    m_focus = node ? node->shared_from_this() : nullptr;
+    if (before) before->invalidate();
+    if (m_focus) m_focus->invalidate();
+    m_script->focusChanged(before.get(), m_focus.get());
+    runQueue();
+}
+
+void Stage::focusNext(bool backwards)
+{
+    std::vector<std::pair<int, Node*>> stops;
+    const auto visit = [&](auto&& self, Node& node) -> void {
+        if (!node.isVisible() || node.isUnloading()) return;
+        bool stop = false;
+        if (node.kind() == NodeKind::Button) stop = m_script->isEnabled(node);
+        if (node.kind() == NodeKind::TextField) stop = static_cast<TextField&>(node).isInput();
+        if (Clip* clip = asClip(&node); clip && clip->parent())
+            stop = clip->tabEnabled.value_or(clip->tabIndex.has_value() || clip->isButtonLike() ||
+                                             clip->focusEnabled.value_or(false));
+        if (stop && node.tabEnabled.value_or(true)) stops.emplace_back(node.tabIndex.value_or(0), &node);
+        if (node.kind() == NodeKind::Clip)
+            for (const NodePtr& child : node.children()) self(self, *child);
+    };
+    for (const auto& [number, root] : m_levels) visit(visit, *root);
+    if (stops.empty()) return;
+    const bool custom =
+        std::any_of(stops.begin(), stops.end(), [](const auto& s) { return s.second->tabIndex; });
+    if (custom) {
+        std::erase_if(stops, [](const auto& s) { return !s.second->tabIndex; });
+        std::stable_sort(stops.begin(), stops.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+    } else {
+        // Reading order: from the upper left to the lower right.
+        std::stable_sort(stops.begin(), stops.end(), [](const auto& a, const auto& b) {
+            const swf::Rect ra = swf::mapBounds(a.second->toStage(), a.second->bounds());
+            const swf::Rect rb = swf::mapBounds(b.second->toStage(), b.second->bounds());
+            return ra.xMin + 6LL * ra.yMin < rb.xMin + 6LL * rb.yMin;
+        });
+    }
+    const auto now =
+        std::find_if(stops.begin(), stops.end(), [&](const auto& s) { return s.second == m_focus.get(); });
+    std::size_t index = 0;
+    if (now == stops.end())
+        index = backwards ? stops.size() - 1 : 0;
+    else
+        index = (static_cast<std::size_t>(now - stops.begin()) + (backwards ? stops.size() - 1 : 1)) %
+                stops.size();
+    setFocus(stops[index].second);
+}
+
+void Stage::startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits)
+{
+    m_dragged = std::static_pointer_cast<Clip>(clip.shared_from_this());
+    m_dragLimits = limits;
+    m_dragOffset = {};
+    if (!lockCenter) {
+        const swf::Matrix parent = clip.parent() ? clip.parent()->toStage() : swf::Matrix{};
+        const swf::Point pointer = parent.inverted().map(m_mouse);
+        m_dragOffset = {clip.matrix().tx - pointer.x, clip.matrix().ty - pointer.y};
+    }
+    if (lockCenter || limits) moveDragged();
+}
+
+void Stage::stopDrag()
+{
+    if (m_dragged) moveDragged();
+    m_dragged.reset();
+}
+
+Clip* Stage::dragged() const { return m_dragged.get(); }
+
+void Stage::moveDragged()
+{
+    Clip& clip = *m_dragged;
+    const swf::Matrix parent = clip.parent() ? clip.parent()->toStage() : swf::Matrix{};
+    const swf::Point pointer = parent.inverted().map(m_mouse);
+    double x = (pointer.x + m_dragOffset.x) / swf::kTwipsPerPixel;
+    double y = (pointer.y + m_dragOffset.y) / swf::kTwipsPerPixel;
+    if (m_dragLimits) {
+        const auto [left, top, right, bottom] = *m_dragLimits;
+        x = std::clamp(x, std::min(left, right), std::max(left, right));
+        y = std::clamp(y, std::min(top, bottom), std::max(top, bottom));
+    }
+    clip.setScriptTransformed();
+    clip.setX(x);
+    clip.setY(y);
+    Node* below = topNodeAt(m_mouse, &clip);
+    m_dropTarget = below ? (asClip(below) ? asClip(below) : below->parentClip()) : nullptr;
+}
+
+} // namespace flash::stage

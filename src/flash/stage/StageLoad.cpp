@@ -1,0 +1,254 @@
+#include "flash/stage/Drawing.h"
+#include "flash/stage/Graphics.h"
+#include "flash/stage/Stage.h"
+
+#include <algorithm>
+
+namespace flash::stage
+{
+
+namespace
+{
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+std::string decodedComponent(std::string_view text)
+{
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '+') {
+            result += ' ';
+        } else if (text[i] == '%' && i + 2 < text.size() && hexDigit(text[i + 1]) >= 0 &&
+                   hexDigit(text[i + 2]) >= 0) {
+            result += static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
+            i += 2;
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+std::shared_ptr<Clip> Stage::makeLevel(int number, MoviePtr movie, std::string url)
+{
+    auto timeline = std::shared_ptr<const swf::Timeline>(movie, &movie->timeline);
+    auto clip = std::make_shared<Clip>(*this, movie, std::move(timeline));
+    clip->m_level = number;
+    clip->m_depth = kTimelineDepth + number;
+    clip->m_movieRoot = true;
+    clip->m_url = std::move(url);
+    m_levels[number] = clip;
+    enlist(clip);
+    setQueryVariables(*clip, clip->m_url);
+    clip->begin();
+    invalidateAll();
+    return clip;
+}
+
+void Stage::setQueryVariables(Clip& clip, const std::string& url)
+{
+    const std::size_t query = url.find('?');
+    if (query == std::string::npos) return;
+    std::string_view rest = std::string_view(url).substr(query + 1);
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('&'), rest.size());
+        const std::string_view pair = rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+        const std::size_t equals = pair.find('=');
+        if (equals == std::string_view::npos || equals == 0) continue;
+        m_script->setVariable(clip, decodedComponent(pair.substr(0, equals)),
+                              decodedComponent(pair.substr(equals + 1)));
+    }
+}
+
+void Stage::loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<LoadListener> listener)
+{
+    if (target.levelNumber() >= 0) {
+        loadIntoLevel(target.levelNumber(), std::move(request), std::move(listener));
+        return;
+    }
+    Pending load{std::static_pointer_cast<Clip>(target.shared_from_this()),
+                 -1,
+                 true,
+                 false,
+                 m_services.loader.load(request),
+                 std::move(listener),
+                 {},
+                 m_frameCounter + 1};
+    m_loads.push_back(std::move(load));
+}
+
+void Stage::loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener)
+{
+    Pending load{
+        {}, level, false, true, m_services.loader.load(request), std::move(listener), {}, m_frameCounter + 1};
+    m_loads.push_back(std::move(load));
+}
+
+void Stage::fetch(LoadRequest request, LoadDone done)
+{
+    Pending load{
+        {}, -1, false, false, m_services.loader.load(request), nullptr, std::move(done), m_frameCounter + 1};
+    m_loads.push_back(std::move(load));
+}
+
+void Stage::deliverLoads()
+{
+    std::vector<Pending> due;
+    for (std::size_t i = 0; i < m_loads.size();) {
+        if (m_loads[i].frame > m_frameCounter) {
+            ++i;
+            continue;
+        }
+        due.push_back(std::move(m_loads[i]));
+        m_loads.erase(m_loads.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+    for (Pending& load : due) {
+        finishLoad(load);
+        runQueue();
+    }
+}
+
+void Stage::finishLoad(Pending& load)
+{
+    if (load.done) {
+        load.done(load.answer);
+        return;
+    }
+    std::shared_ptr<Clip> clip = load.clip.lock();
+    if (load.intoClip && (!clip || clip->isRemoved())) return;
+    if (!load.answer) {
+        m_services.host.logLine(load.answer.error().what);
+        if (load.listener) {
+            if (load.intoLevel) clip = m_levels.contains(load.level) ? m_levels[load.level] : nullptr;
+            if (clip) load.listener->failed(*clip, "URLNotFound");
+        }
+        return;
+    }
+    if (load.intoLevel) {
+        auto movie = swf::parseMovie(load.answer->bytes);
+        MoviePtr parsed = movie ? *movie : nullptr;
+        if (parsed && parsed->isAs3) {
+            m_services.host.logLine(load.answer->url + ": ActionScript 3 is not supported");
+            return;
+        }
+        if (load.level == 0 && parsed) {
+            const std::string url = load.answer->url;
+            m_movie = parsed;
+            m_url = url;
+            const auto levels = std::move(m_levels);
+            m_levels.clear();
+            for (const auto& [number, root] : levels) {
+                queueUnload(*root);
+                runQueue();
+                retire(*root);
+            }
+            adoptHeader();
+        } else {
+            unloadLevel(load.level);
+        }
+        if (parsed) {
+            clip = makeLevel(load.level, parsed, load.answer->url);
+        } else {
+            auto root = std::make_shared<Clip>(*this, m_movie, emptyTimeline());
+            root->m_level = load.level;
+            root->m_depth = kTimelineDepth + load.level;
+            m_levels[load.level] = root;
+            enlist(root);
+            fillFrom(*root, *load.answer);
+            clip = root;
+        }
+    } else if (!fillFrom(*clip, *load.answer)) {
+        if (load.listener) load.listener->failed(*clip, "LoadNeverCompleted");
+        return;
+    }
+    if (load.listener) {
+        const std::size_t size = load.answer->bytes.size();
+        load.listener->started(*clip);
+        load.listener->progressed(*clip, size, size);
+        load.listener->completed(*clip);
+    }
+    queueEvent(*clip, Event::Data);
+    runQueue();
+    if (load.listener && !clip->isRemoved()) load.listener->initialized(*clip);
+}
+
+void Stage::fill(Clip& clip, MoviePtr movie, std::string url)
+{
+    clip.invalidate();
+    clip.removeAllChildren();
+    if (clip.m_streaming) m_services.sound.stopStream(&clip);
+    clip.m_streaming = false;
+    clip.m_drawing.reset();
+    clip.forgetBounds();
+    if (!clip.m_clipActionsMovie) clip.m_clipActionsMovie = clip.m_movie;
+    if (movie) {
+        clip.m_timeline = std::shared_ptr<const swf::Timeline>(movie, &movie->timeline);
+        clip.m_movie = std::move(movie);
+    } else {
+        clip.m_timeline = emptyTimeline();
+    }
+    clip.m_movieRoot = true;
+    clip.m_url = std::move(url);
+    clip.m_frame = -1;
+    clip.m_playing = true;
+    clip.m_begun = false;
+    m_script->clipReset(clip);
+}
+
+bool Stage::fillFrom(Clip& clip, const LoadAnswer& answer)
+{
+    if (auto movie = swf::parseMovie(answer.bytes)) {
+        if ((*movie)->isAs3) {
+            m_services.host.logLine(answer.url + ": ActionScript 3 is not supported");
+            return false;
+        }
+        fill(clip, *movie, answer.url);
+        setQueryVariables(clip, answer.url);
+        clip.begin();
+        return true;
+    }
+    auto picture = swf::decodePicture(answer.bytes);
+    fill(clip, nullptr, answer.url);
+    if (!picture) {
+        m_services.host.logLine(answer.url + ": " + picture.error().what);
+        clip.begin();
+        return false;
+    }
+    clip.attachBitmap(*picture, kTimelineDepth + 1, false);
+    clip.begin();
+    return true;
+}
+
+void Stage::unloadLevel(int level)
+{
+    const auto found = m_levels.find(level);
+    if (found == m_levels.end()) return;
+    const std::shared_ptr<Clip> root = found->second;
+    if (queueUnload(*root)) runQueue();
+    invalidateAll();
+    m_levels.erase(level);
+    retire(*root);
+}
+
+void Stage::unloadClip(Clip& target)
+{
+    if (target.levelNumber() >= 0) {
+        unloadLevel(target.levelNumber());
+        return;
+    }
+    queueEvent(target, Event::Unload);
+    fill(target, nullptr, target.m_url);
+    target.m_begun = true;
+    target.m_frame = 0;
+}
+
+} // namespace flash::stage
