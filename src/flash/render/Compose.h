@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Rows of premultiplied pixels laid over rows of pixels. Coverage is 0..255. The inner loops of everything
+// that is drawn: written with the compiler's vectors, in a version for AVX2 and one for any processor, of
+// which the loader picks one.
+namespace flash::render
+{
+
+void composeSolid(std::uint32_t* below, std::size_t count, std::uint32_t color);
+void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_t count, std::uint32_t color);
+void composePixels(std::uint32_t* below, const std::uint32_t* source, std::size_t count);
+void composePixels(std::uint32_t* below, const std::uint32_t* source, const std::uint8_t* coverage,
+                   std::size_t count);
+
+/// coverage[i] becomes coverage[i] * factors[i] / 255.
+void scaleCoverage(std::uint8_t* coverage, const std::uint8_t* factors, std::size_t count);
+/// The union of two coverages that know nothing of each other: a + b - a b / 255.
+void uniteCoverage(std::uint8_t* coverage, const std::uint8_t* others, std::size_t count);
+
+} // namespace flash::render

@@ -1,0 +1,112 @@
+#include "flash/render/RenderCache.h"
+
+#include "flash/render/RenderCacheImpl.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace flash::render
+{
+
+std::size_t StrokedShape::bytes() const
+{
+    std::size_t sum = sizeof(StrokedShape);
+    for (const StrokedLine& line : lines)
+        sum += sizeof(StrokedLine) + line.outline.points.capacity() * sizeof(FlatPoint) +
+               line.outline.contourEnds.capacity() * sizeof(std::uint32_t);
+    return sum;
+}
+
+std::size_t RenderCache::Impl::KeyHash::operator()(const Key& key) const
+{
+    std::size_t hash = std::hash<const void*>{}(key.shape) * 2 + (key.strokes ? 1 : 0);
+    for (const double value : {key.a, key.b, key.c, key.d, key.pixelScale})
+        hash = (hash ^ std::hash<double>{}(value)) * 0x9E3779B97F4A7C15U;
+    return hash;
+}
+
+RenderCache::Impl::Entry* RenderCache::Impl::find(const Key& key)
+{
+    const auto found = m_entries.find(key);
+    if (found == m_entries.end()) return nullptr;
+    if (found->second.owner.expired()) {
+        m_used -= found->second.bytes;
+        m_entries.erase(found);
+        return nullptr;
+    }
+    found->second.lastUse = ++m_clock;
+    return &found->second;
+}
+
+void RenderCache::Impl::insert(const Key& key, Entry entry)
+{
+    entry.lastUse = ++m_clock;
+    entry.bytes += sizeof(Key) + sizeof(Entry);
+    m_used += entry.bytes;
+    m_entries.insert_or_assign(key, std::move(entry));
+    if (m_used > m_budget) makeRoom();
+}
+
+// Dead shapes first, then what was not used for longest, until a quarter of the budget is free.
+void RenderCache::Impl::makeRoom()
+{
+    std::erase_if(m_entries, [this](const auto& item) {
+        if (!item.second.owner.expired()) return false;
+        m_used -= item.second.bytes;
+        return true;
+    });
+    const std::size_t goal = m_budget / 4 * 3;
+    if (m_used <= goal) return;
+    std::vector<std::pair<std::uint64_t, Key>> byAge;
+    byAge.reserve(m_entries.size());
+    for (const auto& [key, entry] : m_entries) byAge.emplace_back(entry.lastUse, key);
+    std::ranges::sort(byAge, {}, &std::pair<std::uint64_t, Key>::first);
+    for (const auto& [use, key] : byAge) {
+        if (m_used <= goal) return;
+        const auto found = m_entries.find(key);
+        m_used -= found->second.bytes;
+        m_entries.erase(found);
+    }
+}
+
+std::shared_ptr<const FlatShape> RenderCache::Impl::flatShape(const std::shared_ptr<const swf::Shape>& shape,
+                                                              int scaleStep)
+{
+    const Key key{shape.get(), false, static_cast<double>(scaleStep)};
+    if (const Entry* entry = find(key)) return entry->fills;
+    auto flat = std::make_shared<const FlatShape>(flatten(*shape, scaleStep));
+    insert(key, {.owner = shape, .fills = flat, .strokes = nullptr, .bytes = flat->bytes()});
+    return flat;
+}
+
+std::shared_ptr<const StrokedShape>
+RenderCache::Impl::findStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& m,
+                               double pixelScale)
+{
+    const Entry* entry = find({shape.get(), true, m.a, m.b, m.c, m.d, pixelScale});
+    return entry == nullptr ? nullptr : entry->strokes;
+}
+
+void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& m,
+                                    double pixelScale, std::shared_ptr<const StrokedShape> strokes)
+{
+    const std::size_t bytes = strokes->bytes();
+    insert({shape.get(), true, m.a, m.b, m.c, m.d, pixelScale},
+           {.owner = shape, .fills = nullptr, .strokes = std::move(strokes), .bytes = bytes});
+}
+
+void RenderCache::Impl::clear()
+{
+    m_entries.clear();
+    m_used = 0;
+}
+
+RenderCache::RenderCache(std::size_t budgetBytes) : m_impl(std::make_unique<Impl>(budgetBytes)) {}
+RenderCache::~RenderCache() = default;
+RenderCache::RenderCache(RenderCache&&) noexcept = default;
+RenderCache& RenderCache::operator=(RenderCache&&) noexcept = default;
+std::size_t RenderCache::usedBytes() const { return m_impl->usedBytes(); }
+void RenderCache::clear() { m_impl->clear(); }
+
+} // namespace flash::render

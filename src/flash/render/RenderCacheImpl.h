@@ -1,0 +1,69 @@
+#pragma once
+
+#include "flash/render/Flatten.h"
+#include "flash/render/RenderCache.h"
+#include "flash/render/Stroker.h"
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+namespace flash::render
+{
+
+/// The strokes of one line style of a shape, outlined for one matrix without its translation.
+struct StrokedLine {
+    std::size_t layer = 0;
+    std::uint16_t line = 0; ///< number of the line style, from 1
+    StrokeOutline outline;
+};
+struct StrokedShape {
+    std::vector<StrokedLine> lines; ///< in painting order
+    [[nodiscard]] std::size_t bytes() const;
+};
+
+class RenderCache::Impl
+{
+public:
+    explicit Impl(std::size_t budgetBytes) : m_budget(budgetBytes) {}
+
+    std::shared_ptr<const FlatShape> flatShape(const std::shared_ptr<const swf::Shape>& shape, int scaleStep);
+
+    /// @returns null when there is none yet
+    std::shared_ptr<const StrokedShape> findStrokes(const std::shared_ptr<const swf::Shape>& shape,
+                                                    const swf::Matrix& linear, double pixelScale);
+    void keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& linear,
+                     double pixelScale, std::shared_ptr<const StrokedShape> strokes);
+
+    [[nodiscard]] std::size_t usedBytes() const { return m_used; }
+    void clear();
+
+private:
+    // What an entry was made for. Fills: `a` is the scale step, the rest 0 and `strokes` false.
+    struct Key {
+        const swf::Shape* shape = nullptr;
+        bool strokes = false;
+        double a = 0, b = 0, c = 0, d = 0, pixelScale = 0;
+        friend bool operator==(const Key&, const Key&) = default;
+    };
+    struct KeyHash {
+        std::size_t operator()(const Key& key) const;
+    };
+    struct Entry {
+        std::weak_ptr<const swf::Shape> owner; ///< another shape may come to lie at the address of a dead one
+        std::shared_ptr<const FlatShape> fills;
+        std::shared_ptr<const StrokedShape> strokes;
+        std::size_t bytes = 0;
+        std::uint64_t lastUse = 0;
+    };
+    Entry* find(const Key& key);
+    void insert(const Key& key, Entry entry);
+    void makeRoom();
+
+    std::size_t m_budget;
+    std::size_t m_used = 0;
+    std::uint64_t m_clock = 0;
+    std::unordered_map<Key, Entry, KeyHash> m_entries;
+};
+
+} // namespace flash::render

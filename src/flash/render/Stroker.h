@@ -1,0 +1,35 @@
+#pragma once
+
+#include "flash/render/Flatten.h"
+#include "flash/swf/Geometry.h"
+#include "flash/swf/Shape.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace flash::render
+{
+
+/// Closed contours whose non-zero winding is the stroke.
+struct StrokeOutline {
+    std::vector<FlatPoint> points;
+    std::vector<std::uint32_t> contourEnds; ///< index past the last point of each
+    FlatPoint least, greatest;              ///< around all points
+};
+
+/// The width of a line on the screen: strokes are equally wide in all directions, however the shape is
+/// stretched, and never thinner than a device pixel.
+/// @param toDevice   shape space to device pixels
+/// @param pixelScale device pixels to a pixel of the stage
+double strokeWidth(const swf::LineStyle& style, const swf::Matrix& toDevice, double pixelScale);
+
+/// Adds the outline of one path.
+/// @param path in device pixels
+void addStroke(StrokeOutline& outline, std::span<const StrokePoint> path, const swf::LineStyle& style,
+               double width);
+
+/// Moves corner points so that straight lines of this width cover whole pixels.
+void hintStroke(std::span<StrokePoint> path, double width);
+
+} // namespace flash::render
