@@ -99,7 +99,10 @@ void readLayout(TagContext& tag, Font& font)
         pair.left = font.wideCodes ? body.u16() : body.u8();
         pair.right = font.wideCodes ? body.u16() : body.u8();
         pair.adjustment = body.i16();
-        if (body.overrun()) break;
+        if (body.overrun()) {
+            tag.warn("ends within its kerning; the pairs before its end are used");
+            break;
+        }
         font.kerning.push_back(pair);
     }
     std::stable_sort(font.kerning.begin(), font.kerning.end(),

@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzSwf FuzzSwf.cpp LIBS zorvex_flash_swf)
