@@ -1,0 +1,82 @@
+#include "flash/render/HitTest.h"
+
+#include "flash/render/Flatten.h"
+#include "flash/render/Stroker.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+namespace flash::render
+{
+namespace
+{
+
+// Windings are counted along a ray to the left.
+int crossing(FlatPoint from, FlatPoint to, swf::Point p)
+{
+    if ((from.y <= p.y) == (to.y <= p.y)) return 0;
+    const double t = (p.y - from.y) / (static_cast<double>(to.y) - from.y);
+    if (from.x + t * (static_cast<double>(to.x) - from.x) > p.x) return 0;
+    return to.y > from.y ? 1 : -1;
+}
+
+bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, bool nonZero, swf::Point p)
+{
+    if (layer.points.empty() || p.x < layer.least.x || p.x > layer.greatest.x || p.y < layer.least.y ||
+        p.y > layer.greatest.y)
+        return false;
+    std::unordered_map<std::uint16_t, int> windings;
+    for (const FlatRun& run : layer.runs) {
+        int sum = 0;
+        for (std::uint32_t i = 1; i < run.count; ++i)
+            sum += crossing(layer.points[run.first + i - 1], layer.points[run.first + i], p);
+        if (sum == 0) continue;
+        windings[run.fill0] -= sum;
+        windings[run.fill1] += sum;
+    }
+    return std::ranges::any_of(windings, [&](const auto& winding) {
+        const auto [fill, count] = winding;
+        return fill != 0 && fill <= styles.fills.size() && (nonZero ? count != 0 : count % 2 != 0);
+    });
+}
+
+bool strokeContains(const swf::LineStyle& style, double width, std::span<const StrokePoint> path,
+                    swf::Point p)
+{
+    StrokeOutline outline;
+    addStroke(outline, path, style, width);
+    int sum = 0;
+    std::uint32_t first = 0;
+    for (const std::uint32_t end : outline.contourEnds) {
+        FlatPoint from = outline.points[end - 1];
+        for (std::uint32_t i = first; i < end; ++i) {
+            sum += crossing(from, outline.points[i], p);
+            from = outline.points[i];
+        }
+        first = end;
+    }
+    return sum != 0;
+}
+
+} // namespace
+
+bool shapeContains(const swf::Shape& shape, swf::Point point, double hairlineTwips)
+{
+    if (!std::isfinite(point.x) || !std::isfinite(point.y)) return false;
+    // Twips are taken for pixels here, which is twenty times finer than anything that is drawn.
+    const FlatShape flat = flatten(shape, scaleStep({}));
+    for (std::size_t i = 0; i < flat.layers.size(); ++i) {
+        const FlatLayer& layer = flat.layers[i];
+        if (fillsContain(shape.layers[i], layer, shape.nonZeroWinding, point)) return true;
+        for (const FlatStroke& stroke : layer.strokes) {
+            const swf::LineStyle& style = shape.layers[i].lines[stroke.line - 1U];
+            const double width = std::max<double>(style.width, hairlineTwips);
+            if (strokeContains(style, width, {layer.strokePoints.data() + stroke.first, stroke.count}, point))
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace flash::render

@@ -1,0 +1,169 @@
+#include "flash/render/ShadowFilters.h"
+
+#include "flash/render/Blur.h"
+#include "flash/render/Paint.h"
+#include "flash/render/Pixel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace flash::render
+{
+namespace
+{
+
+Plane blurredAlpha(SurfaceView surface, double blurX, double blurY, int passes)
+{
+    Plane plane{surface.width, surface.height, 1, {}};
+    plane.bytes.resize(plane.rowBytes() * static_cast<std::size_t>(surface.height));
+    for (int y = 0; y < surface.height; ++y) {
+        const std::uint32_t* from = surface.row(y);
+        std::transform(from, from + surface.width, plane.row(y),
+                       [](std::uint32_t pixel) { return static_cast<std::uint8_t>(alphaOf(pixel)); });
+    }
+    boxBlur(plane, blurX, blurY, passes);
+    return plane;
+}
+
+// A plane moved by any distance: between pixels it is weighed.
+class MovedPlane
+{
+public:
+    MovedPlane(const Plane& plane, ShadowOffset offset) : m_plane(plane)
+    {
+        m_x = static_cast<int>(std::floor(offset.x));
+        m_y = static_cast<int>(std::floor(offset.y));
+        m_partX = static_cast<int>(std::lround((offset.x - m_x) * 256));
+        m_partY = static_cast<int>(std::lround((offset.y - m_y) * 256));
+    }
+    /// 0..255
+    [[nodiscard]] int at(int x, int y) const
+    {
+        x -= m_x;
+        y -= m_y;
+        if (m_partX == 0 && m_partY == 0) return value(x, y);
+        const int here = value(x, y) * (256 - m_partX) + value(x - 1, y) * m_partX;
+        const int above = value(x, y - 1) * (256 - m_partX) + value(x - 1, y - 1) * m_partX;
+        return (here * (256 - m_partY) + above * m_partY + 32768) >> 16;
+    }
+
+private:
+    [[nodiscard]] int value(int x, int y) const
+    {
+        if (x < 0 || y < 0 || x >= m_plane.width || y >= m_plane.height) return 0;
+        return m_plane.row(y)[x];
+    }
+    const Plane& m_plane;
+    int m_x = 0, m_y = 0, m_partX = 0, m_partY = 0;
+};
+
+int strengthened(int value, double strength)
+{
+    // Strength is 8.8 fixed point in the file and may be anything in a script.
+    const double result = value * strength;
+    if (!(result > 0)) return 0;
+    return static_cast<int>(std::lround(std::min(result, 255.0)));
+}
+
+enum class Where { Inside, Outside, Everywhere };
+enum class Object { Shown, Hidden };
+
+// Puts an effect and the object it was made of together.
+std::uint32_t combine(std::uint32_t effect, std::uint32_t object, Where where, bool knockout, Object shown)
+{
+    const std::uint32_t alpha = alphaOf(object);
+    switch (where) {
+    case Where::Inside: {
+        const std::uint32_t inside = scale255(effect, alpha);
+        if (knockout || shown == Object::Hidden) return inside;
+        return inside + scale255(object, 255 - alphaOf(effect));
+    }
+    case Where::Outside:
+        if (knockout) return scale255(effect, 255 - alpha);
+        return shown == Object::Hidden ? effect : over(object, effect);
+    case Where::Everywhere: return knockout || shown == Object::Hidden ? effect : over(effect, object);
+    }
+    return object;
+}
+
+Where whereOf(bool inner, bool onTop)
+{
+    if (onTop) return Where::Everywhere;
+    return inner ? Where::Inside : Where::Outside;
+}
+
+// Calls effectAt(x, y) for each pixel and combines.
+template <class Effect>
+void combineAll(SurfaceView surface, Where where, bool knockout, bool compositeSource, const Effect& effectAt)
+{
+    const Object shown = compositeSource ? Object::Shown : Object::Hidden;
+    for (int y = 0; y < surface.height; ++y) {
+        std::uint32_t* row = surface.row(y);
+        for (int x = 0; x < surface.width; ++x)
+            row[x] = combine(effectAt(x, y), row[x], where, knockout, shown);
+    }
+}
+
+} // namespace
+
+ShadowOffset shadowOffset(double distance, double angle, double scale)
+{
+    const double x = distance * scale * std::cos(angle), y = distance * scale * std::sin(angle);
+    if (!std::isfinite(x) || !std::isfinite(y)) return {};
+    // What cosine and sine leave of a right angle is no shift.
+    const auto clean = [](double v) {
+        const double whole = std::round(v);
+        return std::clamp(std::abs(v - whole) < 1e-3 ? whole : v, -1e5, 1e5);
+    };
+    return {clean(x), clean(y)};
+}
+
+void applyShadow(const swf::DropShadowFilter& f, SurfaceView surface, double scale)
+{
+    const Plane alpha = blurredAlpha(surface, f.blurX * scale, f.blurY * scale, f.passes);
+    const MovedPlane shadow(alpha, shadowOffset(f.distance, f.angle, scale));
+    const std::uint32_t color = premultiply(f.color);
+    combineAll(surface, whereOf(f.inner, false), f.knockout, f.compositeSource, [&](int x, int y) {
+        const int value = shadow.at(x, y);
+        const int density = strengthened(f.inner ? 255 - value : value, f.strength);
+        return scale255(color, static_cast<std::uint32_t>(density));
+    });
+}
+
+// The difference of the alpha on either side tells which way the border faces.
+void applyBevel(const swf::BevelFilter& f, SurfaceView surface, double scale)
+{
+    const Plane alpha = blurredAlpha(surface, f.blurX * scale, f.blurY * scale, f.passes);
+    const ShadowOffset offset = shadowOffset(f.distance, f.angle, scale);
+    const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
+    const std::uint32_t highlight = premultiply(f.highlight), shadow = premultiply(f.shadow);
+    combineAll(surface, whereOf(f.inner, f.onTop), f.knockout, f.compositeSource, [&](int x, int y) {
+        const int slope = towards.at(x, y) - away.at(x, y);
+        const auto density = static_cast<std::uint32_t>(strengthened(std::abs(slope), f.strength));
+        return scale255(slope > 0 ? highlight : shadow, density);
+    });
+}
+
+void applyGradient(const swf::GradientFilter& f, SurfaceView surface, double scale)
+{
+    const Plane alpha = blurredAlpha(surface, f.blurX * scale, f.blurY * scale, f.passes);
+    const ShadowOffset offset = shadowOffset(f.distance, f.angle, scale);
+    const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
+    swf::Gradient gradient;
+    gradient.stops = f.stops;
+    const GradientRamp ramp = makeRamp(gradient, {});
+    combineAll(surface, whereOf(f.inner, f.onTop), f.knockout, f.compositeSource, [&](int x, int y) {
+        if (!f.bevel) {
+            const int value = away.at(x, y);
+            const int density = strengthened(f.inner ? 255 - value : value, f.strength);
+            return ramp[static_cast<std::size_t>(density)];
+        }
+        // The ramp runs from the highlight over the middle, where nothing slopes, to the shadow.
+        const int slope = towards.at(x, y) - away.at(x, y);
+        const int density = strengthened(std::abs(slope), f.strength);
+        const int position = slope > 0 ? 128 - density / 2 - density % 2 : 128 + density / 2;
+        return ramp[static_cast<std::size_t>(std::clamp(position, 0, 255))];
+    });
+}
+
+} // namespace flash::render

@@ -1,0 +1,284 @@
+#include "flash/render/Filters.h"
+
+#include "Shapes.h"
+#include "flash/render/Pixel.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace flash::render
+{
+namespace
+{
+
+using namespace test;
+
+Surface dots(int width, int height)
+{
+    Surface surface(width, height);
+    surface.row(height / 2)[width / 2] = kWhite;
+    surface.row(height / 3)[width / 3] = 0x80402000;
+    surface.row(0)[0] = kRed;
+    return surface;
+}
+
+// The mean over a box, pixel by pixel, in floating point.
+std::vector<double> naiveBlur(const Surface& source, double extentX, double extentY, int shift)
+{
+    const auto weight = [](double extent, int distance) {
+        return std::clamp((extent - 1) / 2 - (std::abs(distance) - 1), 0.0, 1.0);
+    };
+    std::vector<double> result;
+    for (int y = 0; y < source.height(); ++y)
+        for (int x = 0; x < source.width(); ++x) {
+            double sum = 0;
+            for (int v = 0; v < source.height(); ++v)
+                for (int u = 0; u < source.width(); ++u)
+                    sum += weight(extentX, u - x) * weight(extentY, v - y) *
+                           (source.pixel(u, v) >> shift & 0xFF);
+            result.push_back(sum / extentX / extentY);
+        }
+    return result;
+}
+
+TEST(Filters, BlurIsTheMeanOfABoxOfAnyExtent)
+{
+    struct Case {
+        double x, y;
+    };
+    for (const Case c : {Case{3, 5}, Case{4, 4}, Case{2.5, 1}, Case{1, 6.3}, Case{20, 20}}) {
+        Surface surface = dots(17, 15);
+        std::vector<double> expected[4];
+        for (int channel = 0; channel < 4; ++channel)
+            expected[channel] = naiveBlur(surface, c.x, c.y, 8 * channel);
+        applyFilter(swf::BlurFilter{c.x, c.y, 1}, surface.view());
+        for (int y = 0; y < 15; ++y)
+            for (int x = 0; x < 17; ++x)
+                for (int channel = 0; channel < 4; ++channel)
+                    ASSERT_NEAR(surface.pixel(x, y) >> (8 * channel) & 0xFF,
+                                expected[channel][static_cast<std::size_t>(y * 17 + x)], 1.2)
+                        << c.x << "x" << c.y << " at " << x << "," << y;
+    }
+}
+
+TEST(Filters, BlurOfManyPassesStaysWithinItsGrowth)
+{
+    for (const int passes : {1, 3})
+        for (const double extent : {2.0, 4.5, 9.0}) {
+            const swf::Filter filter = swf::BlurFilter{extent, extent, passes};
+            const Growth growth = filterGrowth(filter);
+            const int middle = growth.left + 5;
+            Surface surface(2 * middle + 1, 2 * middle + 1);
+            surface.row(middle)[middle] = kWhite;
+            applyFilter(filter, surface.view());
+            EXPECT_NE(surface.pixel(middle, middle), 0U);
+            for (int i = 0; i < surface.width(); ++i)
+                EXPECT_EQ(surface.pixel(4, i), 0U) << extent << " x" << passes;
+        }
+}
+
+Surface square(int size, int from, int to, std::uint32_t color)
+{
+    Surface surface(size, size);
+    for (int y = from; y < to; ++y) std::fill(surface.row(y) + from, surface.row(y) + to, color);
+    return surface;
+}
+
+TEST(Filters, ShadowFallsWhereTheAngleSays)
+{
+    swf::DropShadowFilter filter;
+    filter.color = {0, 0, 0, 255};
+    filter.distance = 3;
+    filter.strength = 1;
+    struct Case {
+        const char* name;
+        double angle;
+        int x, y;
+    };
+    for (const Case& c : {Case{"right", 0, 3, 0}, Case{"down", std::numbers::pi / 2, 0, 3},
+                          Case{"left", std::numbers::pi, -3, 0}}) {
+        SCOPED_TRACE(c.name);
+        filter.angle = c.angle;
+        Surface surface = square(20, 8, 12, kRed);
+        applyFilter(filter, surface.view());
+        for (int y = 0; y < 20; ++y)
+            for (int x = 0; x < 20; ++x) {
+                const auto within = [](int v) { return v >= 8 && v < 12; };
+                const std::uint32_t expected = within(x) && within(y)               ? kRed
+                                               : within(x - c.x) && within(y - c.y) ? kBlack
+                                                                                    : 0;
+                ASSERT_EQ(surface.pixel(x, y), expected) << x << "," << y;
+            }
+    }
+}
+
+TEST(Filters, ShadowsCombineWithTheirObjectAsTheirFlagsSay)
+{
+    struct Case {
+        const char* name;
+        bool inner, knockout, composite;
+        std::uint32_t inShadowOnly, inBoth, inObjectOnly;
+    };
+    // A red square from 8 to 12, its black shadow 2 to the right.
+    constexpr Case kCases[] = {
+        {"outer", false, false, true, kBlack, kRed, kRed},
+        {"outer, knocked out", false, true, true, kBlack, 0, 0},
+        {"outer, object hidden", false, false, false, kBlack, kBlack, 0},
+        {"inner", true, false, true, 0, kRed, kBlack},
+        {"inner, knocked out", true, true, true, 0, 0, kBlack},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        swf::DropShadowFilter filter;
+        filter.color = {0, 0, 0, 255};
+        filter.distance = 2;
+        filter.strength = 1;
+        filter.inner = c.inner;
+        filter.knockout = c.knockout;
+        filter.compositeSource = c.composite;
+        Surface surface = square(20, 8, 12, kRed);
+        applyFilter(filter, surface.view());
+        EXPECT_EQ(surface.pixel(13, 10), c.inShadowOnly);
+        EXPECT_EQ(surface.pixel(11, 10), c.inBoth);
+        EXPECT_EQ(surface.pixel(8, 10), c.inObjectOnly);
+    }
+}
+
+TEST(Filters, GlowIsStrengthTimesTheBlurredAlpha)
+{
+    swf::GlowFilter filter;
+    filter.color = {0, 255, 0, 255};
+    filter.blurX = 5;
+    filter.blurY = 1;
+    filter.strength = 2;
+    Surface surface = square(20, 8, 12, kRed);
+    applyFilter(filter, surface.view());
+    EXPECT_EQ(surface.pixel(8, 10), kRed);
+    EXPECT_EQ(surface.pixel(12, 10) & 0xFF00, 0xCC00U); // two of five, twice
+    EXPECT_EQ(surface.pixel(13, 10) & 0xFF00, 0x6600U);
+    EXPECT_EQ(surface.pixel(14, 10), 0U);
+}
+
+TEST(Filters, BevelsLightTheSideTheirAngleComesFrom)
+{
+    swf::BevelFilter filter;
+    filter.highlight = {255, 255, 255, 255};
+    filter.shadow = {0, 0, 0, 255};
+    filter.distance = 1;
+    filter.angle = 0;
+    filter.strength = 1;
+    filter.inner = true;
+    Surface inner = square(20, 8, 12, kRed);
+    applyFilter(filter, inner.view());
+    EXPECT_EQ(inner.pixel(8, 10), kWhite);
+    EXPECT_EQ(inner.pixel(10, 10), kRed);
+    EXPECT_EQ(inner.pixel(11, 10), kBlack);
+    EXPECT_EQ(inner.pixel(7, 10), 0U);
+    filter.inner = false;
+    Surface outer = square(20, 8, 12, kRed);
+    applyFilter(filter, outer.view());
+    EXPECT_EQ(outer.pixel(7, 10), kWhite);
+    EXPECT_EQ(outer.pixel(8, 10), kRed);
+    EXPECT_EQ(outer.pixel(12, 10), kBlack);
+
+    swf::GradientFilter gradient;
+    gradient.bevel = gradient.inner = true;
+    gradient.stops = {{0, {255, 255, 255, 255}}, {128, {255, 0, 0, 0}}, {255, {0, 0, 0, 255}}};
+    gradient.distance = gradient.strength = 1;
+    Surface ramped = square(20, 8, 12, kRed);
+    applyFilter(gradient, ramped.view());
+    EXPECT_EQ(ramped.pixel(8, 10), kWhite);
+    EXPECT_EQ(ramped.pixel(10, 10), kRed);
+    EXPECT_EQ(ramped.pixel(11, 10), kBlack);
+}
+
+TEST(Filters, ColourMatrixActsOnPlainColours)
+{
+    swf::ColorMatrixFilter filter;
+    filter.matrix = {0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 40, 0, 0, 0, 0.5, 0};
+    Surface surface(1, 1);
+    surface.row(0)[0] = premultiply({200, 100, 50, 128});
+    applyFilter(filter, surface.view());
+    const swf::Rgba c = unpremultiply(surface.pixel(0, 0));
+    EXPECT_NEAR(c.r, 100, 3);
+    EXPECT_NEAR(c.g, 200, 3);
+    EXPECT_NEAR(c.b, 90, 3);
+    EXPECT_EQ(c.a, 64);
+}
+
+TEST(Filters, ConvolutionWeighsNeighboursInReadingOrder)
+{
+    swf::ConvolutionFilter filter;
+    filter.columns = filter.rows = 3;
+    filter.matrix = {0, 0, 0, 1, 0, 0, 0, 0, 0}; // takes the left neighbour
+    Surface surface(3, 1);
+    surface.row(0)[0] = kRed;
+    surface.row(0)[1] = kGreen;
+    surface.row(0)[2] = kBlue;
+    applyFilter(filter, surface.view());
+    EXPECT_EQ(surface.pixel(0, 0), kRed);
+    EXPECT_EQ(surface.pixel(1, 0), kRed);
+    EXPECT_EQ(surface.pixel(2, 0), kGreen);
+}
+
+TEST(Filters, SurviveNumbersThatMakeNoSense)
+{
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const double v : {kNan, kInfinity, -kInfinity, -5.0, 1e30}) {
+        swf::DropShadowFilter shadow;
+        shadow.blurX = shadow.blurY = shadow.angle = shadow.distance = shadow.strength = v;
+        swf::BevelFilter bevel;
+        bevel.blurX = bevel.blurY = bevel.angle = bevel.distance = bevel.strength = v;
+        swf::GradientFilter gradient;
+        gradient.distance = gradient.strength = v;
+        swf::ConvolutionFilter convolution;
+        convolution.columns = convolution.rows = 5;
+        convolution.matrix = {v};
+        convolution.divisor = v;
+        swf::ColorMatrixFilter matrix;
+        matrix.matrix.fill(v);
+        for (const swf::Filter& filter :
+             {swf::Filter{swf::BlurFilter{v, v, 15}}, swf::Filter{shadow}, swf::Filter{bevel},
+              swf::Filter{gradient}, swf::Filter{convolution}, swf::Filter{matrix}}) {
+            Surface surface = dots(9, 9);
+            applyFilter(filter, surface.view());
+            const Growth growth = filterGrowth(filter);
+            EXPECT_GE(growth.left, 0);
+        }
+    }
+}
+
+TEST(Layers, FiltersLookTheSameWhenOnlyAPartIsDrawnAgain)
+{
+    swf::DropShadowFilter shadow;
+    shadow.color = {0, 0, 128, 200};
+    shadow.blurX = shadow.blurY = 6;
+    shadow.distance = 5;
+    shadow.angle = 0.8;
+    shadow.strength = 1;
+    shadow.passes = 2;
+    const std::vector<swf::Filter> filters{shadow, swf::BlurFilter{3, 3, 1}};
+    const auto shape = rectShape(10.3, 9.6, 30, 28.5, solid(255, 0, 0));
+    const auto draw = [&](Canvas& canvas) {
+        canvas.clear({255, 255, 255, 255});
+        canvas.beginLayer(deviceBounds(*shape, kStage), filters);
+        canvas.drawShape(shape, kStage);
+        canvas.endLayer(swf::BlendMode::Layer, {}, filters);
+    };
+    Picture whole(60, 60), parts(60, 60, {0, 0, 0, 255});
+    draw(whole.canvas);
+    for (const IntRect clip : {IntRect{0, 0, 33, 31}, IntRect{33, 0, 60, 31}, IntRect{0, 31, 60, 60}}) {
+        parts.canvas.setClip(clip);
+        draw(parts.canvas);
+    }
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 60; ++x) ASSERT_EQ(whole.at(x, y), parts.at(x, y)) << x << "," << y;
+    EXPECT_NE(whole.at(34, 33), kWhite);
+}
+
+} // namespace
+} // namespace flash::render

@@ -1,0 +1,60 @@
+#include "flash/render/HitTest.h"
+
+#include "Shapes.h"
+
+#include <gtest/gtest.h>
+
+namespace flash::render
+{
+namespace
+{
+
+using namespace test;
+
+TEST(HitTest, FindsFillsHolesAndStrokes)
+{
+    swf::LineStyle line;
+    line.width = 80;
+    swf::ShapeLayer layer{
+        {solid(0, 0, 0, 0)},
+        {line},
+        {rectRun(0, 0, 20, 20, 1), rectRun(5, 5, 15, 15, 1), run({{30, 0}, {30, 20}}, 0, 0, 1)}};
+    const auto shape = shapeOf(layer);
+    const auto hit = [&](double x, double y) {
+        return shapeContains(*shape, {x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel});
+    };
+    EXPECT_TRUE(hit(2, 2)) << "a transparent fill is there all the same";
+    EXPECT_FALSE(hit(10, 10)) << "in the hole";
+    EXPECT_FALSE(hit(25, 10));
+    EXPECT_TRUE(hit(28.5, 10));
+    EXPECT_TRUE(hit(31.5, 10));
+    EXPECT_FALSE(hit(32.5, 10));
+    EXPECT_TRUE(hit(30, 21)) << "in the round cap";
+    EXPECT_FALSE(hit(30, 23));
+}
+
+TEST(HitTest, FollowsCurvesAndSharedEdges)
+{
+    // A circle-like outline divided down the middle between two fills.
+    swf::ShapeLayer layer;
+    layer.fills = {solid(255, 0, 0), solid(0, 255, 0)};
+    swf::EdgeRun left, right;
+    left.startX = right.startX = twips(10);
+    left.fill1 = 1;
+    left.edges = {curveTo(-5, 10, 10, 20)};
+    right.fill0 = 2;
+    right.edges = {curveTo(25, 10, 10, 20)};
+    layer.runs = {left, right, run({{10, 0}, {10, 20}}, 1, 2)};
+    const auto shape = shapeOf(layer);
+    const auto hit = [&](double x, double y) {
+        return shapeContains(*shape, {x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel});
+    };
+    EXPECT_TRUE(hit(4, 10));
+    EXPECT_TRUE(hit(16, 10));
+    EXPECT_TRUE(hit(10, 10));
+    EXPECT_FALSE(hit(2, 10)) << "the control point is outside of the curve";
+    EXPECT_FALSE(hit(4, 2));
+}
+
+} // namespace
+} // namespace flash::render
