@@ -5,11 +5,6 @@
 namespace flash::swf
 {
 
-std::int32_t clampCoordinate(std::int64_t twips)
-{
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(twips, -kMaxCoordinate, kMaxCoordinate));
-}
-
 base::Result<void> BodyReader::check() const
 {
     if (!m_overrun) return {};

@@ -3,6 +3,7 @@
 #include "base/ByteReader.h"
 #include "flash/swf/Geometry.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -115,6 +116,9 @@ private:
 /// Coordinates are kept within this many twips of the origin (half a million pixels), so that sums and
 /// differences of any two of them stay inside 32 bits.
 constexpr std::int32_t kMaxCoordinate = 1 << 29;
-std::int32_t clampCoordinate(std::int64_t twips);
+inline std::int32_t clampCoordinate(std::int64_t twips)
+{
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(twips, -kMaxCoordinate, kMaxCoordinate));
+}
 
 } // namespace flash::swf

@@ -14,6 +14,7 @@ namespace
 
 constexpr std::size_t kFixedHeaderBytes = 8; // signature, version, length
 constexpr std::size_t kFirstOutputBytes = 64U << 10U;
+constexpr std::uint64_t kUsualRatio = 3; // few streams inflate to more
 
 // Doubles the buffer, up to the limit and one byte more, by which an output past the limit is noticed.
 bool grow(std::vector<std::uint8_t>& buffer, std::uint64_t limit)
@@ -76,6 +77,8 @@ Inflated inflateStream(base::Bytes compressed, std::uint64_t limit)
     Inflated out;
     z_stream stream{};
     if (inflateInit(&stream) != Z_OK) return out;
+    const std::uint64_t guess = std::max<std::uint64_t>(compressed.size() * kUsualRatio, kFirstOutputBytes);
+    out.bytes.resize(static_cast<std::size_t>(std::min(guess, limit + 1)));
     std::size_t used = 0;
     std::size_t consumed = 0;
     int status = Z_OK;

@@ -10,7 +10,13 @@ namespace flash::swf
 namespace
 {
 
-enum : std::uint8_t { kMarker = 0xFF, kStartOfImage = 0xD8, kEndOfImage = 0xD9, kStartOfScan = 0xDA };
+enum : std::uint8_t {
+    kMarker = 0xFF,
+    kFirstRestart = 0xD0,
+    kStartOfImage = 0xD8,
+    kEndOfImage = 0xD9,
+    kStartOfScan = 0xDA
+};
 
 // Appends the segments before the first scan, without start and end markers, and from the scan on everything.
 void appendSegments(base::Bytes data, std::vector<std::uint8_t>& out)
@@ -23,8 +29,8 @@ void appendSegments(base::Bytes data, std::vector<std::uint8_t>& out)
         }
         const std::uint8_t code = data[at + 1];
         if (code == kMarker) {
-            ++at; // padding
-        } else if (code == kStartOfImage || code == kEndOfImage || code == 0) {
+            ++at;                                                                 // padding
+        } else if (code <= 1 || (code >= kFirstRestart && code <= kEndOfImage)) { // stands alone
             at += 2;
         } else if (code == kStartOfScan) {
             out.insert(out.end(), data.begin() + static_cast<std::ptrdiff_t>(at), data.end());
@@ -96,7 +102,7 @@ public:
         jpeg_mem_src(&m_info, data.data(), static_cast<unsigned long>(data.size()));
         return jpeg_read_header(&m_info, TRUE) == JPEG_HEADER_OK;
     }
-    /// @returns whether all rows came; `rowsDone` tells how many did.
+    /// @returns whether all rows came; rowsDone() tells how many did.
     bool readRows(std::uint32_t* pixels)
     {
         if (setjmp(m_errors.jump) != 0) return false;

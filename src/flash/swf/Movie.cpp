@@ -68,15 +68,15 @@ Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
         std::uint32_t length = header & kLongLengthMarker;
         if (length == kLongLengthMarker) length = body.u32();
         const TagInfo* info = findTag(code);
-        const std::string name = info ? std::string(info->name) : "tag " + std::to_string(code);
+        const auto warn = [&](std::string_view what) {
+            builder.warn(info ? std::string(info->name) : "tag " + std::to_string(code), offset, what);
+        };
         if (body.overrun()) {
-            builder.warn(name, offset, "ends within its header");
+            warn("ends within its header");
             break;
         }
         if (length > body.remaining()) {
-            builder.warn(name, offset,
-                         "needs " + std::to_string(length) + " bytes, " + std::to_string(body.remaining()) +
-                             " left");
+            warn("needs " + std::to_string(length) + " bytes, " + std::to_string(body.remaining()) + " left");
             length = static_cast<std::uint32_t>(body.remaining());
         }
         const std::size_t bodyOffset = body.offset();
@@ -87,7 +87,7 @@ Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
         if (code == kTagShowFrame) {
             endFrame();
             if (timeline.frames.size() >= kMaxFrames) {
-                builder.warn(name, offset, "more frames than the format can number");
+                warn("more frames than the format can number");
                 return timeline;
             }
         }
@@ -99,7 +99,9 @@ Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
         builder.warn("movie", body.offset(), "is too complex; what follows is left out");
     else if (!ended)
         builder.warn(spriteDepth > 0 ? "DefineSprite" : "movie", start, "has no end tag");
-    if (isWorthKeeping(frame) && timeline.frames.size() < kMaxFrames) endFrame();
+    // Tags behind the last mark are a frame when the end tag says that they are all there. Of a movie that
+    // was cut off they are half a frame, which is better than nothing only when there is no other.
+    if (isWorthKeeping(frame) && (ended || timeline.frames.empty())) endFrame();
     return timeline;
 }
 

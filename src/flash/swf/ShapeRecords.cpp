@@ -136,30 +136,25 @@ base::Result<ShapeLayer> readStyles(BodyReader& body, StyleForm form, Budget& bu
 
 ShapeRecord ShapeRecordReader::next()
 {
+    // Six bits start a record of either kind: 0 and five flags, or 1, straight or not, and a width.
+    enum : std::uint32_t {
+        kIsEdge = 0x20,
+        kIsStraight = 0x10,
+        kWidth = 0x0F,
+        kNewStyles = 0x10,
+        kLine = 0x08,
+        kFill1 = 0x04,
+        kFill0 = 0x02,
+        kMove = 0x01
+    };
     BodyReader& body = m_body;
     ShapeRecord record;
-    if (!body.flag()) {
-        record.hasNewStyles = body.flag();
-        record.hasLine = body.flag();
-        record.hasFill1 = body.flag();
-        record.hasFill0 = body.flag();
-        record.moves = body.flag();
-        if (record.moves) {
-            const unsigned width = body.bits(5);
-            record.x = body.signedBits(width);
-            record.y = body.signedBits(width);
-        }
-        if (record.hasFill0) record.fill0 = static_cast<std::uint16_t>(body.bits(m_fillBits));
-        if (record.hasFill1) record.fill1 = static_cast<std::uint16_t>(body.bits(m_fillBits));
-        if (record.hasLine) record.line = static_cast<std::uint16_t>(body.bits(m_lineBits));
-        const bool changes =
-            record.hasNewStyles || record.hasLine || record.hasFill1 || record.hasFill0 || record.moves;
-        if (changes) record.kind = ShapeRecord::Kind::Change;
-    } else {
+    const std::uint32_t head = body.bits(6);
+    if ((head & kIsEdge) != 0) {
         record.kind = ShapeRecord::Kind::Edge;
         Edge& edge = record.edge;
-        edge.curved = !body.flag();
-        const unsigned width = body.bits(4) + 2;
+        edge.curved = (head & kIsStraight) == 0;
+        const unsigned width = (head & kWidth) + 2;
         if (edge.curved) {
             edge.controlX = body.signedBits(width);
             edge.controlY = body.signedBits(width);
@@ -173,6 +168,21 @@ ShapeRecord ShapeRecordReader::next()
         } else {
             edge.anchorX = body.signedBits(width);
         }
+    } else if (head != 0) {
+        record.kind = ShapeRecord::Kind::Change;
+        record.hasNewStyles = (head & kNewStyles) != 0;
+        record.hasLine = (head & kLine) != 0;
+        record.hasFill1 = (head & kFill1) != 0;
+        record.hasFill0 = (head & kFill0) != 0;
+        record.moves = (head & kMove) != 0;
+        if (record.moves) {
+            const unsigned width = body.bits(5);
+            record.x = body.signedBits(width);
+            record.y = body.signedBits(width);
+        }
+        if (record.hasFill0) record.fill0 = static_cast<std::uint16_t>(body.bits(m_fillBits));
+        if (record.hasFill1) record.fill1 = static_cast<std::uint16_t>(body.bits(m_fillBits));
+        if (record.hasLine) record.line = static_cast<std::uint16_t>(body.bits(m_lineBits));
     }
     if (body.overrun()) record = {};
     return record;

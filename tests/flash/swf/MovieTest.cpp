@@ -212,11 +212,18 @@ TEST(Timeline, FindsLabelsWithoutRegardToCaseAndTakesTheFirst)
     EXPECT_FALSE(movie->timeline.frameByLabel(""));
 }
 
-TEST(Timeline, EndsTheLastFrameThatLacksItsMark)
+TEST(Timeline, EndsTheLastFrameThatLacksItsMarkUnlessTheMovieIsCutOff)
 {
-    const auto movie = parsed(movieBytes(6, {kShowFrame, label("last")}));
-    ASSERT_EQ(movie->timeline.frames.size(), 2U);
-    EXPECT_EQ(movie->timeline.frames[1].label, "last");
+    const auto cut = [](ByteList file) {
+        file.resize(file.size() - kEnd.size());
+        return file;
+    };
+    const ByteList two = movieBytes(6, {kShowFrame, label("last")}), one = movieBytes(6, {label("last")});
+    const auto whole = parsed(two);
+    ASSERT_EQ(whole->timeline.frames.size(), 2U);
+    EXPECT_EQ(whole->timeline.frames[1].label, "last");
+    EXPECT_EQ(parsed(cut(two))->timeline.frames.size(), 1U);
+    EXPECT_EQ(parsed(cut(one))->timeline.frames.size(), 1U) << "its only frame";
 }
 
 TEST(Timeline, OfASpriteWithoutEndTagIsKept)
