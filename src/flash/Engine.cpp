@@ -1,0 +1,273 @@
+#include "flash/Engine.h"
+
+#include "base/Files.h"
+#include "flash/net/FileSharedObjects.h"
+#include "flash/net/LocalLoader.h"
+#include "flash/render/Canvas.h"
+#include "flash/sound/SoundPlayer.h"
+#include "flash/stage/Stage.h"
+
+#include <QCryptographicHash>
+#include <QImage>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+
+namespace flash
+{
+
+namespace
+{
+
+constexpr std::uint64_t kMaxMovieBytes = 512ULL << 20;
+
+/// Shared objects that end with the engine.
+class MemoryStore : public stage::SharedObjectStore
+{
+public:
+    std::vector<std::uint8_t> read(std::string_view name) override
+    {
+        const auto found = m_objects.find(name);
+        return found == m_objects.end() ? std::vector<std::uint8_t>{} : found->second;
+    }
+    bool write(std::string_view name, const std::vector<std::uint8_t>& content) override
+    {
+        if (content.size() > net::FileSharedObjects::kQuotaBytes) return false;
+        m_objects.insert_or_assign(std::string(name), content);
+        return true;
+    }
+    void remove(std::string_view name) override
+    {
+        if (const auto found = m_objects.find(name); found != m_objects.end()) m_objects.erase(found);
+    }
+
+private:
+    std::map<std::string, std::vector<std::uint8_t>, std::less<>> m_objects;
+};
+
+/// What a movie may read: its folder, and files that the host itself asked for.
+class MovieLoader : public stage::Loader
+{
+public:
+    /// @param base where relative addresses count from, instead of from the movie that asks; may be empty
+    void setFolders(const std::filesystem::path& readable, const std::filesystem::path& base)
+    {
+        m_folder = std::make_unique<net::LocalLoader>(readable);
+        m_baseUrl = base.empty() ? std::string() : net::urlFromPath(base) + "/";
+        m_granted.clear();
+    }
+    /// Answers the next request for `url` with `bytes`.
+    void grant(const std::string& url, std::vector<std::uint8_t> bytes) { m_granted[url] = std::move(bytes); }
+
+    base::Result<stage::LoadAnswer> load(const stage::LoadRequest& request) override
+    {
+        if (const auto found = m_granted.find(request.url); found != m_granted.end()) {
+            stage::LoadAnswer answer{request.url, std::move(found->second)};
+            m_granted.erase(found);
+            return answer;
+        }
+        if (!m_folder) return base::fail(base::ErrorCode::Denied, request.url + ": no movie is loaded");
+        if (m_baseUrl.empty()) return m_folder->load(request);
+        stage::LoadRequest based = request;
+        based.baseUrl = m_baseUrl;
+        return m_folder->load(based);
+    }
+
+private:
+    std::unique_ptr<net::LocalLoader> m_folder;
+    std::string m_baseUrl;
+    std::map<std::string, std::vector<std::uint8_t>> m_granted;
+};
+
+struct Source {
+    std::filesystem::path path;
+    std::string url; // with the query
+    std::vector<std::uint8_t> bytes;
+};
+
+/// The part up to the last "?" is the file; a file whose own name holds one is found by its address only.
+base::Result<Source> readSource(const std::string& address)
+{
+    const auto mark = address.rfind('?');
+    const std::string file = address.substr(0, mark);
+    Source source;
+    const bool isUrl = file.size() > 5 && QByteArray::fromRawData(file.data(), 5).toLower() == "file:";
+    std::error_code ignored;
+    source.path = std::filesystem::absolute(isUrl ? net::pathFromUrl(file) : file, ignored);
+    source.url = net::urlFromPath(source.path);
+    if (mark != std::string::npos) source.url += address.substr(mark);
+    source.bytes = TRY_RESULT(base::readFile(source.path, kMaxMovieBytes));
+    return source;
+}
+
+/// A folder name of its own for each movie, made of its path so that two movies of one name do not meet.
+std::string storageName(const std::filesystem::path& movie)
+{
+    const QByteArray path = QByteArray::fromStdString(movie.string());
+    return QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().toStdString();
+}
+
+render::IntRect toRender(const QRect& rect)
+{
+    return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
+}
+
+render::Quality toRender(stage::Quality quality)
+{
+    switch (quality) {
+    case stage::Quality::Low: return render::Quality::Low;
+    case stage::Quality::Medium: return render::Quality::Medium;
+    case stage::Quality::High: return render::Quality::High;
+    case stage::Quality::Best: return render::Quality::Best;
+    }
+    return render::Quality::High;
+}
+
+} // namespace
+
+class Engine::Private
+{
+public:
+    Private(stage::HostEvents& events, Options given)
+        : host(events), options(std::move(given)), sound([](stage::SoundOwner owner) -> stage::SoundOwner {
+              return static_cast<const stage::Node*>(owner)->parent();
+          })
+    {
+        makeStage();
+    }
+    ~Private() { dropStage(); }
+
+    void makeStage()
+    {
+        stage = std::make_unique<stage::Stage>(stage::Services{sound, loader, host, *store}, nullptr);
+    }
+
+    void dropStage()
+    {
+        stage->close();
+        stage.reset();
+        sound.reset();
+    }
+
+    /// A fresh stage and fresh scripts, seen as before.
+    void renewStage(std::unique_ptr<stage::SharedObjectStore> newStore)
+    {
+        const int width = stage->viewWidth(), height = stage->viewHeight();
+        const stage::ScaleMode scaleMode = stage->scaleMode();
+        const stage::Quality quality = stage->quality();
+        const bool loop = stage->loop();
+        dropStage();
+        store = std::move(newStore);
+        makeStage();
+        stage->setViewSize(width, height);
+        stage->setScaleMode(scaleMode);
+        stage->setQuality(quality);
+        stage->setLoop(loop);
+        stage->setDeviceScale(deviceScale);
+    }
+
+    [[nodiscard]] int devicePixels(std::int32_t twips) const
+    {
+        constexpr double kMostPixels = 16384;
+        return static_cast<int>(
+            std::clamp(std::round(twips * deviceScale / swf::kTwipsPerPixel), 1.0, kMostPixels));
+    }
+
+    stage::HostEvents& host;
+    Options options;
+    MovieLoader loader;
+    std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
+    sound::SoundPlayer sound;
+    std::unique_ptr<stage::Stage> stage;
+    double deviceScale = 1;
+};
+
+Engine::Engine(stage::HostEvents& host, Options options)
+    : d(std::make_unique<Private>(host, std::move(options)))
+{
+}
+
+Engine::~Engine() = default;
+
+Engine::Options& Engine::options() { return d->options; }
+
+base::Result<void> Engine::open(const std::string& address)
+{
+    Source source = TRY_RESULT(readSource(address));
+    auto movie = TRY_RESULT(swf::parseMovie(source.bytes));
+    const auto& base = d->options.baseFolder;
+    d->loader.setFolders(base.empty() ? source.path.parent_path() : base, base);
+    const auto& storage = d->options.storageFolder;
+    if (storage.empty())
+        d->renewStage(std::make_unique<MemoryStore>());
+    else
+        d->renewStage(std::make_unique<net::FileSharedObjects>(storage / storageName(source.path)));
+    if (d->stage->viewWidth() == 0) {
+        const swf::Rect& frame = movie->header.frameSize;
+        d->stage->setViewSize(d->devicePixels(frame.width()), d->devicePixels(frame.height()));
+    }
+    d->sound.setFrameRate(movie->header.frameRate);
+    d->stage->open(std::move(movie), source.url);
+    return {};
+}
+
+base::Result<void> Engine::openLevel(int level, const std::string& address)
+{
+    if (level == 0) return open(address);
+    Source source = TRY_RESULT(readSource(address));
+    // Read here to tell the host at once what is wrong with it; the stage reads it again when it comes.
+    CHECK_RESULT(swf::parseMovie(source.bytes).map([](const auto&) {}));
+    d->loader.grant(source.url, std::move(source.bytes));
+    d->stage->loadIntoLevel(level, {source.url, {}, stage::LoadRequest::Method::None, {}});
+    return {};
+}
+
+void Engine::close() { d->renewStage(std::make_unique<MemoryStore>()); }
+bool Engine::isOpen() const { return d->stage->movie() != nullptr; }
+
+void Engine::advance(double ms, Hearing hearing)
+{
+    // Sound first: a block that begins with a frame of this step sounds from the end of the step on.
+    if (hearing == Hearing::Silent) d->sound.advance(ms);
+    d->stage->advance(ms);
+}
+
+stage::Stage& Engine::stage() { return *d->stage; }
+const stage::Stage& Engine::stage() const { return *d->stage; }
+sound::SoundPlayer& Engine::sound() { return d->sound; }
+
+void Engine::setDeviceScale(double scale)
+{
+    d->deviceScale = scale;
+    d->stage->setDeviceScale(scale);
+}
+
+QRect Engine::dirtyRect()
+{
+    const render::IntRect dirty = d->stage->dirtyRect();
+    return dirty.isEmpty() ? QRect() : QRect(dirty.left, dirty.top, dirty.width(), dirty.height());
+}
+
+void Engine::render(QImage& image, const QRect& rect)
+{
+    const QRect visible = rect & image.rect();
+    if (visible.isEmpty()) return;
+    const render::SurfaceView view{reinterpret_cast<std::uint32_t*>(image.bits()), image.width(),
+                                   image.height(), image.bytesPerLine() / 4};
+    render::Canvas canvas(view, toRender(d->stage->quality()), d->stage->renderCache());
+    d->stage->render(canvas, toRender(visible));
+}
+
+std::string Engine::getVariable(const std::string& path)
+{
+    return d->stage->script().hostVariable(path).value_or(std::string());
+}
+
+void Engine::setVariable(const std::string& path, const std::string& value)
+{
+    d->stage->script().setHostVariable(path, value);
+}
+
+} // namespace flash

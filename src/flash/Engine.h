@@ -1,0 +1,90 @@
+#pragma once
+
+#include "base/Result.h"
+#include "flash/stage/Services.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+class QImage;
+class QRect;
+
+namespace flash::stage
+{
+class Stage;
+}
+namespace flash::sound
+{
+class SoundPlayer;
+}
+
+namespace flash
+{
+
+/// A player without a window: stage, scripts, sound and loading tied together. Runs on simulated time, so
+/// that the same movie, options and input give the same result on every run. One thread.
+class Engine
+{
+public:
+    struct Options {
+        /// What scripts take for the present when the movie starts: milliseconds since 1970-01-01 UTC.
+        double startDateMs = 0;
+        std::uint32_t randomSeed = 1;
+        /// Relative addresses count from here, and nothing outside can be read. Empty: the movie's folder.
+        std::filesystem::path baseFolder;
+        /// Shared objects are kept here, in a folder for each movie. Empty: they end with the engine.
+        std::filesystem::path storageFolder;
+    };
+
+    /// @param host borrowed
+    explicit Engine(stage::HostEvents& host, Options options);
+    ~Engine();
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    /// What is changed here takes effect with the next movie.
+    [[nodiscard]] Options& options();
+
+    /// Replaces whatever plays. The first frame is shown and its scripts have run when the call returns. A
+    /// view that has no size yet takes the movie's, times the device scale.
+    /// @param address a path or file: address, maybe with a query after its last "?" whose variables the root
+    ///                gets
+    /// @errors those of reading the file and of swf::parseMovie(); what played goes on then.
+    base::Result<void> open(const std::string& address);
+    /// Loads over the movie that plays; the level appears at the next frame. Other than a movie, the host may
+    /// read from anywhere.
+    /// @errors as open()
+    base::Result<void> openLevel(int level, const std::string& address);
+    void close();
+    [[nodiscard]] bool isOpen() const;
+
+    /// Moves everything on. Not for a level of detail below a frame: loads and frames take place within.
+    enum class Hearing {
+        Silent, ///< sounds move on unheard
+        Device, ///< whoever pulls from the mixer moves the sounds on
+    };
+    void advance(double ms, Hearing hearing = Hearing::Silent);
+
+    [[nodiscard]] stage::Stage& stage();
+    [[nodiscard]] const stage::Stage& stage() const;
+    [[nodiscard]] sound::SoundPlayer& sound();
+
+    /// Device pixels to a pixel of the host's measure; kept from movie to movie.
+    void setDeviceScale(double scale);
+    /// @returns what changed since it was drawn last, device pixels.
+    [[nodiscard]] QRect dirtyRect();
+    /// Draws a part of the view, background included, and takes everything for drawn.
+    /// @param image of the view's size, Format_ARGB32_Premultiplied
+    void render(QImage& image, const QRect& rect);
+
+    [[nodiscard]] std::string getVariable(const std::string& path);
+    void setVariable(const std::string& path, const std::string& value);
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace flash

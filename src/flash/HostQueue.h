@@ -1,0 +1,42 @@
+#pragma once
+
+#include "flash/stage/Services.h"
+
+#include <functional>
+#include <vector>
+
+namespace flash
+{
+
+class FlashControl;
+
+/// Collects what a movie tells its host while scripts run, and hands it on when they have ended: a host that
+/// answers a command by loading another movie would otherwise pull the ground from under the script.
+class HostQueue : public stage::HostEvents
+{
+public:
+    void setTimeoutHandler(std::function<bool()> handler) { m_timeout = std::move(handler); }
+    [[nodiscard]] int readyState() const { return m_readyState; }
+    /// Emits what has gathered as the control's signals. The control may be gone afterwards.
+    void deliver(FlashControl& control);
+
+    void fsCommand(std::string_view command, std::string_view arguments) override;
+    void openUrl(std::string_view url, std::string_view window) override;
+    void traceLine(std::string_view utf8) override;
+    void logLine(std::string_view utf8) override;
+    void readyStateChanged(int state) override;
+    void progressed(int percent) override;
+    void setClipboardText(std::string_view utf8) override;
+    std::string clipboardText() override;
+    bool abortSlowScript() override;
+
+private:
+    using Message = std::function<void(FlashControl&)>;
+    void put(Message message);
+
+    std::vector<Message> m_messages;
+    std::function<bool()> m_timeout;
+    int m_readyState = 0;
+};
+
+} // namespace flash
