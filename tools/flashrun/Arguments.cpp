@@ -1,0 +1,170 @@
+#include "Arguments.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <string_view>
+
+namespace flashrun
+{
+
+const char* const kHelp =
+    R"(flashrun: plays a Flash movie without a window, in simulated time
+
+  flashrun trace MOVIE [options]    prints what the movie traces, one call to a line
+      --frames N       end after frame N (frame 1 is shown at time 0)
+      --ms T           end when T milliseconds of the movie's time have passed
+                       (neither given: --frames 1)
+  flashrun render MOVIE --frame N --out FILE.png [options]
+  flashrun render MOVIE --frames A-B --out FOLDER [options]
+                       writes pictures; a series is named frame0001.png and so on
+      --scale S        times the movie's own size (default 1)
+      --quality Q      low, medium, high or best (default high)
+  flashrun info MOVIE  prints the header, what the movie defines, and its tags
+
+Options of trace and render
+      --base-dir DIR   relative addresses count from here, and nothing else is read
+                       (default: the movie's folder)
+      --date TIME      local time at which the movie's clock starts: 2001-02-03T04:05:06
+                       (default: now)
+      --input FILE     a JSON array of events; those up to the next "Wait" follow each frame
+
+MOVIE may end in a query, movie.swf?name=value: its variables are set on the root.
+Exit status: 0 done, 1 the movie cannot be played, 2 wrong usage.
+)";
+
+namespace
+{
+
+base::Result<double> number(std::string_view option, std::string_view text, double least, double most)
+{
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || !(value >= least && value <= most)) {
+        return base::fail(base::ErrorCode::Malformed, std::string(option) + " needs a number from " +
+                                                          std::to_string(std::lround(least)) + " to " +
+                                                          std::to_string(std::lround(most)) + ", not \"" +
+                                                          std::string(text) + "\"");
+    }
+    return value;
+}
+
+base::Result<double> localDate(const std::string& text)
+{
+    std::tm local{};
+    char rest = 0;
+    const int found = std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d%c", &local.tm_year, &local.tm_mon,
+                                  &local.tm_mday, &local.tm_hour, &local.tm_min, &local.tm_sec, &rest);
+    local.tm_year -= 1900;
+    local.tm_mon -= 1;
+    local.tm_isdst = -1;
+    const std::time_t seconds = found == 6 ? std::mktime(&local) : -1;
+    if (found != 6 || seconds == -1) {
+        return base::fail(base::ErrorCode::Malformed,
+                          "--date needs a time like 2001-02-03T04:05:06, not \"" + text + "\"");
+    }
+    return 1000.0 * static_cast<double>(seconds);
+}
+
+base::Result<flash::stage::Quality> qualityByName(std::string_view name)
+{
+    using flash::stage::Quality;
+    if (name == "low") return Quality::Low;
+    if (name == "medium") return Quality::Medium;
+    if (name == "high") return Quality::High;
+    if (name == "best") return Quality::Best;
+    return base::fail(base::ErrorCode::Malformed,
+                      "--quality is low, medium, high or best, not \"" + std::string(name) + "\"");
+}
+
+constexpr double kMostFrames = 10'000'000;
+
+base::Result<void> takeOption(Arguments& arguments, std::string_view option, const std::string& value)
+{
+    if (option == "--frames" && arguments.command == Command::Render) {
+        const auto dash = value.find('-');
+        if (dash == std::string::npos) {
+            return base::fail(base::ErrorCode::Malformed,
+                              "--frames of render needs a first and a last: 1-10");
+        }
+        arguments.firstFrame =
+            static_cast<int>(TRY_RESULT(number(option, value.substr(0, dash), 1, kMostFrames)));
+        arguments.lastFrame =
+            static_cast<int>(TRY_RESULT(number(option, value.substr(dash + 1), 1, kMostFrames)));
+        arguments.series = true;
+    } else if (option == "--frames") {
+        arguments.frames = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostFrames)));
+    } else if (option == "--frame" && arguments.command == Command::Render) {
+        arguments.firstFrame = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostFrames)));
+        arguments.lastFrame = arguments.firstFrame;
+    } else if (option == "--ms" && arguments.command == Command::Trace) {
+        arguments.ms = TRY_RESULT(number(option, value, 0, 1e12));
+    } else if (option == "--out" && arguments.command == Command::Render) {
+        arguments.out = value;
+    } else if (option == "--scale" && arguments.command == Command::Render) {
+        arguments.scale = TRY_RESULT(number(option, value, 0.01, 64));
+    } else if (option == "--quality") {
+        arguments.quality = TRY_RESULT(qualityByName(value));
+    } else if (option == "--base-dir") {
+        arguments.baseFolder = value;
+    } else if (option == "--date") {
+        arguments.dateMs = TRY_RESULT(localDate(value));
+    } else if (option == "--input") {
+        arguments.input = value;
+    } else {
+        return base::fail(base::ErrorCode::Malformed, "unknown option " + std::string(option));
+    }
+    return {};
+}
+
+base::Result<void> check(const Arguments& arguments)
+{
+    using base::ErrorCode;
+    if (arguments.movie.empty()) return base::fail(ErrorCode::Malformed, "no movie is given");
+    if (arguments.command != Command::Render) return {};
+    if (arguments.firstFrame == 0)
+        return base::fail(ErrorCode::Malformed, "render needs --frame or --frames");
+    if (arguments.lastFrame < arguments.firstFrame) {
+        return base::fail(ErrorCode::Malformed, "--frames ends before it begins");
+    }
+    if (arguments.out.empty()) return base::fail(ErrorCode::Malformed, "render needs --out");
+    return {};
+}
+
+} // namespace
+
+base::Result<Arguments> parseArguments(std::span<char*> words)
+{
+    Arguments arguments;
+    if (words.empty()) return base::fail(base::ErrorCode::Malformed, "no command is given");
+    const std::string_view command = words[0];
+    if (command == "--help" || command == "-h" || command == "help") return arguments;
+    if (command == "trace")
+        arguments.command = Command::Trace;
+    else if (command == "render")
+        arguments.command = Command::Render;
+    else if (command == "info")
+        arguments.command = Command::Info;
+    else
+        return base::fail(base::ErrorCode::Malformed, "unknown command " + std::string(command));
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        const std::string_view word = words[i];
+        if (word == "--help" || word == "-h") return Arguments{};
+        if (!word.starts_with("--")) {
+            if (!arguments.movie.empty()) {
+                return base::fail(base::ErrorCode::Malformed, "more than one movie is given");
+            }
+            arguments.movie = word;
+        } else {
+            if (i + 1 == words.size()) {
+                return base::fail(base::ErrorCode::Malformed, std::string(word) + " needs a value");
+            }
+            CHECK_RESULT(takeOption(arguments, word, words[++i]));
+        }
+    }
+    CHECK_RESULT(check(arguments));
+    return arguments;
+}
+
+} // namespace flashrun

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "base/Result.h"
+#include "flash/stage/Stage.h"
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace flashrun
+{
+
+enum class Command { Help, Trace, Render, Info };
+
+struct Arguments {
+    Command command = Command::Help;
+    std::string movie; ///< with its query
+    std::optional<int> frames;
+    std::optional<double> ms;
+    int firstFrame = 0, lastFrame = 0; ///< of render, from 1; the same for one picture
+    bool series = false;               ///< `out` is a folder
+    std::filesystem::path out, baseFolder, input;
+    double scale = 1;
+    flash::stage::Quality quality = flash::stage::Quality::High;
+    std::optional<double> dateMs; ///< milliseconds since 1970-01-01 UTC
+};
+
+/// @param words what follows the program's name
+/// @errors Malformed with what the user should change
+base::Result<Arguments> parseArguments(std::span<char*> words);
+
+extern const char* const kHelp;
+
+} // namespace flashrun

@@ -1,0 +1,164 @@
+#include "InputScript.h"
+
+#include "base/Files.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <map>
+
+namespace flashrun
+{
+
+namespace
+{
+
+using flash::stage::MouseButton;
+using flash::stage::Stage;
+using flash::stage::TextCommand;
+using Step = InputScript::Step;
+
+constexpr std::uint64_t kMaxInputBytes = 64 << 20;
+constexpr double kPixelsPerWheelLine = 40;
+
+const std::map<QString, TextCommand>& textCommands()
+{
+    static const std::map<QString, TextCommand> commands = {
+        {"MoveLeft", TextCommand::MoveLeft},
+        {"MoveRight", TextCommand::MoveRight},
+        {"MoveUp", TextCommand::MoveUp},
+        {"MoveDown", TextCommand::MoveDown},
+        {"MoveLeftWord", TextCommand::MoveLeftWord},
+        {"MoveRightWord", TextCommand::MoveRightWord},
+        {"MoveLeftLine", TextCommand::MoveLineStart},
+        {"MoveRightLine", TextCommand::MoveLineEnd},
+        {"MoveLeftDocument", TextCommand::MoveDocumentStart},
+        {"MoveRightDocument", TextCommand::MoveDocumentEnd},
+        {"SelectLeft", TextCommand::SelectLeft},
+        {"SelectRight", TextCommand::SelectRight},
+        {"SelectUp", TextCommand::SelectUp},
+        {"SelectDown", TextCommand::SelectDown},
+        {"SelectLeftWord", TextCommand::SelectLeftWord},
+        {"SelectRightWord", TextCommand::SelectRightWord},
+        {"SelectLeftLine", TextCommand::SelectLineStart},
+        {"SelectRightLine", TextCommand::SelectLineEnd},
+        {"SelectLeftDocument", TextCommand::SelectDocumentStart},
+        {"SelectRightDocument", TextCommand::SelectDocumentEnd},
+        {"SelectAll", TextCommand::SelectAll},
+        {"Copy", TextCommand::Copy},
+        {"Cut", TextCommand::Cut},
+        {"Paste", TextCommand::Paste},
+        {"Backspace", TextCommand::Backspace},
+        {"BackspaceWord", TextCommand::BackspaceWord},
+        {"Delete", TextCommand::Delete},
+        {"DeleteWord", TextCommand::DeleteWord},
+        {"Enter", TextCommand::Enter},
+    };
+    return commands;
+}
+
+MouseButton buttonOf(const QJsonObject& event)
+{
+    const QString name = event["btn"].toString();
+    if (name == "Middle") return MouseButton::Middle;
+    if (name == "Right") return MouseButton::Right;
+    return MouseButton::Left;
+}
+
+// Letters come without the shift key, as on a keyboard; other codes that print stand for themselves.
+char32_t characterOf(int keyCode)
+{
+    if (keyCode >= 'A' && keyCode <= 'Z') return static_cast<char32_t>(keyCode - 'A' + 'a');
+    const bool printsOrControls = keyCode == 8 || keyCode == 9 || keyCode == 13 || keyCode == 27 ||
+                                  keyCode == ' ' || (keyCode >= '0' && keyCode <= '9');
+    return printsOrControls ? static_cast<char32_t>(keyCode) : 0;
+}
+
+/// @returns an empty step for what is no event.
+Step stepOf(const QJsonObject& event, double scale, const std::function<void(std::string)>& setClipboard)
+{
+    const QString type = event["type"].toString();
+    const QJsonArray position = event["pos"].toArray();
+    const double x = position.at(0).toDouble() * scale, y = position.at(1).toDouble() * scale;
+    if (type == "MouseMove") return [=](Stage& stage) { stage.mouseMove(x, y); };
+    if (type == "MouseDown") {
+        const int clicks = event["index"].toInt(0) + 1;
+        return [=, button = buttonOf(event)](Stage& stage) { stage.mouseDown(x, y, button, clicks); };
+    }
+    if (type == "MouseUp")
+        return [=, button = buttonOf(event)](Stage& stage) { stage.mouseUp(x, y, button); };
+    if (type == "MouseWheel") {
+        const double lines = event.contains("lines") ? event["lines"].toDouble()
+                                                     : event["pixels"].toDouble() / kPixelsPerWheelLine;
+        return [=](Stage& stage) { stage.mouseWheel(static_cast<int>(lines)); };
+    }
+    if (type == "KeyDown" || type == "KeyUp") {
+        const int code = event["key_code"].toInt();
+        if (type == "KeyUp") return [=](Stage& stage) { stage.keyUp(code, characterOf(code)); };
+        return [=](Stage& stage) { stage.keyDown(code, characterOf(code)); };
+    }
+    if (type == "TextInput") {
+        const QJsonValue value = event["codepoint"];
+        const auto text = value.toString().toUcs4();
+        const char32_t character = value.isString() ? (text.isEmpty() ? 0 : static_cast<char32_t>(text[0]))
+                                                    : static_cast<char32_t>(value.toInt());
+        return [=](Stage& stage) { stage.textInput(character); };
+    }
+    if (type == "TextControl") {
+        const auto found = textCommands().find(event["code"].toString());
+        if (found == textCommands().end()) return {};
+        return [command = found->second](Stage& stage) { stage.textCommand(command); };
+    }
+    if (type == "SetClipboardText") {
+        return [=, text = event["text"].toString().toStdString()](Stage&) { setClipboard(text); };
+    }
+    if (type == "FocusGained") return [](Stage& stage) { stage.focusGained(); };
+    if (type == "FocusLost") return [](Stage& stage) { stage.focusLost(); };
+    return {};
+}
+
+} // namespace
+
+base::Result<InputScript> InputScript::read(const std::filesystem::path& file, double scale,
+                                            std::function<void(std::string)> setClipboard)
+{
+    const auto bytes = TRY_RESULT(base::readFile(file, kMaxInputBytes));
+    QJsonParseError error;
+    const QJsonDocument document =
+        QJsonDocument::fromJson(QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
+                                                        static_cast<qsizetype>(bytes.size())),
+                                &error);
+    if (!document.isArray()) {
+        return base::fail(base::ErrorCode::Malformed,
+                          file.string() + ": needs a JSON array of events; " +
+                              error.errorString().toStdString(),
+                          static_cast<std::size_t>(error.offset));
+    }
+    InputScript script;
+    script.m_frames.emplace_back();
+    for (const QJsonValue& value : document.array()) {
+        const QJsonObject event = value.toObject();
+        if (event["type"].toString() == "Wait") {
+            script.m_frames.emplace_back();
+            continue;
+        }
+        Step step = stepOf(event, scale, setClipboard);
+        if (!step) {
+            const QByteArray text = QJsonDocument(event).toJson(QJsonDocument::Compact);
+            return base::fail(base::ErrorCode::Malformed,
+                              file.string() + ": unknown event " + text.toStdString());
+        }
+        script.m_frames.back().push_back(std::move(step));
+    }
+    return script;
+}
+
+void InputScript::playUpToWait(Stage& stage)
+{
+    if (m_next == m_frames.size()) return;
+    for (const Step& step : m_frames[m_next]) step(stage);
+    ++m_next;
+}
+
+} // namespace flashrun

@@ -1,0 +1,195 @@
+#include "Run.h"
+
+#include "InputScript.h"
+#include "base/Files.h"
+#include "flash/Engine.h"
+#include "flash/swf/Describe.h"
+
+#include <QBuffer>
+#include <QImage>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace flashrun
+{
+
+namespace
+{
+
+constexpr std::uint64_t kMaxMovieBytes = 512ULL << 20;
+// A movie whose header says no rate is still moved on, in steps of this length.
+constexpr double kStepMsWithoutRate = 10;
+
+bool isQuit(std::string_view command)
+{
+    constexpr std::string_view kQuit = "quit";
+    return std::equal(command.begin(), command.end(), kQuit.begin(), kQuit.end(),
+                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
+}
+
+class Host : public flash::stage::HostEvents
+{
+public:
+    enum class Traces { Printed, Dropped };
+    enum class Quit { EndsTheRun, Ignored };
+    Host(Traces traces, Quit quit) : m_traces(traces), m_quit(quit) {}
+
+    void traceLine(std::string_view text) override
+    {
+        if (m_traces == Traces::Dropped) return;
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        std::fputc('\n', stdout);
+    }
+    void logLine(std::string_view text) override
+    {
+        if (std::getenv("FLASHRUN_LOG") == nullptr) return;
+        std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
+    }
+    void fsCommand(std::string_view command, std::string_view) override
+    {
+        if (m_quit == Quit::Ignored || !isQuit(command)) return;
+        // At once: what the script says after it is not heard.
+        std::fflush(stdout);
+        std::_Exit(EXIT_SUCCESS);
+    }
+    void setClipboardText(std::string_view text) override { clipboard = text; }
+    std::string clipboardText() override { return clipboard; }
+
+    std::string clipboard;
+
+private:
+    Traces m_traces;
+    Quit m_quit;
+};
+
+/// A movie that is played frame by frame, with input.
+class Player
+{
+public:
+    Player(const Arguments& arguments, Host& host) : m_host(host), m_engine(host, optionsOf(arguments)) {}
+
+    base::Result<void> open(const Arguments& arguments)
+    {
+        if (!arguments.input.empty()) {
+            m_input =
+                TRY_RESULT(InputScript::read(arguments.input, arguments.scale, [this](std::string text) {
+                    m_host.clipboard = std::move(text);
+                }));
+        }
+        m_engine.setDeviceScale(arguments.scale);
+        m_engine.stage().setQuality(arguments.quality);
+        CHECK_RESULT(m_engine.open(arguments.movie));
+        m_input.playUpToWait(m_engine.stage());
+        return {};
+    }
+
+    [[nodiscard]] flash::Engine& engine() { return m_engine; }
+    [[nodiscard]] double frameMs() const
+    {
+        const double rate = m_engine.stage().frameRate();
+        return rate > 0 ? 1000 / rate : kStepMsWithoutRate;
+    }
+    void playFrame()
+    {
+        m_engine.advance(frameMs());
+        m_input.playUpToWait(m_engine.stage());
+    }
+
+private:
+    static flash::Engine::Options optionsOf(const Arguments& arguments)
+    {
+        flash::Engine::Options options;
+        const auto now = std::chrono::system_clock::now().time_since_epoch();
+        options.startDateMs = arguments.dateMs.value_or(
+            static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
+        options.baseFolder = arguments.baseFolder;
+        return options;
+    }
+
+    Host& m_host;
+    flash::Engine m_engine;
+    InputScript m_input;
+};
+
+base::Result<void> writePicture(flash::Engine& engine, const std::filesystem::path& file)
+{
+    QImage image(engine.stage().viewWidth(), engine.stage().viewHeight(),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.fill(0);
+    engine.render(image, image.rect());
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.convertToFormat(QImage::Format_RGB32).save(&buffer, "PNG")) {
+        return base::fail(base::ErrorCode::IoFailure, file.string() + ": the picture cannot be encoded");
+    }
+    return base::replaceFile(file, base::Bytes(reinterpret_cast<const std::uint8_t*>(png.constData()),
+                                               static_cast<std::size_t>(png.size())));
+}
+
+std::filesystem::path pictureName(const Arguments& arguments, int frame)
+{
+    if (!arguments.series) return arguments.out;
+    char name[32];
+    std::snprintf(name, sizeof(name), "frame%04d.png", frame);
+    return arguments.out / name;
+}
+
+} // namespace
+
+base::Result<void> trace(const Arguments& arguments)
+{
+    Host host(Host::Traces::Printed, Host::Quit::EndsTheRun);
+    Player player(arguments, host);
+    CHECK_RESULT(player.open(arguments));
+    if (arguments.ms) {
+        // A little slack, for sums of frame times that are not whole.
+        constexpr double kSlackMs = 1e-6;
+        double left = *arguments.ms;
+        int framesLeft = arguments.frames.value_or(std::numeric_limits<int>::max()) - 1;
+        for (; left + kSlackMs >= player.frameMs() && framesLeft > 0; --framesLeft) {
+            left -= player.frameMs();
+            player.playFrame();
+        }
+        if (framesLeft > 0 && left > kSlackMs) player.engine().advance(left);
+        return {};
+    }
+    for (int frame = 1; frame < arguments.frames.value_or(1); ++frame) player.playFrame();
+    return {};
+}
+
+base::Result<void> render(const Arguments& arguments)
+{
+    if (arguments.series) {
+        std::error_code error;
+        std::filesystem::create_directories(arguments.out, error);
+        if (error)
+            return base::fail(base::ErrorCode::IoFailure, arguments.out.string() + ": " + error.message());
+    }
+    // A movie that ends itself is drawn as it was: the pictures were asked for.
+    Host host(Host::Traces::Dropped, Host::Quit::Ignored);
+    Player player(arguments, host);
+    CHECK_RESULT(player.open(arguments));
+    for (int frame = 1; frame <= arguments.lastFrame; ++frame) {
+        if (frame > 1) player.playFrame();
+        if (frame >= arguments.firstFrame) {
+            CHECK_RESULT(writePicture(player.engine(), pictureName(arguments, frame)));
+        }
+    }
+    return {};
+}
+
+base::Result<void> info(const Arguments& arguments)
+{
+    const auto bytes = TRY_RESULT(base::readFile(arguments.movie, kMaxMovieBytes));
+    const auto movie = TRY_RESULT(flash::swf::parseMovie(bytes));
+    const std::string text = flash::swf::describe(*movie);
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return {};
+}
+
+} // namespace flashrun

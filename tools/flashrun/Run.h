@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Arguments.h"
+
+namespace flashrun
+{
+
+/// @errors what keeps the movie from being played, or a picture from being written
+base::Result<void> trace(const Arguments& arguments);
+base::Result<void> render(const Arguments& arguments);
+base::Result<void> info(const Arguments& arguments);
+
+} // namespace flashrun

@@ -1,0 +1,40 @@
+#include "Arguments.h"
+#include "Run.h"
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr int kCannotPlay = 1;
+constexpr int kWrongUsage = 2;
+
+base::Result<void> run(const flashrun::Arguments& arguments)
+{
+    using flashrun::Command;
+    switch (arguments.command) {
+    case Command::Help: std::fputs(flashrun::kHelp, stdout); return {};
+    case Command::Trace: return flashrun::trace(arguments);
+    case Command::Render: return flashrun::render(arguments);
+    case Command::Info: return flashrun::info(arguments);
+    }
+    return {};
+}
+
+} // namespace
+
+int main(int count, char** words)
+{
+    const auto arguments = flashrun::parseArguments(std::span(words + 1, words + std::max(count, 1)));
+    if (!arguments) {
+        std::fprintf(stderr, "flashrun: %s\nSee flashrun --help.\n", arguments.error().what.c_str());
+        return kWrongUsage;
+    }
+    const auto done = run(*arguments);
+    std::fflush(stdout);
+    if (!done) {
+        std::fprintf(stderr, "flashrun: %s\n", done.error().what.c_str());
+        return kCannotPlay;
+    }
+    return 0;
+}
