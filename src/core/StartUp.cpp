@@ -1,5 +1,7 @@
 #include "core/StartUp.h"
 
+#include "base/Failure.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -28,7 +30,14 @@ void StartUp(Application& application, const QString& executable, const QString&
 {
     const QString appPath =
         QDir::toNativeSeparators(QFileInfo(executable).absolutePath()) + QDir::separator();
-    application.InitLog(appPath, separateDataPath(appPath));
+    const QString dataPath = separateDataPath(appPath);
+    try {
+        application.InitLog(appPath, dataPath);
+    } catch (const base::Failure&) {
+        // A program that was installed read-only starts even when the user's folder takes no journal either.
+        if (dataPath.isEmpty()) throw;
+        application.LogFile.clear();
+    }
     application.LogEvent(" :: Start Up");
 
     application.RunningCompiled = !isDevelopmentSession(executable);

@@ -7,6 +7,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 // The conversions between the plain ("FWS") and the compressed form ("CWS") of a movie. The new file takes
 // the old one's place in one step, after a copy of the old has gone to the cache: at no instant is it neither
 // old nor new.
@@ -50,6 +52,19 @@ base::Result<void> writeMovie(const QString& path, const FileHeader& header, con
 }
 
 } // namespace
+
+base::Result<std::vector<std::uint8_t>> readPlainMovie(const MediaInfo& info)
+{
+    MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
+    if (movie.header.is("FWS")) return std::move(movie.file);
+    if (!movie.header.is("CWS")) return base::fail(base::ErrorCode::Malformed, "neither FWS nor CWS");
+    const auto body = TRY_RESULT(
+        DecompressData(movie.body(), std::min<std::uint64_t>(movie.header.fileLength, kLargestMovieBytes)));
+    const auto head = movie.header.withSignature("FWS");
+    std::vector<std::uint8_t> plain(head.size() + body.size());
+    std::ranges::copy(body, std::ranges::copy(head, plain.begin()).out);
+    return plain;
+}
 
 QString MediaFiles::backupPath(const QString& path, const QString& extension) const
 {

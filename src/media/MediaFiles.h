@@ -5,11 +5,17 @@
 #include "media/MediaHost.h"
 #include "media/MediaInfo.h"
 
+#include <vector>
+
 namespace media
 {
 
 enum class Extent { HeaderOnly, Full };
 enum class ExtractTo { Cache, ProjectorItself };
+
+/// The movie that `info` describes as a plain one, whatever its form on disk. Nothing is written.
+/// @errors those of reading and decompressing; Malformed when the file is no movie any more
+base::Result<std::vector<std::uint8_t>> readPlainMovie(const MediaInfo& info);
 
 /// The one road that a file takes into the player, and the record of the movie that came along it last.
 /// Failures travel as texts: empty on success or the user's message; or as an empty path.

@@ -1,5 +1,6 @@
 #include "core/Application.h"
 
+#include "QtPrint.h"
 #include "base/Failure.h"
 #include "core/RunTimeErrors.h"
 #include "core/StartUp.h"

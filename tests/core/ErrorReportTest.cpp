@@ -1,5 +1,6 @@
 #include "core/ErrorReport.h"
 
+#include "QtPrint.h"
 #include "core/ErrorScreen.h"
 #include "core/RunTimeErrors.h"
 

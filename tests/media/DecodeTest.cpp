@@ -1,8 +1,10 @@
 #include "MovieBytes.h"
+#include "QtPrint.h"
 #include "media/CacheName.h"
 #include "media/Compress.h"
 #include "media/MovieHeader.h"
 #include "media/Projector.h"
+#include "media/UrlEncode.h"
 
 #include <gtest/gtest.h>
 
@@ -143,6 +145,12 @@ TEST(CacheName, FlattensEitherKindOfPath)
     EXPECT_LE(name.toUtf8().size(), 248) << "must leave room for a temporary file's suffix";
     EXPECT_TRUE(name.endsWith("#ролик.swf.tmp"));
     EXPECT_NE(name, CacheName("/x" + deep, ".tmp"));
+}
+
+TEST(URLEncode, EncodesByWindows1251Codes)
+{
+    EXPECT_EQ(URLEncode("Привет 1"), "%D0%9F%D1%80%D0%B8%D0%B2%D0%B5%D1%82%20%31");
+    EXPECT_EQ(URLEncode("a\n&\u65E5"), "a%A%26");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "media/MediaFiles.h"
 
 #include "MovieBytes.h"
+#include "QtPrint.h"
 #include "base/Files.h"
 #include "core/RunTimeErrors.h"
 

@@ -36,10 +36,14 @@ inline ByteVector frameHeader(unsigned fieldBits, std::uint32_t widthTwips, std:
     return bytes;
 }
 
-/// 550 x 400, 24 frames a second, 300 frames, background 0AB0FF, and `padding` bytes before the end tag.
+/// 550 x 400, 24 frames a second, 300 frames, background 0AB0FF, one frame shown, and an unknown tag of
+/// `padding` bytes before the end tag.
 inline ByteVector movieBody(std::size_t padding = 100)
 {
     ByteVector body = frameHeader(15, 11000, 8000);
+    for (const std::size_t byte : {std::size_t{0x40}, std::size_t{0}, std::size_t{0x3F}, std::size_t{0xAF},
+                                   padding & 0xFF, padding >> 8 & 0xFF, padding >> 16 & 0xFF, padding >> 24})
+        body.push_back(static_cast<std::uint8_t>(byte));
     for (std::size_t i = 0; i < padding; ++i) body.push_back(static_cast<std::uint8_t>(1 + i * 7 % 251));
     body.insert(body.end(), {0, 0});
     return body;
