@@ -1,0 +1,37 @@
+#include "base/Failure.h"
+#include "core/Look.h"
+#include "core/StartUp.h"
+#include "core/Version.h"
+#include "platform/TerminationSignal.h"
+#include "player/Player.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+// Builds the parts and ties them together; no logic.
+
+int main(int argc, char** argv)
+{
+    QApplication qt(argc, argv);
+    QApplication::setApplicationName(core::kProductName);
+    QApplication::setDesktopFileName("zorvex");
+
+    core::Application application;
+    const QString commandLine = core::commandLine(QApplication::arguments().mid(1));
+    try {
+        core::StartUp(application, QApplication::applicationFilePath(), commandLine,
+                      core::look::initialiseVisualStyle);
+    } catch (const base::Failure& failure) {
+        // No handler is armed this early: the program ends with the plain text.
+        QMessageBox::critical(nullptr, core::kProductName, QString::fromStdString(failure.description()));
+        return 1;
+    }
+
+    player::Player player(application, commandLine);
+    const platform::TerminationSignal termination(
+        [&player] { player.Form_QueryUnload(player::Player::UnloadMode::TaskManager); });
+    QObject::connect(&qt, &QGuiApplication::commitDataRequest, &player,
+                     [&player] { player.Form_QueryUnload(player::Player::UnloadMode::Windows); });
+    player.Form_Load();
+    return player.hasEnded() ? 0 : QApplication::exec();
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace player
+{
+
+/// Deletes files of the cache folder: 0 none, 1 converted and extracted movies and header copies, 2 all, 3
+/// thumbnails; any other mode none. What cannot be deleted stays.
+void CleanCache(const QString& cachePath, int mode);
+
+} // namespace player

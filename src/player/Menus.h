@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QAction>
+#include <QMenuBar>
+#include <QObject>
+
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace player
+{
+
+/// The whole menu tree, built from one table. Items are known by their names; an item of an array carries its
+/// index behind its name ("mnuQLvl4"). Check marks are the state itself: other parts read and set them here.
+class Menus : public QObject
+{
+    Q_OBJECT
+public:
+    /// @param window owns bar and menus
+    explicit Menus(QWidget* window);
+
+    /// @param name one of the table's; another is a mistake of the caller's
+    [[nodiscard]] QAction& item(const QString& name) const;
+    [[nodiscard]] bool isChecked(const QString& name) const { return item(name).isChecked(); }
+    void setChecked(const QString& name, bool checked) { item(name).setChecked(checked); }
+
+    /// Names the command that an item runs. Check marks are not moved by a click: the command does it.
+    void connectItem(const QString& name, std::function<void()> command);
+
+    [[nodiscard]] QMenuBar& bar() const { return *m_bar; }
+    [[nodiscard]] QMenu& popUp() const { return *m_popUp; }
+
+private:
+    void build();
+
+    QMenuBar* m_bar;
+    QMenu* m_popUp;
+    std::map<QString, QAction*> m_items;
+};
+
+} // namespace player

@@ -1,0 +1,423 @@
+#include "player/Player.h"
+
+#include "core/Look.h"
+#include "core/RunTimeErrors.h"
+#include "core/Version.h"
+#include "flash/FlashControl.h"
+#include "player/Cache.h"
+#include "player/ControlBar.h"
+#include "player/Glyph.h"
+#include "player/Placement.h"
+#include "player/Texts.h"
+#include "player/WelcomePanel.h"
+
+#include <QDesktopServices>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QScreen>
+#include <QStackedLayout>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace player
+{
+namespace
+{
+
+constexpr int kUpdateMs = 300;
+constexpr QSize kMinimumSize{320, 200};
+constexpr QSize kFirstSize{550, 440};
+/// The bar belongs to the window's dark surface, its menus with it.
+QString menuStyle()
+{
+    using namespace core::look;
+    const auto name = [](QRgb colour) { return QColor(colour).name(); };
+    return QString("QMenuBar { background: %1; color: %2; padding: 2px 4px; }"
+                   "QMenuBar::item { padding: 4px 8px; border-radius: 3px; background: transparent; }"
+                   "QMenuBar::item:selected { background: %3; }"
+                   "QMenu { background: %1; color: %2; border: 1px solid %3; padding: 4px 0; }"
+                   "QMenu::item { padding: 5px 24px 5px 28px; background: transparent; }"
+                   "QMenu::item:selected { background: %4; color: white; }"
+                   "QMenu::item:disabled { color: #7F8CA3; }"
+                   "QMenu::separator { height: 1px; background: %3; margin: 4px 8px; }"
+                   "QMenu::indicator { width: 16px; height: 16px; left: 6px; }")
+        .arg(name(kSlate), name(kIce), name(kSteel), name(kBlue));
+}
+
+constexpr int kMostRecent = 5;
+constexpr int kRecentCaptionPixels = 300;
+
+} // namespace
+
+Player::Player(core::Application& application, const QString& commandLine)
+    : m_application(application), m_commandLine(commandLine), m_control(new flash::FlashControl(this)),
+      m_welcome(new WelcomePanel(this)), m_bar(new ControlBar(this)), m_stage(new QStackedLayout),
+      m_menus(this), m_media(application, *this), m_playback(*m_control, m_menus, application.GadgetsPath),
+      m_tmrUpdate(this)
+{
+    buildWindow();
+    connectMenus();
+    connectControl();
+    m_tmrUpdate.setInterval(kUpdateMs);
+    connect(&m_tmrUpdate, &QTimer::timeout, this,
+            [this] { handled(texts::kPlaceTimer, [this] { tmrUpdate_Timer(); }); });
+    // The settings' own defaults, until they are read.
+    SetQuality("High");
+    SetScaleMode(0);
+    m_menus.setChecked("mnuLoop", m_control->Loop());
+    m_menus.setChecked("mnuMenuBar", true);
+    m_menus.item("mnuInfo").setEnabled(false);
+}
+
+Player::~Player() { m_control->disconnect(this); }
+
+void Player::buildWindow()
+{
+    setWindowIcon(markIcon());
+    setAcceptDrops(true);
+    setMinimumSize(kMinimumSize);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->setMenuBar(&m_menus.bar());
+    m_menus.bar().setStyleSheet(menuStyle());
+    m_menus.popUp().setStyleSheet(menuStyle());
+    m_stage->addWidget(m_control);
+    m_stage->addWidget(m_welcome);
+    column->addLayout(m_stage, 1);
+    column->addWidget(m_bar);
+    resize(kFirstSize);
+
+    connect(m_bar, &ControlBar::openClicked, this, &Player::OpenMedia);
+    connect(m_bar, &ControlBar::playPauseClicked, this, &Player::PlayPauseMedia);
+    connect(m_bar, &ControlBar::stopClicked, this, &Player::StopMedia);
+    connect(m_bar, &ControlBar::backClicked, this, [this] { m_playback.stepBack(); });
+    connect(m_bar, &ControlBar::forwardClicked, this, [this] { m_playback.stepForward(); });
+    connect(m_bar, &ControlBar::muteClicked, this, [this] {
+        MuteSound(!m_playback.isMuted());
+        UpdateInfo();
+    });
+    connect(m_bar, &ControlBar::fullScreenClicked, this, [this] { FullScreen(true); });
+    connect(m_bar, &ControlBar::timeClicked, this, [this] {
+        ToggleTimeMode();
+        tmrUpdate_Timer();
+    });
+    connect(m_welcome, &WelcomePanel::openClicked, this, &Player::OpenMedia);
+}
+
+void Player::connectMenus()
+{
+    const auto on = [this](const char* item, std::function<void()> command) {
+        m_menus.connectItem(item,
+                            [this, command = std::move(command)] { handled(texts::kPlaceMenu, command); });
+    };
+    on("mnuOpen", [this] { OpenMedia(); });
+    on("mnuSaveAs", [this] { SaveMediaAs(); });
+    on("mnuClose", [this] { CloseMedia({}); });
+    on("mnuExit", [this] { Quit("Exit Menu", true); });
+    for (int i = 0; i < kMostRecent; ++i)
+        on(qPrintable(QString("mnuMRU%1").arg(i)), [this, i] { LoadFlash(m_recent.value(i), {}); });
+
+    on("mnuFullScreen", [this] { FullScreen(!isFullScreen()); });
+    on("mnuMenuBar", [this] { ToggleMenu(); });
+    on("mnuTopMost", [this] { setTopMost(!m_menus.isChecked("mnuTopMost")); });
+    on("mnuQLvl0", [this] { SetQuality("High"); });
+    on("mnuQLvl1", [this] { SetQuality("Medium"); });
+    on("mnuQLvl2", [this] { SetQuality("Low"); });
+    on("mnuQLvl4", [this] { SetQuality("AutoHigh"); });
+    on("mnuQLvl5", [this] { SetQuality("AutoLow"); });
+    // Sized three times in a row on purpose: some window managers need the second call.
+    on("mnuZoom50", [this] { ZoomFlash(50, 2); });
+    on("mnuZoom100", [this] { ZoomFlash(100, 2); });
+    on("mnuZoom200", [this] { ZoomFlash(200, 2); });
+    on("mnuSMode0", [this] { SetScaleMode(0); });
+    on("mnuSMode1", [this] { SetScaleMode(1); });
+    on("mnuSMode2", [this] { SetScaleMode(2); });
+    on("mnuOpFull", [this] { SetFlashAlpha(100); });
+    on("mnuOpSign", [this] { SetFlashAlpha(75); });
+    on("mnuOpMed", [this] { SetFlashAlpha(50); });
+    on("mnuOpSlite", [this] { SetFlashAlpha(25); });
+
+    on("mnuPlay", [this] { PlayPauseMedia(); });
+    on("mnuStop", [this] { StopMedia(); });
+    on("mnuFFwd", [this] { m_playback.stepForward(); });
+    on("mnuRwd", [this] { m_playback.stepBack(); });
+    on("mnuVolumeUp", [this] { SetSound(m_playback.volume() + 10, 0); });
+    on("mnuVolumeDown", [this] { SetSound(m_playback.volume() - 10, 0); });
+    on("mnuMute", [this] { MuteSound(!m_menus.isChecked("mnuMute")); });
+    on("mnuLoop", [this] { m_playback.toggleLoop(); });
+
+    on("mnuClearCache", [this] {
+        m_application.LogEvent({});
+        m_application.LogEvent(" :: Clear Cache");
+        CleanCache(m_application.CachePath, 3); // thumbnails only, on purpose
+    });
+    on("mnuCompress", [this] { mnuCompress_Click(); });
+    on("mnuHelpMe",
+       [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); });
+
+    on("mnuPopPlay", [this] { PlayPauseMedia(); });
+    on("mnPopStop", [this] { StopMedia(); });
+    on("mnuPopMute", [this] { MuteSound(!m_playback.isMuted()); });
+    on("mnuPopHQ", [this] { SetQuality("High"); });
+    on("mnuPopLQ", [this] { SetQuality("Low"); });
+    on("mnuPopFullScreen", [this] { FullScreen(!isFullScreen()); });
+    on("mnuPopOpen", [this] { OpenMedia(); });
+    on("mnuPopSaveAs", [this] { SaveMediaAs(); });
+    on("mnuPopClose", [this] { CloseMedia({}); });
+    on("mnuPopExit", [this] { Quit("PopUp Menu", true); });
+}
+
+void Player::connectControl()
+{
+    m_control->installEventFilter(this);
+    connect(m_control, &flash::FlashControl::FSCommand, this,
+            [this](const QString& command, const QString& argument) {
+                handled(texts::kPlacePage, [&] { pageCommand(command, argument); });
+            });
+    connect(m_control, &flash::FlashControl::OnReadyStateChange, this, [this](int state) {
+        constexpr int kComplete = 4;
+        if (state == kComplete) m_playback.reapplyBackground();
+    });
+    connect(m_control, &flash::FlashControl::logged, this,
+            [this](const QString& text) { m_application.LogEvent("Flash: " + core::HtmlEscape(text)); });
+    connect(m_control, &flash::FlashControl::urlRequested, this, [this](const QString& address) {
+        const QUrl url(address);
+        m_application.LogEvent("Address requested: " + core::HtmlEscape(address));
+        // A movie may lead to a page, never to a program or a file.
+        if (url.scheme() == "http" || url.scheme() == "https" || url.scheme() == "mailto")
+            QDesktopServices::openUrl(url);
+    });
+}
+
+void Player::handled(const char* place, const std::function<void()>& procedure)
+{
+    if (!m_application.RunningCompiled) return procedure();
+    try {
+        procedure();
+    } catch (const base::Failure& failure) {
+        try {
+            ReportError(failure, place, {});
+        } catch (const base::Failure&) {
+            // The journal failed while an error was on its way to it. The user has seen neither more nor less
+            // than there was to see; what matters is that the event loop is not torn.
+        }
+    }
+}
+
+void Player::ReportError(const base::Failure& error, const QString& place, const QString& detail)
+{
+    core::ReportError(m_application, *this, error, place, detail);
+}
+
+// ---- status
+// ----------------------------------------------------------------------------------------------------
+
+void Player::tmrUpdate_Timer()
+{
+    if (m_stage->currentWidget() != m_control) return;
+    m_status.update(m_control->FrameNum(), m_control->TotalFrames(), mediaInfo().FrameRate);
+    const bool playing = m_control->Playing();
+    QAction& play = m_menus.item("mnuPlay");
+    SetStatus(playing ? texts::kPlaying : texts::kStopped);
+    const QString caption = playing ? texts::kMenuPause : texts::kMenuPlay;
+    if (play.text() != caption) play.setText(caption);
+    m_playback.refreshQualityMarks();
+}
+
+QString Player::GetTime(int frames) const { return player::GetTime(frames, mediaInfo().FrameRate); }
+
+void Player::SetStatus(const QString& text)
+{
+    m_status.statusText = text;
+    UpdateInfo();
+}
+
+void Player::UpdateInfo()
+{
+    const bool hasMovie = m_stage->currentWidget() == m_control;
+    m_bar->show({m_status.statusText, hasMovie ? m_status.informationText : QString(), hasMovie,
+                 hasMovie && m_control->Playing(), m_playback.isMuted(), m_control->FrameNum(),
+                 m_control->TotalFrames()});
+}
+
+void Player::setUpdateTimerEnabled(bool enabled) { enabled ? m_tmrUpdate.start() : m_tmrUpdate.stop(); }
+
+void Player::SetCaption(const QString& text)
+{
+    if (isFullScreen())
+        m_savedCaption = text;
+    else
+        setWindowTitle(text);
+}
+
+// ---- window
+// ----------------------------------------------------------------------------------------------------
+
+void Player::ZoomFlash(int percent, quint8 repeats)
+{
+    FullScreen(false);
+    // A maximised window keeps its place, as every program's does.
+    if (isMaximized()) return;
+    const int menuHeight = m_menus.bar().isVisibleTo(this) ? m_menus.bar().sizeHint().height() : 0;
+    const QMargins borders(0, menuHeight, 0, ControlBar::kHeight);
+    const QSize wanted = zoomedSize(percent, {mediaInfo().Width, mediaInfo().Height}, borders, kMinimumSize);
+    // A window larger than the screen has its bar where nobody can reach it.
+    const QSize room = screen()->availableVirtualSize();
+    resize(wanted.boundedTo(room));
+    if (repeats > 0) ZoomFlash(percent, repeats - 1);
+}
+
+void Player::FullScreen(bool on)
+{
+    if (on == isFullScreen()) return;
+    const bool wasShown = isVisible();
+    SetWindowFrame(!on);
+    m_menus.setChecked("mnuFullScreen", on);
+    m_menus.setChecked("mnuPopFullScreen", on);
+    m_bar->setVisible(!on);
+    m_menus.bar().setVisible(!on && m_menus.isChecked("mnuMenuBar"));
+    if (!wasShown) return;
+    on ? showFullScreen() : showNormal();
+    m_stage->currentWidget()->setFocus();
+}
+
+void Player::SetWindowFrame(bool show)
+{
+    if (show) {
+        setWindowTitle(m_savedCaption);
+    } else {
+        m_savedCaption = windowTitle();
+        setWindowTitle({});
+    }
+}
+
+void Player::ZoomWindow(int mode)
+{
+    const bool normal = !isMaximized() && !isMinimized();
+    const bool maximise = mode == 1 || (mode != 0 && normal);
+    maximise ? showMaximized() : showNormal();
+}
+
+void Player::ToggleMenu()
+{
+    const bool shown = !m_menus.isChecked("mnuMenuBar");
+    m_menus.setChecked("mnuMenuBar", shown);
+    m_menus.bar().setVisible(shown && !isFullScreen());
+}
+
+void Player::setTopMost(bool on)
+{
+    m_menus.setChecked("mnuTopMost", on);
+    const bool shown = isVisible();
+    setWindowFlag(Qt::WindowStaysOnTopHint, on);
+    if (shown) show(); // changing the flag hides the window
+}
+
+void Player::ShowPopUp()
+{
+    m_menus.setChecked("mnuPopHQ", m_control->Quality() == 1);
+    m_menus.setChecked("mnuPopLQ", m_control->Quality() == 0);
+    m_menus.item("mnuPopPlay").setText(m_menus.item("mnuPlay").text());
+    m_menus.popUp().popup(QCursor::pos());
+}
+
+void Player::ShowDialog(QDialog& dialog)
+{
+    dialog.setWindowFlag(Qt::WindowStaysOnTopHint, m_menus.isChecked("mnuTopMost"));
+    dialog.exec();
+}
+
+// ---- what loading asks for
+// -------------------------------------------------------------------------------------
+
+void Player::LoadMovie(int layer, const QString& url)
+{
+    if (!m_control->LoadMovie(layer, url)) {
+        m_application.LogEvent("Flash: " + core::HtmlEscape(m_control->errorText()));
+        throw base::Failure(core::kDeviceError, "Flash", texts::kMovieDamaged);
+    }
+    if (layer == 0) showMovie();
+}
+
+void Player::showMovie()
+{
+    m_stage->setCurrentWidget(m_control);
+    m_control->setSuspended(false);
+    m_control->setFocus();
+}
+
+void Player::reapplySound() { SetSound(m_playback.volume(), m_playback.pan()); }
+
+void Player::AddRecent(const QString& path)
+{
+    // The program's own pages are no files of the user's.
+    if (path.contains(m_application.GadgetsPath, Qt::CaseInsensitive)) return;
+    m_recent.removeIf(
+        [&path](const QString& known) { return known.compare(path, Qt::CaseInsensitive) == 0; });
+    m_recent.prepend(path);
+    if (m_recent.size() > kMostRecent) m_recent.removeLast();
+    for (int i = 0; i < m_recent.size(); ++i) {
+        QAction& item = m_menus.item(QString("mnuMRU%1").arg(i));
+        const QString caption = fontMetrics().elidedText(m_recent[i], Qt::ElideMiddle, kRecentCaptionPixels);
+        item.setText(QString(caption).replace('&', "&&"));
+        item.setVisible(true);
+        item.setEnabled(true);
+    }
+}
+
+void Player::onMediaChange()
+{
+    // TODO: a skin's statement for a changed movie; without a skin the bar shows the first frame's figures at
+    // once.
+    m_status.update(m_control->FrameNum(), m_control->TotalFrames(), mediaInfo().FrameRate);
+    UpdateInfo();
+}
+
+void Player::mnuCompress_Click()
+{
+    media::MediaInfo& info = m_media.mediaInfo();
+    const bool decompress = info.Compressed;
+    const QString result =
+        decompress ? m_media.DecompressFlash(info, media::Extent::Full) : m_media.CompressFlash(info, 9);
+    if (result.isEmpty())
+        QMessageBox::warning(this, core::kProductName,
+                             decompress ? texts::kDecompressFailed : texts::kCompressFailed);
+}
+
+void Player::pageCommand(const QString& command, const QString& argument)
+{
+    const QString name = command.toUpper();
+    if (name == "MEOWLOG") return m_application.LogEvent("Media debug :: " + argument);
+    if (name == "MEOWOPEN") return OpenMedia();
+    if (name == "MEOWSEL") return LoadFlash(argument, {});
+    if (name == "FULLSCREEN") {
+        const QString word = argument.trimmed().toLower();
+        bool isNumber = false;
+        const double number = word.toDouble(&isNumber);
+        if (word != "true" && word != "false" && !isNumber)
+            throw base::Failure(13, "Flash", "FULLSCREEN: " + argument.toStdString());
+        return word == "true" || (isNumber && number != 0) ? FullScreen(true) : ZoomFlash(100, 2);
+    }
+    m_application.LogEvent({});
+    m_application.LogEvent(" :: Unsupported FS Command (" + command + ")");
+}
+
+// ---- events
+// ----------------------------------------------------------------------------------------------------
+
+void Player::contextMenuEvent(QContextMenuEvent*) { ShowPopUp(); }
+
+bool Player::eventFilter(QObject* watched, QEvent* event)
+{
+    // The movie has the keyboard, but for the key that leaves full screen.
+    if (event->type() == QEvent::KeyPress && isFullScreen() &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        FullScreen(false);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace player

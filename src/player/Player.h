@@ -1,0 +1,160 @@
+#pragma once
+
+#include "core/ErrorReport.h"
+#include "media/MediaFiles.h"
+#include "player/Menus.h"
+#include "player/Playback.h"
+#include "player/Status.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
+
+class QStackedLayout;
+
+// player/: the main window and what drives it. Player is a facade: its public procedures are the names that
+// menus, pages and scripts call, each a few lines over a part that is tested by itself (Playback, Status,
+// Placement, Menus, Cache).
+
+namespace flash
+{
+class FlashControl;
+}
+
+namespace player
+{
+
+class ControlBar;
+class WelcomePanel;
+
+class Player : public QWidget, public media::MediaHost, public core::ErrorHost
+{
+    Q_OBJECT
+public:
+    /// @param application outlives the window
+    /// @param commandLine the arguments as one text, quotes included; may be empty
+    Player(core::Application& application, const QString& commandLine);
+    ~Player() override;
+
+    /// Fills and shows the window: opens the file of the command line or does the start-up action.
+    void Form_Load();
+
+    /// Whether Quit has run. There is no way back; the event loop has been told to end.
+    [[nodiscard]] bool hasEnded() const { return m_ended; }
+
+    // Playback
+    Q_INVOKABLE void PlayMedia() { m_playback.PlayMedia(); }
+    Q_INVOKABLE void PauseMedia() { m_playback.PauseMedia(); }
+    Q_INVOKABLE void PlayPauseMedia() { m_playback.PlayPauseMedia(); }
+    Q_INVOKABLE void StopMedia() { m_playback.StopMedia(); }
+    Q_INVOKABLE void SetQuality(const QString& name) { m_playback.SetQuality(name); }
+    Q_INVOKABLE void SetScaleMode(int mode) { m_playback.SetScaleMode(mode); }
+    Q_INVOKABLE void SetSound(int volume, int pan) { m_playback.SetSound(volume, pan); }
+    Q_INVOKABLE void MuteSound(bool muted) { m_playback.MuteSound(muted); }
+    Q_INVOKABLE void SetFlashAlpha(int percent) { m_playback.SetFlashAlpha(percent); }
+
+    // Status and information
+    Q_INVOKABLE void ToggleTimeMode() { m_status.ToggleTimeMode(); }
+    Q_INVOKABLE void UpdateInfo();
+    Q_INVOKABLE QString GetTime(int frames) const;
+    Q_INVOKABLE void SetStatus(const QString& text) override;
+    Q_INVOKABLE void SetCaption(const QString& text) override;
+
+    // Window
+    Q_INVOKABLE void ZoomFlash(int percent, quint8 repeats) override;
+    Q_INVOKABLE void FullScreen(bool on);
+    /// 0: normal; 1: maximised; another: from normal to maximised, else to normal.
+    Q_INVOKABLE void ZoomWindow(int mode);
+    Q_INVOKABLE void Minimize() { showMinimized(); }
+    Q_INVOKABLE void ToggleMenu();
+    Q_INVOKABLE void ShowPopUp();
+    void ShowDialog(QDialog& dialog) override;
+
+    // Media
+    Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption)
+    {
+        m_media.LoadFlash(path, caption);
+    }
+    Q_INVOKABLE void OpenMedia();
+    Q_INVOKABLE void CloseMedia(const QString& message) override;
+    Q_INVOKABLE void SaveMediaAs();
+    Q_INVOKABLE void Quit(const QString& reason, bool saveOptions) override;
+
+    /// What a file or folder dropped on the window does.
+    void FileDropped(const QString& path);
+    /// The system ends the program: by the session's end or by a signal.
+    enum class UnloadMode { ControlMenu, FormCode, Windows, TaskManager };
+    void Form_QueryUnload(UnloadMode mode);
+
+    [[nodiscard]] flash::FlashControl& control() { return *m_control; }
+    [[nodiscard]] Menus& menus() { return m_menus; }
+    [[nodiscard]] const Status& status() const { return m_status; }
+    [[nodiscard]] const media::MediaInfo& mediaInfo() const { return m_media.mediaInfo(); }
+    [[nodiscard]] QString mediaTitle() const { return m_mediaTitle; }
+
+    // What media asks for while it loads a movie.
+    void setUpdateTimerEnabled(bool enabled) override;
+    [[nodiscard]] bool isFullScreen() const override { return m_menus.isChecked("mnuFullScreen"); }
+    void LoadMovie(int layer, const QString& url) override;
+    void setBackground(const QString& colour) override { m_playback.setBackground(colour); }
+    void setMediaInfoEnabled(bool enabled) override { m_menus.item("mnuInfo").setEnabled(enabled); }
+    void reapplySound() override;
+    void setCompressCaption(const QString& caption) override { m_menus.item("mnuCompress").setText(caption); }
+    void setMediaTitle(const QString& title) override { m_mediaTitle = title; }
+    void AddRecent(const QString& path) override;
+    void onMediaChange() override;
+    void ReportError(const base::Failure& error, const QString& place, const QString& detail) override;
+
+    // What the error reporter asks for.
+    [[nodiscard]] bool updateTimerEnabled() const override { return m_tmrUpdate.isActive(); }
+    QWidget* errorParent() override { return this; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildWindow();
+    void connectMenus();
+    void connectControl();
+    void openCommandLine();
+    void showWelcomePanel(const QString& message);
+    void showMovie();
+    void SetWindowFrame(bool show);
+    void setTopMost(bool on);
+    void tmrUpdate_Timer();
+    void mnuCompress_Click();
+    void pageCommand(const QString& command, const QString& argument);
+    void saveTo(const QString& target, const QString& filter);
+    /// The folder that a file dialog starts in.
+    [[nodiscard]] QString dialogFolder() const;
+    /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
+    void handled(const char* place, const std::function<void()>& procedure);
+
+    core::Application& m_application;
+    const QString m_commandLine;
+    flash::FlashControl* m_control;
+    WelcomePanel* m_welcome;
+    ControlBar* m_bar;
+    QStackedLayout* m_stage;
+    Menus m_menus;
+    media::MediaFiles m_media;
+    Playback m_playback;
+    Status m_status;
+    QTimer m_tmrUpdate;
+    QString m_savedCaption; ///< the caption while full screen keeps it aside
+    QString m_mediaTitle;
+    QStringList m_recent;    ///< newest first
+    QString m_droppedFolder; ///< where the next open dialog starts; empty: where the most recent file lies
+    int m_startUp = 0;       ///< 0 welcome page, 2 most recent file
+    int m_cacheMode = 0;     ///< what CleanCache removes at the end
+    QString m_noAnimation = "False";
+    bool m_hasArgument = false;
+    bool m_ended = false;
+};
+
+} // namespace player

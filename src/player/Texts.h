@@ -1,0 +1,73 @@
+#pragma once
+
+// Every text of this folder that a user sees, but for the captions of the menus, which stand in their own
+// table.
+
+namespace player::texts
+{
+
+// clang-format off
+inline constexpr const char* kPlaying          = "Воспроизведение";
+inline constexpr const char* kStopped          = "Остановлено";
+inline constexpr const char* kReady            = "Готово";
+inline constexpr const char* kOpeningFile      = "Открытие файла...";
+inline constexpr const char* kSavingFile       = "Сохранение файла...";
+inline constexpr const char* kMenuPause        = "Приостановить";
+inline constexpr const char* kMenuPlay         = "Воспроизвести";
+
+inline constexpr const char* kTimeModes[]      = {"Прошло времени: ", "Осталось времени: ", "Всего времени: ",
+                                                  "Прошло кадров: ",  "Осталось кадров: ",  "Всего кадров: "};
+
+inline constexpr const char* kOpenTitle        = "Открыть файл Macromedia Flash...";
+inline constexpr const char* kOpenFilters[]    = {"Все поддерживаемые файлы (*.swf *.exe *.SWF *.EXE)",
+                                                  "Macromedia Flash (*.swf *.SWF)",
+                                                  "Flash Projector (*.exe *.EXE)"};
+inline constexpr const char* kSaveTitle        = "Сохранить как...";
+inline constexpr const char* kSaveProjector    = "Сохранение медиа из проектора (*.swf)";
+inline constexpr const char* kSaveCompressed   = "Сохранение со снятием сжатия (*.swf)";
+inline constexpr const char* kSavePlain        = "Сохранение без изменений (*.swf)";
+inline constexpr const char* kSaveUnsupported  = "Сохранение с заданными условиями не поддерживается";
+inline constexpr const char* kSaveBoxTitle     = "Сохранение медиа";
+inline constexpr const char* kSaveFilter       = "Фильтр: ";
+inline constexpr const char* kSaveFile         = "Файл: ";
+inline constexpr const char* kSaveCompression  = "Сжатие: ";
+inline constexpr const char* kSaveIsProjector  = "Проектор: ";
+inline constexpr const char* kSaveFailed       = "Не удалось записать файл.";
+
+inline constexpr const char* kDialogOpen       = "Открыть";
+inline constexpr const char* kDialogSave       = "Сохранить";
+inline constexpr const char* kDialogCancel     = "Отмена";
+inline constexpr const char* kDialogFolder     = "Папка:";
+inline constexpr const char* kDialogName       = "Имя файла:";
+inline constexpr const char* kDialogType       = "Тип файлов:";
+
+inline constexpr const char* kDecompressFailed = "Ошибка при распаковке файла.";
+inline constexpr const char* kCompressFailed   = "Ошибка при сжатии файла.";
+inline constexpr const char* kMovieDamaged     = "Ролик повреждён, показать его нельзя";
+
+inline constexpr const char* kWelcomeCaption   = "Экран приветствия";
+inline constexpr const char* kWelcomeVersion   = "Версия ";
+inline constexpr const char* kWelcomeSubject   = "Проигрыватель роликов и проекторов Macromedia Flash";
+inline constexpr const char* kWelcomeOpen      = "Открыть файл...";
+inline constexpr const char* kWelcomeHint      = "или перетащите сюда ролик (.swf) или проектор (.exe)";
+
+inline constexpr const char* kTipPlay          = "Воспроизвести или приостановить";
+inline constexpr const char* kTipStop          = "Остановить";
+inline constexpr const char* kTipBack          = "Кадр назад";
+inline constexpr const char* kTipForward       = "Кадр вперед";
+inline constexpr const char* kTipOpen          = "Открыть файл";
+inline constexpr const char* kTipMute          = "Выключить или включить звук";
+inline constexpr const char* kTipFullScreen    = "Во весь экран";
+inline constexpr const char* kTipTime          = "Щёлкните, чтобы сменить вид счётчика";
+
+inline constexpr const char* kPlaceFormLoad    = "Загрузка окна";
+inline constexpr const char* kPlaceMenu        = "Выполнение команды меню";
+inline constexpr const char* kPlaceOpen        = "Открытие медиа";
+inline constexpr const char* kPlaceClose       = "Закрытие медиа";
+inline constexpr const char* kPlaceSave        = "Сохранение медиа";
+inline constexpr const char* kPlaceTimer       = "Обновление информации";
+inline constexpr const char* kPlaceQuit        = "Завершение работы";
+inline constexpr const char* kPlacePage        = "Команда страницы";
+// clang-format on
+
+} // namespace player::texts
