@@ -52,7 +52,8 @@ struct LineStyle {
     bool noClose = false;
 };
 
-/// A straight line to `anchor`, or a quadratic curve to it over `control`. Shape space, twips.
+/// A straight line to `anchor`, or a quadratic curve to it over `control`. Shape space, twips; the parser
+/// keeps every coordinate within 2^29 of the origin, so that differences stay inside 32 bits.
 struct Edge {
     bool curved = false;
     std::int32_t controlX = 0, controlY = 0;
@@ -91,7 +92,8 @@ struct MorphShape {
 /// @param ratio 0 (start) to 65535 (end)
 Shape interpolate(const MorphShape& morph, std::uint16_t ratio);
 
-/// Pixels, decoded on first use and kept; premultiplied 0xAARRGGBB, rows from the top, no padding.
+/// Pixels, decoded while the movie is parsed; premultiplied 0xAARRGGBB, rows from the top, no padding. No
+/// channel exceeds its alpha.
 struct Bitmap {
     int width = 0, height = 0;
     bool opaque = true;
