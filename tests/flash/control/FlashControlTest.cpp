@@ -1,0 +1,217 @@
+#include "flash/FlashControl.h"
+
+#include "Movies.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QPaintEvent>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace flash
+{
+
+namespace
+{
+
+class Counted : public FlashControl
+{
+public:
+    int paints = 0;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        ++paints;
+        FlashControl::paintEvent(event);
+    }
+};
+
+QColor pixel(FlashControl& control, int x, int y) { return control.grab().toImage().pixelColor(x, y); }
+
+const QColor kRed(255, 0, 0), kGrey(128, 128, 128);
+
+} // namespace
+
+TEST(FlashControl, ReportsWhatIsLoadedAndKeepsItWhenALoadFails)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    EXPECT_EQ(control.FrameNum(), -1);
+    EXPECT_EQ(control.TotalFrames(), 0);
+    EXPECT_FALSE(control.Playing());
+    QList<int> states;
+    QObject::connect(&control, &FlashControl::OnReadyStateChange, [&](int state) { states << state; });
+
+    const QString movie = folder.write("a.swf", test::movingSquare(4));
+    ASSERT_TRUE(control.LoadMovie(0, movie + "?name=value")) << control.errorText().toStdString();
+    EXPECT_EQ(control.FrameNum(), 0);
+    EXPECT_EQ(control.TotalFrames(), 4);
+    EXPECT_TRUE(control.Playing());
+    EXPECT_EQ(control.movieSize(), QSize(100, 80));
+    EXPECT_EQ(control.frameRate(), 12.5);
+    EXPECT_EQ(control.BGColor(), "808080");
+    EXPECT_EQ(control.ReadyState(), 4);
+    ASSERT_FALSE(states.isEmpty());
+    EXPECT_EQ(states.last(), 4);
+
+    for (const QString& bad :
+         {QString("/no/such/file.swf"), folder.write("text.swf", {'n', 'o', ' ', 'm', 'o', 'v'}),
+          folder.write("empty.swf", {})}) {
+        SCOPED_TRACE(bad.toStdString());
+        EXPECT_FALSE(control.LoadMovie(0, bad));
+        EXPECT_FALSE(control.errorText().isEmpty());
+        EXPECT_FALSE(control.LoadMovie(5, bad));
+        EXPECT_EQ(control.TotalFrames(), 4);
+        EXPECT_EQ(control.Movie(), movie + "?name=value");
+    }
+    EXPECT_TRUE(control.LoadMovie(0, QString()));
+    EXPECT_EQ(control.FrameNum(), -1);
+}
+
+TEST(FlashControl, StepsHaltAndGoRoundAtTheEnds)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(3))));
+    control.Forward();
+    EXPECT_EQ(control.FrameNum(), 1);
+    EXPECT_FALSE(control.Playing());
+    control.Forward();
+    control.Forward();
+    EXPECT_EQ(control.FrameNum(), 0);
+    control.Back();
+    EXPECT_EQ(control.FrameNum(), 2);
+    control.Play();
+    EXPECT_TRUE(control.Playing());
+    control.Stop();
+    EXPECT_EQ(control.FrameNum(), 2);
+    control.GotoFrame(99);
+    EXPECT_EQ(control.FrameNum(), 2);
+    control.Rewind();
+    EXPECT_EQ(control.FrameNum(), 0);
+    EXPECT_FALSE(control.Playing());
+}
+
+TEST(FlashControl, TakesOnlySettingsItKnows)
+{
+    FlashControl control;
+    EXPECT_EQ(control.Quality2(), "High");
+    for (const char* name : {"Low", "Medium", "High", "AutoLow", "AutoHigh", "Best"}) {
+        control.setQuality2(QString(name).toLower());
+        EXPECT_EQ(control.Quality2(), name);
+        const int number = control.Quality();
+        control.setQuality2("Splendid");
+        control.setQuality(17);
+        EXPECT_EQ(control.Quality(), number);
+    }
+    control.setScaleMode(2);
+    control.setScaleMode(4);
+    control.setScaleMode(-1);
+    EXPECT_EQ(control.ScaleMode(), 2);
+    control.setBGColor("#12abEF");
+    EXPECT_EQ(control.BGColor(), "12ABEF");
+    for (const char* bad : {"", "12", "GGGGGG", "1234567", "-12345"}) control.setBGColor(bad);
+    EXPECT_EQ(control.BGColor(), "12ABEF");
+}
+
+TEST(FlashControl, ShowsTheMovieScaledAsTold)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(300, 80); // three times as wide as the movie
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(3))));
+    control.Stop();
+    EXPECT_EQ(pixel(control, 110, 10), kRed) << "show all: centred, at its own size";
+    EXPECT_EQ(pixel(control, 150, 10), kGrey);
+    control.setScaleMode(2);
+    EXPECT_EQ(pixel(control, 10, 10), kRed) << "exact fit: stretched";
+    EXPECT_EQ(pixel(control, 55, 10), kRed);
+    EXPECT_EQ(pixel(control, 70, 10), kGrey);
+    control.GotoFrame(1);
+    EXPECT_EQ(pixel(control, 10, 10), kGrey);
+    EXPECT_EQ(pixel(control, 70, 10), kRed);
+    control.resize(100, 80);
+    EXPECT_EQ(pixel(control, 30, 10), kRed);
+    control.setBGColor("0000FF");
+    EXPECT_EQ(pixel(control, 90, 70), QColor(0, 0, 255)) << "the host's colour holds";
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("b.swf", test::movingSquare(1))));
+    EXPECT_EQ(pixel(control, 90, 70), kGrey) << "until the next movie";
+}
+
+TEST(FlashControl, FollowsTheRealClockAndPaintsOnlyWhatMoves)
+{
+    const test::MovieFolder folder;
+    Counted control;
+    control.resize(100, 80);
+    control.show();
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(1000))));
+    QElapsedTimer clock;
+    clock.start();
+    QTest::qWait(1000);
+    const double due = static_cast<double>(clock.elapsed()) * 12.5 / 1000;
+    EXPECT_NEAR(control.FrameNum(), due, 3);
+
+    control.Stop();
+    QTest::qWait(50);
+    const int frame = control.FrameNum();
+    control.paints = 0;
+    QTest::qWait(300);
+    EXPECT_EQ(control.FrameNum(), frame);
+    EXPECT_EQ(control.paints, 0);
+
+    control.Play();
+    control.setSuspended(true);
+    QTest::qWait(200);
+    EXPECT_EQ(control.FrameNum(), frame);
+    control.setSuspended(false);
+    QTest::qWait(300);
+    EXPECT_GT(control.FrameNum(), frame);
+}
+
+TEST(FlashControl, StopsAtTheLastFrameWhenItDoesNotLoop)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.setLoop(false);
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(3))));
+    QTest::qWait(500);
+    EXPECT_EQ(control.FrameNum(), 2);
+    EXPECT_FALSE(control.Playing());
+    EXPECT_FALSE(control.Loop());
+}
+
+TEST(FlashControl, LoadsALayerOverTheMovieAndLeavesItPlaying)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(100, 80);
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(4))));
+    control.GotoFrame(3);
+    const test::MovieFolder elsewhere;
+    ASSERT_TRUE(control.LoadMovie(6000, elsewhere.write("layer.swf", test::movingSquare(1)) + "?volume=50"));
+    QTest::qWait(300);
+    EXPECT_EQ(control.FrameNum(), 3);
+    EXPECT_EQ(pixel(control, 70, 10), kRed);
+    EXPECT_EQ(pixel(control, 10, 10), kRed) << "the layer's square";
+    EXPECT_EQ(pixel(control, 90, 70), kGrey);
+    ASSERT_TRUE(control.LoadMovie(6000, QString()));
+    QTest::qWait(200);
+    EXPECT_EQ(pixel(control, 10, 10), kGrey);
+}
+
+TEST(FlashControl, SurvivesAHostThatDeletesItFromAHandler)
+{
+    const test::MovieFolder folder;
+    auto* control = new FlashControl;
+    QObject::connect(control, &FlashControl::OnReadyStateChange, [&](int) {
+        delete control;
+        control = nullptr;
+    });
+    EXPECT_TRUE(control->LoadMovie(0, folder.write("a.swf", test::movingSquare(2))));
+    EXPECT_EQ(control, nullptr);
+}
+
+} // namespace flash

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "../swf/MovieWriter.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace flash::test
+{
+
+/// 100 x 80 pixels, 12.5 frames a second, grey; a red square of 20 pixels that stands 20 pixels further right
+/// on each frame.
+inline swf::ByteList movingSquare(unsigned frames, const swf::ByteList& firstFrameActions = {})
+{
+    using swf::BodyWriter;
+    using swf::tag;
+    BodyWriter shape;
+    shape.u16(1).rect(0, 400, 0, 400).u8(1).u8(0).rgb({255, 0, 0, 255}).u8(0).indexWidths(1, 0);
+    shape.moveTo(0, 0).fill1(1).lineTo(400, 0).lineTo(0, 400).lineTo(-400, 0).lineTo(0, -400).endShape();
+    std::vector<swf::ByteList> tags = {tag(9, BodyWriter().rgb({128, 128, 128, 255})), tag(2, shape)};
+    for (unsigned i = 0; i < frames; ++i) {
+        const auto x = static_cast<std::int32_t>(400 * i);
+        if (i == 0)
+            tags.push_back(tag(26, BodyWriter().u8(0b110).u16(1).u16(1).translation(x, 0)));
+        else
+            tags.push_back(tag(26, BodyWriter().u8(0b101).u16(1).translation(x, 0)));
+        if (i == 0 && !firstFrameActions.empty())
+            tags.push_back(tag(12, BodyWriter().raw(firstFrameActions)));
+        tags.push_back(swf::kShowFrame);
+    }
+    return swf::movieBytes(6, tags, frames);
+}
+
+/// Actions: fscommand(command, argument).
+inline swf::ByteList fsCommand(std::string_view command, std::string_view argument)
+{
+    swf::BodyWriter strings;
+    strings.raw({'F', 'S', 'C', 'o', 'm', 'm', 'a', 'n', 'd', ':'}).text(command).text(argument);
+    return swf::BodyWriter()
+        .u8(0x83)
+        .u16(static_cast<std::uint32_t>(strings.bytes().size()))
+        .raw(strings.bytes())
+        .u8(0)
+        .bytes();
+}
+
+/// Movie files of one test.
+class MovieFolder
+{
+public:
+    QString write(const QString& name, const swf::ByteList& bytes) const
+    {
+        const QString path = m_folder.filePath(name);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
+        return path;
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace flash::test
