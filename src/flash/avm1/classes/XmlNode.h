@@ -1,0 +1,65 @@
+#pragma once
+
+#include "flash/avm1/Vm.h"
+
+#include <optional>
+#include <vector>
+
+namespace flash::avm1
+{
+
+/// The native side of an XMLNode, and of an XML document, whose own fields scripts see as plain properties.
+class XmlNode final : public Native
+{
+public:
+    static inline const char kTag = 0;
+    static constexpr int kElement = 1, kText = 3;
+
+    explicit XmlNode(int type) : type(type) {}
+    [[nodiscard]] const void* tag() const override { return &kTag; }
+    void trace(Tracer& tracer) override;
+
+    int type;
+    String* name = nullptr;       ///< null for texts and documents
+    String* value = nullptr;      ///< texts only
+    Object* attributes = nullptr; ///< always there once the node is made
+    Object* parent = nullptr;
+    std::vector<Object*> children; ///< objects with an XmlNode each
+    Object* childArray = nullptr;  ///< the script's view of the children; null while it is out of date
+};
+
+void installXml(Vm& vm);
+
+/// @returns a new node object of the class XMLNode.
+Object* newXmlNode(Vm& vm, int type, String* nameOrValue);
+
+/// Puts a node at the end of another's children; it has no parent yet.
+void appendXmlChild(Object* parent, Object* child);
+
+/// Numbers of the property `status`, as the genuine player gives them.
+enum class XmlStatus : int {
+    Ok = 0,
+    CdataNotEnded = -2,
+    DeclarationNotEnded = -3,
+    DoctypeNotEnded = -4,
+    CommentNotEnded = -5,
+    ElementMalformed = -6,
+    AttributeNotEnded = -8,
+    StartWithoutEnd = -9,
+    EndWithoutStart = -10,
+};
+
+struct XmlParseOptions {
+    bool ignoreWhite = false;
+};
+struct XmlParseResult {
+    XmlStatus status = XmlStatus::Ok;
+    std::u16string declaration, doctype; ///< as they stand in the text; empty: none
+};
+/// Parses a text into children of `document`; what came before an error stays.
+XmlParseResult parseXml(Vm& vm, Object* document, std::u16string_view text, const XmlParseOptions& options);
+
+/// The text of a node with all below, without a prologue.
+std::u16string xmlText(Vm& vm, Object* node);
+
+} // namespace flash::avm1
