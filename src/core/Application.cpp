@@ -16,6 +16,8 @@ namespace core
 namespace
 {
 
+constexpr const char* kJournalName = "App.Log.html";
+
 /// Says that the system's version cannot be had. Selected by a flag that nothing sets: a system that does not
 /// tell leaves the two texts of the line empty instead.
 constexpr bool kVersionNotAvailable = false;
@@ -31,12 +33,12 @@ void Application::InitLog(const QString& appPath, const QString& dataPath)
     GadgetsPath = AppPath + "media" + separator + "gadgets" + separator;
     CachePath = DataPath + "cache" + separator;
     SkinsPath = AppPath + "media" + separator + "skins" + separator;
-    LogFile = DataPath + "App.Log.html";
+    LogFile = DataPath + kJournalName;
 
     if (fileExists(LogFile)) {
         std::error_code error;
         std::filesystem::remove(filePath(LogFile), error);
-        if (error) throw runTimeError(error.value(), "Application");
+        if (error) throw runTimeError(error.value(), kJournalName);
     }
     m_logFailed = false;
     const QString product = kProductName;
@@ -70,7 +72,7 @@ void Application::appendLine(const QString& text)
     file << line;
     file.close();
     const bool failedBefore = std::exchange(m_logFailed, !file);
-    if (m_logFailed && !failedBefore) throw runTimeError(errno, "Application");
+    if (m_logFailed && !failedBefore) throw runTimeError(errno, kJournalName);
 }
 
 QString HtmlEscape(const QString& text)

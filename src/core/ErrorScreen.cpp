@@ -119,7 +119,8 @@ frmError::frmError(QWidget* parent, const ErrorTexts& texts)
     connect(exit, &QPushButton::clicked, this, [this] { cbExit_Click(); });
     connect(m_extra, &QToolButton::clicked, this, [this] { cbExtra_Click(); });
     revive->setFocus();
-    adjustSize();
+    ensurePolished();
+    resize(kWidth, column->totalHeightForWidth(kWidth));
 }
 
 QLabel* frmError::addField(const char* title, const QString& value)

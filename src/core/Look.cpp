@@ -2,8 +2,11 @@
 
 #include <QApplication>
 #include <QFont>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QPalette>
 #include <QStyleFactory>
+#include <QTranslator>
 
 namespace core::look
 {
@@ -40,6 +43,12 @@ void initialiseVisualStyle()
     font.setFamilies({"Tahoma", "Verdana", "DejaVu Sans"});
     font.setPointSize(9);
     QApplication::setFont(font);
+
+    // The program speaks Russian whatever the system does; dates and the toolkit's buttons must not differ.
+    QLocale::setDefault(QLocale(QLocale::Russian));
+    auto* translator = new QTranslator(qApp);
+    if (translator->load("qtbase_ru", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(translator);
 }
 
 } // namespace core::look

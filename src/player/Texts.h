@@ -19,9 +19,9 @@ inline constexpr const char* kTimeModes[]      = {"Прошло времени: 
                                                   "Прошло кадров: ",  "Осталось кадров: ",  "Всего кадров: "};
 
 inline constexpr const char* kOpenTitle        = "Открыть файл Macromedia Flash...";
-inline constexpr const char* kOpenFilters[]    = {"Все поддерживаемые файлы (*.swf *.exe *.SWF *.EXE)",
-                                                  "Macromedia Flash (*.swf *.SWF)",
-                                                  "Flash Projector (*.exe *.EXE)"};
+inline constexpr const char* kOpenFilters[]    = {"Все поддерживаемые файлы (*.swf *.exe)",
+                                                  "Macromedia Flash (*.swf)",
+                                                  "Flash Projector (*.exe)"};
 inline constexpr const char* kSaveTitle        = "Сохранить как...";
 inline constexpr const char* kSaveProjector    = "Сохранение медиа из проектора (*.swf)";
 inline constexpr const char* kSaveCompressed   = "Сохранение со снятием сжатия (*.swf)";
