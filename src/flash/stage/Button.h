@@ -28,7 +28,7 @@ public:
     bool useHandCursor = true;
 
     [[nodiscard]] std::span<const NodePtr> children() const override { return m_children; }
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
 
 private:

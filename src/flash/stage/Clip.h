@@ -63,10 +63,12 @@ public:
     // ---- what came with the placement or was set by script ----
     [[nodiscard]] const std::vector<swf::ClipAction>& clipActions() const { return m_clipActions; }
     [[nodiscard]] bool hasClipEvent(Event event) const;
+    bool constructed = false; ///< its class's constructor ran, or will not run again
     bool lockRoot = false;
     bool useHandCursor = true, trackAsMenu = false;
     std::optional<bool> focusEnabled;
-    Node* hitArea() const;
+    std::optional<bool> tabChildren;
+    [[nodiscard]] Node* hitArea() const;
     void setHitArea(Node* node);
     /// A drawing of a script or a loaded movie makes it react to the mouse: whether it acts as a button now.
     [[nodiscard]] bool isButtonLike();
@@ -79,7 +81,7 @@ public:
     /// The linkage name its character was exported under; empty when none.
     [[nodiscard]] std::string linkageName() const;
 
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
 
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;

@@ -15,7 +15,7 @@ public:
         : Node(stage, NodeKind::Shape), m_shape(std::move(shape))
     {
     }
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
 
@@ -31,7 +31,7 @@ public:
     {
     }
     void setRatio(std::uint16_t ratio) override;
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
 
@@ -46,7 +46,7 @@ class StaticTextNode final : public Node
 public:
     /// @param text belongs to `movie`, which also holds the fonts
     StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticText& text);
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
     /// The characters of its glyphs, for text snapshots. UTF-8.
@@ -75,7 +75,7 @@ public:
     {
     }
     [[nodiscard]] const std::shared_ptr<const swf::Bitmap>& bitmap() const { return m_bitmap; }
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
 
@@ -95,7 +95,7 @@ public:
     /// Null until the first picture.
     void setPicture(std::shared_ptr<const swf::Bitmap> picture);
     void setRatio(std::uint16_t ratio) override;
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
     bool smoothing = false;

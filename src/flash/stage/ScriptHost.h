@@ -82,7 +82,7 @@ public:
         return false;
     }
 
-    /// A node went off the display list for good (after its unload handlers ran).
+    /// A node goes off the display list for good (after its unload handlers ran); its path still holds.
     virtual void nodeRemoved(Node&) {}
     /// The root of a level or a loaded clip was replaced by another movie: script properties go.
     virtual void clipReset(Clip&) {}

@@ -148,6 +148,7 @@ void Stage::retire(Node& node)
 {
     if (node.m_removed) return;
     const NodePtr keep = node.shared_from_this();
+    m_script->nodeRemoved(node);
     std::vector<NodePtr> children(node.children().begin(), node.children().end());
     if (node.kind() == NodeKind::Button) {
         auto& button = static_cast<Button&>(node);
@@ -175,7 +176,6 @@ void Stage::retire(Node& node)
     if (m_over.get() == &node) m_over.reset();
     if (m_pressed.get() == &node) m_pressed.reset();
     m_services.sound.ownerRemoved(&node);
-    m_script->nodeRemoved(node);
 }
 
 bool Stage::queueUnload(Node& node)
@@ -218,6 +218,29 @@ std::string Stage::linkageName(const MoviePtr& movie, std::uint16_t characterId)
     return found == entry->second.end() ? std::string() : found->second;
 }
 
+std::optional<std::uint16_t> Stage::exportedCharacter(const MoviePtr& movie, std::string_view name)
+{
+    if (!movie) return {};
+    std::string key(name);
+    auto found = movie->exports.find(key);
+    if (found == movie->exports.end() && movie->header.version < 6)
+        found = movie->exports.find(base::ansiFromUtf8(key));
+    if (found != movie->exports.end()) return found->second;
+    // Linkage names do not tell cases apart.
+    const auto same = [&](const std::string& other) {
+        return other.size() == key.size() &&
+               std::equal(key.begin(), key.end(), other.begin(), [](char a, char b) {
+                   const auto lower = [](char c) {
+                       return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+                   };
+                   return lower(a) == lower(b);
+               });
+    };
+    for (const auto& [exported, id] : movie->exports)
+        if (same(exported)) return id;
+    return {};
+}
+
 // ---- the action queue -------------------------------------------------------------------------------------
 
 void Stage::queueBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions)
@@ -251,7 +274,8 @@ void Stage::queueEvent(Node& node, Event event, int keyCode)
         if (!clip || !clip->hasClipEvent(event)) return;
         priority = kInitialize;
     } else if (event == Event::Construct) {
-        if (!clip || (!clip->hasClipEvent(event) && !m_script->hasRegisteredClass(*clip))) return;
+        if (!clip || clip->constructed) return;
+        if (!clip->hasClipEvent(event) && !m_script->hasRegisteredClass(*clip)) return;
         priority = kConstruct;
     }
     Queued item;
@@ -276,7 +300,8 @@ void Stage::runEvent(Node& node, Event event, int keyCode)
                                  action.actions);
         }
         if (event == Event::Construct) {
-            m_script->constructClip(*clip);
+            if (!clip->constructed) m_script->constructClip(*clip);
+            clip->constructed = true;
             return;
         }
     }

@@ -200,6 +200,14 @@ public:
     /// The topmost node that is drawn at a point of the stage, for _droptarget and hit testing.
     [[nodiscard]] Node* topNodeAt(swf::Point stagePoint, const Node* except = nullptr);
     void setMouseVisible(bool visible);
+    [[nodiscard]] bool isMouseVisible() const { return m_mouseVisible; }
+    /// Whether a script may give it the focus.
+    [[nodiscard]] bool canTakeFocus(Node& node);
+    /// The character of a linkage name. Nothing when the movie exports no such name.
+    [[nodiscard]] static std::optional<std::uint16_t> exportedCharacter(const MoviePtr& movie,
+                                                                        std::string_view name);
+    void setShowsMenu(bool full);
+    [[nodiscard]] bool showsMenu() const { return m_showsMenu; }
 
     /// Runs whatever scripts are queued, and those they queue. For callers that ran scripts themselves.
     void runQueue();
@@ -315,6 +323,7 @@ private:
     std::vector<std::weak_ptr<Node>> m_changedNodes;
 
     Cursor m_cursor = Cursor::Arrow;
+    bool m_showsMenu = true;
     bool m_mouseVisible = true, m_mouseInside = false, m_mouseIsDown = false;
     swf::Point m_mouse;
     NodePtr m_over, m_pressed;

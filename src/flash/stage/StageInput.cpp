@@ -398,6 +398,25 @@ void Stage::setFocus(Node* node)
     runQueue();
 }
 
+bool Stage::canTakeFocus(Node& node)
+{
+    switch (node.kind()) {
+    case NodeKind::Button: return true;
+    case NodeKind::TextField: return true;
+    case NodeKind::Clip: {
+        auto& clip = static_cast<Clip&>(node);
+        return clip.focusEnabled.value_or(clip.tabIndex.has_value() || clip.isButtonLike()) && clip.parent();
+    }
+    default: return false;
+    }
+}
+
+void Stage::setShowsMenu(bool full)
+{
+    m_showsMenu = full;
+    m_services.host.showMenu(full);
+}
+
 void Stage::focusNext(bool backwards)
 {
     std::vector<std::pair<int, Node*>> stops;

@@ -75,6 +75,13 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
     canvas.strokeRect(m_bounds, toDevice, {0, 0, 0, 255});
 }
 
+void TextField::select(std::size_t begin, std::size_t end)
+{
+    m_anchor = std::min(begin, m_text.size());
+    m_caret = std::min(end, m_text.size());
+    invalidate();
+}
+
 void TextField::input(char32_t) {}
 void TextField::press(swf::Point) {}
 void TextField::drag(swf::Point) {}

@@ -2,6 +2,8 @@
 
 #include "flash/stage/Node.h"
 
+#include <algorithm>
+
 namespace flash::stage
 {
 
@@ -24,9 +26,15 @@ public:
 
     bool readOnly = false, selectable = true, password = false;
 
-    [[nodiscard]] swf::Rect bounds(Extent extent) override;
+    [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+
+    // ---- the selection: positions between characters ----
+    [[nodiscard]] std::size_t selectionBegin() const { return std::min(m_anchor, m_caret); }
+    [[nodiscard]] std::size_t selectionEnd() const { return std::max(m_anchor, m_caret); }
+    [[nodiscard]] std::size_t caret() const { return m_caret; }
+    void select(std::size_t begin, std::size_t end);
 
     // ---- the user at work ----
     void input(char32_t character);
@@ -39,6 +47,7 @@ private:
     std::string m_variable;
     std::optional<std::string> m_lastValue; ///< of the variable, as last seen or set
     swf::Rect m_bounds;
+    std::size_t m_anchor = 0, m_caret = 0;
 };
 
 } // namespace flash::stage

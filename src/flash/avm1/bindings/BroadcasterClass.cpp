@@ -1,0 +1,102 @@
+#include "flash/avm1/bindings/Classes.h"
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+Object* listeners(Call& call)
+{
+    Object* self = call.self.asObject();
+    return self ? self->get(call.vm, call.vm.name(std::string_view("_listeners"))).asObject() : nullptr;
+}
+
+Value removeListener(Call& call)
+{
+    Object* list = listeners(call);
+    if (!list) return Value(false);
+    Vm& vm = call.vm;
+    const Name lengthName = vm.common().length;
+    const int length = toInt32(vm, list->get(vm, lengthName));
+    for (int i = 0; i < length; ++i) {
+        const Value entry = list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+        if (!looselyEqual(vm, entry, call.arg(0))) continue;
+        vm.callMethod(list, "splice", {Value(i), Value(1)});
+        return Value(true);
+    }
+    return Value(false);
+}
+
+Value addListener(Call& call)
+{
+    removeListener(call);
+    if (Object* list = listeners(call)) call.vm.callMethod(list, "push", {call.arg(0)});
+    return Value(true);
+}
+
+Value broadcastMessage(Call& call)
+{
+    Object* list = listeners(call);
+    if (!list || call.count() == 0) return {};
+    Vm& vm = call.vm;
+    const Name method = toName(vm, call.arg(0));
+    const int length = toInt32(vm, list->get(vm, vm.common().length));
+    if (length <= 0) return {};
+    // Those that join or leave meanwhile change nothing about who is told.
+    RootedValues told(vm.heap());
+    for (int i = 0; i < length; ++i)
+        told->push_back(list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i))));
+    for (std::size_t i = 0; i < told->size() && !vm.isUnwinding(); ++i)
+        if (Object* listener = (*told)[i].asObject()) vm.callMethod(listener, method, call.args.subspan(1));
+    return Value(true);
+}
+
+// clang-format off
+constexpr MemberInfo kMembers[] = {
+    {"broadcastMessage", 0, 0, &broadcastMessage},
+    {"addListener",      0, 0, &addListener},
+    {"removeListener",   0, 0, &removeListener},
+};
+// clang-format on
+
+Value initialize(Call& call)
+{
+    if (Object* object = call.arg(0).asObject()) makeBroadcaster(call.vm, object);
+    return {};
+}
+
+Value construct(Call&) { return {}; }
+
+} // namespace
+
+void makeBroadcaster(Vm& vm, Object* object)
+{
+    // The functions are those that the class has now: scripts may have replaced them.
+    Object* broadcaster = vm.global()->get(vm, vm.name(std::string_view("AsBroadcaster"))).asObject();
+    for (const MemberInfo& member : kMembers) {
+        const Name name = vm.name(std::string_view(member.name));
+        const Value function = broadcaster ? broadcaster->get(vm, name) : Value();
+        object->define(vm, name, function, kDontEnum | kDontDelete);
+    }
+    object->define(vm, "_listeners", Value(vm.newArray()), kDontEnum | kDontDelete);
+}
+
+void installBroadcaster(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    Function* constructor = vm.defineClass("AsBroadcaster", &construct, {}, kFrom6);
+    vm.addMembers(constructor, kMembers);
+    static constexpr MemberInfo kStatic[] = {{"initialize", 0, 0, &initialize}};
+    vm.addMembers(constructor, kStatic);
+}
+
+Object* defineGlobalObject(Vm& vm, std::string_view name, std::span<const MemberInfo> members)
+{
+    Object* object = vm.newObject();
+    vm.addMembers(object, members);
+    vm.global()->define(vm, name, Value(object), kDontEnum | kDontDelete);
+    return object;
+}
+
+} // namespace flash::avm1

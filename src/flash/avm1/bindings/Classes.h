@@ -1,0 +1,41 @@
+#pragma once
+
+#include "flash/avm1/Function.h"
+#include "flash/avm1/bindings/StageBinding.h"
+
+// The built-in classes that act on the stage, one file each. A member table per class; `install` puts the
+// class on the global object.
+namespace flash::avm1
+{
+
+void installMovieClip(StageBinding& binding);
+void installMovieClipDrawing(StageBinding& binding, Object* prototype);
+void installButton(StageBinding& binding);
+void installBroadcaster(StageBinding& binding);
+void installKey(StageBinding& binding);
+void installMouse(StageBinding& binding);
+void installSelection(StageBinding& binding);
+void installStage(StageBinding& binding);
+void installColor(StageBinding& binding);
+void installSound(StageBinding& binding);
+void installTextField(StageBinding& binding);
+void installLoadVars(StageBinding& binding);
+void installMovieClipLoader(StageBinding& binding);
+
+/// Makes an object a broadcaster: addListener, removeListener, broadcastMessage and an empty list.
+void makeBroadcaster(Vm& vm, Object* object);
+/// Makes an object without a class and puts it on the global object under a name.
+Object* defineGlobalObject(Vm& vm, std::string_view name, std::span<const MemberInfo> members);
+
+// ---- arguments of natives ----
+inline double numberArg(Call& call, std::size_t index) { return toNumber(call.vm, call.arg(index)); }
+inline int intArg(Call& call, std::size_t index) { return toInt32(call.vm, call.arg(index)); }
+inline std::u16string textArg(Call& call, std::size_t index) { return toText(call.vm, call.arg(index)); }
+inline std::string utf8Arg(Call& call, std::size_t index)
+{
+    return StageBinding::toUtf8(toText(call.vm, call.arg(index)));
+}
+inline stage::Clip* selfClip(Call& call) { return StageBinding::of(call).clipOf(call.self.asObject()); }
+inline stage::Node* selfNode(Call& call) { return StageBinding::of(call).nodeOf(call.self.asObject()); }
+
+} // namespace flash::avm1

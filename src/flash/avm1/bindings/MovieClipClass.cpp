@@ -1,0 +1,623 @@
+#include "base/TextCodes.h"
+#include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/classes/Filters.h"
+#include "flash/stage/Drawing.h"
+#include "flash/stage/Graphics.h"
+
+#include <cmath>
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+/// The object's own enumerable properties go to a new instance before its scripts run.
+std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
+{
+    Object* source = call.arg(index).asObject();
+    if (!source) return {};
+    return [&vm = call.vm, source](stage::Node& node) {
+        Object* target = StageBinding::of(vm).objectOf(&node);
+        if (!target) return;
+        const std::vector<Name> names = source->enumerate(vm);
+        for (auto name = names.rbegin(); name != names.rend(); ++name)
+            target->put(vm, *name, source->get(vm, *name));
+    };
+}
+
+/// Depths that scripts may put things at. @returns nothing for others, which makes the call do nothing.
+std::optional<int> depthArg(Call& call, std::size_t index)
+{
+    const double depth = numberArg(call, index);
+    if (!(depth >= stage::kTimelineDepth && depth <= stage::kMaxScriptDepth + 1.0)) return {};
+    return static_cast<int>(depth);
+}
+
+Value attachMovie(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* clip = selfClip(call);
+    const auto depth = depthArg(call, 2);
+    if (!clip || !depth || !clip->movie()) return {};
+    const std::string name = utf8Arg(call, 0);
+    const std::optional<std::uint16_t> id = binding.stage().exportedCharacter(clip->movie(), name);
+    if (!id) return {};
+    const stage::NodePtr made =
+        clip->attach(clip->movie(), *id, *depth, utf8Arg(call, 1), [&](stage::Node& node) {
+            if (const auto init = initialiser(call, 3)) init(node);
+            if (stage::Clip* fresh = stage::asClip(&node)) binding.constructNow(*fresh);
+        });
+    return made ? Value(binding.objectOf(made.get())) : Value();
+}
+
+Value createEmptyMovieClip(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    const auto depth = depthArg(call, 1);
+    if (!clip || !depth) return {};
+    return StageBinding::of(call).objectOf(clip->attachEmpty(*depth, utf8Arg(call, 0)).get());
+}
+
+Value createTextField(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    const auto depth = depthArg(call, 1);
+    if (!clip || !depth) return {};
+    const double x = std::trunc(numberArg(call, 2)), y = std::trunc(numberArg(call, 3));
+    const double width = std::abs(std::trunc(numberArg(call, 4))),
+                 height = std::abs(std::trunc(numberArg(call, 5)));
+    const auto twips = [](double pixels) {
+        constexpr double kLargestPixels = 1e7;
+        return static_cast<std::int32_t>((pixels < kLargestPixels ? pixels : 0) * swf::kTwipsPerPixel);
+    };
+    const stage::NodePtr field =
+        clip->attachTextField(*depth, utf8Arg(call, 0), {0, twips(width), 0, twips(height)});
+    field->setX(x);
+    field->setY(y);
+    Object* object = StageBinding::of(call).objectOf(field.get());
+    return call.vm.version() >= 8 ? Value(object) : Value();
+}
+
+Value duplicateMovieClip(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    stage::Clip* parent = clip ? clip->parentClip() : nullptr;
+    const auto depth = depthArg(call, 1);
+    if (!parent || !depth) return {};
+    const stage::NodePtr copy = parent->duplicate(*clip, *depth, utf8Arg(call, 0), initialiser(call, 2));
+    return copy ? Value(StageBinding::of(call).objectOf(copy.get())) : Value();
+}
+
+Value removeMovieClip(Call& call)
+{
+    StageBinding::of(call).removeClip(call.self.asObject());
+    return {};
+}
+
+Value attachBitmap(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    Object* object = call.arg(0).asObject();
+    const auto depth = depthArg(call, 1);
+    if (!clip || !object || !depth) return {};
+    if (auto bitmap = StageBinding::of(call).bitmapOf(object)) {
+        const bool smooth = toBoolean(call.vm, call.arg(3));
+        const stage::NodePtr node = clip->attachBitmap(std::move(bitmap), *depth, smooth);
+    }
+    return {};
+}
+
+Value attachAudio(Call&) { return {}; }
+
+// ---- timeline ---------------------------------------------------------------------------------------------
+
+Value gotoAnd(Call& call, bool play)
+{
+    StageBinding& binding = StageBinding::of(call);
+    Object* self = call.self.asObject();
+    if (!binding.clipOf(self)) return {};
+    const Value where = call.arg(0);
+    if (where.isString()) {
+        const std::u16string label = toText(call.vm, where);
+        if (binding.gotoLabel(self, label, play)) return {};
+    }
+    const double number = toNumber(call.vm, where);
+    if (!std::isfinite(number)) return {};
+    const int frame = toInt32(number);
+    if (where.isString() && frame != number) return {};
+    // Frames count from 1 here; anything before the first does not go anywhere but obeys "and play".
+    if (frame < 1) {
+        if (play)
+            binding.play(self);
+        else
+            binding.stop(self);
+        return {};
+    }
+    binding.gotoFrame(self, frame - 1, play);
+    return {};
+}
+Value gotoAndPlay(Call& call) { return gotoAnd(call, true); }
+Value gotoAndStop(Call& call) { return gotoAnd(call, false); }
+Value play(Call& call)
+{
+    StageBinding::of(call).play(call.self.asObject());
+    return {};
+}
+Value stop(Call& call)
+{
+    StageBinding::of(call).stop(call.self.asObject());
+    return {};
+}
+Value nextFrame(Call& call)
+{
+    StageBinding::of(call).nextFrame(call.self.asObject());
+    return {};
+}
+Value prevFrame(Call& call)
+{
+    StageBinding::of(call).previousFrame(call.self.asObject());
+    return {};
+}
+
+// ---- geometry ---------------------------------------------------------------------------------------------
+
+Object* rectObject(Vm& vm, const swf::Rect& rect)
+{
+    Object* object = vm.newObject();
+    // What is empty reports the largest number there is in fixed point, minimum and maximum alike.
+    constexpr double kNothing = 6710886.35;
+    const auto value = [&](std::int32_t twips) {
+        return Value(rect.isEmpty() ? kNothing : twips / static_cast<double>(swf::kTwipsPerPixel));
+    };
+    object->define(vm, "yMax", value(rect.yMax));
+    object->define(vm, "yMin", value(rect.yMin));
+    object->define(vm, "xMax", value(rect.xMax));
+    object->define(vm, "xMin", value(rect.xMin));
+    return object;
+}
+
+Value boundsIn(Call& call, stage::Node::Extent extent)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* clip = selfClip(call);
+    if (!clip) return {};
+    stage::Node* space = clip;
+    if (call.count() > 0 && !call.arg(0).isUndefined()) {
+        Object* target = call.arg(0).asObject();
+        if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
+        space = binding.nodeOf(target);
+        if (!space) return {};
+    }
+    swf::Rect rect = clip->bounds(extent);
+    if (space != clip) {
+        const swf::Matrix toSpace = space->toStage().inverted() * clip->toStage();
+        rect = swf::mapBounds(toSpace, rect);
+    }
+    return rectObject(call.vm, rect);
+}
+Value getBounds(Call& call) { return boundsIn(call, stage::Node::Extent::WithStrokes); }
+Value getRect(Call& call) { return boundsIn(call, stage::Node::Extent::WithoutStrokes); }
+
+Value convertPoint(Call& call, bool toGlobal)
+{
+    stage::Clip* clip = selfClip(call);
+    Object* point = call.arg(0).asObject();
+    if (!clip || !point) return {};
+    Vm& vm = call.vm;
+    const Name x = vm.name(std::string_view("x")), y = vm.name(std::string_view("y"));
+    Value px, py;
+    if (!point->find(vm, x, px, Value(point)) || !point->find(vm, y, py, Value(point))) return {};
+    if (!px.isNumber() || !py.isNumber()) return {};
+    const swf::Matrix matrix = toGlobal ? clip->toStage() : clip->toStage().inverted();
+    constexpr double kTwips = swf::kTwipsPerPixel;
+    const swf::Point mapped = matrix.map(std::trunc(px.number() * kTwips), std::trunc(py.number() * kTwips));
+    point->put(vm, x, Value(std::round(mapped.x) / kTwips));
+    point->put(vm, y, Value(std::round(mapped.y) / kTwips));
+    return {};
+}
+Value localToGlobal(Call& call) { return convertPoint(call, true); }
+Value globalToLocal(Call& call) { return convertPoint(call, false); }
+
+Value hitTest(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* clip = selfClip(call);
+    if (!clip) return call.vm.version() >= 5 ? Value(false) : Value();
+    if (call.count() > 1) {
+        const double x = numberArg(call, 0), y = numberArg(call, 1);
+        if (!std::isfinite(x) || !std::isfinite(y)) return Value(false);
+        const swf::Point point{x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel};
+        if (toBoolean(call.vm, call.arg(2))) return Value(clip->hitsShape(point));
+        const swf::Rect rect = swf::mapBounds(clip->toStage(), clip->bounds());
+        return Value(!rect.isEmpty() && point.x >= rect.xMin && point.x <= rect.xMax &&
+                     point.y >= rect.yMin && point.y <= rect.yMax);
+    }
+    if (call.count() == 0) return Value(false);
+    Object* target = call.arg(0).asObject();
+    if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
+    stage::Node* other = binding.nodeOf(target);
+    if (!other) return Value(false);
+    const swf::Rect a = swf::mapBounds(clip->toStage(), clip->bounds());
+    const swf::Rect b = swf::mapBounds(other->toStage(), other->bounds());
+    if (a.isEmpty() || b.isEmpty()) return Value(false);
+    return Value(!swf::intersect(a, b).isEmpty());
+}
+
+// ---- depths -----------------------------------------------------------------------------------------------
+
+Value swapDepths(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* clip = selfClip(call);
+    stage::Clip* parent = clip ? clip->parentClip() : nullptr;
+    if (!parent || call.count() == 0) return {};
+    Object* target = call.arg(0).asObject();
+    if (!target && call.arg(0).isString())
+        target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
+    if (stage::Node* other = binding.nodeOf(target)) {
+        if (other->parentClip() == parent) parent->swapDepths(*clip, other->depth());
+        return {};
+    }
+    if (const auto depth = depthArg(call, 0)) parent->swapDepths(*clip, *depth);
+    return {};
+}
+
+Value getDepth(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    return node ? Value(node->depth()) : Value();
+}
+
+Value getNextHighestDepth(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    return clip ? Value(clip->nextHighestDepth()) : Value();
+}
+
+Value getInstanceAtDepth(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* clip = selfClip(call);
+    if (!clip) return {};
+    stage::Node* node = clip->childAt(intArg(call, 0));
+    if (!node) return {};
+    Object* object = binding.objectOf(node);
+    return object ? Value(object) : call.self;
+}
+
+// ---- dragging, masks, loading -----------------------------------------------------------------------------
+
+Value startDrag(Call& call)
+{
+    DragRequest request;
+    request.clip = call.self.asObject();
+    request.lockCenter = toBoolean(call.vm, call.arg(0));
+    request.constrained = call.count() > 4;
+    request.left = numberArg(call, 1);
+    request.top = numberArg(call, 2);
+    request.right = numberArg(call, 3);
+    request.bottom = numberArg(call, 4);
+    StageBinding::of(call).startDrag(request);
+    return {};
+}
+Value stopDrag(Call& call)
+{
+    StageBinding::of(call).endDrag();
+    return {};
+}
+
+Value setMask(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* clip = selfClip(call);
+    if (!clip) return {};
+    if (call.arg(0).isNullish()) {
+        clip->setMask(nullptr);
+        return Value(true);
+    }
+    Object* target = call.arg(0).asObject();
+    if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
+    stage::Clip* mask = binding.clipOf(target);
+    if (!mask) return Value(false);
+    clip->setMask(mask);
+    return Value(true);
+}
+
+UrlRequest::Method methodArg(Call& call, std::size_t index)
+{
+    if (call.arg(index).isUndefined()) return UrlRequest::Method::None;
+    const std::u16string method = Names::fold(textArg(call, index));
+    if (method == u"get") return UrlRequest::Method::Get;
+    if (method == u"post") return UrlRequest::Method::Post;
+    return UrlRequest::Method::None;
+}
+
+void requestFor(Call& call, UrlRequest::Kind kind, std::size_t methodIndex)
+{
+    Object* self = call.self.asObject();
+    if (!selfClip(call)) return;
+    UrlRequest request;
+    request.kind = kind;
+    request.method = methodArg(call, methodIndex);
+    if (kind != UrlRequest::Kind::MovieIntoClip || call.count() > 0) request.url = textArg(call, 0);
+    if (kind == UrlRequest::Kind::Page && call.count() > 1) request.window = textArg(call, 1);
+    request.target = self;
+    request.sender = self;
+    StageBinding::of(call).requestUrl(request);
+}
+Value loadMovie(Call& call)
+{
+    requestFor(call, UrlRequest::Kind::MovieIntoClip, 1);
+    return {};
+}
+Value loadVariables(Call& call)
+{
+    requestFor(call, UrlRequest::Kind::Variables, 1);
+    return {};
+}
+Value getUrl(Call& call)
+{
+    requestFor(call, UrlRequest::Kind::Page, 2);
+    return {};
+}
+Value unloadMovie(Call& call)
+{
+    if (stage::Clip* clip = selfClip(call)) StageBinding::of(call).stage().unloadClip(*clip);
+    return {};
+}
+Value getBytesLoaded(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    return clip ? Value(static_cast<double>(clip->bytesLoaded())) : Value();
+}
+Value getBytesTotal(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    return clip ? Value(static_cast<double>(clip->bytesTotal())) : Value();
+}
+Value getSwfVersion(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    if (!clip) return Value(-1);
+    return Value(clip->movie() ? static_cast<int>(clip->movie()->header.version) : -1);
+}
+
+Value getTextSnapshot(Call& call)
+{
+    stage::Clip* clip = selfClip(call);
+    if (!clip) return {};
+    std::string all;
+    for (const stage::NodePtr& child : clip->children())
+        if (child->kind() == stage::NodeKind::StaticText)
+            all += static_cast<stage::StaticTextNode&>(*child).text();
+    Object* snapshot = call.vm.newObject();
+    snapshot->define(call.vm, "text", StageBinding::of(call).utf8(all), kBuiltIn);
+    static constexpr MemberInfo kMembers[] = {
+        {"getCount", 0, 0,
+         [](Call& c) -> Value {
+             return Value(static_cast<double>(
+                 toText(c.vm, c.self.asObject()->get(c.vm, c.vm.name(std::string_view("text")))).size()));
+         }},
+        {"getText", 2, 0,
+         [](Call& c) -> Value {
+             const std::u16string text =
+                 toText(c.vm, c.self.asObject()->get(c.vm, c.vm.name(std::string_view("text"))));
+             const auto from = static_cast<std::size_t>(std::max(0, intArg(c, 0)));
+             const auto to = std::min(static_cast<std::size_t>(std::max(0, intArg(c, 1))), text.size());
+             return c.vm.string(from < to ? text.substr(from, to - from) : std::u16string());
+         }},
+    };
+    call.vm.addMembers(snapshot, kMembers);
+    return snapshot;
+}
+
+// ---- properties of version 8 ------------------------------------------------------------------------------
+
+constexpr const char* kBlendNames[] = {"normal", "layer",      "multiply", "screen",   "lighten",
+                                       "darken", "difference", "add",      "subtract", "invert",
+                                       "alpha",  "erase",      "overlay",  "hardlight"};
+
+Value getBlendMode(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    if (!node) return {};
+    const auto index = static_cast<std::size_t>(node->blend());
+    return call.vm.string(std::string_view(kBlendNames[index >= 1 && index <= 14 ? index - 1 : 0]));
+}
+Value setBlendMode(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    if (!node) return {};
+    if (call.arg(0).isNumber()) {
+        const int index = intArg(call, 0);
+        if (index >= 1 && index <= 14) node->setBlend(static_cast<swf::BlendMode>(index));
+        return {};
+    }
+    const std::u16string name = textArg(call, 0);
+    for (std::size_t i = 0; i < std::size(kBlendNames); ++i)
+        if (base::utf16FromUtf8(kBlendNames[i]) == name) node->setBlend(static_cast<swf::BlendMode>(i + 1));
+    return {};
+}
+Value getCacheAsBitmap(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    return node ? Value(node->cacheAsBitmap() || !node->filters().empty()) : Value();
+}
+Value setCacheAsBitmap(Call& call)
+{
+    if (stage::Node* node = selfNode(call)) node->setCacheAsBitmap(toBoolean(call.vm, call.arg(0)));
+    return {};
+}
+Value getOpaqueBackground(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    if (!node || !node->opaqueBackground()) return {};
+    const swf::Rgba c = *node->opaqueBackground();
+    return Value(c.r * 65536 + c.g * 256 + c.b);
+}
+Value setOpaqueBackground(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    if (!node) return {};
+    if (call.arg(0).isNullish()) {
+        node->setOpaqueBackground({});
+        return {};
+    }
+    const int rgb = intArg(call, 0);
+    node->setOpaqueBackground(swf::Rgba{static_cast<std::uint8_t>(rgb >> 16),
+                                        static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb),
+                                        255});
+    return {};
+}
+
+Object* newRectangle(Vm& vm, double x, double y, double width, double height)
+{
+    Object* package = vm.global()->get(vm, vm.name(std::string_view("flash"))).asObject();
+    package = package ? package->get(vm, vm.name(std::string_view("geom"))).asObject() : nullptr;
+    const Value rectangle = package ? package->get(vm, vm.name(std::string_view("Rectangle"))) : Value();
+    const Value args[] = {Value(x), Value(y), Value(width), Value(height)};
+    return vm.construct(rectangle, args).asObject();
+}
+
+std::optional<swf::Rect> rectangleArg(Call& call)
+{
+    Object* object = call.arg(0).asObject();
+    if (!object) return {};
+    const auto number = [&](const char* name) {
+        return toNumber(call.vm, object->get(call.vm, call.vm.name(std::string_view(name))));
+    };
+    const double x = number("x"), y = number("y"), width = number("width"), height = number("height");
+    constexpr double kLargest = 1e7;
+    for (const double n : {x, y, width, height})
+        if (!(std::abs(n) < kLargest)) return {};
+    const auto twips = [](double pixels) { return static_cast<std::int32_t>(std::lround(pixels * 20)); };
+    return swf::Rect{twips(x), twips(x + width), twips(y), twips(y + height)};
+}
+Value rectangleOf(Call& call, const std::optional<swf::Rect>& rect)
+{
+    if (!rect) return {};
+    return newRectangle(call.vm, rect->xMin / 20.0, rect->yMin / 20.0, rect->width() / 20.0,
+                        rect->height() / 20.0);
+}
+Value getScrollRect(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    return node ? rectangleOf(call, node->scrollRect()) : Value();
+}
+Value setScrollRect(Call& call)
+{
+    if (stage::Node* node = selfNode(call)) node->setScrollRect(rectangleArg(call));
+    return {};
+}
+Value getScalingGrid(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    return node ? rectangleOf(call, node->scalingGrid()) : Value();
+}
+Value setScalingGrid(Call& call)
+{
+    if (stage::Node* node = selfNode(call)) node->setScalingGrid(rectangleArg(call));
+    return {};
+}
+
+Value getFilters(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    return node ? filtersToValue(call.vm, node->filters()) : Value();
+}
+Value setFilters(Call& call)
+{
+    if (stage::Node* node = selfNode(call)) node->setFilters(filtersFromValue(call.vm, call.arg(0)));
+    return {};
+}
+
+Value construct(Call&) { return {}; }
+
+// clang-format off
+constexpr MemberInfo kMembers[] = {
+    {"attachMovie",          3, 0,     &attachMovie},
+    {"swapDepths",           1, 0,     &swapDepths},
+    {"localToGlobal",        1, 0,     &localToGlobal},
+    {"globalToLocal",        1, 0,     &globalToLocal},
+    {"hitTest",              1, 0,     &hitTest},
+    {"getBounds",            0, 0,     &getBounds},
+    {"getBytesTotal",        0, 0,     &getBytesTotal},
+    {"getBytesLoaded",       0, 0,     &getBytesLoaded},
+    {"attachAudio",          1, kFrom6, &attachAudio},
+    {"attachVideo",          0, kFrom6, &attachAudio},
+    {"getDepth",             0, kFrom6, &getDepth},
+    {"setMask",              1, kFrom6, &setMask},
+    {"play",                 0, 0,     &play},
+    {"stop",                 0, 0,     &stop},
+    {"nextFrame",            0, 0,     &nextFrame},
+    {"prevFrame",            0, 0,     &prevFrame},
+    {"gotoAndPlay",          1, 0,     &gotoAndPlay},
+    {"gotoAndStop",          1, 0,     &gotoAndStop},
+    {"duplicateMovieClip",   2, 0,     &duplicateMovieClip},
+    {"removeMovieClip",      0, 0,     &removeMovieClip},
+    {"startDrag",            0, 0,     &startDrag},
+    {"stopDrag",             0, 0,     &stopDrag},
+    {"getURL",               1, 0,     &getUrl},
+    {"loadMovie",            1, 0,     &loadMovie},
+    {"loadVariables",        1, 0,     &loadVariables},
+    {"unloadMovie",          0, 0,     &unloadMovie},
+    {"createEmptyMovieClip", 2, kFrom6, &createEmptyMovieClip},
+    {"createTextField",      6, kFrom6, &createTextField},
+    {"getNextHighestDepth",  0, kFrom7, &getNextHighestDepth},
+    {"getInstanceAtDepth",   1, kFrom7, &getInstanceAtDepth},
+    {"getSWFVersion",        0, kFrom7, &getSwfVersion},
+    {"getTextSnapshot",      0, kFrom6, &getTextSnapshot},
+    {"attachBitmap",         2, kFrom8, &attachBitmap},
+    {"getRect",              0, kFrom8, &getRect},
+};
+constexpr AccessorInfo kAccessors[] = {
+    {"blendMode",        kFrom8, &getBlendMode,        &setBlendMode},
+    {"cacheAsBitmap",    kFrom8, &getCacheAsBitmap,    &setCacheAsBitmap},
+    {"opaqueBackground", kFrom8, &getOpaqueBackground, &setOpaqueBackground},
+    {"scrollRect",       kFrom8, &getScrollRect,       &setScrollRect},
+    {"filters",          kFrom8, &getFilters,          &setFilters},
+    {"scale9Grid",       kFrom8, &getScalingGrid,      &setScalingGrid},
+};
+// clang-format on
+
+Value registerClass(Call& call)
+{
+    const Value constructor = call.arg(1);
+    Function* function = constructor.isObject() ? constructor.object()->asFunction() : nullptr;
+    if (!function && !constructor.isNullish()) return Value(false);
+    StageBinding::of(call).registerClass(textArg(call, 0), function);
+    return Value(true);
+}
+
+} // namespace
+
+void installMovieClip(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    Function* constructor = vm.defineClass("MovieClip", &construct, kMembers);
+    Object* prototype = vm.prototypeOf(constructor);
+    vm.addAccessors(prototype, kAccessors);
+    prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
+    prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
+    installMovieClipDrawing(binding, prototype);
+    if (Object* object = vm.global()->get(vm, vm.name(std::string_view("Object"))).asObject()) {
+        static constexpr MemberInfo kObjectMembers[] = {{"registerClass", 2, 0, &registerClass}};
+        vm.addMembers(object, kObjectMembers);
+    }
+}
+
+void installButton(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    static constexpr MemberInfo kButtonMembers[] = {{"getDepth", 0, kFrom6, &getDepth}};
+    for (const char* name : {"Button", "Video"}) {
+        Object* prototype = vm.prototypeOf(vm.defineClass(name, &construct, kButtonMembers));
+        vm.addAccessors(prototype, kAccessors);
+        if (std::string_view(name) != "Button") continue;
+        prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
+        prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
+    }
+}
+
+} // namespace flash::avm1

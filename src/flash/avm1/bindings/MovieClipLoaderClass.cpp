@@ -1,0 +1,148 @@
+#include "flash/avm1/bindings/Classes.h"
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+/// Tells a MovieClipLoader's listeners how a load goes.
+class Reporter final : public stage::Stage::LoadListener
+{
+public:
+    Reporter(StageBinding& binding, Object* loader)
+        : m_binding(binding), m_loader(binding.vm().heap(), loader)
+    {
+    }
+
+    void started(stage::Clip& clip) override { tell("onLoadStart", {Value(m_binding.objectOf(&clip))}); }
+    void progressed(stage::Clip& clip, std::size_t loaded, std::size_t total) override
+    {
+        tell("onLoadProgress", {Value(m_binding.objectOf(&clip)), Value(static_cast<double>(loaded)),
+                                Value(static_cast<double>(total))});
+    }
+    void completed(stage::Clip& clip) override
+    {
+        tell("onLoadComplete", {Value(m_binding.objectOf(&clip)), Value(0)});
+    }
+    void initialized(stage::Clip& clip) override { tell("onLoadInit", {Value(m_binding.objectOf(&clip))}); }
+    void failed(stage::Clip& clip, std::string_view error) override
+    {
+        tell("onLoadError",
+             {Value(m_binding.objectOf(&clip)), Value(m_binding.vm().string(error)), Value(0)});
+    }
+
+private:
+    void tell(std::string_view message, std::initializer_list<Value> args)
+    {
+        Vm& vm = m_binding.vm();
+        stage::Stage& stage = m_binding.stage();
+        const Vm::VersionScope scope(vm, stage.movie() ? std::max<int>(stage.movie()->header.version, 6) : 7);
+        std::vector<Value> all;
+        all.emplace_back(vm.string(message));
+        all.insert(all.end(), args.begin(), args.end());
+        vm.callMethod(m_loader.get(), vm.name(std::string_view("broadcastMessage")), all);
+        stage.runQueue();
+    }
+    StageBinding& m_binding;
+    Root<Object> m_loader;
+};
+
+/// Where a load goes to: a clip, or a level by number or name.
+struct Target {
+    stage::Clip* clip = nullptr;
+    int level = -1;
+};
+
+Target targetArg(Call& call, std::size_t index)
+{
+    StageBinding& binding = StageBinding::of(call);
+    const Value value = call.arg(index);
+    Target target;
+    if (value.isObject()) {
+        target.clip = binding.clipOf(value.object());
+        return target;
+    }
+    if (value.isNumber()) {
+        target.level = toInt32(call.vm, value);
+        return target;
+    }
+    const std::u16string path = toText(call.vm, value);
+    Object* base = call.vm.target();
+    if (!base) base = binding.level(0);
+    target.clip = binding.clipOf(call.vm.resolveTarget(base, path));
+    if (!target.clip && path.starts_with(u"_level") && path.size() > 6)
+        target.level = toInt32(parseNumber(std::u16string_view(path).substr(6), 7));
+    return target;
+}
+
+Value loadClip(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    Object* self = call.self.asObject();
+    if (!self || !call.arg(0).isString()) return Value(false);
+    const Target target = targetArg(call, 1);
+    if (!target.clip && target.level < 0) return Value(false);
+    stage::Clip* sender = binding.clipOf(call.vm.target());
+    stage::LoadRequest request;
+    request.url = utf8Arg(call, 0);
+    request.baseUrl = sender ? sender->url() : binding.stage().url();
+    auto reporter = std::make_shared<Reporter>(binding, self);
+    if (target.clip)
+        binding.stage().loadIntoClip(*target.clip, std::move(request), std::move(reporter));
+    else
+        binding.stage().loadIntoLevel(target.level, std::move(request), std::move(reporter));
+    return Value(true);
+}
+
+Value unloadClip(Call& call)
+{
+    const Target target = targetArg(call, 0);
+    stage::Stage& stage = StageBinding::of(call).stage();
+    if (target.clip)
+        stage.unloadClip(*target.clip);
+    else if (target.level >= 0)
+        stage.unloadLevel(target.level);
+    else
+        return Value(false);
+    return Value(true);
+}
+
+Value getProgress(Call& call)
+{
+    const Target target = targetArg(call, 0);
+    if (!target.clip) return {};
+    Object* progress = call.vm.newObject();
+    progress->define(call.vm, "bytesLoaded", Value(static_cast<double>(target.clip->bytesLoaded())));
+    progress->define(call.vm, "bytesTotal", Value(static_cast<double>(target.clip->bytesTotal())));
+    return progress;
+}
+
+Value construct(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (!self) return {};
+    // Listens to itself.
+    const Value own[] = {Value(self)};
+    self->define(call.vm, "_listeners", Value(call.vm.newArray(own)), kDontEnum);
+    return {};
+}
+
+// clang-format off
+constexpr MemberInfo kMembers[] = {
+    {"loadClip",    2, kFrom7, &loadClip},
+    {"getProgress", 1, kFrom7, &getProgress},
+    {"unloadClip",  1, kFrom7, &unloadClip},
+};
+// clang-format on
+
+} // namespace
+
+void installMovieClipLoader(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    Function* constructor = vm.defineClass("MovieClipLoader", &construct, kMembers, kFrom7);
+    makeBroadcaster(vm, vm.prototypeOf(constructor));
+}
+
+} // namespace flash::avm1

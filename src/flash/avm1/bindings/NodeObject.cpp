@@ -1,0 +1,182 @@
+#include "flash/avm1/bindings/NodeObject.h"
+
+#include "base/TextCodes.h"
+#include "flash/avm1/bindings/StageBinding.h"
+#include "flash/stage/Button.h"
+
+namespace flash::avm1
+{
+
+NodeObject::NodeObject(StageBinding& binding, stage::NodePtr node, Object& self)
+    : m_binding(binding), m_node(std::move(node))
+{
+    m_node->peer = &self;
+}
+
+NodeObject::~NodeObject() { m_node->peer = nullptr; }
+
+void NodeObject::keepPath() { m_path = m_node->dotPath(); }
+
+stage::Node* NodeObject::live()
+{
+    if (!m_node->isRemoved()) return m_node.get();
+    if (m_path.empty() || m_node->kind() != stage::NodeKind::Clip) return nullptr;
+    // A script's reference to a clip is by its path: another clip of that name takes the place of one that
+    // has gone.
+    stage::Stage& stage = m_binding.stage();
+    std::string_view rest = m_path;
+    constexpr std::string_view kLevel = "_level";
+    rest.remove_prefix(kLevel.size());
+    const std::size_t dot = std::min(rest.find('.'), rest.size());
+    stage::Clip* clip = stage.level(std::atoi(std::string(rest.substr(0, dot)).c_str()));
+    rest.remove_prefix(dot);
+    while (clip && !rest.empty()) {
+        rest.remove_prefix(1);
+        const std::size_t end = std::min(rest.find('.'), rest.size());
+        clip = stage::asClip(clip->childByName(rest.substr(0, end), stage::Clip::Case::Sensitive));
+        rest.remove_prefix(end);
+    }
+    return clip;
+}
+
+std::string_view NodeObject::typeOf() const
+{
+    return m_node->kind() == stage::NodeKind::Clip ? "movieclip" : "object";
+}
+
+bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
+{
+    stage::Node* node = live();
+    if (!node) return false;
+    const std::u16string_view text = name.view();
+    if (text.empty()) return false;
+    if (stage::Clip* clip = stage::asClip(node)) {
+        const auto sensitivity =
+            vm.isCaseSensitive() ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive;
+        if (!clip->children().empty()) {
+            if (stage::Node* child = clip->childByName(base::utf8FromUtf16(text), sensitivity)) {
+                // Scripts cannot name what is only drawn; they get the clip it lies in.
+                Object* object = m_binding.objectOf(child);
+                result = object ? Value(object) : Value(m_binding.objectOf(clip));
+                return true;
+            }
+        }
+    }
+    if (text[0] != u'_') return false;
+    if (const std::optional<int> index = m_binding.propertyIndex(name)) {
+        result = m_binding.propertyOf(*node, *index);
+        return true;
+    }
+    Object* self = m_binding.objectOf(node);
+    const std::u16string folded = Names::fold(text);
+    if (folded == u"_root") {
+        result = m_binding.root(self);
+        return true;
+    }
+    if (folded == u"_parent") {
+        Object* parent = m_binding.parent(self);
+        if (!parent) return false;
+        result = parent;
+        return true;
+    }
+    if (folded == u"_lockroot") {
+        stage::Clip* clip = stage::asClip(node);
+        if (!clip) return false;
+        result = clip->lockRoot;
+        return true;
+    }
+    if (folded.starts_with(u"_level") || folded.starts_with(u"_flash")) {
+        const std::u16string_view digits = std::u16string_view(folded).substr(6);
+        int number = 0;
+        for (const char16_t c : digits) {
+            if (c < u'0' || c > u'9' || number > 100'000'000) return false;
+            number = number * 10 + (c - u'0');
+        }
+        if (digits.empty()) return false;
+        Object* level = m_binding.level(number);
+        if (!level) return false;
+        result = level;
+        return true;
+    }
+    return false;
+}
+
+bool NodeObject::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
+{
+    if (self.getPlain(vm, name, receiver, result)) return true;
+    return lookUp(vm, name, result);
+}
+
+// Some properties are plain values to scripts that the stage has to know of.
+void NodeObject::noteScriptSetting(Vm& vm, Name name, Value value)
+{
+    stage::Node* node = live();
+    if (!node) return;
+    const std::u16string_view text = name.view();
+    stage::Clip* clip = stage::asClip(node);
+    const auto flag = [&] { return toBoolean(vm, value); };
+    if (text == u"tabIndex") {
+        if (value.isNullish())
+            node->tabIndex.reset();
+        else
+            node->tabIndex = toInt32(vm, value);
+    } else if (text == u"tabEnabled") {
+        node->tabEnabled = value.isUndefined() ? std::optional<bool>() : flag();
+    } else if (text == u"useHandCursor") {
+        if (clip) clip->useHandCursor = flag();
+        if (node->kind() == stage::NodeKind::Button)
+            static_cast<stage::Button*>(node)->useHandCursor = flag();
+    } else if (text == u"trackAsMenu") {
+        if (clip) clip->trackAsMenu = flag();
+        if (node->kind() == stage::NodeKind::Button) static_cast<stage::Button*>(node)->trackAsMenu = flag();
+    } else if (clip && text == u"focusEnabled") {
+        clip->focusEnabled = value.isUndefined() ? std::optional<bool>() : flag();
+    } else if (clip && text == u"tabChildren") {
+        clip->tabChildren = value.isUndefined() ? std::optional<bool>() : flag();
+    } else if (clip && text == u"hitArea") {
+        clip->setHitArea(m_binding.nodeOf(value.asObject()));
+    }
+}
+
+void NodeObject::putOwn(Vm& vm, Object& self, Name name, Value value)
+{
+    const std::u16string_view text = name.view();
+    if (!text.empty() && text[0] == u'_') {
+        stage::Node* node = live();
+        if (const std::optional<int> index = m_binding.propertyIndex(name)) {
+            if (node) m_binding.setPropertyOf(*node, *index, value);
+            return;
+        }
+        if (stage::Clip* clip = stage::asClip(node); clip && Names::fold(text) == u"_lockroot") {
+            clip->lockRoot = toBoolean(vm, value);
+            return;
+        }
+    }
+    self.putPlain(vm, name, value);
+    noteScriptSetting(vm, name, value);
+}
+
+bool NodeObject::hasOwn(Vm& vm, Object& self, Name name)
+{
+    Value ignored;
+    return self.hasPlain(vm, name) || lookUp(vm, name, ignored);
+}
+
+bool NodeObject::deleteOwn(Vm& vm, Object& self, Name name) { return self.deletePlain(vm, name); }
+
+void NodeObject::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
+{
+    if (stage::Clip* clip = stage::asClip(live()))
+        for (const stage::NodePtr& child : clip->children())
+            if (!child->name().empty() && !child->isUnloading() && m_binding.objectOf(child.get()))
+                names.add(vm.name(std::u16string_view(base::utf16FromUtf8(child->name()))));
+    self.enumeratePlain(names);
+}
+
+Value NodeObject::primitive(Vm&, Object&)
+{
+    stage::Node* node = live();
+    return m_binding.utf8(node ? node->dotPath() : std::string());
+}
+
+} // namespace flash::avm1

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "flash/avm1/Object.h"
+#include "flash/stage/Node.h"
+
+namespace flash::avm1
+{
+
+class StageBinding;
+
+/// The native side of a clip, button or text field: its children and its properties by name show up among the
+/// object's own.
+class NodeObject final : public Native
+{
+public:
+    static constexpr char kTag = 0;
+
+    NodeObject(StageBinding& binding, stage::NodePtr node, Object& self);
+    ~NodeObject() override;
+
+    [[nodiscard]] const stage::NodePtr& node() const { return m_node; }
+    /// The instance or, when it is gone, the clip that stands at its path now; may be null.
+    [[nodiscard]] stage::Node* live();
+    /// Remembers the path of an instance that is about to go.
+    void keepPath();
+
+    [[nodiscard]] const void* tag() const override { return &kTag; }
+    [[nodiscard]] std::string_view typeOf() const override;
+    [[nodiscard]] bool hasHooks() const override { return true; }
+    bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result) override;
+    void putOwn(Vm& vm, Object& self, Name name, Value value) override;
+    bool hasOwn(Vm& vm, Object& self, Name name) override;
+    bool deleteOwn(Vm& vm, Object& self, Name name) override;
+    void enumerateOwn(Vm& vm, Object& self, NameCollector& names) override;
+    Value primitive(Vm& vm, Object& self) override;
+
+private:
+    bool lookUp(Vm& vm, Name name, Value& result);
+    void noteScriptSetting(Vm& vm, Name name, Value value);
+    StageBinding& m_binding;
+    stage::NodePtr m_node;
+    std::string m_path; ///< once the instance is gone
+};
+
+} // namespace flash::avm1

@@ -1,0 +1,382 @@
+#include "flash/avm1/bindings/StageBinding.h"
+
+#include "base/TextCodes.h"
+#include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/bindings/NodeObject.h"
+#include "flash/stage/Button.h"
+#include "flash/stage/TextField.h"
+
+#include <array>
+#include <cmath>
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+// By number, as the actions GetProperty and SetProperty have them.
+constexpr const char* kPropertyNames[] = {
+    "_x",          "_y",     "_xscale",      "_yscale",    "_currentframe", "_totalframes",  "_alpha",
+    "_visible",    "_width", "_height",      "_rotation",  "_target",       "_framesloaded", "_name",
+    "_droptarget", "_url",   "_highquality", "_focusrect", "_soundbuftime", "_quality",      "_xmouse",
+    "_ymouse"};
+
+// In the order of stage::Event; null for what scripts have no handler for.
+constexpr const char* kHandlerNames[] = {
+    "onLoad",     "onEnterFrame", "onUnload",   "onMouseMove", "onMouseDown", "onMouseUp", "onKeyDown",
+    "onKeyUp",    "onData",       nullptr,      nullptr,       "onPress",     "onRelease", "onReleaseOutside",
+    "onRollOver", "onRollOut",    "onDragOver", "onDragOut",   nullptr};
+
+} // namespace
+
+struct StageBinding::State {
+    std::unordered_map<NameText*, int> propertyByFolded;
+    std::array<Name, std::size(kHandlerNames)> handlers;
+    Name enabled;
+    std::vector<NameText*> keptNames;
+    std::unordered_map<std::u16string, Function*> classes;
+    std::unordered_map<stage::SoundId, Object*> sounds; // whose end is waited for
+    Object* movieClip = nullptr;                        // prototypes
+    Object* button = nullptr;
+    Object* textField = nullptr;
+    Object* video = nullptr;
+};
+
+StageBinding::StageBinding(stage::Services services, BindingInputs inputs)
+    : m_services(services), m_inputs(std::move(inputs))
+{
+    reset();
+}
+
+StageBinding::~StageBinding() = default;
+
+void StageBinding::attach(stage::Stage& stage) { m_stage = &stage; }
+
+void StageBinding::reset()
+{
+    m_state.reset();
+    m_vm.reset();
+    m_random = m_inputs.randomSeed;
+    m_vm = std::make_unique<Vm>(*this);
+    m_state = std::make_unique<State>();
+    m_vm->heap().addRootSource([this](Tracer& tracer) { traceNodes(tracer); });
+    for (std::size_t i = 0; i < std::size(kPropertyNames); ++i) {
+        const Name name = m_vm->name(std::string_view(kPropertyNames[i]));
+        m_state->propertyByFolded.emplace(name.folded().cell(), static_cast<int>(i));
+        m_state->keptNames.push_back(name.cell());
+    }
+    for (std::size_t i = 0; i < std::size(kHandlerNames); ++i) {
+        if (!kHandlerNames[i]) continue;
+        m_state->handlers[i] = m_vm->name(std::string_view(kHandlerNames[i]));
+        m_state->keptNames.push_back(m_state->handlers[i].cell());
+    }
+    m_state->enabled = m_vm->name(std::string_view("enabled"));
+    m_state->keptNames.push_back(m_state->enabled.cell());
+    installClasses();
+}
+
+void StageBinding::installClasses()
+{
+    installBroadcaster(*this);
+    installMovieClip(*this);
+    installButton(*this);
+    installKey(*this);
+    installMouse(*this);
+    installSelection(*this);
+    installStage(*this);
+    installColor(*this);
+    installSound(*this);
+    installTextField(*this);
+    installLoadVars(*this);
+    installMovieClipLoader(*this);
+    const auto prototype = [this](const char* name) -> Object* {
+        Object* constructor = m_vm->global()->get(*m_vm, m_vm->name(std::string_view(name))).asObject();
+        return constructor ? m_vm->prototypeOf(constructor) : nullptr;
+    };
+    m_state->movieClip = prototype("MovieClip");
+    m_state->button = prototype("Button");
+    m_state->textField = prototype("TextField");
+    m_state->video = prototype("Video");
+}
+
+void StageBinding::traceNodes(Tracer& tracer)
+{
+    for (NameText* name : m_state->keptNames) tracer(name);
+    for (const auto& [name, constructor] : m_state->classes) tracer(constructor);
+    for (const auto& [id, object] : m_state->sounds) tracer(object);
+    tracer(m_state->movieClip);
+    tracer(m_state->button);
+    tracer(m_state->textField);
+    tracer(m_state->video);
+    if (!m_stage) return;
+    const auto visit = [&](auto&& self, stage::Node& node) -> void {
+        tracer(static_cast<Object*>(node.peer));
+        for (const stage::NodePtr& child : node.children()) self(self, *child);
+    };
+    for (const auto& [number, root] : m_stage->levels()) visit(visit, *root);
+    for (const auto& clip : m_stage->clips()) tracer(static_cast<Object*>(clip->peer));
+}
+
+StageBinding& StageBinding::of(Call& call) { return of(call.vm); }
+StageBinding& StageBinding::of(Vm& vm) { return static_cast<StageBinding&>(vm.host()); }
+
+Value StageBinding::utf8(std::string_view text) { return m_vm->string(base::utf16FromUtf8(text)); }
+std::string StageBinding::toUtf8(std::u16string_view text) { return base::utf8FromUtf16(text); }
+
+Object* StageBinding::objectOf(stage::Node* node)
+{
+    if (!node) return nullptr;
+    if (node->peer) return static_cast<Object*>(node->peer);
+    Object* prototype = nullptr;
+    switch (node->kind()) {
+    case stage::NodeKind::Clip: prototype = m_state->movieClip; break;
+    case stage::NodeKind::Button: prototype = m_state->button; break;
+    case stage::NodeKind::TextField: prototype = m_state->textField; break;
+    case stage::NodeKind::Video: prototype = m_state->video; break;
+    case stage::NodeKind::Shape:
+    case stage::NodeKind::Morph:
+    case stage::NodeKind::StaticText:
+    case stage::NodeKind::Bitmap: return nullptr;
+    }
+    Object* object = m_vm->newObject(prototype);
+    object->attachNew<NodeObject>(*this, node->shared_from_this(), *object);
+    return object;
+}
+
+stage::Node* StageBinding::nodeOf(Object* object)
+{
+    NodeObject* native = object ? object->native<NodeObject>() : nullptr;
+    return native ? native->live() : nullptr;
+}
+
+stage::Clip* StageBinding::clipOf(Object* object) { return stage::asClip(nodeOf(object)); }
+
+std::optional<int> StageBinding::propertyIndex(Name name)
+{
+    const auto found = m_state->propertyByFolded.find(name.folded().cell());
+    if (found == m_state->propertyByFolded.end()) return {};
+    return found->second;
+}
+
+void StageBinding::registerClass(std::u16string name, Function* constructor)
+{
+    if (constructor)
+        m_state->classes[std::move(name)] = constructor;
+    else
+        m_state->classes.erase(name);
+}
+
+void StageBinding::callHandler(Object* object, std::string_view handler, std::initializer_list<Value> args)
+{
+    if (object) m_vm->callMethod(object, handler, args);
+}
+
+// ---- stage::ScriptHost ------------------------------------------------------------------------------------
+
+void StageBinding::runActions(stage::Clip& target, const stage::MoviePtr& movie,
+                              const swf::ActionBlock& block)
+{
+    if (!movie) return;
+    m_vm->run(movie, block, movie->header.version, objectOf(&target));
+}
+
+Name StageBinding::handlerName(stage::Event event)
+{
+    return m_state->handlers[static_cast<std::size_t>(event)];
+}
+
+bool StageBinding::hasHandler(stage::Node& node, stage::Event event)
+{
+    const Name name = handlerName(event);
+    const int version = node.movie() ? node.movie()->header.version : 6;
+    if (name.isNull() || version < 6) return false;
+    const Vm::VersionScope scope(*m_vm, version);
+    // Without an object of its own an instance has only what its class has.
+    Object* object = static_cast<Object*>(node.peer);
+    if (!object) object = node.kind() == stage::NodeKind::Button ? m_state->button : m_state->movieClip;
+    Value value;
+    return object && object->find(*m_vm, name, value, Value(object)) && value.isObject() &&
+           value.object()->isFunction();
+}
+
+void StageBinding::dispatch(stage::Node& node, stage::Event event)
+{
+    if (!hasHandler(node, event)) return;
+    const Vm::VersionScope scope(*m_vm, node.movie() ? node.movie()->header.version : 6);
+    Object* object = objectOf(&node);
+    m_vm->callMethod(object, handlerName(event), std::span<const Value>());
+}
+
+bool StageBinding::isEnabled(stage::Node& node)
+{
+    Object* object = static_cast<Object*>(node.peer);
+    if (!object) return true;
+    const Vm::VersionScope scope(*m_vm, node.movie() ? node.movie()->header.version : 6);
+    Value value;
+    if (!object->find(*m_vm, m_state->enabled, value, Value(object))) return true;
+    return toBoolean(*m_vm, value);
+}
+
+bool StageBinding::hasRegisteredClass(stage::Clip& clip)
+{
+    // The classes are registered by init actions, which may still wait in the queue when the clip is placed;
+    // any exported clip is looked at again when its turn comes.
+    return !clip.linkageName().empty();
+}
+
+void StageBinding::constructClip(stage::Clip& clip)
+{
+    const std::u16string name = base::utf16FromUtf8(clip.linkageName());
+    const auto found = m_state->classes.find(name);
+    Object* object = objectOf(&clip);
+    const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
+    if (found != m_state->classes.end()) {
+        if (Object* prototype = m_vm->prototypeOf(found->second)) object->setProto(*m_vm, Value(prototype));
+        m_vm->constructOn(object, found->second, {});
+    }
+    callHandler(object, "onConstruct");
+}
+
+void StageBinding::constructNow(stage::Clip& clip)
+{
+    if (clip.constructed) return;
+    clip.constructed = true;
+    constructClip(clip);
+}
+
+// TODO: pictures of BitmapData objects; until then what is filled with them or attached shows nothing.
+std::shared_ptr<const swf::Bitmap> StageBinding::bitmapOf(Object*) { return nullptr; }
+
+void StageBinding::broadcast(std::string_view objectName, std::string_view message,
+                             std::initializer_list<Value> args)
+{
+    const int version = m_stage->movie() ? m_stage->movie()->header.version : 6;
+    const Vm::VersionScope scope(*m_vm, version);
+    Object* object = m_vm->global()->get(*m_vm, m_vm->name(objectName)).asObject();
+    if (!object) return;
+    std::vector<Value> all;
+    all.emplace_back(m_vm->string(message));
+    all.insert(all.end(), args.begin(), args.end());
+    m_vm->callMethod(object, m_vm->name(std::string_view("broadcastMessage")), all);
+}
+
+void StageBinding::broadcastKey(stage::Event event)
+{
+    broadcast("Key", event == stage::Event::KeyDown ? "onKeyDown" : "onKeyUp");
+}
+
+void StageBinding::broadcastMouse(stage::Event event)
+{
+    broadcast("Mouse", event == stage::Event::MouseDown ? "onMouseDown"
+                       : event == stage::Event::MouseUp ? "onMouseUp"
+                                                        : "onMouseMove");
+}
+
+void StageBinding::broadcastWheel(int lines, stage::Node* node)
+{
+    stage::Node* named = node;
+    while (named && !objectOf(named)) named = named->parent();
+    broadcast("Mouse", "onMouseWheel", {Value(lines), Value(objectOf(named))});
+}
+
+void StageBinding::broadcastResize() { broadcast("Stage", "onResize"); }
+
+void StageBinding::broadcastFullScreen(bool on) { broadcast("Stage", "onFullScreen", {Value(on)}); }
+
+void StageBinding::focusChanged(stage::Node* before, stage::Node* now)
+{
+    Object* const from = objectOf(before);
+    Object* const to = objectOf(now);
+    const Value fromValue = from ? Value(from) : Value::null(), toValue = to ? Value(to) : Value::null();
+    const int version = m_stage->movie() ? m_stage->movie()->header.version : 6;
+    const Vm::VersionScope scope(*m_vm, version);
+    if (from) callHandler(from, "onKillFocus", {toValue});
+    if (to) callHandler(to, "onSetFocus", {fromValue});
+    broadcast("Selection", "onSetFocus", {fromValue, toValue});
+}
+
+void StageBinding::textChanged(stage::TextField& field)
+{
+    Object* object = objectOf(&field);
+    const Vm::VersionScope scope(*m_vm, field.movie() ? field.movie()->header.version : 6);
+    callHandler(object, "broadcastMessage",
+                {Value(m_vm->string(std::string_view("onChanged"))), Value(object)});
+}
+
+void StageBinding::textScrolled(stage::TextField& field)
+{
+    Object* object = objectOf(&field);
+    const Vm::VersionScope scope(*m_vm, field.movie() ? field.movie()->header.version : 6);
+    callHandler(object, "broadcastMessage",
+                {Value(m_vm->string(std::string_view("onScroller"))), Value(object)});
+}
+
+std::optional<std::string> StageBinding::variable(stage::Clip& scope, std::string_view path)
+{
+    const Vm::VersionScope version(*m_vm, scope.movie() ? scope.movie()->header.version : 6);
+    const Value value = m_vm->getVariable(objectOf(&scope), base::utf16FromUtf8(path));
+    if (value.isUndefined()) return {};
+    return base::utf8FromUtf16(toText(*m_vm, value));
+}
+
+bool StageBinding::setVariable(stage::Clip& scope, std::string_view path, std::string_view value)
+{
+    const Vm::VersionScope version(*m_vm, scope.movie() ? scope.movie()->header.version : 6);
+    m_vm->setVariable(objectOf(&scope), base::utf16FromUtf8(path), utf8(value));
+    return true;
+}
+
+void StageBinding::nodeRemoved(stage::Node& node)
+{
+    if (!node.peer) return;
+    if (auto* native = static_cast<Object*>(node.peer)->native<NodeObject>()) native->keepPath();
+}
+
+void StageBinding::clipReset(stage::Clip& clip)
+{
+    // What the earlier movie's scripts put there goes with it.
+    Object* object = static_cast<Object*>(clip.peer);
+    if (!object) return;
+    const Vm::VersionScope scope(*m_vm, 7);
+    for (const Name name : object->enumerate(*m_vm)) object->deletePlain(*m_vm, name);
+    if (m_state->movieClip) object->setProto(*m_vm, Value(m_state->movieClip));
+}
+
+double StageBinding::nextTimerMs()
+{
+    const std::optional<double> due = m_vm->nextTimerMs();
+    return due ? std::max(0.0, *due - timeMs()) : -1;
+}
+
+void StageBinding::runTimers(double) { m_vm->advanceTimers(); }
+
+void StageBinding::watchSound(stage::SoundId sound, Object* object) { m_state->sounds[sound] = object; }
+
+void StageBinding::frameEnded()
+{
+    for (const stage::SoundId sound : m_services.sound.takeFinished()) {
+        const auto found = m_state->sounds.find(sound);
+        if (found == m_state->sounds.end()) continue;
+        Object* object = found->second;
+        m_state->sounds.erase(found);
+        const Vm::VersionScope scope(*m_vm, m_stage->movie() ? m_stage->movie()->header.version : 6);
+        callHandler(object, "onSoundComplete");
+    }
+    m_stage->runQueue();
+    m_vm->collectIfDue();
+}
+
+std::optional<std::string> StageBinding::hostVariable(std::string_view path)
+{
+    stage::Clip* root = m_stage->root();
+    return root ? variable(*root, path) : std::nullopt;
+}
+
+void StageBinding::setHostVariable(std::string_view path, std::string_view value)
+{
+    if (stage::Clip* root = m_stage->root()) setVariable(*root, path, value);
+    m_stage->runQueue();
+}
+
+} // namespace flash::avm1

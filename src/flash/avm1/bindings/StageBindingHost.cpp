@@ -1,0 +1,445 @@
+#include "base/TextCodes.h"
+#include "flash/avm1/bindings/NodeObject.h"
+#include "flash/avm1/bindings/StageBinding.h"
+#include "flash/stage/Button.h"
+#include "flash/stage/TextField.h"
+
+#include <cmath>
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+enum PropertyNumber {
+    kX,
+    kY,
+    kXScale,
+    kYScale,
+    kCurrentFrame,
+    kTotalFrames,
+    kAlpha,
+    kVisible,
+    kWidth,
+    kHeight,
+    kRotation,
+    kTarget,
+    kFramesLoaded,
+    kName,
+    kDropTarget,
+    kUrl,
+    kHighQuality,
+    kFocusRect,
+    kSoundBufTime,
+    kQuality,
+    kXMouse,
+    kYMouse
+};
+
+int hexDigit(char16_t c)
+{
+    if (c >= u'0' && c <= u'9') return c - u'0';
+    if (c >= u'a' && c <= u'f') return c - u'a' + 10;
+    if (c >= u'A' && c <= u'F') return c - u'A' + 10;
+    return -1;
+}
+
+std::string urlDecoded(std::string_view text)
+{
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool escape = text[i] == '%' && i + 2 < text.size() &&
+                            hexDigit(static_cast<unsigned char>(text[i + 1])) >= 0 &&
+                            hexDigit(static_cast<unsigned char>(text[i + 2])) >= 0;
+        if (escape) {
+            result += static_cast<char>(hexDigit(static_cast<unsigned char>(text[i + 1])) * 16 +
+                                        hexDigit(static_cast<unsigned char>(text[i + 2])));
+            i += 2;
+        } else {
+            result += text[i] == '+' ? ' ' : text[i];
+        }
+    }
+    return result;
+}
+
+const char* qualityName(stage::Quality quality)
+{
+    switch (quality) {
+    case stage::Quality::Low: return "LOW";
+    case stage::Quality::Medium: return "MEDIUM";
+    case stage::Quality::High: return "HIGH";
+    case stage::Quality::Best: return "BEST";
+    }
+    return "HIGH";
+}
+
+bool startsWithNoCase(std::u16string_view text, std::u16string_view prefix)
+{
+    return text.size() >= prefix.size() && Names::fold(text.substr(0, prefix.size())) == prefix;
+}
+
+} // namespace
+
+void StageBinding::trace(std::u16string_view text) { m_services.host.traceLine(base::utf8FromUtf16(text)); }
+void StageBinding::log(std::string_view text) { m_services.host.logLine(text); }
+double StageBinding::timeMs() { return m_stage ? m_stage->nowMs() : 0; }
+double StageBinding::wallClockMs()
+{
+    return (m_inputs.wallClockMs ? m_inputs.wallClockMs() : 0) + (m_stage ? m_stage->nowMs() : 0);
+}
+std::uint32_t StageBinding::random()
+{
+    // xorshift32: good enough for games, and the same on every machine.
+    m_random = m_random == 0 ? 0x9E3779B9U : m_random;
+    m_random ^= m_random << 13;
+    m_random ^= m_random >> 17;
+    m_random ^= m_random << 5;
+    return m_random;
+}
+double StageBinding::realTimeMs() { return m_inputs.realTimeMs ? m_inputs.realTimeMs() : 0; }
+
+bool StageBinding::isClip(Object* object) { return clipOf(object) != nullptr; }
+bool StageBinding::isStageObject(Object* object) { return nodeOf(object) != nullptr; }
+
+Object* StageBinding::parent(Object* object)
+{
+    stage::Node* node = nodeOf(object);
+    return node ? objectOf(node->parentClip()) : nullptr;
+}
+
+Object* StageBinding::root(Object* object)
+{
+    stage::Node* node = nodeOf(object);
+    if (!node) return level(0);
+    for (stage::Node* at = node; at; at = at->parent()) {
+        stage::Clip* clip = stage::asClip(at);
+        if (clip && (clip->lockRoot || !clip->parent())) return objectOf(clip);
+    }
+    return nullptr;
+}
+
+Object* StageBinding::level(int number) { return m_stage ? objectOf(m_stage->level(number)) : nullptr; }
+
+Object* StageBinding::child(Object* object, std::u16string_view name, bool caseSensitive)
+{
+    stage::Clip* clip = clipOf(object);
+    if (!clip) return nullptr;
+    stage::Node* found =
+        clip->childByName(base::utf8FromUtf16(name),
+                          caseSensitive ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive);
+    return objectOf(found);
+}
+
+std::u16string StageBinding::targetPath(Object* object)
+{
+    stage::Node* node = nodeOf(object);
+    return node ? base::utf16FromUtf8(node->dotPath()) : std::u16string();
+}
+
+int StageBinding::movieVersion(Object* object)
+{
+    stage::Node* node = nodeOf(object);
+    return node && node->movie() ? node->movie()->header.version : 8;
+}
+
+Value StageBinding::property(Object* object, int index)
+{
+    stage::Node* node = nodeOf(object);
+    return node ? propertyOf(*node, index) : Value();
+}
+
+void StageBinding::setProperty(Object* object, int index, Value value)
+{
+    if (stage::Node* node = nodeOf(object)) setPropertyOf(*node, index, value);
+}
+
+Value StageBinding::propertyOf(stage::Node& node, int index)
+{
+    stage::Clip* clip = stage::asClip(&node);
+    const auto mouse = [&] {
+        const swf::Point p = node.toStage().inverted().map(m_stage->mousePosition());
+        return swf::Point{std::round(p.x) / swf::kTwipsPerPixel, std::round(p.y) / swf::kTwipsPerPixel};
+    };
+    switch (index) {
+    case kX: return node.x();
+    case kY: return node.y();
+    case kXScale: return node.scaleX();
+    case kYScale: return node.scaleY();
+    case kCurrentFrame: return clip ? Value(std::max(clip->currentFrame(), 0) + 1) : Value();
+    case kTotalFrames: return clip ? Value(clip->totalFrames()) : Value();
+    case kAlpha: return node.alpha();
+    case kVisible: return node.isVisible();
+    case kWidth: return node.width();
+    case kHeight: return node.height();
+    case kRotation: return node.rotation();
+    case kTarget: return utf8(node.slashPath());
+    case kFramesLoaded: return clip ? Value(clip->loadedFrames()) : Value();
+    case kName: return utf8(node.name());
+    case kDropTarget: {
+        stage::Clip* under = m_stage->dragged() == clip || clip ? m_stage->dropTarget() : nullptr;
+        return utf8(under ? under->slashPath() : std::string());
+    }
+    case kUrl: return utf8(clip ? clip->url() : m_stage->url());
+    case kHighQuality: {
+        const stage::Quality quality = m_stage->quality();
+        return Value(quality == stage::Quality::Best ? 2 : quality == stage::Quality::High ? 1 : 0);
+    }
+    case kFocusRect:
+        if (!node.parent()) return Value(node.focusRect.value_or(true) ? 1 : 0);
+        return node.focusRect ? Value(*node.focusRect) : Value::null();
+    case kSoundBufTime: return Value(5);
+    case kQuality: return utf8(qualityName(m_stage->quality()));
+    case kXMouse: return mouse().x;
+    case kYMouse: return mouse().y;
+    default: return {};
+    }
+}
+
+void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
+{
+    Vm& vm = *m_vm;
+    const auto number = [&] { return toNumber(vm, value); };
+    const auto place = [&](void (stage::Node::*set)(double)) {
+        const double n = value.isNullish() && vm.version() < 7 ? std::nan("") : number();
+        if (std::isnan(n)) return;
+        node.setScriptTransformed();
+        (node.*set)(n);
+    };
+    switch (index) {
+    case kX: place(&stage::Node::setX); break;
+    case kY: place(&stage::Node::setY); break;
+    case kXScale: place(&stage::Node::setScaleX); break;
+    case kYScale: place(&stage::Node::setScaleY); break;
+    case kAlpha: place(&stage::Node::setAlpha); break;
+    case kVisible:
+        if (const double n = number(); !std::isnan(n)) node.setVisible(n != 0);
+        break;
+    case kWidth: place(&stage::Node::setWidth); break;
+    case kHeight: place(&stage::Node::setHeight); break;
+    case kRotation: place(&stage::Node::setRotation); break;
+    case kName: node.setName(base::utf8FromUtf16(toText(vm, value))); break;
+    case kHighQuality: {
+        const double n = number();
+        if (std::isnan(n)) break;
+        m_stage->setQuality(n >= 2   ? stage::Quality::Best
+                            : n >= 1 ? stage::Quality::High
+                                     : stage::Quality::Low);
+        break;
+    }
+    case kFocusRect:
+        if (value.isNullish() && node.parent())
+            node.focusRect.reset();
+        else
+            node.focusRect = toBoolean(vm, value);
+        break;
+    case kQuality: {
+        const std::u16string name = Names::fold(toText(vm, value));
+        if (name == u"low") m_stage->setQuality(stage::Quality::Low);
+        if (name == u"medium") m_stage->setQuality(stage::Quality::Medium);
+        if (name == u"high" || name == u"autohigh") m_stage->setQuality(stage::Quality::High);
+        if (name == u"best") m_stage->setQuality(stage::Quality::Best);
+        break;
+    }
+    default: break; // read-only ones
+    }
+}
+
+// ---- timeline ---------------------------------------------------------------------------------------------
+
+void StageBinding::gotoFrame(Object* object, int frame, bool play)
+{
+    stage::Clip* clip = clipOf(object);
+    if (!clip) return;
+    if (play)
+        clip->play();
+    else
+        clip->stop();
+    clip->gotoFrame(frame);
+}
+
+bool StageBinding::gotoLabel(Object* object, std::u16string_view label, bool play)
+{
+    const std::optional<int> frame = frameByLabel(object, label);
+    if (frame) gotoFrame(object, *frame, play);
+    return frame.has_value();
+}
+
+void StageBinding::play(Object* object)
+{
+    if (stage::Clip* clip = clipOf(object)) clip->play();
+}
+void StageBinding::stop(Object* object)
+{
+    if (stage::Clip* clip = clipOf(object)) clip->stop();
+}
+void StageBinding::nextFrame(Object* object)
+{
+    if (stage::Clip* clip = clipOf(object)) gotoFrame(object, clip->currentFrame() + 1, false);
+}
+void StageBinding::previousFrame(Object* object)
+{
+    if (stage::Clip* clip = clipOf(object)) gotoFrame(object, clip->currentFrame() - 1, false);
+}
+
+std::optional<int> StageBinding::frameByLabel(Object* object, std::u16string_view label)
+{
+    stage::Clip* clip = clipOf(object);
+    if (!clip) return {};
+    const std::string text = base::utf8FromUtf16(label);
+    if (const auto frame = clip->frameByLabel(text)) return frame;
+    if (clip->movie() && clip->movie()->header.version < 6)
+        return clip->frameByLabel(base::ansiFromUtf8(text));
+    return {};
+}
+
+bool StageBinding::isFrameLoaded(Object* object, int frame)
+{
+    stage::Clip* clip = clipOf(object);
+    return clip && frame < clip->loadedFrames();
+}
+
+void StageBinding::callFrame(Object* object, int frame)
+{
+    stage::Clip* clip = clipOf(object);
+    if (!clip || frame < 0) return;
+    const stage::MoviePtr movie = clip->movie();
+    for (const swf::ActionBlock& block : clip->frameActions(frame))
+        m_vm->run(movie, block, movie->header.version, object);
+}
+
+// ---- things -----------------------------------------------------------------------------------------------
+
+void StageBinding::stopAllSounds() { m_services.sound.stopAll(); }
+
+void StageBinding::toggleQuality()
+{
+    m_stage->setQuality(m_stage->quality() == stage::Quality::Low ? stage::Quality::High
+                                                                  : stage::Quality::Low);
+}
+
+void StageBinding::cloneClip(Object* object, std::u16string_view name, int depth)
+{
+    stage::Node* node = nodeOf(object);
+    stage::Clip* parent = node ? node->parentClip() : nullptr;
+    if (parent) parent->duplicate(*node, depth, base::utf8FromUtf16(name));
+}
+
+void StageBinding::removeClip(Object* object)
+{
+    stage::Node* node = nodeOf(object);
+    if (!node) return;
+    // Only what scripts made, or moved into their zone of depths, can be removed by them.
+    if (node->depth() < 0 || node->depth() > stage::kMaxScriptDepth) return;
+    if (stage::Clip* parent = node->parentClip()) parent->removeChild(*node);
+}
+
+void StageBinding::startDrag(const DragRequest& request)
+{
+    stage::Clip* clip = clipOf(request.clip);
+    if (!clip) return;
+    std::optional<stage::Stage::DragLimits> limits;
+    if (request.constrained)
+        limits = stage::Stage::DragLimits{request.left, request.top, request.right, request.bottom};
+    m_stage->startDrag(*clip, request.lockCenter, limits);
+}
+
+void StageBinding::endDrag() { m_stage->stopDrag(); }
+
+void StageBinding::requestUrl(const UrlRequest& request)
+{
+    if (request.kind == UrlRequest::Kind::Page && startsWithNoCase(request.url, u"fscommand:")) {
+        fsCommand(std::u16string_view(request.url).substr(10), request.window);
+        return;
+    }
+    stage::Clip* sender = clipOf(request.sender);
+    stage::LoadRequest load;
+    load.url = base::utf8FromUtf16(request.url);
+    load.baseUrl = sender ? sender->url() : m_stage->url();
+    load.method = static_cast<stage::LoadRequest::Method>(request.method);
+    if (load.method != stage::LoadRequest::Method::None && request.sender)
+        load.variables = collectVariables(request.sender);
+    switch (request.kind) {
+    case UrlRequest::Kind::Page:
+        m_services.host.openUrl(load.url, base::utf8FromUtf16(request.window));
+        return;
+    case UrlRequest::Kind::MovieIntoClip: {
+        stage::Clip* clip = clipOf(request.target);
+        if (!clip) return;
+        if (load.url.empty())
+            m_stage->unloadClip(*clip);
+        else
+            m_stage->loadIntoClip(*clip, std::move(load));
+        return;
+    }
+    case UrlRequest::Kind::MovieIntoLevel: {
+        std::u16string_view digits = request.window;
+        if (startsWithNoCase(digits, u"_level")) digits.remove_prefix(6);
+        int number = 0;
+        for (const char16_t c : digits)
+            if (c >= u'0' && c <= u'9' && number < 10'000'000) number = number * 10 + (c - u'0');
+        if (load.url.empty())
+            m_stage->unloadLevel(number);
+        else
+            m_stage->loadIntoLevel(number, std::move(load));
+        return;
+    }
+    case UrlRequest::Kind::Variables: {
+        stage::Clip* clip = clipOf(request.target);
+        if (!clip) return;
+        const std::weak_ptr<stage::Node> target = clip->weak_from_this();
+        m_stage->fetch(std::move(load), [this, target](const base::Result<stage::LoadAnswer>& answer) {
+            const stage::NodePtr node = target.lock();
+            if (!node || node->isRemoved() || !answer) return;
+            const Vm::VersionScope scope(*m_vm, node->movie() ? node->movie()->header.version : 6);
+            decodeVariables(objectOf(node.get()),
+                            {reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size()});
+            m_stage->queueEvent(*node, stage::Event::Data);
+        });
+        return;
+    }
+    }
+}
+
+void StageBinding::decodeVariables(Object* object, std::string_view text)
+{
+    const bool utf8Text = base::isUtf8(text) && m_vm->version() >= 6;
+    const auto decoded = [&](std::string_view part) {
+        const std::string plain = urlDecoded(part);
+        return utf8Text || base::isUtf8(plain) ? base::utf16FromUtf8(plain) : base::utf16FromAnsi(plain);
+    };
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('&'), text.size());
+        const std::string_view pair = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        const std::size_t equals = pair.find('=');
+        if (pair.empty()) continue;
+        const std::u16string name = decoded(pair.substr(0, equals));
+        const std::u16string value =
+            equals == std::string_view::npos ? std::u16string() : decoded(pair.substr(equals + 1));
+        object->put(*m_vm, m_vm->name(std::u16string_view(name)), Value(m_vm->string(value)));
+    }
+}
+
+std::vector<std::pair<std::string, std::string>> StageBinding::collectVariables(Object* object)
+{
+    std::vector<std::pair<std::string, std::string>> variables;
+    for (const Name name : object->enumerate(*m_vm)) {
+        if (!object->hasPlain(*m_vm, name)) continue;
+        const Value value = object->get(*m_vm, name);
+        if (value.isObject() && value.object()->isFunction()) continue;
+        variables.emplace_back(base::utf8FromUtf16(name.view()), base::utf8FromUtf16(toText(*m_vm, value)));
+    }
+    return variables;
+}
+
+void StageBinding::fsCommand(std::u16string_view command, std::u16string_view argument)
+{
+    m_services.host.fsCommand(base::utf8FromUtf16(command), base::utf8FromUtf16(argument));
+}
+
+void StageBinding::updateAfterEvent() {}
+
+bool StageBinding::askToStopScript(double) { return m_services.host.abortSlowScript(); }
+
+} // namespace flash::avm1

@@ -1,0 +1,97 @@
+#include "flash/avm1/bindings/Classes.h"
+
+#include <cmath>
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+constexpr const char* kScaleModes[] = {"showAll", "noBorder", "exactFit", "noScale"};
+
+Value getScaleMode(Call& call)
+{
+    const auto index = static_cast<std::size_t>(StageBinding::of(call).stage().scaleMode());
+    return call.vm.string(std::string_view(kScaleModes[index]));
+}
+Value setScaleMode(Call& call)
+{
+    // Anything unknown means to show all.
+    const std::u16string name = Names::fold(textArg(call, 0));
+    stage::ScaleMode mode = stage::ScaleMode::ShowAll;
+    if (name == u"noborder") mode = stage::ScaleMode::NoBorder;
+    if (name == u"exactfit") mode = stage::ScaleMode::ExactFit;
+    if (name == u"noscale") mode = stage::ScaleMode::NoScale;
+    StageBinding::of(call).stage().setScaleMode(mode);
+    return {};
+}
+
+Value getAlign(Call& call)
+{
+    const unsigned align = StageBinding::of(call).stage().align();
+    std::u16string text;
+    if (align & stage::kAlignLeft) text += u'L';
+    if (align & stage::kAlignTop) text += u'T';
+    if (align & stage::kAlignRight) text += u'R';
+    if (align & stage::kAlignBottom) text += u'B';
+    return call.vm.string(text);
+}
+Value setAlign(Call& call)
+{
+    unsigned align = 0;
+    for (const char16_t c : textArg(call, 0)) {
+        if (c == u'L' || c == u'l') align |= stage::kAlignLeft;
+        if (c == u'T' || c == u't') align |= stage::kAlignTop;
+        if (c == u'R' || c == u'r') align |= stage::kAlignRight;
+        if (c == u'B' || c == u'b') align |= stage::kAlignBottom;
+    }
+    StageBinding::of(call).stage().setAlign(align);
+    return {};
+}
+
+Value getWidth(Call& call) { return Value(StageBinding::of(call).stage().stageWidth()); }
+Value getHeight(Call& call) { return Value(StageBinding::of(call).stage().stageHeight()); }
+
+Value getShowMenu(Call& call) { return Value(StageBinding::of(call).stage().showsMenu()); }
+Value setShowMenu(Call& call)
+{
+    StageBinding::of(call).stage().setShowsMenu(toBoolean(call.vm, call.arg(0)));
+    return {};
+}
+
+Value getDisplayState(Call& call)
+{
+    const bool full = StageBinding::of(call).stage().isFullScreen();
+    return call.vm.string(std::string_view(full ? "fullScreen" : "normal"));
+}
+Value setDisplayState(Call& call)
+{
+    const std::u16string name = Names::fold(textArg(call, 0));
+    if (name == u"fullscreen") StageBinding::of(call).stage().setFullScreen(true);
+    if (name == u"normal") StageBinding::of(call).stage().setFullScreen(false);
+    return {};
+}
+
+// clang-format off
+constexpr AccessorInfo kAccessors[] = {
+    {"scaleMode",    0,      &getScaleMode,    &setScaleMode},
+    {"align",        0,      &getAlign,        &setAlign},
+    {"width",        0,      &getWidth,        nullptr},
+    {"height",       0,      &getHeight,       nullptr},
+    {"showMenu",     0,      &getShowMenu,     &setShowMenu},
+    {"displayState", 0,      &getDisplayState, &setDisplayState},
+};
+// clang-format on
+
+} // namespace
+
+void installStage(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    Object* stage = defineGlobalObject(vm, "Stage", {});
+    makeBroadcaster(vm, stage);
+    vm.addAccessors(stage, kAccessors);
+}
+
+} // namespace flash::avm1
