@@ -69,12 +69,15 @@ class Function final : public Object
 {
 public:
     Function(Vm& vm, NativeFunction native, int least);
-    Function(Vm& vm, const FunctionCode& code, Code* owner, Scope* scope, Object* definingTarget);
+    Function(Vm& vm, FunctionCode& code, Code* owner, const std::vector<Value>* pool, Scope* scope,
+             Object* definingTarget);
 
     [[nodiscard]] bool isNative() const { return m_native != nullptr; }
     [[nodiscard]] NativeFunction nativeFunction() const { return m_native; }
     [[nodiscard]] int least() const { return m_least; }
-    [[nodiscard]] const FunctionCode* code() const { return m_code; }
+    [[nodiscard]] FunctionCode* code() const { return m_code; }
+    /// The constant pool in force where the function was made; may be null.
+    [[nodiscard]] const std::vector<Value>* pool() const { return m_pool; }
     [[nodiscard]] Code* owner() const { return m_owner; }
     [[nodiscard]] Scope* scope() const { return m_scope; }
     /// The clip whose script made the function: the base of its paths and variables.
@@ -85,7 +88,8 @@ public:
 private:
     NativeFunction m_native = nullptr;
     int m_least = 0;
-    const FunctionCode* m_code = nullptr; // inside m_owner
+    FunctionCode* m_code = nullptr; // inside m_owner
+    const std::vector<Value>* m_pool = nullptr;
     Code* m_owner = nullptr;
     Scope* m_scope = nullptr;
     Object* m_target = nullptr;

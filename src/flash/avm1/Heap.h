@@ -159,7 +159,7 @@ public:
     [[nodiscard]] std::size_t liveCells() const { return m_liveCells; }
     [[nodiscard]] std::size_t collections() const { return m_collections; }
 
-    static constexpr std::size_t kLargestCellBytes = 256;
+    static constexpr std::size_t kLargestCellBytes = 512;
 
 private:
     friend class RootBase;

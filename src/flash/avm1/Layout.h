@@ -2,7 +2,8 @@
 
 #include "flash/avm1/String.h"
 
-#include <unordered_map>
+#include <cstdint>
+#include <vector>
 
 namespace flash::avm1
 {
@@ -54,7 +55,7 @@ public:
     Layout() = default; // the empty shared layout
 
     [[nodiscard]] bool isShared() const { return !m_own; }
-    /// Properties in the order they were added.
+    /// Properties in the order they were added. Removed ones may leave an entry with a null name.
     [[nodiscard]] const std::vector<Property>& properties() const { return m_properties; }
     /// @returns the position in properties(), or kMissing.
     [[nodiscard]] std::uint32_t find(Name name, bool caseSensitive) const;
@@ -74,15 +75,16 @@ public:
 
 private:
     void buildIndex() const;
+    void addToIndex(std::uint32_t position) const;
     static constexpr std::size_t kIndexFrom = 8; // properties; below, a walk is faster than hashing
+    static constexpr std::size_t kMostTransitions = 64;
 
     std::vector<Property> m_properties;
     std::uint32_t m_slotCount = 0;
+    std::uint32_t m_holes = 0;              // removed properties still in the list
     std::vector<std::uint32_t> m_freeSlots; // left behind by removals; unshared layouts only
-    // Folded name to the first position of that folding; made at the first look-up. Names that differ in case
-    // only are chained through m_sameFold.
-    mutable std::unordered_multimap<NameText*, std::uint32_t> m_index;
-    mutable bool m_indexed = false;
+    // Open addressing over folded names, made at the first look-up; positions in m_properties.
+    mutable std::vector<std::uint32_t> m_buckets;
     bool m_own = false;
     struct Transition {
         Name name;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace flash::avm1
@@ -37,7 +38,7 @@ public:
 private:
     Vm& m_vm;
     std::vector<Name>& m_names;
-    std::vector<Name> m_seen;
+    std::unordered_set<const NameText*> m_seen; // folded names where the movie does not tell cases apart
 };
 
 /// What makes an object more than a bag of properties: a date's time, an array's elements, a clip's place on
@@ -185,6 +186,8 @@ private:
     };
     Extras& extras();
     void addProperty(Vm& vm, Name name, Value value, std::uint16_t flags);
+    void putUnwatched(Vm& vm, Name name, Value value);
+    void changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags);
     void becomeUnshared(Vm& vm);
     void noteShapeChange(Vm& vm);
     Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);

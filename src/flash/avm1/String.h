@@ -57,6 +57,7 @@ private:
     friend class Names;
     NameText* m_folded = this;         // the lower-case spelling; itself when it is one
     std::uint32_t m_index = kNotIndex; // the array index that this text spells in canonical form
+    bool m_isPath;
 };
 
 /// A property or variable name, interned: two names are the same when their pointers are, and the same but
@@ -75,6 +76,8 @@ public:
     [[nodiscard]] Name folded() const { return Name(m_text->m_folded); }
     /// @returns the array index this name spells ("0", "17", not "017"), or NameText::kNotIndex.
     [[nodiscard]] std::uint32_t arrayIndex() const { return m_text->m_index; }
+    /// @returns whether the text holds a character that separates the steps of a path.
+    [[nodiscard]] bool isPath() const { return m_text->m_isPath; }
     /// @returns whether the two are the same name to a movie that does, or does not, tell cases apart.
     [[nodiscard]] bool matches(Name other, bool caseSensitive) const
     {

@@ -33,6 +33,10 @@ public:
     static constexpr Value undefined() { return Value(); }
     static constexpr Value null() { return Value(Bits{kNull}); }
 
+    /// Marks an absent element of an array. Never seen by scripts.
+    static constexpr Value hole() { return Value(Bits{kBoolean | 2}); }
+    [[nodiscard]] bool isHole() const { return m_bits == (kBoolean | 2); }
+
     [[nodiscard]] Type type() const
     {
         return m_bits < kUndefined ? Type::Number

@@ -132,6 +132,10 @@ public:
     /// Registers what ASnative(table, index) answers.
     void registerNative(int table, int index, NativeFunction function, int least = 0);
     Function* nativeByNumber(int table, int index);
+    /// Object.registerClass: the class of clips made from a library symbol. A null constructor takes it back.
+    void registerSymbolClass(const std::u16string& symbol, Object* constructor);
+    /// @returns the constructor registered for a symbol, or null.
+    Function* symbolClass(const std::u16string& symbol) const;
 
     // ---- timers
     // ----------------------------------------------------------------------------------------------
@@ -153,6 +157,7 @@ public:
     void bumpEpoch() { ++m_epoch; }
     [[nodiscard]] std::uint32_t epoch() const { return m_epoch; }
 
+    static constexpr std::ptrdiff_t kStackValues = 256 * 1024;
     static constexpr int kMostNestedCalls = 256;
     static constexpr double kScriptTimeoutMs = 15000;
 
@@ -186,8 +191,12 @@ private:
     int m_depth = 0;
     double m_startedMs = 0; // real time at which the outermost script started
     Value m_registers[4];
+    std::unique_ptr<Value[]> m_stack; // operands and registers of all frames
+    int m_budget = 0;                 // safe points until the clock is looked at again
+    int m_regions = 0;
     std::unordered_map<const void*, Code*> m_code;
     std::map<std::pair<int, int>, Function*> m_natives;
+    std::map<std::u16string, Function*> m_symbolClasses;
     std::map<int, Timer> m_timers;
     int m_nextTimer = 1;
 

@@ -1,0 +1,100 @@
+#include "flash/avm1/ArrayNative.h"
+
+#include "flash/avm1/Vm.h"
+
+#include <cmath>
+
+namespace flash::avm1
+{
+
+void ArrayNative::trace(Tracer& tracer)
+{
+    for (const Value element : m_elements) tracer(element);
+}
+
+bool ArrayNative::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
+{
+    const std::uint32_t index = name.arrayIndex();
+    if (index < m_elements.size()) {
+        if (m_elements[index].isHole()) return false;
+        result = m_elements[index];
+        return true;
+    }
+    if (name.matches(vm.common().length, vm.isCaseSensitive()) && !self.hasPlain(vm, name)) {
+        result = Value(m_length);
+        return true;
+    }
+    return self.getPlain(vm, name, receiver, result);
+}
+
+bool ArrayNative::hasOwn(Vm& vm, Object& self, Name name)
+{
+    const std::uint32_t index = name.arrayIndex();
+    if (index < m_elements.size()) return !m_elements[index].isHole();
+    return name.matches(vm.common().length, vm.isCaseSensitive()) || self.hasPlain(vm, name);
+}
+
+void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
+{
+    const std::uint32_t index = name.arrayIndex();
+    if (index == NameText::kNotIndex) {
+        if (name.matches(vm.common().length, vm.isCaseSensitive()) && !self.hasPlain(vm, name))
+            setLength(vm, self, toInt32(vm, value));
+        else
+            self.putPlain(vm, name, value);
+        return;
+    }
+    if (index < m_elements.size()) {
+        m_elements[index] = value;
+    } else if (index - m_elements.size() <= kLargestGap && !self.hasPlain(vm, name)) {
+        m_elements.resize(index, Value::hole());
+        m_elements.push_back(value);
+        vm.heap().noteExternalBytes(sizeof(Value));
+    } else {
+        self.putPlain(vm, name, value);
+    }
+    m_length = std::max(m_length, static_cast<double>(index) + 1);
+}
+
+bool ArrayNative::deleteOwn(Vm& vm, Object& self, Name name)
+{
+    const std::uint32_t index = name.arrayIndex();
+    if (index < m_elements.size()) {
+        if (m_elements[index].isHole()) return false;
+        m_elements[index] = Value::hole();
+        return true;
+    }
+    return self.deletePlain(vm, name);
+}
+
+void ArrayNative::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
+{
+    self.enumeratePlain(names);
+    for (std::size_t i = m_elements.size(); i-- > 0;) {
+        if (!m_elements[i].isHole()) names.add(vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+    }
+}
+
+void ArrayNative::setLength(Vm& vm, Object& self, double length)
+{
+    length = std::max(length, 0.0);
+    if (length < static_cast<double>(m_elements.size())) m_elements.resize(static_cast<std::size_t>(length));
+    if (length < m_length) {
+        std::vector<Name> beyond;
+        for (const Layout::Property& property : self.layout()->properties()) {
+            if (!property.name.isNull() && property.name.arrayIndex() != NameText::kNotIndex &&
+                property.name.arrayIndex() >= length)
+                beyond.push_back(property.name);
+        }
+        for (const Name name : beyond) self.deletePlain(vm, name);
+    }
+    m_length = length;
+}
+
+void ArrayNative::assign(std::vector<Value> elements)
+{
+    m_elements = std::move(elements);
+    m_length = static_cast<double>(m_elements.size());
+}
+
+} // namespace flash::avm1

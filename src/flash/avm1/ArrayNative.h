@@ -1,0 +1,46 @@
+#pragma once
+
+#include "flash/avm1/Object.h"
+
+namespace flash::avm1
+{
+
+/// The elements of an array, dense from 0 on; holes are marked. Indices far beyond the end live in the bag
+/// like other properties, so that `a[1e8] = 0` costs nothing; `length` covers both.
+class ArrayNative final : public Native
+{
+public:
+    static constexpr char kTag = 0;
+    /// How far beyond the end an assignment still extends the dense part.
+    static constexpr std::uint32_t kLargestGap = 4096;
+
+    [[nodiscard]] const void* tag() const override { return &kTag; }
+    [[nodiscard]] bool hasHooks() const override { return true; }
+    void trace(Tracer& tracer) override;
+    bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result) override;
+    void putOwn(Vm& vm, Object& self, Name name, Value value) override;
+    bool hasOwn(Vm& vm, Object& self, Name name) override;
+    bool deleteOwn(Vm& vm, Object& self, Name name) override;
+    void enumerateOwn(Vm& vm, Object& self, NameCollector& names) override;
+
+    /// @returns the element at a whole index within the dense part, or null.
+    [[nodiscard]] Value* elementAt(double index)
+    {
+        if (!(index >= 0 && index < static_cast<double>(m_elements.size()))) return nullptr;
+        const auto whole = static_cast<std::size_t>(index);
+        if (static_cast<double>(whole) != index || m_elements[whole].isHole()) return nullptr;
+        return &m_elements[whole];
+    }
+    [[nodiscard]] std::vector<Value>& elements() { return m_elements; }
+    [[nodiscard]] double length() const { return m_length; }
+    /// Grows with holes or cuts; elements in the bag beyond the new length are removed too.
+    void setLength(Vm& vm, Object& self, double length);
+    /// Replaces all elements; the length follows.
+    void assign(std::vector<Value> elements);
+
+private:
+    std::vector<Value> m_elements;
+    double m_length = 0;
+};
+
+} // namespace flash::avm1

@@ -1,0 +1,205 @@
+#include "flash/avm1/Convert.h"
+
+#include "flash/avm1/Vm.h"
+#include "flash/avm1/classes/Boxed.h"
+
+#include <cmath>
+#include <limits>
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kTwoTo32 = 4294967296.0;
+
+Value callConversion(Vm& vm, Object* object, Name method)
+{
+    Value function;
+    if (!object->find(vm, method, function, object)) return Value(object);
+    if (!function.isObject() || !function.object()->isFunction()) return Value(object);
+    return vm.call(function, object, {});
+}
+
+} // namespace
+
+Value toPrimitive(Vm& vm, Value value, Hint hint)
+{
+    if (!value.isObject()) return value;
+    Object* object = value.object();
+    if (Native* native = object->nativeBase()) {
+        const Value primitive = native->primitive(vm, *object);
+        if (!primitive.isUndefined()) return primitive;
+    }
+    // Dates prefer their text, from version 6 on.
+    const bool text = hint == Hint::String ||
+                      (hint == Hint::None && vm.version() >= 6 && object->native<DateNative>() != nullptr);
+    const Value result = callConversion(vm, object, text ? vm.common().toString : vm.common().valueOf);
+    return result;
+}
+
+double toNumber(Vm& vm, Value value)
+{
+    switch (value.type()) {
+    case Value::Type::Number: return value.number();
+    case Value::Type::Boolean: return value.boolean() ? 1 : 0;
+    case Value::Type::Undefined:
+    case Value::Type::Null: return vm.version() >= 7 ? kNaN : 0;
+    case Value::Type::String: return parseNumber(value.string()->view(), vm.version());
+    case Value::Type::Object: break;
+    }
+    const Value primitive = toPrimitive(vm, value, Hint::Number);
+    if (primitive.isObject()) return vm.version() >= 5 ? kNaN : 0;
+    return toNumber(vm, primitive);
+}
+
+std::int32_t toInt32(double number) { return static_cast<std::int32_t>(toUint32(number)); }
+
+std::uint32_t toUint32(double number)
+{
+    if (!std::isfinite(number)) return 0;
+    const double remainder = std::fmod(std::trunc(number), kTwoTo32);
+    return static_cast<std::uint32_t>(static_cast<std::int64_t>(remainder));
+}
+
+std::int32_t toInt32(Vm& vm, Value value) { return toInt32(toNumber(vm, value)); }
+
+bool toBoolean(Vm& vm, Value value)
+{
+    switch (value.type()) {
+    case Value::Type::Boolean: return value.boolean();
+    case Value::Type::Number: return !std::isnan(value.number()) && value.number() != 0;
+    case Value::Type::String: {
+        if (vm.version() >= 7) return !value.string()->isEmpty();
+        const double number = parseNumber(value.string()->view(), vm.version());
+        return !std::isnan(number) && number != 0;
+    }
+    case Value::Type::Object: return true;
+    case Value::Type::Undefined:
+    case Value::Type::Null: break;
+    }
+    return false;
+}
+
+String* toString(Vm& vm, Value value)
+{
+    switch (value.type()) {
+    case Value::Type::String: return value.string();
+    case Value::Type::Number: return vm.string(formatNumber(value.number()));
+    case Value::Type::Boolean:
+        if (vm.version() < 5) return vm.string(value.boolean() ? "1" : "0");
+        return (value.boolean() ? vm.common().trueText : vm.common().falseText).string();
+    case Value::Type::Undefined:
+        return (vm.version() >= 7 ? vm.common().undefined : vm.common().empty).string();
+    case Value::Type::Null: return vm.common().null.string();
+    case Value::Type::Object: break;
+    }
+    const Value primitive = toPrimitive(vm, value, Hint::String);
+    if (primitive.isString()) return primitive.string();
+    if (!primitive.isObject() && primitive.bits() != value.bits()) {
+        // An answer that is no text does not count.
+        if (value.object()->nativeBase() != nullptr && value.object()->hasHooks() && !primitive.isUndefined())
+            return toString(vm, primitive);
+    }
+    return vm.string(value.object()->isFunction() ? "[type Function]" : "[type Object]");
+}
+
+std::u16string toText(Vm& vm, Value value) { return std::u16string(toString(vm, value)->view()); }
+
+Name toName(Vm& vm, Value value)
+{
+    if (value.isString()) return vm.names().intern(value.string());
+    if (value.isNumber()) {
+        const double number = value.number();
+        if (number >= 0 && number < 1e9 && number == std::floor(number))
+            return vm.names().fromIndex(static_cast<std::uint32_t>(number));
+    }
+    return vm.names().intern(toString(vm, value));
+}
+
+Object* toObject(Vm& vm, Value value)
+{
+    const auto box = [&](Object* prototype) {
+        Object* object = vm.newObject(prototype);
+        object->attachNew<Boxed>(value);
+        return object;
+    };
+    switch (value.type()) {
+    case Value::Type::Object: return value.object();
+    case Value::Type::String: {
+        Object* object = box(vm.builtIns().string);
+        object->define(vm, vm.common().length, Value(static_cast<double>(value.string()->length())),
+                       kBuiltIn);
+        return object;
+    }
+    case Value::Type::Number: return box(vm.builtIns().number);
+    case Value::Type::Boolean: return box(vm.builtIns().boolean);
+    case Value::Type::Undefined:
+    case Value::Type::Null: break;
+    }
+    return nullptr;
+}
+
+bool strictlyEqual(Value a, Value b)
+{
+    if (a.isNumber() && b.isNumber()) return a.number() == b.number();
+    if (a.isString() && b.isString()) return a.bits() == b.bits() || a.string()->view() == b.string()->view();
+    return a.bits() == b.bits();
+}
+
+bool looselyEqual(Vm& vm, Value a, Value b)
+{
+    if (a.isNullish() || b.isNullish()) return a.isNullish() && b.isNullish();
+    if (a.type() == b.type())
+        return strictlyEqual(a, b) ||
+               (a.isNumber() && std::isnan(a.number()) && std::isnan(b.number()) && vm.version() < 7);
+    if (a.isObject() || b.isObject()) {
+        const Value left = toPrimitive(vm, a, Hint::Number);
+        const Value right = toPrimitive(vm, b, Hint::Number);
+        if (left.isObject() || right.isObject()) return left.bits() == right.bits();
+        return looselyEqual(vm, left, right);
+    }
+    return toNumber(vm, a) == toNumber(vm, b);
+}
+
+Value lessThan(Vm& vm, Value a, Value b)
+{
+    const Value left = toPrimitive(vm, a, Hint::Number);
+    const Value right = toPrimitive(vm, b, Hint::Number);
+    if (left.isString() && right.isString()) return Value(left.string()->view() < right.string()->view());
+    if (left.isObject() || right.isObject()) return Value(false);
+    const double x = toNumber(vm, left);
+    const double y = toNumber(vm, right);
+    if (std::isnan(x) || std::isnan(y)) return Value::undefined();
+    return Value(x < y);
+}
+
+Value add(Vm& vm, Value a, Value b)
+{
+    const Value left = toPrimitive(vm, a);
+    const Value right = toPrimitive(vm, b);
+    if (left.isString() || right.isString() || left.isObject() || right.isObject()) {
+        String* first = toString(vm, left);
+        String* second = toString(vm, right);
+        vm.heap().noteExternalBytes(sizeof(String));
+        return Value(vm.heap().make<String>(first, second));
+    }
+    return Value(toNumber(vm, left) + toNumber(vm, right));
+}
+
+std::string_view typeOf(Vm&, Value value)
+{
+    switch (value.type()) {
+    case Value::Type::Number: return "number";
+    case Value::Type::Undefined: return "undefined";
+    case Value::Type::Null: return "null";
+    case Value::Type::Boolean: return "boolean";
+    case Value::Type::String: return "string";
+    case Value::Type::Object: break;
+    }
+    return value.object()->typeOf();
+}
+
+} // namespace flash::avm1

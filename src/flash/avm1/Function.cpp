@@ -1,0 +1,31 @@
+#include "flash/avm1/Function.h"
+
+#include "flash/avm1/Code.h"
+#include "flash/avm1/Vm.h"
+
+namespace flash::avm1
+{
+
+Function::Function(Vm& vm, NativeFunction native, int least)
+    : Object(vm, vm.builtIns().function), m_native(native), m_least(least)
+{
+    m_isFunction = true;
+}
+
+Function::Function(Vm& vm, FunctionCode& code, Code* owner, const std::vector<Value>* pool, Scope* scope,
+                   Object* definingTarget)
+    : Object(vm, vm.builtIns().function), m_code(&code), m_pool(pool), m_owner(owner), m_scope(scope),
+      m_target(definingTarget)
+{
+    m_isFunction = true;
+}
+
+void Function::trace(Tracer& tracer)
+{
+    Object::trace(tracer);
+    tracer(m_owner);
+    tracer(m_scope);
+    tracer(m_target);
+}
+
+} // namespace flash::avm1

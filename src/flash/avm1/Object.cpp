@@ -1,0 +1,408 @@
+#include "flash/avm1/Object.h"
+
+#include "flash/avm1/Vm.h"
+
+#include <algorithm>
+
+namespace flash::avm1
+{
+
+void Accessor::trace(Tracer& tracer)
+{
+    tracer(getter);
+    tracer(setter);
+}
+
+void NameCollector::add(Name name, std::uint16_t flags)
+{
+    const NameText* key = m_vm.isCaseSensitive() ? name.cell() : name.folded().cell();
+    if (!m_seen.insert(key).second) return;
+    if ((flags & kDontEnum) == 0 && isVisible(flags, m_vm.version())) m_names.push_back(name);
+}
+
+bool Native::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
+{
+    return self.getPlain(vm, name, receiver, result);
+}
+void Native::putOwn(Vm& vm, Object& self, Name name, Value value) { self.putPlain(vm, name, value); }
+bool Native::hasOwn(Vm& vm, Object& self, Name name) { return self.hasPlain(vm, name); }
+bool Native::deleteOwn(Vm& vm, Object& self, Name name) { return self.deletePlain(vm, name); }
+void Native::enumerateOwn(Vm&, Object& self, NameCollector& names) { self.enumeratePlain(names); }
+
+Object::Object(Vm& vm, Object* prototype) : m_layout(vm.emptyLayout())
+{
+    if (prototype != nullptr) {
+        m_proto = prototype;
+        prototype->m_isPrototype = true;
+    } else {
+        m_protoIsSet = false;
+    }
+}
+
+// ---- the whole protocol
+// ---------------------------------------------------------------------------------------
+
+Value Object::get(Vm& vm, Name name) { return get(vm, name, this); }
+
+Value Object::get(Vm& vm, Name name, Value receiver)
+{
+    Value result;
+    if (find(vm, name, result, receiver)) return result;
+    // Names that the engine itself asks for are not resolved; a resolver that misses does not recurse.
+    Value resolver;
+    if (name == vm.common().resolve || !find(vm, vm.common().resolve, resolver, receiver)) return {};
+    if (!resolver.isObject()) return {};
+    return vm.call(resolver, receiver, {Value(name.string())});
+}
+
+bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
+{
+    Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+        const bool found = object->m_hasHooks ? object->m_native->getOwn(vm, *object, name, receiver, result)
+                                              : object->getPlain(vm, name, receiver, result);
+        if (found) return true;
+        object = object->prototype();
+    }
+    return false;
+}
+
+bool Object::findSetter(Vm& vm, Name name, Object*& setter)
+{
+    Object* object = prototype();
+    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+        const std::uint32_t at = object->findVisible(vm, name);
+        if (at != Layout::kMissing) {
+            const Layout::Property& property = object->m_layout->properties()[at];
+            if ((property.flags & kAccessor) == 0) return false;
+            setter = reinterpret_cast<Accessor*>(object->m_slots[property.slot].object())->setter;
+            return true;
+        }
+        object = object->prototype();
+    }
+    return false;
+}
+
+void Object::put(Vm& vm, Name name, Value value)
+{
+    if (!hasOwn(vm, name)) {
+        Object* setter = nullptr;
+        if (findSetter(vm, name, setter)) {
+            if (setter != nullptr) vm.call(setter, this, {value});
+            return;
+        }
+    }
+    if (m_hasHooks)
+        m_native->putOwn(vm, *this, name, value);
+    else
+        putPlain(vm, name, value);
+}
+
+bool Object::has(Vm& vm, Name name)
+{
+    Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+        if (object->hasOwn(vm, name)) return true;
+        object = object->prototype();
+    }
+    return false;
+}
+
+bool Object::hasOwn(Vm& vm, Name name)
+{
+    return m_hasHooks ? m_native->hasOwn(vm, *this, name) : hasPlain(vm, name);
+}
+
+bool Object::remove(Vm& vm, Name name)
+{
+    return m_hasHooks ? m_native->deleteOwn(vm, *this, name) : deletePlain(vm, name);
+}
+
+std::vector<Name> Object::enumerate(Vm& vm)
+{
+    std::vector<Name> names;
+    NameCollector collector(vm, names);
+    Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+        if (object->m_hasHooks)
+            object->m_native->enumerateOwn(vm, *object, collector);
+        else
+            object->enumeratePlain(collector);
+        object = object->prototype();
+    }
+    return names;
+}
+
+// ---- the bag
+// ----------------------------------------------------------------------------------------------------
+
+std::uint32_t Object::findVisible(const Vm& vm, Name name) const
+{
+    const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive());
+    if (at == Layout::kMissing || isVisible(m_layout->properties()[at].flags, vm.version())) return at;
+    return Layout::kMissing;
+}
+
+bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
+{
+    const std::uint32_t at = findVisible(vm, name);
+    if (at != Layout::kMissing) {
+        const Layout::Property& property = m_layout->properties()[at];
+        result = m_slots[property.slot];
+        if ((property.flags & kAccessor) != 0) {
+            Object* getter = reinterpret_cast<Accessor*>(result.object())->getter;
+            result = getter == nullptr ? Value() : vm.call(getter, receiver, {});
+        }
+        return true;
+    }
+    if (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive())) {
+        result = m_proto;
+        return true;
+    }
+    return false;
+}
+
+bool Object::hasPlain(Vm& vm, Name name) const
+{
+    return findVisible(vm, name) != Layout::kMissing ||
+           (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive()));
+}
+
+void Object::putPlain(Vm& vm, Name name, Value value)
+{
+    const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive());
+    if (at == Layout::kMissing && name.matches(vm.common().proto, vm.isCaseSensitive())) {
+        if ((m_protoFlags & kReadOnly) == 0) setProto(vm, value);
+        return;
+    }
+    if (hasWatches()) {
+        Value old;
+        if (at != Layout::kMissing && (m_layout->properties()[at].flags & kAccessor) == 0)
+            old = m_slots[m_layout->properties()[at].slot];
+        value = callWatch(vm, name, old, value);
+        // The callback may have changed anything.
+        return putUnwatched(vm, name, value);
+    }
+    putUnwatched(vm, name, value);
+}
+
+void Object::putUnwatched(Vm& vm, Name name, Value value)
+{
+    const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive());
+    if (at == Layout::kMissing) return addProperty(vm, name, value, 0);
+    const Layout::Property& property = m_layout->properties()[at];
+    if (!isVisible(property.flags, vm.version())) {
+        // A property hidden from this version comes back as an ordinary one.
+        const std::uint32_t slot = property.slot;
+        changeFlagsAt(vm, at, static_cast<std::uint16_t>(property.flags & ~(kVersionMask | kAccessor)));
+        m_slots[slot] = value;
+        return;
+    }
+    if ((property.flags & kAccessor) != 0) {
+        Object* setter = reinterpret_cast<Accessor*>(m_slots[property.slot].object())->setter;
+        if (setter != nullptr) vm.call(setter, this, {value});
+        return;
+    }
+    if ((property.flags & kReadOnly) == 0) m_slots[property.slot] = value;
+}
+
+bool Object::deletePlain(Vm& vm, Name name)
+{
+    const std::uint32_t at = findVisible(vm, name);
+    if (at == Layout::kMissing) {
+        if (!m_protoIsSet || !name.matches(vm.common().proto, vm.isCaseSensitive())) return false;
+        if ((m_protoFlags & kDontDelete) != 0) return false;
+        setProto(vm, {});
+        m_protoIsSet = false;
+        return true;
+    }
+    if ((m_layout->properties()[at].flags & kDontDelete) != 0) return false;
+    becomeUnshared(vm);
+    m_slots[m_layout->properties()[at].slot] = Value();
+    m_layout->remove(at);
+    noteShapeChange(vm);
+    return true;
+}
+
+void Object::enumeratePlain(NameCollector& names) const
+{
+    // The latest comes first.
+    const std::vector<Layout::Property>& properties = m_layout->properties();
+    for (std::size_t i = properties.size(); i-- > 0;) {
+        if (!properties[i].name.isNull()) names.add(properties[i].name, properties[i].flags);
+    }
+}
+
+void Object::define(Vm& vm, Name name, Value value, std::uint16_t flags)
+{
+    const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive());
+    if (at == Layout::kMissing) {
+        if (name == vm.common().proto) {
+            setProto(vm, value);
+            m_protoFlags = flags;
+            return;
+        }
+        return addProperty(vm, name, value, flags);
+    }
+    if (m_layout->properties()[at].flags != flags) changeFlagsAt(vm, at, flags);
+    m_slots[m_layout->properties()[at].slot] = value;
+}
+
+void Object::define(Vm& vm, std::string_view name, Value value, std::uint16_t flags)
+{
+    define(vm, vm.name(name), value, flags);
+}
+
+void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags)
+{
+    auto* accessor = vm.heap().make<Accessor>(getter, setter);
+    // Boxed as an object so that tracing finds it; the flag keeps scripts from ever seeing it.
+    define(vm, name, Value(reinterpret_cast<Object*>(static_cast<Cell*>(accessor))),
+           static_cast<std::uint16_t>(flags | kAccessor));
+}
+
+void Object::changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags)
+{
+    becomeUnshared(vm);
+    m_layout->setFlags(at, flags);
+    noteShapeChange(vm);
+}
+
+void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear)
+{
+    const auto changed = [&](std::uint16_t flags) {
+        return static_cast<std::uint16_t>((flags & ~clear) | set | (flags & kAccessor));
+    };
+    for (std::uint32_t at = 0; at < m_layout->properties().size(); ++at) {
+        const Layout::Property property = m_layout->properties()[at];
+        if (property.name.isNull()) continue;
+        if (!name.isNull() && !property.name.matches(name, vm.isCaseSensitive())) continue;
+        if (changed(property.flags) != property.flags) changeFlagsAt(vm, at, changed(property.flags));
+    }
+    if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
+        m_protoFlags = changed(m_protoFlags);
+}
+
+void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)
+{
+    if (m_layout->isShared() && m_layout->properties().size() >= Layout::kLargestShared) becomeUnshared(vm);
+    m_layout = m_layout->withAdded(vm.heap(), name, flags);
+    const std::uint32_t slot = m_layout->properties().back().slot;
+    if (slot >= m_slots.size()) m_slots.resize(slot + 1);
+    m_slots[slot] = value;
+    vm.heap().noteExternalBytes(sizeof(Value));
+    noteShapeChange(vm);
+}
+
+void Object::becomeUnshared(Vm& vm)
+{
+    if (m_layout->isShared()) m_layout = m_layout->ownCopy(vm.heap());
+}
+
+void Object::noteShapeChange(Vm& vm)
+{
+    if (m_isPrototype) vm.bumpEpoch();
+}
+
+// ---- prototype
+// --------------------------------------------------------------------------------------------------
+
+void Object::setProto(Vm& vm, Value proto)
+{
+    m_proto = proto;
+    m_protoIsSet = true;
+    if (Object* object = proto.asObject()) object->m_isPrototype = true;
+    noteShapeChange(vm);
+}
+
+bool Object::isInstance(Vm& vm, Object* prototype) const
+{
+    const Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+        object = object->prototype();
+        if (object == prototype) return true;
+        if (object == nullptr || object->m_extras == nullptr) continue;
+        for (const Object* interface : object->m_extras->interfaces) {
+            if (interface == prototype || interface->isInstance(vm, prototype)) return true;
+        }
+    }
+    return false;
+}
+
+void Object::attach(std::unique_ptr<Native> native)
+{
+    m_native = std::move(native);
+    m_hasHooks = m_native != nullptr && m_native->hasHooks();
+}
+
+std::string_view Object::typeOf() const
+{
+    if (m_native != nullptr) return m_native->typeOf();
+    return m_isFunction ? "function" : "object";
+}
+
+// ---- watches and interfaces
+// -------------------------------------------------------------------------------------
+
+Object::Extras& Object::extras()
+{
+    if (m_extras == nullptr) m_extras = std::make_unique<Extras>();
+    return *m_extras;
+}
+
+void Object::watch(Name name, Object* callback, Value userData)
+{
+    for (Watch& watch : extras().watches) {
+        if (watch.name == name) {
+            watch.callback = callback;
+            watch.userData = userData;
+            return;
+        }
+    }
+    extras().watches.push_back({name, callback, userData, false});
+}
+
+bool Object::unwatch(Vm& vm, Name name)
+{
+    if (m_extras == nullptr) return false;
+    return std::erase_if(m_extras->watches, [&](const Watch& watch) {
+               return watch.name.matches(name, vm.isCaseSensitive());
+           }) > 0;
+}
+
+Value Object::callWatch(Vm& vm, Name name, Value oldValue, Value newValue)
+{
+    const auto find = [&]() -> Watch* {
+        for (Watch& watch : m_extras->watches) {
+            if (watch.name.matches(name, vm.isCaseSensitive())) return &watch;
+        }
+        return nullptr;
+    };
+    Watch* watch = find();
+    if (watch == nullptr || watch->running) return newValue;
+    watch->running = true;
+    const Value result =
+        vm.call(watch->callback, this, {Value(name.string()), oldValue, newValue, watch->userData});
+    // The callback may have added or removed watches.
+    if (Watch* still = find()) still->running = false;
+    return result;
+}
+
+void Object::addInterface(Object* prototype) { extras().interfaces.push_back(prototype); }
+
+void Object::trace(Tracer& tracer)
+{
+    tracer(m_layout);
+    for (const Value value : m_slots) tracer(value);
+    tracer(m_proto);
+    if (m_native != nullptr) m_native->trace(tracer);
+    if (m_extras == nullptr) return;
+    for (const Watch& watch : m_extras->watches) {
+        tracer(watch.name.cell());
+        tracer(watch.callback);
+        tracer(watch.userData);
+    }
+    for (const Object* interface : m_extras->interfaces) tracer(interface);
+}
+
+} // namespace flash::avm1

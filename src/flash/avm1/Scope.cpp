@@ -1,0 +1,312 @@
+#include "flash/avm1/ArrayNative.h"
+#include "flash/avm1/Interpreter.h"
+
+#include <algorithm>
+
+// Members and variables: where a name leads to, and the caches that remember it.
+namespace flash::avm1
+{
+
+void Scope::trace(Tracer& tracer)
+{
+    tracer(object);
+    tracer(outer);
+}
+
+bool Interpreter::lookup(Vm& vm, Object* object, Name name, Value receiver, Value& result, Object*& holder)
+{
+    for (int depth = 0; object != nullptr && depth <= Object::kLongestPrototypeChain; ++depth) {
+        const bool found = object->hasHooks()
+                               ? object->nativeBase()->getOwn(vm, *object, name, receiver, result)
+                               : object->getPlain(vm, name, receiver, result);
+        if (found) {
+            holder = object;
+            return true;
+        }
+        object = object->prototype();
+    }
+    return false;
+}
+
+Value Interpreter::getMember(Vm& vm, Value base, Name name)
+{
+    switch (base.type()) {
+    case Value::Type::Object: return base.object()->get(vm, name);
+    case Value::Type::String:
+        if (name.matches(vm.common().length, vm.isCaseSensitive()))
+            return Value(static_cast<double>(base.string()->length()));
+        return vm.builtIns().string->get(vm, name, base);
+    case Value::Type::Number: return vm.builtIns().number->get(vm, name, base);
+    case Value::Type::Boolean: return vm.builtIns().boolean->get(vm, name, base);
+    case Value::Type::Undefined:
+    case Value::Type::Null: break;
+    }
+    return {};
+}
+
+namespace
+{
+
+bool isHit(const InlineCache& cache, const Object* object, const NameText* name, std::uint32_t epoch)
+{
+    return cache.epoch == epoch && cache.layout == object->layout() && cache.name == name &&
+           (cache.holder == nullptr || cache.protoBits == object->protoValue().bits());
+}
+
+/// Remembers where a look-up ends, when that is a plain property that can be remembered.
+bool fill(InlineCache& cache, const Frame& frame, Object* object, Name name)
+{
+    if (object->hasHooks() || !object->layout()->isShared()) return false;
+    Object* holder = object;
+    for (int depth = 0; holder != nullptr && depth < 8; ++depth) {
+        if (holder->hasHooks()) return false;
+        const Layout* layout = holder->layout();
+        const std::uint32_t at = layout->find(name, frame.isCaseSensitive());
+        if (at == Layout::kMissing) {
+            holder = holder->prototype();
+            continue;
+        }
+        const Layout::Property& property = layout->properties()[at];
+        if ((property.flags & (kAccessor | kVersionMask)) != 0) return false;
+        cache.layout = object->layout();
+        cache.protoBits = object->protoValue().bits();
+        cache.name = name.cell();
+        cache.holder = holder == object ? nullptr : holder;
+        cache.slot = property.slot;
+        cache.epoch = frame.vm.epoch();
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+Value Interpreter::getMemberCached(Frame& frame, Value base, Value key, std::uint32_t cacheIndex)
+{
+    Vm& vm = frame.vm;
+    Object* object = base.asObject();
+    if (object != nullptr && key.isString()) {
+        const Name name = vm.names().intern(key.string());
+        InlineCache& cache = frame.code->cache(cacheIndex);
+        if (isHit(cache, object, name.cell(), vm.epoch()) || fill(cache, frame, object, name))
+            return (cache.holder == nullptr ? object : cache.holder)->slot(cache.slot);
+        return object->get(vm, name);
+    }
+    if (object != nullptr && key.isNumber()) {
+        if (ArrayNative* array = object->native<ArrayNative>()) {
+            if (const Value* element = array->elementAt(key.number())) return *element;
+        }
+    }
+    return getMember(vm, base, avm1::toName(vm, key));
+}
+
+Value Interpreter::getMethodCached(Frame& frame, Value base, Name name, Object*& holder,
+                                   std::uint32_t cacheIndex)
+{
+    Vm& vm = frame.vm;
+    Object* object = base.asObject();
+    if (object == nullptr) return getMember(vm, base, name);
+    InlineCache& cache = frame.code->cache(cacheIndex);
+    if (isHit(cache, object, name.cell(), vm.epoch()) || fill(cache, frame, object, name)) {
+        holder = cache.holder == nullptr ? object : cache.holder;
+        return holder->slot(cache.slot);
+    }
+    Value result;
+    if (lookup(vm, object, name, base, result, holder)) return result;
+    return object->get(vm, name);
+}
+
+void Interpreter::setMemberCached(Frame& frame, Value base, Value key, Value value, std::uint32_t cacheIndex)
+{
+    Vm& vm = frame.vm;
+    Object* object = base.asObject();
+    if (object == nullptr) {
+        // Scripts name clips by their paths now and then.
+        return;
+    }
+    if (key.isString()) {
+        const Name name = vm.names().intern(key.string());
+        InlineCache& cache = frame.code->cache(cacheIndex);
+        if (!object->hasWatches()) {
+            if (isHit(cache, object, name.cell(), vm.epoch()) && cache.holder == nullptr) {
+                object->setSlot(cache.slot, value);
+                return;
+            }
+            const std::uint32_t at = object->hasHooks() || !object->layout()->isShared()
+                                         ? Layout::kMissing
+                                         : object->layout()->find(name, frame.isCaseSensitive());
+            if (at != Layout::kMissing &&
+                (object->layout()->properties()[at].flags & (kAccessor | kReadOnly | kVersionMask)) == 0 &&
+                fill(cache, frame, object, name)) {
+                object->setSlot(cache.slot, value);
+                return;
+            }
+        }
+        object->put(vm, name, value);
+        return;
+    }
+    if (key.isNumber() && !object->hasWatches()) {
+        if (ArrayNative* array = object->native<ArrayNative>()) {
+            if (Value* element = array->elementAt(key.number())) {
+                *element = value;
+                return;
+            }
+        }
+    }
+    object->put(vm, avm1::toName(vm, key), value);
+}
+
+Value Interpreter::getVariableCached(Frame& frame, Value key, std::uint32_t cacheIndex)
+{
+    Vm& vm = frame.vm;
+    const Name name = avm1::toName(vm, key);
+    Object* first = frame.scope->object;
+    if (frame.scope->kind == Scope::Kind::Activation) {
+        InlineCache& cache = frame.code->cache(cacheIndex);
+        if (isHit(cache, first, name.cell(), vm.epoch()) ||
+            (!name.isPath() && fill(cache, frame, first, name)))
+            return first->slot(cache.slot);
+    }
+    return getVariable(frame, name);
+}
+
+Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
+{
+    Vm& vm = frame.vm;
+    if (name.isPath()) return getPath(frame, name.view(), thisOfCall);
+    const bool sensitive = frame.isCaseSensitive();
+    const Names::Common& common = vm.common();
+    const std::uint16_t suppressed = frame.callee != nullptr ? frame.callee->code()->head.flags : 0;
+    bool own = frame.callee != nullptr;
+    for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
+        Object* object = scope->kind == Scope::Kind::Target ? frame.target : scope->object;
+        if (object != nullptr) {
+            Value result;
+            const Value receiver(object);
+            const bool found = object->find(vm, name, result, receiver);
+            if (found) {
+                if (thisOfCall != nullptr)
+                    *thisOfCall = scope->kind == Scope::Kind::Activation ? nullptr : object;
+                return result;
+            }
+        }
+        if (scope->kind == Scope::Kind::Activation && own) {
+            // The running function's own variables that need no slot.
+            own = false;
+            if ((suppressed & FunctionHead::SuppressThis) == 0 && name.matches(common.self, sensitive))
+                return frame.self;
+            if ((suppressed & FunctionHead::SuppressArguments) == 0 &&
+                name.matches(common.arguments, sensitive))
+                return argumentsObject(frame);
+            if ((suppressed & FunctionHead::SuppressSuper) == 0 && name.matches(common.super, sensitive))
+                return superObject(frame);
+        }
+        if (vm.isUnwinding()) return {};
+    }
+    if (name.matches(common.self, sensitive))
+        return frame.callee == nullptr ? frame.self : Value(frame.baseTarget);
+    if (frame.version > 5 && name.matches(common.global, sensitive)) return vm.global();
+    Value result;
+    if (vm.global()->find(vm, name, result, vm.global())) {
+        if (thisOfCall != nullptr) *thisOfCall = nullptr;
+        return result;
+    }
+    // A resolver on a `with` object or on the target may still know the name.
+    for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
+        Object* object = scope->kind == Scope::Kind::Target ? frame.target : scope->object;
+        if (object == nullptr || scope->kind == Scope::Kind::Activation) continue;
+        result = object->get(vm, name);
+        if (!result.isUndefined()) {
+            if (thisOfCall != nullptr) *thisOfCall = object;
+            return result;
+        }
+    }
+    return {};
+}
+
+void Interpreter::setVariable(Frame& frame, Name name, Value value)
+{
+    Vm& vm = frame.vm;
+    if (name.isPath()) return setPath(frame, name.view(), value);
+    for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
+        if (scope->kind == Scope::Kind::Target) break;
+        if (!scope->object->has(vm, name)) continue;
+        scope->object->put(vm, name, value);
+        return;
+    }
+    if (frame.target != nullptr) frame.target->put(vm, name, value);
+}
+
+bool Interpreter::deleteVariable(Frame& frame, Name name)
+{
+    Vm& vm = frame.vm;
+    for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
+        Object* object = scope->kind == Scope::Kind::Target ? frame.target : scope->object;
+        if (object != nullptr && object->hasOwn(vm, name)) return object->remove(vm, name);
+    }
+    return vm.global()->remove(vm, name);
+}
+
+// ---- paths
+// ------------------------------------------------------------------------------------------------------
+
+namespace
+{
+
+struct SplitPath {
+    std::u16string_view base, name;
+    bool hasBase;
+};
+
+/// "/a/b:c", "a.b.c" and "a/b/c" name the variable c of something; so does ":c", with an empty base.
+SplitPath splitVariable(std::u16string_view path)
+{
+    std::size_t at = path.rfind(u':');
+    if (at == std::u16string_view::npos) {
+        at = path.rfind(u'.');
+        // ".." is a step, not a separator.
+        if (at != std::u16string_view::npos && at > 0 && path[at - 1] == u'.') at = std::u16string_view::npos;
+    }
+    if (at == std::u16string_view::npos) return {{}, path, false};
+    return {path.substr(0, at), path.substr(at + 1), true};
+}
+
+} // namespace
+
+Value Interpreter::getPath(Frame& frame, std::u16string_view path, Object** thisOfCall)
+{
+    Vm& vm = frame.vm;
+    const SplitPath split = splitVariable(path);
+    if (!split.hasBase) {
+        // A slash path without a variable names the clip itself.
+        return Value(resolve(frame, path, frame.target));
+    }
+    Object* base = resolve(frame, split.base, frame.target);
+    if (base == nullptr) return {};
+    if (thisOfCall != nullptr) *thisOfCall = base;
+    return base->get(vm, vm.name(split.name));
+}
+
+void Interpreter::setPath(Frame& frame, std::u16string_view path, Value value)
+{
+    Vm& vm = frame.vm;
+    const SplitPath split = splitVariable(path);
+    Object* base = split.hasBase ? resolve(frame, split.base, frame.target) : frame.target;
+    if (base != nullptr) base->put(vm, vm.name(split.name), value);
+}
+
+Object* Interpreter::resolve(Frame& frame, std::u16string_view path, Object* start)
+{
+    // The first step of a dotted path may be any variable in scope: "list.item", "this.x", "_global.y".
+    if (!path.empty() && path[0] != u'/' && path[0] != u'.' && path[0] != u':') {
+        const std::size_t end = std::min(path.find_first_of(u"/.:"), path.size());
+        Vm& vm = frame.vm;
+        const Value first = getVariable(frame, vm.name(path.substr(0, end)));
+        Object* object = first.asObject();
+        if (object == nullptr || end == path.size()) return object;
+        return vm.resolveTarget(object, path.substr(end + 1));
+    }
+    return frame.vm.resolveTarget(start, path);
+}
+
+} // namespace flash::avm1

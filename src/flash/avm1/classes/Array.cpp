@@ -1,0 +1,211 @@
+#include "flash/avm1/ArrayNative.h"
+
+#include "flash/avm1/classes/ArraySort.h"
+#include "flash/avm1/classes/Classes.h"
+
+#include <algorithm>
+
+namespace flash::avm1::classes
+{
+
+namespace
+{
+
+Value construct(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* array = call.isConstruct ? call.self.asObject() : nullptr;
+    if (array == nullptr) array = vm.newArray();
+    auto& native = array->attachNew<ArrayNative>();
+    if (call.count() == 1 && call.arg(0).isNumber())
+        native.setLength(vm, *array, toInt32(vm, call.arg(0)));
+    else
+        native.assign({call.args.begin(), call.args.end()});
+    return array;
+}
+
+Value push(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    double length = listLength(vm, self);
+    for (const Value value : call.args)
+        self->put(vm, vm.names().fromIndex(static_cast<std::uint32_t>(length++)), value);
+    if (self->native<ArrayNative>() == nullptr) self->put(vm, vm.common().length, Value(length));
+    return Value(length);
+}
+
+Value pop(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    const double length = listLength(vm, self);
+    if (length <= 0) return {};
+    const Name last = vm.names().fromIndex(static_cast<std::uint32_t>(length - 1));
+    const Value value = self->get(vm, last);
+    self->remove(vm, last);
+    self->put(vm, vm.common().length, Value(length - 1));
+    return value;
+}
+
+Value shift(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    RootedValues elements(call.vm.heap());
+    *elements = listElements(call.vm, self);
+    if (elements->empty()) return {};
+    const Value first = elements->front();
+    elements->erase(elements->begin());
+    setListElements(call.vm, self, *elements);
+    return first;
+}
+
+Value unshift(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    RootedValues elements(call.vm.heap());
+    *elements = listElements(call.vm, self);
+    elements->insert(elements->begin(), call.args.begin(), call.args.end());
+    setListElements(call.vm, self, *elements);
+    return Value(static_cast<double>(elements->size()));
+}
+
+Value concat(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    RootedValues elements(call.vm.heap());
+    *elements = listElements(call.vm, self);
+    for (const Value value : call.args) {
+        Object* list = value.asObject();
+        if (list == nullptr || list->native<ArrayNative>() == nullptr) {
+            elements->push_back(value);
+            continue;
+        }
+        const std::vector<Value> more = listElements(call.vm, list);
+        elements->insert(elements->end(), more.begin(), more.end());
+    }
+    return call.vm.newArray(*elements);
+}
+
+/// A position that may count from the end, clamped to the list.
+std::size_t position(Call& call, std::size_t argument, std::size_t size, std::size_t absent)
+{
+    if (argument >= call.count() || call.arg(argument).isUndefined()) return absent;
+    const std::int64_t index = toInt32(call.vm, call.arg(argument));
+    const auto length = static_cast<std::int64_t>(size);
+    return static_cast<std::size_t>(std::clamp<std::int64_t>(index < 0 ? index + length : index, 0, length));
+}
+
+Value slice(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    RootedValues elements(call.vm.heap());
+    *elements = listElements(call.vm, self);
+    const std::size_t start = position(call, 0, elements->size(), 0);
+    const std::size_t end = position(call, 1, elements->size(), elements->size());
+    if (start >= end) return call.vm.newArray();
+    return call.vm.newArray(std::span<const Value>(*elements).subspan(start, end - start));
+}
+
+Value splice(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* self = call.self.asObject();
+    if (self == nullptr || call.count() == 0) return {};
+    RootedValues elements(vm.heap());
+    *elements = listElements(vm, self);
+    const std::size_t start = position(call, 0, elements->size(), 0);
+    std::size_t count = elements->size() - start;
+    if (call.count() > 1) {
+        const std::int32_t wanted = toInt32(vm, call.arg(1));
+        if (wanted < 0) return {};
+        count = std::min(count, static_cast<std::size_t>(wanted));
+    }
+    const auto first = elements->begin() + static_cast<std::ptrdiff_t>(start);
+    Object* removed = vm.newArray(std::span<const Value>(*elements).subspan(start, count));
+    elements->erase(first, first + static_cast<std::ptrdiff_t>(count));
+    if (call.count() > 2)
+        elements->insert(elements->begin() + static_cast<std::ptrdiff_t>(start), call.args.begin() + 2,
+                         call.args.end());
+    setListElements(vm, self, *elements);
+    return removed;
+}
+
+Value reverse(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    RootedValues elements(call.vm.heap());
+    *elements = listElements(call.vm, self);
+    std::ranges::reverse(*elements);
+    setListElements(call.vm, self, *elements);
+    return self;
+}
+
+Value joined(Vm& vm, Object* self, std::u16string_view separator)
+{
+    RootedValues elements(vm.heap());
+    *elements = listElements(vm, self);
+    std::u16string text;
+    for (std::size_t i = 0; i < elements->size() && !vm.isUnwinding(); ++i) {
+        if (i > 0) text += separator;
+        const Value element = (*elements)[i];
+        text += element.isUndefined() ? std::u16string(u"undefined") : toText(vm, element);
+    }
+    return vm.string(std::move(text));
+}
+
+Value join(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    const bool given = call.count() > 0 && !call.arg(0).isUndefined();
+    return joined(call.vm, self, given ? toText(call.vm, call.arg(0)) : std::u16string(u","));
+}
+
+Value toString(Call& call)
+{
+    Object* self = call.self.asObject();
+    return self == nullptr ? Value() : joined(call.vm, self, u",");
+}
+
+// clang-format off
+constexpr MemberInfo kMembers[] = {
+    // name       least  flags  function    native
+    {"push",      0,     0,     &push,      1},
+    {"pop",       0,     0,     &pop,       2},
+    {"concat",    0,     0,     &concat,    3},
+    {"shift",     0,     0,     &shift,     4},
+    {"unshift",   0,     0,     &unshift,   5},
+    {"slice",     0,     0,     &slice,     6},
+    {"join",      0,     0,     &join,      7},
+    {"splice",    0,     0,     &splice,    8},
+    {"toString",  0,     0,     &toString,  9},
+    {"sort",      0,     0,     &sort,      10},
+    {"reverse",   0,     0,     &reverse,   11},
+    {"sortOn",    0,     0,     &sortOn,    12},
+};
+// clang-format on
+constexpr int kNativeTable = 252;
+
+} // namespace
+
+void installArray(Vm& vm)
+{
+    Function* constructor = vm.defineClass("Array", &construct, kMembers, 0, kNativeTable);
+    vm.registerNative(kNativeTable, 0, &construct);
+    vm.builtIns().array = vm.prototypeOf(constructor);
+    constructor->define(vm, "CASEINSENSITIVE", Value(static_cast<double>(kSortCaseInsensitive)), kBuiltIn);
+    constructor->define(vm, "DESCENDING", Value(static_cast<double>(kSortDescending)), kBuiltIn);
+    constructor->define(vm, "UNIQUESORT", Value(static_cast<double>(kSortUnique)), kBuiltIn);
+    constructor->define(vm, "RETURNINDEXEDARRAY", Value(static_cast<double>(kSortReturnIndexed)), kBuiltIn);
+    constructor->define(vm, "NUMERIC", Value(static_cast<double>(kSortNumeric)), kBuiltIn);
+}
+
+} // namespace flash::avm1::classes

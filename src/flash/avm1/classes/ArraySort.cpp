@@ -1,0 +1,203 @@
+#include "flash/avm1/classes/ArraySort.h"
+
+#include "flash/avm1/ArrayNative.h"
+#include "flash/avm1/Vm.h"
+
+#include <cmath>
+#include <numeric>
+
+namespace flash::avm1::classes
+{
+
+namespace
+{
+
+/// Compares two elements. @returns less than, equal to, or greater than 0.
+class Comparison
+{
+public:
+    struct Field {
+        Name name; ///< null: the element itself
+        std::uint32_t options;
+    };
+    Comparison(Vm& vm, std::vector<Field> fields, Value function)
+        : m_vm(vm), m_fields(std::move(fields)), m_function(function)
+    {
+    }
+
+    int operator()(Value a, Value b)
+    {
+        if (m_function.isObject()) {
+            const double order = toNumber(m_vm, m_vm.call(m_function, {}, {a, b}));
+            const int sign = order > 0 ? 1 : order < 0 ? -1 : 0;
+            return (m_fields[0].options & kSortDescending) != 0 ? -sign : sign;
+        }
+        for (const Field& field : m_fields) {
+            const int order = byField(a, b, field);
+            if (order != 0) return (field.options & kSortDescending) != 0 ? -order : order;
+        }
+        return 0;
+    }
+
+private:
+    int byField(Value a, Value b, const Field& field)
+    {
+        if (!field.name.isNull()) {
+            a = member(a, field.name);
+            b = member(b, field.name);
+        }
+        if ((field.options & kSortNumeric) != 0 && !a.isString() && !b.isString()) return numeric(a, b);
+        const std::u16string left = text(a, field.options);
+        const std::u16string right = text(b, field.options);
+        return left < right ? -1 : left > right ? 1 : 0;
+    }
+    int numeric(Value a, Value b)
+    {
+        const double x = toNumber(m_vm, a);
+        const double y = toNumber(m_vm, b);
+        return x < y ? -1 : x > y ? 1 : 0;
+    }
+    Value member(Value value, Name name)
+    {
+        Object* object = value.asObject();
+        return object == nullptr ? Value() : object->get(m_vm, name);
+    }
+    std::u16string text(Value value, std::uint32_t options)
+    {
+        std::u16string result = toText(m_vm, value);
+        return (options & kSortCaseInsensitive) != 0 ? Names::fold(result) : result;
+    }
+
+    Vm& m_vm;
+    std::vector<Field> m_fields;
+    Value m_function;
+};
+
+/// Sorts positions, so that a comparison that contradicts itself can do no harm: a merge sort looks at each
+/// pair at most once and stays within bounds whatever it is told.
+void mergeSort(std::vector<std::uint32_t>& order, const std::vector<Value>& elements, Comparison& compare,
+               const Vm& vm)
+{
+    std::vector<std::uint32_t> merged(order.size());
+    for (std::size_t width = 1; width < order.size(); width *= 2) {
+        for (std::size_t start = 0; start < order.size(); start += 2 * width) {
+            const std::size_t middle = std::min(start + width, order.size());
+            const std::size_t end = std::min(start + 2 * width, order.size());
+            std::size_t left = start, right = middle;
+            for (std::size_t at = start; at < end; ++at) {
+                const bool takeLeft =
+                    right >= end ||
+                    (left < middle &&
+                     (vm.isUnwinding() || compare(elements[order[left]], elements[order[right]]) <= 0));
+                merged[at] = takeLeft ? order[left++] : order[right++];
+            }
+        }
+        order.swap(merged);
+    }
+}
+
+Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
+{
+    RootedValues elements(vm.heap());
+    *elements = listElements(vm, list);
+    std::vector<std::uint32_t> order(elements->size());
+    std::iota(order.begin(), order.end(), 0U);
+    mergeSort(order, *elements, compare, vm);
+    if (vm.isUnwinding()) return {};
+    if ((options & kSortUnique) != 0) {
+        for (std::size_t i = 1; i < order.size(); ++i) {
+            if (compare((*elements)[order[i - 1]], (*elements)[order[i]]) == 0) return Value(0);
+        }
+    }
+    RootedValues sorted(vm.heap());
+    for (const std::uint32_t index : order)
+        sorted->push_back((options & kSortReturnIndexed) != 0 ? Value(index) : (*elements)[index]);
+    if ((options & kSortReturnIndexed) != 0) return vm.newArray(*sorted);
+    setListElements(vm, list, *sorted);
+    return list;
+}
+
+} // namespace
+
+double listLength(Vm& vm, Object* list)
+{
+    if (const ArrayNative* array = list->native<ArrayNative>()) return array->length();
+    constexpr double kMostElements = 1e7;
+    const double length = toInt32(vm, list->get(vm, vm.common().length));
+    return std::clamp(length, 0.0, kMostElements);
+}
+
+std::vector<Value> listElements(Vm& vm, Object* list)
+{
+    const double length = listLength(vm, list);
+    std::vector<Value> elements;
+    if (ArrayNative* array = list->native<ArrayNative>();
+        array != nullptr && array->elements().size() == length) {
+        elements = array->elements();
+        for (Value& element : elements) {
+            if (element.isHole()) element = Value();
+        }
+        return elements;
+    }
+    RootedValues kept(vm.heap());
+    for (double i = 0; i < std::min(length, 1e7) && !vm.isUnwinding(); ++i)
+        kept->push_back(list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i))));
+    return *kept;
+}
+
+void setListElements(Vm& vm, Object* list, const std::vector<Value>& elements)
+{
+    if (ArrayNative* array = list->native<ArrayNative>()) {
+        array->setLength(vm, *list, 0);
+        array->assign(elements);
+        return;
+    }
+    for (std::size_t i = 0; i < elements.size(); ++i)
+        list->put(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i)), elements[i]);
+    const double before = listLength(vm, list);
+    for (auto i = static_cast<double>(elements.size()); i < before; ++i)
+        list->remove(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+    list->put(vm, vm.common().length, Value(static_cast<double>(elements.size())));
+}
+
+Value sort(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    Value function;
+    Value optionsValue = call.arg(0);
+    if (Object* first = call.arg(0).asObject(); first != nullptr && first->isFunction()) {
+        function = first;
+        optionsValue = call.arg(1);
+    }
+    const auto options = optionsValue.isNumber() ? toUint32(optionsValue.number()) : 0U;
+    Comparison compare(call.vm, {{Name(), options}}, function);
+    return sortList(call.vm, self, compare, options);
+}
+
+Value sortOn(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* self = call.self.asObject();
+    if (self == nullptr || call.count() == 0) return {};
+    std::vector<Comparison::Field> fields;
+    std::uint32_t options = call.arg(1).isNumber() ? toUint32(call.arg(1).number()) : 0U;
+    Object* names = call.arg(0).asObject();
+    if (names != nullptr && names->native<ArrayNative>() != nullptr) {
+        const std::vector<Value> list = listElements(vm, names);
+        std::vector<Value> each;
+        if (Object* optionList = call.arg(1).asObject()) each = listElements(vm, optionList);
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            const std::uint32_t own = each.size() == list.size() ? toUint32(toNumber(vm, each[i])) : options;
+            fields.push_back({toName(vm, list[i]), own});
+        }
+        if (each.size() == list.size() && !each.empty()) options = toUint32(toNumber(vm, each[0]));
+        if (fields.empty()) return self;
+    } else {
+        fields.push_back({toName(vm, call.arg(0)), options});
+    }
+    Comparison compare(vm, std::move(fields), {});
+    return sortList(vm, self, compare, options);
+}
+
+} // namespace flash::avm1::classes

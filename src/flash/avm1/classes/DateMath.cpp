@@ -1,0 +1,91 @@
+#include "flash/avm1/classes/DateMath.h"
+
+#include <cmath>
+#include <ctime>
+#include <limits>
+
+namespace flash::avm1::classes
+{
+
+namespace
+{
+
+constexpr double kMsPerDay = 86400000;
+constexpr double kLargestTimeMs = 8.64e15;
+
+/// Days since 1970-01-01 of a date in the proleptic Gregorian calendar. Years begin in March here, so that
+/// the leap day is the last one.
+double daysFromCivil(double year, int month, double day)
+{
+    if (month < 2) year -= 1;
+    const double era = std::floor(year / 400);
+    const double yearOfEra = year - era * 400;
+    const int shifted = (month + 10) % 12; // March is 0
+    const double dayOfYear = std::floor((153.0 * shifted + 2) / 5) + day - 1;
+    const double dayOfEra =
+        yearOfEra * 365 + std::floor(yearOfEra / 4) - std::floor(yearOfEra / 100) + dayOfYear;
+    return era * 146097 + dayOfEra - 719468;
+}
+
+} // namespace
+
+double timeFromParts(const DateParts& parts)
+{
+    const double month = std::trunc(parts.month);
+    const double year = std::trunc(parts.year) + std::floor(month / 12);
+    if (!std::isfinite(year) || std::fabs(year) > 400000) return std::numeric_limits<double>::quiet_NaN();
+    const auto monthOfYear = static_cast<int>(month - std::floor(month / 12) * 12);
+    const double days = daysFromCivil(year, monthOfYear, 1) + std::trunc(parts.day) - 1;
+    const double time = days * kMsPerDay + std::trunc(parts.hours) * 3600000 +
+                        std::trunc(parts.minutes) * 60000 + std::trunc(parts.seconds) * 1000 +
+                        std::trunc(parts.milliseconds);
+    return std::fabs(time) > kLargestTimeMs ? std::numeric_limits<double>::quiet_NaN() : time;
+}
+
+DateParts partsFromTime(double timeMs)
+{
+    DateParts parts;
+    const double days = std::floor(timeMs / kMsPerDay);
+    double rest = timeMs - days * kMsPerDay;
+    parts.hours = std::floor(rest / 3600000);
+    rest -= parts.hours * 3600000;
+    parts.minutes = std::floor(rest / 60000);
+    rest -= parts.minutes * 60000;
+    parts.seconds = std::floor(rest / 1000);
+    parts.milliseconds = std::floor(rest - parts.seconds * 1000);
+    parts.weekday = static_cast<int>(days + 4 - std::floor((days + 4) / 7) * 7);
+
+    const double shifted = days + 719468;
+    const double era = std::floor(shifted / 146097);
+    const double dayOfEra = shifted - era * 146097;
+    const double yearOfEra = std::floor((dayOfEra - std::floor(dayOfEra / 1460) +
+                                         std::floor(dayOfEra / 36524) - std::floor(dayOfEra / 146096)) /
+                                        365);
+    const double dayOfYear =
+        dayOfEra - (365 * yearOfEra + std::floor(yearOfEra / 4) - std::floor(yearOfEra / 100));
+    const double monthFromMarch = std::floor((5 * dayOfYear + 2) / 153);
+    parts.day = dayOfYear - std::floor((153 * monthFromMarch + 2) / 5) + 1;
+    parts.month = monthFromMarch < 10 ? monthFromMarch + 2 : monthFromMarch - 10;
+    parts.year = yearOfEra + era * 400 + (parts.month < 2 ? 1 : 0);
+    return parts;
+}
+
+double localOffsetMinutes(double utcMs)
+{
+    if (!std::isfinite(utcMs)) return 0;
+    const auto seconds = static_cast<std::time_t>(std::floor(utcMs / 1000));
+    std::tm local{};
+    if (localtime_r(&seconds, &local) == nullptr) return 0;
+    return static_cast<double>(local.tm_gmtoff) / 60;
+}
+
+double localFromUtc(double utcMs) { return utcMs + localOffsetMinutes(utcMs) * 60000; }
+
+double utcFromLocal(double localMs)
+{
+    // The offset is a function of UTC; two steps settle everything but the hour that does not exist.
+    const double guess = localMs - localOffsetMinutes(localMs) * 60000;
+    return localMs - localOffsetMinutes(guess) * 60000;
+}
+
+} // namespace flash::avm1::classes

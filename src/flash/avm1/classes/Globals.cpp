@@ -1,0 +1,291 @@
+#include "flash/avm1/ArrayNative.h"
+#include "flash/avm1/classes/Classes.h"
+
+#include "base/TextCodes.h"
+
+#include <cmath>
+#include <limits>
+
+// Functions and constants of _global that belong to no class.
+namespace flash::avm1::classes
+{
+
+namespace
+{
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+Value parseInt(Call& call)
+{
+    const std::u16string text = toText(call.vm, call.arg(0));
+    int radix = 0;
+    if (call.count() > 1 && !call.arg(1).isUndefined()) {
+        radix = toInt32(call.vm, call.arg(1));
+        if (radix < 2 || radix > 36) return Value(kNaN);
+    }
+    return Value(parseIntPrefix(text, radix));
+}
+
+Value parseFloat(Call& call) { return Value(parseFloatPrefix(toText(call.vm, call.arg(0)))); }
+Value isNaN(Call& call) { return Value(std::isnan(toNumber(call.vm, call.arg(0)))); }
+Value isFinite(Call& call) { return Value(std::isfinite(toNumber(call.vm, call.arg(0)))); }
+
+/// Texts of movies before version 6 are ANSI, later ones UTF-8.
+std::string bytesOf(const Vm& vm, std::u16string_view text)
+{
+    return vm.version() < 6 ? base::ansiFromUtf16(text) : base::utf8FromUtf16(text);
+}
+
+Value escape(Call& call)
+{
+    constexpr char kHexDigits[] = "0123456789ABCDEF";
+    std::u16string escaped;
+    for (const char character : bytesOf(call.vm, toText(call.vm, call.arg(0)))) {
+        const auto byte = static_cast<unsigned char>(character);
+        if ((byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z')) {
+            escaped += static_cast<char16_t>(byte);
+        } else {
+            escaped += u'%';
+            escaped += static_cast<char16_t>(kHexDigits[byte >> 4]);
+            escaped += static_cast<char16_t>(kHexDigits[byte & 15]);
+        }
+    }
+    return call.vm.string(std::move(escaped));
+}
+
+int hexValue(char character)
+{
+    if (character >= '0' && character <= '9') return character - '0';
+    const char lower = static_cast<char>(character | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+Value unescape(Call& call)
+{
+    const std::string bytes = bytesOf(call.vm, toText(call.vm, call.arg(0)));
+    std::string plain;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] == '+') {
+            plain += ' ';
+        } else if (bytes[i] == '%' && i + 2 < bytes.size() && hexValue(bytes[i + 1]) >= 0 &&
+                   hexValue(bytes[i + 2]) >= 0) {
+            plain += static_cast<char>(hexValue(bytes[i + 1]) << 4 | hexValue(bytes[i + 2]));
+            i += 2;
+        } else {
+            plain += bytes[i];
+        }
+    }
+    return call.vm.string(call.vm.version() < 6 ? base::utf16FromAnsi(plain) : base::utf16FromUtf8(plain));
+}
+
+/// ASSetPropFlags(object, names, set, clear): names are null (all), a comma-separated text or a list.
+Value setPropFlags(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* object = call.arg(0).asObject();
+    if (object == nullptr || call.count() < 3) return {};
+    const std::uint16_t mask = vm.version() == 5 ? 0x7 : 0x7FFF & ~kAccessor;
+    const auto set = static_cast<std::uint16_t>(toInt32(vm, call.arg(2)) & mask);
+    const auto clear = static_cast<std::uint16_t>(toInt32(vm, call.arg(3)) & mask);
+    const Value names = call.arg(1);
+    if (names.isNull()) {
+        object->changeFlags(vm, Name(), set, clear);
+        return {};
+    }
+    if (Object* list = names.asObject()) {
+        const double length = std::min(toNumber(vm, list->get(vm, vm.common().length)), 65535.0);
+        for (double i = 0; i < length && !vm.isUnwinding(); ++i) {
+            const Value name = list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+            object->changeFlags(vm, toName(vm, name), set, clear);
+        }
+        return {};
+    }
+    const std::u16string text = toText(vm, names);
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find(u',', at), text.size());
+        object->changeFlags(vm, vm.name(std::u16string_view(text).substr(at, end - at)), set, clear);
+        at = end + 1;
+    }
+    return {};
+}
+
+Value asNative(Call& call)
+{
+    const std::int32_t table = toInt32(call.vm, call.arg(0));
+    const std::int32_t index = toInt32(call.vm, call.arg(1));
+    if (table < 0 || index < 0) return {};
+    return call.vm.nativeByNumber(table, index);
+}
+
+/// ASSetNative(object, table, names, first): puts numbered functions on an object under the given names. A
+/// digit before a name stands for the version from which on it is visible.
+Value setNative(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* object = call.arg(0).asObject();
+    if (object == nullptr) return {};
+    const std::int32_t table = toInt32(vm, call.arg(1));
+    std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
+    const std::u16string text = toText(vm, call.arg(2));
+    for (std::size_t at = 0; at <= text.size(); ++index) {
+        const std::size_t end = std::min(text.find(u',', at), text.size());
+        std::u16string_view name = std::u16string_view(text).substr(at, end - at);
+        std::uint16_t flags = 0;
+        if (!name.empty() && name[0] >= u'6' && name[0] <= u'9') {
+            constexpr std::uint16_t kByDigit[] = {kFrom6, kFrom7, kFrom8, kFrom9};
+            flags = kByDigit[name[0] - u'6'];
+            name.remove_prefix(1);
+        }
+        if (Function* function = vm.nativeByNumber(table, index))
+            object->define(vm, vm.name(name), function, flags);
+        at = end + 1;
+    }
+    return {};
+}
+
+Value setNativeAccessor(Call& call)
+{
+    Vm& vm = call.vm;
+    Object* object = call.arg(0).asObject();
+    if (object == nullptr) return {};
+    const std::int32_t table = toInt32(vm, call.arg(1));
+    std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
+    const std::u16string text = toText(vm, call.arg(2));
+    for (std::size_t at = 0; at <= text.size(); index += 2) {
+        const std::size_t end = std::min(text.find(u',', at), text.size());
+        std::u16string_view name = std::u16string_view(text).substr(at, end - at);
+        std::uint16_t flags = 0;
+        if (!name.empty() && name[0] >= u'6' && name[0] <= u'9') {
+            constexpr std::uint16_t kByDigit[] = {kFrom6, kFrom7, kFrom8, kFrom9};
+            flags = kByDigit[name[0] - u'6'];
+            name.remove_prefix(1);
+        }
+        if (Function* getter = vm.nativeByNumber(table, index))
+            object->defineAccessor(vm, vm.name(name), getter, vm.nativeByNumber(table, index + 1), flags);
+        at = end + 1;
+    }
+    return {};
+}
+
+/// setInterval(function, ms, args...) and setInterval(object, "method", ms, args...).
+Value startTimer(Call& call, bool repeats)
+{
+    Vm& vm = call.vm;
+    Object* first = call.arg(0).asObject();
+    if (first == nullptr || call.count() < 2) return {};
+    Value function = first, self, method;
+    std::size_t at = 1;
+    if (!first->isFunction()) {
+        function = Value();
+        self = first;
+        method = toString(vm, call.arg(1));
+        at = 2;
+        if (call.count() < 3) return {};
+    }
+    const double period = toNumber(vm, call.arg(at));
+    if (std::isnan(period)) return {};
+    const std::span<const Value> rest = call.args.subspan(at + 1);
+    return Value(vm.addTimer(function, self, method, {rest.begin(), rest.end()}, period, repeats));
+}
+
+Value setInterval(Call& call) { return startTimer(call, true); }
+Value setTimeout(Call& call) { return startTimer(call, false); }
+
+Value clearTimer(Call& call)
+{
+    call.vm.removeTimer(toInt32(call.vm, call.arg(0)));
+    return {};
+}
+
+Value traceFunction(Call& call)
+{
+    call.vm.host().trace(call.arg(0).isUndefined() ? std::u16string(u"undefined")
+                                                   : toText(call.vm, call.arg(0)));
+    return {};
+}
+
+Value updateAfterEvent(Call& call)
+{
+    call.vm.host().updateAfterEvent();
+    return {};
+}
+
+/// ASconstructor(table, index): a native as the constructor of a class, with a prototype of its own.
+Value asConstructor(Call& call)
+{
+    const Value native = asNative(call);
+    Object* function = native.asObject();
+    if (function == nullptr) return {};
+    Vm& vm = call.vm;
+    Function* constructor =
+        vm.newFunction(function->asFunction()->nativeFunction(), function->asFunction()->least());
+    Object* prototype = vm.newObject();
+    prototype->define(vm, vm.common().constructor, constructor, kBuiltIn);
+    constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
+    return constructor;
+}
+
+// clang-format off
+constexpr MemberInfo kFunctions[] = {
+    // name                 least  flags   function             native
+    {"ASSetPropFlags",      0,     0,      &setPropFlags,       0},
+    {"ASSetNative",         0,     0,      &setNative},
+    {"ASSetNativeAccessor", 0,     0,      &setNativeAccessor},
+    {"ASconstructor",       0,     0,      &asConstructor},
+    {"ASnative",            2,     0,      &asNative},
+    {"trace",               0,     0,      &traceFunction},
+    {"parseInt",            1,     0,      &parseInt},
+    {"parseFloat",          1,     0,      &parseFloat},
+    {"isNaN",               0,     0,      &isNaN},
+    {"isFinite",            0,     0,      &isFinite},
+    {"escape",              1,     0,      &escape},
+    {"unescape",            1,     0,      &unescape},
+    {"setInterval",         0,     0,      &setInterval},
+    {"clearInterval",       0,     0,      &clearTimer},
+    {"setTimeout",          0,     0,      &setTimeout},
+    {"clearTimeout",        0,     0,      &clearTimer},
+    {"updateAfterEvent",    0,     0,      &updateAfterEvent},
+};
+constexpr struct { int table, index; int member; } kNumbers[] = {
+    {1, 0, 0},    // ASSetPropFlags
+    {4, 0, 2},    // ASSetNativeAccessor's neighbour tables hold nothing else of use
+    {2, 0, 6},    // parseInt
+    {2, 1, 7},    // parseFloat
+    {200, 18, 8}, // isNaN
+    {200, 19, 9}, // isFinite
+    {100, 0, 10}, // escape
+    {100, 1, 11}, // unescape
+    {250, 0, 12}, // setInterval
+    {250, 1, 13}, // clearInterval
+    {250, 2, 14}, // setTimeout
+};
+// clang-format on
+
+} // namespace
+
+void installGlobals(Vm& vm)
+{
+    vm.addMembers(vm.global(), kFunctions);
+    for (const auto& number : kNumbers)
+        vm.registerNative(number.table, number.index, kFunctions[number.member].function,
+                          kFunctions[number.member].least);
+    constexpr std::uint16_t kConstant = kBuiltIn;
+    vm.global()->define(vm, "NaN", Value(kNaN), kConstant);
+    vm.global()->define(vm, "Infinity", Value(std::numeric_limits<double>::infinity()), kConstant);
+}
+
+void installAll(Vm& vm)
+{
+    installObject(vm);
+    installFunction(vm);
+    installString(vm);
+    installNumber(vm);
+    installBoolean(vm);
+    installArray(vm);
+    installMath(vm);
+    installError(vm);
+    installDate(vm);
+    installGlobals(vm);
+}
+
+} // namespace flash::avm1::classes
