@@ -16,6 +16,7 @@ enum InternalOp : std::uint8_t {
     kPushConstant = 0x02, ///< b: index into the constant pool in force
     kPushRegister = 0x03, ///< b: number
     kRegionEnd = 0x08,    ///< a `with` or `try` body ends here; b: byte offset
+    kNothing = 0x16,
     kJumpAction = 0x99,
 };
 

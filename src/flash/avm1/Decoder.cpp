@@ -129,6 +129,11 @@ std::uint32_t Decoder::decodeOne(std::uint32_t offset)
         emit(kEnd);
         return next;
     }
+    if (code == kPushLiteral || code == kPushConstant || code == kPushRegister || code == kRegionEnd) {
+        // In a file these codes mean nothing.
+        emit(kNothing);
+        return next;
+    }
     if (code < kFirstLongAction) {
         emit(code, 0, isCachedAction(code) ? cache() : 0);
         return next;
@@ -319,8 +324,7 @@ std::int64_t Decoder::skipActions(std::uint32_t from, int count) const
     return static_cast<std::int64_t>(at);
 }
 
-// ---- Code
-// -----------------------------------------------------------------------------------------------------
+// ---- Code ------------------------------------------------------------------------------------------------
 
 Code::Code(Vm& vm, std::shared_ptr<const void> owner, base::Bytes bytes, int version)
     : m_vm(vm), m_owner(std::move(owner)), m_bytes(bytes), m_version(version)

@@ -47,8 +47,7 @@ class Host
 public:
     virtual ~Host() = default;
 
-    // ---- outputs and inputs
-    // --------------------------------------------------------------------------------
+    // ---- outputs and inputs ------------------------------------------------------------------------------
     virtual void trace(std::u16string_view text) = 0;
     /// Messages about scripts that go wrong; English.
     virtual void log(std::string_view text) = 0;
@@ -61,8 +60,7 @@ public:
     /// @returns real milliseconds, of any origin, for the script time-out.
     virtual double realTimeMs() = 0;
 
-    // ---- clips
-    // ---------------------------------------------------------------------------------------------
+    // ---- clips -------------------------------------------------------------------------------------------
     /// @returns whether the object stands for a clip that is (still) on the stage: something scripts can
     /// target.
     virtual bool isClip(Object* object) = 0;
@@ -85,8 +83,7 @@ public:
     virtual Value property(Object* clip, int index) = 0;
     virtual void setProperty(Object* clip, int index, Value value) = 0;
 
-    // ---- timeline. Frames count from 0.
-    // --------------------------------------------------------------------
+    // ---- timeline. Frames count from 0. ------------------------------------------------------------------
     virtual void gotoFrame(Object* clip, int frame, bool play) = 0;
     /// @returns whether there is such a label.
     virtual bool gotoLabel(Object* clip, std::u16string_view label, bool play) = 0;
@@ -100,8 +97,7 @@ public:
     /// Runs the actions of a frame at once (the `call` action).
     virtual void callFrame(Object* clip, int frame) = 0;
 
-    // ---- things
-    // ----------------------------------------------------------------------------------------------
+    // ---- things ------------------------------------------------------------------------------------------
     virtual void stopAllSounds() = 0;
     virtual void toggleQuality() = 0;
     virtual void cloneClip(Object* clip, std::u16string_view name, int depth) = 0;

@@ -39,7 +39,7 @@ struct Frame {
     int withDepth = 0;
     const struct Region* region = nullptr; ///< innermost
 
-    // ---- operands. An empty stack yields undefined.
+    // Operands. An empty stack yields undefined.
     void push(Value value)
     {
         if (top == limit) [[unlikely]]

@@ -39,8 +39,7 @@ Object::Object(Vm& vm, Object* prototype) : m_layout(vm.emptyLayout())
     }
 }
 
-// ---- the whole protocol
-// ---------------------------------------------------------------------------------------
+// ---- the whole protocol ----------------------------------------------------------------------------------
 
 Value Object::get(Vm& vm, Name name) { return get(vm, name, this); }
 
@@ -133,8 +132,7 @@ std::vector<Name> Object::enumerate(Vm& vm)
     return names;
 }
 
-// ---- the bag
-// ----------------------------------------------------------------------------------------------------
+// ---- the bag ---------------------------------------------------------------------------------------------
 
 std::uint32_t Object::findVisible(const Vm& vm, Name name) const
 {
@@ -304,8 +302,7 @@ void Object::noteShapeChange(Vm& vm)
     if (m_isPrototype) vm.bumpEpoch();
 }
 
-// ---- prototype
-// --------------------------------------------------------------------------------------------------
+// ---- prototype -------------------------------------------------------------------------------------------
 
 void Object::setProto(Vm& vm, Value proto)
 {
@@ -341,8 +338,7 @@ std::string_view Object::typeOf() const
     return m_isFunction ? "function" : "object";
 }
 
-// ---- watches and interfaces
-// -------------------------------------------------------------------------------------
+// ---- watches and interfaces ------------------------------------------------------------------------------
 
 Object::Extras& Object::extras()
 {

@@ -79,7 +79,7 @@ class Object : public Cell
 public:
     Object(Vm& vm, Object* prototype);
 
-    // ---- access with the whole protocol: hooks, prototypes, getters, setters, watches, __resolve
+    // ---- access with the whole protocol: hooks, prototypes, getters, setters, watches, __resolve ---------
     // ----------- Whether names differ by case, and which properties show, depends on the version of the
     // running movie (Vm::version).
 
@@ -96,8 +96,7 @@ public:
     /// Names of this object and its prototypes as a for-in loop sees them, the first one first.
     std::vector<Name> enumerate(Vm& vm);
 
-    // ---- own properties of the bag, past any hooks
-    // ----------------------------------------------------------
+    // ---- own properties of the bag, past any hooks -------------------------------------------------------
 
     bool getPlain(Vm& vm, Name name, Value receiver, Value& result);
     /// Assigns to an own property or creates it. Read-only ones stay; setters and watches are called.
@@ -114,8 +113,7 @@ public:
     /// Sets, then clears, flags of one own property (a null name: of all).
     void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear);
 
-    // ---- prototype
-    // -----------------------------------------------------------------------------------------
+    // ---- prototype ---------------------------------------------------------------------------------------
 
     /// The value of `__proto__`, which scripts may set to anything; only objects are followed.
     [[nodiscard]] Value protoValue() const { return m_proto; }
@@ -126,8 +124,7 @@ public:
 
     static constexpr int kLongestPrototypeChain = 255;
 
-    // ---- native side
-    // ---------------------------------------------------------------------------------------
+    // ---- native side -------------------------------------------------------------------------------------
 
     [[nodiscard]] Native* nativeBase() const { return m_native.get(); }
     /// @returns the native side when it is a T, or null.
@@ -153,15 +150,13 @@ public:
     [[nodiscard]] bool hasHooks() const { return m_hasHooks; }
     [[nodiscard]] std::string_view typeOf() const;
 
-    // ---- watches and interfaces
-    // ----------------------------------------------------------------------------
+    // ---- watches and interfaces --------------------------------------------------------------------------
 
     void watch(Name name, Object* callback, Value userData);
     bool unwatch(Vm& vm, Name name);
     void addInterface(Object* prototype);
 
-    // ---- for the interpreter's inline caches
-    // ---------------------------------------------------------------
+    // ---- for the interpreter's inline caches -------------------------------------------------------------
 
     [[nodiscard]] const Layout* layout() const { return m_layout; }
     [[nodiscard]] Value slot(std::uint32_t index) const { return m_slots[index]; }

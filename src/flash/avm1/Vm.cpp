@@ -47,8 +47,7 @@ void Vm::traceRoots(Tracer& tracer)
     }
 }
 
-// ---- running
-// ----------------------------------------------------------------------------------------------------
+// ---- running ---------------------------------------------------------------------------------------------
 
 Code* Vm::codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version)
 {
@@ -110,8 +109,7 @@ void Vm::reportUncaught()
 
 Object* Vm::target() const { return m_frame == nullptr ? nullptr : m_frame->target; }
 
-// ---- paths and variables
-// ------------------------------------------------------------------------------------------
+// ---- paths and variables ---------------------------------------------------------------------------------
 
 Object* Vm::resolveTarget(Object* base, std::u16string_view path)
 {
@@ -180,8 +178,7 @@ void Vm::setVariable(Object* clip, std::u16string_view path, Value value)
     if (object != nullptr) object->put(*this, name(plain ? path : path.substr(at + 1)), value);
 }
 
-// ---- making things
-// --------------------------------------------------------------------------------------------------
+// ---- making things ---------------------------------------------------------------------------------------
 
 String* Vm::string(std::u16string text)
 {
@@ -260,8 +257,22 @@ Function* Vm::nativeByNumber(int table, int index)
     return found == m_natives.end() ? nullptr : found->second;
 }
 
-// ---- timers
-// -----------------------------------------------------------------------------------------------------------
+void Vm::registerSymbolClass(const std::u16string& symbol, Object* constructor)
+{
+    Function* function = constructor == nullptr ? nullptr : constructor->asFunction();
+    if (function == nullptr)
+        m_symbolClasses.erase(symbol);
+    else
+        m_symbolClasses[symbol] = function;
+}
+
+Function* Vm::symbolClass(const std::u16string& symbol) const
+{
+    const auto found = m_symbolClasses.find(symbol);
+    return found == m_symbolClasses.end() ? nullptr : found->second;
+}
+
+// ---- timers ----------------------------------------------------------------------------------------------
 
 int Vm::addTimer(Value function, Value self, Value method, std::vector<Value> args, double periodMs,
                  bool repeats)

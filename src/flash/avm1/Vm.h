@@ -47,8 +47,7 @@ public:
     Object* global() { return m_global; }
     BuiltIns& builtIns() { return m_builtIns; }
 
-    // ---- running
-    // ---------------------------------------------------------------------------------------------
+    // ---- running -----------------------------------------------------------------------------------------
 
     /// Runs a block of timeline or event actions. @param owner keeps the block's bytes alive (the movie).
     /// @param target the clip that the actions belong to: `this`, and the base of paths and variables.
@@ -96,8 +95,7 @@ public:
         int m_previous;
     };
 
-    // ---- paths and variables
-    // ---------------------------------------------------------------------------------
+    // ---- paths and variables -----------------------------------------------------------------------------
 
     /// Resolves "/a/b", "a.b", "../c", "_level1.a", "" (base itself). @returns null when it leads nowhere.
     Object* resolveTarget(Object* base, std::u16string_view path);
@@ -105,8 +103,7 @@ public:
     Value getVariable(Object* clip, std::u16string_view path);
     void setVariable(Object* clip, std::u16string_view path, Value value);
 
-    // ---- making things
-    // ---------------------------------------------------------------------------------------
+    // ---- making things -----------------------------------------------------------------------------------
 
     String* string(std::u16string text);
     String* string(std::u16string_view text) { return string(std::u16string(text)); }
@@ -137,16 +134,14 @@ public:
     /// @returns the constructor registered for a symbol, or null.
     Function* symbolClass(const std::u16string& symbol) const;
 
-    // ---- timers
-    // ----------------------------------------------------------------------------------------------
+    // ---- timers ------------------------------------------------------------------------------------------
 
     /// Runs what setInterval and setTimeout are due for at Host::timeMs().
     void advanceTimers();
     /// @returns when the next timer is due, or nothing; milliseconds on the scale of Host::timeMs().
     [[nodiscard]] std::optional<double> nextTimerMs() const;
 
-    // ---- memory
-    // ----------------------------------------------------------------------------------------------
+    // ---- memory ------------------------------------------------------------------------------------------
 
     /// To be called between frames.
     void collectIfDue();
