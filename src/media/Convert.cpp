@@ -120,6 +120,7 @@ base::Result<void> MediaFiles::writeHeaderCopy(const MediaInfo& info, const QStr
 base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QString& target)
 {
     const MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
+    if (movie.header.is("FWS")) return {}; // converted since it was loaded
     m_application.LogEvent("Decompression");
     m_host.SetStatus(texts::kDecompressing);
     // The stated length counts 8 bytes that are not in the stream; the room to spare does no harm.
@@ -151,6 +152,8 @@ QString MediaFiles::CompressFlash(MediaInfo& info, int level)
 base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
 {
     const MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
+    // A command given twice must not compress what is compressed already: no player could read the result.
+    if (movie.header.is("CWS")) return {};
     m_host.SetStatus(texts::kCompressing);
     const auto body = TRY_RESULT(CompressData(movie.body(), level));
     m_host.SetStatus(texts::kWriting);

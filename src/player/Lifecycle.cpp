@@ -188,6 +188,7 @@ void Player::showWelcomePanel(const QString& message)
     m_control->LoadMovie(0, {});
     // A window that was made for a small movie would cut the panel.
     if (!isFullScreen() && !isMaximized()) resize(size().expandedTo(kWelcomeSize));
+    setMovieCommandsEnabled(false);
     m_welcome->setMessage(message);
     m_stage->setCurrentWidget(m_welcome);
     m_welcome->setFocus();

@@ -68,6 +68,9 @@ Player::Player(core::Application& application, const QString& commandLine)
     m_menus.setChecked("mnuLoop", m_control->Loop());
     m_menus.setChecked("mnuMenuBar", true);
     m_menus.item("mnuInfo").setEnabled(false);
+    // TODO: the information window is not there yet; its item is not shown meanwhile.
+    m_menus.item("mnuInfo").setVisible(false);
+    m_menus.item("mnuSep14").setVisible(false);
 }
 
 Player::~Player() { m_control->disconnect(this); }
@@ -181,14 +184,22 @@ void Player::connectControl()
         if (state == kComplete) m_playback.reapplyBackground();
     });
     connect(m_control, &flash::FlashControl::logged, this,
-            [this](const QString& text) { m_application.LogEvent("Flash: " + core::HtmlEscape(text)); });
+            [this](const QString& text) { logQuietly("Flash: " + text); });
     connect(m_control, &flash::FlashControl::urlRequested, this, [this](const QString& address) {
-        const QUrl url(address);
-        m_application.LogEvent("Address requested: " + core::HtmlEscape(address));
-        // A movie may lead to a page, never to a program or a file.
-        if (url.scheme() == "http" || url.scheme() == "https" || url.scheme() == "mailto")
-            QDesktopServices::openUrl(url);
+        logQuietly("Address requested: " + address);
+        openOutside(address);
     });
+    m_control->setScriptTimeoutHandler([this] { return askToEndScript(); });
+}
+
+void Player::logQuietly(const QString& text)
+{
+    // Called out of the engine: no exception may pass it, and no window may open in the middle of a frame.
+    try {
+        m_application.LogEvent(core::HtmlEscape(text));
+    } catch (const base::Failure&) {
+        // The next procedure that logs will meet the same journal.
+    }
 }
 
 void Player::handled(const char* place, const std::function<void()>& procedure)
@@ -334,7 +345,9 @@ void Player::ShowDialog(QDialog& dialog)
 
 void Player::LoadMovie(int layer, const QString& url)
 {
-    if (!m_control->LoadMovie(layer, url)) {
+    // A question mark in a file's own name would be taken for a query: such a file goes in as an address.
+    const bool marked = url.contains('?') && core::fileExists(url);
+    if (!m_control->LoadMovie(layer, marked ? QUrl::fromLocalFile(url).toString(QUrl::FullyEncoded) : url)) {
         m_application.LogEvent("Flash: " + core::HtmlEscape(m_control->errorText()));
         throw base::Failure(core::kDeviceError, "Flash", texts::kMovieDamaged);
     }
@@ -346,6 +359,27 @@ void Player::showMovie()
     m_stage->setCurrentWidget(m_control);
     m_control->setSuspended(false);
     m_control->setFocus();
+    setMovieCommandsEnabled(true);
+}
+
+void Player::setMovieCommandsEnabled(bool enabled)
+{
+    for (const char* name : {"mnuSaveAs", "mnuPopSaveAs", "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay",
+                             "mnuStop", "mnuFFwd", "mnuRwd", "mnuPopPlay", "mnPopStop"})
+        m_menus.item(name).setEnabled(enabled);
+}
+
+bool Player::askToEndScript()
+{
+    return QMessageBox::question(this, core::kProductName, texts::kScriptIsSlow) == QMessageBox::Yes;
+}
+
+void Player::openOutside(const QString& address)
+{
+    const QUrl url(address);
+    // A movie may lead to a page, never to a program or a file.
+    if (url.scheme() == "http" || url.scheme() == "https" || url.scheme() == "mailto")
+        QDesktopServices::openUrl(url);
 }
 
 void Player::reapplySound() { SetSound(m_playback.volume(), m_playback.pan()); }
@@ -392,6 +426,10 @@ void Player::pageCommand(const QString& command, const QString& argument)
     if (name == "MEOWLOG") return m_application.LogEvent("Media debug :: " + argument);
     if (name == "MEOWOPEN") return OpenMedia();
     if (name == "MEOWSEL") return LoadFlash(argument, {});
+    if (name == "EXEC") {
+        m_application.LogEvent("Movie opened: '" + core::HtmlEscape(argument) + "'");
+        return openOutside(argument);
+    }
     if (name == "FULLSCREEN") {
         const QString word = argument.trimmed().toLower();
         bool isNumber = false;

@@ -124,6 +124,10 @@ private:
     void openCommandLine();
     void showWelcomePanel(const QString& message);
     void showMovie();
+    /// Commands that need a movie of the user's.
+    void setMovieCommandsEnabled(bool enabled);
+    [[nodiscard]] bool askToEndScript();
+    void openOutside(const QString& address);
     void SetWindowFrame(bool show);
     void setTopMost(bool on);
     void tmrUpdate_Timer();
@@ -132,6 +136,7 @@ private:
     void saveTo(const QString& target, const QString& filter);
     /// The folder that a file dialog starts in.
     [[nodiscard]] QString dialogFolder() const;
+    void logQuietly(const QString& text);
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
     void handled(const char* place, const std::function<void()>& procedure);
 

@@ -325,6 +325,9 @@ TEST_F(MediaFilesTest, ConversionsRoundTripAndKeepABackup)
         << "version and length stay";
     EXPECT_EQ(bytesOf(inCache(path("link.swf"), ".swf")), plain);
     EXPECT_TRUE(QFileInfo(path("link.swf")).isSymLink());
+    EXPECT_EQ(media.CompressFlash(info, 9), path("link.swf"));
+    EXPECT_EQ(bytesOf(movie), packed) << "the command given twice compresses once";
+    EXPECT_EQ(bytesOf(inCache(path("link.swf"), ".swf")), plain);
 
     (void)log();
     EXPECT_EQ(media.DecompressFlash(info, Extent::Full), path("link.swf"));
@@ -333,6 +336,8 @@ TEST_F(MediaFilesTest, ConversionsRoundTripAndKeepABackup)
     EXPECT_EQ(log(), (QStringList{"", " :: DecompressFlash (Full)", "Target path: " + path("link.swf"),
                                   "Reading data", "Decompression", "Backing up", "Removing persistent file",
                                   "Writing decompressed data", "Decompression succeeded"}));
+    EXPECT_EQ(media.DecompressFlash(info, Extent::Full), path("link.swf"));
+    EXPECT_EQ(bytesOf(movie), plain);
 }
 
 TEST_F(MediaFilesTest, NothingIsLostWhenAConversionFails)

@@ -95,6 +95,14 @@ TEST_F(PlayerWindow, FindsAFileRelativeToWhereItWasStarted)
     EXPECT_EQ(player.mediaInfo().MoviePath, QFileInfo(movie).absoluteFilePath());
 }
 
+TEST_F(PlayerWindow, PlaysAFileWithAQuestionMarkInItsName)
+{
+    Player player(application, put("100% кто? там.swf", media::plainMovie()));
+    player.Form_Load();
+    EXPECT_FALSE(welcome(player).isVisible()) << welcome(player).message().toStdString();
+    EXPECT_EQ(player.control().TotalFrames(), 300);
+}
+
 TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
 {
     Player player(application, {});
@@ -111,13 +119,13 @@ TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
 
     drop(player, movie);
     EXPECT_FALSE(welcome(player).isVisible());
-    EXPECT_TRUE(player.menus().item("mnuInfo").isEnabled());
+    EXPECT_TRUE(player.menus().item("mnuSaveAs").isEnabled());
     EXPECT_EQ(player.menus().item("mnuMRU0").isVisible(), true);
 
     // The engine refuses what identification let pass: a movie that says it is compressed and is not.
     drop(player, put("broken.swf", media::withHeader("CWS", 5, 1000, media::movieBody())));
     EXPECT_EQ(welcome(player).message(), "Ролик повреждён, показать его нельзя");
-    EXPECT_FALSE(player.menus().item("mnuInfo").isEnabled());
+    EXPECT_FALSE(player.menus().item("mnuSaveAs").isEnabled()) << "there is nothing to save";
 }
 
 TEST_F(PlayerWindow, OpenDialogRestsTheTimerAndLoadsWhatWasChosen)
