@@ -1,9 +1,6 @@
 #include "flash/sound/CodecDecoder.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavutil/log.h>
-}
+#include "flash/codec/Ffmpeg.h"
 
 #include <algorithm>
 
@@ -43,13 +40,15 @@ int codecRate(swf::SoundFormat format, int statedRate)
 } // namespace
 
 struct CodecDecoder::Parts {
+    explicit Parts(const codec::Ffmpeg& functions) : ffmpeg(functions) {}
     ~Parts()
     {
-        av_parser_close(parser);
-        avcodec_free_context(&context);
-        av_packet_free(&packet);
-        av_frame_free(&frame);
+        ffmpeg.av_parser_close(parser);
+        ffmpeg.avcodec_free_context(&context);
+        ffmpeg.av_packet_free(&packet);
+        ffmpeg.av_frame_free(&frame);
     }
+    const codec::Ffmpeg& ffmpeg;
     AVCodecContext* context = nullptr;
     AVCodecParserContext* parser = nullptr; // MP3 only
     AVPacket* packet = nullptr;
@@ -66,22 +65,22 @@ std::unique_ptr<CodecDecoder> CodecDecoder::open(swf::SoundFormat format, int ra
 {
     const AVCodecID id = codecOf(format);
     if (id == AV_CODEC_ID_NONE) return nullptr;
-    av_log_set_level(AV_LOG_QUIET); // Damaged sound is an ordinary thing here.
-    const AVCodec* codec = avcodec_find_decoder(id);
+    const codec::Ffmpeg* ffmpeg = codec::Ffmpeg::get();
+    const AVCodec* codec = ffmpeg == nullptr ? nullptr : ffmpeg->avcodec_find_decoder(id);
     if (codec == nullptr) return nullptr;
-    auto parts = std::make_unique<Parts>();
-    parts->context = avcodec_alloc_context3(codec);
-    parts->packet = av_packet_alloc();
-    parts->frame = av_frame_alloc();
+    auto parts = std::make_unique<Parts>(*ffmpeg);
+    parts->context = ffmpeg->avcodec_alloc_context3(codec);
+    parts->packet = ffmpeg->av_packet_alloc();
+    parts->frame = ffmpeg->av_frame_alloc();
     if (parts->context == nullptr || parts->packet == nullptr || parts->frame == nullptr) return nullptr;
     parts->context->thread_count = 1;
     parts->context->sample_rate = codecRate(format, rate);
     // Nellymoser and Speex are mono by definition, whatever the movie says.
     const bool mono = id != AV_CODEC_ID_MP3 || !stereo;
-    av_channel_layout_default(&parts->context->ch_layout, mono ? 1 : 2);
-    if (avcodec_open2(parts->context, codec, nullptr) < 0) return nullptr;
+    ffmpeg->av_channel_layout_default(&parts->context->ch_layout, mono ? 1 : 2);
+    if (ffmpeg->avcodec_open2(parts->context, codec, nullptr) < 0) return nullptr;
     if (id == AV_CODEC_ID_MP3) {
-        parts->parser = av_parser_init(id);
+        parts->parser = ffmpeg->av_parser_init(id);
         if (parts->parser == nullptr) return nullptr;
     }
     if (id == AV_CODEC_ID_NELLYMOSER) parts->blockBytes = kNellymoserBlockBytes;
@@ -92,20 +91,20 @@ void CodecDecoder::decodePacket(base::Bytes bytes, std::vector<StereoFrame>& out
 {
     // The copy gives the padding that libavcodec's bit readers need behind a packet.
     AVPacket* packet = m_parts->packet;
-    if (bytes.empty() || av_new_packet(packet, static_cast<int>(bytes.size())) < 0) return;
+    if (bytes.empty() || m_parts->ffmpeg.av_new_packet(packet, static_cast<int>(bytes.size())) < 0) return;
     std::copy(bytes.begin(), bytes.end(), packet->data);
-    const int sent = avcodec_send_packet(m_parts->context, packet);
-    av_packet_unref(packet);
+    const int sent = m_parts->ffmpeg.avcodec_send_packet(m_parts->context, packet);
+    m_parts->ffmpeg.av_packet_unref(packet);
     if (sent >= 0) takeFrames(out);
 }
 
 void CodecDecoder::takeFrames(std::vector<StereoFrame>& out)
 {
     AVFrame* frame = m_parts->frame;
-    while (avcodec_receive_frame(m_parts->context, frame) >= 0) {
+    while (m_parts->ffmpeg.avcodec_receive_frame(m_parts->context, frame) >= 0) {
         const SampleLayout layout{frame->format, frame->sample_rate, frame->ch_layout.nb_channels};
         m_parts->converter.convert(layout, frame->extended_data, frame->nb_samples, out);
-        av_frame_unref(frame);
+        m_parts->ffmpeg.av_frame_unref(frame);
     }
 }
 
@@ -118,7 +117,7 @@ void CodecDecoder::feed(base::Bytes bytes, std::vector<StereoFrame>& out)
         while (position < bytes.size()) {
             std::uint8_t* packet = nullptr;
             int packetBytes = 0;
-            const int used = av_parser_parse2(
+            const int used = m_parts->ffmpeg.av_parser_parse2(
                 m_parts->parser, m_parts->context, &packet, &packetBytes, padded.data() + position,
                 static_cast<int>(bytes.size() - position), AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
             if (used < 0) return;
@@ -146,11 +145,11 @@ void CodecDecoder::finish(std::vector<StereoFrame>& out)
     if (m_parts->parser != nullptr) {
         std::uint8_t* packet = nullptr;
         int packetBytes = 0;
-        av_parser_parse2(m_parts->parser, m_parts->context, &packet, &packetBytes, nullptr, 0, AV_NOPTS_VALUE,
-                         AV_NOPTS_VALUE, 0);
+        m_parts->ffmpeg.av_parser_parse2(m_parts->parser, m_parts->context, &packet, &packetBytes, nullptr, 0,
+                                         AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
         if (packetBytes > 0) decodePacket({packet, static_cast<std::size_t>(packetBytes)}, out);
     }
-    if (avcodec_send_packet(m_parts->context, nullptr) >= 0) takeFrames(out);
+    if (m_parts->ffmpeg.avcodec_send_packet(m_parts->context, nullptr) >= 0) takeFrames(out);
     m_parts->converter.flush(out);
 }
 
