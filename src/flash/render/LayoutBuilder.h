@@ -1,0 +1,59 @@
+#pragma once
+
+#include "flash/render/TextLayout.h"
+
+namespace flash::render
+{
+
+/// Breaks a text into lines. Used once for each layout.
+class LayoutBuilder
+{
+public:
+    LayoutBuilder(TextLayout& layout, std::u16string_view text, const TextOptions& options,
+                  FontSource& fonts);
+    void build();
+
+private:
+    // One run with what its style comes to.
+    struct Font {
+        FontFacePtr face;
+        double scale = 0; ///< face units to twips
+        double ascent = 0, descent = 0;
+    };
+    // One character of the text, before it has found its line.
+    struct Cell {
+        std::size_t index = 0, length = 1;
+        std::size_t run = 0;
+        char32_t character = 0;
+        const FaceGlyph* glyph = nullptr;
+        double advance = 0;
+    };
+
+    void loadFonts();
+    void paragraph(std::size_t begin, std::size_t end, bool hasBreak);
+    void readCells(std::size_t begin, std::size_t end);
+    std::size_t fitCells(std::size_t first, double start, double room);
+    void addLine(std::size_t first, std::size_t last, const TextStyle& style, bool isFirst, bool isLast,
+                 std::size_t begin, std::size_t end);
+    void addBullet(std::size_t run, double x);
+    [[nodiscard]] double tabAdvance(const TextStyle& style, double x) const;
+    void alignLines();
+    [[nodiscard]] std::size_t runAt(std::size_t index) const;
+
+    TextLayout& m_layout;
+    std::u16string_view m_text;
+    const TextOptions& m_options;
+    FontSource& m_fonts;
+    std::vector<Font> m_runFonts;
+    std::vector<std::size_t> m_runEnds;
+    std::vector<Cell> m_cells; ///< of the paragraph at hand
+    // What aligning needs to know of each line.
+    struct Alignment {
+        swf::EditText::Align align = swf::EditText::Align::Left;
+        double right = 0; ///< margin
+        bool justifiable = false;
+    };
+    std::vector<Alignment> m_alignments;
+};
+
+} // namespace flash::render
