@@ -1,6 +1,7 @@
 #include "flash/Engine.h"
 
 #include "base/Files.h"
+#include "flash/avm1/bindings/StageBinding.h"
 #include "flash/net/FileSharedObjects.h"
 #include "flash/net/LocalLoader.h"
 #include "flash/render/Canvas.h"
@@ -11,6 +12,7 @@
 #include <QImage>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <map>
 #include <utility>
@@ -141,13 +143,24 @@ public:
 
     void makeStage()
     {
-        stage = std::make_unique<stage::Stage>(stage::Services{sound, loader, host, *store}, nullptr);
+        const stage::Services services{sound, loader, host, *store};
+        avm1::BindingInputs inputs;
+        inputs.wallClockMs = [start = options.startDateMs] { return start; };
+        inputs.realTimeMs = [] {
+            const auto now = std::chrono::steady_clock::now().time_since_epoch();
+            return std::chrono::duration<double, std::milli>(now).count();
+        };
+        inputs.randomSeed = options.randomSeed;
+        script = std::make_unique<avm1::StageBinding>(services, std::move(inputs));
+        stage = std::make_unique<stage::Stage>(services, script.get());
+        script->attach(*stage);
     }
 
     void dropStage()
     {
         stage->close();
         stage.reset();
+        script.reset();
         sound.reset();
     }
 
@@ -180,6 +193,7 @@ public:
     MovieLoader loader;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     sound::SoundPlayer sound;
+    std::unique_ptr<avm1::StageBinding> script;
     std::unique_ptr<stage::Stage> stage;
     double deviceScale = 1;
 };

@@ -581,15 +581,6 @@ constexpr AccessorInfo kAccessors[] = {
 };
 // clang-format on
 
-Value registerClass(Call& call)
-{
-    const Value constructor = call.arg(1);
-    Function* function = constructor.isObject() ? constructor.object()->asFunction() : nullptr;
-    if (!function && !constructor.isNullish()) return Value(false);
-    StageBinding::of(call).registerClass(textArg(call, 0), function);
-    return Value(true);
-}
-
 } // namespace
 
 void installMovieClip(StageBinding& binding)
@@ -601,10 +592,6 @@ void installMovieClip(StageBinding& binding)
     prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
     prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
     installMovieClipDrawing(binding, prototype);
-    if (Object* object = vm.global()->get(vm, vm.name(std::string_view("Object"))).asObject()) {
-        static constexpr MemberInfo kObjectMembers[] = {{"registerClass", 2, 0, &registerClass}};
-        vm.addMembers(object, kObjectMembers);
-    }
 }
 
 void installButton(StageBinding& binding)

@@ -35,7 +35,6 @@ struct StageBinding::State {
     std::array<Name, std::size(kHandlerNames)> handlers;
     Name enabled;
     std::vector<NameText*> keptNames;
-    std::unordered_map<std::u16string, Function*> classes;
     std::unordered_map<stage::SoundId, Object*> sounds; // whose end is waited for
     Object* movieClip = nullptr;                        // prototypes
     Object* button = nullptr;
@@ -103,7 +102,6 @@ void StageBinding::installClasses()
 void StageBinding::traceNodes(Tracer& tracer)
 {
     for (NameText* name : m_state->keptNames) tracer(name);
-    for (const auto& [name, constructor] : m_state->classes) tracer(constructor);
     for (const auto& [id, object] : m_state->sounds) tracer(object);
     tracer(m_state->movieClip);
     tracer(m_state->button);
@@ -157,14 +155,6 @@ std::optional<int> StageBinding::propertyIndex(Name name)
     const auto found = m_state->propertyByFolded.find(name.folded().cell());
     if (found == m_state->propertyByFolded.end()) return {};
     return found->second;
-}
-
-void StageBinding::registerClass(std::u16string name, Function* constructor)
-{
-    if (constructor)
-        m_state->classes[std::move(name)] = constructor;
-    else
-        m_state->classes.erase(name);
 }
 
 void StageBinding::callHandler(Object* object, std::string_view handler, std::initializer_list<Value> args)
@@ -228,12 +218,12 @@ bool StageBinding::hasRegisteredClass(stage::Clip& clip)
 void StageBinding::constructClip(stage::Clip& clip)
 {
     const std::u16string name = base::utf16FromUtf8(clip.linkageName());
-    const auto found = m_state->classes.find(name);
+    Function* constructor = name.empty() ? nullptr : m_vm->symbolClass(name);
     Object* object = objectOf(&clip);
     const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
-    if (found != m_state->classes.end()) {
-        if (Object* prototype = m_vm->prototypeOf(found->second)) object->setProto(*m_vm, Value(prototype));
-        m_vm->constructOn(object, found->second, {});
+    if (constructor) {
+        if (Object* prototype = m_vm->prototypeOf(constructor)) object->setProto(*m_vm, Value(prototype));
+        m_vm->constructOn(object, constructor, {});
     }
     callHandler(object, "onConstruct");
 }

@@ -54,8 +54,6 @@ public:
     void constructNow(stage::Clip& clip);
     /// The picture of a BitmapData object, shared: later changes to it show. Null for other objects.
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
-    /// The class that clips of a linkage name are made of.
-    void registerClass(std::u16string name, Function* constructor);
     /// Calls onSoundComplete of the object once the sound has played to its end.
     void watchSound(stage::SoundId sound, Object* object);
     void callHandler(Object* object, std::string_view handler, std::initializer_list<Value> args = {});

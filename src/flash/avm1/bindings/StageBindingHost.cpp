@@ -322,7 +322,8 @@ void StageBinding::cloneClip(Object* object, std::u16string_view name, int depth
 {
     stage::Node* node = nodeOf(object);
     stage::Clip* parent = node ? node->parentClip() : nullptr;
-    if (parent) parent->duplicate(*node, depth, base::utf8FromUtf16(name));
+    // The action counts depths as files do, above the zone of the timeline.
+    if (parent) parent->duplicate(*node, depth + stage::kTimelineDepth, base::utf8FromUtf16(name));
 }
 
 void StageBinding::removeClip(Object* object)
