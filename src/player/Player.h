@@ -118,6 +118,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    static constexpr int kMostRecent = 5;
+
     void buildWindow();
     void connectMenus();
     void connectControl();
