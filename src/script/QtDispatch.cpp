@@ -136,6 +136,21 @@ Result<Value> valueFromVariant(const QVariant& variant)
     return fault(kUnknownType, view(QString::fromLatin1(variant.typeName())));
 }
 
+namespace
+{
+
+// Empty stands for the neutral value of any type.
+bool convertTo(QVariant& value, QMetaType type)
+{
+    if (!value.isValid()) {
+        value = QVariant(type);
+        return true;
+    }
+    return value.metaType() == type || value.convert(type);
+}
+
+} // namespace
+
 QtDispatch::QtDispatch(QObject* object, std::u16string typeName)
     : m_object(object), m_class(object->metaObject()), m_typeName(std::move(typeName))
 {
@@ -189,7 +204,7 @@ Result<Value> QtDispatch::invoke(MemberId member, Access access, Arguments argum
     if (!property.isWritable()) return fault(kNoSuchMember);
     QVariant value = TRY_RESULT(variantFromValue(arguments[0]));
     const bool convertible = property.metaType().id() == QMetaType::QVariant || property.isEnumType() ||
-                             value.convert(property.metaType());
+                             convertTo(value, property.metaType());
     if (!convertible || !property.write(m_object, value)) return fault(kTypeMismatch);
     return Value();
 }
@@ -218,7 +233,7 @@ Result<Value> QtDispatch::call(const QByteArray& name, Arguments arguments)
                 generic[index] = QGenericArgument("QVariant", &values[index]);
                 continue;
             }
-            converts = values[index].metaType() == type || values[index].convert(type);
+            converts = convertTo(values[index], type);
             generic[index] = QGenericArgument(type.name(), values[index].constData());
         }
         if (!converts) continue;
