@@ -203,8 +203,20 @@ void Player::FullScreen(bool on)
     m_bar->setVisible(!on);
     m_menus.bar().setVisible(!on && m_menus.isChecked("mnuMenuBar"));
     if (!wasShown) return;
-    on ? showFullScreen() : showNormal();
+    if (on) {
+        fillScreen();
+    } else {
+        showNormal();
+        if (m_normalGeometry.isValid()) setGeometry(m_normalGeometry);
+    }
     m_stage->currentWidget()->setFocus();
+}
+
+void Player::fillScreen()
+{
+    if (!isMaximized()) m_normalGeometry = geometry();
+    showFullScreen();
+    setGeometry(screen()->geometry()); // where no window manager does it
 }
 
 void Player::SetWindowFrame(bool show)
