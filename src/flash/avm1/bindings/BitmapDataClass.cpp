@@ -343,7 +343,7 @@ Value draw(Call& call, swf::Bitmap& bitmap)
                           smooth ? render::Smoothing::On : render::Smoothing::Off);
     } else {
         const swf::Matrix toDevice = matrix * render::twipsToPixels(swf::Matrix{});
-        stage::Renderer(canvas, toDevice).drawContent(*node, toDevice, transform);
+        stage::Renderer(canvas, toDevice).drawForPicture(*node, toDevice, transform);
     }
     if (layered) canvas.endLayer(blend);
     if (bitmap.opaque)
@@ -396,8 +396,11 @@ Value clone(Call& call, swf::Bitmap& bitmap)
     return copy;
 }
 
-Value dispose(Call& call, swf::Bitmap&)
+Value dispose(Call& call, swf::Bitmap& bitmap)
 {
+    // Fills and instances that show it share it: they show nothing from now on.
+    bitmap.width = bitmap.height = 0;
+    bitmap.pixels.clear();
     call.native<BitmapDataNative>()->bitmap = nullptr;
     return {};
 }

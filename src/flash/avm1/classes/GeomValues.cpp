@@ -151,8 +151,15 @@ std::optional<swf::Matrix> matrixFromValue(Vm& vm, Value value)
 {
     Object* object = value.asObject();
     if (object == nullptr) return {};
-    return swf::Matrix{member(vm, object, "a"), member(vm, object, "b"),  member(vm, object, "c"),
-                       member(vm, object, "d"), member(vm, object, "tx"), member(vm, object, "ty")};
+    std::array<double, 6> numbers{};
+    constexpr const char* kNames[] = {"a", "b", "c", "d", "tx", "ty"};
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        Value found;
+        if (!object->find(vm, vm.name(std::string_view(kNames[i])), found, object)) return {};
+        const double number = toNumber(vm, found);
+        if (std::isfinite(number)) numbers[i] = number;
+    }
+    return swf::Matrix{numbers[0], numbers[1], numbers[2], numbers[3], numbers[4], numbers[5]};
 }
 
 std::optional<swf::ColorTransform> colorTransformFromValue(Vm& vm, Value value)

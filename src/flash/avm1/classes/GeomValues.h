@@ -13,7 +13,8 @@ namespace flash::avm1
 std::optional<render::IntRect> rectFromValue(Vm& vm, Value value);
 /// Reads x and y; (0, 0) for what is no object.
 swf::Point pointFromValue(Vm& vm, Value value);
-/// Reads a, b, c, d, tx and ty, all in pixels. Nothing for what is no object.
+/// Reads a, b, c, d, tx and ty, all in pixels; what is no number counts as 0. Nothing for what is no object
+/// and for objects that lack one of them.
 std::optional<swf::Matrix> matrixFromValue(Vm& vm, Value value);
 /// Reads redMultiplier ... alphaOffset. Nothing for what is no object or lacks one of them.
 std::optional<swf::ColorTransform> colorTransformFromValue(Vm& vm, Value value);
