@@ -44,9 +44,13 @@ Node* Clip::childAt(int depth) const
 Node* Clip::childByName(std::string_view name, Case sensitivity) const
 {
     if (name.empty()) return nullptr;
-    for (const NodePtr& child : m_children)
-        if (!child->isUnloading() && equalNames(child->name(), name, sensitivity)) return child.get();
-    return nullptr;
+    Node* unloading = nullptr;
+    for (const NodePtr& child : m_children) {
+        if (!equalNames(child->name(), name, sensitivity)) continue;
+        if (!child->isUnloading()) return child.get();
+        if (!unloading) unloading = child.get();
+    }
+    return unloading;
 }
 
 int Clip::nextHighestDepth() const
@@ -174,7 +178,10 @@ NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::fu
 
 void Clip::removeChild(Node& child)
 {
-    if (child.m_parent != this || child.m_unloading) return;
+    if (child.m_parent != this) return;
+    // What goes with an unloading clip cannot go before it.
+    for (const Node* node = &child; node; node = node->m_parent)
+        if (node->m_unloading) return;
     const NodePtr keep = child.shared_from_this();
     if (m_stage.queueUnload(child)) {
         // Its scripts still run once; meanwhile it is drawn, and its depth is free for others.

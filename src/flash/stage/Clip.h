@@ -37,7 +37,7 @@ public:
     // ---- children, in depth order ----
     [[nodiscard]] std::span<const NodePtr> children() const override { return m_children; }
     [[nodiscard]] Node* childAt(int depth) const;
-    /// The child with the lowest depth of that name. Unloading children are not found.
+    /// The child with the lowest depth of that name; one that is unloading only when there is no other.
     enum class Case : std::uint8_t { Sensitive, Insensitive };
     [[nodiscard]] Node* childByName(std::string_view name, Case sensitivity) const;
     [[nodiscard]] int nextHighestDepth() const;
@@ -94,8 +94,6 @@ private:
     friend class Node;
     friend class Button;
 
-    /// What a run of tags leaves at a depth: placements merged, and the frame of the first.
-    struct Pending;
     enum class Run : std::uint8_t { Whole, ListOnly };
     void step(); ///< its share of a frame: events, then the next frame when it plays
     void runFrame(int frame, Run run);
@@ -104,7 +102,8 @@ private:
     void streamSound();
     void place(const swf::PlaceObject& tag, int frame);
     void applyPlacement(Node& node, const swf::PlaceObject& tag);
-    void replace(Node& old, const swf::PlaceObject& tag, int frame);
+    void replace(Node& old, const swf::PlaceObject& tag);
+    NodePtr takeBack(const swf::PlaceObject& tag, int frame);
     NodePtr instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth);
     void insert(NodePtr node, int depth);
     void take(Node& node); ///< off the list, without any consequence
@@ -114,6 +113,7 @@ private:
 
     std::shared_ptr<const swf::Timeline> m_timeline;
     std::vector<NodePtr> m_children;
+    std::vector<NodePtr> m_aside; ///< of the list before a rewind, while it is rebuilt
     std::vector<swf::ClipAction> m_clipActions;
     MoviePtr m_clipActionsMovie; ///< whose bytes they are, once another movie was loaded here
     std::unique_ptr<Drawing> m_drawing;

@@ -3,42 +3,14 @@
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
-#include <map>
 
 namespace flash::stage
 {
-
-/// What a run of tags leaves at one depth.
-struct Clip::Pending {
-    swf::PlaceObject merged;
-    int frame = 0; ///< where the character was placed
-    bool created = false;
-};
 
 namespace
 {
 
 constexpr int depthOf(std::uint16_t fileDepth) { return kTimelineDepth + fileDepth; }
-
-template <class T>
-void mergeField(std::optional<T>& into, const std::optional<T>& from)
-{
-    if (from) into = from;
-}
-
-void merge(swf::PlaceObject& into, const swf::PlaceObject& from)
-{
-    mergeField(into.characterId, from.characterId);
-    mergeField(into.matrix, from.matrix);
-    mergeField(into.color, from.color);
-    mergeField(into.ratio, from.ratio);
-    mergeField(into.clipDepth, from.clipDepth);
-    mergeField(into.filters, from.filters);
-    mergeField(into.blend, from.blend);
-    mergeField(into.cacheAsBitmap, from.cacheAsBitmap);
-    mergeField(into.visible, from.visible);
-    mergeField(into.opaqueBackground, from.opaqueBackground);
-}
 
 bool isTimelineDepth(int depth) { return depth >= kTimelineDepth && depth < 0; }
 
@@ -177,15 +149,17 @@ void Clip::place(const swf::PlaceObject& tag, int frame)
     if (tag.move) {
         if (!existing) return;
         if (tag.characterId)
-            replace(*existing, tag, frame);
+            replace(*existing, tag);
         else
             applyPlacement(*existing, tag);
         return;
     }
     if (!tag.characterId || existing) return;
+    if (!m_aside.empty() && takeBack(tag, frame)) return;
     const NodePtr node = instantiate(m_movie, *tag.characterId, depth);
     if (!node) return;
     node->m_placedFrame = frame;
+    node->m_placedId = *tag.characterId;
     if (tag.name) node->setName(m_stage.textOf(m_movie, *tag.name));
     if (Clip* clip = asClip(node.get())) clip->m_clipActions = tag.clipActions;
     applyPlacement(*node, tag);
@@ -206,7 +180,7 @@ void Clip::applyPlacement(Node& node, const swf::PlaceObject& tag)
     if (tag.opaqueBackground) node.setOpaqueBackground(*tag.opaqueBackground);
 }
 
-void Clip::replace(Node& old, const swf::PlaceObject& tag, int frame)
+void Clip::replace(Node& old, const swf::PlaceObject& tag)
 {
     const auto isGraphic = [](const Node& node) {
         return node.kind() != NodeKind::Clip && node.kind() != NodeKind::Button &&
@@ -223,7 +197,8 @@ void Clip::replace(Node& old, const swf::PlaceObject& tag, int frame)
         applyPlacement(old, tag);
         return;
     }
-    fresh->m_placedFrame = frame;
+    fresh->m_placedFrame = old.m_placedFrame;
+    fresh->m_placedId = old.m_placedId;
     fresh->m_matrix = old.m_matrix;
     fresh->m_color = old.m_color;
     fresh->m_clipDepth = old.m_clipDepth;
@@ -239,98 +214,57 @@ void Clip::replace(Node& old, const swf::PlaceObject& tag, int frame)
 
 void Clip::skipTo(int frame)
 {
-    // Between here and there only what the list looks like in the end matters: nothing that comes and goes
-    // is made, and what stays is moved once.
-    std::map<int, Pending> pending;
-    const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
-    const int first = m_frame + 1;
-    for (int at = first; at < frame; ++at) {
-        for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(at)].tags) {
-            if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
-                const int depth = depthOf(placed->depth);
-                auto found = pending.find(depth);
-                const bool occupied = found != pending.end() || childAt(depth) != nullptr;
-                if (placed->move != occupied) continue;
-                if (found == pending.end())
-                    pending.emplace(depth, Pending{*placed, at, !placed->move});
-                else
-                    merge(found->second.merged, *placed);
-            } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
-                const int depth = depthOf(removed->depth);
-                const auto found = pending.find(depth);
-                const bool created = found != pending.end() && found->second.created;
-                if (found != pending.end()) pending.erase(found);
-                if (Node* child = created ? nullptr : childAt(depth)) removeChild(*child);
-            } else if (const auto* init = std::get_if<swf::DoInitAction>(&tag)) {
-                m_stage.queueInit(*this, m_movie, *init);
-            } else if (const auto* background = std::get_if<swf::SetBackground>(&tag)) {
-                if (m_level == 0) m_stage.setBackground(background->color);
-            }
-        }
-    }
-    m_frame = frame - 1;
-    for (auto& [depth, result] : pending) place(result.merged, result.frame);
+    // Every placement on the way is made, and what it made is removed again: scripts see the events of what
+    // comes and goes in between.
+    while (m_frame + 1 < frame) runFrame(m_frame + 1, Run::ListOnly);
     runFrame(frame, Run::Whole);
 }
 
 void Clip::rewindTo(int frame)
 {
     const NodePtr keep = shared_from_this();
-    const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
-    std::map<int, Pending> pending;
-    // The tags of the target frame count too: an instance that it places and that is there already stays.
-    for (int at = 0; at <= frame && static_cast<std::size_t>(at) < timeline->frames.size(); ++at) {
-        for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(at)].tags) {
-            if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
-                const int depth = depthOf(placed->depth);
-                const auto found = pending.find(depth);
-                if (placed->move != (found != pending.end())) continue;
-                if (found == pending.end())
-                    pending.emplace(depth, Pending{*placed, at, true});
-                else
-                    merge(found->second.merged, *placed);
-            } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
-                pending.erase(depthOf(removed->depth));
-            }
-        }
-    }
-    const std::vector<NodePtr> before = m_children;
-    for (const NodePtr& child : before) {
-        if (!isTimelineDepth(child->depth())) continue;
-        const auto found = pending.find(child->depth());
-        const bool same = found != pending.end() && child->m_placedFrame == found->second.frame;
-        if (!same) removeChild(*child);
-    }
-    m_frame = frame;
-    for (auto& [depth, result] : pending) {
-        Node* child = childAt(depth);
-        if (!child) {
-            swf::PlaceObject tag = result.merged;
-            tag.move = false;
-            place(tag, result.frame);
+    // The list is built anew from the first frame. What stood on it waits aside: an instance whose own
+    // placement comes by again is taken back, the others go in the end.
+    for (std::size_t i = 0; i < m_children.size();) {
+        const NodePtr child = m_children[i];
+        if (!isTimelineDepth(child->depth())) {
+            ++i;
             continue;
         }
-        // Kept from before: whatever the merged placement does not state is as it was at its creation.
-        swf::PlaceObject tag = result.merged;
-        if (!tag.matrix) tag.matrix = swf::Matrix{};
-        if (!tag.color) tag.color = swf::ColorTransform{};
-        if (!tag.ratio) tag.ratio = 0;
-        if (child->characterId() != tag.characterId)
-            replace(*child, tag, result.frame);
-        else
-            applyPlacement(*child, tag);
+        m_aside.push_back(child);
+        take(*child);
     }
-    // Placements are done; scripts and sounds of the frame are left.
-    if (static_cast<std::size_t>(frame) >= timeline->frames.size()) return;
-    for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(frame)].tags) {
-        if (const auto* action = std::get_if<swf::DoAction>(&tag)) {
-            m_stage.queueBlock(*this, m_movie, action->actions);
-        } else if (const auto* start = std::get_if<swf::StartSound>(&tag)) {
-            const swf::Character* character = m_movie->character(start->soundId);
-            if (const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
-                m_stage.services().sound.startEvent(m_movie, start->soundId, *sound, start->info);
+    for (int at = 0; at < frame; ++at) runFrame(at, Run::ListOnly);
+    runFrame(frame, Run::Whole);
+    const std::vector<NodePtr> gone = std::move(m_aside);
+    m_aside.clear();
+    for (const NodePtr& node : gone) {
+        if (m_stage.queueUnload(*node)) {
+            node->m_unloading = true;
+            insert(node, kUnloadDepthBase - node->m_depth);
+        } else {
+            m_stage.retire(*node);
         }
     }
+}
+
+NodePtr Clip::takeBack(const swf::PlaceObject& tag, int frame)
+{
+    const int depth = depthOf(tag.depth);
+    const auto found = std::find_if(m_aside.begin(), m_aside.end(), [&](const NodePtr& node) {
+        return node->depth() == depth && node->m_placedFrame == frame && node->m_placedId == *tag.characterId;
+    });
+    if (found == m_aside.end()) return nullptr;
+    const NodePtr node = *found;
+    m_aside.erase(found);
+    insert(node, depth);
+    // Whatever the placement does not state is as it was at its creation.
+    swf::PlaceObject whole = tag;
+    if (!whole.matrix) whole.matrix = swf::Matrix{};
+    if (!whole.color) whole.color = swf::ColorTransform{};
+    if (!whole.ratio) whole.ratio = 0;
+    applyPlacement(*node, whole);
+    return node;
 }
 
 } // namespace flash::stage

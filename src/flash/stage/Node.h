@@ -54,7 +54,7 @@ public:
     /// The root of the level this node is on (never null while it is on the stage).
     [[nodiscard]] Clip* levelRoot();
     [[nodiscard]] bool isRemoved() const { return m_removed; }
-    /// Its unload handlers have been queued; scripts do not find it by name any more.
+    /// It is off its depth and goes as soon as its unload handlers have run.
     [[nodiscard]] bool isUnloading() const { return m_unloading; }
     [[nodiscard]] int depth() const { return m_depth; }
     [[nodiscard]] const std::string& name() const { return m_name; } ///< UTF-8; empty when it has none
@@ -167,6 +167,7 @@ protected:
     bool m_changed = false; ///< listed by the stage as changed since the last drawing
     /// Frame (index) whose tag placed it; -1 when a script did.
     int m_placedFrame = -1;
+    std::uint16_t m_placedId = 0; ///< the character that the tag placed; exchanged ones differ
     swf::BlendMode m_blend = swf::BlendMode::Normal;
     swf::Matrix m_matrix;
     double m_scaleX = 100, m_scaleY = 100, m_rotation = 0, m_skew = 0;

@@ -71,6 +71,7 @@ void Stage::close()
     m_dragged.reset();
     m_dropTarget = nullptr;
     m_loads.clear();
+    m_requests.clear();
     m_unloading.clear();
     for (int priority = 0; priority < kPriorities; ++priority) {
         m_queue[priority].clear();
@@ -183,18 +184,31 @@ void Stage::retire(Node& node)
 
 bool Stage::queueUnload(Node& node)
 {
-    bool any = false;
-    if (Clip* clip = asClip(&node)) {
-        if (clip->m_inert) return false;
-        if (clip->hasClipEvent(Event::Unload) || m_script->hasHandler(*clip, Event::Unload)) {
-            queueEvent(*clip, Event::Unload);
+    Clip* clip = asClip(&node);
+    if (clip && clip->m_inert) return false;
+    const bool own =
+        clip && (clip->hasClipEvent(Event::Unload) || m_script->hasHandler(*clip, Event::Unload));
+    // The innermost hear of it first. A clip that hears of it itself keeps everything until then; of another
+    // one only those children stay that do.
+    bool any = own;
+    const std::vector<NodePtr> children(node.children().begin(), node.children().end());
+    std::vector<NodePtr> deaf;
+    for (const NodePtr& child : children) {
+        if (queueUnload(*child))
             any = true;
+        else
+            deaf.push_back(child);
+    }
+    if (own) queueEvent(*clip, Event::Unload);
+    if (!any) return false;
+    if (clip && !own) {
+        for (const NodePtr& child : deaf) {
+            clip->take(*child);
+            retire(*child);
         }
     }
-    for (const NodePtr& child : node.children())
-        if (queueUnload(*child)) any = true;
-    if (any && node.parent() && !node.m_unloading) m_unloading.push_back(node.shared_from_this());
-    return any;
+    if (node.parent() && !node.m_unloading) m_unloading.push_back(node.shared_from_this());
+    return true;
 }
 
 void Stage::finishUnloading()
@@ -323,14 +337,22 @@ void Stage::runQueue()
             ++priority;
         }
         if (priority == kPriorities) {
-            if (m_unloading.empty()) break;
-            finishUnloading();
+            if (!m_unloading.empty()) {
+                finishUnloading();
+            } else if (!m_requests.empty()) {
+                const auto request = std::move(m_requests.front());
+                m_requests.pop_front();
+                request();
+            } else {
+                break;
+            }
             continue;
         }
         const Queued item = std::move(m_queue[priority][m_queueHead[priority]++]);
         if (item.node->isRemoved()) continue;
         if (item.kind == Queued::Kind::Event) {
-            if (item.node->isUnloading() && item.event != Event::Unload) continue;
+            const bool last = item.event == Event::Load || item.event == Event::Unload;
+            if (item.node->isUnloading() && !last) continue;
             runEvent(*item.node, item.event, item.keyCode);
         } else if (!item.node->isUnloading()) {
             m_script->runActions(static_cast<Clip&>(*item.node), item.movie, item.block);

@@ -6,6 +6,7 @@
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Services.h"
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -217,6 +218,8 @@ public:
 
     /// Runs whatever scripts are queued, and those they queue. For callers that ran scripts themselves.
     void runQueue();
+    /// Commands to the host wait until the scripts at hand are done.
+    void queueRequest(std::function<void()> request) { m_requests.push_back(std::move(request)); }
     /// Queues a block for `target`; skipped when it has left the stage by then.
     void queueBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions);
     void queueEvent(Node& node, Event event, int keyCode = 0);
@@ -308,6 +311,7 @@ private:
     std::vector<Queued> m_queue[kPriorities];
     std::size_t m_queueHead[kPriorities] = {};
     bool m_runningQueue = false;
+    std::deque<std::function<void()>> m_requests;
     std::vector<NodePtr> m_unloading;
     std::vector<Pending> m_loads;
     std::set<std::pair<const swf::Movie*, std::uint16_t>> m_initialized;

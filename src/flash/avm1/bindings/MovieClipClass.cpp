@@ -26,11 +26,12 @@ std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
     };
 }
 
-/// Depths that scripts may put things at. @returns nothing for others, which makes the call do nothing.
+/// Depths that scripts may put things at, the timeline's zone and what lies below it included.
+/// @returns nothing for others, which makes the call do nothing.
 std::optional<int> depthArg(Call& call, std::size_t index)
 {
     const double depth = numberArg(call, index);
-    if (!(depth >= stage::kTimelineDepth && depth <= stage::kMaxScriptDepth + 1.0)) return {};
+    if (!(std::abs(depth) <= stage::kMaxScriptDepth + 1.0)) return {};
     return static_cast<int>(depth);
 }
 

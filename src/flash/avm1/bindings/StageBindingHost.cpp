@@ -331,7 +331,8 @@ void StageBinding::removeClip(Object* object)
     stage::Node* node = nodeOf(object);
     if (!node) return;
     // Only what scripts made, or moved into their zone of depths, can be removed by them.
-    if (node->depth() < 0 || node->depth() > stage::kMaxScriptDepth) return;
+    constexpr int kLastRemovableDepth = 1048575;
+    if (node->depth() < 0 || node->depth() > kLastRemovableDepth) return;
     if (stage::Clip* parent = node->parentClip()) parent->removeChild(*node);
 }
 
@@ -362,7 +363,8 @@ void StageBinding::requestUrl(const UrlRequest& request)
         load.variables = collectVariables(request.sender);
     switch (request.kind) {
     case UrlRequest::Kind::Page:
-        m_services.host.openUrl(load.url, base::utf8FromUtf16(request.window));
+        m_stage->queueRequest([&host = m_services.host, url = load.url,
+                               window = base::utf8FromUtf16(request.window)] { host.openUrl(url, window); });
         return;
     case UrlRequest::Kind::MovieIntoClip: {
         stage::Clip* clip = clipOf(request.target);
@@ -436,7 +438,8 @@ std::vector<std::pair<std::string, std::string>> StageBinding::collectVariables(
 
 void StageBinding::fsCommand(std::u16string_view command, std::u16string_view argument)
 {
-    m_services.host.fsCommand(base::utf8FromUtf16(command), base::utf8FromUtf16(argument));
+    m_stage->queueRequest([&host = m_services.host, name = base::utf8FromUtf16(command),
+                           text = base::utf8FromUtf16(argument)] { host.fsCommand(name, text); });
 }
 
 void StageBinding::updateAfterEvent() {}
