@@ -8,8 +8,8 @@ import re
 import sys
 
 # Ground floor first. A room may include itself and rooms named before it, except where BARRED says no.
-FLOORS = ['base', 'flash/swf', 'flash/render', 'flash/stage', 'flash/avm1', 'flash/sound', 'flash/net', 'flash',
-          'script/vbscript', 'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'ui', 'player',
+FLOORS = ['base', 'flash/codec', 'flash/swf', 'flash/render', 'flash/stage', 'flash/avm1', 'flash/sound', 'flash/net', 'flash',
+          'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'ui', 'player',
           'app']
 # What the player's rooms may include of the two engines.
 DOORS = {'flash/FlashControl.h', 'flash/Engine.h', 'script/ScriptControl.h', 'script/Dispatch.h',

@@ -1,10 +1,10 @@
 #include <QApplication>
-
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv)
 {
-    const QApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
