@@ -58,9 +58,7 @@ void Player::Form_Load()
         else if (m_startUp == 2)
             LoadFlash(m_recent.value(0), {});
     });
-    if (m_ended) return;
-    // A movie may ask for the whole screen before there is a window on it.
-    isFullScreen() ? fillScreen() : show();
+    if (!m_ended) show();
 }
 
 void Player::openCommandLine()

@@ -285,7 +285,11 @@ std::vector<std::uint8_t> Assembler::Layout::run()
     for (std::size_t i = 0; i < m_source.m_items.size(); ++i) {
         const Item& item = m_source.m_items[i];
         switch (item.kind) {
-        case ItemKind::Op: m_out.push_back(static_cast<std::uint8_t>(item.action)); break;
+        case ItemKind::Op:
+            m_out.push_back(static_cast<std::uint8_t>(item.action));
+            // Codes from 0x80 up carry a payload length even when there is no payload.
+            if (static_cast<int>(item.action) >= 0x80) put16(m_out, 0);
+            break;
         case ItemKind::Push: writePush(i); break;
         case ItemKind::Mark: m_offsets[item.label] = m_out.size(); break;
         case ItemKind::Record: writeRecord(item); break;

@@ -377,9 +377,14 @@ void Lexer::include()
 bool Lexer::afterOperand() const
 {
     if (m_shared.tokens.empty()) return false;
-    const Tok last = m_shared.tokens.back().kind;
-    return last == Tok::Identifier || last == Tok::Number || last == Tok::String || last == Tok::SlashPath ||
-           last == Tok::RightParen;
+    const Token& last = m_shared.tokens.back();
+    if (last.kind == Tok::Identifier) {
+        constexpr std::string_view kOperators[] = {"add", "and", "eq", "ge",  "gt",
+                                                   "le",  "lt",  "ne", "not", "or"};
+        return std::find(std::begin(kOperators), std::end(kOperators), last.text) == std::end(kOperators);
+    }
+    return last.kind == Tok::Number || last.kind == Tok::String || last.kind == Tok::SlashPath ||
+           last.kind == Tok::RightParen;
 }
 
 /// "/a/b:v", "../a", "a/b:v", "a:v": a path where an operand is due. A division or a conditional needs blanks

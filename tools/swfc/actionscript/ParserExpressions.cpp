@@ -149,7 +149,8 @@ Expr* ParserState::unary()
     if (isWord("not") && !peek(1).newlineBefore) {
         const Tok after = peek(1).kind;
         const bool operand = after == Tok::Identifier || after == Tok::Number || after == Tok::String ||
-                             after == Tok::SlashPath || (after == Tok::LeftParen && m_version == 4);
+                             after == Tok::SlashPath || after == Tok::True || after == Tok::False ||
+                             after == Tok::This || (after == Tok::LeftParen && m_version == 4);
         if (operand) op = Tok::WordNot;
     }
     switch (op) {

@@ -24,15 +24,17 @@ struct TextLine {
     double width = 0, height = 0, ascent = 0;
 };
 
-/// Lines of an element's content without the indentation of the source.
+/// Lines of an element's content. The indentation of the source goes; blanks around a <run> are its own.
 std::vector<std::string> contentLines(const Element& element)
 {
+    const bool isRun = element.name == "run";
     std::vector<std::string> lines;
-    const std::string text = trimmed(element.text);
+    const std::string text = isRun ? element.text : trimmed(element.text);
     std::size_t start = 0;
     while (start <= text.size()) {
         const std::size_t end = std::min(text.find('\n', start), text.size());
-        lines.push_back(trimmed(text.substr(start, end - start)));
+        const std::string line = text.substr(start, end - start);
+        lines.push_back(isRun ? line : trimmed(line));
         start = end + 1;
     }
     return lines;

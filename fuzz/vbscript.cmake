@@ -1,1 +1,0 @@
-zorvex_fuzz(fuzz_vbscript FuzzVbscript.cpp LIBS zorvex_script)

@@ -1,0 +1,273 @@
+// Each file NAME.xml or NAME.as below this folder (and below the sample movies' folder) with something
+// expected beside it is a test: it is compiled with swfc, checked, and run with flashrun.
+//   NAME.expected  what the movie traces
+//   NAME.png       the picture of a frame
+//   NAME.errors    what the compiler says; the movie must not compile
+//   NAME.json      how to run it: frames, ms, frame (of the picture), tolerance and outliers (of the
+//   picture),
+//                  quality, knownFailure (a reason; passing is then a failure)
+//   NAME.input     events for the movie, as flashrun's --input takes them
+
+#include "MovieChecker.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+struct Outcome {
+    int status = -1;
+    QByteArray out, err;
+};
+
+Outcome run(const QString& program, const QStringList& arguments, const QString& folder)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TZ", "UTC0");
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    Outcome outcome;
+    constexpr int kTimeoutMs = 100'000;
+    if (!process.waitForFinished(kTimeoutMs)) {
+        process.kill();
+        outcome.err = "did not finish: " + process.errorString().toUtf8();
+        return outcome;
+    }
+    outcome.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    outcome.out = process.readAllStandardOutput();
+    outcome.err = process.readAllStandardError();
+    return outcome;
+}
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    return file.readAll();
+}
+
+// The system's own interpreter: the reader is one of its packages.
+constexpr const char* kPython = "/usr/bin/python3";
+
+QString tool(const char* name) { return QString(ZORVEX_TOOLS_DIR) + "/" + name; }
+
+/// Line ends and the very end of the text do not count.
+QByteArray comparable(QByteArray text)
+{
+    text.replace("\r\n", "\n");
+    text.replace('\r', '\n');
+    while (text.endsWith('\n')) text.chop(1);
+    return text;
+}
+
+class MovieFile : public testing::Test
+{
+public:
+    explicit MovieFile(QString source) : m_source(std::move(source)) {}
+    void TestBody() override;
+
+private:
+    [[nodiscard]] QString beside(const char* suffix) const
+    {
+        const QFileInfo info(m_source);
+        return info.path() + "/" + info.completeBaseName() + suffix;
+    }
+    void checkErrors(const Outcome& compiled) const;
+    void check(const QString& movie, const QJsonObject& options, std::vector<std::string>& faults) const;
+    void checkPicture(const QString& movie, const QJsonObject& options,
+                      std::vector<std::string>& faults) const;
+    [[nodiscard]] QStringList inputArguments() const
+    {
+        const QString input = beside(".input");
+        return QFile::exists(input) ? QStringList{"--input", input} : QStringList{};
+    }
+
+    QString m_source;
+    QTemporaryDir m_folder;
+};
+
+void MovieFile::checkErrors(const Outcome& compiled) const
+{
+    EXPECT_EQ(compiled.status, 1);
+    QByteArray said = compiled.err;
+    said.replace(QFileInfo(m_source).path().toUtf8() + "/", "");
+    EXPECT_EQ(comparable(said).toStdString(), comparable(fileBytes(beside(".errors"))).toStdString());
+}
+
+void MovieFile::TestBody()
+{
+    const QString movie = m_folder.filePath("movie.swf");
+    const Outcome compiled = run(tool("swfc"), {m_source, "-o", movie}, QFileInfo(m_source).path());
+    if (QFile::exists(beside(".errors"))) {
+        checkErrors(compiled);
+        return;
+    }
+    ASSERT_EQ(compiled.status, 0) << compiled.err.toStdString();
+    const QByteArray bytes = fileBytes(movie);
+    for (const std::string& fault : checkMovie({bytes.begin(), bytes.end()})) ADD_FAILURE() << fault;
+
+    const QJsonObject options = QJsonDocument::fromJson(fileBytes(beside(".json"))).object();
+    if (QFile::exists(beside(".json"))) {
+        ASSERT_FALSE(options.isEmpty()) << "damaged " << beside(".json").toStdString();
+    }
+    std::vector<std::string> faults;
+    check(movie, options, faults);
+    if (QFile::exists(beside(".png"))) checkPicture(movie, options, faults);
+    const std::string known = options["knownFailure"].toString().toStdString();
+    if (known.empty()) {
+        for (const std::string& fault : faults) ADD_FAILURE() << fault;
+    } else {
+        EXPECT_FALSE(faults.empty()) << "passes; take knownFailure away: " << known;
+    }
+}
+
+void MovieFile::check(const QString& movie, const QJsonObject& options,
+                      std::vector<std::string>& faults) const
+{
+    if (!QFile::exists(beside(".expected"))) return;
+    QStringList arguments{"trace", movie, "--base-dir", QFileInfo(m_source).path()};
+    if (options.contains("ms"))
+        arguments << "--ms" << QString::number(options["ms"].toInt());
+    else
+        arguments << "--frames" << QString::number(options["frames"].toInt(3));
+    const Outcome played = run(tool("flashrun"), arguments + inputArguments(), m_folder.path());
+    if (played.status != 0)
+        faults.push_back("flashrun ended with " + std::to_string(played.status) + ": " +
+                         played.err.toStdString());
+    const QByteArray expected = comparable(fileBytes(beside(".expected"))), found = comparable(played.out);
+    if (expected == found) return;
+    // The first line that differs says most.
+    const auto want = expected.split('\n'), have = found.split('\n');
+    qsizetype line = 0;
+    while (line < want.size() && line < have.size() && want[line] == have[line]) ++line;
+    const auto at = [&](const QList<QByteArray>& lines) {
+        return line < lines.size() ? lines[line].toStdString() : "(end)";
+    };
+    faults.push_back("line " + std::to_string(line + 1) + "\n  expected: " + at(want) +
+                     "\n  traced:   " + at(have) + "\nwhole trace:\n" + found.toStdString());
+}
+
+void MovieFile::checkPicture(const QString& movie, const QJsonObject& options,
+                             std::vector<std::string>& faults) const
+{
+    const QString picture = m_folder.filePath("picture.png");
+    const Outcome drawn =
+        run(tool("flashrun"),
+            QStringList{"render", movie, "--frame", QString::number(options["frame"].toInt(1)), "--out",
+                        picture, "--quality", options["quality"].toString("high"), "--base-dir",
+                        QFileInfo(m_source).path()} +
+                inputArguments(),
+            m_folder.path());
+    if (drawn.status != 0)
+        faults.push_back("flashrun ended with " + std::to_string(drawn.status) + ": " +
+                         drawn.err.toStdString());
+    const QImage expected = QImage(beside(".png")).convertToFormat(QImage::Format_RGB32);
+    const QImage found = QImage(picture).convertToFormat(QImage::Format_RGB32);
+    if (expected.isNull() || found.size() != expected.size()) {
+        faults.push_back("the picture's size is " + std::to_string(found.width()) + "x" +
+                         std::to_string(found.height()));
+        return;
+    }
+    const int tolerance = options["tolerance"].toInt(3), allowed = options["outliers"].toInt(0);
+    int outliers = 0, worst = 0;
+    QPoint where;
+    for (int y = 0; y < found.height(); ++y) {
+        for (int x = 0; x < found.width(); ++x) {
+            const QRgb a = expected.pixel(x, y), b = found.pixel(x, y);
+            const int difference = std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                                             std::abs(qBlue(a) - qBlue(b))});
+            if (difference > tolerance) ++outliers;
+            if (difference > worst) {
+                worst = difference;
+                where = {x, y};
+            }
+        }
+    }
+    if (outliers <= allowed) return;
+    const QString kept =
+        QDir::temp().filePath("movie-test-" + QFileInfo(m_source).completeBaseName() + ".png");
+    found.save(kept);
+    faults.push_back(std::to_string(outliers) + " pixels differ by more than " + std::to_string(tolerance) +
+                     ", the most at " + std::to_string(where.x()) + "," + std::to_string(where.y()) + " by " +
+                     std::to_string(worst) + "; see " + kept.toStdString());
+}
+
+QStringList sources()
+{
+    QStringList found;
+    for (const QString& root : {QString(TEST_SOURCE_DIR), QString(PROJECT_SOURCE_DIR) + "/assets/samples"}) {
+        QDirIterator walk(root, {"*.xml", "*.as"}, QDir::Files, QDirIterator::Subdirectories);
+        while (walk.hasNext()) found << walk.next();
+    }
+    found.sort();
+    return found;
+}
+
+bool hasExpectation(const QString& source)
+{
+    const QFileInfo info(source);
+    for (const char* suffix : {".expected", ".png", ".errors"}) {
+        if (QFile::exists(info.path() + "/" + info.completeBaseName() + suffix)) return true;
+    }
+    return false;
+}
+
+/// A reader of another make must be able to parse everything that the compiler writes.
+class AnotherReader : public testing::Test
+{
+public:
+    void TestBody() override
+    {
+        if (run(kPython, {"-c", "import yaswfp.swfparser"}, ".").status != 0)
+            GTEST_SKIP() << "python3-yaswfp is not installed";
+        QTemporaryDir folder;
+        QStringList movies;
+        for (const QString& source : sources()) {
+            const QFileInfo info(source);
+            if (!hasExpectation(source) ||
+                QFile::exists(info.path() + "/" + info.completeBaseName() + ".errors"))
+                continue;
+            const QString movie =
+                folder.filePath(QString::number(movies.size()) + "-" + info.completeBaseName() + ".swf");
+            if (run(tool("swfc"), {source, "-o", movie}, info.path()).status == 0) movies << movie;
+        }
+        ASSERT_FALSE(movies.isEmpty());
+        const Outcome parsed =
+            run(kPython, QStringList{QString(TEST_SOURCE_DIR) + "/parse_with_yaswfp.py"} + movies, ".");
+        EXPECT_EQ(parsed.status, 0) << parsed.out.toStdString() << parsed.err.toStdString();
+    }
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    for (const QString& source : sources()) {
+        if (!hasExpectation(source)) continue;
+        const bool sample = source.contains("/assets/samples/");
+        const QString area =
+            sample ? "samples" : QDir(TEST_SOURCE_DIR).relativeFilePath(QFileInfo(source).path());
+        QString suite = "Movies_" + area;
+        suite.replace('/', '_').replace('-', '_');
+        QString name = QFileInfo(source).completeBaseName();
+        name.replace('-', '_');
+        testing::RegisterTest(suite.toUtf8().constData(), name.toUtf8().constData(), nullptr, nullptr,
+                              __FILE__, __LINE__, [source]() -> MovieFile* { return new MovieFile(source); });
+    }
+    testing::RegisterTest("AnotherReader", "ParsesEveryMovie", nullptr, nullptr, __FILE__, __LINE__,
+                          []() -> AnotherReader* { return new AnotherReader; });
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,3 @@
+// movie: version="7" rate="10"
+#include "parts/shared.as"
+trace(shared(2) + " " + fromDeeper);

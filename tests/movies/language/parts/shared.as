@@ -1,0 +1,2 @@
+#include "deeper.as"
+function shared(n) { return "shared " + n; }
