@@ -137,13 +137,20 @@ public:
               return static_cast<const stage::Node*>(owner)->parent();
           })
     {
-        makeStage();
+        makeStage(Scripts::None);
     }
     ~Private() { dropStage(); }
 
-    void makeStage()
+    enum class Scripts { None, Fresh };
+
+    /// Without scripts while nothing is loaded: making their classes is most of the work of a short run.
+    void makeStage(Scripts scripts)
     {
         const stage::Services services{sound, loader, host, *store};
+        if (scripts == Scripts::None) {
+            stage = std::make_unique<stage::Stage>(services, nullptr);
+            return;
+        }
         avm1::BindingInputs inputs;
         inputs.wallClockMs = [start = options.startDateMs] { return start; };
         inputs.realTimeMs = [] {
@@ -165,7 +172,7 @@ public:
     }
 
     /// A fresh stage and fresh scripts, seen as before.
-    void renewStage(std::unique_ptr<stage::SharedObjectStore> newStore)
+    void renewStage(std::unique_ptr<stage::SharedObjectStore> newStore, Scripts scripts)
     {
         const int width = stage->viewWidth(), height = stage->viewHeight();
         const stage::ScaleMode scaleMode = stage->scaleMode();
@@ -173,7 +180,7 @@ public:
         const bool loop = stage->loop();
         dropStage();
         store = std::move(newStore);
-        makeStage();
+        makeStage(scripts);
         stage->setViewSize(width, height);
         stage->setScaleMode(scaleMode);
         stage->setQuality(quality);
@@ -214,10 +221,11 @@ base::Result<void> Engine::open(const std::string& address)
     const auto& base = d->options.baseFolder;
     d->loader.setFolders(base.empty() ? source.path.parent_path() : base, base);
     const auto& storage = d->options.storageFolder;
-    if (storage.empty())
-        d->renewStage(std::make_unique<MemoryStore>());
-    else
-        d->renewStage(std::make_unique<net::FileSharedObjects>(storage / storageName(source.path)));
+    std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
+    if (!storage.empty()) {
+        store = std::make_unique<net::FileSharedObjects>(storage / storageName(source.path));
+    }
+    d->renewStage(std::move(store), Private::Scripts::Fresh);
     if (d->stage->viewWidth() == 0) {
         const swf::Rect& frame = movie->header.frameSize;
         d->stage->setViewSize(d->devicePixels(frame.width()), d->devicePixels(frame.height()));
@@ -238,7 +246,7 @@ base::Result<void> Engine::openLevel(int level, const std::string& address)
     return {};
 }
 
-void Engine::close() { d->renewStage(std::make_unique<MemoryStore>()); }
+void Engine::close() { d->renewStage(std::make_unique<MemoryStore>(), Private::Scripts::None); }
 bool Engine::isOpen() const { return d->stage->movie() != nullptr; }
 
 void Engine::advance(double ms, Hearing hearing)

@@ -58,7 +58,9 @@ void Player::Form_Load()
         else if (m_startUp == 2)
             LoadFlash(m_recent.value(0), {});
     });
-    if (!m_ended) show();
+    if (m_ended) return;
+    // A movie may ask for the whole screen before there is a window on it.
+    isFullScreen() ? fillScreen() : show();
 }
 
 void Player::openCommandLine()

@@ -118,6 +118,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    static constexpr int kMostRecent = 5;
+
     void buildWindow();
     void connectMenus();
     void connectControl();
@@ -128,6 +130,7 @@ private:
     void setMovieCommandsEnabled(bool enabled);
     [[nodiscard]] bool askToEndScript();
     void openOutside(const QString& address);
+    void fillScreen();
     void SetWindowFrame(bool show);
     void setTopMost(bool on);
     void tmrUpdate_Timer();
@@ -152,6 +155,7 @@ private:
     Status m_status;
     QTimer m_tmrUpdate;
     QString m_savedCaption; ///< the caption while full screen keeps it aside
+    QRect m_normalGeometry; ///< the window's place before it filled the screen
     QString m_mediaTitle;
     QStringList m_recent;    ///< newest first
     QString m_droppedFolder; ///< where the next open dialog starts; empty: where the most recent file lies

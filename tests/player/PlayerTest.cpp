@@ -13,6 +13,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QMimeData>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -77,12 +78,15 @@ TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
               (QStringList{"", " :: Form Load", "Flash 80018", "", " :: LoadFlash (", movie + ")... ",
                            "Ordinary File", " ... ", "Ok", ""}));
 
+    const QRect before = player.geometry();
     player.FullScreen(true);
+    EXPECT_EQ(player.size(), player.screen()->size());
     EXPECT_TRUE(player.windowTitle().isEmpty());
     player.SetCaption("Позже");
     EXPECT_TRUE(player.windowTitle().isEmpty());
     player.FullScreen(false);
     EXPECT_EQ(player.windowTitle(), "Позже");
+    EXPECT_EQ(player.geometry(), before);
 }
 
 TEST_F(PlayerWindow, FindsAFileRelativeToWhereItWasStarted)
@@ -206,6 +210,17 @@ TEST_F(PlayerWindow, PagesCommandIt)
     EXPECT_TRUE(player.isFullScreen());
     command("FULLSCREEN", "False");
     EXPECT_FALSE(player.isFullScreen());
+}
+
+TEST_F(PlayerWindow, FillsTheScreenWhenAMovieAskedBeforeItWasShown)
+{
+    Player player(application, '"' + movie + '"');
+    player.FullScreen(true);
+    player.Form_Load();
+    EXPECT_TRUE(player.isVisible());
+    EXPECT_EQ(player.size(), player.screen()->size());
+    player.FullScreen(false);
+    EXPECT_LT(player.width(), player.screen()->size().width());
 }
 
 TEST_F(PlayerWindow, EndsOnceWithItsReason)

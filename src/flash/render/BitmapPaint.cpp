@@ -174,7 +174,9 @@ void transformPixels(std::uint32_t* pixels, std::size_t count, const ColorTransf
         for (std::size_t i = 0; i < count; ++i) pixels[i] = scale256(pixels[i], factor);
         return;
     }
-    for (std::size_t i = 0; i < count; ++i) pixels[i] = premultiply(apply(color, unpremultiply(pixels[i])));
+    // What is wholly transparent stays so, whatever the transform adds.
+    for (std::size_t i = 0; i < count; ++i)
+        if (pixels[i] != 0) pixels[i] = premultiply(apply(color, unpremultiply(pixels[i])));
 }
 
 std::unique_ptr<Paint> makeBitmapPaint(const PixelSource& source, const swf::Matrix& toDevice, Edges edges,

@@ -70,10 +70,10 @@ public:
     // ---- place and look. Every setter marks the node as changed. ----
     [[nodiscard]] const swf::Matrix& matrix() const { return m_matrix; }
     void setMatrix(const swf::Matrix& matrix); ///< forgets the cached scale and rotation
-    [[nodiscard]] double x() const { return m_matrix.tx / swf::kTwipsPerPixel; } ///< pixels
-    [[nodiscard]] double y() const { return m_matrix.ty / swf::kTwipsPerPixel; }
-    void setX(double pixels);
-    void setY(double pixels);
+    [[nodiscard]] virtual double x() { return m_matrix.tx / swf::kTwipsPerPixel; } ///< pixels
+    [[nodiscard]] virtual double y() { return m_matrix.ty / swf::kTwipsPerPixel; }
+    virtual void setX(double pixels);
+    virtual void setY(double pixels);
     /// What scripts see and set: kept as numbers of their own, because a matrix loses signs, the rotation of
     /// a scale of zero and the last digits. Percent and degrees.
     [[nodiscard]] double scaleX();
@@ -85,8 +85,8 @@ public:
     /// Of the bounds in the parent's space, pixels; setting scales.
     [[nodiscard]] double width();
     [[nodiscard]] double height();
-    void setWidth(double pixels);
-    void setHeight(double pixels);
+    virtual void setWidth(double pixels);
+    virtual void setHeight(double pixels);
     [[nodiscard]] const swf::ColorTransform& color() const { return m_color; }
     void setColor(const swf::ColorTransform& color);
     [[nodiscard]] double alpha() const; ///< percent

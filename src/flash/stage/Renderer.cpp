@@ -32,7 +32,7 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::Co
     const render::IntRect content = render::deviceBounds(node.bounds(), toDevice);
     render::IntRect reach = content;
     if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
-    node.m_drawnBounds = reach;
+    if (!m_forPicture) node.m_drawnBounds = reach;
     if (!reach.intersects(m_canvas.clip())) return;
 
     const bool alphaMask = node.mask() && node.cacheAsBitmap() && node.mask()->cacheAsBitmap();
@@ -51,6 +51,20 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::Co
         drawContent(node, toDevice, color);
     }
     if (node.mask()) m_canvas.popMask();
+}
+
+void Renderer::drawForPicture(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    if (node.maskee()) return;
+    m_forPicture = true;
+    if (node.mask()) {
+        m_canvas.beginMask();
+        drawAsMask(*node.mask(), toDevice * node.toStage().inverted() * node.mask()->toStage());
+        m_canvas.endMask();
+    }
+    drawContent(node, toDevice, color);
+    if (node.mask()) m_canvas.popMask();
+    m_forPicture = false;
 }
 
 void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)

@@ -15,16 +15,19 @@ public:
 
     /// A node with all below, unless it is hidden or serves as a mask.
     void drawNode(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor);
-    /// What a node shows, placed by the caller: for drawing one into a bitmap.
-    void drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+    /// What a node shows, placed by the caller, into a picture that is not the stage: its own place, look and
+    /// visibility do not count, its mask does, and a node that serves as a mask shows nothing.
+    void drawForPicture(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
 
 private:
+    void drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawAsMask(Node& mask, const swf::Matrix& toDevice);
     render::Canvas& m_canvas;
     swf::Matrix m_view;
     int m_depth = 0;
+    bool m_forPicture = false; ///< what is drawn says nothing about where the stage must be drawn again
 };
 
 } // namespace flash::stage

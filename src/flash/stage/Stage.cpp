@@ -5,6 +5,7 @@
 #include "flash/stage/Button.h"
 #include "flash/stage/Graphics.h"
 #include "flash/stage/TextField.h"
+#include "flash/stage/TextFonts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,7 @@ namespace flash::stage
 
 Stage::Stage(Services services, ScriptHost* script)
     : m_services(services), m_script(script ? script : &m_noScript),
-      m_renderCache(std::make_unique<render::RenderCache>())
+      m_renderCache(std::make_unique<render::RenderCache>()), m_textFonts(std::make_unique<TextFonts>())
 {
 }
 
@@ -47,6 +48,7 @@ void Stage::open(MoviePtr movie, std::string url)
     m_services.host.readyStateChanged(1);
     makeLevel(0, std::move(movie), std::move(url));
     runQueue();
+    syncTextFields();
     m_script->frameEnded();
     m_services.host.progressed(100);
     m_services.host.readyStateChanged(4);
@@ -82,6 +84,7 @@ void Stage::close()
     m_initialized.clear();
     m_linkageNames.clear();
     m_changedNodes.clear();
+    m_boundFields.clear();
     m_keysDown.clear();
     m_movie.reset();
     invalidateAll();
@@ -379,7 +382,24 @@ void Stage::advanceFrame()
     stepClips();
     runQueue();
     if (m_mouseInside) updatePointer();
+    syncTextFields();
     m_script->frameEnded();
+}
+
+void Stage::noteBound(TextField& field)
+{
+    m_boundFields.push_back(std::static_pointer_cast<TextField>(field.shared_from_this()));
+}
+
+void Stage::syncTextFields()
+{
+    std::erase_if(m_boundFields, [](const std::weak_ptr<TextField>& entry) {
+        const auto field = entry.lock();
+        return !field || field->isRemoved();
+    });
+    // Reading a variable may run a getter, which may make more fields.
+    for (std::size_t i = 0; i < m_boundFields.size(); ++i)
+        if (const auto field = m_boundFields[i].lock()) field->syncVariable();
 }
 
 void Stage::runTimersAndQueue()

@@ -24,6 +24,8 @@ class RenderCache;
 namespace flash::stage
 {
 
+class TextFonts;
+
 enum class ScaleMode : std::uint8_t { ShowAll, NoBorder, ExactFit, NoScale };
 enum class Quality : std::uint8_t { Low, Medium, High, Best };
 enum class MouseButton : std::uint8_t { Left, Middle, Right };
@@ -167,6 +169,8 @@ public:
     void invalidateAll();
     /// For canvases that draw this stage.
     [[nodiscard]] render::RenderCache& renderCache() { return *m_renderCache; }
+    /// For text fields.
+    [[nodiscard]] TextFonts& textFonts() { return *m_textFonts; }
 
     // ---- input. Positions are device pixels of the view. ----
     void mouseMove(double x, double y);
@@ -191,6 +195,8 @@ public:
     [[nodiscard]] int lastCharCode() const { return m_lastCharCode; }
     [[nodiscard]] Node* focus() const { return m_focus.get(); }
     void setFocus(Node* node);
+    /// The field shows a variable from now on, which may change at any time.
+    void noteBound(TextField& field);
     struct DragLimits {
         double left = 0, top = 0, right = 0, bottom = 0; ///< pixels in the parent's space
     };
@@ -270,6 +276,7 @@ private:
     void noteChanged(Node& node) { m_changedNodes.push_back(node.weak_from_this()); }
     void noteRemoved(Node& node);
     void collectDirty();
+    void syncTextFields();
     void addDirty(const render::IntRect& rect) { m_dirty = render::unite(m_dirty, rect); }
     void runTimersAndQueue();
     void stepClips();
@@ -323,6 +330,8 @@ private:
     swf::Rgba m_background{255, 255, 255, 255};
     bool m_hostBackground = false, m_movieBackground = false;
     std::unique_ptr<render::RenderCache> m_renderCache;
+    std::unique_ptr<TextFonts> m_textFonts;
+    std::vector<std::weak_ptr<TextField>> m_boundFields; ///< those that show a variable
     render::IntRect m_dirty;
     std::vector<std::weak_ptr<Node>> m_changedNodes;
 

@@ -242,7 +242,7 @@ void Stage::mouseMove(double x, double y)
     updatePointer();
 }
 
-void Stage::mouseDown(double x, double y, MouseButton button, int)
+void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
 {
     const swf::Point point = viewMatrix().inverted().map(x, y);
     if (point != m_mouse || !m_mouseInside) mouseMove(x, y);
@@ -258,7 +258,7 @@ void Stage::mouseDown(double x, double y, MouseButton button, int)
     m_pressedOutside = false;
     if (target && target->kind() == NodeKind::TextField) {
         setFocus(target.get());
-        static_cast<TextField&>(*target).press(m_mouse);
+        static_cast<TextField&>(*target).press(m_mouse, clicks);
     } else if (m_focus && m_focus->kind() == NodeKind::TextField) {
         setFocus(nullptr);
     }
@@ -297,6 +297,9 @@ void Stage::mouseUp(double x, double y, MouseButton button)
 void Stage::mouseWheel(int lines)
 {
     m_script->broadcastWheel(lines, topNodeAt(m_mouse));
+    runQueue();
+    const NodePtr target = pointerTarget(m_mouse);
+    if (target && target->kind() == NodeKind::TextField) static_cast<TextField&>(*target).wheel(lines);
     runQueue();
 }
 
@@ -377,7 +380,12 @@ void Stage::textInput(char32_t character)
     runQueue();
 }
 
-void Stage::textCommand(TextCommand) {}
+void Stage::textCommand(TextCommand command)
+{
+    if (!m_focus || m_focus->kind() != NodeKind::TextField) return;
+    static_cast<TextField&>(*m_focus).command(command);
+    runQueue();
+}
 
 void Stage::focusGained() {}
 
@@ -392,8 +400,14 @@ void Stage::setFocus(Node* node)
     if (m_focus.get() == node) return;
     const NodePtr before = m_focus;
     m_focus = node ? node->shared_from_this() : nullptr;
+    const auto asField = [](const NodePtr& entry) {
+        const bool is = entry && entry->kind() == NodeKind::TextField;
+        return is ? static_cast<TextField*>(entry.get()) : nullptr;
+    };
     if (before) before->invalidate();
     if (m_focus) m_focus->invalidate();
+    if (TextField* field = asField(before)) field->focusLost();
+    if (TextField* field = asField(m_focus)) field->focusGained();
     m_script->focusChanged(before.get(), m_focus.get());
     runQueue();
 }

@@ -2,6 +2,7 @@
 #include "flash/render/Filters.h"
 #include "flash/stage/Renderer.h"
 #include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
 
 #include <algorithm>
 #include <cmath>
@@ -158,6 +159,8 @@ render::IntRect Stage::dirtyRect()
 
 void Stage::collectDirty()
 {
+    syncTextFields();
+    if (m_focus && m_focus->kind() == NodeKind::TextField) static_cast<TextField&>(*m_focus).tick(m_nowMs);
     const swf::Matrix view = viewMatrix();
     const double scale = view.a * swf::kTwipsPerPixel;
     const std::vector<std::weak_ptr<Node>> changed = std::move(m_changedNodes);

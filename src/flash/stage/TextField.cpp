@@ -1,13 +1,51 @@
 #include "flash/stage/TextField.h"
 
 #include "base/TextCodes.h"
-#include "flash/render/Canvas.h"
 #include "flash/stage/Clip.h"
-#include "flash/stage/Graphics.h"
 #include "flash/stage/Stage.h"
+#include "flash/stage/TextHtml.h"
 
 namespace flash::stage
 {
+
+namespace
+{
+
+// What a text looks like that nobody formatted.
+constexpr const char* kDefaultFont = "Times New Roman";
+
+std::u16string withCarriageReturns(std::u16string text)
+{
+    std::replace(text.begin(), text.end(), u'\n', u'\r');
+    return text;
+}
+
+TextFormat formatOf(const MoviePtr& movie, const swf::EditText& definition)
+{
+    TextFormat format;
+    render::TextStyle& style = format.style;
+    style.font = kDefaultFont;
+    style.color = definition.hasColor ? definition.color : swf::Rgba{0, 0, 0, 255};
+    if (definition.hasFont || !definition.fontClass.empty()) {
+        style.size = definition.fontHeight;
+        const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
+        if (const auto* font = character ? std::get_if<swf::Font>(&character->data) : nullptr) {
+            style.font = Stage::textOf(movie, font->name);
+            style.bold = font->bold;
+            style.italic = font->italic;
+        }
+    }
+    if (definition.hasLayout) {
+        style.align = definition.align;
+        style.leftMargin = definition.leftMargin;
+        style.rightMargin = definition.rightMargin;
+        style.indent = definition.indent;
+        style.leading = definition.leading;
+    }
+    return format;
+}
+
+} // namespace
 
 TextField::TextField(Stage& stage, MoviePtr movie, const swf::EditText& definition)
     : Node(stage, NodeKind::TextField), m_definition(definition)
@@ -15,10 +53,25 @@ TextField::TextField(Stage& stage, MoviePtr movie, const swf::EditText& definiti
     m_movie = std::move(movie);
     readOnly = definition.readOnly;
     selectable = definition.selectable;
-    password = definition.password;
+    if (definition.hasMaxLength && definition.maxLength > 0) maxChars = definition.maxLength;
+    m_password = definition.password;
+    m_multiline = definition.multiline;
+    m_wordWrap = definition.wordWrap;
+    m_embedFonts = definition.useOutlines;
+    m_html = definition.html;
+    m_border = m_background = definition.border;
+    m_autoSize = definition.autoSize ? AutoSize::Left : AutoSize::None;
     m_bounds = definition.bounds;
-    m_text = base::utf16FromUtf8(Stage::textOf(m_movie, definition.initialText));
+    m_newFormat = formatOf(m_movie, definition);
     m_variable = Stage::textOf(m_movie, definition.variableName);
+    if (!definition.hasText) return;
+    std::u16string text = base::utf16FromUtf8(Stage::textOf(m_movie, definition.initialText));
+    if (m_html) {
+        m_source = std::move(text);
+        readHtml();
+    } else {
+        m_content.append(withCarriageReturns(std::move(text)), m_newFormat);
+    }
 }
 
 NodePtr TextField::makeDynamic(Stage& stage, const MoviePtr& movie, const swf::Rect& boundsTwips)
@@ -30,12 +83,86 @@ NodePtr TextField::makeDynamic(Stage& stage, const MoviePtr& movie, const swf::R
     return std::make_shared<TextField>(stage, movie, definition);
 }
 
+// ---- the text ---------------------------------------------------------------------------------------------
+
+void TextField::assign(TextContent content)
+{
+    m_content = std::move(content);
+    textChanged();
+}
+
+void TextField::textChanged()
+{
+    m_anchor = std::min(m_anchor, m_content.size());
+    m_caret = std::min(m_caret, m_content.size());
+    outdateLayout();
+    publish();
+}
+
 void TextField::setText(std::u16string text)
 {
-    if (text == m_text) return;
-    m_text = std::move(text);
-    contentChanged();
+    text = withCarriageReturns(std::move(text));
+    m_source.clear();
+    TextContent content;
+    content.append(text, m_newFormat);
+    assign(std::move(content));
 }
+
+std::u16string TextField::html() const
+{
+    if (m_styleSheet) return m_source;
+    if (!m_html) return m_content.text();
+    return htmlFromContent(m_content);
+}
+
+void TextField::setHtml(std::u16string html)
+{
+    if (!m_html) {
+        setText(std::move(html));
+        return;
+    }
+    m_source = std::move(html);
+    readHtml();
+    textChanged();
+}
+
+void TextField::readHtml()
+{
+    HtmlOptions options;
+    options.multiline = m_multiline;
+    options.condenseWhite = m_condenseWhite;
+    options.version = m_movie ? m_movie->header.version : 8;
+    options.styles = m_styleSheet.get();
+    m_content = contentFromHtml(m_source, m_newFormat, options);
+}
+
+void TextField::setStyleSheet(std::shared_ptr<const StyleSheet> sheet)
+{
+    m_styleSheet = std::move(sheet);
+    if (m_source.empty()) return;
+    readHtml();
+    textChanged();
+}
+
+void TextField::replaceText(std::size_t begin, std::size_t end, std::u16string_view text)
+{
+    m_content.replace(begin, end, withCarriageReturns(std::u16string(text)), m_newFormat);
+    textChanged();
+}
+
+void TextField::setFormat(std::size_t begin, std::size_t end, const PartialTextFormat& format)
+{
+    m_content.apply(begin, end, format);
+    outdateLayout();
+}
+
+void TextField::setNewFormat(const PartialTextFormat& format)
+{
+    format.applyTo(m_newFormat);
+    if (m_content.isEmpty()) outdateLayout();
+}
+
+// ---- the variable -----------------------------------------------------------------------------------------
 
 void TextField::setVariable(std::string path)
 {
@@ -47,43 +174,85 @@ void TextField::setVariable(std::string path)
 void TextField::syncVariable()
 {
     Clip* scope = parentClip();
-    if (m_variable.empty() || !scope) return;
+    if (m_variable.empty() || !scope || isRemoved()) return;
+    if (!m_bound) {
+        m_bound = true;
+        m_stage.noteBound(*this);
+    }
     const std::optional<std::string> value = m_stage.script().variable(*scope, m_variable);
     if (!value) {
-        if (!m_lastValue && !m_text.empty()) {
-            std::string own = base::utf8FromUtf16(m_text);
-            if (m_stage.script().setVariable(*scope, m_variable, own)) m_lastValue = std::move(own);
-        }
+        if (!m_lastValue && !m_content.isEmpty()) publish();
         return;
     }
     if (value == m_lastValue) return;
     m_lastValue = value;
-    setText(base::utf16FromUtf8(*value));
+    std::u16string text = base::utf16FromUtf8(*value);
+    if (m_html) {
+        m_source = std::move(text);
+        readHtml();
+    } else {
+        m_content.clear();
+        m_content.append(withCarriageReturns(std::move(text)), m_newFormat);
+    }
+    m_anchor = std::min(m_anchor, m_content.size());
+    m_caret = std::min(m_caret, m_content.size());
+    outdateLayout();
 }
 
-swf::Rect TextField::bounds(Extent) { return m_bounds; }
-
-bool TextField::hitsShape(swf::Point stagePoint)
+void TextField::publish()
 {
-    return rectContains(*this, bounds(Extent::WithStrokes), stagePoint);
+    Clip* scope = parentClip();
+    if (m_variable.empty() || !scope || isRemoved()) return;
+    std::string value = base::utf8FromUtf16(m_html ? html() : text());
+    if (m_stage.script().setVariable(*scope, m_variable, value)) m_lastValue = std::move(value);
 }
 
-void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform&)
-{
-    if (!m_definition.border) return;
-    canvas.fillRect(m_bounds, toDevice, {255, 255, 255, 255});
-    canvas.strokeRect(m_bounds, toDevice, {0, 0, 0, 255});
-}
+// ---- look -------------------------------------------------------------------------------------------------
 
-void TextField::select(std::size_t begin, std::size_t end)
+void TextField::setBorder(bool on)
 {
-    m_anchor = std::min(begin, m_text.size());
-    m_caret = std::min(end, m_text.size());
+    m_border = on;
     invalidate();
 }
-
-void TextField::input(char32_t) {}
-void TextField::press(swf::Point) {}
-void TextField::drag(swf::Point) {}
+void TextField::setBorderColor(swf::Rgba color)
+{
+    m_borderColor = color;
+    invalidate();
+}
+void TextField::setBackground(bool on)
+{
+    m_background = on;
+    invalidate();
+}
+void TextField::setBackgroundColor(swf::Rgba color)
+{
+    m_backgroundColor = color;
+    invalidate();
+}
+void TextField::setMultiline(bool on)
+{
+    m_multiline = on;
+    outdateLayout();
+}
+void TextField::setWraps(bool on)
+{
+    m_wordWrap = on;
+    outdateLayout();
+}
+void TextField::setPassword(bool on)
+{
+    m_password = on;
+    outdateLayout();
+}
+void TextField::setEmbedsFonts(bool on)
+{
+    m_embedFonts = on;
+    outdateLayout();
+}
+void TextField::setAutoSize(AutoSize mode)
+{
+    m_autoSize = mode;
+    outdateLayout();
+}
 
 } // namespace flash::stage

@@ -1,53 +1,178 @@
 #pragma once
 
 #include "flash/stage/Node.h"
+#include "flash/stage/StyleSheet.h"
+#include "flash/stage/TextContent.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace flash::stage
 {
 
+enum class TextCommand : std::uint8_t;
+
 /// A text that scripts and users change.
+///
+/// Positions are places between characters and count UTF-16 units; lines count from 0. What depends on the
+/// layout (lines, scrolling, the size of a field that fits itself to its text) is worked out when asked for.
 class TextField final : public Node
 {
 public:
+    /// Which edge stays when the field fits itself to its text.
+    enum class AutoSize : std::uint8_t { None, Left, Center, Right };
+
     TextField(Stage& stage, MoviePtr movie, const swf::EditText& definition);
     static NodePtr makeDynamic(Stage& stage, const MoviePtr& movie, const swf::Rect& boundsTwips);
 
     [[nodiscard]] const swf::EditText& definition() const { return m_definition; }
-    [[nodiscard]] const std::u16string& text() const { return m_text; }
+
+    // ---- the text ----
+    [[nodiscard]] const std::u16string& text() const { return m_content.text(); }
+    [[nodiscard]] const TextContent& content() const { return m_content; }
+    /// In the format for new text. Line feeds become carriage returns.
     void setText(std::u16string text);
+    [[nodiscard]] std::u16string html() const;
+    /// Formats it when isHtml() says so, otherwise shows it as it is.
+    void setHtml(std::u16string html);
+    void replaceText(std::size_t begin, std::size_t end, std::u16string_view text);
+    void setFormat(std::size_t begin, std::size_t end, const PartialTextFormat& format);
+    /// What text that is set or typed looks like.
+    [[nodiscard]] const TextFormat& newFormat() const { return m_newFormat; }
+    void setNewFormat(const PartialTextFormat& format);
+    [[nodiscard]] bool isHtml() const { return m_html; }
+    void setIsHtml(bool on) { m_html = on; }
+    [[nodiscard]] bool condensesWhite() const { return m_condenseWhite; }
+    void setCondensesWhite(bool on) { m_condenseWhite = on; }
+    /// Null: none. Applies to the text set as HTML, which is read again.
+    void setStyleSheet(std::shared_ptr<const StyleSheet> sheet);
+    [[nodiscard]] bool hasStyleSheet() const { return m_styleSheet != nullptr; }
+
     /// The variable it shows and sets; empty when none.
     [[nodiscard]] const std::string& variable() const { return m_variable; }
     void setVariable(std::string path);
     /// Takes the variable's value, or gives it the present text when it has none.
     void syncVariable();
+
+    // ---- look ----
+    [[nodiscard]] bool hasBorder() const { return m_border; }
+    void setBorder(bool on);
+    [[nodiscard]] swf::Rgba borderColor() const { return m_borderColor; }
+    void setBorderColor(swf::Rgba color);
+    [[nodiscard]] bool hasBackground() const { return m_background; }
+    void setBackground(bool on);
+    [[nodiscard]] swf::Rgba backgroundColor() const { return m_backgroundColor; }
+    void setBackgroundColor(swf::Rgba color);
+    [[nodiscard]] bool isMultiline() const { return m_multiline; }
+    void setMultiline(bool on);
+    [[nodiscard]] bool wraps() const { return m_wordWrap; }
+    void setWraps(bool on);
+    [[nodiscard]] bool isPassword() const { return m_password; }
+    void setPassword(bool on);
+    [[nodiscard]] bool embedsFonts() const { return m_embedFonts; }
+    void setEmbedsFonts(bool on);
+    [[nodiscard]] AutoSize autoSize() const { return m_autoSize; }
+    void setAutoSize(AutoSize mode);
+
+    // ---- what the user may do ----
+    bool readOnly = false, selectable = true, mouseWheelEnabled = true;
+    std::optional<int> maxChars;            ///< unlimited when none
+    std::optional<std::u16string> restrict; ///< the characters that can be typed, as scripts write them
     [[nodiscard]] bool isInput() const { return !readOnly; }
 
-    bool readOnly = false, selectable = true, password = false;
+    // ---- layout ----
+    [[nodiscard]] const render::TextLayout& layout();
+    [[nodiscard]] int lineCount() { return static_cast<int>(layout().lines().size()); }
+    /// The first line that is shown.
+    [[nodiscard]] int scroll();
+    void setScroll(int line);
+    /// Scrolled so far, the last line stands at the bottom.
+    [[nodiscard]] int maxScroll();
+    /// The last line that is shown whole.
+    [[nodiscard]] int bottomScroll();
+    [[nodiscard]] double hscroll(); ///< twips
+    void setHscroll(double twips);
+    [[nodiscard]] double maxHscroll();
+
+    // A field's position is that of its box, which need not stand at its origin; its size is the box's.
+    [[nodiscard]] double x() override;
+    [[nodiscard]] double y() override;
+    void setX(double pixels) override;
+    void setY(double pixels) override;
+    void setWidth(double pixels) override;
+    void setHeight(double pixels) override;
 
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
 
-    // ---- the selection: positions between characters ----
+    // ---- the selection ----
     [[nodiscard]] std::size_t selectionBegin() const { return std::min(m_anchor, m_caret); }
     [[nodiscard]] std::size_t selectionEnd() const { return std::max(m_anchor, m_caret); }
     [[nodiscard]] std::size_t caret() const { return m_caret; }
-    void select(std::size_t begin, std::size_t end);
+    void select(std::size_t anchor, std::size_t caret);
 
     // ---- the user at work ----
+    void focusGained();
+    void focusLost();
     void input(char32_t character);
-    void press(swf::Point stagePoint);
+    void command(TextCommand command);
+    void press(swf::Point stagePoint, int clicks = 1);
     void drag(swf::Point stagePoint);
+    /// Scrolls by the wheel. @returns whether there was anything to scroll
+    bool wheel(int lines);
+    /// Whether the point is on a link.
+    [[nodiscard]] const TextFormat* linkAt(swf::Point stagePoint);
+    /// Lets the caret blink.
+    void tick(double nowMs);
 
 private:
+    class Fonts;
+    [[nodiscard]] bool isFocused() const;
+    void assign(TextContent content);
+    void readHtml();
+    void textChanged(); ///< by a script
+    void outdateLayout();
+    void fitToText();
+    [[nodiscard]] swf::Point textOrigin();
+    [[nodiscard]] double visibleWidth();
+    [[nodiscard]] double visibleHeight();
+    [[nodiscard]] swf::Point toText(swf::Point stagePoint);
+    void publish();
+
+    // ---- editing ----
+    [[nodiscard]] bool accepts(char16_t character) const;
+    void type(std::u16string_view text);
+    void erase(std::size_t begin, std::size_t end);
+    void userChanged();
+    void showCaret();
+    [[nodiscard]] std::size_t verticalTarget(int lines);
+    [[nodiscard]] std::size_t wordStart(std::size_t index) const;
+    [[nodiscard]] std::size_t wordEnd(std::size_t index) const;
+    void copySelection();
+
     swf::EditText m_definition;
-    std::u16string m_text;
+    TextContent m_content;
+    TextFormat m_newFormat;
+    std::u16string m_source; ///< what was set as HTML, while a style sheet is in force
+    std::shared_ptr<const StyleSheet> m_styleSheet;
     std::string m_variable;
     std::optional<std::string> m_lastValue; ///< of the variable, as last seen or set
+    bool m_bound = false;                   ///< the stage looks after the variable
     swf::Rect m_bounds;
+    AutoSize m_autoSize = AutoSize::None;
+    bool m_html = false, m_condenseWhite = false, m_border = false, m_background = false;
+    bool m_multiline = false, m_wordWrap = false, m_password = false, m_embedFonts = false;
+    swf::Rgba m_borderColor{0, 0, 0, 255}, m_backgroundColor{255, 255, 255, 255};
+
+    render::TextLayout m_layout;
+    bool m_layoutValid = false;
+    int m_scroll = 0;
+    double m_hscroll = 0;
+
     std::size_t m_anchor = 0, m_caret = 0;
+    bool m_caretShown = false;
+    double m_caretSinceMs = 0;
 };
 
 } // namespace flash::stage

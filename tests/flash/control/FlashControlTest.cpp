@@ -202,6 +202,42 @@ TEST(FlashControl, LoadsALayerOverTheMovieAndLeavesItPlaying)
     EXPECT_EQ(pixel(control, 10, 10), kGrey);
 }
 
+TEST(FlashControl, LetsAHostAnswerACommandByLoadingAnotherMovie)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    const QString second = folder.write("b.swf", test::movingSquare(7));
+    QStringList heard;
+    QObject::connect(&control, &FlashControl::FSCommand, &control,
+                     [&](const QString& command, const QString& args) {
+                         heard << command << args;
+                         EXPECT_TRUE(control.LoadMovie(0, args));
+                     });
+    const auto actions = test::fsCommand("load", second.toStdString());
+    EXPECT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(2, actions))));
+    EXPECT_EQ(heard, (QStringList{"load", second}));
+    EXPECT_EQ(control.TotalFrames(), 7);
+    EXPECT_EQ(control.Movie(), second);
+}
+
+TEST(FlashControl, ReadsAndSetsVariablesOfTheRoot)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(100, 80);
+    control.SetVariable("early", "1"); // nothing is loaded: nothing happens
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(1)) + "?greeting=%41bc&n=2"));
+    EXPECT_EQ(control.GetVariable("greeting"), "Abc");
+    EXPECT_EQ(control.GetVariable("n"), "2");
+    EXPECT_EQ(control.GetVariable("missing"), "");
+    control.SetVariable("greeting", QString::fromUtf8("Привет"));
+    EXPECT_EQ(control.GetVariable("_level0.greeting"), QString::fromUtf8("Привет"));
+    control.SetVariable("_alpha", "50");
+    const QColor mixed = pixel(control, 10, 10);
+    EXPECT_NEAR(mixed.red(), 192, 3);
+    EXPECT_NEAR(mixed.green(), 64, 3);
+}
+
 TEST(FlashControl, SurvivesAHostThatDeletesItFromAHandler)
 {
     const test::MovieFolder folder;

@@ -1,4 +1,5 @@
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/classes/GeomValues.h"
 #include "flash/stage/Drawing.h"
 
 #include <cmath>
@@ -133,12 +134,8 @@ Value beginBitmapFill(Call& call)
     fill.bitmap = StageBinding::of(call).bitmapOf(object);
     if (!fill.bitmap) return {};
     constexpr double kTwips = swf::kTwipsPerPixel;
-    fill.matrix = {kTwips, 0, 0, kTwips, 0, 0};
-    if (Object* m = call.arg(1).asObject()) {
-        const auto number = [&](const char* name) { return numberMember(call.vm, m, name); };
-        fill.matrix = {number("a") * kTwips, number("b") * kTwips,  number("c") * kTwips,
-                       number("d") * kTwips, number("tx") * kTwips, number("ty") * kTwips};
-    }
+    fill.matrix = swf::Matrix{kTwips, 0, 0, kTwips, 0, 0} *
+                  matrixFromValue(call.vm, call.arg(1)).value_or(swf::Matrix{});
     fill.repeat = call.arg(2).isUndefined() || toBoolean(call.vm, call.arg(2));
     fill.smooth = toBoolean(call.vm, call.arg(3));
     clip->drawing().beginFill(std::move(fill));

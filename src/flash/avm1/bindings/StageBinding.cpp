@@ -1,8 +1,12 @@
 #include "flash/avm1/bindings/StageBinding.h"
 
 #include "base/TextCodes.h"
+#include "flash/avm1/bindings/BitmapDataClass.h"
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/NodeObject.h"
+#include "flash/avm1/classes/Filters.h"
+#include "flash/avm1/classes/GeomValues.h"
+#include "flash/avm1/classes/XmlNode.h"
 #include "flash/stage/Button.h"
 #include "flash/stage/TextField.h"
 
@@ -89,6 +93,8 @@ void StageBinding::installClasses()
     installTextField(*this);
     installLoadVars(*this);
     installMovieClipLoader(*this);
+    installXml(*m_vm);
+    installFlashPackage();
     const auto prototype = [this](const char* name) -> Object* {
         Object* constructor = m_vm->global()->get(*m_vm, m_vm->name(std::string_view(name))).asObject();
         return constructor ? m_vm->prototypeOf(constructor) : nullptr;
@@ -97,6 +103,21 @@ void StageBinding::installClasses()
     m_state->button = prototype("Button");
     m_state->textField = prototype("TextField");
     m_state->video = prototype("Video");
+}
+
+void StageBinding::installFlashPackage()
+{
+    Object* flash = m_vm->newObject();
+    m_vm->global()->define(*m_vm, "flash", flash, kDontEnum | kFrom6);
+    const auto package = [&](const char* name) {
+        Object* made = m_vm->newObject();
+        flash->define(*m_vm, name, made);
+        return made;
+    };
+    installBitmapData(*this, package("display"));
+    installFilters(*m_vm, package("filters"));
+    installColorTransform(*m_vm, package("geom"));
+    installGeomPrelude(*m_vm);
 }
 
 void StageBinding::traceNodes(Tracer& tracer)
@@ -235,8 +256,7 @@ void StageBinding::constructNow(stage::Clip& clip)
     constructClip(clip);
 }
 
-// TODO: pictures of BitmapData objects; until then what is filled with them or attached shows nothing.
-std::shared_ptr<const swf::Bitmap> StageBinding::bitmapOf(Object*) { return nullptr; }
+std::shared_ptr<const swf::Bitmap> StageBinding::bitmapOf(Object* object) { return bitmapFromObject(object); }
 
 void StageBinding::broadcast(std::string_view objectName, std::string_view message,
                              std::initializer_list<Value> args)

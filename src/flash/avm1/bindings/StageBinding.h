@@ -136,6 +136,7 @@ private:
     friend class NodeObject;
     struct State;
     void installClasses();
+    void installFlashPackage();
     void broadcast(std::string_view object, std::string_view message, std::initializer_list<Value> args = {});
     void traceNodes(Tracer& tracer);
     Name handlerName(stage::Event event);

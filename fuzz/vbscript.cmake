@@ -1,0 +1,1 @@
+zorvex_fuzz(fuzz_vbscript FuzzVbscript.cpp LIBS zorvex_script)

@@ -1,0 +1,105 @@
+#include "flash/stage/TextContent.h"
+
+#include <algorithm>
+
+namespace flash::stage
+{
+
+void TextContent::clear()
+{
+    m_text.clear();
+    m_runs.clear();
+}
+
+void TextContent::append(std::u16string_view text, const TextFormat& format)
+{
+    if (text.empty()) return;
+    m_text += text;
+    if (!m_runs.empty() && m_runs.back().format == format)
+        m_runs.back().length += text.size();
+    else
+        m_runs.push_back({text.size(), format});
+}
+
+std::size_t TextContent::cut(std::size_t index)
+{
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < m_runs.size(); ++i) {
+        if (begin == index) return i;
+        const std::size_t length = m_runs[i].length;
+        if (index < begin + length) {
+            Run rest = m_runs[i];
+            rest.length = begin + length - index;
+            m_runs[i].length = index - begin;
+            m_runs.insert(m_runs.begin() + static_cast<std::ptrdiff_t>(i) + 1, std::move(rest));
+            return i + 1;
+        }
+        begin += length;
+    }
+    return m_runs.size();
+}
+
+void TextContent::join()
+{
+    std::vector<Run> joined;
+    for (Run& run : m_runs) {
+        if (run.length == 0) continue;
+        if (!joined.empty() && joined.back().format == run.format)
+            joined.back().length += run.length;
+        else
+            joined.push_back(std::move(run));
+    }
+    m_runs = std::move(joined);
+}
+
+void TextContent::replace(std::size_t begin, std::size_t end, std::u16string_view text,
+                          const TextFormat& format)
+{
+    end = std::min(end, m_text.size());
+    begin = std::min(begin, end);
+    const auto first = static_cast<std::ptrdiff_t>(cut(begin));
+    const auto last = static_cast<std::ptrdiff_t>(cut(end));
+    m_runs.erase(m_runs.begin() + first, m_runs.begin() + last);
+    if (!text.empty()) m_runs.insert(m_runs.begin() + first, Run{text.size(), format});
+    m_text.replace(begin, end - begin, text);
+    join();
+}
+
+void TextContent::apply(std::size_t begin, std::size_t end, const PartialTextFormat& change)
+{
+    end = std::min(end, m_text.size());
+    if (begin >= end) return;
+    const std::size_t first = cut(begin), last = cut(end);
+    for (std::size_t i = first; i < last; ++i) change.applyTo(m_runs[i].format);
+    join();
+}
+
+const TextFormat* TextContent::formatAt(std::size_t index) const
+{
+    if (m_runs.empty()) return nullptr;
+    for (const Run& run : m_runs) {
+        if (index < run.length) return &run.format;
+        index -= run.length;
+    }
+    return &m_runs.back().format;
+}
+
+PartialTextFormat TextContent::common(std::size_t begin, std::size_t end) const
+{
+    PartialTextFormat common;
+    bool any = false;
+    std::size_t at = 0;
+    for (const Run& run : m_runs) {
+        const bool overlaps = at < end && at + run.length > begin;
+        at += run.length;
+        if (!overlaps) continue;
+        if (any)
+            common.keepCommon(run.format);
+        else
+            common = PartialTextFormat::of(run.format);
+        any = true;
+    }
+    return common;
+}
+
+} // namespace flash::stage

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "flash/stage/TextFormat.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace flash::stage
+{
+
+/// A text with the format of each of its characters. Indices count UTF-16 units; those beyond the end mean
+/// the end. Paragraphs end with a carriage return.
+class TextContent
+{
+public:
+    struct Run {
+        std::size_t length = 0;
+        TextFormat format;
+    };
+
+    [[nodiscard]] const std::u16string& text() const { return m_text; }
+    /// None is empty, neighbours differ.
+    [[nodiscard]] const std::vector<Run>& runs() const { return m_runs; }
+    [[nodiscard]] std::size_t size() const { return m_text.size(); }
+    [[nodiscard]] bool isEmpty() const { return m_text.empty(); }
+
+    void clear();
+    void append(std::u16string_view text, const TextFormat& format);
+    void replace(std::size_t begin, std::size_t end, std::u16string_view text, const TextFormat& format);
+    void apply(std::size_t begin, std::size_t end, const PartialTextFormat& change);
+
+    /// Of a character, or of the last one; null when there is no text.
+    [[nodiscard]] const TextFormat* formatAt(std::size_t index) const;
+    /// What the characters have in common; all open when there are none.
+    [[nodiscard]] PartialTextFormat common(std::size_t begin, std::size_t end) const;
+
+private:
+    /// @returns the index of the run that begins at `index`, after cutting one in two when needed
+    std::size_t cut(std::size_t index);
+    void join();
+    std::u16string m_text;
+    std::vector<Run> m_runs;
+};
+
+} // namespace flash::stage

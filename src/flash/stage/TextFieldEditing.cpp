@@ -1,0 +1,307 @@
+#include "base/TextCodes.h"
+#include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
+
+#include <cmath>
+
+// The user at work in a field: keyboard, mouse, clipboard.
+namespace flash::stage
+{
+
+namespace
+{
+
+constexpr double kBlinkMs = 500; // the caret is shown, then hidden, this long
+constexpr int kWheelLines = 1;
+
+bool isWordCharacter(char16_t c)
+{
+    return c == u'_' || (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') ||
+           c >= 0x80;
+}
+
+/// Whether a character is in a set as TextField.restrict writes it: characters and ranges; those after a
+/// caret are taken out, the next caret puts in again; a backslash makes the next one plain.
+bool isAllowed(const std::u16string& set, char16_t character)
+{
+    if (set.empty()) return false;
+    bool allowed = set[0] == u'^', including = true;
+    for (std::size_t i = 0; i < set.size(); ++i) {
+        if (set[i] == u'^') {
+            including = !including;
+            continue;
+        }
+        if (set[i] == u'\\' && i + 1 < set.size()) ++i;
+        const char16_t first = set[i];
+        char16_t last = first;
+        if (i + 2 < set.size() && set[i + 1] == u'-') {
+            i += 2;
+            if (set[i] == u'\\' && i + 1 < set.size()) ++i;
+            last = set[i];
+        }
+        if (character >= first && character <= last) allowed = including;
+    }
+    return allowed;
+}
+
+char16_t otherCase(char16_t c)
+{
+    if (c >= u'a' && c <= u'z') return static_cast<char16_t>(c - 32);
+    if (c >= u'A' && c <= u'Z') return static_cast<char16_t>(c + 32);
+    return c;
+}
+
+} // namespace
+
+bool TextField::isFocused() const { return m_stage.focus() == this; }
+
+void TextField::select(std::size_t anchor, std::size_t caret)
+{
+    m_anchor = std::min(anchor, m_content.size());
+    m_caret = std::min(caret, m_content.size());
+    m_caretShown = true;
+    m_caretSinceMs = m_stage.nowMs();
+    invalidate();
+}
+
+void TextField::focusGained()
+{
+    if (isInput()) select(0, m_content.size());
+}
+
+void TextField::focusLost()
+{
+    m_caretShown = false;
+    invalidate();
+}
+
+void TextField::tick(double nowMs)
+{
+    if (!isFocused() || !isInput()) return;
+    const auto phases = static_cast<long long>(std::max(0.0, nowMs - m_caretSinceMs) / kBlinkMs);
+    const bool shown = phases % 2 == 0;
+    if (shown == m_caretShown) return;
+    m_caretShown = shown;
+    invalidate();
+}
+
+// ---- changing the text ------------------------------------------------------------------------------------
+
+bool TextField::accepts(char16_t character) const
+{
+    if (character == u'\r' && !m_multiline) return false;
+    return !restrict || character == u'\r' || isAllowed(*restrict, character);
+}
+
+void TextField::type(std::u16string_view text)
+{
+    if (!isInput()) return;
+    std::u16string accepted;
+    for (char16_t c : text) {
+        if (c == u'\n') c = u'\r';
+        // What is only allowed in the other case is typed in that case.
+        if (!accepts(c)) c = otherCase(c);
+        if (accepts(c)) accepted += c;
+    }
+    if (maxChars) {
+        const std::size_t kept = m_content.size() - (selectionEnd() - selectionBegin());
+        const auto most = static_cast<std::size_t>(std::max(*maxChars, 0));
+        accepted.resize(std::min(accepted.size(), most > kept ? most - kept : 0));
+    }
+    if (accepted.empty()) return;
+    const std::size_t begin = selectionBegin();
+    // Typed text looks like what stands before it.
+    const TextFormat* before = begin > 0 ? m_content.formatAt(begin - 1) : m_content.formatAt(0);
+    const TextFormat format = before ? *before : m_newFormat;
+    m_content.replace(begin, selectionEnd(), accepted, format);
+    m_anchor = m_caret = begin + accepted.size();
+    userChanged();
+}
+
+void TextField::erase(std::size_t begin, std::size_t end)
+{
+    if (!isInput() || begin >= end) return;
+    m_content.replace(begin, end, {}, m_newFormat);
+    m_anchor = m_caret = begin;
+    userChanged();
+}
+
+void TextField::userChanged()
+{
+    outdateLayout();
+    showCaret();
+    publish();
+    m_stage.script().textChanged(*this);
+}
+
+void TextField::showCaret()
+{
+    m_caretShown = true;
+    m_caretSinceMs = m_stage.nowMs();
+    const int line = static_cast<int>(layout().lineOf(m_caret));
+    if (line < scroll()) setScroll(line);
+    while (line > bottomScroll() && scroll() < maxScroll()) setScroll(scroll() + 1);
+    const double x = layout().caret(m_caret).x;
+    if (x < hscroll()) setHscroll(x);
+    if (x > hscroll() + visibleWidth()) setHscroll(x - visibleWidth());
+    invalidate();
+}
+
+void TextField::input(char32_t character)
+{
+    if (character < 32 || character == 127) return;
+    if (character >= 0x10000) {
+        const char32_t rest = character - 0x10000;
+        const char16_t pair[] = {static_cast<char16_t>(0xD800 + (rest >> 10)),
+                                 static_cast<char16_t>(0xDC00 + (rest & 0x3FF))};
+        type({pair, 2});
+        return;
+    }
+    const auto unit = static_cast<char16_t>(character);
+    type({&unit, 1});
+}
+
+void TextField::copySelection()
+{
+    if (m_password || m_anchor == m_caret) return;
+    const std::u16string_view text = m_content.text();
+    m_stage.services().host.setClipboardText(
+        base::utf8FromUtf16(text.substr(selectionBegin(), selectionEnd() - selectionBegin())));
+}
+
+// ---- moving about -----------------------------------------------------------------------------------------
+
+std::size_t TextField::wordStart(std::size_t index) const
+{
+    const std::u16string& text = m_content.text();
+    while (index > 0 && !isWordCharacter(text[index - 1])) --index;
+    while (index > 0 && isWordCharacter(text[index - 1])) --index;
+    return index;
+}
+
+std::size_t TextField::wordEnd(std::size_t index) const
+{
+    const std::u16string& text = m_content.text();
+    while (index < text.size() && isWordCharacter(text[index])) ++index;
+    while (index < text.size() && !isWordCharacter(text[index])) ++index;
+    return index;
+}
+
+std::size_t TextField::verticalTarget(int lines)
+{
+    const render::TextLayout& text = layout();
+    const int line = static_cast<int>(text.lineOf(m_caret)) + lines;
+    if (line < 0) return 0;
+    if (line >= lineCount()) return m_content.size();
+    const render::LayoutLine& target = text.lines()[static_cast<std::size_t>(line)];
+    return text.caretAt({text.caret(m_caret).x, (target.top + target.baseline) / 2});
+}
+
+void TextField::command(TextCommand command)
+{
+    const std::size_t begin = selectionBegin(), end = selectionEnd();
+    const bool selecting = begin != end;
+    const auto lineEdge = [&](bool atEnd) {
+        const std::size_t index = layout().lineOf(m_caret);
+        const render::LayoutLine& line = layout().lines()[index];
+        if (!atEnd) return line.begin;
+        const bool last = index + 1 == layout().lines().size();
+        return last ? line.end : std::max(line.begin, line.end - 1);
+    };
+    const auto previous = [&] { return m_caret > 0 ? m_caret - 1 : 0; };
+    const auto next = [&] { return std::min(m_caret + 1, m_content.size()); };
+    const auto moveTo = [&](std::size_t index) {
+        select(index, index);
+        showCaret();
+    };
+    const auto extendTo = [&](std::size_t index) {
+        select(m_anchor, index);
+        showCaret();
+    };
+    switch (command) {
+    case TextCommand::MoveLeft: moveTo(selecting ? begin : previous()); break;
+    case TextCommand::MoveRight: moveTo(selecting ? end : next()); break;
+    case TextCommand::MoveUp: moveTo(verticalTarget(-1)); break;
+    case TextCommand::MoveDown: moveTo(verticalTarget(1)); break;
+    case TextCommand::MoveLeftWord: moveTo(wordStart(m_caret)); break;
+    case TextCommand::MoveRightWord: moveTo(wordEnd(m_caret)); break;
+    case TextCommand::MoveLineStart: moveTo(lineEdge(false)); break;
+    case TextCommand::MoveLineEnd: moveTo(lineEdge(true)); break;
+    case TextCommand::MoveDocumentStart: moveTo(0); break;
+    case TextCommand::MoveDocumentEnd: moveTo(m_content.size()); break;
+    case TextCommand::SelectLeft: extendTo(previous()); break;
+    case TextCommand::SelectRight: extendTo(next()); break;
+    case TextCommand::SelectUp: extendTo(verticalTarget(-1)); break;
+    case TextCommand::SelectDown: extendTo(verticalTarget(1)); break;
+    case TextCommand::SelectLeftWord: extendTo(wordStart(m_caret)); break;
+    case TextCommand::SelectRightWord: extendTo(wordEnd(m_caret)); break;
+    case TextCommand::SelectLineStart: extendTo(lineEdge(false)); break;
+    case TextCommand::SelectLineEnd: extendTo(lineEdge(true)); break;
+    case TextCommand::SelectDocumentStart: extendTo(0); break;
+    case TextCommand::SelectDocumentEnd: extendTo(m_content.size()); break;
+    case TextCommand::SelectAll: select(0, m_content.size()); break;
+    case TextCommand::Copy: copySelection(); break;
+    case TextCommand::Cut:
+        copySelection();
+        if (!m_password) erase(begin, end);
+        break;
+    case TextCommand::Paste: {
+        const std::u16string text = base::utf16FromUtf8(m_stage.services().host.clipboardText());
+        if (!text.empty()) type(text);
+        break;
+    }
+    case TextCommand::Backspace: selecting ? erase(begin, end) : erase(previous(), m_caret); break;
+    case TextCommand::BackspaceWord:
+        selecting ? erase(begin, end) : erase(wordStart(m_caret), m_caret);
+        break;
+    case TextCommand::Delete: selecting ? erase(begin, end) : erase(m_caret, next()); break;
+    case TextCommand::DeleteWord: selecting ? erase(begin, end) : erase(m_caret, wordEnd(m_caret)); break;
+    case TextCommand::Enter: type(u"\r"); break;
+    }
+}
+
+// ---- the mouse --------------------------------------------------------------------------------------------
+
+void TextField::press(swf::Point stagePoint, int clicks)
+{
+    if (!selectable) return;
+    const std::size_t index = layout().caretAt(toText(stagePoint));
+    if (clicks >= 3) {
+        const render::LayoutLine& line = layout().lines()[layout().lineOf(index)];
+        select(line.begin, line.end);
+    } else if (clicks == 2) {
+        const std::u16string& text = m_content.text();
+        std::size_t begin = index, end = index;
+        while (begin > 0 && isWordCharacter(text[begin - 1])) --begin;
+        while (end < text.size() && isWordCharacter(text[end])) ++end;
+        select(begin, end);
+    } else {
+        select(index, index);
+    }
+}
+
+void TextField::drag(swf::Point stagePoint)
+{
+    if (!selectable) return;
+    const std::size_t index = layout().caretAt(toText(stagePoint));
+    if (index == m_caret) return;
+    select(m_anchor, index);
+    showCaret();
+}
+
+bool TextField::wheel(int lines)
+{
+    if (!mouseWheelEnabled || maxScroll() == 0) return false;
+    setScroll(scroll() - lines * kWheelLines);
+    return true;
+}
+
+const TextFormat* TextField::linkAt(swf::Point stagePoint)
+{
+    if (!hitsShape(stagePoint)) return nullptr;
+    const std::optional<std::size_t> index = layout().characterAt(toText(stagePoint));
+    const TextFormat* format = index ? m_content.formatAt(*index) : nullptr;
+    return format && !format->url.empty() ? format : nullptr;
+}
+
+} // namespace flash::stage

@@ -1,0 +1,263 @@
+#include "flash/render/Canvas.h"
+#include "flash/stage/Graphics.h"
+#include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
+#include "flash/stage/TextFonts.h"
+
+#include <cmath>
+
+// Where a field's text stands, how far it is scrolled, and how it is drawn.
+namespace flash::stage
+{
+
+namespace
+{
+
+constexpr char16_t kPasswordCharacter = u'*';
+constexpr swf::Rgba kSelectionGround{0, 0, 0, 255}, kSelectedText{255, 255, 255, 255};
+constexpr double kCaretWidth = 20; // twips
+
+swf::Matrix translation(swf::Point by) { return {1, 0, 0, 1, by.x, by.y}; }
+
+swf::Rect moved(const swf::Rect& rect, swf::Point by)
+{
+    const auto x = static_cast<std::int32_t>(std::lround(by.x)),
+               y = static_cast<std::int32_t>(std::lround(by.y));
+    return {rect.xMin + x, rect.xMax + x, rect.yMin + y, rect.yMax + y};
+}
+
+} // namespace
+
+/// The faces of one field: those of its movie when it embeds fonts, else the machine's.
+class TextField::Fonts final : public render::FontSource
+{
+public:
+    explicit Fonts(TextField& field) : m_field(field) {}
+    render::FontFacePtr face(const render::TextStyle& style) override
+    {
+        TextFonts& fonts = m_field.m_stage.textFonts();
+        if (!m_field.m_embedFonts) return fonts.device(style.font, style.bold, style.italic);
+        const MoviePtr& movie = m_field.m_movie;
+        // A font without a name can only be meant by its number.
+        const swf::EditText& definition = m_field.m_definition;
+        const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
+        const auto* own = character ? std::get_if<swf::Font>(&character->data) : nullptr;
+        if (own && Stage::textOf(movie, own->name) == style.font && own->bold == style.bold &&
+            own->italic == style.italic)
+            return fonts.embedded(movie, definition.fontId);
+        return fonts.embedded(movie, style.font, style.bold, style.italic);
+    }
+
+private:
+    TextField& m_field;
+};
+
+void TextField::outdateLayout()
+{
+    m_layoutValid = false;
+    if (m_autoSize == AutoSize::None)
+        invalidate();
+    else
+        contentChanged();
+}
+
+const render::TextLayout& TextField::layout()
+{
+    if (m_layoutValid) return m_layout;
+    m_layoutValid = true;
+    std::vector<render::TextRun> runs;
+    for (const TextContent::Run& run : m_content.runs()) runs.push_back({run.length, run.format.style});
+    if (runs.empty()) runs.push_back({0, m_newFormat.style});
+    render::TextOptions options;
+    options.width = std::max(0.0, m_bounds.width() - 2 * render::kTextGutter);
+    options.wordWrap = m_wordWrap;
+    options.autoSize = m_autoSize != AutoSize::None;
+    if (m_password) options.password = kPasswordCharacter;
+    Fonts fonts(*this);
+    m_layout = render::TextLayout(m_content.text(), std::move(runs), options, fonts);
+    if (m_autoSize != AutoSize::None) fitToText();
+    return m_layout;
+}
+
+void TextField::fitToText()
+{
+    const double height = m_layout.height() + 2 * render::kTextGutter;
+    m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(std::lround(height));
+    if (m_wordWrap) return;
+    double right = 0;
+    for (const render::LayoutLine& line : m_layout.lines()) {
+        const TextFormat* format = m_content.formatAt(line.begin);
+        right = std::max(right, line.x + line.width + (format ? format->style.rightMargin : 0));
+    }
+    const auto width = static_cast<std::int32_t>(std::lround(right + 2 * render::kTextGutter));
+    const std::int32_t spare = m_bounds.width() - width;
+    switch (m_autoSize) {
+    case AutoSize::None: break;
+    case AutoSize::Left: m_bounds.xMax = m_bounds.xMin + width; break;
+    case AutoSize::Right: m_bounds.xMin = m_bounds.xMax - width; break;
+    case AutoSize::Center:
+        m_bounds.xMin += spare / 2;
+        m_bounds.xMax = m_bounds.xMin + width;
+        break;
+    }
+}
+
+swf::Rect TextField::bounds(Extent)
+{
+    if (m_autoSize != AutoSize::None) static_cast<void>(layout());
+    return m_bounds;
+}
+
+bool TextField::hitsShape(swf::Point stagePoint)
+{
+    return rectContains(*this, bounds(Extent::WithStrokes), stagePoint);
+}
+
+// ---- place and size ---------------------------------------------------------------------------------------
+
+double TextField::x() { return Node::x() + static_cast<double>(bounds().xMin) / swf::kTwipsPerPixel; }
+double TextField::y() { return Node::y() + static_cast<double>(bounds().yMin) / swf::kTwipsPerPixel; }
+void TextField::setX(double pixels)
+{
+    Node::setX(pixels - static_cast<double>(bounds().xMin) / swf::kTwipsPerPixel);
+}
+void TextField::setY(double pixels)
+{
+    Node::setY(pixels - static_cast<double>(bounds().yMin) / swf::kTwipsPerPixel);
+}
+
+void TextField::setWidth(double pixels)
+{
+    const double scale = scaleX() / 100;
+    if (!(pixels >= 0) || scale == 0) return;
+    constexpr double kWidest = 1e7;
+    const double twips = std::min(pixels / std::abs(scale), kWidest) * swf::kTwipsPerPixel;
+    m_bounds.xMax = m_bounds.xMin + static_cast<std::int32_t>(std::lround(twips));
+    m_layoutValid = false;
+    contentChanged();
+}
+
+void TextField::setHeight(double pixels)
+{
+    const double scale = scaleY() / 100;
+    if (!(pixels >= 0) || scale == 0) return;
+    constexpr double kHighest = 1e7;
+    const double twips = std::min(pixels / std::abs(scale), kHighest) * swf::kTwipsPerPixel;
+    m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(std::lround(twips));
+    m_layoutValid = false;
+    contentChanged();
+}
+
+// ---- scrolling --------------------------------------------------------------------------------------------
+
+double TextField::visibleWidth() { return bounds().width() - 2 * render::kTextGutter; }
+double TextField::visibleHeight() { return bounds().height() - 2 * render::kTextGutter; }
+
+int TextField::maxScroll()
+{
+    const auto& lines = layout().lines();
+    const double room = visibleHeight();
+    std::size_t first = lines.size() - 1;
+    while (first > 0 && lines.back().bottom() - lines[first - 1].top <= room) --first;
+    return static_cast<int>(first);
+}
+
+int TextField::scroll()
+{
+    m_scroll = std::clamp(m_scroll, 0, maxScroll());
+    return m_scroll;
+}
+
+void TextField::setScroll(int line)
+{
+    const int before = scroll();
+    m_scroll = line;
+    if (scroll() == before) return;
+    invalidate();
+    m_stage.script().textScrolled(*this);
+}
+
+int TextField::bottomScroll()
+{
+    const auto& lines = layout().lines();
+    const auto first = static_cast<std::size_t>(scroll());
+    std::size_t last = first;
+    while (last + 1 < lines.size() && lines[last + 1].bottom() - lines[first].top <= visibleHeight()) ++last;
+    return static_cast<int>(last);
+}
+
+double TextField::maxHscroll()
+{
+    if (m_wordWrap) return 0;
+    return std::max(0.0, layout().width() - visibleWidth());
+}
+
+double TextField::hscroll()
+{
+    m_hscroll = std::clamp(m_hscroll, 0.0, maxHscroll());
+    return m_hscroll;
+}
+
+void TextField::setHscroll(double twips)
+{
+    const double before = hscroll();
+    m_hscroll = twips;
+    if (hscroll() == before) return;
+    invalidate();
+    m_stage.script().textScrolled(*this);
+}
+
+swf::Point TextField::textOrigin()
+{
+    const auto& lines = layout().lines();
+    const swf::Rect box = bounds();
+    const double top = lines[static_cast<std::size_t>(scroll())].top;
+    return {box.xMin + render::kTextGutter - hscroll(), box.yMin + render::kTextGutter - top};
+}
+
+swf::Point TextField::toText(swf::Point stagePoint)
+{
+    const swf::Matrix matrix = toStage();
+    const swf::Point own = matrix.isInvertible() ? matrix.inverted().map(stagePoint) : swf::Point{};
+    const swf::Point origin = textOrigin();
+    return {own.x - origin.x, own.y - origin.y};
+}
+
+// ---- drawing ----------------------------------------------------------------------------------------------
+
+void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    const swf::Rect box = bounds();
+    if (m_background) canvas.fillRect(box, toDevice, swf::apply(color, m_backgroundColor));
+    if (m_border) canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor));
+    const bool focused = isFocused();
+    if (m_content.isEmpty() && !focused) return;
+
+    const render::TextLayout& text = layout();
+    const swf::Point origin = textOrigin();
+    const bool overflows = origin.x + text.width() > box.xMax || hscroll() > 0 || scroll() > 0 ||
+                           origin.y + text.height() > box.yMax || origin.x < box.xMin;
+    if (overflows) {
+        canvas.beginMask();
+        canvas.fillRect(box, toDevice, {0, 0, 0, 255});
+        canvas.endMask();
+    }
+    std::optional<render::TextLayout::Selection> selected;
+    if (focused && m_anchor != m_caret) {
+        selected = {selectionBegin(), selectionEnd(), swf::apply(color, kSelectedText)};
+        for (const swf::Rect& rect : text.rectsOf(selectionBegin(), selectionEnd()))
+            canvas.fillRect(moved(rect, origin), toDevice, swf::apply(color, kSelectionGround));
+    }
+    text.draw(canvas, toDevice * translation(origin), color, selected);
+    if (focused && isInput() && m_caretShown && m_anchor == m_caret) {
+        const render::TextLayout::Caret caret = text.caret(m_caret);
+        const swf::Rect bar{static_cast<std::int32_t>(std::lround(caret.x)),
+                            static_cast<std::int32_t>(std::lround(caret.x + kCaretWidth)),
+                            static_cast<std::int32_t>(std::lround(caret.top)),
+                            static_cast<std::int32_t>(std::lround(caret.bottom))};
+        canvas.invertRect(moved(bar, origin), toDevice);
+    }
+    if (overflows) canvas.popMask();
+}
+
+} // namespace flash::stage

@@ -1,0 +1,66 @@
+#include "flash/stage/TextFonts.h"
+
+#include "flash/stage/Stage.h"
+
+namespace flash::stage
+{
+
+namespace
+{
+
+// Names do not tell cases apart.
+std::string keyOf(const std::string& name, bool bold, bool italic)
+{
+    std::string key = name;
+    for (char& c : key)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    key += bold ? "\nb" : "\n";
+    if (italic) key += 'i';
+    return key;
+}
+
+} // namespace
+
+TextFonts::PerMovie& TextFonts::of(const MoviePtr& movie)
+{
+    PerMovie& known = m_movies[movie.get()];
+    if (known.movie.lock() == movie) return known;
+    // A first look, or another movie at the address of one that is gone.
+    known = {};
+    known.movie = movie;
+    for (const auto& [id, character] : movie->characters) {
+        const auto* font = std::get_if<swf::Font>(&character->data);
+        if (!font || font->glyphs.empty()) continue;
+        known.fontByKey.emplace(keyOf(Stage::textOf(movie, font->name), font->bold, font->italic), id);
+    }
+    return known;
+}
+
+render::FontFacePtr TextFonts::embedded(const MoviePtr& movie, const std::string& name, bool bold,
+                                        bool italic)
+{
+    if (!movie) return nullptr;
+    const PerMovie& known = of(movie);
+    const auto found = known.fontByKey.find(keyOf(name, bold, italic));
+    return found == known.fontByKey.end() ? nullptr : embedded(movie, found->second);
+}
+
+render::FontFacePtr TextFonts::embedded(const MoviePtr& movie, std::uint16_t fontId)
+{
+    if (!movie) return nullptr;
+    render::FontFacePtr& face = of(movie).faces[fontId];
+    if (face) return face;
+    const auto found = movie->characters.find(fontId);
+    if (found == movie->characters.end()) return nullptr;
+    const auto* font = std::get_if<swf::Font>(&found->second->data);
+    if (!font || font->glyphs.empty()) return nullptr;
+    face = render::makeEmbeddedFace(std::shared_ptr<const swf::Font>(found->second, font));
+    return face;
+}
+
+render::FontFacePtr TextFonts::device(const std::string& name, bool bold, bool italic)
+{
+    return m_device.face(name, bold, italic);
+}
+
+} // namespace flash::stage

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "flash/render/FontFace.h"
+#include "flash/render/TextLayout.h"
+#include "flash/stage/Services.h"
+
+#include <map>
+#include <string>
+#include <unordered_map>
+
+namespace flash::stage
+{
+
+/// The faces of a stage's text fields, made once each: fonts of its movies by name and style, and fonts of
+/// the machine.
+class TextFonts
+{
+public:
+    /// A font of the movie's dictionary. @returns null when there is none of that name and style
+    render::FontFacePtr embedded(const MoviePtr& movie, const std::string& name, bool bold, bool italic);
+    /// By its number. @returns null when that is no font
+    render::FontFacePtr embedded(const MoviePtr& movie, std::uint16_t fontId);
+    render::FontFacePtr device(const std::string& name, bool bold, bool italic);
+
+private:
+    struct PerMovie {
+        std::weak_ptr<const swf::Movie> movie;
+        std::map<std::string, std::uint16_t> fontByKey;
+        std::unordered_map<std::uint16_t, render::FontFacePtr> faces;
+    };
+    PerMovie& of(const MoviePtr& movie);
+    std::unordered_map<const swf::Movie*, PerMovie> m_movies;
+    render::DeviceFonts m_device;
+};
+
+} // namespace flash::stage

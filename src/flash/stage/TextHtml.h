@@ -1,0 +1,32 @@
+#pragma once
+
+#include "flash/stage/TextContent.h"
+
+#include <string>
+#include <string_view>
+
+// The HTML of text fields: the few tags they know, in and out, in the form that scripts have come to expect.
+namespace flash::stage
+{
+
+class StyleSheet;
+
+struct HtmlOptions {
+    bool multiline = true;      ///< false: paragraphs, line breaks and list items do not break lines
+    bool condenseWhite = false; ///< runs of white space become one space
+    int version = 8;            ///< of the movie
+    const StyleSheet* styles = nullptr;
+};
+
+/// Never fails: unknown tags are skipped, unclosed ones hold to the end, a cut one ends the text.
+/// @param base of text that no tag says anything about
+TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options);
+
+/// Every paragraph spells out its format.
+std::u16string htmlFromContent(const TextContent& content);
+
+/// The first letters of `text` that are a number, with an optional sign.
+/// @returns nothing when there is no digit
+std::optional<int> leadingInteger(std::u16string_view text);
+
+} // namespace flash::stage

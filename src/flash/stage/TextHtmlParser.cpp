@@ -1,0 +1,396 @@
+#include "base/TextCodes.h"
+#include "flash/stage/StyleSheet.h"
+#include "flash/stage/TextHtml.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace flash::stage
+{
+
+namespace
+{
+
+constexpr double kLeastSize = 1, kGreatestSize = 127; // pixels
+
+bool isSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
+
+char16_t lower(char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c; }
+
+std::u16string lowered(std::u16string_view text)
+{
+    std::u16string result(text);
+    for (char16_t& c : result) c = lower(c);
+    return result;
+}
+
+std::optional<char16_t> namedEntity(std::u16string_view name)
+{
+    if (name == u"lt") return u'<';
+    if (name == u"gt") return u'>';
+    if (name == u"amp") return u'&';
+    if (name == u"quot") return u'"';
+    if (name == u"apos") return u'\'';
+    if (name == u"nbsp") return u'\u00A0';
+    return {};
+}
+
+std::optional<char16_t> numericEntity(std::u16string_view digits)
+{
+    const bool hex = !digits.empty() && lower(digits[0]) == u'x';
+    if (hex) digits.remove_prefix(1);
+    if (digits.empty()) return {};
+    std::uint32_t code = 0;
+    for (const char16_t raw : digits) {
+        const char16_t c = lower(raw);
+        const int digit = c >= u'0' && c <= u'9'          ? c - u'0'
+                          : hex && c >= u'a' && c <= u'f' ? c - u'a' + 10
+                                                          : -1;
+        if (digit < 0) return {};
+        code = (code * (hex ? 16 : 10) + static_cast<std::uint32_t>(digit)) & 0xFFFF;
+    }
+    return static_cast<char16_t>(code);
+}
+
+std::optional<swf::Rgba> hexColor(std::u16string_view text)
+{
+    if (!text.empty() && text[0] == u'#') text.remove_prefix(1);
+    std::uint32_t value = 0;
+    if (text.empty()) return {};
+    for (const char16_t raw : text) {
+        const char16_t c = lower(raw);
+        const int digit = c >= u'0' && c <= u'9' ? c - u'0' : c >= u'a' && c <= u'f' ? c - u'a' + 10 : -1;
+        if (digit < 0) return {};
+        value = value << 4 | static_cast<std::uint32_t>(digit);
+    }
+    return swf::Rgba{static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
+                     static_cast<std::uint8_t>(value), 255};
+}
+
+struct Attribute {
+    std::u16string name; ///< lower case
+    std::u16string value;
+};
+
+struct Tag {
+    std::u16string name; ///< lower case
+    bool closes = false; ///< </name>
+    bool empty = false;  ///< <name/>
+    std::vector<Attribute> attributes;
+    [[nodiscard]] const std::u16string* find(std::u16string_view name) const
+    {
+        for (const Attribute& attribute : attributes)
+            if (attribute.name == name) return &attribute.value;
+        return nullptr;
+    }
+};
+
+class Parser
+{
+public:
+    Parser(std::u16string_view html, const TextFormat& base, const HtmlOptions& options)
+        : m_rest(html), m_options(options)
+    {
+        m_open.push_back({u"", base, true});
+    }
+
+    TextContent run()
+    {
+        while (!m_rest.empty()) {
+            if (m_rest[0] == u'<') {
+                if (!markup()) break;
+            } else {
+                characters();
+            }
+        }
+        return std::move(m_content);
+    }
+
+private:
+    struct Element {
+        std::u16string name;
+        TextFormat format;
+        bool shown = true; ///< no style says `display: none`
+    };
+    [[nodiscard]] const TextFormat& format() const { return m_open.back().format; }
+
+    void characters()
+    {
+        const std::size_t end = std::min(m_rest.find(u'<'), m_rest.size());
+        std::u16string_view raw = m_rest.substr(0, end);
+        m_rest.remove_prefix(end);
+        std::u16string text;
+        for (std::size_t i = 0; i < raw.size(); ++i) {
+            if (raw[i] == u'&') {
+                const std::size_t semicolon = raw.find(u';', i);
+                const std::optional<char16_t> decoded = semicolon == std::u16string_view::npos
+                                                            ? std::nullopt
+                                                            : entity(raw.substr(i + 1, semicolon - i - 1));
+                if (decoded) {
+                    put(text, *decoded);
+                    i = semicolon;
+                    continue;
+                }
+            }
+            if (m_options.condenseWhite && isSpace(raw[i])) {
+                condense(text);
+                continue;
+            }
+            if (raw[i] == u'\r' && i + 1 < raw.size() && raw[i + 1] == u'\n') continue;
+            put(text, raw[i] == u'\n' ? u'\r' : raw[i]);
+        }
+        flush(text);
+    }
+
+    static std::optional<char16_t> entity(std::u16string_view name)
+    {
+        if (!name.empty() && name[0] == u'#') return numericEntity(name.substr(1));
+        return namedEntity(lowered(name));
+    }
+
+    void put(std::u16string& text, char16_t c)
+    {
+        text += c;
+        m_afterSpace = false;
+    }
+    void condense(std::u16string& text)
+    {
+        if (m_afterSpace) return;
+        m_afterSpace = true;
+        text += u' ';
+    }
+    void flush(std::u16string& text)
+    {
+        if (m_open.back().shown) m_content.append(text, format());
+        text.clear();
+    }
+
+    /// @returns false when the rest holds no whole tag
+    bool markup()
+    {
+        if (m_rest.starts_with(u"<!--")) {
+            const std::size_t end = m_rest.find(u"-->", 4);
+            if (end == std::u16string_view::npos) return false;
+            m_rest.remove_prefix(end + 3);
+            return true;
+        }
+        std::size_t i = 1;
+        Tag tag;
+        if (i < m_rest.size() && m_rest[i] == u'/') {
+            tag.closes = true;
+            ++i;
+        }
+        const std::size_t nameBegin = i;
+        while (i < m_rest.size() && !isSpace(m_rest[i]) && m_rest[i] != u'>' && m_rest[i] != u'/') ++i;
+        tag.name = lowered(m_rest.substr(nameBegin, i - nameBegin));
+        while (i < m_rest.size() && m_rest[i] != u'>') {
+            if (isSpace(m_rest[i])) {
+                ++i;
+            } else if (m_rest[i] == u'/') {
+                tag.empty = true;
+                ++i;
+            } else if (!attribute(tag, i)) {
+                return false;
+            }
+        }
+        if (i >= m_rest.size()) return false;
+        m_rest.remove_prefix(i + 1);
+        if (tag.closes)
+            close(tag.name);
+        else
+            open(tag);
+        return true;
+    }
+
+    bool attribute(Tag& tag, std::size_t& i)
+    {
+        const std::size_t begin = i;
+        while (i < m_rest.size() && !isSpace(m_rest[i]) && m_rest[i] != u'=' && m_rest[i] != u'>') ++i;
+        Attribute found{lowered(m_rest.substr(begin, i - begin)), {}};
+        while (i < m_rest.size() && isSpace(m_rest[i])) ++i;
+        if (i < m_rest.size() && m_rest[i] == u'=') {
+            ++i;
+            while (i < m_rest.size() && isSpace(m_rest[i])) ++i;
+            if (i >= m_rest.size()) return false;
+            const char16_t quote = m_rest[i];
+            if (quote == u'"' || quote == u'\'') {
+                const std::size_t end = m_rest.find(quote, i + 1);
+                if (end == std::u16string_view::npos) return false;
+                found.value = decoded(m_rest.substr(i + 1, end - i - 1));
+                i = end + 1;
+            } else {
+                const std::size_t valueBegin = i;
+                while (i < m_rest.size() && !isSpace(m_rest[i]) && m_rest[i] != u'>') ++i;
+                found.value = decoded(m_rest.substr(valueBegin, i - valueBegin));
+            }
+        }
+        tag.attributes.push_back(std::move(found));
+        return true;
+    }
+
+    static std::u16string decoded(std::u16string_view raw)
+    {
+        std::u16string text;
+        for (std::size_t i = 0; i < raw.size(); ++i) {
+            const std::size_t semicolon = raw[i] == u'&' ? raw.find(u';', i) : std::u16string_view::npos;
+            if (semicolon != std::u16string_view::npos) {
+                if (const auto c = entity(raw.substr(i + 1, semicolon - i - 1))) {
+                    text += *c;
+                    i = semicolon;
+                    continue;
+                }
+            }
+            text += raw[i];
+        }
+        return text;
+    }
+
+    void lineBreak(const TextFormat& format)
+    {
+        if (!m_options.multiline || !m_open.back().shown) return;
+        m_content.append(u"\r", format);
+        m_afterSpace = m_options.condenseWhite && m_options.version >= 8;
+    }
+
+    void open(const Tag& tag)
+    {
+        if (tag.name == u"br" || tag.name == u"sbr") {
+            lineBreak(format());
+            return;
+        }
+        if (tag.name == u"tab") {
+            std::u16string text = u"\t";
+            m_afterSpace = false;
+            flush(text);
+            return;
+        }
+        Element element{tag.name, format(), m_open.back().shown};
+        if (tag.name == u"li") {
+            const std::u16string& text = m_content.text();
+            if (!text.empty() && text.back() != u'\r') lineBreak(format());
+        }
+        furnish(tag, element);
+        if (!tag.empty) m_open.push_back(std::move(element));
+    }
+
+    void furnish(const Tag& tag, Element& element)
+    {
+        TextFormat& format = element.format;
+        render::TextStyle& style = format.style;
+        if (const StyleSheet* sheet = m_options.styles) {
+            sheet->applyTo(tag.name, element.format, element.shown);
+            if (const std::u16string* name = tag.find(u"class"))
+                sheet->applyTo(u"." + lowered(*name), element.format, element.shown);
+            if (tag.name == u"a") sheet->applyTo(u"a:link", element.format, element.shown);
+        }
+        if (tag.name == u"b") {
+            style.bold = true;
+        } else if (tag.name == u"i") {
+            style.italic = true;
+        } else if (tag.name == u"u") {
+            style.underline = true;
+        } else if (tag.name == u"li") {
+            style.bullet = true;
+        } else if (tag.name == u"p") {
+            if (const std::u16string* align = tag.find(u"align")) {
+                const std::u16string value = lowered(*align);
+                using Align = swf::EditText::Align;
+                if (value == u"left") style.align = Align::Left;
+                if (value == u"right") style.align = Align::Right;
+                if (value == u"center") style.align = Align::Center;
+                if (value == u"justify") style.align = Align::Justify;
+            }
+        } else if (tag.name == u"a") {
+            if (const std::u16string* href = tag.find(u"href")) format.url = *href;
+            if (const std::u16string* target = tag.find(u"target")) format.target = *target;
+        } else if (tag.name == u"font") {
+            font(tag, style);
+        } else if (tag.name == u"textformat") {
+            textFormat(tag, style);
+        }
+    }
+
+    static void font(const Tag& tag, render::TextStyle& style)
+    {
+        if (const std::u16string* face = tag.find(u"face")) style.font = base::utf8FromUtf16(*face);
+        if (const std::u16string* size = tag.find(u"size")) {
+            if (const std::optional<int> number = leadingInteger(*size)) {
+                const bool relative = (*size)[0] == u'+' || (*size)[0] == u'-';
+                const double pixels = *number + (relative ? style.size / swf::kTwipsPerPixel : 0);
+                style.size = std::clamp(pixels, kLeastSize, kGreatestSize) * swf::kTwipsPerPixel;
+            }
+        }
+        if (const std::u16string* color = tag.find(u"color"))
+            if (const std::optional<swf::Rgba> value = hexColor(*color)) style.color = *value;
+        if (const std::u16string* spacing = tag.find(u"letterspacing"))
+            if (const std::optional<int> number = leadingInteger(*spacing))
+                style.letterSpacing = *number * swf::kTwipsPerPixel;
+        if (const std::u16string* kerning = tag.find(u"kerning")) style.kerning = *kerning == u"1";
+    }
+
+    static void textFormat(const Tag& tag, render::TextStyle& style)
+    {
+        const auto length = [&](std::u16string_view name, double& twips, bool negative = false) {
+            const std::u16string* value = tag.find(name);
+            if (!value) return;
+            if (const std::optional<int> number = leadingInteger(*value))
+                twips = (negative ? *number : std::max(*number, 0)) * swf::kTwipsPerPixel;
+        };
+        length(u"leftmargin", style.leftMargin);
+        length(u"rightmargin", style.rightMargin);
+        length(u"indent", style.indent, true);
+        length(u"blockindent", style.blockIndent);
+        length(u"leading", style.leading, true);
+        if (const std::u16string* stops = tag.find(u"tabstops")) {
+            style.tabStops.clear();
+            std::u16string_view rest = *stops;
+            while (!rest.empty()) {
+                const std::size_t end = std::min(rest.find(u','), rest.size());
+                if (const std::optional<int> number = leadingInteger(rest.substr(0, end)))
+                    style.tabStops.push_back(*number * swf::kTwipsPerPixel);
+                rest.remove_prefix(std::min(end + 1, rest.size()));
+            }
+        }
+    }
+
+    // Only the innermost element can be closed; other closing tags mean nothing.
+    void close(const std::u16string& name)
+    {
+        if (m_open.size() < 2 || m_open.back().name != name) return;
+        if (name == u"p" || name == u"li") lineBreak(format());
+        m_open.pop_back();
+    }
+
+    std::u16string_view m_rest;
+    const HtmlOptions& m_options;
+    TextContent m_content;
+    std::vector<Element> m_open;
+    bool m_afterSpace = true; ///< when white space is condensed: a further space is dropped
+};
+
+} // namespace
+
+std::optional<int> leadingInteger(std::u16string_view text)
+{
+    bool negative = false;
+    if (!text.empty() && (text[0] == u'+' || text[0] == u'-')) {
+        negative = text[0] == u'-';
+        text.remove_prefix(1);
+    }
+    std::int64_t number = 0;
+    bool any = false;
+    for (const char16_t c : text) {
+        if (c < u'0' || c > u'9') break;
+        number = std::min<std::int64_t>(number * 10 + (c - u'0'), 1'000'000'000);
+        any = true;
+    }
+    if (!any) return {};
+    return static_cast<int>(negative ? -number : number);
+}
+
+TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options)
+{
+    return Parser(html, base, options).run();
+}
+
+} // namespace flash::stage

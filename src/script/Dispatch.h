@@ -1,0 +1,125 @@
+#pragma once
+
+#include "base/Result.h"
+#include "script/Value.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <unordered_map>
+
+namespace script
+{
+
+/// Why an operation of a script failed. The numbers are VBScript's (see vbscript/Errors.h).
+struct Fault final : Counted {
+    int number = 0;
+    std::u16string subject;     ///< what it was about; shown behind the description: Type mismatch: 'subject'
+    std::u16string description; ///< replaces the number's own text
+    std::u16string source;      ///< replaces the engine's own name
+    std::u16string helpFile = {};
+    int helpContext = 0;
+    int line = 0; ///< 1-based, 0 while unknown
+    int column = 0;
+    bool uncatchable = false; ///< ends the script past every On Error Resume Next
+};
+
+// Faults are rare and large; results stay small.
+template <class T>
+using Result = tl::expected<T, Ref<Fault>>;
+using Failed = tl::unexpected<Ref<Fault>>;
+
+/// @param subject see Fault::subject
+Failed fault(int number, std::u16string_view subject = {});
+
+using Arguments = std::span<const Value>;
+
+/// Hands out the members of a collection for For Each.
+class Enumerator : public Counted
+{
+public:
+    /// @returns nothing after the last element
+    virtual Result<std::optional<Value>> next() = 0;
+};
+
+/// How an object shows its members to scripts, by name without regard to case.
+class Dispatch : public Counted
+{
+public:
+    using MemberId = int;
+    /// The member meant by the object's own name: x = obj, obj(1).
+    static constexpr MemberId kDefaultMember = 0;
+
+    enum class Access {
+        Get,       ///< the value of a property
+        Call,      ///< obj.Name args: the result is not used
+        GetOrCall, ///< in an expression, where obj.Name(1) may be a property with an index or a method
+        Put,       ///< obj.Name = value; the value is the last argument
+        PutRef,    ///< Set obj.Name = value
+    };
+
+    /// What TypeName answers.
+    [[nodiscard]] virtual std::u16string typeName() const = 0;
+    /// @returns nothing when there is no such member
+    [[nodiscard]] virtual std::optional<MemberId> memberId(std::u16string_view name) const = 0;
+    /// @errors 438 for a member that does not exist or lacks this access, 450 for a wrong number of
+    /// arguments,
+    ///         13 for an argument of a wrong type, and whatever the member itself reports
+    virtual Result<Value> invoke(MemberId member, Access access, Arguments arguments) = 0;
+    /// @returns null when the object is no collection
+    [[nodiscard]] virtual Ref<Enumerator> enumerate() { return nullptr; }
+    /// Objects that answer the same non-null address answer the same ids to the same names for as long as
+    /// the engine lives, which lets a call site look a name up once.
+    [[nodiscard]] virtual const void* layout() const { return nullptr; }
+};
+
+/// An object made of functions: what a host writes when it has no class of its own to show.
+class HostObject : public Dispatch
+{
+public:
+    using Getter = std::function<Result<Value>()>;
+    using Setter = std::function<Result<void>(const Value&)>;
+    using Method = std::function<Result<Value>(Arguments)>;
+
+    explicit HostObject(std::u16string typeName) : m_typeName(std::move(typeName)) {}
+    void property(std::u16string_view name, Getter get, Setter set = {});
+    /// Any number of arguments reaches the function, which checks them.
+    void method(std::u16string_view name, Method method);
+    void collection(std::function<Ref<Enumerator>()> enumerate) { m_enumerate = std::move(enumerate); }
+
+    [[nodiscard]] std::u16string typeName() const override { return m_typeName; }
+    [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view name) const override;
+    Result<Value> invoke(MemberId member, Access access, Arguments arguments) override;
+    [[nodiscard]] Ref<Enumerator> enumerate() override { return m_enumerate ? m_enumerate() : nullptr; }
+
+private:
+    struct Member {
+        std::u16string name;
+        Getter get;
+        Setter set;
+        Method call;
+    };
+    std::u16string m_typeName;
+    std::unordered_map<std::u16string, MemberId> m_ids;
+    std::vector<Member> m_members;
+    std::function<Ref<Enumerator>()> m_enumerate;
+};
+
+/// Walks values that were collected beforehand.
+class ListEnumerator final : public Enumerator
+{
+public:
+    explicit ListEnumerator(std::vector<Value> values) : m_values(std::move(values)) {}
+    Result<std::optional<Value>> next() override
+    {
+        if (m_next == m_values.size()) return std::optional<Value>();
+        return std::optional<Value>(m_values[m_next++]);
+    }
+
+private:
+    std::vector<Value> m_values;
+    std::size_t m_next = 0;
+};
+
+} // namespace script

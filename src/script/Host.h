@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace script
+{
+
+/// What scripts ask of the program around them. The implementation here shows nothing and answers neutrally.
+class Host
+{
+public:
+    virtual ~Host() = default;
+
+    /// MsgBox. @param buttons the sum of vbYesNo, vbCritical... as the script gave it
+    /// @returns the code of the button: vbOK (1) to vbNo (7)
+    virtual int messageBox(const std::u16string& text, int buttons, const std::u16string& title)
+    {
+        static_cast<void>(text);
+        static_cast<void>(buttons);
+        static_cast<void>(title);
+        return 1;
+    }
+    /// InputBox. @returns nothing when the user cancels
+    virtual std::optional<std::u16string> inputBox(const std::u16string& text, const std::u16string& title,
+                                                   const std::u16string& preset)
+    {
+        static_cast<void>(text);
+        static_cast<void>(title);
+        static_cast<void>(preset);
+        return std::nullopt;
+    }
+    /// A call has run for as long as the time-out allows. @returns whether it may run that long again
+    virtual bool continueAfterTimeout() { return false; }
+    /// Seeds Randomize without a number; Timer of the system by default.
+    virtual std::optional<double> now() { return std::nullopt; }
+};
+
+} // namespace script

@@ -1,0 +1,256 @@
+#include "script/QtDispatch.h"
+
+#include <QDateTime>
+#include <QMetaMethod>
+#include <QMetaProperty>
+
+#include <array>
+#include <cmath>
+
+namespace script
+{
+
+namespace
+{
+
+constexpr int kTypeMismatch = 13;
+constexpr int kObjectNotSet = 91;
+constexpr int kNoSuchMember = 438;
+constexpr int kWrongArguments = 450;
+constexpr int kUnknownType = 458;
+constexpr int kMaxArguments = 10; // of QMetaMethod::invoke
+
+// Properties have the odd, methods the even ids: the default member's id is no property's.
+constexpr int kIdsPerMember = 2;
+
+QString text(std::u16string_view view)
+{
+    return QString::fromUtf16(view.data(), static_cast<qsizetype>(view.size()));
+}
+std::u16string_view view(const QString& string)
+{
+    return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
+}
+
+const QDateTime& dayZero()
+{
+    static const QDateTime zero(QDate(1899, 12, 30), QTime(0, 0), Qt::UTC);
+    return zero;
+}
+
+bool isCallable(const QMetaMethod& method)
+{
+    return method.access() == QMetaMethod::Public &&
+           (method.methodType() == QMetaMethod::Method || method.methodType() == QMetaMethod::Slot);
+}
+
+} // namespace
+
+Result<QVariant> variantFromValue(const Value& value)
+{
+    switch (value.type()) {
+    case VarType::Empty:
+    case VarType::Null: return QVariant();
+    case VarType::Boolean: return QVariant(value.whole() != 0);
+    case VarType::Byte:
+    case VarType::Integer:
+    case VarType::Long: return QVariant(value.whole());
+    case VarType::Single:
+    case VarType::Double: return QVariant(value.asReal());
+    case VarType::Currency: return QVariant(static_cast<double>(value.tenThousandths()) / 10000.0);
+    case VarType::String: return QVariant(text(value.text()));
+    case VarType::Date: {
+        const double days = std::trunc(value.asReal());
+        const double time = std::fabs(value.asReal() - days);
+        const QDateTime utc =
+            dayZero().addDays(static_cast<qint64>(days)).addMSecs(qRound64(time * 86400000.0));
+        return QVariant(QDateTime(utc.date(), utc.time()));
+    }
+    case VarType::Array: {
+        if (value.asArray()->bounds.size() > 1) return fault(kTypeMismatch);
+        QVariantList list;
+        for (const Value& element : value.asArray()->elements)
+            list.append(TRY_RESULT(variantFromValue(element)));
+        return QVariant(list);
+    }
+    case VarType::Object: {
+        if (!value.asObject()) return QVariant::fromValue(static_cast<QObject*>(nullptr));
+        if (auto* shown = dynamic_cast<QtDispatch*>(value.asObject()))
+            return QVariant::fromValue(shown->object());
+        return fault(kTypeMismatch);
+    }
+    default: return fault(kTypeMismatch);
+    }
+}
+
+Result<Value> valueFromVariant(const QVariant& variant)
+{
+    switch (variant.typeId()) {
+    case QMetaType::UnknownType:
+    case QMetaType::Void: return Value();
+    case QMetaType::Bool: return Value::boolean(variant.toBool());
+    case QMetaType::UChar: return Value::byte(static_cast<std::uint8_t>(variant.toUInt()));
+    case QMetaType::Short: return Value::integer(static_cast<std::int16_t>(variant.toInt()));
+    case QMetaType::Int:
+    case QMetaType::Long: // 64 bits here, but it stands for the script's Long where it fits
+    case QMetaType::UShort:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::ULong: {
+        bool ok = false;
+        const qlonglong number = variant.toLongLong(&ok);
+        if (!ok || number > INT32_MAX || number < INT32_MIN) return Value::real(variant.toDouble());
+        return Value::longInteger(static_cast<std::int32_t>(number));
+    }
+    case QMetaType::Float: return Value::single(variant.toFloat());
+    case QMetaType::Double: return Value::real(variant.toDouble());
+    case QMetaType::QString:
+    case QMetaType::QChar:
+    case QMetaType::QByteArray:
+    case QMetaType::QUrl: return Value::string(view(variant.toString()));
+    case QMetaType::QDate:
+    case QMetaType::QDateTime: {
+        const QDateTime local = variant.toDateTime();
+        const QDateTime utc(local.date(), local.time(), Qt::UTC);
+        const double days = static_cast<double>(dayZero().daysTo(utc));
+        const double time = utc.time().msecsSinceStartOfDay() / 86400000.0;
+        return Value::date(days < 0 ? days - time : days + time);
+    }
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList: {
+        std::vector<Value> elements;
+        for (const QVariant& element : variant.toList())
+            elements.push_back(TRY_RESULT(valueFromVariant(element)));
+        return Value::array(std::move(elements));
+    }
+    default: break;
+    }
+    if (variant.canConvert<QObject*>()) {
+        auto* object = variant.value<QObject*>();
+        return object ? Value::object(new QtDispatch(object)) : Value::object(nullptr);
+    }
+    // Enumerations and flags are numbers to a script.
+    if ((variant.metaType().flags() & QMetaType::IsEnumeration) != 0)
+        return Value::longInteger(variant.toInt());
+    return fault(kUnknownType, view(QString::fromLatin1(variant.typeName())));
+}
+
+namespace
+{
+
+// Empty stands for the neutral value of any type.
+bool convertTo(QVariant& value, QMetaType type)
+{
+    if (!value.isValid()) {
+        value = QVariant(type);
+        return true;
+    }
+    return value.metaType() == type || value.convert(type);
+}
+
+} // namespace
+
+QtDispatch::QtDispatch(QObject* object, std::u16string typeName)
+    : m_object(object), m_class(object->metaObject()), m_typeName(std::move(typeName))
+{
+    if (m_typeName.empty()) m_typeName = view(QString::fromLatin1(m_class->className()));
+}
+
+const void* QtDispatch::layout() const { return m_class; }
+
+std::optional<Dispatch::MemberId> QtDispatch::memberId(std::u16string_view name) const
+{
+    const QString wanted = text(name);
+    for (int i = m_class->propertyCount() - 1; i >= 0; --i) {
+        if (wanted.compare(QLatin1String(m_class->property(i).name()), Qt::CaseInsensitive) == 0) {
+            return i * kIdsPerMember + 1;
+        }
+    }
+    // The latest method of that name; call() looks for the one that takes the given arguments.
+    for (int i = m_class->methodCount() - 1; i >= 0; --i) {
+        const QMetaMethod method = m_class->method(i);
+        if (isCallable(method) && wanted.compare(QLatin1String(method.name()), Qt::CaseInsensitive) == 0) {
+            return i * kIdsPerMember + 2;
+        }
+    }
+    return std::nullopt;
+}
+
+Result<Value> QtDispatch::invoke(MemberId member, Access access, Arguments arguments)
+{
+    if (!m_object) return fault(kObjectNotSet);
+    const bool puts = access == Access::Put || access == Access::PutRef;
+    if (member == kDefaultMember) return fault(kNoSuchMember);
+    if (member % kIdsPerMember == 0) {
+        if (puts) return fault(kNoSuchMember);
+        return call(m_class->method(member / kIdsPerMember - 1).name(), arguments);
+    }
+    const QMetaProperty property = m_class->property(member / kIdsPerMember);
+    if (!puts) {
+        if (!arguments.empty()) {
+            // obj.List(2): the index goes into what the property holds.
+            const Value held = TRY_RESULT(valueFromVariant(property.read(m_object)));
+            if (!held.isArray() || arguments.size() != 1 || !arguments[0].isWhole())
+                return fault(kWrongArguments);
+            const auto& elements = held.asArray()->elements;
+            const std::int32_t index = arguments[0].whole();
+            if (index < 0 || static_cast<std::size_t>(index) >= elements.size()) return fault(9);
+            return elements[static_cast<std::size_t>(index)];
+        }
+        return valueFromVariant(property.read(m_object));
+    }
+    if (arguments.size() != 1) return fault(kWrongArguments);
+    if (!property.isWritable()) return fault(kNoSuchMember);
+    QVariant value = TRY_RESULT(variantFromValue(arguments[0]));
+    const bool convertible = property.metaType().id() == QMetaType::QVariant || property.isEnumType() ||
+                             convertTo(value, property.metaType());
+    if (!convertible || !property.write(m_object, value)) return fault(kTypeMismatch);
+    return Value();
+}
+
+// Of the methods of that name the first one, from the most derived class on, whose parameters take the
+// arguments.
+Result<Value> QtDispatch::call(const QByteArray& name, Arguments arguments)
+{
+    bool countFits = false;
+    for (int i = m_class->methodCount() - 1; i >= 0; --i) {
+        const QMetaMethod method = m_class->method(i);
+        const auto count = static_cast<int>(arguments.size());
+        if (!isCallable(method) || method.name().compare(name, Qt::CaseInsensitive) != 0) continue;
+        if (method.parameterCount() != count || count > kMaxArguments) continue;
+        countFits = true;
+        std::array<QVariant, kMaxArguments> values;
+        std::array<QGenericArgument, kMaxArguments> generic;
+        bool converts = true;
+        for (int k = 0; k < count && converts; ++k) {
+            const auto index = static_cast<std::size_t>(k);
+            auto value = variantFromValue(arguments[index]);
+            if (!value) return fault(kTypeMismatch);
+            values[index] = *value;
+            const QMetaType type = method.parameterMetaType(k);
+            if (type.id() == QMetaType::QVariant) {
+                generic[index] = QGenericArgument("QVariant", &values[index]);
+                continue;
+            }
+            converts = convertTo(values[index], type);
+            generic[index] = QGenericArgument(type.name(), values[index].constData());
+        }
+        if (!converts) continue;
+        const QMetaType type = method.returnMetaType();
+        QVariant result =
+            type.id() == QMetaType::Void || type.id() == QMetaType::QVariant ? QVariant() : QVariant(type);
+        const QGenericReturnArgument answer = type.id() == QMetaType::Void ? QGenericReturnArgument()
+                                              : type.id() == QMetaType::QVariant
+                                                  ? QGenericReturnArgument("QVariant", &result)
+                                                  : QGenericReturnArgument(type.name(), result.data());
+        const bool called =
+            method.invoke(m_object, Qt::DirectConnection, answer, generic[0], generic[1], generic[2],
+                          generic[3], generic[4], generic[5], generic[6], generic[7], generic[8], generic[9]);
+        if (!called) return fault(kTypeMismatch);
+        return valueFromVariant(result);
+    }
+    return fault(countFits ? kTypeMismatch : kWrongArguments);
+}
+
+} // namespace script

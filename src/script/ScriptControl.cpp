@@ -1,0 +1,141 @@
+#include "script/ScriptControl.h"
+
+#include "script/vbscript/Convert.h"
+#include "script/vbscript/Engine.h"
+#include "script/vbscript/Errors.h"
+#include "script/vbscript/Text.h"
+
+namespace script
+{
+
+namespace
+{
+
+constexpr int kInvalidProperty = 380;
+
+std::u16string lineOf(std::u16string_view source, int line)
+{
+    for (; line > 1; --line) {
+        const std::size_t end = source.find_first_of(u"\r\n");
+        if (end == std::u16string_view::npos) return {};
+        const bool pair = source.substr(end, 2) == u"\r\n";
+        source.remove_prefix(end + (pair ? 2 : 1));
+    }
+    return std::u16string(source.substr(0, source.find_first_of(u"\r\n")));
+}
+
+} // namespace
+
+struct ScriptControl::Settings {
+    Host neutralHost;
+    Host* host = nullptr;
+    const vbscript::Locale* locale = &vbscript::Locale::english();
+    vbscript::Limits limits;
+    // Shared with the calls that are running in it, so that Reset during a call is safe.
+    std::shared_ptr<vbscript::Engine> engine;
+};
+
+ScriptControl::ScriptControl(Host* host) : m_settings(std::make_unique<Settings>())
+{
+    m_settings->host = host ? host : &m_settings->neutralHost;
+    reset();
+}
+
+ScriptControl::~ScriptControl() = default;
+
+Result<void> ScriptControl::setLanguage(std::u16string_view language)
+{
+    if (!vbscript::sameText(language, u"vbscript")) {
+        auto failed = fault(kInvalidProperty);
+        failed.value()->description = u"A script engine for the language '" + std::u16string(language) +
+                                      u"' is not available; only VBScript is";
+        failed.value()->source = u"ScriptControl";
+        auto result = finish(Result<Value>(std::move(failed)), {});
+        return Failed(std::move(result).error());
+    }
+    m_language = language;
+    reset();
+    return {};
+}
+
+bool ScriptControl::setLocale(int id)
+{
+    const auto* found = vbscript::Locale::byId(id);
+    if (found) m_settings->locale = found;
+    return found != nullptr;
+}
+
+void ScriptControl::setTimeout(std::chrono::milliseconds timeout)
+{
+    m_settings->limits.timeout = timeout;
+    m_settings->engine->setLimits(m_settings->limits);
+}
+
+void ScriptControl::setHeapLimit(std::size_t bytes)
+{
+    m_settings->limits.heapBytes = bytes;
+    m_settings->engine->setLimits(m_settings->limits);
+}
+
+void ScriptControl::setStatementLimit(std::uint64_t statements)
+{
+    m_settings->limits.statements = statements;
+    m_settings->engine->setLimits(m_settings->limits);
+}
+
+void ScriptControl::reset()
+{
+    auto fresh = std::make_shared<vbscript::Engine>(*m_settings->host, *m_settings->locale, m_safeSubset,
+                                                    m_settings->limits);
+    const auto old = std::exchange(m_settings->engine, std::move(fresh));
+    m_error.clear();
+}
+
+void ScriptControl::addObject(std::u16string_view name, Dispatch& object, bool addMembers)
+{
+    m_settings->engine->addObject(name, object, addMembers);
+}
+
+Result<Value> ScriptControl::finish(Result<Value> result, std::u16string_view source)
+{
+    if (result) return result;
+    const Fault& fault = *result.error();
+    m_error.number = fault.number;
+    m_error.source = vbscript::sourceOf(fault);
+    m_error.description = vbscript::describe(fault);
+    m_error.line = fault.line;
+    m_error.column = fault.column;
+    m_error.text = vbscript::isCompilationError(fault.number) ? lineOf(source, fault.line) : std::u16string();
+    return result;
+}
+
+Result<void> ScriptControl::addCode(std::u16string_view code) { return executeStatement(code); }
+
+Result<void> ScriptControl::executeStatement(std::u16string_view statement)
+{
+    const auto engine = m_settings->engine;
+    auto result = finish(engine->execute(statement, false), statement);
+    if (!result) return Failed(std::move(result).error());
+    return {};
+}
+
+Result<Value> ScriptControl::eval(std::u16string_view expression)
+{
+    const auto engine = m_settings->engine;
+    return finish(engine->execute(expression, true), expression);
+}
+
+Result<Value> ScriptControl::run(std::u16string_view procedure, Arguments arguments)
+{
+    const auto engine = m_settings->engine;
+    return finish(engine->callProcedure(procedure, arguments), {});
+}
+
+Result<std::u16string> ScriptControl::textOf(const Value& value)
+{
+    const auto engine = m_settings->engine;
+    const Value plain = TRY_RESULT(engine->plain(value));
+    return vbscript::toText(plain, engine->locale());
+}
+
+} // namespace script

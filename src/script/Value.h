@@ -1,0 +1,345 @@
+#pragma once
+
+#include <cassert>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace script
+{
+
+/// What a variant holds. The numbers are those that the script function VarType answers.
+enum class VarType : std::uint16_t {
+    Empty = 0,
+    Null = 1,
+    Integer = 2, ///< 16 bits
+    Long = 3,    ///< 32 bits
+    Single = 4,
+    Double = 5,
+    Currency = 6, ///< 64 bits, in ten-thousandths
+    Date = 7,     ///< days since 30 December 1899, the fraction is the time of day
+    String = 8,   ///< UTF-16
+    Object = 9,   ///< may be Nothing
+    Error = 10,   ///< a code; also stands for an argument left out
+    Boolean = 11,
+    Byte = 17,
+    Array = 8204, ///< of variants
+
+    // Only inside the engine: where an argument is handed over by reference.
+    Reference = 0x4000,
+    ElementReference = 0x4001,
+};
+
+/// Anything that variants share and count. Releases are iterative: a chain of a million objects each holding
+/// the next one is freed without deep recursion. Not thread-safe, like the engine itself.
+class Counted
+{
+public:
+    Counted() = default;
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+    void addRef() { ++m_references; }
+    void release()
+    {
+        if (--m_references == 0) bury(this);
+    }
+    [[nodiscard]] std::uint32_t references() const { return m_references; }
+
+protected:
+    virtual ~Counted() = default;
+    /// Called once the last reference is gone. May keep the object alive by taking a new reference.
+    virtual void dispose() { delete this; }
+
+private:
+    static void bury(Counted* dead);
+    std::uint32_t m_references = 0;
+};
+
+/// A counted pointer.
+template <class T>
+class Ref
+{
+public:
+    Ref() = default;
+    Ref(std::nullptr_t) {} // NOLINT: a null pointer is a null reference
+    explicit Ref(T* object) : m_object(object)
+    {
+        if (m_object) m_object->addRef();
+    }
+    Ref(const Ref& other) : Ref(other.m_object) {}
+    Ref(Ref&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
+    template <class U>
+    Ref(const Ref<U>& other) : Ref(other.get()) // NOLINT: to the base class
+    {
+    }
+    ~Ref()
+    {
+        if (m_object) m_object->release();
+    }
+    Ref& operator=(Ref other) noexcept
+    {
+        std::swap(m_object, other.m_object);
+        return *this;
+    }
+    [[nodiscard]] T* get() const { return m_object; }
+    T* operator->() const { return m_object; }
+    T& operator*() const { return *m_object; }
+    explicit operator bool() const { return m_object != nullptr; }
+
+private:
+    T* m_object = nullptr;
+};
+
+template <class T, class... Arguments>
+Ref<T> make(Arguments&&... arguments)
+{
+    return Ref<T>(new T(std::forward<Arguments>(arguments)...));
+}
+
+class Array;
+class Dispatch;
+
+/// How many bytes the strings and arrays of this thread's scripts take up, so that the engine can end a
+/// script that asks for too much.
+struct HeapUse {
+    static std::size_t bytes();
+    static void add(std::size_t count);
+    static void remove(std::size_t count);
+};
+
+/// Characters that several strings share. Only its end grows: a string that ends where the buffer ends may be
+/// appended to in place while older strings keep seeing their own shorter part. That makes s = s & t linear.
+struct StringBuffer {
+    std::uint32_t references;
+    std::uint32_t used;
+    std::uint32_t capacity;
+
+    [[nodiscard]] char16_t* data() { return reinterpret_cast<char16_t*>(this + 1); }
+    static StringBuffer* create(std::size_t capacity);
+    void release();
+};
+
+/// A reference to an array's element. Keeps the array locked (it cannot be resized) while it lives.
+struct ElementReference;
+
+/// A script variant: 16 bytes, copied cheaply. Strings and arrays behave as values, objects are shared.
+class Value
+{
+public:
+    /// Longest string in characters; making a longer one is "Out of string space".
+    static constexpr std::size_t kMaxStringLength = 1U << 28;
+
+    Value() : m_type(VarType::Empty), m_extra(0), m_long(0) {}
+    Value(const Value& other) noexcept : m_type(other.m_type), m_extra(other.m_extra), m_bits(other.m_bits)
+    {
+        if (isCounted()) retain();
+    }
+    Value(Value&& other) noexcept : m_type(other.m_type), m_extra(other.m_extra), m_bits(other.m_bits)
+    {
+        other.m_type = VarType::Empty;
+    }
+    ~Value()
+    {
+        if (isCounted()) drop();
+    }
+    Value& operator=(const Value& other) noexcept
+    {
+        Value copy(other);
+        swap(copy);
+        return *this;
+    }
+    Value& operator=(Value&& other) noexcept
+    {
+        Value taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    void swap(Value& other) noexcept
+    {
+        std::swap(m_type, other.m_type);
+        std::swap(m_extra, other.m_extra);
+        std::swap(m_bits, other.m_bits);
+    }
+
+    static Value null() { return Value(VarType::Null, 0, 0); }
+    static Value boolean(bool value) { return Value(VarType::Boolean, 0, value ? -1 : 0); }
+    static Value byte(std::uint8_t value) { return Value(VarType::Byte, 0, value); }
+    static Value integer(std::int16_t value) { return Value(VarType::Integer, 0, value); }
+    static Value longInteger(std::int32_t value) { return Value(VarType::Long, 0, value); }
+    /// The smallest of Integer, Long and Double that holds the number.
+    static Value number(std::int64_t value);
+    static Value single(float value) { return real(VarType::Single, static_cast<double>(value)); }
+    static Value real(double value) { return real(VarType::Double, value); }
+    static Value date(double days) { return real(VarType::Date, days); }
+    static Value currency(std::int64_t tenThousandths)
+    {
+        Value result;
+        result.m_type = VarType::Currency;
+        result.m_bits = tenThousandths;
+        return result;
+    }
+    static Value error(std::int32_t code) { return Value(VarType::Error, 0, code); }
+    /// An argument that was left out: Foo 1, , 3
+    static Value missing() { return error(kMissing); }
+    /// @param text UTF-16, at most kMaxStringLength characters (cut there)
+    static Value string(std::u16string_view text);
+    static Value utf8(std::string_view text);
+    /// @param object null for Nothing
+    static Value object(Dispatch* object);
+    static Value array(Array* array);
+    static Value array(std::vector<Value> elements);
+
+    [[nodiscard]] VarType type() const { return m_type; }
+    [[nodiscard]] bool isEmpty() const { return m_type == VarType::Empty; }
+    [[nodiscard]] bool isNull() const { return m_type == VarType::Null; }
+    [[nodiscard]] bool isString() const { return m_type == VarType::String; }
+    [[nodiscard]] bool isObject() const { return m_type == VarType::Object; }
+    [[nodiscard]] bool isArray() const { return m_type == VarType::Array; }
+    [[nodiscard]] bool isMissing() const { return m_type == VarType::Error && m_long == kMissing; }
+    [[nodiscard]] bool isNumeric() const
+    {
+        return (m_type >= VarType::Integer && m_type <= VarType::Currency) || m_type == VarType::Boolean ||
+               m_type == VarType::Byte;
+    }
+    /// Whether the number is kept as a whole one of at most 32 bits (Integer, Long, Byte, Boolean).
+    [[nodiscard]] bool isWhole() const
+    {
+        return m_type == VarType::Integer || m_type == VarType::Long || m_type == VarType::Boolean ||
+               m_type == VarType::Byte;
+    }
+    [[nodiscard]] bool isReference() const
+    {
+        return m_type >= VarType::Reference && m_type < VarType(0x4002);
+    }
+
+    // The stored payload; each may be asked only of the types that carry it.
+    [[nodiscard]] std::int32_t whole() const { return m_long; }
+    [[nodiscard]] double asReal() const { return m_real; }
+    [[nodiscard]] std::int64_t tenThousandths() const { return m_bits; }
+    [[nodiscard]] std::int32_t errorCode() const { return m_long; }
+    [[nodiscard]] std::u16string_view text() const
+    {
+        return m_buffer ? std::u16string_view(m_buffer->data(), m_extra) : std::u16string_view();
+    }
+    [[nodiscard]] std::string utf8Text() const;
+    [[nodiscard]] Dispatch* asObject() const { return m_object; }
+    [[nodiscard]] Array* asArray() const { return m_array; }
+
+    /// The array for writing: shared elements are copied first.
+    Array* writableArray();
+    /// Appends in place where possible. @returns false when the string would grow too long.
+    static bool concat(const Value& left, std::u16string_view right, Value& result);
+
+    // Inside the engine.
+    static Value reference(Value* target)
+    {
+        Value result;
+        result.m_type = VarType::Reference;
+        result.m_target = target;
+        return result;
+    }
+    static Value elementReference(Array* array, Value* element);
+    [[nodiscard]] Value* referenced() const;
+    [[nodiscard]] const Value& resolved() const { return isReference() ? *referenced() : *this; }
+    [[nodiscard]] Value& resolved() { return isReference() ? *referenced() : *this; }
+    void setWhole(VarType type, std::int32_t value)
+    {
+        if (isCounted()) drop();
+        m_type = type;
+        m_long = value;
+    }
+    void setReal(VarType type, double value)
+    {
+        if (isCounted()) drop();
+        m_type = type;
+        m_real = value;
+    }
+
+private:
+    static constexpr std::int32_t kMissing = static_cast<std::int32_t>(0x80020004U);
+
+    Value(VarType type, std::uint32_t extra, std::int32_t value) : m_type(type), m_extra(extra), m_long(value)
+    {
+    }
+    static Value real(VarType type, double value)
+    {
+        Value result;
+        result.m_type = type;
+        result.m_real = value;
+        return result;
+    }
+    friend struct ElementReference;
+    [[nodiscard]] bool isCounted() const
+    {
+        return m_type == VarType::String || m_type == VarType::Object || m_type == VarType::Array ||
+               m_type == VarType::ElementReference;
+    }
+    void retain() const;
+    void drop();
+
+    VarType m_type;
+    std::uint32_t m_extra; // the length of a string in characters
+    union {
+        std::int64_t m_bits;
+        std::int32_t m_long;
+        double m_real;
+        StringBuffer* m_buffer; // null for ""
+        Dispatch* m_object;
+        Array* m_array;
+        Value* m_target;
+        ElementReference* m_element;
+    };
+};
+static_assert(sizeof(Value) == 16);
+
+/// The elements of an array of any rank. Lower bounds are 0; the leftmost index runs fastest.
+class Array final : public Counted
+{
+public:
+    /// Most elements of one array; more is "Out of memory".
+    static constexpr std::size_t kMaxElements = 1U << 26;
+
+    /// An array without dimensions yet (Dim a()).
+    Array() = default;
+    /// @param bounds the highest index of each dimension, -1 for none; their product is within kMaxElements
+    /// @param resizable whether ReDim is allowed
+    Array(std::vector<std::int32_t> bounds, bool resizable);
+    explicit Array(std::vector<Value> elements);
+    Array(const Array& other, int)
+        : bounds(other.bounds), elements(other.elements), resizable(other.resizable)
+    {
+        account();
+    }
+
+    /// @returns the number of elements, or nothing past kMaxElements
+    static bool countElements(const std::vector<std::int32_t>& bounds, std::size_t& count);
+    /// Changes the last dimension's highest index and keeps the elements.
+    void resizeLast(std::int32_t bound);
+
+    std::vector<std::int32_t> bounds; // the highest index of each dimension
+    std::vector<Value> elements;
+    bool resizable = true;
+    std::uint32_t locks = 0; // while not 0 the elements may not move
+
+private:
+    ~Array() override;
+    void account();
+    std::size_t m_accounted = 0;
+};
+
+struct ElementReference final : Counted {
+    ElementReference(Array* owner, Value* value) : array(owner), element(value) { ++array->locks; }
+    ~ElementReference() override { --array->locks; }
+    Ref<Array> array;
+    Value* element;
+};
+
+inline Value* Value::referenced() const
+{
+    return m_type == VarType::Reference ? m_target : m_element->element;
+}
+
+} // namespace script

@@ -1,0 +1,484 @@
+#include "script/vbscript/Convert.h"
+#include "script/vbscript/Engine.h"
+#include "script/vbscript/Errors.h"
+
+namespace script::vbscript
+{
+
+namespace
+{
+
+// A time slice counts for no more than this: what lies beyond was spent waiting in the host (a dialog).
+constexpr auto kLongestSlice = std::chrono::milliseconds(250);
+
+} // namespace
+
+Failed Engine::named(Failed failed, Symbol name) const
+{
+    return withSubject(std::move(failed), m_names.spelling(name));
+}
+
+// ---- frames
+
+Result<void> Engine::pushFrame(Function& function, std::size_t count, Value* result, Ref<Instance> me,
+                               bool discards)
+{
+    if (count != function.byReference.size())
+        return fault(error::kWrongArguments, m_names.spelling(function.name));
+    Value* locals = m_sp - count;
+    const std::size_t need = function.slots + function.maxStack + 8;
+    const auto used = static_cast<std::size_t>(locals - m_stack.get());
+    if (m_frames.size() >= kMaxFrames || used + need > kStackValues) {
+        return fault(error::kOutOfStack, m_names.spelling(function.name));
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!function.byReference[i] && locals[i].isReference()) {
+            Value copy = locals[i].resolved();
+            locals[i] = std::move(copy);
+        }
+    }
+    for (std::size_t i = count; i < function.slots; ++i) push(Value());
+    Frame& made = m_frames.emplace_back();
+    made.function = &function;
+    made.next = function.code.data();
+    made.locals = locals;
+    made.result = result;
+    made.me = std::move(me);
+    made.discards = discards;
+    return {};
+}
+
+void Engine::popFrame()
+{
+    // What the frame held may run code when it is freed; it goes last.
+    const Frame gone = std::move(m_frames.back());
+    m_frames.pop_back();
+    dropTo(gone.result);
+}
+
+Result<Value> Engine::call(Function& function, Instance* me, Arguments arguments)
+{
+    if (m_nestedRuns >= kMaxNestedRuns || m_tornDown)
+        return fault(error::kOutOfStack, m_names.spelling(function.name));
+    if (arguments.size() + static_cast<std::size_t>(m_sp - m_stack.get()) + 8 > kStackValues)
+        return fault(error::kOutOfStack);
+    Value* bottom = m_sp;
+    for (const Value& argument : arguments) push(argument.resolved());
+    if (auto pushed = pushFrame(function, arguments.size(), bottom, Ref<Instance>(me), false); !pushed) {
+        dropTo(bottom);
+        return Failed(std::move(pushed).error());
+    }
+    frame().isBoundary = true;
+    return run();
+}
+
+Result<Value> Engine::runProgram(std::unique_ptr<Program> program)
+{
+    define(*program);
+    Function& main = *program->main;
+    const bool lasts = program->isLasting();
+    if (lasts) m_programs.push_back(std::move(program));
+    return call(main, nullptr, {});
+}
+
+void Engine::becameUnreachable(Instance& instance)
+{
+    if (m_tornDown) return;
+    m_dying.emplace_back(&instance);
+    m_ticks = 0; // the next statement takes care of it
+}
+
+void Engine::runTerminations()
+{
+    while (!m_dying.empty() && m_nestedRuns < kMaxNestedRuns) {
+        const Ref<Instance> instance = std::move(m_dying.front());
+        m_dying.erase(m_dying.begin());
+        // There is nobody to report an error to.
+        static_cast<void>(call(*instance->info->terminate, instance.get(), {}));
+    }
+}
+
+// Between two statements every now and then: time, memory and the ends of objects.
+Result<void> Engine::attend()
+{
+    if (!m_dying.empty()) {
+        const Ref<Instance> instance = std::move(m_dying.front());
+        m_dying.erase(m_dying.begin());
+        --frame().next; // the statement asks again afterwards
+        m_ticks = m_dying.empty() ? 1 : 0;
+        return pushFrame(*instance->info->terminate, 0, m_sp, instance, true);
+    }
+    m_ticks = kTicksBetweenChecks;
+    m_statements += kTicksBetweenChecks;
+    if (m_limits.statements != 0 && m_statements > m_limits.statements) {
+        auto failed = fault(error::kInterrupted);
+        failed.value()->uncatchable = true;
+        return failed;
+    }
+    CHECK_RESULT(reserve(0));
+    return checkTime();
+}
+
+Result<void> Engine::checkTime()
+{
+    const auto now = std::chrono::steady_clock::now();
+    m_used += std::min<std::chrono::steady_clock::duration>(now - m_lastCheck, kLongestSlice);
+    m_lastCheck = now;
+    if (m_limits.timeout.count() == 0 || m_used <= m_limits.timeout) return {};
+    if (m_host.continueAfterTimeout()) {
+        m_used = {};
+        return {};
+    }
+    auto failed = fault(error::kInterrupted);
+    failed.value()->uncatchable = true;
+    return failed;
+}
+
+void Engine::finishCall(Value* result, Value value)
+{
+    dropTo(result);
+    push(std::move(value));
+}
+
+// ---- calls by name
+
+Result<void> Engine::callGlobal(Symbol name, std::size_t count, std::uint8_t flags)
+{
+    Global& found = *m_globals[name];
+    switch (found.kind) {
+    case Global::Kind::Procedure: return pushFrame(*found.function, count, m_sp - count, nullptr, false);
+    case Global::Kind::Intrinsic: return callIntrinsic(*found.intrinsic, count);
+    case Global::Kind::Variable:
+    case Global::Kind::Constant:
+    case Global::Kind::HostObject: return callVariable(found.value, name, count, flags, m_sp - count);
+    case Global::Kind::HostMember: {
+        const Ref<Dispatch> host(found.value.asObject());
+        auto called = callDispatch(*host, found.member, count, flags, m_sp - count);
+        if (!called) return named(Failed(std::move(called).error()), name);
+        return {};
+    }
+    case Global::Kind::Undefined:
+        if (resolveHostMember(name, found)) return callGlobal(name, count, flags);
+        if (frame().function->optionExplicit) return fault(error::kUndefinedVariable, m_names.spelling(name));
+        break;
+    case Global::Kind::Class: break;
+    }
+    return fault(error::kTypeMismatch, m_names.spelling(name));
+}
+
+Result<void> Engine::callIntrinsic(const Intrinsic& intrinsic, std::size_t count)
+{
+    const auto given = static_cast<int>(count);
+    if (given < intrinsic.fewest || (intrinsic.most >= 0 && given > intrinsic.most)) {
+        return fault(error::kWrongArguments, intrinsic.name);
+    }
+    Value* arguments = m_sp - count;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (arguments[i].isReference()) {
+            Value copy = arguments[i].resolved();
+            arguments[i] = std::move(copy);
+        }
+        if (intrinsic.kind != Intrinsic::Kind::Raw && arguments[i].isObject()) {
+            Value value = TRY_RESULT(plain(arguments[i]));
+            arguments[i] = std::move(value);
+        }
+    }
+    if (intrinsic.kind >= Intrinsic::Kind::Eval) return executeText(intrinsic.kind);
+    auto result = intrinsic.call(*this, std::span<Value>(arguments, count));
+    if (!result) {
+        // A function names itself rather than the value that it could not use.
+        auto failed = Failed(std::move(result).error());
+        if (!failed.value()->subject.empty() && failed.value()->subject.front() == u'[')
+            failed.value()->subject.clear();
+        return withSubject(std::move(failed), intrinsic.name);
+    }
+    finishCall(arguments, std::move(*result));
+    return {};
+}
+
+// Eval, Execute and ExecuteGlobal: the text becomes a frame above the current one, whose locals it sees.
+Result<void> Engine::executeText(Intrinsic::Kind kind)
+{
+    if (!m_sp[-1].isString()) {
+        // Eval of a number is that number.
+        if (kind == Intrinsic::Kind::Eval) return {};
+        return fault(error::kTypeMismatch);
+    }
+    const Value source = m_sp[-1];
+    const Function* around = frame().function;
+    const bool seesLocals =
+        kind != Intrinsic::Kind::ExecuteGlobal && !(around->isMain && around->captures.empty());
+    auto program =
+        TRY_RESULT(compileText(source.text(), kind == Intrinsic::Kind::Eval, seesLocals ? around : nullptr));
+    define(*program);
+    Function& main = *program->main;
+    const std::size_t outer = m_frames.size() - 1;
+    drop(1);
+    CHECK_RESULT(pushFrame(main, 0, m_sp,
+                           kind == Intrinsic::Kind::ExecuteGlobal ? nullptr : m_frames[outer].me, false));
+    for (const Capture& capture : main.captures) {
+        Value* target = nullptr;
+        if (capture.outerSlot >= 0) {
+            target = m_frames[outer].locals + capture.outerSlot;
+        } else {
+            auto& extras = m_frames[outer].extras;
+            if (!extras) extras = std::make_unique<FrameExtras>();
+            auto& variable = extras->variables[capture.name];
+            if (!variable) variable = std::make_unique<Value>();
+            target = variable.get();
+        }
+        frame().locals[capture.slot] = target->isReference() ? *target : Value::reference(target);
+    }
+    if (program->isLasting()) {
+        m_programs.push_back(std::move(program));
+    } else {
+        frame().extras = std::make_unique<FrameExtras>();
+        frame().extras->program = std::move(program);
+    }
+    return {};
+}
+
+Result<void> Engine::callVariable(Value& callee, Symbol name, std::size_t count, std::uint8_t flags,
+                                  Value* result)
+{
+    Value& value = callee.resolved();
+    if (value.isArray() && count > 0) {
+        const bool reference = (flags & kWantReference) != 0;
+        Array* array = reference ? value.writableArray() : value.asArray();
+        auto found = element(*array, m_sp - count, count);
+        if (!found) return named(Failed(std::move(found).error()), name);
+        finishCall(result, reference ? Value::elementReference(array, *found) : **found);
+        return {};
+    }
+    if (value.isObject()) {
+        if (!value.asObject()) return fault(error::kObjectNotSet, m_names.spelling(name));
+        const Ref<Dispatch> object(value.asObject());
+        if (auto* reference = dynamic_cast<FunctionReference*>(object.get())) {
+            return pushFrame(*reference->function, count, result, nullptr, false);
+        }
+        auto called = callDispatch(*object, Dispatch::kDefaultMember, count, flags, result);
+        if (!called) return named(Failed(std::move(called).error()), name);
+        return {};
+    }
+    return fault(error::kTypeMismatch, m_names.spelling(name));
+}
+
+Result<void> Engine::callDispatch(Dispatch& object, Dispatch::MemberId id, std::size_t count,
+                                  std::uint8_t flags, Value* result)
+{
+    Value* arguments = m_sp - count;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!arguments[i].isReference()) continue;
+        Value copy = arguments[i].resolved();
+        arguments[i] = std::move(copy);
+    }
+    const auto access = (flags & kStatementCall) != 0 ? Dispatch::Access::Call : Dispatch::Access::GetOrCall;
+    auto value = TRY_RESULT(object.invoke(id, access, Arguments(arguments, count)));
+    finishCall(result, std::move(value));
+    return {};
+}
+
+// ---- members
+
+std::u16string Engine::siteText(const MemberSite& site)
+{
+    const std::u16string& member = m_names.spelling(site.name);
+    return site.object ? m_names.spelling(*site.object) + u"." + member : member;
+}
+
+Result<Dispatch*> Engine::objectOf(const Value& value, const MemberSite& site)
+{
+    const Value& resolved = value.resolved();
+    const std::u16string subject = site.object ? m_names.spelling(*site.object) : std::u16string();
+    if (!resolved.isObject()) {
+        if (!subject.empty()) return fault(error::kObjectRequired, subject);
+        return fault(error::kObjectRequired,
+                     resolved.isEmpty() ? m_names.spelling(site.name) : quoted(resolved));
+    }
+    if (!resolved.asObject()) return fault(error::kObjectNotSet, subject);
+    return resolved.asObject();
+}
+
+Result<const ClassMember*> Engine::instanceMember(Instance& object, MemberSite& site)
+{
+    if (site.layout != object.info) {
+        const auto found = object.info->members.find(site.name);
+        if (found == object.info->members.end()) return fault(error::kNoSuchMember, siteText(site));
+        site.layout = object.info;
+        site.member = &found->second;
+    }
+    return site.member;
+}
+
+Result<void> Engine::callMember(MemberSite& site, std::size_t count, std::uint8_t flags)
+{
+    Value* bottom = m_sp - count - 1;
+    const Value& holder = bottom->resolved();
+    if (!holder.isObject() || !holder.asObject()) {
+        auto failed = objectOf(holder, site);
+        return Failed(std::move(failed).error());
+    }
+    const Ref<Dispatch> object(holder.asObject());
+    if (auto* instance = dynamic_cast<Instance*>(object.get())) {
+        const ClassMember* member = TRY_RESULT(instanceMember(*instance, site));
+        return callInstance(*instance, *member, count, flags);
+    }
+    const void* layout = object->layout();
+    if (!layout || layout != site.layout) {
+        const auto id = object->memberId(m_names.spelling(site.name));
+        if (!id) return fault(error::kNoSuchMember, siteText(site));
+        site.id = *id;
+        site.layout = layout;
+    }
+    auto called = callDispatch(*object, site.id, count, flags, bottom);
+    if (!called) return withSubject(Failed(std::move(called).error()), siteText(site));
+    return {};
+}
+
+Result<void> Engine::callInstance(Instance& object, const ClassMember& member, std::size_t count,
+                                  std::uint8_t flags)
+{
+    Value* bottom = m_sp - count - 1;
+    const bool inside = frame().function->owner == object.info;
+    const Ref<Instance> me(&object);
+    if (member.field >= 0) {
+        Value& field = object.fields[static_cast<std::size_t>(member.field)];
+        const Symbol name = object.info->fields[static_cast<std::size_t>(member.field)].name;
+        if (member.isPrivate && !inside) return fault(error::kNoSuchMember, m_names.spelling(name));
+        if (count > 0) return callVariable(field, name, count, flags, bottom);
+        finishCall(bottom, field);
+        return {};
+    }
+    Function* function = member.call ? member.call : member.get;
+    if (!function || (function->isPrivate && !inside)) return fault(error::kNoSuchMember);
+    if (function == member.get && function->byReference.empty() && count > 0) {
+        // The arguments index what the property answers.
+        Value answer = TRY_RESULT(call(*function, &object, {}));
+        *bottom = std::move(answer);
+        Value callee = *bottom;
+        return callVariable(callee, function->name, count, flags, bottom);
+    }
+    return pushFrame(*function, count, bottom, me, false);
+}
+
+// object, arguments..., value ->
+Result<void> Engine::putMember(MemberSite& site, std::size_t count, std::uint8_t flags)
+{
+    Value* bottom = m_sp - count - 2;
+    Dispatch* found = TRY_RESULT(objectOf(*bottom, site));
+    const Ref<Dispatch> object(found);
+    if (auto* instance = dynamic_cast<Instance*>(found)) {
+        const ClassMember* member = TRY_RESULT(instanceMember(*instance, site));
+        return putInstance(*instance, *member, site.name, count, flags);
+    }
+    const void* layout = object->layout();
+    if (!layout || layout != site.layout) {
+        const auto id = object->memberId(m_names.spelling(site.name));
+        if (!id) return fault(error::kNoSuchMember, siteText(site));
+        site.id = *id;
+        site.layout = layout;
+    }
+    for (Value* argument = bottom + 1; argument < m_sp; ++argument) {
+        if (!argument->isReference()) continue;
+        Value copy = argument->resolved();
+        *argument = std::move(copy);
+    }
+    const bool isSet = (flags & kSet) != 0;
+    if (isSet && !m_sp[-1].isObject()) return fault(error::kObjectRequired);
+    const auto access = isSet ? Dispatch::Access::PutRef : Dispatch::Access::Put;
+    auto put = object->invoke(site.id, access, Arguments(bottom + 1, count + 1));
+    if (!put) return withSubject(Failed(std::move(put).error()), siteText(site));
+    dropTo(bottom);
+    return {};
+}
+
+Result<void> Engine::putInstance(Instance& object, const ClassMember& member, Symbol name, std::size_t count,
+                                 std::uint8_t flags)
+{
+    Value* bottom = m_sp - count - 2;
+    const bool inside = frame().function->owner == object.info;
+    if (member.field >= 0) {
+        if (member.isPrivate && !inside) return fault(error::kNoSuchMember, m_names.spelling(name));
+        Value& field = object.fields[static_cast<std::size_t>(member.field)];
+        if (count > 0) return putIndexed(field, name, count, flags, bottom);
+        Value value = pop();
+        CHECK_RESULT(store(field, std::move(value), flags));
+        dropTo(bottom);
+        return {};
+    }
+    Function* function = (flags & kSet) != 0 ? member.set : member.let;
+    if (!function && (flags & kSet) == 0 && m_sp[-1].isObject()) function = member.set;
+    if (!function && member.get && member.get->byReference.empty() && count > 0) {
+        // object.Items(1) = 2, where Items answers an array or a collection
+        Value answer = TRY_RESULT(call(*member.get, &object, {}));
+        return putIndexed(answer, name, count, flags, bottom);
+    }
+    if (!function || (function->isPrivate && !inside)) {
+        return fault(member.get ? error::kWrongArguments : error::kNoSuchMember, m_names.spelling(name));
+    }
+    if (function == member.let && m_sp[-1].isObject()) {
+        Value value = TRY_RESULT(plain(m_sp[-1]));
+        m_sp[-1] = std::move(value);
+    }
+    return pushFrame(*function, count + 1, bottom, Ref<Instance>(&object), true);
+}
+
+// arguments..., value -> ; what lies from `bottom` on goes as well
+Result<void> Engine::putIndexed(Value& base, Symbol name, std::size_t count, std::uint8_t flags,
+                                Value* bottom)
+{
+    Value& target = base.resolved();
+    if (target.isArray()) {
+        auto found = element(*target.writableArray(), m_sp - count - 1, count);
+        if (!found) return named(Failed(std::move(found).error()), name);
+        Value value = pop();
+        // Fetching a default value may run code; the element is looked up again afterwards.
+        if ((flags & kSet) == 0 && value.isObject()) {
+            value = TRY_RESULT(plain(value));
+            if (!target.isArray()) return fault(error::kTypeMismatch, m_names.spelling(name));
+            found = element(*target.writableArray(), m_sp - count, count);
+            if (!found) return named(Failed(std::move(found).error()), name);
+        }
+        CHECK_RESULT(store(**found, std::move(value), flags));
+        dropTo(bottom);
+        return {};
+    }
+    if (!target.isObject()) return fault(error::kTypeMismatch, m_names.spelling(name));
+    if (!target.asObject()) return fault(error::kObjectNotSet, m_names.spelling(name));
+    const Ref<Dispatch> object(target.asObject());
+    for (Value* argument = m_sp - count - 1; argument < m_sp; ++argument) {
+        if (!argument->isReference()) continue;
+        Value copy = argument->resolved();
+        *argument = std::move(copy);
+    }
+    const auto access = (flags & kSet) != 0 ? Dispatch::Access::PutRef : Dispatch::Access::Put;
+    auto put = object->invoke(Dispatch::kDefaultMember, access, Arguments(m_sp - count - 1, count + 1));
+    if (!put) return named(Failed(std::move(put).error()), name);
+    dropTo(bottom);
+    return {};
+}
+
+Result<void> Engine::putGlobal(Symbol name, std::size_t count, std::uint8_t flags)
+{
+    Global& found = *m_globals[name];
+    if (found.kind == Global::Kind::Undefined) resolveHostMember(name, found);
+    Value* bottom = m_sp - count - 1;
+    switch (found.kind) {
+    case Global::Kind::Variable:
+    case Global::Kind::HostObject: return putIndexed(found.value, name, count, flags, bottom);
+    case Global::Kind::HostMember: {
+        const Ref<Dispatch> host(found.value.asObject());
+        const auto access = (flags & kSet) != 0 ? Dispatch::Access::PutRef : Dispatch::Access::Put;
+        auto put = host->invoke(found.member, access, Arguments(bottom, count + 1));
+        if (!put) return named(Failed(std::move(put).error()), name);
+        dropTo(bottom);
+        return {};
+    }
+    case Global::Kind::Undefined:
+        if (frame().function->optionExplicit) return fault(error::kUndefinedVariable, m_names.spelling(name));
+        return fault(error::kTypeMismatch, m_names.spelling(name));
+    default: return fault(error::kIllegalAssignment, m_names.spelling(name));
+    }
+}
+
+} // namespace script::vbscript

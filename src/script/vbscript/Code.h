@@ -1,0 +1,173 @@
+#pragma once
+
+#include "script/Dispatch.h"
+#include "script/vbscript/Tree.h"
+
+#include <unordered_map>
+
+namespace script::vbscript
+{
+
+// What the compiler makes of a tree: functions of fixed-size instructions for a stack machine. Names are
+// resolved to slots here; a name that only running can tell (a procedure may refer to a global of a later
+// piece of code) carries both its global and a local slot.
+
+// clang-format off
+enum class Op : std::uint8_t {
+    Statement,      // a statement begins (a: its place in Function::statements)
+    // Operators, in the order of the enumeration Operator. Comparisons: flags are LiteralOperands.
+    Add, Subtract, Multiply, Divide, IntegerDivide, Modulo, Power, Concat,
+    Equal, NotEqual, Less, Greater, LessEqual, GreaterEqual, Is,
+    And, Or, Xor, Eqv, Imp,
+    Negate, Plus, Not,
+    Pop,
+    Constant,       // a: of Function::constants
+    // Values of names. a: slot, Symbol, place in Function::implicitNames, field.
+    Local, Global, Implicit, Field,
+    // The same by reference, for arguments.
+    LocalRef, GlobalRef, ImplicitRef, FieldRef,
+    Me,
+    New,            // a: Symbol of the class
+    // Assignments of the topmost value; kSet is one with Set.
+    StoreLocal, StoreGlobal, StoreImplicit, StoreField,
+    // name(arguments): index, default member or call. count: arguments, all on the stack.
+    CallLocal, CallGlobal, CallImplicit, CallField,
+    CallOwn,        // a method of the own class. a: of Function::callees
+    CallValue,      // the callee lies below the arguments
+    Member,         // object.name(arguments), the object lies below the arguments. a: of Function::sites
+    // name(arguments) = value, the value is topmost.
+    PutLocal, PutGlobal, PutImplicit, PutField, PutOwn, PutValue, PutMember,
+    Jump, JumpFalse, JumpTrue, // a: target
+    ForPrepare,     // from, limit, step -> from; count: the first of two hidden slots
+    ForTest,        // goes on with the next instruction while the loop runs, else skips it. flags: VariableKind
+    ForNext,        // the same after a step
+    ForEachPrepare, // group ->; count: hidden slot
+    ForEachNext,    // -> value, next instruction; or skips it
+    WithPrepare,    // object ->; a: hidden slot
+    MakeArray,      // Dim inside a procedure. a: slot, count: of Function::shapes
+    ReDim,          // reference, bounds... ->; count: bounds, flags: kPreserve
+    Erase,          // reference ->
+    OnError,        // flags: 1 resume next, 0 go to 0
+    ClearLocal,     // a: slot
+    Return,
+};
+// clang-format on
+
+constexpr Op opOf(Operator operation)
+{
+    return static_cast<Op>(static_cast<int>(Op::Add) + static_cast<int>(operation));
+}
+constexpr Operator operatorOf(Op op)
+{
+    return static_cast<Operator>(static_cast<int>(op) - static_cast<int>(Op::Add));
+}
+
+inline constexpr std::uint8_t kStatementCall = 1; // the result is not used
+inline constexpr std::uint8_t kWantReference = 2; // of an array's element, for an argument
+inline constexpr std::uint8_t kSet = 4;
+inline constexpr std::uint8_t kPreserve = 8;
+
+enum class VariableKind : std::uint8_t { Local, Global, Implicit, Field };
+
+struct Instruction {
+    Op op;
+    std::uint8_t flags;
+    std::uint16_t count;
+    std::uint32_t a;
+};
+static_assert(sizeof(Instruction) == 8);
+
+struct ClassInfo;
+struct Function;
+
+struct ClassMember;
+
+/// A place where a member is asked for, with what it found last time.
+struct MemberSite {
+    Symbol name = 0;
+    std::optional<Symbol> object;        // for error texts, where the object is a plain name
+    const ClassMember* member = nullptr; // of a script class
+    const void* layout = nullptr;
+    Dispatch::MemberId id = 0;
+};
+
+struct StatementMark {
+    std::uint32_t instruction;
+    Position position; // line 0: only a place to resume at
+};
+
+struct LocalName {
+    std::uint32_t slot = 0;
+    bool implicit = false; // a local only where there is no global of that name
+    int constant = -1;     // of Function::constants, for a Const
+};
+
+/// A name of the surrounding procedure that executed text uses.
+struct Capture {
+    std::uint32_t slot;
+    int outerSlot; // -1: made when first used
+    Symbol name;
+};
+
+struct ImplicitName {
+    Symbol name;
+    std::uint32_t slot;
+};
+
+struct Function {
+    Procedure::Kind kind = Procedure::Kind::Sub;
+    Symbol name = 0;
+    bool isMain = false;
+    bool isPrivate = false;
+    bool optionExplicit = false;
+    std::vector<bool> byReference; // of each parameter
+    int returnSlot = -1;
+    std::uint32_t slots = 0; // parameters first
+    std::uint32_t maxStack = 0;
+    ClassInfo* owner = nullptr;
+    std::vector<Instruction> code;
+    std::vector<Value> constants;
+    std::vector<StatementMark> statements; // by instruction
+    std::vector<MemberSite> sites;
+    std::vector<Function*> callees;
+    std::vector<ImplicitName> implicitNames;
+    std::vector<std::vector<std::int32_t>> shapes; // empty: without dimensions yet
+    std::unordered_map<Symbol, LocalName> names;
+    std::vector<Capture> captures;
+    std::vector<Symbol> slotNames; // for error texts; hidden slots carry the function's own name
+};
+
+/// What a name of a class stands for.
+struct ClassMember {
+    int field = -1;
+    bool isPrivate = false;
+    Function* call = nullptr; // Sub, Function
+    Function* get = nullptr;
+    Function* let = nullptr;
+    Function* set = nullptr;
+};
+
+struct ClassInfo {
+    Symbol name = 0;
+    std::vector<Declarator> fields;
+    std::unordered_map<Symbol, ClassMember> members;
+    std::optional<Symbol> defaultMember;
+    Function* initialize = nullptr;
+    Function* terminate = nullptr;
+};
+
+/// One compiled piece of source text.
+struct Program {
+    std::u16string source;
+    std::unique_ptr<Function> main;
+    std::vector<std::unique_ptr<Function>> functions;
+    std::vector<std::unique_ptr<ClassInfo>> classes;
+    std::vector<Function*> globalFunctions;
+    std::vector<Declarator> variables; // Dim outside procedures
+    std::vector<Declarator> constants;
+    std::vector<Symbol> assigned; // without Dim, outside procedures
+    /// Whether later code can reach into it once its main function has ended.
+    [[nodiscard]] bool isLasting() const { return !functions.empty() || !classes.empty(); }
+};
+
+} // namespace script::vbscript

@@ -1,0 +1,275 @@
+#pragma once
+
+#include "script/Host.h"
+#include "script/vbscript/Code.h"
+#include "script/vbscript/Intrinsics.h"
+#include "script/vbscript/Locale.h"
+#include "script/vbscript/Random.h"
+
+#include <chrono>
+#include <memory>
+#include <unordered_set>
+
+namespace script::vbscript
+{
+
+class Engine;
+
+/// An object that belongs to an engine and outlives it only as an empty shell.
+class EngineObject : public Dispatch
+{
+public:
+    explicit EngineObject(Engine& engine);
+    ~EngineObject() override;
+    /// Lets go of what the object holds, so that cycles fall apart.
+    virtual void clear() {}
+    void detach() { m_engine = nullptr; }
+
+protected:
+    Engine* m_engine; // null once the engine is gone
+};
+
+/// An object of a script's class.
+class Instance final : public EngineObject
+{
+public:
+    Instance(Engine& engine, const ClassInfo& info);
+    [[nodiscard]] std::u16string typeName() const override;
+    [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view name) const override;
+    Result<Value> invoke(MemberId member, Access access, Arguments arguments) override;
+    void clear() override { fields.clear(); }
+
+    const ClassInfo* const info; // valid while the engine lives
+    std::vector<Value> fields;
+
+private:
+    void dispose() override;
+    bool m_terminated = false;
+};
+
+/// What GetRef answers.
+class FunctionReference final : public EngineObject
+{
+public:
+    FunctionReference(Engine& engine, Function& target) : EngineObject(engine), function(&target) {}
+    [[nodiscard]] std::u16string typeName() const override { return u"Object"; }
+    [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view) const override
+    {
+        return std::nullopt;
+    }
+    Result<Value> invoke(MemberId member, Access access, Arguments arguments) override;
+
+    Function* const function; // valid while the engine lives
+};
+
+/// What a name stands for outside procedures.
+struct Global {
+    enum class Kind : std::uint8_t {
+        Undefined,
+        Variable,
+        Constant,
+        Procedure,
+        Class,
+        HostObject,
+        HostMember,
+        Intrinsic
+    };
+    Kind kind = Kind::Undefined;
+    Value value; // of a variable, a constant or a host object; for HostMember the object
+    Dispatch::MemberId member = 0;
+    Function* function = nullptr;
+    const ClassInfo* info = nullptr;
+    const Intrinsic* intrinsic = nullptr;
+    int hostsAsked = -1; // how many hosts with global members were asked in vain
+};
+
+/// The state of Err.
+struct ErrorState {
+    int number = 0;
+    std::u16string source;
+    std::u16string description;
+    std::u16string helpFile;
+    int helpContext = 0;
+};
+
+struct Limits {
+    std::chrono::milliseconds timeout = std::chrono::seconds(10); // zero: none
+    std::size_t heapBytes = std::size_t{1} << 30;
+    /// Statements after which the script ends in any case; 0: no such limit. For runs that must repeat
+    /// exactly.
+    std::uint64_t statements = 0;
+};
+
+/// Runs compiled code: a stack machine with frames of its own, so that no script can exhaust the C++ stack.
+/// Values live on m_stack; a frame's parameters are the arguments that its caller pushed.
+class Engine
+{
+public:
+    Engine(Host& host, const Locale& locale, bool safeSubset, const Limits& limits);
+    ~Engine();
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    // ---- for the control
+    void addObject(std::u16string_view name, Dispatch& object, bool addMembers);
+    /// Compiles and runs. @returns the value of an expression, Empty for statements
+    Result<Value> execute(std::u16string_view source, bool isExpression);
+    Result<Value> callProcedure(std::u16string_view name, Arguments arguments);
+    [[nodiscard]] bool isRunning() const { return !m_frames.empty(); }
+    void setLimits(const Limits& limits) { m_limits = limits; }
+
+    // ---- for objects and intrinsic functions
+    Result<Value> call(Function& function, Instance* me, Arguments arguments);
+    /// Replaces an object by its default value. @errors 91 for Nothing, 438 without a default member
+    Result<Value> plain(const Value& value);
+    Result<Value> functionReference(std::u16string_view name);
+    /// @errors 7 when the strings and arrays would outgrow the limit
+    Result<void> reserve(std::size_t bytes) const;
+    /// Whether the time is up; for long-running functions. Asks the host.
+    Result<void> checkTime();
+    void becameUnreachable(Instance& instance);
+
+    Host& host() { return m_host; }
+    [[nodiscard]] const Locale& locale() const { return *m_locale; }
+    void setLocale(const Locale& locale) { m_locale = &locale; }
+    [[nodiscard]] bool safeSubset() const { return m_safeSubset; }
+    ErrorState& error() { return m_error; }
+    Random& random() { return m_random; }
+    Names& names() { return m_names; }
+    /// The local date and time.
+    double now();
+    /// New RegExp, CreateObject("Scripting.Dictionary"). @returns null for names unknown or refused
+    Ref<Dispatch> newBuiltIn(std::u16string_view name);
+    Ref<Dispatch> createObject(std::u16string_view programId);
+
+private:
+    friend class EngineObject;
+    static constexpr std::size_t kStackValues = 512 * 1024;
+    static constexpr std::size_t kMaxFrames = 10000;
+    static constexpr int kMaxNestedRuns = 48; // run() inside run(), through host objects and default values
+    static constexpr int kTicksBetweenChecks = 5000;
+
+    struct FrameExtras {
+        std::unique_ptr<Program> program; // executed text that nothing refers to later
+        std::unordered_map<Symbol, std::unique_ptr<Value>> variables; // made by executed text
+    };
+    struct Frame {
+        Function* function = nullptr;
+        const Instruction* next = nullptr;
+        Value* locals = nullptr;
+        Value* result = nullptr; // where the caller wants the value, below the locals
+        Ref<Instance> me;
+        std::unique_ptr<FrameExtras> extras;
+        bool isBoundary = false; // run() returns here
+        bool discards = false;   // the caller wants no value
+        bool resumeNext = false;
+    };
+
+    // Engine.cpp
+    Global& global(Symbol name);
+    void growGlobals();
+    bool resolveHostMember(Symbol name, Global& found);
+    void define(Program& program);
+    Result<std::unique_ptr<Program>> compileText(std::u16string_view source, bool isExpression,
+                                                 const Function* around);
+    void tearDown();
+
+    // Calls.cpp
+    Result<void> pushFrame(Function& function, std::size_t count, Value* result, Ref<Instance> me,
+                           bool discards);
+    Result<Value> runProgram(std::unique_ptr<Program> program);
+    void popFrame();
+    Result<void> attend();
+    void runTerminations();
+    Result<void> callGlobal(Symbol name, std::size_t count, std::uint8_t flags);
+    Result<void> callIntrinsic(const Intrinsic& intrinsic, std::size_t count);
+    Result<void> executeText(Intrinsic::Kind kind);
+    Result<void> callVariable(Value& callee, Symbol name, std::size_t count, std::uint8_t flags,
+                              Value* result);
+    Result<void> callDispatch(Dispatch& object, Dispatch::MemberId id, std::size_t count, std::uint8_t flags,
+                              Value* result);
+    Result<void> callMember(MemberSite& site, std::size_t count, std::uint8_t flags);
+    Result<void> callInstance(Instance& object, const ClassMember& member, std::size_t count,
+                              std::uint8_t flags);
+    Result<void> putMember(MemberSite& site, std::size_t count, std::uint8_t flags);
+    Result<void> putInstance(Instance& object, const ClassMember& member, Symbol name, std::size_t count,
+                             std::uint8_t flags);
+    Result<void> putIndexed(Value& base, Symbol name, std::size_t count, std::uint8_t flags, Value* bottom);
+    Result<void> putGlobal(Symbol name, std::size_t count, std::uint8_t flags);
+    Result<const ClassMember*> instanceMember(Instance& object, MemberSite& site);
+    Result<Dispatch*> objectOf(const Value& value, const MemberSite& site);
+    std::u16string siteText(const MemberSite& site);
+    void finishCall(Value* result, Value value);
+    Failed named(Failed failed, Symbol name) const;
+
+    // Interpreter.cpp
+    Result<Value> run();
+    bool handle(Fault& fault, std::size_t floor);
+    [[nodiscard]] Position positionOf(const Frame& frame) const;
+
+    // Variables.cpp
+    Result<Value*> element(Array& array, const Value* indexes, std::size_t count);
+    Result<void> store(Value& target, Value value, std::uint8_t flags);
+    Result<void> storeGlobal(Symbol name, std::uint8_t flags);
+    Result<void> loadGlobal(Symbol name, bool byReference);
+    Result<void> storeImplicit(const ImplicitName& name, std::uint8_t flags);
+    Value& implicitVariable(const ImplicitName& name);
+    Value* loopVariable(const Instruction& instruction);
+    Result<void> forPrepare(std::size_t hidden);
+    Result<bool> forContinues(const Instruction& instruction, bool step);
+    Result<void> forEachPrepare(std::size_t hidden);
+    Result<bool> forEachNext(std::size_t hidden);
+    Result<void> reDim(std::size_t count, bool preserve);
+    Result<void> erase();
+    Result<void> newObject(Symbol name);
+    Result<void> binary(Op op, std::uint8_t literals);
+    Result<void> is();
+    Result<void> unary(Op op);
+    Result<bool> condition();
+
+    void push(Value value) { new (m_sp++) Value(std::move(value)); }
+    Value pop()
+    {
+        --m_sp;
+        Value taken(std::move(*m_sp));
+        m_sp->~Value();
+        return taken;
+    }
+    void drop(std::size_t count)
+    {
+        for (; count > 0; --count) (--m_sp)->~Value();
+    }
+    void dropTo(const Value* level)
+    {
+        while (m_sp > level) (--m_sp)->~Value();
+    }
+    Frame& frame() { return m_frames.back(); }
+
+    Host& m_host;
+    const Locale* m_locale;
+    bool m_safeSubset;
+    Limits m_limits;
+    Names m_names;
+    std::vector<std::unique_ptr<Global>> m_globals; // by Symbol
+    std::vector<Ref<Dispatch>> m_memberHosts;       // whose members are globals
+    std::vector<std::unique_ptr<Program>> m_programs;
+    std::unordered_set<EngineObject*> m_objects;
+    std::vector<Ref<Instance>> m_dying; // whose Class_Terminate is still to run
+    ErrorState m_error;
+    Random m_random;
+
+    std::unique_ptr<Value, void (*)(void*)> m_stack;
+    Value* m_sp;
+    std::vector<Frame> m_frames;
+    int m_nestedRuns = 0;
+    int m_ticks = kTicksBetweenChecks;
+    std::uint64_t m_statements = 0;
+    std::chrono::steady_clock::time_point m_lastCheck;
+    std::chrono::steady_clock::duration m_used{};
+    bool m_tornDown = false;
+};
+
+/// Describes a script error to code outside: 'Mid' behind "Invalid procedure call or argument".
+Failed withSubject(Failed failed, std::u16string_view subject);
+
+} // namespace script::vbscript

@@ -1,0 +1,79 @@
+#include "script/vbscript/ErrObject.h"
+
+#include "script/vbscript/Convert.h"
+#include "script/vbscript/Errors.h"
+#include "script/vbscript/Text.h"
+
+#include <array>
+
+namespace script::vbscript
+{
+
+namespace
+{
+
+enum Member { kNumber, kDescription, kSource, kHelpFile, kHelpContext, kRaise, kClear };
+constexpr std::array<std::u16string_view, 7> kNames = {u"number",      u"description", u"source", u"helpfile",
+                                                       u"helpcontext", u"raise",       u"clear"};
+
+} // namespace
+
+std::optional<Dispatch::MemberId> ErrObject::memberId(std::u16string_view name) const
+{
+    for (std::size_t i = 0; i < kNames.size(); ++i) {
+        if (sameText(name, kNames[i])) return static_cast<MemberId>(i); // Number is the default member
+    }
+    return std::nullopt;
+}
+
+Result<Value> ErrObject::invoke(MemberId member, Access access, Arguments arguments)
+{
+    if (!m_engine) return fault(error::kNoSuchMember);
+    ErrorState& state = m_engine->error();
+    const Locale& locale = m_engine->locale();
+    if (member == kRaise) return raise(arguments);
+    if (member == kClear) {
+        state = ErrorState();
+        return Value();
+    }
+    if (access == Access::Put) {
+        if (arguments.size() != 1) return fault(error::kWrongArguments);
+        switch (member) {
+        case kNumber: state.number = TRY_RESULT(toLong(arguments[0], locale)); break;
+        case kDescription: state.description = TRY_RESULT(toText(arguments[0], locale)); break;
+        case kSource: state.source = TRY_RESULT(toText(arguments[0], locale)); break;
+        case kHelpFile: state.helpFile = TRY_RESULT(toText(arguments[0], locale)); break;
+        default: state.helpContext = TRY_RESULT(toLong(arguments[0], locale)); break;
+        }
+        return Value();
+    }
+    if (!arguments.empty()) return fault(error::kWrongArguments);
+    switch (member) {
+    case kNumber: return Value::longInteger(state.number);
+    case kDescription: return Value::string(state.description);
+    case kSource: return Value::string(state.source);
+    case kHelpFile: return Value::string(state.helpFile);
+    default: return Value::longInteger(state.helpContext);
+    }
+}
+
+// Raise number [, source [, description [, helpFile [, helpContext]]]]
+Result<Value> ErrObject::raise(Arguments arguments)
+{
+    if (arguments.empty() || arguments.size() > 5) return fault(error::kWrongArguments);
+    const Locale& locale = m_engine->locale();
+    const int number = TRY_RESULT(toLong(arguments[0], locale));
+    if (number == 0) return fault(error::kInvalidCall);
+    auto raised = fault(number);
+    Fault& details = *raised.value();
+    const auto given = [&](std::size_t index) {
+        return index < arguments.size() && !arguments[index].isMissing();
+    };
+    if (given(1)) details.source = TRY_RESULT(toText(arguments[1], locale));
+    if (given(2)) details.description = TRY_RESULT(toText(arguments[2], locale));
+    if (given(3)) details.helpFile = TRY_RESULT(toText(arguments[3], locale));
+    if (given(4)) details.helpContext = TRY_RESULT(toLong(arguments[4], locale));
+    return raised;
+}
+
+} // namespace script::vbscript

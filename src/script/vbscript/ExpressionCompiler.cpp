@@ -1,0 +1,153 @@
+#include "script/vbscript/Errors.h"
+#include "script/vbscript/FunctionCompiler.h"
+#include "script/vbscript/Operators.h"
+
+namespace script::vbscript
+{
+
+using Kind = Expression::Kind;
+
+std::uint8_t FunctionCompiler::literals(const Expression* left, const Expression* right)
+{
+    const auto isLiteral = [](const Expression* expression) {
+        // A sign in front does not make a number less of a literal.
+        while (expression->kind == Kind::Unary && expression->operation != Operator::Not)
+            expression = expression->left;
+        return expression->kind == Kind::Literal;
+    };
+    return static_cast<std::uint8_t>((isLiteral(left) ? kLeftLiteral : 0) |
+                                     (isLiteral(right) ? kRightLiteral : 0));
+}
+
+Result<void> FunctionCompiler::value(const Expression* expression)
+{
+    switch (expression->kind) {
+    case Kind::Literal: emit(Op::Constant, 1, constant(expression->literal)); return {};
+    case Kind::Missing: emit(Op::Constant, 1, constant(Value::missing())); return {};
+    case Kind::Name: return name(expression, false);
+    case Kind::Member: return member(expression, {}, 0);
+    case Kind::Call: return call(expression, 0);
+    case Kind::Me:
+        if (!m_function.owner) return failAt(1037, expression->position);
+        emit(Op::Me, 1);
+        return {};
+    case Kind::New: emit(Op::New, 1, expression->name); return {};
+    case Kind::Unary:
+        CHECK_RESULT(value(expression->left));
+        emit(opOf(expression->operation), 0);
+        return {};
+    case Kind::Binary: return binary(expression);
+    }
+    return {};
+}
+
+// A chain of operators nests to the left, as long as the source is; it is walked without recursion.
+Result<void> FunctionCompiler::binary(const Expression* expression)
+{
+    std::vector<const Expression*> chain;
+    const Expression* first = expression;
+    for (; first->kind == Kind::Binary; first = first->left) chain.push_back(first);
+    CHECK_RESULT(value(first));
+    for (auto link = chain.rbegin(); link != chain.rend(); ++link) {
+        CHECK_RESULT(value((*link)->right));
+        emit(opOf((*link)->operation), -1, 0, 0, literals((*link)->left, (*link)->right));
+    }
+    return {};
+}
+
+Result<void> FunctionCompiler::name(const Expression* expression, bool byReference)
+{
+    const Place found = place(expression->name);
+    switch (found.kind) {
+    case Place::Kind::Local: emit(byReference ? Op::LocalRef : Op::Local, 1, found.index); return {};
+    case Place::Kind::Constant: emit(Op::Constant, 1, found.index); return {};
+    case Place::Kind::Global: emit(byReference ? Op::GlobalRef : Op::Global, 1, found.index); return {};
+    case Place::Kind::Implicit: emit(byReference ? Op::ImplicitRef : Op::Implicit, 1, found.index); return {};
+    case Place::Kind::Field: emit(byReference ? Op::FieldRef : Op::Field, 1, found.index); return {};
+    case Place::Kind::Own: break;
+    }
+    Function* own = found.member->get ? found.member->get : found.member->call;
+    if (!own) return failAt(error::kSyntax, expression->position);
+    emit(Op::CallOwn, 1, callee(own));
+    return {};
+}
+
+Result<void> FunctionCompiler::arguments(const std::vector<Expression*>& list, bool calleeIsVariable)
+{
+    if (!list.empty()) CHECK_RESULT(checkCount(list.size(), list.front()->position));
+    for (const Expression* one : list) CHECK_RESULT(argument(one, calleeIsVariable));
+    return {};
+}
+
+// Variables are handed over by reference, also those that stand in an array; everything else by value.
+Result<void> FunctionCompiler::argument(const Expression* expression, bool calleeIsVariable)
+{
+    if (expression->parenthesised || calleeIsVariable) return value(expression);
+    if (expression->kind == Kind::Name) return name(expression, true);
+    if (expression->kind == Kind::Call) return call(expression, kWantReference);
+    return value(expression);
+}
+
+Result<void> FunctionCompiler::call(const Expression* expression, std::uint8_t flags)
+{
+    const Expression* target = expression->left;
+    const auto& list = expression->arguments;
+    const auto effect = 1 - static_cast<int>(list.size());
+    if (target->kind == Kind::Member) return member(target, list, flags);
+    if (target->kind != Kind::Name || target->parenthesised) {
+        CHECK_RESULT(value(target));
+        CHECK_RESULT(arguments(list, false));
+        emit(Op::CallValue, effect - 1, 0, list.size(), flags);
+        return {};
+    }
+    Place found = place(target->name);
+    const bool recursion = isReturnName(target->name) && found.kind == Place::Kind::Local;
+    if (recursion) {
+        // name(...) inside the function of that name calls it again; inside a class, as its own member.
+        found = m_function.owner ? Place{Place::Kind::Own, 0, nullptr, false} : global(target->name, false);
+    }
+    Function* own = nullptr;
+    if (found.kind == Place::Kind::Own) {
+        own = recursion ? &m_function : found.member->call ? found.member->call : found.member->get;
+        if (!own) return failAt(error::kSyntax, target->position);
+        // A property without parameters that answers an array or a collection: the arguments index that.
+        if (own->kind == Procedure::Kind::PropertyGet && own->byReference.empty() && !list.empty()) {
+            emit(Op::CallOwn, 1, callee(own));
+            CHECK_RESULT(arguments(list, false));
+            emit(Op::CallValue, effect - 1, 0, list.size(), flags);
+            return {};
+        }
+    }
+    CHECK_RESULT(arguments(list, found.kind == Place::Kind::Local || found.kind == Place::Kind::Field));
+    switch (found.kind) {
+    case Place::Kind::Local: emit(Op::CallLocal, effect, found.index, list.size(), flags); return {};
+    case Place::Kind::Global: emit(Op::CallGlobal, effect, found.index, list.size(), flags); return {};
+    case Place::Kind::Implicit: emit(Op::CallImplicit, effect, found.index, list.size(), flags); return {};
+    case Place::Kind::Field: emit(Op::CallField, effect, found.index, list.size(), flags); return {};
+    case Place::Kind::Constant: return failAt(error::kSyntax, target->position);
+    case Place::Kind::Own: break;
+    }
+    emit(Op::CallOwn, effect, callee(own), list.size(), flags);
+    return {};
+}
+
+// The object in front of a dot, or that of the With around.
+Result<void> FunctionCompiler::object(const Expression* expression)
+{
+    if (expression->left) return value(expression->left);
+    if (m_withSlots.empty()) return failAt(error::kSyntax, expression->position);
+    emit(Op::Local, 1, m_withSlots.back());
+    return {};
+}
+
+Result<void> FunctionCompiler::member(const Expression* expression, const std::vector<Expression*>& list,
+                                      std::uint8_t flags)
+{
+    CHECK_RESULT(object(expression));
+    CHECK_RESULT(arguments(list, false));
+    emit(Op::Member, -static_cast<int>(list.size()), site(expression->name, expression->left), list.size(),
+         flags);
+    return {};
+}
+
+} // namespace script::vbscript

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "script/Dispatch.h"
+
+namespace script::vbscript
+{
+
+class Engine;
+
+/// A function that the language brings along.
+struct Intrinsic {
+    enum class Kind : std::uint8_t {
+        Plain, ///< objects among the arguments are replaced by their default values
+        Raw,   ///< sees the arguments as they are
+        Eval,  ///< the others need the engine's frames
+        Execute,
+        ExecuteGlobal,
+    };
+    std::u16string_view name;
+    Result<Value> (*call)(Engine& engine, std::span<Value> arguments);
+    int fewest;
+    int most; ///< -1: any number
+    Kind kind = Kind::Plain;
+};
+
+struct IntrinsicConstant {
+    std::u16string_view name;
+    Value value;
+};
+
+std::span<const Intrinsic> stringIntrinsics();
+std::span<const Intrinsic> searchIntrinsics();
+std::span<const Intrinsic> numberIntrinsics();
+std::span<const Intrinsic> dateIntrinsics();
+std::span<const Intrinsic> formatIntrinsics();
+std::span<const Intrinsic> variantIntrinsics();
+std::vector<IntrinsicConstant> intrinsicConstants();
+
+} // namespace script::vbscript
