@@ -68,7 +68,7 @@ std::vector<SoundPlayer::Owner> SoundPlayer::ownersOf(Owner owner) const
 
 Gains SoundPlayer::gainsOf(const Playing& playing) const
 {
-    Gains gains;
+    Gains gains = toGains(playing.transform);
     for (const Owner owner : playing.owners) {
         if (const auto found = m_transforms.find(owner); found != m_transforms.end()) {
             gains = toGains(found->second) * gains;
@@ -204,6 +204,14 @@ void SoundPlayer::stopSound(stage::SoundId id)
     collectFinished();
     m_mixer.remove(id);
     m_playing.erase(id);
+}
+
+void SoundPlayer::setSoundTransform(stage::SoundId id, const stage::SoundTransform& transform)
+{
+    const auto found = m_playing.find(id);
+    if (found == m_playing.end()) return;
+    found->second.transform = transform;
+    m_mixer.setGains(id, gainsOf(found->second));
 }
 
 void SoundPlayer::stopOwner(Owner owner)

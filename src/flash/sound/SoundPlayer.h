@@ -43,6 +43,7 @@ public:
                              const swf::Sound& sound, const swf::SoundInfo& info) override;
     stage::SoundId playFile(Owner owner, const FileBytes& mp3, const swf::SoundInfo& info) override;
     void stopSound(stage::SoundId id) override;
+    void setSoundTransform(stage::SoundId id, const stage::SoundTransform& transform) override;
     void stopOwner(Owner owner) override;
     void stopSymbol(Owner owner, const MoviePtr& movie, std::uint16_t soundId) override;
     [[nodiscard]] double positionMs(stage::SoundId id) override;
@@ -60,6 +61,7 @@ private:
         std::vector<Owner> owners; // innermost first; addresses to compare, never to follow
         const swf::Movie* movie = nullptr;
         std::uint16_t soundId = 0;
+        stage::SoundTransform transform;    // of this sound alone
         const EventSource* event = nullptr; // owned by the mixer; events and scripts only
         const swf::Timeline* timeline = nullptr;
         std::size_t firstFrame = 0, lastFrame = 0; // streams only

@@ -70,6 +70,8 @@ public:
         return 0;
     }
     virtual void stopSound(SoundId) {}
+    /// A transform for this one sound, below its owner's.
+    virtual void setSoundTransform(SoundId, const SoundTransform&) {}
     /// Stops every sound of the owner and of what lies below it, streams included; null stops everything.
     virtual void stopOwner(SoundOwner) {}
     /// Stops every sound made from a symbol of the dictionary that was started for the owner.

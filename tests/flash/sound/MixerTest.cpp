@@ -116,6 +116,8 @@ TEST(SoundPlayer, AppliesTransformsOfTheOwnerAndAllAboveIt)
     EXPECT_EQ(frameAfter(player, 10), (StereoFrame{0, 6144}));
     EXPECT_NEAR(player.positionMs(id), 40 / 44.1, 0.01);
     EXPECT_EQ(player.transform(&parent).volume, 50);
+    player.setSoundTransform(id, {.volume = 50});
+    EXPECT_EQ(frameAfter(player, 10), (StereoFrame{0, 3072}));
     player.stopOwner(&parent);
     EXPECT_TRUE(player.mixer().isSilent());
     EXPECT_TRUE(player.takeFinished().empty()) << "stopped is not finished";

@@ -2,6 +2,8 @@
 #include "flash/avm1/bindings/Classes.h"
 
 #include <cmath>
+#include <limits>
+#include <optional>
 
 namespace flash::avm1
 {
@@ -14,24 +16,36 @@ class SoundObject final : public Native
 {
 public:
     static constexpr char kTag = 0;
+    explicit SoundObject(StageBinding& binding) : m_binding(binding) {}
     [[nodiscard]] const void* tag() const override { return &kTag; }
+    void trace(Tracer& tracer) override { tracer(target); }
 
-    [[nodiscard]] stage::SoundOwner owner() const
-    {
-        const stage::NodePtr node = target.lock();
-        return node && !node->isRemoved() ? node.get() : nullptr;
-    }
+    /// The clip, or the one that stands at its path now: a sound outlives what it was made for.
+    [[nodiscard]] stage::SoundOwner owner() const { return target ? m_binding.nodeOf(target) : nullptr; }
     /// The target is gone: nothing can be heard or set any more.
     [[nodiscard]] bool isOrphan() const { return hasTarget && !owner(); }
 
-    std::weak_ptr<stage::Node> target;
+    Object* target = nullptr;
     bool hasTarget = false;
     stage::MoviePtr movie; ///< of the attached symbol
     std::uint16_t symbol = 0;
     const swf::Sound* sound = nullptr; ///< belongs to `movie`
     std::shared_ptr<const std::vector<std::uint8_t>> file;
     stage::SoundId playing = 0;
+    /// A loaded sound has a volume and a transform of its own, apart from its target's.
+    std::optional<stage::SoundTransform> own;
+
+private:
+    StageBinding& m_binding;
 };
+
+/// As the genuine player turns numbers into integers here: what does not fit becomes the lowest one.
+double saturatedInteger(double number)
+{
+    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+    const double whole = std::trunc(number);
+    return whole >= kLowest && whole <= -(kLowest + 1) ? whole : kLowest;
+}
 
 stage::SoundSystem& soundSystem(Call& call) { return StageBinding::of(call).services().sound; }
 
@@ -39,13 +53,18 @@ Value construct(Call& call)
 {
     Object* self = call.self.asObject();
     if (!self) return {};
-    auto& state = self->attachNew<SoundObject>();
+    StageBinding& binding = StageBinding::of(call);
+    auto& state = self->attachNew<SoundObject>(binding);
     if (call.count() > 0 && !call.arg(0).isNullish()) {
-        StageBinding& binding = StageBinding::of(call);
         Object* object = call.arg(0).asObject();
-        if (!object) object = call.vm.resolveTarget(call.vm.target(), textArg(call, 0));
+        if (!object) {
+            const std::u16string path = textArg(call, 0);
+            object = call.vm.resolveTarget(call.vm.target(), path);
+            // Within tellTarget a path still counts from the timeline that the script stands on.
+            if (!object) object = call.vm.resolveTarget(binding.root(call.vm.target()), path);
+        }
         state.hasTarget = true;
-        if (stage::Node* node = binding.nodeOf(object)) state.target = node->weak_from_this();
+        if (binding.nodeOf(object)) state.target = object;
     }
     return {};
 }
@@ -64,6 +83,7 @@ Value attachSound(Call& call)
     const swf::Character* character = id ? movie->character(*id) : nullptr;
     const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr;
     if (!sound) return {};
+    state->own.reset();
     state->movie = movie;
     state->symbol = *id;
     state->sound = sound;
@@ -85,7 +105,9 @@ Value start(Call& call)
             soundSystem(call).playSound(state->owner(), state->movie, state->symbol, *state->sound, info);
     else if (state->file)
         state->playing = soundSystem(call).playFile(state->owner(), state->file, info);
-    if (state->playing) StageBinding::of(call).watchSound(state->playing, call.self.asObject());
+    if (state->playing == 0) return {};
+    if (state->own) soundSystem(call).setSoundTransform(state->playing, *state->own);
+    StageBinding::of(call).watchSound(state->playing, call.self.asObject());
     return {};
 }
 
@@ -103,35 +125,44 @@ Value stop(Call& call)
     return {};
 }
 
+stage::SoundTransform transformOf(Call& call, const SoundObject& state)
+{
+    return state.own ? *state.own : soundSystem(call).transform(state.owner());
+}
+
 template <class Change>
 Value change(Call& call, Change apply)
 {
     auto* state = call.native<SoundObject>();
     if (!state || state->isOrphan()) return {};
-    stage::SoundTransform transform = soundSystem(call).transform(state->owner());
+    stage::SoundTransform transform = transformOf(call, *state);
     apply(transform);
-    soundSystem(call).setTransform(state->owner(), transform);
+    if (state->own) {
+        state->own = transform;
+        soundSystem(call).setSoundTransform(state->playing, transform);
+    } else {
+        soundSystem(call).setTransform(state->owner(), transform);
+    }
     return {};
 }
 
 Value setVolume(Call& call)
 {
-    const double volume = numberArg(call, 0);
-    return change(call,
-                  [&](stage::SoundTransform& t) { t.volume = std::isnan(volume) ? 0 : std::trunc(volume); });
+    const double volume = call.count() == 0 ? 0 : saturatedInteger(numberArg(call, 0));
+    return change(call, [&](stage::SoundTransform& t) { t.volume = volume; });
 }
 Value getVolume(Call& call)
 {
     auto* state = call.native<SoundObject>();
-    return state && !state->isOrphan() ? Value(soundSystem(call).transform(state->owner()).volume) : Value();
+    return state && !state->isOrphan() ? Value(transformOf(call, *state).volume) : Value();
 }
+// Not limited to -100..100: getPan() and the transform show what such numbers lead to.
 Value setPan(Call& call)
 {
-    const double pan = std::clamp(std::trunc(numberArg(call, 0)), -100.0, 100.0);
+    const double pan = call.count() == 0 ? 0 : saturatedInteger(numberArg(call, 0));
     return change(call, [&](stage::SoundTransform& t) {
-        const double p = std::isnan(pan) ? 0 : pan;
-        t.leftToLeft = p <= 0 ? 100 : 100 - p;
-        t.rightToRight = p >= 0 ? 100 : 100 + p;
+        t.leftToLeft = pan <= 0 ? 100 : 100 - pan;
+        t.rightToRight = pan >= 0 ? 100 : 100 + pan;
         t.rightToLeft = t.leftToRight = 0;
     });
 }
@@ -139,7 +170,7 @@ Value getPan(Call& call)
 {
     auto* state = call.native<SoundObject>();
     if (!state || state->isOrphan()) return {};
-    const stage::SoundTransform t = soundSystem(call).transform(state->owner());
+    const stage::SoundTransform t = transformOf(call, *state);
     return Value(t.leftToLeft == 100 ? std::abs(t.rightToRight) - 100 : 100 - std::abs(t.leftToLeft));
 }
 
@@ -154,16 +185,24 @@ constexpr Part kParts[] = {
     {"rr", &stage::SoundTransform::rightToRight},
 };
 
+/// The value of an own property; nothing when there is none. Those with a getter count as undefined: the
+/// genuine player does not call it here.
+std::optional<Value> ownValue(Vm& vm, const Object& object, std::string_view name)
+{
+    const std::uint32_t at = object.layout()->find(vm.name(name), vm.isCaseSensitive());
+    if (at == Layout::kMissing) return {};
+    const Layout::Property& property = object.layout()->properties()[at];
+    return (property.flags & kAccessor) != 0 ? Value() : object.slot(property.slot);
+}
+
 Value setTransform(Call& call)
 {
     Object* object = call.arg(0).asObject();
     if (!object) return {};
-    Vm& vm = call.vm;
     return change(call, [&](stage::SoundTransform& t) {
         for (const Part& part : kParts) {
-            Value value;
-            if (object->find(vm, vm.name(std::string_view(part.name)), value, Value(object)))
-                t.*part.member = toInt32(vm, value);
+            if (const auto value = ownValue(call.vm, *object, part.name))
+                t.*part.member = toInt32(call.vm, *value);
         }
     });
 }
@@ -171,7 +210,7 @@ Value getTransform(Call& call)
 {
     auto* state = call.native<SoundObject>();
     if (!state || state->isOrphan()) return {};
-    const stage::SoundTransform t = soundSystem(call).transform(state->owner());
+    const stage::SoundTransform t = transformOf(call, *state);
     Object* result = call.vm.newObject();
     for (const Part& part : {kParts[3], kParts[2], kParts[1], kParts[0]})
         result->define(call.vm, part.name, Value(t.*part.member));
@@ -203,6 +242,7 @@ Value loadSound(Call& call)
     stage::Clip* sender = binding.clipOf(call.vm.target());
     request.baseUrl = sender ? sender->url() : binding.stage().url();
     const bool streaming = toBoolean(call.vm, call.arg(1));
+    state->own = stage::SoundTransform{};
     auto self = std::make_shared<Root<Object>>(call.vm.heap(), call.self.asObject());
     binding.stage().fetch(
         std::move(request), [&binding, self, streaming](const base::Result<stage::LoadAnswer>& answer) {
@@ -214,7 +254,10 @@ Value loadSound(Call& call)
                 sound->file = std::make_shared<const std::vector<std::uint8_t>>(answer->bytes);
                 if (streaming) {
                     sound->playing = binding.services().sound.playFile(sound->owner(), sound->file, {});
-                    if (sound->playing) binding.watchSound(sound->playing, object);
+                    if (sound->playing != 0) {
+                        binding.services().sound.setSoundTransform(sound->playing, *sound->own);
+                        binding.watchSound(sound->playing, object);
+                    }
                 }
             }
             binding.callHandler(object, "onLoad", {Value(answer.has_value())});
@@ -235,7 +278,7 @@ constexpr MemberInfo kMembers[] = {
     {"getVolume",      0, kReadOnly,          &getVolume},
     {"setPan",         1, kReadOnly,          &setPan},
     {"setTransform",   1, kReadOnly,          &setTransform},
-    {"setVolume",      1, kReadOnly,          &setVolume},
+    {"setVolume",      0, kReadOnly,          &setVolume},
     {"stop",           0, kReadOnly,          &stop},
     {"attachSound",    1, kReadOnly,          &attachSound},
     {"start",          0, kReadOnly,          &start},
