@@ -43,10 +43,12 @@ using Words16 = std::uint16_t __attribute__((vector_size(32)));
     to = __builtin_shufflevector(from, from, 3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15);
 }
 
-[[gnu::always_inline]] inline void spreadCoverage(Words16& to, const std::uint8_t* c)
+[[gnu::always_inline]] inline void spreadCoverage(Words16& to, std::uint32_t four)
 {
-    to = Words16{c[0], c[0], c[0], c[0], c[1], c[1], c[1], c[1],
-                 c[2], c[2], c[2], c[2], c[3], c[3], c[3], c[3]};
+    Bytes16 bytes = {};
+    std::memcpy(&bytes, &four, sizeof four);
+    bytes = __builtin_shufflevector(bytes, bytes, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3);
+    to = __builtin_convertvector(bytes, Words16);
 }
 
 [[gnu::always_inline]] inline void layOver(std::uint32_t* below, const Words16& source)
@@ -94,9 +96,14 @@ void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_
     load(source, four);
     std::size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
-        if (fourCoverages(coverage + i) == 0) continue;
+        const std::uint32_t coverages = fourCoverages(coverage + i);
+        if (coverages == 0) continue;
+        if (coverages == 0xFFFFFFFF && alphaOf(color) == 255) {
+            std::memcpy(below + i, four, sizeof four);
+            continue;
+        }
         Words16 part;
-        spreadCoverage(part, coverage + i);
+        spreadCoverage(part, coverages);
         part *= source;
         div255(part);
         layOver(below + i, part);
@@ -137,12 +144,58 @@ void composePixels(std::uint32_t* below, const std::uint32_t* source, const std:
         Words16 four;
         Words16 part;
         load(four, source + i);
-        spreadCoverage(part, coverage + i);
+        spreadCoverage(part, coverages);
         part *= four;
         div255(part);
         layOver(below + i, part);
     }
     for (; i < count; ++i) below[i] = over(scale255(source[i], coverage[i]), below[i]);
+}
+
+ZORVEX_VECTORIZE
+void addSolid(std::uint16_t* sums, const std::uint8_t* coverage, std::size_t count, std::uint32_t color)
+{
+    const std::uint32_t four[kLanes] = {color, color, color, color};
+    Words16 source;
+    load(source, four);
+    std::size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        Words16 part;
+        Words16 sum;
+        spreadCoverage(part, fourCoverages(coverage + i));
+        std::memcpy(&sum, sums + 4 * i, sizeof sum);
+        sum += part * source;
+        std::memcpy(sums + 4 * i, &sum, sizeof sum);
+    }
+    for (; i < count; ++i)
+        for (unsigned c = 0; c < 4; ++c)
+            sums[4 * i + c] =
+                static_cast<std::uint16_t>(sums[4 * i + c] + (color >> 8 * c & 0xFF) * coverage[i]);
+}
+
+ZORVEX_VECTORIZE
+void addPixels(std::uint16_t* sums, const std::uint8_t* coverage, std::size_t count,
+               const std::uint32_t* source)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        for (unsigned c = 0; c < 4; ++c)
+            sums[4 * i + c] =
+                static_cast<std::uint16_t>(sums[4 * i + c] + (source[i] >> 8 * c & 0xFF) * coverage[i]);
+}
+
+ZORVEX_VECTORIZE
+void takeSums(std::uint32_t* to, const std::uint16_t* sums, std::size_t count)
+{
+    std::size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        Words16 sum;
+        std::memcpy(&sum, sums + 4 * i, sizeof sum);
+        div255(sum);
+        store(to + i, sum);
+    }
+    for (; i < count; ++i)
+        to[i] = packPixel(flash::render::div255(sums[4 * i + 3]), flash::render::div255(sums[4 * i + 2]),
+                          flash::render::div255(sums[4 * i + 1]), flash::render::div255(sums[4 * i]));
 }
 
 ZORVEX_VECTORIZE

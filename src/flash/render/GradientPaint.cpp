@@ -24,31 +24,30 @@ double fromLinear(double value)
     return 255 * (value <= 0.0031308 ? value * 12.92 : 1.055 * std::pow(value, 1 / 2.4) - 0.055);
 }
 
-std::uint8_t mix(std::uint8_t from, std::uint8_t to, double t, swf::Gradient::Interpolation interpolation)
+// Channel `part` of `whole` on the way.
+std::uint8_t mixPlain(std::uint8_t from, std::uint8_t to, int part, int whole)
 {
-    if (interpolation == swf::Gradient::Interpolation::Linear)
-        return static_cast<std::uint8_t>(
-            std::lround(fromLinear(toLinear(from) + (toLinear(to) - toLinear(from)) * t)));
-    return static_cast<std::uint8_t>(std::lround(from + (to - from) * t));
+    return static_cast<std::uint8_t>((from * (whole - part) + to * part + whole / 2) / whole);
 }
 
-swf::Rgba colorAt(const swf::Gradient& gradient, int ratio)
+std::uint8_t mixLinear(std::uint8_t from, std::uint8_t to, int part, int whole)
 {
-    const swf::Gradient::Stop* before = nullptr;
-    for (const swf::Gradient::Stop& stop : gradient.stops) {
-        if (stop.ratio >= ratio) {
-            if (before == nullptr || stop.ratio == ratio) return stop.color;
-            const double t = static_cast<double>(ratio - before->ratio) / (stop.ratio - before->ratio);
-            const auto channel = [&](std::uint8_t from, std::uint8_t to) {
-                return mix(from, to, t, gradient.interpolation);
-            };
-            return {channel(before->color.r, stop.color.r), channel(before->color.g, stop.color.g),
-                    channel(before->color.b, stop.color.b),
-                    mix(before->color.a, stop.color.a, t, swf::Gradient::Interpolation::Normal)};
-        }
-        before = &stop;
-    }
-    return before == nullptr ? swf::Rgba{0, 0, 0, 0} : before->color;
+    const double t = static_cast<double>(part) / whole;
+    return static_cast<std::uint8_t>(
+        std::lround(fromLinear(toLinear(from) + (toLinear(to) - toLinear(from)) * t)));
+}
+
+// Fills the entries after `from` up to `to`.
+template <std::uint8_t (*Mix)(std::uint8_t, std::uint8_t, int, int)>
+void fillBetween(std::array<swf::Rgba, kRampSize>& colors, const swf::Gradient::Stop& from,
+                 const swf::Gradient::Stop& to)
+{
+    const int whole = to.ratio - from.ratio;
+    const swf::Rgba a = from.color, b = to.color;
+    for (int part = 1; part <= whole; ++part)
+        colors[static_cast<std::size_t>(from.ratio + part)] = {
+            Mix(a.r, b.r, part, whole), Mix(a.g, b.g, part, whole), Mix(a.b, b.b, part, whole),
+            mixPlain(a.a, b.a, part, whole)};
 }
 
 // Position along the ramp, in entries, to its colour. Positions are whole and bounded by the callers.
@@ -183,9 +182,25 @@ private:
 
 GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& color)
 {
-    GradientRamp ramp;
-    for (int i = 0; i < kRampSize; ++i)
-        ramp[static_cast<std::size_t>(i)] = premultiply(apply(color, colorAt(gradient, i)));
+    GradientRamp ramp{};
+    if (gradient.stops.empty()) return ramp;
+    std::array<swf::Rgba, kRampSize> colors;
+    // Before the first stop and after the last one the colour stays as it is. A stop that lies before its
+    // predecessor, which only damaged files have, counts as lying on it.
+    swf::Gradient::Stop previous = gradient.stops.front();
+    std::fill_n(colors.begin(), previous.ratio + 1, previous.color);
+    for (swf::Gradient::Stop stop : gradient.stops) {
+        stop.ratio = std::max(stop.ratio, previous.ratio);
+        if (gradient.interpolation == swf::Gradient::Interpolation::Linear)
+            fillBetween<mixLinear>(colors, previous, stop);
+        else
+            fillBetween<mixPlain>(colors, previous, stop);
+        previous = stop;
+    }
+    std::fill(colors.begin() + previous.ratio, colors.end(), previous.color);
+    const bool plain = color.isIdentity();
+    std::ranges::transform(colors, ramp.begin(),
+                           [&](swf::Rgba c) { return premultiply(plain ? c : apply(color, c)); });
     return ramp;
 }
 

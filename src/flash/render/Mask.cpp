@@ -70,17 +70,38 @@ void MaskSink::row(int y, std::span<const StyleSpan> spans)
 {
     for (std::size_t i = 0; i < spans.size();) {
         const StyleSpan& first = spans[i];
-        std::uint32_t sum = 0;
-        for (; i < spans.size() && spans[i].x == first.x; ++i) sum += spans[i].coverage;
-        const std::uint32_t coverage = std::min(sum, 255U);
-        std::uint8_t* to = m_mask.at(first.x, y);
-        if (coverage == 255) {
-            std::fill_n(to, first.count, std::uint8_t{255});
-            continue;
-        }
-        for (int k = 0; k < first.count; ++k)
-            to[k] = static_cast<std::uint8_t>(to[k] + coverage - div255(to[k] * coverage));
+        std::size_t end = i + 1;
+        while (end < spans.size() && spans[end].x == first.x) ++end;
+        add(m_mask.at(first.x, y), spans.subspan(i, end - i));
+        i = end;
     }
+}
+
+// What several styles have of the same pixels adds up.
+void MaskSink::add(std::uint8_t* to, std::span<const StyleSpan> parts)
+{
+    const auto count = static_cast<std::size_t>(parts[0].count);
+    if (parts[0].coverages != nullptr) {
+        if (parts.size() == 1) {
+            uniteCoverage(to, parts[0].coverages, count);
+            return;
+        }
+        m_sums.assign(count, 0);
+        for (const StyleSpan& part : parts)
+            for (std::size_t i = 0; i < count; ++i)
+                m_sums[i] = static_cast<std::uint8_t>(m_sums[i] + part.coverages[i]);
+        uniteCoverage(to, m_sums.data(), count);
+        return;
+    }
+    std::uint32_t sum = 0;
+    for (const StyleSpan& part : parts) sum += part.coverage;
+    const std::uint32_t coverage = toByte(sum);
+    if (coverage == 255) {
+        std::fill_n(to, count, std::uint8_t{255});
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = static_cast<std::uint8_t>(to[i] + coverage - div255(to[i] * coverage));
 }
 
 } // namespace flash::render

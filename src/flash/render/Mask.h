@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flash/render/ScanConverter.h"
+#include "flash/render/Spans.h"
 #include "flash/render/Surface.h"
 
 #include <cstdint>
@@ -38,14 +38,16 @@ void simplifyMask(Mask& mask);
 
 /// Adds all that is swept to a mask, whatever its style. Coverage within one sweep adds up; between sweeps it
 /// unites.
-class MaskSink final : public ScanConverter::Sink
+class MaskSink final : public SpanSink
 {
 public:
     explicit MaskSink(Mask& mask) : m_mask(mask) {}
     void row(int y, std::span<const StyleSpan> spans) override;
 
 private:
+    void add(std::uint8_t* to, std::span<const StyleSpan> parts);
     Mask& m_mask;
+    std::vector<std::uint8_t> m_sums;
 };
 
 } // namespace flash::render

@@ -10,7 +10,7 @@ namespace flash::render
 namespace
 {
 
-int toSubpixels(double pixels) { return static_cast<int>(std::lrint(pixels * ScanConverter::kSubpixels)); }
+int toSubpixels(double pixels) { return static_cast<int>(std::lrint(pixels * kSubpixels)); }
 
 void uniteInto(Mask& building, const Mask& part)
 {
@@ -25,9 +25,9 @@ void uniteInto(Mask& building, const Mask& part)
 // A layer so rich that its cells do not fit is converted in parts, from above.
 template <class Feed>
 void OutlineDrawer::convertPart(const Destination& to, const IntRect& area, FillRule rule, const Feed& feed,
-                                ScanConverter::Sink& sink)
+                                SpanSink& sink)
 {
-    m_converter.begin(area, to.coverage);
+    m_converter.begin(area, to.coverage, static_cast<std::uint32_t>(styles().size()));
     feed(area);
     if (m_converter.isOverfull() && area.height() > 1) {
         const int middle = area.top + area.height() / 2;
@@ -68,7 +68,7 @@ void OutlineDrawer::drawLayer(const Destination& to, const FlatLayer& layer, con
     convert(to, bounds, rule, [&](const IntRect& area) {
         const bool inside = area.contains(bounds);
         // Relative to the area, in subpixels.
-        const double f = ScanConverter::kSubpixels;
+        const double f = kSubpixels;
         const swf::Matrix fixed{
             m.a * f, m.b * f, m.c * f, m.d * f, (m.tx - area.left) * f, (m.ty - area.top) * f};
         // Numbers of fills that a damaged shape does not have stand for none.

@@ -47,7 +47,7 @@ private:
     void convert(const Destination& to, const IntRect& bounds, FillRule rule, const Feed& feed);
     template <class Feed>
     void convertPart(const Destination& to, const IntRect& area, FillRule rule, const Feed& feed,
-                     ScanConverter::Sink& sink);
+                     SpanSink& sink);
 
     ScanConverter m_converter;
     SpanPainter m_painter;

@@ -9,14 +9,9 @@ namespace flash::render
 namespace
 {
 
-constexpr int kBits = ScanConverter::kSubpixelBits;
-constexpr int kOne = ScanConverter::kSubpixels;
+constexpr int kBits = kSubpixelBits;
+constexpr int kOne = kSubpixels;
 constexpr int kMask = kOne - 1;
-constexpr std::size_t kMostCells = std::size_t{1} << 20;
-constexpr std::size_t kInsertionSortLimit = 24;
-
-// A whole pixel in the unit of Cell::area.
-constexpr std::int32_t kFullArea = 2 * kOne * kOne;
 
 // Farther out than any surface, and near enough for products of two to keep their precision.
 double bounded(double value)
@@ -26,97 +21,68 @@ double bounded(double value)
     return value < kFar ? value : kFar;
 }
 
-// The part of a pixel that is inside, 0..kFullArea.
-std::int32_t insideArea(std::int32_t area, FillRule rule)
-{
-    area = std::abs(area);
-    if (rule == FillRule::NonZero) return std::min(area, kFullArea);
-    area &= 2 * kFullArea - 1;
-    return area > kFullArea ? 2 * kFullArea - area : area;
-}
-
-std::uint32_t toCoverage(std::int32_t area) { return static_cast<std::uint32_t>(area + kOne) >> (kBits + 1); }
-
 } // namespace
 
-void ScanConverter::begin(const IntRect& clip, Coverage coverage)
+void ScanConverter::begin(const IntRect& clip, Coverage coverage, std::uint32_t styles)
 {
+    // Left over when a conversion was given up.
+    if (m_firstRow <= m_lastRow) m_sparse.drop(m_firstRow, m_lastRow);
     m_clip = clip;
     m_coverage = coverage;
-    m_overfull = false;
-    m_pair = 0;
-    m_pairs.clear();
-    m_cells.clear();
-    m_cells.emplace_back();
-    const auto rows = static_cast<std::size_t>(clip.height());
-    if (m_firstRow <= m_lastRow) {
-        // Left over when a conversion was given up.
-        const auto last = std::min(m_heads.size(), static_cast<std::size_t>(m_lastRow) + 1);
-        std::fill(m_heads.begin() + m_firstRow, m_heads.begin() + static_cast<std::ptrdiff_t>(last), 0);
-    }
-    if (m_heads.size() < rows) m_heads.resize(rows);
     m_firstRow = clip.height();
     m_lastRow = -1;
+    m_isDense = DenseCells::suits(clip.width(), clip.height(), styles);
+    if (m_isDense)
+        m_dense.begin(clip.width(), clip.height(), styles);
+    else
+        m_sparse.begin(clip.width(), clip.height());
 }
 
 void ScanConverter::setStyles(std::uint32_t left, std::uint32_t right)
 {
-    if (!m_pairs.empty() && m_pairs[m_pair].left == left && m_pairs[m_pair].right == right) return;
-    m_pair = static_cast<std::uint32_t>(m_pairs.size());
-    m_pairs.push_back({left, right});
+    if (m_isDense)
+        m_dense.setStyles(left, right);
+    else
+        m_sparse.setStyles(left, right);
 }
 
-inline void ScanConverter::addCell(int x, int y, int cover, int area)
-{
-    std::uint32_t& head = m_heads[static_cast<std::size_t>(y)];
-    Cell& first = m_cells[head];
-    if (head != 0 && first.x == x && first.pair == m_pair) {
-        first.cover += cover;
-        first.area += area;
-        return;
-    }
-    if (m_cells.size() >= kMostCells) {
-        m_overfull = true;
-        return;
-    }
-    const auto index = static_cast<std::uint32_t>(m_cells.size());
-    m_cells.push_back({x, m_pair, cover, area, head});
-    head = index;
-}
-
-// The part of a line within row y: from (x0, fy0) to (x1, fy1), x in 1/256 pixel, fy within the row.
-inline void ScanConverter::rowPiece(int y, int x0, int fy0, int x1, int fy1)
+// The part of a line within row y: from (x0, fy0) to (x1, fy1), x in 1/256 pixel, fy within the row, fy0 <
+// fy1.
+// @param sign  1 when the line goes down, -1 when it was turned around to do so
+// @param slope of the line, its height by its width, both positive
+template <class Cells>
+inline void ScanConverter::rowPiece(Cells& cells, int y, int x0, int fy0, int x1, int fy1, int sign,
+                                    float slope)
 {
     const int height = fy1 - fy0;
-    if (height == 0) return;
     int column = x0 >> kBits;
     const int lastColumn = x1 >> kBits;
+    auto row = cells.row(y, std::min(column, lastColumn), std::max(column, lastColumn));
     if (column == lastColumn) {
-        addCell(column, y, height, ((x0 & kMask) + (x1 & kMask)) * height);
+        row.add(column, sign * height, ((x0 & kMask) + (x1 & kMask)) * sign * height);
         return;
     }
     // Heights at the borders of the columns follow from the slope; what rounding leaves goes to the last one.
     const int step = x1 > x0 ? 1 : -1;
-    const float slope = static_cast<float>(height) / static_cast<float>(std::abs(x1 - x0));
     const int leaveAt = step > 0 ? kOne : 0;
-    const int enterAt = kOne - leaveAt;
     int done = 0;
     int enteredAt = x0 & kMask;
     auto travelled = static_cast<float>(std::abs(leaveAt - enteredAt));
     while (column != lastColumn) {
-        const int reached = static_cast<int>(travelled * slope);
-        const int part = reached - done;
-        addCell(column, y, part, (enteredAt + leaveAt) * part);
+        const int reached = std::min(static_cast<int>(travelled * slope), height);
+        const int part = sign * (reached - done);
+        row.add(column, part, (enteredAt + leaveAt) * part);
         done = reached;
-        enteredAt = enterAt;
+        enteredAt = kOne - leaveAt;
         travelled += kOne;
         column += step;
     }
-    const int part = height - done;
-    addCell(column, y, part, (enteredAt + (x1 & kMask)) * part);
+    const int part = sign * (height - done);
+    row.add(column, part, (enteredAt + (x1 & kMask)) * part);
 }
 
-void ScanConverter::lineSampled(int x0, int y0, int x1, int y1)
+template <class Cells>
+void ScanConverter::lineSampled(Cells& cells, int x0, int y0, int x1, int y1)
 {
     int cover = kOne;
     if (y0 > y1) {
@@ -136,56 +102,62 @@ void ScanConverter::lineSampled(int x0, int y0, int x1, int y1)
     for (int row = firstRow; row <= lastRow; ++row, x += slope * kOne) {
         // The first pixel whose centre is not left of the line.
         const int column = (static_cast<int>(std::ceil(x)) + kOne / 2 - 1) >> kBits;
-        if (column < columns) addCell(std::max(column, 0), row, cover, 0);
+        if (column >= columns) continue;
+        const int visible = std::max(column, 0);
+        cells.row(row, visible, visible).add(visible, cover, 0);
     }
+}
+
+template <class Cells>
+void ScanConverter::lineExact(Cells& cells, int x0, int y0, int x1, int y1)
+{
+    int sign = 1;
+    if (y0 > y1) {
+        std::swap(x0, x1);
+        std::swap(y0, y1);
+        sign = -1;
+    }
+    int row = y0 >> kBits;
+    const int lastRow = (y1 - 1) >> kBits; // a line that ends on the border of a row has no part of it
+    m_firstRow = std::min(m_firstRow, row);
+    m_lastRow = std::max(m_lastRow, lastRow);
+    int fy = y0 & kMask;
+    const int fyLast = y1 - (lastRow << kBits);
+    if (x0 == x1) {
+        const int column = x0 >> kBits;
+        const int twice = 2 * sign * (x0 & kMask);
+        for (; row <= lastRow; ++row, fy = 0) {
+            const int height = (row == lastRow ? fyLast : kOne) - fy;
+            cells.row(row, column, column).add(column, sign * height, twice * height);
+        }
+        return;
+    }
+    // Single precision holds offsets within any clip to a fraction of a subpixel.
+    const auto width = static_cast<float>(x1 - x0), height = static_cast<float>(y1 - y0);
+    const float across = width / height, down = std::abs(height / width);
+    int x = x0;
+    for (; row < lastRow; ++row, fy = 0) {
+        const int xNext = x0 + static_cast<int>(across * static_cast<float>(((row + 1) << kBits) - y0));
+        rowPiece(cells, row, x, fy, xNext, kOne, sign, down);
+        x = xNext;
+    }
+    rowPiece(cells, row, x, fy, x1, fyLast, sign, down);
 }
 
 void ScanConverter::lineInside(int x0, int y0, int x1, int y1)
 {
     if (y0 == y1) return;
     if (m_coverage == Coverage::Sampled) {
-        lineSampled(x0, y0, x1, y1);
+        if (m_isDense)
+            lineSampled(m_dense, x0, y0, x1, y1);
+        else
+            lineSampled(m_sparse, x0, y0, x1, y1);
         return;
     }
-    int row = y0 >> kBits;
-    const int lastRow = y1 >> kBits;
-    if (row == lastRow) {
-        m_firstRow = std::min(m_firstRow, row);
-        m_lastRow = std::max(m_lastRow, row);
-        rowPiece(row, x0, y0 & kMask, x1, y1 & kMask);
-        return;
-    }
-    const int fy0 = y0 & kMask, fy1 = y1 & kMask;
-    const int step = y1 > y0 ? 1 : -1;
-    const int leaveAt = step > 0 ? kOne : 0;
-    const int enterAt = kOne - leaveAt;
-    // A line that ends exactly on the upper border of a row has no part of it.
-    m_firstRow = std::min(m_firstRow, std::min(row, lastRow));
-    m_lastRow = std::max(m_lastRow, ((y1 > y0 ? y1 : y0) - 1) >> kBits);
-    if (x0 == x1) {
-        const int column = x0 >> kBits;
-        const int twice = 2 * (x0 & kMask);
-        if (leaveAt != fy0) addCell(column, row, leaveAt - fy0, twice * (leaveAt - fy0));
-        const int whole = leaveAt - enterAt;
-        for (row += step; row != lastRow; row += step) addCell(column, row, whole, twice * whole);
-        if (fy1 != enterAt) addCell(column, row, fy1 - enterAt, twice * (fy1 - enterAt));
-        return;
-    }
-    // x at the borders of the rows, in 32.32 fixed point: exact enough for any line within a clip.
-    constexpr double kFraction = 4294967296.0;
-    const double slope = static_cast<double>(x1 - x0) / std::abs(y1 - y0);
-    const auto slopeOfRow = static_cast<std::int64_t>(slope * kOne * kFraction);
-    std::int64_t x = (static_cast<std::int64_t>(x0) << 32) +
-                     static_cast<std::int64_t>(slope * std::abs(leaveAt - fy0) * kFraction);
-    int xRow = static_cast<int>(x >> 32);
-    rowPiece(row, x0, fy0, xRow, leaveAt);
-    for (row += step; row != lastRow; row += step) {
-        x += slopeOfRow;
-        const int xNext = static_cast<int>(x >> 32);
-        rowPiece(row, xRow, enterAt, xNext, leaveAt);
-        xRow = xNext;
-    }
-    rowPiece(row, xRow, enterAt, x1, fy1);
+    if (m_isDense)
+        lineExact(m_dense, x0, y0, x1, y1);
+    else
+        lineExact(m_sparse, x0, y0, x1, y1);
 }
 
 void ScanConverter::line(double x0, double y0, double x1, double y1)
@@ -249,87 +221,21 @@ void ScanConverter::clippedLine(double x0, double y0, double x1, double y1)
     if (x1 < 0) lineInside(0, fixed(by), 0, fixed(y1));
 }
 
-// Copies the row's cells and sorts them by x. They come nearly sorted in either direction, and few.
-void ScanConverter::gatherRow(std::uint32_t head)
+template <class Cells>
+void ScanConverter::sweepRows(Cells& cells, FillRule rule, SpanSink& sink)
 {
-    m_row.clear();
-    for (std::uint32_t i = head; i != 0; i = m_cells[i].next) m_row.push_back(m_cells[i]);
-    if (m_row.size() > kInsertionSortLimit) {
-        std::ranges::sort(m_row, {}, &Cell::x);
-        return;
-    }
-    for (std::size_t i = 1; i < m_row.size(); ++i) {
-        const Cell cell = m_row[i];
-        std::size_t j = i;
-        for (; j > 0 && m_row[j - 1].x > cell.x; --j) m_row[j] = m_row[j - 1];
-        m_row[j] = cell;
-    }
-}
-
-inline void ScanConverter::activate(std::uint32_t style, std::int32_t cover, std::int32_t area)
-{
-    if (style == 0) return;
-    std::size_t i = 0;
-    for (; i < m_active.size() && m_active[i].style >= style; ++i) {
-        if (m_active[i].style != style) continue;
-        m_active[i].cover += cover;
-        m_active[i].area += area;
-        return;
-    }
-    m_active.insert(m_active.begin() + static_cast<std::ptrdiff_t>(i), {style, cover, area});
-}
-
-// `count` pixels with what the active styles have at the moment.
-inline void ScanConverter::emit(int x, int count, FillRule rule)
-{
-    // Rounding the running sum, not each part, keeps a full pixel at exactly 256.
-    std::int32_t sum = 0;
-    std::uint32_t given = 0;
-    for (const Active& active : m_active) {
-        const std::int32_t part = insideArea(active.cover * (2 * kOne) - active.area, rule);
-        sum = std::min(sum + part, kFullArea);
-        const std::uint32_t total = toCoverage(sum);
-        if (total != given) m_spans.push_back({m_clip.left + x, count, active.style, total - given});
-        given = total;
-    }
-}
-
-void ScanConverter::sweepRow(FillRule rule)
-{
-    const int width = m_clip.width();
-    m_active.clear();
-    m_spans.clear();
-    for (std::size_t i = 0; i < m_row.size();) {
-        const int x = m_row[i].x;
-        if (x >= width) break;
-        for (; i < m_row.size() && m_row[i].x == x; ++i) {
-            const Cell& cell = m_row[i];
-            const StylePair& pair = m_pairs[cell.pair];
-            activate(pair.right, cell.cover, cell.area);
-            activate(pair.left, -cell.cover, -cell.area);
-        }
-        emit(x, 1, rule);
-        std::erase_if(m_active, [](Active& active) {
-            active.area = 0;
-            return active.cover == 0;
-        });
-        const int next = i < m_row.size() ? std::min(m_row[i].x, width) : width;
-        if (!m_active.empty() && next > x + 1) emit(x + 1, next - x - 1, rule);
-    }
-}
-
-void ScanConverter::sweep(FillRule rule, Sink& sink)
-{
-    for (int row = m_firstRow; row <= m_lastRow; ++row) {
-        std::uint32_t& head = m_heads[static_cast<std::size_t>(row)];
-        if (head == 0) continue;
-        gatherRow(head);
-        head = 0;
-        sweepRow(rule);
-        if (!m_spans.empty()) sink.row(m_clip.top + row, m_spans);
-    }
+    for (int row = m_firstRow; row <= m_lastRow; ++row)
+        cells.sweepRow(row, m_clip.left, m_clip.top + row, rule, sink);
     m_firstRow = m_clip.height();
     m_lastRow = -1;
+}
+
+void ScanConverter::sweep(FillRule rule, SpanSink& sink)
+{
+    if (m_isDense)
+        sweepRows(m_dense, rule, sink);
+    else
+        sweepRows(m_sparse, rule, sink);
 }
 
 } // namespace flash::render

@@ -23,11 +23,6 @@ constexpr std::uint32_t gather(std::uint64_t sum)
     return static_cast<std::uint32_t>(high) | static_cast<std::uint32_t>(high >> 24);
 }
 
-constexpr std::uint8_t toByte(std::uint32_t coverage)
-{
-    return static_cast<std::uint8_t>(coverage - (coverage >> 8));
-}
-
 } // namespace
 
 void SpanPainter::setTarget(const Target& target, const Mask* mask)
@@ -39,6 +34,7 @@ void SpanPainter::setTarget(const Target& target, const Mask* mask)
         m_coverage.resize(width);
         m_fetched.resize(width);
         m_mixed.resize(width);
+        m_sums.resize(4 * width);
     }
 }
 
@@ -65,6 +61,10 @@ void SpanPainter::single(const StyleSpan& span)
         return;
     }
     std::uint32_t* to = m_target.at(span.x, m_y);
+    if (span.coverages != nullptr) {
+        composeSolid(to, span.coverages, static_cast<std::size_t>(span.count), style.color);
+        return;
+    }
     const std::uint32_t color = scale256(style.color, span.coverage);
     if (span.count == 1)
         *to = over(color, *to);
@@ -79,7 +79,11 @@ void SpanPainter::extendRun(const StyleSpan& span)
         m_runStyle = span.style;
         m_runStart = m_runEnd = span.x;
     }
-    std::fill_n(m_coverage.data() + (m_runEnd - m_runStart), span.count, toByte(span.coverage));
+    std::uint8_t* to = m_coverage.data() + (m_runEnd - m_runStart);
+    if (span.coverages != nullptr)
+        std::copy_n(span.coverages, span.count, to);
+    else
+        std::fill_n(to, span.count, toByte(span.coverage));
     m_runEnd += span.count;
 }
 
@@ -109,6 +113,29 @@ void SpanPainter::applyMask(int x, std::size_t count)
 void SpanPainter::shared(std::span<const StyleSpan> parts)
 {
     flushRun();
+    if (parts[0].coverages == nullptr) {
+        evenlyShared(parts);
+        return;
+    }
+    const auto count = static_cast<std::size_t>(parts[0].count);
+    const int x = parts[0].x;
+    std::fill_n(m_sums.data(), 4 * count, std::uint16_t{0});
+    for (const StyleSpan& part : parts) {
+        const StylePaint& style = m_styles[part.style - 1];
+        if (style.paint == nullptr) {
+            addSolid(m_sums.data(), part.coverages, count, style.color);
+            continue;
+        }
+        style.paint->fetch(x, m_y, count, m_fetched.data());
+        addPixels(m_sums.data(), part.coverages, count, m_fetched.data());
+    }
+    takeSums(m_mixed.data(), m_sums.data(), count);
+    layMixed(x, count);
+}
+
+// Where all pixels are shared in the same way, as along an upright border.
+void SpanPainter::evenlyShared(std::span<const StyleSpan> parts)
+{
     const auto count = static_cast<std::size_t>(parts[0].count);
     const int x = parts[0].x;
     std::uint64_t solid = 0;
@@ -120,9 +147,13 @@ void SpanPainter::shared(std::span<const StyleSpan> parts)
         else
             solid += spread(style.color) * part.coverage;
     }
-    std::uint32_t* to = m_target.at(x, m_y);
     if (allSolid && m_mask == nullptr) {
-        composeSolid(to, count, gather(solid));
+        std::uint32_t* to = m_target.at(x, m_y);
+        const std::uint32_t color = gather(solid);
+        if (count == 1)
+            *to = over(color, *to);
+        else
+            composeSolid(to, count, color);
         return;
     }
     for (std::size_t i = 0; i < count; ++i) {
@@ -136,6 +167,12 @@ void SpanPainter::shared(std::span<const StyleSpan> parts)
         }
         m_mixed[i] = gather(sum);
     }
+    layMixed(x, count);
+}
+
+void SpanPainter::layMixed(int x, std::size_t count)
+{
+    std::uint32_t* to = m_target.at(x, m_y);
     if (m_mask == nullptr) {
         composePixels(to, m_mixed.data(), count);
         return;

@@ -2,7 +2,7 @@
 
 #include "flash/render/Mask.h"
 #include "flash/render/Paint.h"
-#include "flash/render/ScanConverter.h"
+#include "flash/render/Spans.h"
 #include "flash/render/Surface.h"
 
 #include <cstdint>
@@ -27,7 +27,7 @@ struct StylePaint {
 };
 
 /// Paints what is swept. Styles are numbered from 1.
-class SpanPainter final : public ScanConverter::Sink
+class SpanPainter final : public SpanSink
 {
 public:
     /// @param mask null for none; must contain all that is swept
@@ -39,6 +39,8 @@ public:
 private:
     void single(const StyleSpan& span);
     void shared(std::span<const StyleSpan> parts);
+    void evenlyShared(std::span<const StyleSpan> parts);
+    void layMixed(int x, std::size_t count);
     void extendRun(const StyleSpan& span);
     void flushRun();
     void applyMask(int x, std::size_t count);
@@ -53,6 +55,7 @@ private:
     std::vector<std::uint8_t> m_coverage; ///< of the run, index 0 is m_runStart
     std::vector<std::uint32_t> m_fetched;
     std::vector<std::uint32_t> m_mixed;
+    std::vector<std::uint16_t> m_sums; ///< four channels to the pixel
 };
 
 } // namespace flash::render

@@ -18,7 +18,7 @@ struct Line {
 };
 
 /// Coverage of each style, pixel by pixel.
-class Recorder final : public ScanConverter::Sink
+class Recorder final : public SpanSink
 {
 public:
     Recorder(const IntRect& area, std::uint32_t styles) : m_area(area), m_planes(styles + 1)
@@ -31,7 +31,12 @@ public:
         for (const StyleSpan& span : spans) {
             ASSERT_GE(span.x, m_area.left);
             ASSERT_LE(span.x + span.count, m_area.right);
-            for (int i = 0; i < span.count; ++i) m_planes[span.style][index(span.x + i, y)] += span.coverage;
+            for (int i = 0; i < span.count; ++i) {
+                const std::uint32_t byte = span.coverages == nullptr ? 0 : span.coverages[i];
+                m_planes[span.style][index(span.x + i, y)] += span.coverages == nullptr ? span.coverage
+                                                              : byte == 255             ? 256
+                                                                                        : byte;
+            }
         }
     }
     [[nodiscard]] std::uint32_t at(std::uint32_t style, int x, int y) const
@@ -42,7 +47,8 @@ public:
     {
         std::uint32_t result = 0;
         for (const auto& plane : m_planes) result += plane[index(x, y)];
-        return result;
+        // Shares of one pixel are told in 256 or in 255 parts.
+        return result == 255 ? 256 : result;
     }
 
 private:
@@ -55,19 +61,42 @@ private:
     std::vector<std::vector<std::uint32_t>> m_planes;
 };
 
-Recorder convert(const IntRect& clip, const std::vector<Line>& lines, std::uint32_t styles,
-                 FillRule rule = FillRule::EvenOdd, Coverage coverage = Coverage::Exact)
+// So many that numbers for each pixel and style are not kept.
+constexpr std::uint32_t kManyStyles = DenseCells::kMostStyles + 1;
+
+Recorder convertWith(std::uint32_t statedStyles, const IntRect& clip, const std::vector<Line>& lines,
+                     std::uint32_t styles, FillRule rule, Coverage coverage)
 {
     Recorder recorder(clip, styles);
     ScanConverter converter;
-    converter.begin(clip, coverage);
+    converter.begin(clip, coverage, statedStyles);
     for (const Line& line : lines) {
         converter.setStyles(line.left, line.right);
         converter.line(line.x0, line.y0, line.x1, line.y1);
     }
     EXPECT_FALSE(converter.isOverfull());
     converter.sweep(rule, recorder);
+    // All is forgotten afterwards.
+    Recorder empty(clip, styles);
+    converter.begin(clip, coverage, statedStyles);
+    converter.sweep(rule, empty);
+    for (int y = clip.top; y < clip.bottom; ++y)
+        for (int x = clip.left; x < clip.right; ++x) EXPECT_EQ(empty.sum(x, y), 0U);
     return recorder;
+}
+
+// Both ways of keeping cells must come to the same.
+Recorder convert(const IntRect& clip, const std::vector<Line>& lines, std::uint32_t styles,
+                 FillRule rule = FillRule::EvenOdd, Coverage coverage = Coverage::Exact)
+{
+    Recorder dense = convertWith(styles, clip, lines, styles, rule, coverage);
+    const Recorder sparse = convertWith(kManyStyles, clip, lines, styles, rule, coverage);
+    for (std::uint32_t style = 1; style <= styles; ++style)
+        for (int y = clip.top; y < clip.bottom; ++y)
+            for (int x = clip.left; x < clip.right; ++x)
+                EXPECT_NEAR(dense.at(style, x, y), sparse.at(style, x, y), 1)
+                    << style << " at " << x << "," << y;
+    return dense;
 }
 
 std::vector<Line> polygon(const std::vector<std::array<double, 2>>& corners, std::uint32_t style = 1)
@@ -221,14 +250,14 @@ TEST(ScanConverter, SaysWhenItIsOverfullAndRecovers)
 {
     ScanConverter converter;
     const IntRect clip{0, 0, 2000, 2000};
-    converter.begin(clip, Coverage::Exact);
+    converter.begin(clip, Coverage::Exact, 2000);
     for (std::uint32_t i = 0; i < 2000 && !converter.isOverfull(); ++i) {
         converter.setStyles(0, i + 1);
         converter.line(i, 0, i + 0.5, 2000);
     }
     EXPECT_TRUE(converter.isOverfull());
     Recorder recorder({0, 0, 4, 4}, 1);
-    converter.begin({0, 0, 4, 4}, Coverage::Exact);
+    converter.begin({0, 0, 4, 4}, Coverage::Exact, 2000);
     converter.setStyles(0, 1);
     converter.line(1, 0, 1, 4);
     converter.sweep(FillRule::EvenOdd, recorder);

@@ -1,0 +1,334 @@
+#include "flash/render/DenseCells.h"
+
+#include "flash/render/Vectorize.h"
+
+#include <bit>
+#include <cstring>
+#include <utility>
+
+namespace flash::render
+{
+namespace
+{
+
+// Numbers for all styles of all rows: 8 MiB of them, of which only those near outlines are ever touched.
+constexpr std::size_t kMostSums = std::size_t{2} << 20;
+// Pixels without a number of their own, up to so many between others, are cheaper converted than told apart.
+constexpr int kShortGap = 32;
+// Evenly covered pixels up to so many are told one by one with their neighbours.
+constexpr int kShortStretch = 16;
+
+using Ints4 = std::int32_t __attribute__((vector_size(16)));
+using Bytes4 = std::uint8_t __attribute__((vector_size(4)));
+
+[[gnu::always_inline]] inline void runningSum(Ints4& v)
+{
+    constexpr Ints4 kZero = {};
+    v += __builtin_shufflevector(v, kZero, 4, 0, 1, 2);
+    v += __builtin_shufflevector(v, kZero, 4, 4, 0, 1);
+}
+
+[[gnu::always_inline]] inline void toInside(Ints4& v, FillRule rule)
+{
+    const Ints4 sign = v >> 31;
+    v = (v ^ sign) - sign;
+    if (rule == FillRule::NonZero) {
+        v = v < kFullArea ? v : Ints4{kFullArea, kFullArea, kFullArea, kFullArea};
+        return;
+    }
+    v &= 2 * kFullArea - 1;
+    const Ints4 other = 2 * kFullArea - v;
+    v = v < other ? v : other;
+}
+
+// Four pixels further along a row: takes their numbers, clears them, and leaves the parts that are inside.
+[[gnu::always_inline]] inline void fourAreas(std::int32_t* sums, std::int32_t& carry, FillRule rule,
+                                             Ints4& areas)
+{
+    constexpr Ints4 kZero = {};
+    std::memcpy(&areas, sums, sizeof areas);
+    std::memcpy(sums, &kZero, sizeof kZero);
+    runningSum(areas);
+    areas += carry;
+    carry = areas[3];
+    toInside(areas, rule);
+}
+
+template <FillRule kRule>
+[[gnu::always_inline]] inline void coverageBytes(std::int32_t* sums, std::size_t count, std::int32_t& carry,
+                                                 std::uint8_t* to)
+{
+    for (std::size_t i = 0; i < count; i += 4) {
+        Ints4 areas;
+        fourAreas(sums + i, carry, kRule, areas);
+        areas = (areas + kSubpixels) >> (kSubpixelBits + 1);
+        areas -= areas >> 8;
+        const Bytes4 bytes = __builtin_convertvector(areas, Bytes4);
+        std::memcpy(to + i, &bytes, sizeof bytes);
+    }
+}
+
+ZORVEX_VECTORIZE
+void takeCoverage(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::uint8_t* to)
+{
+    if (rule == FillRule::EvenOdd)
+        coverageBytes<FillRule::EvenOdd>(sums, count, carry, to);
+    else
+        coverageBytes<FillRule::NonZero>(sums, count, carry, to);
+}
+
+// @param present is told, group by group, whether there is anything
+ZORVEX_VECTORIZE
+void takeAreas(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::int32_t* to,
+               std::uint8_t* present)
+{
+    for (std::size_t i = 0; i < count; i += 8) {
+        Ints4 areas, further;
+        fourAreas(sums + i, carry, rule, areas);
+        fourAreas(sums + i + 4, carry, rule, further);
+        std::memcpy(to + i, &areas, sizeof areas);
+        std::memcpy(to + i + 4, &further, sizeof further);
+        areas |= further;
+        present[i / 8] = (areas[0] | areas[1] | areas[2] | areas[3]) != 0 ? 1 : 0;
+    }
+}
+
+ZORVEX_VECTORIZE
+void areasToBytes(const std::int32_t* areas, std::size_t count, std::uint8_t* to)
+{
+    for (std::size_t i = 0; i < count; ++i) to[i] = toByte(toCoverage(areas[i]));
+}
+
+// What a group of pixels has left for styles below: areas so far, and how many of 255 parts they came to.
+// Rounding the running sum, not each part, keeps a full pixel at exactly 255.
+struct Given {
+    std::int32_t areas[8] = {};
+    std::int32_t parts[8] = {};
+};
+
+ZORVEX_VECTORIZE
+void giveShares(Given& given, const std::int32_t* areas, std::uint8_t* shares)
+{
+    for (int i = 0; i < 8; ++i) {
+        const std::int32_t sum = std::min(given.areas[i] + areas[i], kFullArea);
+        const std::int32_t parts = (sum * 255 + kFullArea / 2) / kFullArea;
+        shares[i] = static_cast<std::uint8_t>(parts - given.parts[i]);
+        given.areas[i] = sum;
+        given.parts[i] = parts;
+    }
+}
+
+std::size_t roundedUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
+
+} // namespace
+
+bool DenseCells::suits(int width, int height, std::uint32_t styles)
+{
+    return styles <= kMostStyles && roundedUp(static_cast<std::size_t>(width) + 2, kGroup) *
+                                            static_cast<std::size_t>(height) * styles <=
+                                        kMostSums;
+}
+
+void DenseCells::begin(int width, int height, std::uint32_t styles)
+{
+    const auto rows = static_cast<std::size_t>(height);
+    m_width = width;
+    m_styles = styles;
+    // Lines at the right border touch two pixels beyond.
+    m_styleSize = roundedUp(static_cast<std::size_t>(width) + 2, kGroup);
+    m_rowSize = m_styleSize * styles;
+    m_wordsOfRow = roundedUp(m_styleSize / kGroup, 64) / 64;
+    if (m_sums.size() < m_rowSize * rows) m_sums.resize(m_rowSize * rows);
+    if (m_bits.size() < m_wordsOfRow * rows) m_bits.resize(m_wordsOfRow * rows);
+    if (m_rowStyles.size() < rows) m_rowStyles.resize(rows);
+    if (m_coverage.size() < m_styleSize) m_coverage.resize(m_styleSize);
+    if (m_areas.size() < m_rowSize) m_areas.resize(m_rowSize);
+    if (m_shares.size() < m_rowSize) m_shares.resize(m_rowSize);
+    if (m_present.size() < m_rowSize / kGroup) m_present.resize(m_rowSize / kGroup);
+    setStyles(0, 0);
+}
+
+void DenseCells::setStyles(std::uint32_t left, std::uint32_t right)
+{
+    const auto start = [this](std::uint32_t style) {
+        return style == 0 ? kNone : static_cast<std::ptrdiff_t>((style - 1) * m_styleSize);
+    };
+    m_left = start(left);
+    m_right = start(right);
+    m_styleBits = (left == 0 ? 0 : 1U << (left - 1)) | (right == 0 ? 0 : 1U << (right - 1));
+}
+
+void DenseCells::findStretches(std::uint64_t* bits)
+{
+    m_stretches.clear();
+    int at = 0;
+    for (std::size_t word = 0; word < m_wordsOfRow; ++word) {
+        std::uint64_t rest = std::exchange(bits[word], 0);
+        while (rest != 0) {
+            const int first = std::countr_zero(rest);
+            const int count = std::countr_one(rest >> first);
+            const int begin = (static_cast<int>(word) * 64 + first) * static_cast<int>(kGroup);
+            const int end = begin + count * static_cast<int>(kGroup);
+            if (!m_stretches.empty() && begin - at <= kShortGap) {
+                m_stretches.back().end = end;
+            } else {
+                if (begin > at) m_stretches.push_back({at, begin, false});
+                m_stretches.push_back({begin, end, true});
+            }
+            at = end;
+            if (first + count == 64) break;
+            rest = rest >> (first + count) << (first + count);
+        }
+    }
+    if (at < m_width) m_stretches.push_back({at, m_width, false});
+}
+
+void DenseCells::flush()
+{
+    if (m_openStyle == 0) return;
+    const int end = std::min(m_openEnd, m_width);
+    if (end > m_openBegin)
+        m_spans.push_back(
+            {m_origin + m_openBegin, end - m_openBegin, m_openStyle, 0, m_coverage.data() + m_openBegin});
+    m_openStyle = 0;
+}
+
+// The coverage of these pixels stands in m_coverage.
+void DenseCells::addPixels(std::uint32_t style, int x, int count)
+{
+    if (m_openStyle != style || m_openEnd != x) {
+        flush();
+        m_openStyle = style;
+        m_openBegin = x;
+    }
+    m_openEnd = x + count;
+}
+
+void DenseCells::addConstant(std::uint32_t style, int x, int count, std::uint32_t coverage)
+{
+    count = std::min(count, m_width - x);
+    if (count <= 0) return;
+    if (count <= kShortStretch && m_openStyle == style && m_openEnd == x) {
+        std::memset(m_coverage.data() + x, toByte(coverage), static_cast<std::size_t>(count));
+        m_openEnd += count;
+        return;
+    }
+    flush();
+    m_spans.push_back({m_origin + x, count, style, coverage});
+}
+
+void DenseCells::sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule)
+{
+    std::int32_t carry = 0;
+    for (const Stretch& stretch : m_stretches) {
+        const int count = stretch.end - stretch.begin;
+        if (stretch.varies) {
+            takeCoverage(sums + stretch.begin, static_cast<std::size_t>(count), carry, rule,
+                         m_coverage.data() + stretch.begin);
+            addPixels(style, stretch.begin, count);
+        } else if (const std::uint32_t coverage = toCoverage(insideArea(carry, rule)); coverage != 0) {
+            addConstant(style, stretch.begin, count, coverage);
+        }
+    }
+    flush();
+}
+
+// Pixels that all have the same areas of the styles, the highest first.
+void DenseCells::emitShared(int x, int count, std::span<const std::int32_t> areas,
+                            std::span<const std::uint32_t> styles)
+{
+    // Rounding the running sum, not each part, keeps a full pixel at exactly 256.
+    const std::size_t first = m_spans.size();
+    std::int32_t sum = 0;
+    std::uint32_t given = 0;
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+        sum = std::min(sum + areas[i], kFullArea);
+        const std::uint32_t total = toCoverage(sum);
+        if (total != given) m_spans.push_back({m_origin + x, count, styles[i], total - given});
+        given = total;
+    }
+    if (m_spans.size() != first + 1) return;
+    // One style alone continues what is before it.
+    const StyleSpan alone = m_spans.back();
+    m_spans.pop_back();
+    if (m_openStyle != alone.style || m_openEnd != x) {
+        flush();
+        m_openStyle = alone.style;
+        m_openBegin = m_openEnd = x;
+    }
+    addConstant(alone.style, x, count, alone.coverage);
+}
+
+void DenseCells::sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule)
+{
+    // Highest first: it lies on top.
+    std::array<std::uint32_t, kMostStyles> numbers{};
+    std::array<std::int32_t, kMostStyles> carries{}, here{};
+    std::size_t n = 0;
+    for (std::uint32_t style = m_styles; style > 0; --style)
+        if ((styles >> (style - 1) & 1U) != 0) numbers[n++] = style;
+    for (const Stretch& stretch : m_stretches) {
+        if (!stretch.varies) {
+            for (std::size_t s = 0; s < n; ++s) here[s] = insideArea(carries[s], rule);
+            flush();
+            emitShared(stretch.begin, stretch.end - stretch.begin, {here.data(), n}, {numbers.data(), n});
+            continue;
+        }
+        const auto count = static_cast<std::size_t>(stretch.end - stretch.begin);
+        const std::size_t groups = m_styleSize / kGroup;
+        for (std::size_t s = 0; s < n; ++s)
+            takeAreas(sums + (numbers[s] - 1) * m_styleSize + stretch.begin, count, carries[s], rule,
+                      m_areas.data() + s * m_styleSize, m_present.data() + s * groups);
+        for (std::size_t group = 0; group < count / kGroup; ++group) {
+            std::size_t present = 0, last = 0;
+            for (std::size_t s = 0; s < n; ++s) {
+                if (m_present[s * groups + group] == 0) continue;
+                ++present;
+                last = s;
+            }
+            const int x = stretch.begin + static_cast<int>(group * kGroup);
+            if (present == 1) {
+                areasToBytes(m_areas.data() + last * m_styleSize + group * kGroup, kGroup,
+                             m_coverage.data() + x);
+                addPixels(numbers[last], x, kGroup);
+            } else if (present > 1) {
+                sweepShared(x, group, {numbers.data(), n});
+            }
+        }
+    }
+    flush();
+}
+
+// A group of pixels, the `group`th of the areas at hand, of which several styles have something.
+void DenseCells::sweepShared(int x, std::size_t group, std::span<const std::uint32_t> styles)
+{
+    flush();
+    const int count = std::min(static_cast<int>(kGroup), m_width - x);
+    if (count <= 0) return;
+    Given given;
+    for (std::size_t s = 0; s < styles.size(); ++s) {
+        if (m_present[s * (m_styleSize / kGroup) + group] == 0) continue;
+        std::uint8_t* shares = m_shares.data() + s * m_styleSize + x;
+        giveShares(given, m_areas.data() + s * m_styleSize + group * kGroup, shares);
+        m_spans.push_back({m_origin + x, count, styles[s], 0, shares});
+    }
+}
+
+void DenseCells::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink)
+{
+    const std::uint32_t styles = std::exchange(m_rowStyles[static_cast<std::size_t>(row)], 0);
+    if (styles == 0) return;
+    m_origin = left;
+    m_spans.clear();
+    std::int32_t* sums = m_sums.data() + static_cast<std::size_t>(row) * m_rowSize;
+    findStretches(m_bits.data() + static_cast<std::size_t>(row) * m_wordsOfRow);
+    if ((styles & (styles - 1)) == 0) {
+        const auto style = static_cast<std::uint32_t>(std::countr_zero(styles));
+        sweepOne(style + 1, sums + style * m_styleSize, rule);
+    } else {
+        sweepSeveral(styles, sums, rule);
+    }
+    if (!m_spans.empty()) sink.row(y, m_spans);
+}
+
+} // namespace flash::render

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "flash/render/Spans.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace flash::render
+{
+
+/// Collects what lines do to pixels in a number for each pixel and style, from which coverage follows by
+/// adding up along the row. Nothing has to be sorted, and pixels are converted side by side; a bit for each
+/// group of pixels tells where there is anything at all. For few styles on surfaces of usual size.
+class DenseCells
+{
+public:
+    static constexpr std::uint32_t kMostStyles = 16;
+    /// Whether so many numbers are worth keeping.
+    static bool suits(int width, int height, std::uint32_t styles);
+
+    void begin(int width, int height, std::uint32_t styles);
+    void setStyles(std::uint32_t left, std::uint32_t right);
+    /// A row to add to; see SparseCells::Row.
+    class Row
+    {
+    public:
+        void add(int x, int cover, int area)
+        {
+            const int here = cover * (2 * kSubpixels) - area;
+            if (m_right != nullptr) {
+                m_right[x] += here;
+                m_right[x + 1] += area;
+            }
+            if (m_left != nullptr) {
+                m_left[x] -= here;
+                m_left[x + 1] -= area;
+            }
+        }
+
+    private:
+        friend class DenseCells;
+        Row(std::int32_t* left, std::int32_t* right) : m_left(left), m_right(right) {}
+        std::int32_t* m_left;
+        std::int32_t* m_right;
+    };
+    /// @param first,last columns that will be added to
+    Row row(int y, int first, int last)
+    {
+        const auto index = static_cast<std::size_t>(y);
+        m_rowStyles[index] |= m_styleBits;
+        // The last column's right neighbour is written to as well.
+        mark(m_bits.data() + index * m_wordsOfRow, static_cast<unsigned>(first) / kGroup,
+             static_cast<unsigned>(last + 1) / kGroup);
+        std::int32_t* sums = m_sums.data() + index * m_rowSize;
+        return {m_left == kNone ? nullptr : sums + m_left, m_right == kNone ? nullptr : sums + m_right};
+    }
+    [[nodiscard]] bool isOverfull() const { return false; }
+    void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink);
+
+private:
+    static constexpr unsigned kGroup = 8; ///< pixels
+    static constexpr std::ptrdiff_t kNone = -1;
+    // A stretch of groups that have their bit set, or of pixels between such.
+    struct Stretch {
+        int begin = 0, end = 0; ///< pixels
+        bool varies = false;
+    };
+    static void mark(std::uint64_t* bits, unsigned first, unsigned last)
+    {
+        constexpr std::uint64_t kAll = ~std::uint64_t{0};
+        const std::uint64_t from = kAll << (first % 64), upTo = kAll >> (63 - last % 64);
+        if (first / 64 == last / 64) {
+            bits[first / 64] |= from & upTo;
+            return;
+        }
+        bits[first / 64] |= from;
+        for (unsigned word = first / 64 + 1; word < last / 64; ++word) bits[word] = kAll;
+        bits[last / 64] |= upTo;
+    }
+    void findStretches(std::uint64_t* bits);
+    void sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule);
+    void sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule);
+    void sweepShared(int x, std::size_t group, std::span<const std::uint32_t> styles);
+    void emitShared(int x, int count, std::span<const std::int32_t> areas,
+                    std::span<const std::uint32_t> styles);
+    void addPixels(std::uint32_t style, int x, int count);
+    void addConstant(std::uint32_t style, int x, int count, std::uint32_t coverage);
+    void flush();
+
+    int m_width = 0;
+    std::uint32_t m_styles = 0;
+    std::size_t m_styleSize = 0;                    ///< numbers in a row for one style
+    std::size_t m_rowSize = 0;                      ///< numbers in a row for all styles
+    std::size_t m_wordsOfRow = 0;                   ///< of bits
+    std::ptrdiff_t m_left = kNone, m_right = kNone; ///< where the present styles' numbers start in a row
+    std::uint32_t m_styleBits = 0;
+    // Between conversions all of these are 0.
+    std::vector<std::int32_t> m_sums;
+    std::vector<std::uint64_t> m_bits;
+    std::vector<std::uint32_t> m_rowStyles; ///< bit by bit, which styles a row has anything of
+
+    std::vector<Stretch> m_stretches;
+    std::vector<std::uint8_t> m_coverage; ///< of the row at hand
+    std::vector<std::int32_t> m_areas;    ///< of the row at hand, style by style
+    std::vector<std::uint8_t> m_shares;   ///< of the row at hand, style by style; where styles share pixels
+    std::vector<std::uint8_t> m_present;  ///< by style and group: not 0 when it has an area there
+    std::vector<StyleSpan> m_spans;
+    int m_origin = 0; ///< x of the row's first pixel for the sink
+    // A span of m_coverage that may still grow.
+    std::uint32_t m_openStyle = 0;
+    int m_openBegin = 0, m_openEnd = 0;
+};
+
+} // namespace flash::render
