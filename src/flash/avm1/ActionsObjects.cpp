@@ -137,7 +137,7 @@ void initObject(Frame& frame, const Instruction&)
 {
     Vm& vm = frame.vm;
     const double count = avm1::toNumber(vm, frame.pop());
-    Object* object = vm.newObject();
+    Object* object = vm.newLiteral();
     for (double i = 0; i < count && frame.operandCount() > 0; ++i) {
         const Value value = frame.pop();
         object->put(vm, avm1::toName(vm, frame.pop()), value);
@@ -275,8 +275,8 @@ void defineFunction(Frame& frame, const Instruction& instruction)
     FunctionCode& code = frame.code->function(instruction.b);
     auto* function = vm.heap().make<Function>(vm, code, frame.code, frame.pool, frame.scope, frame.target);
     Object* prototype = vm.newObject();
-    prototype->define(vm, vm.common().constructor, function, kDontEnum);
-    function->define(vm, vm.common().prototype, prototype, kDontEnum);
+    prototype->define(vm, vm.common().constructor, function, kBuiltIn);
+    function->define(vm, vm.common().prototype, prototype, kBuiltIn);
     if (code.head.name.view().empty())
         frame.push(Value(function));
     else

@@ -69,10 +69,17 @@ bool ArrayNative::deleteOwn(Vm& vm, Object& self, Name name)
 
 void ArrayNative::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
 {
-    self.enumeratePlain(names);
     for (std::size_t i = m_elements.size(); i-- > 0;) {
         if (!m_elements[i].isHole()) names.add(vm.names().fromIndex(static_cast<std::uint32_t>(i)));
     }
+    names.add(vm.common().length, m_lengthFlags);
+    self.enumeratePlain(vm, names);
+}
+
+void ArrayNative::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear)
+{
+    if (name.isNull() || name.matches(vm.common().length, vm.isCaseSensitive()))
+        m_lengthFlags = static_cast<std::uint16_t>((m_lengthFlags & ~clear) | set);
 }
 
 void ArrayNative::setLength(Vm& vm, Object& self, double length)

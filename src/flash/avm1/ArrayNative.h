@@ -22,6 +22,7 @@ public:
     bool hasOwn(Vm& vm, Object& self, Name name) override;
     bool deleteOwn(Vm& vm, Object& self, Name name) override;
     void enumerateOwn(Vm& vm, Object& self, NameCollector& names) override;
+    void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear) override;
 
     /// @returns the element at a whole index within the dense part, or null.
     [[nodiscard]] Value* elementAt(double index)
@@ -41,6 +42,7 @@ public:
 private:
     std::vector<Value> m_elements;
     double m_length = 0;
+    std::uint16_t m_lengthFlags = kBuiltIn;
 };
 
 } // namespace flash::avm1

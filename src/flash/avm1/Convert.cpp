@@ -29,15 +29,11 @@ Value toPrimitive(Vm& vm, Value value, Hint hint)
 {
     if (!value.isObject()) return value;
     Object* object = value.object();
-    if (Native* native = object->nativeBase()) {
-        const Value primitive = native->primitive(vm, *object);
-        if (!primitive.isUndefined()) return primitive;
-    }
     // Dates prefer their text, from version 6 on.
     const bool text = hint == Hint::String ||
                       (hint == Hint::None && vm.version() >= 6 && object->native<DateNative>() != nullptr);
     const Value result = callConversion(vm, object, text ? vm.common().toString : vm.common().valueOf);
-    return result;
+    return result.isObject() ? value : result;
 }
 
 double toNumber(Vm& vm, Value value)
@@ -96,13 +92,14 @@ String* toString(Vm& vm, Value value)
     case Value::Type::Null: return vm.common().null.string();
     case Value::Type::Object: break;
     }
+    if (Native* native = value.object()->nativeBase()) {
+        // What stands on the stage is written as its path, without asking toString.
+        const Value path = native->primitive(vm, *value.object());
+        if (path.isString()) return path.string();
+    }
     const Value primitive = toPrimitive(vm, value, Hint::String);
     if (primitive.isString()) return primitive.string();
-    if (!primitive.isObject() && primitive.bits() != value.bits()) {
-        // An answer that is no text does not count.
-        if (value.object()->nativeBase() != nullptr && value.object()->hasHooks() && !primitive.isUndefined())
-            return toString(vm, primitive);
-    }
+    // An answer that is no text does not count.
     return vm.string(value.object()->isFunction() ? "[type Function]" : "[type Object]");
 }
 
@@ -180,7 +177,7 @@ Value add(Vm& vm, Value a, Value b)
 {
     const Value left = toPrimitive(vm, a);
     const Value right = toPrimitive(vm, b);
-    if (left.isString() || right.isString() || left.isObject() || right.isObject()) {
+    if (left.isString() || right.isString()) {
         String* first = toString(vm, left);
         String* second = toString(vm, right);
         vm.heap().noteExternalBytes(sizeof(String));

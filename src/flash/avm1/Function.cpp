@@ -9,7 +9,7 @@ namespace flash::avm1
 Function::Function(Vm& vm, NativeFunction native, int least)
     : Object(vm, vm.builtIns().function), m_native(native), m_least(least)
 {
-    m_isFunction = true;
+    becomeFunction(vm);
 }
 
 Function::Function(Vm& vm, FunctionCode& code, Code* owner, const std::vector<Value>* pool, Scope* scope,
@@ -17,7 +17,16 @@ Function::Function(Vm& vm, FunctionCode& code, Code* owner, const std::vector<Va
     : Object(vm, vm.builtIns().function), m_code(&code), m_pool(pool), m_owner(owner), m_scope(scope),
       m_target(definingTarget)
 {
+    becomeFunction(vm);
+}
+
+void Function::becomeFunction(Vm& vm)
+{
     m_isFunction = true;
+    // Version 5 knows no Function.prototype.
+    setProtoFlags(kBuiltIn | kFrom6);
+    if (vm.builtIns().functionConstructor != nullptr)
+        define(vm, vm.common().constructor, vm.builtIns().functionConstructor, kBuiltIn);
 }
 
 void Function::trace(Tracer& tracer)

@@ -86,6 +86,7 @@ public:
     void trace(Tracer& tracer) override;
 
 private:
+    void becomeFunction(Vm& vm);
     NativeFunction m_native = nullptr;
     int m_least = 0;
     FunctionCode* m_code = nullptr; // inside m_owner

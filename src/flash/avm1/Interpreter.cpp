@@ -174,9 +174,9 @@ Value Interpreter::argumentsObject(Frame& frame)
     Vm& vm = frame.vm;
     if (frame.argumentsValue.isUndefined()) {
         Object* arguments = vm.newArray(frame.args);
-        arguments->define(vm, vm.common().callee, Value(frame.callee), kDontEnum);
+        arguments->define(vm, vm.common().callee, Value(frame.callee), kBuiltIn);
         arguments->define(vm, vm.common().caller,
-                          frame.caller == nullptr ? Value::null() : Value(frame.caller), kDontEnum);
+                          frame.caller == nullptr ? Value::null() : Value(frame.caller), kBuiltIn);
         frame.argumentsValue = arguments;
     }
     return frame.argumentsValue;

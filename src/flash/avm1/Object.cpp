@@ -27,7 +27,7 @@ bool Native::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& resu
 void Native::putOwn(Vm& vm, Object& self, Name name, Value value) { self.putPlain(vm, name, value); }
 bool Native::hasOwn(Vm& vm, Object& self, Name name) { return self.hasPlain(vm, name); }
 bool Native::deleteOwn(Vm& vm, Object& self, Name name) { return self.deletePlain(vm, name); }
-void Native::enumerateOwn(Vm&, Object& self, NameCollector& names) { self.enumeratePlain(names); }
+void Native::enumerateOwn(Vm& vm, Object& self, NameCollector& names) { self.enumeratePlain(vm, names); }
 
 Object::Object(Vm& vm, Object* prototype) : m_layout(vm.emptyLayout())
 {
@@ -126,7 +126,7 @@ std::vector<Name> Object::enumerate(Vm& vm)
         if (object->m_hasHooks)
             object->m_native->enumerateOwn(vm, *object, collector);
         else
-            object->enumeratePlain(collector);
+            object->enumeratePlain(vm, collector);
         object = object->prototype();
     }
     return names;
@@ -141,6 +141,11 @@ std::uint32_t Object::findVisible(const Vm& vm, Name name) const
     return Layout::kMissing;
 }
 
+bool Object::isProtoVisible(const Vm& vm) const
+{
+    return m_protoIsSet && isVisible(m_protoFlags, vm.version());
+}
+
 bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
 {
     const std::uint32_t at = findVisible(vm, name);
@@ -153,7 +158,7 @@ bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
         }
         return true;
     }
-    if (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive())) {
+    if (isProtoVisible(vm) && name.matches(vm.common().proto, vm.isCaseSensitive())) {
         result = m_proto;
         return true;
     }
@@ -163,7 +168,7 @@ bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
 bool Object::hasPlain(Vm& vm, Name name) const
 {
     return findVisible(vm, name) != Layout::kMissing ||
-           (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive()));
+           (isProtoVisible(vm) && name.matches(vm.common().proto, vm.isCaseSensitive()));
 }
 
 void Object::putPlain(Vm& vm, Name name, Value value)
@@ -208,7 +213,7 @@ bool Object::deletePlain(Vm& vm, Name name)
 {
     const std::uint32_t at = findVisible(vm, name);
     if (at == Layout::kMissing) {
-        if (!m_protoIsSet || !name.matches(vm.common().proto, vm.isCaseSensitive())) return false;
+        if (!isProtoVisible(vm) || !name.matches(vm.common().proto, vm.isCaseSensitive())) return false;
         if ((m_protoFlags & kDontDelete) != 0) return false;
         setProto(vm, {});
         m_protoIsSet = false;
@@ -222,13 +227,14 @@ bool Object::deletePlain(Vm& vm, Name name)
     return true;
 }
 
-void Object::enumeratePlain(NameCollector& names) const
+void Object::enumeratePlain(Vm& vm, NameCollector& names) const
 {
     // The latest comes first.
     const std::vector<Layout::Property>& properties = m_layout->properties();
     for (std::size_t i = properties.size(); i-- > 0;) {
         if (!properties[i].name.isNull()) names.add(properties[i].name, properties[i].flags);
     }
+    if (m_protoIsSet) names.add(vm.common().proto, m_protoFlags);
 }
 
 void Object::define(Vm& vm, Name name, Value value, std::uint16_t flags)
@@ -279,6 +285,7 @@ void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t cle
     }
     if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
         m_protoFlags = changed(m_protoFlags);
+    if (m_hasHooks) m_native->changeFlags(vm, name, set, clear);
 }
 
 void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)

@@ -69,6 +69,8 @@ public:
     /// @returns whether something was removed.
     virtual bool deleteOwn(Vm& vm, Object& self, Name name);
     virtual void enumerateOwn(Vm& vm, Object& self, NameCollector& names);
+    /// Flags of what the native side shows as properties; as Object::changeFlags, which sees to the bag.
+    virtual void changeFlags(Vm&, Name, std::uint16_t /*set*/, std::uint16_t /*clear*/) {}
     /// @returns the value that primitive conversion uses instead of asking valueOf and toString, or
     /// undefined.
     virtual Value primitive(Vm&, Object&) { return Value::undefined(); }
@@ -103,7 +105,7 @@ public:
     void putPlain(Vm& vm, Name name, Value value);
     bool hasPlain(Vm& vm, Name name) const;
     bool deletePlain(Vm& vm, Name name);
-    void enumeratePlain(NameCollector& names) const;
+    void enumeratePlain(Vm& vm, NameCollector& names) const;
 
     /// Creates or overwrites an own property with its flags, asking nobody. For natives that furnish objects.
     void define(Vm& vm, Name name, Value value, std::uint16_t flags = 0);
@@ -166,6 +168,7 @@ public:
     void trace(Tracer& tracer) override;
 
 protected:
+    void setProtoFlags(std::uint16_t flags) { m_protoFlags = flags; }
     bool m_isFunction = false;
 
 private:
@@ -186,6 +189,7 @@ private:
     void becomeUnshared(Vm& vm);
     void noteShapeChange(Vm& vm);
     Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);
+    [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
     bool findSetter(Vm& vm, Name name, Object*& setter);
 

@@ -29,7 +29,8 @@ void Vm::traceRoots(Tracer& tracer)
     tracer(m_emptyLayout);
     for (const Object* prototype :
          {m_builtIns.object, m_builtIns.function, m_builtIns.array, m_builtIns.string, m_builtIns.number,
-          m_builtIns.boolean, m_builtIns.date, m_builtIns.error})
+          m_builtIns.boolean, m_builtIns.date, m_builtIns.error, m_builtIns.functionConstructor,
+          m_builtIns.arrayConstructor, m_builtIns.objectConstructor})
         tracer(prototype);
     tracer(m_exception);
     for (const Value value : m_registers) tracer(value);
@@ -193,9 +194,17 @@ String* Vm::string(char16_t unit) { return m_names.intern(std::u16string_view(&u
 Object* Vm::newObject() { return m_heap.make<Object>(*this, m_builtIns.object); }
 Object* Vm::newObject(Object* prototype) { return m_heap.make<Object>(*this, prototype); }
 
+Object* Vm::newLiteral()
+{
+    Object* object = newObject();
+    object->define(*this, common().constructor, m_builtIns.objectConstructor, kBuiltIn);
+    return object;
+}
+
 Object* Vm::newArray(std::span<const Value> elements)
 {
     Object* array = newObject(m_builtIns.array);
+    array->define(*this, common().constructor, m_builtIns.arrayConstructor, kBuiltIn);
     array->attachNew<ArrayNative>().assign({elements.begin(), elements.end()});
     m_heap.noteExternalBytes(elements.size_bytes() + sizeof(ArrayNative));
     return array;

@@ -22,7 +22,10 @@ struct Frame;
 struct BuiltIns {
     Object* object = nullptr;
     Object* function = nullptr;
+    Object* functionConstructor = nullptr;
     Object* array = nullptr;
+    Object* arrayConstructor = nullptr;
+    Object* objectConstructor = nullptr;
     Object* string = nullptr;
     Object* number = nullptr;
     Object* boolean = nullptr;
@@ -114,7 +117,10 @@ public:
     Name name(std::u16string_view text) { return m_names.intern(text); }
     Object* newObject();
     Object* newObject(Object* prototype);
+    /// What the literal [...] makes.
     Object* newArray(std::span<const Value> elements = {});
+    /// What the literal {} makes: an object that names its constructor.
+    Object* newLiteral();
     Function* newFunction(NativeFunction function, int least = 0);
 
     /// Puts a class's functions on an object. @param nativeTable first number of ASnative; -1 for none.

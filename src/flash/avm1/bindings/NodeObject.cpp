@@ -170,7 +170,7 @@ void NodeObject::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
         for (const stage::NodePtr& child : clip->children())
             if (!child->name().empty() && !child->isUnloading() && m_binding.objectOf(child.get()))
                 names.add(vm.name(std::u16string_view(base::utf16FromUtf8(child->name()))));
-    self.enumeratePlain(names);
+    self.enumeratePlain(vm, names);
 }
 
 Value NodeObject::primitive(Vm&, Object&)

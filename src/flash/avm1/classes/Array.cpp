@@ -201,11 +201,12 @@ void installArray(Vm& vm)
     Function* constructor = vm.defineClass("Array", &construct, kMembers, 0, kNativeTable);
     vm.registerNative(kNativeTable, 0, &construct);
     vm.builtIns().array = vm.prototypeOf(constructor);
-    constructor->define(vm, "CASEINSENSITIVE", Value(static_cast<double>(kSortCaseInsensitive)), kBuiltIn);
-    constructor->define(vm, "DESCENDING", Value(static_cast<double>(kSortDescending)), kBuiltIn);
-    constructor->define(vm, "UNIQUESORT", Value(static_cast<double>(kSortUnique)), kBuiltIn);
-    constructor->define(vm, "RETURNINDEXEDARRAY", Value(static_cast<double>(kSortReturnIndexed)), kBuiltIn);
-    constructor->define(vm, "NUMERIC", Value(static_cast<double>(kSortNumeric)), kBuiltIn);
+    vm.builtIns().arrayConstructor = constructor;
+    constructor->define(vm, "CASEINSENSITIVE", Value(static_cast<double>(kSortCaseInsensitive)), 0);
+    constructor->define(vm, "DESCENDING", Value(static_cast<double>(kSortDescending)), 0);
+    constructor->define(vm, "UNIQUESORT", Value(static_cast<double>(kSortUnique)), 0);
+    constructor->define(vm, "RETURNINDEXEDARRAY", Value(static_cast<double>(kSortReturnIndexed)), 0);
+    constructor->define(vm, "NUMERIC", Value(static_cast<double>(kSortNumeric)), 0);
 }
 
 } // namespace flash::avm1::classes

@@ -73,26 +73,33 @@ private:
     Value m_function;
 };
 
-/// Sorts positions, so that a comparison that contradicts itself can do no harm: a merge sort looks at each
-/// pair at most once and stays within bounds whatever it is told.
-void mergeSort(std::vector<std::uint32_t>& order, const std::vector<Value>& elements, Comparison& compare,
+/// Quicksort with the first element as pivot. Which pairs are compared, and in which order, is on purpose:
+/// comparison functions with side effects or contradictions show it, and so does the order of equal elements.
+void quickSort(std::vector<std::uint32_t>& order, const std::vector<Value>& elements, Comparison& compare,
                const Vm& vm)
 {
-    std::vector<std::uint32_t> merged(order.size());
-    for (std::size_t width = 1; width < order.size(); width *= 2) {
-        for (std::size_t start = 0; start < order.size(); start += 2 * width) {
-            const std::size_t middle = std::min(start + width, order.size());
-            const std::size_t end = std::min(start + 2 * width, order.size());
-            std::size_t left = start, right = middle;
-            for (std::size_t at = start; at < end; ++at) {
-                const bool takeLeft =
-                    right >= end ||
-                    (left < middle &&
-                     (vm.isUnwinding() || compare(elements[order[left]], elements[order[right]]) <= 0));
-                merged[at] = takeLeft ? order[left++] : order[right++];
-            }
+    struct Range {
+        std::ptrdiff_t first, last;
+    };
+    std::vector<Range> pending{{0, static_cast<std::ptrdiff_t>(order.size()) - 1}};
+    const auto at = [&](std::ptrdiff_t index) -> std::uint32_t& {
+        return order[static_cast<std::size_t>(index)];
+    };
+    while (!pending.empty() && !vm.isUnwinding()) {
+        const Range range = pending.back();
+        pending.pop_back();
+        if (range.first >= range.last) continue;
+        const Value pivot = elements[at(range.first)];
+        std::ptrdiff_t left = range.first + 1, right = range.last;
+        while (!vm.isUnwinding()) {
+            while (left < right && compare(pivot, elements[at(left)]) > 0) ++left;
+            while (right > range.first && compare(pivot, elements[at(right)]) <= 0) --right;
+            if (left >= right) break;
+            std::swap(at(left), at(right));
         }
-        order.swap(merged);
+        std::swap(at(range.first), at(right));
+        pending.push_back({right + 1, range.last});
+        pending.push_back({range.first, right - 1});
     }
 }
 
@@ -102,7 +109,7 @@ Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
     *elements = listElements(vm, list);
     std::vector<std::uint32_t> order(elements->size());
     std::iota(order.begin(), order.end(), 0U);
-    mergeSort(order, *elements, compare, vm);
+    quickSort(order, *elements, compare, vm);
     if (vm.isUnwinding()) return {};
     if ((options & kSortUnique) != 0) {
         for (std::size_t i = 1; i < order.size(); ++i) {

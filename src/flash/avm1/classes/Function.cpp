@@ -52,6 +52,8 @@ void installFunction(Vm& vm)
 {
     Function* constructor = vm.newFunction(&construct);
     Object* prototype = vm.builtIns().function;
+    vm.builtIns().functionConstructor = constructor;
+    constructor->define(vm, vm.common().constructor, constructor, kBuiltIn);
     prototype->define(vm, vm.common().constructor, constructor, kBuiltIn);
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
     vm.addMembers(prototype, kMembers);

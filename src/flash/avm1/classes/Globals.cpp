@@ -276,8 +276,8 @@ void installGlobals(Vm& vm)
 
 void installAll(Vm& vm)
 {
-    installObject(vm);
     installFunction(vm);
+    installObject(vm);
     installString(vm);
     installNumber(vm);
     installBoolean(vm);

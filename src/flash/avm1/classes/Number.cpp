@@ -63,6 +63,7 @@ void installNumber(Vm& vm)
     constructor->define(vm, "NaN", Value(std::numeric_limits<double>::quiet_NaN()), kConstant);
     constructor->define(vm, "NEGATIVE_INFINITY", Value(-std::numeric_limits<double>::infinity()), kConstant);
     constructor->define(vm, "POSITIVE_INFINITY", Value(std::numeric_limits<double>::infinity()), kConstant);
+    constructor->changeFlags(vm, Name(), kConstant, 0);
 }
 
 } // namespace flash::avm1::classes

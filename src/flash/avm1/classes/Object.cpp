@@ -48,7 +48,7 @@ Value isPropertyEnumerable(Call& call)
     if (self->hasHooks())
         self->nativeBase()->enumerateOwn(call.vm, *self, collector);
     else
-        self->enumeratePlain(collector);
+        self->enumeratePlain(call.vm, collector);
     for (const Name candidate : names) {
         if (candidate.matches(name, call.vm.isCaseSensitive())) return Value(true);
     }
@@ -111,14 +111,14 @@ Value registerClass(Call& call)
 // clang-format off
 constexpr MemberInfo kMembers[] = {
     // name                    least  flags   function            native
-    {"watch",                  2,     kFrom6, &watch,             0},
-    {"unwatch",                1,     kFrom6, &unwatch,           1},
-    {"addProperty",            3,     kFrom6, &addProperty,       2},
+    {"watch",                  0,     kFrom6, &watch,             0},
+    {"unwatch",                0,     kFrom6, &unwatch,           1},
+    {"addProperty",            0,     kFrom6, &addProperty,       2},
     {"valueOf",                0,     0,      &valueOf,           3},
     {"toString",               0,     0,      &toString,          4},
-    {"hasOwnProperty",         1,     kFrom6, &hasOwnProperty,    5},
-    {"isPrototypeOf",          1,     kFrom6, &isPrototypeOf,     6},
-    {"isPropertyEnumerable",   1,     kFrom6, &isPropertyEnumerable, 7},
+    {"hasOwnProperty",         0,     kFrom6, &hasOwnProperty,    5},
+    {"isPrototypeOf",          0,     kFrom6, &isPrototypeOf,     6},
+    {"isPropertyEnumerable",   0,     kFrom6, &isPropertyEnumerable, 7},
     {"toLocaleString",         0,     kFrom6, &toLocaleString},
 };
 constexpr MemberInfo kStatics[] = {
@@ -138,6 +138,8 @@ void installObject(Vm& vm)
     vm.addMembers(prototype, kMembers, kNativeTable);
     vm.addMembers(constructor, kStatics, kNativeTable);
     vm.registerNative(kNativeTable, 9, &construct);
+    vm.builtIns().objectConstructor = constructor;
+    constructor->changeFlags(vm, Name(), kBuiltIn | kReadOnly, 0);
     vm.global()->define(vm, "Object", constructor, kDontEnum);
 }
 
