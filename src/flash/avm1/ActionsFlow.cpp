@@ -76,6 +76,9 @@ void tryBlock(Frame& frame, const Instruction& instruction)
         Interpreter::runRegion(frame, head.tryEnd, head.catchEnd);
     }
     const bool completed = !vm.isUnwinding() && !frame.returned && nextOffset(frame) == partEnd;
+    // A jump out of a part skips the last one.
+    const bool jumped = !completed && !vm.isUnwinding() && !frame.returned;
+    if (jumped) return;
     if (!head.hasFinally) {
         if (completed) goTo(frame, head.finallyEnd);
         return;

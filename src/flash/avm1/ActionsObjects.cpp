@@ -34,7 +34,8 @@ private:
     std::size_t m_count;
 };
 
-bool isNoName(Value name) { return name.isUndefined() || (name.isString() && name.string()->isEmpty()); }
+/// A method without a name is the object itself, called.
+bool isNoName(Value key, Name name) { return key.isUndefined() || name.view().empty(); }
 
 /// What a method of a primitive sees as `this`: natives the value itself, scripts an object around it.
 Value receiverFor(Vm& vm, Value base, Value method)
@@ -158,13 +159,13 @@ void newObject(Frame& frame, const Instruction&)
 
 void newMethod(Frame& frame, const Instruction&)
 {
-    const Value name = frame.pop();
+    const Value key = frame.pop();
     const Value base = frame.pop();
+    const Name name = avm1::toName(frame.vm, key);
     Value result;
     {
         const StackedArguments args(frame);
-        const Value constructor =
-            isNoName(name) ? base : Interpreter::getMember(frame.vm, base, avm1::toName(frame.vm, name));
+        const Value constructor = isNoName(key, name) ? base : Interpreter::getMember(frame.vm, base, name);
         result = Interpreter::construct(frame.vm, constructor, args.values());
     }
     frame.push(result);
@@ -188,13 +189,13 @@ void callMethod(Frame& frame, const Instruction& instruction)
     Vm& vm = frame.vm;
     const Value key = frame.pop();
     const Value base = frame.pop();
+    const Name name = avm1::toName(vm, key);
     Value result;
     {
         const StackedArguments args(frame);
-        if (isNoName(key)) {
+        if (isNoName(key, name)) {
             result = Interpreter::invoke(vm, base, Value(), args.values());
         } else {
-            const Name name = avm1::toName(vm, key);
             Object* holder = nullptr;
             const Value method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);
             Value self = base;
@@ -265,7 +266,6 @@ void extends(Frame& frame, const Instruction&)
     Object* prototype = vm.newObject(nullptr);
     prototype->setProto(vm, superclass.object()->get(vm, vm.common().prototype));
     prototype->define(vm, vm.common().constructorInternal, superclass, kDontEnum);
-    prototype->define(vm, vm.common().constructor, superclass, kDontEnum);
     subclass->put(vm, vm.common().prototype, prototype);
 }
 
@@ -273,7 +273,8 @@ void defineFunction(Frame& frame, const Instruction& instruction)
 {
     Vm& vm = frame.vm;
     FunctionCode& code = frame.code->function(instruction.b);
-    auto* function = vm.heap().make<Function>(vm, code, frame.code, frame.pool, frame.scope, frame.target);
+    auto* function =
+        vm.heap().make<Function>(vm, code, frame.code, frame.pool, frame.scope, frame.baseTarget);
     Object* prototype = vm.newObject();
     prototype->define(vm, vm.common().constructor, function, kBuiltIn);
     function->define(vm, vm.common().prototype, prototype, kBuiltIn);

@@ -247,9 +247,8 @@ void bitUnsignedRightShift(Frame& frame, const Instruction&)
     const std::int32_t rhs = avm1::toInt32(frame.vm, frame.pop());
     const std::int32_t lhs = avm1::toInt32(frame.vm, frame.pop());
     const std::uint32_t shifted = static_cast<std::uint32_t>(lhs) >> (rhs & 31);
-    // Versions 8 and 9 give the signed reading of the same bits.
-    frame.push(frame.version >= 8 && frame.version <= 9 ? Value(static_cast<std::int32_t>(shifted))
-                                                        : Value(shifted));
+    // Versions up to 9 give the signed reading of the same bits.
+    frame.push(frame.version <= 9 ? Value(static_cast<std::int32_t>(shifted)) : Value(shifted));
 }
 
 void pop(Frame& frame, const Instruction&) { frame.pop(); }

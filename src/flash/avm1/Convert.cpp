@@ -18,8 +18,8 @@ constexpr double kTwoTo32 = 4294967296.0;
 Value callConversion(Vm& vm, Object* object, Name method)
 {
     Value function;
-    if (!object->find(vm, method, function, object)) return Value(object);
-    if (!function.isObject() || !function.object()->isFunction()) return Value(object);
+    // Without such a method there is no value either.
+    if (!object->find(vm, method, function, object)) return {};
     return vm.call(function, object, {});
 }
 
@@ -29,11 +29,14 @@ Value toPrimitive(Vm& vm, Value value, Hint hint)
 {
     if (!value.isObject()) return value;
     Object* object = value.object();
+    if (vm.host().isClip(object)) return value;
     // Dates prefer their text, from version 6 on.
     const bool text = hint == Hint::String ||
                       (hint == Hint::None && vm.version() >= 6 && object->native<DateNative>() != nullptr);
     const Value result = callConversion(vm, object, text ? vm.common().toString : vm.common().valueOf);
-    return result.isObject() ? value : result;
+    // A clip counts as a primitive here.
+    const bool stays = !result.isObject() || vm.host().isClip(result.object());
+    return stays ? result : value;
 }
 
 double toNumber(Vm& vm, Value value)
@@ -98,8 +101,8 @@ String* toString(Vm& vm, Value value)
         if (path.isString()) return path.string();
     }
     const Value primitive = toPrimitive(vm, value, Hint::String);
-    if (primitive.isString()) return primitive.string();
     // An answer that is no text does not count.
+    if (primitive.isString()) return primitive.string();
     return vm.string(value.object()->isFunction() ? "[type Function]" : "[type Object]");
 }
 
@@ -141,24 +144,24 @@ Object* toObject(Vm& vm, Value value)
 
 bool strictlyEqual(Value a, Value b)
 {
-    if (a.isNumber() && b.isNumber()) return a.number() == b.number();
+    // Not-a-number equals itself here.
+    if (a.isNumber() && b.isNumber()) return a.number() == b.number() || a.bits() == b.bits();
     if (a.isString() && b.isString()) return a.bits() == b.bits() || a.string()->view() == b.string()->view();
     return a.bits() == b.bits();
 }
 
 bool looselyEqual(Vm& vm, Value a, Value b)
 {
-    if (a.isNullish() || b.isNullish()) return a.isNullish() && b.isNullish();
-    if (a.type() == b.type())
-        return strictlyEqual(a, b) ||
-               (a.isNumber() && std::isnan(a.number()) && std::isnan(b.number()) && vm.version() < 7);
+    if (a.isNullish() && b.isNullish()) return true;
+    if (a.type() == b.type()) return strictlyEqual(a, b);
     if (a.isObject() || b.isObject()) {
         const Value left = toPrimitive(vm, a, Hint::Number);
         const Value right = toPrimitive(vm, b, Hint::Number);
         if (left.isObject() || right.isObject()) return left.bits() == right.bits();
         return looselyEqual(vm, left, right);
     }
-    return toNumber(vm, a) == toNumber(vm, b);
+    if (a.isNullish() || b.isNullish()) return false;
+    return strictlyEqual(Value(toNumber(vm, a)), Value(toNumber(vm, b)));
 }
 
 Value lessThan(Vm& vm, Value a, Value b)

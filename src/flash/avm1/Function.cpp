@@ -24,7 +24,7 @@ void Function::becomeFunction(Vm& vm)
 {
     m_isFunction = true;
     // Version 5 knows no Function.prototype.
-    setProtoFlags(kBuiltIn | kFrom6);
+    setProtoFlags(vm, kBuiltIn | kFrom6);
     if (vm.builtIns().functionConstructor != nullptr)
         define(vm, vm.common().constructor, vm.builtIns().functionConstructor, kBuiltIn);
 }

@@ -48,14 +48,14 @@ void SuperNative::trace(Tracer& tracer)
 
 bool SuperNative::getOwn(Vm& vm, Object&, Name name, Value, Value& result)
 {
-    Object* above = base == nullptr ? nullptr : base->prototype();
+    Object* above = base == nullptr ? nullptr : base->prototype(vm);
     return above != nullptr && above->find(vm, name, result, self);
 }
 
 Object* SuperNative::holderOf(Vm& vm, Name name) const
 {
-    for (Object* object = base == nullptr ? nullptr : base->prototype(); object != nullptr;
-         object = object->prototype()) {
+    for (Object* object = base == nullptr ? nullptr : base->prototype(vm); object != nullptr;
+         object = object->prototype(vm)) {
         if (object->hasOwn(vm, name)) return object;
     }
     return nullptr;
@@ -71,6 +71,7 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
         SuperNative* super = object->native<SuperNative>();
         return super == nullptr ? Value() : invokeSuper(vm, *super, args);
     }
+    if (vm.m_disabled) return {};
     if (vm.m_depth == 0) {
         vm.m_startedMs = vm.m_host.realTimeMs();
         vm.m_budget = 0;
@@ -111,6 +112,7 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     frame.caller = vm.m_frame == nullptr ? nullptr : vm.m_frame->callee;
     frame.args = args;
     frame.superBase = options.superBase;
+    frame.isConstruct = options.isConstruct;
     frame.target = frame.baseTarget = function->definingTarget();
 
     Value* stack = vm.m_frame == nullptr ? vm.m_stack.get() : vm.m_frame->top;
@@ -184,12 +186,11 @@ Value Interpreter::argumentsObject(Frame& frame)
 
 Value Interpreter::superObject(Frame& frame)
 {
-    if (frame.superBase == nullptr || !frame.self.isObject()) return {};
     if (frame.superValue.isUndefined()) {
         Vm& vm = frame.vm;
         Object* super = vm.newObject(nullptr);
         // What scripts see as its __proto__ is the prototype it looks into.
-        super->setProto(vm, frame.superBase->protoValue());
+        if (frame.superBase != nullptr) super->setProto(vm, frame.superBase->protoValue());
         super->attachNew<SuperNative>(frame.self, frame.superBase);
         frame.superValue = super;
     }
@@ -201,7 +202,7 @@ Value Interpreter::invokeSuper(Vm& vm, SuperNative& super, std::span<const Value
     if (super.base == nullptr) return {};
     Value constructor;
     if (!super.base->find(vm, vm.common().constructorInternal, constructor, super.self)) return {};
-    return invoke(vm, constructor, super.self, args, {super.base->prototype(), true});
+    return invoke(vm, constructor, super.self, args, {super.base->prototype(vm), true});
 }
 
 Value Interpreter::construct(Vm& vm, Value constructor, std::span<const Value> args)
@@ -221,7 +222,7 @@ Value Interpreter::construct(Vm& vm, Value constructor, std::span<const Value> a
 
 void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
 {
-    if (vm.m_depth >= Vm::kMostNestedCalls) return;
+    if (vm.m_disabled || vm.m_depth >= Vm::kMostNestedCalls) return;
     if (vm.m_depth == 0) {
         vm.m_startedMs = vm.m_host.realTimeMs();
         vm.m_budget = 0;
@@ -263,6 +264,7 @@ void Interpreter::abort(Vm& vm, std::string_view why)
 {
     if (vm.m_aborted) return;
     vm.m_aborted = true;
+    vm.m_disabled = true;
     vm.m_host.log(why);
 }
 

@@ -35,6 +35,7 @@ struct Frame {
     Value argumentsValue{}, superValue{}; ///< made at first use
     Value result{};
     bool returned = false;
+    bool isConstruct = false; ///< called by `new`
     int version = 8;
     int withDepth = 0;
     const struct Region* region = nullptr; ///< innermost

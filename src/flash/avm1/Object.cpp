@@ -11,6 +11,7 @@ void Accessor::trace(Tracer& tracer)
 {
     tracer(getter);
     tracer(setter);
+    tracer(value);
 }
 
 void NameCollector::add(Name name, std::uint16_t flags)
@@ -49,7 +50,7 @@ Value Object::get(Vm& vm, Name name, Value receiver)
     if (find(vm, name, result, receiver)) return result;
     // Names that the engine itself asks for are not resolved; a resolver that misses does not recurse.
     Value resolver;
-    if (name == vm.common().resolve || !find(vm, vm.common().resolve, resolver, receiver)) return {};
+    if (name == vm.common().resolve || !findRaw(vm, vm.common().resolve, resolver)) return {};
     if (!resolver.isObject()) return {};
     return vm.call(resolver, receiver, {Value(name.string())});
 }
@@ -61,14 +62,31 @@ bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
         const bool found = object->m_hasHooks ? object->m_native->getOwn(vm, *object, name, receiver, result)
                                               : object->getPlain(vm, name, receiver, result);
         if (found) return true;
-        object = object->prototype();
+        object = object->prototype(vm);
+    }
+    return false;
+}
+
+bool Object::findRaw(const Vm& vm, Name name, Value& result) const
+{
+    const Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+        const std::uint32_t at = object->findVisible(vm, name);
+        if (at != Layout::kMissing) {
+            const Layout::Property& property = object->m_layout->properties()[at];
+            result = object->m_slots[property.slot];
+            if ((property.flags & kAccessor) != 0)
+                result = reinterpret_cast<Accessor*>(result.object())->value;
+            return true;
+        }
+        object = object->prototype(vm);
     }
     return false;
 }
 
 bool Object::findSetter(Vm& vm, Name name, Object*& setter)
 {
-    Object* object = prototype();
+    Object* object = prototype(vm);
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
         const std::uint32_t at = object->findVisible(vm, name);
         if (at != Layout::kMissing) {
@@ -77,7 +95,7 @@ bool Object::findSetter(Vm& vm, Name name, Object*& setter)
             setter = reinterpret_cast<Accessor*>(object->m_slots[property.slot].object())->setter;
             return true;
         }
-        object = object->prototype();
+        object = object->prototype(vm);
     }
     return false;
 }
@@ -102,7 +120,7 @@ bool Object::has(Vm& vm, Name name)
     Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
         if (object->hasOwn(vm, name)) return true;
-        object = object->prototype();
+        object = object->prototype(vm);
     }
     return false;
 }
@@ -127,7 +145,7 @@ std::vector<Name> Object::enumerate(Vm& vm)
             object->m_native->enumerateOwn(vm, *object, collector);
         else
             object->enumeratePlain(vm, collector);
-        object = object->prototype();
+        object = object->prototype(vm);
     }
     return names;
 }
@@ -195,15 +213,15 @@ void Object::putUnwatched(Vm& vm, Name name, Value value)
     if (at == Layout::kMissing) return addProperty(vm, name, value, 0);
     const Layout::Property& property = m_layout->properties()[at];
     if (!isVisible(property.flags, vm.version())) {
-        // A property hidden from this version comes back as an ordinary one.
+        // The value is taken, but stays hidden; only the mark against version 6 goes.
         const std::uint32_t slot = property.slot;
-        changeFlagsAt(vm, at, static_cast<std::uint16_t>(property.flags & ~(kVersionMask | kAccessor)));
+        changeFlagsAt(vm, at, static_cast<std::uint16_t>(property.flags & ~(kNot6 | kAccessor)));
         m_slots[slot] = value;
         return;
     }
     if ((property.flags & kAccessor) != 0) {
         Object* setter = reinterpret_cast<Accessor*>(m_slots[property.slot].object())->setter;
-        if (setter != nullptr) vm.call(setter, this, {value});
+        if (setter != nullptr && (property.flags & kReadOnly) == 0) vm.call(setter, this, {value});
         return;
     }
     if ((property.flags & kReadOnly) == 0) m_slots[property.slot] = value;
@@ -243,7 +261,7 @@ void Object::define(Vm& vm, Name name, Value value, std::uint16_t flags)
     if (at == Layout::kMissing) {
         if (name == vm.common().proto) {
             setProto(vm, value);
-            m_protoFlags = flags;
+            setProtoFlags(vm, flags);
             return;
         }
         return addProperty(vm, name, value, flags);
@@ -259,10 +277,23 @@ void Object::define(Vm& vm, std::string_view name, Value value, std::uint16_t fl
 
 void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags)
 {
-    auto* accessor = vm.heap().make<Accessor>(getter, setter);
+    Value before;
+    if (const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive()); at != Layout::kMissing) {
+        before = m_slots[m_layout->properties()[at].slot];
+        if ((m_layout->properties()[at].flags & kAccessor) != 0)
+            before = reinterpret_cast<Accessor*>(before.object())->value;
+    }
+    auto* accessor = vm.heap().make<Accessor>(getter, setter, before);
     // Boxed as an object so that tracing finds it; the flag keeps scripts from ever seeing it.
     define(vm, name, Value(reinterpret_cast<Object*>(static_cast<Cell*>(accessor))),
            static_cast<std::uint16_t>(flags | kAccessor));
+}
+
+std::uint16_t Object::flagsOf(const Vm& vm, Name name) const
+{
+    const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive());
+    return at == Layout::kMissing ? 0
+                                  : static_cast<std::uint16_t>(m_layout->properties()[at].flags & ~kAccessor);
 }
 
 void Object::changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags)
@@ -284,7 +315,7 @@ void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t cle
         if (changed(property.flags) != property.flags) changeFlagsAt(vm, at, changed(property.flags));
     }
     if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
-        m_protoFlags = changed(m_protoFlags);
+        setProtoFlags(vm, changed(m_protoFlags));
     if (m_hasHooks) m_native->changeFlags(vm, name, set, clear);
 }
 
@@ -316,14 +347,40 @@ void Object::setProto(Vm& vm, Value proto)
     m_proto = proto;
     m_protoIsSet = true;
     if (Object* object = proto.asObject()) object->m_isPrototype = true;
+    noteProtoChange(vm);
+}
+
+void Object::setProtoFlags(Vm& vm, std::uint16_t flags)
+{
+    m_protoFlags = flags;
+    noteProtoChange(vm);
+}
+
+void Object::noteProtoChange(Vm& vm)
+{
+    const Object* object = m_proto.asObject();
+    const bool isClip =
+        object != nullptr && object->m_native != nullptr && object->m_native->typeOf() == "movieclip";
+    m_followsProto = (m_protoFlags & kVersionMask) == 0 && !isClip;
+    // Caches do not look at flags.
+    if (!m_followsProto) vm.bumpEpoch();
     noteShapeChange(vm);
+}
+
+Object* Object::visiblePrototype(const Vm& vm) const
+{
+    Object* object = m_proto.asObject();
+    if (object->m_native != nullptr && object->m_native->typeOf() == "movieclip") return nullptr;
+    // The marks of versions 8 and later hide the property but not the way on.
+    constexpr std::uint16_t kHidesTheWay = kFrom6 | kNot6 | kFrom7;
+    return isVisible(m_protoFlags & kHidesTheWay, vm.version()) ? object : nullptr;
 }
 
 bool Object::isInstance(Vm& vm, Object* prototype) const
 {
     const Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
-        object = object->prototype();
+        object = object->prototype(vm);
         if (object == prototype) return true;
         if (object == nullptr || object->m_extras == nullptr) continue;
         for (const Object* interface : object->m_extras->interfaces) {

@@ -20,10 +20,11 @@ class Vm;
 class Accessor final : public Cell
 {
 public:
-    Accessor(Object* getter, Object* setter) : getter(getter), setter(setter) {}
+    Accessor(Object* getter, Object* setter, Value value) : getter(getter), setter(setter), value(value) {}
     void trace(Tracer& tracer) override;
     Object* getter;
     Object* setter;
+    Value value; ///< what the property held before; __resolve is called past its accessor
 };
 
 /// Collects the names that a for-in loop walks, without duplicates and without hidden names.
@@ -112,6 +113,8 @@ public:
     void define(Vm& vm, std::string_view name, Value value, std::uint16_t flags = 0);
     /// As define, with a getter and a setter, either of which may be null.
     void defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags = 0);
+    /// @returns the flags of an own property of the bag; 0 when there is none.
+    [[nodiscard]] std::uint16_t flagsOf(const Vm& vm, Name name) const;
     /// Sets, then clears, flags of one own property (a null name: of all).
     void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear);
 
@@ -119,7 +122,15 @@ public:
 
     /// The value of `__proto__`, which scripts may set to anything; only objects are followed.
     [[nodiscard]] Value protoValue() const { return m_proto; }
-    [[nodiscard]] Object* prototype() const { return m_proto.asObject(); }
+    /// @returns the object that is searched next; null where it is hidden from the running version or is a
+    /// clip.
+    [[nodiscard]] Object* prototype(const Vm& vm) const
+    {
+        Object* object = m_proto.asObject();
+        if (object == nullptr || m_followsProto) [[likely]]
+            return object;
+        return visiblePrototype(vm);
+    }
     void setProto(Vm& vm, Value proto);
     /// @returns whether `prototype` is in the chain, interfaces included (the instanceof operator).
     bool isInstance(Vm& vm, Object* prototype) const;
@@ -168,7 +179,7 @@ public:
     void trace(Tracer& tracer) override;
 
 protected:
-    void setProtoFlags(std::uint16_t flags) { m_protoFlags = flags; }
+    void setProtoFlags(Vm& vm, std::uint16_t flags);
     bool m_isFunction = false;
 
 private:
@@ -182,6 +193,8 @@ private:
         std::vector<Watch> watches;
         std::vector<Object*> interfaces;
     };
+    [[nodiscard]] Object* visiblePrototype(const Vm& vm) const;
+    void noteProtoChange(Vm& vm);
     Extras& extras();
     void addProperty(Vm& vm, Name name, Value value, std::uint16_t flags);
     void putUnwatched(Vm& vm, Name name, Value value);
@@ -191,11 +204,13 @@ private:
     Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);
     [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
+    bool findRaw(const Vm& vm, Name name, Value& result) const;
     bool findSetter(Vm& vm, Name name, Object*& setter);
 
     bool m_hasHooks = false;
     bool m_isPrototype = false; // of some object: its changes outdate caches that looked through it
     bool m_protoIsSet = true;   // cleared when a script deletes __proto__
+    bool m_followsProto = true; // whatever the version, look-ups go on in __proto__
     std::uint16_t m_protoFlags = kBuiltIn;
     Layout* m_layout;
     std::vector<Value> m_slots;

@@ -23,7 +23,7 @@ bool Interpreter::lookup(Vm& vm, Object* object, Name name, Value receiver, Valu
             holder = object;
             return true;
         }
-        object = object->prototype();
+        object = object->prototype(vm);
     }
     return false;
 }
@@ -63,7 +63,7 @@ bool fill(InlineCache& cache, const Frame& frame, Object* object, Name name)
         const Layout* layout = holder->layout();
         const std::uint32_t at = layout->find(name, frame.isCaseSensitive());
         if (at == Layout::kMissing) {
-            holder = holder->prototype();
+            holder = holder->prototype(frame.vm);
             continue;
         }
         const Layout::Property& property = layout->properties()[at];
@@ -185,8 +185,7 @@ Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
             const Value receiver(object);
             const bool found = object->find(vm, name, result, receiver);
             if (found) {
-                if (thisOfCall != nullptr)
-                    *thisOfCall = scope->kind == Scope::Kind::Activation ? nullptr : object;
+                if (thisOfCall != nullptr) *thisOfCall = object;
                 return result;
             }
         }

@@ -108,6 +108,8 @@ void Vm::reportUncaught()
     m_exception = Value();
 }
 
+bool Vm::isConstructing() const { return m_frame != nullptr && m_frame->isConstruct; }
+
 Object* Vm::target() const { return m_frame == nullptr ? nullptr : m_frame->target; }
 
 // ---- paths and variables ---------------------------------------------------------------------------------
@@ -263,7 +265,9 @@ void Vm::registerNative(int table, int index, NativeFunction function, int least
 Function* Vm::nativeByNumber(int table, int index)
 {
     const auto found = m_natives.find({table, index});
-    return found == m_natives.end() ? nullptr : found->second;
+    if (found == m_natives.end()) return nullptr;
+    // Each call makes another object.
+    return newFunction(found->second->nativeFunction(), found->second->least());
 }
 
 void Vm::registerSymbolClass(const std::u16string& symbol, Object* constructor)

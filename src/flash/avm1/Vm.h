@@ -76,7 +76,12 @@ public:
     void throwValue(Value value);
     /// @returns whether a native that calls script in a loop must return at once: an exception is on its way,
     /// or the script is being stopped.
+    /// @returns whether a script went out of bounds (recursion, time): none of the movie runs any more.
+    [[nodiscard]] bool isDisabled() const { return m_disabled; }
     [[nodiscard]] bool isUnwinding() const { return m_thrown || m_aborted; }
+
+    /// @returns whether the running script function was called by `new`.
+    [[nodiscard]] bool isConstructing() const;
 
     /// Version of the movie whose script runs; decides conversions, visibility and case.
     [[nodiscard]] int version() const { return m_version; }
@@ -186,7 +191,7 @@ private:
     Layout* m_emptyLayout = nullptr;
     int m_version = 8;
     std::uint32_t m_epoch = 1;
-    bool m_thrown = false, m_aborted = false, m_stress = false;
+    bool m_thrown = false, m_aborted = false, m_disabled = false, m_stress = false;
     Value m_exception;
     Frame* m_frame = nullptr; // innermost
     int m_depth = 0;

@@ -391,7 +391,7 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
 
 Value clone(Call& call, swf::Bitmap& bitmap)
 {
-    Object* copy = call.vm.newObject(call.self.object()->prototype());
+    Object* copy = call.vm.newObject(call.self.object()->protoValue().asObject());
     copy->attachNew<BitmapDataNative>(std::make_shared<swf::Bitmap>(bitmap));
     return copy;
 }

@@ -47,7 +47,7 @@ Value clone(Call& call)
 {
     const auto* filter = call.native<FilterNative>();
     if (filter == nullptr || filter->kind == FilterKind::Base) return {};
-    Object* copy = call.vm.newObject(call.self.object()->prototype());
+    Object* copy = call.vm.newObject(call.self.object()->protoValue().asObject());
     copy->attach(std::make_unique<FilterNative>(*filter));
     return copy;
 }

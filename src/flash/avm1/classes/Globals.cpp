@@ -67,10 +67,17 @@ Value unescape(Call& call)
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (bytes[i] == '+') {
             plain += ' ';
-        } else if (bytes[i] == '%' && i + 2 < bytes.size() && hexValue(bytes[i + 1]) >= 0 &&
-                   hexValue(bytes[i + 2]) >= 0) {
-            plain += static_cast<char>(hexValue(bytes[i + 1]) << 4 | hexValue(bytes[i + 2]));
+        } else if (bytes[i] == '%') {
+            // An escape that is none is dropped, with what stands in the place of its digits.
+            if (i + 2 >= bytes.size()) break;
+            if (hexValue(bytes[i + 1]) >= 0 && hexValue(bytes[i + 2]) >= 0)
+                plain += static_cast<char>(hexValue(bytes[i + 1]) << 4 | hexValue(bytes[i + 2]));
             i += 2;
+            if (!plain.empty() && plain.back() == '\0') {
+                // The text ends at a NUL byte.
+                plain.pop_back();
+                break;
+            }
         } else {
             plain += bytes[i];
         }
@@ -84,7 +91,7 @@ Value setPropFlags(Call& call)
     Vm& vm = call.vm;
     Object* object = call.arg(0).asObject();
     if (object == nullptr || call.count() < 3) return {};
-    const std::uint16_t mask = vm.version() == 5 ? 0x7 : 0x7FFF & ~kAccessor;
+    constexpr std::uint16_t mask = 0x7FFF;
     const auto set = static_cast<std::uint16_t>(toInt32(vm, call.arg(2)) & mask);
     const auto clear = static_cast<std::uint16_t>(toInt32(vm, call.arg(3)) & mask);
     const Value names = call.arg(1);
@@ -108,6 +115,9 @@ Value setPropFlags(Call& call)
     }
     return {};
 }
+
+/// ASnew(): whether the calling function was called by `new`.
+Value asNew(Call& call) { return Value(call.vm.isConstructing()); }
 
 Value asNative(Call& call)
 {
@@ -233,6 +243,7 @@ constexpr MemberInfo kFunctions[] = {
     {"ASSetNativeAccessor", 0,     0,      &setNativeAccessor},
     {"ASconstructor",       0,     0,      &asConstructor},
     {"ASnative",            2,     0,      &asNative},
+    {"ASnew",               0,     0,      &asNew},
     {"trace",               0,     0,      &traceFunction},
     {"parseInt",            1,     0,      &parseInt},
     {"parseFloat",          1,     0,      &parseFloat},
@@ -246,18 +257,22 @@ constexpr MemberInfo kFunctions[] = {
     {"clearTimeout",        0,     0,      &clearTimer},
     {"updateAfterEvent",    0,     0,      &updateAfterEvent},
 };
-constexpr struct { int table, index; int member; } kNumbers[] = {
-    {1, 0, 0},    // ASSetPropFlags
-    {4, 0, 2},    // ASSetNativeAccessor's neighbour tables hold nothing else of use
-    {2, 0, 6},    // parseInt
-    {2, 1, 7},    // parseFloat
-    {200, 18, 8}, // isNaN
-    {200, 19, 9}, // isFinite
-    {100, 0, 10}, // escape
-    {100, 1, 11}, // unescape
-    {250, 0, 12}, // setInterval
-    {250, 1, 13}, // clearInterval
-    {250, 2, 14}, // setTimeout
+constexpr struct { int table, index; NativeFunction function; } kNumbers[] = {
+    {1, 0, &setPropFlags},
+    {2, 0, &parseInt},
+    {2, 1, &parseFloat},
+    {2, 2, &asNew},
+    {4, 0, &asNative},
+    {100, 0, &escape},
+    {100, 1, &unescape},
+    {100, 2, &parseInt},
+    {100, 3, &parseFloat},
+    {100, 4, &traceFunction},
+    {200, 18, &isNaN},
+    {200, 19, &isFinite},
+    {250, 0, &setInterval},
+    {250, 1, &clearTimer},
+    {250, 2, &setTimeout},
 };
 // clang-format on
 
@@ -266,9 +281,7 @@ constexpr struct { int table, index; int member; } kNumbers[] = {
 void installGlobals(Vm& vm)
 {
     vm.addMembers(vm.global(), kFunctions);
-    for (const auto& number : kNumbers)
-        vm.registerNative(number.table, number.index, kFunctions[number.member].function,
-                          kFunctions[number.member].least);
+    for (const auto& number : kNumbers) vm.registerNative(number.table, number.index, number.function);
     constexpr std::uint16_t kConstant = kBuiltIn;
     vm.global()->define(vm, "NaN", Value(kNaN), kConstant);
     vm.global()->define(vm, "Infinity", Value(std::numeric_limits<double>::infinity()), kConstant);

@@ -28,7 +28,8 @@ Value addProperty(Call& call)
     if (setter != nullptr && !setter->isFunction()) return Value(false);
     const Name name = toName(call.vm, call.arg(0));
     if (name.view().empty()) return Value(false);
-    self->defineAccessor(call.vm, name, getter, setter);
+    // A property that is there already keeps its flags.
+    self->defineAccessor(call.vm, name, getter, setter, self->flagsOf(call.vm, name));
     return Value(true);
 }
 
@@ -61,9 +62,10 @@ Value isPrototypeOf(Call& call)
     Object* object = call.arg(0).asObject();
     if (self == nullptr || object == nullptr) return Value(false);
     int depth = 0;
-    for (object = object->prototype(); object != nullptr && depth < Object::kLongestPrototypeChain; ++depth) {
+    for (object = object->prototype(call.vm); object != nullptr && depth < Object::kLongestPrototypeChain;
+         ++depth) {
         if (object == self) return Value(true);
-        object = object->prototype();
+        object = object->prototype(call.vm);
     }
     return Value(false);
 }
