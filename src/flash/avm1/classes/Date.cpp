@@ -2,6 +2,7 @@
 #include "flash/avm1/classes/Classes.h"
 #include "flash/avm1/classes/DateMath.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -37,18 +38,19 @@ constexpr Part kYearOn[] = {&DateParts::year,        &DateParts::month,   &DateP
 
 std::u16string textOf(double utcMs)
 {
-    if (std::isnan(utcMs)) return u"Invalid Date";
+    if (!std::isfinite(utcMs)) return u"Invalid Date";
     static constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    // Clamped below: times beyond the precision of a double have no weekday.
     const DateParts parts = partsFromTime(localFromUtc(utcMs));
     const auto offset = static_cast<int>(localOffsetMinutes(utcMs));
     char text[80];
-    std::snprintf(text, sizeof text, "%s %s %d %02d:%02d:%02d GMT%c%02d%02d %d", kDays[parts.weekday],
-                  kMonths[static_cast<int>(parts.month)], static_cast<int>(parts.day),
-                  static_cast<int>(parts.hours), static_cast<int>(parts.minutes),
-                  static_cast<int>(parts.seconds), offset < 0 ? '-' : '+', std::abs(offset) / 60,
-                  std::abs(offset) % 60, static_cast<int>(parts.year));
+    std::snprintf(
+        text, sizeof text, "%s %s %d %02d:%02d:%02d GMT%c%02d%02d %d", kDays[std::clamp(parts.weekday, 0, 6)],
+        kMonths[std::clamp(static_cast<int>(parts.month), 0, 11)], static_cast<int>(parts.day),
+        static_cast<int>(parts.hours), static_cast<int>(parts.minutes), static_cast<int>(parts.seconds),
+        offset < 0 ? '-' : '+', std::abs(offset) / 60, std::abs(offset) % 60, static_cast<int>(parts.year));
     const std::string_view view(text);
     return {view.begin(), view.end()};
 }
