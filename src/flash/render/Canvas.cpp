@@ -94,7 +94,8 @@ class Canvas::Impl
 {
 public:
     Impl(SurfaceView target, Quality quality, RenderCache& cache)
-        : m_target{target, 0, 0}, m_quality(quality), m_cache(cache), m_clip(target.bounds())
+        : m_target{target, 0, 0}, m_quality(quality), m_cache(cache), m_clip(target.bounds()),
+          m_drawer(cache.impl().drawer())
     {
     }
 
@@ -150,7 +151,7 @@ private:
     Frame popFrame();
     void finishMask(Mask mask);
 
-    OutlineDrawer m_drawer;
+    OutlineDrawer& m_drawer;
     std::vector<Frame> m_frames;
     std::vector<Mask> m_masks;   // each already cut by those before it
     std::size_t m_firstMask = 0; // masks before this one apply to the layer as a whole

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/render/Flatten.h"
+#include "flash/render/OutlineDrawer.h"
 #include "flash/render/RenderCache.h"
 #include "flash/render/Stroker.h"
 
@@ -35,6 +36,10 @@ public:
     void keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& linear,
                      double pixelScale, std::shared_ptr<const StrokedShape> strokes);
 
+    /// Its scratch memory is worth keeping, too: megabytes, which canvases that live for one frame would
+    /// otherwise get and clear for each. It holds nothing from one drawing call to the next.
+    [[nodiscard]] OutlineDrawer& drawer() { return m_drawer; }
+
     [[nodiscard]] std::size_t usedBytes() const { return m_used; }
     void clear();
 
@@ -60,6 +65,7 @@ private:
     void insert(const Key& key, Entry entry);
     void makeRoom();
 
+    OutlineDrawer m_drawer;
     std::size_t m_budget;
     std::size_t m_used = 0;
     std::uint64_t m_clock = 0;
