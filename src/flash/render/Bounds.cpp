@@ -46,10 +46,8 @@ IntRect boundsOf(const swf::Matrix& m, double xMin, double yMin, double xMax, do
         top = std::min(top, p.y);
         bottom = std::max(bottom, p.y);
     }
-    // Coordinates are rounded to subpixels before they are drawn.
-    constexpr double kRounding = 1.0 / 512;
-    return {saturate(std::floor(left - kRounding)), saturate(std::floor(top - kRounding)),
-            saturate(std::ceil(right + kRounding)), saturate(std::ceil(bottom + kRounding))};
+    return {saturate(std::floor(left)), saturate(std::floor(top)), saturate(std::ceil(right)),
+            saturate(std::ceil(bottom))};
 }
 
 IntRect deviceBounds(const swf::Rect& twips, const swf::Matrix& toDevice)

@@ -182,15 +182,16 @@ private:
 
 GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& color)
 {
-    GradientRamp ramp{};
-    if (gradient.stops.empty()) return ramp;
+    GradientRamp ramp;
     std::array<swf::Rgba, kRampSize> colors;
-    // Before the first stop and after the last one the colour stays as it is. A stop that lies before its
-    // predecessor, which only damaged files have, counts as lying on it.
-    swf::Gradient::Stop previous = gradient.stops.front();
+    // The genuine player fills with black where no colours are given, and moves a stop that does not lie
+    // beyond its predecessor to just behind it. Before the first and after the last one the colour stays.
+    swf::Gradient::Stop previous;
+    if (!gradient.stops.empty()) previous = gradient.stops.front();
     std::fill_n(colors.begin(), previous.ratio + 1, previous.color);
-    for (swf::Gradient::Stop stop : gradient.stops) {
-        stop.ratio = std::max(stop.ratio, previous.ratio);
+    for (std::size_t i = 1; i < gradient.stops.size() && previous.ratio < kRampSize - 1; ++i) {
+        swf::Gradient::Stop stop = gradient.stops[i];
+        stop.ratio = std::max(stop.ratio, static_cast<std::uint8_t>(previous.ratio + 1));
         if (gradient.interpolation == swf::Gradient::Interpolation::Linear)
             fillBetween<mixLinear>(colors, previous, stop);
         else

@@ -182,6 +182,21 @@ TEST(Gradients, MixInLinearLightWhenAskedTo)
     EXPECT_NEAR(picture.at(128, 0) & 0xFF, 188, 1);
 }
 
+TEST(Gradients, TakeStopsThatAreMissingOrOutOfOrder)
+{
+    FillStyle fill = gradientFill(FillStyle::Kind::LinearGradient);
+    fill.gradient.stops = {{127, {255, 0, 0, 255}}, {0, {0, 255, 0, 255}}};
+    Picture picture(256, 1);
+    picture.canvas.drawShape(rectShape(0, 0, 256, 1, fill), kStage);
+    EXPECT_EQ(picture.at(0, 0), kRed);
+    EXPECT_EQ(picture.at(127, 0), kRed);
+    EXPECT_EQ(picture.at(128, 0), kGreen);
+    EXPECT_EQ(picture.at(255, 0), kGreen);
+    fill.gradient.stops.clear();
+    picture.canvas.drawShape(rectShape(0, 0, 256, 1, fill), kStage);
+    EXPECT_EQ(picture.at(100, 0), kBlack);
+}
+
 TEST(Gradients, MeetOtherFillsWithoutSeam)
 {
     FillStyle white = gradientFill(FillStyle::Kind::RadialGradient);
