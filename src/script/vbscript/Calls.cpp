@@ -321,7 +321,9 @@ Result<void> Engine::callMember(MemberSite& site, std::size_t count, std::uint8_
     const Ref<Dispatch> object(holder.asObject());
     if (auto* instance = dynamic_cast<Instance*>(object.get())) {
         const ClassMember* member = TRY_RESULT(instanceMember(*instance, site));
-        return callInstance(*instance, *member, count, flags);
+        auto called = callInstance(*instance, *member, count, flags);
+        if (!called) return withSubject(Failed(std::move(called).error()), siteText(site));
+        return {};
     }
     const void* layout = object->layout();
     if (!layout || layout != site.layout) {
@@ -397,6 +399,7 @@ Result<void> Engine::putInstance(Instance& object, const ClassMember& member, Sy
 {
     Value* bottom = m_sp - count - 2;
     const bool inside = frame().function->owner == object.info;
+    if ((flags & kSet) != 0 && !m_sp[-1].isObject()) return fault(error::kObjectRequired, quoted(m_sp[-1]));
     if (member.field >= 0) {
         if (member.isPrivate && !inside) return fault(error::kNoSuchMember, m_names.spelling(name));
         Value& field = object.fields[static_cast<std::size_t>(member.field)];

@@ -237,8 +237,9 @@ Result<std::int64_t> toCurrency(const Value& value, const Locale& locale)
     if (value.type() == VarType::Currency) return value.tenThousandths();
     if (value.isWhole()) return std::int64_t{value.whole()} * 10000;
     const double number = TRY_RESULT(toDouble(value, locale));
-    const double scaled = roundHalfEven(number * 10000.0);
-    if (!(std::fabs(scaled) < 9223372036854775807.0)) return fault(error::kOverflow);
+    // A Double has too few bits for large amounts in ten-thousandths.
+    const long double scaled = std::nearbyint(static_cast<long double>(number) * 10000.0L);
+    if (!(std::fabs(scaled) < 9223372036854775807.0L)) return fault(error::kOverflow);
     return static_cast<std::int64_t>(scaled);
 }
 

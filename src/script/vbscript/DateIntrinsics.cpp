@@ -68,11 +68,14 @@ double timeOf(const DateParts& parts)
     return (parts.hour * 3600 + parts.minute * 60 + parts.second) / kSecondsPerDay;
 }
 
-Result<Value> now(Engine& engine, ArgumentList) { return Value::date(engine.now()); }
+// Only Timer sees fractions of a second.
+double wholeSeconds(double moment) { return std::floor(moment * kSecondsPerDay + 1e-4) / kSecondsPerDay; }
+
+Result<Value> now(Engine& engine, ArgumentList) { return Value::date(wholeSeconds(engine.now())); }
 Result<Value> date(Engine& engine, ArgumentList) { return Value::date(std::floor(engine.now())); }
 Result<Value> time(Engine& engine, ArgumentList)
 {
-    const double moment = engine.now();
+    const double moment = wholeSeconds(engine.now());
     return Value::date(moment - std::floor(moment));
 }
 Result<Value> timer(Engine& engine, ArgumentList)

@@ -305,10 +305,12 @@ int weekdayOf(double date)
 
 double localNow()
 {
+    const auto moment = std::chrono::system_clock::now().time_since_epoch();
     const std::tm now = localTime();
     const auto days = daysFromDate(now.tm_year + 1900, now.tm_mon + 1, now.tm_mday);
-    return days.value_or(0) + (now.tm_hour * 3600 + now.tm_min * 60 + std::min(now.tm_sec, 59)) /
-                                  static_cast<double>(kSecondsPerDay);
+    const double fraction = std::chrono::duration<double>(moment % std::chrono::seconds(1)).count();
+    const double seconds = now.tm_hour * 3600 + now.tm_min * 60 + std::min(now.tm_sec, 59) + fraction;
+    return days.value_or(0) + seconds / kSecondsPerDay;
 }
 
 int currentYear() { return localTime().tm_year + 1900; }

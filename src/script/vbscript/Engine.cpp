@@ -53,13 +53,16 @@ Engine::~Engine()
 // Objects end in an orderly way first; what then still lives does so in circles or in the host's hands.
 void Engine::tearDown()
 {
-    for (const auto& one : m_globals) {
-        one->value = Value();
+    // By number: what Class_Terminate does may add globals. It still sees the host's objects.
+    for (std::size_t i = 0; i < m_globals.size(); ++i) {
+        if (m_globals[i]->kind == Global::Kind::Variable) m_globals[i]->value = Value();
         if (!m_dying.empty()) runTerminations();
     }
-    m_memberHosts.clear();
     runTerminations();
     m_tornDown = true;
+    for (const auto& one : m_globals) *one = Global();
+    m_memberHosts.clear();
+    m_dying.clear();
     while (!m_objects.empty()) {
         std::vector<Ref<EngineObject>> alive;
         alive.reserve(m_objects.size());

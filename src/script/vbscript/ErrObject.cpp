@@ -73,6 +73,8 @@ Result<Value> ErrObject::raise(Arguments arguments)
     if (given(2)) details.description = TRY_RESULT(toText(arguments[2], locale));
     if (given(3)) details.helpFile = TRY_RESULT(toText(arguments[3], locale));
     if (given(4)) details.helpContext = TRY_RESULT(toLong(arguments[4], locale));
+    // The number's own text, so that nothing is put behind it later.
+    if (details.description.empty()) details.description = errorText(number);
     return raised;
 }
 

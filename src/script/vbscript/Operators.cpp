@@ -266,6 +266,7 @@ Result<std::optional<int>> compareValues(const Value& left, const Value& right, 
         const bool textIsLiteral = (literals & (left.isString() ? kLeftLiteral : kRightLiteral)) != 0;
         const bool otherIsLiteral = (literals & (left.isString() ? kRightLiteral : kLeftLiteral)) != 0;
         if (otherIsLiteral) {
+            if ((literals & kNeverMismatched) != 0 && !isNumericText(text.text(), locale)) return direction;
             const double number = TRY_RESULT(toDouble(text, locale));
             const double against = TRY_RESULT(toDouble(other, locale));
             return direction * sign(number, against);

@@ -9,7 +9,12 @@ namespace script::vbscript
 
 /// Which operands of a comparison were written as literals: text and number then convert to the literal's
 /// kind, while a text and a number out of variables never equal each other.
-enum LiteralOperands : std::uint8_t { kNoLiteral = 0, kLeftLiteral = 1, kRightLiteral = 2 };
+enum LiteralOperands : std::uint8_t {
+    kNoLiteral = 0,
+    kLeftLiteral = 1,
+    kRightLiteral = 2,
+    kNeverMismatched = 4, ///< of a Case: a text that is no number merely differs from one
+};
 
 /// Applies an operator to plain values (default values of objects are fetched before).
 /// @errors 6, 11, 13, 14

@@ -99,7 +99,9 @@ private:
         if (token.kind == TokenKind::Identifier && token.keyword != Keyword::None) {
             if (at(Keyword::Default) && m_class) return declaration(into);
             // The others (Property, Error, Step, Execute...) are plain names at a statement's start, except:
-            if (at(Keyword::Property) && m_class) return declaration(into);
+            const Keyword next = ahead().keyword;
+            const bool declares = next == Keyword::Get || next == Keyword::Let || next == Keyword::Set;
+            if (at(Keyword::Property) && (m_class || declares)) return declaration(into);
         }
         if (m_class && !m_inProcedure) return declaration(into);
         switch (token.kind) {

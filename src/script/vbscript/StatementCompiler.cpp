@@ -244,7 +244,7 @@ Result<void> FunctionCompiler::select(const Statement& one)
         for (const Expression* candidate : branch.conditions) {
             emit(Op::Local, 1, subject);
             CHECK_RESULT(value(candidate));
-            emit(Op::Equal, -1, 0, 0, literals(one.value, candidate));
+            emit(Op::Equal, -1, 0, 0, literals(one.value, candidate) | kNeverMismatched);
             matches.push_back(emitJump(Op::JumpTrue, -1));
         }
         const std::size_t skip = emitJump(Op::Jump, 0);

@@ -150,8 +150,10 @@ Result<void> Engine::storeGlobal(Symbol name, std::uint8_t flags)
     if (found.kind == Global::Kind::Variable) {
         Value value = pop();
         auto stored = store(found.value, std::move(value), flags);
-        if (!stored) return named(Failed(std::move(stored).error()), name);
-        return {};
+        // Errors of a default value are not about the variable.
+        if (!stored && stored.error()->number == error::kTypeMismatch)
+            return named(Failed(std::move(stored).error()), name);
+        return stored;
     }
     if (found.kind == Global::Kind::HostMember) return putGlobal(name, 0, flags);
     return fault(error::kIllegalAssignment, m_names.spelling(name));

@@ -1,0 +1,278 @@
+#include "script/ScriptControl.h"
+
+#include "script/vbscript/Random.h"
+
+#include <gtest/gtest.h>
+
+namespace script
+{
+
+namespace
+{
+
+std::u16string evaluated(ScriptControl& control, std::u16string_view expression)
+{
+    const auto value = control.eval(expression);
+    if (!value) return u"failed";
+    const auto text = control.textOf(*value);
+    return text ? *text : u"no text";
+}
+
+Ref<HostObject> counter(int& calls)
+{
+    auto object = make<HostObject>(u"Counter");
+    object->property(
+        u"Total", [&calls]() -> Result<Value> { return Value::longInteger(calls); },
+        [&calls](const Value& value) -> Result<void> {
+            calls = value.whole();
+            return {};
+        });
+    object->method(u"PlayMedia", [&calls](Arguments) -> Result<Value> {
+        ++calls;
+        return Value();
+    });
+    return object;
+}
+
+} // namespace
+
+TEST(ScriptControl, ReachesHostMembersWithAndWithoutTheObjectsName)
+{
+    int calls = 0;
+    ScriptControl control;
+    const auto player = counter(calls);
+    control.addObject(u"Player", *player, true);
+    ASSERT_TRUE(control.executeStatement(u"playmedia"));
+    ASSERT_TRUE(control.executeStatement(u"Player.PlayMedia"));
+    ASSERT_TRUE(control.executeStatement(u"Call PlayMedia()"));
+    EXPECT_EQ(calls, 3);
+    ASSERT_TRUE(control.executeStatement(u"TOTAL = 40 + 2"));
+    EXPECT_EQ(calls, 42);
+    EXPECT_EQ(evaluated(control, u"Player.total / 2"), u"21");
+    // A procedure of the script comes before a global member.
+    ASSERT_TRUE(control.addCode(u"Sub PlayMedia : Player.Total = -1 : End Sub"));
+    ASSERT_TRUE(control.executeStatement(u"PlayMedia"));
+    EXPECT_EQ(calls, -1);
+}
+
+TEST(ScriptControl, HidesMembersOfObjectsAddedWithoutThem)
+{
+    int calls = 0;
+    ScriptControl control;
+    const auto element = counter(calls);
+    control.addObject(u"btnPlay", *element);
+    EXPECT_FALSE(control.executeStatement(u"PlayMedia"));
+    EXPECT_EQ(control.error().number, 13);
+    EXPECT_TRUE(control.executeStatement(u"btnPlay.PlayMedia"));
+    EXPECT_FALSE(control.executeStatement(u"btnPlay.Stop"));
+    EXPECT_EQ(control.error().number, 438);
+    EXPECT_EQ(control.error().description, u"Object doesn't support this property or method: 'btnPlay.Stop'");
+}
+
+TEST(ScriptControl, ReportsWhereAndWhyCodeFails)
+{
+    ScriptControl control;
+    EXPECT_FALSE(control.addCode(u"\r\nSub onLoad\r\n  x =\r\nEnd Sub"));
+    EXPECT_EQ(control.error().number, 1002);
+    EXPECT_EQ(control.error().line, 3);
+    EXPECT_EQ(control.error().column, 6);
+    EXPECT_EQ(control.error().text, u"  x =");
+    EXPECT_EQ(control.error().source, u"Microsoft VBScript compilation error");
+    EXPECT_FALSE(control.executeStatement(u"onLoad"));
+    EXPECT_EQ(control.error().number, 13);
+    EXPECT_EQ(control.error().line, 1);
+    control.error().clear();
+    EXPECT_EQ(control.error().number, 0);
+}
+
+TEST(ScriptControl, KnowsNothingOfEarlierCodeAfterReset)
+{
+    int calls = 0;
+    ScriptControl control;
+    const auto player = counter(calls);
+    control.addObject(u"Player", *player, true);
+    ASSERT_TRUE(control.addCode(u"x = 5 : Sub onLoad : PlayMedia : End Sub"));
+    ASSERT_TRUE(control.run(u"onLoad"));
+    control.reset();
+    EXPECT_EQ(evaluated(control, u"TypeName(x)"), u"Empty");
+    EXPECT_FALSE(control.run(u"onLoad"));
+    EXPECT_FALSE(control.executeStatement(u"PlayMedia"));
+    EXPECT_EQ(player->references(), 1U);
+}
+
+TEST(ScriptControl, SurvivesAResetFromInsideARunningScript)
+{
+    ScriptControl control;
+    const auto player = make<HostObject>(u"Player");
+    int later = 0;
+    player->method(u"LoadNewSkin", [&](Arguments) -> Result<Value> {
+        control.reset();
+        control.addObject(u"Player", *player, true);
+        static_cast<void>(control.addCode(u"mark = 2 : Function WhoAmI : WhoAmI = \"new\" : End Function"));
+        return Value();
+    });
+    player->method(u"Note", [&](Arguments) -> Result<Value> {
+        ++later;
+        return Value();
+    });
+    control.addObject(u"Player", *player, true);
+    ASSERT_TRUE(control.addCode(u"Sub Change : LoadNewSkin : Note : End Sub"));
+    EXPECT_TRUE(control.executeStatement(u"Change"));
+    EXPECT_EQ(later, 1);
+    EXPECT_EQ(evaluated(control, u"WhoAmI"), u"new");
+}
+
+TEST(ScriptControl, RunsStatementsFromInsideACallOfTheHost)
+{
+    ScriptControl control;
+    const auto player = make<HostObject>(u"Player");
+    player->method(u"OpenMedia", [&](Arguments) -> Result<Value> {
+        static_cast<void>(control.executeStatement(u"changes = changes + 1"));
+        return Value();
+    });
+    player->method(u"Again", [&](Arguments) -> Result<Value> {
+        if (!control.executeStatement(u"Again")) return fault(control.error().number);
+        return Value();
+    });
+    control.addObject(u"Player", *player, true);
+    ASSERT_TRUE(control.addCode(u"Dim changes : changes = 0 : OpenMedia : OpenMedia"));
+    EXPECT_EQ(evaluated(control, u"changes"), u"2");
+    // A host that calls back without end is stopped before the native stack is.
+    EXPECT_FALSE(control.executeStatement(u"Again"));
+    EXPECT_EQ(control.error().number, 28);
+}
+
+TEST(ScriptControl, RefusesOtherLanguages)
+{
+    ScriptControl control;
+    EXPECT_TRUE(control.setLanguage(u"vbSCRIPT"));
+    EXPECT_FALSE(control.setLanguage(u"JScript"));
+    EXPECT_EQ(control.error().number, 380);
+    EXPECT_NE(control.error().description.find(u"JScript"), std::u16string::npos);
+}
+
+TEST(ScriptControl, AsksTheHostWhenTheTimeIsUp)
+{
+    struct AskedHost final : Host {
+        int asked = 0;
+        bool continueAfterTimeout() override { return ++asked < 2; }
+    } host;
+    ScriptControl control(&host);
+    control.setTimeout(std::chrono::milliseconds(20));
+    // Not even a script that ignores errors survives the end of its time.
+    EXPECT_FALSE(control.executeStatement(u"On Error Resume Next : Do : Loop"));
+    EXPECT_EQ(host.asked, 2);
+    EXPECT_EQ(control.error().description, u"Script execution was interrupted");
+    EXPECT_EQ(evaluated(control, u"1 + 1"), u"2");
+}
+
+TEST(ScriptControl, KeepsStringsAndArraysWithinTheHeapLimit)
+{
+    ScriptControl control;
+    control.setHeapLimit(std::size_t{8} << 20);
+    EXPECT_FALSE(control.executeStatement(u"s = \"ab\" : Do : s = s & s : Loop"));
+    EXPECT_EQ(control.error().number, 7);
+    EXPECT_FALSE(control.executeStatement(u"ReDim a(3000000)"));
+    EXPECT_EQ(control.error().number, 7);
+    EXPECT_TRUE(control.executeStatement(u"s = \"\" : ReDim a(1000)"));
+}
+
+TEST(ScriptControl, LeavesDialogsToTheHost)
+{
+    struct DialogHost final : Host {
+        std::u16string shown;
+        int messageBox(const std::u16string& text, int buttons, const std::u16string& title) override
+        {
+            shown = text + u"|" + title + (buttons == 36 ? u"|?" : u"|");
+            return 6;
+        }
+        std::optional<std::u16string> inputBox(const std::u16string&, const std::u16string&,
+                                               const std::u16string& preset) override
+        {
+            if (preset.empty()) return std::nullopt;
+            return preset + u"!";
+        }
+    } host;
+    ScriptControl control(&host);
+    EXPECT_EQ(evaluated(control, u"MsgBox(\"Да?\", vbYesNo + vbQuestion, \"T\") = vbYes"), u"True");
+    EXPECT_EQ(host.shown, u"Да?|T|?");
+    EXPECT_EQ(evaluated(control, u"InputBox(\"a\", , \"x\")"), u"x!");
+    EXPECT_EQ(evaluated(control, u"IsEmpty(InputBox(\"a\"))"), u"True");
+}
+
+TEST(ScriptControl, PassesValuesInAndOutOfProcedures)
+{
+    ScriptControl control;
+    ASSERT_TRUE(control.addCode(u"Function Twice(v) : v = v * 2 : Twice = v : End Function"));
+    const Value arguments[] = {Value::integer(21)};
+    const auto result = control.run(u"twice", arguments);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->type(), VarType::Integer);
+    EXPECT_EQ(result->whole(), 42);
+    EXPECT_FALSE(control.run(u"Twice"));
+    EXPECT_EQ(control.error().number, 450);
+}
+
+TEST(ScriptControl, LetsAHostKeepAScriptsObjectPastReset)
+{
+    ScriptControl control;
+    ASSERT_TRUE(control.addCode(u"Class A : Public Default Function F : F = 3 : End Function : End Class"));
+    auto object = control.eval(u"New A");
+    ASSERT_TRUE(object);
+    ASSERT_TRUE(object->isObject());
+    EXPECT_EQ(*control.textOf(*object), u"3");
+    control.reset();
+    EXPECT_FALSE(control.textOf(*object));
+}
+
+TEST(Random, GivesTheSequenceThatScriptsCountOn)
+{
+    vbscript::Random random;
+    EXPECT_FLOAT_EQ(random.next(), 0.7055475F);
+    EXPECT_FLOAT_EQ(random.next(), 0.533424F);
+    random.restart(-1);
+    EXPECT_FLOAT_EQ(random.next(), 0.224007F);
+}
+
+// Sizes that skins of the time did not reach, all within seconds even with the sanitizers.
+TEST(ScriptLimits, LargeInputsAreFineAndDeepOnesRefused)
+{
+    ScriptControl control;
+    std::u16string lines;
+    for (int i = 0; i < 10000; ++i) lines += u"total = total + 1\r\n";
+    ASSERT_TRUE(control.addCode(lines));
+    EXPECT_EQ(evaluated(control, u"total"), u"10000");
+
+    std::u16string sum = u"1";
+    for (int i = 0; i < 20000; ++i) sum += u"+1";
+    EXPECT_EQ(evaluated(control, sum), u"20001");
+
+    struct Case {
+        const char* name;
+        std::u16string text;
+    };
+    const auto repeated = [](std::u16string_view part, int count) {
+        std::u16string text;
+        for (int i = 0; i < count; ++i) text += part;
+        return text;
+    };
+    const Case kCases[] = {
+        {"parentheses", u"x = " + repeated(u"(", 5000) + u"1" + repeated(u")", 5000)},
+        {"signs", u"x = " + repeated(u"- ", 5000) + u"1"},
+        {"negations", u"x = " + repeated(u"Not ", 5000) + u"1"},
+        {"powers", u"x = " + repeated(u"2^-", 5000) + u"1"},
+        {"indexes", u"x = a" + repeated(u"(1)", 5000)},
+        {"members", u"x = a" + repeated(u".b", 5000)},
+        {"arguments", u"x = " + repeated(u"f(", 5000)},
+        {"blocks", repeated(u"If a Then\n", 5000)},
+        {"single lines", repeated(u"If a Then ", 5000)},
+        {"loops", repeated(u"Do\n", 5000)},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_FALSE(control.executeStatement(c.text));
+        EXPECT_EQ(control.error().number, 1001);
+    }
+}
+
+} // namespace script

@@ -1,0 +1,17 @@
+Dim f(3), d(), m(2, 1)
+Echo UBound(f), LBound(f), UBound(m, 1), UBound(m, 2), IsArray(d), IsEmpty(f(0))
+f(0) = 1 : f("1") = 2 : f(1.6) = 3 : Echo f(0), f(1), f(2)
+ReDim d(2) : d(2) = "x" : ReDim Preserve d(4) : Echo d(2), UBound(d)
+ReDim d(1) : Echo IsEmpty(d(1))
+ReDim Preserve e(3) : Echo UBound(e)
+ReDim p(1, 2) : p(1, 2) = 7 : ReDim Preserve p(1, 5) : Echo p(1, 2), UBound(p, 2)
+n = 4 : ReDim q(n * 2) : Echo UBound(q)
+a = Array(1, 2) : b = a : b(0) = 9 : Echo a(0), b(0)
+a = Array(Array(1, 2), Array(3)) : a(0)(1) = 5 : Echo a(0)(1), a(1)(0), UBound(a(0))
+c = a : c(0)(1) = 6 : Echo a(0)(1), c(0)(1)
+Erase f : Echo IsEmpty(f(0)), UBound(f)
+Erase d : On Error Resume Next : Echo UBound(d) : Echo Err.Number : Err.Clear
+Echo UBound(Array()), Join(Array("a", 1, True), "-")
+Function Make : Make = Array(7, 8) : End Function
+Echo Make()(1)
+g = f : ReDim g(9) : Echo UBound(g)

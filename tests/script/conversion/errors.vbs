@@ -1,0 +1,16 @@
+On Error Resume Next
+Sub Report(what) : Echo what, Err.Number, Err.Description : Err.Clear : End Sub
+x = CInt(40000) : Report "CInt"
+x = CInt(32767.5) : Report "CInt"
+x = CByte(-1) : Report "CByte"
+x = CByte(256) : Report "CByte"
+x = CLng("3000000000") : Report "CLng"
+x = CInt("abc") : Report "CInt"
+x = CDbl("") : Report "CDbl"
+x = CBool("yes") : Report "CBool"
+x = CDate("nonsense") : Report "CDate"
+x = CSng(1E300) : Report "CSng"
+x = CCur(1E15) : Report "CCur"
+x = CInt(CreateObject("Scripting.Dictionary")) : Report "object"
+x = CStr(Array(1)) : Report "array"
+x = CDbl("1E999") : Report "huge"

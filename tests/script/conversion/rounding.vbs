@@ -1,0 +1,5 @@
+Echo CInt(0.5), CInt(1.5), CInt(2.5), CInt(-0.5), CInt(-1.5), CLng(2.5000001), CByte(254.5), CInt("2.5")
+Echo Round(0.5), Round(1.5), Round(2.5), Round(-2.5), Round(1.005, 2), Round(0.125, 2), Round(1.25, 1), Round(1.35, 1)
+Echo Int(2.7), Int(-2.7), Fix(2.7), Fix(-2.7), Int("3.9"), TypeName(Int(2.5)), TypeName(Int(3)), TypeName(Fix("1.5"))
+Echo TypeName(Round(2)), TypeName(Round(2.5)), CCur(0.00005), CCur(1.23456)
+Echo Sgn(-3.5), Sgn(0), Abs(-32768), TypeName(Abs(-5)), Abs("-5"), TypeName(Abs("-5")), Abs(True)

@@ -1,0 +1,15 @@
+On Error Resume Next
+Sub Report(what) : Echo what, Err.Number, Err.Description : Err.Clear : End Sub
+x = 1 / 0 : Report "1/0"
+x = 0 / 0 : Report "0/0"
+x = 5 \ 0 : Report "5\0"
+x = 5 Mod 0.4 : Report "Mod"
+x = 1E308 * 10 : Report "overflow"
+x = 3000000000 \ 1 : Report "long"
+x = (-8) ^ 0.5 : Report "root"
+x = "abc" + 1 : Report "text"
+x = "abc" * "2" : Report "texts"
+Dim a(2) : x = a + 1 : Report "array"
+x = Not "abc" : Report "not"
+x = CCur(900000000000000) * 1000000000 : Report "currency"
+x = #12/31/9999# + 1 : Report "date"

@@ -1,0 +1,2 @@
+For a.b = 1 To 2
+Next

@@ -1,0 +1,3 @@
+Class A
+Private Default Function F : End Function
+End Class

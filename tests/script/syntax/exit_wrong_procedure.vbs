@@ -1,0 +1,3 @@
+Sub a
+Exit Function
+End Sub

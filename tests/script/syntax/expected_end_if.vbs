@@ -1,0 +1,3 @@
+If a Then
+ Echo 1
+End Sub

@@ -1,0 +1,2 @@
+For Each a b
+Next

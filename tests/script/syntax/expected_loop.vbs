@@ -1,0 +1,3 @@
+Do
+Echo 1
+Next

@@ -1,0 +1,2 @@
+If a
+End If

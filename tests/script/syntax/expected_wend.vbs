@@ -1,0 +1,2 @@
+While x
+End

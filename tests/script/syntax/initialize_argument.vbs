@@ -1,0 +1,3 @@
+Class A
+Sub Class_Initialize(x) : End Sub
+End Class

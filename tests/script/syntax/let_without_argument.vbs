@@ -1,0 +1,4 @@
+Class A
+Property Let Foo()
+End Property
+End Class

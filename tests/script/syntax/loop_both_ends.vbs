@@ -1,0 +1,2 @@
+Do While x
+Loop Until y

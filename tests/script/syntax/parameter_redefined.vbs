@@ -1,0 +1,2 @@
+Sub f(a, b, A)
+End Sub

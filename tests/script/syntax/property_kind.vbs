@@ -1,0 +1,4 @@
+Class A
+Property Foo
+End Property
+End Class

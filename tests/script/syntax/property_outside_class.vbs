@@ -1,0 +1,1 @@
+Property Get A : End Property

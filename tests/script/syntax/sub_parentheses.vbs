@@ -1,0 +1,2 @@
+Sub f(a, b) : End Sub
+f(1, 2)
