@@ -147,8 +147,9 @@ void Value::drop()
 Array* Value::writableArray()
 {
     assert(isArray() && "only arrays have elements");
-    // A locked array is being walked or lent out by reference: the walker sees the writes, so no copy then.
-    if (m_array->references() > 1 && m_array->locks == 0) {
+    // Who locks an array (a For Each, an element lent out by reference) holds a reference to it and is to see
+    // writes.
+    if (m_array->isShared()) {
         Value copy = array(new Array(*m_array, 0));
         swap(copy);
     }

@@ -11,27 +11,41 @@
 namespace script
 {
 
-/// What a variant holds. The numbers are those that the script function VarType answers.
+/// What a variant holds. The low bits are the number that the script function VarType answers
+/// (varTypeNumber); the flags let the machine tell kinds apart with one test.
 enum class VarType : std::uint16_t {
+    CountedFlag = 0x100,
+    WholeFlag = 0x400,
+    ReferenceFlag = 0x4000,
+
     Empty = 0,
     Null = 1,
-    Integer = 2, ///< 16 bits
-    Long = 3,    ///< 32 bits
+    Integer = 2 | WholeFlag, ///< 16 bits
+    Long = 3 | WholeFlag,    ///< 32 bits
     Single = 4,
     Double = 5,
-    Currency = 6, ///< 64 bits, in ten-thousandths
-    Date = 7,     ///< days since 30 December 1899, the fraction is the time of day
-    String = 8,   ///< UTF-16
-    Object = 9,   ///< may be Nothing
-    Error = 10,   ///< a code; also stands for an argument left out
-    Boolean = 11,
-    Byte = 17,
-    Array = 8204, ///< of variants
+    Currency = 6,             ///< 64 bits, in ten-thousandths
+    Date = 7,                 ///< days since 30 December 1899, the fraction is the time of day
+    String = 8 | CountedFlag, ///< UTF-16
+    Object = 9 | CountedFlag, ///< may be Nothing
+    Error = 10,               ///< a code; also stands for an argument left out
+    Boolean = 11 | WholeFlag,
+    Byte = 17 | WholeFlag,
+    Array = 8204 | CountedFlag, ///< of variants
 
     // Only inside the engine: where an argument is handed over by reference.
-    Reference = 0x4000,
-    ElementReference = 0x4001,
+    Reference = ReferenceFlag,
+    ElementReference = ReferenceFlag | CountedFlag,
 };
+
+constexpr bool hasFlag(VarType type, VarType flag)
+{
+    return (static_cast<unsigned>(type) & static_cast<unsigned>(flag)) != 0;
+}
+constexpr std::int16_t varTypeNumber(VarType type)
+{
+    return static_cast<std::int16_t>(static_cast<unsigned>(type) & 0x20FF);
+}
 
 /// Anything that variants share and count. Releases are iterative: a chain of a million objects each holding
 /// the next one is freed without deep recursion. Not thread-safe, like the engine itself.
@@ -201,19 +215,12 @@ public:
     [[nodiscard]] bool isMissing() const { return m_type == VarType::Error && m_long == kMissing; }
     [[nodiscard]] bool isNumeric() const
     {
-        return (m_type >= VarType::Integer && m_type <= VarType::Currency) || m_type == VarType::Boolean ||
-               m_type == VarType::Byte;
+        return isWhole() || m_type == VarType::Single || m_type == VarType::Double ||
+               m_type == VarType::Currency;
     }
     /// Whether the number is kept as a whole one of at most 32 bits (Integer, Long, Byte, Boolean).
-    [[nodiscard]] bool isWhole() const
-    {
-        return m_type == VarType::Integer || m_type == VarType::Long || m_type == VarType::Boolean ||
-               m_type == VarType::Byte;
-    }
-    [[nodiscard]] bool isReference() const
-    {
-        return m_type >= VarType::Reference && m_type < VarType(0x4002);
-    }
+    [[nodiscard]] bool isWhole() const { return hasFlag(m_type, VarType::WholeFlag); }
+    [[nodiscard]] bool isReference() const { return hasFlag(m_type, VarType::ReferenceFlag); }
 
     // The stored payload; each may be asked only of the types that carry it.
     [[nodiscard]] std::int32_t whole() const { return m_long; }
@@ -272,11 +279,7 @@ private:
         return result;
     }
     friend struct ElementReference;
-    [[nodiscard]] bool isCounted() const
-    {
-        return m_type == VarType::String || m_type == VarType::Object || m_type == VarType::Array ||
-               m_type == VarType::ElementReference;
-    }
+    [[nodiscard]] bool isCounted() const { return hasFlag(m_type, VarType::CountedFlag); }
     void retain() const;
     void drop();
 
@@ -318,6 +321,11 @@ public:
     static bool countElements(const std::vector<std::int32_t>& bounds, std::size_t& count);
     /// Changes the last dimension's highest index and keeps the elements.
     void resizeLast(std::int32_t bound);
+
+    /// Whether several variables hold it, so that a write must copy it first.
+    [[nodiscard]] bool isShared() const { return references() > 1 + locks; }
+    /// Whether its elements must stay where they are: a variable may not be given another array now.
+    [[nodiscard]] bool isLocked() const { return locks > 0 && !isShared(); }
 
     std::vector<std::int32_t> bounds; // the highest index of each dimension
     std::vector<Value> elements;

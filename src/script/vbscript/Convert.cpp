@@ -237,8 +237,12 @@ Result<std::int64_t> toCurrency(const Value& value, const Locale& locale)
     if (value.type() == VarType::Currency) return value.tenThousandths();
     if (value.isWhole()) return std::int64_t{value.whole()} * 10000;
     const double number = TRY_RESULT(toDouble(value, locale));
-    // A Double has too few bits for large amounts in ten-thousandths.
-    const long double scaled = std::nearbyint(static_cast<long double>(number) * 10000.0L);
+    // A Double has too few bits for large amounts in ten-thousandths; for small ones its own rounding keeps
+    // 0.00005 a half.
+    constexpr double kExact = 9007199254740992.0;
+    const long double scaled = std::fabs(number) * 10000.0 < kExact
+                                   ? static_cast<long double>(roundHalfEven(number * 10000.0))
+                                   : std::nearbyint(static_cast<long double>(number) * 10000.0L);
     if (!(std::fabs(scaled) < 9223372036854775807.0L)) return fault(error::kOverflow);
     return static_cast<std::int64_t>(scaled);
 }
@@ -350,7 +354,7 @@ std::u16string typeNameOf(const Value& value)
     case VarType::Boolean: return u"Boolean";
     case VarType::Byte: return u"Byte";
     case VarType::Array: return u"Variant()";
-    default: return typeNameOf(value.resolved());
+    default: return value.isReference() ? typeNameOf(value.resolved()) : u"Unknown";
     }
 }
 

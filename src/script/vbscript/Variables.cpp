@@ -109,8 +109,8 @@ Result<void> Engine::store(Value& target, Value value, std::uint8_t flags)
     } else if (value.isArray() && value.asArray()->locks > 0) {
         value = Value::array(new Array(*value.asArray(), 0));
     }
-    if (place.isArray() && (place.asArray()->locks > 0 || !place.asArray()->resizable)) {
-        return fault(place.asArray()->locks > 0 ? error::kArrayLocked : error::kTypeMismatch);
+    if (place.isArray() && (place.asArray()->isLocked() || !place.asArray()->resizable)) {
+        return fault(place.asArray()->isLocked() ? error::kArrayLocked : error::kTypeMismatch);
     }
     place = std::move(value);
     return {};
@@ -282,7 +282,7 @@ Result<void> Engine::reDim(std::size_t count, bool preserve)
     Value reference = pop();
     if (!reference.isReference()) return fault(error::kTypeMismatch);
     Value& target = reference.resolved();
-    if (target.isArray() && (target.asArray()->locks > 0 || !target.asArray()->resizable))
+    if (target.isArray() && (target.asArray()->isLocked() || !target.asArray()->resizable))
         return fault(error::kArrayLocked);
     if (!preserve || !target.isArray() || target.asArray()->bounds.empty()) {
         target = Value::array(new Array(std::move(bounds), true));
@@ -301,7 +301,7 @@ Result<void> Engine::erase()
     Value reference = pop();
     Value& target = reference.resolved();
     if (!target.isArray()) return fault(error::kTypeMismatch);
-    if (target.asArray()->locks > 0) return fault(error::kArrayLocked);
+    if (target.asArray()->isLocked()) return fault(error::kArrayLocked);
     // A fixed array keeps its size and loses its contents.
     target =
         Value::array(target.asArray()->resizable ? new Array() : new Array(target.asArray()->bounds, false));

@@ -16,9 +16,9 @@ Result<Value> varType(Engine& engine, ArgumentList a)
 {
     // An object with a default value counts as that value.
     if (a[0].isObject() && a[0].asObject()) {
-        if (auto value = engine.plain(a[0])) return Value::integer(static_cast<std::int16_t>(value->type()));
+        if (auto value = engine.plain(a[0])) return Value::integer(varTypeNumber(value->type()));
     }
-    return Value::integer(static_cast<std::int16_t>(a[0].type()));
+    return Value::integer(varTypeNumber(a[0].type()));
 }
 
 Result<Value> typeName(Engine&, ArgumentList a) { return Value::string(typeNameOf(a[0])); }
