@@ -135,7 +135,7 @@ Result<void> FunctionCompiler::call(const Expression* expression, std::uint8_t f
 Result<void> FunctionCompiler::object(const Expression* expression)
 {
     if (expression->left) return value(expression->left);
-    if (m_withSlots.empty()) return failAt(error::kSyntax, expression->position);
+    if (m_withSlots.empty()) return failAt(error::kUnqualifiedReference, expression->position);
     emit(Op::Local, 1, m_withSlots.back());
     return {};
 }

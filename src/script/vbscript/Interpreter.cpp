@@ -330,7 +330,21 @@ Result<Value> Engine::run()
             }
             SLOW(storeGlobal(at.a, at.flags))
         }
-        case Op::StoreImplicit: SLOW(storeImplicit(function->implicitNames[at.a], at.flags))
+        case Op::StoreImplicit: {
+            const ImplicitName& name = function->implicitNames[at.a];
+            const Global& found = *m_globals[name.name];
+            const Value& value = sp[-1];
+            const bool isLocal = found.kind == Global::Kind::Undefined &&
+                                 found.hostsAsked == static_cast<int>(m_memberHosts.size());
+            if (isLocal && (at.flags & kSet) == 0 && (value.isNumeric() || value.isString())) {
+                Value& target = locals[name.slot].resolved();
+                if (!target.isArray()) {
+                    target = std::move(*--sp);
+                    break;
+                }
+            }
+            SLOW(storeImplicit(name, at.flags))
+        }
         case Op::StoreField: {
             leave();
             Value taken = pop();
@@ -413,10 +427,19 @@ Result<Value> Engine::run()
         }
         case Op::ForNext: {
             const Value* hidden = locals + at.count;
-            Value* variable =
-                at.flags == static_cast<std::uint8_t>(VariableKind::Local)    ? &locals[at.a].resolved()
-                : at.flags == static_cast<std::uint8_t>(VariableKind::Global) ? &m_globals[at.a]->value
-                                                                              : nullptr;
+            Value* variable = nullptr;
+            switch (static_cast<VariableKind>(at.flags)) {
+            case VariableKind::Local: variable = &locals[at.a].resolved(); break;
+            case VariableKind::Global: variable = &m_globals[at.a]->value; break;
+            case VariableKind::Implicit: {
+                const ImplicitName& name = function->implicitNames[at.a];
+                Global& found = *m_globals[name.name];
+                variable =
+                    found.kind == Global::Kind::Undefined ? &locals[name.slot].resolved() : &found.value;
+                break;
+            }
+            case VariableKind::Field: break;
+            }
             if (variable && variable->isWhole() && bothWhole(hidden[0], hidden[1])) {
                 const std::int32_t step = hidden[1].whole();
                 const std::int64_t stepped = std::int64_t{variable->whole()} + step;

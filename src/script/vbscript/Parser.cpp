@@ -1,9 +1,7 @@
 #include "script/vbscript/Parser.h"
 
+#include "script/vbscript/DeclarationParser.h"
 #include "script/vbscript/Errors.h"
-#include "script/vbscript/ExpressionParser.h"
-
-#include <algorithm>
 
 namespace script::vbscript
 {
@@ -13,10 +11,10 @@ namespace
 
 using Kind = Statement::Kind;
 
-class Parser : public ExpressionParser
+class Parser : public DeclarationParser
 {
 public:
-    using ExpressionParser::ExpressionParser;
+    using DeclarationParser::DeclarationParser;
 
     Result<std::unique_ptr<Tree>> wholeCode()
     {
@@ -47,14 +45,6 @@ private:
         while (at(TokenKind::EndOfLine) || at(TokenKind::Colon)) advance();
     }
 
-    Statement* statementAt(Kind kind, const Token& token)
-    {
-        Statement& made = m_tree->statements.emplace_back();
-        made.kind = kind;
-        made.position = positionOf(token);
-        return &made;
-    }
-
     // Whether the current word closes the block it stands in; whose end it is, the caller checks.
     [[nodiscard]] bool atBlockEnd() const
     {
@@ -72,7 +62,7 @@ private:
         }
     }
 
-    Result<Block> block()
+    Result<Block> block() override
     {
         if (++m_blocks > kMaxBlocks) return failHere(1001);
         Block found;
@@ -85,12 +75,6 @@ private:
         }
         --m_blocks;
         return found;
-    }
-
-    Result<void> endWord(Keyword keyword, int number)
-    {
-        CHECK_RESULT(expect(Keyword::End, 1014));
-        return expect(keyword, number);
     }
 
     Result<void> statement(Block& into)
@@ -145,202 +129,6 @@ private:
         case Keyword::Option: return failHere(error::kSyntax);
         default: return failHere(error::kSyntax);
         }
-    }
-
-    // ---- declarations
-
-    Result<void> declaration(Block& into)
-    {
-        const Token& token = current();
-        const bool isPublic = accept(Keyword::Public);
-        const bool isPrivate = !isPublic && accept(Keyword::Private);
-        bool isDefault = false;
-        if (at(Keyword::Default)) {
-            if (!m_class) return failHere(1048);
-            advance();
-            if (!isPublic) return failHere(1057);
-            isDefault = true;
-        }
-        if (at(Keyword::Sub) || at(Keyword::Function) || (at(Keyword::Property) && m_class)) {
-            return procedure(isPrivate, isDefault);
-        }
-        if (isDefault) return failHere(1056);
-        if (at(Keyword::Property)) return failHere(1048);
-        if (accept(Keyword::Const)) {
-            if (m_class && !m_inProcedure) return failHere(error::kSyntax);
-            return constants(into, token);
-        }
-        if (at(Keyword::Class)) {
-            if (isPublic || isPrivate || m_class) return failHere(error::kSyntax);
-            return classDeclaration();
-        }
-        const bool dim = accept(Keyword::Dim);
-        if (!dim && !isPublic && !isPrivate) return failHere(error::kSyntax);
-        if ((isPublic || isPrivate) && (dim || m_inProcedure))
-            return failHere(m_inProcedure ? error::kSyntax : 1010);
-        auto* made = statementAt(Kind::Dim, token);
-        do {
-            made->declarators.push_back(TRY_RESULT(variable()));
-            made->declarators.back().isPrivate = isPrivate;
-        } while (accept(TokenKind::Comma));
-        if (m_class && !m_inProcedure) {
-            for (Declarator& field : made->declarators) m_class->fields.push_back(std::move(field));
-        } else {
-            into.push_back(made);
-        }
-        return {};
-    }
-
-    Result<Declarator> variable()
-    {
-        Declarator made;
-        made.position = positionOf(current());
-        made.name = TRY_RESULT(identifier());
-        if (!accept(TokenKind::LeftParen)) return made;
-        made.isArray = true;
-        if (accept(TokenKind::RightParen)) return made;
-        do {
-            if (!at(TokenKind::Number) || !current().value.isWhole()) return failHere(1026);
-            made.bounds.push_back(current().value.whole());
-            advance();
-        } while (accept(TokenKind::Comma));
-        std::size_t count = 0;
-        if (made.bounds.size() > 60 || !Array::countElements(made.bounds, count)) return failHere(1001);
-        CHECK_RESULT(expect(TokenKind::RightParen, 1006));
-        return made;
-    }
-
-    Result<void> constants(Block& into, const Token& token)
-    {
-        auto* made = statementAt(Kind::Const, token);
-        do {
-            Declarator constant;
-            constant.position = positionOf(current());
-            constant.name = TRY_RESULT(identifier());
-            CHECK_RESULT(expect(TokenKind::Equal, 1011));
-            constant.literal = TRY_RESULT(constantValue());
-            made->declarators.push_back(std::move(constant));
-        } while (accept(TokenKind::Comma));
-        into.push_back(made);
-        return {};
-    }
-
-    // A literal, perhaps with signs and parentheses.
-    Result<Value> constantValue()
-    {
-        int open = 0;
-        bool negative = false;
-        bool isSigned = false;
-        for (;; advance()) {
-            if (at(TokenKind::LeftParen)) {
-                ++open;
-            } else if (at(TokenKind::Minus)) {
-                negative = !negative;
-                isSigned = true;
-            } else if (at(TokenKind::Plus)) {
-                isSigned = true;
-            } else {
-                break;
-            }
-        }
-        Value value = current().value;
-        switch (current().kind) {
-        case TokenKind::Number: break;
-        case TokenKind::String:
-        case TokenKind::Date:
-            if (isSigned) return failHere(1045);
-            break;
-        default:
-            if (at(Keyword::True))
-                value = Value::boolean(true);
-            else if (at(Keyword::False))
-                value = Value::boolean(false);
-            else if (at(Keyword::Null))
-                value = Value::null();
-            else if (at(Keyword::Nothing))
-                value = Value::object(nullptr);
-            else if (!at(Keyword::Empty))
-                return failHere(1045);
-            if (isSigned) return failHere(1045);
-        }
-        advance();
-        for (; open > 0; --open) CHECK_RESULT(expect(TokenKind::RightParen, 1006));
-        if (!negative) return value;
-        if (value.isWhole()) return Value::number(-std::int64_t{value.whole()});
-        return Value::real(-value.asReal());
-    }
-
-    Result<void> procedure(bool isPrivate, bool isDefault)
-    {
-        if (m_inProcedure || m_blocks > (m_class ? 2 : 1)) return failHere(error::kSyntax);
-        Procedure& made = m_tree->procedureNodes.emplace_back();
-        made.position = positionOf(current());
-        made.isPrivate = isPrivate;
-        made.isDefault = isDefault;
-        Keyword closing = current().keyword;
-        const int closingError = closing == Keyword::Sub ? 1016 : closing == Keyword::Function ? 1015 : 1050;
-        made.kind = closing == Keyword::Sub ? Procedure::Kind::Sub : Procedure::Kind::Function;
-        advance();
-        if (closing == Keyword::Property) {
-            if (accept(Keyword::Get))
-                made.kind = Procedure::Kind::PropertyGet;
-            else if (accept(Keyword::Let))
-                made.kind = Procedure::Kind::PropertyLet;
-            else if (accept(Keyword::Set))
-                made.kind = Procedure::Kind::PropertySet;
-            else
-                return failHere(1049);
-            if (isDefault && made.kind != Procedure::Kind::PropertyGet) return failHere(1058);
-        }
-        made.name = TRY_RESULT(identifier());
-        if (accept(TokenKind::LeftParen) && !accept(TokenKind::RightParen)) {
-            do {
-                Parameter parameter;
-                if (accept(Keyword::ByVal))
-                    parameter.byReference = false;
-                else
-                    accept(Keyword::ByRef);
-                const Token& token = current();
-                parameter.name = TRY_RESULT(identifier());
-                if (accept(TokenKind::LeftParen)) CHECK_RESULT(expect(TokenKind::RightParen, 1006));
-                const auto isSame = [&](const Parameter& other) { return other.name == parameter.name; };
-                if (std::any_of(made.parameters.begin(), made.parameters.end(), isSame)) {
-                    auto failed = failHere(1041);
-                    failed.value()->column = token.column;
-                    return failed;
-                }
-                made.parameters.push_back(parameter);
-            } while (accept(TokenKind::Comma));
-            CHECK_RESULT(expect(TokenKind::RightParen, 1006));
-        }
-        const bool assigns =
-            made.kind == Procedure::Kind::PropertyLet || made.kind == Procedure::Kind::PropertySet;
-        if (assigns && made.parameters.empty()) return failHere(1054);
-        // The body may follow on the same line.
-        m_inProcedure = true;
-        m_procedureWord = closing;
-        made.body = TRY_RESULT(block());
-        made.end = positionOf(current());
-        CHECK_RESULT(endWord(closing, closingError));
-        m_inProcedure = false;
-        (m_class ? m_class->procedures : m_tree->procedures).push_back(&made);
-        return {};
-    }
-
-    Result<void> classDeclaration()
-    {
-        if (m_inProcedure || m_blocks > 1) return failHere(error::kSyntax);
-        ClassDeclaration& made = m_tree->classNodes.emplace_back();
-        made.position = positionOf(current());
-        advance();
-        made.name = TRY_RESULT(identifier());
-        m_class = &made;
-        Block none;
-        none = TRY_RESULT(block());
-        CHECK_RESULT(endWord(Keyword::Class, 1047));
-        m_class = nullptr;
-        m_tree->classes.push_back(&made);
-        return {};
     }
 
     // ---- assignments and calls
@@ -677,12 +465,8 @@ private:
         int& count;
     };
 
-    int m_blocks = 0;
     int m_forLoops = 0;
     int m_doLoops = 0;
-    bool m_inProcedure = false;
-    Keyword m_procedureWord = Keyword::None;
-    ClassDeclaration* m_class = nullptr;
 };
 
 } // namespace
