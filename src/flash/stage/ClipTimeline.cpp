@@ -86,7 +86,13 @@ void Clip::step()
 
 void Clip::gotoFrame(int frame)
 {
-    frame = std::clamp(frame, 0, loadedFrames() - 1);
+    frame = std::max(frame, 0);
+    if (frame >= loadedFrames()) {
+        // Beyond the end: the last frame is shown, but its scripts do not run.
+        const int last = loadedFrames() - 1;
+        while (m_frame < last) runFrame(m_frame + 1, Run::ListOnly);
+        return;
+    }
     if (frame == m_frame) return;
     if (m_streaming) m_stage.services().sound.stopStream(this);
     m_streaming = false;

@@ -11,7 +11,8 @@ class Node;
 class TextField;
 class Button;
 
-/// What happens to an instance. Each has a bit for clip actions in the file and a handler name in script.
+/// What happens to an instance, in the order of the bits that files have for clip actions. Most have a handler
+/// name in script.
 enum class Event : std::uint8_t {
     Load,
     EnterFrame,
@@ -23,7 +24,6 @@ enum class Event : std::uint8_t {
     KeyUp,
     Data,
     Initialize,
-    Construct,
     Press,
     Release,
     ReleaseOutside,
@@ -32,6 +32,7 @@ enum class Event : std::uint8_t {
     DragOver,
     DragOut,
     KeyPress,
+    Construct,
 };
 constexpr std::uint32_t clipEventBit(Event event) { return 1U << static_cast<unsigned>(event); }
 

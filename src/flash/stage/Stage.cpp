@@ -322,6 +322,8 @@ void Stage::runEvent(Node& node, Event event, int keyCode)
             return;
         }
     }
+    const bool key = event == Event::KeyDown || event == Event::KeyUp;
+    if (key && m_focus.get() != &node) return;
     if (event != Event::Initialize && event != Event::KeyPress) m_script->dispatch(node, event);
 }
 

@@ -197,6 +197,8 @@ public:
     void setFocus(Node* node);
     /// The field shows a variable from now on, which may change at any time.
     void noteBound(TextField& field);
+    /// Nothing hidden keeps the focus.
+    void dropFocusWithin(const Node& node);
     struct DragLimits {
         double left = 0, top = 0, right = 0, bottom = 0; ///< pixels in the parent's space
     };
@@ -296,6 +298,7 @@ private:
     void pointerEvent(Node& node, Event event);
     void runButtonActions(Button& button, unsigned condition);
     void clipEventEverywhere(Event event);
+    void keyEvent(Event event);
     bool keyPressEverywhere(int keyPressCode);
     void moveDragged();
     void focusNext(bool backwards);

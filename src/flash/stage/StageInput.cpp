@@ -339,6 +339,20 @@ bool Stage::keyPressEverywhere(int keyPressCode)
     return any;
 }
 
+// The file's handlers hear of every key, a script's onKeyDown and onKeyUp only while the instance has the focus.
+void Stage::keyEvent(Event event)
+{
+    for (std::size_t i = m_clips.size(); i-- > 0;)
+        if (!m_clips[i]->isRemoved() && m_clips[i]->hasClipEvent(event)) queueEvent(*m_clips[i], event);
+    if (m_focus && m_script->hasHandler(*m_focus, event)) {
+        const Clip* clip = asClip(m_focus.get());
+        if (!clip || !clip->hasClipEvent(event)) queueEvent(*m_focus, event);
+    }
+    runQueue();
+    m_script->broadcastKey(event);
+    runQueue();
+}
+
 void Stage::keyDown(int keyCode, char32_t charCode)
 {
     m_lastKeyCode = keyCode;
@@ -347,10 +361,7 @@ void Stage::keyDown(int keyCode, char32_t charCode)
     if (keyCode == 20 || keyCode == 144 || keyCode == 145) {
         if (!m_keysToggled.erase(keyCode)) m_keysToggled.insert(keyCode);
     }
-    clipEventEverywhere(Event::KeyDown);
-    runQueue();
-    m_script->broadcastKey(Event::KeyDown);
-    runQueue();
+    keyEvent(Event::KeyDown);
     const bool typing = m_focus && m_focus->kind() == NodeKind::TextField &&
                         static_cast<TextField&>(*m_focus).isInput() && charCode >= 32 && charCode != 127;
     const bool handled = !typing && keyPressEverywhere(pressCodeOf(keyCode, charCode));
@@ -364,10 +375,7 @@ void Stage::keyUp(int keyCode, char32_t charCode)
     m_lastKeyCode = keyCode;
     m_lastCharCode = static_cast<int>(charCode);
     m_keysDown.erase(keyCode);
-    clipEventEverywhere(Event::KeyUp);
-    runQueue();
-    m_script->broadcastKey(Event::KeyUp);
-    runQueue();
+    keyEvent(Event::KeyUp);
 }
 
 bool Stage::isKeyDown(int keyCode) const { return m_keysDown.contains(keyCode); }
@@ -410,6 +418,15 @@ void Stage::setFocus(Node* node)
     if (TextField* field = asField(m_focus)) field->focusGained();
     m_script->focusChanged(before.get(), m_focus.get());
     runQueue();
+}
+
+void Stage::dropFocusWithin(const Node& node)
+{
+    for (const Node* at = m_focus.get(); at; at = at->parent()) {
+        if (at != &node) continue;
+        setFocus(nullptr);
+        return;
+    }
 }
 
 bool Stage::canTakeFocus(Node& node)

@@ -46,8 +46,11 @@ Value attachMovie(Call& call)
     if (!id) return {};
     const stage::NodePtr made =
         clip->attach(clip->movie(), *id, *depth, utf8Arg(call, 1), [&](stage::Node& node) {
-            if (const auto init = initialiser(call, 3)) init(node);
-            if (stage::Clip* fresh = stage::asClip(&node)) binding.constructNow(*fresh);
+            const auto initialise = initialiser(call, 3);
+            if (stage::Clip* fresh = stage::asClip(&node))
+                binding.constructNow(*fresh, initialise);
+            else if (initialise)
+                initialise(node);
         });
     return made ? Value(binding.objectOf(made.get())) : Value();
 }
@@ -86,7 +89,11 @@ Value duplicateMovieClip(Call& call)
     stage::Clip* parent = clip ? clip->parentClip() : nullptr;
     const auto depth = depthArg(call, 1);
     if (!parent || !depth) return {};
-    const stage::NodePtr copy = parent->duplicate(*clip, *depth, utf8Arg(call, 0), initialiser(call, 2));
+    const stage::NodePtr copy = parent->duplicate(
+        *clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) {
+            if (stage::Clip* fresh = stage::asClip(&node))
+                StageBinding::of(call).constructNow(*fresh, initialiser(call, 2));
+        });
     return copy ? Value(StageBinding::of(call).objectOf(copy.get())) : Value();
 }
 

@@ -28,9 +28,9 @@ constexpr const char* kPropertyNames[] = {
 
 // In the order of stage::Event; null for what scripts have no handler for.
 constexpr const char* kHandlerNames[] = {
-    "onLoad",     "onEnterFrame", "onUnload",   "onMouseMove", "onMouseDown", "onMouseUp", "onKeyDown",
-    "onKeyUp",    "onData",       nullptr,      nullptr,       "onPress",     "onRelease", "onReleaseOutside",
-    "onRollOver", "onRollOut",    "onDragOver", "onDragOut",   nullptr};
+    "onLoad",      "onEnterFrame", "onUnload",  "onMouseMove",      "onMouseDown", "onMouseUp", "onKeyDown",
+    "onKeyUp",     "onData",       nullptr,     "onPress",          "onRelease",   "onReleaseOutside",
+    "onRollOver",  "onRollOut",    "onDragOver", "onDragOut",       nullptr,       nullptr};
 
 } // namespace
 
@@ -238,22 +238,29 @@ bool StageBinding::hasRegisteredClass(stage::Clip& clip)
 
 void StageBinding::constructClip(stage::Clip& clip)
 {
-    const std::u16string name = base::utf16FromUtf8(clip.linkageName());
-    Function* constructor = name.empty() ? nullptr : m_vm->symbolClass(name);
-    Object* object = objectOf(&clip);
+    constructNow(clip, {});
     const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
-    if (constructor) {
-        if (Object* prototype = m_vm->prototypeOf(constructor)) object->setProto(*m_vm, Value(prototype));
-        m_vm->constructOn(object, constructor, {});
-    }
-    callHandler(object, "onConstruct");
+    callHandler(objectOf(&clip), "onConstruct");
 }
 
-void StageBinding::constructNow(stage::Clip& clip)
+void StageBinding::constructNow(stage::Clip& clip, const std::function<void(stage::Node&)>& initialise)
 {
     if (clip.constructed) return;
     clip.constructed = true;
-    constructClip(clip);
+    const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
+    Function* constructor = classOf(clip);
+    Object* object = objectOf(&clip);
+    // Setters of the class see the initial values.
+    if (constructor)
+        if (Object* prototype = m_vm->prototypeOf(constructor)) object->setProto(*m_vm, Value(prototype));
+    if (initialise) initialise(clip);
+    if (constructor) m_vm->constructOn(object, constructor, {});
+}
+
+Function* StageBinding::classOf(stage::Clip& clip)
+{
+    const std::string name = clip.linkageName();
+    return name.empty() ? nullptr : m_vm->symbolClass(base::utf16FromUtf8(name));
 }
 
 std::shared_ptr<const swf::Bitmap> StageBinding::bitmapOf(Object* object) { return bitmapFromObject(object); }

@@ -51,7 +51,8 @@ public:
     [[nodiscard]] static StageBinding& of(Vm& vm);
 
     /// Runs the constructor of the clip's registered class now, unless it has run.
-    void constructNow(stage::Clip& clip);
+    /// @param initialise runs when the instance has its class and before the constructor
+    void constructNow(stage::Clip& clip, const std::function<void(stage::Node&)>& initialise);
     /// The picture of a BitmapData object, shared: later changes to it show. Null for other objects.
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
     /// Calls onSoundComplete of the object once the sound has played to its end.
@@ -140,6 +141,7 @@ private:
     void broadcast(std::string_view object, std::string_view message, std::initializer_list<Value> args = {});
     void traceNodes(Tracer& tracer);
     Name handlerName(stage::Event event);
+    Function* classOf(stage::Clip& clip);
 
     stage::Services m_services;
     BindingInputs m_inputs;

@@ -213,7 +213,10 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
     case kYScale: place(&stage::Node::setScaleY); break;
     case kAlpha: place(&stage::Node::setAlpha); break;
     case kVisible:
-        if (const double n = number(); !std::isnan(n)) node.setVisible(n != 0);
+        if (const double n = number(); !std::isnan(n)) {
+            node.setVisible(n != 0);
+            if (!node.isVisible()) m_stage->dropFocusWithin(node);
+        }
         break;
     case kWidth: place(&stage::Node::setWidth); break;
     case kHeight: place(&stage::Node::setHeight); break;
@@ -255,7 +258,8 @@ void StageBinding::gotoFrame(Object* object, int frame, bool play)
         clip->play();
     else
         clip->stop();
-    clip->gotoFrame(frame);
+    // Before the first frame there is nothing to go to.
+    if (frame >= 0) clip->gotoFrame(frame);
 }
 
 bool StageBinding::gotoLabel(Object* object, std::u16string_view label, bool play)
@@ -279,7 +283,7 @@ void StageBinding::nextFrame(Object* object)
 }
 void StageBinding::previousFrame(Object* object)
 {
-    if (stage::Clip* clip = clipOf(object)) gotoFrame(object, clip->currentFrame() - 1, false);
+    if (stage::Clip* clip = clipOf(object)) gotoFrame(object, std::max(clip->currentFrame() - 1, 0), false);
 }
 
 std::optional<int> StageBinding::frameByLabel(Object* object, std::u16string_view label)
