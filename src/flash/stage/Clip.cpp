@@ -44,13 +44,9 @@ Node* Clip::childAt(int depth) const
 Node* Clip::childByName(std::string_view name, Case sensitivity) const
 {
     if (name.empty()) return nullptr;
-    Node* unloading = nullptr;
-    for (const NodePtr& child : m_children) {
-        if (!equalNames(child->name(), name, sensitivity)) continue;
-        if (!child->isUnloading()) return child.get();
-        if (!unloading) unloading = child.get();
-    }
-    return unloading;
+    for (const NodePtr& child : m_children)
+        if (equalNames(child->name(), name, sensitivity)) return child.get();
+    return nullptr;
 }
 
 int Clip::nextHighestDepth() const

@@ -21,6 +21,8 @@ public:
     // ---- timeline. Frames are 0-based indices; scripts count from 1. ----
     [[nodiscard]] const swf::Timeline& timeline() const { return *m_timeline; }
     [[nodiscard]] int currentFrame() const { return m_frame; } ///< -1 before the first was shown
+    /// False for clips that scripts made empty.
+    [[nodiscard]] bool hasFrames() const { return m_timeline->statedFrameCount > 0; }
     [[nodiscard]] int totalFrames() const;
     [[nodiscard]] int loadedFrames() const;
     [[nodiscard]] bool isPlaying() const { return m_playing; }
@@ -37,7 +39,7 @@ public:
     // ---- children, in depth order ----
     [[nodiscard]] std::span<const NodePtr> children() const override { return m_children; }
     [[nodiscard]] Node* childAt(int depth) const;
-    /// The child with the lowest depth of that name; one that is unloading only when there is no other.
+    /// The child with the lowest depth of that name, which may be one that is unloading.
     enum class Case : std::uint8_t { Sensitive, Insensitive };
     [[nodiscard]] Node* childByName(std::string_view name, Case sensitivity) const;
     [[nodiscard]] int nextHighestDepth() const;

@@ -133,7 +133,7 @@ void Clip::runFrame(int frame, Run run)
         } else if (const auto* index = std::get_if<swf::SetTabIndex>(&tag)) {
             if (Node* child = childAt(depthOf(index->depth))) child->tabIndex = index->tabIndex;
         } else if (const auto* background = std::get_if<swf::SetBackground>(&tag)) {
-            if (m_level == 0) m_stage.setBackground(background->color);
+            m_stage.setBackground(background->color);
         } else if (run == Run::ListOnly) {
             continue;
         } else if (const auto* action = std::get_if<swf::DoAction>(&tag)) {

@@ -42,6 +42,13 @@ Clip* Node::parentClip() const
     return nullptr;
 }
 
+bool Node::isLeaving() const
+{
+    for (const Node* node = this; node; node = node->m_parent)
+        if (node->m_unloading) return true;
+    return false;
+}
+
 Clip* Node::levelRoot()
 {
     Node* node = this;
@@ -177,14 +184,24 @@ void Node::setRotation(double degrees)
     m_scaleCached = true;
 }
 
-double Node::width()
+swf::Rect Node::boundsThrough(const swf::Matrix& matrix, Extent extent)
 {
-    return static_cast<double>(swf::mapBounds(m_matrix, bounds()).width()) / swf::kTwipsPerPixel;
+    const swf::Rect own = bounds(extent);
+    if (own.isEmpty()) return own;
+    const swf::Point corners[] = {matrix.map(own.xMin, own.yMin), matrix.map(own.xMax, own.yMin),
+                                  matrix.map(own.xMin, own.yMax), matrix.map(own.xMax, own.yMax)};
+    swf::Rect mapped;
+    for (const swf::Point corner : corners) {
+        constexpr double kLargest = 0x7FFF'FFFF;
+        const auto x = static_cast<std::int32_t>(std::round(std::clamp(corner.x, -kLargest, kLargest)));
+        const auto y = static_cast<std::int32_t>(std::round(std::clamp(corner.y, -kLargest, kLargest)));
+        mapped = swf::unite(mapped, {x, x, y, y});
+    }
+    return mapped;
 }
-double Node::height()
-{
-    return static_cast<double>(swf::mapBounds(m_matrix, bounds()).height()) / swf::kTwipsPerPixel;
-}
+
+double Node::width() { return static_cast<double>(boundsThrough(m_matrix).width()) / swf::kTwipsPerPixel; }
+double Node::height() { return static_cast<double>(boundsThrough(m_matrix).height()) / swf::kTwipsPerPixel; }
 
 void Node::setWidth(double pixels)
 {
@@ -309,6 +326,8 @@ void Node::setMask(Node* mask)
         // A pair that masks each other would never be drawn; the later relation wins.
         if (mask->m_mask == this) mask->setMask(nullptr);
         mask->m_maskee = this;
+        // What a script masks is no clip layer any more.
+        setClipDepth({});
         mask->invalidate();
     }
     m_mask = mask;

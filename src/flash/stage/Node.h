@@ -56,6 +56,8 @@ public:
     [[nodiscard]] bool isRemoved() const { return m_removed; }
     /// It is off its depth and goes as soon as its unload handlers have run.
     [[nodiscard]] bool isUnloading() const { return m_unloading; }
+    /// It, or something that contains it, is unloading.
+    [[nodiscard]] bool isLeaving() const;
     [[nodiscard]] int depth() const { return m_depth; }
     [[nodiscard]] const std::string& name() const { return m_name; } ///< UTF-8; empty when it has none
     void setName(std::string name) { m_name = std::move(name); }
@@ -123,6 +125,8 @@ public:
     /// Of what it shows, in its own space. With or without strokes.
     enum class Extent : std::uint8_t { WithStrokes, WithoutStrokes };
     [[nodiscard]] virtual swf::Rect bounds(Extent extent = Extent::WithStrokes) = 0;
+    /// bounds() in another space, each side rounded to the nearest twip as scripts see it.
+    [[nodiscard]] swf::Rect boundsThrough(const swf::Matrix& matrix, Extent extent = Extent::WithStrokes);
     /// From this node's space to the stage's (twips).
     [[nodiscard]] swf::Matrix toStage() const;
     /// Whether a point of the stage (twips) lies on what is drawn.

@@ -11,8 +11,8 @@ class Node;
 class TextField;
 class Button;
 
-/// What happens to an instance, in the order of the bits that files have for clip actions. Most have a handler
-/// name in script.
+/// What happens to an instance, in the order of the bits that files have for clip actions. Most have a
+/// handler name in script.
 enum class Event : std::uint8_t {
     Load,
     EnterFrame,
@@ -56,6 +56,8 @@ public:
     /// Whether buttons and button-like clips react: their `enabled` property.
     virtual bool isEnabled(Node&) { return true; }
 
+    /// Makes a clip with a linkage name an object of its registered class, before its construct handlers run.
+    virtual void assignClass(Clip&) {}
     /// A clip with a linkage name was placed: makes the instance an object of its registered class and calls
     /// the constructor.
     virtual void constructClip(Clip&) {}

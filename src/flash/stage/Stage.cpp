@@ -308,6 +308,7 @@ void Stage::runEvent(Node& node, Event event, int keyCode)
     const NodePtr keep = node.shared_from_this();
     if (Clip* clip = asClip(&node)) {
         const std::uint32_t bit = clipEventBit(event);
+        if (event == Event::Construct) m_script->assignClass(*clip);
         const std::vector<swf::ClipAction> actions =
             (clip->hasClipEvent(event)) ? clip->m_clipActions : std::vector<swf::ClipAction>();
         for (const swf::ClipAction& action : actions) {
@@ -354,9 +355,9 @@ void Stage::runQueue()
         if (item.node->isRemoved()) continue;
         if (item.kind == Queued::Kind::Event) {
             const bool last = item.event == Event::Load || item.event == Event::Unload;
-            if (item.node->isUnloading() && !last) continue;
+            if (!last && item.node->isLeaving()) continue;
             runEvent(*item.node, item.event, item.keyCode);
-        } else if (!item.node->isUnloading()) {
+        } else if (!item.node->isLeaving()) {
             m_script->runActions(static_cast<Clip&>(*item.node), item.movie, item.block);
         }
     }
@@ -380,9 +381,9 @@ void Stage::stepClips()
 void Stage::advanceFrame()
 {
     ++m_frameCounter;
-    deliverLoads();
     stepClips();
     runQueue();
+    deliverLoads();
     if (m_mouseInside) updatePointer();
     syncTextFields();
     m_script->frameEnded();

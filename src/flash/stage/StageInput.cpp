@@ -312,34 +312,39 @@ void Stage::mouseLeave()
 bool Stage::keyPressEverywhere(int keyPressCode)
 {
     if (keyPressCode == 0) return false;
-    bool any = false;
-    const auto visit = [&](auto&& self, Node& node) -> void {
+    // The first that wants the key has it alone.
+    const auto visit = [&](auto&& self, Node& node) -> bool {
         if (node.kind() == NodeKind::Button) {
             auto& button = static_cast<Button&>(node);
             Clip* target = button.parentClip();
+            if (!target || !m_script->isEnabled(node)) return false;
+            bool any = false;
             for (const swf::ButtonAction& action : button.definition().actions) {
-                if (action.keyCode != keyPressCode || !target) continue;
+                if (action.keyCode != keyPressCode) continue;
                 queueBlock(*target, button.movie(), action.actions);
                 any = true;
             }
-            return;
+            return any;
         }
         Clip* clip = asClip(&node);
-        if (!clip) return;
+        if (!clip) return false;
         for (const swf::ClipAction& action : clip->clipActions()) {
             if ((action.events & clipEventBit(Event::KeyPress)) == 0 || action.keyCode != keyPressCode)
                 continue;
             queueEvent(*clip, Event::KeyPress, keyPressCode);
-            any = true;
-            break;
+            return true;
         }
-        for (const NodePtr& child : clip->children()) self(self, *child);
+        for (const NodePtr& child : clip->children())
+            if (self(self, *child)) return true;
+        return false;
     };
-    for (const auto& [number, root] : m_levels) visit(visit, *root);
-    return any;
+    for (const auto& [number, root] : m_levels)
+        if (visit(visit, *root)) return true;
+    return false;
 }
 
-// The file's handlers hear of every key, a script's onKeyDown and onKeyUp only while the instance has the focus.
+// The file's handlers hear of every key, a script's onKeyDown and onKeyUp only while the instance has the
+// focus.
 void Stage::keyEvent(Event event)
 {
     for (std::size_t i = m_clips.size(); i-- > 0;)
@@ -366,7 +371,19 @@ void Stage::keyDown(int keyCode, char32_t charCode)
                         static_cast<TextField&>(*m_focus).isInput() && charCode >= 32 && charCode != 127;
     const bool handled = !typing && keyPressEverywhere(pressCodeOf(keyCode, charCode));
     runQueue();
-    if (!handled && keyCode == 9) focusNext(isKeyDown(16));
+    constexpr int kTab = 9, kEnter = 13, kShift = 16, kSpace = 32;
+    if (!handled && keyCode == kTab) focusNext(isKeyDown(kShift));
+    const bool presses =
+        m_focus && (m_focus->kind() == NodeKind::Button || m_focus->kind() == NodeKind::Clip);
+    if (!handled && presses && (keyCode == kEnter || keyCode == kSpace)) {
+        // The keyboard's click: down and up at once.
+        const NodePtr focus = m_focus;
+        for (const Event event : {Event::Press, Event::Release}) {
+            if (focus->kind() == NodeKind::Button)
+                runButtonActions(static_cast<Button&>(*focus), conditionOf(event, false));
+            queueEvent(*focus, event);
+        }
+    }
     runQueue();
 }
 

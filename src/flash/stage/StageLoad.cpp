@@ -82,21 +82,21 @@ void Stage::loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<Load
                  m_services.loader.load(request),
                  std::move(listener),
                  {},
-                 m_frameCounter + 1};
+                 m_frameCounter};
     m_loads.push_back(std::move(load));
 }
 
 void Stage::loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener)
 {
-    Pending load{
-        {}, level, false, true, m_services.loader.load(request), std::move(listener), {}, m_frameCounter + 1};
+    Pending load{{}, level,         false, true, m_services.loader.load(request), std::move(listener),
+                 {}, m_frameCounter};
     m_loads.push_back(std::move(load));
 }
 
 void Stage::fetch(LoadRequest request, LoadDone done)
 {
     Pending load{
-        {}, -1, false, false, m_services.loader.load(request), nullptr, std::move(done), m_frameCounter + 1};
+        {}, -1, false, false, m_services.loader.load(request), nullptr, std::move(done), m_frameCounter};
     m_loads.push_back(std::move(load));
 }
 

@@ -5,6 +5,7 @@
 #include "flash/stage/Graphics.h"
 
 #include <cmath>
+#include <limits>
 
 namespace flash::avm1
 {
@@ -89,11 +90,10 @@ Value duplicateMovieClip(Call& call)
     stage::Clip* parent = clip ? clip->parentClip() : nullptr;
     const auto depth = depthArg(call, 1);
     if (!parent || !depth) return {};
-    const stage::NodePtr copy = parent->duplicate(
-        *clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) {
-            if (stage::Clip* fresh = stage::asClip(&node))
-                StageBinding::of(call).constructNow(*fresh, initialiser(call, 2));
-        });
+    const stage::NodePtr copy = parent->duplicate(*clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) {
+        if (stage::Clip* fresh = stage::asClip(&node))
+            StageBinding::of(call).constructNow(*fresh, initialiser(call, 2));
+    });
     return copy ? Value(StageBinding::of(call).objectOf(copy.get())) : Value();
 }
 
@@ -125,16 +125,19 @@ Value gotoAnd(Call& call, bool play)
     StageBinding& binding = StageBinding::of(call);
     Object* self = call.self.asObject();
     if (!binding.clipOf(self)) return {};
-    const Value where = call.arg(0);
+    Value where = call.arg(0);
+    if (where.isObject()) where = Value(toString(call.vm, where));
     if (where.isString()) {
         const std::u16string label = toText(call.vm, where);
         if (binding.gotoLabel(self, label, play)) return {};
     }
     const double number = toNumber(call.vm, where);
     if (!std::isfinite(number)) return {};
-    const int frame = toInt32(number);
-    if (where.isString() && frame != number) return {};
-    // Frames count from 1 here; anything before the first does not go anywhere but obeys "and play".
+    if (where.isString() && std::trunc(number) != number) return {};
+    // Frames count from 1 here; the lowest number of all wraps around to one behind the last frame.
+    const int frame = toInt32(number) == std::numeric_limits<int>::min() ? std::numeric_limits<int>::max()
+                                                                         : toInt32(number);
+    // Anything before the first does not go anywhere but obeys "and play".
     if (frame < 1) {
         if (play)
             binding.play(self);
@@ -198,10 +201,10 @@ Value boundsIn(Call& call, stage::Node::Extent extent)
         if (!space) return {};
     }
     swf::Rect rect = clip->bounds(extent);
-    if (space != clip) {
-        const swf::Matrix toSpace = space->toStage().inverted() * clip->toStage();
-        rect = swf::mapBounds(toSpace, rect);
-    }
+    if (space == clip->parent())
+        rect = clip->boundsThrough(clip->matrix(), extent);
+    else if (space != clip)
+        rect = clip->boundsThrough(space->toStage().inverted() * clip->toStage(), extent);
     return rectObject(call.vm, rect);
 }
 Value getBounds(Call& call) { return boundsIn(call, stage::Node::Extent::WithStrokes); }
@@ -235,7 +238,9 @@ Value hitTest(Call& call)
     if (call.count() > 1) {
         const double x = numberArg(call, 0), y = numberArg(call, 1);
         if (!std::isfinite(x) || !std::isfinite(y)) return Value(false);
-        const swf::Point point{x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel};
+        // Coordinates are those of the main timeline, which scripts may have moved.
+        const swf::Point point =
+            clip->levelRoot()->matrix().map(x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel);
         if (toBoolean(call.vm, call.arg(2))) return Value(clip->hitsShape(point));
         const swf::Rect rect = swf::mapBounds(clip->toStage(), clip->bounds());
         return Value(!rect.isEmpty() && point.x >= rect.xMin && point.x <= rect.xMax &&
@@ -267,7 +272,9 @@ Value swapDepths(Call& call)
         if (other->parentClip() == parent) parent->swapDepths(*clip, other->depth());
         return {};
     }
-    if (const auto depth = depthArg(call, 0)) parent->swapDepths(*clip, *depth);
+    if (call.arg(0).isUndefined()) return {};
+    const int depth = toInt32(call.vm, call.arg(0));
+    if (depth >= stage::kTimelineDepth && depth <= stage::kMaxScriptDepth) parent->swapDepths(*clip, depth);
     return {};
 }
 
@@ -326,7 +333,7 @@ Value setMask(Call& call)
     }
     Object* target = call.arg(0).asObject();
     if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
-    stage::Clip* mask = binding.clipOf(target);
+    stage::Node* mask = binding.nodeOf(target);
     if (!mask) return Value(false);
     clip->setMask(mask);
     return Value(true);

@@ -110,11 +110,13 @@ Value unloadClip(Call& call)
 
 Value getProgress(Call& call)
 {
-    const Target target = targetArg(call, 0);
-    if (!target.clip) return {};
+    Target target = targetArg(call, 0);
+    if (target.level >= 0) target.clip = StageBinding::of(call).stage().level(target.level);
+    if (call.arg(0).isNullish()) return {};
     Object* progress = call.vm.newObject();
-    progress->define(call.vm, "bytesLoaded", Value(static_cast<double>(target.clip->bytesLoaded())));
-    progress->define(call.vm, "bytesTotal", Value(static_cast<double>(target.clip->bytesTotal())));
+    const auto bytes = [&](std::size_t count) { return Value(static_cast<double>(count)); };
+    progress->define(call.vm, "bytesLoaded", target.clip ? bytes(target.clip->bytesLoaded()) : Value());
+    progress->define(call.vm, "bytesTotal", target.clip ? bytes(target.clip->bytesTotal()) : Value());
     return progress;
 }
 

@@ -166,11 +166,14 @@ bool NodeObject::deleteOwn(Vm& vm, Object& self, Name name) { return self.delete
 
 void NodeObject::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
 {
-    if (stage::Clip* clip = stage::asClip(live()))
-        for (const stage::NodePtr& child : clip->children())
-            if (!child->name().empty() && !child->isUnloading() && m_binding.objectOf(child.get()))
-                names.add(vm.name(std::u16string_view(base::utf16FromUtf8(child->name()))));
     self.enumeratePlain(vm, names);
+    stage::Clip* clip = stage::asClip(live());
+    if (!clip) return;
+    // The topmost child first.
+    const std::span<const stage::NodePtr> children = clip->children();
+    for (auto child = children.rbegin(); child != children.rend(); ++child)
+        if (!(*child)->name().empty() && m_binding.objectOf(child->get()))
+            names.add(vm.name(std::u16string_view(base::utf16FromUtf8((*child)->name()))));
 }
 
 Value NodeObject::primitive(Vm&, Object&)

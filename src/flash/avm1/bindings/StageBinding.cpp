@@ -28,9 +28,9 @@ constexpr const char* kPropertyNames[] = {
 
 // In the order of stage::Event; null for what scripts have no handler for.
 constexpr const char* kHandlerNames[] = {
-    "onLoad",      "onEnterFrame", "onUnload",  "onMouseMove",      "onMouseDown", "onMouseUp", "onKeyDown",
-    "onKeyUp",     "onData",       nullptr,     "onPress",          "onRelease",   "onReleaseOutside",
-    "onRollOver",  "onRollOut",    "onDragOver", "onDragOut",       nullptr,       nullptr};
+    "onLoad",    "onEnterFrame", "onUnload",  "onMouseMove", "onMouseDown", "onMouseUp",        "onKeyDown",
+    "onKeyUp",   "onData",       nullptr,     "onPress",     "onRelease",   "onReleaseOutside", "onRollOver",
+    "onRollOut", "onDragOver",   "onDragOut", nullptr,       nullptr};
 
 } // namespace
 
@@ -251,10 +251,16 @@ void StageBinding::constructNow(stage::Clip& clip, const std::function<void(stag
     Function* constructor = classOf(clip);
     Object* object = objectOf(&clip);
     // Setters of the class see the initial values.
-    if (constructor)
-        if (Object* prototype = m_vm->prototypeOf(constructor)) object->setProto(*m_vm, Value(prototype));
+    assignClass(clip);
     if (initialise) initialise(clip);
     if (constructor) m_vm->constructOn(object, constructor, {});
+}
+
+void StageBinding::assignClass(stage::Clip& clip)
+{
+    Function* constructor = classOf(clip);
+    Object* prototype = constructor ? m_vm->prototypeOf(constructor) : nullptr;
+    if (prototype) objectOf(&clip)->setProto(*m_vm, Value(prototype));
 }
 
 Function* StageBinding::classOf(stage::Clip& clip)

@@ -104,6 +104,7 @@ public:
     void dispatch(stage::Node& node, stage::Event event) override;
     bool hasHandler(stage::Node& node, stage::Event event) override;
     bool isEnabled(stage::Node& node) override;
+    void assignClass(stage::Clip& clip) override;
     void constructClip(stage::Clip& clip) override;
     bool hasRegisteredClass(stage::Clip& clip) override;
     void broadcastKey(stage::Event event) override;

@@ -166,8 +166,12 @@ Value StageBinding::propertyOf(stage::Node& node, int index)
     case kY: return node.y();
     case kXScale: return node.scaleX();
     case kYScale: return node.scaleY();
-    case kCurrentFrame: return clip ? Value(std::max(clip->currentFrame(), 0) + 1) : Value();
-    case kTotalFrames: return clip ? Value(clip->totalFrames()) : Value();
+    case kCurrentFrame:
+        if (!clip) return {};
+        return Value(clip->hasFrames() ? std::max(clip->currentFrame(), 0) + 1 : 0);
+    case kTotalFrames:
+        if (!clip) return {};
+        return Value(clip->hasFrames() ? clip->totalFrames() : 0);
     case kAlpha: return node.alpha();
     case kVisible: return node.isVisible();
     case kWidth: return node.width();
