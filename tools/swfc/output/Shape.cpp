@@ -194,23 +194,24 @@ DefinitionTag encodeShape(std::uint16_t id, const Shape& shape)
         writeBounds(out, shape.bounds(false));
         out.u8((shape.nonZeroWinding ? 4U : 0U) | (fixed ? 2U : 0U) | (scaling ? 1U : 0U));
     }
+    // The same widths in all layers: some readers take those of the first for later ones too.
+    std::size_t mostFills = 0, mostLines = 0;
+    for (const ShapeLayer& layer : shape.layers) {
+        mostFills = std::max(mostFills, layer.fills.size());
+        mostLines = std::max(mostLines, layer.lines.size());
+    }
+    const int fillBits = bitsForUnsigned(static_cast<std::uint32_t>(mostFills));
+    const int lineBits = bitsForUnsigned(static_cast<std::uint32_t>(mostLines));
     const ShapeLayer none;
-    const auto& first = shape.layers.empty() ? none : shape.layers[0];
-    const auto fillBits = [](const ShapeLayer& l) {
-        return bitsForUnsigned(static_cast<std::uint32_t>(l.fills.size()));
-    };
-    const auto lineBits = [](const ShapeLayer& l) {
-        return bitsForUnsigned(static_cast<std::uint32_t>(l.lines.size()));
-    };
-    EdgeWriter edges(out, fillBits(first), lineBits(first));
+    EdgeWriter edges(out, fillBits, lineBits);
     for (std::size_t i = 0; i == 0 || i < shape.layers.size(); ++i) {
         const ShapeLayer& layer = i < shape.layers.size() ? shape.layers[i] : none;
         if (i > 0) edges.beginNewStyles();
         writeStyles(out, layer, tag);
         out.align();
-        out.bits(static_cast<std::uint32_t>(fillBits(layer)), 4);
-        out.bits(static_cast<std::uint32_t>(lineBits(layer)), 4);
-        edges.setStyleBits(fillBits(layer), lineBits(layer));
+        out.bits(static_cast<std::uint32_t>(fillBits), 4);
+        out.bits(static_cast<std::uint32_t>(lineBits), 4);
+        edges.setStyleBits(fillBits, lineBits);
         for (const StyledOutline& styled : layer.outlines) {
             for (const Contour& contour : styled.outline) {
                 edges.styles(styled.leftFill, styled.rightFill, styled.line);

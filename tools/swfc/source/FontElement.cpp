@@ -264,7 +264,7 @@ void MovieBuilder::fontElement(const Element& element)
     out.u16(*id);
     out.u8((glyphs.empty() ? 0U : 0x80U) | (wide ? 0U : 0x10U) | 0x08U | (wide ? 0x04U : 0U) |
            (italic ? 2U : 0U) | (bold ? 1U : 0U));
-    out.u8(0);
+    out.u8(1); // the language: latin, which stands for all that is written in letters
     std::string stored = encoded(name, element);
     if (stored.size() > 254) stored.resize(254);
     out.u8(static_cast<std::uint32_t>(stored.size()));

@@ -139,7 +139,7 @@ std::optional<Line> MovieBuilder::line(Attributes& attributes, const std::string
 {
     const auto fill = paint(attributes, prefix + "stroke");
     Line line;
-    line.width = attributes.number(prefix + "width", 1);
+    line.width = attributes.number(prefix + "strokeWidth", 1);
     if (prefix.empty()) {
         const auto cap = [&](const char* name, int otherwise) {
             return static_cast<Line::Cap>(attributes.choice(name, {"round", "none", "square"}, otherwise));
@@ -256,7 +256,7 @@ void MovieBuilder::morphElement(const Element& element)
         const auto fill = paint(part, "fill"), toFill = part.has("to-fill") ? paint(part, "to-fill") : fill;
         const auto stroke = line(part, "");
         const auto toStroke = part.has("to-stroke") ? line(part, "to-") : std::nullopt;
-        const auto toWidth = part.number("to-width");
+        const auto toWidth = part.number("to-strokeWidth");
         output::MorphOutline outline;
         if (fill && toFill) {
             const bool same = fill->kind == toFill->kind && fill->gradient.kind == toFill->gradient.kind &&

@@ -1,0 +1,1 @@
+zorvex_fuzz(fuzz_swfc FuzzSwfc.cpp LIBS zorvex_swfc)
