@@ -61,9 +61,12 @@ void Clip::begin()
 void Clip::step()
 {
     if (m_removed || m_inert) return;
-    if (!m_begun) {
+    const bool first = !m_begun;
+    // A level hears of its loading after the scripts of its first frame, which may set the handler.
+    const bool loadsLate = first && !m_parent;
+    if (first) {
         m_begun = true;
-        m_stage.queueEvent(*this, Event::Load);
+        if (!loadsLate) m_stage.queueEvent(*this, Event::Load);
     } else if (!m_unloading) {
         m_stage.queueEvent(*this, Event::EnterFrame);
     }
@@ -72,6 +75,7 @@ void Clip::step()
     const int next = m_frame + 1;
     if (next < count) {
         runFrame(next, Run::Whole);
+        if (loadsLate) m_stage.queueEvent(*this, Event::Load);
         streamSound();
         return;
     }

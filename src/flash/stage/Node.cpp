@@ -170,8 +170,14 @@ void Node::setScaleY(double percent)
 
 void Node::setRotation(double degrees)
 {
-    if (!std::isfinite(degrees)) return;
+    if (std::isnan(degrees)) return;
     cacheScale();
+    if (std::isinf(degrees)) {
+        // Shown to scripts as it is; the picture stays.
+        m_rotation = std::nan("");
+        return;
+    }
+    if (std::isnan(m_rotation)) m_rotation = m_skew = 0;
     m_rotation = normalizedDegrees(degrees);
     swf::Matrix matrix = m_matrix;
     const double horizontal = m_rotation / kDegreesPerRadian;
@@ -200,8 +206,17 @@ swf::Rect Node::boundsThrough(const swf::Matrix& matrix, Extent extent)
     return mapped;
 }
 
-double Node::width() { return static_cast<double>(boundsThrough(m_matrix).width()) / swf::kTwipsPerPixel; }
-double Node::height() { return static_cast<double>(boundsThrough(m_matrix).height()) / swf::kTwipsPerPixel; }
+// What is flat in one direction has no extent in the other either.
+double Node::width()
+{
+    const swf::Rect rect = boundsThrough(m_matrix);
+    return rect.height() == 0 ? 0 : static_cast<double>(rect.width()) / swf::kTwipsPerPixel;
+}
+double Node::height()
+{
+    const swf::Rect rect = boundsThrough(m_matrix);
+    return rect.width() == 0 ? 0 : static_cast<double>(rect.height()) / swf::kTwipsPerPixel;
+}
 
 void Node::setWidth(double pixels)
 {

@@ -87,9 +87,10 @@ Value getTransform(Call& call)
     if (!node) return {};
     Object* result = call.vm.newObject();
     const swf::ColorTransform& color = node->color();
+    // For-in loops show the last one first.
     for (const Channel& channel : kChannels) {
-        result->define(call.vm, channel.multiplier, Value(color.*channel.mul * 100 / 256.0));
         result->define(call.vm, channel.addend, Value(static_cast<int>(color.*channel.add)));
+        result->define(call.vm, channel.multiplier, Value(color.*channel.mul * 100 / 256.0));
     }
     return result;
 }

@@ -45,14 +45,10 @@ Value attachMovie(Call& call)
     const std::string name = utf8Arg(call, 0);
     const std::optional<std::uint16_t> id = binding.stage().exportedCharacter(clip->movie(), name);
     if (!id) return {};
-    const stage::NodePtr made =
-        clip->attach(clip->movie(), *id, *depth, utf8Arg(call, 1), [&](stage::Node& node) {
-            const auto initialise = initialiser(call, 3);
-            if (stage::Clip* fresh = stage::asClip(&node))
-                binding.constructNow(*fresh, initialise);
-            else if (initialise)
-                initialise(node);
-        });
+    const auto initialise = initialiser(call, 3);
+    const stage::NodePtr made = clip->attach(clip->movie(), *id, *depth, utf8Arg(call, 1),
+                                             [&](stage::Node& node) { binding.prepare(node, initialise); });
+    if (made) binding.construct(*made);
     return made ? Value(binding.objectOf(made.get())) : Value();
 }
 
@@ -90,10 +86,11 @@ Value duplicateMovieClip(Call& call)
     stage::Clip* parent = clip ? clip->parentClip() : nullptr;
     const auto depth = depthArg(call, 1);
     if (!parent || !depth) return {};
-    const stage::NodePtr copy = parent->duplicate(*clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) {
-        if (stage::Clip* fresh = stage::asClip(&node))
-            StageBinding::of(call).constructNow(*fresh, initialiser(call, 2));
-    });
+    StageBinding& binding = StageBinding::of(call);
+    const auto initialise = initialiser(call, 2);
+    const stage::NodePtr copy = parent->duplicate(
+        *clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) { binding.prepare(node, initialise); });
+    if (copy) binding.construct(*copy);
     return copy ? Value(StageBinding::of(call).objectOf(copy.get())) : Value();
 }
 
@@ -581,7 +578,7 @@ constexpr MemberInfo kMembers[] = {
     {"createTextField",      6, kFrom6, &createTextField},
     {"getNextHighestDepth",  0, kFrom7, &getNextHighestDepth},
     {"getInstanceAtDepth",   1, kFrom7, &getInstanceAtDepth},
-    {"getSWFVersion",        0, kFrom7, &getSwfVersion},
+    {"getSWFVersion",        0, kFrom6, &getSwfVersion},
     {"getTextSnapshot",      0, kFrom6, &getTextSnapshot},
     {"attachBitmap",         2, kFrom8, &attachBitmap},
     {"getRect",              0, kFrom8, &getRect},

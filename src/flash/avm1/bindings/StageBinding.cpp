@@ -160,7 +160,13 @@ Object* StageBinding::objectOf(stage::Node* node)
     }
     Object* object = m_vm->newObject(prototype);
     object->attachNew<NodeObject>(*this, node->shared_from_this(), *object);
+    if (stage::Clip* clip = stage::asClip(node); clip && clip->isMovieRoot()) defineVersion(object);
     return object;
+}
+
+void StageBinding::defineVersion(Object* root)
+{
+    root->define(*m_vm, "$version", utf8(m_inputs.playerVersion));
 }
 
 stage::Node* StageBinding::nodeOf(Object* object)
@@ -238,22 +244,27 @@ bool StageBinding::hasRegisteredClass(stage::Clip& clip)
 
 void StageBinding::constructClip(stage::Clip& clip)
 {
-    constructNow(clip, {});
     const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
+    if (Function* constructor = classOf(clip)) m_vm->constructOn(objectOf(&clip), constructor, {});
     callHandler(objectOf(&clip), "onConstruct");
 }
 
-void StageBinding::constructNow(stage::Clip& clip, const std::function<void(stage::Node&)>& initialise)
+void StageBinding::prepare(stage::Node& node, const std::function<void(stage::Node&)>& initialise)
 {
-    if (clip.constructed) return;
-    clip.constructed = true;
-    const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
-    Function* constructor = classOf(clip);
-    Object* object = objectOf(&clip);
+    stage::Clip* clip = stage::asClip(&node);
+    // Not queued: construct() follows as soon as the first frame's children are there.
+    if (clip) clip->constructed = true;
     // Setters of the class see the initial values.
-    assignClass(clip);
-    if (initialise) initialise(clip);
-    if (constructor) m_vm->constructOn(object, constructor, {});
+    if (clip) assignClass(*clip);
+    if (initialise) initialise(node);
+}
+
+void StageBinding::construct(stage::Node& node)
+{
+    stage::Clip* clip = stage::asClip(&node);
+    if (!clip) return;
+    clip->constructed = false;
+    m_stage->runEvent(*clip, stage::Event::Construct);
 }
 
 void StageBinding::assignClass(stage::Clip& clip)
@@ -364,6 +375,7 @@ void StageBinding::clipReset(stage::Clip& clip)
     const Vm::VersionScope scope(*m_vm, 7);
     for (const Name name : object->enumerate(*m_vm)) object->deletePlain(*m_vm, name);
     if (m_state->movieClip) object->setProto(*m_vm, Value(m_state->movieClip));
+    if (clip.isMovieRoot()) defineVersion(object);
 }
 
 double StageBinding::nextTimerMs()

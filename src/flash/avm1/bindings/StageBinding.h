@@ -50,9 +50,10 @@ public:
     [[nodiscard]] static StageBinding& of(Call& call);
     [[nodiscard]] static StageBinding& of(Vm& vm);
 
-    /// Runs the constructor of the clip's registered class now, unless it has run.
-    /// @param initialise runs when the instance has its class and before the constructor
-    void constructNow(stage::Clip& clip, const std::function<void(stage::Node&)>& initialise);
+    /// What attachMovie and duplicateMovieClip do around a new instance's first frame: its class and the
+    /// initial values before, the constructor after.
+    void prepare(stage::Node& node, const std::function<void(stage::Node&)>& initialise);
+    void construct(stage::Node& node);
     /// The picture of a BitmapData object, shared: later changes to it show. Null for other objects.
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
     /// Calls onSoundComplete of the object once the sound has played to its end.
@@ -143,6 +144,7 @@ private:
     void traceNodes(Tracer& tracer);
     Name handlerName(stage::Event event);
     Function* classOf(stage::Clip& clip);
+    void defineVersion(Object* root);
 
     stage::Services m_services;
     BindingInputs m_inputs;

@@ -331,7 +331,11 @@ void StageBinding::cloneClip(Object* object, std::u16string_view name, int depth
     stage::Node* node = nodeOf(object);
     stage::Clip* parent = node ? node->parentClip() : nullptr;
     // The action counts depths as files do, above the zone of the timeline.
-    if (parent) parent->duplicate(*node, depth + stage::kTimelineDepth, base::utf8FromUtf16(name));
+    if (!parent) return;
+    const stage::NodePtr copy =
+        parent->duplicate(*node, depth + stage::kTimelineDepth, base::utf8FromUtf16(name),
+                          [this](stage::Node& fresh) { prepare(fresh, {}); });
+    if (copy) construct(*copy);
 }
 
 void StageBinding::removeClip(Object* object)
