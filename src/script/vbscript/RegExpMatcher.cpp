@@ -10,7 +10,7 @@ namespace script::vbscript
 namespace
 {
 
-constexpr std::uint64_t kMaxSteps = 50'000'000;
+constexpr std::uint64_t kMaxSteps = 10'000'000; // a fraction of a second
 constexpr std::uint64_t kStepsBetweenWatches = 1'000'000;
 constexpr std::size_t kMaxStack = 8'000'000; // entries
 
