@@ -221,8 +221,8 @@ Ref<Dispatch> Engine::createObject(std::u16string_view programId)
 
 Failed withSubject(Failed failed, std::u16string_view subject)
 {
-    if (failed.value()->subject.empty() && failed.value()->description.empty())
-        failed.value()->subject = subject;
+    Fault& found = *failed.value();
+    if (found.subject.empty() && found.description.empty() && !found.uncatchable) found.subject = subject;
     return failed;
 }
 
