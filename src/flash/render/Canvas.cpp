@@ -126,6 +126,7 @@ public:
     RenderCache& m_cache;
     IntRect m_clip;
     double m_pixelScale = 1;
+    bool m_isStage = false; // see Canvas::clear()
 
 private:
     [[nodiscard]] const Mask* currentMask() const
@@ -417,6 +418,8 @@ void Canvas::Impl::endLayer(swf::BlendMode blend, const swf::ColorTransform& col
     assert(!m_frames.empty());
     Frame frame = popFrame();
     if (frame.kind != Frame::Kind::Layer || frame.bounds.isEmpty()) return;
+    const bool actsOnAlpha = blend == swf::BlendMode::Alpha || blend == swf::BlendMode::Erase;
+    if (actsOnAlpha && m_isStage && receiver() == nullptr) return;
     applyFilters(filters, frame.surface.view(), m_pixelScale);
     const Destination to = destination();
     const IntRect area = intersect(to.clip, frame.bounds);
@@ -447,6 +450,7 @@ IntRect Canvas::clip() const { return m_impl->clip(); }
 void Canvas::clear(swf::Rgba color)
 {
     const IntRect area = clip();
+    m_impl->m_isStage = color.a == 255;
     for (int y = area.top; y < area.bottom; ++y)
         std::fill_n(m_impl->m_target.at(area.left, y), area.width(), premultiply(color));
 }

@@ -56,7 +56,8 @@ public:
     /// outside.
     [[nodiscard]] IntRect clip() const;
 
-    /// Sets the pixels within the clip, without blending.
+    /// Sets the pixels within the clip, without blending. After an opaque colour the surface counts as a
+    /// stage, which stays opaque: BlendMode::Alpha and Erase only act within layers from then on.
     void clear(swf::Rgba color);
 
     /// The flattened outlines are kept in the cache as long as the shape lives; for shapes drawn repeatedly.
@@ -95,7 +96,8 @@ public:
     /// @param filters those that endLayer() will get: content outside the clip matters when they reach in
     void beginLayer(const IntRect& deviceBounds, std::span<const swf::Filter> filters = {});
     /// Applies the filters (see setPixelScale), then the colour transform, and blends the layer onto what is
-    /// below. BlendMode::Alpha and Erase act on the enclosing layer's alpha.
+    /// below. BlendMode::Alpha and Erase act on the enclosing layer's alpha, or on
+    /// that of a surface that may be transparent.
     void endLayer(swf::BlendMode blend = swf::BlendMode::Layer, const swf::ColorTransform& color = {},
                   std::span<const swf::Filter> filters = {});
 

@@ -408,6 +408,17 @@ TEST(Layers, AlphaAndEraseActOnTheEnclosingLayer)
     }
 }
 
+TEST(Layers, AlphaAndEraseSpareAStage)
+{
+    for (const bool stage : {true, false}) {
+        Picture picture(1, 1, {0, 0, 255, static_cast<std::uint8_t>(stage ? 255 : 254)});
+        picture.canvas.beginLayer({0, 0, 1, 1});
+        picture.canvas.drawShape(rectShape(0, 0, 1, 1, solid(255, 0, 0)), kStage);
+        picture.canvas.endLayer(BlendMode::Erase);
+        EXPECT_EQ(picture.at(0, 0), stage ? kBlue : 0U);
+    }
+}
+
 TEST(RenderCache, DropsDeadShapesAndKeepsToItsBudget)
 {
     RenderCache cache(64 << 10);
