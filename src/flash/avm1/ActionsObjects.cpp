@@ -131,6 +131,11 @@ void initArray(Frame& frame, const Instruction&)
         const StackedArguments elements(frame);
         array = frame.vm.newArray(elements.values());
     }
+    // Without its class an array is a list and nothing more.
+    Vm& vm = frame.vm;
+    Value constructor;
+    vm.global()->getPlain(vm, vm.name("Array"), vm.global(), constructor);
+    if (!constructor.isObject()) array->setProto(vm, {});
     frame.push(Value(array));
 }
 

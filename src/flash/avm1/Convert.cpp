@@ -157,7 +157,13 @@ bool looselyEqual(Vm& vm, Value a, Value b)
     if (a.isObject() || b.isObject()) {
         const Value left = toPrimitive(vm, a, Hint::Number);
         const Value right = toPrimitive(vm, b, Hint::Number);
-        if (left.isObject() || right.isObject()) return left.bits() == right.bits();
+        if (left.isObject() || right.isObject()) {
+            if (vm.version() >= 6 || (left.isObject() && right.isObject()))
+                return left.bits() == right.bits();
+            // Version 5 goes on to compare numbers.
+            const double number = toNumber(vm, left);
+            return number == toNumber(vm, right);
+        }
         return looselyEqual(vm, left, right);
     }
     if (a.isNullish() || b.isNullish()) return false;
@@ -169,7 +175,10 @@ Value lessThan(Vm& vm, Value a, Value b)
     const Value left = toPrimitive(vm, a, Hint::Number);
     const Value right = toPrimitive(vm, b, Hint::Number);
     if (left.isString() && right.isString()) return Value(left.string()->view() < right.string()->view());
-    if (left.isObject() || right.isObject()) return Value(false);
+    const auto isPlainObject = [&](Value value) {
+        return value.isObject() && !vm.host().isClip(value.object());
+    };
+    if (isPlainObject(left) || isPlainObject(right)) return Value(false);
     const double x = toNumber(vm, left);
     const double y = toNumber(vm, right);
     if (std::isnan(x) || std::isnan(y)) return Value::undefined();
@@ -178,15 +187,17 @@ Value lessThan(Vm& vm, Value a, Value b)
 
 Value add(Vm& vm, Value a, Value b)
 {
-    const Value left = toPrimitive(vm, a);
+    // The right side is asked first; scripts see the order.
     const Value right = toPrimitive(vm, b);
+    const Value left = toPrimitive(vm, a);
     if (left.isString() || right.isString()) {
         String* first = toString(vm, left);
         String* second = toString(vm, right);
         vm.heap().noteExternalBytes(sizeof(String));
         return Value(vm.heap().make<String>(first, second));
     }
-    return Value(toNumber(vm, left) + toNumber(vm, right));
+    const double sum = toNumber(vm, left);
+    return Value(sum + toNumber(vm, right));
 }
 
 std::string_view typeOf(Vm&, Value value)

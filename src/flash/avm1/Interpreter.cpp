@@ -134,7 +134,10 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
 
     const FrameGuard guard(vm.m_frame, vm.m_version, frame);
     frame.activation = vm.m_heap.make<Object>(vm, nullptr);
-    frame.scope = vm.m_heap.make<Scope>(Scope::Kind::Activation, frame.activation, function->scope());
+    // Version 5 has no closures: a function sees its own variables and those of its clip.
+    Scope* outer = frame.version > 5 ? function->scope()
+                                     : vm.m_heap.make<Scope>(Scope::Kind::Target, frame.baseTarget, nullptr);
+    frame.scope = vm.m_heap.make<Scope>(Scope::Kind::Activation, frame.activation, outer);
     if (head.hasRegisters) preload(frame, head);
     for (std::size_t i = 0; i < head.parameters.size(); ++i) {
         const FunctionHead::Parameter& parameter = head.parameters[i];
@@ -186,6 +189,7 @@ Value Interpreter::argumentsObject(Frame& frame)
 
 Value Interpreter::superObject(Frame& frame)
 {
+    if (frame.version < 6) return {};
     if (frame.superValue.isUndefined()) {
         Vm& vm = frame.vm;
         Object* super = vm.newObject(nullptr);
@@ -212,7 +216,7 @@ Value Interpreter::construct(Vm& vm, Value constructor, std::span<const Value> a
     const Value prototype = function->get(vm, vm.common().prototype);
     Object* object = vm.newObject(nullptr);
     if (!prototype.isUndefined()) object->setProto(vm, prototype);
-    object->define(vm, vm.common().constructorInternal, constructor, kDontEnum);
+    object->define(vm, vm.common().constructorInternal, constructor, kDontEnum | kFrom6);
     if (vm.version() < 7) object->define(vm, vm.common().constructor, constructor, kDontEnum);
     const Value result = invoke(vm, constructor, object, args, {prototype.asObject(), true});
     // Natives may answer with another object; what scripts return is dropped.

@@ -61,6 +61,8 @@ struct Frame {
         if (number < registerCount) registers[number] = value;
     }
     [[nodiscard]] bool isCaseSensitive() const { return version >= 7; }
+    /// Where variables go: after a SetTarget that led nowhere they stay with the script's own clip.
+    [[nodiscard]] Object* variableTarget() const { return target != nullptr ? target : baseTarget; }
 };
 
 /// The stretch of code that a `with` or `try` body is. Leaving it, by whatever way, ends the nested loop.

@@ -109,6 +109,10 @@ std::u16string formatNumber(double number, int radix)
     if (number == 0) return u"0";
     if (radix != 10) return formatInteger(number, radix);
 
+    // Rounded to 15 digits the largest number would be beyond itself; it is written rounded down.
+    if (std::fabs(number) == std::numeric_limits<double>::max())
+        return number < 0 ? u"-1.79769313486231e+308" : u"1.79769313486231e+308";
+
     char scientific[40];
     const auto written = std::to_chars(scientific, scientific + sizeof scientific, std::fabs(number),
                                        std::chars_format::scientific, kSignificantDigits - 1);
@@ -171,7 +175,8 @@ double parseNumber(std::u16string_view text, int version)
     const std::size_t length = decimalLength(rest);
     if (version < 5) return length == 0 ? 0.0 : decimal(rest.substr(0, length));
     if (length == 0 || length != rest.size()) return kNaN;
-    return decimal(rest);
+    // Texts know no negative zero.
+    return decimal(rest) + 0.0;
 }
 
 double parseFloatPrefix(std::u16string_view text)

@@ -18,7 +18,8 @@ void NameCollector::add(Name name, std::uint16_t flags)
 {
     const NameText* key = m_vm.isCaseSensitive() ? name.cell() : name.folded().cell();
     if (!m_seen.insert(key).second) return;
-    if ((flags & kDontEnum) == 0 && isVisible(flags, m_vm.version())) m_names.push_back(name);
+    // Names hidden from the version are listed all the same.
+    if ((flags & kDontEnum) == 0) m_names.push_back(name);
 }
 
 bool Native::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
@@ -67,11 +68,17 @@ bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
     return false;
 }
 
+bool Object::hasHidden(const Vm& vm, Name name) const
+{
+    return m_layout->find(name, vm.isCaseSensitive()) != Layout::kMissing ||
+           (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive()));
+}
+
 bool Object::findRaw(const Vm& vm, Name name, Value& result) const
 {
     const Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
-        const std::uint32_t at = object->findVisible(vm, name);
+        const std::uint32_t at = object->m_layout->find(name, vm.isCaseSensitive());
         if (at != Layout::kMissing) {
             const Layout::Property& property = object->m_layout->properties()[at];
             result = object->m_slots[property.slot];
@@ -213,9 +220,10 @@ void Object::putUnwatched(Vm& vm, Name name, Value value)
     if (at == Layout::kMissing) return addProperty(vm, name, value, 0);
     const Layout::Property& property = m_layout->properties()[at];
     if (!isVisible(property.flags, vm.version())) {
-        // The value is taken, but stays hidden; only the mark against version 6 goes.
+        // The value is taken, but stays hidden where it is for version 6 or 7 on; the other marks go.
         const std::uint32_t slot = property.slot;
-        changeFlagsAt(vm, at, static_cast<std::uint16_t>(property.flags & ~(kNot6 | kAccessor)));
+        changeFlagsAt(vm, at,
+                      static_cast<std::uint16_t>(property.flags & ~(kNot6 | kFrom8 | kFrom9 | kAccessor)));
         m_slots[slot] = value;
         return;
     }
@@ -371,9 +379,14 @@ Object* Object::visiblePrototype(const Vm& vm) const
 {
     Object* object = m_proto.asObject();
     if (object->m_native != nullptr && object->m_native->typeOf() == "movieclip") return nullptr;
-    // The marks of versions 8 and later hide the property but not the way on.
-    constexpr std::uint16_t kHidesTheWay = kFrom6 | kNot6 | kFrom7;
-    return isVisible(m_protoFlags & kHidesTheWay, vm.version()) ? object : nullptr;
+    // Each version looks at other marks here than for ordinary properties.
+    const int version = vm.version();
+    const std::uint16_t hides = version <= 5   ? kFrom6 | kFrom7 | kFrom8 | kFrom9
+                                : version == 6 ? kFrom7
+                                : version == 7 ? kFrom8
+                                : version == 8 ? kFrom9
+                                               : kFrom10;
+    return (m_protoFlags & hides) == 0 ? object : nullptr;
 }
 
 bool Object::isInstance(Vm& vm, Object* prototype) const

@@ -113,6 +113,8 @@ public:
     void define(Vm& vm, std::string_view name, Value value, std::uint16_t flags = 0);
     /// As define, with a getter and a setter, either of which may be null.
     void defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags = 0);
+    /// As hasPlain, with the properties that the running version does not see.
+    [[nodiscard]] bool hasHidden(const Vm& vm, Name name) const;
     /// @returns the flags of an own property of the bag; 0 when there is none.
     [[nodiscard]] std::uint16_t flagsOf(const Vm& vm, Name name) const;
     /// Sets, then clears, flags of one own property (a null name: of all).

@@ -28,12 +28,31 @@ bool Interpreter::lookup(Vm& vm, Object* object, Name name, Value receiver, Valu
     return false;
 }
 
+namespace
+{
+
+/// A movie may put a class of its own in the place of a built-in one; primitives are then wrapped in that.
+/// @returns null when it has not.
+Object* scriptedWrapper(Vm& vm, Value primitive, std::string_view className, Object* builtInPrototype)
+{
+    Value constructor;
+    vm.global()->getPlain(vm, vm.name(className), vm.global(), constructor);
+    Object* function = constructor.asObject();
+    if (function != nullptr && vm.prototypeOf(function) == builtInPrototype) return nullptr;
+    const Value wrapped = Interpreter::construct(vm, constructor, {&primitive, 1});
+    return wrapped.isObject() ? wrapped.object() : vm.newObject(nullptr);
+}
+
+} // namespace
+
 Value Interpreter::getMember(Vm& vm, Value base, Name name)
 {
     switch (base.type()) {
     case Value::Type::Object: return base.object()->get(vm, name);
     case Value::Type::String:
-        if (name.matches(vm.common().length, vm.isCaseSensitive()))
+        if (Object* object = scriptedWrapper(vm, base, "String", vm.builtIns().string))
+            return object->get(vm, name);
+        if (!vm.builtIns().string->hasOwn(vm, name) && name.matches(vm.common().length, vm.isCaseSensitive()))
             return Value(static_cast<double>(base.string()->length()));
         return vm.builtIns().string->get(vm, name, base);
     case Value::Type::Number: return vm.builtIns().number->get(vm, name, base);
@@ -179,7 +198,7 @@ Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
     const std::uint16_t suppressed = frame.callee != nullptr ? frame.callee->code()->head.flags : 0;
     bool own = frame.callee != nullptr;
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
-        Object* object = scope->kind == Scope::Kind::Target ? frame.target : scope->object;
+        Object* object = scope->kind == Scope::Kind::Target ? frame.variableTarget() : scope->object;
         if (object != nullptr) {
             Value result;
             const Value receiver(object);
@@ -212,7 +231,7 @@ Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
     }
     // A resolver on a `with` object or on the target may still know the name.
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
-        Object* object = scope->kind == Scope::Kind::Target ? frame.target : scope->object;
+        Object* object = scope->kind == Scope::Kind::Target ? frame.variableTarget() : scope->object;
         if (object == nullptr || scope->kind == Scope::Kind::Activation) continue;
         result = object->get(vm, name);
         if (!result.isUndefined()) {
@@ -233,14 +252,14 @@ void Interpreter::setVariable(Frame& frame, Name name, Value value)
         scope->object->put(vm, name, value);
         return;
     }
-    if (frame.target != nullptr) frame.target->put(vm, name, value);
+    if (Object* target = frame.variableTarget()) target->put(vm, name, value);
 }
 
 bool Interpreter::deleteVariable(Frame& frame, Name name)
 {
     Vm& vm = frame.vm;
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
-        Object* object = scope->kind == Scope::Kind::Target ? frame.target : scope->object;
+        Object* object = scope->kind == Scope::Kind::Target ? frame.variableTarget() : scope->object;
         if (object != nullptr && object->hasOwn(vm, name)) return object->remove(vm, name);
     }
     return vm.global()->remove(vm, name);
@@ -277,9 +296,9 @@ Value Interpreter::getPath(Frame& frame, std::u16string_view path, Object** this
     const SplitPath split = splitVariable(path);
     if (!split.hasBase) {
         // A slash path without a variable names the clip itself.
-        return Value(resolve(frame, path, frame.target));
+        return Value(resolve(frame, path, frame.variableTarget()));
     }
-    Object* base = resolve(frame, split.base, frame.target);
+    Object* base = resolve(frame, split.base, frame.variableTarget());
     if (base == nullptr) return {};
     if (thisOfCall != nullptr) *thisOfCall = base;
     return base->get(vm, vm.name(split.name));
@@ -289,7 +308,8 @@ void Interpreter::setPath(Frame& frame, std::u16string_view path, Value value)
 {
     Vm& vm = frame.vm;
     const SplitPath split = splitVariable(path);
-    Object* base = split.hasBase ? resolve(frame, split.base, frame.target) : frame.target;
+    Object* base =
+        split.hasBase ? resolve(frame, split.base, frame.variableTarget()) : frame.variableTarget();
     if (base != nullptr) base->put(vm, vm.name(split.name), value);
 }
 

@@ -88,7 +88,7 @@ Value Vm::construct(Value constructor, std::span<const Value> args)
 
 void Vm::constructOn(Object* object, Function* constructor, std::span<const Value> args)
 {
-    object->define(*this, common().constructorInternal, constructor, kDontEnum);
+    object->define(*this, common().constructorInternal, constructor, kDontEnum | kFrom6);
     if (m_version < 7) object->define(*this, common().constructor, constructor, kDontEnum);
     Interpreter::invoke(*this, constructor, object, args, {prototypeOf(constructor), true});
 }

@@ -3,6 +3,7 @@
 #include "flash/avm1/ArrayNative.h"
 #include "flash/avm1/Vm.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 
@@ -29,34 +30,36 @@ public:
     {
         if (m_function.isObject()) {
             const double order = toNumber(m_vm, m_vm.call(m_function, {}, {a, b}));
-            const int sign = order > 0 ? 1 : order < 0 ? -1 : 0;
-            return (m_fields[0].options & kSortDescending) != 0 ? -sign : sign;
+            return noted(order > 0 ? 1 : order < 0 ? -1 : 0);
         }
         for (const Field& field : m_fields) {
             const int order = byField(a, b, field);
             if (order != 0) return (field.options & kSortDescending) != 0 ? -order : order;
         }
-        return 0;
+        return noted(0);
     }
+    /// @returns whether any two elements were equal.
+    [[nodiscard]] bool metEqual() const { return m_metEqual; }
 
 private:
+    int noted(int order)
+    {
+        m_metEqual |= order == 0;
+        return order;
+    }
     int byField(Value a, Value b, const Field& field)
     {
         if (!field.name.isNull()) {
             a = member(a, field.name);
             b = member(b, field.name);
         }
-        if ((field.options & kSortNumeric) != 0 && !a.isString() && !b.isString()) return numeric(a, b);
+        if ((field.options & kSortNumeric) != 0 && a.isNumber() && b.isNumber())
+            return numeric(a.number(), b.number());
         const std::u16string left = text(a, field.options);
         const std::u16string right = text(b, field.options);
         return left < right ? -1 : left > right ? 1 : 0;
     }
-    int numeric(Value a, Value b)
-    {
-        const double x = toNumber(m_vm, a);
-        const double y = toNumber(m_vm, b);
-        return x < y ? -1 : x > y ? 1 : 0;
-    }
+    static int numeric(double a, double b) { return a < b ? -1 : a > b ? 1 : 0; }
     Value member(Value value, Name name)
     {
         Object* object = value.asObject();
@@ -71,6 +74,7 @@ private:
     Vm& m_vm;
     std::vector<Field> m_fields;
     Value m_function;
+    bool m_metEqual = false;
 };
 
 /// Quicksort with the first element as pivot. Which pairs are compared, and in which order, is on purpose:
@@ -111,17 +115,29 @@ Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
     std::iota(order.begin(), order.end(), 0U);
     quickSort(order, *elements, compare, vm);
     if (vm.isUnwinding()) return {};
-    if ((options & kSortUnique) != 0) {
-        for (std::size_t i = 1; i < order.size(); ++i) {
-            if (compare((*elements)[order[i - 1]], (*elements)[order[i]]) == 0) return Value(0);
-        }
+    if ((options & kSortUnique) != 0 && compare.metEqual()) return Value(0);
+    if ((options & kSortDescending) != 0) std::ranges::reverse(order);
+    if ((options & kSortReturnIndexed) != 0) {
+        const std::vector<Value> indices(order.begin(), order.end());
+        return vm.newArray(indices);
     }
-    RootedValues sorted(vm.heap());
-    for (const std::uint32_t index : order)
-        sorted->push_back((options & kSortReturnIndexed) != 0 ? Value(index) : (*elements)[index]);
-    if ((options & kSortReturnIndexed) != 0) return vm.newArray(*sorted);
-    setListElements(vm, list, *sorted);
+    // Elements that stay are not written: a comparison function that changed the list meanwhile finds its
+    // changes.
+    for (std::uint32_t i = 0; i < order.size(); ++i) {
+        if (order[i] != i) list->put(vm, vm.names().fromIndex(i), (*elements)[order[i]]);
+    }
     return list;
+}
+
+} // namespace
+
+namespace
+{
+
+/// Objects do not count as options, numbers in texts do.
+std::uint32_t optionsFrom(Vm& vm, Value value)
+{
+    return value.isObject() || value.isUndefined() ? 0 : toUint32(toNumber(vm, value));
 }
 
 } // namespace
@@ -177,8 +193,8 @@ Value sort(Call& call)
         function = first;
         optionsValue = call.arg(1);
     }
-    const auto options = optionsValue.isNumber() ? toUint32(optionsValue.number()) : 0U;
-    Comparison compare(call.vm, {{Name(), options}}, function);
+    const std::uint32_t options = optionsFrom(call.vm, optionsValue);
+    Comparison compare(call.vm, {{Name(), options & ~kSortDescending}}, function);
     return sortList(call.vm, self, compare, options);
 }
 
@@ -188,7 +204,7 @@ Value sortOn(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr || call.count() == 0) return {};
     std::vector<Comparison::Field> fields;
-    std::uint32_t options = call.arg(1).isNumber() ? toUint32(call.arg(1).number()) : 0U;
+    std::uint32_t options = optionsFrom(vm, call.arg(1));
     Object* names = call.arg(0).asObject();
     if (names != nullptr && names->native<ArrayNative>() != nullptr) {
         const std::vector<Value> list = listElements(vm, names);
@@ -203,6 +219,11 @@ Value sortOn(Call& call)
     } else {
         fields.push_back({toName(vm, call.arg(0)), options});
     }
+    // With several fields each has its own direction; the list as a whole has none.
+    if (fields.size() > 1)
+        options &= ~kSortDescending;
+    else
+        fields[0].options &= ~kSortDescending;
     Comparison compare(vm, std::move(fields), {});
     return sortList(vm, self, compare, options);
 }

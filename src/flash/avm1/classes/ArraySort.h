@@ -9,7 +9,7 @@ namespace flash::avm1::classes
 Value sort(Call& call);
 Value sortOn(Call& call);
 
-enum SortOption : std::uint32_t {
+enum SortOption : unsigned {
     kSortCaseInsensitive = 1,
     kSortDescending = 2,
     kSortUnique = 4,

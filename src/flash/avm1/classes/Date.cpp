@@ -18,8 +18,8 @@ enum class Zone { Local, Utc };
 
 using Part = double DateParts::*;
 
-/// Years 0 to 99 mean the last century.
-double fullYear(double year) { return year >= 0 && year < 100 ? year + 1900 : year; }
+/// Years below 100 count from 1900, negative ones too.
+double fullYear(double year) { return year < 100 ? year + 1900 : year; }
 
 double numberArgument(Call& call, std::size_t index) { return toNumber(call.vm, call.arg(index)); }
 

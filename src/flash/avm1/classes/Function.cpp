@@ -12,11 +12,11 @@ namespace
 
 Value construct(Call& call) { return call.count() > 0 ? call.arg(0) : Value(); }
 
-/// `this` of call and apply: without an object it is the global one's stand-in, undefined.
+/// `this` of call and apply: primitives are wrapped; nothing becomes a bare object.
 Value selfFrom(Call& call)
 {
-    const Value self = call.arg(0);
-    return self.isNullish() ? Value() : self;
+    Object* self = toObject(call.vm, call.arg(0));
+    return self != nullptr ? self : call.vm.newObject(nullptr);
 }
 
 Value callFunction(Call& call)

@@ -15,7 +15,7 @@ Value construct(Call& call)
         if (Object* object = toObject(call.vm, call.arg(0))) return object;
     }
     if (call.isConstruct) return {};
-    return call.vm.newObject();
+    return call.vm.newObject(nullptr);
 }
 
 Value addProperty(Call& call)
@@ -36,7 +36,9 @@ Value addProperty(Call& call)
 Value hasOwnProperty(Call& call)
 {
     Object* self = call.self.asObject();
-    return Value(self != nullptr && self->hasOwn(call.vm, toName(call.vm, call.arg(0))));
+    if (self == nullptr || call.count() == 0) return Value(false);
+    const Name name = toName(call.vm, call.arg(0));
+    return Value(self->hasOwn(call.vm, name) || self->hasHidden(call.vm, name));
 }
 
 Value isPropertyEnumerable(Call& call)
@@ -139,6 +141,12 @@ void installObject(Vm& vm)
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
     vm.addMembers(prototype, kMembers, kNativeTable);
     vm.addMembers(constructor, kStatics, kNativeTable);
+    // Written in script in the genuine library, so it can be a constructor.
+    Value localeString;
+    prototype->find(vm, vm.name("toLocaleString"), localeString, prototype);
+    Object* ownPrototype = vm.newObject();
+    ownPrototype->define(vm, vm.common().constructor, localeString, kBuiltIn);
+    localeString.object()->define(vm, vm.common().prototype, ownPrototype, kBuiltIn);
     vm.registerNative(kNativeTable, 9, &construct);
     vm.builtIns().objectConstructor = constructor;
     constructor->changeFlags(vm, Name(), kBuiltIn | kReadOnly, 0);

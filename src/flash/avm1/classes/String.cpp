@@ -143,6 +143,8 @@ Value substring(Call& call)
     };
     std::size_t start = clamped(0, 0);
     std::size_t end = clamped(1, static_cast<std::int32_t>(text.size()));
+    // Nothing starts at the end, whatever the other bound.
+    if (start == text.size()) return call.vm.string("");
     if (start > end) std::swap(start, end);
     return call.vm.string(text.substr(start, end - start));
 }
