@@ -48,6 +48,7 @@ void Stage::open(MoviePtr movie, std::string url)
     m_services.host.readyStateChanged(1);
     makeLevel(0, std::move(movie), std::move(url));
     runQueue();
+    deliverLoads();
     syncTextFields();
     m_script->frameEnded();
     m_services.host.progressed(100);

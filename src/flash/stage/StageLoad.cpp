@@ -88,8 +88,9 @@ void Stage::loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<Load
 
 void Stage::loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener)
 {
-    Pending load{{}, level,         false, true, m_services.loader.load(request), std::move(listener),
-                 {}, m_frameCounter};
+    // Replacing the movie itself waits for its present frame to be over.
+    const long long frame = level == 0 ? m_frameCounter + 1 : m_frameCounter;
+    Pending load{{}, level, false, true, m_services.loader.load(request), std::move(listener), {}, frame};
     m_loads.push_back(std::move(load));
 }
 
@@ -120,6 +121,7 @@ void Stage::deliverLoads()
 void Stage::finishLoad(Pending& load)
 {
     if (load.done) {
+        if (!load.answer) m_services.host.logLine(load.answer.error().what);
         load.done(load.answer);
         return;
     }

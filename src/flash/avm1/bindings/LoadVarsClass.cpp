@@ -29,7 +29,9 @@ std::string urlEncoded(std::string_view text)
 
 Value decode(Call& call)
 {
-    if (Object* self = call.self.asObject()) StageBinding::of(call).decodeVariables(self, utf8Arg(call, 0));
+    Object* self = call.self.asObject();
+    if (!self || call.count() == 0) return Value(false);
+    StageBinding::of(call).decodeVariables(self, utf8Arg(call, 0));
     return {};
 }
 
@@ -143,12 +145,12 @@ Value construct(Call&) { return {}; }
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    {"load",             1, kFrom6, &load},
-    {"send",             1, kFrom6, &send},
-    {"sendAndLoad",      2, kFrom6, &sendAndLoad},
+    {"load",             0, kFrom6, &load},
+    {"send",             0, kFrom6, &send},
+    {"sendAndLoad",      0, kFrom6, &sendAndLoad},
     {"getBytesLoaded",   0, kFrom6, &getBytesLoaded},
     {"getBytesTotal",    0, kFrom6, &getBytesTotal},
-    {"decode",           1, kFrom6, &decode},
+    {"decode",           0, kFrom6, &decode},
     {"onLoad",           0, kFrom6, &onLoad},
     {"onData",           0, kFrom6, &onData},
     {"toString",         0, kFrom6, &toStringMethod},
