@@ -65,6 +65,8 @@ def main():
         return subprocess.run(command, env=dict(os.environ, ZORVEX_E2E_DISPLAY='1'), check=False).returncode
 
     os.environ['QT_QPA_PLATFORM'] = 'xcb'
+    suppressions = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'lsan.supp')
+    os.environ['LSAN_OPTIONS'] = 'suppressions=' + suppressions
     folder = os.path.join(scratch, 'program')
     shutil.rmtree(folder, ignore_errors=True)
     shutil.copytree(program_folder, folder)
