@@ -21,7 +21,7 @@ Object* clipFrom(Frame& frame, Value value)
         return object;
     const std::u16string path = toText(frame.vm, value);
     if (path.empty()) return frame.target;
-    Object* object = Interpreter::resolve(frame, path, frame.target);
+    Object* object = Interpreter::resolve(frame, path);
     return object != nullptr && frame.vm.host().isStageObject(object) ? object : nullptr;
 }
 
@@ -37,7 +37,8 @@ void setTargetTo(Frame& frame, Value value)
         return;
     }
     // Paths start at the clip the script belongs to, whatever was targeted before.
-    Object* object = Interpreter::resolve(frame, path, frame.baseTarget);
+    frame.target = frame.baseTarget;
+    Object* object = Interpreter::resolve(frame, path);
     frame.target = object != nullptr && frame.vm.host().isClip(object) ? object : nullptr;
     if (frame.target == nullptr) frame.vm.host().log("tellTarget: there is no such clip");
 }

@@ -57,14 +57,14 @@ void pushNames(Frame& frame, Value value)
 /// Where `var` puts a variable: the nearest function call's or the target clip.
 Object* localObject(const Frame& frame)
 {
-    return frame.activation != nullptr ? frame.activation : frame.target;
+    return frame.activation != nullptr ? frame.activation : frame.baseTarget;
 }
 
 void putLocal(Frame& frame, Name name, Value value)
 {
     Object* object = localObject(frame);
     if (object == nullptr) return;
-    if (name.isPath()) return Interpreter::setPath(frame, name.view(), value);
+    if (name.isPath()) return Interpreter::setPath(frame, name, value);
     object->put(frame.vm, name, value);
 }
 

@@ -167,14 +167,19 @@ bool looselyEqual(Vm& vm, Value a, Value b)
         return looselyEqual(vm, left, right);
     }
     if (a.isNullish() || b.isNullish()) return false;
-    return strictlyEqual(Value(toNumber(vm, a)), Value(toNumber(vm, b)));
+    return toNumber(vm, a) == toNumber(vm, b);
 }
 
 Value lessThan(Vm& vm, Value a, Value b)
 {
     const Value left = toPrimitive(vm, a, Hint::Number);
     const Value right = toPrimitive(vm, b, Hint::Number);
-    if (left.isString() && right.isString()) return Value(left.string()->view() < right.string()->view());
+    if (left.isString() && right.isString()) {
+        // The empty text comes after all others.
+        if (left.string()->isEmpty() || right.string()->isEmpty())
+            return Value(!left.string()->isEmpty() && right.string()->isEmpty());
+        return Value(left.string()->view() < right.string()->view());
+    }
     const auto isPlainObject = [&](Value value) {
         return value.isObject() && !vm.host().isClip(value.object());
     };

@@ -231,7 +231,7 @@ void Decoder::push(base::ByteReader reader)
         }
         case PushConstant8: emit(kPushConstant, 0, reader.u8().value_or(0)); break;
         case PushConstant16: emit(kPushConstant, 0, reader.u16().value_or(0)); break;
-        default: return;
+        default: break; // a type that means nothing has no value either
         }
     }
 }

@@ -117,7 +117,8 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
 
     Value* stack = vm.m_frame == nullptr ? vm.m_stack.get() : vm.m_frame->top;
     frame.limit = vm.m_stack.get() + Vm::kStackValues;
-    if (head.hasRegisters) {
+    // A function that asks for no registers of its own works with the four that all share.
+    if (head.registerCount > 0) {
         if (frame.limit - stack <= head.registerCount) {
             frame.overflow();
             return {};

@@ -126,10 +126,11 @@ struct Interpreter {
     static Value getVariableCached(Frame& frame, Value key, std::uint32_t cache);
     static void setVariable(Frame& frame, Name name, Value value);
     static bool deleteVariable(Frame& frame, Name name);
-    static Value getPath(Frame& frame, std::u16string_view path, Object** thisOfCall);
-    static void setPath(Frame& frame, std::u16string_view path, Value value);
-    /// @returns the object that a path leads to, from the variables in scope or from `start`.
-    static Object* resolve(Frame& frame, std::u16string_view path, Object* start);
+    static Value getPlainVariable(Frame& frame, Name name, Object** thisOfCall);
+    static Value getPath(Frame& frame, Name name, Object** thisOfCall);
+    static void setPath(Frame& frame, Name name, Value value);
+    /// @returns the object that a path leads to, its first step being anything in scope; or null.
+    static Object* resolve(Frame& frame, std::u16string_view path);
     static void preload(Frame& frame, const FunctionHead& head);
     static Value argumentsObject(Frame& frame);
     static Value superObject(Frame& frame);

@@ -51,8 +51,7 @@ Value Object::get(Vm& vm, Name name, Value receiver)
     if (find(vm, name, result, receiver)) return result;
     // Names that the engine itself asks for are not resolved; a resolver that misses does not recurse.
     Value resolver;
-    if (name == vm.common().resolve || !findRaw(vm, vm.common().resolve, resolver)) return {};
-    if (!resolver.isObject()) return {};
+    if (name == vm.common().resolve || !findResolver(vm, resolver)) return {};
     return vm.call(resolver, receiver, {Value(name.string())});
 }
 
@@ -74,17 +73,18 @@ bool Object::hasHidden(const Vm& vm, Name name) const
            (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive()));
 }
 
-bool Object::findRaw(const Vm& vm, Name name, Value& result) const
+bool Object::findResolver(const Vm& vm, Value& result) const
 {
     const Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
-        const std::uint32_t at = object->m_layout->find(name, vm.isCaseSensitive());
+        const std::uint32_t at = object->m_layout->find(vm.common().resolve, vm.isCaseSensitive());
         if (at != Layout::kMissing) {
             const Layout::Property& property = object->m_layout->properties()[at];
             result = object->m_slots[property.slot];
             if ((property.flags & kAccessor) != 0)
                 result = reinterpret_cast<Accessor*>(result.object())->value;
-            return true;
+            // From version 7 on, what is no object does not stand in the way of a resolver further up.
+            if (result.isObject() || vm.version() < 7) return result.isObject();
         }
         object = object->prototype(vm);
     }

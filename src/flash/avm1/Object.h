@@ -206,7 +206,7 @@ private:
     Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);
     [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
-    bool findRaw(const Vm& vm, Name name, Value& result) const;
+    bool findResolver(const Vm& vm, Value& result) const;
     bool findSetter(Vm& vm, Name name, Object*& setter);
 
     bool m_hasHooks = false;

@@ -191,8 +191,13 @@ Value Interpreter::getVariableCached(Frame& frame, Value key, std::uint32_t cach
 
 Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
 {
+    if (name.isPath()) return getPath(frame, name, thisOfCall);
+    return getPlainVariable(frame, name, thisOfCall);
+}
+
+Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall)
+{
     Vm& vm = frame.vm;
-    if (name.isPath()) return getPath(frame, name.view(), thisOfCall);
     const bool sensitive = frame.isCaseSensitive();
     const Names::Common& common = vm.common();
     const std::uint16_t suppressed = frame.callee != nullptr ? frame.callee->code()->head.flags : 0;
@@ -245,7 +250,7 @@ Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
 void Interpreter::setVariable(Frame& frame, Name name, Value value)
 {
     Vm& vm = frame.vm;
-    if (name.isPath()) return setPath(frame, name.view(), value);
+    if (name.isPath()) return setPath(frame, name, value);
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
         if (scope->kind == Scope::Kind::Target) break;
         if (!scope->object->has(vm, name)) continue;
@@ -265,7 +270,7 @@ bool Interpreter::deleteVariable(Frame& frame, Name name)
     return vm.global()->remove(vm, name);
 }
 
-// ---- paths -----------------------------------------------------------------------------------------------
+// ---- paths ----------------------------------------------------------------------------------------------
 
 namespace
 {
@@ -275,56 +280,75 @@ struct SplitPath {
     bool hasBase;
 };
 
-/// "/a/b:c", "a.b.c" and "a/b/c" name the variable c of something; so does ":c", with an empty base.
+/// "/a/b:c", "a.b.c" and "a/b.c" name the variable c of something; "a/b" is a whole.
 SplitPath splitVariable(std::u16string_view path)
 {
-    std::size_t at = path.rfind(u':');
-    if (at == std::u16string_view::npos) {
-        at = path.rfind(u'.');
-        // ".." is a step, not a separator.
-        if (at != std::u16string_view::npos && at > 0 && path[at - 1] == u'.') at = std::u16string_view::npos;
-    }
+    const std::size_t at = path.find_last_of(u".:");
     if (at == std::u16string_view::npos) return {{}, path, false};
     return {path.substr(0, at), path.substr(at + 1), true};
 }
 
 } // namespace
 
-Value Interpreter::getPath(Frame& frame, std::u16string_view path, Object** thisOfCall)
+Value Interpreter::getPath(Frame& frame, Name name, Object** thisOfCall)
 {
     Vm& vm = frame.vm;
+    const std::u16string_view path = name.view();
     const SplitPath split = splitVariable(path);
-    if (!split.hasBase) {
-        // A slash path without a variable names the clip itself.
-        return Value(resolve(frame, path, frame.variableTarget()));
+    if (split.hasBase) {
+        Object* base = resolve(frame, split.base);
+        if (base == nullptr || split.name.empty()) return {};
+        if (thisOfCall != nullptr) *thisOfCall = base;
+        return base->get(vm, vm.name(split.name));
     }
-    Object* base = resolve(frame, split.base, frame.variableTarget());
-    if (base == nullptr) return {};
+    // Slashes alone: a variable of that very name, a clip, or a variable in a clip.
+    Object* target = frame.variableTarget();
+    Value result;
+    if (target != nullptr && target->getPlain(vm, name, target, result)) return result;
+    if (target == nullptr) return {};
+    if (Object* clip = vm.resolveTarget(target, path)) return clip;
+    const std::size_t slash = path.rfind(u'/');
+    Object* base = vm.resolveTarget(target, path.substr(0, std::max<std::size_t>(slash, slash == 0 ? 1 : 0)));
+    if (base == nullptr || slash + 1 == path.size()) return {};
     if (thisOfCall != nullptr) *thisOfCall = base;
-    return base->get(vm, vm.name(split.name));
+    return base->get(vm, vm.name(path.substr(slash + 1)));
 }
 
-void Interpreter::setPath(Frame& frame, std::u16string_view path, Value value)
+void Interpreter::setPath(Frame& frame, Name name, Value value)
 {
     Vm& vm = frame.vm;
-    const SplitPath split = splitVariable(path);
-    Object* base =
-        split.hasBase ? resolve(frame, split.base, frame.variableTarget()) : frame.variableTarget();
-    if (base != nullptr) base->put(vm, vm.name(split.name), value);
+    const SplitPath split = splitVariable(name.view());
+    if (!split.hasBase) {
+        if (Object* target = frame.variableTarget()) target->put(vm, name, value);
+        return;
+    }
+    Object* base = resolve(frame, split.base);
+    if (base != nullptr && !split.name.empty()) base->put(vm, vm.name(split.name), value);
 }
 
-Object* Interpreter::resolve(Frame& frame, std::u16string_view path, Object* start)
+Object* Interpreter::resolve(Frame& frame, std::u16string_view path)
 {
-    // The first step of a dotted path may be any variable in scope: "list.item", "this.x", "_global.y".
-    if (!path.empty() && path[0] != u'/' && path[0] != u'.' && path[0] != u':') {
-        const std::size_t end = std::min(path.find_first_of(u"/.:"), path.size());
-        Vm& vm = frame.vm;
-        const Value first = getVariable(frame, vm.name(path.substr(0, end)));
-        Object* object = first.asObject();
-        if (object == nullptr || end == path.size()) return object;
-        return vm.resolveTarget(object, path.substr(end + 1));
+    Vm& vm = frame.vm;
+    Object* const target = frame.variableTarget();
+    if (path.empty()) return nullptr;
+    if (path[0] == u'/' || path[0] == u'.')
+        return target == nullptr ? nullptr : vm.resolveTarget(target, path);
+    if (path[0] == u':') path.remove_prefix(1);
+    // The first step is looked for in everything in scope; clips prefer their children to their variables.
+    const std::size_t end = std::min(path.find_first_of(u"/.:"), path.size());
+    const Name first = vm.name(path.substr(0, end));
+    Object* object = nullptr;
+    for (Scope* scope = frame.scope; scope != nullptr && object == nullptr; scope = scope->outer) {
+        Object* candidate = scope->kind == Scope::Kind::Target ? target : scope->object;
+        if (candidate == nullptr) continue;
+        if (vm.host().isClip(candidate))
+            object = vm.host().child(candidate, first.view(), frame.isCaseSensitive());
+        Value member;
+        if (object == nullptr && candidate->find(vm, first, member, candidate)) object = member.asObject();
     }
-    return frame.vm.resolveTarget(start, path);
+    if (object == nullptr) object = getPlainVariable(frame, first, nullptr).asObject();
+    if (object == nullptr || end >= path.size()) return object;
+    return vm.resolveTarget(object, path.substr(end + 1));
 }
 
 } // namespace flash::avm1

@@ -116,6 +116,7 @@ Object* Vm::target() const { return m_frame == nullptr ? nullptr : m_frame->targ
 
 Object* Vm::resolveTarget(Object* base, std::u16string_view path)
 {
+    constexpr std::u16string_view kSeparators = u"/:.";
     Object* object = base;
     std::size_t at = 0;
     if (!path.empty() && path[0] == u'/') {
@@ -124,27 +125,31 @@ Object* Vm::resolveTarget(Object* base, std::u16string_view path)
         at = 1;
     }
     while (at < path.size() && object != nullptr) {
+        std::size_t end = 0;
         if (path.compare(at, 2, u"..") == 0) {
             object = m_host.parent(object);
-            at += 2;
-            if (at < path.size() && (path[at] == u'/' || path[at] == u':' || path[at] == u'.')) ++at;
-            continue;
+            end = at + 2;
+            // Two dots and something else name nothing.
+            if (end < path.size() && kSeparators.find(path[end]) == std::u16string_view::npos) return nullptr;
+        } else {
+            end = std::min(path.find_first_of(kSeparators, at), path.size());
+            if (end == at) return nullptr;
+            object = step(object, path.substr(at, end - at));
         }
-        const std::size_t end = std::min(path.find_first_of(u"/:.", at), path.size());
-        const std::u16string_view step = path.substr(at, end - at);
         at = end + 1;
-        if (step.empty()) continue;
-        if (step == u"this") continue;
-        if (Object* child =
-                m_host.isStageObject(object) ? m_host.child(object, step, isCaseSensitive()) : nullptr) {
-            object = child;
-            continue;
-        }
-        Value member;
-        object->find(*this, name(step), member, object);
-        object = member.asObject();
     }
     return object;
+}
+
+Object* Vm::step(Object* object, std::u16string_view name)
+{
+    if (name == u"this") return object;
+    if (m_host.isStageObject(object)) {
+        if (Object* child = m_host.child(object, name, isCaseSensitive())) return child;
+    }
+    Value member;
+    object->find(*this, this->name(name), member, object);
+    return member.asObject();
 }
 
 namespace

@@ -179,6 +179,7 @@ private:
         bool repeats;
         int version;
     };
+    Object* step(Object* object, std::u16string_view name);
     void traceRoots(Tracer& tracer);
     Code* codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version);
     void reportUncaught();

@@ -38,6 +38,7 @@ public:
         }
         return noted(0);
     }
+    [[nodiscard]] bool hasFunction() const { return m_function.isObject(); }
     /// @returns whether any two elements were equal.
     [[nodiscard]] bool metEqual() const { return m_metEqual; }
 
@@ -115,7 +116,13 @@ Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
     std::iota(order.begin(), order.end(), 0U);
     quickSort(order, *elements, compare, vm);
     if (vm.isUnwinding()) return {};
-    if ((options & kSortUnique) != 0 && compare.metEqual()) return Value(0);
+    if ((options & kSortUnique) != 0) {
+        // A comparison function has no say in what counts as the same.
+        bool same = !compare.hasFunction() && compare.metEqual();
+        for (std::size_t i = 1; compare.hasFunction() && i < order.size(); ++i)
+            same |= strictlyEqual((*elements)[order[i - 1]], (*elements)[order[i]]);
+        if (same) return Value(0);
+    }
     if ((options & kSortDescending) != 0) std::ranges::reverse(order);
     if ((options & kSortReturnIndexed) != 0) {
         const std::vector<Value> indices(order.begin(), order.end());

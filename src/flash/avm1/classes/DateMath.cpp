@@ -1,5 +1,6 @@
 #include "flash/avm1/classes/DateMath.h"
 
+#include <algorithm>
 #include <cmath>
 #include <ctime>
 #include <limits>
@@ -11,7 +12,6 @@ namespace
 {
 
 constexpr double kMsPerDay = 86400000;
-constexpr double kLargestTimeMs = 8.64e15;
 
 /// Days since 1970-01-01 of a date in the proleptic Gregorian calendar. Years begin in March here, so that
 /// the leap day is the last one.
@@ -33,13 +33,13 @@ double timeFromParts(const DateParts& parts)
 {
     const double month = std::trunc(parts.month);
     const double year = std::trunc(parts.year) + std::floor(month / 12);
-    if (!std::isfinite(year) || std::fabs(year) > 400000) return std::numeric_limits<double>::quiet_NaN();
+    if (!std::isfinite(year)) return std::numeric_limits<double>::quiet_NaN();
     const auto monthOfYear = static_cast<int>(month - std::floor(month / 12) * 12);
     const double days = daysFromCivil(year, monthOfYear, 1) + std::trunc(parts.day) - 1;
     const double time = days * kMsPerDay + std::trunc(parts.hours) * 3600000 +
                         std::trunc(parts.minutes) * 60000 + std::trunc(parts.seconds) * 1000 +
                         std::trunc(parts.milliseconds);
-    return std::fabs(time) > kLargestTimeMs ? std::numeric_limits<double>::quiet_NaN() : time;
+    return time;
 }
 
 DateParts partsFromTime(double timeMs)
@@ -73,7 +73,10 @@ DateParts partsFromTime(double timeMs)
 double localOffsetMinutes(double utcMs)
 {
     if (!std::isfinite(utcMs)) return 0;
-    const auto seconds = static_cast<std::time_t>(std::floor(utcMs / 1000));
+    // Years that the C library cannot hold have no rules either.
+    constexpr double kFurthestMs = 6.7e19;
+    if (std::fabs(utcMs) > kFurthestMs) return 0;
+    const auto seconds = static_cast<std::time_t>(std::clamp(std::floor(utcMs / 1000), -6.7e16, 6.7e16));
     std::tm local{};
     if (localtime_r(&seconds, &local) == nullptr) return 0;
     return static_cast<double>(local.tm_gmtoff) / 60;

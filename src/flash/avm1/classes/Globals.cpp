@@ -259,9 +259,7 @@ constexpr MemberInfo kFunctions[] = {
 };
 constexpr struct { int table, index; NativeFunction function; } kNumbers[] = {
     {1, 0, &setPropFlags},
-    {2, 0, &parseInt},
-    {2, 1, &parseFloat},
-    {2, 2, &asNew},
+    {2, 0, &asNew},
     {4, 0, &asNative},
     {100, 0, &escape},
     {100, 1, &unescape},
