@@ -73,6 +73,8 @@ public:
     /// Runs onKillFocus, onSetFocus and tells the listeners of Selection.
     virtual void focusChanged(Node* /*before*/, Node* /*now*/) {}
 
+    /// A text field of the file came onto the stage.
+    virtual void textFieldPlaced(TextField&) {}
     virtual void textChanged(TextField&) {}
     virtual void textScrolled(TextField&) {}
 

@@ -144,6 +144,7 @@ void Stage::begin(Node& node)
         static_cast<Button&>(node).begin();
     } else if (node.kind() == NodeKind::TextField) {
         static_cast<TextField&>(node).syncVariable();
+        m_script->textFieldPlaced(static_cast<TextField&>(node));
     }
 }
 

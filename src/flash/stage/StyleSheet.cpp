@@ -151,7 +151,14 @@ std::optional<swf::Rgba> cssColor(std::u16string_view text)
                      static_cast<std::uint8_t>(value), 255};
 }
 
-std::string fontNames(std::u16string_view families)
+} // namespace
+
+std::optional<std::vector<StyleSheet::Rule>> StyleSheet::parse(std::u16string_view css)
+{
+    return CssReader(css).read();
+}
+
+std::string StyleSheet::fontNames(std::u16string_view families)
 {
     std::string names;
     while (!families.empty()) {
@@ -166,13 +173,6 @@ std::string fontNames(std::u16string_view families)
         names += base::utf8FromUtf16(name);
     }
     return names;
-}
-
-} // namespace
-
-std::optional<std::vector<StyleSheet::Rule>> StyleSheet::parse(std::u16string_view css)
-{
-    return CssReader(css).read();
 }
 
 void StyleSheet::apply(const StyleProperties& properties, TextFormat& format, bool& shown)

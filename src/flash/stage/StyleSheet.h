@@ -26,6 +26,9 @@ public:
     /// @returns the rules in the order of the text; nothing when it is no style sheet
     static std::optional<std::vector<Rule>> parse(std::u16string_view css);
 
+    /// A list of font families as the name of a font, in which several may stand. UTF-8.
+    static std::string fontNames(std::u16string_view families);
+
     /// What properties say about characters. Unknown ones say nothing.
     static void apply(const StyleProperties& properties, TextFormat& format, bool& shown);
 

@@ -95,6 +95,7 @@ void TextField::textChanged()
 {
     m_anchor = std::min(m_anchor, m_content.size());
     m_caret = std::min(m_caret, m_content.size());
+    m_scrollUnbounded = true;
     outdateLayout();
     publish();
 }
@@ -146,7 +147,11 @@ void TextField::setStyleSheet(std::shared_ptr<const StyleSheet> sheet)
 
 void TextField::replaceText(std::size_t begin, std::size_t end, std::u16string_view text)
 {
-    m_content.replace(begin, end, withCarriageReturns(std::u16string(text)), m_newFormat);
+    // The new text looks like what comes after it, and text set later like the first character.
+    const TextFormat* after = end < m_content.size() ? m_content.formatAt(end) : nullptr;
+    const TextFormat format = after ? *after : m_newFormat;
+    m_content.replace(begin, end, withCarriageReturns(std::u16string(text)), format);
+    if (const TextFormat* first = m_content.formatAt(0)) m_newFormat = *first;
     textChanged();
 }
 
@@ -196,6 +201,7 @@ void TextField::syncVariable()
     }
     m_anchor = std::min(m_anchor, m_content.size());
     m_caret = std::min(m_caret, m_content.size());
+    m_scrollUnbounded = true;
     outdateLayout();
 }
 
@@ -236,8 +242,14 @@ void TextField::setMultiline(bool on)
 }
 void TextField::setWraps(bool on)
 {
+    if (m_wordWrap == on) return;
     m_wordWrap = on;
-    outdateLayout();
+    if (m_autoSize == AutoSize::None && m_layoutValid) {
+        m_wrapChangedFrame = m_stage.frameCounter();
+        invalidate();
+    } else {
+        outdateLayout();
+    }
 }
 void TextField::setPassword(bool on)
 {

@@ -74,6 +74,15 @@ public:
     [[nodiscard]] AutoSize autoSize() const { return m_autoSize; }
     void setAutoSize(AutoSize mode);
 
+    /// How glyphs are made into pixels. Only remembered: ours have one way, which is the finest.
+    struct Rendering {
+        enum class GridFit : std::uint8_t { None, Pixel, Subpixel };
+        bool advanced = false;
+        GridFit gridFit = GridFit::Pixel;
+        double sharpness = 0, thickness = 0;
+    };
+    Rendering rendering;
+
     // ---- what the user may do ----
     bool readOnly = false, selectable = true, mouseWheelEnabled = true;
     std::optional<int> maxChars;            ///< unlimited when none
@@ -134,6 +143,7 @@ private:
     void textChanged(); ///< by a script
     void outdateLayout();
     void fitToText();
+    void boundScroll();
     [[nodiscard]] swf::Point textOrigin();
     [[nodiscard]] double visibleWidth();
     [[nodiscard]] double visibleHeight();
@@ -167,6 +177,10 @@ private:
 
     render::TextLayout m_layout;
     bool m_layoutValid = false;
+    bool m_scrollUnbounded = false; ///< the text changed: scrolling may reach beyond its end
+    /// Frame in which word wrap was switched: lines are broken anew in the next one only, unless something
+    /// else about the text changes before.
+    std::optional<long long> m_wrapChangedFrame;
     int m_scroll = 0;
     double m_hscroll = 0;
 

@@ -63,7 +63,10 @@ void TextField::outdateLayout()
 
 const render::TextLayout& TextField::layout()
 {
+    if (m_layoutValid && m_wrapChangedFrame && *m_wrapChangedFrame != m_stage.frameCounter())
+        m_layoutValid = false;
     if (m_layoutValid) return m_layout;
+    m_wrapChangedFrame.reset();
     m_layoutValid = true;
     std::vector<render::TextRun> runs;
     for (const TextContent::Run& run : m_content.runs()) runs.push_back({run.length, run.format.style});
@@ -162,17 +165,25 @@ int TextField::maxScroll()
     return static_cast<int>(first);
 }
 
+void TextField::boundScroll()
+{
+    if (!m_scrollUnbounded) return;
+    m_scrollUnbounded = false;
+    m_scroll = std::clamp(m_scroll, 0, maxScroll());
+    m_hscroll = std::clamp(m_hscroll, 0.0, maxHscroll());
+}
+
 int TextField::scroll()
 {
-    m_scroll = std::clamp(m_scroll, 0, maxScroll());
+    boundScroll();
     return m_scroll;
 }
 
 void TextField::setScroll(int line)
 {
     const int before = scroll();
-    m_scroll = line;
-    if (scroll() == before) return;
+    m_scroll = std::clamp(line, 0, maxScroll());
+    if (m_scroll == before) return;
     invalidate();
     m_stage.script().textScrolled(*this);
 }
@@ -181,6 +192,7 @@ int TextField::bottomScroll()
 {
     const auto& lines = layout().lines();
     const auto first = static_cast<std::size_t>(scroll());
+    if (first >= lines.size()) return scroll();
     std::size_t last = first;
     while (last + 1 < lines.size() && lines[last + 1].bottom() - lines[first].top <= visibleHeight()) ++last;
     return static_cast<int>(last);
@@ -194,15 +206,15 @@ double TextField::maxHscroll()
 
 double TextField::hscroll()
 {
-    m_hscroll = std::clamp(m_hscroll, 0.0, maxHscroll());
+    boundScroll();
     return m_hscroll;
 }
 
 void TextField::setHscroll(double twips)
 {
     const double before = hscroll();
-    m_hscroll = twips;
-    if (hscroll() == before) return;
+    m_hscroll = std::clamp(twips, 0.0, maxHscroll());
+    if (m_hscroll == before) return;
     invalidate();
     m_stage.script().textScrolled(*this);
 }
@@ -211,8 +223,9 @@ swf::Point TextField::textOrigin()
 {
     const auto& lines = layout().lines();
     const swf::Rect box = bounds();
-    const double top = lines[static_cast<std::size_t>(scroll())].top;
-    return {box.xMin + render::kTextGutter - hscroll(), box.yMin + render::kTextGutter - top};
+    const double top = lines[static_cast<std::size_t>(std::min(scroll(), maxScroll()))].top;
+    return {box.xMin + render::kTextGutter - std::min(hscroll(), maxHscroll()),
+            box.yMin + render::kTextGutter - top};
 }
 
 swf::Point TextField::toText(swf::Point stagePoint)

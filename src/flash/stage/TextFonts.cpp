@@ -2,6 +2,9 @@
 
 #include "flash/stage/Stage.h"
 
+#include <QFontDatabase>
+#include <QGuiApplication>
+
 namespace flash::stage
 {
 
@@ -56,6 +59,14 @@ render::FontFacePtr TextFonts::embedded(const MoviePtr& movie, std::uint16_t fon
     if (!font || font->glyphs.empty()) return nullptr;
     face = render::makeEmbeddedFace(std::shared_ptr<const swf::Font>(found->second, font));
     return face;
+}
+
+std::vector<std::string> TextFonts::installed()
+{
+    std::vector<std::string> names;
+    if (!qGuiApp) return names;
+    for (const QString& family : QFontDatabase::families()) names.push_back(family.toStdString());
+    return names;
 }
 
 render::FontFacePtr TextFonts::device(const std::string& name, bool bold, bool italic)

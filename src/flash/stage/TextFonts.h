@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace flash::stage
 {
@@ -21,6 +22,8 @@ public:
     /// By its number. @returns null when that is no font
     render::FontFacePtr embedded(const MoviePtr& movie, std::uint16_t fontId);
     render::FontFacePtr device(const std::string& name, bool bold, bool italic);
+    /// The families that the machine has. UTF-8.
+    [[nodiscard]] static std::vector<std::string> installed();
 
 private:
     struct PerMovie {

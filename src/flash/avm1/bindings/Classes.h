@@ -19,8 +19,13 @@ void installStage(StageBinding& binding);
 void installColor(StageBinding& binding);
 void installSound(StageBinding& binding);
 void installTextField(StageBinding& binding);
+void installTextFormat(StageBinding& binding);
+void installStyleSheet(StageBinding& binding, Object* textField);
 void installLoadVars(StageBinding& binding);
 void installMovieClipLoader(StageBinding& binding);
+
+/// Gives the prototype of text fields its properties, which are not there before the first text field is.
+void furnishTextField(Vm& vm);
 
 /// Makes an object a broadcaster: addListener, removeListener, broadcastMessage and an empty list.
 void makeBroadcaster(Vm& vm, Object* object);

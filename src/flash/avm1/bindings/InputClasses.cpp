@@ -1,7 +1,6 @@
 #include "flash/avm1/bindings/Classes.h"
-#include "flash/stage/TextField.h"
 
-// Key, Mouse and Selection: what the user does.
+// Key and Mouse: what the user does.
 namespace flash::avm1
 {
 
@@ -51,67 +50,6 @@ constexpr MemberInfo kMouseMembers[] = {
     {"hide", 0, kReadOnly, &hideMouse},
 };
 
-stage::TextField* focusedField(Call& call)
-{
-    stage::Node* focus = StageBinding::of(call).stage().focus();
-    return focus && focus->kind() == stage::NodeKind::TextField ? static_cast<stage::TextField*>(focus)
-                                                                : nullptr;
-}
-Value getBeginIndex(Call& call)
-{
-    stage::TextField* field = focusedField(call);
-    return Value(field ? static_cast<int>(field->selectionBegin()) : -1);
-}
-Value getEndIndex(Call& call)
-{
-    stage::TextField* field = focusedField(call);
-    return Value(field ? static_cast<int>(field->selectionEnd()) : -1);
-}
-Value getCaretIndex(Call& call)
-{
-    stage::TextField* field = focusedField(call);
-    return Value(field ? static_cast<int>(field->caret()) : -1);
-}
-Value setSelection(Call& call)
-{
-    stage::TextField* field = focusedField(call);
-    if (!field) return {};
-    field->select(std::max(0, intArg(call, 0)), std::max(0, intArg(call, 1)));
-    return {};
-}
-Value getFocus(Call& call)
-{
-    StageBinding& binding = StageBinding::of(call);
-    stage::Node* focus = binding.stage().focus();
-    return focus ? binding.utf8(focus->dotPath()) : Value::null();
-}
-Value setFocus(Call& call)
-{
-    StageBinding& binding = StageBinding::of(call);
-    if (call.count() == 0) return Value(false);
-    if (call.arg(0).isNullish()) {
-        binding.stage().setFocus(nullptr);
-        return Value(true);
-    }
-    Object* object = call.arg(0).asObject();
-    if (!object) object = call.vm.resolveTarget(call.vm.target(), textArg(call, 0));
-    stage::Node* node = binding.nodeOf(object);
-    if (!node || !binding.stage().canTakeFocus(*node)) return Value(false);
-    binding.stage().setFocus(node);
-    return Value(true);
-}
-
-// clang-format off
-constexpr MemberInfo kSelectionMembers[] = {
-    {"getBeginIndex", 0, kReadOnly, &getBeginIndex},
-    {"getEndIndex",   0, kReadOnly, &getEndIndex},
-    {"getCaretIndex", 0, kReadOnly, &getCaretIndex},
-    {"getFocus",      0, kReadOnly, &getFocus},
-    {"setFocus",      0, kReadOnly, &setFocus},
-    {"setSelection",  2, kReadOnly, &setSelection},
-};
-// clang-format on
-
 } // namespace
 
 void installKey(StageBinding& binding)
@@ -126,11 +64,6 @@ void installKey(StageBinding& binding)
 void installMouse(StageBinding& binding)
 {
     makeBroadcaster(binding.vm(), defineGlobalObject(binding.vm(), "Mouse", kMouseMembers));
-}
-
-void installSelection(StageBinding& binding)
-{
-    makeBroadcaster(binding.vm(), defineGlobalObject(binding.vm(), "Selection", kSelectionMembers));
 }
 
 } // namespace flash::avm1

@@ -65,6 +65,7 @@ Value createTextField(Call& call)
     stage::Clip* clip = selfClip(call);
     const auto depth = depthArg(call, 1);
     if (!clip || !depth) return {};
+    furnishTextField(call.vm);
     const double x = std::trunc(numberArg(call, 2)), y = std::trunc(numberArg(call, 3));
     const double width = std::abs(std::trunc(numberArg(call, 4))),
                  height = std::abs(std::trunc(numberArg(call, 5)));

@@ -330,6 +330,8 @@ void StageBinding::focusChanged(stage::Node* before, stage::Node* now)
     broadcast("Selection", "onSetFocus", {fromValue, toValue});
 }
 
+void StageBinding::textFieldPlaced(stage::TextField&) { furnishTextField(*m_vm); }
+
 void StageBinding::textChanged(stage::TextField& field)
 {
     Object* object = objectOf(&field);

@@ -114,6 +114,7 @@ public:
     void broadcastResize() override;
     void broadcastFullScreen(bool on) override;
     void focusChanged(stage::Node* before, stage::Node* now) override;
+    void textFieldPlaced(stage::TextField& field) override;
     void textChanged(stage::TextField& field) override;
     void textScrolled(stage::TextField& field) override;
     std::optional<std::string> variable(stage::Clip& scope, std::string_view path) override;

@@ -1,0 +1,91 @@
+#include "flash/avm1/bindings/Classes.h"
+#include "flash/stage/TextField.h"
+
+// Selection: the focus, and what is selected in the text field that has it.
+namespace flash::avm1
+{
+
+namespace
+{
+
+stage::TextField* focusedField(Call& call)
+{
+    stage::Node* focus = StageBinding::of(call).stage().focus();
+    return focus && focus->kind() == stage::NodeKind::TextField ? static_cast<stage::TextField*>(focus)
+                                                                : nullptr;
+}
+
+Value getBeginIndex(Call& call)
+{
+    stage::TextField* field = focusedField(call);
+    return Value(field ? static_cast<int>(field->selectionBegin()) : -1);
+}
+Value getEndIndex(Call& call)
+{
+    stage::TextField* field = focusedField(call);
+    return Value(field ? static_cast<int>(field->selectionEnd()) : -1);
+}
+Value getCaretIndex(Call& call)
+{
+    stage::TextField* field = focusedField(call);
+    return Value(field ? static_cast<int>(field->caret()) : -1);
+}
+
+Value setSelection(Call& call)
+{
+    stage::TextField* field = focusedField(call);
+    if (!field) return {};
+    const auto index = [&](std::size_t i) { return static_cast<std::size_t>(std::max(0, intArg(call, i))); };
+    const std::size_t begin = call.count() > 0 ? index(0) : 0;
+    const std::size_t end = call.count() > 1 ? index(1) : field->text().size();
+    field->select(std::min(begin, end), std::max(begin, end));
+    return {};
+}
+
+Value getFocus(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Node* focus = binding.stage().focus();
+    return focus ? binding.utf8(focus->dotPath()) : Value::null();
+}
+
+Value setFocus(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    if (call.count() == 0) return Value(false);
+    if (call.arg(0).isNullish()) {
+        binding.stage().setFocus(nullptr);
+        return Value(true);
+    }
+    Object* object = call.arg(0).asObject();
+    if (!object) object = call.vm.resolveTarget(call.vm.target(), textArg(call, 0));
+    stage::Node* node = binding.nodeOf(object);
+    if (!node || !binding.stage().canTakeFocus(*node)) return Value(false);
+    binding.stage().setFocus(node);
+    return Value(true);
+}
+
+// clang-format off
+constexpr MemberInfo kMembers[] = {
+    {"getBeginIndex", 0, kReadOnly, &getBeginIndex, 0},
+    {"getEndIndex",   0, kReadOnly, &getEndIndex,   1},
+    {"getCaretIndex", 0, kReadOnly, &getCaretIndex, 2},
+    {"getFocus",      0, kReadOnly, &getFocus,      3},
+    {"setFocus",      0, kReadOnly, &setFocus,      4},
+    {"setSelection",  0, kReadOnly, &setSelection,  5},
+};
+// clang-format on
+
+constexpr int kNativeTable = 600;
+
+} // namespace
+
+void installSelection(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    Object* selection = defineGlobalObject(vm, "Selection", {});
+    vm.addMembers(selection, kMembers, kNativeTable);
+    makeBroadcaster(vm, selection);
+}
+
+} // namespace flash::avm1
