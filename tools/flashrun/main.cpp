@@ -1,6 +1,7 @@
 #include "Arguments.h"
 #include "Run.h"
 
+#include <QGuiApplication>
 #include <cstdio>
 
 namespace
@@ -30,6 +31,12 @@ int main(int count, char** words)
         std::fprintf(stderr, "flashrun: %s\nSee flashrun --help.\n", arguments.error().what.c_str());
         return kWrongUsage;
     }
+    // Texts are drawn and measured with the machine's fonts, which only a graphical program gets; a display
+    // is not needed for them.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    int none = 1;
+    const QGuiApplication application(none, words);
     const auto done = run(*arguments);
     std::fflush(stdout);
     if (!done) {

@@ -95,7 +95,9 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
         const bool invisible = cell.character < 0x20 && cell.character != U'\t';
         if (font.face != nullptr && !invisible && cell.character != U'\t') {
             cell.glyph = font.face->glyph(cell.character);
-            if (cell.glyph != nullptr) cell.advance = cell.glyph->advance * font.scale + style.letterSpacing;
+            // Letters stand on whole twips, as they did where the movie was made.
+            if (cell.glyph != nullptr)
+                cell.advance = std::trunc(cell.glyph->advance * font.scale) + style.letterSpacing;
             if (style.kerning && !m_cells.empty() && m_cells.back().run == cell.run)
                 m_cells.back().advance +=
                     font.face->kerning(m_cells.back().character, cell.character) * font.scale;

@@ -81,6 +81,8 @@ public:
     /// The value of a text field's variable, by a path as the file has it (`/a:b`, `_root.a.b`), seen from
     /// `scope`. Nothing when it is undefined.
     virtual std::optional<std::string> variable(Clip& /*scope*/, std::string_view /*path*/) { return {}; }
+    /// Whether the path leads to a variable of a clip, rather than to a property of another object.
+    virtual bool isClipVariable(Clip& /*scope*/, std::string_view /*path*/) { return true; }
     /// @returns false when the path's clip does not exist (yet).
     virtual bool setVariable(Clip& /*scope*/, std::string_view /*path*/, std::string_view /*value*/)
     {

@@ -39,7 +39,7 @@ std::u16string camelCase(std::u16string_view name)
 class CssReader
 {
 public:
-    explicit CssReader(std::u16string_view css) : m_css(css) {}
+    CssReader(std::u16string_view css, int version) : m_css(css), m_version(version) {}
 
     std::optional<std::vector<StyleSheet::Rule>> read()
     {
@@ -97,12 +97,14 @@ private:
 
     bool readProperties(StyleProperties& properties)
     {
+        const std::size_t start = m_at;
         for (;;) {
             skipSpace();
             if (atEnd()) return true;
             if (peek() == u'}') {
+                const bool blank = properties.empty() && m_at > start;
                 ++m_at;
-                return true;
+                return !blank || m_version >= 8;
             }
             const std::size_t begin = m_at;
             while (!atEnd() && !isSpace(peek()) && peek() != u':' && peek() != u';' && peek() != u'}') ++m_at;
@@ -127,6 +129,7 @@ private:
 
     std::u16string_view m_css;
     std::size_t m_at = 0;
+    int m_version;
 };
 
 std::u16string_view trimmed(std::u16string_view text)
@@ -153,9 +156,9 @@ std::optional<swf::Rgba> cssColor(std::u16string_view text)
 
 } // namespace
 
-std::optional<std::vector<StyleSheet::Rule>> StyleSheet::parse(std::u16string_view css)
+std::optional<std::vector<StyleSheet::Rule>> StyleSheet::parse(std::u16string_view css, int version)
 {
-    return CssReader(css).read();
+    return CssReader(css, version).read();
 }
 
 std::string StyleSheet::fontNames(std::u16string_view families)

@@ -23,8 +23,9 @@ public:
         std::u16string selector; ///< as written: "p", ".heading", "a:link"
         StyleProperties properties;
     };
+    /// @param version of the movie: up to 7 a rule must not consist of white space
     /// @returns the rules in the order of the text; nothing when it is no style sheet
-    static std::optional<std::vector<Rule>> parse(std::u16string_view css);
+    static std::optional<std::vector<Rule>> parse(std::u16string_view css, int version = 8);
 
     /// A list of font families as the name of a font, in which several may stand. UTF-8.
     static std::string fontNames(std::u16string_view families);

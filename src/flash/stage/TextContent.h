@@ -10,7 +10,9 @@ namespace flash::stage
 {
 
 /// A text with the format of each of its characters. Indices count UTF-16 units; those beyond the end mean
-/// the end. Paragraphs end with a carriage return.
+/// the end. Paragraphs end with a carriage
+/// return, or with a line feed, which breaks the line just so but is not there for scripts (see
+/// TextField::text()).
 class TextContent
 {
 public:

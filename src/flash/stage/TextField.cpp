@@ -5,6 +5,8 @@
 #include "flash/stage/Stage.h"
 #include "flash/stage/TextHtml.h"
 
+#include <utility>
+
 namespace flash::stage
 {
 
@@ -100,6 +102,13 @@ void TextField::textChanged()
     publish();
 }
 
+std::u16string TextField::text() const
+{
+    std::u16string text = m_content.text();
+    std::erase(text, u'\n');
+    return text;
+}
+
 void TextField::setText(std::u16string text)
 {
     text = withCarriageReturns(std::move(text));
@@ -112,7 +121,7 @@ void TextField::setText(std::u16string text)
 std::u16string TextField::html() const
 {
     if (m_styleSheet) return m_source;
-    if (!m_html) return m_content.text();
+    if (!m_html) return text();
     return htmlFromContent(m_content);
 }
 
@@ -150,7 +159,10 @@ void TextField::replaceText(std::size_t begin, std::size_t end, std::u16string_v
     // The new text looks like what comes after it, and text set later like the first character.
     const TextFormat* after = end < m_content.size() ? m_content.formatAt(end) : nullptr;
     const TextFormat format = after ? *after : m_newFormat;
-    m_content.replace(begin, end, withCarriageReturns(std::u16string(text)), format);
+    std::u16string inserted(text);
+    for (char16_t& c : inserted)
+        if (c == u'\n' || c == u'\r') c = c == u'\n' ? u'\r' : u'\n';
+    m_content.replace(begin, end, inserted, format);
     if (const TextFormat* first = m_content.formatAt(0)) m_newFormat = *first;
     textChanged();
 }
@@ -173,6 +185,7 @@ void TextField::setVariable(std::string path)
 {
     m_variable = std::move(path);
     m_lastValue.reset();
+    m_variableIsFresh = true;
     syncVariable();
 }
 
@@ -185,11 +198,18 @@ void TextField::syncVariable()
         m_stage.noteBound(*this);
     }
     const std::optional<std::string> value = m_stage.script().variable(*scope, m_variable);
+    const bool fresh = std::exchange(m_variableIsFresh, false);
     if (!value) {
-        if (!m_lastValue && !m_content.isEmpty()) publish();
+        // A variable that does not exist gets the text that the field began with.
+        if (fresh && m_definition.hasText) {
+            std::string initial = Stage::textOf(m_movie, m_definition.initialText);
+            m_variableIsFresh = !m_stage.script().setVariable(*scope, m_variable, initial);
+        }
         return;
     }
     if (value == m_lastValue) return;
+    // Only clips tell of changes to their variables.
+    if (!fresh && !m_stage.script().isClipVariable(*scope, m_variable)) return;
     m_lastValue = value;
     std::u16string text = base::utf16FromUtf8(*value);
     if (m_html) {

@@ -28,7 +28,10 @@ public:
     [[nodiscard]] const swf::EditText& definition() const { return m_definition; }
 
     // ---- the text ----
-    [[nodiscard]] const std::u16string& text() const { return m_content.text(); }
+    /// As scripts see it: breaks are carriage returns. Breaks that HTML or replaceText() wrote as such count
+    /// in the length, and are missing here.
+    [[nodiscard]] std::u16string text() const;
+    [[nodiscard]] std::size_t length() const { return m_content.size(); }
     [[nodiscard]] const TextContent& content() const { return m_content; }
     /// In the format for new text. Line feeds become carriage returns.
     void setText(std::u16string text);
@@ -169,6 +172,7 @@ private:
     std::string m_variable;
     std::optional<std::string> m_lastValue; ///< of the variable, as last seen or set
     bool m_bound = false;                   ///< the stage looks after the variable
+    bool m_variableIsFresh = true;          ///< it was not looked at since it was set
     swf::Rect m_bounds;
     AutoSize m_autoSize = AutoSize::None;
     bool m_html = false, m_condenseWhite = false, m_border = false, m_background = false;

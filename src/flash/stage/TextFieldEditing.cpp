@@ -100,7 +100,8 @@ void TextField::type(std::u16string_view text)
     for (char16_t c : text) {
         if (c == u'\n') c = u'\r';
         // What is only allowed in the other case is typed in that case.
-        if (!accepts(c)) c = otherCase(c);
+        const bool excludes = restrict&& restrict->starts_with(u'^');
+        if (!accepts(c) && !excludes) c = otherCase(c);
         if (accepts(c)) accepted += c;
     }
     if (maxChars) {

@@ -38,7 +38,6 @@ std::u16string escaped(std::u16string_view text)
         case u'&': result += u"&amp;"; break;
         case u'"': result += u"&quot;"; break;
         case u'\'': result += u"&apos;"; break;
-        case u'\u00A0': result += u"&nbsp;"; break;
         default: result += c;
         }
     }

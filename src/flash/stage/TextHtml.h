@@ -18,6 +18,7 @@ struct HtmlOptions {
     const StyleSheet* styles = nullptr;
 };
 
+/// A line feed in the HTML becomes an ordinary break, a carriage return one that scripts do not see.
 /// Never fails: unknown tags are skipped, unclosed ones hold to the end, a cut one ends the text.
 /// @param base of text that no tag says anything about
 TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options);

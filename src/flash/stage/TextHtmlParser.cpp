@@ -92,6 +92,7 @@ public:
         : m_rest(html), m_options(options)
     {
         m_open.push_back({u"", base, true});
+        m_afterSpace = options.version >= 8;
     }
 
     TextContent run()
@@ -119,6 +120,8 @@ private:
         const std::size_t end = std::min(m_rest.find(u'<'), m_rest.size());
         std::u16string_view raw = m_rest.substr(0, end);
         m_rest.remove_prefix(end);
+        // Up to version 7 white space between tags is not there at all.
+        if (m_options.version < 8 && std::all_of(raw.begin(), raw.end(), isSpace)) return;
         std::u16string text;
         for (std::size_t i = 0; i < raw.size(); ++i) {
             if (raw[i] == u'&') {
@@ -136,8 +139,7 @@ private:
                 condense(text);
                 continue;
             }
-            if (raw[i] == u'\r' && i + 1 < raw.size() && raw[i + 1] == u'\n') continue;
-            put(text, raw[i] == u'\n' ? u'\r' : raw[i]);
+            put(text, raw[i] == u'\n' ? u'\r' : raw[i] == u'\r' ? u'\n' : raw[i]);
         }
         flush(text);
     }
@@ -247,7 +249,7 @@ private:
 
     void lineBreak(const TextFormat& format)
     {
-        if (!m_options.multiline || !m_open.back().shown) return;
+        if (!(m_options.multiline || m_options.version < 7) || !m_open.back().shown) return;
         m_content.append(u"\r", format);
         m_afterSpace = m_options.condenseWhite && m_options.version >= 8;
     }
@@ -264,13 +266,18 @@ private:
             flush(text);
             return;
         }
+        // Paragraphs do not nest; where one begins within another, the first end tag ends both.
+        if (tag.name == u"p") m_bulletParagraph = format().style.bullet;
+        if (tag.name == u"p" && m_paragraph) return;
         Element element{tag.name, format(), m_open.back().shown};
         if (tag.name == u"li") {
             const std::u16string& text = m_content.text();
             if (!text.empty() && text.back() != u'\r') lineBreak(format());
         }
         furnish(tag, element);
-        if (!tag.empty) m_open.push_back(std::move(element));
+        if (tag.empty) return;
+        if (tag.name == u"p") m_paragraph = true;
+        m_open.push_back(std::move(element));
     }
 
     void furnish(const Tag& tag, Element& element)
@@ -304,13 +311,13 @@ private:
             if (const std::u16string* href = tag.find(u"href")) format.url = *href;
             if (const std::u16string* target = tag.find(u"target")) format.target = *target;
         } else if (tag.name == u"font") {
-            font(tag, style);
+            font(tag, style, m_options.version);
         } else if (tag.name == u"textformat") {
             textFormat(tag, style);
         }
     }
 
-    static void font(const Tag& tag, render::TextStyle& style)
+    static void font(const Tag& tag, render::TextStyle& style, int version)
     {
         if (const std::u16string* face = tag.find(u"face")) style.font = base::utf8FromUtf16(*face);
         if (const std::u16string* size = tag.find(u"size")) {
@@ -322,6 +329,7 @@ private:
         }
         if (const std::u16string* color = tag.find(u"color"))
             if (const std::optional<swf::Rgba> value = hexColor(*color)) style.color = *value;
+        if (version < 8) return;
         if (const std::u16string* spacing = tag.find(u"letterspacing"))
             if (const std::optional<int> number = leadingInteger(*spacing))
                 style.letterSpacing = *number * swf::kTwipsPerPixel;
@@ -357,14 +365,43 @@ private:
     void close(const std::u16string& name)
     {
         if (m_open.size() < 2 || m_open.back().name != name) return;
-        if (name == u"p" || name == u"li") lineBreak(format());
+        if (name == u"li") lineBreak(format());
+        if (name == u"font") m_closedFont = format().style;
+        if (name == u"p") {
+            m_paragraph = false;
+            lineBreak(endOfParagraph());
+        }
         m_open.pop_back();
+    }
+
+    // The break after a paragraph has the paragraph's attributes. Its letters, though, are those of the font
+    // element that was closed last, wherever that was; scripts can see it in the HTML they read back.
+    [[nodiscard]] TextFormat endOfParagraph() const
+    {
+        TextFormat end = m_open.front().format;
+        const render::TextStyle& letters = m_closedFont ? *m_closedFont : end.style;
+        const render::TextStyle& paragraph = format().style;
+        render::TextStyle style = paragraph;
+        style.bullet = m_bulletParagraph;
+        style.font = letters.font;
+        style.size = letters.size;
+        style.color = letters.color;
+        style.letterSpacing = letters.letterSpacing;
+        style.kerning = letters.kerning;
+        style.bold = end.style.bold;
+        style.italic = end.style.italic;
+        style.underline = end.style.underline;
+        end.style = std::move(style);
+        return end;
     }
 
     std::u16string_view m_rest;
     const HtmlOptions& m_options;
     TextContent m_content;
     std::vector<Element> m_open;
+    std::optional<render::TextStyle> m_closedFont; ///< of the font element that was closed last
+    bool m_paragraph = false;                      ///< one is open
+    bool m_bulletParagraph = false;                ///< the last one that began did so in a list item
     bool m_afterSpace = true; ///< when white space is condensed: a further space is dropped
 };
 

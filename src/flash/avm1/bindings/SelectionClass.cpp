@@ -37,7 +37,7 @@ Value setSelection(Call& call)
     if (!field) return {};
     const auto index = [&](std::size_t i) { return static_cast<std::size_t>(std::max(0, intArg(call, i))); };
     const std::size_t begin = call.count() > 0 ? index(0) : 0;
-    const std::size_t end = call.count() > 1 ? index(1) : field->text().size();
+    const std::size_t end = call.count() > 1 ? index(1) : field->length();
     field->select(std::min(begin, end), std::max(begin, end));
     return {};
 }
@@ -62,7 +62,8 @@ Value setFocus(Call& call)
     stage::Node* node = binding.nodeOf(object);
     if (!node || !binding.stage().canTakeFocus(*node)) return Value(false);
     binding.stage().setFocus(node);
-    return Value(true);
+    // A clip gets the focus, and its script is told that it did not.
+    return Value(node->kind() != stage::NodeKind::Clip);
 }
 
 // clang-format off

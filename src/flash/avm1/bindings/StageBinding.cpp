@@ -356,6 +356,15 @@ std::optional<std::string> StageBinding::variable(stage::Clip& scope, std::strin
     return base::utf8FromUtf16(toText(*m_vm, value));
 }
 
+bool StageBinding::isClipVariable(stage::Clip& scope, std::string_view path)
+{
+    const std::size_t end = path.find_last_of(".:");
+    if (end == std::string_view::npos) return true;
+    const Vm::VersionScope version(*m_vm, scope.movie() ? scope.movie()->header.version : 6);
+    Object* owner = m_vm->resolveTarget(objectOf(&scope), base::utf16FromUtf8(path.substr(0, end)));
+    return isClip(owner);
+}
+
 bool StageBinding::setVariable(stage::Clip& scope, std::string_view path, std::string_view value)
 {
     const Vm::VersionScope version(*m_vm, scope.movie() ? scope.movie()->header.version : 6);

@@ -118,6 +118,7 @@ public:
     void textChanged(stage::TextField& field) override;
     void textScrolled(stage::TextField& field) override;
     std::optional<std::string> variable(stage::Clip& scope, std::string_view path) override;
+    bool isClipVariable(stage::Clip& scope, std::string_view path) override;
     bool setVariable(stage::Clip& scope, std::string_view path, std::string_view value) override;
     void nodeRemoved(stage::Node& node) override;
     void clipReset(stage::Clip& clip) override;

@@ -98,7 +98,7 @@ Value clear(Call& call)
 
 Value parseCss(Call& call)
 {
-    const auto rules = stage::StyleSheet::parse(textArg(call, 0));
+    const auto rules = stage::StyleSheet::parse(textArg(call, 0), call.vm.version());
     if (!rules) return Value(false);
     Vm& vm = call.vm;
     Object* styles = stylesOf(call);
@@ -152,11 +152,7 @@ Value onData(Call& call)
     return {};
 }
 
-Value parse(Call& call)
-{
-    Object* self = call.self.asObject();
-    return self ? call.vm.callMethod(self, "parseCSS", {call.arg(0)}) : Value();
-}
+Value parse(Call& call) { return parseCss(call); }
 
 /// Makes a TextFormat of a style.
 Value transform(Call& call)

@@ -67,7 +67,7 @@ Value setHtmlText(Call& call, TextField& field)
 Value getLength(Call&, TextField& field)
 {
     field.syncVariable();
-    return Value(static_cast<double>(field.text().size()));
+    return Value(static_cast<double>(field.length()));
 }
 Value getVariable(Call& call, TextField& field)
 {
@@ -122,7 +122,7 @@ Value setTextColor(Call& call, TextField& field)
     stage::PartialTextFormat change;
     change.color = colorArg(call);
     field.setNewFormat(change);
-    field.setFormat(0, field.text().size(), change);
+    field.setFormat(0, field.length(), change);
     return {};
 }
 
@@ -252,7 +252,8 @@ Value getTextWidth(Call&, TextField& field)
 Value getTextHeight(Call&, TextField& field)
 {
     field.syncVariable();
-    return Value(field.text().empty() ? 0.0 : wholePixels(field.layout().height()));
+    const render::TextLayout& layout = field.layout();
+    return Value(field.length() == 0 ? 0.0 : wholePixels(layout.height() + layout.lines().back().leading));
 }
 Value getScroll(Call&, TextField& field) { return Value(field.scroll() + 1); }
 Value setScroll(Call& call, TextField& field)
@@ -280,11 +281,12 @@ struct Stretch {
 /// The characters that the first `count` arguments name: all, one, or from one up to another.
 Stretch stretchArg(Call& call, TextField& field, std::size_t count)
 {
-    const std::size_t size = field.text().size();
+    const std::size_t size = field.length();
     const auto index = [&](std::size_t i) {
         return std::min(static_cast<std::size_t>(std::max(intArg(call, i), 0)), size);
     };
     if (count == 0) return {0, size};
+    if (count == 1 && intArg(call, 0) < 0) return {};
     const std::size_t begin = index(0);
     return {begin, count == 1 ? std::min(begin + 1, size) : std::max(index(1), begin)};
 }
@@ -323,10 +325,11 @@ Value replaceText(Call& call, TextField& field)
 {
     if (call.count() < 3) return {};
     const int begin = intArg(call, 0), end = intArg(call, 1);
-    const int size = static_cast<int>(field.text().size());
+    const int size = static_cast<int>(field.length());
     if (begin < 0 || end < begin) return {};
-    field.replaceText(static_cast<std::size_t>(std::min(begin, size)), static_cast<std::size_t>(end),
-                      textArg(call, 2));
+    const std::u16string text = textArg(call, 2);
+    if (text.empty() && call.vm.version() < 8 && begin < end) return {};
+    field.replaceText(static_cast<std::size_t>(std::min(begin, size)), static_cast<std::size_t>(end), text);
     return {};
 }
 Value replaceSel(Call& call, TextField& field)

@@ -1,0 +1,219 @@
+#include "MovieBuilder.h"
+
+#include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
+
+#include <gtest/gtest.h>
+
+namespace flash::stage::test
+{
+namespace
+{
+
+class Clipboard : public HostEvents
+{
+public:
+    void setClipboardText(std::string_view text) override { held = text; }
+    std::string clipboardText() override { return held; }
+    std::string held;
+};
+
+/// A script host that is nothing but the variables of its clips.
+class Variables : public ScriptHost
+{
+public:
+    std::optional<std::string> variable(Clip&, std::string_view path) override
+    {
+        const auto found = values.find(std::string(path));
+        return found == values.end() ? std::nullopt : std::optional(found->second);
+    }
+    bool setVariable(Clip&, std::string_view path, std::string_view value) override
+    {
+        values[std::string(path)] = value;
+        return true;
+    }
+    void textChanged(TextField&) override { ++changes; }
+    std::map<std::string, std::string> values;
+    int changes = 0;
+};
+
+/// The letters a to z, each half an em wide.
+swf::Font monospaced()
+{
+    swf::Font font;
+    font.name = "Mono";
+    font.hasLayout = true;
+    font.ascent = 768;
+    font.descent = 256;
+    for (char16_t c = u' '; c <= u'z'; ++c) {
+        swf::Font::Glyph glyph;
+        glyph.code = c;
+        glyph.advance = 512;
+        glyph.outline = std::make_shared<swf::Shape>();
+        font.glyphByCode[c] = static_cast<std::uint16_t>(font.glyphs.size());
+        font.glyphs.push_back(glyph);
+    }
+    return font;
+}
+
+// Letters of 20 pixels are 10 wide; a field of 104 pixels takes ten of them, one of 44 two lines.
+swf::EditText input(std::string text = {})
+{
+    swf::EditText definition;
+    definition.bounds = {0, 104 * 20, 0, 44 * 20};
+    definition.fontId = 1;
+    definition.hasFont = definition.useOutlines = true;
+    definition.fontHeight = 400;
+    definition.hasText = !text.empty();
+    definition.initialText = std::move(text);
+    return definition;
+}
+
+struct Fixture {
+    explicit Fixture(swf::EditText definition)
+    {
+        MovieBuilder movie(1);
+        movie.character(1, monospaced());
+        movie.character(2, std::move(definition));
+        movie.tag(0, MovieBuilder::placed(2, 1, 0, 0, "field"));
+        stage.open(movie.take(), "m.swf");
+    }
+    TextField& field()
+    {
+        return static_cast<TextField&>(*stage.root()->childByName("field", Clip::Case::Sensitive));
+    }
+    void type(std::u16string_view text)
+    {
+        for (const char16_t c : text) stage.textInput(c);
+    }
+    Clipboard clipboard;
+    NullServices services;
+    Variables script;
+    Stage stage{{services.sound, services.loader, clipboard, services.sharedObjects}, &script};
+};
+
+TEST(TextField, TypesReplacesAndErases)
+{
+    Fixture f(input("abc"));
+    f.stage.setFocus(&f.field());
+    EXPECT_EQ(f.field().selectionEnd(), 3U) << "the focus selects everything";
+    f.type(u"xyz");
+    EXPECT_EQ(f.field().text(), u"xyz");
+    f.stage.textCommand(TextCommand::MoveLeft);
+    f.stage.textCommand(TextCommand::Backspace);
+    EXPECT_EQ(f.field().text(), u"xz");
+    f.stage.textCommand(TextCommand::SelectLineEnd);
+    f.stage.textCommand(TextCommand::Cut);
+    f.stage.textCommand(TextCommand::MoveDocumentStart);
+    f.stage.textCommand(TextCommand::Paste);
+    EXPECT_EQ(f.field().text(), u"zx");
+    EXPECT_EQ(f.script.changes, 6);
+}
+
+TEST(TextField, TakesOnlyWhatItIsToldTo)
+{
+    struct Case {
+        std::u16string restrict, typed, taken;
+        std::optional<int> most;
+    };
+    const Case kCases[] = {
+        {u"a-c", u"abdc!", u"abc", {}},  {u"^a-c", u"abdc!", u"d!", {}}, {u"A-Z^Q", u"aQqZ", u"AZ", {}},
+        {u"\\^\\-", u"a^-b", u"^-", {}}, {u"a-z", u"abcdef", u"abc", 3}, {u"", u"abc", u"", {}},
+    };
+    for (const Case& c : kCases) {
+        Fixture f(input());
+        f.field().restrict = c.restrict;
+        f.field().maxChars = c.most;
+        f.stage.setFocus(&f.field());
+        f.type(c.typed);
+        EXPECT_EQ(f.field().text(), c.taken) << std::string(c.restrict.begin(), c.restrict.end());
+    }
+}
+
+TEST(TextField, KeepsSecretsAndReadOnlyTexts)
+{
+    swf::EditText secret = input("word");
+    secret.password = true;
+    Fixture f(secret);
+    f.stage.setFocus(&f.field());
+    f.stage.textCommand(TextCommand::Copy);
+    f.stage.textCommand(TextCommand::Cut);
+    EXPECT_EQ(f.clipboard.held, "");
+    EXPECT_EQ(f.field().text(), u"word");
+    swf::EditText fixed = input("word");
+    fixed.readOnly = true;
+    Fixture g(fixed);
+    g.stage.setFocus(&g.field());
+    g.type(u"x");
+    g.stage.textCommand(TextCommand::Delete);
+    EXPECT_EQ(g.field().text(), u"word");
+}
+
+TEST(TextField, SelectsWithTheMouse)
+{
+    Fixture f(input("hello you"));
+    f.stage.mouseDown(21, 10);
+    f.stage.mouseMove(63, 10);
+    f.stage.mouseUp(63, 10);
+    EXPECT_EQ(f.field().selectionBegin(), 2U);
+    EXPECT_EQ(f.field().selectionEnd(), 6U);
+    f.stage.mouseDown(75, 10, MouseButton::Left, 2);
+    EXPECT_EQ(f.field().selectionBegin(), 6U);
+    EXPECT_EQ(f.field().selectionEnd(), 9U);
+}
+
+TEST(TextField, ScrollsWithinItsText)
+{
+    swf::EditText tall = input("a\nb\nc\nd");
+    tall.multiline = true;
+    Fixture f(tall);
+    TextField& field = f.field();
+    EXPECT_EQ(field.maxScroll(), 2);
+    EXPECT_EQ(field.bottomScroll(), 1);
+    field.setScroll(100);
+    EXPECT_EQ(field.scroll(), 2);
+    field.setText(u"one line");
+    EXPECT_EQ(field.scroll(), 0);
+    field.setText(u"a line of twenty-two..");
+    field.setHscroll(1e6);
+    EXPECT_EQ(field.hscroll(), (220 - 100) * 20);
+}
+
+TEST(TextField, FitsItselfToItsText)
+{
+    struct Case {
+        TextField::AutoSize mode;
+        double x, width;
+    };
+    constexpr Case kCases[] = {
+        {TextField::AutoSize::Left, 0, 34},
+        {TextField::AutoSize::Center, 35, 34},
+        {TextField::AutoSize::Right, 70, 34},
+        {TextField::AutoSize::None, 0, 104},
+    };
+    for (const Case& c : kCases) {
+        Fixture f(input("abc"));
+        f.field().setAutoSize(c.mode);
+        EXPECT_EQ(f.field().x(), c.x);
+        EXPECT_EQ(f.field().width(), c.width);
+    }
+}
+
+TEST(TextField, FollowsItsVariableAndSetsIt)
+{
+    swf::EditText bound = input("first");
+    bound.variableName = "v";
+    Fixture f(bound);
+    EXPECT_EQ(f.script.values["v"], "first") << "a variable that is not there gets the text";
+    f.script.values["v"] = "second";
+    f.stage.advanceFrame();
+    EXPECT_EQ(f.field().text(), u"second");
+    f.field().setText(u"third");
+    EXPECT_EQ(f.script.values["v"], "third");
+    f.stage.setFocus(&f.field());
+    f.type(u"x");
+    EXPECT_EQ(f.script.values["v"], "x");
+}
+
+} // namespace
+} // namespace flash::stage::test
