@@ -57,7 +57,9 @@ void pushNames(Frame& frame, Value value)
 /// Where `var` puts a variable: the nearest function call's or the target clip.
 Object* localObject(const Frame& frame)
 {
-    return frame.activation != nullptr ? frame.activation : frame.baseTarget;
+    if (frame.activation != nullptr) return frame.activation;
+    // In version 5 SetTarget does not move variables made with `var`.
+    return frame.version <= 5 ? frame.baseTarget : frame.variableTarget();
 }
 
 void putLocal(Frame& frame, Name name, Value value)

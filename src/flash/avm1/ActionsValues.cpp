@@ -67,7 +67,7 @@ void divide(Frame& frame, const Instruction&)
     if (divisor == 0 && frame.version < 5)
         frame.push(Value(frame.vm.string("#ERROR#")));
     else
-        frame.push(Value(dividend / divisor));
+        frame.push(Value(dividend / (divisor + 0.0))); // a negative zero divides like a positive one
 }
 
 void modulo(Frame& frame, const Instruction&)

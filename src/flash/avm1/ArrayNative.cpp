@@ -10,6 +10,7 @@ namespace flash::avm1
 void ArrayNative::trace(Tracer& tracer)
 {
     for (const Value element : m_elements) tracer(element);
+    tracer(m_lengthValue);
 }
 
 bool ArrayNative::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
@@ -21,7 +22,7 @@ bool ArrayNative::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value&
         return true;
     }
     if (name.matches(vm.common().length, vm.isCaseSensitive()) && !self.hasPlain(vm, name)) {
-        result = Value(m_length);
+        result = m_lengthValue;
         return true;
     }
     return self.getPlain(vm, name, receiver, result);
@@ -38,9 +39,10 @@ void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
 {
     const std::uint32_t index = name.arrayIndex();
     if (index == NameText::kNotIndex) {
-        if (name.matches(vm.common().length, vm.isCaseSensitive()) && !self.hasPlain(vm, name))
+        if (name.matches(vm.common().length, vm.isCaseSensitive()) && !self.hasPlain(vm, name)) {
             setLength(vm, self, toInt32(vm, value));
-        else
+            if (!value.isNumber()) m_lengthValue = value;
+        } else
             self.putPlain(vm, name, value);
         return;
     }
@@ -53,7 +55,7 @@ void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
     } else {
         self.putPlain(vm, name, value);
     }
-    m_length = std::max(m_length, static_cast<double>(index) + 1);
+    if (index >= m_length) m_lengthValue = Value(m_length = static_cast<double>(index) + 1);
 }
 
 bool ArrayNative::deleteOwn(Vm& vm, Object& self, Name name)
@@ -96,12 +98,14 @@ void ArrayNative::setLength(Vm& vm, Object& self, double length)
         for (const Name name : beyond) self.deletePlain(vm, name);
     }
     m_length = length;
+    m_lengthValue = Value(length);
 }
 
 void ArrayNative::assign(std::vector<Value> elements)
 {
     m_elements = std::move(elements);
     m_length = static_cast<double>(m_elements.size());
+    m_lengthValue = Value(m_length);
 }
 
 } // namespace flash::avm1

@@ -42,6 +42,7 @@ public:
 private:
     std::vector<Value> m_elements;
     double m_length = 0;
+    Value m_lengthValue = Value(0); ///< what scripts read: texts that were assigned stay texts
     std::uint16_t m_lengthFlags = kBuiltIn;
 };
 

@@ -153,7 +153,8 @@ bool strictlyEqual(Value a, Value b)
 bool looselyEqual(Vm& vm, Value a, Value b)
 {
     if (a.isNullish() && b.isNullish()) return true;
-    if (a.type() == b.type()) return strictlyEqual(a, b);
+    const auto isClip = [&](Value value) { return value.isObject() && vm.host().isClip(value.object()); };
+    if (a.type() == b.type() && isClip(a) == isClip(b)) return strictlyEqual(a, b);
     if (a.isObject() || b.isObject()) {
         const Value left = toPrimitive(vm, a, Hint::Number);
         const Value right = toPrimitive(vm, b, Hint::Number);
@@ -173,6 +174,8 @@ bool looselyEqual(Vm& vm, Value a, Value b)
 Value lessThan(Vm& vm, Value a, Value b)
 {
     const Value left = toPrimitive(vm, a, Hint::Number);
+    // A clip on the left decides: the right side is not even asked.
+    if (left.isObject() && vm.host().isClip(left.object())) return Value::undefined();
     const Value right = toPrimitive(vm, b, Hint::Number);
     if (left.isString() && right.isString()) {
         // The empty text comes after all others.

@@ -52,6 +52,8 @@ bool SuperNative::getOwn(Vm& vm, Object&, Name name, Value, Value& result)
     return above != nullptr && above->find(vm, name, result, self);
 }
 
+Value SuperNative::primitive(Vm& vm, Object&) { return vm.string("[type Function]"); }
+
 Object* SuperNative::holderOf(Vm& vm, Name name) const
 {
     for (Object* object = base == nullptr ? nullptr : base->prototype(vm); object != nullptr;

@@ -81,6 +81,8 @@ public:
     [[nodiscard]] bool hasHooks() const override { return true; }
     void trace(Tracer& tracer) override;
     bool getOwn(Vm& vm, Object& object, Name name, Value receiver, Value& result) override;
+    /// Written out it looks like the function that it can be called as.
+    Value primitive(Vm& vm, Object& object) override;
     /// @returns the object above `base` that has the member, or null.
     Object* holderOf(Vm& vm, Name name) const;
     Value self;

@@ -7,6 +7,13 @@
 namespace flash::avm1
 {
 
+namespace
+{
+
+constexpr std::string_view kChainTooLong = "256 levels of prototypes were exceeded in one look-up.";
+
+} // namespace
+
 void Accessor::trace(Tracer& tracer)
 {
     tracer(getter);
@@ -64,6 +71,7 @@ bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
         if (found) return true;
         object = object->prototype(vm);
     }
+    if (object != nullptr) vm.abortScript(kChainTooLong);
     return false;
 }
 
@@ -94,7 +102,7 @@ bool Object::findResolver(const Vm& vm, Value& result) const
 bool Object::findSetter(Vm& vm, Name name, Object*& setter)
 {
     Object* object = prototype(vm);
-    for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
+    for (int depth = 1; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
         const std::uint32_t at = object->findVisible(vm, name);
         if (at != Layout::kMissing) {
             const Layout::Property& property = object->m_layout->properties()[at];
@@ -104,6 +112,7 @@ bool Object::findSetter(Vm& vm, Name name, Object*& setter)
         }
         object = object->prototype(vm);
     }
+    if (object != nullptr) vm.abortScript(kChainTooLong);
     return false;
 }
 
@@ -152,7 +161,7 @@ std::vector<Name> Object::enumerate(Vm& vm)
             object->m_native->enumerateOwn(vm, *object, collector);
         else
             object->enumeratePlain(vm, collector);
-        object = object->prototype(vm);
+        object = object->listedPrototype(vm);
     }
     return names;
 }
@@ -379,13 +388,20 @@ Object* Object::visiblePrototype(const Vm& vm) const
 {
     Object* object = m_proto.asObject();
     if (object->m_native != nullptr && object->m_native->typeOf() == "movieclip") return nullptr;
-    // Each version looks at other marks here than for ordinary properties.
-    const int version = vm.version();
-    const std::uint16_t hides = version <= 5   ? kFrom6 | kFrom7 | kFrom8 | kFrom9
-                                : version == 6 ? kFrom7
-                                : version == 7 ? kFrom8
-                                : version == 8 ? kFrom9
-                                               : kFrom10;
+    // From version 7 on no mark keeps look-ups from going on; for-in loops have rules of their own.
+    const std::uint16_t hides = vm.version() <= 5   ? kFrom6 | kFrom7 | kFrom8 | kFrom9
+                                : vm.version() == 6 ? kFrom7
+                                                    : 0;
+    return (m_protoFlags & hides) == 0 ? object : nullptr;
+}
+
+Object* Object::listedPrototype(const Vm& vm) const
+{
+    Object* object = prototype(vm);
+    const std::uint16_t hides = vm.version() == 7   ? kFrom8
+                                : vm.version() == 8 ? kFrom9
+                                : vm.version() > 8  ? kFrom10
+                                                    : 0;
     return (m_protoFlags & hides) == 0 ? object : nullptr;
 }
 

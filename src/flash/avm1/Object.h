@@ -133,11 +133,13 @@ public:
             return object;
         return visiblePrototype(vm);
     }
+    /// As prototype(), by the rules of for-in loops and isPrototypeOf.
+    [[nodiscard]] Object* listedPrototype(const Vm& vm) const;
     void setProto(Vm& vm, Value proto);
     /// @returns whether `prototype` is in the chain, interfaces included (the instanceof operator).
     bool isInstance(Vm& vm, Object* prototype) const;
 
-    static constexpr int kLongestPrototypeChain = 255;
+    static constexpr int kLongestPrototypeChain = 256;
 
     // ---- native side -------------------------------------------------------------------------------------
 

@@ -25,6 +25,7 @@ bool Interpreter::lookup(Vm& vm, Object* object, Name name, Value receiver, Valu
         }
         object = object->prototype(vm);
     }
+    if (object != nullptr) abort(vm, "256 levels of prototypes were exceeded in one look-up.");
     return false;
 }
 
@@ -226,8 +227,9 @@ Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall
         }
         if (vm.isUnwinding()) return {};
     }
-    if (name.matches(common.self, sensitive))
-        return frame.callee == nullptr ? frame.self : Value(frame.baseTarget);
+    if (frame.callee == nullptr && name.matches(common.self, sensitive)) return frame.self;
+    // Version 4 knows no global object.
+    if (frame.version < 5) return {};
     if (frame.version > 5 && name.matches(common.global, sensitive)) return vm.global();
     Value result;
     if (vm.global()->find(vm, name, result, vm.global())) {
@@ -301,12 +303,14 @@ Value Interpreter::getPath(Frame& frame, Name name, Object** thisOfCall)
         if (thisOfCall != nullptr) *thisOfCall = base;
         return base->get(vm, vm.name(split.name));
     }
-    // Slashes alone: a variable of that very name, a clip, or a variable in a clip.
+    // Slashes alone: a clip, a variable of that very name, or a variable in a clip. Version 5 looks for the
+    // variable first.
     Object* target = frame.variableTarget();
-    Value result;
-    if (target != nullptr && target->getPlain(vm, name, target, result)) return result;
     if (target == nullptr) return {};
+    Value result;
+    if (frame.version == 5 && target->getPlain(vm, name, target, result)) return result;
     if (Object* clip = vm.resolveTarget(target, path)) return clip;
+    if (target->getPlain(vm, name, target, result)) return result;
     const std::size_t slash = path.rfind(u'/');
     Object* base = vm.resolveTarget(target, path.substr(0, std::max<std::size_t>(slash, slash == 0 ? 1 : 0)));
     if (base == nullptr || slash + 1 == path.size()) return {};

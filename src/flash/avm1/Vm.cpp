@@ -93,6 +93,8 @@ void Vm::constructOn(Object* object, Function* constructor, std::span<const Valu
     Interpreter::invoke(*this, constructor, object, args, {prototypeOf(constructor), true});
 }
 
+void Vm::abortScript(std::string_view why) { Interpreter::abort(*this, why); }
+
 void Vm::throwValue(Value value) { Interpreter::throwValue(*this, value); }
 
 void Vm::reportUncaught()

@@ -76,6 +76,8 @@ public:
     void throwValue(Value value);
     /// @returns whether a native that calls script in a loop must return at once: an exception is on its way,
     /// or the script is being stopped.
+    /// Ends all scripts of the movie for good, and logs why.
+    void abortScript(std::string_view why);
     /// @returns whether a script went out of bounds (recursion, time): none of the movie runs any more.
     [[nodiscard]] bool isDisabled() const { return m_disabled; }
     [[nodiscard]] bool isUnwinding() const { return m_thrown || m_aborted; }

@@ -126,6 +126,13 @@ public:
         return *this;
     }
 
+    Assembler& append(const Assembler& other)
+    {
+        const std::vector<std::uint8_t> code = other.bytes();
+        m_bytes.insert(m_bytes.end(), code.begin(), code.end());
+        return *this;
+    }
+
     [[nodiscard]] std::vector<std::uint8_t> bytes() const
     {
         std::vector<std::uint8_t> bytes = m_bytes;

@@ -156,7 +156,7 @@ Value joined(Vm& vm, Object* self, std::u16string_view separator)
     for (std::size_t i = 0; i < elements->size() && !vm.isUnwinding(); ++i) {
         if (i > 0) text += separator;
         const Value element = (*elements)[i];
-        text += element.isUndefined() ? std::u16string(u"undefined") : toText(vm, element);
+        text += toText(vm, element);
     }
     return vm.string(std::move(text));
 }

@@ -77,6 +77,7 @@ Value construct(Call& call)
 
 Value utcStatic(Call& call)
 {
+    if (call.arg(0).isNullish()) return {};
     DateParts parts;
     fillParts(call, parts, kYearOn);
     parts.year = fullYear(parts.year);
@@ -151,7 +152,8 @@ Value setTime(Call& call)
 {
     DateNative* date = call.native<DateNative>();
     if (date == nullptr) return {};
-    date->timeMs = call.count() == 0 ? kNaN : std::trunc(numberArgument(call, 0));
+    const double time = call.count() == 0 ? kNaN : std::trunc(numberArgument(call, 0));
+    date->timeMs = std::isfinite(time) ? time : kNaN;
     return Value(date->timeMs);
 }
 

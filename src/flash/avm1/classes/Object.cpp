@@ -64,10 +64,10 @@ Value isPrototypeOf(Call& call)
     Object* object = call.arg(0).asObject();
     if (self == nullptr || object == nullptr) return Value(false);
     int depth = 0;
-    for (object = object->prototype(call.vm); object != nullptr && depth < Object::kLongestPrototypeChain;
-         ++depth) {
+    for (object = object->listedPrototype(call.vm);
+         object != nullptr && depth < Object::kLongestPrototypeChain; ++depth) {
         if (object == self) return Value(true);
-        object = object->prototype(call.vm);
+        object = object->listedPrototype(call.vm);
     }
     return Value(false);
 }

@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzActions FuzzActions.cpp LIBS zorvex_flash_avm1)
