@@ -1,6 +1,8 @@
 #include "flash/avm1/Actions.h"
 #include "flash/avm1/Interpreter.h"
 
+#include <algorithm>
+
 // Actions on the movie: timelines, clips, addresses. Each asks the host.
 namespace flash::avm1::actions
 {
@@ -50,12 +52,16 @@ struct FrameReference {
     std::u16string label;
 };
 
+/// From a script's number. Whatever is below 1 is no frame; -1 stands for all of it, as the least of numbers
+/// has no predecessor.
+int frameIndex(double number) { return std::max(avm1::toInt32(number), 0) - 1; }
+
 FrameReference frameFrom(Frame& frame, Value value)
 {
     Vm& vm = frame.vm;
     FrameReference reference{clipOf(frame), {}, {}};
     if (value.isNumber()) {
-        reference.frame = avm1::toInt32(value.number()) - 1;
+        reference.frame = frameIndex(value.number());
         return reference;
     }
     std::u16string text = toText(vm, value);
@@ -67,7 +73,7 @@ FrameReference frameFrom(Frame& frame, Value value)
     }
     const double number = parseNumber(text, 5);
     if (!text.empty() && number == number)
-        reference.frame = avm1::toInt32(number) - 1;
+        reference.frame = frameIndex(number);
     else
         reference.label = std::move(text);
     return reference;
