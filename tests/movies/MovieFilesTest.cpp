@@ -5,7 +5,8 @@
 //   NAME.errors    what the compiler says; the movie must not compile
 //   NAME.json      how to run it: frames, ms, frame (of the picture), tolerance and outliers (of the
 //   picture),
-//                  quality, knownFailure (a reason; passing is then a failure)
+//                  quality, date (of the movie's clock), files (what it loads: descriptions and scripts are
+//                  compiled to NAME.swf, others copied), knownFailure (a reason; passing is then a failure)
 //   NAME.input     events for the movie, as flashrun's --input takes them
 
 #include "MovieChecker.h"
@@ -15,6 +16,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -85,14 +87,11 @@ private:
         return info.path() + "/" + info.completeBaseName() + suffix;
     }
     void checkErrors(const Outcome& compiled) const;
+    void provide(const QJsonArray& files) const;
+    [[nodiscard]] QStringList runArguments(const QJsonObject& options) const;
     void check(const QString& movie, const QJsonObject& options, std::vector<std::string>& faults) const;
     void checkPicture(const QString& movie, const QJsonObject& options,
                       std::vector<std::string>& faults) const;
-    [[nodiscard]] QStringList inputArguments() const
-    {
-        const QString input = beside(".input");
-        return QFile::exists(input) ? QStringList{"--input", input} : QStringList{};
-    }
 
     QString m_source;
     QTemporaryDir m_folder;
@@ -104,6 +103,32 @@ void MovieFile::checkErrors(const Outcome& compiled) const
     QByteArray said = compiled.err;
     said.replace(QFileInfo(m_source).path().toUtf8() + "/", "");
     EXPECT_EQ(comparable(said).toStdString(), comparable(fileBytes(beside(".errors"))).toStdString());
+}
+
+void MovieFile::provide(const QJsonArray& files) const
+{
+    for (const QJsonValue& value : files) {
+        const QFileInfo file(QFileInfo(m_source).path() + "/" + value.toString());
+        if (file.suffix() == "xml" || file.suffix() == "as") {
+            const QString movie = m_folder.filePath(file.completeBaseName() + ".swf");
+            const Outcome compiled = run(tool("swfc"), {file.filePath(), "-o", movie}, file.path());
+            ASSERT_EQ(compiled.status, 0) << compiled.err.toStdString();
+        } else {
+            ASSERT_TRUE(QFile::copy(file.filePath(), m_folder.filePath(file.fileName())))
+                << file.filePath().toStdString();
+        }
+    }
+}
+
+/// What trace and render have in common. A movie that brings files has them beside it, in the folder of the
+/// run.
+QStringList MovieFile::runArguments(const QJsonObject& options) const
+{
+    QStringList arguments{"--base-dir",
+                          options.contains("files") ? m_folder.path() : QFileInfo(m_source).path()};
+    if (QFile::exists(beside(".input"))) arguments << "--input" << beside(".input");
+    if (options.contains("date")) arguments << "--date" << options["date"].toString();
+    return arguments;
 }
 
 void MovieFile::TestBody()
@@ -122,6 +147,7 @@ void MovieFile::TestBody()
     if (QFile::exists(beside(".json"))) {
         ASSERT_FALSE(options.isEmpty()) << "damaged " << beside(".json").toStdString();
     }
+    ASSERT_NO_FATAL_FAILURE(provide(options["files"].toArray()));
     std::vector<std::string> faults;
     check(movie, options, faults);
     if (QFile::exists(beside(".png"))) checkPicture(movie, options, faults);
@@ -137,12 +163,12 @@ void MovieFile::check(const QString& movie, const QJsonObject& options,
                       std::vector<std::string>& faults) const
 {
     if (!QFile::exists(beside(".expected"))) return;
-    QStringList arguments{"trace", movie, "--base-dir", QFileInfo(m_source).path()};
+    QStringList arguments{"trace", movie};
     if (options.contains("ms"))
         arguments << "--ms" << QString::number(options["ms"].toInt());
     else
         arguments << "--frames" << QString::number(options["frames"].toInt(3));
-    const Outcome played = run(tool("flashrun"), arguments + inputArguments(), m_folder.path());
+    const Outcome played = run(tool("flashrun"), arguments + runArguments(options), m_folder.path());
     if (played.status != 0)
         faults.push_back("flashrun ended with " + std::to_string(played.status) + ": " +
                          played.err.toStdString());
@@ -166,9 +192,8 @@ void MovieFile::checkPicture(const QString& movie, const QJsonObject& options,
     const Outcome drawn =
         run(tool("flashrun"),
             QStringList{"render", movie, "--frame", QString::number(options["frame"].toInt(1)), "--out",
-                        picture, "--quality", options["quality"].toString("high"), "--base-dir",
-                        QFileInfo(m_source).path()} +
-                inputArguments(),
+                        picture, "--quality", options["quality"].toString("high")} +
+                runArguments(options),
             m_folder.path());
     if (drawn.status != 0)
         faults.push_back("flashrun ended with " + std::to_string(drawn.status) + ": " +
@@ -228,6 +253,27 @@ bool hasExpectation(const QString& source)
     return false;
 }
 
+/// A sample movie of the program, left alone for half a minute of its own time.
+class SampleMovie : public testing::Test
+{
+public:
+    explicit SampleMovie(QString source) : m_source(std::move(source)) {}
+    void TestBody() override
+    {
+        QTemporaryDir folder;
+        const QString movie = folder.filePath("movie.swf");
+        const Outcome compiled = run(tool("swfc"), {m_source, "-o", movie}, QFileInfo(m_source).path());
+        ASSERT_EQ(compiled.status, 0) << compiled.err.toStdString();
+        const Outcome played = run(tool("flashrun"), {"trace", movie, "--ms", "30000"}, folder.path());
+        EXPECT_EQ(played.status, 0) << played.err.toStdString();
+        EXPECT_TRUE(played.err.isEmpty()) << played.err.toStdString();
+        EXPECT_FALSE(played.out.contains("undefined")) << played.out.toStdString();
+    }
+
+private:
+    QString m_source;
+};
+
 /// A reader of another make must be able to parse everything that the compiler writes.
 class AnotherReader : public testing::Test
 {
@@ -270,6 +316,11 @@ int main(int argc, char** argv)
         name.replace('-', '_');
         testing::RegisterTest(suite.toUtf8().constData(), name.toUtf8().constData(), nullptr, nullptr,
                               __FILE__, __LINE__, [source]() -> MovieFile* { return new MovieFile(source); });
+    }
+    for (const char* sample : {"film", "game", "testcard"}) {
+        const QString source = QString(PROJECT_SOURCE_DIR) + "/assets/samples/" + sample + ".xml";
+        testing::RegisterTest("Samples", (std::string(sample) + "_plays").c_str(), nullptr, nullptr, __FILE__,
+                              __LINE__, [source]() -> SampleMovie* { return new SampleMovie(source); });
     }
     testing::RegisterTest("AnotherReader", "ParsesEveryMovie", nullptr, nullptr, __FILE__, __LINE__,
                           []() -> AnotherReader* { return new AnotherReader; });
