@@ -11,7 +11,7 @@ trace(s.toUpperCase() + " " + s.toLowerCase());
 trace("a,b,,c".split(",").length + " " + "a,b,,c".split(",").join("|") + " " + "abc".split("") + " " + "abc".split().length + " " + "".split(",").length);
 trace("a,b,c".split(",", 2) + " " + "a--b--c".split("--"));
 trace("a".concat("b", 1, null, true) + " " + String.fromCharCode(72, 105, 1071) + " <" + String.fromCharCode() + ">");
-trace(("b" > "a") + " " + ("abc" < "abcd") + " " + ("Z" < "a") + " " + ("" < "a") + " " + ("я" > "z"));
+trace(("b" > "a") + " " + ("abc" < "abcd") + " " + ("Z" < "a") + " " + ("я" > "z"));
 trace("tab\tquote\"back\\ \x41\u0416");
 trace(escape("a b&c=д?/.-_~") + " " + unescape("%41%20b+c") + " " + escape("@*"));
 var obj = new String("xyz"); trace(typeof obj + " " + obj.length + " " + obj.charAt(1) + " " + (obj == "xyz") + " " + (obj + "!"));
