@@ -5,11 +5,9 @@
 
 namespace core
 {
-namespace
-{
 
-void logErrorBlock(Application& application, const base::Failure& error, const QString& place,
-                   const QString& detail)
+void LogError(Application& application, const base::Failure& error, const QString& place,
+              const QString& detail)
 {
     application.LogEvent({});
     application.LogEvent("<B><FONT color=\"#000000\">" + QString::number(error.number()));
@@ -21,8 +19,6 @@ void logErrorBlock(Application& application, const base::Failure& error, const Q
     application.LogEvent("</FONT></B>");
 }
 
-} // namespace
-
 void ReportError(Application& application, ErrorHost& host, const base::Failure& error, const QString& place,
                  const QString& detail)
 {
@@ -30,7 +26,7 @@ void ReportError(Application& application, ErrorHost& host, const base::Failure&
     const bool timerWasEnabled = host.updateTimerEnabled();
     if (touchTimer) host.setUpdateTimerEnabled(false);
 
-    logErrorBlock(application, error, place, detail);
+    LogError(application, error, place, detail);
 
     frmError screen(host.errorParent(), {error.number(), place, QString::fromStdString(error.source()),
                                          QString::fromStdString(error.description()), detail});

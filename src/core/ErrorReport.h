@@ -33,6 +33,11 @@ public:
     void Quit(const QString&, bool) override {}
 };
 
+/// Writes the error block to the journal: for what goes on without asking the user.
+/// @throws base::Failure when the journal cannot be written
+void LogError(Application& application, const base::Failure& error, const QString& place,
+              const QString& detail = {});
+
 /// Writes the error block to the journal and shows the error screen over the main window. The status timer
 /// rests meanwhile, unless the error is that the Flash control cannot be created.
 /// @param place  Russian name of the operation that failed

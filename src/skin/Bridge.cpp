@@ -1,0 +1,144 @@
+#include "skin/Bridge.h"
+
+#include "base/Failure.h"
+#include "core/Application.h"
+#include "skin/Texts.h"
+
+#include <chrono>
+
+namespace skin
+{
+namespace
+{
+
+/// A window that does not answer for longer has hung, as far as its user can tell.
+constexpr std::chrono::seconds kStatementTime{4};
+constexpr std::size_t kScriptBytes = std::size_t{256} << 20;
+/// The engine's number for a call that ran out of time.
+constexpr int kInterrupted = -2147467260;
+
+std::u16string_view view(const QString& string)
+{
+    return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
+}
+
+base::Failure failureOf(const script::ScriptError& error)
+{
+    return base::Failure(error.number, QString::fromStdU16String(error.source).toStdString(),
+                         QString::fromStdU16String(error.description).toStdString());
+}
+
+} // namespace
+
+Expression::Expression(QString text) : m_text(std::move(text)), m_kind(Kind::NotYetCompiled)
+{
+    bool isNumber = false;
+    const QString trimmed = m_text.trimmed();
+    const int number = trimmed.isEmpty() ? 0 : trimmed.toInt(&isNumber);
+    if (!isNumber && !trimmed.isEmpty()) return;
+    m_kind = Kind::Number;
+    m_number = number;
+}
+
+Bridge::Bridge(SkinHost& host, script::Host* scriptHost) : m_host(host), m_engine(scriptHost)
+{
+    m_engine.setTimeout(kStatementTime);
+    m_engine.setHeapLimit(kScriptBytes);
+    m_engine.setUseSafeSubset(true);
+    m_engine.reset();
+}
+
+std::optional<QString> Bridge::begin(const QString& language)
+{
+    const auto known = m_engine.setLanguage(view(language));
+    const QString error = known ? QString() : QString::fromStdU16String(m_engine.error().description);
+    m_engine.setUseSafeSubset(true);
+    reset();
+    if (m_player) m_engine.addObject(u"Player", *m_player, true);
+    return known ? std::nullopt : std::optional(error);
+}
+
+void Bridge::reset()
+{
+    m_engine.reset();
+    m_hanging.clear();
+    m_lastTimerError.clear();
+    m_objects.prune();
+}
+
+void Bridge::addObject(const QString& name, QObject* object)
+{
+    m_engine.addObject(view(name), *m_objects.dispatchOf(object));
+}
+
+std::optional<QString> Bridge::addCode(const QString& code)
+{
+    if (m_engine.addCode(view(code))) return std::nullopt;
+    const script::ScriptError& error = m_engine.error();
+    // The text begins with an empty line that the file does not have.
+    return QString("%1 (%2:%3)")
+        .arg(QString::fromStdU16String(error.description))
+        .arg(std::max(0, error.line - 1))
+        .arg(error.column);
+}
+
+Bridge::Outcome Bridge::RunScript(const QString& statement, Repetition repetition)
+{
+    if (statement.isEmpty() || m_hanging.contains(statement)) return Outcome::Done;
+    if (m_engine.executeStatement(view(statement))) return Outcome::Done;
+    const script::ScriptError error = m_engine.error();
+    if (error.number == kInterrupted) m_hanging.insert(statement);
+    const QString place = texts::kScriptStart + core::HtmlEscape(statement) + texts::kScriptLine +
+                          QString::number(error.line) + ")";
+    if (repetition == Repetition::Timer) {
+        // Three times a second the same would fill the disk.
+        const QString same = place + QString::fromStdU16String(error.description);
+        if (same == m_lastTimerError) return Outcome::Failed;
+        m_lastTimerError = same;
+    }
+    m_host.logError(failureOf(error), place, {});
+    return Outcome::Failed;
+}
+
+std::optional<double> Bridge::toNumber(const script::Result<script::Value>& value)
+{
+    if (!value || value->isEmpty()) return 0.0;
+    if (value->isWhole()) return value->whole();
+    if (value->type() == script::VarType::Double || value->type() == script::VarType::Single)
+        return value->asReal();
+    const auto text = m_engine.textOf(*value);
+    if (!text) return std::nullopt;
+    bool isNumber = false;
+    const double number = QString::fromStdU16String(*text).toDouble(&isNumber);
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+std::optional<double> Bridge::EvalScript(const QString& expression)
+{
+    if (expression.trimmed().isEmpty()) return 0.0;
+    return toNumber(m_engine.eval(view(expression)));
+}
+
+void Bridge::compile(Expression& expression)
+{
+    const QString name = QString("[skin expression %1]").arg(++m_functions);
+    const bool oneLine = !expression.m_text.contains('\n') && !expression.m_text.contains('\r');
+    const QString code = "Function " + name + "\r\n" + name + "=" + expression.m_text + "\r\nEnd Function";
+    const bool compiled = oneLine && m_engine.addCode(view(code));
+    expression.m_kind = compiled ? Expression::Kind::Function : Expression::Kind::Text;
+    expression.m_function = name.mid(1, name.size() - 2).toStdU16String();
+}
+
+std::optional<double> Bridge::evaluate(Expression& expression)
+{
+    if (expression.m_kind == Expression::Kind::NotYetCompiled) compile(expression);
+    switch (expression.m_kind) {
+    case Expression::Kind::Number: return expression.m_number;
+    case Expression::Kind::Function: return toNumber(m_engine.run(expression.m_function));
+    case Expression::Kind::NotYetCompiled:
+    case Expression::Kind::Text: break;
+    }
+    return EvalScript(expression.m_text);
+}
+
+} // namespace skin

@@ -1,0 +1,272 @@
+#include "skin/Controls.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace skin
+{
+namespace
+{
+
+PointerButton toPointerButton(Qt::MouseButton button)
+{
+    if (button == Qt::LeftButton) return PointerButton::Left;
+    return button == Qt::RightButton ? PointerButton::Right : PointerButton::Other;
+}
+
+} // namespace
+
+SkinControl::SkinControl(const QString& name, int index, QWidget* container, QWidget* window)
+    : QWidget(container), m_name(name), m_index(index), m_window(window),
+      m_client(container) // the first control of a chain lies on the client area; the others ask that one
+{
+    if (const auto* outer = qobject_cast<SkinControl*>(container)) m_client = outer->m_client;
+    setGeometry(0, 0, 1, 1);
+    hide();
+}
+
+int SkinControl::whole(double value)
+{
+    if (std::isnan(value)) return 0;
+    return static_cast<int>(std::nearbyint(std::clamp(value, -1.0 * kFarthest, 1.0 * kFarthest)));
+}
+
+void SkinControl::setUsable(bool usable)
+{
+    m_usable = usable;
+    setEnabled(m_usable && !m_resting);
+}
+
+void SkinControl::setResting(bool resting)
+{
+    m_resting = resting;
+    setEnabled(m_usable && !m_resting);
+}
+
+void SkinControl::setContainer(QObject* container)
+{
+    QWidget* wanted = container == m_window ? m_client : qobject_cast<SkinPicture*>(container);
+    if (wanted == nullptr || wanted == this || isAncestorOf(wanted)) return;
+    const bool shown = Visible();
+    const QPoint place = pos();
+    setParent(wanted);
+    move(place);
+    setVisible(shown);
+}
+
+void SkinControl::Move(double left) { move(whole(left), y()); }
+void SkinControl::Move(double left, double top) { move(whole(left), whole(top)); }
+void SkinControl::Move(double left, double top, double width)
+{
+    setGeometry(whole(left), whole(top), extent(width), height());
+}
+void SkinControl::Move(double left, double top, double width, double height)
+{
+    setGeometry(whole(left), whole(top), extent(width), extent(height));
+}
+
+bool SkinControl::event(QEvent* event)
+{
+    if (m_resting && event->type() == QEvent::MouseButtonPress) emit pressedWhileResting();
+    return QWidget::event(event);
+}
+
+void SkinControl::mousePressEvent(QMouseEvent* event)
+{
+    m_clickFollows = event->button() == Qt::LeftButton;
+    emit pressed(toPointerButton(event->button()), event->position().toPoint());
+}
+
+void SkinControl::mouseMoveEvent(QMouseEvent* event)
+{
+    emit moved(event->buttons().testFlag(Qt::LeftButton), event->position().toPoint());
+}
+
+void SkinControl::mouseReleaseEvent(QMouseEvent* event)
+{
+    const QPoint position = event->position().toPoint();
+    const bool click = event->button() == Qt::LeftButton && m_clickFollows && rect().contains(position);
+    if (event->button() == Qt::LeftButton) m_clickFollows = false;
+    // A statement may replace the skin. This control then lives until the event loop comes round.
+    emit released(toPointerButton(event->button()), position);
+    if (click) emit clicked();
+}
+
+void SkinControl::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) return mousePressEvent(event);
+    m_clickFollows = false;
+    emit doubleClicked();
+}
+
+void SkinControl::enterEvent(QEnterEvent*) { emit entered(); }
+void SkinControl::leaveEvent(QEvent*) { emit left(); }
+
+void SkinControl::contextMenuEvent(QContextMenuEvent* event)
+{
+    event->setAccepted(m_opensMenu && event->reason() == QContextMenuEvent::Mouse);
+}
+
+// ---- pictures
+
+void SkinPicture::setImage(ImageState state, QImage image)
+{
+    m_images.at(static_cast<std::size_t>(state)) = std::move(image);
+    m_stretched = {};
+}
+
+const QImage& SkinPicture::image(ImageState state) const
+{
+    return m_images.at(static_cast<std::size_t>(state));
+}
+
+void SkinPicture::showState(ImageState state)
+{
+    if (image(state).isNull() || state == m_shown) return;
+    m_shown = state;
+    m_stretched = {};
+    update();
+}
+
+void SkinPicture::setBackColor(int colour) { setGround(toColor(static_cast<SkinColour>(colour))); }
+
+void SkinPicture::setGround(const QColor& colour)
+{
+    m_ground = colour;
+    update();
+}
+
+QImage SkinPicture::picture() const
+{
+    const QImage& shown = image(m_shown);
+    if (shown.isNull()) {
+        QImage plain(size(), QImage::Format_RGB32);
+        plain.fill(m_ground.isValid() ? m_ground : QColor(Qt::black));
+        return plain;
+    }
+    if (m_stretched.size() != size()) {
+        m_stretched = shown.size() == size()
+                          ? shown
+                          : shown.scaled(size(), Qt::IgnoreAspectRatio,
+                                         m_masked ? Qt::FastTransformation : Qt::SmoothTransformation);
+    }
+    return m_stretched;
+}
+
+void SkinPicture::resizeEvent(QResizeEvent*)
+{
+    // What is shown now is the normal image again: the others are painted by what happens to the element.
+    if (!image(ImageState::Normal).isNull() && m_shown != ImageState::Disabled) m_shown = ImageState::Normal;
+    m_stretched = {};
+}
+
+void SkinPicture::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    if (m_ground.isValid()) painter.fillRect(event->rect(), m_ground);
+    const QImage& shown = image(m_shown);
+    if (shown.isNull() || size().isEmpty()) return;
+    // Very large elements are stretched where they are seen; others once, and kept.
+    constexpr int kKeptPixels = 4'000'000;
+    if (qint64{width()} * height() > kKeptPixels || devicePixelRatioF() != 1.0) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, !m_masked);
+        painter.drawImage(rect(), shown);
+    } else {
+        painter.drawImage(event->rect().topLeft(), picture(), event->rect());
+    }
+}
+
+// ---- labels
+
+SkinLabel::SkinLabel(const QString& name, int index, QWidget* container, QWidget* window)
+    : SkinControl(name, index, container, window)
+{
+    QFont face = font();
+    face.setFamilies({"Tahoma", "Verdana", "DejaVu Sans"});
+    face.setPixelSize(13); // 10 points
+    setFont(face);
+}
+
+void SkinLabel::setCaption(const QString& caption)
+{
+    if (caption == m_caption) return;
+    m_caption = caption;
+    fitText();
+    update();
+}
+
+void SkinLabel::setForeColor(int colour)
+{
+    m_colour = static_cast<SkinColour>(colour);
+    update();
+}
+
+void SkinLabel::setAlignment(int alignment)
+{
+    if (alignment < 0 || alignment > 2) return;
+    m_alignment = alignment;
+    update();
+}
+
+void SkinLabel::setAutoSize(bool on)
+{
+    m_autoSize = on;
+    fitText();
+}
+
+void SkinLabel::setFontName(const QString& name)
+{
+    QFont changed = font();
+    changed.setFamilies({name, "Tahoma", "Verdana", "DejaVu Sans"});
+    changeFont(changed);
+}
+
+void SkinLabel::setFontBold(bool bold)
+{
+    QFont changed = font();
+    changed.setBold(bold);
+    changeFont(changed);
+}
+
+void SkinLabel::setFontItalic(bool italic)
+{
+    QFont changed = font();
+    changed.setItalic(italic);
+    changeFont(changed);
+}
+
+void SkinLabel::setFontSize(double points)
+{
+    constexpr double kLargestPixels = 1024;
+    QFont changed = font();
+    changed.setPixelSize(
+        static_cast<int>(std::clamp(std::nearbyint(points / kPointsPerPixel), 1.0, kLargestPixels)));
+    changeFont(changed);
+}
+
+void SkinLabel::changeFont(const QFont& font)
+{
+    setFont(font);
+    fitText();
+    update();
+}
+
+void SkinLabel::fitText()
+{
+    if (m_autoSize) resize(fontMetrics().horizontalAdvance(m_caption) + 1, fontMetrics().height());
+}
+
+void SkinLabel::paintEvent(QPaintEvent*)
+{
+    if (m_caption.isEmpty()) return;
+    QPainter painter(this);
+    painter.setPen(toColor(m_colour));
+    constexpr Qt::AlignmentFlag kSides[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
+    const QString text = fontMetrics().elidedText(m_caption, Qt::ElideRight, width());
+    painter.drawText(rect(), static_cast<int>(kSides[m_alignment] | Qt::AlignTop) | Qt::TextSingleLine, text);
+}
+
+} // namespace skin

@@ -1,0 +1,203 @@
+#pragma once
+
+#include "skin/ElementPointer.h"
+#include "skin/Region.h"
+
+#include <QImage>
+#include <QWidget>
+
+#include <array>
+
+namespace skin
+{
+
+/// What the elements of a skin have in common: the property names that its scripts know, in pixels and
+/// relative to the container. Painting and forwarding of events, nothing else: what happens is decided by
+/// whoever listens.
+class SkinControl : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Name READ Name)
+    Q_PROPERTY(int Index READ Index)
+    Q_PROPERTY(QString Tag MEMBER m_tag)
+    Q_PROPERTY(double Left READ Left WRITE setLeft)
+    Q_PROPERTY(double Top READ Top WRITE setTop)
+    Q_PROPERTY(double Width READ Width WRITE setWidth)
+    Q_PROPERTY(double Height READ Height WRITE setHeight)
+    Q_PROPERTY(bool Visible READ Visible WRITE setShown)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setUsable)
+    Q_PROPERTY(QString ToolTipText READ toolTip WRITE setToolTip)
+    Q_PROPERTY(QObject* Parent READ Parent)
+    Q_PROPERTY(QObject* Container READ Container WRITE setContainer)
+
+public:
+    /// Positions and sizes beyond this are cut off there: no window system takes more.
+    static constexpr int kFarthest = 16384;
+
+    /// @param name the control array's, "PIC" or "LBL"
+    /// @param window what scripts see as Parent
+    SkinControl(const QString& name, int index, QWidget* container, QWidget* window);
+
+    [[nodiscard]] QString Name() const { return m_name; }
+    [[nodiscard]] int Index() const { return m_index; }
+    [[nodiscard]] QString Tag() const { return m_tag; }
+    void setTag(const QString& tag) { m_tag = tag; }
+    [[nodiscard]] double Left() const { return x(); }
+    [[nodiscard]] double Top() const { return y(); }
+    [[nodiscard]] double Width() const { return width(); }
+    [[nodiscard]] double Height() const { return height(); }
+    void setLeft(double value) { move(whole(value), y()); }
+    void setTop(double value) { move(x(), whole(value)); }
+    virtual void setWidth(double value) { resize(extent(value), height()); }
+    virtual void setHeight(double value) { resize(width(), extent(value)); }
+    [[nodiscard]] bool Visible() const { return !isHidden(); }
+    void setShown(bool shown) { setVisible(shown); }
+    [[nodiscard]] bool Enabled() const { return m_usable; }
+    void setUsable(bool usable);
+    [[nodiscard]] QObject* Parent() const { return m_window; }
+    [[nodiscard]] QObject* Container() const
+    {
+        return parentWidget() == m_client ? m_window : parentWidget();
+    }
+    void setContainer(QObject* container);
+
+    Q_INVOKABLE void Move(double left);
+    Q_INVOKABLE void Move(double left, double top);
+    Q_INVOKABLE void Move(double left, double top, double width);
+    Q_INVOKABLE void Move(double left, double top, double width, double height);
+    /// @param position 0: to the front of its container; 1: to the back
+    Q_INVOKABLE void ZOrder(int position = 0) { position == 0 ? raise() : lower(); }
+    Q_INVOKABLE void Refresh() { update(); }
+    Q_INVOKABLE void SetFocus() { setFocus(); }
+
+    /// The press of the right button opens a menu, so that the request for one that follows is answered.
+    void setOpensMenu() { m_opensMenu = true; }
+    /// Takes the control out of use while the program is not the active one. A press then is what makes it
+    /// active, and is not lost.
+    void setResting(bool resting);
+    /// Rounds halves to even and cuts off what no window system takes.
+    static int whole(double value);
+    static int extent(double value) { return std::max(0, whole(value)); }
+
+signals:
+    void pressed(skin::PointerButton button, QPoint position);
+    void moved(bool leftHeld, QPoint position);
+    void released(skin::PointerButton button, QPoint position);
+    void clicked();
+    void doubleClicked();
+    void entered();
+    void left();
+    void pressedWhileResting();
+
+protected:
+    bool event(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    const QString m_name;
+    const int m_index;
+    QString m_tag;
+    QWidget* m_window; ///< outlives its children
+    QWidget* m_client; ///< the widget of the window that views lie on
+    bool m_usable = true;
+    bool m_resting = false;
+    bool m_opensMenu = false;
+    bool m_clickFollows = false; ///< the press was a first one, and the release may make it a click
+};
+
+/// Views, panels and buttons.
+class SkinPicture : public SkinControl
+{
+    Q_OBJECT
+    Q_PROPERTY(int BackColor READ BackColor WRITE setBackColor)
+
+public:
+    using SkinControl::SkinControl;
+
+    void setImage(ImageState state, QImage image);
+    [[nodiscard]] const QImage& image(ImageState state) const;
+    /// A state without an image leaves what is shown.
+    void showState(ImageState state);
+    [[nodiscard]] ImageState shownState() const { return m_shown; }
+    /// The picture as it is shown, without what lies on it.
+    [[nodiscard]] QImage picture() const;
+
+    /// Filled under the picture; without one the container shows through.
+    [[nodiscard]] int BackColor() const { return m_ground.isValid() ? toSkinColour(m_ground) : 0; }
+    void setBackColor(int colour);
+    void setGround(const QColor& colour);
+    static int toSkinColour(const QColor& colour)
+    {
+        return colour.red() | colour.green() << 8 | colour.blue() << 16;
+    }
+    /// Masked pictures are stretched without smoothing, so that no pixel mixes with the key colour.
+    void setMasked() { m_masked = true; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    std::array<QImage, 4> m_images;
+    ImageState m_shown = ImageState::Normal;
+    mutable QImage m_stretched; ///< the shown image at this size
+    QColor m_ground;
+    bool m_masked = false;
+};
+
+/// One line of text.
+class SkinLabel : public SkinControl
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
+    Q_PROPERTY(int ForeColor READ ForeColor WRITE setForeColor)
+    Q_PROPERTY(int Alignment READ Alignment WRITE setAlignment)
+    Q_PROPERTY(bool AutoSize READ AutoSize WRITE setAutoSize)
+    Q_PROPERTY(QString FontName READ FontName WRITE setFontName)
+    Q_PROPERTY(bool FontBold READ FontBold WRITE setFontBold)
+    Q_PROPERTY(bool FontItalic READ FontItalic WRITE setFontItalic)
+    Q_PROPERTY(double FontSize READ FontSize WRITE setFontSize)
+
+public:
+    SkinLabel(const QString& name, int index, QWidget* container, QWidget* window);
+
+    [[nodiscard]] QString Caption() const { return m_caption; }
+    void setCaption(const QString& caption);
+    [[nodiscard]] int ForeColor() const { return static_cast<int>(m_colour); }
+    void setForeColor(int colour);
+    /// 0 left, 1 right, 2 centre; other numbers are ignored
+    [[nodiscard]] int Alignment() const { return m_alignment; }
+    void setAlignment(int alignment);
+    [[nodiscard]] bool AutoSize() const { return m_autoSize; }
+    void setAutoSize(bool on);
+    [[nodiscard]] QString FontName() const { return font().family(); }
+    void setFontName(const QString& name);
+    [[nodiscard]] bool FontBold() const { return font().bold(); }
+    void setFontBold(bool bold);
+    [[nodiscard]] bool FontItalic() const { return font().italic(); }
+    void setFontItalic(bool italic);
+    /// Points of 96 to the inch, as far as whole pixels allow.
+    [[nodiscard]] double FontSize() const { return font().pixelSize() * kPointsPerPixel; }
+    void setFontSize(double points);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    static constexpr double kPointsPerPixel = 0.75;
+    void changeFont(const QFont& font);
+    void fitText();
+
+    QString m_caption;
+    SkinColour m_colour = 0;
+    int m_alignment = 0;
+    bool m_autoSize = false;
+};
+
+} // namespace skin

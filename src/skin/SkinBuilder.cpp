@@ -1,0 +1,273 @@
+#include "base/Failure.h"
+#include "base/Files.h"
+#include "core/Application.h"
+#include "core/Look.h"
+#include "core/RunTimeErrors.h"
+#include "skin/Skin.h"
+#include "skin/SkinFiles.h"
+#include "skin/Texts.h"
+
+#include <QFileInfo>
+
+#include <cmath>
+
+// How a description becomes live objects. The order of the steps is what scripts and expressions rely on: an
+// expression sees the objects that were built before its own.
+
+namespace skin
+{
+namespace
+{
+
+constexpr std::uint64_t kMostDescriptionBytes = 16ULL << 20;
+constexpr std::size_t kMostObjects = 10'000;
+constexpr std::size_t kMostSourceBytes = 4000; ///< of an element, in the journal
+constexpr qint64 kMostMaskPixels = 64'000'000;
+constexpr int kNoPicture = 481;
+constexpr int kTypeMismatch = 13;
+
+/// What lies outside of every widget: an empty region would mean no mask at all.
+const QRegion kNothing(-1, -1, 1, 1);
+
+void setMaskOf(QWidget& widget, const QRegion& region)
+{
+    widget.setMask(region.isEmpty() ? kNothing : region);
+}
+
+bool isName(const base::xml::Element& element, const char* name)
+{
+    return QString::fromStdString(element.name()).compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+bool Skin::LoadSkin(const QString& path)
+{
+    m_host.log(" :: Load Skin (" + core::HtmlEscape(path) + ")");
+    const QFileInfo file(path);
+    m_folder = file.absolutePath() + '/';
+    const QString found = findFile(m_folder, file.fileName());
+    if (found.isEmpty()) return false;
+    const auto bytes = base::readFile(core::filePath(found), kMostDescriptionBytes);
+    if (!bytes) return false;
+    const auto document = base::xml::Document::parse(*bytes);
+    if (!document) {
+        m_host.log(core::HtmlEscape(QString::fromStdString(document.error().what)));
+        return false;
+    }
+
+    ++m_busy;
+    const base::xml::Element root = document->root();
+    m_container = &m_host.clientArea();
+    m_buildingView = 0;
+    if (isName(root, "THEME"))
+        ParseSkinNode(root);
+    else
+        step(root, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kNoTheme); });
+    --m_busy;
+
+    m_bridge.RunScript("onLoad");
+    runMediaChange();
+    m_currentView = 1;
+    SetSkinView(m_host.isFullScreen() ? "viewFullScreen" : "viewNormal");
+    return true;
+}
+
+void Skin::step(const base::xml::Element& node, const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const base::Failure& failure) {
+        const bool developer = m_host.isDeveloperMode();
+        const QString source = QString::fromStdString(node.source(kMostSourceBytes));
+        m_host.logError(failure, developer ? texts::kObjectPlace : texts::kBranchPlace,
+                        (developer ? texts::kObjectDetail : texts::kBranchDetail) + ("\r\n\r\n" + source));
+    }
+}
+
+void Skin::ParseSkinNode(const base::xml::Element& node)
+{
+    if (isName(node, "THEME")) {
+        beginTheme(node);
+        ParseSkinChildren(node);
+    } else if (isName(node, "VIEW")) {
+        step(node, [&] { CreateSkinView(node); });
+        ParseSkinChildren(node);
+        m_container = &m_host.clientArea();
+    } else if (isName(node, "SUBVIEW")) {
+        step(node, [&] { CreateSkinObject(node, Kind::Panel); });
+        ParseSkinChildren(node);
+        if (m_container != &m_host.clientArea()) m_container = m_container->parentWidget();
+    } else if (isName(node, "BUTTON")) {
+        step(node, [&] { CreateSkinObject(node, Kind::Button); });
+    } else if (isName(node, "LABEL")) {
+        step(node, [&] { CreateSkinObject(node, Kind::Label); });
+    }
+}
+
+void Skin::ParseSkinChildren(const base::xml::Element& node)
+{
+    for (const base::xml::Element& child : node.children()) ParseSkinNode(child);
+}
+
+void Skin::beginTheme(const base::xml::Element& node)
+{
+    const auto theme = ThemeAttributes::read(node);
+    step(node, [&] {
+        if (const auto error = m_bridge.begin(theme.scriptLanguage))
+            throw base::Failure(kTypeMismatch, "Skin", error->toStdString());
+    });
+    step(node, [&] { m_host.setMinimumWindowSize({toWhole(theme.minWidth), toWhole(theme.minHeight)}); });
+    step(node, [&] {
+        if (theme.scriptFile.isEmpty()) return;
+        const QString path = findFile(m_folder, theme.scriptFile);
+        if (path.isEmpty())
+            throw base::Failure(core::kFileNotFound, "Skin",
+                                (texts::kNoScriptFile + theme.scriptFile).toStdString());
+        if (const auto error = m_bridge.addCode(ReadTextFile(path)))
+            throw base::Failure(kTypeMismatch, "Skin", (theme.scriptFile + ": " + *error).toStdString());
+    });
+    m_container = &m_host.clientArea();
+}
+
+void Skin::introduce(SkinControl& control, const QString& name)
+{
+    m_controls.emplace_back(&control);
+    control.setObjectName(name);
+    m_bridge.addObject(name, &control);
+    control.setTag(QString::number(m_objects.size() - 1));
+    if (m_host.isDeveloperMode()) control.setToolTip(QString("%1 (%2)").arg(name).arg(control.Index()));
+}
+
+void Skin::CreateSkinView(const base::xml::Element& node)
+{
+    if (m_objects.size() > kMostObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
+    const auto attributes = ViewAttributes::read(node);
+    SkinObject& record = m_objects.emplace_back();
+    auto* view = new SkinPicture("PIC", ++m_pictures, &m_host.clientArea(), &m_host.window());
+    view->setGround(QColor(core::look::kInk));
+    m_container = view;
+    introduce(*view, attributes.name);
+    record.name = attributes.name;
+    record.object = view;
+    record.kind = Kind::View;
+    record.viewIndex = m_buildingView = static_cast<int>(m_objects.size() - 1);
+    record.onResize = attributes.onResize;
+    record.onInfoUpdate = attributes.onInfoUpdate;
+    record.onMediaChange = attributes.onMediaChange;
+}
+
+void Skin::CreateSkinObject(const base::xml::Element& node, Kind kind)
+{
+    if (m_objects.size() > kMostObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
+    m_objects.emplace_back();
+    // Stored when all has gone well: an element that fails on the way leaves its record empty.
+    SkinObject record;
+    buildObject(record, node, kind);
+    m_objects.back() = std::move(record);
+}
+
+void Skin::buildObject(SkinObject& record, const base::xml::Element& node, Kind kind)
+{
+    const QString viewName = m_objects[static_cast<std::size_t>(m_buildingView)].name;
+    const bool fullScreen = viewName.compare("viewFullScreen", Qt::CaseInsensitive) == 0;
+    const auto attributes = ElementAttributes::read(node, kind, fullScreen);
+    record.name = attributes.name;
+    record.viewIndex = m_buildingView;
+    record.kind = kind;
+
+    QWidget& window = m_host.window();
+    SkinPicture* picture = nullptr;
+    SkinLabel* label = nullptr;
+    if (kind == Kind::Label)
+        label = new SkinLabel("LBL", ++m_labels, m_container, &window);
+    else
+        picture = new SkinPicture("PIC", ++m_pictures, m_container, &window);
+    SkinControl& control = label != nullptr ? static_cast<SkinControl&>(*label) : *picture;
+    if (kind == Kind::Panel) m_container = picture;
+    introduce(control, attributes.name);
+    record.object = &control;
+    record.left = Expression(attributes.left);
+    record.top = Expression(attributes.top);
+    record.width = Expression(attributes.width);
+    record.height = Expression(attributes.height);
+    control.setShown(toBoolean(attributes.visible));
+
+    if (picture != nullptr && attributes.image != kAbsent) loadImages(*picture, kind, attributes.image);
+    record.onDrag = attributes.onDrag;
+    record.onClick = attributes.onClick;
+    record.onDblClick = attributes.onDblClick;
+
+    const auto evaluated = [this](const QString& expression) {
+        const auto value = m_bridge.EvalScript(expression);
+        if (!value)
+            throw base::Failure(kTypeMismatch, "Skin", (texts::kTypeMismatch + expression).toStdString());
+        return *value;
+    };
+    control.setLeft(evaluated(attributes.left));
+    control.setTop(evaluated(attributes.top));
+    control.setWidth(evaluated(attributes.width));
+    control.setHeight(evaluated(attributes.height));
+    if (label != nullptr) {
+        setUpLabel(*label, attributes);
+        if (!attributes.hasHeight) {
+            const auto height = static_cast<int>(std::nearbyint(label->FontSize() * 2));
+            record.height = Expression(QString::number(height));
+            label->setHeight(height);
+        }
+    }
+    control.ZOrder(0);
+    if (picture != nullptr && attributes.toolTip != kAbsent) picture->setToolTip(attributes.toolTip);
+    if (picture != nullptr) cutToMask(*picture, attributes);
+    record.pointer.emplace(ElementPointer::Element{
+        record.hasImage(ImageState::Down), record.hasImage(ImageState::Over), !attributes.onClick.isEmpty()});
+    connectElement(control);
+}
+
+void Skin::loadImages(SkinPicture& picture, Kind kind, const QString& name)
+{
+    const auto load = [&](ImageState state, const char* folder) {
+        auto image = loadImage(m_folder, QLatin1String(folder) + name);
+        if (image)
+            picture.setImage(state, *std::move(image));
+        else if (image.error().code != base::ErrorCode::NotFound) // a state may have no image
+            m_host.log(core::HtmlEscape(QString::fromStdString(image.error().what)));
+    };
+    load(ImageState::Normal, kind == Kind::Button ? "up/" : "base/");
+    load(ImageState::Disabled, "disabled/");
+    if (kind != Kind::Button) return;
+    load(ImageState::Down, "down/");
+    load(ImageState::Over, "over/");
+}
+
+void Skin::setUpLabel(SkinLabel& label, const ElementAttributes& attributes)
+{
+    label.setAlignment(toWhole(attributes.alignment));
+    label.setAutoSize(toBoolean(attributes.autoSize));
+    label.setFontBold(toBoolean(attributes.fontBold));
+    label.setFontItalic(toBoolean(attributes.fontItalic));
+    bool isNumber = false;
+    const double points = QString(attributes.fontSize).replace(',', '.').toDouble(&isNumber);
+    if (!isNumber)
+        throw base::Failure(kTypeMismatch, "Skin",
+                            (texts::kTypeMismatch + attributes.fontSize).toStdString());
+    label.setFontSize(points);
+    label.setForeColor(static_cast<int>(ParseColor(attributes.foreColor)));
+    label.setCaption(attributes.caption);
+}
+
+void Skin::cutToMask(SkinPicture& picture, const ElementAttributes& attributes)
+{
+    const bool shapesWindow = attributes.windowMask != kAbsent;
+    const QString& mask = shapesWindow ? attributes.windowMask : attributes.maskColor;
+    if (mask == kAbsent) return;
+    const SkinColour key = ParseColor(mask);
+    if (qint64{picture.width()} * picture.height() > kMostMaskPixels)
+        throw base::Failure(kNoPicture, "Skin", texts::kMaskTooLarge);
+    picture.setMasked();
+    const QImage shown = picture.picture();
+    if (shapesWindow) m_masks.push_back({GetHoleRegion(shown, key), &picture});
+    setMaskOf(picture, GetSolidRegion(shown, key));
+}
+
+} // namespace skin

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+
+class QObject;
+class QWidget;
+
+namespace base
+{
+class Failure;
+}
+
+namespace skin
+{
+
+/// What a skin asks of the main window. The player implements it.
+class SkinHost
+{
+public:
+    virtual ~SkinHost() = default;
+
+    /// The window's inner area, on which views lie. Its size is what scripts know as ScaleWidth, ScaleHeight.
+    virtual QWidget& clientArea() = 0;
+    /// The movie, which moves from view to view.
+    virtual QWidget& movie() = 0;
+    virtual QWidget& window() = 0;
+    [[nodiscard]] virtual bool isFullScreen() const = 0;
+    virtual void setMinimumWindowSize(QSize pixels) = 0;
+    /// Gives the window the skin's shape, or takes it away. @param force after the menu bar came or went
+    virtual void UpdateRegion(bool force) = 0;
+    virtual void ShowPopUp() = 0;
+    /// A press on a skin that rests is what makes the program active.
+    virtual void activateProgram() = 0;
+
+    /// Whether errors pass to the debugger instead of the journal.
+    [[nodiscard]] virtual bool isDeveloperMode() const = 0;
+    virtual void log(const QString& text) = 0;
+    virtual void logError(const base::Failure& error, const QString& place, const QString& detail) = 0;
+};
+
+} // namespace skin
