@@ -47,6 +47,8 @@ void Player::connectMenus()
     on("mnuOpMed", [this] { SetFlashAlpha(50); });
     on("mnuOpSlite", [this] { SetFlashAlpha(25); });
 
+    on("mnuUpdSkin", [this] { LoadNewSkin(); });
+
     on("mnuPlay", [this] { PlayPauseMedia(); });
     on("mnuStop", [this] { StopMedia(); });
     on("mnuFFwd", [this] { m_playback.stepForward(); });

@@ -47,7 +47,12 @@ void Player::Form_Load()
     });
     m_control->setStorageFolder(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
                                 "/zorvex/shared");
-    // TODO: settings and skins are read here; until then the window has the defaults and its own control bar.
+    // TODO: settings are read here; until then the window has the defaults.
+    handled(texts::kPlaceFormLoad, [this] {
+        EnumSkins();
+        CreateSkin();
+        UpdateSkin();
+    });
     SetCaption(core::kProductName);
     m_hasArgument = !m_commandLine.isEmpty();
     handled(texts::kPlaceFormLoad, [this] {

@@ -66,6 +66,12 @@ constexpr ItemInfo kItems[] = {
     {Kind::Command,   "mnuOpMed",       "Средняя"},
     {Kind::Command,   "mnuOpSlite",     "Небольшая"},
     {Kind::End,       "",               ""},
+    {Kind::Separator, "mnuSep8",        ""},
+    {Kind::Menu,      "mnuSkin",        "Шкурка"},
+    {Kind::Command,   "mnuUpdSkin",     "Обновить шкурку"},
+    {Kind::Separator, "mnuSep10",       ""},
+    {Kind::Check,     "mnuSkinList0",   "[ список шкурок ]"},
+    {Kind::End,       "",               ""},
     {Kind::End,       "",               ""},
 
     {Kind::Menu,      "MenuPlayback",   "Воспроизведение"},
@@ -157,6 +163,23 @@ QAction& Menus::item(const QString& name) const
     const auto found = m_items.find(name);
     assert(found != m_items.end() && "no such menu item");
     return *found->second;
+}
+
+QAction* Menus::find(const QString& name) const
+{
+    for (const auto& [known, action] : m_items)
+        if (known.compare(name, Qt::CaseInsensitive) == 0) return action;
+    return nullptr;
+}
+
+QAction& Menus::addCheck(const QString& menu, const QString& name)
+{
+    if (QAction* known = find(name)) return *known;
+    QAction* action = item(menu).menu()->addAction(QString());
+    action->setCheckable(true);
+    action->setObjectName(name);
+    m_items[name] = action;
+    return *action;
 }
 
 void Menus::connectItem(const QString& name, std::function<void()> command)

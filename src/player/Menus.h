@@ -25,6 +25,11 @@ public:
     [[nodiscard]] bool isChecked(const QString& name) const { return item(name).isChecked(); }
     void setChecked(const QString& name, bool checked) { item(name).setChecked(checked); }
 
+    /// @returns null when there is no such item; names are compared without regard to case
+    [[nodiscard]] QAction* find(const QString& name) const;
+    /// @returns the item at the end of a menu, made when it is not there yet
+    QAction& addCheck(const QString& menu, const QString& name);
+
     /// Names the command that an item runs. Check marks are not moved by a click: the command does it.
     void connectItem(const QString& name, std::function<void()> command);
 

@@ -47,9 +47,12 @@ constexpr int kRecentCaptionPixels = 300;
 } // namespace
 
 Player::Player(core::Application& application, const QString& commandLine)
-    : m_application(application), m_commandLine(commandLine), m_control(new flash::FlashControl(this)),
-      m_welcome(new WelcomePanel(this)), m_bar(new ControlBar(this)), m_stage(new QStackedLayout),
-      m_menus(this), m_media(application, *this), m_playback(*m_control, m_menus, application.GadgetsPath),
+    : m_application(application), m_commandLine(commandLine), m_client(new QWidget(this)),
+      m_screen(new skin::SkinControl("SWF", 0, m_client, this)), m_control(new flash::FlashControl(m_screen)),
+      m_welcome(new WelcomePanel(m_screen)), m_bar(new ControlBar(this)),
+      m_stage(new QStackedLayout(m_screen)), m_menus(this), m_media(application, *this),
+      m_playback(*m_control, m_menus, application.GadgetsPath),
+      m_skinWindow(application, *this, m_menus, *m_client, *m_screen, *m_control), m_drag(this),
       m_tmrUpdate(this)
 {
     buildWindow();
@@ -84,7 +87,10 @@ void Player::buildWindow()
     m_menus.popUp().setStyleSheet(menuStyle());
     m_stage->addWidget(m_control);
     m_stage->addWidget(m_welcome);
-    column->addLayout(m_stage, 1);
+    m_screen->show();
+    m_client->installEventFilter(this);
+    connect(&m_skinWindow, &SkinWindow::shownChanged, this, &Player::showBars);
+    column->addWidget(m_client, 1);
     column->addWidget(m_bar);
     resize(kFirstSize);
 
@@ -158,12 +164,15 @@ void Player::SetStatus(const QString& text)
     UpdateInfo();
 }
 
+bool Player::HasMovie() const { return m_stage->currentWidget() == m_control; }
+
 void Player::UpdateInfo()
 {
-    const bool hasMovie = m_stage->currentWidget() == m_control;
+    const bool hasMovie = HasMovie();
     m_bar->show({m_status.statusText, hasMovie ? m_status.informationText : QString(), hasMovie,
                  hasMovie && m_control->Playing(), m_playback.isMuted(), m_control->FrameNum(),
                  m_control->TotalFrames()});
+    m_skinWindow.skin().runInfoUpdate();
 }
 
 void Player::setUpdateTimerEnabled(bool enabled) { enabled ? m_tmrUpdate.start() : m_tmrUpdate.stop(); }
@@ -185,8 +194,13 @@ void Player::ZoomFlash(int percent, quint8 repeats)
     // A maximised window keeps its place, as every program's does.
     if (isMaximized()) return;
     const int menuHeight = m_menus.bar().isVisibleTo(this) ? m_menus.bar().sizeHint().height() : 0;
-    const QMargins borders(0, menuHeight, 0, ControlBar::kHeight);
-    const QSize wanted = zoomedSize(percent, {mediaInfo().Width, mediaInfo().Height}, borders, kMinimumSize);
+    QMargins borders(0, menuHeight, 0, ControlBar::kHeight);
+    if (m_skinWindow.isShown()) {
+        // The skin has said where the movie lies; what is left around it stays as it is.
+        const QSize around = size() - m_screen->size();
+        borders = QMargins(0, 0, around.width(), around.height());
+    }
+    const QSize wanted = zoomedSize(percent, {mediaInfo().Width, mediaInfo().Height}, borders, minimumSize());
     // A window larger than the screen has its bar where nobody can reach it.
     const QSize room = screen()->availableVirtualSize();
     resize(wanted.boundedTo(room));
@@ -200,8 +214,9 @@ void Player::FullScreen(bool on)
     SetWindowFrame(!on);
     m_menus.setChecked("mnuFullScreen", on);
     m_menus.setChecked("mnuPopFullScreen", on);
-    m_bar->setVisible(!on);
-    m_menus.bar().setVisible(!on && m_menus.isChecked("mnuMenuBar"));
+    showBars();
+    if (m_skinWindow.skin().isLoaded()) m_skinWindow.skin().SetSkinView(on ? "viewFullScreen" : "viewNormal");
+    m_skinWindow.UpdateRegion(true);
     if (!wasShown) return;
     if (on) {
         fillScreen();
@@ -210,6 +225,13 @@ void Player::FullScreen(bool on)
         if (m_normalGeometry.isValid()) setGeometry(m_normalGeometry);
     }
     m_stage->currentWidget()->setFocus();
+}
+
+void Player::showBars()
+{
+    const bool full = isFullScreen();
+    m_bar->setVisible(!full && !m_skinWindow.isShown());
+    m_menus.bar().setVisible(!full && m_menus.isChecked("mnuMenuBar"));
 }
 
 void Player::fillScreen()
@@ -240,7 +262,37 @@ void Player::ToggleMenu()
 {
     const bool shown = !m_menus.isChecked("mnuMenuBar");
     m_menus.setChecked("mnuMenuBar", shown);
-    m_menus.bar().setVisible(shown && !isFullScreen());
+    showBars();
+    layout()->activate(); // the shape is that of the area without the menu
+    m_skinWindow.UpdateRegion(true);
+}
+
+void Player::MoveObject(QObject* control)
+{
+    auto* widget = qobject_cast<QWidget*>(control);
+    if (widget != nullptr && widget != this && isAncestorOf(widget)) m_drag.moveObject(*widget);
+}
+
+void Player::setMinimumWindowSize(QSize pixels)
+{
+    setMinimumSize(pixels.width() > 0 ? pixels.width() : kMinimumSize.width(),
+                   pixels.height() > 0 ? pixels.height() : kMinimumSize.height());
+}
+
+void Player::setWidth(double twips)
+{
+    resize(toPixels(twips) - (frameGeometry().width() - width()), height());
+}
+
+void Player::setHeight(double twips)
+{
+    resize(width(), toPixels(twips) - (frameGeometry().height() - height()));
+}
+
+void Player::setWindowStateNumber(int state)
+{
+    if (state == 1) return Minimize();
+    ZoomWindow(state == 2 ? 1 : 0);
 }
 
 void Player::setTopMost(bool on)
@@ -315,10 +367,10 @@ void Player::AddRecent(const QString& path)
 
 void Player::onMediaChange()
 {
-    // TODO: a skin's statement for a changed movie; without a skin the bar shows the first frame's figures at
-    // once.
+    // The first frame's figures are shown at once, not with the next tick.
     m_status.update(m_control->FrameNum(), m_control->TotalFrames(), mediaInfo().FrameRate);
     UpdateInfo();
+    m_skinWindow.skin().runMediaChange();
 }
 
 // ---- events
@@ -328,6 +380,10 @@ void Player::contextMenuEvent(QContextMenuEvent*) { ShowPopUp(); }
 
 bool Player::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == m_client) {
+        if (event->type() == QEvent::Resize) m_skinWindow.clientResized();
+        return false;
+    }
     // The movie has the keyboard, but for the key that leaves full screen.
     if (event->type() == QEvent::KeyPress && isFullScreen() &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {

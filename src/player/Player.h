@@ -4,7 +4,9 @@
 #include "media/MediaFiles.h"
 #include "player/Menus.h"
 #include "player/Playback.h"
+#include "player/SkinWindow.h"
 #include "player/Status.h"
+#include "player/WindowDrag.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -31,6 +33,23 @@ class WelcomePanel;
 class Player : public QWidget, public media::MediaHost, public core::ErrorHost
 {
     Q_OBJECT
+    // What scripts read and set. The window's own place and size are in twips, 15 to the pixel, its inner
+    // size is in pixels.
+    Q_PROPERTY(int ScaleWidth READ ScaleWidth)
+    Q_PROPERTY(int ScaleHeight READ ScaleHeight)
+    Q_PROPERTY(double Left READ Left WRITE setLeft)
+    Q_PROPERTY(double Top READ Top WRITE setTop)
+    Q_PROPERTY(double Width READ Width WRITE setWidth)
+    Q_PROPERTY(double Height READ Height WRITE setHeight)
+    Q_PROPERTY(int WindowState READ WindowState WRITE setWindowStateNumber)
+    Q_PROPERTY(QString Caption READ windowTitle WRITE SetCaption)
+    Q_PROPERTY(QString StatusText READ StatusText)
+    Q_PROPERTY(QString InfoText READ InfoText)
+    Q_PROPERTY(QString MediaTitle READ mediaTitle)
+    Q_PROPERTY(int TimeMode READ TimeMode)
+    Q_PROPERTY(int Volume READ Volume)
+    Q_PROPERTY(bool Muted READ Muted)
+    Q_PROPERTY(bool HasMovie READ HasMovie)
 public:
     /// @param application outlives the window
     /// @param commandLine the arguments as one text, quotes included; may be empty
@@ -67,9 +86,46 @@ public:
     /// 0: normal; 1: maximised; another: from normal to maximised, else to normal.
     Q_INVOKABLE void ZoomWindow(int mode);
     Q_INVOKABLE void Minimize() { showMinimized(); }
+    Q_INVOKABLE void MoveWindow() { m_drag.moveWindow(*this); }
+    Q_INVOKABLE void ResizeWindow() { m_drag.resizeWindow(*this); }
+    Q_INVOKABLE void MoveObject(QObject* control);
     Q_INVOKABLE void ToggleMenu();
     Q_INVOKABLE void ShowPopUp();
     void ShowDialog(QDialog& dialog) override;
+
+    // Skin
+    Q_INVOKABLE void EnumSkins() { m_skinWindow.EnumSkins(); }
+    Q_INVOKABLE void CreateSkin() { m_skinWindow.CreateSkin(); }
+    Q_INVOKABLE void UpdateSkin() { m_skinWindow.skin().UpdateSkin(); }
+    Q_INVOKABLE void LoadNewSkin() { m_skinWindow.LoadNewSkin(); }
+    Q_INVOKABLE void ShowWaitScreen() { m_skinWindow.ShowWaitScreen(); }
+    Q_INVOKABLE void HideWaitScreen() { m_skinWindow.HideWaitScreen(); }
+    Q_INVOKABLE void UpdateRegion(bool force) { m_skinWindow.UpdateRegion(force); }
+    Q_INVOKABLE QObject* PIC(int index) { return m_skinWindow.skin().control("PIC", index); }
+    Q_INVOKABLE QObject* LBL(int index) { return m_skinWindow.skin().control("LBL", index); }
+    [[nodiscard]] SkinWindow& skinWindow() { return m_skinWindow; }
+    /// What a skin allows; a size of 0 is the window's own.
+    void setMinimumWindowSize(QSize pixels);
+
+    [[nodiscard]] int ScaleWidth() const { return m_client->width(); }
+    [[nodiscard]] int ScaleHeight() const { return m_client->height(); }
+    [[nodiscard]] double Left() const { return x() * kTwipsPerPixel; }
+    [[nodiscard]] double Top() const { return y() * kTwipsPerPixel; }
+    [[nodiscard]] double Width() const { return frameGeometry().width() * kTwipsPerPixel; }
+    [[nodiscard]] double Height() const { return frameGeometry().height() * kTwipsPerPixel; }
+    void setLeft(double twips) { move(toPixels(twips), y()); }
+    void setTop(double twips) { move(x(), toPixels(twips)); }
+    void setWidth(double twips);
+    void setHeight(double twips);
+    /// 0 normal, 1 minimised, 2 maximised
+    [[nodiscard]] int WindowState() const { return isMinimized() ? 1 : isMaximized() ? 2 : 0; }
+    void setWindowStateNumber(int state);
+    [[nodiscard]] QString StatusText() const { return m_status.statusText; }
+    [[nodiscard]] QString InfoText() const { return HasMovie() ? m_status.informationText : QString(); }
+    [[nodiscard]] int TimeMode() const { return m_status.timeMode(); }
+    [[nodiscard]] int Volume() const { return m_playback.volume(); }
+    [[nodiscard]] bool Muted() const { return m_playback.isMuted(); }
+    [[nodiscard]] bool HasMovie() const;
 
     // Media
     Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption)
@@ -119,6 +175,8 @@ protected:
 
 private:
     static constexpr int kMostRecent = 5;
+    static constexpr double kTwipsPerPixel = 15;
+    static int toPixels(double twips) { return skin::SkinControl::whole(twips / kTwipsPerPixel); }
 
     void buildWindow();
     void connectMenus();
@@ -131,6 +189,8 @@ private:
     [[nodiscard]] bool askToEndScript();
     void openOutside(const QString& address);
     void fillScreen();
+    /// Shows menu bar and control bar as full screen, menu mark and skin ask.
+    void showBars();
     void SetWindowFrame(bool show);
     void setTopMost(bool on);
     void tmrUpdate_Timer();
@@ -145,6 +205,8 @@ private:
 
     core::Application& m_application;
     const QString m_commandLine;
+    QWidget* m_client;           ///< the inner area: what is left by menu bar and control bar
+    skin::SkinControl* m_screen; ///< the movie or the panel that stands for it; scripts know it as SWF
     flash::FlashControl* m_control;
     WelcomePanel* m_welcome;
     ControlBar* m_bar;
@@ -153,6 +215,8 @@ private:
     media::MediaFiles m_media;
     Playback m_playback;
     Status m_status;
+    SkinWindow m_skinWindow;
+    WindowDrag m_drag;
     QTimer m_tmrUpdate;
     QString m_savedCaption; ///< the caption while full screen keeps it aside
     QRect m_normalGeometry; ///< the window's place before it filled the screen

@@ -5,6 +5,7 @@
 #include "core/StartUp.h"
 #include "flash/FlashControl.h"
 #include "media/MovieBytes.h"
+#include "player/ControlBar.h"
 #include "player/WelcomePanel.h"
 
 #include <QApplication>
@@ -12,7 +13,9 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLabel>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -75,8 +78,8 @@ TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
     EXPECT_EQ(player.control().BGColor(), "0AB0FF");
     EXPECT_EQ(player.menus().item("mnuCompress").text(), "Сжать...");
     EXPECT_EQ(log().mid(log().indexOf(" :: Form Load") - 1),
-              (QStringList{"", " :: Form Load", "Flash 80018", "", " :: LoadFlash (", movie + ")... ",
-                           "Ordinary File", " ... ", "Ok", ""}));
+              (QStringList{"", " :: Form Load", "Flash 80018", "", " :: Enumerate Skins", "",
+                           " :: LoadFlash (", movie + ")... ", "Ordinary File", " ... ", "Ok", ""}));
 
     const QRect before = player.geometry();
     player.FullScreen(true);
@@ -87,6 +90,127 @@ TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
     player.FullScreen(false);
     EXPECT_EQ(player.windowTitle(), "Позже");
     EXPECT_EQ(player.geometry(), before);
+}
+
+class SkinnedWindow : public PlayerWindow
+{
+protected:
+    void putSkin(const QString& name, const QByteArray& xml, const QByteArray& script = {})
+    {
+        const QString skin = path("media/skins/" + name + '/');
+        QDir().mkpath(skin);
+        for (const auto& [file, bytes] :
+             {std::pair(QString("skin.xml"), xml), std::pair(QString("s.vbs"), script)}) {
+            QFile out(skin + file);
+            ASSERT_TRUE(out.open(QFile::WriteOnly));
+            out.write(bytes);
+        }
+    }
+    static QByteArray skinOf(const QByteArray& elements)
+    {
+        return "<THEME scriptFile='s.vbs' minWidth='200' minHeight='100'><VIEW name='viewNormal'>" +
+               elements + "</VIEW><VIEW name='viewFullScreen'/></THEME>";
+    }
+    static constexpr const char* kScript = "Sub onLoad : End Sub";
+};
+
+TEST_F(SkinnedWindow, HasItsOwnBarUnlessASkinDraws)
+{
+    const auto barOf = [](Player& player) { return player.findChild<ControlBar*>(); };
+    Player plain(application, {});
+    plain.Form_Load();
+    EXPECT_TRUE(barOf(plain)->isVisible());
+    EXPECT_FALSE(plain.menus().item("mnuSkin").isVisible());
+
+    putSkin("default", skinOf("<LABEL name='status' width='100'/>"), kScript);
+    Player player(application, {});
+    player.Form_Load();
+    EXPECT_FALSE(barOf(player)->isVisible());
+    EXPECT_TRUE(player.menus().isChecked("mnuSkinList0"));
+    EXPECT_EQ(player.minimumSize(), QSize(200, 100));
+    EXPECT_EQ(player.skinWindow().movie().parentWidget()->objectName(), "viewNormal");
+
+    player.FullScreen(true);
+    EXPECT_EQ(player.skinWindow().movie().parentWidget()->objectName(), "viewFullScreen");
+    EXPECT_EQ(player.skinWindow().movie().size(), player.size());
+    player.FullScreen(false);
+    EXPECT_EQ(player.skinWindow().movie().parentWidget()->objectName(), "viewNormal");
+}
+
+TEST_F(SkinnedWindow, SaysThatASkinIsBrokenAndStaysUsable)
+{
+    // A test that ended the program leaves a mark that would keep windows from opening.
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QApplication::exec();
+    putSkin("default", "<THEME>");
+    Player player(application, {});
+    QString said;
+    QTimer::singleShot(0, &player, [&said] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        said = box->text();
+        box->accept();
+    });
+    player.Form_Load();
+    EXPECT_EQ(said, "Файл описания шкурки содержит синтаксические ошибки. Попробуйте открыть файл \"" +
+                        path("media/skins/default/skin.xml") + "\" в браузере, чтобы узнать причину.");
+    EXPECT_TRUE(player.findChild<ControlBar*>()->isVisible());
+
+    putSkin("default", skinOf({}), kScript);
+    player.menus().item("mnuUpdSkin").trigger();
+    EXPECT_FALSE(player.findChild<ControlBar*>()->isVisible());
+}
+
+TEST_F(SkinnedWindow, TakesTheShapeOfItsSkinWithoutTheMenuBar)
+{
+    const QString base = path("media/skins/default/base/");
+    QDir().mkpath(base);
+    QImage image(50, 40, QImage::Format_RGB32);
+    image.fill(qRgb(255, 0, 255));
+    ASSERT_TRUE(image.save(base + "m.bmp"));
+    putSkin("default",
+            skinOf("<SUBVIEW name='m' width='50' height='40' image='m.bmp' windowMask='#FF00FF'/>"), kScript);
+    Player player(application, {});
+    player.Form_Load();
+    EXPECT_TRUE(player.mask().isEmpty()) << "with the menu bar the window is a rectangle";
+    player.ToggleMenu();
+    EXPECT_TRUE(player.windowFlags().testFlag(Qt::FramelessWindowHint));
+    EXPECT_EQ(player.mask(), QRegion(player.rect()) - QRegion(0, 0, 50, 40));
+    player.resize(player.width() + 30, player.height());
+    EXPECT_EQ(player.mask(), QRegion(player.rect()) - QRegion(0, 0, 50, 40));
+    player.FullScreen(true);
+    EXPECT_TRUE(player.mask().isEmpty());
+    player.FullScreen(false);
+    EXPECT_FALSE(player.mask().isEmpty());
+    player.ToggleMenu();
+    EXPECT_TRUE(player.mask().isEmpty());
+    EXPECT_FALSE(player.windowFlags().testFlag(Qt::FramelessWindowHint));
+}
+
+TEST_F(SkinnedWindow, SwitchesSkinsFromTheirOwnScripts)
+{
+    for (const char* name : {"default", "other"})
+        putSkin(name, skinOf("<BUTTON name='b' width='20' height='20' onClick='Other'/>"),
+                "Sub onLoad : End Sub\r\nSub Other\r\nIf Player.mnuSkinList0.Checked Then "
+                "Player.mnuSkinList1.Click Else Player.mnuSkinList0.Click\r\nEnd Sub");
+    Player player(application, '"' + movie + '"');
+    player.Form_Load();
+    constexpr int kSwitches = 20;
+    for (int i = 0; i < kSwitches; ++i) {
+        const QString before = player.skinWindow().selectedSkin();
+        auto* button = qobject_cast<QWidget*>(player.PIC(2));
+        ASSERT_NE(button, nullptr);
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent event(type, {5, 5}, button->mapToGlobal(QPointF(5, 5)), Qt::LeftButton,
+                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {});
+            QApplication::sendEvent(button, &event);
+        }
+        EXPECT_NE(player.skinWindow().selectedSkin(), before);
+        EXPECT_NE(player.menus().isChecked("mnuSkinList0"), player.menus().isChecked("mnuSkinList1"));
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    EXPECT_EQ(player.findChildren<skin::SkinPicture*>().size(), 3) << "nothing of the skins before is left";
+    EXPECT_EQ(player.control().TotalFrames(), 300) << "the movie has survived";
 }
 
 TEST_F(PlayerWindow, FindsAFileRelativeToWhereItWasStarted)

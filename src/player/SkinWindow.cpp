@@ -1,0 +1,249 @@
+#include "player/SkinWindow.h"
+
+#include "core/Application.h"
+#include "core/ErrorReport.h"
+#include "core/Version.h"
+#include "flash/FlashControl.h"
+#include "player/Menus.h"
+#include "player/Player.h"
+#include "player/Texts.h"
+#include "skin/Catalogue.h"
+#include "skin/Texts.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace player
+{
+namespace
+{
+
+/// What a skin may ask for at most, so that its window still fits on a screen.
+constexpr int kLargestMinimum = 2048;
+const QRegion kNothing(-1, -1, 1, 1);
+
+} // namespace
+
+MenuItem::MenuItem(QAction& action) : QObject(&action), m_action(action) {}
+QString MenuItem::Caption() const { return m_action.text(); }
+void MenuItem::setCaption(const QString& caption) { m_action.setText(caption); }
+bool MenuItem::Checked() const { return m_action.isChecked(); }
+void MenuItem::setChecked(bool checked) { m_action.setChecked(checked); }
+bool MenuItem::Enabled() const { return m_action.isEnabled(); }
+void MenuItem::setEnabled(bool enabled) { m_action.setEnabled(enabled); }
+bool MenuItem::Visible() const { return m_action.isVisible(); }
+void MenuItem::setVisible(bool visible) { m_action.setVisible(visible); }
+void MenuItem::Click() { m_action.trigger(); }
+
+SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& menus, QWidget& client,
+                       skin::SkinControl& movie, flash::FlashControl& control)
+    : m_application(application), m_window(window), m_menus(menus), m_client(client), m_movie(movie),
+      m_waitScreen(new skin::WaitScreen(&client)), m_skin(*this, this)
+{
+    skin::ScriptObjects& objects = m_skin.bridge().objects();
+    objects.add(&movie, &control, {}, "ShockwaveFlash");
+    m_skin.bridge().setPlayerObject(objects.add(
+        &window, nullptr,
+        [this](const QString& name) -> QObject* {
+            if (name == "swf") return &m_movie;
+            if (const auto known = m_items.constFind(name); known != m_items.cend()) return *known;
+            QAction* action = m_menus.find(name);
+            return action == nullptr ? nullptr : *m_items.insert(name, new MenuItem(*action));
+        },
+        "Player"));
+    connect(qApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) { m_skin.setActive(state == Qt::ApplicationActive); });
+    m_menus.item("mnuSkin").setVisible(false);
+    m_menus.item("mnuSep8").setVisible(false);
+}
+
+// ---- the catalogue
+
+void SkinWindow::EnumSkins()
+{
+    log({});
+    log(" :: Enumerate Skins");
+    m_skins = skin::listSkins(m_application.SkinsPath);
+    m_folder = skin::skinFolder(m_application.SkinsPath, m_skins, m_selected);
+    for (int i = 0; i < m_skins.size(); ++i) {
+        const QString name = QString("mnuSkinList%1").arg(i);
+        const bool isNew = m_menus.find(name) == nullptr || i == 0;
+        QAction& item = m_menus.addCheck("mnuSkin", name);
+        item.setText(QString(m_skins[i]).replace('&', "&&"));
+        item.setData(m_skins[i]);
+        item.setVisible(true);
+        item.setChecked(m_skins[i].compare(m_selected, Qt::CaseInsensitive) == 0);
+        if (isNew && item.property("connected").isNull()) {
+            item.setProperty("connected", true);
+            m_menus.connectItem(name, [this, i] { mnuSkinList_Click(i); });
+        }
+    }
+    for (int i = static_cast<int>(m_skins.size());; ++i) {
+        QAction* gone = m_menus.find(QString("mnuSkinList%1").arg(i));
+        if (gone == nullptr) break;
+        gone->setVisible(false);
+    }
+    m_menus.item("mnuSkin").setVisible(!m_skins.isEmpty());
+    m_menus.item("mnuSep8").setVisible(!m_skins.isEmpty());
+}
+
+void SkinWindow::mnuSkinList_Click(int index)
+{
+    if (index < 0 || index >= m_skins.size()) return;
+    for (int i = 0; i < m_skins.size(); ++i) m_menus.setChecked(QString("mnuSkinList%1").arg(i), i == index);
+    m_selected = m_skins[index];
+    m_folder = m_application.SkinsPath + m_selected + '/';
+    LoadNewSkin();
+}
+
+void SkinWindow::CreateSkin()
+{
+    // A folder without any skin is no mistake: the window has its own bar.
+    if (m_skins.isEmpty()) return;
+    const bool loaded = m_skin.LoadSkin(m_folder + "skin.xml");
+    emit shownChanged();
+    UpdateRegion(true);
+    if (loaded) return;
+    QMessageBox::warning(&m_window, core::kProductName,
+                         skin::texts::kBrokenStart + ('"' + m_folder + "skin.xml" + '"') +
+                             skin::texts::kBrokenEnd);
+}
+
+void SkinWindow::LoadNewSkin()
+{
+    if (m_skin.isBusy()) {
+        // Asked for by the skin's own expressions: it has to be finished before it can go.
+        QTimer::singleShot(0, this, [this] { LoadNewSkin(); });
+        return;
+    }
+    ShowWaitScreen();
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    m_skin.UnloadSkin();
+    setMinimumWindowSize({});
+    CreateSkin();
+    m_skin.UpdateSkin();
+    clientResized();
+    HideWaitScreen();
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+// ---- shape and frame
+
+void SkinWindow::UpdateRegion(bool force)
+{
+    if (isFullScreen()) return setShape({});
+    if (!m_skin.isShown() || m_menus.isChecked("mnuMenuBar")) {
+        if (!force && m_skin.isShown()) return;
+        setShape({});
+        setFrameless(false);
+        return;
+    }
+    setFrameless(true);
+    const QSize inner = m_client.size();
+    QRegion shape = skin::windowShape(inner, m_skin.masks());
+    if (shape == QRegion(QRect(QPoint(0, 0), inner))) return setShape({});
+    shape.translate(m_client.pos());
+    setShape(shape.isEmpty() ? kNothing : shape);
+}
+
+void SkinWindow::setShape(const QRegion& shape)
+{
+    if (shape == m_window.mask()) return;
+    shape.isEmpty() ? m_window.clearMask() : m_window.setMask(shape);
+}
+
+void SkinWindow::setFrameless(bool frameless)
+{
+    if (m_frameless == frameless) return;
+    m_frameless = frameless;
+    const bool shown = m_window.isVisible();
+    const QRect place = m_window.geometry();
+    m_window.setWindowFlag(Qt::FramelessWindowHint, frameless);
+    if (!shown) return;
+    m_window.setGeometry(place);
+    m_window.show(); // changing the flag hides the window
+}
+
+void SkinWindow::clientResized()
+{
+    if (m_waitScreen->isVisible()) m_waitScreen->setGeometry(m_client.rect());
+    if (m_movie.parentWidget() == &m_client) m_movie.setGeometry(m_client.rect());
+    m_skin.UpdateSkin();
+}
+
+// ---- what skins ask
+
+QWidget& SkinWindow::window() { return m_window; }
+bool SkinWindow::isFullScreen() const { return m_window.isFullScreen(); }
+
+void SkinWindow::setMinimumWindowSize(QSize pixels)
+{
+    m_window.setMinimumWindowSize(pixels.expandedTo({0, 0}).boundedTo({kLargestMinimum, kLargestMinimum}));
+}
+
+void SkinWindow::ShowPopUp() { m_window.ShowPopUp(); }
+void SkinWindow::activateProgram() { m_window.activateWindow(); }
+bool SkinWindow::isDeveloperMode() const { return !m_application.RunningCompiled; }
+
+void SkinWindow::log(const QString& text)
+{
+    try {
+        m_application.LogEvent(text);
+    } catch (const base::Failure&) {
+        // A skin goes on without a journal.
+    }
+}
+
+void SkinWindow::logError(const base::Failure& error, const QString& place, const QString& detail)
+{
+    try {
+        core::LogError(m_application, error, place, detail);
+    } catch (const base::Failure&) {
+        // A skin goes on without a journal.
+    }
+}
+
+int SkinWindow::messageBox(const std::u16string& text, int buttons, const std::u16string& title)
+{
+    struct Answer {
+        QMessageBox::StandardButton button;
+        int code;
+    };
+    static constexpr Answer kAnswers[] = {
+        {QMessageBox::Ok, 1},     {QMessageBox::Cancel, 2}, {QMessageBox::Abort, 3}, {QMessageBox::Retry, 4},
+        {QMessageBox::Ignore, 5}, {QMessageBox::Yes, 6},    {QMessageBox::No, 7}};
+    static constexpr QMessageBox::StandardButtons kSets[] = {
+        QMessageBox::Ok,
+        QMessageBox::Ok | QMessageBox::Cancel,
+        QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore,
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
+        QMessageBox::Yes | QMessageBox::No,
+        QMessageBox::Retry | QMessageBox::Cancel};
+    const int set = std::clamp(buttons & 7, 0, static_cast<int>(std::size(kSets)) - 1);
+    const int icon = std::clamp(buttons >> 4 & 7, 0, 4);
+    constexpr QMessageBox::Icon kIcons[] = {QMessageBox::NoIcon, QMessageBox::Critical, QMessageBox::Question,
+                                            QMessageBox::Warning, QMessageBox::Information};
+    QMessageBox box(kIcons[icon],
+                    title.empty() ? QString(core::kProductName) : QString::fromStdU16String(title),
+                    QString::fromStdU16String(text), kSets[set], &m_window);
+    const int pressed = box.exec();
+    for (const Answer& answer : kAnswers)
+        if (answer.button == pressed) return answer.code;
+    return 2;
+}
+
+std::optional<std::u16string> SkinWindow::inputBox(const std::u16string& text, const std::u16string& title,
+                                                   const std::u16string& preset)
+{
+    bool accepted = false;
+    const QString answer = QInputDialog::getText(
+        &m_window, title.empty() ? QString(core::kProductName) : QString::fromStdU16String(title),
+        QString::fromStdU16String(text), QLineEdit::Normal, QString::fromStdU16String(preset), &accepted);
+    return accepted ? std::optional(answer.toStdU16String()) : std::nullopt;
+}
+
+} // namespace player

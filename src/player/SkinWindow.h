@@ -1,0 +1,117 @@
+#pragma once
+
+#include "skin/Skin.h"
+#include "skin/WaitScreen.h"
+
+#include <QObject>
+
+namespace core
+{
+class Application;
+}
+namespace flash
+{
+class FlashControl;
+}
+
+namespace player
+{
+
+class Player;
+class Menus;
+
+/// A menu item as scripts know it.
+class MenuItem : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
+    Q_PROPERTY(bool Checked READ Checked WRITE setChecked)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
+    Q_PROPERTY(bool Visible READ Visible WRITE setVisible)
+
+public:
+    explicit MenuItem(QAction& action);
+    [[nodiscard]] QString Caption() const;
+    void setCaption(const QString& caption);
+    [[nodiscard]] bool Checked() const;
+    void setChecked(bool checked);
+    [[nodiscard]] bool Enabled() const;
+    void setEnabled(bool enabled);
+    [[nodiscard]] bool Visible() const;
+    void setVisible(bool visible);
+    /// Does what choosing the item does.
+    Q_INVOKABLE void Click();
+
+private:
+    QAction& m_action; // owns this
+};
+
+/// The window's side of its skin: the catalogue in the menu, switching, shape and frame, and what skins ask.
+class SkinWindow : public QObject, public skin::SkinHost, public script::Host
+{
+    Q_OBJECT
+public:
+    /// All outlive this object.
+    /// @param client the area that views fill
+    /// @param movie  what moves from view to view; scripts know it as SWF
+    /// @param control the members of SWF that are the movie's
+    SkinWindow(core::Application& application, Player& window, Menus& menus, QWidget& client,
+               skin::SkinControl& movie, flash::FlashControl& control);
+
+    [[nodiscard]] skin::Skin& skin() { return m_skin; }
+    [[nodiscard]] bool isShown() const { return m_skin.isShown(); }
+
+    [[nodiscard]] const QString& selectedSkin() const { return m_selected; }
+    /// Takes effect with EnumSkins.
+    void selectSkin(const QString& name) { m_selected = name; }
+
+    void EnumSkins();
+    /// Builds the skin of the chosen folder; says so when that cannot be done. Without any skin installed the
+    /// window stays as it is.
+    void CreateSkin();
+    void LoadNewSkin();
+    void mnuSkinList_Click(int index);
+    void ShowWaitScreen() { m_waitScreen->ShowWaitScreen(); }
+    void HideWaitScreen() { m_waitScreen->HideWaitScreen(); }
+    void UpdateRegion(bool force) override;
+    /// Fits the movie, or the skin, into the area's new size.
+    void clientResized();
+
+    QWidget& clientArea() override { return m_client; }
+    QWidget& movie() override { return m_movie; }
+    QWidget& window() override;
+    [[nodiscard]] bool isFullScreen() const override;
+    void setMinimumWindowSize(QSize pixels) override;
+    void ShowPopUp() override;
+    void activateProgram() override;
+    [[nodiscard]] bool isDeveloperMode() const override;
+    void log(const QString& text) override;
+    void logError(const base::Failure& error, const QString& place, const QString& detail) override;
+
+    int messageBox(const std::u16string& text, int buttons, const std::u16string& title) override;
+    std::optional<std::u16string> inputBox(const std::u16string& text, const std::u16string& title,
+                                           const std::u16string& preset) override;
+
+signals:
+    /// A skin has come or gone: the window's own bar goes or comes.
+    void shownChanged();
+
+private:
+    void setFrameless(bool frameless);
+    void setShape(const QRegion& shape);
+
+    core::Application& m_application;
+    Player& m_window;
+    Menus& m_menus;
+    QWidget& m_client;
+    skin::SkinControl& m_movie;
+    skin::WaitScreen* m_waitScreen;
+    skin::Skin m_skin;
+    QStringList m_skins;
+    QString m_selected = "default";
+    QString m_folder; ///< of the chosen skin, with its closing separator
+    QHash<QString, QObject*> m_items;
+    bool m_frameless = false;
+};
+
+} // namespace player
