@@ -15,7 +15,7 @@ trace("types " + typeof 1 + " " + typeof "" + " " + typeof true + " " + typeof n
       " " + typeof {} + " " + typeof this + " " + typeof trace2 + " " + typeof function() {});
 function f() { local = 5; var own = 6; }
 f(); trace("scope " + local + " " + typeof own);
-var list = [1, , 3]; trace("list " + list.length + " " + list);
+var list = [1, , 3]; trace("list " + list.length + " " + typeof list[1]);
 trace("division " + 1 / 0 + " " + -1 / 0 + " " + 0 / 0 + " " + 7 % 3 + " " + -7 % 3 + " " + 5.5 % 2);
 trace("bits " + (1 << 31) + " " + (-1 >>> 28) + " " + (-8 >> 1) + " " + (~5) + " " + (6 & 3 | 8 ^ 1) + " " + (4294967297 | 0));
 trace("objects " + {} + " " + this); trace(f);
