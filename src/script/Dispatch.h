@@ -67,6 +67,13 @@ public:
     /// arguments,
     ///         13 for an argument of a wrong type, and whatever the member itself reports
     virtual Result<Value> invoke(MemberId member, Access access, Arguments arguments) = 0;
+    /// What scripts call: the same for a locale (1033, 1049), in which an object that converts between texts
+    /// and numbers reads and writes them.
+    virtual Result<Value> invokeIn([[maybe_unused]] int locale, MemberId member, Access access,
+                                   Arguments arguments)
+    {
+        return invoke(member, access, arguments);
+    }
     /// @returns null when the object is no collection
     [[nodiscard]] virtual Ref<Enumerator> enumerate() { return nullptr; }
     /// Objects that answer the same non-null address answer the same ids to the same names for as long as

@@ -1,5 +1,7 @@
 #include "script/QtDispatch.h"
 
+#include "script/vbscript/Convert.h"
+
 #include <QDateTime>
 #include <QMetaMethod>
 #include <QMetaProperty>
@@ -13,6 +15,7 @@ namespace script
 namespace
 {
 
+constexpr int kOverflow = 6;
 constexpr int kTypeMismatch = 13;
 constexpr int kObjectNotSet = 91;
 constexpr int kNoSuchMember = 438;
@@ -139,14 +142,49 @@ Result<Value> valueFromVariant(const QVariant& variant)
 namespace
 {
 
-// Empty stands for the neutral value of any type.
-bool convertTo(QVariant& value, QMetaType type)
+// Whole numbers beyond 32 bits pass through Double, as they do in scripts.
+Result<QVariant> wholeNumber(const Value& value, const vbscript::Locale& locale)
 {
-    if (!value.isValid()) {
-        value = QVariant(type);
-        return true;
+    const double number = vbscript::roundHalfEven(TRY_RESULT(vbscript::toDouble(value, locale)));
+    constexpr double kLimit = 9.2e18;
+    if (!(std::fabs(number) < kLimit)) return fault(kOverflow);
+    return QVariant(static_cast<qlonglong>(number));
+}
+
+Result<QVariant> convertedByScriptRules(const Value& value, QMetaType type, const vbscript::Locale& locale)
+{
+    switch (type.id()) {
+    case QMetaType::Bool: return QVariant(TRY_RESULT(vbscript::toBoolean(value, locale)));
+    case QMetaType::Float:
+    case QMetaType::Double: return QVariant(TRY_RESULT(vbscript::toDouble(value, locale)));
+    case QMetaType::UChar:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong: return wholeNumber(value, locale);
+    case QMetaType::QString: return QVariant(text(TRY_RESULT(vbscript::toText(value, locale))));
+    default: return variantFromValue(value);
     }
-    return value.metaType() == type || value.convert(type);
+}
+
+// Empty and Null stand for the neutral value of any type.
+Result<QVariant> converted(const Value& value, QMetaType type, int localeId)
+{
+    if (value.isEmpty() || value.isNull()) return QVariant(type);
+    const vbscript::Locale* locale = vbscript::Locale::byId(localeId);
+    QVariant result =
+        TRY_RESULT(convertedByScriptRules(value, type, locale ? *locale : vbscript::Locale::english()));
+    if (result.metaType() == type) return result;
+    const bool isWhole = result.typeId() == QMetaType::LongLong;
+    const qlonglong number = isWhole ? result.toLongLong() : 0;
+    if (!result.convert(type)) return fault(kTypeMismatch);
+    // Qt cuts a number that does not fit.
+    if (isWhole && result.toLongLong() != number) return fault(kOverflow);
+    return result;
 }
 
 } // namespace
@@ -179,12 +217,17 @@ std::optional<Dispatch::MemberId> QtDispatch::memberId(std::u16string_view name)
 
 Result<Value> QtDispatch::invoke(MemberId member, Access access, Arguments arguments)
 {
+    return invokeIn(vbscript::Locale::english().id, member, access, arguments);
+}
+
+Result<Value> QtDispatch::invokeIn(int locale, MemberId member, Access access, Arguments arguments)
+{
     if (!m_object) return fault(kObjectNotSet);
     const bool puts = access == Access::Put || access == Access::PutRef;
     if (member == kDefaultMember) return fault(kNoSuchMember);
     if (member % kIdsPerMember == 0) {
         if (puts) return fault(kNoSuchMember);
-        return call(m_class->method(member / kIdsPerMember - 1).name(), arguments);
+        return call(locale, m_class->method(member / kIdsPerMember - 1).name(), arguments);
     }
     const QMetaProperty property = m_class->property(member / kIdsPerMember);
     if (!puts) {
@@ -202,16 +245,16 @@ Result<Value> QtDispatch::invoke(MemberId member, Access access, Arguments argum
     }
     if (arguments.size() != 1) return fault(kWrongArguments);
     if (!property.isWritable()) return fault(kNoSuchMember);
-    QVariant value = TRY_RESULT(variantFromValue(arguments[0]));
-    const bool convertible = property.metaType().id() == QMetaType::QVariant || property.isEnumType() ||
-                             convertTo(value, property.metaType());
-    if (!convertible || !property.write(m_object, value)) return fault(kTypeMismatch);
+    const bool asItIs = property.metaType().id() == QMetaType::QVariant || property.isEnumType();
+    const QVariant value = TRY_RESULT(asItIs ? variantFromValue(arguments[0])
+                                             : converted(arguments[0], property.metaType(), locale));
+    if (!property.write(m_object, value)) return fault(kTypeMismatch);
     return Value();
 }
 
 // Of the methods of that name the first one, from the most derived class on, whose parameters take the
 // arguments.
-Result<Value> QtDispatch::call(const QByteArray& name, Arguments arguments)
+Result<Value> QtDispatch::call(int locale, const QByteArray& name, Arguments arguments)
 {
     bool countFits = false;
     for (int i = m_class->methodCount() - 1; i >= 0; --i) {
@@ -225,16 +268,15 @@ Result<Value> QtDispatch::call(const QByteArray& name, Arguments arguments)
         bool converts = true;
         for (int k = 0; k < count && converts; ++k) {
             const auto index = static_cast<std::size_t>(k);
-            auto value = variantFromValue(arguments[index]);
-            if (!value) return fault(kTypeMismatch);
-            values[index] = *value;
             const QMetaType type = method.parameterMetaType(k);
-            if (type.id() == QMetaType::QVariant) {
-                generic[index] = QGenericArgument("QVariant", &values[index]);
-                continue;
-            }
-            converts = convertTo(values[index], type);
-            generic[index] = QGenericArgument(type.name(), values[index].constData());
+            const bool asItIs = type.id() == QMetaType::QVariant;
+            auto value =
+                asItIs ? variantFromValue(arguments[index]) : converted(arguments[index], type, locale);
+            converts = value.has_value();
+            if (!converts) break;
+            values[index] = std::move(*value);
+            generic[index] = asItIs ? QGenericArgument("QVariant", &values[index])
+                                    : QGenericArgument(type.name(), values[index].constData());
         }
         if (!converts) continue;
         const QMetaType type = method.returnMetaType();

@@ -11,7 +11,8 @@ namespace script
 
 /// Shows a QObject to scripts: its properties, signals apart its invokable methods and public slots, by name
 /// without regard to case. Arguments convert to the parameters' types; those with default values may be left
-/// out (the meta-object lists such a method once for each number of arguments). Values of the kinds below
+/// out (the meta-object lists such a method once for each number of arguments). Texts and numbers convert by
+/// the rules of scripts, in the calling script's locale. Values of the kinds below
 /// cross the border: numbers, bool, QString, QDateTime, QVariantList (an array), QObject* (shown the same
 /// way).
 ///
@@ -25,12 +26,14 @@ public:
 
     [[nodiscard]] std::u16string typeName() const override { return m_typeName; }
     [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view name) const override;
+    /// As in English.
     Result<Value> invoke(MemberId member, Access access, Arguments arguments) override;
+    Result<Value> invokeIn(int locale, MemberId member, Access access, Arguments arguments) override;
     [[nodiscard]] const void* layout() const override;
     [[nodiscard]] QObject* object() const { return m_object; }
 
 private:
-    Result<Value> call(const QByteArray& name, Arguments arguments);
+    Result<Value> call(int locale, const QByteArray& name, Arguments arguments);
 
     QPointer<QObject> m_object;
     const QMetaObject* m_class; // static data

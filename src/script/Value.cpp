@@ -4,6 +4,7 @@
 #include "script/Dispatch.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -79,6 +80,21 @@ Value Value::string(std::u16string_view text)
     result.m_buffer = StringBuffer::create(text.size());
     result.m_buffer->used = result.m_extra;
     std::memcpy(result.m_buffer->data(), text.data(), text.size() * sizeof(char16_t));
+    return result;
+}
+
+Value Value::byteString(std::string_view bytes)
+{
+    static_assert(std::endian::native == std::endian::little, "characters lie in memory lower byte first");
+    bytes = bytes.substr(0, kMaxStringLength * sizeof(char16_t));
+    const std::size_t whole = bytes.size() / sizeof(char16_t);
+    Value result(VarType::String, static_cast<std::uint32_t>(whole), 0);
+    result.m_buffer = nullptr;
+    if (bytes.empty()) return result;
+    const bool odd = bytes.size() % sizeof(char16_t) != 0;
+    result.m_buffer = StringBuffer::create(whole + (odd ? 1 : 0));
+    result.m_buffer->used = odd ? StringBuffer::kOddByte : result.m_extra;
+    std::memcpy(result.m_buffer->data(), bytes.data(), bytes.size());
     return result;
 }
 

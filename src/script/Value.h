@@ -127,6 +127,9 @@ struct HeapUse {
 /// Characters that several strings share. Only its end grows: a string that ends where the buffer ends may be
 /// appended to in place while older strings keep seeing their own shorter part. That makes s = s & t linear.
 struct StringBuffer {
+    /// In `used`: behind the characters stands half a one, a byte. Such a buffer never grows in place.
+    static constexpr std::uint32_t kOddByte = UINT32_MAX;
+
     std::uint32_t references;
     std::uint32_t used;
     std::uint32_t capacity;
@@ -201,6 +204,9 @@ public:
     /// @param text UTF-16, at most kMaxStringLength characters (cut there)
     static Value string(std::u16string_view text);
     static Value utf8(std::string_view text);
+    /// A string out of bytes, two to the character and the lower one first. An odd byte at the end is kept
+    /// for byteText and lost to everything that works with characters.
+    static Value byteString(std::string_view bytes);
     /// @param object null for Nothing
     static Value object(Dispatch* object);
     static Value array(Array* array);
@@ -230,6 +236,13 @@ public:
     [[nodiscard]] std::u16string_view text() const
     {
         return m_buffer ? std::u16string_view(m_buffer->data(), m_extra) : std::u16string_view();
+    }
+    [[nodiscard]] bool hasOddByte() const { return m_buffer && m_buffer->used == StringBuffer::kOddByte; }
+    [[nodiscard]] std::string_view byteText() const
+    {
+        if (!m_buffer) return {};
+        return {reinterpret_cast<const char*>(m_buffer->data()),
+                m_extra * sizeof(char16_t) + (hasOddByte() ? 1 : 0)};
     }
     [[nodiscard]] std::string utf8Text() const;
     [[nodiscard]] Dispatch* asObject() const { return m_object; }

@@ -13,6 +13,7 @@ class Window : public QObject
     Q_PROPERTY(QString Caption MEMBER caption)
     Q_PROPERTY(bool Visible MEMBER visible)
     Q_PROPERTY(double Ratio READ ratio)
+    Q_PROPERTY(double Zoom MEMBER zoom)
     Q_PROPERTY(QObject* Child MEMBER child)
     Q_PROPERTY(QVariantList Names MEMBER names)
 
@@ -20,11 +21,13 @@ public:
     double ratio() const { return 1.5; }
     Q_INVOKABLE QString FitText(const QString& text, int width = 3) { return text.left(width); }
     Q_INVOKABLE int Add(int a, int b) { return a + b; }
+    Q_INVOKABLE double Half(double number) { return number / 2; }
     Q_INVOKABLE QVariant Same(const QVariant& value) { return value; }
     Q_INVOKABLE void MoveObject(QObject* object) { moved = object; }
 
     int scaleWidth = 640;
     QString caption;
+    double zoom = 1;
     bool visible = true;
     QObject* child = nullptr;
     QObject* moved = nullptr;
@@ -74,6 +77,29 @@ TEST_F(QtDispatchTest, CallsMethodsWithConversionAndDefaults)
     EXPECT_EQ(value(u"TypeName(Same(#1/2/2024#)) & Same(#1/2/2024 3:04:05 PM#)"), u"Date1/2/2024 3:04:05 PM");
     EXPECT_EQ(failure(u"Player.MoveObject Player"), 0);
     EXPECT_EQ(window.moved, &window);
+}
+
+TEST_F(QtDispatchTest, ConvertsAsTheScriptsLocaleWrites)
+{
+    EXPECT_EQ(failure(u"Zoom = \"1.5\" : Caption = 2.5"), 0);
+    EXPECT_EQ(window.zoom, 1.5);
+    EXPECT_EQ(window.caption, QStringLiteral("2.5"));
+    EXPECT_EQ(failure(u"SetLocale 1049 : Zoom = \"2,5\" : Caption = 2.5"), 0);
+    EXPECT_EQ(window.zoom, 2.5);
+    EXPECT_EQ(window.caption, QStringLiteral("2,5"));
+    EXPECT_EQ(value(u"Half(\"1 000,5\")"), u"500,25");
+    EXPECT_EQ(value(u"Half(CCur(3))"), u"1,5");
+    EXPECT_EQ(failure(u"Zoom = \"1.5.\""), 13);
+    // Halves round to the even neighbour and texts of logical values count, as anywhere in the language.
+    EXPECT_EQ(failure(u"ScaleWidth = 2.5 : Visible = \"False\""), 0);
+    EXPECT_EQ(window.scaleWidth, 2);
+    EXPECT_FALSE(window.visible);
+    EXPECT_EQ(failure(u"ScaleWidth = \"3,5\""), 0);
+    EXPECT_EQ(window.scaleWidth, 4);
+    EXPECT_EQ(failure(u"ScaleWidth = 3000000000"), 6);
+    EXPECT_EQ(window.scaleWidth, 4);
+    EXPECT_EQ(failure(u"ScaleWidth = Empty"), 0);
+    EXPECT_EQ(window.scaleWidth, 0);
 }
 
 TEST_F(QtDispatchTest, ReportsWhatIsWrong)

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
 namespace script
 {
 
@@ -140,6 +143,127 @@ TEST(ScriptControl, RunsStatementsFromInsideACallOfTheHost)
     // A host that calls back without end is stopped before the native stack is.
     EXPECT_FALSE(control.executeStatement(u"Again"));
     EXPECT_EQ(control.error().number, 28);
+}
+
+// A window has a Left, and so has the language.
+TEST(ScriptControl, GivesMembersWhatTheFunctionOfTheirNameCannotTake)
+{
+    ScriptControl control;
+    int left = 30;
+    const auto player = make<HostObject>(u"Player");
+    player->property(
+        u"Left", [&]() -> Result<Value> { return Value::longInteger(left); },
+        [&](const Value& value) -> Result<void> {
+            left = value.whole();
+            return {};
+        });
+    control.addObject(u"Player", *player, true);
+    EXPECT_EQ(evaluated(control, u"Left + 10"), u"40");
+    EXPECT_EQ(evaluated(control, u"Left(\"abc\", 1) & Left"), u"a30");
+    EXPECT_TRUE(control.executeStatement(u"Left = Left + 5"));
+    EXPECT_EQ(left, 35);
+    ASSERT_TRUE(control.addCode(
+        u"Sub Move : Left = Left * 2 : x = Left(\"abc\", 2) : Left = Left + Len(x) : End Sub"));
+    EXPECT_TRUE(control.executeStatement(u"Move"));
+    EXPECT_EQ(left, 72);
+    // Without such a member the function is meant and complains.
+    EXPECT_FALSE(control.executeStatement(u"x = Right"));
+    EXPECT_EQ(control.error().number, 450);
+    EXPECT_FALSE(control.executeStatement(u"Right = 1"));
+    EXPECT_EQ(control.error().number, 501);
+    // A variable of the script hides both.
+    ASSERT_TRUE(control.executeStatement(u"Dim Left : Left = 1"));
+    EXPECT_EQ(left, 72);
+}
+
+// What Class_Terminate calls when the engine ends finds the host as it was.
+TEST(ScriptControl, ReachesTheHostWhileTheEngineEnds)
+{
+    auto control = std::make_unique<ScriptControl>();
+    std::vector<std::u16string> notes;
+    const auto player = make<HostObject>(u"Player");
+    player->method(u"Note", [&](Arguments arguments) -> Result<Value> {
+        notes.emplace_back(arguments[0].text());
+        // The host may turn to the control at this very moment, which has a new engine already.
+        if (control) static_cast<void>(control->executeStatement(u"mark = 1"));
+        return Value();
+    });
+    const auto fill = [&] {
+        control->addObject(u"Player", *player, true);
+        ASSERT_TRUE(control->addCode(
+            u"Dim made, late\nClass Loud : Public Other\n"
+            u"Private Sub Class_Terminate\n Note TypeName(Player)\n"
+            u" If Not made Then made = True : Set late = New Loud\n Player.Note \"end\"\nEnd Sub\nEnd Class\n"
+            u"Set a = New Loud : Set a.Other = New RegExp"));
+    };
+    fill();
+    control->reset();
+    ASSERT_GE(notes.size(), 2U);
+    EXPECT_EQ(notes[0], u"Player");
+    EXPECT_EQ(notes[1], u"end");
+    EXPECT_EQ(evaluated(*control, u"mark"), u"1");
+    EXPECT_EQ(player->references(), 1U);
+
+    notes.clear();
+    fill();
+    control.reset();
+    EXPECT_GE(notes.size(), 2U);
+    EXPECT_EQ(player->references(), 1U);
+}
+
+TEST(ScriptControl, EndsObjectsThatMakeNewOnesWithoutEnd)
+{
+    struct ImpatientHost final : Host {
+        bool continueAfterTimeout() override { return false; }
+    } host;
+    ScriptControl control(&host);
+    control.setTimeout(std::chrono::milliseconds(20));
+    const std::u16string_view code =
+        u"Class A : Private Sub Class_Terminate : Set x = New A : Set x = Nothing : End Sub\n"
+        u"End Class\nSet late = New A";
+    ASSERT_TRUE(control.addCode(code));
+    control.reset();
+    ASSERT_TRUE(control.addCode(code));
+    EXPECT_FALSE(control.executeStatement(u"Set late = Nothing"));
+    EXPECT_EQ(evaluated(control, u"1 + 1"), u"2");
+}
+
+TEST(ScriptControl, MayBeResetFromWhatAnEndingObjectCalls)
+{
+    ScriptControl control;
+    int calls = 0;
+    const auto player = make<HostObject>(u"Player");
+    player->method(u"Again", [&](Arguments) -> Result<Value> {
+        if (++calls < 5) control.reset();
+        return Value::longInteger(calls);
+    });
+    const auto fill = [&] {
+        control.addObject(u"Player", *player, true);
+        return control.addCode(u"Class A : Private Sub Class_Terminate : x = Again + Again : End Sub\n"
+                               u"End Class\nSub Change : Again : Again : End Sub\nSet o = New A");
+    };
+    ASSERT_TRUE(fill());
+    control.reset();
+    EXPECT_EQ(calls, 2);
+    ASSERT_TRUE(fill());
+    // The running engine ends when its last call returns: Change's two, then those of Class_Terminate.
+    EXPECT_TRUE(control.executeStatement(u"Change"));
+    EXPECT_EQ(calls, 6);
+    EXPECT_EQ(player->references(), 1U);
+}
+
+TEST(ScriptControl, CountsWorkOnLongTextsTowardsTheTimeout)
+{
+    struct ImpatientHost final : Host {
+        bool continueAfterTimeout() override { return false; }
+    } host;
+    ScriptControl control(&host);
+    control.setTimeout(std::chrono::milliseconds(20));
+    ASSERT_TRUE(control.executeStatement(u"t = String(1000000, \"a\") : n = 0"));
+    EXPECT_FALSE(control.executeStatement(u"Do : n = n + 1 : x = InStr(1, t, \"aaab\", 1) : Loop"));
+    const auto rounds = control.eval(u"n");
+    ASSERT_TRUE(rounds);
+    EXPECT_LT(rounds->whole(), 500);
 }
 
 TEST(ScriptControl, RefusesOtherLanguages)

@@ -2,6 +2,8 @@
 #include "script/vbscript/Engine.h"
 #include "script/vbscript/Errors.h"
 
+#include <algorithm>
+
 namespace script::vbscript
 {
 
@@ -10,6 +12,8 @@ namespace
 
 // A time slice counts for no more than this: what lies beyond was spent waiting in the host (a dialog).
 constexpr auto kLongestSlice = std::chrono::milliseconds(250);
+
+constexpr std::size_t kLongText = 1024; // characters that are about as much work as a statement
 
 } // namespace
 
@@ -53,6 +57,7 @@ void Engine::popFrame()
     // What the frame held may run code when it is freed; it goes last.
     const Frame gone = std::move(m_frames.back());
     m_frames.pop_back();
+    if (gone.isTermination) m_waiting = gone.waiting;
     dropTo(gone.result);
 }
 
@@ -85,29 +90,51 @@ void Engine::becameUnreachable(Instance& instance)
 {
     if (m_tornDown) return;
     m_dying.emplace_back(&instance);
-    m_ticks = 0; // the next statement takes care of it
+    // The next statement takes care of it if no instruction does so before.
+    m_ticksAside += std::exchange(m_ticks, 0);
 }
 
-void Engine::runTerminations()
+// Outside of any call. Counts as one call, so that objects which make new ones when they end run out of time.
+bool Engine::runTerminations()
 {
-    while (!m_dying.empty() && m_nestedRuns < kMaxNestedRuns) {
+    if (m_dying.empty() || m_nestedRuns > 0) return true;
+    ++m_nestedRuns;
+    m_used = {};
+    m_lastCheck = std::chrono::steady_clock::now();
+    bool inTime = true;
+    while (!m_dying.empty() && inTime) {
         const Ref<Instance> instance = std::move(m_dying.front());
-        m_dying.erase(m_dying.begin());
+        m_dying.pop_front();
+        m_waiting = m_dying.size();
         // There is nobody to report an error to.
-        static_cast<void>(call(*instance->info->terminate, instance.get(), {}));
+        const auto ended = call(*instance->info->terminate, instance.get(), {});
+        inTime = ended || !ended.error()->uncatchable;
+        m_waiting = 0;
     }
+    --m_nestedRuns;
+    while (!m_dying.empty()) m_dying.pop_front();
+    return inTime;
+}
+
+// Class_Terminate runs as soon as the instruction that released the object is done. What does not fit on the
+// stack now is tried again later. Objects that wait already do so until this one has ended, so that their
+// number does not become the depth of the stack; those that it releases itself come at once.
+void Engine::beginTermination()
+{
+    const auto first = m_dying.begin() + static_cast<std::ptrdiff_t>(m_waiting);
+    const Ref<Instance> instance = *first;
+    if (!pushFrame(*instance->info->terminate, 0, m_sp, instance, true)) return;
+    m_dying.erase(first);
+    frame().isTermination = true;
+    frame().waiting = std::exchange(m_waiting, m_dying.size());
 }
 
 // Between two statements every now and then: time, memory and the ends of objects.
 Result<void> Engine::attend()
 {
-    if (!m_dying.empty()) {
-        const Ref<Instance> instance = std::move(m_dying.front());
-        m_dying.erase(m_dying.begin());
-        --frame().next; // the statement asks again afterwards
-        m_ticks = m_dying.empty() ? 1 : 0;
-        return pushFrame(*instance->info->terminate, 0, m_sp, instance, true);
-    }
+    m_ticks += std::exchange(m_ticksAside, 0);
+    if (mustTerminate()) beginTermination();
+    if (m_ticks > 0) return {};
     m_ticks = kTicksBetweenChecks;
     m_statements += kTicksBetweenChecks;
     if (m_limits.statements != 0 && m_statements > m_limits.statements) {
@@ -147,15 +174,19 @@ Result<void> Engine::callGlobal(Symbol name, std::size_t count, std::uint8_t fla
     Global& found = *m_globals[name];
     switch (found.kind) {
     case Global::Kind::Procedure: return pushFrame(*found.function, count, m_sp - count, nullptr, false);
-    case Global::Kind::Intrinsic: return callIntrinsic(*found.intrinsic, count);
+    case Global::Kind::Intrinsic:
+        if (!found.intrinsic->takes(count)) {
+            // Left by itself cannot mean the function; the window's Left it may.
+            const auto [host, id] = hostMember(name);
+            if (host) return callHost(*host, id, name, count, flags);
+        }
+        return callIntrinsic(*found.intrinsic, count);
     case Global::Kind::Variable:
     case Global::Kind::Constant:
     case Global::Kind::HostObject: return callVariable(found.value, name, count, flags, m_sp - count);
     case Global::Kind::HostMember: {
         const Ref<Dispatch> host(found.value.asObject());
-        auto called = callDispatch(*host, found.member, count, flags, m_sp - count);
-        if (!called) return named(Failed(std::move(called).error()), name);
-        return {};
+        return callHost(*host, found.member, name, count, flags);
     }
     case Global::Kind::Undefined:
         if (resolveHostMember(name, found)) return callGlobal(name, count, flags);
@@ -166,17 +197,26 @@ Result<void> Engine::callGlobal(Symbol name, std::size_t count, std::uint8_t fla
     return fault(error::kTypeMismatch, m_names.spelling(name));
 }
 
+Result<void> Engine::callHost(Dispatch& host, Dispatch::MemberId member, Symbol name, std::size_t count,
+                              std::uint8_t flags)
+{
+    auto called = callDispatch(host, member, count, flags, m_sp - count);
+    if (!called) return named(Failed(std::move(called).error()), name);
+    return {};
+}
+
 Result<void> Engine::callIntrinsic(const Intrinsic& intrinsic, std::size_t count)
 {
-    const auto given = static_cast<int>(count);
-    if (given < intrinsic.fewest || (intrinsic.most >= 0 && given > intrinsic.most)) {
-        return fault(error::kWrongArguments, intrinsic.name);
-    }
+    if (!intrinsic.takes(count)) return fault(error::kWrongArguments, intrinsic.name);
     Value* arguments = m_sp - count;
     for (std::size_t i = 0; i < count; ++i) {
         if (arguments[i].isReference()) {
             Value copy = arguments[i].resolved();
             arguments[i] = std::move(copy);
+        }
+        // Work on a long text counts as so many statements, so that the clock is looked at in time.
+        if (arguments[i].isString() && arguments[i].text().size() > kLongText) {
+            m_ticks = std::max(0, m_ticks - static_cast<int>(arguments[i].text().size() / kLongText));
         }
         if (intrinsic.kind != Intrinsic::Kind::Raw && arguments[i].isObject()) {
             Value value = TRY_RESULT(plain(arguments[i]));
@@ -196,6 +236,18 @@ Result<void> Engine::callIntrinsic(const Intrinsic& intrinsic, std::size_t count
     return {};
 }
 
+// What a text executed now sees: the frame of a text lies right above the one it was executed in.
+Surroundings Engine::surroundings() const
+{
+    Surroundings found;
+    std::size_t at = m_frames.size() - 1;
+    if (m_frames[at].function->isMain && !m_frames[at].function->seesLocals) return found;
+    found.functions.push_back(m_frames[at].function);
+    while (m_frames[at].function->seesLocals) found.functions.push_back(m_frames[--at].function);
+    if (m_frames[at].extras) found.declared = &m_frames[at].extras->declared;
+    return found;
+}
+
 // Eval, Execute and ExecuteGlobal: the text becomes a frame above the current one, whose locals it sees.
 Result<void> Engine::executeText(Intrinsic::Kind kind)
 {
@@ -205,11 +257,10 @@ Result<void> Engine::executeText(Intrinsic::Kind kind)
         return fault(error::kTypeMismatch);
     }
     const Value source = m_sp[-1];
-    const Function* around = frame().function;
-    const bool seesLocals =
-        kind != Intrinsic::Kind::ExecuteGlobal && !(around->isMain && around->captures.empty());
-    auto program =
-        TRY_RESULT(compileText(source.text(), kind == Intrinsic::Kind::Eval, seesLocals ? around : nullptr));
+    Surroundings around;
+    if (kind != Intrinsic::Kind::ExecuteGlobal) around = surroundings();
+    if (around.functions.size() >= kMaxNestedTexts) return fault(error::kOutOfStack);
+    auto program = TRY_RESULT(compileText(source.text(), kind == Intrinsic::Kind::Eval, around));
     define(*program);
     Function& main = *program->main;
     const std::size_t outer = m_frames.size() - 1;
@@ -219,10 +270,11 @@ Result<void> Engine::executeText(Intrinsic::Kind kind)
     for (const Capture& capture : main.captures) {
         Value* target = nullptr;
         if (capture.outerSlot >= 0) {
-            target = m_frames[outer].locals + capture.outerSlot;
+            target = m_frames[outer - capture.depth].locals + capture.outerSlot;
         } else {
-            auto& extras = m_frames[outer].extras;
+            auto& extras = m_frames[outer - capture.depth].extras;
             if (!extras) extras = std::make_unique<FrameExtras>();
+            if (capture.declared) extras->declared.insert(capture.name);
             auto& variable = extras->variables[capture.name];
             if (!variable) variable = std::make_unique<Value>();
             target = variable.get();
@@ -273,7 +325,7 @@ Result<void> Engine::callDispatch(Dispatch& object, Dispatch::MemberId id, std::
         arguments[i] = std::move(copy);
     }
     const auto access = (flags & kStatementCall) != 0 ? Dispatch::Access::Call : Dispatch::Access::GetOrCall;
-    auto value = TRY_RESULT(object.invoke(id, access, Arguments(arguments, count)));
+    auto value = TRY_RESULT(object.invokeIn(m_locale->id, id, access, Arguments(arguments, count)));
     finishCall(result, std::move(value));
     return {};
 }
@@ -388,7 +440,7 @@ Result<void> Engine::putMember(MemberSite& site, std::size_t count, std::uint8_t
     const bool isSet = (flags & kSet) != 0;
     if (isSet && !m_sp[-1].isObject()) return fault(error::kObjectRequired);
     const auto access = isSet ? Dispatch::Access::PutRef : Dispatch::Access::Put;
-    auto put = object->invoke(site.id, access, Arguments(bottom + 1, count + 1));
+    auto put = object->invokeIn(m_locale->id, site.id, access, Arguments(bottom + 1, count + 1));
     if (!put) return withSubject(Failed(std::move(put).error()), siteText(site));
     dropTo(bottom);
     return {};
@@ -455,7 +507,8 @@ Result<void> Engine::putIndexed(Value& base, Symbol name, std::size_t count, std
         *argument = std::move(copy);
     }
     const auto access = (flags & kSet) != 0 ? Dispatch::Access::PutRef : Dispatch::Access::Put;
-    auto put = object->invoke(Dispatch::kDefaultMember, access, Arguments(m_sp - count - 1, count + 1));
+    auto put = object->invokeIn(m_locale->id, Dispatch::kDefaultMember, access,
+                                Arguments(m_sp - count - 1, count + 1));
     if (!put) return named(Failed(std::move(put).error()), name);
     dropTo(bottom);
     return {};
@@ -469,10 +522,15 @@ Result<void> Engine::putGlobal(Symbol name, std::size_t count, std::uint8_t flag
     switch (found.kind) {
     case Global::Kind::Variable:
     case Global::Kind::HostObject: return putIndexed(found.value, name, count, flags, bottom);
-    case Global::Kind::HostMember: {
-        const Ref<Dispatch> host(found.value.asObject());
+    case Global::Kind::HostMember:
+    case Global::Kind::Intrinsic: {
+        // Left = 10 cannot mean the function either.
+        const auto [host, id] = found.kind == Global::Kind::Intrinsic
+                                    ? hostMember(name)
+                                    : std::pair(Ref<Dispatch>(found.value.asObject()), found.member);
+        if (!host) return fault(error::kIllegalAssignment, m_names.spelling(name));
         const auto access = (flags & kSet) != 0 ? Dispatch::Access::PutRef : Dispatch::Access::Put;
-        auto put = host->invoke(found.member, access, Arguments(bottom, count + 1));
+        auto put = host->invokeIn(m_locale->id, id, access, Arguments(bottom, count + 1));
         if (!put) return named(Failed(std::move(put).error()), name);
         dropTo(bottom);
         return {};

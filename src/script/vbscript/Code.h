@@ -102,11 +102,13 @@ struct LocalName {
     int constant = -1;     // of Function::constants, for a Const
 };
 
-/// A name of the surrounding procedure that executed text uses.
+/// A name of the surroundings that executed text uses.
 struct Capture {
     std::uint32_t slot;
-    int outerSlot; // -1: made when first used
+    int outerSlot; // -1: a variable of the procedure's frame that executed text made
     Symbol name;
+    std::uint32_t depth = 0; // of the frame that holds it: 0 is the one right below
+    bool declared = false;   // with Dim, in the executed text itself
 };
 
 struct ImplicitName {
@@ -118,6 +120,7 @@ struct Function {
     Procedure::Kind kind = Procedure::Kind::Sub;
     Symbol name = 0;
     bool isMain = false;
+    bool seesLocals = false; // executed text inside a procedure
     bool isPrivate = false;
     bool optionExplicit = false;
     std::vector<bool> byReference; // of each parameter

@@ -11,10 +11,13 @@ namespace script::vbscript
 namespace
 {
 
+// Procedures see no locals but their own.
+const Surroundings kOutside;
+
 class ProgramCompiler
 {
 public:
-    ProgramCompiler(const Tree& tree, Names& names, Surroundings surroundings)
+    ProgramCompiler(const Tree& tree, Names& names, const Surroundings& surroundings)
         : m_tree(tree), m_names(names), m_surroundings(surroundings), m_program(std::make_unique<Program>())
     {
     }
@@ -28,7 +31,7 @@ public:
             m_program->globalFunctions.push_back(declareFunction(*declared, nullptr));
         }
         for (const auto& [function, procedure] : m_bodies) {
-            FunctionCompiler compiler(*m_program, *function, m_names, nullptr, m_globals);
+            FunctionCompiler compiler(*m_program, *function, m_names, kOutside, m_globals);
             CHECK_RESULT(compiler.procedure(*procedure));
         }
         m_program->main = std::make_unique<Function>();
@@ -37,11 +40,12 @@ public:
         main.optionExplicit = m_tree.optionExplicit;
         main.returnSlot = static_cast<int>(main.slots++);
         main.name = m_names.intern(u"");
-        if (m_surroundings.function) {
-            main.owner = m_surroundings.function->owner;
-            main.optionExplicit = m_surroundings.function->optionExplicit;
+        if (!m_surroundings.functions.empty()) {
+            main.seesLocals = true;
+            main.owner = m_surroundings.functions.front()->owner;
+            main.optionExplicit = m_surroundings.functions.front()->optionExplicit;
         }
-        FunctionCompiler compiler(*m_program, main, m_names, m_surroundings.function, m_globals);
+        FunctionCompiler compiler(*m_program, main, m_names, m_surroundings, m_globals);
         CHECK_RESULT(compiler.main(m_tree));
         return std::move(m_program);
     }
@@ -54,7 +58,7 @@ private:
             CHECK_RESULT(addGlobal(procedure->name, procedure->position));
         for (const ClassDeclaration* declared : m_tree.classes)
             CHECK_RESULT(addGlobal(declared->name, declared->position));
-        if (!m_surroundings.function) CHECK_RESULT(collectFrom(m_tree.body));
+        if (m_surroundings.functions.empty()) CHECK_RESULT(collectFrom(m_tree.body));
         std::sort(m_globals.begin(), m_globals.end());
         return {};
     }
@@ -152,7 +156,7 @@ private:
 
     const Tree& m_tree;
     Names& m_names;
-    Surroundings m_surroundings;
+    const Surroundings& m_surroundings;
     std::unique_ptr<Program> m_program;
     std::vector<Symbol> m_globals;
     std::unordered_map<Symbol, bool> m_seen;
@@ -161,7 +165,7 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<Program>> compile(const Tree& tree, Names& names, Surroundings surroundings)
+Result<std::unique_ptr<Program>> compile(const Tree& tree, Names& names, const Surroundings& surroundings)
 {
     return ProgramCompiler(tree, names, surroundings).run();
 }

@@ -54,11 +54,11 @@ Engine::~Engine()
 void Engine::tearDown()
 {
     // By number: what Class_Terminate does may add globals. It still sees the host's objects.
-    for (std::size_t i = 0; i < m_globals.size(); ++i) {
+    bool inTime = runTerminations();
+    for (std::size_t i = 0; i < m_globals.size() && inTime; ++i) {
         if (m_globals[i]->kind == Global::Kind::Variable) m_globals[i]->value = Value();
-        if (!m_dying.empty()) runTerminations();
+        inTime = runTerminations();
     }
-    runTerminations();
     m_tornDown = true;
     for (const auto& one : m_globals) *one = Global();
     m_memberHosts.clear();
@@ -89,30 +89,38 @@ void Engine::addObject(std::u16string_view name, Dispatch& object, bool addMembe
     if (addMembers) m_memberHosts.emplace_back(&object);
 }
 
+/// @returns the first object with global members that has one of that name, or null
+std::pair<Ref<Dispatch>, Dispatch::MemberId> Engine::hostMember(Symbol name) const
+{
+    for (const auto& host : m_memberHosts) {
+        if (const auto id = host->memberId(m_names.spelling(name))) return {host, *id};
+    }
+    return {};
+}
+
 // A name that scripts have not defined may be a member of a host object whose members are global.
 bool Engine::resolveHostMember(Symbol name, Global& found)
 {
     const int hosts = static_cast<int>(m_memberHosts.size());
     if (found.hostsAsked == hosts) return false;
-    for (const auto& host : m_memberHosts) {
-        if (const auto id = host->memberId(m_names.spelling(name))) {
-            found.kind = Global::Kind::HostMember;
-            found.value = Value::object(host.get());
-            found.member = *id;
-            return true;
-        }
+    const auto [host, id] = hostMember(name);
+    if (!host) {
+        found.hostsAsked = hosts;
+        return false;
     }
-    found.hostsAsked = hosts;
-    return false;
+    found.kind = Global::Kind::HostMember;
+    found.value = Value::object(host.get());
+    found.member = id;
+    return true;
 }
 
 Result<std::unique_ptr<Program>> Engine::compileText(std::u16string_view source, bool isExpression,
-                                                     const Function* around)
+                                                     const Surroundings& around)
 {
     CHECK_RESULT(reserve(source.size() * 40)); // tokens, tree and code
     const std::u16string kept(source);
     auto tree = TRY_RESULT(isExpression ? parseExpression(kept, m_names) : parseCode(kept, m_names));
-    auto program = TRY_RESULT(compile(*tree, m_names, Surroundings{around}));
+    auto program = TRY_RESULT(compile(*tree, m_names, around));
     growGlobals();
     return program;
 }
@@ -159,7 +167,7 @@ void Engine::define(Program& program)
 
 Result<Value> Engine::execute(std::u16string_view source, bool isExpression)
 {
-    auto program = TRY_RESULT(compileText(source, isExpression, nullptr));
+    auto program = TRY_RESULT(compileText(source, isExpression, {}));
     return runProgram(std::move(program));
 }
 
@@ -193,7 +201,8 @@ Result<Value> Engine::plain(const Value& value)
     for (int i = 0; i < 16 && current.isObject(); ++i) {
         if (!current.asObject()) return fault(error::kObjectNotSet);
         const Ref<Dispatch> kept(current.asObject());
-        current = TRY_RESULT(kept->invoke(Dispatch::kDefaultMember, Dispatch::Access::Get, {}));
+        current =
+            TRY_RESULT(kept->invokeIn(m_locale->id, Dispatch::kDefaultMember, Dispatch::Access::Get, {}));
     }
     if (current.isObject()) return fault(error::kTypeMismatch);
     return current;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "script/Host.h"
-#include "script/vbscript/Code.h"
+#include "script/vbscript/Compiler.h"
 #include "script/vbscript/Intrinsics.h"
 #include "script/vbscript/Locale.h"
 #include "script/vbscript/Random.h"
 
 #include <chrono>
+#include <deque>
 #include <memory>
 #include <unordered_set>
 
@@ -147,11 +148,13 @@ private:
     static constexpr std::size_t kStackValues = 512 * 1024;
     static constexpr std::size_t kMaxFrames = 10000;
     static constexpr int kMaxNestedRuns = 48; // run() inside run(), through host objects and default values
+    static constexpr std::size_t kMaxNestedTexts = 256; // Execute inside executed text
     static constexpr int kTicksBetweenChecks = 5000;
 
     struct FrameExtras {
         std::unique_ptr<Program> program; // executed text that nothing refers to later
         std::unordered_map<Symbol, std::unique_ptr<Value>> variables; // made by executed text
+        std::unordered_set<Symbol> declared;                          // those of them with a Dim
     };
     struct Frame {
         Function* function = nullptr;
@@ -163,15 +166,18 @@ private:
         bool isBoundary = false; // run() returns here
         bool discards = false;   // the caller wants no value
         bool resumeNext = false;
+        bool isTermination = false; // Class_Terminate between two instructions of the frame below
+        std::size_t waiting = 0;    // m_waiting before it
     };
 
     // Engine.cpp
     Global& global(Symbol name);
     void growGlobals();
+    [[nodiscard]] std::pair<Ref<Dispatch>, Dispatch::MemberId> hostMember(Symbol name) const;
     bool resolveHostMember(Symbol name, Global& found);
     void define(Program& program);
     Result<std::unique_ptr<Program>> compileText(std::u16string_view source, bool isExpression,
-                                                 const Function* around);
+                                                 const Surroundings& around);
     void tearDown();
 
     // Calls.cpp
@@ -180,9 +186,14 @@ private:
     Result<Value> runProgram(std::unique_ptr<Program> program);
     void popFrame();
     Result<void> attend();
-    void runTerminations();
+    bool runTerminations();
+    [[nodiscard]] bool mustTerminate() const { return m_dying.size() > m_waiting; }
+    void beginTermination();
     Result<void> callGlobal(Symbol name, std::size_t count, std::uint8_t flags);
+    Result<void> callHost(Dispatch& host, Dispatch::MemberId member, Symbol name, std::size_t count,
+                          std::uint8_t flags);
     Result<void> callIntrinsic(const Intrinsic& intrinsic, std::size_t count);
+    [[nodiscard]] Surroundings surroundings() const;
     Result<void> executeText(Intrinsic::Kind kind);
     Result<void> callVariable(Value& callee, Symbol name, std::size_t count, std::uint8_t flags,
                               Value* result);
@@ -254,7 +265,8 @@ private:
     std::vector<Ref<Dispatch>> m_memberHosts;       // whose members are globals
     std::vector<std::unique_ptr<Program>> m_programs;
     std::unordered_set<EngineObject*> m_objects;
-    std::vector<Ref<Instance>> m_dying; // whose Class_Terminate is still to run
+    std::deque<Ref<Instance>> m_dying; // whose Class_Terminate is still to run
+    std::size_t m_waiting = 0;         // how many of them wait for the Class_Terminate that runs now
     ErrorState m_error;
     Random m_random;
 
@@ -262,7 +274,8 @@ private:
     Value* m_sp;
     std::vector<Frame> m_frames;
     int m_nestedRuns = 0;
-    int m_ticks = kTicksBetweenChecks;
+    int m_ticks = kTicksBetweenChecks; // statements until attend() is called
+    int m_ticksAside = 0;              // those left when a dying object had it called earlier
     std::uint64_t m_statements = 0;
     std::chrono::steady_clock::time_point m_lastCheck;
     std::chrono::steady_clock::duration m_used{};

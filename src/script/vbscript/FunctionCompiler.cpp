@@ -40,7 +40,7 @@ Result<void> FunctionCompiler::procedure(const Procedure& procedure)
 
 Result<void> FunctionCompiler::main(const Tree& tree)
 {
-    if (m_outer) CHECK_RESULT(declareLocals(tree.body));
+    if (isExecuted()) CHECK_RESULT(declareLocals(tree.body));
     CHECK_RESULT(block(tree.body));
     mark();
     emit(Op::Return, 0);
@@ -74,6 +74,26 @@ FunctionCompiler::Place FunctionCompiler::global(Symbol name, bool known) const
     return {Place::Kind::Global, name, nullptr, known};
 }
 
+std::optional<FunctionCompiler::Outside> FunctionCompiler::outside(Symbol name) const
+{
+    std::uint32_t depth = 0;
+    for (const Function* around : m_outer.functions) {
+        if (const auto found = around->names.find(name); found != around->names.end()) {
+            const LocalName& local = found->second;
+            if (local.constant >= 0)
+                return Outside{depth, -1, &around->constants[static_cast<std::size_t>(local.constant)],
+                               false};
+            const std::uint32_t slot = local.implicit ? around->implicitNames[local.slot].slot : local.slot;
+            return Outside{depth, static_cast<int>(slot), nullptr, local.implicit};
+        }
+        if (around->returnSlot >= 0 && name == around->name)
+            return Outside{depth, around->returnSlot, nullptr, false};
+        ++depth;
+    }
+    if (m_outer.declared && m_outer.declared->count(name) != 0) return Outside{depth - 1, -1, nullptr, false};
+    return std::nullopt;
+}
+
 FunctionCompiler::Place FunctionCompiler::place(Symbol name)
 {
     if (const auto found = m_function.names.find(name); found != m_function.names.end()) {
@@ -85,25 +105,14 @@ FunctionCompiler::Place FunctionCompiler::place(Symbol name)
     }
     if (isReturnName(name))
         return {Place::Kind::Local, static_cast<std::uint32_t>(m_function.returnSlot), nullptr, true};
-    if (m_outer && m_function.isMain) {
-        if (const auto found = m_outer->names.find(name);
-            found != m_outer->names.end() && !found->second.implicit) {
-            if (found->second.constant >= 0) {
-                return {Place::Kind::Constant,
-                        constant(m_outer->constants[static_cast<std::size_t>(found->second.constant)]),
-                        nullptr, false};
-            }
-            const std::uint32_t slot = newSlot();
-            m_function.captures.push_back({slot, static_cast<int>(found->second.slot), name});
-            m_function.names[name] = {slot, false, -1};
-            return {Place::Kind::Local, slot, nullptr, true};
-        }
-        if (m_outer->returnSlot >= 0 && name == m_outer->name) {
-            const std::uint32_t slot = newSlot();
-            m_function.captures.push_back({slot, m_outer->returnSlot, name});
-            m_function.names[name] = {slot, false, -1};
-            return {Place::Kind::Local, slot, nullptr, true};
-        }
+    const auto around = isExecuted() ? outside(name) : std::nullopt;
+    if (around && around->constant)
+        return {Place::Kind::Constant, constant(*around->constant), nullptr, false};
+    if (around && !around->implicit) {
+        const std::uint32_t slot = newSlot();
+        m_function.captures.push_back({slot, around->slot, name, around->depth});
+        m_function.names[name] = {slot, false, -1};
+        return {Place::Kind::Local, slot, nullptr, true};
     }
     if (m_function.owner) {
         const auto found = m_function.owner->members.find(name);
@@ -115,16 +124,15 @@ FunctionCompiler::Place FunctionCompiler::place(Symbol name)
         }
     }
     const bool ofProgram = std::binary_search(m_programGlobals.begin(), m_programGlobals.end(), name);
-    if ((m_function.isMain && !m_outer) || ofProgram || m_function.optionExplicit) return global(name, false);
+    if ((m_function.isMain && !isExecuted()) || ofProgram || m_function.optionExplicit)
+        return global(name, false);
 
     // A global if there is one when the code runs, else a local of its own.
     const std::uint32_t slot = newSlot();
-    if (m_outer && m_function.isMain) {
-        const auto found = m_outer->names.find(name);
-        const int outerSlot = found == m_outer->names.end()
-                                  ? -1
-                                  : static_cast<int>(m_outer->implicitNames[found->second.slot].slot);
-        m_function.captures.push_back({slot, outerSlot, name});
+    if (isExecuted()) {
+        const auto procedure = static_cast<std::uint32_t>(m_outer.functions.size() - 1);
+        const Outside held = around ? *around : Outside{procedure, -1, nullptr, true};
+        m_function.captures.push_back({slot, held.slot, name, held.depth});
     }
     const auto index = static_cast<std::uint32_t>(m_function.implicitNames.size());
     m_function.implicitNames.push_back({name, slot});

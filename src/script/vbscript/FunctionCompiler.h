@@ -11,7 +11,7 @@ Failed failAt(int number, Position position);
 class FunctionCompiler
 {
 public:
-    FunctionCompiler(Program& program, Function& function, const Names& names, const Function* outer,
+    FunctionCompiler(Program& program, Function& function, const Names& names, const Surroundings& outer,
                      const std::vector<Symbol>& programGlobals)
         : m_program(program), m_function(function), m_names(names), m_outer(outer),
           m_programGlobals(programGlobals)
@@ -37,6 +37,14 @@ private:
 
     // Names (FunctionCompiler.cpp)
     Place place(Symbol name);
+    struct Outside { // where the surroundings of executed text keep a name
+        std::uint32_t depth = 0;
+        int slot = -1; // see Capture::outerSlot
+        const Value* constant = nullptr;
+        bool implicit = false;
+    };
+    [[nodiscard]] std::optional<Outside> outside(Symbol name) const;
+    [[nodiscard]] bool isExecuted() const { return m_function.isMain && !m_outer.functions.empty(); }
     Place assignedPlace(Symbol name);
     Place global(Symbol name, bool known) const;
     [[nodiscard]] bool isReturnName(Symbol name) const;
@@ -87,7 +95,7 @@ private:
     Program& m_program;
     Function& m_function;
     const Names& m_names;
-    const Function* m_outer;
+    const Surroundings& m_outer;
     const std::vector<Symbol>& m_programGlobals; // sorted
     std::vector<Loop> m_loops;
     std::vector<std::uint32_t> m_withSlots;

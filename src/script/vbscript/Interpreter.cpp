@@ -133,6 +133,8 @@ Result<Value> Engine::run()
         leave();                                                                                             \
         if (auto outcome = (operation); !outcome) {                                                          \
             if (!handle(*outcome.error(), floor)) return end(Failed(std::move(outcome).error()));            \
+        } else if (mustTerminate()) [[unlikely]] {                                                           \
+            beginTermination();                                                                              \
         }                                                                                                    \
         fetch();                                                                                             \
         break;                                                                                               \
@@ -492,6 +494,8 @@ Result<Value> Engine::run()
             popFrame();
             if (boundary) return end(std::move(result));
             if (!discards) push(std::move(result));
+            if (mustTerminate()) [[unlikely]]
+                beginTermination();
             fetch();
             break;
         }

@@ -21,6 +21,12 @@ struct Intrinsic {
     int fewest;
     int most; ///< -1: any number
     Kind kind = Kind::Plain;
+
+    [[nodiscard]] constexpr bool takes(std::size_t count) const
+    {
+        const auto given = static_cast<int>(count);
+        return given >= fewest && (most < 0 || given <= most);
+    }
 };
 
 struct IntrinsicConstant {

@@ -229,6 +229,12 @@ Result<Value> concatenate(const Value& left, const Value& right, const Locale& l
     const Value empty = Value::string(u"");
     const Value a = TRY_RESULT(toStringValue(left.isNull() ? empty : left, locale));
     const Value b = TRY_RESULT(toStringValue(right.isNull() ? empty : right, locale));
+    if (a.hasOddByte() || b.hasOddByte()) {
+        const std::string_view front = a.byteText();
+        const std::string_view back = b.byteText();
+        if (front.size() + back.size() > Value::kMaxStringLength * 2) return fault(error::kOutOfStringSpace);
+        return Value::byteString(std::string(front).append(back));
+    }
     Value joined;
     if (!Value::concat(a, b.text(), joined)) return fault(error::kOutOfStringSpace);
     return joined;
@@ -257,7 +263,10 @@ Result<std::optional<int>> compareValues(const Value& left, const Value& right, 
     if (left.isNull() || right.isNull()) return std::optional<int>();
     if (left.isArray() || right.isArray()) return fault(error::kTypeMismatch);
     if (left.isWhole() && right.isWhole()) return sign(left.whole(), right.whole());
-    if (left.isString() && right.isString()) return left.text().compare(right.text());
+    if (left.isString() && right.isString()) {
+        if (left.hasOddByte() || right.hasOddByte()) return left.byteText().compare(right.byteText());
+        return left.text().compare(right.text());
+    }
     if (left.isString() || right.isString()) {
         const Value& text = left.isString() ? left : right;
         const Value& other = left.isString() ? right : left;

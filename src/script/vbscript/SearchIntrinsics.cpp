@@ -9,8 +9,10 @@ namespace
 {
 
 constexpr std::size_t kNone = std::u16string_view::npos;
+constexpr std::size_t kCharactersBetweenChecks = 1U << 22;
 
-// InStr([start,] text, what [, compare])
+// InStr([start,] text, what [, compare]); InStrB counts bytes
+template <bool kBytes>
 Result<Value> inStr(Engine& engine, ArgumentList a)
 {
     // With three arguments the first is the start; with two there is none.
@@ -25,10 +27,12 @@ Result<Value> inStr(Engine& engine, ArgumentList a)
     if (a[first].isNull() || a[first + 1].isNull()) return Value::null();
     const Value text = TRY_RESULT(toStringValue(a[first], engine.locale()));
     const Value what = TRY_RESULT(toStringValue(a[first + 1], engine.locale()));
-    if (static_cast<std::size_t>(start) > text.text().size()) return Value::longInteger(0);
-    if (what.text().empty()) return Value::longInteger(start);
-    const std::size_t found =
-        findText(text.text(), what.text(), static_cast<std::size_t>(start - 1), ignoreCase);
+    const std::size_t length = kBytes ? text.byteText().size() : text.text().size();
+    const auto from = static_cast<std::size_t>(start - 1);
+    if (from >= length) return Value::longInteger(0);
+    if (kBytes ? what.byteText().empty() : what.text().empty()) return Value::longInteger(start);
+    const std::size_t found = kBytes ? findBytes(text.byteText(), what.byteText(), from)
+                                     : findText(text.text(), what.text(), from, ignoreCase);
     return Value::longInteger(found == kNone ? 0 : static_cast<std::int32_t>(found) + 1);
 }
 
@@ -45,13 +49,8 @@ Result<Value> inStrRev(Engine& engine, ArgumentList a)
     if (text.empty() || start > static_cast<std::int32_t>(text.size())) return Value::longInteger(0);
     const std::size_t end = start == -1 ? text.size() : static_cast<std::size_t>(start);
     if (what.text().empty()) return Value::longInteger(static_cast<std::int32_t>(end));
-    if (what.text().size() > end) return Value::longInteger(0);
-    for (std::size_t at = end - what.text().size() + 1; at-- > 0;) {
-        if (compareText(text.substr(at, what.text().size()), what.text(), ignoreCase) == 0) {
-            return Value::longInteger(static_cast<std::int32_t>(at) + 1);
-        }
-    }
-    return Value::longInteger(0);
+    const std::size_t found = findLastText(text.substr(0, end), what.text(), ignoreCase);
+    return Value::longInteger(found == kNone ? 0 : static_cast<std::int32_t>(found) + 1);
 }
 
 Result<Value> strComp(Engine& engine, ArgumentList a)
@@ -151,9 +150,15 @@ Result<Value> filter(Engine& engine, ArgumentList a)
     const bool ignoreCase = TRY_RESULT(ignoresCase(engine, a, 3));
     const Value kept = a[0];
     std::vector<Value> found;
+    std::size_t searched = 0; // characters since the clock was looked at
     for (const Value& element : kept.asArray()->elements) {
         const Value value = TRY_RESULT(engine.plain(element));
         const Value text = TRY_RESULT(toStringValue(value, engine.locale()));
+        searched += text.text().size();
+        if (searched > kCharactersBetweenChecks) {
+            CHECK_RESULT(engine.checkTime());
+            searched = 0;
+        }
         const bool contains = findText(text.text(), what.text(), 0, ignoreCase) != kNone;
         if (contains == include) found.push_back(text);
     }
@@ -161,9 +166,9 @@ Result<Value> filter(Engine& engine, ArgumentList a)
 }
 
 constexpr Intrinsic kTable[] = {
-    {u"InStr", inStr, 2, 4},     {u"InStrB", inStr, 2, 4},    {u"InStrRev", inStrRev, 2, 4},
-    {u"StrComp", strComp, 2, 3}, {u"Replace", replace, 3, 6}, {u"Split", split, 1, 4},
-    {u"Join", join, 1, 2},       {u"Filter", filter, 2, 4},
+    {u"InStr", inStr<false>, 2, 4}, {u"InStrB", inStr<true>, 2, 4}, {u"InStrRev", inStrRev, 2, 4},
+    {u"StrComp", strComp, 2, 3},    {u"Replace", replace, 3, 6},    {u"Split", split, 1, 4},
+    {u"Join", join, 1, 2},          {u"Filter", filter, 2, 4},
 };
 
 } // namespace

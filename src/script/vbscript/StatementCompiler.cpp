@@ -23,16 +23,12 @@ Result<void> FunctionCompiler::declareLocals(const Block& statements)
                     local.constant = static_cast<int>(constant(declared.literal));
                 } else {
                     local.slot = newSlot();
-                    if (m_outer) {
-                        const auto outer = m_outer->names.find(declared.name);
-                        const bool shared = outer != m_outer->names.end() && outer->second.constant < 0;
-                        int outerSlot = -1;
-                        if (shared) {
-                            outerSlot = static_cast<int>(outer->second.implicit
-                                                             ? m_outer->implicitNames[outer->second.slot].slot
-                                                             : outer->second.slot);
-                        }
-                        m_function.captures.push_back({local.slot, outerSlot, declared.name});
+                    if (isExecuted()) {
+                        const auto procedure = static_cast<std::uint32_t>(m_outer.functions.size() - 1);
+                        auto held = outside(declared.name);
+                        if (!held || held->constant) held = Outside{procedure, -1, nullptr, false};
+                        m_function.captures.push_back(
+                            {local.slot, held->slot, declared.name, held->depth, true});
                     }
                     if (declared.isArray) {
                         m_function.shapes.push_back(declared.bounds);
@@ -60,7 +56,7 @@ Result<void> FunctionCompiler::block(const Block& statements)
 Result<void> FunctionCompiler::statement(const Statement& one)
 {
     if (one.kind == Kind::Dim || one.kind == Kind::Const) {
-        const bool isGlobal = m_function.isMain && !m_outer;
+        const bool isGlobal = m_function.isMain && !isExecuted();
         if (isGlobal) {
             auto& list = one.kind == Kind::Dim ? m_program.variables : m_program.constants;
             list.insert(list.end(), one.declarators.begin(), one.declarators.end());

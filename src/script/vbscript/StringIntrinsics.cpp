@@ -30,49 +30,56 @@ Result<Value> len(Engine& engine, ArgumentList a)
 
 Result<Value> lenB(Engine& engine, ArgumentList a)
 {
-    const Value characters = TRY_RESULT(len(engine, a));
-    if (characters.isNull()) return characters;
-    return Value::longInteger(characters.whole() * 2);
+    if (a[0].isNull()) return Value::null();
+    const Value text = TRY_RESULT(toStringValue(a[0], engine.locale()));
+    return Value::longInteger(static_cast<std::int32_t>(text.byteText().size()));
 }
 
-// Left, Right, Mid and their byte twins count in units of 1 or 2 to the character.
-Result<Value> leftOf(Engine& engine, ArgumentList a, int unit)
+// What Left, Right, Mid and their byte twins count in.
+struct Characters {
+    static std::u16string_view of(const Value& text) { return text.text(); }
+    static Value made(std::u16string_view part) { return Value::string(part); }
+};
+struct Bytes {
+    static std::string_view of(const Value& text) { return text.byteText(); }
+    static Value made(std::string_view part) { return Value::byteString(part); }
+};
+
+template <class Unit>
+Result<Value> left(Engine& engine, ArgumentList a)
 {
     if (a[0].isNull()) return Value::null();
     const Value text = TRY_RESULT(toStringValue(a[0], engine.locale()));
     const std::int32_t count = TRY_RESULT(toLong(a[1], engine.locale()));
     if (count < 0) return fault(error::kInvalidCall);
-    return Value::string(text.text().substr(0, static_cast<std::size_t>(count / unit)));
+    return Unit::made(Unit::of(text).substr(0, static_cast<std::size_t>(count)));
 }
-Result<Value> left(Engine& engine, ArgumentList a) { return leftOf(engine, a, 1); }
-Result<Value> leftB(Engine& engine, ArgumentList a) { return leftOf(engine, a, 2); }
 
-Result<Value> rightOf(Engine& engine, ArgumentList a, int unit)
+template <class Unit>
+Result<Value> right(Engine& engine, ArgumentList a)
 {
     if (a[0].isNull()) return Value::null();
     const Value text = TRY_RESULT(toStringValue(a[0], engine.locale()));
     const std::int32_t count = TRY_RESULT(toLong(a[1], engine.locale()));
     if (count < 0) return fault(error::kInvalidCall);
-    const auto all = text.text();
-    const auto wanted = std::min(all.size(), static_cast<std::size_t>(count / unit));
-    return Value::string(all.substr(all.size() - wanted));
+    const auto all = Unit::of(text);
+    const auto wanted = std::min(all.size(), static_cast<std::size_t>(count));
+    return Unit::made(all.substr(all.size() - wanted));
 }
-Result<Value> right(Engine& engine, ArgumentList a) { return rightOf(engine, a, 1); }
-Result<Value> rightB(Engine& engine, ArgumentList a) { return rightOf(engine, a, 2); }
 
-Result<Value> midOf(Engine& engine, ArgumentList a, int unit)
+template <class Unit>
+Result<Value> mid(Engine& engine, ArgumentList a)
 {
     if (a[0].isNull()) return Value::null();
     const Value text = TRY_RESULT(toStringValue(a[0], engine.locale()));
     const std::int32_t start = TRY_RESULT(toLong(a[1], engine.locale()));
     const std::int32_t count = TRY_RESULT(longArgument(engine, a, 2, INT32_MAX));
     if (start < 1 || count < 0) return fault(error::kInvalidCall);
-    const auto from = static_cast<std::size_t>((start - 1) / unit);
-    if (from >= text.text().size()) return Value::string(u"");
-    return Value::string(text.text().substr(from, static_cast<std::size_t>(count / unit)));
+    const auto from = static_cast<std::size_t>(start - 1);
+    const auto all = Unit::of(text);
+    if (from >= all.size()) return Value::string(u"");
+    return Unit::made(all.substr(from, static_cast<std::size_t>(count)));
 }
-Result<Value> mid(Engine& engine, ArgumentList a) { return midOf(engine, a, 1); }
-Result<Value> midB(Engine& engine, ArgumentList a) { return midOf(engine, a, 2); }
 
 // Only blanks are trimmed, no tabs or line ends.
 Result<Value> trim(Engine& engine, ArgumentList a, bool front, bool back)
@@ -134,6 +141,13 @@ Result<Value> asc(Engine& engine, ArgumentList a)
     return Value::integer(static_cast<std::uint8_t>(ansi.front()));
 }
 
+Result<Value> ascB(Engine& engine, ArgumentList a)
+{
+    const Value text = TRY_RESULT(toStringValue(a[0], engine.locale()));
+    if (text.byteText().empty()) return fault(error::kInvalidCall);
+    return Value::byte(static_cast<std::uint8_t>(text.byteText().front()));
+}
+
 Result<Value> ascW(Engine& engine, ArgumentList a)
 {
     const auto text = TRY_RESULT(toText(a[0], engine.locale()));
@@ -147,6 +161,14 @@ Result<Value> chr(Engine& engine, ArgumentList a)
     if (code < 0 || code > 255) return fault(error::kInvalidCall);
     const char16_t character = characterOfCode(code);
     return Value::string(std::u16string_view(&character, 1));
+}
+
+Result<Value> chrB(Engine& engine, ArgumentList a)
+{
+    const std::int32_t code = TRY_RESULT(toLong(a[0], engine.locale()));
+    if (code < 0 || code > 255) return fault(error::kInvalidCall);
+    const char byte = static_cast<char>(code);
+    return Value::byteString(std::string_view(&byte, 1));
 }
 
 Result<Value> chrW(Engine& engine, ArgumentList a)
@@ -201,18 +223,30 @@ Result<Value> unescape(Engine& engine, ArgumentList a)
 }
 
 constexpr Intrinsic kTable[] = {
-    {u"LCase", lCase, 1, 1},   {u"UCase", uCase, 1, 1},
-    {u"Len", len, 1, 1},       {u"LenB", lenB, 1, 1},
-    {u"Left", left, 2, 2},     {u"LeftB", leftB, 2, 2},
-    {u"Right", right, 2, 2},   {u"RightB", rightB, 2, 2},
-    {u"Mid", mid, 2, 3},       {u"MidB", midB, 2, 3},
-    {u"LTrim", lTrim, 1, 1},   {u"RTrim", rTrim, 1, 1},
-    {u"Trim", trimBoth, 1, 1}, {u"Space", space, 1, 1},
-    {u"String", string, 2, 2}, {u"StrReverse", strReverse, 1, 1},
-    {u"Asc", asc, 1, 1},       {u"AscB", asc, 1, 1},
-    {u"AscW", ascW, 1, 1},     {u"Chr", chr, 1, 1},
-    {u"ChrB", chr, 1, 1},      {u"ChrW", chrW, 1, 1},
-    {u"Escape", escape, 1, 1}, {u"Unescape", unescape, 1, 1},
+    {u"LCase", lCase, 1, 1},
+    {u"UCase", uCase, 1, 1},
+    {u"Len", len, 1, 1},
+    {u"LenB", lenB, 1, 1},
+    {u"Left", left<Characters>, 2, 2},
+    {u"LeftB", left<Bytes>, 2, 2},
+    {u"Right", right<Characters>, 2, 2},
+    {u"RightB", right<Bytes>, 2, 2},
+    {u"Mid", mid<Characters>, 2, 3},
+    {u"MidB", mid<Bytes>, 2, 3},
+    {u"LTrim", lTrim, 1, 1},
+    {u"RTrim", rTrim, 1, 1},
+    {u"Trim", trimBoth, 1, 1},
+    {u"Space", space, 1, 1},
+    {u"String", string, 2, 2},
+    {u"StrReverse", strReverse, 1, 1},
+    {u"Asc", asc, 1, 1},
+    {u"AscB", ascB, 1, 1},
+    {u"AscW", ascW, 1, 1},
+    {u"Chr", chr, 1, 1},
+    {u"ChrB", chrB, 1, 1},
+    {u"ChrW", chrW, 1, 1},
+    {u"Escape", escape, 1, 1},
+    {u"Unescape", unescape, 1, 1},
 };
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "script/vbscript/Text.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <vector>
 
 namespace script::vbscript
 {
@@ -71,15 +73,75 @@ int compareText(std::u16string_view left, std::u16string_view right, bool ignore
     return left.size() < right.size() ? -1 : 1;
 }
 
+namespace
+{
+
+// Up to this length of what is looked for, comparing at each place is fast whatever the texts hold.
+constexpr std::size_t kShort = 16;
+
+// Knuth, Morris and Pratt: the table holds, for each beginning of `what`, the length of the longest shorter
+// beginning that it ends in, so that no character of the text is looked at again.
+template <class Iterator, class Same>
+Iterator searchLinear(Iterator text, Iterator end, Iterator what, std::size_t length, Same same)
+{
+    const auto at = [&](std::size_t index) { return what[static_cast<std::ptrdiff_t>(index)]; };
+    std::vector<std::uint32_t> border(length, 0);
+    for (std::size_t i = 1, matched = 0; i < length; ++i) {
+        while (matched > 0 && !same(at(i), at(matched))) matched = border[matched - 1];
+        if (same(at(i), at(matched))) ++matched;
+        border[i] = static_cast<std::uint32_t>(matched);
+    }
+    std::size_t matched = 0;
+    for (; text != end; ++text) {
+        while (matched > 0 && !same(*text, at(matched))) matched = border[matched - 1];
+        if (same(*text, at(matched))) ++matched;
+        if (matched == length) return text - static_cast<std::ptrdiff_t>(length - 1);
+    }
+    return end;
+}
+
+template <class Iterator>
+Iterator search(Iterator text, Iterator end, Iterator what, Iterator whatEnd, bool ignoreCase)
+{
+    const auto length = static_cast<std::size_t>(whatEnd - what);
+    const auto exact = [](auto a, auto b) { return a == b; };
+    const auto alike = [](char16_t a, char16_t b) { return lowerCase(a) == lowerCase(b); };
+    if (length <= kShort) {
+        return ignoreCase ? std::search(text, end, what, whatEnd, alike)
+                          : std::search(text, end, what, whatEnd);
+    }
+    return ignoreCase ? searchLinear(text, end, what, length, alike)
+                      : searchLinear(text, end, what, length, exact);
+}
+
+} // namespace
+
 std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t from, bool ignoreCase)
 {
     if (from > text.size() || what.size() > text.size() - from) return std::u16string_view::npos;
-    if (!ignoreCase) return text.find(what, from);
-    const auto found =
-        std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), what.begin(), what.end(),
-                    [](char16_t a, char16_t b) { return lowerCase(a) == lowerCase(b); });
+    if (!ignoreCase && what.size() <= kShort) return text.find(what, from);
+    const auto begin = text.begin() + static_cast<std::ptrdiff_t>(from);
+    const auto found = search(begin, text.end(), what.begin(), what.end(), ignoreCase);
     if (found == text.end() && !what.empty()) return std::u16string_view::npos;
     return static_cast<std::size_t>(found - text.begin());
+}
+
+std::size_t findLastText(std::u16string_view text, std::u16string_view what, bool ignoreCase)
+{
+    if (what.empty()) return text.size();
+    if (what.size() > text.size()) return std::u16string_view::npos;
+    const auto found = search(text.rbegin(), text.rend(), what.rbegin(), what.rend(), ignoreCase);
+    if (found == text.rend()) return std::u16string_view::npos;
+    return static_cast<std::size_t>(text.rend() - found) - what.size();
+}
+
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t from)
+{
+    if (from > text.size() || what.size() > text.size() - from) return std::string_view::npos;
+    if (what.size() <= kShort) return text.find(what, from);
+    const auto begin = text.begin() + static_cast<std::ptrdiff_t>(from);
+    const auto found = search(begin, text.end(), what.begin(), what.end(), false);
+    return found == text.end() ? std::string_view::npos : static_cast<std::size_t>(found - text.begin());
 }
 
 bool isSpace(char16_t c) { return c == u' ' || (c >= 9 && c <= 13) || c == 0xA0 || c == 0x202F; }

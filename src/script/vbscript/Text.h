@@ -21,8 +21,13 @@ bool sameText(std::u16string_view left, std::u16string_view right);
 /// @returns negative, 0 or positive; by code unit, or by folded code unit for text comparison.
 int compareText(std::u16string_view left, std::u16string_view right, bool ignoreCase);
 
-/// @returns the position of `what` at or after `from`, or npos.
+/// @returns the position of `what` at or after `from`, or npos. Takes time in proportion to the text,
+/// whatever the two hold.
 std::size_t findText(std::u16string_view text, std::u16string_view what, std::size_t from, bool ignoreCase);
+
+/// The last one that ends within the text.
+std::size_t findLastText(std::u16string_view text, std::u16string_view what, bool ignoreCase);
+std::size_t findBytes(std::string_view text, std::string_view what, std::size_t from);
 
 bool isSpace(char16_t character);
 std::u16string_view trimmed(std::u16string_view text);

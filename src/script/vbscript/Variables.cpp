@@ -155,7 +155,8 @@ Result<void> Engine::storeGlobal(Symbol name, std::uint8_t flags)
             return named(Failed(std::move(stored).error()), name);
         return stored;
     }
-    if (found.kind == Global::Kind::HostMember) return putGlobal(name, 0, flags);
+    if (found.kind == Global::Kind::HostMember || found.kind == Global::Kind::Intrinsic)
+        return putGlobal(name, 0, flags);
     return fault(error::kIllegalAssignment, m_names.spelling(name));
 }
 
