@@ -1,0 +1,80 @@
+// Numbers and places of compilation errors, many at a time. The texts stand in the folder syntax.
+
+#include "script/ScriptControl.h"
+
+#include <gtest/gtest.h>
+
+namespace script
+{
+
+TEST(CompilationErrors, NameWhatIsMissingAndWhere)
+{
+    struct Case {
+        std::u16string_view code;
+        int number;
+        int line;
+        int column;
+    };
+    const Case kCases[] = {
+        {u"x = 1 +", 1002, 1, 8},
+        {u"Select Case", 1002, 1, 12},
+        {u"If Then", 1002, 1, 4},
+        {u"x = (1 + 2", 1006, 1, 11},
+        {u"[name = 1", 1007, 1, 10},
+        {u"Dim 5", 1010, 1, 5},
+        {u"Sub\nEnd Sub", 1010, 1, 4},
+        {u"Const a", 1011, 1, 8},
+        {u"For i 1 To 2", 1011, 1, 7},
+        {u"For i = 1", 1013, 1, 10},
+        {u"Sub P\nx = 1", 1014, 2, 6},
+        {u"Function F\nEnd Sub", 1015, 2, 5},
+        {u"Sub P\nEnd Function", 1016, 2, 5},
+        {u"If x = 1 y = 2", 1017, 1, 10},
+        {u"While x\n", 1018, 2, 1},
+        {u"Do\nx = 1\n", 1019, 3, 1},
+        {u"For i = 1 To 2\n", 1020, 2, 1},
+        {u"Select x", 1021, 1, 8},
+        {u"Select Case x\nEnd If", 1022, 2, 5},
+        {u"x = 1 2", 1025, 1, 7},
+        {u"Dim a(b)", 1026, 1, 7},
+        {u"Do Forever\nLoop", 1028, 1, 4},
+        {u"With x\nEnd If", 1029, 2, 5},
+        {u"x = 1 ? 2", 1032, 1, 7},
+        {u"x = \"open", 1033, 1, 10},
+        {u"Loop", 1038, 1, 1},
+        {u"Exit Sub", 1039, 1, 6},
+        {u"For a.b = 1 To 2 : Next", 1040, 1, 6},
+        {u"Dim a, A", 1041, 1, 8},
+        {u"F(1, 2)", 1044, 1, 8},
+        {u"Const c = f(1)", 1045, 1, 11},
+        {u"For Each x Of y", 1046, 1, 12},
+        {u"Class C\nEnd Sub", 1047, 2, 5},
+        {u"Property Get P\nEnd Property", 1048, 1, 1},
+        {u"Class C\nProperty P\nEnd Property\nEnd Class", 1049, 2, 10},
+        {u"Class C\nProperty Get P\nEnd Sub\nEnd Class", 1050, 3, 5},
+        {u"Class C\nProperty Let P\nEnd Property\nEnd Class", 1054, 2, 15},
+        {u"Next", 1055, 1, 1},
+    };
+    for (const Case& c : kCases) {
+        ScriptControl control;
+        SCOPED_TRACE(std::string(c.code.begin(), c.code.end()));
+        EXPECT_FALSE(control.addCode(c.code));
+        EXPECT_EQ(control.error().number, c.number);
+        EXPECT_EQ(control.error().line, c.line);
+        EXPECT_EQ(control.error().column, c.column);
+        EXPECT_EQ(control.error().source, u"Microsoft VBScript compilation error");
+    }
+}
+
+// A text that does not compile leaves nothing behind.
+TEST(CompilationErrors, RunNothingOfTheText)
+{
+    ScriptControl control;
+    EXPECT_FALSE(control.addCode(u"x = 1\nSub P : End Sub\ny = ("));
+    const auto seen = control.eval(u"TypeName(x)");
+    ASSERT_TRUE(seen);
+    EXPECT_EQ(seen->text(), u"Empty");
+    EXPECT_FALSE(control.run(u"P"));
+}
+
+} // namespace script
