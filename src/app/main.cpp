@@ -8,10 +8,20 @@
 #include <QApplication>
 #include <QMessageBox>
 
+#include <iostream>
+
 // Builds the parts and ties them together; no logic.
 
 int main(int argc, char** argv)
 {
+    // Answered before there is need of a display.
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) arguments += QString::fromLocal8Bit(argv[i]);
+    if (const auto answer = core::commandLineAnswer(arguments)) {
+        std::cout << answer->toStdString();
+        return 0;
+    }
+
     QApplication qt(argc, argv);
     QApplication::setApplicationName(core::kProductName);
     QApplication::setDesktopFileName("zorvex");

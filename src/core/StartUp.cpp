@@ -1,6 +1,7 @@
 #include "core/StartUp.h"
 
 #include "base/Failure.h"
+#include "core/Texts.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -57,6 +58,15 @@ QString commandLine(const QStringList& arguments)
     for (const QString& argument : arguments)
         quoted += argument.contains(' ') ? '"' + argument + '"' : argument;
     return quoted.join(' ');
+}
+
+std::optional<QString> commandLineAnswer(const QStringList& arguments)
+{
+    if (arguments.size() != 1 || fileExists(arguments.first())) return std::nullopt;
+    const QString& argument = arguments.first();
+    if (argument == "--version") return GetAppVersion() + '\n';
+    if (argument == "--help" || argument == "-h") return texts::kHelp;
+    return std::nullopt;
 }
 
 bool isDevelopmentSession(const QString& executable)

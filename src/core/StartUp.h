@@ -3,6 +3,7 @@
 #include "core/Application.h"
 
 #include <functional>
+#include <optional>
 
 namespace core
 {
@@ -21,6 +22,10 @@ void StartUp(Application& application, const QString& executable, const QString&
 /// @returns the arguments joined by spaces, those holding a space in double quotes, as a shell passes one
 /// line
 QString commandLine(const QStringList& arguments);
+
+/// @returns what the program prints instead of opening its window, when it is asked for its version or for
+///          help; nothing otherwise. A file of such a name is a file to open.
+std::optional<QString> commandLineAnswer(const QStringList& arguments);
 
 /// @returns whether the executable's base name holds the development project's name, in any case
 bool isDevelopmentSession(const QString& executable);

@@ -24,8 +24,8 @@ void Player::connectMenus()
     on("mnuSaveAs", [this] { SaveMediaAs(); });
     on("mnuClose", [this] { CloseMedia({}); });
     on("mnuExit", [this] { Quit("Exit Menu", true); });
-    for (int i = 0; i < kMostRecent; ++i)
-        on(qPrintable(QString("mnuMRU%1").arg(i)), [this, i] { LoadFlash(m_recent.value(i), {}); });
+    for (int i = 0; i < settings::RecentList::kCapacity; ++i)
+        on(qPrintable(QString("mnuMRU%1").arg(i)), [this, i] { LoadFlash(m_recent.paths().value(i), {}); });
 
     on("mnuFullScreen", [this] { FullScreen(!isFullScreen()); });
     on("mnuMenuBar", [this] { ToggleMenu(); });
@@ -64,6 +64,7 @@ void Player::connectMenus()
         CleanCache(m_application.CachePath, 3); // thumbnails only, on purpose
     });
     on("mnuCompress", [this] { mnuCompress_Click(); });
+    on("mnuOpt", [this] { mnuOpt_Click(); });
     on("mnuHelpMe",
        [this] { QDesktopServices::openUrl(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); });
 

@@ -47,7 +47,7 @@ void Player::Form_Load()
     });
     m_control->setStorageFolder(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
                                 "/zorvex/shared");
-    // TODO: settings are read here; until then the window has the defaults.
+    LoadOpts();
     handled(texts::kPlaceFormLoad, [this] {
         EnumSkins();
         CreateSkin();
@@ -58,10 +58,11 @@ void Player::Form_Load()
     handled(texts::kPlaceFormLoad, [this] {
         if (m_hasArgument)
             openCommandLine();
-        else if (m_startUp == 0)
+        else if (m_options.startUp == 0 || (m_options.startUp == 2 && m_recent.paths().isEmpty()) ||
+                 m_options.startUp == 1) // TODO: the media browser; the welcome page stands in for it
             CloseMedia({});
-        else if (m_startUp == 2)
-            LoadFlash(m_recent.value(0), {});
+        else if (m_options.startUp == 2)
+            LoadFlash(m_recent.paths().first(), {});
     });
     if (m_ended) return;
     // A movie may ask for the whole screen before there is a window on it.
@@ -99,12 +100,11 @@ void Player::closeEvent(QCloseEvent* event)
 void Player::Quit(const QString& reason, bool saveOptions)
 {
     if (m_ended) return;
-    // TODO: the settings are saved here once they are read; nothing of the window is remembered meanwhile.
-    (void)saveOptions;
+    if (saveOptions) SaveOpts();
     m_ended = true;
     m_tmrUpdate.stop();
     m_control->setSuspended(true);
-    CleanCache(m_application.CachePath, m_cacheMode);
+    CleanCache(m_application.CachePath, m_options.cacheMode);
     try {
         m_application.LogEvent({});
         m_application.LogEvent("<B>Quit: " + reason + "</B>");
@@ -143,7 +143,7 @@ void Player::FileDropped(const QString& path)
 QString Player::dialogFolder() const
 {
     if (!m_droppedFolder.isEmpty()) return m_droppedFolder;
-    if (!m_recent.isEmpty()) return QFileInfo(m_recent.first()).absolutePath();
+    if (!m_recent.paths().isEmpty()) return QFileInfo(m_recent.paths().first()).absolutePath();
     return QDir::homePath();
 }
 
@@ -180,7 +180,7 @@ void Player::CloseMedia(const QString& message)
     bool shown = false;
     if (core::fileExists(page)) {
         LoadFlash(page + "?version=" + core::GetAppVersion() + "&error=" + media::URLEncode(message) +
-                      "&noanim=" + m_noAnimation,
+                      "&noanim=" + m_options.noAnimation,
                   texts::kWelcomeCaption);
         shown = mediaInfo().OriginalPath == page && m_stage->currentWidget() == m_control;
     }

@@ -91,6 +91,8 @@ constexpr ItemInfo kItems[] = {
     {Kind::Menu,      "MenuTools",      "Сервис"},
     {Kind::Command,   "mnuClearCache",  "Удалить эскизы"},
     {Kind::Command,   "mnuCompress",    "Снять сжатие"},
+    {Kind::Separator, "mnuSep6",        ""},
+    {Kind::Command,   "mnuOpt",         "Параметры..."},
     {Kind::End,       "",               ""},
 
     {Kind::Menu,      "MenuHelp",       "Справка"},

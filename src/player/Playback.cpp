@@ -91,6 +91,13 @@ void Playback::MuteSound(bool muted)
     m_muted = muted;
 }
 
+void Playback::restoreSound(int volume, int pan, bool muted)
+{
+    m_volume = m_rememberedVolume = std::clamp(volume, 0, 100);
+    MuteSound(muted);
+    if (pan != 0) SetSound(m_volume, pan);
+}
+
 void Playback::SetFlashAlpha(int percent) { m_control.SetVariable("_alpha", QString::number(percent)); }
 
 void Playback::setBackground(const QString& colour)

@@ -39,6 +39,8 @@ public:
     /// @param volume is clamped to 0..100
     /// @param pan    is clamped to -100..100
     void SetSound(int volume, int pan);
+    /// Takes what a former run had. Muting centres the balance; it is set again behind that.
+    void restoreSound(int volume, int pan, bool muted);
     /// Un-muting restores the volume at the time of muting, whatever was set meanwhile.
     void MuteSound(bool muted);
     void SetFlashAlpha(int percent);

@@ -42,8 +42,6 @@ QString menuStyle()
         .arg(name(kSlate), name(kIce), name(kSteel), name(kBlue));
 }
 
-constexpr int kRecentCaptionPixels = 300;
-
 } // namespace
 
 Player::Player(core::Application& application, const QString& commandLine)
@@ -53,7 +51,7 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_stage(new QStackedLayout(m_screen)), m_menus(this), m_media(application, *this),
       m_playback(*m_control, m_menus, application.GadgetsPath),
       m_skinWindow(application, *this, m_menus, *m_client, *m_screen, *m_control), m_drag(this),
-      m_tmrUpdate(this)
+      m_tmrUpdate(this), m_settings(application), m_recent(application.GadgetsPath)
 {
     buildWindow();
     connectMenus();
@@ -61,7 +59,7 @@ Player::Player(core::Application& application, const QString& commandLine)
     m_tmrUpdate.setInterval(kUpdateMs);
     connect(&m_tmrUpdate, &QTimer::timeout, this,
             [this] { handled(texts::kPlaceTimer, [this] { tmrUpdate_Timer(); }); });
-    // The settings' own defaults, until they are read.
+    // What holds when there are no settings to read.
     SetQuality("High");
     SetScaleMode(0);
     m_menus.setChecked("mnuLoop", m_control->Loop());
@@ -347,23 +345,6 @@ void Player::setMovieCommandsEnabled(bool enabled)
 }
 
 void Player::reapplySound() { SetSound(m_playback.volume(), m_playback.pan()); }
-
-void Player::AddRecent(const QString& path)
-{
-    // The program's own pages are no files of the user's.
-    if (path.contains(m_application.GadgetsPath, Qt::CaseInsensitive)) return;
-    m_recent.removeIf(
-        [&path](const QString& known) { return known.compare(path, Qt::CaseInsensitive) == 0; });
-    m_recent.prepend(path);
-    if (m_recent.size() > kMostRecent) m_recent.removeLast();
-    for (int i = 0; i < m_recent.size(); ++i) {
-        QAction& item = m_menus.item(QString("mnuMRU%1").arg(i));
-        const QString caption = fontMetrics().elidedText(m_recent[i], Qt::ElideMiddle, kRecentCaptionPixels);
-        item.setText(QString(caption).replace('&', "&&"));
-        item.setVisible(true);
-        item.setEnabled(true);
-    }
-}
 
 void Player::onMediaChange()
 {

@@ -7,6 +7,8 @@
 #include "player/SkinWindow.h"
 #include "player/Status.h"
 #include "player/WindowDrag.h"
+#include "settings/RecentList.h"
+#include "settings/SettingsFile.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -58,6 +60,10 @@ public:
 
     /// Fills and shows the window: opens the file of the command line or does the start-up action.
     void Form_Load();
+
+    /// The settings that live nowhere else: skin and icon set, the program's pages, what the start and the
+    /// end do, the media browser's place. The others are the state of control, menus and playback.
+    [[nodiscard]] settings::Options& options() { return m_options; }
 
     /// Whether Quit has run. There is no way back; the event loop has been told to end.
     [[nodiscard]] bool hasEnded() const { return m_ended; }
@@ -135,6 +141,10 @@ public:
     Q_INVOKABLE void OpenMedia();
     Q_INVOKABLE void CloseMedia(const QString& message) override;
     Q_INVOKABLE void SaveMediaAs();
+    /// Reads settings.xml and gives every value to what it sets. Called once, before a file is opened.
+    Q_INVOKABLE void LoadOpts();
+    /// @returns false when settings.xml could not be written
+    Q_INVOKABLE bool SaveOpts();
     Q_INVOKABLE void Quit(const QString& reason, bool saveOptions) override;
 
     /// What a file or folder dropped on the window does.
@@ -174,7 +184,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    static constexpr int kMostRecent = 5;
     static constexpr double kTwipsPerPixel = 15;
     static int toPixels(double twips) { return skin::SkinControl::whole(twips / kTwipsPerPixel); }
 
@@ -195,6 +204,8 @@ private:
     void setTopMost(bool on);
     void tmrUpdate_Timer();
     void mnuCompress_Click();
+    void mnuOpt_Click();
+    void showRecent();
     void pageCommand(const QString& command, const QString& argument);
     void saveTo(const QString& target, const QString& filter);
     /// The folder that a file dialog starts in.
@@ -221,11 +232,11 @@ private:
     QString m_savedCaption; ///< the caption while full screen keeps it aside
     QRect m_normalGeometry; ///< the window's place before it filled the screen
     QString m_mediaTitle;
-    QStringList m_recent;    ///< newest first
-    QString m_droppedFolder; ///< where the next open dialog starts; empty: where the most recent file lies
-    int m_startUp = 0;       ///< 0 welcome page, 2 most recent file
-    int m_cacheMode = 0;     ///< what CleanCache removes at the end
-    QString m_noAnimation = "False";
+    settings::SettingsFile m_settings;
+    settings::Options m_options;
+    settings::RecentList m_recent;
+    QString m_droppedFolder;   ///< where the next open dialog starts; empty: where the most recent file lies
+    bool m_hasOptions = false; ///< whether LoadOpts has run: only then is there something to save
     bool m_hasArgument = false;
     bool m_ended = false;
 };

@@ -43,6 +43,8 @@ inline constexpr const char* kDialogType       = "Тип файлов:";
 
 inline constexpr const char* kDecompressFailed = "Ошибка при распаковке файла.";
 inline constexpr const char* kCompressFailed   = "Ошибка при сжатии файла.";
+inline constexpr const char* kOptionsUnsaved   = "Не удалось записать файл настроек. Изменения действуют до выхода "
+                                                 "из программы.";
 inline constexpr const char* kScriptIsSlow     = "Сценарий ролика выполняется слишком долго, и окно не отвечает. "
                                                  "Прервать сценарий?";
 inline constexpr const char* kMovieDamaged     = "Ролик повреждён, показать его нельзя";

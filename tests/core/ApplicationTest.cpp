@@ -137,6 +137,24 @@ TEST(CommandLine, QuotesArgumentsWithSpaces)
     EXPECT_EQ(commandLine({}), "");
 }
 
+TEST(CommandLine, AnswersWithoutAWindowUnlessAFileHasThatName)
+{
+    EXPECT_EQ(commandLineAnswer({"--version"}), GetAppVersion() + '\n');
+    ASSERT_TRUE(commandLineAnswer({"--help"}));
+    EXPECT_TRUE(commandLineAnswer({"--help"})->contains("--version"));
+    EXPECT_FALSE(commandLineAnswer({}));
+    EXPECT_FALSE(commandLineAnswer({"--other.swf"}));
+    EXPECT_FALSE(commandLineAnswer({"--help", "a.swf"}));
+
+    const QTemporaryDir folder;
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    QFile file("--help");
+    EXPECT_TRUE(file.open(QFile::WriteOnly));
+    EXPECT_FALSE(commandLineAnswer({"--help"}));
+    QDir::setCurrent(before);
+}
+
 TEST(SystemVersion, SplitsKernelReleases)
 {
     struct Case {

@@ -9,6 +9,7 @@
 #include "player/WelcomePanel.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -16,6 +17,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -32,8 +34,12 @@ class PlayerWindow : public testing::Test
 protected:
     PlayerWindow()
     {
+        // A player that ended before told the event loop to end, and no dialog's would run any more.
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        QApplication::exec();
         QDir(m_folder.path()).mkpath("cache");
         QDir(m_folder.path()).mkpath("media/gadgets");
+        QFile::copy(PROJECT_SOURCE_DIR "/assets/program/settings.xml", path("settings.xml"));
         core::StartUp(application, path("Zorvex"), {});
         movie = put("intro.swf", media::plainMovie());
     }
@@ -77,9 +83,10 @@ TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
     EXPECT_TRUE(player.updateTimerEnabled());
     EXPECT_EQ(player.control().BGColor(), "0AB0FF");
     EXPECT_EQ(player.menus().item("mnuCompress").text(), "Сжать...");
-    EXPECT_EQ(log().mid(log().indexOf(" :: Form Load") - 1),
-              (QStringList{"", " :: Form Load", "Flash 80018", "", " :: Enumerate Skins", "",
-                           " :: LoadFlash (", movie + ")... ", "Ordinary File", " ... ", "Ok", ""}));
+    EXPECT_EQ(
+        log().mid(log().indexOf(" :: Form Load") - 1),
+        (QStringList{"", " :: Form Load", "Flash 80018", "", " :: Load Options", "", " :: Enumerate Skins",
+                     "", " :: LoadFlash (", movie + ")... ", "Ordinary File", " ... ", "Ok", ""}));
 
     const QRect before = player.geometry();
     player.FullScreen(true);
@@ -359,6 +366,69 @@ TEST_F(PlayerWindow, EndsOnceWithItsReason)
     EXPECT_EQ(log().mid(log().size() - 3),
               (QStringList{"", "<B>Quit: Query Unload by Control Menu</B>", ""}));
     EXPECT_FALSE(log().contains("<B>Quit: again</B>"));
+}
+
+TEST_F(PlayerWindow, RemembersFromRunToRun)
+{
+    const QString second = put("second.swf", media::compressedMovie());
+    {
+        Player player(application, '"' + movie + '"');
+        player.Form_Load();
+        player.LoadFlash(second, {});
+        player.SetQuality("Medium");
+        player.SetScaleMode(1);
+        player.menus().item("mnuLoop").trigger();
+        player.menus().item("mnuMenuBar").trigger();
+        player.SetSound(40, -30);
+        player.ToggleTimeMode();
+        player.options().startUp = 2;
+        player.close();
+    }
+    {
+        Player player(application, {});
+        player.Form_Load();
+        EXPECT_EQ(player.mediaInfo().OriginalPath, second) << "the most recent file";
+        EXPECT_EQ(player.control().Quality2(), "Medium");
+        EXPECT_TRUE(player.menus().isChecked("mnuQLvl1"));
+        EXPECT_EQ(player.control().ScaleMode(), 1);
+        EXPECT_FALSE(player.control().Loop());
+        EXPECT_FALSE(player.menus().isChecked("mnuLoop"));
+        EXPECT_FALSE(player.menus().bar().isVisibleTo(&player));
+        EXPECT_EQ(player.control().masterVolume(), 0.4);
+        EXPECT_EQ(player.status().timeMode(), 1);
+        EXPECT_TRUE(player.menus().item("mnuMRU1").isVisible());
+        EXPECT_FALSE(player.menus().item("mnuMRU2").isVisible());
+        player.MuteSound(true);
+        player.close();
+    }
+    QFile::remove(second);
+    Player player(application, {});
+    player.Form_Load();
+    EXPECT_EQ(player.mediaInfo().OriginalPath, movie) << "a file that is gone has left the list";
+    EXPECT_TRUE(player.menus().isChecked("mnuMute"));
+    EXPECT_EQ(player.control().masterVolume(), 0);
+    player.MuteSound(false);
+    EXPECT_EQ(player.control().masterVolume(), 0.4) << "muting is not saved as silence";
+}
+
+TEST_F(PlayerWindow, SavesOptionsOnlyWhenTheyAreAccepted)
+{
+    Player player(application, {});
+    player.Form_Load();
+    const auto choose = [&player](const char* button) {
+        QTimer::singleShot(0, &player, [button] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            dialog->findChild<QComboBox*>("cmbCache")->setCurrentIndex(2);
+            dialog->findChild<QPushButton*>(button)->click();
+        });
+        player.menus().item("mnuOpt").trigger();
+        return player.options().cacheMode;
+    };
+    EXPECT_EQ(choose("cbCancel"), 0);
+    EXPECT_FALSE(log().contains(" :: Save Options"));
+    EXPECT_EQ(choose("cbOk"), 2);
+    EXPECT_TRUE(log().contains(" :: Save Options"));
 }
 
 TEST_F(PlayerWindow, LivesOnWhenTheJournalCannotBeWritten)

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+// settings/: settings.xml, the list of recent files and the dialog that edits options. What a setting does is
+// the player's affair; nothing here knows its window.
+
+namespace settings
+{
+
+/// What the settings file keeps, with the values that a missing element or attribute stands for.
+struct Options {
+    // SETTINGS/VIEW
+    QString quality = "High";
+    qint16 scaleMode = 2;
+    QString skin = "default";  ///< a folder of the skins' folder
+    QString menus = "default"; ///< a set of menu icons
+    bool topMost = false;
+    bool menuBar = true;
+    bool repeat = false;
+    // SETTINGS/SOUND
+    quint8 volume = 100; ///< never the zero of muting, but what un-muting restores
+    qint16 pan = 0;
+    bool mute = false;
+    // SETTINGS/GADGETS
+    QString noAnimation = "False"; ///< goes to the addresses of the program's own pages as it stands
+    // SETTINGS/SYSTEM
+    qint32 cacheMode = 0; ///< what the end of the program removes of the cache: 0 nothing, 1 movies, 2 all
+    qint32 startUp = 0;   ///< without a file to open: 0 welcome page, 1 media browser, 2 most recent file
+    qint32 timeMode = 0;
+    bool sfx = true;
+    bool hqShots = true;
+    bool associate = false;
+    // SETTINGS/FILES
+    QString search; ///< the media browser's folder; when missing, the program's
+    qint32 lastPage = 0;
+};
+
+/// "True" and "False" in any case, or a number. @returns nothing for another text
+std::optional<bool> toBoolean(const QString& text);
+
+} // namespace settings

@@ -1,0 +1,205 @@
+#include "settings/SettingsFile.h"
+
+#include "base/Failure.h"
+#include "base/Files.h"
+
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <optional>
+#include <type_traits>
+#include <variant>
+
+namespace settings
+{
+namespace
+{
+
+constexpr const char* kFileName = "settings.xml";
+constexpr std::uint64_t kLargestBytes = 1 << 20;
+constexpr std::uint8_t kTemplate[] = {
+#include "Template.inc"
+};
+
+using Member = std::variant<QString Options::*, bool Options::*, quint8 Options::*, qint16 Options::*,
+                            qint32 Options::*>;
+
+struct Setting {
+    const char* element;
+    const char* attribute;
+    Member member;
+};
+
+// The order is that of reading and writing.
+// clang-format off
+constexpr Setting kSettings[] = {
+    {"VIEW",    "quality",     &Options::quality},
+    {"VIEW",    "scaleMode",   &Options::scaleMode},
+    {"VIEW",    "skin",        &Options::skin},
+    {"VIEW",    "menus",       &Options::menus},
+    {"VIEW",    "topMost",     &Options::topMost},
+    {"VIEW",    "menuBar",     &Options::menuBar},
+    {"VIEW",    "repeat",      &Options::repeat},
+    {"SOUND",   "volume",      &Options::volume},
+    {"SOUND",   "pan",         &Options::pan},
+    {"SOUND",   "mute",        &Options::mute},
+    {"GADGETS", "noAnimation", &Options::noAnimation},
+    {"SYSTEM",  "cacheMode",   &Options::cacheMode},
+    {"SYSTEM",  "startUp",     &Options::startUp},
+    {"SYSTEM",  "timeMode",    &Options::timeMode},
+    {"SYSTEM",  "sfx",         &Options::sfx},
+    {"SYSTEM",  "hqShots",     &Options::hqShots},
+    {"SYSTEM",  "associate",   &Options::associate},
+    {"FILES",   "search",      &Options::search},
+    {"FILES",   "lastPage",    &Options::lastPage},
+};
+// clang-format on
+
+/// Rounds with halves to even. @returns nothing for what is no number or does not fit
+template <class T>
+std::optional<T> toWhole(const QString& text)
+{
+    bool isNumber = false;
+    const double number = std::nearbyint(text.trimmed().toDouble(&isNumber));
+    if (!isNumber || !(number >= std::numeric_limits<T>::min() && number <= std::numeric_limits<T>::max()))
+        return std::nullopt;
+    return static_cast<T>(number);
+}
+
+void read(const QString& text, QString& value) { value = text; }
+void read(const QString& text, bool& value) { value = toBoolean(text).value_or(value); }
+template <class T>
+void read(const QString& text, T& value)
+{
+    value = toWhole<T>(text).value_or(value);
+}
+
+QString write(const QString& value) { return value; }
+QString write(bool value) { return value ? "True" : "False"; }
+QString write(qint32 value) { return QString::number(value); }
+
+std::optional<base::xml::Element> childOf(const base::xml::Document& document, const char* name)
+{
+    return document.root().child(name);
+}
+
+std::vector<base::xml::Element> recentElements(const base::xml::Document& document)
+{
+    const auto files = childOf(document, "FILES");
+    if (!files) return {};
+    auto elements = files->children();
+    std::erase_if(elements, [](const base::xml::Element& element) { return element.name() != "RECENT"; });
+    return elements;
+}
+
+} // namespace
+
+std::optional<bool> toBoolean(const QString& text)
+{
+    const QString word = text.trimmed();
+    if (word.compare("true", Qt::CaseInsensitive) == 0) return true;
+    if (word.compare("false", Qt::CaseInsensitive) == 0) return false;
+    bool isNumber = false;
+    const double number = word.toDouble(&isNumber);
+    if (!isNumber) return std::nullopt;
+    return number != 0;
+}
+
+QString SettingsFile::path() const { return m_application.DataPath + kFileName; }
+
+void SettingsFile::log(const QString& text)
+{
+    try {
+        m_application.LogEvent(core::HtmlEscape(text));
+    } catch (const base::Failure&) {
+        // Settings are read and saved whether or not the journal can be written.
+    }
+}
+
+void SettingsFile::keepAside()
+{
+    std::error_code error;
+    std::filesystem::rename(core::filePath(path()), core::filePath(path() + ".bad"), error);
+    if (!error) return log("The damaged file is kept as " + path() + ".bad");
+    log("The damaged file could not be moved aside: " + QString::fromStdString(error.message()));
+    m_document.reset(); // saving would lose it
+}
+
+bool SettingsFile::load(Options& options, QStringList& recent)
+{
+    log({});
+    log(" :: Load Options");
+    QString source = path();
+    const QString installed = m_application.AppPath + kFileName;
+    if (!core::fileExists(source) && core::fileExists(installed)) source = installed;
+
+    m_document.reset();
+    const auto content = base::readFile(core::filePath(source), kLargestBytes);
+    auto document = content ? base::xml::Document::parse(*content)
+                            : base::Result<base::xml::Document>(tl::make_unexpected(content.error()));
+    if (document && document->root().name() != "SETTINGS")
+        document = base::fail(base::ErrorCode::Malformed, "the root element is not SETTINGS");
+    if (!document) {
+        log("Invalid settings file");
+        log(source + ": " + QString::fromStdString(document.error().what));
+        const bool isDamaged = content.has_value();
+        if (isDamaged || content.error().code == base::ErrorCode::NotFound)
+            if (auto ours = base::xml::Document::parse(kTemplate)) m_document = std::move(*ours);
+        if (isDamaged && source == path()) keepAside();
+        return false;
+    }
+    m_document = std::move(*document);
+
+    const Options defaults;
+    for (const Setting& setting : kSettings) {
+        const auto element = childOf(*m_document, setting.element);
+        const auto found = element ? element->attribute(setting.attribute) : std::nullopt;
+        std::visit(
+            [&](const auto member) {
+                if (found)
+                    read(QString::fromStdString(*found), options.*member);
+                else
+                    options.*member = defaults.*member;
+            },
+            setting.member);
+    }
+    // An empty folder is what the template holds; it means nothing else than a missing one.
+    if (options.search.isEmpty()) options.search = m_application.AppPath;
+
+    recent.clear();
+    for (const base::xml::Element& element : recentElements(*m_document)) {
+        const QString file = QString::fromStdString(element.text());
+        if (!file.isEmpty() && core::fileExists(file)) recent += file;
+    }
+    return true;
+}
+
+bool SettingsFile::save(const Options& options, const QStringList& recent)
+{
+    log({});
+    log(" :: Save Options");
+    if (!m_document) {
+        log(path() + ": not saved, because it could not be read");
+        return false;
+    }
+    for (const Setting& setting : kSettings) {
+        auto element = childOf(*m_document, setting.element);
+        if (!element || !element->attribute(setting.attribute)) continue;
+        const QString text =
+            std::visit([&](const auto member) { return write(options.*member); }, setting.member);
+        element->setAttribute(setting.attribute, text.toStdString());
+    }
+    auto elements = recentElements(*m_document);
+    for (int slot = 0; slot < std::min<int>(kRecentSlots, static_cast<int>(elements.size())); ++slot) {
+        base::xml::Element& element = elements[static_cast<std::size_t>(slot)];
+        if (slot >= recent.size())
+            element.setText("");
+        else if (core::fileExists(recent[slot]))
+            element.setText(recent[slot].toStdString());
+    }
+    const auto written = base::replaceFile(core::filePath(path()), base::Bytes(m_document->bytes()));
+    if (!written) log(path() + ": not saved: " + QString::fromStdString(written.error().what));
+    return written.has_value();
+}
+
+} // namespace settings

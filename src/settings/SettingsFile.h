@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/xml/Xml.h"
+#include "core/Application.h"
+#include "settings/Options.h"
+
+#include <QStringList>
+
+namespace settings
+{
+
+/// settings.xml. The file is a template that is updated in place: saving changes the texts of attributes and
+/// elements that are there and creates none, so that whatever else it holds survives.
+class SettingsFile
+{
+public:
+    /// The elements that hold recent files; the list itself is one shorter.
+    static constexpr int kRecentSlots = 6;
+
+    explicit SettingsFile(core::Application& application) : m_application(application) {}
+
+    /// Reads the user's file; where there is none but the program was installed with one elsewhere, that one.
+    /// @param options values that cannot be read as what they should be leave theirs; missing ones become the
+    ///                defaults
+    /// @param recent  the stored paths in document order (newest first), those without a file left out
+    /// @returns false when there is no usable file: nothing is changed, the journal says why, and a damaged
+    ///          file is kept aside as settings.xml.bad. The next save then fills the program's own template.
+    bool load(Options& options, QStringList& recent);
+
+    /// @param recent newest first. A path whose file is gone leaves its element as it is.
+    /// @returns false when the file could not be written; the old one is then untouched and the journal says
+    ///          why.
+    bool save(const Options& options, const QStringList& recent);
+
+private:
+    [[nodiscard]] QString path() const;
+    void log(const QString& text);
+    void keepAside();
+
+    core::Application& m_application;
+    /// Kept from load to the end of the run. Empty when the file could not even be read: it may be good, and
+    /// is not replaced then.
+    std::optional<base::xml::Document> m_document;
+};
+
+} // namespace settings

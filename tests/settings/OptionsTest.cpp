@@ -1,0 +1,139 @@
+#include "QtPrint.h"
+#include "settings/OptionsDialog.h"
+#include "settings/RecentList.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFontMetrics>
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace settings
+{
+namespace
+{
+
+TEST(RecentList, KeepsFiveNewestFirst)
+{
+    const QString gadgets = "/Program/media/gadgets/";
+    RecentList list(gadgets);
+    for (const char* name : {"a", "b", "c", "d", "e", "f"}) list.AddRecent(name);
+    EXPECT_EQ(list.paths(), (QStringList{"f", "e", "d", "c", "b"}));
+    list.AddRecent("C");
+    EXPECT_EQ(list.paths(), (QStringList{"C", "f", "e", "d", "b"})) << "the newer spelling, on top";
+    list.AddRecent("/program/MEDIA/gadgets/welcome.swf?x=1");
+    EXPECT_EQ(list.paths().first(), "C") << "the program's own pages never enter";
+    list.AddRecent("Ё");
+    EXPECT_EQ(list.FindRecent("ё"), 0);
+    EXPECT_EQ(list.FindRecent("a"), -1);
+}
+
+TEST(CompactPath, FitsWithFolderEllipsisAndName)
+{
+    const QFontMetrics metrics(QApplication::font());
+    const QString path = "/home/someone/Мои ролики/и ещё глубже/кино.swf";
+    const QString windows = QString("C:") + QString(path).replace('/', '\\');
+    for (const QString& full : {path, windows})
+        for (int width = 130; width < 420; width += 7) {
+            const QString compact = CompactPath(full, width, metrics);
+            SCOPED_TRACE(compact.toStdString());
+            if (metrics.horizontalAdvance(full) <= width) {
+                EXPECT_EQ(compact, full);
+                continue;
+            }
+            EXPECT_LE(metrics.horizontalAdvance(compact), width);
+            EXPECT_TRUE(compact.endsWith("кино.swf"));
+            EXPECT_TRUE(full.startsWith(compact.left(compact.indexOf("..."))));
+            EXPECT_GT(metrics.horizontalAdvance(compact) + 2 * metrics.maxWidth(), width)
+                << "no room is wasted";
+        }
+    const QString longName = "/a/" + QString(200, 'w') + ".swf";
+    const QString compact = CompactPath(longName, 150, metrics);
+    EXPECT_LE(metrics.horizontalAdvance(compact), 150);
+    EXPECT_TRUE(compact.startsWith(".../w") && compact.endsWith("w...")) << compact.toStdString();
+}
+
+class OptionsWindow : public testing::Test
+{
+protected:
+    void open(const Features& features = {true, true, true, true, true})
+    {
+        dialog = std::make_unique<frmOptions>(nullptr, options, features);
+        dialog->show();
+    }
+    template <class T>
+    T& find(const char* name)
+    {
+        return *dialog->findChild<T*>(name);
+    }
+    void click(const char* name)
+    {
+        auto& widget = find<QAbstractButton>(name);
+        QTest::mouseClick(&widget, Qt::LeftButton, {}, {widget.width() / 2, widget.height() / 2});
+    }
+    Options options;
+    std::unique_ptr<frmOptions> dialog;
+};
+
+TEST_F(OptionsWindow, ShowsWhatIsSetAndStoresWhatIsChosen)
+{
+    options.noAnimation = "1";
+    options.startUp = 2;
+    options.cacheMode = 1;
+    options.sfx = false;
+    open();
+    EXPECT_FALSE(find<QCheckBox>("chkAnimation").isChecked());
+    EXPECT_FALSE(find<QCheckBox>("chkSFX").isChecked());
+    EXPECT_TRUE(find<QCheckBox>("chkHQShots").isChecked());
+    EXPECT_FALSE(find<QCheckBox>("chkAssoc").isChecked());
+    EXPECT_EQ(find<QComboBox>("cmbStartUp").currentText(), "Открыть последний файл!");
+    EXPECT_EQ(find<QComboBox>("cmbCache").currentText(), "Оставлять эскизы");
+
+    for (const char* box : {"chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"}) click(box);
+    QTest::keyClick(&find<QComboBox>("cmbStartUp"), Qt::Key_Up);
+    QTest::keyClick(&find<QComboBox>("cmbCache"), Qt::Key_Down);
+    EXPECT_EQ(options.startUp, 2) << "nothing is stored before it is accepted";
+    click("cbOk");
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    EXPECT_EQ(options.noAnimation, "False");
+    EXPECT_TRUE(options.sfx);
+    EXPECT_FALSE(options.hqShots);
+    EXPECT_TRUE(options.associate);
+    EXPECT_EQ(options.startUp, 1);
+    EXPECT_EQ(options.cacheMode, 2);
+}
+
+TEST_F(OptionsWindow, CancelAndEscapeChangeNothing)
+{
+    for (const bool byKey : {false, true}) {
+        open();
+        click("chkSFX");
+        click("chkAnimation");
+        byKey ? QTest::keyClick(dialog.get(), Qt::Key_Escape) : click("cbCancel");
+        EXPECT_FALSE(dialog->isVisible());
+        EXPECT_EQ(dialog->result(), QDialog::Rejected);
+        EXPECT_TRUE(options.sfx);
+        EXPECT_EQ(options.noAnimation, "False");
+    }
+}
+
+TEST_F(OptionsWindow, KeepsTheValuesOfWhatItDoesNotShow)
+{
+    options.noAnimation = "yes";
+    options.startUp = 1;
+    options.cacheMode = 3;
+    options.sfx = false;
+    open(Features{});
+    EXPECT_FALSE(find<QCheckBox>("chkSFX").isVisible());
+    EXPECT_EQ(find<QComboBox>("cmbStartUp").count(), 2);
+    click("cbOk");
+    EXPECT_EQ(options.noAnimation, "yes");
+    EXPECT_EQ(options.startUp, 1);
+    EXPECT_EQ(options.cacheMode, 3);
+    EXPECT_FALSE(options.sfx);
+}
+
+} // namespace
+} // namespace settings
