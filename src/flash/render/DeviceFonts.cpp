@@ -226,6 +226,12 @@ private:
         for (const QString& candidate : names.split(u',', Qt::SkipEmptyParts))
             if (family.isEmpty() && QFontDatabase::hasFamily(candidate.trimmed()))
                 family = name = candidate.trimmed();
+        // The same letters went on under another name.
+        constexpr QLatin1String kOldName("Bitstream Vera "), kNewName("DejaVu ");
+        if (family.isEmpty() && name.startsWith(kOldName, Qt::CaseInsensitive)) {
+            const QString renamed = kNewName + name.mid(kOldName.size());
+            if (QFontDatabase::hasFamily(renamed)) family = renamed;
+        }
         const Kind& kind = kindOf(name);
         for (const char* candidate : kind.families)
             if (family.isEmpty() && QFontDatabase::hasFamily(QLatin1String(candidate)))

@@ -19,13 +19,6 @@ constexpr double kCaretWidth = 20; // twips
 
 swf::Matrix translation(swf::Point by) { return {1, 0, 0, 1, by.x, by.y}; }
 
-swf::Rect moved(const swf::Rect& rect, swf::Point by)
-{
-    const auto x = static_cast<std::int32_t>(std::lround(by.x)),
-               y = static_cast<std::int32_t>(std::lround(by.y));
-    return {rect.xMin + x, rect.xMax + x, rect.yMin + y, rect.yMax + y};
-}
-
 } // namespace
 
 /// The faces of one field: those of its movie when it embeds fonts, else the machine's.
@@ -248,6 +241,10 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
 
     const render::TextLayout& text = layout();
     const swf::Point origin = textOrigin();
+    // The machine's letters keep their proportions: stretched to the side, only their box gets wider.
+    swf::Matrix textToDevice = toDevice * translation(origin);
+    if (!m_embedFonts && toDevice.b == 0 && toDevice.c == 0)
+        textToDevice.a = std::copysign(toDevice.d, toDevice.a);
     const bool overflows = origin.x + text.width() > box.xMax || hscroll() > 0 || scroll() > 0 ||
                            origin.y + text.height() > box.yMax || origin.x < box.xMin;
     if (overflows) {
@@ -259,16 +256,16 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
     if (focused && m_anchor != m_caret) {
         selected = {selectionBegin(), selectionEnd(), swf::apply(color, kSelectedText)};
         for (const swf::Rect& rect : text.rectsOf(selectionBegin(), selectionEnd()))
-            canvas.fillRect(moved(rect, origin), toDevice, swf::apply(color, kSelectionGround));
+            canvas.fillRect(rect, textToDevice, swf::apply(color, kSelectionGround));
     }
-    text.draw(canvas, toDevice * translation(origin), color, selected);
+    text.draw(canvas, textToDevice, color, selected);
     if (focused && isInput() && m_caretShown && m_anchor == m_caret) {
         const render::TextLayout::Caret caret = text.caret(m_caret);
         const swf::Rect bar{static_cast<std::int32_t>(std::lround(caret.x)),
                             static_cast<std::int32_t>(std::lround(caret.x + kCaretWidth)),
                             static_cast<std::int32_t>(std::lround(caret.top)),
                             static_cast<std::int32_t>(std::lround(caret.bottom))};
-        canvas.invertRect(moved(bar, origin), toDevice);
+        canvas.invertRect(bar, textToDevice);
     }
     if (overflows) canvas.popMask();
 }
