@@ -1,6 +1,8 @@
 #include "flash/avm1/Actions.h"
 #include "flash/avm1/Interpreter.h"
 
+#include "base/TextCodes.h"
+
 #include <algorithm>
 
 // Actions on the movie: timelines, clips, addresses. Each asks the host.
@@ -42,7 +44,8 @@ void setTargetTo(Frame& frame, Value value)
     frame.target = frame.baseTarget;
     Object* object = Interpreter::resolve(frame, path);
     frame.target = object != nullptr && frame.vm.host().isClip(object) ? object : nullptr;
-    if (frame.target == nullptr) frame.vm.host().log("tellTarget: there is no such clip");
+    if (frame.target == nullptr)
+        frame.vm.host().log("Target not found: Target=\"" + base::utf8FromUtf16(path) + "\"");
 }
 
 /// A frame as scripts name it: a number counted from 1, a label, or either behind a path ("/clip:label").
@@ -205,6 +208,7 @@ void removeSprite(Frame& frame, const Instruction&)
 {
     Object* clip = clipFrom(frame, frame.pop());
     if (clip != nullptr && frame.vm.host().isClip(clip)) frame.vm.host().removeClip(clip);
+    Interpreter::checkClip(frame);
 }
 
 void trace(Frame& frame, const Instruction&)

@@ -189,6 +189,7 @@ void callFunction(Frame& frame, const Instruction&)
         result = Interpreter::invoke(frame.vm, function, self, args.values());
     }
     frame.push(result);
+    Interpreter::checkClip(frame);
 }
 
 void callMethod(Frame& frame, const Instruction& instruction)
@@ -217,6 +218,7 @@ void callMethod(Frame& frame, const Instruction& instruction)
         }
     }
     frame.push(result);
+    Interpreter::checkClip(frame);
 }
 
 void enumerate(Frame& frame, const Instruction&)

@@ -27,6 +27,15 @@ void numeric(Frame& frame, Operation operation)
     frame.push(Value(operation(lhs, rhs)));
 }
 
+/// Scripts see through valueOf which side is converted first; it differs from action to action.
+template <class Operation>
+void numericLeftFirst(Frame& frame, Operation operation)
+{
+    const Value rhs = frame.pop();
+    const double left = avm1::toNumber(frame.vm, frame.pop());
+    frame.push(Value(operation(left, avm1::toNumber(frame.vm, rhs))));
+}
+
 template <class Operation>
 void bitwise(Frame& frame, Operation operation)
 {
@@ -49,7 +58,7 @@ std::u16string extract(std::u16string_view text, std::int32_t start, std::int32_
 
 void add(Frame& frame, const Instruction&)
 {
-    numeric(frame, [](double a, double b) { return a + b; });
+    numericLeftFirst(frame, [](double a, double b) { return a + b; });
 }
 void subtract(Frame& frame, const Instruction&)
 {
@@ -87,9 +96,9 @@ void equals(Frame& frame, const Instruction&)
 
 void less(Frame& frame, const Instruction&)
 {
-    const double rhs = popNumber(frame);
+    const Value rhs = frame.pop();
     const double lhs = popNumber(frame);
-    frame.push(truth(frame, lhs < rhs));
+    frame.push(truth(frame, lhs < avm1::toNumber(frame.vm, rhs)));
 }
 
 void logicalAnd(Frame& frame, const Instruction&)

@@ -36,8 +36,6 @@ private:
     int m_previousVersion;
 };
 
-constexpr unsigned kGlobalRegisters = 4;
-
 } // namespace
 
 void SuperNative::trace(Tracer& tracer)
@@ -52,7 +50,10 @@ bool SuperNative::getOwn(Vm& vm, Object&, Name name, Value, Value& result)
     return above != nullptr && above->find(vm, name, result, self);
 }
 
-Value SuperNative::primitive(Vm& vm, Object&) { return vm.string("[type Function]"); }
+Value SuperNative::primitive(Vm& vm, Object&)
+{
+    return base == nullptr ? Value(vm.string("[type Function]")) : Value();
+}
 
 Object* SuperNative::holderOf(Vm& vm, Name name) const
 {
@@ -108,7 +109,8 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     frame.body = &frame.code->bodyOf(code);
     frame.pool = function->pool();
     frame.ip = frame.body->instructions.data();
-    frame.version = frame.code->version();
+    // Functions came with version 5; an older movie that has one runs it as such.
+    frame.version = std::max(frame.code->version(), 5);
     frame.self = self;
     frame.callee = function;
     frame.caller = vm.m_frame == nullptr ? nullptr : vm.m_frame->callee;
@@ -116,6 +118,9 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     frame.superBase = options.superBase;
     frame.isConstruct = options.isConstruct;
     frame.target = frame.baseTarget = function->definingTarget();
+    // In version 5 a method of a clip works on that clip, wherever it was written.
+    if (frame.version == 5 && self.isObject() && vm.m_host.isClip(self.object()))
+        frame.target = frame.baseTarget = self.object();
 
     Value* stack = vm.m_frame == nullptr ? vm.m_stack.get() : vm.m_frame->top;
     frame.limit = vm.m_stack.get() + Vm::kStackValues;
@@ -131,7 +136,7 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
         stack += head.registerCount;
     } else {
         frame.registers = vm.m_registers;
-        frame.registerCount = kGlobalRegisters;
+        frame.registerCount = Frame::kSharedRegisters;
     }
     frame.base = frame.top = stack;
 
@@ -162,18 +167,13 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
     const auto put = [&](FunctionHead::Flag flag, auto&& value) {
         if ((head.flags & flag) != 0) frame.setRegister(next++, value());
     };
-    const auto variable = [&](Name name) {
-        return [&frame, &vm, name] {
-            Value result;
-            if (frame.baseTarget != nullptr) frame.baseTarget->find(vm, name, result, frame.baseTarget);
-            return result;
-        };
-    };
+    Object* const clip = frame.baseTarget;
     put(FunctionHead::PreloadThis, [&] { return frame.self; });
     put(FunctionHead::PreloadArguments, [&] { return argumentsObject(frame); });
     put(FunctionHead::PreloadSuper, [&] { return superObject(frame); });
-    put(FunctionHead::PreloadRoot, variable(vm.common().root));
-    put(FunctionHead::PreloadParent, variable(vm.common().parent));
+    put(FunctionHead::PreloadRoot, [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
+    put(FunctionHead::PreloadParent,
+        [&] { return clip == nullptr ? Value() : Value(vm.m_host.parent(clip)); });
     put(FunctionHead::PreloadGlobal, [&] { return Value(vm.global()); });
 }
 
@@ -240,11 +240,12 @@ void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
     frame.ip = frame.body->instructions.data();
     frame.version = code.version();
     frame.self = target;
+    frame.endsWithClip = vm.m_host.isClip(target);
     frame.target = frame.baseTarget = target;
     frame.base = frame.top = vm.m_frame == nullptr ? vm.m_stack.get() : vm.m_frame->top;
     frame.limit = vm.m_stack.get() + Vm::kStackValues;
     frame.registers = vm.m_registers;
-    frame.registerCount = kGlobalRegisters;
+    frame.registerCount = Frame::kSharedRegisters;
     frame.scope = vm.m_heap.make<Scope>(Scope::Kind::Target, target, nullptr);
     {
         const FrameGuard guard(vm.m_frame, vm.m_version, frame);
@@ -253,6 +254,11 @@ void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
         --vm.m_depth;
     }
     if (vm.isUnwinding() && vm.m_depth == 0) vm.reportUncaught();
+}
+
+void Interpreter::checkClip(Frame& frame)
+{
+    if (frame.endsWithClip && !frame.vm.m_host.isClip(frame.baseTarget)) frame.returned = true;
 }
 
 void Interpreter::throwValue(Vm& vm, Value value)

@@ -21,6 +21,7 @@ struct Frame {
     Value* limit = nullptr;
     Value* registers = nullptr;
     unsigned registerCount = 0;
+    static constexpr unsigned kSharedRegisters = 4;
 
     Value self{};
     Scope* scope = nullptr;
@@ -35,7 +36,8 @@ struct Frame {
     Value argumentsValue{}, superValue{}; ///< made at first use
     Value result{};
     bool returned = false;
-    bool isConstruct = false; ///< called by `new`
+    bool isConstruct = false;  ///< called by `new`
+    bool endsWithClip = false; ///< a clip's own script, which stops when the clip is removed
     int version = 8;
     int withDepth = 0;
     const struct Region* region = nullptr; ///< innermost
@@ -81,7 +83,7 @@ public:
     [[nodiscard]] bool hasHooks() const override { return true; }
     void trace(Tracer& tracer) override;
     bool getOwn(Vm& vm, Object& object, Name name, Value receiver, Value& result) override;
-    /// Written out it looks like the function that it can be called as.
+    /// Outside of methods it is written like a function.
     Value primitive(Vm& vm, Object& object) override;
     /// @returns the object above `base` that has the member, or null.
     Object* holderOf(Vm& vm, Name name) const;
@@ -137,6 +139,8 @@ struct Interpreter {
     static Value argumentsObject(Frame& frame);
     static Value superObject(Frame& frame);
 
+    /// To be called after what may have removed clips.
+    static void checkClip(Frame& frame);
     static void throwValue(Vm& vm, Value value);
     static void abort(Vm& vm, std::string_view why);
     static bool isThrown(const Vm& vm) { return vm.m_thrown; }

@@ -99,7 +99,7 @@ bool Object::findResolver(const Vm& vm, Value& result) const
     return false;
 }
 
-bool Object::findSetter(Vm& vm, Name name, Object*& setter)
+bool Object::findSetter(Vm& vm, Name name, Object*& setter, Object*& holder)
 {
     Object* object = prototype(vm);
     for (int depth = 1; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
@@ -108,6 +108,7 @@ bool Object::findSetter(Vm& vm, Name name, Object*& setter)
             const Layout::Property& property = object->m_layout->properties()[at];
             if ((property.flags & kAccessor) == 0) return false;
             setter = reinterpret_cast<Accessor*>(object->m_slots[property.slot].object())->setter;
+            holder = object;
             return true;
         }
         object = object->prototype(vm);
@@ -120,8 +121,9 @@ void Object::put(Vm& vm, Name name, Value value)
 {
     if (!hasOwn(vm, name)) {
         Object* setter = nullptr;
-        if (findSetter(vm, name, setter)) {
-            if (setter != nullptr) vm.call(setter, this, {value});
+        Object* holder = nullptr;
+        if (findSetter(vm, name, setter, holder)) {
+            if (setter != nullptr) vm.callAccessor(setter, this, {&value, 1}, holder);
             return;
         }
     }
@@ -153,7 +155,10 @@ bool Object::remove(Vm& vm, Name name)
 
 std::vector<Name> Object::enumerate(Vm& vm)
 {
+    // The furthest prototype's names come first, the object's own last; but a name counts where it is met
+    // first on the way up.
     std::vector<Name> names;
+    std::vector<std::size_t> ends;
     NameCollector collector(vm, names);
     Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
@@ -161,9 +166,16 @@ std::vector<Name> Object::enumerate(Vm& vm)
             object->m_native->enumerateOwn(vm, *object, collector);
         else
             object->enumeratePlain(vm, collector);
+        ends.push_back(names.size());
         object = object->listedPrototype(vm);
     }
-    return names;
+    std::vector<Name> ordered;
+    ordered.reserve(names.size());
+    for (std::size_t level = ends.size(); level-- > 0;) {
+        const std::size_t start = level == 0 ? 0 : ends[level - 1];
+        for (std::size_t i = start; i < ends[level]; ++i) ordered.push_back(names[i]);
+    }
+    return ordered;
 }
 
 // ---- the bag ---------------------------------------------------------------------------------------------
@@ -188,7 +200,7 @@ bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
         result = m_slots[property.slot];
         if ((property.flags & kAccessor) != 0) {
             Object* getter = reinterpret_cast<Accessor*>(result.object())->getter;
-            result = getter == nullptr ? Value() : vm.call(getter, receiver, {});
+            result = getter == nullptr ? Value() : vm.callAccessor(getter, receiver, {}, this);
         }
         return true;
     }
@@ -214,8 +226,7 @@ void Object::putPlain(Vm& vm, Name name, Value value)
     }
     if (hasWatches()) {
         Value old;
-        if (at != Layout::kMissing && (m_layout->properties()[at].flags & kAccessor) == 0)
-            old = m_slots[m_layout->properties()[at].slot];
+        getPlain(vm, name, this, old);
         value = callWatch(vm, name, old, value);
         // The callback may have changed anything.
         return putUnwatched(vm, name, value);
@@ -231,14 +242,16 @@ void Object::putUnwatched(Vm& vm, Name name, Value value)
     if (!isVisible(property.flags, vm.version())) {
         // The value is taken, but stays hidden where it is for version 6 or 7 on; the other marks go.
         const std::uint32_t slot = property.slot;
-        changeFlagsAt(vm, at,
-                      static_cast<std::uint16_t>(property.flags & ~(kNot6 | kFrom8 | kFrom9 | kAccessor)));
+        changeFlagsAt(
+            vm, at,
+            static_cast<std::uint16_t>(property.flags & ~(kNot6 | kFrom8 | kFrom9 | kFrom10 | kAccessor)));
         m_slots[slot] = value;
         return;
     }
     if ((property.flags & kAccessor) != 0) {
         Object* setter = reinterpret_cast<Accessor*>(m_slots[property.slot].object())->setter;
-        if (setter != nullptr && (property.flags & kReadOnly) == 0) vm.call(setter, this, {value});
+        if (setter != nullptr && (property.flags & kReadOnly) == 0)
+            vm.callAccessor(setter, this, {&value, 1}, this);
         return;
     }
     if ((property.flags & kReadOnly) == 0) m_slots[property.slot] = value;

@@ -96,7 +96,7 @@ public:
     bool hasOwn(Vm& vm, Name name);
     /// @returns whether a property was removed; protected ones stay.
     bool remove(Vm& vm, Name name);
-    /// Names of this object and its prototypes as a for-in loop sees them, the first one first.
+    /// Names of this object and its prototypes in the order of a for-in loop.
     std::vector<Name> enumerate(Vm& vm);
 
     // ---- own properties of the bag, past any hooks -------------------------------------------------------
@@ -209,7 +209,7 @@ private:
     [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
     bool findResolver(const Vm& vm, Value& result) const;
-    bool findSetter(Vm& vm, Name name, Object*& setter);
+    bool findSetter(Vm& vm, Name name, Object*& setter, Object*& holder);
 
     bool m_hasHooks = false;
     bool m_isPrototype = false; // of some object: its changes outdate caches that looked through it

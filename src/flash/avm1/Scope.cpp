@@ -227,7 +227,11 @@ Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall
         }
         if (vm.isUnwinding()) return {};
     }
-    if (frame.callee == nullptr && name.matches(common.self, sensitive)) return frame.self;
+    if (name.matches(common.self, sensitive)) {
+        // A function that does without `this` sees that of its clip, unless it has it in a register.
+        if (frame.callee == nullptr) return frame.self;
+        return (suppressed & FunctionHead::PreloadThis) != 0 ? Value() : Value(frame.baseTarget);
+    }
     // Version 4 knows no global object.
     if (frame.version < 5) return {};
     if (frame.version > 5 && name.matches(common.global, sensitive)) return vm.global();

@@ -81,6 +81,15 @@ Value Vm::callMethod(Object* object, std::string_view method, std::initializer_l
     return callMethod(object, name(method), std::span<const Value>(args.begin(), args.size()));
 }
 
+Value Vm::callAccessor(Object* function, Value self, std::span<const Value> args, Object* holder)
+{
+    if (m_accessorDepth >= kMostNestedAccessors) return {};
+    ++m_accessorDepth;
+    const Value result = Interpreter::invoke(*this, function, self, args, {holder, false});
+    --m_accessorDepth;
+    return result;
+}
+
 Value Vm::construct(Value constructor, std::span<const Value> args)
 {
     return Interpreter::construct(*this, constructor, args);

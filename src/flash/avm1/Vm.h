@@ -67,6 +67,8 @@ public:
     /// Calls a method found by name; undefined when there is none.
     Value callMethod(Object* object, Name method, std::span<const Value> args);
     Value callMethod(Object* object, std::string_view method, std::initializer_list<Value> args = {});
+    /// Calls a getter or setter that is a property of `holder`. Nested too deeply, the call does not happen.
+    Value callAccessor(Object* function, Value self, std::span<const Value> args, Object* holder);
     /// The `new` operator. @returns undefined when `constructor` is no function.
     Value construct(Value constructor, std::span<const Value> args);
     /// Calls a constructor with an existing object as `this`; for clips of registered classes.
@@ -167,6 +169,7 @@ public:
 
     static constexpr std::ptrdiff_t kStackValues = 256 * 1024;
     static constexpr int kMostNestedCalls = 256;
+    static constexpr int kMostNestedAccessors = 65;
     static constexpr double kScriptTimeoutMs = 15000;
 
 private:
@@ -198,6 +201,7 @@ private:
     Value m_exception;
     Frame* m_frame = nullptr; // innermost
     int m_depth = 0;
+    int m_accessorDepth = 0;
     double m_startedMs = 0; // real time at which the outermost script started
     Value m_registers[4];
     std::unique_ptr<Value[]> m_stack; // operands and registers of all frames

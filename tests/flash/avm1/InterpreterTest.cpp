@@ -158,7 +158,7 @@ TEST(Interpreter, SuperReachesTheConstructorAndTheMethodAbove)
     EXPECT_EQ(machine.run(code), "B over A|7|true");
 }
 
-TEST(Interpreter, ForInGoesFromTheLatestToTheFirstAndSeesPrototypes)
+TEST(Interpreter, ForInSeesPrototypesFirstAndTheLatestNameOfEach)
 {
     Machine machine;
     Assembler code;
@@ -169,7 +169,7 @@ TEST(Interpreter, ForInGoesFromTheLatestToTheFirstAndSeesPrototypes)
     code.label("next").storeRegister(0).pushNull().op(Equals2).jumpIf("done").pushRegister(0).trace().jump(
         "next");
     code.label("done");
-    EXPECT_EQ(machine.run(code), "c|b|a|p");
+    EXPECT_EQ(machine.run(code), "p|c|b|a");
 }
 
 TEST(Interpreter, NamesFoldBeforeVersion7Only)

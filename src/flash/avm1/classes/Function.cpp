@@ -10,13 +10,13 @@ namespace flash::avm1::classes
 namespace
 {
 
-Value construct(Call& call) { return call.count() > 0 ? call.arg(0) : Value(); }
+Value construct(Call& call) { return call.count() > 0 ? call.arg(0) : Value(call.vm.newObject(nullptr)); }
 
-/// `this` of call and apply: primitives are wrapped; nothing becomes a bare object.
+/// `this` of call and apply: primitives are wrapped; nothing becomes the global object.
 Value selfFrom(Call& call)
 {
     Object* self = toObject(call.vm, call.arg(0));
-    return self != nullptr ? self : call.vm.newObject(nullptr);
+    return self != nullptr ? self : call.vm.global();
 }
 
 Value callFunction(Call& call)

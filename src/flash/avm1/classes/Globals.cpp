@@ -28,7 +28,10 @@ Value parseInt(Call& call)
 
 Value parseFloat(Call& call) { return Value(parseFloatPrefix(toText(call.vm, call.arg(0)))); }
 Value isNaN(Call& call) { return Value(std::isnan(toNumber(call.vm, call.arg(0)))); }
-Value isFinite(Call& call) { return Value(std::isfinite(toNumber(call.vm, call.arg(0)))); }
+Value isFinite(Call& call)
+{
+    return Value(call.count() > 0 && std::isfinite(toNumber(call.vm, call.arg(0))));
+}
 
 /// Texts of movies before version 6 are ANSI, later ones UTF-8.
 std::string bytesOf(const Vm& vm, std::u16string_view text)
@@ -99,7 +102,7 @@ Value setPropFlags(Call& call)
         object->changeFlags(vm, Name(), set, clear);
         return {};
     }
-    if (Object* list = names.asObject()) {
+    if (Object* list = names.asObject(); list != nullptr && list->native<ArrayNative>() != nullptr) {
         const double length = std::min(toNumber(vm, list->get(vm, vm.common().length)), 65535.0);
         for (double i = 0; i < length && !vm.isUnwinding(); ++i) {
             const Value name = list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i)));
@@ -192,8 +195,9 @@ Value startTimer(Call& call, bool repeats)
         at = 2;
         if (call.count() < 3) return {};
     }
-    const double period = toNumber(vm, call.arg(at));
-    if (std::isnan(period)) return {};
+    if (call.arg(at).isUndefined()) return {};
+    const double number = toNumber(vm, call.arg(at));
+    const double period = std::isnan(number) ? 0 : number;
     const std::span<const Value> rest = call.args.subspan(at + 1);
     return Value(vm.addTimer(function, self, method, {rest.begin(), rest.end()}, period, repeats));
 }
