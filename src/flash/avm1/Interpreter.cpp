@@ -164,17 +164,21 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
 {
     Vm& vm = frame.vm;
     unsigned next = 1;
-    const auto put = [&](FunctionHead::Flag flag, auto&& value) {
-        if ((head.flags & flag) != 0) frame.setRegister(next++, value());
+    // What is both preloaded and suppressed takes its register and leaves it empty.
+    const auto put = [&](FunctionHead::Flag flag, unsigned suppress, auto&& value) {
+        if ((head.flags & flag) != 0)
+            frame.setRegister(next++, (head.flags & suppress) != 0 ? Value() : Value(value()));
     };
     Object* const clip = frame.baseTarget;
-    put(FunctionHead::PreloadThis, [&] { return frame.self; });
-    put(FunctionHead::PreloadArguments, [&] { return argumentsObject(frame); });
-    put(FunctionHead::PreloadSuper, [&] { return superObject(frame); });
-    put(FunctionHead::PreloadRoot, [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
+    put(FunctionHead::PreloadThis, FunctionHead::SuppressThis, [&] { return frame.self; });
+    put(FunctionHead::PreloadArguments, FunctionHead::SuppressArguments,
+        [&] { return argumentsObject(frame); });
+    put(FunctionHead::PreloadSuper, FunctionHead::SuppressSuper, [&] { return superObject(frame); });
+    put(FunctionHead::PreloadRoot, 0,
+        [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
     put(FunctionHead::PreloadParent,
         [&] { return clip == nullptr ? Value() : Value(vm.m_host.parent(clip)); });
-    put(FunctionHead::PreloadGlobal, [&] { return Value(vm.global()); });
+    put(FunctionHead::PreloadGlobal, 0, [&] { return Value(vm.global()); });
 }
 
 Value Interpreter::argumentsObject(Frame& frame)

@@ -228,9 +228,8 @@ Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall
         if (vm.isUnwinding()) return {};
     }
     if (name.matches(common.self, sensitive)) {
-        // A function that does without `this` sees that of its clip, unless it has it in a register.
-        if (frame.callee == nullptr) return frame.self;
-        return (suppressed & FunctionHead::PreloadThis) != 0 ? Value() : Value(frame.baseTarget);
+        // A function that does without `this` sees that of its clip.
+        return frame.callee == nullptr ? frame.self : Value(frame.baseTarget);
     }
     // Version 4 knows no global object.
     if (frame.version < 5) return {};

@@ -77,7 +77,7 @@ Value construct(Call& call)
 
 Value utcStatic(Call& call)
 {
-    if (call.arg(0).isNullish()) return {};
+    if (call.arg(0).isUndefined()) return {};
     DateParts parts;
     fillParts(call, parts, kYearOn);
     parts.year = fullYear(parts.year);
