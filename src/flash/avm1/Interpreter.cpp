@@ -176,7 +176,7 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
     put(FunctionHead::PreloadSuper, FunctionHead::SuppressSuper, [&] { return superObject(frame); });
     put(FunctionHead::PreloadRoot, 0,
         [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
-    put(FunctionHead::PreloadParent,
+    put(FunctionHead::PreloadParent, 0,
         [&] { return clip == nullptr ? Value() : Value(vm.m_host.parent(clip)); });
     put(FunctionHead::PreloadGlobal, 0, [&] { return Value(vm.global()); });
 }
