@@ -7,30 +7,11 @@ namespace flash::avm1
 namespace
 {
 
-bool isUnreserved(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
-std::string urlEncoded(std::string_view text)
-{
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string result;
-    for (const char c : text) {
-        if (isUnreserved(c)) {
-            result += c;
-            continue;
-        }
-        const auto byte = static_cast<unsigned char>(c);
-        result += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
-    }
-    return result;
-}
-
 Value decode(Call& call)
 {
     Object* self = call.self.asObject();
-    if (!self || call.count() == 0) return Value(false);
+    if (!self) return {};
+    if (call.count() == 0) return Value(false);
     StageBinding::of(call).decodeVariables(self, utf8Arg(call, 0));
     return {};
 }
@@ -66,7 +47,9 @@ bool fetchInto(Call& call, Object* object, std::string url,
     const int version = call.vm.version();
     auto target = std::make_shared<Root<Object>>(call.vm.heap(), object);
     Vm& vm = call.vm;
-    object->put(vm, vm.name(std::string_view("loaded")), Value(false));
+    object->define(vm, "_bytesLoaded", Value(0), kDontEnum);
+    object->define(vm, "_bytesTotal", Value(), kDontEnum);
+    object->define(vm, "loaded", Value(false), kDontEnum);
     binding.stage().fetch(std::move(request), [&binding, target,
                                                version](const base::Result<stage::LoadAnswer>& answer) {
         Vm& machine = binding.vm();
@@ -121,13 +104,16 @@ Value toStringMethod(Call& call)
 {
     Object* self = call.self.asObject();
     if (!self) return {};
-    std::string text;
-    for (const Name name : self->enumerate(call.vm)) {
-        if (!text.empty()) text += '&';
-        text += urlEncoded(base::utf8FromUtf16(name.view())) + '=' +
-                urlEncoded(base::utf8FromUtf16(toText(call.vm, self->get(call.vm, name))));
+    Vm& vm = call.vm;
+    // Scripts may have replaced what this is made of, and see it at work.
+    const auto escaped = [&vm](const Value& value) { return vm.callMethod(vm.global(), "escape", {value}); };
+    const Root<Object> parts(vm.heap(), vm.newArray());
+    for (const Name name : self->enumerate(vm)) {
+        const std::u16string key = toText(vm, escaped(Value(vm.string(name.view()))));
+        const std::u16string value = toText(vm, escaped(Value(toString(vm, self->get(vm, name)))));
+        vm.callMethod(parts.get(), "push", {Value(vm.string(key + u'=' + value))});
     }
-    return StageBinding::of(call).utf8(text);
+    return vm.callMethod(parts.get(), "join", {Value(vm.string(std::string_view("&")))});
 }
 
 Value getBytesLoaded(Call& call)
@@ -145,12 +131,12 @@ Value construct(Call&) { return {}; }
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    {"load",             0, kFrom6, &load},
-    {"send",             0, kFrom6, &send},
-    {"sendAndLoad",      0, kFrom6, &sendAndLoad},
+    {"load",             0, kFrom6, &load,        0},
+    {"send",             0, kFrom6, &send,        1},
+    {"sendAndLoad",      0, kFrom6, &sendAndLoad, 2},
     {"getBytesLoaded",   0, kFrom6, &getBytesLoaded},
     {"getBytesTotal",    0, kFrom6, &getBytesTotal},
-    {"decode",           0, kFrom6, &decode},
+    {"decode",           0, kFrom6, &decode,      3},
     {"onLoad",           0, kFrom6, &onLoad},
     {"onData",           0, kFrom6, &onData},
     {"toString",         0, kFrom6, &toStringMethod},
@@ -163,7 +149,8 @@ constexpr MemberInfo kMembers[] = {
 void installLoadVars(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("LoadVars", &construct, kMembers, kFrom6);
+    constexpr int kLoadTable = 301;
+    Function* constructor = vm.defineClass("LoadVars", &construct, kMembers, 0, kLoadTable);
     vm.prototypeOf(constructor)
         ->define(vm, "contentType", Value(vm.string(std::string_view("application/x-www-form-urlencoded"))),
                  kDontEnum);
