@@ -17,6 +17,7 @@ Value getScaleMode(Call& call)
 }
 Value setScaleMode(Call& call)
 {
+    if (call.count() == 0) return {};
     // Anything unknown means to show all.
     const std::u16string name = Names::fold(textArg(call, 0));
     stage::ScaleMode mode = stage::ScaleMode::ShowAll;
@@ -92,6 +93,13 @@ void installStage(StageBinding& binding)
     Object* stage = defineGlobalObject(vm, "Stage", {});
     makeBroadcaster(vm, stage);
     vm.addAccessors(stage, kAccessors);
+    constexpr int kStageTable = 666;
+    int index = 1;
+    for (const AccessorInfo& accessor : kAccessors) {
+        vm.registerNative(kStageTable, index++, accessor.getter);
+        if (accessor.setter) vm.registerNative(kStageTable, index, accessor.setter, 1);
+        ++index;
+    }
 }
 
 } // namespace flash::avm1
