@@ -77,7 +77,9 @@ public:
     /// The clip is the root of a loaded movie or a level: relative addresses and `_root` with _lockroot.
     [[nodiscard]] bool isMovieRoot() const { return m_movieRoot; }
     [[nodiscard]] const std::string& url() const { return m_url; } ///< of the movie it comes from
-    [[nodiscard]] int levelNumber() const { return m_level; }      ///< of a level's root, else -1
+    /// What a root answers for its depth; its level stays where it is in the order of levels.
+    void setRootDepth(int depth) { m_depth = depth; }
+    [[nodiscard]] int levelNumber() const { return m_level; } ///< of a level's root, else -1
     [[nodiscard]] std::size_t bytesLoaded() const;
     [[nodiscard]] std::size_t bytesTotal() const;
     /// The linkage name its character was exported under; empty when none.

@@ -262,17 +262,21 @@ Value swapDepths(Call& call)
     StageBinding& binding = StageBinding::of(call);
     stage::Clip* clip = selfClip(call);
     stage::Clip* parent = clip ? clip->parentClip() : nullptr;
-    if (!parent || call.count() == 0) return {};
+    if (!clip || call.count() == 0) return {};
     Object* target = call.arg(0).asObject();
     if (!target && call.arg(0).isString())
         target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
     if (stage::Node* other = binding.nodeOf(target)) {
-        if (other->parentClip() == parent) parent->swapDepths(*clip, other->depth());
+        if (parent && other->parentClip() == parent) parent->swapDepths(*clip, other->depth());
         return {};
     }
     if (call.arg(0).isUndefined()) return {};
     const int depth = toInt32(call.vm, call.arg(0));
-    if (depth >= stage::kTimelineDepth && depth <= stage::kMaxScriptDepth) parent->swapDepths(*clip, depth);
+    if (depth < stage::kTimelineDepth || depth > stage::kMaxScriptDepth) return {};
+    if (parent)
+        parent->swapDepths(*clip, depth);
+    else
+        clip->setRootDepth(depth);
     return {};
 }
 
@@ -391,9 +395,8 @@ Value getBytesTotal(Call& call)
 }
 Value getSwfVersion(Call& call)
 {
-    stage::Clip* clip = selfClip(call);
-    if (!clip) return Value(-1);
-    return Value(clip->movie() ? static_cast<int>(clip->movie()->header.version) : -1);
+    stage::Node* node = selfNode(call);
+    return Value(node && node->movie() ? static_cast<int>(node->movie()->header.version) : -1);
 }
 
 Value getTextSnapshot(Call& call)
@@ -579,7 +582,7 @@ constexpr MemberInfo kMembers[] = {
     {"createTextField",      6, kFrom6, &createTextField},
     {"getNextHighestDepth",  0, kFrom7, &getNextHighestDepth},
     {"getInstanceAtDepth",   1, kFrom7, &getInstanceAtDepth},
-    {"getSWFVersion",        0, kFrom6, &getSwfVersion},
+    {"getSWFVersion",        0, 0,      &getSwfVersion},
     {"getTextSnapshot",      0, kFrom6, &getTextSnapshot},
     {"attachBitmap",         2, kFrom8, &attachBitmap},
     {"getRect",              0, kFrom8, &getRect},
@@ -605,6 +608,8 @@ void installMovieClip(StageBinding& binding)
     prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
     prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
     installMovieClipDrawing(binding, prototype);
+    constexpr int kMovieClipTable = 104;
+    vm.registerNative(kMovieClipTable, 200, &createTextField, 6);
 }
 
 void installButton(StageBinding& binding)

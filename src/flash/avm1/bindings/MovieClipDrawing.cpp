@@ -32,7 +32,7 @@ double numberMember(Vm& vm, Object* object, std::string_view name)
 Value beginFill(Call& call)
 {
     stage::Clip* clip = selfClip(call);
-    if (!clip || call.count() == 0 || call.arg(0).isUndefined()) {
+    if (!clip || call.count() == 0) {
         if (clip) clip->drawing().endFill();
         return {};
     }

@@ -400,16 +400,17 @@ void StageBinding::requestUrl(const UrlRequest& request)
         return;
     }
     case UrlRequest::Kind::Variables: {
-        stage::Clip* clip = clipOf(request.target);
-        if (!clip) return;
-        const std::weak_ptr<stage::Node> target = clip->weak_from_this();
+        // Text fields take variables as well, but are not told of them.
+        stage::Node* receiver = nodeOf(request.target);
+        if (!receiver) return;
+        const std::weak_ptr<stage::Node> target = receiver->weak_from_this();
         m_stage->fetch(std::move(load), [this, target](const base::Result<stage::LoadAnswer>& answer) {
             const stage::NodePtr node = target.lock();
             if (!node || node->isRemoved() || !answer) return;
             const Vm::VersionScope scope(*m_vm, node->movie() ? node->movie()->header.version : 6);
             decodeVariables(objectOf(node.get()),
                             {reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size()});
-            m_stage->queueEvent(*node, stage::Event::Data);
+            if (stage::asClip(node.get())) m_stage->queueEvent(*node, stage::Event::Data);
         });
         return;
     }
