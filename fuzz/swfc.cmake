@@ -1,1 +1,1 @@
-zorvex_fuzz(fuzz_swfc FuzzSwfc.cpp LIBS zorvex_swfc)
+zorvex_fuzz(FuzzSwfc FuzzSwfc.cpp LIBS zorvex_swfc)

@@ -1,1 +1,1 @@
-zorvex_fuzz(fuzz_vbscript FuzzVbscript.cpp LIBS zorvex_script)
+zorvex_fuzz(FuzzVbscript FuzzVbscript.cpp LIBS zorvex_script)
