@@ -15,7 +15,7 @@ enum InternalOp : std::uint8_t {
     kPushLiteral = 0x01,  ///< b: index of the literal
     kPushConstant = 0x02, ///< b: index into the constant pool in force
     kPushRegister = 0x03, ///< b: number
-    kRegionEnd = 0x08,    ///< a `with` or `try` body ends here; b: byte offset
+    kRegionEnd = 0x1F,    ///< a `with` or `try` body ends here; b: byte offset
     kNothing = 0x16,
     kJumpAction = 0x99,
 };
@@ -153,7 +153,7 @@ constexpr ActionInfo kActions[] = {
     {0x05, "PreviousFrame",     3, &actions::previousFrame},
     {0x06, "Play",              3, &actions::play},
     {0x07, "Stop",              3, &actions::stop},
-    {0x08, "(region end)",      5, &actions::nothing},
+    {0x08, "ToggleQuality",     5, &actions::toggleQuality},
     {0x09, "StopSounds",        3, &actions::stopSounds},
     {0x0A, "Add",               4, &actions::add},
     {0x0B, "Subtract",          4, &actions::subtract},
@@ -171,6 +171,7 @@ constexpr ActionInfo kActions[] = {
     {0x18, "ToInteger",         4, &actions::toInteger},
     {0x1C, "GetVariable",       4, &actions::getVariable, kCached},
     {0x1D, "SetVariable",       4, &actions::setVariable},
+    {0x1F, "(region end)",      5, &actions::nothing},
     {0x20, "SetTarget2",        4, &actions::setTarget2},
     {0x21, "StringAdd",         4, &actions::stringAdd},
     {0x22, "GetProperty",       4, &actions::getProperty},
