@@ -164,16 +164,15 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
 {
     Vm& vm = frame.vm;
     unsigned next = 1;
-    // What is both preloaded and suppressed takes its register and leaves it empty.
+    // `this` both preloaded and suppressed takes its register and leaves it empty; the others are not so.
     const auto put = [&](FunctionHead::Flag flag, unsigned suppress, auto&& value) {
         if ((head.flags & flag) != 0)
             frame.setRegister(next++, (head.flags & suppress) != 0 ? Value() : Value(value()));
     };
     Object* const clip = frame.baseTarget;
     put(FunctionHead::PreloadThis, FunctionHead::SuppressThis, [&] { return frame.self; });
-    put(FunctionHead::PreloadArguments, FunctionHead::SuppressArguments,
-        [&] { return argumentsObject(frame); });
-    put(FunctionHead::PreloadSuper, FunctionHead::SuppressSuper, [&] { return superObject(frame); });
+    put(FunctionHead::PreloadArguments, 0, [&] { return argumentsObject(frame); });
+    put(FunctionHead::PreloadSuper, 0, [&] { return superObject(frame); });
     put(FunctionHead::PreloadRoot, 0,
         [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
     put(FunctionHead::PreloadParent, 0,
