@@ -79,6 +79,9 @@ TEST(Compile, RefusesHostileScriptsWithAnError)
         {"function beyond 64 KB", "function f() {" + repeated("trace(y + z);\n", 9000) + "}",
          "less than 64 KB"},
         {"string beyond an action", "x = \"" + repeated("a", 70'000) + "\"", "at most 65533 bytes"},
+        {"finally copied within finally",
+         repeated("for (;;) { try { break; } finally { ", 40) + "x = 1;" + repeated("} }", 40),
+         "at most 6 'finally' blocks"},
         {"zero byte", std::string("x = \"a\0b\"", 9), "without zero bytes"},
         {"bytes of no text", "\xFF\xFE\x80\x01", "expected"},
     };

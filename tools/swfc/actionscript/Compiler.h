@@ -26,12 +26,19 @@ public:
     std::vector<std::uint8_t> run(const std::vector<Stmt*>& body);
 
 private:
+    /// A break or continue that leaves a 'try': it goes to `from`, where a copy of 'finally' stands.
+    struct Exit {
+        Label from = 0;
+        std::size_t target = 0; // index of the statement that it leaves or goes on with
+        bool isBreak = true;
+    };
     /// Where break and continue lead, and what must be tidied up on the way out.
     struct Enclosing {
-        enum class Kind : std::uint8_t { Loop, Switch, Labeled, ForIn, TellTarget };
+        enum class Kind : std::uint8_t { Loop, Switch, Labeled, ForIn, TellTarget, Finally };
         Kind kind = Kind::Loop;
         std::vector<std::string> labels;
         Label breakTo = 0, continueTo = 0;
+        std::vector<Exit> exits = {}; // Finally
     };
     struct MethodContext {
         std::string className; // empty: not in a class
@@ -46,6 +53,7 @@ private:
         MethodContext method;
         const Function* function = nullptr;
         std::vector<Enclosing> enclosing;
+        int finallyCopies = 0; // that are being compiled, one within the other
     };
     struct Resolved {
         enum class Kind : std::uint8_t { Variable, Register, OwnMember, StaticMember };
@@ -71,7 +79,9 @@ private:
     void switchStatement(const Stmt* stmt);
     void tryStatement(const Stmt* stmt);
     void catchClauses(const Stmt* stmt);
+    void exitsOfTry(const Stmt* stmt, const std::vector<Exit>& exits);
     void jump(const Stmt* stmt);
+    void jumpTo(std::size_t target, bool isBreak);
     void leave(const Enclosing& enclosing);
     void returnStatement(const Stmt* stmt);
     void varStatement(const Stmt* stmt);
@@ -144,6 +154,7 @@ private:
     Assembler m_asm;
     std::string m_path; // of the script's file; imported classes are looked for beside it
     Scope m_scope;
+    int m_finallyCopiesInAll = 0;
     std::map<std::string, std::string> m_imports; // short class name to dotted
     std::vector<std::unique_ptr<Program>> m_imported;
     int m_importDepth = 0;

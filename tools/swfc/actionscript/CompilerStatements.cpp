@@ -326,12 +326,50 @@ void Compiler::tryStatement(const Stmt* stmt)
     else
         header.text(name);
     m_asm.record(Action::Try, header);
+    if (hasFinally) {
+        Enclosing enclosing;
+        enclosing.kind = Enclosing::Kind::Finally;
+        m_scope.enclosing.push_back(std::move(enclosing));
+    }
     statement(stmt->first);
     m_asm.mark(tryEnd);
     if (hasCatch) catchClauses(stmt);
     m_asm.mark(catchEnd);
-    if (hasFinally) statement(stmt->second);
+    if (!hasFinally) return m_asm.mark(finallyEnd);
+    const std::vector<Exit> exits = std::move(m_scope.enclosing.back().exits);
+    m_scope.enclosing.pop_back();
+    statement(stmt->second);
     m_asm.mark(finallyEnd);
+    exitsOfTry(stmt, exits);
+}
+
+/// The player runs 'finally' at a return and a throw, but a branch out of 'try' passes it by: each such
+/// branch leads here, behind the whole statement, where an exception of the copy meets no clause of its own.
+void Compiler::exitsOfTry(const Stmt* stmt, const std::vector<Exit>& exits)
+{
+    if (exits.empty()) return;
+    // Copies within copies double with each level. The count of all copies bounds the work on hostile
+    // sources; once the error is reported nothing more is copied.
+    constexpr int kMostNested = 6;
+    constexpr int kMostInAll = 2000;
+    if (m_finallyCopiesInAll > kMostInAll) return;
+    m_finallyCopiesInAll += static_cast<int>(exits.size());
+    if (m_scope.finallyCopies == kMostNested || m_finallyCopiesInAll > kMostInAll) {
+        error(stmt->where,
+              "at most 6 'finally' blocks within each other, and 2000 in all, that a jump leaves");
+        m_finallyCopiesInAll = kMostInAll + 1;
+        return;
+    }
+    ++m_scope.finallyCopies;
+    const Label end = m_asm.newLabel();
+    m_asm.branch(Action::Jump, end);
+    for (const Exit& exit : exits) {
+        m_asm.mark(exit.from);
+        statement(stmt->second);
+        jumpTo(exit.target, exit.isBreak);
+    }
+    m_asm.mark(end);
+    --m_scope.finallyCopies;
 }
 
 void Compiler::catchClauses(const Stmt* stmt)
@@ -384,7 +422,7 @@ void Compiler::jump(const Stmt* stmt)
     for (std::size_t i = around.size(); i-- > 0;) {
         using Kind = Enclosing::Kind;
         const Kind kind = around[i].kind;
-        if (kind == Kind::TellTarget) continue;
+        if (kind == Kind::TellTarget || kind == Kind::Finally) continue;
         const bool isLoop = kind == Kind::Loop || kind == Kind::ForIn;
         if (!isBreak && !isLoop) continue;
         if (stmt->text.empty()) {
@@ -404,7 +442,25 @@ void Compiler::jump(const Stmt* stmt)
             error(stmt->where, "a statement with the label '" + stmt->text + "' around " + what);
         return;
     }
-    for (std::size_t i = around.size() - 1; i > target; --i) leave(around[i]);
+    jumpTo(target, isBreak);
+}
+
+void Compiler::jumpTo(std::size_t target, bool isBreak)
+{
+    auto& around = m_scope.enclosing;
+    for (std::size_t i = around.size() - 1; i > target; --i) {
+        if (around[i].kind != Enclosing::Kind::Finally) {
+            leave(around[i]);
+            continue;
+        }
+        auto& exits = around[i].exits;
+        auto exit = std::find_if(exits.begin(), exits.end(), [&](const Exit& known) {
+            return known.target == target && known.isBreak == isBreak;
+        });
+        if (exit == exits.end()) exit = exits.insert(exit, {m_asm.newLabel(), target, isBreak});
+        m_asm.branch(Action::Jump, exit->from);
+        return;
+    }
     m_asm.branch(Action::Jump, isBreak ? around[target].breakTo : around[target].continueTo);
 }
 
@@ -414,12 +470,22 @@ void Compiler::returnStatement(const Stmt* stmt)
         error(stmt->where, "a function around 'return'");
         return;
     }
-    // The names that loops still hold go first: the value is computed from variables, not from the stack.
-    for (std::size_t i = m_scope.enclosing.size(); i-- > 0;) leave(m_scope.enclosing[i]);
     if (stmt->a != nullptr)
         value(stmt->a);
     else
         m_asm.push(UndefinedValue{});
+    // The value may depend on the target, and the names that loops still hold lie below it on the stack.
+    const auto& around = m_scope.enclosing;
+    const bool inForIn = std::any_of(around.begin(), around.end(), [](const Enclosing& enclosing) {
+        return enclosing.kind == Enclosing::Kind::ForIn;
+    });
+    const std::uint8_t kept = m_scope.temporary[1];
+    if (inForIn) {
+        m_asm.record(Action::StoreRegister, Assembler::Payload().u8(kept));
+        m_asm.op(Action::Pop);
+    }
+    for (std::size_t i = around.size(); i-- > 0;) leave(around[i]);
+    if (inForIn) m_asm.push(Register{kept});
     m_asm.op(Action::Return);
 }
 
