@@ -18,8 +18,8 @@ inline constexpr QRgb kPaper = qRgb(0xF6, 0xF8, 0xFC); ///< dialogs
 inline constexpr QRgb kAmber = qRgb(0xF2, 0xA9, 0x3B); ///< attention only
 inline constexpr QRgb kRed = qRgb(0xD9, 0x53, 0x4F);   ///< errors only
 
-/// Sets style, palette, font and language of the whole program, those of the toolkit's own dialogs among them.
-/// Needs the QApplication.
+/// Sets style, palette, font and language of the whole program, those of the toolkit's own dialogs among
+/// them. Needs the QApplication.
 void initialiseVisualStyle();
 
 } // namespace core::look

@@ -7,14 +7,13 @@ namespace core::texts
 
 inline constexpr const char* kPlaceStartUp = "Запуск";
 
-inline constexpr const char* kHelp =
-    "Проигрыватель роликов и проекторов Macromedia Flash.\n"
-    "\n"
-    "Использование: zorvex [ФАЙЛ]\n"
-    "\n"
-    "  ФАЙЛ        ролик (.swf) или проектор (.exe), который нужно открыть\n"
-    "  -h, --help  показать эту справку\n"
-    "  --version   показать версию\n";
+inline constexpr const char* kHelp = "Проигрыватель роликов и проекторов Macromedia Flash.\n"
+                                     "\n"
+                                     "Использование: zorvex [ФАЙЛ]\n"
+                                     "\n"
+                                     "  ФАЙЛ        ролик (.swf) или проектор (.exe), который нужно открыть\n"
+                                     "  -h, --help  показать эту справку\n"
+                                     "  --version   показать версию\n";
 
 // clang-format off
 inline constexpr const char* kFileNotFound     = "Файл не найден";

@@ -282,15 +282,19 @@ bool FlashControl::LoadMovie(int layer, const QString& url)
     bool done = true; // A handler of what the movie says may end this control's life.
     d->drive([&] {
         if (url.isEmpty()) {
-            if (layer == 0) d->engine.close();
-            else d->engine.stage().unloadLevel(layer);
+            if (layer == 0)
+                d->engine.close();
+            else
+                d->engine.stage().unloadLevel(layer);
             if (layer == 0) d->loaded(url);
             return;
         }
         const auto opened = d->engine.openLevel(layer, url.toStdString());
         done = opened.has_value();
-        if (!opened) d->error = QString::fromStdString(opened.error().what);
-        else if (layer == 0) d->loaded(url);
+        if (!opened)
+            d->error = QString::fromStdString(opened.error().what);
+        else if (layer == 0)
+            d->loaded(url);
     });
     return done;
 }
