@@ -7,20 +7,35 @@ namespace
 
 // Fields are read in the order of the file, so each is a statement of its own.
 
-DropShadowFilter readDropShadow(BodyReader& body)
+/// What follows the colours in every filter that casts something round a shape.
+template <typename Cast>
+Cast readCast(BodyReader& body, Cast filter)
 {
-    DropShadowFilter filter;
-    filter.color = body.rgba();
     filter.blurX = body.fixed16();
     filter.blurY = body.fixed16();
-    filter.angle = body.fixed16();
-    filter.distance = body.fixed16();
+    if constexpr (requires { filter.angle; }) {
+        filter.angle = body.fixed16();
+        filter.distance = body.fixed16();
+    }
     filter.strength = body.fixed8();
     filter.inner = body.flag();
     filter.knockout = body.flag();
     filter.compositeSource = body.flag();
-    filter.passes = static_cast<int>(body.bits(5));
+    if constexpr (requires { filter.onTop; }) {
+        filter.onTop = body.flag();
+        filter.passes = static_cast<int>(body.bits(4));
+    } else {
+        filter.passes = static_cast<int>(body.bits(5));
+    }
     return filter;
+}
+
+template <typename Cast>
+Cast readColoredCast(BodyReader& body)
+{
+    Cast filter;
+    filter.color = body.rgba();
+    return readCast(body, filter);
 }
 
 BlurFilter readBlur(BodyReader& body)
@@ -33,36 +48,12 @@ BlurFilter readBlur(BodyReader& body)
     return filter;
 }
 
-GlowFilter readGlow(BodyReader& body)
-{
-    GlowFilter filter;
-    filter.color = body.rgba();
-    filter.blurX = body.fixed16();
-    filter.blurY = body.fixed16();
-    filter.strength = body.fixed8();
-    filter.inner = body.flag();
-    filter.knockout = body.flag();
-    filter.compositeSource = body.flag();
-    filter.passes = static_cast<int>(body.bits(5));
-    return filter;
-}
-
 BevelFilter readBevel(BodyReader& body)
 {
     BevelFilter filter;
     filter.highlight = body.rgba(); // The file has it first, whatever descriptions of the format say.
     filter.shadow = body.rgba();
-    filter.blurX = body.fixed16();
-    filter.blurY = body.fixed16();
-    filter.angle = body.fixed16();
-    filter.distance = body.fixed16();
-    filter.strength = body.fixed8();
-    filter.inner = body.flag();
-    filter.knockout = body.flag();
-    filter.compositeSource = body.flag();
-    filter.onTop = body.flag();
-    filter.passes = static_cast<int>(body.bits(4));
-    return filter;
+    return readCast(body, filter);
 }
 
 GradientFilter readGradientFilter(BodyReader& body, bool bevel)
@@ -72,17 +63,7 @@ GradientFilter readGradientFilter(BodyReader& body, bool bevel)
     filter.stops.resize(body.u8());
     for (Gradient::Stop& stop : filter.stops) stop.color = body.rgba();
     for (Gradient::Stop& stop : filter.stops) stop.ratio = body.u8();
-    filter.blurX = body.fixed16();
-    filter.blurY = body.fixed16();
-    filter.angle = body.fixed16();
-    filter.distance = body.fixed16();
-    filter.strength = body.fixed8();
-    filter.inner = body.flag();
-    filter.knockout = body.flag();
-    filter.compositeSource = body.flag();
-    filter.onTop = body.flag();
-    filter.passes = static_cast<int>(body.bits(4));
-    return filter;
+    return readCast(body, std::move(filter));
 }
 
 ConvolutionFilter readConvolution(BodyReader& body)
@@ -122,9 +103,9 @@ base::Result<std::vector<Filter>> readFilters(BodyReader& body)
     for (unsigned i = 0; i < count && !body.overrun(); ++i) {
         const std::uint8_t kind = body.u8();
         switch (kind) {
-        case 0: filters.emplace_back(readDropShadow(body)); break;
+        case 0: filters.emplace_back(readColoredCast<DropShadowFilter>(body)); break;
         case 1: filters.emplace_back(readBlur(body)); break;
-        case 2: filters.emplace_back(readGlow(body)); break;
+        case 2: filters.emplace_back(readColoredCast<GlowFilter>(body)); break;
         case 3: filters.emplace_back(readBevel(body)); break;
         case 4: filters.emplace_back(readGradientFilter(body, false)); break;
         case 5: filters.emplace_back(readConvolution(body)); break;

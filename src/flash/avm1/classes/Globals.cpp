@@ -130,8 +130,26 @@ Value asNative(Call& call)
     return call.vm.nativeByNumber(table, index);
 }
 
-/// ASSetNative(object, table, names, first): puts numbered functions on an object under the given names. A
-/// digit before a name stands for the version from which on it is visible.
+/// Calls `define(name, flags)` for each name of a comma-separated list. A digit before a name stands for the
+/// version from which on it is visible.
+template <typename Define>
+void forEachVersionedName(std::u16string_view list, const Define& define)
+{
+    for (std::size_t at = 0; at <= list.size();) {
+        const std::size_t end = std::min(list.find(u',', at), list.size());
+        std::u16string_view name = list.substr(at, end - at);
+        std::uint16_t flags = 0;
+        if (!name.empty() && name[0] >= u'6' && name[0] <= u'9') {
+            constexpr std::uint16_t kByDigit[] = {kFrom6, kFrom7, kFrom8, kFrom9};
+            flags = kByDigit[name[0] - u'6'];
+            name.remove_prefix(1);
+        }
+        define(name, flags);
+        at = end + 1;
+    }
+}
+
+/// ASSetNative(object, table, names, first): puts numbered functions on an object under the given names.
 Value setNative(Call& call)
 {
     Vm& vm = call.vm;
@@ -139,23 +157,15 @@ Value setNative(Call& call)
     if (object == nullptr) return {};
     const std::int32_t table = toInt32(vm, call.arg(1));
     std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
-    const std::u16string text = toText(vm, call.arg(2));
-    for (std::size_t at = 0; at <= text.size(); ++index) {
-        const std::size_t end = std::min(text.find(u',', at), text.size());
-        std::u16string_view name = std::u16string_view(text).substr(at, end - at);
-        std::uint16_t flags = 0;
-        if (!name.empty() && name[0] >= u'6' && name[0] <= u'9') {
-            constexpr std::uint16_t kByDigit[] = {kFrom6, kFrom7, kFrom8, kFrom9};
-            flags = kByDigit[name[0] - u'6'];
-            name.remove_prefix(1);
-        }
+    forEachVersionedName(toText(vm, call.arg(2)), [&](std::u16string_view name, std::uint16_t flags) {
         if (Function* function = vm.nativeByNumber(table, index))
             object->define(vm, vm.name(name), function, flags);
-        at = end + 1;
-    }
+        ++index;
+    });
     return {};
 }
 
+/// ASSetNativeAccessor: likewise, each name taking two functions, getter and setter.
 Value setNativeAccessor(Call& call)
 {
     Vm& vm = call.vm;
@@ -163,20 +173,11 @@ Value setNativeAccessor(Call& call)
     if (object == nullptr) return {};
     const std::int32_t table = toInt32(vm, call.arg(1));
     std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
-    const std::u16string text = toText(vm, call.arg(2));
-    for (std::size_t at = 0; at <= text.size(); index += 2) {
-        const std::size_t end = std::min(text.find(u',', at), text.size());
-        std::u16string_view name = std::u16string_view(text).substr(at, end - at);
-        std::uint16_t flags = 0;
-        if (!name.empty() && name[0] >= u'6' && name[0] <= u'9') {
-            constexpr std::uint16_t kByDigit[] = {kFrom6, kFrom7, kFrom8, kFrom9};
-            flags = kByDigit[name[0] - u'6'];
-            name.remove_prefix(1);
-        }
+    forEachVersionedName(toText(vm, call.arg(2)), [&](std::u16string_view name, std::uint16_t flags) {
         if (Function* getter = vm.nativeByNumber(table, index))
             object->defineAccessor(vm, vm.name(name), getter, vm.nativeByNumber(table, index + 1), flags);
-        at = end + 1;
-    }
+        index += 2;
+    });
     return {};
 }
 
