@@ -25,15 +25,15 @@ constexpr const char* kVersionNotAvailableText = "Windows version is n/a";
 
 } // namespace
 
-void Application::InitLog(const QString& appPath, const QString& dataPath)
+void Application::InitLog(const QString& appPath, const std::optional<WrittenFolders>& written)
 {
     const QString separator = QDir::separator();
     AppPath = appPath;
-    DataPath = dataPath.isEmpty() ? appPath : dataPath;
+    SettingsPath = written ? written->settings : AppPath;
     GadgetsPath = AppPath + "media" + separator + "gadgets" + separator;
-    CachePath = DataPath + "cache" + separator;
+    CachePath = written ? written->cache : AppPath + "cache" + separator;
     SkinsPath = AppPath + "media" + separator + "skins" + separator;
-    LogFile = DataPath + kJournalName;
+    LogFile = (written ? written->log : AppPath) + kJournalName;
 
     if (fileExists(LogFile)) {
         std::error_code error;

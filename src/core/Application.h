@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+
 #include <filesystem>
+#include <optional>
 
 // core/: start-up, application paths, the event log, error reporting and the error screen. Nothing here knows
 // of a movie, a skin or the player's window; what it needs from the window it asks through ErrorHost.
@@ -10,6 +12,13 @@ namespace core
 {
 
 enum class LineBreak { None, Mark };
+
+/// Where a program that shares its folder with other users keeps what it writes; with closing separators.
+struct WrittenFolders {
+    QString settings;
+    QString cache;
+    QString log;
+};
 
 /// The records that are one for the whole process, and the event log they name. One object, made by main()
 /// and passed down by reference; a test makes a fresh one over a temporary folder. Records of the floors
@@ -20,22 +29,21 @@ class Application
 public:
     // All are absolute and end in a separator, except the log file. Folder names are appended as they stand,
     // so a program in the root folder has a doubled separator, which is accepted.
-    QString AppPath;     ///< the program's folder
-    QString CachePath;   ///< header copies, converted and extracted movies, thumbnails
-    QString SkinsPath;   ///< skin folders
-    QString GadgetsPath; ///< the program's own Flash pages
-    QString LogFile;     ///< the event log; empty: nothing is logged
-    QString
-        DataPath; ///< where the program may write: AppPath, or the user's own folder when that is read-only
+    QString AppPath;      ///< the program's folder
+    QString CachePath;    ///< header copies, converted and extracted movies, thumbnails
+    QString SkinsPath;    ///< skin folders
+    QString GadgetsPath;  ///< the program's own Flash pages
+    QString SettingsPath; ///< the folder of settings.xml
+    QString LogFile;      ///< the event log; empty: nothing is logged
 
     /// Arms error handlers. False inside a development session, where errors pass through to the debugger.
     bool RunningCompiled = false;
 
     /// Sets all paths, deletes the journal of the run before and begins a new one.
     /// @param appPath  the program's folder with its closing separator
-    /// @param dataPath the same for what is written: journal, cache and settings; empty means `appPath`
+    /// @param written  where to write when that is not the program's folder
     /// @throws base::Failure when the old journal cannot be deleted or the new one not written
-    void InitLog(const QString& appPath, const QString& dataPath = {});
+    void InitLog(const QString& appPath, const std::optional<WrittenFolders>& written = {});
 
     /// Appends one line to the journal (windows-1251, CR LF). The file is open only meanwhile, so the journal
     /// is complete up to its last entry even when the process dies.

@@ -2,10 +2,10 @@
 
 #include "base/Failure.h"
 #include "core/Texts.h"
+#include "platform/UserFolders.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 namespace core
 {
@@ -15,13 +15,28 @@ namespace
 /// A name that no shipped executable holds.
 constexpr const char* kDevelopmentProject = "ZorvexWorkbench";
 
-/// @returns the folder for what is written: empty when the program folder will do
-QString separateDataPath(const QString& appPath)
+/// Stands in a program folder that was put there by a package or by "install": other users share it, and what
+/// its manager did not put there would stay behind when the program is removed. So it is not written even by
+/// a user who could.
+constexpr const char* kInstalledMark = "installed";
+
+/// @returns why the program folder is left alone, or null when it is the place for what is written
+const char* reasonToWriteElsewhere(const QString& appPath)
 {
-    if (QFileInfo(appPath).isWritable()) return {};
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/zorvex/";
-    QDir().mkpath(folder + "cache");
-    return QDir::toNativeSeparators(folder);
+    if (fileExists(appPath + kInstalledMark)) return "the program is installed for all users";
+    if (!QFileInfo(appPath).isWritable()) return "the program folder cannot be written";
+    return nullptr;
+}
+
+WrittenFolders usersFolders()
+{
+    using platform::UserFolder;
+    const auto own = [](UserFolder folder) {
+        const QString path = platform::userFolder(folder) + "zorvex/";
+        QDir().mkpath(path); // a failure shows in what is written there
+        return QDir::toNativeSeparators(path);
+    };
+    return {own(UserFolder::Settings), own(UserFolder::Cache), own(UserFolder::State)};
 }
 
 } // namespace
@@ -31,12 +46,13 @@ void StartUp(Application& application, const QString& executable, const QString&
 {
     const QString appPath =
         QDir::toNativeSeparators(QFileInfo(executable).absolutePath()) + QDir::separator();
-    const QString dataPath = separateDataPath(appPath);
+    const char* elsewhere = reasonToWriteElsewhere(appPath);
+    const auto written = elsewhere != nullptr ? std::optional(usersFolders()) : std::nullopt;
     try {
-        application.InitLog(appPath, dataPath);
+        application.InitLog(appPath, written);
     } catch (const base::Failure&) {
         // A program that was installed read-only starts even when the user's folder takes no journal either.
-        if (dataPath.isEmpty()) throw;
+        if (!written) throw;
         application.LogFile.clear();
     }
     application.LogEvent(" :: Start Up");
@@ -50,6 +66,8 @@ void StartUp(Application& application, const QString& executable, const QString&
     application.LogEvent("Application Path: " + application.AppPath);
     application.LogEvent("Cache Path: " + application.CachePath);
     application.LogEvent("Argument: " + commandLine);
+    if (elsewhere != nullptr)
+        application.LogEvent("Settings Path: " + application.SettingsPath + " (" + elsewhere + ")");
 }
 
 QString commandLine(const QStringList& arguments)

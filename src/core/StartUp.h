@@ -10,7 +10,8 @@ namespace core
 
 /// The steps of starting before there is a window: paths, journal, development test, visual style, and the
 /// journal's lines on all of them. No folder is created, with one exception: a program folder that the user
-/// may not write to (an installed program) moves journal, cache and settings to the user's own data folder.
+/// may not write to, or that is installed for all users, leaves settings, cache and journal to the user's own
+/// folders. That is decided here once and stands in the journal.
 /// There is no guard against a second instance; each launch has its own journal, the later one wins.
 /// @param executable   absolute path of the running program
 /// @param commandLine  the arguments as one text, quotes included

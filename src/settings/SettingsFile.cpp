@@ -105,7 +105,7 @@ std::optional<bool> toBoolean(const QString& text)
     return number != 0;
 }
 
-QString SettingsFile::path() const { return m_application.DataPath + kFileName; }
+QString SettingsFile::path() const { return m_application.SettingsPath + kFileName; }
 
 void SettingsFile::log(const QString& text)
 {

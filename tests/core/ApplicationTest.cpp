@@ -116,18 +116,72 @@ TEST_F(ApplicationTest, StartUpLogsItsStepsInOrder)
     EXPECT_TRUE(content(application.LogFile).endsWith("Argument: <br>\r\n"));
 }
 
-TEST_F(ApplicationTest, ReadOnlyProgramFolderMovesWhatIsWritten)
+/// Sets variables of the environment for as long as it lives.
+class Environment
 {
-    if (::geteuid() == 0) GTEST_SKIP() << "the superuser writes everywhere";
-    qputenv("XDG_DATA_HOME", (folder() + "data").toUtf8());
+public:
+    Environment(std::initializer_list<std::pair<const char*, QString>> values)
+    {
+        for (const auto& [name, value] : values) {
+            m_before.emplace_back(name, qgetenv(name));
+            qputenv(name, value.toUtf8());
+        }
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+    ~Environment()
+    {
+        for (const auto& [name, value] : m_before) value.isNull() ? qunsetenv(name) : qputenv(name, value);
+    }
+
+private:
+    std::vector<std::pair<const char*, QByteArray>> m_before;
+};
+
+TEST_F(ApplicationTest, SharedProgramFolderMovesWhatIsWritten)
+{
+    const Environment environment{{"HOME", folder() + "home"},
+                                  {"XDG_CONFIG_HOME", folder() + "config/"},
+                                  {"XDG_CACHE_HOME", "relative/is/ignored"},
+                                  {"XDG_STATE_HOME", ""}};
     const QString program = folder() + "program";
     ASSERT_TRUE(QDir().mkdir(program));
-    QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
+    QFile mark(program + "/installed");
+    ASSERT_TRUE(mark.open(QFile::WriteOnly));
     StartUp(application, program + "/Zorvex", {});
     EXPECT_EQ(application.AppPath, program + "/");
-    EXPECT_EQ(application.CachePath, folder() + "data/zorvex/cache/");
-    EXPECT_TRUE(QFile::exists(folder() + "data/zorvex/App.Log.html"));
-    QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    EXPECT_EQ(application.SkinsPath, program + "/media/skins/") << "what is installed is not moved";
+    EXPECT_EQ(application.SettingsPath, folder() + "config/zorvex/");
+    EXPECT_EQ(application.CachePath, folder() + "home/.cache/zorvex/");
+    EXPECT_EQ(application.LogFile, folder() + "home/.local/state/zorvex/App.Log.html");
+    EXPECT_TRUE(QDir(application.CachePath).exists() && QDir(application.SettingsPath).exists());
+    EXPECT_TRUE(content(application.LogFile)
+                    .contains("Settings Path: " + application.SettingsPath.toUtf8() +
+                              " (the program is installed for all users)<br>\r\n"));
+    EXPECT_EQ(QDir(program).entryList(QDir::Files), QStringList("installed"));
+
+    // Without the mark a folder that takes no files has the same effect; the superuser writes everywhere.
+    ASSERT_TRUE(mark.remove());
+    if (::geteuid() != 0) {
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner);
+        StartUp(application, program + "/Zorvex", {});
+        EXPECT_EQ(application.SettingsPath, folder() + "config/zorvex/");
+        EXPECT_TRUE(content(application.LogFile).contains("(the program folder cannot be written)"));
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    StartUp(application, program + "/Zorvex", {});
+    EXPECT_EQ(application.SettingsPath, program + "/");
+    EXPECT_EQ(application.LogFile, program + "/App.Log.html") << "a folder of one's own stays portable";
+}
+
+TEST_F(ApplicationTest, StartsWithoutAJournalWhenTheUserHasNoFolder)
+{
+    const Environment environment{
+        {"HOME", "/proc/none"}, {"XDG_CONFIG_HOME", ""}, {"XDG_CACHE_HOME", ""}, {"XDG_STATE_HOME", ""}};
+    QFile mark(folder() + "installed");
+    ASSERT_TRUE(mark.open(QFile::WriteOnly));
+    EXPECT_NO_THROW(StartUp(application, folder() + "Zorvex", {}));
+    EXPECT_TRUE(application.LogFile.isEmpty());
 }
 
 TEST(CommandLine, QuotesArgumentsWithSpaces)

@@ -180,7 +180,8 @@ TEST_F(SettingsFiles, AreSeededFromTheInstalledProgram)
 {
     put(QByteArray(shipped()).replace("volume=\"100\"", "volume=\"31\""));
     QTemporaryDir own;
-    application.InitLog(m_folder.path() + '/', own.path() + '/');
+    const QString folder = own.path() + '/';
+    application.InitLog(m_folder.path() + '/', core::WrittenFolders{folder, folder, folder});
     SettingsFile file(application);
     ASSERT_TRUE(file.load(options, recent));
     EXPECT_EQ(options.volume, 31);

@@ -1,0 +1,36 @@
+#include "platform/UserFolders.h"
+
+#include <QDir>
+
+namespace platform
+{
+namespace
+{
+
+struct Place {
+    const char* variable;
+    const char* belowHome;
+};
+
+Place placeOf(UserFolder folder)
+{
+    switch (folder) {
+    case UserFolder::Settings: return {"XDG_CONFIG_HOME", ".config"};
+    case UserFolder::Cache: return {"XDG_CACHE_HOME", ".cache"};
+    case UserFolder::State: return {"XDG_STATE_HOME", ".local/state"};
+    case UserFolder::Data: return {"XDG_DATA_HOME", ".local/share"};
+    }
+    return {"", ""};
+}
+
+} // namespace
+
+QString userFolder(UserFolder folder)
+{
+    const Place place = placeOf(folder);
+    const QString chosen = QFile::decodeName(qgetenv(place.variable));
+    const QString path = QDir::isAbsolutePath(chosen) ? chosen : QDir::homePath() + '/' + place.belowHome;
+    return QDir::cleanPath(path) + '/';
+}
+
+} // namespace platform
