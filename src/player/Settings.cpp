@@ -63,9 +63,7 @@ bool Player::SaveOpts()
 
 void Player::mnuOpt_Click()
 {
-    settings::Features features;
-    features.pages = core::fileExists(m_application.GadgetsPath + "welcome.swf");
-    settings::frmOptions dialog(this, m_options, features);
+    settings::frmOptions dialog(this, m_options);
     ShowDialog(dialog);
     if (dialog.result() == QDialog::Accepted && !SaveOpts())
         QMessageBox::warning(this, core::kProductName, texts::kOptionsUnsaved);

@@ -20,7 +20,6 @@ namespace
 constexpr int kMargin = 16;
 constexpr int kControlHeight = 28;
 constexpr int kLeastWidth = 360;
-constexpr int kMediaBrowser = 1; // of the start-up actions
 
 QString dialogStyle()
 {
@@ -110,18 +109,16 @@ private:
     static constexpr int kGap = 10;
 };
 
-void addHeading(QVBoxLayout& column, const char* name, const char* text, bool shown)
+void addHeading(QVBoxLayout& column, const char* name, const char* text)
 {
     auto* label = new QLabel(text, column.parentWidget());
     label->setObjectName(name);
-    label->setVisible(shown);
     column.addWidget(label);
 }
 
 } // namespace
 
-frmOptions::frmOptions(QWidget* parent, Options& options, const Features& features)
-    : QDialog(parent), m_options(options)
+frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_options(options)
 {
     setObjectName("frmOptions");
     setWindowTitle(texts::kCaption);
@@ -131,30 +128,21 @@ frmOptions::frmOptions(QWidget* parent, Options& options, const Features& featur
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(4);
 
-    m_startUp = addList(*column, "lblStartUp", texts::kStartUp, "cmbStartUp", texts::kStartUpTip);
-    for (int action = 0; action < static_cast<int>(std::size(texts::kStartUpItems)); ++action)
-        if (action != kMediaBrowser || features.mediaBrowser)
-            m_startUp->addItem(texts::kStartUpItems[action], action);
-    m_startUp->setCurrentIndex(m_startUp->findData(options.startUp));
+    m_startUp = addList(*column, "lblStartUp", texts::kStartUp, "cmbStartUp", texts::kStartUpTip,
+                        texts::kStartUpItems, options.startUp);
     column->addSpacing(8);
-    m_cache = addList(*column, "lblQuit", texts::kQuit, "cmbCache", texts::kCacheTip);
-    for (int mode = 0; mode < static_cast<int>(std::size(texts::kCacheItems)); ++mode)
-        m_cache->addItem(texts::kCacheItems[mode], mode);
-    m_cache->setCurrentIndex(m_cache->findData(options.cacheMode));
-
-    const bool anyPerformance = features.pages || features.skins || features.thumbnails;
-    if (anyPerformance) column->addSpacing(12);
-    addHeading(*column, "lblPerfomance", texts::kPerformance, anyPerformance); // spelled so on purpose
+    m_cache = addList(*column, "lblQuit", texts::kQuit, "cmbCache", texts::kCacheTip, texts::kCacheItems,
+                      options.cacheMode);
+    column->addSpacing(12);
+    addHeading(*column, "lblPerfomance", texts::kPerformance); // spelled so on purpose
     m_animation = addBox(*column, "chkAnimation", texts::kAnimation, texts::kAnimationTip,
-                         !toBoolean(options.noAnimation).value_or(false), features.pages);
-    m_specialEffects = addBox(*column, "chkSFX", texts::kSpecialEffects, texts::kSpecialEffectsTip,
-                              options.sfx, features.skins);
-    m_hqShots = addBox(*column, "chkHQShots", texts::kHqShots, texts::kHqShotsTip, options.hqShots,
-                       features.thumbnails);
-    if (features.association) column->addSpacing(12);
-    addHeading(*column, "lblAssoc", texts::kAssociation, features.association);
-    m_associate = addBox(*column, "chkAssoc", texts::kMakeDefault, texts::kAssociationTip, options.associate,
-                         features.association);
+                         !toBoolean(options.noAnimation).value_or(false));
+    m_specialEffects =
+        addBox(*column, "chkSFX", texts::kSpecialEffects, texts::kSpecialEffectsTip, options.sfx);
+    m_hqShots = addBox(*column, "chkHQShots", texts::kHqShots, texts::kHqShotsTip, options.hqShots);
+    column->addSpacing(12);
+    addHeading(*column, "lblAssoc", texts::kAssociation);
+    m_associate = addBox(*column, "chkAssoc", texts::kMakeDefault, texts::kAssociationTip, options.associate);
 
     column->addSpacing(12);
     column->addStretch(1);
@@ -190,7 +178,8 @@ frmOptions::frmOptions(QWidget* parent, Options& options, const Features& featur
 }
 
 QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const char* label,
-                               const char* name, const char* tip)
+                               const char* name, const char* tip, std::span<const char* const> items,
+                               int chosen)
 {
     auto* text = new QLabel(label, this);
     text->setObjectName(labelName);
@@ -199,32 +188,33 @@ QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const
     list->setToolTip(tip);
     list->setAccessibleName(label);
     list->setFixedHeight(kControlHeight);
+    for (const char* item : items) list->addItem(item);
+    // A number that no entry stands for shows none, and is kept until one is chosen.
+    list->setCurrentIndex(chosen >= 0 && chosen < list->count() ? chosen : -1);
     column.addWidget(text);
     column.addWidget(list);
     return list;
 }
 
 QCheckBox* frmOptions::addBox(QVBoxLayout& column, const char* name, const char* caption, const char* tip,
-                              bool checked, bool shown)
+                              bool checked)
 {
     auto* box = new Box(caption, this);
     box->setObjectName(name);
     box->setToolTip(tip);
     box->setChecked(checked);
-    box->setVisible(shown);
     column.addWidget(box);
     return box;
 }
 
 void frmOptions::cbOk_Click()
 {
-    // What the window does not show keeps its value.
-    if (!m_animation->isHidden()) m_options.noAnimation = m_animation->isChecked() ? "False" : "True";
+    m_options.noAnimation = m_animation->isChecked() ? "False" : "True";
     m_options.sfx = m_specialEffects->isChecked();
     m_options.hqShots = m_hqShots->isChecked();
     m_options.associate = m_associate->isChecked();
-    if (m_cache->currentIndex() >= 0) m_options.cacheMode = m_cache->currentData().toInt();
-    if (m_startUp->currentIndex() >= 0) m_options.startUp = m_startUp->currentData().toInt();
+    if (m_cache->currentIndex() >= 0) m_options.cacheMode = m_cache->currentIndex();
+    if (m_startUp->currentIndex() >= 0) m_options.startUp = m_startUp->currentIndex();
     accept();
 }
 

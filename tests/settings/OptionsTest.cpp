@@ -8,6 +8,7 @@
 #include <QFontMetrics>
 #include <QPushButton>
 #include <QTest>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 namespace settings
@@ -58,9 +59,9 @@ TEST(CompactPath, FitsWithFolderEllipsisAndName)
 class OptionsWindow : public testing::Test
 {
 protected:
-    void open(const Features& features = {true, true, true, true, true})
+    void open()
     {
-        dialog = std::make_unique<frmOptions>(nullptr, options, features);
+        dialog = std::make_unique<frmOptions>(nullptr, options);
         dialog->show();
     }
     template <class T>
@@ -119,20 +120,51 @@ TEST_F(OptionsWindow, CancelAndEscapeChangeNothing)
     }
 }
 
-TEST_F(OptionsWindow, KeepsTheValuesOfWhatItDoesNotShow)
+TEST_F(OptionsWindow, KeepsNumbersThatNoEntryStandsFor)
 {
-    options.noAnimation = "yes";
-    options.startUp = 1;
+    options.startUp = -1;
     options.cacheMode = 3;
-    options.sfx = false;
-    open(Features{});
-    EXPECT_FALSE(find<QCheckBox>("chkSFX").isVisible());
-    EXPECT_EQ(find<QComboBox>("cmbStartUp").count(), 2);
+    options.noAnimation = "perhaps";
+    open();
+    EXPECT_EQ(find<QComboBox>("cmbCache").currentIndex(), -1);
+    EXPECT_TRUE(find<QCheckBox>("chkAnimation").isChecked()) << "only what means True unchecks it";
     click("cbOk");
-    EXPECT_EQ(options.noAnimation, "yes");
-    EXPECT_EQ(options.startUp, 1);
+    EXPECT_EQ(options.startUp, -1);
     EXPECT_EQ(options.cacheMode, 3);
-    EXPECT_FALSE(options.sfx);
+    EXPECT_EQ(options.noAnimation, "False");
+}
+
+TEST_F(OptionsWindow, IsWorkedByKeysAlone)
+{
+    open();
+    dialog->activateWindow();
+    QStringList visited;
+    for (int i = 0; i < 8; ++i) {
+        ASSERT_NE(dialog->focusWidget(), nullptr);
+        visited += dialog->focusWidget()->objectName();
+        QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(visited, (QStringList{"cmbStartUp", "cmbCache", "chkAnimation", "chkSFX", "chkHQShots",
+                                    "chkAssoc", "cbOk", "cbCancel"}));
+    find<QCheckBox>("chkHQShots").setFocus();
+    QTest::keyClick(dialog->focusWidget(), Qt::Key_Space);
+    QTest::keyClick(dialog.get(), Qt::Key_Return);
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    EXPECT_FALSE(options.hqShots);
+}
+
+TEST_F(OptionsWindow, SaysOfEveryControlWhatItIsFor)
+{
+    open();
+    for (const char* name : {"cmbStartUp", "cmbCache", "chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"})
+        EXPECT_GT(find<QWidget>(name).toolTip().size(), 20) << name;
+    EXPECT_EQ(find<QComboBox>("cmbStartUp").accessibleName(), "При запуске по умолчанию:");
+    // A list must not change because the pointer stood over it while the user scrolled.
+    auto& list = find<QComboBox>("cmbCache");
+    QWheelEvent wheel({9, 9}, list.mapToGlobal(QPointF(9, 9)), {}, {0, -120}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&list, &wheel);
+    EXPECT_EQ(list.currentIndex(), 0);
 }
 
 } // namespace
