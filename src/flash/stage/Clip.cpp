@@ -308,7 +308,12 @@ bool Clip::hitsShape(swf::Point stagePoint)
         if (child->mask() && !child->mask()->hitsShape(stagePoint)) continue;
         if (child->hitsShape(stagePoint)) return true;
     }
-    return m_drawing && !m_drawing->isEmpty() && render::shapeContains(*m_drawing->shape(), own);
+    return m_drawing && !m_drawing->isEmpty() && shapeHit(*this, *m_drawing->shape(), stagePoint);
+}
+
+std::shared_ptr<const swf::Shape> Clip::outline()
+{
+    return m_drawing && !m_drawing->isEmpty() ? m_drawing->shape() : nullptr;
 }
 
 void Clip::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)

@@ -92,6 +92,7 @@ public:
 
 protected:
     void forgetBounds() override;
+    std::shared_ptr<const swf::Shape> outline() override;
 
 private:
     friend class Stage;

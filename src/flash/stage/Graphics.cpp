@@ -11,14 +11,6 @@ namespace flash::stage
 namespace
 {
 
-bool shapeHit(const Node& node, const swf::Shape& shape, swf::Point stagePoint)
-{
-    const swf::Matrix toStage = node.toStage();
-    if (!toStage.isInvertible()) return false;
-    const swf::Point point = toStage.inverted().map(stagePoint);
-    return render::shapeContains(shape, point);
-}
-
 swf::Rect extentOf(const swf::Shape& shape, Node::Extent extent)
 {
     return extent == Node::Extent::WithStrokes ? shape.bounds : shape.edgeBounds;
@@ -35,6 +27,14 @@ swf::Matrix scaledBy(const swf::Matrix& m, double factor)
 }
 
 } // namespace
+
+bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint)
+{
+    const auto sliced = node.sliced();
+    const swf::Matrix toStage = sliced ? sliced->holder->toStage() * sliced->toHolder : node.toStage();
+    if (!toStage.isInvertible()) return false;
+    return render::shapeContains(sliced ? *sliced->shape : shape, toStage.inverted().map(stagePoint));
+}
 
 bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint)
 {

@@ -19,6 +19,9 @@ public:
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
 
+protected:
+    std::shared_ptr<const swf::Shape> outline() override { return m_shape; }
+
 private:
     std::shared_ptr<const swf::Shape> m_shape;
 };
@@ -34,6 +37,9 @@ public:
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+
+protected:
+    std::shared_ptr<const swf::Shape> outline() override { return shape(); }
 
 private:
     const std::shared_ptr<const swf::Shape>& shape();
@@ -105,6 +111,9 @@ private:
     const swf::VideoStream& m_stream; ///< belongs to movie()
     std::shared_ptr<const swf::Bitmap> m_picture;
 };
+
+/// Whether a stage point (twips) lies on a shape of the node, as its scaling grid may spread it.
+bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint);
 
 /// Whether a stage point (twips) lies within a node's rectangle.
 bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint);

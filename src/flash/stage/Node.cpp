@@ -1,6 +1,7 @@
 #include "flash/stage/Node.h"
 
 #include "flash/stage/Clip.h"
+#include "flash/stage/ScalingGrid.h"
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
@@ -319,6 +320,45 @@ void Node::setScalingGrid(std::optional<swf::Rect> grid)
     invalidate();
 }
 
+struct Node::SliceCache {
+    ScalingGrid grid;
+    swf::Matrix inner;
+    std::shared_ptr<const swf::Shape> source, result;
+};
+
+Node::Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind) {}
+Node::~Node() = default;
+
+std::optional<Node::Sliced> Node::sliced()
+{
+    Node* holder = m_kind == NodeKind::Clip ? this : m_parent;
+    if (!holder || !holder->m_scalingGrid) return {};
+    const swf::Matrix& placed = holder->m_matrix;
+    // The sine of an angle too small to see; half a turn leaves less.
+    constexpr double kUpright = 1e-6;
+    if (std::abs(placed.b) > kUpright || std::abs(placed.c) > kUpright || placed.a == 0 || placed.d == 0)
+        return {};
+    std::shared_ptr<const swf::Shape> source = outline();
+    const swf::Rect bounds = holder->bounds();
+    if (!source || bounds.isEmpty()) return {};
+    const ScalingGrid grid(*holder->m_scalingGrid, bounds, placed.a, placed.d);
+    const swf::Matrix inner = holder == this ? swf::Matrix() : m_matrix;
+    if (!m_sliceCache || m_sliceCache->source != source || m_sliceCache->inner != inner ||
+        m_sliceCache->grid != grid) {
+        auto result = std::make_shared<const swf::Shape>(grid.apply(*source, inner));
+        m_sliceCache = std::make_unique<SliceCache>(grid, inner, std::move(source), std::move(result));
+    }
+    return Sliced{m_sliceCache->result, holder,
+                  swf::Matrix{1 / std::abs(placed.a), 0, 0, 1 / std::abs(placed.d), 0, 0}};
+}
+
+swf::Rect Node::reach()
+{
+    const auto slices = sliced();
+    if (!slices || slices->holder == this || !m_matrix.isInvertible()) return bounds();
+    return swf::mapBounds(m_matrix.inverted(), slices->holder->bounds());
+}
+
 void Node::setRatio(std::uint16_t ratio) { m_ratio = ratio; }
 
 void Node::setClipDepth(std::optional<int> depth)
@@ -377,6 +417,8 @@ void Node::invalidate()
 void Node::contentChanged()
 {
     invalidate();
+    // The sides of a grid move with the bounds of all.
+    if (m_parent && m_parent->m_scalingGrid) m_parent->invalidate();
     forgetBounds();
 }
 

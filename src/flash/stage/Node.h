@@ -40,8 +40,8 @@ constexpr int kUnloadDepthBase = -32769;
 class Node : public std::enable_shared_from_this<Node>
 {
 public:
-    Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind) {}
-    virtual ~Node() = default;
+    Node(Stage& stage, NodeKind kind);
+    virtual ~Node();
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
@@ -132,6 +132,18 @@ public:
     /// Whether a point of the stage (twips) lies on what is drawn.
     [[nodiscard]] virtual bool hitsShape(swf::Point stagePoint) = 0;
 
+    /// What its own painting may cover, in its own space: bounds(), unless a scaling grid moves it.
+    [[nodiscard]] swf::Rect reach();
+    /// An outline as a scaling grid spreads it: the grid of the clip around a shape, or of the clip itself
+    /// for what is drawn on it.
+    struct Sliced {
+        std::shared_ptr<const swf::Shape> shape;
+        Node* holder;         ///< the node whose grid it is
+        swf::Matrix toHolder; ///< from the shape's space to the holder's
+    };
+    /// Nothing unless there is a grid that counts: not when its clip is turned or skewed.
+    [[nodiscard]] std::optional<Sliced> sliced();
+
     /// What it contains, in depth order.
     [[nodiscard]] virtual std::span<const NodePtr> children() const { return {}; }
     /// Paints what the node itself shows; containers paint nothing (the renderer walks their children).
@@ -150,6 +162,8 @@ public:
     void* peer = nullptr;
 
 protected:
+    /// What a scaling grid slices. Null for what is scaled as a whole.
+    virtual std::shared_ptr<const swf::Shape> outline() { return nullptr; }
     void cacheScale();
     /// A cached extent somewhere above is out of date.
     virtual void forgetBounds();
@@ -182,7 +196,9 @@ protected:
     std::optional<int> m_clipDepth;
     Node* m_mask = nullptr;
     Node* m_maskee = nullptr;
-    render::IntRect m_drawnBounds; ///< device pixels, as last drawn; empty when not drawn
+    struct SliceCache;
+    std::unique_ptr<SliceCache> m_sliceCache; ///< made when first sliced
+    render::IntRect m_drawnBounds;            ///< device pixels, as last drawn; empty when not drawn
 };
 
 } // namespace flash::stage

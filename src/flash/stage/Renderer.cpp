@@ -29,10 +29,10 @@ void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf
 void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
     const double scale = std::sqrt(std::abs(m_view.a * m_view.d)) * swf::kTwipsPerPixel;
-    const render::IntRect content = render::deviceBounds(node.bounds(), toDevice);
+    const render::IntRect content = render::deviceBounds(node.reach(), toDevice);
     render::IntRect reach = content;
     if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
-    if (!m_forPicture) node.m_drawnBounds = reach;
+    if (!m_pictureRoot) node.m_drawnBounds = reach;
     if (!reach.intersects(m_canvas.clip())) return;
 
     const bool alphaMask = node.mask() && node.cacheAsBitmap() && node.mask()->cacheAsBitmap();
@@ -56,7 +56,7 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::Co
 void Renderer::drawForPicture(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
     if (node.maskee()) return;
-    m_forPicture = true;
+    m_pictureRoot = &node;
     if (node.mask()) {
         m_canvas.beginMask();
         drawAsMask(*node.mask(), toDevice * node.toStage().inverted() * node.mask()->toStage());
@@ -64,7 +64,7 @@ void Renderer::drawForPicture(Node& node, const swf::Matrix& toDevice, const swf
     }
     drawContent(node, toDevice, color);
     if (node.mask()) m_canvas.popMask();
-    m_forPicture = false;
+    m_pictureRoot = nullptr;
 }
 
 void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
@@ -75,7 +75,7 @@ void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::C
         m_canvas.fillRect(node.bounds(), toDevice, background);
     }
     if (!node.scrollRect()) {
-        node.draw(m_canvas, toDevice, color);
+        drawOwn(node, toDevice, color);
         drawChildren(node, toDevice, color);
         return;
     }
@@ -88,9 +88,21 @@ void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::C
                                                         1,
                                                         -static_cast<double>(node.scrollRect()->xMin),
                                                         -static_cast<double>(node.scrollRect()->yMin)};
-    node.draw(m_canvas, scrolled, color);
+    drawOwn(node, scrolled, color);
     drawChildren(node, scrolled, color);
     m_canvas.popMask();
+}
+
+void Renderer::drawOwn(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    // A picture's root has no scale there.
+    if (const auto sliced = node.sliced(); sliced && sliced->holder != m_pictureRoot) {
+        if (sliced->holder != &node && !node.matrix().isInvertible()) return;
+        const swf::Matrix holder = sliced->holder == &node ? toDevice : toDevice * node.matrix().inverted();
+        m_canvas.drawShape(sliced->shape, holder * sliced->toHolder, color);
+        return;
+    }
+    node.draw(m_canvas, toDevice, color);
 }
 
 void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)

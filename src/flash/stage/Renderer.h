@@ -21,13 +21,15 @@ public:
 
 private:
     void drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+    void drawOwn(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawAsMask(Node& mask, const swf::Matrix& toDevice);
     render::Canvas& m_canvas;
     swf::Matrix m_view;
     int m_depth = 0;
-    bool m_forPicture = false; ///< what is drawn says nothing about where the stage must be drawn again
+    /// What a picture is drawn of; what is drawn then says nothing about where the stage must be drawn again.
+    Node* m_pictureRoot = nullptr;
 };
 
 } // namespace flash::stage

@@ -173,7 +173,7 @@ void Stage::collectDirty()
         if (node->isRemoved()) continue;
         // What lies under a mask that masks no more shows up whole; the mask itself is drawn from now on.
         node->m_drawnBounds = {};
-        render::IntRect bounds = render::deviceBounds(node->bounds(), view * node->toStage());
+        render::IntRect bounds = render::deviceBounds(node->reach(), view * node->toStage());
         for (const Node* at = node.get(); at; at = at->parent())
             if (!at->filters().empty())
                 bounds = render::grown(bounds, render::filterGrowth(at->filters(), scale));
