@@ -231,6 +231,8 @@ base::Result<void> Engine::open(const std::string& address)
         d->stage->setViewSize(d->devicePixels(frame.width()), d->devicePixels(frame.height()));
     }
     d->sound.setFrameRate(movie->header.frameRate);
+    constexpr double kMsPerSecond = 1000;
+    d->script->vm().setLimits(movie->scriptMaxRecursion, movie->scriptTimeoutSeconds * kMsPerSecond);
     d->stage->open(std::move(movie), source.url);
     return {};
 }

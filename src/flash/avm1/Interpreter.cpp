@@ -1,6 +1,7 @@
 #include "flash/avm1/Interpreter.h"
 
 #include <algorithm>
+#include <string>
 
 // Calls: from script to script, to natives and back.
 namespace flash::avm1
@@ -79,8 +80,9 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
         vm.m_startedMs = vm.m_host.realTimeMs();
         vm.m_budget = 0;
     }
-    if (vm.m_depth >= Vm::kMostNestedCalls) {
-        abort(vm, "256 levels of recursion were exceeded in one action list.");
+    if (vm.m_depth >= vm.m_nestedCalls) {
+        abort(vm,
+              std::to_string(vm.m_nestedCalls) + " levels of recursion were exceeded in one action list.");
         return {};
     }
     ++vm.m_depth;
@@ -232,7 +234,7 @@ Value Interpreter::construct(Vm& vm, Value constructor, std::span<const Value> a
 
 void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
 {
-    if (vm.m_disabled || vm.m_depth >= Vm::kMostNestedCalls) return;
+    if (vm.m_disabled || vm.m_depth >= vm.m_nestedCalls) return;
     if (vm.m_depth == 0) {
         vm.m_startedMs = vm.m_host.realTimeMs();
         vm.m_budget = 0;

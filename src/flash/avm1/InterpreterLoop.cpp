@@ -210,7 +210,7 @@ void Interpreter::safepoint(Frame& frame)
     if (--vm.m_budget > 0) return;
     vm.m_budget = kSafepointsBetweenClockLooks;
     const double now = vm.m_host.realTimeMs();
-    if (now - vm.m_startedMs < Vm::kScriptTimeoutMs) return;
+    if (now - vm.m_startedMs < vm.m_timeoutMs) return;
     if (vm.m_host.askToStopScript((now - vm.m_startedMs) / 1000))
         abort(vm, "A script in this movie ran for too long and was stopped.");
     else

@@ -23,6 +23,12 @@ Vm::Vm(Host& host) : m_host(host), m_names(m_heap), m_stack(std::make_unique<Val
 
 Vm::~Vm() = default;
 
+void Vm::setLimits(int calls, double timeoutMs)
+{
+    m_nestedCalls = calls > 0 ? std::min(calls, kMostNestedCalls) : kUsualNestedCalls;
+    m_timeoutMs = timeoutMs > 0 ? std::min(timeoutMs, kLongestTimeoutMs) : kUsualTimeoutMs;
+}
+
 void Vm::traceRoots(Tracer& tracer)
 {
     tracer(m_global);

@@ -156,6 +156,11 @@ public:
     /// @returns when the next timer is due, or nothing; milliseconds on the scale of Host::timeMs().
     [[nodiscard]] std::optional<double> nextTimerMs() const;
 
+    /// The bounds that a movie sets for its scripts; of too much it gets the most there is, for zero the
+    /// usual.
+    /// @param calls nested in each other
+    void setLimits(int calls, double timeoutMs);
+
     // ---- memory ------------------------------------------------------------------------------------------
 
     /// To be called between frames.
@@ -168,9 +173,13 @@ public:
     [[nodiscard]] std::uint32_t epoch() const { return m_epoch; }
 
     static constexpr std::ptrdiff_t kStackValues = 256 * 1024;
-    static constexpr int kMostNestedCalls = 256;
+    /// What a movie may do unless it says otherwise (see setLimits()).
+    static constexpr int kUsualNestedCalls = 256;
+    static constexpr double kUsualTimeoutMs = 15000;
+    /// What no movie gets more of: the machine's own stack, and the patience of whoever waits.
+    static constexpr int kMostNestedCalls = 2000;
+    static constexpr double kLongestTimeoutMs = 60000;
     static constexpr int kMostNestedAccessors = 65;
-    static constexpr double kScriptTimeoutMs = 15000;
 
 private:
     friend struct Interpreter;
@@ -202,6 +211,8 @@ private:
     Frame* m_frame = nullptr; // innermost
     int m_depth = 0;
     int m_accessorDepth = 0;
+    int m_nestedCalls = kUsualNestedCalls;
+    double m_timeoutMs = kUsualTimeoutMs;
     double m_startedMs = 0; // real time at which the outermost script started
     Value m_registers[4];
     std::unique_ptr<Value[]> m_stack; // operands and registers of all frames

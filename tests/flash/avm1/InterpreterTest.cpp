@@ -200,6 +200,29 @@ TEST(Interpreter, EndlessLoopIsStoppedByTheClock)
     EXPECT_EQ(machine.host.logged.size(), 1U);
 }
 
+TEST(Interpreter, KeepsToTheTimeThatTheMovieAllows)
+{
+    struct Case {
+        const char* name;
+        double timeoutMs, stoppedAtMs;
+    };
+    constexpr Case kCases[] = {
+        {"what the movie says", 4000, 4000},
+        {"zero is the usual", 0, Vm::kUsualTimeoutMs},
+        {"more than anyone waits", 65535000, Vm::kLongestTimeoutMs},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        Machine machine;
+        machine.host.realStepMs = 1000;
+        machine.vm.setLimits(0, c.timeoutMs);
+        machine.run(Assembler().label("again").jump("again"));
+        EXPECT_TRUE(machine.vm.isDisabled());
+        // One look at the clock when the script starts, which then shows 1000.
+        EXPECT_EQ(machine.host.realMs, 1000 + c.stoppedAtMs);
+    }
+}
+
 TEST(Interpreter, CachesNoticeWhatChangesBelowThem)
 {
     Machine machine;
