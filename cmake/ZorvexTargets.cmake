@@ -114,3 +114,19 @@ macro(zorvex_rooms)
         endif()
     endforeach()
 endmacro()
+
+# zorvex_pictures(TARGET RECIPE FILE OUTPUT FOLDER): draws the pictures of a recipe (tools/svgpng/Recipe.h) into a
+# folder. SVG files are looked for beside the recipe and among the program's icons.
+function(zorvex_pictures target)
+    cmake_parse_arguments(ARG "" "RECIPE;OUTPUT" "" ${ARGN})
+    get_filename_component(recipe ${ARG_RECIPE} ABSOLUTE)
+    set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${target}.stamp)
+    add_custom_command(OUTPUT ${stamp}
+        COMMAND svgpng ${recipe} -o ${ARG_OUTPUT} -I ${CMAKE_SOURCE_DIR}/assets/icons
+                --deps ${CMAKE_CURRENT_BINARY_DIR}/${target}.d --target ${stamp}
+        COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+        DEPENDS svgpng ${recipe}
+        DEPFILE ${CMAKE_CURRENT_BINARY_DIR}/${target}.d
+        VERBATIM)
+    add_custom_target(${target} ALL DEPENDS ${stamp})
+endfunction()
