@@ -12,5 +12,8 @@ const int kVersionBuild = ZORVEX_VERSION_BUILD;
 const int kVersionRevision = ZORVEX_VERSION_REVISION;
 const char* const kLegalCopyright = "© Авторы " ZORVEX_PRODUCT_NAME;
 const char* const kLegalTrademarks = "Macromedia, Flash и Shockwave - товарные знаки их владельцев.";
+// ".example" is reserved: the addresses lead nowhere until the project has a place of its own.
+const char* const kHomeAddress = "https://zorvex.example/";
+const char* const kUpdateAddress = "https://zorvex.example/update";
 
 } // namespace core

@@ -11,5 +11,7 @@ extern const int kVersionBuild;
 extern const int kVersionRevision;
 extern const char* const kLegalCopyright;
 extern const char* const kLegalTrademarks;
+extern const char* const kHomeAddress;
+extern const char* const kUpdateAddress;
 
 } // namespace core

@@ -1,24 +1,17 @@
-#include "base/Files.h"
+#include "player/Lifecycle.h"
+
 #include "core/Version.h"
 #include "flash/FlashControl.h"
-#include "media/UrlEncode.h"
 #include "player/Cache.h"
+#include "player/PageAddresses.h"
 #include "player/Player.h"
 #include "player/Texts.h"
-#include "player/WelcomePanel.h"
 
-#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
-#include <QMimeData>
-#include <QStackedLayout>
 #include <QStandardPaths>
 #include <QUrl>
-
-// How the window begins and ends, and how media are opened, closed and saved.
 
 namespace player
 {
@@ -27,223 +20,105 @@ namespace
 
 constexpr QSize kWelcomeSize{550, 440};
 
-void setRussianLabels(QFileDialog& dialog, const char* accept)
+/// What the window does at the start when no file is named.
+enum StartUp { kWelcome = 0, kBrowser = 1, kMostRecent = 2 };
+
+const char* wordOf(Lifecycle::UnloadMode mode)
 {
-    dialog.setLabelText(QFileDialog::Accept, accept);
-    dialog.setLabelText(QFileDialog::Reject, texts::kDialogCancel);
-    dialog.setLabelText(QFileDialog::LookIn, texts::kDialogFolder);
-    dialog.setLabelText(QFileDialog::FileName, texts::kDialogName);
-    dialog.setLabelText(QFileDialog::FileType, texts::kDialogType);
+    switch (mode) {
+    case Lifecycle::UnloadMode::ControlMenu: return "Control Menu";
+    case Lifecycle::UnloadMode::FormCode: return "Form Code";
+    case Lifecycle::UnloadMode::Windows: return "Windows";
+    case Lifecycle::UnloadMode::TaskManager: return "Task Manager";
+    }
+    return "";
 }
 
 } // namespace
 
-void Player::Form_Load()
+void Lifecycle::Form_Load()
 {
-    handled(texts::kPlaceFormLoad, [this] {
+    // A step that fails is reported, and the next one follows.
+    const auto step = [this](auto&& action) { m_player.handled(texts::kPlaceFormLoad, action); };
+    step([this] {
         m_application.LogEvent({});
         m_application.LogEvent(" :: Form Load");
-        m_application.LogEvent("Flash " + QString::number(m_control->FlashVersion(), 16).toUpper());
+        m_application.LogEvent("Flash " + QString::number(m_player.control().FlashVersion(), 16).toUpper());
     });
-    m_control->setStorageFolder(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                                "/zorvex/shared");
-    LoadOpts();
-    handled(texts::kPlaceFormLoad, [this] {
-        EnumSkins();
-        CreateSkin();
-        UpdateSkin();
-    });
-    SetCaption(core::kProductName);
+    m_player.control().setStorageFolder(
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/zorvex/shared");
+    step([this] { m_player.LoadOpts(); });
+    step([this] { m_player.EnumSkins(); });
+    step([this] { m_player.CreateSkin(); });
+    step([this] { m_player.UpdateSkin(); });
+    m_player.SetCaption(core::kProductName);
+    step([this] { openFirst(); });
+    if (!m_ended) m_player.placement().show();
+}
+
+void Lifecycle::openFirst()
+{
     m_hasArgument = !m_commandLine.isEmpty();
-    handled(texts::kPlaceFormLoad, [this] {
-        if (m_hasArgument)
-            openCommandLine();
-        else if (m_options.startUp == 0 || (m_options.startUp == 2 && m_recent.paths().isEmpty()) ||
-                 m_options.startUp == 1) // TODO: the media browser; the welcome page stands in for it
-            CloseMedia({});
-        else if (m_options.startUp == 2)
-            LoadFlash(m_recent.paths().first(), {});
-    });
-    if (m_ended) return;
-    // A movie may ask for the whole screen before there is a window on it.
-    isFullScreen() ? fillScreen() : show();
-}
-
-void Player::openCommandLine()
-{
-    QString path = m_commandLine;
-    path.remove('"');
-    // File managers may pass an address, shells a name that is relative to where they stand.
-    if (path.startsWith("file://")) path = QUrl(path).toLocalFile();
-    LoadFlash(QDir::current().absoluteFilePath(path), {});
-}
-
-void Player::Form_QueryUnload(UnloadMode mode)
-{
-    const char* word = "";
-    switch (mode) {
-    case UnloadMode::ControlMenu: word = "Control Menu"; break;
-    case UnloadMode::FormCode: word = "Form Code"; break;
-    case UnloadMode::Windows: word = "Windows"; break;
-    case UnloadMode::TaskManager: word = "Task Manager"; break;
+    if (m_hasArgument) {
+        QString path = m_commandLine;
+        path.remove('"');
+        // File managers may pass an address, shells a name that is relative to where they stand.
+        if (path.startsWith("file://")) path = QUrl(path).toLocalFile();
+        return m_player.LoadFlash(QDir::current().absoluteFilePath(path), {});
     }
-    Quit(QString("Query Unload by ") + word, true);
+    switch (m_player.options().startUp) {
+    case kWelcome: return m_player.CloseMedia({});
+    case kBrowser: return m_player.BrowseMedia();
+    // An empty path shows the welcome page.
+    case kMostRecent: return m_player.LoadFlash(m_player.settings().recentPaths().value(0), {});
+    default: return;
+    }
 }
 
-void Player::closeEvent(QCloseEvent* event)
-{
-    // Never refused: the program has ended when this returns.
-    if (!m_ended) handled(texts::kPlaceQuit, [this] { Form_QueryUnload(UnloadMode::ControlMenu); });
-    event->accept();
-}
+void Lifecycle::Form_QueryUnload(UnloadMode mode) { Quit(QString("Query Unload by ") + wordOf(mode), true); }
 
-void Player::Quit(const QString& reason, bool saveOptions)
+void Lifecycle::Quit(const QString& reason, bool saveOptions)
 {
     if (m_ended) return;
-    if (saveOptions) SaveOpts();
+    if (saveOptions) m_player.SaveOpts();
     m_ended = true;
-    m_tmrUpdate.stop();
-    m_control->setSuspended(true);
-    CleanCache(m_application.CachePath, m_options.cacheMode);
-    try {
-        m_application.LogEvent({});
-        m_application.LogEvent("<B>Quit: " + reason + "</B>");
-    } catch (const base::Failure&) {
-        // Nothing keeps the program from ending.
-    }
-    hide();
+    m_player.setUpdateTimerEnabled(false);
+    m_player.control().setSuspended(true);
+    CleanCache(m_application.CachePath, m_player.options().cacheMode);
+    m_player.logQuietly({});
+    m_player.logQuietly("<B>Quit: " + reason + "</B>");
+    m_player.hide();
     QCoreApplication::exit(0);
 }
 
-void Player::dragEnterEvent(QDragEnterEvent* event)
-{
-    const QList<QUrl> urls = event->mimeData()->urls();
-    if (!urls.isEmpty() && urls.first().isLocalFile()) event->acceptProposedAction();
-}
-
-void Player::dropEvent(QDropEvent* event)
-{
-    const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.isEmpty() || !urls.first().isLocalFile()) return;
-    event->acceptProposedAction();
-    const QString path = urls.first().toLocalFile();
-    activateWindow();
-    // Later, so that the program that the file comes from is not kept waiting for the movie.
-    QTimer::singleShot(0, this, [this, path] { handled(texts::kPlaceOpen, [&] { FileDropped(path); }); });
-}
-
-void Player::FileDropped(const QString& path)
-{
-    if (!QFileInfo(path).isDir()) return LoadFlash(path, {});
-    // TODO: a folder opens the media browser; until there is one, the open dialog shows what is in it.
-    m_droppedFolder = path;
-    OpenMedia();
-}
-
-QString Player::dialogFolder() const
-{
-    if (!m_droppedFolder.isEmpty()) return m_droppedFolder;
-    if (!m_recent.paths().isEmpty()) return QFileInfo(m_recent.paths().first()).absolutePath();
-    return QDir::homePath();
-}
-
-void Player::OpenMedia()
-{
-    handled(texts::kPlaceOpen, [this] {
-        m_application.LogEvent({});
-        m_application.LogEvent(" :: Open Media Dialog");
-        m_tmrUpdate.stop();
-        SetStatus(texts::kOpeningFile);
-
-        QFileDialog dialog(this, texts::kOpenTitle, dialogFolder());
-        dialog.setFileMode(QFileDialog::ExistingFile);
-        dialog.setNameFilters({std::begin(texts::kOpenFilters), std::end(texts::kOpenFilters)});
-        dialog.setDefaultSuffix("swf");
-        setRussianLabels(dialog, texts::kDialogOpen);
-        const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
-        m_droppedFolder.clear();
-        if (m_ended) return;
-        if (chosen)
-            LoadFlash(dialog.selectedFiles().first(), {});
-        else if (m_stage->currentWidget() != m_control)
-            SetStatus(texts::kReady); // no tick will replace the text
-        m_tmrUpdate.start();
-    });
-}
-
-void Player::CloseMedia(const QString& message)
+void Lifecycle::CloseMedia(const QString& message)
 {
     m_application.LogEvent({});
     m_application.LogEvent(" :: Close Flash");
-    setMediaInfoEnabled(false);
+    m_player.setMediaInfoEnabled(false);
     const QString page = m_application.GadgetsPath + "welcome.swf";
     bool shown = false;
     if (core::fileExists(page)) {
-        LoadFlash(page + "?version=" + core::GetAppVersion() + "&error=" + media::URLEncode(message) +
-                      "&noanim=" + m_options.noAnimation,
-                  texts::kWelcomeCaption);
-        shown = mediaInfo().OriginalPath == page && m_stage->currentWidget() == m_control;
+        m_player.LoadFlash(welcomePage(m_application, message, m_player.options().noAnimation),
+                           texts::kWelcomeCaption);
+        shown = m_player.mediaInfo().OriginalPath == page && m_player.movieScreen().showsControl();
     }
-    if (!shown) showWelcomePanel(message);
-    SetStatus(texts::kReady);
-    SetCaption(core::kProductName);
+    if (!shown) {
+        m_player.setUpdateTimerEnabled(false);
+        // A window that was made for a small movie would cut the panel.
+        if (!m_player.isFullScreen() && !m_player.isMaximized())
+            m_player.resize(m_player.size().expandedTo(kWelcomeSize));
+        m_player.movieScreen().showWelcome(message);
+        m_player.refreshMovieCommands();
+    }
+    m_player.SetStatus(texts::kReady);
+    m_player.SetCaption(core::kProductName);
 }
 
-void Player::showWelcomePanel(const QString& message)
+void Lifecycle::FileDropped(const QString& path)
 {
-    m_tmrUpdate.stop();
-    m_control->LoadMovie(0, {});
-    // A window that was made for a small movie would cut the panel.
-    if (!isFullScreen() && !isMaximized()) resize(size().expandedTo(kWelcomeSize));
-    setMovieCommandsEnabled(false);
-    m_welcome->setMessage(message);
-    m_stage->setCurrentWidget(m_welcome);
-    m_welcome->setFocus();
-}
-
-void Player::SaveMediaAs()
-{
-    handled(texts::kPlaceSave, [this] {
-        m_application.LogEvent({});
-        m_application.LogEvent(" :: Open Save As Dialog");
-        m_tmrUpdate.stop();
-        SetStatus(texts::kSavingFile);
-        const media::MediaInfo& info = mediaInfo();
-        const char* filter = info.Converted    ? texts::kSaveProjector
-                             : info.Compressed ? texts::kSaveCompressed
-                                               : texts::kSavePlain;
-        QFileDialog dialog(this, texts::kSaveTitle, dialogFolder(), filter);
-        dialog.setAcceptMode(QFileDialog::AcceptSave);
-        dialog.setDefaultSuffix("swf");
-        setRussianLabels(dialog, texts::kDialogSave);
-        const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
-        if (m_ended) return;
-        if (chosen) saveTo(dialog.selectedFiles().first(), filter);
-        m_tmrUpdate.start();
-    });
-}
-
-void Player::saveTo(const QString& target, const QString& filter)
-{
-    const media::MediaInfo& info = mediaInfo();
-    const auto movie = media::readPlainMovie(info);
-    if (!movie) {
-        m_application.LogEvent(QString::fromStdString(movie.error().what));
-        const auto yesNo = [](bool value) { return value ? "True" : "False"; };
-        QMessageBox box(QMessageBox::Warning, texts::kSaveBoxTitle, texts::kSaveUnsupported, QMessageBox::Ok,
-                        this);
-        box.setInformativeText(texts::kSaveFilter + filter + "\r\n" + texts::kSaveFile + info.MoviePath +
-                               "\r\n" + texts::kSaveCompression + yesNo(info.Compressed) + "\r\n" +
-                               texts::kSaveIsProjector + yesNo(info.Converted));
-        box.exec();
-        return;
-    }
-    if (const auto written = base::replaceFile(core::filePath(target), base::Bytes(*movie)); !written) {
-        m_application.LogEvent(QString::fromStdString(written.error().what));
-        QMessageBox::warning(this, texts::kSaveBoxTitle, texts::kSaveFailed);
-        return;
-    }
-    SetStatus(texts::kReady);
+    if (QFileInfo(path).isDir()) return m_player.NewMediaBrowse(path);
+    m_player.LoadFlash(path, {});
 }
 
 } // namespace player

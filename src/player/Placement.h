@@ -1,7 +1,8 @@
 #pragma once
 
 #include <QMargins>
-#include <QSize>
+#include <QRect>
+#include <QString>
 
 namespace player
 {
@@ -13,5 +14,40 @@ namespace player
 /// @param borders pixels between the window's edge and the movie
 /// @param minimum pixels
 QSize zoomedSize(int percent, QSize movie, QMargins borders, QSize minimum);
+
+class Player;
+
+/// The window's size, state and frame. The mark of mnuFullScreen is the state of full screen itself.
+class Placement
+{
+public:
+    /// @param player outlives this object
+    explicit Placement(Player& player) : m_player(player) {}
+
+    /// Leaves full screen and gives the movie's place `percent` of the movie's own size; the window stays
+    /// where it is. A maximised window keeps its size, as every program's does.
+    void ZoomFlash(int percent, quint8 repeats);
+    void FullScreen(bool on);
+    /// 0: normal; 1: maximised; another: from normal to maximised, else to normal.
+    void ZoomWindow(int mode);
+    /// While full screen hides the title it is kept aside, and what is set meanwhile is shown afterwards.
+    void SetCaption(const QString& text);
+    void ToggleMenu();
+    void setTopMost(bool on);
+    /// What a skin allows; a size of 0 is the window's own.
+    void setMinimumSize(QSize pixels);
+    /// Shows the window for the first time, full screen when a movie has asked for it by now.
+    void show();
+    /// Shows menu bar and control bar as full screen, menu mark and skin ask.
+    void showBars();
+
+private:
+    void SetWindowFrame(bool show);
+    void fillScreen();
+
+    Player& m_player;
+    QString m_savedCaption;
+    QRect m_normalGeometry; ///< the window's place before it filled the screen
+};
 
 } // namespace player

@@ -1,19 +1,22 @@
 #include "player/Player.h"
 
 #include "core/Look.h"
-#include "core/RunTimeErrors.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
+#include "player/Cache.h"
 #include "player/ControlBar.h"
 #include "player/Glyph.h"
-#include "player/Placement.h"
+#include "player/MenuCommands.h"
+#include "player/PageAddresses.h"
 #include "player/Texts.h"
 #include "player/WelcomePanel.h"
 
+#include <QCloseEvent>
+#include <QDesktopServices>
 #include <QDialog>
 #include <QKeyEvent>
-#include <QScreen>
-#include <QStackedLayout>
+#include <QMessageBox>
+#include <QMimeData>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -22,8 +25,6 @@ namespace player
 namespace
 {
 
-constexpr int kUpdateMs = 300;
-constexpr QSize kMinimumSize{320, 200};
 constexpr QSize kFirstSize{550, 440};
 /// The bar belongs to the window's dark surface, its menus with it.
 QString menuStyle()
@@ -45,24 +46,21 @@ QString menuStyle()
 } // namespace
 
 Player::Player(core::Application& application, const QString& commandLine)
-    : m_application(application), m_commandLine(commandLine), m_client(new QWidget(this)),
-      m_screen(new skin::SkinControl("SWF", 0, m_client, this)), m_control(new flash::FlashControl(m_screen)),
-      m_welcome(new WelcomePanel(m_screen)), m_bar(new ControlBar(this)),
-      m_stage(new QStackedLayout(m_screen)), m_menus(this), m_media(application, *this),
-      m_playback(*m_control, m_menus, application.GadgetsPath),
-      m_skinWindow(application, *this, m_menus, *m_client, *m_screen, *m_control), m_drag(this),
-      m_tmrUpdate(this), m_settings(application), m_recent(application.GadgetsPath)
+    : m_application(application), m_client(new QWidget(this)), m_movieScreen(*m_client, *this),
+      m_bar(new ControlBar(this)), m_menus(this), m_media(application, *this),
+      m_playback(control(), m_menus, application.GadgetsPath), m_timer(*this),
+      m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
+      m_placement(*this), m_drag(this), m_settings(application, *this), m_dialogs(application, *this),
+      m_lifecycle(application, *this, commandLine)
 {
     buildWindow();
-    connectMenus();
+    connectBar();
+    connectMenuCommands(*this);
     connectControl();
-    m_tmrUpdate.setInterval(kUpdateMs);
-    connect(&m_tmrUpdate, &QTimer::timeout, this,
-            [this] { handled(texts::kPlaceTimer, [this] { tmrUpdate_Timer(); }); });
     // What holds when there are no settings to read.
     SetQuality("High");
     SetScaleMode(0);
-    m_menus.setChecked("mnuLoop", m_control->Loop());
+    m_menus.setChecked("mnuLoop", control().Loop());
     m_menus.setChecked("mnuMenuBar", true);
     m_menus.item("mnuInfo").setEnabled(false);
     // TODO: the information window is not there yet; its item is not shown meanwhile.
@@ -70,28 +68,28 @@ Player::Player(core::Application& application, const QString& commandLine)
     m_menus.item("mnuSep14").setVisible(false);
 }
 
-Player::~Player() { m_control->disconnect(this); }
+Player::~Player() { control().disconnect(this); }
 
 void Player::buildWindow()
 {
     setWindowIcon(markIcon());
     setAcceptDrops(true);
-    setMinimumSize(kMinimumSize);
+    m_placement.setMinimumSize({});
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->setMenuBar(&m_menus.bar());
     m_menus.bar().setStyleSheet(menuStyle());
     m_menus.popUp().setStyleSheet(menuStyle());
-    m_stage->addWidget(m_control);
-    m_stage->addWidget(m_welcome);
-    m_screen->show();
     m_client->installEventFilter(this);
-    connect(&m_skinWindow, &SkinWindow::shownChanged, this, &Player::showBars);
+    connect(&m_skinWindow, &SkinWindow::shownChanged, this, [this] { m_placement.showBars(); });
     column->addWidget(m_client, 1);
     column->addWidget(m_bar);
     resize(kFirstSize);
+}
 
+void Player::connectBar()
+{
     connect(m_bar, &ControlBar::openClicked, this, &Player::OpenMedia);
     connect(m_bar, &ControlBar::playPauseClicked, this, &Player::PlayPauseMedia);
     connect(m_bar, &ControlBar::stopClicked, this, &Player::StopMedia);
@@ -104,20 +102,34 @@ void Player::buildWindow()
     connect(m_bar, &ControlBar::fullScreenClicked, this, [this] { FullScreen(true); });
     connect(m_bar, &ControlBar::timeClicked, this, [this] {
         ToggleTimeMode();
-        tmrUpdate_Timer();
+        m_timer.tmrUpdate_Timer();
     });
-    connect(m_welcome, &WelcomePanel::openClicked, this, &Player::OpenMedia);
+    connect(&m_movieScreen.welcome(), &WelcomePanel::openClicked, this, &Player::OpenMedia);
 }
 
-void Player::logQuietly(const QString& text)
+void Player::connectControl()
 {
-    // Called out of the engine: no exception may pass it, and no window may open in the middle of a frame.
-    try {
-        m_application.LogEvent(core::HtmlEscape(text));
-    } catch (const base::Failure&) {
-        // The next procedure that logs will meet the same journal.
-    }
+    control().installEventFilter(this);
+    connect(&control(), &flash::FlashControl::FSCommand, this,
+            [this](const QString& command, const QString& argument) {
+                handled(texts::kPlacePage, [&] { runPageCommand(*this, command, argument); });
+            });
+    connect(&control(), &flash::FlashControl::OnReadyStateChange, this, [this](int state) {
+        constexpr int kComplete = 4;
+        if (state == kComplete) m_playback.reapplyBackground();
+    });
+    connect(&control(), &flash::FlashControl::logged, this,
+            [this](const QString& text) { logQuietly("Flash: " + core::HtmlEscape(text)); });
+    connect(&control(), &flash::FlashControl::urlRequested, this, [this](const QString& address) {
+        logQuietly("Address requested: " + core::HtmlEscape(address));
+        openOutside(address);
+    });
+    control().setScriptTimeoutHandler([this] {
+        return QMessageBox::question(this, core::kProductName, texts::kScriptIsSlow) == QMessageBox::Yes;
+    });
 }
+
+// ---- errors
 
 void Player::handled(const char* place, const std::function<void()>& procedure)
 {
@@ -139,22 +151,23 @@ void Player::ReportError(const base::Failure& error, const QString& place, const
     core::ReportError(m_application, *this, error, place, detail);
 }
 
-// ---- status
-// ----------------------------------------------------------------------------------------------------
-
-void Player::tmrUpdate_Timer()
+void Player::logQuietly(const QString& text)
 {
-    if (m_stage->currentWidget() != m_control) return;
-    m_status.update(m_control->FrameNum(), m_control->TotalFrames(), mediaInfo().FrameRate);
-    const bool playing = m_control->Playing();
-    QAction& play = m_menus.item("mnuPlay");
-    SetStatus(playing ? texts::kPlaying : texts::kStopped);
-    const QString caption = playing ? texts::kMenuPause : texts::kMenuPlay;
-    if (play.text() != caption) play.setText(caption);
-    m_playback.refreshQualityMarks();
+    try {
+        m_application.LogEvent(text);
+    } catch (const base::Failure&) {
+        // The next procedure that logs will meet the same journal.
+    }
 }
 
+// ---- status
+
 QString Player::GetTime(int frames) const { return player::GetTime(frames, mediaInfo().FrameRate); }
+
+QString Player::FitText(const QString& text, int widthPixels) const
+{
+    return settings::CompactPath(text, widthPixels, fontMetrics());
+}
 
 void Player::SetStatus(const QString& text)
 {
@@ -162,119 +175,21 @@ void Player::SetStatus(const QString& text)
     UpdateInfo();
 }
 
-bool Player::HasMovie() const { return m_stage->currentWidget() == m_control; }
-
 void Player::UpdateInfo()
 {
     const bool hasMovie = HasMovie();
-    m_bar->show({m_status.statusText, hasMovie ? m_status.informationText : QString(), hasMovie,
-                 hasMovie && m_control->Playing(), m_playback.isMuted(), m_control->FrameNum(),
-                 m_control->TotalFrames()});
+    const flash::FlashControl& movie = control();
+    m_bar->show({m_status.statusText, InfoText(), hasMovie, hasMovie && movie.Playing(), m_playback.isMuted(),
+                 movie.FrameNum(), movie.TotalFrames()});
     m_skinWindow.skin().runInfoUpdate();
 }
 
-void Player::setUpdateTimerEnabled(bool enabled) { enabled ? m_tmrUpdate.start() : m_tmrUpdate.stop(); }
-
-void Player::SetCaption(const QString& text)
-{
-    if (isFullScreen())
-        m_savedCaption = text;
-    else
-        setWindowTitle(text);
-}
-
 // ---- window
-// ----------------------------------------------------------------------------------------------------
-
-void Player::ZoomFlash(int percent, quint8 repeats)
-{
-    FullScreen(false);
-    // A maximised window keeps its place, as every program's does.
-    if (isMaximized()) return;
-    const int menuHeight = m_menus.bar().isVisibleTo(this) ? m_menus.bar().sizeHint().height() : 0;
-    QMargins borders(0, menuHeight, 0, ControlBar::kHeight);
-    if (m_skinWindow.isShown()) {
-        // The skin has said where the movie lies; what is left around it stays as it is.
-        const QSize around = size() - m_screen->size();
-        borders = QMargins(0, 0, around.width(), around.height());
-    }
-    const QSize wanted = zoomedSize(percent, {mediaInfo().Width, mediaInfo().Height}, borders, minimumSize());
-    // A window larger than the screen has its bar where nobody can reach it.
-    const QSize room = screen()->availableVirtualSize();
-    resize(wanted.boundedTo(room));
-    if (repeats > 0) ZoomFlash(percent, repeats - 1);
-}
-
-void Player::FullScreen(bool on)
-{
-    if (on == isFullScreen()) return;
-    const bool wasShown = isVisible();
-    SetWindowFrame(!on);
-    m_menus.setChecked("mnuFullScreen", on);
-    m_menus.setChecked("mnuPopFullScreen", on);
-    showBars();
-    if (m_skinWindow.skin().isLoaded()) m_skinWindow.skin().SetSkinView(on ? "viewFullScreen" : "viewNormal");
-    m_skinWindow.UpdateRegion(true);
-    if (!wasShown) return;
-    if (on) {
-        fillScreen();
-    } else {
-        showNormal();
-        if (m_normalGeometry.isValid()) setGeometry(m_normalGeometry);
-    }
-    m_stage->currentWidget()->setFocus();
-}
-
-void Player::showBars()
-{
-    const bool full = isFullScreen();
-    m_bar->setVisible(!full && !m_skinWindow.isShown());
-    m_menus.bar().setVisible(!full && m_menus.isChecked("mnuMenuBar"));
-}
-
-void Player::fillScreen()
-{
-    if (!isMaximized()) m_normalGeometry = geometry();
-    showFullScreen();
-    setGeometry(screen()->geometry()); // where no window manager does it
-}
-
-void Player::SetWindowFrame(bool show)
-{
-    if (show) {
-        setWindowTitle(m_savedCaption);
-    } else {
-        m_savedCaption = windowTitle();
-        setWindowTitle({});
-    }
-}
-
-void Player::ZoomWindow(int mode)
-{
-    const bool normal = !isMaximized() && !isMinimized();
-    const bool maximise = mode == 1 || (mode != 0 && normal);
-    maximise ? showMaximized() : showNormal();
-}
-
-void Player::ToggleMenu()
-{
-    const bool shown = !m_menus.isChecked("mnuMenuBar");
-    m_menus.setChecked("mnuMenuBar", shown);
-    showBars();
-    layout()->activate(); // the shape is that of the area without the menu
-    m_skinWindow.UpdateRegion(true);
-}
 
 void Player::MoveObject(QObject* control)
 {
     auto* widget = qobject_cast<QWidget*>(control);
     if (widget != nullptr && widget != this && isAncestorOf(widget)) m_drag.moveObject(*widget);
-}
-
-void Player::setMinimumWindowSize(QSize pixels)
-{
-    setMinimumSize(pixels.width() > 0 ? pixels.width() : kMinimumSize.width(),
-                   pixels.height() > 0 ? pixels.height() : kMinimumSize.height());
 }
 
 void Player::setWidth(double twips)
@@ -293,18 +208,10 @@ void Player::setWindowStateNumber(int state)
     ZoomWindow(state == 2 ? 1 : 0);
 }
 
-void Player::setTopMost(bool on)
-{
-    m_menus.setChecked("mnuTopMost", on);
-    const bool shown = isVisible();
-    setWindowFlag(Qt::WindowStaysOnTopHint, on);
-    if (shown) show(); // changing the flag hides the window
-}
-
 void Player::ShowPopUp()
 {
-    m_menus.setChecked("mnuPopHQ", m_control->Quality() == 1);
-    m_menus.setChecked("mnuPopLQ", m_control->Quality() == 0);
+    m_menus.setChecked("mnuPopHQ", control().Quality() == 1);
+    m_menus.setChecked("mnuPopLQ", control().Quality() == 0);
     m_menus.item("mnuPopPlay").setText(m_menus.item("mnuPlay").text());
     m_menus.popUp().popup(QCursor::pos());
 }
@@ -315,47 +222,144 @@ void Player::ShowDialog(QDialog& dialog)
     dialog.exec();
 }
 
-// ---- what loading asks for
-// -------------------------------------------------------------------------------------
+// ---- media
 
-void Player::LoadMovie(int layer, const QString& url)
-{
-    // A question mark in a file's own name would be taken for a query: such a file goes in as an address.
-    const bool marked = url.contains('?') && core::fileExists(url);
-    if (!m_control->LoadMovie(layer, marked ? QUrl::fromLocalFile(url).toString(QUrl::FullyEncoded) : url)) {
-        m_application.LogEvent("Flash: " + core::HtmlEscape(m_control->errorText()));
-        throw base::Failure(core::kDeviceError, "Flash", texts::kMovieDamaged);
-    }
-    if (layer == 0) showMovie();
-}
+bool Player::HasMovie() const { return m_movieScreen.showsControl() && !m_isOwnPage; }
 
-void Player::showMovie()
-{
-    m_stage->setCurrentWidget(m_control);
-    m_control->setSuspended(false);
-    m_control->setFocus();
-    setMovieCommandsEnabled(true);
-}
-
-void Player::setMovieCommandsEnabled(bool enabled)
+void Player::refreshMovieCommands()
 {
     for (const char* name : {"mnuSaveAs", "mnuPopSaveAs", "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay",
                              "mnuStop", "mnuFFwd", "mnuRwd", "mnuPopPlay", "mnPopStop"})
-        m_menus.item(name).setEnabled(enabled);
+        m_menus.item(name).setEnabled(HasMovie());
 }
 
-void Player::reapplySound() { SetSound(m_playback.volume(), m_playback.pan()); }
+void Player::OpenMedia()
+{
+    handled(texts::kPlaceOpen, [this] { m_dialogs.OpenMedia({}); });
+}
+
+void Player::SaveMediaAs()
+{
+    handled(texts::kPlaceSave, [this] { m_dialogs.SaveMediaAs(); });
+}
+
+void Player::LoadMovie(int layer, const QString& url)
+{
+    try {
+        m_movieScreen.LoadMovie(layer, url);
+    } catch (const base::Failure&) {
+        m_application.LogEvent("Flash: " + core::HtmlEscape(control().errorText()));
+        throw;
+    }
+    if (layer != 0) return;
+    m_isOwnPage = liesWithin(mediaInfo().MoviePath, m_application.GadgetsPath);
+    refreshMovieCommands();
+}
+
+void Player::setMediaInfoEnabled(bool enabled)
+{
+    // Of a page of the program's own there is nothing to tell.
+    m_menus.item("mnuInfo").setEnabled(enabled && !m_isOwnPage);
+}
 
 void Player::onMediaChange()
 {
     // The first frame's figures are shown at once, not with the next tick.
-    m_status.update(m_control->FrameNum(), m_control->TotalFrames(), mediaInfo().FrameRate);
+    m_status.update(control().FrameNum(), control().TotalFrames(), mediaInfo().FrameRate);
     UpdateInfo();
     m_skinWindow.skin().runMediaChange();
 }
 
+void Player::mnuCompress_Click()
+{
+    media::MediaInfo& info = m_media.mediaInfo();
+    const bool decompress = info.Compressed;
+    const QString result =
+        decompress ? m_media.DecompressFlash(info, media::Extent::Full) : m_media.CompressFlash(info, 9);
+    if (result.isEmpty())
+        QMessageBox::warning(this, core::kProductName,
+                             decompress ? texts::kDecompressFailed : texts::kCompressFailed);
+}
+
+void Player::mnuClearCache_Click()
+{
+    m_application.LogEvent({});
+    m_application.LogEvent(" :: Clear Cache");
+    constexpr int kThumbnails = 3; // only these, on purpose
+    CleanCache(m_application.CachePath, kThumbnails);
+}
+
+// ---- what lies outside
+
+void Player::openHelp()
+{
+    QDesktopServices::openUrl(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt"));
+}
+
+void Player::WebUpdate() { QDesktopServices::openUrl(QUrl(core::kUpdateAddress)); }
+
+void Player::openOutside(const QString& target)
+{
+    const QUrl url(target);
+    // A movie may lead to a page, never to a program or a file.
+    if (url.scheme() == "http" || url.scheme() == "https" || url.scheme() == "mailto")
+        QDesktopServices::openUrl(url);
+}
+
+// ---- the media browser
+// TODO: there is none yet; meanwhile the open dialog shows what lies in a folder.
+
+void Player::BrowseMedia()
+{
+    m_application.LogEvent({});
+    m_application.LogEvent(" :: Media Browse");
+    SetStatus(texts::kReady);
+    NewMediaBrowse(browserFolder());
+}
+
+QString Player::browserFolder() const
+{
+    const QString& folder = m_settings.options().search;
+    return folder.isEmpty() ? m_application.AppPath : folder;
+}
+
+int Player::browserPage() const { return m_settings.options().lastPage; }
+void Player::setBrowserPage(int page) { options().lastPage = page; }
+int Player::browserPageCount() const { return 0; }
+
+void Player::NewMediaBrowse(const QString& folder)
+{
+    if (!isVisible()) return CloseMedia({}); // at the start, where no dialog may come before the window
+    handled(texts::kPlaceOpen, [&] { m_dialogs.OpenMedia(folder); });
+}
+
+void Player::ShowBrowsePage() {}
+
 // ---- events
-// ----------------------------------------------------------------------------------------------------
+
+void Player::closeEvent(QCloseEvent* event)
+{
+    handled(texts::kPlaceQuit, [this] { Form_QueryUnload(UnloadMode::ControlMenu); });
+    event->accept();
+}
+
+void Player::dragEnterEvent(QDragEnterEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile()) event->acceptProposedAction();
+}
+
+void Player::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.isEmpty() || !urls.first().isLocalFile()) return;
+    event->acceptProposedAction();
+    const QString path = urls.first().toLocalFile();
+    activateWindow();
+    // Later, so that the program that the file comes from is not kept waiting for the movie.
+    QTimer::singleShot(0, this,
+                       [this, path] { handled(texts::kPlaceOpen, [&] { m_lifecycle.FileDropped(path); }); });
+}
 
 void Player::contextMenuEvent(QContextMenuEvent*) { ShowPopUp(); }
 

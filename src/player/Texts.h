@@ -36,6 +36,7 @@ inline constexpr const char* kSaveFailed       = "Не удалось запис
 
 inline constexpr const char* kDialogOpen       = "Открыть";
 inline constexpr const char* kDialogSave       = "Сохранить";
+inline constexpr const char* kDialogChoose     = "Выбрать";
 inline constexpr const char* kDialogCancel     = "Отмена";
 inline constexpr const char* kDialogFolder     = "Папка:";
 inline constexpr const char* kDialogName       = "Имя файла:";
@@ -63,6 +64,9 @@ inline constexpr const char* kTipOpen          = "Открыть файл";
 inline constexpr const char* kTipMute          = "Выключить или включить звук";
 inline constexpr const char* kTipFullScreen    = "Во весь экран";
 inline constexpr const char* kTipTime          = "Щёлкните, чтобы сменить вид счётчика";
+
+inline constexpr const char* kTypeMismatch     = "Несоответствие типа";
+inline constexpr const char* kBrowseFolder     = "Выберите папку для обзора медиа:";
 
 inline constexpr const char* kPlaceFormLoad    = "Загрузка окна";
 inline constexpr const char* kPlaceMenu        = "Выполнение команды меню";

@@ -1,0 +1,109 @@
+#include "player/MediaDialogs.h"
+
+#include "core/Application.h"
+#include "player/Player.h"
+#include "player/SaveAs.h"
+#include "player/Texts.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace player
+{
+namespace
+{
+
+void setRussianLabels(QFileDialog& dialog, const char* accept)
+{
+    dialog.setLabelText(QFileDialog::Accept, accept);
+    dialog.setLabelText(QFileDialog::Reject, texts::kDialogCancel);
+    dialog.setLabelText(QFileDialog::LookIn, texts::kDialogFolder);
+    dialog.setLabelText(QFileDialog::FileName, texts::kDialogName);
+    dialog.setLabelText(QFileDialog::FileType, texts::kDialogType);
+}
+
+/// @returns what the user chose; empty when the user declined
+QString run(QFileDialog& dialog)
+{
+    const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+    return chosen ? dialog.selectedFiles().first() : QString();
+}
+
+} // namespace
+
+QString MediaDialogs::startFolder() const
+{
+    const QStringList& recent = m_player.settings().recentPaths();
+    return recent.isEmpty() ? QDir::homePath() : QFileInfo(recent.first()).absolutePath();
+}
+
+void MediaDialogs::OpenMedia(const QString& folder)
+{
+    m_application.LogEvent({});
+    m_application.LogEvent(" :: Open Media Dialog");
+    m_player.setUpdateTimerEnabled(false);
+    const QString statusBefore = m_player.StatusText();
+    m_player.SetStatus(texts::kOpeningFile);
+
+    QFileDialog dialog(&m_player, texts::kOpenTitle, folder.isEmpty() ? startFolder() : folder);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setNameFilters({std::begin(texts::kOpenFilters), std::end(texts::kOpenFilters)});
+    dialog.setDefaultSuffix("swf");
+    setRussianLabels(dialog, texts::kDialogOpen);
+    const QString chosen = run(dialog);
+    if (m_player.hasEnded()) return;
+    if (!chosen.isEmpty())
+        m_player.LoadFlash(chosen, {});
+    else
+        m_player.SetStatus(statusBefore); // the next tick may be none, where no movie runs
+    m_player.setUpdateTimerEnabled(true);
+}
+
+void MediaDialogs::SaveMediaAs()
+{
+    m_application.LogEvent({});
+    m_application.LogEvent(" :: Open Save As Dialog");
+    m_player.setUpdateTimerEnabled(false);
+    const QString statusBefore = m_player.StatusText();
+    m_player.SetStatus(texts::kSavingFile);
+
+    const QString filter = saveFilter(m_player.mediaInfo());
+    QFileDialog dialog(&m_player, texts::kSaveTitle, startFolder(), filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("swf");
+    dialog.selectFile(QFileInfo(m_player.mediaInfo().OriginalPath).completeBaseName() + ".swf");
+    setRussianLabels(dialog, texts::kDialogSave);
+    const QString chosen = run(dialog);
+    if (m_player.hasEnded()) return;
+    if (!chosen.isEmpty()) saveTo(chosen, filter);
+    m_player.SetStatus(statusBefore);
+    m_player.setUpdateTimerEnabled(true);
+}
+
+void MediaDialogs::saveTo(const QString& target, const QString& filter)
+{
+    const SaveResult saved = saveMovie(m_player.mediaInfo(), target);
+    if (saved.outcome == SaveOutcome::Saved) return;
+    m_application.LogEvent(core::HtmlEscape(QString::fromStdString(saved.what)));
+    const bool known = saved.outcome == SaveOutcome::CannotWrite;
+    QMessageBox box(QMessageBox::Warning, texts::kSaveBoxTitle,
+                    known ? texts::kSaveFailed : texts::kSaveUnsupported, QMessageBox::Ok, &m_player);
+    box.setInformativeText(known ? QDir::toNativeSeparators(target)
+                                 : saveDiagnosis(m_player.mediaInfo(), filter));
+    box.exec();
+}
+
+std::optional<QString> MediaDialogs::chooseBrowserFolder(const QString& start)
+{
+    QFileDialog dialog(&m_player, texts::kBrowseFolder, start);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    setRussianLabels(dialog, texts::kDialogChoose);
+    const QString chosen = run(dialog);
+    if (chosen.isEmpty()) return std::nullopt;
+    return chosen;
+}
+
+} // namespace player

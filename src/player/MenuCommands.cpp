@@ -1,0 +1,90 @@
+#include "player/MenuCommands.h"
+
+#include "core/Version.h"
+#include "player/Cache.h"
+#include "player/Player.h"
+#include "player/Texts.h"
+
+#include <QMessageBox>
+
+namespace player
+{
+namespace
+{
+
+struct CommandInfo {
+    const char* item;
+    void (*run)(Player& player);
+};
+// clang-format off
+constexpr CommandInfo kCommands[] = {
+    {"mnuOpen",         [](Player& p) { p.OpenMedia(); }},
+    {"mnuSaveAs",       [](Player& p) { p.SaveMediaAs(); }},
+    {"mnuClose",        [](Player& p) { p.CloseMedia({}); }},
+    {"mnuExit",         [](Player& p) { p.Quit("Exit Menu", true); }},
+
+    {"mnuFullScreen",   [](Player& p) { p.FullScreen(!p.isFullScreen()); }},
+    {"mnuMenuBar",      [](Player& p) { p.ToggleMenu(); }},
+    {"mnuTopMost",      [](Player& p) { p.placement().setTopMost(!p.menus().isChecked("mnuTopMost")); }},
+    {"mnuQLvl0",        [](Player& p) { p.SetQuality("High"); }},
+    {"mnuQLvl1",        [](Player& p) { p.SetQuality("Medium"); }},
+    {"mnuQLvl2",        [](Player& p) { p.SetQuality("Low"); }},
+    {"mnuQLvl4",        [](Player& p) { p.SetQuality("AutoHigh"); }},
+    {"mnuQLvl5",        [](Player& p) { p.SetQuality("AutoLow"); }},
+    // Sized three times in a row on purpose: some window managers need the second call.
+    {"mnuZoom50",       [](Player& p) { p.ZoomFlash(50, 2); }},
+    {"mnuZoom100",      [](Player& p) { p.ZoomFlash(100, 2); }},
+    {"mnuZoom200",      [](Player& p) { p.ZoomFlash(200, 2); }},
+    {"mnuSMode0",       [](Player& p) { p.SetScaleMode(0); }},
+    {"mnuSMode1",       [](Player& p) { p.SetScaleMode(1); }},
+    {"mnuSMode2",       [](Player& p) { p.SetScaleMode(2); }},
+    {"mnuOpFull",       [](Player& p) { p.SetFlashAlpha(100); }},
+    {"mnuOpSign",       [](Player& p) { p.SetFlashAlpha(75); }},
+    {"mnuOpMed",        [](Player& p) { p.SetFlashAlpha(50); }},
+    {"mnuOpSlite",      [](Player& p) { p.SetFlashAlpha(25); }},
+    {"mnuUpdSkin",      [](Player& p) { p.LoadNewSkin(); }},
+
+    {"mnuPlay",         [](Player& p) { p.PlayPauseMedia(); }},
+    {"mnuStop",         [](Player& p) { p.StopMedia(); }},
+    {"mnuFFwd",         [](Player& p) { p.playback().stepForward(); }},
+    {"mnuRwd",          [](Player& p) { p.playback().stepBack(); }},
+    // A step of the volume centres the balance.
+    {"mnuVolumeUp",     [](Player& p) { p.SetSound(p.Volume() + 10, 0); }},
+    {"mnuVolumeDown",   [](Player& p) { p.SetSound(p.Volume() - 10, 0); }},
+    {"mnuMute",         [](Player& p) { p.MuteSound(!p.menus().isChecked("mnuMute")); }},
+    {"mnuLoop",         [](Player& p) { p.playback().toggleLoop(); }},
+
+    {"mnuClearCache",   [](Player& p) { p.mnuClearCache_Click(); }},
+    {"mnuCompress",     [](Player& p) { p.mnuCompress_Click(); }},
+    {"mnuOpt",          [](Player& p) { p.settings().edit(); }},
+    {"mnuHelpMe",       [](Player& p) { p.openHelp(); }},
+
+    {"mnuPopPlay",      [](Player& p) { p.PlayPauseMedia(); }},
+    {"mnPopStop",       [](Player& p) { p.StopMedia(); }},
+    {"mnuPopMute",      [](Player& p) { p.MuteSound(!p.Muted()); }},
+    {"mnuPopHQ",        [](Player& p) { p.SetQuality("High"); }},
+    {"mnuPopLQ",        [](Player& p) { p.SetQuality("Low"); }},
+    {"mnuPopFullScreen", [](Player& p) { p.FullScreen(!p.isFullScreen()); }},
+    {"mnuPopOpen",      [](Player& p) { p.OpenMedia(); }},
+    {"mnuPopSaveAs",    [](Player& p) { p.SaveMediaAs(); }},
+    {"mnuPopClose",     [](Player& p) { p.CloseMedia({}); }},
+    {"mnuPopExit",      [](Player& p) { p.Quit("PopUp Menu", true); }},
+};
+// clang-format on
+
+} // namespace
+
+void connectMenuCommands(Player& player)
+{
+    for (const CommandInfo& command : kCommands)
+        player.menus().connectItem(command.item, [&player, run = command.run] {
+            player.handled(texts::kPlaceMenu, [&] { run(player); });
+        });
+    for (int i = 0; i < settings::RecentList::kCapacity; ++i)
+        player.menus().connectItem(QString("mnuMRU%1").arg(i), [&player, i] {
+            player.handled(texts::kPlaceMenu,
+                           [&] { player.LoadFlash(player.settings().recentPaths().value(i), {}); });
+        });
+}
+
+} // namespace player

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+namespace core
+{
+class Application;
+}
+
+namespace player
+{
+
+// The addresses of the program's own pages: a file of the gadgets folder with its parameters behind it. The
+// version text goes in as it is, its space included; other texts are encoded.
+
+/// @param error       why the last movie was closed; may be empty
+/// @param noAnimation the setting's text, passed on as it was read
+QString welcomePage(const core::Application& application, const QString& error, const QString& noAnimation);
+/// @param greetings shown behind version and copyright
+/// @param thanks    shown behind the greetings
+QString aboutPage(const core::Application& application, const QString& greetings, const QString& thanks,
+                  const QString& noAnimation);
+/// @param volume 0..100
+/// @param pan    -100..100
+QString soundPage(const QString& gadgetsPath, int volume, int pan);
+
+/// Whether a file lies in a folder or below it, links and ".." resolved. What does not exist lies nowhere.
+bool liesWithin(const QString& file, const QString& folder);
+
+} // namespace player

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace player
+{
+
+/// What pages may ask of the program. The player implements it.
+class PageCommandHost
+{
+public:
+    virtual ~PageCommandHost() = default;
+    virtual void LogEvent(const QString& text) = 0;
+    /// Whether what plays is one of the program's own pages.
+    [[nodiscard]] virtual bool isOwnPage() const = 0;
+
+    virtual void OpenMedia() = 0;
+    virtual void openHelp() = 0;
+    virtual void WebUpdate() = 0;
+    virtual void LoadFlash(const QString& path, const QString& caption) = 0;
+    virtual void FullScreen(bool on) = 0;
+    virtual void ZoomFlash(int percent, quint8 repeats) = 0;
+    /// Opens a path or an address that the movie names.
+    virtual void openOutside(const QString& target) = 0;
+
+    // The media browser.
+    [[nodiscard]] virtual QString browserFolder() const = 0;
+    [[nodiscard]] virtual int browserPage() const = 0; ///< counted from 0
+    virtual void setBrowserPage(int page) = 0;         ///< not clamped: showing the page does that
+    [[nodiscard]] virtual int browserPageCount() const = 0;
+    virtual void NewMediaBrowse(const QString& folder) = 0;
+    virtual void ShowBrowsePage() = 0;
+    /// Asks the user for a folder. @returns nothing when the user declined
+    virtual std::optional<QString> chooseBrowserFolder(const QString& start) = 0;
+};
+
+/// Carries out a command that a page or movie sends by fscommand. Names are known in any case.
+/// @throws base::Failure when an argument cannot be converted
+void runPageCommand(PageCommandHost& host, const QString& command, const QString& argument);
+
+} // namespace player

@@ -1,0 +1,99 @@
+#include "player/PlayerSettings.h"
+
+#include "core/Version.h"
+#include "flash/FlashControl.h"
+#include "player/Player.h"
+#include "player/Texts.h"
+#include "settings/OptionsDialog.h"
+
+#include <QMessageBox>
+
+namespace player
+{
+namespace
+{
+
+constexpr int kRecentCaptionPixels = 150;
+
+} // namespace
+
+PlayerSettings::PlayerSettings(core::Application& application, Player& player)
+    : m_application(application), m_player(player), m_file(application), m_recent(application.GadgetsPath)
+{
+}
+
+void PlayerSettings::LoadOpts()
+{
+    m_isLoaded = true;
+    flash::FlashControl& control = m_player.control();
+    Menus& menus = m_player.menus();
+    // What cannot be read keeps the value of now.
+    m_options.quality = control.Quality2();
+    m_options.scaleMode = static_cast<qint16>(control.ScaleMode());
+    m_options.menuBar = menus.isChecked("mnuMenuBar");
+    m_options.repeat = control.Loop();
+    QStringList recent;
+    if (!m_file.load(m_options, recent)) return;
+
+    m_player.SetQuality(m_options.quality);
+    m_player.SetScaleMode(m_options.scaleMode);
+    m_player.skinWindow().selectSkin(m_options.skin);
+    m_player.placement().setTopMost(m_options.topMost);
+    if (menus.isChecked("mnuMenuBar") != m_options.menuBar) m_player.ToggleMenu();
+    control.setLoop(m_options.repeat);
+    menus.setChecked("mnuLoop", m_options.repeat);
+    m_player.playback().restoreSound(m_options.volume, m_options.pan, m_options.mute);
+    m_player.status().setTimeMode(m_options.timeMode);
+    // From the oldest on, each to the top.
+    for (auto path = recent.crbegin(); path != recent.crend(); ++path) AddRecent(*path);
+}
+
+bool PlayerSettings::SaveOpts()
+{
+    if (!m_isLoaded) return true;
+    const flash::FlashControl& control = m_player.control();
+    const Menus& menus = m_player.menus();
+    const Playback& playback = m_player.playback();
+    m_options.quality = control.Quality2();
+    m_options.scaleMode = static_cast<qint16>(control.ScaleMode());
+    m_options.skin = m_player.skinWindow().selectedSkin();
+    m_options.topMost = menus.isChecked("mnuTopMost");
+    m_options.menuBar = menus.isChecked("mnuMenuBar");
+    m_options.repeat = menus.isChecked("mnuLoop");
+    // Muting is never saved as silence.
+    m_options.volume =
+        static_cast<quint8>(playback.isMuted() ? playback.rememberedVolume() : playback.volume());
+    m_options.pan = static_cast<qint16>(playback.pan());
+    m_options.mute = playback.isMuted();
+    m_options.timeMode = m_player.status().timeMode();
+    return m_file.save(m_options, m_recent.paths());
+}
+
+void PlayerSettings::edit()
+{
+    settings::frmOptions dialog(&m_player, m_options);
+    m_player.ShowDialog(dialog);
+    if (dialog.result() == QDialog::Accepted && !SaveOpts())
+        QMessageBox::warning(&m_player, core::kProductName, texts::kOptionsUnsaved);
+}
+
+void PlayerSettings::AddRecent(const QString& path)
+{
+    m_recent.AddRecent(path);
+    showRecent();
+}
+
+void PlayerSettings::showRecent()
+{
+    const QStringList& paths = m_recent.paths();
+    for (int i = 0; i < paths.size(); ++i) {
+        QAction& item = m_player.menus().item(QString("mnuMRU%1").arg(i));
+        const QString caption = settings::CompactPath(paths[i], kRecentCaptionPixels, m_player.fontMetrics());
+        item.setText(QString(caption).replace('&', "&&"));
+        item.setToolTip(paths[i]);
+        item.setVisible(true);
+        item.setEnabled(true);
+    }
+}
+
+} // namespace player

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "settings/RecentList.h"
+#include "settings/SettingsFile.h"
+
+namespace player
+{
+
+class Player;
+
+/// How the settings reach what they set and come back from there, and the list of recent files.
+class PlayerSettings
+{
+public:
+    /// Both outlive this object.
+    PlayerSettings(core::Application& application, Player& player);
+
+    /// The settings that live nowhere else: icon set, the program's pages, what the start and the end do, the
+    /// media browser's place. The others are the state of control, menus and playback.
+    [[nodiscard]] settings::Options& options() { return m_options; }
+    [[nodiscard]] const settings::Options& options() const { return m_options; }
+
+    /// Reads settings.xml and gives every value to what it sets. Called once, before a file is opened.
+    void LoadOpts();
+    /// @returns false when settings.xml could not be written
+    bool SaveOpts();
+    /// Shows the options dialog.
+    void edit();
+
+    void AddRecent(const QString& path);
+    [[nodiscard]] const QStringList& recentPaths() const { return m_recent.paths(); }
+
+private:
+    void showRecent();
+
+    core::Application& m_application;
+    Player& m_player;
+    settings::SettingsFile m_file;
+    settings::Options m_options;
+    settings::RecentList m_recent;
+    bool m_isLoaded = false; ///< only then is there something to save
+};
+
+} // namespace player

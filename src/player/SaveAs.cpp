@@ -1,0 +1,36 @@
+#include "player/SaveAs.h"
+
+#include "base/Files.h"
+#include "core/Application.h"
+#include "media/MediaFiles.h"
+#include "player/Texts.h"
+
+namespace player
+{
+
+const char* saveFilter(const media::MediaInfo& info)
+{
+    if (info.Converted) return texts::kSaveProjector;
+    return info.Compressed ? texts::kSaveCompressed : texts::kSavePlain;
+}
+
+SaveResult saveMovie(const media::MediaInfo& info, const QString& target)
+{
+    const auto movie = media::readPlainMovie(info);
+    if (!movie) return {SaveOutcome::CannotConvert, movie.error().what};
+    std::error_code error;
+    const auto real = std::filesystem::canonical(core::filePath(target), error);
+    const auto written = base::replaceFile(error ? core::filePath(target) : real, base::Bytes(*movie));
+    if (!written) return {SaveOutcome::CannotWrite, written.error().what};
+    return {};
+}
+
+QString saveDiagnosis(const media::MediaInfo& info, const QString& filter)
+{
+    const auto yesNo = [](bool value) { return value ? "True" : "False"; };
+    return texts::kSaveFilter + filter + "\r\n" + texts::kSaveFile + info.MoviePath + "\r\n" +
+           texts::kSaveCompression + yesNo(info.Compressed) + "\r\n" + texts::kSaveIsProjector +
+           yesNo(info.Converted);
+}
+
+} // namespace player
