@@ -2,6 +2,7 @@
 
 #include "core/Version.h"
 #include "flash/FlashControl.h"
+#include "platform/Association.h"
 #include "player/Player.h"
 #include "player/Texts.h"
 #include "settings/OptionsDialog.h"
@@ -66,6 +67,12 @@ bool PlayerSettings::SaveOpts()
     m_options.pan = static_cast<qint16>(playback.pan());
     m_options.mute = playback.isMuted();
     m_options.timeMode = m_player.status().timeMode();
+    // Each time, so that the program that was used last is the one that opens movies. Switching the option
+    // off takes nothing back, on purpose.
+    if (m_options.associate)
+        for (const QString& problem :
+             platform::Association(core::kProductName, m_application.AppPath).Associate())
+            m_application.LogEvent(core::HtmlEscape("Association: " + problem));
     return m_file.save(m_options, m_recent.paths());
 }
 

@@ -1,5 +1,6 @@
 #include "core/Application.h"
 
+#include "Environment.h"
 #include "QtPrint.h"
 #include "base/Failure.h"
 #include "core/RunTimeErrors.h"
@@ -116,34 +117,12 @@ TEST_F(ApplicationTest, StartUpLogsItsStepsInOrder)
     EXPECT_TRUE(content(application.LogFile).endsWith("Argument: <br>\r\n"));
 }
 
-/// Sets variables of the environment for as long as it lives.
-class Environment
-{
-public:
-    Environment(std::initializer_list<std::pair<const char*, QString>> values)
-    {
-        for (const auto& [name, value] : values) {
-            m_before.emplace_back(name, qgetenv(name));
-            qputenv(name, value.toUtf8());
-        }
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-    ~Environment()
-    {
-        for (const auto& [name, value] : m_before) value.isNull() ? qunsetenv(name) : qputenv(name, value);
-    }
-
-private:
-    std::vector<std::pair<const char*, QByteArray>> m_before;
-};
-
 TEST_F(ApplicationTest, SharedProgramFolderMovesWhatIsWritten)
 {
-    const Environment environment{{"HOME", folder() + "home"},
-                                  {"XDG_CONFIG_HOME", folder() + "config/"},
-                                  {"XDG_CACHE_HOME", "relative/is/ignored"},
-                                  {"XDG_STATE_HOME", ""}};
+    const tests::Environment environment{{"HOME", folder() + "home"},
+                                         {"XDG_CONFIG_HOME", folder() + "config/"},
+                                         {"XDG_CACHE_HOME", "relative/is/ignored"},
+                                         {"XDG_STATE_HOME", ""}};
     const QString program = folder() + "program";
     ASSERT_TRUE(QDir().mkdir(program));
     QFile mark(program + "/installed");
@@ -176,7 +155,7 @@ TEST_F(ApplicationTest, SharedProgramFolderMovesWhatIsWritten)
 
 TEST_F(ApplicationTest, StartsWithoutAJournalWhenTheUserHasNoFolder)
 {
-    const Environment environment{
+    const tests::Environment environment{
         {"HOME", "/proc/none"}, {"XDG_CONFIG_HOME", ""}, {"XDG_CACHE_HOME", ""}, {"XDG_STATE_HOME", ""}};
     QFile mark(folder() + "installed");
     ASSERT_TRUE(mark.open(QFile::WriteOnly));

@@ -1,5 +1,6 @@
 #include "player/Player.h"
 
+#include "Environment.h"
 #include "QtPrint.h"
 #include "base/Files.h"
 #include "core/StartUp.h"
@@ -97,6 +98,28 @@ TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
     player.FullScreen(false);
     EXPECT_EQ(player.windowTitle(), "Позже");
     EXPECT_EQ(player.geometry(), before);
+}
+
+TEST_F(PlayerWindow, RegistersItselfAtEachSaveWhileTheOptionIsOn)
+{
+    const tests::Environment environment{{"HOME", path("home")},
+                                         {"XDG_CONFIG_HOME", {}},
+                                         {"XDG_DATA_HOME", {}},
+                                         {"XDG_DATA_DIRS", path("none")}};
+    const auto isDefault = [&] { return QFile::exists(path("home/.config/mimeapps.list")); };
+    Player player(application, {});
+    player.Form_Load();
+    ASSERT_TRUE(player.SaveOpts());
+    EXPECT_FALSE(isDefault());
+    player.options().associate = true;
+    ASSERT_TRUE(player.SaveOpts());
+    EXPECT_TRUE(isDefault());
+    EXPECT_TRUE(QFile::remove(path("home/.config/mimeapps.list")));
+    ASSERT_TRUE(player.SaveOpts());
+    EXPECT_TRUE(isDefault()) << "again, whatever became of it";
+    player.options().associate = false;
+    ASSERT_TRUE(player.SaveOpts());
+    EXPECT_TRUE(isDefault()) << "switching it off removes nothing";
 }
 
 class SkinnedWindow : public PlayerWindow
