@@ -116,6 +116,7 @@ private:
     // shapes
     void gradientElement(const Element& element);
     void patternElement(const Element& element);
+    std::vector<std::unique_ptr<Element>> svgDrawing(Attributes& attributes);
     void shapeElement(const Element& element);
     void morphElement(const Element& element);
     void shapePath(const Element& element, output::ShapeLayer& layer);

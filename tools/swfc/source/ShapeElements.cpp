@@ -1,4 +1,5 @@
 #include "swfc/source/MovieBuilder.h"
+#include "swfc/source/Svg.h"
 
 #include <algorithm>
 #include <cmath>
@@ -215,6 +216,21 @@ void MovieBuilder::shapePath(const Element& element, output::ShapeLayer& layer)
     layer.outlines.push_back(std::move(styled));
 }
 
+/// The picture that a shape takes from a file instead of having children.
+std::vector<std::unique_ptr<Element>> MovieBuilder::svgDrawing(Attributes& attributes)
+{
+    const auto color = attributes.text("color");
+    const auto content = readFile(attributes, "svg");
+    if (!content) return {};
+    const int file = m_diagnostics.addFile(besideFile(m_paths.back(), attributes.required("svg")));
+    const std::string_view bytes(reinterpret_cast<const char*>(content->data()), content->size());
+    const auto root = parseXml(bytes, file, m_diagnostics);
+    if (root == nullptr) return {};
+    if (root->name == "svg") return shapeOfSvg(*root, color);
+    error(*root, "expected <svg> as the root of a picture, found <" + root->name + ">");
+    return {};
+}
+
 void MovieBuilder::shapeElement(const Element& element)
 {
     Attributes attributes(element, m_diagnostics);
@@ -222,7 +238,9 @@ void MovieBuilder::shapeElement(const Element& element)
     output::Shape shape;
     shape.nonZeroWinding = attributes.choice("rule", {"evenodd", "nonzero"}) == 1;
     if (shape.nonZeroWinding) need(8, element, "the nonzero rule");
-    for (const auto& child : element.children) {
+    std::vector<std::unique_ptr<Element>> drawing;
+    if (attributes.has("svg")) drawing = svgDrawing(attributes);
+    for (const auto& child : attributes.has("svg") ? drawing : element.children) {
         output::ShapeLayer layer;
         if (child->name == "layer") {
             const Attributes none(*child, m_diagnostics);
