@@ -1,53 +1,75 @@
-// The page that is shown while no movie is open.
+// The page that shows while no movie is open: what this is, what went wrong before, what can be done now.
 #include "parts/kit.as"
 
 var MARGIN = 40, WIDE = 560, GAP = 16;
-var CARD_WIDE = (WIDE - GAP) / 2, CARD_HIGH = 64;
-
-var page = createEmptyMovieClip("page", 1);
+var CARD_WIDE = (WIDE - GAP) / 2, CARD_HIGH = 68;
 
 // --- Name and version. The host's version text is the name, a blank and the numbers.
 
-var versionText = given(query.version), blank = versionText.lastIndexOf(" ");
-var mark = page.attachMovie("mark", "mark", page.getNextHighestDepth());
-mark._x = MARGIN + 32; mark._y = 80;
-mark._xscale = mark._yscale = 6400 / 22;
-setFitted(label(page, 120, 44, 480, 34, 24, ICE, BOLD), blank > 0 ? versionText.substr(0, blank) : "Zorvex");
-label(page, 120, 74, 480, 22, 13, ICE).text = "Проигрыватель фильмов Flash";
-setFitted(label(page, 120, 94, 480, 20, 11, SKY), versionText == "" ? "" : "Версия " + versionText.substr(blank + 1));
+var heading = child(this, "heading");
+var version = given(query.version), blank = version.lastIndexOf(" ");
+picture(heading, "mark", MARGIN + 32, 80, 70);
+setFitted(label(heading, 120, 44, 480, 34, 24, ICE, BOLD), blank > 0 ? version.substr(0, blank) : "Zorvex", 0);
+setText(label(heading, 120, 74, 480, 22, 13, ICE), "Проигрыватель фильмов Flash");
+if (version != "") setFitted(label(heading, 120, 94, 480, 20, 11, SKY), "Версия " + version.substr(blank + 1), 0);
 
-// --- What went wrong with the last movie
+// --- What went wrong
 
-var top = 168;
-var message = given(query.error);
-if (message != "") {
-  var MOST_HIGH = 96;
-  var panel = page.createEmptyMovieClip("panel", page.getNextHighestDepth());
-  panel._x = MARGIN; panel._y = 136;
-  var words = label(panel, 20, 10, WIDE - 36, 20, 13, ICE);
+var body = child(this, "body");
+var top = 160;
+if (given(query.error) != "") top = showError(query.error, 136) + 20;
+
+function showError(message, y) {
+  var MOST_LINES = 4, LEADING = 3;
+  var panel = child(body, "panel");
+  panel._x = MARGIN;
+  panel._y = y;
+  var words = label(panel, 52, 11, WIDE - 76, 20, 13, ICE);
   words.multiline = words.wordWrap = true;
-  words.text = message;
-  words._height = Math.min(words.textHeight + 6, MOST_HIGH - 20);
-  var high = words._height + 20;
-  plate(panel, 0, 0, WIDE, high, 6, SLATE);
-  plate(panel, 0, 0, 4, high, 2, RED);
-  top = panel._y + high + 20;
+  var format = words.getNewTextFormat();
+  format.leading = LEADING;
+  words.setNewTextFormat(format);
+  setText(words, "1");
+  var line = words.textHeight + (words.textHeight < 18 ? LEADING : 0);
+  setText(words, message);
+  var lines = Math.round(words.textHeight / line), shown = Math.min(lines, MOST_LINES);
+  words._height = shown * line + 4;
+  var high = Math.ceil(Math.max(words._height, 24) + 20);
+  if (words._height < 24) words._y = Math.round((high - words._height) / 2);
+  fillRound(panel, 0, 0, WIDE, high, 6, SLATE);
+  fillRound(panel, 0, 0, 4, high, 2, RED);
+  // The sign for knowledge, upside down, is the one for trouble.
+  picture(panel, "info", 40, 34, 24)._rotation = 180;
+  if (shown < lines) {
+    var thumb = child(panel, "thumb"), track = high - 20, thumbHigh = Math.max(16, track * shown / lines);
+    fillRound(panel, WIDE - 14, 10, 4, track, 2, STEEL);
+    fillRound(thumb, WIDE - 14, 10, 4, thumbHigh, 2, SKY);
+    words.onScroller = function() {
+      thumb._y = (track - thumbHigh) * (words.scroll - 1) / (words.maxscroll - 1);
+    };
+  }
+  return y + high;
 }
 
 // --- What can be done
 
-function card(column, row, color, caption, hint, command) {
-  var it = pushPlate(page, MARGIN + column * (CARD_WIDE + GAP), top + row * (CARD_HIGH + GAP), CARD_WIDE, CARD_HIGH, color,
-      function() { send(command); });
-  label(it, 20, 12, CARD_WIDE - 32, 22, 13, ICE, BOLD).text = caption;
-  label(it, 20, 33, CARD_WIDE - 32, 20, 11, ICE).text = hint;
+function card(column, row, color, icon, caption, hint, command) {
+  var button = plate(body, MARGIN + column * (CARD_WIDE + GAP), top + row * (CARD_HIGH + GAP), CARD_WIDE, CARD_HIGH,
+      color, 100, function() { send(command); });
+  picture(button, icon, 20, (CARD_HIGH - 24) / 2, 24);
+  var ink = color == BLUE ? WHITE : ICE;
+  setText(label(button, 60, 14, CARD_WIDE - 72, 22, 13, ink, BOLD), caption);
+  setText(label(button, 60, 34, CARD_WIDE - 72, 20, 11, ink), hint);
+  return button;
 }
-card(0, 0, BLUE, "Открыть файл", "Фильм .swf или проектор .exe", "MEOWOPEN");
-card(1, 0, SLATE, "Обзор медиа", "Фильмы папки с эскизами", "MEOWSEARCH");
-card(0, 1, SLATE, "Справка", "Как пользоваться проигрывателем", "MEOWHELP");
-card(1, 1, SLATE, "Обновление", "Последняя версия на сайте", "MEOWUPDATE");
+primary = card(0, 0, BLUE, "open", "Открыть файл", "Фильм .swf или проектор .exe", "MEOWOPEN");
+card(1, 0, SLATE, "browse", "Обзор медиа", "Фильмы папки с эскизами", "MEOWSEARCH");
+card(0, 1, SLATE, "help", "Справка", "Как пользоваться", "MEOWHELP");
+card(1, 1, SLATE, "update", "Обновление", "Новая версия на сайте", "MEOWUPDATE");
+var bottom = top + 2 * CARD_HIGH + GAP;
+if (bottom < 390)
+  setText(label(body, MARGIN, Math.max(bottom + 20, 380), WIDE, 20, 11, SKY),
+      "Файл или папку можно просто перетащить в это окно.");
 
-if (animated) {
-  page._alpha = 0;
-  glide(page, "_alpha", 100, CALM);
-}
+appear(body);
+stop();

@@ -1,8 +1,8 @@
-// What all pages are made of: colours, motion, texts, plates and buttons.
+// What all pages are made of: colours, motion, plates, texts, buttons and keys.
 #include "query.as"
 
 var INK = 0x16202E, SLATE = 0x223349, STEEL = 0x34506F, BLUE = 0x4974BA, SKY = 0x7FA6E0, ICE = 0xEEEEFF;
-var AMBER = 0xF2A93B, RED = 0xD9534F;
+var RED = 0xD9534F, WHITE = 0xFFFFFF;
 var SANS = "DejaVu Sans", BOLD = "DejaVu Sans Bold";
 var QUICK = 150, CALM = 220; // milliseconds of a motion
 
@@ -10,14 +10,16 @@ var query = queryOf(_url);
 var animated = given(query.noanim).toLowerCase() != "true";
 _focusrect = false;
 
-// --- Motion: a property goes to its new value, fast first, and nothing runs once it is there.
+function send(command, argument) { fscommand(command, given(argument)); }
+
+// --- Motion. A property goes to its new value, fast first; nothing runs once all are there.
 
 var glides = [];
 
 function glide(clip, property, to, ms) {
   for (var i = glides.length - 1; i >= 0; i--)
     if (glides[i].clip == clip && glides[i].property == property) glides.splice(i, 1);
-  if (!animated) { clip[property] = to; return; }
+  if (!animated) clip[property] = to;
   if (clip[property] == to) return;
   glides.push({clip: clip, property: property, from: clip[property], to: to, start: getTimer(), ms: ms});
   onEnterFrame = stepGlides;
@@ -33,10 +35,34 @@ function stepGlides() {
   if (glides.length == 0) delete onEnterFrame;
 }
 
+// Lets a part of the page come up from below.
+function appear(clip) {
+  if (!animated) return;
+  var y = clip._y;
+  clip._alpha = 0;
+  clip._y = y + 8;
+  glide(clip, "_alpha", 100, CALM);
+  glide(clip, "_y", y, CALM);
+}
+
 // --- Drawing
 
-function tracePlate(clip, x, y, w, h, r) {
-  var k = r * 0.4142, d = r * 0.7071; // an eighth of a circle is one curve
+function child(parent, name) {
+  return parent.createEmptyMovieClip(name, parent.getNextHighestDepth());
+}
+
+function picture(parent, linkage, x, y, size) {
+  var clip = parent.attachMovie(linkage, linkage, parent.getNextHighestDepth());
+  clip._x = x;
+  clip._y = y;
+  clip._xscale = clip._yscale = size / 24 * 100;
+  return clip;
+}
+
+function tint(clip, color) { (new Color(clip)).setRGB(color); }
+
+function traceRound(clip, x, y, w, h, r) {
+  var k = r * 0.4142, d = r * 0.7071; // a curve is an eighth of a circle
   clip.moveTo(x + r, y);
   clip.lineTo(x + w - r, y);
   clip.curveTo(x + w - r + k, y, x + w - r + d, y + r - d);
@@ -52,85 +78,182 @@ function tracePlate(clip, x, y, w, h, r) {
   clip.curveTo(x + r - k, y, x + r, y);
 }
 
-function plate(clip, x, y, w, h, r, color, alpha) {
+function fillRound(clip, x, y, w, h, r, color, alpha) {
   clip.lineStyle();
   clip.beginFill(color, alpha == undefined ? 100 : alpha);
-  tracePlate(clip, x, y, w, h, r);
+  traceRound(clip, x, y, w, h, r);
   clip.endFill();
 }
 
-function outline(clip, x, y, w, h, r, thickness, color, alpha) {
-  clip.lineStyle(thickness, color, alpha);
-  tracePlate(clip, x, y, w, h, r);
+// Half a pixel inwards, where a line one pixel wide fills whole pixels.
+function hairline(clip, x, y, w, h, r) {
+  clip.lineStyle(0, WHITE, 12);
+  traceRound(clip, x + 0.5, y + 0.5, w - 1, h - 1, r);
   clip.lineStyle();
 }
 
-function tint(clip, color) { (new Color(clip)).setRGB(color); }
-
-// --- Texts: always as they stand; a name with "<" in it is a name.
+// --- Texts. They are shown as they stand: a name with "<" in it is a name.
 
 function label(parent, x, y, w, h, size, color, font) {
-  var depth = parent.getNextHighestDepth();
-  var field = parent.createTextField("text" + depth, depth, x, y, w, h);
-  var format = new TextFormat(font == undefined ? SANS : font, size, color);
+  var depth = parent.getNextHighestDepth(), name = "text" + depth;
+  parent.createTextField(name, depth, x, y, w, h);
+  var field = parent[name];
   field.embedFonts = true;
   field.selectable = false;
-  field.setNewTextFormat(format);
+  field.setNewTextFormat(new TextFormat(font == undefined ? SANS : font, size, color));
   return field;
 }
 
-// Cuts the end off, so that the text and an ellipsis have room in the width of the field.
-function setFitted(field, text) {
-  var room = field._width - 4;
-  field.text = text;
-  if (field.textWidth <= room) return;
-  var fits = 0, tooLong = text.length;
-  while (tooLong - fits > 1) {
-    var middle = fits + tooLong >> 1;
-    field.text = text.substr(0, middle) + "…";
-    if (field.textWidth <= room) fits = middle; else tooLong = middle;
+// Letters that the page does not bring come from the machine.
+function setText(field, text) {
+  if (!isCovered(text)) {
+    var format = field.getNewTextFormat();
+    format.font = "_sans";
+    field.embedFonts = false;
+    field.setNewTextFormat(format);
   }
-  field.text = text.substr(0, fits) + "…";
+  field.text = text;
 }
 
-// --- Buttons. `focusable` holds them in the order of the Tab key; the ring shows once a key was used.
+// Shortens what has no room: the last `tail` characters stay, an ellipsis stands for what is left out. With no tail
+// given, it is the beginning that goes.
+function setFitted(field, text, tail) {
+  var room = field._width - 5;
+  setText(field, text);
+  if (field.textWidth <= room) return;
+  var end = tail == undefined ? "" : text.substr(text.length - tail, tail);
+  var most = text.length - end.length, fits = 0;
+  while (most - fits > 1) {
+    var middle = Math.floor((fits + most) / 2);
+    field.text = tail == undefined ? "…" + text.substr(text.length - middle) : text.substr(0, middle) + "…" + end;
+    if (field.textWidth <= room) fits = middle; else most = middle;
+  }
+  field.text = tail == undefined ? "…" + text.substr(text.length - fits) : text.substr(0, fits) + "…" + end;
+}
 
-var focusable = [], focused = null;
+// --- Buttons. `buttons` holds them in the order of the Tab key; the ring shows where the keyboard is.
 
-// A plate of the given size whose `run` is called when it is chosen. The page lays texts and icons on it.
-function pushPlate(parent, x, y, w, h, color, run) {
-  var depth = parent.getNextHighestDepth();
-  var button = parent.createEmptyMovieClip("button" + depth, depth);
-  button._x = x; button._y = y;
+var buttons = [], focused = null;
+var primary = null; // what Enter does while no button has the ring
+
+// A plate that calls `run` when it is chosen. The page lays texts and icons on it.
+function plate(parent, x, y, w, h, color, alpha, run) {
+  var button = child(parent, "plate" + buttons.length);
+  button._x = x;
+  button._y = y;
+  button.w = w;
+  button.h = h;
   button.run = run;
-  button.plainWidth = w; button.plainHeight = h;
-  plate(button, 0, 0, w, h, 6, color);
-  outline(button, 0, 0, w, h, 6, 0, 0xFFFFFF, 12);
-  var lit = button.createEmptyMovieClip("lit", 1);
-  plate(lit, 0, 0, w, h, 6, color == BLUE ? 0xFFFFFF : SKY);
-  lit._alpha = 0;
-  var down = button.createEmptyMovieClip("down", 2);
-  plate(down, 0, 0, w, h, 6, color == BLUE ? INK : BLUE);
-  down._alpha = 0;
-  var ring = button.createEmptyMovieClip("ring", 3);
-  outline(ring, -2, -2, w + 4, h + 4, 8, 2, SKY, 100);
-  ring._visible = false;
+  fillRound(button, 0, 0, w, h, 6, color, alpha);
+  if (alpha > 0) hairline(button, 0, 0, w, h, 6);
+  button.lit = child(button, "lit");
+  fillRound(button.lit, 0, 0, w, h, 6, SKY);
+  button.lit._alpha = 0;
+  button.down = child(button, "down");
+  fillRound(button.down, 0, 0, w, h, 6, color == BLUE ? INK : BLUE);
+  button.down._alpha = 0;
+  button.ring = child(button, "ring");
+  button.ring.lineStyle(2, SKY, 100);
+  traceRound(button.ring, 1, 1, w - 2, h - 2, 5);
+  button.ring._visible = false;
   button.tabEnabled = false;
-  button.onRollOver = button.onDragOver = function() { glide(this.lit, "_alpha", 18, QUICK); };
-  button.onRollOut = button.onDragOut = button.onReleaseOutside = function() {
-    glide(this.lit, "_alpha", 0, QUICK);
-    this.down._alpha = 0;
+  button.onRollOver = button.onDragOver = function() {
+    glide(this.lit, "_alpha", color == BLUE ? 30 : 18, QUICK);
+    this.onPointed(true);
   };
-  button.onPress = function() { showFocus(null); this.down._alpha = 60; };
-  button.onRelease = function() { this.down._alpha = 0; this.run(); };
-  focusable.push(button);
+  button.onRollOut = button.onDragOut = button.onReleaseOutside = function() {
+    this.down._alpha = 0;
+    glide(this.lit, "_alpha", 0, QUICK);
+    this.onPointed(false);
+  };
+  button.onPress = function() {
+    focusOn(null);
+    this.down._alpha = 60;
+  };
+  button.onRelease = function() {
+    this.down._alpha = 0;
+    this.run();
+  };
+  buttons.push(button);
   return button;
 }
 
-function showFocus(button) {
-  if (focused) focused.ring._visible = false;
-  focused = button;
-  if (focused) focused.ring._visible = true;
+function disable(button, glyph) {
+  button.enabled = false;
+  button.useHandCursor = false;
+  glyph._alpha = 35;
 }
 
-function send(command, argument) { fscommand(command, given(argument)); }
+function focusOn(button) {
+  if (focused != null) {
+    focused.ring._visible = false;
+    focused.onPointed(false);
+  }
+  focused = button;
+  if (focused == null) return;
+  focused.ring._visible = true;
+  focused.onPointed(true);
+}
+
+// --- Keys
+
+function focusNext(step) {
+  var at = -1;
+  for (var i = 0; i < buttons.length; i++) if (buttons[i] == focused) at = i;
+  if (at < 0 && step < 0) at = 0;
+  for (var tries = 0; tries < buttons.length; tries++) {
+    at = (at + step + buttons.length) % buttons.length;
+    if (buttons[at].enabled) return focusOn(buttons[at]);
+  }
+}
+
+// To the nearest button on that side; what lies across the way counts double.
+function focusTowards(dx, dy) {
+  if (focused == null) return focusNext(1);
+  var best = null, least = Infinity, from = middleOf(focused);
+  for (var i = 0; i < buttons.length; i++) {
+    if (!buttons[i].enabled || buttons[i] == focused) continue;
+    var to = middleOf(buttons[i]);
+    var along = (to.x - from.x) * dx + (to.y - from.y) * dy;
+    var across = Math.abs((to.x - from.x) * dy) + Math.abs((to.y - from.y) * dx);
+    if (along <= 4 || along + 2 * across >= least) continue;
+    least = along + 2 * across;
+    best = buttons[i];
+  }
+  if (best != null) focusOn(best);
+}
+
+function middleOf(button) {
+  var point = {x: button.w / 2, y: button.h / 2};
+  button.localToGlobal(point);
+  return point;
+}
+
+var REPEAT_MS = 250; // a key that is held comes again sooner than this
+var lastChosen = -REPEAT_MS;
+
+function chosenAnew() {
+  var now = getTimer(), anew = now - lastChosen >= REPEAT_MS;
+  lastChosen = now;
+  return anew;
+}
+
+// A page adds its own keys in `onPageKey`, which answers whether the key was one of them.
+var keyboard = {};
+keyboard.onKeyDown = function() {
+  var code = Key.getCode();
+  if (Key.isDown(Key.CONTROL) || onPageKey(code)) return;
+  switch (code) {
+  case Key.TAB: focusNext(Key.isDown(Key.SHIFT) ? -1 : 1); break;
+  case Key.LEFT: focusTowards(-1, 0); break;
+  case Key.RIGHT: focusTowards(1, 0); break;
+  case Key.UP: focusTowards(0, -1); break;
+  case Key.DOWN: focusTowards(0, 1); break;
+  case Key.ENTER:
+  case Key.SPACE:
+    if (!chosenAnew()) break;
+    if (focused != null) focused.run();
+    else if (code == Key.ENTER && primary != null) primary.run();
+  }
+};
+Key.addListener(keyboard);

@@ -51,3 +51,13 @@ function queryOf(url) {
 }
 
 function given(text) { return text == undefined ? "" : text; }
+
+// Whether the fonts of the pages have all letters of a text.
+function isCovered(text) {
+  for (var i = 0; i < text.length; i++) {
+    var code = text.charCodeAt(i);
+    var known = code < 127 || (code >= 0x410 && code <= 0x44F) || upperHalf.indexOf(text.charAt(i)) >= 0;
+    if (!known) return false;
+  }
+  return true;
+}

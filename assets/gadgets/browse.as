@@ -1,0 +1,197 @@
+// A page of a folder: up to eight movies, projectors and folders. Choosing one, turning the page and choosing another
+// folder are the host's work; it answers by loading this page anew.
+#include "parts/kit.as"
+
+var WIDE = 640, HIGH = 440, BAR = 44;
+var SLOTS = 8, COLUMNS = 4, EDGE = 12, GAP = 8;
+var SLOT_WIDE = (WIDE - 2 * EDGE - (COLUMNS - 1) * GAP) / COLUMNS;
+var SLOT_HIGH = (HIGH - 2 * BAR - 2 * EDGE - GAP) / 2;
+var PAD = 8, SHOT_WIDE = SLOT_WIDE - 2 * PAD, SHOT_HIGH = SLOT_HIGH - 2 * PAD - 24;
+var MOVIE = 1, PROJECTOR = 2, FOLDER = 3;
+
+// What the host's encoding cannot say stands in a second parameter, as UTF-8.
+function exact(parameter, second) {
+  return this[second] != undefined ? this[second] : given(query[parameter]);
+}
+
+var folder = exact("Folder", "FolderText"), cache = exact("Cache", "CacheText");
+var pages = Math.max(1, number(query.TotalPages)), page = Math.max(1, Math.min(pages, number(query.curPage)));
+
+function number(text) {
+  var value = parseInt(text, 10);
+  return isNaN(value) ? 0 : value;
+}
+
+function bar(y) {
+  // Beyond the stage's edges too: a window may be wider than the page.
+  fillRound(this, -WIDE, y, 3 * WIDE, BAR, 0, SLATE);
+  lineStyle(0, WHITE, 12);
+  moveTo(-WIDE, y == 0 ? BAR - 0.5 : y + 0.5);
+  lineTo(2 * WIDE, y == 0 ? BAR - 0.5 : y + 0.5);
+  lineStyle();
+}
+bar(0);
+bar(HIGH - BAR);
+
+// --- The folder line
+
+function glyphPlate(x, y, icon, run) {
+  var button = plate(this, x, y, 28, 28, SLATE, 0, run);
+  button.glyph = picture(button, icon, 4, 4, 20);
+  return button;
+}
+
+var hasParent = false;
+for (var i = 1; i <= SLOTS; i++) if (nameOf(i) == "..") hasParent = true;
+
+// The slot of the parent folder is on the first page only; the way up is needed on all.
+var isRoot = page == 1 && !hasParent;
+function goUp() { if (!isRoot) send("MEOWSEARCH", folder + ".."); }
+function chooseFolder() { send("MEOWBROWSE"); }
+
+var up = glyphPlate(EDGE, 8, "parent", goUp);
+if (isRoot) disable(up, up.glyph);
+setFitted(label(this, 48, 12, WIDE - 48 - 148, 22, 13, ICE), folder);
+var choose = plate(this, WIDE - EDGE - 120, 8, 120, 28, BLUE, 100, chooseFolder);
+picture(choose, "open", 8, 4, 20);
+setText(label(choose, 34, 5, 82, 20, 12, WHITE), "Папка…");
+
+// --- The status line
+
+var status = label(this, EDGE, HIGH - BAR + 13, 340, 20, 11, SKY);
+var statusText = given(query.Status);
+setFitted(status, statusText, 0);
+
+function turnTo(command) {
+  return function() { send(command); };
+}
+var turnFirst = glyphPlate(WIDE - EDGE - 260, HIGH - BAR + 8, "first", turnTo("MEOWFIRSTPAGE"));
+var turnBack = glyphPlate(WIDE - EDGE - 228, HIGH - BAR + 8, "back", turnTo("MEOWBACKPAGE"));
+var turnNext = glyphPlate(WIDE - EDGE - 60, HIGH - BAR + 8, "next", turnTo("MEOWNEXTPAGE"));
+var turnLast = glyphPlate(WIDE - EDGE - 28, HIGH - BAR + 8, "last", turnTo("MEOWLASTPAGE"));
+if (page == 1) { disable(turnFirst, turnFirst.glyph); disable(turnBack, turnBack.glyph); }
+if (page == pages) { disable(turnNext, turnNext.glyph); disable(turnLast, turnLast.glyph); }
+var count = label(this, WIDE - EDGE - 198, HIGH - BAR + 13, 136, 20, 11, ICE);
+setText(count, "Страница " + page + " из " + pages);
+count._x += Math.round((136 - count.textWidth - 4) / 2);
+
+// --- The slots
+
+function nameOf(slot) { return exact("shot" + slot + "_ItemName", "shot" + slot + "_ItemText"); }
+
+// A thumbnail lies in the cache under the path of its movie, flattened; the host names those that do not.
+function shotOf(slot, name) {
+  var file = this["shot" + slot + "_ItemShot"];
+  if (file == undefined) file = cache + flattened(name) + ".jpg";
+  // Signs that mean something in an address, and in an escape.
+  var signs = ["%", "#", "?", "&", "+", " ", ";"], codes = ["%25", "%23", "%3F", "%26", "%2B", "%20", "%3B"];
+  for (var i = 0; i < signs.length; i++) file = file.split(signs[i]).join(codes[i]);
+  return file;
+}
+
+function flattened(name) {
+  var signs = [":\\", "\\\\", "//", "\\", "/"];
+  for (var i = 0; i < signs.length; i++) name = name.split(signs[i]).join(i == 0 ? "@" : "#");
+  return name;
+}
+
+var grid = child(this, "grid");
+var loader = new MovieClipLoader(), loaded = {};
+loaded.onLoadInit = function(shot) {
+  if (shot._width <= 0 || shot._height <= 0) return;
+  var scale = Math.min(1, SHOT_WIDE / shot._width, SHOT_HIGH / shot._height);
+  shot._xscale = shot._yscale = 100 * scale;
+  shot._x = PAD + Math.round((SHOT_WIDE - shot._width) / 2);
+  shot._y = PAD + Math.round((SHOT_HIGH - shot._height) / 2);
+  shot._parent.kindIcon._visible = false;
+  shot._visible = true;
+  shot._alpha = 0;
+  glide(shot, "_alpha", 100, CALM);
+};
+loader.addListener(loaded);
+
+function showSlot(slot, name, kind) {
+  var index = slot - 1;
+  var isParent = kind == FOLDER && name == "..", isFolder = kind == FOLDER;
+  var button = plate(grid, EDGE + index % COLUMNS * (SLOT_WIDE + GAP),
+      BAR + EDGE + Math.floor(index / COLUMNS) * (SLOT_HIGH + GAP), SLOT_WIDE, SLOT_HIGH, SLATE, 100, function() {
+        send(isFolder ? "MEOWSEARCH" : "MEOWSEL", folder + name);
+      });
+  var icon = isParent ? "parent" : isFolder ? "folder" : kind == PROJECTOR ? "projector" : "movie";
+  if (!isFolder) fillRound(button, PAD, PAD, SHOT_WIDE, SHOT_HIGH, 3, INK);
+  var kindIcon = picture(button, icon, PAD + (SHOT_WIDE - 48) / 2, PAD + (SHOT_HIGH - 48) / 2, 48);
+  kindIcon._alpha = isFolder ? 100 : 35;
+  if (isFolder) tint(kindIcon, SKY);
+  button.kindIcon = kindIcon;
+  var caption = isParent ? "На уровень выше" : oneLine(name);
+  if (!isFolder) {
+    picture(button, icon, PAD, SLOT_HIGH - PAD - 19, 16);
+    var shot = child(button, "shot");
+    shot._visible = false;
+    loader.loadClip(shotOf(slot, name), shot);
+  }
+  var left = isFolder ? PAD : PAD + 20;
+  var field = label(button, left - 2, SLOT_HIGH - PAD - 21, SLOT_WIDE - PAD - left + 4, 20, 12, ICE);
+  setFitted(field, caption, isParent ? 0 : tailOf(caption));
+  if (isFolder) field._x = Math.round((SLOT_WIDE - field.textWidth - 4) / 2);
+  // The whole name, for it may not have had room.
+  button.onPointed = function(on) { setFitted(status, on && !isParent ? caption : statusText, tailOf(caption)); };
+}
+
+function oneLine(name) { return name.split("\r").join(" ").split("\n").join(" ").split("\t").join(" "); }
+
+// What of a name should not be left out: the part that tells it from its neighbours is often at its end.
+function tailOf(name) { return Math.min(7, Math.floor(name.length / 3)); }
+
+var shown = 0, media = 0;
+for (var i = 1; i <= SLOTS; i++) {
+  var kind = number(query["shot" + i + "_ItemType"]);
+  if (kind < MOVIE || kind > FOLDER || nameOf(i) == "") continue;
+  showSlot(i, nameOf(i), kind);
+  shown = i;
+  if (kind != FOLDER) media++;
+}
+if (pages == 1 && media == 0 && shown <= COLUMNS) {
+  var emptyTop = shown > 0 ? BAR + EDGE + SLOT_HIGH + GAP + SLOT_HIGH / 2 - 28 : HIGH / 2 - 28;
+  centred("В этой папке нет фильмов Flash", emptyTop, 13, ICE);
+  centred("Показываются файлы .swf и проекторы .exe.", emptyTop + 24, 11, SKY);
+}
+
+function centred(text, y, size, color) {
+  var field = label(grid, EDGE, y, WIDE - 2 * EDGE, 22, size, color);
+  setText(field, text);
+  field._x = Math.round((WIDE - field.textWidth - 4) / 2);
+}
+
+// The first slot comes first to the keyboard, the bars after the slots.
+buttons = buttons.slice(6).concat(buttons.slice(0, 6));
+
+// --- Turning pages by key and wheel
+
+var SETTLE_MS = 200; // the rest of a turn of the wheel belongs to the page before
+var opened = getTimer(), turned = -SETTLE_MS;
+
+function turn(pagesOn) {
+  var button = pagesOn > 0 ? turnNext : turnBack, now = getTimer();
+  if (!button.enabled || now - opened < SETTLE_MS || now - turned < SETTLE_MS) return;
+  turned = now;
+  button.run();
+}
+
+var mouse = {};
+mouse.onMouseWheel = function(lines) { turn(lines < 0 ? 1 : -1); };
+Mouse.addListener(mouse);
+
+function onPageKey(code) {
+  switch (code) {
+  case Key.PGDN: turn(1); return true;
+  case Key.PGUP: turn(-1); return true;
+  case Key.HOME: if (turnFirst.enabled) turnFirst.run(); return true;
+  case Key.END: if (turnLast.enabled) turnLast.run(); return true;
+  case Key.BACKSPACE: if (chosenAnew()) goUp(); return true;
+  }
+  return false;
+}
+
+appear(grid);
+stop();
