@@ -8,7 +8,7 @@ import re
 import sys
 
 # Ground floor first. A room may include itself and rooms named before it, except where BARRED says no.
-FLOORS = ['base', 'flash/codec', 'flash/swf', 'flash/render', 'flash/stage', 'flash/avm1', 'flash/sound', 'flash/net', 'flash',
+FLOORS = ['base', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/avm1', 'flash/sound', 'flash/net', 'flash',
           'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'ui', 'player',
           'app']
 # What the player's rooms may include of the two engines.

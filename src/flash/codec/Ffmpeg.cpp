@@ -17,7 +17,8 @@ std::optional<Ffmpeg> load()
     void* avcodec = dlopen("libavcodec.so." AV_STRINGIFY(LIBAVCODEC_VERSION_MAJOR), kHow);
     void* avutil = dlopen("libavutil.so." AV_STRINGIFY(LIBAVUTIL_VERSION_MAJOR), kHow);
     void* swresample = dlopen("libswresample.so." AV_STRINGIFY(LIBSWRESAMPLE_VERSION_MAJOR), kHow);
-    if (avcodec == nullptr || avutil == nullptr || swresample == nullptr) return {};
+    void* swscale = dlopen("libswscale.so." AV_STRINGIFY(LIBSWSCALE_VERSION_MAJOR), kHow);
+    if (avcodec == nullptr || avutil == nullptr || swresample == nullptr || swscale == nullptr) return {};
     Ffmpeg table;
 #define FLASH_FFMPEG_FIND(library, function)                                                                 \
     table.function = reinterpret_cast<decltype(&::function)>(dlsym(library, #function));                     \

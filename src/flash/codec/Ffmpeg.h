@@ -6,6 +6,7 @@ extern "C" {
 #include <libavutil/frame.h>
 #include <libavutil/log.h>
 #include <libswresample/swresample.h>
+#include <libswscale/swscale.h>
 }
 
 // FFmpeg's functions, called through a table that is filled when it is first asked for. Linking its libraries
@@ -35,20 +36,24 @@ struct Ffmpeg {
     X(avutil, av_frame_free)                                                                                 \
     X(avutil, av_frame_unref)                                                                                \
     X(avutil, av_log_set_level)                                                                              \
+    X(avutil, av_mallocz)                                                                                    \
     X(avutil, av_channel_layout_default)                                                                     \
     X(swresample, swr_alloc_set_opts2)                                                                       \
     X(swresample, swr_init)                                                                                  \
     X(swresample, swr_free)                                                                                  \
     X(swresample, swr_convert)                                                                               \
     X(swresample, swr_get_out_samples)                                                                       \
-    X(swresample, swr_set_matrix)
+    X(swresample, swr_set_matrix)                                                                            \
+    X(swscale, sws_getCachedContext)                                                                         \
+    X(swscale, sws_freeContext)                                                                              \
+    X(swscale, sws_scale)
 #define FLASH_FFMPEG_DECLARE(library, function) decltype(&::function) function = nullptr;
     FLASH_FFMPEG_FUNCTIONS(FLASH_FFMPEG_DECLARE)
 #undef FLASH_FFMPEG_DECLARE
 
     /// @returns null when the libraries or one of the functions are not there; never anything else then. The
     ///          table lives until the process ends. It keeps FFmpeg from writing to the standard error:
-    ///          damaged sound is an ordinary thing here.
+    ///          damaged sounds and videos are an ordinary thing here.
     static const Ffmpeg* get();
 };
 

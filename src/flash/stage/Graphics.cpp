@@ -140,8 +140,14 @@ void BitmapNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const
                       m_smooth ? render::Smoothing::On : render::Smoothing::Off);
 }
 
+VideoNode::VideoNode(Stage& stage, const swf::VideoStream& stream)
+    : Node(stage, NodeKind::Video), deblocking(stream.deblocking), m_stream(stream), m_embedded(stream),
+      m_smoothing(stream.smoothing)
+{
+}
 void VideoNode::setPicture(std::shared_ptr<const swf::Bitmap> picture)
 {
+    m_attached = true;
     m_picture = std::move(picture);
     invalidate();
 }
@@ -149,6 +155,13 @@ void VideoNode::setRatio(std::uint16_t ratio)
 {
     if (ratio == m_ratio) return;
     m_ratio = ratio;
+    m_stale = true;
+    invalidate();
+}
+void VideoNode::setSmoothing(bool on)
+{
+    if (on == m_smoothing) return;
+    m_smoothing = on;
     invalidate();
 }
 swf::Rect VideoNode::bounds(Extent) { return pixelRect(m_stream.width, m_stream.height); }
@@ -158,11 +171,16 @@ bool VideoNode::hitsShape(swf::Point stagePoint)
 }
 void VideoNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
+    if (!m_attached && m_stale) {
+        // Decoded when it is drawn: what is passed over unseen costs no picture.
+        m_picture = m_embedded.at(m_ratio);
+        m_stale = false;
+    }
     if (!m_picture || m_picture->width == 0 || m_picture->height == 0) return;
     const swf::Matrix fit{static_cast<double>(m_stream.width) / m_picture->width,   0, 0,
                           static_cast<double>(m_stream.height) / m_picture->height, 0, 0};
     canvas.drawBitmap(*m_picture, scaledBy(toDevice, swf::kTwipsPerPixel) * fit, color,
-                      smoothing ? render::Smoothing::On : render::Smoothing::Off);
+                      m_smoothing ? render::Smoothing::On : render::Smoothing::Off);
 }
 
 } // namespace flash::stage

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/stage/Node.h"
+#include "flash/video/StreamPictures.h"
 
 #include <vector>
 
@@ -90,25 +91,32 @@ private:
     bool m_smooth;
 };
 
-/// The decoder of a video character's frames; pictures come from above.
+/// A video's place on the stage: shows the frames embedded in the movie, or the pictures of a file that a
+/// script attached.
 class VideoNode final : public Node
 {
 public:
-    VideoNode(Stage& stage, const swf::VideoStream& stream) : Node(stage, NodeKind::Video), m_stream(stream)
-    {
-    }
+    VideoNode(Stage& stage, const swf::VideoStream& stream);
     [[nodiscard]] const swf::VideoStream& stream() const { return m_stream; }
-    /// Null until the first picture.
+    /// What is attached shows instead of the embedded frames. Null: nothing until the next picture.
     void setPicture(std::shared_ptr<const swf::Bitmap> picture);
+    /// Of what is shown, pixels; 0 before the first picture.
+    [[nodiscard]] int pictureWidth() const { return m_picture ? m_picture->width : 0; }
+    [[nodiscard]] int pictureHeight() const { return m_picture ? m_picture->height : 0; }
     void setRatio(std::uint16_t ratio) override;
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
-    bool smoothing = false;
-    int deblocking = 0;
+    void setSmoothing(bool on);
+    [[nodiscard]] bool smoothing() const { return m_smoothing; }
+    int deblocking = 0; ///< kept for scripts; the decoder does as the stream says
 
 private:
     const swf::VideoStream& m_stream; ///< belongs to movie()
+    video::StreamPictures m_embedded;
+    bool m_attached = false;
+    bool m_stale = true; ///< the embedded frame has changed since m_picture was taken
+    bool m_smoothing;
     std::shared_ptr<const swf::Bitmap> m_picture;
 };
 

@@ -1,0 +1,73 @@
+#include "flash/video/FlvFile.h"
+
+namespace flash::video
+{
+namespace
+{
+
+// Layout by the file format's description, version 10.1, annex E. Numbers are big-endian.
+constexpr std::size_t kHeaderBytes = 9, kTagHeaderBytes = 11, kBackPointerBytes = 4;
+enum class TagType : std::uint8_t { Audio = 8, Video = 9, Script = 18 };
+constexpr unsigned kMp3 = 2, kMp3At8kHz = 14;
+constexpr unsigned kKeyFrame = 1, kServerFrame = 5;
+
+std::uint32_t bigEndian(base::Bytes bytes, std::size_t at, int count)
+{
+    std::uint32_t value = 0;
+    for (int i = 0; i < count; ++i) value = value << 8 | bytes[at + static_cast<std::size_t>(i)];
+    return value;
+}
+
+void addVideo(FlvFile& file, double timeMs, base::Bytes body)
+{
+    const unsigned kind = body[0] >> 4;
+    const auto codec = static_cast<VideoCodec>(body[0] & 15);
+    if (kind == kServerFrame) return;
+    FlvFile::Video video{timeMs, kind == kKeyFrame, codec, 0, body.subspan(1)};
+    if (codec == VideoCodec::Vp6 || codec == VideoCodec::Vp6Alpha) {
+        if (video.packet.empty()) return;
+        video.adjustment = video.packet[0];
+        video.packet = video.packet.subspan(1);
+    }
+    if (!video.packet.empty()) file.video.push_back(video);
+}
+
+void addSound(FlvFile& file, double timeMs, base::Bytes body)
+{
+    const unsigned format = body[0] >> 4;
+    if (format != kMp3 && format != kMp3At8kHz) {
+        file.hasOtherSound = true;
+        return;
+    }
+    file.mp3.push_back({timeMs, body.subspan(1)});
+}
+
+} // namespace
+
+base::Result<FlvFile> FlvFile::parse(base::Bytes bytes)
+{
+    if (bytes.size() < kHeaderBytes || bytes[0] != 'F' || bytes[1] != 'L' || bytes[2] != 'V')
+        return base::fail(base::ErrorCode::Malformed, "this is no FLV file");
+    FlvFile file;
+    std::size_t at = std::size_t{bigEndian(bytes, 5, 4)} + kBackPointerBytes;
+    while (at < bytes.size() && bytes.size() - at >= kTagHeaderBytes) {
+        const auto type = static_cast<TagType>(bytes[at] & 31);
+        const std::size_t size = bigEndian(bytes, at + 1, 3);
+        const double timeMs = bigEndian(bytes, at + 4, 3) | std::uint32_t{bytes[at + 7]} << 24;
+        at += kTagHeaderBytes;
+        if (size > bytes.size() - at) break;
+        const base::Bytes body = bytes.subspan(at, size);
+        at += size + kBackPointerBytes;
+        if (body.empty()) continue;
+        file.lastMs = std::max(file.lastMs, timeMs);
+        switch (type) {
+        case TagType::Audio: addSound(file, timeMs, body); break;
+        case TagType::Video: addVideo(file, timeMs, body); break;
+        case TagType::Script: file.scripts.push_back({timeMs, body}); break;
+        default: break;
+        }
+    }
+    return file;
+}
+
+} // namespace flash::video

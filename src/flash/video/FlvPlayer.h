@@ -1,0 +1,61 @@
+#pragma once
+
+#include "flash/video/FlvFile.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace flash::video
+{
+
+/// Plays an FLV file on simulated time: which picture shows, and which of the file's messages are due. What
+/// is heard is the owner's affair, who gets the sound's frames as one MP3 file.
+class FlvPlayer
+{
+public:
+    using FileBytes = std::shared_ptr<const std::vector<std::uint8_t>>;
+
+    /// @errors as FlvFile::parse()
+    static base::Result<std::unique_ptr<FlvPlayer>> open(FileBytes bytes);
+
+    [[nodiscard]] double timeMs() const { return m_timeMs; }
+    [[nodiscard]] double endMs() const { return m_file.lastMs; }
+    [[nodiscard]] bool atEnd() const { return m_timeMs >= m_file.lastMs; }
+    [[nodiscard]] std::size_t byteCount() const { return m_bytes->size(); }
+
+    /// Moves on; stops at the end.
+    void advance(double ms);
+    /// To the key frame at or before a time. @returns false, with nothing changed, beyond the end
+    bool seek(double timeMs);
+    /// Until the next packet or message after the present time; nothing when there is none.
+    [[nodiscard]] std::optional<double> msToNext() const;
+
+    /// The picture that shows now; null before the first. Decodes what is new.
+    std::shared_ptr<const swf::Bitmap> picture();
+    /// The messages that became due since the last call.
+    std::vector<base::Bytes> takeMessages();
+    /// Pictures that became due in the second before now.
+    [[nodiscard]] int picturesInLastSecond() const;
+
+    /// All of the file's sound; null when it has none that can be played.
+    [[nodiscard]] const FileBytes& mp3() const { return m_mp3; }
+    [[nodiscard]] double soundStartMs() const { return m_file.mp3.empty() ? 0 : m_file.mp3.front().timeMs; }
+    [[nodiscard]] bool hasOtherSound() const { return m_file.hasOtherSound; }
+
+private:
+    FlvPlayer(FileBytes bytes, FlvFile file);
+    /// Of the packets of video, those due at a time.
+    [[nodiscard]] std::size_t dueVideo(double timeMs) const;
+
+    FileBytes m_bytes, m_mp3;
+    FlvFile m_file;
+    double m_timeMs = 0;
+    std::size_t m_decoded = 0; ///< packets given to the decoder
+    std::size_t m_told = 0;    ///< messages taken
+    std::unique_ptr<VideoDecoder> m_decoder;
+    VideoCodec m_codec{};
+    std::shared_ptr<const swf::Bitmap> m_picture;
+};
+
+} // namespace flash::video

@@ -1,0 +1,148 @@
+#include "flash/video/VideoDecoder.h"
+
+#include "flash/codec/Ffmpeg.h"
+
+#include <algorithm>
+
+namespace flash::video
+{
+namespace
+{
+
+constexpr int kBlock = 16; ///< pixels that coded sizes are rounded up to
+
+AVCodecID codecId(VideoCodec codec)
+{
+    switch (codec) {
+    case VideoCodec::SorensonH263: return AV_CODEC_ID_FLV1;
+    case VideoCodec::Screen: return AV_CODEC_ID_FLASHSV;
+    case VideoCodec::Vp6: return AV_CODEC_ID_VP6F;
+    case VideoCodec::Vp6Alpha: return AV_CODEC_ID_VP6A;
+    case VideoCodec::Screen2: return AV_CODEC_ID_FLASHSV2;
+    }
+    return AV_CODEC_ID_NONE;
+}
+
+/// What of the coded pixels belongs to the picture.
+int visible(int coded, int wanted)
+{
+    return wanted > 0 && coded > wanted && coded - wanted < kBlock ? wanted : coded;
+}
+
+/// The colours are coded premultiplied already; where coding made one exceed its alpha it is cut.
+std::uint32_t withinAlpha(std::uint32_t pixel)
+{
+    const std::uint32_t alpha = pixel >> 24;
+    const auto channel = [&](int shift) { return std::min(pixel >> shift & 0xFF, alpha) << shift; };
+    return alpha << 24 | channel(16) | channel(8) | channel(0);
+}
+
+} // namespace
+
+struct VideoDecoder::Parts {
+    explicit Parts(const codec::Ffmpeg& functions) : ffmpeg(functions) {}
+    ~Parts()
+    {
+        ffmpeg.sws_freeContext(scaler);
+        ffmpeg.avcodec_free_context(&context);
+        ffmpeg.av_packet_free(&packet);
+        ffmpeg.av_frame_free(&frame);
+    }
+    const codec::Ffmpeg& ffmpeg;
+    AVCodecContext* context = nullptr;
+    AVPacket* packet = nullptr;
+    AVFrame* frame = nullptr;
+    SwsContext* scaler = nullptr;
+    int width = 0, height = 0; ///< wanted
+};
+
+VideoDecoder::VideoDecoder(std::unique_ptr<Parts> parts) : m_parts(std::move(parts)) {}
+VideoDecoder::~VideoDecoder() = default;
+
+std::unique_ptr<VideoDecoder> VideoDecoder::open(VideoCodec codec, int width, int height,
+                                                 std::uint8_t adjustment)
+{
+    const codec::Ffmpeg* ffmpeg = codec::Ffmpeg::get();
+    const AVCodec* found = ffmpeg == nullptr ? nullptr : ffmpeg->avcodec_find_decoder(codecId(codec));
+    if (found == nullptr) return nullptr;
+    auto parts = std::make_unique<Parts>(*ffmpeg);
+    parts->context = ffmpeg->avcodec_alloc_context3(found);
+    parts->packet = ffmpeg->av_packet_alloc();
+    parts->frame = ffmpeg->av_frame_alloc();
+    if (parts->context == nullptr || parts->packet == nullptr || parts->frame == nullptr) return nullptr;
+    parts->width = width;
+    parts->height = height;
+    parts->context->thread_count = 1; // The same pictures on every run, and none held back.
+    parts->context->max_pixels = kMostPixels;
+    if (adjustment != 0) {
+        // Freed with the context.
+        parts->context->extradata =
+            static_cast<std::uint8_t*>(ffmpeg->av_mallocz(1 + AV_INPUT_BUFFER_PADDING_SIZE));
+        if (parts->context->extradata == nullptr) return nullptr;
+        parts->context->extradata[0] = adjustment;
+        parts->context->extradata_size = 1;
+    }
+    if (codec == VideoCodec::Screen || codec == VideoCodec::Screen2) {
+        parts->context->width = width;
+        parts->context->height = height;
+    }
+    if (ffmpeg->avcodec_open2(parts->context, found, nullptr) < 0) return nullptr;
+    return std::unique_ptr<VideoDecoder>(new VideoDecoder(std::move(parts)));
+}
+
+bool VideoDecoder::send(base::Bytes bytes)
+{
+    // The copy gives the padding that libavcodec's bit readers need behind a packet.
+    AVPacket* packet = m_parts->packet;
+    if (bytes.empty() || m_parts->ffmpeg.av_new_packet(packet, static_cast<int>(bytes.size())) < 0)
+        return false;
+    std::copy(bytes.begin(), bytes.end(), packet->data);
+    const int sent = m_parts->ffmpeg.avcodec_send_packet(m_parts->context, packet);
+    m_parts->ffmpeg.av_packet_unref(packet);
+    return sent >= 0 && m_parts->ffmpeg.avcodec_receive_frame(m_parts->context, m_parts->frame) >= 0;
+}
+
+std::shared_ptr<const swf::Bitmap> VideoDecoder::decode(base::Bytes packet)
+{
+    if (!send(packet)) return nullptr;
+    auto bitmap = toBitmap();
+    m_parts->ffmpeg.av_frame_unref(m_parts->frame);
+    return bitmap;
+}
+
+void VideoDecoder::skip(base::Bytes packet)
+{
+    if (send(packet)) m_parts->ffmpeg.av_frame_unref(m_parts->frame);
+}
+
+void VideoDecoder::reset() { m_parts->ffmpeg.avcodec_flush_buffers(m_parts->context); }
+
+std::shared_ptr<const swf::Bitmap> VideoDecoder::toBitmap()
+{
+    const AVFrame* frame = m_parts->frame;
+    const int width = visible(frame->width, m_parts->width);
+    const int height = visible(frame->height, m_parts->height);
+    if (width <= 0 || height <= 0) return nullptr;
+    const auto format = static_cast<AVPixelFormat>(frame->format);
+    m_parts->scaler = m_parts->ffmpeg.sws_getCachedContext(
+        m_parts->scaler, width, height, format, width, height, AV_PIX_FMT_BGRA,
+        SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr);
+    if (m_parts->scaler == nullptr) return nullptr;
+    auto bitmap = std::make_shared<swf::Bitmap>();
+    bitmap->width = width;
+    bitmap->height = height;
+    bitmap->opaque = format != AV_PIX_FMT_YUVA420P;
+    // A row more than there is: the library's vector code may write some pixels behind the last one.
+    bitmap->pixels.resize(static_cast<std::size_t>(width) * (static_cast<std::size_t>(height) + 1));
+    std::uint8_t* planes[4] = {reinterpret_cast<std::uint8_t*>(bitmap->pixels.data())};
+    const int strides[4] = {width * 4};
+    m_parts->ffmpeg.sws_scale(m_parts->scaler, frame->data, frame->linesize, 0, height, planes, strides);
+    bitmap->pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    if (bitmap->opaque)
+        for (std::uint32_t& pixel : bitmap->pixels) pixel |= 0xFF000000;
+    else
+        for (std::uint32_t& pixel : bitmap->pixels) pixel = withinAlpha(pixel);
+    return bitmap;
+}
+
+} // namespace flash::video

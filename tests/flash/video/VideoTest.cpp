@@ -1,0 +1,143 @@
+#include "flash/video/FlvPlayer.h"
+#include "flash/video/StreamPictures.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace flash::video
+{
+namespace
+{
+
+// clip.flv: 40 x 24 pixels, Sorenson H.263 at 10 pictures a second, a key frame every fifth; red for a
+// second, then blue; a tone as MP3. screen.flv: screen video, 5 pictures.
+
+FlvPlayer::FileBytes bytesOf(const std::string& name)
+{
+    std::ifstream file(std::string(TEST_SOURCE_DIR) + "/" + name, std::ios::binary);
+    return std::make_shared<std::vector<std::uint8_t>>(std::istreambuf_iterator<char>(file),
+                                                       std::istreambuf_iterator<char>());
+}
+
+bool isRed(const swf::Bitmap& picture)
+{
+    const std::uint32_t pixel = picture.pixels[picture.pixels.size() / 2];
+    return (pixel >> 16 & 0xFF) > 200 && (pixel & 0xFF) < 60 && pixel >> 24 == 0xFF;
+}
+bool isBlue(const swf::Bitmap& picture)
+{
+    const std::uint32_t pixel = picture.pixels[picture.pixels.size() / 2];
+    return (pixel >> 16 & 0xFF) < 60 && (pixel & 0xFF) > 200 && pixel >> 24 == 0xFF;
+}
+
+TEST(FlvPlayer, ShowsWhatIsDueAndStopsAtTheEnd)
+{
+    auto player = std::move(*FlvPlayer::open(bytesOf("clip.flv")));
+    EXPECT_EQ(player->picture(), nullptr) << "the first picture is 50 ms into the file";
+    player->advance(*player->msToNext());
+    ASSERT_NE(player->picture(), nullptr);
+    EXPECT_EQ(player->picture()->width, 40);
+    EXPECT_EQ(player->picture()->height, 24);
+    EXPECT_TRUE(isRed(*player->picture()));
+    player->advance(950);
+    EXPECT_TRUE(isRed(*player->picture())) << "the last of the first second";
+    EXPECT_EQ(player->picturesInLastSecond(), 10);
+    player->advance(60);
+    EXPECT_TRUE(isBlue(*player->picture()));
+    player->advance(1e9);
+    EXPECT_TRUE(player->atEnd());
+    EXPECT_DOUBLE_EQ(player->timeMs(), player->endMs());
+    EXPECT_FALSE(player->msToNext());
+    ASSERT_NE(player->mp3(), nullptr);
+    EXPECT_EQ((*player->mp3())[0], 0xFF) << "MP3 frames stand behind each other";
+}
+
+TEST(FlvPlayer, SeeksToKeyFramesBothWays)
+{
+    auto player = std::move(*FlvPlayer::open(bytesOf("clip.flv")));
+    EXPECT_TRUE(player->seek(1900));
+    EXPECT_DOUBLE_EQ(player->timeMs(), 1550) << "key frames come every fifth picture";
+    EXPECT_TRUE(isBlue(*player->picture()));
+    EXPECT_TRUE(player->seek(700));
+    EXPECT_DOUBLE_EQ(player->timeMs(), 550);
+    EXPECT_TRUE(isRed(*player->picture()));
+    EXPECT_FALSE(player->seek(player->endMs() + 1));
+    EXPECT_DOUBLE_EQ(player->timeMs(), 550);
+    EXPECT_TRUE(player->seek(-5));
+    EXPECT_DOUBLE_EQ(player->timeMs(), 0);
+}
+
+TEST(FlvPlayer, HandsOutMessagesOnce)
+{
+    auto player = std::move(*FlvPlayer::open(bytesOf("clip.flv")));
+    const auto messages = player->takeMessages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(std::string(messages[0].begin() + 3, messages[0].begin() + 13), "onMetaData");
+    EXPECT_TRUE(player->takeMessages().empty());
+}
+
+TEST(FlvFile, SurvivesEveryTruncationAndFlippedBytes)
+{
+    for (const char* name : {"clip.flv", "screen.flv"}) {
+        const auto whole = bytesOf(name);
+        for (std::size_t size = 0; size < whole->size(); size += 7) {
+            const auto part =
+                std::make_shared<std::vector<std::uint8_t>>(whole->begin(), whole->begin() + size);
+            auto player = FlvPlayer::open(part);
+            EXPECT_TRUE(size >= 9 || !player);
+            if (!player) continue;
+            (*player)->advance(1e9);
+            (*player)->picture();
+        }
+        for (std::size_t at = 0; at < whole->size(); at += 11) {
+            auto damaged = std::make_shared<std::vector<std::uint8_t>>(*whole);
+            (*damaged)[at] ^= 0xFF;
+            auto player = FlvPlayer::open(damaged);
+            if (!player) continue;
+            while ((*player)->msToNext()) {
+                (*player)->advance(std::max(1.0, *(*player)->msToNext()));
+                (*player)->picture();
+            }
+        }
+    }
+}
+
+TEST(StreamPictures, FollowsNumbersForwardAndBack)
+{
+    const auto bytes = bytesOf("clip.flv");
+    const FlvFile file = *FlvFile::parse(*bytes);
+    ASSERT_EQ(file.video.size(), 20U);
+    swf::VideoStream stream;
+    stream.codec = 2;
+    stream.width = 40;
+    stream.height = 24;
+    stream.frameCount = 20;
+    for (std::size_t i = 0; i < file.video.size(); ++i)
+        stream.frames.push_back({static_cast<std::uint16_t>(i), file.video[i].packet});
+    StreamPictures pictures(stream);
+    EXPECT_TRUE(isRed(*pictures.at(0)));
+    EXPECT_TRUE(isBlue(*pictures.at(19)));
+    EXPECT_TRUE(isRed(*pictures.at(4)));
+    EXPECT_TRUE(isBlue(*pictures.at(500))) << "numbers behind the last show the last";
+    swf::VideoStream unknown = stream;
+    unknown.codec = 77;
+    EXPECT_EQ(StreamPictures(unknown).at(3), nullptr);
+}
+
+TEST(VideoDecoder, DecodesScreenVideo)
+{
+    const auto bytes = bytesOf("screen.flv");
+    const FlvFile file = *FlvFile::parse(*bytes);
+    const auto decoder = VideoDecoder::open(VideoCodec::Screen, 40, 24);
+    ASSERT_NE(decoder, nullptr);
+    std::shared_ptr<const swf::Bitmap> last;
+    for (const FlvFile::Video& video : file.video)
+        if (auto picture = decoder->decode(video.packet)) last = picture;
+    ASSERT_NE(last, nullptr);
+    EXPECT_EQ(last->width, 40);
+    EXPECT_EQ(last->height, 24);
+}
+
+} // namespace
+} // namespace flash::video
