@@ -54,9 +54,12 @@ class MovieLoader : public stage::Loader
 {
 public:
     /// @param base where relative addresses count from, instead of from the movie that asks; may be empty
-    void setFolders(const std::filesystem::path& readable, const std::filesystem::path& base)
+    /// @param shared read as well, when it is not empty
+    void setFolders(const std::filesystem::path& readable, const std::filesystem::path& base,
+                    const std::filesystem::path& shared)
     {
         m_folder = std::make_unique<net::LocalLoader>(readable);
+        m_shared = shared.empty() ? nullptr : std::make_unique<net::LocalLoader>(shared);
         m_baseUrl = base.empty() ? std::string() : net::urlFromPath(base) + "/";
         m_granted.clear();
     }
@@ -71,14 +74,17 @@ public:
             return answer;
         }
         if (!m_folder) return base::fail(base::ErrorCode::Denied, request.url + ": no movie is loaded");
-        if (m_baseUrl.empty()) return m_folder->load(request);
         stage::LoadRequest based = request;
-        based.baseUrl = m_baseUrl;
-        return m_folder->load(based);
+        if (!m_baseUrl.empty()) based.baseUrl = m_baseUrl;
+        auto answer = m_folder->load(based);
+        if (!answer && m_shared) {
+            if (auto shared = m_shared->load(request)) return shared;
+        }
+        return answer;
     }
 
 private:
-    std::unique_ptr<net::LocalLoader> m_folder;
+    std::unique_ptr<net::LocalLoader> m_folder, m_shared;
     std::string m_baseUrl;
     std::map<std::string, std::vector<std::uint8_t>> m_granted;
 };
@@ -219,7 +225,11 @@ base::Result<void> Engine::open(const std::string& address)
     Source source = TRY_RESULT(readSource(address));
     auto movie = TRY_RESULT(swf::parseMovie(source.bytes));
     const auto& base = d->options.baseFolder;
-    d->loader.setFolders(base.empty() ? source.path.parent_path() : base, base);
+    std::error_code different;
+    const bool trusted =
+        std::filesystem::equivalent(source.path.parent_path(), d->options.trustedFolder, different);
+    d->loader.setFolders(base.empty() ? source.path.parent_path() : base, base,
+                         trusted ? d->options.sharedFolder : std::filesystem::path());
     const auto& storage = d->options.storageFolder;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     if (!storage.empty()) {

@@ -36,6 +36,9 @@ public:
         std::filesystem::path baseFolder;
         /// Shared objects are kept here, in a folder for each movie. Empty: they end with the engine.
         std::filesystem::path storageFolder;
+        /// A movie that lies in `trustedFolder`, not below it, may also read from `sharedFolder`, by full
+        /// paths.
+        std::filesystem::path trustedFolder, sharedFolder;
     };
 
     /// @param host borrowed

@@ -440,6 +440,12 @@ void FlashControl::setStorageFolder(const QString& folder)
     d->engine.options().storageFolder = folder.toStdString();
 }
 
+void FlashControl::setSharedFolder(const QString& movies, const QString& shared)
+{
+    d->engine.options().trustedFolder = movies.toStdString();
+    d->engine.options().sharedFolder = shared.toStdString();
+}
+
 void FlashControl::setScriptTimeoutHandler(std::function<bool()> handler)
 {
     d->host.setTimeoutHandler(std::move(handler));

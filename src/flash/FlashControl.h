@@ -108,6 +108,10 @@ public:
     /// kept beyond the control's life.
     void setStorageFolder(const QString& folder);
 
+    /// Movies that lie in the folder `movies`, not below it, may also read from the folder `shared`, by full
+    /// paths: for pages of the host's own. None by default; takes effect with the next movie.
+    void setSharedFolder(const QString& movies, const QString& shared);
+
     /// Asked when a script has run for longer than its limit; true ends the script. Without a handler the
     /// script is ended.
     void setScriptTimeoutHandler(std::function<bool()> handler);

@@ -47,6 +47,8 @@ void Lifecycle::Form_Load()
     });
     m_player.control().setStorageFolder(
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/zorvex/shared");
+    // The browser's page shows pictures that lie in the cache.
+    m_player.control().setSharedFolder(m_application.GadgetsPath, m_application.CachePath);
     step([this] { m_player.LoadOpts(); });
     step([this] { m_player.EnumSkins(); });
     step([this] { m_player.CreateSkin(); });

@@ -202,6 +202,33 @@ TEST(FlashControl, LoadsALayerOverTheMovieAndLeavesItPlaying)
     EXPECT_EQ(pixel(control, 10, 10), kGrey);
 }
 
+TEST(FlashControl, LetsOnlyTrustedMoviesReadTheSharedFolder)
+{
+    const test::MovieFolder pages, others, shared;
+    const auto asks = test::getUrl(shared.write("50% of #1.swf", test::movingSquare(1))
+                                       .replace('%', "%25")
+                                       .replace('#', "%23")
+                                       .toStdString(),
+                                   "_level5");
+    FlashControl control;
+    control.resize(100, 80);
+    control.setSharedFolder(QFileInfo(pages.write("page.swf", test::blank(asks))).path() + "/",
+                            shared.path() + "/");
+    const struct {
+        const char* name;
+        QString movie;
+        QColor seen;
+    } cases[] = {{"in the trusted folder", pages.path() + "/page.swf?a=1", kRed},
+                 {"below it", pages.write("below/page.swf", test::blank(asks)), kGrey},
+                 {"elsewhere", others.write("page.swf", test::blank(asks)), kGrey}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(control.LoadMovie(0, c.movie));
+        QTest::qWait(200);
+        EXPECT_EQ(pixel(control, 10, 10), c.seen);
+    }
+}
+
 TEST(FlashControl, LetsAHostAnswerACommandByLoadingAnotherMovie)
 {
     const test::MovieFolder folder;

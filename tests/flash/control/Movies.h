@@ -2,7 +2,9 @@
 
 #include "../swf/MovieWriter.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 namespace flash::test
@@ -31,17 +33,34 @@ inline swf::ByteList movingSquare(unsigned frames, const swf::ByteList& firstFra
     return swf::movieBytes(6, tags, frames);
 }
 
-/// Actions: fscommand(command, argument).
-inline swf::ByteList fsCommand(std::string_view command, std::string_view argument)
+/// Actions: getURL(url, target).
+inline swf::ByteList getUrl(std::string_view url, std::string_view target)
 {
     swf::BodyWriter strings;
-    strings.raw({'F', 'S', 'C', 'o', 'm', 'm', 'a', 'n', 'd', ':'}).text(command).text(argument);
+    strings.text(url).text(target);
     return swf::BodyWriter()
         .u8(0x83)
         .u16(static_cast<std::uint32_t>(strings.bytes().size()))
         .raw(strings.bytes())
         .u8(0)
         .bytes();
+}
+
+/// Actions: fscommand(command, argument).
+inline swf::ByteList fsCommand(std::string_view command, std::string_view argument)
+{
+    return getUrl("FSCommand:" + std::string(command), argument);
+}
+
+/// As movingSquare(), one frame without the square.
+inline swf::ByteList blank(const swf::ByteList& actions)
+{
+    using swf::BodyWriter;
+    using swf::tag;
+    return swf::movieBytes(
+        6,
+        {tag(9, BodyWriter().rgb({128, 128, 128, 255})), tag(12, BodyWriter().raw(actions)), swf::kShowFrame},
+        1);
 }
 
 /// Movie files of one test.
@@ -51,11 +70,14 @@ public:
     QString write(const QString& name, const swf::ByteList& bytes) const
     {
         const QString path = m_folder.filePath(name);
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
         return path;
     }
+
+    [[nodiscard]] QString path() const { return m_folder.path(); }
 
 private:
     QTemporaryDir m_folder;
