@@ -21,6 +21,10 @@ const char* const kHelp =
                        writes pictures; a series is named frame0001.png and so on
       --scale S        times the movie's own size (default 1)
       --quality Q      low, medium, high or best (default high)
+  flashrun thumbnail MOVIE --out FILE.png [options]
+                       writes the first picture that shows what the movie is about
+      --size N         pixels of the longer side (default 256)
+      --seconds S      give the best picture so far when this time is up (default 5)
   flashrun info MOVIE  prints the header, what the movie defines, and its tags
 
 Options of trace and render
@@ -79,6 +83,7 @@ base::Result<flash::stage::Quality> qualityByName(std::string_view name)
 }
 
 constexpr double kMostFrames = 10'000'000;
+constexpr double kMostThumbnailPixels = 4096;
 
 base::Result<void> takeOption(Arguments& arguments, std::string_view option, const std::string& value)
 {
@@ -100,7 +105,12 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
         arguments.lastFrame = arguments.firstFrame;
     } else if (option == "--ms" && arguments.command == Command::Trace) {
         arguments.ms = TRY_RESULT(number(option, value, 0, 1e12));
-    } else if (option == "--out" && arguments.command == Command::Render) {
+    } else if (option == "--size" && arguments.command == Command::Thumbnail) {
+        arguments.size = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostThumbnailPixels)));
+    } else if (option == "--seconds" && arguments.command == Command::Thumbnail) {
+        arguments.seconds = TRY_RESULT(number(option, value, 0, 600));
+    } else if (option == "--out" &&
+               (arguments.command == Command::Render || arguments.command == Command::Thumbnail)) {
         arguments.out = value;
     } else if (option == "--scale" && arguments.command == Command::Render) {
         arguments.scale = TRY_RESULT(number(option, value, 0.01, 64));
@@ -122,6 +132,8 @@ base::Result<void> check(const Arguments& arguments)
 {
     using base::ErrorCode;
     if (arguments.movie.empty()) return base::fail(ErrorCode::Malformed, "no movie is given");
+    if (arguments.command == Command::Thumbnail && arguments.out.empty())
+        return base::fail(ErrorCode::Malformed, "thumbnail needs --out");
     if (arguments.command != Command::Render) return {};
     if (arguments.firstFrame == 0)
         return base::fail(ErrorCode::Malformed, "render needs --frame or --frames");
@@ -146,6 +158,8 @@ base::Result<Arguments> parseArguments(std::span<char*> words)
         arguments.command = Command::Render;
     else if (command == "info")
         arguments.command = Command::Info;
+    else if (command == "thumbnail")
+        arguments.command = Command::Thumbnail;
     else
         return base::fail(base::ErrorCode::Malformed, "unknown command " + std::string(command));
     for (std::size_t i = 1; i < words.size(); ++i) {

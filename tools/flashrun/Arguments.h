@@ -11,7 +11,7 @@
 namespace flashrun
 {
 
-enum class Command { Help, Trace, Render, Info };
+enum class Command { Help, Trace, Render, Info, Thumbnail };
 
 struct Arguments {
     Command command = Command::Help;
@@ -22,6 +22,8 @@ struct Arguments {
     bool series = false;               ///< `out` is a folder
     std::filesystem::path out, baseFolder, input;
     double scale = 1;
+    int size = 256;     ///< of a thumbnail: the longer side, pixels
+    double seconds = 5; ///< that a thumbnail may take
     flash::stage::Quality quality = flash::stage::Quality::High;
     std::optional<double> dateMs; ///< milliseconds since 1970-01-01 UTC
 };

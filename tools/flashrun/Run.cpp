@@ -1,11 +1,11 @@
 #include "Run.h"
 
 #include "InputScript.h"
+#include "Picture.h"
 #include "base/Files.h"
 #include "flash/Engine.h"
 #include "flash/swf/Describe.h"
 
-#include <QBuffer>
 #include <QImage>
 
 #include <algorithm>
@@ -121,14 +121,7 @@ base::Result<void> writePicture(flash::Engine& engine, const std::filesystem::pa
                  QImage::Format_ARGB32_Premultiplied);
     image.fill(0);
     engine.render(image, image.rect());
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    if (!image.convertToFormat(QImage::Format_RGB32).save(&buffer, "PNG")) {
-        return base::fail(base::ErrorCode::IoFailure, file.string() + ": the picture cannot be encoded");
-    }
-    return base::replaceFile(file, base::Bytes(reinterpret_cast<const std::uint8_t*>(png.constData()),
-                                               static_cast<std::size_t>(png.size())));
+    return writePng(image, file);
 }
 
 std::filesystem::path pictureName(const Arguments& arguments, int frame)

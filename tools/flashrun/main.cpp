@@ -1,5 +1,6 @@
 #include "Arguments.h"
 #include "Run.h"
+#include "Thumbnail.h"
 
 #include <QGuiApplication>
 #include <cstdio>
@@ -18,6 +19,7 @@ base::Result<void> run(const flashrun::Arguments& arguments)
     case Command::Trace: return flashrun::trace(arguments);
     case Command::Render: return flashrun::render(arguments);
     case Command::Info: return flashrun::info(arguments);
+    case Command::Thumbnail: return flashrun::thumbnail(arguments);
     }
     return {};
 }

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+
 namespace flash
 {
 
@@ -54,6 +57,12 @@ TEST(Flashrun, TellsWrongUsageAndUnplayableMoviesApart)
         {"picture in a folder that is missing",
          {"render", movie, "--frame", "1", "--out", "/no/such/a.png"},
          1},
+        {"thumbnail without a place", {"thumbnail", movie}, 2},
+        {"thumbnail of no size", {"thumbnail", movie, "--size", "0", "--out", picture}, 2},
+        {"thumbnail of no movie",
+         {"thumbnail", folder.write("d.swf", {'C', 'W', 'S', 6, 99, 0, 0, 0, 1, 2, 3}), "--out", picture},
+         1},
+        {"thumbnail in a folder that is missing", {"thumbnail", movie, "--out", "/no/such/a.png"}, 1},
         {"a movie", {"trace", movie, "--frames", "3", "--date", "2001-02-03T04:05:06"}, 0},
     };
     for (const Case& c : kCases) {
@@ -81,6 +90,71 @@ TEST(Flashrun, WritesThePicturesOfTheFramesAskedFor)
     EXPECT_FALSE(QFile::exists(series + "/frame0001.png"));
     EXPECT_EQ(QImage(series + "/frame0003.png").pixelColor(50, 10), QColor(255, 0, 0));
     EXPECT_EQ(QImage(series + "/frame0004.png").pixelColor(10, 10), QColor(255, 0, 0)) << "it goes round";
+}
+
+TEST(Flashrun, PicturesAMovieForAFileManager)
+{
+    const test::MovieFolder folder;
+    const swf::ByteList endless = {0x99, 2, 0, 0xFB, 0xFF}; // jumps to itself
+    struct Case {
+        const char* name;
+        QString movie;
+        QSize size;
+    };
+    const Case kCases[] = {
+        {"plain", folder.write("a.swf", test::movingSquare(3)), {100, 80}},
+        {"a name with what else begins a query",
+         folder.write("a?b #1.swf", test::movingSquare(3)),
+         {100, 80}},
+        {"a script that does not end",
+         folder.write("endless.swf", test::movingSquare(3, endless)),
+         {100, 80}},
+        {"damaged behind its first frames",
+         folder.write("cut.swf",
+                      [] {
+                          auto bytes = test::movingSquare(9);
+                          bytes.resize(bytes.size() - 30);
+                          return bytes;
+                      }()),
+         {100, 80}},
+        {"one pixel high", folder.write("flat.swf", swf::movieBytes(6, {swf::kShowFrame}, 1)), {}},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const QString out = c.movie + ".png";
+        const auto begin = std::chrono::steady_clock::now();
+        const Ended ended = flashrun({"thumbnail", c.movie, "--size", "100", "--seconds", "2", "--out", out});
+        EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+        const QImage picture(out);
+        ASSERT_FALSE(picture.isNull());
+        EXPECT_EQ(std::max(picture.width(), picture.height()), 100);
+        if (c.size.isEmpty()) continue;
+        EXPECT_EQ(picture.size(), c.size);
+        int red = 0;
+        for (int x = 0; x < picture.width(); ++x) red += picture.pixelColor(x, 10) == QColor(255, 0, 0);
+        EXPECT_NEAR(red, 20, 2) << "the square is on it";
+    }
+}
+
+TEST(Flashrun, PassesOverFramesThatShowNothingYet)
+{
+    // Grey for a second, then the square.
+    using swf::BodyWriter;
+    using swf::tag;
+    BodyWriter shape;
+    shape.u16(1).rect(0, 1000, 0, 1000).u8(1).u8(0).rgb({0, 0, 255, 255}).u8(0).indexWidths(1, 0);
+    shape.moveTo(0, 0).fill1(1).lineTo(1000, 0).lineTo(0, 1000).lineTo(-1000, 0).lineTo(0, -1000).endShape();
+    std::vector<swf::ByteList> tags = {tag(9, BodyWriter().rgb({128, 128, 128, 255})), tag(2, shape)};
+    for (int i = 0; i < 20; ++i) tags.push_back(swf::kShowFrame);
+    tags.push_back(tag(26, BodyWriter().u8(0b110).u16(1).u16(1).translation(200, 200)));
+    tags.push_back(swf::kShowFrame);
+    for (int i = 0; i < 20; ++i) tags.push_back(swf::kShowFrame);
+    const test::MovieFolder folder;
+    const QString movie = folder.write("late.swf", swf::movieBytes(6, tags, 41));
+    const QString out = movie + ".png";
+    ASSERT_EQ(flashrun({"thumbnail", movie, "--size", "50", "--out", out}).status, 0);
+    EXPECT_EQ(QImage(out).pixelColor(15, 15), QColor(0, 0, 255));
 }
 
 } // namespace flash
