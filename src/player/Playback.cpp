@@ -3,6 +3,7 @@
 #include "core/Application.h"
 #include "flash/FlashControl.h"
 #include "player/Menus.h"
+#include "player/PageAddresses.h"
 
 #include <algorithm>
 
@@ -72,12 +73,13 @@ void Playback::SetSound(int volume, int pan)
 {
     m_volume = std::clamp(volume, 0, 100);
     m_pan = std::clamp(pan, -100, 100);
-    const QString page = m_gadgetsPath + "sound.swf";
-    const bool pageDoesIt =
-        core::fileExists(page) &&
-        m_control.LoadMovie(kSoundLayer, page + QString("?volume=%1&pan=%2").arg(m_volume).arg(m_pan));
-    // Without the page the volume still works, only the balance does not.
+    // The page sets the sound of everything that plays. Where there is none the control's own volume stands
+    // in; the balance then stays in the middle.
+    const bool pageDoesIt = core::fileExists(m_gadgetsPath + "sound.swf") &&
+                            m_control.LoadMovie(kSoundLayer, soundPage(m_gadgetsPath, m_volume, m_pan));
     m_control.setMasterVolume(pageDoesIt ? 1.0 : m_volume / 100.0);
+    // Silence holds whatever a movie makes of its own volume, and before the page has come.
+    m_control.setMuted(m_volume == 0);
     reapplyBackground();
 }
 

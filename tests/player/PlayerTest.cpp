@@ -1,11 +1,8 @@
 #include "player/Player.h"
 
 #include "Environment.h"
-#include "QtPrint.h"
-#include "base/Files.h"
-#include "core/StartUp.h"
+#include "PlayerWindow.h"
 #include "flash/FlashControl.h"
-#include "media/MovieBytes.h"
 #include "player/ControlBar.h"
 #include "player/WelcomePanel.h"
 
@@ -20,7 +17,6 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 // The whole window, off screen, over a temporary program folder.
@@ -29,49 +25,6 @@ namespace player
 {
 namespace
 {
-
-class PlayerWindow : public testing::Test
-{
-protected:
-    PlayerWindow()
-    {
-        // A player that ended before told the event loop to end, and no dialog's would run any more.
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
-        QApplication::exec();
-        QDir(m_folder.path()).mkpath("cache");
-        QDir(m_folder.path()).mkpath("media/gadgets");
-        QFile::copy(PROJECT_SOURCE_DIR "/assets/program/settings.xml", path("settings.xml"));
-        core::StartUp(application, path("Zorvex"), {});
-        movie = put("intro.swf", media::plainMovie());
-    }
-    [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
-    [[nodiscard]] QString put(const QString& name, const media::ByteVector& bytes) const
-    {
-        EXPECT_TRUE(base::replaceFile(core::filePath(path(name)), bytes));
-        return path(name);
-    }
-    [[nodiscard]] QStringList log() const
-    {
-        QFile file(application.LogFile);
-        EXPECT_TRUE(file.open(QFile::ReadOnly));
-        return QString::fromLatin1(file.readAll()).remove("<br>").split("\r\n");
-    }
-    static WelcomePanel& welcome(Player& player) { return *player.findChild<WelcomePanel*>(); }
-    static void drop(Player& player, const QString& path)
-    {
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(path), QUrl::fromLocalFile("/second")});
-        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&player, &enter);
-        EXPECT_TRUE(enter.isAccepted());
-        QDropEvent event({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&player, &event);
-        QApplication::processEvents();
-    }
-    QTemporaryDir m_folder;
-    core::Application application;
-    QString movie;
-};
 
 TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
 {
