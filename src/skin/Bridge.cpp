@@ -123,7 +123,8 @@ void Bridge::compile(Expression& expression)
 {
     const QString name = QString("[skin expression %1]").arg(++m_functions);
     const bool oneLine = !expression.m_text.contains('\n') && !expression.m_text.contains('\r');
-    const QString code = "Function " + name + "\r\n" + name + "=" + expression.m_text + "\r\nEnd Function";
+    // In parentheses, so that a text with a colon in it does not pass as a statement more.
+    const QString code = "Function " + name + "\r\n" + name + "=(" + expression.m_text + ")\r\nEnd Function";
     const bool compiled = oneLine && m_engine.addCode(view(code));
     expression.m_kind = compiled ? Expression::Kind::Function : Expression::Kind::Text;
     expression.m_function = name.mid(1, name.size() - 2).toStdU16String();

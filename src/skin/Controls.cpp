@@ -1,5 +1,8 @@
 #include "skin/Controls.h"
 
+#include "base/Failure.h"
+#include "skin/Texts.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -61,11 +64,11 @@ void SkinControl::Move(double left) { move(whole(left), y()); }
 void SkinControl::Move(double left, double top) { move(whole(left), whole(top)); }
 void SkinControl::Move(double left, double top, double width)
 {
-    setGeometry(whole(left), whole(top), extent(width), height());
+    place({whole(left), whole(top), extent(width), height()});
 }
 void SkinControl::Move(double left, double top, double width, double height)
 {
-    setGeometry(whole(left), whole(top), extent(width), extent(height));
+    place({whole(left), whole(top), extent(width), extent(height)});
 }
 
 bool SkinControl::event(QEvent* event)
@@ -102,8 +105,16 @@ void SkinControl::mouseDoubleClickEvent(QMouseEvent* event)
     emit doubleClicked();
 }
 
-void SkinControl::enterEvent(QEnterEvent*) { emit entered(); }
-void SkinControl::leaveEvent(QEvent*) { emit left(); }
+// What is out of use keeps its disabled look, whatever the pointer does over it.
+void SkinControl::enterEvent(QEnterEvent*)
+{
+    if (isEnabled()) emit entered();
+}
+
+void SkinControl::leaveEvent(QEvent*)
+{
+    if (isEnabled()) emit left();
+}
 
 void SkinControl::contextMenuEvent(QContextMenuEvent* event)
 {
@@ -206,7 +217,10 @@ void SkinLabel::setForeColor(int colour)
 
 void SkinLabel::setAlignment(int alignment)
 {
-    if (alignment < 0 || alignment > 2) return;
+    constexpr int kInvalidPropertyValue = 380;
+    if (alignment < 0 || alignment > 2)
+        throw base::Failure(kInvalidPropertyValue, "Skin",
+                            (texts::kInvalidProperty + QString::number(alignment)).toStdString());
     m_alignment = alignment;
     update();
 }

@@ -48,8 +48,8 @@ public:
     [[nodiscard]] double Height() const { return height(); }
     void setLeft(double value) { move(whole(value), y()); }
     void setTop(double value) { move(x(), whole(value)); }
-    virtual void setWidth(double value) { resize(extent(value), height()); }
-    virtual void setHeight(double value) { resize(width(), extent(value)); }
+    void setWidth(double value) { place({x(), y(), extent(value), height()}); }
+    void setHeight(double value) { place({x(), y(), width(), extent(value)}); }
     [[nodiscard]] bool Visible() const { return !isHidden(); }
     void setShown(bool shown) { setVisible(shown); }
     [[nodiscard]] bool Enabled() const { return m_usable; }
@@ -90,6 +90,8 @@ signals:
     void pressedWhileResting();
 
 protected:
+    virtual void place(const QRect& where) { setGeometry(where); }
+    [[nodiscard]] bool isResting() const { return m_resting; }
     bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -171,7 +173,7 @@ public:
     void setCaption(const QString& caption);
     [[nodiscard]] int ForeColor() const { return static_cast<int>(m_colour); }
     void setForeColor(int colour);
-    /// 0 left, 1 right, 2 centre; other numbers are ignored
+    /// 0 left, 1 right, 2 centre. @throws base::Failure 380 for other numbers
     [[nodiscard]] int Alignment() const { return m_alignment; }
     void setAlignment(int alignment);
     [[nodiscard]] bool AutoSize() const { return m_autoSize; }
@@ -187,6 +189,8 @@ public:
     void setFontSize(double points);
 
 protected:
+    /// A label that sizes itself takes the place, not the size.
+    void place(const QRect& where) override { m_autoSize ? move(where.topLeft()) : setGeometry(where); }
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -13,18 +13,6 @@
 namespace skin
 {
 
-class Skin::Busy
-{
-public:
-    explicit Busy(Skin& skin) : m_skin(skin) { ++m_skin.m_busy; }
-    ~Busy() { --m_skin.m_busy; }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-
-private:
-    Skin& m_skin;
-};
-
 Skin::Skin(SkinHost& host, script::Host* scriptHost) : m_host(host), m_bridge(host, scriptHost) {}
 Skin::~Skin() = default;
 
@@ -65,7 +53,8 @@ bool Skin::SetSkinView(const QString& name)
     const Busy busy(*this);
     const auto found =
         std::find_if(m_objects.begin() + 1, m_objects.end(), [&name](const SkinObject& record) {
-            return record.object != nullptr && record.name.compare(name, Qt::CaseInsensitive) == 0;
+            // Any picture will do; in a label the movie could not lie.
+            return record.picture() != nullptr && record.name.compare(name, Qt::CaseInsensitive) == 0;
         });
     if (found == m_objects.end()) {
         constexpr int kNoSuchElement = 5;
@@ -81,6 +70,8 @@ bool Skin::SetSkinView(const QString& name)
     placeMovie(view);
     view.show();
     m_currentView = static_cast<int>(found - m_objects.begin());
+    // The view may have been left while the program had another state.
+    setActive(m_active);
     UpdateSkin();
     return true;
 }
@@ -221,7 +212,6 @@ void Skin::react(SkinControl& control, const ElementPointer::Reaction& reaction,
     case Statement::DoubleClick: m_bridge.RunScript(QString(record->onDblClick)); break;
     case Statement::Drag: {
         const QString statement = record->onDrag;
-        if (statement.isEmpty()) return;
         m_bridge.RunScript("X=" + QString::number(position.x()));
         m_bridge.RunScript("Y=" + QString::number(position.y()));
         m_bridge.RunScript(statement);

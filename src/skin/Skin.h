@@ -81,7 +81,19 @@ private:
         QRegion holes;
         QPointer<SkinPicture> panel;
     };
-    class Busy;
+    enum class Step { Branch, Element };
+    /// Marks that the skin may not be replaced as long as it lives.
+    class Busy
+    {
+    public:
+        explicit Busy(Skin& skin) : m_skin(skin) { ++m_skin.m_busy; }
+        ~Busy() { --m_skin.m_busy; }
+        Busy(const Busy&) = delete;
+        Busy& operator=(const Busy&) = delete;
+
+    private:
+        Skin& m_skin;
+    };
 
     void ParseSkinNode(const base::xml::Element& node);
     void ParseSkinChildren(const base::xml::Element& node);
@@ -95,7 +107,7 @@ private:
     void introduce(SkinControl& control, const QString& name);
     void connectElement(SkinControl& control);
     /// Runs a step of a branch; what fails is written down with the element's source.
-    void step(const base::xml::Element& node, const std::function<void()>& action);
+    void step(const base::xml::Element& node, Step kind, const std::function<void()>& action);
     void placeMovie(QWidget& view);
     void layOut();
     double position(Expression& expression);

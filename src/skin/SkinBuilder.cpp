@@ -56,15 +56,14 @@ bool Skin::LoadSkin(const QString& path)
         return false;
     }
 
-    ++m_busy;
+    const Busy busy(*this);
     const base::xml::Element root = document->root();
     m_container = &m_host.clientArea();
     m_buildingView = 0;
     if (isName(root, "THEME"))
         ParseSkinNode(root);
     else
-        step(root, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kNoTheme); });
-    --m_busy;
+        step(root, Step::Branch, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kNoTheme); });
 
     m_bridge.RunScript("onLoad");
     runMediaChange();
@@ -73,12 +72,12 @@ bool Skin::LoadSkin(const QString& path)
     return true;
 }
 
-void Skin::step(const base::xml::Element& node, const std::function<void()>& action)
+void Skin::step(const base::xml::Element& node, Step kind, const std::function<void()>& action)
 {
     try {
         action();
     } catch (const base::Failure& failure) {
-        const bool developer = m_host.isDeveloperMode();
+        const bool developer = kind == Step::Element && m_host.isDeveloperMode();
         const QString source = QString::fromStdString(node.source(kMostSourceBytes));
         m_host.logError(failure, developer ? texts::kObjectPlace : texts::kBranchPlace,
                         (developer ? texts::kObjectDetail : texts::kBranchDetail) + ("\r\n\r\n" + source));
@@ -91,17 +90,17 @@ void Skin::ParseSkinNode(const base::xml::Element& node)
         beginTheme(node);
         ParseSkinChildren(node);
     } else if (isName(node, "VIEW")) {
-        step(node, [&] { CreateSkinView(node); });
+        step(node, Step::Branch, [&] { CreateSkinView(node); });
         ParseSkinChildren(node);
         m_container = &m_host.clientArea();
     } else if (isName(node, "SUBVIEW")) {
-        step(node, [&] { CreateSkinObject(node, Kind::Panel); });
+        step(node, Step::Element, [&] { CreateSkinObject(node, Kind::Panel); });
         ParseSkinChildren(node);
         if (m_container != &m_host.clientArea()) m_container = m_container->parentWidget();
     } else if (isName(node, "BUTTON")) {
-        step(node, [&] { CreateSkinObject(node, Kind::Button); });
+        step(node, Step::Element, [&] { CreateSkinObject(node, Kind::Button); });
     } else if (isName(node, "LABEL")) {
-        step(node, [&] { CreateSkinObject(node, Kind::Label); });
+        step(node, Step::Element, [&] { CreateSkinObject(node, Kind::Label); });
     }
 }
 
@@ -113,12 +112,14 @@ void Skin::ParseSkinChildren(const base::xml::Element& node)
 void Skin::beginTheme(const base::xml::Element& node)
 {
     const auto theme = ThemeAttributes::read(node);
-    step(node, [&] {
+    step(node, Step::Branch, [&] {
         if (const auto error = m_bridge.begin(theme.scriptLanguage))
             throw base::Failure(kTypeMismatch, "Skin", error->toStdString());
     });
-    step(node, [&] { m_host.setMinimumWindowSize({toWhole(theme.minWidth), toWhole(theme.minHeight)}); });
-    step(node, [&] {
+    step(node, Step::Branch, [&] {
+        m_host.setMinimumWindowSize({toWhole(theme.minWidth), toWhole(theme.minHeight)});
+    });
+    step(node, Step::Branch, [&] {
         if (theme.scriptFile.isEmpty()) return;
         const QString path = findFile(m_folder, theme.scriptFile);
         if (path.isEmpty())

@@ -74,10 +74,11 @@ QString ReadTextFile(const QString& path)
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     if (text.substr(0, kMark.size()) == kMark) text.remove_prefix(kMark.size());
     const std::string utf8 = base::isUtf8(text) ? std::string(text) : base::utf8FromAnsi(text);
+    QStringList lines = QString::fromStdString(utf8).replace("\r\n", "\n").replace('\r', '\n').split('\n');
+    // What follows the last line's break is no line.
+    if (lines.last().isEmpty()) lines.removeLast();
     QString result;
-    for (const QString& line :
-         QString::fromStdString(utf8).replace("\r\n", "\n").replace('\r', '\n').split('\n'))
-        result += "\r\n" + line;
+    for (const QString& line : lines) result += "\r\n" + line;
     return result;
 }
 

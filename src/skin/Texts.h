@@ -18,6 +18,7 @@ inline constexpr const char* kSetViewPlace   = "Установка вида шк
 inline constexpr const char* kScriptStart    = "Выполнение сценария '";
 inline constexpr const char* kScriptLine     = "' (Строка: ";
 inline constexpr const char* kTypeMismatch   = "Несоответствие типа: ";
+inline constexpr const char* kInvalidProperty = "Недопустимое значение свойства: ";
 inline constexpr const char* kNoTheme        = "В описании шкурки нет элемента THEME";
 inline constexpr const char* kMaskTooLarge   = "Маска панели слишком велика";
 inline constexpr const char* kTooMany        = "В шкурке слишком много элементов";

@@ -178,7 +178,7 @@ TEST_F(SkinFiles, ReadsImagesAndRefusesHugeOnes)
 TEST_F(SkinFiles, ReadsScriptsOfBothEncodings)
 {
     put("a.vbs", "one\r\n\xCF\xF3\xF1\xEA");
-    put("b.vbs", "\xEF\xBB\xBFone\nПуск");
+    put("b.vbs", "\xEF\xBB\xBFone\nПуск\n");
     EXPECT_EQ(ReadTextFile(path + "a.vbs"), "\r\none\r\nПуск");
     EXPECT_EQ(ReadTextFile(path + "b.vbs"), "\r\none\r\nПуск");
     EXPECT_EQ(ReadTextFile(path + "none.vbs"), "");

@@ -1,13 +1,6 @@
-#include "skin/Skin.h"
+#include "skin/SkinFixture.h"
 
-#include "QtPrint.h"
-#include "base/Failure.h"
-
-#include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtTest/QTest>
 #include <gtest/gtest.h>
 
@@ -15,113 +8,6 @@ namespace skin
 {
 namespace
 {
-
-/// What a skin's script knows as Player, with no player behind it.
-class TestWindow : public QWidget
-{
-    Q_OBJECT
-    Q_PROPERTY(int ScaleWidth READ ScaleWidth)
-    Q_PROPERTY(int ScaleHeight READ ScaleHeight)
-    Q_PROPERTY(QString StatusText MEMBER statusText)
-public:
-    [[nodiscard]] int ScaleWidth() const { return client->width(); }
-    [[nodiscard]] int ScaleHeight() const { return client->height(); }
-    Q_INVOKABLE void MoveWindow() { ++moves; }
-    Q_INVOKABLE void Report(const QVariant& value) { reports += value.toString(); }
-    Q_INVOKABLE void Fail() { throw base::Failure(53, "Test", "gone"); }
-
-    QWidget* client = new QWidget(this);
-    QString statusText = "Готово";
-    int moves = 0;
-    QStringList reports;
-};
-
-class TestHost : public SkinHost
-{
-public:
-    TestHost() : movieFrame(new SkinControl("SWF", 0, form.client, &form)) { movieFrame->show(); }
-    QWidget& window() override { return form; }
-    QWidget& clientArea() override { return *form.client; }
-    QWidget& movie() override { return *movieFrame; }
-    [[nodiscard]] bool isFullScreen() const override { return fullScreen; }
-    void setMinimumWindowSize(QSize pixels) override { minimum = pixels; }
-    void UpdateRegion(bool) override { ++regions; }
-    void ShowPopUp() override { ++popUps; }
-    void activateProgram() override { ++activations; }
-    [[nodiscard]] bool isDeveloperMode() const override { return false; }
-    void log(const QString& text) override { lines += text; }
-    void logError(const base::Failure& error, const QString& place, const QString& detail) override
-    {
-        errors += place;
-        details += detail;
-        descriptions += QString::fromStdString(error.description());
-    }
-    TestWindow form;
-    SkinControl* movieFrame;
-    bool fullScreen = false;
-    QSize minimum;
-    int regions = 0, popUps = 0, activations = 0;
-    QStringList lines, errors, details, descriptions;
-};
-
-class SkinTest : public testing::Test
-{
-protected:
-    SkinTest() : skin(host, nullptr)
-    {
-        host.form.resize(400, 300);
-        host.clientArea().resize(400, 300);
-        host.form.show();
-        ScriptObjects& objects = skin.bridge().objects();
-        skin.bridge().setPlayerObject(objects.add(
-            &host.form, nullptr,
-            [this](const QString& name) -> QObject* { return name == "swf" ? host.movieFrame : nullptr; },
-            "Player"));
-    }
-    static void write(const QString& path, const QByteArray& bytes)
-    {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        file.write(bytes);
-    }
-    void picture(const QString& name, const QColor& colour, QSize size = {28, 28})
-    {
-        const QString path = folder.filePath(name);
-        QDir().mkpath(QFileInfo(path).path());
-        QImage image(size, QImage::Format_RGB32);
-        image.fill(colour);
-        ASSERT_TRUE(image.save(path));
-    }
-    bool load(const QByteArray& xml, const QByteArray& script = {})
-    {
-        write(folder.filePath("skin.xml"), xml);
-        write(folder.filePath("s.vbs"), script);
-        return skin.LoadSkin(folder.filePath("skin.xml"));
-    }
-    bool loadTiny()
-    {
-        for (const char* name : {"skin.xml", "script.vbs"})
-            QFile::copy(QString(TEST_SOURCE_DIR "/tiny/") + name, folder.filePath(name));
-        picture("Base/BAR.bmp", Qt::darkBlue);
-        picture("up/Sub/Play.bmp", Qt::green);
-        picture("down/Sub/Play.bmp", Qt::red);
-        picture("over/Sub/Play.bmp", Qt::yellow);
-        picture("disabled/Sub/Play.bmp", Qt::gray);
-        return skin.LoadSkin(folder.filePath("skin.xml"));
-    }
-    [[nodiscard]] const SkinObject& record(const QString& name) const
-    {
-        for (const SkinObject& object : skin.objects())
-            if (object.name == name) return object;
-        return skin.objects()[0];
-    }
-    double number(const QString& expression) { return skin.bridge().EvalScript(expression).value_or(-1); }
-
-    QTemporaryDir folder;
-    TestHost host;
-    Skin skin;
-};
 
 TEST_F(SkinTest, BuildsTheObjectTable)
 {
@@ -287,6 +173,27 @@ TEST_F(SkinTest, RestsWhileTheProgramIsNotActive)
     EXPECT_TRUE(play.isEnabled());
 }
 
+TEST_F(SkinTest, KeepsItsDisabledLookUnderThePointer)
+{
+    ASSERT_TRUE(loadTiny());
+    SkinPicture& play = *record("play").picture();
+    QEnterEvent enter({3, 3}, {3, 3}, {3, 3});
+    QApplication::sendEvent(&play, &enter);
+    EXPECT_EQ(play.shownState(), ImageState::Over);
+    skin.setActive(false);
+    QApplication::sendEvent(&play, &enter);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&play, &leave);
+    EXPECT_EQ(play.shownState(), ImageState::Disabled);
+
+    // The other view is chosen meanwhile, and this one is come back to in the active program.
+    skin.SetSkinView("viewFullScreen");
+    skin.setActive(true);
+    skin.SetSkinView("viewNormal");
+    EXPECT_EQ(play.shownState(), ImageState::Normal);
+    EXPECT_TRUE(play.isEnabled());
+}
+
 TEST_F(SkinTest, CutsElementsAndWindow)
 {
     QImage image(20, 10, QImage::Format_RGB32);
@@ -312,100 +219,6 @@ TEST_F(SkinTest, CutsElementsAndWindow)
     ASSERT_EQ(masks.size(), 1U);
     EXPECT_EQ(masks[0].holes, QRegion(0, 0, 5, 1));
     EXPECT_EQ(QPoint(masks[0].absoluteLeft, masks[0].absoluteTop), QPoint(2, 10));
-}
-
-TEST_F(SkinTest, GoesOnAfterEveryMistake)
-{
-    struct Case {
-        const char* name;
-        const char* xml;
-        const char* script;
-        QStringList errors;
-        std::size_t objects;
-    };
-    const QString branch = "Обработка ветки описания шкурки";
-    const QString onLoad = "Выполнение сценария 'onLoad' (Строка: 1)";
-    const QString noView = "Установка вида шкурки viewNormal";
-    const Case kCases[] = {
-        {"no theme", "<SKIN><VIEW name='viewNormal'/></SKIN>", "", {branch, onLoad, noView}, 1},
-        {"no onLoad", "<THEME><VIEW name='viewNormal'/></THEME>", "", {onLoad}, 2},
-        {"no views", "<THEME scriptFile='s.vbs'/>", "Sub onLoad : End Sub", {noView}, 1},
-        {"other language",
-         "<THEME scriptLanguage='jscript'><VIEW name='viewNormal'/></THEME>",
-         "",
-         {branch, onLoad},
-         2},
-        {"no script file",
-         "<THEME scriptFile='none.vbs'><VIEW name='viewNormal'/></THEME>",
-         "",
-         {branch, onLoad},
-         2},
-        {"script with a mistake",
-         "<THEME scriptFile='s.vbs'><VIEW name='viewNormal'/></THEME>",
-         "Sub onLoad :",
-         {branch, onLoad},
-         2},
-        {"a value that cannot be converted",
-         "<THEME scriptFile='s.vbs'><VIEW name='viewNormal'><SUBVIEW name='p' visible='maybe'>"
-         "<LABEL name='l' foreColor='red'/><BUTTON name='b'/></SUBVIEW></VIEW></THEME>",
-         "Sub onLoad : End Sub",
-         {branch, branch},
-         5},
-        {"failing expressions",
-         "<THEME scriptFile='s.vbs'><VIEW name='viewNormal'><BUTTON name='b' left='1/0' top='nothing.x' "
-         "width='(' "
-         "height='\"12\"'/></VIEW></THEME>",
-         "Sub onLoad : End Sub",
-         {},
-         3},
-        {"a missing image",
-         "<THEME scriptFile='s.vbs'><VIEW name='viewNormal'><BUTTON name='b' image='x.bmp'/></VIEW></THEME>",
-         "Sub onLoad : End Sub",
-         {},
-         3},
-    };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.name);
-        host.errors.clear();
-        host.details.clear();
-        EXPECT_TRUE(load(c.xml, c.script));
-        EXPECT_EQ(host.errors.join('|'), c.errors.join('|'));
-        EXPECT_EQ(skin.objects().size(), c.objects);
-        if (QString(c.name) == "failing expressions") {
-            EXPECT_EQ(record("b").object->geometry(), QRect(0, 0, 0, 12));
-        }
-        if (QString(c.name) == "a value that cannot be converted") {
-            EXPECT_EQ(skin.objects()[2].object, nullptr) << "a failed element's record is empty";
-            EXPECT_EQ(skin.objects()[4].name, "b") << "and those after it keep their places";
-            EXPECT_TRUE(host.details[1].startsWith("Исходный код текущей ветки:\r\n\r\n<SUBVIEW") ||
-                        host.details[0].contains("<SUBVIEW"));
-        }
-        skin.UnloadSkin();
-    }
-    EXPECT_FALSE(load("<THEME><VIEW></THEME>"));
-    EXPECT_FALSE(skin.LoadSkin(folder.filePath("none/skin.xml")));
-    EXPECT_EQ(skin.objects().size(), 1U);
-    EXPECT_EQ(host.movieFrame->parentWidget(), host.form.client);
-}
-
-TEST_F(SkinTest, StopsAStatementThatNeverEnds)
-{
-    ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal' onInfoUpdate='Hang'/></THEME>",
-                     "Sub onLoad : End Sub\r\nSub Hang\r\nDo : Loop\r\nEnd Sub"));
-    skin.runInfoUpdate();
-    EXPECT_EQ(host.errors.size(), 1);
-    QElapsedTimer time;
-    time.start();
-    skin.runInfoUpdate();
-    EXPECT_LT(time.elapsed(), 500) << "it is not tried again";
-}
-
-TEST_F(SkinTest, LogsAFailingInfoUpdateOnce)
-{
-    ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal' onInfoUpdate='x = 1/0'/></THEME>",
-                     "Sub onLoad : End Sub"));
-    for (int i = 0; i < 5; ++i) skin.runInfoUpdate();
-    EXPECT_EQ(host.errors, QStringList{"Выполнение сценария 'x = 1/0' (Строка: 1)"});
 }
 
 TEST_F(SkinTest, ForgetsOneSkinBeforeTheNext)
@@ -450,5 +263,3 @@ TEST_F(SkinTest, LaysOutAThousandElementsInAnInstant)
 
 } // namespace
 } // namespace skin
-
-#include "SkinTest.moc"

@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzSkin FuzzSkin.cpp LIBS zorvex_skin)
