@@ -2,6 +2,7 @@
 
 #include "player/ControlBar.h"
 #include "player/Player.h"
+#include "player/WindowFlags.h"
 
 #include <QLayout>
 #include <QScreen>
@@ -125,9 +126,7 @@ void Placement::ToggleMenu()
 void Placement::setTopMost(bool on)
 {
     m_player.menus().setChecked("mnuTopMost", on);
-    const bool shown = m_player.isVisible();
-    m_player.setWindowFlag(Qt::WindowStaysOnTopHint, on);
-    if (shown) m_player.show(); // changing the flag hides the window
+    setWindowFlagInPlace(m_player, Qt::WindowStaysOnTopHint, on);
 }
 
 void Placement::setMinimumSize(QSize pixels)

@@ -17,6 +17,7 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -359,6 +360,12 @@ void Player::dropEvent(QDropEvent* event)
     // Later, so that the program that the file comes from is not kept waiting for the movie.
     QTimer::singleShot(0, this,
                        [this, path] { handled(texts::kPlaceOpen, [&] { m_lifecycle.FileDropped(path); }); });
+}
+
+void Player::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    m_skinWindow.paintGround(painter);
 }
 
 void Player::contextMenuEvent(QContextMenuEvent*) { ShowPopUp(); }

@@ -2,18 +2,24 @@
 
 #include "core/Application.h"
 #include "core/ErrorReport.h"
+#include "core/Look.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
+#include "platform/Transparency.h"
 #include "player/Menus.h"
 #include "player/Player.h"
 #include "player/Texts.h"
+#include "player/WindowFlags.h"
 #include "skin/Catalogue.h"
 #include "skin/Texts.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QWindow>
+#include <QPainter>
+#include <QScopeGuard>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -24,6 +30,7 @@ namespace
 
 /// What a skin may ask for at most, so that its window still fits on a screen.
 constexpr int kLargestMinimum = 2048;
+constexpr int kRetryMs = 50;
 const QRegion kNothing(-1, -1, 1, 1);
 
 } // namespace
@@ -37,13 +44,17 @@ bool MenuItem::Enabled() const { return m_action.isEnabled(); }
 void MenuItem::setEnabled(bool enabled) { m_action.setEnabled(enabled); }
 bool MenuItem::Visible() const { return m_action.isVisible(); }
 void MenuItem::setVisible(bool visible) { m_action.setVisible(visible); }
+QString MenuItem::Tag() const { return m_action.data().toString(); }
 void MenuItem::Click() { m_action.trigger(); }
 
 SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& menus, QWidget& client,
                        skin::SkinControl& movie, flash::FlashControl& control)
     : m_application(application), m_window(window), m_menus(menus), m_client(client), m_movie(movie),
-      m_waitScreen(new skin::WaitScreen(&client)), m_skin(*this, this)
+      m_waitScreen(new skin::WaitScreen(&client)), m_shapeEdge(new skin::ShapeEdge(&client)),
+      m_skin(*this, this)
 {
+    // What a window is made of is settled when it is made, so this cannot wait for a skin with a shape.
+    window.setAttribute(Qt::WA_TranslucentBackground, platform::hasPerPixelTransparency());
     skin::ScriptObjects& objects = m_skin.bridge().objects();
     objects.add(&movie, &control, {}, "ShockwaveFlash");
     m_skin.bridge().setPlayerObject(objects.add(
@@ -115,11 +126,13 @@ void SkinWindow::CreateSkin()
 
 void SkinWindow::LoadNewSkin()
 {
-    if (m_skin.isBusy()) {
-        // Asked for by the skin's own expressions: it has to be finished before it can go.
-        QTimer::singleShot(0, this, [this] { LoadNewSkin(); });
+    if (m_skin.isBusy() || m_isSwitching) {
+        // Asked for by the skin while it is built or laid out: it has to be finished before it can go.
+        QTimer::singleShot(kRetryMs, this, [this] { LoadNewSkin(); });
         return;
     }
+    m_isSwitching = true;
+    const auto end = qScopeGuard([this] { m_isSwitching = false; });
     ShowWaitScreen();
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     m_skin.UnloadSkin();
@@ -129,6 +142,16 @@ void SkinWindow::LoadNewSkin()
     clientResized();
     HideWaitScreen();
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // The controls of the skin before may go only when the event that asked for the switch is done with. The
+    // event loop has looked at them too early just now, and would sleep over them until something happens.
+    if (auto* loop = QAbstractEventDispatcher::instance()) loop->wakeUp();
+}
+
+void SkinWindow::ShowWaitScreen()
+{
+    log({});
+    log(" :: Wait Screen");
+    m_waitScreen->ShowWaitScreen();
 }
 
 // ---- shape and frame
@@ -144,28 +167,40 @@ void SkinWindow::UpdateRegion(bool force)
     }
     setFrameless(true);
     const QSize inner = m_client.size();
-    QRegion shape = skin::windowShape(inner, m_skin.masks());
+    const QRegion shape = skin::windowShape(inner, m_skin.masks());
     if (shape == QRegion(QRect(QPoint(0, 0), inner))) return setShape({});
-    shape.translate(m_client.pos());
     setShape(shape.isEmpty() ? kNothing : shape);
 }
 
 void SkinWindow::setShape(const QRegion& shape)
 {
-    if (shape == m_window.mask()) return;
-    shape.isEmpty() ? m_window.clearMask() : m_window.setMask(shape);
+    const bool soft = m_window.testAttribute(Qt::WA_TranslucentBackground) && !shape.isEmpty() &&
+                      platform::hasPerPixelTransparency();
+    m_shapeEdge->setShape(soft ? shape : QRegion());
+    if (shape == m_client.mask()) return;
+    // The window's mask is where it takes the mouse, and on X11 what is seen of it. It does not keep anything
+    // from being drawn where the system composes windows by their pixels: the inner area's mask does.
+    if (shape.isEmpty()) {
+        m_window.clearMask();
+        m_client.clearMask();
+    } else {
+        m_window.setMask(shape.translated(m_client.pos()));
+        m_client.setMask(shape);
+    }
+    m_window.update();
+}
+
+void SkinWindow::paintGround(QPainter& painter) const
+{
+    if (!m_client.mask().isEmpty()) painter.setClipRegion(m_client.mask().translated(m_client.pos()));
+    painter.fillRect(m_window.rect(), QColor(core::look::kInk));
 }
 
 void SkinWindow::setFrameless(bool frameless)
 {
     if (m_frameless == frameless) return;
     m_frameless = frameless;
-    const bool shown = m_window.isVisible();
-    const QRect place = m_window.geometry();
-    m_window.setWindowFlag(Qt::FramelessWindowHint, frameless);
-    if (!shown) return;
-    m_window.setGeometry(place);
-    m_window.show(); // changing the flag hides the window
+    setWindowFlagInPlace(m_window, Qt::FramelessWindowHint, frameless);
 }
 
 void SkinWindow::clientResized()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "skin/ShapeEdge.h"
 #include "skin/Skin.h"
 #include "skin/WaitScreen.h"
 
@@ -28,6 +29,7 @@ class MenuItem : public QObject
     Q_PROPERTY(bool Checked READ Checked WRITE setChecked)
     Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
     Q_PROPERTY(bool Visible READ Visible WRITE setVisible)
+    Q_PROPERTY(QString Tag READ Tag)
 
 public:
     explicit MenuItem(QAction& action);
@@ -39,6 +41,8 @@ public:
     void setEnabled(bool enabled);
     [[nodiscard]] bool Visible() const;
     void setVisible(bool visible);
+    /// A skin's folder name, a recent file's path.
+    [[nodiscard]] QString Tag() const;
     /// Does what choosing the item does.
     Q_INVOKABLE void Click();
 
@@ -71,9 +75,11 @@ public:
     void CreateSkin();
     void LoadNewSkin();
     void mnuSkinList_Click(int index);
-    void ShowWaitScreen() { m_waitScreen->ShowWaitScreen(); }
+    void ShowWaitScreen();
     void HideWaitScreen() { m_waitScreen->HideWaitScreen(); }
     void UpdateRegion(bool force) override;
+    /// What lies under all that the window holds, within its shape.
+    void paintGround(QPainter& painter) const;
     /// Fits the movie, or the skin, into the area's new size.
     void clientResized();
 
@@ -98,6 +104,7 @@ signals:
 
 private:
     void setFrameless(bool frameless);
+    /// @param shape in the inner area's coordinates; an empty one takes the shape away
     void setShape(const QRegion& shape);
 
     core::Application& m_application;
@@ -106,12 +113,14 @@ private:
     QWidget& m_client;
     skin::SkinControl& m_movie;
     skin::WaitScreen* m_waitScreen;
+    skin::ShapeEdge* m_shapeEdge;
     skin::Skin m_skin;
     QStringList m_skins;
     QString m_selected = "default";
     QString m_folder; ///< of the chosen skin, with its closing separator
     QHash<QString, QObject*> m_items;
     bool m_frameless = false;
+    bool m_isSwitching = false;
 };
 
 } // namespace player
