@@ -6,11 +6,25 @@
 #include "player/Player.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QMessageBox>
 
 #include <iostream>
 
 // Builds the parts and ties them together; no logic.
+
+namespace
+{
+
+QIcon applicationIcon()
+{
+    QIcon icon;
+    for (const char* size : {"16", "24", "32", "48", "64", "128", "256"})
+        icon.addFile(QString(":/icon/%1.png").arg(size));
+    return icon;
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -25,6 +39,7 @@ int main(int argc, char** argv)
     QApplication qt(argc, argv);
     QApplication::setApplicationName(core::kProductName);
     QApplication::setDesktopFileName("zorvex");
+    QApplication::setWindowIcon(applicationIcon());
 
     core::Application application;
     const QString commandLine = core::commandLine(QApplication::arguments().mid(1));
