@@ -451,6 +451,15 @@ void FlashControl::setScriptTimeoutHandler(std::function<bool()> handler)
     d->host.setTimeoutHandler(std::move(handler));
 }
 
+void FlashControl::setScriptWatch(std::function<bool()> watch) { d->host.setScriptWatch(std::move(watch)); }
+
+void FlashControl::setClipboardAllowed(bool allowed) { d->host.setClipboardAllowed(allowed); }
+
+void FlashControl::advance(double ms)
+{
+    d->drive([&] { d->engine.advance(ms); });
+}
+
 QSize FlashControl::sizeHint() const
 {
     const QSize size = movieSize();

@@ -116,6 +116,16 @@ public:
     /// script is ended.
     void setScriptTimeoutHandler(std::function<bool()> handler);
 
+    /// Asked every few milliseconds while the movie's scripts run, and whenever they have taken much memory;
+    /// true ends them for good. It may let events through: nothing that acts on the movie happens meanwhile.
+    void setScriptWatch(std::function<bool()> watch);
+
+    /// Whether movies may read and write the clipboard; they may.
+    void setClipboardAllowed(bool allowed);
+
+    /// Moves the movie on by that much of simulated time, unheard, suspended or not.
+    void advance(double ms);
+
     [[nodiscard]] QSize sizeHint() const override;
 
     /// The names of Quality2 in the order of Quality.

@@ -77,11 +77,15 @@ void HostQueue::progressed(int percent)
 
 void HostQueue::setClipboardText(std::string_view utf8)
 {
-    QGuiApplication::clipboard()->setText(toText(utf8));
+    if (m_clipboardAllowed) QGuiApplication::clipboard()->setText(toText(utf8));
 }
 
-std::string HostQueue::clipboardText() { return QGuiApplication::clipboard()->text().toStdString(); }
+std::string HostQueue::clipboardText()
+{
+    return m_clipboardAllowed ? QGuiApplication::clipboard()->text().toStdString() : std::string();
+}
 
 bool HostQueue::abortSlowScript() { return !m_timeout || m_timeout(); }
+bool HostQueue::endsScripts() { return m_watch && m_watch(); }
 
 } // namespace flash

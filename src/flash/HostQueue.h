@@ -16,6 +16,8 @@ class HostQueue : public stage::HostEvents
 {
 public:
     void setTimeoutHandler(std::function<bool()> handler) { m_timeout = std::move(handler); }
+    void setScriptWatch(std::function<bool()> watch) { m_watch = std::move(watch); }
+    void setClipboardAllowed(bool allowed) { m_clipboardAllowed = allowed; }
     [[nodiscard]] int readyState() const { return m_readyState; }
     /// Emits what has gathered as the control's signals. The control may be gone afterwards.
     void deliver(FlashControl& control);
@@ -29,14 +31,16 @@ public:
     void setClipboardText(std::string_view utf8) override;
     std::string clipboardText() override;
     bool abortSlowScript() override;
+    bool endsScripts() override;
 
 private:
     using Message = std::function<void(FlashControl&)>;
     void put(Message message);
 
     std::vector<Message> m_messages;
-    std::function<bool()> m_timeout;
+    std::function<bool()> m_timeout, m_watch;
     int m_readyState = 0;
+    bool m_clipboardAllowed = true;
 };
 
 } // namespace flash

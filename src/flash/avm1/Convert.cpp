@@ -14,6 +14,8 @@ namespace
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kTwoTo32 = 4294967296.0;
+// In UTF-16 units. The longest is far beyond what a movie could show or save.
+constexpr std::size_t kLongText = std::size_t{1} << 16, kLongestText = std::size_t{1} << 27;
 
 Value callConversion(Vm& vm, Object* object, Name method)
 {
@@ -201,7 +203,13 @@ Value add(Vm& vm, Value a, Value b)
     if (left.isString() || right.isString()) {
         String* first = toString(vm, left);
         String* second = toString(vm, right);
-        vm.heap().noteExternalBytes(sizeof(String));
+        const std::size_t length = first->length() + second->length();
+        if (length > kLongestText) {
+            vm.abortScript("A text grew beyond all bounds; the scripts of this movie were stopped.");
+            return {};
+        }
+        // A long text is counted now: where it is looked at and takes its room, the collector is not near.
+        vm.heap().noteExternalBytes(length > kLongText ? length * sizeof(char16_t) : sizeof(String));
         return Value(vm.heap().make<String>(first, second));
     }
     const double sum = toNumber(vm, left);

@@ -110,6 +110,8 @@ public:
     virtual void updateAfterEvent() = 0;
     /// A script ran for `seconds`. @returns whether it shall be stopped.
     virtual bool askToStopScript(double seconds) = 0;
+    /// Asked again and again while scripts run. @returns whether they shall all be stopped now.
+    virtual bool endsScripts() { return false; }
 };
 
 /// A host without a stage: every path leads nowhere, time stands still, output is dropped.

@@ -206,9 +206,13 @@ void Interpreter::jump(Frame& frame, std::uint32_t instruction)
 void Interpreter::safepoint(Frame& frame)
 {
     Vm& vm = frame.vm;
-    if (vm.m_heap.shouldCollect()) vm.m_heap.collect();
+    if (vm.m_heap.shouldCollect()) {
+        vm.m_heap.collect();
+        vm.m_budget = 0; // what takes memory in great pieces is looked at more often
+    }
     if (--vm.m_budget > 0) return;
     vm.m_budget = kSafepointsBetweenClockLooks;
+    if (vm.m_host.endsScripts()) return abort(vm, "The host ended the scripts of this movie.");
     const double now = vm.m_host.realTimeMs();
     if (now - vm.m_startedMs < vm.m_timeoutMs) return;
     if (vm.m_host.askToStopScript((now - vm.m_startedMs) / 1000))

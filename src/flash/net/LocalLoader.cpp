@@ -126,9 +126,11 @@ base::Result<fs::path> LocalLoader::resolve(std::string_view url, std::string_vi
     fs::path base = fs::canonical(fs::path(pathFromUrl(baseUrl)).parent_path(), error);
     if (error || !isInside(base)) base = m_root;
 
-    // The name as it stands comes first: real files have "%" in their names, and movies name them so.
-    const std::string literal = withSlashes(withoutScheme(withoutQuery(url)));
-    for (const std::string& name : {literal, decodeEscapes(literal)}) {
+    // The name as it stands comes first: real files have "#", "?" and "%" in their names, and movies name
+    // them so.
+    const std::string literal = withSlashes(withoutScheme(url));
+    const std::string plain = withSlashes(withoutScheme(withoutQuery(url)));
+    for (const std::string& name : {literal, plain, decodeEscapes(plain)}) {
         if (name.empty() || name.find('\0') != std::string::npos) continue;
         const fs::path found = fs::canonical(base / name, error);
         if (!error && isInside(found) && fs::is_regular_file(found, error)) return found;
@@ -141,7 +143,8 @@ base::Result<stage::LoadAnswer> LocalLoader::load(const stage::LoadRequest& requ
     const fs::path file = TRY_RESULT(resolve(request.url, request.baseUrl));
     stage::LoadAnswer answer;
     answer.bytes = TRY_RESULT(base::readFile(file, kMaxFileBytes));
-    const auto query = request.url.find('?');
+    const bool isName = file.filename().native().find('?') != std::string::npos;
+    const auto query = isName ? std::string::npos : request.url.find('?');
     answer.url = urlFromPath(file) + (query == std::string::npos ? "" : request.url.substr(query));
     return answer;
 }

@@ -22,7 +22,8 @@ public:
     ///         more than kMaxFileBytes.
     base::Result<stage::LoadAnswer> load(const stage::LoadRequest& request) override;
 
-    /// The file that an address means, its query and fragment taken off; the file is there and may be read.
+    /// The file that an address means: that of the very name, else of what is left without query and
+    /// fragment, else of that with its escapes decoded. The file is there and may be read.
     /// A relative address counts from the folder of `baseUrl`, or from the root when that lies elsewhere.
     [[nodiscard]] base::Result<std::filesystem::path> resolve(std::string_view url,
                                                               std::string_view baseUrl) const;
@@ -30,7 +31,7 @@ public:
 private:
     [[nodiscard]] bool isInside(const std::filesystem::path& canonical) const;
 
-    std::filesystem::path m_root; // canonical; empty when the folder does not exist
+    std::filesystem::path m_root;                 // canonical; empty when the folder does not exist
 };
 
 /// `file:///a/b%20c.swf` for a path; all but unreserved characters and "/" are escaped.

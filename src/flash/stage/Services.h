@@ -135,6 +135,9 @@ public:
     virtual std::string clipboardText() { return {}; }
     /// A script has run for too long. @returns true to end it.
     virtual bool abortSlowScript() { return true; }
+    /// Asked every few milliseconds while scripts run, and whenever they have taken much memory.
+    /// @returns true to end all scripts of the movie for good
+    virtual bool endsScripts() { return false; }
 };
 
 /// Shared objects: small named records that outlive the movie.

@@ -277,4 +277,29 @@ TEST(FlashControl, SurvivesAHostThatDeletesItFromAHandler)
     EXPECT_EQ(control, nullptr);
 }
 
+TEST(FlashControl, AWatchEndsScriptsThatLoopForEver)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    int questions = 0;
+    control.setScriptWatch([&questions] { return ++questions == 3; });
+    const swf::ByteList forEver = {0x99, 2, 0, 0xFB, 0xFF}; // a jump to itself
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(4, forEver))));
+    EXPECT_EQ(questions, 3);
+    control.GotoFrame(2); // the timeline goes on without its scripts
+    EXPECT_EQ(control.FrameNum(), 2);
+}
+
+TEST(FlashControl, ASuspendedMovieMovesWhenItsHostMovesIt)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.setSuspended(true);
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::movingSquare(4))));
+    QTest::qWait(200);
+    EXPECT_EQ(control.FrameNum(), 0);
+    control.advance(2 * 1000 / 12.5);
+    EXPECT_EQ(control.FrameNum(), 2);
+}
+
 } // namespace flash

@@ -73,6 +73,21 @@ TEST_F(Net, FindsFilesBesideTheMovieAndBelow)
     EXPECT_EQ(load(urlFromPath(folder / "movie/a b.txt")), "space");
 }
 
+TEST_F(Net, NamesThatLookLikeAddressesAreNamesFirst)
+{
+    put(folder / "movie/#home#clip.swf.jpg", "hash");
+    put(folder / "movie/who?.txt", "asked");
+    put(folder / "movie/%41.txt", "literal");
+    put(folder / "movie/A.txt", "decoded");
+    EXPECT_EQ(load("#home#clip.swf.jpg"), "hash");
+    EXPECT_EQ(load("who?.txt"), "asked");
+    EXPECT_EQ(load("%41.txt"), "literal");
+    EXPECT_EQ(load("%2541.txt"), "literal");
+    const auto answer = LocalLoader(folder / "movie").load({"who?.txt", "", {}, {}});
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(pathFromUrl(answer->url), (folder / "movie/who?.txt").string());
+}
+
 TEST_F(Net, TheAnswerKeepsTheQueryForTheMovieThatWasLoaded)
 {
     LocalLoader loader(folder / "movie");

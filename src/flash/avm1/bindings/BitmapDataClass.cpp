@@ -38,6 +38,12 @@ std::shared_ptr<swf::Bitmap> newBitmap(int width, int height, bool transparent, 
     return bitmap;
 }
 
+void attach(Vm& vm, Object& object, std::shared_ptr<swf::Bitmap> bitmap)
+{
+    vm.heap().noteExternalBytes(bitmap->pixels.size() * sizeof(std::uint32_t));
+    object.attachNew<BitmapDataNative>(std::move(bitmap));
+}
+
 using Member = Value (*)(Call&, swf::Bitmap&);
 
 /// The checks that all members share, around what one does.
@@ -392,7 +398,7 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
 Value clone(Call& call, swf::Bitmap& bitmap)
 {
     Object* copy = call.vm.newObject(call.self.object()->protoValue().asObject());
-    copy->attachNew<BitmapDataNative>(std::make_shared<swf::Bitmap>(bitmap));
+    attach(call.vm, *copy, std::make_shared<swf::Bitmap>(bitmap));
     return copy;
 }
 
@@ -440,8 +446,7 @@ Value constructBitmapData(Call& call)
     if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide)) return {};
     const bool transparent = call.count() < 3 || toBoolean(call.vm, call.arg(2));
     const std::uint32_t fill = call.count() > 3 ? color(call, 3) : 0xFFFFFFFF;
-    self->attachNew<BitmapDataNative>(
-        newBitmap(static_cast<int>(width), static_cast<int>(height), transparent, fill));
+    attach(call.vm, *self, newBitmap(static_cast<int>(width), static_cast<int>(height), transparent, fill));
     return {};
 }
 
@@ -458,7 +463,7 @@ Value loadBitmap(Call& call)
         character == nullptr ? nullptr : std::get_if<swf::BitmapCharacter>(&character->data);
     if (picture == nullptr || picture->bitmap == nullptr) return {};
     Object* object = call.vm.newObject(call.vm.prototypeOf(call.self.asObject()));
-    object->attachNew<BitmapDataNative>(std::make_shared<swf::Bitmap>(*picture->bitmap));
+    attach(call.vm, *object, std::make_shared<swf::Bitmap>(*picture->bitmap));
     return object;
 }
 

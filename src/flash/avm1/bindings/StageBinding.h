@@ -98,6 +98,7 @@ public:
     void fsCommand(std::u16string_view command, std::u16string_view argument) override;
     void updateAfterEvent() override;
     bool askToStopScript(double seconds) override;
+    bool endsScripts() override;
 
     // ---- stage::ScriptHost ----
     void runActions(stage::Clip& target, const stage::MoviePtr& movie,

@@ -458,5 +458,6 @@ void StageBinding::fsCommand(std::u16string_view command, std::u16string_view ar
 void StageBinding::updateAfterEvent() {}
 
 bool StageBinding::askToStopScript(double) { return m_services.host.abortSlowScript(); }
+bool StageBinding::endsScripts() { return m_services.host.endsScripts(); }
 
 } // namespace flash::avm1
