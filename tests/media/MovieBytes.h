@@ -3,6 +3,7 @@
 #include "media/Compress.h"
 #include "media/MovieHeader.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -76,11 +77,10 @@ inline ByteVector compressedMovie(int version = 6, std::size_t padding = 100)
 /// An executable's start, `before` bytes in all, then `movie`, then `after` bytes.
 inline ByteVector projector(const ByteVector& movie, std::size_t before = 2000, std::size_t after = 8)
 {
-    ByteVector file(before, 0xCC);
+    ByteVector file(before + movie.size() + after, 0xCC);
     file[0] = 'M';
     file[1] = 'Z';
-    file.insert(file.end(), movie.begin(), movie.end());
-    file.insert(file.end(), after, 0xCC);
+    std::copy(movie.begin(), movie.end(), file.begin() + static_cast<std::ptrdiff_t>(before));
     return file;
 }
 

@@ -1,0 +1,79 @@
+#include "browser/FolderScan.h"
+
+#include "core/Application.h"
+#include "media/CacheName.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace browser
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+bool isSeparator(QChar letter) { return letter == '/' || letter == '\\'; }
+
+qsizetype lastSeparator(QStringView text)
+{
+    for (qsizetype at = text.size(); at-- > 0;) {
+        if (isSeparator(text[at])) return at;
+    }
+    return -1;
+}
+
+std::optional<ItemKind> mediaKind(const QString& name)
+{
+    const QString ending = name.right(4).toUpper();
+    if (ending == ".SWF") return ItemKind::Movie;
+    if (ending == ".EXE") return ItemKind::Projector;
+    return {};
+}
+
+} // namespace
+
+std::vector<FolderEntry> listFolder(const QString& folder)
+{
+    std::vector<FolderEntry> entries;
+    std::error_code error;
+    fs::directory_iterator at(core::filePath(folder), error);
+    if (error) return entries;
+    if (!QDir(folder).isRoot()) entries.push_back({"..", true});
+    for (; !error && at != fs::directory_iterator(); at.increment(error)) {
+        std::error_code unknown; // a link that leads nowhere, say: a file, then
+        entries.push_back(
+            {QFile::decodeName(at->path().filename().native().c_str()), at->is_directory(unknown)});
+    }
+    return entries;
+}
+
+QString normalisedFolder(const QString& folder)
+{
+    QString path = folder;
+    if (path.isEmpty()) return path;
+    if (!isSeparator(path.back())) path += QDir::separator();
+    const QStringView ending = QStringView(path).right(4);
+    if (ending.size() == 4 && isSeparator(ending[0]) && ending.mid(1, 2) == u".." && isSeparator(ending[3]))
+        path.truncate(lastSeparator(QStringView(path).chopped(4)) + 1);
+    return path;
+}
+
+std::vector<BrowseItem> itemsOf(const std::vector<FolderEntry>& entries, const QString& folder,
+                                const QString& cachePath)
+{
+    std::vector<BrowseItem> items;
+    for (const FolderEntry& entry : entries) {
+        if (entry.isFolder && entry.name != ".") items.push_back({entry.name, ItemKind::Folder, {}});
+    }
+    for (const FolderEntry& entry : entries) {
+        if (const auto kind = mediaKind(entry.name))
+            items.push_back({entry.name, *kind, cachePath + media::CacheName(folder + entry.name, ".jpg")});
+    }
+    return items;
+}
+
+} // namespace browser

@@ -1,0 +1,198 @@
+#include "browser/Thumbnails.h"
+
+#include "base/Failure.h"
+#include "browser/SaveJpg.h"
+#include "browser/Texts.h"
+#include "browser/cDIBSection.h"
+#include "flash/FlashControl.h"
+#include "platform/ProcessMemory.h"
+
+#include <QApplication>
+#include <QRandomGenerator>
+#include <QScopedValueRollback>
+#include <QTime>
+#include <QUrl>
+
+#include <algorithm>
+#include <cmath>
+
+namespace browser
+{
+namespace
+{
+
+constexpr int kJpegQuality = 75;
+/// Names no file and loads nothing.
+constexpr const char* kNoMovie = "| no |";
+/// How long scripts and nested clips get to settle on the chosen frame, and how often again when there is
+/// nothing to be seen yet.
+constexpr int kSettlingFrames = 8, kMostSettlings = 4;
+constexpr double kShortestFrameMs = 10, kLongestFrameMs = 100;
+constexpr int kPumpEveryMs = 15;
+
+/// Of SWF's Quality.
+constexpr int kLowQuality = 0, kHighQuality = 1;
+
+bool isOfOneColour(const cDIBSection& picture)
+{
+    const std::uint8_t* first = picture.row(0);
+    const auto lineBytes = static_cast<std::size_t>(picture.Width()) * 3;
+    for (int y = 0; y < picture.Height(); ++y) {
+        const std::uint8_t* row = picture.row(y);
+        for (std::size_t x = 0; x < lineBytes; x += 3) {
+            if (!std::equal(row + x, row + x + 3, first)) return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int thumbnailFrame(int totalFrames, double random)
+{
+    return static_cast<int>(std::nearbyint(totalFrames * 0.3 + random * totalFrames * 0.6));
+}
+
+Thumbnails::Thumbnails(core::Application& application, BrowserHost& host, BrowserState& state)
+    : m_application(application), m_host(host), m_state(state), m_files(application, m_quiet)
+{
+}
+
+Thumbnails::~Thumbnails() { closeWindow(); }
+
+void Thumbnails::makeAll(const std::vector<Order>& orders)
+{
+    if (m_atWork) return;
+    const int count = static_cast<int>(orders.size());
+    for (int number = 1; number <= count; ++number) {
+        openWindow().setProgress(number, count);
+        const Order& order = orders[static_cast<std::size_t>(number - 1)];
+        MakeThumbnail(order.movie, order.thumbnail);
+        if (m_state.skip || m_host.hasEnded()) break;
+    }
+    closeWindow();
+}
+
+frmShot& Thumbnails::openWindow()
+{
+    if (m_window.isNull()) {
+        QWidget* dialog = QApplication::activeModalWidget();
+        m_window = new frmShot(dialog != nullptr ? dialog : m_host.dialogParent(),
+                               m_application.AppPath + "media/shot_shadow.png");
+        QObject::connect(m_window, &frmShot::cancelled, m_window, [this] { m_state.skip = true; });
+        QObject::connect(m_window, &frmShot::movieSkipped, m_window, [this] { m_dropped = true; });
+        m_window->SWF().setScriptWatch([this] { return watch(); });
+        m_window->SWF().setScriptTimeoutHandler([] { return true; });
+    }
+    return *m_window;
+}
+
+void Thumbnails::closeWindow()
+{
+    if (!m_atWork) delete m_window.data();
+}
+
+void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
+{
+    // Events are let through below; what they ask for meanwhile is not begun.
+    if (m_atWork || core::fileExists(thumbnail)) return;
+    const QScopedValueRollback atWork(m_atWork, true);
+    m_state.skip = m_dropped = false;
+    frmShot& window = openWindow();
+    flash::FlashControl& control = window.SWF();
+    m_clock.start();
+    m_sincePump.start();
+    m_memoryBefore = platform::residentBytes();
+    window.setPath(movie);
+    window.showMissing(false);
+    window.show(); // before the movie comes, which may take its time: there is a button to stop it
+    pump();
+
+    QString path = movie;
+    if (path.right(4).toUpper() == ".EXE") {
+        path = m_files.ExtractEXE(movie, media::ExtractTo::Cache);
+        if (path.isEmpty()) path = kNoMovie;
+    }
+    load(path);
+
+    QRandomGenerator random(seed ? *seed + m_made
+                                 : static_cast<quint32>(QTime::currentTime().msecsSinceStartOfDay()));
+    ++m_made;
+    control.setQuality(m_host.hqShots() ? kHighQuality : kLowQuality);
+    if (control.FrameNum() != -1) {
+        control.GotoFrame(thumbnailFrame(control.TotalFrames(), random.generateDouble()));
+        settle();
+    }
+    pump();
+    if (!watch()) {
+        cDIBSection picture;
+        picture.CreateFromPicture(window.capture());
+        for (int again = 1; again < kMostSettlings && control.FrameNum() != -1 && isOfOneColour(picture);
+             ++again) {
+            settle();
+            if (watch()) break;
+            picture.CreateFromPicture(window.capture());
+        }
+        pump();
+        if (!isGivenUp() && !SaveJPG(m_application, picture, thumbnail, kJpegQuality)) log(texts::kLogNoJpeg);
+    }
+    // What runs no longer holds no memory and does not go on below the next one.
+    const bool wasDropped = m_dropped;
+    control.LoadMovie(0, {});
+    if (wasDropped) platform::returnFreeMemory();
+    pump();
+}
+
+/// What cannot be loaded is shown as missing, and so comes out on its picture.
+void Thumbnails::load(const QString& movie)
+{
+    flash::FlashControl& control = m_window->SWF();
+    control.LoadMovie(0, {});
+    const bool marked = movie.contains('?');
+    if (!control.LoadMovie(0, marked ? QUrl::fromLocalFile(movie).toString(QUrl::FullyEncoded) : movie))
+        m_window->showMissing(true);
+}
+
+void Thumbnails::settle() { advanceFrames(kSettlingFrames); }
+
+void Thumbnails::advanceFrames(int count)
+{
+    flash::FlashControl& control = m_window->SWF();
+    const double rate = control.frameRate();
+    const double frameMs =
+        rate > 0 ? std::clamp(1000 / rate, kShortestFrameMs, kLongestFrameMs) : kLongestFrameMs;
+    for (int i = 0; i < count && !watch(); ++i) control.advance(frameMs);
+}
+
+void Thumbnails::dropMovie(const char* why)
+{
+    if (m_dropped) return;
+    m_dropped = true;
+    log(QString(texts::kLogDropped) + why);
+}
+
+bool Thumbnails::watch()
+{
+    if (m_sincePump.elapsed() >= kPumpEveryMs) {
+        pump();
+        m_sincePump.start();
+    }
+    if (m_host.hasEnded()) m_state.skip = true;
+    if (m_clock.elapsed() > limits.timeMs) dropMovie("it takes too long");
+    if (platform::residentBytes() - m_memoryBefore > limits.memoryBytes)
+        dropMovie("it takes too much memory");
+    return isGivenUp();
+}
+
+void Thumbnails::pump() { QCoreApplication::processEvents(); }
+
+void Thumbnails::log(const QString& text)
+{
+    try {
+        m_application.LogEvent(text);
+    } catch (const base::Failure&) {
+        // A journal that cannot be written does not stop the run.
+    }
+}
+
+} // namespace browser

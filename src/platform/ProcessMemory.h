@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+namespace platform
+{
+
+/// @returns bytes of memory that this process holds now; 0 when the system does not tell
+std::int64_t residentBytes();
+
+/// Hands memory that is free but kept for later back to the system.
+void returnFreeMemory();
+
+} // namespace platform
