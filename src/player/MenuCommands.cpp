@@ -21,6 +21,7 @@ constexpr CommandInfo kCommands[] = {
     {"mnuOpen",         [](Player& p) { p.OpenMedia(); }},
     {"mnuSaveAs",       [](Player& p) { p.SaveMediaAs(); }},
     {"mnuClose",        [](Player& p) { p.CloseMedia({}); }},
+    {"mnuInfo",         [](Player& p) { p.Properties(); }},
     {"mnuExit",         [](Player& p) { p.Quit("Exit Menu", true); }},
 
     {"mnuFullScreen",   [](Player& p) { p.FullScreen(!p.isFullScreen()); }},

@@ -51,7 +51,8 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_bar(new ControlBar(this)), m_menus(this), m_media(application, *this),
       m_playback(control(), m_menus, application.GadgetsPath), m_timer(*this),
       m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
-      m_placement(*this), m_drag(this), m_settings(application, *this), m_dialogs(application, *this),
+      m_placement(*this), m_drag(this), m_settings(application, *this),
+      m_browser(application, *this, m_browserState), m_dialogs(application, *this),
       m_lifecycle(application, *this, commandLine)
 {
     buildWindow();
@@ -64,9 +65,6 @@ Player::Player(core::Application& application, const QString& commandLine)
     m_menus.setChecked("mnuLoop", control().Loop());
     m_menus.setChecked("mnuMenuBar", true);
     m_menus.item("mnuInfo").setEnabled(false);
-    // TODO: the information window is not there yet; its item is not shown meanwhile.
-    m_menus.item("mnuInfo").setVisible(false);
-    m_menus.item("mnuSep14").setVisible(false);
 }
 
 Player::~Player() { control().disconnect(this); }
@@ -307,34 +305,21 @@ void Player::openOutside(const QString& target)
         QDesktopServices::openUrl(url);
 }
 
-// ---- the media browser
-// TODO: there is none yet; meanwhile the open dialog shows what lies in a folder.
+// ---- settings
 
-void Player::BrowseMedia()
+void Player::LoadOpts()
 {
-    m_application.LogEvent({});
-    m_application.LogEvent(" :: Media Browse");
-    SetStatus(texts::kReady);
-    NewMediaBrowse(browserFolder());
+    m_settings.LoadOpts();
+    if (!options().search.isEmpty()) m_browserState.folder = options().search;
+    m_browserState.page = options().lastPage;
 }
 
-QString Player::browserFolder() const
+bool Player::SaveOpts()
 {
-    const QString& folder = m_settings.options().search;
-    return folder.isEmpty() ? m_application.AppPath : folder;
+    options().search = m_browserState.folder;
+    options().lastPage = m_browserState.page;
+    return m_settings.SaveOpts();
 }
-
-int Player::browserPage() const { return m_settings.options().lastPage; }
-void Player::setBrowserPage(int page) { options().lastPage = page; }
-int Player::browserPageCount() const { return 0; }
-
-void Player::NewMediaBrowse(const QString& folder)
-{
-    if (!isVisible()) return CloseMedia({}); // at the start, where no dialog may come before the window
-    handled(texts::kPlaceOpen, [&] { m_dialogs.OpenMedia(folder); });
-}
-
-void Player::ShowBrowsePage() {}
 
 // ---- events
 

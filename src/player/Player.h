@@ -1,5 +1,6 @@
 #pragma once
 
+#include "browser/MediaBrowser.h"
 #include "core/ErrorReport.h"
 #include "media/MediaFiles.h"
 #include "player/Lifecycle.h"
@@ -27,7 +28,11 @@ namespace player
 
 class ControlBar;
 
-class Player : public QWidget, public media::MediaHost, public core::ErrorHost, public PageCommandHost
+class Player : public QWidget,
+               public media::MediaHost,
+               public core::ErrorHost,
+               public PageCommandHost,
+               public browser::BrowserHost
 {
     Q_OBJECT
     // What scripts read and set. The window's own place and size are in twips, 15 to the pixel, its inner
@@ -61,7 +66,7 @@ public:
     {
         m_lifecycle.Quit(reason, saveOptions);
     }
-    [[nodiscard]] bool hasEnded() const { return m_lifecycle.hasEnded(); }
+    [[nodiscard]] bool hasEnded() const override { return m_lifecycle.hasEnded(); }
 
     // Media
     Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption) override
@@ -71,8 +76,8 @@ public:
     Q_INVOKABLE void OpenMedia() override;
     Q_INVOKABLE void CloseMedia(const QString& message) override { m_lifecycle.CloseMedia(message); }
     Q_INVOKABLE void SaveMediaAs();
-    Q_INVOKABLE void LoadOpts() { m_settings.LoadOpts(); }
-    Q_INVOKABLE bool SaveOpts() { return m_settings.SaveOpts(); }
+    Q_INVOKABLE void LoadOpts();
+    Q_INVOKABLE bool SaveOpts();
     void mnuCompress_Click();
     void mnuClearCache_Click();
     /// Whether a movie of the user's is loaded: none of the program's own pages.
@@ -95,7 +100,7 @@ public:
     // Status and information
     Q_INVOKABLE void ToggleTimeMode() { m_status.ToggleTimeMode(); }
     Q_INVOKABLE void UpdateInfo();
-    Q_INVOKABLE QString GetTime(int frames) const;
+    Q_INVOKABLE QString GetTime(int frames) const override;
     /// @param widthPixels the text is shortened to, with an ellipsis for what went
     Q_INVOKABLE QString FitText(const QString& text, int widthPixels) const;
     Q_INVOKABLE void SetStatus(const QString& text) override;
@@ -146,21 +151,27 @@ public:
 
     // What pages command, and the media browser
     Q_INVOKABLE void WebUpdate() override;
-    Q_INVOKABLE void BrowseMedia();
+    Q_INVOKABLE void BrowseMedia() { m_browser.BrowseMedia(); }
+    Q_INVOKABLE void Properties() { m_browser.Properties(mediaInfo()); }
     void LogEvent(const QString& text) override { m_application.LogEvent(text); }
     [[nodiscard]] bool isOwnPage() const override { return m_isOwnPage; }
     void openHelp() override;
     void openOutside(const QString& target) override;
-    [[nodiscard]] QString browserFolder() const override;
-    [[nodiscard]] int browserPage() const override;
-    void setBrowserPage(int page) override;
-    [[nodiscard]] int browserPageCount() const override;
-    void NewMediaBrowse(const QString& folder) override;
-    void ShowBrowsePage() override;
+    [[nodiscard]] QString browserFolder() const override { return m_browserState.folder; }
+    [[nodiscard]] int browserPage() const override { return m_browserState.page; }
+    void setBrowserPage(int page) override { m_browserState.page = page; }
+    [[nodiscard]] int browserPageCount() const override { return m_browserState.totalPages; }
+    void NewMediaBrowse(const QString& folder) override { m_browser.NewMediaBrowse(folder); }
+    void ShowBrowsePage() override { m_browser.ShowBrowsePage(); }
     std::optional<QString> chooseBrowserFolder(const QString& start) override
     {
         return m_dialogs.chooseBrowserFolder(start);
     }
+
+    // What the browser asks for
+    QWidget* dialogParent() override { return this; }
+    [[nodiscard]] QString noAnimation() const override { return m_settings.options().noAnimation; }
+    [[nodiscard]] bool hqShots() const override { return m_settings.options().hqShots; }
 
     // What media asks for while it loads a movie
     void setUpdateTimerEnabled(bool enabled) override { m_timer.setEnabled(enabled); }
@@ -228,6 +239,8 @@ private:
     Placement m_placement;
     WindowDrag m_drag;
     PlayerSettings m_settings;
+    browser::BrowserState m_browserState;
+    browser::MediaBrowser m_browser;
     MediaDialogs m_dialogs;
     Lifecycle m_lifecycle;
     QString m_mediaTitle;

@@ -80,7 +80,7 @@ void PlayerSettings::edit()
 {
     settings::frmOptions dialog(&m_player, m_options);
     m_player.ShowDialog(dialog);
-    if (dialog.result() == QDialog::Accepted && !SaveOpts())
+    if (dialog.result() == QDialog::Accepted && !m_player.SaveOpts())
         QMessageBox::warning(&m_player, core::kProductName, texts::kOptionsUnsaved);
 }
 
