@@ -139,7 +139,7 @@ void Checker::tags(Bytes bytes, std::uint32_t statedFrames, const std::string& w
 void Checker::tag(std::uint32_t code, Bytes body, const std::string& where)
 {
     // clang-format off
-    const std::set<std::uint32_t> definitions = {2, 11, 14, 20, 21, 22, 32, 33, 34, 35, 36, 37, 39, 46, 48, 75, 83, 84};
+    const std::set<std::uint32_t> definitions = {2, 11, 14, 20, 21, 22, 32, 33, 34, 35, 36, 37, 39, 46, 48, 60, 75, 83, 84};
     // clang-format on
     if (definitions.contains(code)) {
         if (!m_defined.insert(u16(body, 0)).second) fault(where + ": character defined twice");

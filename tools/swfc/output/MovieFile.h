@@ -16,6 +16,7 @@ enum class Tag : std::uint16_t {
     DefineBitsJpeg2 = 21, PlaceObject2 = 26, RemoveObject2 = 28, DefineText2 = 33, DefineButton2 = 34,
     DefineBitsJpeg3 = 35, DefineBitsLossless2 = 36, DefineEditText = 37, DefineSprite = 39, FrameLabel = 43,
     SoundStreamHead2 = 45, DefineFont2 = 48, ExportAssets = 56, ImportAssets = 57, DoInitAction = 59,
+    DefineVideoStream = 60, VideoFrame = 61,
     ScriptLimits = 65, SetTabIndex = 66, FileAttributes = 69, PlaceObject3 = 70, ImportAssets2 = 71,
     DefineFont3 = 75, Metadata = 77, DefineScalingGrid = 78,
 };

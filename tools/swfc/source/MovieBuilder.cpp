@@ -148,7 +148,7 @@ bool MovieBuilder::definition(const Element& element)
         {"text", &MovieBuilder::textElement},         {"edit", &MovieBuilder::editElement},
         {"sound", &MovieBuilder::soundElement},       {"sprite", &MovieBuilder::spriteElement},
         {"button", &MovieBuilder::buttonElement},     {"export", &MovieBuilder::exportElement},
-        {"import", &MovieBuilder::importElement},
+        {"import", &MovieBuilder::importElement},     {"video", &MovieBuilder::videoElement},
     };
     for (const Entry& entry : kEntries) {
         if (element.name != entry.name) continue;

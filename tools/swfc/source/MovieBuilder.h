@@ -24,6 +24,7 @@ enum class CharacterKind : std::uint8_t {
     Sound,
     Sprite,
     Button,
+    Video,
     Imported
 };
 
@@ -124,8 +125,9 @@ private:
     std::optional<output::Line> line(Attributes& attributes, const std::string& prefix);
     std::optional<output::PathData> path(Attributes& attributes, const std::string& attribute);
 
-    // bitmaps, fonts, texts
+    // bitmaps, videos, fonts, texts
     void bitmapElement(const Element& element);
+    void videoElement(const Element& element);
     void fontElement(const Element& element);
     void textElement(const Element& element);
     void editElement(const Element& element);

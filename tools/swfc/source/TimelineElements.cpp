@@ -171,6 +171,10 @@ bool MovieBuilder::placement(Attributes& attributes, Placement& placement)
         placement.ratio = *ratio;
         said = true;
     }
+    if (attributes.has("picture")) {
+        placement.ratio = attributes.integer("picture", 0, 0, 65535) / 65535.0;
+        said = true;
+    }
     return said;
 }
 

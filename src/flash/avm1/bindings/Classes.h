@@ -23,6 +23,9 @@ void installTextFormat(StageBinding& binding);
 void installStyleSheet(StageBinding& binding, Object* textField);
 void installLoadVars(StageBinding& binding);
 void installMovieClipLoader(StageBinding& binding);
+/// NetConnection, NetStream, and what Video has besides a button's members.
+void installNetStream(StageBinding& binding);
+Value attachAudio(Call& call);
 
 /// Gives the prototype of text fields its properties, which are not there before the first text field is.
 void furnishTextField(Vm& vm);

@@ -114,7 +114,7 @@ Value attachBitmap(Call& call)
     return {};
 }
 
-Value attachAudio(Call&) { return {}; }
+Value attachVideo(Call&) { return {}; } // cameras only
 
 // ---- timeline ---------------------------------------------------------------------------------------------
 
@@ -561,7 +561,7 @@ constexpr MemberInfo kMembers[] = {
     {"getBytesTotal",        0, 0,     &getBytesTotal},
     {"getBytesLoaded",       0, 0,     &getBytesLoaded},
     {"attachAudio",          1, kFrom6, &attachAudio},
-    {"attachVideo",          0, kFrom6, &attachAudio},
+    {"attachVideo",          0, kFrom6, &attachVideo},
     {"getDepth",             0, kFrom6, &getDepth},
     {"setMask",              1, kFrom6, &setMask},
     {"play",                 0, 0,     &play},

@@ -3,6 +3,7 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/BitmapDataClass.h"
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/bindings/NetStream.h"
 #include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/classes/Filters.h"
 #include "flash/avm1/classes/GeomValues.h"
@@ -10,6 +11,7 @@
 #include "flash/stage/Button.h"
 #include "flash/stage/TextField.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -40,6 +42,7 @@ struct StageBinding::State {
     Name enabled;
     std::vector<NameText*> keptNames;
     std::unordered_map<stage::SoundId, Object*> sounds; // whose end is waited for
+    std::vector<std::shared_ptr<NetStream>> streams;    // those that play
     Object* movieClip = nullptr;                        // prototypes
     Object* button = nullptr;
     Object* textField = nullptr;
@@ -93,6 +96,7 @@ void StageBinding::installClasses()
     installTextField(*this);
     installLoadVars(*this);
     installMovieClipLoader(*this);
+    installNetStream(*this);
     installXml(*m_vm);
     installFlashPackage();
     const auto prototype = [this](const char* name) -> Object* {
@@ -124,6 +128,7 @@ void StageBinding::traceNodes(Tracer& tracer)
 {
     for (NameText* name : m_state->keptNames) tracer(name);
     for (const auto& [id, object] : m_state->sounds) tracer(object);
+    for (const auto& stream : m_state->streams) stream->trace(tracer);
     tracer(m_state->movieClip);
     tracer(m_state->button);
     tracer(m_state->textField);
@@ -391,11 +396,38 @@ void StageBinding::clipReset(stage::Clip& clip)
 
 double StageBinding::nextTimerMs()
 {
-    const std::optional<double> due = m_vm->nextTimerMs();
-    return due ? std::max(0.0, *due - timeMs()) : -1;
+    std::optional<double> wait = m_vm->nextTimerMs();
+    if (wait) *wait = std::max(0.0, *wait - timeMs());
+    for (const auto& stream : m_state->streams) {
+        const std::optional<double> next = stream->msToNext();
+        if (next && (!wait || *next < *wait)) wait = next;
+    }
+    return wait.value_or(-1);
 }
 
-void StageBinding::runTimers(double) { m_vm->advanceTimers(); }
+void StageBinding::runTimers(double)
+{
+    m_vm->advanceTimers();
+    // A handler may start and close streams.
+    const auto streams = m_state->streams;
+    for (const auto& stream : streams) stream->follow();
+}
+
+void StageBinding::watchStream(std::shared_ptr<NetStream> stream)
+{
+    unwatchStream(*stream);
+    m_state->streams.push_back(std::move(stream));
+}
+
+void StageBinding::unwatchStream(const NetStream& stream)
+{
+    std::erase_if(m_state->streams, [&](const auto& entry) { return entry.get() == &stream; });
+}
+
+void StageBinding::detachScreen(const stage::VideoNode& screen)
+{
+    for (const auto& stream : m_state->streams) stream->removeScreen(screen);
+}
 
 void StageBinding::watchSound(stage::SoundId sound, Object* object) { m_state->sounds[sound] = object; }
 

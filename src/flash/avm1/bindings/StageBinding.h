@@ -9,6 +9,11 @@
 
 // Everything that joins the script engine to the stage: the one class that both know as their host, and the
 // built-in classes whose objects act on the stage.
+namespace flash::stage
+{
+class VideoNode;
+}
+
 namespace flash::avm1
 {
 
@@ -20,6 +25,7 @@ struct BindingInputs {
     std::string playerVersion = "WIN 8,0,24,0";
 };
 
+class NetStream;
 class NodeObject;
 
 /// The script engine of one stage. Made before the stage, attached to it right after.
@@ -58,6 +64,11 @@ public:
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
     /// Calls onSoundComplete of the object once the sound has played to its end.
     void watchSound(stage::SoundId sound, Object* object);
+    /// Keeps a stream alive and on the stage's clock until it is closed.
+    void watchStream(std::shared_ptr<NetStream> stream);
+    void unwatchStream(const NetStream& stream);
+    /// No stream plays into it any more.
+    void detachScreen(const stage::VideoNode& screen);
     void callHandler(Object* object, std::string_view handler, std::initializer_list<Value> args = {});
     Value utf8(std::string_view text);
     static std::string toUtf8(std::u16string_view text);

@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzFlv FuzzFlv.cpp LIBS zorvex_flash_video)

@@ -1,0 +1,79 @@
+#include "flash/avm1/Amf0.h"
+
+#include "flash/avm1/ArrayNative.h"
+#include "flash/avm1/Convert.h"
+
+#include "Machine.h"
+
+#include <gtest/gtest.h>
+
+namespace flash::avm1
+{
+namespace
+{
+
+using test::Machine;
+
+Value textValue(Machine& machine, std::string_view text)
+{
+    return Value(machine.vm.string(base::utf16FromUtf8(text)));
+}
+
+TEST(Amf0, WhatIsWrittenComesBack)
+{
+    Machine machine;
+    Vm& vm = machine.vm;
+    Root<Object> object(vm.heap(), vm.newLiteral());
+    const auto put = [&](std::string_view name, Value value) { object->put(vm, vm.name(name), value); };
+    put("number", Value(-1.5));
+    put("flag", Value(true));
+    put("text", textValue(machine, "Имя"));
+    put("long", textValue(machine, std::string(70'000, 'x')));
+    put("nothing", Value::null());
+    const Value elements[] = {Value(1), Value(2)};
+    put("list", Value(vm.newArray(elements)));
+    put("self", Value(object.get()));
+    Amf0Writer writer(vm);
+    writer.value(Value(object.get()));
+
+    Amf0Reader reader(vm, writer.bytes());
+    const auto read = reader.value();
+    ASSERT_TRUE(read) << read.error().what;
+    EXPECT_TRUE(reader.atEnd());
+    Object* copy = read->asObject();
+    ASSERT_NE(copy, nullptr);
+    const auto get = [&](std::string_view name) { return copy->get(vm, vm.name(name)); };
+    EXPECT_EQ(get("number").number(), -1.5);
+    EXPECT_TRUE(get("flag").boolean());
+    EXPECT_EQ(toText(vm, get("text")), u"Имя");
+    EXPECT_EQ(toText(vm, get("long")).size(), 70'000U);
+    EXPECT_TRUE(get("nothing").isNull());
+    ASSERT_NE(get("list").asObject()->native<ArrayNative>(), nullptr);
+    EXPECT_EQ(get("list").asObject()->native<ArrayNative>()->length(), 2);
+    EXPECT_EQ(get("self").asObject(), copy) << "a circle stays one";
+}
+
+TEST(Amf0, DamageIsAnErrorAndNeverMore)
+{
+    Machine machine;
+    Vm& vm = machine.vm;
+    Root<Object> object(vm.heap(), vm.newLiteral());
+    const Value elements[] = {Value(1), textValue(machine, "two")};
+    object->put(vm, vm.name(std::string_view("list")), Value(vm.newArray(elements)));
+    Amf0Writer writer(vm);
+    writer.value(Value(object.get()));
+    const std::vector<std::uint8_t> whole = writer.bytes();
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_FALSE(Amf0Reader(vm, base::Bytes(whole).first(size)).value()) << size;
+    // A list that is said to hold four thousand million elements; objects nested without end.
+    const std::vector<std::uint8_t> endless = {10, 0xFF, 0xFF, 0xFF, 0xFF, 5};
+    EXPECT_FALSE(Amf0Reader(vm, endless).value());
+    std::vector<std::uint8_t> nested;
+    for (int i = 0; i < 100'000; ++i) nested.insert(nested.end(), {3, 0, 1, 'a'});
+    EXPECT_FALSE(Amf0Reader(vm, nested).value());
+    const std::vector<std::uint8_t> unknown = {99};
+    EXPECT_FALSE(Amf0Reader(vm, unknown).value());
+}
+
+} // namespace
+} // namespace flash::avm1
