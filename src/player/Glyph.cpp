@@ -131,14 +131,13 @@ void paintMark(QPainter& painter, const QRectF& square)
     painter.scale(square.width() / kGrid, square.height() / kGrid);
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(kBlue));
-    painter.drawRoundedRect(QRectF(1, 1, 22, 22), 5, 5);
+    painter.drawRoundedRect(QRectF(1, 1, 22, 22), 5.5, 5.5);
+    // As in assets/icons/mark.svg.
+    constexpr QPointF kTriangle[] = {{7.5, 4.1},  {17.6, 10},  {12.9, 15}, {16.4, 15},
+                                     {7.5, 19.9}, {7.5, 16.7}, {13, 9.8},  {7.5, 9.8}};
     painter.setBrush(QColor(kIce));
-    painter.drawPath(triangle(6.5, 3.5, 21, 20.5));
-    QPainterPath letter({8.4, 9});
-    letter.lineTo(13.6, 9);
-    letter.lineTo(8.9, 15);
-    letter.lineTo(14.1, 15);
-    painter.strokePath(letter, QPen(QColor(kBlue), 2, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+    painter.setPen(QPen(QColor(kIce), 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolygon(kTriangle, std::size(kTriangle));
     painter.restore();
 }
 

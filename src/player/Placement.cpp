@@ -4,7 +4,9 @@
 #include "player/Player.h"
 #include "player/WindowFlags.h"
 
+#include <QCoreApplication>
 #include <QLayout>
+#include <QResizeEvent>
 #include <QScreen>
 
 #include <algorithm>
@@ -44,7 +46,13 @@ void Placement::ZoomFlash(int percent, quint8 repeats)
     const int menuHeight = menuBar.isVisibleTo(&m_player) ? menuBar.sizeHint().height() : 0;
     QMargins borders(0, menuHeight, 0, ControlBar::kHeight);
     if (m_player.skinWindow().isShown()) {
-        // The skin has said where the movie lies; what is left around it stays as it is.
+        // The skin has said where the movie lies; what is left around it stays as it is. A window that is not
+        // shown yet puts its layout off, and with it the skin's.
+        if (!m_player.isVisible()) {
+            QResizeEvent resized(m_player.size(), m_player.size());
+            QCoreApplication::sendEvent(&m_player, &resized);
+            m_player.skinWindow().clientResized();
+        }
         const QSize around = m_player.size() - m_player.movieScreen().widget().size();
         borders = QMargins(0, 0, around.width(), around.height());
     }

@@ -15,6 +15,7 @@
 #include <QDesktopServices>
 #include <QDialog>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
@@ -213,6 +214,15 @@ void Player::ShowPopUp()
     m_menus.setChecked("mnuPopLQ", control().Quality() == 0);
     m_menus.item("mnuPopPlay").setText(m_menus.item("mnuPlay").text());
     m_menus.popUp().popup(QCursor::pos());
+}
+
+void Player::ShowMenu()
+{
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setStyleSheet(m_menus.popUp().styleSheet());
+    menu->addActions(m_menus.bar().actions());
+    menu->popup(QCursor::pos());
 }
 
 void Player::ShowDialog(QDialog& dialog)

@@ -52,6 +52,8 @@ class Player : public QWidget,
     Q_PROPERTY(int Volume READ Volume)
     Q_PROPERTY(bool Muted READ Muted)
     Q_PROPERTY(bool HasMovie READ HasMovie)
+    Q_PROPERTY(int PointerX READ PointerX)
+    Q_PROPERTY(int PointerY READ PointerY)
 public:
     /// @param application outlives the window
     /// @param commandLine the arguments as one text, quotes included; may be empty
@@ -122,10 +124,15 @@ public:
     Q_INVOKABLE void MoveObject(QObject* control);
     Q_INVOKABLE void ToggleMenu() { m_placement.ToggleMenu(); }
     Q_INVOKABLE void ShowPopUp();
+    /// Shows the menus of the menu bar as one menu at the pointer, for a window without the bar.
+    Q_INVOKABLE void ShowMenu();
     void ShowDialog(QDialog& dialog) override;
     void setMinimumWindowSize(QSize pixels) { m_placement.setMinimumSize(pixels); }
     [[nodiscard]] int ScaleWidth() const { return m_client->width(); }
     [[nodiscard]] int ScaleHeight() const { return m_client->height(); }
+    /// Where the pointer is, in pixels from the inner area's corner; it may be outside of the window.
+    [[nodiscard]] int PointerX() const { return m_client->mapFromGlobal(QCursor::pos()).x(); }
+    [[nodiscard]] int PointerY() const { return m_client->mapFromGlobal(QCursor::pos()).y(); }
     [[nodiscard]] double Left() const { return x() * kTwipsPerPixel; }
     [[nodiscard]] double Top() const { return y() * kTwipsPerPixel; }
     [[nodiscard]] double Width() const { return frameGeometry().width() * kTwipsPerPixel; }

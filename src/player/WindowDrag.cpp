@@ -12,18 +12,32 @@ namespace
 
 bool isHeld() { return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton); }
 
+constexpr int kClickPixels = 3; ///< what a hand moves while it clicks
+
 } // namespace
+
+bool WindowDrag::begins()
+{
+    const bool first = !m_pressed;
+    m_pressed = isHeld();
+    if (!m_pressed) return false;
+    if (first) m_start = QCursor::pos();
+    if ((QCursor::pos() - m_start).manhattanLength() <= kClickPixels) return false;
+    // The window system may keep the release for itself.
+    m_pressed = false;
+    return true;
+}
 
 void WindowDrag::moveWindow(QWidget& window)
 {
-    if (!isHeld() || m_widget || window.isFullScreen()) return;
+    if (m_widget || window.isFullScreen() || !begins()) return;
     if (window.windowHandle() != nullptr && window.windowHandle()->startSystemMove()) return;
     if (!window.isMaximized()) follow(window, Mode::Move);
 }
 
 void WindowDrag::resizeWindow(QWidget& window)
 {
-    if (!isHeld() || m_widget || window.isFullScreen()) return;
+    if (m_widget || window.isFullScreen() || !begins()) return;
     if (window.windowHandle() != nullptr &&
         window.windowHandle()->startSystemResize(Qt::BottomEdge | Qt::RightEdge))
         return;
@@ -32,14 +46,13 @@ void WindowDrag::resizeWindow(QWidget& window)
 
 void WindowDrag::moveObject(QWidget& object)
 {
-    if (isHeld() && !m_widget) follow(object, Mode::Move);
+    if (!m_widget && begins()) follow(object, Mode::Move);
 }
 
 void WindowDrag::follow(QWidget& widget, Mode mode)
 {
     m_widget = &widget;
     m_mode = mode;
-    m_start = QCursor::pos();
     m_geometry = widget.geometry();
     qApp->installEventFilter(this);
 }

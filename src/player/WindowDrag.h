@@ -18,8 +18,9 @@ class WindowDrag : public QObject
 public:
     using QObject::QObject;
 
-    /// Begin at the press of the left button or while it is held, and do nothing otherwise: the same
-    /// statement is run at the release as well.
+    /// Called at the press of the left button, at every move and at the release, as a skin's statement is.
+    /// The drag begins when the pointer has gone a little way with the button held, so that clicks and double
+    /// clicks stay what they are.
     void moveWindow(QWidget& window);
     /// From the lower right corner.
     void resizeWindow(QWidget& window);
@@ -31,10 +32,12 @@ protected:
 private:
     enum class Mode { Move, Resize };
     void follow(QWidget& widget, Mode mode);
+    [[nodiscard]] bool begins();
 
     QPointer<QWidget> m_widget;
     Mode m_mode = Mode::Move;
-    QPoint m_start; ///< global
+    bool m_pressed = false;
+    QPoint m_start; ///< of the press, global
     QRect m_geometry;
 };
 

@@ -199,16 +199,25 @@ const void* QtDispatch::layout() const { return m_class; }
 
 std::optional<Dispatch::MemberId> QtDispatch::memberId(std::u16string_view name) const
 {
+    // A name as it is written in the class goes before one that differs in case only: a window's own
+    // FullScreen is not the toolkit's fullScreen.
     const QString wanted = text(name);
+    if (const auto exact = memberId(wanted, Qt::CaseSensitive)) return exact;
+    return memberId(wanted, Qt::CaseInsensitive);
+}
+
+std::optional<Dispatch::MemberId> QtDispatch::memberId(const QString& wanted,
+                                                       Qt::CaseSensitivity letters) const
+{
     for (int i = m_class->propertyCount() - 1; i >= 0; --i) {
-        if (wanted.compare(QLatin1String(m_class->property(i).name()), Qt::CaseInsensitive) == 0) {
+        if (wanted.compare(QLatin1String(m_class->property(i).name()), letters) == 0) {
             return i * kIdsPerMember + 1;
         }
     }
     // The latest method of that name; call() looks for the one that takes the given arguments.
     for (int i = m_class->methodCount() - 1; i >= 0; --i) {
         const QMetaMethod method = m_class->method(i);
-        if (isCallable(method) && wanted.compare(QLatin1String(method.name()), Qt::CaseInsensitive) == 0) {
+        if (isCallable(method) && wanted.compare(QLatin1String(method.name()), letters) == 0) {
             return i * kIdsPerMember + 2;
         }
     }

@@ -33,6 +33,7 @@ public:
     [[nodiscard]] QObject* object() const { return m_object; }
 
 private:
+    [[nodiscard]] std::optional<MemberId> memberId(const QString& wanted, Qt::CaseSensitivity letters) const;
     Result<Value> call(int locale, const QByteArray& name, Arguments arguments);
 
     QPointer<QObject> m_object;

@@ -27,7 +27,8 @@ public:
         const auto add = [&](const char* name) {
             if (*name < 'A' || *name > 'Z') return;
             const QString key = QString::fromLatin1(name).toLower();
-            if (const auto id = plain->memberId(key.toStdU16String())) ids.insert(key, *id);
+            if (const auto id = plain->memberId(QString::fromLatin1(name).toStdU16String()))
+                ids.insert(key, *id);
         };
         const QMetaObject& type = *example->metaObject();
         for (int i = 0; i < type.propertyCount(); ++i) add(type.property(i).name());

@@ -155,6 +155,7 @@ TEST_F(SkinnedWindow, TakesTheShapeOfItsSkinWithoutTheMenuBar)
             skinOf("<SUBVIEW name='m' width='50' height='40' image='m.bmp' windowMask='#FF00FF'/>"), kScript);
     Player player(application, {});
     player.Form_Load();
+    player.ToggleMenu();
     EXPECT_TRUE(player.mask().isEmpty()) << "with the menu bar the window is a rectangle";
     player.ToggleMenu();
     EXPECT_TRUE(player.windowFlags().testFlag(Qt::FramelessWindowHint));
@@ -369,7 +370,7 @@ TEST_F(PlayerWindow, RemembersFromRunToRun)
         EXPECT_EQ(player.control().ScaleMode(), 1);
         EXPECT_FALSE(player.control().Loop());
         EXPECT_FALSE(player.menus().isChecked("mnuLoop"));
-        EXPECT_FALSE(player.menus().bar().isVisibleTo(&player));
+        EXPECT_TRUE(player.menus().bar().isVisibleTo(&player));
         EXPECT_EQ(player.control().masterVolume(), 0.4);
         EXPECT_EQ(player.status().timeMode(), 1);
         EXPECT_TRUE(player.menus().item("mnuMRU1").isVisible());

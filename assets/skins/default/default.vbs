@@ -1,0 +1,242 @@
+' The script of the player's own skin.
+Option Explicit
+
+Const BarHeight = 64
+Const KnobWidth = 12
+' Ticks of the information event, about three a second, that the bar of the full screen stays for.
+Const FullBarTicks = 9
+
+Dim X, Y                ' where the pointer is, set before every onDrag
+Dim normalSet, fullSet  ' the controls of the two views
+Dim ticksLeft           ' of the full screen's bar
+
+' The same controls stand in both views.
+Class ControlSet
+    Public Play, Pause, Mute, Unmute
+    Public Info
+    Public SeekTrack, SeekFill, SeekKnob
+    Public VolumeTrack, VolumeFill, VolumeKnob
+End Class
+
+Sub onLoad
+    Dim slate, steel, blue, edge
+    slate = RGB(34, 51, 73)
+    steel = RGB(52, 80, 111)
+    blue = RGB(73, 116, 186)
+    edge = RGB(61, 76, 95)
+
+    head.BackColor = slate
+    bar.BackColor = slate
+    seekTrack.BackColor = steel
+    volumeTrack.BackColor = steel
+    fullSeekTrack.BackColor = steel
+    fullVolumeTrack.BackColor = steel
+    seekFill.BackColor = blue
+    volumeFill.BackColor = blue
+    fullSeekFill.BackColor = blue
+    fullVolumeFill.BackColor = blue
+    edgeHead.BackColor = edge
+    edgeBar.BackColor = edge
+    edgeTop.BackColor = steel
+    edgeLeft.BackColor = steel
+    edgeRight.BackColor = steel
+    edgeBottom.BackColor = steel
+    infoText.ToolTipText = "Щелчок: другое время или кадры"
+    fullInfo.ToolTipText = infoText.ToolTipText
+
+    Set normalSet = New ControlSet
+    With normalSet
+        Set .Play = btnPlay : Set .Pause = btnPause : Set .Mute = btnMute : Set .Unmute = btnUnmute
+        Set .Info = infoText
+        Set .SeekTrack = seekTrack : Set .SeekFill = seekFill : Set .SeekKnob = seekKnob
+        Set .VolumeTrack = volumeTrack : Set .VolumeFill = volumeFill : Set .VolumeKnob = volumeKnob
+    End With
+    Set fullSet = New ControlSet
+    With fullSet
+        Set .Play = fullPlay : Set .Pause = fullPause : Set .Mute = fullMute : Set .Unmute = fullUnmute
+        Set .Info = fullInfo
+        Set .SeekTrack = fullSeekTrack : Set .SeekFill = fullSeekFill : Set .SeekKnob = fullSeekKnob
+        Set .VolumeTrack = fullVolumeTrack : Set .VolumeFill = fullVolumeFill : Set .VolumeKnob = fullVolumeKnob
+    End With
+    ticksLeft = FullBarTicks
+End Sub
+
+' ---- what positions ask
+
+' With the menu bar the window has the system's own title.
+Function HeadHeight
+    If Player.mnuMenuBar.Checked Then HeadHeight = 0 Else HeadHeight = 34
+End Function
+
+' A narrow window shows the time without its words.
+Function TimeWidth
+    If Player.ScaleWidth < 480 Then TimeWidth = 56 Else TimeWidth = 190
+End Function
+
+' ---- layout
+
+Sub PlaceNormal
+    Dim width, right, left
+    width = Player.ScaleWidth
+    head.Visible = HeadHeight > 0
+    edgeHead.Visible = HeadHeight > 0
+    SWF.Move 1, HeadHeight, width - 2, Player.ScaleHeight - BarHeight - HeadHeight
+
+    ' From the right; what there is no room for stands in the menu as well.
+    right = btnFull.Left - 8
+    right = PlaceRight(btnInfo, width >= 574, right, 4)
+    right = PlaceRight(btnBrowse, width >= 542, right, 4)
+    right = PlaceRight(btnOpen, width >= 380, right, 8)
+    right = PlaceRight(volumeArea, width >= 510, right, 0)
+    volumeTrack.Visible = volumeArea.Visible
+    volumeFill.Visible = volumeArea.Visible
+    volumeKnob.Visible = volumeArea.Visible
+    volumeTrack.Left = volumeArea.Left + KnobWidth / 2
+    volumeFill.Left = volumeTrack.Left
+    right = PlaceRight(btnMute, btnMute.Visible, right, 8)
+    If btnMute.Visible Then
+        btnUnmute.Left = btnMute.Left
+    Else
+        right = PlaceRight(btnUnmute, True, right, 8)
+        btnMute.Left = btnUnmute.Left
+    End If
+
+    left = 144
+    btnLoop.Visible = width >= 430 And Not Player.mnuLoop.Checked
+    btnLoopOn.Visible = width >= 430 And Player.mnuLoop.Checked
+    If width >= 430 Then left = 180
+    stateText.Move left, 36, right - left, 20
+    ShowNormal
+End Sub
+
+' Puts an element left of a place, or hides it. The result is where the next one ends.
+Function PlaceRight(element, wanted, right, gap)
+    element.Visible = wanted
+    If Not wanted Then
+        PlaceRight = right
+        Exit Function
+    End If
+    element.Left = right - element.Width
+    PlaceRight = element.Left - gap
+End Function
+
+Sub PlaceFull
+    ShowFull
+End Sub
+
+' ---- what is shown
+
+Sub ShowNormal
+    Dim zoomed
+    zoomed = Player.WindowState = 2
+    btnZoom.Visible = Not zoomed
+    btnRestore.Visible = zoomed
+    btnGrip.Visible = Not zoomed
+    If Player.ScaleWidth >= 430 Then
+        btnLoop.Visible = Not Player.mnuLoop.Checked
+        btnLoopOn.Visible = Player.mnuLoop.Checked
+    End If
+    headTitle.Caption = Player.Caption
+    stateText.Caption = Player.StatusText
+    ShowControls normalSet, Player.ScaleWidth < 480
+    If Not volumeArea.Visible Then volumeKnob.Visible = False
+End Sub
+
+Sub ShowFull
+    Dim near
+    near = Player.ScaleHeight - Player.PointerY
+    If near <= fullBar.Height * 2 And near > 0 Then ticksLeft = FullBarTicks
+    If ticksLeft > 0 Then ticksLeft = ticksLeft - 1
+    fullBar.Visible = ticksLeft > 0 Or Not Player.HasMovie
+    If fullBar.Visible Then ShowControls fullSet, False
+End Sub
+
+Sub ShowControls(controls, narrow)
+    Dim text, at
+    With controls
+        .Play.Visible = Not SWF.Playing
+        .Pause.Visible = SWF.Playing
+        .Mute.Visible = Not Player.Muted
+        .Unmute.Visible = Player.Muted
+
+        text = Player.InfoText
+        at = InStr(text, ": ")
+        If narrow And at > 0 Then text = Mid(text, at + 2)
+        .Info.Caption = text
+
+        If SWF.TotalFrames > 1 Then
+            ShowSlider .SeekTrack, .SeekFill, .SeekKnob, SWF.FrameNum / (SWF.TotalFrames - 1)
+        Else
+            ShowSlider .SeekTrack, .SeekFill, .SeekKnob, 0
+        End If
+        .SeekKnob.Visible = SWF.TotalFrames > 1
+        ShowSlider .VolumeTrack, .VolumeFill, .VolumeKnob, Player.Volume / 100
+    End With
+End Sub
+
+' share: 0 to 1
+Sub ShowSlider(track, fill, knob, share)
+    fill.Width = track.Width * share
+    knob.Left = track.Left + fill.Width - KnobWidth / 2
+End Sub
+
+' ---- what is done
+
+Sub PlayPause
+    PlayPauseMedia
+    ShowNow
+End Sub
+
+Sub StopNow
+    StopMedia
+    ShowNow
+End Sub
+
+Sub StepBy(frames)
+    If frames < 0 Then Player.mnuRwd.Click Else Player.mnuFFwd.Click
+    ShowNow
+End Sub
+
+Sub ToggleLoop
+    Player.mnuLoop.Click
+    ShowNow
+End Sub
+
+Sub ToggleMute
+    MuteSound Not Player.Muted
+    ShowNow
+End Sub
+
+Sub NextTimeMode
+    ToggleTimeMode
+    ShowNow
+End Sub
+
+' The place of the pointer within a slider's area, 0 to 1. The knob's middle is what follows the pointer.
+Function PointerShare(area)
+    PointerShare = (X - KnobWidth / 2) / (area.Width - KnobWidth)
+    If PointerShare < 0 Then PointerShare = 0
+    If PointerShare > 1 Then PointerShare = 1
+End Function
+
+Sub SeekBy(area)
+    Dim playing, frame
+    If SWF.TotalFrames < 2 Then Exit Sub
+    playing = SWF.Playing
+    frame = Round(PointerShare(area) * (SWF.TotalFrames - 1))
+    If frame <> SWF.FrameNum Then SWF.GotoFrame frame
+    If playing Then PlayMedia
+    ShowNow
+End Sub
+
+Sub VolumeBy(area)
+    Dim wanted
+    wanted = Round(PointerShare(area) * 100)
+    If Player.Muted Then MuteSound False
+    If wanted <> Player.Volume Then SetSound wanted, 0
+    ShowNow
+End Sub
+
+Sub ShowNow
+    If Player.mnuFullScreen.Checked Then ShowFull Else ShowNormal
+End Sub
