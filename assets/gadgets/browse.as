@@ -51,10 +51,10 @@ function chooseFolder() { send("MEOWBROWSE"); }
 
 var up = glyphPlate(EDGE, 8, "parent", goUp);
 if (isRoot) disable(up, up.glyph);
-setFitted(label(this, 48, 12, WIDE - 48 - 148, 22, 13, ICE), folder);
-var choose = plate(this, WIDE - EDGE - 120, 8, 120, 28, BLUE, 100, chooseFolder);
+setFitted(label(this, 48, 12, WIDE - 48 - 184, 22, 13, ICE), folder);
+var choose = plate(this, WIDE - EDGE - 156, 8, 156, 28, BLUE, 100, chooseFolder);
 picture(choose, "open", 8, 4, 20);
-setText(label(choose, 34, 5, 82, 20, 12, WHITE), "Папка…");
+setText(label(choose, 36, 5, 116, 20, 12, WHITE), "Выбрать папку…");
 
 // --- The status line
 
@@ -72,7 +72,7 @@ var turnLast = glyphPlate(WIDE - EDGE - 28, HIGH - BAR + 8, "last", turnTo("MEOW
 if (page == 1) { disable(turnFirst, turnFirst.glyph); disable(turnBack, turnBack.glyph); }
 if (page == pages) { disable(turnNext, turnNext.glyph); disable(turnLast, turnLast.glyph); }
 var count = label(this, WIDE - EDGE - 198, HIGH - BAR + 13, 136, 20, 11, ICE);
-setText(count, "Страница " + page + " из " + pages);
+setText(count, pages < 1000 ? "Страница " + page + " из " + pages : page + " / " + pages);
 count._x += Math.round((136 - count.textWidth - 4) / 2);
 
 // --- The slots
@@ -131,8 +131,8 @@ function showSlot(slot, name, kind) {
     loader.loadClip(shotOf(slot, name), shot);
   }
   var left = isFolder ? PAD : PAD + 20;
-  var field = label(button, left - 2, SLOT_HIGH - PAD - 21, SLOT_WIDE - PAD - left + 4, 20, 12, ICE);
-  setFitted(field, caption, isParent ? 0 : tailOf(caption));
+  var field = label(button, left - 2, SLOT_HIGH - PAD - 21, SLOT_WIDE - PAD - left + 2, 20, 12, ICE);
+  setFitted(field, caption, isFolder ? 0 : tailOf(caption));
   if (isFolder) field._x = Math.round((SLOT_WIDE - field.textWidth - 4) / 2);
   // The whole name, for it may not have had room.
   button.onPointed = function(on) { setFitted(status, on && !isParent ? caption : statusText, tailOf(caption)); };
@@ -188,7 +188,7 @@ function onPageKey(code) {
   case Key.PGUP: turn(-1); return true;
   case Key.HOME: if (turnFirst.enabled) turnFirst.run(); return true;
   case Key.END: if (turnLast.enabled) turnLast.run(); return true;
-  case Key.BACKSPACE: if (chosenAnew()) goUp(); return true;
+  case Key.BACKSPACE: if (chosenAnew(code)) goUp(); return true;
   }
   return false;
 }

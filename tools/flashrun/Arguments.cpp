@@ -16,6 +16,8 @@ const char* const kHelp =
       --frames N       end after frame N (frame 1 is shown at time 0)
       --ms T           end when T milliseconds of the movie's time have passed
                        (neither given: --frames 1)
+      --fscommands S   show prints the movie's commands among its traces, as
+                       fscommand: NAME ARGUMENT; hide is the default
   flashrun render MOVIE --frame N --out FILE.png [options]
   flashrun render MOVIE --frames A-B --out FOLDER [options]
                        writes pictures; a series is named frame0001.png and so on
@@ -120,6 +122,11 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
         arguments.baseFolder = value;
     } else if (option == "--date") {
         arguments.dateMs = TRY_RESULT(localDate(value));
+    } else if (option == "--fscommands" && arguments.command == Command::Trace) {
+        if (value != "show" && value != "hide")
+            return base::fail(base::ErrorCode::Malformed,
+                              "--fscommands is show or hide, not \"" + value + "\"");
+        arguments.showCommands = value == "show";
     } else if (option == "--input") {
         arguments.input = value;
     } else {

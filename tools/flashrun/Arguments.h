@@ -20,6 +20,7 @@ struct Arguments {
     std::optional<double> ms;
     int firstFrame = 0, lastFrame = 0; ///< of render, from 1; the same for one picture
     bool series = false;               ///< `out` is a folder
+    bool showCommands = false;
     std::filesystem::path out, baseFolder, input;
     double scale = 1;
     int size = 256;     ///< of a thumbnail: the longer side, pixels

@@ -36,7 +36,10 @@ class Host : public flash::stage::HostEvents
 public:
     enum class Traces { Printed, Dropped };
     enum class Quit { EndsTheRun, Ignored };
-    Host(Traces traces, Quit quit) : m_traces(traces), m_quit(quit) {}
+    enum class Commands { Shown, Hidden };
+    Host(Traces traces, Quit quit, Commands commands) : m_traces(traces), m_quit(quit), m_commands(commands)
+    {
+    }
 
     void traceLine(std::string_view text) override
     {
@@ -49,8 +52,10 @@ public:
         if (std::getenv("FLASHRUN_LOG") == nullptr) return;
         std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
     }
-    void fsCommand(std::string_view command, std::string_view) override
+    void fsCommand(std::string_view command, std::string_view argument) override
     {
+        if (m_commands == Commands::Shown)
+            traceLine("fscommand: " + std::string(command) + ' ' + std::string(argument));
         if (m_quit == Quit::Ignored || !isQuit(command)) return;
         // At once: what the script says after it is not heard.
         std::fflush(stdout);
@@ -64,6 +69,7 @@ public:
 private:
     Traces m_traces;
     Quit m_quit;
+    Commands m_commands;
 };
 
 /// A movie that is played frame by frame, with input.
@@ -136,7 +142,8 @@ std::filesystem::path pictureName(const Arguments& arguments, int frame)
 
 base::Result<void> trace(const Arguments& arguments)
 {
-    Host host(Host::Traces::Printed, Host::Quit::EndsTheRun);
+    Host host(Host::Traces::Printed, Host::Quit::EndsTheRun,
+              arguments.showCommands ? Host::Commands::Shown : Host::Commands::Hidden);
     Player player(arguments, host);
     CHECK_RESULT(player.open(arguments));
     if (arguments.ms) {
@@ -164,7 +171,7 @@ base::Result<void> render(const Arguments& arguments)
             return base::fail(base::ErrorCode::IoFailure, arguments.out.string() + ": " + error.message());
     }
     // A movie that ends itself is drawn as it was: the pictures were asked for.
-    Host host(Host::Traces::Dropped, Host::Quit::Ignored);
+    Host host(Host::Traces::Dropped, Host::Quit::Ignored, Host::Commands::Hidden);
     Player player(arguments, host);
     CHECK_RESULT(player.open(arguments));
     for (int frame = 1; frame <= arguments.lastFrame; ++frame) {

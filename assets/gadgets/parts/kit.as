@@ -100,16 +100,18 @@ function label(parent, x, y, w, h, size, color, font) {
   var field = parent[name];
   field.embedFonts = true;
   field.selectable = false;
-  field.setNewTextFormat(new TextFormat(font == undefined ? SANS : font, size, color));
+  field.font = font == undefined ? SANS : font;
+  field.setNewTextFormat(new TextFormat(field.font, size, color));
   return field;
 }
 
 // Letters that the page does not bring come from the machine.
 function setText(field, text) {
-  if (!isCovered(text)) {
+  var embedded = isCovered(text);
+  if (embedded != field.embedFonts) {
     var format = field.getNewTextFormat();
-    format.font = "_sans";
-    field.embedFonts = false;
+    format.font = embedded ? field.font : "_sans";
+    field.embedFonts = embedded;
     field.setNewTextFormat(format);
   }
   field.text = text;
@@ -230,11 +232,12 @@ function middleOf(button) {
 }
 
 var REPEAT_MS = 250; // a key that is held comes again sooner than this
-var lastChosen = -REPEAT_MS;
+var lastKey = 0, lastTime = 0;
 
-function chosenAnew() {
-  var now = getTimer(), anew = now - lastChosen >= REPEAT_MS;
-  lastChosen = now;
+function chosenAnew(key) {
+  var now = getTimer(), anew = key != lastKey || now - lastTime >= REPEAT_MS;
+  lastKey = key;
+  lastTime = now;
   return anew;
 }
 
@@ -251,7 +254,7 @@ keyboard.onKeyDown = function() {
   case Key.DOWN: focusTowards(0, 1); break;
   case Key.ENTER:
   case Key.SPACE:
-    if (!chosenAnew()) break;
+    if (!chosenAnew(code)) break;
     if (focused != null) focused.run();
     else if (code == Key.ENTER && primary != null) primary.run();
   }

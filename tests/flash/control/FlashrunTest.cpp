@@ -46,6 +46,7 @@ TEST(Flashrun, TellsWrongUsageAndUnplayableMoviesApart)
         {"no movie", {"trace"}, 2},
         {"option without value", {"trace", movie, "--frames"}, 2},
         {"option of another command", {"trace", movie, "--out", picture}, 2},
+        {"word that the option does not know", {"trace", movie, "--fscommands", "yes"}, 2},
         {"no number", {"trace", movie, "--frames", "ten"}, 2},
         {"render without a frame", {"render", movie, "--out", picture}, 2},
         {"help", {"--help"}, 0},
