@@ -120,8 +120,7 @@ function showSlot(slot, name, kind) {
   var icon = isParent ? "parent" : isFolder ? "folder" : kind == PROJECTOR ? "projector" : "movie";
   if (!isFolder) fillRound(button, PAD, PAD, SHOT_WIDE, SHOT_HIGH, 3, INK);
   var kindIcon = picture(button, icon, PAD + (SHOT_WIDE - 48) / 2, PAD + (SHOT_HIGH - 48) / 2, 48);
-  kindIcon._alpha = isFolder ? 100 : 35;
-  if (isFolder) tint(kindIcon, SKY);
+  tint(kindIcon, isFolder ? SKY : PALE_ON_INK);
   button.kindIcon = kindIcon;
   var caption = isParent ? "На уровень выше" : oneLine(name);
   if (!isFolder) {

@@ -8,10 +8,12 @@ var CARD_WIDE = (WIDE - GAP) / 2, CARD_HIGH = 68;
 
 var heading = child(this, "heading");
 var version = given(query.version), blank = version.lastIndexOf(" ");
+if (blank < 0) blank = version.length;
 picture(heading, "mark", MARGIN + 32, 80, 70);
-setFitted(label(heading, 120, 44, 480, 34, 24, ICE, BOLD), blank > 0 ? version.substr(0, blank) : "Zorvex", 0);
+setFitted(label(heading, 120, 44, 480, 34, 24, ICE, BOLD), blank > 0 ? version.substr(0, blank) : PRODUCT, 0);
 setText(label(heading, 120, 74, 480, 22, 13, ICE), "Проигрыватель фильмов Flash");
-if (version != "") setFitted(label(heading, 120, 94, 480, 20, 11, SKY), "Версия " + version.substr(blank + 1), 0);
+if (blank < version.length)
+  setFitted(label(heading, 120, 94, 480, 20, 11, SKY), "Версия " + version.substr(blank + 1), 0);
 
 // --- What went wrong
 
@@ -26,6 +28,8 @@ function showError(message, y) {
   panel._y = y;
   var words = label(panel, 52, 11, WIDE - 76, 20, 13, ICE);
   words.multiline = words.wordWrap = true;
+  words.selectable = true; // to be copied into a question to somebody
+  words.tabEnabled = false;
   var format = words.getNewTextFormat();
   format.leading = LEADING;
   words.setNewTextFormat(format);

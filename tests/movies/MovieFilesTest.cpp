@@ -10,16 +10,15 @@
 //   NAME.input     events for the movie, as flashrun's --input takes them
 
 #include "MovieChecker.h"
+#include "Tools.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -27,52 +26,10 @@
 namespace
 {
 
-struct Outcome {
-    int status = -1;
-    QByteArray out, err;
-};
-
-Outcome run(const QString& program, const QStringList& arguments, const QString& folder)
-{
-    QProcess process;
-    process.setWorkingDirectory(folder);
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("TZ", "UTC0");
-    process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    Outcome outcome;
-    constexpr int kTimeoutMs = 100'000;
-    if (!process.waitForFinished(kTimeoutMs)) {
-        process.kill();
-        outcome.err = "did not finish: " + process.errorString().toUtf8();
-        return outcome;
-    }
-    outcome.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    outcome.out = process.readAllStandardOutput();
-    outcome.err = process.readAllStandardError();
-    return outcome;
-}
-
-QByteArray fileBytes(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return file.readAll();
-}
+using namespace tools;
 
 // The system's own interpreter: the reader is one of its packages.
 constexpr const char* kPython = "/usr/bin/python3";
-
-QString tool(const char* name) { return QString(ZORVEX_TOOLS_DIR) + "/" + name; }
-
-/// Line ends and the very end of the text do not count.
-QByteArray comparable(QByteArray text)
-{
-    text.replace("\r\n", "\n");
-    text.replace('\r', '\n');
-    while (text.endsWith('\n')) text.chop(1);
-    return text;
-}
 
 class MovieFile : public testing::Test
 {
@@ -198,35 +155,9 @@ void MovieFile::checkPicture(const QString& movie, const QJsonObject& options,
     if (drawn.status != 0)
         faults.push_back("flashrun ended with " + std::to_string(drawn.status) + ": " +
                          drawn.err.toStdString());
-    const QImage expected = QImage(beside(".png")).convertToFormat(QImage::Format_RGB32);
-    const QImage found = QImage(picture).convertToFormat(QImage::Format_RGB32);
-    if (expected.isNull() || found.size() != expected.size()) {
-        faults.push_back("the picture's size is " + std::to_string(found.width()) + "x" +
-                         std::to_string(found.height()));
-        return;
-    }
-    const int tolerance = options["tolerance"].toInt(3), allowed = options["outliers"].toInt(0);
-    int outliers = 0, worst = 0;
-    QPoint where;
-    for (int y = 0; y < found.height(); ++y) {
-        for (int x = 0; x < found.width(); ++x) {
-            const QRgb a = expected.pixel(x, y), b = found.pixel(x, y);
-            const int difference = std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
-                                             std::abs(qBlue(a) - qBlue(b))});
-            if (difference > tolerance) ++outliers;
-            if (difference > worst) {
-                worst = difference;
-                where = {x, y};
-            }
-        }
-    }
-    if (outliers <= allowed) return;
-    const QString kept =
-        QDir::temp().filePath("movie-test-" + QFileInfo(m_source).completeBaseName() + ".png");
-    found.save(kept);
-    faults.push_back(std::to_string(outliers) + " pixels differ by more than " + std::to_string(tolerance) +
-                     ", the most at " + std::to_string(where.x()) + "," + std::to_string(where.y()) + " by " +
-                     std::to_string(worst) + "; see " + kept.toStdString());
+    const std::string difference =
+        differenceOf(picture, beside(".png"), options["tolerance"].toInt(3), options["outliers"].toInt(0));
+    if (!difference.empty()) faults.push_back(difference);
 }
 
 QStringList sources()

@@ -3,6 +3,9 @@
 
 var INK = 0x16202E, SLATE = 0x223349, STEEL = 0x34506F, BLUE = 0x4974BA, SKY = 0x7FA6E0, ICE = 0xEEEEFF;
 var RED = 0xD9534F, WHITE = 0xFFFFFF;
+// Glyphs of little weight, on ink and on slate: a glyph drawn transparently shows where its strokes cross.
+var PALE_ON_INK = 0x626877, PALE_ON_SLATE = 0x697489;
+var PRODUCT = "Zorvex"; // where the host does not say it
 var SANS = "DejaVu Sans", BOLD = "DejaVu Sans Bold";
 var QUICK = 150, CALM = 220; // milliseconds of a motion
 
@@ -183,7 +186,7 @@ function plate(parent, x, y, w, h, color, alpha, run) {
 function disable(button, glyph) {
   button.enabled = false;
   button.useHandCursor = false;
-  glyph._alpha = 35;
+  tint(glyph, PALE_ON_SLATE);
 }
 
 function focusOn(button) {
