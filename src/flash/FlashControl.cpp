@@ -289,17 +289,23 @@ bool FlashControl::LoadMovie(int layer, const QString& url)
             if (layer == 0) d->loaded(url);
             return;
         }
+        // Its first frame's scripts run before the movie is known to be loaded.
+        const QString before = d->host.movie();
+        if (layer == 0) d->host.setMovie(url);
         const auto opened = d->engine.openLevel(layer, url.toStdString());
         done = opened.has_value();
-        if (!opened)
+        if (!opened) {
             d->error = QString::fromStdString(opened.error().what);
-        else if (layer == 0)
+            d->host.setMovie(before);
+        } else if (layer == 0) {
             d->loaded(url);
+        }
     });
     return done;
 }
 
 QString FlashControl::Movie() const { return d->movie; }
+QString FlashControl::senderMovie() const { return d->host.sender(); }
 QString FlashControl::errorText() const { return d->error; }
 int FlashControl::ReadyState() const { return d->host.readyState(); }
 int FlashControl::FlashVersion() const { return kFlashVersion; }

@@ -88,6 +88,9 @@ public:
     /// What layer 0 was loaded from, as given; empty when nothing is loaded.
     [[nodiscard]] QString Movie() const;
     void setMovie(const QString& url) { LoadMovie(0, url); }
+    /// While a signal comes from a movie: what layer 0 held when the movie sent it, as Movie. Another movie
+    /// may have taken its place since, by an earlier command of the same script.
+    [[nodiscard]] QString senderMovie() const;
 
     /// Why the last LoadMovie failed, English, for the log.
     [[nodiscard]] QString errorText() const;

@@ -24,19 +24,23 @@ QString toText(std::string_view utf8)
 
 } // namespace
 
-void HostQueue::put(Message message)
+void HostQueue::put(std::function<void(FlashControl&)> tell)
 {
-    if (m_messages.size() < kMostMessages) m_messages.push_back(std::move(message));
+    if (m_messages.size() < kMostMessages) m_messages.push_back({std::move(tell), m_movie});
 }
 
 void HostQueue::deliver(FlashControl& control)
 {
     const QPointer<FlashControl> alive(&control);
     const auto messages = std::exchange(m_messages, {});
+    // A handler that loads another movie comes back to here with what that one says at once.
+    const QString outer = m_sender;
     for (const Message& message : messages) {
+        m_sender = message.movie;
+        message.tell(control);
         if (alive.isNull()) return;
-        message(control);
     }
+    m_sender = outer;
 }
 
 void HostQueue::fsCommand(std::string_view command, std::string_view arguments)

@@ -2,6 +2,8 @@
 
 #include "flash/stage/Services.h"
 
+#include <QString>
+
 #include <functional>
 #include <vector>
 
@@ -19,6 +21,11 @@ public:
     void setScriptWatch(std::function<bool()> watch) { m_watch = std::move(watch); }
     void setClipboardAllowed(bool allowed) { m_clipboardAllowed = allowed; }
     [[nodiscard]] int readyState() const { return m_readyState; }
+    /// What layer 0 holds from now on; messages that come keep it.
+    void setMovie(const QString& url) { m_movie = url; }
+    [[nodiscard]] const QString& movie() const { return m_movie; }
+    /// While a message is delivered: what layer 0 held when it was sent.
+    [[nodiscard]] const QString& sender() const { return m_sender; }
     /// Emits what has gathered as the control's signals. The control may be gone afterwards.
     void deliver(FlashControl& control);
 
@@ -34,11 +41,15 @@ public:
     bool endsScripts() override;
 
 private:
-    using Message = std::function<void(FlashControl&)>;
-    void put(Message message);
+    struct Message {
+        std::function<void(FlashControl&)> tell;
+        QString movie;
+    };
+    void put(std::function<void(FlashControl&)> tell);
 
     std::vector<Message> m_messages;
     std::function<bool()> m_timeout, m_watch;
+    QString m_movie, m_sender;
     int m_readyState = 0;
     bool m_clipboardAllowed = true;
 };

@@ -28,6 +28,7 @@ public:
     /// The place itself; scripts know it as SWF.
     [[nodiscard]] skin::SkinControl& widget() { return *m_widget; }
     [[nodiscard]] flash::FlashControl& control() { return *m_control; }
+    [[nodiscard]] const flash::FlashControl& control() const { return *m_control; }
     [[nodiscard]] WelcomePanel& welcome() { return *m_welcome; }
     /// Whether the control is shown, be it with a movie or a page.
     [[nodiscard]] bool showsControl() const;

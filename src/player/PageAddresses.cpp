@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QUrl>
 
 namespace player
 {
@@ -28,6 +29,14 @@ QString aboutPage(const core::Application& application, const QString& greetings
 QString soundPage(const QString& gadgetsPath, int volume, int pan)
 {
     return gadgetsPath + QString("sound.swf?volume=%1&pan=%2").arg(volume).arg(pan);
+}
+
+QString filePartOf(const QString& address)
+{
+    if (core::fileExists(address)) return address;
+    const qsizetype mark = address.lastIndexOf('?');
+    const QString file = mark < 0 ? address : address.left(mark);
+    return file.startsWith("file:", Qt::CaseInsensitive) ? QUrl(file).toLocalFile() : file;
 }
 
 bool liesWithin(const QString& file, const QString& folder)

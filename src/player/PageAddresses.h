@@ -24,6 +24,9 @@ QString aboutPage(const core::Application& application, const QString& greetings
 /// @param pan    -100..100
 QString soundPage(const QString& gadgetsPath, int volume, int pan);
 
+/// The file of an address that the Flash control was given: a path or file: address, maybe with a query.
+QString filePartOf(const QString& address);
+
 /// Whether a file lies in a folder or below it, links and ".." resolved. What does not exist lies nowhere.
 bool liesWithin(const QString& file, const QString& folder);
 

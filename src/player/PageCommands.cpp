@@ -21,7 +21,14 @@ void log(PageCommandHost& host, const QString& text)
 void open(PageCommandHost& host, const QString&) { host.OpenMedia(); }
 void help(PageCommandHost& host, const QString&) { host.openHelp(); }
 void update(PageCommandHost& host, const QString&) { host.WebUpdate(); }
-void select(PageCommandHost& host, const QString& path) { host.LoadFlash(path, {}); }
+
+void select(PageCommandHost& host, const QString& path)
+{
+    // Pages may do what movies may not; no movie is to put words into their mouths.
+    if (!host.isOwnPage() && host.isPageAddress(path))
+        return host.LogEvent("Not opened for a movie: " + core::HtmlEscape(path));
+    host.LoadFlash(path, {});
+}
 
 QString orBrowserFolder(const PageCommandHost& host, const QString& folder)
 {

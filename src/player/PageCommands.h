@@ -13,8 +13,10 @@ class PageCommandHost
 public:
     virtual ~PageCommandHost() = default;
     virtual void LogEvent(const QString& text) = 0;
-    /// Whether what plays is one of the program's own pages.
+    /// Whether the command comes from one of the program's own pages.
     [[nodiscard]] virtual bool isOwnPage() const = 0;
+    /// Whether a path, maybe with a query behind it, leads to one of them.
+    [[nodiscard]] virtual bool isPageAddress(const QString& path) const = 0;
 
     virtual void OpenMedia() = 0;
     virtual void openHelp() = 0;

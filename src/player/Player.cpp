@@ -3,16 +3,17 @@
 #include "core/Look.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
+#include "platform/Shell.h"
 #include "player/Cache.h"
 #include "player/ControlBar.h"
 #include "player/Glyph.h"
 #include "player/MenuCommands.h"
+#include "player/OutsideDialog.h"
 #include "player/PageAddresses.h"
 #include "player/Texts.h"
 #include "player/WelcomePanel.h"
 
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QDialog>
 #include <QKeyEvent>
 #include <QMenu>
@@ -54,7 +55,7 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
       m_placement(*this), m_drag(this), m_settings(application, *this),
       m_browser(application, *this, m_browserState), m_dialogs(application, *this),
-      m_lifecycle(application, *this, commandLine)
+      m_outside(outsideDoors(*this)), m_lifecycle(application, *this, commandLine)
 {
     buildWindow();
     connectBar();
@@ -120,10 +121,8 @@ void Player::connectControl()
     });
     connect(&control(), &flash::FlashControl::logged, this,
             [this](const QString& text) { logQuietly("Flash: " + core::HtmlEscape(text)); });
-    connect(&control(), &flash::FlashControl::urlRequested, this, [this](const QString& address) {
-        logQuietly("Address requested: " + core::HtmlEscape(address));
-        openOutside(address);
-    });
+    connect(&control(), &flash::FlashControl::urlRequested, this,
+            [this](const QString& address) { handled(texts::kPlacePage, [&] { openOutside(address); }); });
     control().setScriptTimeoutHandler([this] {
         return QMessageBox::question(this, core::kProductName, texts::kScriptIsSlow) == QMessageBox::Yes;
     });
@@ -300,20 +299,32 @@ void Player::mnuClearCache_Click()
 
 // ---- what lies outside
 
-void Player::openHelp()
+void Player::openHelp() { openKnown(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); }
+void Player::WebUpdate() { openKnown(QUrl(core::kUpdateAddress)); }
+
+void Player::openKnown(const QUrl& url)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt"));
+    if (platform::openWithSystem(url)) return;
+    QMessageBox::warning(this, core::kProductName,
+                         QString(texts::kNothingOpens).arg(url.toDisplayString(QUrl::PreferLocalFile)));
 }
 
-void Player::WebUpdate() { QDesktopServices::openUrl(QUrl(core::kUpdateAddress)); }
-
-void Player::openOutside(const QString& target)
+Outside::Sender Player::senderOfCommand() const
 {
-    const QUrl url(target);
-    // A movie may lead to a page, never to a program or a file.
-    if (url.scheme() == "http" || url.scheme() == "https" || url.scheme() == "mailto")
-        QDesktopServices::openUrl(url);
+    Outside::Sender sender;
+    sender.path = filePartOf(control().senderMovie());
+    sender.isOwnPage = liesWithin(sender.path, m_application.GadgetsPath);
+    // A projector's movie lies in the cache: the user knows the projector.
+    if (sender.path == mediaInfo().MoviePath) sender.path = mediaInfo().OriginalPath;
+    return sender;
 }
+
+bool Player::isPageAddress(const QString& path) const
+{
+    return liesWithin(filePartOf(path), m_application.GadgetsPath);
+}
+
+void Player::openOutside(const QString& target) { m_outside.open(target, senderOfCommand()); }
 
 // ---- settings
 

@@ -7,6 +7,7 @@
 #include "player/MediaDialogs.h"
 #include "player/Menus.h"
 #include "player/MovieScreen.h"
+#include "player/Outside.h"
 #include "player/PageCommands.h"
 #include "player/Placement.h"
 #include "player/Playback.h"
@@ -161,8 +162,9 @@ public:
     Q_INVOKABLE void BrowseMedia() { m_browser.BrowseMedia(); }
     Q_INVOKABLE void Properties() { m_browser.Properties(mediaInfo()); }
     void LogEvent(const QString& text) override { m_application.LogEvent(text); }
-    [[nodiscard]] bool isOwnPage() const override { return m_isOwnPage; }
+    [[nodiscard]] bool isOwnPage() const override { return senderOfCommand().isOwnPage; }
     void openHelp() override;
+    [[nodiscard]] bool isPageAddress(const QString& path) const override;
     void openOutside(const QString& target) override;
     [[nodiscard]] QString browserFolder() const override { return m_browserState.folder; }
     [[nodiscard]] int browserPage() const override { return m_browserState.page; }
@@ -203,6 +205,7 @@ public:
 
     // The parts
     [[nodiscard]] flash::FlashControl& control() { return m_movieScreen.control(); }
+    [[nodiscard]] const flash::FlashControl& control() const { return m_movieScreen.control(); }
     [[nodiscard]] MovieScreen& movieScreen() { return m_movieScreen; }
     [[nodiscard]] Menus& menus() { return m_menus; }
     [[nodiscard]] ControlBar& bar() { return *m_bar; }
@@ -232,6 +235,10 @@ private:
     void buildWindow();
     void connectBar();
     void connectControl();
+    /// Opens what the program itself names, and says so when the system has nothing for it.
+    void openKnown(const QUrl& url);
+    /// Whose command is being carried out.
+    [[nodiscard]] Outside::Sender senderOfCommand() const;
 
     core::Application& m_application;
     QWidget* m_client; ///< the inner area: what is left by menu bar and control bar
@@ -249,6 +256,7 @@ private:
     browser::BrowserState m_browserState;
     browser::MediaBrowser m_browser;
     MediaDialogs m_dialogs;
+    Outside m_outside;
     Lifecycle m_lifecycle;
     QString m_mediaTitle;
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages

@@ -68,6 +68,17 @@ inline constexpr const char* kTipTime          = "Щёлкните, чтобы �
 inline constexpr const char* kTypeMismatch     = "Несоответствие типа";
 inline constexpr const char* kBrowseFolder     = "Выберите папку для обзора медиа:";
 
+inline constexpr const char* kNothingOpens     = "Не нашлось программы, которая открывает:\n%1";
+inline constexpr const char* kOutsideTitle     = "Запрос ролика";
+inline constexpr const char* kOutsideAsks      = "Ролик «%1» просит открыть:";
+inline constexpr const char* kOutsideAdvice    = "Открывайте только то, чему доверяете.";
+inline constexpr const char* kOutsideOpen      = "Открыть";
+inline constexpr const char* kOutsideRefuse    = "Отказать";
+inline constexpr const char* kOutsideAlways    = "Всегда так для этого ролика (до выхода из программы)";
+inline constexpr const char* kOutsideRefused   = "Ролик «%1» просил открыть файл или адрес, который не открывают по "
+                                                 "просьбе ролика: программы и сценарии, чужие компьютеры, файлы, "
+                                                 "которых нет.";
+
 inline constexpr const char* kPlaceFormLoad    = "Загрузка окна";
 inline constexpr const char* kPlaceMenu        = "Выполнение команды меню";
 inline constexpr const char* kPlaceOpen        = "Открытие медиа";

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "player/OutsideTarget.h"
+
+#include <QHash>
+
+#include <functional>
+
+namespace player
+{
+
+/// Opens documents and addresses for movies. The program's own pages open without question; for any other
+/// movie the user decides, each time or for the movie until the program ends. Every decision is logged.
+class Outside
+{
+public:
+    enum class Answer { Open, Refuse, AlwaysOpen, AlwaysRefuse };
+    struct Question {
+        QString movie; ///< path of the movie that asks
+        QString target;
+    };
+    /// What the user, the system and the journal are asked through.
+    struct Doors {
+        std::function<Answer(const Question&)> ask;
+        /// @returns whether there was a program for it
+        std::function<bool(const QUrl&)> open;
+        /// Tells the user that something was not opened.
+        std::function<void(const Question&)> tellRefused;
+        std::function<void(const QString&)> log; ///< plain text
+    };
+    explicit Outside(Doors doors) : m_doors(std::move(doors)) {}
+
+    struct Sender {
+        QString path;           ///< of the movie's file
+        bool isOwnPage = false; ///< whether it lies in the folder of the program's pages
+    };
+    /// Requests that come while a question is open are dropped: no movie buries the user in windows.
+    void open(const QString& target, const Sender& sender);
+
+private:
+    [[nodiscard]] bool isAllowed(const OutsideTarget& target, const Sender& sender);
+    void refuse(const OutsideTarget& target, const Sender& sender);
+    void log(const QString& line);
+
+    Doors m_doors;
+    QHash<QString, bool> m_always;  ///< by the movie's path: whether it may
+    QHash<QString, QString> m_told; ///< by the movie's path: what the user was told last that it may not
+    QString m_lastLine;
+    bool m_isAsking = false;
+};
+
+} // namespace player

@@ -1,0 +1,71 @@
+#include "player/OutsideDialog.h"
+
+#include "platform/Shell.h"
+#include "player/Player.h"
+#include "player/Texts.h"
+
+#include <QCheckBox>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace player
+{
+namespace
+{
+
+/// Mark-up of its own, so that a movie's text is never taken for any; long names may break behind their
+/// separators.
+QString paragraph(const QString& text)
+{
+    constexpr qsizetype kMost = 600;
+    QString shown = text.size() > kMost ? text.left(kMost / 2) + "..." + text.right(kMost / 2) : text;
+    shown = shown.toHtmlEscaped();
+    for (const char* separator : {"/", "?", "="}) shown.replace(separator, QString(separator) + "&#8203;");
+    return "<p>" + shown + "</p>";
+}
+
+QString nameOf(const Outside::Question& question) { return QFileInfo(question.movie).fileName(); }
+
+Outside::Answer ask(Player& player, const Outside::Question& question)
+{
+    QMessageBox box(QMessageBox::Question, texts::kOutsideTitle,
+                    paragraph(QString(texts::kOutsideAsks).arg(nameOf(question))), QMessageBox::NoButton,
+                    &player);
+    box.setObjectName("frmOutside");
+    box.setTextFormat(Qt::RichText);
+    box.setInformativeText(paragraph(question.target) + paragraph(texts::kOutsideAdvice));
+    const QPushButton* open = box.addButton(texts::kOutsideOpen, QMessageBox::AcceptRole);
+    QPushButton* refuse = box.addButton(texts::kOutsideRefuse, QMessageBox::RejectRole);
+    box.setDefaultButton(refuse);
+    box.setEscapeButton(refuse);
+    auto* always = new QCheckBox(texts::kOutsideAlways, &box);
+    box.setCheckBox(always);
+    player.ShowDialog(box);
+    const bool allowed = box.clickedButton() == open && !player.hasEnded();
+    if (always->isChecked()) return allowed ? Outside::Answer::AlwaysOpen : Outside::Answer::AlwaysRefuse;
+    return allowed ? Outside::Answer::Open : Outside::Answer::Refuse;
+}
+
+void tellRefused(Player& player, const Outside::Question& question)
+{
+    QMessageBox box(QMessageBox::Warning, texts::kOutsideTitle,
+                    paragraph(QString(texts::kOutsideRefused).arg(nameOf(question))), QMessageBox::Ok,
+                    &player);
+    box.setObjectName("frmOutsideRefused");
+    box.setTextFormat(Qt::RichText);
+    box.setInformativeText(paragraph(question.target));
+    player.ShowDialog(box);
+}
+
+} // namespace
+
+Outside::Doors outsideDoors(Player& player)
+{
+    return {[&player](const Outside::Question& question) { return ask(player, question); },
+            [](const QUrl& url) { return platform::openWithSystem(url); },
+            [&player](const Outside::Question& question) { tellRefused(player, question); },
+            [&player](const QString& line) { player.logQuietly(core::HtmlEscape(line)); }};
+}
+
+} // namespace player
