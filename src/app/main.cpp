@@ -36,13 +36,16 @@ int main(int argc, char** argv)
         return 0;
     }
 
-    QApplication qt(argc, argv);
+    // A file that is named like one of the toolkit's own options is a file.
+    const bool isFile = arguments.size() == 1 && core::fileExists(arguments.first());
+    int toolkitsCount = isFile ? 1 : argc;
+    QApplication qt(toolkitsCount, argv);
     QApplication::setApplicationName(core::kProductName);
     QApplication::setDesktopFileName("zorvex");
     QApplication::setWindowIcon(applicationIcon());
 
     core::Application application;
-    const QString commandLine = core::commandLine(QApplication::arguments().mid(1));
+    const QString commandLine = core::commandLine(isFile ? arguments : QApplication::arguments().mid(1));
     try {
         core::StartUp(application, QApplication::applicationFilePath(), commandLine,
                       core::look::initialiseVisualStyle);

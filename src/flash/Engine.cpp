@@ -242,11 +242,7 @@ base::Result<void> Engine::open(const std::string& address)
     }
     d->sound.setFrameRate(movie->header.frameRate);
     constexpr double kMsPerSecond = 1000;
-    const double seconds =
-        d->options.longestScriptSeconds > 0
-            ? std::min<double>(movie->scriptTimeoutSeconds, d->options.longestScriptSeconds)
-            : movie->scriptTimeoutSeconds;
-    d->script->vm().setLimits(movie->scriptMaxRecursion, seconds * kMsPerSecond);
+    d->script->vm().setLimits(movie->scriptMaxRecursion, movie->scriptTimeoutSeconds * kMsPerSecond);
     d->stage->open(std::move(movie), source.url);
     return {};
 }

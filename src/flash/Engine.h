@@ -39,8 +39,6 @@ public:
         /// A movie that lies in `trustedFolder`, not below it, may also read from `sharedFolder`, by full
         /// paths.
         std::filesystem::path trustedFolder, sharedFolder;
-        /// Bounds what a movie may grant its own scripts, in seconds of the real clock; 0: no more than that.
-        double longestScriptSeconds = 0;
     };
 
     /// @param host borrowed

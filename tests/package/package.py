@@ -143,6 +143,17 @@ def use(package, user):
     assert (user.home / '.cache/zorvex').is_dir()
     assert before == sorted(path for path in folder.rglob('*')), 'the program folder was written'
 
+    # A file that is named like an option is opened, relative to where the user stands.
+    user.run('cp', movie, './-reverse')
+    player = user.start(program, '-reverse')
+    try:
+        wait_for('the file named like an option', lambda: '/-reverse)... <br>' in journal.read_text('cp1251'))
+        wait_for('the movie', lambda: b'Ok<br>' in journal.read_bytes())
+        player.terminate()
+        assert player.wait(20) == 0, player.returncode
+    finally:
+        player.kill()
+
     # What file managers run for a picture of a movie.
     entry = package.path('usr/share/thumbnailers/zorvex.thumbnailer').read_text()
     command = next(line for line in entry.splitlines() if line.startswith('Exec='))[5:].split()

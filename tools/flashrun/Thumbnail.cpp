@@ -35,8 +35,18 @@ constexpr double kStepMsWithoutRate = 50;
 /// Of a picture that is judged.
 constexpr int kJudgedSide = 64;
 
-class SilentHost : public flash::stage::HostEvents
+/// Hears nothing, and ends scripts that do not come to an end by themselves: the frame they are on is a
+/// picture.
+class ImpatientHost : public flash::stage::HostEvents
 {
+public:
+    explicit ImpatientHost(double scriptSeconds) : m_patience(scriptSeconds) {}
+    void frameBegins() { m_begin = std::chrono::steady_clock::now(); }
+    bool endsScripts() override { return std::chrono::steady_clock::now() - m_begin > m_patience; }
+
+private:
+    const std::chrono::duration<double> m_patience;
+    std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
 };
 
 /// The best picture so far, and the watch that writes it when the time is up while the movie is still busy.
@@ -150,10 +160,8 @@ double detail(const QImage& picture)
 base::Result<void> thumbnail(const Arguments& arguments)
 {
     limitMemory();
-    SilentHost host;
-    flash::Engine::Options options;
-    options.longestScriptSeconds = arguments.seconds / 4; // so that a script without end leaves a picture
-    flash::Engine engine(host, options);
+    ImpatientHost host(arguments.seconds / 4);
+    flash::Engine engine(host, {});
     Best best(arguments.out, arguments.seconds);
     // The movie's own shape is known only when it is open, and what it shows is fitted into the view.
     const QSize box(arguments.size, arguments.size);
@@ -167,6 +175,7 @@ base::Result<void> thumbnail(const Arguments& arguments)
     const double frameMs = stage.frameRate() > 0 ? 1000 / stage.frameRate() : kStepMsWithoutRate;
     double nextLookMs = 0;
     for (double nowMs = 0; nowMs <= kLongestMs; nowMs += frameMs) {
+        host.frameBegins();
         if (nowMs > 0) engine.advance(frameMs);
         if (nowMs < nextLookMs) continue;
         nextLookMs = nowMs + kLookMs;
