@@ -244,13 +244,13 @@ TEST(Compile, TakesShapesFromPictures)
 {
     MemoryFiles files;
     files.files["icons/sign.svg"] = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 24 24" fill="none"
-        stroke="#000" stroke-width="2" stroke-linecap="round" stroke-linejoin="round">
-      <path d="M4 4h9"/><g fill="#123" stroke="none"><circle cx="12" cy="17" r="1.3"/></g>
+        stroke="#000" stroke-width="2" stroke-linejoin="round">
+      <path d="M4 4h9" stroke-linecap="round"/><path d="M1 1h3v3z"/><g fill="#123" stroke="none"><circle cx="12" cy="17" r="1.3"/></g>
       <rect x="3" y="5" width="18" height="14" rx="2" stroke-width="3"/></svg>)";
     files.files["picture.xml"] =
         R"(<movie version="7"><shape id="a" svg="icons/sign.svg" color="#EEEEFF"/></movie>)";
     files.files["hand.xml"] = R"(<movie version="7"><shape id="a">
-      <path d="M4 4h9" stroke="#EEEEFF" strokeWidth="2"/><circle cx="12" cy="17" r="1.3" fill="#EEEEFF"/>
+      <path d="M4 4h9" stroke="#EEEEFF" strokeWidth="2"/><path d="M1 1h3v3z" stroke="#EEEEFF" strokeWidth="2"/><circle cx="12" cy="17" r="1.3" fill="#EEEEFF"/>
       <rect x="3" y="5" width="18" height="14" radius="2" stroke="#EEEEFF" strokeWidth="3"/></shape></movie>)";
     const Compiled picture = compile(files, "picture.xml"), hand = compile(files, "hand.xml");
     EXPECT_THAT(picture.errors, testing::IsEmpty());

@@ -16,6 +16,18 @@ const Style kInitialStyle = {{"fill", "#000"},
                              {"stroke-linecap", "butt"},
                              {"stroke-linejoin", "miter"}};
 
+/// Then its caps are nowhere to be seen.
+bool isClosed(const Element& element)
+{
+    if (element.name != "path") return true;
+    for (const auto& attribute : element.attributes) {
+        if (attribute.name != "d") continue;
+        const std::size_t last = attribute.value.find_last_not_of(" \t\r\n");
+        return last != std::string::npos && (attribute.value[last] == 'z' || attribute.value[last] == 'Z');
+    }
+    return false;
+}
+
 bool isColor(const std::string& value) { return value != "none"; }
 
 void collect(const Element& parent, Style style, const std::optional<std::string>& color,
@@ -44,7 +56,8 @@ void collect(const Element& parent, Style style, const std::optional<std::string
     if (isColor(style["stroke"])) {
         add("stroke", color.value_or(style["stroke"]));
         add("strokeWidth", style["stroke-width"]);
-        add("cap", style["stroke-linecap"] == "butt" ? "none" : style["stroke-linecap"]);
+        if (!isClosed(parent))
+            add("cap", style["stroke-linecap"] == "butt" ? "none" : style["stroke-linecap"]);
         add("join", style["stroke-linejoin"]);
     }
     shape.push_back(std::move(element));
