@@ -308,6 +308,8 @@ QString FlashControl::Movie() const { return d->movie; }
 QString FlashControl::senderMovie() const { return d->host.sender(); }
 QString FlashControl::errorText() const { return d->error; }
 int FlashControl::ReadyState() const { return d->host.readyState(); }
+bool FlashControl::listensToKeys() const { return d->engine.isOpen() && d->engine.stage().listensToKeys(); }
+
 int FlashControl::FlashVersion() const { return kFlashVersion; }
 
 QSize FlashControl::movieSize() const

@@ -98,6 +98,10 @@ public:
     [[nodiscard]] QSize movieSize() const;
     [[nodiscard]] double frameRate() const; ///< frames a second; 0 when nothing is loaded
 
+    /// Whether keys make a difference to the movie: a script looks at them or listens to them, a button or clip
+    /// waits for one, or a text field is typed in. May change with every frame.
+    [[nodiscard]] bool listensToKeys() const;
+
     /// Over everything that the movie itself sets. 0..1; 1 by default.
     void setMasterVolume(double volume);
     [[nodiscard]] double masterVolume() const;

@@ -66,6 +66,8 @@ public:
 
     // Broadcasts to the listeners of Key, Mouse, Stage and Selection.
     virtual void broadcastKey(Event /*KeyDown or KeyUp*/) {}
+    /// Whether anybody would hear broadcastKey.
+    virtual bool hasKeyListeners() { return false; }
     virtual void broadcastMouse(Event /*MouseDown, MouseUp or MouseMove*/) {}
     virtual void broadcastWheel(int /*lines*/, Node* /*under the pointer*/) {}
     virtual void broadcastResize() {}

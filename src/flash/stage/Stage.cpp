@@ -87,6 +87,7 @@ void Stage::close()
     m_changedNodes.clear();
     m_boundFields.clear();
     m_keysDown.clear();
+    m_keysAsked = false;
     m_movie.reset();
     invalidateAll();
 }

@@ -191,6 +191,10 @@ public:
     [[nodiscard]] swf::Point mousePosition() const { return m_mouse; } ///< stage twips
     [[nodiscard]] bool isKeyDown(int keyCode) const;
     [[nodiscard]] bool isKeyToggled(int keyCode) const;
+    /// A script looks at the keys by itself, without being called.
+    void noteKeysAsked() { m_keysAsked = true; }
+    /// Whether a key that goes down would make a difference to the movie, as far as can be told.
+    [[nodiscard]] bool listensToKeys();
     [[nodiscard]] int lastKeyCode() const { return m_lastKeyCode; }
     [[nodiscard]] int lastCharCode() const { return m_lastCharCode; }
     [[nodiscard]] Node* focus() const { return m_focus.get(); }
@@ -347,6 +351,7 @@ private:
     std::set<int> m_keysDown;
     std::set<int> m_keysToggled;
     int m_lastKeyCode = 0, m_lastCharCode = 0;
+    bool m_keysAsked = false; ///< by a script of this movie, once at least
     NodePtr m_focus;
     std::shared_ptr<Clip> m_dragged;
     std::optional<DragLimits> m_dragLimits;

@@ -343,6 +343,32 @@ bool Stage::keyPressEverywhere(int keyPressCode)
     return false;
 }
 
+bool Stage::listensToKeys()
+{
+    if (m_keysAsked || m_script->hasKeyListeners()) return true;
+    if (m_focus) {
+        const bool types =
+            m_focus->kind() == NodeKind::TextField && static_cast<TextField&>(*m_focus).isInput();
+        if (types || m_focus->kind() == NodeKind::Button || m_focus->kind() == NodeKind::Clip) return true;
+    }
+    const auto hears = [](auto&& self, Node& node) -> bool {
+        if (node.kind() == NodeKind::Button) {
+            const auto& actions = static_cast<Button&>(node).definition().actions;
+            return std::any_of(actions.begin(), actions.end(),
+                               [](const swf::ButtonAction& action) { return action.keyCode != 0; });
+        }
+        Clip* clip = asClip(&node);
+        if (!clip) return false;
+        for (const Event event : {Event::KeyDown, Event::KeyUp, Event::KeyPress})
+            if (clip->hasClipEvent(event)) return true;
+        const auto& children = clip->children();
+        return std::any_of(children.begin(), children.end(),
+                           [&self](const NodePtr& child) { return self(self, *child); });
+    };
+    return std::any_of(m_levels.begin(), m_levels.end(),
+                       [&hears](const auto& level) { return hears(hears, *level.second); });
+}
+
 // The file's handlers hear of every key, a script's onKeyDown and onKeyUp only while the instance has the
 // focus.
 void Stage::keyEvent(Event event)

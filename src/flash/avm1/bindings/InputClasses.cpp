@@ -7,9 +7,19 @@ namespace flash::avm1
 namespace
 {
 
-Value isDown(Call& call) { return Value(StageBinding::of(call).stage().isKeyDown(intArg(call, 0))); }
+Value isDown(Call& call)
+{
+    stage::Stage& stage = StageBinding::of(call).stage();
+    stage.noteKeysAsked();
+    return Value(stage.isKeyDown(intArg(call, 0)));
+}
 Value isToggled(Call& call) { return Value(StageBinding::of(call).stage().isKeyToggled(intArg(call, 0))); }
-Value getCode(Call& call) { return Value(StageBinding::of(call).stage().lastKeyCode()); }
+Value getCode(Call& call)
+{
+    stage::Stage& stage = StageBinding::of(call).stage();
+    stage.noteKeysAsked();
+    return Value(stage.lastKeyCode());
+}
 Value getAscii(Call& call) { return Value(StageBinding::of(call).stage().lastCharCode()); }
 Value isAccessible(Call&) { return Value(false); }
 

@@ -305,6 +305,14 @@ void StageBinding::broadcastKey(stage::Event event)
     broadcast("Key", event == stage::Event::KeyDown ? "onKeyDown" : "onKeyUp");
 }
 
+bool StageBinding::hasKeyListeners()
+{
+    Object* key = m_vm->global()->get(*m_vm, m_vm->name(std::string_view("Key"))).asObject();
+    Object* listeners = key ? key->get(*m_vm, m_vm->name(std::string_view("_listeners"))).asObject() : nullptr;
+    if (!listeners) return false;
+    return toNumber(*m_vm, listeners->get(*m_vm, m_vm->name(std::string_view("length")))) > 0;
+}
+
 void StageBinding::broadcastMouse(stage::Event event)
 {
     broadcast("Mouse", event == stage::Event::MouseDown ? "onMouseDown"

@@ -121,6 +121,7 @@ public:
     void constructClip(stage::Clip& clip) override;
     bool hasRegisteredClass(stage::Clip& clip) override;
     void broadcastKey(stage::Event event) override;
+    bool hasKeyListeners() override;
     void broadcastMouse(stage::Event event) override;
     void broadcastWheel(int lines, stage::Node* node) override;
     void broadcastResize() override;
