@@ -1,9 +1,9 @@
 #include "base/Failure.h"
-#include "core/Look.h"
 #include "core/StartUp.h"
 #include "core/Version.h"
 #include "platform/TerminationSignal.h"
 #include "player/Player.h"
+#include "ui/Style.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -48,7 +48,7 @@ int main(int argc, char** argv)
     const QString commandLine = core::commandLine(isFile ? arguments : QApplication::arguments().mid(1));
     try {
         core::StartUp(application, QApplication::applicationFilePath(), commandLine,
-                      core::look::initialiseVisualStyle);
+                      ui::initialiseVisualStyle);
     } catch (const base::Failure& failure) {
         // No handler is armed this early: the program ends with the plain text.
         QMessageBox::critical(nullptr, core::kProductName, QString::fromStdString(failure.description()));

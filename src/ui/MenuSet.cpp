@@ -1,0 +1,46 @@
+#include "ui/MenuSet.h"
+
+#include "core/Look.h"
+
+#include <QFileInfo>
+#include <QImage>
+
+namespace ui
+{
+namespace
+{
+
+/// A picture larger than this is a mistake, and would be laid out for every menu that opens.
+constexpr int kLargestGround = 2048;
+
+QIcon iconOf(const QString& file) { return QFileInfo::exists(file) ? QIcon(file) : QIcon(); }
+
+QColor readableOn(const QImage& ground)
+{
+    const QColor mean = ground.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixelColor(0, 0);
+    constexpr int kMiddle = 140; // where dark and light text are equally far from the ground
+    return qGray(mean.rgb()) < kMiddle ? QColor(core::look::kIce) : QColor(core::look::kInk);
+}
+
+} // namespace
+
+QColor MenuSet::defaultTextColour() { return core::look::kIce; }
+
+void MenuSet::load(const QString& folder)
+{
+    *this = {};
+    m_folder = folder;
+    m_checkMark = iconOf(folder + "checkmark.png");
+    const QImage ground(folder + "bg.bmp");
+    if (ground.isNull() || ground.width() > kLargestGround || ground.height() > kLargestGround) return;
+    m_ground = QPixmap::fromImage(ground);
+    m_textColour = readableOn(ground);
+}
+
+void MenuSet::addIcon(const QString& caption, const QString& fileName)
+{
+    const QString key = caption.toLower();
+    if (!m_icons.contains(key)) m_icons.insert(key, iconOf(m_folder + fileName));
+}
+
+} // namespace ui
