@@ -54,6 +54,8 @@ void Lifecycle::Form_Load()
     step([this] { m_player.CreateSkin(); });
     step([this] { m_player.UpdateSkin(); });
     m_player.SetCaption(core::kProductName);
+    // Outside a development session the menus are drawn with their pictures.
+    if (m_application.RunningCompiled) m_player.AssignMenus();
     step([this] { openFirst(); });
     if (!m_ended) m_player.placement().show();
 }

@@ -55,10 +55,14 @@ constexpr CommandInfo kCommands[] = {
     {"mnuMute",         [](Player& p) { p.MuteSound(!p.menus().isChecked("mnuMute")); }},
     {"mnuLoop",         [](Player& p) { p.playback().toggleLoop(); }},
 
+    {"mnuBrowse",       [](Player& p) { p.BrowseMedia(); }},
     {"mnuClearCache",   [](Player& p) { p.mnuClearCache_Click(); }},
     {"mnuCompress",     [](Player& p) { p.mnuCompress_Click(); }},
     {"mnuOpt",          [](Player& p) { p.settings().edit(); }},
     {"mnuHelpMe",       [](Player& p) { p.openHelp(); }},
+    {"mnuUpd",          [](Player& p) { p.WebUpdate(); }},
+    {"mnuWeb",          [](Player& p) { p.mnuWeb_Click(); }},
+    {"mnuAbout",        [](Player& p) { p.About(); }},
 
     {"mnuPopPlay",      [](Player& p) { p.PlayPauseMedia(); }},
     {"mnPopStop",       [](Player& p) { p.StopMedia(); }},
@@ -66,9 +70,12 @@ constexpr CommandInfo kCommands[] = {
     {"mnuPopHQ",        [](Player& p) { p.SetQuality("High"); }},
     {"mnuPopLQ",        [](Player& p) { p.SetQuality("Low"); }},
     {"mnuPopFullScreen", [](Player& p) { p.FullScreen(!p.isFullScreen()); }},
+    {"mnuPopBrowse",    [](Player& p) { p.BrowseMedia(); }},
+    {"mnuPopInfo",      [](Player& p) { p.Properties(); }},
     {"mnuPopOpen",      [](Player& p) { p.OpenMedia(); }},
     {"mnuPopSaveAs",    [](Player& p) { p.SaveMediaAs(); }},
     {"mnuPopClose",     [](Player& p) { p.CloseMedia({}); }},
+    {"mnuPopAbout",     [](Player& p) { p.About(); }},
     {"mnuPopExit",      [](Player& p) { p.Quit("PopUp Menu", true); }},
 };
 // clang-format on

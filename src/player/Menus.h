@@ -1,18 +1,19 @@
 #pragma once
 
+#include "ui/Menu.h"
+
 #include <QAction>
-#include <QMenuBar>
 #include <QObject>
 
 #include <functional>
 #include <map>
-#include <memory>
 
 namespace player
 {
 
 /// The whole menu tree, built from one table. Items are known by their names; an item of an array carries its
 /// index behind its name ("mnuQLvl4"). Check marks are the state itself: other parts read and set them here.
+/// An item that no command is connected to is not shown.
 class Menus : public QObject
 {
     Q_OBJECT
@@ -33,15 +34,29 @@ public:
     /// Names the command that an item runs. Check marks are not moved by a click: the command does it.
     void connectItem(const QString& name, std::function<void()> command);
 
+    /// Takes the pictures of a menu set, and binds icons to the captions that the items have at this moment:
+    /// every item of such a caption has the icon, and an item has it only while it bears the caption.
+    /// @param folder of the set, with its closing separator; what is missing there is not drawn
+    void AssignMenus(const QString& folder);
+    [[nodiscard]] const ui::MenuSet& menuSet() const { return m_set; }
+
+    /// Asked before menus open: an item that can be run by two keys shows the one that works at that moment.
+    void setMovieHasKeyboard(std::function<bool()> question) { m_movieHasKeyboard = std::move(question); }
+    void refreshShortcuts();
+
     [[nodiscard]] QMenuBar& bar() const { return *m_bar; }
     [[nodiscard]] QMenu& popUp() const { return *m_popUp; }
 
 private:
     void build();
+    void watch(QMenu& menu);
 
-    QMenuBar* m_bar;
-    QMenu* m_popUp;
+    ui::MenuSet m_set; // before the menus, which refer to it
+    ui::MenuBar* m_bar;
+    ui::Menu* m_popUp;
     std::map<QString, QAction*> m_items;
+    std::function<bool()> m_movieHasKeyboard = [] { return false; };
+    bool m_showsPlainKeys = true;
 };
 
 } // namespace player

@@ -1,6 +1,5 @@
 #include "player/Player.h"
 
-#include "core/Look.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "platform/Shell.h"
@@ -10,13 +9,15 @@
 #include "player/MenuCommands.h"
 #include "player/OutsideDialog.h"
 #include "player/PageAddresses.h"
+#include "player/Shortcuts.h"
 #include "player/Texts.h"
 #include "player/WelcomePanel.h"
+#include "ui/AboutScreen.h"
+#include "ui/Texts.h"
 
 #include <QCloseEvent>
 #include <QDialog>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
@@ -29,22 +30,6 @@ namespace
 {
 
 constexpr QSize kFirstSize{550, 440};
-/// The bar belongs to the window's dark surface, its menus with it.
-QString menuStyle()
-{
-    using namespace core::look;
-    const auto name = [](QRgb colour) { return QColor(colour).name(); };
-    return QString("QMenuBar { background: %1; color: %2; padding: 2px 4px; }"
-                   "QMenuBar::item { padding: 4px 8px; border-radius: 3px; background: transparent; }"
-                   "QMenuBar::item:selected { background: %3; }"
-                   "QMenu { background: %1; color: %2; border: 1px solid %3; padding: 4px 0; }"
-                   "QMenu::item { padding: 5px 24px 5px 28px; background: transparent; }"
-                   "QMenu::item:selected { background: %4; color: white; }"
-                   "QMenu::item:disabled { color: #7F8CA3; }"
-                   "QMenu::separator { height: 1px; background: %3; margin: 4px 8px; }"
-                   "QMenu::indicator { width: 16px; height: 16px; left: 6px; }")
-        .arg(name(kSlate), name(kIce), name(kSteel), name(kBlue));
-}
 
 } // namespace
 
@@ -80,8 +65,6 @@ void Player::buildWindow()
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->setMenuBar(&m_menus.bar());
-    m_menus.bar().setStyleSheet(menuStyle());
-    m_menus.popUp().setStyleSheet(menuStyle());
     m_client->installEventFilter(this);
     connect(&m_skinWindow, &SkinWindow::shownChanged, this, [this] { m_placement.showBars(); });
     column->addWidget(m_client, 1);
@@ -111,6 +94,7 @@ void Player::connectBar()
 void Player::connectControl()
 {
     control().installEventFilter(this);
+    m_menus.setMovieHasKeyboard([this] { return control().hasFocus() && control().listensToKeys(); });
     connect(&control(), &flash::FlashControl::FSCommand, this,
             [this](const QString& command, const QString& argument) {
                 handled(texts::kPlacePage, [&] { runPageCommand(*this, command, argument); });
@@ -207,6 +191,11 @@ void Player::setWindowStateNumber(int state)
     ZoomWindow(state == 2 ? 1 : 0);
 }
 
+void Player::AssignMenus()
+{
+    m_menus.AssignMenus(m_application.AppPath + "media/menus/" + options().menus + '/');
+}
+
 void Player::ShowPopUp()
 {
     m_menus.setChecked("mnuPopHQ", control().Quality() == 1);
@@ -217,9 +206,8 @@ void Player::ShowPopUp()
 
 void Player::ShowMenu()
 {
-    auto* menu = new QMenu(this);
+    auto* menu = new ui::Menu(m_menus.menuSet(), {}, this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setStyleSheet(m_menus.popUp().styleSheet());
     menu->addActions(m_menus.bar().actions());
     menu->popup(QCursor::pos());
 }
@@ -309,6 +297,20 @@ void Player::openKnown(const QUrl& url)
                          QString(texts::kNothingOpens).arg(url.toDisplayString(QUrl::PreferLocalFile)));
 }
 
+void Player::mnuWeb_Click() { openKnown(QUrl(core::kHomeAddress)); }
+
+void Player::About()
+{
+    m_application.LogEvent({});
+    m_application.LogEvent(" :: About");
+    ShowWaitScreen();
+    ui::frmAbout about(
+        this, aboutPage(m_application, ui::texts::kGreetings, ui::texts::kThanks, options().noAnimation),
+        control().Quality());
+    ShowDialog(about);
+    HideWaitScreen();
+}
+
 Outside::Sender Player::senderOfCommand() const
 {
     Outside::Sender sender;
@@ -381,6 +383,11 @@ bool Player::eventFilter(QObject* watched, QEvent* event)
     if (watched == m_client) {
         if (event->type() == QEvent::Resize) m_skinWindow.clientResized();
         return false;
+    }
+    if (event->type() == QEvent::ShortcutOverride &&
+        belongsToMovie(*static_cast<QKeyEvent*>(event), control().listensToKeys())) {
+        event->accept();
+        return true;
     }
     // The movie has the keyboard, but for the key that leaves full screen.
     if (event->type() == QEvent::KeyPress && isFullScreen() &&

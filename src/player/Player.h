@@ -127,6 +127,8 @@ public:
     Q_INVOKABLE void ShowPopUp();
     /// Shows the menus of the menu bar as one menu at the pointer, for a window without the bar.
     Q_INVOKABLE void ShowMenu();
+    /// Gives the menus the pictures of the set that the settings name.
+    Q_INVOKABLE void AssignMenus();
     void ShowDialog(QDialog& dialog) override;
     void setMinimumWindowSize(QSize pixels) { m_placement.setMinimumSize(pixels); }
     [[nodiscard]] int ScaleWidth() const { return m_client->width(); }
@@ -159,6 +161,8 @@ public:
 
     // What pages command, and the media browser
     Q_INVOKABLE void WebUpdate() override;
+    Q_INVOKABLE void About();
+    void mnuWeb_Click();
     Q_INVOKABLE void BrowseMedia() { m_browser.BrowseMedia(); }
     Q_INVOKABLE void Properties() { m_browser.Properties(mediaInfo()); }
     void LogEvent(const QString& text) override { m_application.LogEvent(text); }
