@@ -2,6 +2,7 @@
 // expected beside it is a test: it is compiled with swfc, checked, and run with flashrun.
 //   NAME.expected  what the movie traces
 //   NAME.png       the picture of a frame
+//   NAME.heard     how loud and how high it sounds over stretches of its time
 //   NAME.errors    what the compiler says; the movie must not compile
 //   NAME.json      how to run it: frames, ms, frame (of the picture), tolerance and outliers (of the
 //   picture),
@@ -9,6 +10,7 @@
 //                  compiled to NAME.swf, others copied), knownFailure (a reason; passing is then a failure)
 //   NAME.input     events for the movie, as flashrun's --input takes them
 
+#include "Heard.h"
 #include "MovieChecker.h"
 #include "Tools.h"
 
@@ -49,6 +51,8 @@ private:
     void check(const QString& movie, const QJsonObject& options, std::vector<std::string>& faults) const;
     void checkPicture(const QString& movie, const QJsonObject& options,
                       std::vector<std::string>& faults) const;
+    void checkSound(const QString& movie, const QJsonObject& options, std::vector<std::string>& faults) const;
+    [[nodiscard]] static QStringList duration(const QJsonObject& options);
 
     QString m_source;
     QTemporaryDir m_folder;
@@ -108,6 +112,7 @@ void MovieFile::TestBody()
     std::vector<std::string> faults;
     check(movie, options, faults);
     if (QFile::exists(beside(".png"))) checkPicture(movie, options, faults);
+    if (QFile::exists(beside(".heard"))) checkSound(movie, options, faults);
     const std::string known = options["knownFailure"].toString().toStdString();
     if (known.empty()) {
         for (const std::string& fault : faults) ADD_FAILURE() << fault;
@@ -116,16 +121,19 @@ void MovieFile::TestBody()
     }
 }
 
+QStringList MovieFile::duration(const QJsonObject& options)
+{
+    if (options.contains("ms")) return {"--ms", QString::number(options["ms"].toInt())};
+    return {"--frames", QString::number(options["frames"].toInt(3))};
+}
+
 void MovieFile::check(const QString& movie, const QJsonObject& options,
                       std::vector<std::string>& faults) const
 {
     if (!QFile::exists(beside(".expected"))) return;
-    QStringList arguments{"trace", movie};
-    if (options.contains("ms"))
-        arguments << "--ms" << QString::number(options["ms"].toInt());
-    else
-        arguments << "--frames" << QString::number(options["frames"].toInt(3));
-    const Outcome played = run(tool("flashrun"), arguments + runArguments(options), m_folder.path());
+    const Outcome played =
+        run(tool("flashrun"), QStringList{"trace", movie} + duration(options) + runArguments(options),
+            m_folder.path());
     if (played.status != 0)
         faults.push_back("flashrun ended with " + std::to_string(played.status) + ": " +
                          played.err.toStdString());
@@ -140,6 +148,21 @@ void MovieFile::check(const QString& movie, const QJsonObject& options,
     };
     faults.push_back("line " + std::to_string(line + 1) + "\n  expected: " + at(want) +
                      "\n  traced:   " + at(have) + "\nwhole trace:\n" + found.toStdString());
+}
+
+void MovieFile::checkSound(const QString& movie, const QJsonObject& options,
+                           std::vector<std::string>& faults) const
+{
+    const QString file = m_folder.filePath("heard.wav");
+    const Outcome played =
+        run(tool("flashrun"),
+            QStringList{"record", movie, "--out", file} + duration(options) + runArguments(options),
+            m_folder.path());
+    if (played.status != 0)
+        faults.push_back("flashrun ended with " + std::to_string(played.status) + ": " +
+                         played.err.toStdString());
+    for (std::string& fault : checkHeard(fileBytes(file), fileBytes(beside(".heard"))))
+        faults.push_back(std::move(fault));
 }
 
 void MovieFile::checkPicture(const QString& movie, const QJsonObject& options,
@@ -178,7 +201,7 @@ bool hasExpectation(const QString& source)
     const bool isPart =
         info.suffix() == "as" && QFile::exists(info.path() + "/" + info.completeBaseName() + ".xml");
     if (isPart) return false;
-    for (const char* suffix : {".expected", ".png", ".errors"}) {
+    for (const char* suffix : {".expected", ".png", ".heard", ".errors"}) {
         if (QFile::exists(info.path() + "/" + info.completeBaseName() + suffix)) return true;
     }
     return false;

@@ -42,6 +42,28 @@ save_png("bitmaps/mask.png", 40, 40, GREY, lambda x, y: (255 if (x - 20) ** 2 + 
 save_wave("sound/tone.wav", 1, 2, 11025, (struct.pack("<h", int(12000 * math.sin(i * 0.25))) for i in range(5512)))
 save_wave("sound/stereo8.wav", 2, 1, 22050,
           (bytes((128 + int(90 * math.sin(i * 0.1)), 128 + int(60 * math.sin(i * 0.2)))) for i in range(4410)))
+
+
+def tone(seconds, rate, hertz, level):
+    """Samples of a sine whose level (root mean square, 1 is full scale) is a number or a function of the time."""
+    at = level if callable(level) else lambda t: level
+    return [at(i / rate) * math.sqrt(2) * math.sin(2 * math.pi * hertz * i / rate) for i in range(int(seconds * rate))]
+
+
+def mono16(samples):
+    return [struct.pack("<h", round(32767 * s)) for s in samples]
+
+
+# Five steps of a tenth of a second, each louder than the one before: which part of it is heard can be told.
+save_wave("sound/steps.wav", 1, 2, 22050, mono16(tone(0.5, 22050, 500, lambda t: 0.1 * (1 + int(t * 10)))))
+for rate, hertz in ((5512, 300), (11025, 400), (44100, 600)):
+    save_wave("sound/tone%d.wav" % rate, 1, 2, rate, mono16(tone(0.3, rate, hertz, 0.3)))
+# Both channels differ in level and height.
+save_wave("sound/stereo16.wav", 2, 2, 22050,
+          (struct.pack("<hh", round(32767 * l), round(32767 * r))
+           for l, r in zip(tone(0.3, 22050, 500, 0.4), tone(0.3, 22050, 250, 0.2))))
+save_wave("sound/mono8.wav", 1, 1, 11025, (bytes((128 + round(127 * s),)) for s in tone(0.3, 11025, 500, 0.3)))
+# steps.mp3 is steps.wav at 128 kbit/s and 44100 Hz: lame --resample 44.1 -b 128 steps.wav steps.mp3
 # Frames of MPEG 1 layer 3, 128 kbit/s, 44100 Hz, one channel, that hold nothing but silence; a name tag first.
 with open(path("sound/silence.mp3"), "wb") as out:
     out.write(b"ID3\x03\0\0\0\0\0\x0A" + b"\0" * 10)

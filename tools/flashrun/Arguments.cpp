@@ -27,9 +27,11 @@ const char* const kHelp =
                        writes the first picture that shows what the movie is about
       --size N         pixels of the longer side (default 256)
       --seconds S      give the best picture so far when this time is up (default 5)
+  flashrun record MOVIE --out FILE.wav [--frames N] [--ms T] [options]
+                       writes what is heard, 44100 Hz in stereo, for as long as trace would play
   flashrun info MOVIE  prints the header, what the movie defines, and its tags
 
-Options of trace and render
+Options of trace, render and record
       --base-dir DIR   relative addresses count from here, and nothing else is read
                        (default: the movie's folder)
       --date TIME      local time at which the movie's clock starts: 2001-02-03T04:05:06
@@ -105,14 +107,13 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
     } else if (option == "--frame" && arguments.command == Command::Render) {
         arguments.firstFrame = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostFrames)));
         arguments.lastFrame = arguments.firstFrame;
-    } else if (option == "--ms" && arguments.command == Command::Trace) {
+    } else if (option == "--ms" && arguments.command != Command::Render) {
         arguments.ms = TRY_RESULT(number(option, value, 0, 1e12));
     } else if (option == "--size" && arguments.command == Command::Thumbnail) {
         arguments.size = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostThumbnailPixels)));
     } else if (option == "--seconds" && arguments.command == Command::Thumbnail) {
         arguments.seconds = TRY_RESULT(number(option, value, 0, 600));
-    } else if (option == "--out" &&
-               (arguments.command == Command::Render || arguments.command == Command::Thumbnail)) {
+    } else if (option == "--out" && arguments.command != Command::Trace) {
         arguments.out = value;
     } else if (option == "--scale" && arguments.command == Command::Render) {
         arguments.scale = TRY_RESULT(number(option, value, 0.01, 64));
@@ -141,6 +142,8 @@ base::Result<void> check(const Arguments& arguments)
     if (arguments.movie.empty()) return base::fail(ErrorCode::Malformed, "no movie is given");
     if (arguments.command == Command::Thumbnail && arguments.out.empty())
         return base::fail(ErrorCode::Malformed, "thumbnail needs --out");
+    if (arguments.command == Command::Record && arguments.out.empty())
+        return base::fail(ErrorCode::Malformed, "record needs --out");
     if (arguments.command != Command::Render) return {};
     if (arguments.firstFrame == 0)
         return base::fail(ErrorCode::Malformed, "render needs --frame or --frames");
@@ -163,6 +166,8 @@ base::Result<Arguments> parseArguments(std::span<char*> words)
         arguments.command = Command::Trace;
     else if (command == "render")
         arguments.command = Command::Render;
+    else if (command == "record")
+        arguments.command = Command::Record;
     else if (command == "info")
         arguments.command = Command::Info;
     else if (command == "thumbnail")

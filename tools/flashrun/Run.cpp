@@ -2,8 +2,10 @@
 
 #include "InputScript.h"
 #include "Picture.h"
+#include "Recording.h"
 #include "base/Files.h"
 #include "flash/Engine.h"
+#include "flash/sound/SoundPlayer.h"
 #include "flash/swf/Describe.h"
 
 #include <QImage>
@@ -101,9 +103,37 @@ public:
     }
     void playFrame()
     {
-        m_engine.advance(frameMs());
+        play(frameMs());
         m_input.playUpToWait(m_engine.stage());
     }
+    /// Plays on for a part of a frame, or for as long as the arguments of trace say.
+    void play(double ms)
+    {
+        if (!m_recording) {
+            m_engine.advance(ms);
+            return;
+        }
+        m_recording->take(m_engine.sound().mixer(), ms);
+        m_engine.advance(ms, flash::Engine::Hearing::Device);
+    }
+    void playAsLongAs(const Arguments& arguments)
+    {
+        int framesLeft = arguments.frames.value_or(arguments.ms ? std::numeric_limits<int>::max() : 1) - 1;
+        if (!arguments.ms) {
+            for (; framesLeft > 0; --framesLeft) playFrame();
+            return;
+        }
+        // A little slack, for sums of frame times that are not whole.
+        constexpr double kSlackMs = 1e-6;
+        double left = *arguments.ms;
+        for (; left + kSlackMs >= frameMs() && framesLeft > 0; --framesLeft) {
+            left -= frameMs();
+            playFrame();
+        }
+        if (framesLeft > 0 && left > kSlackMs) play(left);
+    }
+    /// What is heard from now on goes there.
+    void recordTo(Recording& recording) { m_recording = &recording; }
 
 private:
     static flash::Engine::Options optionsOf(const Arguments& arguments)
@@ -119,6 +149,7 @@ private:
     Host& m_host;
     flash::Engine m_engine;
     InputScript m_input;
+    Recording* m_recording = nullptr; // borrowed
 };
 
 base::Result<void> writePicture(flash::Engine& engine, const std::filesystem::path& file)
@@ -146,20 +177,19 @@ base::Result<void> trace(const Arguments& arguments)
               arguments.showCommands ? Host::Commands::Shown : Host::Commands::Hidden);
     Player player(arguments, host);
     CHECK_RESULT(player.open(arguments));
-    if (arguments.ms) {
-        // A little slack, for sums of frame times that are not whole.
-        constexpr double kSlackMs = 1e-6;
-        double left = *arguments.ms;
-        int framesLeft = arguments.frames.value_or(std::numeric_limits<int>::max()) - 1;
-        for (; left + kSlackMs >= player.frameMs() && framesLeft > 0; --framesLeft) {
-            left -= player.frameMs();
-            player.playFrame();
-        }
-        if (framesLeft > 0 && left > kSlackMs) player.engine().advance(left);
-        return {};
-    }
-    for (int frame = 1; frame < arguments.frames.value_or(1); ++frame) player.playFrame();
+    player.playAsLongAs(arguments);
     return {};
+}
+
+base::Result<void> record(const Arguments& arguments)
+{
+    Host host(Host::Traces::Dropped, Host::Quit::Ignored, Host::Commands::Hidden);
+    Player player(arguments, host);
+    Recording recording;
+    player.recordTo(recording);
+    CHECK_RESULT(player.open(arguments));
+    player.playAsLongAs(arguments);
+    return recording.write(arguments.out);
 }
 
 base::Result<void> render(const Arguments& arguments)

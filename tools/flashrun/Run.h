@@ -5,9 +5,10 @@
 namespace flashrun
 {
 
-/// @errors what keeps the movie from being played, or a picture from being written
+/// @errors what keeps the movie from being played, or a picture or sound from being written
 base::Result<void> trace(const Arguments& arguments);
 base::Result<void> render(const Arguments& arguments);
+base::Result<void> record(const Arguments& arguments);
 base::Result<void> info(const Arguments& arguments);
 
 } // namespace flashrun

@@ -18,6 +18,7 @@ base::Result<void> run(const flashrun::Arguments& arguments)
     case Command::Help: std::fputs(flashrun::kHelp, stdout); return {};
     case Command::Trace: return flashrun::trace(arguments);
     case Command::Render: return flashrun::render(arguments);
+    case Command::Record: return flashrun::record(arguments);
     case Command::Info: return flashrun::info(arguments);
     case Command::Thumbnail: return flashrun::thumbnail(arguments);
     }

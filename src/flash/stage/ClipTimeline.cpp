@@ -38,7 +38,12 @@ std::vector<swf::ActionBlock> Clip::frameActions(int frame) const
     return blocks;
 }
 
-void Clip::play() { m_playing = true; }
+void Clip::play()
+{
+    if (m_playing) return;
+    m_playing = true;
+    streamSound();
+}
 
 void Clip::stop()
 {
@@ -106,12 +111,14 @@ void Clip::gotoFrame(int frame)
         skipTo(frame);
     else
         rewindTo(frame);
+    streamSound();
 }
 
 void Clip::nextFrame() { gotoFrame(m_frame + 1); }
 
 void Clip::streamSound()
 {
+    if (m_removed) return;
     const auto index = static_cast<std::size_t>(std::max(m_frame, 0));
     if (!m_timeline->streamHead || index >= m_timeline->frames.size() || !m_playing) return;
     const auto& tags = m_timeline->frames[index].tags;

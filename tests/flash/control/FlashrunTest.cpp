@@ -49,6 +49,8 @@ TEST(Flashrun, TellsWrongUsageAndUnplayableMoviesApart)
         {"word that the option does not know", {"trace", movie, "--fscommands", "yes"}, 2},
         {"no number", {"trace", movie, "--frames", "ten"}, 2},
         {"render without a frame", {"render", movie, "--out", picture}, 2},
+        {"record without a file", {"record", movie, "--frames", "2"}, 2},
+        {"recording in a folder that is missing", {"record", movie, "--out", "/no/such/a.wav"}, 1},
         {"help", {"--help"}, 0},
         {"missing movie", {"trace", "/no/such/movie.swf"}, 1},
         {"no movie at all", {"trace", folder.write("b.swf", {1, 2, 3, 4, 5, 6, 7, 8, 9})}, 1},
