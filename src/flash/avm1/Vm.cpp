@@ -239,6 +239,15 @@ Function* Vm::newFunction(NativeFunction function, int least)
     return m_heap.make<Function>(*this, function, least);
 }
 
+Function* Vm::newScriptLike(NativeFunction native)
+{
+    Function* function = newFunction(native);
+    Object* prototype = newObject();
+    prototype->define(*this, common().constructor, function, kBuiltIn);
+    function->define(*this, common().prototype, prototype, kBuiltIn);
+    return function;
+}
+
 void Vm::addMembers(Object* object, std::span<const MemberInfo> members, int nativeTable)
 {
     for (const MemberInfo& member : members) {

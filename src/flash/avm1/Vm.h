@@ -131,6 +131,8 @@ public:
     /// What the literal {} makes: an object that names its constructor.
     Object* newLiteral();
     Function* newFunction(NativeFunction function, int least = 0);
+    /// A native that scripts take for a function of their kind: it has a prototype.
+    Function* newScriptLike(NativeFunction function);
 
     /// Puts a class's functions on an object. @param nativeTable first number of ASnative; -1 for none.
     void addMembers(Object* object, std::span<const MemberInfo> members, int nativeTable = -1);

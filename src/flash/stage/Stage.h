@@ -306,6 +306,8 @@ private:
     bool keyPressEverywhere(int keyPressCode);
     void moveDragged();
     void focusNext(bool backwards);
+    /// What the Tab key leads to looks and is told as if the pointer were on it.
+    void showAsOver(const NodePtr& node);
     void updateCursor();
 
     Services m_services;

@@ -530,7 +530,22 @@ void Stage::focusNext(bool backwards)
     else
         index = (static_cast<std::size_t>(now - stops.begin()) + (backwards ? stops.size() - 1 : 1)) %
                 stops.size();
-    setFocus(stops[index].second);
+    const NodePtr next = stops[index].second->shared_from_this();
+    setFocus(next.get());
+    if (m_focus == next) showAsOver(next);
+}
+
+void Stage::showAsOver(const NodePtr& node)
+{
+    if (node == m_over) return;
+    const NodePtr before = m_over;
+    const auto reacts = [](const NodePtr& entry) {
+        return entry && !entry->isRemoved() && entry->kind() != NodeKind::TextField;
+    };
+    m_over = node;
+    if (reacts(before)) pointerEvent(*before, Event::RollOut);
+    if (reacts(node)) pointerEvent(*node, Event::RollOver);
+    runQueue();
 }
 
 void Stage::startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits)

@@ -25,11 +25,17 @@ public:
     {
         tell("onLoadComplete", {Value(m_binding.objectOf(&clip)), Value(0)});
     }
-    void initialized(stage::Clip& clip) override { tell("onLoadInit", {Value(m_binding.objectOf(&clip))}); }
+    // The scripts of the loaded movie's first frame wait until all of these are told.
+    void initialized(stage::Clip& clip) override
+    {
+        tell("onLoadInit", {Value(m_binding.objectOf(&clip))});
+        m_binding.stage().runQueue();
+    }
     void failed(stage::Clip& clip, std::string_view error) override
     {
         tell("onLoadError",
              {Value(m_binding.objectOf(&clip)), Value(m_binding.vm().string(error)), Value(0)});
+        m_binding.stage().runQueue();
     }
 
 private:
@@ -42,7 +48,6 @@ private:
         all.emplace_back(vm.string(message));
         all.insert(all.end(), args.begin(), args.end());
         vm.callMethod(m_loader.get(), vm.name(std::string_view("broadcastMessage")), all);
-        stage.runQueue();
     }
     StageBinding& m_binding;
     Root<Object> m_loader;

@@ -4,6 +4,7 @@
 #include "flash/avm1/bindings/BitmapDataClass.h"
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/NetStream.h"
+#include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/classes/Filters.h"
 #include "flash/avm1/classes/GeomValues.h"
@@ -98,6 +99,8 @@ void StageBinding::installClasses()
     installMovieClipLoader(*this);
     installNetStream(*this);
     installXml(*m_vm);
+    if (Object* xml = m_vm->global()->get(*m_vm, m_vm->name(std::string_view("XML"))).asObject())
+        addLoading(*m_vm, m_vm->prototypeOf(xml), 0);
     installFlashPackage();
     const auto prototype = [this](const char* name) -> Object* {
         Object* constructor = m_vm->global()->get(*m_vm, m_vm->name(std::string_view(name))).asObject();
@@ -165,6 +168,11 @@ Object* StageBinding::objectOf(stage::Node* node)
     }
     Object* object = m_vm->newObject(prototype);
     object->attachNew<NodeObject>(*this, node->shared_from_this(), *object);
+    // A text field listens to itself.
+    if (node->kind() == stage::NodeKind::TextField) {
+        const Value own[] = {Value(object)};
+        object->define(*m_vm, "_listeners", Value(m_vm->newArray(own)), kBuiltIn);
+    }
     if (stage::Clip* clip = stage::asClip(node); clip && clip->isMovieRoot()) defineVersion(object);
     return object;
 }

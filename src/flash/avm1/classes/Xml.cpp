@@ -364,6 +364,21 @@ Value parseXmlMethod(Call& call)
     return {};
 }
 
+Value onData(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
+    Vm& vm = call.vm;
+    const bool arrived = !call.arg(0).isUndefined();
+    if (arrived) {
+        vm.callMethod(self, "parseXML", {call.arg(0)});
+        self->put(vm, vm.name(std::string_view("loaded")), Value(true));
+    }
+    vm.callMethod(self, "onLoad", {Value(arrived)});
+    return {};
+}
+Value onLoad(Call&) { return {}; }
+
 Value createElement(Call& call)
 {
     return newXmlNode(call.vm, XmlNode::kElement, toString(call.vm, call.arg(0)));
@@ -423,6 +438,8 @@ void installXml(Vm& vm)
     Object* documentPrototype = vm.newObject(nodePrototype);
     documentPrototype->define(vm, vm.common().constructorInternal, nodeClass, kDontEnum);
     addPlain(documentPrototype, kDocumentMembers, -1);
+    documentPrototype->define(vm, "onData", vm.newScriptLike(&onData), 0);
+    documentPrototype->define(vm, "onLoad", vm.newScriptLike(&onLoad), 0);
     documentClass->define(vm, vm.common().prototype, documentPrototype, kBuiltIn);
     vm.global()->define(vm, "XML", documentClass, kDontEnum);
 }

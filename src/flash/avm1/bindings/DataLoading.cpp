@@ -1,0 +1,138 @@
+#include "flash/avm1/bindings/DataLoading.h"
+
+#include "base/TextCodes.h"
+#include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/classes/XmlNode.h"
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+/// Fetches an address and hands the text to the object's onData.
+bool fetchInto(Call& call, Object* object, std::string url,
+               const std::vector<std::pair<std::string, std::string>>& send,
+               stage::LoadRequest::Method method)
+{
+    StageBinding& binding = StageBinding::of(call);
+    stage::Clip* sender = binding.clipOf(call.vm.target());
+    stage::LoadRequest request;
+    request.url = std::move(url);
+    request.baseUrl = sender ? sender->url() : binding.stage().url();
+    request.method = method;
+    request.variables = send;
+    const int version = call.vm.version();
+    auto target = std::make_shared<Root<Object>>(call.vm.heap(), object);
+    Vm& vm = call.vm;
+    object->define(vm, "_bytesLoaded", Value(0), kDontEnum);
+    object->define(vm, "_bytesTotal", Value(), kDontEnum);
+    object->define(vm, "loaded", Value(false), kDontEnum);
+    binding.stage().fetch(std::move(request), [&binding, target,
+                                               version](const base::Result<stage::LoadAnswer>& answer) {
+        Vm& machine = binding.vm();
+        const Vm::VersionScope scope(machine, version);
+        Value text;
+        if (answer) {
+            std::string_view bytes(reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size());
+            constexpr std::string_view kMark = "\xEF\xBB\xBF";
+            if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
+            text = Value(machine.string(base::isUtf8(bytes) ? base::utf16FromUtf8(bytes)
+                                                            : base::utf16FromAnsi(bytes)));
+            const auto size = Value(static_cast<double>(answer->bytes.size()));
+            target->get()->define(machine, "_bytesLoaded", size, kDontEnum);
+            target->get()->define(machine, "_bytesTotal", size, kDontEnum);
+        }
+        machine.callMethod(target->get(), "onData", {text});
+    });
+    return true;
+}
+
+Value load(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (!self || call.count() == 0) return Value(false);
+    return Value(fetchInto(call, self, utf8Arg(call, 0), {}, stage::LoadRequest::Method::None));
+}
+
+stage::LoadRequest::Method methodArg(Call& call, std::size_t index)
+{
+    const bool get = call.count() > index && Names::fold(textArg(call, index)) == u"get";
+    return get ? stage::LoadRequest::Method::Get : stage::LoadRequest::Method::Post;
+}
+
+Value sendAndLoad(Call& call)
+{
+    Object* self = call.self.asObject();
+    Object* target = call.arg(1).asObject();
+    if (!self || !target) return Value(false);
+    // A document is sent as its text, which nobody outside gets from here; variables go with the address.
+    const auto variables = self->native<XmlNode>() ? std::vector<std::pair<std::string, std::string>>()
+                                                   : StageBinding::of(call).collectVariables(self);
+    return Value(fetchInto(call, target, utf8Arg(call, 0), variables, methodArg(call, 2)));
+}
+
+Value send(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    if (call.count() == 0) return Value(false);
+    binding.services().host.openUrl(utf8Arg(call, 0), call.count() > 1 ? utf8Arg(call, 1) : std::string());
+    return Value(true);
+}
+
+Value getBytesLoaded(Call& call)
+{
+    Object* self = call.self.asObject();
+    return self ? self->get(call.vm, call.vm.name(std::string_view("_bytesLoaded"))) : Value();
+}
+Value getBytesTotal(Call& call)
+{
+    Object* self = call.self.asObject();
+    return self ? self->get(call.vm, call.vm.name(std::string_view("_bytesTotal"))) : Value();
+}
+
+/// Kept on the object, a name and a value after the other; nothing that is loaded from files has headers.
+Value addRequestHeader(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (!self) return {};
+    Vm& vm = call.vm;
+    const Name listName = vm.name(std::string_view("_customHeaders"));
+    Object* list = self->get(vm, listName).asObject();
+    if (!list) {
+        list = vm.newArray();
+        self->define(vm, listName, Value(list), kBuiltIn);
+    }
+    vm.callMethod(list, "push", {call.arg(0), call.arg(1)});
+    return {};
+}
+
+struct LoadingMember {
+    const char* name;
+    NativeFunction function;
+    int nativeIndex; ///< -1: the genuine player has it written in script
+};
+// clang-format off
+constexpr LoadingMember kMembers[] = {
+    {"load",             &load,             0},
+    {"send",             &send,             1},
+    {"sendAndLoad",      &sendAndLoad,      2},
+    {"getBytesLoaded",   &getBytesLoaded,   -1},
+    {"getBytesTotal",    &getBytesTotal,    -1},
+    {"addRequestHeader", &addRequestHeader, -1},
+};
+// clang-format on
+
+} // namespace
+
+void addLoading(Vm& vm, Object* prototype, std::uint16_t flags)
+{
+    for (const LoadingMember& member : kMembers) {
+        const bool native = member.nativeIndex >= 0;
+        Function* function = native ? vm.newFunction(member.function) : vm.newScriptLike(member.function);
+        prototype->define(vm, vm.name(std::string_view(member.name)), function, flags);
+        if (native) vm.registerNative(kLoadTable, member.nativeIndex, member.function);
+    }
+}
+
+} // namespace flash::avm1
