@@ -164,6 +164,9 @@ public:
             return std::chrono::duration<double, std::milli>(now).count();
         };
         inputs.randomSeed = options.randomSeed;
+        inputs.language = options.language;
+        inputs.screenWidth = options.screenWidth;
+        inputs.screenHeight = options.screenHeight;
         script = std::make_unique<avm1::StageBinding>(services, std::move(inputs));
         stage = std::make_unique<stage::Stage>(services, script.get());
         script->attach(*stage);
@@ -171,6 +174,7 @@ public:
 
     void dropStage()
     {
+        if (script) script->saveSharedObjects();
         stage->close();
         stage.reset();
         script.reset();

@@ -32,6 +32,9 @@ public:
         /// What scripts take for the present when the movie starts: milliseconds since 1970-01-01 UTC.
         double startDateMs = 0;
         std::uint32_t randomSeed = 1;
+        /// What scripts are told of the machine: language in two letters, screen in pixels.
+        std::string language = "en";
+        int screenWidth = 1024, screenHeight = 768;
         /// Relative addresses count from here, and nothing outside can be read. Empty: the movie's folder.
         std::filesystem::path baseFolder;
         /// Shared objects are kept here, in a folder for each movie. Empty: they end with the engine.

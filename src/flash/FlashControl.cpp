@@ -11,6 +11,8 @@
 #include <QElapsedTimer>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QLocale>
+#include <QLocale>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -277,7 +279,13 @@ bool FlashControl::LoadMovie(int layer, const QString& url)
         d->error = QStringLiteral("a script of the movie is running");
         return false;
     }
-    d->engine.options().startDateMs = static_cast<double>(QDateTime::currentMSecsSinceEpoch());
+    Engine::Options& options = d->engine.options();
+    options.startDateMs = static_cast<double>(QDateTime::currentMSecsSinceEpoch());
+    options.language = QLocale().name().left(2).toStdString();
+    if (const QScreen* shownOn = screen()) {
+        options.screenWidth = shownOn->size().width();
+        options.screenHeight = shownOn->size().height();
+    }
     d->engine.options().randomSeed = static_cast<std::uint32_t>(QDateTime::currentMSecsSinceEpoch());
     bool done = true; // A handler of what the movie says may end this control's life.
     d->drive([&] {

@@ -6,7 +6,8 @@
 //   NAME.errors    what the compiler says; the movie must not compile
 //   NAME.json      how to run it: frames, ms, frame (of the picture), tolerance and outliers (of the
 //   picture),
-//                  quality, date (of the movie's clock), files (what it loads: descriptions and scripts are
+//                  quality, date (of the movie's clock), runs (how often it is played, keeping its shared
+//                  objects; the last one is compared), files (what it loads: descriptions and scripts are
 //                  compiled to NAME.swf, others copied), knownFailure (a reason; passing is then a failure)
 //   NAME.input     events for the movie, as flashrun's --input takes them
 
@@ -88,6 +89,7 @@ QStringList MovieFile::runArguments(const QJsonObject& options) const
     QStringList arguments{"--base-dir",
                           options.contains("files") ? m_folder.path() : QFileInfo(m_source).path()};
     if (QFile::exists(beside(".input"))) arguments << "--input" << beside(".input");
+    if (options.contains("runs")) arguments << "--storage" << m_folder.filePath("storage");
     if (options.contains("date")) arguments << "--date" << options["date"].toString();
     return arguments;
 }
@@ -131,9 +133,11 @@ void MovieFile::check(const QString& movie, const QJsonObject& options,
                       std::vector<std::string>& faults) const
 {
     if (!QFile::exists(beside(".expected"))) return;
-    const Outcome played =
-        run(tool("flashrun"), QStringList{"trace", movie} + duration(options) + runArguments(options),
-            m_folder.path());
+    Outcome played;
+    for (int i = 0; i < options["runs"].toInt(1); ++i)
+        played =
+            run(tool("flashrun"), QStringList{"trace", movie} + duration(options) + runArguments(options),
+                m_folder.path());
     if (played.status != 0)
         faults.push_back("flashrun ended with " + std::to_string(played.status) + ": " +
                          played.err.toStdString());

@@ -36,6 +36,7 @@ Options of trace, render and record
                        (default: the movie's folder)
       --date TIME      local time at which the movie's clock starts: 2001-02-03T04:05:06
                        (default: now)
+      --storage DIR    shared objects are kept there (default: until the run ends)
       --input FILE     a JSON array of events; those up to the next "Wait" follow each frame
 
 MOVIE may end in a query, movie.swf?name=value: its variables are set on the root.
@@ -121,6 +122,8 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
         arguments.quality = TRY_RESULT(qualityByName(value));
     } else if (option == "--base-dir") {
         arguments.baseFolder = value;
+    } else if (option == "--storage") {
+        arguments.storageFolder = value;
     } else if (option == "--date") {
         arguments.dateMs = TRY_RESULT(localDate(value));
     } else if (option == "--fscommands" && arguments.command == Command::Trace) {

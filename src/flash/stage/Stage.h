@@ -186,6 +186,8 @@ public:
     void focusGained();
     void focusLost();
     [[nodiscard]] Cursor cursor() const { return m_cursor; }
+    /// Whether what runs now is the answer to a key or a mouse button.
+    [[nodiscard]] bool isHandlingInput() const { return m_inputDepth > 0; }
 
     // ---- for scripts ----
     [[nodiscard]] swf::Point mousePosition() const { return m_mouse; } ///< stage twips
@@ -354,6 +356,7 @@ private:
     std::set<int> m_keysToggled;
     int m_lastKeyCode = 0, m_lastCharCode = 0;
     bool m_keysAsked = false; ///< by a script of this movie, once at least
+    int m_inputDepth = 0;
     NodePtr m_focus;
     std::shared_ptr<Clip> m_dragged;
     std::optional<DragLimits> m_dragLimits;

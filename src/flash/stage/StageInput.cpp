@@ -74,6 +74,19 @@ int cueOf(Event event)
     }
 }
 
+/// Counts what is under way.
+class InputScope
+{
+public:
+    explicit InputScope(int& depth) : m_depth(depth) { ++m_depth; }
+    ~InputScope() { --m_depth; }
+    InputScope(const InputScope&) = delete;
+    InputScope& operator=(const InputScope&) = delete;
+
+private:
+    int& m_depth;
+};
+
 } // namespace
 
 NodePtr Stage::pointerTarget(swf::Point stagePoint)
@@ -244,6 +257,7 @@ void Stage::mouseMove(double x, double y)
 
 void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
 {
+    const InputScope scope(m_inputDepth);
     const swf::Point point = viewMatrix().inverted().map(x, y);
     if (point != m_mouse || !m_mouseInside) mouseMove(x, y);
     if (button != MouseButton::Left) return;
@@ -269,6 +283,7 @@ void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
 
 void Stage::mouseUp(double x, double y, MouseButton button)
 {
+    const InputScope scope(m_inputDepth);
     const swf::Point point = viewMatrix().inverted().map(x, y);
     if (point != m_mouse) mouseMove(x, y);
     if (button != MouseButton::Left) return;
@@ -386,6 +401,7 @@ void Stage::keyEvent(Event event)
 
 void Stage::keyDown(int keyCode, char32_t charCode)
 {
+    const InputScope scope(m_inputDepth);
     m_lastKeyCode = keyCode;
     m_lastCharCode = static_cast<int>(charCode);
     m_keysDown.insert(keyCode);
@@ -415,6 +431,7 @@ void Stage::keyDown(int keyCode, char32_t charCode)
 
 void Stage::keyUp(int keyCode, char32_t charCode)
 {
+    const InputScope scope(m_inputDepth);
     m_lastKeyCode = keyCode;
     m_lastCharCode = static_cast<int>(charCode);
     m_keysDown.erase(keyCode);
@@ -426,6 +443,7 @@ bool Stage::isKeyToggled(int keyCode) const { return m_keysToggled.contains(keyC
 
 void Stage::textInput(char32_t character)
 {
+    const InputScope scope(m_inputDepth);
     if (!m_focus || m_focus->kind() != NodeKind::TextField) return;
     static_cast<TextField&>(*m_focus).input(character);
     runQueue();
@@ -433,6 +451,7 @@ void Stage::textInput(char32_t character)
 
 void Stage::textCommand(TextCommand command)
 {
+    const InputScope scope(m_inputDepth);
     if (!m_focus || m_focus->kind() != NodeKind::TextField) return;
     static_cast<TextField&>(*m_focus).command(command);
     runQueue();

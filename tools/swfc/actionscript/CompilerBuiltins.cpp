@@ -49,7 +49,7 @@ constexpr SimpleBuiltin kSimpleBuiltins[] = {
 constexpr std::string_view kOtherBuiltins[] = {
     "gotoAndPlay",  "gotoAndStop",   "getURL",      "fscommand",          "loadMovie",
     "loadMovieNum", "loadVariables", "unloadMovie", "loadVariablesNum",   "unloadMovieNum",
-    "getProperty",  "setProperty",   "startDrag",   "duplicateMovieClip",
+    "getProperty",  "setProperty",   "startDrag",   "duplicateMovieClip", "getVersion",
 };
 
 constexpr std::string_view kProperties[] = {
@@ -116,6 +116,12 @@ Compiler::Produced Compiler::builtin(const Expr* call, Wanted wanted)
     if (*other == "gotoAndPlay") return gotoFrame(call, true);
     if (*other == "gotoAndStop") return gotoFrame(call, false);
     if (*other == "startDrag") return startDrag(call);
+    if (*other == "getVersion") {
+        if (!countArguments(call, 0, 0)) return Produced::Nothing;
+        m_asm.push("/:$version");
+        m_asm.op(Action::GetVariable);
+        return Produced::Value;
+    }
     if (*other == "getProperty" || *other == "setProperty") {
         const bool set = *other == "setProperty";
         if (!countArguments(call, set ? 3 : 2, set ? 3 : 2)) return Produced::Nothing;

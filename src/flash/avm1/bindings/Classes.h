@@ -22,6 +22,8 @@ void installTextField(StageBinding& binding);
 void installTextFormat(StageBinding& binding);
 void installStyleSheet(StageBinding& binding, Object* textField);
 void installLoadVars(StageBinding& binding);
+void installSharedObject(StageBinding& binding);
+void installSystem(StageBinding& binding);
 void installMovieClipLoader(StageBinding& binding);
 /// NetConnection, NetStream, and what Video has besides a button's members.
 void installNetStream(StageBinding& binding);

@@ -3,8 +3,8 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/BitmapDataClass.h"
 #include "flash/avm1/bindings/Classes.h"
-#include "flash/avm1/bindings/NetStream.h"
 #include "flash/avm1/bindings/DataLoading.h"
+#include "flash/avm1/bindings/NetStream.h"
 #include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/classes/Filters.h"
 #include "flash/avm1/classes/GeomValues.h"
@@ -44,7 +44,8 @@ struct StageBinding::State {
     std::vector<NameText*> keptNames;
     std::unordered_map<stage::SoundId, Object*> sounds; // whose end is waited for
     std::vector<std::shared_ptr<NetStream>> streams;    // those that play
-    Object* movieClip = nullptr;                        // prototypes
+    std::map<std::string, Object*, std::less<>> sharedObjects;
+    Object* movieClip = nullptr; // prototypes
     Object* button = nullptr;
     Object* textField = nullptr;
     Object* video = nullptr;
@@ -96,6 +97,8 @@ void StageBinding::installClasses()
     installSound(*this);
     installTextField(*this);
     installLoadVars(*this);
+    installSharedObject(*this);
+    installSystem(*this);
     installMovieClipLoader(*this);
     installNetStream(*this);
     installXml(*m_vm);
@@ -132,6 +135,7 @@ void StageBinding::traceNodes(Tracer& tracer)
     for (NameText* name : m_state->keptNames) tracer(name);
     for (const auto& [id, object] : m_state->sounds) tracer(object);
     for (const auto& stream : m_state->streams) stream->trace(tracer);
+    for (const auto& [key, object] : m_state->sharedObjects) tracer(object);
     tracer(m_state->movieClip);
     tracer(m_state->button);
     tracer(m_state->textField);
@@ -147,6 +151,8 @@ void StageBinding::traceNodes(Tracer& tracer)
 
 StageBinding& StageBinding::of(Call& call) { return of(call.vm); }
 StageBinding& StageBinding::of(Vm& vm) { return static_cast<StageBinding&>(vm.host()); }
+
+std::map<std::string, Object*, std::less<>>& StageBinding::sharedObjects() { return m_state->sharedObjects; }
 
 Value StageBinding::utf8(std::string_view text) { return m_vm->string(base::utf16FromUtf8(text)); }
 std::string StageBinding::toUtf8(std::u16string_view text) { return base::utf8FromUtf16(text); }

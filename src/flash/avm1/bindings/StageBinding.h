@@ -5,6 +5,7 @@
 #include "flash/stage/Stage.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 
 // Everything that joins the script engine to the stage: the one class that both know as their host, and the
@@ -23,6 +24,9 @@ struct BindingInputs {
     std::function<double()> realTimeMs;  ///< of any origin; for the script time-out
     std::uint32_t randomSeed = 1;
     std::string playerVersion = "WIN 8,0,24,0";
+    // What System.capabilities tells of the machine.
+    std::string language = "en"; ///< two letters
+    int screenWidth = 1024, screenHeight = 768;
 };
 
 class NetStream;
@@ -62,6 +66,10 @@ public:
     void construct(stage::Node& node);
     /// The picture of a BitmapData object, shared: later changes to it show. Null for other objects.
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
+    /// The movie's shared objects by the names that the store has for them.
+    [[nodiscard]] std::map<std::string, Object*, std::less<>>& sharedObjects();
+    /// Keeps what changed in them; to be called while the stage still is there, before the movie goes.
+    void saveSharedObjects();
     /// Calls onSoundComplete of the object once the sound has played to its end.
     void watchSound(stage::SoundId sound, Object* object);
     /// Keeps a stream alive and on the stage's clock until it is closed.

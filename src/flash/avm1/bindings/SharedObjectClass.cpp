@@ -1,0 +1,163 @@
+#include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/bindings/StoredValues.h"
+
+#include "base/TextCodes.h"
+
+// SharedObject: what a movie keeps on the machine. Those of servers do not exist.
+namespace flash::avm1
+{
+
+namespace
+{
+
+constexpr std::uint16_t kFixed = kDontEnum | kDontDelete | kReadOnly;
+
+class SharedObjectNative final : public Native
+{
+public:
+    static constexpr char kTag = 0;
+    explicit SharedObjectNative(std::string key) : key(std::move(key)) {}
+    [[nodiscard]] const void* tag() const override { return &kTag; }
+    std::string key; ///< what the store knows it by
+};
+
+bool isValidName(std::string_view name)
+{
+    return !name.empty() && name.find_first_of("~%&\\;:\"',<>?# ") == std::string_view::npos;
+}
+
+Object* dataOf(Vm& vm, Object* shared)
+{
+    return shared->get(vm, vm.name(std::string_view("data"))).asObject();
+}
+
+std::vector<std::uint8_t> contentOf(Vm& vm, Object* shared)
+{
+    Object* data = dataOf(vm, shared);
+    const auto* native = shared->native<SharedObjectNative>();
+    if (!data || !native) return {};
+    const std::string& key = native->key;
+    return encodeStored(vm, data, std::string_view(key).substr(key.rfind('/') + 1));
+}
+
+bool isEmpty(Vm& vm, Object* shared)
+{
+    Object* data = dataOf(vm, shared);
+    return !data || data->enumerate(vm).empty();
+}
+
+/// The path of a movie's address, without scheme, host and query.
+std::string pathOf(std::string_view url)
+{
+    url = url.substr(0, url.find('?'));
+    if (const auto scheme = url.find("://"); scheme != std::string_view::npos) {
+        url.remove_prefix(scheme + 3);
+        url.remove_prefix(std::min(url.find('/'), url.size()));
+    }
+    return std::string(url);
+}
+
+Value getLocal(Call& call)
+{
+    StageBinding& binding = StageBinding::of(call);
+    Vm& vm = call.vm;
+    const std::string name = call.count() > 0 ? utf8Arg(call, 0) : std::string();
+    if (!isValidName(name)) return Value::null();
+    std::string key = name;
+    if (call.count() > 1 && !call.arg(1).isNullish()) {
+        // A folder of the movie's own path, so that movies there can share.
+        const std::string folder = utf8Arg(call, 1);
+        if (!pathOf(binding.stage().url()).starts_with(folder)) return Value::null();
+        key = folder + (folder.ends_with('/') ? "" : "/") + name;
+    }
+    auto& known = binding.sharedObjects();
+    if (const auto found = known.find(key); found != known.end()) return Value(found->second);
+    Object* constructor = vm.global()->get(vm, vm.name(std::string_view("SharedObject"))).asObject();
+    if (!constructor) return Value::null();
+    Object* shared = vm.newObject(vm.prototypeOf(constructor));
+    shared->attachNew<SharedObjectNative>(key);
+    Object* data = vm.newLiteral();
+    shared->define(vm, "data", Value(data), kFixed);
+    known.emplace(key, shared);
+    const auto bytes = binding.services().sharedObjects.read(key);
+    if (!bytes.empty()) {
+        const auto read = decodeStored(vm, data, bytes);
+        if (!read) binding.services().host.logLine("SharedObject " + key + ": " + read.error().what);
+    }
+    return Value(shared);
+}
+
+Value getRemote(Call& call)
+{
+    StageBinding::of(call).services().host.logLine("SharedObject.getRemote is not supported");
+    return Value::null();
+}
+
+Value flush(Call& call)
+{
+    Object* self = call.self.asObject();
+    const auto* native = self ? self->native<SharedObjectNative>() : nullptr;
+    if (!native) return {};
+    return Value(
+        StageBinding::of(call).services().sharedObjects.write(native->key, contentOf(call.vm, self)));
+}
+
+Value getSize(Call& call)
+{
+    Object* self = call.self.asObject();
+    if (!self || !self->native<SharedObjectNative>()) return {};
+    return Value(isEmpty(call.vm, self) ? 0 : static_cast<int>(contentOf(call.vm, self).size()));
+}
+
+Value clear(Call& call)
+{
+    Object* self = call.self.asObject();
+    const auto* native = self ? self->native<SharedObjectNative>() : nullptr;
+    if (!native) return {};
+    if (Object* data = dataOf(call.vm, self))
+        for (const Name name : data->enumerate(call.vm)) data->remove(call.vm, name);
+    StageBinding::of(call).services().sharedObjects.remove(native->key);
+    return {};
+}
+
+Value nothing(Call&) { return {}; }
+
+// clang-format off
+constexpr MemberInfo kMembers[] = {
+    {"connect", 0, kFrom6, &nothing, 0},
+    {"send",    0, kFrom6, &nothing, 1},
+    {"flush",   0, kFrom6, &flush,   2},
+    {"close",   0, kFrom6, &nothing, 3},
+    {"getSize", 0, kFrom6, &getSize, 4},
+    {"setFps",  0, kFrom6, &nothing, 5},
+    {"clear",   0, kFrom6, &clear,   6},
+};
+constexpr MemberInfo kStaticMembers[] = {
+    {"getLocal",  0, kFrom6, &getLocal,  202},
+    {"getRemote", 0, kFrom6, &getRemote, 203},
+};
+// clang-format on
+
+constexpr int kNativeTable = 2106;
+
+} // namespace
+
+void installSharedObject(StageBinding& binding)
+{
+    Vm& vm = binding.vm();
+    Function* constructor = vm.defineClass("SharedObject", &nothing, kMembers, kFrom6, kNativeTable);
+    vm.addMembers(constructor, kStaticMembers, kNativeTable);
+}
+
+void StageBinding::saveSharedObjects()
+{
+    for (const auto& [key, shared] : sharedObjects()) {
+        if (isEmpty(*m_vm, shared)) continue;
+        const auto content = contentOf(*m_vm, shared);
+        if (content == m_services.sharedObjects.read(key)) continue;
+        if (!m_services.sharedObjects.write(key, content))
+            m_services.host.logLine("SharedObject " + key + ": cannot be kept");
+    }
+}
+
+} // namespace flash::avm1
