@@ -139,7 +139,6 @@ Sub ShowNormal
     headTitle.Caption = Player.Caption
     stateText.Caption = Player.StatusText
     ShowControls normalSet, Player.ScaleWidth < 480
-    If Not volumeArea.Visible Then volumeKnob.Visible = False
 End Sub
 
 Sub ShowFull
