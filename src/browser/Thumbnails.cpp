@@ -3,12 +3,10 @@
 #include "base/Failure.h"
 #include "browser/SaveJpg.h"
 #include "browser/Texts.h"
-#include "browser/cDIBSection.h"
 #include "flash/FlashControl.h"
 #include "platform/ProcessMemory.h"
 
 #include <QApplication>
-#include <QRandomGenerator>
 #include <QScopedValueRollback>
 #include <QTime>
 #include <QUrl>
@@ -24,26 +22,29 @@ namespace
 constexpr int kJpegQuality = 75;
 /// Names no file and loads nothing.
 constexpr const char* kNoMovie = "| no |";
-/// How long scripts and nested clips get to settle on the chosen frame, and how often again when there is
-/// nothing to be seen yet.
-constexpr int kSettlingFrames = 8, kMostSettlings = 4;
+/// How long scripts and nested clips get to settle on the chosen frame.
+constexpr int kSettlingFrames = 8;
+/// So often another frame is chosen when there is next to nothing to be seen: a fade, or a loader's frame.
+constexpr int kMostFrames = 4;
+constexpr double kBlankShare = 0.98;
 constexpr double kShortestFrameMs = 10, kLongestFrameMs = 100;
 constexpr int kPumpEveryMs = 15;
 
 /// Of SWF's Quality.
 constexpr int kLowQuality = 0, kHighQuality = 1;
 
-bool isOfOneColour(const cDIBSection& picture)
+/// @returns the share of the pixels that have the colour seen most often; colours that differ little are one
+double shareOfCommonestColour(const cDIBSection& picture)
 {
-    const std::uint8_t* first = picture.row(0);
-    const auto lineBytes = static_cast<std::size_t>(picture.Width()) * 3;
+    constexpr unsigned kShades = 32;
+    std::vector<int> counts(kShades * kShades * kShades);
     for (int y = 0; y < picture.Height(); ++y) {
-        const std::uint8_t* row = picture.row(y);
-        for (std::size_t x = 0; x < lineBytes; x += 3) {
-            if (!std::equal(row + x, row + x + 3, first)) return false;
-        }
+        const std::uint8_t* pixel = picture.row(y);
+        for (int x = 0; x < picture.Width(); ++x, pixel += 3)
+            ++counts[(pixel[0] / 8U * kShades + pixel[1] / 8U) * kShades + pixel[2] / 8U];
     }
-    return true;
+    return static_cast<double>(*std::max_element(counts.begin(), counts.end())) /
+           (static_cast<double>(picture.Width()) * picture.Height());
 }
 
 } // namespace
@@ -119,23 +120,9 @@ void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
                                  : static_cast<quint32>(QTime::currentTime().msecsSinceStartOfDay()));
     ++m_made;
     control.setQuality(m_host.hqShots() ? kHighQuality : kLowQuality);
-    if (control.FrameNum() != -1) {
-        control.GotoFrame(thumbnailFrame(control.TotalFrames(), random.generateDouble()));
-        settle();
-    }
+    cDIBSection picture = bestPicture(random);
     pump();
-    if (!watch()) {
-        cDIBSection picture;
-        picture.CreateFromPicture(window.capture());
-        for (int again = 1; again < kMostSettlings && control.FrameNum() != -1 && isOfOneColour(picture);
-             ++again) {
-            settle();
-            if (watch()) break;
-            picture.CreateFromPicture(window.capture());
-        }
-        pump();
-        if (!isGivenUp() && !SaveJPG(m_application, picture, thumbnail, kJpegQuality)) log(texts::kLogNoJpeg);
-    }
+    if (!watch() && !SaveJPG(m_application, picture, thumbnail, kJpegQuality)) log(texts::kLogNoJpeg);
     // What runs no longer holds no memory and does not go on below the next one.
     const bool wasDropped = m_dropped;
     control.LoadMovie(0, {});
@@ -153,15 +140,39 @@ void Thumbnails::load(const QString& movie)
         m_window->showMissing(true);
 }
 
-void Thumbnails::settle() { advanceFrames(kSettlingFrames); }
+cDIBSection Thumbnails::bestPicture(QRandomGenerator& random)
+{
+    flash::FlashControl& control = m_window->SWF();
+    cDIBSection best;
+    double bestShare = 2;
+    for (int frame = 0; frame < kMostFrames && bestShare > kBlankShare; ++frame) {
+        // What was not loaded is pictured as it stands.
+        const bool isLoaded = control.FrameNum() != -1;
+        if (isLoaded) {
+            control.GotoFrame(thumbnailFrame(control.TotalFrames(), random.generateDouble()));
+            settle();
+        }
+        pump();
+        if (watch()) return best;
+        cDIBSection picture;
+        picture.CreateFromPicture(m_window->capture());
+        const double share = shareOfCommonestColour(picture);
+        if (share < bestShare) {
+            best = std::move(picture);
+            bestShare = share;
+        }
+        if (!isLoaded) break;
+    }
+    return best;
+}
 
-void Thumbnails::advanceFrames(int count)
+void Thumbnails::settle()
 {
     flash::FlashControl& control = m_window->SWF();
     const double rate = control.frameRate();
     const double frameMs =
         rate > 0 ? std::clamp(1000 / rate, kShortestFrameMs, kLongestFrameMs) : kLongestFrameMs;
-    for (int i = 0; i < count && !watch(); ++i) control.advance(frameMs);
+    for (int i = 0; i < kSettlingFrames && !watch(); ++i) control.advance(frameMs);
 }
 
 void Thumbnails::dropMovie(const char* why)

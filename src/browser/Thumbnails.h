@@ -2,6 +2,7 @@
 
 #include "browser/BrowserHost.h"
 #include "browser/BrowserState.h"
+#include "browser/cDIBSection.h"
 #include "browser/frmShot.h"
 #include "core/Application.h"
 #include "media/MediaFiles.h"
@@ -9,6 +10,7 @@
 
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QRandomGenerator>
 
 #include <optional>
 
@@ -57,8 +59,9 @@ public:
 private:
     frmShot& openWindow();
     void load(const QString& movie);
+    /// The picture of a random frame, or of another one where that shows next to nothing.
+    cDIBSection bestPicture(QRandomGenerator& random);
     void settle();
-    void advanceFrames(int count);
     void dropMovie(const char* why);
     [[nodiscard]] bool isGivenUp() const { return m_dropped || m_state.skip; }
     /// Lets events through and looks at the limits. @returns whether the movie at hand is given up

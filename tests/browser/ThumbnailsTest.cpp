@@ -147,6 +147,23 @@ TEST_F(ThumbnailMaker, TheSeedDecidesWhichFrameIsSeen)
     EXPECT_GE(seen.size(), 3U);
 }
 
+TEST_F(ThumbnailMaker, PrefersAFrameThatShowsSomething)
+{
+    // More than half of the middle part is a blank stage with a hairline.
+    QString content = ground(8) + "<shape id='line'><rect width='320' height='1' fill='#888'/></shape>"
+                                  "<frame duration='7'><place id='line' depth='1'/></frame>"
+                                  "<frame duration='3'><place id='g8' depth='2'/></frame>";
+    const QString file = movie("a.swf", content);
+    int pictured = 0;
+    for (quint32 seed = 0; seed < 10; ++seed) {
+        thumbnails.seed = seed;
+        const QString shot = application.CachePath + QString("%1.jpg").arg(seed);
+        thumbnails.MakeThumbnail(file, shot);
+        if (nearest(loadThumbnail(shot).pixel(120, 90)) == 8) ++pictured;
+    }
+    EXPECT_GE(pictured, 8);
+}
+
 TEST_F(ThumbnailMaker, WaitsForScriptsToSettle)
 {
     // Nothing can be seen before the fifth frame, and then a clip that a script makes.
