@@ -105,8 +105,7 @@ void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
     m_sincePump.start();
     m_memoryBefore = platform::residentBytes();
     window.setPath(movie);
-    window.showMissing(false);
-    window.show(); // before the movie comes, which may take its time: there is a button to stop it
+    window.present(); // before the movie comes, which may take its time: there is a button to stop it
     pump();
 
     QString path = movie;
@@ -123,11 +122,11 @@ void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
     cDIBSection picture = bestPicture(random);
     pump();
     if (!watch() && !SaveJPG(m_application, picture, thumbnail, kJpegQuality)) log(texts::kLogNoJpeg);
-    // What runs no longer holds no memory and does not go on below the next one.
-    const bool wasDropped = m_dropped;
-    control.LoadMovie(0, {});
-    if (wasDropped) platform::returnFreeMemory();
-    pump();
+    // What went well stays to be seen until the next one comes.
+    if (m_dropped) {
+        control.LoadMovie(0, {});
+        platform::returnFreeMemory();
+    }
 }
 
 /// What cannot be loaded is shown as missing, and so comes out on its picture.
@@ -135,6 +134,7 @@ void Thumbnails::load(const QString& movie)
 {
     flash::FlashControl& control = m_window->SWF();
     control.LoadMovie(0, {});
+    m_window->showMissing(false);
     const bool marked = movie.contains('?');
     if (!control.LoadMovie(0, marked ? QUrl::fromLocalFile(movie).toString(QUrl::FullyEncoded) : movie))
         m_window->showMissing(true);

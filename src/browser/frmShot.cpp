@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <cmath>
@@ -61,6 +62,7 @@ frmShot::frmShot(QWidget* parent, const QString& shadowImage)
 {
     setObjectName("frmShot");
     setWindowTitle(texts::kShotsTitle);
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     setWindowModality(Qt::ApplicationModal);
     setStyleSheet(dialogStyle());
     setToolTip(texts::kShotsTip);
@@ -116,6 +118,18 @@ frmShot::frmShot(QWidget* parent, const QString& shadowImage)
     column->addSpacing(4);
     column->addWidget(m_cbCancel, 0, Qt::AlignHCenter);
     column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void frmShot::present()
+{
+    if (isVisible()) return;
+    if (parentWidget() == nullptr || !parentWidget()->isVisible()) {
+        adjustSize();
+        QRect place = rect();
+        place.moveCenter(screen()->availableGeometry().center());
+        move(place.topLeft());
+    }
+    show();
 }
 
 void frmShot::setPath(const QString& path)

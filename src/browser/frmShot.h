@@ -25,6 +25,8 @@ public:
     frmShot(QWidget* parent, const QString& shadowImage);
 
     [[nodiscard]] flash::FlashControl& SWF() { return *m_swf; }
+    /// Shows the window: over its parent, or in the middle of the screen while that one is not shown.
+    void present();
     /// Shows a movie's path, shortened to the width that there is.
     void setPath(const QString& path);
     /// Bar and count; for more than one thumbnail.
