@@ -30,6 +30,7 @@ inline constexpr const char* kOfOriginal      = "% от оригинала";
 inline constexpr const char* kProjector       = "Автономный проектор (EXE)";
 inline constexpr const char* kOnly            = "Лишь ";
 inline constexpr const char* kLoaded          = "% файла загружено";
+inline constexpr const char* kGone            = "Файл не найден";
 inline constexpr const char* kFps             = " fps";
 inline constexpr const char* kBytes           = " байт";
 inline constexpr const char* kKilobytes       = " Кб";

@@ -47,6 +47,7 @@ frmInfo::frmInfo(BrowserHost& host, core::Application& application, Thumbnails& 
 {
     setObjectName("frmInfo");
     setWindowTitle(texts::kInfoTitle);
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     setStyleSheet(dialogStyle());
 
     m_pic->setFixedSize(kShotWidth, kShotHeight);
@@ -58,6 +59,7 @@ frmInfo::frmInfo(BrowserHost& host, core::Application& application, Thumbnails& 
     m_noPicture->setParent(shadow);
     m_noPicture->setGeometry(m_pic->geometry());
     m_noPicture->setAlignment(Qt::AlignCenter);
+    m_noPicture->setStyleSheet("background: #E4EAF4; border: 1px solid #C3D0E6; border-radius: 3px;");
     m_noPicture->setToolTip(texts::kRefreshTip);
     m_noPicture->installEventFilter(this);
     m_lblFileName->installEventFilter(this);
@@ -89,6 +91,10 @@ frmInfo::frmInfo(BrowserHost& host, core::Application& application, Thumbnails& 
     column->addWidget(close, 0, Qt::AlignRight);
     column->setSizeConstraint(QLayout::SetFixedSize);
     for (QLabel* label : {m_lblName, m_lblFileName}) label->setFixedWidth(kTextWidth);
+
+    auto* gone = newLabel(this, "lblGone", texts::kGone);
+    lines->insertWidget(lines->count() - 1, gone);
+    gone->setVisible(!core::fileExists(m_path));
 
     fillTexts(info, host.GetTime(info.FrameCount));
 }

@@ -1,0 +1,81 @@
+"""What the tests of the whole program share: a virtual display, what is on it, a copy of the program to run."""
+import os
+import shutil
+import subprocess
+import sys
+import time
+
+NO_DISPLAY = 77
+
+
+def under_virtual_display(size):
+    """Runs this very script on a display of its own. Returns its exit status, or None on that display."""
+    if os.environ.get('ZORVEX_E2E_DISPLAY'):
+        os.environ['QT_QPA_PLATFORM'] = 'xcb'
+        suppressions = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'lsan.supp')
+        os.environ['LSAN_OPTIONS'] = 'suppressions=' + suppressions
+        return None
+    tools = ('xvfb-run', 'xdotool', 'import')
+    if not all(shutil.which(tool) for tool in tools):
+        print('needs ' + ', '.join(tools))
+        return NO_DISPLAY
+    command = ['xvfb-run', '-a', '-s', '-screen 0 %sx24' % size, sys.executable] + sys.argv
+    return subprocess.run(command, env=dict(os.environ, ZORVEX_E2E_DISPLAY='1'), check=False).returncode
+
+
+def screen():
+    """The root window as (width, rows of RGB bytes)."""
+    ppm = subprocess.run(['import', '-window', 'root', '-depth', '8', 'ppm:-'], check=True, capture_output=True).stdout
+    _, width, height, _, pixels = ppm.split(maxsplit=4) if ppm[:2] == b'P6' else sys.exit('no picture')
+    width, height = int(width), int(height)
+    pixels = ppm[len(ppm) - 3 * width * height:]
+    return width, [pixels[3 * width * y:3 * width * (y + 1)] for y in range(height)]
+
+
+def spots(colour, tolerance=0):
+    """Where on the screen a colour is seen: list of (x, y)."""
+    width, rows = screen()
+    wanted = bytes(colour)
+    if tolerance == 0:
+        return [(x, y) for y, row in enumerate(rows) for x in range(width) if row[3 * x:3 * x + 3] == wanted]
+    return [(x, y) for y, row in enumerate(rows) for x in range(width)
+            if all(abs(row[3 * x + i] - wanted[i]) <= tolerance for i in range(3))]
+
+
+def count(colour, tolerance=0):
+    return len(spots(colour, tolerance))
+
+
+def click(x, y, *options):
+    subprocess.run(['xdotool', 'mousemove', str(x), str(y), 'click'] + list(options) + ['1'], check=True)
+
+
+def wait_for(what, question, seconds=20):
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        answer = question()
+        if answer:
+            return answer
+        time.sleep(0.2)
+    return sys.exit('in vain: ' + what)
+
+
+def copy_program(program_folder, scratch):
+    """A copy of the program folder, so that journal, cache and settings are the test's own."""
+    folder = os.path.join(scratch, 'program')
+    shutil.rmtree(folder, ignore_errors=True)
+    shutil.copytree(program_folder, folder)
+    return folder
+
+
+def compile_movie(swfc, text, target):
+    source = target + '.xml'
+    with open(source, 'w', encoding='utf-8') as handle:
+        handle.write(text)
+    subprocess.run([swfc, source, '-o', target], check=True)
+    os.remove(source)
+
+
+def journal(folder):
+    with open(os.path.join(folder, 'App.Log.html'), encoding='cp1251', newline='') as handle:
+        return handle.read()
