@@ -22,12 +22,13 @@ function number(text) {
   return isNaN(value) ? 0 : value;
 }
 
+// Beyond the stage's edges too: a window may be wider or higher than the page.
 function bar(y) {
-  // Beyond the stage's edges too: a window may be wider than the page.
-  fillRound(this, -WIDE, y, 3 * WIDE, BAR, 0, SLATE);
+  var isTop = y == 0, line = isTop ? BAR - 0.5 : y + 0.5;
+  fillRound(this, -WIDE, isTop ? -HIGH : y, 3 * WIDE, HIGH + (isTop ? BAR : 0), 0, SLATE);
   lineStyle(0, WHITE, 12);
-  moveTo(-WIDE, y == 0 ? BAR - 0.5 : y + 0.5);
-  lineTo(2 * WIDE, y == 0 ? BAR - 0.5 : y + 0.5);
+  moveTo(-WIDE, line);
+  lineTo(2 * WIDE, line);
   lineStyle();
 }
 bar(0);

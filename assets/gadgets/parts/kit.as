@@ -103,20 +103,13 @@ function label(parent, x, y, w, h, size, color, font) {
   var field = parent[name];
   field.embedFonts = true;
   field.selectable = false;
-  field.font = font == undefined ? SANS : font;
-  field.setNewTextFormat(new TextFormat(field.font, size, color));
+  field.setNewTextFormat(new TextFormat(font == undefined ? SANS : font, size, color));
   return field;
 }
 
 // Letters that the page does not bring come from the machine.
 function setText(field, text) {
-  var embedded = isCovered(text);
-  if (embedded != field.embedFonts) {
-    var format = field.getNewTextFormat();
-    format.font = embedded ? field.font : "_sans";
-    field.embedFonts = embedded;
-    field.setNewTextFormat(format);
-  }
+  field.embedFonts = isCovered(text);
   field.text = text;
 }
 
