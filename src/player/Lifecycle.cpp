@@ -100,12 +100,14 @@ void Lifecycle::CloseMedia(const QString& message)
     m_application.LogEvent({});
     m_application.LogEvent(" :: Close Flash");
     m_player.setMediaInfoEnabled(false);
-    const QString page = m_application.GadgetsPath + "welcome.swf";
+    const QString page = m_application.GadgetsPath.isEmpty()
+                             ? QString()
+                             : welcomePage(m_application, message, m_player.options().noAnimation);
     bool shown = false;
-    if (core::fileExists(page)) {
-        m_player.LoadFlash(welcomePage(m_application, message, m_player.options().noAnimation),
-                           texts::kWelcomeCaption);
-        shown = m_player.mediaInfo().OriginalPath == page && m_player.movieScreen().showsControl();
+    if (core::fileExists(filePartOf(page))) {
+        m_player.LoadFlash(page, texts::kWelcomeCaption);
+        // A page that cannot be shown leaves what was there.
+        shown = m_player.movieScreen().showsControl() && m_player.control().Movie() == page;
     }
     if (!shown) {
         m_player.setUpdateTimerEnabled(false);

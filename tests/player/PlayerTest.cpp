@@ -75,28 +75,6 @@ TEST_F(PlayerWindow, RegistersItselfAtEachSaveWhileTheOptionIsOn)
     EXPECT_TRUE(isDefault()) << "switching it off removes nothing";
 }
 
-class SkinnedWindow : public PlayerWindow
-{
-protected:
-    void putSkin(const QString& name, const QByteArray& xml, const QByteArray& script = {})
-    {
-        const QString skin = path("media/skins/" + name + '/');
-        QDir().mkpath(skin);
-        for (const auto& [file, bytes] :
-             {std::pair(QString("skin.xml"), xml), std::pair(QString("s.vbs"), script)}) {
-            QFile out(skin + file);
-            ASSERT_TRUE(out.open(QFile::WriteOnly));
-            out.write(bytes);
-        }
-    }
-    static QByteArray skinOf(const QByteArray& elements)
-    {
-        return "<THEME scriptFile='s.vbs' minWidth='200' minHeight='100'><VIEW name='viewNormal'>" +
-               elements + "</VIEW><VIEW name='viewFullScreen'/></THEME>";
-    }
-    static constexpr const char* kScript = "Sub onLoad : End Sub";
-};
-
 TEST_F(SkinnedWindow, HasItsOwnBarUnlessASkinDraws)
 {
     const auto barOf = [](Player& player) { return player.findChild<ControlBar*>(); };

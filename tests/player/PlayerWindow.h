@@ -35,7 +35,7 @@ protected:
         movie = put("intro.swf", media::plainMovie());
     }
     [[nodiscard]] QString path(const QString& name) const { return m_folder.filePath(name); }
-    [[nodiscard]] QString put(const QString& name, const media::ByteVector& bytes) const
+    QString put(const QString& name, const media::ByteVector& bytes) const
     {
         EXPECT_TRUE(base::replaceFile(core::filePath(path(name)), bytes));
         return path(name);
@@ -85,6 +85,29 @@ protected:
     QTemporaryDir m_folder;
     core::Application application;
     QString movie;
+};
+
+/// With skins in its folder.
+class SkinnedWindow : public PlayerWindow
+{
+protected:
+    void putSkin(const QString& name, const QByteArray& xml, const QByteArray& script = {})
+    {
+        const QString skin = path("media/skins/" + name + '/');
+        QDir().mkpath(skin);
+        for (const auto& [file, bytes] :
+             {std::pair(QString("skin.xml"), xml), std::pair(QString("s.vbs"), script)}) {
+            QFile out(skin + file);
+            ASSERT_TRUE(out.open(QFile::WriteOnly));
+            out.write(bytes);
+        }
+    }
+    static QByteArray skinOf(const QByteArray& elements)
+    {
+        return "<THEME scriptFile='s.vbs' minWidth='200' minHeight='100'><VIEW name='viewNormal'>" +
+               elements + "</VIEW><VIEW name='viewFullScreen'/></THEME>";
+    }
+    static constexpr const char* kScript = "Sub onLoad : End Sub";
 };
 
 } // namespace player
