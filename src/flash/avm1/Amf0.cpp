@@ -4,232 +4,223 @@
 #include "flash/avm1/ArrayNative.h"
 #include "flash/avm1/Convert.h"
 #include "flash/avm1/classes/Boxed.h"
+#include "flash/avm1/classes/XmlNode.h"
 
-#include <algorithm>
 #include <bit>
-#include <limits>
 
 namespace flash::avm1
 {
 namespace
 {
 
-enum class Type : std::uint8_t {
-    Number = 0,
-    Boolean,
-    String,
-    Object,
-    MovieClip,
-    Null,
-    Undefined,
-    Reference,
-    EcmaArray,
-    ObjectEnd,
-    StrictArray,
-    Date,
-    LongString,
-    Unsupported,
-    RecordSet,
-    Xml,
-    TypedObject,
+enum Kind : std::uint8_t {
+    kNumber = 0,
+    kBoolean = 1,
+    kText = 2,
+    kObject = 3,
+    kNull = 5,
+    kUndefined = 6,
+    kReference = 7,
+    kNamedArray = 8,
+    kEnd = 9,
+    kPlainArray = 10,
+    kDate = 11,
+    kLongText = 12,
+    kUnsupported = 13,
+    kXml = 15,
+    kClassObject = 16,
 };
 
-constexpr int kMostNested = 64;
-constexpr std::size_t kMostReferences = 0xFFFF;
-constexpr std::size_t kLongestShortText = 0xFFFF;
+constexpr int kDeepest = 64;
 
 } // namespace
 
+// ---- writing ----------------------------------------------------------------------------------------------
+
+void Amf0Writer::number(std::uint64_t value, int bytes)
+{
+    for (int i = bytes - 1; i >= 0; --i) m_out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
+void Amf0Writer::real(double value) { number(std::bit_cast<std::uint64_t>(value), 8); }
+
+void Amf0Writer::name(std::string text)
+{
+    constexpr std::size_t kLongest = 0xFFFF;
+    if (text.size() > kLongest) text.resize(kLongest);
+    number(text.size(), 2);
+    append(text);
+}
+
+void Amf0Writer::properties(Object* object, int depth, base::Bytes closing)
+{
+    const std::vector<Name> names = object->enumerate(m_vm);
+    for (auto at = names.rbegin(); at != names.rend(); ++at) {
+        if (!object->hasOwn(m_vm, *at)) continue;
+        const Value held = object->get(m_vm, *at);
+        if (!isWritten(held, depth)) continue;
+        name(base::utf8FromUtf16(at->view()));
+        value(held, depth);
+        append(closing);
+    }
+}
+
+bool Amf0Writer::isWritten(Value held, int depth)
+{
+    Object* object = held.asObject();
+    if (object == nullptr) return true;
+    const bool staged = m_vm.host().isClip(object) || m_vm.host().isStageObject(object);
+    return !object->isFunction() && !staged && depth < kDeepest;
+}
+
+void Amf0Writer::text(std::u16string_view units, std::uint8_t brief, std::uint8_t lengthy)
+{
+    const std::string utf8 = base::utf8FromUtf16(units);
+    const bool fits = utf8.size() <= 0xFFFF && brief == kText;
+    m_out.push_back(fits ? brief : lengthy);
+    number(utf8.size(), fits ? 2 : 4);
+    append(utf8);
+}
+
+void Amf0Writer::value(Value held, int depth)
+{
+    if (held.isUndefined()) {
+        m_out.push_back(kUndefined);
+    } else if (held.isNullish()) {
+        m_out.push_back(kNull);
+    } else if (held.isBoolean()) {
+        m_out.push_back(kBoolean);
+        m_out.push_back(held.boolean() ? 1 : 0);
+    } else if (held.isString()) {
+        text(held.string()->view(), kText, kLongText);
+    } else if (Object* object = held.asObject()) {
+        objectValue(object, depth);
+    } else {
+        m_out.push_back(kNumber);
+        real(toNumber(m_vm, held));
+    }
+}
+
+void Amf0Writer::objectValue(Object* object, int depth)
+{
+    if (const auto* boxed = object->native<Boxed>()) {
+        value(boxed->value, depth);
+        return;
+    }
+    if (const auto* date = object->native<DateNative>()) {
+        m_out.push_back(kDate);
+        real(date->timeMs);
+        number(0, 2); // minutes of the zone, which nobody reads
+        return;
+    }
+    if (object->native<XmlNode>()) {
+        text(xmlText(m_vm, object), kXml, kXml);
+        return;
+    }
+    const auto known = m_references.find(object);
+    if (known != m_references.end() && known->second <= 0xFFFF) {
+        m_out.push_back(kReference);
+        number(known->second, 2);
+        return;
+    }
+    m_references.emplace(object, m_references.size());
+    if (const auto* array = object->native<ArrayNative>()) {
+        m_out.push_back(kNamedArray);
+        number(static_cast<std::uint32_t>(std::min(array->length(), 4294967295.0)), 4);
+    } else {
+        m_out.push_back(kObject);
+    }
+    properties(object, depth + 1, {});
+    number(0, 2);
+    m_out.push_back(kEnd);
+}
+
 // ---- reading ----------------------------------------------------------------------------------------------
 
-base::Result<std::uint32_t> Amf0Reader::count(int bytes)
+base::Result<std::uint64_t> Amf0Reader::number(int count)
 {
-    const base::Bytes found = TRY_RESULT(m_reader.bytes(static_cast<std::size_t>(bytes)));
-    std::uint32_t value = 0;
-    for (const std::uint8_t byte : found) value = value << 8 | byte;
-    return value;
+    std::uint64_t result = 0;
+    for (const std::uint8_t byte : TRY_RESULT(m_bytes.bytes(static_cast<std::size_t>(count))))
+        result = result << 8 | byte;
+    return result;
 }
 
-base::Result<double> Amf0Reader::number()
-{
-    const base::Bytes found = TRY_RESULT(m_reader.bytes(sizeof(double)));
-    std::uint64_t bits = 0;
-    for (const std::uint8_t byte : found) bits = bits << 8 | byte;
-    return std::bit_cast<double>(bits);
-}
+base::Result<double> Amf0Reader::real() { return std::bit_cast<double>(TRY_RESULT(number(8))); }
 
 base::Result<std::u16string> Amf0Reader::text(int lengthBytes)
 {
-    const std::uint32_t length = TRY_RESULT(count(lengthBytes));
-    const base::Bytes found = TRY_RESULT(m_reader.bytes(length));
+    const auto length = static_cast<std::size_t>(TRY_RESULT(number(lengthBytes)));
+    const base::Bytes found = TRY_RESULT(m_bytes.bytes(length));
     return base::utf16FromUtf8({reinterpret_cast<const char*>(found.data()), found.size()});
 }
 
-base::Result<std::u16string> Amf0Reader::name() { return text(2); }
-
-base::Result<Value> Amf0Reader::members(Object* object, int depth)
+base::Result<Value> Amf0Reader::textValue(int lengthBytes)
 {
-    for (;;) {
-        const std::u16string key = TRY_RESULT(name());
-        base::ByteReader ahead = m_reader;
-        if (key.empty() && TRY_RESULT(ahead.u8()) == static_cast<std::uint8_t>(Type::ObjectEnd)) {
-            m_reader = ahead;
-            return Value(object);
-        }
-        const Value member = TRY_RESULT(value(depth + 1));
-        object->put(m_vm, m_vm.name(key), member);
-    }
+    return Value(m_vm.string(TRY_RESULT(text(lengthBytes))));
 }
 
-base::Result<Value> Amf0Reader::list(int depth)
+base::Result<Value> Amf0Reader::made(const char* className, Value argument)
 {
-    const std::uint32_t length = TRY_RESULT(count(4));
-    // Each element takes a byte at the least, so that a wrong length cannot ask for more than there is.
-    if (length > m_reader.remaining())
-        return base::fail(base::ErrorCode::Truncated, "a list is longer than its message");
-    Object* array = m_vm.newArray();
-    m_seen.push_back(array);
-    for (std::uint32_t i = 0; i < length; ++i) {
-        const Value element = TRY_RESULT(value(depth + 1));
-        array->put(m_vm, m_vm.names().fromIndex(i), element);
-    }
-    return Value(array);
+    const Value constructor = m_vm.global()->get(m_vm, m_vm.name(std::string_view(className)));
+    return m_vm.construct(constructor, {&argument, 1});
 }
 
 base::Result<Value> Amf0Reader::value(int depth)
 {
-    if (depth > kMostNested) return base::fail(base::ErrorCode::Malformed, "a message is nested too deeply");
-    const auto type = static_cast<Type>(TRY_RESULT(m_reader.u8()));
-    switch (type) {
-    case Type::Number: return Value(TRY_RESULT(number()));
-    case Type::Boolean: return Value(TRY_RESULT(m_reader.u8()) != 0);
-    case Type::String: return Value(m_vm.string(TRY_RESULT(text(2))));
-    case Type::LongString:
-    case Type::Xml: return Value(m_vm.string(TRY_RESULT(text(4))));
-    case Type::Null: return Value::null();
-    case Type::MovieClip:
-    case Type::RecordSet:
-    case Type::Undefined:
-    case Type::Unsupported: return Value();
-    case Type::Reference: {
-        const std::uint32_t index = TRY_RESULT(count(2));
-        return index < m_seen.size() ? Value(m_seen[index]) : Value();
+    if (depth > kDeepest)
+        return base::fail(base::ErrorCode::LimitReached, "values that are nested too deeply");
+    const std::uint8_t marker = TRY_RESULT(m_bytes.u8());
+    switch (marker) {
+    case kNumber: return Value(TRY_RESULT(real()));
+    case kBoolean: return Value(TRY_RESULT(m_bytes.u8()) != 0);
+    case kText: return textValue(2);
+    case kLongText: return textValue(4);
+    case kNull: return Value::null();
+    case kUndefined:
+    case kUnsupported: return Value();
+    case kXml: return made("XML", TRY_RESULT(textValue(4)));
+    case kDate: {
+        const double timeMs = TRY_RESULT(real());
+        TRY_RESULT(number(2));
+        return made("Date", Value(timeMs));
     }
-    case Type::TypedObject: CHECK_RESULT(name()); [[fallthrough]];
-    case Type::Object: m_seen.push_back(m_vm.newLiteral()); return members(m_seen.back(), depth);
-    case Type::EcmaArray:
-        CHECK_RESULT(count(4)); // what it is said to hold; the end mark decides
-        m_seen.push_back(m_vm.newArray());
-        return members(m_seen.back(), depth);
-    case Type::StrictArray: return list(depth);
-    case Type::Date: {
-        const Value time(TRY_RESULT(number()));
-        CHECK_RESULT(count(2)); // a time zone, which nobody sets
-        Object* constructor = m_vm.global()->get(m_vm, m_vm.name(std::string_view("Date"))).asObject();
-        return m_vm.construct(Value(constructor), std::span(&time, 1));
+    case kReference: {
+        const auto index = static_cast<std::size_t>(TRY_RESULT(number(2)));
+        if (index >= m_objects->size())
+            return base::fail(base::ErrorCode::Malformed, "a value that refers to nothing");
+        return (*m_objects)[index];
     }
-    case Type::ObjectEnd: break;
+    case kClassObject:
+        TRY_RESULT(text(2)); // its class is not known here
+        return members(m_vm.newLiteral(), depth);
+    case kObject: return members(m_vm.newLiteral(), depth);
+    case kNamedArray: TRY_RESULT(number(4)); return members(m_vm.newArray(), depth);
+    case kPlainArray: return elements(depth);
+    default: return base::fail(base::ErrorCode::Unsupported, "a value of kind " + std::to_string(marker));
     }
-    return base::fail(base::ErrorCode::Malformed,
-                      "a message holds a value of type " + std::to_string(static_cast<int>(type)));
 }
 
-// ---- writing ----------------------------------------------------------------------------------------------
-
-void Amf0Writer::count(std::uint32_t value, int bytes)
+base::Result<Value> Amf0Reader::members(Object* object, int depth)
 {
-    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
-        m_bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+    m_objects->emplace_back(object);
+    for (;;) {
+        const std::u16string key = TRY_RESULT(text(2));
+        if (key.empty() && !m_bytes.atEnd() && m_bytes.rest()[0] == kEnd) break;
+        const Value held = TRY_RESULT(value(depth + 1));
+        object->put(m_vm, m_vm.name(key), held);
+    }
+    TRY_RESULT(m_bytes.u8());
+    return Value(object);
 }
 
-void Amf0Writer::number(double number)
+base::Result<Value> Amf0Reader::elements(int depth)
 {
-    const auto bits = std::bit_cast<std::uint64_t>(number);
-    count(static_cast<std::uint32_t>(bits >> 32), 4);
-    count(static_cast<std::uint32_t>(bits), 4);
-}
-
-void Amf0Writer::name(std::u16string_view name)
-{
-    std::string utf8 = base::utf8FromUtf16(name);
-    utf8.resize(std::min(utf8.size(), kLongestShortText));
-    count(static_cast<std::uint32_t>(utf8.size()), 2);
-    m_bytes.insert(m_bytes.end(), utf8.begin(), utf8.end());
-}
-
-void Amf0Writer::text(std::u16string_view text)
-{
-    const std::string utf8 = base::utf8FromUtf16(text);
-    const bool isLong = utf8.size() > kLongestShortText;
-    m_bytes.push_back(static_cast<std::uint8_t>(isLong ? Type::LongString : Type::String));
-    count(static_cast<std::uint32_t>(utf8.size()), isLong ? 4 : 2);
-    m_bytes.insert(m_bytes.end(), utf8.begin(), utf8.end());
-}
-
-void Amf0Writer::members(Object* object, int depth)
-{
-    for (const Name member : object->enumerate(m_vm)) {
-        const Value found = object->get(m_vm, member);
-        if (found.asObject() != nullptr && found.asObject()->isFunction()) continue;
-        name(member.view());
-        write(found, depth + 1);
-    }
-    name(u"");
-    m_bytes.push_back(static_cast<std::uint8_t>(Type::ObjectEnd));
-}
-
-void Amf0Writer::object(Object* object, int depth)
-{
-    const auto put = [this](Type type) { m_bytes.push_back(static_cast<std::uint8_t>(type)); };
-    if (const auto* date = object->native<DateNative>()) {
-        put(Type::Date);
-        number(date->timeMs);
-        count(0, 2);
-        return;
-    }
-    if (const auto* boxed = object->native<Boxed>()) {
-        write(boxed->value, depth);
-        return;
-    }
-    if (const auto known = std::find(m_written.begin(), m_written.end(), object); known != m_written.end()) {
-        put(Type::Reference);
-        count(static_cast<std::uint32_t>(known - m_written.begin()), 2);
-        return;
-    }
-    if (depth > kMostNested || object->isFunction() || m_vm.host().isStageObject(object) ||
-        m_written.size() >= kMostReferences) {
-        put(Type::Undefined);
-        return;
-    }
-    m_written.push_back(object);
-    if (const auto* array = object->native<ArrayNative>()) {
-        put(Type::EcmaArray);
-        count(static_cast<std::uint32_t>(
-                  std::clamp(array->length(), 0.0, double{std::numeric_limits<std::uint32_t>::max()})),
-              4);
-    } else {
-        put(Type::Object);
-    }
-    members(object, depth);
-}
-
-void Amf0Writer::write(Value value, int depth)
-{
-    const auto put = [this](Type type) { m_bytes.push_back(static_cast<std::uint8_t>(type)); };
-    switch (value.type()) {
-    case Value::Type::Number:
-        put(Type::Number);
-        number(value.number());
-        break;
-    case Value::Type::Boolean:
-        put(Type::Boolean);
-        m_bytes.push_back(value.boolean() ? 1 : 0);
-        break;
-    case Value::Type::String: text(toText(m_vm, value)); break;
-    case Value::Type::Null: put(Type::Null); break;
-    case Value::Type::Undefined: put(Type::Undefined); break;
-    case Value::Type::Object: object(value.object(), depth); break;
-    }
+    Object* array = m_vm.newArray();
+    m_objects->emplace_back(array);
+    const auto count = static_cast<std::uint32_t>(TRY_RESULT(number(4)));
+    for (std::uint32_t i = 0; i < count; ++i)
+        array->put(m_vm, m_vm.names().fromIndex(i), TRY_RESULT(value(depth + 1)));
+    return Value(array);
 }
 
 } // namespace flash::avm1
