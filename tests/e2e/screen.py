@@ -15,12 +15,26 @@ def under_virtual_display(size):
         suppressions = os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'lsan.supp')
         os.environ['LSAN_OPTIONS'] = 'suppressions=' + suppressions
         return None
-    tools = ('xvfb-run', 'xdotool', 'import')
+    tools = ('Xvfb', 'xdotool', 'import')
     if not all(shutil.which(tool) for tool in tools):
         print('needs ' + ', '.join(tools))
         return NO_DISPLAY
-    command = ['xvfb-run', '-a', '-s', '-screen 0 %sx24' % size, sys.executable] + sys.argv
-    return subprocess.run(command, env=dict(os.environ, ZORVEX_E2E_DISPLAY='1'), check=False).returncode
+    # The server picks a free number by itself: asked for one, two that start at once would fight for it.
+    answer, number = os.pipe()
+    server = subprocess.Popen(['Xvfb', '-displayfd', str(number), '-screen', '0', size + 'x24', '-nolisten', 'tcp'],
+                              pass_fds=[number], stderr=subprocess.DEVNULL)
+    os.close(number)
+    try:
+        with os.fdopen(answer) as pipe:
+            display = pipe.readline().strip()
+        if not display:
+            print('no virtual display can be had')
+            return NO_DISPLAY
+        environment = dict(os.environ, ZORVEX_E2E_DISPLAY='1', DISPLAY=':' + display)
+        return subprocess.run([sys.executable] + sys.argv, env=environment, check=False).returncode
+    finally:
+        server.terminate()
+        server.wait()
 
 
 def screen():
@@ -64,7 +78,9 @@ def copy_program(program_folder, scratch):
     """A copy of the program folder, so that journal, cache and settings are the test's own."""
     folder = os.path.join(scratch, 'program')
     shutil.rmtree(folder, ignore_errors=True)
-    shutil.copytree(program_folder, folder)
+    # What an earlier run wrote there is none of this one's.
+    shutil.copytree(program_folder, folder, ignore=shutil.ignore_patterns('App.Log.html', 'cache'))
+    os.makedirs(os.path.join(folder, 'cache'))
     return folder
 
 
@@ -77,5 +93,9 @@ def compile_movie(swfc, text, target):
 
 
 def journal(folder):
-    with open(os.path.join(folder, 'App.Log.html'), encoding='cp1251', newline='') as handle:
+    """What the program has logged so far."""
+    path = os.path.join(folder, 'App.Log.html')
+    if not os.path.exists(path):
+        return ''
+    with open(path, encoding='cp1251', newline='') as handle:
         return handle.read()
