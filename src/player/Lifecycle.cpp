@@ -57,7 +57,9 @@ void Lifecycle::Form_Load()
     // Outside a development session the menus are drawn with their pictures.
     if (m_application.RunningCompiled) m_player.AssignMenus();
     step([this] { openFirst(); });
-    if (!m_ended) m_player.placement().show();
+    if (m_ended) return;
+    step([this] { m_player.SetVisual(); });
+    m_player.placement().show();
 }
 
 void Lifecycle::openFirst()

@@ -58,6 +58,8 @@ constexpr CommandInfo kCommands[] = {
     {"mnuBrowse",       [](Player& p) { p.BrowseMedia(); }},
     {"mnuClearCache",   [](Player& p) { p.mnuClearCache_Click(); }},
     {"mnuCompress",     [](Player& p) { p.mnuCompress_Click(); }},
+    {"mnuConsole",
+     [](Player& p) { p.menus().isChecked("mnuConsole") ? p.HideConsole() : p.ShowConsole(); }},
     {"mnuOpt",          [](Player& p) { p.settings().edit(); }},
     {"mnuHelpMe",       [](Player& p) { p.openHelp(); }},
     {"mnuUpd",          [](Player& p) { p.WebUpdate(); }},

@@ -40,7 +40,8 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
       m_placement(*this), m_drag(this), m_settings(application, *this),
       m_browser(application, *this, m_browserState), m_dialogs(application, *this),
-      m_outside(outsideDoors(*this)), m_lifecycle(application, *this, commandLine)
+      m_outside(outsideDoors(*this)), m_lifecycle(application, *this, commandLine),
+      m_console(new Console(*this, *m_client))
 {
     buildWindow();
     connectBar();
@@ -51,7 +52,7 @@ Player::Player(core::Application& application, const QString& commandLine)
     SetScaleMode(0);
     m_menus.setChecked("mnuLoop", control().Loop());
     m_menus.setChecked("mnuMenuBar", true);
-    m_menus.item("mnuInfo").setEnabled(false);
+    setMediaInfoEnabled(false);
 }
 
 Player::~Player() { control().disconnect(this); }
@@ -255,7 +256,7 @@ void Player::LoadMovie(int layer, const QString& url)
 void Player::setMediaInfoEnabled(bool enabled)
 {
     // Of a page of the program's own there is nothing to tell.
-    m_menus.item("mnuInfo").setEnabled(enabled && !m_isOwnPage);
+    for (const char* name : {"mnuInfo", "mnuPopInfo"}) m_menus.item(name).setEnabled(enabled && !m_isOwnPage);
 }
 
 void Player::onMediaChange()

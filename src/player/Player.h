@@ -3,6 +3,7 @@
 #include "browser/MediaBrowser.h"
 #include "core/ErrorReport.h"
 #include "media/MediaFiles.h"
+#include "player/Console.h"
 #include "player/Lifecycle.h"
 #include "player/MediaDialogs.h"
 #include "player/Menus.h"
@@ -160,6 +161,12 @@ public:
     Q_INVOKABLE QObject* LBL(int index) { return m_skinWindow.skin().control("LBL", index); }
 
     // What pages command, and the media browser
+    Q_INVOKABLE void ShowConsole() { m_console->ShowConsole(); }
+    Q_INVOKABLE void HideConsole() { m_console->HideConsole(); }
+    /// Gives the window's controls their tooltips.
+    Q_INVOKABLE void SetVisual() { m_console->SetVisual(); }
+    [[nodiscard]] Console& console() { return *m_console; }
+
     Q_INVOKABLE void WebUpdate() override;
     Q_INVOKABLE void About();
     void mnuWeb_Click();
@@ -262,6 +269,7 @@ private:
     MediaDialogs m_dialogs;
     Outside m_outside;
     Lifecycle m_lifecycle;
+    Console* m_console;
     QString m_mediaTitle;
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages
 };

@@ -61,6 +61,8 @@ SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& me
         &window, nullptr,
         [this](const QString& name) -> QObject* {
             if (name == "swf") return &m_movie;
+            if (name == "console") return &m_window.console();
+            if (name == "cmbconsole") return &m_window.console().line();
             if (const auto known = m_items.constFind(name); known != m_items.cend()) return *known;
             QAction* action = m_menus.find(name);
             return action == nullptr ? nullptr : *m_items.insert(name, new MenuItem(*action));

@@ -87,6 +87,11 @@ inline constexpr const char* kPlaceSave        = "Сохранение меди�
 inline constexpr const char* kPlaceTimer       = "Обновление информации";
 inline constexpr const char* kPlaceQuit        = "Завершение работы";
 inline constexpr const char* kPlacePage        = "Команда страницы";
+inline constexpr const char* kPlaceConsole     = "Консоль";
+
+inline constexpr const char* kConsole          = "Консоль";
+inline constexpr const char* kConsoleHint      = "Команда, например: Player.PlayMedia";
+inline constexpr const char* kCloseConsoleTip  = "Закрыть консоль";
 // clang-format on
 
 } // namespace player::texts

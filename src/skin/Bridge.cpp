@@ -55,11 +55,13 @@ std::optional<QString> Bridge::begin(const QString& language)
     m_engine.setUseSafeSubset(true);
     reset();
     if (m_player) m_engine.addObject(u"Player", *m_player, true);
+    m_begun = true;
     return known ? std::nullopt : std::optional(error);
 }
 
 void Bridge::reset()
 {
+    m_begun = false;
     m_engine.reset();
     m_hanging.clear();
     m_lastTimerError.clear();
@@ -80,6 +82,12 @@ std::optional<QString> Bridge::addCode(const QString& code)
         .arg(QString::fromStdU16String(error.description))
         .arg(std::max(0, error.line - 1))
         .arg(error.column);
+}
+
+void Bridge::ExecuteStatement(const QString& statement)
+{
+    if (!m_begun) (void)begin("VBScript");
+    if (!m_engine.executeStatement(view(statement))) throw failureOf(m_engine.error());
 }
 
 Bridge::Outcome Bridge::RunScript(const QString& statement, Repetition repetition)

@@ -51,6 +51,9 @@ public:
     enum class Outcome { Done, Failed };
     /// How often a statement runs by itself, and so how often its failure is written down.
     enum class Repetition { Event, Timer };
+    /// Runs a statement that the user has typed. Works without a skin as well.
+    /// @throws base::Failure with the engine's number, source and description
+    void ExecuteStatement(const QString& statement);
     /// Runs a statement; an empty one does nothing. A failure is written to the journal.
     Outcome RunScript(const QString& statement, Repetition repetition = Repetition::Event);
     /// @returns the number; 0 for an expression that fails or is empty; nothing for a value that is none
@@ -68,6 +71,7 @@ private:
     script::ScriptControl m_engine;
     QSet<QString> m_hanging; ///< statements that ran out of time, and are not run again
     QString m_lastTimerError;
+    bool m_begun = false; ///< the engine knows the player
     int m_functions = 0;
 };
 

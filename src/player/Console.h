@@ -1,0 +1,92 @@
+#pragma once
+
+#include "skin/Controls.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+
+class QLabel;
+
+namespace player
+{
+
+class Player;
+
+/// What a statement that ran adds to the history: itself, unless it is empty or known already, in any case.
+/// @returns whether it is new
+bool belongsInHistory(const QStringList& history, const QString& statement);
+
+/// The console's input line; its list is the history, most recent first, and lives as long as the window.
+class ConsoleLine : public QComboBox
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Text READ currentText WRITE setEditText)
+    Q_PROPERTY(int ListCount READ count)
+public:
+    explicit ConsoleLine(QWidget* parent);
+    /// At the top; what stands in the line stays.
+    void remember(const QString& statement);
+
+signals:
+    void entered(const QString& statement);
+    void left();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+/// The console's close button. The panel can be dragged by it, which is no click then.
+class ConsoleCloseButton : public QAbstractButton
+{
+    Q_OBJECT
+public:
+    explicit ConsoleCloseButton(QWidget* parent);
+
+signals:
+    void movedWhileHeld();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    QPoint m_pressedAt;
+    bool m_dragging = false;
+};
+
+/// A panel inside the window that runs one statement at a time in the skin's engine. Shown exactly while
+/// mnuConsole is checked; lies above every view of a skin.
+class Console : public skin::SkinControl
+{
+    Q_OBJECT
+public:
+    /// @param client the window's inner area, which owns the panel
+    Console(Player& player, QWidget& client);
+
+    void ShowConsole();
+    void HideConsole();
+    /// Gives the close button its tooltip.
+    void SetVisual();
+    [[nodiscard]] ConsoleLine& line() { return *m_cmbConsole; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void run(const QString& statement);
+    void drag();
+    /// Fits the panel into the area, and back into it after the window has shrunk.
+    void fit();
+
+    Player& m_player;
+    QWidget& m_client;
+    QLabel* m_lblConsole;
+    ConsoleLine* m_cmbConsole;
+    ConsoleCloseButton* m_chkCloseConsole;
+};
+
+} // namespace player
