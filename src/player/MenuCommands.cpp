@@ -12,6 +12,13 @@ namespace player
 namespace
 {
 
+/// The next tick would show it as well, up to a third of a second later.
+void showNow(Player& player)
+{
+    if (player.movieScreen().showsControl()) return player.timer().tmrUpdate_Timer();
+    player.UpdateInfo();
+}
+
 struct CommandInfo {
     const char* item;
     void (*run)(Player& player);
@@ -45,15 +52,15 @@ constexpr CommandInfo kCommands[] = {
     {"mnuOpSlite",      [](Player& p) { p.SetFlashAlpha(25); }},
     {"mnuUpdSkin",      [](Player& p) { p.LoadNewSkin(); }},
 
-    {"mnuPlay",         [](Player& p) { p.PlayPauseMedia(); }},
-    {"mnuStop",         [](Player& p) { p.StopMedia(); }},
-    {"mnuFFwd",         [](Player& p) { p.playback().stepForward(); }},
-    {"mnuRwd",          [](Player& p) { p.playback().stepBack(); }},
+    {"mnuPlay",         [](Player& p) { p.PlayPauseMedia(); showNow(p); }},
+    {"mnuStop",         [](Player& p) { p.StopMedia(); showNow(p); }},
+    {"mnuFFwd",         [](Player& p) { p.playback().stepForward(); showNow(p); }},
+    {"mnuRwd",          [](Player& p) { p.playback().stepBack(); showNow(p); }},
     // A step of the volume centres the balance.
-    {"mnuVolumeUp",     [](Player& p) { p.SetSound(p.Volume() + 10, 0); }},
-    {"mnuVolumeDown",   [](Player& p) { p.SetSound(p.Volume() - 10, 0); }},
-    {"mnuMute",         [](Player& p) { p.MuteSound(!p.menus().isChecked("mnuMute")); }},
-    {"mnuLoop",         [](Player& p) { p.playback().toggleLoop(); }},
+    {"mnuVolumeUp",     [](Player& p) { p.SetSound(p.Volume() + 10, 0); showNow(p); }},
+    {"mnuVolumeDown",   [](Player& p) { p.SetSound(p.Volume() - 10, 0); showNow(p); }},
+    {"mnuMute",         [](Player& p) { p.MuteSound(!p.menus().isChecked("mnuMute")); showNow(p); }},
+    {"mnuLoop",         [](Player& p) { p.playback().toggleLoop(); showNow(p); }},
 
     {"mnuBrowse",       [](Player& p) { p.BrowseMedia(); }},
     {"mnuClearCache",   [](Player& p) { p.mnuClearCache_Click(); }},
@@ -66,9 +73,9 @@ constexpr CommandInfo kCommands[] = {
     {"mnuWeb",          [](Player& p) { p.mnuWeb_Click(); }},
     {"mnuAbout",        [](Player& p) { p.About(); }},
 
-    {"mnuPopPlay",      [](Player& p) { p.PlayPauseMedia(); }},
-    {"mnPopStop",       [](Player& p) { p.StopMedia(); }},
-    {"mnuPopMute",      [](Player& p) { p.MuteSound(!p.Muted()); }},
+    {"mnuPopPlay",      [](Player& p) { p.PlayPauseMedia(); showNow(p); }},
+    {"mnPopStop",       [](Player& p) { p.StopMedia(); showNow(p); }},
+    {"mnuPopMute",      [](Player& p) { p.MuteSound(!p.Muted()); showNow(p); }},
     {"mnuPopHQ",        [](Player& p) { p.SetQuality("High"); }},
     {"mnuPopLQ",        [](Player& p) { p.SetQuality("Low"); }},
     {"mnuPopFullScreen", [](Player& p) { p.FullScreen(!p.isFullScreen()); }},
