@@ -200,7 +200,8 @@ public:
     [[nodiscard]] int lastKeyCode() const { return m_lastKeyCode; }
     [[nodiscard]] int lastCharCode() const { return m_lastCharCode; }
     [[nodiscard]] Node* focus() const { return m_focus.get(); }
-    void setFocus(Node* node);
+    enum class By : std::uint8_t { User, Script };
+    void setFocus(Node* node, By by = By::User);
     /// The field shows a variable from now on, which may change at any time.
     void noteBound(TextField& field);
     /// Nothing hidden keeps the focus.
@@ -308,8 +309,6 @@ private:
     bool keyPressEverywhere(int keyPressCode);
     void moveDragged();
     void focusNext(bool backwards);
-    /// What the Tab key leads to looks and is told as if the pointer were on it.
-    void showAsOver(const NodePtr& node);
     void updateCursor();
 
     Services m_services;

@@ -390,7 +390,7 @@ void Stage::keyEvent(Event event)
 {
     for (std::size_t i = m_clips.size(); i-- > 0;)
         if (!m_clips[i]->isRemoved() && m_clips[i]->hasClipEvent(event)) queueEvent(*m_clips[i], event);
-    if (m_focus && m_script->hasHandler(*m_focus, event)) {
+    if (m_focus && m_focus->kind() != NodeKind::TextField && m_script->hasHandler(*m_focus, event)) {
         const Clip* clip = asClip(m_focus.get());
         if (!clip || !clip->hasClipEvent(event)) queueEvent(*m_focus, event);
     }
@@ -465,7 +465,7 @@ void Stage::focusLost()
     setFocus(nullptr);
 }
 
-void Stage::setFocus(Node* node)
+void Stage::setFocus(Node* node, By by)
 {
     if (m_focus.get() == node) return;
     const NodePtr before = m_focus;
@@ -476,10 +476,26 @@ void Stage::setFocus(Node* node)
     };
     if (before) before->invalidate();
     if (m_focus) m_focus->invalidate();
+    // What has the focus looks and is told as if the pointer were on it.
+    const auto reacts = [](const NodePtr& entry) {
+        return entry && !entry->isRemoved() && entry->kind() != NodeKind::TextField;
+    };
+    const NodePtr now = m_focus;
+    if (reacts(before) && m_over != now) {
+        if (m_over == before) m_over.reset();
+        pointerEvent(*before, Event::RollOut);
+    }
+    if (reacts(now) && m_over != now) {
+        m_over = now;
+        pointerEvent(*now, Event::RollOver);
+    }
+    // A script that sets the focus goes on before that is told.
+    if (by == By::User) runQueue();
+    if (m_focus != now) return;
     if (TextField* field = asField(before)) field->focusLost();
     if (TextField* field = asField(m_focus)) field->focusGained();
     m_script->focusChanged(before.get(), m_focus.get());
-    runQueue();
+    if (by == By::User) runQueue();
 }
 
 void Stage::dropFocusWithin(const Node& node)
@@ -549,22 +565,7 @@ void Stage::focusNext(bool backwards)
     else
         index = (static_cast<std::size_t>(now - stops.begin()) + (backwards ? stops.size() - 1 : 1)) %
                 stops.size();
-    const NodePtr next = stops[index].second->shared_from_this();
-    setFocus(next.get());
-    if (m_focus == next) showAsOver(next);
-}
-
-void Stage::showAsOver(const NodePtr& node)
-{
-    if (node == m_over) return;
-    const NodePtr before = m_over;
-    const auto reacts = [](const NodePtr& entry) {
-        return entry && !entry->isRemoved() && entry->kind() != NodeKind::TextField;
-    };
-    m_over = node;
-    if (reacts(before)) pointerEvent(*before, Event::RollOut);
-    if (reacts(node)) pointerEvent(*node, Event::RollOver);
-    runQueue();
+    setFocus(stops[index].second);
 }
 
 void Stage::startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits)

@@ -54,14 +54,14 @@ Value setFocus(Call& call)
     StageBinding& binding = StageBinding::of(call);
     if (call.count() == 0) return Value(false);
     if (call.arg(0).isNullish()) {
-        binding.stage().setFocus(nullptr);
+        binding.stage().setFocus(nullptr, stage::Stage::By::Script);
         return Value(true);
     }
     Object* object = call.arg(0).asObject();
     if (!object) object = call.vm.resolveTarget(call.vm.target(), textArg(call, 0));
     stage::Node* node = binding.nodeOf(object);
     if (!node || !binding.stage().canTakeFocus(*node)) return Value(false);
-    binding.stage().setFocus(node);
+    binding.stage().setFocus(node, stage::Stage::By::Script);
     // A clip gets the focus, and its script is told that it did not.
     return Value(node->kind() != stage::NodeKind::Clip);
 }
