@@ -1,5 +1,6 @@
 #include "player/Placement.h"
 
+#include "platform/WindowSystem.h"
 #include "player/ControlBar.h"
 #include "player/Player.h"
 #include "player/WindowFlags.h"
@@ -98,7 +99,8 @@ void Placement::fillScreen()
 {
     if (!m_player.isMaximized()) m_normalGeometry = m_player.geometry();
     m_player.showFullScreen();
-    m_player.setGeometry(m_player.screen()->geometry()); // where no window manager does it
+    // Only where nobody else does it: a window manager would take it for a wish to leave full screen.
+    if (!platform::hasWindowManager()) m_player.setGeometry(m_player.screen()->geometry());
 }
 
 void Placement::SetWindowFrame(bool show)

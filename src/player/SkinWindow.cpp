@@ -5,7 +5,7 @@
 #include "core/Look.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
-#include "platform/Transparency.h"
+#include "platform/WindowSystem.h"
 #include "player/Menus.h"
 #include "player/Player.h"
 #include "player/Texts.h"

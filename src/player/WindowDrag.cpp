@@ -10,70 +10,63 @@ namespace player
 namespace
 {
 
-bool isHeld() { return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton); }
+/// Pixels that a hand may tremble within a click.
+constexpr int kTremble = 3;
 
-constexpr int kClickPixels = 3; ///< what a hand moves while it clicks
+bool isHeld() { return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton); }
 
 } // namespace
 
-bool WindowDrag::begins()
+void WindowDrag::begin(QWidget& widget, Mode mode)
 {
-    const bool first = !m_pressed;
-    m_pressed = isHeld();
-    if (!m_pressed) return false;
-    if (first) m_start = QCursor::pos();
-    if ((QCursor::pos() - m_start).manhattanLength() <= kClickPixels) return false;
-    // The window system may keep the release for itself.
-    m_pressed = false;
-    return true;
-}
-
-void WindowDrag::moveWindow(QWidget& window)
-{
-    if (m_widget || window.isFullScreen() || !begins()) return;
-    if (window.windowHandle() != nullptr && window.windowHandle()->startSystemMove()) return;
-    if (!window.isMaximized()) follow(window, Mode::Move);
-}
-
-void WindowDrag::resizeWindow(QWidget& window)
-{
-    if (m_widget || window.isFullScreen() || !begins()) return;
-    if (window.windowHandle() != nullptr &&
-        window.windowHandle()->startSystemResize(Qt::BottomEdge | Qt::RightEdge))
-        return;
-    if (!window.isMaximized()) follow(window, Mode::Resize);
-}
-
-void WindowDrag::moveObject(QWidget& object)
-{
-    if (!m_widget && begins()) follow(object, Mode::Move);
-}
-
-void WindowDrag::follow(QWidget& widget, Mode mode)
-{
+    if (!isHeld() || m_widget) return;
+    if (mode != Mode::MoveObject && widget.isFullScreen()) return;
     m_widget = &widget;
     m_mode = mode;
-    m_geometry = widget.geometry();
+    m_state = State::Pressed;
+    m_start = QCursor::pos();
+    m_geometry = QRect(widget.pos(), widget.size());
     qApp->installEventFilter(this);
+}
+
+bool WindowDrag::leaveToSystem() const
+{
+    QWindow* const window = m_widget->windowHandle();
+    if (m_mode == Mode::MoveObject || window == nullptr) return false;
+    return m_mode == Mode::MoveWindow ? window->startSystemMove()
+                                      : window->startSystemResize(Qt::BottomEdge | Qt::RightEdge);
+}
+
+void WindowDrag::follow(QPoint by)
+{
+    if (m_mode != Mode::MoveObject && m_widget->isMaximized()) return;
+    if (m_mode == Mode::ResizeWindow)
+        m_widget->resize((m_geometry.size() + QSize(by.x(), by.y())).expandedTo(m_widget->minimumSize()));
+    else
+        m_widget->move(m_geometry.topLeft() + by);
+}
+
+void WindowDrag::end()
+{
+    m_widget = nullptr;
+    qApp->removeEventFilter(this);
 }
 
 bool WindowDrag::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::MouseMove && event->type() != QEvent::MouseButtonRelease) return false;
-    if (!watched->isWidgetType()) return false; // the window's own event comes first, then the widget's
-    const auto* mouse = static_cast<QMouseEvent*>(event);
-    const bool ends = !m_widget || !isHeld();
-    if (m_widget) {
-        const QPoint by = mouse->globalPosition().toPoint() - m_start;
-        if (m_mode == Mode::Move)
-            m_widget->move(m_geometry.topLeft() + by);
-        else
-            m_widget->resize((m_geometry.size() + QSize(by.x(), by.y())).expandedTo(m_widget->minimumSize()));
+    // The window's own event comes first, then the widget's.
+    if (!watched->isWidgetType()) return false;
+    const QEvent::Type type = event->type();
+    if (type == QEvent::MouseButtonPress || !m_widget) end();
+    if (type != QEvent::MouseMove && type != QEvent::MouseButtonRelease) return false;
+    const bool released = type == QEvent::MouseButtonRelease || !isHeld();
+    if (m_widget && m_state != State::System) {
+        const QPoint by = static_cast<QMouseEvent*>(event)->globalPosition().toPoint() - m_start;
+        if (m_state == State::Pressed && !released && by.manhattanLength() > kTremble)
+            m_state = leaveToSystem() ? State::System : State::Following;
+        if (m_state == State::Following) follow(by);
     }
-    if (ends) {
-        m_widget = nullptr;
-        qApp->removeEventFilter(this);
-    }
+    if (released) end();
     return false;
 }
 

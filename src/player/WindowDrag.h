@@ -12,32 +12,39 @@ namespace player
 
 /// Moves or sizes a widget by the pointer until the left button is released. The window system does it where
 /// it can; panels inside the window, and windows where nobody else does it, follow the pointer here.
+///
+/// A window begins to move with the pointer's first movement and not with the press: a window system that has
+/// taken the pointer over would swallow the click, and no double click could follow.
 class WindowDrag : public QObject
 {
     Q_OBJECT
 public:
     using QObject::QObject;
 
-    /// Called at the press of the left button, at every move and at the release, as a skin's statement is.
-    /// The drag begins when the pointer has gone a little way with the button held, so that clicks and double
-    /// clicks stay what they are.
-    void moveWindow(QWidget& window);
+    /// Begin at the press of the left button or while it is held, and do nothing otherwise: the same
+    /// statement is run at the release as well.
+    void moveWindow(QWidget& window) { begin(window, Mode::MoveWindow); }
     /// From the lower right corner.
-    void resizeWindow(QWidget& window);
-    void moveObject(QWidget& object);
+    void resizeWindow(QWidget& window) { begin(window, Mode::ResizeWindow); }
+    void moveObject(QWidget& object) { begin(object, Mode::MoveObject); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    enum class Mode { Move, Resize };
-    void follow(QWidget& widget, Mode mode);
-    [[nodiscard]] bool begins();
+    enum class Mode { MoveWindow, ResizeWindow, MoveObject };
+    void begin(QWidget& widget, Mode mode);
+    [[nodiscard]] bool leaveToSystem() const;
+    void follow(QPoint by);
+    void end();
 
     QPointer<QWidget> m_widget;
-    Mode m_mode = Mode::Move;
-    bool m_pressed = false;
-    QPoint m_start; ///< of the press, global
+    Mode m_mode = Mode::MoveWindow;
+    /// System: the window system has taken over, and what still arrives here of the pointer means nothing.
+    /// To ask it once more would let the window stick to the pointer after the button is released.
+    enum class State { Pressed, Following, System };
+    State m_state = State::Pressed;
+    QPoint m_start; ///< global
     QRect m_geometry;
 };
 

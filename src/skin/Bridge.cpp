@@ -123,8 +123,10 @@ std::optional<double> Bridge::toNumber(const script::Result<script::Value>& valu
 
 std::optional<double> Bridge::EvalScript(const QString& expression)
 {
-    if (expression.trimmed().isEmpty()) return 0.0;
-    return toNumber(m_engine.eval(view(expression)));
+    if (expression.trimmed().isEmpty() || m_hanging.contains(expression)) return 0.0;
+    const auto value = m_engine.eval(view(expression));
+    if (!value && value.error()->number == kInterrupted) m_hanging.insert(expression);
+    return toNumber(value);
 }
 
 void Bridge::compile(Expression& expression)
@@ -140,10 +142,16 @@ void Bridge::compile(Expression& expression)
 
 std::optional<double> Bridge::evaluate(Expression& expression)
 {
+    if (!m_hanging.isEmpty() && m_hanging.contains(expression.m_text)) expression = Expression("0");
     if (expression.m_kind == Expression::Kind::NotYetCompiled) compile(expression);
     switch (expression.m_kind) {
     case Expression::Kind::Number: return expression.m_number;
-    case Expression::Kind::Function: return toNumber(m_engine.run(expression.m_function));
+    case Expression::Kind::Function: {
+        const auto value = m_engine.run(expression.m_function);
+        // Each step of a window's resizing would wait for it again.
+        if (!value && value.error()->number == kInterrupted) expression = Expression("0");
+        return toNumber(value);
+    }
     case Expression::Kind::NotYetCompiled:
     case Expression::Kind::Text: break;
     }

@@ -69,7 +69,7 @@ private:
     ScriptObjects m_objects; // before the engine, whose values refer to it
     script::Ref<script::Dispatch> m_player;
     script::ScriptControl m_engine;
-    QSet<QString> m_hanging; ///< statements that ran out of time, and are not run again
+    QSet<QString> m_hanging; ///< statements and expressions that ran out of time, and are not run again
     QString m_lastTimerError;
     bool m_begun = false; ///< the engine knows the player
     int m_functions = 0;

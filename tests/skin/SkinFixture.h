@@ -26,12 +26,14 @@ public:
     [[nodiscard]] int ScaleWidth() const { return client->width(); }
     [[nodiscard]] int ScaleHeight() const { return client->height(); }
     Q_INVOKABLE void MoveWindow() { ++moves; }
+    Q_INVOKABLE void FullScreen(bool on) { isFull = on; } // a widget has a property that sounds like it
     Q_INVOKABLE void Report(const QVariant& value) { reports += value.toString(); }
     Q_INVOKABLE void Fail() { throw base::Failure(53, "Test", "gone"); }
 
     QWidget* client = new QWidget(this);
     QString statusText = "Готово";
     int moves = 0;
+    bool isFull = false;
     QStringList reports;
 };
 

@@ -119,6 +119,8 @@ TEST_F(SkinTest, ScriptsSeeTheElementsByTheirProperties)
     run("If Left(\"abc\", 2) <> \"ab\" Then Err.Raise 1");
     run("MoveWindow : Player.MoveWindow");
     EXPECT_EQ(host.form.moves, 2) << "with and without the name";
+    run("FullScreen True");
+    EXPECT_TRUE(host.form.isFull);
     host.movieFrame->setShown(false);
     run("SWF.Visible = True");
     EXPECT_TRUE(host.movieFrame->Visible());

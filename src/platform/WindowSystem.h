@@ -1,0 +1,14 @@
+#pragma once
+
+namespace platform
+{
+
+/// Whether a window's own transparency shows now: on X11 as long as a compositing manager runs, elsewhere
+/// always. Needs the application object.
+bool hasPerPixelTransparency();
+
+/// Whether somebody else gives windows their frames and carries out what they wish for: to fill the screen, to
+/// be moved. On X11 a window may be alone with its server; elsewhere always. Needs the application object.
+bool hasWindowManager();
+
+} // namespace platform
