@@ -186,10 +186,15 @@ def main():
         run('cpack', '--config', build / 'CPackConfig.cmake', '-B', scratch / 'package')
         deb, = glob.glob(str(scratch / 'package' / '*.deb'))
         deb = shutil.copy(deb, work)
+        # Some systems leave manual pages out when they install, so what is in the package is looked at unpacked.
+        unpacked = Package(deb, work / 'root')
+        unpacked.install()
+        validate(unpacked)
         by_dpkg = os.geteuid() == 0 and not is_installed()
-        package = Package(deb, pathlib.Path('/') if by_dpkg else work / 'root')
-        package.install()
-        validate(package)
+        package = unpacked
+        if by_dpkg:
+            package = Package(deb, pathlib.Path('/'))
+            package.install()
         use(package, User(work / 'home'))
         package.remove()
         own = [name for name in package.files if 'zorvex' in name.lower()]
