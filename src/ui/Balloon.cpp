@@ -2,10 +2,12 @@
 
 #include "base/Failure.h"
 #include "core/Version.h"
+#include "platform/WindowSystem.h"
 #include "skin/Controls.h"
 #include "ui/Drawing.h"
 
 #include <QApplication>
+#include <QBitmap>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QPainterPath>
@@ -96,9 +98,15 @@ Balloon::Balloon(QWidget& control, const QString& text, const QPoint& at)
     setPalette(QToolTip::palette());
     setAccessibleName(text);
     place(at);
-    // Where nothing blends windows the corners would be black. Half a pixel more than the outline keeps its
-    // smooth edge.
-    setMask(QRegion(outline().toFillPolygon().toPolygon()).united(m_box.adjusted(2, 1, -2, -1)));
+    // Where nothing blends windows, what lies outside must not be drawn at all.
+    QBitmap shape(size());
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setPen(QPen(Qt::color1, 1));
+    painter.setBrush(Qt::color1);
+    painter.drawPath(outline());
+    painter.end();
+    setMask(shape);
     qApp->installEventFilter(this);
     connect(&control, &QObject::destroyed, this, &QWidget::close);
     m_time.setSingleShot(true);
@@ -140,6 +148,8 @@ QPainterPath Balloon::outline() const
 void Balloon::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    // Without transparency the smooth edge would be mixed with black.
+    if (!platform::hasPerPixelTransparency()) painter.fillRect(rect(), QColor(core::look::kSteel));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QColor(core::look::kSteel), 1));
     painter.setBrush(palette().toolTipBase());

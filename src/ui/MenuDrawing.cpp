@@ -47,6 +47,16 @@ void drawIcon(QPainter& painter, const QIcon& icon, const QRect& square, bool en
     painter.restore();
 }
 
+/// The check mark of the set is made for its ground; on the bar that marks an item it is white like the text.
+QIcon whiteOf(const QIcon& icon, const QSize& size, double ratio)
+{
+    QPixmap pixmap = icon.pixmap(size * ratio);
+    QPainter painter(&pixmap);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixmap.rect(), QColor(kWhite));
+    return QIcon(pixmap);
+}
+
 void drawMarkOrIcon(QPainter& painter, const QStyleOptionMenuItem& option, const MenuSet* set,
                     const QColor& colour)
 {
@@ -56,8 +66,12 @@ void drawMarkOrIcon(QPainter& painter, const QStyleOptionMenuItem& option, const
     const bool checked = option.checkType != QStyleOptionMenuItem::NotCheckable && option.checked;
     // A mark is what the user looks for: it stands in the place of the icon.
     if (!checked) return drawIcon(painter, option.icon, square, enabled);
-    if (set != nullptr && !set->checkMark().isNull())
-        return drawIcon(painter, set->checkMark(), square, enabled);
+    if (set != nullptr && !set->checkMark().isNull()) {
+        const bool marked = enabled && option.state.testFlag(QStyle::State_Selected);
+        const double ratio = painter.device()->devicePixelRatioF();
+        return drawIcon(painter, marked ? whiteOf(set->checkMark(), square.size(), ratio) : set->checkMark(),
+                        square, enabled);
+    }
     drawCheckMark(painter, square, colour);
 }
 
@@ -86,8 +100,8 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& option, const Q
     if (option.menuItemType == QStyleOptionMenuItem::Separator) {
         QColor line = ground;
         line.setAlphaF(static_cast<float>(kHairline));
-        const QRectF row =
-            onPixels(painter, QRectF(rect.left() + kTextLeft, rect.center().y(), rect.width() - kTextLeft - 8, 2));
+        const QRectF row = onPixels(
+            painter, QRectF(rect.left() + kTextLeft, rect.center().y(), rect.width() - kTextLeft - 8, 2));
         painter.setPen(hairline(line));
         painter.drawLine(row.topLeft(), row.topRight());
         return;

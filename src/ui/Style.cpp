@@ -23,9 +23,13 @@ using core::look::kSteel;
 constexpr int kControlHeight = 28;
 constexpr int kButtonPadding = 16;
 constexpr int kComboArrow = 24;
+constexpr int kListRow = 24;
 constexpr int kScrollBar = 12;
 constexpr int kIndicator = 16;
 constexpr int kMessageSign = 40;
+
+/// The list that a combo box unfolds.
+bool isComboList(const QWidget* widget) { return widget != nullptr && widget->inherits("QComboBoxListView"); }
 
 bool isScrollBarEnd(QStyle::SubControl part)
 {
@@ -69,6 +73,9 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
     }
     case PE_FrameLineEdit: return;
     case PE_PanelMenu: return drawMenuPanel(*painter, *option, widget);
+    case PE_Frame:
+        if (widget == nullptr || !widget->inherits("QComboBoxPrivateContainer")) break;
+        [[fallthrough]];
     case PE_FrameMenu:
         painter->setPen(hairline(QColor(kSteel)));
         painter->setBrush(Qt::NoBrush);
@@ -186,6 +193,10 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
         return {std::max(contents.width() + 2 * kButtonPadding, kLeastWidth),
                 std::max(contents.height() + 8, kControlHeight)};
     }
+    case CT_ItemViewItem: {
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        return isComboList(widget) ? QSize(size.width(), std::max(size.height(), kListRow)) : size;
+    }
     case CT_ComboBox:
         return {contents.width() + kComboArrow + 12, std::max(contents.height() + 8, kControlHeight)};
     case CT_LineEdit: return {contents.width() + 8, std::max(contents.height() + 8, kControlHeight)};
@@ -226,6 +237,9 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWi
     case PM_LayoutTopMargin:
     case PM_LayoutRightMargin:
     case PM_LayoutBottomMargin: return widget != nullptr && widget->isWindow() ? 16 : 8;
+    // The text of a list's rows stands under that of the box.
+    case PM_FocusFrameHMargin:
+        return isComboList(widget) ? 6 : QProxyStyle::pixelMetric(metric, option, widget);
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing: return 8;
     default: return QProxyStyle::pixelMetric(metric, option, widget);
