@@ -16,6 +16,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <mutex>
 #include <new>
 #include <thread>
@@ -27,6 +28,8 @@ namespace
 {
 
 constexpr rlim_t kMostBytes = rlim_t{1} << 30;
+/// What scripts may fill, with the rest of the process; pictures and sounds need the other half.
+constexpr long kMostScriptKilobytes = 512L << 10;
 /// Nothing before the title is as rich as this, and few titles are poorer.
 constexpr double kRichDetail = 0.1;
 /// Of the movie's own time: between two looks, and at most.
@@ -42,7 +45,13 @@ class ImpatientHost : public flash::stage::HostEvents
 public:
     explicit ImpatientHost(double scriptSeconds) : m_patience(scriptSeconds) {}
     void frameBegins() { m_begin = std::chrono::steady_clock::now(); }
-    bool endsScripts() override { return std::chrono::steady_clock::now() - m_begin > m_patience; }
+    bool endsScripts() override
+    {
+        rusage use{};
+        ::getrusage(RUSAGE_SELF, &use);
+        return use.ru_maxrss > kMostScriptKilobytes ||
+               std::chrono::steady_clock::now() - m_begin > m_patience;
+    }
 
 private:
     const std::chrono::duration<double> m_patience;
@@ -120,11 +129,13 @@ void limitMemory()
     const rlimit most{kMostBytes, kMostBytes};
     ::setrlimit(RLIMIT_AS, &most);
 #endif
-    std::set_new_handler([] {
+    const auto giveUp = [] {
         constexpr char kText[] = "flashrun: the movie needs too much memory\n";
         [[maybe_unused]] const auto written = ::write(STDERR_FILENO, kText, sizeof(kText) - 1);
         std::_Exit(EXIT_FAILURE);
-    });
+    };
+    std::set_new_handler(giveUp);
+    std::set_terminate(giveUp); // where memory is asked for in other ways than by new
 }
 
 /// A file manager gives a name, in which a question mark begins no query.
