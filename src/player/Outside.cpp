@@ -53,9 +53,9 @@ void Outside::refuse(const OutsideTarget& target, const Sender& sender)
     log("Refused to open, " + target.reason + ": " + target.shown);
     // Once: a movie that insists is not to keep the user busy.
     if (m_told.contains(sender.path)) return;
-    m_told.insert(sender.path, target.shown);
+    m_told.insert(sender.path);
     const QScopedValueRollback asking(m_isAsking, true);
-    m_doors.tellRefused({sender.path, target.shown});
+    m_doors.tellRefused({sender.path, target.shown}, target.refusal);
 }
 
 } // namespace player

@@ -3,6 +3,7 @@
 #include "player/OutsideTarget.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <functional>
 
@@ -25,7 +26,7 @@ public:
         /// @returns whether there was a program for it
         std::function<bool(const QUrl&)> open;
         /// Tells the user that something was not opened.
-        std::function<void(const Question&)> tellRefused;
+        std::function<void(const Question&, OutsideTarget::Refusal)> tellRefused;
         std::function<void(const QString&)> log; ///< plain text
     };
     explicit Outside(Doors doors) : m_doors(std::move(doors)) {}
@@ -43,8 +44,8 @@ private:
     void log(const QString& line);
 
     Doors m_doors;
-    QHash<QString, bool> m_always;  ///< by the movie's path: whether it may
-    QHash<QString, QString> m_told; ///< by the movie's path: what the user was told last that it may not
+    QHash<QString, bool> m_always; ///< by the movie's path: whether it may
+    QSet<QString> m_told;          ///< the movies whose requests the user was told are refused
     QString m_lastLine;
     bool m_isAsking = false;
 };

@@ -47,11 +47,23 @@ Outside::Answer ask(Player& player, const Outside::Question& question)
     return allowed ? Outside::Answer::Open : Outside::Answer::Refuse;
 }
 
-void tellRefused(Player& player, const Outside::Question& question)
+const char* textOf(OutsideTarget::Refusal refusal)
+{
+    switch (refusal) {
+    case OutsideTarget::Refusal::None:
+    case OutsideTarget::Refusal::Invalid: return texts::kRefusedAddress;
+    case OutsideTarget::Refusal::Missing: return texts::kRefusedMissing;
+    case OutsideTarget::Refusal::Program: return texts::kRefusedProgram;
+    case OutsideTarget::Refusal::OtherMachine: return texts::kRefusedMachine;
+    case OutsideTarget::Refusal::Misleading: return texts::kRefusedMisleading;
+    }
+    return "";
+}
+
+void tellRefused(Player& player, const Outside::Question& question, OutsideTarget::Refusal refusal)
 {
     QMessageBox box(QMessageBox::Warning, texts::kOutsideTitle,
-                    paragraph(QString(texts::kOutsideRefused).arg(nameOf(question))), QMessageBox::Ok,
-                    &player);
+                    paragraph(QString(textOf(refusal)).arg(nameOf(question))), QMessageBox::Ok, &player);
     box.setObjectName("frmOutsideRefused");
     box.setTextFormat(Qt::RichText);
     box.setInformativeText(paragraph(question.target));
@@ -64,7 +76,9 @@ Outside::Doors outsideDoors(Player& player)
 {
     return {[&player](const Outside::Question& question) { return ask(player, question); },
             [](const QUrl& url) { return platform::openWithSystem(url); },
-            [&player](const Outside::Question& question) { tellRefused(player, question); },
+            [&player](const Outside::Question& question, OutsideTarget::Refusal refusal) {
+                tellRefused(player, question, refusal);
+            },
             [&player](const QString& line) { player.logQuietly(core::HtmlEscape(line)); }};
 }
 

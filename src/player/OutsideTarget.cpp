@@ -15,9 +15,12 @@ namespace
 
 constexpr qsizetype kLongest = 2048;
 
-OutsideTarget refused(const QString& shown, const QString& reason)
+using Refusal = OutsideTarget::Refusal;
+
+OutsideTarget refused(Refusal refusal, const QString& shown, const QString& reason)
 {
     OutsideTarget target;
+    target.refusal = refusal;
     target.shown = shown;
     target.reason = reason;
     return target;
@@ -41,8 +44,9 @@ OutsideTarget examinePage(const QString& text)
 {
     // Browsers read a backslash as a slash; read as anything else it could hide the host.
     const QUrl url(QString(text).replace('\\', '/'), QUrl::TolerantMode);
-    if (!url.isValid() || url.host().isEmpty()) return refused(text, "no valid address");
-    if (!url.userInfo().isEmpty()) return refused(text, "the address hides its host behind a user name");
+    if (!url.isValid() || url.host().isEmpty()) return refused(Refusal::Invalid, text, "no valid address");
+    if (!url.userInfo().isEmpty())
+        return refused(Refusal::Misleading, text, "the address hides its host behind a user name");
     OutsideTarget target;
     target.kind = OutsideTarget::Kind::Page;
     target.url = url;
@@ -55,12 +59,12 @@ OutsideTarget examineLetter(const QString& text)
 {
     const QUrl url(text, QUrl::TolerantMode);
     if (!url.isValid() || hasDeception(url.path(QUrl::FullyDecoded)))
-        return refused(text, "no valid address");
+        return refused(Refusal::Invalid, text, "no valid address");
     const auto items = QUrlQuery(url).queryItems(QUrl::FullyDecoded);
     for (const auto& [name, value] : items)
         if (name.trimmed().startsWith("attach", Qt::CaseInsensitive) ||
             name.trimmed().startsWith("x-", Qt::CaseInsensitive))
-            return refused(text, "the letter would carry a file along");
+            return refused(Refusal::Invalid, text, "the letter would carry a file along");
     OutsideTarget target;
     target.kind = OutsideTarget::Kind::Letter;
     target.url = url;
@@ -72,14 +76,16 @@ OutsideTarget examinePath(const QString& path)
 {
     const platform::FileVerdict file = platform::examineFile(path);
     switch (file.kind) {
-    case platform::FileKind::Missing: return refused(path, "no such file");
-    case platform::FileKind::Special: return refused(file.path, "neither file nor folder");
-    case platform::FileKind::Program: return refused(file.path, "a program: " + file.reason);
+    case platform::FileKind::Missing: return refused(Refusal::Missing, path, "no such file");
+    case platform::FileKind::Special: return refused(Refusal::Missing, file.path, "neither file nor folder");
+    case platform::FileKind::Program:
+        return refused(Refusal::Program, file.path, "a program: " + file.reason);
     case platform::FileKind::Folder:
     case platform::FileKind::Document: break;
     }
     // Links may lead to a name that misleads.
-    if (hasDeception(file.path)) return refused(path, "the name holds characters that mislead");
+    if (hasDeception(file.path))
+        return refused(Refusal::Misleading, path, "the name holds characters that mislead");
     OutsideTarget target;
     target.kind = OutsideTarget::Kind::File;
     target.url = QUrl::fromLocalFile(file.path);
@@ -98,19 +104,20 @@ OutsideTarget examineFileAddress(const QString& text)
 {
     const QUrl url(text, QUrl::TolerantMode);
     const QString host = url.host();
-    if (!url.isValid()) return refused(text, "no valid address");
+    if (!url.isValid()) return refused(Refusal::Invalid, text, "no valid address");
     if (!host.isEmpty() && host.compare("localhost", Qt::CaseInsensitive) != 0)
-        return refused(text, "lies on another machine");
+        return refused(Refusal::OtherMachine, text, "lies on another machine");
     const QString path = url.path(QUrl::FullyDecoded);
-    if (hasDeception(path)) return refused(text, "the name holds characters that mislead");
-    if (isOnOtherMachine(path)) return refused(text, "lies on another machine");
-    if (!path.startsWith('/')) return refused(text, "no valid address");
+    if (hasDeception(path))
+        return refused(Refusal::Misleading, text, "the name holds characters that mislead");
+    if (isOnOtherMachine(path)) return refused(Refusal::OtherMachine, text, "lies on another machine");
+    if (!path.startsWith('/')) return refused(Refusal::Invalid, text, "no valid address");
     return examinePath(path);
 }
 
 OutsideTarget examineBarePath(const QString& text, const QString& folder)
 {
-    if (isOnOtherMachine(text)) return refused(text, "lies on another machine");
+    if (isOnOtherMachine(text)) return refused(Refusal::OtherMachine, text, "lies on another machine");
     // The name as it stands comes first; then what an address would make of it. Each is examined for itself.
     QStringList readings{text};
     const QString withoutQuery = text.left(text.indexOf(QRegularExpression("[?#]")));
@@ -123,7 +130,7 @@ OutsideTarget examineBarePath(const QString& text, const QString& folder)
         if (QFileInfo::exists(path) || QFileInfo(path).isSymLink()) return examinePath(path);
     }
     if (text.startsWith("www.", Qt::CaseInsensitive)) return examinePage("http://" + text);
-    return refused(text, "no such file");
+    return refused(Refusal::Missing, text, "no such file");
 }
 
 } // namespace
@@ -131,9 +138,9 @@ OutsideTarget examineBarePath(const QString& text, const QString& folder)
 OutsideTarget examineTarget(const QString& text, const QString& folder)
 {
     const QString address = text.trimmed();
-    if (address.isEmpty()) return refused(address, "nothing is named");
-    if (address.size() > kLongest) return refused(address.left(80) + "...", "too long");
-    if (hasDeception(address)) return refused(address, "holds characters that mislead");
+    if (address.isEmpty()) return refused(Refusal::Invalid, address, "nothing is named");
+    if (address.size() > kLongest) return refused(Refusal::Invalid, address.left(80) + "...", "too long");
+    if (hasDeception(address)) return refused(Refusal::Misleading, address, "holds characters that mislead");
 
     // A single letter is a drive of another system.
     static const QRegularExpression kScheme("^([A-Za-z][A-Za-z0-9+.-]+)\\s*:");
@@ -143,7 +150,7 @@ OutsideTarget examineTarget(const QString& text, const QString& folder)
     if (scheme == "http" || scheme == "https") return examinePage(address);
     if (scheme == "mailto") return examineLetter(address);
     if (scheme == "file") return examineFileAddress(address);
-    return refused(address, "the scheme " + scheme + " is not opened");
+    return refused(Refusal::Invalid, address, "the scheme " + scheme + " is not opened");
 }
 
 } // namespace player

@@ -14,7 +14,9 @@ struct OutsideTarget {
         File,    ///< a document or a folder
         Refused, ///< never opened, whoever asks
     };
+    enum class Refusal { None, Invalid, Missing, Program, OtherMachine, Misleading };
     Kind kind = Kind::Refused;
+    Refusal refusal = Refusal::None;
     QUrl url;       ///< what is opened: the file itself, no link to it
     QString shown;  ///< for the user: the whole address or path
     QString reason; ///< for the log, when refused

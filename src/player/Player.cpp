@@ -327,7 +327,15 @@ bool Player::isPageAddress(const QString& path) const
     return liesWithin(filePartOf(path), m_application.GadgetsPath);
 }
 
-void Player::openOutside(const QString& target) { m_outside.open(target, senderOfCommand()); }
+void Player::openOutside(const QString& target)
+{
+    const Outside::Sender sender = senderOfCommand();
+    if (isVisible()) return m_outside.open(target, sender);
+    // A movie's first frame comes before the window: a question waits for the window that it belongs to.
+    QTimer::singleShot(0, this, [this, target, sender] {
+        if (!hasEnded()) handled(texts::kPlacePage, [&] { m_outside.open(target, sender); });
+    });
+}
 
 // ---- settings
 

@@ -75,9 +75,14 @@ inline constexpr const char* kOutsideAdvice    = "Открывайте толь�
 inline constexpr const char* kOutsideOpen      = "Открыть";
 inline constexpr const char* kOutsideRefuse    = "Отказать";
 inline constexpr const char* kOutsideAlways    = "Всегда так для этого ролика (до выхода из программы)";
-inline constexpr const char* kOutsideRefused   = "Ролик «%1» просил открыть файл или адрес, который не открывают по "
-                                                 "просьбе ролика: программы и сценарии, чужие компьютеры, файлы, "
-                                                 "которых нет.";
+inline constexpr const char* kRefusedAddress   = "Ролик «%1» просил открыть адрес, который программа не открывает.";
+inline constexpr const char* kRefusedMissing   = "Ролик «%1» просил открыть файл, которого нет.";
+inline constexpr const char* kRefusedProgram   = "Ролик «%1» просил запустить программу. По просьбе ролика программы, "
+                                                 "сценарии и ярлыки не запускаются.";
+inline constexpr const char* kRefusedMachine   = "Ролик «%1» просил открыть файл с другого компьютера. Такие файлы по "
+                                                 "просьбе ролика не открываются.";
+inline constexpr const char* kRefusedMisleading = "Ролик «%1» просил открыть то, чьё имя вводит в заблуждение. Это не "
+                                                 "открыто.";
 
 inline constexpr const char* kPlaceFormLoad    = "Загрузка окна";
 inline constexpr const char* kPlaceMenu        = "Выполнение команды меню";

@@ -153,6 +153,24 @@ def place(session):
     wait_for_size('100 %', normal)
 
 
+def speak(session):
+    """Types statements into the console."""
+    normal = session.size()
+
+    def run(statement, keys):
+        subprocess.run(['xdotool', 'windowfocus', '--sync', session.main_window(), 'type', '--delay', '1', statement],
+                       check=True)
+        session.key(*keys)
+
+    session.key('F12')
+    run('ZoomFlash 200, 0', ['Return'])
+    wait_for('the statement to zoom', lambda: session.size()[0] > normal[0] + MOVIE_SIZE[0] - 1)
+    session.picture('console has run')
+    session.key('ctrl+a')
+    run('Player.ZoomFlash 100, 0', ['Return', 'Escape'])
+    wait_for('the statement to zoom back', lambda: session.size() == normal)
+
+
 def main():
     program_folder, swfc, scratch = sys.argv[1:4]
     status = under_virtual_display('%dx%d' % SCREEN)
@@ -176,6 +194,7 @@ def main():
     try:
         play(session, movie)
         place(session)
+        speak(session)
         wait_for('the volume of the sound page', lambda: session.volume() == 100)
         session.key('ctrl+m')
         wait_for('silence', lambda: session.volume() == 0)

@@ -178,7 +178,10 @@ protected:
                        opened += url.toString();
                        return true;
                    },
-                   [this](const Outside::Question& question) { told += question.target; },
+                   [this](const Outside::Question& question, OutsideTarget::Refusal refusal) {
+                       told += question.target;
+                       refusals += refusal;
+                   },
                    [this](const QString& line) { log += line; }})
     {
     }
@@ -188,6 +191,7 @@ protected:
     Outside::Answer answer = Outside::Answer::Refuse;
     std::function<void()> whileAsked;
     QStringList asked, opened, told, log;
+    QList<OutsideTarget::Refusal> refusals;
     Outside outside;
 };
 
@@ -242,6 +246,20 @@ TEST_F(Asking, IsNotBuriedByAMovieThatInsists)
     EXPECT_EQ(opened.size(), 1);
 }
 
+TEST_F(Asking, TellsWhyItRefuses)
+{
+    using Refusal = OutsideTarget::Refusal;
+    const std::pair<QString, Refusal> kCases[] = {{"javascript:x", Refusal::Invalid},
+                                                  {"absent.txt", Refusal::Missing},
+                                                  {path("game.exe"), Refusal::Program},
+                                                  {"//server/a.txt", Refusal::OtherMachine},
+                                                  {"http://good.com@evil.com/", Refusal::Misleading}};
+    for (const auto& [target, refusal] : kCases) {
+        outside.open(target, {"/movies/" + QString::number(refusals.size()), false});
+        EXPECT_EQ(refusals.last(), refusal) << target.toStdString();
+    }
+}
+
 TEST_F(Asking, LooksAgainAtAFileThatWasSwappedMeanwhile)
 {
     answer = Outside::Answer::Open;
@@ -288,6 +306,26 @@ TEST_F(PlayerWindow, AsksBeforeAMovieOpensAnAddress)
     player.LoadFlash(path("<b>ask.swf"), {});
     EXPECT_EQ(system.opened, (QStringList{"http://example.com/", "http://example.com/"}));
     EXPECT_TRUE(log().contains("Opened: http://example.com/"));
+}
+
+TEST_F(PlayerWindow, HasItsWindowBeforeAMovieAsks)
+{
+    const SystemOpener system;
+    const QString asking = compile("early", QString(kAsking).arg("getURL(\"http://example.com/\")").toUtf8());
+    Player player(application, '"' + asking + '"');
+    player.Form_Load();
+    EXPECT_TRUE(player.isVisible());
+    bool asked = false;
+    EXPECT_TRUE(waitFor([&] {
+        QTimer::singleShot(10, &player, [&asked] {
+            if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                asked = true;
+                box->reject();
+            }
+        });
+        return asked;
+    }));
+    EXPECT_TRUE(system.opened.isEmpty());
 }
 
 TEST_F(PlayerWindow, DoesNotLetAMovieSpeakInAPagesName)
