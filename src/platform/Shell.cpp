@@ -162,6 +162,7 @@ QString whyProgram(const QFileInfo& file)
 FileVerdict examineFile(const QString& path)
 {
     FileVerdict verdict;
+    if (path.startsWith(':')) return verdict; // the toolkit's own name for what is built into the program
     verdict.path = QFileInfo(path).canonicalFilePath();
     if (verdict.path.isEmpty()) return verdict;
     const QFileInfo file(verdict.path);

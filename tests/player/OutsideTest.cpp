@@ -153,6 +153,8 @@ TEST_F(Target, RefusesWhatIsNoDocument)
         "absent.txt",
         "%2e%2e%2fabsent.txt",
         "/dev/null",
+        ":/",
+        ":/qt-project.org/styles",
         QString(5000, 'a'),
     };
     for (const QString& text : kRefused) {

@@ -166,6 +166,15 @@ TEST_F(PlayingMovie, KeepsItsGroundUnderTheSoundPage)
     EXPECT_EQ(control().BGColor(), "336699");
 }
 
+TEST_F(PlayingMovie, GivesItsGroundBackWhenAMovieIsComplete)
+{
+    control().setBGColor("FF00FF");
+    emit control().OnReadyStateChange(3);
+    EXPECT_EQ(control().BGColor(), "FF00FF");
+    emit control().OnReadyStateChange(4);
+    EXPECT_EQ(control().BGColor(), "336699");
+}
+
 /// The loudness of either side over the next tenth of a second.
 std::pair<double, double> loudness(flash::Engine& engine)
 {
