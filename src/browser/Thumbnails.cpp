@@ -120,7 +120,7 @@ void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
     ++m_made;
     control.setQuality(m_host.hqShots() ? kHighQuality : kLowQuality);
     cDIBSection picture = bestPicture(random);
-    pump();
+    if (!isGivenUp()) pump();
     if (!watch() && !SaveJPG(m_application, picture, thumbnail, kJpegQuality)) log(texts::kLogNoJpeg);
     // What went well stays to be seen until the next one comes.
     if (m_dropped) {
@@ -152,8 +152,9 @@ cDIBSection Thumbnails::bestPicture(QRandomGenerator& random)
             control.GotoFrame(thumbnailFrame(control.TotalFrames(), random.generateDouble()));
             settle();
         }
-        pump();
+        // A movie that is given up is not even drawn: that may be what takes so long.
         if (watch()) return best;
+        pump();
         cDIBSection picture;
         picture.CreateFromPicture(m_window->capture());
         const double share = shareOfCommonestColour(picture);
@@ -184,10 +185,10 @@ void Thumbnails::dropMovie(const char* why)
 
 bool Thumbnails::watch()
 {
-    if (m_sincePump.elapsed() >= kPumpEveryMs) {
-        pump();
-        m_sincePump.start();
-    }
+    if (isGivenUp()) return true;
+    if (m_sincePump.elapsed() < kPumpEveryMs) return false;
+    pump();
+    m_sincePump.start();
     if (m_host.hasEnded()) m_state.skip = true;
     if (m_clock.elapsed() > limits.timeMs) dropMovie("it takes too long");
     if (platform::residentBytes() - m_memoryBefore > limits.memoryBytes)

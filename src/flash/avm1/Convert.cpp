@@ -208,8 +208,11 @@ Value add(Vm& vm, Value a, Value b)
             vm.abortScript("A text grew beyond all bounds; the scripts of this movie were stopped.");
             return {};
         }
-        // A long text is counted now: where it is looked at and takes its room, the collector is not near.
-        vm.heap().noteExternalBytes(length > kLongText ? length * sizeof(char16_t) : sizeof(String));
+        // What makes a text grow fast is counted now: where it is looked at and takes its room, the collector
+        // is not near. A text that grows piece by piece is not, or each piece would cost as much as the
+        // whole.
+        const std::size_t growth = std::min(first->length(), second->length());
+        vm.heap().noteExternalBytes(growth > kLongText ? growth * sizeof(char16_t) : sizeof(String));
         return Value(vm.heap().make<String>(first, second));
     }
     const double sum = toNumber(vm, left);

@@ -1,5 +1,7 @@
 #include "flash/avm1/Interpreter.h"
 
+#include "flash/avm1/ArrayNative.h"
+
 #include <algorithm>
 #include <string>
 
@@ -65,6 +67,26 @@ Object* SuperNative::holderOf(Vm& vm, Name name) const
     return nullptr;
 }
 
+namespace
+{
+
+/// Natives go through the texts and lists that they are given, most of them once.
+void noteWorkOn(Vm& vm, Value self, std::span<const Value> args)
+{
+    constexpr std::size_t kItemsPerStep = 64;
+    std::size_t items = 0;
+    if (self.isString())
+        items = self.string()->length();
+    else if (const Object* object = self.asObject(); object != nullptr) {
+        if (const auto* list = object->native<ArrayNative>())
+            items = static_cast<std::size_t>(list->length());
+    }
+    if (!args.empty() && args[0].isString()) items += args[0].string()->length();
+    if (items >= kItemsPerStep) vm.noteWork(items / kItemsPerStep);
+}
+
+} // namespace
+
 Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Value> args,
                           const CallOptions& options)
 {
@@ -90,6 +112,7 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
     if (!function->isNative()) {
         result = invokeScript(vm, function, self, args, options);
     } else if (args.size() >= static_cast<std::size_t>(function->least())) {
+        noteWorkOn(vm, self, args);
         Call call{vm, self, args, function, options.isConstruct};
         result = function->nativeFunction()(call);
     }
@@ -157,7 +180,7 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
         else
             frame.activation->define(vm, parameter.name, value);
     }
-    safepoint(frame);
+    safepoint(vm);
     if (!vm.isUnwinding()) loop(frame);
     return frame.result;
 }

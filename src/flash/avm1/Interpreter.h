@@ -107,7 +107,7 @@ struct Interpreter {
     static constexpr int kMostNestedRegions = 1024;
     static void jump(Frame& frame, std::uint32_t instruction);
     /// Counts work and looks at the clock and the heap from time to time.
-    static void safepoint(Frame& frame);
+    static void safepoint(Vm& vm);
 
     static Value invoke(Vm& vm, Value callable, Value self, std::span<const Value> args,
                         const CallOptions& options = {});

@@ -200,12 +200,11 @@ void Interpreter::jump(Frame& frame, std::uint32_t instruction)
     const Instruction* to = frame.body->instructions.data() + instruction;
     const bool backwards = to <= frame.ip;
     frame.ip = to;
-    if (backwards) safepoint(frame);
+    if (backwards) safepoint(frame.vm);
 }
 
-void Interpreter::safepoint(Frame& frame)
+void Interpreter::safepoint(Vm& vm)
 {
-    Vm& vm = frame.vm;
     if (vm.m_heap.shouldCollect()) {
         vm.m_heap.collect();
         vm.m_budget = 0; // what takes memory in great pieces is looked at more often

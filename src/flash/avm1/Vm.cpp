@@ -108,6 +108,12 @@ void Vm::constructOn(Object* object, Function* constructor, std::span<const Valu
     Interpreter::invoke(*this, constructor, object, args, {prototypeOf(constructor), true});
 }
 
+bool Vm::checkLoop()
+{
+    Interpreter::safepoint(*this);
+    return isUnwinding();
+}
+
 void Vm::abortScript(std::string_view why) { Interpreter::abort(*this, why); }
 
 void Vm::throwValue(Value value) { Interpreter::throwValue(*this, value); }

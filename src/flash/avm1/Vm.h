@@ -78,6 +78,17 @@ public:
     void throwValue(Value value);
     /// @returns whether a native that calls script in a loop must return at once: an exception is on its way,
     /// or the script is being stopped.
+    /// Counts a native's work towards the next look at the clock: a loop around something slow must be seen
+    /// to be slow. @param steps of some tens of nanoseconds
+    void noteWork(std::size_t steps)
+    {
+        constexpr std::size_t kMostSteps = 1 << 20;
+        if (m_budget > 0) m_budget -= static_cast<int>(steps < kMostSteps ? steps : kMostSteps);
+    }
+    /// To be called within the loop of a native that could take for ever. Collects when it is time, so that
+    /// everything the native holds must be rooted or on the stack.
+    /// @returns isUnwinding(): the native is to return
+    bool checkLoop();
     /// Ends all scripts of the movie for good, and logs why.
     void abortScript(std::string_view why);
     /// @returns whether a script went out of bounds (recursion, time): none of the movie runs any more.

@@ -112,7 +112,7 @@ void perlinNoise(swf::Bitmap& bitmap, const PerlinOptions& options)
     constexpr int kMostOctaves = 16; // finer ones are below a pixel's 1/256 weight
     const int octaves = std::min(options.octaves, kMostOctaves);
     const Lattice lattice(options.seed);
-    for (int y = 0; y < bitmap.height; ++y) {
+    for (int y = 0; y < bitmap.height && !(options.stops && options.stops()); ++y) {
         for (int x = 0; x < bitmap.width; ++x) {
             std::array<int, 4> rgba{0, 0, 0, 255};
             for (int channel = 0; channel < 4; ++channel) {

@@ -4,6 +4,7 @@
 #include "flash/swf/Movie.h"
 
 #include <array>
+#include <functional>
 #include <optional>
 
 // Pixel operations that scripts ask for on bitmaps of their own. Colours are 0xAARRGGBB and not
@@ -85,6 +86,7 @@ struct PerlinOptions {
     int channels = 7;
     bool gray = false;
     std::vector<swf::Point> offsets; ///< of each octave, pixels
+    std::function<bool()> stops;     ///< asked before each row; true leaves the rest as it is
 };
 void perlinNoise(swf::Bitmap& bitmap, const PerlinOptions& options);
 

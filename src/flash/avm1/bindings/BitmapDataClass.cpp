@@ -54,6 +54,8 @@ Value guarded(Call& call)
     if (native == nullptr) return {};
     if (native->bitmap == nullptr || call.count() < Least) return kRefused;
     const std::shared_ptr<swf::Bitmap> keep = native->bitmap; // a script called from here may dispose of it
+    constexpr std::size_t kPixelsPerStep = 1024; // for all that is done to them
+    call.vm.noteWork(keep->pixels.size() / kPixelsPerStep);
     return Function(call, *keep);
 }
 
@@ -304,6 +306,11 @@ Value perlinNoise(Call& call, swf::Bitmap& bitmap)
             options.offsets.push_back(
                 pointFromValue(call.vm, offsets->get(call.vm, call.vm.names().fromIndex(i))));
     }
+    // Seconds, for a large one.
+    options.stops = [&vm = call.vm, steps = static_cast<std::size_t>(bitmap.width)] {
+        vm.noteWork(steps);
+        return vm.checkLoop();
+    };
     render::perlinNoise(bitmap, options);
     return {};
 }
