@@ -66,15 +66,21 @@ void softenRuns(int length, int across, int side, At at, Soften soften)
         };
         const End first = endAt(start - 1);
         const End last = endAt(i);
+        // A ramp is not much longer than the next step of its slope, lest a straight side fade where a curve
+        // ends.
+        const auto rampAt = [&](int beyond, int direction, bool wholeRun) {
+            int next = 0;
+            for (int position = beyond; at(position, across - side) && !at(position, across) && next < run;
+                 position += direction)
+                ++next;
+            return std::max(1.0, std::min<double>(2 * next, wholeRun ? run : run / 2.0));
+        };
+        const double rampFirst = first == End::Falls ? rampAt(start - 1, -1, last == End::Rises) : 0;
+        const double rampLast = last == End::Falls ? rampAt(i, 1, first == End::Rises) : 0;
         for (int k = 0; k < run; ++k) {
-            const double before = (k + 0.5) / run; // the way along the run
             double cover = 1;
-            if (first == End::Falls && last == End::Falls)
-                cover = std::min(1.0, 2 * std::min(before, 1 - before));
-            else if (first == End::Falls)
-                cover = last == End::Rises ? before : std::min(1.0, 2 * before);
-            else if (last == End::Falls)
-                cover = first == End::Rises ? 1 - before : std::min(1.0, 2 * (1 - before));
+            if (rampFirst > 0) cover = std::min(cover, (k + 0.5) / rampFirst);
+            if (rampLast > 0) cover = std::min(cover, (run - k - 0.5) / rampLast);
             if (cover < 1) soften(start + k, across, cover);
         }
     }
@@ -90,7 +96,7 @@ QImage coverOf(const QRegion& shape)
         for (int x = 0; x < bits.width(); ++x) cover.scanLine(y)[x] = bits.at(x, y) ? kFull : 0;
     const auto lower = [&cover](int x, int y, double value) {
         uchar& pixel = cover.scanLine(y)[x];
-        pixel = std::min(pixel, static_cast<uchar>(value * kFull + 0.5));
+        pixel = std::min(pixel, static_cast<uchar>(std::max(1.0, value * kFull + 0.5))); // 0 is outside
     };
     const auto at = [&bits](int x, int y) {
         return x >= -1 && y >= -1 && x <= bits.width() && y <= bits.height() && bits.at(x, y);

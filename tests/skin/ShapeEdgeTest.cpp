@@ -66,6 +66,27 @@ TEST(ShapeEdge, SmoothsSlopesAndCurves)
     }
 }
 
+TEST(ShapeEdge, LeavesTheSideBesideARoundedCornerAlone)
+{
+    constexpr int kRadius = 10;
+    QRegion rounded(0, 0, 200, 100);
+    for (int y = 0; y < kRadius; ++y)
+        for (int x = 0; x < kRadius; ++x)
+            if (std::hypot(kRadius - x - 0.5, kRadius - y - 0.5) > kRadius) rounded -= QRect(x, y, 1, 1);
+    const QImage cover = coverOf(rounded);
+    int soft = 0;
+    for (int y = 0; y < cover.height(); ++y) {
+        for (int x = 0; x < cover.width(); ++x) {
+            const int value = coverAt(cover, x, y);
+            EXPECT_EQ(value != 0, rounded.contains(QPoint(x, y)));
+            if (value == 0 || value == 255) continue;
+            ++soft;
+            EXPECT_TRUE(x < kRadius * 3 / 2 && y < kRadius * 3 / 2) << x << ' ' << y;
+        }
+    }
+    EXPECT_GT(soft, 5);
+}
+
 TEST(ShapeEdge, SoftensOnlyWhatLiesUnderIt)
 {
     QWidget area;

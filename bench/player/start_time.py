@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""Compares how long the player takes to show its window with a program that shows an empty one.
+
+  start_time.py BUILD [RUNS]    needs a display; prints ms and ratios, of the medians and of the best runs
+"""
+import pathlib
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+
+def run(command):
+    begin = time.perf_counter()
+    subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=60)
+    return (time.perf_counter() - begin) * 1000
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    runs = int(sys.argv[2]) if len(sys.argv) > 2 else 15
+    with tempfile.TemporaryDirectory() as folder:
+        shutil.copytree(build / 'Zorvex' / 'media', folder + '/media')
+        shutil.copy(build / 'Zorvex' / 'settings.xml', folder)
+        (pathlib.Path(folder) / 'cache').mkdir()
+        commands = {'trivial': [build / 'bench/show_trivial'], 'player': [build / 'bench/show_player', folder]}
+        times = {name: [] for name in commands}
+        for turn in range(runs + 1):
+            for name, command in commands.items():
+                taken = run(command)
+                if turn > 0:  # the first one reads the disk
+                    times[name].append(taken)
+    # The best run is the one that the rest of the machine disturbed least.
+    for name, figure in (('median', statistics.median), ('best', min)):
+        trivial, player = figure(times['trivial']), figure(times['player'])
+        print('%s: trivial %.0f ms, player %.0f ms, ratio %.2f' % (name, trivial, player, player / trivial))
+
+
+if __name__ == '__main__':
+    main()
