@@ -145,10 +145,15 @@ cDIBSection Thumbnails::bestPicture(QRandomGenerator& random)
     flash::FlashControl& control = m_window->SWF();
     cDIBSection best;
     double bestShare = 2;
-    for (int frame = 0; frame < kMostFrames && bestShare > kBlankShare; ++frame) {
+    for (int frame = 0; frame <= kMostFrames && bestShare > kBlankShare; ++frame) {
         // What was not loaded is pictured as it stands.
         const bool isLoaded = control.FrameNum() != -1;
-        if (isLoaded) {
+        if (isLoaded && frame == kMostFrames) {
+            // A movie that shows itself only when it is played from its beginning.
+            control.Rewind();
+            control.Play();
+            for (int again = 0; again < kMostFrames; ++again) settle();
+        } else if (isLoaded) {
             control.GotoFrame(thumbnailFrame(control.TotalFrames(), random.generateDouble()));
             settle();
         }
