@@ -126,7 +126,19 @@ void SkinControl::contextMenuEvent(QContextMenuEvent* event)
 void SkinPicture::setImage(ImageState state, QImage image)
 {
     m_images.at(static_cast<std::size_t>(state)) = std::move(image);
+    forgetStretched();
+}
+
+void SkinPicture::setFineImage(ImageState state, QImage image)
+{
+    m_fineImages.at(static_cast<std::size_t>(state)) = std::move(image);
+    forgetStretched();
+}
+
+void SkinPicture::forgetStretched()
+{
     m_stretched = {};
+    m_finelyStretched = {};
 }
 
 const QImage& SkinPicture::image(ImageState state) const
@@ -138,7 +150,7 @@ void SkinPicture::showState(ImageState state)
 {
     if (image(state).isNull() || state == m_shown) return;
     m_shown = state;
-    m_stretched = {};
+    forgetStretched();
     update();
 }
 
@@ -171,7 +183,7 @@ void SkinPicture::resizeEvent(QResizeEvent*)
 {
     // What is shown now is the normal image again: the others are painted by what happens to the element.
     if (!image(ImageState::Normal).isNull() && m_shown != ImageState::Disabled) m_shown = ImageState::Normal;
-    m_stretched = {};
+    forgetStretched();
 }
 
 void SkinPicture::paintEvent(QPaintEvent* event)
@@ -182,12 +194,28 @@ void SkinPicture::paintEvent(QPaintEvent* event)
     if (shown.isNull() || size().isEmpty()) return;
     // Very large elements are stretched where they are seen; others once, and kept.
     constexpr int kKeptPixels = 4'000'000;
-    if (qint64{width()} * height() > kKeptPixels || devicePixelRatioF() != 1.0) {
+    if (qint64{width()} * height() > kKeptPixels) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform, !m_masked);
         painter.drawImage(rect(), shown);
+    } else if (devicePixelRatioF() != 1.0) {
+        drawFinely(painter);
     } else {
         painter.drawImage(event->rect().topLeft(), picture(), event->rect());
     }
+}
+
+void SkinPicture::drawFinely(QPainter& painter)
+{
+    const qreal scale = devicePixelRatioF();
+    const QSize wanted = (QSizeF(size()) * scale).toSize();
+    if (m_finelyStretched.size() != wanted) {
+        const QImage& fine = m_fineImages.at(static_cast<std::size_t>(m_shown));
+        const QImage& source = fine.isNull() || m_masked ? image(m_shown) : fine;
+        m_finelyStretched = source.scaled(wanted, Qt::IgnoreAspectRatio,
+                                          m_masked ? Qt::FastTransformation : Qt::SmoothTransformation);
+    }
+    m_finelyStretched.setDevicePixelRatio(scale);
+    painter.drawImage(0, 0, m_finelyStretched);
 }
 
 // ---- labels

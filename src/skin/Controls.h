@@ -123,6 +123,9 @@ public:
     using SkinControl::SkinControl;
 
     void setImage(ImageState state, QImage image);
+    /// The same picture at twice its size, shown where a pixel of the window is more than one of the
+    /// screen's. Masked pictures do without: their edges are those of the mask.
+    void setFineImage(ImageState state, QImage image);
     [[nodiscard]] const QImage& image(ImageState state) const;
     /// A state without an image leaves what is shown.
     void showState(ImageState state);
@@ -146,9 +149,14 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void drawFinely(QPainter& painter);
+    void forgetStretched();
+
     std::array<QImage, 4> m_images;
+    std::array<QImage, 4> m_fineImages;
     ImageState m_shown = ImageState::Normal;
     mutable QImage m_stretched; ///< the shown image at this size
+    QImage m_finelyStretched;   ///< the same in pixels of the screen
     QColor m_ground;
     bool m_masked = false;
 };

@@ -8,6 +8,7 @@
 #include "skin/Texts.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 
 #include <cmath>
 
@@ -227,12 +228,19 @@ void Skin::buildObject(SkinObject& record, const base::xml::Element& node, Kind 
 
 void Skin::loadImages(SkinPicture& picture, Kind kind, const QString& name)
 {
+    const bool fine = qApp->devicePixelRatio() > 1;
+    const QFileInfo file(name);
+    const QString fineName = name.chopped(file.suffix().size() + 1) + "@2x." + file.suffix();
     const auto load = [&](ImageState state, const char* folder) {
         auto image = loadImage(m_folder, QLatin1String(folder) + name);
-        if (image)
+        if (image) {
             picture.setImage(state, *std::move(image));
-        else if (image.error().code != base::ErrorCode::NotFound) // a state may have no image
+            if (!fine) return;
+            if (auto twice = loadImage(m_folder, QLatin1String(folder) + fineName))
+                picture.setFineImage(state, *std::move(twice));
+        } else if (image.error().code != base::ErrorCode::NotFound) { // a state may have no image
             m_host.log(core::HtmlEscape(QString::fromStdString(image.error().what)));
+        }
     };
     load(ImageState::Normal, kind == Kind::Button ? "up/" : "base/");
     load(ImageState::Disabled, "disabled/");
