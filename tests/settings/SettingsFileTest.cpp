@@ -65,6 +65,11 @@ TEST_F(SettingsFiles, ChangeOnlyWhatTheyKnow)
          "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<SETTINGS>\r\n <VIEW skin=\"Жук\" "
          "quality=\"Best\"/>\r\n"
          "  <SOUND volume=\"8\"/>\r\n</SETTINGS>\r\n"},
+        {"as an editor left it",
+         "<?xml version='1.0' encoding='UTF-8' ?>\n<SETTINGS>\r\n<VIEW\n\tquality = 'Low'  skin='Жук' />\n"
+         "<FILES search=\"\"><RECENT></RECENT><RECENT /></FILES></SETTINGS>",
+         "<?xml version='1.0' encoding='UTF-8' ?>\n<SETTINGS>\r\n<VIEW\n\tquality = 'Best'  skin='Жук' />\n"
+         "<FILES search=\"\"><RECENT></RECENT><RECENT /></FILES></SETTINGS>"},
         {"no declaration, one line", "<SETTINGS><VIEW quality=\"Жук\"/><GADGETS/></SETTINGS>\n",
          "<SETTINGS><VIEW quality=\"Best\"/><GADGETS/></SETTINGS>\n"},
     };
@@ -75,6 +80,7 @@ TEST_F(SettingsFiles, ChangeOnlyWhatTheyKnow)
         ASSERT_TRUE(file.load(options, recent));
         options.quality = "Best";
         options.volume = 8;
+        options.search.clear();
         EXPECT_TRUE(file.save(options, recent));
         EXPECT_EQ(content(), c.after);
         if (c.before.contains("skin")) {

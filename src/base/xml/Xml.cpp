@@ -1,6 +1,7 @@
 #include "base/xml/Xml.h"
 
 #include "base/TextCodes.h"
+#include "base/xml/InPlace.h"
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -92,6 +93,8 @@ Result<Document> Document::parse(Bytes bytes)
         text.find('\0') != text.npos || startsWith(text.substr(hasMark ? kUtf8Mark.size() : 0), "<?xml");
     const std::size_t lineEnd = text.find('\n');
     document.m_crLf = lineEnd != text.npos && lineEnd > 0 && text[lineEnd - 1] == '\r';
+    document.m_source = text;
+    document.m_asRead = document.written();
     return document;
 }
 
@@ -105,30 +108,46 @@ Document Document::create(std::string_view rootName)
 
 Element Document::root() const { return Element(xmlDocGetRootElement(m_document.get())); }
 
-std::vector<std::uint8_t> Document::bytes() const
+std::string Document::written() const
 {
     const auto* declared = reinterpret_cast<const char*>(m_document->encoding);
     const std::unique_ptr<xmlBuffer, void (*)(xmlBuffer*)> buffer(xmlBufferCreate(), xmlBufferFree);
-    const bool writesOwnDeclaration = m_declaration && declared != nullptr;
     xmlSaveCtxt* saving = xmlSaveToBuffer(buffer.get(), declared != nullptr ? declared : "UTF-8",
-                                          writesOwnDeclaration ? 0 : XML_SAVE_NO_DECL);
+                                          m_declaration && declared != nullptr ? 0 : XML_SAVE_NO_DECL);
     xmlSaveDoc(saving, m_document.get());
     xmlSaveClose(saving);
-    const std::string_view body(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
-                                static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+    return {reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+            static_cast<std::size_t>(xmlBufferLength(buffer.get()))};
+}
+
+std::string Document::withSourceForm(const std::string& body) const
+{
     std::string text;
     if (m_utf8Mark) text += kUtf8Mark;
-    if (m_declaration && !writesOwnDeclaration) text += "<?xml version=\"1.0\"?>\n";
+    if (m_declaration && m_document->encoding == nullptr) text += "<?xml version=\"1.0\"?>\n";
     text += body;
     // UTF-16 has zero bytes and keeps its plain line feeds.
-    if (m_crLf && body.find('\0') == body.npos) {
-        std::string converted;
-        converted.reserve(text.size() + text.size() / 16);
-        for (const char c : text) {
-            if (c == '\n') converted += '\r';
-            converted += c;
+    if (!m_crLf || body.find('\0') != body.npos) return text;
+    std::string converted;
+    converted.reserve(text.size() + text.size() / 16);
+    for (const char c : text) {
+        if (c == '\n') converted += '\r';
+        converted += c;
+    }
+    return converted;
+}
+
+std::vector<std::uint8_t> Document::bytes() const
+{
+    const std::string body = written();
+    std::string text = withSourceForm(body);
+    if (!m_source.empty() && m_source.find('\0') == m_source.npos) {
+        if (auto updated = updatedInPlace(m_source, m_asRead, body)) {
+            // What the source's spelling hides from this way of updating shows when it is read again.
+            const auto again =
+                parse({reinterpret_cast<const std::uint8_t*>(updated->data()), updated->size()});
+            if (again && again->m_asRead == body) text = std::move(*updated);
         }
-        text = std::move(converted);
     }
     return {text.begin(), text.end()};
 }

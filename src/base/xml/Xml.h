@@ -49,10 +49,11 @@ private:
     _xmlNode* m_node;
 };
 
-/// A whole document. Attribute order, white space between tags, comments, the declared encoding, the byte
-/// order mark and the line ends (those of the first line for all) survive a round trip. Quotation marks,
-/// white space within tags and the two spellings of an empty element do not. Characters that the encoding
-/// lacks are written as references.
+/// A whole document. As long as neither elements nor attributes are added or removed, everything that is not
+/// changed survives a save byte for byte. Otherwise, and in UTF-16, attribute order, white space between
+/// tags, comments, the declared encoding, the byte order mark and the line ends (those of the first line for
+/// all) do; quotation marks, white space within tags and the two spellings of an empty element do not.
+/// Characters that the encoding lacks are written as references.
 class Document
 {
 public:
@@ -72,7 +73,13 @@ private:
         void operator()(_xmlDoc* document) const;
     };
     explicit Document(_xmlDoc* document) : m_document(document) {}
+    /// The document as the library writes it, in its encoding, with plain line feeds.
+    [[nodiscard]] std::string written() const;
+    [[nodiscard]] std::string withSourceForm(const std::string& body) const;
+
     std::unique_ptr<_xmlDoc, Free> m_document;
+    std::string m_source; ///< what was read; empty for a new document
+    std::string m_asRead; ///< written() right after reading
     // What the tree does not hold of the source's form.
     bool m_declaration = true;
     bool m_utf8Mark = false;
