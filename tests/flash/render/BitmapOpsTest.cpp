@@ -114,10 +114,10 @@ TEST(BitmapOps, PerlinNoiseRefusesWhatIsNoSize)
 {
     swf::Bitmap picture = bitmap(8, 8, true, 0x123456);
     for (const double base : {0.0, static_cast<double>(NAN), static_cast<double>(INFINITY), 1e-310})
-        perlinNoise(picture, {base, 10, 3, 1, true, true, 7, false, {}});
+        perlinNoise(picture, {base, 10, 3, 1, true, true, 7, false, {}, {}});
     EXPECT_EQ(pixelAt(picture, 3, 3), 0xFF123456U);
-    perlinNoise(picture, {1e-300, 1e300, 100, 1, true, true, 15, false, {{INFINITY, 0}}});
-    perlinNoise(picture, {10, 10, 2, 1, false, true, 7, true, {}});
+    perlinNoise(picture, {1e-300, 1e300, 100, 1, true, true, 15, false, {{INFINITY, 0}}, {}});
+    perlinNoise(picture, {10, 10, 2, 1, false, true, 7, true, {}, {}});
     const std::uint32_t gray = pixelAt(picture, 3, 3);
     EXPECT_EQ(gray >> 16 & 255, gray & 255);
 }
