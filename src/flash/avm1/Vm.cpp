@@ -265,13 +265,13 @@ void Vm::addMembers(Object* object, std::span<const MemberInfo> members, int nat
     }
 }
 
-void Vm::addAccessors(Object* object, std::span<const AccessorInfo> accessors)
+void Vm::addAccessors(Object* object, std::span<const AccessorInfo> accessors, std::uint16_t flags)
 {
     for (const AccessorInfo& accessor : accessors) {
         Function* getter = accessor.getter == nullptr ? nullptr : newFunction(accessor.getter);
         Function* setter = accessor.setter == nullptr ? nullptr : newFunction(accessor.setter, 1);
         object->defineAccessor(*this, name(accessor.name), getter, setter,
-                               static_cast<std::uint16_t>(kBuiltIn | accessor.flags));
+                               static_cast<std::uint16_t>(flags | accessor.flags));
     }
 }
 

@@ -147,7 +147,9 @@ public:
 
     /// Puts a class's functions on an object. @param nativeTable first number of ASnative; -1 for none.
     void addMembers(Object* object, std::span<const MemberInfo> members, int nativeTable = -1);
-    void addAccessors(Object* object, std::span<const AccessorInfo> accessors);
+    /// @param flags of all of them, besides their own
+    void addAccessors(Object* object, std::span<const AccessorInfo> accessors,
+                      std::uint16_t flags = kBuiltIn);
     /// Makes a class: constructor function on _global and its prototype object, linked both ways.
     /// @returns the constructor; its prototype is `prototypeOf(constructor)`.
     Function* defineClass(std::string_view className, NativeFunction constructor,

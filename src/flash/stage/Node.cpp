@@ -96,6 +96,13 @@ void Node::setMatrix(const swf::Matrix& matrix)
     if (m_parent) m_parent->forgetBounds();
 }
 
+void Node::setMatrixOnly(const swf::Matrix& matrix)
+{
+    cacheScale();
+    setMatrix(matrix);
+    m_scaleCached = true;
+}
+
 void Node::setX(double pixels)
 {
     if (!std::isfinite(pixels)) return;

@@ -71,7 +71,8 @@ public:
 
     // ---- place and look. Every setter marks the node as changed. ----
     [[nodiscard]] const swf::Matrix& matrix() const { return m_matrix; }
-    void setMatrix(const swf::Matrix& matrix); ///< forgets the cached scale and rotation
+    void setMatrix(const swf::Matrix& matrix);     ///< forgets the cached scale and rotation
+    void setMatrixOnly(const swf::Matrix& matrix); ///< what scripts see as scale and rotation stays
     [[nodiscard]] virtual double x() { return m_matrix.tx / swf::kTwipsPerPixel; } ///< pixels
     [[nodiscard]] virtual double y() { return m_matrix.ty / swf::kTwipsPerPixel; }
     virtual void setX(double pixels);

@@ -21,6 +21,8 @@ void installSound(StageBinding& binding);
 void installTextField(StageBinding& binding);
 void installTextFormat(StageBinding& binding);
 void installStyleSheet(StageBinding& binding, Object* textField);
+/// @param package the object `flash.geom`
+void installTransform(StageBinding& binding, Object* package);
 void installLoadVars(StageBinding& binding);
 void installSharedObject(StageBinding& binding);
 void installSystem(StageBinding& binding);
@@ -31,6 +33,9 @@ Value attachAudio(Call& call);
 
 /// Gives the prototype of text fields its properties, which are not there before the first text field is.
 void furnishTextField(Vm& vm);
+
+/// Gives a prototype of instances the property `tabIndex`: a whole number of 32 bits, or undefined.
+void addTabIndex(Vm& vm, Object* prototype, std::uint16_t flags = 0);
 
 /// Makes an object a broadcaster: addListener, removeListener, broadcastMessage and an empty list.
 void makeBroadcaster(Vm& vm, Object* object);

@@ -595,6 +595,13 @@ constexpr AccessorInfo kAccessors[] = {
     {"filters",          kFrom8, &getFilters,          &setFilters},
     {"scale9Grid",       kFrom8, &getScalingGrid,      &setScalingGrid},
 };
+/// Those that buttons share with clips.
+constexpr AccessorInfo kButtonAccessors[] = {
+    {"blendMode",        kFrom8, &getBlendMode,        &setBlendMode},
+    {"cacheAsBitmap",    kFrom8, &getCacheAsBitmap,    &setCacheAsBitmap},
+    {"filters",          kFrom8, &getFilters,          &setFilters},
+    {"scale9Grid",       kFrom8, &getScalingGrid,      &setScalingGrid},
+};
 // clang-format on
 
 } // namespace
@@ -605,6 +612,7 @@ void installMovieClip(StageBinding& binding)
     Function* constructor = vm.defineClass("MovieClip", &construct, kMembers);
     Object* prototype = vm.prototypeOf(constructor);
     vm.addAccessors(prototype, kAccessors);
+    addTabIndex(vm, prototype, kBuiltIn);
     prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
     prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
     installMovieClipDrawing(binding, prototype);
@@ -618,10 +626,15 @@ void installButton(StageBinding& binding)
     static constexpr MemberInfo kButtonMembers[] = {{"getDepth", 0, kFrom6, &getDepth}};
     for (const char* name : {"Button", "Video"}) {
         Object* prototype = vm.prototypeOf(vm.defineClass(name, &construct, kButtonMembers));
-        vm.addAccessors(prototype, kAccessors);
-        if (std::string_view(name) != "Button") continue;
-        prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
-        prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
+        if (std::string_view(name) == "Video") {
+            vm.addAccessors(prototype, kAccessors);
+            continue;
+        }
+        vm.addAccessors(prototype, kButtonAccessors, 0);
+        addTabIndex(vm, prototype);
+        prototype->define(vm, "getDepth", prototype->get(vm, vm.name(std::string_view("getDepth"))), kFrom6);
+        prototype->define(vm, "enabled", Value(true), 0);
+        prototype->define(vm, "useHandCursor", Value(true), 0);
     }
 }
 

@@ -115,12 +115,7 @@ void NodeObject::noteScriptSetting(Vm& vm, Name name, Value value)
     const std::u16string_view text = name.view();
     stage::Clip* clip = stage::asClip(node);
     const auto flag = [&] { return toBoolean(vm, value); };
-    if (text == u"tabIndex") {
-        if (value.isNullish())
-            node->tabIndex.reset();
-        else
-            node->tabIndex = toInt32(vm, value);
-    } else if (text == u"tabEnabled") {
+    if (text == u"tabEnabled") {
         node->tabEnabled = value.isUndefined() ? std::optional<bool>() : flag();
     } else if (text == u"useHandCursor") {
         if (clip) clip->useHandCursor = flag();

@@ -1,6 +1,9 @@
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/stage/TextField.h"
 
+#include <cmath>
+#include <limits>
+
 // Selection: the focus, and what is selected in the text field that has it.
 namespace flash::avm1
 {
@@ -66,7 +69,29 @@ Value setFocus(Call& call)
     return Value(node->kind() != stage::NodeKind::Clip);
 }
 
+Value getTabIndex(Call& call)
+{
+    const stage::Node* node = selfNode(call);
+    if (!node || !node->tabIndex) return {};
+    // Fields answer without a sign, buttons and clips with one.
+    if (node->kind() != stage::NodeKind::TextField) return Value(*node->tabIndex);
+    return Value(static_cast<double>(static_cast<std::uint32_t>(*node->tabIndex)));
+}
+Value setTabIndex(Call& call)
+{
+    stage::Node* node = selfNode(call);
+    if (!node) return {};
+    if (call.arg(0).isNullish())
+        node->tabIndex.reset();
+    else
+        node->tabIndex = std::isnan(numberArg(call, 0)) && node->kind() != stage::NodeKind::TextField
+                             ? std::numeric_limits<int>::min()
+                             : intArg(call, 0);
+    return {};
+}
+
 // clang-format off
+constexpr AccessorInfo kTabIndex[] = {{"tabIndex", kFrom6, &getTabIndex, &setTabIndex}};
 constexpr MemberInfo kMembers[] = {
     {"getBeginIndex", 0, kReadOnly, &getBeginIndex, 0},
     {"getEndIndex",   0, kReadOnly, &getEndIndex,   1},
@@ -80,6 +105,11 @@ constexpr MemberInfo kMembers[] = {
 constexpr int kNativeTable = 600;
 
 } // namespace
+
+void addTabIndex(Vm& vm, Object* prototype, std::uint16_t flags)
+{
+    vm.addAccessors(prototype, kTabIndex, flags);
+}
 
 void installSelection(StageBinding& binding)
 {

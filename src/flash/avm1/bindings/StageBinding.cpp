@@ -126,7 +126,9 @@ void StageBinding::installFlashPackage()
     };
     installBitmapData(*this, package("display"));
     installFilters(*m_vm, package("filters"));
-    installColorTransform(*m_vm, package("geom"));
+    Object* geom = package("geom");
+    installColorTransform(*m_vm, geom);
+    installTransform(*this, geom);
     installGeomPrelude(*m_vm);
 }
 
@@ -322,7 +324,8 @@ void StageBinding::broadcastKey(stage::Event event)
 bool StageBinding::hasKeyListeners()
 {
     Object* key = m_vm->global()->get(*m_vm, m_vm->name(std::string_view("Key"))).asObject();
-    Object* listeners = key ? key->get(*m_vm, m_vm->name(std::string_view("_listeners"))).asObject() : nullptr;
+    Object* listeners =
+        key ? key->get(*m_vm, m_vm->name(std::string_view("_listeners"))).asObject() : nullptr;
     if (!listeners) return false;
     return toNumber(*m_vm, listeners->get(*m_vm, m_vm->name(std::string_view("length")))) > 0;
 }

@@ -425,6 +425,7 @@ void furnishTextField(Vm& vm)
     Object* prototype = constructor ? vm.prototypeOf(constructor) : nullptr;
     if (!prototype || prototype->hasPlain(vm, vm.name(std::string_view("text")))) return;
     vm.addAccessors(prototype, kAccessors);
+    addTabIndex(vm, prototype);
 }
 
 void installTextField(StageBinding& binding)

@@ -37,6 +37,9 @@ Value constructFilter(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr || !call.isConstruct) return {};
     auto& filter = self->attachNew<FilterNative>(Kind);
+    // Seen by loops, unlike those of other classes.
+    if (Kind != FilterKind::Base)
+        self->changeFlags(call.vm, call.vm.common().constructorInternal, 0, kDontEnum | kFrom6);
     const auto properties = filterProperties(Kind);
     for (std::size_t i = 0; i < properties.size() && i < call.count(); ++i)
         writeFilterProperty(call.vm, filter, properties[i], call.arg(i));
@@ -62,7 +65,7 @@ void addAccessors(Vm& vm, Object* prototype, std::index_sequence<Index...>)
     const auto properties = filterProperties(Kind);
     for (std::size_t i = 0; i < properties.size(); ++i) {
         const AccessorInfo accessor{properties[i].name, 0, kGetters[i], kSetters[i]};
-        vm.addAccessors(prototype, std::span(&accessor, 1));
+        vm.addAccessors(prototype, std::span(&accessor, 1), 0);
     }
 }
 

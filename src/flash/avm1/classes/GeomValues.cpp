@@ -125,7 +125,7 @@ void addMembers(Vm& vm, Object* prototype, std::index_sequence<Index...>)
 {
     const AccessorInfo accessors[] = {{kMembers[Index], 0, &getMember<Index>, &setMember<Index>}...,
                                       {"rgb", 0, &getRgb, &setRgb}};
-    vm.addAccessors(prototype, accessors);
+    vm.addAccessors(prototype, accessors, 0);
 }
 
 } // namespace

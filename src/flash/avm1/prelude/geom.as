@@ -279,3 +279,37 @@ flash.geom.Matrix.prototype.toString = function () {
     return "(a=" + this.a + ", b=" + this.b + ", c=" + this.c + ", d=" + this.d + ", tx=" + this.tx + ", ty=" +
         this.ty + ")";
 };
+
+// ContextMenu and ContextMenuItem: plain data; the host decides what its menu shows.
+ContextMenu = function (callbackFunction) {
+    this.onSelect = callbackFunction;
+    this.builtInItems = {save: true, zoom: true, quality: true, play: true, loop: true, rewind: true, forward_back: true,
+                         print: true};
+    this.customItems = new Array();
+};
+ContextMenu.prototype.copy = function () {
+    var made = new ContextMenu(this.onSelect);
+    made.builtInItems = this.builtInItems;
+    for (var i = 0; i < this.customItems.length; i++) {
+        made.customItems.push(this.customItems[i].copy());
+    }
+    return made;
+};
+ContextMenu.prototype.hideBuiltInItems = function () {
+    this.builtInItems = {save: false, zoom: false, quality: false, play: false, loop: false, rewind: false,
+                         forward_back: false, print: false};
+};
+ContextMenuItem = function (caption, callbackFunction, separatorBefore, enabled, visible) {
+    this.caption = caption;
+    this.onSelect = callbackFunction;
+    this.separatorBefore = separatorBefore == undefined ? false : separatorBefore;
+    this.enabled = enabled == undefined ? true : enabled;
+    this.visible = visible == undefined ? true : visible;
+};
+ContextMenuItem.prototype.copy = function () {
+    return new ContextMenuItem(this.caption, this.onSelect, this.separatorBefore, this.enabled, this.visible);
+};
+// Hidden, and from version 7 on.
+ASSetPropFlags(ContextMenu.prototype, null, 1027);
+ASSetPropFlags(ContextMenuItem.prototype, null, 1027);
+ASSetPropFlags(_global, "ContextMenu,ContextMenuItem", 3);
