@@ -1,13 +1,11 @@
 #include "settings/OptionsDialog.h"
 
-#include "core/Look.h"
 #include "settings/Texts.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFrame>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -19,100 +17,27 @@ namespace
 
 constexpr int kMargin = 16;
 constexpr int kControlHeight = 28;
-constexpr int kLeastWidth = 360;
+constexpr int kBoxHeight = 24;
+constexpr int kRowHeight = 24; // of an open list
+constexpr int kLeastWidth = 328; // of what stands between the margins
 
-QString dialogStyle()
-{
-    using namespace core::look;
-    const auto name = [](QRgb colour) { return QColor(colour).name(); };
-    return QString("QDialog { background: %1; } QLabel { color: %2; }"
-                   "#lblPerfomance, #lblAssoc { font-weight: bold; }"
-                   "QComboBox { background: white; color: %2; border: 1px solid %3; border-radius: 3px;"
-                   " padding: 0 8px; }"
-                   "QComboBox:hover { border-color: %4; } QComboBox:focus { border: 2px solid %5; padding: 0 "
-                   "7px; }"
-                   "QComboBox::drop-down { border: none; width: 24px; }"
-                   "QComboBox QAbstractItemView { background: white; color: %2; border: 1px solid %3;"
-                   " selection-background-color: %4; selection-color: white; outline: none; }"
-                   "#cbOk { background: %4; color: white; border: 1px solid %4; border-radius: 6px;"
-                   " padding: 0 16px; }"
-                   "#cbCancel { background: transparent; color: %2; border: 1px solid %3; border-radius: 6px;"
-                   " padding: 0 16px; }"
-                   "#cbOk:hover { background: #3F67A8; } #cbCancel:hover { background: #DFE8F5; }"
-                   "#cbOk:pressed { background: %3; } #cbCancel:pressed { background: #C9D8EE; }"
-                   "#cbOk:focus, #cbCancel:focus { border: 2px solid %5; }"
-                   "#lnDark { background: #C3CCDA; } #lnLite { background: white; }")
-        .arg(name(kPaper), name(kInk), name(kSteel), name(kBlue), name(kSky));
-}
-
-/// A list whose arrow is drawn by itself: the style sheet takes the system's away.
+/// A list of which an entry is chosen on purpose only: a wheel that scrolls past must not change an option.
 class List : public QComboBox
 {
 public:
     using QComboBox::QComboBox;
 
 protected:
-    void paintEvent(QPaintEvent* event) override
-    {
-        QComboBox::paintEvent(event);
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(QColor(core::look::kSteel), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        const QPointF tip(width() - 14, height() / 2.0 + 2);
-        painter.drawPolyline(QPolygonF{tip - QPointF(4, 4), tip, tip + QPointF(4, -4)});
-    }
-    // A wheel that scrolls past must not change an option.
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
-};
-
-/// A box in the program's own colours, sharp at any scale; a style sheet could only show a picture.
-class Box : public QCheckBox
-{
-public:
-    explicit Box(const QString& caption, QWidget* parent) : QCheckBox(caption, parent)
-    {
-        setFixedHeight(kControlHeight - 2);
-    }
-    [[nodiscard]] QSize sizeHint() const override
-    {
-        return {kBox + kGap + fontMetrics().horizontalAdvance(text()) + 4, kControlHeight - 2};
-    }
-
-protected:
-    bool hitButton(const QPoint& position) const override { return rect().contains(position); }
-    void paintEvent(QPaintEvent*) override
-    {
-        using namespace core::look;
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const QRectF box(1.5, (height() - kBox) / 2 + 0.5, kBox - 1, kBox - 1);
-        if (hasFocus()) {
-            painter.setPen(QPen(QColor(kSky), 2));
-            painter.drawRoundedRect(box.adjusted(-1, -1, 1, 1), 4, 4);
-        }
-        const QColor ground = isChecked() ? QColor(kBlue) : QColor(Qt::white);
-        painter.setPen(QPen(isChecked() || underMouse() ? QColor(kBlue) : QColor(kSteel), 1));
-        painter.setBrush(isDown() ? QColor(kSky) : ground);
-        painter.drawRoundedRect(box, 3, 3);
-        if (isChecked()) {
-            painter.setPen(QPen(Qt::white, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            const QPointF at = box.topLeft();
-            painter.drawPolyline(
-                QPolygonF{at + QPointF(3.5, 8), at + QPointF(6.5, 11), at + QPointF(11.5, 4.5)});
-        }
-        painter.setPen(palette().color(QPalette::WindowText));
-        painter.drawText(rect().adjusted(kBox + kGap, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
-    }
-
-private:
-    static constexpr int kBox = 16;
-    static constexpr int kGap = 10;
 };
 
 void addHeading(QVBoxLayout& column, const char* name, const char* text)
 {
     auto* label = new QLabel(text, column.parentWidget());
     label->setObjectName(name);
+    QFont font = label->font();
+    font.setBold(true);
+    label->setFont(font);
     column.addWidget(label);
 }
 
@@ -122,8 +47,8 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
 {
     setObjectName("frmOptions");
     setWindowTitle(texts::kCaption);
-    setStyleSheet(dialogStyle());
-    setMinimumWidth(kLeastWidth);
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
+                   Qt::MSWindowsFixedSizeDialogHint);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(4);
@@ -148,10 +73,13 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
     column->addStretch(1);
     auto* etched = new QVBoxLayout;
     etched->setSpacing(0);
-    for (const char* name : {"lnDark", "lnLite"}) {
+    for (const auto& [name, colour] :
+         {std::pair("lnDark", qRgb(0xC3, 0xCC, 0xDA)), std::pair("lnLite", qRgb(0xFF, 0xFF, 0xFF))}) {
         auto* line = new QFrame(this);
         line->setObjectName(name);
         line->setFixedHeight(1);
+        line->setAutoFillBackground(true);
+        line->setPalette(QColor(colour));
         etched->addWidget(line);
     }
     column->addLayout(etched);
@@ -188,7 +116,11 @@ QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const
     list->setToolTip(tip);
     list->setAccessibleName(label);
     list->setFixedHeight(kControlHeight);
-    for (const char* item : items) list->addItem(item);
+    list->setMinimumWidth(kLeastWidth);
+    for (const char* item : items) {
+        list->addItem(item);
+        list->setItemData(list->count() - 1, QSize(0, kRowHeight), Qt::SizeHintRole);
+    }
     // A number that no entry stands for shows none, and is kept until one is chosen.
     list->setCurrentIndex(chosen >= 0 && chosen < list->count() ? chosen : -1);
     column.addWidget(text);
@@ -199,10 +131,11 @@ QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const
 QCheckBox* frmOptions::addBox(QVBoxLayout& column, const char* name, const char* caption, const char* tip,
                               bool checked)
 {
-    auto* box = new Box(caption, this);
+    auto* box = new QCheckBox(caption, this);
     box->setObjectName(name);
     box->setToolTip(tip);
     box->setChecked(checked);
+    box->setFixedHeight(kBoxHeight);
     column.addWidget(box);
     return box;
 }

@@ -72,7 +72,7 @@ protected:
     void click(const char* name)
     {
         auto& widget = find<QAbstractButton>(name);
-        QTest::mouseClick(&widget, Qt::LeftButton, {}, {widget.width() / 2, widget.height() / 2});
+        QTest::mouseClick(&widget, Qt::LeftButton, {}, {12, widget.height() / 2});
     }
     Options options;
     std::unique_ptr<frmOptions> dialog;
