@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares how long the player takes to show its window with a program that shows an empty one.
+"""Compares how long the player takes to show its window with programs that show one line of text, and nothing.
 
   start_time.py BUILD [RUNS]    needs a display; prints ms and ratios, of the medians and of the best runs
 """
@@ -25,7 +25,8 @@ def main():
         shutil.copytree(build / 'Zorvex' / 'media', folder + '/media')
         shutil.copy(build / 'Zorvex' / 'settings.xml', folder)
         (pathlib.Path(folder) / 'cache').mkdir()
-        commands = {'trivial': [build / 'bench/show_trivial'], 'player': [build / 'bench/show_player', folder]}
+        commands = {'empty': [build / 'bench/show_empty'], 'text': [build / 'bench/show_text'],
+                    'player': [build / 'bench/show_player', folder]}
         times = {name: [] for name in commands}
         for turn in range(runs + 1):
             for name, command in commands.items():
@@ -34,8 +35,9 @@ def main():
                     times[name].append(taken)
     # The best run is the one that the rest of the machine disturbed least.
     for name, figure in (('median', statistics.median), ('best', min)):
-        trivial, player = figure(times['trivial']), figure(times['player'])
-        print('%s: trivial %.0f ms, player %.0f ms, ratio %.2f' % (name, trivial, player, player / trivial))
+        empty, text, player = (figure(times[name]) for name in ('empty', 'text', 'player'))
+        print('%s: empty %.0f ms, text %.0f ms, player %.0f ms; to text %.2f, to empty %.2f' %
+              (name, empty, text, player, player / text, player / empty))
 
 
 if __name__ == '__main__':

@@ -31,14 +31,24 @@ struct ScriptControl::Settings {
     Host* host = nullptr;
     const vbscript::Locale* locale = &vbscript::Locale::english();
     vbscript::Limits limits;
-    // Shared with the calls that are running in it, so that Reset during a call is safe.
+    // Shared with the calls that are running in it, so that Reset during a call is safe. Null until it is
+    // asked for: hosts reset more often than they run something, and an engine is dear.
     std::shared_ptr<vbscript::Engine> engine;
+    // As they were at the last Reset, which is when they take effect.
+    const vbscript::Locale* freshLocale = locale;
+    bool freshSafeSubset = false;
+
+    const std::shared_ptr<vbscript::Engine>& running()
+    {
+        if (!engine)
+            engine = std::make_shared<vbscript::Engine>(*host, *freshLocale, freshSafeSubset, limits);
+        return engine;
+    }
 };
 
 ScriptControl::ScriptControl(Host* host) : m_settings(std::make_unique<Settings>())
 {
     m_settings->host = host ? host : &m_settings->neutralHost;
-    reset();
 }
 
 ScriptControl::~ScriptControl() = default;
@@ -68,32 +78,32 @@ bool ScriptControl::setLocale(int id)
 void ScriptControl::setTimeout(std::chrono::milliseconds timeout)
 {
     m_settings->limits.timeout = timeout;
-    m_settings->engine->setLimits(m_settings->limits);
+    if (m_settings->engine) m_settings->engine->setLimits(m_settings->limits);
 }
 
 void ScriptControl::setHeapLimit(std::size_t bytes)
 {
     m_settings->limits.heapBytes = bytes;
-    m_settings->engine->setLimits(m_settings->limits);
+    if (m_settings->engine) m_settings->engine->setLimits(m_settings->limits);
 }
 
 void ScriptControl::setStatementLimit(std::uint64_t statements)
 {
     m_settings->limits.statements = statements;
-    m_settings->engine->setLimits(m_settings->limits);
+    if (m_settings->engine) m_settings->engine->setLimits(m_settings->limits);
 }
 
 void ScriptControl::reset()
 {
-    auto fresh = std::make_shared<vbscript::Engine>(*m_settings->host, *m_settings->locale, m_safeSubset,
-                                                    m_settings->limits);
-    const auto old = std::exchange(m_settings->engine, std::move(fresh));
+    m_settings->freshLocale = m_settings->locale;
+    m_settings->freshSafeSubset = m_safeSubset;
+    const auto old = std::exchange(m_settings->engine, nullptr);
     m_error.clear();
 }
 
 void ScriptControl::addObject(std::u16string_view name, Dispatch& object, bool addMembers)
 {
-    m_settings->engine->addObject(name, object, addMembers);
+    m_settings->running()->addObject(name, object, addMembers);
 }
 
 Result<Value> ScriptControl::finish(Result<Value> result, std::u16string_view source)
@@ -113,7 +123,7 @@ Result<void> ScriptControl::addCode(std::u16string_view code) { return executeSt
 
 Result<void> ScriptControl::executeStatement(std::u16string_view statement)
 {
-    const auto engine = m_settings->engine;
+    const auto engine = m_settings->running();
     auto result = finish(engine->execute(statement, false), statement);
     if (!result) return Failed(std::move(result).error());
     return {};
@@ -121,19 +131,19 @@ Result<void> ScriptControl::executeStatement(std::u16string_view statement)
 
 Result<Value> ScriptControl::eval(std::u16string_view expression)
 {
-    const auto engine = m_settings->engine;
+    const auto engine = m_settings->running();
     return finish(engine->execute(expression, true), expression);
 }
 
 Result<Value> ScriptControl::run(std::u16string_view procedure, Arguments arguments)
 {
-    const auto engine = m_settings->engine;
+    const auto engine = m_settings->running();
     return finish(engine->callProcedure(procedure, arguments), {});
 }
 
 Result<std::u16string> ScriptControl::textOf(const Value& value)
 {
-    const auto engine = m_settings->engine;
+    const auto engine = m_settings->running();
     const Value plain = TRY_RESULT(engine->plain(value));
     return vbscript::toText(plain, engine->locale());
 }

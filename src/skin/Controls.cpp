@@ -141,9 +141,23 @@ void SkinPicture::forgetStretched()
     m_finelyStretched = {};
 }
 
+void SkinPicture::setPendingImage(ImageState state, std::function<QImage()> fetch)
+{
+    m_pending.at(static_cast<std::size_t>(state)) = std::move(fetch);
+}
+
+bool SkinPicture::hasImage(ImageState state) const
+{
+    const auto index = static_cast<std::size_t>(state);
+    return m_pending.at(index) || !m_images.at(index).isNull();
+}
+
 const QImage& SkinPicture::image(ImageState state) const
 {
-    return m_images.at(static_cast<std::size_t>(state));
+    const auto index = static_cast<std::size_t>(state);
+    QImage& image = m_images.at(index);
+    if (const auto fetch = std::exchange(m_pending.at(index), nullptr)) image = fetch();
+    return image;
 }
 
 void SkinPicture::showState(ImageState state)

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 namespace skin
 {
@@ -123,6 +124,11 @@ public:
     using SkinControl::SkinControl;
 
     void setImage(ImageState state, QImage image);
+    /// An image that is fetched when the state is first shown: most elements are never pressed.
+    /// @param fetch may answer with a null image, which is a state without one; called once
+    void setPendingImage(ImageState state, std::function<QImage()> fetch);
+    /// Whether the state has an image, or may turn out to have one.
+    [[nodiscard]] bool hasImage(ImageState state) const;
     /// The same picture at twice its size, shown where a pixel of the window is more than one of the
     /// screen's. Masked pictures do without: their edges are those of the mask.
     void setFineImage(ImageState state, QImage image);
@@ -152,7 +158,8 @@ private:
     void drawFinely(QPainter& painter);
     void forgetStretched();
 
-    std::array<QImage, 4> m_images;
+    mutable std::array<QImage, 4> m_images;
+    mutable std::array<std::function<QImage()>, 4> m_pending;
     std::array<QImage, 4> m_fineImages;
     ImageState m_shown = ImageState::Normal;
     mutable QImage m_stretched; ///< the shown image at this size

@@ -29,7 +29,7 @@ struct SkinObject {
     [[nodiscard]] SkinPicture* picture() const { return qobject_cast<SkinPicture*>(object.data()); }
     [[nodiscard]] bool hasImage(ImageState state) const
     {
-        return picture() != nullptr && !picture()->image(state).isNull();
+        return picture() != nullptr && picture()->hasImage(state);
     }
 };
 
@@ -101,6 +101,8 @@ private:
     void CreateSkinView(const base::xml::Element& node);
     void CreateSkinObject(const base::xml::Element& node, Kind kind);
     void buildObject(SkinObject& record, const base::xml::Element& node, Kind kind);
+    /// @returns a null image, with the reason in the journal, when there is none
+    QImage imageOf(const QString& name) const;
     void loadImages(SkinPicture& picture, Kind kind, const QString& name);
     void setUpLabel(SkinLabel& label, const ElementAttributes& attributes);
     void cutToMask(SkinPicture& picture, const ElementAttributes& attributes);

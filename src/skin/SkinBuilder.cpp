@@ -226,27 +226,37 @@ void Skin::buildObject(SkinObject& record, const base::xml::Element& node, Kind 
     connectElement(control);
 }
 
+QImage Skin::imageOf(const QString& name) const
+{
+    auto image = loadImage(m_folder, name);
+    if (image) return *std::move(image);
+    if (image.error().code != base::ErrorCode::NotFound) // a state may have no image
+        m_host.log(core::HtmlEscape(QString::fromStdString(image.error().what)));
+    return {};
+}
+
 void Skin::loadImages(SkinPicture& picture, Kind kind, const QString& name)
 {
     const bool fine = qApp->devicePixelRatio() > 1;
     const QFileInfo file(name);
     const QString fineName = name.chopped(file.suffix().size() + 1) + "@2x." + file.suffix();
-    const auto load = [&](ImageState state, const char* folder) {
-        auto image = loadImage(m_folder, QLatin1String(folder) + name);
-        if (image) {
-            picture.setImage(state, *std::move(image));
-            if (!fine) return;
-            if (auto twice = loadImage(m_folder, QLatin1String(folder) + fineName))
-                picture.setFineImage(state, *std::move(twice));
-        } else if (image.error().code != base::ErrorCode::NotFound) { // a state may have no image
-            m_host.log(core::HtmlEscape(QString::fromStdString(image.error().what)));
-        }
+    const auto loadFine = [&](ImageState state, const QString& folder) {
+        if (!fine) return;
+        if (auto twice = loadImage(m_folder, folder + fineName))
+            picture.setFineImage(state, *std::move(twice));
     };
-    load(ImageState::Normal, kind == Kind::Button ? "up/" : "base/");
-    load(ImageState::Disabled, "disabled/");
+    const auto later = [&](ImageState state, const QString& folder) {
+        if (findFile(m_folder, folder + name).isEmpty()) return;
+        picture.setPendingImage(state, [this, full = folder + name] { return imageOf(full); });
+        loadFine(state, folder);
+    };
+    const QString normal = kind == Kind::Button ? "up/" : "base/";
+    picture.setImage(ImageState::Normal, imageOf(normal + name));
+    loadFine(ImageState::Normal, normal);
+    later(ImageState::Disabled, "disabled/");
     if (kind != Kind::Button) return;
-    load(ImageState::Down, "down/");
-    load(ImageState::Over, "over/");
+    later(ImageState::Down, "down/");
+    later(ImageState::Over, "over/");
 }
 
 void Skin::setUpLabel(SkinLabel& label, const ElementAttributes& attributes)

@@ -40,7 +40,17 @@ void MenuSet::load(const QString& folder)
 void MenuSet::addIcon(const QString& caption, const QString& fileName)
 {
     const QString key = caption.toLower();
-    if (!m_icons.contains(key)) m_icons.insert(key, iconOf(m_folder + fileName));
+    if (!m_iconFiles.contains(key)) m_iconFiles.insert(key, m_folder + fileName);
+}
+
+QIcon MenuSet::icon(const QString& caption) const
+{
+    const QString key = caption.toLower();
+    const auto file = m_iconFiles.constFind(key);
+    if (file == m_iconFiles.cend()) return {};
+    // Read when a menu first shows them: a start that opens no menu does without.
+    const auto known = m_icons.constFind(key);
+    return known != m_icons.cend() ? *known : *m_icons.insert(key, iconOf(*file));
 }
 
 } // namespace ui

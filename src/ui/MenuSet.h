@@ -22,7 +22,7 @@ public:
     /// captions are compared without regard to case.
     void addIcon(const QString& caption, const QString& fileName);
     /// @returns null for a caption without an icon, and for one whose file cannot be read
-    [[nodiscard]] QIcon icon(const QString& caption) const { return m_icons.value(caption.toLower()); }
+    [[nodiscard]] QIcon icon(const QString& caption) const;
 
     [[nodiscard]] const QIcon& checkMark() const { return m_checkMark; }
     [[nodiscard]] bool hasGround() const { return !m_ground.isNull(); }
@@ -33,7 +33,8 @@ public:
 
 private:
     QString m_folder;
-    QHash<QString, QIcon> m_icons; ///< by caption in lower case
+    QHash<QString, QString> m_iconFiles;   ///< paths by caption in lower case
+    mutable QHash<QString, QIcon> m_icons; ///< those that were asked for, likewise
     QIcon m_checkMark;
     QPixmap m_ground;
     QColor m_textColour = defaultTextColour();
