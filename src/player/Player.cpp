@@ -40,8 +40,7 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
       m_placement(*this), m_drag(this), m_settings(application, *this),
       m_browser(application, *this, m_browserState), m_dialogs(application, *this),
-      m_outside(outsideDoors(*this)), m_lifecycle(application, *this, commandLine),
-      m_console(new Console(*this, *m_client))
+      m_outside(outsideDoors(*this)), m_lifecycle(application, *this, commandLine)
 {
     buildWindow();
     connectBar();
@@ -56,6 +55,21 @@ Player::Player(core::Application& application, const QString& commandLine)
 }
 
 Player::~Player() { control().disconnect(this); }
+
+Console& Player::console()
+{
+    if (m_console == nullptr) {
+        m_console = new Console(*this, *m_client);
+        if (m_hasVisual) m_console->SetVisual();
+    }
+    return *m_console;
+}
+
+void Player::SetVisual()
+{
+    m_hasVisual = true;
+    if (m_console != nullptr) m_console->SetVisual();
+}
 
 void Player::buildWindow()
 {

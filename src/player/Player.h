@@ -161,11 +161,12 @@ public:
     Q_INVOKABLE QObject* LBL(int index) { return m_skinWindow.skin().control("LBL", index); }
 
     // What pages command, and the media browser
-    Q_INVOKABLE void ShowConsole() { m_console->ShowConsole(); }
-    Q_INVOKABLE void HideConsole() { m_console->HideConsole(); }
+    Q_INVOKABLE void ShowConsole() { console().ShowConsole(); }
+    Q_INVOKABLE void HideConsole() { console().HideConsole(); }
     /// Gives the window's controls their tooltips.
-    Q_INVOKABLE void SetVisual() { m_console->SetVisual(); }
-    [[nodiscard]] Console& console() { return *m_console; }
+    Q_INVOKABLE void SetVisual();
+    /// Made when it is first asked for: most runs never show it.
+    [[nodiscard]] Console& console();
 
     Q_INVOKABLE void WebUpdate() override;
     Q_INVOKABLE void About();
@@ -269,7 +270,8 @@ private:
     MediaDialogs m_dialogs;
     Outside m_outside;
     Lifecycle m_lifecycle;
-    Console* m_console;
+    Console* m_console = nullptr;
+    bool m_hasVisual = false; ///< SetVisual has run
     QString m_mediaTitle;
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages
 };

@@ -7,12 +7,17 @@
 #include "base/TextCodes.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
 
 namespace flash::avm1
 {
 
-Vm::Vm(Host& host) : m_host(host), m_names(m_heap), m_stack(std::make_unique<Value[]>(kStackValues))
+Vm::Vm(Host& host)
+    : m_host(host), m_names(m_heap),
+      m_stack(static_cast<Value*>(std::malloc(kStackValues * sizeof(Value))), std::free)
 {
+    if (m_stack == nullptr) throw std::bad_alloc();
     m_heap.addRootSource([this](Tracer& tracer) { traceRoots(tracer); });
     m_emptyLayout = m_heap.make<Layout>();
     m_builtIns.object = m_heap.make<Object>(*this, nullptr);

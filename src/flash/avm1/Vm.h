@@ -230,8 +230,10 @@ private:
     double m_timeoutMs = kUsualTimeoutMs;
     double m_startedMs = 0; // real time at which the outermost script started
     Value m_registers[4];
-    std::unique_ptr<Value[]> m_stack; // operands and registers of all frames
-    int m_budget = 0;                 // safe points until the clock is looked at again
+    // Operands and registers of all frames. Nothing reads above the top of the innermost frame, so the pages
+    // of the system come as they are first written.
+    std::unique_ptr<Value[], void (*)(void*)> m_stack;
+    int m_budget = 0; // safe points until the clock is looked at again
     int m_regions = 0;
     std::unordered_map<const void*, Code*> m_code;
     std::map<std::pair<int, int>, Function*> m_natives;
