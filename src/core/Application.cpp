@@ -33,6 +33,7 @@ void Application::InitLog(const QString& appPath, const std::optional<WrittenFol
     GadgetsPath = AppPath + "media" + separator + "gadgets" + separator;
     CachePath = written ? written->cache : AppPath + "cache" + separator;
     SkinsPath = AppPath + "media" + separator + "skins" + separator;
+    UserSkinsPath = written ? written->skins : QString();
     LogFile = (written ? written->log : AppPath) + kJournalName;
 
     if (fileExists(LogFile)) {

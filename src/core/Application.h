@@ -18,6 +18,7 @@ struct WrittenFolders {
     QString settings;
     QString cache;
     QString log;
+    QString skins; ///< further skins of the user's own
 };
 
 /// The records that are one for the whole process, and the event log they name. One object, made by main()
@@ -29,9 +30,11 @@ class Application
 public:
     // All are absolute and end in a separator, except the log file. Folder names are appended as they stand,
     // so a program in the root folder has a doubled separator, which is accepted.
-    QString AppPath;      ///< the program's folder
-    QString CachePath;    ///< header copies, converted and extracted movies, thumbnails
-    QString SkinsPath;    ///< skin folders
+    QString AppPath;   ///< the program's folder
+    QString CachePath; ///< header copies, converted and extracted movies, thumbnails
+    QString SkinsPath; ///< skin folders
+    /// Further skins where the program's folder is shared: the user's own. Empty where it is not.
+    QString UserSkinsPath;
     QString GadgetsPath;  ///< the program's own Flash pages
     QString SettingsPath; ///< the folder of settings.xml
     QString LogFile;      ///< the event log; empty: nothing is logged

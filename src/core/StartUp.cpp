@@ -36,7 +36,8 @@ WrittenFolders usersFolders()
         QDir().mkpath(path); // a failure shows in what is written there
         return QDir::toNativeSeparators(path);
     };
-    return {own(UserFolder::Settings), own(UserFolder::Cache), own(UserFolder::State)};
+    const QString skins = QDir::toNativeSeparators(platform::userFolder(UserFolder::Data) + "zorvex/skins/");
+    return {own(UserFolder::Settings), own(UserFolder::Cache), own(UserFolder::State), skins};
 }
 
 } // namespace

@@ -76,12 +76,19 @@ SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& me
 
 // ---- the catalogue
 
+QStringList SkinWindow::skinsPaths() const
+{
+    QStringList paths{m_application.SkinsPath};
+    if (!m_application.UserSkinsPath.isEmpty()) paths += m_application.UserSkinsPath;
+    return paths;
+}
+
 void SkinWindow::EnumSkins()
 {
     log({});
     log(" :: Enumerate Skins");
-    m_skins = skin::listSkins(m_application.SkinsPath);
-    m_folder = skin::skinFolder(m_application.SkinsPath, m_skins, m_selected);
+    m_skins = skin::listSkins(skinsPaths());
+    m_folder = skin::skinFolder(skinsPaths(), m_selected);
     for (int i = 0; i < m_skins.size(); ++i) {
         const QString name = QString("mnuSkinList%1").arg(i);
         const bool isNew = m_menus.find(name) == nullptr || i == 0;
@@ -109,7 +116,7 @@ void SkinWindow::mnuSkinList_Click(int index)
     if (index < 0 || index >= m_skins.size()) return;
     for (int i = 0; i < m_skins.size(); ++i) m_menus.setChecked(QString("mnuSkinList%1").arg(i), i == index);
     m_selected = m_skins[index];
-    m_folder = m_application.SkinsPath + m_selected + '/';
+    m_folder = skin::skinFolder(skinsPaths(), m_selected);
     LoadNewSkin();
 }
 
@@ -153,7 +160,8 @@ void SkinWindow::ShowWaitScreen()
 {
     log({});
     log(" :: Wait Screen");
-    m_waitScreen->ShowWaitScreen();
+    m_waitScreen->ShowWaitScreen(m_window.options().sfx ? skin::WaitScreen::Look::Paled
+                                                        : skin::WaitScreen::Look::Still);
 }
 
 // ---- shape and frame

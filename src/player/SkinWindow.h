@@ -117,6 +117,8 @@ private:
     skin::Skin m_skin;
     QStringList m_skins;
     QString m_selected = "default";
+    /// Where skins lie, the program's own first.
+    [[nodiscard]] QStringList skinsPaths() const;
     QString m_folder; ///< of the chosen skin, with its closing separator
     QHash<QString, QObject*> m_items;
     bool m_frameless = false;

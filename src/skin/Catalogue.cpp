@@ -5,7 +5,10 @@
 namespace skin
 {
 
-QStringList listSkins(const QString& skinsPath)
+namespace
+{
+
+QStringList listFolder(const QString& skinsPath)
 {
     QStringList names =
         QDir(skinsPath).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Unsorted);
@@ -13,11 +16,27 @@ QStringList listSkins(const QString& skinsPath)
     return names;
 }
 
-QString skinFolder(const QString& skinsPath, const QStringList& skins, const QString& selected)
+} // namespace
+
+QStringList listSkins(const QStringList& skinsPaths)
 {
-    for (const QString& name : skins)
-        if (name.compare(selected, Qt::CaseInsensitive) == 0) return skinsPath + name + '/';
-    return skinsPath + "default/";
+    QStringList skins;
+    for (const QString& path : skinsPaths) {
+        QStringList names = listFolder(path);
+        names.removeIf([&skins](const QString& name) { return skins.contains(name, Qt::CaseInsensitive); });
+        skins += names;
+    }
+    return skins;
+}
+
+QString skinFolder(const QStringList& skinsPaths, const QString& selected)
+{
+    // Names that differ in case only are two skins where the system says so.
+    for (const Qt::CaseSensitivity cases : {Qt::CaseSensitive, Qt::CaseInsensitive})
+        for (const QString& path : skinsPaths)
+            for (const QString& name : listFolder(path))
+                if (name.compare(selected, cases) == 0) return path + name + '/';
+    return skinsPaths.first() + "default/";
 }
 
 } // namespace skin

@@ -28,12 +28,13 @@ QImage paled(QImage picture)
 
 WaitScreen::WaitScreen(QWidget* area) : QWidget(area) { hide(); }
 
-void WaitScreen::ShowWaitScreen()
+void WaitScreen::ShowWaitScreen(Look look)
 {
     hide();
     QWidget* area = parentWidget();
     setGeometry(area->rect());
-    m_picture = paled(area->grab().toImage());
+    m_picture = area->grab().toImage();
+    if (look == Look::Paled) m_picture = paled(std::move(m_picture));
     raise();
     show();
 }

@@ -9,13 +9,17 @@ namespace skin
 /// A picture made paler and almost grey: colourfulness taken back by 60 %, brightness raised by 25 %.
 QImage paled(QImage picture);
 
-/// Covers a window's inner area with its own paled snapshot while what lies under it is rebuilt.
+/// Covers a window's inner area with its own snapshot while what lies under it is rebuilt.
 class WaitScreen : public QWidget
 {
     Q_OBJECT
 public:
     explicit WaitScreen(QWidget* area);
-    void ShowWaitScreen();
+    enum class Look {
+        Paled, ///< which is seen as a short flash
+        Still, ///< as it was
+    };
+    void ShowWaitScreen(Look look = Look::Paled);
     void HideWaitScreen();
 
 protected:

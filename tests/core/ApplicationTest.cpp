@@ -133,6 +133,7 @@ TEST_F(ApplicationTest, SharedProgramFolderMovesWhatIsWritten)
     EXPECT_EQ(application.SettingsPath, folder() + "config/zorvex/");
     EXPECT_EQ(application.CachePath, folder() + "home/.cache/zorvex/");
     EXPECT_EQ(application.LogFile, folder() + "home/.local/state/zorvex/App.Log.html");
+    EXPECT_EQ(application.UserSkinsPath, folder() + "home/.local/share/zorvex/skins/");
     EXPECT_TRUE(QDir(application.CachePath).exists() && QDir(application.SettingsPath).exists());
     EXPECT_TRUE(content(application.LogFile)
                     .contains("Settings Path: " + application.SettingsPath.toUtf8() +
@@ -151,6 +152,7 @@ TEST_F(ApplicationTest, SharedProgramFolderMovesWhatIsWritten)
     StartUp(application, program + "/Zorvex", {});
     EXPECT_EQ(application.SettingsPath, program + "/");
     EXPECT_EQ(application.LogFile, program + "/App.Log.html") << "a folder of one's own stays portable";
+    EXPECT_EQ(application.UserSkinsPath, QString());
 }
 
 TEST_F(ApplicationTest, StartsWithoutAJournalWhenTheUserHasNoFolder)

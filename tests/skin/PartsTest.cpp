@@ -188,12 +188,38 @@ TEST_F(Catalogue, ListsFoldersAndFindsTheRememberedOne)
 {
     for (const char* name : {"default", "-work", "Blue"}) QDir(path).mkpath(name);
     put("file", "x");
-    QStringList skins = listSkins(path);
-    EXPECT_EQ(skinFolder(path, skins, "BLUE"), path + "Blue/");
-    EXPECT_EQ(skinFolder(path, skins, "gone"), path + "default/");
+    QStringList skins = listSkins({path});
+    EXPECT_EQ(skinFolder({path}, "BLUE"), path + "Blue/");
+    EXPECT_EQ(skinFolder({path}, "gone"), path + "default/");
+    EXPECT_EQ(skinFolder({path}, "-work"), path + "default/");
     skins.sort();
     EXPECT_EQ(skins, (QStringList{"Blue", "default"}));
-    EXPECT_TRUE(listSkins(path + "none/").isEmpty());
+    EXPECT_TRUE(listSkins({path + "none/"}).isEmpty());
+
+    // The user's own skins come behind the program's, whose names they do not take.
+    const QString own = path + "-work/";
+    for (const char* name : {"blue", "Mine"}) QDir(own).mkpath(name);
+    skins = listSkins({path, own});
+    skins.sort();
+    EXPECT_EQ(skins, (QStringList{"Blue", "Mine", "default"}));
+    EXPECT_EQ(skinFolder({path, own}, "mine"), own + "Mine/");
+    EXPECT_EQ(skinFolder({path, own}, "Blue"), path + "Blue/");
+    EXPECT_EQ(skinFolder({path, own}, "gone"), path + "default/");
+}
+
+TEST(WaitScreen, CoversTheAreaPaledOrAsItWas)
+{
+    QWidget area;
+    area.resize(8, 8);
+    area.setAutoFillBackground(true);
+    area.setPalette(QPalette(QColor(Qt::red)));
+    const QRgb before = area.grab().toImage().pixel(4, 4);
+    WaitScreen screen(&area);
+    screen.ShowWaitScreen(WaitScreen::Look::Still);
+    EXPECT_EQ(screen.geometry(), area.rect());
+    EXPECT_EQ(screen.grab().toImage().pixel(4, 4), before);
+    screen.ShowWaitScreen(WaitScreen::Look::Paled);
+    EXPECT_NE(screen.grab().toImage().pixel(4, 4), before);
 }
 
 TEST(WaitScreen, TurnsPaleAndGrey)
