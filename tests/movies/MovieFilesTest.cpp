@@ -9,6 +9,7 @@
 //                  quality, date (of the movie's clock), runs (how often it is played, keeping its shared
 //                  objects; the last one is compared), files (what it loads: descriptions and scripts are
 //                  compiled to NAME.swf, others copied), knownFailure (a reason; passing is then a failure)
+//                  commands (whether the movie's commands and addresses to its host are compared, too)
 //   NAME.input     events for the movie, as flashrun's --input takes them
 
 #include "Heard.h"
@@ -133,11 +134,13 @@ void MovieFile::check(const QString& movie, const QJsonObject& options,
                       std::vector<std::string>& faults) const
 {
     if (!QFile::exists(beside(".expected"))) return;
+    const QStringList shown =
+        options["commands"].toBool() ? QStringList{"--fscommands", "show"} : QStringList();
     Outcome played;
     for (int i = 0; i < options["runs"].toInt(1); ++i)
-        played =
-            run(tool("flashrun"), QStringList{"trace", movie} + duration(options) + runArguments(options),
-                m_folder.path());
+        played = run(tool("flashrun"),
+                     QStringList{"trace", movie} + duration(options) + runArguments(options) + shown,
+                     m_folder.path());
     if (played.status != 0)
         faults.push_back("flashrun ended with " + std::to_string(played.status) + ": " +
                          played.err.toStdString());

@@ -17,7 +17,8 @@ const char* const kHelp =
       --ms T           end when T milliseconds of the movie's time have passed
                        (neither given: --frames 1)
       --fscommands S   show prints the movie's commands among its traces, as
-                       fscommand: NAME ARGUMENT; hide is the default
+                       fscommand: NAME ARGUMENT, and the addresses it asks for, as
+                       geturl: ADDRESS WINDOW; hide is the default
   flashrun render MOVIE --frame N --out FILE.png [options]
   flashrun render MOVIE --frames A-B --out FOLDER [options]
                        writes pictures; a series is named frame0001.png and so on

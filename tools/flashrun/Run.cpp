@@ -63,6 +63,11 @@ public:
         std::fflush(stdout);
         std::_Exit(EXIT_SUCCESS);
     }
+    void openUrl(std::string_view url, std::string_view window) override
+    {
+        if (m_commands == Commands::Shown)
+            traceLine("geturl: " + std::string(url) + ' ' + std::string(window));
+    }
     void setClipboardText(std::string_view text) override { clipboard = text; }
     std::string clipboardText() override { return clipboard; }
 

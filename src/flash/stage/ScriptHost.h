@@ -79,6 +79,9 @@ public:
     virtual void textFieldPlaced(TextField&) {}
     virtual void textChanged(TextField&) {}
     virtual void textScrolled(TextField&) {}
+    /// The user clicked a link of the field. `url` may name a function of the field's timeline instead of an
+    /// address: `asfunction:NAME,ARGUMENT`.
+    virtual void followLink(TextField&, std::u16string_view /*url*/, std::u16string_view /*window*/) {}
 
     /// The value of a text field's variable, by a path as the file has it (`/a:b`, `_root.a.b`), seen from
     /// `scope`. Nothing when it is undefined.

@@ -5,6 +5,7 @@
 #include "flash/stage/Node.h"
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Services.h"
+#include "flash/stage/TextFormat.h"
 
 #include <deque>
 #include <functional>
@@ -303,6 +304,7 @@ private:
     NodePtr pointerTargetIn(Node& node, swf::Point stagePoint);
     void updatePointer();
     void pointerEvent(Node& node, Event event);
+    void followPressedLink(TextField& field);
     void runButtonActions(Button& button, unsigned condition);
     void clipEventEverywhere(Event event);
     void keyEvent(Event event);
@@ -350,7 +352,8 @@ private:
     bool m_mouseVisible = true, m_mouseInside = false, m_mouseIsDown = false;
     swf::Point m_mouse;
     NodePtr m_over, m_pressed;
-    bool m_pressedOutside = false; ///< the pointer left m_pressed with the button held
+    std::optional<TextFormat> m_pressedLink; ///< of the field m_pressed
+    bool m_pressedOutside = false;           ///< the pointer left m_pressed with the button held
     std::set<int> m_keysDown;
     std::set<int> m_keysToggled;
     int m_lastKeyCode = 0, m_lastCharCode = 0;

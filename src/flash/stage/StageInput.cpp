@@ -107,7 +107,8 @@ NodePtr Stage::pointerTargetIn(Node& node, swf::Point stagePoint)
     }
     if (node.kind() == NodeKind::TextField) {
         auto& field = static_cast<TextField&>(node);
-        const bool taken = (field.selectable || field.isInput()) && field.hitsShape(stagePoint);
+        const bool taken = field.selectable || field.isInput() ? field.hitsShape(stagePoint)
+                                                               : field.linkAt(stagePoint) != nullptr;
         return taken ? node.shared_from_this() : nullptr;
     }
     Clip* clip = asClip(&node);
@@ -222,7 +223,7 @@ void Stage::updateCursor()
     if (!m_mouseVisible)
         m_cursor = Cursor::Hidden;
     else if (node && node->kind() == NodeKind::TextField)
-        m_cursor = Cursor::Text;
+        m_cursor = static_cast<TextField&>(*node).linkAt(m_mouse) ? Cursor::Hand : Cursor::Text;
     else if (node && node->kind() == NodeKind::Button)
         m_cursor = static_cast<Button&>(*node).useHandCursor ? Cursor::Hand : Cursor::Arrow;
     else if (Clip* clip = asClip(node.get()))
@@ -250,7 +251,7 @@ void Stage::mouseMove(double x, double y)
     runQueue();
     m_script->broadcastMouse(Event::MouseMove);
     runQueue();
-    if (m_mouseIsDown && m_pressed && m_pressed->kind() == NodeKind::TextField)
+    if (m_mouseIsDown && m_pressed && m_pressed->kind() == NodeKind::TextField && !m_pressedLink)
         static_cast<TextField&>(*m_pressed).drag(m_mouse);
     updatePointer();
 }
@@ -270,9 +271,15 @@ void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
     const NodePtr target = pointerTarget(m_mouse);
     m_pressed = target;
     m_pressedOutside = false;
+    m_pressedLink.reset();
     if (target && target->kind() == NodeKind::TextField) {
-        setFocus(target.get());
-        static_cast<TextField&>(*target).press(m_mouse, clicks);
+        auto& field = static_cast<TextField&>(*target);
+        if (field.selectable || field.isInput()) setFocus(target.get());
+        // A link is there to be clicked: pressing it selects nothing.
+        if (const TextFormat* link = field.linkAt(m_mouse))
+            m_pressedLink = *link;
+        else
+            field.press(m_mouse, clicks);
     } else if (m_focus && m_focus->kind() == NodeKind::TextField) {
         setFocus(nullptr);
     }
@@ -300,13 +307,27 @@ void Stage::mouseUp(double x, double y, MouseButton button)
         if (target == pressed) {
             m_over = pressed;
             pointerEvent(*pressed, Event::Release);
+            if (m_pressedLink) followPressedLink(static_cast<TextField&>(*pressed));
         } else {
             if (!tracksAsMenu(*pressed)) pointerEvent(*pressed, Event::ReleaseOutside);
             m_over.reset();
         }
     }
+    m_pressedLink.reset();
     runQueue();
     updatePointer();
+}
+
+void Stage::followPressedLink(TextField& field)
+{
+    const TextFormat* link = field.linkAt(m_mouse);
+    const bool same = link && link->url == m_pressedLink->url && link->target == m_pressedLink->target;
+    if (!same) return;
+    // After the scripts that hear of the click itself.
+    const auto holder = std::static_pointer_cast<TextField>(field.shared_from_this());
+    queueRequest([this, holder, url = link->url, window = link->target] {
+        if (!holder->isRemoved()) m_script->followLink(*holder, url, window);
+    });
 }
 
 void Stage::mouseWheel(int lines)

@@ -133,7 +133,7 @@ public:
     void drag(swf::Point stagePoint);
     /// Scrolls by the wheel. @returns whether there was anything to scroll
     bool wheel(int lines);
-    /// Whether the point is on a link.
+    /// The format of the link at the point; null when there is none. What is being edited has no links.
     [[nodiscard]] const TextFormat* linkAt(swf::Point stagePoint);
     /// Lets the caret blink.
     void tick(double nowMs);

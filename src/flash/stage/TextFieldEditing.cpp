@@ -299,7 +299,7 @@ bool TextField::wheel(int lines)
 
 const TextFormat* TextField::linkAt(swf::Point stagePoint)
 {
-    if (!hitsShape(stagePoint)) return nullptr;
+    if (isInput() || !hitsShape(stagePoint)) return nullptr;
     const std::optional<std::size_t> index = layout().characterAt(toText(stagePoint));
     const TextFormat* format = index ? m_content.formatAt(*index) : nullptr;
     return format && !format->url.empty() ? format : nullptr;

@@ -33,8 +33,10 @@ public:
         return true;
     }
     void textChanged(TextField&) override { ++changes; }
+    void followLink(TextField&, std::u16string_view url, std::u16string_view) override { followed += url; }
     std::map<std::string, std::string> values;
     int changes = 0;
+    std::u16string followed;
 };
 
 /// The letters a to z, each half an em wide.
@@ -160,6 +162,33 @@ TEST(TextField, SelectsWithTheMouse)
     f.stage.mouseDown(75, 10, MouseButton::Left, 2);
     EXPECT_EQ(f.field().selectionBegin(), 6U);
     EXPECT_EQ(f.field().selectionEnd(), 9U);
+}
+
+TEST(TextField, ShowsTheHandOverLinksOnly)
+{
+    swf::EditText definition = input("on <a href='there'>link</a> off");
+    definition.html = definition.readOnly = true;
+    Fixture f(std::move(definition));
+    const auto cursorAt = [&f](double x) {
+        f.stage.mouseMove(x, 10);
+        return f.stage.cursor();
+    };
+    EXPECT_EQ(cursorAt(12), Cursor::Text);
+    EXPECT_EQ(cursorAt(45), Cursor::Hand);
+    EXPECT_EQ(cursorAt(85), Cursor::Text);
+    // Where nothing can be selected, links still can be clicked, and nothing else takes the pointer.
+    f.field().selectable = false;
+    EXPECT_EQ(cursorAt(12), Cursor::Arrow);
+    EXPECT_EQ(cursorAt(45), Cursor::Hand);
+    f.stage.mouseDown(45, 10);
+    f.stage.mouseMove(65, 10);
+    EXPECT_EQ(f.script.followed, u"") << "a link is followed when the button is let go";
+    f.stage.mouseUp(65, 10);
+    EXPECT_EQ(f.script.followed, u"there");
+    EXPECT_EQ(f.field().selectionBegin(), f.field().selectionEnd());
+    EXPECT_EQ(f.stage.focus(), nullptr);
+    f.field().readOnly = false;
+    EXPECT_EQ(cursorAt(45), Cursor::Text) << "what is being edited";
 }
 
 TEST(TextField, ScrollsWithinItsText)

@@ -378,6 +378,43 @@ void StageBinding::textScrolled(stage::TextField& field)
                 {Value(m_vm->string(std::string_view("onScroller"))), Value(object)});
 }
 
+void StageBinding::followLink(stage::TextField& field, std::u16string_view url, std::u16string_view window)
+{
+    constexpr std::u16string_view kFunction = u"asfunction:";
+    Object* timeline = objectOf(field.parentClip());
+    const Vm::VersionScope scope(*m_vm, field.movie() ? field.movie()->header.version : 6);
+    if (Names::fold(url.substr(0, kFunction.size())) == kFunction)
+        return callLinked(timeline, url.substr(kFunction.size()));
+    UrlRequest request;
+    const bool isLevel = Names::fold(window.substr(0, 6)) == u"_level";
+    request.kind = isLevel ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
+    request.url = url;
+    request.window = window;
+    request.sender = timeline;
+    requestUrl(request);
+}
+
+/// @param call the function's name or path, then perhaps a comma and one argument, which may hold commas
+void StageBinding::callLinked(Object* timeline, std::u16string_view call)
+{
+    const std::size_t comma = call.find(u',');
+    const std::u16string_view path = call.substr(0, comma);
+    const std::size_t last = path.find_last_of(u"/:.");
+    const bool plain = last == std::u16string_view::npos;
+    const Name name = m_vm->name(plain ? path : path.substr(last + 1));
+    Object* owner = plain ? timeline : m_vm->resolveTarget(timeline, path.substr(0, last));
+    Value function = owner ? owner->get(*m_vm, name) : Value();
+    if (plain && function.isUndefined()) {
+        owner = m_vm->global();
+        function = owner->get(*m_vm, name);
+    }
+    if (!function.isObject()) return;
+    if (comma == std::u16string_view::npos)
+        m_vm->call(function, Value(owner), {});
+    else
+        m_vm->call(function, Value(owner), {Value(m_vm->string(std::u16string(call.substr(comma + 1))))});
+}
+
 std::optional<std::string> StageBinding::variable(stage::Clip& scope, std::string_view path)
 {
     const Vm::VersionScope version(*m_vm, scope.movie() ? scope.movie()->header.version : 6);

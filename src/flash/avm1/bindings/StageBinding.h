@@ -138,6 +138,7 @@ public:
     void textFieldPlaced(stage::TextField& field) override;
     void textChanged(stage::TextField& field) override;
     void textScrolled(stage::TextField& field) override;
+    void followLink(stage::TextField& field, std::u16string_view url, std::u16string_view window) override;
     std::optional<std::string> variable(stage::Clip& scope, std::string_view path) override;
     bool isClipVariable(stage::Clip& scope, std::string_view path) override;
     bool setVariable(stage::Clip& scope, std::string_view path, std::string_view value) override;
@@ -165,6 +166,7 @@ private:
     void installFlashPackage();
     void broadcast(std::string_view object, std::string_view message, std::initializer_list<Value> args = {});
     void traceNodes(Tracer& tracer);
+    void callLinked(Object* timeline, std::u16string_view call);
     Name handlerName(stage::Event event);
     Function* classOf(stage::Clip& clip);
     void defineVersion(Object* root);
