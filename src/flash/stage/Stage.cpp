@@ -102,6 +102,11 @@ std::shared_ptr<const swf::Timeline> Stage::emptyTimeline()
 
 NodePtr Stage::makeNode(const MoviePtr& movie, std::uint16_t characterId)
 {
+    if (movie) {
+        // What an imported character places is of its own movie.
+        if (const auto other = movie->imports.find(characterId); other != movie->imports.end())
+            return makeNode(other->second.movie, other->second.id);
+    }
     const swf::Character* character = movie ? movie->character(characterId) : nullptr;
     if (!character) return nullptr;
     NodePtr node;

@@ -294,6 +294,9 @@ private:
     void finishLoad(Pending& load);
     void fill(Clip& clip, MoviePtr movie, std::string url);
     bool fillFrom(Clip& clip, const LoadAnswer& answer);
+    /// Finds the characters that a movie imports from others, beside itself; those that cannot be had stay
+    /// missing. Done once for a movie.
+    void linkImports(const swf::Movie& movie, const std::string& url, int depth = 0);
     std::shared_ptr<Clip> makeLevel(int number, MoviePtr movie, std::string url);
     void setQueryVariables(Clip& clip, const std::string& url);
     void adoptHeader();

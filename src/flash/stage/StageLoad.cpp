@@ -37,8 +37,43 @@ std::string decodedComponent(std::string_view text)
 
 } // namespace
 
+void Stage::linkImports(const swf::Movie& movie, const std::string& url, int depth)
+{
+    constexpr int kDeepest = 4; // movies that import from each other in a circle end here
+    if (movie.importsKnown || depth > kDeepest) return;
+    movie.importsKnown = true;
+    for (const swf::Frame& frame : movie.timeline.frames) {
+        for (const swf::ControlTag& tag : frame.tags) {
+            const auto* wanted = std::get_if<swf::ImportAssets>(&tag);
+            if (!wanted) continue;
+            LoadRequest request;
+            request.url = textOf(MoviePtr(MoviePtr(), &movie), wanted->url);
+            request.baseUrl = url;
+            const auto answer = m_services.loader.load(request);
+            if (!answer) {
+                m_services.host.logLine(answer.error().what);
+                continue;
+            }
+            const auto library = swf::parseMovie(answer->bytes);
+            if (!library) {
+                m_services.host.logLine(answer->url + ": " + library.error().what);
+                continue;
+            }
+            linkImports(**library, answer->url, depth + 1);
+            for (const auto& [id, name] : wanted->names) {
+                const auto found = (*library)->exports.find(name);
+                if (found == (*library)->exports.end())
+                    m_services.host.logLine(answer->url + ": exports no " + name);
+                else
+                    movie.imports[id] = {*library, found->second};
+            }
+        }
+    }
+}
+
 std::shared_ptr<Clip> Stage::makeLevel(int number, MoviePtr movie, std::string url)
 {
+    linkImports(*movie, url);
     auto timeline = std::shared_ptr<const swf::Timeline>(movie, &movie->timeline);
     auto clip = std::make_shared<Clip>(*this, movie, std::move(timeline));
     clip->m_level = number;
@@ -193,6 +228,7 @@ void Stage::fill(Clip& clip, MoviePtr movie, std::string url)
     clip.forgetBounds();
     if (!clip.m_clipActionsMovie) clip.m_clipActionsMovie = clip.m_movie;
     if (movie) {
+        linkImports(*movie, url);
         clip.m_timeline = std::shared_ptr<const swf::Timeline>(movie, &movie->timeline);
         clip.m_movie = std::move(movie);
     } else {

@@ -386,10 +386,21 @@ struct Movie {
     std::vector<TagCount> tagCounts;   ///< by code
     std::vector<std::string> warnings; ///< damaged tags that were skipped, one line each
 
+    /// Characters that live in other movies, by their ids here. Whoever opens the movie finds them, before
+    /// anything of it plays; nothing else about a movie changes.
+    struct Imported {
+        std::shared_ptr<const Movie> movie;
+        std::uint16_t id = 0;
+    };
+    mutable std::map<std::uint16_t, Imported> imports;
+    mutable bool importsKnown = false;
+
+    /// @returns the character, an imported one too; null when there is none
     [[nodiscard]] const Character* character(std::uint16_t id) const
     {
-        const auto found = characters.find(id);
-        return found == characters.end() ? nullptr : found->second.get();
+        if (const auto found = characters.find(id); found != characters.end()) return found->second.get();
+        const auto other = imports.find(id);
+        return other == imports.end() ? nullptr : other->second.movie->character(other->second.id);
     }
 };
 
