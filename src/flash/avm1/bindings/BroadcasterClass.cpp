@@ -72,11 +72,15 @@ Value construct(Call&) { return {}; }
 
 void makeBroadcaster(Vm& vm, Object* object)
 {
-    // The functions are those that the class has now: scripts may have replaced them.
+    // The functions are those that the class has now: scripts may have replaced them. Only the one that sends
+    // is every broadcaster's own.
     Object* broadcaster = vm.global()->get(vm, vm.name(std::string_view("AsBroadcaster"))).asObject();
     for (const MemberInfo& member : kMembers) {
         const Name name = vm.name(std::string_view(member.name));
-        const Value function = broadcaster ? broadcaster->get(vm, name) : Value();
+        const bool own = member.function == &broadcastMessage;
+        const Value function = own           ? Value(vm.newFunction(member.function))
+                               : broadcaster ? broadcaster->get(vm, name)
+                                             : Value();
         object->define(vm, name, function, kDontEnum | kDontDelete);
     }
     object->define(vm, "_listeners", Value(vm.newArray()), kDontEnum | kDontDelete);
@@ -97,6 +101,13 @@ Object* defineGlobalObject(Vm& vm, std::string_view name, std::span<const Member
     vm.addMembers(object, members);
     vm.global()->define(vm, name, Value(object), kDontEnum | kDontDelete);
     return object;
+}
+
+void makeConstant(Vm& vm, Object* object)
+{
+    const Value objectClass = vm.global()->get(vm, vm.name(std::string_view("Object")));
+    object->define(vm, vm.common().constructor, objectClass, kBuiltIn);
+    object->changeFlags(vm, Name(), kBuiltIn | kReadOnly, 0);
 }
 
 } // namespace flash::avm1

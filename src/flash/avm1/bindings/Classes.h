@@ -27,6 +27,8 @@ void installLoadVars(StageBinding& binding);
 void installSharedObject(StageBinding& binding);
 void installSystem(StageBinding& binding);
 void installMovieClipLoader(StageBinding& binding);
+/// LocalConnection, Microphone, PrintJob and Accessibility, behind which there is nothing.
+void installDeviceClasses(StageBinding& binding);
 /// NetConnection, NetStream, and what Video has besides a button's members.
 void installNetStream(StageBinding& binding);
 Value attachAudio(Call& call);
@@ -41,6 +43,9 @@ void addTabIndex(Vm& vm, Object* prototype, std::uint16_t flags = 0);
 void makeBroadcaster(Vm& vm, Object* object);
 /// Makes an object without a class and puts it on the global object under a name.
 Object* defineGlobalObject(Vm& vm, std::string_view name, std::span<const MemberInfo> members);
+
+/// Nothing that the object has now can be changed, deleted or enumerated.
+void makeConstant(Vm& vm, Object* object);
 
 // ---- arguments of natives ----
 inline double numberArg(Call& call, std::size_t index) { return toNumber(call.vm, call.arg(index)); }

@@ -69,11 +69,15 @@ void installKey(StageBinding& binding)
     for (const KeyName& entry : kKeyNames)
         key->define(vm, entry.name, Value(entry.code), kDontEnum | kDontDelete | kReadOnly);
     makeBroadcaster(vm, key);
+    makeConstant(vm, key);
 }
 
 void installMouse(StageBinding& binding)
 {
-    makeBroadcaster(binding.vm(), defineGlobalObject(binding.vm(), "Mouse", kMouseMembers));
+    Vm& vm = binding.vm();
+    Object* mouse = defineGlobalObject(vm, "Mouse", kMouseMembers);
+    makeBroadcaster(vm, mouse);
+    makeConstant(vm, mouse);
 }
 
 } // namespace flash::avm1

@@ -131,15 +131,15 @@ Value construct(Call& call)
     if (!self) return {};
     // Listens to itself.
     const Value own[] = {Value(self)};
-    self->define(call.vm, "_listeners", Value(call.vm.newArray(own)), kDontEnum);
+    self->define(call.vm, "_listeners", Value(call.vm.newArray(own)), kBuiltIn);
     return {};
 }
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    {"loadClip",    2, kFrom7, &loadClip},
-    {"getProgress", 1, kFrom7, &getProgress},
-    {"unloadClip",  1, kFrom7, &unloadClip},
+    {"loadClip",    2, 0,      &loadClip},
+    {"getProgress", 1, 0,      &getProgress},
+    {"unloadClip",  1, 0,      &unloadClip},
 };
 // clang-format on
 
@@ -148,8 +148,9 @@ constexpr MemberInfo kMembers[] = {
 void installMovieClipLoader(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("MovieClipLoader", &construct, kMembers, kFrom7);
+    Function* constructor = vm.defineClass("MovieClipLoader", &construct, kMembers);
     makeBroadcaster(vm, vm.prototypeOf(constructor));
+    vm.prototypeOf(constructor)->changeFlags(vm, Name(), kBuiltIn | kFrom7, 0);
 }
 
 } // namespace flash::avm1

@@ -100,6 +100,7 @@ void StageBinding::installClasses()
     installSharedObject(*this);
     installSystem(*this);
     installMovieClipLoader(*this);
+    installDeviceClasses(*this);
     installNetStream(*this);
     installXml(*m_vm);
     if (Object* xml = m_vm->global()->get(*m_vm, m_vm->name(std::string_view("XML"))).asObject())

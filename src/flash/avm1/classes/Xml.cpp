@@ -432,7 +432,7 @@ void installXml(Vm& vm)
     Function* nodeClass = vm.defineClass("XMLNode", &constructNode, {}, 0, kNodeTable);
     Object* nodePrototype = vm.prototypeOf(nodeClass);
     addPlain(nodePrototype, kNodeMembers, kNodeTable);
-    vm.addAccessors(nodePrototype, kNodeProperties);
+    vm.addAccessors(nodePrototype, kNodeProperties, 0);
 
     Function* documentClass = vm.newFunction(&constructDocument);
     Object* documentPrototype = vm.newObject(nodePrototype);
