@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace core
 {
 namespace
@@ -46,7 +48,6 @@ frmError::frmError(QWidget* parent, const ErrorTexts& texts)
     setObjectName("frmError");
     setWindowTitle(texts::kErrorWindow);
     setStyleSheet(errorStyle());
-    setFixedWidth(kWidth);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
@@ -120,7 +121,10 @@ frmError::frmError(QWidget* parent, const ErrorTexts& texts)
     connect(m_extra, &QToolButton::clicked, this, [this] { cbExtra_Click(); });
     revive->setFocus();
     ensurePolished();
-    resize(kWidth, column->totalHeightForWidth(kWidth));
+    // The line of the buttons is one that cannot wrap.
+    const int width = std::max(kWidth, column->minimumSize().width());
+    setFixedWidth(width);
+    resize(width, column->totalHeightForWidth(width));
 }
 
 QLabel* frmError::addField(const char* title, const QString& value)

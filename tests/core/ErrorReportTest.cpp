@@ -79,6 +79,8 @@ TEST_F(ErrorReport, ScreenShowsTheErrorAndUnfoldsItsDetail)
         auto* box = dialog.findChild<QPlainTextEdit*>("txtExtra");
         auto* extra = dialog.findChild<QToolButton*>("cbExtra");
         EXPECT_FALSE(box->isVisible());
+        const auto* caption = dialog.findChild<QLabel*>("lblExtra");
+        EXPECT_GE(caption->width(), caption->sizeHint().width()) << "the buttons beside it leave it room";
         const int folded = dialog.height();
         extra->click();
         EXPECT_TRUE(box->isVisible());
