@@ -2,8 +2,10 @@
 
 #include "ui/Mnemonics.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QStyleOption>
+#include <QToolTip>
 
 namespace ui
 {
@@ -62,6 +64,21 @@ QAction* Menu::itemFor(QChar letter) const
         if (position >= 0 && item->text()[position].toUpper() == letter.toUpper()) return item;
     }
     return nullptr;
+}
+
+bool Menu::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) return QMenu::event(event);
+    const auto* request = static_cast<QHelpEvent*>(event);
+    QAction* item = actionAt(request->pos());
+    // An action without a tooltip gives its caption for one.
+    if (item == nullptr || item->toolTip().size() <= item->text().size()) {
+        QToolTip::hideText();
+        event->ignore();
+    } else {
+        QToolTip::showText(request->globalPos(), item->toolTip(), this, actionGeometry(item));
+    }
+    return true;
 }
 
 void Menu::keyPressEvent(QKeyEvent* event)

@@ -24,6 +24,8 @@ public:
 
 protected:
     void actionEvent(QActionEvent* event) override;
+    /// Tooltips show where they tell more than the caption, as the whole path of a recent file does.
+    bool event(QEvent* event) override;
     void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override;
     void keyPressEvent(QKeyEvent* event) override;
 

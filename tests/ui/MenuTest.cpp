@@ -4,9 +4,12 @@
 #include "ui/Mnemonics.h"
 #include "ui/Style.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolTip>
 #include <gtest/gtest.h>
 
 namespace ui
@@ -199,6 +202,24 @@ TEST_F(OpenMenu, TakesEitherMouseButton)
         EXPECT_TRUE(ran);
         QObject::disconnect(connection);
     }
+}
+
+TEST_F(SetFolder, TellsTheWholeOfAShortenedCaption)
+{
+    const MenuSet set;
+    Menu menu(set, "Файл", nullptr);
+    QAction* open = menu.addAction("Открыть...");
+    QAction* recent = menu.addAction(".../intro.swf");
+    recent->setToolTip("/home/films/intro.swf");
+    menu.popup({50, 50});
+    const auto tipOver = [&menu](QAction* item) {
+        const QPoint at = menu.actionGeometry(item).center();
+        QHelpEvent request(QEvent::ToolTip, at, menu.mapToGlobal(at));
+        QApplication::sendEvent(&menu, &request);
+        return request.isAccepted() ? QToolTip::text() : QString();
+    };
+    EXPECT_EQ(tipOver(recent), "/home/films/intro.swf");
+    EXPECT_EQ(tipOver(open), "") << "the caption says it all";
 }
 
 } // namespace
