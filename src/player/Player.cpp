@@ -23,6 +23,7 @@
 #include <QPainter>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace player
 {
@@ -30,6 +31,8 @@ namespace
 {
 
 constexpr QSize kFirstSize{550, 440};
+constexpr int kShowPatienceMs = 1000;
+constexpr int kShowStepMs = 20;
 
 } // namespace
 
@@ -341,13 +344,18 @@ bool Player::isPageAddress(const QString& path) const
     return liesWithin(filePartOf(path), m_application.GadgetsPath);
 }
 
-void Player::openOutside(const QString& target)
+void Player::openOutside(const QString& target) { openOnceShown(target, senderOfCommand(), kShowPatienceMs); }
+
+void Player::openOnceShown(const QString& target, const Outside::Sender& sender, int patienceMs)
 {
-    const Outside::Sender sender = senderOfCommand();
-    if (isVisible()) return m_outside.open(target, sender);
-    // A movie's first frame comes before the window: a question waits for the window that it belongs to.
-    QTimer::singleShot(0, this, [this, target, sender] {
-        if (!hasEnded()) handled(texts::kPlacePage, [&] { m_outside.open(target, sender); });
+    // A movie's first frame comes before the window, and the window manager chooses the window's place later
+    // still: a question waits for the window that it is to lie over. Not for ever: the window may be
+    // minimised.
+    if (patienceMs <= 0 || (windowHandle() != nullptr && windowHandle()->isExposed()))
+        return m_outside.open(target, sender);
+    QTimer::singleShot(kShowStepMs, this, [this, target, sender, patienceMs] {
+        if (hasEnded()) return;
+        handled(texts::kPlacePage, [&] { openOnceShown(target, sender, patienceMs - kShowStepMs); });
     });
 }
 

@@ -249,6 +249,8 @@ private:
     void connectControl();
     /// Opens what the program itself names, and says so when the system has nothing for it.
     void openKnown(const QUrl& url);
+    /// Asks and opens as soon as the window is on the screen, or patience is at its end.
+    void openOnceShown(const QString& target, const Outside::Sender& sender, int patienceMs);
     /// Whose command is being carried out.
     [[nodiscard]] Outside::Sender senderOfCommand() const;
 

@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QWindow>
 
 // What movies may open outside the program: a boundary that hostile movies try.
 
@@ -282,6 +283,7 @@ TEST_F(PlayerWindow, AsksBeforeAMovieOpensAnAddress)
     SystemOpener system;
     Player player(application, {});
     player.Form_Load();
+    ASSERT_TRUE(waitFor([&player] { return player.windowHandle()->isExposed(); }));
     int questions = 0;
     const auto answerBy = [&](const char* button, bool always) {
         QTimer::singleShot(0, &player, [&, button, always] {
@@ -337,6 +339,7 @@ TEST_F(PlayerWindow, DoesNotLetAMovieSpeakInAPagesName)
                 path("media/gadgets/own.swf"));
     Player player(application, {});
     player.Form_Load();
+    ASSERT_TRUE(waitFor([&player] { return player.windowHandle()->isExposed(); }));
     player.LoadFlash(path("media/gadgets/own.swf"), {});
     EXPECT_EQ(system.opened, QStringList{"http://own.example/"}) << "a page of ours is not asked about";
 
