@@ -18,7 +18,7 @@ struct WrittenFolders {
     QString settings;
     QString cache;
     QString log;
-    QString skins; ///< further skins of the user's own
+    QString skins{}; ///< further skins of the user's own
 };
 
 /// The records that are one for the whole process, and the event log they name. One object, made by main()

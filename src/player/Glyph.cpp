@@ -2,7 +2,6 @@
 
 #include "core/Look.h"
 
-#include <QIcon>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
@@ -139,19 +138,6 @@ void paintMark(QPainter& painter, const QRectF& square)
     painter.setPen(QPen(QColor(kIce), 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPolygon(kTriangle, std::size(kTriangle));
     painter.restore();
-}
-
-QIcon markIcon()
-{
-    QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128}) {
-        QPixmap picture(size, size);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        paintMark(painter, QRectF(0, 0, size, size));
-        icon.addPixmap(picture);
-    }
-    return icon;
 }
 
 GlyphButton::GlyphButton(Glyph glyph, const QString& toolTip, QWidget* parent)

@@ -14,8 +14,6 @@ void paintGlyph(QPainter& painter, Glyph glyph, const QRectF& square, const QCol
 
 /// The product's mark: a rounded blue square with a play triangle that a Z is cut into.
 void paintMark(QPainter& painter, const QRectF& square);
-/// The mark at the sizes that window systems use.
-QIcon markIcon();
 
 /// A flat button of the control bar: 28 x 28 with a glyph of 20.
 class GlyphButton : public QAbstractButton

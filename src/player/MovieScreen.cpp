@@ -15,11 +15,9 @@ namespace player
 
 MovieScreen::MovieScreen(QWidget& client, QWidget& window)
     : m_widget(new skin::SkinControl("SWF", 0, &client, &window)),
-      m_control(new flash::FlashControl(m_widget)), m_welcome(new WelcomePanel(m_widget)),
-      m_layout(new QStackedLayout(m_widget))
+      m_control(new flash::FlashControl(m_widget)), m_layout(new QStackedLayout(m_widget))
 {
     m_layout->addWidget(m_control);
-    m_layout->addWidget(m_welcome);
     m_widget->show();
 }
 
@@ -37,10 +35,20 @@ void MovieScreen::LoadMovie(int layer, const QString& url)
     m_control->setFocus();
 }
 
+WelcomePanel& MovieScreen::welcome()
+{
+    if (m_welcome == nullptr) {
+        m_welcome = new WelcomePanel(m_widget);
+        m_layout->addWidget(m_welcome);
+        connect(m_welcome, &WelcomePanel::openClicked, this, &MovieScreen::openWanted);
+    }
+    return *m_welcome;
+}
+
 void MovieScreen::showWelcome(const QString& message)
 {
     m_control->LoadMovie(0, {});
-    m_welcome->setMessage(message);
+    welcome().setMessage(message);
     m_layout->setCurrentWidget(m_welcome);
     m_welcome->setFocus();
 }

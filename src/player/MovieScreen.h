@@ -29,7 +29,8 @@ public:
     [[nodiscard]] skin::SkinControl& widget() { return *m_widget; }
     [[nodiscard]] flash::FlashControl& control() { return *m_control; }
     [[nodiscard]] const flash::FlashControl& control() const { return *m_control; }
-    [[nodiscard]] WelcomePanel& welcome() { return *m_welcome; }
+    /// Made when it is first asked for: where the welcome page is there it never is.
+    [[nodiscard]] WelcomePanel& welcome();
     /// Whether the control is shown, be it with a movie or a page.
     [[nodiscard]] bool showsControl() const;
 
@@ -40,10 +41,14 @@ public:
     void showWelcome(const QString& message);
     void setFocus();
 
+signals:
+    /// The panel's button was pressed.
+    void openWanted();
+
 private:
     skin::SkinControl* m_widget;
     flash::FlashControl* m_control;
-    WelcomePanel* m_welcome;
+    WelcomePanel* m_welcome = nullptr;
     QStackedLayout* m_layout;
 };
 

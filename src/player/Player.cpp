@@ -76,7 +76,6 @@ void Player::SetVisual()
 
 void Player::buildWindow()
 {
-    setWindowIcon(markIcon());
     setAcceptDrops(true);
     m_placement.setMinimumSize({});
     auto* column = new QVBoxLayout(this);
@@ -106,7 +105,7 @@ void Player::connectBar()
         ToggleTimeMode();
         m_timer.tmrUpdate_Timer();
     });
-    connect(&m_movieScreen.welcome(), &WelcomePanel::openClicked, this, &Player::OpenMedia);
+    connect(&m_movieScreen, &MovieScreen::openWanted, this, &Player::OpenMedia);
 }
 
 void Player::connectControl()

@@ -28,6 +28,7 @@ private:
     static std::uint32_t u32(Bytes b, std::size_t at) { return u16(b, at) | (u16(b, at + 2) << 16); }
     void tags(Bytes bytes, std::uint32_t statedFrames, const std::string& where);
     void tag(std::uint32_t code, Bytes body, const std::string& where);
+    void imports(Bytes body, std::size_t reserved, const std::string& where);
     void placement(std::uint32_t code, Bytes body, const std::string& where);
     void button(Bytes body, const std::string& where);
     void actions(Bytes code, const std::string& where);
@@ -145,6 +146,8 @@ void Checker::tag(std::uint32_t code, Bytes body, const std::string& where)
         if (!m_defined.insert(u16(body, 0)).second) fault(where + ": character defined twice");
     }
     switch (code) {
+    case 57: imports(body, 0, where); break;
+    case 71: imports(body, 2, where); break;
     case 12: actions(body, where); break;
     case 59: actions(body.subspan(2), where); break;
     case 26:
@@ -153,6 +156,27 @@ void Checker::tag(std::uint32_t code, Bytes body, const std::string& where)
     case 39: tags(body.subspan(4), u16(body, 2), where + "#" + std::to_string(u16(body, 0))); break;
     default: break;
     }
+}
+
+/// Imported characters are defined by other movies.
+/// @param reserved bytes between the address and the count
+void Checker::imports(Bytes body, std::size_t reserved, const std::string& where)
+{
+    std::size_t at = 0;
+    const auto skipText = [&] {
+        while (at < body.size() && body[at] != 0) ++at;
+        ++at;
+    };
+    skipText();
+    at += reserved;
+    const std::uint32_t count = u16(body, at);
+    at += 2;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (!m_defined.insert(u16(body, at)).second) fault(where + ": character defined twice");
+        at += 2;
+        skipText();
+    }
+    if (at != body.size()) fault(where + ": imports are not as long as their tag");
 }
 
 /// Walks to the clip's handlers. Filters are not walked over: a placement with both is skipped.
