@@ -71,6 +71,12 @@ protected:
         return question();
     }
     static WelcomePanel& welcome(Player& player) { return *player.findChild<WelcomePanel*>(); }
+    /// The panel is made when it is first needed.
+    static bool showsPanel(Player& player)
+    {
+        const auto* panel = player.findChild<WelcomePanel*>();
+        return panel != nullptr && panel->isVisible();
+    }
     static void drop(Player& player, const QString& path)
     {
         QMimeData data;
