@@ -296,7 +296,9 @@ private:
     bool fillFrom(Clip& clip, const LoadAnswer& answer);
     /// Finds the characters that a movie imports from others, beside itself; those that cannot be had stay
     /// missing. Done once for a movie.
-    void linkImports(const swf::Movie& movie, const std::string& url, int depth = 0);
+    /// @param librariesLeft how many may still be read, those that libraries import from included
+    void linkImports(const swf::Movie& movie, const std::string& url, int& librariesLeft);
+    static constexpr int kMostLibraries = 32;
     std::shared_ptr<Clip> makeLevel(int number, MoviePtr movie, std::string url);
     void setQueryVariables(Clip& clip, const std::string& url);
     void adoptHeader();

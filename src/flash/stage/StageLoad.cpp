@@ -37,15 +37,15 @@ std::string decodedComponent(std::string_view text)
 
 } // namespace
 
-void Stage::linkImports(const swf::Movie& movie, const std::string& url, int depth)
+void Stage::linkImports(const swf::Movie& movie, const std::string& url, int& librariesLeft)
 {
-    constexpr int kDeepest = 4; // movies that import from each other in a circle end here
-    if (movie.importsKnown || depth > kDeepest) return;
+    if (movie.importsKnown) return;
     movie.importsKnown = true;
     for (const swf::Frame& frame : movie.timeline.frames) {
         for (const swf::ControlTag& tag : frame.tags) {
             const auto* wanted = std::get_if<swf::ImportAssets>(&tag);
-            if (!wanted) continue;
+            // Movies that import from each other in a circle, or from themselves many times over, end here.
+            if (!wanted || librariesLeft-- <= 0) continue;
             LoadRequest request;
             request.url = textOf(MoviePtr(MoviePtr(), &movie), wanted->url);
             request.baseUrl = url;
@@ -59,7 +59,7 @@ void Stage::linkImports(const swf::Movie& movie, const std::string& url, int dep
                 m_services.host.logLine(answer->url + ": " + library.error().what);
                 continue;
             }
-            linkImports(**library, answer->url, depth + 1);
+            linkImports(**library, answer->url, librariesLeft);
             for (const auto& [id, name] : wanted->names) {
                 const auto found = (*library)->exports.find(name);
                 if (found == (*library)->exports.end())
@@ -73,7 +73,8 @@ void Stage::linkImports(const swf::Movie& movie, const std::string& url, int dep
 
 std::shared_ptr<Clip> Stage::makeLevel(int number, MoviePtr movie, std::string url)
 {
-    linkImports(*movie, url);
+    int librariesLeft = kMostLibraries;
+    linkImports(*movie, url, librariesLeft);
     auto timeline = std::shared_ptr<const swf::Timeline>(movie, &movie->timeline);
     auto clip = std::make_shared<Clip>(*this, movie, std::move(timeline));
     clip->m_level = number;
@@ -228,7 +229,8 @@ void Stage::fill(Clip& clip, MoviePtr movie, std::string url)
     clip.forgetBounds();
     if (!clip.m_clipActionsMovie) clip.m_clipActionsMovie = clip.m_movie;
     if (movie) {
-        linkImports(*movie, url);
+        int librariesLeft = kMostLibraries;
+        linkImports(*movie, url, librariesLeft);
         clip.m_timeline = std::shared_ptr<const swf::Timeline>(movie, &movie->timeline);
         clip.m_movie = std::move(movie);
     } else {
