@@ -16,23 +16,32 @@ wanted_packages() {
     if [ "$preset" = fuzz ]; then printf '%s\n' clang-14 libclang-rt-14-dev; fi
 }
 
+# The names of all that is installed, one a line: of the packages and of what they provide.
+installed_names() {
+    dpkg-query -W -f='${db:Status-Status},${Package},${Provides}\n' |
+        sed -n 's/^installed,//p' | tr ',' '\n' | sed 's/^ *//; s/[ :].*//'
+}
+
 install_missing() {
-    local missing=() package
-    while read -r package; do
-        if ! dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed; then
-            missing+=("$package")
-        fi
-    done < <(wanted_packages)
+    local missing
+    mapfile -t missing < <(wanted_packages | grep -vxF -f <(installed_names))
     [ ${#missing[@]} -eq 0 ] && return
     echo "Installing: ${missing[*]}"
-    local as_root=()
+    local as_root=() command="apt-get install --no-install-recommends ${missing[*]}"
     if [ "$(id -u)" -ne 0 ]; then
-        command -v sudo >/dev/null || { echo "Please install as root: apt-get install ${missing[*]}" >&2; exit 1; }
+        if ! command -v sudo >/dev/null; then
+            printf 'These packages are missing, and only root may install them. As root:\n    %s\n' "$command" >&2
+            exit 1
+        fi
         as_root=(sudo)
     fi
-    "${as_root[@]}" apt-get update -qq
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    if ! "${as_root[@]}" apt-get update -qq ||
+        ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null; then
+        printf 'The packages could not be installed (no network, or no right to?). By hand, as root:\n    %s\n' \
+            "$command" >&2
+        exit 1
+    fi
 }
 
 if command -v dpkg-query >/dev/null && command -v apt-get >/dev/null; then
