@@ -21,12 +21,33 @@ if(MOLD_PROGRAM)
     add_link_options(-fuse-ld=mold)
 endif()
 
-set(ZORVEX_PROGRAM_DIR ${CMAKE_BINARY_DIR}/Zorvex)
+# The program folder as it ships, which nobody plays from: tests and the package are made of it. What a user runs is a copy
+# of it that may be played in, build/Zorvex.
+set(ZORVEX_PROGRAM_DIR ${CMAKE_BINARY_DIR}/shipped)
+set(ZORVEX_PLAYED_DIR ${CMAKE_BINARY_DIR}/Zorvex)
 set(ZORVEX_TOOLS_DIR ${CMAKE_BINARY_DIR}/bin)
 
 add_library(zorvex_options INTERFACE)
 target_compile_options(zorvex_options INTERFACE -Wall -Wextra -Werror)
 target_include_directories(zorvex_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+# What makes a fault of memory hard to use against the user; in every target, whoever made it. Sanitized builds watch
+# memory by themselves.
+if(NOT ZORVEX_SANITIZE AND NOT ZORVEX_FUZZ)
+    include(CheckCXXCompilerFlag)
+    include(CheckPIESupported)
+    check_pie_supported(LANGUAGES C CXX)
+    add_compile_options(-fstack-protector-strong
+        "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>" "$<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>")
+    # These two are not there on every processor.
+    foreach(flag -fstack-clash-protection -fcf-protection)
+        string(MAKE_C_IDENTIFIER "ZORVEX_HAS${flag}" known)
+        check_cxx_compiler_flag(${flag} ${known})
+        if(${known})
+            add_compile_options(${flag})
+        endif()
+    endforeach()
+    add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()
 if(ZORVEX_SANITIZE)
     target_compile_options(zorvex_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
