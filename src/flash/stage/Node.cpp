@@ -353,7 +353,8 @@ std::optional<Node::Sliced> Node::sliced()
     if (!m_sliceCache || m_sliceCache->source != source || m_sliceCache->inner != inner ||
         m_sliceCache->grid != grid) {
         auto result = std::make_shared<const swf::Shape>(grid.apply(*source, inner));
-        m_sliceCache = std::make_unique<SliceCache>(grid, inner, std::move(source), std::move(result));
+        m_sliceCache =
+            std::make_unique<SliceCache>(SliceCache{grid, inner, std::move(source), std::move(result)});
     }
     return Sliced{m_sliceCache->result, holder,
                   swf::Matrix{1 / std::abs(placed.a), 0, 0, 1 / std::abs(placed.d), 0, 0}};
