@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test.
 #   ./test.sh [--sanitize] [CTEST-ARGUMENT ...]
-# --sanitize: the same tests, built with AddressSanitizer and UndefinedBehaviorSanitizer.
+# --sanitize: the same tests, built with AddressSanitizer and UndefinedBehaviorSanitizer, and those of movies
+#             once more with the scripts' garbage collected at every chance.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")"
 
@@ -11,4 +12,7 @@ if [ "${1:-}" = "--sanitize" ]; then
     shift
 fi
 ./build.sh --preset "$preset"
+if [ "$preset" = release ]; then
+    set -- -LE collect-always "$@"
+fi
 ctest --preset "$preset" -j2 "$@"

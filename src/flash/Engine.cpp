@@ -168,6 +168,7 @@ public:
         inputs.screenWidth = options.screenWidth;
         inputs.screenHeight = options.screenHeight;
         script = std::make_unique<avm1::StageBinding>(services, std::move(inputs));
+        if (options.collectAlways) script->vm().collectAlways();
         stage = std::make_unique<stage::Stage>(services, script.get());
         script->attach(*stage);
     }

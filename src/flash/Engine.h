@@ -42,6 +42,9 @@ public:
         /// A movie that lies in `trustedFolder`, not below it, may also read from `sharedFolder`, by full
         /// paths.
         std::filesystem::path trustedFolder, sharedFolder;
+        /// Collects the scripts' garbage whenever it can, and overwrites it: slow, finds what is freed too
+        /// early.
+        bool collectAlways = false;
     };
 
     /// @param host borrowed

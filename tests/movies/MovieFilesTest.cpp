@@ -92,6 +92,7 @@ QStringList MovieFile::runArguments(const QJsonObject& options) const
     if (QFile::exists(beside(".input"))) arguments << "--input" << beside(".input");
     if (options.contains("runs")) arguments << "--storage" << m_folder.filePath("storage");
     if (options.contains("date")) arguments << "--date" << options["date"].toString();
+    if (qEnvironmentVariableIsSet("MOVIE_TESTS_COLLECT_ALWAYS")) arguments << "--collect-always";
     return arguments;
 }
 

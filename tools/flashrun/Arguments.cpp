@@ -39,6 +39,8 @@ Options of trace, render and record
                        (default: now)
       --storage DIR    shared objects are kept there (default: until the run ends)
       --input FILE     a JSON array of events; those up to the next "Wait" follow each frame
+      --collect-always frees what scripts no longer hold at every chance, and overwrites it:
+                       slow; brings to light what is freed too early
 
 MOVIE may end in a query, movie.swf?name=value: its variables are set on the root.
 Exit status: 0 done, 1 the movie cannot be played, 2 wrong usage.
@@ -187,6 +189,10 @@ base::Result<Arguments> parseArguments(std::span<char*> words)
             }
             arguments.movie = word;
         } else {
+            if (word == "--collect-always") {
+                arguments.collectAlways = true;
+                continue;
+            }
             if (i + 1 == words.size()) {
                 return base::fail(base::ErrorCode::Malformed, std::string(word) + " needs a value");
             }

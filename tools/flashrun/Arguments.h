@@ -21,6 +21,7 @@ struct Arguments {
     int firstFrame = 0, lastFrame = 0; ///< of render, from 1; the same for one picture
     bool series = false;               ///< `out` is a folder
     bool showCommands = false;
+    bool collectAlways = false;
     std::filesystem::path out, baseFolder, input, storageFolder;
     double scale = 1;
     int size = 256;     ///< of a thumbnail: the longer side, pixels

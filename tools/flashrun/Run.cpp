@@ -148,6 +148,7 @@ private:
         options.startDateMs = arguments.dateMs.value_or(
             static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
         options.baseFolder = arguments.baseFolder;
+        options.collectAlways = arguments.collectAlways;
         options.storageFolder = arguments.storageFolder;
         return options;
     }

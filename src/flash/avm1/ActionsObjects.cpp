@@ -49,7 +49,7 @@ void pushNames(Frame& frame, Value value)
     frame.push(Value::null());
     Object* object = value.asObject();
     if (object == nullptr) return;
-    const std::vector<Name> names = object->enumerate(frame.vm);
+    const RootedNames names = object->enumerate(frame.vm);
     // The loop pops, so that the first name is pushed last.
     for (auto name = names.rbegin(); name != names.rend(); ++name) frame.push(Value(name->string()));
 }

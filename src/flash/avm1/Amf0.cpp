@@ -54,7 +54,7 @@ void Amf0Writer::name(std::string text)
 
 void Amf0Writer::properties(Object* object, int depth, base::Bytes closing)
 {
-    const std::vector<Name> names = object->enumerate(m_vm);
+    const RootedNames names = object->enumerate(m_vm);
     for (auto at = names.rbegin(); at != names.rend(); ++at) {
         if (!object->hasOwn(m_vm, *at)) continue;
         const Value held = object->get(m_vm, *at);

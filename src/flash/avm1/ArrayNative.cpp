@@ -89,7 +89,7 @@ void ArrayNative::setLength(Vm& vm, Object& self, double length)
     length = std::max(length, 0.0);
     if (length < static_cast<double>(m_elements.size())) m_elements.resize(static_cast<std::size_t>(length));
     if (length < m_length) {
-        std::vector<Name> beyond;
+        RootedNames beyond(vm.heap());
         for (const Layout::Property& property : self.layout()->properties()) {
             if (!property.name.isNull() && property.name.arrayIndex() != NameText::kNotIndex &&
                 property.name.arrayIndex() >= length)
@@ -101,9 +101,9 @@ void ArrayNative::setLength(Vm& vm, Object& self, double length)
     m_lengthValue = Value(length);
 }
 
-void ArrayNative::assign(std::vector<Value> elements)
+void ArrayNative::assign(std::span<const Value> elements)
 {
-    m_elements = std::move(elements);
+    m_elements.assign(elements.begin(), elements.end());
     m_length = static_cast<double>(m_elements.size());
     m_lengthValue = Value(m_length);
 }

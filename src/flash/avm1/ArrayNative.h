@@ -32,15 +32,15 @@ public:
         if (static_cast<double>(whole) != index || m_elements[whole].isHole()) return nullptr;
         return &m_elements[whole];
     }
-    [[nodiscard]] std::vector<Value>& elements() { return m_elements; }
+    [[nodiscard]] TracedList<Value>& elements() { return m_elements; }
     [[nodiscard]] double length() const { return m_length; }
     /// Grows with holes or cuts; elements in the bag beyond the new length are removed too.
     void setLength(Vm& vm, Object& self, double length);
     /// Replaces all elements; the length follows.
-    void assign(std::vector<Value> elements);
+    void assign(std::span<const Value> elements);
 
 private:
-    std::vector<Value> m_elements;
+    TracedList<Value> m_elements;
     double m_length = 0;
     Value m_lengthValue = Value(0); ///< what scripts read: texts that were assigned stay texts
     std::uint16_t m_lengthFlags = kBuiltIn;

@@ -69,7 +69,7 @@ struct TryHead {
                   finallyEnd = 0; ///< byte offsets; each part starts where the last ends
 };
 
-using ConstantPool = std::vector<Value>;
+using ConstantPool = TracedList<Value>;
 
 /// A straight piece of code, as decoded: a block's top level, or a function's body.
 struct Body {
@@ -110,7 +110,7 @@ private:
     std::shared_ptr<const void> m_owner;
     base::Bytes m_bytes; // kept alive by m_owner
     int m_version;
-    std::vector<Value> m_literals;
+    TracedList<Value> m_literals;
     std::vector<std::unique_ptr<FunctionCode>> m_functions;
     std::vector<TryHead> m_tries;
     std::vector<std::unique_ptr<ConstantPool>> m_pools;

@@ -12,7 +12,7 @@ Function::Function(Vm& vm, NativeFunction native, int least)
     becomeFunction(vm);
 }
 
-Function::Function(Vm& vm, FunctionCode& code, Code* owner, const std::vector<Value>* pool, Scope* scope,
+Function::Function(Vm& vm, FunctionCode& code, Code* owner, const TracedList<Value>* pool, Scope* scope,
                    Object* definingTarget)
     : Object(vm, vm.builtIns().function), m_code(&code), m_pool(pool), m_owner(owner), m_scope(scope),
       m_target(definingTarget)

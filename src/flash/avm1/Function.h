@@ -69,7 +69,7 @@ class Function final : public Object
 {
 public:
     Function(Vm& vm, NativeFunction native, int least);
-    Function(Vm& vm, FunctionCode& code, Code* owner, const std::vector<Value>* pool, Scope* scope,
+    Function(Vm& vm, FunctionCode& code, Code* owner, const TracedList<Value>* pool, Scope* scope,
              Object* definingTarget);
 
     [[nodiscard]] bool isNative() const { return m_native != nullptr; }
@@ -77,7 +77,7 @@ public:
     [[nodiscard]] int least() const { return m_least; }
     [[nodiscard]] FunctionCode* code() const { return m_code; }
     /// The constant pool in force where the function was made; may be null.
-    [[nodiscard]] const std::vector<Value>* pool() const { return m_pool; }
+    [[nodiscard]] const TracedList<Value>* pool() const { return m_pool; }
     [[nodiscard]] Code* owner() const { return m_owner; }
     [[nodiscard]] Scope* scope() const { return m_scope; }
     /// The clip whose script made the function: the base of its paths and variables.
@@ -90,7 +90,7 @@ private:
     NativeFunction m_native = nullptr;
     int m_least = 0;
     FunctionCode* m_code = nullptr; // inside m_owner
-    const std::vector<Value>* m_pool = nullptr;
+    const TracedList<Value>* m_pool = nullptr;
     Code* m_owner = nullptr;
     Scope* m_scope = nullptr;
     Object* m_target = nullptr;

@@ -1,5 +1,6 @@
 #include "flash/avm1/Heap.h"
 
+#include "flash/avm1/String.h"
 #include "flash/avm1/Value.h"
 
 #include <pthread.h>
@@ -9,6 +10,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(address, bytes) static_cast<void>(0)
+#define ASAN_UNPOISON_MEMORY_REGION(address, bytes) static_cast<void>(0)
+#endif
+
 namespace flash::avm1
 {
 
@@ -17,6 +25,7 @@ namespace
 
 constexpr std::size_t kBlockBytes = 64 * 1024;
 constexpr std::size_t kLeastThresholdBytes = 8 << 20;
+constexpr int kFreedByte = 0xDB; // as a pointer: no address there is
 
 /// @returns the end of this thread's stack that was there first (stacks grow down).
 std::uintptr_t stackOrigin()
@@ -34,6 +43,7 @@ std::uintptr_t stackOrigin()
 
 /// A page of cells of one size, aligned to its own size so that a cell's address tells its block.
 struct Heap::Block {
+    Heap* heap;
     std::size_t cellBytes;
     std::size_t cellCount;
     std::uint64_t live[kBlockBytes / kGranuleBytes / 64]; // one bit for each cell in use
@@ -68,10 +78,20 @@ void Tracer::operator()(Value value)
     }
 }
 
-RootBase::RootBase(Heap& heap) : m_heap(&heap), m_next(heap.m_roots)
+void Tracer::operator()(Name name) { operator()(static_cast<const Cell*>(name.cell())); }
+
+RootBase::RootBase(Heap& heap) : m_heap(&heap) { link(); }
+
+RootBase::RootBase(RootBase&& other) noexcept : m_heap(other.m_heap)
 {
+    if (m_heap != nullptr) link();
+}
+
+void RootBase::link()
+{
+    m_next = m_heap->m_roots;
     if (m_next != nullptr) m_next->m_previous = this;
-    heap.m_roots = this;
+    m_heap->m_roots = this;
 }
 
 RootBase::~RootBase()
@@ -84,14 +104,6 @@ RootBase::~RootBase()
     if (m_next != nullptr) m_next->m_previous = m_previous;
 }
 
-RootedValues::RootedValues(Heap& heap) : RootBase(heap) {}
-RootedValues::~RootedValues() = default;
-
-void RootedValues::trace(Tracer& tracer)
-{
-    for (const Value value : m_values) tracer(value);
-}
-
 Heap::Heap() : m_thresholdBytes(kLeastThresholdBytes) {}
 
 Heap::~Heap()
@@ -101,6 +113,10 @@ Heap::~Heap()
         for (std::size_t i = 0; i < block->cellCount; ++i) {
             if (block->isLive(i)) reinterpret_cast<Cell*>(block->cell(i))->~Cell();
         }
+    }
+    // A native may still look at its object.
+    for (Block* block : m_blocks) {
+        ASAN_UNPOISON_MEMORY_REGION(block, kBlockBytes);
         std::free(block);
     }
 }
@@ -110,6 +126,7 @@ void* Heap::allocate(std::size_t bytes)
     const std::size_t sizeClass = (bytes - 1) / kGranuleBytes;
     if (m_free[sizeClass] == nullptr) addBlock(sizeClass);
     FreeCell* cell = m_free[sizeClass];
+    ASAN_UNPOISON_MEMORY_REGION(cell, (sizeClass + 1) * kGranuleBytes);
     m_free[sizeClass] = cell->next;
     const auto address = reinterpret_cast<std::uintptr_t>(cell);
     Block* block = Block::of(address);
@@ -124,6 +141,7 @@ void Heap::addBlock(std::size_t sizeClass)
     void* memory = std::aligned_alloc(kBlockBytes, kBlockBytes);
     if (memory == nullptr) throw std::bad_alloc();
     auto* block = ::new (memory) Block{};
+    block->heap = this;
     block->cellBytes = (sizeClass + 1) * kGranuleBytes;
     block->cellCount = (kBlockBytes - Block::headerBytes()) / block->cellBytes;
     for (std::size_t i = block->cellCount; i-- > 0;) {
@@ -134,6 +152,14 @@ void Heap::addBlock(std::size_t sizeClass)
     m_blockAddresses.insert(address);
     m_lowest = std::min(m_lowest, address);
     m_highest = std::max(m_highest, address + kBlockBytes);
+}
+
+Heap& Heap::of(const Cell& cell) { return *Block::of(reinterpret_cast<std::uintptr_t>(&cell))->heap; }
+
+void Heap::collectAlways()
+{
+    m_collectsAlways = true;
+    m_thresholdBytes = 1;
 }
 
 void Heap::collect()
@@ -173,11 +199,13 @@ void Heap::sweep()
             cell->~Cell();
             block->clearLive(i);
             --m_liveCells;
+            if (m_collectsAlways) std::memset(static_cast<void*>(cell), kFreedByte, block->cellBytes);
             freeList = ::new (static_cast<void*>(cell)) FreeCell{freeList};
+            if (m_collectsAlways) ASAN_POISON_MEMORY_REGION(cell, block->cellBytes);
         }
     }
     m_bytesSinceCollection = 0;
-    m_thresholdBytes = std::max(kLeastThresholdBytes, liveBytes);
+    m_thresholdBytes = m_collectsAlways ? 1 : std::max(kLeastThresholdBytes, liveBytes);
 }
 
 // The scan reads words that the sanitizer holds to be out of bounds, and rightly so.

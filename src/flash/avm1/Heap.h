@@ -18,7 +18,8 @@
 //    function were the alternative: one forgotten handle there is a crash that shows in one run of a
 //    thousand.
 // What does NOT keep a cell alive: a pointer in malloc'ed memory (std::vector, a C++ object of the display
-// list). Such places use Root, RootedValues, or trace() of their own.
+// list). Such places are a Root or a RootedList, or belong to a cell that traces them (TracedList). A plain
+// std::vector of values, names or objects does not compile: see the end of String.h and of Value.h.
 //
 // Allocation never collects. Collections happen at safe points only: between actions, at calls, and when the
 // host says so between frames.
@@ -26,6 +27,7 @@ namespace flash::avm1
 {
 
 class Heap;
+class Name;
 class Tracer;
 class Value;
 
@@ -58,6 +60,7 @@ public:
         if (cell != nullptr && !cell->m_marked) mark(const_cast_cell(cell));
     }
     void operator()(Value value);
+    void operator()(Name name);
 
 private:
     friend class Heap;
@@ -82,9 +85,12 @@ public:
 
 protected:
     explicit RootBase(Heap& heap);
+    /// Takes a place of its own in the list; the other one keeps its.
+    RootBase(RootBase&& other) noexcept;
     virtual ~RootBase();
 
 private:
+    void link();
     friend class Heap;
     Heap* m_heap;
     RootBase* m_next = nullptr;
@@ -112,18 +118,58 @@ private:
     T* m_cell;
 };
 
-/// A list of values that survives calls to script.
-class RootedValues final : public RootBase
+/// Memory of lists whose owner reports what is in them to the collector.
+template <class T>
+struct TracedAllocator {
+    using value_type = T;
+    TracedAllocator() = default;
+    template <class Other>
+    TracedAllocator(const TracedAllocator<Other>&) noexcept
+    {
+    }
+    T* allocate(std::size_t count) { return static_cast<T*>(::operator new(count * sizeof(T))); }
+    void deallocate(T* memory, std::size_t) noexcept { ::operator delete(memory); }
+    friend bool operator==(TracedAllocator, TracedAllocator) { return true; }
+};
+
+/// A list within a cell, which traces it. Not for local variables: those are RootedLists.
+template <class T>
+using TracedList = std::vector<T, TracedAllocator<T>>;
+
+/// A list of values, names or objects outside the heap that survives calls to script.
+template <class T>
+class RootedList final : public RootBase
 {
 public:
-    explicit RootedValues(Heap& heap);
-    ~RootedValues() override;
-    void trace(Tracer& tracer) override;
-    std::vector<Value>& operator*() { return m_values; }
-    std::vector<Value>* operator->() { return &m_values; }
+    explicit RootedList(Heap& heap) : RootBase(heap) {}
+    template <class Iterator>
+    RootedList(Heap& heap, Iterator first, Iterator last) : RootBase(heap), m_items(first, last)
+    {
+    }
+    RootedList(RootedList&& other) noexcept : RootBase(std::move(other)), m_items(std::move(other.m_items)) {}
+
+    TracedList<T>& operator*() { return m_items; }
+    const TracedList<T>& operator*() const { return m_items; }
+    TracedList<T>* operator->() { return &m_items; }
+    const TracedList<T>* operator->() const { return &m_items; }
+
+    [[nodiscard]] auto begin() const { return m_items.begin(); }
+    [[nodiscard]] auto end() const { return m_items.end(); }
+    [[nodiscard]] auto rbegin() const { return m_items.rbegin(); }
+    [[nodiscard]] auto rend() const { return m_items.rend(); }
+    [[nodiscard]] std::size_t size() const { return m_items.size(); }
+    [[nodiscard]] bool empty() const { return m_items.empty(); }
+    T& operator[](std::size_t index) { return m_items[index]; }
+    const T& operator[](std::size_t index) const { return m_items[index]; }
+    void push_back(T item) { m_items.push_back(item); }
+
+    void trace(Tracer& tracer) override
+    {
+        for (const T& item : m_items) tracer(item);
+    }
 
 private:
-    std::vector<Value> m_values;
+    TracedList<T> m_items;
 };
 
 class Heap
@@ -149,6 +195,11 @@ public:
 
     [[nodiscard]] bool shouldCollect() const { return m_bytesSinceCollection >= m_thresholdBytes; }
     void collect();
+    /// From now on shouldCollect() says so whenever anything was made since the last collection, and freed
+    /// cells are overwritten (to AddressSanitizer they are out of bounds). Finds what is not kept alive.
+    void collectAlways();
+    /// @returns the heap that a cell lives in.
+    [[nodiscard]] static Heap& of(const Cell& cell);
 
     /// Called at each collection to mark what is alive for reasons of its own.
     void addRootSource(std::function<void(Tracer&)> source) { m_sources.push_back(std::move(source)); }
@@ -159,7 +210,7 @@ public:
     [[nodiscard]] std::size_t liveCells() const { return m_liveCells; }
     [[nodiscard]] std::size_t collections() const { return m_collections; }
 
-    static constexpr std::size_t kLargestCellBytes = 512;
+    static constexpr std::size_t kLargestCellBytes = 768;
 
 private:
     friend class RootBase;
@@ -188,6 +239,7 @@ private:
     std::size_t m_bytesSinceCollection = 0;
     std::size_t m_thresholdBytes;
     std::size_t m_liveCells = 0, m_collections = 0;
+    bool m_collectsAlways = false;
 };
 
 } // namespace flash::avm1

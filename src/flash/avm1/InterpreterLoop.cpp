@@ -41,8 +41,8 @@ viaTable:
 afterCall:
     if (vm.m_thrown || vm.m_aborted || frame.returned) [[unlikely]]
         return;
-    if (vm.m_stress) [[unlikely]]
-        vm.m_heap.collect();
+    if (vm.m_collectsAlways) [[unlikely]]
+        safepoint(vm);
     if (frame.region != nullptr) [[unlikely]] {
         if (leftRegion(frame)) return;
     }

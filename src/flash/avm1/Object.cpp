@@ -153,11 +153,11 @@ bool Object::remove(Vm& vm, Name name)
     return m_hasHooks ? m_native->deleteOwn(vm, *this, name) : deletePlain(vm, name);
 }
 
-std::vector<Name> Object::enumerate(Vm& vm)
+RootedNames Object::enumerate(Vm& vm)
 {
     // The furthest prototype's names come first, the object's own last; but a name counts where it is met
     // first on the way up.
-    std::vector<Name> names;
+    RootedNames names(vm.heap());
     std::vector<std::size_t> ends;
     NameCollector collector(vm, names);
     Object* object = this;
@@ -169,8 +169,8 @@ std::vector<Name> Object::enumerate(Vm& vm)
         ends.push_back(names.size());
         object = object->listedPrototype(vm);
     }
-    std::vector<Name> ordered;
-    ordered.reserve(names.size());
+    RootedNames ordered(vm.heap());
+    ordered->reserve(names.size());
     for (std::size_t level = ends.size(); level-- > 0;) {
         const std::size_t start = level == 0 ? 0 : ends[level - 1];
         for (std::size_t i = start; i < ends[level]; ++i) ordered.push_back(names[i]);
@@ -432,9 +432,10 @@ bool Object::isInstance(Vm& vm, Object* prototype) const
     return false;
 }
 
-void Object::attach(std::unique_ptr<Native> native)
+void Object::attach(Native* native)
 {
-    m_native = std::move(native);
+    if (m_native != nullptr) m_native->detached();
+    m_native = native;
     m_hasHooks = m_native != nullptr && m_native->hasHooks();
 }
 
@@ -497,7 +498,7 @@ void Object::trace(Tracer& tracer)
     tracer(m_layout);
     for (const Value value : m_slots) tracer(value);
     tracer(m_proto);
-    if (m_native != nullptr) m_native->trace(tracer);
+    tracer(m_native);
     if (m_extras == nullptr) return;
     for (const Watch& watch : m_extras->watches) {
         tracer(watch.name.cell());

@@ -16,6 +16,9 @@ class Function;
 class Object;
 class Vm;
 
+using RootedValues = RootedList<Value>;
+using RootedNames = RootedList<Name>;
+
 /// Getter and setter of a property made by addProperty. Either may be null.
 class Accessor final : public Cell
 {
@@ -31,27 +34,29 @@ public:
 class NameCollector
 {
 public:
-    NameCollector(Vm& vm, std::vector<Name>& names) : m_vm(vm), m_names(names) {}
+    NameCollector(Vm& vm, RootedNames& names) : m_vm(vm), m_names(names) {}
     /// In the order in which the loop shall see them. @param flags a name with kDontEnum hides those of the
     /// same name further up the prototype chain.
     void add(Name name, std::uint16_t flags = 0);
 
 private:
     Vm& m_vm;
-    std::vector<Name>& m_names;
+    RootedNames& m_names;
     std::unordered_set<const NameText*> m_seen; // folded names where the movie does not tell cases apart
 };
 
 /// What makes an object more than a bag of properties: a date's time, an array's elements, a clip's place on
 /// the stage. A constructor attaches it to `this`, so that it works for classes that scripts derive, too.
+/// A cell of its own: a script that makes its object something else while a function of the native runs does
+/// not take the native away from under that function. A destructor must not touch other cells.
 ///
 /// Objects with hooks are asked through getOwn and its siblings for every access to their own properties; a
 /// hook that has no say calls the object's plain function of the same name (Object::getPlain for getOwn).
-class Native
+class Native : public Cell
 {
 public:
-    virtual ~Native() = default;
-    virtual void trace(Tracer&) {}
+    /// Another native took this one's place. It may live on for a while.
+    virtual void detached() {}
 
     /// Identifies the class: the address of a static variable of it (`T::kTag`, found by Object::native<T>).
     [[nodiscard]] virtual const void* tag() const = 0;
@@ -75,6 +80,10 @@ public:
     /// @returns the value that primitive conversion uses instead of asking valueOf and toString, or
     /// undefined.
     virtual Value primitive(Vm&, Object&) { return Value::undefined(); }
+
+protected:
+    Native() = default;
+    Native(const Native&) : Cell() {}
 };
 
 class Object : public Cell
@@ -97,7 +106,7 @@ public:
     /// @returns whether a property was removed; protected ones stay.
     bool remove(Vm& vm, Name name);
     /// Names of this object and its prototypes in the order of a for-in loop.
-    std::vector<Name> enumerate(Vm& vm);
+    RootedNames enumerate(Vm& vm);
 
     // ---- own properties of the bag, past any hooks -------------------------------------------------------
 
@@ -143,22 +152,21 @@ public:
 
     // ---- native side -------------------------------------------------------------------------------------
 
-    [[nodiscard]] Native* nativeBase() const { return m_native.get(); }
+    [[nodiscard]] Native* nativeBase() const { return m_native; }
     /// @returns the native side when it is a T, or null.
     template <class T>
     [[nodiscard]] T* native() const
     {
-        return m_native != nullptr && m_native->tag() == &T::kTag ? static_cast<T*>(m_native.get()) : nullptr;
+        return m_native != nullptr && m_native->tag() == &T::kTag ? static_cast<T*>(m_native) : nullptr;
     }
     /// Replaces the native side.
-    void attach(std::unique_ptr<Native> native);
+    void attach(Native* native);
     template <class T, class... Args>
     T& attachNew(Args&&... args)
     {
-        auto native = std::make_unique<T>(std::forward<Args>(args)...);
-        T& reference = *native;
-        attach(std::move(native));
-        return reference;
+        T* native = Heap::of(*this).make<T>(std::forward<Args>(args)...);
+        attach(native);
+        return *native;
     }
 
     /// @returns this as a function, or null. Defined in Function.h.
@@ -195,7 +203,7 @@ private:
     };
     struct Extras {
         std::vector<Watch> watches;
-        std::vector<Object*> interfaces;
+        TracedList<Object*> interfaces;
     };
     [[nodiscard]] Object* visiblePrototype(const Vm& vm) const;
     void noteProtoChange(Vm& vm);
@@ -217,9 +225,9 @@ private:
     bool m_followsProto = true; // whatever the version, look-ups go on in __proto__
     std::uint16_t m_protoFlags = kBuiltIn;
     Layout* m_layout;
-    std::vector<Value> m_slots;
+    TracedList<Value> m_slots;
     Value m_proto;
-    std::unique_ptr<Native> m_native;
+    Native* m_native = nullptr;
     std::unique_ptr<Extras> m_extras;
 };
 

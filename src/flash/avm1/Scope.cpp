@@ -185,7 +185,7 @@ Value Interpreter::getVariableCached(Frame& frame, Value key, std::uint32_t cach
         InlineCache& cache = frame.code->cache(cacheIndex);
         if (isHit(cache, first, name.cell(), vm.epoch()) ||
             (!name.isPath() && fill(cache, frame, first, name)))
-            return first->slot(cache.slot);
+            return (cache.holder == nullptr ? first : cache.holder)->slot(cache.slot);
     }
     return getVariable(frame, name);
 }

@@ -90,3 +90,7 @@ private:
 };
 
 } // namespace flash::avm1
+
+// As for values (Value.h): use a RootedList or a TracedList.
+template <>
+class std::allocator<flash::avm1::Name>;

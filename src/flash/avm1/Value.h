@@ -3,6 +3,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 
 namespace flash::avm1
 {
@@ -87,3 +88,10 @@ private:
 static_assert(sizeof(Value) == 8);
 
 } // namespace flash::avm1
+
+// Left without a definition: a std::vector of these would hide them from the collector. Use a RootedList
+// where it is a variable, a TracedList where it is part of a cell.
+template <>
+class std::allocator<flash::avm1::Value>;
+template <>
+class std::allocator<flash::avm1::Object*>;

@@ -240,7 +240,7 @@ Object* Vm::newArray(std::span<const Value> elements)
 {
     Object* array = newObject(m_builtIns.array);
     array->define(*this, common().constructor, m_builtIns.arrayConstructor, kBuiltIn);
-    array->attachNew<ArrayNative>().assign({elements.begin(), elements.end()});
+    array->attachNew<ArrayNative>().assign(elements);
     m_heap.noteExternalBytes(elements.size_bytes() + sizeof(ArrayNative));
     return array;
 }
@@ -329,15 +329,21 @@ Function* Vm::symbolClass(const std::u16string& symbol) const
 
 // ---- timers ----------------------------------------------------------------------------------------------
 
-int Vm::addTimer(Value function, Value self, Value method, std::vector<Value> args, double periodMs,
+int Vm::addTimer(Value function, Value self, Value method, std::span<const Value> args, double periodMs,
                  bool repeats)
 {
     // Timers are looked at once a frame at most; a shorter period would only run them more often at one time.
     constexpr double kShortestPeriodMs = 10;
     const double period = std::max(periodMs, kShortestPeriodMs);
     const int id = m_nextTimer++;
-    m_timers.emplace(id, Timer{function, self, method, std::move(args), period, m_host.timeMs() + period,
-                               repeats, m_version});
+    m_timers.emplace(id, Timer{function,
+                               self,
+                               method,
+                               {args.begin(), args.end()},
+                               period,
+                               m_host.timeMs() + period,
+                               repeats,
+                               m_version});
     return id;
 }
 
@@ -353,8 +359,7 @@ void Vm::advanceTimers()
             next->second.dueMs += timer.periodMs;
         else
             m_timers.erase(next);
-        RootedValues kept(m_heap);
-        *kept = timer.args;
+        const RootedValues kept(m_heap, timer.args.begin(), timer.args.end());
         const VersionScope versionScope(*this, timer.version);
         if (timer.method.isUndefined())
             call(timer.function, timer.self, *kept);

@@ -182,7 +182,11 @@ public:
     void collectIfDue();
     void collect() { m_heap.collect(); }
     /// Collects at every safe point, to find what is not kept alive. For tests.
-    void setStressCollector(bool on) { m_stress = on; }
+    void collectAlways()
+    {
+        m_collectsAlways = true;
+        m_heap.collectAlways();
+    }
     /// Outdates all inline caches.
     void bumpEpoch() { ++m_epoch; }
     [[nodiscard]] std::uint32_t epoch() const { return m_epoch; }
@@ -203,7 +207,7 @@ private:
         Value function;
         Value self;
         Value method; // a name to look up at each call when self is an object and function is undefined
-        std::vector<Value> args;
+        TracedList<Value> args;
         double periodMs, dueMs;
         bool repeats;
         int version;
@@ -221,7 +225,7 @@ private:
     Layout* m_emptyLayout = nullptr;
     int m_version = 8;
     std::uint32_t m_epoch = 1;
-    bool m_thrown = false, m_aborted = false, m_disabled = false, m_stress = false;
+    bool m_thrown = false, m_aborted = false, m_disabled = false, m_collectsAlways = false;
     Value m_exception;
     Frame* m_frame = nullptr; // innermost
     int m_depth = 0;
@@ -243,7 +247,7 @@ private:
 
 public:
     [[nodiscard]] Layout* emptyLayout() const { return m_emptyLayout; }
-    int addTimer(Value function, Value self, Value method, std::vector<Value> args, double periodMs,
+    int addTimer(Value function, Value self, Value method, std::span<const Value> args, double periodMs,
                  bool repeats);
     bool removeTimer(int id) { return m_timers.erase(id) > 0; }
 };

@@ -95,8 +95,7 @@ TEST(Conversion, FollowsTheVersionOfTheMovie)
         {"not-a-number", 7, Value(kNaN), "NaN", "NaN", false},
         {"an object", 7, Value(vm.newObject()), "[object Object]", "NaN", true},
         {"a bare object", 7, Value(vm.newObject(nullptr)), "[type Object]", "NaN", true},
-        {"an array", 7, Value(vm.newArray(std::vector<Value>{Value(1), Value()})), "1,undefined", "NaN",
-         true},
+        {"an array", 7, Value(vm.newArray(std::array{Value(1), Value()})), "1,undefined", "NaN", true},
     };
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);

@@ -83,7 +83,7 @@ TEST(Heap, SurvivesACollectionAtEverySafePoint)
 {
     const auto run = [](bool stress) {
         Machine machine(7);
-        machine.vm.setStressCollector(stress);
+        if (stress) machine.vm.collectAlways();
         Assembler code;
         code.function("make", {"n"},
                       Assembler()

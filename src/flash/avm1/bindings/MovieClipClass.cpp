@@ -21,7 +21,7 @@ std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
     return [&vm = call.vm, source](stage::Node& node) {
         Object* target = StageBinding::of(vm).objectOf(&node);
         if (!target) return;
-        const std::vector<Name> names = source->enumerate(vm);
+        const RootedNames names = source->enumerate(vm);
         for (auto name = names.rbegin(); name != names.rend(); ++name)
             target->put(vm, *name, source->get(vm, *name));
     };

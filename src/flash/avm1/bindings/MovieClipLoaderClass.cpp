@@ -44,10 +44,10 @@ private:
         Vm& vm = m_binding.vm();
         stage::Stage& stage = m_binding.stage();
         const Vm::VersionScope scope(vm, stage.movie() ? std::max<int>(stage.movie()->header.version, 6) : 7);
-        std::vector<Value> all;
-        all.emplace_back(vm.string(message));
-        all.insert(all.end(), args.begin(), args.end());
-        vm.callMethod(m_loader.get(), vm.name(std::string_view("broadcastMessage")), all);
+        RootedValues all(vm.heap());
+        all.push_back(vm.string(message));
+        all->insert(all->end(), args.begin(), args.end());
+        vm.callMethod(m_loader.get(), vm.name(std::string_view("broadcastMessage")), *all);
     }
     StageBinding& m_binding;
     Root<Object> m_loader;

@@ -8,12 +8,18 @@ namespace flash::avm1
 {
 
 NodeObject::NodeObject(StageBinding& binding, stage::NodePtr node, Object& self)
-    : m_binding(binding), m_node(std::move(node))
+    : m_binding(binding), m_node(std::move(node)), m_self(&self)
 {
     m_node->peer = &self;
 }
 
-NodeObject::~NodeObject() { m_node->peer = nullptr; }
+NodeObject::~NodeObject() { detached(); }
+
+void NodeObject::detached()
+{
+    // By then it may have another one.
+    if (m_node->peer == m_self) m_node->peer = nullptr;
+}
 
 void NodeObject::keepPath() { m_path = m_node->dotPath(); }
 

@@ -17,6 +17,9 @@ public:
 
     NodeObject(StageBinding& binding, stage::NodePtr node, Object& self);
     ~NodeObject() override;
+    /// The instance gets another object when scripts name it again.
+    void detached() override;
+    void trace(Tracer& tracer) override { tracer(m_self); }
 
     [[nodiscard]] const stage::NodePtr& node() const { return m_node; }
     /// The instance or, when it is gone, the clip that stands at its path now; may be null.
@@ -39,6 +42,7 @@ private:
     void noteScriptSetting(Vm& vm, Name name, Value value);
     StageBinding& m_binding;
     stage::NodePtr m_node;
+    Object* m_self;     // kept alive: the instance points to it
     std::string m_path; ///< once the instance is gone
 };
 

@@ -311,10 +311,10 @@ void StageBinding::broadcast(std::string_view objectName, std::string_view messa
     const Vm::VersionScope scope(*m_vm, version);
     Object* object = m_vm->global()->get(*m_vm, m_vm->name(objectName)).asObject();
     if (!object) return;
-    std::vector<Value> all;
-    all.emplace_back(m_vm->string(message));
-    all.insert(all.end(), args.begin(), args.end());
-    m_vm->callMethod(object, m_vm->name(std::string_view("broadcastMessage")), all);
+    RootedValues all(m_vm->heap());
+    all.push_back(m_vm->string(message));
+    all->insert(all->end(), args.begin(), args.end());
+    m_vm->callMethod(object, m_vm->name(std::string_view("broadcastMessage")), *all);
 }
 
 void StageBinding::broadcastKey(stage::Event event)

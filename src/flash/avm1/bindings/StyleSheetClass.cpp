@@ -50,7 +50,7 @@ Object* copyOf(Vm& vm, Object* style)
 {
     Object* copy = vm.newObject();
     // The copy lists its properties in the order of the original.
-    std::vector<Name> names = style->enumerate(vm);
+    const RootedNames names = style->enumerate(vm);
     for (std::size_t i = names.size(); i-- > 0;) copy->define(vm, names[i], style->get(vm, names[i]));
     return copy;
 }
@@ -83,9 +83,9 @@ Value getStyleNames(Call& call)
 {
     Object* styles = stylesOf(call);
     if (!styles) return {};
-    std::vector<Value> names;
-    for (const Name name : styles->enumerate(call.vm)) names.emplace_back(name.string());
-    return Value(call.vm.newArray(names));
+    RootedValues names(call.vm.heap());
+    for (const Name name : styles->enumerate(call.vm)) names.push_back(name.string());
+    return Value(call.vm.newArray(*names));
 }
 
 Value clear(Call& call)

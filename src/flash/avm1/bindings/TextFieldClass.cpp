@@ -351,10 +351,10 @@ Value getDepth(Call&, TextField& field) { return Value(field.depth()); }
 
 Value getFontList(Call& call)
 {
-    std::vector<Value> names;
+    RootedValues names(call.vm.heap());
     for (const std::string& name : stage::TextFonts::installed())
         names.push_back(StageBinding::of(call).utf8(name));
-    return Value(call.vm.newArray(names));
+    return Value(call.vm.newArray(*names));
 }
 
 // clang-format off

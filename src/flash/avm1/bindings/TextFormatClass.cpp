@@ -186,9 +186,9 @@ Value getTabStops(Call& call)
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
     if (!self->format.tabStops) return Value::null();
-    std::vector<Value> stops;
-    for (const double stop : *self->format.tabStops) stops.emplace_back(stop / kTwips);
-    return Value(call.vm.newArray(stops));
+    RootedValues stops(call.vm.heap());
+    for (const double stop : *self->format.tabStops) stops.push_back(stop / kTwips);
+    return Value(call.vm.newArray(*stops));
 }
 Value setTabStops(Call& call)
 {

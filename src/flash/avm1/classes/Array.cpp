@@ -20,7 +20,7 @@ Value construct(Call& call)
     if (call.count() == 1 && call.arg(0).isNumber())
         native.setLength(vm, *array, toInt32(vm, call.arg(0)));
     else
-        native.assign({call.args.begin(), call.args.end()});
+        native.assign(call.args);
     return array;
 }
 
@@ -54,8 +54,7 @@ Value shift(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
-    RootedValues elements(call.vm.heap());
-    *elements = listElements(call.vm, self);
+    RootedValues elements = listElements(call.vm, self);
     if (elements->empty()) return {};
     const Value first = elements->front();
     elements->erase(elements->begin());
@@ -67,8 +66,7 @@ Value unshift(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
-    RootedValues elements(call.vm.heap());
-    *elements = listElements(call.vm, self);
+    RootedValues elements = listElements(call.vm, self);
     elements->insert(elements->begin(), call.args.begin(), call.args.end());
     setListElements(call.vm, self, *elements);
     return Value(static_cast<double>(elements->size()));
@@ -78,15 +76,14 @@ Value concat(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
-    RootedValues elements(call.vm.heap());
-    *elements = listElements(call.vm, self);
+    RootedValues elements = listElements(call.vm, self);
     for (const Value value : call.args) {
         Object* list = value.asObject();
         if (list == nullptr || list->native<ArrayNative>() == nullptr) {
             elements->push_back(value);
             continue;
         }
-        const std::vector<Value> more = listElements(call.vm, list);
+        const RootedValues more = listElements(call.vm, list);
         elements->insert(elements->end(), more.begin(), more.end());
     }
     return call.vm.newArray(*elements);
@@ -105,8 +102,7 @@ Value slice(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
-    RootedValues elements(call.vm.heap());
-    *elements = listElements(call.vm, self);
+    RootedValues elements = listElements(call.vm, self);
     const std::size_t start = position(call, 0, elements->size(), 0);
     const std::size_t end = position(call, 1, elements->size(), elements->size());
     if (start >= end) return call.vm.newArray();
@@ -118,8 +114,7 @@ Value splice(Call& call)
     Vm& vm = call.vm;
     Object* self = call.self.asObject();
     if (self == nullptr || call.count() == 0) return {};
-    RootedValues elements(vm.heap());
-    *elements = listElements(vm, self);
+    RootedValues elements = listElements(vm, self);
     const std::size_t start = position(call, 0, elements->size(), 0);
     std::size_t count = elements->size() - start;
     if (call.count() > 1) {
@@ -141,8 +136,7 @@ Value reverse(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
-    RootedValues elements(call.vm.heap());
-    *elements = listElements(call.vm, self);
+    RootedValues elements = listElements(call.vm, self);
     std::ranges::reverse(*elements);
     setListElements(call.vm, self, *elements);
     return self;
@@ -150,8 +144,7 @@ Value reverse(Call& call)
 
 Value joined(Vm& vm, Object* self, std::u16string_view separator)
 {
-    RootedValues elements(vm.heap());
-    *elements = listElements(vm, self);
+    RootedValues elements = listElements(vm, self);
     std::u16string text;
     for (std::size_t i = 0; i < elements->size() && !vm.isUnwinding(); ++i) {
         if (i > 0) text += separator;

@@ -22,8 +22,9 @@ public:
         std::uint32_t options;
     };
     Comparison(Vm& vm, std::vector<Field> fields, Value function)
-        : m_vm(vm), m_fields(std::move(fields)), m_function(function)
+        : m_vm(vm), m_fields(std::move(fields)), m_names(vm.heap()), m_function(function)
     {
+        for (const Field& field : m_fields) m_names.push_back(field.name);
     }
 
     int operator()(Value a, Value b)
@@ -76,13 +77,14 @@ private:
 
     Vm& m_vm;
     std::vector<Field> m_fields;
+    RootedNames m_names; // keeps those of the fields alive
     Value m_function;
     bool m_metEqual = false;
 };
 
 /// Quicksort with the first element as pivot. Which pairs are compared, and in which order, is on purpose:
 /// comparison functions with side effects or contradictions show it, and so does the order of equal elements.
-void quickSort(std::vector<std::uint32_t>& order, const std::vector<Value>& elements, Comparison& compare,
+void quickSort(std::vector<std::uint32_t>& order, const RootedValues& elements, Comparison& compare,
                const Vm& vm)
 {
     struct Range {
@@ -112,28 +114,27 @@ void quickSort(std::vector<std::uint32_t>& order, const std::vector<Value>& elem
 
 Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
 {
-    RootedValues elements(vm.heap());
-    *elements = listElements(vm, list);
-    std::vector<std::uint32_t> order(elements->size());
+    const RootedValues elements = listElements(vm, list);
+    std::vector<std::uint32_t> order(elements.size());
     std::iota(order.begin(), order.end(), 0U);
-    quickSort(order, *elements, compare, vm);
+    quickSort(order, elements, compare, vm);
     if (vm.isUnwinding()) return {};
     if ((options & kSortUnique) != 0) {
         // A comparison function has no say in what counts as the same.
         bool same = !compare.hasFunction() && compare.metEqual();
         for (std::size_t i = 1; compare.hasFunction() && i < order.size(); ++i)
-            same |= strictlyEqual((*elements)[order[i - 1]], (*elements)[order[i]]);
+            same |= strictlyEqual(elements[order[i - 1]], elements[order[i]]);
         if (same) return Value(0);
     }
     if ((options & kSortDescending) != 0) std::ranges::reverse(order);
     if ((options & kSortReturnIndexed) != 0) {
-        const std::vector<Value> indices(order.begin(), order.end());
-        return vm.newArray(indices);
+        const RootedValues indices(vm.heap(), order.begin(), order.end());
+        return vm.newArray(*indices);
     }
     // Elements that stay are not written: a comparison function that changed the list meanwhile finds its
     // changes.
     for (std::uint32_t i = 0; i < order.size(); ++i) {
-        if (order[i] != i) list->put(vm, vm.names().fromIndex(i), (*elements)[order[i]]);
+        if (order[i] != i) list->put(vm, vm.names().fromIndex(i), elements[order[i]]);
     }
     return list;
 }
@@ -159,25 +160,24 @@ double listLength(Vm& vm, Object* list)
     return std::clamp(length, 0.0, kMostElements);
 }
 
-std::vector<Value> listElements(Vm& vm, Object* list)
+RootedValues listElements(Vm& vm, Object* list)
 {
     const double length = listLength(vm, list);
-    std::vector<Value> elements;
+    RootedValues elements(vm.heap());
     if (ArrayNative* array = list->native<ArrayNative>();
         array != nullptr && array->elements().size() == length) {
-        elements = array->elements();
-        for (Value& element : elements) {
+        *elements = array->elements();
+        for (Value& element : *elements) {
             if (element.isHole()) element = Value();
         }
         return elements;
     }
-    RootedValues kept(vm.heap());
     for (double i = 0; i < std::min(length, 1e7) && !vm.isUnwinding(); ++i)
-        kept->push_back(list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i))));
-    return *kept;
+        elements.push_back(list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i))));
+    return elements;
 }
 
-void setListElements(Vm& vm, Object* list, const std::vector<Value>& elements)
+void setListElements(Vm& vm, Object* list, std::span<const Value> elements)
 {
     if (ArrayNative* array = list->native<ArrayNative>()) {
         array->setLength(vm, *list, 0);
@@ -216,9 +216,9 @@ Value sortOn(Call& call)
     std::uint32_t options = optionsFrom(vm, call.arg(1));
     Object* names = call.arg(0).asObject();
     if (names != nullptr && names->native<ArrayNative>() != nullptr) {
-        const std::vector<Value> list = listElements(vm, names);
-        std::vector<Value> each;
-        if (Object* optionList = call.arg(1).asObject()) each = listElements(vm, optionList);
+        const RootedValues list = listElements(vm, names);
+        RootedValues each(vm.heap());
+        if (Object* optionList = call.arg(1).asObject()) *each = *listElements(vm, optionList);
         for (std::size_t i = 0; i < list.size(); ++i) {
             const std::uint32_t own = each.size() == list.size() ? toUint32(toNumber(vm, each[i])) : options;
             fields.push_back({toName(vm, list[i]), own});

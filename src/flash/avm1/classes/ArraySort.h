@@ -19,8 +19,8 @@ enum SortOption : unsigned {
 
 // Lists by their `length` and numbered members, whatever object they are.
 double listLength(Vm& vm, Object* list);
-std::vector<Value> listElements(Vm& vm, Object* list);
+RootedValues listElements(Vm& vm, Object* list);
 /// Replaces the elements; the length follows.
-void setListElements(Vm& vm, Object* list, const std::vector<Value>& elements);
+void setListElements(Vm& vm, Object* list, std::span<const Value> elements);
 
 } // namespace flash::avm1::classes

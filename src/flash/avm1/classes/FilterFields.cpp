@@ -57,9 +57,9 @@ double clampNumber(double number, double low, double high)
 }
 
 /// The elements of anything with a length and numbered members; a string's are its letters.
-std::vector<Value> elements(Vm& vm, Value value, std::size_t most)
+RootedValues elements(Vm& vm, Value value, std::size_t most)
 {
-    std::vector<Value> found;
+    RootedValues found(vm.heap());
     Object* object = toObject(vm, value);
     if (object == nullptr) return found;
     const double stated = toNumber(vm, object->get(vm, vm.common().length));
@@ -68,12 +68,12 @@ std::vector<Value> elements(Vm& vm, Value value, std::size_t most)
     return found;
 }
 
-Value arrayOf(Vm& vm, const std::vector<Value>& values) { return vm.newArray(values); }
+Value arrayOf(Vm& vm, const RootedValues& values) { return vm.newArray(*values); }
 
 void writeStops(Vm& vm, FilterNative& filter, FilterValue kind, Value value)
 {
     if (value.isNullish()) return;
-    const std::vector<Value> given = elements(vm, value, FilterNative::kMaxStops);
+    const RootedValues given = elements(vm, value, FilterNative::kMaxStops);
     const int count = static_cast<int>(given.size());
     // The colours say how many stops there are; the other lists may only take some away.
     if (kind == V::Colors) filter.stopCount = count;
@@ -93,7 +93,7 @@ void writeStops(Vm& vm, FilterNative& filter, FilterValue kind, Value value)
 
 Value readStops(Vm& vm, const FilterNative& filter, FilterValue kind)
 {
-    std::vector<Value> values;
+    RootedValues values(vm.heap());
     for (std::size_t i = 0; i < static_cast<std::size_t>(filter.stopCount); ++i) {
         values.push_back(kind == V::Colors   ? Value(static_cast<double>(filter.stopColors[i]))
                          : kind == V::Alphas ? Value(filter.stopAlphas[i] / 255.0)
@@ -112,14 +112,14 @@ void writeMatrix(Vm& vm, FilterNative& filter, FilterValue kind, Value value)
 {
     if (value.isNullish()) return;
     constexpr std::size_t kMostCells = 15 * 15;
-    std::vector<Value> given;
+    RootedValues given(vm.heap());
     if (kind == V::Twenty) {
         // Always twenty, whatever length the list has; what is missing is not a number.
         Object* object = toObject(vm, value);
         for (std::uint32_t i = 0; object != nullptr && i < 20; ++i)
             given.push_back(object->get(vm, vm.names().fromIndex(i)));
     } else {
-        given = elements(vm, value, kMostCells);
+        *given = *elements(vm, value, kMostCells);
     }
     filter.matrix.clear();
     for (const Value& cell : given) filter.matrix.push_back(toNumber(vm, cell));
@@ -188,7 +188,7 @@ Value readFilterProperty(Vm& vm, const FilterNative& filter, const FilterPropert
     case V::Alphas:
     case V::Ratios: return readStops(vm, filter, property.value);
     case V::Cells:
-    case V::Twenty: return arrayOf(vm, std::vector<Value>(filter.matrix.begin(), filter.matrix.end()));
+    case V::Twenty: return arrayOf(vm, RootedValues(vm.heap(), filter.matrix.begin(), filter.matrix.end()));
     case V::Number:
     case V::Blur:
     case V::Strength:

@@ -51,7 +51,7 @@ Value clone(Call& call)
     const auto* filter = call.native<FilterNative>();
     if (filter == nullptr || filter->kind == FilterKind::Base) return {};
     Object* copy = call.vm.newObject(call.self.object()->protoValue().asObject());
-    copy->attach(std::make_unique<FilterNative>(*filter));
+    copy->attachNew<FilterNative>(*filter);
     return copy;
 }
 
@@ -183,11 +183,12 @@ void setPlacement(FilterNative& f, bool inner, bool onTop)
 
 /// The reverse of describe(), one overload a kind; each answers the class's name.
 struct Recorder {
-    std::unique_ptr<FilterNative> made;
+    Heap& heap;
+    FilterNative* made = nullptr;
 
     FilterNative& make(FilterKind kind)
     {
-        made = std::make_unique<FilterNative>(kind);
+        made = heap.make<FilterNative>(kind);
         return *made;
     }
     template <class T>
@@ -334,20 +335,20 @@ std::vector<swf::Filter> filtersFromValue(Vm& vm, Value array)
 
 Value filterToValue(Vm& vm, const swf::Filter& filter)
 {
-    Recorder recorder;
+    Recorder recorder{vm.heap()};
     const char* name = std::visit(recorder, filter);
     Object* prototype = filterPrototype(vm, name);
     if (prototype == nullptr) return {};
     Object* object = vm.newObject(prototype);
-    object->attach(std::move(recorder.made));
+    object->attach(recorder.made);
     return object;
 }
 
 Value filtersToValue(Vm& vm, std::span<const swf::Filter> filters)
 {
-    std::vector<Value> values;
+    RootedValues values(vm.heap());
     for (const swf::Filter& filter : filters) values.push_back(filterToValue(vm, filter));
-    return vm.newArray(values);
+    return vm.newArray(*values);
 }
 
 } // namespace flash::avm1

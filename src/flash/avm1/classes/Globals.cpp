@@ -200,7 +200,7 @@ Value startTimer(Call& call, bool repeats)
     const double number = toNumber(vm, call.arg(at));
     const double period = std::isnan(number) ? 0 : number;
     const std::span<const Value> rest = call.args.subspan(at + 1);
-    return Value(vm.addTimer(function, self, method, {rest.begin(), rest.end()}, period, repeats));
+    return Value(vm.addTimer(function, self, method, rest, period, repeats));
 }
 
 Value setInterval(Call& call) { return startTimer(call, true); }

@@ -46,7 +46,7 @@ Value isPropertyEnumerable(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr) return Value(false);
     const Name name = toName(call.vm, call.arg(0));
-    std::vector<Name> names;
+    RootedNames names(call.vm.heap());
     NameCollector collector(call.vm, names);
     if (self->hasHooks())
         self->nativeBase()->enumerateOwn(call.vm, *self, collector);

@@ -155,8 +155,8 @@ Value getChildNodes(Call& call)
     auto* node = nodeOf(call.self);
     if (node == nullptr) return {};
     if (node->childArray == nullptr) {
-        const std::vector<Value> children(node->children.begin(), node->children.end());
-        node->childArray = call.vm.newArray(children);
+        const RootedValues children(call.vm.heap(), node->children.begin(), node->children.end());
+        node->childArray = call.vm.newArray(*children);
     }
     return node->childArray;
 }

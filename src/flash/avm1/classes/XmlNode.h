@@ -24,8 +24,8 @@ public:
     String* value = nullptr;      ///< texts only
     Object* attributes = nullptr; ///< always there once the node is made
     Object* parent = nullptr;
-    std::vector<Object*> children; ///< objects with an XmlNode each
-    Object* childArray = nullptr;  ///< the script's view of the children; null while it is out of date
+    TracedList<Object*> children; ///< objects with an XmlNode each
+    Object* childArray = nullptr; ///< the script's view of the children; null while it is out of date
 };
 
 void installXml(Vm& vm);

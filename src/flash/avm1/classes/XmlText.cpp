@@ -219,7 +219,7 @@ private:
     std::u16string_view m_text; // the caller's
     XmlParseOptions m_options;
     // All but the document hang on the one before, which keeps them alive; the caller holds the document.
-    std::vector<Object*> m_open;
+    TracedList<Object*> m_open;
     std::size_t m_at = 0;
     std::size_t m_tooDeep = 0;
     XmlParseResult m_result;
@@ -228,14 +228,17 @@ private:
 void appendAttributes(Vm& vm, std::u16string& out, Object* attributes)
 {
     // A copy: turning a value into text may run script, which may change the attributes.
-    const std::vector<Layout::Property> properties = attributes->layout()->properties();
-    for (const Layout::Property& property : properties) {
-        if (!attributes->hasPlain(vm, property.name) || (property.flags & (kDontEnum | kAccessor)) != 0)
-            continue;
+    RootedNames names(vm.heap());
+    for (const Layout::Property& property : attributes->layout()->properties())
+        if (!property.name.isNull() && (property.flags & (kDontEnum | kAccessor)) == 0)
+            names.push_back(property.name);
+    for (const Name name : names) {
+        Value value;
+        if (!attributes->getPlain(vm, name, attributes, value)) continue;
         out += u' ';
-        out += property.name.view();
+        out += name.view();
         out += u"=\"";
-        appendEscaped(out, toText(vm, attributes->slot(property.slot)));
+        appendEscaped(out, toText(vm, value));
         out += u'"';
     }
 }
