@@ -28,7 +28,8 @@ struct ActionInfo {
     const char* name;
     int since; ///< version of the format
     ActionFunction function;
-    bool cached = false; ///< owns an inline cache
+    bool cached = false;          ///< owns an inline cache
+    bool needsActivation = false; ///< makes a variable of the running call, or a scope that outlives it
 };
 
 namespace actions
@@ -142,7 +143,7 @@ void gotoFrame2(Frame&, const Instruction&);
 } // namespace actions
 
 // clang-format off
-constexpr bool kCached = true;
+constexpr bool kCached = true, kNeedsActivation = true;
 constexpr ActionInfo kActions[] = {
     // code  name              since  function
     {0x00, "End",               3, &actions::end},
@@ -170,7 +171,7 @@ constexpr ActionInfo kActions[] = {
     {0x17, "Pop",               4, &actions::pop},
     {0x18, "ToInteger",         4, &actions::toInteger},
     {0x1C, "GetVariable",       4, &actions::getVariable, kCached},
-    {0x1D, "SetVariable",       4, &actions::setVariable},
+    {0x1D, "SetVariable",       4, &actions::setVariable, kCached},
     {0x1F, "(region end)",      5, &actions::nothing},
     {0x20, "SetTarget2",        4, &actions::setTarget2},
     {0x21, "StringAdd",         4, &actions::stringAdd},
@@ -196,12 +197,12 @@ constexpr ActionInfo kActions[] = {
     {0x37, "MBAsciiToChar",     4, &actions::mbAsciiToChar},
     {0x3A, "Delete",            5, &actions::deleteMember},
     {0x3B, "Delete2",           5, &actions::deleteVariable},
-    {0x3C, "DefineLocal",       5, &actions::defineLocal},
-    {0x3D, "CallFunction",      5, &actions::callFunction},
+    {0x3C, "DefineLocal",       5, &actions::defineLocal, false, kNeedsActivation},
+    {0x3D, "CallFunction",      5, &actions::callFunction, kCached},
     {0x3E, "Return",            5, &actions::returnValue},
     {0x3F, "Modulo",            5, &actions::modulo},
-    {0x40, "NewObject",         5, &actions::newObject},
-    {0x41, "DefineLocal2",      5, &actions::defineLocal2},
+    {0x40, "NewObject",         5, &actions::newObject, kCached},
+    {0x41, "DefineLocal2",      5, &actions::defineLocal2, false, kNeedsActivation},
     {0x42, "InitArray",         5, &actions::initArray},
     {0x43, "InitObject",        5, &actions::initObject},
     {0x44, "TypeOf",            5, &actions::typeOf},
@@ -240,12 +241,12 @@ constexpr ActionInfo kActions[] = {
     {0x8B, "SetTarget",         3, &actions::setTarget},
     {0x8C, "GotoLabel",         3, &actions::gotoLabel},
     {0x8D, "WaitForFrame2",     4, &actions::waitForFrame2},
-    {0x8E, "DefineFunction2",   7, &actions::defineFunction},
+    {0x8E, "DefineFunction2",   7, &actions::defineFunction, false, kNeedsActivation},
     {0x8F, "Try",               7, &actions::tryBlock},
-    {0x94, "With",              5, &actions::with},
+    {0x94, "With",              5, &actions::with, false, kNeedsActivation},
     {0x99, "Jump",              4, &actions::jump},
     {0x9A, "GetURL2",           4, &actions::getUrl2},
-    {0x9B, "DefineFunction",    5, &actions::defineFunction},
+    {0x9B, "DefineFunction",    5, &actions::defineFunction, false, kNeedsActivation},
     {0x9D, "If",                4, &actions::jumpIf},
     {0x9E, "Call",              4, &actions::call},
     {0x9F, "GotoFrame2",        4, &actions::gotoFrame2},
@@ -290,6 +291,9 @@ enum class Hot : std::uint8_t {
     GetVariable,
     GetMember,
     SetMember,
+    SetVariable,
+    Return,
+    PushDuplicate,
     End,
     RegionEnd,
 };
@@ -316,6 +320,9 @@ consteval std::array<std::uint8_t, 256> hotByCode()
         {0x1C, Hot::GetVariable},
         {0x4E, Hot::GetMember},
         {0x4F, Hot::SetMember},
+        {0x1D, Hot::SetVariable},
+        {0x3E, Hot::Return},
+        {0x4C, Hot::PushDuplicate},
         {kEnd, Hot::End},
         {kRegionEnd, Hot::RegionEnd},
     };

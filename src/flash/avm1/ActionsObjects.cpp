@@ -72,17 +72,17 @@ void putLocal(Frame& frame, Name name, Value value)
 
 } // namespace
 
-void getVariable(Frame& frame, const Instruction&)
+void getVariable(Frame& frame, const Instruction& instruction)
 {
-    const Name name = avm1::toName(frame.vm, frame.pop());
-    frame.push(Interpreter::getVariable(frame, name));
+    const Value key = frame.pop();
+    frame.push(Interpreter::getVariableCached(frame, key, instruction.b));
 }
 
-void setVariable(Frame& frame, const Instruction&)
+void setVariable(Frame& frame, const Instruction& instruction)
 {
     const Value value = frame.pop();
     const Name name = avm1::toName(frame.vm, frame.pop());
-    Interpreter::setVariable(frame, name, value);
+    Interpreter::setVariableCached(frame, name, value, instruction.b);
 }
 
 void defineLocal(Frame& frame, const Instruction&)
@@ -153,13 +153,14 @@ void initObject(Frame& frame, const Instruction&)
     frame.push(Value(object));
 }
 
-void newObject(Frame& frame, const Instruction&)
+void newObject(Frame& frame, const Instruction& instruction)
 {
-    const Name name = avm1::toName(frame.vm, frame.pop());
+    const Value name = Value(avm1::toName(frame.vm, frame.pop()).string());
     Value result;
     {
         const StackedArguments args(frame);
-        result = Interpreter::construct(frame.vm, Interpreter::getVariable(frame, name), args.values());
+        const Value constructor = Interpreter::getVariableCached(frame, name, instruction.b);
+        result = Interpreter::construct(frame.vm, constructor, args.values());
     }
     frame.push(result);
 }
@@ -178,14 +179,14 @@ void newMethod(Frame& frame, const Instruction&)
     frame.push(result);
 }
 
-void callFunction(Frame& frame, const Instruction&)
+void callFunction(Frame& frame, const Instruction& instruction)
 {
-    const Name name = avm1::toName(frame.vm, frame.pop());
+    const Value name = Value(avm1::toName(frame.vm, frame.pop()).string());
     Value result;
     {
         const StackedArguments args(frame);
         Object* self = nullptr;
-        const Value function = Interpreter::getVariable(frame, name, &self);
+        const Value function = Interpreter::getVariableCached(frame, name, instruction.b, &self);
         result = Interpreter::invoke(frame.vm, function, self, args.values());
     }
     frame.push(result);
@@ -207,7 +208,7 @@ void callMethod(Frame& frame, const Instruction& instruction)
             Object* holder = nullptr;
             const Value method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);
             Value self = base;
-            if (Object* object = base.asObject()) {
+            if (Object* object = base.asObject(); object != nullptr && object->exotic() == Exotic::Opaque) {
                 if (const SuperNative* super = object->native<SuperNative>()) {
                     self = super->self;
                     holder = super->holderOf(vm, name);

@@ -28,6 +28,26 @@ bool ArrayNative::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value&
     return self.getPlain(vm, name, receiver, result);
 }
 
+Caching ArrayNative::caching(Vm& vm, Name name) const
+{
+    const bool plain = name.arrayIndex() == NameText::kNotIndex && !name.matches(vm.common().length, false);
+    return {plain, plain, plain};
+}
+
+bool ArrayNative::putElement(Vm& vm, const Object& self, std::uint32_t index, Value value)
+{
+    if (index < m_elements.size()) {
+        m_elements[index] = value;
+        return true;
+    }
+    if (index - m_elements.size() > kLargestGap || self.layout()->hasIndexNames()) return false;
+    m_elements.resize(index, Value::hole());
+    m_elements.push_back(value);
+    vm.heap().noteExternalBytes(sizeof(Value));
+    if (index >= m_length) m_lengthValue = Value(m_length = static_cast<double>(index) + 1);
+    return true;
+}
+
 bool ArrayNative::hasOwn(Vm& vm, Object& self, Name name)
 {
     const std::uint32_t index = name.arrayIndex();

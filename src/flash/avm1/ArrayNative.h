@@ -15,7 +15,8 @@ public:
     static constexpr std::uint32_t kLargestGap = 4096;
 
     [[nodiscard]] const void* tag() const override { return &kTag; }
-    [[nodiscard]] bool hasHooks() const override { return true; }
+    [[nodiscard]] Exotic exotic() const override { return Exotic::Array; }
+    [[nodiscard]] Caching caching(Vm& vm, Name name) const override;
     void trace(Tracer& tracer) override;
     bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result) override;
     void putOwn(Vm& vm, Object& self, Name name, Value value) override;
@@ -32,6 +33,14 @@ public:
         if (static_cast<double>(whole) != index || m_elements[whole].isHole()) return nullptr;
         return &m_elements[whole];
     }
+    /// @returns the element at an index within the dense part, or null.
+    [[nodiscard]] Value* elementAt(std::uint32_t index)
+    {
+        return index < m_elements.size() && !m_elements[index].isHole() ? &m_elements[index] : nullptr;
+    }
+    /// Assigns to an element of the dense part or not far behind it, where nothing but the array itself has a
+    /// say. @returns whether that was so.
+    bool putElement(Vm& vm, const Object& self, std::uint32_t index, Value value);
     [[nodiscard]] TracedList<Value>& elements() { return m_elements; }
     [[nodiscard]] double length() const { return m_length; }
     /// Grows with holes or cuts; elements in the bag beyond the new length are removed too.

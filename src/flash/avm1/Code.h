@@ -1,7 +1,6 @@
 #pragma once
 
-#include "flash/avm1/String.h"
-#include "flash/avm1/Value.h"
+#include "flash/avm1/Object.h"
 #include "flash/swf/Movie.h"
 
 #include <memory>
@@ -13,8 +12,6 @@ namespace flash::avm1
 {
 
 class Code;
-class Layout;
-class Object;
 class Vm;
 
 /// One decoded action. `op` is the action's code in the file or one of the decoder's own (Actions.h).
@@ -25,14 +22,43 @@ struct Instruction {
     std::uint32_t b = 0;
 };
 
-/// What a look-up at one place of the code found last time.
+/// What a look-up at one place of the code found last time: members, methods, and variables, which are looked
+/// for in several objects one after the other. Names layouts and objects without keeping them alive.
 struct InlineCache {
-    const Layout* layout = nullptr; ///< of the receiver; always a shared one
-    std::uint64_t protoBits = 0;    ///< the receiver's __proto__; looked at when `holder` is set
+    /// How an object looked that was asked.
+    struct Guard {
+        const Layout* layout = nullptr;
+        std::uint64_t protoBits = 0; ///< its __proto__
+        unsigned look = 0;           ///< Object::look()
+
+        static Guard of(const Object& object)
+        {
+            return {object.layout(), object.protoValue().bits(), object.look()};
+        }
+        [[nodiscard]] bool admits(const Object& object) const
+        {
+            return layout == object.layout() && look == object.look() &&
+                   protoBits == object.protoValue().bits();
+        }
+    };
+    static constexpr std::size_t kMaxGuards = 4;
+
+    Guard guards[kMaxGuards]; ///< the last one's object has the property, or a prototype of it does
     NameText* name = nullptr;
-    Object* holder = nullptr; ///< the prototype that has the property; null: the receiver itself
+    Object* holder = nullptr; ///< the prototype that has the property; null: the last object itself
     std::uint32_t slot = 0;
-    std::uint32_t epoch = 0; ///< 0: empty
+    std::uint32_t epoch = 0;   ///< Vm::epoch() when this was found; 0: empty
+    Layout* next = nullptr;    ///< of an assignment: the property is new, and this is the layout with it
+    std::uint8_t count = 0;    ///< of guards
+    bool inGlobal = false;     ///< of a variable: the last guard is for the global object
+    std::uint8_t failures = 0; ///< in this epoch: nothing could be remembered
+
+    [[nodiscard]] bool admits(const Object& object, const NameText* wanted, std::uint32_t now) const
+    {
+        return epoch == now && name == wanted && count == 1 && guards[0].admits(object);
+    }
+    [[nodiscard]] Object* holderOr(Object* last) const { return holder == nullptr ? last : holder; }
+    void clear() { epoch = 0; }
 };
 
 /// Head of DefineFunction and DefineFunction2. Byte offsets are into the action block.
@@ -77,6 +103,8 @@ struct Body {
     std::vector<std::uint32_t> offsets;    ///< byte offset of each instruction
     std::vector<std::int32_t> indexAt;     ///< by byte offset from `start`: instruction index or -1
     std::uint32_t start = 0, end = 0;      ///< byte offsets
+    /// Something in it makes variables of the call's own, or holds on to their scope.
+    bool needsActivation = false;
 
     /// @returns the instruction at a byte offset; that of kEnd for offsets outside of the body.
     [[nodiscard]] std::uint32_t instructionAt(std::int64_t offset) const;
@@ -103,6 +131,8 @@ public:
     [[nodiscard]] InlineCache& cache(std::uint32_t index) { return m_caches[index]; }
 
     void trace(Tracer& tracer) override;
+    /// Forgets what caches name and nothing else holds. To be called between marking and sweeping.
+    void dropDeadCaches();
 
 private:
     friend class Decoder;

@@ -60,6 +60,8 @@ std::int32_t toInt32(double number) { return static_cast<std::int32_t>(toUint32(
 
 std::uint32_t toUint32(double number)
 {
+    if (std::fabs(number) < kTwoTo32 / 2)
+        return static_cast<std::uint32_t>(static_cast<std::int32_t>(number));
     if (!std::isfinite(number)) return 0;
     const double remainder = std::fmod(std::trunc(number), kTwoTo32);
     return static_cast<std::uint32_t>(static_cast<std::int64_t>(remainder));

@@ -59,6 +59,7 @@ private:
     void emit(std::uint8_t op, std::uint16_t a = 0, std::uint32_t b = 0)
     {
         m_body.instructions.push_back({op, kHotByCode[op], a, b});
+        m_body.needsActivation |= kActionByCode[op].needsActivation;
         m_body.offsets.push_back(m_offset);
     }
     void emitJump(std::uint8_t op, std::uint16_t a, std::int64_t target)
@@ -284,6 +285,7 @@ void Decoder::tryHead(base::ByteReader reader, std::uint32_t next)
     // The parts are jumped into: make sure that they begin an instruction.
     m_targets.insert(m_targets.end(), {next, head.tryEnd, head.catchEnd, head.finallyEnd});
     m_code.m_tries.push_back(head);
+    m_body.needsActivation |= head.hasCatch && !head.catchInRegister;
     emit(0x8F, 0, static_cast<std::uint32_t>(m_code.m_tries.size() - 1));
 }
 
@@ -341,6 +343,9 @@ const Body& Code::bodyOf(FunctionCode& function)
         body.start = function.head.bodyStart;
         body.end = function.head.bodyEnd;
         Decoder(*this, m_vm, body);
+        // Parameters without a register are variables, too.
+        for (const FunctionHead::Parameter& parameter : function.head.parameters)
+            body.needsActivation |= parameter.registerNumber == 0;
         function.body = std::move(body);
     }
     return *function.body;
@@ -357,8 +362,20 @@ void Code::trace(Tracer& tracer)
     for (const auto& pool : m_pools) {
         for (const Value value : *pool) tracer(value);
     }
-    // Caches name layouts and prototypes without keeping them alive.
-    for (InlineCache& cache : m_caches) cache.epoch = 0;
+}
+
+void Code::dropDeadCaches()
+{
+    const auto isLive = [](const Cell* cell) { return cell == nullptr || Heap::isMarked(cell); };
+    for (InlineCache& cache : m_caches) {
+        if (cache.epoch == 0) continue;
+        bool live = isLive(cache.name) && isLive(cache.holder) && isLive(cache.next);
+        for (std::size_t i = 0; live && i < cache.count; ++i) {
+            const InlineCache::Guard& guard = cache.guards[i];
+            live = isLive(guard.layout) && isLive(Value::fromBits(guard.protoBits).asObject());
+        }
+        if (!live) cache.clear();
+    }
 }
 
 } // namespace flash::avm1

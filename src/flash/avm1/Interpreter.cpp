@@ -166,11 +166,15 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     frame.base = frame.top = stack;
 
     const FrameGuard guard(vm.m_frame, vm.m_version, frame);
-    frame.activation = vm.m_heap.make<Object>(vm, nullptr);
     // Version 5 has no closures: a function sees its own variables and those of its clip.
     Scope* outer = frame.version > 5 ? function->scope()
                                      : vm.m_heap.make<Scope>(Scope::Kind::Target, frame.baseTarget, nullptr);
-    frame.scope = vm.m_heap.make<Scope>(Scope::Kind::Activation, frame.activation, outer);
+    if (frame.body->needsActivation) {
+        frame.activation = vm.m_heap.make<Object>(vm, nullptr);
+        frame.scope = vm.m_heap.make<Scope>(Scope::Kind::Activation, frame.activation, outer);
+    } else {
+        frame.scope = outer;
+    }
     if (head.hasRegisters) preload(frame, head);
     for (std::size_t i = 0; i < head.parameters.size(); ++i) {
         const FunctionHead::Parameter& parameter = head.parameters[i];

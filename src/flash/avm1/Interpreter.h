@@ -25,7 +25,7 @@ struct Frame {
 
     Value self{};
     Scope* scope = nullptr;
-    Object* activation = nullptr; ///< null in timeline code
+    Object* activation = nullptr; ///< null in timeline code, and in functions that need none
     Object* target = nullptr;     ///< null after a SetTarget that led nowhere
     Object* baseTarget = nullptr; ///< the clip that SetTarget("") goes back to
     Function* callee = nullptr;
@@ -80,7 +80,7 @@ public:
     static constexpr char kTag = 0;
     SuperNative(Value self, Object* base) : self(self), base(base) {}
     [[nodiscard]] const void* tag() const override { return &kTag; }
-    [[nodiscard]] bool hasHooks() const override { return true; }
+    [[nodiscard]] Exotic exotic() const override { return Exotic::Opaque; }
     void trace(Tracer& tracer) override;
     bool getOwn(Vm& vm, Object& object, Name name, Value receiver, Value& result) override;
     /// Outside of methods it is written like a function.
@@ -107,7 +107,12 @@ struct Interpreter {
     static constexpr int kMostNestedRegions = 1024;
     static void jump(Frame& frame, std::uint32_t instruction);
     /// Counts work and looks at the clock and the heap from time to time.
-    static void safepoint(Vm& vm);
+    static void safepoint(Vm& vm)
+    {
+        if (--vm.m_budget <= 0 || vm.m_heap.shouldCollect()) [[unlikely]]
+            safepointDue(vm);
+    }
+    static void safepointDue(Vm& vm);
 
     static Value invoke(Vm& vm, Value callable, Value self, std::span<const Value> args,
                         const CallOptions& options = {});
@@ -127,9 +132,13 @@ struct Interpreter {
     static void setMemberCached(Frame& frame, Value base, Value key, Value value, std::uint32_t cache);
 
     static Value getVariable(Frame& frame, Name name, Object** thisOfCall = nullptr);
-    static Value getVariableCached(Frame& frame, Value key, std::uint32_t cache);
+    static Value getVariableCached(Frame& frame, Value key, std::uint32_t cache,
+                                   Object** thisOfCall = nullptr);
+    static void setVariableCached(Frame& frame, Name name, Value value, std::uint32_t cache);
     static void setVariable(Frame& frame, Name name, Value value);
     static bool deleteVariable(Frame& frame, Name name);
+    /// `this`, `arguments` and `super` of the running call. @returns whether the name is one of them.
+    static bool getOwnOfCall(Frame& frame, Name name, Value& result);
     static Value getPlainVariable(Frame& frame, Name name, Object** thisOfCall);
     static Value getPath(Frame& frame, Name name, Object** thisOfCall);
     static void setPath(Frame& frame, Name name, Value value);

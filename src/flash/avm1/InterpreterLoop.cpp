@@ -22,61 +22,84 @@ void Interpreter::loop(Frame& frame)
     Vm& vm = frame.vm;
     // In the order of Hot.
     static const void* const kCases[] = {
-        &&viaTable,   &&pushLiteral, &&pushConstant, &&pushRegister, &&storeRegister, &&popOne,
-        &&jumpAlways, &&jumpIf,      &&logicalNot,   &&add2,         &&subtract,      &&multiply,
-        &&less2,      &&greater,     &&equals2,      &&increment,    &&decrement,     &&getVariable,
-        &&getMember,  &&setMember,   &&end,          &&regionEnd,
+        &&viaTable,    &&pushLiteral, &&pushConstant,  &&pushRegister, &&storeRegister,
+        &&popOne,      &&jump,        &&jumpIf,        &&logicalNot,   &&add2,
+        &&subtract,    &&multiply,    &&less2,         &&greater,      &&equals2,
+        &&increment,   &&decrement,   &&getVariable,   &&getMember,    &&setMember,
+        &&setVariable, &&returnValue, &&pushDuplicate, &&end,          &&regionEnd,
     };
-    const Instruction* ip = nullptr;
+    // The frame's own are up to date wherever anything else may look at them: LEAVE before, ENTER after.
+    const Instruction* ip = frame.ip;     // the next instruction
+    const Instruction* current = nullptr; // the one that runs
+    Value* top = frame.top;
+    Value* const base = frame.base;
+    Value* const limit = frame.limit;
+    Value* const registers = frame.registers;
+    const unsigned registerCount = frame.registerCount;
+    const Region* const region = frame.region;
+
+#define LEAVE (frame.ip = ip, frame.top = top)
+#define ENTER (ip = frame.ip, top = frame.top)
 #define NEXT                                                                                                 \
     do {                                                                                                     \
-        ip = frame.ip++;                                                                                     \
-        goto* kCases[ip->hot];                                                                               \
+        current = ip++;                                                                                      \
+        goto* kCases[current->hot];                                                                          \
     } while (false)
 
     NEXT;
 
 viaTable:
-    kActionByCode[ip->op].function(frame, *ip);
+    LEAVE;
+    kActionByCode[current->op].function(frame, *current);
+    ENTER;
 afterCall:
     if (vm.m_thrown || vm.m_aborted || frame.returned) [[unlikely]]
-        return;
-    if (vm.m_collectsAlways) [[unlikely]]
+        goto leave;
+    if (vm.m_collectsAlways) [[unlikely]] {
+        LEAVE;
         safepoint(vm);
-    if (frame.region != nullptr) [[unlikely]] {
+    }
+    if (region != nullptr) [[unlikely]] {
+        LEAVE;
         if (leftRegion(frame)) return;
     }
     NEXT;
 
 pushLiteral:
-    if (frame.top == frame.limit) goto viaTable;
-    *frame.top++ = frame.code->literal(ip->b);
+    if (top == limit) [[unlikely]]
+        goto viaTable;
+    *top++ = frame.code->literal(current->b);
     NEXT;
 
 pushConstant:
-    if (frame.pool == nullptr || ip->b >= frame.pool->size() || frame.top == frame.limit) goto viaTable;
-    *frame.top++ = (*frame.pool)[ip->b];
+    if (frame.pool == nullptr || current->b >= frame.pool->size() || top == limit) [[unlikely]]
+        goto viaTable;
+    *top++ = (*frame.pool)[current->b];
     NEXT;
 
 pushRegister:
-    if (ip->b >= frame.registerCount || frame.top == frame.limit) goto viaTable;
-    *frame.top++ = frame.registers[ip->b];
+    if (current->b >= registerCount || top == limit) [[unlikely]]
+        goto viaTable;
+    *top++ = registers[current->b];
     NEXT;
 
 storeRegister:
-    frame.setRegister(ip->a, frame.peek());
+    if (current->a < registerCount) registers[current->a] = top == base ? Value() : top[-1];
     NEXT;
 
 popOne:
-    if (frame.top != frame.base) --frame.top;
+    if (top != base) --top;
     NEXT;
 
-jumpAlways:
-    jump(frame, ip->b);
-    goto afterCall;
+pushDuplicate:
+    if (top == base || top == limit) [[unlikely]]
+        goto viaTable;
+    *top = top[-1];
+    ++top;
+    NEXT;
 
 jumpIf : {
-    const Value condition = frame.pop();
+    const Value condition = top == base ? Value() : *--top;
     bool taken;
     if (condition.isBoolean())
         taken = condition.boolean();
@@ -85,89 +108,107 @@ jumpIf : {
     else
         taken = avm1::toBoolean(vm, condition);
     if (!taken) NEXT;
-    jump(frame, ip->b);
-    goto afterCall;
+}
+jump : {
+    const Instruction* to = frame.body->instructions.data() + current->b;
+    const bool backwards = to < ip;
+    ip = to;
+    if (backwards || region != nullptr) {
+        LEAVE;
+        safepoint(vm);
+        goto afterCall;
+    }
+    NEXT;
 }
 
 logicalNot:
-    if (frame.top == frame.base || !frame.top[-1].isBoolean() || frame.version < 5) goto viaTable;
-    frame.top[-1] = Value(!frame.top[-1].boolean());
+    if (top == base || !top[-1].isBoolean() || frame.version < 5) goto viaTable;
+    top[-1] = Value(!top[-1].boolean());
     NEXT;
 
-#define NUMERIC(expression)                                                                                  \
-    if (frame.top - frame.base < 2 || !frame.top[-1].isNumber() || !frame.top[-2].isNumber()) goto viaTable; \
+#define NUMERIC(isCase, expression)                                                                          \
+    if (top - base < 2 || !top[-1].isNumber() || !top[-2].isNumber()) goto viaTable;                         \
     {                                                                                                        \
-        const double rhs = frame.top[-1].number();                                                           \
-        const double lhs = frame.top[-2].number();                                                           \
-        --frame.top;                                                                                         \
-        frame.top[-1] = Value(expression);                                                                   \
+        const double rhs = top[-1].number();                                                                 \
+        const double lhs = top[-2].number();                                                                 \
+        if (!(isCase)) goto viaTable;                                                                        \
+        --top;                                                                                               \
+        top[-1] = Value(expression);                                                                         \
     }                                                                                                        \
     NEXT
 
 add2:
-    NUMERIC(lhs + rhs);
+    NUMERIC(true, lhs + rhs);
 subtract:
-    NUMERIC(lhs - rhs);
+    NUMERIC(true, lhs - rhs);
 multiply:
-    NUMERIC(lhs * rhs);
+    NUMERIC(true, lhs * rhs);
+    // What is not a number compares as undefined, which is not what these yield.
 less2:
-    if (frame.top - frame.base >= 2 &&
-        (std::isnan(frame.top[-1].number()) || std::isnan(frame.top[-2].number())))
-        goto viaTable;
-    NUMERIC(lhs < rhs);
+    NUMERIC(lhs == lhs && rhs == rhs, lhs < rhs);
 greater:
-    if (frame.top - frame.base >= 2 &&
-        (std::isnan(frame.top[-1].number()) || std::isnan(frame.top[-2].number())))
-        goto viaTable;
-    NUMERIC(lhs > rhs);
+    NUMERIC(lhs == lhs && rhs == rhs, lhs > rhs);
 equals2:
-    if (frame.top - frame.base >= 2 &&
-        (std::isnan(frame.top[-1].number()) || std::isnan(frame.top[-2].number())))
-        goto viaTable;
-    NUMERIC(lhs == rhs);
+    NUMERIC(lhs == lhs && rhs == rhs, lhs == rhs);
 #undef NUMERIC
 
 increment:
-    if (frame.top == frame.base || !frame.top[-1].isNumber()) goto viaTable;
-    frame.top[-1] = Value(frame.top[-1].number() + 1);
+    if (top == base || !top[-1].isNumber()) goto viaTable;
+    top[-1] = Value(top[-1].number() + 1);
     NEXT;
 
 decrement:
-    if (frame.top == frame.base || !frame.top[-1].isNumber()) goto viaTable;
-    frame.top[-1] = Value(frame.top[-1].number() - 1);
+    if (top == base || !top[-1].isNumber()) goto viaTable;
+    top[-1] = Value(top[-1].number() - 1);
     NEXT;
 
 getVariable:
-    if (frame.top == frame.base) goto viaTable;
-    frame.top[-1] = getVariableCached(frame, frame.top[-1], ip->b);
+    if (top == base) goto viaTable;
+    LEAVE;
+    top[-1] = getVariableCached(frame, top[-1], current->b);
+    goto afterCall;
+
+setVariable:
+    if (top - base < 2 || !top[-2].isString()) goto viaTable;
+    LEAVE;
+    setVariableCached(frame, vm.m_names.intern(top[-2].string()), top[-1], current->b);
+    top -= 2;
     goto afterCall;
 
 getMember : {
-    if (frame.operandCount() < 2) goto viaTable;
-    const Value result = getMemberCached(frame, frame.top[-2], frame.top[-1], ip->b);
-    --frame.top;
-    frame.top[-1] = result;
+    if (top - base < 2) goto viaTable;
+    LEAVE;
+    const Value result = getMemberCached(frame, top[-2], top[-1], current->b);
+    --top;
+    top[-1] = result;
     goto afterCall;
 }
 
 setMember:
-    if (frame.operandCount() < 3) goto viaTable;
-    setMemberCached(frame, frame.top[-3], frame.top[-2], frame.top[-1], ip->b);
-    frame.top -= 3;
+    if (top - base < 3) goto viaTable;
+    LEAVE;
+    setMemberCached(frame, top[-3], top[-2], top[-1], current->b);
+    top -= 3;
     goto afterCall;
 
+returnValue:
+    frame.result = top == base ? Value() : *--top;
+    frame.returned = true;
+    goto leave;
+
 regionEnd:
-    if (frame.region != nullptr && frame.region->end == ip->b) {
-        // Regions may end at the same place: the next one out looks at this instruction again.
-        --frame.ip;
-        return;
-    }
-    NEXT;
+    // Regions may end at the same place: the next one out looks at this instruction again.
+    if (region == nullptr || region->end != current->b) NEXT;
+    ip = current;
+    goto leave;
 
 end:
-    --frame.ip;
-    return;
+    ip = current;
+leave:
+    LEAVE;
 #undef NEXT
+#undef ENTER
+#undef LEAVE
 }
 
 bool Interpreter::leftRegion(const Frame& frame)
@@ -203,13 +244,13 @@ void Interpreter::jump(Frame& frame, std::uint32_t instruction)
     if (backwards) safepoint(frame.vm);
 }
 
-void Interpreter::safepoint(Vm& vm)
+void Interpreter::safepointDue(Vm& vm)
 {
     if (vm.m_heap.shouldCollect()) {
         vm.m_heap.collect();
         vm.m_budget = 0; // what takes memory in great pieces is looked at more often
     }
-    if (--vm.m_budget > 0) return;
+    if (vm.m_budget > 0) return;
     vm.m_budget = kSafepointsBetweenClockLooks;
     if (vm.m_host.endsScripts()) return abort(vm, "The host ended the scripts of this movie.");
     const double now = vm.m_host.realTimeMs();

@@ -55,7 +55,9 @@ void Layout::addToIndex(std::uint32_t position) const
 
 Layout* Layout::withAdded(Heap& heap, Name name, std::uint16_t flags)
 {
+    const bool hasIndexNames = m_hasIndexNames || name.arrayIndex() != NameText::kNotIndex;
     if (m_own) {
+        m_hasIndexNames = hasIndexNames;
         std::uint32_t slot = m_slotCount;
         if (m_freeSlots.empty()) {
             ++m_slotCount;
@@ -80,6 +82,7 @@ Layout* Layout::withAdded(Heap& heap, Name name, std::uint16_t flags)
     next->m_properties = m_properties;
     next->m_properties.push_back({name, flags, m_slotCount});
     next->m_slotCount = m_slotCount + 1;
+    next->m_hasIndexNames = hasIndexNames;
     if (m_transitions.size() >= kMostTransitions) {
         // An object used as a dictionary: layouts below here would never be met twice.
         next->m_own = true;
@@ -97,6 +100,7 @@ Layout* Layout::ownCopy(Heap& heap) const
     copy->m_slotCount = m_slotCount;
     copy->m_freeSlots = m_freeSlots;
     copy->m_holes = m_holes;
+    copy->m_hasIndexNames = m_hasIndexNames;
     copy->m_own = true;
     return copy;
 }

@@ -59,6 +59,8 @@ public:
     [[nodiscard]] const std::vector<Property>& properties() const { return m_properties; }
     /// @returns the position in properties(), or kMissing.
     [[nodiscard]] std::uint32_t find(Name name, bool caseSensitive) const;
+    /// @returns whether a property was ever added whose name spells an array index.
+    [[nodiscard]] bool hasIndexNames() const { return m_hasIndexNames; }
     /// Slots that an object of this layout needs.
     [[nodiscard]] std::uint32_t slotCount() const { return m_slotCount; }
 
@@ -71,6 +73,21 @@ public:
     void setFlags(std::uint32_t position, std::uint16_t flags) { m_properties[position].flags = flags; }
     void remove(std::uint32_t position);
 
+    // Inline caches remember layouts. One that changes in place outdates what they hold; one that does so
+    // again and again is not worth remembering.
+    enum class Change { Added, Altered };
+    [[nodiscard]] bool isCacheable() const { return !m_own || m_outdated < kMaxOutdated; }
+    void noteCachedSlot() const { m_slotCached = true; }
+    void noteCachedMiss() const { m_missCached = true; }
+    /// @returns whether a change in place outdates caches. They then hold nothing of this layout any more.
+    bool outdates(Change change)
+    {
+        if (!m_own || !(m_missCached || (m_slotCached && change == Change::Altered))) return false;
+        m_missCached = m_slotCached = false;
+        ++m_outdated;
+        return true;
+    }
+
     void trace(Tracer& tracer) override;
 
 private:
@@ -78,6 +95,7 @@ private:
     void addToIndex(std::uint32_t position) const;
     static constexpr std::size_t kIndexFrom = 8; // properties; below, a walk is faster than hashing
     static constexpr std::size_t kMostTransitions = 64;
+    static constexpr std::uint8_t kMaxOutdated = 32;
 
     std::vector<Property> m_properties;
     std::uint32_t m_slotCount = 0;
@@ -86,6 +104,9 @@ private:
     // Open addressing over folded names, made at the first look-up; positions in m_properties.
     mutable std::vector<std::uint32_t> m_buckets;
     bool m_own = false;
+    bool m_hasIndexNames = false;
+    mutable bool m_slotCached = false, m_missCached = false;
+    std::uint8_t m_outdated = 0; // times
     struct Transition {
         Name name;
         std::uint16_t flags;

@@ -30,7 +30,7 @@ std::u16string Names::fold(std::u16string_view text)
     return folded;
 }
 
-Names::Names(Heap& heap) : m_heap(heap)
+Names::Names(Heap& heap) : m_heap(heap), m_nodeNames(heap), m_units(heap)
 {
     m_common = {
         .empty = intern(std::string_view("")),
@@ -57,6 +57,7 @@ Names::Names(Heap& heap) : m_heap(heap)
         .onUnload = intern("onUnload"),
         .name = intern("name"),
         .message = intern("message"),
+        .string = intern("String"),
     };
     heap.addRootSource([this](Tracer& tracer) {
         const Common& c = m_common;
@@ -64,10 +65,14 @@ Names::Names(Heap& heap) : m_heap(heap)
                                 c.resolve,   c.length,    c.toString,  c.valueOf,     c.callee,
                                 c.caller,    c.arguments, c.self,      c.super,       c.root,
                                 c.parent,    c.global,    c.undefined, c.null,        c.trueText,
-                                c.falseText, c.onUnload,  c.name,      c.message})
+                                c.falseText, c.onUnload,  c.name,      c.message,     c.string})
             tracer(name.cell());
     });
     heap.addSweepHook([this] { dropUnmarked(); });
+    for (std::size_t unit = 0; unit < kKeptUnits; ++unit) {
+        const auto text = static_cast<char16_t>(unit);
+        m_units.push_back(intern(std::u16string_view(&text, 1)));
+    }
 }
 
 Name Names::intern(std::u16string_view text)
@@ -103,6 +108,27 @@ Name Names::fromIndex(std::uint32_t index)
         index /= 10;
     } while (index != 0);
     return intern(std::u16string_view(digits + at, std::size(digits) - at));
+}
+
+Name Names::fromUnit(char16_t unit)
+{
+    return unit < kKeptUnits ? m_units[unit] : intern(std::u16string_view(&unit, 1));
+}
+
+bool Names::noteNodeName(std::u16string_view text)
+{
+    if (m_anyMayBeNodeName || text.empty()) return false;
+    const std::u16string folded = fold(text);
+    const auto found = m_table.find(folded);
+    const bool wasKnown = found != m_table.end();
+    NameText* cell = wasKnown ? found->second : intern(folded).cell();
+    if (cell->m_isNodeName) return false;
+    cell->m_isNodeName = true;
+    m_nodeNames.push_back(Name(cell));
+    if (m_nodeNames.size() < kMaxNodeNames) return wasKnown;
+    m_anyMayBeNodeName = true;
+    m_nodeNames->clear();
+    return true;
 }
 
 void Names::dropUnmarked()

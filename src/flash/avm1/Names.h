@@ -20,6 +20,17 @@ public:
     Name intern(std::string_view latin1);
     Name intern(String* string);
     Name fromIndex(std::uint32_t index);
+    /// The text of one UTF-16 unit.
+    Name fromUnit(char16_t unit);
+
+    /// Some instance of the stage got this name: what looks names up among them must do so from now on.
+    /// @returns whether the name was known already as something else: caches may hold that nothing has it
+    bool noteNodeName(std::u16string_view text);
+    /// @returns whether an instance may ever have had the name, in whatever case.
+    [[nodiscard]] bool mayBeNodeName(Name name) const
+    {
+        return m_anyMayBeNodeName || name.cell()->m_folded->m_isNodeName;
+    }
 
     /// @returns the text in lower case, as names are folded: letters of Latin, Greek and Cyrillic.
     static std::u16string fold(std::u16string_view text);
@@ -28,7 +39,7 @@ public:
     struct Common {
         Name empty, proto, prototype, constructor, constructorInternal, resolve, length, toString, valueOf,
             callee, caller, arguments, self, super, root, parent, global, undefined, null, trueText,
-            falseText, onUnload, name, message;
+            falseText, onUnload, name, message, string;
     };
     [[nodiscard]] const Common& common() const { return m_common; }
 
@@ -41,10 +52,15 @@ private:
         }
     };
     void dropUnmarked();
+    static constexpr std::size_t kMaxNodeNames = 50000;
+    static constexpr std::size_t kKeptUnits = 256;
 
     Heap& m_heap;
     std::unordered_map<std::u16string_view, NameText*> m_table; // the views point into the names' own text
     Common m_common;
+    RootedList<Name> m_nodeNames;
+    bool m_anyMayBeNodeName = false; // too many to remember
+    RootedList<Name> m_units;        // texts of one unit, the first 256
 };
 
 } // namespace flash::avm1

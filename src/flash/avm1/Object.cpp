@@ -1,5 +1,6 @@
 #include "flash/avm1/Object.h"
 
+#include "flash/avm1/ArrayNative.h"
 #include "flash/avm1/Vm.h"
 
 #include <algorithm>
@@ -66,7 +67,7 @@ bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
 {
     Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
-        const bool found = object->m_hasHooks ? object->m_native->getOwn(vm, *object, name, receiver, result)
+        const bool found = object->hasHooks() ? object->m_native->getOwn(vm, *object, name, receiver, result)
                                               : object->getPlain(vm, name, receiver, result);
         if (found) return true;
         object = object->prototype(vm);
@@ -127,7 +128,7 @@ void Object::put(Vm& vm, Name name, Value value)
             return;
         }
     }
-    if (m_hasHooks)
+    if (hasHooks())
         m_native->putOwn(vm, *this, name, value);
     else
         putPlain(vm, name, value);
@@ -145,12 +146,12 @@ bool Object::has(Vm& vm, Name name)
 
 bool Object::hasOwn(Vm& vm, Name name)
 {
-    return m_hasHooks ? m_native->hasOwn(vm, *this, name) : hasPlain(vm, name);
+    return hasHooks() ? m_native->hasOwn(vm, *this, name) : hasPlain(vm, name);
 }
 
 bool Object::remove(Vm& vm, Name name)
 {
-    return m_hasHooks ? m_native->deleteOwn(vm, *this, name) : deletePlain(vm, name);
+    return hasHooks() ? m_native->deleteOwn(vm, *this, name) : deletePlain(vm, name);
 }
 
 RootedNames Object::enumerate(Vm& vm)
@@ -162,7 +163,7 @@ RootedNames Object::enumerate(Vm& vm)
     NameCollector collector(vm, names);
     Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kLongestPrototypeChain; ++depth) {
-        if (object->m_hasHooks)
+        if (object->hasHooks())
             object->m_native->enumerateOwn(vm, *object, collector);
         else
             object->enumeratePlain(vm, collector);
@@ -176,6 +177,55 @@ RootedNames Object::enumerate(Vm& vm)
         for (std::size_t i = start; i < ends[level]; ++i) ordered.push_back(names[i]);
     }
     return ordered;
+}
+
+Object::Found Object::find(Vm& vm, Name name, Caching& caching)
+{
+    constexpr int kLongestChain = 16; // longer ones are not worth remembering
+    caching = {true, true, true};
+    Object* holder = this;
+    for (int depth = 0; holder != nullptr && depth < kLongestChain; ++depth) {
+        Caching own{true, true, true};
+        if (holder->hasHooks()) {
+            own = holder->m_native->caching(vm, name);
+            if (depth == 0) caching = own;
+        }
+        const Layout* layout = holder->m_layout;
+        if (!layout->isCacheable()) return {};
+        const std::uint32_t at = holder->findVisible(vm, name);
+        if (at == Layout::kMissing) {
+            // __proto__ is no property of the bag.
+            if (!own.miss || name.matches(vm.common().proto, vm.isCaseSensitive())) return {};
+            layout->noteCachedMiss();
+            Object* next = holder->prototype(vm);
+            if (next == nullptr && holder->m_proto.isObject()) return {};
+            holder = next;
+            continue;
+        }
+        const Layout::Property& property = layout->properties()[at];
+        if (!own.get || (property.flags & kAccessor) != 0) return {};
+        layout->noteCachedSlot();
+        return {Found::Where::Slot, holder, property.slot, property.flags};
+    }
+    if (holder != nullptr) return {};
+    return {Found::Where::Nowhere, nullptr, 0, 0};
+}
+
+Value Object::getIndex(Vm& vm, std::uint32_t index)
+{
+    if (m_exotic == Exotic::Array) {
+        if (const Value* element = static_cast<ArrayNative*>(m_native)->elementAt(index)) return *element;
+    }
+    return get(vm, vm.names().fromIndex(index));
+}
+
+void Object::putIndex(Vm& vm, std::uint32_t index, Value value)
+{
+    // Without setters for such names, prototypes have no say.
+    if (m_exotic == Exotic::Array && !hasWatches() && !vm.hasIndexedAccessors() &&
+        static_cast<ArrayNative*>(m_native)->putElement(vm, *this, index, value))
+        return;
+    put(vm, vm.names().fromIndex(index), value);
 }
 
 // ---- the bag ---------------------------------------------------------------------------------------------
@@ -271,7 +321,7 @@ bool Object::deletePlain(Vm& vm, Name name)
     becomeUnshared(vm);
     m_slots[m_layout->properties()[at].slot] = Value();
     m_layout->remove(at);
-    noteShapeChange(vm);
+    noteShapeChange(vm, Layout::Change::Altered);
     return true;
 }
 
@@ -307,6 +357,7 @@ void Object::define(Vm& vm, std::string_view name, Value value, std::uint16_t fl
 
 void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags)
 {
+    if (name.arrayIndex() != NameText::kNotIndex) vm.noteIndexedAccessor();
     Value before;
     if (const std::uint32_t at = m_layout->find(name, vm.isCaseSensitive()); at != Layout::kMissing) {
         before = m_slots[m_layout->properties()[at].slot];
@@ -330,7 +381,7 @@ void Object::changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags)
 {
     becomeUnshared(vm);
     m_layout->setFlags(at, flags);
-    noteShapeChange(vm);
+    noteShapeChange(vm, Layout::Change::Altered);
 }
 
 void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear)
@@ -346,7 +397,7 @@ void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t cle
     }
     if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
         setProtoFlags(vm, changed(m_protoFlags));
-    if (m_hasHooks) m_native->changeFlags(vm, name, set, clear);
+    if (hasHooks()) m_native->changeFlags(vm, name, set, clear);
 }
 
 void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)
@@ -357,7 +408,7 @@ void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)
     if (slot >= m_slots.size()) m_slots.resize(slot + 1);
     m_slots[slot] = value;
     vm.heap().noteExternalBytes(sizeof(Value));
-    noteShapeChange(vm);
+    noteShapeChange(vm, Layout::Change::Added);
 }
 
 void Object::becomeUnshared(Vm& vm)
@@ -365,9 +416,9 @@ void Object::becomeUnshared(Vm& vm)
     if (m_layout->isShared()) m_layout = m_layout->ownCopy(vm.heap());
 }
 
-void Object::noteShapeChange(Vm& vm)
+void Object::noteShapeChange(Vm& vm, Layout::Change change)
 {
-    if (m_isPrototype) vm.bumpEpoch();
+    if (m_layout->outdates(change) || m_isPrototype) vm.bumpEpoch();
 }
 
 // ---- prototype -------------------------------------------------------------------------------------------
@@ -393,8 +444,7 @@ void Object::noteProtoChange(Vm& vm)
         object != nullptr && object->m_native != nullptr && object->m_native->typeOf() == "movieclip";
     m_followsProto = (m_protoFlags & kVersionMask) == 0 && !isClip;
     // Caches do not look at flags.
-    if (!m_followsProto) vm.bumpEpoch();
-    noteShapeChange(vm);
+    if (!m_followsProto || m_isPrototype) vm.bumpEpoch();
 }
 
 Object* Object::visiblePrototype(const Vm& vm) const
@@ -436,7 +486,7 @@ void Object::attach(Native* native)
 {
     if (m_native != nullptr) m_native->detached();
     m_native = native;
-    m_hasHooks = m_native != nullptr && m_native->hasHooks();
+    m_exotic = m_native == nullptr ? Exotic::None : m_native->exotic();
 }
 
 std::string_view Object::typeOf() const

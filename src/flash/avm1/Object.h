@@ -45,6 +45,22 @@ private:
     std::unordered_set<const NameText*> m_seen; // folded names where the movie does not tell cases apart
 };
 
+/// In what ways objects answer for their own properties. Caches tell them apart by this, as objects of
+/// different kinds may share a layout.
+enum class Exotic : std::uint8_t {
+    None,   ///< the bag is all there is
+    Array,  ///< elements and length
+    Node,   ///< an instance of the stage: children and display properties
+    Opaque, ///< anything; is asked each time
+};
+
+/// What an exotic object leaves to its bag, for one name and for as long as its layout stays.
+struct Caching {
+    bool get = false;  ///< a property of the bag is what a look-up finds
+    bool put = false;  ///< assigning to such a property does nothing but that
+    bool miss = false; ///< what is not in the bag is not there
+};
+
 /// What makes an object more than a bag of properties: a date's time, an array's elements, a clip's place on
 /// the stage. A constructor attaches it to `this`, so that it works for classes that scripts derive, too.
 /// A cell of its own: a script that makes its object something else while a function of the native runs does
@@ -62,8 +78,10 @@ public:
     [[nodiscard]] virtual const void* tag() const = 0;
     /// What the typeof operator says.
     [[nodiscard]] virtual std::string_view typeOf() const { return "object"; }
-    /// @returns whether the functions below are to be asked. Must not change while attached.
-    [[nodiscard]] virtual bool hasHooks() const { return false; }
+    /// @returns None when the functions below are not to be asked. Must not change while attached.
+    [[nodiscard]] virtual Exotic exotic() const { return Exotic::None; }
+    /// Must be the same for all objects of one Exotic, and stay so until Vm::bumpEpoch() is called.
+    [[nodiscard]] virtual Caching caching(Vm&, Name) const { return {}; }
 
     /// Looks for an own property. @param receiver what getters see as `this`.
     /// @returns whether there is one; its value is in `result` then.
@@ -96,6 +114,9 @@ public:
     // running movie (Vm::version).
 
     Value get(Vm& vm, Name name);
+    /// As get and put of the name that spells an index; elements of arrays are reached without the name.
+    Value getIndex(Vm& vm, std::uint32_t index);
+    void putIndex(Vm& vm, std::uint32_t index, Value value);
     /// As get, with other eyes: getters and __resolve see `receiver` as `this`. For `super` and primitives.
     Value get(Vm& vm, Name name, Value receiver);
     /// @returns whether the object or one of its prototypes has the property. __resolve is not asked.
@@ -172,7 +193,8 @@ public:
     /// @returns this as a function, or null. Defined in Function.h.
     [[nodiscard]] inline Function* asFunction();
     [[nodiscard]] bool isFunction() const { return m_isFunction; }
-    [[nodiscard]] bool hasHooks() const { return m_hasHooks; }
+    [[nodiscard]] bool hasHooks() const { return m_exotic != Exotic::None; }
+    [[nodiscard]] Exotic exotic() const { return m_exotic; }
     [[nodiscard]] std::string_view typeOf() const;
 
     // ---- watches and interfaces --------------------------------------------------------------------------
@@ -183,9 +205,40 @@ public:
 
     // ---- for the interpreter's inline caches -------------------------------------------------------------
 
+    /// Where a look-up ends, as far as that can be remembered.
+    struct Found {
+        enum class Where : std::uint8_t {
+            Slot,    ///< a plain property of `holder`
+            Nowhere, ///< neither the object nor a prototype has it
+            Ask,     ///< only get and put know
+        };
+        Where where = Where::Ask;
+        Object* holder = nullptr;
+        std::uint32_t slot = 0;
+        std::uint16_t flags = 0;
+    };
+    /// Looks for a property without calling anything. @param caching receives what the object itself, if it
+    /// is exotic, leaves to its bag
+    Found find(Vm& vm, Name name, Caching& caching);
+
     [[nodiscard]] const Layout* layout() const { return m_layout; }
     [[nodiscard]] Value slot(std::uint32_t index) const { return m_slots[index]; }
     void setSlot(std::uint32_t index, Value value) { m_slots[index] = value; }
+    /// Adds the property that `next` has more than layout(). Not for prototypes.
+    void addSlot(Layout* next, Value value)
+    {
+        m_layout = next;
+        m_slots.resize(next->slotCount());
+        m_slots.back() = value;
+    }
+    [[nodiscard]] Layout* sharedLayout() { return m_layout->isShared() ? m_layout : nullptr; }
+    [[nodiscard]] bool isPrototype() const { return m_isPrototype; }
+    /// What decides look-ups besides layout and __proto__: the exotic kind, and whether __proto__ is
+    /// followed.
+    [[nodiscard]] unsigned look() const
+    {
+        return static_cast<unsigned>(m_exotic) | (m_followsProto ? 0U : 8U);
+    }
     [[nodiscard]] bool hasWatches() const { return m_extras != nullptr && !m_extras->watches.empty(); }
 
     void trace(Tracer& tracer) override;
@@ -212,14 +265,14 @@ private:
     void putUnwatched(Vm& vm, Name name, Value value);
     void changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags);
     void becomeUnshared(Vm& vm);
-    void noteShapeChange(Vm& vm);
+    void noteShapeChange(Vm& vm, Layout::Change change);
     Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);
     [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
     bool findResolver(const Vm& vm, Value& result) const;
     bool findSetter(Vm& vm, Name name, Object*& setter, Object*& holder);
 
-    bool m_hasHooks = false;
+    Exotic m_exotic = Exotic::None;
     bool m_isPrototype = false; // of some object: its changes outdate caches that looked through it
     bool m_protoIsSet = true;   // cleared when a script deletes __proto__
     bool m_followsProto = true; // whatever the version, look-ups go on in __proto__

@@ -33,13 +33,10 @@ namespace
 {
 
 /// A movie may put a class of its own in the place of a built-in one; primitives are then wrapped in that.
-/// @returns null when it has not.
-Object* scriptedWrapper(Vm& vm, Value primitive, std::string_view className, Object* builtInPrototype)
+Object* scriptedWrapper(Vm& vm, Value primitive, Name className)
 {
     Value constructor;
-    vm.global()->getPlain(vm, vm.name(className), vm.global(), constructor);
-    Object* function = constructor.asObject();
-    if (function != nullptr && vm.prototypeOf(function) == builtInPrototype) return nullptr;
+    vm.global()->getPlain(vm, className, vm.global(), constructor);
     const Value wrapped = Interpreter::construct(vm, constructor, {&primitive, 1});
     return wrapped.isObject() ? wrapped.object() : vm.newObject(nullptr);
 }
@@ -51,8 +48,7 @@ Value Interpreter::getMember(Vm& vm, Value base, Name name)
     switch (base.type()) {
     case Value::Type::Object: return base.object()->get(vm, name);
     case Value::Type::String:
-        if (Object* object = scriptedWrapper(vm, base, "String", vm.builtIns().string))
-            return object->get(vm, name);
+        if (!vm.isBuiltInString()) return scriptedWrapper(vm, base, vm.common().string)->get(vm, name);
         if (!vm.builtIns().string->hasOwn(vm, name) && name.matches(vm.common().length, vm.isCaseSensitive()))
             return Value(static_cast<double>(base.string()->length()));
         return vm.builtIns().string->get(vm, name, base);
@@ -64,136 +60,26 @@ Value Interpreter::getMember(Vm& vm, Value base, Name name)
     return {};
 }
 
-namespace
-{
-
-bool isHit(const InlineCache& cache, const Object* object, const NameText* name, std::uint32_t epoch)
-{
-    return cache.epoch == epoch && cache.layout == object->layout() && cache.name == name &&
-           (cache.holder == nullptr || cache.protoBits == object->protoValue().bits());
-}
-
-/// Remembers where a look-up ends, when that is a plain property that can be remembered.
-bool fill(InlineCache& cache, const Frame& frame, Object* object, Name name)
-{
-    if (object->hasHooks() || !object->layout()->isShared()) return false;
-    Object* holder = object;
-    for (int depth = 0; holder != nullptr && depth < 8; ++depth) {
-        if (holder->hasHooks()) return false;
-        const Layout* layout = holder->layout();
-        const std::uint32_t at = layout->find(name, frame.isCaseSensitive());
-        if (at == Layout::kMissing) {
-            holder = holder->prototype(frame.vm);
-            continue;
-        }
-        const Layout::Property& property = layout->properties()[at];
-        if ((property.flags & (kAccessor | kVersionMask)) != 0) return false;
-        cache.layout = object->layout();
-        cache.protoBits = object->protoValue().bits();
-        cache.name = name.cell();
-        cache.holder = holder == object ? nullptr : holder;
-        cache.slot = property.slot;
-        cache.epoch = frame.vm.epoch();
-        return true;
-    }
-    return false;
-}
-
-} // namespace
-
-Value Interpreter::getMemberCached(Frame& frame, Value base, Value key, std::uint32_t cacheIndex)
-{
-    Vm& vm = frame.vm;
-    Object* object = base.asObject();
-    if (object != nullptr && key.isString()) {
-        const Name name = vm.names().intern(key.string());
-        InlineCache& cache = frame.code->cache(cacheIndex);
-        if (isHit(cache, object, name.cell(), vm.epoch()) || fill(cache, frame, object, name))
-            return (cache.holder == nullptr ? object : cache.holder)->slot(cache.slot);
-        return object->get(vm, name);
-    }
-    if (object != nullptr && key.isNumber()) {
-        if (ArrayNative* array = object->native<ArrayNative>()) {
-            if (const Value* element = array->elementAt(key.number())) return *element;
-        }
-    }
-    return getMember(vm, base, avm1::toName(vm, key));
-}
-
-Value Interpreter::getMethodCached(Frame& frame, Value base, Name name, Object*& holder,
-                                   std::uint32_t cacheIndex)
-{
-    Vm& vm = frame.vm;
-    Object* object = base.asObject();
-    if (object == nullptr) return getMember(vm, base, name);
-    InlineCache& cache = frame.code->cache(cacheIndex);
-    if (isHit(cache, object, name.cell(), vm.epoch()) || fill(cache, frame, object, name)) {
-        holder = cache.holder == nullptr ? object : cache.holder;
-        return holder->slot(cache.slot);
-    }
-    Value result;
-    if (lookup(vm, object, name, base, result, holder)) return result;
-    return object->get(vm, name);
-}
-
-void Interpreter::setMemberCached(Frame& frame, Value base, Value key, Value value, std::uint32_t cacheIndex)
-{
-    Vm& vm = frame.vm;
-    Object* object = base.asObject();
-    if (object == nullptr) {
-        // Scripts name clips by their paths now and then.
-        return;
-    }
-    if (key.isString()) {
-        const Name name = vm.names().intern(key.string());
-        InlineCache& cache = frame.code->cache(cacheIndex);
-        if (!object->hasWatches()) {
-            if (isHit(cache, object, name.cell(), vm.epoch()) && cache.holder == nullptr) {
-                object->setSlot(cache.slot, value);
-                return;
-            }
-            const std::uint32_t at = object->hasHooks() || !object->layout()->isShared()
-                                         ? Layout::kMissing
-                                         : object->layout()->find(name, frame.isCaseSensitive());
-            if (at != Layout::kMissing &&
-                (object->layout()->properties()[at].flags & (kAccessor | kReadOnly | kVersionMask)) == 0 &&
-                fill(cache, frame, object, name)) {
-                object->setSlot(cache.slot, value);
-                return;
-            }
-        }
-        object->put(vm, name, value);
-        return;
-    }
-    if (key.isNumber() && !object->hasWatches()) {
-        if (ArrayNative* array = object->native<ArrayNative>()) {
-            if (Value* element = array->elementAt(key.number())) {
-                *element = value;
-                return;
-            }
-        }
-    }
-    object->put(vm, avm1::toName(vm, key), value);
-}
-
-Value Interpreter::getVariableCached(Frame& frame, Value key, std::uint32_t cacheIndex)
-{
-    Vm& vm = frame.vm;
-    const Name name = avm1::toName(vm, key);
-    Object* first = frame.scope->object;
-    if (frame.scope->kind == Scope::Kind::Activation) {
-        InlineCache& cache = frame.code->cache(cacheIndex);
-        if (isHit(cache, first, name.cell(), vm.epoch()) ||
-            (!name.isPath() && fill(cache, frame, first, name)))
-            return (cache.holder == nullptr ? first : cache.holder)->slot(cache.slot);
-    }
-    return getVariable(frame, name);
-}
-
 Value Interpreter::getVariable(Frame& frame, Name name, Object** thisOfCall)
 {
     if (name.isPath()) return getPath(frame, name, thisOfCall);
     return getPlainVariable(frame, name, thisOfCall);
+}
+
+bool Interpreter::getOwnOfCall(Frame& frame, Name name, Value& result)
+{
+    const bool sensitive = frame.isCaseSensitive();
+    const Names::Common& common = frame.vm.common();
+    const std::uint16_t suppressed = frame.callee->code()->head.flags;
+    if ((suppressed & FunctionHead::SuppressThis) == 0 && name.matches(common.self, sensitive))
+        result = frame.self;
+    else if ((suppressed & FunctionHead::SuppressArguments) == 0 && name.matches(common.arguments, sensitive))
+        result = argumentsObject(frame);
+    else if ((suppressed & FunctionHead::SuppressSuper) == 0 && name.matches(common.super, sensitive))
+        result = superObject(frame);
+    else
+        return false;
+    return true;
 }
 
 Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall)
@@ -201,8 +87,13 @@ Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall
     Vm& vm = frame.vm;
     const bool sensitive = frame.isCaseSensitive();
     const Names::Common& common = vm.common();
-    const std::uint16_t suppressed = frame.callee != nullptr ? frame.callee->code()->head.flags : 0;
+    // The running function's own variables that need no slot come after those that have one.
     bool own = frame.callee != nullptr;
+    Value ownValue;
+    if (own && frame.activation == nullptr) {
+        own = false;
+        if (getOwnOfCall(frame, name, ownValue)) return ownValue;
+    }
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
         Object* object = scope->kind == Scope::Kind::Target ? frame.variableTarget() : scope->object;
         if (object != nullptr) {
@@ -215,15 +106,8 @@ Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall
             }
         }
         if (scope->kind == Scope::Kind::Activation && own) {
-            // The running function's own variables that need no slot.
             own = false;
-            if ((suppressed & FunctionHead::SuppressThis) == 0 && name.matches(common.self, sensitive))
-                return frame.self;
-            if ((suppressed & FunctionHead::SuppressArguments) == 0 &&
-                name.matches(common.arguments, sensitive))
-                return argumentsObject(frame);
-            if ((suppressed & FunctionHead::SuppressSuper) == 0 && name.matches(common.super, sensitive))
-                return superObject(frame);
+            if (getOwnOfCall(frame, name, ownValue)) return ownValue;
         }
         if (vm.isUnwinding()) return {};
     }

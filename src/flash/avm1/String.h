@@ -55,7 +55,9 @@ public:
 private:
     friend class Name;
     friend class Names;
-    NameText* m_folded = this;         // the lower-case spelling; itself when it is one
+    NameText* m_folded = this; // the lower-case spelling; itself when it is one
+    bool m_isNodeName = false; // in the folded spelling only, as is the next
+    std::int8_t m_displayProperty = -1;
     std::uint32_t m_index = kNotIndex; // the array index that this text spells in canonical form
     bool m_isPath;
 };
@@ -76,6 +78,12 @@ public:
     [[nodiscard]] Name folded() const { return Name(m_text->m_folded); }
     /// @returns the array index this name spells ("0", "17", not "017"), or NameText::kNotIndex.
     [[nodiscard]] std::uint32_t arrayIndex() const { return m_text->m_index; }
+    /// @returns the number of the display property of that name (`_x` is 0), or -1. Case does not count.
+    [[nodiscard]] int displayProperty() const { return m_text->m_folded->m_displayProperty; }
+    void setDisplayProperty(int number) const
+    {
+        m_text->m_folded->m_displayProperty = static_cast<std::int8_t>(number);
+    }
     /// @returns whether the text holds a character that separates the steps of a path.
     [[nodiscard]] bool isPath() const { return m_text->m_isPath; }
     /// @returns whether the two are the same name to a movie that does, or does not, tell cases apart.

@@ -62,6 +62,7 @@ public:
 
     /// The bits: equal bits mean the same object, the same string cell, or the same number (NaN included).
     [[nodiscard]] std::uint64_t bits() const { return m_bits; }
+    static Value fromBits(std::uint64_t bits) { return Value(Bits{bits}); }
 
 private:
     struct Bits {

@@ -1,6 +1,7 @@
 #include "flash/avm1/Vm.h"
 
 #include "flash/avm1/ArrayNative.h"
+#include "flash/avm1/Code.h"
 #include "flash/avm1/Interpreter.h"
 #include "flash/avm1/classes/Classes.h"
 
@@ -19,6 +20,7 @@ Vm::Vm(Host& host)
 {
     if (m_stack == nullptr) throw std::bad_alloc();
     m_heap.addRootSource([this](Tracer& tracer) { traceRoots(tracer); });
+    m_heap.addSweepHook([this] { dropDeadCaches(); });
     m_emptyLayout = m_heap.make<Layout>();
     m_builtIns.object = m_heap.make<Object>(*this, nullptr);
     m_builtIns.function = m_heap.make<Object>(*this, m_builtIns.object);
@@ -57,6 +59,32 @@ void Vm::traceRoots(Tracer& tracer)
         tracer(timer.method);
         for (const Value value : timer.args) tracer(value);
     }
+}
+
+void Vm::dropDeadCaches()
+{
+    for (const auto& entry : m_code) entry.second->dropDeadCaches();
+    m_stringClass.epoch = m_stringPrototype.epoch = 0;
+}
+
+Value PropertyCache::get(Vm& vm, Object& object, Name name)
+{
+    if (epoch == vm.epoch() && layout == object.layout()) return object.slot(slot);
+    Caching caching;
+    const Object::Found found = object.find(vm, name, caching);
+    if (found.where != Object::Found::Where::Slot || found.holder != &object) return {};
+    layout = object.layout();
+    slot = found.slot;
+    epoch = vm.epoch();
+    return object.slot(slot);
+}
+
+bool Vm::isBuiltInString()
+{
+    const Value constructor = m_stringClass.get(*this, *m_global, common().string);
+    return constructor.isObject() &&
+           m_stringPrototype.get(*this, *constructor.object(), common().prototype).asObject() ==
+               m_builtIns.string;
 }
 
 // ---- running ---------------------------------------------------------------------------------------------
@@ -224,7 +252,7 @@ String* Vm::string(std::u16string text)
 
 String* Vm::string(std::string_view latin1) { return m_names.intern(latin1).string(); }
 
-String* Vm::string(char16_t unit) { return m_names.intern(std::u16string_view(&unit, 1)).string(); }
+String* Vm::string(char16_t unit) { return m_names.fromUnit(unit).string(); }
 
 Object* Vm::newObject() { return m_heap.make<Object>(*this, m_builtIns.object); }
 Object* Vm::newObject(Object* prototype) { return m_heap.make<Object>(*this, prototype); }

@@ -18,6 +18,15 @@ namespace flash::avm1
 class Code;
 struct Frame;
 
+/// Remembers where one object has one plain property of its own.
+struct PropertyCache {
+    const Layout* layout = nullptr;
+    std::uint32_t slot = 0;
+    std::uint32_t epoch = 0;
+    /// @returns the value; undefined when there is no plain one
+    Value get(Vm& vm, Object& object, Name name);
+};
+
 /// Prototypes of the built-in classes that natives need to make instances.
 struct BuiltIns {
     Object* object = nullptr;
@@ -187,6 +196,9 @@ public:
         m_collectsAlways = true;
         m_heap.collectAlways();
     }
+    /// From now on prototypes are asked at each assignment to an element.
+    void noteIndexedAccessor() { m_hasIndexedAccessors = true; }
+    [[nodiscard]] bool hasIndexedAccessors() const { return m_hasIndexedAccessors; }
     /// Outdates all inline caches.
     void bumpEpoch() { ++m_epoch; }
     [[nodiscard]] std::uint32_t epoch() const { return m_epoch; }
@@ -212,6 +224,9 @@ private:
         bool repeats;
         int version;
     };
+    /// @returns whether `String` still is the built-in class, so that texts need no object around them.
+    bool isBuiltInString();
+    void dropDeadCaches();
     Object* step(Object* object, std::u16string_view name);
     void traceRoots(Tracer& tracer);
     Code* codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version);
@@ -225,6 +240,7 @@ private:
     Layout* m_emptyLayout = nullptr;
     int m_version = 8;
     std::uint32_t m_epoch = 1;
+    bool m_hasIndexedAccessors = false;
     bool m_thrown = false, m_aborted = false, m_disabled = false, m_collectsAlways = false;
     Value m_exception;
     Frame* m_frame = nullptr; // innermost
@@ -240,6 +256,7 @@ private:
     int m_budget = 0; // safe points until the clock is looked at again
     int m_regions = 0;
     std::unordered_map<const void*, Code*> m_code;
+    PropertyCache m_stringClass, m_stringPrototype; // see isBuiltInString()
     std::map<std::pair<int, int>, Function*> m_natives;
     std::map<std::u16string, Function*> m_symbolClasses;
     std::map<int, Timer> m_timers;

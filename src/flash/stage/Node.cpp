@@ -334,6 +334,12 @@ struct Node::SliceCache {
 };
 
 Node::Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind) {}
+void Node::setName(std::string name)
+{
+    m_name = std::move(name);
+    m_stage.script().nodeNamed(m_name);
+}
+
 Node::~Node() = default;
 
 std::optional<Node::Sliced> Node::sliced()

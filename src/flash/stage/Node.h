@@ -60,7 +60,7 @@ public:
     [[nodiscard]] bool isLeaving() const;
     [[nodiscard]] int depth() const { return m_depth; }
     [[nodiscard]] const std::string& name() const { return m_name; } ///< UTF-8; empty when it has none
-    void setName(std::string name) { m_name = std::move(name); }
+    void setName(std::string name);
     /// The movie whose dictionary the instance comes from; its version rules its scripts.
     [[nodiscard]] const MoviePtr& movie() const { return m_movie; }
     [[nodiscard]] std::uint16_t characterId() const { return m_characterId; }

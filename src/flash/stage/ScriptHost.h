@@ -94,6 +94,8 @@ public:
         return false;
     }
 
+    /// An instance gets a name. It need not be on the display list yet.
+    virtual void nodeNamed(std::string_view /*name*/) {}
     /// A node goes off the display list for good (after its unload handlers ran); its path still holds.
     virtual void nodeRemoved(Node&) {}
     /// The root of a level or a loaded clip was replaced by another movie: script properties go.

@@ -4,6 +4,8 @@
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/stage/Button.h"
 
+#include <algorithm>
+
 namespace flash::avm1
 {
 
@@ -50,13 +52,34 @@ std::string_view NodeObject::typeOf() const
     return m_node->kind() == stage::NodeKind::Clip ? "movieclip" : "object";
 }
 
+namespace
+{
+
+/// Some properties are plain values to scripts that the stage has to know of.
+bool isSetting(std::u16string_view name)
+{
+    constexpr std::u16string_view kSettings[] = {u"tabEnabled",   u"useHandCursor", u"trackAsMenu",
+                                                 u"focusEnabled", u"tabChildren",   u"hitArea"};
+    return std::ranges::find(kSettings, name) != std::end(kSettings);
+}
+
+} // namespace
+
+Caching NodeObject::caching(Vm& vm, Name name) const
+{
+    const std::u16string_view text = name.view();
+    const bool plain = !text.empty() && text[0] != u'_';
+    // Variables come before children, and those before what the class has.
+    return {true, plain && !isSetting(text), plain && !vm.names().mayBeNodeName(name)};
+}
+
 bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
 {
     stage::Node* node = live();
     if (!node) return false;
     const std::u16string_view text = name.view();
     if (text.empty()) return false;
-    if (stage::Clip* clip = stage::asClip(node)) {
+    if (stage::Clip* clip = vm.names().mayBeNodeName(name) ? stage::asClip(node) : nullptr) {
         const auto sensitivity =
             vm.isCaseSensitive() ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive;
         if (!clip->children().empty()) {
@@ -113,12 +136,11 @@ bool NodeObject::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& 
     return lookUp(vm, name, result);
 }
 
-// Some properties are plain values to scripts that the stage has to know of.
 void NodeObject::noteScriptSetting(Vm& vm, Name name, Value value)
 {
-    stage::Node* node = live();
-    if (!node) return;
     const std::u16string_view text = name.view();
+    stage::Node* node = isSetting(text) ? live() : nullptr;
+    if (!node) return;
     stage::Clip* clip = stage::asClip(node);
     const auto flag = [&] { return toBoolean(vm, value); };
     if (text == u"tabEnabled") {

@@ -29,7 +29,8 @@ public:
 
     [[nodiscard]] const void* tag() const override { return &kTag; }
     [[nodiscard]] std::string_view typeOf() const override;
-    [[nodiscard]] bool hasHooks() const override { return true; }
+    [[nodiscard]] Exotic exotic() const override { return Exotic::Node; }
+    [[nodiscard]] Caching caching(Vm& vm, Name name) const override;
     bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result) override;
     void putOwn(Vm& vm, Object& self, Name name, Value value) override;
     bool hasOwn(Vm& vm, Object& self, Name name) override;

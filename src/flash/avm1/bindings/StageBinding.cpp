@@ -38,7 +38,6 @@ constexpr const char* kHandlerNames[] = {
 } // namespace
 
 struct StageBinding::State {
-    std::unordered_map<NameText*, int> propertyByFolded;
     std::array<Name, std::size(kHandlerNames)> handlers;
     Name enabled;
     std::vector<NameText*> keptNames;
@@ -71,7 +70,7 @@ void StageBinding::reset()
     m_vm->heap().addRootSource([this](Tracer& tracer) { traceNodes(tracer); });
     for (std::size_t i = 0; i < std::size(kPropertyNames); ++i) {
         const Name name = m_vm->name(std::string_view(kPropertyNames[i]));
-        m_state->propertyByFolded.emplace(name.folded().cell(), static_cast<int>(i));
+        name.setDisplayProperty(static_cast<int>(i));
         m_state->keptNames.push_back(name.cell());
     }
     for (std::size_t i = 0; i < std::size(kHandlerNames); ++i) {
@@ -201,9 +200,8 @@ stage::Clip* StageBinding::clipOf(Object* object) { return stage::asClip(nodeOf(
 
 std::optional<int> StageBinding::propertyIndex(Name name)
 {
-    const auto found = m_state->propertyByFolded.find(name.folded().cell());
-    if (found == m_state->propertyByFolded.end()) return {};
-    return found->second;
+    const int number = name.displayProperty();
+    return number < 0 ? std::nullopt : std::optional(number);
 }
 
 void StageBinding::callHandler(Object* object, std::string_view handler, std::initializer_list<Value> args)
@@ -438,6 +436,11 @@ bool StageBinding::setVariable(stage::Clip& scope, std::string_view path, std::s
     const Vm::VersionScope version(*m_vm, scope.movie() ? scope.movie()->header.version : 6);
     m_vm->setVariable(objectOf(&scope), base::utf16FromUtf8(path), utf8(value));
     return true;
+}
+
+void StageBinding::nodeNamed(std::string_view name)
+{
+    if (m_vm->names().noteNodeName(base::utf16FromUtf8(name))) m_vm->bumpEpoch();
 }
 
 void StageBinding::nodeRemoved(stage::Node& node)

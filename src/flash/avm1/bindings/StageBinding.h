@@ -142,6 +142,7 @@ public:
     std::optional<std::string> variable(stage::Clip& scope, std::string_view path) override;
     bool isClipVariable(stage::Clip& scope, std::string_view path) override;
     bool setVariable(stage::Clip& scope, std::string_view path, std::string_view value) override;
+    void nodeNamed(std::string_view name) override;
     void nodeRemoved(stage::Node& node) override;
     void clipReset(stage::Clip& clip) override;
     double nextTimerMs() override;

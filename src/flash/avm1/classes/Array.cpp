@@ -30,8 +30,7 @@ Value push(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
     double length = listLength(vm, self);
-    for (const Value value : call.args)
-        self->put(vm, vm.names().fromIndex(static_cast<std::uint32_t>(length++)), value);
+    for (const Value value : call.args) self->putIndex(vm, static_cast<std::uint32_t>(length++), value);
     if (self->native<ArrayNative>() == nullptr) self->put(vm, vm.common().length, Value(length));
     return Value(length);
 }

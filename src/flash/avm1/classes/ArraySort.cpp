@@ -134,7 +134,7 @@ Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
     // Elements that stay are not written: a comparison function that changed the list meanwhile finds its
     // changes.
     for (std::uint32_t i = 0; i < order.size(); ++i) {
-        if (order[i] != i) list->put(vm, vm.names().fromIndex(i), elements[order[i]]);
+        if (order[i] != i) list->putIndex(vm, i, elements[order[i]]);
     }
     return list;
 }

@@ -62,9 +62,18 @@ Value toUpperCase(Call& call)
 
 Value toLowerCase(Call& call) { return call.vm.string(Names::fold(self(call))); }
 
+/// @returns the text of `this` without a copy of it.
+String* selfCell(Call& call)
+{
+    if (call.self.isString()) return call.self.string();
+    if (const Boxed* boxed = call.native<Boxed>(); boxed != nullptr && boxed->value.isString())
+        return boxed->value.string();
+    return toString(call.vm, call.self);
+}
+
 Value charAt(Call& call)
 {
-    const std::u16string text = self(call);
+    const std::u16string_view text = selfCell(call)->view();
     const std::int32_t index = toInt32(call.vm, call.arg(0));
     if (index < 0 || static_cast<std::size_t>(index) >= text.size()) return call.vm.string("");
     return call.vm.string(text[static_cast<std::size_t>(index)]);
@@ -72,7 +81,7 @@ Value charAt(Call& call)
 
 Value charCodeAt(Call& call)
 {
-    const std::u16string text = self(call);
+    const std::u16string_view text = selfCell(call)->view();
     const std::int32_t index = toInt32(call.vm, call.arg(0));
     if (index < 0 || static_cast<std::size_t>(index) >= text.size()) return Value(std::nan(""));
     const char16_t unit = text[static_cast<std::size_t>(index)];
