@@ -118,13 +118,27 @@ function(zorvex_bench name)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
 endfunction()
 
-# zorvex_fuzz(NAME FILE LIBS ...): a libFuzzer program.
+# zorvex_fuzz(NAME FILE LIBS ...): a libFuzzer program in build-fuzz/fuzz/. Where the tests are built, a program instead
+# that replays the target's folder of fuzz/corpus, and a test that runs it.
 function(zorvex_fuzz name file)
     cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
-    add_executable(${name} ${file})
-    target_link_libraries(${name} PRIVATE zorvex_options ${ARG_LIBS})
-    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
-    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
+    if(ZORVEX_FUZZ)
+        add_executable(${name} ${file})
+        target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+        set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
+        target_link_libraries(${name} PRIVATE zorvex_options ${ARG_LIBS})
+        if(NOT TARGET fuzzers)
+            add_custom_target(fuzzers)
+        endif()
+        add_dependencies(fuzzers ${name})
+        return()
+    endif()
+    set(replay replay_${name})
+    add_executable(${replay} ${file} ${CMAKE_SOURCE_DIR}/fuzz/Replay.cpp)
+    target_link_libraries(${replay} PRIVATE zorvex_options ${ARG_LIBS})
+    set_target_properties(${replay} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    add_test(NAME Fuzz.${name} COMMAND ${replay} ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
+    set_tests_properties(Fuzz.${name} PROPERTIES TIMEOUT 120 LABELS fuzz ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
 
 # Adds a sub-folder only when it has a CMakeLists.txt of its own.

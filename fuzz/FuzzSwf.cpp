@@ -1,3 +1,5 @@
+#include "TagMutator.h"
+
 #include "flash/swf/Describe.h"
 #include "flash/swf/Movie.h"
 
@@ -19,4 +21,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     (void)decodePicture(input, limits);
     return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned seed)
+{
+    return fuzz::mutateMovie(data, size, maxSize, seed, 0);
+}
+
+extern "C" std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* first, std::size_t firstSize,
+                                                 const std::uint8_t* second, std::size_t secondSize,
+                                                 std::uint8_t* out, std::size_t maxSize, unsigned seed)
+{
+    return fuzz::crossMovies(first, firstSize, second, secondSize, out, maxSize, seed, 0);
 }

@@ -1,0 +1,7 @@
+zorvex_fuzz(FuzzEngine FuzzEngine.cpp LIBS zorvex_flash_engine)
+zorvex_fuzz(FuzzActionScript FuzzActionScript.cpp LIBS zorvex_flash_engine zorvex_swfc)
+zorvex_fuzz(FuzzFonts FuzzFonts.cpp LIBS zorvex_flash_engine)
+zorvex_fuzz(FuzzBitmaps FuzzBitmaps.cpp LIBS zorvex_flash_engine)
+zorvex_fuzz(FuzzSharedObject FuzzSharedObject.cpp LIBS zorvex_flash_engine)
+zorvex_fuzz(FuzzTexts FuzzTexts.cpp LIBS zorvex_flash_engine)
+zorvex_fuzz(FuzzVideo FuzzVideo.cpp LIBS zorvex_flash_video)

@@ -1,0 +1,2 @@
+zorvex_fuzz(FuzzSettings FuzzSettings.cpp LIBS zorvex_settings zorvex_flash_engine)
+zorvex_fuzz(FuzzPageCommands FuzzPageCommands.cpp LIBS zorvex_player)
