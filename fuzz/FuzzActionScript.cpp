@@ -4,7 +4,7 @@
 #include <string>
 
 // A script's text, compiled by our own compiler and run in a movie that is drawn: what the classes do with
-// any arguments. The first byte chooses the movie's version.
+// any arguments. The first byte chooses the movie's version, and whether every safe point collects.
 
 namespace
 {
@@ -37,6 +37,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto movie = swfc::source::compileMovie("f.as", files, diagnostics);
     if (movie.empty()) return 0;
     constexpr std::uint8_t kInput[] = {0, 99, 99, 1, 99, 99, 2, 99, 99, 3, 65, 65};
-    fuzz::play(movie, kInput);
+    fuzz::play(movie, kInput, {}, (data[0] & 0x80) != 0);
     return 0;
 }

@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 2) return 0;
     HurryingHost host;
     flash::avm1::Vm vm(host);
-    vm.setStressCollector((data[0] & 0x80) != 0);
+    if ((data[0] & 0x80) != 0) vm.collectAlways();
     const int version = 4 + (data[0] & 7) % 5;
     const auto owner = std::make_shared<std::vector<std::uint8_t>>(data + 1, data + size);
     flash::avm1::Root<flash::avm1::Object> root(vm.heap(), vm.newObject());

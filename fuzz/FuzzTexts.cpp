@@ -52,7 +52,7 @@ void tryXml(std::string_view text, unsigned options)
     avm1::NullHost host;
     avm1::Vm vm(host);
     avm1::installXml(vm);
-    vm.setStressCollector((options & 2U) != 0);
+    if ((options & 2U) != 0) vm.collectAlways();
     const avm1::Root<avm1::Object> document(vm.heap(),
                                             avm1::newXmlNode(vm, avm1::XmlNode::kElement, nullptr));
     (void)avm1::parseXml(vm, document.get(), base::utf16FromUtf8(text), {.ignoreWhite = (options & 1U) != 0});

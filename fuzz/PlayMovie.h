@@ -55,7 +55,9 @@ inline void doInput(flash::stage::Stage& stage, unsigned byte, unsigned x, unsig
 /// Plays a movie's first frames in a folder of its own and draws each.
 /// @param input three bytes for each thing that the user does, one thing a frame
 /// @param query what stands behind the movie's address
-inline void play(base::Bytes movie, base::Bytes input, const std::string& query = {})
+/// @param collectAlways with a collection wherever one may happen
+inline void play(base::Bytes movie, base::Bytes input, const std::string& query = {},
+                 bool collectAlways = false)
 {
     constexpr int kFrames = 8, kLongestSide = 200;
     startQt();
@@ -66,6 +68,7 @@ inline void play(base::Bytes movie, base::Bytes input, const std::string& query 
     HurriedHost host;
     flash::Engine::Options options;
     options.startDateMs = 1e12;
+    options.collectAlways = collectAlways;
     options.storageFolder = file.parent_path() / "stored";
     flash::Engine engine(host, options);
     engine.stage().setViewSize(kLongestSide, kLongestSide);
