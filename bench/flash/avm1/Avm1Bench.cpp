@@ -9,23 +9,7 @@ namespace flash::avm1::test
 namespace
 {
 
-enum Op : std::uint8_t {
-    Add2 = 0x47,
-    Multiply = 0x0C,
-    Less2 = 0x48,
-    SetVariable = 0x1D,
-    GetMember = 0x4E,
-    SetMember = 0x4F,
-    CallFunction = 0x3D,
-    CallMethod = 0x52,
-    InitObject = 0x43,
-    InitArray = 0x42,
-    NewObject = 0x40,
-    Return = 0x3E,
-    Pop = 0x17,
-    Increment = 0x50,
-    DefineLocal = 0x3C,
-};
+using enum swf::ActionCode;
 
 constexpr int kTurns = 100000;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/avm1/Code.h"
+#include "flash/swf/ActionCodes.h"
 
 #include <array>
 
@@ -8,28 +9,73 @@ namespace flash::avm1
 {
 
 struct Frame;
+using swf::ActionCode;
 
-/// The codes below 0x20 that the format leaves free serve the decoder.
+/// Instructions that only the decoder makes, under codes that files leave free.
 enum InternalOp : std::uint8_t {
-    kEnd = 0x00,          ///< the block ends here
     kPushLiteral = 0x01,  ///< b: index of the literal
     kPushConstant = 0x02, ///< b: index into the constant pool in force
     kPushRegister = 0x03, ///< b: number
-    kRegionEnd = 0x1F,    ///< a `with` or `try` body ends here; b: byte offset
     kNothing = 0x16,
-    kJumpAction = 0x99,
+    kRegionEnd = 0x1F, ///< a `with` or `try` body ends here; b: byte offset
 };
 
 using ActionFunction = void (*)(Frame&, const Instruction&);
 
-/// One action. Codes from 0x80 up carry a 16-bit payload length.
+/// Actions that the interpreter's loop does itself when the operands are of the common kind, each with its
+/// label there.
+#define FLASH_HOT_ACTIONS(X)                                                                                 \
+    X(PushLiteral, pushLiteral)                                                                              \
+    X(PushConstant, pushConstant)                                                                            \
+    X(PushRegister, pushRegister)                                                                            \
+    X(StoreRegister, storeRegister)                                                                          \
+    X(Pop, popOne)                                                                                           \
+    X(Jump, jump)                                                                                            \
+    X(If, jumpIf)                                                                                            \
+    X(Not, logicalNot)                                                                                       \
+    X(Add2, add2)                                                                                            \
+    X(Subtract, subtract)                                                                                    \
+    X(Multiply, multiply)                                                                                    \
+    X(Less2, less2)                                                                                          \
+    X(Greater, greater)                                                                                      \
+    X(Equals2, equals2)                                                                                      \
+    X(Increment, increment)                                                                                  \
+    X(Decrement, decrement)                                                                                  \
+    X(GetVariable, getVariable)                                                                              \
+    X(GetMember, getMember)                                                                                  \
+    X(SetMember, setMember)                                                                                  \
+    X(SetVariable, setVariable)                                                                              \
+    X(Return, returnValue)                                                                                   \
+    X(PushDuplicate, pushDuplicate)                                                                          \
+    X(End, end)                                                                                              \
+    X(RegionEnd, regionEnd)
+
+enum class Hot : std::uint8_t {
+    None,
+#define FLASH_HOT(name, label) name,
+    FLASH_HOT_ACTIONS(FLASH_HOT)
+#undef FLASH_HOT
+};
+
+/// What the machine does for an instruction. Name, version and payload of actions stand in swf::kActionCodes.
 struct ActionInfo {
-    std::uint8_t code;
-    const char* name;
-    int since; ///< version of the format
-    ActionFunction function;
+    std::uint8_t op = 0;
+    ActionFunction function = nullptr;
+    Hot hot = Hot::None;
     bool cached = false;          ///< owns an inline cache
     bool needsActivation = false; ///< makes a variable of the running call, or a scope that outlives it
+
+    consteval ActionInfo() = default;
+    consteval ActionInfo(ActionCode code, ActionFunction function, Hot hot = Hot::None, unsigned flags = 0)
+        : ActionInfo(static_cast<std::uint8_t>(code), function, hot, flags)
+    {
+    }
+    consteval ActionInfo(std::uint8_t op, ActionFunction function, Hot hot = Hot::None, unsigned flags = 0)
+        : op(op), function(function), hot(hot), cached((flags & kCached) != 0),
+          needsActivation((flags & kNeedsActivation) != 0)
+    {
+    }
+    static constexpr unsigned kCached = 1, kNeedsActivation = 2;
 };
 
 namespace actions
@@ -143,196 +189,133 @@ void gotoFrame2(Frame&, const Instruction&);
 } // namespace actions
 
 // clang-format off
-constexpr bool kCached = true, kNeedsActivation = true;
+constexpr unsigned kCached = ActionInfo::kCached, kNeedsActivation = ActionInfo::kNeedsActivation;
 constexpr ActionInfo kActions[] = {
-    // code  name              since  function
-    {0x00, "End",               3, &actions::end},
-    {0x01, "(literal)",         4, &actions::pushLiteral},
-    {0x02, "(constant)",        5, &actions::pushConstant},
-    {0x03, "(register)",        5, &actions::pushRegister},
-    {0x04, "NextFrame",         3, &actions::nextFrame},
-    {0x05, "PreviousFrame",     3, &actions::previousFrame},
-    {0x06, "Play",              3, &actions::play},
-    {0x07, "Stop",              3, &actions::stop},
-    {0x08, "ToggleQuality",     5, &actions::toggleQuality},
-    {0x09, "StopSounds",        3, &actions::stopSounds},
-    {0x0A, "Add",               4, &actions::add},
-    {0x0B, "Subtract",          4, &actions::subtract},
-    {0x0C, "Multiply",          4, &actions::multiply},
-    {0x0D, "Divide",            4, &actions::divide},
-    {0x0E, "Equals",            4, &actions::equals},
-    {0x0F, "Less",              4, &actions::less},
-    {0x10, "And",               4, &actions::logicalAnd},
-    {0x11, "Or",                4, &actions::logicalOr},
-    {0x12, "Not",               4, &actions::logicalNot},
-    {0x13, "StringEquals",      4, &actions::stringEquals},
-    {0x14, "StringLength",      4, &actions::stringLength},
-    {0x15, "StringExtract",     4, &actions::stringExtract},
-    {0x17, "Pop",               4, &actions::pop},
-    {0x18, "ToInteger",         4, &actions::toInteger},
-    {0x1C, "GetVariable",       4, &actions::getVariable, kCached},
-    {0x1D, "SetVariable",       4, &actions::setVariable, kCached},
-    {0x1F, "(region end)",      5, &actions::nothing},
-    {0x20, "SetTarget2",        4, &actions::setTarget2},
-    {0x21, "StringAdd",         4, &actions::stringAdd},
-    {0x22, "GetProperty",       4, &actions::getProperty},
-    {0x23, "SetProperty",       4, &actions::setProperty},
-    {0x24, "CloneSprite",       4, &actions::cloneSprite},
-    {0x25, "RemoveSprite",      4, &actions::removeSprite},
-    {0x26, "Trace",             4, &actions::trace},
-    {0x27, "StartDrag",         4, &actions::startDrag},
-    {0x28, "EndDrag",           4, &actions::endDrag},
-    {0x29, "StringLess",        4, &actions::stringLess},
-    {0x2A, "Throw",             7, &actions::throwValue},
-    {0x2B, "CastOp",            7, &actions::castOp},
-    {0x2C, "ImplementsOp",      7, &actions::implementsOp},
-    {0x2D, "FSCommand2",        6, &actions::fsCommand2},
-    {0x30, "RandomNumber",      4, &actions::randomNumber},
-    {0x31, "MBStringLength",    4, &actions::mbStringLength},
-    {0x32, "CharToAscii",       4, &actions::charToAscii},
-    {0x33, "AsciiToChar",       4, &actions::asciiToChar},
-    {0x34, "GetTime",           4, &actions::getTime},
-    {0x35, "MBStringExtract",   4, &actions::mbStringExtract},
-    {0x36, "MBCharToAscii",     4, &actions::mbCharToAscii},
-    {0x37, "MBAsciiToChar",     4, &actions::mbAsciiToChar},
-    {0x3A, "Delete",            5, &actions::deleteMember},
-    {0x3B, "Delete2",           5, &actions::deleteVariable},
-    {0x3C, "DefineLocal",       5, &actions::defineLocal, false, kNeedsActivation},
-    {0x3D, "CallFunction",      5, &actions::callFunction, kCached},
-    {0x3E, "Return",            5, &actions::returnValue},
-    {0x3F, "Modulo",            5, &actions::modulo},
-    {0x40, "NewObject",         5, &actions::newObject, kCached},
-    {0x41, "DefineLocal2",      5, &actions::defineLocal2, false, kNeedsActivation},
-    {0x42, "InitArray",         5, &actions::initArray},
-    {0x43, "InitObject",        5, &actions::initObject},
-    {0x44, "TypeOf",            5, &actions::typeOf},
-    {0x45, "TargetPath",        5, &actions::targetPath},
-    {0x46, "Enumerate",         5, &actions::enumerate},
-    {0x47, "Add2",              5, &actions::add2},
-    {0x48, "Less2",             5, &actions::less2},
-    {0x49, "Equals2",           5, &actions::equals2},
-    {0x4A, "ToNumber",          5, &actions::toNumber},
-    {0x4B, "ToString",          5, &actions::toString},
-    {0x4C, "PushDuplicate",     5, &actions::pushDuplicate},
-    {0x4D, "StackSwap",         5, &actions::stackSwap},
-    {0x4E, "GetMember",         5, &actions::getMember, kCached},
-    {0x4F, "SetMember",         5, &actions::setMember, kCached},
-    {0x50, "Increment",         5, &actions::increment},
-    {0x51, "Decrement",         5, &actions::decrement},
-    {0x52, "CallMethod",        5, &actions::callMethod, kCached},
-    {0x53, "NewMethod",         5, &actions::newMethod},
-    {0x54, "InstanceOf",        6, &actions::instanceOf},
-    {0x55, "Enumerate2",        6, &actions::enumerate2},
-    {0x60, "BitAnd",            5, &actions::bitAnd},
-    {0x61, "BitOr",             5, &actions::bitOr},
-    {0x62, "BitXor",            5, &actions::bitXor},
-    {0x63, "BitLShift",         5, &actions::bitLeftShift},
-    {0x64, "BitRShift",         5, &actions::bitRightShift},
-    {0x65, "BitURShift",        5, &actions::bitUnsignedRightShift},
-    {0x66, "StrictEquals",      6, &actions::strictEquals},
-    {0x67, "Greater",           6, &actions::greater},
-    {0x68, "StringGreater",     6, &actions::stringGreater},
-    {0x69, "Extends",           7, &actions::extends},
-    {0x81, "GotoFrame",         3, &actions::gotoFrame},
-    {0x83, "GetURL",            3, &actions::getUrl},
-    {0x87, "StoreRegister",     5, &actions::storeRegister},
-    {0x88, "ConstantPool",      5, &actions::constantPool},
-    {0x8A, "WaitForFrame",      3, &actions::waitForFrame},
-    {0x8B, "SetTarget",         3, &actions::setTarget},
-    {0x8C, "GotoLabel",         3, &actions::gotoLabel},
-    {0x8D, "WaitForFrame2",     4, &actions::waitForFrame2},
-    {0x8E, "DefineFunction2",   7, &actions::defineFunction, false, kNeedsActivation},
-    {0x8F, "Try",               7, &actions::tryBlock},
-    {0x94, "With",              5, &actions::with, false, kNeedsActivation},
-    {0x99, "Jump",              4, &actions::jump},
-    {0x9A, "GetURL2",           4, &actions::getUrl2},
-    {0x9B, "DefineFunction",    5, &actions::defineFunction, false, kNeedsActivation},
-    {0x9D, "If",                4, &actions::jumpIf},
-    {0x9E, "Call",              4, &actions::call},
-    {0x9F, "GotoFrame2",        4, &actions::gotoFrame2},
+    {ActionCode::End,                &actions::end,                    Hot::End},
+    {InternalOp::kPushLiteral,       &actions::pushLiteral,            Hot::PushLiteral},
+    {InternalOp::kPushConstant,      &actions::pushConstant,           Hot::PushConstant},
+    {InternalOp::kPushRegister,      &actions::pushRegister,           Hot::PushRegister},
+    {ActionCode::NextFrame,          &actions::nextFrame},
+    {ActionCode::PreviousFrame,      &actions::previousFrame},
+    {ActionCode::Play,               &actions::play},
+    {ActionCode::Stop,               &actions::stop},
+    {ActionCode::ToggleQuality,      &actions::toggleQuality},
+    {ActionCode::StopSounds,         &actions::stopSounds},
+    {ActionCode::Add,                &actions::add},
+    {ActionCode::Subtract,           &actions::subtract,               Hot::Subtract},
+    {ActionCode::Multiply,           &actions::multiply,               Hot::Multiply},
+    {ActionCode::Divide,             &actions::divide},
+    {ActionCode::Equals,             &actions::equals},
+    {ActionCode::Less,               &actions::less},
+    {ActionCode::And,                &actions::logicalAnd},
+    {ActionCode::Or,                 &actions::logicalOr},
+    {ActionCode::Not,                &actions::logicalNot,             Hot::Not},
+    {ActionCode::StringEquals,       &actions::stringEquals},
+    {ActionCode::StringLength,       &actions::stringLength},
+    {ActionCode::StringExtract,      &actions::stringExtract},
+    {ActionCode::Pop,                &actions::pop,                    Hot::Pop},
+    {ActionCode::ToInteger,          &actions::toInteger},
+    {ActionCode::GetVariable,        &actions::getVariable,            Hot::GetVariable, kCached},
+    {ActionCode::SetVariable,        &actions::setVariable,            Hot::SetVariable, kCached},
+    {InternalOp::kRegionEnd,         &actions::nothing,                Hot::RegionEnd},
+    {ActionCode::SetTarget2,         &actions::setTarget2},
+    {ActionCode::StringAdd,          &actions::stringAdd},
+    {ActionCode::GetProperty,        &actions::getProperty},
+    {ActionCode::SetProperty,        &actions::setProperty},
+    {ActionCode::CloneSprite,        &actions::cloneSprite},
+    {ActionCode::RemoveSprite,       &actions::removeSprite},
+    {ActionCode::Trace,              &actions::trace},
+    {ActionCode::StartDrag,          &actions::startDrag},
+    {ActionCode::EndDrag,            &actions::endDrag},
+    {ActionCode::StringLess,         &actions::stringLess},
+    {ActionCode::Throw,              &actions::throwValue},
+    {ActionCode::CastOp,             &actions::castOp},
+    {ActionCode::ImplementsOp,       &actions::implementsOp},
+    {ActionCode::FsCommand2,         &actions::fsCommand2},
+    {ActionCode::RandomNumber,       &actions::randomNumber},
+    {ActionCode::MbStringLength,     &actions::mbStringLength},
+    {ActionCode::CharToAscii,        &actions::charToAscii},
+    {ActionCode::AsciiToChar,        &actions::asciiToChar},
+    {ActionCode::GetTime,            &actions::getTime},
+    {ActionCode::MbStringExtract,    &actions::mbStringExtract},
+    {ActionCode::MbCharToAscii,      &actions::mbCharToAscii},
+    {ActionCode::MbAsciiToChar,      &actions::mbAsciiToChar},
+    {ActionCode::Delete,             &actions::deleteMember},
+    {ActionCode::Delete2,            &actions::deleteVariable},
+    {ActionCode::DefineLocal,        &actions::defineLocal,            Hot::None, kNeedsActivation},
+    {ActionCode::CallFunction,       &actions::callFunction,           Hot::None, kCached},
+    {ActionCode::Return,             &actions::returnValue,            Hot::Return},
+    {ActionCode::Modulo,             &actions::modulo},
+    {ActionCode::NewObject,          &actions::newObject,              Hot::None, kCached},
+    {ActionCode::DefineLocal2,       &actions::defineLocal2,           Hot::None, kNeedsActivation},
+    {ActionCode::InitArray,          &actions::initArray},
+    {ActionCode::InitObject,         &actions::initObject},
+    {ActionCode::TypeOf,             &actions::typeOf},
+    {ActionCode::TargetPath,         &actions::targetPath},
+    {ActionCode::Enumerate,          &actions::enumerate},
+    {ActionCode::Add2,               &actions::add2,                   Hot::Add2},
+    {ActionCode::Less2,              &actions::less2,                  Hot::Less2},
+    {ActionCode::Equals2,            &actions::equals2,                Hot::Equals2},
+    {ActionCode::ToNumber,           &actions::toNumber},
+    {ActionCode::ToString,           &actions::toString},
+    {ActionCode::PushDuplicate,      &actions::pushDuplicate,          Hot::PushDuplicate},
+    {ActionCode::StackSwap,          &actions::stackSwap},
+    {ActionCode::GetMember,          &actions::getMember,              Hot::GetMember, kCached},
+    {ActionCode::SetMember,          &actions::setMember,              Hot::SetMember, kCached},
+    {ActionCode::Increment,          &actions::increment,              Hot::Increment},
+    {ActionCode::Decrement,          &actions::decrement,              Hot::Decrement},
+    {ActionCode::CallMethod,         &actions::callMethod,             Hot::None, kCached},
+    {ActionCode::NewMethod,          &actions::newMethod},
+    {ActionCode::InstanceOf,         &actions::instanceOf},
+    {ActionCode::Enumerate2,         &actions::enumerate2},
+    {ActionCode::BitAnd,             &actions::bitAnd},
+    {ActionCode::BitOr,              &actions::bitOr},
+    {ActionCode::BitXor,             &actions::bitXor},
+    {ActionCode::ShiftLeft,          &actions::bitLeftShift},
+    {ActionCode::ShiftRight,         &actions::bitRightShift},
+    {ActionCode::ShiftRightUnsigned, &actions::bitUnsignedRightShift},
+    {ActionCode::StrictEquals,       &actions::strictEquals},
+    {ActionCode::Greater,            &actions::greater,                Hot::Greater},
+    {ActionCode::StringGreater,      &actions::stringGreater},
+    {ActionCode::Extends,            &actions::extends},
+    {ActionCode::GotoFrame,          &actions::gotoFrame},
+    {ActionCode::GetUrl,             &actions::getUrl},
+    {ActionCode::StoreRegister,      &actions::storeRegister,          Hot::StoreRegister},
+    {ActionCode::ConstantPool,       &actions::constantPool},
+    {ActionCode::WaitForFrame,       &actions::waitForFrame},
+    {ActionCode::SetTarget,          &actions::setTarget},
+    {ActionCode::GotoLabel,          &actions::gotoLabel},
+    {ActionCode::WaitForFrame2,      &actions::waitForFrame2},
+    {ActionCode::DefineFunction2,    &actions::defineFunction,         Hot::None, kNeedsActivation},
+    {ActionCode::Try,                &actions::tryBlock},
+    {ActionCode::With,               &actions::with,                   Hot::None, kNeedsActivation},
+    {ActionCode::Jump,               &actions::jump,                   Hot::Jump},
+    {ActionCode::GetUrl2,            &actions::getUrl2},
+    {ActionCode::DefineFunction,     &actions::defineFunction,         Hot::None, kNeedsActivation},
+    {ActionCode::If,                 &actions::jumpIf,                 Hot::If},
+    {ActionCode::Call,               &actions::call},
+    {ActionCode::GotoFrame2,         &actions::gotoFrame2},
 };
 // clang-format on
 
-consteval std::array<ActionInfo, 256> actionsByCode()
+consteval std::array<ActionInfo, 256> actionsByOp()
 {
     std::array<ActionInfo, 256> table{};
-    for (int code = 0; code < 256; ++code) {
-        table[static_cast<std::size_t>(code)] = {static_cast<std::uint8_t>(code), nullptr, 0,
-                                                 &actions::nothing};
-    }
     for (const ActionInfo& action : kActions) {
-        if (table[action.code].name != nullptr) throw "two actions share a code";
-        table[action.code] = action;
+        if (table[action.op].function != nullptr) throw "two actions share a code";
+        table[action.op] = action;
+    }
+    for (int op = 0; op < 256; ++op) {
+        ActionInfo& entry = table[static_cast<std::size_t>(op)];
+        const bool isKnown = swf::kActionCodeByNumber[static_cast<std::size_t>(op)].name != nullptr;
+        // Push becomes instructions of the decoder's own.
+        if (isKnown && entry.function == nullptr && op != static_cast<int>(ActionCode::Push))
+            throw "an action has no function";
+        if (entry.function == nullptr) entry = ActionInfo(static_cast<std::uint8_t>(op), &actions::nothing);
     }
     return table;
 }
-/// All 256 codes; those that mean nothing have no name and do nothing.
-inline constexpr auto kActionByCode = actionsByCode();
-
-/// Actions that the interpreter's loop does itself when the operands are of the common kind.
-enum class Hot : std::uint8_t {
-    None,
-    PushLiteral,
-    PushConstant,
-    PushRegister,
-    StoreRegister,
-    Pop,
-    Jump,
-    If,
-    Not,
-    Add2,
-    Subtract,
-    Multiply,
-    Less2,
-    Greater,
-    Equals2,
-    Increment,
-    Decrement,
-    GetVariable,
-    GetMember,
-    SetMember,
-    SetVariable,
-    Return,
-    PushDuplicate,
-    End,
-    RegionEnd,
-};
-
-consteval std::array<std::uint8_t, 256> hotByCode()
-{
-    constexpr std::pair<int, Hot> kHot[] = {
-        {kPushLiteral, Hot::PushLiteral},
-        {kPushConstant, Hot::PushConstant},
-        {kPushRegister, Hot::PushRegister},
-        {0x87, Hot::StoreRegister},
-        {0x17, Hot::Pop},
-        {0x99, Hot::Jump},
-        {0x9D, Hot::If},
-        {0x12, Hot::Not},
-        {0x47, Hot::Add2},
-        {0x0B, Hot::Subtract},
-        {0x0C, Hot::Multiply},
-        {0x48, Hot::Less2},
-        {0x67, Hot::Greater},
-        {0x49, Hot::Equals2},
-        {0x50, Hot::Increment},
-        {0x51, Hot::Decrement},
-        {0x1C, Hot::GetVariable},
-        {0x4E, Hot::GetMember},
-        {0x4F, Hot::SetMember},
-        {0x1D, Hot::SetVariable},
-        {0x3E, Hot::Return},
-        {0x4C, Hot::PushDuplicate},
-        {kEnd, Hot::End},
-        {kRegionEnd, Hot::RegionEnd},
-    };
-    std::array<std::uint8_t, 256> table{};
-    for (const auto& [code, hot] : kHot)
-        table[static_cast<std::size_t>(code)] = static_cast<std::uint8_t>(hot);
-    return table;
-}
-inline constexpr auto kHotByCode = hotByCode();
-
-constexpr bool isCachedAction(std::uint8_t code) { return kActionByCode[code].cached; }
+/// All 256; those that mean nothing do nothing.
+inline constexpr auto kActionByOp = actionsByOp();
 
 } // namespace flash::avm1

@@ -13,11 +13,12 @@ namespace flash::avm1
 
 class Code;
 class Vm;
+enum class Hot : std::uint8_t;
 
 /// One decoded action. `op` is the action's code in the file or one of the decoder's own (Actions.h).
 struct Instruction {
     std::uint8_t op = 0;
-    std::uint8_t hot = 0; ///< which of the interpreter loop's own cases it is; 0: none
+    Hot hot{}; ///< which of the interpreter loop's own cases it is
     std::uint16_t a = 0;
     std::uint32_t b = 0;
 };

@@ -24,7 +24,10 @@ enum PushType : std::uint8_t {
     PushConstant16
 };
 
-constexpr std::uint8_t kFirstLongAction = 0x80; // from here on actions carry a 16-bit payload length
+using swf::ActionPayload;
+using swf::kFirstLongAction;
+
+constexpr std::uint8_t kEnd = static_cast<std::uint8_t>(ActionCode::End);
 
 } // namespace
 
@@ -53,14 +56,18 @@ private:
     std::uint32_t decodeOne(std::uint32_t offset);
     void payload(std::uint8_t code, base::Bytes bytes, std::uint32_t& next);
     void push(base::ByteReader reader);
-    void functionHead(base::ByteReader reader, bool second, std::uint32_t& next);
+    void functionHead(base::ByteReader reader, std::uint8_t code, std::uint32_t& next);
     void tryHead(base::ByteReader reader, std::uint32_t next);
     void constantPool(base::ByteReader reader);
     void emit(std::uint8_t op, std::uint16_t a = 0, std::uint32_t b = 0)
     {
-        m_body.instructions.push_back({op, kHotByCode[op], a, b});
-        m_body.needsActivation |= kActionByCode[op].needsActivation;
+        m_body.instructions.push_back({op, kActionByOp[op].hot, a, b});
+        m_body.needsActivation |= kActionByOp[op].needsActivation;
         m_body.offsets.push_back(m_offset);
+    }
+    void emit(ActionCode code, std::uint16_t a = 0, std::uint32_t b = 0)
+    {
+        emit(static_cast<std::uint8_t>(code), a, b);
     }
     void emitJump(std::uint8_t op, std::uint16_t a, std::int64_t target)
     {
@@ -108,7 +115,7 @@ void Decoder::decodeFrom(std::uint32_t offset)
         std::int32_t& index = m_body.indexAt[offset - m_body.start];
         if (index >= 0) {
             // This reading has met an earlier one.
-            emit(kJumpAction, 0, static_cast<std::uint32_t>(index));
+            emit(ActionCode::Jump, 0, static_cast<std::uint32_t>(index));
             return;
         }
         index = static_cast<std::int32_t>(m_body.instructions.size());
@@ -136,7 +143,7 @@ std::uint32_t Decoder::decodeOne(std::uint32_t offset)
         return next;
     }
     if (code < kFirstLongAction) {
-        emit(code, 0, isCachedAction(code) ? cache() : 0);
+        emit(code, 0, kActionByOp[code].cached ? cache() : 0);
         return next;
     }
     if (m_body.end - next < 2) {
@@ -158,43 +165,44 @@ void Decoder::payload(std::uint8_t code, base::Bytes bytes, std::uint32_t& next)
     base::ByteReader reader(bytes);
     const auto byte = [&] { return reader.u8().value_or(0); };
     const auto word = [&] { return reader.u16().value_or(0); };
-    switch (code) {
-    case 0x81: emit(code, word()); break;
-    case 0x83: {
+    switch (swf::kActionCodeByNumber[code].payload) {
+    case ActionPayload::None: emit(code); break;
+    case ActionPayload::Frame: emit(code, word()); break;
+    case ActionPayload::Register:
+    case ActionPayload::Flags: emit(code, byte()); break;
+    case ActionPayload::UrlAndWindow: {
         const std::uint32_t url = literal(Value(text(reader).string()));
         literal(Value(text(reader).string()));
         emit(code, 0, url);
         break;
     }
-    case 0x87: emit(code, byte()); break;
-    case 0x88: constantPool(reader); break;
-    case 0x8A: {
+    case ActionPayload::ConstantPool: constantPool(reader); break;
+    case ActionPayload::FrameAndSkip: {
         const std::uint16_t frame = word();
         emitJump(code, frame, skipActions(next, byte()));
         break;
     }
-    case 0x8B:
-    case 0x8C: emit(code, 0, literal(Value(text(reader).string()))); break;
-    case 0x8D: emitJump(code, 0, skipActions(next, byte())); break;
-    case 0x8E: functionHead(reader, true, next); break;
-    case 0x8F: tryHead(reader, next); break;
-    case 0x94: {
+    case ActionPayload::Text: emit(code, 0, literal(Value(text(reader).string()))); break;
+    case ActionPayload::Skip: emitJump(code, 0, skipActions(next, byte())); break;
+    case ActionPayload::Function:
+    case ActionPayload::Function2: functionHead(reader, code, next); break;
+    case ActionPayload::Try: tryHead(reader, next); break;
+    case ActionPayload::Region: {
         const std::uint32_t regionEnd = std::min<std::uint32_t>(next + word(), m_body.end);
         m_isRegionEnd[regionEnd - m_body.start] = true;
         emit(code, 0, regionEnd);
         break;
     }
-    case 0x96: push(reader); break;
-    case 0x99:
-    case 0x9D: emitJump(code, 0, std::int64_t{next} + static_cast<std::int16_t>(word())); break;
-    case 0x9A: emit(code, byte()); break;
-    case 0x9B: functionHead(reader, false, next); break;
-    case 0x9F: {
+    case ActionPayload::Push: push(reader); break;
+    case ActionPayload::Branch:
+        emitJump(code, 0, std::int64_t{next} + static_cast<std::int16_t>(word()));
+        break;
+    case ActionPayload::FrameFlags: {
+        constexpr std::uint8_t kHasBias = 2;
         const std::uint8_t flags = byte();
-        emit(code, flags, (flags & 2) != 0 ? word() : 0U);
+        emit(code, flags, (flags & kHasBias) != 0 ? word() : 0U);
         break;
     }
-    default: emit(code); break;
     }
 }
 
@@ -237,8 +245,9 @@ void Decoder::push(base::ByteReader reader)
     }
 }
 
-void Decoder::functionHead(base::ByteReader reader, bool second, std::uint32_t& next)
+void Decoder::functionHead(base::ByteReader reader, std::uint8_t code, std::uint32_t& next)
 {
+    const bool second = swf::kActionCodeByNumber[code].payload == ActionPayload::Function2;
     auto function = std::make_unique<FunctionCode>();
     FunctionHead& head = function->head;
     head.name = text(reader);
@@ -259,7 +268,7 @@ void Decoder::functionHead(base::ByteReader reader, bool second, std::uint32_t& 
     head.bodyEnd = std::min(next + length, m_body.end);
     next = head.bodyEnd;
     m_code.m_functions.push_back(std::move(function));
-    emit(second ? 0x8E : 0x9B, 0, static_cast<std::uint32_t>(m_code.m_functions.size() - 1));
+    emit(code, 0, static_cast<std::uint32_t>(m_code.m_functions.size() - 1));
 }
 
 void Decoder::tryHead(base::ByteReader reader, std::uint32_t next)
@@ -286,7 +295,7 @@ void Decoder::tryHead(base::ByteReader reader, std::uint32_t next)
     m_targets.insert(m_targets.end(), {next, head.tryEnd, head.catchEnd, head.finallyEnd});
     m_code.m_tries.push_back(head);
     m_body.needsActivation |= head.hasCatch && !head.catchInRegister;
-    emit(0x8F, 0, static_cast<std::uint32_t>(m_code.m_tries.size() - 1));
+    emit(ActionCode::Try, 0, static_cast<std::uint32_t>(m_code.m_tries.size() - 1));
 }
 
 void Decoder::constantPool(base::ByteReader reader)
@@ -295,7 +304,7 @@ void Decoder::constantPool(base::ByteReader reader)
     const std::uint16_t count = reader.u16().value_or(0);
     for (std::uint16_t i = 0; i < count && !reader.atEnd(); ++i) pool->emplace_back(text(reader).string());
     m_code.m_pools.push_back(std::move(pool));
-    emit(0x88, 0, static_cast<std::uint32_t>(m_code.m_pools.size() - 1));
+    emit(ActionCode::ConstantPool, 0, static_cast<std::uint32_t>(m_code.m_pools.size() - 1));
 }
 
 Name Decoder::text(base::ByteReader& reader)

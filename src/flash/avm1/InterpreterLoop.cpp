@@ -20,13 +20,10 @@ void Frame::overflow() { Interpreter::abort(vm, "A script used up the operand st
 void Interpreter::loop(Frame& frame)
 {
     Vm& vm = frame.vm;
-    // In the order of Hot.
-    static const void* const kCases[] = {
-        &&viaTable,    &&pushLiteral, &&pushConstant,  &&pushRegister, &&storeRegister,
-        &&popOne,      &&jump,        &&jumpIf,        &&logicalNot,   &&add2,
-        &&subtract,    &&multiply,    &&less2,         &&greater,      &&equals2,
-        &&increment,   &&decrement,   &&getVariable,   &&getMember,    &&setMember,
-        &&setVariable, &&returnValue, &&pushDuplicate, &&end,          &&regionEnd,
+    static const void* const kCases[] = {&&viaTable,
+#define FLASH_HOT_LABEL(name, label) &&label,
+                                         FLASH_HOT_ACTIONS(FLASH_HOT_LABEL)
+#undef FLASH_HOT_LABEL
     };
     // The frame's own are up to date wherever anything else may look at them: LEAVE before, ENTER after.
     const Instruction* ip = frame.ip;     // the next instruction
@@ -43,14 +40,14 @@ void Interpreter::loop(Frame& frame)
 #define NEXT                                                                                                 \
     do {                                                                                                     \
         current = ip++;                                                                                      \
-        goto* kCases[current->hot];                                                                          \
+        goto* kCases[static_cast<std::size_t>(current->hot)];                                                \
     } while (false)
 
     NEXT;
 
 viaTable:
     LEAVE;
-    kActionByCode[current->op].function(frame, *current);
+    kActionByOp[current->op].function(frame, *current);
     ENTER;
 afterCall:
     if (vm.m_thrown || vm.m_aborted || frame.returned) [[unlikely]]

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "flash/swf/ActionCodes.h"
+
 #include <bit>
 #include <cstdint>
 #include <map>
@@ -15,19 +17,20 @@ namespace flash::avm1::test
 class Assembler
 {
 public:
-    Assembler& op(std::uint8_t code)
+    using Code = swf::ActionCode;
+    Assembler& op(Code code)
     {
-        m_bytes.push_back(code);
+        m_bytes.push_back(static_cast<std::uint8_t>(code));
         return *this;
     }
-    Assembler& ops(std::initializer_list<int> codes)
+    Assembler& ops(std::initializer_list<Code> codes)
     {
-        for (const int code : codes) m_bytes.push_back(static_cast<std::uint8_t>(code));
+        for (const Code code : codes) op(code);
         return *this;
     }
-    Assembler& longOp(std::uint8_t code, const std::vector<std::uint8_t>& payload)
+    Assembler& longOp(Code code, const std::vector<std::uint8_t>& payload)
     {
-        m_bytes.push_back(code);
+        op(code);
         word(payload.size());
         m_bytes.insert(m_bytes.end(), payload.begin(), payload.end());
         return *this;
@@ -37,7 +40,7 @@ public:
         std::vector<std::uint8_t> payload{0};
         payload.insert(payload.end(), text.begin(), text.end());
         payload.push_back(0);
-        return longOp(0x96, payload);
+        return longOp(Code::Push, payload);
     }
     Assembler& push(const char* text) { return push(std::string_view(text)); }
     Assembler& push(double number)
@@ -46,25 +49,25 @@ public:
         std::vector<std::uint8_t> payload{6};
         for (const int shift : {32, 40, 48, 56, 0, 8, 16, 24})
             payload.push_back(static_cast<std::uint8_t>(bits >> shift));
-        return longOp(0x96, payload);
+        return longOp(Code::Push, payload);
     }
     Assembler& push(int number) { return push(static_cast<double>(number)); }
-    Assembler& push(bool flag) { return longOp(0x96, {5, static_cast<std::uint8_t>(flag)}); }
-    Assembler& pushNull() { return longOp(0x96, {2}); }
-    Assembler& pushUndefined() { return longOp(0x96, {3}); }
-    Assembler& pushRegister(std::uint8_t number) { return longOp(0x96, {4, number}); }
-    Assembler& storeRegister(std::uint8_t number) { return longOp(0x87, {number}); }
-    Assembler& get(std::string_view variable) { return push(variable).op(0x1C); }
+    Assembler& push(bool flag) { return longOp(Code::Push, {5, static_cast<std::uint8_t>(flag)}); }
+    Assembler& pushNull() { return longOp(Code::Push, {2}); }
+    Assembler& pushUndefined() { return longOp(Code::Push, {3}); }
+    Assembler& pushRegister(std::uint8_t number) { return longOp(Code::Push, {4, number}); }
+    Assembler& storeRegister(std::uint8_t number) { return longOp(Code::StoreRegister, {number}); }
+    Assembler& get(std::string_view variable) { return push(variable).op(Code::GetVariable); }
     /// Traces the value on the stack.
-    Assembler& trace() { return op(0x26); }
+    Assembler& trace() { return op(Code::Trace); }
 
     Assembler& label(const std::string& name)
     {
         m_labels[name] = m_bytes.size();
         return *this;
     }
-    Assembler& jump(const std::string& label) { return jumpTo(0x99, label); }
-    Assembler& jumpIf(const std::string& label) { return jumpTo(0x9D, label); }
+    Assembler& jump(const std::string& label) { return jumpTo(Code::Jump, label); }
+    Assembler& jumpIf(const std::string& label) { return jumpTo(Code::If, label); }
 
     /// A function expression (empty name) or declaration without registers.
     Assembler& function(std::string_view name, const std::vector<std::string>& parameters,
@@ -76,7 +79,7 @@ public:
         for (const std::string& parameter : parameters) appendText(payload, parameter);
         const std::vector<std::uint8_t> code = body.bytes();
         appendWord(payload, code.size());
-        longOp(0x9B, payload);
+        longOp(Code::DefineFunction, payload);
         m_bytes.insert(m_bytes.end(), code.begin(), code.end());
         return *this;
     }
@@ -94,7 +97,7 @@ public:
         }
         const std::vector<std::uint8_t> code = body.bytes();
         appendWord(payload, code.size());
-        longOp(0x8E, payload);
+        longOp(Code::DefineFunction2, payload);
         m_bytes.insert(m_bytes.end(), code.begin(), code.end());
         return *this;
     }
@@ -103,7 +106,7 @@ public:
         const std::vector<std::uint8_t> code = body.bytes();
         std::vector<std::uint8_t> payload;
         appendWord(payload, code.size());
-        longOp(0x94, payload);
+        longOp(Code::With, payload);
         m_bytes.insert(m_bytes.end(), code.begin(), code.end());
         return *this;
     }
@@ -120,7 +123,7 @@ public:
         appendWord(payload, caughtCode.size());
         appendWord(payload, lastCode.size());
         appendText(payload, catchName);
-        longOp(0x8F, payload);
+        longOp(Code::Try, payload);
         for (const auto* code : {&bodyCode, &caughtCode, &lastCode})
             m_bytes.insert(m_bytes.end(), code->begin(), code->end());
         return *this;
@@ -145,7 +148,7 @@ public:
     }
 
 private:
-    Assembler& jumpTo(std::uint8_t code, const std::string& label)
+    Assembler& jumpTo(Code code, const std::string& label)
     {
         longOp(code, {0, 0});
         m_jumps.emplace_back(m_bytes.size() - 2, label);

@@ -7,20 +7,7 @@ namespace flash::avm1::test
 namespace
 {
 
-enum Op : std::uint8_t {
-    Add2 = 0x47,
-    Less2 = 0x48,
-    SetVariable = 0x1D,
-    GetMember = 0x4E,
-    SetMember = 0x4F,
-    CallFunction = 0x3D,
-    CallMethod = 0x52,
-    InitObject = 0x43,
-    InitArray = 0x42,
-    Return = 0x3E,
-    Pop = 0x17,
-    Increment = 0x50,
-};
+using enum swf::ActionCode;
 
 // The tests run in frames of their own, and the stack is cleared of what those left behind.
 __attribute__((noinline)) void makeCycles(Machine& machine, int count)

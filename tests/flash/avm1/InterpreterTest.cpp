@@ -7,30 +7,7 @@ namespace flash::avm1::test
 namespace
 {
 
-enum Op : std::uint8_t {
-    Add2 = 0x47,
-    Subtract = 0x0B,
-    Less2 = 0x48,
-    Equals2 = 0x49,
-    SetVariable = 0x1D,
-    GetMember = 0x4E,
-    SetMember = 0x4F,
-    CallFunction = 0x3D,
-    CallMethod = 0x52,
-    NewObject = 0x40,
-    InitObject = 0x43,
-    InitArray = 0x42,
-    Return = 0x3E,
-    DefineLocal = 0x3C,
-    Pop = 0x17,
-    Throw = 0x2A,
-    Enumerate2 = 0x55,
-    StackSwap = 0x4D,
-    Extends = 0x69,
-    Duplicate = 0x4C,
-    Increment = 0x50,
-    InstanceOf = 0x54,
-};
+using enum swf::ActionCode;
 
 TEST(Interpreter, RunsALoopWithBackwardJumps)
 {
@@ -67,7 +44,7 @@ TEST(Interpreter, PreloadsRegistersInTheirOrder)
     body.pushRegister(1).push("name").op(GetMember).trace();   // this
     body.pushRegister(2).push("length").op(GetMember).trace(); // arguments
     body.pushRegister(4).trace();                              // a parameter in a register
-    body.get("arguments").op(0x44).trace();                    // preloaded and suppressed by nothing
+    body.get("arguments").op(TypeOf).trace();                  // preloaded and suppressed by nothing
     Assembler code;
     code.push("o").push("name").push("me").push(1).op(InitObject).op(SetVariable);
     code.get("o").push("f").function2("", 5, 1 | 4, {{4, "p"}}, body).op(SetMember);
@@ -86,7 +63,7 @@ TEST(Interpreter, WithEndsWhereverItsBodyIsLeft)
     code.get("o").with(body).get("x").trace();
     // Jumping out of the body: the target lies right behind it (a `break`).
     Assembler leaving;
-    leaving.get("x").trace().longOp(0x99, {4, 0}).ops({0x17, 0x17, 0x17, 0x17});
+    leaving.get("x").trace().longOp(Jump, {4, 0}).ops({Pop, Pop, Pop, Pop});
     code.get("o").with(leaving).get("x").trace();
     EXPECT_EQ(machine.run(code), "inside|outside|inside|outside");
 }
@@ -241,9 +218,9 @@ TEST(Interpreter, CachesNoticeWhatChangesBelowThem)
     read();
     code.get("o").push("x").push("own").op(SetMember);
     read();
-    code.get("o").push("x").op(0x3A).op(Pop);
+    code.get("o").push("x").op(Delete).op(Pop);
     read();
-    code.get("mid").push("x").op(0x3A).op(Pop);
+    code.get("mid").push("x").op(Delete).op(Pop);
     read();
     code.get("o").push("__proto__").pushNull().op(SetMember);
     read();
