@@ -49,6 +49,14 @@ private:
     std::map<std::string, std::vector<std::uint8_t>, std::less<>> m_objects;
 };
 
+/// Whether a file lies in a folder, not below it, links resolved.
+bool liesIn(const std::filesystem::path& file, const std::filesystem::path& folder)
+{
+    std::error_code error;
+    const auto real = std::filesystem::canonical(file, error);
+    return !error && !folder.empty() && std::filesystem::equivalent(real.parent_path(), folder, error);
+}
+
 /// What a movie may read: its folder, and files that the host itself asked for.
 class MovieLoader : public stage::Loader
 {
@@ -62,7 +70,12 @@ public:
         m_shared = shared.empty() ? nullptr : std::make_unique<net::LocalLoader>(shared);
         m_baseUrl = base.empty() ? std::string() : net::urlFromPath(base) + "/";
         m_granted.clear();
+        m_hasReadFiles = false;
     }
+    /// Where the host's own pages lie, when it is one of them that the loads are for; else empty.
+    void setTrusted(const std::filesystem::path& folder) { m_trusted = folder; }
+    [[nodiscard]] bool holdsOnlyTrusted() const { return !m_trusted.empty(); }
+    [[nodiscard]] bool hasReadFiles() const { return m_hasReadFiles; }
     /// Answers the next request for `url` with `bytes`.
     void grant(const std::string& url, std::vector<std::uint8_t> bytes) { m_granted[url] = std::move(bytes); }
 
@@ -71,6 +84,7 @@ public:
         if (const auto found = m_granted.find(request.url); found != m_granted.end()) {
             stage::LoadAnswer answer{request.url, std::move(found->second)};
             m_granted.erase(found);
+            look(answer);
             return answer;
         }
         if (!m_folder) return base::fail(base::ErrorCode::Denied, request.url + ": no movie is loaded");
@@ -78,15 +92,29 @@ public:
         if (!m_baseUrl.empty()) based.baseUrl = m_baseUrl;
         auto answer = m_folder->load(based);
         if (!answer && m_shared) {
-            if (auto shared = m_shared->load(request)) return shared;
+            if (auto shared = m_shared->load(request)) answer = std::move(shared);
         }
+        if (answer) look(*answer);
         return answer;
     }
 
 private:
+    /// Notes what has come in. By the bytes, not by what was asked for: a picture may turn out to be a movie.
+    void look(const stage::LoadAnswer& answer)
+    {
+        const std::string_view start(reinterpret_cast<const char*>(answer.bytes.data()),
+                                     std::min<std::size_t>(answer.bytes.size(), 3));
+        if (start != "FWS" && start != "CWS" && start != "ZWS")
+            m_hasReadFiles = true;
+        else if (!m_trusted.empty() && !liesIn(net::pathFromUrl(answer.url), m_trusted))
+            m_trusted.clear();
+    }
+
     std::unique_ptr<net::LocalLoader> m_folder, m_shared;
     std::string m_baseUrl;
     std::map<std::string, std::vector<std::uint8_t>> m_granted;
+    std::filesystem::path m_trusted;
+    bool m_hasReadFiles = false;
 };
 
 struct Source {
@@ -230,11 +258,10 @@ base::Result<void> Engine::open(const std::string& address)
     Source source = TRY_RESULT(readSource(address));
     auto movie = TRY_RESULT(swf::parseMovie(source.bytes));
     const auto& base = d->options.baseFolder;
-    std::error_code different;
-    const bool trusted =
-        std::filesystem::equivalent(source.path.parent_path(), d->options.trustedFolder, different);
+    const bool trusted = liesIn(source.path, d->options.trustedFolder);
     d->loader.setFolders(base.empty() ? source.path.parent_path() : base, base,
                          trusted ? d->options.sharedFolder : std::filesystem::path());
+    d->loader.setTrusted(trusted ? d->options.trustedFolder : std::filesystem::path());
     const auto& storage = d->options.storageFolder;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     if (!storage.empty()) {
@@ -264,6 +291,20 @@ base::Result<void> Engine::openLevel(int level, const std::string& address)
 }
 
 void Engine::close() { d->renewStage(std::make_unique<MemoryStore>(), Private::Scripts::None); }
+
+void Engine::abandon()
+{
+    d->stage->setScript(nullptr);
+    d->stage.reset();
+    d->script.reset();
+    d->sound.reset();
+    d->store = std::make_unique<MemoryStore>();
+    d->makeStage(Private::Scripts::None);
+    d->loader.setTrusted({});
+}
+
+bool Engine::holdsOnlyTrusted() const { return d->loader.holdsOnlyTrusted(); }
+bool Engine::hasReadFiles() const { return d->loader.hasReadFiles(); }
 bool Engine::isOpen() const { return d->stage->movie() != nullptr; }
 
 void Engine::advance(double ms, Hearing hearing)

@@ -67,7 +67,14 @@ public:
     /// @errors as open()
     base::Result<void> openLevel(int level, const std::string& address);
     void close();
+    /// As close(), after the memory has come to an end: nothing of what is there is looked at or saved.
+    void abandon();
     [[nodiscard]] bool isOpen() const;
+    /// Whether every movie that was read since level 0 was opened lies in `trustedFolder`, links resolved; as
+    /// it was when it was read. Never true again once a movie from elsewhere has come, into whatever clip.
+    [[nodiscard]] bool holdsOnlyTrusted() const;
+    /// Whether movies have read files that are no movies since level 0 was opened.
+    [[nodiscard]] bool hasReadFiles() const;
 
     /// Moves everything on. Not for a level of detail below a frame: loads and frames take place within.
     enum class Hearing {

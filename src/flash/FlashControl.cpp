@@ -12,7 +12,6 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLocale>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -20,6 +19,8 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <new>
+#include <stdexcept>
 
 namespace flash
 {
@@ -32,6 +33,8 @@ constexpr int kFlashVersion = 0x00080018;
 constexpr double kLongestStepMs = 1000;
 // How often the sound device and the loads of a movie without a next event are looked after.
 constexpr double kLongestWaitMs = 1000;
+// What a movie says for so long after a click or a key may be what the user wanted with it.
+constexpr qint64 kActCountsMs = 1000;
 
 stage::MouseButton toStage(Qt::MouseButton button)
 {
@@ -61,6 +64,11 @@ public:
     explicit Private(FlashControl& owner)
         : q(owner), engine(host, {}), audio(new AudioOutput(&owner)), timer(new QTimer(&owner))
     {
+        host.setSenderSource([this](Sender& sender) {
+            sender.isPage = engine.holdsOnlyTrusted();
+            sender.hasRead = engine.hasReadFiles();
+            sender.act = sinceAct.isValid() && sinceAct.elapsed() < kActCountsMs ? acts : 0;
+        });
         timer->setSingleShot(true);
         timer->setTimerType(Qt::PreciseTimer);
         QObject::connect(timer, &QTimer::timeout, &q, [this] { tick(); });
@@ -75,12 +83,46 @@ public:
     {
         if (busy) return;
         busy = true;
-        work();
+        sinceBusy.start();
+        const bool done = enoughMemoryFor(work);
+        if (resizedMeanwhile) fitView();
+        resizedMeanwhile = false;
         busy = false;
+        if (!done) abandon();
         showChanges();
         schedule();
         // Last, because a handler may load another movie or end this control's life.
         host.deliver(q);
+    }
+
+    /// @returns false when the memory came to an end on the way
+    template <class Work>
+    static bool enoughMemoryFor(Work&& work)
+    {
+        try {
+            work();
+        } catch (const std::bad_alloc&) {
+            return false;
+        } catch (const std::length_error&) {
+            return false; // more than any memory holds
+        }
+        return true;
+    }
+
+    void abandon()
+    {
+        engine.abandon();
+        audio->release();
+        movie.clear();
+        host.setMovie({});
+        error = QStringLiteral("the memory has come to an end");
+        QTimer::singleShot(0, &q, [this] { emit q.ranOutOfMemory(); });
+    }
+
+    void userActed()
+    {
+        ++acts;
+        sinceAct.start();
     }
 
     void tick()
@@ -177,7 +219,7 @@ public:
         if (dirty.isEmpty()) return;
         QElapsedTimer cost;
         cost.start();
-        engine.render(image, dirty);
+        if (!enoughMemoryFor([&] { engine.render(image, dirty); })) abandon();
         costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
     }
 
@@ -220,6 +262,7 @@ public:
 
     void mouse(QMouseEvent* event, int clicks)
     {
+        if (event->type() != QEvent::MouseMove) userActed();
         const QPointF position = event->position() * q.devicePixelRatioF();
         const auto button = toStage(event->button());
         drive([&] {
@@ -259,6 +302,9 @@ public:
     double playedMs = 0, soundLeadMs = -1; // since the device was opened; -1: not measured yet
     std::optional<QColor> background;      // as the host set it
     QString movie, error;
+    quint64 acts = 0;
+    QElapsedTimer sinceAct, sinceBusy;
+    bool resizedMeanwhile = false;
 };
 
 FlashControl::FlashControl(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>(*this))
@@ -297,6 +343,9 @@ bool FlashControl::LoadMovie(int layer, const QString& url)
             if (layer == 0) d->loaded(url);
             return;
         }
+        // What the user did, he did to the movie before.
+        if (layer == 0) d->sinceAct.invalidate();
+        done = false; // as long as it is not known better
         // Its first frame's scripts run before the movie is known to be loaded.
         const QString before = d->host.movie();
         if (layer == 0) d->host.setMovie(url);
@@ -313,7 +362,12 @@ bool FlashControl::LoadMovie(int layer, const QString& url)
 }
 
 QString FlashControl::Movie() const { return d->movie; }
-QString FlashControl::senderMovie() const { return d->host.sender(); }
+QString FlashControl::senderMovie() const { return d->host.sender().movie; }
+bool FlashControl::senderIsPage() const { return d->host.sender().isPage; }
+bool FlashControl::senderHasRead() const { return d->host.sender().hasRead; }
+quint64 FlashControl::senderAct() const { return d->host.sender().act; }
+bool FlashControl::isBusy() const { return d->busy; }
+qint64 FlashControl::busyForMs() const { return d->busy ? d->sinceBusy.elapsed() : 0; }
 QString FlashControl::errorText() const { return d->error; }
 int FlashControl::ReadyState() const { return d->host.readyState(); }
 bool FlashControl::listensToKeys() const { return d->engine.isOpen() && d->engine.stage().listensToKeys(); }
@@ -527,6 +581,7 @@ void FlashControl::paintEvent(QPaintEvent* event)
 
 void FlashControl::resizeEvent(QResizeEvent*)
 {
+    d->resizedMeanwhile = d->busy;
     d->drive([this] { d->fitView(); });
 }
 
@@ -577,6 +632,8 @@ void FlashControl::leaveEvent(QEvent*)
 void FlashControl::keyPressEvent(QKeyEvent* event)
 {
     const char32_t character = characterOf(*event);
+    // Escape is the user's own way out of things.
+    if (!event->isAutoRepeat() && event->key() != Qt::Key_Escape) d->userActed();
     d->drive([&] {
         stage::Stage& stage = d->engine.stage();
         stage.keyDown(keyCodeOf(*event), character);

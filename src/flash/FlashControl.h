@@ -91,6 +91,20 @@ public:
     /// While a signal comes from a movie: what layer 0 held when the movie sent it, as Movie. Another movie
     /// may have taken its place since, by an earlier command of the same script.
     [[nodiscard]] QString senderMovie() const;
+    /// While a signal comes from a movie: whether everything that runs was read from the folder of the host's
+    /// own pages (setSharedFolder), at the time it was loaded. One movie from elsewhere, in any layer or clip
+    /// or as a picture, and none of them is a page any more.
+    [[nodiscard]] bool senderIsPage() const;
+    /// While a signal comes from a movie: whether movies have read files that are no movies.
+    [[nodiscard]] bool senderHasRead() const;
+    /// While a signal comes from a movie: the number of the click or key that the user gave the movie within
+    /// the second before; 0 when there was none. What movies do among themselves is no such act.
+    [[nodiscard]] quint64 senderAct() const;
+    /// Whether scripts run at this moment: what is called meanwhile does nothing to the movie, and no movie
+    /// is loaded. Only seen from a handler that was asked about a script, and from what it lets through.
+    [[nodiscard]] bool isBusy() const;
+    /// For how long they have been running; 0 while none do.
+    [[nodiscard]] qint64 busyForMs() const;
 
     /// Why the last LoadMovie failed, English, for the log.
     [[nodiscard]] QString errorText() const;
@@ -98,8 +112,8 @@ public:
     [[nodiscard]] QSize movieSize() const;
     [[nodiscard]] double frameRate() const; ///< frames a second; 0 when nothing is loaded
 
-    /// Whether keys make a difference to the movie: a script looks at them or listens to them, a button or clip
-    /// waits for one, or a text field is typed in. May change with every frame.
+    /// Whether keys make a difference to the movie: a script looks at them or listens to them, a button or
+    /// clip waits for one, or a text field is typed in. May change with every frame.
     [[nodiscard]] bool listensToKeys() const;
 
     /// Over everything that the movie itself sets. 0..1; 1 by default.
@@ -144,6 +158,8 @@ signals:
     void OnProgress(int percentDone);
     /// A movie asks for an address outside: getURL. `post` holds the body of a POST request, else null.
     void urlRequested(const QString& url, const QString& target, const QByteArray& post);
+    /// The memory came to an end in the movie's hands. It is unloaded, and nothing is left of it.
+    void ranOutOfMemory();
     /// One call of the movie's trace().
     void traced(const QString& text);
     /// Something in the movie that is damaged or not supported, English, once for each kind.

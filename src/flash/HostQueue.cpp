@@ -5,7 +5,9 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace flash
@@ -15,7 +17,8 @@ namespace
 {
 
 // A movie that traces in an endless loop must not fill the memory before its script is stopped.
-constexpr std::size_t kMostMessages = 100'000;
+constexpr std::size_t kMostMessages = 20'000;
+constexpr std::size_t kMostBytes = std::size_t{8} << 20;
 
 QString toText(std::string_view utf8)
 {
@@ -24,27 +27,50 @@ QString toText(std::string_view utf8)
 
 } // namespace
 
+bool HostQueue::takes(std::size_t bytes)
+{
+    if (m_messages.size() < kMostMessages && bytes <= kMostBytes - std::min(m_bytes, kMostBytes)) {
+        m_bytes += bytes;
+        return true;
+    }
+    if (!std::exchange(m_overflowed, true))
+        put([](FlashControl& control) {
+            emit control.logged(QStringLiteral("The movie says more at once than is listened to."));
+        });
+    return false;
+}
+
 void HostQueue::put(std::function<void(FlashControl&)> tell)
 {
-    if (m_messages.size() < kMostMessages) m_messages.push_back({std::move(tell), m_movie});
+    Sender sender;
+    sender.movie = m_movie;
+    if (m_senderSource) m_senderSource(sender);
+    m_messages.push_back({std::move(tell), std::move(sender)});
 }
 
 void HostQueue::deliver(FlashControl& control)
 {
+    // A handler that loads another movie comes back to here with what that one says at once; a movie that
+    // has itself loaded would never leave.
+    if (m_delivering || m_messages.empty()) return;
+    m_delivering = true;
     const QPointer<FlashControl> alive(&control);
     const auto messages = std::exchange(m_messages, {});
-    // A handler that loads another movie comes back to here with what that one says at once.
-    const QString outer = m_sender;
+    m_bytes = 0;
+    m_overflowed = false;
     for (const Message& message : messages) {
-        m_sender = message.movie;
+        m_sender = message.sender;
         message.tell(control);
         if (alive.isNull()) return;
     }
-    m_sender = outer;
+    m_sender = {};
+    m_delivering = false;
+    if (!m_messages.empty()) QTimer::singleShot(0, &control, [this, &control] { deliver(control); });
 }
 
 void HostQueue::fsCommand(std::string_view command, std::string_view arguments)
 {
+    if (!takes(command.size() + arguments.size())) return;
     put([command = toText(command), arguments = toText(arguments)](FlashControl& control) {
         emit control.FSCommand(command, arguments);
     });
@@ -52,6 +78,7 @@ void HostQueue::fsCommand(std::string_view command, std::string_view arguments)
 
 void HostQueue::openUrl(std::string_view url, std::string_view window)
 {
+    if (!takes(url.size() + window.size())) return;
     put([url = toText(url), window = toText(window)](FlashControl& control) {
         emit control.urlRequested(url, window, {});
     });
@@ -59,11 +86,13 @@ void HostQueue::openUrl(std::string_view url, std::string_view window)
 
 void HostQueue::traceLine(std::string_view utf8)
 {
+    if (!takes(utf8.size())) return;
     put([text = toText(utf8)](FlashControl& control) { emit control.traced(text); });
 }
 
 void HostQueue::logLine(std::string_view utf8)
 {
+    if (!takes(utf8.size())) return;
     put([text = toText(utf8)](FlashControl& control) { emit control.logged(text); });
 }
 
@@ -76,6 +105,7 @@ void HostQueue::readyStateChanged(int state)
 
 void HostQueue::progressed(int percent)
 {
+    if (!takes(0)) return;
     put([percent](FlashControl& control) { emit control.OnProgress(percent); });
 }
 

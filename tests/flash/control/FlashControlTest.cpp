@@ -247,6 +247,142 @@ TEST(FlashControl, LetsAHostAnswerACommandByLoadingAnotherMovie)
     EXPECT_EQ(control.Movie(), second);
 }
 
+TEST(FlashControl, DeliversNoMessageInsideAnother)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    int heard = 0, depth = 0;
+    QObject::connect(&control, &FlashControl::FSCommand, &control, [&](const QString&, const QString&) {
+        EXPECT_EQ(depth, 0);
+        ++depth;
+        const bool again = ++heard < 200;
+        EXPECT_TRUE(!again || control.LoadMovie(0, control.senderMovie()));
+        --depth;
+    });
+    EXPECT_TRUE(control.LoadMovie(
+        0, folder.write("a.swf", test::movingSquare(1, test::fsCommand("MEOWSEL", "itself")))));
+    EXPECT_EQ(heard, 1) << "the event loop has its turn between two loads";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return heard == 200; }, 20'000));
+}
+
+TEST(FlashControl, KnowsAPageByWhatWasLoaded)
+{
+    const test::MovieFolder pages, shared;
+    const auto speak = test::fsCommand("a", "b");
+    const auto loadAndSpeak = [&](const QString& what) {
+        auto actions = test::getUrl(what.toStdString(), "_level5");
+        actions.pop_back(); // its end
+        actions.insert(actions.end(), speak.begin(), speak.end());
+        return test::movingSquare(2, actions);
+    };
+    const QString stranger = shared.write("stranger.jpg", test::movingSquare(1));
+    const QString text = shared.write("text.txt", {'a', '=', 'b'});
+    FlashControl control;
+    control.setSharedFolder(pages.path() + '/', shared.path() + '/');
+    int heard = 0;
+    bool isPage = false, hasRead = false;
+    QObject::connect(&control, &FlashControl::FSCommand, &control, [&] {
+        ++heard;
+        isPage = control.senderIsPage();
+        hasRead = control.senderHasRead();
+    });
+    const auto loopsAround = [&] { // its first frame comes again
+        heard = 0;
+        return QTest::qWaitFor([&] { return heard > 1; });
+    };
+    const QString plain = pages.write("plain.swf", test::movingSquare(2, speak));
+    ASSERT_TRUE(control.LoadMovie(0, plain + "?a=b"));
+    EXPECT_TRUE(isPage);
+    ASSERT_TRUE(control.LoadMovie(6000, pages.write("sound.swf", test::movingSquare(1)) + "?volume=1"));
+    ASSERT_TRUE(loopsAround());
+    EXPECT_TRUE(isPage) << "a page in another layer takes nothing away";
+    EXPECT_FALSE(hasRead);
+    ASSERT_TRUE(control.LoadMovie(1, stranger));
+    ASSERT_TRUE(loopsAround());
+    EXPECT_FALSE(isPage) << "a movie from elsewhere in another layer";
+
+    ASSERT_TRUE(control.LoadMovie(0, pages.write("picture.swf", loadAndSpeak(stranger))));
+    ASSERT_TRUE(loopsAround());
+    EXPECT_FALSE(isPage) << "a picture that is a movie";
+
+    ASSERT_TRUE(control.LoadMovie(0, pages.write("reader.swf", loadAndSpeak(text))));
+    ASSERT_TRUE(loopsAround());
+    EXPECT_TRUE(isPage);
+    EXPECT_TRUE(hasRead);
+
+    QFile::link(stranger, pages.path() + "/link.swf");
+    QFile::remove(stranger);
+    shared.write("stranger.jpg", test::movingSquare(2, speak));
+    ASSERT_TRUE(control.LoadMovie(0, pages.path() + "/link.swf"));
+    EXPECT_FALSE(isPage) << "what a link leads to counts";
+
+    QFile::rename(plain, shared.path() + "/moved.swf");
+    ASSERT_TRUE(control.LoadMovie(0, shared.path() + "/moved.swf"));
+    ASSERT_TRUE(loopsAround());
+    QFile::rename(shared.path() + "/moved.swf", plain);
+    QFile::link(plain, shared.path() + "/moved.swf");
+    ASSERT_TRUE(loopsAround());
+    EXPECT_FALSE(isPage) << "a file that is swapped while it plays gives nothing";
+}
+
+TEST(FlashControl, TellsWhetherTheUserHasJustActed)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(100, 80);
+    control.show();
+    int heard = 0;
+    quint64 act = 99;
+    QObject::connect(&control, &FlashControl::FSCommand, &control, [&] {
+        ++heard;
+        act = control.senderAct();
+    });
+    const auto next = [&] {
+        heard = 0;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return heard > 0; }));
+        return act;
+    };
+    const QString movie = folder.write("a.swf", test::movingSquare(2, test::fsCommand("a", "b")));
+    ASSERT_TRUE(control.LoadMovie(0, movie));
+    EXPECT_EQ(next(), 0U);
+    QTest::mouseMove(&control, {20, 20});
+    QTest::keyClick(&control, Qt::Key_Escape);
+    EXPECT_EQ(next(), 0U) << "neither moving nor leaving is a wish";
+    QTest::mousePress(&control, Qt::LeftButton, {}, {20, 20});
+    const quint64 first = next();
+    EXPECT_NE(first, 0U);
+    QTest::mouseRelease(&control, Qt::LeftButton, {}, {20, 20});
+    EXPECT_GT(next(), first);
+    QTest::keyClick(&control, Qt::Key_A);
+    EXPECT_GT(next(), first + 1);
+    ASSERT_TRUE(control.LoadMovie(0, movie));
+    EXPECT_EQ(act, 0U) << "the click was another movie's";
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {20, 20});
+    QTest::qWait(1200);
+    EXPECT_EQ(next(), 0U) << "it holds for a second";
+}
+
+TEST(FlashControl, TakesOnlySoMuchAtOnceFromAMovie)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    int heard = 0;
+    QStringList log;
+    QObject::connect(&control, &FlashControl::FSCommand, &control, [&] { ++heard; });
+    QObject::connect(&control, &FlashControl::logged, &control, [&](const QString& text) { log << text; });
+    control.setScriptWatch([questions = 0]() mutable { return ++questions == 40; });
+    auto actions = test::fsCommand("a", std::string(20'000, 'x'));
+    actions.back() = 0x99; // instead of the end: back to the start, for ever
+    const auto back = -static_cast<int>(actions.size() + 4);
+    for (const int byte : {2, 0, back & 255, back >> 8 & 255})
+        actions.push_back(static_cast<std::uint8_t>(byte));
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::blank(actions))));
+    EXPECT_GT(heard, 10);
+    EXPECT_LT(heard, 500);
+    EXPECT_TRUE(log.contains("The movie says more at once than is listened to."))
+        << log.join('|').toStdString();
+}
+
 TEST(FlashControl, ReadsAndSetsVariablesOfTheRoot)
 {
     const test::MovieFolder folder;
