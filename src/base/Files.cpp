@@ -1,5 +1,8 @@
 #include "base/Files.h"
 
+#include <algorithm>
+#include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -11,6 +14,19 @@ namespace base
 {
 namespace
 {
+
+constexpr std::string_view kTemporaryEnd = ".tmp";
+
+/// Whether replaceFile() gives its temporary files such names.
+bool isTemporaryName(std::string_view name)
+{
+    constexpr std::size_t kRandom = 6;
+    if (!name.ends_with(kTemporaryEnd)) return false;
+    name.remove_suffix(kTemporaryEnd.size());
+    if (name.size() < kRandom + 2 || name[name.size() - kRandom - 1] != '.') return false;
+    const auto random = name.substr(name.size() - kRandom);
+    return std::all_of(random.begin(), random.end(), [](unsigned char c) { return std::isalnum(c) != 0; });
+}
 
 /// Closes a file descriptor on every way out.
 class Descriptor
@@ -79,7 +95,8 @@ Result<std::vector<std::uint8_t>> readFile(const std::filesystem::path& path, st
 Result<void> replaceFile(const std::filesystem::path& target, std::span<const Bytes> parts)
 {
     std::string temporary = target.string() + ".XXXXXX";
-    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    temporary += kTemporaryEnd;
+    Descriptor file(::mkostemps(temporary.data(), static_cast<int>(kTemporaryEnd.size()), O_CLOEXEC));
     if (file.number() < 0) return systemError(target);
 
     const auto giveUp = [&]() -> tl::unexpected<Error> {
@@ -103,6 +120,32 @@ Result<void> replaceFile(const std::filesystem::path& target, std::span<const By
     if (::close(file.release()) != 0) return giveUp();
     if (::rename(temporary.c_str(), target.c_str()) != 0) return giveUp();
     return {};
+}
+
+bool isDiskFull(const Error& error)
+{
+    if (error.code != ErrorCode::IoFailure) return false;
+    const auto& category = std::generic_category();
+    return std::ranges::any_of(std::array{ENOSPC, EDQUOT, EFBIG}, [&](int number) {
+        return error.what.ends_with(": " + category.message(number));
+    });
+}
+
+int sweepTemporaryFiles(const std::filesystem::path& folder, std::chrono::seconds leastAge)
+{
+    int swept = 0;
+    std::error_code error;
+    const auto now = std::filesystem::file_time_type::clock::now();
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::error_code gone;
+        if (!isTemporaryName(entry->path().filename().native()) || !entry->is_regular_file(gone)) continue;
+        const auto age = now - entry->last_write_time(gone);
+        // A clock that was put back makes files of the future.
+        const bool isOld = age > leastAge || age < -leastAge;
+        if (!gone && isOld && std::filesystem::remove(entry->path(), gone)) ++swept;
+    }
+    return swept;
 }
 
 } // namespace base

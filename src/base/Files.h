@@ -2,6 +2,7 @@
 
 #include "base/ByteReader.h"
 
+#include <chrono>
 #include <filesystem>
 #include <vector>
 
@@ -22,5 +23,13 @@ inline Result<void> replaceFile(const std::filesystem::path& target, Bytes conte
 {
     return replaceFile(target, std::span(&content, 1));
 }
+
+/// Whether an error of these functions came of a disk, or a user's share of it, that is full.
+bool isDiskFull(const Error& error);
+
+/// Removes the temporary files that a replaceFile() left in a folder when its process was killed.
+/// @param leastAge younger ones may be another process's, and at work
+/// @returns how many
+int sweepTemporaryFiles(const std::filesystem::path& folder, std::chrono::seconds leastAge);
 
 } // namespace base

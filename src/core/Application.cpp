@@ -42,6 +42,7 @@ void Application::InitLog(const QString& appPath, const std::optional<WrittenFol
         if (error) throw runTimeError(error.value(), kJournalName);
     }
     m_logFailed = false;
+    m_journalBytes = 0;
     const QString product = kProductName;
     for (const QString& line :
          {QString("<html>"), QString("<head>"), "<title>" + product + "</title>",
@@ -59,8 +60,12 @@ void Application::InitLog(const QString& appPath, const std::optional<WrittenFol
 
 void Application::LogEvent(const QString& text, LineBreak lineBreak)
 {
+    if (m_journalBytes > kMostJournalBytes) return;
     appendLine(lineBreak == LineBreak::Mark ? text + "<br>" : text);
+    if (m_journalBytes > kMostJournalBytes) appendLine("<b>The journal is full.</b><br>");
 }
+
+void Application::LogLast(const QString& text) { appendLine(text + "<br>"); }
 
 void Application::appendLine(const QString& text)
 {
@@ -68,12 +73,16 @@ void Application::appendLine(const QString& text)
     std::string line = base::ansiFromUtf16(std::u16string_view(
         reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())));
     line += "\r\n";
+    m_journalBytes += line.size();
     errno = 0;
     std::ofstream file(filePath(LogFile), std::ios::app | std::ios::binary);
     file << line;
     file.close();
     const bool failedBefore = std::exchange(m_logFailed, !file);
-    if (m_logFailed && !failedBefore) throw runTimeError(errno, kJournalName);
+    if (!m_logFailed || failedBefore) return;
+    const base::Failure failure = runTimeError(errno, kJournalName);
+    if (!journalFailed) throw failure;
+    journalFailed(failure);
 }
 
 QString HtmlEscape(const QString& text)

@@ -3,10 +3,16 @@
 #include <QString>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 // core/: start-up, application paths, the event log, error reporting and the error screen. Nothing here knows
 // of a movie, a skin or the player's window; what it needs from the window it asks through ErrorHost.
+
+namespace base
+{
+class Failure;
+}
 
 namespace core
 {
@@ -51,15 +57,24 @@ public:
     /// Appends one line to the journal (windows-1251, CR LF). The file is open only meanwhile, so the journal
     /// is complete up to its last entry even when the process dies.
     /// @param text may hold HTML and is not escaped
-    /// @throws base::Failure when the journal cannot be written. It is thrown once: while the journal stays
-    ///         unwritable later entries are tried and dropped, so that a full disk costs one error screen and
-    ///         not the use of the player.
+    /// @throws base::Failure when the journal cannot be written and nobody listens to `journalFailed`. Either
+    ///         hears of it once: while the journal stays unwritable later entries are tried and dropped, so
+    ///         that a full disk costs one error screen and not the use of the player.
     void LogEvent(const QString& text, LineBreak lineBreak = LineBreak::Mark);
+    /// The same for what must not be missing at the end. Other entries end where the journal has
+    /// kMostJournalBytes, whoever floods it.
+    void LogLast(const QString& text);
+    static constexpr std::size_t kMostJournalBytes = std::size_t{4} << 20;
+
+    /// Told of a journal that cannot be written, instead of the procedure that met it: no command fails for
+    /// want of a journal. Called in the midst of anything.
+    std::function<void(const base::Failure&)> journalFailed;
 
 private:
     void appendLine(const QString& text);
 
     bool m_logFailed = false;
+    std::size_t m_journalBytes = 0;
 };
 
 /// Escapes "<", ">" and the double quote. The ampersand is left alone on purpose, so that an entity that is

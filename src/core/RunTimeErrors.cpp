@@ -1,5 +1,6 @@
 #include "core/RunTimeErrors.h"
 
+#include "base/Files.h"
 #include "core/Texts.h"
 
 #include <cerrno>
@@ -50,12 +51,18 @@ QString describe(base::ErrorCode code)
     return {};
 }
 
+QString describe(const base::Error& error)
+{
+    return base::isDiskFull(error) ? QString(texts::kDiskFull) : describe(error.code);
+}
+
 base::Failure runTimeError(const base::Error& error, const char* source)
 {
+    if (base::isDiskFull(error)) return {kDiskFull, source, texts::kDiskFull};
     const int number = error.code == base::ErrorCode::NotFound ? kFileNotFound
                        : error.code == base::ErrorCode::Denied ? kPermissionDenied
                                                                : kDeviceError;
-    return {number, source, describe(error.code).toStdString()};
+    return {number, source, describe(error).toStdString()};
 }
 
 } // namespace core

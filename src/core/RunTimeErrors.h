@@ -24,6 +24,8 @@ base::Failure runTimeError(int systemError, const char* source);
 
 /// The user's text for a failed operation on a file.
 QString describe(base::ErrorCode code);
+/// The same, but that a full disk is named as what it is.
+QString describe(const base::Error& error);
 
 /// The same as an exception. `what` stays for the log: callers that log it do so before they throw.
 base::Failure runTimeError(const base::Error& error, const char* source);

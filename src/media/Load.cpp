@@ -1,5 +1,6 @@
 #include "core/RunTimeErrors.h"
 #include "core/Version.h"
+#include "media/Compress.h"
 #include "media/FileStart.h"
 #include "media/MediaFiles.h"
 #include "media/MovieHeader.h"
@@ -37,6 +38,14 @@ base::Result<FrameHeader> readFrameHeaderOf(const QString& path)
     return readFrameHeader(TRY_RESULT(file.bytes(kHeaderBodyBytes)));
 }
 
+base::Result<FrameHeader> readCompressedFrameHeaderOf(const QString& path)
+{
+    auto body = TRY_RESULT(decompressStart(core::filePath(path), kHeaderBodyBytes));
+    CHECK_RESULT(readFrameHeader(body)); // what is missing is not to be taken for zeros
+    body.resize(kHeaderBodyBytes);
+    return readFrameHeader(body);
+}
+
 base::Result<FileHeader> readFileHeaderOf(const QString& path)
 {
     FileStart file = TRY_RESULT(FileStart::open(core::filePath(path)));
@@ -53,7 +62,7 @@ MediaFiles::MediaFiles(core::Application& application, MediaHost& host)
 void MediaFiles::note(const base::Error& error)
 {
     m_application.LogEvent(QString::fromStdString(error.what));
-    m_errorDescription = core::describe(error.code);
+    m_errorDescription = core::describe(error);
 }
 
 void MediaFiles::LoadFlash(const QString& path, const QString& caption)
@@ -178,10 +187,13 @@ QString MediaFiles::GetFlashInfo(QString& path)
     info.FileLength = header.fileLength;
     info.MoviePath = path;
     info.HeaderPath = info.Compressed ? DecompressFlash(info, Extent::HeaderOnly) : path;
-    if (info.HeaderPath.isEmpty()) return texts::kDecompressFailed;
+    // A cache that takes no copy of the header keeps no movie from playing.
+    const bool hasCopy = !info.HeaderPath.isEmpty();
+    const auto frame = hasCopy ? readFrameHeaderOf(info.HeaderPath) : readCompressedFrameHeaderOf(path);
+    if (!hasCopy && !frame) return texts::kDecompressFailed;
+    if (!hasCopy) m_errorDescription.clear();
 
     m_application.LogEvent(" ... ");
-    const auto frame = readFrameHeaderOf(info.HeaderPath);
     if (!frame) {
         note(frame.error());
         return frame.error().code == base::ErrorCode::Truncated ? texts::kHeaderDamaged : m_errorDescription;

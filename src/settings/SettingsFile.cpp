@@ -174,14 +174,9 @@ bool SettingsFile::load(Options& options, QStringList& recent)
     return true;
 }
 
-bool SettingsFile::save(const Options& options, const QStringList& recent)
+std::optional<std::string> SettingsFile::compose(const Options& options, const QStringList& recent)
 {
-    log({});
-    log(" :: Save Options");
-    if (!m_document) {
-        log(path() + ": not saved, because it could not be read");
-        return false;
-    }
+    if (!m_document) return std::nullopt;
     for (const Setting& setting : kSettings) {
         auto element = childOf(*m_document, setting.element);
         if (!element || !element->attribute(setting.attribute)) continue;
@@ -197,8 +192,23 @@ bool SettingsFile::save(const Options& options, const QStringList& recent)
         else if (core::fileExists(recent[slot]))
             element.setText(recent[slot].toStdString());
     }
-    const auto written = base::replaceFile(core::filePath(path()), base::Bytes(m_document->bytes()));
+    const auto bytes = m_document->bytes();
+    return std::string(bytes.begin(), bytes.end());
+}
+
+bool SettingsFile::save(const Options& options, const QStringList& recent)
+{
+    log({});
+    log(" :: Save Options");
+    const auto content = compose(options, recent);
+    if (!content) {
+        log(path() + ": not saved, because it could not be read");
+        return false;
+    }
+    const base::Bytes bytes(reinterpret_cast<const std::uint8_t*>(content->data()), content->size());
+    const auto written = base::replaceFile(core::filePath(path()), bytes);
     if (!written) log(path() + ": not saved: " + QString::fromStdString(written.error().what));
+    m_isDiskFull = !written && base::isDiskFull(written.error());
     return written.has_value();
 }
 

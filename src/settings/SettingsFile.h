@@ -31,9 +31,14 @@ public:
     /// @returns false when the file could not be written; the old one is then untouched and the journal says
     ///          why.
     bool save(const Options& options, const QStringList& recent);
+    /// Whether the last save failed for want of room.
+    [[nodiscard]] bool isDiskFull() const { return m_isDiskFull; }
+
+    /// What save() would write. @returns nothing when there is nothing to write over
+    std::optional<std::string> compose(const Options& options, const QStringList& recent);
+    [[nodiscard]] QString path() const;
 
 private:
-    [[nodiscard]] QString path() const;
     void log(const QString& text);
     void keepAside();
 
@@ -41,6 +46,7 @@ private:
     /// Kept from load to the end of the run. Empty when the file could not even be read: it may be good, and
     /// is not replaced then.
     std::optional<base::xml::Document> m_document;
+    bool m_isDiskFull = false;
 };
 
 } // namespace settings

@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
 
 namespace base
 {
@@ -72,6 +75,41 @@ TEST_F(ReplaceFile, KeepsTheOldContentWhenWritingStopsPartWay)
     EXPECT_EQ(result.error().code, ErrorCode::IoFailure);
     EXPECT_EQ(readFile(target, 100).value(), oldContent);
     EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(ReplaceFile, NamesAFullDisk)
+{
+    const auto full = replaceFile("/dev/full/x", newContent);
+    EXPECT_FALSE(isDiskFull(full.error())) << "there is no such folder";
+    EXPECT_TRUE(
+        isDiskFull(Error{ErrorCode::IoFailure, "a.swf: " + std::generic_category().message(ENOSPC), {}}));
+    EXPECT_FALSE(
+        isDiskFull(Error{ErrorCode::IoFailure, "a.swf: " + std::generic_category().message(EIO), {}}));
+}
+
+TEST_F(ReplaceFile, WhatAKilledProcessLeftIsSwept)
+{
+    const auto target = folder / "settings.xml";
+    for (int i = 0; i < 20; ++i) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            const std::vector<std::uint8_t> large(1 << 20, 'x');
+            for (;;) (void)replaceFile(target, large);
+        }
+        ::usleep(static_cast<useconds_t>(1000 * i));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+    // Names that only look alike are the user's own.
+    for (const char* name : {"a.tmp", "settings.xml.abc.tmp", "notes.abcdef.txt", ".abcdef.tmp"})
+        std::ofstream(folder / name) << "kept";
+    ASSERT_TRUE(replaceFile(target, newContent));
+    (void)sweepTemporaryFiles(folder, std::chrono::hours(1));
+    const std::size_t before = entries();
+    EXPECT_EQ(sweepTemporaryFiles(folder, std::chrono::seconds(0)), static_cast<int>(before - 5));
+    EXPECT_EQ(entries(), 5U);
+    EXPECT_EQ(readFile(target, 100).value(), newContent);
 }
 
 TEST_F(ReplaceFile, ReadingStopsAtTheLimit)

@@ -64,6 +64,28 @@ TEST_F(ApplicationTest, EntriesAreWindows1251AndUnescaped)
     EXPECT_EQ(content(application.LogFile), " :: LoadFlash (\r\n<i>\xD4\xE0\xE9\xEB</i>)... <br>\r\n");
 }
 
+TEST_F(ApplicationTest, NoFloodFillsTheDiskAndTheEndIsToldAllTheSame)
+{
+    application.InitLog(folder());
+    for (int i = 0; i < 3000; ++i) application.LogEvent(QString(5000, 'x'));
+    application.LogLast("the end");
+    const QByteArray journal = content(application.LogFile);
+    EXPECT_LT(journal.size(), 5'000'000);
+    EXPECT_EQ(journal.count("The journal is full."), 1);
+    EXPECT_TRUE(journal.endsWith("the end<br>\r\n"));
+}
+
+TEST_F(ApplicationTest, AJournalThatFailsCostsNoCommandWhereSomebodyListens)
+{
+    application.InitLog(folder());
+    int told = 0;
+    application.journalFailed = [&told](const base::Failure&) { ++told; };
+    application.LogFile = folder() + "absent/log";
+    EXPECT_NO_THROW(application.LogEvent("a"));
+    EXPECT_NO_THROW(application.LogEvent("b"));
+    EXPECT_EQ(told, 1);
+}
+
 TEST_F(ApplicationTest, UnwritableJournalIsReportedOnceAndRecovers)
 {
     application.LogFile = folder() + "absent/log";

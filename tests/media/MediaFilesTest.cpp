@@ -176,6 +176,17 @@ TEST_F(MediaFilesTest, CompressedMovieIsReadFromItsHeaderCopy)
     EXPECT_EQ(media.mediaInfo().HeaderPath, old);
 }
 
+TEST_F(MediaFilesTest, ACacheThatTakesNothingKeepsNoMovieFromPlaying)
+{
+    application.CachePath = "/proc/self/absent/";
+    const QString movie = put("a.swf", compressedMovie());
+    media.LoadFlash(movie, {});
+    EXPECT_TRUE(window.calls.contains("movie 0 " + movie));
+    EXPECT_EQ(window.calls.last(), "changed");
+    EXPECT_EQ(media.mediaInfo().Width, 550);
+    EXPECT_EQ(media.mediaInfo().FrameCount, 300);
+}
+
 TEST_F(MediaFilesTest, ShortCompressedMovieIsReadWithinItsBounds)
 {
     // A one-frame movie whose whole body is 9 bytes long.
@@ -380,7 +391,7 @@ TEST_F(MediaFilesTest, UnusableCacheIsAMessageAndNotACrash)
 {
     QDir(application.CachePath).removeRecursively();
     media.LoadFlash(put("a.swf", compressedMovie()), {});
-    EXPECT_EQ(window.calls.last(), "close Ошибка при чтении сжатого фала");
+    EXPECT_EQ(window.calls.last(), "changed") << "a compressed movie needs none";
     media.LoadFlash(put("a.exe", projector(plainMovie())), {});
     EXPECT_EQ(window.calls.last(), "close Файл не найден");
 }
@@ -393,7 +404,7 @@ TEST_F(MediaFilesTest, ReportsAFullDiskWhenExtracting)
         const FullDisk full;
         media.LoadFlash(exe, {});
     }
-    EXPECT_EQ(window.calls.last(), "close Ошибка чтения или записи файла");
+    EXPECT_EQ(window.calls.last(), "close На диске недостаточно места");
     EXPECT_FALSE(QFile::exists(inCache(exe, ".swf"))) << "half a movie must not be used again";
 }
 
