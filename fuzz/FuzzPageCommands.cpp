@@ -24,16 +24,16 @@ public:
     }
     [[nodiscard]] bool isOwnPage() const override { return m_own; }
     [[nodiscard]] bool isPageAddress(const QString& path) const override { return path.contains("gadgets"); }
-    void OpenMedia() override {}
-    void openHelp() override {}
-    void WebUpdate() override {}
+    bool OpenMedia() override { return true; }
+    player::PageOutcome helpWanted() override { return player::PageOutcome::Done; }
+    player::PageOutcome updateWanted() override { return player::PageOutcome::Done; }
     void LoadFlash(const QString& path, const QString&) override
     {
         if (!m_own && isPageAddress(path)) std::abort();
     }
     void FullScreen(bool) override {}
     void ZoomFlash(int, quint8) override {}
-    void openOutside(const QString&) override {}
+    player::PageOutcome openOutside(const QString&) override { return player::PageOutcome::Declined; }
     [[nodiscard]] QString browserFolder() const override { return "/nowhere/"; }
     [[nodiscard]] int browserPage() const override { return m_page; }
     void setBrowserPage(int page) override { m_page = page; }
@@ -75,7 +75,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Host host((data[0] & 4U) != 0);
         const qsizetype cut = all.indexOf(QChar(0));
         try {
-            player::runPageCommand(host, all.left(cut), cut < 0 ? QString() : all.mid(cut + 1));
+            const QString argument = cut < 0 ? QString() : all.mid(cut + 1);
+            (void)player::effectOf(all.left(cut), argument);
+            (void)player::runPageCommand(host, all.left(cut), argument);
         } catch (const base::Failure&) {
             // An argument that is no number.
         }

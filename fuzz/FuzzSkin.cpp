@@ -30,6 +30,8 @@ public:
     void UpdateRegion(bool) override {}
     void ShowPopUp() override {}
     void activateProgram() override {}
+    [[nodiscard]] bool hasEnded() const override { return false; }
+    void skinOverran() override {}
     [[nodiscard]] bool isDeveloperMode() const override { return false; }
     void log(const QString&) override {}
     void logError(const base::Failure&, const QString&, const QString&) override {}

@@ -8,8 +8,13 @@
 #include <QApplication>
 #include <QIcon>
 #include <QMessageBox>
+#include <QScopeGuard>
+#include <QTimer>
 
+#include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <new>
 
 // Builds the parts and ties them together; no logic.
 
@@ -22,6 +27,32 @@ QIcon applicationIcon()
     for (const char* size : {"16", "24", "32", "48", "64", "128", "256"})
         icon.addFile(QString(":/icon/%1.png").arg(size));
     return icon;
+}
+
+/// Lets no lack of memory end the program that a single event has met.
+class GuardedApplication : public QApplication
+{
+public:
+    using QApplication::QApplication;
+    std::function<void()> ranOutOfMemory;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::bad_alloc&) {
+            if (ranOutOfMemory) QTimer::singleShot(0, this, [this] { ranOutOfMemory(); });
+            return true;
+        }
+    }
+};
+
+// What the process does on its way out that nobody has asked it to take, as when the display is gone.
+player::Player* g_player = nullptr;
+
+void saveAtExit()
+{
+    if (g_player != nullptr && !g_player->hasEnded()) g_player->saveForSuddenEnd();
 }
 
 } // namespace
@@ -39,7 +70,7 @@ int main(int argc, char** argv)
     // A file that is named like one of the toolkit's own options is a file.
     const bool isFile = arguments.size() == 1 && core::fileExists(arguments.first());
     int toolkitsCount = isFile ? 1 : argc;
-    QApplication qt(toolkitsCount, argv);
+    GuardedApplication qt(toolkitsCount, argv);
     QApplication::setApplicationName(core::kProductName);
     QApplication::setDesktopFileName("zorvex");
     QApplication::setWindowIcon(applicationIcon());
@@ -60,6 +91,10 @@ int main(int argc, char** argv)
         [&player] { player.Form_QueryUnload(player::Player::UnloadMode::TaskManager); });
     QObject::connect(&qt, &QGuiApplication::commitDataRequest, &player,
                      [&player] { player.Form_QueryUnload(player::Player::UnloadMode::Windows); });
+    qt.ranOutOfMemory = [&player] { player.closeForLackOfMemory(); };
+    g_player = &player;
+    const auto forget = qScopeGuard([] { g_player = nullptr; });
+    std::atexit(saveAtExit);
     player.Form_Load();
     return player.hasEnded() ? 0 : QApplication::exec();
 }

@@ -32,6 +32,8 @@ public:
     /// The information window on the movie that is loaded.
     void Properties(const media::MediaInfo& info);
 
+    /// Whether it is at work, and lets events through meanwhile.
+    [[nodiscard]] bool isBusy() const { return m_busy; }
     [[nodiscard]] Thumbnails& thumbnails() { return m_thumbnails; }
 
 private:

@@ -1,5 +1,7 @@
 #include "player/Lifecycle.h"
 
+#include "base/Failure.h"
+#include "base/Files.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "player/Cache.h"
@@ -9,9 +11,14 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QWindow>
+
+#include <new>
 
 namespace player
 {
@@ -19,6 +26,9 @@ namespace
 {
 
 constexpr QSize kWelcomeSize{550, 440};
+// A window that the system does not show, because it is minimised, is not waited for.
+constexpr qint64 kWindowPatienceMs = 300;
+constexpr int kStepMs = 10;
 
 /// What the window does at the start when no file is named.
 enum StartUp { kWelcome = 0, kBrowser = 1, kMostRecent = 2 };
@@ -38,6 +48,9 @@ const char* wordOf(Lifecycle::UnloadMode mode)
 
 void Lifecycle::Form_Load()
 {
+    m_isLoading = true;
+    const auto end = qScopeGuard([this] { m_isLoading = false; });
+    sweep();
     // A step that fails is reported, and the next one follows.
     const auto step = [this](auto&& action) { m_player.handled(texts::kPlaceFormLoad, action); };
     step([this] {
@@ -58,8 +71,38 @@ void Lifecycle::Form_Load()
     if (m_application.RunningCompiled) m_player.AssignMenus();
     step([this] { openFirst(); });
     if (m_ended) return;
-    step([this] { m_player.SetVisual(); });
+    showWindow();
+}
+
+void Lifecycle::showWindow()
+{
+    if (std::exchange(m_isShown, true)) return;
+    m_player.handled(texts::kPlaceFormLoad, [this] { m_player.SetVisual(); });
     m_player.placement().show();
+}
+
+void Lifecycle::showWindowFirst()
+{
+    if (m_isShown || !m_isLoading || m_ended) return;
+    showWindow();
+    QElapsedTimer waited;
+    waited.start();
+    const auto isThere = [this] { return m_player.windowHandle() && m_player.windowHandle()->isExposed(); };
+    while (!isThere() && !m_ended && waited.elapsed() < kWindowPatienceMs)
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, kStepMs);
+    // Once more for what it shows.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void Lifecycle::sweep()
+{
+    // Of a run that was killed; what another one is writing is younger.
+    constexpr std::chrono::minutes kLeastAge{1};
+    int swept = 0;
+    for (const QString& folder : {m_application.SettingsPath, m_application.CachePath})
+        if (!folder.isEmpty()) swept += base::sweepTemporaryFiles(core::filePath(folder), kLeastAge);
+    if (swept > 0)
+        m_player.logQuietly(QString("Temporary files of a run that was killed: %1 removed").arg(swept));
 }
 
 void Lifecycle::openFirst()
@@ -86,13 +129,23 @@ void Lifecycle::Form_QueryUnload(UnloadMode mode) { Quit(QString("Query Unload b
 void Lifecycle::Quit(const QString& reason, bool saveOptions)
 {
     if (m_ended) return;
-    if (saveOptions) m_player.SaveOpts();
+    // Whatever fails on the way out, the way leads out.
+    const auto step = [](auto&& action) {
+        try {
+            action();
+        } catch (const base::Failure&) {
+        } catch (const std::bad_alloc&) {
+        }
+    };
+    if (saveOptions) step([this] { m_player.SaveOpts(); });
     m_ended = true;
     m_player.setUpdateTimerEnabled(false);
     m_player.control().setSuspended(true);
-    CleanCache(m_application.CachePath, m_player.options().cacheMode);
-    m_player.logQuietly({});
-    m_player.logQuietly("<B>Quit: " + reason + "</B>");
+    step([this] { CleanCache(m_application.CachePath, m_player.options().cacheMode); });
+    step([&] {
+        m_application.LogLast({});
+        m_application.LogLast("<B>Quit: " + reason + "</B>");
+    });
     m_player.hide();
     QCoreApplication::exit(0);
 }

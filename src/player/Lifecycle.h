@@ -32,6 +32,9 @@ public:
     void Form_QueryUnload(UnloadMode mode);
     /// The only way out. Nothing keeps the program from ending.
     void Quit(const QString& reason, bool saveOptions);
+    /// Shows the window before the first movie is opened: there is no telling how long that one's first frame
+    /// takes. Does nothing once the window is shown.
+    void showWindowFirst();
     /// Whether Quit has run. There is no way back; the event loop has been told to end.
     [[nodiscard]] bool hasEnded() const { return m_ended; }
 
@@ -42,11 +45,14 @@ public:
 
 private:
     void openFirst();
+    void showWindow();
+    void sweep();
 
     core::Application& m_application;
     Player& m_player;
     const QString m_commandLine;
     bool m_hasArgument = false;
+    bool m_isLoading = false, m_isShown = false;
     bool m_ended = false;
 };
 

@@ -39,7 +39,7 @@ QString MediaDialogs::startFolder() const
     return recent.isEmpty() ? QDir::homePath() : QFileInfo(recent.first()).absolutePath();
 }
 
-void MediaDialogs::OpenMedia(const QString& folder)
+bool MediaDialogs::OpenMedia(const QString& folder)
 {
     m_application.LogEvent({});
     m_application.LogEvent(" :: Open Media Dialog");
@@ -53,12 +53,13 @@ void MediaDialogs::OpenMedia(const QString& folder)
     dialog.setDefaultSuffix("swf");
     setRussianLabels(dialog, texts::kDialogOpen);
     const QString chosen = run(dialog);
-    if (m_player.hasEnded()) return;
+    if (m_player.hasEnded()) return false;
     if (!chosen.isEmpty())
         m_player.LoadFlash(chosen, {});
     else
         m_player.SetStatus(statusBefore); // the next tick may be none, where no movie runs
     m_player.setUpdateTimerEnabled(true);
+    return !chosen.isEmpty();
 }
 
 void MediaDialogs::SaveMediaAs()
@@ -90,7 +91,8 @@ void MediaDialogs::saveTo(const QString& target, const QString& filter)
     const bool known = saved.outcome == SaveOutcome::CannotWrite;
     QMessageBox box(QMessageBox::Warning, texts::kSaveBoxTitle,
                     known ? texts::kSaveFailed : texts::kSaveUnsupported, QMessageBox::Ok, &m_player);
-    box.setInformativeText(known ? QDir::toNativeSeparators(target)
+    const QString reason = saved.isDiskFull ? QString(texts::kDiskFull) + '\n' : QString();
+    box.setInformativeText(known ? reason + QDir::toNativeSeparators(target)
                                  : saveDiagnosis(m_player.mediaInfo(), filter));
     box.exec();
 }

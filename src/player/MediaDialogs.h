@@ -25,7 +25,8 @@ public:
     }
 
     /// @param folder where the dialog starts; empty: where the most recent file lies
-    void OpenMedia(const QString& folder);
+    /// @returns whether a file was chosen
+    bool OpenMedia(const QString& folder);
     void SaveMediaAs();
     /// @returns the folder chosen for browsing, nothing when the user declined
     std::optional<QString> chooseBrowserFolder(const QString& start);

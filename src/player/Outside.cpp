@@ -14,17 +14,25 @@ void Outside::log(const QString& line)
     m_doors.log(line);
 }
 
-void Outside::open(const QString& target, const Sender& sender)
+bool Outside::isDeclined(const QString& target, const Sender& sender)
 {
-    if (m_isAsking) return log("Not opened, a question is open: " + target.trimmed().left(80));
+    if (m_isAsking) {
+        log("Not opened, a question is open: " + target.trimmed().left(80));
+        return false;
+    }
     const QString folder = QFileInfo(sender.path).absolutePath();
     const OutsideTarget examined = examineTarget(target, folder);
-    if (examined.kind == OutsideTarget::Kind::Refused) return refuse(examined, sender);
-    if (!isAllowed(examined, sender)) return;
+    if (examined.kind == OutsideTarget::Kind::Refused) {
+        tellRefusal(examined, sender);
+        return false;
+    }
+    if (!isAllowed(examined, sender)) return true;
     // While the user thought it over the file may have become another one.
     if (examineTarget(target, folder) != examined)
-        return log("Not opened, it has changed: " + examined.shown);
-    log((m_doors.open(examined.url) ? "Opened: " : "Nothing opens: ") + examined.shown);
+        log("Not opened, it has changed: " + examined.shown);
+    else
+        log((m_doors.open(examined.url) ? "Opened: " : "Nothing opens: ") + examined.shown);
+    return false;
 }
 
 bool Outside::isAllowed(const OutsideTarget& target, const Sender& sender)
@@ -37,7 +45,7 @@ bool Outside::isAllowed(const OutsideTarget& target, const Sender& sender)
     Answer answer = Answer::Refuse;
     {
         const QScopedValueRollback asking(m_isAsking, true);
-        answer = m_doors.ask({sender.path, target.shown});
+        answer = m_doors.ask({sender.path, target.shown, sender.hasRead});
     }
     const bool allowed = answer == Answer::Open || answer == Answer::AlwaysOpen;
     if (answer == Answer::AlwaysOpen || answer == Answer::AlwaysRefuse) {
@@ -48,7 +56,7 @@ bool Outside::isAllowed(const OutsideTarget& target, const Sender& sender)
     return allowed;
 }
 
-void Outside::refuse(const OutsideTarget& target, const Sender& sender)
+void Outside::tellRefusal(const OutsideTarget& target, const Sender& sender)
 {
     log("Refused to open, " + target.reason + ": " + target.shown);
     // Once: a movie that insists is not to keep the user busy.

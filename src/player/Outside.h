@@ -19,6 +19,7 @@ public:
     struct Question {
         QString movie; ///< path of the movie that asks
         QString target;
+        bool hasRead = false; ///< what the movie has read it might carry out
     };
     /// What the user, the system and the journal are asked through.
     struct Doors {
@@ -33,14 +34,17 @@ public:
 
     struct Sender {
         QString path;           ///< of the movie's file
-        bool isOwnPage = false; ///< whether it lies in the folder of the program's pages
+        bool isOwnPage = false; ///< it is one of the program's pages, and nothing else is there with it
+        bool hasRead = false;   ///< files were read that are no movies
+        quint64 act = 0;        ///< the user's click or key just before; 0: none
     };
     /// Requests that come while a question is open are dropped: no movie buries the user in windows.
-    void open(const QString& target, const Sender& sender);
+    /// @returns whether the user, or a decision of his, stood against it
+    bool isDeclined(const QString& target, const Sender& sender);
 
 private:
     [[nodiscard]] bool isAllowed(const OutsideTarget& target, const Sender& sender);
-    void refuse(const OutsideTarget& target, const Sender& sender);
+    void tellRefusal(const OutsideTarget& target, const Sender& sender);
     void log(const QString& line);
 
     Doors m_doors;

@@ -2,6 +2,7 @@
 
 #include "platform/Shell.h"
 #include "player/Player.h"
+#include "player/SettlingBox.h"
 #include "player/Texts.h"
 
 #include <QCheckBox>
@@ -29,12 +30,14 @@ QString nameOf(const Outside::Question& question) { return QFileInfo(question.mo
 
 Outside::Answer ask(Player& player, const Outside::Question& question)
 {
-    QMessageBox box(QMessageBox::Question, texts::kOutsideTitle,
+    SettlingBox box(QMessageBox::Question, texts::kOutsideTitle,
                     paragraph(QString(texts::kOutsideAsks).arg(nameOf(question))), QMessageBox::NoButton,
                     &player);
     box.setObjectName("frmOutside");
     box.setTextFormat(Qt::RichText);
-    box.setInformativeText(paragraph(question.target) + paragraph(texts::kOutsideAdvice));
+    box.setInformativeText(paragraph(question.target) +
+                           (question.hasRead ? paragraph(texts::kOutsideHasRead) : QString()) +
+                           paragraph(texts::kOutsideAdvice));
     const QPushButton* open = box.addButton(texts::kOutsideOpen, QMessageBox::AcceptRole);
     QPushButton* refuse = box.addButton(texts::kOutsideRefuse, QMessageBox::RejectRole);
     box.setDefaultButton(refuse);
@@ -62,7 +65,7 @@ const char* textOf(OutsideTarget::Refusal refusal)
 
 void tellRefused(Player& player, const Outside::Question& question, OutsideTarget::Refusal refusal)
 {
-    QMessageBox box(QMessageBox::Warning, texts::kOutsideTitle,
+    SettlingBox box(QMessageBox::Warning, texts::kOutsideTitle,
                     paragraph(QString(textOf(refusal)).arg(nameOf(question))), QMessageBox::Ok, &player);
     box.setObjectName("frmOutsideRefused");
     box.setTextFormat(Qt::RichText);

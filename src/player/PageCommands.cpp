@@ -12,22 +12,27 @@ namespace
 
 constexpr int kTypeMismatch = 13;
 
-void log(PageCommandHost& host, const QString& text)
+PageOutcome done(bool chosen = true) { return chosen ? PageOutcome::Done : PageOutcome::Declined; }
+
+PageOutcome log(PageCommandHost& host, const QString& text)
 {
     // The journal is a page of its own: only the program's pages may write its tags.
     host.LogEvent("Media debug :: " + (host.isOwnPage() ? text : core::HtmlEscape(text)));
+    return done();
 }
 
-void open(PageCommandHost& host, const QString&) { host.OpenMedia(); }
-void help(PageCommandHost& host, const QString&) { host.openHelp(); }
-void update(PageCommandHost& host, const QString&) { host.WebUpdate(); }
+PageOutcome open(PageCommandHost& host, const QString&) { return done(host.OpenMedia()); }
+PageOutcome help(PageCommandHost& host, const QString&) { return host.helpWanted(); }
+PageOutcome update(PageCommandHost& host, const QString&) { return host.updateWanted(); }
 
-void select(PageCommandHost& host, const QString& path)
+PageOutcome select(PageCommandHost& host, const QString& path)
 {
     // Pages may do what movies may not; no movie is to put words into their mouths.
     if (!host.isOwnPage() && host.isPageAddress(path))
-        return host.LogEvent("Not opened for a movie: " + core::HtmlEscape(path));
-    host.LoadFlash(path, {});
+        host.LogEvent("Not opened for a movie: " + core::HtmlEscape(path));
+    else
+        host.LoadFlash(path, {});
+    return done();
 }
 
 QString orBrowserFolder(const PageCommandHost& host, const QString& folder)
@@ -35,76 +40,100 @@ QString orBrowserFolder(const PageCommandHost& host, const QString& folder)
     return folder.isEmpty() ? host.browserFolder() : folder;
 }
 
-void search(PageCommandHost& host, const QString& folder)
+PageOutcome search(PageCommandHost& host, const QString& folder)
 {
     host.setBrowserPage(0);
     host.NewMediaBrowse(orBrowserFolder(host, folder));
+    return done();
 }
 
-void goToPage(PageCommandHost& host, int page)
+PageOutcome goToPage(PageCommandHost& host, int page)
 {
     host.setBrowserPage(page);
     host.ShowBrowsePage();
+    return done();
 }
 
-void nextPage(PageCommandHost& host, const QString&) { goToPage(host, host.browserPage() + 1); }
-void backPage(PageCommandHost& host, const QString&) { goToPage(host, host.browserPage() - 1); }
-void lastPage(PageCommandHost& host, const QString&) { goToPage(host, host.browserPageCount() - 1); }
-void firstPage(PageCommandHost& host, const QString&) { goToPage(host, 0); }
+PageOutcome nextPage(PageCommandHost& host, const QString&) { return goToPage(host, host.browserPage() + 1); }
+PageOutcome backPage(PageCommandHost& host, const QString&) { return goToPage(host, host.browserPage() - 1); }
+PageOutcome lastPage(PageCommandHost& host, const QString&)
+{
+    return goToPage(host, host.browserPageCount() - 1);
+}
+PageOutcome firstPage(PageCommandHost& host, const QString&) { return goToPage(host, 0); }
 
-void browse(PageCommandHost& host, const QString& folder)
+PageOutcome browse(PageCommandHost& host, const QString& folder)
 {
     // The page number stays: the scan clamps it.
-    if (const auto chosen = host.chooseBrowserFolder(orBrowserFolder(host, folder)))
-        host.NewMediaBrowse(*chosen);
+    const auto chosen = host.chooseBrowserFolder(orBrowserFolder(host, folder));
+    if (chosen) host.NewMediaBrowse(*chosen);
+    return done(chosen.has_value());
 }
 
-void fullScreen(PageCommandHost& host, const QString& argument)
+PageOutcome fullScreen(PageCommandHost& host, const QString& argument)
 {
     const std::optional<bool> on = settings::toBoolean(argument);
     if (!on) throw base::Failure(kTypeMismatch, "FULLSCREEN", texts::kTypeMismatch);
-    if (*on) return host.FullScreen(true);
-    // Sized three times in a row on purpose: some window managers need the second call.
-    host.ZoomFlash(100, 2);
+    if (*on)
+        host.FullScreen(true);
+    else // Sized three times in a row on purpose: some window managers need the second call.
+        host.ZoomFlash(100, 2);
+    return done();
 }
 
-void execute(PageCommandHost& host, const QString& target)
+PageOutcome execute(PageCommandHost& host, const QString& target)
 {
     host.LogEvent("Movie opened: '" + core::HtmlEscape(target) + "'");
-    host.openOutside(target);
+    return host.openOutside(target);
 }
 
 struct CommandInfo {
     const char* name;
-    void (*run)(PageCommandHost& host, const QString& argument);
+    PageEffect effect;
+    PageOutcome (*run)(PageCommandHost& host, const QString& argument);
 };
 // clang-format off
 constexpr CommandInfo kCommands[] = {
-    {"MEOWLOG",       &log},
-    {"MEOWOPEN",      &open},
-    {"MEOWHELP",      &help},
-    {"MEOWUPDATE",    &update},
-    {"MEOWSEL",       &select},
-    {"MEOWSEARCH",    &search},
-    {"MEOWNEXTPAGE",  &nextPage},
-    {"MEOWBACKPAGE",  &backPage},
-    {"MEOWLASTPAGE",  &lastPage},
-    {"MEOWFIRSTPAGE", &firstPage},
-    {"MEOWBROWSE",    &browse},
-    {"FULLSCREEN",    &fullScreen},
-    {"EXEC",          &execute},
+    {"MEOWLOG",       PageEffect::Notes, &log},
+    {"MEOWOPEN",      PageEffect::Opens, &open},
+    {"MEOWHELP",      PageEffect::Opens, &help},
+    {"MEOWUPDATE",    PageEffect::Opens, &update},
+    {"MEOWSEL",       PageEffect::Loads, &select},
+    {"MEOWSEARCH",    PageEffect::Opens, &search},
+    {"MEOWNEXTPAGE",  PageEffect::Opens, &nextPage},
+    {"MEOWBACKPAGE",  PageEffect::Opens, &backPage},
+    {"MEOWLASTPAGE",  PageEffect::Opens, &lastPage},
+    {"MEOWFIRSTPAGE", PageEffect::Opens, &firstPage},
+    {"MEOWBROWSE",    PageEffect::Opens, &browse},
+    {"FULLSCREEN",    PageEffect::Opens, &fullScreen}, // with false it leaves
+    {"EXEC",          PageEffect::Asks,  &execute},
 };
 // clang-format on
 
-} // namespace
-
-void runPageCommand(PageCommandHost& host, const QString& command, const QString& argument)
+const CommandInfo* find(const QString& command)
 {
     const QString name = command.toUpper();
     for (const CommandInfo& known : kCommands)
-        if (name == QLatin1String(known.name)) return known.run(host, argument);
+        if (name == QLatin1String(known.name)) return &known;
+    return nullptr;
+}
+
+} // namespace
+
+PageOutcome runPageCommand(PageCommandHost& host, const QString& command, const QString& argument)
+{
+    if (const CommandInfo* known = find(command)) return known->run(host, argument);
     host.LogEvent({});
     host.LogEvent(" :: Unsupported FS Command (" + core::HtmlEscape(command) + ")");
+    return PageOutcome::Done;
+}
+
+PageEffect effectOf(const QString& command, const QString& argument)
+{
+    const CommandInfo* known = find(command);
+    if (known == nullptr) return PageEffect::Notes;
+    if (known->run == &fullScreen && settings::toBoolean(argument) == false) return PageEffect::Leaves;
+    return known->effect;
 }
 
 } // namespace player

@@ -3,27 +3,36 @@
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "platform/Shell.h"
+#include "platform/TerminationSignal.h"
 #include "player/Cache.h"
 #include "player/ControlBar.h"
+#include "player/FullScreenHint.h"
 #include "player/Glyph.h"
 #include "player/MenuCommands.h"
 #include "player/OutsideDialog.h"
 #include "player/PageAddresses.h"
+#include "player/SettlingBox.h"
 #include "player/Shortcuts.h"
 #include "player/Texts.h"
 #include "player/WelcomePanel.h"
 #include "ui/AboutScreen.h"
 #include "ui/Texts.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QEventLoop>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
+#include <QPushButton>
+#include <QScopedValueRollback>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWindow>
+
+#include <new>
 
 namespace player
 {
@@ -31,8 +40,27 @@ namespace
 {
 
 constexpr QSize kFirstSize{550, 440};
-constexpr int kShowPatienceMs = 1000;
-constexpr int kShowStepMs = 20;
+// A window that was started minimised is not waited for.
+constexpr qint64 kShowPatienceMs = 1000;
+constexpr int kRetryMs = 20;
+// A script that takes longer than a frame or two lets the window answer meanwhile.
+constexpr qint64 kUnansweredMs = 150;
+constexpr qint64 kPumpEveryMs = 40;
+
+QElapsedTimer started()
+{
+    QElapsedTimer timer;
+    timer.start();
+    return timer;
+}
+
+/// Never a move: the program that the file comes from would delete it.
+void takeCopyOf(QDropEvent& event)
+{
+    if (!event.possibleActions().testFlag(Qt::CopyAction)) return event.ignore();
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
 
 } // namespace
 
@@ -43,8 +71,21 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
       m_placement(*this), m_drag(this), m_settings(application, *this),
       m_browser(application, *this, m_browserState), m_dialogs(application, *this),
-      m_outside(outsideDoors(*this)), m_lifecycle(application, *this, commandLine)
+      m_outside(outsideDoors(*this)), m_sinceMade(started()),
+      m_movieJournal([this](const QString& line) { logQuietly(line); },
+                     [this] { return m_sinceMade.elapsed(); }),
+      m_pageQueue(*this), m_lifecycle(application, *this, commandLine)
 {
+    application.journalFailed = [this](const base::Failure& failure) {
+        QTimer::singleShot(0, this, [this, failure] {
+            if (hasEnded()) return;
+            try {
+                ReportError(failure, texts::kPlaceJournal, {});
+            } catch (const base::Failure&) {
+                // It cannot even be shown.
+            }
+        });
+    };
     buildWindow();
     connectBar();
     connectMenuCommands(*this);
@@ -57,7 +98,11 @@ Player::Player(core::Application& application, const QString& commandLine)
     setMediaInfoEnabled(false);
 }
 
-Player::~Player() { control().disconnect(this); }
+Player::~Player()
+{
+    m_application.journalFailed = nullptr;
+    control().disconnect(this);
+}
 
 Console& Player::console()
 {
@@ -114,19 +159,109 @@ void Player::connectControl()
     m_menus.setMovieHasKeyboard([this] { return control().hasFocus() && control().listensToKeys(); });
     connect(&control(), &flash::FlashControl::FSCommand, this,
             [this](const QString& command, const QString& argument) {
-                handled(texts::kPlacePage, [&] { runPageCommand(*this, command, argument); });
+                m_pageQueue.put({command, argument, senderOfSignal()});
             });
     connect(&control(), &flash::FlashControl::OnReadyStateChange, this, [this](int state) {
         constexpr int kComplete = 4;
         if (state == kComplete) m_playback.reapplyBackground();
     });
-    connect(&control(), &flash::FlashControl::logged, this,
-            [this](const QString& text) { logQuietly("Flash: " + core::HtmlEscape(text)); });
-    connect(&control(), &flash::FlashControl::urlRequested, this,
-            [this](const QString& address) { handled(texts::kPlacePage, [&] { openOutside(address); }); });
-    control().setScriptTimeoutHandler([this] {
-        return QMessageBox::question(this, core::kProductName, texts::kScriptIsSlow) == QMessageBox::Yes;
+    connect(&control(), &flash::FlashControl::logged, this, [this](const QString& text) {
+        noteOfMovie("Flash: " + core::HtmlEscape(text.left(MovieJournal::kLongestLine)));
     });
+    connect(&control(), &flash::FlashControl::urlRequested, this, [this](const QString& address) {
+        m_pageQueue.put({{}, address, senderOfSignal(), true});
+    });
+    connect(&control(), &flash::FlashControl::ranOutOfMemory, this, [this] { closeForLackOfMemory(); });
+    control().setScriptTimeoutHandler([this] { return isSlowScriptToEnd(); });
+    control().setScriptWatch([this] { return endsScripts(); });
+}
+
+// ---- scripts that run
+
+bool Player::endsScripts()
+{
+    if (hasEnded() || m_endsScripts || platform::isTerminationRequested()) return true;
+    const qint64 busy = control().busyForMs();
+    if (busy < m_pumpedAtMs) m_pumpedAtMs = 0; // another script
+    if (busy < kUnansweredMs || busy - m_pumpedAtMs < kPumpEveryMs) return false;
+    QCoreApplication::processEvents();
+    m_pumpedAtMs = control().busyForMs();
+    return hasEnded() || m_endsScripts;
+}
+
+bool Player::isSlowScriptToEnd()
+{
+    if (hasEnded() || m_endsScripts) return true;
+    SettlingBox box(QMessageBox::Question, core::kProductName, texts::kScriptIsSlow, QMessageBox::NoButton,
+                    this);
+    box.setObjectName("frmSlowScript");
+    QPushButton* end = box.addButton(texts::kScriptEnd, QMessageBox::AcceptRole);
+    box.setDefaultButton(end);
+    box.setEscapeButton(box.addButton(texts::kScriptGoOn, QMessageBox::RejectRole));
+    // Not modal: the window can be closed, and another movie opened, whatever becomes of the question.
+    box.setModal(false);
+    box.setWindowModality(Qt::NonModal);
+    box.show();
+    QEventLoop loop;
+    connect(&box, &QDialog::finished, &loop, &QEventLoop::quit);
+    QTimer look;
+    connect(&look, &QTimer::timeout, &loop, [this, &loop] {
+        if (hasEnded() || m_endsScripts) loop.quit();
+    });
+    look.start(kRetryMs);
+    loop.exec();
+    return hasEnded() || m_endsScripts || box.clickedButton() == end;
+}
+
+bool Player::isPutOff(const std::function<void()>& action)
+{
+    const bool scriptRuns = control().isBusy();
+    if (!scriptRuns && !m_skinWindow.skin().bridge().isRunning()) return false;
+    if (scriptRuns)
+        m_endsScripts = true;
+    else
+        m_skinWindow.noteWish();
+    QTimer::singleShot(kRetryMs, this, [this, action] {
+        if (hasEnded()) return;
+        if (!control().isBusy()) m_endsScripts = false;
+        handled(texts::kPlaceOpen, action);
+    });
+    return true;
+}
+
+void Player::LoadFlash(const QString& path, const QString& caption)
+{
+    if (hasEnded() || isPutOff([this, path, caption] { LoadFlash(path, caption); })) return;
+    m_media.LoadFlash(path, caption);
+}
+
+void Player::CloseMedia(const QString& message)
+{
+    if (hasEnded() || isPutOff([this, message] { CloseMedia(message); })) return;
+    m_lifecycle.CloseMedia(message);
+}
+
+void Player::CreateSkin()
+{
+    if (hasEnded() || isPutOff([this] { CreateSkin(); })) return;
+    m_skinWindow.CreateSkin();
+}
+
+void Player::saveForSuddenEnd()
+{
+    try {
+        m_application.LogLast("<B>The process ends: the display is gone.</B>");
+        (void)SaveOpts();
+    } catch (const std::exception&) {
+        // There is nobody left to be told.
+    }
+}
+
+void Player::closeForLackOfMemory()
+{
+    logQuietly("The memory has come to an end; the movie is closed.");
+    (void)control().LoadMovie(0, {});
+    handled(texts::kPlaceClose, [this] { CloseMedia(texts::kNoMemory); });
 }
 
 // ---- errors
@@ -143,6 +278,8 @@ void Player::handled(const char* place, const std::function<void()>& procedure)
             // The journal failed while an error was on its way to it. The user has seen neither more nor less
             // than there was to see; what matters is that the event loop is not torn.
         }
+    } catch (const std::bad_alloc&) {
+        QTimer::singleShot(0, this, [this] { closeForLackOfMemory(); });
     }
 }
 
@@ -215,6 +352,7 @@ void Player::AssignMenus()
 
 void Player::ShowPopUp()
 {
+    if (isUnbidden()) return;
     m_menus.setChecked("mnuPopHQ", control().Quality() == 1);
     m_menus.setChecked("mnuPopLQ", control().Quality() == 0);
     m_menus.item("mnuPopPlay").setText(m_menus.item("mnuPlay").text());
@@ -223,6 +361,7 @@ void Player::ShowPopUp()
 
 void Player::ShowMenu()
 {
+    if (isUnbidden()) return;
     auto* menu = new ui::Menu(m_menus.menuSet(), {}, this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addActions(m_menus.bar().actions());
@@ -246,22 +385,48 @@ void Player::refreshMovieCommands()
         m_menus.item(name).setEnabled(HasMovie());
 }
 
-void Player::OpenMedia()
+bool Player::OpenMedia()
 {
-    handled(texts::kPlaceOpen, [this] { m_dialogs.OpenMedia({}); });
+    if (isUnbidden()) return false;
+    bool chosen = false;
+    handled(texts::kPlaceOpen, [&] { chosen = m_dialogs.OpenMedia({}); });
+    return chosen;
+}
+
+void Player::FullScreen(bool on)
+{
+    const bool byMovie = m_carriedOut != nullptr && !m_carriedOut->sender.isOwnPage;
+    const bool wasOn = isFullScreen();
+    // Who has left it does not want it again from this movie.
+    if (!on && wasOn && !byMovie) m_pageQueue.refuse("FULLSCREEN");
+    m_placement.FullScreen(on);
+    if (on && !wasOn && byMovie) FullScreenHint::show(*this);
 }
 
 void Player::SaveMediaAs()
 {
+    if (isUnbidden()) return;
     handled(texts::kPlaceSave, [this] { m_dialogs.SaveMediaAs(); });
 }
 
 void Player::LoadMovie(int layer, const QString& url)
 {
+    if (layer == 0) {
+        if (m_pageQueue.movieOpened()) m_movieJournal.movieOpened();
+        // Pages of our own are quick.
+        if (!url.isEmpty() && !isPageAddress(url)) {
+            m_lifecycle.showWindowFirst();
+            if (hasEnded()) return;
+            m_settings.keepForSuddenEnd();
+            // A first frame that does not end can be closed.
+            for (const char* name : {"mnuClose", "mnuPopClose"}) m_menus.item(name).setEnabled(true);
+        }
+    }
     try {
         m_movieScreen.LoadMovie(layer, url);
     } catch (const base::Failure&) {
         m_application.LogEvent("Flash: " + core::HtmlEscape(control().errorText()));
+        refreshMovieCommands();
         throw;
     }
     if (layer != 0) return;
@@ -291,7 +456,8 @@ void Player::mnuCompress_Click()
         decompress ? m_media.DecompressFlash(info, media::Extent::Full) : m_media.CompressFlash(info, 9);
     if (result.isEmpty())
         QMessageBox::warning(this, core::kProductName,
-                             decompress ? texts::kDecompressFailed : texts::kCompressFailed);
+                             QString(decompress ? texts::kDecompressFailed : texts::kCompressFailed) + '\n' +
+                                 m_media.errorDescription());
 }
 
 void Player::mnuClearCache_Click()
@@ -305,10 +471,34 @@ void Player::mnuClearCache_Click()
 // ---- what lies outside
 
 void Player::openHelp() { openKnown(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); }
-void Player::WebUpdate() { openKnown(QUrl(core::kUpdateAddress)); }
+void Player::WebUpdate()
+{
+    if (!isUnbidden()) openKnown(QUrl(core::kUpdateAddress));
+}
+
+void Player::BrowseMedia()
+{
+    if (!isUnbidden()) m_browser.BrowseMedia();
+}
+
+void Player::Properties()
+{
+    if (!isUnbidden()) m_browser.Properties(mediaInfo());
+}
+
+bool Player::isUnbidden()
+{
+    if (!m_skinWindow.skin().bridge().runsByItself()) return false;
+    logQuietly("Not done for the skin: the user has not asked for it");
+    return true;
+}
 
 void Player::openKnown(const QUrl& url)
 {
+    // A skin's loop would fill the screen with browsers, however it was begun.
+    constexpr qint64 kAtMostEveryMs = 1000;
+    if (m_sinceOpened.isValid() && m_sinceOpened.elapsed() < kAtMostEveryMs) return;
+    m_sinceOpened.start();
     if (platform::openWithSystem(url)) return;
     QMessageBox::warning(this, core::kProductName,
                          QString(texts::kNothingOpens).arg(url.toDisplayString(QUrl::PreferLocalFile)));
@@ -318,6 +508,7 @@ void Player::mnuWeb_Click() { openKnown(QUrl(core::kHomeAddress)); }
 
 void Player::About()
 {
+    if (isUnbidden()) return;
     m_application.LogEvent({});
     m_application.LogEvent(" :: About");
     ShowWaitScreen();
@@ -328,14 +519,58 @@ void Player::About()
     HideWaitScreen();
 }
 
-Outside::Sender Player::senderOfCommand() const
+Outside::Sender Player::senderOfSignal() const
 {
-    Outside::Sender sender;
-    sender.path = filePartOf(control().senderMovie());
-    sender.isOwnPage = liesWithin(sender.path, m_application.GadgetsPath);
+    const flash::FlashControl& movie = control();
+    Outside::Sender sender{filePartOf(movie.senderMovie()), movie.senderIsPage(), movie.senderHasRead(),
+                           movie.senderAct()};
     // A projector's movie lies in the cache: the user knows the projector.
     if (sender.path == mediaInfo().MoviePath) sender.path = mediaInfo().OriginalPath;
     return sender;
+}
+
+bool Player::isOccupied() const
+{
+    return QApplication::activeModalWidget() != nullptr || m_browser.isBusy() || control().isBusy();
+}
+
+bool Player::isOnScreen() const
+{
+    // A movie's first frame comes before the window, and the window manager chooses the window's place later
+    // still: a question waits for the window that it is to lie over.
+    const bool isShown = windowHandle() != nullptr && windowHandle()->isExposed();
+    return isShown || m_sinceMade.elapsed() >= kShowPatienceMs;
+}
+
+PageOutcome Player::carryOut(const PageRequest& request)
+{
+    const QScopedValueRollback carried(m_carriedOut, &request);
+    PageOutcome outcome = PageOutcome::Done;
+    const auto procedure = [&] {
+        outcome = request.isAddress ? openOutside(request.argument)
+                                    : runPageCommand(*this, request.command, request.argument);
+    };
+    if (request.sender.isOwnPage) {
+        handled(texts::kPlacePage, procedure);
+        return outcome;
+    }
+    try {
+        procedure();
+    } catch (const base::Failure& failure) {
+        // No error screen that a movie could call up with every frame.
+        noteOfMovie("Failed for the movie: " + core::HtmlEscape(request.command) + ": " +
+                    QString::fromStdString(failure.description()));
+        return PageOutcome::Declined;
+    }
+    return outcome;
+}
+
+void Player::LogEvent(const QString& text)
+{
+    if (m_carriedOut != nullptr && !m_carriedOut->sender.isOwnPage)
+        m_movieJournal.write(text);
+    else
+        m_application.LogEvent(text);
 }
 
 bool Player::isPageAddress(const QString& path) const
@@ -343,19 +578,24 @@ bool Player::isPageAddress(const QString& path) const
     return liesWithin(filePartOf(path), m_application.GadgetsPath);
 }
 
-void Player::openOutside(const QString& target) { openOnceShown(target, senderOfCommand(), kShowPatienceMs); }
-
-void Player::openOnceShown(const QString& target, const Outside::Sender& sender, int patienceMs)
+PageOutcome Player::openOutside(const QString& target)
 {
-    // A movie's first frame comes before the window, and the window manager chooses the window's place later
-    // still: a question waits for the window that it is to lie over. Not for ever: the window may be
-    // minimised.
-    if (patienceMs <= 0 || (windowHandle() != nullptr && windowHandle()->isExposed()))
-        return m_outside.open(target, sender);
-    QTimer::singleShot(kShowStepMs, this, [this, target, sender, patienceMs] {
-        if (hasEnded()) return;
-        handled(texts::kPlacePage, [&] { openOnceShown(target, sender, patienceMs - kShowStepMs); });
-    });
+    if (m_carriedOut == nullptr) return PageOutcome::Done;
+    return m_outside.isDeclined(target, m_carriedOut->sender) ? PageOutcome::Declined : PageOutcome::Done;
+}
+
+PageOutcome Player::helpWanted()
+{
+    if (!isOwnPage()) return openOutside(m_application.AppPath + "Readme.txt");
+    openHelp();
+    return PageOutcome::Done;
+}
+
+PageOutcome Player::updateWanted()
+{
+    if (!isOwnPage()) return openOutside(core::kUpdateAddress);
+    WebUpdate();
+    return PageOutcome::Done;
 }
 
 // ---- settings
@@ -385,14 +625,15 @@ void Player::closeEvent(QCloseEvent* event)
 void Player::dragEnterEvent(QDragEnterEvent* event)
 {
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (!urls.isEmpty() && urls.first().isLocalFile()) event->acceptProposedAction();
+    if (!urls.isEmpty() && urls.first().isLocalFile()) takeCopyOf(*event);
 }
 
 void Player::dropEvent(QDropEvent* event)
 {
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.isEmpty() || !urls.first().isLocalFile()) return;
-    event->acceptProposedAction();
+    if (urls.isEmpty() || !urls.first().isLocalFile() || !event->possibleActions().testFlag(Qt::CopyAction))
+        return;
+    takeCopyOf(*event);
     const QString path = urls.first().toLocalFile();
     activateWindow();
     // Later, so that the program that the file comes from is not kept waiting for the movie.

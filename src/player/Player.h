@@ -7,9 +7,11 @@
 #include "player/Lifecycle.h"
 #include "player/MediaDialogs.h"
 #include "player/Menus.h"
+#include "player/MovieJournal.h"
 #include "player/MovieScreen.h"
 #include "player/Outside.h"
 #include "player/PageCommands.h"
+#include "player/PageQueue.h"
 #include "player/Placement.h"
 #include "player/Playback.h"
 #include "player/PlayerSettings.h"
@@ -18,6 +20,7 @@
 #include "player/StatusTimer.h"
 #include "player/WindowDrag.h"
 
+#include <QElapsedTimer>
 #include <QWidget>
 
 #include <functional>
@@ -34,6 +37,7 @@ class Player : public QWidget,
                public media::MediaHost,
                public core::ErrorHost,
                public PageCommandHost,
+               public PageQueueHost,
                public browser::BrowserHost
 {
     Q_OBJECT
@@ -73,12 +77,11 @@ public:
     [[nodiscard]] bool hasEnded() const override { return m_lifecycle.hasEnded(); }
 
     // Media
-    Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption) override
-    {
-        m_media.LoadFlash(path, caption);
-    }
-    Q_INVOKABLE void OpenMedia() override;
-    Q_INVOKABLE void CloseMedia(const QString& message) override { m_lifecycle.CloseMedia(message); }
+    /// Both wait until the movie's script or the skin's statement that is running has come to its end; a
+    /// movie's is ended for it.
+    Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption) override;
+    Q_INVOKABLE void CloseMedia(const QString& message) override;
+    Q_INVOKABLE bool OpenMedia() override;
     Q_INVOKABLE void SaveMediaAs();
     Q_INVOKABLE void LoadOpts();
     Q_INVOKABLE bool SaveOpts();
@@ -118,7 +121,7 @@ public:
     {
         m_placement.ZoomFlash(percent, repeats);
     }
-    Q_INVOKABLE void FullScreen(bool on) override { m_placement.FullScreen(on); }
+    Q_INVOKABLE void FullScreen(bool on) override;
     Q_INVOKABLE void ZoomWindow(int mode) { m_placement.ZoomWindow(mode); }
     Q_INVOKABLE void Minimize() { showMinimized(); }
     Q_INVOKABLE void MoveWindow() { m_drag.moveWindow(*this); }
@@ -151,7 +154,7 @@ public:
 
     // Skin
     Q_INVOKABLE void EnumSkins() { m_skinWindow.EnumSkins(); }
-    Q_INVOKABLE void CreateSkin() { m_skinWindow.CreateSkin(); }
+    Q_INVOKABLE void CreateSkin();
     Q_INVOKABLE void UpdateSkin() { m_skinWindow.skin().UpdateSkin(); }
     Q_INVOKABLE void LoadNewSkin() { m_skinWindow.LoadNewSkin(); }
     Q_INVOKABLE void ShowWaitScreen() { m_skinWindow.ShowWaitScreen(); }
@@ -168,16 +171,22 @@ public:
     /// Made when it is first asked for: most runs never show it.
     [[nodiscard]] Console& console();
 
-    Q_INVOKABLE void WebUpdate() override;
+    Q_INVOKABLE void WebUpdate();
     Q_INVOKABLE void About();
     void mnuWeb_Click();
-    Q_INVOKABLE void BrowseMedia() { m_browser.BrowseMedia(); }
-    Q_INVOKABLE void Properties() { m_browser.Properties(mediaInfo()); }
-    void LogEvent(const QString& text) override { m_application.LogEvent(text); }
-    [[nodiscard]] bool isOwnPage() const override { return senderOfCommand().isOwnPage; }
-    void openHelp() override;
+    Q_INVOKABLE void BrowseMedia();
+    Q_INVOKABLE void Properties();
+    void LogEvent(const QString& text) override;
+    [[nodiscard]] bool isOwnPage() const override { return m_carriedOut && m_carriedOut->sender.isOwnPage; }
+    void openHelp();
+    PageOutcome helpWanted() override;
+    PageOutcome updateWanted() override;
     [[nodiscard]] bool isPageAddress(const QString& path) const override;
-    void openOutside(const QString& target) override;
+    PageOutcome openOutside(const QString& target) override;
+    [[nodiscard]] bool isOccupied() const override;
+    [[nodiscard]] bool isOnScreen() const override;
+    PageOutcome carryOut(const PageRequest& request) override;
+    void noteOfMovie(const QString& text) override { m_movieJournal.write(text); }
     [[nodiscard]] QString browserFolder() const override { return m_browserState.folder; }
     [[nodiscard]] int browserPage() const override { return m_browserState.page; }
     void setBrowserPage(int page) override { m_browserState.page = page; }
@@ -212,6 +221,10 @@ public:
     QWidget* errorParent() override { return this; }
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
     void handled(const char* place, const std::function<void()>& procedure);
+    /// The process ends without the window having been asked: the settings are kept, nothing else is touched.
+    void saveForSuddenEnd();
+    /// The memory has come to an end: what takes most of it goes, and the panel says why.
+    void closeForLackOfMemory();
     /// Where no exception may pass: out of the engine, and at the end. What cannot be logged is lost.
     void logQuietly(const QString& text);
 
@@ -249,10 +262,16 @@ private:
     void connectControl();
     /// Opens what the program itself names, and says so when the system has nothing for it.
     void openKnown(const QUrl& url);
-    /// Asks and opens as soon as the window is on the screen, or patience is at its end.
-    void openOnceShown(const QString& target, const Outside::Sender& sender, int patienceMs);
-    /// Whose command is being carried out.
-    [[nodiscard]] Outside::Sender senderOfCommand() const;
+    /// Whose command is on its way here.
+    [[nodiscard]] Outside::Sender senderOfSignal() const;
+    /// Puts off what would pull the ground from under a script that is running.
+    /// @returns whether it was put off
+    bool isPutOff(const std::function<void()>& action);
+    /// Asked by the movie's scripts every few milliseconds. @returns whether they are to end
+    bool endsScripts();
+    bool isSlowScriptToEnd();
+    /// Whether a skin asks for what the user has not asked it for: windows come by his acts only.
+    [[nodiscard]] bool isUnbidden();
 
     core::Application& m_application;
     QWidget* m_client; ///< the inner area: what is left by menu bar and control bar
@@ -271,6 +290,12 @@ private:
     browser::MediaBrowser m_browser;
     MediaDialogs m_dialogs;
     Outside m_outside;
+    QElapsedTimer m_sinceMade, m_sinceOpened; ///< and since something was opened outside
+    MovieJournal m_movieJournal;
+    PageQueue m_pageQueue;
+    const PageRequest* m_carriedOut = nullptr; ///< what a page or movie has asked, while it is done
+    qint64 m_pumpedAtMs = 0;                   ///< of the time that the script at work has taken
+    bool m_endsScripts = false;                ///< something waits for the movie's script to end
     Lifecycle m_lifecycle;
     Console* m_console = nullptr;
     bool m_hasVisual = false; ///< SetVisual has run

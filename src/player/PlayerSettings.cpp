@@ -3,6 +3,7 @@
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "platform/Association.h"
+#include "platform/TerminationSignal.h"
 #include "player/Player.h"
 #include "player/Texts.h"
 #include "settings/OptionsDialog.h"
@@ -49,9 +50,8 @@ void PlayerSettings::LoadOpts()
     for (auto path = recent.crbegin(); path != recent.crend(); ++path) AddRecent(*path);
 }
 
-bool PlayerSettings::SaveOpts()
+void PlayerSettings::gather()
 {
-    if (!m_isLoaded) return true;
     const flash::FlashControl& control = m_player.control();
     const Menus& menus = m_player.menus();
     const Playback& playback = m_player.playback();
@@ -67,6 +67,24 @@ bool PlayerSettings::SaveOpts()
     m_options.pan = static_cast<qint16>(playback.pan());
     m_options.mute = playback.isMuted();
     m_options.timeMode = m_player.status().timeMode();
+}
+
+void PlayerSettings::keepForSuddenEnd()
+{
+    if (!m_isLoaded) return;
+    gather();
+    const auto content = m_file.compose(m_options, m_recent.paths());
+    if (!content) return;
+    platform::setLastWord(
+        {core::filePath(m_file.path()).string(), *content, core::filePath(m_application.LogFile).string(),
+         " :: Save Options<br>\r\n<br>\r\n<B>Quit: Query Unload by Task Manager, and the movie "
+         "does not let go</B><br>\r\n"});
+}
+
+bool PlayerSettings::SaveOpts()
+{
+    if (!m_isLoaded) return true;
+    gather();
     // Each time, so that the program that was used last is the one that opens movies. Switching the option
     // off takes nothing back, on purpose.
     if (m_options.associate)
@@ -81,7 +99,9 @@ void PlayerSettings::edit()
     settings::frmOptions dialog(&m_player, m_options);
     m_player.ShowDialog(dialog);
     if (dialog.result() == QDialog::Accepted && !m_player.SaveOpts())
-        QMessageBox::warning(&m_player, core::kProductName, texts::kOptionsUnsaved);
+        QMessageBox::warning(&m_player, core::kProductName,
+                             m_file.isDiskFull() ? QString(texts::kOptionsUnsaved) + '\n' + texts::kDiskFull
+                                                 : texts::kOptionsUnsaved);
 }
 
 void PlayerSettings::AddRecent(const QString& path)

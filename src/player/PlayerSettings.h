@@ -24,6 +24,8 @@ public:
     void LoadOpts();
     /// @returns false when settings.xml could not be written
     bool SaveOpts();
+    /// Keeps what a SaveOpts() would write for an end that something stands in the way of.
+    void keepForSuddenEnd();
     /// Shows the options dialog.
     void edit();
 
@@ -32,6 +34,8 @@ public:
 
 private:
     void showRecent();
+    /// Collects the options from what they live in.
+    void gather();
 
     core::Application& m_application;
     Player& m_player;

@@ -21,7 +21,7 @@ SaveResult saveMovie(const media::MediaInfo& info, const QString& target)
     std::error_code error;
     const auto real = std::filesystem::canonical(core::filePath(target), error);
     const auto written = base::replaceFile(error ? core::filePath(target) : real, base::Bytes(*movie));
-    if (!written) return {SaveOutcome::CannotWrite, written.error().what};
+    if (!written) return {SaveOutcome::CannotWrite, written.error().what, base::isDiskFull(written.error())};
     return {};
 }
 

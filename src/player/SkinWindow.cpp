@@ -5,6 +5,7 @@
 #include "core/Look.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
+#include "platform/TerminationSignal.h"
 #include "platform/WindowSystem.h"
 #include "player/Menus.h"
 #include "player/Player.h"
@@ -30,7 +31,7 @@ namespace
 
 /// What a skin may ask for at most, so that its window still fits on a screen.
 constexpr int kLargestMinimum = 2048;
-constexpr int kRetryMs = 50;
+constexpr int kRetryMs = 5;
 const QRegion kNothing(-1, -1, 1, 1);
 
 } // namespace
@@ -70,6 +71,7 @@ SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& me
         "Player"));
     connect(qApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) { m_skin.setActive(state == Qt::ApplicationActive); });
+    connect(&m_skin, &skin::Skin::userActed, this, [this] { m_wishes = 0; });
     m_menus.item("mnuSkin").setVisible(false);
     m_menus.item("mnuSep8").setVisible(false);
 }
@@ -135,9 +137,16 @@ void SkinWindow::CreateSkin()
 
 void SkinWindow::LoadNewSkin()
 {
-    if (m_skin.isBusy() || m_isSwitching) {
-        // Asked for by the skin while it is built or laid out: it has to be finished before it can go.
-        QTimer::singleShot(kRetryMs, this, [this] { LoadNewSkin(); });
+    if (m_window.hasEnded()) return;
+    if (m_skin.isBusy() || m_isSwitching || m_skin.bridge().isRunning()) {
+        // Asked for by the skin while it is built or laid out, or by one of its statements: what runs has to
+        // be finished before it can go.
+        if (std::exchange(m_isWaitingToSwitch, true)) return;
+        noteWish();
+        QTimer::singleShot(kRetryMs, this, [this] {
+            m_isWaitingToSwitch = false;
+            LoadNewSkin();
+        });
         return;
     }
     m_isSwitching = true;
@@ -232,6 +241,55 @@ void SkinWindow::setMinimumWindowSize(QSize pixels)
 
 void SkinWindow::ShowPopUp() { m_window.ShowPopUp(); }
 void SkinWindow::activateProgram() { m_window.activateWindow(); }
+bool SkinWindow::hasEnded() const { return m_window.hasEnded() || platform::isTerminationRequested(); }
+
+void SkinWindow::noteWish()
+{
+    constexpr int kMostWishes = 20;
+    constexpr qint64 kWithinMs = 10'000;
+    if (!m_sinceWish.isValid() || m_sinceWish.elapsed() > kWithinMs) m_wishes = 0;
+    if (m_wishes++ == 0) m_sinceWish.start();
+    if (m_wishes > kMostWishes) skinOverran();
+}
+
+void SkinWindow::skinOverran()
+{
+    if (std::exchange(m_isHanging, true)) return;
+    QTimer::singleShot(0, this, [this] { putAway(); });
+}
+
+void SkinWindow::putAway()
+{
+    if (m_window.hasEnded()) return;
+    if (m_skin.isBusy() || m_isSwitching || m_skin.bridge().isRunning()) {
+        QTimer::singleShot(kRetryMs, this, [this] { putAway(); });
+        return;
+    }
+    m_isHanging = false;
+    m_wishes = 0;
+    const QString name = m_selected;
+    log("The skin takes too long and is put away: " + core::HtmlEscape(name));
+    m_skin.UnloadSkin();
+    setMinimumWindowSize({});
+    const QString own = skin::skinFolder({m_application.SkinsPath}, "default");
+    if (m_folder == own) {
+        // There is none behind it; the window has its own bar.
+        emit shownChanged();
+        UpdateRegion(true);
+        clientResized();
+    } else {
+        m_selected = "default";
+        m_folder = own;
+        for (int i = 0; i < m_skins.size(); ++i)
+            m_menus.setChecked(QString("mnuSkinList%1").arg(i),
+                               m_skins[i].compare(m_selected, Qt::CaseInsensitive) == 0);
+        LoadNewSkin();
+    }
+    QMessageBox box(QMessageBox::Warning, core::kProductName, QString(skin::texts::kOverran).arg(name),
+                    QMessageBox::Ok, &m_window);
+    m_window.ShowDialog(box);
+}
+
 bool SkinWindow::isDeveloperMode() const { return !m_application.RunningCompiled; }
 
 void SkinWindow::log(const QString& text)
@@ -254,6 +312,8 @@ void SkinWindow::logError(const base::Failure& error, const QString& place, cons
 
 int SkinWindow::messageBox(const std::u16string& text, int buttons, const std::u16string& title)
 {
+    constexpr int kCancel = 2;
+    if (hasEnded()) return kCancel;
     struct Answer {
         QMessageBox::StandardButton button;
         int code;
@@ -284,6 +344,7 @@ int SkinWindow::messageBox(const std::u16string& text, int buttons, const std::u
 std::optional<std::u16string> SkinWindow::inputBox(const std::u16string& text, const std::u16string& title,
                                                    const std::u16string& preset)
 {
+    if (hasEnded()) return std::nullopt;
     bool accepted = false;
     const QString answer = QInputDialog::getText(
         &m_window, title.empty() ? QString(core::kProductName) : QString::fromStdU16String(title),

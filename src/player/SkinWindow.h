@@ -4,6 +4,7 @@
 #include "skin/Skin.h"
 #include "skin/WaitScreen.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 namespace core
@@ -77,6 +78,9 @@ public:
     void mnuSkinList_Click(int index);
     void ShowWaitScreen();
     void HideWaitScreen() { m_waitScreen->HideWaitScreen(); }
+    /// A statement of the skin asks for another movie or another skin, which has to wait for its end. One
+    /// that does so over and over, while the user does nothing, is put away.
+    void noteWish();
     void UpdateRegion(bool force) override;
     /// What lies under all that the window holds, within its shape.
     void paintGround(QPainter& painter) const;
@@ -90,6 +94,8 @@ public:
     void setMinimumWindowSize(QSize pixels) override;
     void ShowPopUp() override;
     void activateProgram() override;
+    [[nodiscard]] bool hasEnded() const override;
+    void skinOverran() override;
     [[nodiscard]] bool isDeveloperMode() const override;
     void log(const QString& text) override;
     void logError(const base::Failure& error, const QString& place, const QString& detail) override;
@@ -103,6 +109,8 @@ signals:
     void shownChanged();
 
 private:
+    /// Takes the skin that hangs away, says so, and shows the program's own.
+    void putAway();
     void setFrameless(bool frameless);
     /// @param shape in the inner area's coordinates; an empty one takes the shape away
     void setShape(const QRegion& shape);
@@ -123,6 +131,10 @@ private:
     QHash<QString, QObject*> m_items;
     bool m_frameless = false;
     bool m_isSwitching = false;
+    int m_wishes = 0; ///< of the skin's statements since the user acted, or for some time
+    QElapsedTimer m_sinceWish;
+    bool m_isWaitingToSwitch = false;
+    bool m_isHanging = false; ///< the skin is to be put away
 };
 
 } // namespace player

@@ -10,8 +10,11 @@ namespace player
 StatusTimer::StatusTimer(Player& player) : m_player(player)
 {
     m_tmrUpdate.setInterval(kIntervalMs);
-    QObject::connect(&m_tmrUpdate, &QTimer::timeout, &m_tmrUpdate,
-                     [this] { m_player.handled(texts::kPlaceTimer, [this] { tmrUpdate_Timer(); }); });
+    QObject::connect(&m_tmrUpdate, &QTimer::timeout, &m_tmrUpdate, [this] {
+        m_player.handled(texts::kPlaceTimer, [this] { tmrUpdate_Timer(); });
+        constexpr int kKeepEvery = 9; // some three seconds
+        if (++m_ticks % kKeepEvery == 0) m_player.settings().keepForSuddenEnd();
+    });
 }
 
 void StatusTimer::tmrUpdate_Timer()

@@ -26,6 +26,7 @@ public:
 private:
     Player& m_player;
     QTimer m_tmrUpdate;
+    int m_ticks = 0;
 };
 
 } // namespace player

@@ -46,8 +46,13 @@ inline constexpr const char* kDecompressFailed = "Ошибка при распа
 inline constexpr const char* kCompressFailed   = "Ошибка при сжатии файла.";
 inline constexpr const char* kOptionsUnsaved   = "Не удалось записать файл настроек. Изменения действуют до выхода "
                                                  "из программы.";
+inline constexpr const char* kDiskFull         = "На диске недостаточно места.";
 inline constexpr const char* kScriptIsSlow     = "Сценарий ролика выполняется слишком долго, и окно не отвечает. "
                                                  "Прервать сценарий?";
+inline constexpr const char* kScriptEnd        = "Прервать сценарий";
+inline constexpr const char* kScriptGoOn       = "Продолжить";
+inline constexpr const char* kNoMemory         = "Ролику не хватило памяти, и он закрыт";
+inline constexpr const char* kHowToLeave       = "Чтобы выйти из полноэкранного режима, нажмите Esc";
 inline constexpr const char* kMovieDamaged     = "Ролик повреждён, показать его нельзя";
 
 inline constexpr const char* kWelcomeCaption   = "Экран приветствия";
@@ -71,7 +76,10 @@ inline constexpr const char* kBrowseFolder     = "Выберите папку д
 inline constexpr const char* kNothingOpens     = "Не нашлось программы, которая открывает:\n%1";
 inline constexpr const char* kOutsideTitle     = "Запрос ролика";
 inline constexpr const char* kOutsideAsks      = "Ролик «%1» просит открыть:";
-inline constexpr const char* kOutsideAdvice    = "Открывайте только то, чему доверяете.";
+inline constexpr const char* kOutsideAdvice    = "Открывайте только то, чему доверяете. Отказ действует, пока ролик "
+                                                 "не открыт заново.";
+inline constexpr const char* kOutsideHasRead   = "Ролик читал файлы из своей папки. Вместе с адресом он может передать "
+                                                 "их содержимое.";
 inline constexpr const char* kOutsideOpen      = "Открыть";
 inline constexpr const char* kOutsideRefuse    = "Отказать";
 inline constexpr const char* kOutsideAlways    = "Всегда так для этого ролика (до выхода из программы)";
@@ -92,6 +100,7 @@ inline constexpr const char* kPlaceSave        = "Сохранение меди�
 inline constexpr const char* kPlaceTimer       = "Обновление информации";
 inline constexpr const char* kPlaceQuit        = "Завершение работы";
 inline constexpr const char* kPlacePage        = "Команда страницы";
+inline constexpr const char* kPlaceJournal     = "Запись журнала";
 inline constexpr const char* kPlaceConsole     = "Консоль";
 
 inline constexpr const char* kConsole          = "Консоль";

@@ -4,6 +4,7 @@
 #include "core/Application.h"
 #include "skin/Texts.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace skin
@@ -11,8 +12,8 @@ namespace skin
 namespace
 {
 
-/// A window that does not answer for longer has hung, as far as its user can tell.
-constexpr std::chrono::seconds kStatementTime{4};
+/// How often the time is looked at, and whether the program is to end.
+constexpr std::chrono::milliseconds kSlice{100};
 constexpr std::size_t kScriptBytes = std::size_t{256} << 20;
 /// The engine's number for a call that ran out of time.
 constexpr int kInterrupted = -2147467260;
@@ -40,12 +41,96 @@ Expression::Expression(QString text) : m_text(std::move(text)), m_kind(Kind::Not
     m_number = number;
 }
 
-Bridge::Bridge(SkinHost& host, script::Host* scriptHost) : m_host(host), m_engine(scriptHost)
+class Bridge::Call
 {
-    m_engine.setTimeout(kStatementTime);
+public:
+    explicit Call(Bridge& bridge) : m_bridge(bridge)
+    {
+        if (m_bridge.m_depth++ > 0) {
+            m_bridge.count();
+            return;
+        }
+        m_bridge.m_callMs = 0;
+        m_bridge.m_questions = 0;
+        m_bridge.m_isEnding = false;
+        m_bridge.m_since.start();
+    }
+    ~Call()
+    {
+        m_bridge.count();
+        --m_bridge.m_depth;
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+private:
+    Bridge& m_bridge;
+};
+
+Bridge::Bridge(SkinHost& host, script::Host* scriptHost)
+    : m_host(host), m_scriptHost(scriptHost), m_engine(this)
+{
+    m_engine.setTimeout(kSlice);
     m_engine.setHeapLimit(kScriptBytes);
     m_engine.setUseSafeSubset(true);
     m_engine.reset();
+}
+
+void Bridge::count()
+{
+    // A script is looked at more often than that; what takes longer is a dialog, or other work of the host's.
+    constexpr double kNsPerMs = 1e6, kLongestMs = 250;
+    const double ms = std::min(static_cast<double>(m_since.nsecsElapsed()) / kNsPerMs, kLongestMs);
+    m_since.start();
+    m_callMs += ms;
+    m_passMs += ms;
+}
+
+void Bridge::beginPass()
+{
+    if (m_passes++ > 0) return;
+    if (m_depth > 0) count(); // what ran before is not part of it
+    m_passMs = 0;
+}
+
+bool Bridge::endPass()
+{
+    const bool overran = hasOverrun();
+    return --m_passes == 0 && overran;
+}
+
+bool Bridge::isOver() const { return m_isEnding || m_host.hasEnded() || hasOverrun(); }
+
+bool Bridge::continueAfterTimeout()
+{
+    count();
+    return !isOver() && m_callMs < kCallMs;
+}
+
+bool Bridge::mayAsk()
+{
+    count();
+    if (++m_questions > kMostQuestions) m_isEnding = true;
+    if (m_passes > 0 && ++m_unbidden > kMostUnbidden) m_passMs = kPassMs + 1;
+    return m_scriptHost != nullptr && !isOver();
+}
+
+int Bridge::messageBox(const std::u16string& text, int buttons, const std::u16string& title)
+{
+    constexpr int kCancel = 2;
+    if (!mayAsk()) return m_scriptHost != nullptr ? kCancel : script::Host::messageBox(text, buttons, title);
+    const int answer = m_scriptHost->messageBox(text, buttons, title);
+    m_since.start();
+    return answer;
+}
+
+std::optional<std::u16string> Bridge::inputBox(const std::u16string& text, const std::u16string& title,
+                                               const std::u16string& preset)
+{
+    if (!mayAsk()) return std::nullopt;
+    auto answer = m_scriptHost->inputBox(text, title, preset);
+    m_since.start();
+    return answer;
 }
 
 std::optional<QString> Bridge::begin(const QString& language)
@@ -62,6 +147,7 @@ std::optional<QString> Bridge::begin(const QString& language)
 void Bridge::reset()
 {
     m_begun = false;
+    m_unbidden = 0;
     m_engine.reset();
     m_hanging.clear();
     m_lastTimerError.clear();
@@ -75,6 +161,8 @@ void Bridge::addObject(const QString& name, QObject* object)
 
 std::optional<QString> Bridge::addCode(const QString& code)
 {
+    if (m_host.hasEnded()) return std::nullopt;
+    const Call call(*this);
     if (m_engine.addCode(view(code))) return std::nullopt;
     const script::ScriptError& error = m_engine.error();
     // The text begins with an empty line that the file does not have.
@@ -86,13 +174,17 @@ std::optional<QString> Bridge::addCode(const QString& code)
 
 void Bridge::ExecuteStatement(const QString& statement)
 {
+    if (m_host.hasEnded()) return;
     if (!m_begun) (void)begin("VBScript");
+    const Call call(*this);
     if (!m_engine.executeStatement(view(statement))) throw failureOf(m_engine.error());
 }
 
 Bridge::Outcome Bridge::RunScript(const QString& statement, Repetition repetition)
 {
-    if (statement.isEmpty() || m_hanging.contains(statement)) return Outcome::Done;
+    if (statement.isEmpty() || m_host.hasEnded() || hasOverrun() || m_hanging.contains(statement))
+        return Outcome::Done;
+    const Call call(*this);
     if (m_engine.executeStatement(view(statement))) return Outcome::Done;
     const script::ScriptError error = m_engine.error();
     if (error.number == kInterrupted) m_hanging.insert(statement);
@@ -123,7 +215,9 @@ std::optional<double> Bridge::toNumber(const script::Result<script::Value>& valu
 
 std::optional<double> Bridge::EvalScript(const QString& expression)
 {
-    if (expression.trimmed().isEmpty() || m_hanging.contains(expression)) return 0.0;
+    if (expression.trimmed().isEmpty() || m_host.hasEnded() || hasOverrun() || m_hanging.contains(expression))
+        return 0.0;
+    const Call call(*this);
     const auto value = m_engine.eval(view(expression));
     if (!value && value.error()->number == kInterrupted) m_hanging.insert(expression);
     return toNumber(value);
@@ -135,6 +229,7 @@ void Bridge::compile(Expression& expression)
     const bool oneLine = !expression.m_text.contains('\n') && !expression.m_text.contains('\r');
     // In parentheses, so that a text with a colon in it does not pass as a statement more.
     const QString code = "Function " + name + "\r\n" + name + "=(" + expression.m_text + ")\r\nEnd Function";
+    const Call call(*this);
     const bool compiled = oneLine && m_engine.addCode(view(code));
     expression.m_kind = compiled ? Expression::Kind::Function : Expression::Kind::Text;
     expression.m_function = name.mid(1, name.size() - 2).toStdU16String();
@@ -142,11 +237,13 @@ void Bridge::compile(Expression& expression)
 
 std::optional<double> Bridge::evaluate(Expression& expression)
 {
+    if (expression.m_kind != Expression::Kind::Number && (m_host.hasEnded() || hasOverrun())) return 0.0;
     if (!m_hanging.isEmpty() && m_hanging.contains(expression.m_text)) expression = Expression("0");
     if (expression.m_kind == Expression::Kind::NotYetCompiled) compile(expression);
     switch (expression.m_kind) {
     case Expression::Kind::Number: return expression.m_number;
     case Expression::Kind::Function: {
+        const Call call(*this);
         const auto value = m_engine.run(expression.m_function);
         // Each step of a window's resizing would wait for it again.
         if (!value && value.error()->number == kInterrupted) expression = Expression("0");

@@ -4,6 +4,7 @@
 #include "skin/ObjectDispatch.h"
 #include "skin/SkinHost.h"
 
+#include <QElapsedTimer>
 #include <QSet>
 
 #include <optional>
@@ -29,9 +30,14 @@ private:
 };
 
 /// The one path between a skin and its script.
-class Bridge
+class Bridge : private script::Host
 {
 public:
+    /// So many questions (MsgBox, InputBox) may one call put to the user; then the call is ended.
+    static constexpr int kMostQuestions = 20;
+    /// So many may come from what runs by itself, all in all.
+    static constexpr int kMostUnbidden = 3;
+
     /// @param host outlives the bridge
     /// @param scriptHost answers what scripts ask the user; may be null
     Bridge(SkinHost& host, script::Host* scriptHost);
@@ -48,6 +54,19 @@ public:
     std::optional<QString> addCode(const QString& code);
     void reset();
 
+    /// Whether a statement or an expression is running: what would take its ground away has to wait.
+    [[nodiscard]] bool isRunning() const { return m_depth > 0; }
+
+    /// Whether what runs was set off by no act of the user's: a layout, a tick, another movie. It has no
+    /// business with the user then.
+    [[nodiscard]] bool runsByItself() const { return m_depth > 0 && m_passes > 0; }
+    /// From here to endPass() all calls together have the time of one pass. One within another is part of it.
+    void beginPass();
+    /// @returns whether the calls of the pass have used up their time; for the outermost one only
+    bool endPass();
+    /// Whether they have used it up already. What is left of the pass is not run.
+    [[nodiscard]] bool hasOverrun() const { return m_passes > 0 && m_passMs > kPassMs; }
+
     enum class Outcome { Done, Failed };
     /// How often a statement runs by itself, and so how often its failure is written down.
     enum class Repetition { Event, Timer };
@@ -62,10 +81,27 @@ public:
     std::optional<double> evaluate(Expression& expression);
 
 private:
+    /// A window that does not answer for longer has hung, as far as its user can tell.
+    static constexpr double kCallMs = 4000, kPassMs = 2000;
+    /// One call of the engine, maybe inside another.
+    class Call;
+
+    int messageBox(const std::u16string& text, int buttons, const std::u16string& title) override;
+    std::optional<std::u16string> inputBox(const std::u16string& text, const std::u16string& title,
+                                           const std::u16string& preset) override;
+    bool continueAfterTimeout() override;
+    /// @returns whether the call may put one question more
+    bool mayAsk();
+    /// Nothing runs any more once the program ends, or a pass has used up its time.
+    [[nodiscard]] bool isOver() const;
+    /// Adds what has passed to the times.
+    void count();
+
     std::optional<double> toNumber(const script::Result<script::Value>& value);
     void compile(Expression& expression);
 
     SkinHost& m_host;
+    script::Host* m_scriptHost;
     ScriptObjects m_objects; // before the engine, whose values refer to it
     script::Ref<script::Dispatch> m_player;
     script::ScriptControl m_engine;
@@ -73,6 +109,12 @@ private:
     QString m_lastTimerError;
     bool m_begun = false; ///< the engine knows the player
     int m_functions = 0;
+    int m_depth = 0; ///< calls of the engine, one inside another
+    int m_questions = 0, m_unbidden = 0;
+    bool m_isEnding = false; ///< the call at hand is to end
+    int m_passes = 0;
+    double m_passMs = 0, m_callMs = 0; ///< that scripts have run, without what they waited for the user
+    QElapsedTimer m_since;             ///< when that was counted last
 };
 
 } // namespace skin

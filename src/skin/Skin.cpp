@@ -7,6 +7,7 @@
 #include <QApplication>
 
 #include <algorithm>
+#include <cassert>
 
 // How a skin lives: views, layout, statements. How it is built stands in SkinBuilder.cpp.
 
@@ -18,6 +19,7 @@ Skin::~Skin() = default;
 
 void Skin::UnloadSkin()
 {
+    assert(!m_bridge.isRunning() && "a script may not lose the skin that it runs for");
     QWidget& movie = m_host.movie();
     QWidget& client = m_host.clientArea();
     if (movie.parentWidget() != &client) {
@@ -104,12 +106,14 @@ void Skin::UpdateSkin()
     constexpr int kMostPasses = 3;
     m_inLayout = true;
     int passes = 0;
+    m_bridge.beginPass();
     do {
         m_layoutWanted = false;
         layOut();
-    } while (m_layoutWanted && ++passes < kMostPasses);
+    } while (m_layoutWanted && !m_bridge.hasOverrun() && ++passes < kMostPasses);
     m_inLayout = false;
     m_host.UpdateRegion(false);
+    if (m_bridge.endPass()) m_host.skinOverran();
 }
 
 double Skin::position(Expression& expression) { return m_bridge.evaluate(expression).value_or(0); }
@@ -125,6 +129,7 @@ void Skin::layOut()
     view.width = Expression(QString::number(inner.width()));
     view.height = Expression(QString::number(inner.height()));
     for (SkinObject& record : m_objects) {
+        if (m_bridge.hasOverrun()) return;
         if (record.viewIndex != viewIndex || !record.object) continue;
         const double left = position(record.left);
         const double top = position(record.top);
@@ -137,20 +142,26 @@ void Skin::layOut()
         movie.setGeometry(QRect(QPoint(0, 0), inner));
         m_movieFilled = movie.geometry();
     }
-    m_bridge.RunScript(view.onResize);
+    m_bridge.RunScript(QString(view.onResize));
 }
 
 void Skin::runInfoUpdate()
 {
     const auto index = static_cast<std::size_t>(m_currentView);
     if (index >= m_objects.size() || isBusy()) return;
+    // By itself, three times a second: it has no more time than a pass of the layout.
+    m_bridge.beginPass();
     m_bridge.RunScript(QString(m_objects[index].onInfoUpdate), Bridge::Repetition::Timer);
+    if (m_bridge.endPass()) m_host.skinOverran();
 }
 
 void Skin::runMediaChange()
 {
     const auto index = static_cast<std::size_t>(m_currentView);
-    if (index < m_objects.size()) m_bridge.RunScript(QString(m_objects[index].onMediaChange));
+    if (index >= m_objects.size()) return;
+    m_bridge.beginPass();
+    m_bridge.RunScript(QString(m_objects[index].onMediaChange));
+    if (m_bridge.endPass()) m_host.skinOverran();
 }
 
 void Skin::setActive(bool active)
@@ -231,6 +242,7 @@ void Skin::connectElement(SkinControl& control)
     };
     connect(&control, &SkinControl::pressed, this,
             on([this, &control](ElementPointer& p, PointerButton b, QPoint at) {
+                emit userActed();
                 react(control, p.press(b), at);
             }));
     connect(

@@ -76,6 +76,10 @@ public:
     [[nodiscard]] int GetAbsLeft(const QWidget& control) const { return control.x(); }
     [[nodiscard]] int GetAbsTop(const QWidget& control) const;
 
+signals:
+    /// The user has pressed on one of its elements.
+    void userActed();
+
 private:
     struct Mask {
         QRegion holes;
@@ -127,7 +131,9 @@ private:
     int m_currentView = 0;
     int m_pictures = 0;
     int m_labels = 0;
-    QRect m_movieFilled; ///< where the movie was put when no script had said where it lies
+    QRect m_movieFilled;              ///< where the movie was put when no script had said where it lies
+    mutable qint64 m_imagePixels = 0; ///< of the pictures that were read
+    int m_nested = 0;                 ///< how deep the builder stands in the description
     int m_busy = 0;
     bool m_layoutWanted = false;
     bool m_inLayout = false;

@@ -21,7 +21,10 @@ namespace
 {
 
 constexpr std::uint64_t kMostDescriptionBytes = 16ULL << 20;
-constexpr std::size_t kMostObjects = 10'000;
+constexpr std::size_t kMostObjects = 5'000;
+constexpr int kMostNested = 64; ///< elements, one inside another
+/// Of all its pictures together; a screen has some eight million.
+constexpr qint64 kMostImagePixels = 128'000'000;
 constexpr std::size_t kMostSourceBytes = 4000; ///< of an element, in the journal
 constexpr qint64 kMostMaskPixels = 64'000'000;
 constexpr int kNoPicture = 481;
@@ -58,6 +61,8 @@ bool Skin::LoadSkin(const QString& path)
     }
 
     const Busy busy(*this);
+    m_imagePixels = 0;
+    m_bridge.beginPass();
     const base::xml::Element root = document->root();
     m_container = &m_host.clientArea();
     m_buildingView = 0;
@@ -70,6 +75,7 @@ bool Skin::LoadSkin(const QString& path)
     runMediaChange();
     m_currentView = 1;
     SetSkinView(m_host.isFullScreen() ? "viewFullScreen" : "viewNormal");
+    if (m_bridge.endPass()) m_host.skinOverran();
     return true;
 }
 
@@ -87,6 +93,8 @@ void Skin::step(const base::xml::Element& node, Step kind, const std::function<v
 
 void Skin::ParseSkinNode(const base::xml::Element& node)
 {
+    // A skin that is put away anyway is not built to its end.
+    if (m_bridge.hasOverrun()) return;
     if (isName(node, "THEME")) {
         beginTheme(node);
         ParseSkinChildren(node);
@@ -107,7 +115,11 @@ void Skin::ParseSkinNode(const base::xml::Element& node)
 
 void Skin::ParseSkinChildren(const base::xml::Element& node)
 {
+    if (m_nested == kMostNested)
+        return step(node, Step::Branch, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kTooDeep); });
+    ++m_nested;
     for (const base::xml::Element& child : node.children()) ParseSkinNode(child);
+    --m_nested;
 }
 
 void Skin::beginTheme(const base::xml::Element& node)
@@ -228,8 +240,11 @@ void Skin::buildObject(SkinObject& record, const base::xml::Element& node, Kind 
 
 QImage Skin::imageOf(const QString& name) const
 {
-    auto image = loadImage(m_folder, name);
-    if (image) return *std::move(image);
+    auto image = loadImage(m_folder, name, kMostImagePixels - m_imagePixels);
+    if (image) {
+        m_imagePixels += qint64{image->width()} * image->height();
+        return *std::move(image);
+    }
     if (image.error().code != base::ErrorCode::NotFound) // a state may have no image
         m_host.log(core::HtmlEscape(QString::fromStdString(image.error().what)));
     return {};
@@ -242,8 +257,8 @@ void Skin::loadImages(SkinPicture& picture, Kind kind, const QString& name)
     const QString fineName = name.chopped(file.suffix().size() + 1) + "@2x." + file.suffix();
     const auto loadFine = [&](ImageState state, const QString& folder) {
         if (!fine) return;
-        if (auto twice = loadImage(m_folder, folder + fineName))
-            picture.setFineImage(state, *std::move(twice));
+        if (QImage twice = imageOf(folder + fineName); !twice.isNull())
+            picture.setFineImage(state, std::move(twice));
     };
     const auto later = [&](ImageState state, const QString& folder) {
         if (findFile(m_folder, folder + name).isEmpty()) return;

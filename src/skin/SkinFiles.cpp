@@ -8,12 +8,13 @@
 #include <QFileInfo>
 #include <QImageReader>
 
+#include <algorithm>
+
 namespace skin
 {
 namespace
 {
 
-constexpr qint64 kMostPixels = 64'000'000;
 constexpr qint64 kMostImageBytes = 64LL << 20;
 constexpr std::uint64_t kMostScriptBytes = 16ULL << 20;
 
@@ -40,10 +41,14 @@ QString findFile(const QString& folder, const QString& name)
         if (entry.isEmpty()) return {};
         path = QDir(path).filePath(entry);
     }
-    return QFileInfo(path).isFile() ? path : QString();
+    const QFileInfo found(path);
+    if (!found.isFile()) return {};
+    // A link may stand for a file of the skin's own, not for one elsewhere.
+    const QString root = QFileInfo(folder).canonicalFilePath();
+    return found.canonicalFilePath().startsWith(root + '/') ? path : QString();
 }
 
-base::Result<QImage> loadImage(const QString& folder, const QString& name)
+base::Result<QImage> loadImage(const QString& folder, const QString& name, qint64 mostPixels)
 {
     const QString path = findFile(folder, name);
     if (path.isEmpty()) return base::fail(base::ErrorCode::NotFound, name.toStdString() + ": no such image");
@@ -52,10 +57,15 @@ base::Result<QImage> loadImage(const QString& folder, const QString& name)
                           name.toStdString() + ": image file larger than 64 MiB");
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
+    constexpr const char* kKinds[] = {"bmp", "gif", "jpeg", "png"};
+    const QByteArray kind = reader.format();
+    if (!kind.isEmpty() &&
+        std::none_of(std::begin(kKinds), std::end(kKinds), [&](const char* known) { return kind == known; }))
+        return base::fail(base::ErrorCode::Unsupported,
+                          name.toStdString() + ": neither BMP, GIF, JPEG nor PNG");
     const QSize size = reader.size();
-    if (qint64{size.width()} * size.height() > kMostPixels)
-        return base::fail(base::ErrorCode::LimitReached,
-                          name.toStdString() + ": image of more than 64 million pixels");
+    if (qint64{size.width()} * size.height() > std::min(mostPixels, kMostPixels))
+        return base::fail(base::ErrorCode::LimitReached, name.toStdString() + ": image of too many pixels");
     QImage image = reader.read();
     if (image.isNull())
         return base::fail(base::ErrorCode::Malformed,

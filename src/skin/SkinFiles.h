@@ -11,13 +11,17 @@ namespace skin
 // Files of a skin, as descriptions of 2005 name them: in any case, with backslashes.
 
 /// @param folder absolute, with its closing separator
-/// @param name   relative; "\" and "/" separate. Names that lead out of the folder are not found.
+/// @param name   relative; "\" and "/" separate. Names and links that lead out of the folder are not found.
 /// @returns the file's path, its case as the disk has it; empty when there is no such file
 QString findFile(const QString& folder, const QString& name);
 
-/// Reads BMP, PNG, JPEG and GIF. Images are cut off at 64 million pixels and files at 64 MiB.
-/// @errors NotFound, LimitReached, Malformed
-base::Result<QImage> loadImage(const QString& folder, const QString& name);
+constexpr qint64 kMostPixels = 64'000'000;
+
+/// Reads BMP, PNG, JPEG and GIF, told apart by their content. Images are cut off at 64 million pixels and
+/// files at 64 MiB.
+/// @param mostPixels where it is to be less
+/// @errors NotFound, LimitReached, Malformed, Unsupported
+base::Result<QImage> loadImage(const QString& folder, const QString& name, qint64 mostPixels = kMostPixels);
 
 /// Reads a script: UTF-8, with or without a mark, or windows-1251. Every line is preceded by CR LF, so that
 /// line n of the file is line n + 1 of the answer.

@@ -33,6 +33,12 @@ public:
     /// A press on a skin that rests is what makes the program active.
     virtual void activateProgram() = 0;
 
+    /// Whether the program ends: no script runs any more.
+    [[nodiscard]] virtual bool hasEnded() const = 0;
+    /// The skin's expressions and statements take longer than a window can wait: it is to be put away, as
+    /// soon as nothing of it is at work.
+    virtual void skinOverran() = 0;
+
     /// Whether errors pass to the debugger instead of the journal.
     [[nodiscard]] virtual bool isDeveloperMode() const = 0;
     virtual void log(const QString& text) = 0;

@@ -22,6 +22,8 @@ inline constexpr const char* kInvalidProperty = "Недопустимое зна
 inline constexpr const char* kNoTheme        = "В описании шкурки нет элемента THEME";
 inline constexpr const char* kMaskTooLarge   = "Маска панели слишком велика";
 inline constexpr const char* kTooMany        = "В шкурке слишком много элементов";
+inline constexpr const char* kTooDeep        = "Элементы шкурки вложены слишком глубоко";
+inline constexpr const char* kOverran        = "Шкурка «%1» слишком долго занимает программу и отключена.";
 inline constexpr const char* kNoScriptFile   = "Файл сценария шкурки не прочитан: ";
 // clang-format on
 

