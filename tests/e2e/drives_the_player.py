@@ -12,7 +12,7 @@ import subprocess
 import sys
 import time
 
-from screen import compile_movie, copy_program, journal, under_virtual_display, wait_for
+from screen import compile_movie, copy_program, journal, under_virtual_display, wait_for, windows_of
 
 SCREEN = (1280, 900)
 MOVIE_SIZE = (480, 320)
@@ -46,18 +46,7 @@ class Session:
 
     def windows(self):
         """The visible windows as {id: (width, height, title)}."""
-        found = subprocess.run(['xdotool', 'search', '--onlyvisible', '--class', 'Zorvex'],
-                               check=False, capture_output=True, text=True).stdout.split()
-        windows = {}
-        for window in found:
-            shape = subprocess.run(['xdotool', 'getwindowgeometry', '--shell', window], check=False,
-                                   capture_output=True, text=True).stdout
-            title = subprocess.run(['xdotool', 'getwindowname', window], check=False, capture_output=True,
-                                   text=True).stdout.strip()
-            size = dict(line.split('=') for line in shape.split())
-            if 'WIDTH' in size:
-                windows[window] = (int(size['WIDTH']), int(size['HEIGHT']), title)
-        return windows
+        return windows_of('Zorvex')
 
     def main_window(self):
         windows = self.windows()

@@ -64,6 +64,22 @@ def click(x, y, *options):
     subprocess.run(['xdotool', 'mousemove', str(x), str(y), 'click'] + list(options) + ['1'], check=True)
 
 
+def windows_of(name):
+    """The visible windows of a program as {id: (width, height, title)}."""
+    found = subprocess.run(['xdotool', 'search', '--onlyvisible', '--class', name],
+                           check=False, capture_output=True, text=True).stdout.split()
+    windows = {}
+    for window in found:
+        shape = subprocess.run(['xdotool', 'getwindowgeometry', '--shell', window], check=False,
+                               capture_output=True, text=True).stdout
+        title = subprocess.run(['xdotool', 'getwindowname', window], check=False, capture_output=True,
+                               text=True).stdout.strip()
+        size = dict(line.split('=') for line in shape.split())
+        if 'WIDTH' in size:
+            windows[window] = (int(size['WIDTH']), int(size['HEIGHT']), title)
+    return windows
+
+
 def wait_for(what, question, seconds=20):
     end = time.monotonic() + seconds
     while time.monotonic() < end:
