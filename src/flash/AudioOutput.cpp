@@ -28,13 +28,16 @@ QAudioFormat mixFormat()
 
 } // namespace
 
-AudioOutput::AudioOutput(QObject* parent) : QIODevice(parent) { open(QIODevice::ReadOnly); }
+AudioOutput::AudioOutput(std::unique_ptr<SoundSource> source) : m_source(std::move(source))
+{
+    open(QIODevice::ReadOnly);
+}
 AudioOutput::~AudioOutput() { release(); }
 
-void AudioOutput::follow(sound::Mixer& mixer, double elapsedMs)
+void AudioOutput::follow(double elapsedMs)
 {
-    m_mixer = &mixer;
-    m_silentMs = mixer.isSilent() ? m_silentMs + elapsedMs : 0;
+    const bool silent = m_source->isSilent();
+    m_silentMs = silent ? m_silentMs + elapsedMs : 0;
     if (m_sink) {
         const bool lost = m_sink->state() == QAudio::StoppedState;
         if (!lost && m_silentMs < kSilenceBeforeClosingMs) return;
@@ -43,7 +46,7 @@ void AudioOutput::follow(sound::Mixer& mixer, double elapsedMs)
         return;
     }
     m_msToRetry -= elapsedMs;
-    if (!mixer.isSilent() && m_msToRetry <= 0) openDevice();
+    if (!silent && m_msToRetry <= 0) openDevice();
 }
 
 void AudioOutput::openDevice()
@@ -58,11 +61,7 @@ void AudioOutput::openDevice()
     if (m_sink->error() != QAudio::NoError) m_sink.reset();
 }
 
-void AudioOutput::release()
-{
-    m_sink.reset();
-    m_mixer = nullptr;
-}
+void AudioOutput::release() { m_sink.reset(); }
 
 double AudioOutput::fedMs() const { return static_cast<double>(m_framesFed) * 1000 / sound::kMixRate; }
 
@@ -70,13 +69,9 @@ qint64 AudioOutput::readData(char* data, qint64 maxSize)
 {
     const auto frames = static_cast<std::size_t>(maxSize) / sizeof(sound::StereoFrame);
     const auto bytes = static_cast<qint64>(frames * sizeof(sound::StereoFrame));
-    if (m_mixer == nullptr) {
-        std::fill_n(data, bytes, '\0');
-    } else {
-        std::vector<sound::StereoFrame> mixed(frames);
-        m_mixer->mix(mixed);
-        std::copy_n(reinterpret_cast<const char*>(mixed.data()), bytes, data);
-    }
+    std::vector<sound::StereoFrame> mixed(frames);
+    m_source->mix(mixed);
+    std::copy_n(reinterpret_cast<const char*>(mixed.data()), bytes, data);
     m_framesFed += static_cast<qint64>(frames);
     return bytes;
 }

@@ -1,20 +1,29 @@
 #pragma once
 
+#include "flash/sound/Samples.h"
+
 #include <QIODevice>
 
 #include <memory>
+#include <span>
 
 class QAudioSink;
 
 namespace flash
 {
 
-namespace sound
+/// Where a sound device takes what it plays from.
+class SoundSource
 {
-class Mixer;
-}
+public:
+    virtual ~SoundSource() = default;
+    /// Fills all of `frames`.
+    virtual void mix(std::span<sound::StereoFrame> frames) = 0;
+    /// Whether there is nothing to hear now.
+    [[nodiscard]] virtual bool isSilent() = 0;
+};
 
-/// Lets the machine's sound device pull from a mixer. The device is opened when there is something to hear
+/// Lets the machine's sound device pull from a source. The device is opened when there is something to hear
 /// and let go after a while of silence. Where there is none, nothing is ever pulled and the owner moves the
 /// sounds on itself.
 class AudioOutput : public QIODevice
@@ -22,15 +31,14 @@ class AudioOutput : public QIODevice
     Q_OBJECT
 
 public:
-    explicit AudioOutput(QObject* parent);
+    explicit AudioOutput(std::unique_ptr<SoundSource> source);
     ~AudioOutput() override;
 
-    /// Opens or closes the device as the mixer's voices need. Call it now and then, at least once a frame.
-    /// @param mixer must stay until the next call of follow() or release()
-    void follow(sound::Mixer& mixer, double elapsedMs);
-    /// Lets go of device and mixer.
+    /// Opens or closes the device as the source needs. Call it now and then, at least once a frame.
+    void follow(double elapsedMs);
+    /// Lets go of the device.
     void release();
-    /// Whether the device moves the mixer on.
+    /// Whether the device moves the source on.
     [[nodiscard]] bool isPulling() const { return m_sink != nullptr; }
     /// How long the device has been fed, milliseconds, since it was opened.
     [[nodiscard]] double fedMs() const;
@@ -44,7 +52,7 @@ protected:
 private:
     void openDevice();
 
-    sound::Mixer* m_mixer = nullptr;
+    std::unique_ptr<SoundSource> m_source;
     std::unique_ptr<QAudioSink> m_sink;
     double m_silentMs = 0, m_msToRetry = 0;
     qint64 m_framesFed = 0;

@@ -124,17 +124,14 @@ struct Source {
 };
 
 /// The part up to the last "?" is the file; a file whose own name holds one is found by its address only.
-base::Result<Source> readSource(const std::string& address)
+base::Result<Source> readSource(const std::string& address, std::optional<std::vector<std::uint8_t>> bytes)
 {
     const auto mark = address.rfind('?');
-    const std::string file = address.substr(0, mark);
     Source source;
-    const bool isUrl = file.size() > 5 && QByteArray::fromRawData(file.data(), 5).toLower() == "file:";
-    std::error_code ignored;
-    source.path = std::filesystem::absolute(isUrl ? net::pathFromUrl(file) : file, ignored);
+    source.path = Engine::pathOf(address);
     source.url = net::urlFromPath(source.path);
     if (mark != std::string::npos) source.url += address.substr(mark);
-    source.bytes = TRY_RESULT(base::readFile(source.path, kMaxMovieBytes));
+    source.bytes = bytes ? std::move(*bytes) : TRY_RESULT(base::readFile(source.path, kMaxMovieBytes));
     return source;
 }
 
@@ -251,11 +248,25 @@ Engine::Engine(stage::HostEvents& host, Options options)
 
 Engine::~Engine() = default;
 
+std::filesystem::path Engine::pathOf(const std::string& address)
+{
+    const std::string file = address.substr(0, address.rfind('?'));
+    const bool isUrl = file.size() > 5 && QByteArray::fromRawData(file.data(), 5).toLower() == "file:";
+    std::error_code ignored;
+    return std::filesystem::absolute(isUrl ? net::pathFromUrl(file) : file, ignored);
+}
+
+std::filesystem::path Engine::storageOf(const std::filesystem::path& storageFolder,
+                                        const std::filesystem::path& movie)
+{
+    return storageFolder / storageName(movie);
+}
+
 Engine::Options& Engine::options() { return d->options; }
 
-base::Result<void> Engine::open(const std::string& address)
+base::Result<void> Engine::open(const std::string& address, std::optional<std::vector<std::uint8_t>> bytes)
 {
-    Source source = TRY_RESULT(readSource(address));
+    Source source = TRY_RESULT(readSource(address, std::move(bytes)));
     auto movie = TRY_RESULT(swf::parseMovie(source.bytes));
     const auto& base = d->options.baseFolder;
     const bool trusted = liesIn(source.path, d->options.trustedFolder);
@@ -265,7 +276,7 @@ base::Result<void> Engine::open(const std::string& address)
     const auto& storage = d->options.storageFolder;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     if (!storage.empty()) {
-        store = std::make_unique<net::FileSharedObjects>(storage / storageName(source.path));
+        store = std::make_unique<net::FileSharedObjects>(storageOf(storage, source.path));
     }
     d->renewStage(std::move(store), Private::Scripts::Fresh);
     if (d->stage->viewWidth() == 0) {
@@ -279,10 +290,11 @@ base::Result<void> Engine::open(const std::string& address)
     return {};
 }
 
-base::Result<void> Engine::openLevel(int level, const std::string& address)
+base::Result<void> Engine::openLevel(int level, const std::string& address,
+                                     std::optional<std::vector<std::uint8_t>> bytes)
 {
-    if (level == 0) return open(address);
-    Source source = TRY_RESULT(readSource(address));
+    if (level == 0) return open(address, std::move(bytes));
+    Source source = TRY_RESULT(readSource(address, std::move(bytes)));
     // Read here to tell the host at once what is wrong with it; the stage reads it again when it comes.
     CHECK_RESULT(swf::parseMovie(source.bytes).map([](const auto&) {}));
     d->loader.grant(source.url, std::move(source.bytes));

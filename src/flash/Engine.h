@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 class QImage;
 class QRect;
@@ -56,16 +58,25 @@ public:
     /// What is changed here takes effect with the next movie.
     [[nodiscard]] Options& options();
 
+    /// The file that an address as open() takes it names.
+    [[nodiscard]] static std::filesystem::path pathOf(const std::string& address);
+    /// Where the shared objects of a movie are kept below `storageFolder`.
+    [[nodiscard]] static std::filesystem::path storageOf(const std::filesystem::path& storageFolder,
+                                                         const std::filesystem::path& movie);
+
     /// Replaces whatever plays. The first frame is shown and its scripts have run when the call returns. A
     /// view that has no size yet takes the movie's, times the device scale.
     /// @param address a path or file: address, maybe with a query after its last "?" whose variables the root
     ///                gets
     /// @errors those of reading the file and of swf::parseMovie(); what played goes on then.
-    base::Result<void> open(const std::string& address);
+    /// @param bytes the file's; empty: it is read from the address
+    base::Result<void> open(const std::string& address,
+                            std::optional<std::vector<std::uint8_t>> bytes = std::nullopt);
     /// Loads over the movie that plays; the level appears at the next frame. Other than a movie, the host may
     /// read from anywhere.
     /// @errors as open()
-    base::Result<void> openLevel(int level, const std::string& address);
+    base::Result<void> openLevel(int level, const std::string& address,
+                                 std::optional<std::vector<std::uint8_t>> bytes = std::nullopt);
     void close();
     /// As close(), after the memory has come to an end: nothing of what is there is looked at or saved.
     void abandon();

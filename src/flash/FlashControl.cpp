@@ -1,26 +1,30 @@
 #include "flash/FlashControl.h"
 
-#include "flash/AudioOutput.h"
 #include "flash/Engine.h"
-#include "flash/HostQueue.h"
 #include "flash/KeyCodes.h"
-#include "flash/sound/SoundPlayer.h"
+#include "flash/control/Inbox.h"
+#include "flash/control/LocalMovie.h"
+#include "flash/control/RemoteMovie.h"
 #include "flash/stage/Stage.h"
 
+#include <QClipboard>
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QHash>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QTimer>
 #include <QWheelEvent>
 
 #include <cmath>
-#include <new>
-#include <stdexcept>
+#include <filesystem>
+#include <optional>
 
 namespace flash
 {
@@ -29,12 +33,10 @@ namespace
 {
 
 constexpr int kFlashVersion = 0x00080018;
-// A pause longer than this (a suspended machine, a dialog) is not made up for.
-constexpr double kLongestStepMs = 1000;
-// How often the sound device and the loads of a movie without a next event are looked after.
-constexpr double kLongestWaitMs = 1000;
 // What a movie says for so long after a click or a key may be what the user wanted with it.
 constexpr qint64 kActCountsMs = 1000;
+// The next movie's process is made ready once this one has had its start.
+constexpr int kSpareDelayMs = 1500;
 
 stage::MouseButton toStage(Qt::MouseButton button)
 {
@@ -53,144 +55,233 @@ Qt::CursorShape toShape(stage::Cursor cursor)
     return Qt::ArrowCursor;
 }
 
-// The numbers of Quality.
-enum QualityNumber { Low, High, AutoLow, AutoHigh, Medium, Best };
-
 } // namespace
 
-class FlashControl::Private
+class FlashControl::Private : public control::MovieListener
 {
 public:
-    explicit Private(FlashControl& owner)
-        : q(owner), engine(host, {}), audio(new AudioOutput(&owner)), timer(new QTimer(&owner))
-    {
-        host.setSenderSource([this](Sender& sender) {
-            sender.isPage = engine.holdsOnlyTrusted();
-            sender.hasRead = engine.hasReadFiles();
-            sender.act = sinceAct.isValid() && sinceAct.elapsed() < kActCountsMs ? acts : 0;
-        });
-        timer->setSingleShot(true);
-        timer->setTimerType(Qt::PreciseTimer);
-        QObject::connect(timer, &QTimer::timeout, &q, [this] { tick(); });
-        applyQuality();
-    }
-    ~Private() { audio->release(); }
+    explicit Private(FlashControl& owner) : q(owner) { newLocal(); }
 
-    /// Runs `work`, which may run scripts, then tells the host what came of it. Does nothing when scripts run
-    /// already: the question about a slow script lets events through.
-    template <class Work>
-    void drive(Work&& work)
+    // ---- the movie
+    // ------------------------------------------------------------------------------------------
+
+    void newLocal()
     {
-        if (busy) return;
-        busy = true;
-        sinceBusy.start();
-        const bool done = enoughMemoryFor(work);
-        if (resizedMeanwhile) fitView();
-        resizedMeanwhile = false;
-        busy = false;
-        if (!done) abandon();
-        showChanges();
-        schedule();
+        port = std::make_unique<control::LocalMovie>(*this);
+        isRemote = false;
+        equip(*port);
+    }
+
+    /// A movie that is still to come finds everything as the last one had it.
+    void equip(control::MoviePort& fresh)
+    {
+        fresh.pass(settings);
+        if (!viewSize.isEmpty()) fresh.setView(viewSize.width(), viewSize.height(), viewScale);
+    }
+
+    /// Says something to the movie that scripts may answer to, then tells the host what came of it. Ignored
+    /// while scripts run already: the question about a slow script lets events through.
+    void command(const control::ToMovie& message)
+    {
+        if (port->isBusy()) return;
+        port->command(message);
         // Last, because a handler may load another movie or end this control's life.
-        host.deliver(q);
+        inbox.deliver(q);
     }
 
-    /// @returns false when the memory came to an end on the way
-    template <class Work>
-    static bool enoughMemoryFor(Work&& work)
+    void pass(const control::ToMovie& message)
     {
-        try {
-            work();
-        } catch (const std::bad_alloc&) {
+        if (port->isBusy()) return;
+        port->pass(message);
+        inbox.deliver(q);
+    }
+
+    void halt(int frame)
+    {
+        if (state().open != 0) command(control::Halt{frame});
+    }
+
+    [[nodiscard]] const control::State& state() const { return port->state(); }
+    [[nodiscard]] bool isTyping() const { return state().typing != 0; }
+
+    [[nodiscard]] control::Load loadOf(int layer, const QString& url)
+    {
+        control::Load load;
+        load.id = ++lastLoad;
+        load.layer = layer;
+        load.address = url.toStdString();
+        load.language = QLocale().name().left(2).toStdString();
+        load.startDateMs = static_cast<double>(QDateTime::currentMSecsSinceEpoch());
+        load.randomSeed = static_cast<std::uint32_t>(QDateTime::currentMSecsSinceEpoch());
+        if (const QScreen* shownOn = q.screen()) {
+            load.screenWidth = shownOn->size().width();
+            load.screenHeight = shownOn->size().height();
+        }
+        load.storageFolder = storageFolder.toStdString();
+        load.trustedFolder = trustedFolder.toStdString();
+        load.sharedFolder = sharedFolder.toStdString();
+        addresses[load.id] = url;
+        return load;
+    }
+
+    /// Layer 0 in a process of its own, where there is a way to one. What played goes on when it fails.
+    bool loadMovie(const QString& url)
+    {
+        auto process = processes.take();
+        if (process == nullptr) {
+            if (!std::exchange(toldWhere, true))
+                heard(control::LogLine{"Movies play inside this process: there is none for them."});
+            return loadInto(0, url);
+        }
+        auto before = std::move(port);
+        const bool wasRemote = std::exchange(isRemote, true);
+        const std::uint32_t spokeBefore = std::exchange(speaking, 0);
+        port = std::make_unique<control::RemoteMovie>(*this, std::move(process));
+        equip(*port);
+        if (loadInto(0, url)) {
+            QTimer::singleShot(kSpareDelayMs, &q, [this] { processes.prepare(); });
+            return true;
+        }
+        port = std::move(before);
+        isRemote = wasRemote;
+        speaking = spokeBefore;
+        return false;
+    }
+
+    bool loadInto(int layer, const QString& url)
+    {
+        using State = control::MoviePort::Loading::State;
+        const auto loading = port->load(loadOf(layer, url));
+        if (loading.state == State::Failed) {
+            error = QString::fromStdString(loading.error);
             return false;
-        } catch (const std::length_error&) {
-            return false; // more than any memory holds
+        }
+        if (layer == 0) {
+            movie = url;
+            background.reset();
         }
         return true;
     }
 
-    void abandon()
+    /// Another layer over what plays. Pages of the host's and movies from elsewhere do not share a process.
+    bool loadLayer(int layer, const QString& url)
     {
-        engine.abandon();
-        audio->release();
-        movie.clear();
-        host.setMovie({});
-        error = QStringLiteral("the memory has come to an end");
-        QTimer::singleShot(0, &q, [this] { emit q.ranOutOfMemory(); });
-    }
-
-    void userActed()
-    {
-        ++acts;
-        sinceAct.start();
-    }
-
-    void tick()
-    {
-        drive([this] {
-            const double elapsed = std::min(static_cast<double>(clock.nsecsElapsed()) / 1e6, kLongestStepMs);
-            clock.start();
-            QElapsedTimer cost;
-            cost.start();
-            engine.advance(inStepWithSound(elapsed),
-                           audio->isPulling() ? Engine::Hearing::Device : Engine::Hearing::Silent);
-            audio->follow(engine.sound().mixer(), elapsed);
-            costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
-            adaptQuality(elapsed);
-        });
-    }
-
-    /// The device's clock leads where there is one: streams and timeline must not drift apart.
-    double inStepWithSound(double elapsed)
-    {
-        constexpr double kToleratedMs = 60, kShareOfStep = 0.1;
-        if (!audio->isPulling()) {
-            soundLeadMs = -1;
-            return elapsed;
+        if (isRemote && isPage(url) != isPage(movie)) {
+            error = QStringLiteral("pages and movies do not share a process");
+            return false;
         }
-        playedMs += elapsed;
-        const double lead = audio->fedMs() - playedMs;
-        // The device takes some sound ahead; how much is seen after the first moments.
-        if (soundLeadMs < 0 || audio->fedMs() < 500) {
-            if (soundLeadMs < 0) playedMs = 0;
-            soundLeadMs = std::max(lead, 0.0);
-            return elapsed;
-        }
-        const double drift = lead - soundLeadMs;
-        if (std::abs(drift) < kToleratedMs) return elapsed;
-        const double correction = std::clamp(drift, -elapsed * kShareOfStep, elapsed * kShareOfStep);
-        playedMs += correction;
-        return elapsed + correction;
+        return loadInto(layer, url);
     }
 
-    void schedule()
+    [[nodiscard]] bool isPage(const QString& url) const
     {
-        if (suspended || !engine.isOpen()) {
-            timer->stop();
-            return;
-        }
-        if (!clock.isValid()) clock.start();
-        const double since = static_cast<double>(clock.nsecsElapsed()) / 1e6;
-        const double wait = std::min(engine.stage().msToNextEvent() - since, kLongestWaitMs);
-        timer->start(static_cast<int>(std::ceil(std::max(wait, 0.0))));
+        std::error_code ignored;
+        return !trustedFolder.isEmpty() &&
+               std::filesystem::equivalent(Engine::pathOf(url.toStdString()).parent_path(),
+                                           trustedFolder.toStdString(), ignored);
     }
 
-    void showChanges()
+    // ---- what the movie says
+    // --------------------------------------------------------------------------------
+
+    void heard(control::FromMovie message) override
     {
-        const QRect dirty = engine.dirtyRect();
-        if (!dirty.isEmpty()) q.update(toWidget(dirty));
-        const stage::Cursor wanted = engine.stage().cursor();
+        if (const auto* speaks = std::get_if<control::Speaking>(&message)) {
+            speaking = speaks->id;
+        } else if (std::get_if<control::State>(&message) != nullptr) {
+            showState();
+        } else if (const auto* copied = std::get_if<control::CopyText>(&message)) {
+            if (clipboardAllowed) QGuiApplication::clipboard()->setText(QString::fromStdString(copied->text));
+        } else if (std::get_if<control::RanOutOfMemory>(&message) != nullptr) {
+            lost(Loss::OutOfMemory);
+        } else if (const auto* loaded = std::get_if<control::Loaded>(&message)) {
+            // Only of a movie that took long over its first frame: it could not be loaded after all.
+            if (loaded->done == 0) lost(Loss::Refused);
+        } else {
+            if (const auto* ready = std::get_if<control::ReadyState>(&message)) readyState = ready->state;
+            auto sender = senderOf(message);
+            inbox.put(std::move(message), std::move(sender));
+        }
+    }
+
+    [[nodiscard]] control::Sender senderOf(const control::FromMovie& message) const
+    {
+        control::Standing standing;
+        if (const auto* command = std::get_if<control::Command>(&message)) standing = command->standing;
+        if (const auto* address = std::get_if<control::OpenAddress>(&message)) standing = address->standing;
+        control::Sender sender;
+        sender.movie = addresses.value(speaking);
+        sender.isPage = standing.onlyTrusted != 0 && isPage(sender.movie);
+        sender.hasRead = standing.hasRead != 0;
+        sender.act = sinceAct.isValid() && sinceAct.elapsed() < kActCountsMs ? acts : 0;
+        return sender;
+    }
+
+    void showState()
+    {
+        const auto wanted = static_cast<stage::Cursor>(state().cursor);
         if (wanted != cursor) {
             cursor = wanted;
             q.setCursor(toShape(wanted));
         }
-        const stage::Node* focus = engine.stage().focus();
-        const bool typing = focus != nullptr && focus->kind() == stage::NodeKind::TextField;
-        if (typing != q.testAttribute(Qt::WA_InputMethodEnabled))
-            q.setAttribute(Qt::WA_InputMethodEnabled, typing);
+        if (isTyping() != q.testAttribute(Qt::WA_InputMethodEnabled))
+            q.setAttribute(Qt::WA_InputMethodEnabled, isTyping());
     }
 
-    [[nodiscard]] bool isTyping() const { return q.testAttribute(Qt::WA_InputMethodEnabled); }
+    void pictureChanged(const QRect& part) override { q.update(toWidget(part)); }
+
+    control::Answer asked(control::Ask::What what) override
+    {
+        switch (what) {
+        case control::Ask::What::AbortSlowScript:
+            return {0, static_cast<std::uint8_t>(!timeout || timeout() ? 1 : 0), {}};
+        case control::Ask::What::ClipboardText:
+            return {0, 1,
+                    clipboardAllowed ? QGuiApplication::clipboard()->text().toStdString() : std::string()};
+        }
+        return {};
+    }
+
+    bool endsScripts() override { return watch && watch(); }
+
+    void settle() override
+    {
+        // From the event loop: a handler may end the movie that is speaking.
+        if (!inbox.isEmpty()) QTimer::singleShot(0, &q, [this] { inbox.deliver(q); });
+    }
+
+    void lost(Loss loss) override
+    {
+        QTimer::singleShot(0, &q, [this, loss, of = port.get()] {
+            if (of == port.get()) handleLoss(loss);
+        });
+    }
+
+    void handleLoss(Loss loss)
+    {
+        if (loss == Loss::Frozen || loss == Loss::Answers) {
+            emit q.frozen(loss == Loss::Frozen);
+            return;
+        }
+        const QString lostMovie = std::exchange(movie, {});
+        speaking = 0;
+        newLocal();
+        q.update();
+        switch (loss) {
+        case Loss::OutOfMemory:
+            error = QStringLiteral("the memory has come to an end");
+            emit q.ranOutOfMemory();
+            break;
+        case Loss::Crashed:
+            error = QStringLiteral("the movie's process has ended");
+            emit q.crashed(lostMovie);
+            break;
+        default: error = QStringLiteral("the movie could not be loaded"); emit q.crashed(lostMovie);
+        }
+    }
+
+    // ---- the widget
+    // -----------------------------------------------------------------------------------------
 
     [[nodiscard]] QRect toWidget(const QRect& device) const
     {
@@ -204,107 +295,49 @@ public:
         const double ratio = q.devicePixelRatioF();
         const QSize size(static_cast<int>(std::round(q.width() * ratio)),
                          static_cast<int>(std::round(q.height() * ratio)));
-        if (size == image.size() || size.isEmpty()) return;
-        image = QImage(size, QImage::Format_ARGB32_Premultiplied);
-        image.fill(0);
-        unpainted = image.rect();
-        engine.setDeviceScale(ratio);
-        engine.stage().setViewSize(size.width(), size.height());
+        if (size == viewSize || size.isEmpty()) return;
+        viewSize = size;
+        viewScale = ratio;
+        port->setView(size.width(), size.height(), ratio);
+        inbox.deliver(q);
     }
 
-    void refreshImage()
+    void userActed()
     {
-        const QRect dirty = (engine.dirtyRect() | unpainted) & image.rect();
-        unpainted = QRect();
-        if (dirty.isEmpty()) return;
-        QElapsedTimer cost;
-        cost.start();
-        if (!enoughMemoryFor([&] { engine.render(image, dirty); })) abandon();
-        costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
-    }
-
-    void applyQuality()
-    {
-        stage::Quality wanted = stage::Quality::High;
-        switch (quality) {
-        case Low: wanted = stage::Quality::Low; break;
-        case High: wanted = stage::Quality::High; break;
-        case Medium: wanted = stage::Quality::Medium; break;
-        case Best: wanted = stage::Quality::Best; break;
-        case AutoLow:
-        case AutoHigh: wanted = automaticHigh ? stage::Quality::High : stage::Quality::Low; break;
-        }
-        if (engine.stage().quality() != wanted) engine.stage().setQuality(wanted);
-    }
-
-    /// The two automatic qualities: smooth as long as the machine keeps up.
-    void adaptQuality(double elapsed)
-    {
-        if (quality != AutoLow && quality != AutoHigh) return;
-        measuredMs += elapsed;
-        if (measuredMs < 1000) return;
-        const double load = costMs / measuredMs;
-        measuredMs = costMs = 0;
-        // Smoothing costs some three times as much, so that what goes up does not come down again.
-        const bool high = automaticHigh ? load < 0.8 : load < 0.2;
-        if (high == automaticHigh) return;
-        automaticHigh = high;
-        applyQuality();
-    }
-
-    void loaded(const QString& url)
-    {
-        movie = url;
-        background.reset();
-        clock.start();
-        soundLeadMs = -1;
+        ++acts;
+        sinceAct.start();
     }
 
     void mouse(QMouseEvent* event, int clicks)
     {
-        if (event->type() != QEvent::MouseMove) userActed();
+        using Kind = control::Mouse::Kind;
+        const bool moves = event->type() == QEvent::MouseMove;
+        if (!moves) userActed();
         const QPointF position = event->position() * q.devicePixelRatioF();
-        const auto button = toStage(event->button());
-        drive([&] {
-            stage::Stage& stage = engine.stage();
-            if (event->type() == QEvent::MouseMove)
-                stage.mouseMove(position.x(), position.y());
-            else if (clicks > 0)
-                stage.mouseDown(position.x(), position.y(), button, clicks);
-            else
-                stage.mouseUp(position.x(), position.y(), button);
-        });
-    }
-
-    void halt(int frame)
-    {
-        if (!engine.isOpen()) return;
-        drive([&] {
-            engine.stage().stop();
-            engine.stage().gotoFrame(frame);
-            engine.stage().stop();
-        });
+        const Kind kind = moves ? Kind::Move : clicks > 0 ? Kind::Down : Kind::Up;
+        pass(control::Mouse{static_cast<std::uint8_t>(kind), position.x(), position.y(),
+                            static_cast<std::uint8_t>(toStage(event->button())), clicks});
     }
 
     FlashControl& q;
-    HostQueue host;
-    Engine engine;
-    AudioOutput* audio; // owned by the widget
-    QTimer* timer;      // owned by the widget
-    QElapsedTimer clock;
-    QImage image; // device pixels
-    QRect unpainted;
+    control::SpareProcess processes;
+    control::Inbox inbox;
+    std::unique_ptr<control::MoviePort> port;
+    bool isRemote = false;
+    control::Settings settings;
+    QSize viewSize; // device pixels
+    double viewScale = 1;
     stage::Cursor cursor = stage::Cursor::Arrow;
-    int quality = High, scaleMode = 0;
-    bool loop = true, muted = false, suspended = false, busy = false, automaticHigh = true;
-    double volume = 1;
-    double costMs = 0, measuredMs = 0;
-    double playedMs = 0, soundLeadMs = -1; // since the device was opened; -1: not measured yet
-    std::optional<QColor> background;      // as the host set it
+    std::optional<QColor> background; // as the host set it
     QString movie, error;
+    QString storageFolder, trustedFolder, sharedFolder;
+    QHash<std::uint32_t, QString> addresses; // by the loads' ids
+    std::uint32_t lastLoad = 0, speaking = 0;
+    int readyState = 0;
+    std::function<bool()> timeout, watch;
+    bool clipboardAllowed = true, toldWhere = false;
     quint64 acts = 0;
-    QElapsedTimer sinceAct, sinceBusy;
-    bool resizedMeanwhile = false;
+    QElapsedTimer sinceAct;
 };
 
 FlashControl::FlashControl(QWidget* parent) : QWidget(parent), d(std::make_unique<Private>(*this))
@@ -321,136 +354,118 @@ FlashControl::~FlashControl() = default;
 bool FlashControl::LoadMovie(int layer, const QString& url)
 {
     d->error.clear();
-    if (d->busy) {
+    if (d->port->isBusy()) {
         d->error = QStringLiteral("a script of the movie is running");
         return false;
     }
-    Engine::Options& options = d->engine.options();
-    options.startDateMs = static_cast<double>(QDateTime::currentMSecsSinceEpoch());
-    options.language = QLocale().name().left(2).toStdString();
-    if (const QScreen* shownOn = screen()) {
-        options.screenWidth = shownOn->size().width();
-        options.screenHeight = shownOn->size().height();
+    if (url.isEmpty()) {
+        unload(layer);
+        return true;
     }
-    d->engine.options().randomSeed = static_cast<std::uint32_t>(QDateTime::currentMSecsSinceEpoch());
-    bool done = true; // A handler of what the movie says may end this control's life.
-    d->drive([&] {
-        if (url.isEmpty()) {
-            if (layer == 0)
-                d->engine.close();
-            else
-                d->engine.stage().unloadLevel(layer);
-            if (layer == 0) d->loaded(url);
-            return;
-        }
-        // What the user did, he did to the movie before.
-        if (layer == 0) d->sinceAct.invalidate();
-        done = false; // as long as it is not known better
-        // Its first frame's scripts run before the movie is known to be loaded.
-        const QString before = d->host.movie();
-        if (layer == 0) d->host.setMovie(url);
-        const auto opened = d->engine.openLevel(layer, url.toStdString());
-        done = opened.has_value();
-        if (!opened) {
-            d->error = QString::fromStdString(opened.error().what);
-            d->host.setMovie(before);
-        } else if (layer == 0) {
-            d->loaded(url);
-        }
-    });
+    // What the user did, he did to the movie before.
+    if (layer == 0) d->sinceAct.invalidate();
+    const bool done = layer == 0 ? d->loadMovie(url) : d->loadLayer(layer, url);
+    update();
+    // Last, because a handler of what the movie says may end this control's life.
+    d->inbox.deliver(*this);
     return done;
 }
 
+void FlashControl::unload(int layer)
+{
+    if (layer == 0) {
+        d->movie.clear();
+        d->background.reset();
+        update();
+    }
+    if (layer == 0 && d->isRemote) {
+        d->newLocal();
+        return;
+    }
+    d->command(control::Unload{layer});
+}
+
 QString FlashControl::Movie() const { return d->movie; }
-QString FlashControl::senderMovie() const { return d->host.sender().movie; }
-bool FlashControl::senderIsPage() const { return d->host.sender().isPage; }
-bool FlashControl::senderHasRead() const { return d->host.sender().hasRead; }
-quint64 FlashControl::senderAct() const { return d->host.sender().act; }
-bool FlashControl::isBusy() const { return d->busy; }
-qint64 FlashControl::busyForMs() const { return d->busy ? d->sinceBusy.elapsed() : 0; }
+QString FlashControl::senderMovie() const { return d->inbox.sender().movie; }
+bool FlashControl::senderIsPage() const { return d->inbox.sender().isPage; }
+bool FlashControl::senderHasRead() const { return d->inbox.sender().hasRead; }
+quint64 FlashControl::senderAct() const { return d->inbox.sender().act; }
+bool FlashControl::isBusy() const { return d->port->isBusy(); }
+qint64 FlashControl::busyForMs() const { return d->port->busyForMs(); }
+bool FlashControl::hasOwnProcess() const { return d->isRemote; }
+qint64 FlashControl::processId() const { return d->port->processId(); }
 QString FlashControl::errorText() const { return d->error; }
-int FlashControl::ReadyState() const { return d->host.readyState(); }
-bool FlashControl::listensToKeys() const { return d->engine.isOpen() && d->engine.stage().listensToKeys(); }
+int FlashControl::ReadyState() const { return d->readyState; }
+bool FlashControl::listensToKeys() const { return d->state().listensToKeys != 0; }
 
 int FlashControl::FlashVersion() const { return kFlashVersion; }
 
 QSize FlashControl::movieSize() const
 {
-    if (!d->engine.isOpen()) return {};
-    const swf::Rect& frame = d->engine.stage().movie()->header.frameSize;
-    return {static_cast<int>(std::lround(frame.width() / 20.0)),
-            static_cast<int>(std::lround(frame.height() / 20.0))};
+    const control::State& state = d->state();
+    return state.open != 0 ? QSize(state.width, state.height) : QSize();
 }
 
-double FlashControl::frameRate() const { return d->engine.isOpen() ? d->engine.stage().frameRate() : 0; }
+double FlashControl::frameRate() const { return d->state().frameRate; }
 
 // ---- transport --------------------------------------------------------------------------------------------
 
-void FlashControl::Play()
-{
-    d->drive([&] { d->engine.stage().play(); });
-}
-
-void FlashControl::Stop()
-{
-    d->drive([&] { d->engine.stage().stop(); });
-}
-
+void FlashControl::Play() { d->command(control::Play{}); }
+void FlashControl::Stop() { d->command(control::Stop{}); }
 void FlashControl::Back() { d->halt(FrameNum() > 0 ? FrameNum() - 1 : TotalFrames() - 1); }
 void FlashControl::Forward() { d->halt(FrameNum() + 1 < TotalFrames() ? FrameNum() + 1 : 0); }
 void FlashControl::Rewind() { d->halt(0); }
 void FlashControl::GotoFrame(int frame) { d->halt(qBound(0, frame, qMax(0, TotalFrames() - 1))); }
 
-bool FlashControl::Playing() const { return d->engine.isOpen() && d->engine.stage().isPlaying(); }
+bool FlashControl::Playing() const { return d->state().playing != 0; }
 void FlashControl::setPlaying(bool playing) { playing ? Play() : Stop(); }
-bool FlashControl::Loop() const { return d->loop; }
+bool FlashControl::Loop() const { return d->settings.loop != 0; }
 
 void FlashControl::setLoop(bool loop)
 {
-    d->loop = loop;
-    d->engine.stage().setLoop(loop);
+    d->settings.loop = loop ? 1 : 0;
+    d->pass(d->settings);
 }
 
-int FlashControl::FrameNum() const { return d->engine.isOpen() ? d->engine.stage().currentFrame() : -1; }
-int FlashControl::TotalFrames() const { return d->engine.isOpen() ? d->engine.stage().totalFrames() : 0; }
+int FlashControl::FrameNum() const { return d->state().frame; }
+int FlashControl::TotalFrames() const { return d->state().totalFrames; }
 
 void FlashControl::SetVariable(const QString& name, const QString& value)
 {
-    d->drive([&] { d->engine.setVariable(name.toStdString(), value.toStdString()); });
+    d->command(control::SetVariable{name.toStdString(), value.toStdString()});
 }
 
 QString FlashControl::GetVariable(const QString& name) const
 {
-    QString value;
-    d->drive([&] { value = QString::fromStdString(d->engine.getVariable(name.toStdString())); });
-    return value;
+    if (d->port->isBusy()) return {};
+    const auto value = d->port->variable(name.toStdString());
+    // A getter of the movie may have said something; it waits for the event loop.
+    d->settle();
+    return value ? QString::fromStdString(*value) : QString();
 }
 
 void FlashControl::setSuspended(bool suspended)
 {
-    if (d->suspended == suspended) return;
-    d->suspended = suspended;
-    if (suspended) d->audio->release();
-    d->clock.start();
-    d->schedule();
+    if ((d->settings.suspended != 0) == suspended) return;
+    d->settings.suspended = suspended ? 1 : 0;
+    if (suspended) d->port->releaseSound();
+    d->pass(d->settings);
 }
 
 // ---- looks and sound --------------------------------------------------------------------------------------
 
 QStringList FlashControl::qualityNames() { return {"Low", "High", "AutoLow", "AutoHigh", "Medium", "Best"}; }
-int FlashControl::Quality() const { return d->quality; }
+int FlashControl::Quality() const { return d->settings.quality; }
 
 void FlashControl::setQuality(int quality)
 {
     if (quality < 0 || quality >= qualityNames().size()) return;
-    d->quality = quality;
-    d->automaticHigh = quality != AutoLow;
-    d->measuredMs = d->costMs = 0;
-    d->applyQuality();
+    d->settings.quality = quality;
+    d->pass(d->settings);
     update();
 }
 
-QString FlashControl::Quality2() const { return qualityNames().at(d->quality); }
+QString FlashControl::Quality2() const { return qualityNames().at(d->settings.quality); }
 
 void FlashControl::setQuality2(const QString& name)
 {
@@ -460,19 +475,18 @@ void FlashControl::setQuality2(const QString& name)
     }
 }
 
-int FlashControl::ScaleMode() const { return d->scaleMode; }
+int FlashControl::ScaleMode() const { return d->settings.scaleMode; }
 
 void FlashControl::setScaleMode(int mode)
 {
     if (mode < 0 || mode > 3) return;
-    d->scaleMode = mode;
-    d->drive([&] { d->engine.stage().setScaleMode(static_cast<stage::ScaleMode>(mode)); });
+    d->settings.scaleMode = mode;
+    d->command(d->settings);
 }
 
 QString FlashControl::BGColor() const
 {
-    const swf::Rgba color = d->engine.stage().background();
-    const QColor shown = d->background.value_or(QColor(color.r, color.g, color.b));
+    const QColor shown = d->background.value_or(QColor::fromRgb(d->state().background));
     return shown.name().mid(1).toUpper();
 }
 
@@ -483,52 +497,44 @@ void FlashControl::setBGColor(const QString& color)
     const uint value = digits.toUInt(&valid, 16);
     if (!valid || digits.size() != 6) return;
     d->background = QColor::fromRgb(value);
-    d->engine.stage().setHostBackground({static_cast<std::uint8_t>(value >> 16U),
-                                         static_cast<std::uint8_t>(value >> 8U & 255U),
-                                         static_cast<std::uint8_t>(value & 255U)});
+    d->command(control::Background{value});
     update();
 }
 
 void FlashControl::setMasterVolume(double volume)
 {
-    d->volume = qBound(0.0, volume, 1.0);
-    d->engine.sound().setMasterVolume(d->volume);
+    d->settings.volume = qBound(0.0, volume, 1.0);
+    d->pass(d->settings);
 }
 
-double FlashControl::masterVolume() const { return d->volume; }
+void FlashControl::setMasterBalance(double balance)
+{
+    d->settings.balance = qBound(-1.0, balance, 1.0);
+    d->pass(d->settings);
+}
+
+double FlashControl::masterVolume() const { return d->settings.volume; }
 
 void FlashControl::setMuted(bool muted)
 {
-    d->muted = muted;
-    d->engine.sound().mixer().setMuted(muted);
+    d->settings.muted = muted ? 1 : 0;
+    d->pass(d->settings);
 }
 
-bool FlashControl::isMuted() const { return d->muted; }
+bool FlashControl::isMuted() const { return d->settings.muted != 0; }
 
-void FlashControl::setStorageFolder(const QString& folder)
-{
-    d->engine.options().storageFolder = folder.toStdString();
-}
+void FlashControl::setStorageFolder(const QString& folder) { d->storageFolder = folder; }
 
 void FlashControl::setSharedFolder(const QString& movies, const QString& shared)
 {
-    d->engine.options().trustedFolder = movies.toStdString();
-    d->engine.options().sharedFolder = shared.toStdString();
+    d->trustedFolder = movies;
+    d->sharedFolder = shared;
 }
 
-void FlashControl::setScriptTimeoutHandler(std::function<bool()> handler)
-{
-    d->host.setTimeoutHandler(std::move(handler));
-}
-
-void FlashControl::setScriptWatch(std::function<bool()> watch) { d->host.setScriptWatch(std::move(watch)); }
-
-void FlashControl::setClipboardAllowed(bool allowed) { d->host.setClipboardAllowed(allowed); }
-
-void FlashControl::advance(double ms)
-{
-    d->drive([&] { d->engine.advance(ms); });
-}
+void FlashControl::setScriptTimeoutHandler(std::function<bool()> handler) { d->timeout = std::move(handler); }
+void FlashControl::setScriptWatch(std::function<bool()> watch) { d->watch = std::move(watch); }
+void FlashControl::setClipboardAllowed(bool allowed) { d->clipboardAllowed = allowed; }
+void FlashControl::advance(double ms) { d->command(control::Advance{ms}); }
 
 QSize FlashControl::sizeHint() const
 {
@@ -566,27 +572,15 @@ bool FlashControl::event(QEvent* event)
 void FlashControl::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    if (!d->engine.isOpen()) {
+    if (d->state().open == 0) {
         painter.fillRect(event->rect(), QColor('#' + BGColor()));
         return;
     }
     d->fitView();
-    if (!d->busy) d->refreshImage();
-    const double ratio = devicePixelRatioF();
-    for (const QRect& rect : event->region()) {
-        const QRectF source(rect.x() * ratio, rect.y() * ratio, rect.width() * ratio, rect.height() * ratio);
-        painter.drawImage(QRectF(rect), d->image, source);
-    }
+    d->port->paint(painter, event->region(), devicePixelRatioF());
 }
 
-void FlashControl::resizeEvent(QResizeEvent*)
-{
-    d->resizedMeanwhile = d->busy;
-    d->drive([this] { d->fitView(); });
-}
-
-void FlashControl::showEvent(QShowEvent* event) { QWidget::showEvent(event); }
-void FlashControl::hideEvent(QHideEvent* event) { QWidget::hideEvent(event); }
+void FlashControl::resizeEvent(QResizeEvent*) { d->fitView(); }
 
 void FlashControl::mousePressEvent(QMouseEvent* event)
 {
@@ -621,55 +615,44 @@ void FlashControl::wheelEvent(QWheelEvent* event)
     constexpr double kLinesPerNotch = 3, kUnitsPerNotch = 120;
     const auto lines =
         static_cast<int>(std::lround(event->angleDelta().y() / kUnitsPerNotch * kLinesPerNotch));
-    if (lines != 0) d->drive([&] { d->engine.stage().mouseWheel(lines); });
+    if (lines == 0) return;
+    d->pass(control::Mouse{static_cast<std::uint8_t>(control::Mouse::Kind::Wheel), 0, 0, 0, lines});
 }
 
 void FlashControl::leaveEvent(QEvent*)
 {
-    d->drive([this] { d->engine.stage().mouseLeave(); });
+    d->pass(control::Mouse{static_cast<std::uint8_t>(control::Mouse::Kind::Leave), 0, 0, 0, 0});
 }
 
 void FlashControl::keyPressEvent(QKeyEvent* event)
 {
-    const char32_t character = characterOf(*event);
     // Escape is the user's own way out of things.
     if (!event->isAutoRepeat() && event->key() != Qt::Key_Escape) d->userActed();
-    d->drive([&] {
-        stage::Stage& stage = d->engine.stage();
-        stage.keyDown(keyCodeOf(*event), character);
-        if (!d->isTyping()) return;
-        const auto typed = event->text().toUcs4();
-        if (const auto command = textCommandOf(*event))
-            stage.textCommand(*command);
-        else if (!typed.isEmpty() && typed.front() >= ' ' && typed.front() != 127) {
-            for (const char32_t unit : typed) stage.textInput(unit);
-        }
-    });
+    control::Key key{1, keyCodeOf(*event), characterOf(*event), -1, {}};
+    if (const auto command = textCommandOf(*event)) {
+        key.command = static_cast<std::int32_t>(*command);
+    } else if (const auto typed = event->text().toUcs4();
+               !typed.isEmpty() && typed.front() >= ' ' && typed.front() != 127) {
+        key.typed.assign(typed.begin(), typed.end());
+    }
+    d->pass(key);
 }
 
 void FlashControl::keyReleaseEvent(QKeyEvent* event)
 {
     // A key that is held down goes down again and again, and up once.
     if (event->isAutoRepeat()) return;
-    d->drive([&] { d->engine.stage().keyUp(keyCodeOf(*event), characterOf(*event)); });
+    d->pass(control::Key{0, keyCodeOf(*event), characterOf(*event), -1, {}});
 }
 
 void FlashControl::inputMethodEvent(QInputMethodEvent* event)
 {
-    d->drive([&] {
-        for (const char32_t unit : event->commitString().toUcs4()) d->engine.stage().textInput(unit);
-    });
+    const auto typed = event->commitString().toUcs4();
+    if (!typed.isEmpty()) d->pass(control::TypedText{std::u32string(typed.begin(), typed.end())});
     event->accept();
 }
 
-void FlashControl::focusInEvent(QFocusEvent*)
-{
-    d->drive([this] { d->engine.stage().focusGained(); });
-}
-
-void FlashControl::focusOutEvent(QFocusEvent*)
-{
-    d->drive([this] { d->engine.stage().focusLost(); });
-}
+void FlashControl::focusInEvent(QFocusEvent*) { d->pass(control::FocusChange{1}); }
+void FlashControl::focusOutEvent(QFocusEvent*) { d->pass(control::FocusChange{0}); }
 
 } // namespace flash

@@ -105,6 +105,10 @@ public:
     [[nodiscard]] bool isBusy() const;
     /// For how long they have been running; 0 while none do.
     [[nodiscard]] qint64 busyForMs() const;
+    /// Whether the movie on layer 0 plays in a process of its own.
+    [[nodiscard]] bool hasOwnProcess() const;
+    /// The number of that process, for the journal; 0 when there is none.
+    [[nodiscard]] qint64 processId() const;
 
     /// Why the last LoadMovie failed, English, for the log.
     [[nodiscard]] QString errorText() const;
@@ -119,6 +123,8 @@ public:
     /// Over everything that the movie itself sets. 0..1; 1 by default.
     void setMasterVolume(double volume);
     [[nodiscard]] double masterVolume() const;
+    /// -1 (left only) to 1 (right only); 0 by default.
+    void setMasterBalance(double balance);
     void setMuted(bool muted);
     [[nodiscard]] bool isMuted() const;
 
@@ -160,6 +166,10 @@ signals:
     void urlRequested(const QString& url, const QString& target, const QByteArray& post);
     /// The memory came to an end in the movie's hands. It is unloaded, and nothing is left of it.
     void ranOutOfMemory();
+    /// The process that played `movie` (as Movie) has ended. It is unloaded.
+    void crashed(const QString& movie);
+    /// The process that plays the movie does not answer (true), or answers again.
+    void frozen(bool isFrozen);
     /// One call of the movie's trace().
     void traced(const QString& text);
     /// Something in the movie that is damaged or not supported, English, once for each kind.
@@ -169,8 +179,6 @@ protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void showEvent(QShowEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -184,6 +192,8 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void unload(int layer);
+
     class Private;
     std::unique_ptr<Private> d;
 };

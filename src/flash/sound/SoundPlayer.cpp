@@ -33,16 +33,18 @@ void SoundPlayer::advance(double ms)
     m_mixer.skip(static_cast<std::uint64_t>(whole));
 }
 
-void SoundPlayer::setMasterVolume(double volume)
+void SoundPlayer::setMasterVolume(double volume, double balance)
 {
     m_masterVolume = volume;
+    m_masterBalance = balance;
     applyMaster();
 }
 
 void SoundPlayer::applyMaster()
 {
-    const auto volume = static_cast<float>(m_masterVolume);
-    m_mixer.setMaster(Gains{volume, 0, 0, volume} * toGains(transform(nullptr)));
+    const auto left = static_cast<float>(m_masterVolume * std::min(1.0, 1.0 - m_masterBalance));
+    const auto right = static_cast<float>(m_masterVolume * std::min(1.0, 1.0 + m_masterBalance));
+    m_mixer.setMaster(Gains{left, 0, 0, right} * toGains(transform(nullptr)));
 }
 
 void SoundPlayer::reset()

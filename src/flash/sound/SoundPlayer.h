@@ -27,8 +27,8 @@ public:
     void advance(double ms);
     /// The rate by which blocks of a stream belong to moments.
     void setFrameRate(double framesPerSecond) { m_frameRate = framesPerSecond; }
-    /// The host's own volume, over the movie's. 0..1
-    void setMasterVolume(double volume);
+    /// The host's own volume, over the movie's. @param volume 0..1 @param balance -1 (left only) to 1 (right)
+    void setMasterVolume(double volume, double balance = 0);
     /// Everything stops, every transform is forgotten: another movie comes.
     void reset();
 
@@ -82,7 +82,7 @@ private:
     std::map<VoiceId, double> m_lastPositions; // of scripts' sounds that ended
     std::vector<stage::SoundId> m_finished;
     std::map<Owner, stage::SoundTransform> m_transforms;
-    double m_frameRate = 0, m_masterVolume = 1;
+    double m_frameRate = 0, m_masterVolume = 1, m_masterBalance = 0;
     double m_unplayedFrames = 0; // of advance(): less than one
 };
 

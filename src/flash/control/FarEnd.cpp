@@ -1,0 +1,235 @@
+#include "flash/control/FarEnd.h"
+
+#include "flash/Engine.h"
+#include "flash/sound/Mixer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <poll.h>
+#include <unistd.h>
+
+namespace flash::control
+{
+
+namespace
+{
+
+// Enough to bridge a slow frame, little enough for a click to sound with its button.
+constexpr std::size_t kSoundAheadFrames = sound::kMixRate / 16;
+constexpr int kSoundWaitMs = 20;
+// A window that does not listen stops a movie that talks.
+constexpr std::size_t kMaxUnsentBytes = 1U << 18U;
+
+[[noreturn]] void endWith(FarExit status) { _exit(static_cast<int>(status)); }
+
+} // namespace
+
+FarEnd::FarEnd(int socket, const std::vector<Restraint>& restraints)
+    : m_channel(socket, Channel::Descriptors::Taken), m_runner(*this)
+{
+    say(Hello{});
+    tell(restraints);
+}
+
+/// The journal names what this system lacks.
+void FarEnd::tell(const std::vector<Restraint>& restraints)
+{
+    for (const Restraint& restraint : restraints) {
+        if (!restraint.holds) say(LogLine{"Confinement without " + restraint.name + ": " + restraint.reason});
+    }
+}
+
+int FarEnd::run()
+{
+    while (!m_gone) {
+        while (!m_waiting.empty()) {
+            const ToMovie message = std::move(m_waiting.front());
+            m_waiting.pop_front();
+            handle(message);
+        }
+        while (const auto message = nextMessage()) handle(*message);
+        if (const auto wait = m_runner.msToNextStep(); wait && *wait <= 0) m_runner.step(soundClock());
+        publishPicture();
+        fillRing();
+        exchange(msToWait());
+    }
+    return 0;
+}
+
+int FarEnd::msToWait()
+{
+    const auto step = m_runner.msToNextStep();
+    if (!step) return -1;
+    const int wait = static_cast<int>(std::ceil(*step));
+    return m_deviceOpen && m_runner.state().silent == 0 ? std::min(wait, kSoundWaitMs) : wait;
+}
+
+bool FarEnd::exchange(int ms)
+{
+    pollfd socket{m_channel.descriptor(), POLLIN, 0};
+    if (m_channel.waitingBytes() > 0) socket.events |= POLLOUT;
+    const int ready = poll(&socket, 1, ms);
+    if (ready < 0 && errno != EINTR) m_gone = true;
+    if (ready > 0) {
+        if ((socket.revents & POLLOUT) != 0 && !m_channel.flush()) m_gone = true;
+        if ((socket.revents & (POLLIN | POLLHUP | POLLERR)) != 0 && !m_channel.receive()) m_gone = true;
+    }
+    return !m_gone;
+}
+
+std::optional<ToMovie> FarEnd::nextMessage()
+{
+    const auto body = m_channel.next();
+    if (!body) return std::nullopt;
+    auto message = decodeToMovie(body->kind, body->bytes);
+    if (!message) endWith(FarExit::BadMessage);
+    return std::move(*message);
+}
+
+void FarEnd::handle(const ToMovie& message)
+{
+    if (const auto* load = std::get_if<Load>(&message)) {
+        prepare(*load);
+        m_runner.load(*load, attachedFile());
+        return;
+    } else if (const auto* view = std::get_if<View>(&message)) {
+        prepare(*view);
+    } else if (const auto* release = std::get_if<Release>(&message)) {
+        if (release->picture < m_shown.size()) m_shown[release->picture] = false;
+        return;
+    } else if (const auto* device = std::get_if<SoundDevice>(&message)) {
+        takeSound(*device);
+        return;
+    } else if (std::holds_alternative<Sync>(message)) {
+        // Whoever waits looks at the picture next.
+        publishPicture();
+    }
+    m_runner.handle(message);
+}
+
+/// From the first byte of the movie on, only what it may read is there.
+void FarEnd::prepare(const Load& load)
+{
+    if (m_confined) return;
+    m_confined = true;
+    ReachableFiles files;
+    files.read = systemFiles();
+    const std::filesystem::path movie = Engine::pathOf(load.address);
+    files.read.push_back(movie.parent_path());
+    if (!load.sharedFolder.empty()) files.read.emplace_back(load.sharedFolder);
+    if (!load.storageFolder.empty()) files.write.push_back(Engine::storageOf(load.storageFolder, movie));
+    tell(confine(files));
+}
+
+/// What the window's end opened, which may lie where nothing can be opened from here.
+std::optional<std::vector<std::uint8_t>> FarEnd::attachedFile()
+{
+    const int file = m_channel.takeDescriptor();
+    if (file < 0) return std::nullopt;
+    std::vector<std::uint8_t> bytes;
+    constexpr std::size_t kPiece = 1U << 20U;
+    for (;;) {
+        const std::size_t before = bytes.size();
+        bytes.resize(before + kPiece);
+        const ssize_t got = pread(file, bytes.data() + before, kPiece, static_cast<off_t>(before));
+        bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        if (got <= 0) break;
+    }
+    close(file);
+    return bytes;
+}
+
+void FarEnd::prepare(const View& view)
+{
+    auto pictures = PictureMemory::attach(m_channel.takeDescriptor(), view.width, view.height);
+    if (!pictures) endWith(FarExit::BadMessage);
+    m_pictures = std::move(*pictures);
+    ++m_view;
+    m_last = -1;
+    m_shown.fill(false);
+    for (int i = 0; i < PictureMemory::kPictures; ++i) {
+        m_picture[i] = m_pictures.picture(i);
+        m_stale[i] = m_picture[i].rect();
+    }
+}
+
+void FarEnd::publishPicture()
+{
+    if (m_picture[0].isNull() || !m_runner.isOpen()) return;
+    const auto free = std::find(m_shown.begin(), m_shown.end(), false) - m_shown.begin();
+    if (free == PictureMemory::kPictures) return;
+    const QRect all = m_picture[0].rect();
+    const QRect changed = m_last < 0 ? all : m_runner.dirtyRect() & all;
+    if (changed.isEmpty()) return;
+    const auto index = static_cast<std::size_t>(free);
+    QImage& picture = m_picture[index];
+    // What the pictures before it brought is copied, which costs less than drawing it again.
+    if (m_last >= 0 && m_last != free) {
+        const QImage& last = m_picture[static_cast<std::size_t>(m_last)];
+        const QRect missed = m_stale[index];
+        for (int y = missed.top(); y <= missed.bottom(); ++y) {
+            std::copy_n(reinterpret_cast<const QRgb*>(last.constScanLine(y)) + missed.left(), missed.width(),
+                        reinterpret_cast<QRgb*>(picture.scanLine(y)) + missed.left());
+        }
+    }
+    m_runner.render(picture, changed);
+    for (QRect& stale : m_stale) stale |= changed;
+    m_stale[index] = QRect();
+    m_shown[index] = true;
+    m_last = static_cast<int>(free);
+    say(Picture{static_cast<std::uint8_t>(free),
+                {changed.left(), changed.top(), changed.width(), changed.height()},
+                m_view});
+}
+
+void FarEnd::takeSound(const SoundDevice& device)
+{
+    if (m_ring.isEmpty()) {
+        auto ring = SoundRing::attach(m_channel.takeDescriptor());
+        if (!ring) endWith(FarExit::BadMessage);
+        m_ring = std::move(*ring);
+    }
+    m_deviceOpen = device.open != 0;
+    m_takenBefore = m_ring.taken();
+}
+
+SoundClock FarEnd::soundClock() const
+{
+    if (!m_deviceOpen) return std::nullopt;
+    return static_cast<double>(m_ring.taken() - m_takenBefore) * 1000 / sound::kMixRate;
+}
+
+void FarEnd::fillRing()
+{
+    if (!m_deviceOpen || m_runner.isBusy()) return;
+    const std::size_t waiting = m_ring.waiting();
+    if (waiting >= kSoundAheadFrames) return;
+    std::vector<sound::StereoFrame> mixed(kSoundAheadFrames - waiting);
+    m_runner.mixer().mix(mixed);
+    m_ring.write(mixed);
+}
+
+void FarEnd::say(FromMovie message)
+{
+    if (!m_channel.send(message)) m_gone = true;
+    while (!m_gone && m_channel.waitingBytes() > kMaxUnsentBytes) exchange(-1);
+}
+
+Answer FarEnd::ask(Ask::What what)
+{
+    const std::uint32_t id = ++m_lastAsked;
+    say(Ask{id, static_cast<std::uint8_t>(what)});
+    for (;;) {
+        while (auto message = nextMessage()) {
+            if (const auto* answer = std::get_if<Answer>(&*message); answer != nullptr && answer->id == id)
+                return *answer;
+            m_waiting.push_back(std::move(*message));
+        }
+        // Nobody will answer any more: the script ends, and then the process.
+        if (!exchange(-1)) return {id, 1, {}};
+    }
+}
+
+} // namespace flash::control

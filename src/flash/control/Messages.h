@@ -1,0 +1,277 @@
+#pragma once
+
+#include "base/ByteReader.h"
+
+#include <cstdint>
+#include <string>
+#include <tuple>
+#include <variant>
+#include <vector>
+
+// Everything that a window and the movie it shows say to each other. The window's end (near) and the movie's
+// end (far) speak the same messages whether they share a process or not; between processes they are bytes.
+namespace flash::control
+{
+
+/// Raised with every change below: both ends come from one build, and an end that finds another number stops.
+inline constexpr std::uint32_t kProtocolVersion = 1;
+
+/// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
+inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
+/// The longest body of a message. A body that announces more ends the connection.
+inline constexpr std::size_t kMaxBodyBytes = kMaxTextBytes * 6;
+
+struct Rectangle {
+    std::int32_t left = 0, top = 0, width = 0, height = 0;
+    friend bool operator==(const Rectangle&, const Rectangle&) = default;
+};
+
+// Each message lists its fields once, in `fields`; encoding, decoding and comparison follow from it.
+
+// ---- from the window to the movie -------------------------------------------------------------------------
+
+/// Loads a movie. Answered by Loaded with the same id.
+struct Load {
+    std::uint32_t id = 0;
+    std::int32_t layer = 0;
+    std::string address;
+    std::string language; ///< two letters
+    double startDateMs = 0;
+    std::int32_t screenWidth = 0, screenHeight = 0;
+    std::uint32_t randomSeed = 0;
+    std::string storageFolder, trustedFolder, sharedFolder;
+    auto fields()
+    {
+        return std::tie(id, layer, address, language, startDateMs, screenWidth, screenHeight, randomSeed,
+                        storageFolder, trustedFolder, sharedFolder);
+    }
+};
+struct Unload {
+    std::int32_t layer = 0;
+    auto fields() { return std::tie(layer); }
+};
+struct Play {
+    auto fields() { return std::tie(); }
+};
+struct Stop {
+    auto fields() { return std::tie(); }
+};
+/// To a frame, counted from 0, and halts there.
+struct Halt {
+    std::int32_t frame = 0;
+    auto fields() { return std::tie(frame); }
+};
+struct SetVariable {
+    std::string name, value;
+    auto fields() { return std::tie(name, value); }
+};
+/// Answered by Value.
+struct GetVariable {
+    std::uint32_t id = 0;
+    std::string name;
+    auto fields() { return std::tie(id, name); }
+};
+/// Numbers as FlashControl's properties; loop and muted are 0 or 1.
+struct Settings {
+    std::uint8_t loop = 1, muted = 0, suspended = 0;
+    std::int32_t scaleMode = 0, quality = 1;
+    double volume = 1, balance = 0; ///< 0 to 1; -1 (left) to 1 (right)
+    auto fields() { return std::tie(loop, muted, suspended, scaleMode, quality, volume, balance); }
+    friend bool operator==(const Settings&, const Settings&) = default;
+};
+struct Background {
+    std::uint32_t rgb = 0;
+    auto fields() { return std::tie(rgb); }
+};
+/// The area that the movie is shown in, device pixels. Between processes its pictures come along as memory.
+struct View {
+    std::int32_t width = 0, height = 0;
+    double deviceScale = 1;
+    auto fields() { return std::tie(width, height, deviceScale); }
+};
+struct Mouse {
+    enum class Kind : std::uint8_t { Move, Down, Up, Leave, Wheel };
+    std::uint8_t kind = 0;
+    double x = 0, y = 0;     ///< device pixels of the view
+    std::uint8_t button = 0; ///< as stage::MouseButton
+    std::int32_t count = 0;  ///< clicks, or lines of the wheel
+    auto fields() { return std::tie(kind, x, y, button, count); }
+};
+/// What a key means to the timeline and, with a text field in focus, to its text.
+struct Key {
+    std::uint8_t down = 0;
+    std::int32_t code = 0;
+    std::uint32_t character = 0;
+    std::int32_t command = -1; ///< as stage::TextCommand; -1 is none
+    std::u32string typed;
+    auto fields() { return std::tie(down, code, character, command, typed); }
+};
+struct TypedText {
+    std::u32string text;
+    auto fields() { return std::tie(text); }
+};
+struct FocusChange {
+    std::uint8_t gained = 0;
+    auto fields() { return std::tie(gained); }
+};
+/// Moves on by simulated time, unheard.
+struct Advance {
+    double ms = 0;
+    auto fields() { return std::tie(ms); }
+};
+/// Answered by Done with the same id, when everything before it is done.
+struct Sync {
+    std::uint32_t id = 0;
+    auto fields() { return std::tie(id); }
+};
+/// The picture that Picture named has been replaced on the screen and may be drawn into again.
+struct Release {
+    std::uint8_t picture = 0;
+    auto fields() { return std::tie(picture); }
+};
+/// Answers Ask.
+struct Answer {
+    std::uint32_t id = 0;
+    std::uint8_t yes = 0;
+    std::string text;
+    auto fields() { return std::tie(id, yes, text); }
+};
+/// Whether a device takes the sounds; otherwise they move on unheard.
+struct SoundDevice {
+    std::uint8_t open = 0;
+    auto fields() { return std::tie(open); }
+};
+
+using ToMovie =
+    std::variant<Load, Unload, Play, Stop, Halt, SetVariable, GetVariable, Settings, Background, View, Mouse,
+                 Key, TypedText, FocusChange, Advance, Sync, Release, Answer, SoundDevice>;
+
+// ---- from the movie to the window -------------------------------------------------------------------------
+
+/// The first thing said, by whichever end starts.
+struct Hello {
+    std::uint32_t version = kProtocolVersion;
+    auto fields() { return std::tie(version); }
+};
+/// What follows comes from the movie that Load `id` brought; 0 when none is loaded.
+struct Speaking {
+    std::uint32_t id = 0;
+    auto fields() { return std::tie(id); }
+};
+struct Loaded {
+    std::uint32_t id = 0;
+    std::uint8_t done = 0;
+    std::string error; ///< English, for the log
+    auto fields() { return std::tie(id, done, error); }
+};
+/// What the window shows or is asked for at any time; sent when it has changed.
+struct State {
+    std::uint8_t open = 0, playing = 0, listensToKeys = 0, typing = 0;
+    std::uint8_t cursor = 0; ///< as stage::Cursor
+    std::int32_t frame = -1, totalFrames = 0;
+    std::int32_t width = 0, height = 0; ///< of the movie, pixels
+    double frameRate = 0;
+    std::uint32_t background = 0xFFFFFF;
+    std::uint8_t silent = 1;
+    auto fields()
+    {
+        return std::tie(open, playing, listensToKeys, typing, cursor, frame, totalFrames, width, height,
+                        frameRate, background, silent);
+    }
+    friend bool operator==(const State&, const State&) = default;
+};
+struct Value {
+    std::uint32_t id = 0;
+    std::string text;
+    auto fields() { return std::tie(id, text); }
+};
+struct Done {
+    std::uint32_t id = 0;
+    auto fields() { return std::tie(id); }
+};
+/// A picture is ready. What differs from the picture before lies in `changed`.
+struct Picture {
+    std::uint8_t picture = 0;
+    Rectangle changed;
+    std::uint32_t view = 0; ///< which View it was drawn for, counted from 1
+    auto fields()
+    {
+        return std::tie(picture, changed.left, changed.top, changed.width, changed.height, view);
+    }
+};
+/// How a movie stands as it says something: see Engine::holdsOnlyTrusted() and hasReadFiles().
+struct Standing {
+    std::uint8_t onlyTrusted = 0, hasRead = 0;
+};
+struct Command {
+    std::string command, arguments;
+    Standing standing;
+    auto fields() { return std::tie(command, arguments, standing.onlyTrusted, standing.hasRead); }
+};
+struct OpenAddress {
+    std::string address, window;
+    Standing standing;
+    auto fields() { return std::tie(address, window, standing.onlyTrusted, standing.hasRead); }
+};
+struct TraceLine {
+    std::string text;
+    auto fields() { return std::tie(text); }
+};
+struct LogLine {
+    std::string text;
+    auto fields() { return std::tie(text); }
+};
+struct ReadyState {
+    std::int32_t state = 0;
+    auto fields() { return std::tie(state); }
+};
+struct Progress {
+    std::int32_t percent = 0;
+    auto fields() { return std::tie(percent); }
+};
+struct CopyText {
+    std::string text;
+    auto fields() { return std::tie(text); }
+};
+/// The movie waits for an Answer with the same id.
+struct Ask {
+    enum class What : std::uint8_t { ClipboardText, AbortSlowScript };
+    std::uint32_t id = 0;
+    std::uint8_t what = 0;
+    auto fields() { return std::tie(id, what); }
+};
+
+/// The memory came to an end; the movie is closed and nothing is left of it.
+struct RanOutOfMemory {
+    auto fields() { return std::tie(); }
+};
+
+using FromMovie = std::variant<Hello, Speaking, Loaded, State, Value, Done, Picture, Command, OpenAddress,
+                               TraceLine, LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory>;
+
+// ---- bytes ------------------------------------------------------------------------------------------------
+// A message is its index in the variant in 16 bits, the body's length in bytes in 32 bits, and the body: the
+// fields in order, numbers little-endian, texts as a 32-bit count of units and the units.
+
+inline constexpr std::size_t kHeaderBytes = 6;
+
+/// Appends a message to `bytes`. Texts longer than kMaxTextBytes are cut.
+void encode(const ToMovie& message, std::vector<std::uint8_t>& bytes);
+void encode(const FromMovie& message, std::vector<std::uint8_t>& bytes);
+
+/// What stands before a body.
+struct Header {
+    std::uint16_t kind = 0;
+    std::uint32_t bodyBytes = 0;
+};
+/// @param bytes at least kHeaderBytes
+/// @errors LimitReached when the body would be longer than kMaxBodyBytes.
+base::Result<Header> decodeHeader(base::Bytes bytes);
+
+/// @param body the whole body and nothing behind it
+/// @errors Malformed for a kind that does not exist or a body of another length than its fields; Truncated
+///         when a field runs past the end.
+base::Result<ToMovie> decodeToMovie(std::uint16_t kind, base::Bytes body);
+base::Result<FromMovie> decodeFromMovie(std::uint16_t kind, base::Bytes body);
+
+} // namespace flash::control

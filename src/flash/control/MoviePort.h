@@ -1,0 +1,77 @@
+#pragma once
+
+#include "flash/control/Messages.h"
+
+#include <QRect>
+
+#include <memory>
+#include <optional>
+
+class QPainter;
+class QRegion;
+
+namespace flash::control
+{
+
+/// Hears a movie, wherever it runs.
+class MovieListener
+{
+public:
+    virtual ~MovieListener() = default;
+    /// Something that concerns the host. Comes while the movie is driven or at any time from the event loop;
+    /// nothing may be done to the movie from within.
+    virtual void heard(FromMovie message) = 0;
+    /// A part of the picture has changed, device pixels.
+    virtual void pictureChanged(const QRect& part) = 0;
+    virtual Answer asked(Ask::What what) = 0;
+    virtual bool endsScripts() = 0;
+    /// After heard() from the event loop: there is something to act on.
+    virtual void settle() = 0;
+    /// Why a movie is no more, without having been told to end.
+    enum class Loss : std::uint8_t {
+        OutOfMemory,
+        Crashed,
+        Refused, ///< could not be loaded, which was seen late
+        Frozen,  ///< may come back
+        Answers, ///< came back
+    };
+    virtual void lost(Loss loss) = 0;
+};
+
+/// A movie as its window sees it: in this process or in one of its own.
+class MoviePort
+{
+public:
+    virtual ~MoviePort() = default;
+
+    struct Loading {
+        enum class State : std::uint8_t { Done, Failed, GoesOn } state = State::Failed;
+        std::string error;
+    };
+    /// @returns GoesOn when the movie takes long over its first frame; Loaded is heard later then.
+    virtual Loading load(const Load& load) = 0;
+    /// Does what the message says. When the call returns, state() shows what came of it, unless the movie is
+    /// busy for too long.
+    virtual void command(const ToMovie& message) = 0;
+    /// As command(), and nobody waits for the outcome: input.
+    virtual void pass(const ToMovie& message) = 0;
+    /// @returns nothing when the movie is busy.
+    virtual std::optional<std::string> variable(const std::string& name) = 0;
+    virtual void advance(double ms) = 0;
+
+    [[nodiscard]] virtual const State& state() const = 0;
+    /// Whether scripts run and nothing that is said now is listened to.
+    [[nodiscard]] virtual bool isBusy() const = 0;
+    /// For how long they have been running; 0 while none do.
+    [[nodiscard]] virtual qint64 busyForMs() const = 0;
+
+    /// The area that the movie is shown in, device pixels.
+    virtual void setView(int width, int height, double deviceScale) = 0;
+    /// Draws what is to be seen now. @param region of the widget
+    virtual void paint(QPainter& painter, const QRegion& region, double deviceScale) = 0;
+    virtual void releaseSound() = 0;
+    /// 0 when it runs in this process.
+    [[nodiscard]] virtual qint64 processId() const { return 0; }
+};
+
+} // namespace flash::control

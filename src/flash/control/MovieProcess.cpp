@@ -1,0 +1,100 @@
+#include "flash/control/MovieProcess.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace flash::control
+{
+
+namespace
+{
+
+// Where the process finds its end of the connection.
+constexpr int kSocket = 3;
+constexpr int kEndWaitMs = 500;
+
+} // namespace
+
+QString MovieProcess::program()
+{
+    if (qEnvironmentVariableIntValue("ZORVEX_ONE_PROCESS") == 1) return {};
+    if (const QString given = qEnvironmentVariable("ZORVEX_MOVIE_PROGRAM"); !given.isEmpty()) return given;
+    const QDir folder(QCoreApplication::applicationDirPath());
+    for (const char* place :
+         {"zorvex-movie", "../libexec/zorvex/zorvex-movie", "../lib/zorvex/zorvex-movie"}) {
+        const QString path = folder.filePath(QLatin1String(place));
+        if (QFileInfo(path).isExecutable()) return QDir::cleanPath(path);
+    }
+    return {};
+}
+
+std::unique_ptr<MovieProcess> MovieProcess::start(const QString& program)
+{
+    const auto ends = Channel::pair();
+    if (!ends) return nullptr;
+    const auto [near, far] = *ends;
+    std::unique_ptr<MovieProcess> started(new MovieProcess(near));
+    QProcess& process = started->m_process;
+    process.setProgram(program);
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setChildProcessModifier([far = far] {
+        if (far == kSocket)
+            fcntl(far, F_SETFD, 0);
+        else
+            dup2(far, kSocket);
+    });
+    process.start();
+    const bool running = process.waitForStarted(2000);
+    close(far);
+    return running ? std::move(started) : nullptr;
+}
+
+MovieProcess::~MovieProcess()
+{
+    m_readable.reset();
+    if (m_process.state() == QProcess::NotRunning) return;
+    m_process.kill();
+    m_process.waitForFinished(kEndWaitMs);
+}
+
+void MovieProcess::listen(std::function<void()> ready)
+{
+    m_readable = std::make_unique<QSocketNotifier>(m_channel.descriptor(), QSocketNotifier::Read);
+    QObject::connect(m_readable.get(), &QSocketNotifier::activated, m_readable.get(),
+                     [ready = std::move(ready)] { ready(); });
+}
+
+std::optional<int> MovieProcess::exitStatus()
+{
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(kEndWaitMs))
+        return std::nullopt;
+    if (m_process.exitStatus() != QProcess::NormalExit) return std::nullopt;
+    return m_process.exitCode();
+}
+
+std::unique_ptr<MovieProcess> SpareProcess::take()
+{
+    if (m_spare) {
+        // One that ended while it waited is of no use.
+        if (kill(static_cast<pid_t>(m_spare->processId()), 0) == 0) return std::move(m_spare);
+        m_spare.reset();
+    }
+    const QString program = MovieProcess::program();
+    return program.isEmpty() ? nullptr : MovieProcess::start(program);
+}
+
+void SpareProcess::prepare()
+{
+    if (m_spare) return;
+    if (const QString program = MovieProcess::program(); !program.isEmpty())
+        m_spare = MovieProcess::start(program);
+}
+
+} // namespace flash::control

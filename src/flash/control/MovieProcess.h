@@ -1,0 +1,61 @@
+#pragma once
+
+#include "flash/control/Channel.h"
+
+#include <QProcess>
+#include <QSocketNotifier>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace flash::control
+{
+
+/// A process that plays one movie, and this end of what connects it.
+class MovieProcess
+{
+public:
+    /// Starts one. Returns at once; what is sent waits until it has come up.
+    /// @param program path of the executable
+    /// @returns null when it cannot be started
+    static std::unique_ptr<MovieProcess> start(const QString& program);
+    /// Ends the process, whatever it does.
+    ~MovieProcess();
+    MovieProcess(const MovieProcess&) = delete;
+    MovieProcess& operator=(const MovieProcess&) = delete;
+
+    [[nodiscard]] Channel& channel() { return m_channel; }
+    [[nodiscard]] qint64 processId() const { return m_process.processId(); }
+    /// `ready` is called from the event loop when there is something to read or the process has ended.
+    void listen(std::function<void()> ready);
+    /// After the connection has ended: the exit status, waiting a moment for it; nothing when it was killed
+    /// or crashed.
+    std::optional<int> exitStatus();
+
+    /// The executable that plays movies, beside the running program or where an installation puts it; empty
+    /// when there is none. ZORVEX_MOVIE_PROGRAM names another; ZORVEX_ONE_PROCESS=1 asks for none.
+    static QString program();
+
+private:
+    explicit MovieProcess(int socket) : m_channel(socket, Channel::Descriptors::Refused) {}
+
+    Channel m_channel;
+    QProcess m_process;
+    std::unique_ptr<QSocketNotifier> m_readable;
+};
+
+/// Keeps one process ready, so that opening a movie waits for no start.
+class SpareProcess
+{
+public:
+    /// @returns a process that was started before, or now; null when there is no way to.
+    std::unique_ptr<MovieProcess> take();
+    /// Starts one to be ready, if there is none.
+    void prepare();
+
+private:
+    std::unique_ptr<MovieProcess> m_spare;
+};
+
+} // namespace flash::control

@@ -1,0 +1,394 @@
+#include "flash/control/MovieRunner.h"
+
+#include "flash/sound/SoundPlayer.h"
+#include "flash/stage/Stage.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+namespace flash::control
+{
+
+namespace
+{
+
+// A pause longer than this (a suspended machine, a dialog) is not made up for.
+constexpr double kLongestStepMs = 1000;
+// How often the sound device and the loads of a movie without a next event are looked after.
+constexpr double kLongestWaitMs = 1000;
+// A movie that traces in an endless loop must not fill the memory before its script is stopped.
+constexpr std::size_t kMaxMessagesPerDrive = 100'000;
+
+// The numbers of Settings::quality.
+enum QualityNumber { Low, High, AutoLow, AutoHigh, Medium, Best };
+
+} // namespace
+
+MovieRunner::MovieRunner(MovieOutput& output) : m_output(output), m_engine(*this, {}) { applyQuality(); }
+
+template <class Work>
+void MovieRunner::drive(Work&& work)
+{
+    if (m_busy) return;
+    m_busy = true;
+    m_saidInDrive = 0;
+    m_sinceBusy.start();
+    const bool done = enoughMemoryFor(work);
+    m_busy = false;
+    if (!done) abandon();
+    tellState();
+}
+
+/// @returns false when the memory came to an end on the way
+template <class Work>
+bool MovieRunner::enoughMemoryFor(Work&& work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        return false;
+    } catch (const std::length_error&) {
+        return false; // more than any memory holds
+    }
+    return true;
+}
+
+void MovieRunner::abandon()
+{
+    m_engine.abandon();
+    say(Speaking{m_loaded = 0});
+    say(RanOutOfMemory{});
+}
+
+void MovieRunner::handle(const ToMovie& message)
+{
+    std::visit([this](const auto& one) { act(one); }, message);
+}
+
+void MovieRunner::step(SoundClock device)
+{
+    if (!m_engine.isOpen() || m_settings.suspended != 0) return;
+    drive([&] {
+        const double elapsed = std::min(static_cast<double>(m_clock.nsecsElapsed()) / 1e6, kLongestStepMs);
+        m_clock.start();
+        QElapsedTimer cost;
+        cost.start();
+        m_engine.advance(inStepWithSound(elapsed, device),
+                         device ? Engine::Hearing::Device : Engine::Hearing::Silent);
+        m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
+        adaptQuality(elapsed);
+    });
+}
+
+/// The device's clock leads where there is one: streams and timeline must not drift apart.
+double MovieRunner::inStepWithSound(double elapsedMs, SoundClock device)
+{
+    constexpr double kToleratedMs = 60, kShareOfStep = 0.1;
+    if (!device) {
+        m_soundLeadMs = -1;
+        return elapsedMs;
+    }
+    m_playedMs += elapsedMs;
+    const double lead = *device - m_playedMs;
+    // The device takes some sound ahead; how much is seen after the first moments.
+    if (m_soundLeadMs < 0 || *device < 500) {
+        if (m_soundLeadMs < 0) m_playedMs = 0;
+        m_soundLeadMs = std::max(lead, 0.0);
+        return elapsedMs;
+    }
+    const double drift = lead - m_soundLeadMs;
+    if (std::abs(drift) < kToleratedMs) return elapsedMs;
+    const double correction = std::clamp(drift, -elapsedMs * kShareOfStep, elapsedMs * kShareOfStep);
+    m_playedMs += correction;
+    return elapsedMs + correction;
+}
+
+std::optional<double> MovieRunner::msToNextStep()
+{
+    if (!m_engine.isOpen() || m_settings.suspended != 0) return std::nullopt;
+    if (!m_clock.isValid()) m_clock.start();
+    const double since = static_cast<double>(m_clock.nsecsElapsed()) / 1e6;
+    return std::clamp(m_engine.stage().msToNextEvent() - since, 0.0, kLongestWaitMs);
+}
+
+QRect MovieRunner::dirtyRect() { return m_engine.dirtyRect(); }
+
+void MovieRunner::render(QImage& image, const QRect& rect)
+{
+    QElapsedTimer cost;
+    cost.start();
+    if (!enoughMemoryFor([&] { m_engine.render(image, rect); })) abandon();
+    m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
+}
+
+sound::Mixer& MovieRunner::mixer() { return m_engine.sound().mixer(); }
+
+// ---- what the window says ---------------------------------------------------------------------------------
+
+void MovieRunner::load(const Load& load, std::optional<std::vector<std::uint8_t>> bytes)
+{
+    Engine::Options& options = m_engine.options();
+    options.startDateMs = load.startDateMs;
+    options.randomSeed = load.randomSeed;
+    options.language = load.language;
+    options.screenWidth = load.screenWidth;
+    options.screenHeight = load.screenHeight;
+    options.storageFolder = load.storageFolder;
+    options.trustedFolder = load.trustedFolder;
+    options.sharedFolder = load.sharedFolder;
+    Loaded answer{load.id, 0, "a script of the movie is running"};
+    drive([&] {
+        // Its first frame's scripts run before the movie is known to be loaded.
+        const std::uint32_t before = m_loaded;
+        if (load.layer == 0) say(Speaking{m_loaded = load.id});
+        const auto opened = m_engine.openLevel(load.layer, load.address, std::move(bytes));
+        answer = {load.id, static_cast<std::uint8_t>(opened.has_value()),
+                  opened ? std::string() : opened.error().what};
+        if (load.layer != 0) return;
+        if (!opened) {
+            say(Speaking{m_loaded = before});
+            return;
+        }
+        m_clock.start();
+        m_soundLeadMs = -1;
+    });
+    say(std::move(answer));
+}
+
+void MovieRunner::act(const Unload& unload)
+{
+    drive([&] {
+        if (unload.layer != 0) {
+            m_engine.stage().unloadLevel(unload.layer);
+            return;
+        }
+        m_engine.close();
+        say(Speaking{m_loaded = 0});
+    });
+}
+
+void MovieRunner::act(const Play&)
+{
+    drive([&] { m_engine.stage().play(); });
+}
+
+void MovieRunner::act(const Stop&)
+{
+    drive([&] { m_engine.stage().stop(); });
+}
+
+void MovieRunner::act(const Halt& halt)
+{
+    if (!m_engine.isOpen()) return;
+    drive([&] {
+        m_engine.stage().stop();
+        m_engine.stage().gotoFrame(halt.frame);
+        m_engine.stage().stop();
+    });
+}
+
+void MovieRunner::act(const SetVariable& variable)
+{
+    drive([&] { m_engine.setVariable(variable.name, variable.value); });
+}
+
+void MovieRunner::act(const GetVariable& variable)
+{
+    Value value{variable.id, {}};
+    drive([&] { value.text = m_engine.getVariable(variable.name); });
+    say(std::move(value));
+}
+
+void MovieRunner::act(const Settings& settings)
+{
+    const Settings before = std::exchange(m_settings, settings);
+    m_engine.stage().setLoop(settings.loop != 0);
+    m_engine.sound().setMasterVolume(std::clamp(settings.volume, 0.0, 1.0),
+                                     std::clamp(settings.balance, -1.0, 1.0));
+    mixer().setMuted(settings.muted != 0);
+    if (settings.suspended != before.suspended) m_clock.start();
+    if (settings.quality != before.quality) {
+        m_automaticHigh = settings.quality != AutoLow;
+        m_measuredMs = m_costMs = 0;
+        applyQuality();
+    }
+    if (settings.scaleMode != before.scaleMode && settings.scaleMode >= 0 && settings.scaleMode <= 3) {
+        drive([&] { m_engine.stage().setScaleMode(static_cast<stage::ScaleMode>(settings.scaleMode)); });
+    }
+}
+
+void MovieRunner::act(const Background& background)
+{
+    m_engine.stage().setHostBackground({static_cast<std::uint8_t>(background.rgb >> 16U & 255U),
+                                        static_cast<std::uint8_t>(background.rgb >> 8U & 255U),
+                                        static_cast<std::uint8_t>(background.rgb & 255U)});
+    tellState();
+}
+
+void MovieRunner::act(const View& view)
+{
+    drive([&] {
+        m_engine.setDeviceScale(view.deviceScale);
+        m_engine.stage().setViewSize(view.width, view.height);
+    });
+}
+
+void MovieRunner::act(const Mouse& mouse)
+{
+    const auto button = static_cast<stage::MouseButton>(
+        std::min<std::uint8_t>(mouse.button, static_cast<std::uint8_t>(stage::MouseButton::Right)));
+    drive([&] {
+        stage::Stage& stage = m_engine.stage();
+        switch (static_cast<Mouse::Kind>(mouse.kind)) {
+        case Mouse::Kind::Move: stage.mouseMove(mouse.x, mouse.y); break;
+        case Mouse::Kind::Down: stage.mouseDown(mouse.x, mouse.y, button, mouse.count); break;
+        case Mouse::Kind::Up: stage.mouseUp(mouse.x, mouse.y, button); break;
+        case Mouse::Kind::Leave: stage.mouseLeave(); break;
+        case Mouse::Kind::Wheel: stage.mouseWheel(mouse.count); break;
+        }
+    });
+}
+
+void MovieRunner::act(const Key& key)
+{
+    drive([&] {
+        stage::Stage& stage = m_engine.stage();
+        if (key.down == 0) {
+            stage.keyUp(key.code, key.character);
+            return;
+        }
+        stage.keyDown(key.code, key.character);
+        if (!isTyping()) return;
+        if (key.command >= 0 && key.command <= static_cast<int>(stage::TextCommand::Enter))
+            stage.textCommand(static_cast<stage::TextCommand>(key.command));
+        else
+            type(key.typed);
+    });
+}
+
+void MovieRunner::act(const TypedText& typed)
+{
+    drive([&] { type(typed.text); });
+}
+
+void MovieRunner::type(const std::u32string& text)
+{
+    for (const char32_t character : text) m_engine.stage().textInput(character);
+}
+
+void MovieRunner::act(const FocusChange& focus)
+{
+    drive([&] { focus.gained != 0 ? m_engine.stage().focusGained() : m_engine.stage().focusLost(); });
+}
+
+void MovieRunner::act(const Advance& advance)
+{
+    drive([&] { m_engine.advance(advance.ms); });
+}
+
+void MovieRunner::act(const Sync& sync) { say(Done{sync.id}); }
+
+// ---- what the movie says ----------------------------------------------------------------------------------
+
+void MovieRunner::say(FromMovie message)
+{
+    if (++m_saidInDrive <= kMaxMessagesPerDrive || !m_busy) m_output.say(std::move(message));
+}
+
+bool MovieRunner::isTyping()
+{
+    const stage::Node* focus = m_engine.stage().focus();
+    return focus != nullptr && focus->kind() == stage::NodeKind::TextField;
+}
+
+void MovieRunner::tellState()
+{
+    State now;
+    stage::Stage& stage = m_engine.stage();
+    const swf::Rgba ground = stage.background();
+    now.background =
+        static_cast<std::uint32_t>(ground.r) << 16U | static_cast<std::uint32_t>(ground.g) << 8U | ground.b;
+    now.cursor = static_cast<std::uint8_t>(stage.cursor());
+    now.silent = mixer().isSilent() ? 1 : 0;
+    if (m_engine.isOpen()) {
+        const swf::Rect& frame = stage.movie()->header.frameSize;
+        now.open = 1;
+        now.playing = stage.isPlaying() ? 1 : 0;
+        now.listensToKeys = stage.listensToKeys() ? 1 : 0;
+        now.typing = isTyping() ? 1 : 0;
+        now.frame = stage.currentFrame();
+        now.totalFrames = stage.totalFrames();
+        now.width = static_cast<std::int32_t>(std::lround(frame.width() / 20.0));
+        now.height = static_cast<std::int32_t>(std::lround(frame.height() / 20.0));
+        now.frameRate = stage.frameRate();
+    }
+    if (now == m_state) return;
+    m_state = now;
+    m_output.say(now);
+}
+
+Standing MovieRunner::standing() const
+{
+    return {static_cast<std::uint8_t>(m_engine.holdsOnlyTrusted() ? 1 : 0),
+            static_cast<std::uint8_t>(m_engine.hasReadFiles() ? 1 : 0)};
+}
+
+void MovieRunner::fsCommand(std::string_view command, std::string_view arguments)
+{
+    say(Command{std::string(command), std::string(arguments), standing()});
+}
+
+void MovieRunner::openUrl(std::string_view url, std::string_view window)
+{
+    say(OpenAddress{std::string(url), std::string(window), standing()});
+}
+
+void MovieRunner::traceLine(std::string_view utf8) { say(TraceLine{std::string(utf8)}); }
+void MovieRunner::logLine(std::string_view utf8) { say(LogLine{std::string(utf8)}); }
+
+void MovieRunner::readyStateChanged(int state)
+{
+    if (std::exchange(m_readyState, state) != state) say(ReadyState{state});
+}
+
+void MovieRunner::progressed(int percent) { say(Progress{percent}); }
+void MovieRunner::setClipboardText(std::string_view utf8) { say(CopyText{std::string(utf8)}); }
+std::string MovieRunner::clipboardText() { return m_output.ask(Ask::What::ClipboardText).text; }
+bool MovieRunner::abortSlowScript() { return m_output.ask(Ask::What::AbortSlowScript).yes != 0; }
+bool MovieRunner::endsScripts() { return m_output.endsScripts(); }
+
+// ---- quality ----------------------------------------------------------------------------------------------
+
+void MovieRunner::applyQuality()
+{
+    stage::Quality wanted = stage::Quality::High;
+    switch (m_settings.quality) {
+    case Low: wanted = stage::Quality::Low; break;
+    case Medium: wanted = stage::Quality::Medium; break;
+    case Best: wanted = stage::Quality::Best; break;
+    case AutoLow:
+    case AutoHigh: wanted = m_automaticHigh ? stage::Quality::High : stage::Quality::Low; break;
+    default: break;
+    }
+    if (m_engine.stage().quality() != wanted) m_engine.stage().setQuality(wanted);
+}
+
+/// The two automatic qualities: smooth as long as the machine keeps up.
+void MovieRunner::adaptQuality(double elapsedMs)
+{
+    if (m_settings.quality != AutoLow && m_settings.quality != AutoHigh) return;
+    m_measuredMs += elapsedMs;
+    if (m_measuredMs < 1000) return;
+    const double load = m_costMs / m_measuredMs;
+    m_measuredMs = m_costMs = 0;
+    // Smoothing costs some three times as much, so that what goes up does not come down again.
+    const bool high = m_automaticHigh ? load < 0.8 : load < 0.2;
+    if (high == m_automaticHigh) return;
+    m_automaticHigh = high;
+    applyQuality();
+}
+
+} // namespace flash::control

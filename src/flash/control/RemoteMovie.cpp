@@ -1,0 +1,304 @@
+#include "flash/control/RemoteMovie.h"
+
+#include "flash/AudioOutput.h"
+#include "flash/Engine.h"
+#include "flash/control/FarEnd.h"
+
+#include <QPainter>
+#include <QPointer>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace flash::control
+{
+
+namespace
+{
+
+constexpr int kWatchMs = 500, kSoundMs = 30, kPictureMs = 40;
+// Between input that a busy movie has not taken yet, moves of the mouse are left out.
+constexpr std::size_t kMuchUnsentBytes = 1U << 14U, kTooMuchUnsentBytes = 32U << 20U;
+// So many messages of a movie are handled before the window gets its turn again.
+constexpr int kMessagesAtOnce = 500;
+
+class RingSource : public SoundSource
+{
+public:
+    explicit RingSource(std::shared_ptr<SoundRing> ring, const State& state)
+        : m_ring(std::move(ring)), m_state(state)
+    {
+    }
+    void mix(std::span<sound::StereoFrame> frames) override { m_ring->read(frames); }
+    [[nodiscard]] bool isSilent() override { return m_state.silent != 0; }
+
+private:
+    std::shared_ptr<SoundRing> m_ring;
+    const State& m_state; // of the movie that owns the output
+};
+
+} // namespace
+
+RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> process)
+    : m_listener(listener), m_process(std::move(process))
+{
+    m_process->listen([this] {
+        receive();
+        m_listener.settle();
+    });
+    m_watch.setTimerType(Qt::CoarseTimer);
+    connect(&m_watch, &QTimer::timeout, this, [this] { watch(); });
+    connect(&m_soundTimer, &QTimer::timeout, this, [this] { followSound(); });
+    if (auto ring = SoundRing::create()) {
+        m_ring = std::make_shared<SoundRing>(std::move(*ring));
+        m_audio = std::make_unique<AudioOutput>(std::make_unique<RingSource>(m_ring, m_state));
+        send(SoundDevice{0}, m_ring->descriptor());
+    }
+}
+
+RemoteMovie::~RemoteMovie()
+{
+    if (m_audio) m_audio->release();
+}
+
+void RemoteMovie::send(const ToMovie& message, int attached)
+{
+    if (m_ended) return;
+    if (!m_process->channel().send(message, attached) ||
+        m_process->channel().waitingBytes() > kTooMuchUnsentBytes)
+        ended();
+}
+
+template <class DoneNow>
+bool RemoteMovie::waitFor(DoneNow&& done, int limitMs)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!m_ended && !done()) {
+        const auto left = limitMs - static_cast<int>(waited.elapsed());
+        if (left <= 0) return false;
+        pollfd socket{m_process->channel().descriptor(), POLLIN, 0};
+        if (m_process->channel().waitingBytes() > 0) socket.events |= POLLOUT;
+        if (poll(&socket, 1, left) <= 0) continue;
+        if ((socket.revents & POLLOUT) != 0) m_process->channel().flush();
+        receive();
+    }
+    return !m_ended;
+}
+
+MoviePort::Loading RemoteMovie::load(const Load& load)
+{
+    // Opened here: the host may name any file, the movie's process may open few.
+    const int file = open(Engine::pathOf(load.address).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    struct stat found = {};
+    if (file < 0 || fstat(file, &found) != 0 || !S_ISREG(found.st_mode)) {
+        const std::string reason = file < 0 ? std::strerror(errno) : "not a file";
+        if (file >= 0) close(file);
+        return {Loading::State::Failed, load.address + ": " + reason};
+    }
+    m_loaded.reset();
+    send(load, file);
+    close(file);
+    m_watch.start(kWatchMs);
+    m_waitsForLoad = true;
+    waitFor([&] { return m_loaded && m_loaded->id == load.id; });
+    m_waitsForLoad = false;
+    if (m_ended) return {Loading::State::Failed, "the movie's process has ended"};
+    if (!m_loaded) return {Loading::State::GoesOn, {}};
+    return {m_loaded->done != 0 ? Loading::State::Done : Loading::State::Failed, m_loaded->error};
+}
+
+void RemoteMovie::command(const ToMovie& message)
+{
+    send(message);
+    const std::uint32_t id = ++m_lastSync;
+    send(Sync{id});
+    if (!m_unanswered.isValid()) m_unanswered.start();
+    waitFor([&] { return m_doneSync == id; });
+}
+
+void RemoteMovie::pass(const ToMovie& message)
+{
+    const auto* mouse = std::get_if<Mouse>(&message);
+    const bool isMove = mouse != nullptr && static_cast<Mouse::Kind>(mouse->kind) == Mouse::Kind::Move;
+    if (isMove && m_process->channel().waitingBytes() > kMuchUnsentBytes) return;
+    send(message);
+}
+
+std::optional<std::string> RemoteMovie::variable(const std::string& name)
+{
+    const std::uint32_t id = ++m_lastSync;
+    m_value.reset();
+    send(GetVariable{id, name});
+    send(Sync{id});
+    const bool came = waitFor([&] { return m_value && m_value->id == id; });
+    return came ? std::optional(m_value->text) : std::nullopt;
+}
+
+// ---- what the movie says ----------------------------------------------------------------------------------
+
+void RemoteMovie::receive()
+{
+    if (m_ended) return;
+    // What was left over comes first, and meanwhile the socket fills up: a movie that talks too much waits.
+    const bool connected = m_process->channel().hasNext() || m_process->channel().receive();
+    for (int i = 0; i < kMessagesAtOnce; ++i) {
+        const auto body = m_process->channel().next();
+        if (!body) break;
+        auto message = decodeFromMovie(body->kind, body->bytes);
+        if (!message) {
+            ended();
+            return;
+        }
+        take(std::move(*message));
+        if (m_ended) return;
+    }
+    if (m_process->channel().hasNext()) {
+        QTimer::singleShot(0, this, [this] {
+            receive();
+            m_listener.settle();
+        });
+    } else if (!connected) {
+        ended();
+    }
+}
+
+void RemoteMovie::take(FromMovie message)
+{
+    if (const auto* state = std::get_if<State>(&message)) {
+        m_state = *state;
+        if (m_state.silent == 0 && m_audio && !m_soundTimer.isActive()) m_soundTimer.start(kSoundMs);
+    } else if (const auto* picture = std::get_if<Picture>(&message)) {
+        take(*picture);
+        return;
+    } else if (const auto* done = std::get_if<Done>(&message)) {
+        m_doneSync = done->id;
+        if (m_doneSync == m_lastSync) m_unanswered.invalidate();
+        if (std::exchange(m_frozen, false)) m_listener.lost(MovieListener::Loss::Answers);
+        return;
+    } else if (const auto* value = std::get_if<Value>(&message)) {
+        m_value = *value;
+        return;
+    } else if (const auto* loaded = std::get_if<Loaded>(&message)) {
+        m_loaded = *loaded;
+        if (m_waitsForLoad) return; // load() tells
+    } else if (const auto* ask = std::get_if<Ask>(&message)) {
+        if (ask->what > static_cast<std::uint8_t>(Ask::What::AbortSlowScript)) {
+            ended();
+            return;
+        }
+        // From the event loop, because the answer may take the user a while.
+        QTimer::singleShot(0, this, [this, asked = *ask] {
+            if (m_ended || std::exchange(m_asking, true)) return;
+            const QPointer<RemoteMovie> alive(this);
+            Answer answer = m_listener.asked(static_cast<Ask::What>(asked.what));
+            // The question let events through: the movie may be gone.
+            if (alive.isNull()) return;
+            m_asking = false;
+            answer.id = asked.id;
+            send(answer);
+        });
+        return;
+    }
+    m_listener.heard(std::move(message));
+}
+
+void RemoteMovie::take(const Picture& picture)
+{
+    if (picture.picture >= PictureMemory::kPictures || picture.view != m_view) {
+        // Of a view that is no more: its memory went with it.
+        if (picture.picture >= PictureMemory::kPictures || picture.view > m_view) ended();
+        return;
+    }
+    const int before = m_shownView == m_view ? m_shownIndex : -1;
+    if (m_shownView != m_view) {
+        m_shownPictures = PictureMemory();
+        m_shownView = m_view;
+    }
+    m_shownIndex = picture.picture;
+    m_shown = m_pictures.picture(m_shownIndex);
+    if (before >= 0 && before != m_shownIndex) send(Release{static_cast<std::uint8_t>(before)});
+    const Rectangle& changed = picture.changed;
+    m_listener.pictureChanged(before < 0 ? m_shown.rect()
+                                         : QRect(changed.left, changed.top, changed.width, changed.height) &
+                                               m_shown.rect());
+}
+
+void RemoteMovie::ended()
+{
+    if (std::exchange(m_ended, true)) return;
+    m_watch.stop();
+    m_soundTimer.stop();
+    if (m_audio) m_audio->release();
+    const auto status = m_process->exitStatus();
+    m_state = State();
+    m_process->listen([] {});
+    const auto loss = status == static_cast<int>(FarExit::OutOfMemory) ? MovieListener::Loss::OutOfMemory
+                                                                       : MovieListener::Loss::Crashed;
+    // From the event loop: whoever waits for the movie now must come back first.
+    QTimer::singleShot(0, this, [this, loss] { m_listener.lost(loss); });
+}
+
+/// Looks whether a movie that moves, or was told something, still answers.
+void RemoteMovie::watch()
+{
+    if (m_ended || m_asking) return;
+    if (m_unanswered.isValid()) {
+        if (m_unanswered.elapsed() > kFrozenMs && !std::exchange(m_frozen, true))
+            m_listener.lost(MovieListener::Loss::Frozen);
+        return;
+    }
+    if (m_state.playing == 0 && m_process->channel().waitingBytes() == 0 && m_loaded) return;
+    m_unanswered.start();
+    send(Sync{++m_lastSync});
+}
+
+// ---- picture and sound ------------------------------------------------------------------------------------
+
+void RemoteMovie::setView(int width, int height, double deviceScale)
+{
+    auto pictures = PictureMemory::create(width, height);
+    if (!pictures) return;
+    // The picture on the screen stays until the first of the new size comes.
+    if (m_shownView == m_view && m_shownIndex >= 0) m_shownPictures = std::move(m_pictures);
+    m_pictures = std::move(*pictures);
+    ++m_view;
+    send(View{width, height, deviceScale}, m_pictures.descriptor());
+}
+
+void RemoteMovie::paint(QPainter& painter, const QRegion& region, double deviceScale)
+{
+    // The window has just changed its size: a movie that is quick about it saves the old picture a stretch.
+    if (m_shownView != m_view) waitFor([&] { return m_shownView == m_view; }, kPictureMs);
+    if (m_shown.isNull()) return;
+    for (const QRect& rect : region) {
+        const QRectF source(rect.x() * deviceScale, rect.y() * deviceScale, rect.width() * deviceScale,
+                            rect.height() * deviceScale);
+        painter.drawImage(QRectF(rect), m_shown, source);
+    }
+}
+
+void RemoteMovie::followSound()
+{
+    if (m_ended) return;
+    m_audio->follow(kSoundMs);
+    if (m_audio->isPulling() != m_deviceOpen) {
+        m_deviceOpen = m_audio->isPulling();
+        send(SoundDevice{static_cast<std::uint8_t>(m_deviceOpen ? 1 : 0)});
+    }
+    if (m_state.silent != 0 && !m_deviceOpen) m_soundTimer.stop();
+}
+
+void RemoteMovie::releaseSound()
+{
+    if (!m_audio) return;
+    m_audio->release();
+    if (std::exchange(m_deviceOpen, false)) send(SoundDevice{0});
+}
+
+} // namespace flash::control

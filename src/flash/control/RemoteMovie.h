@@ -1,0 +1,77 @@
+#pragma once
+
+#include "flash/control/Channel.h"
+#include "flash/control/MoviePort.h"
+#include "flash/control/MovieProcess.h"
+#include "flash/control/PictureMemory.h"
+#include "flash/control/SoundRing.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+namespace flash
+{
+class AudioOutput;
+}
+
+namespace flash::control
+{
+
+/// A movie in a process of its own. Nothing here waits for it longer than kPatienceMs, and nothing that comes
+/// from it is believed without a look.
+class RemoteMovie : public QObject, public MoviePort
+{
+public:
+    static constexpr int kPatienceMs = 200; ///< how long a call waits for a busy movie
+    static constexpr int kFrozenMs = 2000;  ///< without an answer for so long, it counts as frozen
+
+    /// @param listener borrowed
+    RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> process);
+    ~RemoteMovie() override;
+
+    Loading load(const Load& load) override;
+    void command(const ToMovie& message) override;
+    void pass(const ToMovie& message) override;
+    std::optional<std::string> variable(const std::string& name) override;
+    void advance(double ms) override { command(Advance{ms}); }
+    [[nodiscard]] const State& state() const override { return m_state; }
+    [[nodiscard]] bool isBusy() const override { return false; }
+    [[nodiscard]] qint64 busyForMs() const override { return 0; }
+    void setView(int width, int height, double deviceScale) override;
+    void paint(QPainter& painter, const QRegion& region, double deviceScale) override;
+    void releaseSound() override;
+    [[nodiscard]] qint64 processId() const override { return m_process->processId(); }
+
+private:
+    void receive();
+    void take(FromMovie message);
+    void take(const Picture& picture);
+    void ended();
+    void watch();
+    void followSound();
+    void send(const ToMovie& message, int attached = -1);
+    /// Takes messages until `done`. @returns whether it came to pass in time
+    template <class Done>
+    bool waitFor(Done&& done, int limitMs = kPatienceMs);
+
+    MovieListener& m_listener;
+    std::unique_ptr<MovieProcess> m_process;
+    State m_state;
+    // The pictures that are drawn into now, and those that the one on the screen belongs to.
+    PictureMemory m_pictures, m_shownPictures;
+    QImage m_shown;
+    int m_shownIndex = -1;
+    std::uint32_t m_view = 0, m_shownView = 0;
+    std::shared_ptr<SoundRing> m_ring;
+    std::unique_ptr<AudioOutput> m_audio;
+    bool m_deviceOpen = false;
+    std::uint32_t m_lastSync = 0, m_doneSync = 0;
+    std::optional<Loaded> m_loaded;
+    std::optional<Value> m_value;
+    QElapsedTimer m_unanswered; // since the oldest Sync that was not answered
+    QTimer m_watch, m_soundTimer;
+    bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false;
+};
+
+} // namespace flash::control

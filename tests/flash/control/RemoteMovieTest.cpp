@@ -1,0 +1,122 @@
+#include "flash/FlashControl.h"
+
+#include "Movies.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace flash
+{
+
+namespace
+{
+
+const swf::ByteList kForEver = {0x99, 2, 0, 0xFB, 0xFF}; // a jump to itself
+
+/// A control whose movies play in processes of their own; skips the test where they do not.
+class RemoteMovie : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!qEnvironmentVariableIsSet("ZORVEX_MOVIE_PROGRAM")) GTEST_SKIP() << "movies play in this process";
+        m_control.resize(100, 80);
+    }
+
+    void load(const QString& name, const swf::ByteList& bytes)
+    {
+        ASSERT_TRUE(m_control.LoadMovie(0, m_folder.write(name, bytes)))
+            << m_control.errorText().toStdString();
+        ASSERT_TRUE(m_control.hasOwnProcess());
+    }
+
+    QColor pixel(int x, int y) { return m_control.grab().toImage().pixelColor(x, y); }
+
+    test::MovieFolder m_folder;
+    FlashControl m_control;
+};
+
+} // namespace
+
+TEST_F(RemoteMovie, OutlivesTheEndOfItsProcessAtAnyMoment)
+{
+    // Moments from before the first frame to well into play, each with a kill that no program can answer and
+    // one that is a crash.
+    for (int round = 0; round < 40; ++round) {
+        SCOPED_TRACE(round);
+        load("a.swf", test::movingSquare(50));
+        QSignalSpy crashed(&m_control, &FlashControl::crashed);
+        QTest::qWait(round * 3);
+        ASSERT_EQ(kill(static_cast<pid_t>(m_control.processId()), round % 2 == 0 ? SIGKILL : SIGSEGV), 0);
+        m_control.Forward(); // in the middle of a call that waits
+        ASSERT_TRUE(crashed.count() == 1 || crashed.wait(3000));
+        EXPECT_FALSE(m_control.hasOwnProcess());
+        EXPECT_EQ(m_control.TotalFrames(), 0);
+        EXPECT_EQ(m_control.Movie(), QString());
+    }
+    load("b.swf", test::movingSquare(3));
+    EXPECT_EQ(m_control.TotalFrames(), 3);
+    EXPECT_EQ(pixel(10, 10), QColor(255, 0, 0));
+}
+
+TEST_F(RemoteMovie, AnEndlessFirstFrameHoldsNobodyUp)
+{
+    QElapsedTimer taken;
+    taken.start();
+    load("endless.swf", test::movingSquare(3, kForEver));
+    EXPECT_LT(taken.elapsed(), 1500) << "opening";
+    taken.start();
+    m_control.Forward();
+    EXPECT_EQ(m_control.GetVariable("x"), QString());
+    EXPECT_LT(taken.elapsed(), 1500) << "commands";
+
+    QSignalSpy frozen(&m_control, &FlashControl::frozen);
+    ASSERT_TRUE(frozen.wait(6000));
+    EXPECT_TRUE(frozen.first().first().toBool());
+
+    taken.start();
+    load("b.swf", test::movingSquare(3));
+    EXPECT_LT(taken.elapsed(), 1500) << "the next movie";
+    EXPECT_EQ(m_control.TotalFrames(), 3);
+}
+
+TEST_F(RemoteMovie, KeepsWhatPlaysWhenTheNextOneCannotBeLoaded)
+{
+    load("a.swf", test::movingSquare(4));
+    m_control.GotoFrame(2);
+    EXPECT_FALSE(m_control.LoadMovie(0, m_folder.write("text.swf", {'n', 'o', ' ', 'm', 'o', 'v'})));
+    EXPECT_FALSE(m_control.LoadMovie(0, m_folder.path()));
+    EXPECT_FALSE(m_control.LoadMovie(0, "/dev/zero"));
+    EXPECT_EQ(m_control.FrameNum(), 2);
+    EXPECT_EQ(pixel(50, 10), QColor(255, 0, 0));
+}
+
+TEST_F(RemoteMovie, PagesAndMoviesDoNotShareAProcess)
+{
+    const test::MovieFolder pages;
+    m_control.setSharedFolder(pages.path(), m_folder.path());
+    load("a.swf", test::movingSquare(4));
+    const QString page = pages.write("page.swf", test::movingSquare(2));
+    EXPECT_FALSE(m_control.LoadMovie(1, page));
+    EXPECT_TRUE(m_control.LoadMovie(1, m_folder.write("b.swf", test::movingSquare(1))));
+    ASSERT_TRUE(m_control.LoadMovie(0, page));
+    EXPECT_TRUE(m_control.LoadMovie(1, page));
+    EXPECT_FALSE(m_control.LoadMovie(1, m_folder.path() + "/b.swf"));
+}
+
+TEST_F(RemoteMovie, FollowsTheWindowsSizeAndShowsThePictureOfEach)
+{
+    load("a.swf", test::movingSquare(1));
+    for (const int factor : {2, 1, 3, 1}) {
+        SCOPED_TRACE(factor);
+        m_control.resize(100 * factor, 80 * factor);
+        EXPECT_EQ(pixel(20 * factor - 2, 20 * factor - 2), QColor(255, 0, 0));
+        EXPECT_EQ(pixel(20 * factor + 2, 20 * factor + 2), QColor(128, 128, 128));
+    }
+}
+
+} // namespace flash
