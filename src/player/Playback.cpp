@@ -73,11 +73,12 @@ void Playback::SetSound(int volume, int pan)
 {
     m_volume = std::clamp(volume, 0, 100);
     m_pan = std::clamp(pan, -100, 100);
-    // The page sets the sound of everything that plays. Where there is none the control's own volume stands
-    // in; the balance then stays in the middle.
+    // The page sets the sound of everything that plays. Where there is none, or the movie's process does not
+    // take it in, the control's own volume and balance stand in.
     const bool pageDoesIt = core::fileExists(m_gadgetsPath + "sound.swf") &&
                             m_control.LoadMovie(kSoundLayer, soundPage(m_gadgetsPath, m_volume, m_pan));
     m_control.setMasterVolume(pageDoesIt ? 1.0 : m_volume / 100.0);
+    m_control.setMasterBalance(pageDoesIt ? 0.0 : m_pan / 100.0);
     // Silence holds whatever a movie makes of its own volume, and before the page has come.
     m_control.setMuted(m_volume == 0);
     reapplyBackground();

@@ -22,6 +22,7 @@
 #include <QCloseEvent>
 #include <QDialog>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
@@ -74,7 +75,7 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_outside(outsideDoors(*this)), m_sinceMade(started()),
       m_movieJournal([this](const QString& line) { logQuietly(line); },
                      [this] { return m_sinceMade.elapsed(); }),
-      m_pageQueue(*this), m_lifecycle(application, *this, commandLine)
+      m_pageQueue(*this), m_health(control(), healthDoors()), m_lifecycle(application, *this, commandLine)
 {
     application.journalFailed = [this](const base::Failure& failure) {
         QTimer::singleShot(0, this, [this, failure] {
@@ -205,8 +206,9 @@ bool Player::isSlowScriptToEnd()
     QEventLoop loop;
     connect(&box, &QDialog::finished, &loop, &QEventLoop::quit);
     QTimer look;
-    connect(&look, &QTimer::timeout, &loop, [this, &loop] {
-        if (hasEnded() || m_endsScripts) loop.quit();
+    // Another movie may take the place of the one that this is about.
+    connect(&look, &QTimer::timeout, &loop, [this, &loop, asker = control().processId()] {
+        if (hasEnded() || m_endsScripts || control().processId() != asker) loop.quit();
     });
     look.start(kRetryMs);
     loop.exec();
@@ -232,6 +234,7 @@ bool Player::isPutOff(const std::function<void()>& action)
 void Player::LoadFlash(const QString& path, const QString& caption)
 {
     if (hasEnded() || isPutOff([this, path, caption] { LoadFlash(path, caption); })) return;
+    if (!m_health.mayOpen(path)) return;
     m_media.LoadFlash(path, caption);
 }
 
@@ -255,6 +258,21 @@ void Player::saveForSuddenEnd()
     } catch (const std::exception&) {
         // There is nobody left to be told.
     }
+}
+
+MovieHealth::Doors Player::healthDoors()
+{
+    return {[this](const QString& message) { handled(texts::kPlaceClose, [&] { CloseMedia(message); }); },
+            [this](const QString& line) { logQuietly(core::HtmlEscape(line)); },
+            [this](const QString& path) {
+                SettlingBox box(QMessageBox::Question, core::kProductName,
+                                QString(texts::kOpenAgain).arg(QFileInfo(path).fileName()),
+                                QMessageBox::Yes | QMessageBox::No, this);
+                box.setObjectName("frmOpenAgain");
+                box.setDefaultButton(QMessageBox::No);
+                ShowDialog(box);
+                return box.result() == QMessageBox::Yes && !hasEnded();
+            }};
 }
 
 void Player::closeForLackOfMemory()

@@ -7,6 +7,7 @@
 #include "player/Lifecycle.h"
 #include "player/MediaDialogs.h"
 #include "player/Menus.h"
+#include "player/MovieHealth.h"
 #include "player/MovieJournal.h"
 #include "player/MovieScreen.h"
 #include "player/Outside.h"
@@ -225,6 +226,7 @@ public:
     void saveForSuddenEnd();
     /// The memory has come to an end: what takes most of it goes, and the panel says why.
     void closeForLackOfMemory();
+    [[nodiscard]] MovieHealth::Doors healthDoors();
     /// Where no exception may pass: out of the engine, and at the end. What cannot be logged is lost.
     void logQuietly(const QString& text);
 
@@ -293,6 +295,7 @@ private:
     QElapsedTimer m_sinceMade, m_sinceOpened; ///< and since something was opened outside
     MovieJournal m_movieJournal;
     PageQueue m_pageQueue;
+    MovieHealth m_health;
     const PageRequest* m_carriedOut = nullptr; ///< what a page or movie has asked, while it is done
     qint64 m_pumpedAtMs = 0;                   ///< of the time that the script at work has taken
     bool m_endsScripts = false;                ///< something waits for the movie's script to end

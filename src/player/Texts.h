@@ -52,6 +52,13 @@ inline constexpr const char* kScriptIsSlow     = "Сценарий ролика 
 inline constexpr const char* kScriptEnd        = "Прервать сценарий";
 inline constexpr const char* kScriptGoOn       = "Продолжить";
 inline constexpr const char* kNoMemory         = "Ролику не хватило памяти, и он закрыт";
+inline constexpr const char* kMovieCrashed     = "Ролик завершился с ошибкой и закрыт";
+inline constexpr const char* kMovieNotAnswering = "Ролик не отвечал и закрыт";
+inline constexpr const char* kNotAnswering     = "Ролик не отвечает";
+inline constexpr const char* kNotAnsweringWait = "Подождать";
+inline constexpr const char* kNotAnsweringClose = "Закрыть ролик";
+inline constexpr const char* kOpenAgain        = "Ролик «%1» только что дважды завершился с ошибкой. Открыть его ещё "
+                                                 "раз?";
 inline constexpr const char* kHowToLeave       = "Чтобы выйти из полноэкранного режима, нажмите Esc";
 inline constexpr const char* kMovieDamaged     = "Ролик повреждён, показать его нельзя";
 

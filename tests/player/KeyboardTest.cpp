@@ -147,7 +147,7 @@ TEST_F(Keyboard, TextThatIsTypedGoesToTheMovie)
     start(compile("form", movieWith(kField, "<place id='t' x='5' y='5' name='t'/>", {})));
     flash::FlashControl& movie = player->control();
     QTest::mouseClick(&movie, Qt::LeftButton, {}, movie.rect().center());
-    ASSERT_TRUE(movie.listensToKeys());
+    ASSERT_TRUE(QTest::qWaitFor([&movie] { return movie.listensToKeys(); }));
     for (const char letter : {'m', ' ', '1'}) QTest::keyClick(&movie, letter);
     EXPECT_EQ(movie.GetVariable("t.text"), "m 1");
     EXPECT_FALSE(player->Muted());

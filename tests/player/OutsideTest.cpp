@@ -445,6 +445,11 @@ TEST_F(Answering, DoesNotLetAMovieSpeakInAPagesName)
     const QString speaker = asking("speaker", "_root.onEnterFrame = function () {"
                                               " fscommand(\"EXEC\", \"http://layer.example/\"); }");
     player.LoadFlash(page("quiet", "stop()"), {});
+    // Where movies play in processes of their own, it does not even get there.
+    if (player.control().hasOwnProcess()) {
+        EXPECT_FALSE(player.control().LoadMovie(1, speaker));
+        return;
+    }
     ASSERT_TRUE(player.control().LoadMovie(1, speaker));
     EXPECT_TRUE(waitFor([this] { return questions == 3; }));
     letPass();

@@ -1,7 +1,6 @@
 #include "PlayerWindow.h"
 #include "flash/Engine.h"
 #include "flash/FlashControl.h"
-#include "flash/HostQueue.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/stage/Stage.h"
 #include "player/PageAddresses.h"
@@ -210,7 +209,7 @@ TEST_F(PlayerWindow, SoundPageSetsWhatIsHeard)
       <sound id="tone" file="tone.wav" format="pcm"/>
       <frame><startSound sound="tone" loops="100"/><script>stop();</script></frame></movie>)");
 
-    flash::HostQueue host; // gathers and tells nobody
+    flash::stage::HostEvents host; // tells nobody
     flash::Engine engine(host, {});
     ASSERT_TRUE(engine.open(tone.toStdString()));
     const auto heard = [&](int volume, int pan) {
