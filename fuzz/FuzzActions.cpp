@@ -1,4 +1,5 @@
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/Vm.h"
 
 #include <memory>
 #include <vector>
@@ -23,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 2) return 0;
     HurryingHost host;
-    flash::avm1::Vm vm(host);
+    flash::avm1::Vm vm(host, &flash::avm1::classes::installAll);
     if ((data[0] & 0x80) != 0) vm.collectAlways();
     const int version = 4 + (data[0] & 7) % 5;
     const auto owner = std::make_shared<std::vector<std::uint8_t>>(data + 1, data + size);

@@ -1,5 +1,6 @@
-#include "flash/avm1/Vm.h"
 #include "flash/avm1/bindings/StoredValues.h"
+#include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/Vm.h"
 #include "flash/net/FileSharedObjects.h"
 
 #include <QTemporaryDir>
@@ -42,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     tryName({reinterpret_cast<const char*>(rest.data()), nameBytes});
 
     NullHost host;
-    Vm vm(host);
+    Vm vm(host, &classes::installAll);
     const Root<Object> stored(vm.heap(), vm.newLiteral());
     if (!decodeStored(vm, stored.get(), rest.subspan(nameBytes))) return 0;
     // What was read can be written and read.

@@ -1,6 +1,7 @@
 #include "base/TextCodes.h"
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/classes/Classes.h"
 #include "flash/avm1/classes/XmlNode.h"
+#include "flash/avm1/interpreter/Vm.h"
 #include "flash/stage/StyleSheet.h"
 #include "flash/stage/TextHtml.h"
 
@@ -50,7 +51,7 @@ void tryStyles(std::string_view text, unsigned options)
 void tryXml(std::string_view text, unsigned options)
 {
     avm1::NullHost host;
-    avm1::Vm vm(host);
+    avm1::Vm vm(host, &avm1::classes::installAll);
     avm1::installXml(vm);
     if ((options & 2U) != 0) vm.collectAlways();
     const avm1::Root<avm1::Object> document(vm.heap(),

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that every include in src/ goes down a floor and that the engines are entered by their front doors.
+"""Checks that every include in src/ goes down a layer and that the engines are entered by their public headers.
 
   check_layers.py SRC      exit status 1 and a line for each offence
 """
@@ -7,27 +7,28 @@ import pathlib
 import re
 import sys
 
-# Ground floor first. A room may include itself and rooms named before it, except where BARRED says no.
-FLOORS = ['base', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/avm1', 'flash/sound', 'flash/net', 'flash',
+# Lowest first. A module may include itself and modules named before it.
+LAYERS = ['base', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/vm', 'flash/avm1/interpreter',
+          'flash/avm1/classes', 'flash/avm1/bindings', 'flash/sound', 'flash/net', 'flash',
           'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'ui', 'player',
           'app']
-# What the player's rooms may include of the two engines.
-DOORS = {'flash/FlashControl.h', 'flash/Engine.h', 'script/ScriptControl.h', 'script/Dispatch.h',
+# What the player's modules may include of the two engines.
+ENTRIES = {'flash/FlashControl.h', 'flash/Engine.h', 'script/ScriptControl.h', 'script/Dispatch.h',
          'script/QtDispatch.h'}
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 
 
-def room_of(path):
+def module_of(path):
     parts = pathlib.PurePosixPath(path).parts[:-1]
     for length in range(len(parts), 0, -1):
         name = '/'.join(parts[:length])
-        if name in FLOORS:
+        if name in LAYERS:
             return name
     return None
 
 
-def engine_of(room):
-    return room.split('/')[0] if room.split('/')[0] in ('flash', 'script') else None
+def engine_of(module):
+    return module.split('/')[0] if module.split('/')[0] in ('flash', 'script') else None
 
 
 def offences(src):
@@ -35,9 +36,9 @@ def offences(src):
         if path.suffix not in ('.cpp', '.h'):
             continue
         own = path.relative_to(src).as_posix()
-        room = room_of(own)
-        if room is None:
-            yield '%s: lies in no room of the house' % own
+        module = module_of(own)
+        if module is None:
+            yield '%s: lies in no module' % own
             continue
         for number, line in enumerate(path.read_text(encoding='utf-8').splitlines(), 1):
             found = INCLUDE.match(line)
@@ -48,13 +49,13 @@ def offences(src):
                 if '/' in target:
                     yield '%s:%d: no such header: %s' % (own, number, target)
                 continue
-            other = room_of(target)
+            other = module_of(target)
             engine = engine_of(other)
-            if FLOORS.index(other) > FLOORS.index(room):
+            if LAYERS.index(other) > LAYERS.index(module):
                 yield '%s:%d: goes up to %s' % (own, number, target)
-            elif engine and engine != engine_of(room) and target not in DOORS:
+            elif engine and engine != engine_of(module) and target not in ENTRIES:
                 yield '%s:%d: enters an engine by the side: %s' % (own, number, target)
-            elif engine_of(room) and other not in ('base',) and engine != engine_of(room):
+            elif engine_of(module) and other not in ('base',) and engine != engine_of(module):
                 yield '%s:%d: an engine knows nothing of %s' % (own, number, other)
 
 

@@ -1,7 +1,7 @@
-#include "flash/avm1/Amf0.h"
+#include "flash/avm1/bindings/Amf0.h"
 
-#include "flash/avm1/ArrayNative.h"
-#include "flash/avm1/Convert.h"
+#include "flash/avm1/interpreter/ArrayNative.h"
+#include "flash/avm1/interpreter/Convert.h"
 
 #include "Machine.h"
 

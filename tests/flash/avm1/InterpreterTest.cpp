@@ -186,7 +186,7 @@ TEST(Interpreter, KeepsToTheTimeThatTheMovieAllows)
     constexpr Case kCases[] = {
         {"what the movie says", 4000, 4000},
         {"zero is the usual", 0, Vm::kUsualTimeoutMs},
-        {"more than anyone waits", 65535000, Vm::kLongestTimeoutMs},
+        {"more than anyone waits", 65535000, Vm::kMaxTimeoutMs},
     };
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "base/TextCodes.h"
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/Vm.h"
 
 #include "Assembler.h"
 
@@ -26,7 +27,10 @@ public:
 class Machine
 {
 public:
-    explicit Machine(int version = 8) : vm(host), root(vm.heap(), vm.newObject()), m_version(version) {}
+    explicit Machine(int version = 8)
+        : vm(host, &classes::installAll), root(vm.heap(), vm.newObject()), m_version(version)
+    {
+    }
 
     /// Runs a block and @returns what it traced, lines joined by '|'.
     std::string run(const Assembler& code) { return run(code.bytes()); }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "flash/avm1/Function.h"
 #include "flash/avm1/bindings/StageBinding.h"
+#include "flash/avm1/interpreter/Function.h"
 
 // The built-in classes that act on the stage, one file each. A member table per class; `install` puts the
 // class on the global object.

@@ -57,7 +57,7 @@ Value load(Call& call)
 
 stage::LoadRequest::Method methodArg(Call& call, std::size_t index)
 {
-    const bool get = call.count() > index && Names::fold(textArg(call, index)) == u"get";
+    const bool get = call.count() > index && AtomTable::fold(textArg(call, index)) == u"get";
     return get ? stage::LoadRequest::Method::Get : stage::LoadRequest::Method::Post;
 }
 

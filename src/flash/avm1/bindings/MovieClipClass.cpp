@@ -344,7 +344,7 @@ Value setMask(Call& call)
 UrlRequest::Method methodArg(Call& call, std::size_t index)
 {
     if (call.arg(index).isUndefined()) return UrlRequest::Method::None;
-    const std::u16string method = Names::fold(textArg(call, index));
+    const std::u16string method = AtomTable::fold(textArg(call, index));
     if (method == u"get") return UrlRequest::Method::Get;
     if (method == u"post") return UrlRequest::Method::Post;
     return UrlRequest::Method::None;

@@ -1,6 +1,6 @@
 #include "flash/avm1/bindings/NetStream.h"
 
-#include "flash/avm1/Amf0.h"
+#include "flash/avm1/bindings/Amf0.h"
 
 #include <algorithm>
 

@@ -97,7 +97,7 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
         return true;
     }
     Object* self = m_binding.objectOf(node);
-    const std::u16string folded = Names::fold(text);
+    const std::u16string folded = AtomTable::fold(text);
     if (folded == u"_root") {
         result = m_binding.root(self);
         return true;
@@ -170,7 +170,7 @@ void NodeObject::putOwn(Vm& vm, Object& self, Name name, Value value)
             if (node) m_binding.setPropertyOf(*node, *index, value);
             return;
         }
-        if (stage::Clip* clip = stage::asClip(node); clip && Names::fold(text) == u"_lockroot") {
+        if (stage::Clip* clip = stage::asClip(node); clip && AtomTable::fold(text) == u"_lockroot") {
             clip->lockRoot = toBoolean(vm, value);
             return;
         }

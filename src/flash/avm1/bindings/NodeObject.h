@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flash/avm1/Object.h"
+#include "flash/avm1/interpreter/Object.h"
 #include "flash/stage/Node.h"
 
 namespace flash::avm1

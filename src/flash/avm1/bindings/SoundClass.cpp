@@ -189,9 +189,9 @@ constexpr Part kParts[] = {
 /// genuine player does not call it here.
 std::optional<Value> ownValue(Vm& vm, const Object& object, std::string_view name)
 {
-    const std::uint32_t at = object.layout()->find(vm.name(name), vm.isCaseSensitive());
-    if (at == Layout::kMissing) return {};
-    const Layout::Property& property = object.layout()->properties()[at];
+    const std::uint32_t at = object.shape()->find(vm.name(name), vm.isCaseSensitive());
+    if (at == Shape::kMissing) return {};
+    const Shape::Property& property = object.shape()->properties()[at];
     return (property.flags & kAccessor) != 0 ? Value() : object.slot(property.slot);
 }
 

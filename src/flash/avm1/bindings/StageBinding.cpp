@@ -6,6 +6,7 @@
 #include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/bindings/NetStream.h"
 #include "flash/avm1/bindings/NodeObject.h"
+#include "flash/avm1/classes/Classes.h"
 #include "flash/avm1/classes/Filters.h"
 #include "flash/avm1/classes/GeomValues.h"
 #include "flash/avm1/classes/XmlNode.h"
@@ -40,7 +41,7 @@ constexpr const char* kHandlerNames[] = {
 struct StageBinding::State {
     std::array<Name, std::size(kHandlerNames)> handlers;
     Name enabled;
-    std::vector<NameText*> keptNames;
+    std::vector<Atom*> keptNames;
     std::unordered_map<stage::SoundId, Object*> sounds; // whose end is waited for
     std::vector<std::shared_ptr<NetStream>> streams;    // those that play
     std::map<std::string, Object*, std::less<>> sharedObjects;
@@ -65,7 +66,7 @@ void StageBinding::reset()
     m_state.reset();
     m_vm.reset();
     m_random = m_inputs.randomSeed;
-    m_vm = std::make_unique<Vm>(*this);
+    m_vm = std::make_unique<Vm>(*this, &classes::installAll);
     m_state = std::make_unique<State>();
     m_vm->heap().addRootSource([this](Tracer& tracer) { traceNodes(tracer); });
     for (std::size_t i = 0; i < std::size(kPropertyNames); ++i) {
@@ -134,7 +135,7 @@ void StageBinding::installFlashPackage()
 
 void StageBinding::traceNodes(Tracer& tracer)
 {
-    for (NameText* name : m_state->keptNames) tracer(name);
+    for (Atom* name : m_state->keptNames) tracer(name);
     for (const auto& [id, object] : m_state->sounds) tracer(object);
     for (const auto& stream : m_state->streams) stream->trace(tracer);
     for (const auto& [key, object] : m_state->sharedObjects) tracer(object);
@@ -382,10 +383,10 @@ void StageBinding::followLink(stage::TextField& field, std::u16string_view url, 
     constexpr std::u16string_view kFunction = u"asfunction:";
     Object* timeline = objectOf(field.parentClip());
     const Vm::VersionScope scope(*m_vm, field.movie() ? field.movie()->header.version : 6);
-    if (Names::fold(url.substr(0, kFunction.size())) == kFunction)
+    if (AtomTable::fold(url.substr(0, kFunction.size())) == kFunction)
         return callLinked(timeline, url.substr(kFunction.size()));
     UrlRequest request;
-    const bool isLevel = Names::fold(window.substr(0, 6)) == u"_level";
+    const bool isLevel = AtomTable::fold(window.substr(0, 6)) == u"_level";
     request.kind = isLevel ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
     request.url = url;
     request.window = window;

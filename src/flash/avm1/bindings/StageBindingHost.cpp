@@ -76,7 +76,7 @@ const char* qualityName(stage::Quality quality)
 
 bool startsWithNoCase(std::u16string_view text, std::u16string_view prefix)
 {
-    return text.size() >= prefix.size() && Names::fold(text.substr(0, prefix.size())) == prefix;
+    return text.size() >= prefix.size() && AtomTable::fold(text.substr(0, prefix.size())) == prefix;
 }
 
 } // namespace
@@ -241,7 +241,7 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
             node.focusRect = toBoolean(vm, value);
         break;
     case kQuality: {
-        const std::u16string name = Names::fold(toText(vm, value));
+        const std::u16string name = AtomTable::fold(toText(vm, value));
         if (name == u"low") m_stage->setQuality(stage::Quality::Low);
         if (name == u"medium") m_stage->setQuality(stage::Quality::Medium);
         if (name == u"high" || name == u"autohigh") m_stage->setQuality(stage::Quality::High);

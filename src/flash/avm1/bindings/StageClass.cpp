@@ -19,7 +19,7 @@ Value setScaleMode(Call& call)
 {
     if (call.count() == 0) return {};
     // Anything unknown means to show all.
-    const std::u16string name = Names::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(textArg(call, 0));
     stage::ScaleMode mode = stage::ScaleMode::ShowAll;
     if (name == u"noborder") mode = stage::ScaleMode::NoBorder;
     if (name == u"exactfit") mode = stage::ScaleMode::ExactFit;
@@ -68,7 +68,7 @@ Value getDisplayState(Call& call)
 }
 Value setDisplayState(Call& call)
 {
-    const std::u16string name = Names::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(textArg(call, 0));
     if (name == u"fullscreen") StageBinding::of(call).stage().setFullScreen(true);
     if (name == u"normal") StageBinding::of(call).stage().setFullScreen(false);
     return {};

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Result.h"
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/interpreter/Vm.h"
 
 #include <vector>
 

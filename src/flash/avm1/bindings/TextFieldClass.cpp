@@ -138,7 +138,7 @@ Value setAutoSize(Call& call, TextField& field)
         field.setAutoSize(call.arg(0).boolean() ? Mode::Left : Mode::None);
         return {};
     }
-    const std::u16string name = Names::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(textArg(call, 0));
     field.setAutoSize(name == u"left"     ? Mode::Left
                       : name == u"center" ? Mode::Center
                       : name == u"right"  ? Mode::Right
@@ -152,7 +152,7 @@ Value getType(Call& call, TextField& field)
 }
 Value setType(Call& call, TextField& field)
 {
-    const std::u16string name = Names::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(textArg(call, 0));
     if (name == u"input") field.readOnly = false;
     if (name == u"dynamic") field.readOnly = true;
     return {};

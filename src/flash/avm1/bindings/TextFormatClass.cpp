@@ -155,7 +155,7 @@ Value setAlign(Call& call)
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
     // What is no alignment changes nothing.
-    const std::u16string name = Names::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(textArg(call, 0));
     if (name == u"left") self->format.align = Align::Left;
     if (name == u"right") self->format.align = Align::Right;
     if (name == u"center") self->format.align = Align::Center;
@@ -174,7 +174,7 @@ Value setDisplay(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
-    const std::u16string name = Names::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(textArg(call, 0));
     self->display = name == u"none"     ? TextFormatObject::Display::None
                     : name == u"inline" ? TextFormatObject::Display::Inline
                                         : TextFormatObject::Display::Block;

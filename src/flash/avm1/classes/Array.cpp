@@ -1,4 +1,4 @@
-#include "flash/avm1/ArrayNative.h"
+#include "flash/avm1/interpreter/ArrayNative.h"
 
 #include "flash/avm1/classes/ArraySort.h"
 #include "flash/avm1/classes/Classes.h"

@@ -1,7 +1,7 @@
 #include "flash/avm1/classes/ArraySort.h"
 
-#include "flash/avm1/ArrayNative.h"
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/interpreter/ArrayNative.h"
+#include "flash/avm1/interpreter/Vm.h"
 
 #include <algorithm>
 #include <cmath>
@@ -72,7 +72,7 @@ private:
     std::u16string text(Value value, std::uint32_t options)
     {
         std::u16string result = toText(m_vm, value);
-        return (options & kSortCaseInsensitive) != 0 ? Names::fold(result) : result;
+        return (options & kSortCaseInsensitive) != 0 ? AtomTable::fold(result) : result;
     }
 
     Vm& m_vm;

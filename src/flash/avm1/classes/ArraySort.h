@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flash/avm1/Function.h"
+#include "flash/avm1/interpreter/Function.h"
 
 namespace flash::avm1::classes
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/interpreter/Vm.h"
 
 // The classes of the language itself. Each install function makes the constructor, furnishes the prototype
 // and notes it in Vm::builtIns. What the stage adds (MovieClip and its like) lives with the stage.

@@ -1,6 +1,6 @@
-#include "flash/avm1/classes/Boxed.h"
 #include "flash/avm1/classes/Classes.h"
 #include "flash/avm1/classes/DateMath.h"
+#include "flash/avm1/interpreter/Boxed.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "flash/avm1/Vm.h"
+#include "flash/avm1/interpreter/Vm.h"
 
 #include <optional>
 #include <vector>

@@ -1,8 +1,8 @@
-#include "flash/avm1/Function.h"
+#include "flash/avm1/interpreter/Function.h"
 
-#include "flash/avm1/ArrayNative.h"
-#include "flash/avm1/Interpreter.h"
 #include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/ArrayNative.h"
+#include "flash/avm1/interpreter/Interpreter.h"
 
 namespace flash::avm1::classes
 {

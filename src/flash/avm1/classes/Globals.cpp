@@ -1,5 +1,5 @@
-#include "flash/avm1/ArrayNative.h"
 #include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/ArrayNative.h"
 
 #include "base/TextCodes.h"
 

@@ -1,5 +1,5 @@
-#include "flash/avm1/classes/Boxed.h"
 #include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/Boxed.h"
 
 #include <cfloat>
 #include <limits>

@@ -1,7 +1,7 @@
-#include "flash/avm1/Object.h"
+#include "flash/avm1/interpreter/Object.h"
 
-#include "flash/avm1/classes/Boxed.h"
 #include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/Boxed.h"
 
 namespace flash::avm1::classes
 {
@@ -64,8 +64,8 @@ Value isPrototypeOf(Call& call)
     Object* object = call.arg(0).asObject();
     if (self == nullptr || object == nullptr) return Value(false);
     int depth = 0;
-    for (object = object->listedPrototype(call.vm);
-         object != nullptr && depth < Object::kLongestPrototypeChain; ++depth) {
+    for (object = object->listedPrototype(call.vm); object != nullptr && depth < Object::kMaxPrototypeChain;
+         ++depth) {
         if (object == self) return Value(true);
         object = object->listedPrototype(call.vm);
     }

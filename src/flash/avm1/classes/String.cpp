@@ -1,7 +1,7 @@
-#include "flash/avm1/String.h"
+#include "flash/vm/String.h"
 
-#include "flash/avm1/classes/Boxed.h"
 #include "flash/avm1/classes/Classes.h"
+#include "flash/avm1/interpreter/Boxed.h"
 
 #include "base/TextCodes.h"
 
@@ -43,7 +43,9 @@ Value valueOf(Call& call)
 char16_t upper(char16_t unit)
 {
     // The inverse of folding, for letters that fold by a fixed distance or in pairs.
-    const auto fold = [](char16_t candidate) { return Names::fold(std::u16string_view(&candidate, 1))[0]; };
+    const auto fold = [](char16_t candidate) {
+        return AtomTable::fold(std::u16string_view(&candidate, 1))[0];
+    };
     if (unit == 0xFF) return 0x178;
     for (const int distance : {32, 1, 80}) {
         if (unit < distance) continue;
@@ -60,7 +62,7 @@ Value toUpperCase(Call& call)
     return call.vm.string(std::move(text));
 }
 
-Value toLowerCase(Call& call) { return call.vm.string(Names::fold(self(call))); }
+Value toLowerCase(Call& call) { return call.vm.string(AtomTable::fold(self(call))); }
 
 /// @returns the text of `this` without a copy of it.
 String* selfCell(Call& call)

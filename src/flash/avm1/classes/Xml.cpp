@@ -63,7 +63,7 @@ Object* cloneTree(Vm& vm, const Object* object, bool deep, int depth)
     const auto* node = object->native<XmlNode>();
     Object* copy = newXmlNode(vm, node->type, node->type == XmlNode::kElement ? node->name : node->value);
     auto* made = copy->native<XmlNode>();
-    for (const Layout::Property& property : node->attributes->layout()->properties())
+    for (const Shape::Property& property : node->attributes->shape()->properties())
         made->attributes->define(vm, property.name, node->attributes->slot(property.slot), property.flags);
     if (deep && depth < kDeepestClone)
         for (const Object* child : node->children)
@@ -92,7 +92,7 @@ void forEachDeclaration(const Object* object, Found found)
 {
     for (; object != nullptr; object = object->native<XmlNode>()->parent) {
         const Object* attributes = object->native<XmlNode>()->attributes;
-        for (const Layout::Property& property : attributes->layout()->properties()) {
+        for (const Shape::Property& property : attributes->shape()->properties()) {
             const auto prefix = declaredPrefix(property.name.view());
             const Value uri = attributes->slot(property.slot);
             // A script may have put anything there; only texts count, so that nothing runs meanwhile.

@@ -229,7 +229,7 @@ void appendAttributes(Vm& vm, std::u16string& out, Object* attributes)
 {
     // A copy: turning a value into text may run script, which may change the attributes.
     RootedNames names(vm.heap());
-    for (const Layout::Property& property : attributes->layout()->properties())
+    for (const Shape::Property& property : attributes->shape()->properties())
         if (!property.name.isNull() && (property.flags & (kDontEnum | kAccessor)) == 0)
             names.push_back(property.name);
     for (const Name name : names) {

@@ -1,0 +1,297 @@
+#include "flash/avm1/interpreter/Actions.h"
+#include "flash/avm1/interpreter/Interpreter.h"
+
+#include <algorithm>
+
+// Actions on variables, members, calls and objects.
+namespace flash::avm1::actions
+{
+
+namespace
+{
+
+/// Arguments stay on the operand stack while a call runs, in call order; they are dropped with this.
+class StackedArguments
+{
+public:
+    explicit StackedArguments(Frame& frame) : m_frame(frame)
+    {
+        const double count = avm1::toNumber(frame.vm, frame.pop());
+        const auto present = static_cast<double>(frame.operandCount());
+        // More arguments than operands: those that are there.
+        m_count = count > 0 ? static_cast<std::size_t>(std::min(count, present)) : 0;
+        // The first argument is pushed last.
+        std::reverse(frame.top - m_count, frame.top);
+    }
+    ~StackedArguments() { m_frame.top -= m_count; }
+    StackedArguments(const StackedArguments&) = delete;
+    StackedArguments& operator=(const StackedArguments&) = delete;
+
+    [[nodiscard]] std::span<const Value> values() const { return {m_frame.top - m_count, m_count}; }
+
+private:
+    Frame& m_frame;
+    std::size_t m_count;
+};
+
+/// A method without a name is the object itself, called.
+bool isNoName(Value key, Name name) { return key.isUndefined() || name.view().empty(); }
+
+/// What a method of a primitive sees as `this`: natives the value itself, scripts an object around it.
+Value receiverFor(Vm& vm, Value base, Value method)
+{
+    if (base.isObject() || !method.isObject() || !method.object()->isFunction()) return base;
+    return method.object()->asFunction()->isNative() ? base : Value(avm1::toObject(vm, base));
+}
+
+void pushNames(Frame& frame, Value value)
+{
+    frame.push(Value::null());
+    Object* object = value.asObject();
+    if (object == nullptr) return;
+    const RootedNames names = object->enumerate(frame.vm);
+    // The loop pops, so that the first name is pushed last.
+    for (auto name = names.rbegin(); name != names.rend(); ++name) frame.push(Value(name->string()));
+}
+
+/// Where `var` puts a variable: the nearest function call's or the target clip.
+Object* localObject(const Frame& frame)
+{
+    if (frame.activation != nullptr) return frame.activation;
+    // In version 5 SetTarget does not move variables made with `var`.
+    return frame.version <= 5 ? frame.baseTarget : frame.variableTarget();
+}
+
+void putLocal(Frame& frame, Name name, Value value)
+{
+    Object* object = localObject(frame);
+    if (object == nullptr) return;
+    if (name.isPath()) return Interpreter::setPath(frame, name, value);
+    object->put(frame.vm, name, value);
+}
+
+} // namespace
+
+void getVariable(Frame& frame, const Instruction& instruction)
+{
+    const Value key = frame.pop();
+    frame.push(Interpreter::getVariableCached(frame, key, instruction.b));
+}
+
+void setVariable(Frame& frame, const Instruction& instruction)
+{
+    const Value value = frame.pop();
+    const Name name = avm1::toName(frame.vm, frame.pop());
+    Interpreter::setVariableCached(frame, name, value, instruction.b);
+}
+
+void defineLocal(Frame& frame, const Instruction&)
+{
+    const Value value = frame.pop();
+    putLocal(frame, avm1::toName(frame.vm, frame.pop()), value);
+}
+
+void defineLocal2(Frame& frame, const Instruction&)
+{
+    const Name name = avm1::toName(frame.vm, frame.pop());
+    Object* object = localObject(frame);
+    if (object != nullptr && !object->hasOwn(frame.vm, name)) putLocal(frame, name, {});
+}
+
+void deleteVariable(Frame& frame, const Instruction&)
+{
+    const Name name = avm1::toName(frame.vm, frame.pop());
+    frame.push(Value(Interpreter::deleteVariable(frame, name)));
+}
+
+void deleteMember(Frame& frame, const Instruction&)
+{
+    const Name name = avm1::toName(frame.vm, frame.pop());
+    Object* object = frame.pop().asObject();
+    frame.push(Value(object != nullptr && object->remove(frame.vm, name)));
+}
+
+void getMember(Frame& frame, const Instruction& instruction)
+{
+    const Value name = frame.pop();
+    const Value base = frame.pop();
+    frame.push(Interpreter::getMemberCached(frame, base, name, instruction.b));
+}
+
+void setMember(Frame& frame, const Instruction& instruction)
+{
+    const Value value = frame.pop();
+    const Value name = frame.pop();
+    const Value base = frame.pop();
+    Interpreter::setMemberCached(frame, base, name, value, instruction.b);
+}
+
+void initArray(Frame& frame, const Instruction&)
+{
+    Object* array = nullptr;
+    {
+        const StackedArguments elements(frame);
+        array = frame.vm.newArray(elements.values());
+    }
+    // Without its class an array is a list and nothing more.
+    Vm& vm = frame.vm;
+    Value constructor;
+    vm.global()->getPlain(vm, vm.name("Array"), vm.global(), constructor);
+    if (!constructor.isObject()) array->setProto(vm, {});
+    frame.push(Value(array));
+}
+
+void initObject(Frame& frame, const Instruction&)
+{
+    Vm& vm = frame.vm;
+    const double count = avm1::toNumber(vm, frame.pop());
+    Object* object = vm.newLiteral();
+    for (double i = 0; i < count && frame.operandCount() > 0; ++i) {
+        const Value value = frame.pop();
+        object->put(vm, avm1::toName(vm, frame.pop()), value);
+    }
+    frame.push(Value(object));
+}
+
+void newObject(Frame& frame, const Instruction& instruction)
+{
+    const Value name = Value(avm1::toName(frame.vm, frame.pop()).string());
+    Value result;
+    {
+        const StackedArguments args(frame);
+        const Value constructor = Interpreter::getVariableCached(frame, name, instruction.b);
+        result = Interpreter::construct(frame.vm, constructor, args.values());
+    }
+    frame.push(result);
+}
+
+void newMethod(Frame& frame, const Instruction&)
+{
+    const Value key = frame.pop();
+    const Value base = frame.pop();
+    const Name name = avm1::toName(frame.vm, key);
+    Value result;
+    {
+        const StackedArguments args(frame);
+        const Value constructor = isNoName(key, name) ? base : Interpreter::getMember(frame.vm, base, name);
+        result = Interpreter::construct(frame.vm, constructor, args.values());
+    }
+    frame.push(result);
+}
+
+void callFunction(Frame& frame, const Instruction& instruction)
+{
+    const Value name = Value(avm1::toName(frame.vm, frame.pop()).string());
+    Value result;
+    {
+        const StackedArguments args(frame);
+        Object* self = nullptr;
+        const Value function = Interpreter::getVariableCached(frame, name, instruction.b, &self);
+        result = Interpreter::invoke(frame.vm, function, self, args.values());
+    }
+    frame.push(result);
+    Interpreter::checkClip(frame);
+}
+
+void callMethod(Frame& frame, const Instruction& instruction)
+{
+    Vm& vm = frame.vm;
+    const Value key = frame.pop();
+    const Value base = frame.pop();
+    const Name name = avm1::toName(vm, key);
+    Value result;
+    {
+        const StackedArguments args(frame);
+        if (isNoName(key, name)) {
+            result = Interpreter::invoke(vm, base, Value(), args.values());
+        } else {
+            Object* holder = nullptr;
+            const Value method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);
+            Value self = base;
+            if (Object* object = base.asObject(); object != nullptr && object->exotic() == Exotic::Opaque) {
+                if (const SuperNative* super = object->native<SuperNative>()) {
+                    self = super->self;
+                    holder = super->holderOf(vm, name);
+                }
+            }
+            result = Interpreter::invoke(vm, method, receiverFor(vm, self, method), args.values(),
+                                         {holder, false});
+        }
+    }
+    frame.push(result);
+    Interpreter::checkClip(frame);
+}
+
+void enumerate(Frame& frame, const Instruction&)
+{
+    const Name name = avm1::toName(frame.vm, frame.pop());
+    pushNames(frame, Interpreter::getVariable(frame, name));
+}
+
+void enumerate2(Frame& frame, const Instruction&) { pushNames(frame, frame.pop()); }
+
+void instanceOf(Frame& frame, const Instruction&)
+{
+    Object* constructor = frame.pop().asObject();
+    Object* object = frame.pop().asObject();
+    bool is = false;
+    if (constructor != nullptr && object != nullptr) {
+        Object* prototype = frame.vm.prototypeOf(constructor);
+        is = prototype != nullptr && object->isInstance(frame.vm, prototype);
+    }
+    frame.push(Value(is));
+}
+
+void castOp(Frame& frame, const Instruction&)
+{
+    Object* object = frame.pop().asObject();
+    Object* constructor = frame.pop().asObject();
+    if (constructor != nullptr && object != nullptr) {
+        Object* prototype = frame.vm.prototypeOf(constructor);
+        if (prototype != nullptr && object->isInstance(frame.vm, prototype)) return frame.push(Value(object));
+    }
+    frame.push(Value::null());
+}
+
+void implementsOp(Frame& frame, const Instruction&)
+{
+    Vm& vm = frame.vm;
+    Object* constructor = frame.pop().asObject();
+    const double count = avm1::toNumber(vm, frame.pop());
+    Object* prototype = constructor == nullptr ? nullptr : vm.prototypeOf(constructor);
+    for (double i = 0; i < count && frame.operandCount() > 0; ++i) {
+        Object* interface = frame.pop().asObject();
+        if (interface == nullptr || prototype == nullptr) continue;
+        if (Object* interfacePrototype = vm.prototypeOf(interface))
+            prototype->addInterface(interfacePrototype);
+    }
+}
+
+void extends(Frame& frame, const Instruction&)
+{
+    Vm& vm = frame.vm;
+    const Value superclass = frame.pop();
+    Object* subclass = frame.pop().asObject();
+    if (!superclass.isObject() || subclass == nullptr) return;
+    Object* prototype = vm.newObject(nullptr);
+    prototype->setProto(vm, superclass.object()->get(vm, vm.common().prototype));
+    prototype->define(vm, vm.common().constructorInternal, superclass, kDontEnum);
+    subclass->put(vm, vm.common().prototype, prototype);
+}
+
+void defineFunction(Frame& frame, const Instruction& instruction)
+{
+    Vm& vm = frame.vm;
+    FunctionCode& code = frame.code->function(instruction.b);
+    auto* function =
+        vm.heap().make<Function>(vm, code, frame.code, frame.pool, frame.scope, frame.baseTarget);
+    Object* prototype = vm.newObject();
+    prototype->define(vm, vm.common().constructor, function, kBuiltIn);
+    function->define(vm, vm.common().prototype, prototype, kBuiltIn);
+    if (code.head.name.view().empty())
+        frame.push(Value(function));
+    else
+        putLocal(frame, code.head.name, function);
+}
+
+} // namespace flash::avm1::actions

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "flash/avm1/interpreter/Object.h"
+
+namespace flash::avm1
+{
+
+/// The elements of an array, dense from 0 on; holes are marked. Indices far beyond the end live in the bag
+/// like other properties, so that `a[1e8] = 0` costs nothing; `length` covers both.
+class ArrayNative final : public Native
+{
+public:
+    static constexpr char kTag = 0;
+    /// How far beyond the end an assignment still extends the dense part.
+    static constexpr std::uint32_t kMaxGap = 4096;
+
+    [[nodiscard]] const void* tag() const override { return &kTag; }
+    [[nodiscard]] Exotic exotic() const override { return Exotic::Array; }
+    [[nodiscard]] Caching caching(Vm& vm, Name name) const override;
+    void trace(Tracer& tracer) override;
+    bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result) override;
+    void putOwn(Vm& vm, Object& self, Name name, Value value) override;
+    bool hasOwn(Vm& vm, Object& self, Name name) override;
+    bool deleteOwn(Vm& vm, Object& self, Name name) override;
+    void enumerateOwn(Vm& vm, Object& self, NameCollector& names) override;
+    void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear) override;
+
+    /// @returns the element at a whole index within the dense part, or null.
+    [[nodiscard]] Value* elementAt(double index)
+    {
+        if (!(index >= 0 && index < static_cast<double>(m_elements.size()))) return nullptr;
+        const auto whole = static_cast<std::size_t>(index);
+        if (static_cast<double>(whole) != index || m_elements[whole].isHole()) return nullptr;
+        return &m_elements[whole];
+    }
+    /// @returns the element at an index within the dense part, or null.
+    [[nodiscard]] Value* elementAt(std::uint32_t index)
+    {
+        return index < m_elements.size() && !m_elements[index].isHole() ? &m_elements[index] : nullptr;
+    }
+    /// Assigns to an element of the dense part or not far behind it, where nothing but the array itself has a
+    /// say. @returns whether that was so.
+    bool putElement(Vm& vm, const Object& self, std::uint32_t index, Value value);
+    [[nodiscard]] TracedList<Value>& elements() { return m_elements; }
+    [[nodiscard]] double length() const { return m_length; }
+    /// Grows with holes or cuts; elements in the bag beyond the new length are removed too.
+    void setLength(Vm& vm, Object& self, double length);
+    /// Replaces all elements; the length follows.
+    void assign(std::span<const Value> elements);
+
+private:
+    TracedList<Value> m_elements;
+    double m_length = 0;
+    Value m_lengthValue = Value(0); ///< what scripts read: texts that were assigned stay texts
+    std::uint16_t m_lengthFlags = kBuiltIn;
+};
+
+} // namespace flash::avm1

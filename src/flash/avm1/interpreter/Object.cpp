@@ -1,0 +1,561 @@
+#include "flash/avm1/interpreter/Object.h"
+
+#include "flash/avm1/interpreter/ArrayNative.h"
+#include "flash/avm1/interpreter/Vm.h"
+
+#include <algorithm>
+
+namespace flash::avm1
+{
+
+namespace
+{
+
+constexpr std::string_view kChainTooLong = "256 levels of prototypes were exceeded in one look-up.";
+
+} // namespace
+
+void Accessor::trace(Tracer& tracer)
+{
+    tracer(getter);
+    tracer(setter);
+    tracer(value);
+}
+
+void NameCollector::add(Name name, std::uint16_t flags)
+{
+    const Atom* key = m_vm.isCaseSensitive() ? name.cell() : name.folded().cell();
+    if (!m_seen.insert(key).second) return;
+    // AtomTable hidden from the version are listed all the same.
+    if ((flags & kDontEnum) == 0) m_names.push_back(name);
+}
+
+bool Native::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
+{
+    return self.getPlain(vm, name, receiver, result);
+}
+void Native::putOwn(Vm& vm, Object& self, Name name, Value value) { self.putPlain(vm, name, value); }
+bool Native::hasOwn(Vm& vm, Object& self, Name name) { return self.hasPlain(vm, name); }
+bool Native::deleteOwn(Vm& vm, Object& self, Name name) { return self.deletePlain(vm, name); }
+void Native::enumerateOwn(Vm& vm, Object& self, NameCollector& names) { self.enumeratePlain(vm, names); }
+
+Object::Object(Vm& vm, Object* prototype) : m_shape(vm.emptyShape())
+{
+    if (prototype != nullptr) {
+        m_proto = prototype;
+        prototype->m_isPrototype = true;
+    } else {
+        m_protoIsSet = false;
+    }
+}
+
+// ---- the whole protocol ----------------------------------------------------------------------------------
+
+Value Object::get(Vm& vm, Name name) { return get(vm, name, this); }
+
+Value Object::get(Vm& vm, Name name, Value receiver)
+{
+    Value result;
+    if (find(vm, name, result, receiver)) return result;
+    // AtomTable that the engine itself asks for are not resolved; a resolver that misses does not recurse.
+    Value resolver;
+    if (name == vm.common().resolve || !findResolver(vm, resolver)) return {};
+    return vm.call(resolver, receiver, {Value(name.string())});
+}
+
+bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
+{
+    Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
+        const bool found = object->hasHooks() ? object->m_native->getOwn(vm, *object, name, receiver, result)
+                                              : object->getPlain(vm, name, receiver, result);
+        if (found) return true;
+        object = object->prototype(vm);
+    }
+    if (object != nullptr) vm.abortScript(kChainTooLong);
+    return false;
+}
+
+bool Object::hasHidden(const Vm& vm, Name name) const
+{
+    return m_shape->find(name, vm.isCaseSensitive()) != Shape::kMissing ||
+           (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive()));
+}
+
+bool Object::findResolver(const Vm& vm, Value& result) const
+{
+    const Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
+        const std::uint32_t at = object->m_shape->find(vm.common().resolve, vm.isCaseSensitive());
+        if (at != Shape::kMissing) {
+            const Shape::Property& property = object->m_shape->properties()[at];
+            result = object->m_slots[property.slot];
+            if ((property.flags & kAccessor) != 0)
+                result = reinterpret_cast<Accessor*>(result.object())->value;
+            // From version 7 on, what is no object does not stand in the way of a resolver further up.
+            if (result.isObject() || vm.version() < 7) return result.isObject();
+        }
+        object = object->prototype(vm);
+    }
+    return false;
+}
+
+bool Object::findSetter(Vm& vm, Name name, Object*& setter, Object*& holder)
+{
+    Object* object = prototype(vm);
+    for (int depth = 1; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
+        const std::uint32_t at = object->findVisible(vm, name);
+        if (at != Shape::kMissing) {
+            const Shape::Property& property = object->m_shape->properties()[at];
+            if ((property.flags & kAccessor) == 0) return false;
+            setter = reinterpret_cast<Accessor*>(object->m_slots[property.slot].object())->setter;
+            holder = object;
+            return true;
+        }
+        object = object->prototype(vm);
+    }
+    if (object != nullptr) vm.abortScript(kChainTooLong);
+    return false;
+}
+
+void Object::put(Vm& vm, Name name, Value value)
+{
+    if (!hasOwn(vm, name)) {
+        Object* setter = nullptr;
+        Object* holder = nullptr;
+        if (findSetter(vm, name, setter, holder)) {
+            if (setter != nullptr) vm.callAccessor(setter, this, {&value, 1}, holder);
+            return;
+        }
+    }
+    if (hasHooks())
+        m_native->putOwn(vm, *this, name, value);
+    else
+        putPlain(vm, name, value);
+}
+
+bool Object::has(Vm& vm, Name name)
+{
+    Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
+        if (object->hasOwn(vm, name)) return true;
+        object = object->prototype(vm);
+    }
+    return false;
+}
+
+bool Object::hasOwn(Vm& vm, Name name)
+{
+    return hasHooks() ? m_native->hasOwn(vm, *this, name) : hasPlain(vm, name);
+}
+
+bool Object::remove(Vm& vm, Name name)
+{
+    return hasHooks() ? m_native->deleteOwn(vm, *this, name) : deletePlain(vm, name);
+}
+
+RootedNames Object::enumerate(Vm& vm)
+{
+    // The furthest prototype's names come first, the object's own last; but a name counts where it is met
+    // first on the way up.
+    RootedNames names(vm.heap());
+    std::vector<std::size_t> ends;
+    NameCollector collector(vm, names);
+    Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
+        if (object->hasHooks())
+            object->m_native->enumerateOwn(vm, *object, collector);
+        else
+            object->enumeratePlain(vm, collector);
+        ends.push_back(names.size());
+        object = object->listedPrototype(vm);
+    }
+    RootedNames ordered(vm.heap());
+    ordered->reserve(names.size());
+    for (std::size_t level = ends.size(); level-- > 0;) {
+        const std::size_t start = level == 0 ? 0 : ends[level - 1];
+        for (std::size_t i = start; i < ends[level]; ++i) ordered.push_back(names[i]);
+    }
+    return ordered;
+}
+
+Object::Found Object::find(Vm& vm, Name name, Caching& caching)
+{
+    constexpr int kMaxChain = 16; // longer ones are not worth remembering
+    caching = {true, true, true};
+    Object* holder = this;
+    for (int depth = 0; holder != nullptr && depth < kMaxChain; ++depth) {
+        Caching own{true, true, true};
+        if (holder->hasHooks()) {
+            own = holder->m_native->caching(vm, name);
+            if (depth == 0) caching = own;
+        }
+        const Shape* shape = holder->m_shape;
+        if (!shape->isCacheable()) return {};
+        const std::uint32_t at = holder->findVisible(vm, name);
+        if (at == Shape::kMissing) {
+            // __proto__ is no property of the bag.
+            if (!own.miss || name.matches(vm.common().proto, vm.isCaseSensitive())) return {};
+            shape->noteCachedMiss();
+            Object* next = holder->prototype(vm);
+            if (next == nullptr && holder->m_proto.isObject()) return {};
+            holder = next;
+            continue;
+        }
+        const Shape::Property& property = shape->properties()[at];
+        if (!own.get || (property.flags & kAccessor) != 0) return {};
+        shape->noteCachedSlot();
+        return {Found::Where::Slot, holder, property.slot, property.flags};
+    }
+    if (holder != nullptr) return {};
+    return {Found::Where::Nowhere, nullptr, 0, 0};
+}
+
+Value Object::getIndex(Vm& vm, std::uint32_t index)
+{
+    if (m_exotic == Exotic::Array) {
+        if (const Value* element = static_cast<ArrayNative*>(m_native)->elementAt(index)) return *element;
+    }
+    return get(vm, vm.names().fromIndex(index));
+}
+
+void Object::putIndex(Vm& vm, std::uint32_t index, Value value)
+{
+    // Without setters for such names, prototypes have no say.
+    if (m_exotic == Exotic::Array && !hasWatches() && !vm.hasIndexedAccessors() &&
+        static_cast<ArrayNative*>(m_native)->putElement(vm, *this, index, value))
+        return;
+    put(vm, vm.names().fromIndex(index), value);
+}
+
+// ---- the bag ---------------------------------------------------------------------------------------------
+
+std::uint32_t Object::findVisible(const Vm& vm, Name name) const
+{
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    if (at == Shape::kMissing || isVisible(m_shape->properties()[at].flags, vm.version())) return at;
+    return Shape::kMissing;
+}
+
+bool Object::isProtoVisible(const Vm& vm) const
+{
+    return m_protoIsSet && isVisible(m_protoFlags, vm.version());
+}
+
+bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
+{
+    const std::uint32_t at = findVisible(vm, name);
+    if (at != Shape::kMissing) {
+        const Shape::Property& property = m_shape->properties()[at];
+        result = m_slots[property.slot];
+        if ((property.flags & kAccessor) != 0) {
+            Object* getter = reinterpret_cast<Accessor*>(result.object())->getter;
+            result = getter == nullptr ? Value() : vm.callAccessor(getter, receiver, {}, this);
+        }
+        return true;
+    }
+    if (isProtoVisible(vm) && name.matches(vm.common().proto, vm.isCaseSensitive())) {
+        result = m_proto;
+        return true;
+    }
+    return false;
+}
+
+bool Object::hasPlain(Vm& vm, Name name) const
+{
+    return findVisible(vm, name) != Shape::kMissing ||
+           (isProtoVisible(vm) && name.matches(vm.common().proto, vm.isCaseSensitive()));
+}
+
+void Object::putPlain(Vm& vm, Name name, Value value)
+{
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    if (at == Shape::kMissing && name.matches(vm.common().proto, vm.isCaseSensitive())) {
+        if ((m_protoFlags & kReadOnly) == 0) setProto(vm, value);
+        return;
+    }
+    if (hasWatches()) {
+        Value old;
+        getPlain(vm, name, this, old);
+        value = callWatch(vm, name, old, value);
+        // The callback may have changed anything.
+        return putUnwatched(vm, name, value);
+    }
+    putUnwatched(vm, name, value);
+}
+
+void Object::putUnwatched(Vm& vm, Name name, Value value)
+{
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    if (at == Shape::kMissing) return addProperty(vm, name, value, 0);
+    const Shape::Property& property = m_shape->properties()[at];
+    if (!isVisible(property.flags, vm.version())) {
+        // The value is taken, but stays hidden where it is for version 6 or 7 on; the other marks go.
+        const std::uint32_t slot = property.slot;
+        changeFlagsAt(
+            vm, at,
+            static_cast<std::uint16_t>(property.flags & ~(kNot6 | kFrom8 | kFrom9 | kFrom10 | kAccessor)));
+        m_slots[slot] = value;
+        return;
+    }
+    if ((property.flags & kAccessor) != 0) {
+        Object* setter = reinterpret_cast<Accessor*>(m_slots[property.slot].object())->setter;
+        if (setter != nullptr && (property.flags & kReadOnly) == 0)
+            vm.callAccessor(setter, this, {&value, 1}, this);
+        return;
+    }
+    if ((property.flags & kReadOnly) == 0) m_slots[property.slot] = value;
+}
+
+bool Object::deletePlain(Vm& vm, Name name)
+{
+    const std::uint32_t at = findVisible(vm, name);
+    if (at == Shape::kMissing) {
+        if (!isProtoVisible(vm) || !name.matches(vm.common().proto, vm.isCaseSensitive())) return false;
+        if ((m_protoFlags & kDontDelete) != 0) return false;
+        setProto(vm, {});
+        m_protoIsSet = false;
+        return true;
+    }
+    if ((m_shape->properties()[at].flags & kDontDelete) != 0) return false;
+    becomeUnshared(vm);
+    m_slots[m_shape->properties()[at].slot] = Value();
+    m_shape->remove(at);
+    noteShapeChange(vm, Shape::Change::Altered);
+    return true;
+}
+
+void Object::enumeratePlain(Vm& vm, NameCollector& names) const
+{
+    // The latest comes first.
+    const std::vector<Shape::Property>& properties = m_shape->properties();
+    for (std::size_t i = properties.size(); i-- > 0;) {
+        if (!properties[i].name.isNull()) names.add(properties[i].name, properties[i].flags);
+    }
+    if (m_protoIsSet) names.add(vm.common().proto, m_protoFlags);
+}
+
+void Object::define(Vm& vm, Name name, Value value, std::uint16_t flags)
+{
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    if (at == Shape::kMissing) {
+        if (name == vm.common().proto) {
+            setProto(vm, value);
+            setProtoFlags(vm, flags);
+            return;
+        }
+        return addProperty(vm, name, value, flags);
+    }
+    if (m_shape->properties()[at].flags != flags) changeFlagsAt(vm, at, flags);
+    m_slots[m_shape->properties()[at].slot] = value;
+}
+
+void Object::define(Vm& vm, std::string_view name, Value value, std::uint16_t flags)
+{
+    define(vm, vm.name(name), value, flags);
+}
+
+void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags)
+{
+    if (name.arrayIndex() != Atom::kNotIndex) vm.noteIndexedAccessor();
+    Value before;
+    if (const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive()); at != Shape::kMissing) {
+        before = m_slots[m_shape->properties()[at].slot];
+        if ((m_shape->properties()[at].flags & kAccessor) != 0)
+            before = reinterpret_cast<Accessor*>(before.object())->value;
+    }
+    auto* accessor = vm.heap().make<Accessor>(getter, setter, before);
+    // Boxed as an object so that tracing finds it; the flag keeps scripts from ever seeing it.
+    define(vm, name, Value(reinterpret_cast<Object*>(static_cast<Cell*>(accessor))),
+           static_cast<std::uint16_t>(flags | kAccessor));
+}
+
+std::uint16_t Object::flagsOf(const Vm& vm, Name name) const
+{
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    return at == Shape::kMissing ? 0
+                                 : static_cast<std::uint16_t>(m_shape->properties()[at].flags & ~kAccessor);
+}
+
+void Object::changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags)
+{
+    becomeUnshared(vm);
+    m_shape->setFlags(at, flags);
+    noteShapeChange(vm, Shape::Change::Altered);
+}
+
+void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear)
+{
+    const auto changed = [&](std::uint16_t flags) {
+        return static_cast<std::uint16_t>((flags & ~clear) | set | (flags & kAccessor));
+    };
+    for (std::uint32_t at = 0; at < m_shape->properties().size(); ++at) {
+        const Shape::Property property = m_shape->properties()[at];
+        if (property.name.isNull()) continue;
+        if (!name.isNull() && !property.name.matches(name, vm.isCaseSensitive())) continue;
+        if (changed(property.flags) != property.flags) changeFlagsAt(vm, at, changed(property.flags));
+    }
+    if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
+        setProtoFlags(vm, changed(m_protoFlags));
+    if (hasHooks()) m_native->changeFlags(vm, name, set, clear);
+}
+
+void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)
+{
+    if (m_shape->isShared() && m_shape->properties().size() >= Shape::kMaxShared) becomeUnshared(vm);
+    m_shape = m_shape->withAdded(vm.heap(), name, flags);
+    const std::uint32_t slot = m_shape->properties().back().slot;
+    if (slot >= m_slots.size()) m_slots.resize(slot + 1);
+    m_slots[slot] = value;
+    vm.heap().noteExternalBytes(sizeof(Value));
+    noteShapeChange(vm, Shape::Change::Added);
+}
+
+void Object::becomeUnshared(Vm& vm)
+{
+    if (m_shape->isShared()) m_shape = m_shape->ownCopy(vm.heap());
+}
+
+void Object::noteShapeChange(Vm& vm, Shape::Change change)
+{
+    if (m_shape->outdates(change) || m_isPrototype) vm.bumpEpoch();
+}
+
+// ---- prototype -------------------------------------------------------------------------------------------
+
+void Object::setProto(Vm& vm, Value proto)
+{
+    m_proto = proto;
+    m_protoIsSet = true;
+    if (Object* object = proto.asObject()) object->m_isPrototype = true;
+    noteProtoChange(vm);
+}
+
+void Object::setProtoFlags(Vm& vm, std::uint16_t flags)
+{
+    m_protoFlags = flags;
+    noteProtoChange(vm);
+}
+
+void Object::noteProtoChange(Vm& vm)
+{
+    const Object* object = m_proto.asObject();
+    const bool isClip =
+        object != nullptr && object->m_native != nullptr && object->m_native->typeOf() == "movieclip";
+    m_followsProto = (m_protoFlags & kVersionMask) == 0 && !isClip;
+    // Caches do not look at flags.
+    if (!m_followsProto || m_isPrototype) vm.bumpEpoch();
+}
+
+Object* Object::visiblePrototype(const Vm& vm) const
+{
+    Object* object = m_proto.asObject();
+    if (object->m_native != nullptr && object->m_native->typeOf() == "movieclip") return nullptr;
+    // From version 7 on no mark keeps look-ups from going on; for-in loops have rules of their own.
+    const std::uint16_t hides = vm.version() <= 5   ? kFrom6 | kFrom7 | kFrom8 | kFrom9
+                                : vm.version() == 6 ? kFrom7
+                                                    : 0;
+    return (m_protoFlags & hides) == 0 ? object : nullptr;
+}
+
+Object* Object::listedPrototype(const Vm& vm) const
+{
+    Object* object = prototype(vm);
+    const std::uint16_t hides = vm.version() == 7   ? kFrom8
+                                : vm.version() == 8 ? kFrom9
+                                : vm.version() > 8  ? kFrom10
+                                                    : 0;
+    return (m_protoFlags & hides) == 0 ? object : nullptr;
+}
+
+bool Object::isInstance(Vm& vm, Object* prototype) const
+{
+    const Object* object = this;
+    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
+        object = object->prototype(vm);
+        if (object == prototype) return true;
+        if (object == nullptr || object->m_extras == nullptr) continue;
+        for (const Object* interface : object->m_extras->interfaces) {
+            if (interface == prototype || interface->isInstance(vm, prototype)) return true;
+        }
+    }
+    return false;
+}
+
+void Object::attach(Native* native)
+{
+    if (m_native != nullptr) m_native->detached();
+    m_native = native;
+    m_exotic = m_native == nullptr ? Exotic::None : m_native->exotic();
+}
+
+std::string_view Object::typeOf() const
+{
+    if (m_native != nullptr) return m_native->typeOf();
+    return m_isFunction ? "function" : "object";
+}
+
+// ---- watches and interfaces ------------------------------------------------------------------------------
+
+Object::Extras& Object::extras()
+{
+    if (m_extras == nullptr) m_extras = std::make_unique<Extras>();
+    return *m_extras;
+}
+
+void Object::watch(Name name, Object* callback, Value userData)
+{
+    for (Watch& watch : extras().watches) {
+        if (watch.name == name) {
+            watch.callback = callback;
+            watch.userData = userData;
+            return;
+        }
+    }
+    extras().watches.push_back({name, callback, userData, false});
+}
+
+bool Object::unwatch(Vm& vm, Name name)
+{
+    if (m_extras == nullptr) return false;
+    return std::erase_if(m_extras->watches, [&](const Watch& watch) {
+               return watch.name.matches(name, vm.isCaseSensitive());
+           }) > 0;
+}
+
+Value Object::callWatch(Vm& vm, Name name, Value oldValue, Value newValue)
+{
+    const auto find = [&]() -> Watch* {
+        for (Watch& watch : m_extras->watches) {
+            if (watch.name.matches(name, vm.isCaseSensitive())) return &watch;
+        }
+        return nullptr;
+    };
+    Watch* watch = find();
+    if (watch == nullptr || watch->running) return newValue;
+    watch->running = true;
+    const Value result =
+        vm.call(watch->callback, this, {Value(name.string()), oldValue, newValue, watch->userData});
+    // The callback may have added or removed watches.
+    if (Watch* still = find()) still->running = false;
+    return result;
+}
+
+void Object::addInterface(Object* prototype) { extras().interfaces.push_back(prototype); }
+
+void Object::trace(Tracer& tracer)
+{
+    tracer(m_shape);
+    for (const Value value : m_slots) tracer(value);
+    tracer(m_proto);
+    tracer(m_native);
+    if (m_extras == nullptr) return;
+    for (const Watch& watch : m_extras->watches) {
+        tracer(watch.name.cell());
+        tracer(watch.callback);
+        tracer(watch.userData);
+    }
+    for (const Object* interface : m_extras->interfaces) tracer(interface);
+}
+
+} // namespace flash::avm1
