@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QScopedValueRollback>
+#include <QThread>
 #include <QTime>
 #include <QUrl>
 
@@ -84,6 +85,8 @@ frmShot& Thumbnails::openWindow()
         QObject::connect(m_window, &frmShot::movieSkipped, m_window, [this] { m_dropped = true; });
         m_window->SWF().setScriptWatch([this] { return watch(); });
         m_window->SWF().setScriptTimeoutHandler([] { return true; });
+        QObject::connect(&m_window->SWF(), &flash::FlashControl::crashed, m_window,
+                         [this] { dropMovie("its process has ended"); });
     }
     return *m_window;
 }
@@ -138,6 +141,7 @@ void Thumbnails::load(const QString& movie)
     const bool marked = movie.contains('?');
     if (!control.LoadMovie(0, marked ? QUrl::fromLocalFile(movie).toString(QUrl::FullyEncoded) : movie))
         m_window->showMissing(true);
+    while (control.isLoading() && !watch()) QThread::msleep(kPumpEveryMs);
 }
 
 cDIBSection Thumbnails::bestPicture(QRandomGenerator& random)

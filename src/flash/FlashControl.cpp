@@ -68,7 +68,7 @@ public:
     void newLocal()
     {
         port = std::make_unique<control::LocalMovie>(*this);
-        isRemote = false;
+        isRemote = loading = false;
         equip(*port);
     }
 
@@ -157,6 +157,7 @@ public:
             return false;
         }
         if (layer == 0) {
+            this->loading = loading.state == State::GoesOn;
             movie = url;
             background.reset();
         }
@@ -195,8 +196,10 @@ public:
         } else if (std::get_if<control::RanOutOfMemory>(&message) != nullptr) {
             lost(Loss::OutOfMemory);
         } else if (const auto* loaded = std::get_if<control::Loaded>(&message)) {
-            // Only of a movie that took long over its first frame: it could not be loaded after all.
+            // Only of a movie that took long over its first frame; maybe it could not be loaded after all.
+            loading = false;
             if (loaded->done == 0) lost(Loss::Refused);
+            q.update();
         } else {
             if (const auto* ready = std::get_if<control::ReadyState>(&message)) readyState = ready->state;
             auto sender = senderOf(message);
@@ -323,7 +326,7 @@ public:
     control::SpareProcess processes;
     control::Inbox inbox;
     std::unique_ptr<control::MoviePort> port;
-    bool isRemote = false;
+    bool isRemote = false, loading = false;
     control::Settings settings;
     QSize viewSize; // device pixels
     double viewScale = 1;
@@ -392,6 +395,7 @@ bool FlashControl::senderHasRead() const { return d->inbox.sender().hasRead; }
 quint64 FlashControl::senderAct() const { return d->inbox.sender().act; }
 bool FlashControl::isBusy() const { return d->port->isBusy(); }
 qint64 FlashControl::busyForMs() const { return d->port->busyForMs(); }
+bool FlashControl::isLoading() const { return d->loading; }
 bool FlashControl::hasOwnProcess() const { return d->isRemote; }
 qint64 FlashControl::processId() const { return d->port->processId(); }
 QString FlashControl::errorText() const { return d->error; }

@@ -105,6 +105,9 @@ public:
     [[nodiscard]] bool isBusy() const;
     /// For how long they have been running; 0 while none do.
     [[nodiscard]] qint64 busyForMs() const;
+    /// Whether a movie that LoadMovie() took still works on its first frame. Only one in a process of its own
+    /// lets anybody see it so.
+    [[nodiscard]] bool isLoading() const;
     /// Whether the movie on layer 0 plays in a process of its own.
     [[nodiscard]] bool hasOwnProcess() const;
     /// The number of that process, for the journal; 0 when there is none.

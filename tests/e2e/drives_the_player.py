@@ -184,9 +184,11 @@ def main():
         play(session, movie)
         place(session)
         speak(session)
-        wait_for('the volume of the sound page', lambda: session.volume() == 100)
+        # Into the process of a movie that is none of the program's the sound page does not go.
+        inside = os.environ.get('ZORVEX_ONE_PROCESS') == '1'
+        wait_for('the volume of the sound page', lambda: not inside or session.volume() == 100)
         session.key('ctrl+m')
-        wait_for('silence', lambda: session.volume() == 0)
+        wait_for('silence', lambda: not inside or session.volume() == 0)
         session.picture('muted')
         session.key('ctrl+b')
         session.wait_for_log('browse.swf)... ')
