@@ -78,7 +78,7 @@ Value Value::string(std::u16string_view text)
     result.m_buffer = nullptr;
     if (text.empty()) return result;
     result.m_buffer = StringBuffer::create(text.size());
-    result.m_buffer->used = result.m_extra;
+    result.m_buffer->used = result.length();
     std::memcpy(result.m_buffer->data(), text.data(), text.size() * sizeof(char16_t));
     return result;
 }
@@ -93,7 +93,7 @@ Value Value::byteString(std::string_view bytes)
     if (bytes.empty()) return result;
     const bool odd = bytes.size() % sizeof(char16_t) != 0;
     result.m_buffer = StringBuffer::create(whole + (odd ? 1 : 0));
-    result.m_buffer->used = odd ? StringBuffer::kOddByte : result.m_extra;
+    result.m_buffer->used = odd ? StringBuffer::kOddByte : result.length();
     std::memcpy(result.m_buffer->data(), bytes.data(), bytes.size());
     return result;
 }
@@ -102,8 +102,7 @@ Value Value::utf8(std::string_view text) { return string(base::utf16FromUtf8(tex
 
 Value Value::object(Dispatch* object)
 {
-    Value result;
-    result.m_type = VarType::Object;
+    Value result(VarType::Object, 0, 0);
     result.m_object = object;
     if (object) object->addRef();
     return result;
@@ -111,8 +110,7 @@ Value Value::object(Dispatch* object)
 
 Value Value::array(Array* array)
 {
-    Value result;
-    result.m_type = VarType::Array;
+    Value result(VarType::Array, 0, 0);
     result.m_array = array;
     array->addRef();
     return result;
@@ -124,8 +122,7 @@ std::string Value::utf8Text() const { return base::utf8FromUtf16(text()); }
 
 Value Value::elementReference(Array* array, Value* element)
 {
-    Value result;
-    result.m_type = VarType::ElementReference;
+    Value result(VarType::ElementReference, 0, 0);
     result.m_element = new ElementReference(array, element);
     result.m_element->addRef();
     return result;
@@ -133,7 +130,7 @@ Value Value::elementReference(Array* array, Value* element)
 
 void Value::retain() const
 {
-    switch (m_type) {
+    switch (type()) {
     case VarType::String:
         if (m_buffer) ++m_buffer->references;
         break;
@@ -147,8 +144,8 @@ void Value::retain() const
 
 void Value::drop()
 {
-    const VarType type = std::exchange(m_type, VarType::Empty);
-    switch (type) {
+    // What the release runs must find nothing here any more.
+    switch (static_cast<VarType>(std::exchange(m_head, 0) & 0xFFFF)) {
     case VarType::String:
         if (m_buffer) m_buffer->release();
         break;
@@ -174,7 +171,7 @@ Array* Value::writableArray()
 
 bool Value::concat(const Value& left, std::u16string_view right, Value& result)
 {
-    const std::size_t length = std::size_t{left.m_extra} + right.size();
+    const std::size_t length = std::size_t{left.length()} + right.size();
     if (length > kMaxStringLength) return false;
     StringBuffer* buffer = left.m_buffer;
     Value joined(VarType::String, static_cast<std::uint32_t>(length), 0);
@@ -183,17 +180,17 @@ bool Value::concat(const Value& left, std::u16string_view right, Value& result)
         result = std::move(joined);
         return true;
     }
-    if (buffer && buffer->used == left.m_extra && buffer->capacity >= length) {
+    if (buffer && buffer->used == left.length() && buffer->capacity >= length) {
         ++buffer->references;
     } else {
         // Short strings are seldom grown again; longer ones get room to double.
-        const std::size_t room = left.m_extra < 32 ? length : length * 2;
+        const std::size_t room = left.length() < 32 ? length : length * 2;
         StringBuffer* grown = StringBuffer::create(std::min(room, kMaxStringLength));
-        if (buffer) std::memcpy(grown->data(), buffer->data(), left.m_extra * sizeof(char16_t));
+        if (buffer) std::memcpy(grown->data(), buffer->data(), left.length() * sizeof(char16_t));
         buffer = grown;
     }
     if (!right.empty()) {
-        std::memmove(buffer->data() + left.m_extra, right.data(), right.size() * sizeof(char16_t));
+        std::memmove(buffer->data() + left.length(), right.data(), right.size() * sizeof(char16_t));
     }
     buffer->used = static_cast<std::uint32_t>(length);
     joined.m_buffer = buffer;

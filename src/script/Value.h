@@ -149,15 +149,12 @@ public:
     /// Longest string in characters; making a longer one is "Out of string space".
     static constexpr std::size_t kMaxStringLength = 1U << 28;
 
-    Value() : m_type(VarType::Empty), m_extra(0), m_long(0) {}
-    Value(const Value& other) noexcept : m_type(other.m_type), m_extra(other.m_extra), m_bits(other.m_bits)
+    Value() : m_head(0), m_bits(0) {}
+    Value(const Value& other) noexcept : m_head(other.m_head), m_bits(other.m_bits)
     {
         if (isCounted()) retain();
     }
-    Value(Value&& other) noexcept : m_type(other.m_type), m_extra(other.m_extra), m_bits(other.m_bits)
-    {
-        other.m_type = VarType::Empty;
-    }
+    Value(Value&& other) noexcept : m_head(other.m_head), m_bits(other.m_bits) { other.m_head = 0; }
     ~Value()
     {
         if (isCounted()) drop();
@@ -176,8 +173,7 @@ public:
     }
     void swap(Value& other) noexcept
     {
-        std::swap(m_type, other.m_type);
-        std::swap(m_extra, other.m_extra);
+        std::swap(m_head, other.m_head);
         std::swap(m_bits, other.m_bits);
     }
 
@@ -191,13 +187,7 @@ public:
     static Value single(float value) { return real(VarType::Single, static_cast<double>(value)); }
     static Value real(double value) { return real(VarType::Double, value); }
     static Value date(double days) { return real(VarType::Date, days); }
-    static Value currency(std::int64_t tenThousandths)
-    {
-        Value result;
-        result.m_type = VarType::Currency;
-        result.m_bits = tenThousandths;
-        return result;
-    }
+    static Value currency(std::int64_t tenThousandths) { return Value(VarType::Currency, 0, tenThousandths); }
     static Value error(std::int32_t code) { return Value(VarType::Error, 0, code); }
     /// An argument that was left out: Foo 1, , 3
     static Value missing() { return error(kMissing); }
@@ -212,37 +202,43 @@ public:
     static Value array(Array* array);
     static Value array(std::vector<Value> elements);
 
-    [[nodiscard]] VarType type() const { return m_type; }
-    [[nodiscard]] bool isEmpty() const { return m_type == VarType::Empty; }
-    [[nodiscard]] bool isNull() const { return m_type == VarType::Null; }
-    [[nodiscard]] bool isString() const { return m_type == VarType::String; }
-    [[nodiscard]] bool isObject() const { return m_type == VarType::Object; }
-    [[nodiscard]] bool isArray() const { return m_type == VarType::Array; }
-    [[nodiscard]] bool isMissing() const { return m_type == VarType::Error && m_long == kMissing; }
+    [[nodiscard]] VarType type() const { return static_cast<VarType>(m_head & 0xFFFF); }
+    [[nodiscard]] bool isEmpty() const { return type() == VarType::Empty; }
+    [[nodiscard]] bool isNull() const { return type() == VarType::Null; }
+    [[nodiscard]] bool isString() const { return type() == VarType::String; }
+    [[nodiscard]] bool isObject() const { return type() == VarType::Object; }
+    [[nodiscard]] bool isArray() const { return type() == VarType::Array; }
+    [[nodiscard]] bool isMissing() const { return type() == VarType::Error && errorCode() == kMissing; }
     [[nodiscard]] bool isNumeric() const
     {
-        return isWhole() || m_type == VarType::Single || m_type == VarType::Double ||
-               m_type == VarType::Currency;
+        return isWhole() || type() == VarType::Single || type() == VarType::Double ||
+               type() == VarType::Currency;
     }
     /// Whether the number is kept as a whole one of at most 32 bits (Integer, Long, Byte, Boolean).
-    [[nodiscard]] bool isWhole() const { return hasFlag(m_type, VarType::WholeFlag); }
-    [[nodiscard]] bool isReference() const { return hasFlag(m_type, VarType::ReferenceFlag); }
+    [[nodiscard]] bool isWhole() const { return hasFlag(type(), VarType::WholeFlag); }
+    [[nodiscard]] bool isReference() const { return hasFlag(type(), VarType::ReferenceFlag); }
+    /// Whether copying and dropping it are no more than moving bits.
+    [[nodiscard]] bool isPlain() const
+    {
+        return (m_head & (static_cast<unsigned>(VarType::CountedFlag) |
+                          static_cast<unsigned>(VarType::ReferenceFlag))) == 0;
+    }
 
     // The stored payload; each may be asked only of the types that carry it.
-    [[nodiscard]] std::int32_t whole() const { return m_long; }
+    [[nodiscard]] std::int32_t whole() const { return static_cast<std::int32_t>(m_bits); }
     [[nodiscard]] double asReal() const { return m_real; }
     [[nodiscard]] std::int64_t tenThousandths() const { return m_bits; }
-    [[nodiscard]] std::int32_t errorCode() const { return m_long; }
+    [[nodiscard]] std::int32_t errorCode() const { return static_cast<std::int32_t>(m_bits); }
     [[nodiscard]] std::u16string_view text() const
     {
-        return m_buffer ? std::u16string_view(m_buffer->data(), m_extra) : std::u16string_view();
+        return m_buffer ? std::u16string_view(m_buffer->data(), length()) : std::u16string_view();
     }
     [[nodiscard]] bool hasOddByte() const { return m_buffer && m_buffer->used == StringBuffer::kOddByte; }
     [[nodiscard]] std::string_view byteText() const
     {
         if (!m_buffer) return {};
         return {reinterpret_cast<const char*>(m_buffer->data()),
-                m_extra * sizeof(char16_t) + (hasOddByte() ? 1 : 0)};
+                length() * sizeof(char16_t) + (hasOddByte() ? 1 : 0)};
     }
     [[nodiscard]] std::string utf8Text() const;
     [[nodiscard]] Dispatch* asObject() const { return m_object; }
@@ -256,8 +252,7 @@ public:
     // Inside the engine.
     static Value reference(Value* target)
     {
-        Value result;
-        result.m_type = VarType::Reference;
+        Value result(VarType::Reference, 0, 0);
         result.m_target = target;
         return result;
     }
@@ -268,39 +263,59 @@ public:
     void setWhole(VarType type, std::int32_t value)
     {
         if (isCounted()) drop();
-        m_type = type;
-        m_long = value;
+        overwriteWhole(type, value);
     }
     void setReal(VarType type, double value)
     {
         if (isCounted()) drop();
-        m_type = type;
+        overwriteReal(type, value);
+    }
+    // The same for a value that is known to be plain, and for memory that holds no value yet.
+    void overwriteWhole(VarType type, std::int32_t value)
+    {
+        m_head = static_cast<std::uint64_t>(type);
+        m_bits = value;
+    }
+    void overwriteReal(VarType type, double value)
+    {
+        m_head = static_cast<std::uint64_t>(type);
         m_real = value;
+    }
+    void overwritePlain(const Value& other)
+    {
+        m_head = other.m_head;
+        m_bits = other.m_bits;
     }
 
 private:
     static constexpr std::int32_t kMissing = static_cast<std::int32_t>(0x80020004U);
+    static constexpr int kLengthShift = 32;
 
-    Value(VarType type, std::uint32_t extra, std::int32_t value) : m_type(type), m_extra(extra), m_long(value)
+    Value(VarType type, std::uint32_t length, std::int64_t bits) : m_bits(bits) { setHead(type, length); }
+    void setHead(VarType type, std::uint32_t length)
     {
+        m_head = static_cast<std::uint64_t>(type) | static_cast<std::uint64_t>(length) << kLengthShift;
     }
     static Value real(VarType type, double value)
     {
         Value result;
-        result.m_type = type;
-        result.m_real = value;
+        result.overwriteReal(type, value);
         return result;
     }
     friend struct ElementReference;
-    [[nodiscard]] bool isCounted() const { return hasFlag(m_type, VarType::CountedFlag); }
+    [[nodiscard]] bool isCounted() const
+    {
+        return (m_head & static_cast<unsigned>(VarType::CountedFlag)) != 0;
+    }
+    [[nodiscard]] std::uint32_t length() const { return static_cast<std::uint32_t>(m_head >> kLengthShift); }
     void retain() const;
     void drop();
 
-    VarType m_type;
-    std::uint32_t m_extra; // the length of a string in characters
+    // Both halves are written and read as a whole: a processor passes a value on from a store to a load that
+    // follows only where the load is no wider than the store, and waits otherwise.
+    std::uint64_t m_head; // the type, and from kLengthShift on the length of a string in characters
     union {
-        std::int64_t m_bits;
-        std::int32_t m_long;
+        std::int64_t m_bits; // of a whole number with its sign carried on
         double m_real;
         StringBuffer* m_buffer; // null for ""
         Dispatch* m_object;
@@ -360,7 +375,7 @@ struct ElementReference final : Counted {
 
 inline Value* Value::referenced() const
 {
-    return m_type == VarType::Reference ? m_target : m_element->element;
+    return type() == VarType::Reference ? m_target : m_element->element;
 }
 
 } // namespace script
