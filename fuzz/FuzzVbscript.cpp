@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         base::utf16FromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
     script::ScriptControl control;
     control.setTimeout(std::chrono::milliseconds(500));
-    control.setStatementLimit(20000);
+    control.setStepLimit(20000);
     control.setHeapLimit(std::size_t{32} << 20);
     const auto sink = script::make<script::HostObject>(u"Object");
     sink->method(u"Echo", [&control](script::Arguments arguments) -> script::Result<script::Value> {

@@ -103,4 +103,59 @@ void hostProperties(benchmark::State& state)
 }
 BENCHMARK(hostProperties)->Unit(benchmark::kMillisecond);
 
+void classProperties(benchmark::State& state)
+{
+    runProcedure(state,
+                 u"Class Box\n"
+                 u"Private m\n"
+                 u"Public Property Get V : V = m : End Property\n"
+                 u"Public Property Let V(x) : m = x : End Property\n"
+                 u"End Class\n"
+                 u"Sub Bench : Dim i, b : Set b = New Box : b.V = 0\n"
+                 u"For i = 1 To 100000 : b.V = b.V + 1 : Next\n"
+                 u"End Sub",
+                 100'000);
+}
+BENCHMARK(classProperties)->Unit(benchmark::kMillisecond);
+
+void functionCalls(benchmark::State& state)
+{
+    runProcedure(state,
+                 u"Function Same(n) : Same = n : End Function\n"
+                 u"Sub Bench : Dim i, s\n"
+                 u"For i = 1 To 1000000 : s = Same(i) : Next\n"
+                 u"End Sub",
+                 1'000'000);
+}
+BENCHMARK(functionCalls)->Unit(benchmark::kMillisecond);
+
+// Ten times the entries must take about ten times as long.
+void dictionaryAdd(benchmark::State& state)
+{
+    const std::string count = std::to_string(state.range(0));
+    runProcedure(state,
+                 u"Sub Bench : Dim d, i : Set d = CreateObject(\"Scripting.Dictionary\")\n"
+                 u"For i = 1 To " +
+                     std::u16string(count.begin(), count.end()) +
+                     u" : d.Add \"key\" & i, i : Next\n"
+                     u"End Sub",
+                 state.range(0));
+}
+BENCHMARK(dictionaryAdd)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+void dictionaryLookUp(benchmark::State& state)
+{
+    const std::string digits = std::to_string(state.range(0));
+    const std::u16string count(digits.begin(), digits.end());
+    runProcedure(state,
+                 u"Dim d, i : Set d = CreateObject(\"Scripting.Dictionary\")\n"
+                 u"For i = 1 To " +
+                     count + u" : d.Add \"key\" & i, i : Next\n" +
+                     u"Sub Bench : Dim i, s\n"
+                     u"For i = 1 To " +
+                     count + u" : s = d(\"key\" & i) : Next\n" + u"End Sub",
+                 state.range(0));
+}
+BENCHMARK(dictionaryLookUp)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
 } // namespace

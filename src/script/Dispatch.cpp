@@ -2,6 +2,8 @@
 
 #include "script/vbscript/Text.h"
 
+#include <atomic>
+
 namespace script
 {
 
@@ -13,16 +15,40 @@ Failed fault(int number, std::u16string_view subject)
     return Failed(std::move(found));
 }
 
+namespace
+{
+
+const void* newLayout()
+{
+    static std::atomic<std::uintptr_t> last{0};
+    return reinterpret_cast<const void*>(++last);
+}
+
+} // namespace
+
+HostObject::HostObject(std::u16string typeName) : m_layout(newLayout()), m_typeName(std::move(typeName)) {}
+
+void HostObject::add(Member member)
+{
+    m_ids[vbscript::folded(member.name)] = static_cast<MemberId>(m_members.size()) + 1;
+    m_members.push_back(std::move(member));
+    // A name may mean another member from now on.
+    m_layout = newLayout();
+}
+
 void HostObject::property(std::u16string_view name, Getter get, Setter set)
 {
-    m_ids[vbscript::folded(name)] = static_cast<MemberId>(m_members.size()) + 1;
-    m_members.push_back({std::u16string(name), std::move(get), std::move(set), {}});
+    add({std::u16string(name), std::move(get), std::move(set), {}, {}});
 }
 
 void HostObject::method(std::u16string_view name, Method method)
 {
-    m_ids[vbscript::folded(name)] = static_cast<MemberId>(m_members.size()) + 1;
-    m_members.push_back({std::u16string(name), {}, {}, std::move(method)});
+    add({std::u16string(name), {}, {}, std::move(method), {}});
+}
+
+void HostObject::writingMethod(std::u16string_view name, WritingMethod method)
+{
+    add({std::u16string(name), {}, {}, {}, std::move(method)});
 }
 
 std::optional<Dispatch::MemberId> HostObject::memberId(std::u16string_view name) const
@@ -32,20 +58,45 @@ std::optional<Dispatch::MemberId> HostObject::memberId(std::u16string_view name)
     return found->second;
 }
 
+const HostObject::Member* HostObject::member(MemberId id) const
+{
+    if (id < 1 || id > static_cast<MemberId>(m_members.size())) return nullptr;
+    return &m_members[static_cast<std::size_t>(id) - 1];
+}
+
+bool HostObject::writesArguments(MemberId id) const
+{
+    const Member* found = member(id);
+    return found && found->write;
+}
+
+Result<Value> HostObject::invokeByReference(int locale, MemberId id, Access access,
+                                            std::span<Value> arguments)
+{
+    const Member* found = member(id);
+    const bool puts = access == Access::Put || access == Access::PutRef;
+    if (found && found->write && !puts) return found->write(arguments);
+    return invokeIn(locale, id, access, arguments);
+}
+
 Result<Value> HostObject::invoke(MemberId id, Access access, Arguments arguments)
 {
-    if (id < 1 || id > static_cast<MemberId>(m_members.size())) return fault(438);
-    const Member& member = m_members[static_cast<std::size_t>(id) - 1];
+    const Member* found = member(id);
+    if (!found) return fault(438);
     if (access == Access::Put || access == Access::PutRef) {
-        if (!member.set) return fault(438, member.name);
-        if (arguments.size() != 1) return fault(450, member.name);
-        CHECK_RESULT(member.set(arguments.back()));
+        if (!found->set) return fault(438, found->name);
+        if (arguments.size() != 1) return fault(450, found->name);
+        CHECK_RESULT(found->set(arguments.back()));
         return Value();
     }
-    if (member.call) return member.call(arguments);
-    if (!member.get) return fault(438, member.name);
-    if (!arguments.empty()) return fault(450, member.name);
-    return member.get();
+    if (found->call) return found->call(arguments);
+    if (found->write) {
+        std::vector<Value> copies(arguments.begin(), arguments.end());
+        return found->write(copies);
+    }
+    if (!found->get) return fault(438, found->name);
+    if (!arguments.empty()) return fault(450, found->name);
+    return found->get();
 }
 
 } // namespace script

@@ -3,6 +3,7 @@
 #include "base/Result.h"
 #include "script/Value.h"
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -59,6 +60,10 @@ public:
         PutRef,    ///< Set obj.Name = value
     };
 
+    /// What the engine knows of an object without asking it: its own kinds take shorter ways.
+    enum class Kind : std::uint8_t { Foreign, Instance, FunctionReference };
+    [[nodiscard]] Kind kind() const { return m_kind; }
+
     /// What TypeName answers.
     [[nodiscard]] virtual std::u16string typeName() const = 0;
     /// @returns nothing when there is no such member
@@ -74,11 +79,25 @@ public:
     {
         return invoke(member, access, arguments);
     }
+    /// Whether the member may change its arguments: variables handed over by reference then hold what
+    /// invokeByReference leaves in their places.
+    [[nodiscard]] virtual bool writesArguments([[maybe_unused]] MemberId member) const { return false; }
+    virtual Result<Value> invokeByReference(int locale, MemberId member, Access access,
+                                            std::span<Value> arguments)
+    {
+        return invokeIn(locale, member, access, arguments);
+    }
     /// @returns null when the object is no collection
     [[nodiscard]] virtual Ref<Enumerator> enumerate() { return nullptr; }
     /// Objects that answer the same non-null address answer the same ids to the same names for as long as
     /// the engine lives, which lets a call site look a name up once.
     [[nodiscard]] virtual const void* layout() const { return nullptr; }
+
+protected:
+    explicit Dispatch(Kind kind = Kind::Foreign) : m_kind(kind) {}
+
+private:
+    const Kind m_kind;
 };
 
 /// An object made of functions: what a host writes when it has no class of its own to show.
@@ -88,17 +107,24 @@ public:
     using Getter = std::function<Result<Value>()>;
     using Setter = std::function<Result<void>(const Value&)>;
     using Method = std::function<Result<Value>(Arguments)>;
+    using WritingMethod = std::function<Result<Value>(std::span<Value>)>;
 
-    explicit HostObject(std::u16string typeName) : m_typeName(std::move(typeName)) {}
+    explicit HostObject(std::u16string typeName);
     void property(std::u16string_view name, Getter get, Setter set = {});
     /// Any number of arguments reaches the function, which checks them.
     void method(std::u16string_view name, Method method);
+    /// The same for one that changes its arguments.
+    void writingMethod(std::u16string_view name, WritingMethod method);
     void collection(std::function<Ref<Enumerator>()> enumerate) { m_enumerate = std::move(enumerate); }
 
     [[nodiscard]] std::u16string typeName() const override { return m_typeName; }
     [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view name) const override;
     Result<Value> invoke(MemberId member, Access access, Arguments arguments) override;
+    [[nodiscard]] bool writesArguments(MemberId member) const override;
+    Result<Value> invokeByReference(int locale, MemberId member, Access access,
+                                    std::span<Value> arguments) override;
     [[nodiscard]] Ref<Enumerator> enumerate() override { return m_enumerate ? m_enumerate() : nullptr; }
+    [[nodiscard]] const void* layout() const override { return m_layout; }
 
 private:
     struct Member {
@@ -106,10 +132,16 @@ private:
         Getter get;
         Setter set;
         Method call;
+        WritingMethod write;
     };
+    void add(Member member);
+    [[nodiscard]] const Member* member(MemberId id) const;
+
+    const void*
+        m_layout; // no address but a number that no other object has, and no earlier state of this one
     std::u16string m_typeName;
     std::unordered_map<std::u16string, MemberId> m_ids;
-    std::vector<Member> m_members;
+    std::deque<Member> m_members; // a member that runs may add others
     std::function<Ref<Enumerator>()> m_enumerate;
 };
 

@@ -45,20 +45,29 @@ public:
     /// Windows locale number: 1033 English (from the start), 1049 Russian. Takes effect with Reset.
     /// @returns false, and changes nothing, for others
     bool setLocale(int id);
+    /// The language in which errors are described: 1033 English, 1049 Russian. Takes effect at once. Until it
+    /// is set it follows the locale. @returns false, and changes nothing, for others
+    bool setInterfaceLanguage(int id);
+    /// Whether lines that begin with "<!--" or "-->" are comments, as in pages; so from the start. Takes
+    /// effect with Reset.
+    void setHtmlComments(bool taken) { m_htmlComments = taken; }
     /// How long one call may run before the host is asked; zero: for ever. 10 s from the start. Time that the
     /// script spends inside host objects hardly counts.
     void setTimeout(std::chrono::milliseconds timeout);
     /// Bounds what strings and arrays may take up; 1 GiB from the start.
     void setHeapLimit(std::size_t bytes);
-    /// Ends a call after so many statements, for runs that must repeat exactly; 0: no limit.
-    void setStatementLimit(std::uint64_t statements);
+    /// Ends a script after so many steps (rounds of loops and calls), for runs that must repeat exactly; 0:
+    /// no limit.
+    void setStepLimit(std::uint64_t steps);
 
     /// Drops all code, variables and objects.
     void reset();
     /// Makes an object known by name. @param addMembers its members are known without the name as well
     void addObject(std::u16string_view name, Dispatch& object, bool addMembers = false);
     /// Compiles declarations and runs the statements outside procedures.
-    Result<void> addCode(std::u16string_view code);
+    /// @param firstLine the number that errors give the first line of the text: what its author's editor
+    /// shows
+    Result<void> addCode(std::u16string_view code, int firstLine = 1);
     Result<void> executeStatement(std::u16string_view statement);
     Result<Value> eval(std::u16string_view expression);
     /// Calls a procedure of the added code.
@@ -72,11 +81,12 @@ public:
 
 private:
     struct Settings;
-    Result<Value> finish(Result<Value> result, std::u16string_view source);
+    Result<Value> finish(Result<Value> result, std::u16string_view source, int firstLine = 1);
 
     std::unique_ptr<Settings> m_settings;
     std::u16string m_language = u"VBScript";
     bool m_safeSubset = false;
+    bool m_htmlComments = true;
     ScriptError m_error;
 };
 

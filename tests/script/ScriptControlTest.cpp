@@ -349,6 +349,117 @@ TEST(ScriptControl, LetsAHostKeepAScriptsObjectPastReset)
     EXPECT_FALSE(control.textOf(*object));
 }
 
+TEST(ScriptControl, HandsVariablesToHostsThatChangeThem)
+{
+    ScriptControl control;
+    const auto host = make<HostObject>(u"Host");
+    host->writingMethod(u"Swap", [](std::span<Value> arguments) -> Result<Value> {
+        if (arguments.size() != 2) return fault(450);
+        std::swap(arguments[0], arguments[1]);
+        return Value::boolean(true);
+    });
+    host->method(u"Same", [](Arguments arguments) -> Result<Value> { return arguments[0]; });
+    control.addObject(u"Host", *host, true);
+    ASSERT_TRUE(
+        control.addCode(u"Dim b(1) : b(0) = \"element\"\n"
+                        u"Sub Work(c) : Dim a : a = 1 : Swap a, b(0) : Host.Swap c, a : r = a & b(0) & c\n"
+                        u"Swap (a), (c) : r = r & a & c : Same c : End Sub\n"
+                        u"r = \"\" : x = 5 : Work x"));
+    EXPECT_EQ(evaluated(control, u"r"), u"51element5element");
+    EXPECT_EQ(evaluated(control, u"x"), u"element");
+}
+
+// What a host may do with an object of a script.
+TEST(ScriptControl, ShowsObjectsOfScriptsToHosts)
+{
+    ScriptControl control;
+    ASSERT_TRUE(
+        control.addCode(u"Class Item : Public Default Property Get V : V = 5 : End Property : End Class\n"
+                        u"Class Box\nPublic Field\nPrivate Secret\n"
+                        u"Private Sub Hidden : End Sub\n"
+                        u"Public Function Twice(n) : Twice = n * 2 : End Function\n"
+                        u"Public Property Set Link(o) : Set Field = o : End Property\nEnd Class\n"
+                        u"Set b = New Box"));
+    auto held = control.eval(u"b");
+    ASSERT_TRUE(held);
+    Dispatch& box = *held->asObject();
+    using Access = Dispatch::Access;
+    EXPECT_FALSE(box.memberId(u"Secret"));
+    EXPECT_FALSE(box.memberId(u"Hidden"));
+    const auto field = box.memberId(u"FIELD");
+    const auto twice = box.memberId(u"Twice");
+    const auto link = box.memberId(u"Link");
+    ASSERT_TRUE(field && twice && link);
+    const Value item[] = {*control.eval(u"New Item")};
+    const Value yes[] = {Value::boolean(true)};
+    ASSERT_TRUE(box.invoke(*field, Access::Put, item));
+    EXPECT_EQ(evaluated(control, u"TypeName(b.Field) & b.Field"), u"Integer5");
+    ASSERT_TRUE(box.invoke(*field, Access::PutRef, item));
+    EXPECT_EQ(evaluated(control, u"TypeName(b.Field)"), u"Item");
+    EXPECT_EQ(box.invoke(*field, Access::PutRef, yes).error()->number, 424);
+    EXPECT_EQ(box.invoke(*link, Access::PutRef, yes).error()->number, 424);
+    const Value four[] = {Value::integer(4)};
+    EXPECT_EQ(box.invoke(*twice, Access::Get, four).error()->number, 438);
+    EXPECT_EQ(box.invoke(*twice, Access::GetOrCall, four)->whole(), 8);
+}
+
+TEST(ScriptControl, ClearsErrBetweenCalls)
+{
+    ScriptControl control;
+    ASSERT_TRUE(control.executeStatement(u"On Error Resume Next : x = 1 / 0 : seen = Err.Number"));
+    EXPECT_EQ(evaluated(control, u"seen & \" \" & Err.Number & Err.Description"), u"11 0");
+}
+
+TEST(ScriptControl, NumbersLinesAsTheAuthorsEditorDoes)
+{
+    ScriptControl control;
+    EXPECT_FALSE(control.addCode(u"\r\nx = 1\r\n  y = (", 0));
+    EXPECT_EQ(control.error().line, 2);
+    EXPECT_EQ(control.error().text, u"  y = (");
+    ASSERT_TRUE(control.addCode(u"\r\nSub onClick\r\n x = 1 / 0\r\nEnd Sub", 0));
+    EXPECT_FALSE(control.executeStatement(u"onClick"));
+    EXPECT_EQ(control.error().line, 2);
+    EXPECT_EQ(control.error().column, 2);
+}
+
+TEST(ScriptControl, DescribesErrorsInTheLanguageOfTheInterface)
+{
+    ScriptControl control;
+    EXPECT_FALSE(control.setInterfaceLanguage(1036));
+    ASSERT_TRUE(control.setInterfaceLanguage(1049));
+    EXPECT_FALSE(control.executeStatement(u"Player.Stop"));
+    EXPECT_EQ(control.error().description, u"Требуется объект: 'Player'");
+    EXPECT_FALSE(control.executeStatement(u"x = (1"));
+    EXPECT_EQ(control.error().description, u"Ожидается ')'");
+    EXPECT_EQ(evaluated(control, u"1.5 & \"\""), u"1.5"); // numbers are written as before
+    control.reset();
+    ASSERT_TRUE(control.executeStatement(u"On Error Resume Next : x = 1 / 0 : text = Err.Description"));
+    EXPECT_EQ(evaluated(control, u"text"), u"Деление на ноль");
+}
+
+TEST(ScriptControl, TakesHtmlCommentsUnlessTheHostDoesNot)
+{
+    ScriptControl control;
+    constexpr std::u16string_view kPage = u"<!--\nx = 1\n-->";
+    EXPECT_TRUE(control.addCode(kPage));
+    control.setHtmlComments(false);
+    control.reset();
+    EXPECT_FALSE(control.addCode(kPage));
+    EXPECT_EQ(control.error().number, 1032);
+}
+
+TEST(Host, AnswersWithTheButtonThatIsOfferedFirst)
+{
+    ScriptControl control;
+    EXPECT_EQ(
+        evaluated(control,
+                  u"MsgBox(\"?\") & MsgBox(\"?\", vbYesNo) & MsgBox(\"?\", vbYesNo + vbDefaultButton2)"),
+        u"167");
+    EXPECT_EQ(evaluated(control, u"MsgBox(\"?\", vbYesNoCancel + vbQuestion + vbDefaultButton3) & "
+                                 u"MsgBox(\"?\", vbAbortRetryIgnore + vbDefaultButton2)"),
+              u"24");
+}
+
 TEST(Random, GivesTheSequenceThatScriptsCountOn)
 {
     vbscript::Random random;

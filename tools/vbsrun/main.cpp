@@ -17,10 +17,10 @@ constexpr std::uint64_t kMaxFileBytes = 64U << 20;
 class ConsoleHost final : public script::Host
 {
 public:
-    int messageBox(const std::u16string& text, int, const std::u16string&) override
+    int messageBox(const std::u16string& text, int buttons, const std::u16string&) override
     {
         std::puts(base::utf8FromUtf16(text).c_str());
-        return 1;
+        return script::defaultButton(buttons);
     }
     std::optional<std::u16string> inputBox(const std::u16string& text, const std::u16string&,
                                            const std::u16string&) override
@@ -75,7 +75,7 @@ int main(int argc, char** argv)
     const auto echo = [&engine](script::Arguments arguments) -> script::Result<script::Value> {
         std::string line;
         for (const script::Value& argument : arguments) {
-            if (!line.empty()) line += ' ';
+            if (&argument != arguments.data()) line += ' ';
             const auto text = TRY_RESULT(engine.textOf(argument));
             line += base::utf8FromUtf16(text);
         }

@@ -13,7 +13,7 @@ namespace
 // A time slice counts for no more than this: what lies beyond was spent waiting in the host (a dialog).
 constexpr auto kLongestSlice = std::chrono::milliseconds(250);
 
-constexpr std::size_t kLongText = 1024; // characters that are about as much work as a statement
+constexpr std::size_t kLongText = 1024; // characters that are about as much work as a step
 
 } // namespace
 
@@ -30,18 +30,19 @@ Result<void> Engine::pushFrame(Function& function, std::size_t count, Value* res
     if (count != function.byReference.size())
         return fault(error::kWrongArguments, m_names.spelling(function.name));
     Value* locals = m_sp - count;
-    const std::size_t need = function.slots + function.maxStack + 8;
+    const std::size_t need = function.slots + function.maxStack + kSpareValues;
     const auto used = static_cast<std::size_t>(locals - m_stack.get());
     if (m_frames.size() >= kMaxFrames || used + need > kStackValues) {
         return fault(error::kOutOfStack, m_names.spelling(function.name));
     }
     for (std::size_t i = 0; i < count; ++i) {
-        if (!function.byReference[i] && locals[i].isReference()) {
+        if (locals[i].isReference() && function.byReference[i] == 0) {
             Value copy = locals[i].resolved();
             locals[i] = std::move(copy);
         }
     }
-    for (std::size_t i = count; i < function.slots; ++i) push(Value());
+    for (Value* end = locals + function.slots; m_sp < end; ++m_sp) new (m_sp) Value();
+    --m_ticks;
     Frame& made = m_frames.emplace_back();
     made.function = &function;
     made.next = function.code.data();
@@ -55,17 +56,23 @@ Result<void> Engine::pushFrame(Function& function, std::size_t count, Value* res
 void Engine::popFrame()
 {
     // What the frame held may run code when it is freed; it goes last.
-    const Frame gone = std::move(m_frames.back());
+    Frame& top = m_frames.back();
+    Value* result = top.result;
+    const Ref<Instance> me = std::move(top.me);
+    const auto extras = std::move(top.extras);
+    if (top.isTermination) {
+        m_waiting = top.waiting;
+        if (mustTerminate()) park();
+    }
     m_frames.pop_back();
-    if (gone.isTermination) m_waiting = gone.waiting;
-    dropTo(gone.result);
+    dropTo(result);
 }
 
 Result<Value> Engine::call(Function& function, Instance* me, Arguments arguments)
 {
     if (m_nestedRuns >= kMaxNestedRuns || m_tornDown)
         return fault(error::kOutOfStack, m_names.spelling(function.name));
-    if (arguments.size() + static_cast<std::size_t>(m_sp - m_stack.get()) + 8 > kStackValues)
+    if (arguments.size() + static_cast<std::size_t>(m_sp - m_stack.get()) + kSpareValues > kStackValues)
         return fault(error::kOutOfStack);
     Value* bottom = m_sp;
     for (const Value& argument : arguments) push(argument.resolved());
@@ -79,7 +86,7 @@ Result<Value> Engine::call(Function& function, Instance* me, Arguments arguments
 
 Result<Value> Engine::runProgram(std::unique_ptr<Program> program)
 {
-    define(*program);
+    CHECK_RESULT(define(*program));
     Function& main = *program->main;
     const bool lasts = program->isLasting();
     if (lasts) m_programs.push_back(std::move(program));
@@ -90,8 +97,22 @@ void Engine::becameUnreachable(Instance& instance)
 {
     if (m_tornDown) return;
     m_dying.emplace_back(&instance);
-    // The next statement takes care of it if no instruction does so before.
-    m_ticksAside += std::exchange(m_ticks, 0);
+    park();
+}
+
+// Has the machine look up from its work after this instruction.
+void Engine::park()
+{
+    if (m_isParked) return;
+    m_isParked = true;
+    m_ticksAside = std::exchange(m_ticks, -1);
+}
+
+// Work that is worth so many steps, so that the clock is looked at in time.
+void Engine::spend(std::size_t steps)
+{
+    int& left = m_isParked ? m_ticksAside : m_ticks;
+    left -= static_cast<int>(std::min(steps, static_cast<std::size_t>(kTicksBetweenChecks)));
 }
 
 // Outside of any call. Counts as one call, so that objects which make new ones when they end run out of time.
@@ -119,25 +140,27 @@ bool Engine::runTerminations()
 // Class_Terminate runs as soon as the instruction that released the object is done. What does not fit on the
 // stack now is tried again later. Objects that wait already do so until this one has ended, so that their
 // number does not become the depth of the stack; those that it releases itself come at once.
-void Engine::beginTermination()
+bool Engine::beginTermination()
 {
     const auto first = m_dying.begin() + static_cast<std::ptrdiff_t>(m_waiting);
     const Ref<Instance> instance = *first;
-    if (!pushFrame(*instance->info->terminate, 0, m_sp, instance, true)) return;
+    if (!pushFrame(*instance->info->terminate, 0, m_sp, instance, true)) return false;
     m_dying.erase(first);
     frame().isTermination = true;
     frame().waiting = std::exchange(m_waiting, m_dying.size());
+    return true;
 }
 
-// Between two statements every now and then: time, memory and the ends of objects.
+// Every now and then between two instructions: time, memory and the ends of objects.
 Result<void> Engine::attend()
 {
-    m_ticks += std::exchange(m_ticksAside, 0);
-    if (mustTerminate()) beginTermination();
-    if (m_ticks > 0) return {};
-    m_ticks = kTicksBetweenChecks;
-    m_statements += kTicksBetweenChecks;
-    if (m_limits.statements != 0 && m_statements > m_limits.statements) {
+    if (std::exchange(m_isParked, false)) m_ticks = m_ticksAside;
+    const bool isDue = m_ticks < 0;
+    if (isDue) m_ticks = kTicksBetweenChecks;
+    if (mustTerminate() && !beginTermination()) park();
+    if (!isDue) return {};
+    m_steps += kTicksBetweenChecks;
+    if (m_limits.steps != 0 && m_steps > m_limits.steps) {
         auto failed = fault(error::kInterrupted);
         failed.value()->uncatchable = true;
         return failed;
@@ -189,6 +212,8 @@ Result<void> Engine::callGlobal(Symbol name, std::size_t count, std::uint8_t fla
         return callHost(*host, found.member, name, count, flags);
     }
     case Global::Kind::Undefined:
+        if (Value* declared = declaredHere(name))
+            return callVariable(*declared, name, count, flags, m_sp - count);
         if (resolveHostMember(name, found)) return callGlobal(name, count, flags);
         if (frame().function->optionExplicit) return fault(error::kUndefinedVariable, m_names.spelling(name));
         break;
@@ -214,10 +239,8 @@ Result<void> Engine::callIntrinsic(const Intrinsic& intrinsic, std::size_t count
             Value copy = arguments[i].resolved();
             arguments[i] = std::move(copy);
         }
-        // Work on a long text counts as so many statements, so that the clock is looked at in time.
-        if (arguments[i].isString() && arguments[i].text().size() > kLongText) {
-            m_ticks = std::max(0, m_ticks - static_cast<int>(arguments[i].text().size() / kLongText));
-        }
+        if (arguments[i].isString() && arguments[i].text().size() > kLongText)
+            spend(arguments[i].text().size() / kLongText);
         if (intrinsic.kind != Intrinsic::Kind::Raw && arguments[i].isObject()) {
             Value value = TRY_RESULT(plain(arguments[i]));
             arguments[i] = std::move(value);
@@ -261,7 +284,7 @@ Result<void> Engine::executeText(Intrinsic::Kind kind)
     if (kind != Intrinsic::Kind::ExecuteGlobal) around = surroundings();
     if (around.functions.size() >= kMaxNestedTexts) return fault(error::kOutOfStack);
     auto program = TRY_RESULT(compileText(source.text(), kind == Intrinsic::Kind::Eval, around));
-    define(*program);
+    CHECK_RESULT(define(*program));
     Function& main = *program->main;
     const std::size_t outer = m_frames.size() - 1;
     drop(1);
@@ -305,29 +328,58 @@ Result<void> Engine::callVariable(Value& callee, Symbol name, std::size_t count,
     if (value.isObject()) {
         if (!value.asObject()) return fault(error::kObjectNotSet, m_names.spelling(name));
         const Ref<Dispatch> object(value.asObject());
-        if (auto* reference = dynamic_cast<FunctionReference*>(object.get())) {
-            return pushFrame(*reference->function, count, result, nullptr, false);
-        }
-        auto called = callDispatch(*object, Dispatch::kDefaultMember, count, flags, result);
+        auto called = callDefault(*object, count, flags, result);
         if (!called) return named(Failed(std::move(called).error()), name);
         return {};
     }
     return fault(error::kTypeMismatch, m_names.spelling(name));
 }
 
+// object(arguments): what the object itself stands for.
+Result<void> Engine::callDefault(Dispatch& object, std::size_t count, std::uint8_t flags, Value* result)
+{
+    if (object.kind() == Dispatch::Kind::FunctionReference) {
+        Function& function = *static_cast<FunctionReference&>(object).function;
+        return pushFrame(function, count, result, nullptr, false);
+    }
+    if (object.kind() == Dispatch::Kind::Instance) {
+        auto& instance = static_cast<Instance&>(object);
+        if (const auto name = instance.info->defaultMember) {
+            const ClassMember& member = instance.info->members.find(*name)->second;
+            return callInstance(instance, member, count, flags, result);
+        }
+    }
+    return callDispatch(object, Dispatch::kDefaultMember, count, flags, result);
+}
+
+// Objects of the host see values; what one of them may change is written back afterwards.
 Result<void> Engine::callDispatch(Dispatch& object, Dispatch::MemberId id, std::size_t count,
                                   std::uint8_t flags, Value* result)
 {
     Value* arguments = m_sp - count;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!arguments[i].isReference()) continue;
-        Value copy = arguments[i].resolved();
-        arguments[i] = std::move(copy);
-    }
+    const bool writes = count > 0 && object.writesArguments(id);
+    std::vector<Value> references;
+    if (writes) references.assign(arguments, m_sp);
+    dropReferences(arguments, count);
     const auto access = (flags & kStatementCall) != 0 ? Dispatch::Access::Call : Dispatch::Access::GetOrCall;
-    auto value = TRY_RESULT(object.invokeIn(m_locale->id, id, access, Arguments(arguments, count)));
+    auto value = TRY_RESULT(
+        writes ? object.invokeByReference(m_locale->id, id, access, std::span<Value>(arguments, count))
+               : object.invokeIn(m_locale->id, id, access, Arguments(arguments, count)));
+    for (std::size_t i = 0; i < references.size(); ++i) {
+        if (references[i].isReference())
+            CHECK_RESULT(store(references[i], std::move(arguments[i]), kPreserve));
+    }
     finishCall(result, std::move(value));
     return {};
+}
+
+void Engine::dropReferences(Value* arguments, std::size_t count)
+{
+    for (; count > 0; --count, ++arguments) {
+        if (!arguments->isReference()) continue;
+        Value copy = arguments->resolved();
+        *arguments = std::move(copy);
+    }
 }
 
 // ---- members
@@ -362,6 +414,18 @@ Result<const ClassMember*> Engine::instanceMember(Instance& object, MemberSite& 
     return site.member;
 }
 
+// The number of the site's member, which is asked for once for objects of one layout.
+Result<void> Engine::findMember(const Dispatch& object, MemberSite& site)
+{
+    const void* layout = object.layout();
+    if (layout && layout == site.layout) return {};
+    const auto id = object.memberId(m_names.spelling(site.name));
+    if (!id) return fault(error::kNoSuchMember, siteText(site));
+    site.id = *id;
+    site.layout = layout;
+    return {};
+}
+
 Result<void> Engine::callMember(MemberSite& site, std::size_t count, std::uint8_t flags)
 {
     Value* bottom = m_sp - count - 1;
@@ -371,36 +435,29 @@ Result<void> Engine::callMember(MemberSite& site, std::size_t count, std::uint8_
         return Failed(std::move(failed).error());
     }
     const Ref<Dispatch> object(holder.asObject());
-    if (auto* instance = dynamic_cast<Instance*>(object.get())) {
-        const ClassMember* member = TRY_RESULT(instanceMember(*instance, site));
-        auto called = callInstance(*instance, *member, count, flags);
-        if (!called) return withSubject(Failed(std::move(called).error()), siteText(site));
-        return {};
+    Result<void> called;
+    if (object->kind() == Dispatch::Kind::Instance) {
+        auto& instance = static_cast<Instance&>(*object);
+        const ClassMember* member = TRY_RESULT(instanceMember(instance, site));
+        called = callInstance(instance, *member, count, flags, bottom);
+    } else {
+        CHECK_RESULT(findMember(*object, site));
+        called = callDispatch(*object, site.id, count, flags, bottom);
     }
-    const void* layout = object->layout();
-    if (!layout || layout != site.layout) {
-        const auto id = object->memberId(m_names.spelling(site.name));
-        if (!id) return fault(error::kNoSuchMember, siteText(site));
-        site.id = *id;
-        site.layout = layout;
-    }
-    auto called = callDispatch(*object, site.id, count, flags, bottom);
     if (!called) return withSubject(Failed(std::move(called).error()), siteText(site));
     return {};
 }
 
 Result<void> Engine::callInstance(Instance& object, const ClassMember& member, std::size_t count,
-                                  std::uint8_t flags)
+                                  std::uint8_t flags, Value* result)
 {
-    Value* bottom = m_sp - count - 1;
     const bool inside = frame().function->owner == object.info;
-    const Ref<Instance> me(&object);
     if (member.field >= 0) {
         Value& field = object.fields[static_cast<std::size_t>(member.field)];
         const Symbol name = object.info->fields[static_cast<std::size_t>(member.field)].name;
         if (member.isPrivate && !inside) return fault(error::kNoSuchMember, m_names.spelling(name));
-        if (count > 0) return callVariable(field, name, count, flags, bottom);
-        finishCall(bottom, field);
+        if (count > 0) return callVariable(field, name, count, flags, result);
+        finishCall(result, field);
         return {};
     }
     Function* function = member.call ? member.call : member.get;
@@ -408,59 +465,47 @@ Result<void> Engine::callInstance(Instance& object, const ClassMember& member, s
     if (function == member.get && function->byReference.empty() && count > 0) {
         // The arguments index what the property answers.
         Value answer = TRY_RESULT(call(*function, &object, {}));
-        *bottom = std::move(answer);
-        Value callee = *bottom;
-        return callVariable(callee, function->name, count, flags, bottom);
+        return callVariable(answer, function->name, count, flags, result);
     }
-    return pushFrame(*function, count, bottom, me, false);
+    return pushFrame(*function, count, result, Ref<Instance>(&object), false);
 }
 
-// object, arguments..., value ->
-Result<void> Engine::putMember(MemberSite& site, std::size_t count, std::uint8_t flags)
+// object, arguments..., value ->; what lies from `bottom` on goes as well
+Result<void> Engine::putMember(MemberSite& site, std::size_t count, std::uint8_t flags, Value* bottom)
 {
-    Value* bottom = m_sp - count - 2;
-    Dispatch* found = TRY_RESULT(objectOf(*bottom, site));
+    Value* holder = m_sp - count - 2;
+    Dispatch* found = TRY_RESULT(objectOf(*holder, site));
     const Ref<Dispatch> object(found);
-    if (auto* instance = dynamic_cast<Instance*>(found)) {
-        const ClassMember* member = TRY_RESULT(instanceMember(*instance, site));
-        return putInstance(*instance, *member, site.name, count, flags);
+    if (object->kind() == Dispatch::Kind::Instance) {
+        auto& instance = static_cast<Instance&>(*object);
+        const ClassMember* member = TRY_RESULT(instanceMember(instance, site));
+        return putInstance(instance, *member, site.name, count, flags, bottom);
     }
-    const void* layout = object->layout();
-    if (!layout || layout != site.layout) {
-        const auto id = object->memberId(m_names.spelling(site.name));
-        if (!id) return fault(error::kNoSuchMember, siteText(site));
-        site.id = *id;
-        site.layout = layout;
-    }
-    for (Value* argument = bottom + 1; argument < m_sp; ++argument) {
-        if (!argument->isReference()) continue;
-        Value copy = argument->resolved();
-        *argument = std::move(copy);
-    }
+    CHECK_RESULT(findMember(*object, site));
+    dropReferences(holder + 1, count + 1);
     const bool isSet = (flags & kSet) != 0;
     if (isSet && !m_sp[-1].isObject()) return fault(error::kObjectRequired);
     const auto access = isSet ? Dispatch::Access::PutRef : Dispatch::Access::Put;
-    auto put = object->invokeIn(m_locale->id, site.id, access, Arguments(bottom + 1, count + 1));
+    auto put = object->invokeIn(m_locale->id, site.id, access, Arguments(holder + 1, count + 1));
     if (!put) return withSubject(Failed(std::move(put).error()), siteText(site));
     dropTo(bottom);
     return {};
 }
 
 Result<void> Engine::putInstance(Instance& object, const ClassMember& member, Symbol name, std::size_t count,
-                                 std::uint8_t flags)
+                                 std::uint8_t flags, Value* bottom)
 {
-    Value* bottom = m_sp - count - 2;
     const bool inside = frame().function->owner == object.info;
     if ((flags & kSet) != 0 && !m_sp[-1].isObject()) return fault(error::kObjectRequired, quoted(m_sp[-1]));
     if (member.field >= 0) {
         if (member.isPrivate && !inside) return fault(error::kNoSuchMember, m_names.spelling(name));
         Value& field = object.fields[static_cast<std::size_t>(member.field)];
         if (count > 0) return putIndexed(field, name, count, flags, bottom);
-        Value value = pop();
-        CHECK_RESULT(store(field, std::move(value), flags));
+        CHECK_RESULT(store(field, pop(), flags));
         dropTo(bottom);
         return {};
     }
+    // Property Let takes an object as it is; what becomes of it is its own affair.
     Function* function = (flags & kSet) != 0 ? member.set : member.let;
     if (!function && (flags & kSet) == 0 && m_sp[-1].isObject()) function = member.set;
     if (!function && member.get && member.get->byReference.empty() && count > 0) {
@@ -470,10 +515,6 @@ Result<void> Engine::putInstance(Instance& object, const ClassMember& member, Sy
     }
     if (!function || (function->isPrivate && !inside)) {
         return fault(member.get ? error::kWrongArguments : error::kNoSuchMember, m_names.spelling(name));
-    }
-    if (function == member.let && m_sp[-1].isObject()) {
-        Value value = TRY_RESULT(plain(m_sp[-1]));
-        m_sp[-1] = std::move(value);
     }
     return pushFrame(*function, count + 1, bottom, Ref<Instance>(&object), true);
 }
@@ -501,10 +542,12 @@ Result<void> Engine::putIndexed(Value& base, Symbol name, std::size_t count, std
     if (!target.isObject()) return fault(error::kTypeMismatch, m_names.spelling(name));
     if (!target.asObject()) return fault(error::kObjectNotSet, m_names.spelling(name));
     const Ref<Dispatch> object(target.asObject());
-    for (Value* argument = m_sp - count - 1; argument < m_sp; ++argument) {
-        if (!argument->isReference()) continue;
-        Value copy = argument->resolved();
-        *argument = std::move(copy);
+    dropReferences(m_sp - count - 1, count + 1);
+    if (object->kind() == Dispatch::Kind::Instance) {
+        auto& instance = static_cast<Instance&>(*object);
+        const auto own = instance.info->defaultMember;
+        if (!own) return fault(error::kNoSuchMember, m_names.spelling(name));
+        return putInstance(instance, instance.info->members.find(*own)->second, *own, count, flags, bottom);
     }
     const auto access = (flags & kSet) != 0 ? Dispatch::Access::PutRef : Dispatch::Access::Put;
     auto put = object->invokeIn(m_locale->id, Dispatch::kDefaultMember, access,
@@ -514,11 +557,14 @@ Result<void> Engine::putIndexed(Value& base, Symbol name, std::size_t count, std
     return {};
 }
 
-Result<void> Engine::putGlobal(Symbol name, std::size_t count, std::uint8_t flags)
+// arguments..., value -> ; what lies from `bottom` on goes as well
+Result<void> Engine::putGlobal(Symbol name, std::size_t count, std::uint8_t flags, Value* bottom)
 {
     Global& found = *m_globals[name];
-    if (found.kind == Global::Kind::Undefined) resolveHostMember(name, found);
-    Value* bottom = m_sp - count - 1;
+    if (found.kind == Global::Kind::Undefined) {
+        if (Value* declared = declaredHere(name)) return putIndexed(*declared, name, count, flags, bottom);
+        resolveHostMember(name, found);
+    }
     switch (found.kind) {
     case Global::Kind::Variable:
     case Global::Kind::HostObject: return putIndexed(found.value, name, count, flags, bottom);
@@ -529,8 +575,9 @@ Result<void> Engine::putGlobal(Symbol name, std::size_t count, std::uint8_t flag
                                     ? hostMember(name)
                                     : std::pair(Ref<Dispatch>(found.value.asObject()), found.member);
         if (!host) return fault(error::kIllegalAssignment, m_names.spelling(name));
+        dropReferences(m_sp - count - 1, count + 1);
         const auto access = (flags & kSet) != 0 ? Dispatch::Access::PutRef : Dispatch::Access::Put;
-        auto put = host->invokeIn(m_locale->id, id, access, Arguments(bottom, count + 1));
+        auto put = host->invokeIn(m_locale->id, id, access, Arguments(m_sp - count - 1, count + 1));
         if (!put) return named(Failed(std::move(put).error()), name);
         dropTo(bottom);
         return {};

@@ -14,12 +14,18 @@ namespace script::vbscript
 
 // clang-format off
 enum class Op : std::uint8_t {
-    Statement,      // a statement begins (a: its place in Function::statements)
     // Operators, in the order of the enumeration Operator. Comparisons: flags are LiteralOperands.
     Add, Subtract, Multiply, Divide, IntegerDivide, Modulo, Power, Concat,
     Equal, NotEqual, Less, Greater, LessEqual, GreaterEqual, Is,
     And, Or, Xor, Eqv, Imp,
-    Negate, Plus, Not,
+    Negate, Not,
+    // Those up to GreaterEqual once more, in the same order: the right operand is a local variable (a: slot)...
+    AddLocal, SubtractLocal, MultiplyLocal, DivideLocal, IntegerDivideLocal, ModuloLocal, PowerLocal, ConcatLocal,
+    EqualLocal, NotEqualLocal, LessLocal, GreaterLocal, LessEqualLocal, GreaterEqualLocal,
+    // ... or a constant (a: of Function::constants).
+    AddConstant, SubtractConstant, MultiplyConstant, DivideConstant, IntegerDivideConstant, ModuloConstant,
+    PowerConstant, ConcatConstant,
+    EqualConstant, NotEqualConstant, LessConstant, GreaterConstant, LessEqualConstant, GreaterEqualConstant,
     Pop,
     Constant,       // a: of Function::constants
     // Values of names. a: slot, Symbol, place in Function::implicitNames, field.
@@ -28,6 +34,7 @@ enum class Op : std::uint8_t {
     LocalRef, GlobalRef, ImplicitRef, FieldRef,
     Me,
     New,            // a: Symbol of the class
+    Raise,          // fails. a: number
     // Assignments of the topmost value; kSet is one with Set.
     StoreLocal, StoreGlobal, StoreImplicit, StoreField,
     // name(arguments): index, default member or call. count: arguments, all on the stack.
@@ -35,12 +42,13 @@ enum class Op : std::uint8_t {
     CallOwn,        // a method of the own class. a: of Function::callees
     CallValue,      // the callee lies below the arguments
     Member,         // object.name(arguments), the object lies below the arguments. a: of Function::sites
-    // name(arguments) = value, the value is topmost.
+    // name(arguments) = value: the value lies lowest, then an object, then the arguments.
     PutLocal, PutGlobal, PutImplicit, PutField, PutOwn, PutValue, PutMember,
     Jump, JumpFalse, JumpTrue, // a: target
+    Loop,           // a jump back, which counts as a step of the script's time
     ForPrepare,     // from, limit, step -> from; count: the first of two hidden slots
     ForTest,        // goes on with the next instruction while the loop runs, else skips it. flags: VariableKind
-    ForNext,        // the same after a step
+    ForNext,        // the same after a step; the next instruction is a Loop
     ForEachPrepare, // group ->; count: hidden slot
     ForEachNext,    // -> value, next instruction; or skips it
     WithPrepare,    // object ->; a: hidden slot
@@ -61,11 +69,23 @@ constexpr Operator operatorOf(Op op)
 {
     return static_cast<Operator>(static_cast<int>(op) - static_cast<int>(Op::Add));
 }
+/// Whether the operator has forms whose right operand does not pass through the stack.
+constexpr bool isFusible(Operator operation) { return operation <= Operator::GreaterEqual; }
+constexpr Op fused(Op first, Operator operation)
+{
+    return static_cast<Op>(static_cast<int>(first) + static_cast<int>(operation));
+}
+static_assert(fused(Op::AddLocal, Operator::GreaterEqual) == Op::GreaterEqualLocal);
+static_assert(fused(Op::AddConstant, Operator::GreaterEqual) == Op::GreaterEqualConstant);
+static_assert(opOf(Operator::Not) == Op::Not);
 
 inline constexpr std::uint8_t kStatementCall = 1; // the result is not used
 inline constexpr std::uint8_t kWantReference = 2; // of an array's element, for an argument
 inline constexpr std::uint8_t kSet = 4;
 inline constexpr std::uint8_t kPreserve = 8;
+/// Of IntegerDivideConstant and ModuloConstant: the next constant holds, as the bits of a Currency, the
+/// number that stands for one divided by this one in 64 bits behind the point, rounded up.
+inline constexpr std::uint8_t kHasReciprocal = 16;
 
 enum class VariableKind : std::uint8_t { Local, Global, Implicit, Field };
 
@@ -93,7 +113,8 @@ struct MemberSite {
 
 struct StatementMark {
     std::uint32_t instruction;
-    Position position; // line 0: only a place to resume at
+    Position position;        // line 0: only a place to resume at
+    std::uint32_t resume = 0; // where On Error Resume Next goes on instead of the next mark; 0: there
 };
 
 struct LocalName {
@@ -123,7 +144,7 @@ struct Function {
     bool seesLocals = false; // executed text inside a procedure
     bool isPrivate = false;
     bool optionExplicit = false;
-    std::vector<bool> byReference; // of each parameter
+    std::vector<std::uint8_t> byReference; // of each parameter
     int returnSlot = -1;
     std::uint32_t slots = 0; // parameters first
     std::uint32_t maxStack = 0;
@@ -169,6 +190,7 @@ struct Program {
     std::vector<Declarator> variables; // Dim outside procedures
     std::vector<Declarator> constants;
     std::vector<Symbol> assigned; // without Dim, outside procedures
+    std::vector<Symbol> redimmed; // by ReDim, which declares what is not declared
     /// Whether later code can reach into it once its main function has ended.
     [[nodiscard]] bool isLasting() const { return !functions.empty() || !classes.empty(); }
 };

@@ -51,45 +51,52 @@ public:
     }
 
 private:
-    // Names that this text itself declares outside procedures; each may be declared once.
+    // Names that this text itself declares outside procedures. Of procedures of one name the last counts; any
+    // other name may be declared once.
     Result<void> collectGlobals()
     {
         for (const Procedure* procedure : m_tree.procedures)
-            CHECK_RESULT(addGlobal(procedure->name, procedure->position));
+            m_declared.push_back({procedure->name, procedure->position, true});
         for (const ClassDeclaration* declared : m_tree.classes)
-            CHECK_RESULT(addGlobal(declared->name, declared->position));
-        if (m_surroundings.functions.empty()) CHECK_RESULT(collectFrom(m_tree.body));
+            m_declared.push_back({declared->name, declared->position, false});
+        if (m_surroundings.functions.empty()) collectFrom(m_tree.body);
+        const auto isEarlier = [](const Declared& a, const Declared& b) {
+            return std::pair(a.position.line, a.position.column) <
+                   std::pair(b.position.line, b.position.column);
+        };
+        std::sort(m_declared.begin(), m_declared.end(), isEarlier);
+        std::unordered_map<Symbol, bool> seen; // whether a procedure
+        for (const Declared& one : m_declared) {
+            const auto [known, isNew] = seen.emplace(one.name, one.isProcedure);
+            if (!isNew && !(known->second && one.isProcedure))
+                return failAt(error::kNameRedefined, one.position);
+            if (isNew) m_globals.push_back(one.name);
+        }
         std::sort(m_globals.begin(), m_globals.end());
         return {};
     }
 
-    Result<void> collectFrom(const Block& block)
+    void collectFrom(const Block& block)
     {
         for (const Statement* one : block) {
             if (one->kind == Statement::Kind::Dim || one->kind == Statement::Kind::Const) {
-                for (const Declarator& declared : one->declarators) {
-                    CHECK_RESULT(addGlobal(declared.name, declared.position));
-                }
+                for (const Declarator& declared : one->declarators)
+                    m_declared.push_back({declared.name, declared.position, false});
             }
-            for (const Branch& branch : one->branches) CHECK_RESULT(collectFrom(branch.body));
-            CHECK_RESULT(collectFrom(one->otherwise));
-            CHECK_RESULT(collectFrom(one->body));
+            if (one->kind == Statement::Kind::ReDim) {
+                for (const Declarator& array : one->declarators) m_program->redimmed.push_back(array.name);
+            }
+            for (const Branch& branch : one->branches) collectFrom(branch.body);
+            collectFrom(one->otherwise);
+            collectFrom(one->body);
         }
-        return {};
-    }
-
-    Result<void> addGlobal(Symbol name, Position position)
-    {
-        if (!m_seen.emplace(name, true).second) return failAt(1041, position);
-        m_globals.push_back(name);
-        return {};
     }
 
     Function* declareFunction(const Procedure& procedure, ClassInfo* owner)
     {
         auto& made = m_program->functions.emplace_back(std::make_unique<Function>());
         made->kind = procedure.kind;
-        made->byReference.assign(procedure.parameters.size(), true); // counted before the body is compiled
+        made->byReference.assign(procedure.parameters.size(), 1); // counted before the body is compiled
         made->name = procedure.name;
         made->isPrivate = procedure.isPrivate;
         made->optionExplicit = m_tree.optionExplicit;
@@ -108,7 +115,7 @@ private:
             member.field = static_cast<int>(i);
             member.isPrivate = made->fields[i].isPrivate;
             if (!made->members.emplace(made->fields[i].name, member).second)
-                return failAt(1041, made->fields[i].position);
+                return failAt(error::kNameRedefined, made->fields[i].position);
         }
         const Symbol initialize = m_names.intern(u"Class_Initialize");
         const Symbol terminate = m_names.intern(u"Class_Terminate");
@@ -118,7 +125,8 @@ private:
             const bool isEvent = procedure->kind == Procedure::Kind::Sub &&
                                  (procedure->name == initialize || procedure->name == terminate);
             if (isEvent) {
-                if (!procedure->parameters.empty()) return failAt(1053, procedure->position);
+                if (!procedure->parameters.empty())
+                    return failAt(error::kEventWithArguments, procedure->position);
                 (procedure->name == initialize ? made->initialize : made->terminate) = function;
             }
         }
@@ -136,7 +144,7 @@ private:
                                                                             : member.set;
         const bool taken =
             member.field >= 0 || member.call || place || (isCall && (member.get || member.let || member.set));
-        if (taken) return failAt(1041, procedure.position);
+        if (taken) return failAt(error::kNameRedefined, procedure.position);
         place = function;
         // Get, Let and Set of one property take the same index arguments.
         const auto indexes = [](const Function* one) {
@@ -144,11 +152,11 @@ private:
         };
         for (const Function* other : {member.get, member.let, member.set}) {
             if (!isCall && other && indexes(other) != indexes(function)) {
-                return failAt(1051, procedure.position);
+                return failAt(error::kInconsistentArguments, procedure.position);
             }
         }
         if (procedure.isDefault) {
-            if (owner.defaultMember) return failAt(1052, procedure.position);
+            if (owner.defaultMember) return failAt(error::kTwoDefaults, procedure.position);
             owner.defaultMember = procedure.name;
         }
         return {};
@@ -158,8 +166,13 @@ private:
     Names& m_names;
     const Surroundings& m_surroundings;
     std::unique_ptr<Program> m_program;
+    struct Declared {
+        Symbol name;
+        Position position;
+        bool isProcedure;
+    };
+    std::vector<Declared> m_declared;
     std::vector<Symbol> m_globals;
-    std::unordered_map<Symbol, bool> m_seen;
     std::vector<std::pair<Function*, const Procedure*>> m_bodies;
 };
 

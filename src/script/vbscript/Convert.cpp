@@ -199,9 +199,6 @@ Result<double> toDouble(const Value& value, const Locale& locale)
             if (!std::isfinite(*number)) return fault(error::kOverflow);
             return *number;
         }
-        const auto trimmedText = trimmed(value.text());
-        if (sameText(trimmedText, u"true")) return -1.0;
-        if (sameText(trimmedText, u"false")) return 0.0;
         return mismatch(value);
     }
     default: return mismatch(value);
@@ -247,9 +244,19 @@ Result<std::int64_t> toCurrency(const Value& value, const Locale& locale)
     return static_cast<std::int64_t>(scaled);
 }
 
+std::optional<bool> booleanWord(std::u16string_view text)
+{
+    if (sameText(text, u"true") || sameText(text, u"#true#")) return true;
+    if (sameText(text, u"false") || sameText(text, u"#false#")) return false;
+    return std::nullopt;
+}
+
 Result<bool> toBoolean(const Value& value, const Locale& locale)
 {
     if (value.isWhole()) return value.whole() != 0;
+    if (value.isString()) {
+        if (const auto word = booleanWord(trimmed(value.text()))) return *word;
+    }
     const double number = TRY_RESULT(toDouble(value, locale));
     return number != 0;
 }

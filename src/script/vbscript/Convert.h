@@ -19,6 +19,8 @@ Result<float> toSingle(const Value& value, const Locale& locale);
 /// @returns ten-thousandths
 Result<std::int64_t> toCurrency(const Value& value, const Locale& locale);
 Result<bool> toBoolean(const Value& value, const Locale& locale);
+/// What CBool makes of the texts True, False, #TRUE# and #FALSE# in any case; nothing of others.
+std::optional<bool> booleanWord(std::u16string_view text);
 Result<double> toDate(const Value& value, const Locale& locale);
 Result<std::u16string> toText(const Value& value, const Locale& locale);
 /// The same without a copy when the value is a string already.

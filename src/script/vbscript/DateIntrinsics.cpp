@@ -127,16 +127,25 @@ Result<Value> cDate(Engine& engine, ArgumentList a)
     return Value::date(TRY_RESULT(toDate(a[0], engine.locale())));
 }
 
+// DateValue and TimeValue read texts; a number is none, though it may be a date elsewhere.
+Result<double> writtenDate(Engine& engine, const Value& value)
+{
+    if (value.isNull()) return fault(error::kInvalidNull);
+    if (value.type() == VarType::Date) return value.asReal();
+    if (!value.isString()) return fault(error::kTypeMismatch);
+    const auto date = parseDate(value.text(), engine.locale(), currentYear());
+    if (!date) return mismatch(value);
+    return *date;
+}
+
 Result<Value> dateValueOf(Engine& engine, ArgumentList a)
 {
-    if (a[0].isNull()) return fault(error::kInvalidNull);
-    return Value::date(std::trunc(TRY_RESULT(toDate(a[0], engine.locale()))));
+    return Value::date(std::trunc(TRY_RESULT(writtenDate(engine, a[0]))));
 }
 
 Result<Value> timeValueOf(Engine& engine, ArgumentList a)
 {
-    if (a[0].isNull()) return fault(error::kInvalidNull);
-    const double days = TRY_RESULT(toDate(a[0], engine.locale()));
+    const double days = TRY_RESULT(writtenDate(engine, a[0]));
     return Value::date(std::fabs(days - std::trunc(days)));
 }
 
@@ -168,7 +177,8 @@ std::optional<double> addSeconds(double from, double seconds)
 Result<Value> dateAdd(Engine& engine, ArgumentList a)
 {
     const Interval interval = TRY_RESULT(intervalArgument(engine, a[0]));
-    if (a[1].isNull() || a[2].isNull()) return fault(error::kInvalidNull);
+    if (a[2].isNull()) return Value::null();
+    if (a[1].isNull()) return fault(error::kInvalidNull);
     const double number = roundHalfEven(TRY_RESULT(toDouble(a[1], engine.locale())));
     const double from = TRY_RESULT(toDate(a[2], engine.locale()));
     if (std::fabs(number) > 1e13) return fault(error::kInvalidCall);

@@ -3,6 +3,7 @@
 #include "script/vbscript/Errors.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace script::vbscript
 {
@@ -19,7 +20,7 @@ Statement* DeclarationParser::statementAt(Kind kind, const Token& token)
 
 Result<void> DeclarationParser::endWord(Keyword keyword, int number)
 {
-    CHECK_RESULT(expect(Keyword::End, 1014));
+    CHECK_RESULT(expect(Keyword::End, error::kExpectedEnd));
     return expect(keyword, number);
 }
 
@@ -30,16 +31,16 @@ Result<void> DeclarationParser::declaration(Block& into)
     const bool isPrivate = !isPublic && accept(Keyword::Private);
     bool isDefault = false;
     if (at(Keyword::Default)) {
-        if (!m_class) return failHere(1048);
+        if (!m_class) return failHere(error::kOutsideClass);
+        if (!isPublic) return failHere(error::kDefaultNotPublic);
         advance();
-        if (!isPublic) return failHere(1057);
         isDefault = true;
     }
     if (at(Keyword::Sub) || at(Keyword::Function) || (at(Keyword::Property) && m_class)) {
         return procedure(isPrivate, isDefault);
     }
-    if (isDefault) return failHere(1056);
-    if (at(Keyword::Property)) return failHere(1048);
+    if (isDefault) return failHere(error::kDefaultOfVariable);
+    if (at(Keyword::Property)) return failHere(error::kOutsideClass);
     if (accept(Keyword::Const)) {
         if (m_class && !m_inProcedure) return failHere(error::kSyntax);
         return constants(into, token);
@@ -51,7 +52,7 @@ Result<void> DeclarationParser::declaration(Block& into)
     const bool dim = accept(Keyword::Dim);
     if (!dim && !isPublic && !isPrivate) return failHere(error::kSyntax);
     if ((isPublic || isPrivate) && (dim || m_inProcedure))
-        return failHere(m_inProcedure ? error::kSyntax : 1010);
+        return failHere(m_inProcedure ? error::kSyntax : error::kExpectedIdentifier);
     auto* made = statementAt(Kind::Dim, token);
     do {
         made->declarators.push_back(TRY_RESULT(variable()));
@@ -74,13 +75,15 @@ Result<Declarator> DeclarationParser::variable()
     made.isArray = true;
     if (accept(TokenKind::RightParen)) return made;
     do {
-        if (!at(TokenKind::Number) || !current().value.isWhole()) return failHere(1026);
+        if (!at(TokenKind::Number) || !current().value.isWhole())
+            return failHere(error::kExpectedIntegerConstant);
         made.bounds.push_back(current().value.whole());
         advance();
     } while (accept(TokenKind::Comma));
     std::size_t count = 0;
-    if (made.bounds.size() > 60 || !Array::countElements(made.bounds, count)) return failHere(1001);
-    CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+    if (made.bounds.size() > 60 || !Array::countElements(made.bounds, count))
+        return failHere(error::kTooComplex);
+    CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
     return made;
 }
 
@@ -91,7 +94,7 @@ Result<void> DeclarationParser::constants(Block& into, const Token& token)
         Declarator constant;
         constant.position = positionOf(current());
         constant.name = TRY_RESULT(identifier());
-        CHECK_RESULT(expect(TokenKind::Equal, 1011));
+        CHECK_RESULT(expect(TokenKind::Equal, error::kExpectedEqual));
         constant.literal = TRY_RESULT(constantValue());
         made->declarators.push_back(std::move(constant));
     } while (accept(TokenKind::Comma));
@@ -122,7 +125,7 @@ Result<Value> DeclarationParser::constantValue()
     case TokenKind::Number: break;
     case TokenKind::String:
     case TokenKind::Date:
-        if (isSigned) return failHere(1045);
+        if (isSigned) return failHere(error::kExpectedLiteral);
         break;
     default:
         if (at(Keyword::True))
@@ -134,11 +137,11 @@ Result<Value> DeclarationParser::constantValue()
         else if (at(Keyword::Nothing))
             value = Value::object(nullptr);
         else if (!at(Keyword::Empty))
-            return failHere(1045);
-        if (isSigned) return failHere(1045);
+            return failHere(error::kExpectedLiteral);
+        if (isSigned) return failHere(error::kExpectedLiteral);
     }
     advance();
-    for (; open > 0; --open) CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+    for (; open > 0; --open) CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
     if (!negative) return value;
     if (value.isWhole()) return Value::number(-std::int64_t{value.whole()});
     return Value::real(-value.asReal());
@@ -146,16 +149,19 @@ Result<Value> DeclarationParser::constantValue()
 
 Result<void> DeclarationParser::procedure(bool isPrivate, bool isDefault)
 {
-    if (m_inProcedure || m_blocks > (m_class ? 2 : 1)) return failHere(error::kSyntax);
+    // Blocks of statements outside procedures may hold procedures, other procedures may not.
+    if (m_inProcedure) return failHere(error::kSyntax);
     Procedure& made = m_tree->procedureNodes.emplace_back();
-    made.position = positionOf(current());
     made.isPrivate = isPrivate;
     made.isDefault = isDefault;
     Keyword closing = current().keyword;
-    const int closingError = closing == Keyword::Sub ? 1016 : closing == Keyword::Function ? 1015 : 1050;
+    const int closingError = closing == Keyword::Sub        ? error::kExpectedSub
+                             : closing == Keyword::Function ? error::kExpectedFunction
+                                                            : error::kExpectedProperty;
     made.kind = closing == Keyword::Sub ? Procedure::Kind::Sub : Procedure::Kind::Function;
     advance();
     if (closing == Keyword::Property) {
+        const Token& word = current();
         if (accept(Keyword::Get))
             made.kind = Procedure::Kind::PropertyGet;
         else if (accept(Keyword::Let))
@@ -163,9 +169,11 @@ Result<void> DeclarationParser::procedure(bool isPrivate, bool isDefault)
         else if (accept(Keyword::Set))
             made.kind = Procedure::Kind::PropertySet;
         else
-            return failHere(1049);
-        if (isDefault && made.kind != Procedure::Kind::PropertyGet) return failHere(1058);
+            return failHere(error::kExpectedPropertyKind);
+        if (isDefault && made.kind != Procedure::Kind::PropertyGet)
+            return failAtToken(error::kDefaultNotGet, word);
     }
+    made.position = positionOf(current());
     made.name = TRY_RESULT(identifier());
     if (accept(TokenKind::LeftParen) && !accept(TokenKind::RightParen)) {
         do {
@@ -176,27 +184,29 @@ Result<void> DeclarationParser::procedure(bool isPrivate, bool isDefault)
                 accept(Keyword::ByRef);
             const Token& token = current();
             parameter.name = TRY_RESULT(identifier());
-            if (accept(TokenKind::LeftParen)) CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+            if (accept(TokenKind::LeftParen))
+                CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
             const auto isSame = [&](const Parameter& other) { return other.name == parameter.name; };
-            if (std::any_of(made.parameters.begin(), made.parameters.end(), isSame)) {
-                auto failed = failHere(1041);
-                failed.value()->column = token.column;
-                return failed;
-            }
+            if (std::any_of(made.parameters.begin(), made.parameters.end(), isSame))
+                return failAtToken(error::kNameRedefined, token);
             made.parameters.push_back(parameter);
         } while (accept(TokenKind::Comma));
-        CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+        CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
     }
     const bool assigns =
         made.kind == Procedure::Kind::PropertyLet || made.kind == Procedure::Kind::PropertySet;
-    if (assigns && made.parameters.empty()) return failHere(1054);
-    // The body may follow on the same line.
+    if (assigns && made.parameters.empty()) return failHere(error::kLetWithoutArgument);
+    // The body may follow on the same line. Loops around a procedure are not its own.
     m_inProcedure = true;
     m_procedureWord = closing;
+    const int forLoops = std::exchange(m_forLoops, 0);
+    const int doLoops = std::exchange(m_doLoops, 0);
     made.body = TRY_RESULT(block());
     made.end = positionOf(current());
     CHECK_RESULT(endWord(closing, closingError));
     m_inProcedure = false;
+    m_forLoops = forLoops;
+    m_doLoops = doLoops;
     (m_class ? m_class->procedures : m_tree->procedures).push_back(&made);
     return {};
 }
@@ -205,13 +215,13 @@ Result<void> DeclarationParser::classDeclaration()
 {
     if (m_inProcedure || m_blocks > 1) return failHere(error::kSyntax);
     ClassDeclaration& made = m_tree->classNodes.emplace_back();
-    made.position = positionOf(current());
     advance();
+    made.position = positionOf(current());
     made.name = TRY_RESULT(identifier());
     m_class = &made;
     Block none;
     none = TRY_RESULT(block());
-    CHECK_RESULT(endWord(Keyword::Class, 1047));
+    CHECK_RESULT(endWord(Keyword::Class, error::kExpectedClass));
     m_class = nullptr;
     m_tree->classes.push_back(&made);
     return {};

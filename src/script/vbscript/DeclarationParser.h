@@ -21,6 +21,8 @@ protected:
     Result<void> endWord(Keyword keyword, int number);
 
     int m_blocks = 0; // nested one in the other
+    int m_forLoops = 0;
+    int m_doLoops = 0;
     bool m_inProcedure = false;
     Keyword m_procedureWord = Keyword::None;
     ClassDeclaration* m_class = nullptr;

@@ -2,6 +2,7 @@
 
 #include "script/Host.h"
 #include "script/vbscript/Compiler.h"
+#include "script/vbscript/Errors.h"
 #include "script/vbscript/Intrinsics.h"
 #include "script/vbscript/Locale.h"
 #include "script/vbscript/Random.h"
@@ -20,14 +21,19 @@ class Engine;
 class EngineObject : public Dispatch
 {
 public:
-    explicit EngineObject(Engine& engine);
+    explicit EngineObject(Engine& engine, Kind kind = Kind::Foreign);
     ~EngineObject() override;
     /// Lets go of what the object holds, so that cycles fall apart.
     virtual void clear() {}
-    void detach() { m_engine = nullptr; }
 
 protected:
     Engine* m_engine; // null once the engine is gone
+
+private:
+    friend class Engine;
+    // The engine's objects in the order in which they were made.
+    EngineObject* m_previous = nullptr;
+    EngineObject* m_following = nullptr;
 };
 
 /// An object of a script's class.
@@ -44,7 +50,9 @@ public:
     std::vector<Value> fields;
 
 private:
+    friend class Engine;
     void dispose() override;
+    Result<Value> put(const ClassMember& member, Access access, Arguments arguments);
     bool m_terminated = false;
 };
 
@@ -52,7 +60,10 @@ private:
 class FunctionReference final : public EngineObject
 {
 public:
-    FunctionReference(Engine& engine, Function& target) : EngineObject(engine), function(&target) {}
+    FunctionReference(Engine& engine, Function& target)
+        : EngineObject(engine, Kind::FunctionReference), function(&target)
+    {
+    }
     [[nodiscard]] std::u16string typeName() const override { return u"Object"; }
     [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view) const override
     {
@@ -63,20 +74,31 @@ public:
     Function* const function; // valid while the engine lives
 };
 
+/// What Me is outside classes: the script itself, whose names are its members.
+class ScriptScope final : public EngineObject
+{
+public:
+    explicit ScriptScope(Engine& engine) : EngineObject(engine) {}
+    [[nodiscard]] std::u16string typeName() const override { return u"Object"; }
+    [[nodiscard]] std::optional<MemberId> memberId(std::u16string_view name) const override;
+    Result<Value> invoke(MemberId member, Access access, Arguments arguments) override;
+};
+
 /// What a name stands for outside procedures.
 struct Global {
     enum class Kind : std::uint8_t {
-        Undefined,
-        Variable,
+        Variable, // these three have a value that is read without further ado
         Constant,
+        HostObject,
+        Undefined,
         Procedure,
         Class,
-        HostObject,
         HostMember,
         Intrinsic
     };
-    Kind kind = Kind::Undefined;
+    [[nodiscard]] bool hasValue() const { return kind <= Kind::HostObject; }
     Value value; // of a variable, a constant or a host object; for HostMember the object
+    Kind kind = Kind::Undefined;
     Dispatch::MemberId member = 0;
     Function* function = nullptr;
     const ClassInfo* info = nullptr;
@@ -93,12 +115,20 @@ struct ErrorState {
     int helpContext = 0;
 };
 
+/// How the program around wants its scripts.
+struct Options {
+    const Locale* locale = &Locale::english();
+    bool safeSubset = false;
+    Language language = Language::English;
+    bool htmlComments = true; // see SourceOptions
+};
+
 struct Limits {
     std::chrono::milliseconds timeout = std::chrono::seconds(10); // zero: none
     std::size_t heapBytes = std::size_t{1} << 30;
-    /// Statements after which the script ends in any case; 0: no such limit. For runs that must repeat
-    /// exactly.
-    std::uint64_t statements = 0;
+    /// Steps (rounds of loops, calls) after which the script ends in any case; 0: no such limit. For runs
+    /// that must repeat exactly.
+    std::uint64_t steps = 0;
 };
 
 /// Runs compiled code: a stack machine with frames of its own, so that no script can exhaust the C++ stack.
@@ -106,18 +136,19 @@ struct Limits {
 class Engine
 {
 public:
-    Engine(Host& host, const Locale& locale, bool safeSubset, const Limits& limits);
+    Engine(Host& host, const Options& options, const Limits& limits);
     ~Engine();
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
     // ---- for the control
     void addObject(std::u16string_view name, Dispatch& object, bool addMembers);
-    /// Compiles and runs. @returns the value of an expression, Empty for statements
-    Result<Value> execute(std::u16string_view source, bool isExpression);
+    /// Compiles and runs. @param firstLine the number of the text's first line
+    /// @returns the value of an expression, Empty for statements
+    Result<Value> execute(std::u16string_view source, bool isExpression, int firstLine);
     Result<Value> callProcedure(std::u16string_view name, Arguments arguments);
-    [[nodiscard]] bool isRunning() const { return !m_frames.empty(); }
     void setLimits(const Limits& limits) { m_limits = limits; }
+    void setLanguage(Language language) { m_options.language = language; }
 
     // ---- for objects and intrinsic functions
     Result<Value> call(Function& function, Instance* me, Arguments arguments);
@@ -133,7 +164,9 @@ public:
     Host& host() { return m_host; }
     [[nodiscard]] const Locale& locale() const { return *m_locale; }
     void setLocale(const Locale& locale) { m_locale = &locale; }
-    [[nodiscard]] bool safeSubset() const { return m_safeSubset; }
+    [[nodiscard]] Language language() const { return m_options.language; }
+    /// What a name means to all code; made when it is not known yet.
+    Global& global(Symbol name);
     ErrorState& error() { return m_error; }
     Random& random() { return m_random; }
     Names& names() { return m_names; }
@@ -146,6 +179,7 @@ public:
 private:
     friend class EngineObject;
     static constexpr std::size_t kStackValues = 512 * 1024;
+    static constexpr std::size_t kSpareValues = 8; // that instructions need beside those of a function's own
     static constexpr std::size_t kMaxFrames = 10000;
     static constexpr int kMaxNestedRuns = 48; // run() inside run(), through host objects and default values
     static constexpr std::size_t kMaxNestedTexts = 256; // Execute inside executed text
@@ -171,13 +205,14 @@ private:
     };
 
     // Engine.cpp
-    Global& global(Symbol name);
     void growGlobals();
     [[nodiscard]] std::pair<Ref<Dispatch>, Dispatch::MemberId> hostMember(Symbol name) const;
     bool resolveHostMember(Symbol name, Global& found);
-    void define(Program& program);
+    Result<void> define(Program& program);
     Result<std::unique_ptr<Program>> compileText(std::u16string_view source, bool isExpression,
-                                                 const Surroundings& around);
+                                                 const Surroundings& around, int firstLine = 1);
+    void forgetErrors();
+    void terminateCircles();
     void tearDown();
 
     // Calls.cpp
@@ -188,7 +223,9 @@ private:
     Result<void> attend();
     bool runTerminations();
     [[nodiscard]] bool mustTerminate() const { return m_dying.size() > m_waiting; }
-    void beginTermination();
+    bool beginTermination();
+    void park();
+    void spend(std::size_t steps);
     Result<void> callGlobal(Symbol name, std::size_t count, std::uint8_t flags);
     Result<void> callHost(Dispatch& host, Dispatch::MemberId member, Symbol name, std::size_t count,
                           std::uint8_t flags);
@@ -199,14 +236,17 @@ private:
                               Value* result);
     Result<void> callDispatch(Dispatch& object, Dispatch::MemberId id, std::size_t count, std::uint8_t flags,
                               Value* result);
+    Result<void> callDefault(Dispatch& object, std::size_t count, std::uint8_t flags, Value* result);
     Result<void> callMember(MemberSite& site, std::size_t count, std::uint8_t flags);
     Result<void> callInstance(Instance& object, const ClassMember& member, std::size_t count,
-                              std::uint8_t flags);
-    Result<void> putMember(MemberSite& site, std::size_t count, std::uint8_t flags);
+                              std::uint8_t flags, Value* result);
+    Result<void> putMember(MemberSite& site, std::size_t count, std::uint8_t flags, Value* bottom);
     Result<void> putInstance(Instance& object, const ClassMember& member, Symbol name, std::size_t count,
-                             std::uint8_t flags);
+                             std::uint8_t flags, Value* bottom);
     Result<void> putIndexed(Value& base, Symbol name, std::size_t count, std::uint8_t flags, Value* bottom);
-    Result<void> putGlobal(Symbol name, std::size_t count, std::uint8_t flags);
+    Result<void> putGlobal(Symbol name, std::size_t count, std::uint8_t flags, Value* bottom);
+    Result<void> findMember(const Dispatch& object, MemberSite& site);
+    void dropReferences(Value* arguments, std::size_t count);
     Result<const ClassMember*> instanceMember(Instance& object, MemberSite& site);
     Result<Dispatch*> objectOf(const Value& value, const MemberSite& site);
     std::u16string siteText(const MemberSite& site);
@@ -215,6 +255,13 @@ private:
 
     // Interpreter.cpp
     Result<Value> run();
+    Result<void> perform(const Instruction& at);
+    Result<void> performCall(const Instruction& at);
+    Result<void> performPut(const Instruction& at);
+    Result<void> performLoop(const Instruction& at);
+    bool settle(Result<void>& outcome, std::size_t floor);
+    Result<Value> endRun(Result<Value> result);
+    Value leaveFunction();
     bool handle(Fault& fault, std::size_t floor);
     [[nodiscard]] Position positionOf(const Frame& frame) const;
 
@@ -223,9 +270,12 @@ private:
     Result<void> store(Value& target, Value value, std::uint8_t flags);
     Result<void> storeGlobal(Symbol name, std::uint8_t flags);
     Result<void> loadGlobal(Symbol name, bool byReference);
-    Result<void> storeImplicit(const ImplicitName& name, std::uint8_t flags);
-    Value& implicitVariable(const ImplicitName& name);
-    Value* loopVariable(const Instruction& instruction);
+    /// The variable that executed text declared in the procedure that runs, or null.
+    Value* declaredHere(Symbol name);
+    /// Whether the name stands for the procedure's own variable, as there is nothing else of that name.
+    bool isOwnVariable(const ImplicitName& name);
+    Value* variable(VariableKind kind, std::uint32_t index);
+    void pushVariable(Value& variable, bool byReference);
     Result<void> forPrepare(std::size_t hidden);
     Result<bool> forContinues(const Instruction& instruction, bool step);
     Result<void> forEachPrepare(std::size_t hidden);
@@ -239,6 +289,7 @@ private:
     Result<bool> condition();
 
     void push(Value value) { new (m_sp++) Value(std::move(value)); }
+    void jump(std::uint32_t target) { frame().next = frame().function->code.data() + target; }
     Value pop()
     {
         --m_sp;
@@ -257,14 +308,16 @@ private:
     Frame& frame() { return m_frames.back(); }
 
     Host& m_host;
-    const Locale* m_locale;
-    bool m_safeSubset;
+    const Locale* m_locale; // as the script has set it
+    Options m_options;
     Limits m_limits;
     Names m_names;
     std::vector<std::unique_ptr<Global>> m_globals; // by Symbol
     std::vector<Ref<Dispatch>> m_memberHosts;       // whose members are globals
     std::vector<std::unique_ptr<Program>> m_programs;
-    std::unordered_set<EngineObject*> m_objects;
+    EngineObject* m_firstObject = nullptr;
+    EngineObject* m_lastObject = nullptr;
+    Ref<ScriptScope> m_scope;          // null until Me is asked for outside a class
     std::deque<Ref<Instance>> m_dying; // whose Class_Terminate is still to run
     std::size_t m_waiting = 0;         // how many of them wait for the Class_Terminate that runs now
     ErrorState m_error;
@@ -274,9 +327,10 @@ private:
     Value* m_sp;
     std::vector<Frame> m_frames;
     int m_nestedRuns = 0;
-    int m_ticks = kTicksBetweenChecks; // statements until attend() is called
+    int m_ticks = kTicksBetweenChecks; // steps until attend() is called; below 0 it is due
     int m_ticksAside = 0;              // those left when a dying object had it called earlier
-    std::uint64_t m_statements = 0;
+    bool m_isParked = false;           // m_ticksAside counts
+    std::uint64_t m_steps = 0;
     std::chrono::steady_clock::time_point m_lastCheck;
     std::chrono::steady_clock::duration m_used{};
     bool m_tornDown = false;

@@ -39,7 +39,7 @@ Result<Value> ErrObject::invoke(MemberId member, Access access, Arguments argume
     if (access == Access::Put) {
         if (arguments.size() != 1) return fault(error::kWrongArguments);
         switch (member) {
-        case kNumber: state.number = TRY_RESULT(toLong(arguments[0], locale)); break;
+        case kNumber: state.number = numberOfHresult(TRY_RESULT(toLong(arguments[0], locale))); break;
         case kDescription: state.description = TRY_RESULT(toText(arguments[0], locale)); break;
         case kSource: state.source = TRY_RESULT(toText(arguments[0], locale)); break;
         case kHelpFile: state.helpFile = TRY_RESULT(toText(arguments[0], locale)); break;
@@ -62,19 +62,21 @@ Result<Value> ErrObject::raise(Arguments arguments)
 {
     if (arguments.empty() || arguments.size() > 5) return fault(error::kWrongArguments);
     const Locale& locale = m_engine->locale();
-    const int number = TRY_RESULT(toLong(arguments[0], locale));
-    if (number == 0) return fault(error::kInvalidCall);
+    const int number = numberOfHresult(TRY_RESULT(toLong(arguments[0], locale)));
+    if (number == 0 || number > UINT16_MAX) return fault(error::kInvalidCall);
     auto raised = fault(number);
     Fault& details = *raised.value();
     const auto given = [&](std::size_t index) {
         return index < arguments.size() && !arguments[index].isMissing();
     };
-    if (given(1)) details.source = TRY_RESULT(toText(arguments[1], locale));
-    if (given(2)) details.description = TRY_RESULT(toText(arguments[2], locale));
-    if (given(3)) details.helpFile = TRY_RESULT(toText(arguments[3], locale));
-    if (given(4)) details.helpContext = TRY_RESULT(toLong(arguments[4], locale));
+    // What is not given stays as the last error left it.
+    const ErrorState& last = m_engine->error();
+    details.source = given(1) ? TRY_RESULT(toText(arguments[1], locale)) : last.source;
+    details.description = given(2) ? TRY_RESULT(toText(arguments[2], locale)) : last.description;
+    details.helpFile = given(3) ? TRY_RESULT(toText(arguments[3], locale)) : last.helpFile;
+    details.helpContext = given(4) ? TRY_RESULT(toLong(arguments[4], locale)) : last.helpContext;
     // The number's own text, so that nothing is put behind it later.
-    if (details.description.empty()) details.description = errorText(number);
+    if (details.description.empty()) details.description = errorText(number, m_engine->language());
     return raised;
 }
 

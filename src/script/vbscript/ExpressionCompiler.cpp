@@ -27,10 +27,7 @@ Result<void> FunctionCompiler::value(const Expression* expression)
     case Kind::Name: return name(expression, false);
     case Kind::Member: return member(expression, {}, 0);
     case Kind::Call: return call(expression, 0);
-    case Kind::Me:
-        if (!m_function.owner) return failAt(1037, expression->position);
-        emit(Op::Me, 1);
-        return {};
+    case Kind::Me: emit(Op::Me, 1); return {};
     case Kind::New: emit(Op::New, 1, expression->name); return {};
     case Kind::Unary:
         CHECK_RESULT(value(expression->left));
@@ -41,6 +38,19 @@ Result<void> FunctionCompiler::value(const Expression* expression)
     return {};
 }
 
+// Puts the reciprocal of a whole divisor behind it. @returns kHasReciprocal where there is one
+std::uint8_t FunctionCompiler::reciprocal(Operator operation, std::uint32_t index)
+{
+    const bool divides = operation == Operator::IntegerDivide || operation == Operator::Modulo;
+    const Value divisor = m_function.constants[index];
+    const bool fits = divisor.type() == VarType::Integer || divisor.type() == VarType::Long;
+    // By one it would need 65 bits. A constant that is used elsewhere as well has another one behind it.
+    if (!divides || !fits || divisor.whole() < 2 || index + 1 != m_function.constants.size()) return 0;
+    const std::uint64_t upwards = UINT64_MAX / static_cast<std::uint64_t>(divisor.whole()) + 1;
+    constant(Value::currency(static_cast<std::int64_t>(upwards)));
+    return kHasReciprocal;
+}
+
 // A chain of operators nests to the left, as long as the source is; it is walked without recursion.
 Result<void> FunctionCompiler::binary(const Expression* expression)
 {
@@ -49,8 +59,21 @@ Result<void> FunctionCompiler::binary(const Expression* expression)
     for (; first->kind == Kind::Binary; first = first->left) chain.push_back(first);
     CHECK_RESULT(value(first));
     for (auto link = chain.rbegin(); link != chain.rend(); ++link) {
+        const Operator operation = (*link)->operation;
+        const std::uint8_t flags = literals((*link)->left, (*link)->right);
+        const std::size_t before = m_function.code.size();
         CHECK_RESULT(value((*link)->right));
-        emit(opOf((*link)->operation), -1, 0, 0, literals((*link)->left, (*link)->right));
+        const Instruction last = m_function.code.back();
+        const bool simple = m_function.code.size() == before + 1 && isFusible(operation);
+        if (simple && (last.op == Op::Local || last.op == Op::Constant)) {
+            m_function.code.pop_back();
+            const bool isConstant = last.op == Op::Constant;
+            const int more = isConstant ? reciprocal(operation, last.a) : 0;
+            emit(fused(isConstant ? Op::AddConstant : Op::AddLocal, operation), -1, last.a, 0,
+                 static_cast<std::uint8_t>(flags | more));
+        } else {
+            emit(opOf(operation), -1, 0, 0, flags);
+        }
     }
     return {};
 }
@@ -134,9 +157,15 @@ Result<void> FunctionCompiler::call(const Expression* expression, std::uint8_t f
 // The object in front of a dot, or that of the With around.
 Result<void> FunctionCompiler::object(const Expression* expression)
 {
-    if (expression->left) return value(expression->left);
-    if (m_withSlots.empty()) return failAt(error::kUnqualifiedReference, expression->position);
-    emit(Op::Local, 1, m_withSlots.back());
+    const bool isLiteral = expression->left && expression->left->kind == Kind::Literal;
+    if (expression->left && !isLiteral) return value(expression->left);
+    // Fails when it runs, not before.
+    if (isLiteral)
+        emit(Op::Raise, 1, error::kObjectRequired);
+    else if (m_withSlots.empty())
+        emit(Op::Raise, 1, error::kUnqualifiedReference);
+    else
+        emit(Op::Local, 1, m_withSlots.back());
     return {};
 }
 

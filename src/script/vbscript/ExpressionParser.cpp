@@ -62,11 +62,11 @@ bool ExpressionParser::atStatementEnd() const
     }
 }
 
-Failed ExpressionParser::failHere(int number) const
+Failed ExpressionParser::failAtToken(int number, const Token& token)
 {
     auto failed = fault(number);
-    failed.value()->line = current().line;
-    failed.value()->column = current().column;
+    failed.value()->line = token.line;
+    failed.value()->column = token.column;
     return failed;
 }
 
@@ -84,7 +84,7 @@ Result<void> ExpressionParser::expect(Keyword keyword, int number)
 
 Result<Symbol> ExpressionParser::identifier()
 {
-    if (!at(TokenKind::Identifier)) return failHere(1010);
+    if (!at(TokenKind::Identifier)) return failHere(error::kExpectedIdentifier);
     const Symbol name = m_names.intern(current().spelling);
     advance();
     return name;
@@ -120,9 +120,11 @@ Result<std::unique_ptr<Tree>> ExpressionParser::wholeExpression()
 {
     accept(TokenKind::EndOfLine);
     const Position position = positionOf(current());
-    Expression* value = TRY_RESULT(expression());
+    // Nothing to evaluate is Empty.
+    Expression* value =
+        at(TokenKind::EndOfFile) ? node(Expression::Kind::Literal, current()) : TRY_RESULT(expression());
     accept(TokenKind::EndOfLine);
-    if (!at(TokenKind::EndOfFile)) return failHere(1025);
+    if (!at(TokenKind::EndOfFile)) return failHere(error::kExpectedEndOfStatement);
     Statement& statement = m_tree->statements.emplace_back();
     statement.kind = Statement::Kind::Let;
     statement.position = position;
@@ -133,7 +135,7 @@ Result<std::unique_ptr<Tree>> ExpressionParser::wholeExpression()
 
 Result<Expression*> ExpressionParser::binary(int minimum)
 {
-    if (++m_depth > kMaxDepth) return failHere(1001);
+    if (++m_depth > kMaxDepth) return failHere(error::kTooComplex);
     Expression* left = TRY_RESULT(unary());
     for (;;) {
         const auto found = binaryOperator(current());
@@ -157,10 +159,16 @@ Result<Expression*> ExpressionParser::unary()
     std::optional<Operator> operation;
     int precedence = kNegatePrecedence;
     if (at(TokenKind::Minus)) operation = Operator::Negate;
-    if (at(TokenKind::Plus)) operation = Operator::Plus;
     if (at(Keyword::Not) && at(TokenKind::Keyword)) {
         operation = Operator::Not;
         precedence = kNotPrecedence;
+    }
+    if (at(TokenKind::Plus)) {
+        // Leaves its operand as it is, a text a text; only no longer a variable to be handed over.
+        advance();
+        Expression* operand = TRY_RESULT(binary(precedence));
+        operand->parenthesised = true;
+        return operand;
     }
     if (!operation) return primary();
     advance();
@@ -186,7 +194,7 @@ Result<Expression*> ExpressionParser::primary()
     case TokenKind::LeftParen: {
         advance();
         Expression* inner = TRY_RESULT(expression());
-        CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+        CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
         inner->parenthesised = true;
         return postfix(inner);
     }
@@ -197,8 +205,9 @@ Result<Expression*> ExpressionParser::primary()
     }
     case TokenKind::Keyword: break;
     default:
-        return failHere(
-            token.kind == TokenKind::EndOfLine || token.kind == TokenKind::EndOfFile ? error::kSyntax : 1023);
+        return failHere(token.kind == TokenKind::EndOfLine || token.kind == TokenKind::EndOfFile
+                            ? error::kSyntax
+                            : error::kExpectedExpression);
     }
     Expression* made = node(Expression::Kind::Literal, token);
     switch (token.keyword) {
@@ -219,13 +228,13 @@ Result<Expression*> ExpressionParser::primary()
     default: return failHere(error::kSyntax);
     }
     advance();
-    return made;
+    return at(TokenKind::Dot) ? postfix(made) : made;
 }
 
 Result<Expression*> ExpressionParser::nameOrMember()
 {
     if (accept(TokenKind::LeadingDot)) {
-        if (!at(TokenKind::Identifier)) return failHere(1010);
+        if (!at(TokenKind::Identifier)) return failHere(error::kExpectedIdentifier);
         Expression* made = member(nullptr, current());
         advance();
         return made;
@@ -238,9 +247,9 @@ Result<Expression*> ExpressionParser::nameOrMember()
 Result<Expression*> ExpressionParser::postfix(Expression* left)
 {
     for (int length = 0;; ++length) {
-        if (length > kMaxChain) return failHere(1001);
+        if (length > kMaxChain) return failHere(error::kTooComplex);
         if (accept(TokenKind::Dot)) {
-            if (!at(TokenKind::Identifier)) return failHere(1010);
+            if (!at(TokenKind::Identifier)) return failHere(error::kExpectedIdentifier);
             left = member(left, current());
             advance();
         } else if (accept(TokenKind::LeftParen)) {
@@ -264,7 +273,7 @@ Result<std::vector<Expression*>> ExpressionParser::arguments(bool inParentheses)
         }
         if (!accept(TokenKind::Comma)) break;
     }
-    if (inParentheses) CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+    if (inParentheses) CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
     return found;
 }
 

@@ -49,7 +49,8 @@ protected:
     /// Whether a statement may end here.
     [[nodiscard]] bool atStatementEnd() const;
     [[nodiscard]] static Position positionOf(const Token& token) { return {token.line, token.column}; }
-    Failed failHere(int number) const;
+    Failed failHere(int number) const { return failAtToken(number, current()); }
+    static Failed failAtToken(int number, const Token& token);
     Result<void> expect(TokenKind kind, int number);
     Result<void> expect(Keyword keyword, int number);
     Result<Symbol> identifier();
@@ -70,10 +71,11 @@ protected:
     std::unique_ptr<Tree> m_tree;
     int m_depth = 0;
 
+    Result<Expression*> primary();
+
 private:
     Result<Expression*> binary(int minimum);
     Result<Expression*> unary();
-    Result<Expression*> primary();
 };
 
 } // namespace script::vbscript

@@ -22,6 +22,7 @@ struct NumberStyle {
 // (expression [, places [, leading digit [, parentheses [, groups]]]]); -2 means the system's setting
 Result<NumberStyle> styleFrom(Engine& engine, ArgumentList a, bool isCurrency)
 {
+    if (a[0].isNull()) return fault(error::kTypeMismatch);
     NumberStyle style;
     style.parentheses = isCurrency && engine.locale().negativeCurrencyInParentheses;
     const std::int32_t places = TRY_RESULT(longArgument(engine, a, 1, -1));
@@ -30,6 +31,7 @@ Result<NumberStyle> styleFrom(Engine& engine, ArgumentList a, bool isCurrency)
     bool* const choices[] = {&style.leadingDigit, &style.parentheses, &style.groups};
     for (std::size_t i = 0; i < 3; ++i) {
         const std::int32_t choice = TRY_RESULT(longArgument(engine, a, i + 2, -2));
+        if (choice < -2 || choice > 0) return fault(error::kInvalidCall);
         if (choice != -2) *choices[i] = choice != 0;
     }
     return style;
@@ -129,7 +131,7 @@ Result<Value> formatPercent(Engine& engine, ArgumentList a)
 Result<Value> formatDateTime(Engine& engine, ArgumentList a)
 {
     const Locale& locale = engine.locale();
-    if (a[0].isNull()) return fault(error::kInvalidNull);
+    if (a[0].isNull()) return fault(error::kTypeMismatch);
     const double date = TRY_RESULT(toDate(a[0], locale));
     const std::int32_t format = TRY_RESULT(longArgument(engine, a, 1, 0));
     switch (format) {

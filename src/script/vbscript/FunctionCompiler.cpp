@@ -1,5 +1,7 @@
 #include "script/vbscript/FunctionCompiler.h"
 
+#include "script/vbscript/Errors.h"
+
 #include <algorithm>
 
 namespace script::vbscript
@@ -58,7 +60,7 @@ void FunctionCompiler::nameSlots()
 
 Result<void> FunctionCompiler::checkCount(std::size_t count, Position position) const
 {
-    if (count > kMaxCount) return failAt(1001, position);
+    if (count > kMaxCount) return failAt(error::kTooComplex, position);
     return {};
 }
 
@@ -126,8 +128,12 @@ FunctionCompiler::Place FunctionCompiler::place(Symbol name)
     const bool ofProgram = std::binary_search(m_programGlobals.begin(), m_programGlobals.end(), name);
     if ((m_function.isMain && !isExecuted()) || ofProgram || m_function.optionExplicit)
         return global(name, false);
+    return implicit(name, around);
+}
 
-    // A global if there is one when the code runs, else a local of its own.
+// A global if there is one when the code runs, else a local of its own.
+FunctionCompiler::Place FunctionCompiler::implicit(Symbol name, const std::optional<Outside>& around)
+{
     const std::uint32_t slot = newSlot();
     if (isExecuted()) {
         const auto procedure = static_cast<std::uint32_t>(m_outer.functions.size() - 1);
@@ -186,11 +192,11 @@ std::size_t FunctionCompiler::emitJump(Op op, int effect)
     return m_function.code.size() - 1;
 }
 
-void FunctionCompiler::mark(Position position)
+std::size_t FunctionCompiler::mark(Position position)
 {
     assert(m_depth == 0 && "statements begin with an empty stack");
     m_function.statements.push_back({here(), position});
-    emit(Op::Statement, 0, static_cast<std::uint32_t>(m_function.statements.size() - 1));
+    return m_function.statements.size() - 1;
 }
 
 } // namespace script::vbscript

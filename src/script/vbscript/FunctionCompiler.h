@@ -48,6 +48,7 @@ private:
     Place assignedPlace(Symbol name);
     Place global(Symbol name, bool known) const;
     [[nodiscard]] bool isReturnName(Symbol name) const;
+    Place implicit(Symbol name, const std::optional<Outside>& around);
     std::uint32_t newSlot();
     void nameSlots();
     std::uint32_t constant(const Value& value);
@@ -59,7 +60,8 @@ private:
     std::size_t emitJump(Op op, int effect);
     void patch(std::size_t jump) { m_function.code[jump].a = here(); }
     [[nodiscard]] std::uint32_t here() const { return static_cast<std::uint32_t>(m_function.code.size()); }
-    void mark(Position position = {});
+    /// A statement begins here, or only a place to resume at. @returns its index
+    std::size_t mark(Position position = {});
     Result<void> checkCount(std::size_t count, Position position) const;
 
     // Expressions (ExpressionCompiler.cpp)
@@ -67,6 +69,7 @@ private:
     Result<void> argument(const Expression* expression, bool calleeIsVariable);
     Result<void> arguments(const std::vector<Expression*>& arguments, bool calleeIsVariable);
     Result<void> binary(const Expression* expression);
+    std::uint8_t reciprocal(Operator operation, std::uint32_t index);
     Result<void> name(const Expression* expression, bool byReference);
     Result<void> call(const Expression* expression, std::uint8_t flags);
     Result<void> member(const Expression* expression, const std::vector<Expression*>& arguments,
@@ -78,9 +81,10 @@ private:
     Result<void> block(const Block& block);
     Result<void> statement(const Statement& statement);
     Result<void> declareLocals(const Block& block);
+    Result<void> declareLocal(const Declarator& declared, Statement::Kind kind);
     Result<void> assignment(const Statement& statement);
     Result<void> store(Place place, std::uint8_t flags, Position position);
-    Result<void> storeIndexed(const Expression* target, const Expression* source, std::uint8_t flags);
+    Result<void> storeIndexed(const Expression* target, std::uint8_t flags);
     Result<void> callStatement(const Statement& statement);
     Result<void> ifStatement(const Statement& statement);
     Result<void> select(const Statement& statement);

@@ -74,7 +74,10 @@ bool isBlank(char16_t c) { return !isLineEnd(c) && isSpace(c); }
 class Lexer
 {
 public:
-    explicit Lexer(std::u16string_view source) : m_source(source) {}
+    Lexer(std::u16string_view source, SourceOptions options)
+        : m_source(source), m_line(options.firstLine), m_htmlComments(options.htmlComments)
+    {
+    }
 
     Result<std::vector<Token>> run()
     {
@@ -128,6 +131,7 @@ private:
     // Also passes over " _" at the end of a line.
     Result<void> skipBlanks()
     {
+        m_continued = false;
         for (;;) {
             while (!atEnd() && isBlank(peek())) ++m_position;
             if (peek() != u'_') return {};
@@ -137,12 +141,21 @@ private:
             m_position = after;
             if (atEnd()) return {};
             newLine();
+            m_continued = true;
         }
     }
 
     void skipComment()
     {
         while (!atEnd() && !isLineEnd(peek())) ++m_position;
+    }
+
+    [[nodiscard]] bool startsHtmlComment() const
+    {
+        if (!m_htmlComments) return false;
+        const auto rest = m_source.substr(m_position, 4);
+        if (rest != u"<!--" && rest.substr(0, 3) != u"-->") return false;
+        return m_tokens.empty() || m_tokens.back().kind == TokenKind::EndOfLine;
     }
 
     Result<void> readToken()
@@ -153,7 +166,7 @@ private:
             newLine();
             return {};
         }
-        if (c == u'\'') {
+        if (c == u'\'' || startsHtmlComment()) {
             skipComment();
             return {};
         }
@@ -170,7 +183,7 @@ private:
     {
         while (isNamePart(peek())) ++m_position;
         const auto spelling = m_source.substr(m_start, m_position - m_start);
-        if (spelling.size() > kMaxIdentifier) return failAt(1030, m_start);
+        if (spelling.size() > kMaxIdentifier) return failAt(error::kIdentifierTooLong, m_start);
         const bool isMember = !m_tokens.empty() && (m_tokens.back().kind == TokenKind::Dot ||
                                                     m_tokens.back().kind == TokenKind::LeadingDot);
         const auto found = spelling.size() <= 13 ? keywords().find(folded(spelling)) : keywords().end();
@@ -189,10 +202,10 @@ private:
     Result<void> readBracketed()
     {
         while (!atEnd() && !isLineEnd(peek()) && peek() != u']') ++m_position;
-        if (peek() != u']') return failAt(1007, m_position);
+        if (peek() != u']') return failAt(error::kExpectedBracket, m_position);
         const auto spelling = m_source.substr(m_start + 1, m_position - m_start - 1);
         ++m_position;
-        if (spelling.size() > kMaxIdentifier) return failAt(1030, m_start);
+        if (spelling.size() > kMaxIdentifier) return failAt(error::kIdentifierTooLong, m_start);
         add(TokenKind::Identifier).spelling = spelling;
         return {};
     }
@@ -215,28 +228,37 @@ private:
                 while (isDigit(peek())) ++m_position;
             }
         }
-        // "3in" is no number followed by a word.
-        if (isLetter(peek()) || peek() == u'_') return failAt(1031, m_position);
+        // A word may follow without a blank: If x=1Then.
         std::string digits;
         for (const char16_t c : m_source.substr(begin, m_position - begin)) digits += static_cast<char>(c);
         double value = 0;
         const auto [end, code] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
         if (code == std::errc::result_out_of_range && digits.find('-') == std::string::npos)
-            return failAt(1031, m_start);
+            return failAt(error::kInvalidNumber, m_start);
         Token& token = add(TokenKind::Number);
         token.value = whole && value <= INT32_MAX ? Value::number(static_cast<std::int64_t>(value))
                                                   : Value::real(value);
         return {};
     }
 
-    // "a"&hello joins two texts; &HFF is a number.
+    // "a"&hello joins two texts; &HFF is a number, also in &HFFor&H1.
     [[nodiscard]] bool startsRadixNumber() const
     {
         const bool hexadecimal = lowerCase(peek(1)) == u'h';
         if (!hexadecimal && lowerCase(peek(1)) != u'o') return false;
         std::size_t length = 2;
-        while (hexDigit(peek(length)) >= 0) ++length;
-        return length > 2 && !isNamePart(peek(length));
+        while (isRadixDigit(peek(length), hexadecimal)) ++length;
+        if (length == 2) return false;
+        std::size_t end = length;
+        while (isNamePart(peek(end))) ++end;
+        if (end == length) return true;
+        const auto word = keywords().find(folded(m_source.substr(m_position + length, end - length)));
+        return word != keywords().end();
+    }
+    static bool isRadixDigit(char16_t c, bool hexadecimal)
+    {
+        const int digit = hexDigit(c);
+        return digit >= 0 && (hexadecimal || digit <= 7);
     }
 
     Result<void> readRadixNumber()
@@ -245,24 +267,19 @@ private:
         const bool hexadecimal = lowerCase(peek()) == u'h';
         ++m_position;
         std::uint64_t bits = 0;
-        std::size_t digits = 0;
-        for (;; ++m_position, ++digits) {
-            const int digit = hexDigit(peek());
-            if (digit < 0 || (!hexadecimal && digit > 7)) break;
-            bits = bits * (hexadecimal ? 16 : 8) + static_cast<std::uint64_t>(digit);
-            if (bits > UINT32_MAX) return failAt(1031, m_start);
+        for (; isRadixDigit(peek(), hexadecimal); ++m_position) {
+            bits = bits * (hexadecimal ? 16 : 8) + static_cast<std::uint64_t>(hexDigit(peek()));
+            if (bits > UINT32_MAX) return failAt(error::kInvalidNumber, m_start);
         }
-        if (digits == 0 || isNamePart(peek())) return failAt(1031, m_start);
         Token& token = add(TokenKind::Number);
-        // Without the closing "&" a number of up to 16 bits is a signed 16-bit one: &HFFFF is -1.
-        if (peek() == u'&') {
-            ++m_position;
-            token.value = Value::longInteger(static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)));
-        } else if (bits <= UINT16_MAX) {
+        // Without the closing "&" a number of up to 16 bits is a signed 16-bit one: &HFFFF is -1. The type is
+        // then that of any literal, the smallest that holds the number.
+        const bool isLong = peek() == u'&' && !isNamePart(peek(1)) && peek(1) != u'"';
+        if (isLong) ++m_position;
+        if (bits <= UINT16_MAX && !isLong)
             token.value = Value::integer(static_cast<std::int16_t>(static_cast<std::uint16_t>(bits)));
-        } else {
-            token.value = Value::longInteger(static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)));
-        }
+        else
+            token.value = Value::number(static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)));
         return {};
     }
 
@@ -271,7 +288,7 @@ private:
         std::u16string text;
         ++m_position;
         for (;;) {
-            if (atEnd() || isLineEnd(peek())) return failAt(1033, m_position);
+            if (atEnd() || isLineEnd(peek())) return failAt(error::kUnterminatedString, m_position);
             const char16_t c = peek();
             ++m_position;
             if (c == u'"') {
@@ -336,7 +353,7 @@ private:
                                   : TokenKind::Greater;
             length = kind == TokenKind::Greater ? 1 : 2;
             break;
-        default: return failAt(1032, m_position);
+        default: return failAt(error::kInvalidCharacter, m_position);
         }
         add(kind);
         m_position += length;
@@ -349,9 +366,15 @@ private:
         if (m_tokens.empty() || m_position == 0) return false;
         const Token& last = m_tokens.back();
         const bool ends = last.kind == TokenKind::RightParen || last.kind == TokenKind::Identifier ||
-                          (last.kind == TokenKind::Keyword && last.keyword == Keyword::Me);
+                          (last.kind == TokenKind::Keyword && standsForValue(last.keyword));
         if (!ends) return false;
-        return last.kind == TokenKind::RightParen || !isSpace(m_source[m_position - 1]);
+        // A line that begins with a dot carries on with a member of what the last one ended in.
+        return last.kind == TokenKind::RightParen || m_continued || !isSpace(m_source[m_position - 1]);
+    }
+    static bool standsForValue(Keyword keyword)
+    {
+        return keyword == Keyword::Me || keyword == Keyword::Nothing || keyword == Keyword::Null ||
+               keyword == Keyword::Empty || keyword == Keyword::True || keyword == Keyword::False;
     }
 
     std::u16string_view m_source;
@@ -359,11 +382,16 @@ private:
     std::size_t m_position = 0;
     std::size_t m_start = 0;
     std::size_t m_lineStart = 0;
-    int m_line = 1;
+    int m_line;
+    bool m_htmlComments;
+    bool m_continued = false; // " _" stands between the last token and this one
 };
 
 } // namespace
 
-Result<std::vector<Token>> tokenize(std::u16string_view source) { return Lexer(source).run(); }
+Result<std::vector<Token>> tokenize(std::u16string_view source, SourceOptions options)
+{
+    return Lexer(source, options).run();
+}
 
 } // namespace script::vbscript

@@ -54,9 +54,14 @@ struct Token {
     Value value;                  // of literals
 };
 
+struct SourceOptions {
+    bool htmlComments = false; ///< lines that begin with "<!--" or "-->" are comments, as in pages
+    int firstLine = 1;         ///< the number of the first line
+};
+
 /// Splits source text into tokens. Runs of empty lines give one EndOfLine; the last token is EndOfFile.
 /// @param source must outlive the tokens
 /// @errors compilation errors with line and column
-Result<std::vector<Token>> tokenize(std::u16string_view source);
+Result<std::vector<Token>> tokenize(std::u16string_view source, SourceOptions options);
 
 } // namespace script::vbscript

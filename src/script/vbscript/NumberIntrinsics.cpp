@@ -99,13 +99,14 @@ Result<Value> round(Engine& engine, ArgumentList a)
     if (a[0].isNull()) return a[0];
     const std::int32_t places = TRY_RESULT(longArgument(engine, a, 1, 0));
     if (places < 0 || places > 22) return fault(error::kInvalidCall);
-    if (a[0].isWhole() && a[0].type() != VarType::Boolean) return a[0];
-    if (a[0].type() == VarType::Boolean) return Value::integer(static_cast<std::int16_t>(a[0].whole()));
+    if (a[0].isWhole()) return a[0];
+    if (a[0].isEmpty()) return Value::integer(0);
     const double number = TRY_RESULT(toDouble(a[0], engine.locale()));
     const double scale = std::pow(10.0, places);
     const double scaled = number * scale;
     const double rounded = std::fabs(scaled) < 1e15 ? roundHalfEven(scaled) / scale : number;
     if (a[0].type() == VarType::Single) return Value::single(static_cast<float>(rounded));
+    if (a[0].type() == VarType::Date) return Value::date(rounded);
     if (a[0].type() == VarType::Currency)
         return Value::currency(static_cast<std::int64_t>(roundHalfEven(rounded * 10000)));
     return Value::real(rounded);

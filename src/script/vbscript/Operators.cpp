@@ -184,15 +184,27 @@ Value ofLogicalType(VarType type, std::int32_t bits)
     return Value::longInteger(bits);
 }
 
+// The texts that CBool knows besides numbers count as what they say.
+std::optional<bool> logicalWord(const Value& value)
+{
+    return value.isString() ? booleanWord(value.text()) : std::nullopt;
+}
+
+Result<std::int32_t> logicalBits(const Value& value, const Locale& locale)
+{
+    if (const auto word = logicalWord(value)) return *word ? -1 : 0;
+    return toLong(value, locale);
+}
+
 VarType logicalType(const Value& left, const Value& right)
 {
     const auto one = [](const Value& value) {
         switch (value.type()) {
-        case VarType::Empty: return VarType::Integer;
         case VarType::Boolean:
         case VarType::Byte:
         case VarType::Integer: return value.type();
-        default: return VarType::Long;
+        case VarType::String: return logicalWord(value) ? VarType::Boolean : VarType::Long;
+        default: return VarType::Long; // Empty as well
         }
     };
     const VarType a = one(left);
@@ -206,7 +218,7 @@ Result<Value> logicalWithNull(Operator operation, const Value& left, const Value
 {
     if (left.isNull() && right.isNull()) return Value::null();
     const Value& known = left.isNull() ? right : left;
-    const std::int32_t bits = TRY_RESULT(toLong(known, locale));
+    const std::int32_t bits = TRY_RESULT(logicalBits(known, locale));
     const bool decides = (operation == Operator::And && bits == 0) ||
                          (operation == Operator::Or && bits != 0) ||
                          (operation == Operator::Imp && (left.isNull() ? bits != 0 : bits == 0));
@@ -218,14 +230,39 @@ Result<Value> logicalWithNull(Operator operation, const Value& left, const Value
 Result<Value> logical(Operator operation, const Value& left, const Value& right, const Locale& locale)
 {
     if (left.isNull() || right.isNull()) return logicalWithNull(operation, left, right, locale);
-    const std::int32_t a = TRY_RESULT(toLong(left, locale));
-    const std::int32_t b = TRY_RESULT(toLong(right, locale));
+    const std::int32_t a = TRY_RESULT(logicalBits(left, locale));
+    const std::int32_t b = TRY_RESULT(logicalBits(right, locale));
     return ofLogicalType(logicalType(left, right), combineBits(operation, a, b));
 }
+
+// A whole number's text without the detour over a string of its own.
+class Digits
+{
+public:
+    std::u16string_view of(std::int32_t number)
+    {
+        std::uint32_t rest =
+            number < 0 ? 0U - static_cast<std::uint32_t>(number) : static_cast<std::uint32_t>(number);
+        char16_t* begin = std::end(m_characters);
+        do *--begin = static_cast<char16_t>(u'0' + rest % 10);
+        while ((rest /= 10) != 0);
+        if (number < 0) *--begin = u'-';
+        return {begin, static_cast<std::size_t>(std::end(m_characters) - begin)};
+    }
+
+private:
+    char16_t m_characters[12];
+};
 
 Result<Value> concatenate(const Value& left, const Value& right, const Locale& locale)
 {
     if (left.isNull() && right.isNull()) return Value::null();
+    if (left.isString() && !left.hasOddByte() && right.isWhole() && right.type() != VarType::Boolean) {
+        Digits digits;
+        Value joined;
+        if (!Value::concat(left, digits.of(right.whole()), joined)) return fault(error::kOutOfStringSpace);
+        return joined;
+    }
     const Value empty = Value::string(u"");
     const Value a = TRY_RESULT(toStringValue(left.isNull() ? empty : left, locale));
     const Value b = TRY_RESULT(toStringValue(right.isNull() ? empty : right, locale));
@@ -272,6 +309,11 @@ Result<std::optional<int>> compareValues(const Value& left, const Value& right, 
         const Value& other = left.isString() ? right : left;
         const int direction = left.isString() ? 1 : -1;
         if (other.isEmpty()) return direction * (text.text().empty() ? 0 : 1);
+        // A logical value has no place among numbers here: it is compared as it is written.
+        if (other.type() == VarType::Boolean) {
+            const auto written = TRY_RESULT(toText(other, locale));
+            return direction * text.text().compare(written);
+        }
         const bool textIsLiteral = (literals & (left.isString() ? kLeftLiteral : kRightLiteral)) != 0;
         const bool otherIsLiteral = (literals & (left.isString() ? kRightLiteral : kLeftLiteral)) != 0;
         if (otherIsLiteral) {
@@ -293,6 +335,10 @@ Result<std::optional<int>> compareValues(const Value& left, const Value& right, 
     }
     const double a = TRY_RESULT(toDouble(left, locale));
     const double b = TRY_RESULT(toDouble(right, locale));
+    // The digits that a Single lacks make no difference.
+    const bool single = (left.type() == VarType::Single && right.type() == VarType::Double) ||
+                        (left.type() == VarType::Double && right.type() == VarType::Single);
+    if (single) return sign(static_cast<float>(a), static_cast<float>(b));
     return sign(a, b);
 }
 
@@ -341,7 +387,7 @@ Result<Value> applyUnary(Operator operation, const Value& operand, const Locale&
 {
     if (operand.isNull()) return operand;
     if (operation == Operator::Not) {
-        const std::int32_t bits = TRY_RESULT(toLong(operand, locale));
+        const std::int32_t bits = TRY_RESULT(logicalBits(operand, locale));
         return ofLogicalType(logicalType(operand, operand), ~bits);
     }
     switch (operand.type()) {
@@ -349,24 +395,18 @@ Result<Value> applyUnary(Operator operation, const Value& operand, const Locale&
     case VarType::Boolean:
     case VarType::Byte:
     case VarType::Integer:
-    case VarType::Long: {
-        if (operation == Operator::Plus)
-            return operand.type() == VarType::Boolean
-                       ? Value::integer(static_cast<std::int16_t>(operand.whole()))
-                       : operand;
+    case VarType::Long:
         return widenedWhole(operand.type() == VarType::Long ? VarType::Long : VarType::Integer,
                             -std::int64_t{operand.whole()});
-    }
     case VarType::Currency:
         if (operand.tenThousandths() == INT64_MIN) return fault(error::kOverflow);
-        return operation == Operator::Plus ? operand : Value::currency(-operand.tenThousandths());
+        return Value::currency(-operand.tenThousandths());
     case VarType::Single:
     case VarType::Double:
     case VarType::Date:
     case VarType::String: {
         const double number = TRY_RESULT(toDouble(operand, locale));
-        const VarType type = operand.isString() ? VarType::Double : operand.type();
-        return checkedReal(type, operation == Operator::Plus ? number : -number);
+        return checkedReal(operand.isString() ? VarType::Double : operand.type(), -number);
     }
     default: return mismatch(operand);
     }

@@ -23,7 +23,7 @@ public:
             advance();
             CHECK_RESULT(expect(Keyword::Explicit, error::kSyntax));
             m_tree->optionExplicit = true;
-            if (!atStatementEnd()) return failHere(1025);
+            if (!atStatementEnd()) return failHere(error::kExpectedEndOfStatement);
         }
         m_tree->body = TRY_RESULT(block());
         if (!at(TokenKind::EndOfFile)) return unexpected();
@@ -35,9 +35,9 @@ private:
 
     Failed unexpected() const
     {
-        if (at(Keyword::Loop)) return failHere(1038);
-        if (at(Keyword::Next)) return failHere(1055);
-        return failHere(error::kSyntax);
+        if (at(Keyword::Loop)) return failHere(error::kLoopWithoutDo);
+        if (at(Keyword::Next)) return failHere(error::kUnexpectedNext);
+        return failHere(error::kExpectedStatement);
     }
 
     void skipLineEnds()
@@ -64,14 +64,16 @@ private:
 
     Result<Block> block() override
     {
-        if (++m_blocks > kMaxBlocks) return failHere(1001);
+        if (++m_blocks > kMaxBlocks) return failHere(error::kTooComplex);
         Block found;
         for (;;) {
             skipLineEnds();
             if (atBlockEnd()) break;
             CHECK_RESULT(statement(found));
-            if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon) && !at(TokenKind::EndOfFile))
-                return failHere(1025);
+            // The word that ends the block may follow at once: Sub P() x = 1 End Sub.
+            const bool ended = at(TokenKind::EndOfLine) || at(TokenKind::Colon) || at(TokenKind::EndOfFile) ||
+                               (at(Keyword::End) && at(TokenKind::Keyword));
+            if (!ended) return failHere(error::kExpectedEndOfStatement);
         }
         --m_blocks;
         return found;
@@ -92,16 +94,15 @@ private:
         case TokenKind::Identifier:
         case TokenKind::LeadingDot: return callOrAssignment(into);
         case TokenKind::Keyword: return keywordStatement(into);
-        default:
-            return failHere(
-                token.kind == TokenKind::Number || token.kind == TokenKind::String ? 1024 : error::kSyntax);
+        default: return failHere(error::kExpectedStatement);
         }
     }
 
     Result<void> keywordStatement(Block& into)
     {
         switch (current().keyword) {
-        case Keyword::Me: return callOrAssignment(into);
+        case Keyword::Me:
+        case Keyword::Nothing: return callOrAssignment(into);
         case Keyword::Dim:
         case Keyword::Const:
         case Keyword::Public:
@@ -126,8 +127,7 @@ private:
             into.push_back(statementAt(Kind::Stop, current()));
             advance();
             return {};
-        case Keyword::Option: return failHere(error::kSyntax);
-        default: return failHere(error::kSyntax);
+        default: return failHere(error::kExpectedStatement);
         }
     }
 
@@ -137,8 +137,10 @@ private:
     {
         auto* made = statementAt(at(Keyword::Set) ? Kind::Set : Kind::Let, current());
         advance();
+        const Token& first = current();
         made->target = TRY_RESULT(reference());
-        CHECK_RESULT(expect(TokenKind::Equal, 1011));
+        if (made->target->kind == Expression::Kind::Me) return failAtToken(error::kInvalidMe, first);
+        CHECK_RESULT(expect(TokenKind::Equal, error::kExpectedEqual));
         made->value = TRY_RESULT(expression());
         into.push_back(made);
         return {};
@@ -151,7 +153,8 @@ private:
             advance();
             return postfix(me);
         }
-        if (!at(TokenKind::Identifier) && !at(TokenKind::LeadingDot)) return failHere(1010);
+        if (!at(TokenKind::Identifier) && !at(TokenKind::LeadingDot))
+            return failHere(error::kExpectedIdentifier);
         Expression* named = TRY_RESULT(nameOrMember());
         return postfix(named);
     }
@@ -160,7 +163,8 @@ private:
     {
         auto* made = statementAt(Kind::Call, current());
         advance();
-        made->value = TRY_RESULT(reference());
+        // Call (New C).M
+        made->value = at(TokenKind::LeftParen) ? TRY_RESULT(primary()) : TRY_RESULT(reference());
         if (made->value->kind != Expression::Kind::Call) made->value = call(made->value, {});
         into.push_back(made);
         return {};
@@ -171,17 +175,20 @@ private:
     {
         const Token& first = current();
         Expression* left = nullptr;
-        if (at(Keyword::Me)) {
-            left = node(Expression::Kind::Me, first);
+        if (at(TokenKind::Keyword)) {
+            left = node(at(Keyword::Me) ? Expression::Kind::Me : Expression::Kind::Literal, first);
+            if (at(Keyword::Nothing)) left->literal = Value::object(nullptr);
             advance();
+            if (left->kind == Expression::Kind::Literal && !at(TokenKind::Dot))
+                return failAtToken(error::kExpectedStatement, first);
         } else {
             left = TRY_RESULT(nameOrMember());
         }
         bool called = false;
         for (int length = 0;; ++length) {
-            if (length > kMaxChain) return failHere(1001);
+            if (length > kMaxChain) return failHere(error::kTooComplex);
             if (accept(TokenKind::Dot)) {
-                if (!at(TokenKind::Identifier)) return failHere(1010);
+                if (!at(TokenKind::Identifier)) return failHere(error::kExpectedIdentifier);
                 left = member(left, current());
                 advance();
                 continue;
@@ -199,13 +206,14 @@ private:
                 m_next = before;
                 break;
             }
-            if (found.size() > 1) return failHere(1044);
+            if (found.size() > 1) return failHere(error::kSubInParentheses);
             for (Expression* argument : found) argument->parenthesised = true;
             left = call(left, std::move(found));
             called = true;
             break;
         }
         if (!called && at(TokenKind::Equal)) {
+            if (left->kind == Expression::Kind::Me) return failAtToken(error::kInvalidMe, first);
             advance();
             auto* made = statementAt(Kind::Let, first);
             made->target = left;
@@ -232,12 +240,12 @@ private:
             Declarator array;
             array.position = positionOf(current());
             array.name = TRY_RESULT(identifier());
-            CHECK_RESULT(expect(TokenKind::LeftParen, 1005));
+            CHECK_RESULT(expect(TokenKind::LeftParen, error::kExpectedLeftParen));
             do {
                 array.newBounds.push_back(TRY_RESULT(expression()));
             } while (accept(TokenKind::Comma));
-            if (array.newBounds.size() > 60) return failHere(1001);
-            CHECK_RESULT(expect(TokenKind::RightParen, 1006));
+            if (array.newBounds.size() > 60) return failHere(error::kTooComplex);
+            CHECK_RESULT(expect(TokenKind::RightParen, error::kExpectedRightParen));
             made->declarators.push_back(std::move(array));
         } while (accept(TokenKind::Comma));
         into.push_back(made);
@@ -265,7 +273,7 @@ private:
         first.position = made->position;
         advance();
         first.conditions.push_back(TRY_RESULT(expression()));
-        CHECK_RESULT(expect(Keyword::Then, 1017));
+        CHECK_RESULT(expect(Keyword::Then, error::kExpectedThen));
         into.push_back(made);
         if (!at(TokenKind::EndOfLine)) return singleLineIf(made);
 
@@ -275,17 +283,17 @@ private:
             branch.position = positionOf(current());
             advance();
             branch.conditions.push_back(TRY_RESULT(expression()));
-            CHECK_RESULT(expect(Keyword::Then, 1017));
+            CHECK_RESULT(expect(Keyword::Then, error::kExpectedThen));
             branch.body = TRY_RESULT(block());
             made->branches.push_back(std::move(branch));
         }
         if (accept(Keyword::Else)) made->otherwise = TRY_RESULT(block());
-        return endWord(Keyword::If, 1012);
+        return endWord(Keyword::If, error::kExpectedIf);
     }
 
     Result<void> singleLineIf(Statement* made)
     {
-        if (++m_blocks > kMaxBlocks) return failHere(1001);
+        if (++m_blocks > kMaxBlocks) return failHere(error::kTooComplex);
         made->branches.back().body = TRY_RESULT(lineOfStatements());
         if (accept(Keyword::Else)) made->otherwise = TRY_RESULT(lineOfStatements());
         // "If a Then b End If" on one line is allowed.
@@ -305,7 +313,7 @@ private:
             if (at(TokenKind::EndOfLine) || at(TokenKind::EndOfFile) || at(Keyword::Else)) break;
             if (at(Keyword::End) && ahead().keyword == Keyword::If) break;
             CHECK_RESULT(statement(found));
-            if (!atStatementEnd()) return failHere(1025);
+            if (!atStatementEnd()) return failHere(error::kExpectedEndOfStatement);
             if (!at(TokenKind::Colon)) break;
         }
         return found;
@@ -315,9 +323,10 @@ private:
     {
         auto* made = statementAt(Kind::Select, current());
         advance();
-        CHECK_RESULT(expect(Keyword::Case, 1021));
+        CHECK_RESULT(expect(Keyword::Case, error::kExpectedCase));
         made->value = TRY_RESULT(expression());
-        if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon)) return failHere(1025);
+        if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon))
+            return failHere(error::kExpectedEndOfStatement);
         skipLineEnds();
         while (at(Keyword::Case)) {
             Branch branch;
@@ -334,7 +343,7 @@ private:
             made->branches.push_back(std::move(branch));
         }
         into.push_back(made);
-        return endWord(Keyword::Select, 1022);
+        return endWord(Keyword::Select, error::kExpectedSelect);
     }
 
     Result<void> loopBody(Statement* made, Keyword closing, int number)
@@ -353,32 +362,33 @@ private:
         if (accept(Keyword::Each)) {
             made->kind = Kind::ForEach;
             made->target = TRY_RESULT(loopVariable());
-            CHECK_RESULT(expect(Keyword::In, 1046));
+            CHECK_RESULT(expect(Keyword::In, error::kExpectedIn));
             made->value = TRY_RESULT(expression());
         } else {
             made->target = TRY_RESULT(loopVariable());
-            CHECK_RESULT(expect(TokenKind::Equal, 1011));
+            CHECK_RESULT(expect(TokenKind::Equal, error::kExpectedEqual));
             made->value = TRY_RESULT(expression());
-            CHECK_RESULT(expect(Keyword::To, 1013));
+            CHECK_RESULT(expect(Keyword::To, error::kExpectedTo));
             made->limit = TRY_RESULT(expression());
             if (accept(Keyword::Step)) made->step = TRY_RESULT(expression());
         }
-        if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon)) return failHere(1025);
-        return loopBody(made, Keyword::Next, 1020);
+        if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon))
+            return failHere(error::kExpectedEndOfStatement);
+        return loopBody(made, Keyword::Next, error::kExpectedNext);
     }
 
     Result<Expression*> loopVariable()
     {
         Expression* made = node(Expression::Kind::Name, current());
         made->name = TRY_RESULT(identifier());
-        if (at(TokenKind::Dot) || at(TokenKind::LeftParen)) return failHere(1040);
+        if (at(TokenKind::Dot) || at(TokenKind::LeftParen)) return failHere(error::kInvalidLoopVariable);
         return made;
     }
 
     Result<bool> loopTest(Statement* made, Statement::Test test)
     {
         if (!at(Keyword::While) && !at(Keyword::Until)) return false;
-        if (made->test != Statement::Test::None) return failHere(1025);
+        if (made->test != Statement::Test::None) return failHere(error::kExpectedEndOfStatement);
         made->test = test;
         made->until = at(Keyword::Until);
         advance();
@@ -393,10 +403,11 @@ private:
         into.push_back(made);
         const LoopScope scope(m_doLoops);
         const bool tested = TRY_RESULT(loopTest(made, Statement::Test::Before));
-        if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon)) return failHere(tested ? 1025 : 1028);
-        CHECK_RESULT(loopBody(made, Keyword::Loop, 1019));
+        if (!at(TokenKind::EndOfLine) && !at(TokenKind::Colon))
+            return failHere(tested ? error::kExpectedEndOfStatement : error::kExpectedLoopTest);
+        CHECK_RESULT(loopBody(made, Keyword::Loop, error::kExpectedLoop));
         const bool testedAfter = TRY_RESULT(loopTest(made, Statement::Test::After));
-        if (!testedAfter && !tested && !atStatementEnd()) return failHere(1028);
+        if (!testedAfter && !tested && !atStatementEnd()) return failHere(error::kExpectedLoopTest);
         return {};
     }
 
@@ -407,7 +418,7 @@ private:
         made->test = Statement::Test::Before;
         made->value = TRY_RESULT(expression());
         into.push_back(made);
-        return loopBody(made, Keyword::Wend, 1018);
+        return loopBody(made, Keyword::Wend, error::kExpectedWend);
     }
 
     Result<void> withStatement(Block& into)
@@ -417,7 +428,7 @@ private:
         made->value = TRY_RESULT(expression());
         made->body = TRY_RESULT(block());
         into.push_back(made);
-        return endWord(Keyword::With, 1029);
+        return endWord(Keyword::With, error::kExpectedWith);
     }
 
     Result<void> exitStatement(Block& into)
@@ -431,7 +442,7 @@ private:
         } else if (m_inProcedure && at(m_procedureWord)) {
             made->exit = Statement::Exit::Procedure;
         } else {
-            return failHere(1039);
+            return failHere(error::kInvalidExit);
         }
         advance();
         into.push_back(made);
@@ -444,7 +455,7 @@ private:
         advance();
         CHECK_RESULT(expect(Keyword::Error, error::kSyntax));
         if (accept(Keyword::Resume)) {
-            CHECK_RESULT(expect(Keyword::Next, 1020));
+            CHECK_RESULT(expect(Keyword::Next, error::kExpectedNext));
         } else {
             CHECK_RESULT(expect(Keyword::GoTo, error::kSyntax));
             const bool zero =
@@ -464,22 +475,19 @@ private:
         LoopScope& operator=(const LoopScope&) = delete;
         int& count;
     };
-
-    int m_forLoops = 0;
-    int m_doLoops = 0;
 };
 
 } // namespace
 
-Result<std::unique_ptr<Tree>> parseCode(std::u16string_view source, Names& names)
+Result<std::unique_ptr<Tree>> parseCode(std::u16string_view source, Names& names, SourceOptions options)
 {
-    auto tokens = TRY_RESULT(tokenize(source));
+    auto tokens = TRY_RESULT(tokenize(source, options));
     return Parser(std::move(tokens), names).wholeCode();
 }
 
 Result<std::unique_ptr<Tree>> parseExpression(std::u16string_view source, Names& names)
 {
-    auto tokens = TRY_RESULT(tokenize(source));
+    auto tokens = TRY_RESULT(tokenize(source, {}));
     return ExpressionParser(std::move(tokens), names).wholeExpression();
 }
 

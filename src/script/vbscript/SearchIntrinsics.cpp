@@ -39,7 +39,6 @@ Result<Value> inStr(Engine& engine, ArgumentList a)
 // InStrRev(text, what [, start [, compare]])
 Result<Value> inStrRev(Engine& engine, ArgumentList a)
 {
-    if (a[0].isNull() || a[1].isNull()) return Value::null();
     const Value kept = TRY_RESULT(toStringValue(a[0], engine.locale()));
     const Value what = TRY_RESULT(toStringValue(a[1], engine.locale()));
     const std::int32_t start = TRY_RESULT(longArgument(engine, a, 2, -1));
@@ -123,7 +122,6 @@ Result<Value> split(Engine& engine, ArgumentList a)
 
 Result<Value> join(Engine& engine, ArgumentList a)
 {
-    if (a[0].isNull()) return fault(error::kInvalidNull);
     if (!a[0].isArray() || a[0].asArray()->bounds.size() > 1) return fault(error::kTypeMismatch);
     const Value separator =
         given(a, 1) ? TRY_RESULT(toStringValue(a[1], engine.locale())) : Value::string(u" ");
@@ -134,6 +132,7 @@ Result<Value> join(Engine& engine, ArgumentList a)
         if (!first) result += separator.text();
         first = false;
         const Value value = TRY_RESULT(engine.plain(element));
+        if (value.isNull()) return fault(error::kTypeMismatch);
         const Value text = TRY_RESULT(toStringValue(value, engine.locale()));
         CHECK_RESULT(roomFor(engine, result.size() + text.text().size()));
         result += text.text();

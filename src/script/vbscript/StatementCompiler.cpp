@@ -2,40 +2,29 @@
 #include "script/vbscript/FunctionCompiler.h"
 #include "script/vbscript/Operators.h"
 
+#include <algorithm>
+
 namespace script::vbscript
 {
 
 using Kind = Statement::Kind;
 
-// Dim and Const count for the whole procedure, wherever they stand in it.
+// Dim and Const count for the whole procedure, wherever they stand in it; so does ReDim of a name that
+// nothing else declares.
 Result<void> FunctionCompiler::declareLocals(const Block& statements)
 {
     for (const Statement* one : statements) {
         switch (one->kind) {
         case Kind::Dim:
         case Kind::Const:
-            for (const Declarator& declared : one->declarators) {
-                // In executed text a second Dim means the variable that is there already.
-                const bool known = m_function.names.count(declared.name) != 0 || isReturnName(declared.name);
-                if (known) return failAt(1041, declared.position);
-                LocalName local;
-                if (one->kind == Kind::Const) {
-                    local.constant = static_cast<int>(constant(declared.literal));
-                } else {
-                    local.slot = newSlot();
-                    if (isExecuted()) {
-                        const auto procedure = static_cast<std::uint32_t>(m_outer.functions.size() - 1);
-                        auto held = outside(declared.name);
-                        if (!held || held->constant) held = Outside{procedure, -1, nullptr, false};
-                        m_function.captures.push_back(
-                            {local.slot, held->slot, declared.name, held->depth, true});
-                    }
-                    if (declared.isArray) {
-                        m_function.shapes.push_back(declared.bounds);
-                        emit(Op::MakeArray, 0, local.slot, m_function.shapes.size() - 1);
-                    }
-                }
-                m_function.names[declared.name] = local;
+            for (const Declarator& declared : one->declarators)
+                CHECK_RESULT(declareLocal(declared, one->kind));
+            break;
+        case Kind::ReDim:
+            for (const Declarator& array : one->declarators) {
+                if (m_function.optionExplicit && place(array.name).kind == Place::Kind::Global &&
+                    !std::binary_search(m_programGlobals.begin(), m_programGlobals.end(), array.name))
+                    implicit(array.name, isExecuted() ? outside(array.name) : std::nullopt);
             }
             break;
         default:
@@ -45,6 +34,33 @@ Result<void> FunctionCompiler::declareLocals(const Block& statements)
         }
     }
     return checkCount(m_function.shapes.size(), {});
+}
+
+Result<void> FunctionCompiler::declareLocal(const Declarator& declared, Kind kind)
+{
+    // In executed text a second Dim means the variable that is there already.
+    const bool known = m_function.names.count(declared.name) != 0 || isReturnName(declared.name);
+    if (known) return failAt(error::kNameRedefined, declared.position);
+    LocalName local;
+    if (kind == Kind::Const) {
+        local.constant = static_cast<int>(constant(declared.literal));
+        m_function.names[declared.name] = local;
+        return {};
+    }
+    local.slot = newSlot();
+    if (isExecuted()) {
+        const auto procedure = static_cast<std::uint32_t>(m_outer.functions.size() - 1);
+        auto held = outside(declared.name);
+        if (!held || held->constant) held = Outside{procedure, -1, nullptr, false};
+        m_function.captures.push_back({local.slot, held->slot, declared.name, held->depth, true});
+    }
+    if (declared.isArray) {
+        mark(declared.position);
+        m_function.shapes.push_back(declared.bounds);
+        emit(Op::MakeArray, 0, local.slot, m_function.shapes.size() - 1);
+    }
+    m_function.names[declared.name] = local;
+    return {};
 }
 
 Result<void> FunctionCompiler::block(const Block& statements)
@@ -122,17 +138,19 @@ Result<void> FunctionCompiler::assignment(const Statement& one)
         return store(assignedPlace(one.target->name), flags, one.target->position);
     }
     case Expression::Kind::Member:
-        CHECK_RESULT(object(one.target));
         CHECK_RESULT(value(one.value));
+        CHECK_RESULT(object(one.target));
         emit(Op::PutMember, -2, site(one.target->name, one.target->left), 0, flags);
         return {};
-    case Expression::Kind::Call: return storeIndexed(one.target, one.value, flags);
+    case Expression::Kind::Call:
+        // The value comes before the indexes, so that what it changes is seen by them.
+        CHECK_RESULT(value(one.value));
+        return storeIndexed(one.target, flags);
     default: return failAt(error::kIllegalAssignment, one.target->position);
     }
 }
 
-Result<void> FunctionCompiler::storeIndexed(const Expression* target, const Expression* source,
-                                            std::uint8_t flags)
+Result<void> FunctionCompiler::storeIndexed(const Expression* target, std::uint8_t flags)
 {
     const Expression* base = target->left;
     const auto& list = target->arguments;
@@ -140,7 +158,6 @@ Result<void> FunctionCompiler::storeIndexed(const Expression* target, const Expr
     if (base->kind == Expression::Kind::Member) {
         CHECK_RESULT(object(base));
         CHECK_RESULT(arguments(list, true));
-        CHECK_RESULT(value(source));
         emit(Op::PutMember, effect - 1, site(base->name, base->left), list.size(), flags);
         return {};
     }
@@ -151,13 +168,11 @@ Result<void> FunctionCompiler::storeIndexed(const Expression* target, const Expr
         else
             CHECK_RESULT(value(base));
         CHECK_RESULT(arguments(list, true));
-        CHECK_RESULT(value(source));
         emit(Op::PutValue, effect - 1, 0, list.size(), flags);
         return {};
     }
     const Place found = place(base->name);
     CHECK_RESULT(arguments(list, true));
-    CHECK_RESULT(value(source));
     switch (found.kind) {
     case Place::Kind::Local: emit(Op::PutLocal, effect, found.index, list.size(), flags); return {};
     case Place::Kind::Global: emit(Op::PutGlobal, effect, found.index, list.size(), flags); return {};
@@ -231,6 +246,8 @@ Result<void> FunctionCompiler::ifStatement(const Statement& one)
 Result<void> FunctionCompiler::select(const Statement& one)
 {
     const std::uint32_t subject = newSlot();
+    // Without a value to compare there is no case to go on in.
+    const std::size_t statement = m_function.statements.size() - 1;
     CHECK_RESULT(value(one.value));
     emit(Op::StoreLocal, -1, subject);
     std::vector<std::size_t> ends;
@@ -252,6 +269,7 @@ Result<void> FunctionCompiler::select(const Statement& one)
     }
     CHECK_RESULT(block(one.otherwise));
     for (const std::size_t jump : ends) patch(jump);
+    m_function.statements[statement].resume = here();
     mark();
     emit(Op::ClearLocal, 0, subject);
     return {};
@@ -263,7 +281,7 @@ Result<void> FunctionCompiler::forLoop(const Statement& one)
     newSlot();
     const Place variable = assignedPlace(one.target->name);
     if (variable.kind == Place::Kind::Constant || variable.kind == Place::Kind::Own) {
-        return failAt(1040, one.target->position);
+        return failAt(error::kInvalidLoopVariable, one.target->position);
     }
     const auto kind =
         static_cast<std::uint8_t>(variable.kind == Place::Kind::Local      ? VariableKind::Local
@@ -287,7 +305,7 @@ Result<void> FunctionCompiler::forLoop(const Statement& one)
     CHECK_RESULT(block(one.body));
     mark(one.closing);
     emit(Op::ForNext, 0, variable.index, hidden, kind);
-    emit(Op::Jump, 0, body);
+    emit(Op::Loop, 0, body);
     for (const std::size_t jump : m_loops.back().exits) patch(jump);
     m_loops.pop_back();
     return {};
@@ -309,7 +327,7 @@ Result<void> FunctionCompiler::forEach(const Statement& one)
     patch(toNext);
     mark(one.closing);
     emit(Op::ForEachNext, 1, 0, hidden);
-    emit(Op::Jump, -1, assign);
+    emit(Op::Loop, -1, assign);
     for (const std::size_t jump : m_loops.back().exits) patch(jump);
     m_loops.pop_back();
     mark();
@@ -330,10 +348,9 @@ Result<void> FunctionCompiler::doLoop(const Statement& one)
     mark(one.closing);
     if (one.test == Statement::Test::After) {
         CHECK_RESULT(value(one.value));
-        emit(one.until ? Op::JumpFalse : Op::JumpTrue, -1, top);
-    } else {
-        emit(Op::Jump, 0, top);
+        m_loops.back().exits.push_back(emitJump(one.until ? Op::JumpTrue : Op::JumpFalse, -1));
     }
+    emit(Op::Loop, 0, top);
     for (const std::size_t jump : m_loops.back().exits) patch(jump);
     m_loops.pop_back();
     return {};
@@ -368,7 +385,7 @@ Result<void> FunctionCompiler::exit(const Statement& one)
         }
         if (loop->eachSlot >= 0) emit(Op::ClearLocal, 0, static_cast<std::uint32_t>(loop->eachSlot));
     }
-    return failAt(1039, one.position);
+    return failAt(error::kInvalidExit, one.position);
 }
 
 } // namespace script::vbscript

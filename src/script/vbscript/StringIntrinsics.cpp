@@ -111,9 +111,9 @@ char16_t characterOfCode(std::int32_t code)
 
 Result<Value> string(Engine& engine, ArgumentList a)
 {
+    if (a[0].isNull() || a[1].isNull()) return Value::null();
     const std::int32_t count = TRY_RESULT(toLong(a[0], engine.locale()));
     if (count < 0) return fault(error::kInvalidCall);
-    if (a[1].isNull()) return Value::null();
     char16_t character = 0;
     if (a[1].isString()) {
         if (a[1].text().empty()) return fault(error::kInvalidCall);
@@ -165,8 +165,7 @@ Result<Value> chr(Engine& engine, ArgumentList a)
 
 Result<Value> chrB(Engine& engine, ArgumentList a)
 {
-    const std::int32_t code = TRY_RESULT(toLong(a[0], engine.locale()));
-    if (code < 0 || code > 255) return fault(error::kInvalidCall);
+    const auto code = TRY_RESULT(toByte(a[0], engine.locale())); // more than a byte is an overflow
     const char byte = static_cast<char>(code);
     return Value::byteString(std::string_view(&byte, 1));
 }

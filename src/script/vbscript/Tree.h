@@ -18,7 +18,7 @@ enum class Operator : std::uint8_t {
     Add, Subtract, Multiply, Divide, IntegerDivide, Modulo, Power, Concat,
     Equal, NotEqual, Less, Greater, LessEqual, GreaterEqual, Is,
     And, Or, Xor, Eqv, Imp,
-    Negate, Plus, Not,
+    Negate, Not,
 };
 // clang-format on
 

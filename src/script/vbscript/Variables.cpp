@@ -119,6 +119,12 @@ Result<void> Engine::store(Value& target, Value value, std::uint8_t flags)
 Result<void> Engine::loadGlobal(Symbol name, bool byReference)
 {
     Global& found = *m_globals[name];
+    if (found.kind == Global::Kind::Undefined) {
+        if (Value* declared = declaredHere(name)) {
+            pushVariable(*declared, byReference);
+            return {};
+        }
+    }
     switch (found.kind) {
     case Global::Kind::Variable: push(byReference ? Value::reference(&found.value) : found.value); return {};
     case Global::Kind::Constant:
@@ -143,6 +149,9 @@ Result<void> Engine::loadGlobal(Symbol name, bool byReference)
 Result<void> Engine::storeGlobal(Symbol name, std::uint8_t flags)
 {
     Global& found = *m_globals[name];
+    if (found.kind == Global::Kind::Undefined) {
+        if (Value* declared = declaredHere(name)) return store(*declared, pop(), flags);
+    }
     if (found.kind == Global::Kind::Undefined && !resolveHostMember(name, found)) {
         if (frame().function->optionExplicit) return fault(error::kUndefinedVariable, m_names.spelling(name));
         found.kind = Global::Kind::Variable;
@@ -156,38 +165,52 @@ Result<void> Engine::storeGlobal(Symbol name, std::uint8_t flags)
         return stored;
     }
     if (found.kind == Global::Kind::HostMember || found.kind == Global::Kind::Intrinsic)
-        return putGlobal(name, 0, flags);
+        return putGlobal(name, 0, flags, m_sp - 1);
     return fault(error::kIllegalAssignment, m_names.spelling(name));
 }
 
-Value& Engine::implicitVariable(const ImplicitName& name) { return frame().locals[name.slot]; }
-
-Result<void> Engine::storeImplicit(const ImplicitName& name, std::uint8_t flags)
+Value* Engine::declaredHere(Symbol name)
 {
-    Global& found = *m_globals[name.name];
-    if (found.kind != Global::Kind::Undefined || resolveHostMember(name.name, found))
-        return storeGlobal(name.name, flags);
-    Value value = pop();
-    return store(implicitVariable(name), std::move(value), flags);
+    std::size_t at = m_frames.size() - 1;
+    while (m_frames[at].function->seesLocals) --at;
+    const auto& extras = m_frames[at].extras;
+    if (!extras || extras->declared.count(name) == 0) return nullptr;
+    const auto found = extras->variables.find(name);
+    return found == extras->variables.end() ? nullptr : &found->second->resolved();
 }
 
-// ---- loops
+bool Engine::isOwnVariable(const ImplicitName& name)
+{
+    Global& found = *m_globals[name.name];
+    if (found.kind != Global::Kind::Undefined) return false;
+    return found.hostsAsked == static_cast<int>(m_memberHosts.size()) || !resolveHostMember(name.name, found);
+}
 
-Value* Engine::loopVariable(const Instruction& instruction)
+Value* Engine::variable(VariableKind kind, std::uint32_t index)
 {
     Frame& current = frame();
-    switch (static_cast<VariableKind>(instruction.flags)) {
-    case VariableKind::Local: return &current.locals[instruction.a].resolved();
-    case VariableKind::Global: return &m_globals[instruction.a]->value;
+    switch (kind) {
+    case VariableKind::Local: return &current.locals[index].resolved();
+    case VariableKind::Global: return &m_globals[index]->value;
     case VariableKind::Implicit: {
-        const ImplicitName& name = current.function->implicitNames[instruction.a];
+        const ImplicitName& name = current.function->implicitNames[index];
         Global& found = *m_globals[name.name];
-        return found.kind == Global::Kind::Undefined ? &implicitVariable(name).resolved() : &found.value;
+        return found.kind == Global::Kind::Undefined ? &current.locals[name.slot].resolved() : &found.value;
     }
-    case VariableKind::Field: return &current.me->fields[instruction.a];
+    case VariableKind::Field: return &current.me->fields[index];
     }
     return nullptr;
 }
+
+void Engine::pushVariable(Value& variable, bool byReference)
+{
+    if (!byReference)
+        push(variable.resolved());
+    else
+        push(variable.isReference() ? variable : Value::reference(&variable));
+}
+
+// ---- loops
 
 // from, limit, step -> from
 Result<void> Engine::forPrepare(std::size_t hidden)
@@ -220,15 +243,16 @@ Result<bool> Engine::forContinues(const Instruction& instruction, bool step)
 {
     Value* slots = frame().locals + instruction.count;
     if (slots[0].isEmpty()) return fault(error::kLoopNotInitialized);
-    Value* variable = loopVariable(instruction);
+    const auto kind = static_cast<VariableKind>(instruction.flags);
+    Value* counter = variable(kind, instruction.a);
     if (step) {
-        const Value current = TRY_RESULT(plain(*variable));
+        const Value current = TRY_RESULT(plain(*counter));
         Value next = TRY_RESULT(applyBinary(Operator::Add, current, slots[1], kNoLiteral, *m_locale));
         // The default value's code may have moved things.
-        variable = loopVariable(instruction);
-        *variable = std::move(next);
+        counter = variable(kind, instruction.a);
+        *counter = std::move(next);
     }
-    const double current = TRY_RESULT(toDouble(*variable, *m_locale));
+    const double current = TRY_RESULT(toDouble(*counter, *m_locale));
     const double limit = TRY_RESULT(toDouble(slots[0], *m_locale));
     const double by = TRY_RESULT(toDouble(slots[1], *m_locale));
     return by >= 0 ? current <= limit : current >= limit;
@@ -256,7 +280,8 @@ Result<void> Engine::forEachPrepare(std::size_t hidden)
 Result<bool> Engine::forEachNext(std::size_t hidden)
 {
     Value& state = frame().locals[hidden];
-    if (!state.isObject()) return fault(error::kLoopNotInitialized);
+    // Its beginning failed, and that error is the one to be seen behind the loop.
+    if (!state.isObject()) return false;
     const Ref<Enumerator> enumerator = static_cast<EnumeratorHolder*>(state.asObject())->enumerator;
     auto next = TRY_RESULT(enumerator->next());
     if (!next) return false;
@@ -311,16 +336,17 @@ Result<void> Engine::erase()
 
 Result<void> Engine::newObject(Symbol name)
 {
+    // No class of a script hides the language's own one.
+    if (const auto object = newBuiltIn(m_names.spelling(name))) {
+        push(Value::object(object.get()));
+        return {};
+    }
     Global& found = *m_globals[name];
     if (found.kind == Global::Kind::Class) {
         CHECK_RESULT(reserve(found.info->fields.size() * sizeof(Value) + sizeof(Instance)));
         const Ref<Instance> made = make<Instance>(*this, *found.info);
         push(Value::object(made.get()));
         if (found.info->initialize) return pushFrame(*found.info->initialize, 0, m_sp, made, true);
-        return {};
-    }
-    if (const auto object = newBuiltIn(m_names.spelling(name))) {
-        push(Value::object(object.get()));
         return {};
     }
     return fault(error::kClassNotDefined, m_names.spelling(name));

@@ -56,7 +56,6 @@ Result<Value> array(Engine&, ArgumentList a) { return Value::array(std::vector<V
 
 Result<std::int32_t> dimension(Engine& engine, ArgumentList a)
 {
-    if (a[0].isNull()) return fault(error::kInvalidNull);
     if (!a[0].isArray()) return fault(error::kTypeMismatch);
     const std::int32_t which = TRY_RESULT(longArgument(engine, a, 1, 1));
     if (which < 1 || static_cast<std::size_t>(which) > a[0].asArray()->bounds.size())
@@ -113,7 +112,7 @@ Result<Value> setLocale(Engine& engine, ArgumentList a)
         const std::int32_t id = TRY_RESULT(longArgument(engine, a, 0, before));
         found = Locale::byId(id == 0 ? before : id);
     }
-    if (!found) return fault(447);
+    if (!found) return fault(error::kUnknownLocale);
     engine.setLocale(*found);
     return Value::longInteger(before);
 }
@@ -272,7 +271,7 @@ std::vector<IntrinsicConstant> intrinsicConstants()
         {u"vbByte", 17},
         {u"vbArray", 8192},
     };
-    for (const Number& number : kNumbers) all.push_back({number.name, Value::longInteger(number.value)});
+    for (const Number& number : kNumbers) all.push_back({number.name, Value::number(number.value)});
     return all;
 }
 

@@ -1,0 +1,3 @@
+Class A
+  Public Default Property Let P(v) : End Property
+End Class

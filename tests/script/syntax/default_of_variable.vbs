@@ -1,0 +1,3 @@
+Class A
+  Public Default x
+End Class

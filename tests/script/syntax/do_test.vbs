@@ -1,0 +1,2 @@
+Do Forever
+Loop

@@ -1,0 +1,4 @@
+Sub a : End Sub
+x = 1
+Class A
+End Class

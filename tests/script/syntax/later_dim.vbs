@@ -1,0 +1,5 @@
+Class A
+End Class
+If x Then
+  Dim b, a
+End If

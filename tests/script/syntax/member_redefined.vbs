@@ -1,0 +1,4 @@
+Class A
+  Public x
+  Private Function X : End Function
+End Class
