@@ -335,6 +335,8 @@ int SkinWindow::messageBox(const std::u16string& text, int buttons, const std::u
     QMessageBox box(kIcons[icon],
                     title.empty() ? QString(core::kProductName) : QString::fromStdU16String(title),
                     QString::fromStdU16String(text), kSets[set], &m_window);
+    for (const Answer& answer : kAnswers)
+        if (answer.code == script::defaultButton(buttons)) box.setDefaultButton(answer.button);
     const int pressed = box.exec();
     for (const Answer& answer : kAnswers)
         if (answer.button == pressed) return answer.code;

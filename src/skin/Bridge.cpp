@@ -14,6 +14,7 @@ namespace
 
 /// How often the time is looked at, and whether the program is to end.
 constexpr std::chrono::milliseconds kSlice{100};
+constexpr int kRussian = 1049; // the language of the program's own texts
 constexpr std::size_t kScriptBytes = std::size_t{256} << 20;
 /// The engine's number for a call that ran out of time.
 constexpr int kInterrupted = -2147467260;
@@ -73,6 +74,7 @@ Bridge::Bridge(SkinHost& host, script::Host* scriptHost)
     m_engine.setTimeout(kSlice);
     m_engine.setHeapLimit(kScriptBytes);
     m_engine.setUseSafeSubset(true);
+    m_engine.setInterfaceLanguage(kRussian);
     m_engine.reset();
 }
 
@@ -163,12 +165,14 @@ std::optional<QString> Bridge::addCode(const QString& code)
 {
     if (m_host.hasEnded()) return std::nullopt;
     const Call call(*this);
-    if (m_engine.addCode(view(code))) return std::nullopt;
+    // The text begins with an empty line that the file does not have: what follows is line 1, here and when
+    // one of its procedures fails later.
+    constexpr int kLineOfEmptyLine = 0;
+    if (m_engine.addCode(view(code), kLineOfEmptyLine)) return std::nullopt;
     const script::ScriptError& error = m_engine.error();
-    // The text begins with an empty line that the file does not have.
     return QString("%1 (%2:%3)")
         .arg(QString::fromStdU16String(error.description))
-        .arg(std::max(0, error.line - 1))
+        .arg(error.line)
         .arg(error.column);
 }
 
