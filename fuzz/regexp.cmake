@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzRegExp FuzzRegExp.cpp LIBS zorvex_script)
