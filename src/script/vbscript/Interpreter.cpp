@@ -127,6 +127,16 @@ template <Op kOp>
     return true;
 }
 
+// An element that holds a simple value, by a whole index within a list; else null.
+[[gnu::always_inline]] inline Value* simpleElement(const Value& holder, const Value& index)
+{
+    if (!holder.isArray() || !index.isWhole()) return nullptr;
+    Array& array = *holder.asArray();
+    if (array.bounds.size() != 1 || index.whole() < 0 || index.whole() > array.bounds[0]) return nullptr;
+    Value& element = array.elements[static_cast<std::size_t>(index.whole())];
+    return element.isPlain() ? &element : nullptr;
+}
+
 // What an assignment of a number or a jump behind a comparison would do next, done at once.
 [[gnu::always_inline]] inline void storeAhead(Value*& sp, const Instruction*& next, Value* locals)
 {
@@ -335,8 +345,9 @@ Result<Value> Engine::run()
         }
         case Op::Implicit: {
             const ImplicitName& name = m_frames.back().function->implicitNames[at.a];
-            if (!isOwnVariable(name)) break;
-            pushCopy(sp, locals[name.slot]);
+            const Global& found = *m_globals[name.name];
+            if (!found.hasValue() && !isOwnVariable(name)) break;
+            pushCopy(sp, found.hasValue() ? found.value : locals[name.slot]);
             continue;
         }
         case Op::Field: pushCopy(sp, m_frames.back().me->fields[at.a]); continue;
@@ -363,6 +374,23 @@ Result<Value> Engine::run()
             --sp;
             continue;
 
+        case Op::CallLocal: {
+            if (at.count != 1 || (at.flags & kWantReference) != 0) break;
+            const Value* element = simpleElement(locals[at.a].resolved(), sp[-1]);
+            if (!element) break;
+            sp[-1].overwritePlain(*element);
+            continue;
+        }
+        case Op::PutLocal: {
+            Value& holder = locals[at.a].resolved();
+            if (at.count != 1 || at.flags != 0 || !sp[-2].isPlain()) break;
+            if (!holder.isArray() || holder.asArray()->isShared()) break;
+            Value* element = simpleElement(holder, sp[-1]);
+            if (!element) break;
+            element->overwritePlain(sp[-2]);
+            sp -= 2;
+            continue;
+        }
         case Op::CallGlobal: {
             const Global& found = *m_globals[at.a];
             if (found.kind != Global::Kind::Procedure) break;
