@@ -58,6 +58,21 @@ TEST_F(MovieHealthOfPlayer, TellsThatAMovieEndedAndAsksBeforeItDoesSoAThirdTime)
     EXPECT_TRUE(player.HasMovie()) << "another file is none of this";
 }
 
+TEST_F(MovieHealthOfPlayer, WhatAMovieKeepsOutlivesItsProcess)
+{
+    const QString counter = compile("counter", R"(<movie version="7" width="50" height="50"><frame><script>
+      var kept = SharedObject.getLocal("count");
+      if (kept.data.times == undefined) kept.data.times = 0;
+      kept.data.times++;
+      var times = kept.data.times;</script></frame></movie>)");
+    for (const char* times : {"1", "2", "3"}) {
+        Player player(application, {});
+        player.Form_Load();
+        player.LoadFlash(counter, {});
+        EXPECT_EQ(player.control().GetVariable("times"), times);
+    }
+}
+
 TEST_F(MovieHealthOfPlayer, ANoticeOffersToCloseAMovieThatDoesNotAnswer)
 {
     const QString endless = compile("endless", R"(<movie version="6" width="400" height="200" rate="20">

@@ -83,6 +83,12 @@ bool Channel::flush()
     return !m_ended;
 }
 
+void Channel::shutDown()
+{
+    m_ended = true;
+    shutdown(m_descriptor, SHUT_RDWR);
+}
+
 bool Channel::receive()
 {
     for (std::size_t i = 0; i < kReadsAtOnce && !m_ended; ++i) {

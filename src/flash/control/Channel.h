@@ -40,6 +40,8 @@ public:
     }
     /// Sends what goes through. @returns false when the connection has ended.
     bool flush();
+    /// Nothing more is sent; the other end sees this one go.
+    void shutDown();
     /// How much waits to be sent.
     [[nodiscard]] std::size_t waitingBytes() const { return m_waitingBytes; }
 

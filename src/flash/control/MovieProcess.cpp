@@ -16,7 +16,7 @@ namespace
 
 // Where the process finds its end of the connection.
 constexpr int kSocket = 3;
-constexpr int kEndWaitMs = 500;
+constexpr int kEndWaitMs = 500, kGentleEndMs = 200;
 
 } // namespace
 
@@ -60,6 +60,11 @@ MovieProcess::~MovieProcess()
 {
     m_readable.reset();
     if (m_process.state() == QProcess::NotRunning) return;
+    // A movie whose window goes away still saves what it keeps, if it does so at once.
+    if (m_endsGently) {
+        m_channel.shutDown();
+        if (m_process.waitForFinished(kGentleEndMs)) return;
+    }
     m_process.kill();
     m_process.waitForFinished(kEndWaitMs);
 }

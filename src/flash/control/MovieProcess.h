@@ -20,8 +20,9 @@ public:
     /// @param program path of the executable
     /// @returns null when it cannot be started
     static std::unique_ptr<MovieProcess> start(const QString& program);
-    /// Ends the process, whatever it does.
+    /// Ends the process, whatever it does. One that is given a moment for it saves its shared objects.
     ~MovieProcess();
+    void setEndsGently(bool gently) { m_endsGently = gently; }
     MovieProcess(const MovieProcess&) = delete;
     MovieProcess& operator=(const MovieProcess&) = delete;
 
@@ -42,6 +43,7 @@ private:
 
     Channel m_channel;
     QProcess m_process;
+    bool m_endsGently = false;
     std::unique_ptr<QSocketNotifier> m_readable;
 };
 

@@ -64,6 +64,10 @@ RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> 
 RemoteMovie::~RemoteMovie()
 {
     if (m_audio) m_audio->release();
+    m_process->setEndsGently(m_loaded && !m_frozen && !m_ended);
+    m_process.reset();
+    // Of a movie that kept nothing, nothing stays.
+    if (!m_storage.empty()) rmdir(m_storage.c_str());
 }
 
 void RemoteMovie::send(const ToMovie& message, int attached)
@@ -100,6 +104,12 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
         const std::string reason = file < 0 ? std::strerror(errno) : "not a file";
         if (file >= 0) close(file);
         return {Loading::State::Failed, load.address + ": " + reason};
+    }
+    // Made here, because the process may only write into what is there when it is confined.
+    if (!load.storageFolder.empty() && m_storage.empty()) {
+        m_storage = Engine::storageOf(load.storageFolder, Engine::pathOf(load.address));
+        std::error_code unwritable;
+        std::filesystem::create_directories(m_storage, unwritable);
     }
     m_loaded.reset();
     send(load, file);

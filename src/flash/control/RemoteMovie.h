@@ -10,6 +10,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <filesystem>
+
 namespace flash
 {
 class AudioOutput;
@@ -57,6 +59,7 @@ private:
 
     MovieListener& m_listener;
     std::unique_ptr<MovieProcess> m_process;
+    std::filesystem::path m_storage; // of the movie's shared objects
     State m_state;
     // The pictures that are drawn into now, and those that the one on the screen belongs to.
     PictureMemory m_pictures, m_shownPictures;
