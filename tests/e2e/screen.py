@@ -21,7 +21,9 @@ def under_virtual_display(size):
         return NO_DISPLAY
     # The server picks a free number by itself: asked for one, two that start at once would fight for it.
     answer, number = os.pipe()
-    server = subprocess.Popen(['Xvfb', '-displayfd', str(number), '-screen', '0', size + 'x24', '-nolisten', 'tcp'],
+    # Without the reset that it makes when its last window goes: what starts meanwhile is turned away.
+    server = subprocess.Popen(['Xvfb', '-displayfd', str(number), '-screen', '0', size + 'x24', '-nolisten', 'tcp',
+                               '-noreset'],
                               pass_fds=[number], stderr=subprocess.DEVNULL)
     os.close(number)
     try:
