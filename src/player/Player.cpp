@@ -433,6 +433,8 @@ void Player::LoadMovie(int layer, const QString& url)
         if (m_pageQueue.movieOpened()) m_movieJournal.movieOpened();
         // Pages of our own are quick.
         if (!url.isEmpty() && !isPageAddress(url)) {
+            // Until it draws itself, the movie's place has its colour.
+            setBackground(mediaInfo().BgColor);
             m_lifecycle.showWindowFirst();
             if (hasEnded()) return;
             m_settings.keepForSuddenEnd();

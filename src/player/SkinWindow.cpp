@@ -285,9 +285,12 @@ void SkinWindow::putAway()
                                m_skins[i].compare(m_selected, Qt::CaseInsensitive) == 0);
         LoadNewSkin();
     }
-    QMessageBox box(QMessageBox::Warning, core::kProductName, QString(skin::texts::kOverran).arg(name),
-                    QMessageBox::Ok, &m_window);
-    m_window.ShowDialog(box);
+    // Nothing waits for it: the movie may be on its way in.
+    auto* box = new QMessageBox(QMessageBox::Warning, core::kProductName,
+                                QString(skin::texts::kOverran).arg(name), QMessageBox::Ok, &m_window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowFlag(Qt::WindowStaysOnTopHint, m_menus.isChecked("mnuTopMost"));
+    box->open();
 }
 
 bool SkinWindow::isDeveloperMode() const { return !m_application.RunningCompiled; }

@@ -47,8 +47,7 @@ inline constexpr const char* kCompressFailed   = "Ошибка при сжати
 inline constexpr const char* kOptionsUnsaved   = "Не удалось записать файл настроек. Изменения действуют до выхода "
                                                  "из программы.";
 inline constexpr const char* kDiskFull         = "На диске недостаточно места.";
-inline constexpr const char* kScriptIsSlow     = "Сценарий ролика выполняется слишком долго, и окно не отвечает. "
-                                                 "Прервать сценарий?";
+inline constexpr const char* kScriptIsSlow     = "Сценарий ролика выполняется слишком долго. Прервать его?";
 inline constexpr const char* kScriptEnd        = "Прервать сценарий";
 inline constexpr const char* kScriptGoOn       = "Продолжить";
 inline constexpr const char* kNoMemory         = "Ролику не хватило памяти, и он закрыт";
