@@ -2,6 +2,7 @@
 
 #include "Picture.h"
 #include "flash/Engine.h"
+#include "flash/control/Confinement.h"
 
 #include <QFileInfo>
 #include <QImage>
@@ -123,6 +124,28 @@ private:
     std::thread m_watch; // the last member: it uses the others
 };
 
+/// A file manager gives a name, in which a question mark begins no query.
+std::string addressOf(const std::string& movie)
+{
+    if (movie.starts_with("file:")) return movie;
+    const QFileInfo file(QString::fromStdString(movie));
+    return QUrl::fromLocalFile(file.absoluteFilePath()).toEncoded().toStdString();
+}
+
+/// A file manager shows what lies anywhere: the movie gets its own folder to read and the picture's to write.
+/// What this system lacks of that is done without.
+void confine(const Arguments& arguments)
+{
+    flash::control::confineEarly(kMostBytes, {.limits = false, .nameSpaces = false});
+    flash::control::ReachableFiles files;
+    files.read = flash::control::systemFiles();
+    const auto movie = flash::Engine::pathOf(addressOf(arguments.movie));
+    files.read.push_back(movie.parent_path());
+    if (!arguments.baseFolder.empty()) files.read.push_back(arguments.baseFolder);
+    files.write.push_back(std::filesystem::absolute(arguments.out).parent_path());
+    flash::control::confine(files);
+}
+
 void limitMemory()
 {
 #ifndef __SANITIZE_ADDRESS__ // reserves terabytes of addresses
@@ -136,14 +159,6 @@ void limitMemory()
     };
     std::set_new_handler(giveUp);
     std::set_terminate(giveUp); // where memory is asked for in other ways than by new
-}
-
-/// A file manager gives a name, in which a question mark begins no query.
-std::string addressOf(const std::string& movie)
-{
-    if (movie.starts_with("file:")) return movie;
-    const QFileInfo file(QString::fromStdString(movie));
-    return QUrl::fromLocalFile(file.absoluteFilePath()).toEncoded().toStdString();
 }
 
 } // namespace
@@ -171,6 +186,7 @@ double detail(const QImage& picture)
 base::Result<void> thumbnail(const Arguments& arguments)
 {
     limitMemory();
+    confine(arguments);
     ImpatientHost host(arguments.seconds / 4);
     flash::Engine engine(host, {});
     Best best(arguments.out, arguments.seconds);
