@@ -153,6 +153,10 @@ def main():
     corpus.put('FuzzSettings', 'shipped', (ROOT / 'assets/program/settings.xml').read_bytes())
     corpus.put('FuzzSettings', 'small', '<SETTINGS><VIEW skin="Жук" topMost="True"/><FILES search="/"><RECENT/>'
                '<RECENT>/a</RECENT></FILES></SETTINGS>'.encode())
+    # Messages between window and movie: a number of 16 bits, a length of 32, a body.
+    for kind, body in ((2, b''), (5, b'\1\0\0\0a\2\0\0\0bc'), (14, b'\0' * 8), (6, b'\7\0\0\0\3\0\0\0abc'),
+                       (7, b'\4\0\0\0open\0\0\0\0\1\0'), (10, struct.pack('<idii', 5, 2.0, 1, 0)), (19, b'')):
+        corpus.put('FuzzMessages', str(kind), struct.pack('<HI', kind, len(body)) + body)
     stored = stored_object(corpus)
     corpus.put('FuzzSharedObject', 'stored', b'\x05/a/sc' + stored)
     corpus.put('FuzzSharedObject', 'up', b'\x08../../up' + stored[:40])

@@ -113,7 +113,7 @@ def libraries_opened_at_run_time(program):
     them: libavcodec.so.59 is in libavcodec59. Those it is linked with stand elsewhere and are found by the packer."""
     # Some linkers gather the texts in a section of their own.
     constants = run('readelf', '--string-dump=.rodata', '--string-dump=.rodata.str', program)
-    return sorted({'lib%s%s' % name for name in re.findall(r'\blib(\w+)\.so\.(\d+)', constants)})
+    return {'lib%s%s' % name for name in re.findall(r'\blib(\w+)\.so\.(\d+)', constants)}
 
 
 def validate(package):
@@ -127,7 +127,8 @@ def validate(package):
         icon = package.path('usr/share/icons/hicolor/%dx%d/apps/zorvex.png' % (size, size))
         assert run('identify', '-format', '%wx%h', icon) == '%dx%d' % (size, size), icon
     depends = run('dpkg-deb', '-f', package.deb, 'Depends')
-    opened = libraries_opened_at_run_time(package.path('usr/lib/zorvex/Zorvex'))
+    programs = [package.path('usr/lib/zorvex/' + name) for name in ('Zorvex', 'zorvex-movie', 'flashrun')]
+    opened = {name for program in programs for name in libraries_opened_at_run_time(program)}
     assert opened, 'the program has no names of libraries to open'
     for needed in ('libqt6widgets6', 'libc6', *opened):
         assert needed in depends, (needed, depends)

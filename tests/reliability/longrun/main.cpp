@@ -1,7 +1,8 @@
 // Plays for hours of simulated time, or opens movies by the thousand, and watches what that costs.
 //   long_run play HOURS MOVIE ...      the movies one after the other, clicked at and drawn now and then
 //   long_run open COUNT MOVIE ...      COUNT times one of the movies in turn, in the whole player, off screen
-// Prints memory and open files on the way. Exit status 1: they grow.
+// The player plays each in the process that ZORVEX_MOVIE_PROGRAM names.
+// Prints memory, open files and processes on the way. Exit status 1: they grow.
 
 #include "bench/player/Program.h"
 #include "flash/Engine.h"
@@ -17,6 +18,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <malloc.h>
 #include <span>
@@ -33,7 +35,7 @@ constexpr int kSamples = 10;
 /// What the process holds: bytes in use of the heap, bytes of memory, open files, threads.
 struct Cost {
     double heapMegabytes = 0, memoryMegabytes = 0;
-    long files = 0, threads = 0;
+    long files = 0, threads = 0, children = 0;
 
     static Cost now()
     {
@@ -44,12 +46,22 @@ struct Cost {
         };
         return {static_cast<double>(info.uordblks + info.hblkhd) / kMegabyte,
                 static_cast<double>(platform::residentBytes()) / kMegabyte, entries("/proc/self/fd"),
-                entries("/proc/self/task")};
+                entries("/proc/self/task"), childProcesses()};
+    }
+    /// Those that have ended and were not asked for count as well.
+    static long childProcesses()
+    {
+        long count = 0;
+        for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+            std::ifstream list(task.path() / "children");
+            count += static_cast<long>(std::distance(std::istream_iterator<long>(list), {}));
+        }
+        return count;
     }
     void print(const std::string& when) const
     {
-        std::printf("  %-22s heap %7.2f MB  memory %7.1f MB  files %ld  threads %ld\n", when.c_str(),
-                    heapMegabytes, memoryMegabytes, files, threads);
+        std::printf("  %-22s heap %7.2f MB  memory %7.1f MB  files %ld  threads %ld  processes %ld\n",
+                    when.c_str(), heapMegabytes, memoryMegabytes, files, threads, children);
         std::fflush(stdout);
     }
 };
@@ -65,13 +77,14 @@ public:
         Cost& half = m_halves[m_count++ < kSamples / 2 ? 0 : 1];
         half = {std::max(half.heapMegabytes, cost.heapMegabytes),
                 std::max(half.memoryMegabytes, cost.memoryMegabytes), std::max(half.files, cost.files),
-                std::max(half.threads, cost.threads)};
+                std::max(half.threads, cost.threads), std::max(half.children, cost.children)};
     }
     [[nodiscard]] bool isFlat() const
     {
         const auto& [first, second] = m_halves;
         const bool flat = second.heapMegabytes - first.heapMegabytes < kMostGrowthMegabytes &&
-                          second.files <= first.files && second.threads <= first.threads;
+                          second.files <= first.files && second.threads <= first.threads &&
+                          second.children <= first.children;
         std::printf("  %s: heap %+.2f MB, memory %+.1f MB, files %+ld from the first half to the second\n",
                     flat ? "flat" : "GROWS", second.heapMegabytes - first.heapMegabytes,
                     second.memoryMegabytes - first.memoryMegabytes, second.files - first.files);
