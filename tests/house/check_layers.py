@@ -8,7 +8,7 @@ import re
 import sys
 
 # Lowest first. A module may include itself and modules named before it.
-LAYERS = ['base', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/vm', 'flash/avm1/interpreter',
+LAYERS = ['base', 'flash/guard', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/vm', 'flash/avm1/interpreter',
           'flash/avm1/classes', 'flash/avm1/bindings', 'flash/sound', 'flash/net', 'flash',
           'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'ui', 'player',
           'app']

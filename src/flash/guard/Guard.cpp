@@ -1,0 +1,95 @@
+#include "flash/guard/Guard.h"
+
+#include <cstdio>
+#include <utility>
+#ifdef __linux__
+#include <unistd.h>
+#endif
+
+namespace flash::guard
+{
+
+namespace
+{
+
+// Which movie the thread works for is a property of the thread.
+thread_local Guard* t_current = nullptr;
+
+constexpr std::uint32_t kStepsBetweenLooks = 500;
+
+/// @returns what the process holds in memory; 0 where the system does not tell.
+std::size_t residentBytes()
+{
+#ifdef __linux__
+    std::FILE* file = std::fopen("/proc/self/statm", "re");
+    if (file == nullptr) return 0;
+    unsigned long all = 0, resident = 0;
+    const int read = std::fscanf(file, "%lu %lu", &all, &resident);
+    std::fclose(file);
+    return read == 2 ? resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) : 0;
+#else
+    return 0;
+#endif
+}
+
+} // namespace
+
+Guard* current() { return t_current; }
+
+void Guard::renew()
+{
+    m_interrupted.store(m_forever.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    m_refused = 0;
+    m_bytesBefore = residentBytes();
+    m_scriptTime = {};
+    restartClock();
+}
+
+void Guard::lookAround()
+{
+    if (m_ending) return;
+    if (isInterrupted()) throw MovieEnded("it was interrupted");
+    constexpr std::chrono::milliseconds kBetweenMeasures{20};
+    const Clock::time_point now = Clock::now();
+    if (now < m_nextMeasure) return;
+    m_nextMeasure = now + kBetweenMeasures;
+    if (residentBytes() > m_bytesBefore + kMostGrowthBytes) throw MovieEnded("it needs too much memory");
+}
+
+void Guard::look()
+{
+    m_stepsLeft = kStepsBetweenLooks;
+    if (m_ending) return;
+    lookAround();
+    if (m_work == Work::Drawing) {
+        if (elapsed() > kDrawTime) throw MovieEnded("drawing a frame takes too long");
+        return;
+    }
+    // Scripts ask the user when their own time is up, before this.
+    if (elapsed() > std::max(kLongestFrameTime, m_scriptTime + (kLongestFrameTime - kFrameTime)))
+        throw MovieEnded("a frame takes too long");
+}
+
+void Guard::refuse(Bound bound, std::string_view text)
+{
+    const std::uint32_t bit = 1U << static_cast<unsigned>(bound);
+    if ((m_refused & bit) != 0) return;
+    m_refused |= bit;
+    if (m_report) m_report(bound, text);
+}
+
+Turn::Turn(Guard& guard, Work work)
+    : m_guard(guard), m_outer(std::exchange(t_current, &guard)), m_outerWork(guard.m_work)
+{
+    if (m_guard.m_turns++ == 0) m_guard.restartClock();
+    m_guard.m_work = work;
+}
+
+Turn::~Turn()
+{
+    --m_guard.m_turns;
+    m_guard.m_work = m_outerWork;
+    t_current = m_outer;
+}
+
+} // namespace flash::guard
