@@ -63,8 +63,10 @@ Object* cloneTree(Vm& vm, const Object* object, bool deep, int depth)
     const auto* node = object->native<XmlNode>();
     Object* copy = newXmlNode(vm, node->type, node->type == XmlNode::kElement ? node->name : node->value);
     auto* made = copy->native<XmlNode>();
-    for (const Shape::Property& property : node->attributes->shape()->properties())
+    for (const Shape::Property& property : node->attributes->shape()->properties()) {
+        if (property.name.isNull()) continue; // removed
         made->attributes->define(vm, property.name, node->attributes->slot(property.slot), property.flags);
+    }
     if (deep && depth < kDeepestClone)
         for (const Object* child : node->children)
             appendXmlChild(copy, cloneTree(vm, child, true, depth + 1));
@@ -93,6 +95,7 @@ void forEachDeclaration(const Object* object, Found found)
     for (; object != nullptr; object = object->native<XmlNode>()->parent) {
         const Object* attributes = object->native<XmlNode>()->attributes;
         for (const Shape::Property& property : attributes->shape()->properties()) {
+            if (property.name.isNull()) continue; // removed
             const auto prefix = declaredPrefix(property.name.view());
             const Value uri = attributes->slot(property.slot);
             // A script may have put anything there; only texts count, so that nothing runs meanwhile.
