@@ -119,7 +119,10 @@ base::Result<std::shared_ptr<const Movie>> parseMovie(std::span<const std::uint8
                                                       const ParseLimits& limits)
 {
     const auto movie = std::make_shared<Movie>();
-    PlainMovie plain = TRY_RESULT(unpackMovie(file, limits.inflatedBytes));
+    // Where few bytes stand for very many, there is nothing in them.
+    constexpr std::uint64_t kAlwaysAllowedBytes = 32U << 20U, kMostRatio = 200;
+    const std::uint64_t plausible = std::max(kAlwaysAllowedBytes, kMostRatio * file.size());
+    PlainMovie plain = TRY_RESULT(unpackMovie(file, std::min(limits.inflatedBytes, plausible)));
     movie->fileLength = file.size();
     movie->bytes = std::move(plain.bytes);
     movie->header.compressed = plain.compressed;
