@@ -25,6 +25,8 @@ namespace
 
 constexpr std::size_t kBlockBytes = 64 * 1024;
 constexpr std::size_t kMinThresholdBytes = 8 << 20;
+// So that little more than what is bounded can be in use between two looks.
+constexpr std::size_t kMaxThresholdBytes = 128 << 20;
 constexpr int kFreedByte = 0xDB; // as a pointer: no address there is
 
 /// @returns the end of this thread's stack that was there first (stacks grow down).
@@ -132,6 +134,16 @@ void* Heap::allocate(std::size_t bytes)
     return cell;
 }
 
+void Heap::giveBack(void* cell)
+{
+    const auto address = reinterpret_cast<std::uintptr_t>(cell);
+    Block* block = Block::of(address);
+    block->clearLive(block->indexOf(address));
+    --m_liveCells;
+    FreeCell*& freeList = m_free[block->cellBytes / kGranuleBytes - 1];
+    freeList = ::new (cell) FreeCell{freeList};
+}
+
 void Heap::addBlock(std::size_t sizeClass)
 {
     void* memory = std::aligned_alloc(kBlockBytes, kBlockBytes);
@@ -167,6 +179,7 @@ void Heap::collect()
     markStack(tracer);
     drain(tracer);
     for (const auto& hook : m_sweepHooks) hook();
+    m_liveBytes = tracer.m_outsideBytes;
     sweep();
 }
 
@@ -181,7 +194,6 @@ void Heap::drain(Tracer& tracer)
 
 void Heap::sweep()
 {
-    std::size_t liveBytes = 0;
     for (Block* block : m_blocks) {
         FreeCell*& freeList = m_free[block->cellBytes / kGranuleBytes - 1];
         for (std::size_t i = 0; i < block->cellCount; ++i) {
@@ -189,7 +201,7 @@ void Heap::sweep()
             auto* cell = reinterpret_cast<Cell*>(block->cell(i));
             if (cell->m_marked) {
                 cell->m_marked = false;
-                liveBytes += block->cellBytes;
+                m_liveBytes += block->cellBytes;
                 continue;
             }
             cell->~Cell();
@@ -201,7 +213,8 @@ void Heap::sweep()
         }
     }
     m_bytesSinceCollection = 0;
-    m_thresholdBytes = m_collectsAlways ? 1 : std::max(kMinThresholdBytes, liveBytes);
+    m_thresholdBytes =
+        m_collectsAlways ? 1 : std::clamp(m_liveBytes, kMinThresholdBytes, kMaxThresholdBytes);
 }
 
 // The scan reads words that the sanitizer holds to be out of bounds, and rightly so.

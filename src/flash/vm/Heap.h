@@ -61,6 +61,8 @@ public:
     }
     void operator()(Value value);
     void operator()(Name name);
+    /// Memory outside the heap that the cell just being traced owns.
+    void outside(std::size_t bytes) { m_outsideBytes += bytes; }
 
 private:
     friend class Heap;
@@ -73,6 +75,7 @@ private:
         m_pending.push_back(cell);
     }
     std::vector<Cell*>& m_pending;
+    std::size_t m_outsideBytes = 0;
 };
 
 /// A place outside the heap that keeps cells alive. Linked into the heap's list for as long as it exists.
@@ -185,8 +188,18 @@ public:
     T* make(Args&&... args)
     {
         static_assert(sizeof(T) <= kMaxCellBytes);
-        void* place = allocate(sizeof(T));
-        return ::new (place) T(std::forward<Args>(args)...);
+        // A constructor that finds no memory leaves no cell behind.
+        struct Place {
+            Heap& heap;
+            void* memory;
+            ~Place()
+            {
+                if (memory != nullptr) heap.giveBack(memory);
+            }
+        } place{*this, allocate(sizeof(T))};
+        T* cell = ::new (place.memory) T(std::forward<Args>(args)...);
+        place.memory = nullptr;
+        return cell;
     }
 
     /// Memory outside the heap that dies with a cell (texts, element lists), so that collections keep up with
@@ -207,6 +220,8 @@ public:
     void addSweepHook(std::function<void()> hook) { m_sweepHooks.push_back(std::move(hook)); }
     [[nodiscard]] static bool isMarked(const Cell* cell) { return cell->m_marked; }
 
+    /// Cells and what they own outside the heap: what the last collection left, and all that came since.
+    [[nodiscard]] std::size_t bytesInUse() const { return m_liveBytes + m_bytesSinceCollection; }
     [[nodiscard]] std::size_t liveCells() const { return m_liveCells; }
     [[nodiscard]] std::size_t collections() const { return m_collections; }
 
@@ -222,6 +237,7 @@ private:
     static constexpr std::size_t kClasses = kMaxCellBytes / kGranuleBytes;
 
     void* allocate(std::size_t bytes);
+    void giveBack(void* cell);
     void addBlock(std::size_t sizeClass);
     void sweep();
     void drain(Tracer& tracer);
@@ -236,7 +252,7 @@ private:
     std::vector<std::function<void(Tracer&)>> m_sources;
     std::vector<std::function<void()>> m_sweepHooks;
     std::vector<Cell*> m_pending;
-    std::size_t m_bytesSinceCollection = 0;
+    std::size_t m_bytesSinceCollection = 0, m_liveBytes = 0;
     std::size_t m_thresholdBytes;
     std::size_t m_liveCells = 0, m_collections = 0;
     bool m_collectsAlways = false;

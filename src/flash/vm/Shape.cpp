@@ -119,6 +119,8 @@ void Shape::remove(std::uint32_t position)
 void Shape::trace(Tracer& tracer)
 {
     for (const Property& property : m_properties) tracer(property.name.cell());
+    tracer.outside(m_properties.capacity() * sizeof(Property) + m_buckets.capacity() * sizeof(std::uint32_t) +
+                   m_transitions.capacity() * sizeof(Transition));
     // Transitions stay alive with the shape they start from: programs make the same objects again.
     for (const Transition& transition : m_transitions) {
         tracer(transition.name.cell());

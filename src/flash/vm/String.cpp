@@ -13,6 +13,7 @@ String::String(String* left, String* right)
 
 void String::flatten()
 {
+    Heap::of(*this).noteExternalBytes(m_length * sizeof(char16_t));
     std::u16string text(m_length, u'\0');
     std::size_t end = m_length;
     std::vector<String*> pending{m_left, m_right};
@@ -36,6 +37,7 @@ void String::trace(Tracer& tracer)
     tracer(m_left);
     tracer(m_right);
     tracer(m_name);
+    tracer.outside(m_text.capacity() * sizeof(char16_t));
 }
 
 Atom::Atom(std::u16string text) : String(std::move(text))
@@ -52,6 +54,10 @@ Atom::Atom(std::u16string text) : String(std::move(text))
     m_index = index;
 }
 
-void Atom::trace(Tracer& tracer) { tracer(m_folded); }
+void Atom::trace(Tracer& tracer)
+{
+    tracer(m_folded);
+    tracer.outside(m_text.capacity() * sizeof(char16_t));
+}
 
 } // namespace flash::vm

@@ -3,6 +3,7 @@
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/classes/Filters.h"
 #include "flash/avm1/classes/GeomValues.h"
+#include "flash/guard/Guard.h"
 #include "flash/render/BitmapOps.h"
 #include "flash/render/Canvas.h"
 #include "flash/render/Filters.h"
@@ -21,6 +22,10 @@ struct BitmapDataNative final : Native {
     static inline const char kTag = 0;
     explicit BitmapDataNative(std::shared_ptr<swf::Bitmap> picture) : bitmap(std::move(picture)) {}
     [[nodiscard]] const void* tag() const override { return &kTag; }
+    void trace(Tracer& tracer) override
+    {
+        if (bitmap) tracer.outside(bitmap->pixels.size() * sizeof(std::uint32_t));
+    }
     std::shared_ptr<swf::Bitmap> bitmap; ///< null once disposed of
 };
 
@@ -44,6 +49,15 @@ void attach(Vm& vm, Object& object, std::shared_ptr<swf::Bitmap> bitmap)
     object.attachNew<BitmapDataNative>(std::move(bitmap));
 }
 
+/// Whether the movie may have another bitmap of that size; when not it gets none, as for one with too long a
+/// side.
+bool hasRoomFor(Vm& vm, double width, double height)
+{
+    if (vm.hasRoomFor(static_cast<std::size_t>(width * height) * sizeof(std::uint32_t))) return true;
+    guard::refuse(guard::Bound::ScriptMemory, "The movie makes too many bitmaps; further ones stay empty");
+    return false;
+}
+
 using Member = Value (*)(Call&, swf::Bitmap&);
 
 /// The checks that all members share, around what one does.
@@ -54,7 +68,7 @@ Value guarded(Call& call)
     if (native == nullptr) return {};
     if (native->bitmap == nullptr || call.count() < Least) return kRefused;
     const std::shared_ptr<swf::Bitmap> keep = native->bitmap; // a script called from here may dispose of it
-    constexpr std::size_t kPixelsPerStep = 1024; // for all that is done to them
+    constexpr std::size_t kPixelsPerStep = 1024;              // for all that is done to them
     call.vm.noteWork(keep->pixels.size() / kPixelsPerStep);
     return Function(call, *keep);
 }
@@ -404,6 +418,7 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
 
 Value clone(Call& call, swf::Bitmap& bitmap)
 {
+    if (!hasRoomFor(call.vm, bitmap.width, bitmap.height)) return {};
     Object* copy = call.vm.newObject(call.self.object()->protoValue().asObject());
     attach(call.vm, *copy, std::make_shared<swf::Bitmap>(bitmap));
     return copy;
@@ -413,7 +428,7 @@ Value dispose(Call& call, swf::Bitmap& bitmap)
 {
     // Fills and instances that show it share it: they show nothing from now on.
     bitmap.width = bitmap.height = 0;
-    bitmap.pixels.clear();
+    bitmap.pixels = {};
     call.native<BitmapDataNative>()->bitmap = nullptr;
     return {};
 }
@@ -451,6 +466,7 @@ Value constructBitmapData(Call& call)
     if (self == nullptr || !call.isConstruct || call.count() < 2) return {};
     const double width = numberArg(call, 0), height = numberArg(call, 1);
     if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide)) return {};
+    if (!hasRoomFor(call.vm, width, height)) return {};
     const bool transparent = call.count() < 3 || toBoolean(call.vm, call.arg(2));
     const std::uint32_t fill = call.count() > 3 ? color(call, 3) : 0xFFFFFFFF;
     attach(call.vm, *self, newBitmap(static_cast<int>(width), static_cast<int>(height), transparent, fill));
@@ -469,6 +485,7 @@ Value loadBitmap(Call& call)
     const auto* picture =
         character == nullptr ? nullptr : std::get_if<swf::BitmapCharacter>(&character->data);
     if (picture == nullptr || picture->bitmap == nullptr) return {};
+    if (!hasRoomFor(call.vm, picture->bitmap->width, picture->bitmap->height)) return {};
     Object* object = call.vm.newObject(call.vm.prototypeOf(call.self.asObject()));
     attach(call.vm, *object, std::make_shared<swf::Bitmap>(*picture->bitmap));
     return object;

@@ -83,6 +83,7 @@ Value concat(Call& call)
             continue;
         }
         const RootedValues more = listElements(call.vm, list);
+        if (!call.vm.takesMemory((elements->size() + more.size()) * 2 * sizeof(Value))) return {};
         elements->insert(elements->end(), more.begin(), more.end());
     }
     return call.vm.newArray(*elements);
@@ -149,6 +150,8 @@ Value joined(Vm& vm, Object* self, std::u16string_view separator)
         if (i > 0) text += separator;
         const Value element = (*elements)[i];
         text += toText(vm, element);
+        if (!vm.takesText(text.size())) return {};
+        if (vm.checkLoop()) return {};
     }
     return vm.string(std::move(text));
 }

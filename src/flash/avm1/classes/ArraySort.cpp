@@ -2,6 +2,7 @@
 
 #include "flash/avm1/interpreter/ArrayNative.h"
 #include "flash/avm1/interpreter/Vm.h"
+#include "flash/guard/Guard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -164,6 +165,10 @@ RootedValues listElements(Vm& vm, Object* list)
 {
     const double length = listLength(vm, list);
     RootedValues elements(vm.heap());
+    if (length > static_cast<double>(guard::kMostElements)) {
+        vm.abortScript("An array is too long to be worked on; the scripts of this movie were stopped.");
+        return elements;
+    }
     if (ArrayNative* array = list->native<ArrayNative>();
         array != nullptr && array->elements().size() == length) {
         *elements = array->elements();
@@ -172,7 +177,7 @@ RootedValues listElements(Vm& vm, Object* list)
         }
         return elements;
     }
-    for (double i = 0; i < std::min(length, 1e7) && !vm.isUnwinding(); ++i)
+    for (double i = 0; i < length && !vm.checkLoop(); ++i)
         elements.push_back(list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i))));
     return elements;
 }

@@ -97,7 +97,10 @@ Value charCodeAt(Call& call)
 Value concat(Call& call)
 {
     std::u16string text = self(call);
-    for (const Value value : call.args) text += toText(call.vm, value);
+    for (const Value value : call.args) {
+        text += toText(call.vm, value);
+        if (!call.vm.takesText(text.size())) return {};
+    }
     return call.vm.string(std::move(text));
 }
 
@@ -190,6 +193,12 @@ Value split(Call& call)
         limit = wanted < 0 ? 0 : static_cast<std::size_t>(wanted);
     }
     RootedValues parts(vm.heap());
+    // @returns false when there are more than there is memory for
+    const auto add = [&](Value part) {
+        parts->push_back(part);
+        constexpr std::size_t kBetweenLooks = 4096;
+        return parts->size() % kBetweenLooks != 0 || vm.takesMemory(2 * parts->size() * sizeof(Value));
+    };
     const Value separatorValue = call.arg(0);
     if (call.count() == 0 || (separatorValue.isUndefined() && vm.version() >= 6)) {
         if (limit > 0) parts->push_back(vm.string(text));
@@ -198,13 +207,13 @@ Value split(Call& call)
     const std::u16string separator = toText(vm, separatorValue);
     if (separator.empty()) {
         for (std::size_t i = 0; i < text.size() && parts->size() < limit; ++i)
-            parts->push_back(vm.string(text[i]));
+            if (!add(vm.string(text[i]))) return {};
         return vm.newArray(*parts);
     }
     std::size_t at = 0;
     while (parts->size() < limit) {
         const std::size_t found = text.find(separator, at);
-        parts->push_back(vm.string(text.substr(at, found == std::u16string::npos ? found : found - at)));
+        if (!add(vm.string(text.substr(at, found == std::u16string::npos ? found : found - at)))) return {};
         if (found == std::u16string::npos) break;
         at = found + separator.size();
     }

@@ -159,7 +159,7 @@ void stringAdd(Frame& frame, const Instruction&)
 {
     String* rhs = popString(frame);
     String* lhs = popString(frame);
-    frame.push(Value(frame.vm.heap().make<String>(lhs, rhs)));
+    frame.push(Value(concatenated(frame.vm, lhs, rhs)));
 }
 
 void charToAscii(Frame& frame, const Instruction&)

@@ -11,6 +11,7 @@ void ArrayNative::trace(Tracer& tracer)
 {
     for (const Value element : m_elements) tracer(element);
     tracer(m_lengthValue);
+    tracer.outside(m_elements.capacity() * sizeof(Value));
 }
 
 bool ArrayNative::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)

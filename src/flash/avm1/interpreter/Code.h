@@ -116,13 +116,16 @@ struct FunctionCode {
     std::optional<Body> body; ///< decoded at the first call
 };
 
-/// A decoded action block with everything in it. Made once for a block and kept while the Vm lives.
+/// A decoded action block with everything in it. Made once for a block and kept as long as
+/// anything but code holds on to the movie, or a function of it lives.
 class Code final : public Cell
 {
 public:
     Code(Vm& vm, std::shared_ptr<const void> owner, base::Bytes bytes, int version);
 
     [[nodiscard]] int version() const { return m_version; }
+    /// What keeps the bytes alive: the movie; null for the engine's own.
+    [[nodiscard]] const std::shared_ptr<const void>& owner() const { return m_owner; }
     [[nodiscard]] const Body& body() const { return m_body; }
     const Body& bodyOf(FunctionCode& function);
     [[nodiscard]] Value literal(std::uint32_t index) const { return m_literals[index]; }

@@ -13,8 +13,6 @@ namespace
 {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-// In UTF-16 units. The longest is far beyond what a movie could show or save.
-constexpr std::size_t kLongText = std::size_t{1} << 16, kMaxText = std::size_t{1} << 27;
 
 Value callConversion(Vm& vm, Object* object, Name method)
 {
@@ -185,6 +183,12 @@ Value lessThan(Vm& vm, Value a, Value b)
     return Value(x < y);
 }
 
+String* concatenated(Vm& vm, String* first, String* second)
+{
+    if (!vm.takesText(first->length() + second->length())) return vm.string(std::u16string());
+    return vm.heap().make<String>(first, second);
+}
+
 Value add(Vm& vm, Value a, Value b)
 {
     // The right side is asked first; scripts see the order.
@@ -193,17 +197,7 @@ Value add(Vm& vm, Value a, Value b)
     if (left.isString() || right.isString()) {
         String* first = toString(vm, left);
         String* second = toString(vm, right);
-        const std::size_t length = first->length() + second->length();
-        if (length > kMaxText) {
-            vm.abortScript("A text grew beyond all bounds; the scripts of this movie were stopped.");
-            return {};
-        }
-        // What makes a text grow fast is counted now: where it is looked at and takes its room, the collector
-        // is not near. A text that grows piece by piece is not, or each piece would cost as much as the
-        // whole.
-        const std::size_t growth = std::min(first->length(), second->length());
-        vm.heap().noteExternalBytes(growth > kLongText ? growth * sizeof(char16_t) : sizeof(String));
-        return Value(vm.heap().make<String>(first, second));
+        return Value(concatenated(vm, first, second));
     }
     const double sum = toNumber(vm, left);
     return Value(sum + toNumber(vm, right));

@@ -31,6 +31,8 @@ bool strictlyEqual(Value a, Value b);
 /// The abstract comparison a < b. @returns a boolean, or undefined where a side is not a number.
 Value lessThan(Vm& vm, Value a, Value b);
 Value add(Vm& vm, Value a, Value b);
+/// The two texts one after the other; empty, and the scripts end, when no text may be so long.
+String* concatenated(Vm& vm, String* first, String* second);
 std::string_view typeOf(Vm& vm, Value value);
 
 } // namespace flash::avm1

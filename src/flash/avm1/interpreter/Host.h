@@ -109,6 +109,8 @@ public:
     virtual void updateAfterEvent() = 0;
     /// A script ran for `seconds`. @returns whether it shall be stopped.
     virtual bool askToStopScript(double seconds) = 0;
+    /// The scripts went beyond what they may use; none of the movie runs any more.
+    virtual void scriptsEnded(std::string_view /*why*/) {}
     /// Asked again and again while scripts run. @returns whether they shall all be stopped now.
     virtual bool endsScripts() { return false; }
 };

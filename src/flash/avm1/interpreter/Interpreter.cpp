@@ -311,6 +311,7 @@ void Interpreter::abort(Vm& vm, std::string_view why)
     vm.m_aborted = true;
     vm.m_disabled = true;
     vm.m_host.log(why);
+    vm.m_host.scriptsEnded(why);
 }
 
 } // namespace flash::avm1

@@ -245,6 +245,7 @@ void Interpreter::safepointDue(Vm& vm)
 {
     if (vm.m_heap.shouldCollect()) {
         vm.m_heap.collect();
+        if (!vm.takesMemory(0)) return;
         vm.m_budget = 0; // what takes memory in great pieces is looked at more often
     }
     if (vm.m_budget > 0) return;

@@ -547,6 +547,7 @@ void Object::trace(Tracer& tracer)
 {
     tracer(m_shape);
     for (const Value value : m_slots) tracer(value);
+    tracer.outside(m_slots.capacity() * sizeof(Value));
     tracer(m_proto);
     tracer(m_native);
     if (m_extras == nullptr) return;

@@ -5,6 +5,7 @@
 #include "flash/avm1/interpreter/Interpreter.h"
 
 #include "base/TextCodes.h"
+#include "flash/guard/Guard.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -49,7 +50,13 @@ void Vm::traceRoots(Tracer& tracer)
     if (m_frame != nullptr) {
         for (const Value* value = m_stack.get(); value != m_frame->top; ++value) tracer(*value);
     }
-    for (const auto& entry : m_code) tracer(entry.second);
+    // A movie that nothing but its code holds on to has left the stage for good.
+    std::unordered_map<const void*, long> blocks;
+    for (const auto& [bytes, code] : m_code) ++blocks[code->owner().get()];
+    for (const auto& [bytes, code] : m_code) {
+        const std::shared_ptr<const void>& owner = code->owner();
+        if (owner == nullptr || owner.use_count() > blocks[owner.get()]) tracer(code);
+    }
     for (const auto& entry : m_natives) tracer(entry.second);
     for (const auto& entry : m_symbolClasses) tracer(entry.second);
     for (const auto& [id, timer] : m_timers) {
@@ -62,6 +69,7 @@ void Vm::traceRoots(Tracer& tracer)
 
 void Vm::dropDeadCaches()
 {
+    std::erase_if(m_code, [](const auto& entry) { return !Heap::isMarked(entry.second); });
     for (const auto& entry : m_code) entry.second->dropDeadCaches();
     m_stringClass.epoch = m_stringPrototype.epoch = 0;
 }
@@ -144,6 +152,28 @@ bool Vm::checkLoop()
 {
     Interpreter::safepoint(*this);
     return isUnwinding();
+}
+
+bool Vm::hasRoomFor(std::size_t bytes)
+{
+    const auto fits = [&] { return m_heap.bytesInUse() + bytes <= guard::kMostScriptBytes; };
+    if (fits()) return true;
+    m_heap.collect();
+    return fits();
+}
+
+bool Vm::takesMemory(std::size_t bytes)
+{
+    if (hasRoomFor(bytes)) return true;
+    abortScript("The scripts of this movie need too much memory and were stopped.");
+    return false;
+}
+
+bool Vm::takesText(std::size_t units)
+{
+    if (units <= guard::kLongestText) return true;
+    abortScript("A text grew beyond all bounds; the scripts of this movie were stopped.");
+    return false;
 }
 
 void Vm::abortScript(std::string_view why) { Interpreter::abort(*this, why); }
@@ -245,6 +275,7 @@ void Vm::setVariable(Object* clip, std::u16string_view path, Value value)
 
 String* Vm::string(std::u16string text)
 {
+    if (!takesText(text.size())) text = {};
     m_heap.noteExternalBytes(text.size() * sizeof(char16_t));
     return m_heap.make<String>(std::move(text));
 }
@@ -405,7 +436,9 @@ std::optional<double> Vm::nextTimerMs() const
 
 void Vm::collectIfDue()
 {
-    if (m_heap.shouldCollect()) m_heap.collect();
+    if (!m_heap.shouldCollect()) return;
+    m_heap.collect();
+    if (!m_disabled && !hasRoomFor(0)) static_cast<void>(takesMemory(0));
 }
 
 } // namespace flash::avm1

@@ -101,6 +101,15 @@ public:
     bool checkLoop();
     /// Ends all scripts of the movie for good, and logs why.
     void abortScript(std::string_view why);
+    /// Asked by natives before they take much memory at once; collects when it is short, as checkLoop() may.
+    /// @returns whether the scripts of the movie may have so much more
+    [[nodiscard]] bool hasRoomFor(std::size_t bytes);
+    /// As hasRoomFor(), but the scripts end when there is none.
+    [[nodiscard]] bool takesMemory(std::size_t bytes);
+    /// @returns false, and ends the scripts, when no text may be so long
+    [[nodiscard]] bool takesText(std::size_t units);
+    /// No script of the movie runs from now on.
+    void disable() { m_disabled = m_aborted = true; }
     /// @returns whether a script went out of bounds (recursion, time): none of the movie runs any more.
     [[nodiscard]] bool isDisabled() const { return m_disabled; }
     [[nodiscard]] bool isUnwinding() const { return m_thrown || m_aborted; }
