@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "flash/avm1/bindings/StageBinding.h"
+#include "flash/guard/Guard.h"
 #include "flash/net/FileSharedObjects.h"
 #include "flash/net/LocalLoader.h"
 #include "flash/render/Canvas.h"
@@ -15,6 +16,8 @@
 #include <chrono>
 #include <cmath>
 #include <map>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace flash
@@ -36,7 +39,12 @@ public:
     }
     bool write(std::string_view name, const std::vector<std::uint8_t>& content) override
     {
-        if (content.size() > net::FileSharedObjects::kQuotaBytes) return false;
+        std::uint64_t used = content.size();
+        for (const auto& [other, bytes] : m_objects) used += other == name ? 0 : bytes.size();
+        const bool isNew = m_objects.find(name) == m_objects.end();
+        if (used > net::FileSharedObjects::kQuotaBytes ||
+            (isNew && m_objects.size() >= net::FileSharedObjects::kMostObjects))
+            return false;
         m_objects.insert_or_assign(std::string(name), content);
         return true;
     }
@@ -168,9 +176,53 @@ public:
               return static_cast<const stage::Node*>(owner)->parent();
           })
     {
+        watch.setReport([this](guard::Bound, std::string_view text) {
+            host.logLine(text);
+            host.limitReached(text);
+        });
         makeStage(Scripts::None);
     }
     ~Private() { dropStage(); }
+
+    /// Does what a movie may take any time and memory for.
+    /// @returns false when the movie could not go on; it is closed then
+    template <class Work>
+    bool watched(Work&& work, guard::Guard::Work kind = guard::Guard::Work::Frames)
+    {
+        // What is called within, by a host for instance, leaves the rest to the outermost.
+        if (guard::current() == &watch) {
+            work();
+            return true;
+        }
+        try {
+            const guard::Turn turn(watch, kind);
+            if (watch.isInterrupted() && stage->movie()) throw guard::MovieEnded("it was interrupted");
+            work();
+            return true;
+        } catch (const guard::MovieEnded& ended) {
+            endMovie(ended.what());
+        } catch (const std::bad_alloc&) {
+            reserve.reset();
+            endMovie("it needs more memory than there is");
+        } catch (const std::length_error&) {
+            endMovie("it needs more memory than there can be");
+        }
+        return false;
+    }
+
+    /// Leaves a closed engine, whatever state the movie is in.
+    void endMovie(const std::string& why)
+    {
+        renewStage(std::make_unique<MemoryStore>(), Scripts::None);
+        loader.setTrusted({});
+        if (!reserve) reserve.reset(new std::byte[kReserveBytes]);
+        host.logLine("The movie was ended: " + why);
+        host.movieEnded(why);
+    }
+
+    using Bytes = std::vector<std::uint8_t>;
+    base::Result<void> open(const std::string& address, std::optional<Bytes> bytes);
+    base::Result<void> openLevel(int level, const std::string& address, std::optional<Bytes> bytes);
 
     enum class Scripts { None, Fresh };
 
@@ -200,11 +252,21 @@ public:
 
     void dropStage()
     {
-        if (script) script->saveSharedObjects();
+        watch.setEnding(true);
+        // Saving may need memory of which there is none; then what was saved before stays.
+        try {
+            if (script) {
+                script->vm().disable(); // a getter among what is saved may never come to an end
+                script->saveSharedObjects();
+            }
+        } catch (const std::bad_alloc&) {
+            host.logLine("The shared objects were not saved: no memory");
+        }
         stage->close();
         stage.reset();
         script.reset();
         sound.reset();
+        watch.setEnding(false);
     }
 
     /// A fresh stage and fresh scripts, seen as before.
@@ -224,6 +286,8 @@ public:
         stage->setDeviceScale(deviceScale);
     }
 
+    void render(QImage& image, const QRect& visible);
+
     [[nodiscard]] int devicePixels(std::int32_t twips) const
     {
         constexpr double kMostPixels = 16384;
@@ -231,8 +295,13 @@ public:
             std::clamp(std::round(twips * deviceScale / swf::kTwipsPerPixel), 1.0, kMostPixels));
     }
 
+    static constexpr std::size_t kReserveBytes = std::size_t{4} << 20;
+
     stage::HostEvents& host;
     Options options;
+    guard::Guard watch;
+    /// Given back where memory ends, so that there is some to end the movie with. Never written to.
+    std::unique_ptr<std::byte[]> reserve{new std::byte[kReserveBytes]};
     MovieLoader loader;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     sound::SoundPlayer sound;
@@ -264,29 +333,50 @@ std::filesystem::path Engine::storageOf(const std::filesystem::path& storageFold
 
 Engine::Options& Engine::options() { return d->options; }
 
+void Engine::interrupt(Until until) noexcept
+{
+    d->watch.interrupt(until == Until::Ever ? guard::Guard::Until::Ever : guard::Guard::Until::NextMovie);
+}
+
+bool Engine::act(const std::function<void(stage::Stage&)>& work)
+{
+    return d->watched([&] { work(*d->stage); });
+}
+
 base::Result<void> Engine::open(const std::string& address, std::optional<std::vector<std::uint8_t>> bytes)
+{
+    d->watch.renew();
+    if (d->watch.isInterrupted()) return base::fail(base::ErrorCode::Denied, address + ": playing has ended");
+    base::Result<void> result;
+    if (!d->watched([&] { result = d->open(address, std::move(bytes)); }))
+        return base::fail(base::ErrorCode::LimitReached, address + ": the movie could not go on");
+    return result;
+}
+
+base::Result<void> Engine::Private::open(const std::string& address, std::optional<Bytes> bytes)
 {
     Source source = TRY_RESULT(readSource(address, std::move(bytes)));
     auto movie = TRY_RESULT(swf::parseMovie(source.bytes));
-    const auto& base = d->options.baseFolder;
-    const bool trusted = liesIn(source.path, d->options.trustedFolder);
-    d->loader.setFolders(base.empty() ? source.path.parent_path() : base, base,
-                         trusted ? d->options.sharedFolder : std::filesystem::path());
-    d->loader.setTrusted(trusted ? d->options.trustedFolder : std::filesystem::path());
-    const auto& storage = d->options.storageFolder;
+    const auto& base = options.baseFolder;
+    const bool trusted = liesIn(source.path, options.trustedFolder);
+    loader.setFolders(base.empty() ? source.path.parent_path() : base, base,
+                      trusted ? options.sharedFolder : std::filesystem::path());
+    loader.setTrusted(trusted ? options.trustedFolder : std::filesystem::path());
+    const auto& storage = options.storageFolder;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     if (!storage.empty()) {
         store = std::make_unique<net::FileSharedObjects>(storageOf(storage, source.path));
     }
-    d->renewStage(std::move(store), Private::Scripts::Fresh);
-    if (d->stage->viewWidth() == 0) {
+    renewStage(std::move(store), Private::Scripts::Fresh);
+    if (stage->viewWidth() == 0) {
         const swf::Rect& frame = movie->header.frameSize;
-        d->stage->setViewSize(d->devicePixels(frame.width()), d->devicePixels(frame.height()));
+        stage->setViewSize(devicePixels(frame.width()), devicePixels(frame.height()));
     }
-    d->sound.setFrameRate(movie->header.frameRate);
+    sound.setFrameRate(movie->header.frameRate);
     constexpr double kMsPerSecond = 1000;
-    d->script->vm().setLimits(movie->scriptMaxRecursion, movie->scriptTimeoutSeconds * kMsPerSecond);
-    d->stage->open(std::move(movie), source.url);
+    watch.setScriptTime(std::chrono::seconds(std::min<int>(movie->scriptTimeoutSeconds, 60)));
+    script->vm().setLimits(movie->scriptMaxRecursion, movie->scriptTimeoutSeconds * kMsPerSecond);
+    stage->open(std::move(movie), source.url);
     return {};
 }
 
@@ -294,25 +384,26 @@ base::Result<void> Engine::openLevel(int level, const std::string& address,
                                      std::optional<std::vector<std::uint8_t>> bytes)
 {
     if (level == 0) return open(address, std::move(bytes));
+    base::Result<void> result;
+    if (!d->watched([&] { result = d->openLevel(level, address, std::move(bytes)); }))
+        return base::fail(base::ErrorCode::LimitReached, address + ": the movie could not go on");
+    return result;
+}
+
+base::Result<void> Engine::Private::openLevel(int level, const std::string& address,
+                                              std::optional<Bytes> bytes)
+{
     Source source = TRY_RESULT(readSource(address, std::move(bytes)));
     // Read here to tell the host at once what is wrong with it; the stage reads it again when it comes.
     CHECK_RESULT(swf::parseMovie(source.bytes).map([](const auto&) {}));
-    d->loader.grant(source.url, std::move(source.bytes));
-    d->stage->loadIntoLevel(level, {source.url, {}, stage::LoadRequest::Method::None, {}});
+    loader.grant(source.url, std::move(source.bytes));
+    stage->loadIntoLevel(level, {source.url, {}, stage::LoadRequest::Method::None, {}});
     return {};
 }
 
-void Engine::close() { d->renewStage(std::make_unique<MemoryStore>(), Private::Scripts::None); }
-
-void Engine::abandon()
+void Engine::close()
 {
-    d->stage->setScript(nullptr);
-    d->stage.reset();
-    d->script.reset();
-    d->sound.reset();
-    d->store = std::make_unique<MemoryStore>();
-    d->makeStage(Private::Scripts::None);
-    d->loader.setTrusted({});
+    d->watched([&] { d->renewStage(std::make_unique<MemoryStore>(), Private::Scripts::None); });
 }
 
 bool Engine::holdsOnlyTrusted() const { return d->loader.holdsOnlyTrusted(); }
@@ -321,9 +412,11 @@ bool Engine::isOpen() const { return d->stage->movie() != nullptr; }
 
 void Engine::advance(double ms, Hearing hearing)
 {
-    // Sound first: a block that begins with a frame of this step sounds from the end of the step on.
-    if (hearing == Hearing::Silent) d->sound.advance(ms);
-    d->stage->advance(ms);
+    d->watched([&] {
+        // Sound first: a block that begins with a frame of this step sounds from the end of the step on.
+        if (hearing == Hearing::Silent) d->sound.advance(ms);
+        d->stage->advance(ms);
+    });
 }
 
 stage::Stage& Engine::stage() { return *d->stage; }
@@ -338,7 +431,8 @@ void Engine::setDeviceScale(double scale)
 
 QRect Engine::dirtyRect()
 {
-    const render::IntRect dirty = d->stage->dirtyRect();
+    render::IntRect dirty;
+    d->watched([&] { dirty = d->stage->dirtyRect(); });
     return dirty.isEmpty() ? QRect() : QRect(dirty.left, dirty.top, dirty.width(), dirty.height());
 }
 
@@ -346,20 +440,27 @@ void Engine::render(QImage& image, const QRect& rect)
 {
     const QRect visible = rect & image.rect();
     if (visible.isEmpty()) return;
+    d->watched([&] { d->render(image, visible); }, guard::Guard::Work::Drawing);
+}
+
+void Engine::Private::render(QImage& image, const QRect& visible)
+{
     const render::SurfaceView view{reinterpret_cast<std::uint32_t*>(image.bits()), image.width(),
                                    image.height(), image.bytesPerLine() / 4};
-    render::Canvas canvas(view, toRender(d->stage->quality()), d->stage->renderCache());
-    d->stage->render(canvas, toRender(visible));
+    render::Canvas canvas(view, toRender(stage->quality()), stage->renderCache());
+    stage->render(canvas, toRender(visible));
 }
 
 std::string Engine::getVariable(const std::string& path)
 {
-    return d->stage->script().hostVariable(path).value_or(std::string());
+    std::string value;
+    d->watched([&] { value = d->stage->script().hostVariable(path).value_or(std::string()); });
+    return value;
 }
 
 void Engine::setVariable(const std::string& path, const std::string& value)
 {
-    d->stage->script().setHostVariable(path, value);
+    d->watched([&] { d->stage->script().setHostVariable(path, value); });
 }
 
 } // namespace flash

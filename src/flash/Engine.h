@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -86,6 +87,20 @@ public:
     [[nodiscard]] bool holdsOnlyTrusted() const;
     /// Whether movies have read files that are no movies since level 0 was opened.
     [[nodiscard]] bool hasReadFiles() const;
+
+    /// Stops whatever the movie does at this moment, a script in an endless loop too: within some
+    /// milliseconds the call at hand returns, the movie is closed, and no script of it runs any more. From
+    /// any thread or signal handler.
+    enum class Until : std::uint8_t {
+        NextMovie,
+        Ever, ///< the process is about to end: no further movie opens
+    };
+    void interrupt(Until until) noexcept;
+    /// Does something to the stage as one step of the movie: watched over by the clock and bounded like
+    /// those below. A movie that cannot go on, because it takes too long or too much memory, is closed, and
+    /// the host is told (HostEvents::movieEnded).
+    /// @returns false when the movie was ended
+    bool act(const std::function<void(stage::Stage&)>& work);
 
     /// Moves everything on. Not for a level of detail below a frame: loads and frames take place within.
     enum class Hearing {

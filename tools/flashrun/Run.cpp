@@ -54,6 +54,11 @@ public:
         if (std::getenv("FLASHRUN_LOG") == nullptr) return;
         std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
     }
+    void movieEnded(std::string_view why) override
+    {
+        std::fprintf(stderr, "flashrun: the movie was ended: %.*s\n", static_cast<int>(why.size()),
+                     why.data());
+    }
     void fsCommand(std::string_view command, std::string_view argument) override
     {
         if (m_commands == Commands::Shown)
@@ -96,7 +101,7 @@ public:
         m_engine.setDeviceScale(arguments.scale);
         m_engine.stage().setQuality(arguments.quality);
         CHECK_RESULT(m_engine.open(arguments.movie));
-        m_input.playUpToWait(m_engine.stage());
+        playInput();
         return {};
     }
 
@@ -109,7 +114,7 @@ public:
     void playFrame()
     {
         play(frameMs());
-        m_input.playUpToWait(m_engine.stage());
+        playInput();
     }
     /// Plays on for a part of a frame, or for as long as the arguments of trace say.
     void play(double ms)
@@ -141,6 +146,10 @@ public:
     void recordTo(Recording& recording) { m_recording = &recording; }
 
 private:
+    void playInput()
+    {
+        m_engine.act([this](flash::stage::Stage& stage) { m_input.playUpToWait(stage); });
+    }
     static flash::Engine::Options optionsOf(const Arguments& arguments)
     {
         flash::Engine::Options options;

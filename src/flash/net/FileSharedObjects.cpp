@@ -34,18 +34,29 @@ std::vector<std::uint8_t> FileSharedObjects::read(std::string_view name)
     return base::readFile(file, kQuotaBytes).value_or(std::vector<std::uint8_t>());
 }
 
+bool FileSharedObjects::hasRoomFor(const fs::path& file, std::uint64_t bytes)
+{
+    std::error_code error;
+    std::uint64_t used = bytes;
+    std::size_t objects = 1;
+    for (const auto& entry : fs::directory_iterator(m_folder, error)) {
+        if (entry.path() == file) continue;
+        std::error_code gone;
+        const std::uint64_t size = entry.file_size(gone);
+        if (gone) continue;
+        used += size;
+        if (++objects > kMostObjects || used > kQuotaBytes) return false;
+    }
+    return used <= kQuotaBytes;
+}
+
 bool FileSharedObjects::write(std::string_view name, const std::vector<std::uint8_t>& content)
 {
     const fs::path file = fileFor(name);
     if (file.empty()) return false;
+    if (!hasRoomFor(file, content.size())) return false;
     std::error_code error;
     fs::create_directories(m_folder, error);
-    std::uint64_t used = content.size();
-    for (const auto& entry : fs::directory_iterator(m_folder, error)) {
-        const std::uint64_t size = entry.path() == file ? 0 : entry.file_size(error);
-        if (!error) used += size;
-    }
-    if (used > kQuotaBytes) return false;
     return base::replaceFile(file, base::Bytes(content)).has_value();
 }
 

@@ -15,6 +15,8 @@ public:
     /// What one movie may keep; the genuine player's default.
     static constexpr std::uint64_t kQuotaBytes = 100 << 10;
     static constexpr std::size_t kMaxNameBytes = 120;
+    /// However small: each is a file.
+    static constexpr std::size_t kMostObjects = 200;
 
     explicit FileSharedObjects(std::filesystem::path folder) : m_folder(std::move(folder)) {}
 
@@ -25,6 +27,8 @@ public:
     void remove(std::string_view name) override;
 
 private:
+    /// Takes stock of the folder; others may have written there.
+    [[nodiscard]] bool hasRoomFor(const std::filesystem::path& file, std::uint64_t bytes);
     /// Empty for a name that cannot be used.
     [[nodiscard]] std::filesystem::path fileFor(std::string_view name) const;
 

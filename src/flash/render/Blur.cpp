@@ -1,5 +1,6 @@
 #include "flash/render/Blur.h"
 
+#include "flash/guard/Guard.h"
 #include "flash/render/Vectorize.h"
 
 #include <algorithm>
@@ -102,7 +103,9 @@ void boxBlur(Plane& plane, double extentX, double extentY, int passes)
     passes = blurPasses(passes);
     const Box across(blurExtent(extentX)), down(blurExtent(extentY));
     Plane other{plane.width, plane.height, plane.channels, std::vector<std::uint8_t>(plane.bytes.size())};
+    constexpr std::size_t kBytesPerStep = 512;
     for (int pass = 0; pass < passes; ++pass) {
+        guard::check(static_cast<std::uint32_t>(1 + plane.bytes.size() / kBytesPerStep));
         if (across.whole > 0 || across.part > 0) {
             if (plane.channels == 4)
                 blurRows<4>(plane, other, across);

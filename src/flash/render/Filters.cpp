@@ -1,5 +1,6 @@
 #include "flash/render/Filters.h"
 
+#include "flash/guard/Guard.h"
 #include "flash/render/Blur.h"
 #include "flash/render/Pixel.h"
 #include "flash/render/ShadowFilters.h"
@@ -90,7 +91,9 @@ void apply(const swf::ConvolutionFilter& filter, SurfaceView surface, double)
         return source.pixel(std::clamp(x, 0, surface.width - 1), std::clamp(y, 0, surface.height - 1));
     };
     const int left = static_cast<int>(columns / 2), top = static_cast<int>(rows / 2);
-    for (int y = 0; y < surface.height; ++y)
+    for (int y = 0; y < surface.height; ++y) {
+        guard::check(
+            static_cast<std::uint32_t>(1 + columns * rows * static_cast<std::size_t>(surface.width) / 64));
         for (int x = 0; x < surface.width; ++x) {
             double sums[4] = {}; // blue, green, red, alpha
             for (std::size_t j = 0; j < rows; ++j)
@@ -110,6 +113,7 @@ void apply(const swf::ConvolutionFilter& filter, SurfaceView surface, double)
                                               std::min(channel(0), alpha));
             }
         }
+    }
 }
 
 void apply(const swf::DropShadowFilter& filter, SurfaceView surface, double scale)

@@ -1,5 +1,7 @@
 #include "flash/render/LayoutBuilder.h"
 
+#include "flash/guard/Guard.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -67,6 +69,8 @@ void LayoutBuilder::build()
         std::size_t end = begin;
         while (end < m_text.size() && !(m_options.multiline && isLineBreak(m_text[end]))) ++end;
         const bool hasBreak = end < m_text.size();
+        constexpr std::size_t kCharactersPerStep = 4;
+        guard::check(static_cast<std::uint32_t>(1 + (end - begin) / kCharactersPerStep));
         paragraph(begin, end, hasBreak);
         if (!hasBreak) break;
         begin = end + 1;

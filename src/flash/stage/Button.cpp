@@ -1,5 +1,6 @@
 #include "flash/stage/Button.h"
 
+#include "flash/guard/Guard.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/Stage.h"
 
@@ -16,13 +17,12 @@ Button::Button(Stage& stage, MoviePtr movie, const swf::Button& definition)
 
 NodePtr Button::make(const swf::ButtonRecord& record)
 {
-    constexpr int kMaxNesting = 200;
-    int nesting = 0;
-    for (const Node* node = this; node; node = node->parent()) ++nesting;
-    if (nesting > kMaxNesting) return nullptr;
+    guard::check();
+    if (!m_stage.hasRoomIn(*this)) return nullptr;
     NodePtr node = m_stage.makeNode(m_movie, record.characterId);
-    if (!node) return nullptr;
+    if (!node || Stage::wouldContainItself(*node, *this)) return nullptr;
     node->m_parent = this;
+    node->m_nesting = m_nesting + 1;
     node->m_depth = kTimelineDepth + record.depth;
     node->m_matrix = record.matrix;
     node->m_color = record.color;

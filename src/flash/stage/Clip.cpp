@@ -1,5 +1,6 @@
 #include "flash/stage/Clip.h"
 
+#include "flash/guard/Guard.h"
 #include "flash/render/Canvas.h"
 #include "flash/render/HitTest.h"
 #include "flash/stage/Button.h"
@@ -44,6 +45,8 @@ Node* Clip::childAt(int depth) const
 Node* Clip::childByName(std::string_view name, Case sensitivity) const
 {
     if (name.empty()) return nullptr;
+    constexpr std::size_t kComparedPerStep = 64;
+    guard::check(static_cast<std::uint32_t>(1 + m_children.size() / kComparedPerStep));
     for (const NodePtr& child : m_children)
         if (equalNames(child->name(), name, sensitivity)) return child.get();
     return nullptr;
@@ -58,6 +61,7 @@ void Clip::insert(NodePtr node, int depth)
 {
     node->m_parent = this;
     node->m_depth = depth;
+    node->m_nesting = m_nesting + 1;
     const auto at = std::upper_bound(m_children.begin(), m_children.end(), depth,
                                      [](int d, const NodePtr& child) { return d < child->depth(); });
     Node& inserted = *node;
@@ -68,26 +72,25 @@ void Clip::insert(NodePtr node, int depth)
 
 void Clip::take(Node& node)
 {
-    const auto found = std::find_if(m_children.begin(), m_children.end(),
-                                    [&](const NodePtr& child) { return child.get() == &node; });
+    const auto isIt = [&](const NodePtr& child) { return child.get() == &node; };
+    // In depth order, but several may be unloading at one depth.
+    auto found =
+        std::find_if(std::lower_bound(m_children.begin(), m_children.end(), node.m_depth,
+                                      [](const NodePtr& child, int depth) { return child->depth() < depth; }),
+                     m_children.end(), isIt);
+    if (found == m_children.end()) found = std::find_if(m_children.begin(), m_children.end(), isIt);
     if (found == m_children.end()) return;
     m_stage.noteRemoved(node);
     m_children.erase(found);
     forgetBounds();
 }
 
-NodePtr Clip::instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth)
+NodePtr Clip::instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth, bool isPlacement)
 {
-    // A sprite cannot contain itself in a sound file; in others the chain ends here.
-    constexpr int kMaxNesting = 200;
-    int nesting = 0;
-    for (const Node* node = this; node; node = node->parent()) ++nesting;
-    if (nesting > kMaxNesting) {
-        m_stage.services().host.logLine("A clip contains itself; the innermost is left out");
-        return nullptr;
-    }
+    if (!m_stage.hasRoomIn(*this)) return nullptr;
     NodePtr node = m_stage.makeNode(movie, characterId);
     if (!node) return nullptr;
+    if (isPlacement && Stage::wouldContainItself(*node, *this)) return nullptr;
     if (m_inert && node->kind() == NodeKind::Clip) static_cast<Clip*>(node.get())->m_inert = true;
     insert(node, depth);
     return node;
@@ -110,6 +113,7 @@ NodePtr Clip::attach(const MoviePtr& movie, std::uint16_t characterId, int depth
 std::shared_ptr<Clip> Clip::attachEmpty(int depth, std::string name)
 {
     if (Node* old = childAt(depth)) removeChild(*old);
+    if (!m_stage.hasRoomIn(*this)) return nullptr;
     auto clip = std::make_shared<Clip>(m_stage, m_movie, m_stage.emptyTimeline());
     clip->setName(std::move(name));
     clip->m_url = m_url;
@@ -124,6 +128,7 @@ std::shared_ptr<Clip> Clip::attachEmpty(int depth, std::string name)
 NodePtr Clip::attachTextField(int depth, std::string name, const swf::Rect& boundsTwips)
 {
     if (Node* old = childAt(depth)) removeChild(*old);
+    if (!m_stage.hasRoomIn(*this)) return nullptr;
     NodePtr field = TextField::makeDynamic(m_stage, m_movie, boundsTwips);
     field->setName(std::move(name));
     field->m_scriptTransformed = true;
@@ -134,6 +139,7 @@ NodePtr Clip::attachTextField(int depth, std::string name, const swf::Rect& boun
 NodePtr Clip::attachBitmap(std::shared_ptr<const swf::Bitmap> bitmap, int depth, bool smooth)
 {
     if (Node* old = childAt(depth)) removeChild(*old);
+    if (!m_stage.hasRoomIn(*this)) return nullptr;
     auto node = std::make_shared<BitmapNode>(m_stage, std::move(bitmap), smooth);
     node->m_movie = m_movie;
     insert(node, depth);
@@ -148,6 +154,7 @@ NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::fu
         if (old == &source) return nullptr;
         removeChild(*old);
     }
+    if (!m_stage.hasRoomIn(*this)) return nullptr;
     if (original) {
         auto clip = std::make_shared<Clip>(m_stage, original->m_movie, original->m_timeline);
         clip->m_characterId = original->m_characterId;
@@ -270,6 +277,7 @@ swf::Rect Clip::bounds(Extent extent)
     if (m_scrollRect) return {0, m_scrollRect->width(), 0, m_scrollRect->height()};
     const auto slot = static_cast<std::size_t>(extent);
     if (m_boundsKnown[slot]) return m_bounds[slot];
+    guard::check();
     swf::Rect all;
     if (m_drawing && !m_drawing->isEmpty()) {
         const swf::Shape& shape = *m_drawing->shape();
@@ -284,6 +292,7 @@ swf::Rect Clip::bounds(Extent extent)
 
 bool Clip::hitsShape(swf::Point stagePoint)
 {
+    guard::check();
     // Quick refusal, with room for hairlines.
     const swf::Matrix toStageSpace = toStage();
     if (!toStageSpace.isInvertible()) return false;

@@ -45,7 +45,8 @@ public:
     [[nodiscard]] int nextHighestDepth() const;
     /// Puts a new instance of a character on the list; what was at the depth goes. For scripts.
     /// @param before runs after the node is in place and before any of its scripts (initialising objects)
-    /// @returns null when the dictionary has no such character that can be shown
+    /// @returns null when the dictionary has no such character that can be shown. As with all that makes
+    ///          instances, also when the movie has as many as it may.
     NodePtr attach(const MoviePtr& movie, std::uint16_t characterId, int depth, std::string name,
                    const std::function<void(Node&)>& before = {});
     std::shared_ptr<Clip> attachEmpty(int depth, std::string name);
@@ -109,7 +110,9 @@ private:
     void applyPlacement(Node& node, const swf::PlaceObject& tag);
     void replace(Node& old, const swf::PlaceObject& tag);
     NodePtr takeBack(const swf::PlaceObject& tag, int frame);
-    NodePtr instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth);
+    /// @param isPlacement by the timeline, not by a script
+    NodePtr instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth,
+                        bool isPlacement = false);
     void insert(NodePtr node, int depth);
     void take(Node& node); ///< off the list, without any consequence
     void removeAllChildren();

@@ -1,3 +1,4 @@
+#include "flash/guard/Guard.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/Drawing.h"
 #include "flash/stage/Stage.h"
@@ -132,11 +133,13 @@ void Clip::streamSound()
 
 void Clip::runFrame(int frame, Run run)
 {
+    guard::check();
     m_frame = frame;
     if (static_cast<std::size_t>(frame) >= m_timeline->frames.size()) return;
     const NodePtr keep = shared_from_this();
     const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
     for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(frame)].tags) {
+        guard::check();
         if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
             place(*placed, frame);
         } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
@@ -173,7 +176,7 @@ void Clip::place(const swf::PlaceObject& tag, int frame)
     }
     if (!tag.characterId || existing) return;
     if (!m_aside.empty() && takeBack(tag, frame)) return;
-    const NodePtr node = instantiate(m_movie, *tag.characterId, depth);
+    const NodePtr node = instantiate(m_movie, *tag.characterId, depth, true);
     if (!node) return;
     node->m_placedFrame = frame;
     node->m_placedId = *tag.characterId;

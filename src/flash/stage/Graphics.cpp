@@ -94,7 +94,8 @@ StaticTextNode::StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticTe
     }
 }
 
-swf::Rect StaticTextNode::bounds(Extent) { return swf::mapBounds(m_text.matrix, m_text.bounds); }
+// Stated in the node's space: the text's own matrix has no say in them.
+swf::Rect StaticTextNode::bounds(Extent) { return m_text.bounds; }
 
 bool StaticTextNode::hitsShape(swf::Point stagePoint)
 {

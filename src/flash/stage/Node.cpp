@@ -1,5 +1,6 @@
 #include "flash/stage/Node.h"
 
+#include "flash/guard/Guard.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/ScalingGrid.h"
 #include "flash/stage/Stage.h"
@@ -63,6 +64,7 @@ std::string path(const Node& node, char separator, std::string (*rootName)(int))
 {
     std::vector<const Node*> chain;
     const Node* at = &node;
+    guard::check();
     for (; at->parent(); at = at->parent()) chain.push_back(at);
     const int level = at->kind() == NodeKind::Clip ? static_cast<const Clip*>(at)->levelNumber() : 0;
     std::string text = rootName(level);
@@ -333,14 +335,25 @@ struct Node::SliceCache {
     std::shared_ptr<const swf::Shape> source, result;
 };
 
-Node::Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind) {}
+Node::Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind), m_listed(stage.m_instances)
+{
+    ++*m_listed;
+}
+
+Node::~Node() { unlist(); }
+
+void Node::unlist()
+{
+    if (!m_listed) return;
+    --*m_listed;
+    m_listed.reset();
+}
+
 void Node::setName(std::string name)
 {
     m_name = std::move(name);
     m_stage.script().nodeNamed(m_name);
 }
-
-Node::~Node() = default;
 
 std::optional<Node::Sliced> Node::sliced()
 {

@@ -166,6 +166,8 @@ protected:
     /// What a scaling grid slices. Null for what is scaled as a whole.
     virtual std::shared_ptr<const swf::Shape> outline() { return nullptr; }
     void cacheScale();
+    /// It counts no longer as one of the stage's instances.
+    void unlist();
     /// A cached extent somewhere above is out of date.
     virtual void forgetBounds();
 
@@ -180,10 +182,12 @@ protected:
     MoviePtr m_movie;
     std::string m_name;
     int m_depth = 0;
+    int m_nesting = 0; ///< how many contain it
     std::uint16_t m_characterId = 0, m_ratio = 0;
     bool m_removed = false, m_unloading = false, m_visible = true, m_cacheAsBitmap = false;
     bool m_scriptTransformed = false, m_scaleCached = false;
-    bool m_changed = false; ///< listed by the stage as changed since the last drawing
+    std::shared_ptr<std::size_t> m_listed; ///< the stage's count of instances; null once it has left
+    bool m_changed = false;                ///< listed by the stage as changed since the last drawing
     /// Frame (index) whose tag placed it; -1 when a script did.
     int m_placedFrame = -1;
     std::uint16_t m_placedId = 0; ///< the character that the tag placed; exchanged ones differ

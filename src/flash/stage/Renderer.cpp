@@ -1,5 +1,6 @@
 #include "flash/stage/Renderer.h"
 
+#include "flash/guard/Guard.h"
 #include "flash/render/Filters.h"
 #include "flash/stage/Clip.h"
 
@@ -28,6 +29,7 @@ void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf
 
 void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
+    guard::check(4);
     const double scale = std::sqrt(std::abs(m_view.a * m_view.d)) * swf::kTwipsPerPixel;
     const render::IntRect content = render::deviceBounds(node.reach(), toDevice);
     render::IntRect reach = content;
@@ -44,6 +46,9 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::Co
     const bool blends = node.blend() != swf::BlendMode::Normal;
     const bool layered = blends || !node.filters().empty() || node.cacheAsBitmap();
     if (layered) {
+        constexpr long long kPixelsPerStep = 256;
+        const render::IntRect area = render::intersect(content, m_canvas.clip());
+        guard::check(static_cast<std::uint32_t>(1 + 1LL * area.width() * area.height() / kPixelsPerStep));
         m_canvas.beginLayer(content, node.filters());
         drawContent(node, toDevice, {});
         m_canvas.endLayer(blends ? node.blend() : swf::BlendMode::Layer, color, node.filters());

@@ -108,6 +108,10 @@ public:
     /// The end of a frame: a good moment to free objects.
     virtual void frameEnded() {}
 
+    /// Scripts that are short each for itself take too long together: the user is asked, and they may all be
+    /// ended.
+    virtual void stopSlowScripts() {}
+
     /// Host access to variables (GetVariable, SetVariable), seen from the root.
     virtual std::optional<std::string> hostVariable(std::string_view /*path*/) { return {}; }
     virtual void setHostVariable(std::string_view /*path*/, std::string_view /*value*/) {}

@@ -138,6 +138,11 @@ public:
     /// Asked every few milliseconds while scripts run, and whenever they have taken much memory.
     /// @returns true to end all scripts of the movie for good
     virtual bool endsScripts() { return false; }
+    /// The movie went beyond what it may use, and something was not done. Once for each kind of thing; the
+    /// log has the same. @param what English
+    virtual void limitReached(std::string_view /*what*/) {}
+    /// The movie was closed because it could not go on. @param why English
+    virtual void movieEnded(std::string_view /*why*/) {}
 };
 
 /// Shared objects: small named records that outlive the movie.

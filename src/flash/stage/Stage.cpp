@@ -1,6 +1,7 @@
 #include "flash/stage/Stage.h"
 
 #include "base/TextCodes.h"
+#include "flash/guard/Guard.h"
 #include "flash/render/RenderCache.h"
 #include "flash/stage/Button.h"
 #include "flash/stage/Graphics.h"
@@ -73,6 +74,7 @@ void Stage::close()
     m_dropTarget = nullptr;
     m_loads.clear();
     m_requests.clear();
+    m_requestBytes = m_loadedBytes = 0;
     m_unloading.clear();
     for (int priority = 0; priority < kPriorities; ++priority) {
         m_queue[priority].clear();
@@ -98,6 +100,34 @@ std::shared_ptr<const swf::Timeline> Stage::emptyTimeline()
 {
     if (!m_emptyTimeline) m_emptyTimeline = std::make_shared<swf::Timeline>();
     return m_emptyTimeline;
+}
+
+bool Stage::hasRoomIn(const Node& parent) const
+{
+    guard::check();
+    if (parent.m_nesting + 1 >= guard::kDeepestNesting) {
+        guard::refuse(guard::Bound::Nesting, "Clips are nested too deeply; the innermost are left out");
+        return false;
+    }
+    if (*m_instances < guard::kMostInstances) return true;
+    guard::refuse(guard::Bound::Instances,
+                  "The movie shows too many things at one time; further ones are left out");
+    return false;
+}
+
+bool Stage::wouldContainItself(const Node& node, const Node& parent)
+{
+    for (const Node* above = &parent; above->m_parent; above = above->m_parent) {
+        if (above->m_characterId == node.m_characterId && above->m_movie == node.m_movie &&
+            above->m_kind == node.m_kind) {
+            guard::refuse(guard::Bound::SelfContained, "Character " + std::to_string(node.m_characterId) +
+                                                           " contains itself; the inner one is left out");
+            return true;
+        }
+        // Scripts may put anything into anything; they come to an end by themselves.
+        if (above->m_placedFrame < 0 && above->m_parent->m_kind == NodeKind::Clip) return false;
+    }
+    return false;
 }
 
 NodePtr Stage::makeNode(const MoviePtr& movie, std::uint16_t characterId)
@@ -159,6 +189,7 @@ void Stage::noteRemoved(Node& node) { addDirty(node.m_drawnBounds); }
 void Stage::retire(Node& node)
 {
     if (node.m_removed) return;
+    guard::check();
     const NodePtr keep = node.shared_from_this();
     m_script->nodeRemoved(node);
     std::vector<NodePtr> children(node.children().begin(), node.children().end());
@@ -168,6 +199,7 @@ void Stage::retire(Node& node)
     }
     for (const NodePtr& child : children) retire(*child);
     node.m_removed = true;
+    node.unlist();
     node.m_parent = nullptr;
     if (node.m_mask) node.setMask(nullptr);
     if (node.m_maskee) node.m_maskee->setMask(nullptr);
@@ -194,6 +226,7 @@ bool Stage::queueUnload(Node& node)
 {
     Clip* clip = asClip(&node);
     if (clip && clip->m_inert) return false;
+    guard::check();
     const bool own =
         clip && (clip->hasClipEvent(Event::Unload) || m_script->hasHandler(*clip, Event::Unload));
     // The innermost hear of it first. A clip that hears of it itself keeps everything until then; of another
@@ -236,7 +269,7 @@ void Stage::finishUnloading()
 std::string Stage::linkageName(const MoviePtr& movie, std::uint16_t characterId)
 {
     if (!movie || movie->exports.empty()) return {};
-    auto [entry, fresh] = m_linkageNames.try_emplace(movie.get());
+    auto [entry, fresh] = m_linkageNames.try_emplace(movie);
     if (fresh)
         for (const auto& [name, id] : movie->exports) entry->second.emplace(id, textOf(movie, name));
     const auto found = entry->second.find(characterId);
@@ -281,7 +314,7 @@ void Stage::queueBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions)
 
 void Stage::queueInit(Clip& target, const MoviePtr& movie, const swf::DoInitAction& init)
 {
-    if (!m_initialized.emplace(movie.get(), init.spriteId).second) return;
+    if (!m_initialized[movie].insert(init.spriteId).second) return;
     Queued item;
     item.kind = Queued::Kind::Init;
     item.node = target.shared_from_this();
@@ -341,6 +374,8 @@ void Stage::runQueue()
     if (m_runningQueue) return;
     m_runningQueue = true;
     for (;;) {
+        guard::check();
+        askWhenOverdue();
         int priority = 0;
         while (priority < kPriorities && m_queueHead[priority] == m_queue[priority].size()) {
             m_queue[priority].clear();
@@ -351,9 +386,10 @@ void Stage::runQueue()
             if (!m_unloading.empty()) {
                 finishUnloading();
             } else if (!m_requests.empty()) {
-                const auto request = std::move(m_requests.front());
+                const Request request = std::move(m_requests.front());
                 m_requests.pop_front();
-                request();
+                m_requestBytes -= request.bytes;
+                request.run();
             } else {
                 break;
             }
@@ -372,6 +408,30 @@ void Stage::runQueue()
     m_runningQueue = false;
 }
 
+void Stage::askWhenOverdue()
+{
+    guard::Guard* guard = guard::current();
+    if (!guard || !guard->isOverdue()) return;
+    m_script->stopSlowScripts();
+    guard->restartClock();
+}
+
+bool Stage::takesRequest(std::size_t bytes) const
+{
+    if (m_requests.size() < guard::kMostRequests && m_requestBytes + bytes <= guard::kMostRequestBytes)
+        return true;
+    guard::refuse(guard::Bound::Requests,
+                  "The movie gives more commands at once than are taken; the rest is dropped");
+    return false;
+}
+
+void Stage::queueRequest(std::function<void()> request, std::size_t bytes)
+{
+    if (!takesRequest(bytes)) return;
+    m_requestBytes += bytes;
+    m_requests.push_back({std::move(request), bytes});
+}
+
 // ---- time -------------------------------------------------------------------------------------------------
 
 double Stage::frameMs() const { return 1000 / m_frameRate; }
@@ -386,14 +446,27 @@ void Stage::stepClips()
     std::erase_if(m_clips, [](const std::shared_ptr<Clip>& clip) { return clip->isRemoved(); });
 }
 
+void Stage::forgetGoneNodes()
+{
+    constexpr std::size_t kFew = 256;
+    if (m_changedNodes.size() < 2 * m_changedKept + kFew) return;
+    std::erase_if(m_changedNodes, [](const std::weak_ptr<Node>& entry) {
+        const NodePtr node = entry.lock();
+        return !node || node->isRemoved(); // its place was noted as dirty when it went
+    });
+    m_changedKept = m_changedNodes.size();
+}
+
 void Stage::advanceFrame()
 {
+    guard::restartClock();
     ++m_frameCounter;
     stepClips();
     runQueue();
     deliverLoads();
     if (m_mouseInside) updatePointer();
     syncTextFields();
+    forgetGoneNodes();
     m_script->frameEnded();
 }
 
@@ -415,6 +488,7 @@ void Stage::syncTextFields()
 
 void Stage::runTimersAndQueue()
 {
+    guard::restartClock();
     m_script->runTimers(m_nowMs);
     runQueue();
 }

@@ -229,7 +229,14 @@ public:
     /// Runs whatever scripts are queued, and those they queue. For callers that ran scripts themselves.
     void runQueue();
     /// Commands to the host wait until the scripts at hand are done.
-    void queueRequest(std::function<void()> request) { m_requests.push_back(std::move(request)); }
+    /// Whether another request may be queued; reported when not. Asked before its texts are made.
+    /// @param bytes that the request will hold on to, about
+    [[nodiscard]] bool takesRequest(std::size_t bytes) const;
+    void queueRequest(std::function<void()> request, std::size_t bytes = 0);
+    /// Instances listed as changed since the stage was drawn last, those that are gone by now included.
+    [[nodiscard]] std::size_t notedChanges() const { return m_changedNodes.size(); }
+    /// Instances on the stage.
+    [[nodiscard]] std::size_t instances() const { return *m_instances; }
     /// Queues a block for `target`; skipped when it has left the stage by then.
     void queueBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions);
     void queueEvent(Node& node, Event event, int keyCode = 0);
@@ -274,6 +281,11 @@ private:
     };
 
     // ---- instances ----
+    /// Whether another instance may be put into `parent`; reported when not.
+    [[nodiscard]] bool hasRoomIn(const Node& parent) const;
+    /// Whether `node`, which a timeline or a button is about to show in `parent`, would contain itself
+    /// without end.
+    [[nodiscard]] static bool wouldContainItself(const Node& node, const Node& parent);
     NodePtr makeNode(const MoviePtr& movie, std::uint16_t characterId);
     void begin(Node& node);
     void enlist(std::shared_ptr<Clip> clip) { m_clips.push_back(std::move(clip)); }
@@ -285,12 +297,18 @@ private:
     [[nodiscard]] std::shared_ptr<const swf::Timeline> emptyTimeline();
     void noteChanged(Node& node) { m_changedNodes.push_back(node.weak_from_this()); }
     void noteRemoved(Node& node);
+    /// Those that are gone hold on to their memory as long as they are listed.
+    void forgetGoneNodes();
     void collectDirty();
     void syncTextFields();
     void addDirty(const render::IntRect& rect) { m_dirty = render::unite(m_dirty, rect); }
     void runTimersAndQueue();
+    /// Between two scripts, when all those of a frame take too long together.
+    void askWhenOverdue();
     void stepClips();
     void deliverLoads();
+    void wait(Pending load);
+    base::Result<LoadAnswer> answerTo(const LoadRequest& request);
     void finishLoad(Pending& load);
     void fill(Clip& clip, MoviePtr movie, std::string url);
     bool fillFrom(Clip& clip, const LoadAnswer& answer);
@@ -328,11 +346,21 @@ private:
     std::vector<Queued> m_queue[kPriorities];
     std::size_t m_queueHead[kPriorities] = {};
     bool m_runningQueue = false;
-    std::deque<std::function<void()>> m_requests;
+    struct Request {
+        std::function<void()> run;
+        std::size_t bytes;
+    };
+    std::deque<Request> m_requests;
+    std::size_t m_requestBytes = 0;
+    std::shared_ptr<std::size_t> m_instances = std::make_shared<std::size_t>(0); ///< the nodes share it
     std::vector<NodePtr> m_unloading;
     std::vector<Pending> m_loads;
-    std::set<std::pair<const swf::Movie*, std::uint16_t>> m_initialized;
-    std::unordered_map<const swf::Movie*, std::unordered_map<std::uint16_t, std::string>> m_linkageNames;
+    std::size_t m_loadedBytes = 0; ///< that wait in m_loads
+    // By movie. An entry keeps the address of a movie that is gone from being given to another.
+    template <class T>
+    using ByMovie = std::map<std::weak_ptr<const swf::Movie>, T, std::owner_less<>>;
+    ByMovie<std::set<std::uint16_t>> m_initialized;
+    ByMovie<std::unordered_map<std::uint16_t, std::string>> m_linkageNames;
     std::shared_ptr<const swf::Timeline> m_emptyTimeline;
     long long m_frameCounter = 0;
     int m_instanceCounter = 0;
@@ -351,6 +379,7 @@ private:
     std::vector<std::weak_ptr<TextField>> m_boundFields; ///< those that show a variable
     render::IntRect m_dirty;
     std::vector<std::weak_ptr<Node>> m_changedNodes;
+    std::size_t m_changedKept = 0; ///< of those, still there when last looked at
 
     Cursor m_cursor = Cursor::Arrow;
     bool m_showsMenu = true;

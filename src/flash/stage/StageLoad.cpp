@@ -1,3 +1,4 @@
+#include "flash/guard/Guard.h"
 #include "flash/stage/Drawing.h"
 #include "flash/stage/Graphics.h"
 #include "flash/stage/Stage.h"
@@ -105,6 +106,26 @@ void Stage::setQueryVariables(Clip& clip, const std::string& url)
     }
 }
 
+base::Result<LoadAnswer> Stage::answerTo(const LoadRequest& request)
+{
+    guard::check();
+    if (m_loads.size() >= guard::kMostLoads || m_loadedBytes >= guard::kMostLoadedBytes) {
+        constexpr std::string_view kText = "The movie loads more at once than is allowed; the rest fails";
+        guard::refuse(guard::Bound::Loads, kText);
+        return base::fail(base::ErrorCode::LimitReached, request.url + ": too many loads at once");
+    }
+    auto answer = m_services.loader.load(request);
+    if (answer) m_loadedBytes += answer->bytes.size();
+    return answer;
+}
+
+void Stage::wait(Pending load)
+{
+    // Those that fail are told of it, but not without end.
+    constexpr std::size_t kMostToldOf = 4 * guard::kMostLoads;
+    if (m_loads.size() < kMostToldOf) m_loads.push_back(std::move(load));
+}
+
 void Stage::loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<LoadListener> listener)
 {
     if (target.levelNumber() >= 0) {
@@ -115,40 +136,36 @@ void Stage::loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<Load
                  -1,
                  true,
                  false,
-                 m_services.loader.load(request),
+                 answerTo(request),
                  std::move(listener),
                  {},
                  m_frameCounter};
-    m_loads.push_back(std::move(load));
+    wait(std::move(load));
 }
 
 void Stage::loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener)
 {
     // Replacing the movie itself waits for its present frame to be over.
     const long long frame = level == 0 ? m_frameCounter + 1 : m_frameCounter;
-    Pending load{{}, level, false, true, m_services.loader.load(request), std::move(listener), {}, frame};
-    m_loads.push_back(std::move(load));
+    Pending load{{}, level, false, true, answerTo(request), std::move(listener), {}, frame};
+    wait(std::move(load));
 }
 
 void Stage::fetch(LoadRequest request, LoadDone done)
 {
-    Pending load{
-        {}, -1, false, false, m_services.loader.load(request), nullptr, std::move(done), m_frameCounter};
-    m_loads.push_back(std::move(load));
+    Pending load{{}, -1, false, false, answerTo(request), nullptr, std::move(done), m_frameCounter};
+    wait(std::move(load));
 }
 
 void Stage::deliverLoads()
 {
-    std::vector<Pending> due;
-    for (std::size_t i = 0; i < m_loads.size();) {
-        if (m_loads[i].frame > m_frameCounter) {
-            ++i;
-            continue;
-        }
-        due.push_back(std::move(m_loads[i]));
-        m_loads.erase(m_loads.begin() + static_cast<std::ptrdiff_t>(i));
-    }
+    std::vector<Pending> due, later;
+    for (Pending& load : m_loads) (load.frame > m_frameCounter ? later : due).push_back(std::move(load));
+    m_loads = std::move(later);
+    for (const Pending& load : due)
+        if (load.answer) m_loadedBytes -= load.answer->bytes.size();
     for (Pending& load : due) {
+        guard::check();
         finishLoad(load);
         runQueue();
     }

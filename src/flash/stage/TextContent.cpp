@@ -1,5 +1,7 @@
 #include "flash/stage/TextContent.h"
 
+#include "flash/guard/Guard.h"
+
 #include <algorithm>
 
 namespace flash::stage
@@ -13,12 +15,21 @@ void TextContent::clear()
 
 void TextContent::append(std::u16string_view text, const TextFormat& format)
 {
+    text = text.substr(0, roomFor(text.size()));
     if (text.empty()) return;
     m_text += text;
     if (!m_runs.empty() && m_runs.back().format == format)
         m_runs.back().length += text.size();
     else
         m_runs.push_back({text.size(), format});
+}
+
+std::size_t TextContent::roomFor(std::size_t units) const
+{
+    const std::size_t room = guard::kLongestFieldText - std::min(m_text.size(), guard::kLongestFieldText);
+    if (units <= room) return units;
+    guard::refuse(guard::Bound::Texts, "A text field holds too long a text; the rest is left out");
+    return room;
 }
 
 std::size_t TextContent::cut(std::size_t index)
@@ -57,6 +68,7 @@ void TextContent::replace(std::size_t begin, std::size_t end, std::u16string_vie
 {
     end = std::min(end, m_text.size());
     begin = std::min(begin, end);
+    text = text.substr(0, std::min(text.size(), roomFor(text.size()) + (end - begin)));
     const auto first = static_cast<std::ptrdiff_t>(cut(begin));
     const auto last = static_cast<std::ptrdiff_t>(cut(end));
     m_runs.erase(m_runs.begin() + first, m_runs.begin() + last);

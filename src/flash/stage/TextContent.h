@@ -38,6 +38,8 @@ public:
     [[nodiscard]] PartialTextFormat common(std::size_t begin, std::size_t end) const;
 
 private:
+    /// @returns how many of so many units more it takes
+    [[nodiscard]] std::size_t roomFor(std::size_t units) const;
     /// @returns the index of the run that begins at `index`, after cutting one in two when needed
     std::size_t cut(std::size_t index);
     void join();

@@ -1,4 +1,5 @@
 #include "base/TextCodes.h"
+#include "flash/guard/Guard.h"
 #include "flash/stage/StyleSheet.h"
 #include "flash/stage/TextHtml.h"
 
@@ -85,6 +86,15 @@ struct Tag {
     }
 };
 
+/// @returns where the entity that begins at `at` has its semicolon, or npos. None is so long that a text of
+/// ampersands would have to be gone through again for each of them.
+std::size_t endOfEntity(std::u16string_view text, std::size_t at)
+{
+    constexpr std::size_t kLongest = 64;
+    const std::size_t found = text.substr(at, kLongest).find(u';');
+    return found == std::u16string_view::npos ? found : at + found;
+}
+
 class Parser
 {
 public:
@@ -98,6 +108,7 @@ public:
     TextContent run()
     {
         while (!m_rest.empty()) {
+            guard::check();
             if (m_rest[0] == u'<') {
                 if (!markup()) break;
             } else {
@@ -125,7 +136,7 @@ private:
         std::u16string text;
         for (std::size_t i = 0; i < raw.size(); ++i) {
             if (raw[i] == u'&') {
-                const std::size_t semicolon = raw.find(u';', i);
+                const std::size_t semicolon = endOfEntity(raw, i);
                 const std::optional<char16_t> decoded = semicolon == std::u16string_view::npos
                                                             ? std::nullopt
                                                             : entity(raw.substr(i + 1, semicolon - i - 1));
@@ -234,7 +245,7 @@ private:
     {
         std::u16string text;
         for (std::size_t i = 0; i < raw.size(); ++i) {
-            const std::size_t semicolon = raw[i] == u'&' ? raw.find(u';', i) : std::u16string_view::npos;
+            const std::size_t semicolon = raw[i] == u'&' ? endOfEntity(raw, i) : std::u16string_view::npos;
             if (semicolon != std::u16string_view::npos) {
                 if (const auto c = entity(raw.substr(i + 1, semicolon - i - 1))) {
                     text += *c;

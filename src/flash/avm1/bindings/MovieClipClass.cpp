@@ -57,7 +57,8 @@ Value createEmptyMovieClip(Call& call)
     stage::Clip* clip = selfClip(call);
     const auto depth = depthArg(call, 1);
     if (!clip || !depth) return {};
-    return StageBinding::of(call).objectOf(clip->attachEmpty(*depth, utf8Arg(call, 0)).get());
+    const auto made = clip->attachEmpty(*depth, utf8Arg(call, 0));
+    return made ? Value(StageBinding::of(call).objectOf(made.get())) : Value();
 }
 
 Value createTextField(Call& call)
@@ -75,6 +76,7 @@ Value createTextField(Call& call)
     };
     const stage::NodePtr field =
         clip->attachTextField(*depth, utf8Arg(call, 0), {0, twips(width), 0, twips(height)});
+    if (!field) return {};
     field->setX(x);
     field->setY(y);
     Object* object = StageBinding::of(call).objectOf(field.get());

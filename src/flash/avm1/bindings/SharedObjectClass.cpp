@@ -2,6 +2,7 @@
 #include "flash/avm1/bindings/StoredValues.h"
 
 #include "base/TextCodes.h"
+#include "flash/guard/Guard.h"
 
 // SharedObject: what a movie keeps on the machine. Those of servers do not exist.
 namespace flash::avm1
@@ -72,6 +73,10 @@ Value getLocal(Call& call)
     }
     auto& known = binding.sharedObjects();
     if (const auto found = known.find(key); found != known.end()) return Value(found->second);
+    if (known.size() >= guard::kMostSharedObjects) {
+        guard::refuse(guard::Bound::SharedObjects, "The movie asks for too many shared objects");
+        return Value::null();
+    }
     Object* constructor = vm.global()->get(vm, vm.name(std::string_view("SharedObject"))).asObject();
     if (!constructor) return Value::null();
     Object* shared = vm.newObject(vm.prototypeOf(constructor));
@@ -151,12 +156,14 @@ void installSharedObject(StageBinding& binding)
 
 void StageBinding::saveSharedObjects()
 {
+    bool told = false;
     for (const auto& [key, shared] : sharedObjects()) {
         if (isEmpty(*m_vm, shared)) continue;
         const auto content = contentOf(*m_vm, shared);
         if (content == m_services.sharedObjects.read(key)) continue;
-        if (!m_services.sharedObjects.write(key, content))
-            m_services.host.logLine("SharedObject " + key + ": cannot be kept");
+        if (m_services.sharedObjects.write(key, content)) continue;
+        if (!told) m_services.host.logLine("SharedObject " + key + ": cannot be kept");
+        told = true; // the others for the same reason, most likely
     }
 }
 

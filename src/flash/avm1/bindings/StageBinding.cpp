@@ -177,6 +177,8 @@ Object* StageBinding::objectOf(stage::Node* node)
     }
     Object* object = m_vm->newObject(prototype);
     object->attachNew<NodeObject>(*this, node->shared_from_this(), *object);
+    // The instance lives as long as its object, and there may be many that have left the stage.
+    m_vm->heap().noteExternalBytes(sizeof(stage::Clip));
     // A text field listens to itself.
     if (node->kind() == stage::NodeKind::TextField) {
         const Value own[] = {Value(object)};

@@ -118,6 +118,8 @@ public:
     void updateAfterEvent() override;
     bool askToStopScript(double seconds) override;
     bool endsScripts() override;
+    void scriptsEnded(std::string_view why) override;
+    void stopSlowScripts() override;
 
     // ---- stage::ScriptHost ----
     void runActions(stage::Clip& target, const stage::MoviePtr& movie,

@@ -1,6 +1,7 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/bindings/StageBinding.h"
+#include "flash/guard/Guard.h"
 #include "flash/stage/Button.h"
 #include "flash/stage/TextField.h"
 
@@ -11,6 +12,9 @@ namespace flash::avm1
 
 namespace
 {
+
+// What converting texts for the host costs, for Vm::noteWork().
+constexpr std::size_t kUnitsPerStep = 64;
 
 enum PropertyNumber {
     kX,
@@ -81,7 +85,11 @@ bool startsWithNoCase(std::u16string_view text, std::u16string_view prefix)
 
 } // namespace
 
-void StageBinding::trace(std::u16string_view text) { m_services.host.traceLine(base::utf8FromUtf16(text)); }
+void StageBinding::trace(std::u16string_view text)
+{
+    m_vm->noteWork(text.size() / kUnitsPerStep);
+    m_services.host.traceLine(base::utf8FromUtf16(text));
+}
 void StageBinding::log(std::string_view text) { m_services.host.logLine(text); }
 double StageBinding::timeMs() { return m_stage ? m_stage->nowMs() : 0; }
 double StageBinding::wallClockMs()
@@ -366,6 +374,8 @@ void StageBinding::requestUrl(const UrlRequest& request)
         fsCommand(std::u16string_view(request.url).substr(10), request.window);
         return;
     }
+    m_vm->noteWork(request.url.size() / kUnitsPerStep);
+    if (!m_stage->takesRequest(request.url.size())) return;
     stage::Clip* sender = clipOf(request.sender);
     stage::LoadRequest load;
     load.url = base::utf8FromUtf16(request.url);
@@ -376,7 +386,8 @@ void StageBinding::requestUrl(const UrlRequest& request)
     switch (request.kind) {
     case UrlRequest::Kind::Page:
         m_stage->queueRequest([&host = m_services.host, url = load.url,
-                               window = base::utf8FromUtf16(request.window)] { host.openUrl(url, window); });
+                               window = base::utf8FromUtf16(request.window)] { host.openUrl(url, window); },
+                              load.url.size() + request.window.size());
         return;
     case UrlRequest::Kind::MovieIntoClip: {
         stage::Clip* clip = clipOf(request.target);
@@ -451,13 +462,34 @@ std::vector<std::pair<std::string, std::string>> StageBinding::collectVariables(
 
 void StageBinding::fsCommand(std::u16string_view command, std::u16string_view argument)
 {
+    const std::size_t bytes = command.size() + argument.size();
+    m_vm->noteWork(bytes / kUnitsPerStep);
+    if (!m_stage->takesRequest(bytes)) return;
     m_stage->queueRequest([&host = m_services.host, name = base::utf8FromUtf16(command),
-                           text = base::utf8FromUtf16(argument)] { host.fsCommand(name, text); });
+                           text = base::utf8FromUtf16(argument)] { host.fsCommand(name, text); },
+                          bytes);
 }
 
 void StageBinding::updateAfterEvent() {}
 
-bool StageBinding::askToStopScript(double) { return m_services.host.abortSlowScript(); }
-bool StageBinding::endsScripts() { return m_services.host.endsScripts(); }
+bool StageBinding::askToStopScript(double)
+{
+    const bool stops = m_services.host.abortSlowScript();
+    guard::restartClock(); // the time for the answer is the user's
+    return stops;
+}
+bool StageBinding::endsScripts()
+{
+    if (guard::Guard* guard = guard::current()) guard->lookAround();
+    return m_services.host.endsScripts();
+}
+
+void StageBinding::scriptsEnded(std::string_view why) { m_services.host.limitReached(why); }
+
+void StageBinding::stopSlowScripts()
+{
+    if (!m_vm->isDisabled() && askToStopScript(0))
+        m_vm->abortScript("The scripts of this movie ran for too long and were stopped.");
+}
 
 } // namespace flash::avm1
