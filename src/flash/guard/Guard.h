@@ -36,6 +36,8 @@ constexpr std::size_t kMostLoadedBytes = std::size_t{256} << 20;
 /// Commands and addresses that wait for the host until the scripts at hand are done.
 constexpr std::size_t kMostRequests = 10'000;
 constexpr std::size_t kMostRequestBytes = std::size_t{32} << 20;
+/// Timers that run at one time.
+constexpr std::size_t kMostTimers = 5000;
 /// Shared objects that a movie looks at in one run.
 constexpr std::size_t kMostSharedObjects = 256;
 /// Scripts that wait to be run.
@@ -58,6 +60,7 @@ enum class Bound : std::uint8_t {
     Requests,
     Scripts,
     SharedObjects,
+    Timers,
     Filters,
 };
 

@@ -488,7 +488,8 @@ void Stage::syncTextFields()
 
 void Stage::runTimersAndQueue()
 {
-    guard::restartClock();
+    guard::check();
+    askWhenOverdue();
     m_script->runTimers(m_nowMs);
     runQueue();
 }
@@ -504,6 +505,7 @@ double Stage::msToNextEvent()
 void Stage::advance(double ms)
 {
     if (!m_movie || !(ms > 0)) return;
+    guard::restartClock();
     const double target = m_nowMs + ms;
     int frames = 0, timerRounds = 0;
     // Timers of no interval would otherwise hold the clock for ever.

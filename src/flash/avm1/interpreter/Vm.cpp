@@ -394,6 +394,10 @@ int Vm::addTimer(Value function, Value self, Value method, std::span<const Value
     constexpr double kShortestPeriodMs = 10;
     const double period = std::max(periodMs, kShortestPeriodMs);
     const int id = m_nextTimer++;
+    if (m_timers.size() >= guard::kMostTimers) {
+        guard::refuse(guard::Bound::Timers, "The movie starts too many timers; further ones do not run");
+        return id;
+    }
     m_timers.emplace(id, Timer{function,
                                self,
                                method,
@@ -407,8 +411,11 @@ int Vm::addTimer(Value function, Value self, Value method, std::span<const Value
 
 void Vm::advanceTimers()
 {
+    if (m_disabled) m_timers.clear();
     const double now = m_host.timeMs();
     while (true) {
+        constexpr std::size_t kComparedPerStep = 64;
+        guard::check(static_cast<std::uint32_t>(1 + m_timers.size() / kComparedPerStep));
         const auto next =
             std::ranges::min_element(m_timers, {}, [](const auto& entry) { return entry.second.dueMs; });
         if (next == m_timers.end() || next->second.dueMs > now) return;
@@ -428,6 +435,7 @@ void Vm::advanceTimers()
 
 std::optional<double> Vm::nextTimerMs() const
 {
+    if (m_disabled) return {};
     const auto next =
         std::ranges::min_element(m_timers, {}, [](const auto& entry) { return entry.second.dueMs; });
     if (next == m_timers.end()) return {};
