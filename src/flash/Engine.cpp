@@ -155,6 +155,16 @@ render::IntRect toRender(const QRect& rect)
     return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
 }
 
+stage::HostEvents::EndCause toHost(guard::MovieEnded::Cause cause)
+{
+    switch (cause) {
+    case guard::MovieEnded::Cause::Memory: return stage::HostEvents::EndCause::Memory;
+    case guard::MovieEnded::Cause::Time: return stage::HostEvents::EndCause::Time;
+    case guard::MovieEnded::Cause::Interrupted: return stage::HostEvents::EndCause::Interrupted;
+    }
+    return stage::HostEvents::EndCause::Memory;
+}
+
 render::Quality toRender(stage::Quality quality)
 {
     switch (quality) {
@@ -196,28 +206,29 @@ public:
         }
         try {
             const guard::Turn turn(watch, kind);
-            if (watch.isInterrupted() && stage->movie()) throw guard::MovieEnded("it was interrupted");
+            if (stage->movie()) watch.lookAround();
             work();
             return true;
         } catch (const guard::MovieEnded& ended) {
-            endMovie(ended.what());
+            endMovie(toHost(ended.cause()), ended.what());
         } catch (const std::bad_alloc&) {
             reserve.reset();
-            endMovie("it needs more memory than there is");
+            endMovie(stage::HostEvents::EndCause::Memory, "it needs more memory than there is");
         } catch (const std::length_error&) {
-            endMovie("it needs more memory than there can be");
+            endMovie(stage::HostEvents::EndCause::Memory, "it needs more memory than there can be");
         }
         return false;
     }
 
     /// Leaves a closed engine, whatever state the movie is in.
-    void endMovie(const std::string& why)
+    void endMovie(stage::HostEvents::EndCause cause, const std::string& why)
     {
         renewStage(std::make_unique<MemoryStore>(), Scripts::None);
         loader.setTrusted({});
         if (!reserve) reserve.reset(new std::byte[kReserveBytes]);
         host.logLine("The movie was ended: " + why);
-        host.movieEnded(why);
+        watch.settle();
+        host.movieEnded(cause, why);
     }
 
     using Bytes = std::vector<std::uint8_t>;

@@ -79,8 +79,6 @@ public:
     base::Result<void> openLevel(int level, const std::string& address,
                                  std::optional<std::vector<std::uint8_t>> bytes = std::nullopt);
     void close();
-    /// As close(), after the memory has come to an end: nothing of what is there is looked at or saved.
-    void abandon();
     [[nodiscard]] bool isOpen() const;
     /// Whether every movie that was read since level 0 was opened lies in `trustedFolder`, links resolved; as
     /// it was when it was read. Never true again once a movie from elsewhere has come, into whatever clip.

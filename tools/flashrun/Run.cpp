@@ -54,7 +54,7 @@ public:
         if (std::getenv("FLASHRUN_LOG") == nullptr) return;
         std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
     }
-    void movieEnded(std::string_view why) override
+    void movieEnded(EndCause, std::string_view why) override
     {
         std::fprintf(stderr, "flashrun: the movie was ended: %.*s\n", static_cast<int>(why.size()),
                      why.data());

@@ -242,6 +242,7 @@ struct Ask {
 };
 
 /// The memory came to an end; the movie is closed and nothing is left of it.
+/// Or of time: the movie could not go on, and is closed.
 struct RanOutOfMemory {
     auto fields() { return std::tie(); }
 };

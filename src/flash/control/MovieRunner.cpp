@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 namespace flash::control
@@ -36,31 +34,15 @@ void MovieRunner::drive(Work&& work)
     m_busy = true;
     m_saidInDrive = 0;
     m_sinceBusy.start();
-    const bool done = enoughMemoryFor(work);
+    m_engine.act([&](stage::Stage&) { work(); });
     m_busy = false;
-    if (!done) abandon();
     tellState();
 }
 
-/// @returns false when the memory came to an end on the way
-template <class Work>
-bool MovieRunner::enoughMemoryFor(Work&& work)
+void MovieRunner::movieEnded(EndCause cause, std::string_view)
 {
-    try {
-        work();
-    } catch (const std::bad_alloc&) {
-        return false;
-    } catch (const std::length_error&) {
-        return false; // more than any memory holds
-    }
-    return true;
-}
-
-void MovieRunner::abandon()
-{
-    m_engine.abandon();
     say(Speaking{m_loaded = 0});
-    say(RanOutOfMemory{});
+    if (cause != EndCause::Interrupted) say(RanOutOfMemory{});
 }
 
 void MovieRunner::handle(const ToMovie& message)
@@ -120,7 +102,7 @@ void MovieRunner::render(QImage& image, const QRect& rect)
 {
     QElapsedTimer cost;
     cost.start();
-    if (!enoughMemoryFor([&] { m_engine.render(image, rect); })) abandon();
+    m_engine.render(image, rect);
     m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
 }
 

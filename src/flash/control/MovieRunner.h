@@ -68,6 +68,7 @@ private:
     std::string clipboardText() override;
     bool abortSlowScript() override;
     bool endsScripts() override;
+    void movieEnded(EndCause cause, std::string_view why) override;
 
     /// Runs `work`, which may run scripts, then tells the window what came of it.
     template <class Work>
@@ -75,9 +76,6 @@ private:
     void say(FromMovie message);
     void tellState();
     [[nodiscard]] Standing standing() const;
-    template <class Work>
-    static bool enoughMemoryFor(Work&& work);
-    void abandon();
 
     void act(const Load& message) { load(message, std::nullopt); }
     void act(const Unload& unload);

@@ -38,7 +38,7 @@ Guard* current() { return t_current; }
 
 void Guard::renew()
 {
-    m_interrupted.store(m_forever.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    settle();
     m_refused = 0;
     m_bytesBefore = residentBytes();
     m_scriptTime = {};
@@ -48,12 +48,13 @@ void Guard::renew()
 void Guard::lookAround()
 {
     if (m_ending) return;
-    if (isInterrupted()) throw MovieEnded("it was interrupted");
+    if (isInterrupted()) throw MovieEnded(MovieEnded::Cause::Interrupted, "it was interrupted");
     constexpr std::chrono::milliseconds kBetweenMeasures{20};
     const Clock::time_point now = Clock::now();
     if (now < m_nextMeasure) return;
     m_nextMeasure = now + kBetweenMeasures;
-    if (residentBytes() > m_bytesBefore + kMostGrowthBytes) throw MovieEnded("it needs too much memory");
+    if (residentBytes() > m_bytesBefore + kMostGrowthBytes)
+        throw MovieEnded(MovieEnded::Cause::Memory, "it needs too much memory");
 }
 
 void Guard::look()
@@ -62,12 +63,13 @@ void Guard::look()
     if (m_ending) return;
     lookAround();
     if (m_work == Work::Drawing) {
-        if (elapsed() > kDrawTime) throw MovieEnded("drawing a frame takes too long");
+        if (elapsed() > kDrawTime)
+            throw MovieEnded(MovieEnded::Cause::Time, "drawing a frame takes too long");
         return;
     }
     // Scripts ask the user when their own time is up, before this.
     if (elapsed() > std::max(kLongestFrameTime, m_scriptTime + (kLongestFrameTime - kFrameTime)))
-        throw MovieEnded("a frame takes too long");
+        throw MovieEnded(MovieEnded::Cause::Time, "a frame takes too long");
 }
 
 void Guard::refuse(Bound bound, std::string_view text)

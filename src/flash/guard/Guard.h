@@ -69,10 +69,13 @@ enum class Bound : std::uint8_t {
 class MovieEnded : public std::exception
 {
 public:
-    explicit MovieEnded(std::string why) : m_why(std::move(why)) {}
+    enum class Cause : std::uint8_t { Memory, Time, Interrupted };
+    MovieEnded(Cause cause, std::string why) : m_cause(cause), m_why(std::move(why)) {}
+    [[nodiscard]] Cause cause() const { return m_cause; }
     [[nodiscard]] const char* what() const noexcept override { return m_why.c_str(); }
 
 private:
+    Cause m_cause;
     std::string m_why;
 };
 
@@ -101,6 +104,11 @@ public:
     [[nodiscard]] bool isInterrupted() const noexcept
     {
         return m_interrupted.load(std::memory_order_relaxed);
+    }
+    /// What was interrupted has ended.
+    void settle()
+    {
+        m_interrupted.store(m_forever.load(std::memory_order_relaxed), std::memory_order_relaxed);
     }
     /// Another movie begins: reports are made again, and only what was interrupted for ever stays so.
     void renew();

@@ -141,8 +141,13 @@ public:
     /// The movie went beyond what it may use, and something was not done. Once for each kind of thing; the
     /// log has the same. @param what English
     virtual void limitReached(std::string_view /*what*/) {}
+    enum class EndCause : std::uint8_t {
+        Memory,      ///< it needed more than there is, or than it may have
+        Time,        ///< a frame, or drawing one, took too long
+        Interrupted, ///< by the host
+    };
     /// The movie was closed because it could not go on. @param why English
-    virtual void movieEnded(std::string_view /*why*/) {}
+    virtual void movieEnded(EndCause, std::string_view /*why*/) {}
 };
 
 /// Shared objects: small named records that outlive the movie.

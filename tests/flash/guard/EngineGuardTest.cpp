@@ -23,7 +23,7 @@ using Clock = std::chrono::steady_clock;
 class Host : public stage::HostEvents
 {
 public:
-    void movieEnded(std::string_view why) override { ends.emplace_back(why); }
+    void movieEnded(EndCause, std::string_view why) override { ends.emplace_back(why); }
     void logLine(std::string_view line) override { lines.emplace_back(line); }
     bool abortSlowScript() override
     {
@@ -95,7 +95,7 @@ TEST_F(EngineGuard, AMovieEndsWhereTheMemoryDoes)
     const Case kCases[] = {
         {"no memory", [] { throw std::bad_alloc(); }},
         {"more than any memory", [] { throw std::length_error("vector"); }},
-        {"out of bounds", [] { throw guard::MovieEnded("test"); }},
+        {"out of bounds", [] { throw guard::MovieEnded(guard::MovieEnded::Cause::Time, "test"); }},
     };
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);
