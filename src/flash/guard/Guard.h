@@ -37,7 +37,7 @@ constexpr std::size_t kMostLoadedBytes = std::size_t{256} << 20;
 constexpr std::size_t kMostRequests = 10'000;
 constexpr std::size_t kMostRequestBytes = std::size_t{32} << 20;
 /// Timers that run at one time.
-constexpr std::size_t kMostTimers = 5000;
+constexpr std::size_t kMostTimers = 1000;
 /// Shared objects that a movie looks at in one run.
 constexpr std::size_t kMostSharedObjects = 256;
 /// Scripts that wait to be run.

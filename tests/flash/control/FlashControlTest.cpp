@@ -371,7 +371,7 @@ TEST(FlashControl, TakesOnlySoMuchAtOnceFromAMovie)
     QStringList log;
     QObject::connect(&control, &FlashControl::FSCommand, &control, [&] { ++heard; });
     QObject::connect(&control, &FlashControl::logged, &control, [&](const QString& text) { log << text; });
-    control.setScriptWatch([questions = 0]() mutable { return ++questions == 40; });
+    control.setScriptWatch([questions = 0]() mutable { return ++questions == 400; });
     auto actions = test::fsCommand("a", std::string(20'000, 'x'));
     actions.back() = 0x99; // instead of the end: back to the start, for ever
     const auto back = -static_cast<int>(actions.size() + 4);
