@@ -241,8 +241,7 @@ struct Ask {
     auto fields() { return std::tie(id, what); }
 };
 
-/// The memory came to an end; the movie is closed and nothing is left of it.
-/// Or of time: the movie could not go on, and is closed.
+/// The memory came to an end, or the time for one frame; the movie is closed and nothing is left of it.
 struct RanOutOfMemory {
     auto fields() { return std::tie(); }
 };

@@ -213,8 +213,7 @@ void Heap::sweep()
         }
     }
     m_bytesSinceCollection = 0;
-    m_thresholdBytes =
-        m_collectsAlways ? 1 : std::clamp(m_liveBytes, kMinThresholdBytes, kMaxThresholdBytes);
+    m_thresholdBytes = m_collectsAlways ? 1 : std::clamp(m_liveBytes, kMinThresholdBytes, kMaxThresholdBytes);
 }
 
 // The scan reads words that the sanitizer holds to be out of bounds, and rightly so.
