@@ -214,13 +214,13 @@ Restraint confineCalls()
     allow(SCMP_SYS(clone), {SCMP_A0(SCMP_CMP_MASKED_EQ, kThread, kThread)});
     seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
     // Signals to itself: how the program aborts.
-    allow(SCMP_SYS(tgkill), {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()))});
+    allow(SCMP_SYS(tgkill), {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()), 0)});
     // Its own limits may be read.
-    allow(SCMP_SYS(prlimit64), {SCMP_A0(SCMP_CMP_EQ, 0), SCMP_A2(SCMP_CMP_EQ, 0)});
+    allow(SCMP_SYS(prlimit64), {SCMP_A0(SCMP_CMP_EQ, 0, 0), SCMP_A2(SCMP_CMP_EQ, 0, 0)});
     // Threads have names; what else this call does is out of reach.
-    allow(SCMP_SYS(prctl), {SCMP_A0(SCMP_CMP_EQ, PR_SET_NAME)});
+    allow(SCMP_SYS(prctl), {SCMP_A0(SCMP_CMP_EQ, PR_SET_NAME, 0)});
     // How many bytes wait in a descriptor.
-    allow(SCMP_SYS(ioctl), {SCMP_A1(SCMP_CMP_EQ, FIONREAD)});
+    allow(SCMP_SYS(ioctl), {SCMP_A1(SCMP_CMP_EQ, FIONREAD, 0)});
     if (failure == 0) failure = -seccomp_load(filter);
     seccomp_release(filter);
     errno = failure;
