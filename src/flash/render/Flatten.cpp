@@ -8,16 +8,13 @@ namespace flash::render
 namespace
 {
 
-// How far a line may be from its curve where only one line stands for it, and where there are more: these are
-// moved outwards so that they lie partly on either side of the curve. On average that is as near as the
-// first, with a third fewer lines, and it does not make round shapes smaller.
-constexpr double kSingleTolerance = 0.05, kTolerance = 0.12;
-constexpr double kOutwards = 0.6; ///< of the distance
+// How far a line may be from its curve, in device pixels. The ends of the lines lie on the curve.
+constexpr double kTolerance = 0.1;
 // A curve is cut into that many lines at most, and a shape into that many altogether: what a hostile movie
 // asks for beyond is drawn with corners.
 constexpr std::size_t kMostLinesOfCurve = 512;
 constexpr std::size_t kMostLinesOfShape = std::size_t{1} << 22;
-constexpr int kLowestStep = -24, kHighestStep = 24;
+constexpr int kLowestStep = -16, kHighestStep = 32;
 
 std::size_t countEdges(const swf::Shape& shape)
 {
@@ -26,6 +23,49 @@ std::size_t countEdges(const swf::Shape& shape)
         for (const swf::EdgeRun& run : layer.runs) count += run.edges.size();
     return count;
 }
+
+// A quadratic curve as the piece of the parabola y = x x that it is when turned, moved and scaled. Lines
+// along it are equally far from it when the integral of its fourth root of curvature grows evenly from one to
+// the next; both that integral and its inverse have good closed approximations.
+class Parabola
+{
+public:
+    Parabola(swf::Point from, swf::Point control, swf::Point to)
+    {
+        const double bendX = 2 * control.x - from.x - to.x, bendY = 2 * control.y - from.y - to.y;
+        const double cross = (to.x - from.x) * bendY - (to.y - from.y) * bendX;
+        const double bend = std::hypot(bendX, bendY);
+        const double x0 = ((control.x - from.x) * bendX + (control.y - from.y) * bendY) / cross;
+        const double x1 = ((to.x - control.x) * bendX + (to.y - control.y) * bendY) / cross;
+        const double scale = std::abs(cross) / (bend * std::abs(x1 - x0));
+        // Straight, or there and back on one line.
+        if (!std::isfinite(x0) || !std::isfinite(x1) || !std::isfinite(scale)) return;
+        m_first = integral(x0);
+        m_last = integral(x1);
+        m_start = inverse(m_first);
+        m_span = inverse(m_last) - m_start;
+        m_lines = 0.5 * std::abs(m_last - m_first) * std::sqrt(scale);
+    }
+    [[nodiscard]] double linesWithin(double tolerance) const { return m_lines / std::sqrt(tolerance); }
+    /// @param part 0..1 of the lines
+    [[nodiscard]] double parameterAt(double part) const
+    {
+        return (inverse(m_first + (m_last - m_first) * part) - m_start) / m_span;
+    }
+
+private:
+    static double integral(double x)
+    {
+        constexpr double d = 0.67;
+        return x / (1 - d + std::sqrt(std::sqrt(d * d * d * d + 0.25 * x * x)));
+    }
+    static double inverse(double x)
+    {
+        constexpr double b = 0.39;
+        return x * (1 - b + std::sqrt(b * b + 0.25 * x * x));
+    }
+    double m_first = 0, m_last = 0, m_start = 0, m_span = 1, m_lines = 0;
+};
 
 class Flattener
 {
@@ -39,20 +79,15 @@ public:
         const double toX = edge.anchorX, toY = edge.anchorY;
         if (edge.curved) {
             const double cx = edge.controlX, cy = edge.controlY;
-            const double bendX = fromX - 2 * cx + toX, bendY = fromY - 2 * cy + toY;
-            // Cut evenly into n lines, a curve is bend / (4 n n) away from the middle of each.
-            const double deviation = std::hypot(bendX, bendY) * m_scale / 4;
-            const double wanted = deviation <= kSingleTolerance
-                                      ? 1
-                                      : std::max(std::ceil(std::sqrt(deviation / kTolerance)), 2.0);
+            const Parabola curve({fromX, fromY}, {cx, cy}, {toX, toY});
+            const double wanted = std::ceil(curve.linesWithin(kTolerance / m_scale));
             const auto lines =
                 static_cast<std::size_t>(std::clamp(wanted, 1.0, static_cast<double>(m_mostLines)));
-            const double outwards = -kOutwards / (4.0 * static_cast<double>(lines * lines));
             const double slopeX = 2 * (cx - fromX), slopeY = 2 * (cy - fromY);
+            const double bendX = fromX - 2 * cx + toX, bendY = fromY - 2 * cy + toY;
             for (std::size_t i = 1; i < lines; ++i) {
-                const double t = static_cast<double>(i) / static_cast<double>(lines);
-                add(fromX + t * (slopeX + t * bendX) + outwards * bendX,
-                    fromY + t * (slopeY + t * bendY) + outwards * bendY, false);
+                const double t = curve.parameterAt(static_cast<double>(i) / static_cast<double>(lines));
+                add(fromX + t * (slopeX + t * bendX), fromY + t * (slopeY + t * bendY), false);
             }
         }
         add(toX, toY, true);
@@ -137,16 +172,17 @@ int scaleStep(const swf::Matrix& m)
 {
     const double square = std::max(m.a * m.a + m.b * m.b, m.c * m.c + m.d * m.d);
     if (!(square > 0)) return kLowestStep;
-    // log2 of the square is twice that of the scale: steps of the square root of two.
-    return static_cast<int>(
-        std::ceil(std::clamp(std::log2(square), double{kLowestStep}, double{kHighestStep})));
+    // Counted from shapes in twips shown at their own size. log2 of the square is twice that of the scale:
+    // steps of the square root of two. A hair is left for what products of matrices leave of whole numbers.
+    const double step = std::log2(square * swf::kTwipsPerPixel * swf::kTwipsPerPixel) - 1e-6;
+    return static_cast<int>(std::ceil(std::clamp(step, double{kLowestStep}, double{kHighestStep})));
 }
 
 FlatShape flatten(const swf::Shape& shape, int step)
 {
     const std::size_t mostLines =
         std::clamp(kMostLinesOfShape / countEdges(shape), std::size_t{1}, kMostLinesOfCurve);
-    const Flattener flattener(std::exp2(step / 2.0), mostLines);
+    const Flattener flattener(std::exp2(step / 2.0) / swf::kTwipsPerPixel, mostLines);
     FlatShape flat;
     flat.layers.resize(shape.layers.size());
     for (std::size_t i = 0; i < shape.layers.size(); ++i) {

@@ -49,7 +49,7 @@ struct FlatShape {
 /// @param matrix shape space to device pixels, finite
 int scaleStep(const swf::Matrix& matrix);
 
-/// Flattens so finely that at the given step lines are about a twentieth of a pixel from their curves.
+/// Flattens so finely that at the given step lines are at most a tenth of a pixel from their curves.
 FlatShape flatten(const swf::Shape& shape, int scaleStep);
 
 } // namespace flash::render

@@ -66,7 +66,7 @@ void OutlineDrawer::drawLayer(const Destination& to, const FlatLayer& layer, con
     if (layer.points.empty()) return;
     const IntRect bounds = boundsOf(m, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y);
     convert(to, bounds, rule, [&](const IntRect& area) {
-        const bool inside = area.contains(bounds);
+        const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         // Relative to the area, in subpixels.
         const double f = kSubpixels;
         const swf::Matrix fixed{
@@ -123,7 +123,7 @@ void OutlineDrawer::stroke(const Destination& to, const StrokeOutline& outline, 
     const IntRect bounds = boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.least.x, outline.least.y,
                                     outline.greatest.x, outline.greatest.y);
     convert(to, bounds, FillRule::NonZero, [&](const IntRect& area) {
-        const bool inside = area.contains(bounds);
+        const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         m_converter.setStyles(0, 1);
         std::uint32_t first = 0;
         for (const std::uint32_t end : outline.contourEnds) {

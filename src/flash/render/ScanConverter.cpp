@@ -81,8 +81,10 @@ inline void ScanConverter::rowPiece(Cells& cells, int y, int x0, int fy0, int x1
     row.add(column, part, (enteredAt + (x1 & kMask)) * part);
 }
 
+// In pixels and unrounded: an edge of a movie often runs right through the centres of pixels, where a
+// subpixel decides. A centre on an upper or left edge is inside.
 template <class Cells>
-void ScanConverter::lineSampled(Cells& cells, int x0, int y0, int x1, int y1)
+void ScanConverter::lineSampled(Cells& cells, double x0, double y0, double x1, double y1)
 {
     int cover = kOne;
     if (y0 > y1) {
@@ -91,19 +93,18 @@ void ScanConverter::lineSampled(Cells& cells, int x0, int y0, int x1, int y1)
         cover = -kOne;
     }
     // Rows whose centre lies in [y0, y1).
-    const int firstRow = (y0 + kOne / 2 - 1) >> kBits;
-    const int lastRow = ((y1 + kOne / 2 - 1) >> kBits) - 1;
+    const int firstRow = std::max(static_cast<int>(std::ceil(y0 - 0.5)), 0);
+    const int lastRow = std::min(static_cast<int>(std::ceil(y1 - 0.5)), m_clip.height()) - 1;
     if (firstRow > lastRow) return;
     m_firstRow = std::min(m_firstRow, firstRow);
     m_lastRow = std::max(m_lastRow, lastRow);
-    const double slope = static_cast<double>(x1 - x0) / (y1 - y0);
-    double x = x0 + slope * (firstRow * kOne + kOne / 2 - y0);
+    const double slope = (x1 - x0) / (y1 - y0);
     const int columns = m_clip.width();
-    for (int row = firstRow; row <= lastRow; ++row, x += slope * kOne) {
+    for (int row = firstRow; row <= lastRow; ++row) {
         // The first pixel whose centre is not left of the line.
-        const int column = (static_cast<int>(std::ceil(x)) + kOne / 2 - 1) >> kBits;
-        if (column >= columns) continue;
-        const int visible = std::max(column, 0);
+        const double column = std::ceil(x0 + slope * (row + 0.5 - y0) - 0.5);
+        if (!(column < columns)) continue;
+        const int visible = std::max(static_cast<int>(std::max(column, 0.0)), 0);
         cells.row(row, visible, visible).add(visible, cover, 0);
     }
 }
@@ -148,10 +149,8 @@ void ScanConverter::lineInside(int x0, int y0, int x1, int y1)
 {
     if (y0 == y1) return;
     if (m_coverage == Coverage::Sampled) {
-        if (m_isDense)
-            lineSampled(m_dense, x0, y0, x1, y1);
-        else
-            lineSampled(m_sparse, x0, y0, x1, y1);
+        line(static_cast<double>(x0) / kOne + m_clip.left, static_cast<double>(y0) / kOne + m_clip.top,
+             static_cast<double>(x1) / kOne + m_clip.left, static_cast<double>(y1) / kOne + m_clip.top);
         return;
     }
     if (m_isDense)
@@ -168,6 +167,16 @@ void ScanConverter::line(double x0, double y0, double x1, double y1)
     y1 = bounded(y1) - m_clip.top;
     const double height = m_clip.height();
     if ((y0 <= 0 && y1 <= 0) || (y0 >= height && y1 >= height)) return;
+    if (m_coverage == Coverage::Sampled) {
+        // Ends on the grid of subpixels, so that what sums of small numbers leave does not decide about
+        // centres.
+        const auto snapped = [](double value) { return std::nearbyint(value * kOne) / kOne; };
+        if (m_isDense)
+            lineSampled(m_dense, snapped(x0), snapped(y0), snapped(x1), snapped(y1));
+        else
+            lineSampled(m_sparse, snapped(x0), snapped(y0), snapped(x1), snapped(y1));
+        return;
+    }
     const auto cutAt = [&](double y) { return x0 + (y - y0) * ((x1 - x0) / (y1 - y0)); };
     double ax = x0, ay = y0, bx = x1, by = y1;
     if (ay < 0 || ay > height) {

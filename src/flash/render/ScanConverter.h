@@ -48,7 +48,7 @@ private:
     template <class Cells>
     void lineExact(Cells& cells, int x0, int y0, int x1, int y1);
     template <class Cells>
-    void lineSampled(Cells& cells, int x0, int y0, int x1, int y1);
+    void lineSampled(Cells& cells, double x0, double y0, double x1, double y1);
     void clippedLine(double x0, double y0, double x1, double y1);
     template <class Cells>
     void sweepRows(Cells& cells, FillRule rule, SpanSink& sink);
