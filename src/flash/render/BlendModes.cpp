@@ -20,19 +20,18 @@ struct Channel {
 
 int product(int a, int b) { return static_cast<int>(div255(static_cast<std::uint32_t>(a * b))); }
 
-// Each mode where both are there, times both alphas: B(plain source, plain below) * sa * ba.
-int multiply(const Channel& c) { return product(c.s, c.b); }
-int screen(const Channel& c) { return product(c.s, c.ba) + product(c.b, c.sa) - product(c.s, c.b); }
-int lighten(const Channel& c) { return std::max(product(c.s, c.ba), product(c.b, c.sa)); }
-int darken(const Channel& c) { return std::min(product(c.s, c.ba), product(c.b, c.sa)); }
-int difference(const Channel& c) { return std::abs(product(c.s, c.ba) - product(c.b, c.sa)); }
-int add(const Channel& c) { return std::min(product(c.s, c.ba) + product(c.b, c.sa), product(c.sa, c.ba)); }
-int subtract(const Channel& c) { return std::max(product(c.b, c.sa) - product(c.s, c.ba), 0); }
-int invert(const Channel& c) { return product(c.sa, c.ba - c.b); }
+// Each mode where both are there, times both alphas, B(plain source, plain below) * sa * ba, in units of 1 /
+// 255: rounded once, at the end.
+int multiply(const Channel& c) { return c.s * c.b; }
+int screen(const Channel& c) { return c.s * c.ba + c.b * c.sa - c.s * c.b; }
+int lighten(const Channel& c) { return std::max(c.s * c.ba, c.b * c.sa); }
+int darken(const Channel& c) { return std::min(c.s * c.ba, c.b * c.sa); }
+int difference(const Channel& c) { return std::abs(c.s * c.ba - c.b * c.sa); }
+int subtract(const Channel& c) { return std::max(c.b * c.sa - c.s * c.ba, 0); }
 int hardLight(const Channel& c)
 {
-    if (2 * c.s <= c.sa) return std::min(2 * product(c.s, c.b), 255);
-    return std::max(product(c.sa, c.ba) - 2 * product(c.sa - c.s, std::max(c.ba - c.b, 0)), 0);
+    if (2 * c.s <= c.sa) return 2 * c.s * c.b;
+    return c.sa * c.ba - 2 * (c.sa - c.s) * std::max(c.ba - c.b, 0);
 }
 int overlay(const Channel& c) { return hardLight({c.b, c.s, c.ba, c.sa}); }
 
@@ -46,9 +45,19 @@ std::uint32_t separable(std::uint32_t source, std::uint32_t below)
         const Channel c{static_cast<int>(source >> shift & 0xFF), static_cast<int>(below >> shift & 0xFF), sa,
                         ba};
         // Where only one of them is there it shows as it is.
-        const int value = product(c.s, 255 - ba) + product(c.b, 255 - sa) + Mode(c);
-        result |= static_cast<std::uint32_t>(std::clamp(value, 0, alpha)) << shift;
+        const int sum = std::max(c.s * (255 - ba) + c.b * (255 - sa) + Mode(c), 0);
+        const int value = static_cast<int>(div255(static_cast<std::uint32_t>(sum)));
+        result |= static_cast<std::uint32_t>(std::min(value, alpha)) << shift;
     }
+    return result;
+}
+
+// The one mode that knows no shares: light and alpha add up until they are full.
+std::uint32_t add(std::uint32_t source, std::uint32_t below)
+{
+    std::uint32_t result = 0;
+    for (int shift = 0; shift < 32; shift += 8)
+        result |= std::min((source >> shift & 0xFF) + (below >> shift & 0xFF), 255U) << shift;
     return result;
 }
 
@@ -60,7 +69,7 @@ std::uint32_t inverted(std::uint32_t source, std::uint32_t below)
     std::uint32_t result = below & 0xFF000000;
     for (int shift = 0; shift < 24; shift += 8) {
         const Channel c{0, static_cast<int>(below >> shift & 0xFF), sa, ba};
-        const int value = product(c.b, 255 - sa) + invert(c);
+        const int value = product(c.b, 255 - sa) + product(c.sa, c.ba - c.b);
         result |= static_cast<std::uint32_t>(std::clamp(value, 0, ba)) << shift;
     }
     return result;
@@ -87,7 +96,7 @@ PixelFunction functionOf(BlendMode mode)
     case BlendMode::Lighten: return &separable<lighten>;
     case BlendMode::Darken: return &separable<darken>;
     case BlendMode::Difference: return &separable<difference>;
-    case BlendMode::Add: return &separable<add>;
+    case BlendMode::Add: return &add;
     case BlendMode::Subtract: return &separable<subtract>;
     case BlendMode::Invert: return &inverted;
     case BlendMode::Alpha: return &keepAlpha;
