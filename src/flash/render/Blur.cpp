@@ -86,6 +86,8 @@ void blurRows(const Plane& from, Plane& to, const Box& box)
 
 } // namespace
 
+double scaledBlur(double extent, double scale) { return extent > 1 ? (extent - 1) * scale + 1 : extent; }
+
 double blurExtent(double extent) { return extent > 1 ? std::min(extent, kGreatestExtent) : 1; }
 
 int blurPasses(int passes)

@@ -22,6 +22,8 @@ struct Plane {
     }
 };
 
+/// A blur's width where a pixel of the stage is `scale` pixels: one pixel is no blur at any scale.
+double scaledBlur(double extent, double scale);
 /// The extent of a box blur, checked: 1 means no blur at all.
 double blurExtent(double extent);
 /// The number of passes, checked.

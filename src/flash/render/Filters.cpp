@@ -17,8 +17,8 @@ namespace
 
 Growth blurGrowth(double blurX, double blurY, int passes, double scale)
 {
-    const int x = blurReach(blurX * scale) * blurPasses(passes),
-              y = blurReach(blurY * scale) * blurPasses(passes);
+    const int x = blurReach(scaledBlur(blurX, scale)) * blurPasses(passes),
+              y = blurReach(scaledBlur(blurY, scale)) * blurPasses(passes);
     return {x, y, x, y};
 }
 
@@ -43,7 +43,7 @@ void apply(const swf::BlurFilter& filter, SurfaceView surface, double scale)
     Plane plane{surface.width, surface.height, 4, {}};
     plane.bytes.resize(plane.rowBytes() * static_cast<std::size_t>(surface.height));
     for (int y = 0; y < surface.height; ++y) std::memcpy(plane.row(y), surface.row(y), plane.rowBytes());
-    boxBlur(plane, filter.blurX * scale, filter.blurY * scale, filter.passes);
+    boxBlur(plane, scaledBlur(filter.blurX, scale), scaledBlur(filter.blurY, scale), filter.passes);
     for (int y = 0; y < surface.height; ++y) std::memcpy(surface.row(y), plane.row(y), plane.rowBytes());
 }
 

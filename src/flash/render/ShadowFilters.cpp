@@ -120,7 +120,8 @@ ShadowOffset shadowOffset(double distance, double angle, double scale)
 
 void applyShadow(const swf::DropShadowFilter& f, SurfaceView surface, double scale)
 {
-    const Plane alpha = blurredAlpha(surface, f.blurX * scale, f.blurY * scale, f.passes);
+    const Plane alpha =
+        blurredAlpha(surface, scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes);
     const MovedPlane shadow(alpha, shadowOffset(f.distance, f.angle, scale));
     const std::uint32_t color = premultiply(f.color);
     combineAll(surface, whereOf(f.inner, false), f.knockout, f.compositeSource, [&](int x, int y) {
@@ -133,7 +134,8 @@ void applyShadow(const swf::DropShadowFilter& f, SurfaceView surface, double sca
 // The difference of the alpha on either side tells which way the border faces.
 void applyBevel(const swf::BevelFilter& f, SurfaceView surface, double scale)
 {
-    const Plane alpha = blurredAlpha(surface, f.blurX * scale, f.blurY * scale, f.passes);
+    const Plane alpha =
+        blurredAlpha(surface, scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes);
     const ShadowOffset offset = shadowOffset(f.distance, f.angle, scale);
     const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
     const std::uint32_t highlight = premultiply(f.highlight), shadow = premultiply(f.shadow);
@@ -146,7 +148,8 @@ void applyBevel(const swf::BevelFilter& f, SurfaceView surface, double scale)
 
 void applyGradient(const swf::GradientFilter& f, SurfaceView surface, double scale)
 {
-    const Plane alpha = blurredAlpha(surface, f.blurX * scale, f.blurY * scale, f.passes);
+    const Plane alpha =
+        blurredAlpha(surface, scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes);
     const ShadowOffset offset = shadowOffset(f.distance, f.angle, scale);
     const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
     swf::Gradient gradient;
