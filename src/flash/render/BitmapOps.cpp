@@ -269,6 +269,15 @@ void paletteMap(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, co
     });
 }
 
+namespace
+{
+// Of the shift registers with the longest period, by the number of their bits.
+constexpr std::array<std::uint32_t, 29> kFeedback = {
+    0,       0x1,      0x3,      0x6,      0xC,      0x14,      0x30,      0x60,      0xB8,     0x110,
+    0x240,   0x500,    0xE08,    0x1C80,   0x3802,   0x6000,    0xD008,    0x12000,   0x20400,  0x72000,
+    0x90000, 0x140000, 0x300000, 0x420000, 0xE10000, 0x1200000, 0x2000023, 0x4000013, 0x9000000};
+} // namespace
+
 std::int32_t pixelDissolve(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, const IntRect& from,
                            std::int32_t seed, int count, std::uint32_t fill)
 {
@@ -276,20 +285,33 @@ std::int32_t pixelDissolve(swf::Bitmap& target, int x, int y, const swf::Bitmap&
     if (area.from.isEmpty() || count <= 0) return seed;
     const auto width = static_cast<std::uint64_t>(area.from.width());
     const std::uint64_t total = width * static_cast<std::uint64_t>(area.from.height());
-    // A full-period congruential sequence modulo the next power of two visits every pixel once.
-    std::uint64_t period = 1;
-    while (period < total) period <<= 1;
-    std::uint64_t at = static_cast<std::uint32_t>(seed) & (period - 1);
-    int done = 0;
-    for (std::uint64_t step = 0; step < period && done < count; ++step) {
-        at = (at * 5 + 3) & (period - 1);
-        if (at >= total) continue;
-        const int dx = static_cast<int>(at % width), dy = static_cast<int>(at / width);
+    // A shift register of as many bits as pixels need goes through all numbers but 0, which follows the last
+    // of them.
+    std::size_t bits = 0;
+    while ((std::uint64_t{1} << bits) < total) ++bits;
+    if (bits >= kFeedback.size()) return seed;
+    const std::uint32_t last = static_cast<std::uint32_t>((std::uint64_t{1} << bits) - 1);
+    const auto following = [last, feedback = kFeedback[bits]](std::uint32_t at) -> std::uint32_t {
+        if (at == last) return 0;
+        if (at == 0) at = last;
+        return (at & 1) != 0 ? (at >> 1) ^ feedback : at >> 1;
+    };
+    const auto dissolve = [&](std::uint32_t pixel) {
+        if (pixel >= total) return false;
+        const int dx = static_cast<int>(pixel % width), dy = static_cast<int>(pixel / width);
         std::uint32_t& out = rowOf(target, area.y + dy)[area.x + dx];
         out = &target == &source ? pixelFor(target, fill)
                                  : rowOf(source, area.from.top + dy)[area.from.left + dx];
         if (target.opaque) out |= 0xFF000000U;
-        ++done;
+        return true;
+    };
+    std::uint32_t at = static_cast<std::uint32_t>(seed) & last;
+    // The pixel it starts from comes on top of those that are counted.
+    dissolve(at);
+    int done = 0;
+    for (std::uint64_t step = 0; step <= last && done < count; ++step) {
+        at = following(at);
+        if (dissolve(at)) ++done;
     }
     return static_cast<std::int32_t>(at);
 }

@@ -12,6 +12,7 @@
 #include <array>
 #include <cassert>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace flash::render
@@ -113,6 +114,14 @@ public:
     void fillPolygon(std::span<const swf::Point> corners, swf::Rgba color);
     void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
     void invertRect(const IntRect& rect);
+    void fillDeviceRect(const IntRect& rect, swf::Rgba color);
+    /// Nothing unless the rectangle is upright on the device.
+    [[nodiscard]] static std::optional<IntRect> snappedBox(const swf::Rect& twips, const swf::Matrix& m);
+    [[nodiscard]] bool buildsMask()
+    {
+        const Frame* frame = receiver();
+        return frame != nullptr && frame->kind == Frame::Kind::Mask;
+    }
 
     void beginMask(MaskKind kind);
     void endMask();
@@ -302,10 +311,43 @@ void Canvas::Impl::fillPolygon(std::span<const swf::Point> corners, swf::Rgba co
     m_drawer.polygon(destination(), corners);
 }
 
+std::optional<IntRect> Canvas::Impl::snappedBox(const swf::Rect& twips, const swf::Matrix& m)
+{
+    // What sines and cosines leave of right angles.
+    constexpr double kNothing = 1e-6;
+    const bool straight = std::abs(m.b) < kNothing && std::abs(m.c) < kNothing;
+    const bool turned = std::abs(m.a) < kNothing && std::abs(m.d) < kNothing;
+    if (!straight && !turned) return {};
+    const swf::Point a = m.map(twips.xMin, twips.yMin), b = m.map(twips.xMax, twips.yMax);
+    // Place and size are rounded each by itself, so that a field keeps its size wherever it stands; halves go
+    // to the even number.
+    const auto rounded = [](double v) {
+        constexpr double kFar = 1e8;
+        return static_cast<int>(std::nearbyint(std::clamp(v, -kFar, kFar)));
+    };
+    const int left = rounded(std::min(a.x, b.x)), top = rounded(std::min(a.y, b.y));
+    return IntRect{left, top, left + rounded(std::abs(b.x - a.x)), top + rounded(std::abs(b.y - a.y))};
+}
+
+void Canvas::Impl::fillDeviceRect(const IntRect& rect, swf::Rgba color)
+{
+    if (rect.isEmpty()) return;
+    const double left = rect.left, top = rect.top, right = rect.right, bottom = rect.bottom;
+    const std::array<swf::Point, 4> corners{
+        swf::Point{left, top}, {right, top}, {right, bottom}, {left, bottom}};
+    fillPolygon(corners, color);
+}
+
 void Canvas::Impl::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;
-    const double width = std::max(std::round(m_pixelScale), 1.0);
+    if (const auto box = snappedBox(twips, toDevice)) {
+        fillDeviceRect({box->left, box->top, box->right + 1, box->top + 1}, color);
+        fillDeviceRect({box->left, box->top + 1, box->left + 1, box->bottom + 1}, color);
+        fillDeviceRect({box->right, box->top + 1, box->right + 1, box->bottom}, color);
+        fillDeviceRect({box->left + 1, box->bottom, box->right, box->bottom + 1}, color);
+        return;
+    }
     std::array<StrokePoint, 5> path;
     const std::array corners{toDevice.map(twips.xMin, twips.yMin), toDevice.map(twips.xMax, twips.yMin),
                              toDevice.map(twips.xMax, twips.yMax), toDevice.map(twips.xMin, twips.yMax)};
@@ -313,17 +355,10 @@ void Canvas::Impl::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevic
         const swf::Point& corner = corners[i % corners.size()];
         path[i].at = {static_cast<float>(corner.x), static_cast<float>(corner.y)};
     }
-    const bool upright = (toDevice.b == 0 && toDevice.c == 0) || (toDevice.a == 0 && toDevice.d == 0);
-    if (upright) {
-        // A border starts at the pixel its corner lies in, and its lines are drawn within it.
-        for (StrokePoint& point : path)
-            point.at = {std::round(point.at.x) + static_cast<float>(width / 2),
-                        std::round(point.at.y) + static_cast<float>(width / 2)};
-    }
     swf::LineStyle style;
     style.join = swf::LineStyle::Join::Miter;
     StrokeOutline outline;
-    addStroke(outline, path, style, width);
+    addStroke(outline, path, style, 1);
     setSingleStyle({premultiply(color), nullptr});
     m_drawer.stroke(destination(), outline, {});
 }
@@ -490,6 +525,17 @@ void Canvas::fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::
                              toDevice.map(twips.xMax, twips.yMax), toDevice.map(twips.xMin, twips.yMax)};
     m_impl->fillPolygon(corners, color);
 }
+
+void Canvas::fillBox(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
+{
+    if (twips.isEmpty() || !isUsable(toDevice)) return;
+    if (const auto box = Impl::snappedBox(twips, toDevice))
+        m_impl->fillDeviceRect(*box, color);
+    else
+        fillRect(twips, toDevice, color);
+}
+
+bool Canvas::buildsMask() const { return m_impl->buildsMask(); }
 
 void Canvas::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
 {

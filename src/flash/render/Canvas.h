@@ -78,8 +78,11 @@ public:
                      const swf::ColorTransform& color = {}, Smoothing smoothing = Smoothing::Off);
 
     void fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
-    /// One device pixel wide, snapped to whole pixels as long as the rectangle stays upright: the border of a
-    /// text field.
+    /// Like fillRect(), snapped to whole pixels as long as the rectangle stays upright: the ground of a text
+    /// field.
+    void fillBox(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
+    /// One device pixel wide and snapped like fillBox(), around it to the right and below, without the lower
+    /// right corner: the border of a text field.
     void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
     /// Inverts the colours below: the caret.
     void invertRect(const swf::Rect& twips, const swf::Matrix& toDevice);
@@ -100,6 +103,9 @@ public:
     /// that of a surface that may be transparent.
     void endLayer(swf::BlendMode blend = swf::BlendMode::Layer, const swf::ColorTransform& color = {},
                   std::span<const swf::Filter> filters = {});
+
+    /// Whether what is drawn becomes a mask.
+    [[nodiscard]] bool buildsMask() const;
 
     static constexpr long long kMaxLayerPixels = 16LL << 20;
 

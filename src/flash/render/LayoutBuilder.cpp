@@ -54,8 +54,8 @@ void LayoutBuilder::loadFonts()
         if (font.face != nullptr) {
             const FontFace::Metrics metrics = font.face->metrics();
             font.scale = metrics.unitsPerEm > 0 ? run.style.size / metrics.unitsPerEm : 0;
-            font.ascent = metrics.ascent * font.scale;
-            font.descent = metrics.descent * font.scale;
+            font.ascent = std::trunc(metrics.ascent * font.scale);
+            font.descent = std::trunc(metrics.descent * font.scale);
         }
         m_runFonts.push_back(std::move(font));
     }
@@ -194,9 +194,10 @@ void LayoutBuilder::addLine(std::size_t first, std::size_t last, const TextStyle
         if (cell.glyph != nullptr) glyph.outline = cell.glyph->outline;
         m_layout.m_glyphs.push_back(std::move(glyph));
         x += cell.advance;
-        // Spaces that hang over the end of a wrapped line take no room.
+        // Spaces that hang over the end of a wrapped line take no room, but count in the text's own width.
         if (isLast || !isSpace(cell.character)) line.width = x;
     }
+    m_layout.m_width = std::max(m_layout.m_width, x);
     line.top =
         m_layout.m_lines.empty() ? 0 : m_layout.m_lines.back().bottom() + m_layout.m_lines.back().leading;
     line.baseline = line.top + line.ascent;

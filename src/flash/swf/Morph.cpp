@@ -29,7 +29,7 @@ public:
     }
     [[nodiscard]] Rgba operator()(Rgba a, Rgba b) const
     {
-        return {(*this)(a.r, b.r), (*this)(a.g, b.g), (*this)(a.b, b.b), (*this)(a.a, b.a)};
+        return {part(a.r, b.r), part(a.g, b.g), part(a.b, b.b), part(a.a, b.a)};
     }
     [[nodiscard]] Matrix operator()(const Matrix& a, const Matrix& b) const
     {
@@ -43,6 +43,11 @@ public:
     }
 
 private:
+    // Colours are cut off, not rounded.
+    [[nodiscard]] std::uint8_t part(std::uint8_t a, std::uint8_t b) const
+    {
+        return static_cast<std::uint8_t>(a + (b - a) * m_position);
+    }
     double m_position;
 };
 

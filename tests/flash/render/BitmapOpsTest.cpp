@@ -110,6 +110,14 @@ TEST(BitmapOps, DissolvingVisitsEachPixelOnce)
     }
 }
 
+TEST(BitmapOps, DissolvingSetsThePixelItStartsFromToo)
+{
+    const swf::Bitmap source = bitmap(7, 5, false, 0xFF00FF00);
+    swf::Bitmap target = bitmap(7, 5);
+    pixelDissolve(target, 0, 0, source, boundsOf(source), 0, 34, 0);
+    for (const std::uint32_t pixel : target.pixels) EXPECT_EQ(pixel, 0xFF00FF00U);
+}
+
 TEST(BitmapOps, PerlinNoiseRefusesWhatIsNoSize)
 {
     swf::Bitmap picture = bitmap(8, 8, true, 0x123456);

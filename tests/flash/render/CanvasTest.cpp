@@ -112,6 +112,43 @@ TEST(Canvas, MissingFillNumbersAndStylesDrawNothing)
     EXPECT_EQ(picture.at(1, 1), kWhite);
 }
 
+TEST(Canvas, LowQualityPaintsPixelsWhoseCentreIsInside)
+{
+    // Edges run right through centres: those on the left and upper edge belong to the shape.
+    Picture picture(4, 4, {255, 255, 255, 255}, Quality::Low);
+    picture.canvas.drawShape(rectShape(0.5, 0.5, 2.5, 2.5, solid(255, 0, 0)), kStage);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 4; ++x) EXPECT_EQ(picture.at(x, y), x < 2 && y < 2 ? kRed : kWhite);
+}
+
+TEST(Canvas, BoxesOfFieldsKeepTheirSizeOnWholePixels)
+{
+    Picture picture(12, 6);
+    // From 0.5 to 2.5, and from 5.5 to 7.5: halves go to the even number.
+    picture.canvas.fillBox({10, 50, 0, 40}, kStage, {255, 0, 0, 255});
+    picture.canvas.fillBox({110, 150, 0, 40}, kStage, {255, 0, 0, 255});
+    for (int x = 0; x < 12; ++x) {
+        const bool inside = x < 2 || (x >= 6 && x < 8);
+        EXPECT_EQ(picture.at(x, 0), inside ? kRed : kWhite) << x;
+    }
+}
+
+TEST(Canvas, BordersOfFieldsLackTheirLastCorner)
+{
+    for (const double scale : {1.0, 2.0}) {
+        Picture picture(10, 10);
+        picture.canvas.setPixelScale(scale);
+        picture.canvas.strokeRect({20, 60, 20, 60}, twipsToPixels({}, scale), {0, 0, 0, 255});
+        const int first = static_cast<int>(scale), last = static_cast<int>(3 * scale);
+        EXPECT_EQ(picture.at(first, first), kBlack);
+        EXPECT_EQ(picture.at(last, first), kBlack);
+        EXPECT_EQ(picture.at(first, last), kBlack);
+        EXPECT_EQ(picture.at(last, last), kWhite);
+        EXPECT_EQ(picture.at(last, last - 1), kBlack);
+        EXPECT_EQ(picture.at(first + 1, first + 1), kWhite) << "one pixel wide at any scale";
+    }
+}
+
 // ---- strokes ----------------------------------------------------------------------------------------------
 
 swf::LineStyle lineStyle(double width, swf::Rgba color = {0, 0, 0, 255})
@@ -364,7 +401,6 @@ TEST(Layers, BlendTransparentColoursLikeTheGeneralFormula)
         {"lighten", BlendMode::Lighten, [](double s, double b) { return std::max(s, b); }},
         {"darken", BlendMode::Darken, [](double s, double b) { return std::min(s, b); }},
         {"difference", BlendMode::Difference, [](double s, double b) { return std::abs(s - b); }},
-        {"add", BlendMode::Add, [](double s, double b) { return std::min(s + b, 1.0); }},
         {"subtract", BlendMode::Subtract, [](double s, double b) { return std::max(b - s, 0.0); }},
         {"hard light", BlendMode::HardLight,
          [](double s, double b) { return s <= 0.5 ? 2 * s * b : 1 - 2 * (1 - s) * (1 - b); }},
@@ -391,6 +427,16 @@ TEST(Layers, BlendTransparentColoursLikeTheGeneralFormula)
                 EXPECT_NEAR(p >> 8 & 0xFF, expected(s.g, b.g), 3);
                 EXPECT_NEAR(p & 0xFF, expected(s.b, b.b), 3);
             }
+}
+
+TEST(Layers, AddAddsAllFourChannelsUp)
+{
+    Picture picture(1, 1, {100, 10, 0, 128});
+    picture.canvas.beginLayer({0, 0, 1, 1});
+    picture.canvas.drawShape(rectShape(0, 0, 1, 1, solid(255, 20, 40, 100)), kStage);
+    picture.canvas.endLayer(BlendMode::Add);
+    // Premultiplied: 50 + 100, 5 + 8, 0 + 16, and 128 + 100 of alpha.
+    EXPECT_EQ(picture.at(0, 0), 0xE4960D10);
 }
 
 TEST(Layers, AlphaAndEraseActOnTheEnclosingLayer)

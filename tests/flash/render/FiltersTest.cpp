@@ -280,5 +280,13 @@ TEST(Layers, FiltersLookTheSameWhenOnlyAPartIsDrawnAgain)
     EXPECT_NE(whole.at(34, 33), kWhite);
 }
 
+TEST(Filters, OnePixelOfBlurIsNoneAtAnyScale)
+{
+    EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{1, 1, 1}}, 2), Growth{});
+    // Three pixels wide, one to either side.
+    EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{2, 2, 1}}, 2), (Growth{1, 1, 1, 1}));
+    EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{3, 1, 1}}, 1), (Growth{1, 0, 1, 0}));
+}
+
 } // namespace
 } // namespace flash::render
