@@ -155,8 +155,9 @@ const std::shared_ptr<const swf::Shape>& Drawing::shape() const
     if (m_built) return m_built;
     auto built = std::make_shared<swf::Shape>(m_work);
     if (m_filling && m_pen != m_pathStart && !built->layers.empty() && !built->layers.back().runs.empty()) {
-        // The fill is still open: closed for the picture only, and not stroked.
+        // The fill is still open: closed for the picture only.
         swf::EdgeRun closing;
+        closing.line = m_line ? m_lineIndex : 0;
         closing.startX = toTwips(m_pen.x);
         closing.startY = toTwips(m_pen.y);
         closing.fill1 = 1;

@@ -408,8 +408,9 @@ void Node::setMask(Node* mask)
         // A pair that masks each other would never be drawn; the later relation wins.
         if (mask->m_mask == this) mask->setMask(nullptr);
         mask->m_maskee = this;
-        // What a script masks is no clip layer any more.
+        // What a script masks, or masks with, is no clip layer any more.
         setClipDepth({});
+        mask->setClipDepth({});
         mask->invalidate();
     }
     m_mask = mask;

@@ -6,20 +6,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <variant>
 
 namespace flash::stage
 {
-
-namespace
-{
-
-/// Masks that are open among siblings: each counts up to a depth of its own.
-struct OpenMask {
-    Node* node;
-    int lastDepth;
-};
-
-} // namespace
 
 void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor)
 {
@@ -27,11 +17,21 @@ void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf
     drawPlaced(node, parentToDevice * node.matrix(), parentColor * node.color());
 }
 
-void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::ColorTransform& color)
 {
     guard::check(4);
     const double scale = std::sqrt(std::abs(m_view.a * m_view.d)) * swf::kTwipsPerPixel;
-    const render::IntRect content = render::deviceBounds(node.reach(), toDevice);
+    const swf::Matrix toDevice = node.cacheAsBitmap() ? snapped(placed, node.reach()) : placed;
+    render::IntRect content = render::deviceBounds(node.reach(), toDevice);
+    // A colour matrix can give a colour to what is empty, so that the size of the picture shows: it begins
+    // with the first pixel that holds something, and behind the last one there is one more.
+    const bool sizeShows = std::ranges::any_of(node.filters(), [](const swf::Filter& filter) {
+        return std::holds_alternative<swf::ColorMatrixFilter>(filter);
+    });
+    if (sizeShows && !content.isEmpty()) {
+        ++content.left;
+        ++content.top;
+    }
     render::IntRect reach = content;
     if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
     if (!m_pictureRoot) node.m_drawnBounds = reach;
@@ -56,6 +56,21 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::Co
         drawContent(node, toDevice, color);
     }
     if (node.mask()) m_canvas.popMask();
+}
+
+// A bitmap that is kept lies on whole pixels, from the upper left corner of what it shows.
+swf::Matrix Renderer::snapped(swf::Matrix matrix, const swf::Rect& rect)
+{
+    if (rect.isEmpty()) return matrix;
+    const auto least = [&](double x, double y) {
+        return std::min(x * rect.xMin, x * rect.xMax) + std::min(y * rect.yMin, y * rect.yMax);
+    };
+    const double left = least(matrix.a, matrix.c) + matrix.tx, top = least(matrix.b, matrix.d) + matrix.ty;
+    constexpr double kFar = 1e8;
+    if (!(std::abs(left) < kFar && std::abs(top) < kFar)) return matrix;
+    matrix.tx += std::nearbyint(left) - left;
+    matrix.ty += std::nearbyint(top) - top;
+    return matrix;
 }
 
 void Renderer::drawForPicture(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
@@ -84,9 +99,13 @@ void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::C
         drawChildren(node, toDevice, color);
         return;
     }
-    m_canvas.beginMask();
-    m_canvas.fillRect(node.bounds(), toDevice, {});
-    m_canvas.endMask();
+    // A mask is not cut itself.
+    const bool cut = !m_canvas.buildsMask();
+    if (cut) {
+        m_canvas.beginMask();
+        m_canvas.fillRect(node.bounds(), toDevice, {});
+        m_canvas.endMask();
+    }
     const swf::Matrix scrolled = toDevice * swf::Matrix{1,
                                                         0,
                                                         0,
@@ -95,7 +114,7 @@ void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::C
                                                         -static_cast<double>(node.scrollRect()->yMin)};
     drawOwn(node, scrolled, color);
     drawChildren(node, scrolled, color);
-    m_canvas.popMask();
+    if (cut) m_canvas.popMask();
 }
 
 void Renderer::drawOwn(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
@@ -116,29 +135,20 @@ void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::
     constexpr int kMaxDepth = 256;
     if (m_depth >= kMaxDepth) return;
     ++m_depth;
-    std::vector<OpenMask> open;
-    const auto begin = [&](const OpenMask& mask) {
-        m_canvas.beginMask();
-        drawAsMask(*mask.node, toDevice * mask.node->matrix());
-        m_canvas.endMask();
-    };
+    std::vector<int> open; // the last depths of the clip layers, outermost first
     for (const NodePtr& child : node.children()) {
-        const auto firstEnded = std::find_if(
-            open.begin(), open.end(), [&](const OpenMask& mask) { return child->depth() > mask.lastDepth; });
-        if (firstEnded != open.end()) {
-            // Brackets nest, clip layers may overlap: those that go on are opened again.
-            for (auto mask = firstEnded; mask != open.end(); ++mask) m_canvas.popMask();
-            std::vector<OpenMask> rest(firstEnded, open.end());
-            open.erase(firstEnded, open.end());
-            for (const OpenMask& mask : rest) {
-                if (child->depth() > mask.lastDepth) continue;
-                begin(mask);
-                open.push_back(mask);
-            }
+        while (!open.empty() && child->depth() > open.back()) {
+            m_canvas.popMask();
+            open.pop_back();
         }
         if (child->clipDepth()) {
-            open.push_back({child.get(), *child->clipDepth()});
-            begin(open.back());
+            // A clip layer within another is cut by it for good, also where it reaches further: the outer one
+            // goes on.
+            for (int& lastDepth : open) lastDepth = std::max(lastDepth, *child->clipDepth());
+            open.push_back(*child->clipDepth());
+            m_canvas.beginMask();
+            drawAsMask(*child, toDevice * child->matrix());
+            m_canvas.endMask();
             continue;
         }
         drawNode(*child, toDevice, color);

@@ -22,7 +22,8 @@ public:
 private:
     void drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawOwn(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
-    void drawPlaced(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+    void drawPlaced(Node& node, const swf::Matrix& placed, const swf::ColorTransform& color);
+    static swf::Matrix snapped(swf::Matrix matrix, const swf::Rect& rect);
     void drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawAsMask(Node& mask, const swf::Matrix& toDevice);
     render::Canvas& m_canvas;

@@ -333,6 +333,10 @@ private:
     void keyEvent(Event event);
     bool keyPressEverywhere(int keyPressCode);
     void moveDragged();
+    /// A key or a script that moves the focus shows the frame around it, the mouse hides it.
+    void showFocus(bool on);
+    [[nodiscard]] bool focusHidesAtEveryMove() const;
+    void drawFocus(render::Canvas& canvas, const swf::Matrix& view);
     void focusNext(bool backwards);
     void updateCursor();
 
@@ -394,6 +398,7 @@ private:
     bool m_keysAsked = false; ///< by a script of this movie, once at least
     int m_inputDepth = 0;
     NodePtr m_focus;
+    bool m_focusShown = false; ///< the frame around the focus, see showFocus()
     std::shared_ptr<Clip> m_dragged;
     std::optional<DragLimits> m_dragLimits;
     swf::Point m_dragOffset; ///< twips, parent space

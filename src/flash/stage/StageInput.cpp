@@ -242,6 +242,7 @@ void Stage::mouseMove(double x, double y)
     const swf::Point before = m_mouse;
     m_mouse = view.inverted().map(x, y);
     m_mouseInside = true;
+    if (m_mouse != before && focusHidesAtEveryMove()) showFocus(false);
     if (m_mouse == before) {
         updatePointer();
         return;
@@ -261,6 +262,8 @@ void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
     const InputScope scope(m_inputDepth);
     const swf::Point point = viewMatrix().inverted().map(x, y);
     if (point != m_mouse || !m_mouseInside) mouseMove(x, y);
+    if (button == MouseButton::Left || (button == MouseButton::Right && focusHidesAtEveryMove()))
+        showFocus(false);
     if (button != MouseButton::Left) return;
     m_keysDown.insert(1);
     m_mouseIsDown = true;
@@ -293,6 +296,7 @@ void Stage::mouseUp(double x, double y, MouseButton button)
     const InputScope scope(m_inputDepth);
     const swf::Point point = viewMatrix().inverted().map(x, y);
     if (point != m_mouse) mouseMove(x, y);
+    if (button != MouseButton::Middle && focusHidesAtEveryMove()) showFocus(false);
     if (button != MouseButton::Left) return;
     m_keysDown.erase(1);
     clipEventEverywhere(Event::MouseUp);
@@ -486,8 +490,19 @@ void Stage::focusLost()
     setFocus(nullptr);
 }
 
+// Since version 9 only a press of the left button does.
+bool Stage::focusHidesAtEveryMove() const { return m_movie && m_movie->header.version < 9; }
+
+void Stage::showFocus(bool on)
+{
+    if (on == m_focusShown) return;
+    m_focusShown = on;
+    if (m_focus) m_focus->invalidate();
+}
+
 void Stage::setFocus(Node* node, By by)
 {
+    if (by == By::Script) showFocus(true);
     if (m_focus.get() == node) return;
     const NodePtr before = m_focus;
     m_focus = node ? node->shared_from_this() : nullptr;
@@ -586,6 +601,7 @@ void Stage::focusNext(bool backwards)
     else
         index = (static_cast<std::size_t>(now - stops.begin()) + (backwards ? stops.size() - 1 : 1)) %
                 stops.size();
+    showFocus(true);
     setFocus(stops[index].second);
 }
 

@@ -194,6 +194,34 @@ void Stage::render(render::Canvas& canvas, const render::IntRect& clip)
     canvas.clear(m_background);
     Renderer renderer(canvas, view);
     for (const auto& [number, root] : m_levels) renderer.drawNode(*root, view, {});
+    drawFocus(canvas, view);
+}
+
+// Three pixels wide and within the bounds of what has the focus, above everything. Fields show theirs by the
+// caret.
+void Stage::drawFocus(render::Canvas& canvas, const swf::Matrix& view)
+{
+    if (!m_focusShown || !m_focus || m_focus->isRemoved() || m_focus->kind() == NodeKind::TextField) return;
+    const Node* root = m_focus.get();
+    for (; root->parent(); root = root->parent())
+        if (!root->isVisible()) return;
+    if (!m_focus->focusRect.value_or(root->focusRect.value_or(true))) return;
+    constexpr swf::Rgba kColor{255, 255, 0, 255};
+    constexpr int kWidth = 3 * swf::kTwipsPerPixel;
+    const swf::Rect box = swf::mapBounds(m_focus->toStage(), m_focus->bounds());
+    if (box.isEmpty()) return;
+    // On a stage that is shown larger or smaller it keeps its width.
+    const auto across = static_cast<std::int32_t>(
+        std::lround(kWidth * m_deviceScale / std::max(view.a * swf::kTwipsPerPixel, 1e-3)));
+    const swf::Rect inner{box.xMin + across, box.xMax - across, box.yMin + across, box.yMax - across};
+    if (inner.xMin >= inner.xMax || inner.yMin >= inner.yMax) {
+        canvas.fillRect(box, view, kColor);
+        return;
+    }
+    canvas.fillRect({box.xMin, box.xMax, box.yMin, inner.yMin}, view, kColor);
+    canvas.fillRect({box.xMin, box.xMax, inner.yMax, box.yMax}, view, kColor);
+    canvas.fillRect({box.xMin, inner.xMin, inner.yMin, inner.yMax}, view, kColor);
+    canvas.fillRect({inner.xMax, box.xMax, inner.yMin, inner.yMax}, view, kColor);
 }
 
 } // namespace flash::stage

@@ -111,8 +111,8 @@ bool TextField::hitsShape(swf::Point stagePoint)
 
 // ---- place and size ---------------------------------------------------------------------------------------
 
-double TextField::x() { return Node::x() + static_cast<double>(bounds().xMin) / swf::kTwipsPerPixel; }
-double TextField::y() { return Node::y() + static_cast<double>(bounds().yMin) / swf::kTwipsPerPixel; }
+double TextField::x() { return (matrix().tx + bounds().xMin) / swf::kTwipsPerPixel; }
+double TextField::y() { return (matrix().ty + bounds().yMin) / swf::kTwipsPerPixel; }
 void TextField::setX(double pixels)
 {
     Node::setX(pixels - static_cast<double>(bounds().xMin) / swf::kTwipsPerPixel);
@@ -128,7 +128,7 @@ void TextField::setWidth(double pixels)
     if (!(pixels >= 0) || scale == 0) return;
     constexpr double kWidest = 1e7;
     const double twips = std::min(pixels / std::abs(scale), kWidest) * swf::kTwipsPerPixel;
-    m_bounds.xMax = m_bounds.xMin + static_cast<std::int32_t>(std::lround(twips));
+    m_bounds.xMax = m_bounds.xMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();
 }
@@ -139,7 +139,7 @@ void TextField::setHeight(double pixels)
     if (!(pixels >= 0) || scale == 0) return;
     constexpr double kHighest = 1e7;
     const double twips = std::min(pixels / std::abs(scale), kHighest) * swf::kTwipsPerPixel;
-    m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(std::lround(twips));
+    m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();
 }
@@ -231,10 +231,23 @@ swf::Point TextField::toText(swf::Point stagePoint)
 
 // ---- drawing ----------------------------------------------------------------------------------------------
 
-void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
+// The machine's own letters stand upright and opaque, or not at all, and mask nothing: whoever wants a field
+// turned, flipped, faded or used as a mask embeds its fonts.
+void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
+                     const swf::ColorTransform& parentColor)
 {
+    swf::ColorTransform color = parentColor;
+    if (!m_embedFonts) {
+        // What right angles leave of sines.
+        constexpr double kNothing = 1e-6;
+        const bool upright = toDevice.a > 0 && toDevice.d > 0 && std::abs(toDevice.b) < kNothing &&
+                             std::abs(toDevice.c) < kNothing;
+        if (!upright || canvas.buildsMask() || swf::apply(color, {0, 0, 0, 255}).a == 0) return;
+        color.alphaMul = 256;
+        color.alphaAdd = 0;
+    }
     const swf::Rect box = bounds();
-    if (m_background) canvas.fillRect(box, toDevice, swf::apply(color, m_backgroundColor));
+    if (m_background) canvas.fillBox(box, toDevice, swf::apply(color, m_backgroundColor));
     if (m_border) canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor));
     const bool focused = isFocused();
     if (m_content.isEmpty() && !focused) return;
@@ -247,9 +260,11 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
         textToDevice.a = std::copysign(toDevice.d, toDevice.a);
     const bool overflows = origin.x + text.width() > box.xMax || hscroll() > 0 || scroll() > 0 ||
                            origin.y + text.height() > box.yMax || origin.x < box.xMin;
-    if (overflows) {
+    // As a mask it is as large as its text.
+    const bool cut = overflows && !canvas.buildsMask();
+    if (cut) {
         canvas.beginMask();
-        canvas.fillRect(box, toDevice, {0, 0, 0, 255});
+        canvas.fillBox(box, toDevice, {0, 0, 0, 255});
         canvas.endMask();
     }
     std::optional<render::TextLayout::Selection> selected;
@@ -267,7 +282,7 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
                             static_cast<std::int32_t>(std::lround(caret.bottom))};
         canvas.invertRect(bar, textToDevice);
     }
-    if (overflows) canvas.popMask();
+    if (cut) canvas.popMask();
 }
 
 } // namespace flash::stage
