@@ -145,8 +145,12 @@ Value setPixel32(Call& call, swf::Bitmap& bitmap)
 
 Value fillRect(Call& call, swf::Bitmap& bitmap)
 {
-    if (const auto rect = rectFromValue(call.vm, call.arg(0)))
-        render::fillRect(bitmap, *rect, color(call, 1));
+    if (const auto rect = rectFromValue(call.vm, call.arg(0))) {
+        // A negative size reaches to the left and upwards.
+        const auto [left, right] = std::minmax(rect->left, rect->right);
+        const auto [top, bottom] = std::minmax(rect->top, rect->bottom);
+        render::fillRect(bitmap, {left, top, right, bottom}, color(call, 1));
+    }
     return {};
 }
 Value floodFill(Call& call, swf::Bitmap& bitmap)

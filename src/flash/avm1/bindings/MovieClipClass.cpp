@@ -329,17 +329,25 @@ Value stopDrag(Call& call)
 Value setMask(Call& call)
 {
     StageBinding& binding = StageBinding::of(call);
-    stage::Clip* clip = selfClip(call);
-    if (!clip) return {};
+    // Borrowed, it works for text fields and buttons too.
+    stage::Node* node = binding.nodeOf(call.self.asObject());
+    if (!node || call.count() == 0) return {};
     if (call.arg(0).isNullish()) {
-        clip->setMask(nullptr);
+        node->setMask(nullptr);
         return Value(true);
     }
     Object* target = call.arg(0).asObject();
-    if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
+    if (!target) {
+        // A text is read as a variable of the clip that contains the masked one, or as a path from there.
+        stage::Clip* around = node->parentClip();
+        Object* base = around ? binding.objectOf(around) : call.self.asObject();
+        const std::u16string path = textArg(call, 0);
+        target = call.vm.getVariable(base, path).asObject();
+        if (!target) target = call.vm.resolveTarget(base, path);
+    }
     stage::Node* mask = binding.nodeOf(target);
     if (!mask) return Value(false);
-    clip->setMask(mask);
+    node->setMask(mask);
     return Value(true);
 }
 

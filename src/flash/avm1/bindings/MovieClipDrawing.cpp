@@ -13,15 +13,12 @@ namespace
 
 swf::Rgba colorOf(int rgb, double alphaPercent)
 {
-    const double alpha = std::isnan(alphaPercent) ? 100 : std::clamp(alphaPercent, 0.0, 100.0);
+    const double alpha = std::isnan(alphaPercent) ? 0 : std::clamp(alphaPercent, 0.0, 100.0);
     return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8),
             static_cast<std::uint8_t>(rgb), static_cast<std::uint8_t>(alpha * 255 / 100)};
 }
 
-double alphaArg(Call& call, std::size_t index)
-{
-    return call.count() > index && !call.arg(index).isUndefined() ? numberArg(call, index) : 100;
-}
+double alphaArg(Call& call, std::size_t index) { return call.count() > index ? numberArg(call, index) : 100; }
 
 Value member(Vm& vm, Object* object, std::string_view name) { return object->get(vm, vm.name(name)); }
 double numberMember(Vm& vm, Object* object, std::string_view name)
@@ -32,12 +29,11 @@ double numberMember(Vm& vm, Object* object, std::string_view name)
 Value beginFill(Call& call)
 {
     stage::Clip* clip = selfClip(call);
-    if (!clip || call.count() == 0) {
-        if (clip) clip->drawing().endFill();
-        return {};
-    }
+    if (!clip) return {};
+    // Without a colour the fill is there, and counts for the size, but is not seen.
     swf::FillStyle fill;
-    fill.color = colorOf(intArg(call, 0), alphaArg(call, 1));
+    fill.color = {0, 0, 0, 0};
+    if (!call.arg(0).isUndefined()) fill.color = colorOf(intArg(call, 0), alphaArg(call, 1));
     clip->drawing().beginFill(std::move(fill));
     return {};
 }
@@ -68,35 +64,85 @@ swf::Matrix gradientMatrix(Vm& vm, Object* object)
             numberMember(vm, object, "g") * kTwips, numberMember(vm, object, "h") * kTwips};
 }
 
-std::optional<swf::FillStyle> gradientFill(Call& call)
+/// What a gradient's arguments come to.
+struct GradientFill {
+    enum class Outcome { Fill, Nothing, NoChange };
+    Outcome outcome = Outcome::Nothing;
+    swf::FillStyle style;
+};
+
+/// The colours, alphas and ratios of a gradient, which may come from any objects that have a length.
+///
+/// An element that an object lacks keeps the value read before it: an alpha that of the colour, a ratio that
+/// of the alpha. The length is asked for again at every element; what lies beyond it stays transparent.
+class StopReader
+{
+public:
+    StopReader(Vm& vm, Object* colors, Object* alphas, Object* ratios)
+        : m_vm(vm), m_colors(colors), m_alphas(alphas), m_ratios(ratios)
+    {
+    }
+    /// @returns nothing when the lists do not fit together or a ratio is out of range
+    std::optional<std::vector<swf::Gradient::Stop>> read()
+    {
+        const double count = length(m_colors);
+        if (length(m_alphas) != count || length(m_ratios) != count || !(count >= 0)) return {};
+        constexpr double kMostStops = 15;
+        std::vector<swf::Gradient::Stop> stops(static_cast<std::size_t>(std::min(count, kMostStops)));
+        for (swf::Gradient::Stop& stop : stops) stop.color = {0, 0, 0, 0};
+        for (std::size_t i = 0; i < stops.size(); ++i) {
+            const auto index = static_cast<std::uint32_t>(i);
+            double value = 0;
+            // Before version 8 a colour that is no number is black.
+            if (!element(m_colors, index, value, m_vm.version() < 8)) break;
+            const int rgb = toInt32(m_vm, Value(value));
+            if (!element(m_alphas, index, value)) break;
+            stops[i].color = colorOf(rgb, value);
+            if (!element(m_ratios, index, value)) break;
+            const double ratio = std::isnan(value) ? 0 : std::trunc(value);
+            if (ratio < 0 || ratio > 255) return {};
+            stops[i].ratio = static_cast<std::uint8_t>(ratio);
+        }
+        return stops;
+    }
+
+private:
+    double length(Object* list) { return numberMember(m_vm, list, "length"); }
+    bool element(Object* list, std::uint32_t index, double& value, bool onlyNumbers = false)
+    {
+        if (!(index < length(list))) return false;
+        Value found;
+        if (!list->find(m_vm, m_vm.names().fromIndex(index), found, Value(list))) return true;
+        value = onlyNumbers && !found.isNumber() ? 0 : toNumber(m_vm, found);
+        return true;
+    }
+    Vm& m_vm;
+    Object *m_colors, *m_alphas, *m_ratios;
+};
+
+GradientFill gradientFill(Call& call)
 {
     Vm& vm = call.vm;
+    GradientFill result;
+    if (call.arg(0).isUndefined()) return result;
+    const std::u16string kind = textArg(call, 0);
+    swf::FillStyle& fill = result.style;
+    if (kind == u"linear") {
+        fill.kind = swf::FillStyle::Kind::LinearGradient;
+    } else if (kind == u"radial") {
+        fill.kind = swf::FillStyle::Kind::RadialGradient;
+    } else {
+        result.outcome = GradientFill::Outcome::NoChange;
+        return result;
+    }
     Object* colors = call.arg(1).asObject();
     Object* alphas = call.arg(2).asObject();
     Object* ratios = call.arg(3).asObject();
     Object* matrix = call.arg(4).asObject();
-    if (!colors || !alphas || !ratios || !matrix) return {};
-    const std::u16string kind = textArg(call, 0);
-    swf::FillStyle fill;
-    if (kind == u"linear")
-        fill.kind = swf::FillStyle::Kind::LinearGradient;
-    else if (kind == u"radial")
-        fill.kind = swf::FillStyle::Kind::RadialGradient;
-    else
-        return {};
-    const auto length = [&](Object* array) { return numberMember(vm, array, "length"); };
-    const double count = length(colors);
-    if (length(alphas) != count || length(ratios) != count || !(count >= 1)) return {};
-    constexpr int kMostStops = 15;
-    for (int i = 0; i < std::min(static_cast<int>(count), kMostStops); ++i) {
-        const Name index = vm.names().fromIndex(static_cast<std::uint32_t>(i));
-        const double ratio = std::clamp(toNumber(vm, ratios->get(vm, index)), 0.0, 255.0);
-        swf::Gradient::Stop stop;
-        stop.ratio = static_cast<std::uint8_t>(std::isnan(ratio) ? 0 : ratio);
-        if (!fill.gradient.stops.empty()) stop.ratio = std::max(stop.ratio, fill.gradient.stops.back().ratio);
-        stop.color = colorOf(toInt32(vm, colors->get(vm, index)), toNumber(vm, alphas->get(vm, index)));
-        fill.gradient.stops.push_back(stop);
-    }
+    if (!colors || !alphas || !ratios || !matrix) return result;
+    auto stops = StopReader(vm, colors, alphas, ratios).read();
+    if (!stops) return result;
+    fill.gradient.stops = std::move(*stops);
     fill.matrix = gradientMatrix(vm, matrix);
     const std::u16string spread = call.count() > 5 ? textArg(call, 5) : std::u16string();
     if (spread == u"reflect") fill.gradient.spread = swf::Gradient::Spread::Reflect;
@@ -110,17 +156,20 @@ std::optional<swf::FillStyle> gradientFill(Call& call)
             fill.gradient.focalPoint = std::clamp(focal, -1.0, 1.0);
         }
     }
-    return fill;
+    result.outcome = GradientFill::Outcome::Fill;
+    return result;
 }
 
 Value beginGradientFill(Call& call)
 {
     stage::Clip* clip = selfClip(call);
     if (!clip) return {};
-    if (auto fill = gradientFill(call))
-        clip->drawing().beginFill(std::move(*fill));
-    else
-        clip->drawing().endFill();
+    GradientFill fill = gradientFill(call);
+    switch (fill.outcome) {
+    case GradientFill::Outcome::Fill: clip->drawing().beginFill(std::move(fill.style)); break;
+    case GradientFill::Outcome::Nothing: clip->drawing().endFill(); break;
+    case GradientFill::Outcome::NoChange: break;
+    }
     return {};
 }
 
@@ -176,10 +225,10 @@ Value lineGradientStyle(Call& call)
 {
     stage::Clip* clip = selfClip(call);
     if (!clip || !clip->drawing().currentLine()) return {};
-    auto fill = gradientFill(call);
-    if (!fill) return {};
+    GradientFill fill = gradientFill(call);
+    if (fill.outcome != GradientFill::Outcome::Fill) return {};
     swf::LineStyle line = *clip->drawing().currentLine();
-    line.fill = std::move(*fill);
+    line.fill = std::move(fill.style);
     clip->drawing().lineStyle(line);
     return {};
 }

@@ -119,7 +119,7 @@ void StageBinding::installClasses()
 void StageBinding::installFlashPackage()
 {
     Object* flash = m_vm->newObject();
-    m_vm->global()->define(*m_vm, "flash", flash, kDontEnum | kFrom6);
+    m_vm->global()->define(*m_vm, "flash", flash, kDontEnum | kFrom8);
     const auto package = [&](const char* name) {
         Object* made = m_vm->newObject();
         flash->define(*m_vm, name, made);

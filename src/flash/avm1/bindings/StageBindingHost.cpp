@@ -243,7 +243,10 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
         break;
     }
     case kFocusRect:
-        if (value.isNullish() && node.parent())
+        if (vm.version() < 6 && node.parent()) {
+            // There is but one for all.
+            if (!value.isNullish()) node.levelRoot()->focusRect = toBoolean(vm, value);
+        } else if (value.isNullish() && node.parent())
             node.focusRect.reset();
         else
             node.focusRect = toBoolean(vm, value);

@@ -252,14 +252,19 @@ Value getTextWidth(Call&, TextField& field)
 Value getTextHeight(Call&, TextField& field)
 {
     field.syncVariable();
-    const render::TextLayout& layout = field.layout();
-    return Value(field.length() == 0 ? 0.0 : wholePixels(layout.height() + layout.lines().back().leading));
+    if (field.length() == 0) return Value(0.0);
+    // The leading below the last line counts where it is the only one.
+    const auto& lines = field.layout().lines();
+    const double below = lines.size() == 1 ? lines.back().leading : 0;
+    return Value(wholePixels(field.layout().height() + below));
 }
 Value getScroll(Call&, TextField& field) { return Value(field.scroll() + 1); }
 Value setScroll(Call& call, TextField& field)
 {
     const int line = intArg(call, 0);
-    field.setScroll(std::max(line, 1) - 1);
+    // Counted from one in 32 bits, which go round at their end.
+    const auto index = static_cast<std::int32_t>(static_cast<std::uint32_t>(line) - 1U);
+    field.setScroll(std::max(index, 0));
     return {};
 }
 Value getMaxScroll(Call&, TextField& field) { return Value(field.maxScroll() + 1); }
