@@ -26,6 +26,8 @@ enum class Op : std::uint8_t {
     AddConstant, SubtractConstant, MultiplyConstant, DivideConstant, IntegerDivideConstant, ModuloConstant,
     PowerConstant, ConcatConstant,
     EqualConstant, NotEqualConstant, LessConstant, GreaterConstant, LessEqualConstant, GreaterEqualConstant,
+    // A local variable (a: slot) with the topmost value, which was evaluated first as that makes no difference.
+    AddToLocal, SubtractFromLocal, MultiplyLocalBy,
     Pop,
     Constant,       // a: of Function::constants
     // Values of names. a: slot, Symbol, place in Function::implicitNames, field.

@@ -51,13 +51,48 @@ std::uint8_t FunctionCompiler::reciprocal(Operator operation, std::uint32_t inde
     return kHasReciprocal;
 }
 
+/// Whether it is a literal or a local variable: nothing happens when it is read.
+bool FunctionCompiler::isSimple(const Expression* expression)
+{
+    if (expression->kind == Kind::Literal) return true;
+    return expression->kind == Kind::Name && place(expression->name).kind == Place::Kind::Local;
+}
+
+// A local variable and a simple operation: the variable need not pass through the stack. @returns whether it
+// was one
+bool FunctionCompiler::binaryOfLocal(const Expression* expression, Result<void>& outcome)
+{
+    const Expression* left = expression->left;
+    const Expression* right = expression->right;
+    Op op{};
+    switch (expression->operation) {
+    case Operator::Add: op = Op::AddToLocal; break;
+    case Operator::Subtract: op = Op::SubtractFromLocal; break;
+    case Operator::Multiply: op = Op::MultiplyLocalBy; break;
+    default: return false;
+    }
+    const bool fits = left->kind == Kind::Name && isSimple(left) && right->kind == Kind::Binary &&
+                      isSimple(right->left) && isSimple(right->right);
+    if (!fits) return false;
+    outcome = binary(right);
+    if (outcome) emit(op, 0, place(left->name).index);
+    return true;
+}
+
 // A chain of operators nests to the left, as long as the source is; it is walked without recursion.
 Result<void> FunctionCompiler::binary(const Expression* expression)
 {
     std::vector<const Expression*> chain;
     const Expression* first = expression;
     for (; first->kind == Kind::Binary; first = first->left) chain.push_back(first);
-    CHECK_RESULT(value(first));
+    // a + b * 2
+    Result<void> outcome;
+    if (binaryOfLocal(chain.back(), outcome)) {
+        CHECK_RESULT(outcome);
+        chain.pop_back();
+    } else {
+        CHECK_RESULT(value(first));
+    }
     for (auto link = chain.rbegin(); link != chain.rend(); ++link) {
         const Operator operation = (*link)->operation;
         const std::uint8_t flags = literals((*link)->left, (*link)->right);

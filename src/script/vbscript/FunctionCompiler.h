@@ -69,6 +69,8 @@ private:
     Result<void> argument(const Expression* expression, bool calleeIsVariable);
     Result<void> arguments(const std::vector<Expression*>& arguments, bool calleeIsVariable);
     Result<void> binary(const Expression* expression);
+    bool binaryOfLocal(const Expression* expression, Result<void>& outcome);
+    [[nodiscard]] bool isSimple(const Expression* expression);
     std::uint8_t reciprocal(Operator operation, std::uint32_t index);
     Result<void> name(const Expression* expression, bool byReference);
     Result<void> call(const Expression* expression, std::uint8_t flags);

@@ -22,7 +22,7 @@ constexpr double kSafeSum = 1e300; // sums and products below it are finite
 // changed nothing and is left to the Engine's functions.
 
 template <Op kOp>
-[[gnu::always_inline]] inline bool calculate(Value& a, const Value& b)
+[[gnu::always_inline]] inline bool calculate(Value& out, const Value& a, const Value& b)
 {
     if (isIntegerOrLong(a) && isIntegerOrLong(b)) {
         const std::int64_t x = a.whole();
@@ -31,7 +31,7 @@ template <Op kOp>
         const bool isShort = a.type() == VarType::Integer && b.type() == VarType::Integer &&
                              result == static_cast<std::int16_t>(result);
         if (result != static_cast<std::int32_t>(result)) return false;
-        a.overwriteWhole(isShort ? VarType::Integer : VarType::Long, static_cast<std::int32_t>(result));
+        out.overwriteWhole(isShort ? VarType::Integer : VarType::Long, static_cast<std::int32_t>(result));
         return true;
     }
     if (a.type() == VarType::Double && b.type() == VarType::Double) {
@@ -39,10 +39,16 @@ template <Op kOp>
         const double y = b.asReal();
         const double result = kOp == Op::Add ? x + y : kOp == Op::Subtract ? x - y : x * y;
         if (!(std::fabs(result) < kSafeSum)) return false;
-        a.overwriteReal(VarType::Double, result);
+        out.overwriteReal(VarType::Double, result);
         return true;
     }
     return false;
+}
+
+template <Op kOp>
+[[gnu::always_inline]] inline bool calculate(Value& a, const Value& b)
+{
+    return calculate<kOp>(a, a, b);
 }
 
 template <Op kOp>
@@ -128,13 +134,31 @@ template <Op kOp>
 }
 
 // An element that holds a simple value, by a whole index within a list; else null.
-[[gnu::always_inline]] inline Value* simpleElement(const Value& holder, const Value& index)
+Value* simpleElement(const Value& holder, const Value& index)
 {
     if (!holder.isArray() || !index.isWhole()) return nullptr;
     Array& array = *holder.asArray();
     if (array.bounds.size() != 1 || index.whole() < 0 || index.whole() > array.bounds[0]) return nullptr;
     Value& element = array.elements[static_cast<std::size_t>(index.whole())];
     return element.isPlain() ? &element : nullptr;
+}
+
+// Not in line: they would take the registers that calculating needs.
+[[gnu::noinline]] bool readElement(const Value& holder, Value& index)
+{
+    const Value* element = simpleElement(holder.resolved(), index);
+    if (element) index.overwritePlain(*element);
+    return element != nullptr;
+}
+
+// value, index
+[[gnu::noinline]] bool writeElement(const Value& variable, const Value* sp)
+{
+    const Value& holder = variable.resolved();
+    if (!sp[-2].isPlain() || !holder.isArray() || holder.asArray()->isShared()) return false;
+    Value* element = simpleElement(holder, sp[-1]);
+    if (element) element->overwritePlain(sp[-2]);
+    return element != nullptr;
 }
 
 // What an assignment of a number or a jump behind a comparison would do next, done at once.
@@ -329,6 +353,13 @@ Result<Value> Engine::run()
         case Op::LessEqualConstant: if (compare<Op::LessEqual>(sp[-1], constants[at.a])) { decide(0); continue; } break;
         case Op::GreaterEqualConstant: if (compare<Op::GreaterEqual>(sp[-1], constants[at.a])) { decide(0); continue; } break;
 
+        case Op::AddToLocal:
+            if (calculate<Op::Add>(sp[-1], locals[at.a].resolved(), sp[-1])) { keep(0); continue; } break;
+        case Op::SubtractFromLocal:
+            if (calculate<Op::Subtract>(sp[-1], locals[at.a].resolved(), sp[-1])) { keep(0); continue; } break;
+        case Op::MultiplyLocalBy:
+            if (calculate<Op::Multiply>(sp[-1], locals[at.a].resolved(), sp[-1])) { keep(0); continue; } break;
+
         // clang-format on
         case Op::Constant: pushCopy(sp, constants[at.a]); continue;
         case Op::Local: pushCopy(sp, locals[at.a]); continue;
@@ -374,23 +405,14 @@ Result<Value> Engine::run()
             --sp;
             continue;
 
-        case Op::CallLocal: {
-            if (at.count != 1 || (at.flags & kWantReference) != 0) break;
-            const Value* element = simpleElement(locals[at.a].resolved(), sp[-1]);
-            if (!element) break;
-            sp[-1].overwritePlain(*element);
-            continue;
-        }
-        case Op::PutLocal: {
-            Value& holder = locals[at.a].resolved();
-            if (at.count != 1 || at.flags != 0 || !sp[-2].isPlain()) break;
-            if (!holder.isArray() || holder.asArray()->isShared()) break;
-            Value* element = simpleElement(holder, sp[-1]);
-            if (!element) break;
-            element->overwritePlain(sp[-2]);
+        case Op::CallLocal:
+            if (at.count == 1 && (at.flags & kWantReference) == 0 && readElement(locals[at.a], sp[-1]))
+                continue;
+            break;
+        case Op::PutLocal:
+            if (at.count != 1 || at.flags != 0 || !writeElement(locals[at.a], sp)) break;
             sp -= 2;
             continue;
-        }
         case Op::CallGlobal: {
             const Global& found = *m_globals[at.a];
             if (found.kind != Global::Kind::Procedure) break;
@@ -476,6 +498,17 @@ Result<void> Engine::perform(const Instruction& at)
     case Op::Eqv:
     case Op::Imp: return binary(at.op, at.flags);
     case Op::Is: return is();
+    case Op::AddToLocal:
+    case Op::SubtractFromLocal:
+    case Op::MultiplyLocalBy: {
+        Value right = pop();
+        push(top.locals[at.a].resolved());
+        push(std::move(right));
+        return binary(at.op == Op::AddToLocal          ? Op::Add
+                      : at.op == Op::SubtractFromLocal ? Op::Subtract
+                                                       : Op::Multiply,
+                      at.flags);
+    }
     case Op::Negate:
     case Op::Not: return unary(at.op);
     case Op::Pop: drop(1); return {};
