@@ -95,10 +95,14 @@ class Run:
         return open(path, encoding='utf-8').read().splitlines() if os.path.exists(path) else []
 
     def act(self):
-        window = max(windows_of('Zorvex').items(), key=lambda found: found[1][0], default=(None, None))[0]
-        if window is not None:
-            subprocess.run(['xdotool', 'mousemove', '--window', window, '60', '60', 'click', '1', 'windowfocus', window,
-                            'key', 'a', 'key', 'Return'], check=False, capture_output=True)
+        windows = windows_of('Zorvex')
+        window = max(windows.items(), key=lambda found: found[1][0], default=(None, None))[0]
+        if window is None:
+            return
+        # What is typed into a dialog of files brings up a list of its own.
+        keys = ['windowfocus', window, 'key', 'a', 'key', 'Return'] if len(windows) == 1 else []
+        subprocess.run(['xdotool', 'mousemove', '--window', window, '60', '60', 'click', '1'] + keys, check=False,
+                       capture_output=True)
 
     def close_movie(self):
         """As the user would, in the midst of a script."""
