@@ -130,6 +130,31 @@ std::u16string utf16FromUtf8(std::string_view utf8)
     return out;
 }
 
+std::u16string utf16FromLooseUtf8(std::string_view utf8)
+{
+    std::u16string out;
+    out.reserve(utf8.size());
+    for (std::size_t at = 0; at < utf8.size();) {
+        const auto lead = static_cast<std::uint8_t>(utf8[at]);
+        const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : 6;
+        if (length == 1) {
+            out += static_cast<char16_t>(lead);
+            ++at;
+            continue;
+        }
+        if (length > utf8.size() - at) break;
+        if (length > 3) {
+            // There is nothing beyond the basic plane.
+            out += kReplacement;
+            at += length;
+            continue;
+        }
+        out += utf16FromUtf8(utf8.substr(at, length)).substr(0, isUtf8(utf8.substr(at, length)) ? 2 : 1);
+        at += length;
+    }
+    return out;
+}
+
 std::string utf8FromUtf16(std::u16string_view utf16)
 {
     std::string out;

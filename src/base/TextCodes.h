@@ -17,6 +17,11 @@ std::string ansiFromUtf8(std::string_view utf8, char replacement = '?');
 /// @returns UTF-16; malformed sequences become U+FFFD, one for each offending byte.
 std::u16string utf16FromUtf8(std::string_view utf8);
 
+/// As utf16FromUtf8, by the rules of players that knew no malformed text: the first byte alone says how many
+/// belong together. What does not then make a character is one U+FFFD; what the text is too short for ends
+/// it; a byte that only continues stands for the character of its own number.
+std::u16string utf16FromLooseUtf8(std::string_view utf8);
+
 /// @returns UTF-8. A lone surrogate is written by itself, as three bytes, so that no text is lost.
 std::string utf8FromUtf16(std::u16string_view utf16);
 
