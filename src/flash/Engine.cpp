@@ -259,6 +259,7 @@ public:
         if (options.collectAlways) script->vm().collectAlways();
         stage = std::make_unique<stage::Stage>(services, script.get());
         script->attach(*stage);
+        stage->setTextCode(base::TextCode::named(options.textCode));
     }
 
     void dropStage()

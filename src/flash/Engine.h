@@ -37,6 +37,8 @@ public:
         std::uint32_t randomSeed = 1;
         /// What scripts are told of the machine: language in two letters, screen in pixels.
         std::string language = "en";
+        /// The 8-bit code of movies before version 6 (base::TextCode::names()). Empty: the system's own.
+        std::string textCode;
         int screenWidth = 1024, screenHeight = 768;
         /// Relative addresses count from here, and nothing outside can be read. Empty: the movie's folder.
         std::filesystem::path baseFolder;

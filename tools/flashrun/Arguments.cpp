@@ -1,5 +1,7 @@
 #include "Arguments.h"
 
+#include "base/TextCode.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -127,6 +129,10 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
         arguments.baseFolder = value;
     } else if (option == "--storage") {
         arguments.storageFolder = value;
+    } else if (option == "--codepage") {
+        if (!base::TextCode::named(value))
+            return base::fail(base::ErrorCode::Malformed, "--codepage does not know \"" + value + "\"");
+        arguments.textCode = value;
     } else if (option == "--date") {
         arguments.dateMs = TRY_RESULT(localDate(value));
     } else if (option == "--fscommands" && arguments.command == Command::Trace) {

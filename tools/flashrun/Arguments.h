@@ -23,6 +23,7 @@ struct Arguments {
     bool showCommands = false;
     bool collectAlways = false;
     std::filesystem::path out, baseFolder, input, storageFolder;
+    std::string textCode; ///< empty: the system's own
     double scale = 1;
     int size = 256;     ///< of a thumbnail: the longer side, pixels
     double seconds = 5; ///< that a thumbnail may take

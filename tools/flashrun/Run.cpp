@@ -159,6 +159,7 @@ private:
         options.baseFolder = arguments.baseFolder;
         options.collectAlways = arguments.collectAlways;
         options.storageFolder = arguments.storageFolder;
+        options.textCode = arguments.textCode;
         return options;
     }
 

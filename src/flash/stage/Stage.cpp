@@ -16,7 +16,7 @@ namespace flash::stage
 
 Stage::Stage(Services services, ScriptHost* script)
     : m_services(services), m_script(script ? script : &m_noScript),
-      m_renderCache(std::make_unique<render::RenderCache>()), m_textFonts(std::make_unique<TextFonts>())
+      m_renderCache(std::make_unique<render::RenderCache>()), m_textFonts(std::make_unique<TextFonts>(*this))
 {
 }
 
@@ -24,10 +24,10 @@ Stage::~Stage() { close(); }
 
 void Stage::setScript(ScriptHost* script) { m_script = script ? script : &m_noScript; }
 
-std::string Stage::textOf(const MoviePtr& movie, std::string_view bytes)
+std::string Stage::textOf(const MoviePtr& movie, std::string_view bytes) const
 {
     if (movie && movie->header.version >= 6) return std::string(bytes);
-    return base::utf8FromAnsi(bytes);
+    return textCode().utf8From(bytes);
 }
 
 Clip* Stage::level(int number)
@@ -282,7 +282,7 @@ std::optional<std::uint16_t> Stage::exportedCharacter(const MoviePtr& movie, std
     std::string key(name);
     auto found = movie->exports.find(key);
     if (found == movie->exports.end() && movie->header.version < 6)
-        found = movie->exports.find(base::ansiFromUtf8(key));
+        found = movie->exports.find(textCode().fromUtf8(key));
     if (found != movie->exports.end()) return found->second;
     // Linkage names do not tell cases apart.
     const auto same = [&](const std::string& other) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/TextCode.h"
 #include "flash/render/Surface.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/Node.h"
@@ -221,8 +222,8 @@ public:
     /// Whether a script may give it the focus.
     [[nodiscard]] bool canTakeFocus(Node& node);
     /// The character of a linkage name. Nothing when the movie exports no such name.
-    [[nodiscard]] static std::optional<std::uint16_t> exportedCharacter(const MoviePtr& movie,
-                                                                        std::string_view name);
+    [[nodiscard]] std::optional<std::uint16_t> exportedCharacter(const MoviePtr& movie,
+                                                                 std::string_view name);
     void setShowsMenu(bool full);
     [[nodiscard]] bool showsMenu() const { return m_showsMenu; }
 
@@ -246,8 +247,15 @@ public:
     [[nodiscard]] const std::vector<std::shared_ptr<Clip>>& clips() const { return m_clips; }
     /// The name a character was exported under.
     [[nodiscard]] std::string linkageName(const MoviePtr& movie, std::uint16_t characterId);
-    /// A text of a file as UTF-8: before version 6 files hold the system's code page.
-    [[nodiscard]] static std::string textOf(const MoviePtr& movie, std::string_view bytes);
+    /// A text of a file as UTF-8: before version 6 files hold the 8-bit code of their maker's system.
+    [[nodiscard]] std::string textOf(const MoviePtr& movie, std::string_view bytes) const;
+    /// What such files are read in; the system's own unless set.
+    [[nodiscard]] const base::TextCode& textCode() const
+    {
+        return m_textCode != nullptr ? *m_textCode : base::TextCode::ansi();
+    }
+    /// To be called before open(). @param code null: the system's own
+    void setTextCode(std::shared_ptr<const base::TextCode> code) { m_textCode = std::move(code); }
     /// Frames run since open().
     [[nodiscard]] long long frameCounter() const { return m_frameCounter; }
 
@@ -341,6 +349,7 @@ private:
     void updateCursor();
 
     Services m_services;
+    std::shared_ptr<const base::TextCode> m_textCode; // null: the system's own
     ScriptHost m_noScript;
     ScriptHost* m_script;
     MoviePtr m_movie;

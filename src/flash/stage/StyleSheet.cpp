@@ -166,11 +166,18 @@ std::string StyleSheet::fontNames(std::u16string_view families)
     std::string names;
     while (!families.empty()) {
         const std::size_t end = std::min(families.find(u','), families.size());
-        std::u16string name(trimmed(families.substr(0, end)));
+        // Blanks before a name do not count, those after it do.
+        std::u16string_view written = families.substr(0, end);
+        while (!written.empty() &&
+               (written.front() == u' ' || (written.front() >= u'\t' && written.front() <= u'\r')))
+            written.remove_prefix(1);
+        std::u16string name(written), folded = name;
         families.remove_prefix(std::min(end + 1, families.size()));
-        if (name == u"mono") name = u"_typewriter";
-        if (name == u"sans-serif") name = u"_sans";
-        if (name == u"serif") name = u"_serif";
+        for (char16_t& unit : folded)
+            if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
+        if (folded == u"mono") name = u"_typewriter";
+        if (folded == u"sans-serif") name = u"_sans";
+        if (folded == u"serif") name = u"_serif";
         if (name.empty()) continue;
         if (!names.empty()) names += ',';
         names += base::utf8FromUtf16(name);

@@ -22,7 +22,7 @@ std::u16string withCarriageReturns(std::u16string text)
     return text;
 }
 
-TextFormat formatOf(const MoviePtr& movie, const swf::EditText& definition)
+TextFormat formatOf(const Stage& stage, const MoviePtr& movie, const swf::EditText& definition)
 {
     TextFormat format;
     render::TextStyle& style = format.style;
@@ -32,7 +32,7 @@ TextFormat formatOf(const MoviePtr& movie, const swf::EditText& definition)
         style.size = definition.fontHeight;
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
         if (const auto* font = character ? std::get_if<swf::Font>(&character->data) : nullptr) {
-            style.font = Stage::textOf(movie, font->name);
+            style.font = stage.textOf(movie, font->name);
             style.bold = font->bold;
             style.italic = font->italic;
         }
@@ -64,10 +64,10 @@ TextField::TextField(Stage& stage, MoviePtr movie, const swf::EditText& definiti
     m_border = m_background = definition.border;
     m_autoSize = definition.autoSize ? AutoSize::Left : AutoSize::None;
     m_bounds = definition.bounds;
-    m_newFormat = formatOf(m_movie, definition);
-    m_variable = Stage::textOf(m_movie, definition.variableName);
+    m_newFormat = formatOf(m_stage, m_movie, definition);
+    m_variable = m_stage.textOf(m_movie, definition.variableName);
     if (!definition.hasText) return;
-    std::u16string text = base::utf16FromUtf8(Stage::textOf(m_movie, definition.initialText));
+    std::u16string text = base::utf16FromUtf8(m_stage.textOf(m_movie, definition.initialText));
     if (m_html) {
         m_source = std::move(text);
         readHtml();
@@ -202,7 +202,7 @@ void TextField::syncVariable()
     if (!value) {
         // A variable that does not exist gets the text that the field began with.
         if (fresh && m_definition.hasText) {
-            std::string initial = Stage::textOf(m_movie, m_definition.initialText);
+            std::string initial = m_stage.textOf(m_movie, m_definition.initialText);
             m_variableIsFresh = !m_stage.script().setVariable(*scope, m_variable, initial);
         }
         return;

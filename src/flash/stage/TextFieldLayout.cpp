@@ -35,7 +35,7 @@ public:
         const swf::EditText& definition = m_field.m_definition;
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
         const auto* own = character ? std::get_if<swf::Font>(&character->data) : nullptr;
-        if (own && Stage::textOf(movie, own->name) == style.font && own->bold == style.bold &&
+        if (own && m_field.m_stage.textOf(movie, own->name) == style.font && own->bold == style.bold &&
             own->italic == style.italic)
             return fonts.embedded(movie, definition.fontId);
         return fonts.embedded(movie, style.font, style.bold, style.italic);

@@ -12,11 +12,14 @@
 namespace flash::stage
 {
 
+class Stage;
+
 /// The faces of a stage's text fields, made once each: fonts of its movies by name and style, and fonts of
 /// the machine.
 class TextFonts
 {
 public:
+    explicit TextFonts(const Stage& stage) : m_stage(stage) {}
     /// A font of the movie's dictionary. @returns null when there is none of that name and style
     render::FontFacePtr embedded(const MoviePtr& movie, const std::string& name, bool bold, bool italic);
     /// By its number. @returns null when that is no font
@@ -33,6 +36,7 @@ private:
     };
     PerMovie& of(const MoviePtr& movie);
     std::unordered_map<const swf::Movie*, PerMovie> m_movies;
+    const Stage& m_stage; // which owns this
     render::DeviceFonts m_device;
 };
 

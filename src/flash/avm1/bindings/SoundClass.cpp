@@ -2,7 +2,6 @@
 #include "flash/avm1/bindings/Classes.h"
 
 #include <cmath>
-#include <limits>
 #include <optional>
 
 namespace flash::avm1
@@ -21,11 +20,21 @@ public:
     void trace(Tracer& tracer) override { tracer(target); }
 
     /// The clip, or the one that stands at its path now: a sound outlives what it was made for.
-    [[nodiscard]] stage::SoundOwner owner() const { return target ? m_binding.nodeOf(target) : nullptr; }
-    /// The target is gone: nothing can be heard or set any more.
-    [[nodiscard]] bool isOrphan() const { return hasTarget && !owner(); }
+    [[nodiscard]] stage::SoundOwner owner() const
+    {
+        if (path.empty()) return target ? m_binding.nodeOf(target) : nullptr;
+        // A text is looked up each time: what it names may come and go.
+        Vm& vm = m_binding.vm();
+        Object* found = vm.resolveTarget(target, path);
+        // Within tellTarget a path still counts from the timeline that the script stands on.
+        if (!found && target) found = vm.resolveTarget(m_binding.root(target), path);
+        return m_binding.nodeOf(found);
+    }
+    /// The target is gone: nothing can be heard or set any more, unless the sound was loaded.
+    [[nodiscard]] bool isOrphan() const { return hasTarget && !own && !owner(); }
 
-    Object* target = nullptr;
+    Object* target = nullptr; ///< with a path, what it counts from
+    std::u16string path;
     bool hasTarget = false;
     stage::MoviePtr movie; ///< of the attached symbol
     std::uint16_t symbol = 0;
@@ -39,10 +48,12 @@ private:
     StageBinding& m_binding;
 };
 
-/// As the genuine player turns numbers into integers here: what does not fit becomes the lowest one.
-double saturatedInteger(double number)
+/// What does not fit an integer wraps, and what is none is 0; from version 9 on both become the lowest one.
+double wholeArg(Call& call)
 {
-    constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+    const double number = numberArg(call, 0);
+    if (call.vm.version() < 9) return toInt32(number);
+    constexpr double kLowest = -2147483648.0;
     const double whole = std::trunc(number);
     return whole >= kLowest && whole <= -(kLowest + 1) ? whole : kLowest;
 }
@@ -57,17 +68,18 @@ Value construct(Call& call)
     auto& state = self->attachNew<SoundObject>(binding);
     if (call.count() > 0 && !call.arg(0).isNullish()) {
         Object* object = call.arg(0).asObject();
-        if (!object) {
-            const std::u16string path = textArg(call, 0);
-            object = call.vm.resolveTarget(call.vm.target(), path);
-            // Within tellTarget a path still counts from the timeline that the script stands on.
-            if (!object) object = call.vm.resolveTarget(binding.root(call.vm.target()), path);
-        }
         state.hasTarget = true;
-        if (binding.nodeOf(object)) state.target = object;
+        if (!object) {
+            state.path = textArg(call, 0);
+            state.target = call.vm.target();
+        } else if (binding.nodeOf(object)) {
+            state.target = object;
+        }
     }
     return {};
 }
+
+void giveMeasures(Vm& vm, Object* sound);
 
 Value attachSound(Call& call)
 {
@@ -79,7 +91,7 @@ Value attachSound(Call& call)
     if (!scope) scope = binding.clipOf(call.vm.target());
     if (!scope) scope = binding.stage().root();
     const stage::MoviePtr movie = scope ? scope->movie() : nullptr;
-    const auto id = stage::Stage::exportedCharacter(movie, utf8Arg(call, 0));
+    const auto id = StageBinding::of(call).stage().exportedCharacter(movie, utf8Arg(call, 0));
     const swf::Character* character = id ? movie->character(*id) : nullptr;
     const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr;
     if (!sound) return {};
@@ -88,6 +100,7 @@ Value attachSound(Call& call)
     state->symbol = *id;
     state->sound = sound;
     state->file.reset();
+    giveMeasures(call.vm, call.self.object());
     return {};
 }
 
@@ -116,7 +129,7 @@ Value stop(Call& call)
     auto* state = call.native<SoundObject>();
     if (!state || state->isOrphan()) return {};
     if (call.count() > 0 && !call.arg(0).isUndefined()) {
-        const auto id = stage::Stage::exportedCharacter(state->movie, utf8Arg(call, 0));
+        const auto id = StageBinding::of(call).stage().exportedCharacter(state->movie, utf8Arg(call, 0));
         if (id) soundSystem(call).stopSymbol(state->owner(), state->movie, *id);
         return {};
     }
@@ -148,7 +161,7 @@ Value change(Call& call, Change apply)
 
 Value setVolume(Call& call)
 {
-    const double volume = call.count() == 0 ? 0 : saturatedInteger(numberArg(call, 0));
+    const double volume = call.count() == 0 ? 0 : wholeArg(call);
     return change(call, [&](stage::SoundTransform& t) { t.volume = volume; });
 }
 Value getVolume(Call& call)
@@ -159,7 +172,7 @@ Value getVolume(Call& call)
 // Not limited to -100..100: getPan() and the transform show what such numbers lead to.
 Value setPan(Call& call)
 {
-    const double pan = call.count() == 0 ? 0 : saturatedInteger(numberArg(call, 0));
+    const double pan = call.count() == 0 ? 0 : wholeArg(call);
     return change(call, [&](stage::SoundTransform& t) {
         t.leftToLeft = pan <= 0 ? 100 : 100 - pan;
         t.rightToRight = pan >= 0 ? 100 : 100 + pan;
@@ -200,7 +213,8 @@ Value setTransform(Call& call)
     Object* object = call.arg(0).asObject();
     if (!object) return {};
     return change(call, [&](stage::SoundTransform& t) {
-        for (const Part& part : kParts) {
+        // The order in which the values are asked for.
+        for (const Part& part : {kParts[0], kParts[1], kParts[3], kParts[2]}) {
             if (const auto value = ownValue(call.vm, *object, part.name))
                 t.*part.member = toInt32(call.vm, *value);
         }
@@ -243,6 +257,7 @@ Value loadSound(Call& call)
     request.baseUrl = sender ? sender->url() : binding.stage().url();
     const bool streaming = toBoolean(call.vm, call.arg(1));
     state->own = stage::SoundTransform{};
+    giveMeasures(call.vm, call.self.object());
     auto self = std::make_shared<Root<Object>>(call.vm.heap(), call.self.asObject());
     binding.stage().fetch(
         std::move(request), [&binding, self, streaming](const base::Result<stage::LoadAnswer>& answer) {
@@ -271,36 +286,56 @@ Value getBytesLoaded(Call& call)
     return state && state->file ? Value(static_cast<double>(state->file->size())) : Value();
 }
 
+/// A sound's length and place cannot be set, though the functions are there.
+Value nothing(Call&) { return {}; }
+/// Nothing here keeps one movie from hearing another's sounds.
+Value areSoundsInaccessible(Call&) { return Value(false); }
+
 // clang-format off
+// In the order of the numbers that ASnative knows them by.
 constexpr MemberInfo kMembers[] = {
-    {"getPan",         0, kReadOnly,          &getPan},
-    {"getTransform",   0, kReadOnly,          &getTransform},
-    {"getVolume",      0, kReadOnly,          &getVolume},
-    {"setPan",         1, kReadOnly,          &setPan},
-    {"setTransform",   1, kReadOnly,          &setTransform},
-    {"setVolume",      0, kReadOnly,          &setVolume},
-    {"stop",           0, kReadOnly,          &stop},
-    {"attachSound",    1, kReadOnly,          &attachSound},
-    {"start",          0, kReadOnly,          &start},
-    {"getDuration",    0, kReadOnly | kFrom6, &getDuration},
-    {"getPosition",    0, kReadOnly | kFrom6, &getPosition},
-    {"loadSound",      1, kReadOnly | kFrom6, &loadSound},
-    {"getBytesLoaded", 0, kReadOnly | kFrom6, &getBytesLoaded},
-    {"getBytesTotal",  0, kReadOnly | kFrom6, &getBytesLoaded},
+    {"getPan",         0, kReadOnly,          &getPan,         0},
+    {"getTransform",   0, kReadOnly,          &getTransform,   1},
+    {"getVolume",      0, kReadOnly,          &getVolume,      2},
+    {"setPan",         1, kReadOnly,          &setPan,         3},
+    {"setTransform",   1, kReadOnly,          &setTransform,   4},
+    {"setVolume",      0, kReadOnly,          &setVolume,      5},
+    {"stop",           0, kReadOnly,          &stop,           6},
+    {"attachSound",    1, kReadOnly,          &attachSound,    7},
+    {"start",          0, kReadOnly,          &start,          8},
+    {"getDuration",    0, kReadOnly | kFrom6, &getDuration,    9},
+    {"setDuration",    1, kReadOnly | kFrom6, &nothing,        10},
+    {"getPosition",    0, kReadOnly | kFrom6, &getPosition,    11},
+    {"setPosition",    1, kReadOnly | kFrom6, &nothing,        12},
+    {"loadSound",      1, kReadOnly | kFrom6, &loadSound,      13},
+    {"getBytesLoaded", 0, kReadOnly | kFrom6, &getBytesLoaded, 14},
+    {"getBytesTotal",  0, kReadOnly | kFrom6, &getBytesLoaded, 15},
+    {"areSoundsInaccessible", 0, kReadOnly | kFrom9, &areSoundsInaccessible, 16},
 };
+constexpr int kNativeTable = 500;
 constexpr AccessorInfo kAccessors[] = {
+    {"checkPolicyFile", kReadOnly, &nothing, nullptr},
+};
+// Of a sound that has something to play; the class itself has no such properties.
+constexpr AccessorInfo kOwnAccessors[] = {
     {"duration", kFrom6, &getDuration, nullptr},
     {"position", kFrom6, &getPosition, nullptr},
 };
 // clang-format on
+
+void giveMeasures(Vm& vm, Object* sound)
+{
+    if (!sound->hasPlain(vm, vm.name(std::string_view("duration")))) vm.addAccessors(sound, kOwnAccessors);
+}
 
 } // namespace
 
 void installSound(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("Sound", &construct, kMembers);
+    Function* constructor = vm.defineClass("Sound", &construct, kMembers, 0, kNativeTable);
     vm.addAccessors(vm.prototypeOf(constructor), kAccessors);
+    vm.prototypeOf(constructor)->changeFlags(vm, Name(), kReadOnly, 0);
 }
 
 } // namespace flash::avm1

@@ -82,6 +82,10 @@ public:
     static std::string toUtf8(std::u16string_view text);
 
     // ---- Host ----
+    [[nodiscard]] const base::TextCode& textCode() const override
+    {
+        return m_stage != nullptr ? m_stage->textCode() : Host::textCode();
+    }
     void trace(std::u16string_view text) override;
     void log(std::string_view text) override;
     double timeMs() override;

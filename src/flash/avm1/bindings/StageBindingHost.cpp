@@ -308,7 +308,7 @@ std::optional<int> StageBinding::frameByLabel(Object* object, std::u16string_vie
     const std::string text = base::utf8FromUtf16(label);
     if (const auto frame = clip->frameByLabel(text)) return frame;
     if (clip->movie() && clip->movie()->header.version < 6)
-        return clip->frameByLabel(base::ansiFromUtf8(text));
+        return clip->frameByLabel(textCode().fromUtf8(text));
     return {};
 }
 
@@ -436,7 +436,7 @@ void StageBinding::decodeVariables(Object* object, std::string_view text)
     const bool utf8Text = base::isUtf8(text) && m_vm->version() >= 6;
     const auto decoded = [&](std::string_view part) {
         const std::string plain = urlDecoded(part);
-        return utf8Text || base::isUtf8(plain) ? base::utf16FromUtf8(plain) : base::utf16FromAnsi(plain);
+        return utf8Text || base::isUtf8(plain) ? base::utf16FromUtf8(plain) : textCode().decode(plain);
     };
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('&'), text.size());
@@ -445,6 +445,7 @@ void StageBinding::decodeVariables(Object* object, std::string_view text)
         const std::size_t equals = pair.find('=');
         if (pair.empty()) continue;
         const std::u16string name = decoded(pair.substr(0, equals));
+        if (name.empty()) continue;
         const std::u16string value =
             equals == std::string_view::npos ? std::u16string() : decoded(pair.substr(equals + 1));
         object->put(*m_vm, m_vm->name(std::u16string_view(name)), Value(m_vm->string(value)));

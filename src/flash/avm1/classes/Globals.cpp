@@ -19,7 +19,7 @@ Value parseInt(Call& call)
 {
     const std::u16string text = toText(call.vm, call.arg(0));
     int radix = 0;
-    if (call.count() > 1 && !call.arg(1).isUndefined()) {
+    if (call.count() > 1) {
         radix = toInt32(call.vm, call.arg(1));
         if (radix < 2 || radix > 36) return Value(kNaN);
     }
@@ -34,9 +34,9 @@ Value isFinite(Call& call)
 }
 
 /// Texts of movies before version 6 are ANSI, later ones UTF-8.
-std::string bytesOf(const Vm& vm, std::u16string_view text)
+std::string bytesOf(Vm& vm, std::u16string_view text)
 {
-    return vm.version() < 6 ? base::ansiFromUtf16(text) : base::utf8FromUtf16(text);
+    return vm.version() < 6 ? vm.host().textCode().encode(text) : base::utf8FromUtf16(text);
 }
 
 Value escape(Call& call)
@@ -72,8 +72,13 @@ Value unescape(Call& call)
             plain += ' ';
         } else if (bytes[i] == '%') {
             // An escape that is none is dropped, with what stands in the place of its digits.
+            // A first digit that is none is the last that is looked at.
+            if (i + 1 < bytes.size() && hexValue(bytes[i + 1]) < 0) {
+                ++i;
+                continue;
+            }
             if (i + 2 >= bytes.size()) break;
-            if (hexValue(bytes[i + 1]) >= 0 && hexValue(bytes[i + 2]) >= 0)
+            if (hexValue(bytes[i + 2]) >= 0)
                 plain += static_cast<char>(hexValue(bytes[i + 1]) << 4 | hexValue(bytes[i + 2]));
             i += 2;
             if (!plain.empty() && plain.back() == '\0') {
@@ -85,7 +90,8 @@ Value unescape(Call& call)
             plain += bytes[i];
         }
     }
-    return call.vm.string(call.vm.version() < 6 ? base::utf16FromAnsi(plain) : base::utf16FromUtf8(plain));
+    return call.vm.string(call.vm.version() < 6 ? call.vm.host().textCode().decode(plain)
+                                                : base::utf16FromLooseUtf8(plain));
 }
 
 /// ASSetPropFlags(object, names, set, clear): names are null (all), a comma-separated text or a list.

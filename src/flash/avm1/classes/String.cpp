@@ -88,8 +88,8 @@ Value charCodeAt(Call& call)
     if (index < 0 || static_cast<std::size_t>(index) >= text.size()) return Value(std::nan(""));
     const char16_t unit = text[static_cast<std::size_t>(index)];
     if (call.vm.version() < 6 && unit >= 0x80) {
-        const std::string ansi = base::ansiFromUtf16(std::u16string_view(&unit, 1));
-        return Value(static_cast<int>(static_cast<unsigned char>(ansi.empty() ? '?' : ansi[0])));
+        const std::uint16_t code = call.vm.host().textCode().codeOf(unit);
+        return Value(code == 0 ? static_cast<int>('?') : static_cast<int>(code));
     }
     return Value(static_cast<int>(unit));
 }
@@ -200,11 +200,30 @@ Value split(Call& call)
         return parts->size() % kBetweenLooks != 0 || vm.takesMemory(2 * parts->size() * sizeof(Value));
     };
     const Value separatorValue = call.arg(0);
+    // Nothing to split by, or nothing to split: the text itself. In version 6 and later not even a limit of
+    // none keeps it from coming.
     if (call.count() == 0 || (separatorValue.isUndefined() && vm.version() >= 6)) {
-        if (limit > 0) parts->push_back(vm.string(text));
+        parts->push_back(vm.string(text));
         return vm.newArray(*parts);
     }
-    const std::u16string separator = toText(vm, separatorValue);
+    std::u16string separator = toText(vm, separatorValue);
+    if (vm.version() < 6) {
+        // Version 5 knows single characters only: by none and by several nothing is split. With a limit it
+        // looks at the separator twice, and takes a missing one for a comma.
+        const bool limited = call.count() > 1;
+        if (limited && separatorValue.isUndefined())
+            separator.assign(1, u',');
+        else if (limited && !separator.empty())
+            separator = toText(vm, separatorValue);
+        if (separator.empty() || (separator.size() > 1 && limit > 0)) {
+            parts->push_back(vm.string(text));
+            return vm.newArray(*parts);
+        }
+    }
+    if (text.empty() && !separator.empty() && (vm.version() >= 6 || limit > 0)) {
+        parts->push_back(vm.string(text));
+        return vm.newArray(*parts);
+    }
     if (separator.empty()) {
         for (std::size_t i = 0; i < text.size() && parts->size() < limit; ++i)
             if (!add(vm.string(text[i]))) return {};
@@ -228,12 +247,16 @@ Value fromCharCode(Call& call)
         if (call.vm.version() < 6) {
             // Codes of two bytes stand for the bytes in turn.
             if (code > 0xFF) {
+                if (const char16_t unit = call.vm.host().textCode().unitOf(code); unit != 0) {
+                    text += unit;
+                    continue;
+                }
                 const char upperByte = static_cast<char>(code >> 8);
-                text += base::utf16FromAnsi({&upperByte, 1});
+                text += call.vm.host().textCode().decode({&upperByte, 1});
             }
             const char lowerByte = static_cast<char>(code & 0xFF);
             if (lowerByte == 0) break;
-            text += base::utf16FromAnsi({&lowerByte, 1});
+            text += call.vm.host().textCode().decode({&lowerByte, 1});
         } else {
             if (code == 0) break;
             text += static_cast<char16_t>(code);

@@ -162,27 +162,34 @@ void stringAdd(Frame& frame, const Instruction&)
     frame.push(Value(concatenated(frame.vm, lhs, rhs)));
 }
 
-void charToAscii(Frame& frame, const Instruction&)
+namespace
+{
+
+/// @param wholeCode of two bytes, where the text has such characters; otherwise of the first alone
+void pushCharacterCode(Frame& frame, bool wholeCode)
 {
     const std::u16string_view text = popString(frame)->view();
     if (text.empty()) return frame.push(Value(0));
-    if (frame.version < 6 && text[0] >= 0x80) {
-        const std::string ansi = base::ansiFromUtf16(text.substr(0, 1));
-        return frame.push(Value(static_cast<int>(static_cast<unsigned char>(ansi.empty() ? '?' : ansi[0]))));
-    }
-    frame.push(Value(static_cast<int>(text[0])));
+    if (frame.version >= 6 || text[0] < 0x80) return frame.push(Value(static_cast<int>(text[0])));
+    const std::uint16_t code = frame.vm.host().textCode().codeOf(text[0]);
+    if (code == 0) return frame.push(Value(static_cast<int>('?')));
+    frame.push(Value(static_cast<int>(code > 0xFF && !wholeCode ? code >> 8 : code)));
 }
-void mbCharToAscii(Frame& frame, const Instruction& instruction) { charToAscii(frame, instruction); }
+
+} // namespace
+
+void charToAscii(Frame& frame, const Instruction&) { pushCharacterCode(frame, false); }
+void mbCharToAscii(Frame& frame, const Instruction&) { pushCharacterCode(frame, true); }
 
 void asciiToChar(Frame& frame, const Instruction&)
 {
     const auto code = static_cast<std::uint16_t>(avm1::toInt32(frame.vm, frame.pop()));
     if (code == 0) return frame.push(Value(frame.vm.string("")));
-    if (frame.version < 6) {
-        const char byte = static_cast<char>(code & 0xFF);
-        return frame.push(Value(frame.vm.string(base::utf16FromAnsi({&byte, 1}))));
-    }
-    frame.push(Value(frame.vm.string(static_cast<char16_t>(code))));
+    if (frame.version >= 6) return frame.push(Value(frame.vm.string(static_cast<char16_t>(code))));
+    const base::TextCode& textCode = frame.vm.host().textCode();
+    const char16_t unit = textCode.unitOf(code);
+    // Codes of two bytes that are no character count by their second.
+    frame.push(Value(frame.vm.string(unit != 0 ? unit : textCode.unitOf(code & 0xFF))));
 }
 void mbAsciiToChar(Frame& frame, const Instruction& instruction) { asciiToChar(frame, instruction); }
 

@@ -123,6 +123,8 @@ class Code final : public Cell
 public:
     Code(Vm& vm, std::shared_ptr<const void> owner, base::Bytes bytes, int version);
 
+    /// What the built-in classes that are written in script have for a version.
+    static constexpr int kCallersVersion = 0;
     [[nodiscard]] int version() const { return m_version; }
     /// What keeps the bytes alive: the movie; null for the engine's own.
     [[nodiscard]] const std::shared_ptr<const void>& owner() const { return m_owner; }

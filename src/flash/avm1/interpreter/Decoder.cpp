@@ -319,7 +319,9 @@ Name Decoder::text(base::ByteReader& reader)
         view = {reinterpret_cast<const char*>(rest.data()), rest.size()};
         reader = base::ByteReader();
     }
-    return m_vm.name(m_code.version() < 6 ? base::utf16FromAnsi(view) : base::utf16FromUtf8(view));
+    return m_vm.name(m_code.version() != Code::kCallersVersion && m_code.version() < 6
+                         ? m_vm.host().textCode().decode(view)
+                         : base::utf16FromLooseUtf8(view));
 }
 
 std::int64_t Decoder::skipActions(std::uint32_t from, int count) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/TextCode.h"
 #include "flash/avm1/interpreter/Value.h"
 
 #include <cstdint>
@@ -45,6 +46,9 @@ class Host
 {
 public:
     virtual ~Host() = default;
+
+    /// The 8-bit code that scripts before version 6 and texts without a mark are read and written in.
+    [[nodiscard]] virtual const base::TextCode& textCode() const { return base::TextCode::ansi(); }
 
     // ---- outputs and inputs ------------------------------------------------------------------------------
     virtual void trace(std::u16string_view text) = 0;
