@@ -437,6 +437,39 @@ Value dispose(Call& call, swf::Bitmap& bitmap)
     return {};
 }
 
+/// @returns 0 for the same pictures, a picture of the differences, or a negative number: what is wrong.
+Value compare(Call& call)
+{
+    constexpr int kNoPicture = -1, kNoOther = -2, kOtherWidth = -3, kOtherHeight = -4;
+    const auto* native = call.native<BitmapDataNative>();
+    if (native == nullptr || native->bitmap == nullptr) return kNoPicture;
+    const auto other = bitmapFromObject(call.arg(0).asObject());
+    if (other == nullptr) return kNoOther;
+    const std::shared_ptr<swf::Bitmap> own = native->bitmap;
+    if (own->width != other->width) return kOtherWidth;
+    if (own->height != other->height) return kOtherHeight;
+    const auto difference = newBitmap(own->width, own->height, true, 0);
+    bool same = true;
+    for (int y = 0; y < own->height; ++y) {
+        for (int x = 0; x < own->width; ++x) {
+            const std::uint32_t a = render::pixelAt(*own, x, y), b = render::pixelAt(*other, x, y);
+            if (a == b) continue;
+            same = false;
+            const auto channel = [&](int shift) { return ((a >> shift) - (b >> shift)) & 0xFF; };
+            // Where the colours are the same the difference in alpha is shown, in white.
+            const bool sameColor = ((a ^ b) & 0xFFFFFF) == 0;
+            const std::uint32_t shown = sameColor
+                                            ? channel(24) << 24 | 0xFFFFFF
+                                            : 0xFF000000 | channel(16) << 16 | channel(8) << 8 | channel(0);
+            render::setPixelAt(*difference, x, y, shown);
+        }
+    }
+    if (same) return 0;
+    Object* object = call.vm.newObject(call.self.object()->protoValue().asObject());
+    attach(call.vm, *object, difference);
+    return object;
+}
+
 constexpr MemberInfo kMembers[] = {
     {"getPixel", 0, 0, &guarded<&getPixel, 2>, 1},
     {"setPixel", 0, 0, &changing<&setPixel, 3>, 2},
@@ -461,6 +494,7 @@ constexpr MemberInfo kMembers[] = {
     {"clone", 0, 0, &guarded<&clone, 0>, 21},
     {"dispose", 0, 0, &changing<&dispose, 0>, 22},
     {"generateFilterRect", 0, 0, &guarded<&generateFilterRect, 2>, 23},
+    {"compare", 0, 0, &compare, 24},
 };
 constexpr int kNativeTable = 1100;
 

@@ -1,4 +1,5 @@
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/classes/ClassTable.h"
 
 namespace flash::avm1
 {
@@ -52,14 +53,6 @@ Value broadcastMessage(Call& call)
     return Value(true);
 }
 
-// clang-format off
-constexpr MemberInfo kMembers[] = {
-    {"broadcastMessage", 0, 0, &broadcastMessage},
-    {"addListener",      0, 0, &addListener},
-    {"removeListener",   0, 0, &removeListener},
-};
-// clang-format on
-
 Value initialize(Call& call)
 {
     if (Object* object = call.arg(0).asObject()) makeBroadcaster(call.vm, object);
@@ -68,6 +61,16 @@ Value initialize(Call& call)
 
 Value construct(Call&) { return {}; }
 
+// clang-format off
+constexpr LibraryFunction kStatics[] = {
+    {"broadcastMessage", Written::Native, kHidden6, &broadcastMessage, 0, 12},
+    {"addListener",      Written::Script, kHidden6, &addListener},
+    {"removeListener",   Written::Script, kHidden6, &removeListener},
+    {"initialize",       Written::Script, kHidden6, &initialize},
+};
+// clang-format on
+constexpr int kNativeTable = 101;
+
 } // namespace
 
 void makeBroadcaster(Vm& vm, Object* object)
@@ -75,24 +78,25 @@ void makeBroadcaster(Vm& vm, Object* object)
     // The functions are those that the class has now: scripts may have replaced them. Only the one that sends
     // is every broadcaster's own.
     Object* broadcaster = vm.global()->get(vm, vm.name(std::string_view("AsBroadcaster"))).asObject();
-    for (const MemberInfo& member : kMembers) {
-        const Name name = vm.name(std::string_view(member.name));
-        const bool own = member.function == &broadcastMessage;
-        const Value function = own           ? Value(vm.newFunction(member.function))
-                               : broadcaster ? broadcaster->get(vm, name)
-                                             : Value();
-        object->define(vm, name, function, kDontEnum | kDontDelete);
+    for (const LibraryFunction& entry : kStatics) {
+        if (entry.function == &initialize) continue;
+        const Name name = vm.name(std::string_view(entry.name));
+        Value function;
+        if (entry.written == Written::Native)
+            function = vm.newFunction(entry.function);
+        else if (broadcaster)
+            broadcaster->find(vm, name, function, broadcaster);
+        object->define(vm, name, function, kHidden6);
     }
-    object->define(vm, "_listeners", Value(vm.newArray()), kDontEnum | kDontDelete);
+    object->define(vm, "_listeners", Value(vm.newArray()), kHidden6);
 }
 
 void installBroadcaster(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("AsBroadcaster", &construct, {}, kFrom6);
-    vm.addMembers(constructor, kMembers);
-    static constexpr MemberInfo kStatic[] = {{"initialize", 0, 0, &initialize}};
-    vm.addMembers(constructor, kStatic);
+    Function* constructor = vm.defineClass("AsBroadcaster", &construct);
+    furnish(vm, constructor, kStatics, kNativeTable);
+    constructor->changeFlags(vm, vm.common().prototype, kFrom6, 0);
 }
 
 Object* defineGlobalObject(Vm& vm, std::string_view name, std::span<const MemberInfo> members)

@@ -32,6 +32,8 @@ void installDeviceClasses(StageBinding& binding);
 /// NetConnection, NetStream, and what Video has besides a button's members.
 void installNetStream(StageBinding& binding);
 Value attachAudio(Call& call);
+/// The rest of the library, after all other classes. @param flash the package
+void installLibrary(StageBinding& binding, Object* flash);
 
 /// Gives the prototype of text fields its properties, which are not there before the first text field is.
 void furnishTextField(Vm& vm);

@@ -21,8 +21,11 @@ stage::Node* targetOf(Call& call)
 
 Value construct(Call& call)
 {
-    if (Object* self = call.self.asObject())
-        self->define(call.vm, "target", call.arg(0), kDontEnum | kDontDelete | kReadOnly);
+    if (Object* self = call.self.asObject()) {
+        self->define(call.vm, "target", call.arg(0), 0);
+        // The whole object becomes constant, what `new` put there before included.
+        self->changeFlags(call.vm, Name(), kBuiltIn | kReadOnly, 0);
+    }
     return {};
 }
 
@@ -97,15 +100,21 @@ Value getTransform(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    {"setRGB",       1, kReadOnly, &setRgb},
-    {"setTransform", 1, kReadOnly, &setTransform},
-    {"getRGB",       0, kReadOnly, &getRgb},
-    {"getTransform", 0, kReadOnly, &getTransform},
+    {"setRGB",       1, kReadOnly, &setRgb, 0},
+    {"setTransform", 1, kReadOnly, &setTransform, 1},
+    {"getRGB",       0, kReadOnly, &getRgb, 2},
+    {"getTransform", 0, kReadOnly, &getTransform, 3},
 };
 // clang-format on
 
 } // namespace
 
-void installColor(StageBinding& binding) { binding.vm().defineClass("Color", &construct, kMembers); }
+void installColor(StageBinding& binding)
+{
+    constexpr int kNativeTable = 700;
+    Vm& vm = binding.vm();
+    vm.prototypeOf(vm.defineClass("Color", &construct, kMembers, 0, kNativeTable))
+        ->changeFlags(vm, Name(), kReadOnly, 0);
+}
 
 } // namespace flash::avm1

@@ -2,10 +2,33 @@
 
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/classes/ClassTable.h"
 #include "flash/avm1/classes/XmlNode.h"
 
 namespace flash::avm1
 {
+
+std::u16string textFromBytes(Vm& vm, std::string_view bytes)
+{
+    constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF", kLittleMark = "\xFF\xFE", kBigMark = "\xFE\xFF";
+    if (bytes.starts_with(kUtf8Mark)) return base::utf16FromUtf8(bytes.substr(kUtf8Mark.size()));
+    if (bytes.starts_with(kLittleMark) || bytes.starts_with(kBigMark)) {
+        const bool little = bytes.starts_with(kLittleMark);
+        std::u16string text;
+        for (std::size_t i = kBigMark.size(); i + 1 < bytes.size(); i += 2) {
+            const auto first = static_cast<unsigned char>(bytes[i]);
+            const auto second = static_cast<unsigned char>(bytes[i + 1]);
+            text += static_cast<char16_t>(little ? first | second << 8 : first << 8 | second);
+        }
+        return text;
+    }
+    Object* system = vm.global()->get(vm, vm.name(std::string_view("System"))).asObject();
+    const bool coded =
+        vm.version() < 6 ||
+        (system != nullptr && toBoolean(vm, system->get(vm, vm.name(std::string_view("useCodepage")))));
+    if (coded || !base::isUtf8(bytes)) return vm.host().textCode().decode(bytes);
+    return base::utf16FromUtf8(bytes);
+}
 
 namespace
 {
@@ -27,7 +50,11 @@ bool fetchInto(Call& call, Object* object, std::string url,
     Vm& vm = call.vm;
     object->define(vm, "_bytesLoaded", Value(0), kDontEnum);
     object->define(vm, "_bytesTotal", Value(), kDontEnum);
-    object->define(vm, "loaded", Value(false), kDontEnum);
+    // A document has a property for it already.
+    if (object->native<XmlNode>())
+        object->put(vm, vm.name(std::string_view("loaded")), Value(false));
+    else
+        object->define(vm, "loaded", Value(false), kDontEnum);
     binding.stage().fetch(std::move(request), [&binding, target,
                                                version](const base::Result<stage::LoadAnswer>& answer) {
         Vm& machine = binding.vm();
@@ -35,10 +62,7 @@ bool fetchInto(Call& call, Object* object, std::string url,
         Value text;
         if (answer) {
             std::string_view bytes(reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size());
-            constexpr std::string_view kMark = "\xEF\xBB\xBF";
-            if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
-            text = Value(machine.string(base::isUtf8(bytes) ? base::utf16FromUtf8(bytes)
-                                                            : base::utf16FromAnsi(bytes)));
+            text = Value(machine.string(textFromBytes(machine, bytes)));
             const auto size = Value(static_cast<double>(answer->bytes.size()));
             target->get()->define(machine, "_bytesLoaded", size, kDontEnum);
             target->get()->define(machine, "_bytesTotal", size, kDontEnum);
@@ -98,12 +122,25 @@ Value addRequestHeader(Call& call)
     if (!self) return {};
     Vm& vm = call.vm;
     const Name listName = vm.name(std::string_view("_customHeaders"));
-    Object* list = self->get(vm, listName).asObject();
-    if (!list) {
-        list = vm.newArray();
-        self->define(vm, listName, Value(list), kBuiltIn);
+    if (self->get(vm, listName).isUndefined()) {
+        self->put(vm, listName, vm.construct(vm.global()->get(vm, vm.name(std::string_view("Array"))), {}));
+        // Version 5 has no eyes for it, and nothing gets into the list.
+        self->changeFlags(vm, listName, kHidden6, 0);
     }
-    vm.callMethod(list, "push", {call.arg(0), call.arg(1)});
+    // Whatever a script put in the list's place is asked to take them.
+    Object* list = self->get(vm, listName).asObject();
+    if (!list) return {};
+    const auto add = [&](Value name, Value value) {
+        if (name.isString() && value.isString()) vm.callMethod(list, "push", {name, value});
+    };
+    Object* given = call.arg(0).asObject();
+    if (!given) {
+        if (call.count() > 1) add(call.arg(0), call.arg(1));
+        return {};
+    }
+    const double length = std::min(toNumber(vm, given->get(vm, vm.common().length)), 65535.0);
+    for (std::uint32_t i = 0; i + 1 < length && !vm.isUnwinding(); i += 2)
+        add(given->get(vm, vm.names().fromIndex(i)), given->get(vm, vm.names().fromIndex(i + 1)));
     return {};
 }
 

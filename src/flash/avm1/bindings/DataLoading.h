@@ -12,4 +12,8 @@ constexpr int kLoadTable = 301; ///< number of the natives that objects load wit
 /// @param flags of the properties
 void addLoading(Vm& vm, Object* prototype, std::uint16_t flags);
 
+/// The text of a loaded file. Files with a mark are UTF-16 or UTF-8. Others are in the 8-bit code when a
+/// movie of version 5 or before loads them or System.useCodepage says so; else UTF-8, if they can be.
+std::u16string textFromBytes(Vm& vm, std::string_view bytes);
+
 } // namespace flash::avm1

@@ -68,6 +68,9 @@ void installKey(StageBinding& binding)
     Object* key = defineGlobalObject(vm, "Key", kKeyMembers);
     for (const KeyName& entry : kKeyNames)
         key->define(vm, entry.name, Value(entry.code), kDontEnum | kDontDelete | kReadOnly);
+    constexpr int kKeyTable = 800, kKeyNatives = 4;
+    for (int i = 0; i < kKeyNatives; ++i)
+        vm.registerNative(kKeyTable, i, kKeyMembers[i].function, kKeyMembers[i].least);
     makeBroadcaster(vm, key);
     makeConstant(vm, key);
 }
@@ -76,6 +79,9 @@ void installMouse(StageBinding& binding)
 {
     Vm& vm = binding.vm();
     Object* mouse = defineGlobalObject(vm, "Mouse", kMouseMembers);
+    constexpr int kMouseTable = 5;
+    vm.registerNative(kMouseTable, 0, &showMouse);
+    vm.registerNative(kMouseTable, 1, &hideMouse);
     makeBroadcaster(vm, mouse);
     makeConstant(vm, mouse);
 }

@@ -1,5 +1,6 @@
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/DataLoading.h"
+#include "flash/avm1/classes/ClassTable.h"
 
 namespace flash::avm1
 {
@@ -35,7 +36,8 @@ Value onLoad(Call&) { return {}; }
 Value toStringMethod(Call& call)
 {
     Object* self = call.self.asObject();
-    if (!self) return {};
+    // Written for version 6; the script of it comes to nothing before.
+    if (!self || call.vm.version() < 6) return {};
     Vm& vm = call.vm;
     // Scripts may have replaced what this is made of, and see it at work.
     const auto escaped = [&vm](const Value& value) { return vm.callMethod(vm.global(), "escape", {value}); };
@@ -51,11 +53,11 @@ Value toStringMethod(Call& call)
 Value construct(Call&) { return {}; }
 
 // clang-format off
-constexpr MemberInfo kMembers[] = {
-    {"decode",           0, kFrom6, &decode,      3},
-    {"onLoad",           0, kFrom6, &onLoad},
-    {"onData",           0, kFrom6, &onData},
-    {"toString",         0, kFrom6, &toStringMethod},
+constexpr LibraryFunction kMembers[] = {
+    {"decode",   Written::Native, kHidden6, &decode, 0, 3},
+    {"onLoad",   Written::Script, kHidden6, &onLoad},
+    {"onData",   Written::Script, kHidden6, &onData},
+    {"toString", Written::Script, kHidden,  &toStringMethod},
 };
 // clang-format on
 
@@ -64,7 +66,8 @@ constexpr MemberInfo kMembers[] = {
 void installLoadVars(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("LoadVars", &construct, kMembers, 0, kLoadTable);
+    Function* constructor = vm.defineClass("LoadVars", &construct);
+    furnish(vm, vm.prototypeOf(constructor), kMembers, kLoadTable);
     addLoading(vm, vm.prototypeOf(constructor), kBuiltIn | kFrom6);
     vm.prototypeOf(constructor)
         ->define(vm, "contentType", Value(vm.string(std::string_view("application/x-www-form-urlencoded"))),

@@ -633,16 +633,15 @@ void installMovieClip(StageBinding& binding)
 void installButton(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    static constexpr MemberInfo kButtonMembers[] = {{"getDepth", 0, kFrom6, &getDepth}};
     for (const char* name : {"Button", "Video"}) {
-        Object* prototype = vm.prototypeOf(vm.defineClass(name, &construct, kButtonMembers));
+        Object* prototype = vm.prototypeOf(vm.defineClass(name, &construct));
         if (std::string_view(name) == "Video") {
             vm.addAccessors(prototype, kAccessors);
             continue;
         }
         vm.addAccessors(prototype, kButtonAccessors, 0);
         addTabIndex(vm, prototype);
-        prototype->define(vm, "getDepth", prototype->get(vm, vm.name(std::string_view("getDepth"))), kFrom6);
+        prototype->define(vm, "getDepth", vm.newFunction(&getDepth), 0);
         prototype->define(vm, "enabled", Value(true), 0);
         prototype->define(vm, "useHandCursor", Value(true), 0);
     }

@@ -237,9 +237,9 @@ constexpr AccessorInfo kVideoAccessors[] = {
 void installNetStream(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* connection = vm.defineClass("NetConnection", &constructConnection, kConnectionMembers, kFrom6);
+    Function* connection = vm.defineClass("NetConnection", &constructConnection, kConnectionMembers);
     vm.addAccessors(vm.prototypeOf(connection), kConnectionAccessors);
-    Function* stream = vm.defineClass("NetStream", &constructStream, kStreamMembers, kFrom6);
+    Function* stream = vm.defineClass("NetStream", &constructStream, kStreamMembers);
     vm.addAccessors(vm.prototypeOf(stream), kStreamAccessors);
     Object* video = vm.prototypeOf(vm.global()->get(vm, vm.name(std::string_view("Video"))).asObject());
     vm.addMembers(video, kVideoMembers);

@@ -117,6 +117,7 @@ void installSelection(StageBinding& binding)
     Object* selection = defineGlobalObject(vm, "Selection", {});
     vm.addMembers(selection, kMembers, kNativeTable);
     makeBroadcaster(vm, selection);
+    makeConstant(vm, selection);
 }
 
 } // namespace flash::avm1

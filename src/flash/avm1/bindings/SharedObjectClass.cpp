@@ -1,5 +1,6 @@
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/StoredValues.h"
+#include "flash/avm1/classes/ClassTable.h"
 
 #include "base/TextCodes.h"
 #include "flash/guard/Guard.h"
@@ -126,6 +127,9 @@ Value clear(Call& call)
 }
 
 Value nothing(Call&) { return {}; }
+/// For all objects under an address; the player answers for its own movies only, one by one.
+Value deleteAll(Call&) { return {}; }
+Value getDiskUsage(Call&) { return {}; }
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
@@ -137,9 +141,11 @@ constexpr MemberInfo kMembers[] = {
     {"setFps",  0, kFrom6, &nothing, 5},
     {"clear",   0, kFrom6, &clear,   6},
 };
-constexpr MemberInfo kStaticMembers[] = {
-    {"getLocal",  0, kFrom6, &getLocal,  202},
-    {"getRemote", 0, kFrom6, &getRemote, 203},
+constexpr LibraryFunction kStaticMembers[] = {
+    {"getLocal",     Written::Script, 0,         &getLocal},
+    {"getRemote",    Written::Script, 0,         &getRemote},
+    {"deleteAll",    Written::Script, kDontEnum, &deleteAll},
+    {"getDiskUsage", Written::Script, kDontEnum, &getDiskUsage},
 };
 // clang-format on
 
@@ -150,8 +156,13 @@ constexpr int kNativeTable = 2106;
 void installSharedObject(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("SharedObject", &nothing, kMembers, kFrom6, kNativeTable);
-    vm.addMembers(constructor, kStaticMembers, kNativeTable);
+    Function* constructor = vm.defineClass("SharedObject", &nothing, kMembers, 0, kNativeTable);
+    furnish(vm, constructor, kStaticMembers);
+    // What the functions in script call.
+    vm.registerNative(kNativeTable, 202, &getLocal);
+    vm.registerNative(kNativeTable, 203, &getRemote);
+    vm.registerNative(kNativeTable, 204, &deleteAll);
+    vm.registerNative(kNativeTable, 205, &getDiskUsage);
 }
 
 void StageBinding::saveSharedObjects()

@@ -131,6 +131,7 @@ void StageBinding::installFlashPackage()
     installColorTransform(*m_vm, geom);
     installTransform(*this, geom);
     installGeomPrelude(*m_vm);
+    installLibrary(*this, flash);
 }
 
 void StageBinding::traceNodes(Tracer& tracer)

@@ -2,7 +2,9 @@
 
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/bindings/TextFormatObject.h"
+#include "flash/avm1/classes/ClassTable.h"
 
 namespace flash::avm1
 {
@@ -13,16 +15,23 @@ namespace
 // A script can look at what a style sheet keeps: texts as parsed in `_css`, formats in `_styles`.
 constexpr std::string_view kStyles = "_css";
 
-Object* stylesOf(Call& call)
+constexpr std::string_view kFormats = "_styles";
+
+enum class IfMissing { Leave, Make };
+
+/// The object that a sheet keeps under a name; there is none before the first style.
+Object* keptUnder(Call& call, std::string_view property, IfMissing ifMissing = IfMissing::Leave)
 {
     Object* self = call.self.asObject();
     if (!self) return nullptr;
-    const Name name = call.vm.name(kStyles);
-    if (Object* styles = self->get(call.vm, name).asObject()) return styles;
-    Object* styles = call.vm.newObject();
-    self->define(call.vm, name, Value(styles), kDontEnum);
-    return styles;
+    const Name name = call.vm.name(property);
+    if (Object* kept = self->get(call.vm, name).asObject()) return kept;
+    if (ifMissing == IfMissing::Leave) return nullptr;
+    Object* made = call.vm.newLiteral();
+    self->put(call.vm, name, Value(made));
+    return made;
 }
+Object* stylesOf(Call& call) { return keptUnder(call, kStyles); }
 
 /// What text fields see of the styles, made anew after each change.
 void refresh(Call& call)
@@ -58,23 +67,25 @@ Object* copyOf(Vm& vm, Object* style)
 Value getStyle(Call& call)
 {
     Object* styles = stylesOf(call);
-    if (!styles) return {};
-    Value style;
-    const Name name = toName(call.vm, call.arg(0));
-    if (!styles->hasOwn(call.vm, name)) return Value::null();
-    style = styles->get(call.vm, name);
-    return style.isObject() ? Value(copyOf(call.vm, style.object())) : Value::null();
+    if (!styles) return Value::null();
+    Object* style = styles->get(call.vm, toName(call.vm, call.arg(0))).asObject();
+    return style ? Value(copyOf(call.vm, style)) : Value::null();
+}
+
+/// Takes a style in, and has its format made by methods that scripts may have replaced.
+void keepStyle(Call& call, Name name, Value style)
+{
+    if (Object* styles = keptUnder(call, kStyles, IfMissing::Make)) styles->put(call.vm, name, style);
+    keptUnder(call, kFormats, IfMissing::Make);
+    if (Object* self = call.self.asObject()) call.vm.callMethod(self, "doTransform", {Value(name.string())});
 }
 
 Value setStyle(Call& call)
 {
-    Object* styles = stylesOf(call);
-    if (!styles) return {};
     const Name name = toName(call.vm, call.arg(0));
-    if (Object* style = call.arg(1).asObject())
-        styles->put(call.vm, name, Value(copyOf(call.vm, style)));
-    else
-        styles->remove(call.vm, name);
+    Object* style = call.arg(1).asObject();
+    // What is no object is kept all the same: the name is listed, and its style is null.
+    keepStyle(call, name, style ? Value(copyOf(call.vm, style)) : Value::null());
     refresh(call);
     return {};
 }
@@ -90,8 +101,10 @@ Value getStyleNames(Call& call)
 
 Value clear(Call& call)
 {
-    if (Object* self = call.self.asObject())
-        self->define(call.vm, kStyles, Value(call.vm.newObject()), kDontEnum);
+    if (Object* self = call.self.asObject()) {
+        self->put(call.vm, call.vm.name(kStyles), Value(call.vm.newLiteral()));
+        self->put(call.vm, call.vm.name(kFormats), Value(call.vm.newLiteral()));
+    }
     refresh(call);
     return {};
 }
@@ -101,13 +114,12 @@ Value parseCss(Call& call)
     const auto rules = stage::StyleSheet::parse(textArg(call, 0), call.vm.version());
     if (!rules) return Value(false);
     Vm& vm = call.vm;
-    Object* styles = stylesOf(call);
-    if (!styles) return Value(true);
     for (const stage::StyleSheet::Rule& rule : *rules) {
         Object* style = vm.newObject();
         for (const auto& [name, value] : rule.properties)
             style->define(vm, vm.name(std::u16string_view(name)), Value(vm.string(value)));
-        styles->put(vm, vm.name(std::u16string_view(rule.selector)), Value(style));
+        keepStyle(call, vm.name(std::u16string_view(rule.selector)), Value(style));
+        if (vm.isUnwinding()) return {};
     }
     refresh(call);
     return Value(true);
@@ -126,18 +138,18 @@ Value load(Call& call)
     if (request.url.empty()) return Value(false);
     auto root = std::make_shared<Root<Object>>(call.vm.heap(), self);
     const int version = call.vm.version();
-    binding.stage().fetch(std::move(request), [&binding, root,
-                                               version](const base::Result<stage::LoadAnswer>& answer) {
-        Vm& vm = binding.vm();
-        const Vm::VersionScope scope(vm, version);
-        Value text;
-        if (answer) {
-            const std::string_view bytes(reinterpret_cast<const char*>(answer->bytes.data()),
-                                         answer->bytes.size());
-            text = vm.string(base::isUtf8(bytes) ? base::utf16FromUtf8(bytes) : base::utf16FromAnsi(bytes));
-        }
-        binding.callHandler(root->get(), "onData", {text});
-    });
+    binding.stage().fetch(
+        std::move(request), [&binding, root, version](const base::Result<stage::LoadAnswer>& answer) {
+            Vm& vm = binding.vm();
+            const Vm::VersionScope scope(vm, version);
+            Value text;
+            if (answer) {
+                const std::string_view bytes(reinterpret_cast<const char*>(answer->bytes.data()),
+                                             answer->bytes.size());
+                text = vm.string(textFromBytes(vm, bytes));
+            }
+            binding.callHandler(root->get(), "onData", {text});
+        });
     return Value(true);
 }
 
@@ -184,27 +196,73 @@ Value parseCssFontFamily(Call& call)
     return call.vm.string(base::utf16FromUtf8(stage::StyleSheet::fontNames(textArg(call, 0))));
 }
 
+Value update(Call& call)
+{
+    refresh(call);
+    return {};
+}
+Value copyMethod(Call& call)
+{
+    Object* style = call.arg(0).asObject();
+    return style ? Value(copyOf(call.vm, style)) : Value::null();
+}
+Value onLoad(Call&) { return {}; }
+
+/// "#RRGGBB" as a number; null for other texts.
+Value parseColor(Call& call)
+{
+    const std::u16string text = textArg(call, 0);
+    constexpr std::size_t kDigits = 6;
+    if (text.empty() || text[0] != u'#' || text.size() != kDigits + 1) return Value::null();
+    unsigned color = 0;
+    for (const char16_t unit : std::u16string_view(text).substr(1)) {
+        const char16_t small = unit | 0x20;
+        if (unit >= u'0' && unit <= u'9')
+            color = color << 4 | (unit - u'0');
+        else if (small >= u'a' && small <= u'f')
+            color = color << 4 | (small - u'a' + 10);
+        else
+            return Value::null();
+    }
+    return Value(color);
+}
+
+Value doTransform(Call& call)
+{
+    Object* self = call.self.asObject();
+    Object* styles = stylesOf(call);
+    if (!self || !styles) return {};
+    const Name name = toName(call.vm, call.arg(0));
+    const Value format = call.vm.callMethod(self, "transform", {styles->get(call.vm, name)});
+    if (Object* formats = keptUnder(call, kFormats)) formats->put(call.vm, name, format);
+    return {};
+}
+
 Value construct(Call& call)
 {
     Object* object = call.self.asObject();
     if (!object || !call.isConstruct) return {};
     object->attachNew<StyleSheetObject>();
-    object->define(call.vm, kStyles, Value(call.vm.newObject()), kDontEnum);
     return {};
 }
 
 // clang-format off
-constexpr MemberInfo kMembers[] = {
-    {"getStyle",           0, 0, &getStyle},
-    {"setStyle",           0, 0, &setStyle},
-    {"getStyleNames",      0, 0, &getStyleNames},
-    {"clear",              0, 0, &clear},
-    {"parseCSS",           0, 0, &parseCss, 101},
-    {"parse",              0, 0, &parse},
-    {"load",               0, 0, &load, 100},
-    {"onData",             0, 0, &onData},
-    {"transform",          0, 0, &transform},
-    {"parseCSSFontFamily", 0, 0, &parseCssFontFamily, 102},
+constexpr LibraryFunction kMembers[] = {
+    {"load",               Written::Native, kHidden, &load,               0, 100},
+    {"update",             Written::Native, kHidden, &update,             0, 104},
+    {"parseCSSInternal",   Written::Native, kHidden, &parseCss,           0, 101},
+    {"parseCSSFontFamily", Written::Native, kHidden, &parseCssFontFamily, 0, 102},
+    {"parseColor",         Written::Native, kHidden, &parseColor,         0, 103},
+    {"_copy",              Written::Script, kHidden, &copyMethod},
+    {"clear",              Written::Script, kHidden, &clear},
+    {"getStyle",           Written::Script, kHidden, &getStyle},
+    {"setStyle",           Written::Script, kHidden, &setStyle},
+    {"getStyleNames",      Written::Script, kHidden, &getStyleNames},
+    {"doTransform",        Written::Script, kHidden, &doTransform},
+    {"transform",          Written::Script, kHidden, &transform},
+    {"parse",              Written::Script, kHidden, &parse},
+    {"onLoad",             Written::Script, kHidden, &onLoad},
+    {"onData",             Written::Script, kHidden, &onData},
 };
 // clang-format on
 
@@ -217,7 +275,9 @@ void installStyleSheet(StageBinding& binding, Object* textField)
     Vm& vm = binding.vm();
     Function* constructor = vm.newFunction(&construct);
     Object* prototype = vm.newObject(vm.builtIns().object);
-    vm.addMembers(prototype, kMembers, kNativeTable);
+    furnish(vm, prototype, kMembers, kNativeTable);
+    const Name parseName = vm.name(std::string_view("parse"));
+    prototype->define(vm, "parseCSS", prototype->get(vm, parseName), kHidden);
     constructor->define(vm, vm.common().prototype, Value(prototype), kBuiltIn);
     prototype->define(vm, vm.common().constructor, Value(constructor), kBuiltIn);
     textField->define(vm, "StyleSheet", Value(constructor), kBuiltIn | kFrom7);

@@ -1,6 +1,7 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/TextFormatObject.h"
+#include "flash/avm1/classes/ClassTable.h"
 #include "flash/stage/TextFonts.h"
 
 #include <cmath>
@@ -26,6 +27,19 @@ int wholeNumber(Vm& vm, double number)
     return static_cast<int>(number);
 }
 
+/// Every setter asks its argument for two numbers and a text, whichever it then takes: scripts see valueOf
+/// called twice and toString once. Numbers are the first one before version 8 and the second from then on.
+struct Taken {
+    explicit Taken(Call& call)
+        : first(toNumber(call.vm, call.arg(0))), second(toNumber(call.vm, call.arg(0))),
+          text(toText(call.vm, call.arg(0)))
+    {
+    }
+    [[nodiscard]] double number(const Vm& vm) const { return vm.version() < 8 ? first : second; }
+    double first, second;
+    std::u16string text;
+};
+
 // ---- one getter and one setter for each kind of attribute -------------------------------------------------
 
 template <auto Member>
@@ -41,6 +55,7 @@ Value setFlag(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken asked(call);
     if (call.arg(0).isNullish())
         (self->format.*Member).reset();
     else
@@ -65,16 +80,16 @@ Value setText(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken taken(call);
     auto& text = self->format.*Member;
     if (call.arg(0).isNullish()) {
         text.reset();
         return {};
     }
-    std::u16string value = textArg(call, 0);
     if constexpr (std::is_same_v<std::decay_t<decltype(*text)>, std::string>)
-        text = StageBinding::toUtf8(value);
+        text = StageBinding::toUtf8(taken.text);
     else
-        text = std::move(value);
+        text = taken.text;
     return {};
 }
 
@@ -93,15 +108,16 @@ Value setLength(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken taken(call);
     if (call.arg(0).isNullish()) {
         (self->format.*Member).reset();
         return {};
     }
-    const double number = numberArg(call, 0);
+    const double number = taken.number(call.vm);
     int pixels = 0;
     const bool clamped =
         range == Range::NeverNegative || (range == Range::SignedFrom8 && call.vm.version() < 8);
-    if (!clamped || number > 0) pixels = wholeNumber(call.vm, number);
+    if (!clamped || number > 0 || call.vm.version() < 8) pixels = wholeNumber(call.vm, number);
     if (clamped && call.vm.version() < 8) pixels = std::max(pixels, 0);
     self->format.*Member = pixels * kTwips;
     return {};
@@ -111,10 +127,11 @@ Value setLetterSpacing(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken taken(call);
     if (call.arg(0).isNullish())
         self->format.letterSpacing.reset();
     else
-        self->format.letterSpacing = numberArg(call, 0) * kTwips;
+        self->format.letterSpacing = taken.number(call.vm) * kTwips;
     return {};
 }
 
@@ -130,11 +147,12 @@ Value setColor(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken taken(call);
     if (call.arg(0).isNullish()) {
         self->format.color.reset();
         return {};
     }
-    const std::uint32_t value = toUint32(numberArg(call, 0));
+    const std::uint32_t value = toUint32(taken.first);
     self->format.color =
         swf::Rgba{static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
                   static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 24)};
@@ -154,8 +172,9 @@ Value setAlign(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken taken(call);
     // What is no alignment changes nothing.
-    const std::u16string name = AtomTable::fold(textArg(call, 0));
+    const std::u16string name = AtomTable::fold(taken.text);
     if (name == u"left") self->format.align = Align::Left;
     if (name == u"right") self->format.align = Align::Right;
     if (name == u"center") self->format.align = Align::Center;
@@ -174,6 +193,8 @@ Value setDisplay(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken asked(call);
+    // The text is asked for once more.
     const std::u16string name = AtomTable::fold(textArg(call, 0));
     self->display = name == u"none"     ? TextFormatObject::Display::None
                     : name == u"inline" ? TextFormatObject::Display::Inline
@@ -194,6 +215,7 @@ Value setTabStops(Call& call)
 {
     auto* self = call.native<TextFormatObject>();
     if (!self) return {};
+    const Taken asked(call);
     std::optional<std::vector<double>>& stops = self->format.tabStops;
     if (call.arg(0).isNullish()) {
         stops.reset();
@@ -297,16 +319,23 @@ void furnishPrototype(Vm& vm)
     Object* constructor = vm.global()->get(vm, vm.name(std::string_view("TextFormat"))).asObject();
     Object* prototype = constructor ? vm.prototypeOf(constructor) : nullptr;
     if (!prototype || prototype->hasPlain(vm, vm.name(std::string_view("align")))) return;
-    for (const AccessorInfo& accessor : kAccessors)
+    for (const AccessorInfo& accessor : kAccessors) {
+        if ((accessor.flags & kFrom8) != 0 && vm.version() < 8) continue;
         prototype->defineAccessor(vm, vm.name(std::string_view(accessor.name)),
                                   vm.newFunction(accessor.getter), vm.newFunction(accessor.setter),
                                   accessor.flags);
+    }
 }
 
 TextFormatObject& furnish(Vm& vm, Object& object)
 {
     furnishPrototype(vm);
-    object.define(vm, "getTextExtent", Value(vm.newFunction(&getTextExtent)));
+    // A function without any property, not even those that all functions have.
+    Function* extent = vm.newFunction(&getTextExtent);
+    extent->changeFlags(vm, Name(), 0, kHidden);
+    extent->deletePlain(vm, vm.common().constructor);
+    extent->deletePlain(vm, vm.common().proto);
+    object.define(vm, "getTextExtent", Value(extent));
     return object.attachNew<TextFormatObject>();
 }
 

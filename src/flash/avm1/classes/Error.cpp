@@ -1,3 +1,4 @@
+#include "flash/avm1/classes/ClassTable.h"
 #include "flash/avm1/classes/Classes.h"
 
 namespace flash::avm1::classes
@@ -20,21 +21,17 @@ Value toString(Call& call)
     return self == nullptr ? Value() : self->get(call.vm, call.vm.common().message);
 }
 
-// clang-format off
-constexpr MemberInfo kMembers[] = {
-    // name      least  flags  function
-    {"toString", 0,     0,     &toString},
-};
-// clang-format on
+constexpr LibraryFunction kMembers[] = {{"toString", Written::Script, 0, &toString}};
 
 } // namespace
 
 void installError(Vm& vm)
 {
-    Function* constructor = vm.defineClass("Error", &construct, kMembers);
+    Function* constructor = vm.defineClass("Error", &construct);
     Object* prototype = vm.prototypeOf(constructor);
     prototype->define(vm, vm.common().name, vm.string("Error"), 0);
     prototype->define(vm, vm.common().message, vm.string("Error"), 0);
+    furnish(vm, prototype, kMembers);
     vm.builtIns().error = prototype;
 }
 

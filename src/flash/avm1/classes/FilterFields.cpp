@@ -1,5 +1,7 @@
 #include "flash/avm1/classes/FilterFields.h"
 
+#include "flash/avm1/classes/GeomValues.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -46,9 +48,16 @@ constexpr FilterProperty kConvolution[] = {
     {"preserveAlpha", V::Boolean, F::PreserveAlpha}, {"clamp", V::Boolean, F::Clamp},
     {"color", V::Color, F::Color}, {"alpha", V::Alpha, F::Alpha},
 };
+constexpr FilterProperty kDisplacementMap[] = {
+    {"mapBitmap", V::Map, F::Count}, {"mapPoint", V::Point, F::Count}, {"componentX", V::Whole, F::ComponentX},
+    {"componentY", V::Whole, F::ComponentY}, {"scaleX", V::Scale, F::ScaleX}, {"scaleY", V::Scale, F::ScaleY},
+    {"mode", V::Mode, F::Mode}, {"color", V::Color, F::Color}, {"alpha", V::Alpha, F::Alpha},
+};
 constexpr FilterProperty kColorMatrix[] = {{"matrix", V::Twenty, F::Count}};
 // clang-format on
 
+// In the order of DisplacementMode; the first also stands for every other text.
+constexpr std::string_view kModeNames[] = {"wrap", "clamp", "ignore", "color"};
 constexpr double kQuarterPi = 0.785398163; // what the genuine player starts with; not exactly 45 degrees
 
 double clampNumber(double number, double low, double high)
@@ -66,6 +75,18 @@ RootedValues elements(Vm& vm, Value value, std::size_t most)
     const auto length = static_cast<std::uint32_t>(clampNumber(stated, 0, static_cast<double>(most)));
     for (std::uint32_t i = 0; i < length; ++i) found.push_back(object->get(vm, vm.names().fromIndex(i)));
     return found;
+}
+
+/// @returns whether the object is one of the class flash.display.BitmapData.
+bool isPicture(Vm& vm, const Object* object)
+{
+    Object* step = vm.global();
+    for (const char* name : {"flash", "display", "BitmapData"}) {
+        step = step->get(vm, vm.name(std::string_view(name))).asObject();
+        if (step == nullptr) return false;
+    }
+    Object* prototype = vm.prototypeOf(step);
+    return object != nullptr && prototype != nullptr && object->isInstance(vm, prototype);
 }
 
 Value arrayOf(Vm& vm, const RootedValues& values) { return vm.newArray(*values); }
@@ -145,7 +166,8 @@ FilterNative::FilterNative(FilterKind newKind) : kind(newKind)
     self[F::Distance] = 4;
     self[F::Angle] = kQuarterPi;
     self[F::Color] = isGlow ? 0xFF0000 : kind == FilterKind::Bevel ? 0xFFFFFF : 0;
-    self[F::Alpha] = kind == FilterKind::Convolution ? 0 : 255;
+    const bool isClear = kind == FilterKind::Convolution || kind == FilterKind::DisplacementMap;
+    self[F::Alpha] = isClear ? 0 : 255;
     self[F::ShadowAlpha] = 255;
     self[F::BlurX] = self[F::BlurY] = isGlow ? 6 : 4;
     self[F::Strength] = isGlow ? 2 : 1;
@@ -170,10 +192,36 @@ std::span<const FilterProperty> filterProperties(FilterKind kind)
     case FilterKind::GradientBevel: return kGradient;
     case FilterKind::Convolution: return kConvolution;
     case FilterKind::ColorMatrix: return kColorMatrix;
+    case FilterKind::DisplacementMap: return kDisplacementMap;
     case FilterKind::Base:
     case FilterKind::Count: break;
     }
     return {};
+}
+
+std::span<const std::string_view> filterListing(FilterKind kind)
+{
+    // clang-format off
+    static constexpr std::string_view kBevelListing[] = {
+        "distance", "angle", "highlightColor", "highlightAlpha", "shadowColor", "shadowAlpha", "quality",
+        "strength", "knockout", "blurX", "blurY", "type"};
+    static constexpr std::string_view kDropShadowListing[] = {
+        "distance", "angle", "color", "alpha", "quality", "inner", "knockout", "blurX", "blurY", "strength",
+        "hideObject"};
+    static constexpr std::string_view kGlowListing[] = {
+        "color", "alpha", "quality", "inner", "knockout", "blurX", "blurY", "strength"};
+    static constexpr std::string_view kGradientListing[] = {
+        "distance", "angle", "colors", "alphas", "ratios", "blurX", "blurY", "quality", "strength", "knockout",
+        "type"};
+    // clang-format on
+    switch (kind) {
+    case FilterKind::Bevel: return kBevelListing;
+    case FilterKind::DropShadow: return kDropShadowListing;
+    case FilterKind::Glow: return kGlowListing;
+    case FilterKind::GradientGlow:
+    case FilterKind::GradientBevel: return kGradientListing;
+    default: return {};
+    }
 }
 
 Value readFilterProperty(Vm& vm, const FilterNative& filter, const FilterProperty& property)
@@ -189,11 +237,16 @@ Value readFilterProperty(Vm& vm, const FilterNative& filter, const FilterPropert
     case V::Ratios: return readStops(vm, filter, property.value);
     case V::Cells:
     case V::Twenty: return arrayOf(vm, RootedValues(vm.heap(), filter.matrix.begin(), filter.matrix.end()));
+    case V::Mode: return vm.string(kModeNames[static_cast<std::size_t>(number)]);
+    case V::Map: return filter.map;
+    case V::Point: return newPoint(vm, filter.mapX, filter.mapY);
     case V::Number:
     case V::Blur:
     case V::Strength:
     case V::Color:
     case V::Quality:
+    case V::Whole:
+    case V::Scale:
     case V::Side: break;
     }
     return number;
@@ -221,6 +274,31 @@ void writeFilterProperty(Vm& vm, FilterNative& filter, const FilterProperty& pro
                                : text == u"outer" ? FilterPlacement::Outer
                                                   : FilterPlacement::Full;
         filter[property.field] = static_cast<double>(placement);
+        break;
+    }
+    case V::Whole: filter[property.field] = toInt32(vm, value); break;
+    case V::Scale: {
+        constexpr double kMostScale = 65535;
+        filter[property.field] = clampNumber(number(), -kMostScale, kMostScale);
+        break;
+    }
+    case V::Mode: {
+        const std::u16string text = toText(vm, value);
+        std::size_t mode = 0;
+        for (std::size_t i = 0; i < std::size(kModeNames); ++i) {
+            if (std::equal(text.begin(), text.end(), kModeNames[i].begin(), kModeNames[i].end())) mode = i;
+        }
+        filter[property.field] = static_cast<double>(mode);
+        break;
+    }
+    case V::Map:
+        // What is no picture leaves the one that is there.
+        if (isPicture(vm, value.asObject())) filter.map = value.asObject();
+        break;
+    case V::Point: {
+        const swf::Point point = pointFromValue(vm, value);
+        filter.mapX = toInt32(point.x);
+        filter.mapY = toInt32(point.y);
         break;
     }
     case V::Colors:

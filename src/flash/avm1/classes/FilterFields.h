@@ -19,6 +19,7 @@ enum class FilterKind : std::uint8_t {
     GradientBevel,
     Convolution,
     ColorMatrix,
+    DisplacementMap,
     Count
 };
 
@@ -44,10 +45,16 @@ enum class FilterField : std::uint8_t {
     Bias,
     PreserveAlpha,
     Clamp,
+    ComponentX,
+    ComponentY,
+    ScaleX,
+    ScaleY,
+    Mode, ///< DisplacementMode
     Count
 };
 
 enum class FilterPlacement : std::uint8_t { Full, Inner, Outer };
+enum class DisplacementMode : std::uint8_t { Wrap, Clamp, Ignore, Color };
 
 enum class FilterValue : std::uint8_t {
     Number,
@@ -65,6 +72,11 @@ enum class FilterValue : std::uint8_t {
     Ratios,
     Cells,  ///< the matrix of a convolution
     Twenty, ///< the matrix of a colour matrix
+    Whole,  ///< 32 bits
+    Scale,  ///< -65535..65535
+    Mode,   ///< "wrap", "clamp", "ignore" or "color"
+    Map,    ///< a BitmapData, or nothing
+    Point,  ///< anything with x and y; kept as whole numbers
 };
 
 struct FilterNative final : Native {
@@ -81,7 +93,10 @@ struct FilterNative final : Native {
 
     FilterKind kind;
     std::array<double, static_cast<std::size_t>(FilterField::Count)> numbers{};
+    void trace(Tracer& tracer) override { tracer(map); }
     std::vector<double> matrix;
+    Object* map = nullptr; ///< of a displacement
+    double mapX = 0, mapY = 0;
     // Values beyond the count are kept and show again when the count grows.
     int stopCount = 0;
     std::array<std::uint32_t, kMaxStops> stopColors{};
@@ -96,6 +111,8 @@ struct FilterProperty {
 };
 
 std::span<const FilterProperty> filterProperties(FilterKind kind);
+/// Names of the same properties in the order in which loops list them. Empty: the same order.
+std::span<const std::string_view> filterListing(FilterKind kind);
 Value readFilterProperty(Vm& vm, const FilterNative& filter, const FilterProperty& property);
 void writeFilterProperty(Vm& vm, FilterNative& filter, const FilterProperty& property, Value value);
 

@@ -37,8 +37,8 @@ Value constructFilter(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr || !call.isConstruct) return {};
     auto& filter = self->attachNew<FilterNative>(Kind);
-    // Seen by loops, unlike those of other classes.
-    if (Kind != FilterKind::Base)
+    // Made without arguments, seen by loops, unlike those of other classes.
+    if (Kind != FilterKind::Base && call.count() == 0)
         self->changeFlags(call.vm, call.vm.common().constructorInternal, 0, kDontEnum | kFrom6);
     const auto properties = filterProperties(Kind);
     for (std::size_t i = 0; i < properties.size() && i < call.count(); ++i)
@@ -63,8 +63,13 @@ void addAccessors(Vm& vm, Object* prototype, std::index_sequence<Index...>)
     constexpr NativeFunction kGetters[] = {&getProperty<Kind, Index>...};
     constexpr NativeFunction kSetters[] = {&setProperty<Kind, Index>...};
     const auto properties = filterProperties(Kind);
-    for (std::size_t i = 0; i < properties.size(); ++i) {
-        const AccessorInfo accessor{properties[i].name, 0, kGetters[i], kSetters[i]};
+    const auto listing = filterListing(Kind);
+    for (std::size_t place = 0; place < properties.size(); ++place) {
+        std::size_t i = place;
+        for (std::size_t k = 0; !listing.empty() && k < properties.size(); ++k)
+            if (listing[place] == properties[k].name) i = k;
+        // Below version 8 a filter has but what is assigned to it.
+        const AccessorInfo accessor{properties[i].name, kFrom8, kGetters[i], kSetters[i]};
         vm.addAccessors(prototype, std::span(&accessor, 1), 0);
     }
 }
@@ -169,6 +174,7 @@ swf::Filter describe(const FilterNative& f)
     }
     case FilterKind::Blur:
     case FilterKind::Base:
+    case FilterKind::DisplacementMap:
     case FilterKind::Count: break;
     }
     return swf::BlurFilter{f[F::BlurX], f[F::BlurY], passes};
@@ -299,7 +305,7 @@ void installFilters(Vm& vm, Object* package)
     Object* prototype = vm.newObject();
     prototype->define(vm, vm.common().constructor, base, kBuiltIn);
     for (const MemberInfo& member : kBaseMembers)
-        prototype->define(vm, member.name, vm.newFunction(member.function, member.least), 0);
+        prototype->define(vm, member.name, vm.newFunction(member.function, member.least), kFrom8);
     base->define(vm, vm.common().prototype, prototype, kBuiltIn);
     package->define(vm, "BitmapFilter", base, 0);
     addClass<FilterKind::Blur>(vm, package, "BlurFilter", base);
@@ -310,6 +316,7 @@ void installFilters(Vm& vm, Object* package)
     addClass<FilterKind::GradientBevel>(vm, package, "GradientBevelFilter", base);
     addClass<FilterKind::Convolution>(vm, package, "ConvolutionFilter", base);
     addClass<FilterKind::ColorMatrix>(vm, package, "ColorMatrixFilter", base);
+    addClass<FilterKind::DisplacementMap>(vm, package, "DisplacementMapFilter", base);
 }
 
 std::optional<swf::Filter> filterFromValue(Value value)
@@ -317,6 +324,8 @@ std::optional<swf::Filter> filterFromValue(Value value)
     const Object* object = value.asObject();
     const auto* filter = object == nullptr ? nullptr : object->native<FilterNative>();
     if (filter == nullptr || filter->kind == FilterKind::Base) return {};
+    // TODO: nothing moves pixels about yet; a displaced clip shows as it is.
+    if (filter->kind == FilterKind::DisplacementMap) return {};
     return describe(*filter);
 }
 

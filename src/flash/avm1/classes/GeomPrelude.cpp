@@ -1,5 +1,7 @@
 #include "flash/avm1/classes/GeomValues.h"
 
+#include "flash/avm1/interpreter/Code.h"
+
 namespace flash::avm1
 {
 namespace
@@ -9,7 +11,8 @@ constexpr std::uint8_t kPrelude[] = {
 #include "geom.inc"
 };
 
-constexpr int kPreludeVersion = 8;
+// Its functions run by the rules of whoever calls them.
+constexpr int kPreludeVersion = Code::kCallersVersion;
 
 } // namespace
 

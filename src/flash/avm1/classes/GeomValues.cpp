@@ -1,5 +1,7 @@
 #include "flash/avm1/classes/GeomValues.h"
 
+#include "flash/avm1/classes/ClassTable.h"
+
 #include <array>
 #include <cmath>
 
@@ -94,15 +96,16 @@ Value concat(Call& call)
 
 Value describe(Call& call)
 {
-    const auto* native = call.native<ColorTransformNative>();
-    if (native == nullptr) return {};
+    // Written in script: it asks for the properties by name, of whatever `this` is.
+    Object* self = call.self.asObject();
+    if (self == nullptr) return {};
     std::u16string text = u"(";
     for (std::size_t i = 0; i < kMembers.size(); ++i) {
         const std::string_view name = kMembers[i];
         text += i == 0 ? u"" : u", ";
         text.append(name.begin(), name.end());
         text += u'=';
-        text += toText(call.vm, native->numbers[i]);
+        text += toText(call.vm, self->get(call.vm, call.vm.name(name)));
     }
     return call.vm.string(text + u")");
 }
@@ -118,14 +121,18 @@ Value construct(Call& call)
     return {};
 }
 
-constexpr MemberInfo kMethods[] = {{"concat", 0, 0, &concat}, {"toString", 0, 0, &describe}};
+// Below version 8 an object of this class has but what is assigned to it.
+constexpr LibraryFunction kMethods[] = {{"concat", Written::Native, kFrom8, &concat},
+                                        {"toString", Written::Script, 0, &describe}};
 
 template <std::size_t... Index>
 void addMembers(Vm& vm, Object* prototype, std::index_sequence<Index...>)
 {
-    const AccessorInfo accessors[] = {{kMembers[Index], 0, &getMember<Index>, &setMember<Index>}...,
-                                      {"rgb", 0, &getRgb, &setRgb}};
-    vm.addAccessors(prototype, accessors, 0);
+    const AccessorInfo accessors[] = {{kMembers[Index], kFrom8, &getMember<Index>, &setMember<Index>}...,
+                                      {"rgb", kFrom8, &getRgb, &setRgb}};
+    // Loops list alpha apart from the others.
+    constexpr std::size_t kOrder[] = {3, 0, 1, 2, 7, 4, 5, 6, 8};
+    for (const std::size_t place : kOrder) vm.addAccessors(prototype, {&accessors[place], 1}, 0);
 }
 
 } // namespace
@@ -183,6 +190,12 @@ Value newRectangle(Vm& vm, double x, double y, double width, double height)
     return vm.construct(geomClass(vm, "Rectangle"), args);
 }
 
+Value newPoint(Vm& vm, double x, double y)
+{
+    const Value args[] = {x, y};
+    return vm.construct(geomClass(vm, "Point"), args);
+}
+
 Value newMatrix(Vm& vm, const swf::Matrix& m)
 {
     const Value args[] = {m.a, m.b, m.c, m.d, m.tx, m.ty};
@@ -202,8 +215,7 @@ void installColorTransform(Vm& vm, Object* package)
     Object* prototype = vm.newObject();
     prototype->define(vm, vm.common().constructor, constructor, kBuiltIn);
     addMembers(vm, prototype, std::make_index_sequence<kMembers.size()>());
-    for (const MemberInfo& method : kMethods)
-        prototype->define(vm, method.name, vm.newFunction(method.function, method.least), 0);
+    furnish(vm, prototype, kMethods);
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
     package->define(vm, "ColorTransform", constructor, 0);
 }

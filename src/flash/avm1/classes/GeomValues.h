@@ -21,6 +21,7 @@ std::optional<swf::ColorTransform> colorTransformFromValue(Vm& vm, Value value);
 
 // New objects of the classes in flash.geom; undefined when a script has removed the class.
 Value newRectangle(Vm& vm, double x, double y, double width, double height);
+Value newPoint(Vm& vm, double x, double y);
 Value newMatrix(Vm& vm, const swf::Matrix& matrix);
 Value newColorTransform(Vm& vm, const swf::ColorTransform& transform);
 

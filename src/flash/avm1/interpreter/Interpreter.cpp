@@ -135,7 +135,9 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     frame.pool = function->pool();
     frame.ip = frame.body->instructions.data();
     // Functions came with version 5; an older movie that has one runs it as such.
-    frame.version = std::max(frame.code->version(), 5);
+    // The player's own script runs as whoever calls it.
+    const int written = frame.code->version();
+    frame.version = std::max(written == Code::kCallersVersion ? vm.version() : written, 5);
     frame.self = self;
     frame.callee = function;
     frame.caller = vm.m_frame == nullptr ? nullptr : vm.m_frame->callee;
@@ -227,10 +229,15 @@ Value Interpreter::superObject(Frame& frame)
     if (frame.version < 6) return {};
     if (frame.superValue.isUndefined()) {
         Vm& vm = frame.vm;
+        // Where the function was found decides. Found on the object itself, or called without a look-up, it
+        // counts as one of the object's class.
+        Object* base = frame.superBase;
+        Object* self = frame.self.asObject();
+        if (self != nullptr && (base == nullptr || base == self)) base = self->prototype(vm);
         Object* super = vm.newObject(nullptr);
         // What scripts see as its __proto__ is the prototype it looks into.
-        if (frame.superBase != nullptr) super->setProto(vm, frame.superBase->protoValue());
-        super->attachNew<SuperNative>(frame.self, frame.superBase);
+        if (base != nullptr) super->setProto(vm, base->protoValue());
+        super->attachNew<SuperNative>(frame.self, base);
         frame.superValue = super;
     }
     return frame.superValue;
@@ -270,7 +277,7 @@ void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
     frame.code = &code;
     frame.body = &code.body();
     frame.ip = frame.body->instructions.data();
-    frame.version = code.version();
+    frame.version = code.version() == Code::kCallersVersion ? vm.version() : code.version();
     frame.self = target;
     frame.endsWithClip = vm.m_host.isClip(target);
     frame.target = frame.baseTarget = target;

@@ -313,3 +313,17 @@ ContextMenuItem.prototype.copy = function () {
 ASSetPropFlags(ContextMenu.prototype, null, 1027);
 ASSetPropFlags(ContextMenuItem.prototype, null, 1027);
 ASSetPropFlags(_global, "ContextMenu,ContextMenuItem", 3);
+
+// Makes a class for each name of a comma-separated list, every one an Error of its own name.
+AsSetupError = function (names) {
+    var list = names.split(",");
+    for (var i = 0; i < list.length; i++) {
+        var name = list[i];
+        this[name] = function (message) {
+            this.message = message;
+        };
+        this[name].prototype = new Error();
+        this[name].prototype.name = this[name].prototype.message = name;
+    }
+};
+ASSetPropFlags(_global, "AsSetupError", 1);
