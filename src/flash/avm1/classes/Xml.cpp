@@ -282,7 +282,7 @@ Value nodeToString(Call& call)
     if (nodeOf(call.self) == nullptr) return {};
     Vm& vm = call.vm;
     std::u16string text;
-    // Documents carry their prologue in plain properties that scripts may change.
+    // Documents carry their prologue in properties that scripts may change.
     for (const char* member : {"xmlDecl", "docTypeDecl"}) {
         const Value value = call.self.object()->get(vm, vm.name(std::string_view(member)));
         if (!value.isUndefined()) text += toText(vm, value);
@@ -337,33 +337,117 @@ void parseInto(Vm& vm, Object* document, Value text)
     auto* node = document->native<XmlNode>();
     while (!node->children.empty()) detach(node->children.back());
     const std::u16string source = toText(vm, text);
-    const Name ignoreWhite = vm.name(std::string_view("ignoreWhite"));
-    const XmlParseOptions options{toBoolean(vm, document->get(vm, ignoreWhite))};
-    const XmlParseResult result = parseXml(vm, document, source, options);
+    if (node->document == nullptr) node->document = std::make_unique<XmlNode::Document>();
+    const XmlParseResult result = parseXml(vm, document, source);
+    // A script that an element's id called may have made another document of it.
+    node = document->native<XmlNode>();
+    if (node == nullptr || node->document == nullptr) return;
     const auto prologue = [&](std::u16string_view found) {
         return found.empty() ? Value() : Value(vm.string(found));
     };
-    document->put(vm, vm.name(std::string_view("xmlDecl")), prologue(result.declaration));
-    document->put(vm, vm.name(std::string_view("docTypeDecl")), prologue(result.doctype));
-    document->put(vm, vm.name(std::string_view("status")), static_cast<int>(result.status));
+    node->document->declaration = prologue(result.declaration);
+    node->document->doctype = prologue(result.doctype);
+    node->document->status = static_cast<int>(result.status);
 }
+
+XmlNode::Document* documentOf(const Call& call)
+{
+    auto* node = nodeOf(call.self);
+    return node == nullptr ? nullptr : node->document.get();
+}
+
+template <auto Member>
+Value getText(Call& call)
+{
+    const auto* document = documentOf(call);
+    return document == nullptr ? Value() : document->*Member;
+}
+template <auto Member>
+Value setText(Call& call)
+{
+    const Value text = toString(call.vm, call.arg(0));
+    if (auto* document = documentOf(call)) document->*Member = text;
+    return {};
+}
+Value getStatus(Call& call)
+{
+    const auto* document = documentOf(call);
+    return document == nullptr ? Value() : Value(document->status);
+}
+Value setStatus(Call& call)
+{
+    const double status = toNumber(call.vm, call.arg(0));
+    if (auto* document = documentOf(call)) document->status = status;
+    return {};
+}
+Value getIgnoreWhite(Call& call)
+{
+    const auto* document = documentOf(call);
+    return document == nullptr ? Value() : Value(document->ignoreWhite);
+}
+Value setIgnoreWhite(Call& call)
+{
+    const bool ignore = toBoolean(call.vm, call.arg(0));
+    if (auto* document = documentOf(call)) document->ignoreWhite = ignore;
+    return {};
+}
+Value getLoaded(Call& call)
+{
+    const auto* document = documentOf(call);
+    return document == nullptr ? Value() : document->loaded;
+}
+Value setLoaded(Call& call)
+{
+    const Value loaded = call.arg(0).isUndefined() ? Value() : Value(toBoolean(call.vm, call.arg(0)));
+    if (auto* document = documentOf(call)) document->loaded = loaded;
+    return {};
+}
+
+using D = XmlNode::Document;
+constexpr AccessorInfo kDocumentProperties[] = {
+    {"ignoreWhite", 0, &getIgnoreWhite, &setIgnoreWhite},
+    {"contentType", 0, &getText<&D::contentType>, &setText<&D::contentType>},
+    {"docTypeDecl", 0, &getText<&D::doctype>, &setText<&D::doctype>},
+    {"xmlDecl", 0, &getText<&D::declaration>, &setText<&D::declaration>},
+    {"loaded", 0, &getLoaded, &setLoaded},
+    {"status", 0, &getStatus, &setStatus},
+};
 
 Value constructDocument(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr || !call.isConstruct) return {};
-    furnish(call.vm, self, XmlNode::kElement, nullptr);
-    if (!call.arg(0).isUndefined()) {
-        parseInto(call.vm, self, call.arg(0));
-    } else {
-        self->put(call.vm, call.vm.name(std::string_view("status")), 0);
+    Vm& vm = call.vm;
+    // The prototype of the class gets the properties of documents with the first of them.
+    Object* constructor = vm.global()->get(vm, vm.name(std::string_view("XML"))).asObject();
+    Object* prototype = constructor == nullptr ? nullptr : vm.prototypeOf(constructor);
+    if (prototype != nullptr && !prototype->hasPlain(vm, vm.name(std::string_view("docTypeDecl")))) {
+        for (const AccessorInfo& accessor : kDocumentProperties) {
+            // What a movie has put there already stays.
+            if (!prototype->hasPlain(vm, vm.name(std::string_view(accessor.name))))
+                vm.addAccessors(prototype, {&accessor, 1}, 0);
+        }
     }
+    furnish(vm, self, XmlNode::kElement, nullptr);
+    auto& document = self->native<XmlNode>()->document;
+    document = std::make_unique<XmlNode::Document>();
+    document->contentType = vm.string(std::string_view("application/x-www-form-urlencoded"));
+    if (!call.arg(0).isUndefined()) parseInto(vm, self, call.arg(0));
     return {};
+}
+
+/// ASnative(100, 5): the text with the names of its special characters.
+Value escapeText(Call& call)
+{
+    if (call.count() == 0) return {};
+    return call.vm.string(escapeXmlText(toText(call.vm, call.arg(0))));
 }
 
 Value parseXmlMethod(Call& call)
 {
-    if (nodeOf(call.self) != nullptr) parseInto(call.vm, call.self.object(), call.arg(0));
+    // What is undefined leaves the document as it is.
+    if (nodeOf(call.self) != nullptr && !call.arg(0).isUndefined())
+        parseInto(call.vm, call.self.object(), call.arg(0));
     return {};
 }
 
@@ -384,10 +468,12 @@ Value onLoad(Call&) { return {}; }
 
 Value createElement(Call& call)
 {
+    if (call.arg(0).isUndefined()) return {};
     return newXmlNode(call.vm, XmlNode::kElement, toString(call.vm, call.arg(0)));
 }
 Value createTextNode(Call& call)
 {
+    if (call.arg(0).isUndefined()) return {};
     return newXmlNode(call.vm, XmlNode::kText, toString(call.vm, call.arg(0)));
 }
 
@@ -407,11 +493,18 @@ void XmlNode::trace(Tracer& tracer)
     tracer(parent);
     tracer(childArray);
     for (const Object* child : children) tracer(child);
+    if (document == nullptr) return;
+    tracer(document->declaration);
+    tracer(document->doctype);
+    tracer(document->loaded);
+    tracer(document->contentType);
 }
 
 Object* newXmlNode(Vm& vm, int type, String* nameOrValue)
 {
     Object* object = vm.newObject(xmlNodePrototype(vm));
+    object->define(vm, vm.common().constructor, vm.global()->get(vm, vm.name(std::string_view("XMLNode"))),
+                   kBuiltIn);
     furnish(vm, object, type, nameOrValue);
     return object;
 }
@@ -439,12 +532,13 @@ void installXml(Vm& vm)
 
     Function* documentClass = vm.newFunction(&constructDocument);
     Object* documentPrototype = vm.newObject(nodePrototype);
-    documentPrototype->define(vm, vm.common().constructorInternal, nodeClass, kDontEnum);
+    documentPrototype->define(vm, vm.common().constructorInternal, nodeClass, kDontEnum | kFrom6);
     addPlain(documentPrototype, kDocumentMembers, -1);
     documentPrototype->define(vm, "onData", vm.newScriptLike(&onData), 0);
     documentPrototype->define(vm, "onLoad", vm.newScriptLike(&onLoad), 0);
     documentClass->define(vm, vm.common().prototype, documentPrototype, kBuiltIn);
     vm.global()->define(vm, "XML", documentClass, kDontEnum);
+    vm.registerNative(100, 5, &escapeText);
 }
 
 } // namespace flash::avm1

@@ -57,14 +57,14 @@ void appendEscaped(std::u16string& out, std::u16string_view text)
 class Parser
 {
 public:
-    Parser(Vm& vm, Object* document, std::u16string_view text, const XmlParseOptions& options)
-        : m_vm(vm), m_text(text), m_options(options), m_open{document}
+    Parser(Vm& vm, Object* document, std::u16string_view text)
+        : m_vm(vm), m_text(text), m_document(document), m_open{document}, m_kept(vm.heap())
     {
     }
 
     XmlParseResult run()
     {
-        while (m_at < m_text.size() && m_result.status == XmlStatus::Ok) step();
+        while (m_at < m_text.size() && m_result.status == XmlStatus::Ok && !m_vm.isUnwinding()) step();
         if (m_result.status == XmlStatus::Ok && m_open.size() > 1)
             m_result.status = XmlStatus::StartWithoutEnd;
         return std::move(m_result);
@@ -113,7 +113,7 @@ private:
         const std::size_t end = std::min(m_text.find(u'<', m_at), m_text.size());
         const std::u16string_view raw = m_text.substr(m_at, end - m_at);
         m_at = end;
-        if (m_options.ignoreWhite && std::all_of(raw.begin(), raw.end(), isSpace)) return;
+        if (ignoresWhite() && std::all_of(raw.begin(), raw.end(), isSpace)) return;
         append(newXmlNode(m_vm, XmlNode::kText, m_vm.string(decodeEntities(raw))));
     }
 
@@ -138,17 +138,54 @@ private:
         if (!content) return;
         std::u16string_view name = *content;
         while (!name.empty() && isSpace(name.back())) name.remove_suffix(1);
+        if (name.ends_with(u'/')) name.remove_suffix(1);
+        if (name.empty() || name.find(u' ') != name.npos) return malformed(XmlStatus::ElementMalformed);
         if (m_tooDeep > 0) {
             --m_tooDeep;
             return;
         }
         if (m_open.size() < 2) {
             m_result.status = XmlStatus::EndWithoutStart;
-        } else if (m_open.back()->native<XmlNode>()->name->view() != name) {
-            m_result.status = XmlStatus::StartWithoutEnd;
-        } else {
+        } else if (isNamed(m_open.back(), name)) {
             m_open.pop_back();
+            m_kept->pop_back();
+        } else {
+            // The end of one further out leaves this one without; the end of none has no start.
+            const bool isOpen = std::any_of(m_open.begin() + 1, m_open.end(),
+                                            [&](const Object* open) { return isNamed(open, name); });
+            m_result.status = isOpen ? XmlStatus::StartWithoutEnd : XmlStatus::EndWithoutStart;
         }
+    }
+
+    static bool isNamed(const Object* object, std::u16string_view name)
+    {
+        const auto* node = object->native<XmlNode>();
+        return node != nullptr && node->name != nullptr && node->name->view() == name;
+    }
+
+    [[nodiscard]] bool ignoresWhite()
+    {
+        // Asked of the object: a movie may have set it for all documents, on the class.
+        return toBoolean(m_vm, m_document->get(m_vm, m_vm.name(std::string_view("ignoreWhite"))));
+    }
+
+    /// Before version 8 the elements are properties of the document, later of an object `idMap` of its own.
+    void noteId(Object* node)
+    {
+        Value id;
+        Object* attributes = node->native<XmlNode>()->attributes;
+        if (!attributes->getPlain(m_vm, m_vm.name(std::string_view("id")), attributes, id) || !id.isString())
+            return;
+        const Name name = toName(m_vm, id);
+        if (m_vm.version() < 8) return m_document->put(m_vm, name, node);
+        const Name mapName = m_vm.name(std::string_view("idMap"));
+        Value map;
+        m_document->getPlain(m_vm, mapName, m_document, map);
+        if (!map.isObject()) {
+            map = m_vm.newObject(nullptr);
+            m_document->define(m_vm, mapName, map);
+        }
+        map.object()->put(m_vm, name, node);
     }
 
     void startTag()
@@ -162,7 +199,12 @@ private:
             while (at < m_text.size() && !isSpace(m_text[at]) && stops.find(m_text[at]) == stops.npos) ++at;
             return m_text.substr(start, at - start);
         };
-        const std::u16string_view name = word(u"/>");
+        // A slash belongs to the name unless the element ends with it.
+        std::u16string_view name = word(u">");
+        if (name.ends_with(u'/') && at < m_text.size() && m_text[at] == u'>') {
+            name.remove_suffix(1);
+            --at;
+        }
         if (name.empty()) return malformed(XmlStatus::ElementMalformed);
         Object* node = newXmlNode(m_vm, XmlNode::kElement, m_vm.string(name));
         for (;;) {
@@ -176,7 +218,8 @@ private:
                 if (at + 1 >= m_text.size() || m_text[at + 1] != u'>')
                     return malformed(XmlStatus::ElementMalformed);
                 m_at = at + 2;
-                return append(node);
+                append(node);
+                return noteId(node);
             }
             const std::u16string_view key = word(u"=/>");
             skipSpace();
@@ -204,11 +247,16 @@ private:
         m_at = m_text.size();
     }
 
-    void append(Object* node) { appendXmlChild(m_open.back(), node); }
+    void append(Object* node)
+    {
+        if (m_open.back()->native<XmlNode>() != nullptr) appendXmlChild(m_open.back(), node);
+    }
     void open(Object* node)
     {
         append(node);
+        noteId(node);
         if (m_open.size() < kDeepest) {
+            m_kept.push_back(node);
             m_open.push_back(node);
         } else {
             ++m_tooDeep;
@@ -217,9 +265,10 @@ private:
 
     Vm& m_vm;
     std::u16string_view m_text; // the caller's
-    XmlParseOptions m_options;
-    // All but the document hang on the one before, which keeps them alive; the caller holds the document.
+    Object* m_document;
     TracedList<Object*> m_open;
+    // All but the document, which the caller holds: scripts may take elements out of the tree meanwhile.
+    RootedValues m_kept;
     std::size_t m_at = 0;
     std::size_t m_tooDeep = 0;
     XmlParseResult m_result;
@@ -268,9 +317,22 @@ void appendNode(Vm& vm, std::u16string& out, Object* object, std::size_t depth)
 
 } // namespace
 
-XmlParseResult parseXml(Vm& vm, Object* document, std::u16string_view text, const XmlParseOptions& options)
+XmlParseResult parseXml(Vm& vm, Object* document, std::u16string_view text)
 {
-    return Parser(vm, document, text, options).run();
+    return Parser(vm, document, text).run();
+}
+
+std::u16string escapeXmlText(std::u16string_view text)
+{
+    std::u16string out;
+    for (const char16_t unit : text) {
+        // The hard blank has a name in documents only.
+        if (unit == u'\u00A0')
+            out += unit;
+        else
+            appendEscaped(out, {&unit, 1});
+    }
+    return out;
 }
 
 std::u16string xmlText(Vm& vm, Object* node)
