@@ -100,6 +100,13 @@ std::u16string formatInteger(double number, int radix)
     return digits;
 }
 
+/// @param scientific "d.ddde+xx"
+int significantDigits(std::string_view scientific)
+{
+    const auto digits = static_cast<int>(scientific.find('e'));
+    return digits > 1 ? digits - 1 : digits;
+}
+
 } // namespace
 
 std::u16string formatNumber(double number, int radix)
@@ -113,13 +120,31 @@ std::u16string formatNumber(double number, int radix)
     if (std::fabs(number) == std::numeric_limits<double>::max())
         return number < 0 ? u"-1.79769313486231e+308" : u"1.79769313486231e+308";
 
-    char scientific[40];
-    const auto written = std::to_chars(scientific, scientific + sizeof scientific, std::fabs(number),
-                                       std::chars_format::scientific, kSignificantDigits - 1);
+    char scientific[64];
+    const double magnitude = std::fabs(number);
+    // The shortest text that means the number is mostly short enough.
+    auto written =
+        std::to_chars(scientific, scientific + sizeof scientific, magnitude, std::chars_format::scientific);
+    constexpr double kLeastPrecise = 1e-300; // below, numbers have fewer digits than are shown
+    if (significantDigits({scientific, written.ptr}) > kSignificantDigits || magnitude < kLeastPrecise) {
+        // Rounded to 15 digits, halves upwards: a number that lies exactly between two texts needs one digit
+        // more than is shown, and a few more tell it from its neighbours.
+        constexpr int kTellingDigits = 40;
+        written = std::to_chars(scientific, scientific + sizeof scientific, magnitude,
+                                std::chars_format::scientific, kTellingDigits - 1);
+        const bool isHalf = scientific[kSignificantDigits + 1] == '5' &&
+                            std::all_of(scientific + kSignificantDigits + 2, scientific + kTellingDigits + 1,
+                                        [](char digit) { return digit == '0'; });
+        // The neighbour above rounds up, and as the half would.
+        const double rounded =
+            isHalf ? std::nextafter(magnitude, std::numeric_limits<double>::infinity()) : magnitude;
+        written = std::to_chars(scientific, scientific + sizeof scientific, rounded,
+                                std::chars_format::scientific, kSignificantDigits - 1);
+    }
     const std::string_view text(scientific, static_cast<std::size_t>(written.ptr - scientific));
     const std::size_t mark = text.find('e');
     std::string digits(1, text[0]);
-    digits += text.substr(2, mark - 2);
+    if (mark > 1) digits += text.substr(2, mark - 2);
     int exponent = 0;
     const std::size_t exponentStart = text[mark + 1] == '+' ? mark + 2 : mark + 1;
     std::from_chars(text.data() + exponentStart, text.data() + text.size(), exponent);
@@ -190,22 +215,33 @@ double parseFloatPrefix(std::u16string_view text)
 
 double parseIntPrefix(std::u16string_view text, int radix)
 {
-    std::size_t start = 0;
-    while (start < text.size() && isSpace(text[start])) ++start;
-    text.remove_prefix(start);
-    bool negative = !text.empty() && text[0] == u'-';
-    if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) text.remove_prefix(1);
-    if ((radix == 0 || radix == 16) && hasHexPrefix(text)) {
+    const auto isSign = [](char16_t unit) { return unit == u'-' || unit == u'+'; };
+    const auto skipSpace = [&] {
+        const std::size_t before = text.size();
+        while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+        return text.size() != before;
+    };
+    bool negative = false;
+    const auto takeSign = [&] {
+        if (text.empty() || !isSign(text[0])) return;
+        negative = text[0] == u'-';
+        text.remove_prefix(1);
+    };
+    // Prefixes count at the very beginning only, before any blank; there in every base.
+    if (hasHexPrefix(text)) {
         text.remove_prefix(2);
-        radix = 16;
-        // The sign may stand behind the prefix, too.
-        if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) {
-            negative = text[0] == u'-';
-            text.remove_prefix(1);
-        }
-    } else if (radix == 0 && text.size() > 1 && text[0] == u'0' &&
-               std::ranges::all_of(text, [](char16_t unit) { return unit >= u'0' && unit <= u'7'; })) {
-        radix = 8;
+        if (radix == 0) radix = 16;
+        skipSpace();
+        takeSign();
+    } else if (!text.empty() && isSign(text[0]) && hasHexPrefix(text.substr(1))) {
+        // A sign makes it no prefix; sign and zero are dropped, and what follows begins with an x.
+        text.remove_prefix(2);
+    } else {
+        const bool indented = skipSpace();
+        takeSign();
+        if (radix == 0 && !indented && text.size() > 1 && text[0] == u'0' &&
+            std::ranges::all_of(text, [](char16_t unit) { return unit >= u'0' && unit <= u'7'; }))
+            radix = 8;
     }
     if (radix == 0) radix = 10;
     if (radix < 2 || radix > 36) return kNaN;

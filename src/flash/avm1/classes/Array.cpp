@@ -18,7 +18,7 @@ Value construct(Call& call)
     if (array == nullptr) array = vm.newArray();
     auto& native = array->attachNew<ArrayNative>();
     if (call.count() == 1 && call.arg(0).isNumber())
-        native.setLength(vm, *array, toInt32(vm, call.arg(0)));
+        array->put(vm, vm.common().length, Value(toInt32(vm, call.arg(0))));
     else
         native.assign(call.args);
     return array;
@@ -160,7 +160,7 @@ Value join(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
-    const bool given = call.count() > 0 && !call.arg(0).isUndefined();
+    const bool given = call.count() > 0;
     return joined(call.vm, self, given ? toText(call.vm, call.arg(0)) : std::u16string(u","));
 }
 

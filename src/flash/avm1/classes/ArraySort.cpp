@@ -43,6 +43,8 @@ public:
         return noted(0);
     }
     [[nodiscard]] bool hasFunction() const { return m_function.isObject(); }
+    /// As without a comparison function.
+    int withoutFunction(Value a, Value b) { return byField(a, b, m_fields.front()); }
     /// @returns whether any two elements were equal.
     [[nodiscard]] bool metEqual() const { return m_metEqual; }
 
@@ -121,10 +123,11 @@ Value sortList(Vm& vm, Object* list, Comparison& compare, std::uint32_t options)
     quickSort(order, elements, compare, vm);
     if (vm.isUnwinding()) return {};
     if ((options & kSortUnique) != 0) {
-        // A comparison function has no say in what counts as the same.
+        // A function does not decide what counts as the same: neighbours are looked at once more, as texts.
         bool same = !compare.hasFunction() && compare.metEqual();
-        for (std::size_t i = 1; compare.hasFunction() && i < order.size(); ++i)
-            same |= strictlyEqual(elements[order[i - 1]], elements[order[i]]);
+        for (std::size_t i = 1; compare.hasFunction() && i < order.size() && !same && !vm.isUnwinding(); ++i)
+            same = compare.withoutFunction(elements[order[i - 1]], elements[order[i]]) == 0;
+        if (vm.isUnwinding()) return {};
         if (same) return Value(0);
     }
     if ((options & kSortDescending) != 0) std::ranges::reverse(order);
@@ -201,11 +204,15 @@ Value sort(Call& call)
 {
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
+    // One argument, or two: what compares, if it is an object, and the options, which have to be a number. An
+    // object that is no function finds every two elements equal.
     Value function;
-    Value optionsValue = call.arg(0);
-    if (Object* first = call.arg(0).asObject(); first != nullptr && first->isFunction()) {
-        function = first;
-        optionsValue = call.arg(1);
+    Value optionsValue;
+    if (call.count() > 0) {
+        const Value first = call.arg(0);
+        if (!first.isObject() && !first.isNumber()) return {};
+        if (first.isObject()) function = first;
+        optionsValue = call.arg(1).isNumber() || first.isObject() ? call.arg(1) : first;
     }
     const std::uint32_t options = optionsFrom(call.vm, optionsValue);
     Comparison compare(call.vm, {{Name(), options & ~kSortDescending}}, function);
@@ -223,7 +230,10 @@ Value sortOn(Call& call)
     if (names != nullptr && names->native<ArrayNative>() != nullptr) {
         const RootedValues list = listElements(vm, names);
         RootedValues each(vm.heap());
-        if (Object* optionList = call.arg(1).asObject()) *each = *listElements(vm, optionList);
+        // Only a real array gives each field its options.
+        Object* optionList = call.arg(1).asObject();
+        if (optionList != nullptr && optionList->native<ArrayNative>() != nullptr)
+            *each = *listElements(vm, optionList);
         for (std::size_t i = 0; i < list.size(); ++i) {
             const std::uint32_t own = each.size() == list.size() ? toUint32(toNumber(vm, each[i])) : options;
             fields.push_back({toName(vm, list[i]), own});

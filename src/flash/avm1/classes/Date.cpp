@@ -28,8 +28,20 @@ void fillParts(Call& call, DateParts& parts, std::span<const Part> order)
 {
     for (std::size_t i = 0; i < order.size() && i < call.count(); ++i) {
         const double number = numberArgument(call, i);
-        parts.*order[i] = std::isfinite(number) ? number : kNaN;
+        parts.*order[i] = number;
     }
+}
+
+/// All parts from the year on, as the constructor and Date.UTC take them: an argument that is undefined ends
+/// the list, and a year that is no number is the year 0.
+DateParts partsFromArguments(Call& call, std::span<const Part> order)
+{
+    std::size_t count = 0;
+    while (count < order.size() && count < call.count() && !call.arg(count).isUndefined()) ++count;
+    DateParts parts;
+    fillParts(call, parts, order.first(count));
+    parts.year = std::isfinite(parts.year) ? fullYear(parts.year) : 0;
+    return parts;
 }
 
 constexpr Part kYearOn[] = {&DateParts::year,        &DateParts::month,   &DateParts::day,
@@ -38,7 +50,7 @@ constexpr Part kYearOn[] = {&DateParts::year,        &DateParts::month,   &DateP
 
 std::u16string textOf(double utcMs)
 {
-    if (!std::isfinite(utcMs)) return u"Invalid Date";
+    if (std::isnan(utcMs)) return u"Invalid Date";
     static constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
@@ -66,10 +78,8 @@ Value construct(Call& call)
     } else if (call.count() == 1) {
         time = numberArgument(call, 0);
     } else {
-        DateParts parts;
-        fillParts(call, parts, kYearOn);
-        parts.year = fullYear(parts.year);
-        time = utcFromLocal(timeFromParts(parts));
+        time = utcFromLocal(timeFromParts(partsFromArguments(call, kYearOn)));
+        if (!std::isfinite(time)) time = kNaN;
     }
     self->attachNew<DateNative>(time);
     return {};
@@ -78,10 +88,13 @@ Value construct(Call& call)
 Value utcStatic(Call& call)
 {
     if (call.arg(0).isUndefined()) return {};
-    DateParts parts;
-    fillParts(call, parts, kYearOn);
-    parts.year = fullYear(parts.year);
-    return Value(timeFromParts(parts));
+    if (call.count() < 2) {
+        // Looked at, and found to be too little.
+        numberArgument(call, 0);
+        return {};
+    }
+    const double time = timeFromParts(partsFromArguments(call, kYearOn));
+    return Value(std::isfinite(time) ? time : kNaN);
 }
 
 DateParts partsOf(const DateNative& date, Zone zone)
@@ -94,7 +107,7 @@ Value get(Call& call)
 {
     const DateNative* date = call.native<DateNative>();
     if (date == nullptr) return {};
-    if (!std::isfinite(date->timeMs)) return Value(kNaN);
+    if (std::isnan(date->timeMs)) return Value(kNaN);
     return Value(static_cast<double>(partsOf(*date, zone).*part));
 }
 
@@ -103,7 +116,7 @@ Value getYear(Call& call)
 {
     const DateNative* date = call.native<DateNative>();
     if (date == nullptr) return {};
-    if (!std::isfinite(date->timeMs)) return Value(kNaN);
+    if (std::isnan(date->timeMs)) return Value(kNaN);
     return Value(partsOf(*date, zone).year - 1900);
 }
 
@@ -121,7 +134,8 @@ Value getTimezoneOffset(Call& call)
 
 Value store(DateNative& date, const DateParts& parts, Zone zone)
 {
-    const double time = timeFromParts(parts);
+    double time = timeFromParts(parts);
+    if (!std::isfinite(time)) time = kNaN;
     date.timeMs = zone == Zone::Local ? utcFromLocal(time) : time;
     return Value(date.timeMs);
 }
@@ -133,8 +147,19 @@ Value set(Call& call)
     DateNative* date = call.native<DateNative>();
     if (date == nullptr) return {};
     if (call.count() == 0) return Value(date->timeMs = kNaN);
+    constexpr std::size_t kMonth = 1, kDay = 2;
+    if (first == kDay && (std::isnan(date->timeMs) || call.arg(0).isUndefined())) {
+        // A day needs a month to lie in.
+        numberArgument(call, 0);
+        return Value(date->timeMs = kNaN);
+    }
     DateParts parts = std::isfinite(date->timeMs) ? partsOf(*date, zone) : DateParts{};
     fillParts(call, parts, std::span<const Part>(kYearOn).subspan(first, count));
+    if (first == kMonth && !std::isfinite(parts.month)) {
+        // No month is the first one; one without end takes the year along.
+        if (std::isinf(parts.month)) parts.year = 0;
+        parts.month = 0;
+    }
     return store(*date, parts, zone);
 }
 
@@ -144,7 +169,8 @@ Value setYear(Call& call)
     if (date == nullptr) return {};
     DateParts parts = std::isfinite(date->timeMs) ? partsOf(*date, Zone::Local) : DateParts{};
     fillParts(call, parts, std::span<const Part>(kYearOn).first(3));
-    parts.year = fullYear(parts.year);
+    // Two digits are of the last century; here years before the first stay what they are.
+    if (parts.year >= 0) parts.year = fullYear(parts.year);
     return store(*date, parts, Zone::Local);
 }
 
@@ -152,7 +178,7 @@ Value setTime(Call& call)
 {
     DateNative* date = call.native<DateNative>();
     if (date == nullptr) return {};
-    const double time = call.count() == 0 ? kNaN : std::trunc(numberArgument(call, 0));
+    const double time = call.arg(0).isUndefined() ? kNaN : std::trunc(numberArgument(call, 0));
     date->timeMs = std::isfinite(time) ? time : kNaN;
     return Value(date->timeMs);
 }
@@ -209,7 +235,7 @@ constexpr MemberInfo kMembers[] = {
     {"setUTCMilliseconds",  0,     0,     &set<kUtc, 6, 1>,               143},
 };
 constexpr MemberInfo kStatics[] = {
-    {"UTC",                 2,     0,     &utcStatic,                     257},
+    {"UTC",                 0,     0,     &utcStatic,                     257},
 };
 // clang-format on
 constexpr int kNativeTable = 103;

@@ -45,6 +45,8 @@ double timeFromParts(const DateParts& parts)
 DateParts partsFromTime(double timeMs)
 {
     DateParts parts;
+    // A time without end has the parts of the first moment.
+    if (!std::isfinite(timeMs)) timeMs = 0;
     const double days = std::floor(timeMs / kMsPerDay);
     double rest = timeMs - days * kMsPerDay;
     parts.hours = std::floor(rest / 3600000);

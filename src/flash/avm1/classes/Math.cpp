@@ -40,7 +40,7 @@ Value pow(Call& call)
 {
     const double base = argument(call, 0);
     const double exponent = argument(call, 1);
-    if (std::isnan(exponent)) return Value(kNaN);
+    if (std::isnan(exponent) || std::isinf(base)) return Value(kNaN);
     return Value(std::pow(base, exponent));
 }
 

@@ -1,7 +1,10 @@
 #include "flash/avm1/classes/Classes.h"
 #include "flash/avm1/interpreter/Boxed.h"
 
+#include <algorithm>
 #include <cfloat>
+#include <cmath>
+#include <cstdlib>
 #include <limits>
 
 namespace flash::avm1::classes
@@ -28,6 +31,24 @@ Value inner(const Call& call)
 
 Value valueOf(Call& call) { return inner(call); }
 
+/// Other bases than 10 show the 32-bit integer. What is no number, and the lowest integer, which has no
+/// positive twin, come out as the genuine player has them: its digits are negative then.
+std::u16string integerText(double number, int radix)
+{
+    constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+    const std::int32_t integer = std::isfinite(number) ? avm1::toInt32(number) : kLowest;
+    if (integer == 0) return u"0";
+    std::int64_t rest = integer == kLowest ? integer : std::abs(integer);
+    std::u16string digits;
+    for (; rest != 0; rest /= radix) {
+        const auto digit = static_cast<int>(rest % radix);
+        digits += static_cast<char16_t>(digit < 10 ? u'0' + digit : u'a' + digit - 10);
+    }
+    if (integer < 0) digits += u'-';
+    std::ranges::reverse(digits);
+    return digits;
+}
+
 Value toString(Call& call)
 {
     const Value number = inner(call);
@@ -35,8 +56,7 @@ Value toString(Call& call)
     int radix = call.count() == 0 ? 10 : toInt32(call.vm, call.arg(0));
     if (radix < 2 || radix > 36) radix = 10;
     if (radix != 10) {
-        // Other bases show the 32-bit integer.
-        return call.vm.string(formatNumber(toInt32(number.number()), radix));
+        return call.vm.string(integerText(number.number(), radix));
     }
     return call.vm.string(formatNumber(number.number()));
 }

@@ -35,9 +35,11 @@ Value addProperty(Call& call)
 
 Value hasOwnProperty(Call& call)
 {
-    Object* self = call.self.asObject();
+    Object* self = toObject(call.vm, call.self);
     if (self == nullptr || call.count() == 0) return Value(false);
     const Name name = toName(call.vm, call.arg(0));
+    // Nothing has a property without a name, even where one was put.
+    if (name.view().empty()) return Value(false);
     return Value(self->hasOwn(call.vm, name) || self->hasHidden(call.vm, name));
 }
 
@@ -61,7 +63,7 @@ Value isPropertyEnumerable(Call& call)
 Value isPrototypeOf(Call& call)
 {
     Object* self = call.self.asObject();
-    Object* object = call.arg(0).asObject();
+    Object* object = toObject(call.vm, call.arg(0));
     if (self == nullptr || object == nullptr) return Value(false);
     int depth = 0;
     for (object = object->listedPrototype(call.vm); object != nullptr && depth < Object::kMaxPrototypeChain;
@@ -123,7 +125,7 @@ constexpr MemberInfo kMembers[] = {
     {"hasOwnProperty",         0,     kFrom6, &hasOwnProperty,    5},
     {"isPrototypeOf",          0,     kFrom6, &isPrototypeOf,     6},
     {"isPropertyEnumerable",   0,     kFrom6, &isPropertyEnumerable, 7},
-    {"toLocaleString",         0,     kFrom6, &toLocaleString},
+    {"toLocaleString",         0,     0, &toLocaleString},
 };
 constexpr MemberInfo kStatics[] = {
     {"registerClass",          0,     0,      &registerClass,     8},

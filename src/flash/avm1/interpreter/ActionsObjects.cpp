@@ -20,6 +20,8 @@ public:
         const auto present = static_cast<double>(frame.operandCount());
         // More arguments than operands: those that are there.
         m_count = count > 0 ? static_cast<std::size_t>(std::min(count, present)) : 0;
+        constexpr double kMostWanted = 65535;
+        m_wanted = count > 0 ? static_cast<std::size_t>(std::min(count, kMostWanted)) : 0;
         // The first argument is pushed last.
         std::reverse(frame.top - m_count, frame.top);
     }
@@ -28,10 +30,12 @@ public:
     StackedArguments& operator=(const StackedArguments&) = delete;
 
     [[nodiscard]] std::span<const Value> values() const { return {m_frame.top - m_count, m_count}; }
+    /// As many as the script said, whether or not they were there.
+    [[nodiscard]] std::size_t wanted() const { return m_wanted; }
 
 private:
     Frame& m_frame;
-    std::size_t m_count;
+    std::size_t m_count, m_wanted;
 };
 
 /// A method without a name is the object itself, called.
@@ -46,9 +50,10 @@ Value receiverFor(Vm& vm, Value base, Value method)
 
 void pushNames(Frame& frame, Value value)
 {
-    frame.push(Value::null());
     Object* object = value.asObject();
-    if (object == nullptr) return;
+    // What has no names ends the loop as well.
+    if (object == nullptr) return frame.push(Value::undefined());
+    frame.push(Value::null());
     const RootedNames names = object->enumerate(frame.vm);
     // The loop pops, so that the first name is pushed last.
     for (auto name = names.rbegin(); name != names.rend(); ++name) frame.push(Value(name->string()));
@@ -131,7 +136,10 @@ void initArray(Frame& frame, const Instruction&)
     Object* array = nullptr;
     {
         const StackedArguments elements(frame);
-        array = frame.vm.newArray(elements.values());
+        // A literal has all elements that it promises.
+        RootedValues all(frame.vm.heap(), elements.values().begin(), elements.values().end());
+        while (all.size() < elements.wanted()) all.push_back(Value());
+        array = frame.vm.newArray(*all);
     }
     // Without its class an array is a list and nothing more.
     Vm& vm = frame.vm;
@@ -275,7 +283,7 @@ void extends(Frame& frame, const Instruction&)
     if (!superclass.isObject() || subclass == nullptr) return;
     Object* prototype = vm.newObject(nullptr);
     prototype->setProto(vm, superclass.object()->get(vm, vm.common().prototype));
-    prototype->define(vm, vm.common().constructorInternal, superclass, kDontEnum);
+    prototype->define(vm, vm.common().constructorInternal, superclass, kDontEnum | kFrom6);
     subclass->put(vm, vm.common().prototype, prototype);
 }
 

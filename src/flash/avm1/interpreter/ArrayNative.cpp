@@ -7,6 +7,23 @@
 namespace flash::avm1
 {
 
+namespace
+{
+
+/// @returns the number that a name like "-17" spells; 0 for other names
+double negativeIndex(std::u16string_view name)
+{
+    if (name.size() < 2 || name.size() > 10 || name[0] != u'-' || name[1] == u'0') return 0;
+    double index = 0;
+    for (const char16_t unit : name.substr(1)) {
+        if (unit < u'0' || unit > u'9') return 0;
+        index = index * 10 + (unit - u'0');
+    }
+    return -index;
+}
+
+} // namespace
+
 void ArrayNative::trace(Tracer& tracer)
 {
     for (const Value element : m_elements) tracer(element);
@@ -62,9 +79,14 @@ void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
     if (index == Atom::kNotIndex) {
         if (name.matches(vm.common().length, vm.isCaseSensitive()) && !self.hasPlain(vm, name)) {
             setLength(vm, self, toInt32(vm, value));
-            if (!value.isNumber()) m_lengthValue = value;
-        } else
+            m_lengthValue = value;
+        } else {
             self.putPlain(vm, name, value);
+            // An index below 0 is a plain property, but moves a length that is below it.
+            const double negative = negativeIndex(name.view());
+            if (negative < 0 && m_lengthValue.isNumber() && negative >= m_lengthValue.number())
+                m_lengthValue = Value(negative + 1);
+        }
         return;
     }
     if (index < m_elements.size()) {

@@ -51,7 +51,7 @@ public:
 private:
     TracedList<Value> m_elements;
     double m_length = 0;
-    Value m_lengthValue = Value(0); ///< what scripts read: texts that were assigned stay texts
+    Value m_lengthValue = Value(0); ///< what scripts read: whatever was assigned stays as it is
     std::uint16_t m_lengthFlags = kBuiltIn;
 };
 

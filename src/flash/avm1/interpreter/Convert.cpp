@@ -85,6 +85,9 @@ String* toString(Vm& vm, Value value)
     case Value::Type::Null: return vm.common().null.string();
     case Value::Type::Object: break;
     }
+    // A text in an object is that text, whatever its toString would say.
+    if (const Boxed* boxed = value.object()->native<Boxed>(); boxed != nullptr && boxed->value.isString())
+        return boxed->value.string();
     if (Native* native = value.object()->nativeBase()) {
         // What stands on the stage is written as its path, without asking toString.
         const Value path = native->primitive(vm, *value.object());
@@ -112,7 +115,12 @@ Name toName(Vm& vm, Value value)
 Object* toObject(Vm& vm, Value value)
 {
     const auto box = [&](Object* prototype) {
+        // As `new` would have made it.
         Object* object = vm.newObject(prototype);
+        Value constructor;
+        prototype->getPlain(vm, vm.common().constructor, prototype, constructor);
+        object->define(vm, vm.common().constructorInternal, constructor, kDontEnum | kFrom6);
+        if (vm.version() < 7) object->define(vm, vm.common().constructor, constructor, kDontEnum);
         object->attachNew<Boxed>(value);
         return object;
     };
@@ -144,13 +152,22 @@ bool looselyEqual(Vm& vm, Value a, Value b)
 {
     if (a.isNullish() && b.isNullish()) return true;
     const auto isClip = [&](Value value) { return value.isObject() && vm.host().isClip(value.object()); };
-    if (a.type() == b.type() && isClip(a) == isClip(b)) return strictlyEqual(a, b);
+    if (a.type() == b.type() && isClip(a) == isClip(b)) {
+        if (vm.version() >= 6 || !a.isObject() || isClip(a)) return strictlyEqual(a, b);
+        // Version 5 asks both, the right one first, even when they are one.
+        const Value right = toPrimitive(vm, b, Hint::Number);
+        const Value left = toPrimitive(vm, a, Hint::Number);
+        if (left.isObject() && right.isObject()) return left.bits() == right.bits();
+        if (!left.isObject() && !right.isObject()) return looselyEqual(vm, left, right);
+        const double number = toNumber(vm, left);
+        return number == toNumber(vm, right);
+    }
     if (a.isObject() || b.isObject()) {
         const Value left = toPrimitive(vm, a, Hint::Number);
         const Value right = toPrimitive(vm, b, Hint::Number);
         if (left.isObject() || right.isObject()) {
-            if (vm.version() >= 6 || (left.isObject() && right.isObject()))
-                return left.bits() == right.bits();
+            if (vm.version() >= 6) return left.bits() == right.bits();
+            if (left.bits() == right.bits()) return true;
             // Version 5 goes on to compare numbers.
             const double number = toNumber(vm, left);
             return number == toNumber(vm, right);
@@ -164,8 +181,9 @@ bool looselyEqual(Vm& vm, Value a, Value b)
 Value lessThan(Vm& vm, Value a, Value b)
 {
     const Value left = toPrimitive(vm, a, Hint::Number);
-    // A clip on the left decides: the right side is not even asked.
-    if (left.isObject() && vm.host().isClip(left.object())) return Value::undefined();
+    // An object on the left decides: the right side is not even asked. A clip is no object here.
+    const auto isPlain = [&](Value value) { return value.isObject() && !vm.host().isClip(value.object()); };
+    if (isPlain(left)) return Value(false);
     const Value right = toPrimitive(vm, b, Hint::Number);
     if (left.isString() && right.isString()) {
         // The empty text comes after all others.
@@ -173,10 +191,7 @@ Value lessThan(Vm& vm, Value a, Value b)
             return Value(!left.string()->isEmpty() && right.string()->isEmpty());
         return Value(left.string()->view() < right.string()->view());
     }
-    const auto isPlainObject = [&](Value value) {
-        return value.isObject() && !vm.host().isClip(value.object());
-    };
-    if (isPlainObject(left) || isPlainObject(right)) return Value(false);
+    if (isPlain(right)) return Value(false);
     const double x = toNumber(vm, left);
     const double y = toNumber(vm, right);
     if (std::isnan(x) || std::isnan(y)) return Value::undefined();

@@ -100,30 +100,32 @@ bool Object::findResolver(const Vm& vm, Value& result) const
     return false;
 }
 
-bool Object::findSetter(Vm& vm, Name name, Object*& setter, Object*& holder)
+Accessor* Object::inheritedAccessor(Vm& vm, Name name, Object*& holder)
 {
     Object* object = prototype(vm);
     for (int depth = 1; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
         const std::uint32_t at = object->findVisible(vm, name);
         if (at != Shape::kMissing) {
             const Shape::Property& property = object->m_shape->properties()[at];
-            if ((property.flags & kAccessor) == 0) return false;
-            setter = reinterpret_cast<Accessor*>(object->m_slots[property.slot].object())->setter;
+            if ((property.flags & kAccessor) == 0) return nullptr;
             holder = object;
-            return true;
+            return reinterpret_cast<Accessor*>(object->m_slots[property.slot].object());
         }
         object = object->prototype(vm);
     }
     if (object != nullptr) vm.abortScript(kChainTooLong);
-    return false;
+    return nullptr;
 }
 
 void Object::put(Vm& vm, Name name, Value value)
 {
-    if (!hasOwn(vm, name)) {
-        Object* setter = nullptr;
+    if (hasWatches() && !callWatch(vm, name, value)) return;
+    // A prototype with a `__proto__` of its own making has no say in that of others.
+    if (!hasOwn(vm, name) && !name.matches(vm.common().proto, vm.isCaseSensitive())) {
         Object* holder = nullptr;
-        if (findSetter(vm, name, setter, holder)) {
+        if (Accessor* accessor = inheritedAccessor(vm, name, holder)) {
+            Object* setter = accessor->setter;
+            accessor->value = value;
             if (setter != nullptr) vm.callAccessor(setter, this, {&value, 1}, holder);
             return;
         }
@@ -274,34 +276,24 @@ void Object::putPlain(Vm& vm, Name name, Value value)
         if ((m_protoFlags & kReadOnly) == 0) setProto(vm, value);
         return;
     }
-    if (hasWatches()) {
-        Value old;
-        getPlain(vm, name, this, old);
-        value = callWatch(vm, name, old, value);
-        // The callback may have changed anything.
-        return putUnwatched(vm, name, value);
-    }
-    putUnwatched(vm, name, value);
-}
-
-void Object::putUnwatched(Vm& vm, Name name, Value value)
-{
-    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
     if (at == Shape::kMissing) return addProperty(vm, name, value, 0);
     const Shape::Property& property = m_shape->properties()[at];
     if (!isVisible(property.flags, vm.version())) {
-        // The value is taken, but stays hidden where it is for version 6 or 7 on; the other marks go.
+        // The value is taken and the marks that hide it go, so that it shows; but version 6 leaves the mark
+        // for version 7 on.
         const std::uint32_t slot = property.slot;
-        changeFlagsAt(
-            vm, at,
-            static_cast<std::uint16_t>(property.flags & ~(kNot6 | kFrom8 | kFrom9 | kFrom10 | kAccessor)));
+        const std::uint16_t stays = vm.version() == 6 ? kFrom7 : 0;
+        changeFlagsAt(vm, at,
+                      static_cast<std::uint16_t>(property.flags & (~(kVersionMask | kAccessor) | stays)));
         m_slots[slot] = value;
         return;
     }
     if ((property.flags & kAccessor) != 0) {
-        Object* setter = reinterpret_cast<Accessor*>(m_slots[property.slot].object())->setter;
-        if (setter != nullptr && (property.flags & kReadOnly) == 0)
-            vm.callAccessor(setter, this, {&value, 1}, this);
+        auto* accessor = reinterpret_cast<Accessor*>(m_slots[property.slot].object());
+        Object* setter = accessor->setter;
+        if (setter == nullptr || (property.flags & kReadOnly) != 0) return;
+        accessor->value = value;
+        vm.callAccessor(setter, this, {&value, 1}, this);
         return;
     }
     if ((property.flags & kReadOnly) == 0) m_slots[property.slot] = value;
@@ -313,7 +305,8 @@ bool Object::deletePlain(Vm& vm, Name name)
     if (at == Shape::kMissing) {
         if (!isProtoVisible(vm) || !name.matches(vm.common().proto, vm.isCaseSensitive())) return false;
         if ((m_protoFlags & kDontDelete) != 0) return false;
-        setProto(vm, {});
+        // From version 7 on only the property goes; look-ups still find what it named.
+        if (vm.version() < 7) setProto(vm, {});
         m_protoIsSet = false;
         return true;
     }
@@ -366,8 +359,12 @@ void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, s
     }
     auto* accessor = vm.heap().make<Accessor>(getter, setter, before);
     // Boxed as an object so that tracing finds it; the flag keeps scripts from ever seeing it.
-    define(vm, name, Value(reinterpret_cast<Object*>(static_cast<Cell*>(accessor))),
-           static_cast<std::uint16_t>(flags | kAccessor));
+    const Value boxed(reinterpret_cast<Object*>(static_cast<Cell*>(accessor)));
+    const auto all = static_cast<std::uint16_t>(flags | kAccessor);
+    // A `__proto__` with a getter is a property like others, beside the real one.
+    if (name == vm.common().proto && m_shape->find(name, vm.isCaseSensitive()) == Shape::kMissing)
+        return addProperty(vm, name, boxed, all);
+    define(vm, name, boxed, all);
 }
 
 std::uint16_t Object::flagsOf(const Vm& vm, Name name) const
@@ -460,6 +457,8 @@ Object* Object::visiblePrototype(const Vm& vm) const
 
 Object* Object::listedPrototype(const Vm& vm) const
 {
+    // Look-ups go on past a __proto__ that was deleted; these do not.
+    if (!m_protoIsSet) return nullptr;
     Object* object = prototype(vm);
     const std::uint16_t hides = vm.version() == 7   ? kFrom8
                                 : vm.version() == 8 ? kFrom9
@@ -470,16 +469,22 @@ Object* Object::listedPrototype(const Vm& vm) const
 
 bool Object::isInstance(Vm& vm, Object* prototype) const
 {
-    const Object* object = this;
-    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
-        object = object->prototype(vm);
-        if (object == prototype) return true;
-        if (object == nullptr || object->m_extras == nullptr) continue;
-        for (const Object* interface : object->m_extras->interfaces) {
-            if (interface == prototype || interface->isInstance(vm, prototype)) return true;
+    // Of an object's prototypes, the interfaces of each, and what those extend in turn. Scripts can make a
+    // circle of them.
+    int left = kMaxPrototypeChain * 4;
+    const auto reaches = [&](const auto& self, const Object* from, bool isInterface) -> bool {
+        const Object* object = isInterface ? from : from->listedPrototype(vm);
+        for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain && left-- > 0; ++depth) {
+            if (object == prototype) return true;
+            if (object->m_extras != nullptr) {
+                for (const Object* interface : object->m_extras->interfaces)
+                    if (self(self, interface, true)) return true;
+            }
+            object = object->listedPrototype(vm);
         }
-    }
-    return false;
+        return false;
+    };
+    return reaches(reaches, this, false);
 }
 
 void Object::attach(Native* native)
@@ -518,12 +523,15 @@ void Object::watch(Name name, Object* callback, Value userData)
 bool Object::unwatch(Vm& vm, Name name)
 {
     if (m_extras == nullptr) return false;
+    // A property with a getter keeps its watch for good.
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    if (at != Shape::kMissing && (m_shape->properties()[at].flags & kAccessor) != 0) return false;
     return std::erase_if(m_extras->watches, [&](const Watch& watch) {
                return watch.name.matches(name, vm.isCaseSensitive());
            }) > 0;
 }
 
-Value Object::callWatch(Vm& vm, Name name, Value oldValue, Value newValue)
+bool Object::callWatch(Vm& vm, Name name, Value& value)
 {
     const auto find = [&]() -> Watch* {
         for (Watch& watch : m_extras->watches) {
@@ -532,13 +540,29 @@ Value Object::callWatch(Vm& vm, Name name, Value oldValue, Value newValue)
         return nullptr;
     };
     Watch* watch = find();
-    if (watch == nullptr || watch->running) return newValue;
+    // From version 7 on a callback that sets what it watches is called again, as deep as setters may nest.
+    if (watch == nullptr || (watch->running && vm.version() < 7)) return true;
+    // The old value is what was last put there: a getter is not asked.
+    Value old;
+    Object* holder = nullptr;
+    const std::uint32_t at = findVisible(vm, name);
+    bool isOwn = at != Shape::kMissing;
+    if (isOwn) {
+        const Shape::Property& property = m_shape->properties()[at];
+        old = m_slots[property.slot];
+        if ((property.flags & kAccessor) != 0) old = reinterpret_cast<Accessor*>(old.object())->value;
+    } else if (const Accessor* accessor = inheritedAccessor(vm, name, holder)) {
+        old = accessor->value;
+    } else if (!hasHooks() && !name.matches(vm.common().proto, vm.isCaseSensitive())) {
+        addProperty(vm, name, {}, 0);
+        isOwn = true;
+    }
     watch->running = true;
-    const Value result =
-        vm.call(watch->callback, this, {Value(name.string()), oldValue, newValue, watch->userData});
-    // The callback may have added or removed watches.
+    const Value args[] = {Value(name.string()), old, value, watch->userData};
+    value = vm.callAccessor(watch->callback, this, args, this);
+    // The callback may have added or removed watches, and taken the property away.
     if (Watch* still = find()) still->running = false;
-    return result;
+    return !isOwn || hasPlain(vm, name);
 }
 
 void Object::addInterface(Object* prototype) { extras().interfaces.push_back(prototype); }

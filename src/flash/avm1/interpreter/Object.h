@@ -27,7 +27,7 @@ public:
     void trace(Tracer& tracer) override;
     Object* getter;
     Object* setter;
-    Value value; ///< what the property held before; __resolve is called past its accessor
+    Value value; ///< what was last put; __resolve is called past its accessor
 };
 
 /// Collects the names that a for-in loop walks, without duplicates and without hidden names.
@@ -163,7 +163,7 @@ public:
             return object;
         return visiblePrototype(vm);
     }
-    /// As prototype(), by the rules of for-in loops and isPrototypeOf.
+    /// As prototype(), by the rules of for-in loops, isPrototypeOf and instanceof.
     [[nodiscard]] Object* listedPrototype(const Vm& vm) const;
     void setProto(Vm& vm, Value proto);
     /// @returns whether `prototype` is in the chain, interfaces included (the instanceof operator).
@@ -262,15 +262,17 @@ private:
     void noteProtoChange(Vm& vm);
     Extras& extras();
     void addProperty(Vm& vm, Name name, Value value, std::uint16_t flags);
-    void putUnwatched(Vm& vm, Name name, Value value);
     void changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags);
     void becomeUnshared(Vm& vm);
     void noteShapeChange(Vm& vm, Shape::Change change);
-    Value callWatch(Vm& vm, Name name, Value oldValue, Value newValue);
+    /// Asks the callback of a watched property, if it is one. @param value in: to be put; out: what the
+    /// callback wants to be put. @returns whether anything is to be put
+    bool callWatch(Vm& vm, Name name, Value& value);
     [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
     bool findResolver(const Vm& vm, Value& result) const;
-    bool findSetter(Vm& vm, Name name, Object*& setter, Object*& holder);
+    /// @returns the getter and setter that an assignment to a property that is not this object's own meets
+    Accessor* inheritedAccessor(Vm& vm, Name name, Object*& holder);
 
     Exotic m_exotic = Exotic::None;
     bool m_isPrototype = false; // of some object: its changes outdate caches that looked through it

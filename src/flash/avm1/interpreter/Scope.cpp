@@ -41,6 +41,16 @@ Object* scriptedWrapper(Vm& vm, Value primitive, Name className)
     return wrapped.isObject() ? wrapped.object() : vm.newObject(nullptr);
 }
 
+/// As of the object that would be made around the value, which is not made for it.
+Value memberOfPrimitive(Vm& vm, Object* prototype, Name name, Value primitive)
+{
+    const bool sensitive = vm.isCaseSensitive();
+    if (name.matches(vm.common().proto, sensitive)) return prototype;
+    if (vm.version() >= 6 && name.matches(vm.common().constructorInternal, sensitive))
+        return prototype->get(vm, vm.common().constructor);
+    return prototype->get(vm, name, primitive);
+}
+
 } // namespace
 
 Value Interpreter::getMember(Vm& vm, Value base, Name name)
@@ -51,9 +61,9 @@ Value Interpreter::getMember(Vm& vm, Value base, Name name)
         if (!vm.isBuiltInString()) return scriptedWrapper(vm, base, vm.common().string)->get(vm, name);
         if (!vm.builtIns().string->hasOwn(vm, name) && name.matches(vm.common().length, vm.isCaseSensitive()))
             return Value(static_cast<double>(base.string()->length()));
-        return vm.builtIns().string->get(vm, name, base);
-    case Value::Type::Number: return vm.builtIns().number->get(vm, name, base);
-    case Value::Type::Boolean: return vm.builtIns().boolean->get(vm, name, base);
+        return memberOfPrimitive(vm, vm.builtIns().string, name, base);
+    case Value::Type::Number: return memberOfPrimitive(vm, vm.builtIns().number, name, base);
+    case Value::Type::Boolean: return memberOfPrimitive(vm, vm.builtIns().boolean, name, base);
     case Value::Type::Undefined:
     case Value::Type::Null: break;
     }
