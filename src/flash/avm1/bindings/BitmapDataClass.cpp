@@ -448,6 +448,7 @@ Value compare(Call& call)
     const std::shared_ptr<swf::Bitmap> own = native->bitmap;
     if (own->width != other->width) return kOtherWidth;
     if (own->height != other->height) return kOtherHeight;
+    if (!hasRoomFor(call.vm, own->width, own->height)) return {};
     const auto difference = newBitmap(own->width, own->height, true, 0);
     bool same = true;
     for (int y = 0; y < own->height; ++y) {
