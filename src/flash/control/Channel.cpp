@@ -42,12 +42,17 @@ base::Result<std::pair<int, int>> Channel::pair()
     return std::pair(ends[0], ends[1]);
 }
 
-bool Channel::queue(std::vector<std::uint8_t> bytes, int attached)
+bool Channel::put(std::vector<std::uint8_t> bytes, int attached)
 {
     if (m_ended) return false;
     m_waitingBytes += bytes.size();
-    m_outgoing.push_back({std::move(bytes), 0, attached < 0 ? -1 : fcntl(attached, F_DUPFD_CLOEXEC, 0)});
-    return flush();
+    constexpr std::size_t kJoinedBytes = 1U << 14U;
+    const bool joins = attached < 0 && !m_outgoing.empty() && m_outgoing.back().bytes.size() < kJoinedBytes;
+    if (joins)
+        m_outgoing.back().bytes.insert(m_outgoing.back().bytes.end(), bytes.begin(), bytes.end());
+    else
+        m_outgoing.push_back({std::move(bytes), 0, attached < 0 ? -1 : fcntl(attached, F_DUPFD_CLOEXEC, 0)});
+    return true;
 }
 
 bool Channel::flush()

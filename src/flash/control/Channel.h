@@ -34,9 +34,15 @@ public:
     template <class Message>
     bool send(const Message& message, int attached = -1)
     {
+        return queue(message, attached) && flush();
+    }
+    /// As send(), and waits for the next flush(): what is said together goes together.
+    template <class Message>
+    bool queue(const Message& message, int attached = -1)
+    {
         std::vector<std::uint8_t> bytes;
         encode(message, bytes);
-        return queue(std::move(bytes), attached);
+        return put(std::move(bytes), attached);
     }
     /// Sends what goes through. @returns false when the connection has ended.
     bool flush();
@@ -63,7 +69,7 @@ private:
         std::size_t sent = 0;
         int attached = -1; // owned
     };
-    bool queue(std::vector<std::uint8_t> bytes, int attached);
+    bool put(std::vector<std::uint8_t> bytes, int attached);
     bool split();
 
     int m_descriptor;

@@ -3,6 +3,8 @@
 #include "flash/Engine.h"
 #include "flash/sound/Mixer.h"
 
+#include <QRegion>
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -21,6 +23,15 @@ constexpr std::size_t kSoundAheadFrames = sound::kMixRate / 16;
 constexpr int kSoundWaitMs = 20;
 // A window that does not listen stops a movie that talks.
 constexpr std::size_t kMaxUnsentBytes = 1U << 18U;
+
+/// Between pictures of one size.
+void copyPart(const QImage& from, QImage& to, const QRect& part)
+{
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        std::copy_n(reinterpret_cast<const QRgb*>(from.constScanLine(y)) + part.left(), part.width(),
+                    reinterpret_cast<QRgb*>(to.scanLine(y)) + part.left());
+    }
+}
 
 [[noreturn]] void endWith(FarExit status) { _exit(static_cast<int>(status)); }
 
@@ -68,6 +79,7 @@ int FarEnd::msToWait()
 
 bool FarEnd::exchange(int ms)
 {
+    if (!m_channel.flush()) m_gone = true;
     pollfd socket{m_channel.descriptor(), POLLIN, 0};
     if (m_channel.waitingBytes() > 0) socket.events |= POLLOUT;
     const int ready = poll(&socket, 1, ms);
@@ -165,14 +177,10 @@ void FarEnd::publishPicture()
     if (changed.isEmpty()) return;
     const auto index = static_cast<std::size_t>(free);
     QImage& picture = m_picture[index];
-    // What the pictures before it brought is copied, which costs less than drawing it again.
+    // What the pictures before it brought, and what is not drawn anew, is copied.
     if (m_last >= 0 && m_last != free) {
-        const QImage& last = m_picture[static_cast<std::size_t>(m_last)];
-        const QRect missed = m_stale[index];
-        for (int y = missed.top(); y <= missed.bottom(); ++y) {
-            std::copy_n(reinterpret_cast<const QRgb*>(last.constScanLine(y)) + missed.left(), missed.width(),
-                        reinterpret_cast<QRgb*>(picture.scanLine(y)) + missed.left());
-        }
+        for (const QRect& missed : QRegion(m_stale[index]) - changed)
+            copyPart(m_picture[static_cast<std::size_t>(m_last)], picture, missed);
     }
     m_runner.render(picture, changed);
     for (QRect& stale : m_stale) stale |= changed;
@@ -213,7 +221,7 @@ void FarEnd::fillRing()
 
 void FarEnd::say(FromMovie message)
 {
-    if (!m_channel.send(message)) m_gone = true;
+    if (!m_channel.queue(message)) m_gone = true;
     while (!m_gone && m_channel.waitingBytes() > kMaxUnsentBytes) exchange(-1);
 }
 

@@ -21,7 +21,7 @@ namespace flash::control
 namespace
 {
 
-constexpr int kWatchMs = 500, kSoundMs = 30, kPictureMs = 40;
+constexpr int kWatchMs = 500, kSoundMs = 30, kPictureMs = 40, kStartMs = 3000;
 // Between input that a busy movie has not taken yet, moves of the mouse are left out.
 constexpr std::size_t kMuchUnsentBytes = 1U << 14U, kTooMuchUnsentBytes = 32U << 20U;
 // So many messages of a movie are handled before the window gets its turn again.
@@ -111,6 +111,8 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
         std::error_code unwritable;
         std::filesystem::create_directories(m_storage, unwritable);
     }
+    // A process that is only just starting is not one that is busy.
+    waitFor([this] { return m_greeted; }, kStartMs);
     m_loaded.reset();
     send(load, file);
     close(file);
@@ -180,6 +182,11 @@ void RemoteMovie::receive()
 
 void RemoteMovie::take(FromMovie message)
 {
+    if (const auto* hello = std::get_if<Hello>(&message)) {
+        m_greeted = true;
+        if (hello->version != kProtocolVersion) ended();
+        return;
+    }
     if (const auto* state = std::get_if<State>(&message)) {
         m_state = *state;
         if (m_state.silent == 0 && m_audio && !m_soundTimer.isActive()) m_soundTimer.start(kSoundMs);

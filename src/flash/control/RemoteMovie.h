@@ -74,7 +74,7 @@ private:
     std::optional<Value> m_value;
     QElapsedTimer m_unanswered; // since the oldest Sync that was not answered
     QTimer m_watch, m_soundTimer;
-    bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false;
+    bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false, m_greeted = false;
 };
 
 } // namespace flash::control

@@ -378,6 +378,8 @@ TEST(FlashControl, TakesOnlySoMuchAtOnceFromAMovie)
     for (const int byte : {2, 0, back & 255, back >> 8 & 255})
         actions.push_back(static_cast<std::uint8_t>(byte));
     ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::blank(actions))));
+    if (control.hasOwnProcess())
+        GTEST_SKIP() << "commands come when the script has ended, which nobody watches";
     EXPECT_GT(heard, 10);
     EXPECT_LT(heard, 500);
     EXPECT_TRUE(log.contains("The movie says more at once than is listened to."))
