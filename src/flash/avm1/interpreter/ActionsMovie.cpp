@@ -4,6 +4,8 @@
 #include "base/TextCodes.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 // Actions on the movie: timelines, clips, addresses. Each asks the host.
 namespace flash::avm1::actions
@@ -29,23 +31,30 @@ Object* clipFrom(Frame& frame, Value value)
     return object != nullptr && frame.vm.host().isStageObject(object) ? object : nullptr;
 }
 
+/// A target that leads nowhere is the root, with a word about it; so is, from version 7 on, an undefined one.
 void setTargetTo(Frame& frame, Value value)
 {
-    if (value.isObject() && frame.vm.host().isStageObject(value.object())) {
+    Vm& vm = frame.vm;
+    if (value.isObject() && vm.host().isStageObject(value.object())) {
         frame.target = value.object();
-        return;
-    }
-    const std::u16string path = toText(frame.vm, value);
-    if (path.empty()) {
-        frame.target = frame.baseTarget;
+        frame.targetIsLost = false;
         return;
     }
     // Paths start at the clip the script belongs to, whatever was targeted before.
     frame.target = frame.baseTarget;
+    frame.targetIsLost = false;
+    const std::u16string path = toText(vm, value);
+    if (path.empty() || frame.baseTarget == nullptr) return;
     Object* object = Interpreter::resolve(frame, path);
-    frame.target = object != nullptr && frame.vm.host().isClip(object) ? object : nullptr;
-    if (frame.target == nullptr)
-        frame.vm.host().log("Target not found: Target=\"" + base::utf8FromUtf16(path) + "\"");
+    if (object != nullptr && vm.host().isClip(object)) {
+        frame.target = object;
+        return;
+    }
+    frame.target = vm.host().root(frame.baseTarget);
+    frame.targetIsLost = true;
+    if (value.isUndefined()) return;
+    vm.host().log(base::utf8FromUtf16(u"Target not found: Target=\"" + path + u"\" Base=\"" +
+                                      vm.host().targetPath(frame.baseTarget) + u"\""));
 }
 
 /// A frame as scripts name it: a number counted from 1, a label, or either behind a path ("/clip:label").
@@ -59,11 +68,14 @@ struct FrameReference {
 /// has no predecessor.
 int frameIndex(double number) { return std::max(avm1::toInt32(number), 0) - 1; }
 
+/// A number with a fraction, as a number or as text, is no frame but a label.
+bool isFrameNumber(double number) { return std::trunc(number) == number; }
+
 FrameReference frameFrom(Frame& frame, Value value)
 {
     Vm& vm = frame.vm;
     FrameReference reference{clipOf(frame), {}, {}};
-    if (value.isNumber()) {
+    if (value.isNumber() && isFrameNumber(value.number())) {
         reference.frame = frameIndex(value.number());
         return reference;
     }
@@ -75,7 +87,7 @@ FrameReference frameFrom(Frame& frame, Value value)
         text.erase(0, colon + 1);
     }
     const double number = parseNumber(text, 5);
-    if (!text.empty() && number == number)
+    if (!text.empty() && isFrameNumber(number))
         reference.frame = frameIndex(number);
     else
         reference.label = std::move(text);
@@ -98,10 +110,12 @@ UrlRequest::Method methodFrom(unsigned bits)
     }
 }
 
-bool isLevel(std::u16string_view name)
+bool isLevel(const Vm& vm, std::u16string_view name)
 {
     constexpr std::u16string_view kPrefix = u"_level";
-    return name.size() > kPrefix.size() && AtomTable::fold(name.substr(0, kPrefix.size())) == kPrefix &&
+    const std::u16string_view start = name.substr(0, kPrefix.size());
+    return name.size() > kPrefix.size() &&
+           (vm.isCaseSensitive() ? start == kPrefix : AtomTable::fold(start) == kPrefix) &&
            name.find_first_not_of(u"0123456789", kPrefix.size()) == std::u16string_view::npos;
 }
 
@@ -142,10 +156,11 @@ void gotoFrame2(Frame& frame, const Instruction& instruction)
     const bool play = (instruction.a & 1) != 0;
     const FrameReference reference = frameFrom(frame, frame.pop());
     if (reference.clip == nullptr) return;
-    if (reference.frame)
-        frame.vm.host().gotoFrame(reference.clip, *reference.frame + static_cast<int>(instruction.b), play);
-    else
-        frame.vm.host().gotoLabel(reference.clip, reference.label, play);
+    const std::optional<int> number =
+        reference.frame ? reference.frame : frame.vm.host().frameByLabel(reference.clip, reference.label);
+    // The frame counts from the start of a scene, whose first frame the action tells.
+    if (number && *number >= 0)
+        frame.vm.host().gotoFrame(reference.clip, *number + static_cast<int>(instruction.b), play);
 }
 
 void call(Frame& frame, const Instruction&)
@@ -166,10 +181,17 @@ void waitForFrame(Frame& frame, const Instruction& instruction)
 
 void waitForFrame2(Frame& frame, const Instruction& instruction)
 {
-    const FrameReference reference = frameFrom(frame, frame.pop());
+    const Value value = frame.pop();
+    const FrameReference reference = frameFrom(frame, value);
     if (reference.clip == nullptr) return;
-    const std::optional<int> number =
-        reference.frame ? reference.frame : frame.vm.host().frameByLabel(reference.clip, reference.label);
+    std::optional<int> number = frame.vm.host().frameByLabel(reference.clip, reference.label);
+    if (reference.frame) {
+        // Here the number that has no predecessor wraps around, and others below 1 are frames long past.
+        const double counted = value.isNumber() ? value.number() : *reference.frame + 1.0;
+        const std::int32_t whole = avm1::toInt32(counted);
+        number = whole == std::numeric_limits<std::int32_t>::min() ? std::numeric_limits<std::int32_t>::max()
+                                                                   : whole - 1;
+    }
     if (number && !frame.vm.host().isFrameLoaded(reference.clip, *number))
         Interpreter::jump(frame, instruction.b);
 }
@@ -184,7 +206,8 @@ void getProperty(Frame& frame, const Instruction&)
 {
     const double index = toNumber(frame.vm, frame.pop());
     Object* clip = clipFrom(frame, frame.pop());
-    frame.push(clip == nullptr ? Value() : frame.vm.host().property(clip, avm1::toInt32(index)));
+    const bool isKnown = clip != nullptr && index == index;
+    frame.push(isKnown ? frame.vm.host().property(clip, avm1::toInt32(index)) : Value());
 }
 
 void setProperty(Frame& frame, const Instruction&)
@@ -192,7 +215,7 @@ void setProperty(Frame& frame, const Instruction&)
     const Value value = frame.pop();
     const double index = toNumber(frame.vm, frame.pop());
     Object* clip = clipFrom(frame, frame.pop());
-    if (clip != nullptr) frame.vm.host().setProperty(clip, avm1::toInt32(index), value);
+    if (clip != nullptr && index == index) frame.vm.host().setProperty(clip, avm1::toInt32(index), value);
 }
 
 void cloneSprite(Frame& frame, const Instruction&)
@@ -266,7 +289,7 @@ void getUrl(Frame& frame, const Instruction& instruction)
     const std::u16string_view window = frame.code->literal(instruction.b + 1).string()->view();
     if (isCommand(url)) return frame.vm.host().fsCommand(url.substr(kCommandPrefixUnits), window);
     UrlRequest request;
-    request.kind = isLevel(window) ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
+    request.kind = isLevel(frame.vm, window) ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
     request.url = url;
     request.window = window;
     request.sender = frame.target;
@@ -287,17 +310,20 @@ void getUrl2(Frame& frame, const Instruction& instruction)
     request.window = isClipValue            ? vm.host().targetPath(target.object())
                      : target.isUndefined() ? std::u16string()
                                             : toText(vm, target);
+    // Made text of once: it may be a script that does.
+    const Value place = isClipValue ? target : Value(vm.string(request.window));
     if (isCommand(url))
         return vm.host().fsCommand(std::u16string_view(url).substr(kCommandPrefixUnits), request.window);
     if ((instruction.a & kVariables) != 0) {
         request.kind = UrlRequest::Kind::Variables;
-        request.target = clipFrom(frame, target);
+        request.target = clipFrom(frame, place);
     } else if ((instruction.a & kIntoTarget) != 0) {
-        request.kind = isLevel(request.window) && !isClipValue ? UrlRequest::Kind::MovieIntoLevel
-                                                               : UrlRequest::Kind::MovieIntoClip;
-        request.target = clipFrom(frame, target);
+        request.kind = isLevel(vm, request.window) && !isClipValue ? UrlRequest::Kind::MovieIntoLevel
+                                                                   : UrlRequest::Kind::MovieIntoClip;
+        request.target = clipFrom(frame, place);
     } else {
-        request.kind = isLevel(request.window) ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
+        request.kind =
+            isLevel(vm, request.window) ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
     }
     vm.host().requestUrl(request);
 }

@@ -171,6 +171,7 @@ void newObject(Frame& frame, const Instruction& instruction)
         result = Interpreter::construct(frame.vm, constructor, args.values());
     }
     frame.push(result);
+    Interpreter::checkClip(frame);
 }
 
 void newMethod(Frame& frame, const Instruction&)
@@ -185,6 +186,7 @@ void newMethod(Frame& frame, const Instruction&)
         result = Interpreter::construct(frame.vm, constructor, args.values());
     }
     frame.push(result);
+    if (base.isObject()) Interpreter::checkClip(frame);
 }
 
 void callFunction(Frame& frame, const Instruction& instruction)
@@ -227,7 +229,8 @@ void callMethod(Frame& frame, const Instruction& instruction)
         }
     }
     frame.push(result);
-    Interpreter::checkClip(frame);
+    // What is no object was not called.
+    if (base.isObject()) Interpreter::checkClip(frame);
 }
 
 void enumerate(Frame& frame, const Instruction&)

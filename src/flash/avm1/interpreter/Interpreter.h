@@ -37,6 +37,7 @@ struct Frame {
     Value result{};
     bool returned = false;
     bool isConstruct = false;  ///< called by `new`
+    bool targetIsLost = false; ///< SetTarget led nowhere: the root stands in, but only with its variables
     bool endsWithClip = false; ///< a clip's own script, which stops when the clip is removed
     int version = 8;
     int withDepth = 0;

@@ -2,6 +2,7 @@
 #include "flash/avm1/interpreter/Interpreter.h"
 
 #include <algorithm>
+#include <utility>
 
 // Members and variables: where a name leads to, and the caches that remember it.
 namespace flash::avm1
@@ -109,7 +110,9 @@ Value Interpreter::getPlainVariable(Frame& frame, Name name, Object** thisOfCall
         if (object != nullptr) {
             Value result;
             const Value receiver(object);
-            const bool found = object->find(vm, name, result, receiver);
+            const bool lost = frame.targetIsLost && scope->kind == Scope::Kind::Target;
+            const bool found = lost ? object->getPlain(vm, name, receiver, result)
+                                    : object->find(vm, name, result, receiver);
             if (found) {
                 if (thisOfCall != nullptr) *thisOfCall = object;
                 return result;
@@ -150,9 +153,17 @@ void Interpreter::setVariable(Frame& frame, Name name, Value value)
 {
     Vm& vm = frame.vm;
     if (name.isPath()) return setPath(frame, name, value);
+    bool own = frame.callee != nullptr;
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
         if (scope->kind == Scope::Kind::Target) break;
-        if (!scope->object->has(vm, name)) continue;
+        if (!scope->object->has(vm, name)) {
+            if (scope->kind != Scope::Kind::Activation || !std::exchange(own, false)) continue;
+            // To a function `this` is one of its variables.
+            if ((frame.callee->code()->head.flags & FunctionHead::SuppressThis) != 0) continue;
+            if (!name.matches(vm.common().self, frame.isCaseSensitive())) continue;
+            frame.self = value;
+            return;
+        }
         scope->object->put(vm, name, value);
         return;
     }
@@ -174,12 +185,13 @@ bool Interpreter::deleteVariable(Frame& frame, Name name)
 namespace
 {
 
+/// "/a/b:c", "a.b.c" and "a/b.c" name the variable c of something: the last dot or colon divides them. "a/b"
+/// is a whole.
 struct SplitPath {
     std::u16string_view base, name;
     bool hasBase;
 };
 
-/// "/a/b:c", "a.b.c" and "a/b.c" name the variable c of something; "a/b" is a whole.
 SplitPath splitVariable(std::u16string_view path)
 {
     const std::size_t at = path.find_last_of(u".:");
@@ -187,7 +199,88 @@ SplitPath splitVariable(std::u16string_view path)
     return {path.substr(0, at), path.substr(at + 1), true};
 }
 
+/// One name of a path: children of clips go before variables.
+Object* step(Vm& vm, Object* object, std::u16string_view name)
+{
+    if (name == u"this") return object;
+    // Levels have names that no child takes from them.
+    if (name[0] != u'_' && vm.host().isStageObject(object)) {
+        if (Object* child = vm.host().child(object, name, vm.isCaseSensitive())) return child;
+    }
+    Value member;
+    object->find(vm, vm.name(name), member, object);
+    return member.asObject();
+}
+
+bool isRooted(std::u16string_view path) { return !path.empty() && path[0] == u'/'; }
+
+/// Goes through the objects that a name may start from: what is in scope from the inside out, then the global
+/// object. @param visit returns true to end the walk
+template <class Visit>
+void forEachStart(Frame& frame, std::u16string_view path, Visit visit)
+{
+    Object* const target = frame.variableTarget();
+    if (isRooted(path)) {
+        if (target != nullptr) visit(target);
+        return;
+    }
+    const std::size_t end = path.find_first_of(u"/.:");
+    if (path.substr(0, end) == u"this") {
+        const Value self =
+            Interpreter::getPlainVariable(frame, frame.vm.name(std::string_view("this")), nullptr);
+        if (self.isObject()) visit(self.object());
+        return;
+    }
+    for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
+        Object* object = scope->kind == Scope::Kind::Target ? target : scope->object;
+        if (object != nullptr && visit(object)) return;
+        if (frame.vm.isUnwinding()) return;
+    }
+    if (frame.version > 4) visit(frame.vm.global());
+}
+
 } // namespace
+
+/// The grammar, the same for variables, targets and addresses of clips:
+/// - a leading slash starts at the root; a leading colon is passed over, if anything follows;
+/// - names are parted by dots, slashes and colons; behind a part more colons may follow, if a name does;
+/// - from the first slash or `..` on, a dot is a letter like others;
+/// - `..` is the parent; it does not follow a dot, and only a slash or a colon follows it;
+/// - one separator may end the path.
+Object* Vm::resolveTarget(Object* base, std::u16string_view path)
+{
+    Object* object = base;
+    std::size_t at = 0;
+    bool slashed = false;
+    if (isRooted(path)) {
+        if (base == nullptr) return nullptr;
+        object = m_host.root(base);
+        at = 1;
+        slashed = true;
+    } else if (!path.empty() && path[0] == u':') {
+        if (path.size() == 1) return nullptr;
+        at = 1;
+    }
+    while (at < path.size() && object != nullptr) {
+        while (at < path.size() && path[at] == u':') ++at;
+        if (at == path.size()) return nullptr;
+        std::size_t end = 0;
+        if (path.compare(at, 2, u"..") == 0) {
+            end = at + 2;
+            if (at > 0 && path[at - 1] == u'.') return nullptr;
+            if (end < path.size() && path[end] != u'/' && path[end] != u':') return nullptr;
+            slashed = true;
+            object = m_host.parent(object);
+        } else {
+            end = std::min(path.find_first_of(slashed ? u"/:" : u"/:.", at), path.size());
+            if (end == at) return nullptr;
+            object = step(*this, object, path.substr(at, end - at));
+        }
+        if (end < path.size() && path[end] == u'/') slashed = true;
+        at = end + 1;
+    }
+    return object;
+}
 
 Value Interpreter::getPath(Frame& frame, Name name, Object** thisOfCall)
 {
@@ -195,24 +288,36 @@ Value Interpreter::getPath(Frame& frame, Name name, Object** thisOfCall)
     const std::u16string_view path = name.view();
     const SplitPath split = splitVariable(path);
     if (split.hasBase) {
-        Object* base = resolve(frame, split.base);
-        if (base == nullptr || split.name.empty()) return {};
-        if (thisOfCall != nullptr) *thisOfCall = base;
-        return base->get(vm, vm.name(split.name));
+        if (split.base.empty() || split.name.empty()) return {};
+        const Name member = vm.name(split.name);
+        Object* first = nullptr;
+        Object* holder = nullptr;
+        Value result;
+        // A start whose object lacks the variable does not end the search.
+        forEachStart(frame, split.base, [&](Object* start) {
+            Object* object = vm.resolveTarget(start, split.base);
+            if (object == nullptr) return false;
+            if (first == nullptr) first = object;
+            if (!object->find(vm, member, result, object)) return false;
+            holder = object;
+            return true;
+        });
+        if (vm.isUnwinding()) return {};
+        if (holder == nullptr && first != nullptr) {
+            holder = first;
+            result = first->get(vm, member);
+        }
+        if (thisOfCall != nullptr && holder != nullptr) *thisOfCall = holder;
+        return result;
     }
-    // Slashes alone: a clip, a variable of that very name, or a variable in a clip. Version 5 looks for the
-    // variable first.
+    // Slashes alone: a clip, or a variable of that very name.
     Object* target = frame.variableTarget();
     if (target == nullptr) return {};
+    if (Object* clip = vm.resolveTarget(target, path); clip != nullptr && vm.host().isStageObject(clip))
+        return clip;
     Value result;
-    if (frame.version == 5 && target->getPlain(vm, name, target, result)) return result;
-    if (Object* clip = vm.resolveTarget(target, path)) return clip;
-    if (target->getPlain(vm, name, target, result)) return result;
-    const std::size_t slash = path.rfind(u'/');
-    Object* base = vm.resolveTarget(target, path.substr(0, std::max<std::size_t>(slash, slash == 0 ? 1 : 0)));
-    if (base == nullptr || slash + 1 == path.size()) return {};
-    if (thisOfCall != nullptr) *thisOfCall = base;
-    return base->get(vm, vm.name(path.substr(slash + 1)));
+    target->getPlain(vm, name, target, result);
+    return result;
 }
 
 void Interpreter::setPath(Frame& frame, Name name, Value value)
@@ -223,33 +328,24 @@ void Interpreter::setPath(Frame& frame, Name name, Value value)
         if (Object* target = frame.variableTarget()) target->put(vm, name, value);
         return;
     }
+    if (split.base.empty() || split.name.empty()) return;
     Object* base = resolve(frame, split.base);
-    if (base != nullptr && !split.name.empty()) base->put(vm, vm.name(split.name), value);
+    if (base != nullptr) base->put(vm, vm.name(split.name), value);
 }
 
 Object* Interpreter::resolve(Frame& frame, std::u16string_view path)
 {
-    Vm& vm = frame.vm;
-    Object* const target = frame.variableTarget();
-    if (path.empty()) return nullptr;
-    if (path[0] == u'/' || path[0] == u'.')
-        return target == nullptr ? nullptr : vm.resolveTarget(target, path);
-    if (path[0] == u':') path.remove_prefix(1);
-    // The first step is looked for in everything in scope; clips prefer their children to their variables.
-    const std::size_t end = std::min(path.find_first_of(u"/.:"), path.size());
-    const Name first = vm.name(path.substr(0, end));
-    Object* object = nullptr;
-    for (Scope* scope = frame.scope; scope != nullptr && object == nullptr; scope = scope->outer) {
-        Object* candidate = scope->kind == Scope::Kind::Target ? target : scope->object;
-        if (candidate == nullptr) continue;
-        if (vm.host().isClip(candidate))
-            object = vm.host().child(candidate, first.view(), frame.isCaseSensitive());
-        Value member;
-        if (object == nullptr && candidate->find(vm, first, member, candidate)) object = member.asObject();
+    Object* found = nullptr;
+    if (path.empty() || path[0] == u'.') {
+        // `..` is of the clip, whatever is in scope.
+        Object* const target = frame.variableTarget();
+        return path.empty() || target == nullptr ? nullptr : frame.vm.resolveTarget(target, path);
     }
-    if (object == nullptr) object = getPlainVariable(frame, first, nullptr).asObject();
-    if (object == nullptr || end >= path.size()) return object;
-    return vm.resolveTarget(object, path.substr(end + 1));
+    forEachStart(frame, path, [&](Object* start) {
+        found = frame.vm.resolveTarget(start, path);
+        return found != nullptr;
+    });
+    return found;
 }
 
 } // namespace flash::avm1

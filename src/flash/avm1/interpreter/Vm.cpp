@@ -199,53 +199,13 @@ Object* Vm::target() const { return m_frame == nullptr ? nullptr : m_frame->targ
 
 // ---- paths and variables ---------------------------------------------------------------------------------
 
-Object* Vm::resolveTarget(Object* base, std::u16string_view path)
-{
-    constexpr std::u16string_view kSeparators = u"/:.";
-    Object* object = base;
-    std::size_t at = 0;
-    if (!path.empty() && path[0] == u'/') {
-        if (base == nullptr) return nullptr;
-        object = m_host.root(base);
-        at = 1;
-    }
-    while (at < path.size() && object != nullptr) {
-        std::size_t end = 0;
-        if (path.compare(at, 2, u"..") == 0) {
-            object = m_host.parent(object);
-            end = at + 2;
-            // Two dots and something else name nothing.
-            if (end < path.size() && kSeparators.find(path[end]) == std::u16string_view::npos) return nullptr;
-        } else {
-            end = std::min(path.find_first_of(kSeparators, at), path.size());
-            if (end == at) return nullptr;
-            object = step(object, path.substr(at, end - at));
-        }
-        at = end + 1;
-    }
-    return object;
-}
-
-Object* Vm::step(Object* object, std::u16string_view name)
-{
-    if (name == u"this") return object;
-    if (m_host.isStageObject(object)) {
-        if (Object* child = m_host.child(object, name, isCaseSensitive())) return child;
-    }
-    Value member;
-    object->find(*this, this->name(name), member, object);
-    return member.asObject();
-}
-
 namespace
 {
 
 std::size_t variableSeparator(std::u16string_view path)
 {
-    const std::size_t colon = path.rfind(u':');
-    if (colon != std::u16string_view::npos) return colon;
-    const std::size_t dot = path.rfind(u'.');
-    if (dot != std::u16string_view::npos && (dot == 0 || path[dot - 1] != u'.')) return dot;
+    const std::size_t at = path.find_last_of(u".:");
+    if (at != std::u16string_view::npos && (at == 0 || path[at - 1] != u'.')) return at;
     return path.rfind(u'/');
 }
 

@@ -237,7 +237,6 @@ private:
     /// @returns whether `String` still is the built-in class, so that texts need no object around them.
     bool isBuiltInString();
     void dropDeadCaches();
-    Object* step(Object* object, std::u16string_view name);
     void traceRoots(Tracer& tracer);
     Code* codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version);
     void reportUncaught();
