@@ -117,6 +117,7 @@ std::shared_ptr<Clip> Clip::attachEmpty(int depth, std::string name)
     auto clip = std::make_shared<Clip>(m_stage, m_movie, m_stage.emptyTimeline());
     clip->setName(std::move(name));
     clip->m_url = m_url;
+    clip->m_content = Content::Made;
     clip->m_scriptTransformed = true;
     insert(clip, depth);
     m_stage.enlist(clip);
@@ -160,6 +161,7 @@ NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::fu
         clip->m_characterId = original->m_characterId;
         clip->m_clipActions = original->m_clipActions;
         clip->m_url = original->m_url;
+        clip->m_content = original->m_content;
         if (original->m_drawing) clip->m_drawing = std::make_unique<Drawing>(*original->m_drawing);
         insert(clip, depth);
         m_stage.enlist(clip);
@@ -256,12 +258,19 @@ bool Clip::isButtonLike()
     return false;
 }
 
-std::size_t Clip::bytesTotal() const
+double Clip::bytesTotal() const
 {
-    if (!m_movieRoot || !m_movie) return m_timeline->frames.empty() ? 0 : m_timeline->frames.back().endOffset;
-    return m_movie->bytes.size();
+    switch (m_content) {
+    case Content::Made:
+    case Content::Unloaded: return 0;
+    case Content::Picture: return static_cast<double>(m_fileBytes);
+    case Content::Missing: return -1;
+    case Content::Timeline: break;
+    }
+    if (m_movieRoot && m_movie) return static_cast<double>(m_movie->bytes.size());
+    return m_timeline->frames.empty() ? 0 : static_cast<double>(m_timeline->frames.back().endOffset);
 }
-std::size_t Clip::bytesLoaded() const { return bytesTotal(); }
+double Clip::bytesLoaded() const { return std::max(0.0, bytesTotal()); }
 
 std::string Clip::linkageName() const { return m_stage.linkageName(m_movie, m_characterId); }
 

@@ -23,8 +23,20 @@ public:
     [[nodiscard]] int currentFrame() const { return m_frame; } ///< -1 before the first was shown
     /// False for clips that scripts made empty.
     [[nodiscard]] bool hasFrames() const { return m_timeline->statedFrameCount > 0; }
+    /// Where what a clip shows comes from; scripts see it in its numbers of frames and bytes.
+    enum class Content : std::uint8_t {
+        Timeline, ///< of a movie
+        Made,     ///< empty, by a script
+        Picture,  ///< a loaded picture
+        Missing,  ///< nothing: the load failed
+        Unloaded, ///< nothing any more
+    };
+    [[nodiscard]] Content content() const { return m_content; }
     [[nodiscard]] int totalFrames() const;
     [[nodiscard]] int loadedFrames() const;
+    /// Of loadedFrames(), those that an action may count on: during its first frame a movie has only come as
+    /// far as the first piece of its file.
+    [[nodiscard]] int framesAtHand() const;
     [[nodiscard]] bool isPlaying() const { return m_playing; }
     void play();
     void stop();
@@ -81,8 +93,8 @@ public:
     /// What a root answers for its depth; its level stays where it is in the order of levels.
     void setRootDepth(int depth) { m_depth = depth; }
     [[nodiscard]] int levelNumber() const { return m_level; } ///< of a level's root, else -1
-    [[nodiscard]] std::size_t bytesLoaded() const;
-    [[nodiscard]] std::size_t bytesTotal() const;
+    [[nodiscard]] double bytesLoaded() const;
+    [[nodiscard]] double bytesTotal() const; ///< -1 when its load failed
     /// The linkage name its character was exported under; empty when none.
     [[nodiscard]] std::string linkageName() const;
 
@@ -126,6 +138,8 @@ private:
     MoviePtr m_clipActionsMovie; ///< whose bytes they are, once another movie was loaded here
     std::unique_ptr<Drawing> m_drawing;
     std::string m_url;
+    std::size_t m_fileBytes = 0; ///< of a loaded picture
+    Content m_content = Content::Timeline;
     std::weak_ptr<Node> m_hitArea;
     int m_frame = -1, m_level = -1;
     bool m_playing = true, m_movieRoot = false;

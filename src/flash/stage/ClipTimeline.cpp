@@ -24,6 +24,17 @@ int Clip::loadedFrames() const
     return std::min(totalFrames(), std::max(1, static_cast<int>(m_timeline->frames.size())));
 }
 
+int Clip::framesAtHand() const
+{
+    constexpr std::size_t kPieceBytes = 65536;
+    const bool starting = m_movieRoot && m_frame <= 0 && m_stage.frameCounter() == 0;
+    if (!starting || !m_movie || m_movie->bytes.size() <= kPieceBytes) return loadedFrames();
+    const auto& frames = m_timeline->frames;
+    const auto end = std::find_if(frames.begin(), frames.end(),
+                                  [](const swf::Frame& frame) { return frame.endOffset > kPieceBytes; });
+    return static_cast<int>(end - frames.begin());
+}
+
 std::optional<int> Clip::frameByLabel(std::string_view label) const
 {
     if (const auto found = m_timeline->frameByLabel(label)) return static_cast<int>(*found);

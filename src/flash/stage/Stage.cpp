@@ -47,7 +47,7 @@ void Stage::open(MoviePtr movie, std::string url)
     m_frameCounter = 0;
     m_instanceCounter = 0;
     m_services.host.readyStateChanged(1);
-    makeLevel(0, std::move(movie), std::move(url));
+    makeLevel(0, std::move(movie), std::move(url))->begin();
     runQueue();
     deliverLoads();
     syncTextFields();
@@ -73,6 +73,8 @@ void Stage::close()
     m_dragged.reset();
     m_dropTarget = nullptr;
     m_loads.clear();
+    m_initializing.clear();
+    m_holdRequests = false;
     m_requests.clear();
     m_requestBytes = m_loadedBytes = 0;
     m_unloading.clear();
@@ -385,7 +387,7 @@ void Stage::runQueue()
         if (priority == kPriorities) {
             if (!m_unloading.empty()) {
                 finishUnloading();
-            } else if (!m_requests.empty()) {
+            } else if (!m_requests.empty() && !m_holdRequests) {
                 const Request request = std::move(m_requests.front());
                 m_requests.pop_front();
                 m_requestBytes -= request.bytes;
@@ -461,7 +463,13 @@ void Stage::advanceFrame()
 {
     guard::restartClock();
     ++m_frameCounter;
+    // Commands that answers give, such as to quit, wait until the frame has run.
+    m_holdRequests = true;
+    deliverLoads();
     stepClips();
+    runQueue();
+    reportInitialized();
+    m_holdRequests = false;
     runQueue();
     deliverLoads();
     if (m_mouseInside) updatePointer();

@@ -96,23 +96,31 @@ public:
     [[nodiscard]] Clip* level(int number);
     [[nodiscard]] const std::map<int, std::shared_ptr<Clip>>& levels() const { return m_levels; }
 
-    // ---- loading by script or host. Answers arrive at the next frame. ----
+    // ---- loading by script or host ----
+    // Loads have their answers at the end of the frame in which they were asked for. They report in that
+    // order; the movies that came run their first frames in the next frame, as the other clips do: the newest
+    // first, and are reported as ready in that order when all scripts of the frame are done. What is refused,
+    // and a load of nothing (an empty address), have theirs at the start of the frame after the next one.
     /// What a load reports to whoever asked (MovieClipLoader); all optional.
     struct LoadListener {
         virtual ~LoadListener() = default;
         virtual void started(Clip&) {}
-        virtual void progressed(Clip&, std::size_t /*loaded*/, std::size_t /*total*/) {}
+        virtual void progressed(Clip&, double /*loaded*/, double /*total*/) {}
         virtual void completed(Clip&) {}
         /// The first frame's scripts have run.
         virtual void initialized(Clip&) {}
-        virtual void failed(Clip&, std::string_view /*error*/) {}
+        /// @param clip null when it is gone
+        virtual void failed(Clip* /*clip*/, std::string_view /*error*/) {}
     };
     void loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<LoadListener> listener = nullptr);
     void loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener = nullptr);
-    /// The host's LoadMovie: as loadIntoLevel().
+    /// At once.
     void unloadLevel(int level);
     void unloadClip(Clip& target);
-    /// Fetches bytes; `done` runs at the next frame.
+    /// As a load of nothing.
+    void requestUnload(Clip& target);
+    void requestUnload(int level);
+    /// Fetches bytes; `done` runs with this frame's other answers.
     using LoadDone = std::function<void(const base::Result<LoadAnswer>&)>;
     void fetch(LoadRequest request, LoadDone done);
 
@@ -281,8 +289,9 @@ private:
     struct Pending {
         std::weak_ptr<Clip> clip;
         int level = -1; ///< when there is no clip
-        bool intoClip = false, intoLevel = false;
-        base::Result<LoadAnswer> answer;
+        bool intoClip = false, intoLevel = false, unload = false;
+        std::string url; ///< as asked for, for what cannot be had
+        base::Result<LoadAnswer> answer = LoadAnswer{};
         std::shared_ptr<LoadListener> listener;
         LoadDone done;
         long long frame = 0; ///< not before this one
@@ -317,9 +326,12 @@ private:
     void deliverLoads();
     void wait(Pending load);
     base::Result<LoadAnswer> answerTo(const LoadRequest& request);
+    [[nodiscard]] long long dueFrame(const Pending& load) const;
+    void deliver(std::vector<Pending> due);
     void finishLoad(Pending& load);
+    void reportInitialized();
     void fill(Clip& clip, MoviePtr movie, std::string url);
-    bool fillFrom(Clip& clip, const LoadAnswer& answer);
+    void fillFrom(Clip& clip, const LoadAnswer& answer);
     /// Finds the characters that a movie imports from others, beside itself; those that cannot be had stay
     /// missing. Done once for a movie.
     /// @param librariesLeft how many may still be read, those that libraries import from included
@@ -374,6 +386,9 @@ private:
     using ByMovie = std::map<std::weak_ptr<const swf::Movie>, T, std::owner_less<>>;
     ByMovie<std::set<std::uint16_t>> m_initialized;
     ByMovie<std::unordered_map<std::uint16_t, std::string>> m_linkageNames;
+    /// Loads whose movies have come but not run yet.
+    std::vector<std::pair<std::weak_ptr<Clip>, std::shared_ptr<LoadListener>>> m_initializing;
+    bool m_holdRequests = false; ///< commands wait for more than the queue
     std::shared_ptr<const swf::Timeline> m_emptyTimeline;
     long long m_frameCounter = 0;
     int m_instanceCounter = 0;

@@ -4,9 +4,15 @@
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace flash::stage
 {
+
+// Frames between a request for nothing, or for something that is out of reach, and its answer.
+constexpr int kSlowFrames = 2;
+// Bytes of a movie's file that are there at once.
+constexpr double kFirstBytes = 1024;
 
 namespace
 {
@@ -85,7 +91,6 @@ std::shared_ptr<Clip> Stage::makeLevel(int number, MoviePtr movie, std::string u
     m_levels[number] = clip;
     enlist(clip);
     setQueryVariables(*clip, clip->m_url);
-    clip->begin();
     invalidateAll();
     return clip;
 }
@@ -126,34 +131,77 @@ void Stage::wait(Pending load)
     if (m_loads.size() < kMostToldOf) m_loads.push_back(std::move(load));
 }
 
+namespace
+{
+
+/// What scripts see as the address of something that could not be loaded.
+std::string resolvedUrl(const LoadRequest& request)
+{
+    if (request.url.find("://") != std::string::npos) return request.url;
+    return request.baseUrl.substr(0, request.baseUrl.rfind('/') + 1) + request.url;
+}
+
+} // namespace
+
 void Stage::loadIntoClip(Clip& target, LoadRequest request, std::shared_ptr<LoadListener> listener)
 {
     if (target.levelNumber() >= 0) {
         loadIntoLevel(target.levelNumber(), std::move(request), std::move(listener));
         return;
     }
-    Pending load{std::static_pointer_cast<Clip>(target.shared_from_this()),
-                 -1,
-                 true,
-                 false,
-                 answerTo(request),
-                 std::move(listener),
-                 {},
-                 m_frameCounter};
+    Pending load;
+    load.clip = std::static_pointer_cast<Clip>(target.shared_from_this());
+    load.intoClip = true;
+    load.url = resolvedUrl(request);
+    load.answer = answerTo(request);
+    load.listener = std::move(listener);
+    load.frame = dueFrame(load);
     wait(std::move(load));
 }
 
 void Stage::loadIntoLevel(int level, LoadRequest request, std::shared_ptr<LoadListener> listener)
 {
-    // Replacing the movie itself waits for its present frame to be over.
-    const long long frame = level == 0 ? m_frameCounter + 1 : m_frameCounter;
-    Pending load{{}, level, false, true, answerTo(request), std::move(listener), {}, frame};
+    Pending load;
+    load.level = level;
+    load.intoLevel = true;
+    load.url = resolvedUrl(request);
+    load.answer = answerTo(request);
+    load.listener = std::move(listener);
+    load.frame = dueFrame(load);
+    wait(std::move(load));
+}
+
+long long Stage::dueFrame(const Pending& load) const
+{
+    const bool denied = !load.answer && load.answer.error().code == base::ErrorCode::Denied;
+    return denied || load.unload ? m_frameCounter + kSlowFrames : m_frameCounter;
+}
+
+void Stage::requestUnload(Clip& target)
+{
+    if (target.levelNumber() >= 0) return requestUnload(target.levelNumber());
+    Pending load;
+    load.clip = std::static_pointer_cast<Clip>(target.shared_from_this());
+    load.intoClip = load.unload = true;
+    load.frame = dueFrame(load);
+    wait(std::move(load));
+}
+
+void Stage::requestUnload(int level)
+{
+    Pending load;
+    load.level = level;
+    load.intoLevel = load.unload = true;
+    load.frame = dueFrame(load);
     wait(std::move(load));
 }
 
 void Stage::fetch(LoadRequest request, LoadDone done)
 {
-    Pending load{{}, -1, false, false, answerTo(request), nullptr, std::move(done), m_frameCounter};
+    Pending load;
+    load.answer = answerTo(request);
+    load.done = std::move(done);
+    load.frame = m_frameCounter;
     wait(std::move(load));
 }
 
@@ -164,11 +212,27 @@ void Stage::deliverLoads()
     m_loads = std::move(later);
     for (const Pending& load : due)
         if (load.answer) m_loadedBytes -= load.answer->bytes.size();
+    deliver(std::move(due));
+}
+
+void Stage::deliver(std::vector<Pending> due)
+{
     for (Pending& load : due) {
         guard::check();
         finishLoad(load);
         runQueue();
     }
+}
+
+void Stage::reportInitialized()
+{
+    if (m_initializing.empty()) return;
+    const auto ready = std::exchange(m_initializing, {});
+    for (auto entry = ready.rbegin(); entry != ready.rend(); ++entry) {
+        const std::shared_ptr<Clip> clip = entry->first.lock();
+        if (clip && !clip->isRemoved()) entry->second->initialized(*clip);
+    }
+    runQueue();
 }
 
 void Stage::finishLoad(Pending& load)
@@ -179,65 +243,82 @@ void Stage::finishLoad(Pending& load)
         return;
     }
     std::shared_ptr<Clip> clip = load.clip.lock();
-    if (load.intoClip && (!clip || clip->isRemoved())) return;
+    if (load.unload) {
+        if (load.intoLevel)
+            unloadLevel(load.level);
+        else if (clip && !clip->isRemoved())
+            unloadClip(*clip);
+        return;
+    }
+    const bool gone = load.intoClip && (!clip || clip->isRemoved());
     if (!load.answer) {
         m_services.host.logLine(load.answer.error().what);
-        if (load.listener) {
-            if (load.intoLevel) clip = m_levels.contains(load.level) ? m_levels[load.level] : nullptr;
-            if (clip) load.listener->failed(*clip, "URLNotFound");
+        if (load.intoLevel) clip = m_levels.contains(load.level) ? m_levels[load.level] : nullptr;
+        // Another place than the movie's own is not even asked.
+        const bool denied = load.answer.error().code == base::ErrorCode::Denied;
+        if (load.intoClip && !gone && !denied) {
+            fill(*clip, nullptr, load.url);
+            clip->m_content = Clip::Content::Missing;
+            clip->m_begun = true;
+            clip->m_frame = 0;
         }
+        if (load.listener)
+            load.listener->failed(gone ? nullptr : clip.get(), denied ? "IllegalRequest" : "URLNotFound");
         return;
     }
-    if (load.intoLevel) {
-        auto movie = swf::parseMovie(load.answer->bytes);
-        MoviePtr parsed = movie ? *movie : nullptr;
-        if (parsed && parsed->isAs3) {
-            m_services.host.logLine(load.answer->url + ": ActionScript 3 is not supported");
-            return;
-        }
-        if (load.level == 0 && parsed) {
-            const std::string url = load.answer->url;
-            m_movie = parsed;
-            m_url = url;
-            const auto levels = std::move(m_levels);
-            m_levels.clear();
-            for (const auto& [number, root] : levels) {
-                queueUnload(*root);
-                runQueue();
-                retire(*root);
-            }
-            adoptHeader();
-        } else {
-            unloadLevel(load.level);
-        }
-        if (parsed) {
-            clip = makeLevel(load.level, parsed, load.answer->url);
-        } else {
-            auto root = std::make_shared<Clip>(*this, m_movie, emptyTimeline());
-            root->m_level = load.level;
-            root->m_depth = kTimelineDepth + load.level;
-            m_levels[load.level] = root;
-            enlist(root);
-            fillFrom(*root, *load.answer);
-            clip = root;
-        }
-    } else if (!fillFrom(*clip, *load.answer)) {
-        if (load.listener) load.listener->failed(*clip, "LoadNeverCompleted");
+    if (gone) return;
+    const auto movie = swf::parseMovie(load.answer->bytes);
+    if (movie && (*movie)->isAs3) {
+        m_services.host.logLine(load.answer->url + ": ActionScript 3 is not supported");
+        if (load.listener) load.listener->failed(clip.get(), "LoadNeverCompleted");
         return;
+    }
+    if (load.intoLevel && load.level == 0 && movie) {
+        // The movie itself is replaced, with all levels: the new one starts at once.
+        const auto levels = std::move(m_levels);
+        m_levels.clear();
+        m_movie = *movie;
+        m_url = load.answer->url;
+        for (const auto& [number, root] : levels) {
+            queueUnload(*root);
+            runQueue();
+            retire(*root);
+        }
+        adoptHeader();
+        clip = makeLevel(0, *movie, load.answer->url);
+        clip->begin();
+    } else if (load.intoLevel) {
+        unloadLevel(load.level);
+        if (movie) {
+            clip = makeLevel(load.level, *movie, load.answer->url);
+        } else {
+            clip = std::make_shared<Clip>(*this, m_movie, emptyTimeline());
+            clip->m_level = load.level;
+            clip->m_depth = kTimelineDepth + load.level;
+            m_levels[load.level] = clip;
+            enlist(clip);
+            fillFrom(*clip, *load.answer);
+        }
+    } else {
+        fillFrom(*clip, *load.answer);
     }
     if (load.listener) {
-        const std::size_t size = load.answer->bytes.size();
+        const double size = clip->bytesLoaded();
         load.listener->started(*clip);
         load.listener->progressed(*clip, size, size);
+        // What does not come with the first bytes is reported once more when it is there.
+        if (movie && size > kFirstBytes) load.listener->progressed(*clip, size, size);
         load.listener->completed(*clip);
+        m_initializing.emplace_back(clip, load.listener);
     }
     queueEvent(*clip, Event::Data);
-    runQueue();
-    if (load.listener && !clip->isRemoved()) load.listener->initialized(*clip);
 }
 
 void Stage::fill(Clip& clip, MoviePtr movie, std::string url)
 {
+    // What was here hears of its end before its variables go.
+    if (clip.hasClipEvent(Event::Unload) || m_script->hasHandler(clip, Event::Unload))
+        runEvent(clip, Event::Unload);
     clip.invalidate();
     clip.removeAllChildren();
     if (clip.m_streaming) m_services.sound.stopStream(&clip);
@@ -258,31 +339,31 @@ void Stage::fill(Clip& clip, MoviePtr movie, std::string url)
     clip.m_frame = -1;
     clip.m_playing = true;
     clip.m_begun = false;
+    clip.m_content = Clip::Content::Timeline;
     m_script->clipReset(clip);
+    // A loaded movie takes its turn as one that has just come.
+    const auto self = std::static_pointer_cast<Clip>(clip.shared_from_this());
+    if (std::erase(m_clips, self) > 0) enlist(self);
 }
 
-bool Stage::fillFrom(Clip& clip, const LoadAnswer& answer)
+void Stage::fillFrom(Clip& clip, const LoadAnswer& answer)
 {
     if (auto movie = swf::parseMovie(answer.bytes)) {
-        if ((*movie)->isAs3) {
-            m_services.host.logLine(answer.url + ": ActionScript 3 is not supported");
-            return false;
-        }
         fill(clip, *movie, answer.url);
         setQueryVariables(clip, answer.url);
-        clip.begin();
-        return true;
+        return;
     }
     auto picture = swf::decodePicture(answer.bytes);
     fill(clip, nullptr, answer.url);
+    clip.m_begun = true;
+    clip.m_frame = 0;
+    clip.m_content = picture ? Clip::Content::Picture : Clip::Content::Missing;
+    clip.m_fileBytes = answer.bytes.size();
     if (!picture) {
         m_services.host.logLine(answer.url + ": " + picture.error().what);
-        clip.begin();
-        return false;
+        return;
     }
     clip.attachBitmap(*picture, kTimelineDepth + 1, false);
-    clip.begin();
-    return true;
 }
 
 void Stage::unloadLevel(int level)
@@ -298,12 +379,10 @@ void Stage::unloadLevel(int level)
 
 void Stage::unloadClip(Clip& target)
 {
-    if (target.levelNumber() >= 0) {
-        unloadLevel(target.levelNumber());
-        return;
-    }
-    queueEvent(target, Event::Unload);
-    fill(target, nullptr, target.m_url);
+    if (target.levelNumber() >= 0) return unloadLevel(target.levelNumber());
+    fill(target, nullptr, target.parentClip() ? target.parentClip()->m_url : target.m_url);
+    if (const Clip* parent = target.parentClip()) target.m_movie = parent->m_movie;
+    target.m_content = Clip::Content::Unloaded;
     target.m_begun = true;
     target.m_frame = 0;
 }

@@ -13,6 +13,17 @@ namespace flash::avm1
 namespace
 {
 
+/// The value of a property, were it hidden from the running version.
+Value hiddenOrNot(Vm& vm, Object& object, Name name)
+{
+    const std::uint16_t flags = object.flagsOf(vm, name);
+    if (isVisible(flags, vm.version())) return object.get(vm, name);
+    object.changeFlags(vm, name, 0, flags);
+    const Value value = object.get(vm, name);
+    object.changeFlags(vm, name, flags, 0);
+    return value;
+}
+
 /// The object's own enumerable properties go to a new instance before its scripts run.
 std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
 {
@@ -23,7 +34,7 @@ std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
         if (!target) return;
         const RootedNames names = source->enumerate(vm);
         for (auto name = names.rbegin(); name != names.rend(); ++name)
-            target->put(vm, *name, source->get(vm, *name));
+            target->put(vm, *name, hiddenOrNot(vm, *source, *name));
     };
 }
 
@@ -128,7 +139,16 @@ Value gotoAnd(Call& call, bool play)
     Value where = call.arg(0);
     if (where.isObject()) where = Value(toString(call.vm, where));
     if (where.isString()) {
-        const std::u16string label = toText(call.vm, where);
+        std::u16string label = toText(call.vm, where);
+        // "/clip:5" and "/clip:label" are frames of another clip.
+        if (const std::size_t colon = label.rfind(u':'); colon != std::u16string::npos && colon > 0) {
+            Object* const other = call.vm.resolveTarget(self, std::u16string_view(label).substr(0, colon));
+            if (binding.clipOf(other)) {
+                self = other;
+                label.erase(0, colon + 1);
+                where = Value(call.vm.string(label));
+            }
+        }
         if (binding.gotoLabel(self, label, play)) return {};
     }
     const double number = toNumber(call.vm, where);
@@ -396,17 +416,21 @@ Value unloadMovie(Call& call)
 Value getBytesLoaded(Call& call)
 {
     stage::Clip* clip = selfClip(call);
-    return clip ? Value(static_cast<double>(clip->bytesLoaded())) : Value();
+    return clip ? Value(clip->bytesLoaded()) : Value();
 }
 Value getBytesTotal(Call& call)
 {
     stage::Clip* clip = selfClip(call);
-    return clip ? Value(static_cast<double>(clip->bytesTotal())) : Value();
+    return clip ? Value(clip->bytesTotal()) : Value();
 }
 Value getSwfVersion(Call& call)
 {
     stage::Node* node = selfNode(call);
-    return Value(node && node->movie() ? static_cast<int>(node->movie()->header.version) : -1);
+    if (!node || !node->movie()) return Value(-1);
+    const stage::Clip* clip = stage::asClip(node);
+    const bool noMovie = clip && (clip->content() == stage::Clip::Content::Picture ||
+                                  clip->content() == stage::Clip::Content::Missing);
+    return Value(noMovie ? -1 : static_cast<int>(node->movie()->header.version));
 }
 
 Value getTextSnapshot(Call& call)

@@ -16,10 +16,9 @@ public:
     }
 
     void started(stage::Clip& clip) override { tell("onLoadStart", {Value(m_binding.objectOf(&clip))}); }
-    void progressed(stage::Clip& clip, std::size_t loaded, std::size_t total) override
+    void progressed(stage::Clip& clip, double loaded, double total) override
     {
-        tell("onLoadProgress", {Value(m_binding.objectOf(&clip)), Value(static_cast<double>(loaded)),
-                                Value(static_cast<double>(total))});
+        tell("onLoadProgress", {Value(m_binding.objectOf(&clip)), Value(loaded), Value(total)});
     }
     void completed(stage::Clip& clip) override
     {
@@ -31,10 +30,11 @@ public:
         tell("onLoadInit", {Value(m_binding.objectOf(&clip))});
         m_binding.stage().runQueue();
     }
-    void failed(stage::Clip& clip, std::string_view error) override
+    void failed(stage::Clip* clip, std::string_view error) override
     {
+        Object* const object = m_binding.objectOf(clip);
         tell("onLoadError",
-             {Value(m_binding.objectOf(&clip)), Value(m_binding.vm().string(error)), Value(0)});
+             {object ? Value(object) : Value(), Value(m_binding.vm().string(error)), Value(0)});
         m_binding.stage().runQueue();
     }
 
@@ -92,7 +92,9 @@ Value loadClip(Call& call)
     stage::LoadRequest request;
     request.url = utf8Arg(call, 0);
     request.baseUrl = sender ? sender->url() : binding.stage().url();
-    auto reporter = std::make_shared<Reporter>(binding, self);
+    // A level that is named by a text, and is not there yet, loads without a word to the loader.
+    const bool silent = !target.clip && call.arg(1).isString();
+    auto reporter = silent ? nullptr : std::make_shared<Reporter>(binding, self);
     if (target.clip)
         binding.stage().loadIntoClip(*target.clip, std::move(request), std::move(reporter));
     else
@@ -119,9 +121,8 @@ Value getProgress(Call& call)
     if (target.level >= 0) target.clip = StageBinding::of(call).stage().level(target.level);
     if (call.arg(0).isNullish()) return {};
     Object* progress = call.vm.newObject();
-    const auto bytes = [&](std::size_t count) { return Value(static_cast<double>(count)); };
-    progress->define(call.vm, "bytesLoaded", target.clip ? bytes(target.clip->bytesLoaded()) : Value());
-    progress->define(call.vm, "bytesTotal", target.clip ? bytes(target.clip->bytesTotal()) : Value());
+    progress->define(call.vm, "bytesLoaded", target.clip ? Value(target.clip->bytesLoaded()) : Value());
+    progress->define(call.vm, "bytesTotal", target.clip ? Value(target.clip->bytesTotal()) : Value());
     return progress;
 }
 

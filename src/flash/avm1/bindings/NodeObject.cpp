@@ -5,6 +5,7 @@
 #include "flash/stage/Button.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace flash::avm1
 {
@@ -23,33 +24,49 @@ void NodeObject::detached()
     if (m_node->peer == m_self) m_node->peer = nullptr;
 }
 
-void NodeObject::keepPath() { m_path = m_node->dotPath(); }
+void NodeObject::keepPath()
+{
+    // The path of the first time counts: a later name is not one that scripts' references know.
+    if (m_path.empty()) m_path = m_node->dotPath();
+}
+
+Object* NodeObject::successor() { return isGone() ? m_binding.objectOf(live()) : nullptr; }
+
+void NodeObject::leave(Vm& vm)
+{
+    keepPath();
+    // A change of its layout, so that caches ask caching() again.
+    m_self->define(vm, vm.name(std::string_view()), Value(), kBuiltIn);
+}
 
 stage::Node* NodeObject::live()
 {
-    if (!m_node->isRemoved()) return m_node.get();
-    if (m_path.empty() || m_node->kind() != stage::NodeKind::Clip) return nullptr;
-    // A script's reference to a clip is by its path: another clip of that name takes the place of one that
-    // has gone.
+    if (!isGone()) return m_node.get();
+    if (m_path.empty()) return nullptr;
+    // A script's reference to a thing of the stage is by its path: another one of that name takes the place
+    // of one that has gone.
     stage::Stage& stage = m_binding.stage();
     std::string_view rest = m_path;
     constexpr std::string_view kLevel = "_level";
     rest.remove_prefix(kLevel.size());
     const std::size_t dot = std::min(rest.find('.'), rest.size());
-    stage::Clip* clip = stage.level(std::atoi(std::string(rest.substr(0, dot)).c_str()));
+    stage::Node* node = stage.level(std::atoi(std::string(rest.substr(0, dot)).c_str()));
     rest.remove_prefix(dot);
-    while (clip && !rest.empty()) {
+    while (node && !rest.empty()) {
         rest.remove_prefix(1);
         const std::size_t end = std::min(rest.find('.'), rest.size());
-        clip = stage::asClip(clip->childByName(rest.substr(0, end), stage::Clip::Case::Sensitive));
+        stage::Clip* const clip = stage::asClip(node);
+        node = clip ? clip->childByName(rest.substr(0, end), stage::Clip::Case::Sensitive) : nullptr;
         rest.remove_prefix(end);
     }
-    return clip;
+    return node;
 }
 
 std::string_view NodeObject::typeOf() const
 {
-    return m_node->kind() == stage::NodeKind::Clip ? "movieclip" : "object";
+    // What is gone is taken for a clip, until something else stands at its path.
+    const stage::Node* node = const_cast<NodeObject*>(this)->live();
+    return !node || node->kind() == stage::NodeKind::Clip ? "movieclip" : "object";
 }
 
 namespace
@@ -63,25 +80,51 @@ bool isSetting(std::u16string_view name)
     return std::ranges::find(kSettings, name) != std::end(kSettings);
 }
 
+/// "_level12" and "_flash12" name levels, digits read as far as they go, in 32 bits: "_level" is that of 0.
+std::optional<int> levelNumber(std::u16string_view name, bool caseSensitive)
+{
+    constexpr std::size_t kPrefix = 6;
+    if (name.size() < kPrefix || name[0] != u'_') return {};
+    const std::u16string prefix =
+        caseSensitive ? std::u16string(name.substr(0, kPrefix)) : AtomTable::fold(name.substr(0, kPrefix));
+    if (prefix != u"_level" && prefix != u"_flash") return {};
+    name.remove_prefix(kPrefix);
+    const bool negative = !name.empty() && name[0] == u'-';
+    if (negative) name.remove_prefix(1);
+    std::uint32_t number = 0;
+    for (const char16_t c : name) {
+        if (c < u'0' || c > u'9') break;
+        number = number * 10 + (c - u'0');
+    }
+    return static_cast<int>(negative ? 0U - number : number);
+}
+
 } // namespace
 
 Caching NodeObject::caching(Vm& vm, Name name) const
 {
+    if (isGone()) return {};
     const std::u16string_view text = name.view();
     const bool plain = !text.empty() && text[0] != u'_';
     // Variables come before children, and those before what the class has.
     return {true, plain && !isSetting(text), plain && !vm.names().mayBeNodeName(name)};
 }
 
+/// In this order: levels, children, properties.
 bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
 {
     stage::Node* node = live();
     if (!node) return false;
     const std::u16string_view text = name.view();
     if (text.empty()) return false;
+    const bool sensitive = vm.isCaseSensitive();
+    if (const std::optional<int> number = levelNumber(text, sensitive)) {
+        Object* level = m_binding.level(*number);
+        result = level ? Value(level) : Value();
+        return true;
+    }
     if (stage::Clip* clip = vm.names().mayBeNodeName(name) ? stage::asClip(node) : nullptr) {
-        const auto sensitivity =
-            vm.isCaseSensitive() ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive;
+        const auto sensitivity = sensitive ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive;
         if (!clip->children().empty()) {
             if (stage::Node* child = clip->childByName(base::utf8FromUtf16(text), sensitivity)) {
                 // Scripts cannot name what is only drawn; they get the clip it lies in.
@@ -103,35 +146,32 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
         return true;
     }
     if (folded == u"_parent") {
+        // A root has none, whatever its class says.
         Object* parent = m_binding.parent(self);
-        if (!parent) return false;
-        result = parent;
+        result = parent ? Value(parent) : Value();
         return true;
     }
-    if (folded == u"_lockroot") {
+    if (folded == u"_global" && vm.version() >= 6) {
+        result = vm.global();
+        return true;
+    }
+    if (folded == u"_lockroot" && vm.version() >= 7) {
         stage::Clip* clip = stage::asClip(node);
         if (!clip) return false;
         result = clip->lockRoot;
         return true;
     }
-    if (folded.starts_with(u"_level") || folded.starts_with(u"_flash")) {
-        const std::u16string_view digits = std::u16string_view(folded).substr(6);
-        int number = 0;
-        for (const char16_t c : digits) {
-            if (c < u'0' || c > u'9' || number > 100'000'000) return false;
-            number = number * 10 + (c - u'0');
-        }
-        if (digits.empty()) return false;
-        Object* level = m_binding.level(number);
-        if (!level) return false;
-        result = level;
-        return true;
-    }
     return false;
 }
 
+// Once its instance is gone, an object answers for the one that stands at its path now.
+
 bool NodeObject::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
 {
+    if (isGone()) {
+        Object* const other = successor();
+        return other && other->find(vm, name, result, receiver.asObject() == &self ? Value(other) : receiver);
+    }
     if (self.getPlain(vm, name, receiver, result)) return true;
     return lookUp(vm, name, result);
 }
@@ -163,6 +203,10 @@ void NodeObject::noteScriptSetting(Vm& vm, Name name, Value value)
 
 void NodeObject::putOwn(Vm& vm, Object& self, Name name, Value value)
 {
+    if (isGone()) {
+        if (Object* const other = successor()) other->put(vm, name, value);
+        return;
+    }
     const std::u16string_view text = name.view();
     if (!text.empty() && text[0] == u'_') {
         stage::Node* node = live();
@@ -170,7 +214,8 @@ void NodeObject::putOwn(Vm& vm, Object& self, Name name, Value value)
             if (node) m_binding.setPropertyOf(*node, *index, value);
             return;
         }
-        if (stage::Clip* clip = stage::asClip(node); clip && AtomTable::fold(text) == u"_lockroot") {
+        if (stage::Clip* clip = stage::asClip(node);
+            clip && vm.version() >= 7 && AtomTable::fold(text) == u"_lockroot") {
             clip->lockRoot = toBoolean(vm, value);
             return;
         }
@@ -181,14 +226,28 @@ void NodeObject::putOwn(Vm& vm, Object& self, Name name, Value value)
 
 bool NodeObject::hasOwn(Vm& vm, Object& self, Name name)
 {
+    if (isGone()) {
+        Object* const other = successor();
+        return other && other->has(vm, name);
+    }
     Value ignored;
     return self.hasPlain(vm, name) || lookUp(vm, name, ignored);
 }
 
-bool NodeObject::deleteOwn(Vm& vm, Object& self, Name name) { return self.deletePlain(vm, name); }
+bool NodeObject::deleteOwn(Vm& vm, Object& self, Name name)
+{
+    if (!isGone()) return self.deletePlain(vm, name);
+    Object* const other = successor();
+    return other && other->remove(vm, name);
+}
 
 void NodeObject::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
 {
+    if (isGone()) {
+        Object* const other = successor();
+        if (other) other->nativeBase()->enumerateOwn(vm, *other, names);
+        return;
+    }
     self.enumeratePlain(vm, names);
     stage::Clip* clip = stage::asClip(live());
     if (!clip) return;

@@ -24,8 +24,11 @@ public:
     [[nodiscard]] const stage::NodePtr& node() const { return m_node; }
     /// The instance or, when it is gone, the clip that stands at its path now; may be null.
     [[nodiscard]] stage::Node* live();
-    /// Remembers the path of an instance that is about to go.
+    /// Remembers the path of an instance that is about to go, or to get another name.
     void keepPath();
+    [[nodiscard]] bool isRenamed() const { return !m_path.empty(); }
+    /// The instance is about to go, or to have another object: this one only remembers the path.
+    void leave(Vm& vm);
 
     [[nodiscard]] const void* tag() const override { return &kTag; }
     [[nodiscard]] std::string_view typeOf() const override;
@@ -43,8 +46,12 @@ private:
     void noteScriptSetting(Vm& vm, Name name, Value value);
     StageBinding& m_binding;
     stage::NodePtr m_node;
-    Object* m_self;     // kept alive: the instance points to it
-    std::string m_path; ///< once the instance is gone
+    Object* m_self; // kept alive: the instance points to it
+    /// The instance has left the stage, or another movie has come into it.
+    [[nodiscard]] bool isGone() const { return m_node->isRemoved() || m_node->peer != m_self; }
+    /// @returns the object of the instance that stands in for this one's; null for one that is still there.
+    Object* successor();
+    std::string m_path; ///< once the instance is gone or renamed
 };
 
 } // namespace flash::avm1

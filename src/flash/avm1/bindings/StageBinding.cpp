@@ -185,7 +185,7 @@ Object* StageBinding::objectOf(stage::Node* node)
         const Value own[] = {Value(object)};
         object->define(*m_vm, "_listeners", Value(m_vm->newArray(own)), kBuiltIn);
     }
-    if (stage::Clip* clip = stage::asClip(node); clip && clip->isMovieRoot()) defineVersion(object);
+    if (stage::Clip* clip = stage::asClip(node); clip && clip->levelNumber() >= 0) defineVersion(object);
     return object;
 }
 
@@ -446,22 +446,34 @@ void StageBinding::nodeNamed(std::string_view name)
 {
     if (m_vm->names().noteNodeName(base::utf16FromUtf8(name))) m_vm->bumpEpoch();
 }
-
-void StageBinding::nodeRemoved(stage::Node& node)
+void StageBinding::nodeRenamed(stage::Node& node)
 {
     if (!node.peer) return;
     if (auto* native = static_cast<Object*>(node.peer)->native<NodeObject>()) native->keepPath();
 }
 
+void StageBinding::nodeRemoved(stage::Node& node)
+{
+    if (!node.peer) return;
+    if (auto* native = static_cast<Object*>(node.peer)->native<NodeObject>()) native->leave(*m_vm);
+}
+
 void StageBinding::clipReset(stage::Clip& clip)
 {
-    // What the earlier movie's scripts put there goes with it.
     Object* object = static_cast<Object*>(clip.peer);
     if (!object) return;
+    // References know an instance by its first path. One that has another name now is a new thing to them.
+    auto* native = object->native<NodeObject>();
+    if (native && native->isRenamed()) {
+        native->leave(*m_vm);
+        clip.peer = nullptr;
+        return;
+    }
+    // What the earlier movie's scripts put there goes with it.
     const Vm::VersionScope scope(*m_vm, 7);
     for (const Name name : object->enumerate(*m_vm)) object->deletePlain(*m_vm, name);
     if (m_state->movieClip) object->setProto(*m_vm, Value(m_state->movieClip));
-    if (clip.isMovieRoot()) defineVersion(object);
+    if (clip.levelNumber() >= 0) defineVersion(object);
 }
 
 double StageBinding::nextTimerMs()

@@ -177,6 +177,7 @@ private:
     Name handlerName(stage::Event event);
     Function* classOf(stage::Clip& clip);
     void defineVersion(Object* root);
+    void nodeRenamed(stage::Node& node);
 
     stage::Services m_services;
     BindingInputs m_inputs;

@@ -162,6 +162,24 @@ void StageBinding::setProperty(Object* object, int index, Value value)
     if (stage::Node* node = nodeOf(object)) setPropertyOf(*node, index, value);
 }
 
+namespace
+{
+
+/// _totalframes and _framesloaded by where a clip's content is from.
+int frameCount(const stage::Clip& clip, int ofTimeline, int whenMissing)
+{
+    switch (clip.content()) {
+    case stage::Clip::Content::Made:
+    case stage::Clip::Content::Picture: return 1;
+    case stage::Clip::Content::Missing: return whenMissing;
+    case stage::Clip::Content::Unloaded: return 0;
+    case stage::Clip::Content::Timeline: break;
+    }
+    return clip.hasFrames() ? ofTimeline : 0;
+}
+
+} // namespace
+
 Value StageBinding::propertyOf(stage::Node& node, int index)
 {
     stage::Clip* clip = stage::asClip(&node);
@@ -176,17 +194,18 @@ Value StageBinding::propertyOf(stage::Node& node, int index)
     case kYScale: return node.scaleY();
     case kCurrentFrame:
         if (!clip) return {};
+        if (clip->content() == stage::Clip::Content::Picture) return Value(1);
         return Value(clip->hasFrames() ? std::max(clip->currentFrame(), 0) + 1 : 0);
     case kTotalFrames:
         if (!clip) return {};
-        return Value(clip->hasFrames() ? clip->totalFrames() : 0);
+        return Value(frameCount(*clip, clip->totalFrames(), 0));
     case kAlpha: return node.alpha();
     case kVisible: return node.isVisible();
     case kWidth: return node.width();
     case kHeight: return node.height();
     case kRotation: return node.rotation();
     case kTarget: return utf8(node.slashPath());
-    case kFramesLoaded: return clip ? Value(clip->loadedFrames()) : Value();
+    case kFramesLoaded: return clip ? Value(frameCount(*clip, clip->loadedFrames(), -1)) : Value();
     case kName: return utf8(node.name());
     case kDropTarget: {
         stage::Clip* under = m_stage->dragged() == clip || clip ? m_stage->dropTarget() : nullptr;
@@ -233,7 +252,10 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
     case kWidth: place(&stage::Node::setWidth); break;
     case kHeight: place(&stage::Node::setHeight); break;
     case kRotation: place(&stage::Node::setRotation); break;
-    case kName: node.setName(base::utf8FromUtf16(toText(vm, value))); break;
+    case kName:
+        nodeRenamed(node);
+        node.setName(base::utf8FromUtf16(toText(vm, value)));
+        break;
     case kHighQuality: {
         const double n = number();
         if (std::isnan(n)) break;
@@ -315,7 +337,11 @@ std::optional<int> StageBinding::frameByLabel(Object* object, std::u16string_vie
 bool StageBinding::isFrameLoaded(Object* object, int frame)
 {
     stage::Clip* clip = clipOf(object);
-    return clip && frame < clip->loadedFrames();
+    if (!clip) return false;
+    // What lies behind the last frame is not waited for, up to the most frames that there can be.
+    constexpr int kMostFrames = 16000;
+    return frame < clip->framesAtHand() ||
+           (clip->framesAtHand() >= clip->totalFrames() && frame <= kMostFrames);
 }
 
 void StageBinding::callFrame(Object* object, int frame)
@@ -396,7 +422,7 @@ void StageBinding::requestUrl(const UrlRequest& request)
         stage::Clip* clip = clipOf(request.target);
         if (!clip) return;
         if (load.url.empty())
-            m_stage->unloadClip(*clip);
+            m_stage->requestUnload(*clip);
         else
             m_stage->loadIntoClip(*clip, std::move(load));
         return;
@@ -408,7 +434,7 @@ void StageBinding::requestUrl(const UrlRequest& request)
         for (const char16_t c : digits)
             if (c >= u'0' && c <= u'9' && number < 10'000'000) number = number * 10 + (c - u'0');
         if (load.url.empty())
-            m_stage->unloadLevel(number);
+            m_stage->requestUnload(number);
         else
             m_stage->loadIntoLevel(number, std::move(load));
         return;
