@@ -188,6 +188,9 @@ void Clip::removeChild(Node& child)
     for (const Node* node = &child; node; node = node->m_parent)
         if (node->m_unloading) return;
     const NodePtr keep = child.shared_from_this();
+    // Whoever loses the focus hears of it while it still has a place.
+    m_stage.dropFocusWithin(child);
+    if (child.m_parent != this || child.m_unloading) return;
     if (m_stage.queueUnload(child)) {
         // Its scripts still run once; meanwhile it is drawn, and its depth is free for others.
         child.m_unloading = true;
@@ -267,7 +270,8 @@ double Clip::bytesTotal() const
     case Content::Missing: return -1;
     case Content::Timeline: break;
     }
-    if (m_movieRoot && m_movie) return static_cast<double>(m_movie->bytes.size());
+    if (m_movieRoot && m_movie)
+        return static_cast<double>(m_movie->fileLength > 0 ? m_movie->fileLength : m_movie->bytes.size());
     return m_timeline->frames.empty() ? 0 : static_cast<double>(m_timeline->frames.back().endOffset);
 }
 double Clip::bytesLoaded() const { return std::max(0.0, bytesTotal()); }

@@ -143,8 +143,9 @@ private:
     std::weak_ptr<Node> m_hitArea;
     int m_frame = -1, m_level = -1;
     bool m_playing = true, m_movieRoot = false;
-    bool m_begun = false; ///< its load event has been queued
-    bool m_inert = false; ///< only a button's hit area: runs nothing
+    bool m_isBroken = false; ///< its timeline ends in the middle of a frame
+    bool m_begun = false;    ///< its load event has been queued
+    bool m_inert = false;    ///< only a button's hit area: runs nothing
     bool m_streaming = false;
     swf::Rect m_bounds[2];
     bool m_boundsKnown[2] = {false, false};

@@ -87,7 +87,7 @@ void Clip::step()
     } else if (!m_unloading) {
         m_stage.queueEvent(*this, Event::EnterFrame);
     }
-    if (m_frame >= 0 && (!m_playing || m_unloading)) return;
+    if (m_frame >= 0 && (!m_playing || m_unloading || m_isBroken)) return;
     const int count = loadedFrames();
     const int next = m_frame + 1;
     if (next < count) {
@@ -152,6 +152,12 @@ void Clip::runFrame(int frame, Run run)
     for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(frame)].tags) {
         guard::check();
         if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {
+            if (!placed->move && !placed->characterId) {
+                // A placement of nothing: the file is not read on, and the frame never comes.
+                m_frame = std::max(frame - 1, 0);
+                m_isBroken = true;
+                return;
+            }
             place(*placed, frame);
         } else if (const auto* removed = std::get_if<swf::RemoveObject>(&tag)) {
             if (Node* child = childAt(depthOf(removed->depth))) removeChild(*child);
@@ -185,7 +191,14 @@ void Clip::place(const swf::PlaceObject& tag, int frame)
             applyPlacement(*existing, tag);
         return;
     }
-    if (!tag.characterId || existing) return;
+    if (!tag.characterId) return;
+    // Up to version 5 a clip gives way, without being told; later ones stay.
+    if (existing) {
+        if (m_movie->header.version > 5 || existing->kind() != NodeKind::Clip) return;
+        const NodePtr keep = existing->shared_from_this();
+        take(*existing);
+        m_stage.retire(*existing);
+    }
     if (!m_aside.empty() && takeBack(tag, frame)) return;
     const NodePtr node = instantiate(m_movie, *tag.characterId, depth, true);
     if (!node) return;

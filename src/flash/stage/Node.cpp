@@ -233,8 +233,10 @@ void Node::setWidth(double pixels)
     if (!std::isfinite(pixels)) return;
     const double now = width();
     const double own = bounds().width() / static_cast<double>(swf::kTwipsPerPixel);
+    // What has no extent has none in either way from then on.
     if (own <= 0) {
         setScaleX(0);
+        setScaleY(0);
         return;
     }
     cacheScale();
@@ -251,6 +253,7 @@ void Node::setHeight(double pixels)
     const double now = height();
     const double own = bounds().height() / static_cast<double>(swf::kTwipsPerPixel);
     if (own <= 0) {
+        setScaleX(0);
         setScaleY(0);
         return;
     }

@@ -101,6 +101,9 @@ public:
     /// The root of a level or a loaded clip was replaced by another movie: script properties go.
     virtual void clipReset(Clip&) {}
 
+    /// Another movie takes the place of the one that is open: its timers go.
+    virtual void movieReplaced() {}
+
     /// Milliseconds until the next timer of setInterval or setTimeout; negative when there is none.
     virtual double nextTimerMs() { return -1; }
     /// The stage's clock stands at `nowMs`: run the timers that are due.

@@ -172,7 +172,9 @@ void Stage::begin(Node& node)
 {
     const bool scriptable = node.kind() == NodeKind::Clip || node.kind() == NodeKind::Button ||
                             node.kind() == NodeKind::TextField || node.kind() == NodeKind::Video;
-    if (scriptable && node.name().empty()) node.setName("instance" + std::to_string(++m_instanceCounter));
+    // Only what files place is given a name; scripts may have given an empty one.
+    if (scriptable && node.name().empty() && !node.m_scriptTransformed)
+        node.setName("instance" + std::to_string(++m_instanceCounter));
     if (Clip* clip = asClip(&node)) {
         if (Clip* parent = clip->parentClip(); parent && clip->m_url.empty()) clip->m_url = parent->m_url;
         const bool listed = !m_clips.empty() && m_clips.back().get() == clip;

@@ -285,7 +285,7 @@ private:
         swf::ActionBlock block;
     };
     // What is queued runs in this order, whatever it is queued by.
-    enum Priority : std::uint8_t { kInitActions, kInitialize, kConstruct, kOrdinary, kPriorities };
+    enum Priority : std::uint8_t { kInitialize, kInitActions, kConstruct, kOrdinary, kPriorities };
     struct Pending {
         std::weak_ptr<Clip> clip;
         int level = -1; ///< when there is no clip
@@ -357,7 +357,8 @@ private:
     void showFocus(bool on);
     [[nodiscard]] bool focusHidesAtEveryMove() const;
     void drawFocus(render::Canvas& canvas, const swf::Matrix& view);
-    void focusNext(bool backwards);
+    /// @returns whether something else has the focus now
+    bool focusNext(bool backwards);
     void updateCursor();
 
     Services m_services;
@@ -419,6 +420,7 @@ private:
     std::set<int> m_keysDown;
     std::set<int> m_keysToggled;
     int m_lastKeyCode = 0, m_lastCharCode = 0;
+    bool m_keyTaken = false;  ///< the last key that went down was a handler's alone
     bool m_keysAsked = false; ///< by a script of this movie, once at least
     int m_inputDepth = 0;
     NodePtr m_focus;

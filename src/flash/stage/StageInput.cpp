@@ -156,6 +156,8 @@ Node* Stage::topNodeAt(swf::Point stagePoint, const Node* except)
 
 void Stage::pointerEvent(Node& node, Event event)
 {
+    // Text fields have no handlers for the pointer.
+    if (node.kind() == NodeKind::TextField) return;
     const bool menu = tracksAsMenu(node);
     if (node.kind() == NodeKind::Button) {
         auto& button = static_cast<Button&>(node);
@@ -434,15 +436,19 @@ void Stage::keyDown(int keyCode, char32_t charCode)
         if (!m_keysToggled.erase(keyCode)) m_keysToggled.insert(keyCode);
     }
     keyEvent(Event::KeyDown);
-    const bool typing = m_focus && m_focus->kind() == NodeKind::TextField &&
-                        static_cast<TextField&>(*m_focus).isInput() && charCode >= 32 && charCode != 127;
-    const bool handled = !typing && keyPressEverywhere(pressCodeOf(keyCode, charCode));
-    runQueue();
     constexpr int kTab = 9, kEnter = 13, kShift = 16, kSpace = 32;
-    if (!handled && keyCode == kTab) focusNext(isKeyDown(kShift));
+    // The tabulator moves the focus where there is somewhere to move it, and is nobody's then.
+    if (keyCode == kTab && focusNext(isKeyDown(kShift))) {
+        m_keyTaken = false;
+        runQueue();
+        return;
+    }
+    // Whoever waits for the key takes it from the field that is typed into, and from what has the focus.
+    m_keyTaken = keyPressEverywhere(pressCodeOf(keyCode, charCode));
+    runQueue();
     const bool presses =
         m_focus && (m_focus->kind() == NodeKind::Button || m_focus->kind() == NodeKind::Clip);
-    if (!handled && presses && (keyCode == kEnter || keyCode == kSpace)) {
+    if (!m_keyTaken && presses && (keyCode == kEnter || keyCode == kSpace)) {
         // The keyboard's click: down and up at once.
         const NodePtr focus = m_focus;
         for (const Event event : {Event::Press, Event::Release}) {
@@ -469,7 +475,7 @@ bool Stage::isKeyToggled(int keyCode) const { return m_keysToggled.contains(keyC
 void Stage::textInput(char32_t character)
 {
     const InputScope scope(m_inputDepth);
-    if (!m_focus || m_focus->kind() != NodeKind::TextField) return;
+    if (!m_focus || m_focus->kind() != NodeKind::TextField || m_keyTaken) return;
     static_cast<TextField&>(*m_focus).input(character);
     runQueue();
 }
@@ -562,7 +568,7 @@ void Stage::setShowsMenu(bool full)
     m_services.host.showMenu(full);
 }
 
-void Stage::focusNext(bool backwards)
+bool Stage::focusNext(bool backwards)
 {
     std::vector<std::pair<int, Node*>> stops;
     const auto visit = [&](auto&& self, Node& node) -> void {
@@ -574,25 +580,30 @@ void Stage::focusNext(bool backwards)
             stop = clip->tabEnabled.value_or(clip->tabIndex.has_value() || clip->isButtonLike() ||
                                              clip->focusEnabled.value_or(false));
         if (stop && node.tabEnabled.value_or(true)) stops.emplace_back(node.tabIndex.value_or(0), &node);
-        if (node.kind() == NodeKind::Clip)
+        if (Clip* clip = asClip(&node); clip && clip->tabChildren.value_or(true))
             for (const NodePtr& child : node.children()) self(self, *child);
     };
     for (const auto& [number, root] : m_levels) visit(visit, *root);
-    if (stops.empty()) return;
-    const bool custom =
-        std::any_of(stops.begin(), stops.end(), [](const auto& s) { return s.second->tabIndex; });
+    // An index of -1 is none.
+    const auto hasIndex = [](const auto& s) { return s.second->tabIndex.value_or(-1) != -1; };
+    const bool custom = std::any_of(stops.begin(), stops.end(), hasIndex);
     if (custom) {
-        std::erase_if(stops, [](const auto& s) { return !s.second->tabIndex; });
+        std::erase_if(stops, [&](const auto& s) { return !hasIndex(s); });
         std::stable_sort(stops.begin(), stops.end(),
                          [](const auto& a, const auto& b) { return a.first < b.first; });
     } else {
-        // Reading order: from the upper left to the lower right.
-        std::stable_sort(stops.begin(), stops.end(), [](const auto& a, const auto& b) {
-            const swf::Rect ra = swf::mapBounds(a.second->toStage(), a.second->bounds());
-            const swf::Rect rb = swf::mapBounds(b.second->toStage(), b.second->bounds());
-            return ra.xMin + 6LL * ra.yMin < rb.xMin + 6LL * rb.yMin;
-        });
+        // Reading order: from the upper left to the lower right. Of those in one place the first counts.
+        const auto placeOf = [](const auto& s) {
+            const swf::Rect rect = swf::mapBounds(s.second->toStage(), s.second->bounds());
+            return rect.xMin + 6LL * rect.yMin;
+        };
+        std::stable_sort(stops.begin(), stops.end(),
+                         [&](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
+        const auto end = std::unique(stops.begin(), stops.end(),
+                                     [&](const auto& a, const auto& b) { return placeOf(a) == placeOf(b); });
+        stops.erase(end, stops.end());
     }
+    if (stops.empty()) return false;
     const auto now =
         std::find_if(stops.begin(), stops.end(), [&](const auto& s) { return s.second == m_focus.get(); });
     std::size_t index = 0;
@@ -602,7 +613,9 @@ void Stage::focusNext(bool backwards)
         index = (static_cast<std::size_t>(now - stops.begin()) + (backwards ? stops.size() - 1 : 1)) %
                 stops.size();
     showFocus(true);
+    Node* const before = m_focus.get();
     setFocus(stops[index].second);
+    return m_focus.get() != before;
 }
 
 void Stage::startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits)

@@ -134,10 +134,14 @@ void Stage::wait(Pending load)
 namespace
 {
 
-/// What scripts see as the address of something that could not be loaded.
+/// The address that scripts see: what was asked for as it was written, beside the movie that asked. Empty
+/// where that takes more than putting the two together.
 std::string resolvedUrl(const LoadRequest& request)
 {
     if (request.url.find("://") != std::string::npos) return request.url;
+    const bool plain = !request.url.starts_with('/') && request.url.find('\\') == std::string::npos &&
+                       request.url.find("..") == std::string::npos;
+    if (!plain || request.baseUrl.find("://") == std::string::npos) return {};
     return request.baseUrl.substr(0, request.baseUrl.rfind('/') + 1) + request.url;
 }
 
@@ -267,6 +271,8 @@ void Stage::finishLoad(Pending& load)
         return;
     }
     if (gone) return;
+    // Its address is the one that was asked for, however that was written.
+    if (!load.url.empty()) load.answer->url = load.url;
     const auto movie = swf::parseMovie(load.answer->bytes);
     if (movie && (*movie)->isAs3) {
         m_services.host.logLine(load.answer->url + ": ActionScript 3 is not supported");
@@ -274,7 +280,8 @@ void Stage::finishLoad(Pending& load)
         return;
     }
     if (load.intoLevel && load.level == 0 && movie) {
-        // The movie itself is replaced, with all levels: the new one starts at once.
+        // The movie itself is replaced, with all levels and timers.
+        m_script->movieReplaced();
         const auto levels = std::move(m_levels);
         m_levels.clear();
         m_movie = *movie;
@@ -286,7 +293,6 @@ void Stage::finishLoad(Pending& load)
         }
         adoptHeader();
         clip = makeLevel(0, *movie, load.answer->url);
-        clip->begin();
     } else if (load.intoLevel) {
         unloadLevel(load.level);
         if (movie) {

@@ -64,10 +64,7 @@ void TextField::select(std::size_t anchor, std::size_t caret)
     invalidate();
 }
 
-void TextField::focusGained()
-{
-    if (isInput()) select(0, m_content.size());
-}
+void TextField::focusGained() { select(0, m_content.size()); }
 
 void TextField::focusLost()
 {

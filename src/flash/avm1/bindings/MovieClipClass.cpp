@@ -24,6 +24,16 @@ Value hiddenOrNot(Vm& vm, Object& object, Name name)
     return value;
 }
 
+/// Sets a property, were it hidden from the running version.
+void setHiddenOrNot(Vm& vm, Object& object, Name name, Value value)
+{
+    const std::uint16_t flags = object.flagsOf(vm, name);
+    if (isVisible(flags, vm.version())) return object.put(vm, name, value);
+    object.changeFlags(vm, name, 0, flags);
+    object.put(vm, name, value);
+    object.changeFlags(vm, name, flags, 0);
+}
+
 /// The object's own enumerable properties go to a new instance before its scripts run.
 std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
 {
@@ -42,7 +52,9 @@ std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
 /// @returns nothing for others, which makes the call do nothing.
 std::optional<int> depthArg(Call& call, std::size_t index)
 {
-    const double depth = numberArg(call, index);
+    const double number = numberArg(call, index);
+    if (std::isnan(number)) return {};
+    const double depth = avm1::toInt32(number);
     if (!(std::abs(depth) <= stage::kMaxScriptDepth + 1.0)) return {};
     return static_cast<int>(depth);
 }
@@ -59,7 +71,7 @@ Value attachMovie(Call& call)
     const auto initialise = initialiser(call, 3);
     const stage::NodePtr made = clip->attach(clip->movie(), *id, *depth, utf8Arg(call, 1),
                                              [&](stage::Node& node) { binding.prepare(node, initialise); });
-    if (made) binding.construct(*made);
+    if (made) binding.construct(*made, initialise);
     return made ? Value(binding.objectOf(made.get())) : Value();
 }
 
@@ -68,8 +80,11 @@ Value createEmptyMovieClip(Call& call)
     stage::Clip* clip = selfClip(call);
     const auto depth = depthArg(call, 1);
     if (!clip || !depth) return {};
-    const auto made = clip->attachEmpty(*depth, utf8Arg(call, 0));
-    return made ? Value(StageBinding::of(call).objectOf(made.get())) : Value();
+    const std::shared_ptr<stage::Clip> made = clip->attachEmpty(*depth, utf8Arg(call, 0));
+    if (!made) return {};
+    Object* const object = StageBinding::of(call).objectOf(made.get());
+    call.vm.callMethod(object, "onConstruct");
+    return object;
 }
 
 Value createTextField(Call& call)
@@ -104,13 +119,17 @@ Value duplicateMovieClip(Call& call)
     const auto initialise = initialiser(call, 2);
     const stage::NodePtr copy = parent->duplicate(
         *clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) { binding.prepare(node, initialise); });
-    if (copy) binding.construct(*copy);
+    if (copy) binding.construct(*copy, initialise);
     return copy ? Value(StageBinding::of(call).objectOf(copy.get())) : Value();
 }
 
 Value removeMovieClip(Call& call)
 {
-    StageBinding::of(call).removeClip(call.self.asObject());
+    // Works on other things of the stage, too, and reaches further up than the action does.
+    stage::Node* node = selfNode(call);
+    stage::Clip* parent = node ? node->parentClip() : nullptr;
+    constexpr int kLastRemovableDepth = 2130690031;
+    if (parent && node->depth() >= 0 && node->depth() <= kLastRemovableDepth) parent->removeChild(*node);
     return {};
 }
 
@@ -193,13 +212,13 @@ Value prevFrame(Call& call)
 
 // ---- geometry ---------------------------------------------------------------------------------------------
 
-Object* rectObject(Vm& vm, const swf::Rect& rect)
+/// @param nothing what each side of an empty rectangle reports
+Object* rectObject(Vm& vm, const swf::Rect& rect, double nothing)
 {
-    Object* object = vm.newObject();
-    // What is empty reports the largest number there is in fixed point, minimum and maximum alike.
-    constexpr double kNothing = 6710886.35;
+    // A bare object, without a class.
+    Object* object = vm.newObject(nullptr);
     const auto value = [&](std::int32_t twips) {
-        return Value(rect.isEmpty() ? kNothing : twips / static_cast<double>(swf::kTwipsPerPixel));
+        return Value(rect.isEmpty() ? nothing : twips / static_cast<double>(swf::kTwipsPerPixel));
     };
     object->define(vm, "yMax", value(rect.yMax));
     object->define(vm, "yMin", value(rect.yMin));
@@ -225,7 +244,13 @@ Value boundsIn(Call& call, stage::Node::Extent extent)
         rect = clip->boundsThrough(clip->matrix(), extent);
     else if (space != clip)
         rect = clip->boundsThrough(space->toStage().inverted() * clip->toStage(), extent);
-    return rectObject(call.vm, rect);
+    // The largest number of twips there is, minimum and maximum alike; in the clip's own space always the
+    // smaller one.
+    constexpr double kNothing = 6710886.35, kFurther = 6710886.4;
+    if (call.vm.version() >= 8 || binding.stage().movie()->header.version >= 8)
+        binding.emptyBoundsAreFurther = true;
+    const bool further = binding.emptyBoundsAreFurther && space != clip;
+    return rectObject(call.vm, rect, further ? kFurther : kNothing);
 }
 Value getBounds(Call& call) { return boundsIn(call, stage::Node::Extent::WithStrokes); }
 Value getRect(Call& call) { return boundsIn(call, stage::Node::Extent::WithoutStrokes); }
@@ -237,14 +262,17 @@ Value convertPoint(Call& call, bool toGlobal)
     if (!clip || !point) return {};
     Vm& vm = call.vm;
     const Name x = vm.name(std::string_view("x")), y = vm.name(std::string_view("y"));
-    Value px, py;
-    if (!point->find(vm, x, px, Value(point)) || !point->find(vm, y, py, Value(point))) return {};
+    const auto has = [&](Name name) { return point->has(vm, name) || point->hasHidden(vm, name); };
+    if (!has(x) || !has(y)) return {};
+    const Value px = hiddenOrNot(vm, *point, x), py = hiddenOrNot(vm, *point, y);
     if (!px.isNumber() || !py.isNumber()) return {};
     const swf::Matrix matrix = toGlobal ? clip->toStage() : clip->toStage().inverted();
     constexpr double kTwips = swf::kTwipsPerPixel;
-    const swf::Point mapped = matrix.map(std::trunc(px.number() * kTwips), std::trunc(py.number() * kTwips));
-    point->put(vm, x, Value(std::round(mapped.x) / kTwips));
-    point->put(vm, y, Value(std::round(mapped.y) / kTwips));
+    // Twips are of 32 bits here, and wrap around.
+    const swf::Point mapped =
+        matrix.map(avm1::toInt32(px.number() * kTwips), avm1::toInt32(py.number() * kTwips));
+    setHiddenOrNot(vm, *point, x, Value(std::round(mapped.x) / kTwips));
+    setHiddenOrNot(vm, *point, y, Value(std::round(mapped.y) / kTwips));
     return {};
 }
 Value localToGlobal(Call& call) { return convertPoint(call, true); }
@@ -318,7 +346,7 @@ Value getInstanceAtDepth(Call& call)
 {
     StageBinding& binding = StageBinding::of(call);
     stage::Clip* clip = selfClip(call);
-    if (!clip) return {};
+    if (!clip || call.arg(0).isUndefined()) return {};
     stage::Node* node = clip->childAt(intArg(call, 0));
     if (!node) return {};
     Object* object = binding.objectOf(node);

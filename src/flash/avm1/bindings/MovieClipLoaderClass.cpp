@@ -119,8 +119,9 @@ Value getProgress(Call& call)
 {
     Target target = targetArg(call, 0);
     if (target.level >= 0) target.clip = StageBinding::of(call).stage().level(target.level);
-    if (call.arg(0).isNullish()) return {};
-    Object* progress = call.vm.newObject();
+    if (call.arg(0).isNullish() || (call.arg(0).isObject() && !target.clip)) return {};
+    // A bare object, without a class.
+    Object* progress = call.vm.newObject(nullptr);
     progress->define(call.vm, "bytesLoaded", target.clip ? Value(target.clip->bytesLoaded()) : Value());
     progress->define(call.vm, "bytesTotal", target.clip ? Value(target.clip->bytesTotal()) : Value());
     return progress;

@@ -45,21 +45,7 @@ stage::Node* NodeObject::live()
     if (m_path.empty()) return nullptr;
     // A script's reference to a thing of the stage is by its path: another one of that name takes the place
     // of one that has gone.
-    stage::Stage& stage = m_binding.stage();
-    std::string_view rest = m_path;
-    constexpr std::string_view kLevel = "_level";
-    rest.remove_prefix(kLevel.size());
-    const std::size_t dot = std::min(rest.find('.'), rest.size());
-    stage::Node* node = stage.level(std::atoi(std::string(rest.substr(0, dot)).c_str()));
-    rest.remove_prefix(dot);
-    while (node && !rest.empty()) {
-        rest.remove_prefix(1);
-        const std::size_t end = std::min(rest.find('.'), rest.size());
-        stage::Clip* const clip = stage::asClip(node);
-        node = clip ? clip->childByName(rest.substr(0, end), stage::Clip::Case::Sensitive) : nullptr;
-        rest.remove_prefix(end);
-    }
-    return node;
+    return m_binding.nodeAt(m_path);
 }
 
 std::string_view NodeObject::typeOf() const

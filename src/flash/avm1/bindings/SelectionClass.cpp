@@ -63,10 +63,20 @@ Value setFocus(Call& call)
     Object* object = call.arg(0).asObject();
     if (!object) object = call.vm.resolveTarget(call.vm.target(), textArg(call, 0));
     stage::Node* node = binding.nodeOf(object);
-    if (!node || !binding.stage().canTakeFocus(*node)) return Value(false);
+    if (!node) return Value(false);
+    if (stage::Clip* clip = stage::asClip(node)) {
+        // Read as any property, which may be a getter.
+        const stage::NodePtr keep = node->shared_from_this();
+        const Value enabled = object->get(call.vm, call.vm.name(std::string_view("focusEnabled")));
+        clip->focusEnabled = enabled.isUndefined() ? std::optional<bool>() : toBoolean(call.vm, enabled);
+        if (clip->isRemoved()) return Value(false);
+    }
+    if (!binding.stage().canTakeFocus(*node)) return Value(false);
+    const bool isClip = node->kind() == stage::NodeKind::Clip;
     binding.stage().setFocus(node, stage::Stage::By::Script);
-    // A clip gets the focus, and its script is told that it did not.
-    return Value(node->kind() != stage::NodeKind::Clip);
+    // A clip gets the focus, and scripts of the older movies are told that it did not.
+    constexpr int kLastThatDenies = 8;
+    return Value(!isClip || call.vm.version() > kLastThatDenies);
 }
 
 Value getTabIndex(Call& call)

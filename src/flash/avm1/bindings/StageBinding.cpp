@@ -66,6 +66,7 @@ void StageBinding::reset()
     m_state.reset();
     m_vm.reset();
     m_random = m_inputs.randomSeed;
+    emptyBoundsAreFurther = false;
     m_vm = std::make_unique<Vm>(*this, &classes::installAll);
     m_state = std::make_unique<State>();
     m_vm->heap().addRootSource([this](Tracer& tracer) { traceNodes(tracer); });
@@ -200,6 +201,24 @@ stage::Node* StageBinding::nodeOf(Object* object)
     return native ? native->live() : nullptr;
 }
 
+stage::Node* StageBinding::nodeAt(std::string_view path)
+{
+    constexpr std::string_view kLevel = "_level";
+    if (!m_stage || !path.starts_with(kLevel)) return nullptr;
+    path.remove_prefix(kLevel.size());
+    const std::size_t dot = std::min(path.find('.'), path.size());
+    stage::Node* node = m_stage->level(std::atoi(std::string(path.substr(0, dot)).c_str()));
+    path.remove_prefix(dot);
+    while (node && !path.empty()) {
+        path.remove_prefix(1);
+        const std::size_t end = std::min(path.find('.'), path.size());
+        stage::Clip* const clip = stage::asClip(node);
+        node = clip ? clip->childByName(path.substr(0, end), stage::Clip::Case::Sensitive) : nullptr;
+        path.remove_prefix(end);
+    }
+    return node;
+}
+
 stage::Clip* StageBinding::clipOf(Object* object) { return stage::asClip(nodeOf(object)); }
 
 std::optional<int> StageBinding::propertyIndex(Name name)
@@ -269,24 +288,36 @@ bool StageBinding::hasRegisteredClass(stage::Clip& clip)
 void StageBinding::constructClip(stage::Clip& clip)
 {
     const Vm::VersionScope scope(*m_vm, clip.movie() ? clip.movie()->header.version : 6);
+    // Classes of clips came with version 6.
+    if (clip.movie() && clip.movie()->header.version < 6) return;
     if (Function* constructor = classOf(clip)) m_vm->constructOn(objectOf(&clip), constructor, {});
     callHandler(objectOf(&clip), "onConstruct");
 }
 
+namespace
+{
+
+constexpr int kFirstThatInitialisesLate = 7;
+
+} // namespace
+
 void StageBinding::prepare(stage::Node& node, const std::function<void(stage::Node&)>& initialise)
 {
-    stage::Clip* clip = stage::asClip(&node);
-    // Not queued: construct() follows as soon as the first frame's children are there.
-    if (clip) clip->constructed = true;
-    // Setters of the class see the initial values.
-    if (clip) assignClass(*clip);
-    if (initialise) initialise(node);
+    if (stage::Clip* clip = stage::asClip(&node)) {
+        // Not queued: construct() follows as soon as the first frame's children are there.
+        clip->constructed = true;
+        // Setters of the class see the initial values.
+        assignClass(*clip);
+    }
+    if (initialise && m_vm->version() < kFirstThatInitialisesLate) initialise(node);
 }
 
-void StageBinding::construct(stage::Node& node)
+void StageBinding::construct(stage::Node& node, const std::function<void(stage::Node&)>& initialise)
 {
+    const stage::NodePtr keep = node.shared_from_this();
+    if (initialise && m_vm->version() >= kFirstThatInitialisesLate) initialise(node);
     stage::Clip* clip = stage::asClip(&node);
-    if (!clip) return;
+    if (!clip || clip->isRemoved()) return;
     clip->constructed = false;
     m_stage->runEvent(*clip, stage::Event::Construct);
 }

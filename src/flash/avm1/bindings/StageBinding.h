@@ -57,13 +57,15 @@ public:
     ///          stands at the same path now. Null for other objects and for what is gone for good.
     stage::Node* nodeOf(Object* object);
     stage::Clip* clipOf(Object* object);
+    /// @param path as Node::dotPath() has it @returns null when nothing stands there
+    stage::Node* nodeAt(std::string_view path);
     [[nodiscard]] static StageBinding& of(Call& call);
     [[nodiscard]] static StageBinding& of(Vm& vm);
 
-    /// What attachMovie and duplicateMovieClip do around a new instance's first frame: its class and the
-    /// initial values before, the constructor after.
+    /// What attachMovie and duplicateMovieClip do around a new instance's first frame: its class before, the
+    /// constructor after; and the initial values, which up to version 6 do not see what that frame shows.
     void prepare(stage::Node& node, const std::function<void(stage::Node&)>& initialise);
-    void construct(stage::Node& node);
+    void construct(stage::Node& node, const std::function<void(stage::Node&)>& initialise);
     /// The picture of a BitmapData object, shared: later changes to it show. Null for other objects.
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
     /// The movie's shared objects by the names that the store has for them.
@@ -72,6 +74,8 @@ public:
     void saveSharedObjects();
     /// Calls onSoundComplete of the object once the sound has played to its end.
     void watchSound(stage::SoundId sound, Object* object);
+    /// Since a script of version 8 asked for bounds, those of nothing are one twip further out.
+    bool emptyBoundsAreFurther = false;
     /// Keeps a stream alive and on the stage's clock until it is closed.
     void watchStream(std::shared_ptr<NetStream> stream);
     void unwatchStream(const NetStream& stream);
@@ -151,6 +155,7 @@ public:
     void nodeNamed(std::string_view name) override;
     void nodeRemoved(stage::Node& node) override;
     void clipReset(stage::Clip& clip) override;
+    void movieReplaced() override { m_vm->removeTimers(); }
     double nextTimerMs() override;
     void runTimers(double nowMs) override;
     void frameEnded() override;

@@ -113,7 +113,11 @@ bool StageBinding::isStageObject(Object* object) { return nodeOf(object) != null
 Object* StageBinding::parent(Object* object)
 {
     stage::Node* node = nodeOf(object);
-    return node ? objectOf(node->parentClip()) : nullptr;
+    if (!node) return nullptr;
+    // What a button shows has the button for its parent.
+    stage::Node* const above = node->parent();
+    const bool inButton = above && above->kind() == stage::NodeKind::Button;
+    return objectOf(inButton ? above : node->parentClip());
 }
 
 Object* StageBinding::root(Object* object)
@@ -368,11 +372,12 @@ void StageBinding::cloneClip(Object* object, std::u16string_view name, int depth
     stage::Node* node = nodeOf(object);
     stage::Clip* parent = node ? node->parentClip() : nullptr;
     // The action counts depths as files do, above the zone of the timeline.
-    if (!parent) return;
+    const double wanted = static_cast<double>(depth) + stage::kTimelineDepth;
+    if (!parent || wanted < stage::kTimelineDepth || wanted > stage::kMaxScriptDepth) return;
     const stage::NodePtr copy =
         parent->duplicate(*node, depth + stage::kTimelineDepth, base::utf8FromUtf16(name),
                           [this](stage::Node& fresh) { prepare(fresh, {}); });
-    if (copy) construct(*copy);
+    if (copy) construct(*copy, {});
 }
 
 void StageBinding::removeClip(Object* object)

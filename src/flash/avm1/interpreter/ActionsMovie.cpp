@@ -220,8 +220,9 @@ void setProperty(Frame& frame, const Instruction&)
 
 void cloneSprite(Frame& frame, const Instruction&)
 {
-    const double depth = toNumber(frame.vm, frame.pop());
+    const Value depthValue = frame.pop();
     const std::u16string name = toText(frame.vm, frame.pop());
+    const double depth = toNumber(frame.vm, depthValue);
     Object* clip = clipFrom(frame, frame.pop());
     if (clip != nullptr && frame.vm.host().isClip(clip))
         frame.vm.host().cloneClip(clip, name, avm1::toInt32(depth));
@@ -230,7 +231,9 @@ void cloneSprite(Frame& frame, const Instruction&)
 void removeSprite(Frame& frame, const Instruction&)
 {
     Object* clip = clipFrom(frame, frame.pop());
-    if (clip != nullptr && frame.vm.host().isClip(clip)) frame.vm.host().removeClip(clip);
+    // From version 6 on the action removes other things than clips, too.
+    if (clip != nullptr && (frame.version > 5 || frame.vm.host().isClip(clip)))
+        frame.vm.host().removeClip(clip);
     Interpreter::checkClip(frame);
 }
 

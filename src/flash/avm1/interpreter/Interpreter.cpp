@@ -146,11 +146,12 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     frame.isConstruct = options.isConstruct;
     frame.target = frame.baseTarget = function->definingTarget();
     // A function whose clip is gone works on the clip it is called on, or on the root.
-    if (frame.baseTarget != nullptr && !vm.m_host.isClip(frame.baseTarget)) {
+    frame.endsWithClip = frame.baseTarget != nullptr && vm.m_host.isClip(frame.baseTarget);
+    if (frame.baseTarget != nullptr && !frame.endsWithClip) {
         Object* const own = self.asObject();
-        frame.target = frame.baseTarget = own != nullptr && vm.m_host.isClip(own) ? own : vm.m_host.level(0);
+        Object* const other = own != nullptr && vm.m_host.isClip(own) ? own : vm.m_host.level(0);
+        if (other != nullptr) frame.target = frame.baseTarget = other;
     }
-    frame.endsWithClip = frame.baseTarget != nullptr;
     // In version 5 a method of a clip works on that clip, wherever it was written.
     if (frame.version == 5 && self.isObject() && vm.m_host.isClip(self.object()))
         frame.target = frame.baseTarget = self.object();

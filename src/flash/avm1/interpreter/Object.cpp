@@ -119,6 +119,8 @@ Accessor* Object::inheritedAccessor(Vm& vm, Name name, Object*& holder)
 
 void Object::put(Vm& vm, Name name, Value value)
 {
+    // Scripts cannot make a property without a name.
+    if (name.view().empty()) return;
     if (hasWatches() && !callWatch(vm, name, value)) return;
     // A prototype with a `__proto__` of its own making has no say in that of others.
     if (!hasOwn(vm, name) && !name.matches(vm.common().proto, vm.isCaseSensitive())) {

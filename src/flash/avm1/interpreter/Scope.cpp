@@ -154,13 +154,20 @@ void Interpreter::setVariable(Frame& frame, Name name, Value value)
     Vm& vm = frame.vm;
     if (name.isPath()) return setPath(frame, name, value);
     bool own = frame.callee != nullptr;
+    const auto isThis = [&] {
+        return (frame.callee->code()->head.flags & FunctionHead::SuppressThis) == 0 &&
+               name.matches(vm.common().self, frame.isCaseSensitive());
+    };
+    if (own && frame.activation == nullptr && isThis()) {
+        frame.self = value;
+        return;
+    }
     for (Scope* scope = frame.scope; scope != nullptr; scope = scope->outer) {
         if (scope->kind == Scope::Kind::Target) break;
         if (!scope->object->has(vm, name)) {
             if (scope->kind != Scope::Kind::Activation || !std::exchange(own, false)) continue;
             // To a function `this` is one of its variables.
-            if ((frame.callee->code()->head.flags & FunctionHead::SuppressThis) != 0) continue;
-            if (!name.matches(vm.common().self, frame.isCaseSensitive())) continue;
+            if (!isThis()) continue;
             frame.self = value;
             return;
         }

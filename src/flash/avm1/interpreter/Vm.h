@@ -276,6 +276,7 @@ public:
     int addTimer(Value function, Value self, Value method, std::span<const Value> args, double periodMs,
                  bool repeats);
     bool removeTimer(int id) { return m_timers.erase(id) > 0; }
+    void removeTimers() { m_timers.clear(); }
 };
 
 } // namespace flash::avm1
