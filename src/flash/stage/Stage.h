@@ -357,8 +357,7 @@ private:
     void showFocus(bool on);
     [[nodiscard]] bool focusHidesAtEveryMove() const;
     void drawFocus(render::Canvas& canvas, const swf::Matrix& view);
-    /// @returns whether something else has the focus now
-    bool focusNext(bool backwards);
+    void focusNext(bool backwards);
     void updateCursor();
 
     Services m_services;

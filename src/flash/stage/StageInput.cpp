@@ -359,7 +359,7 @@ bool Stage::keyPressEverywhere(int keyPressCode)
         if (node.kind() == NodeKind::Button) {
             auto& button = static_cast<Button&>(node);
             Clip* target = button.parentClip();
-            if (!target || !m_script->isEnabled(node)) return false;
+            if (!target || !node.isVisible() || !m_script->isEnabled(node)) return false;
             bool any = false;
             for (const swf::ButtonAction& action : button.definition().actions) {
                 if (action.keyCode != keyPressCode) continue;
@@ -437,15 +437,10 @@ void Stage::keyDown(int keyCode, char32_t charCode)
     }
     keyEvent(Event::KeyDown);
     constexpr int kTab = 9, kEnter = 13, kShift = 16, kSpace = 32;
-    // The tabulator moves the focus where there is somewhere to move it, and is nobody's then.
-    if (keyCode == kTab && focusNext(isKeyDown(kShift))) {
-        m_keyTaken = false;
-        runQueue();
-        return;
-    }
     // Whoever waits for the key takes it from the field that is typed into, and from what has the focus.
     m_keyTaken = keyPressEverywhere(pressCodeOf(keyCode, charCode));
     runQueue();
+    if (!m_keyTaken && keyCode == kTab) focusNext(isKeyDown(kShift));
     const bool presses =
         m_focus && (m_focus->kind() == NodeKind::Button || m_focus->kind() == NodeKind::Clip);
     if (!m_keyTaken && presses && (keyCode == kEnter || keyCode == kSpace)) {
@@ -568,7 +563,7 @@ void Stage::setShowsMenu(bool full)
     m_services.host.showMenu(full);
 }
 
-bool Stage::focusNext(bool backwards)
+void Stage::focusNext(bool backwards)
 {
     std::vector<std::pair<int, Node*>> stops;
     const auto visit = [&](auto&& self, Node& node) -> void {
@@ -603,7 +598,7 @@ bool Stage::focusNext(bool backwards)
                                      [&](const auto& a, const auto& b) { return placeOf(a) == placeOf(b); });
         stops.erase(end, stops.end());
     }
-    if (stops.empty()) return false;
+    if (stops.empty()) return;
     const auto now =
         std::find_if(stops.begin(), stops.end(), [&](const auto& s) { return s.second == m_focus.get(); });
     std::size_t index = 0;
@@ -613,9 +608,7 @@ bool Stage::focusNext(bool backwards)
         index = (static_cast<std::size_t>(now - stops.begin()) + (backwards ? stops.size() - 1 : 1)) %
                 stops.size();
     showFocus(true);
-    Node* const before = m_focus.get();
     setFocus(stops[index].second);
-    return m_focus.get() != before;
 }
 
 void Stage::startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits)

@@ -438,7 +438,7 @@ Value getUrl(Call& call)
 }
 Value unloadMovie(Call& call)
 {
-    if (stage::Clip* clip = selfClip(call)) StageBinding::of(call).stage().unloadClip(*clip);
+    if (stage::Clip* clip = selfClip(call)) StageBinding::of(call).stage().requestUnload(*clip);
     return {};
 }
 Value getBytesLoaded(Call& call)

@@ -221,7 +221,11 @@ void Interpreter::setMemberCached(Frame& frame, Value base, Value key, Value val
 {
     Vm& vm = frame.vm;
     Object* object = base.asObject();
-    if (object == nullptr) return;
+    if (object == nullptr) {
+        // The name is made text of all the same, which a script may see.
+        if (key.isObject()) (void)avm1::toName(vm, key);
+        return;
+    }
     if (key.isString()) {
         const Name name = vm.names().intern(key.string());
         InlineCache& cache = frame.code->cache(cacheIndex);
@@ -250,6 +254,8 @@ Value Interpreter::getVariableCached(Frame& frame, Value key, std::uint32_t cach
 
 void Interpreter::setVariableCached(Frame& frame, Name name, Value value, std::uint32_t cacheIndex)
 {
+    // A function's own `this` has no slot.
+    if (frame.callee != nullptr && name == frame.vm.common().self) return setVariable(frame, name, value);
     InlineCache& cache = frame.code->cache(cacheIndex);
     Object* object = cachedVariable(cache, frame, name);
     if (object == nullptr) object = fillAssignedVariable(cache, frame, name);

@@ -304,6 +304,9 @@ void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
 
 void Interpreter::checkClip(Frame& frame)
 {
+    // A target that is gone is none: the script is back at its own clip.
+    if (frame.target != frame.baseTarget && frame.target != nullptr && !frame.vm.m_host.isClip(frame.target))
+        frame.target = frame.baseTarget;
     if (frame.endsWithClip && !frame.vm.m_host.isClip(frame.baseTarget)) frame.returned = true;
 }
 
