@@ -33,6 +33,8 @@ const char* const kHelp =
   flashrun record MOVIE --out FILE.wav [--frames N] [--ms T] [options]
                        writes what is heard, 44100 Hz in stereo, for as long as trace would play
   flashrun info MOVIE  prints the header, what the movie defines, and its tags
+  flashrun actions MOVIE
+                       prints the movie's scripts, an action to a line
 
 Options of trace, render and record
       --base-dir DIR   relative addresses count from here, and nothing else is read
@@ -182,6 +184,8 @@ base::Result<Arguments> parseArguments(std::span<char*> words)
         arguments.command = Command::Record;
     else if (command == "info")
         arguments.command = Command::Info;
+    else if (command == "actions")
+        arguments.command = Command::Actions;
     else if (command == "thumbnail")
         arguments.command = Command::Thumbnail;
     else

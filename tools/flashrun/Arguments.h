@@ -11,7 +11,7 @@
 namespace flashrun
 {
 
-enum class Command { Help, Trace, Render, Record, Info, Thumbnail };
+enum class Command { Help, Trace, Render, Record, Info, Actions, Thumbnail };
 
 struct Arguments {
     Command command = Command::Help;

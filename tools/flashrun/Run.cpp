@@ -7,6 +7,7 @@
 #include "flash/Engine.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/swf/Describe.h"
+#include "flash/swf/Disassembly.h"
 
 #include <QImage>
 
@@ -235,6 +236,15 @@ base::Result<void> info(const Arguments& arguments)
     const auto bytes = TRY_RESULT(base::readFile(arguments.movie, kMaxMovieBytes));
     const auto movie = TRY_RESULT(flash::swf::parseMovie(bytes));
     const std::string text = flash::swf::describe(*movie);
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return {};
+}
+
+base::Result<void> actions(const Arguments& arguments)
+{
+    const auto bytes = TRY_RESULT(base::readFile(arguments.movie, kMaxMovieBytes));
+    const auto movie = TRY_RESULT(flash::swf::parseMovie(bytes));
+    const std::string text = flash::swf::disassemble(*movie);
     std::fwrite(text.data(), 1, text.size(), stdout);
     return {};
 }

@@ -10,5 +10,6 @@ base::Result<void> trace(const Arguments& arguments);
 base::Result<void> render(const Arguments& arguments);
 base::Result<void> record(const Arguments& arguments);
 base::Result<void> info(const Arguments& arguments);
+base::Result<void> actions(const Arguments& arguments);
 
 } // namespace flashrun

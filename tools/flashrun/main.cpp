@@ -20,6 +20,7 @@ base::Result<void> run(const flashrun::Arguments& arguments)
     case Command::Render: return flashrun::render(arguments);
     case Command::Record: return flashrun::record(arguments);
     case Command::Info: return flashrun::info(arguments);
+    case Command::Actions: return flashrun::actions(arguments);
     case Command::Thumbnail: return flashrun::thumbnail(arguments);
     }
     return {};

@@ -12,6 +12,20 @@ namespace flash::avm1
 namespace
 {
 
+#if defined(__x86_64__)
+__attribute__((target("avx"))) void clearUpperHalves() { __builtin_ia32_vzeroupper(); }
+#endif
+
+/// Libraries may leave the upper halves of the vector registers in use. Each change between instructions that know
+/// of them and those that do not then costs some hundred cycles: every call of sin() or exp().
+void settleVectorRegisters()
+{
+#if defined(__x86_64__)
+    static const bool hasUpperHalves = __builtin_cpu_supports("avx") != 0;
+    if (hasUpperHalves) clearUpperHalves();
+#endif
+}
+
 /// Makes a frame the innermost one for as long as it exists, and its version the current one.
 class FrameGuard
 {
@@ -101,6 +115,7 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
     if (vm.m_depth == 0) {
         vm.m_startedMs = vm.m_host.realTimeMs();
         vm.m_budget = 0;
+        settleVectorRegisters();
     }
     if (vm.m_depth >= vm.m_nestedCalls) {
         abort(vm,
@@ -279,6 +294,7 @@ void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
     if (vm.m_depth == 0) {
         vm.m_startedMs = vm.m_host.realTimeMs();
         vm.m_budget = 0;
+        settleVectorRegisters();
     }
     Frame frame{vm};
     frame.code = &code;

@@ -404,6 +404,7 @@ void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)
     if (m_shape->isShared() && m_shape->properties().size() >= Shape::kMaxShared) becomeUnshared(vm);
     m_shape = m_shape->withAdded(vm.heap(), name, flags);
     const std::uint32_t slot = m_shape->properties().back().slot;
+    reserveSlots();
     if (slot >= m_slots.size()) m_slots.resize(slot + 1);
     m_slots[slot] = value;
     vm.heap().noteExternalBytes(sizeof(Value));

@@ -228,6 +228,7 @@ public:
     void addSlot(Shape* next, Value value)
     {
         m_shape = next;
+        reserveSlots();
         m_slots.resize(next->slotCount());
         m_slots.back() = value;
     }
@@ -258,6 +259,11 @@ private:
         std::vector<Watch> watches;
         TracedList<Object*> interfaces;
     };
+    /// Most objects have some few properties: no need to grow for each.
+    void reserveSlots()
+    {
+        if (m_slots.capacity() == 0) m_slots.reserve(4);
+    }
     [[nodiscard]] Object* visiblePrototype(const Vm& vm) const;
     void noteProtoChange(Vm& vm);
     Extras& extras();
