@@ -16,8 +16,8 @@ namespace
 __attribute__((target("avx"))) void clearUpperHalves() { __builtin_ia32_vzeroupper(); }
 #endif
 
-/// Libraries may leave the upper halves of the vector registers in use. Each change between instructions that know
-/// of them and those that do not then costs some hundred cycles: every call of sin() or exp().
+/// Libraries may leave the upper halves of the vector registers in use. Each change between instructions that
+/// know of them and those that do not then costs some hundred cycles: every call of sin() or exp().
 void settleVectorRegisters()
 {
 #if defined(__x86_64__)
