@@ -56,7 +56,8 @@ void tryXml(std::string_view text, unsigned options)
     if ((options & 2U) != 0) vm.collectAlways();
     const avm1::Root<avm1::Object> document(vm.heap(),
                                             avm1::newXmlNode(vm, avm1::XmlNode::kElement, nullptr));
-    (void)avm1::parseXml(vm, document.get(), base::utf16FromUtf8(text), {.ignoreWhite = (options & 1U) != 0});
+    document->define(vm, "ignoreWhite", avm1::Value((options & 1U) != 0));
+    (void)avm1::parseXml(vm, document.get(), base::utf16FromUtf8(text));
     (void)avm1::xmlText(vm, document.get());
 }
 
