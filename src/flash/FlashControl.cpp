@@ -60,6 +60,12 @@ Qt::CursorShape toShape(stage::Cursor cursor)
 class FlashControl::Private : public control::MovieListener
 {
 public:
+    /// What a movie was loaded from, as it was at that moment: files change places.
+    struct Source {
+        QString address;
+        bool isPage = false;
+    };
+
     explicit Private(FlashControl& owner) : q(owner) { newLocal(); }
 
     // ---- the movie
@@ -120,7 +126,7 @@ public:
         load.storageFolder = storageFolder.toStdString();
         load.trustedFolder = trustedFolder.toStdString();
         load.sharedFolder = sharedFolder.toStdString();
-        addresses[load.id] = url;
+        sources[load.id] = {url, isPage(url)};
         return load;
     }
 
@@ -158,6 +164,7 @@ public:
         }
         if (layer == 0) {
             this->loading = loading.state == State::GoesOn;
+            sources = {{lastLoad, sources.value(lastLoad)}};
             movie = url;
             background.reset();
         }
@@ -167,19 +174,20 @@ public:
     /// Another layer over what plays. Pages of the host's and movies from elsewhere do not share a process.
     bool loadLayer(int layer, const QString& url)
     {
-        if (isRemote && isPage(url) != isPage(movie)) {
+        if (isRemote && isPage(url) != sources.value(speaking).isPage) {
             error = QStringLiteral("pages and movies do not share a process");
             return false;
         }
         return loadInto(layer, url);
     }
 
+    /// Whether a file lies in the folder of the host's pages, links resolved.
     [[nodiscard]] bool isPage(const QString& url) const
     {
-        std::error_code ignored;
-        return !trustedFolder.isEmpty() &&
-               std::filesystem::equivalent(Engine::pathOf(url.toStdString()).parent_path(),
-                                           trustedFolder.toStdString(), ignored);
+        std::error_code error;
+        const auto file = std::filesystem::canonical(Engine::pathOf(url.toStdString()), error);
+        return !error && !trustedFolder.isEmpty() &&
+               std::filesystem::equivalent(file.parent_path(), trustedFolder.toStdString(), error);
     }
 
     // ---- what the movie says
@@ -213,8 +221,9 @@ public:
         if (const auto* command = std::get_if<control::Command>(&message)) standing = command->standing;
         if (const auto* address = std::get_if<control::OpenAddress>(&message)) standing = address->standing;
         control::Sender sender;
-        sender.movie = addresses.value(speaking);
-        sender.isPage = standing.onlyTrusted != 0 && isPage(sender.movie);
+        const Source source = sources.value(speaking);
+        sender.movie = source.address;
+        sender.isPage = standing.onlyTrusted != 0 && source.isPage;
         sender.hasRead = standing.hasRead != 0;
         sender.act = sinceAct.isValid() && sinceAct.elapsed() < kActCountsMs ? acts : 0;
         return sender;
@@ -334,7 +343,7 @@ public:
     std::optional<QColor> background; // as the host set it
     QString movie, error;
     QString storageFolder, trustedFolder, sharedFolder;
-    QHash<std::uint32_t, QString> addresses; // by the loads' ids
+    QHash<std::uint32_t, Source> sources; // by the loads' ids
     std::uint32_t lastLoad = 0, speaking = 0;
     int readyState = 0;
     std::function<bool()> timeout, watch;

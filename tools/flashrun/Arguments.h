@@ -23,7 +23,8 @@ struct Arguments {
     bool showCommands = false;
     bool collectAlways = false;
     std::filesystem::path out, baseFolder, input, storageFolder;
-    std::string textCode; ///< empty: the system's own
+    /// The same on every machine, so that a run is: the code that most of the old movies were made in.
+    std::string textCode = "iso-8859-1";
     double scale = 1;
     int size = 256;     ///< of a thumbnail: the longer side, pixels
     double seconds = 5; ///< that a thumbnail may take
