@@ -6,10 +6,11 @@
 //   NAME.errors    what the compiler says; the movie must not compile
 //   NAME.json      how to run it: frames, ms, frame (of the picture), tolerance and outliers (of the
 //   picture),
-//                  quality, date (of the movie's clock), runs (how often it is played, keeping its shared
-//                  objects; the last one is compared), files (what it loads: descriptions and scripts are
-//                  compiled to NAME.swf, others copied), knownFailure (a reason; passing is then a failure)
-//                  commands (whether the movie's commands and addresses to its host are compared, too)
+//                  quality, date (of the movie's clock), codepage, runs (how often it is played, keeping its
+//                  shared objects; the last one is compared), files (what it loads: descriptions and scripts
+//                  are compiled to NAME.swf, others copied), knownFailure (a reason; passing is then a
+//                  failure) commands (whether the movie's commands and addresses to its host are compared,
+//                  too)
 //   NAME.input     events for the movie, as flashrun's --input takes them
 
 #include "Heard.h"
@@ -91,6 +92,7 @@ QStringList MovieFile::runArguments(const QJsonObject& options) const
                           options.contains("files") ? m_folder.path() : QFileInfo(m_source).path()};
     if (QFile::exists(beside(".input"))) arguments << "--input" << beside(".input");
     if (options.contains("runs")) arguments << "--storage" << m_folder.filePath("storage");
+    if (options.contains("codepage")) arguments << "--codepage" << options["codepage"].toString();
     if (options.contains("date")) arguments << "--date" << options["date"].toString();
     if (qEnvironmentVariableIsSet("MOVIE_TESTS_COLLECT_ALWAYS")) arguments << "--collect-always";
     return arguments;
