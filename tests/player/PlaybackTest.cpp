@@ -136,6 +136,10 @@ TEST_F(PlayingMovie, KeepsItsGroundUnderTheSoundPage)
     const QString page = path("media/gadgets/sound.swf");
     ASSERT_TRUE(QFile::copy(ZORVEX_PROGRAM_DIR "/media/gadgets/sound.swf", page));
     player.SetSound(40, -30);
+    if (control().hasOwnProcess()) {
+        EXPECT_EQ(control().masterVolume(), 0.4) << "the page does not go into another movie's process";
+        return;
+    }
     const auto heard = [this] { return control().GetVariable("heard"); };
     EXPECT_TRUE(waitFor([&] { return heard() == "40 -30"; })) << heard().toStdString();
     EXPECT_EQ(control().masterVolume(), 1.0) << "not a second time over the page's";

@@ -7,6 +7,9 @@
 #include <QApplication>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
 #include <malloc.h>
 
 namespace player
@@ -53,15 +56,16 @@ TEST_P(SkinSwitch, LeavesMemoryAsItWas)
 
     constexpr int kWarmUp = 40; // tables that grow with what they have seen have grown by then
     constexpr int kSwitches = 100;
-    std::size_t warm = 0, last = 0;
+    // The least of some switches counts: what a script engine holds for a moment is none of this.
+    constexpr int kLooks = 10;
+    constexpr auto kUnknown = std::numeric_limits<std::size_t>::max();
+    std::size_t warm = kUnknown, last = kUnknown;
     int done = 0;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &player, [&] {
-        if (done == kWarmUp) warm = bytesInUse();
-        if (done == kSwitches) {
-            last = bytesInUse();
-            return QCoreApplication::quit();
-        }
+        if (done >= kWarmUp && done < kWarmUp + kLooks) warm = std::min(warm, bytesInUse());
+        if (done >= kSwitches - kLooks) last = std::min(last, bytesInUse());
+        if (done == kSwitches) return QCoreApplication::quit();
         emit player.skinWindow().skin().userActed(); // who switches so often is not the skin
         if (const QString item = QString("mnuSkinList%1").arg(done++ % 2); GetParam())
             player.skinWindow().skin().bridge().RunScript("Player." + item + ".Click");
@@ -70,7 +74,8 @@ TEST_P(SkinSwitch, LeavesMemoryAsItWas)
     });
     timer.start(1);
     QApplication::exec();
-    const auto perSwitch = (static_cast<double>(last) - static_cast<double>(warm)) / (kSwitches - kWarmUp);
+    const auto perSwitch =
+        (static_cast<double>(last) - static_cast<double>(warm)) / (kSwitches - kWarmUp - kLooks);
     std::printf("%.0f bytes a switch\n", perSwitch);
     EXPECT_LT(perSwitch, 1024) << "one forgotten button is larger";
 }

@@ -301,17 +301,22 @@ constexpr ActionInfo kActions[] = {
 consteval std::array<ActionInfo, 256> actionsByOp()
 {
     std::array<ActionInfo, 256> table{};
+    // Sanitizers let no function's address be looked at while compiling.
+    std::array<bool, 256> isThere{};
     for (const ActionInfo& action : kActions) {
-        if (table[action.op].function != nullptr) throw "two actions share a code";
+        if (isThere[action.op]) throw "two actions share a code";
+        isThere[action.op] = true;
         table[action.op] = action;
     }
     for (int op = 0; op < 256; ++op) {
-        ActionInfo& entry = table[static_cast<std::size_t>(op)];
+        const bool hasFunction = isThere[static_cast<std::size_t>(op)];
         const bool isKnown = swf::kActionCodeByNumber[static_cast<std::size_t>(op)].name != nullptr;
         // Push becomes instructions of the decoder's own.
-        if (isKnown && entry.function == nullptr && op != static_cast<int>(ActionCode::Push))
+        if (isKnown && !hasFunction && op != static_cast<int>(ActionCode::Push))
             throw "an action has no function";
-        if (entry.function == nullptr) entry = ActionInfo(static_cast<std::uint8_t>(op), &actions::nothing);
+        if (!hasFunction)
+            table[static_cast<std::size_t>(op)] =
+                ActionInfo(static_cast<std::uint8_t>(op), &actions::nothing);
     }
     return table;
 }

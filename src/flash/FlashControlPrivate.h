@@ -1,0 +1,349 @@
+#pragma once
+
+#include "flash/Engine.h"
+#include "flash/FlashControl.h"
+#include "flash/control/Inbox.h"
+#include "flash/control/LocalMovie.h"
+#include "flash/control/RemoteMovie.h"
+#include "flash/stage/Stage.h"
+
+#include <QClipboard>
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QHash>
+#include <QLocale>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QTimer>
+
+#include <cmath>
+#include <filesystem>
+#include <optional>
+
+// Included by FlashControl.cpp alone.
+namespace flash
+{
+
+inline stage::MouseButton toStage(Qt::MouseButton button)
+{
+    if (button == Qt::MiddleButton) return stage::MouseButton::Middle;
+    return button == Qt::RightButton ? stage::MouseButton::Right : stage::MouseButton::Left;
+}
+
+inline Qt::CursorShape toShape(stage::Cursor cursor)
+{
+    switch (cursor) {
+    case stage::Cursor::Arrow: return Qt::ArrowCursor;
+    case stage::Cursor::Hand: return Qt::PointingHandCursor;
+    case stage::Cursor::Text: return Qt::IBeamCursor;
+    case stage::Cursor::Hidden: return Qt::BlankCursor;
+    }
+    return Qt::ArrowCursor;
+}
+
+/// The control's way to its movies: which process plays, what they say and whose word it is.
+class FlashControl::Private : public control::MovieListener
+{
+public:
+    // What a movie says for so long after a click or a key may be what the user wanted with it.
+    static constexpr qint64 kActCountsMs = 1000;
+    // The next movie's process is made ready once this one has had its start.
+    static constexpr int kSpareDelayMs = 1500;
+
+    /// What a movie was loaded from, as it was at that moment: files change places.
+    struct Source {
+        QString address;
+        bool isPage = false;
+    };
+
+    explicit Private(FlashControl& owner) : q(owner) { newLocal(); }
+
+    // ---- the movie
+    // ------------------------------------------------------------------------------------------
+
+    void newLocal()
+    {
+        port = std::make_unique<control::LocalMovie>(*this);
+        isRemote = loading = false;
+        equip(*port);
+    }
+
+    /// A movie that is still to come finds everything as the last one had it.
+    void equip(control::MoviePort& fresh)
+    {
+        fresh.pass(settings);
+        if (!viewSize.isEmpty()) fresh.setView(viewSize.width(), viewSize.height(), viewScale);
+    }
+
+    /// Says something to the movie that scripts may answer to, then tells the host what came of it. Ignored
+    /// while scripts run already: the question about a slow script lets events through.
+    void command(const control::ToMovie& message)
+    {
+        if (port->isBusy()) return;
+        port->command(message);
+        // Last, because a handler may load another movie or end this control's life.
+        inbox.deliver(q);
+    }
+
+    void pass(const control::ToMovie& message)
+    {
+        if (port->isBusy()) return;
+        port->pass(message);
+        inbox.deliver(q);
+    }
+
+    void halt(int frame)
+    {
+        if (state().open != 0) command(control::Halt{frame});
+    }
+
+    [[nodiscard]] const control::State& state() const { return port->state(); }
+    [[nodiscard]] bool isTyping() const { return state().typing != 0; }
+
+    [[nodiscard]] control::Load loadOf(int layer, const QString& url)
+    {
+        control::Load load;
+        load.id = ++lastLoad;
+        load.layer = layer;
+        load.address = url.toStdString();
+        load.language = QLocale().name().left(2).toStdString();
+        load.startDateMs = static_cast<double>(QDateTime::currentMSecsSinceEpoch());
+        load.randomSeed = static_cast<std::uint32_t>(QDateTime::currentMSecsSinceEpoch());
+        if (const QScreen* shownOn = q.screen()) {
+            load.screenWidth = shownOn->size().width();
+            load.screenHeight = shownOn->size().height();
+        }
+        load.storageFolder = storageFolder.toStdString();
+        sources[load.id] = {url, isPage(url)};
+        // Nobody else is even told of these folders.
+        if (sources[load.id].isPage) {
+            load.trustedFolder = trustedFolder.toStdString();
+            load.sharedFolder = sharedFolder.toStdString();
+        }
+        return load;
+    }
+
+    /// Layer 0 in a process of its own, where there is a way to one. What played goes on when it fails.
+    bool loadMovie(const QString& url)
+    {
+        auto process = processes.take();
+        if (process == nullptr) {
+            if (!std::exchange(toldWhere, true))
+                heard(control::LogLine{"Movies play inside this process: there is none for them."});
+            return loadInto(0, url);
+        }
+        auto before = std::move(port);
+        const bool wasRemote = std::exchange(isRemote, true);
+        const std::uint32_t spokeBefore = std::exchange(speaking, 0);
+        port = std::make_unique<control::RemoteMovie>(*this, std::move(process));
+        equip(*port);
+        if (loadInto(0, url)) {
+            QTimer::singleShot(kSpareDelayMs, &q, [this] { processes.prepare(); });
+            return true;
+        }
+        port = std::move(before);
+        isRemote = wasRemote;
+        speaking = spokeBefore;
+        return false;
+    }
+
+    bool loadInto(int layer, const QString& url)
+    {
+        using State = control::MoviePort::Loading::State;
+        const auto loading = port->load(loadOf(layer, url));
+        if (loading.state == State::Failed) {
+            error = QString::fromStdString(loading.error);
+            return false;
+        }
+        if (layer == 0) {
+            this->loading = loading.state == State::GoesOn;
+            sources = {{lastLoad, sources.value(lastLoad)}};
+            movie = url;
+            background.reset();
+        }
+        return true;
+    }
+
+    /// Another layer over what plays. Pages of the host's and movies from elsewhere do not share a process.
+    bool loadLayer(int layer, const QString& url)
+    {
+        if (isRemote && isPage(url) != sources.value(speaking).isPage) {
+            error = QStringLiteral("pages and movies do not share a process");
+            return false;
+        }
+        return loadInto(layer, url);
+    }
+
+    /// Whether a file lies in the folder of the host's pages, links resolved.
+    [[nodiscard]] bool isPage(const QString& url) const
+    {
+        std::error_code error;
+        const auto file = std::filesystem::canonical(Engine::pathOf(url.toStdString()), error);
+        return !error && !trustedFolder.isEmpty() &&
+               std::filesystem::equivalent(file.parent_path(), trustedFolder.toStdString(), error);
+    }
+
+    // ---- what the movie says
+    // --------------------------------------------------------------------------------
+
+    void heard(control::FromMovie message) override
+    {
+        if (const auto* speaks = std::get_if<control::Speaking>(&message)) {
+            speaking = speaks->id;
+        } else if (std::get_if<control::State>(&message) != nullptr) {
+            showState();
+        } else if (const auto* copied = std::get_if<control::CopyText>(&message)) {
+            if (clipboardAllowed) QGuiApplication::clipboard()->setText(QString::fromStdString(copied->text));
+        } else if (std::get_if<control::RanOutOfMemory>(&message) != nullptr) {
+            lost(Loss::OutOfMemory);
+        } else if (const auto* loaded = std::get_if<control::Loaded>(&message)) {
+            // Only of a movie that took long over its first frame; maybe it could not be loaded after all.
+            loading = false;
+            if (loaded->done == 0) lost(Loss::Refused);
+            q.update();
+        } else {
+            if (const auto* ready = std::get_if<control::ReadyState>(&message)) readyState = ready->state;
+            auto sender = senderOf(message);
+            inbox.put(std::move(message), std::move(sender));
+        }
+    }
+
+    [[nodiscard]] control::Sender senderOf(const control::FromMovie& message) const
+    {
+        control::Standing standing;
+        if (const auto* command = std::get_if<control::Command>(&message)) standing = command->standing;
+        if (const auto* address = std::get_if<control::OpenAddress>(&message)) standing = address->standing;
+        control::Sender sender;
+        const Source source = sources.value(speaking);
+        sender.movie = source.address;
+        sender.isPage = standing.onlyTrusted != 0 && source.isPage;
+        sender.hasRead = standing.hasRead != 0;
+        sender.act = sinceAct.isValid() && sinceAct.elapsed() < kActCountsMs ? acts : 0;
+        return sender;
+    }
+
+    void showState()
+    {
+        const auto wanted = static_cast<stage::Cursor>(state().cursor);
+        if (wanted != cursor) {
+            cursor = wanted;
+            q.setCursor(toShape(wanted));
+        }
+        if (isTyping() != q.testAttribute(Qt::WA_InputMethodEnabled))
+            q.setAttribute(Qt::WA_InputMethodEnabled, isTyping());
+    }
+
+    void pictureChanged(const QRect& part) override { q.update(toWidget(part)); }
+
+    control::Answer asked(control::Ask::What what) override
+    {
+        switch (what) {
+        case control::Ask::What::AbortSlowScript:
+            return {0, static_cast<std::uint8_t>(!timeout || timeout() ? 1 : 0), {}};
+        case control::Ask::What::ClipboardText:
+            return {0, 1,
+                    clipboardAllowed ? QGuiApplication::clipboard()->text().toStdString() : std::string()};
+        }
+        return {};
+    }
+
+    bool endsScripts() override { return watch && watch(); }
+
+    void settle() override
+    {
+        // From the event loop: a handler may end the movie that is speaking.
+        if (!inbox.isEmpty()) QTimer::singleShot(0, &q, [this] { inbox.deliver(q); });
+    }
+
+    void lost(Loss loss) override
+    {
+        QTimer::singleShot(0, &q, [this, loss, of = port.get()] {
+            if (of == port.get()) handleLoss(loss);
+        });
+    }
+
+    void handleLoss(Loss loss)
+    {
+        if (loss == Loss::Frozen || loss == Loss::Answers) {
+            emit q.frozen(loss == Loss::Frozen);
+            return;
+        }
+        const QString lostMovie = std::exchange(movie, {});
+        speaking = 0;
+        newLocal();
+        q.update();
+        switch (loss) {
+        case Loss::OutOfMemory:
+            error = QStringLiteral("the memory has come to an end");
+            emit q.ranOutOfMemory();
+            break;
+        case Loss::Crashed:
+            error = QStringLiteral("the movie's process has ended");
+            emit q.crashed(lostMovie);
+            break;
+        default: error = QStringLiteral("the movie could not be loaded"); emit q.crashed(lostMovie);
+        }
+    }
+
+    // ---- the widget
+    // -----------------------------------------------------------------------------------------
+
+    [[nodiscard]] QRect toWidget(const QRect& device) const
+    {
+        const double ratio = q.devicePixelRatioF();
+        return QRectF(device.x() / ratio, device.y() / ratio, device.width() / ratio, device.height() / ratio)
+            .toAlignedRect();
+    }
+
+    void fitView()
+    {
+        const double ratio = q.devicePixelRatioF();
+        const QSize size(static_cast<int>(std::round(q.width() * ratio)),
+                         static_cast<int>(std::round(q.height() * ratio)));
+        if (size == viewSize || size.isEmpty()) return;
+        viewSize = size;
+        viewScale = ratio;
+        port->setView(size.width(), size.height(), ratio);
+        inbox.deliver(q);
+    }
+
+    void userActed()
+    {
+        ++acts;
+        sinceAct.start();
+    }
+
+    void mouse(QMouseEvent* event, int clicks)
+    {
+        using Kind = control::Mouse::Kind;
+        const bool moves = event->type() == QEvent::MouseMove;
+        if (!moves) userActed();
+        const QPointF position = event->position() * q.devicePixelRatioF();
+        const Kind kind = moves ? Kind::Move : clicks > 0 ? Kind::Down : Kind::Up;
+        pass(control::Mouse{static_cast<std::uint8_t>(kind), position.x(), position.y(),
+                            static_cast<std::uint8_t>(toStage(event->button())), clicks});
+    }
+
+    FlashControl& q;
+    control::SpareProcess processes;
+    control::Inbox inbox;
+    std::unique_ptr<control::MoviePort> port;
+    bool isRemote = false, loading = false;
+    control::Settings settings;
+    QSize viewSize; // device pixels
+    double viewScale = 1;
+    stage::Cursor cursor = stage::Cursor::Arrow;
+    std::optional<QColor> background; // as the host set it
+    QString movie, error;
+    QString storageFolder, trustedFolder, sharedFolder;
+    QHash<std::uint32_t, Source> sources; // by the loads' ids
+    std::uint32_t lastLoad = 0, speaking = 0;
+    int readyState = 0;
+    std::function<bool()> timeout, watch;
+    bool clipboardAllowed = true, toldWhere = false;
+    quint64 acts = 0;
+    QElapsedTimer sinceAct;
+};
+
+} // namespace flash
