@@ -169,6 +169,9 @@ signals:
     void urlRequested(const QString& url, const QString& target, const QByteArray& post);
     /// The memory came to an end in the movie's hands. It is unloaded, and nothing is left of it.
     void ranOutOfMemory();
+    /// The movie went beyond what it may use, and something was not done. English, once for each kind of
+    /// thing; the log has it as well.
+    void limitReached(const QString& what);
     /// The process that played `movie` (as Movie) has ended. It is unloaded.
     void crashed(const QString& movie);
     /// The process that plays the movie does not answer (true), or answers again.

@@ -168,6 +168,7 @@ void Player::connectControl()
     connect(&control(), &flash::FlashControl::urlRequested, this, [this](const QString& address) {
         m_pageQueue.put({{}, address, senderOfSignal(), true});
     });
+    connect(&control(), &flash::FlashControl::limitReached, this, [this] { m_isMovieLimited = true; });
     connect(&control(), &flash::FlashControl::ranOutOfMemory, this, [this] { closeForLackOfMemory(); });
     control().setScriptTimeoutHandler([this] { return isSlowScriptToEnd(); });
     control().setScriptWatch([this] { return endsScripts(); });
@@ -333,6 +334,7 @@ void Player::LoadMovie(int layer, const QString& url)
             for (const char* name : {"mnuClose", "mnuPopClose"}) m_menus.item(name).setEnabled(true);
         }
     }
+    if (layer == 0) m_isMovieLimited = false;
     try {
         m_movieScreen.LoadMovie(layer, url);
     } catch (const base::Failure&) {

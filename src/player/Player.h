@@ -113,6 +113,8 @@ public:
     Q_INVOKABLE QString FitText(const QString& text, int widthPixels) const;
     Q_INVOKABLE void SetStatus(const QString& text) override;
     Q_INVOKABLE void SetCaption(const QString& text) override { m_placement.SetCaption(text); }
+    /// Whether the movie went beyond what it may use, and something of it was not done.
+    [[nodiscard]] bool isMovieLimited() const { return m_isMovieLimited; }
     [[nodiscard]] QString StatusText() const { return m_status.statusText; }
     [[nodiscard]] QString InfoText() const { return HasMovie() ? m_status.informationText : QString(); }
     [[nodiscard]] int TimeMode() const { return m_status.timeMode(); }
@@ -303,6 +305,7 @@ private:
     Console* m_console = nullptr;
     bool m_hasVisual = false; ///< SetVisual has run
     QString m_mediaTitle;
+    bool m_isMovieLimited = false;
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages
 };
 

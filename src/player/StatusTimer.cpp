@@ -23,7 +23,8 @@ void StatusTimer::tmrUpdate_Timer()
     const flash::FlashControl& control = m_player.control();
     m_player.status().update(control.FrameNum(), control.TotalFrames(), m_player.mediaInfo().FrameRate);
     const bool playing = control.Playing();
-    m_player.SetStatus(playing ? texts::kPlaying : texts::kStopped);
+    const char* running = m_player.isMovieLimited() ? texts::kPlayingLimited : texts::kPlaying;
+    m_player.SetStatus(playing ? running : texts::kStopped);
     const QString caption = playing ? texts::kMenuPause : texts::kMenuPlay;
     QAction& play = m_player.menus().item("mnuPlay");
     if (play.text() != caption) play.setText(caption);

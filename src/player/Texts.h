@@ -8,6 +8,7 @@ namespace player::texts
 
 // clang-format off
 inline constexpr const char* kPlaying          = "Воспроизведение";
+inline constexpr const char* kPlayingLimited  = "Воспроизведение с ограничениями";
 inline constexpr const char* kStopped          = "Остановлено";
 inline constexpr const char* kReady            = "Готово";
 inline constexpr const char* kOpeningFile      = "Открытие файла...";

@@ -177,6 +177,16 @@ TEST_F(Hostile, ArgumentsThatAreNoneShowNoScreen)
     EXPECT_EQ(log().filter("Failed for the movie: FULLSCREEN").size(), 1);
 }
 
+TEST_F(Hostile, AMovieThatIsHeldBackIsSaidToBe)
+{
+    Player player(application, {});
+    player.Form_Load();
+    player.LoadFlash(movieOf("much", "var much = new Array(900000000); much.join('x');"), {});
+    EXPECT_TRUE(waitFor([&] { return player.StatusText() == texts::kPlayingLimited; }));
+    player.LoadFlash(movie, {});
+    EXPECT_TRUE(waitFor([&] { return player.StatusText() == texts::kPlaying; }));
+}
+
 TEST_F(Hostile, DropsAreCopies)
 {
     Player player(application, {});

@@ -52,6 +52,7 @@ struct Emit {
     void operator()(const LogLine& message) const { emit control.logged(toText(message.text)); }
     void operator()(const ReadyState& message) const { emit control.OnReadyStateChange(message.state); }
     void operator()(const Progress& message) const { emit control.OnProgress(message.percent); }
+    void operator()(const LimitReached& message) const { emit control.limitReached(toText(message.what)); }
     /// The rest is not for the host.
     template <class Other>
     void operator()(const Other&) const

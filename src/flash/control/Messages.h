@@ -245,9 +245,15 @@ struct Ask {
 struct RanOutOfMemory {
     auto fields() { return std::tie(); }
 };
+/// The movie went beyond what it may use, and something was not done. Once for each kind of thing.
+struct LimitReached {
+    std::string what; ///< English
+    auto fields() { return std::tie(what); }
+};
 
-using FromMovie = std::variant<Hello, Speaking, Loaded, State, Value, Done, Picture, Command, OpenAddress,
-                               TraceLine, LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory>;
+using FromMovie =
+    std::variant<Hello, Speaking, Loaded, State, Value, Done, Picture, Command, OpenAddress, TraceLine,
+                 LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory, LimitReached>;
 
 // ---- bytes ------------------------------------------------------------------------------------------------
 // A message is its index in the variant in 16 bits, the body's length in bytes in 32 bits, and the body: the

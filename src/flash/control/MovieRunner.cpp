@@ -39,6 +39,8 @@ void MovieRunner::drive(Work&& work)
     tellState();
 }
 
+void MovieRunner::limitReached(std::string_view what) { say(LimitReached{std::string(what)}); }
+
 void MovieRunner::movieEnded(EndCause cause, std::string_view)
 {
     say(Speaking{m_loaded = 0});

@@ -68,6 +68,7 @@ private:
     std::string clipboardText() override;
     bool abortSlowScript() override;
     bool endsScripts() override;
+    void limitReached(std::string_view what) override;
     void movieEnded(EndCause cause, std::string_view why) override;
 
     /// Runs `work`, which may run scripts, then tells the window what came of it.
