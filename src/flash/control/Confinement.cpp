@@ -246,7 +246,7 @@ std::vector<Restraint> confineEarly(std::uint64_t memoryBytes, Means means)
                                      unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWIPC) == 0));
     }
     // Last, because the name spaces want to read what this hides: nobody else of the same user looks in.
-    prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+    if (means.limits) prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
     return restraints;
 }
 

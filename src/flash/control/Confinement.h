@@ -21,11 +21,17 @@ struct Restraint {
 struct Means {
     bool limits = true, nameSpaces = true, files = true, calls = true;
 };
+#ifdef __SANITIZE_ADDRESS__
+// A sanitizer reserves terabytes of addresses and looks into its own threads at the end.
+inline constexpr Means kUsualMeans{.limits = false, .nameSpaces = true, .files = true, .calls = false};
+#else
+inline constexpr Means kUsualMeans{};
+#endif
 
 /// First half, at the very start of the process, while it has one thread: no new privileges, no core dumps,
 /// ends with its parent, limits, and user and network name spaces of its own.
 /// @param memoryBytes what the process may have for itself
-std::vector<Restraint> confineEarly(std::uint64_t memoryBytes, Means means = {});
+std::vector<Restraint> confineEarly(std::uint64_t memoryBytes, Means means = kUsualMeans);
 
 /// What may be touched on the disk; everything else is refused by the kernel from then on.
 struct ReachableFiles {
@@ -35,7 +41,7 @@ struct ReachableFiles {
 
 /// Second half, once the movie is known and before its first byte is looked at: files and system calls.
 /// Cannot be taken back. What does not exist is left out.
-std::vector<Restraint> confine(const ReachableFiles& files, Means means = {});
+std::vector<Restraint> confine(const ReachableFiles& files, Means means = kUsualMeans);
 
 /// The fonts and libraries that the engine opens while it plays.
 std::vector<std::filesystem::path> systemFiles();
