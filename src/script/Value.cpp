@@ -15,17 +15,10 @@ namespace script
 namespace
 {
 
-// Objects wait here to be freed one after another instead of one inside the other. Values live on one thread;
-// each thread that runs scripts has its own.
-struct Graveyard {
-    std::vector<Counted*> dead;
-    bool digging = false;
-};
-Graveyard& graveyard()
-{
-    thread_local Graveyard yard;
-    return yard;
-}
+// While an object is freed, those that go with it wait here, to be freed one after another instead of one
+// inside the other. Values live on one thread; each thread that runs scripts has its own. Nothing that needs
+// destruction, because an engine may be among the last things of its thread to go.
+thread_local std::vector<Counted*>* graveyard = nullptr;
 
 thread_local std::size_t heapBytes = 0;
 
@@ -37,16 +30,19 @@ void HeapUse::remove(std::size_t count) { heapBytes -= count; }
 
 void Counted::bury(Counted* dead)
 {
-    Graveyard& yard = graveyard();
-    yard.dead.push_back(dead);
-    if (yard.digging) return;
-    yard.digging = true;
-    while (!yard.dead.empty()) {
-        Counted* next = yard.dead.back();
-        yard.dead.pop_back();
+    if (graveyard != nullptr) {
+        graveyard->push_back(dead);
+        return;
+    }
+    std::vector<Counted*> waiting;
+    graveyard = &waiting;
+    dead->dispose();
+    while (!waiting.empty()) {
+        Counted* next = waiting.back();
+        waiting.pop_back();
         next->dispose();
     }
-    yard.digging = false;
+    graveyard = nullptr;
 }
 
 StringBuffer* StringBuffer::create(std::size_t capacity)
