@@ -20,6 +20,9 @@ namespace
 // A signal handler reaches nothing but this: the writing end of a pipe that the event loop reads.
 std::atomic<int> g_wakeUp{-1};
 std::atomic<bool> g_requested{false};
+// What the last word is spoken on. Stays to the very end of the process, as the timer does.
+constexpr std::size_t kStackBytes = 64 * 1024;
+alignas(16) char g_stack[kStackBytes];
 
 /// The signal handler takes what lies here; the program replaces it. Neither touches what the other holds.
 std::atomic<LastWord*> g_lastWord{nullptr};
@@ -89,8 +92,7 @@ public:
         action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
         for (const int signal : {SIGTERM, SIGINT, SIGHUP}) ::sigaction(signal, &action, nullptr);
         // On a stack of its own: the program's may be what has come to its end.
-        m_stack.resize(kStackBytes);
-        const stack_t stack{m_stack.data(), 0, m_stack.size()};
+        const stack_t stack{g_stack, 0, sizeof g_stack};
         ::sigaltstack(&stack, nullptr);
         struct sigaction last {
         };
@@ -112,8 +114,6 @@ public:
     Private& operator=(const Private&) = delete;
 
 private:
-    static constexpr std::size_t kStackBytes = 64 * 1024;
-    std::vector<char> m_stack;
     int m_pipe[2] = {-1, -1};
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
