@@ -58,6 +58,8 @@ public:
     };
 
     explicit Private(FlashControl& owner) : q(owner) { newLocal(); }
+    /// Before the rest: a movie that is taken down still says what it could not keep.
+    ~Private() override { port.reset(); }
 
     // ---- the movie
     // ------------------------------------------------------------------------------------------
