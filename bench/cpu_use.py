@@ -1,23 +1,76 @@
 #!/usr/bin/env python3
-"""Measures what the whole program costs while it plays a movie.
+"""Measures what the whole program costs while it plays a movie: in its own process and in all it has started.
 
   cpu_use.py PROGRAM MOVIE [--seconds S] [--settle S]
+  cpu_use.py PROGRAM MOVIE --paired [--rounds N]
 
-Prints the processor time used in the span, in per cent of one core (user and system, all threads). Starts a
-virtual display when there is none. The figure is for the program alone, not for the display server.
+Prints the processor time used in the span, in per cent of one core (user and system, all threads of all processes),
+and the memory of all processes together (proportional set size, so that what they share counts once). --paired plays
+the movie twice at the same time, in a process of its own and inside the player's, and prints both and their ratio for
+each round and the median: what else the machine does then hits both alike. Starts a virtual display when there is
+none. The figures are for the program alone, not for the display server.
 """
 import argparse
 import os
 import shutil
+import statistics
 import subprocess
 import sys
 import time
 
 
-def used_seconds(pid):
-    with open('/proc/%d/stat' % pid, encoding='ascii') as handle:
-        fields = handle.read().rsplit(')', 1)[1].split()
-    return (int(fields[11]) + int(fields[12])) / os.sysconf('SC_CLK_TCK')
+def family(pid):
+    """A process and all below it."""
+    pids = [pid]
+    for parent in pids:
+        try:
+            for task in os.listdir('/proc/%d/task' % parent):
+                with open('/proc/%d/task/%s/children' % (parent, task), encoding='ascii') as handle:
+                    pids.extend(int(child) for child in handle.read().split())
+        except OSError:
+            pass
+    return pids
+
+
+def used_seconds(pids):
+    """To the nanosecond where the kernel counts so; its clock ticks are ten milliseconds."""
+    total = 0.0
+    for pid in pids:
+        for task in os.listdir('/proc/%d/task' % pid):
+            with open('/proc/%d/task/%s/schedstat' % (pid, task), encoding='ascii') as handle:
+                total += int(handle.read().split()[0]) / 1e9
+    return total
+
+
+def memory_mib(pids):
+    total = 0
+    for pid in pids:
+        with open('/proc/%d/smaps_rollup' % pid, encoding='ascii') as handle:
+            total += next(int(line.split()[1]) for line in handle if line.startswith('Pss:'))
+    return total / 1024
+
+
+class Playing:
+    """One life of the program."""
+
+    def __init__(self, program, movie, inside=None):
+        environment = dict(os.environ)
+        if inside is not None:
+            environment['ZORVEX_ONE_PROCESS'] = '1' if inside else '0'
+        self.process = subprocess.Popen([program, movie], env=environment)
+
+    def mark(self):
+        if self.process.poll() is not None:
+            sys.exit('the program ended with status %d' % self.process.returncode)
+        self.pids = family(self.process.pid)
+        self.before, self.begun = used_seconds(self.pids), time.monotonic()
+
+    def share(self):
+        return (used_seconds(self.pids) - self.before) / (time.monotonic() - self.begun)
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait()
 
 
 def main():
@@ -26,21 +79,40 @@ def main():
     ap.add_argument('movie')
     ap.add_argument('--seconds', type=float, default=20)
     ap.add_argument('--settle', type=float, default=4, help='seconds to let the start-up pass')
+    ap.add_argument('--paired', action='store_true')
+    ap.add_argument('--rounds', type=int, default=5)
     args = ap.parse_args()
     if not os.environ.get('DISPLAY') and shutil.which('xvfb-run'):
         os.execvp('xvfb-run', ['xvfb-run', '-a', '-s', '-screen 0 1280x960x24', sys.executable] + sys.argv)
-    player = subprocess.Popen([args.program, args.movie])
+    if not args.paired:
+        playing = Playing(args.program, args.movie)
+        try:
+            time.sleep(args.settle)
+            playing.mark()
+            time.sleep(args.seconds)
+            print('%.2f %% of one core over %.0f s, %.0f MiB' % (100 * playing.share(), args.seconds,
+                                                                memory_mib(playing.pids)))
+        finally:
+            playing.end()
+        return
+    both = [Playing(args.program, args.movie, inside) for inside in (False, True)]
+    ratios, growth = [], 0
     try:
         time.sleep(args.settle)
-        before, begun = used_seconds(player.pid), time.monotonic()
-        time.sleep(args.seconds)
-        if player.poll() is not None:
-            sys.exit('the program ended with status %d' % player.returncode)
-        share = (used_seconds(player.pid) - before) / (time.monotonic() - begun)
+        for _ in range(args.rounds):
+            for playing in both:
+                playing.mark()
+            time.sleep(args.seconds / args.rounds)
+            shares = [100 * playing.share() for playing in both]
+            memory = [memory_mib(playing.pids) for playing in both]
+            ratios.append(shares[0] / shares[1])
+            growth = max(growth, memory[0] - memory[1])
+            print('of its own %.2f %%, %.1f MiB; inside %.2f %%, %.1f MiB; %.3f times' %
+                  (shares[0], memory[0], shares[1], memory[1], ratios[-1]))
     finally:
-        player.terminate()
-        player.wait()
-    print('%.2f %% of one core over %.0f s' % (100 * share, args.seconds))
+        for playing in both:
+            playing.end()
+    print('median %.3f times, %+.1f MiB' % (statistics.median(ratios), growth))
 
 
 if __name__ == '__main__':
