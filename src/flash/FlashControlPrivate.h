@@ -236,7 +236,10 @@ public:
             q.setAttribute(Qt::WA_InputMethodEnabled, isTyping());
     }
 
-    void pictureChanged(const QRect& part) override { q.update(toWidget(part)); }
+    void pictureChanged(const QRect& part, Painting painting) override
+    {
+        painting == Painting::Now ? q.repaint(toWidget(part)) : q.update(toWidget(part));
+    }
 
     control::Answer asked(control::Ask::What what) override
     {

@@ -20,7 +20,8 @@ constexpr std::size_t kMaxReceivedDescriptors = 8;
 } // namespace
 
 Channel::Channel(int descriptor, Descriptors descriptors)
-    : m_descriptor(descriptor), m_descriptors(descriptors)
+    : m_descriptor(descriptor), m_descriptors(descriptors),
+      m_read(std::make_unique_for_overwrite<std::uint8_t[]>(kReadAtOnce))
 {
     fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
 }
@@ -97,9 +98,7 @@ void Channel::shutDown()
 bool Channel::receive()
 {
     for (std::size_t i = 0; i < kReadsAtOnce && !m_ended; ++i) {
-        const std::size_t before = m_incoming.size();
-        m_incoming.resize(before + kReadAtOnce);
-        iovec part{m_incoming.data() + before, kReadAtOnce};
+        iovec part{m_read.get(), kReadAtOnce};
         msghdr message{};
         message.msg_iov = &part;
         message.msg_iovlen = 1;
@@ -109,7 +108,6 @@ bool Channel::receive()
             message.msg_controllen = control.size();
         }
         const ssize_t got = recvmsg(m_descriptor, &message, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
-        m_incoming.resize(before + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
         if (got < 0) {
             if (errno == EINTR) continue;
             if (errno == EAGAIN || errno == EWOULDBLOCK) break;
@@ -118,6 +116,7 @@ bool Channel::receive()
             m_ended = true;
             break;
         }
+        m_incoming.insert(m_incoming.end(), m_read.get(), m_read.get() + got);
         for (cmsghdr* part_ = CMSG_FIRSTHDR(&message); part_ != nullptr;
              part_ = CMSG_NXTHDR(&message, part_)) {
             if (part_->cmsg_level != SOL_SOCKET || part_->cmsg_type != SCM_RIGHTS) continue;

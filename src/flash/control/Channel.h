@@ -3,6 +3,7 @@
 #include "flash/control/Messages.h"
 
 #include <deque>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -77,7 +78,8 @@ private:
     bool m_ended = false;
     std::deque<Outgoing> m_outgoing;
     std::size_t m_waitingBytes = 0;
-    std::vector<std::uint8_t> m_incoming;
+    std::unique_ptr<std::uint8_t[]> m_read; // what one call gives, not yet looked at
+    std::vector<std::uint8_t> m_incoming;   // the beginning of a message, or several
     std::deque<Body> m_bodies;
     std::deque<int> m_received; // owned
 };

@@ -108,9 +108,8 @@ void FarEnd::handle(const ToMovie& message)
         return;
     } else if (const auto* view = std::get_if<View>(&message)) {
         prepare(*view);
-    } else if (const auto* release = std::get_if<Release>(&message)) {
-        if (release->picture < m_shown.size()) m_shown[release->picture] = false;
-        return;
+    } else if (std::holds_alternative<Release>(message)) {
+        return; // the picture follows by itself
     } else if (const auto* device = std::get_if<SoundDevice>(&message)) {
         takeSound(*device);
         return;
@@ -160,9 +159,8 @@ void FarEnd::prepare(const View& view)
     m_pictures = std::move(*pictures);
     ++m_view;
     m_last = -1;
-    m_shown.fill(false);
     for (int i = 0; i < PictureMemory::kPictures; ++i) {
-        m_picture[i] = m_pictures.picture(i);
+        m_picture[i] = m_pictures.picture(i, QImage::Format_ARGB32_Premultiplied);
         m_stale[i] = m_picture[i].rect();
     }
 }
@@ -170,11 +168,11 @@ void FarEnd::prepare(const View& view)
 void FarEnd::publishPicture()
 {
     if (m_picture[0].isNull() || !m_runner.isOpen()) return;
-    const auto free = std::find(m_shown.begin(), m_shown.end(), false) - m_shown.begin();
-    if (free == PictureMemory::kPictures) return;
     const QRect all = m_picture[0].rect();
     const QRect changed = m_last < 0 ? all : m_runner.dirtyRect() & all;
     if (changed.isEmpty()) return;
+    const int free = m_pictures.takeFree();
+    if (free < 0) return;
     const auto index = static_cast<std::size_t>(free);
     QImage& picture = m_picture[index];
     // What the pictures before it brought, and what is not drawn anew, is copied.
@@ -185,8 +183,8 @@ void FarEnd::publishPicture()
     m_runner.render(picture, changed);
     for (QRect& stale : m_stale) stale |= changed;
     m_stale[index] = QRect();
-    m_shown[index] = true;
-    m_last = static_cast<int>(free);
+    m_pictures.hold(free);
+    m_last = free;
     say(Picture{static_cast<std::uint8_t>(free),
                 {changed.left(), changed.top(), changed.width(), changed.height()},
                 m_view});

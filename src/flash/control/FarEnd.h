@@ -57,9 +57,8 @@ private:
     std::deque<ToMovie> m_waiting; // came while the movie waited for an answer
     PictureMemory m_pictures;
     std::array<QImage, PictureMemory::kPictures> m_picture;
-    std::array<QRect, PictureMemory::kPictures> m_stale;  // what each has not followed
-    std::array<bool, PictureMemory::kPictures> m_shown{}; // with the window
-    int m_last = -1;                                      // the one that was drawn last
+    std::array<QRect, PictureMemory::kPictures> m_stale; // what each has not followed
+    int m_last = -1;                                     // the one that was drawn last
     std::uint32_t m_view = 0;
     SoundRing m_ring;
     bool m_deviceOpen = false, m_confined = false, m_gone = false;

@@ -73,7 +73,8 @@ void LocalMovie::tick()
 void LocalMovie::finish()
 {
     if (m_wantedView) m_runner.handle(*std::exchange(m_wantedView, std::nullopt));
-    if (const QRect dirty = m_runner.dirtyRect(); !dirty.isEmpty()) m_listener.pictureChanged(dirty);
+    if (const QRect dirty = m_runner.dirtyRect(); !dirty.isEmpty())
+        m_listener.pictureChanged(dirty, MovieListener::Painting::Later);
     if (const auto wait = m_runner.msToNextStep())
         m_timer.start(static_cast<int>(std::ceil(*wait)));
     else
@@ -103,10 +104,13 @@ void LocalMovie::refresh()
 void LocalMovie::paint(QPainter& painter, const QRegion& region, double deviceScale)
 {
     refresh();
+    // Opaque, so that it is copied without a look at each pixel's alpha.
+    const QImage opaque(m_image.constBits(), m_image.width(), m_image.height(), m_image.bytesPerLine(),
+                        QImage::Format_RGB32);
     for (const QRect& rect : region) {
         const QRectF source(rect.x() * deviceScale, rect.y() * deviceScale, rect.width() * deviceScale,
                             rect.height() * deviceScale);
-        painter.drawImage(QRectF(rect), m_image, source);
+        painter.drawImage(QRectF(rect), opaque, source);
     }
 }
 

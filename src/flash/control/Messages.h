@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 1;
+inline constexpr std::uint32_t kProtocolVersion = 2;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
@@ -124,10 +124,9 @@ struct Sync {
     std::uint32_t id = 0;
     auto fields() { return std::tie(id); }
 };
-/// The picture that Picture named has been replaced on the screen and may be drawn into again.
+/// One of the pictures is free again, and the movie's end waits for that.
 struct Release {
-    std::uint8_t picture = 0;
-    auto fields() { return std::tie(picture); }
+    auto fields() { return std::tie(); }
 };
 /// Answers Ask.
 struct Answer {

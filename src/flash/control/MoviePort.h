@@ -21,8 +21,13 @@ public:
     /// Something that concerns the host. Comes while the movie is driven or at any time from the event loop;
     /// nothing may be done to the movie from within.
     virtual void heard(FromMovie message) = 0;
+    /// When a change of the picture may be painted.
+    enum class Painting : std::uint8_t {
+        Now,   ///< from the event loop: before the call returns, which saves a round through the loop
+        Later, ///< somebody is in the middle of something
+    };
     /// A part of the picture has changed, device pixels.
-    virtual void pictureChanged(const QRect& part) = 0;
+    virtual void pictureChanged(const QRect& part, Painting painting) = 0;
     virtual Answer asked(Ask::What what) = 0;
     virtual bool endsScripts() = 0;
     /// After heard() from the event loop: there is something to act on.

@@ -6,7 +6,7 @@ namespace flash::control
 namespace
 {
 
-constexpr std::size_t kBytesPerPixel = 4, kLineAlignment = 64;
+constexpr std::size_t kBytesPerPixel = 4, kLineAlignment = 64, kOwnersBytes = 64;
 
 std::size_t lineBytes(int width)
 {
@@ -21,7 +21,7 @@ base::Result<std::size_t> PictureMemory::sizeBytes(int width, int height)
     if (width <= 0 || height <= 0 || width > kMaxEdge || height > kMaxEdge)
         return base::fail(base::ErrorCode::LimitReached,
                           "pictures of " + std::to_string(width) + " x " + std::to_string(height));
-    return lineBytes(width) * static_cast<std::size_t>(height) * kPictures;
+    return lineBytes(width) * static_cast<std::size_t>(height) * kPictures + kOwnersBytes;
 }
 
 base::Result<PictureMemory> PictureMemory::create(int width, int height)
@@ -44,12 +44,45 @@ base::Result<PictureMemory> PictureMemory::attach(int descriptor, int width, int
     return pictures;
 }
 
-QImage PictureMemory::picture(int index) const
+QImage PictureMemory::picture(int index, QImage::Format format) const
 {
-    const std::size_t line = lineBytes(m_width);
-    const std::size_t offset = line * static_cast<std::size_t>(m_height) * static_cast<std::size_t>(index);
-    return {m_memory.bytes().data() + offset, m_width, m_height, static_cast<qsizetype>(line),
-            QImage::Format_ARGB32_Premultiplied};
+    const std::size_t offset = pictureBytes() * static_cast<std::size_t>(index);
+    return {m_memory.bytes().data() + offset, m_width, m_height, static_cast<qsizetype>(lineBytes(m_width)),
+            format};
+}
+
+std::size_t PictureMemory::pictureBytes() const
+{
+    return lineBytes(m_width) * static_cast<std::size_t>(m_height);
+}
+
+// Behind the pixels. The memory begins zeroed, which is valid: nothing is held.
+PictureMemory::Owners& PictureMemory::owners() const
+{
+    static_assert(sizeof(Owners) <= kOwnersBytes);
+    return *reinterpret_cast<Owners*>(m_memory.bytes().data() + pictureBytes() * kPictures);
+}
+
+int PictureMemory::takeFree()
+{
+    const auto find = [this] {
+        for (int i = 0; i < kPictures; ++i) {
+            if (owners().held[i].load() == 0) return i;
+        }
+        return -1;
+    };
+    owners().waits.store(0);
+    const int found = find();
+    if (found >= 0) return found;
+    // Looked at again behind the word, so that one of the two ends sees what the other has done.
+    owners().waits.store(1);
+    return find();
+}
+
+bool PictureMemory::giveBack(int index)
+{
+    owners().held[index].store(0);
+    return owners().waits.load() != 0;
 }
 
 } // namespace flash::control

@@ -4,11 +4,13 @@
 
 #include <QImage>
 
+#include <atomic>
+
 namespace flash::control
 {
 
 /// Three pictures of one size in shared memory: one on the screen, one ready to follow it, one being drawn.
-/// ARGB32 premultiplied. Both ends reckon the layout from the size, so nothing that the movie's end writes
+/// Opaque. Both ends reckon the layout from the size, so nothing that the movie's end writes
 /// can lead the window's end outside.
 class PictureMemory
 {
@@ -23,10 +25,30 @@ public:
 
     [[nodiscard]] int descriptor() const { return m_memory.descriptor(); }
     [[nodiscard]] QSize size() const { return {m_width, m_height}; }
-    /// A picture over the shared pixels; valid as long as this object. @param index 0 to kPictures - 1
-    [[nodiscard]] QImage picture(int index) const;
+    /// A picture over the shared pixels; valid as long as this object.
+    /// @param index 0 to kPictures - 1
+    /// @param format ARGB32_Premultiplied to draw into; RGB32 to show, which is copied without a look at
+    ///               each pixel's alpha
+    [[nodiscard]] QImage picture(int index, QImage::Format format) const;
+
+    // Who has a picture stands beside the pixels, so that giving one back wakes nobody up. The window's end
+    // reads nothing from there but whether to send a word.
+
+    /// The movie's end: a free picture, or -1; then the window's end sends Release with the next one that it
+    /// gives back.
+    [[nodiscard]] int takeFree();
+    /// The movie's end: the picture goes to the window.
+    void hold(int index) { owners().held[index].store(1); }
+    /// The window's end: it is no longer shown. @returns whether the movie's end waits for one
+    [[nodiscard]] bool giveBack(int index);
 
 private:
+    struct Owners {
+        std::atomic<std::uint32_t> held[kPictures], waits;
+    };
+    static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+    [[nodiscard]] std::size_t pictureBytes() const;
+    [[nodiscard]] Owners& owners() const;
     static base::Result<std::size_t> sizeBytes(int width, int height);
 
     SharedMemory m_memory;

@@ -47,10 +47,7 @@ private:
 RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> process)
     : m_listener(listener), m_process(std::move(process))
 {
-    m_process->listen([this] {
-        receive();
-        m_listener.settle();
-    });
+    m_process->listen([this] { receiveFromLoop(); });
     m_watch.setTimerType(Qt::CoarseTimer);
     connect(&m_watch, &QTimer::timeout, this, [this] { watch(); });
     connect(&m_soundTimer, &QTimer::timeout, this, [this] { followSound(); });
@@ -85,14 +82,15 @@ bool RemoteMovie::waitFor(DoneNow&& done, int limitMs)
     waited.start();
     while (!m_ended && !done()) {
         const auto left = limitMs - static_cast<int>(waited.elapsed());
-        if (left <= 0) return false;
+        if (left <= 0) break;
         pollfd socket{m_process->channel().descriptor(), POLLIN, 0};
         if (m_process->channel().waitingBytes() > 0) socket.events |= POLLOUT;
         if (poll(&socket, 1, left) <= 0) continue;
         if ((socket.revents & POLLOUT) != 0) m_process->channel().flush();
         receive();
     }
-    return !m_ended;
+    tellChange(MovieListener::Painting::Later);
+    return !m_ended && done();
 }
 
 MoviePort::Loading RemoteMovie::load(const Load& load)
@@ -154,6 +152,20 @@ std::optional<std::string> RemoteMovie::variable(const std::string& name)
 
 // ---- what the movie says ----------------------------------------------------------------------------------
 
+void RemoteMovie::receiveFromLoop()
+{
+    receive();
+    m_listener.settle();
+    // Last: painting may wait for a picture of another size, and take what comes meanwhile.
+    tellChange(MovieListener::Painting::Now);
+}
+
+void RemoteMovie::tellChange(MovieListener::Painting painting)
+{
+    if (const QRect changed = std::exchange(m_changed, {}); !changed.isEmpty())
+        m_listener.pictureChanged(changed, painting);
+}
+
 void RemoteMovie::receive()
 {
     if (m_ended) return;
@@ -171,10 +183,7 @@ void RemoteMovie::receive()
         if (m_ended) return;
     }
     if (m_process->channel().hasNext()) {
-        QTimer::singleShot(0, this, [this] {
-            receive();
-            m_listener.settle();
-        });
+        QTimer::singleShot(0, this, [this] { receiveFromLoop(); });
     } else if (!connected) {
         ended();
     }
@@ -238,12 +247,12 @@ void RemoteMovie::take(const Picture& picture)
         m_shownView = m_view;
     }
     m_shownIndex = picture.picture;
-    m_shown = m_pictures.picture(m_shownIndex);
-    if (before >= 0 && before != m_shownIndex) send(Release{static_cast<std::uint8_t>(before)});
+    m_shown = m_pictures.picture(m_shownIndex, QImage::Format_RGB32);
     const Rectangle& changed = picture.changed;
-    m_listener.pictureChanged(before < 0 ? m_shown.rect()
-                                         : QRect(changed.left, changed.top, changed.width, changed.height) &
-                                               m_shown.rect());
+    m_changed |= before < 0
+                     ? m_shown.rect()
+                     : QRect(changed.left, changed.top, changed.width, changed.height) & m_shown.rect();
+    if (before >= 0 && before != m_shownIndex && m_pictures.giveBack(before)) send(Release{});
 }
 
 void RemoteMovie::ended()

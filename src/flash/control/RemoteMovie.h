@@ -46,7 +46,9 @@ public:
     [[nodiscard]] qint64 processId() const override { return m_process->processId(); }
 
 private:
+    void receiveFromLoop();
     void receive();
+    void tellChange(MovieListener::Painting painting);
     void take(FromMovie message);
     void take(const Picture& picture);
     void ended();
@@ -64,6 +66,7 @@ private:
     // The pictures that are drawn into now, and those that the one on the screen belongs to.
     PictureMemory m_pictures, m_shownPictures;
     QImage m_shown;
+    QRect m_changed; // of it, not told yet
     int m_shownIndex = -1;
     std::uint32_t m_view = 0, m_shownView = 0;
     std::shared_ptr<SoundRing> m_ring;

@@ -147,21 +147,42 @@ TEST(Channel, TellsWhenTheOtherEndHasGone)
 
 TEST(Channel, TakesMemoryAlongInOneDirectionOnly)
 {
+    constexpr auto kShown = QImage::Format_RGB32;
     Connected both;
     auto pictures = PictureMemory::create(33, 20);
     ASSERT_TRUE(pictures) << pictures.error().what;
-    pictures->picture(2).fill(Qt::red);
+    pictures->picture(2, kShown).fill(Qt::red);
     both.near.send(ToMovie(View{33, 20, 1}), pictures->descriptor());
     ASSERT_TRUE(both.far.receive());
     const auto attached = PictureMemory::attach(both.far.takeDescriptor(), 33, 20);
     ASSERT_TRUE(attached) << attached.error().what;
-    EXPECT_EQ(attached->picture(2).pixelColor(32, 19), QColor(Qt::red));
-    attached->picture(0).fill(Qt::blue);
-    EXPECT_EQ(pictures->picture(0).pixelColor(5, 5), QColor(Qt::blue));
+    EXPECT_EQ(attached->picture(2, kShown).pixelColor(32, 19), QColor(Qt::red));
+    attached->picture(0, kShown).fill(Qt::blue);
+    EXPECT_EQ(pictures->picture(0, kShown).pixelColor(5, 5), QColor(Qt::blue));
 
     both.far.send(FromMovie(Hello{}), pictures->descriptor());
     ASSERT_TRUE(both.near.receive());
     EXPECT_EQ(both.near.takeDescriptor(), -1);
+}
+
+TEST(PictureMemory, SaysWhoWaitsForAPictureAndOnlyThen)
+{
+    auto near = PictureMemory::create(33, 20);
+    ASSERT_TRUE(near) << near.error().what;
+    auto far = PictureMemory::attach(dup(near->descriptor()), 33, 20);
+    ASSERT_TRUE(far) << far.error().what;
+    for (int i = 0; i < PictureMemory::kPictures; ++i) {
+        EXPECT_EQ(far->takeFree(), i);
+        far->hold(i);
+    }
+    EXPECT_FALSE(near->giveBack(1)) << "nobody has asked in vain yet";
+    EXPECT_EQ(far->takeFree(), 1);
+    far->hold(1);
+    EXPECT_EQ(far->takeFree(), -1);
+    EXPECT_TRUE(near->giveBack(2));
+    EXPECT_EQ(far->takeFree(), 2);
+    far->hold(2);
+    EXPECT_FALSE(near->giveBack(0)) << "it has got what it waited for";
 }
 
 TEST(SharedMemory, RefusesWhatIsNotWhatWasAgreedOn)
