@@ -172,6 +172,11 @@ QString FlashControl::BGColor() const
 
 void FlashControl::setBGColor(const QString& color)
 {
+    if (color.isEmpty()) {
+        d->background.reset();
+        update();
+        return;
+    }
     const QString digits = color.startsWith('#') ? color.mid(1) : color;
     bool valid = false;
     const uint value = digits.toUInt(&valid, 16);

@@ -18,6 +18,12 @@ base::Result<std::vector<std::uint8_t>> CompressData(base::Bytes source, int lev
 /// more
 base::Result<std::vector<std::uint8_t>> DecompressData(base::Bytes source, std::uint64_t expectedLength);
 
+/// The plain body of a compressed movie, of either compression.
+/// @param file   a whole movie file that begins with "CWS" or "ZWS"
+/// @param limit  the most bytes that are accepted
+/// @errors as for DecompressData
+base::Result<std::vector<std::uint8_t>> decompressMovie(base::Bytes file, std::uint64_t limit);
+
 /// Opens a compressed movie and inflates the first bytes of its body, touching no more of the file than they
 /// take.
 /// @returns up to `count` bytes, fewer when the body is shorter

@@ -51,15 +51,40 @@ base::Result<void> writeMovie(const QString& path, const FileHeader& header, con
     return base::replaceFile(replacedBy(path), parts);
 }
 
+bool isCompressed(const FileHeader& header) { return header.is("CWS") || header.is("ZWS"); }
+
+/// The first 26 bytes of the plain form of a compressed movie.
+base::Result<std::vector<std::uint8_t>> headerCopyOf(const MediaInfo& info)
+{
+    auto body = TRY_RESULT(decompressStart(core::filePath(info.MoviePath), kLongestHeaderBodyBytes));
+    CHECK_RESULT(readFrameHeader(body)); // a copy that is no use would be used again and again
+    body.resize(kHeaderBodyBytes);
+    FileHeader header;
+    header.version = info.Version;
+    header.fileLength = info.FileLength;
+    const auto head = header.withSignature("FWS");
+    body.insert(body.begin(), head.begin(), head.end());
+    return body;
+}
+
+/// Whether a copy in the cache is that of this movie, not of what the file was before or of another file.
+bool hasHeaderCopy(const MediaInfo& info, const QString& target)
+{
+    const auto known = base::readFile(core::filePath(target), kFileHeaderBytes + kHeaderBodyBytes);
+    if (!known) return false;
+    const auto copy = headerCopyOf(info);
+    return copy && *copy == *known;
+}
+
 } // namespace
 
 base::Result<std::vector<std::uint8_t>> readPlainMovie(const MediaInfo& info)
 {
     MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
     if (movie.header.is("FWS")) return std::move(movie.file);
-    if (!movie.header.is("CWS")) return base::fail(base::ErrorCode::Malformed, "neither FWS nor CWS");
+    if (!isCompressed(movie.header)) return base::fail(base::ErrorCode::Malformed, "neither FWS nor CWS");
     const auto body = TRY_RESULT(
-        DecompressData(movie.body(), std::min<std::uint64_t>(movie.header.fileLength, kLargestMovieBytes)));
+        decompressMovie(movie.file, std::min<std::uint64_t>(movie.header.fileLength, kLargestMovieBytes)));
     const auto head = movie.header.withSignature("FWS");
     std::vector<std::uint8_t> plain(head.size() + body.size());
     std::ranges::copy(body, std::ranges::copy(head, plain.begin()).out);
@@ -72,6 +97,12 @@ QString MediaFiles::backupPath(const QString& path, const QString& extension) co
     return m_application.CachePath + QDir::separator() + CacheName(path, extension);
 }
 
+base::Result<void> MediaFiles::writeToCache(const QString& file, std::span<const base::Bytes> parts) const
+{
+    QDir().mkpath(m_application.CachePath); // a failure shows in what is written there
+    return base::replaceFile(core::filePath(file), parts);
+}
+
 QString MediaFiles::DecompressFlash(MediaInfo& info, Extent extent)
 {
     const bool headerOnly = extent == Extent::HeaderOnly;
@@ -79,7 +110,7 @@ QString MediaFiles::DecompressFlash(MediaInfo& info, Extent extent)
     m_application.LogEvent(QString(" :: DecompressFlash (") + (headerOnly ? "Header Only" : "Full") + ")");
     const QString target =
         headerOnly ? m_application.CachePath + CacheName(info.MoviePath, ".tmp") : info.MoviePath;
-    if (headerOnly && core::fileExists(target)) {
+    if (headerOnly && hasHeaderCopy(info, target)) {
         m_application.LogEvent("Header exists - skipping");
         return target;
     }
@@ -106,15 +137,9 @@ base::Result<void> MediaFiles::writeHeaderCopy(const MediaInfo& info, const QStr
 {
     m_application.LogEvent("Decompression");
     m_host.SetStatus(texts::kDecompressing);
-    auto body = TRY_RESULT(decompressStart(core::filePath(info.MoviePath), kHeaderBodyBytes));
-    CHECK_RESULT(readFrameHeader(body)); // a copy that is no use would be used again and again
-    body.resize(kHeaderBodyBytes);
-
+    const auto copy = TRY_RESULT(headerCopyOf(info));
     m_application.LogEvent("Writing new header");
-    FileHeader header;
-    header.version = info.Version;
-    header.fileLength = info.FileLength;
-    return writeMovie(target, header, "FWS", body);
+    return writeToCache(target, copy);
 }
 
 base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QString& target)
@@ -124,12 +149,11 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
     m_application.LogEvent("Decompression");
     m_host.SetStatus(texts::kDecompressing);
     // The stated length counts 8 bytes that are not in the stream; the room to spare does no harm.
-    const auto body = TRY_RESULT(
-        DecompressData(movie.body(), std::min<std::uint64_t>(info.FileLength, kLargestMovieBytes)));
+    const auto body =
+        TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kLargestMovieBytes)));
 
     m_application.LogEvent("Backing up");
-    CHECK_RESULT(
-        base::replaceFile(core::filePath(backupPath(info.MoviePath, ".swf")), base::Bytes(movie.file)));
+    CHECK_RESULT(writeToCache(backupPath(info.MoviePath, ".swf"), movie.file));
     if (core::fileExists(target)) m_application.LogEvent("Removing persistent file");
     m_application.LogEvent("Writing decompressed data");
     m_host.SetStatus(texts::kWriting);
@@ -153,12 +177,11 @@ base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
 {
     const MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
     // A command given twice must not compress what is compressed already: no player could read the result.
-    if (movie.header.is("CWS")) return {};
+    if (isCompressed(movie.header)) return {};
     m_host.SetStatus(texts::kCompressing);
     const auto body = TRY_RESULT(CompressData(movie.body(), level));
     m_host.SetStatus(texts::kWriting);
-    CHECK_RESULT(
-        base::replaceFile(core::filePath(backupPath(info.MoviePath, ".swf")), base::Bytes(movie.file)));
+    CHECK_RESULT(writeToCache(backupPath(info.MoviePath, ".swf"), movie.file));
     return writeMovie(info.MoviePath, movie.header, "CWS", body);
 }
 

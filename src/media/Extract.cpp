@@ -14,15 +14,24 @@ namespace
 /// A longer file is no projector, and its length is more than the 32 bits of its own format can say.
 constexpr std::uint64_t kLargestProjectorBytes = std::uint64_t{1} << 31;
 
-base::Result<void> writeRange(const QString& target, base::Bytes executable, const EmbeddedMovie& movie)
-{
-    // A movie that lacks its last byte gets it back.
-    constexpr std::uint8_t kMissing[1] = {0};
-    const base::Bytes rest = executable.subspan(movie.offset);
-    const base::Bytes found = rest.first(std::min(rest.size(), movie.length));
-    const base::Bytes parts[] = {found, base::Bytes(kMissing).first(movie.length - found.size())};
-    return base::replaceFile(core::filePath(target), parts);
-}
+/// The movie's bytes in an executable. One that lacks its last byte gets it back.
+struct MovieRange {
+    MovieRange(base::Bytes executable, const EmbeddedMovie& movie)
+    {
+        static constexpr std::uint8_t kMissing[1] = {0};
+        const base::Bytes rest = executable.subspan(movie.offset);
+        parts[0] = rest.first(std::min(rest.size(), movie.length));
+        parts[1] = base::Bytes(kMissing).first(movie.length - parts[0].size());
+    }
+    [[nodiscard]] bool isIn(const QString& file) const
+    {
+        const auto known = base::readFile(core::filePath(file), parts[0].size() + parts[1].size());
+        if (!known || known->size() != parts[0].size() + parts[1].size()) return false;
+        const auto end = std::ranges::mismatch(*known, parts[0]).in1;
+        return std::equal(end, known->end(), parts[1].begin(), parts[1].end());
+    }
+    base::Bytes parts[2];
+};
 
 } // namespace
 
@@ -32,11 +41,6 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
     m_application.LogEvent(" :: ExtractEXE (" + path + ")... ");
     const bool toCache = where == ExtractTo::Cache;
     const QString target = toCache ? m_application.CachePath + CacheName(path, ".swf") : path;
-    // The projector itself exists by its nature; only a movie in the cache was extracted earlier.
-    if (toCache && core::fileExists(target)) {
-        m_application.LogEvent("File exists");
-        return target;
-    }
 
     m_host.SetStatus(texts::kReadingExecutable);
     m_host.SetStatus(texts::kReadingFile);
@@ -49,23 +53,30 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
         m_application.LogEvent("Too short file");
         return {};
     }
-    const auto movie = findEmbeddedMovie(*executable);
+    auto movie = findEmbeddedMovie(*executable);
+    if (!movie && movie.error().code == base::ErrorCode::NotFound) movie = findAnyMovie(*executable);
     if (!movie) {
         if (movie.error().code == base::ErrorCode::NotFound) m_errorDescription = texts::kNoMedia;
         return {};
     }
+    const MovieRange range(*executable, *movie);
+    // What was taken out earlier serves again, unless it came from what the file was before, or from another.
+    if (toCache && range.isIn(target)) {
+        m_application.LogEvent("File exists");
+        return target;
+    }
     if (!toCache) {
         m_application.LogEvent("Backing up");
-        const auto backup =
-            base::replaceFile(core::filePath(backupPath(path, ".exe")), base::Bytes(*executable));
-        if (!backup) {
+        if (const auto backup = writeToCache(backupPath(path, ".exe"), *executable); !backup) {
             note(backup.error());
             return {};
         }
     }
     m_application.LogEvent("Writing data... ");
     m_host.SetStatus(texts::kWritingFile);
-    if (const auto written = writeRange(target, *executable, *movie); !written) {
+    const auto written =
+        toCache ? writeToCache(target, range.parts) : base::replaceFile(core::filePath(target), range.parts);
+    if (!written) {
         note(written.error());
         return {};
     }

@@ -3,7 +3,7 @@
 #include "media/Compress.h"
 #include "media/FileStart.h"
 #include "media/MediaFiles.h"
-#include "media/MovieHeader.h"
+#include "media/Projector.h"
 #include "media/Texts.h"
 
 #include <QDir>
@@ -35,15 +35,21 @@ base::Result<FrameHeader> readFrameHeaderOf(const QString& path)
 {
     FileStart file = TRY_RESULT(FileStart::open(core::filePath(path)));
     CHECK_RESULT(file.skip(kFileHeaderBytes));
-    return readFrameHeader(TRY_RESULT(file.bytes(kHeaderBodyBytes)));
+    return readFrameHeader(TRY_RESULT(file.bytes(kLongestHeaderBodyBytes)));
 }
 
 base::Result<FrameHeader> readCompressedFrameHeaderOf(const QString& path)
 {
-    auto body = TRY_RESULT(decompressStart(core::filePath(path), kHeaderBodyBytes));
-    CHECK_RESULT(readFrameHeader(body)); // what is missing is not to be taken for zeros
-    body.resize(kHeaderBodyBytes);
-    return readFrameHeader(body);
+    return readFrameHeader(TRY_RESULT(decompressStart(core::filePath(path), kLongestHeaderBodyBytes)));
+}
+
+/// Whether a header copy leaves out something of what stands in the movie.
+bool isHeaderCopyTooShort(const QString& path)
+{
+    auto file = FileStart::open(core::filePath(path));
+    if (!file || !file->skip(kFileHeaderBytes)) return false;
+    const auto body = file->bytes(1);
+    return body && needsLongHeader(*body);
 }
 
 base::Result<FileHeader> readFileHeaderOf(const QString& path)
@@ -118,7 +124,7 @@ void MediaFiles::tryLoad(const QString& path, QString caption)
     m_host.SetStatus(texts::kLoading);
     if (!m_host.isFullScreen()) m_host.ZoomFlash(100, 2);
     m_host.LoadMovie(0, m_info.MoviePath + split.query);
-    m_host.setBackground(m_info.BgColor);
+    m_host.setBackground(m_info.ground());
 
     m_host.setMediaInfoEnabled(true);
     m_host.reapplySound();
@@ -159,12 +165,12 @@ QString MediaFiles::GetFlashInfo(QString& path)
             info.Compressed = false;
             break;
         }
-        if (header.is("CWS")) {
+        if (header.is("CWS") || header.is("ZWS")) {
             m_application.LogEvent("Compressed File");
             info.Compressed = true;
             break;
         }
-        if (!header.is("MZ") || layer == kMostLayers) {
+        if (!isExecutable(header) || layer == kMostLayers) {
             m_application.LogEvent("Unknown signature (" +
                                    QString::fromLatin1(header.signature.data(), header.signature.size()) +
                                    ")");
@@ -189,7 +195,9 @@ QString MediaFiles::GetFlashInfo(QString& path)
     info.HeaderPath = info.Compressed ? DecompressFlash(info, Extent::HeaderOnly) : path;
     // A cache that takes no copy of the header keeps no movie from playing.
     const bool hasCopy = !info.HeaderPath.isEmpty();
-    const auto frame = hasCopy ? readFrameHeaderOf(info.HeaderPath) : readCompressedFrameHeaderOf(path);
+    const bool isLong = info.Compressed && hasCopy && isHeaderCopyTooShort(info.HeaderPath);
+    const auto frame =
+        hasCopy && !isLong ? readFrameHeaderOf(info.HeaderPath) : readCompressedFrameHeaderOf(path);
     if (!hasCopy && !frame) return texts::kDecompressFailed;
     if (!hasCopy) m_errorDescription.clear();
 
@@ -203,6 +211,7 @@ QString MediaFiles::GetFlashInfo(QString& path)
     info.FrameRate = static_cast<float>(frame->frameRate);
     info.FrameCount = frame->frameCount;
     info.BgColor = QString::fromStdString(frame->background);
+    info.HasBgColor = frame->hasBackground;
 
     m_info = info;
     m_application.LogEvent("Ok");

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "base/Result.h"
+#include "base/ByteReader.h"
 #include "core/Application.h"
 #include "media/MediaHost.h"
 #include "media/MediaInfo.h"
 
+#include <span>
 #include <vector>
 
 namespace media
@@ -42,8 +43,7 @@ public:
     QString GetFlashInfo(QString& path);
 
     /// Full: converts the movie in place, the compressed file kept in the cache. HeaderOnly: writes a plain
-    /// copy of the movie's first 26 bytes to the cache, or uses the one that is there, whatever it was made
-    /// from.
+    /// copy of the movie's first 26 bytes to the cache, or uses the one that is there.
     /// @returns path of the result, empty on failure; the movie is then as it was
     QString DecompressFlash(MediaInfo& info, Extent extent);
 
@@ -52,7 +52,8 @@ public:
     /// @returns path of the result, empty on failure; the movie is then as it was
     QString CompressFlash(MediaInfo& info, int level);
 
-    /// Takes the movie out of a projector. A movie extracted earlier is used again.
+    /// Takes the movie out of a projector, of whatever system and version. A movie extracted earlier is used
+    /// again.
     /// @returns path of the movie, or empty; the reason is then `errorDescription`
     QString ExtractEXE(const QString& path, ExtractTo target);
 
@@ -65,6 +66,13 @@ private:
     [[nodiscard]] base::Result<void> writeHeaderCopy(const MediaInfo& info, const QString& target);
     [[nodiscard]] base::Result<void> decompressInPlace(const MediaInfo& info, const QString& target);
     [[nodiscard]] base::Result<void> compressInPlace(const MediaInfo& info, int level);
+    /// Writes a file into the cache, which is made when it is missing.
+    [[nodiscard]] base::Result<void> writeToCache(const QString& file,
+                                                  std::span<const base::Bytes> parts) const;
+    [[nodiscard]] base::Result<void> writeToCache(const QString& file, base::Bytes content) const
+    {
+        return writeToCache(file, std::span(&content, 1));
+    }
     [[nodiscard]] QString backupPath(const QString& path, const QString& extension) const;
     /// Logs `error` and makes its user's text the current description.
     void note(const base::Error& error);

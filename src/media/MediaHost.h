@@ -22,7 +22,7 @@ public:
     /// Hands a movie to the Flash control.
     /// @throws base::Failure with number 339 when there is no control
     virtual void LoadMovie(int layer, const QString& url) = 0;
-    /// @param colour "RRGGBB"
+    /// @param colour "RRGGBB"; empty: the movie's own
     virtual void setBackground(const QString& colour) = 0;
 
     virtual void setMediaInfoEnabled(bool enabled) = 0;

@@ -8,15 +8,20 @@ namespace media
 namespace
 {
 
-constexpr unsigned kRectangleBits = 72;
 constexpr unsigned kWidthFieldBits = 5;
+constexpr unsigned kBackgroundTag = 9;
+constexpr unsigned kColourBytes = 3;
 
-/// @returns `count` bits from bit position `first` on, most significant first, cut off at the 72nd
-std::uint32_t bitsOf(const std::array<std::uint8_t, kHeaderBodyBytes>& body, unsigned first, unsigned count)
+using HeaderBody = std::array<std::uint8_t, kLongestHeaderBodyBytes>;
+
+std::size_t rectangleBytes(unsigned fieldBits) { return (kWidthFieldBits + 4 * fieldBits + 7) / 8; }
+
+/// @returns `count` bits from bit position `first` on, most significant first
+std::uint32_t bitsOf(const HeaderBody& body, unsigned first, unsigned count)
 {
     std::uint32_t value = 0;
-    const unsigned end = std::min(first + count, kRectangleBits);
-    for (unsigned bit = first; bit < end; ++bit) value = value << 1 | (body[bit / 8] >> (7 - bit % 8) & 1U);
+    for (unsigned bit = first; bit < first + count; ++bit)
+        value = value << 1 | (body[bit / 8] >> (7 - bit % 8) & 1U);
     return value;
 }
 
@@ -52,18 +57,20 @@ base::Result<FileHeader> readFileHeader(base::Bytes file)
     return header;
 }
 
+bool needsLongHeader(base::Bytes body)
+{
+    constexpr std::size_t kBehindRectangle = 4 + 2 + kColourBytes; // rate and count, a tag's head, the colour
+    return !body.empty() && rectangleBytes(body[0] >> 3U) + kBehindRectangle > kHeaderBodyBytes;
+}
+
 base::Result<FrameHeader> readFrameHeader(base::Bytes body)
 {
-    // What lies behind the end reads as zero, so a colour that is missing is black.
-    std::array<std::uint8_t, kHeaderBodyBytes> known{};
+    HeaderBody known{};
     std::copy_n(body.begin(), std::min(body.size(), known.size()), known.begin());
-    const auto byteAt = [&known](std::size_t offset) -> unsigned {
-        return offset < known.size() ? known[offset] : 0U;
-    };
 
     const unsigned fieldBits = bitsOf(known, 0, kWidthFieldBits);
-    const std::size_t rate = (kWidthFieldBits + 4 * fieldBits + 7) / 8;
-    const std::size_t need = std::min(rate + 4, known.size());
+    const std::size_t rate = rectangleBytes(fieldBits);
+    const std::size_t need = rate + 4;
     if (body.size() < need)
         return base::fail(base::ErrorCode::Truncated,
                           "movie header: needs " + std::to_string(need) + " bytes, " +
@@ -74,11 +81,12 @@ base::Result<FrameHeader> readFrameHeader(base::Bytes body)
     header.width = pixelsFromTwips(bitsOf(known, kWidthFieldBits + fieldBits, fieldBits));
     header.height = pixelsFromTwips(bitsOf(known, kWidthFieldBits + 3 * fieldBits, fieldBits));
     // 8.8 fixed point with the fraction byte first; the fraction is dropped.
-    header.frameRate = static_cast<int>(byteAt(rate + 1));
-    header.frameCount = static_cast<int>(byteAt(rate + 2) | byteAt(rate + 3) << 8);
-    const std::size_t colour = rate + 4 + 2; // behind the 2-byte head of the first tag
+    header.frameRate = known[rate + 1];
+    header.frameCount = known[rate + 2] | known[rate + 3] << 8;
+    const std::size_t tag = rate + 4;
+    header.hasBackground = (known[tag] | known[tag + 1] << 8) == (kBackgroundTag << 6 | kColourBytes);
     char text[8];
-    std::snprintf(text, sizeof text, "%02X%02X%02X", byteAt(colour), byteAt(colour + 1), byteAt(colour + 2));
+    std::snprintf(text, sizeof text, "%02X%02X%02X", known[tag + 2], known[tag + 3], known[tag + 4]);
     header.background = text;
     return header;
 }

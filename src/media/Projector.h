@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/ByteReader.h"
+#include "media/MovieHeader.h"
 
 namespace media
 {
@@ -22,5 +23,14 @@ struct EmbeddedMovie {
 /// zero.
 /// @errors NotFound when there is none, Malformed when the one found states fewer than 9 bytes
 base::Result<EmbeddedMovie> findEmbeddedMovie(base::Bytes executable);
+
+/// The search for what findEmbeddedMovie() passes over: movies of any version, compressed ones, projectors of
+/// other systems. The movie that the projector's footer points at; else the one nearest the end that is a
+/// movie from its signature to its end tag, inflated where it is compressed.
+/// @errors NotFound
+base::Result<EmbeddedMovie> findAnyMovie(base::Bytes executable);
+
+/// Whether a file that begins like this is a program: of Windows, Linux or the Mac.
+[[nodiscard]] bool isExecutable(const FileHeader& header);
 
 } // namespace media

@@ -326,7 +326,7 @@ void Player::LoadMovie(int layer, const QString& url)
         // Pages of our own are quick.
         if (!url.isEmpty() && !isPageAddress(url)) {
             // Until it draws itself, the movie's place has its colour.
-            setBackground(mediaInfo().BgColor);
+            setBackground(mediaInfo().ground());
             m_lifecycle.showWindowFirst();
             if (hasEnded()) return;
             m_settings.keepForSuddenEnd();

@@ -6,6 +6,7 @@
 #include "media/Projector.h"
 #include "media/UrlEncode.h"
 
+#include <chrono>
 #include <gtest/gtest.h>
 
 namespace media
@@ -29,8 +30,9 @@ TEST(FrameHeader, RoundsHalvesToEvenAndReadsFieldsOfAnyWidth)
         {"below and above a half", 7, 69, 71, 3, 4},
         {"empty rectangle", 0, 0, 0, 0, 0},
         {"negative maxima count as unsigned", 4, 15, 10, 1, 0},
-        {"16 bits are the widest that fit", 16, 65535, 40000, 3277, 2000},
-        {"17 bits lose the last of the height", 17, 65540, 40000, 3277, 1000},
+        {"the widest whose colour a header copy holds", 16, 65535, 40000, 3277, 2000},
+        {"wider", 17, 65540, 40000, 3277, 2000},
+        {"the widest", 31, 2147483640, 40000, 107374182, 2000},
     };
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);
@@ -40,8 +42,15 @@ TEST(FrameHeader, RoundsHalvesToEvenAndReadsFieldsOfAnyWidth)
         EXPECT_EQ(header->height, c.height);
         EXPECT_EQ(header->frameRate, 24) << "the fraction byte comes first and is dropped";
         EXPECT_EQ(header->frameCount, 300);
+        EXPECT_EQ(header->background, "0AB0FF");
+        EXPECT_TRUE(header->hasBackground);
+        EXPECT_EQ(needsLongHeader(frameHeader(c.fieldBits, 0, 0)), c.fieldBits > 16);
     }
-    EXPECT_EQ(readFrameHeader(movieBody())->background, "0AB0FF");
+    ByteVector attributes = movieBody();
+    attributes[13] = 0x44; // tag 69 with four bytes, as version 8 begins
+    attributes[14] = 0x11;
+    EXPECT_EQ(readFrameHeader(attributes)->background, "0AB0FF") << "what stands there, whatever it means";
+    EXPECT_FALSE(readFrameHeader(attributes)->hasBackground);
 }
 
 TEST(FrameHeader, EndsAnywhereWithoutReadingOn)
@@ -53,7 +62,8 @@ TEST(FrameHeader, EndsAnywhereWithoutReadingOn)
         EXPECT_EQ(header.has_value(), length >= 13) << length; // 65 bits, rate and count
     }
     EXPECT_EQ(readFrameHeader(ByteVector(whole.begin(), whole.begin() + 13))->background, "000000");
-    EXPECT_TRUE(readFrameHeader(ByteVector(18, 0xFF))) << "31-bit fields reach past what is looked at";
+    EXPECT_FALSE(readFrameHeader(ByteVector(20, 0xFF)));
+    EXPECT_TRUE(readFrameHeader(ByteVector(21, 0xFF))) << "fields of 31 bits";
 }
 
 TEST(DecompressData, TrustsTheStreamAndNotTheStatedLength)
@@ -132,6 +142,70 @@ TEST(FindEmbeddedMovie, HandlesMoviesAtTheVeryEdges)
     for (std::size_t size = 0; size < 12; ++size) EXPECT_FALSE(findEmbeddedMovie(ByteVector(size, 'W')));
     ByteVector head{'F', 'W', 'S', 1, 0};
     EXPECT_FALSE(findEmbeddedMovie(head));
+}
+
+TEST(FindAnyMovie, TakesWhatIsAMovieToItsEnd)
+{
+    const ByteVector movie = plainMovie(9);
+    ByteVector cut = movie;
+    cut.resize(cut.size() - 30); // its length says more
+    ByteVector noEnd = movie;
+    noEnd[noEnd.size() - 2] = 0x40;
+    ByteVector damaged = compressedMovie(9);
+    damaged[damaged.size() - 2] ^= 0xFF;
+    ByteVector wrongLength = compressedMovie(9);
+    ++wrongLength[4];
+    struct Case {
+        const char* name;
+        ByteVector file;
+        bool found;
+    };
+    const Case kCases[] = {
+        {"a version the first search refuses", movie, true},
+        {"compressed", compressedMovie(6), true},
+        {"LZMA", lzmaMovie(), true},
+        {"cut", cut, false},
+        {"no end tag", noEnd, false},
+        {"damaged stream", damaged, false},
+        {"version 0", plainMovie(0), false},
+        {"shorter than it says", wrongLength, true},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const auto found = findAnyMovie(projector(c.file, 2000, 0));
+        ASSERT_EQ(found.has_value(), c.found);
+        if (!c.found) continue;
+        EXPECT_EQ(found->offset, 2000U);
+        EXPECT_EQ(found->length, c.file.size());
+    }
+    ByteVector two = projector(plainMovie(9, 10), 2000, 0);
+    const std::size_t second = two.size();
+    for (const std::uint8_t byte : compressedMovie(8)) two.push_back(byte);
+    two.insert(two.end(), damaged.begin(), damaged.end());
+    EXPECT_EQ(findAnyMovie(two)->offset, second) << "the last one that is whole";
+    for (const bool little : {true, false}) {
+        ByteVector marked = two;
+        const std::uint32_t numbers[] = {0xFA123456, static_cast<std::uint32_t>(two.size() - 2000)};
+        for (const std::uint32_t number : numbers) {
+            for (unsigned i = 0; i < 4; ++i)
+                marked.push_back(static_cast<std::uint8_t>(number >> 8 * (little ? i : 3 - i)));
+        }
+        EXPECT_EQ(findAnyMovie(marked)->offset, 2000U) << "the footer points at it";
+        marked.back() = marked[marked.size() - 4] = 0xFF;
+        EXPECT_EQ(findAnyMovie(marked)->offset, second) << "and is not believed blindly";
+    }
+}
+
+TEST(FindAnyMovie, LooksAtNoMoreThanItsBudget)
+{
+    // Each candidate is a bomb of its own; all together would take minutes.
+    const ByteVector tags(50'000'000, 0x40); // none of them the last
+    const ByteVector bomb = withHeader("CWS", 6, 50'000'008, CompressData(tags, 9).value());
+    ByteVector file = projector(bomb);
+    for (int i = 0; i < 300; ++i) file.insert(file.end(), bomb.begin(), bomb.end());
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_FALSE(findAnyMovie(file));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
 TEST(CacheName, FlattensEitherKindOfPath)

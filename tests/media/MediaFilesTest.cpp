@@ -166,9 +166,13 @@ TEST_F(MediaFilesTest, CompressedMovieIsReadFromItsHeaderCopy)
     const ByteVector plain = plainMovie();
     EXPECT_EQ(bytesOf(copy), ByteVector(plain.begin(), plain.begin() + 26));
 
-    (void)put("a.swf", compressedMovie(7, 5));
     media.LoadFlash(movie, {});
     EXPECT_TRUE(log().contains("Header exists - skipping"));
+
+    (void)put("a.swf", compressedMovie(7, 5));
+    media.LoadFlash(movie, {});
+    EXPECT_TRUE(log().contains("Writing new header")) << "a copy of what the file was before is no use";
+    EXPECT_EQ(bytesOf(copy)[3], 7);
 
     const QString old = put("old.swf", compressedMovie(5));
     media.LoadFlash(old, {});
@@ -300,16 +304,82 @@ TEST_F(MediaFilesTest, ProjectorIsUnpackedOnceAndLeftAlone)
     media.LoadFlash(exe, {});
     EXPECT_TRUE(log().contains("File exists"));
 
-    // What lies in the cache may be a projector itself: the loop takes another turn.
-    const QString outer = put("outer.exe", projector({}));
-    ASSERT_TRUE(base::replaceFile(core::filePath(inCache(outer, ".swf")), inner));
-    media.LoadFlash(outer, {});
-    EXPECT_EQ(bytesOf(media.mediaInfo().MoviePath), movie);
+    const ByteVector other = plainMovie(6, 77);
+    (void)put("game.exe", projector(other));
+    media.LoadFlash(exe, {});
+    EXPECT_EQ(bytesOf(extracted), other) << "what came from the file of before is no use";
 
     const QString own = put("own.exe", inner);
     EXPECT_EQ(media.ExtractEXE(own, ExtractTo::ProjectorItself), own);
     EXPECT_EQ(bytesOf(own), movie);
     EXPECT_EQ(bytesOf(inCache(own, ".exe")), inner);
+}
+
+TEST_F(MediaFilesTest, ProjectorsOfEveryKindOpen)
+{
+    struct Case {
+        const char* name;
+        std::initializer_list<std::uint8_t> start;
+        ByteVector movie;
+    };
+    const Case kCases[] = {
+        {"Windows, version 9", {'M', 'Z'}, plainMovie(9)},
+        {"Windows, compressed", {'M', 'Z'}, compressedMovie(8)},
+        {"Linux", {0x7F, 'E', 'L', 'F'}, compressedMovie(10)},
+        {"Mac, Intel", {0xCE, 0xFA, 0xED, 0xFE}, lzmaMovie()},
+        {"Mac, several machines in one", {0xCA, 0xFE, 0xBA, 0xBE}, plainMovie(7)},
+        {"Mac before X", {'J', 'o', 'y', '!'}, plainMovie(5)},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        ByteVector file = projector(c.movie);
+        std::ranges::copy(c.start, file.begin());
+        media.LoadFlash(put("game", file), {});
+        EXPECT_EQ(window.calls.last(), "changed");
+        EXPECT_EQ(bytesOf(media.mediaInfo().MoviePath), c.movie);
+        EXPECT_EQ(media.mediaInfo().Width, 550);
+    }
+}
+
+TEST_F(MediaFilesTest, LzmaMoviesAreCompressedMovies)
+{
+    const QString movie = put("z.swf", lzmaMovie());
+    media.LoadFlash(movie, {});
+    MediaInfo& info = media.mediaInfo();
+    EXPECT_TRUE(info.Compressed);
+    EXPECT_EQ(info.Signature, "ZWS");
+    EXPECT_EQ(info.Width, 550);
+    EXPECT_EQ(bytesOf(info.HeaderPath).size(), 26U);
+    EXPECT_EQ(media.CompressFlash(info, 9), movie);
+    EXPECT_EQ(bytesOf(movie), lzmaMovie()) << "compressed already";
+    EXPECT_EQ(media.DecompressFlash(info, Extent::Full), movie);
+    EXPECT_EQ(bytesOf(movie), plainMovie(13));
+}
+
+TEST_F(MediaFilesTest, WideMoviesAndThoseOfVersion8ShowTheirOwnSizeAndColour)
+{
+    ByteVector wide = frameHeader(17, 80000, 60000);
+    wide.insert(wide.end(), {0x40, 0, 0, 0});
+    const auto length = static_cast<std::uint32_t>(wide.size() + 8);
+    for (const bool compressed : {false, true}) {
+        const QString name = compressed ? "wide.cws" : "wide.fws";
+        media.LoadFlash(put(name, compressed ? withHeader("CWS", 6, length, CompressData(wide, 9).value())
+                                             : withHeader("FWS", 6, length, wide)),
+                        {});
+        const MediaInfo& info = media.mediaInfo();
+        EXPECT_EQ(info.Width, 4000);
+        EXPECT_EQ(info.Height, 3000);
+        EXPECT_EQ(info.FrameRate, 24.0F);
+        EXPECT_EQ(info.BgColor, "0AB0FF");
+        EXPECT_TRUE(window.calls.contains("background 0AB0FF"));
+        window.calls.clear();
+    }
+    ByteVector attributes = plainMovie(8);
+    attributes[21] = 0x44; // the first tag is that of the file's attributes
+    attributes[22] = 0x11;
+    media.LoadFlash(put("8.swf", attributes), {});
+    EXPECT_EQ(media.mediaInfo().BgColor, "0AB0FF") << "as it stands there";
+    EXPECT_TRUE(window.calls.contains("background ")) << "but the movie knows better";
 }
 
 TEST_F(MediaFilesTest, ProjectorsMovieGetsItsMissingLastByte)
@@ -381,6 +451,7 @@ TEST_F(MediaFilesTest, NothingIsLostWhenAConversionFails)
     EXPECT_EQ(bytesOf(movie), plain);
 
     QDir(application.CachePath).removeRecursively();
+    (void)put("cache", {});
     EXPECT_TRUE(media.CompressFlash(info, 9).isEmpty()) << "without a backup there is no conversion";
     EXPECT_EQ(bytesOf(movie), plain);
     info.MoviePath = path("absent.swf");
@@ -390,10 +461,14 @@ TEST_F(MediaFilesTest, NothingIsLostWhenAConversionFails)
 TEST_F(MediaFilesTest, UnusableCacheIsAMessageAndNotACrash)
 {
     QDir(application.CachePath).removeRecursively();
+    media.LoadFlash(put("a.exe", projector(plainMovie())), {});
+    EXPECT_EQ(window.calls.last(), "changed") << "a missing one is made";
+    QDir(application.CachePath).removeRecursively();
+    (void)put("cache", {});
     media.LoadFlash(put("a.swf", compressedMovie()), {});
     EXPECT_EQ(window.calls.last(), "changed") << "a compressed movie needs none";
     media.LoadFlash(put("a.exe", projector(plainMovie())), {});
-    EXPECT_EQ(window.calls.last(), "close Файл не найден");
+    EXPECT_TRUE(window.calls.last().startsWith("close ")) << window.calls.last().toStdString();
 }
 
 TEST_F(MediaFilesTest, ReportsAFullDiskWhenExtracting)

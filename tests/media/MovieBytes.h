@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <gtest/gtest.h>
+#include <lzma.h>
 #include <string>
 #include <vector>
 
@@ -72,6 +74,31 @@ inline ByteVector compressedMovie(int version = 6, std::size_t padding = 100)
     const ByteVector body = movieBody(padding);
     return withHeader("CWS", version, static_cast<std::uint32_t>(body.size() + 8),
                       CompressData(body, 9).value());
+}
+
+/// The movie of movieBody(), compressed by LZMA; the stream does not mark its end.
+inline ByteVector lzmaMovie()
+{
+    const ByteVector body = movieBody();
+    lzma_options_lzma options;
+    lzma_lzma_preset(&options, 6);
+    lzma_stream stream = LZMA_STREAM_INIT;
+    ByteVector alone(body.size() + 1000);
+    EXPECT_EQ(lzma_alone_encoder(&stream, &options), LZMA_OK);
+    stream.next_in = body.data();
+    stream.avail_in = body.size();
+    stream.next_out = alone.data();
+    stream.avail_out = alone.size();
+    EXPECT_EQ(lzma_code(&stream, LZMA_FINISH), LZMA_STREAM_END);
+    alone.resize(stream.total_out);
+    lzma_end(&stream);
+    // Compressed length, properties, stream; the library puts the plain length between the last two.
+    ByteVector packed(4);
+    const auto length = static_cast<std::uint32_t>(alone.size() - 13);
+    std::memcpy(packed.data(), &length, sizeof length);
+    packed.insert(packed.end(), alone.begin(), alone.begin() + 5);
+    packed.insert(packed.end(), alone.begin() + 13, alone.end());
+    return withHeader("ZWS", 13, static_cast<std::uint32_t>(body.size() + 8), packed);
 }
 
 /// An executable's start, `before` bytes in all, then `movie`, then `after` bytes.

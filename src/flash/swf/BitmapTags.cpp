@@ -1,4 +1,4 @@
-#include "flash/swf/Container.h"
+#include "base/Inflate.h"
 #include "flash/swf/Picture.h"
 #include "flash/swf/Tags.h"
 
@@ -100,7 +100,7 @@ base::Result<Bitmap> decodeLossless(TagContext& tag, const LosslessHeader& heade
         return base::fail(base::ErrorCode::LimitReached, "picture of " + std::to_string(header.width) +
                                                              " x " + std::to_string(header.height) +
                                                              " pixels is too big");
-    const Inflated data = inflateStream(tag.body.rest(), wanted);
+    const base::Inflated data = base::inflateZlib(tag.body.rest(), wanted);
     if (data.bytes.size() < header.tableBytes() + header.rowBytes())
         return base::fail(base::ErrorCode::Malformed, "its compressed data hold not even one row");
     CHECK_RESULT(takePixels(tag.builder.bitmaps(), header.width, header.height));
@@ -124,7 +124,7 @@ base::Result<Bitmap> decodeLossless(TagContext& tag, const LosslessHeader& heade
 
 void applyAlpha(TagContext& tag, base::Bytes compressed, Bitmap& bitmap)
 {
-    const Inflated alpha = inflateStream(compressed, bitmap.pixels.size());
+    const base::Inflated alpha = base::inflateZlib(compressed, bitmap.pixels.size());
     if (alpha.bytes.size() < bitmap.pixels.size()) tag.warn("its alpha channel is damaged or ends early");
     for (std::size_t i = 0; i < alpha.bytes.size(); ++i) {
         const std::uint32_t pixel = bitmap.pixels[i];

@@ -7,16 +7,6 @@
 namespace flash::swf
 {
 
-struct Inflated {
-    std::vector<std::uint8_t> bytes;
-    bool complete = false; ///< the stream's own end was reached and its checksum is right
-    bool cut = false;      ///< there was more than the limit
-};
-
-/// Inflates a zlib stream, growing the output as it comes, up to `limit` bytes. A damaged or short stream
-/// yields what comes before the damage.
-Inflated inflateStream(base::Bytes compressed, std::uint64_t limit);
-
 /// A movie file with its compression removed: signature FWS, then the plain movie.
 struct PlainMovie {
     std::vector<std::uint8_t> bytes;
