@@ -1,6 +1,8 @@
 #include "base/Files.h"
+#include "media/Backups.h"
 #include "media/CacheName.h"
 #include "media/Compress.h"
+#include "media/FileStart.h"
 #include "media/MediaFiles.h"
 #include "media/MovieHeader.h"
 #include "media/Texts.h"
@@ -78,6 +80,16 @@ bool hasHeaderCopy(const MediaInfo& info, const QString& target)
 
 } // namespace
 
+bool isCompressedFile(const QString& path)
+{
+    auto file = FileStart::open(core::filePath(path));
+    if (!file) return false;
+    const auto start = file->bytes(kFileHeaderBytes);
+    if (!start) return false;
+    const auto header = readFileHeader(*start);
+    return header && isCompressed(*header);
+}
+
 base::Result<std::vector<std::uint8_t>> readPlainMovie(const MediaInfo& info)
 {
     MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
@@ -91,10 +103,13 @@ base::Result<std::vector<std::uint8_t>> readPlainMovie(const MediaInfo& info)
     return plain;
 }
 
-QString MediaFiles::backupPath(const QString& path, const QString& extension) const
+base::Result<void> MediaFiles::backUp(const QString& path, const QString& extension, base::Bytes content)
 {
+    const QString name = CacheName(path, extension);
+    QDir().mkpath(m_application.CachePath);
+    CHECK_RESULT(noteBackup(m_application.CachePath, name));
     // The cache path ends in a separator already; the doubled one is accepted by every system.
-    return m_application.CachePath + QDir::separator() + CacheName(path, extension);
+    return writeToCache(m_application.CachePath + QDir::separator() + name, content);
 }
 
 base::Result<void> MediaFiles::writeToCache(const QString& file, std::span<const base::Bytes> parts) const
@@ -127,6 +142,7 @@ QString MediaFiles::DecompressFlash(MediaInfo& info, Extent extent)
     if (!headerOnly) {
         m_application.LogEvent("Decompression succeeded");
         m_host.SetStatus(texts::kReady);
+        m_host.setCompressCaption(texts::kMenuCompress);
         info.OriginalPath = target;
         info.MoviePath = target;
     }
@@ -153,7 +169,7 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
         TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kLargestMovieBytes)));
 
     m_application.LogEvent("Backing up");
-    CHECK_RESULT(writeToCache(backupPath(info.MoviePath, ".swf"), movie.file));
+    CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
     if (core::fileExists(target)) m_application.LogEvent("Removing persistent file");
     m_application.LogEvent("Writing decompressed data");
     m_host.SetStatus(texts::kWriting);
@@ -169,6 +185,7 @@ QString MediaFiles::CompressFlash(MediaInfo& info, int level)
         return {};
     }
     m_host.SetStatus(texts::kReady);
+    m_host.setCompressCaption(texts::kMenuDecompress);
     info.OriginalPath = info.MoviePath;
     return info.MoviePath;
 }
@@ -181,7 +198,7 @@ base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
     m_host.SetStatus(texts::kCompressing);
     const auto body = TRY_RESULT(CompressData(movie.body(), level));
     m_host.SetStatus(texts::kWriting);
-    CHECK_RESULT(writeToCache(backupPath(info.MoviePath, ".swf"), movie.file));
+    CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
     return writeMovie(info.MoviePath, movie.header, "CWS", body);
 }
 

@@ -67,7 +67,7 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
     }
     if (!toCache) {
         m_application.LogEvent("Backing up");
-        if (const auto backup = writeToCache(backupPath(path, ".exe"), *executable); !backup) {
+        if (const auto backup = backUp(path, ".exe", *executable); !backup) {
             note(backup.error());
             return {};
         }

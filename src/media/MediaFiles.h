@@ -11,6 +11,9 @@
 namespace media
 {
 
+/// Whether a file is a compressed movie by its signature.
+[[nodiscard]] bool isCompressedFile(const QString& path);
+
 enum class Extent { HeaderOnly, Full };
 enum class ExtractTo { Cache, ProjectorItself };
 
@@ -73,7 +76,9 @@ private:
     {
         return writeToCache(file, std::span(&content, 1));
     }
-    [[nodiscard]] QString backupPath(const QString& path, const QString& extension) const;
+    /// Keeps in the cache what a conversion of `path` is about to replace.
+    [[nodiscard]] base::Result<void> backUp(const QString& path, const QString& extension,
+                                            base::Bytes content);
     /// Logs `error` and makes its user's text the current description.
     void note(const base::Error& error);
 

@@ -1,16 +1,17 @@
 #include "player/Player.h"
 
+#include "browser/ConvertSize.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "platform/Shell.h"
 #include "platform/TerminationSignal.h"
 #include "player/Cache.h"
 #include "player/ControlBar.h"
-#include "player/FullScreenHint.h"
 #include "player/Glyph.h"
 #include "player/MenuCommands.h"
 #include "player/OutsideDialog.h"
 #include "player/PageAddresses.h"
+#include "player/ScreenNote.h"
 #include "player/SettlingBox.h"
 #include "player/Shortcuts.h"
 #include "player/Texts.h"
@@ -21,6 +22,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -310,7 +312,7 @@ void Player::FullScreen(bool on)
     // Who has left it does not want it again from this movie.
     if (!on && wasOn && !byMovie) m_pageQueue.refuse("FULLSCREEN");
     m_placement.FullScreen(on);
-    if (on && !wasOn && byMovie) FullScreenHint::show(*this);
+    if (on && !wasOn && byMovie) ScreenNote::show(*this, texts::kHowToLeave);
 }
 
 void Player::SaveMediaAs()
@@ -364,13 +366,21 @@ void Player::onMediaChange()
 void Player::mnuCompress_Click()
 {
     media::MediaInfo& info = m_media.mediaInfo();
-    const bool decompress = info.Compressed;
+    // The file's form, not that which it had when it was loaded: the command may be given again.
+    const bool decompress = media::isCompressedFile(info.MoviePath);
+    const qint64 before = QFileInfo(info.MoviePath).size();
     const QString result =
         decompress ? m_media.DecompressFlash(info, media::Extent::Full) : m_media.CompressFlash(info, 9);
-    if (result.isEmpty())
+    if (result.isEmpty()) {
         QMessageBox::warning(this, core::kProductName,
                              QString(decompress ? texts::kDecompressFailed : texts::kCompressFailed) + '\n' +
+                                 QDir::toNativeSeparators(info.MoviePath) + '\n' +
                                  m_media.errorDescription());
+        return;
+    }
+    ScreenNote::show(*this, QString(decompress ? texts::kDecompressed : texts::kCompressed)
+                                .arg(browser::ConvertSize(static_cast<double>(before)),
+                                     browser::ConvertSize(static_cast<double>(QFileInfo(result).size()))));
 }
 
 void Player::mnuClearCache_Click()
@@ -378,7 +388,9 @@ void Player::mnuClearCache_Click()
     m_application.LogEvent({});
     m_application.LogEvent(" :: Clear Cache");
     constexpr int kThumbnails = 3; // only these, on purpose
-    CleanCache(m_application.CachePath, kThumbnails);
+    const int removed = CleanCache(m_application.CachePath, kThumbnails);
+    ScreenNote::show(*this, removed == 0 ? QString(texts::kNoThumbnails)
+                                         : QString(texts::kThumbnailsRemoved).arg(removed));
 }
 
 // ---- what lies outside

@@ -45,6 +45,10 @@ inline constexpr const char* kDialogType       = "Тип файлов:";
 
 inline constexpr const char* kDecompressFailed = "Ошибка при распаковке файла.";
 inline constexpr const char* kCompressFailed   = "Ошибка при сжатии файла.";
+inline constexpr const char* kDecompressed     = "Сжатие снято: было %1, стало %2";
+inline constexpr const char* kCompressed       = "Файл сжат: было %1, стало %2";
+inline constexpr const char* kThumbnailsRemoved = "Удалено эскизов: %1";
+inline constexpr const char* kNoThumbnails     = "Эскизов нет";
 inline constexpr const char* kOptionsUnsaved   = "Не удалось записать файл настроек. Изменения действуют до выхода "
                                                  "из программы.";
 inline constexpr const char* kDiskFull         = "На диске недостаточно места.";

@@ -4,6 +4,7 @@
 #include "QtPrint.h"
 #include "base/Files.h"
 #include "core/RunTimeErrors.h"
+#include "media/Backups.h"
 
 #include <QDir>
 #include <QFile>
@@ -405,6 +406,9 @@ TEST_F(MediaFilesTest, ConversionsRoundTripAndKeepABackup)
     EXPECT_TRUE(std::equal(packed.begin() + 1, packed.begin() + 8, plain.begin() + 1))
         << "version and length stay";
     EXPECT_EQ(bytesOf(inCache(path("link.swf"), ".swf")), plain);
+    EXPECT_TRUE(
+        backups(application.CachePath).contains(QFileInfo(inCache(path("link.swf"), ".swf")).fileName()));
+    EXPECT_EQ(window.calls.last(), "menu Снять сжатие") << "the command follows the file";
     EXPECT_TRUE(QFileInfo(path("link.swf")).isSymLink());
     EXPECT_EQ(media.CompressFlash(info, 9), path("link.swf"));
     EXPECT_EQ(bytesOf(movie), packed) << "the command given twice compresses once";

@@ -142,7 +142,7 @@ TEST_F(Hostile, FullScreenNeedsAClickAndEscapeIsTheLastWord)
     EXPECT_FALSE(player.isFullScreen());
     QTest::mouseClick(&player.control(), Qt::LeftButton, {}, {20, 20});
     EXPECT_TRUE(waitFor([&] { return player.isFullScreen(); }));
-    auto* hint = player.findChild<QWidget*>("lblHowToLeave");
+    auto* hint = player.findChild<QWidget*>("lblNote");
     ASSERT_NE(hint, nullptr);
     EXPECT_TRUE(hint->isVisible());
     QTest::keyClick(&player.control(), Qt::Key_Escape);

@@ -83,6 +83,17 @@ TEST(CleanCache, DeletesByModeAndNothingElse)
         EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), left[mode]);
         EXPECT_TRUE(QDir(folder.filePath("kept.swf")).exists());
     }
+    QTemporaryDir folder;
+    for (const char* name : {"a.swf", "former.swf", "backups.txt"}) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QFile::WriteOnly));
+        file.write("former.swf\ngone.swf\n");
+    }
+    EXPECT_EQ(CleanCache(folder.path() + "/", 2), 1);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), (QStringList{"backups.txt", "former.swf"}))
+        << "what a conversion replaced is nowhere else";
+    QFile::remove(folder.filePath("former.swf"));
+    EXPECT_EQ(CleanCache(folder.path() + "/", 2), 1) << "a list of nothing";
     CleanCache({}, 2); // no folder is known: nothing may happen to the current one
 }
 
