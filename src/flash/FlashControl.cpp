@@ -74,6 +74,15 @@ qint64 FlashControl::busyForMs() const { return d->port->busyForMs(); }
 bool FlashControl::isLoading() const { return d->loading; }
 bool FlashControl::hasOwnProcess() const { return d->isRemote; }
 qint64 FlashControl::processId() const { return d->port->processId(); }
+bool FlashControl::isBehind() const { return d->hasLost || d->port->isBehind(); }
+bool FlashControl::givesOwnProcesses() { return !control::MovieProcess::program().isEmpty(); }
+
+void FlashControl::setWaits(bool waits)
+{
+    d->waits = waits;
+    d->port->setWaits(waits);
+}
+
 QString FlashControl::errorText() const { return d->error; }
 int FlashControl::ReadyState() const { return d->readyState; }
 bool FlashControl::listensToKeys() const { return d->state().listensToKeys != 0; }

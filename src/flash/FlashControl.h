@@ -114,6 +114,15 @@ public:
     /// The number of that process, for the journal; 0 when there is none.
     [[nodiscard]] qint64 processId() const;
 
+    /// Whether calls wait, up to a fifth of a second, for a movie in a process of its own that is busy; they
+    /// do. Otherwise they return at once and are done in their order, isBehind() until then: for whoever
+    /// drives several movies at the same time.
+    void setWaits(bool waits);
+    /// Whether something that was called is not done yet.
+    [[nodiscard]] bool isBehind() const;
+    /// Whether movies get processes of their own here.
+    [[nodiscard]] static bool givesOwnProcesses();
+
     /// Why the last LoadMovie failed, English, for the log.
     [[nodiscard]] QString errorText() const;
     /// The movie's own size in pixels; empty when nothing is loaded.
@@ -175,6 +184,9 @@ signals:
     void limitReached(const QString& what);
     /// The process that played `movie` (as Movie) has ended. It is unloaded.
     void crashed(const QString& movie);
+    /// A movie that LoadMovie() took while it still worked on its first frame cannot be played after all. It
+    /// is unloaded; errorText() says why.
+    void refused(const QString& movie);
     /// The process that plays the movie does not answer (true), or answers again.
     void frozen(bool isFrozen);
     /// One call of the movie's trace().

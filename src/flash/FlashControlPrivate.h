@@ -67,13 +67,14 @@ public:
     void newLocal()
     {
         port = std::make_unique<control::LocalMovie>(*this);
-        isRemote = loading = false;
+        isRemote = loading = hasLost = false;
         equip(*port);
     }
 
     /// A movie that is still to come finds everything as the last one had it.
     void equip(control::MoviePort& fresh)
     {
+        fresh.setWaits(waits);
         fresh.pass(settings);
         if (!viewSize.isEmpty()) fresh.setView(viewSize.width(), viewSize.height(), viewScale);
     }
@@ -139,6 +140,7 @@ public:
         const bool wasRemote = std::exchange(isRemote, true);
         const std::uint32_t spokeBefore = std::exchange(speaking, 0);
         port = std::make_unique<control::RemoteMovie>(*this, std::move(process));
+        hasLost = false;
         equip(*port);
         if (loadInto(0, url)) {
             QTimer::singleShot(kSpareDelayMs, &q, [this] { processes.prepare(); });
@@ -159,6 +161,7 @@ public:
             return false;
         }
         if (layer == 0) {
+            movieLoad = lastLoad;
             this->loading = loading.state == State::GoesOn;
             sources = {{lastLoad, sources.value(lastLoad)}};
             movie = url;
@@ -201,8 +204,13 @@ public:
             lost(Loss::OutOfMemory);
         } else if (const auto* loaded = std::get_if<control::Loaded>(&message)) {
             // Only of a movie that took long over its first frame; maybe it could not be loaded after all.
-            loading = false;
-            if (loaded->done == 0) lost(Loss::Refused);
+            const bool isMovie = loaded->id == movieLoad;
+            if (isMovie) loading = false;
+            if (loaded->done == 0 && !isMovie) heard(control::LogLine{"A layer: " + loaded->error});
+            if (loaded->done == 0 && isMovie) {
+                error = QString::fromStdString(loaded->error);
+                lost(Loss::Refused);
+            }
             q.update();
         } else {
             if (const auto* ready = std::get_if<control::ReadyState>(&message)) readyState = ready->state;
@@ -263,8 +271,11 @@ public:
 
     void lost(Loss loss) override
     {
+        hasLost = true;
         QTimer::singleShot(0, &q, [this, loss, of = port.get()] {
-            if (of == port.get()) handleLoss(loss);
+            if (of != port.get()) return;
+            hasLost = false;
+            handleLoss(loss);
         });
     }
 
@@ -287,7 +298,7 @@ public:
             error = QStringLiteral("the movie's process has ended");
             emit q.crashed(lostMovie);
             break;
-        default: error = QStringLiteral("the movie could not be loaded"); emit q.crashed(lostMovie);
+        default: emit q.refused(lostMovie);
         }
     }
 
@@ -334,7 +345,8 @@ public:
     control::SpareProcess processes;
     control::Inbox inbox;
     std::unique_ptr<control::MoviePort> port;
-    bool isRemote = false, loading = false;
+    bool isRemote = false, loading = false, waits = true;
+    bool hasLost = false; // the movie, and the host is about to be told
     control::Settings settings;
     QSize viewSize; // device pixels
     double viewScale = 1;
@@ -343,7 +355,7 @@ public:
     QString movie, error;
     QString storageFolder, trustedFolder, sharedFolder;
     QHash<std::uint32_t, Source> sources; // by the loads' ids
-    std::uint32_t lastLoad = 0, speaking = 0;
+    std::uint32_t lastLoad = 0, movieLoad = 0, speaking = 0;
     int readyState = 0;
     std::function<bool()> timeout, watch;
     bool clipboardAllowed = true, toldWhere = false;

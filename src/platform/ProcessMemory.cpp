@@ -1,6 +1,7 @@
 #include "platform/ProcessMemory.h"
 
 #include <fstream>
+#include <string>
 
 #if defined(__linux__)
 #include <malloc.h>
@@ -10,16 +11,24 @@
 namespace platform
 {
 
-std::int64_t residentBytes()
+namespace
 {
+
+std::int64_t residentBytesOf([[maybe_unused]] const std::string& process)
+{
+    std::int64_t residentPages = 0;
 #if defined(__linux__)
-    std::int64_t allPages = 0, residentPages = 0;
-    std::ifstream("/proc/self/statm") >> allPages >> residentPages;
-    return residentPages * sysconf(_SC_PAGESIZE);
-#else
-    return 0;
+    std::int64_t allPages = 0;
+    std::ifstream("/proc/" + process + "/statm") >> allPages >> residentPages;
+    residentPages *= sysconf(_SC_PAGESIZE);
 #endif
+    return residentPages;
 }
+
+} // namespace
+
+std::int64_t residentBytes() { return residentBytesOf("self"); }
+std::int64_t residentBytes(std::int64_t processId) { return residentBytesOf(std::to_string(processId)); }
 
 void returnFreeMemory()
 {

@@ -31,6 +31,11 @@ MovieHealth::MovieHealth(flash::FlashControl& control, Doors doors)
         m_doors.log("The movie's process has ended unexpectedly: " + movie);
         m_doors.close(texts::kMovieCrashed);
     });
+    connect(&control, &flash::FlashControl::refused, this, [this] {
+        showNotice(false);
+        m_doors.log("Flash: " + m_control.errorText());
+        m_doors.close(texts::kMovieDamaged);
+    });
 }
 
 bool MovieHealth::mayOpen(const QString& path)

@@ -70,6 +70,11 @@ public:
     /// For how long they have been running; 0 while none do.
     [[nodiscard]] virtual qint64 busyForMs() const = 0;
 
+    /// Whether the calls above wait for a busy movie; they do. Otherwise what comes of them is seen later.
+    virtual void setWaits(bool) {}
+    /// Whether something that was said is not done yet.
+    [[nodiscard]] virtual bool isBehind() const { return false; }
+
     /// The area that the movie is shown in, device pixels.
     virtual void setView(int width, int height, double deviceScale) = 0;
     /// Draws what is to be seen now. @param region of the widget

@@ -61,7 +61,7 @@ RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> 
 RemoteMovie::~RemoteMovie()
 {
     if (m_audio) m_audio->release();
-    m_process->setEndsGently(m_loaded && !m_frozen && !m_ended);
+    m_process->setEndsGently(m_loaded && !m_frozen && !m_ended && !m_storage.empty());
     m_process.reset();
     // Of a movie that kept nothing, nothing stays.
     if (!m_storage.empty()) rmdir(m_storage.c_str());
@@ -110,11 +110,13 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
         std::filesystem::create_directories(m_storage, unwritable);
     }
     // A process that is only just starting is not one that is busy.
-    waitFor([this] { return m_greeted; }, kStartMs);
+    if (m_waits) waitFor([this] { return m_greeted; }, kStartMs);
     m_loaded.reset();
+    m_loadSent = true;
     send(load, file);
     close(file);
     m_watch.start(kWatchMs);
+    if (!m_waits) return {m_ended ? Loading::State::Failed : Loading::State::GoesOn, {}};
     m_waitsForLoad = true;
     waitFor([&] { return m_loaded && m_loaded->id == load.id; });
     m_waitsForLoad = false;
@@ -126,10 +128,22 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
 void RemoteMovie::command(const ToMovie& message)
 {
     send(message);
-    const std::uint32_t id = ++m_lastSync;
-    send(Sync{id});
+    if (m_waits) {
+        sync();
+        waitFor([id = m_lastSync, this] { return m_doneSync == id; });
+    } else if (!std::exchange(m_syncs, true)) {
+        // Once for what is said together: each draws a picture.
+        QTimer::singleShot(0, this, [this] {
+            m_syncs = false;
+            sync();
+        });
+    }
+}
+
+void RemoteMovie::sync()
+{
     if (!m_unanswered.isValid()) m_unanswered.start();
-    waitFor([&] { return m_doneSync == id; });
+    send(Sync{++m_lastSync});
 }
 
 void RemoteMovie::pass(const ToMovie& message)
@@ -280,8 +294,7 @@ void RemoteMovie::watch()
         return;
     }
     if (m_state.playing == 0 && m_process->channel().waitingBytes() == 0 && m_loaded) return;
-    m_unanswered.start();
-    send(Sync{++m_lastSync});
+    sync();
 }
 
 // ---- picture and sound ------------------------------------------------------------------------------------

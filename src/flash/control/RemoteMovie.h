@@ -40,6 +40,11 @@ public:
     [[nodiscard]] const State& state() const override { return m_state; }
     [[nodiscard]] bool isBusy() const override { return false; }
     [[nodiscard]] qint64 busyForMs() const override { return 0; }
+    void setWaits(bool waits) override { m_waits = waits; }
+    [[nodiscard]] bool isBehind() const override
+    {
+        return m_ended || m_syncs || m_doneSync != m_lastSync || (m_loadSent && !m_loaded);
+    }
     void setView(int width, int height, double deviceScale) override;
     void paint(QPainter& painter, const QRegion& region, double deviceScale) override;
     void releaseSound() override;
@@ -55,6 +60,7 @@ private:
     void watch();
     void followSound();
     void send(const ToMovie& message, int attached = -1);
+    void sync();
     /// Takes messages until `done`. @returns whether it came to pass in time
     template <class Done>
     bool waitFor(Done&& done, int limitMs = kPatienceMs);
@@ -77,7 +83,8 @@ private:
     std::optional<Value> m_value;
     QElapsedTimer m_unanswered; // since the oldest Sync that was not answered
     QTimer m_watch, m_soundTimer;
-    bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false, m_greeted = false;
+    bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false, m_greeted = false,
+         m_loadSent = false, m_waits = true, m_syncs = false;
 };
 
 } // namespace flash::control

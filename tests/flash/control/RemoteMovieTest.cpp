@@ -95,6 +95,34 @@ TEST_F(RemoteMovie, KeepsWhatPlaysWhenTheNextOneCannotBeLoaded)
     EXPECT_EQ(pixel(50, 10), QColor(255, 0, 0));
 }
 
+TEST_F(RemoteMovie, OneThatIsNotWaitedForIsSeenLater)
+{
+    m_control.setWaits(false);
+    QSignalSpy refused(&m_control, &FlashControl::refused), crashed(&m_control, &FlashControl::crashed);
+    const auto settles = [this] { return QTest::qWaitFor([this] { return !m_control.isBehind(); }, 3000); };
+    ASSERT_TRUE(m_control.LoadMovie(0, m_folder.write("a.swf", test::movingSquare(4))));
+    EXPECT_TRUE(m_control.isBehind());
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(m_control.TotalFrames(), 4);
+    m_control.GotoFrame(3);
+    m_control.Back();
+    EXPECT_TRUE(m_control.isBehind());
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(m_control.FrameNum(), 3) << "back from what was seen then, the first frame";
+
+    ASSERT_TRUE(m_control.LoadMovie(0, m_folder.write("text.swf", {'n', 'o', ' ', 'm', 'o', 'v'})));
+    ASSERT_TRUE(settles());
+    EXPECT_EQ(refused.count(), 1);
+    EXPECT_EQ(crashed.count(), 0);
+    EXPECT_NE(m_control.errorText(), QString());
+    EXPECT_FALSE(m_control.hasOwnProcess());
+
+    ASSERT_TRUE(m_control.LoadMovie(0, m_folder.path() + "/a.swf"));
+    kill(static_cast<pid_t>(m_control.processId()), SIGKILL);
+    ASSERT_TRUE(settles()) << "behind until the end of the process has been told";
+    EXPECT_EQ(crashed.count(), 1);
+}
+
 TEST_F(RemoteMovie, PagesAndMoviesDoNotShareAProcess)
 {
     const test::MovieFolder pages;
