@@ -89,6 +89,41 @@ void thumbnails(benchmark::State& state)
 }
 BENCHMARK(thumbnails)->Unit(benchmark::kMillisecond)->Iterations(1);
 
+/// The thumbnails of a folder of a hundred movies, so many at the same time, each in a process of its own.
+void thumbnailsSideBySide(benchmark::State& state)
+{
+    QString folder = qEnvironmentVariable("ZORVEX_BENCH_MOVIES");
+    if (folder.isEmpty()) folder = ZORVEX_PROGRAM_DIR "/media/samples";
+    const QFileInfoList movies = QDir(folder).entryInfoList({"*.swf"}, QDir::Files);
+    if (movies.isEmpty()) return state.SkipWithError("no movies to picture; build the target program");
+    qputenv("ZORVEX_MOVIE_PROGRAM", ZORVEX_PROGRAM_DIR "/zorvex-movie");
+    for (auto _ : state) {
+        const QTemporaryDir cache;
+        core::Application application;
+        application.AppPath = ZORVEX_PROGRAM_DIR "/";
+        application.CachePath = cache.path() + "/";
+        browser::NoBrowserHost host;
+        browser::BrowserState browserState;
+        browser::Thumbnails maker(application, host, browserState);
+        maker.seed = 1;
+        maker.sideBySide = static_cast<int>(state.range(0));
+        std::vector<browser::Thumbnails::Order> orders;
+        for (int i = 0; i < 100; ++i)
+            orders.push_back(
+                {movies[i % movies.size()].filePath(), application.CachePath + QString("%1.jpg").arg(i)});
+        maker.makeAll(orders);
+        if (QDir(cache.path()).entryList({"*.jpg"}).size() != 100) state.SkipWithError("not all were made");
+    }
+    qunsetenv("ZORVEX_MOVIE_PROGRAM");
+}
+BENCHMARK(thumbnailsSideBySide)
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(4)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->UseRealTime();
+
 } // namespace
 
 int main(int argc, char** argv)

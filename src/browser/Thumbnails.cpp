@@ -10,10 +10,12 @@
 #include <QScopedValueRollback>
 #include <QThread>
 #include <QTime>
+#include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace browser
 {
@@ -30,6 +32,8 @@ constexpr int kMostFrames = 4;
 constexpr double kBlankShare = 0.98;
 constexpr double kShortestFrameMs = 10, kLongestFrameMs = 100;
 constexpr int kPumpEveryMs = 15;
+/// Each takes a process with the engine's memory.
+constexpr int kMostSideBySide = 8;
 
 /// Of SWF's Quality.
 constexpr int kLowQuality = 0, kHighQuality = 1;
@@ -56,24 +60,120 @@ int thumbnailFrame(int totalFrames, double random)
 }
 
 Thumbnails::Thumbnails(core::Application& application, BrowserHost& host, BrowserState& state)
-    : m_application(application), m_host(host), m_state(state), m_files(application, m_quiet)
+    : sideBySide(std::clamp(QThread::idealThreadCount(), 1, kMostSideBySide)), m_application(application),
+      m_host(host), m_state(state), m_files(application, m_quiet)
 {
 }
 
 Thumbnails::~Thumbnails() { closeWindow(); }
 
+void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
+{
+    make({{movie, thumbnail}}, false);
+}
+
 void Thumbnails::makeAll(const std::vector<Order>& orders)
 {
     if (m_atWork) return;
-    const int count = static_cast<int>(orders.size());
-    for (int number = 1; number <= count; ++number) {
-        openWindow().setProgress(number, count);
-        const Order& order = orders[static_cast<std::size_t>(number - 1)];
-        MakeThumbnail(order.movie, order.thumbnail);
-        if (m_state.skip || m_host.hasEnded()) break;
-    }
+    make(orders, true);
     closeWindow();
 }
+
+// ---- all of them ------------------------------------------------------------------------------------------
+
+void Thumbnails::make(const std::vector<Order>& orders, bool tellsProgress)
+{
+    // Events are let through below; what they ask for meanwhile is not begun.
+    if (m_atWork) return;
+    const QScopedValueRollback atWork(m_atWork, true);
+    m_state.skip = false;
+    // A movie in this process cannot be left alone with its work.
+    const auto most = static_cast<std::size_t>(flash::FlashControl::givesOwnProcesses() ? sideBySide : 1);
+    std::size_t next = 0;
+    m_sincePump.start();
+    QTimer heartbeat; // the limits are looked at while no movie says anything
+    heartbeat.start(kPumpEveryMs);
+    while (!m_state.skip) {
+        while (next < orders.size() && m_works.size() < most && !m_state.skip) {
+            const Order& order = orders[next++];
+            if (core::fileExists(order.thumbnail)) continue;
+            openWindow();
+            const int place = freePlace();
+            m_works.push_back(begin(order, static_cast<int>(next), place));
+            show(tellsProgress, orders.size());
+            // Before the movie comes, which may take its time: there is a button to stop it.
+            m_window->present();
+            QCoreApplication::processEvents();
+            if (m_window.isNull()) m_state.skip = true; // its parent has gone
+            if (!isGivenUp(*m_works.back())) load(place, order.movie);
+        }
+        if (m_works.empty()) break;
+        bool isIdle = true;
+        for (std::size_t i = 0; i < m_works.size();) {
+            Work& work = *m_works[i];
+            if (!isGivenUp(work) && controlOf(work.place).isBehind()) {
+                ++i;
+                continue;
+            }
+            isIdle = false;
+            if (!isGivenUp(work) && !proceed(work)) {
+                ++i;
+                continue;
+            }
+            finish(work);
+            m_works.erase(m_works.begin() + static_cast<std::ptrdiff_t>(i));
+            show(tellsProgress, orders.size());
+        }
+        if (isIdle) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (m_window.isNull()) m_state.skip = true;
+        watch();
+    }
+    // Cancelled: what is at work ends with its place.
+    for (const auto& work : m_works) finish(*work);
+    m_works.clear();
+}
+
+int Thumbnails::freePlace() const
+{
+    int place = 0;
+    while (workIn(place) != nullptr) ++place;
+    return place;
+}
+
+Thumbnails::Work* Thumbnails::workIn(int place) const
+{
+    const auto found = std::find_if(m_works.begin(), m_works.end(),
+                                    [place](const auto& work) { return work->place == place; });
+    return found == m_works.end() ? nullptr : found->get();
+}
+
+/// The movie that has been at work for longest is the one that is seen, named, and skipped.
+void Thumbnails::show(bool tellsProgress, std::size_t count)
+{
+    if (m_works.empty() || m_window.isNull()) return;
+    const Work& oldest = *m_works.front();
+    if (tellsProgress) m_window->setProgress(oldest.number, static_cast<int>(count));
+    m_window->setPath(oldest.order.movie);
+    m_window->showPlace(oldest.place);
+}
+
+void Thumbnails::watch()
+{
+    if (m_sincePump.elapsed() < kPumpEveryMs) return;
+    QCoreApplication::processEvents();
+    m_sincePump.start();
+    if (m_host.hasEnded() || m_window.isNull()) m_state.skip = true;
+    if (m_state.skip) return;
+    for (const auto& work : m_works) {
+        const auto process = controlOf(work->place).processId();
+        const std::int64_t needed =
+            process != 0 ? platform::residentBytes(process) : platform::residentBytes() - work->memoryBefore;
+        if (work->clock.elapsed() > limits.timeMs) drop(*work, "it takes too long");
+        if (needed > limits.memoryBytes) drop(*work, "it takes too much memory");
+    }
+}
+
+// ---- the window -------------------------------------------------------------------------------------------
 
 frmShot& Thumbnails::openWindow()
 {
@@ -82,13 +182,48 @@ frmShot& Thumbnails::openWindow()
         m_window = new frmShot(dialog != nullptr ? dialog : m_host.dialogParent(),
                                m_application.AppPath + "media/shot_shadow.png");
         QObject::connect(m_window, &frmShot::cancelled, m_window, [this] { m_state.skip = true; });
-        QObject::connect(m_window, &frmShot::movieSkipped, m_window, [this] { m_dropped = true; });
-        m_window->SWF().setScriptWatch([this] { return watch(); });
-        m_window->SWF().setScriptTimeoutHandler([] { return true; });
-        QObject::connect(&m_window->SWF(), &flash::FlashControl::crashed, m_window,
-                         [this] { dropMovie("its process has ended"); });
+        QObject::connect(m_window, &frmShot::movieSkipped, m_window, [this] {
+            if (!m_works.empty()) m_works.front()->isDropped = true;
+        });
+        equip(0);
     }
     return *m_window;
+}
+
+flash::FlashControl& Thumbnails::controlOf(int place)
+{
+    while (m_window->places() <= place) {
+        const int fresh = m_window->places();
+        (void)m_window->SWF(fresh);
+        equip(fresh);
+    }
+    return m_window->SWF(place);
+}
+
+void Thumbnails::equip(int place)
+{
+    flash::FlashControl& control = m_window->SWF(place);
+    control.setWaits(false);
+    control.setScriptWatch([this, place] { return watchScripts(place); });
+    control.setScriptTimeoutHandler([] { return true; });
+    const auto drops = [this, place](const char* why) {
+        return [this, place, why] {
+            if (Work* work = workIn(place)) drop(*work, why);
+        };
+    };
+    QObject::connect(&control, &flash::FlashControl::crashed, m_window, drops("its process has ended"));
+    QObject::connect(&control, &flash::FlashControl::ranOutOfMemory, m_window,
+                     drops("it takes too much memory"));
+    QObject::connect(&control, &flash::FlashControl::refused, m_window, [this, place] {
+        if (workIn(place) != nullptr) m_window->showMissing(place, true);
+    });
+}
+
+bool Thumbnails::watchScripts(int place)
+{
+    watch();
+    const Work* work = workIn(place);
+    return work == nullptr || isGivenUp(*work);
 }
 
 void Thumbnails::closeWindow()
@@ -96,116 +231,103 @@ void Thumbnails::closeWindow()
     if (!m_atWork) delete m_window.data();
 }
 
-void Thumbnails::MakeThumbnail(const QString& movie, const QString& thumbnail)
-{
-    // Events are let through below; what they ask for meanwhile is not begun.
-    if (m_atWork || core::fileExists(thumbnail)) return;
-    const QScopedValueRollback atWork(m_atWork, true);
-    m_state.skip = m_dropped = false;
-    frmShot& window = openWindow();
-    flash::FlashControl& control = window.SWF();
-    m_clock.start();
-    m_sincePump.start();
-    m_memoryBefore = platform::residentBytes();
-    window.setPath(movie);
-    window.present(); // before the movie comes, which may take its time: there is a button to stop it
-    pump();
+// ---- one movie --------------------------------------------------------------------------------------------
 
+std::unique_ptr<Thumbnails::Work> Thumbnails::begin(const Order& order, int number, int place)
+{
+    auto work = std::make_unique<Work>(order, number, place);
+    work->random.seed(seed ? *seed + m_made
+                           : static_cast<quint32>(QTime::currentTime().msecsSinceStartOfDay()) + m_made);
+    ++m_made;
+    work->clock.start();
+    work->memoryBefore = platform::residentBytes();
+    controlOf(place).setQuality(m_host.hqShots() ? kHighQuality : kLowQuality);
+    return work;
+}
+
+/// What cannot be loaded is shown as missing, and so comes out on its picture.
+void Thumbnails::load(int place, const QString& movie)
+{
+    flash::FlashControl& control = controlOf(place);
+    control.LoadMovie(0, {});
+    m_window->showMissing(place, false);
     QString path = movie;
     if (path.right(4).toUpper() == ".EXE") {
         path = m_files.ExtractEXE(movie, media::ExtractTo::Cache);
         if (path.isEmpty()) path = kNoMovie;
     }
-    load(path);
+    const bool marked = path.contains('?');
+    if (!control.LoadMovie(0, marked ? QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) : path))
+        m_window->showMissing(place, true);
+}
 
-    QRandomGenerator random(seed ? *seed + m_made
-                                 : static_cast<quint32>(QTime::currentTime().msecsSinceStartOfDay()));
-    ++m_made;
-    control.setQuality(m_host.hqShots() ? kHighQuality : kLowQuality);
-    cDIBSection picture = bestPicture(random);
-    if (!isGivenUp()) pump();
-    if (!watch() && !SaveJPG(m_application, picture, thumbnail, kJpegQuality)) log(texts::kLogNoJpeg);
+bool Thumbnails::proceed(Work& work)
+{
+    // What was not loaded is pictured as it stands.
+    const bool isLoaded = controlOf(work.place).FrameNum() != -1;
+    if (work.looks > 0 || !isLoaded) judge(work);
+    if (!isLoaded || work.looks > kMostFrames || work.bestShare <= kBlankShare) return true;
+    chooseFrame(work);
+    ++work.looks;
+    return false;
+}
+
+/// A random frame, and others where that shows next to nothing.
+void Thumbnails::chooseFrame(Work& work)
+{
+    flash::FlashControl& control = controlOf(work.place);
+    if (work.looks < kMostFrames) {
+        control.GotoFrame(thumbnailFrame(control.TotalFrames(), work.random.generateDouble()));
+        settle(work);
+        return;
+    }
+    // A movie that shows itself only when it is played from its beginning.
+    control.Rewind();
+    control.Play();
+    for (int again = 0; again < kMostFrames; ++again) settle(work);
+}
+
+void Thumbnails::settle(Work& work)
+{
+    flash::FlashControl& control = controlOf(work.place);
+    const double rate = control.frameRate();
+    const double frameMs =
+        rate > 0 ? std::clamp(1000 / rate, kShortestFrameMs, kLongestFrameMs) : kLongestFrameMs;
+    for (int i = 0; i < kSettlingFrames && !isGivenUp(work); ++i) {
+        control.advance(frameMs);
+        watch();
+    }
+}
+
+void Thumbnails::judge(Work& work)
+{
+    // A movie that is given up is not even drawn: that may be what takes so long.
+    if (isGivenUp(work)) return;
+    cDIBSection picture;
+    picture.CreateFromPicture(m_window->capture(work.place));
+    const double share = shareOfCommonestColour(picture);
+    if (share >= work.bestShare) return;
+    work.best = std::move(picture);
+    work.bestShare = share;
+}
+
+void Thumbnails::finish(Work& work)
+{
+    if (!isGivenUp(work)) watch();
+    if (!isGivenUp(work) && !SaveJPG(m_application, work.best, work.order.thumbnail, kJpegQuality))
+        log(texts::kLogNoJpeg);
     // What went well stays to be seen until the next one comes.
-    if (m_dropped) {
-        control.LoadMovie(0, {});
+    if (isGivenUp(work) && !m_window.isNull()) {
+        controlOf(work.place).LoadMovie(0, {});
         platform::returnFreeMemory();
     }
 }
 
-/// What cannot be loaded is shown as missing, and so comes out on its picture.
-void Thumbnails::load(const QString& movie)
+void Thumbnails::drop(Work& work, const char* why)
 {
-    flash::FlashControl& control = m_window->SWF();
-    control.LoadMovie(0, {});
-    m_window->showMissing(false);
-    const bool marked = movie.contains('?');
-    if (!control.LoadMovie(0, marked ? QUrl::fromLocalFile(movie).toString(QUrl::FullyEncoded) : movie))
-        m_window->showMissing(true);
-    while (control.isLoading() && !watch()) QThread::msleep(kPumpEveryMs);
-}
-
-cDIBSection Thumbnails::bestPicture(QRandomGenerator& random)
-{
-    flash::FlashControl& control = m_window->SWF();
-    cDIBSection best;
-    double bestShare = 2;
-    for (int frame = 0; frame <= kMostFrames && bestShare > kBlankShare; ++frame) {
-        // What was not loaded is pictured as it stands.
-        const bool isLoaded = control.FrameNum() != -1;
-        if (isLoaded && frame == kMostFrames) {
-            // A movie that shows itself only when it is played from its beginning.
-            control.Rewind();
-            control.Play();
-            for (int again = 0; again < kMostFrames; ++again) settle();
-        } else if (isLoaded) {
-            control.GotoFrame(thumbnailFrame(control.TotalFrames(), random.generateDouble()));
-            settle();
-        }
-        // A movie that is given up is not even drawn: that may be what takes so long.
-        if (watch()) return best;
-        pump();
-        cDIBSection picture;
-        picture.CreateFromPicture(m_window->capture());
-        const double share = shareOfCommonestColour(picture);
-        if (share < bestShare) {
-            best = std::move(picture);
-            bestShare = share;
-        }
-        if (!isLoaded) break;
-    }
-    return best;
-}
-
-void Thumbnails::settle()
-{
-    flash::FlashControl& control = m_window->SWF();
-    const double rate = control.frameRate();
-    const double frameMs =
-        rate > 0 ? std::clamp(1000 / rate, kShortestFrameMs, kLongestFrameMs) : kLongestFrameMs;
-    for (int i = 0; i < kSettlingFrames && !watch(); ++i) control.advance(frameMs);
-}
-
-void Thumbnails::dropMovie(const char* why)
-{
-    if (m_dropped) return;
-    m_dropped = true;
+    if (std::exchange(work.isDropped, true)) return;
     log(QString(texts::kLogDropped) + why);
 }
-
-bool Thumbnails::watch()
-{
-    if (isGivenUp()) return true;
-    if (m_sincePump.elapsed() < kPumpEveryMs) return false;
-    pump();
-    m_sincePump.start();
-    if (m_host.hasEnded()) m_state.skip = true;
-    if (m_clock.elapsed() > limits.timeMs) dropMovie("it takes too long");
-    if (platform::residentBytes() - m_memoryBefore > limits.memoryBytes)
-        dropMovie("it takes too much memory");
-    return isGivenUp();
-}
-
-void Thumbnails::pump() { QCoreApplication::processEvents(); }
 
 void Thumbnails::log(const QString& text)
 {

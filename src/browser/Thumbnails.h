@@ -12,7 +12,9 @@
 #include <QPointer>
 #include <QRandomGenerator>
 
+#include <memory>
 #include <optional>
+#include <utility>
 
 namespace browser
 {
@@ -23,7 +25,9 @@ int thumbnailFrame(int totalFrames, double random);
 
 /// Makes the pictures that stand for movies: JPEG files in the cache, made once and kept until the cache is
 /// cleared. A movie that hangs, loops for ever or eats memory is dropped at its limits and gets no picture.
-/// While a movie is at work events are let through, so that the user can skip it or cancel.
+/// While movies are at work events are let through, so that the user can skip one or cancel. Where movies get
+/// processes of their own, several are at work at the same time; which frames are chosen does not depend on
+/// that.
 class Thumbnails
 {
 public:
@@ -33,7 +37,7 @@ public:
     /// What one movie may cost.
     struct Limits {
         int timeMs = 3000;                                  ///< of real time
-        std::int64_t memoryBytes = std::int64_t{512} << 20; ///< that the process grows by
+        std::int64_t memoryBytes = std::int64_t{512} << 20; ///< that it needs
     };
 
     /// All are borrowed. @param state its skip flag is this one's
@@ -44,8 +48,8 @@ public:
 
     /// Makes one thumbnail unless it is there. Leaves the progress window open.
     void MakeThumbnail(const QString& movie, const QString& thumbnail);
-    /// Makes them one after the other, tells how far it is, and closes the progress window. Stops when the
-    /// user cancels; what is made stays.
+    /// Makes them in their order, tells how far it is, and closes the progress window. Stops when the user
+    /// cancels; what is made stays.
     void makeAll(const std::vector<Order>& orders);
     void closeWindow();
 
@@ -53,20 +57,48 @@ public:
     [[nodiscard]] frmShot* window() const { return m_window; }
 
     Limits limits;
+    /// How many movies with processes of their own are at work at the same time.
+    int sideBySide;
     /// What frames are chosen by; nothing: the time of day.
     std::optional<quint32> seed;
 
 private:
+    /// One movie on its way to a picture.
+    struct Work {
+        Work(Order ordered, int ofAll, int at) : order(std::move(ordered)), number(ofAll), place(at) {}
+
+        Order order;
+        int number, place; ///< of the orders, from 1; in the window
+        QRandomGenerator random;
+        QElapsedTimer clock;
+        std::int64_t memoryBefore = 0; ///< of this process
+        int looks = 0;                 ///< at how many frames
+        cDIBSection best;
+        double bestShare = 2;
+        bool isDropped = false;
+    };
+
+    void make(const std::vector<Order>& orders, bool tellsProgress);
     frmShot& openWindow();
-    void load(const QString& movie);
-    /// The picture of a random frame, or of another one where that shows next to nothing.
-    cDIBSection bestPicture(QRandomGenerator& random);
-    void settle();
-    void dropMovie(const char* why);
-    [[nodiscard]] bool isGivenUp() const { return m_dropped || m_state.skip; }
-    /// Lets events through and looks at the limits. @returns whether the movie at hand is given up
-    bool watch();
-    void pump();
+    flash::FlashControl& controlOf(int place);
+    std::unique_ptr<Work> begin(const Order& order, int number, int place);
+    void load(int place, const QString& movie);
+    /// Goes on with a movie that has done what it was told. @returns whether it has got its picture
+    bool proceed(Work& work);
+    void chooseFrame(Work& work);
+    void settle(Work& work);
+    void judge(Work& work);
+    void finish(Work& work);
+    void drop(Work& work, const char* why);
+    [[nodiscard]] bool isGivenUp(const Work& work) const { return work.isDropped || m_state.skip; }
+    /// Lets events through and looks at the limits of all that is at work.
+    void watch();
+    bool watchScripts(int place);
+    /// What the movies of a place are told, and where they are heard.
+    void equip(int place);
+    [[nodiscard]] Work* workIn(int place) const;
+    [[nodiscard]] int freePlace() const;
+    void show(bool tellsProgress, std::size_t count);
     void log(const QString& text);
 
     core::Application& m_application;
@@ -75,10 +107,10 @@ private:
     media::NoMediaHost m_quiet;
     media::MediaFiles m_files; ///< for projectors; what it meets is not shown
     QPointer<frmShot> m_window;
-    QElapsedTimer m_clock, m_sincePump;
-    std::int64_t m_memoryBefore = 0;
+    QElapsedTimer m_sincePump;
+    std::vector<std::unique_ptr<Work>> m_works; ///< the oldest first
     quint32 m_made = 0;
-    bool m_dropped = false, m_atWork = false;
+    bool m_atWork = false;
 };
 
 } // namespace browser

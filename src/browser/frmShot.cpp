@@ -55,8 +55,7 @@ QRgb blend(QRgb a, QRgb b, int percentOfA)
 } // namespace
 
 frmShot::frmShot(QWidget* parent, const QString& shadowImage)
-    : QDialog(parent), m_pic(new QWidget(this)), m_swf(new flash::FlashControl(m_pic)),
-      m_missing(new MissingSign(m_pic)), m_path(new QLabel(this)), m_picStatus(new QWidget(this)),
+    : QDialog(parent), m_pic(new QWidget(this)), m_path(new QLabel(this)), m_picStatus(new QWidget(this)),
       m_picProgress(new QWidget(m_picStatus)), m_lblCountUnder(new QLabel(m_picStatus)),
       m_lblCountOver(new QLabel(m_picStatus)), m_cbCancel(new QPushButton(texts::kCancel, this))
 {
@@ -69,15 +68,7 @@ frmShot::frmShot(QWidget* parent, const QString& shadowImage)
 
     m_pic->setObjectName("PIC");
     m_pic->setFixedSize(kShotWidth, kShotHeight);
-    m_swf->setObjectName("SWF");
-    m_swf->setGeometry(m_pic->rect());
-    m_swf->setSuspended(true); // time is simulated; no sound device is opened
-    m_swf->setClipboardAllowed(false);
-    m_swf->setFocusPolicy(Qt::NoFocus);
-    m_swf->setAttribute(Qt::WA_TransparentForMouseEvents); // a double click is the window's
-    m_missing->setGeometry(m_pic->rect());
-    m_missing->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_missing->hide();
+    m_places.push_back(newPlace());
     m_path->setObjectName("lblPath");
     m_path->setTextFormat(Qt::PlainText);
     m_path->setAlignment(Qt::AlignCenter);
@@ -147,9 +138,43 @@ void frmShot::setProgress(int number, int count)
     m_lblCountOver->setText(text);
 }
 
-void frmShot::showMissing(bool missing) { m_missing->setVisible(missing); }
+frmShot::Place frmShot::newPlace()
+{
+    auto* area = new QWidget(m_pic);
+    const Place place{area, new flash::FlashControl(area), new MissingSign(area)};
+    area->setGeometry(m_pic->rect());
+    area->setAttribute(Qt::WA_TransparentForMouseEvents); // a double click is the window's
+    place.swf->setObjectName("SWF");
+    place.swf->setGeometry(m_pic->rect());
+    place.swf->setSuspended(true); // time is simulated; no sound device is opened
+    place.swf->setClipboardAllowed(false);
+    place.swf->setFocusPolicy(Qt::NoFocus);
+    place.missing->setGeometry(m_pic->rect());
+    place.missing->hide();
+    return place;
+}
 
-QImage frmShot::capture() { return m_pic->grab().toImage(); }
+flash::FlashControl& frmShot::SWF(int place)
+{
+    while (place >= places()) {
+        m_places.push_back(newPlace());
+        m_places.back().area->lower(); // what is seen stays so
+        m_places.back().area->show();
+    }
+    return *m_places[static_cast<std::size_t>(place)].swf;
+}
+
+void frmShot::showPlace(int place) { m_places[static_cast<std::size_t>(place)].area->raise(); }
+
+void frmShot::showMissing(int place, bool missing)
+{
+    m_places[static_cast<std::size_t>(place)].missing->setVisible(missing);
+}
+
+QImage frmShot::capture(int place)
+{
+    return m_places[static_cast<std::size_t>(place)].area->grab().toImage();
+}
 
 void frmShot::cbCancel_Click()
 {

@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <QImage>
 
+#include <vector>
+
 class QLabel;
 class QPushButton;
 
@@ -14,9 +16,9 @@ class FlashControl;
 namespace browser
 {
 
-/// The window that shows how thumbnails come along. The movie plays in its control SWF, silent and on
-/// simulated time, and what its area PIC shows becomes the thumbnail. The window draws and reports clicks;
-/// Thumbnails drives it.
+/// The window that shows how thumbnails come along. Each movie plays in a place of its own over the area PIC,
+/// silent and on simulated time, and what the place shows becomes the thumbnail; the user sees one of them.
+/// The window draws and reports clicks; Thumbnails drives it.
 class frmShot : public QDialog
 {
     Q_OBJECT
@@ -24,7 +26,11 @@ public:
     /// @param shadowImage of the drop shadow around the picture
     frmShot(QWidget* parent, const QString& shadowImage);
 
-    [[nodiscard]] flash::FlashControl& SWF() { return *m_swf; }
+    /// The movie of a place; places come into being as they are asked for, one after the other from 0.
+    [[nodiscard]] flash::FlashControl& SWF(int place = 0);
+    [[nodiscard]] int places() const { return static_cast<int>(m_places.size()); }
+    /// What the user sees.
+    void showPlace(int place);
     /// Shows the window: over its parent, or in the middle of the screen while that one is not shown.
     void present();
     /// Shows a movie's path, shortened to the width that there is.
@@ -32,9 +38,9 @@ public:
     /// Bar and count; for more than one thumbnail.
     void setProgress(int number, int count);
     /// Whether the sign for "no picture" covers the movie.
-    void showMissing(bool missing);
-    /// @returns what the picture area shows, in the screen's own pixels
-    [[nodiscard]] QImage capture();
+    void showMissing(int place, bool missing);
+    /// @returns what the place shows, seen or not, in the screen's own pixels
+    [[nodiscard]] QImage capture(int place);
 
 signals:
     void cancelled();
@@ -48,9 +54,15 @@ protected:
 private:
     void cbCancel_Click();
 
+    struct Place {
+        QWidget* area;
+        flash::FlashControl* swf;
+        QWidget* missing;
+    };
+    Place newPlace();
+
     QWidget* m_pic;
-    flash::FlashControl* m_swf;
-    QWidget* m_missing;
+    std::vector<Place> m_places;
     QLabel* m_path;
     QWidget* m_picStatus;
     QWidget* m_picProgress;

@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include <array>
+#include <csignal>
 
 namespace browser
 {
@@ -220,13 +221,14 @@ TEST_F(ThumbnailMaker, CancelStopsTheRunAtOnce)
         EXPECT_FALSE(cancel->isEnabled());
     });
     clock.start();
-    const QString second = scripted("second.swf", kEndless), third = colours("third.swf");
-    makeAll({first, second, third});
+    thumbnails.sideBySide = 2;
+    const QString second = scripted("second.swf", kEndless), third = scripted("third.swf", kEndless);
+    const QString fourth = colours("fourth.swf");
+    makeAll({first, second, third, fourth});
     EXPECT_LT(clock.elapsed(), 20000);
     EXPECT_TRUE(state.skip);
     EXPECT_TRUE(core::fileExists(shotOf(first))) << "what is made stays";
-    EXPECT_FALSE(core::fileExists(shotOf(second)));
-    EXPECT_FALSE(core::fileExists(shotOf(third)));
+    for (const QString& other : {second, third, fourth}) EXPECT_FALSE(core::fileExists(shotOf(other)));
 }
 
 TEST_F(ThumbnailMaker, ADoubleClickSkipsOneMovie)
@@ -318,9 +320,80 @@ TEST_F(ThumbnailMaker, WorksInSilenceAtTheChosenQualityAndNeverTwice)
     EXPECT_EQ(thumbnails.window(), nullptr);
 }
 
+TEST_F(ThumbnailMaker, SeveralAtOnceTakeTheirTurnsAndComeOutAsOneByOne)
+{
+    if (!flash::FlashControl::givesOwnProcesses()) GTEST_SKIP() << "movies play in this process";
+    QStringList movies;
+    for (int i = 0; i < 6; ++i) movies += colours(QString("%1.swf").arg(i));
+    std::vector<QImage> alone;
+    for (const int sideBySide : {1, 4}) {
+        BrowserState fresh;
+        Thumbnails maker(application, host, fresh);
+        maker.seed = 7;
+        maker.sideBySide = sideBySide;
+        std::vector<Thumbnails::Order> orders;
+        for (const QString& each : movies) {
+            QFile::remove(shotOf(each));
+            orders.push_back({each, shotOf(each)});
+        }
+        maker.makeAll(orders);
+        for (int i = 0; i < movies.size(); ++i) {
+            SCOPED_TRACE(i);
+            const QImage picture = loadThumbnail(shotOf(movies[i]));
+            ASSERT_FALSE(picture.isNull());
+            if (sideBySide == 1) alone.push_back(picture);
+            EXPECT_EQ(picture, alone[static_cast<std::size_t>(i)]);
+        }
+    }
+
+    // Three that use up their time do so together, and hold nothing up.
+    thumbnails.sideBySide = 4;
+    QStringList mixed;
+    for (const char* name : {"x.swf", "y.swf", "z.swf"}) mixed += scripted(name, kEndless);
+    const QString good = colours("good.swf");
+    QElapsedTimer clock;
+    clock.start();
+    makeAll(mixed + QStringList{good});
+    EXPECT_LT(clock.elapsed(), 2 * thumbnails.limits.timeMs);
+    EXPECT_TRUE(core::fileExists(shotOf(good)));
+    EXPECT_EQ(journal().count("Thumbnail dropped: it takes too long"), 3);
+}
+
+TEST_F(ThumbnailMaker, AProcessThatIsKilledCostsOnePictureAtMost)
+{
+    if (!flash::FlashControl::givesOwnProcesses()) GTEST_SKIP() << "movies play in this process";
+    thumbnails.sideBySide = 2;
+    // Seeded moments, from the start of the processes to where some of the movies are done.
+    QRandomGenerator random(20);
+    QStringList movies;
+    for (int i = 0; i < 4; ++i) movies += colours(QString("%1.swf").arg(i));
+    const int rounds = qEnvironmentVariableIsSet("ZORVEX_TEST_KILLS")
+                           ? qEnvironmentVariableIntValue("ZORVEX_TEST_KILLS")
+                           : 10;
+    for (int round = 0; round < rounds; ++round) {
+        SCOPED_TRACE(round);
+        for (const QString& each : movies) QFile::remove(shotOf(each));
+        QTimer moment;
+        moment.setSingleShot(true);
+        QObject::connect(&moment, &QTimer::timeout, [&] {
+            if (thumbnails.window() == nullptr) return;
+            const int place = static_cast<int>(random.bounded(thumbnails.window()->places()));
+            const auto process = static_cast<pid_t>(thumbnails.window()->SWF(place).processId());
+            if (process != 0) kill(process, round % 2 == 0 ? SIGKILL : SIGSEGV);
+        });
+        moment.start(static_cast<int>(random.bounded(80)));
+        makeAll(movies);
+        int made = 0;
+        for (const QString& each : movies) made += loadThumbnail(shotOf(each)).isNull() ? 0 : 1;
+        EXPECT_GE(made, 3);
+    }
+    EXPECT_TRUE(journal().contains("Thumbnail dropped: its process has ended"));
+}
+
 TEST_F(ThumbnailMaker, EndsWithTheProgram)
 {
     thumbnails.limits.timeMs = 60000;
+    thumbnails.sideBySide = 1;
     later(300, [this](frmShot&) { host.ended = true; });
     const QString other = colours("b.swf");
     makeAll({scripted("a.swf", kEndless), other});
