@@ -158,4 +158,37 @@ void dictionaryLookUp(benchmark::State& state)
 }
 BENCHMARK(dictionaryLookUp)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
+// What of the figures below is the making of the keys: the same loop and the same texts, without a
+// dictionary.
+void dictionaryKeysAlone(benchmark::State& state)
+{
+    const std::string count = std::to_string(state.range(0));
+    runProcedure(state,
+                 u"Sub Bench : Dim i, s\n"
+                 u"For i = 1 To " +
+                     std::u16string(count.begin(), count.end()) +
+                     u" : s = \"key\" & i : Next\n"
+                     u"End Sub",
+                 state.range(0));
+}
+BENCHMARK(dictionaryKeysAlone)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+// Keys in no order, so that neither the table nor the entries nor the texts are where the processor looks
+// ahead.
+void dictionaryLookUpAnywhere(benchmark::State& state)
+{
+    const std::string digits = std::to_string(state.range(0));
+    const std::u16string count(digits.begin(), digits.end());
+    runProcedure(state,
+                 u"Dim d, i : Set d = CreateObject(\"Scripting.Dictionary\")\n"
+                 u"For i = 0 To " +
+                     count + u" - 1 : d.Add \"key\" & i, i : Next\n" +
+                     u"Sub Bench : Dim i, k, s : k = 1\n"
+                     u"For i = 1 To " +
+                     count + u" : k = (k * 2003 + 7) Mod " + count + u" : s = d(\"key\" & k) : Next\n" +
+                     u"End Sub",
+                 state.range(0));
+}
+BENCHMARK(dictionaryLookUpAnywhere)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
 } // namespace
