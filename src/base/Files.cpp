@@ -15,17 +15,21 @@ namespace base
 namespace
 {
 
-constexpr std::string_view kTemporaryEnd = ".tmp";
+// A temporary file is named after its target: TARGET.~aB3xYz.tmp. Nobody else names files so: where the user
+// keeps his own, nothing but such a name tells what may be swept.
+constexpr std::string_view kTemporaryMark = ".~", kTemporaryEnd = ".tmp";
+constexpr std::size_t kRandom = 6;
 
-/// Whether replaceFile() gives its temporary files such names.
-bool isTemporaryName(std::string_view name)
+/// @returns the name of the target; empty when replaceFile() gives its temporary files no such names.
+std::string_view targetOfTemporary(std::string_view name)
 {
-    constexpr std::size_t kRandom = 6;
-    if (!name.ends_with(kTemporaryEnd)) return false;
-    name.remove_suffix(kTemporaryEnd.size());
-    if (name.size() < kRandom + 2 || name[name.size() - kRandom - 1] != '.') return false;
-    const auto random = name.substr(name.size() - kRandom);
-    return std::all_of(random.begin(), random.end(), [](unsigned char c) { return std::isalnum(c) != 0; });
+    constexpr std::size_t kAdded = kTemporaryMark.size() + kRandom + kTemporaryEnd.size();
+    if (name.size() <= kAdded || !name.ends_with(kTemporaryEnd)) return {};
+    const auto random = name.substr(name.size() - kTemporaryEnd.size() - kRandom, kRandom);
+    const auto isRandom = [](unsigned char c) { return std::isalnum(c) != 0; };
+    if (!std::all_of(random.begin(), random.end(), isRandom)) return {};
+    const auto target = name.substr(0, name.size() - kAdded);
+    return name.substr(target.size(), kTemporaryMark.size()) == kTemporaryMark ? target : std::string_view();
 }
 
 /// Closes a file descriptor on every way out.
@@ -45,6 +49,51 @@ public:
 private:
     int m_number;
 };
+
+// Told by a lock, where the system has those that belong to an open file, that somebody is at work on a file.
+bool lock([[maybe_unused]] int descriptor, [[maybe_unused]] short kind)
+{
+#ifdef F_OFD_SETLK
+    struct flock whole {
+    };
+    whole.l_type = kind;
+    whole.l_whence = SEEK_SET;
+    return ::fcntl(descriptor, F_OFD_SETLK, &whole) == 0 || (errno != EAGAIN && errno != EACCES);
+#else
+    return true;
+#endif
+}
+
+/// Whether a temporary file was left by a process of this user that is no more.
+bool isLeftOver(const std::filesystem::path& path, std::chrono::seconds leastAge)
+{
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {
+    };
+    if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    if (status.st_uid != ::geteuid() || status.st_nlink != 1) return false;
+    const auto written =
+        std::chrono::seconds(status.st_mtim.tv_sec) + std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+    const auto age = std::chrono::system_clock::now().time_since_epoch() - written;
+    // A clock that was put back makes files of the future.
+    return (age > leastAge || age < -leastAge) && lock(file.number(), F_RDLCK);
+}
+
+template <class IsOurs>
+int sweep(const std::filesystem::path& folder, std::chrono::seconds leastAge, IsOurs&& isOurs)
+{
+    int swept = 0;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        const auto target = targetOfTemporary(name);
+        if (target.empty() || !isOurs(target) || !isLeftOver(entry->path(), leastAge)) continue;
+        std::error_code gone;
+        if (std::filesystem::remove(entry->path(), gone)) ++swept;
+    }
+    return swept;
+}
 
 tl::unexpected<Error> systemError(const std::filesystem::path& path)
 {
@@ -94,10 +143,11 @@ Result<std::vector<std::uint8_t>> readFile(const std::filesystem::path& path, st
 
 Result<void> replaceFile(const std::filesystem::path& target, std::span<const Bytes> parts)
 {
-    std::string temporary = target.string() + ".XXXXXX";
-    temporary += kTemporaryEnd;
+    std::string temporary = target.string();
+    temporary.append(kTemporaryMark).append(kRandom, 'X').append(kTemporaryEnd);
     Descriptor file(::mkostemps(temporary.data(), static_cast<int>(kTemporaryEnd.size()), O_CLOEXEC));
     if (file.number() < 0) return systemError(target);
+    (void)lock(file.number(), F_WRLCK); // until it is closed: nobody sweeps it
 
     const auto giveUp = [&]() -> tl::unexpected<Error> {
         auto error = systemError(target);
@@ -133,19 +183,14 @@ bool isDiskFull(const Error& error)
 
 int sweepTemporaryFiles(const std::filesystem::path& folder, std::chrono::seconds leastAge)
 {
-    int swept = 0;
-    std::error_code error;
-    const auto now = std::filesystem::file_time_type::clock::now();
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        std::error_code gone;
-        if (!isTemporaryName(entry->path().filename().native()) || !entry->is_regular_file(gone)) continue;
-        const auto age = now - entry->last_write_time(gone);
-        // A clock that was put back makes files of the future.
-        const bool isOld = age > leastAge || age < -leastAge;
-        if (!gone && isOld && std::filesystem::remove(entry->path(), gone)) ++swept;
-    }
-    return swept;
+    return sweep(folder, leastAge, [](std::string_view) { return true; });
+}
+
+int sweepTemporaryFilesOf(const std::filesystem::path& target, std::chrono::seconds leastAge)
+{
+    const std::string name = target.filename();
+    const auto folder = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
+    return sweep(folder, leastAge, [&](std::string_view found) { return found == name; });
 }
 
 } // namespace base

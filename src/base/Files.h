@@ -27,9 +27,14 @@ inline Result<void> replaceFile(const std::filesystem::path& target, Bytes conte
 /// Whether an error of these functions came of a disk, or a user's share of it, that is full.
 bool isDiskFull(const Error& error);
 
-/// Removes the temporary files that a replaceFile() left in a folder when its process was killed.
-/// @param leastAge younger ones may be another process's, and at work
+/// Younger temporary files may be another process's, and at work.
+constexpr std::chrono::seconds kLeftOverAge{60};
+
+/// Removes the temporary files that a replaceFile() of this user left in a folder when its process was
+/// killed. Whatever else lies there stays: their names are nobody else's.
 /// @returns how many
-int sweepTemporaryFiles(const std::filesystem::path& folder, std::chrono::seconds leastAge);
+int sweepTemporaryFiles(const std::filesystem::path& folder, std::chrono::seconds leastAge = kLeftOverAge);
+/// The same, of those that were to become one file.
+int sweepTemporaryFilesOf(const std::filesystem::path& target, std::chrono::seconds leastAge = kLeftOverAge);
 
 } // namespace base

@@ -1,5 +1,6 @@
 #include "browser/FolderScan.h"
 
+#include "base/Files.h"
 #include "core/Application.h"
 #include "media/CacheName.h"
 
@@ -42,6 +43,7 @@ std::vector<FolderEntry> listFolder(const QString& folder)
     std::error_code error;
     fs::directory_iterator at(core::filePath(folder), error);
     if (error) return entries;
+    base::sweepTemporaryFiles(core::filePath(folder)); // of movies that a killed run was to write there
     if (!QDir(folder).isRoot()) entries.push_back({"..", true});
     for (; !error && at != fs::directory_iterator(); at.increment(error)) {
         std::error_code unknown; // a link that leads nowhere, say: a file, then

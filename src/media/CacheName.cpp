@@ -7,7 +7,7 @@ namespace media
 namespace
 {
 
-/// File systems take 255 bytes; a temporary file beside the target needs 7 of them.
+/// File systems take 255 bytes; a temporary file beside the target needs 12 of them.
 constexpr int kLongestBytes = 240;
 
 QString shortened(const QString& name)

@@ -169,6 +169,7 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
         TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kLargestMovieBytes)));
 
     m_application.LogEvent("Backing up");
+    base::sweepTemporaryFilesOf(replacedBy(target)); // of a run that was killed
     CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
     if (core::fileExists(target)) m_application.LogEvent("Removing persistent file");
     m_application.LogEvent("Writing decompressed data");
@@ -198,6 +199,7 @@ base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
     m_host.SetStatus(texts::kCompressing);
     const auto body = TRY_RESULT(CompressData(movie.body(), level));
     m_host.SetStatus(texts::kWriting);
+    base::sweepTemporaryFilesOf(replacedBy(info.MoviePath));
     CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
     return writeMovie(info.MoviePath, movie.header, "CWS", body);
 }

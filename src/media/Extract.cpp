@@ -67,6 +67,7 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
     }
     if (!toCache) {
         m_application.LogEvent("Backing up");
+        base::sweepTemporaryFilesOf(core::filePath(target)); // of a run that was killed
         if (const auto backup = backUp(path, ".exe", *executable); !backup) {
             note(backup.error());
             return {};

@@ -40,11 +40,11 @@ void put(int file, const std::string& text)
 
 void speakLastWord(int)
 {
-    // The last six letters are those of a temporary file, so that what a second death leaves is swept.
+    // Named as base::replaceFile() names its own, so that what a second death leaves is swept.
     static char temporary[4096 + 16];
     if (const LastWord* word = g_lastWord.exchange(nullptr); word != nullptr && word->file.size() < 4096) {
         word->file.copy(temporary, word->file.size());
-        std::memcpy(temporary + word->file.size(), ".ending.tmp", sizeof(".ending.tmp"));
+        std::memcpy(temporary + word->file.size(), ".~ending.tmp", sizeof(".~ending.tmp"));
         struct stat before {
         };
         const mode_t mode = ::stat(word->file.c_str(), &before) == 0 ? before.st_mode & 07777 : 0644;

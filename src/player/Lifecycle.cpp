@@ -96,11 +96,9 @@ void Lifecycle::showWindowFirst()
 
 void Lifecycle::sweep()
 {
-    // Of a run that was killed; what another one is writing is younger.
-    constexpr std::chrono::minutes kLeastAge{1};
     int swept = 0;
     for (const QString& folder : {m_application.SettingsPath, m_application.CachePath})
-        if (!folder.isEmpty()) swept += base::sweepTemporaryFiles(core::filePath(folder), kLeastAge);
+        if (!folder.isEmpty()) swept += base::sweepTemporaryFiles(core::filePath(folder));
     if (swept > 0)
         m_player.logQuietly(QString("Temporary files of a run that was killed: %1 removed").arg(swept));
 }

@@ -20,7 +20,9 @@ SaveResult saveMovie(const media::MediaInfo& info, const QString& target)
     if (!movie) return {SaveOutcome::CannotConvert, movie.error().what};
     std::error_code error;
     const auto real = std::filesystem::canonical(core::filePath(target), error);
-    const auto written = base::replaceFile(error ? core::filePath(target) : real, base::Bytes(*movie));
+    const auto file = error ? core::filePath(target) : real;
+    base::sweepTemporaryFilesOf(file); // of a run that was killed
+    const auto written = base::replaceFile(file, base::Bytes(*movie));
     if (!written) return {SaveOutcome::CannotWrite, written.error().what, base::isDiskFull(written.error())};
     return {};
 }

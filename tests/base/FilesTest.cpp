@@ -1,6 +1,7 @@
 #include "base/Files.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -102,14 +103,42 @@ TEST_F(ReplaceFile, WhatAKilledProcessLeftIsSwept)
         ::waitpid(child, nullptr, 0);
     }
     // Names that only look alike are the user's own.
-    for (const char* name : {"a.tmp", "settings.xml.abc.tmp", "notes.abcdef.txt", ".abcdef.tmp"})
-        std::ofstream(folder / name) << "kept";
+    const char* const kKept[] = {"a.tmp",         "settings.xml.~abc.tmp", "settings.xml.backup.tmp",
+                                 "x.~abcdef.txt", ".~abcdef.tmp",          "settings.xml~",
+                                 "y.~abcde_.tmp"};
+    for (const char* name : kKept) std::ofstream(folder / name) << "kept";
+    std::filesystem::create_directories(folder / "folder.~abcdef.tmp");
+    std::filesystem::create_symlink(folder / "a.tmp", folder / "link.~abcdef.tmp");
+    constexpr std::size_t kLeft = std::size(kKept) + 3; // and the target
     ASSERT_TRUE(replaceFile(target, newContent));
     (void)sweepTemporaryFiles(folder, std::chrono::hours(1));
     const std::size_t before = entries();
-    EXPECT_EQ(sweepTemporaryFiles(folder, std::chrono::seconds(0)), static_cast<int>(before - 5));
-    EXPECT_EQ(entries(), 5U);
+    EXPECT_EQ(sweepTemporaryFiles(folder, std::chrono::seconds(0)), static_cast<int>(before - kLeft));
+    EXPECT_EQ(entries(), kLeft);
     EXPECT_EQ(readFile(target, 100).value(), newContent);
+}
+
+TEST_F(ReplaceFile, BesideTheUsersFilesOnlyWhatWasToBecomeTheOneAtHandIsSwept)
+{
+    const auto movie = folder / "movie.swf";
+    const auto make = [&](const char* name) { std::ofstream(folder / name) << "half"; };
+    make("movie.swf.~aB3xY9.tmp");
+    make("movie.swf.~000000.tmp");
+    make("other.swf.~aB3xY9.tmp");
+    make("movie.swf.x.~aB3xY9.tmp");
+    EXPECT_EQ(sweepTemporaryFilesOf(movie), 0) << "they may be at work";
+    EXPECT_EQ(sweepTemporaryFilesOf(movie, std::chrono::seconds(0)), 2);
+    EXPECT_EQ(entries(), 2U);
+    // An old one that a process still holds open for writing is at work, however slow.
+    const int held = ::open((folder / "movie.swf.~aaaaaa.tmp").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    struct flock whole {
+    };
+    whole.l_type = F_WRLCK;
+    ASSERT_EQ(::fcntl(held, F_OFD_SETLK, &whole), 0);
+    ::usleep(20'000);
+    EXPECT_EQ(sweepTemporaryFilesOf(movie, std::chrono::seconds(0)), 0);
+    ::close(held);
+    EXPECT_EQ(sweepTemporaryFilesOf(movie, std::chrono::seconds(0)), 1);
 }
 
 TEST_F(ReplaceFile, ReadingStopsAtTheLimit)

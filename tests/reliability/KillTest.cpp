@@ -47,7 +47,8 @@ const Bytes* find(const Snapshot& files, const std::string& name)
 
 struct Operation {
     const char* name;
-    int kills = 1000; ///< at most at so many points, evenly spread over the operation
+    int kills = 1000;    ///< at most at so many points, evenly spread over the operation
+    bool sweeps = false; ///< doing it again removes what is left of the time before
 };
 
 class Killed : public testing::TestWithParam<Operation>
@@ -80,6 +81,17 @@ protected:
     {
         ASSERT_TRUE(base::replaceFile(m_folder / name, content));
     }
+    /// Of the user's own folder, as if they had lain there for a while. @returns how many there are
+    int ageTemporaryFiles() const
+    {
+        int count = 0;
+        for (const auto& entry : fs::directory_iterator(m_folder)) {
+            if (entry.path().filename().native().find(".~") == std::string::npos) continue;
+            fs::last_write_time(entry.path(), fs::file_time_type::clock::now() - 2 * base::kLeftOverAge);
+            ++count;
+        }
+        return count;
+    }
     [[nodiscard]] std::optional<Ending> run(long killAt) const
     {
         return runAndKill({kWorker, GetParam().name, m_folder.string()}, killAt);
@@ -104,7 +116,7 @@ TEST_P(Killed, LeavesEveryFileOldOrNew)
     ASSERT_NE(before, after) << "the operation does nothing";
 
     const long kills = std::min<long>(GetParam().kills, whole->kernelCalls);
-    int changed = 0, unchanged = 0;
+    int changed = 0, unchanged = 0, swept = 0;
     for (long number = 1; number <= kills; ++number) {
         const long point = number * whole->kernelCalls / kills;
         SCOPED_TRACE("killed at call " + std::to_string(point) + " of " + std::to_string(whole->kernelCalls));
@@ -121,24 +133,33 @@ TEST_P(Killed, LeavesEveryFileOldOrNew)
         // And nothing that is left of it is in the way.
         constexpr long kRepeatEach = 8;
         if (number % kRepeatEach == 0 && found != after) {
+            swept += ageTemporaryFiles();
             const auto again = run(0);
             EXPECT_EQ(again->status, 0);
+            if (GetParam().sweeps) {
+                EXPECT_EQ(ageTemporaryFiles(), 0) << "left beside the user's movies";
+            }
             const Snapshot repeated = snapshotOf(m_folder);
             for (const auto& [name, content] : after)
                 EXPECT_TRUE(isEither(find(repeated, name), &content, &content)) << name;
         }
     }
     RecordProperty("kills", static_cast<int>(kills));
+    if (GetParam().sweeps) {
+        EXPECT_GT(swept, 0) << "nothing was left to be swept";
+    }
     EXPECT_GT(unchanged, 0) << "no kill came before the change";
     std::printf("%s: %ld kills in %ld kernel calls, %d before the end, %d after\n", GetParam().name, kills,
                 whole->kernelCalls, unchanged, changed);
 }
 
 INSTANTIATE_TEST_SUITE_P(AtAnyPoint, Killed,
-                         testing::Values(Operation{"settings"}, Operation{"recent"}, Operation{"compress"},
-                                         Operation{"decompress"}, Operation{"header"}, Operation{"saveAs"},
-                                         Operation{"extract"}, Operation{"extractOver"},
-                                         Operation{"thumbnail", 80}, Operation{"sharedObject"}),
+                         testing::Values(Operation{"settings"}, Operation{"recent"},
+                                         Operation{"compress", 1000, true},
+                                         Operation{"decompress", 1000, true}, Operation{"header"},
+                                         Operation{"saveAs", 1000, true}, Operation{"extract"},
+                                         Operation{"extractOver", 1000, true}, Operation{"thumbnail", 80},
+                                         Operation{"sharedObject"}),
                          [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace

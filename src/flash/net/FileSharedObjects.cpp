@@ -3,6 +3,7 @@
 #include "base/Files.h"
 
 #include <system_error>
+#include <utility>
 
 namespace flash::net
 {
@@ -54,6 +55,8 @@ bool FileSharedObjects::write(std::string_view name, const std::vector<std::uint
 {
     const fs::path file = fileFor(name);
     if (file.empty()) return false;
+    // What a run that was killed left counts against nobody's quota.
+    if (!std::exchange(m_isSwept, true)) base::sweepTemporaryFiles(m_folder);
     if (!hasRoomFor(file, content.size())) return false;
     std::error_code error;
     fs::create_directories(m_folder, error);

@@ -33,6 +33,7 @@ private:
     [[nodiscard]] std::filesystem::path fileFor(std::string_view name) const;
 
     std::filesystem::path m_folder;
+    bool m_isSwept = false;
 };
 
 } // namespace flash::net
