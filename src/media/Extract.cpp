@@ -33,6 +33,13 @@ struct MovieRange {
     base::Bytes parts[2];
 };
 
+/// Whether a file begins as movies do, plain or compressed.
+bool isMovie(base::Bytes file)
+{
+    return file.size() >= 3 && (file[0] == 'F' || file[0] == 'C' || file[0] == 'Z') && file[1] == 'W' &&
+           file[2] == 'S';
+}
+
 } // namespace
 
 QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
@@ -48,6 +55,12 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
     if (!executable) {
         note(executable.error());
         return {};
+    }
+    // The movie has taken the projector's place already; its backup must not be replaced by the movie.
+    if (!toCache && isMovie(*executable)) {
+        m_application.LogEvent("File exists");
+        m_host.SetStatus(texts::kReady);
+        return target;
     }
     if (executable->size() < kShortestProjectorBytes) {
         m_application.LogEvent("Too short file");

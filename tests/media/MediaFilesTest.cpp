@@ -314,6 +314,11 @@ TEST_F(MediaFilesTest, ProjectorIsUnpackedOnceAndLeftAlone)
     EXPECT_EQ(media.ExtractEXE(own, ExtractTo::ProjectorItself), own);
     EXPECT_EQ(bytesOf(own), movie);
     EXPECT_EQ(bytesOf(inCache(own, ".exe")), inner);
+    // Once more, and the movie is what lies there: the backup stays the projector's.
+    EXPECT_EQ(media.ExtractEXE(own, ExtractTo::ProjectorItself), own);
+    EXPECT_EQ(log().last(), "File exists");
+    EXPECT_EQ(bytesOf(own), movie);
+    EXPECT_EQ(bytesOf(inCache(own, ".exe")), inner);
 }
 
 TEST_F(MediaFilesTest, ProjectorsOfEveryKindOpen)
