@@ -128,7 +128,10 @@ void Stage::wait(Pending load)
 {
     // Those that fail are told of it, but not without end.
     constexpr std::size_t kMostToldOf = 4 * guard::kMostLoads;
-    if (m_loads.size() < kMostToldOf) m_loads.push_back(std::move(load));
+    if (m_loads.size() < kMostToldOf)
+        m_loads.push_back(std::move(load));
+    else if (load.answer) // an answer that nobody waits for
+        m_loadedBytes -= load.answer->bytes.size();
 }
 
 namespace
