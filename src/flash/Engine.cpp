@@ -358,6 +358,7 @@ bool Engine::act(const std::function<void(stage::Stage&)>& work)
 base::Result<void> Engine::open(const std::string& address, std::optional<std::vector<std::uint8_t>> bytes)
 {
     d->watch.renew();
+    d->watch.setMostHeld(d->options.mostHeldBytes);
     if (d->watch.isInterrupted()) return base::fail(base::ErrorCode::Denied, address + ": playing has ended");
     base::Result<void> result;
     if (!d->watched([&] { result = d->open(address, std::move(bytes)); }))

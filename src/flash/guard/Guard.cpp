@@ -1,5 +1,7 @@
 #include "flash/guard/Guard.h"
 
+#include "flash/guard/Holding.h"
+
 #include <cstdio>
 #include <utility>
 #ifdef __linux__
@@ -14,6 +16,9 @@ namespace
 
 // Which movie the thread works for is a property of the thread.
 thread_local Guard* t_current = nullptr;
+
+// A signal that ends the process reaches nothing but this.
+std::atomic<bool> g_allInterrupted = false;
 
 constexpr std::uint32_t kStepsBetweenLooks = 500;
 
@@ -36,8 +41,21 @@ std::size_t residentBytes()
 
 Guard* current() { return t_current; }
 
+void interruptAll() noexcept { g_allInterrupted.store(true, std::memory_order_relaxed); }
+
+Guard::Guard() : m_ledger(std::make_shared<Ledger>(kMostHeldBytes)) {}
+Guard::~Guard() = default;
+
+bool Guard::isInterrupted() const noexcept
+{
+    return m_interrupted.load(std::memory_order_relaxed) || g_allInterrupted.load(std::memory_order_relaxed);
+}
+
+void Guard::setMostHeld(std::size_t bytes) { m_ledger = std::make_shared<Ledger>(bytes); }
+
 void Guard::renew()
 {
+    setMostHeld(m_ledger->most());
     settle();
     m_refused = 0;
     m_bytesBefore = residentBytes();

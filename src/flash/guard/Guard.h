@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,9 @@ constexpr std::size_t kMostElements = std::size_t{1} << 23;
 /// Answers that wait for their frame.
 constexpr std::size_t kMostLoads = 300;
 constexpr std::size_t kMostLoadedBytes = std::size_t{256} << 20;
+/// What is held at one time of all that was loaded together: the bytes of movies, inflated, what their tags
+/// become, pictures, sounds, videos and the pictures that these are decoded to. See Holding.h.
+constexpr std::size_t kMostHeldBytes = std::size_t{1} << 30;
 /// Commands and addresses that wait for the host until the scripts at hand are done.
 constexpr std::size_t kMostRequests = 10'000;
 constexpr std::size_t kMostRequestBytes = std::size_t{32} << 20;
@@ -57,6 +61,7 @@ enum class Bound : std::uint8_t {
     ScriptMemory,
     Texts,
     Loads,
+    Held,
     Requests,
     Scripts,
     SharedObjects,
@@ -79,6 +84,11 @@ private:
     std::string m_why;
 };
 
+class Ledger;
+
+/// The process is about to end: every movie in it is interrupted for ever. From any thread or signal handler.
+void interruptAll() noexcept;
+
 /// Watches over one movie. Belongs to the engine; while that works for the movie, a Turn makes it known to
 /// all that happens on the thread, so that code deep within a walk or a filter can ask without being handed
 /// it.
@@ -88,6 +98,11 @@ public:
     using Clock = std::chrono::steady_clock;
     /// @param text English, for the log
     using Report = std::function<void(Bound, std::string_view text)>;
+
+    Guard();
+    ~Guard();
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
 
     void setReport(Report report) { m_report = std::move(report); }
 
@@ -101,17 +116,18 @@ public:
         if (until == Until::Ever) m_forever.store(true, std::memory_order_relaxed);
         m_interrupted.store(true, std::memory_order_relaxed);
     }
-    [[nodiscard]] bool isInterrupted() const noexcept
-    {
-        return m_interrupted.load(std::memory_order_relaxed);
-    }
+    [[nodiscard]] bool isInterrupted() const noexcept;
     /// What was interrupted has ended.
     void settle()
     {
         m_interrupted.store(m_forever.load(std::memory_order_relaxed), std::memory_order_relaxed);
     }
-    /// Another movie begins: reports are made again, and only what was interrupted for ever stays so.
+    /// Another movie begins: reports are made again, only what was interrupted for ever stays so, and what
+    /// the movie before still holds until it is gone counts no more.
     void renew();
+    /// How much the movies to come may hold; kMostHeldBytes by default.
+    void setMostHeld(std::size_t bytes);
+    [[nodiscard]] const std::shared_ptr<Ledger>& ledger() const { return m_ledger; }
 
     /// A frame begins, or the user was asked and wants to go on.
     void restartClock() { m_start = Clock::now(); }
@@ -142,6 +158,7 @@ private:
     void look();
 
     Report m_report;
+    std::shared_ptr<Ledger> m_ledger; ///< of the movie at hand
     std::atomic<bool> m_interrupted = false, m_forever = false;
     bool m_ending = false;
     Clock::time_point m_start = Clock::now(), m_nextMeasure{};

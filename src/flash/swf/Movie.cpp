@@ -1,5 +1,6 @@
 #include "flash/swf/Movie.h"
 
+#include "flash/guard/Holding.h"
 #include "flash/swf/Container.h"
 #include "flash/swf/Tags.h"
 
@@ -116,24 +117,54 @@ std::optional<std::size_t> Timeline::frameByLabel(std::string_view label) const
 }
 
 base::Result<std::shared_ptr<const Movie>> parseMovie(std::span<const std::uint8_t> file,
-                                                      const ParseLimits& limits)
+                                                      const ParseLimits& given)
 {
-    const auto movie = std::make_shared<Movie>();
+    // What the movie may hold beside those that are loaded already bounds the parse, too.
+    struct HeldMovie : Movie {
+        guard::Holding bytesHolding, definitionsHolding;
+    };
+    const auto noRoom = [] {
+        return base::fail(base::ErrorCode::LimitReached, "no room for another movie beside those loaded");
+    };
+    const auto movie = std::make_shared<HeldMovie>();
     // Where few bytes stand for very many, there is nothing in them.
     constexpr std::uint64_t kAlwaysAllowedBytes = 32U << 20U, kMostRatio = 200;
     const std::uint64_t plausible = std::max(kAlwaysAllowedBytes, kMostRatio * file.size());
-    PlainMovie plain = TRY_RESULT(unpackMovie(file, std::min(limits.inflatedBytes, plausible)));
+    const std::uint64_t inflatedBytes = std::min(given.inflatedBytes, plausible);
+    const std::uint64_t room = guard::roomToHold();
+    auto plain = unpackMovie(file, std::min(inflatedBytes, room));
+    if (!plain) {
+        if (plain.error().code == base::ErrorCode::LimitReached && room < inflatedBytes)
+            guard::refuseToHold();
+        return tl::make_unexpected(std::move(plain).error());
+    }
+    auto bytesHolding = guard::Holding::take(plain->bytes.size());
+    if (!bytesHolding) return noRoom();
+    movie->bytesHolding = std::move(*bytesHolding);
     movie->fileLength = file.size();
-    movie->bytes = std::move(plain.bytes);
-    movie->header.compressed = plain.compressed;
+    movie->bytes = std::move(plain->bytes);
+    movie->header.compressed = plain->compressed;
     const BodyReader body = TRY_RESULT(readHeader(movie->header, movie->bytes));
 
+    ParseLimits limits = given;
+    const std::uint64_t roomLeft = guard::roomToHold();
+    limits.bitmapBytes = std::min(limits.bitmapBytes, roomLeft);
+    limits.definitionBytes = std::min(limits.definitionBytes, roomLeft);
     MovieBuilder builder(movie, limits);
-    if (!plain.complete) builder.warn("movie", 0, "the compressed data is damaged or ends early");
+    if (!plain->complete) builder.warn("movie", 0, "the compressed data is damaged or ends early");
     movie->timeline = parseTimeline(builder, body, 0);
     movie->timeline.statedFrameCount = movie->header.frameCount;
     builder.finish();
-    return movie;
+    // A movie that others leave too little room is refused whole: half of it would be a riddle.
+    if ((builder.bitmaps().hasLacked() && limits.bitmapBytes < given.bitmapBytes) ||
+        (builder.definitions().hasLacked() && limits.definitionBytes < given.definitionBytes)) {
+        guard::refuseToHold();
+        return noRoom();
+    }
+    auto definitionsHolding = guard::Holding::take(builder.bitmaps().taken() + builder.definitions().taken());
+    if (!definitionsHolding) return noRoom();
+    movie->definitionsHolding = std::move(*definitionsHolding);
+    return std::shared_ptr<const Movie>(movie);
 }
 
 } // namespace flash::swf

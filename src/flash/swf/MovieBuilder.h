@@ -19,18 +19,24 @@ public:
     {
         if (bytes > m_left) {
             m_left = 0;
-            m_exhausted = true;
+            m_exhausted = m_lacked = true;
         }
         if (m_exhausted) return false;
         m_left -= bytes;
+        m_taken += bytes;
         return true;
     }
+    /// Something that is bigger than what is left was not even begun.
+    void lack() { m_lacked = true; }
     [[nodiscard]] std::uint64_t left() const { return m_left; }
+    [[nodiscard]] std::uint64_t taken() const { return m_taken; }
     [[nodiscard]] bool isExhausted() const { return m_exhausted; }
+    /// Whether anything was refused.
+    [[nodiscard]] bool hasLacked() const { return m_lacked; }
 
 private:
-    std::uint64_t m_left;
-    bool m_exhausted = false;
+    std::uint64_t m_left, m_taken = 0;
+    bool m_exhausted = false, m_lacked = false;
 };
 
 /// What the tags of one movie are gathered into.

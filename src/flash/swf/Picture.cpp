@@ -1,5 +1,7 @@
 #include "flash/swf/Picture.h"
 
+#include "flash/guard/Holding.h"
+
 #include <QBuffer>
 #include <QImage>
 #include <QImageReader>
@@ -58,9 +60,11 @@ base::Result<void> takePixels(Budget& budget, std::uint64_t width, std::uint64_t
     if (width == 0 || height == 0) return base::fail(base::ErrorCode::Malformed, "picture without pixels");
     const std::uint64_t bytes = width * height * sizeof(std::uint32_t);
     // Asked for first, so that one monster does not cost the pictures behind it their share.
-    if (width * height > kMaxPicturePixels || bytes > budget.left())
+    if (width * height > kMaxPicturePixels || bytes > budget.left()) {
+        if (width * height <= kMaxPicturePixels) budget.lack();
         return base::fail(base::ErrorCode::LimitReached, "picture of " + std::to_string(width) + " x " +
                                                              std::to_string(height) + " pixels is too big");
+    }
     budget.take(bytes);
     return {};
 }
@@ -80,8 +84,22 @@ base::Result<std::shared_ptr<const Bitmap>> decodePicture(base::Bytes file, cons
     // A movie may load anything; what is none of the three kinds is not to be searched for JPEG segments.
     if (!isPngOrGif(file) && !startsWith(file, "\xFF\xD8") && !startsWith(file, "\xFF\xD9\xFF\xD8"))
         return base::fail(base::ErrorCode::Unsupported, "not a JPEG, PNG or GIF picture", 0);
-    Budget budget(limits.bitmapBytes);
-    return std::make_shared<const Bitmap>(TRY_RESULT(decodeImage({}, file, budget)));
+    struct HeldBitmap : Bitmap {
+        guard::Holding holding;
+    };
+    const std::uint64_t room = guard::roomToHold();
+    Budget budget(std::min(limits.bitmapBytes, room));
+    auto decoded = decodeImage({}, file, budget);
+    if (!decoded) {
+        if (budget.hasLacked() && room < limits.bitmapBytes) guard::refuseToHold();
+        return tl::make_unexpected(std::move(decoded).error());
+    }
+    auto bitmap = std::make_shared<HeldBitmap>();
+    static_cast<Bitmap&>(*bitmap) = std::move(*decoded);
+    auto holding = guard::Holding::take(budget.taken());
+    if (!holding) return base::fail(base::ErrorCode::LimitReached, "no room for another picture");
+    bitmap->holding = std::move(*holding);
+    return std::shared_ptr<const Bitmap>(std::move(bitmap));
 }
 
 } // namespace flash::swf

@@ -1,5 +1,7 @@
 #include "flash/video/FlvPlayer.h"
 
+#include "flash/guard/Holding.h"
+
 #include <algorithm>
 
 namespace flash::video
@@ -35,10 +37,10 @@ FlvPlayer::FlvPlayer(FileBytes bytes, FlvFile file) : m_bytes(std::move(bytes)),
     std::stable_sort(m_file.mp3.begin(), m_file.mp3.end(), byTime);
     std::stable_sort(m_file.scripts.begin(), m_file.scripts.end(), byTime);
     if (m_file.mp3.empty()) return;
-    auto mp3 = std::make_shared<std::vector<std::uint8_t>>();
+    std::vector<std::uint8_t> mp3;
     for (const FlvFile::Sound& sound : m_file.mp3)
-        mp3->insert(mp3->end(), sound.frames.begin(), sound.frames.end());
-    m_mp3 = std::move(mp3);
+        mp3.insert(mp3.end(), sound.frames.begin(), sound.frames.end());
+    m_mp3 = guard::hold(std::move(mp3));
 }
 
 std::size_t FlvPlayer::dueVideo(double timeMs) const { return firstAfter(m_file.video, timeMs); }

@@ -1,6 +1,7 @@
 #include "flash/video/VideoDecoder.h"
 
 #include "flash/codec/Ffmpeg.h"
+#include "flash/guard/Holding.h"
 
 #include <algorithm>
 
@@ -54,6 +55,22 @@ struct VideoDecoder::Parts {
     AVFrame* frame = nullptr;
     SwsContext* scaler = nullptr;
     int width = 0, height = 0; ///< wanted
+    guard::Holding holding;    ///< of the pictures below
+    std::size_t heldPixels = 0;
+
+    /// The picture that shows, the next one, and those that the codec keeps to build on.
+    bool makeRoom(std::size_t pixels)
+    {
+        constexpr std::size_t kPictures = 4;
+        if (pixels <= heldPixels) return true;
+        holding = {};
+        heldPixels = 0;
+        auto taken = guard::Holding::take(kPictures * pixels * sizeof(std::uint32_t));
+        if (!taken) return false;
+        holding = std::move(*taken);
+        heldPixels = pixels;
+        return true;
+    }
 };
 
 VideoDecoder::VideoDecoder(std::unique_ptr<Parts> parts) : m_parts(std::move(parts)) {}
@@ -123,6 +140,8 @@ std::shared_ptr<const swf::Bitmap> VideoDecoder::toBitmap()
     const int width = visible(frame->width, m_parts->width);
     const int height = visible(frame->height, m_parts->height);
     if (width <= 0 || height <= 0) return nullptr;
+    if (!m_parts->makeRoom(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)))
+        return nullptr;
     const auto format = static_cast<AVPixelFormat>(frame->format);
     m_parts->scaler = m_parts->ffmpeg.sws_getCachedContext(
         m_parts->scaler, width, height, format, width, height, AV_PIX_FMT_BGRA,

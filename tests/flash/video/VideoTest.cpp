@@ -1,3 +1,5 @@
+#include "flash/guard/Guard.h"
+#include "flash/guard/Holding.h"
 #include "flash/video/FlvPlayer.h"
 #include "flash/video/StreamPictures.h"
 
@@ -51,6 +53,23 @@ TEST(FlvPlayer, ShowsWhatIsDueAndStopsAtTheEnd)
     EXPECT_FALSE(player->msToNext());
     ASSERT_NE(player->mp3(), nullptr);
     EXPECT_EQ((*player->mp3())[0], 0xFF) << "MP3 frames stand behind each other";
+}
+
+TEST(FlvPlayer, TakesRoomForItsPicturesAndGivesItBack)
+{
+    guard::Guard watch;
+    const guard::Turn turn(watch);
+    const auto bytes = bytesOf("clip.flv");
+    for (const bool hasRoom : {true, false}) {
+        watch.setMostHeld(hasRoom ? 1U << 20U : 1000U);
+        auto player = std::move(*FlvPlayer::open(bytes));
+        player->advance(500);
+        EXPECT_EQ(player->picture() != nullptr, hasRoom);
+        EXPECT_EQ(player->mp3() != nullptr, hasRoom);
+        EXPECT_EQ(watch.ledger()->held() > 40U * 24 * 4, hasRoom);
+        player.reset();
+        EXPECT_EQ(watch.ledger()->held(), 0U);
+    }
 }
 
 TEST(FlvPlayer, SeeksToKeyFramesBothWays)

@@ -1,6 +1,7 @@
 #include "flash/avm1/bindings/NetStream.h"
 
 #include "flash/avm1/bindings/Amf0.h"
+#include "flash/guard/Holding.h"
 
 #include <algorithm>
 
@@ -48,7 +49,12 @@ void NetStream::begin(const base::Result<stage::LoadAnswer>& answer)
         tellStatus("NetStream.Play.StreamNotFound", "error");
         return;
     }
-    auto opened = video::FlvPlayer::open(std::make_shared<std::vector<std::uint8_t>>(answer->bytes));
+    auto file = guard::hold(answer->bytes);
+    if (!file) {
+        tellStatus("NetStream.Play.StreamNotFound", "error");
+        return;
+    }
+    auto opened = video::FlvPlayer::open(std::move(file));
     if (!opened) {
         m_binding.log(answer->url + ": " + opened.error().what);
         tellStatus("NetStream.Play.FileStructureInvalid", "error");

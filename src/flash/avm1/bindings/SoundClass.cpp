@@ -1,5 +1,6 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/guard/Holding.h"
 
 #include <cmath>
 #include <optional>
@@ -264,9 +265,10 @@ Value loadSound(Call& call)
             Object* object = self->get();
             auto* sound = object ? object->native<SoundObject>() : nullptr;
             if (!sound) return;
-            if (answer) {
+            const auto file = answer ? guard::hold(answer->bytes) : nullptr;
+            if (file) {
                 sound->sound = nullptr;
-                sound->file = std::make_shared<const std::vector<std::uint8_t>>(answer->bytes);
+                sound->file = file;
                 if (streaming) {
                     sound->playing = binding.services().sound.playFile(sound->owner(), sound->file, {});
                     if (sound->playing != 0) {
@@ -275,7 +277,7 @@ Value loadSound(Call& call)
                     }
                 }
             }
-            binding.callHandler(object, "onLoad", {Value(answer.has_value())});
+            binding.callHandler(object, "onLoad", {Value(file != nullptr)});
         });
     return {};
 }
