@@ -1,6 +1,7 @@
 #include "base/Failure.h"
 #include "core/StartUp.h"
 #include "core/Version.h"
+#include "flash/Engine.h"
 #include "platform/TerminationSignal.h"
 #include "player/Player.h"
 #include "ui/Style.h"
@@ -88,7 +89,8 @@ int main(int argc, char** argv)
 
     player::Player player(application, commandLine);
     const platform::TerminationSignal termination(
-        [&player] { player.Form_QueryUnload(player::Player::UnloadMode::TaskManager); });
+        [&player] { player.Form_QueryUnload(player::Player::UnloadMode::TaskManager); },
+        &flash::Engine::interruptAll);
     QObject::connect(&qt, &QGuiApplication::commitDataRequest, &player,
                      [&player] { player.Form_QueryUnload(player::Player::UnloadMode::Windows); });
     qt.ranOutOfMemory = [&player] { player.closeForLackOfMemory(); };

@@ -99,6 +99,8 @@ public:
         Ever, ///< the process is about to end: no further movie opens
     };
     void interrupt(Until until) noexcept;
+    /// The same for every movie of the process, for ever.
+    static void interruptAll() noexcept { guard::interruptAll(); }
     /// Does something to the stage as one step of the movie: watched over by the clock and bounded like
     /// those below. A movie that cannot go on, because it takes too long or too much memory, is closed, and
     /// the host is told (HostEvents::movieEnded).

@@ -228,6 +228,7 @@ void FlashControl::setSharedFolder(const QString& movies, const QString& shared)
 void FlashControl::setScriptTimeoutHandler(std::function<bool()> handler) { d->timeout = std::move(handler); }
 void FlashControl::setScriptWatch(std::function<bool()> watch) { d->watch = std::move(watch); }
 void FlashControl::setClipboardAllowed(bool allowed) { d->clipboardAllowed = allowed; }
+void FlashControl::interrupt() { d->port->interrupt(); }
 void FlashControl::advance(double ms) { d->command(control::Advance{ms}); }
 
 QSize FlashControl::sizeHint() const

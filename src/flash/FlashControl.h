@@ -163,6 +163,10 @@ public:
     /// Whether movies may read and write the clipboard; they may.
     void setClipboardAllowed(bool allowed);
 
+    /// The host is about to end: whatever a movie does in this process, a script in an endless loop too,
+    /// stops within some milliseconds, and none opens here any more.
+    void interrupt();
+
     /// Moves the movie on by that much of simulated time, unheard, suspended or not.
     void advance(double ms);
 

@@ -20,6 +20,7 @@ namespace
 // A signal handler reaches nothing but this: the writing end of a pipe that the event loop reads.
 std::atomic<int> g_wakeUp{-1};
 std::atomic<bool> g_requested{false};
+std::atomic<void (*)() noexcept> g_atOnce{nullptr};
 // What the last word is spoken on. Stays to the very end of the process, as the timer does.
 constexpr std::size_t kStackBytes = 64 * 1024;
 alignas(16) char g_stack[kStackBytes];
@@ -60,6 +61,7 @@ void speakLastWord(int)
 void wakeUp(int)
 {
     g_requested = true;
+    if (auto* const atOnce = g_atOnce.load()) atOnce();
     if (g_lastWord.load() != nullptr) {
         struct itimerval after {
         };
@@ -75,7 +77,7 @@ void wakeUp(int)
 class TerminationSignal::Private
 {
 public:
-    explicit Private(std::function<void()> requested)
+    Private(std::function<void()> requested, void (*atOnce)() noexcept)
     {
         if (::pipe2(m_pipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
         m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
@@ -85,6 +87,7 @@ public:
                              requested();
                          });
         g_requested = false;
+        g_atOnce = atOnce;
         g_wakeUp = m_pipe[1];
         struct sigaction action {
         };
@@ -106,6 +109,7 @@ public:
         // The timer stays: what is left of the program's end may hang as well.
         delete g_lastWord.exchange(nullptr);
         g_wakeUp = -1;
+        g_atOnce = nullptr;
         m_notifier.reset();
         for (const int end : m_pipe)
             if (end >= 0) ::close(end);
@@ -122,8 +126,8 @@ void setLastWord(LastWord word) { delete g_lastWord.exchange(new LastWord(std::m
 
 bool isTerminationRequested() { return g_requested; }
 
-TerminationSignal::TerminationSignal(std::function<void()> requested)
-    : d(std::make_unique<Private>(std::move(requested)))
+TerminationSignal::TerminationSignal(std::function<void()> requested, void (*atOnce)() noexcept)
+    : d(std::make_unique<Private>(std::move(requested), atOnce))
 {
 }
 TerminationSignal::~TerminationSignal() = default;

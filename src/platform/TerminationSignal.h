@@ -30,7 +30,9 @@ constexpr int kLastWordAfterMs = 800;
 class TerminationSignal
 {
 public:
-    explicit TerminationSignal(std::function<void()> requested);
+    /// @param atOnce called in the signal's handler, wherever the program is, and so does no more than that
+    ///               allows: stops what keeps the event loop from its turn
+    explicit TerminationSignal(std::function<void()> requested, void (*atOnce)() noexcept = nullptr);
     ~TerminationSignal();
     TerminationSignal(const TerminationSignal&) = delete;
     TerminationSignal& operator=(const TerminationSignal&) = delete;

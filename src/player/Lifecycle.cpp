@@ -138,6 +138,7 @@ void Lifecycle::Quit(const QString& reason, bool saveOptions)
     if (saveOptions) step([this] { m_player.SaveOpts(); });
     m_ended = true;
     m_player.setUpdateTimerEnabled(false);
+    m_player.control().interrupt();
     m_player.control().setSuspended(true);
     step([this] { CleanCache(m_application.CachePath, m_player.options().cacheMode); });
     step([&] {

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -77,6 +78,28 @@ TEST_F(Ending, WhatCannotBeInterruptedStillSavesAndEnds)
     EXPECT_EQ(contentOf("settings"), "latest");
     EXPECT_EQ(contentOf("journal"), "old line");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2);
+}
+
+TEST_F(Ending, WhatHasToStopIsStoppedFromTheSignalsHandler)
+{
+    static std::atomic<bool> stopped;
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const TerminationSignal termination([] {}, []() noexcept { stopped = true; });
+        (void)!::write(ready[1], "x", 1);
+        while (!stopped) {
+        }
+        ::_exit(7);
+    }
+    char byte = 0;
+    EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+    for (const int end : ready) ::close(end);
+    ::kill(child, SIGTERM);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7);
 }
 
 TEST_F(Ending, AFolderThatTakesNothingKeepsNobodyAlive)

@@ -34,6 +34,7 @@ public:
     void setView(int width, int height, double deviceScale) override;
     void paint(QPainter& painter, const QRegion& region, double deviceScale) override;
     void releaseSound() override;
+    void interrupt() override { m_runner.interrupt(); }
 
 private:
     void say(FromMovie message) override;

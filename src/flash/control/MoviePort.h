@@ -80,6 +80,8 @@ public:
     /// Draws what is to be seen now. @param region of the widget
     virtual void paint(QPainter& painter, const QRegion& region, double deviceScale) = 0;
     virtual void releaseSound() = 0;
+    /// Ends what the movie does in this process, for good. One in a process of its own ends with the port.
+    virtual void interrupt() {}
     /// 0 when it runs in this process.
     [[nodiscard]] virtual qint64 processId() const { return 0; }
 };

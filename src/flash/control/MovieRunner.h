@@ -43,6 +43,8 @@ public:
     /// As handle(). @param bytes the file's, where the window's end has opened it
     void load(const Load& load, std::optional<std::vector<std::uint8_t>> bytes);
 
+    /// Ends what the movie does now, and every one that is still to come.
+    void interrupt() { m_engine.interrupt(Engine::Until::Ever); }
     /// Moves on to the present. @param device where the sound device is
     void step(SoundClock device);
     /// Until the next step is due, milliseconds; empty when nothing moves.

@@ -6,10 +6,12 @@
 #include <QTemporaryDir>
 
 #include <chrono>
+#include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <new>
 #include <thread>
+#include <unistd.h>
 
 // How a movie ends that cannot go on.
 namespace flash
@@ -84,6 +86,23 @@ TEST_F(EngineGuard, WhatIsInterruptedForEverOpensNoMovieAnyMore)
     EXPECT_FALSE(m_engine.isOpen());
     EXPECT_FALSE(m_engine.open(movie(kEndless)));
     EXPECT_EQ(m_engine.getVariable("_root.x"), "");
+}
+
+TEST_F(EngineGuard, ASignalsHandlerEndsEveryMovieOfTheProcess)
+{
+    const std::string endless = movie(kEndless);
+    // In a process of its own: there is no way back.
+    EXPECT_EXIT(
+        {
+            std::signal(SIGALRM, [](int) { Engine::interruptAll(); });
+            ::alarm(1);
+            const auto begin = Clock::now();
+            const bool opened = m_engine.open(endless).has_value();
+            const bool inTime = Clock::now() - begin < 4s;
+            Engine other(m_host, {});
+            ::_exit(!opened && inTime && m_host.questions == 0 && !other.open(endless) ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(EngineGuard, AMovieEndsWhereTheMemoryDoes)
