@@ -6,6 +6,9 @@
 #include <QAudioSink>
 #include <QMediaDevices>
 
+#include <algorithm>
+#include <utility>
+
 namespace flash
 {
 
@@ -13,7 +16,10 @@ namespace
 {
 
 constexpr double kSilenceBeforeClosingMs = 3000;
-constexpr double kRetryMs = 10000;
+constexpr double kFirstRetryMs = 1000, kLongestRetryMs = 10000;
+// An open device reads some ten times a second. One that has not for so long hangs; a pause of this process
+// counts for little, whatever the clock says.
+constexpr double kStalledMs = 1500, kMostCountedMs = 250;
 // Long enough to bridge a slow frame, short enough for a click to sound with its button.
 constexpr int kBufferMs = 90;
 
@@ -26,11 +32,35 @@ QAudioFormat mixFormat()
     return format;
 }
 
+class SinkDevice : public OutputDevice
+{
+public:
+    SinkDevice(const QAudioDevice& device, QIODevice& from) : m_sink(device, mixFormat())
+    {
+        m_sink.setBufferSize(mixFormat().bytesForDuration(kBufferMs * 1000));
+        m_sink.start(&from);
+    }
+    [[nodiscard]] bool hasStarted() const { return m_sink.error() == QAudio::NoError; }
+    [[nodiscard]] bool isLost() const override { return m_sink.state() == QAudio::StoppedState; }
+
+private:
+    QAudioSink m_sink;
+};
+
 } // namespace
 
-AudioOutput::AudioOutput(std::unique_ptr<SoundSource> source) : m_source(std::move(source))
+std::unique_ptr<OutputDevice> openDefaultOutput(QIODevice& from)
 {
-    open(QIODevice::ReadOnly);
+    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    if (device.isNull() || !device.isFormatSupported(mixFormat())) return nullptr;
+    auto sink = std::make_unique<SinkDevice>(device, from);
+    return sink->hasStarted() ? std::move(sink) : nullptr;
+}
+
+AudioOutput::AudioOutput(std::unique_ptr<SoundSource> source, OpenOutput open)
+    : m_source(std::move(source)), m_open(std::move(open))
+{
+    QIODevice::open(QIODevice::ReadOnly);
 }
 AudioOutput::~AudioOutput() { release(); }
 
@@ -38,30 +68,49 @@ void AudioOutput::follow(double elapsedMs)
 {
     const bool silent = m_source->isSilent();
     m_silentMs = silent ? m_silentMs + elapsedMs : 0;
-    if (m_sink) {
-        const bool lost = m_sink->state() == QAudio::StoppedState;
-        if (!lost && m_silentMs < kSilenceBeforeClosingMs) return;
-        m_sink.reset();
-        m_msToRetry = lost ? kRetryMs : 0;
+    if (m_device) {
+        const bool isGone = isDeviceLost(elapsedMs);
+        if (!isGone && m_silentMs < kSilenceBeforeClosingMs) return;
+        m_device.reset();
+        m_msToRetry = 0;
+        if (!isGone) return;
+        m_msToRetry = m_retryMs = kFirstRetryMs;
+        watchForDevices();
+        if (!std::exchange(m_isLost, true)) emit lost();
         return;
     }
     m_msToRetry -= elapsedMs;
     if (!silent && m_msToRetry <= 0) openDevice();
 }
 
-void AudioOutput::openDevice()
+bool AudioOutput::isDeviceLost(double elapsedMs)
 {
-    m_msToRetry = kRetryMs;
-    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
-    if (device.isNull() || !device.isFormatSupported(mixFormat())) return;
-    m_framesFed = 0;
-    m_sink = std::make_unique<QAudioSink>(device, mixFormat());
-    m_sink->setBufferSize(mixFormat().bytesForDuration(kBufferMs * 1000));
-    m_sink->start(this);
-    if (m_sink->error() != QAudio::NoError) m_sink.reset();
+    m_stalledMs = m_framesFed != m_framesSeen ? 0 : m_stalledMs + std::min(elapsedMs, kMostCountedMs);
+    m_framesSeen = m_framesFed;
+    if (m_framesFed > 0) m_retryMs = 0;
+    if (m_framesFed > 0 && std::exchange(m_isLost, false)) emit foundAgain();
+    return m_device->isLost() || m_stalledMs > kStalledMs;
 }
 
-void AudioOutput::release() { m_sink.reset(); }
+void AudioOutput::openDevice()
+{
+    m_framesFed = m_framesSeen = 0;
+    m_stalledMs = 0;
+    m_device = m_open(*this);
+    if (m_device) return;
+    m_msToRetry = m_retryMs = std::clamp(2 * m_retryMs, kFirstRetryMs, kLongestRetryMs);
+    watchForDevices();
+}
+
+/// Whoever plugs a device in hears it at once.
+void AudioOutput::watchForDevices()
+{
+    if (m_devices) return;
+    m_devices = std::make_unique<QMediaDevices>();
+    connect(m_devices.get(), &QMediaDevices::audioOutputsChanged, this, [this] { m_msToRetry = 0; });
+}
+
+void AudioOutput::release() { m_device.reset(); }
 
 double AudioOutput::fedMs() const { return static_cast<double>(m_framesFed) * 1000 / sound::kMixRate; }
 

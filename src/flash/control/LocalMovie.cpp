@@ -31,6 +31,12 @@ LocalMovie::LocalMovie(MovieListener& listener)
     : m_listener(listener), m_runner(*this),
       m_audio(std::make_unique<AudioOutput>(std::make_unique<MixerSource>(m_runner)))
 {
+    const auto note = [this](const char* what) {
+        m_listener.heard(LogLine{std::string("The sound device ") + what});
+        m_listener.settle();
+    };
+    connect(m_audio.get(), &AudioOutput::lost, this, [note] { note("is lost; the movie plays on"); });
+    connect(m_audio.get(), &AudioOutput::foundAgain, this, [note] { note("is back"); });
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, [this] { tick(); });

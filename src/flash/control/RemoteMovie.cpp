@@ -54,6 +54,9 @@ RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> 
     if (auto ring = SoundRing::create()) {
         m_ring = std::make_shared<SoundRing>(std::move(*ring));
         m_audio = std::make_unique<AudioOutput>(std::make_unique<RingSource>(m_ring, m_state));
+        connect(m_audio.get(), &AudioOutput::lost, this,
+                [this] { noteDevice("is lost; the movie plays on"); });
+        connect(m_audio.get(), &AudioOutput::foundAgain, this, [this] { noteDevice("is back"); });
         send(SoundDevice{0}, m_ring->descriptor());
     }
 }
@@ -288,6 +291,12 @@ void RemoteMovie::ended()
 void RemoteMovie::watch()
 {
     if (m_ended || m_asking) return;
+    // This process may have stood still itself: the answer lies there then.
+    if (m_unanswered.isValid() && m_unanswered.elapsed() > kFrozenMs) {
+        receive();
+        m_listener.settle();
+        if (m_ended) return;
+    }
     if (m_unanswered.isValid()) {
         if (m_unanswered.elapsed() > kFrozenMs && !std::exchange(m_frozen, true))
             m_listener.lost(MovieListener::Loss::Frozen);
@@ -331,6 +340,12 @@ void RemoteMovie::followSound()
         send(SoundDevice{static_cast<std::uint8_t>(m_deviceOpen ? 1 : 0)});
     }
     if (m_state.silent != 0 && !m_deviceOpen) m_soundTimer.stop();
+}
+
+void RemoteMovie::noteDevice(const char* what)
+{
+    m_listener.heard(LogLine{std::string("The sound device ") + what});
+    m_listener.settle();
 }
 
 void RemoteMovie::releaseSound()

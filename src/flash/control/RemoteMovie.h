@@ -59,6 +59,7 @@ private:
     void ended();
     void watch();
     void followSound();
+    void noteDevice(const char* what);
     void send(const ToMovie& message, int attached = -1);
     void sync();
     /// Takes messages until `done`. @returns whether it came to pass in time
