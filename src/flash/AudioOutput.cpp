@@ -20,6 +20,8 @@ constexpr double kFirstRetryMs = 1000, kLongestRetryMs = 10000;
 // An open device reads some ten times a second. One that has not for so long hangs; a pause of this process
 // counts for little, whatever the clock says.
 constexpr double kStalledMs = 1500, kMostCountedMs = 250;
+// A device that hangs still fills its buffer when it is opened.
+constexpr double kSteadyMs = 800;
 // Long enough to bridge a slow frame, short enough for a click to sound with its button.
 constexpr int kBufferMs = 90;
 
@@ -74,8 +76,7 @@ void AudioOutput::follow(double elapsedMs)
         m_device.reset();
         m_msToRetry = 0;
         if (!isGone) return;
-        m_msToRetry = m_retryMs = kFirstRetryMs;
-        watchForDevices();
+        retryLater();
         if (!std::exchange(m_isLost, true)) emit lost();
         return;
     }
@@ -87,8 +88,10 @@ bool AudioOutput::isDeviceLost(double elapsedMs)
 {
     m_stalledMs = m_framesFed != m_framesSeen ? 0 : m_stalledMs + std::min(elapsedMs, kMostCountedMs);
     m_framesSeen = m_framesFed;
-    if (m_framesFed > 0) m_retryMs = 0;
-    if (m_framesFed > 0 && std::exchange(m_isLost, false)) emit foundAgain();
+    if (fedMs() > kSteadyMs) {
+        m_retryMs = 0;
+        if (std::exchange(m_isLost, false)) emit foundAgain();
+    }
     return m_device->isLost() || m_stalledMs > kStalledMs;
 }
 
@@ -98,6 +101,11 @@ void AudioOutput::openDevice()
     m_stalledMs = 0;
     m_device = m_open(*this);
     if (m_device) return;
+    retryLater();
+}
+
+void AudioOutput::retryLater()
+{
     m_msToRetry = m_retryMs = std::clamp(2 * m_retryMs, kFirstRetryMs, kLongestRetryMs);
     watchForDevices();
 }

@@ -72,6 +72,7 @@ protected:
 private:
     void openDevice();
     [[nodiscard]] bool isDeviceLost(double elapsedMs);
+    void retryLater();
     void watchForDevices();
 
     std::unique_ptr<SoundSource> m_source;
