@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace core
 {
 namespace
@@ -74,9 +76,45 @@ void StartUp(Application& application, const QString& executable, const QString&
 QString commandLine(const QStringList& arguments)
 {
     QStringList quoted;
-    for (const QString& argument : arguments)
-        quoted += argument.contains(' ') ? '"' + argument + '"' : argument;
+    for (const QString& argument : arguments) {
+        const bool plain = !argument.contains(' ') && !argument.contains('"');
+        quoted += plain ? argument : '"' + QString(argument).replace('"', "\"\"") + '"';
+    }
     return quoted.join(' ');
+}
+
+QStringList argumentsOf(const QString& commandLine)
+{
+    QStringList arguments;
+    QString argument;
+    bool quoted = false;
+    bool begun = false;
+    for (qsizetype at = 0; at <= commandLine.size(); ++at) {
+        const QChar letter = at < commandLine.size() ? commandLine[at] : QChar();
+        if (letter == '"' && quoted && at + 1 < commandLine.size() && commandLine[at + 1] == '"') {
+            argument += letter;
+            ++at;
+        } else if (letter == '"') {
+            quoted = !quoted;
+            begun = true;
+        } else if (at == commandLine.size() || (letter == ' ' && !quoted)) {
+            if (begun) arguments += argument;
+            argument.clear();
+            begun = false;
+        } else {
+            argument += letter;
+            begun = true;
+        }
+    }
+    if (arguments.size() < 2) return arguments;
+    const QString whole = QString(commandLine).remove('"');
+    if (fileExists(whole)) return {whole};
+    const auto isThere = [](const QString& path) {
+        return path.startsWith("file://") || QFileInfo::exists(path.section('?', 0, 0)) ||
+               QFileInfo::exists(path);
+    };
+    if (std::ranges::none_of(arguments, isThere)) return {whole};
+    return arguments;
 }
 
 std::optional<QString> commandLineAnswer(const QStringList& arguments)

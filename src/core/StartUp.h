@@ -20,9 +20,13 @@ namespace core
 void StartUp(Application& application, const QString& executable, const QString& commandLine,
              const std::function<void()>& visualStyle = {});
 
-/// @returns the arguments joined by spaces, those holding a space in double quotes, as a shell passes one
-/// line
+/// @returns the arguments joined by spaces, those holding a space or a quote in double quotes and quotes in
+///          them doubled, as one line
 QString commandLine(const QStringList& arguments);
+
+/// The arguments of such a line. One that a shell passed in pieces, because nobody quoted its spaces, is one
+/// when there is a file of that name, or none of any of the pieces'.
+QStringList argumentsOf(const QString& commandLine);
 
 /// @returns what the program prints instead of opening its window, when it is asked for its version or for
 ///          help; nothing otherwise. A file of such a name is a file to open.

@@ -40,7 +40,20 @@ bool isMovie(base::Bytes file)
            file[2] == 'S';
 }
 
+base::Result<EmbeddedMovie> movieIn(base::Bytes executable)
+{
+    auto movie = findEmbeddedMovie(executable);
+    if (!movie && movie.error().code == base::ErrorCode::NotFound) movie = findAnyMovie(executable);
+    return movie;
+}
+
 } // namespace
+
+bool holdsMovie(const QString& path)
+{
+    const auto executable = base::readFile(core::filePath(path), kLargestProjectorBytes);
+    return executable && executable->size() >= kShortestProjectorBytes && movieIn(*executable);
+}
 
 QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
 {
@@ -66,8 +79,7 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
         m_application.LogEvent("Too short file");
         return {};
     }
-    auto movie = findEmbeddedMovie(*executable);
-    if (!movie && movie.error().code == base::ErrorCode::NotFound) movie = findAnyMovie(*executable);
+    const auto movie = movieIn(*executable);
     if (!movie) {
         if (movie.error().code == base::ErrorCode::NotFound) m_errorDescription = texts::kNoMedia;
         return {};

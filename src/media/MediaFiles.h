@@ -14,6 +14,9 @@ namespace media
 /// Whether a file is a compressed movie by its signature.
 [[nodiscard]] bool isCompressedFile(const QString& path);
 
+/// Whether a movie can be taken out of a program file. Reads it whole.
+[[nodiscard]] bool holdsMovie(const QString& path);
+
 enum class Extent { HeaderOnly, Full };
 enum class ExtractTo { Cache, ProjectorItself };
 

@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Files.h"
+#include "core/StartUp.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "player/Cache.h"
@@ -106,13 +107,7 @@ void Lifecycle::sweep()
 void Lifecycle::openFirst()
 {
     m_hasArgument = !m_commandLine.isEmpty();
-    if (m_hasArgument) {
-        QString path = m_commandLine;
-        path.remove('"');
-        // File managers may pass an address, shells a name that is relative to where they stand.
-        if (path.startsWith("file://")) path = QUrl(path).toLocalFile();
-        return m_player.LoadFlash(QDir::current().absoluteFilePath(path), {});
-    }
+    if (m_hasArgument) return m_player.openFiles(core::argumentsOf(m_commandLine));
     switch (m_player.options().startUp) {
     case kWelcome: return m_player.CloseMedia({});
     case kBrowser: return m_player.BrowseMedia();
@@ -173,12 +168,6 @@ void Lifecycle::CloseMedia(const QString& message)
     }
     m_player.SetStatus(texts::kReady);
     m_player.SetCaption(core::kProductName);
-}
-
-void Lifecycle::FileDropped(const QString& path)
-{
-    if (QFileInfo(path).isDir()) return m_player.NewMediaBrowse(path);
-    m_player.LoadFlash(path, {});
 }
 
 } // namespace player

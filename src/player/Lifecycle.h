@@ -40,8 +40,6 @@ public:
 
     /// Shows the welcome page, or the panel where there is no such page.
     void CloseMedia(const QString& message);
-    /// What a file or folder dropped on the window does.
-    void FileDropped(const QString& path);
 
 private:
     void openFirst();

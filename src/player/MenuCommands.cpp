@@ -56,6 +56,8 @@ constexpr CommandInfo kCommands[] = {
     {"mnuStop",         [](Player& p) { p.StopMedia(); showNow(p); }},
     {"mnuFFwd",         [](Player& p) { p.playback().stepForward(); showNow(p); }},
     {"mnuRwd",          [](Player& p) { p.playback().stepBack(); showNow(p); }},
+    {"mnuPrevious",     [](Player& p) { p.walkMovies(-1); }},
+    {"mnuNext",         [](Player& p) { p.walkMovies(1); }},
     // A step of the volume centres the balance.
     {"mnuVolumeUp",     [](Player& p) { p.SetSound(p.Volume() + 10, 0); showNow(p); }},
     {"mnuVolumeDown",   [](Player& p) { p.SetSound(p.Volume() - 10, 0); showNow(p); }},

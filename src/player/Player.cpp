@@ -292,8 +292,9 @@ bool Player::HasMovie() const { return m_movieScreen.showsControl() && !m_isOwnP
 
 void Player::refreshMovieCommands()
 {
-    for (const char* name : {"mnuSaveAs", "mnuPopSaveAs", "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay",
-                             "mnuStop", "mnuFFwd", "mnuRwd", "mnuPopPlay", "mnPopStop"})
+    for (const char* name :
+         {"mnuSaveAs", "mnuPopSaveAs", "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay", "mnuStop",
+          "mnuFFwd", "mnuRwd", "mnuPrevious", "mnuNext", "mnuPopPlay", "mnPopStop"})
         m_menus.item(name).setEnabled(HasMovie());
 }
 
@@ -312,7 +313,7 @@ void Player::FullScreen(bool on)
     // Who has left it does not want it again from this movie.
     if (!on && wasOn && !byMovie) m_pageQueue.refuse("FULLSCREEN");
     m_placement.FullScreen(on);
-    if (on && !wasOn && byMovie) ScreenNote::show(*this, texts::kHowToLeave);
+    if (on && !wasOn && byMovie) showNote(texts::kHowToLeave);
 }
 
 void Player::SaveMediaAs()
@@ -363,6 +364,8 @@ void Player::onMediaChange()
     m_skinWindow.skin().runMediaChange();
 }
 
+void Player::showNote(const QString& text) { ScreenNote::show(*this, text); }
+
 void Player::mnuCompress_Click()
 {
     media::MediaInfo& info = m_media.mediaInfo();
@@ -378,9 +381,9 @@ void Player::mnuCompress_Click()
                                  m_media.errorDescription());
         return;
     }
-    ScreenNote::show(*this, QString(decompress ? texts::kDecompressed : texts::kCompressed)
-                                .arg(browser::ConvertSize(static_cast<double>(before)),
-                                     browser::ConvertSize(static_cast<double>(QFileInfo(result).size()))));
+    showNote(QString(decompress ? texts::kDecompressed : texts::kCompressed)
+                 .arg(browser::ConvertSize(static_cast<double>(before)),
+                      browser::ConvertSize(static_cast<double>(QFileInfo(result).size()))));
 }
 
 void Player::mnuClearCache_Click()
@@ -389,8 +392,7 @@ void Player::mnuClearCache_Click()
     m_application.LogEvent(" :: Clear Cache");
     constexpr int kThumbnails = 3; // only these, on purpose
     const int removed = CleanCache(m_application.CachePath, kThumbnails);
-    ScreenNote::show(*this, removed == 0 ? QString(texts::kNoThumbnails)
-                                         : QString(texts::kThumbnailsRemoved).arg(removed));
+    showNote(removed == 0 ? QString(texts::kNoThumbnails) : QString(texts::kThumbnailsRemoved).arg(removed));
 }
 
 // ---- what lies outside
@@ -559,11 +561,12 @@ void Player::dropEvent(QDropEvent* event)
     if (urls.isEmpty() || !urls.first().isLocalFile() || !event->possibleActions().testFlag(Qt::CopyAction))
         return;
     takeCopyOf(*event);
-    const QString path = urls.first().toLocalFile();
+    QStringList paths;
+    for (const QUrl& url : urls)
+        if (url.isLocalFile()) paths += url.toLocalFile();
     activateWindow();
     // Later, so that the program that the file comes from is not kept waiting for the movie.
-    QTimer::singleShot(0, this,
-                       [this, path] { handled(texts::kPlaceOpen, [&] { m_lifecycle.FileDropped(path); }); });
+    QTimer::singleShot(0, this, [this, paths] { handled(texts::kPlaceOpen, [&] { openFiles(paths); }); });
 }
 
 void Player::paintEvent(QPaintEvent*)

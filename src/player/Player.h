@@ -9,6 +9,7 @@
 #include "player/Menus.h"
 #include "player/MovieHealth.h"
 #include "player/MovieJournal.h"
+#include "player/MovieList.h"
 #include "player/MovieScreen.h"
 #include "player/Outside.h"
 #include "player/PageCommands.h"
@@ -39,6 +40,7 @@ class Player : public QWidget,
                public core::ErrorHost,
                public PageCommandHost,
                public PageQueueHost,
+               public MovieListHost,
                public browser::BrowserHost
 {
     Q_OBJECT
@@ -82,6 +84,9 @@ public:
     /// movie's is ended for it.
     Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption) override;
     Q_INVOKABLE void CloseMedia(const QString& message) override;
+    /// Files and folders that the user named together, or dropped.
+    void openFiles(const QStringList& paths) { m_movieList.open(paths); }
+    void walkMovies(int step) { m_movieList.walk(step); }
     Q_INVOKABLE bool OpenMedia() override;
     Q_INVOKABLE void SaveMediaAs();
     Q_INVOKABLE void LoadOpts();
@@ -218,6 +223,14 @@ public:
     void AddRecent(const QString& path) override { m_settings.AddRecent(path); }
     void onMediaChange() override;
 
+    // What the list of movies asks for
+    [[nodiscard]] QString currentMovie() const override
+    {
+        return HasMovie() ? mediaInfo().OriginalPath : QString();
+    }
+    [[nodiscard]] bool isProjector(const QString& path) const override { return media::holdsMovie(path); }
+    void showNote(const QString& text) override;
+
     // Errors
     void ReportError(const base::Failure& error, const QString& place, const QString& detail) override;
     [[nodiscard]] bool updateTimerEnabled() const override { return m_timer.isEnabled(); }
@@ -297,6 +310,7 @@ private:
     QElapsedTimer m_sinceMade, m_sinceOpened; ///< and since something was opened outside
     MovieJournal m_movieJournal;
     PageQueue m_pageQueue;
+    MovieList m_movieList{*this};
     MovieHealth m_health;
     const PageRequest* m_carriedOut = nullptr; ///< what a page or movie has asked, while it is done
     qint64 m_pumpedAtMs = 0;                   ///< of the time that the script at work has taken

@@ -17,7 +17,9 @@ QKeySequence namedKey(const QString& name)
     constexpr MediaKey kMediaKeys[] = {{"MediaPlay", Qt::Key_MediaPlay},
                                        {"MediaPause", Qt::Key_MediaPause},
                                        {"MediaTogglePlayPause", Qt::Key_MediaTogglePlayPause},
-                                       {"MediaStop", Qt::Key_MediaStop}};
+                                       {"MediaStop", Qt::Key_MediaStop},
+                                       {"MediaPrevious", Qt::Key_MediaPrevious},
+                                       {"MediaNext", Qt::Key_MediaNext}};
     for (const MediaKey& media : kMediaKeys)
         if (name == media.name) return {media.key};
     return QKeySequence(name, QKeySequence::PortableText);

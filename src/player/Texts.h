@@ -49,6 +49,9 @@ inline constexpr const char* kDecompressed     = "Сжатие снято: бы�
 inline constexpr const char* kCompressed       = "Файл сжат: было %1, стало %2";
 inline constexpr const char* kThumbnailsRemoved = "Удалено эскизов: %1";
 inline constexpr const char* kNoThumbnails     = "Эскизов нет";
+inline constexpr const char* kFirstMovie       = "Это первый ролик";
+inline constexpr const char* kLastMovie        = "Это последний ролик";
+inline constexpr const char* kMovieOf          = "%1 из %2: %3";
 inline constexpr const char* kOptionsUnsaved   = "Не удалось записать файл настроек. Изменения действуют до выхода "
                                                  "из программы.";
 inline constexpr const char* kDiskFull         = "На диске недостаточно места.";

@@ -191,6 +191,15 @@ TEST(CommandLine, QuotesArgumentsWithSpaces)
 {
     EXPECT_EQ(commandLine({"/a b/c.swf"}), "\"/a b/c.swf\"");
     EXPECT_EQ(commandLine({"a.swf", "b c.swf"}), "a.swf \"b c.swf\"");
+    const QStringList odd{"/a \"b\" c.swf", "\"", "\"\"", "плоский.swf", "x y?a=\"1\""};
+    EXPECT_EQ(argumentsOf(commandLine({odd[0]})), QStringList(odd[0])) << "names with quotes stay whole";
+    QTemporaryDir folder;
+    const QString there = folder.filePath("a \"b\".swf");
+    QFile file(there);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    EXPECT_EQ(argumentsOf(commandLine(QStringList{there} + odd)), QStringList{there} + odd);
+    EXPECT_EQ(argumentsOf("no such file.swf"), QStringList("no such file.swf")) << "in pieces";
+    EXPECT_EQ(argumentsOf("  "), QStringList());
     EXPECT_EQ(commandLine({}), "");
 }
 

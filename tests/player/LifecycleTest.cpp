@@ -82,13 +82,22 @@ TEST_F(Beginning, DoesTheStartUpAction)
     EXPECT_TRUE(player.isVisible());
 }
 
-TEST_F(Beginning, TakesTheCommandLineForOnePath)
+TEST_F(Beginning, TakesWhatTheCommandLineNames)
 {
-    const QString second = put("second.swf", media::plainMovie());
-    Player player(application, QString("\"%1\" \"%2\"").arg(movie, second));
-    player.Form_Load();
-    EXPECT_EQ(welcome(player).message(), "Файл не найден");
-    EXPECT_TRUE(logged().contains(movie + ' ' + second + ")... "));
+    const QString second = put("second \"2\".swf", media::plainMovie());
+    {
+        Player player(application, core::commandLine({movie, second}));
+        player.Form_Load();
+        EXPECT_EQ(player.currentMovie(), movie);
+        player.menus().item("mnuNext").trigger();
+        EXPECT_EQ(player.currentMovie(), second);
+    }
+    {
+        Player player(application, "\"/no such file.swf\" \"/nor this.swf\"");
+        player.Form_Load();
+        EXPECT_EQ(welcome(player).message(), "Файл не найден");
+        EXPECT_TRUE(logged().contains("/no such file.swf /nor this.swf)... "));
+    }
 }
 
 TEST_F(Beginning, EndsByEachOfItsReasons)
