@@ -94,6 +94,13 @@ std::uint32_t scalePixel(std::uint32_t pixel, std::uint32_t factor)
     return scaled(24) | scaled(16) | scaled(8) | scaled(0);
 }
 
+/// What is left of a pixel under another one; rounded down, as the genuine player does.
+std::uint32_t shownThrough(std::uint32_t pixel, std::uint32_t alpha)
+{
+    const auto scaled = [&](int shift) { return (pixel >> shift & 255) * (255 - alpha) / 255 << shift; };
+    return scaled(24) | scaled(16) | scaled(8) | scaled(0);
+}
+
 bool passes(const ThresholdTest& test, std::uint32_t color)
 {
     const std::uint32_t value = color & test.mask, limit = test.threshold & test.mask;
@@ -199,7 +206,7 @@ void copyPixels(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, co
             if (!alpha->bitmap.opaque)
                 in = scalePixel(in, rowOf(alpha->bitmap, static_cast<int>(ay))[ax] >> 24);
         }
-        out = merging ? in + scalePixel(out, 255 - (in >> 24)) : in;
+        out = merging ? in + shownThrough(out, in >> 24) : in;
         if (target.opaque) out |= 0xFF000000U;
     });
 }
@@ -251,6 +258,8 @@ IntRect colorBounds(const swf::Bitmap& bitmap, std::uint32_t mask, std::uint32_t
                 found = unite(found, {x, y, x + 1, y + 1});
         }
     }
+    // The corner alone is how the genuine player says that there is nothing.
+    if (found.right == 1 && found.bottom == 1) return {};
     return found;
 }
 

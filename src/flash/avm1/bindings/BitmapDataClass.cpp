@@ -65,8 +65,7 @@ template <Member Function, std::size_t Least>
 Value guarded(Call& call)
 {
     const auto* native = call.native<BitmapDataNative>();
-    if (native == nullptr) return {};
-    if (native->bitmap == nullptr || call.count() < Least) return kRefused;
+    if (native == nullptr || native->bitmap == nullptr || call.count() < Least) return kRefused;
     const std::shared_ptr<swf::Bitmap> keep = native->bitmap; // a script called from here may dispose of it
     constexpr std::size_t kPixelsPerStep = 1024;              // for all that is done to them
     call.vm.noteWork(keep->pixels.size() / kPixelsPerStep);
@@ -502,10 +501,12 @@ constexpr int kNativeTable = 1100;
 Value constructBitmapData(Call& call)
 {
     Object* self = call.self.asObject();
-    if (self == nullptr || !call.isConstruct || call.count() < 2) return {};
+    if (self == nullptr || !call.isConstruct) return {};
+    // Without a size that it can have there is no object at all.
+    if (call.count() < 2) return Value::null();
     const double width = numberArg(call, 0), height = numberArg(call, 1);
-    if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide)) return {};
-    if (!hasRoomFor(call.vm, width, height)) return {};
+    if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide)) return Value::null();
+    if (!hasRoomFor(call.vm, width, height)) return Value::null();
     const bool transparent = call.count() < 3 || toBoolean(call.vm, call.arg(2));
     const std::uint32_t fill = call.count() > 3 ? color(call, 3) : 0xFFFFFFFF;
     attach(call.vm, *self, newBitmap(static_cast<int>(width), static_cast<int>(height), transparent, fill));

@@ -151,7 +151,11 @@ swf::Point pointFromValue(Vm& vm, Value value)
 {
     Object* object = value.asObject();
     if (object == nullptr) return {};
-    return {member(vm, object, "x"), member(vm, object, "y")};
+    Value x, y;
+    if (!object->find(vm, vm.name(std::string_view("x")), x, object)) return {};
+    if (!object->find(vm, vm.name(std::string_view("y")), y, object)) return {};
+    const double number = toNumber(vm, x);
+    return {number, toNumber(vm, y)};
 }
 
 std::optional<swf::Matrix> matrixFromValue(Vm& vm, Value value)
@@ -169,16 +173,12 @@ std::optional<swf::Matrix> matrixFromValue(Vm& vm, Value value)
     return swf::Matrix{numbers[0], numbers[1], numbers[2], numbers[3], numbers[4], numbers[5]};
 }
 
-std::optional<swf::ColorTransform> colorTransformFromValue(Vm& vm, Value value)
+std::optional<swf::ColorTransform> colorTransformFromValue(Vm&, Value value)
 {
-    Object* object = value.asObject();
-    if (object == nullptr) return {};
-    std::array<double, 8> numbers{};
-    for (std::size_t i = 0; i < kMembers.size(); ++i) {
-        Value found;
-        if (!object->find(vm, vm.name(std::string_view(kMembers[i])), found, object)) return {};
-        numbers[i] = toNumber(vm, found);
-    }
+    const Object* object = value.asObject();
+    const auto* native = object == nullptr ? nullptr : object->native<ColorTransformNative>();
+    if (native == nullptr) return {};
+    const std::array<double, 8>& numbers = native->numbers;
     return swf::ColorTransform{multiplier(numbers[0]), multiplier(numbers[1]), multiplier(numbers[2]),
                                multiplier(numbers[3]), addend(numbers[4]),     addend(numbers[5]),
                                addend(numbers[6]),     addend(numbers[7])};

@@ -11,12 +11,12 @@ namespace flash::avm1
 
 /// Reads x, y, width and height; truncated to whole pixels. Nothing for what is no object.
 std::optional<render::IntRect> rectFromValue(Vm& vm, Value value);
-/// Reads x and y; (0, 0) for what is no object.
+/// Reads x and y; (0, 0) for what is no object or lacks one of them.
 swf::Point pointFromValue(Vm& vm, Value value);
 /// Reads a, b, c, d, tx and ty, all in pixels; what is no number counts as 0. Nothing for what is no object
 /// and for objects that lack one of them.
 std::optional<swf::Matrix> matrixFromValue(Vm& vm, Value value);
-/// Reads redMultiplier ... alphaOffset. Nothing for what is no object or lacks one of them.
+/// The numbers of a ColorTransform; nothing for every other object, whatever it has.
 std::optional<swf::ColorTransform> colorTransformFromValue(Vm& vm, Value value);
 
 // New objects of the classes in flash.geom; undefined when a script has removed the class.

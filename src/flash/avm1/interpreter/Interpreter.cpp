@@ -283,9 +283,11 @@ Value Interpreter::construct(Vm& vm, Value constructor, std::span<const Value> a
     object->define(vm, vm.common().constructorInternal, constructor, kDontEnum | kFrom6);
     if (vm.version() < 7) object->define(vm, vm.common().constructor, constructor, kDontEnum);
     const Value result = invoke(vm, constructor, object, args, {prototype.asObject(), true});
-    // Natives may answer with another object; what scripts return is dropped.
-    if (function->asFunction()->isNative() && result.isObject()) return result;
-    return object;
+    // Natives may answer with another object, or with null when there is to be none; what scripts return is
+    // dropped.
+    if (!function->asFunction()->isNative()) return object;
+    if (result.isNull()) return {};
+    return result.isObject() ? result : Value(object);
 }
 
 void Interpreter::runBlock(Vm& vm, Code& code, Object* target)
