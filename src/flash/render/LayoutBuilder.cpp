@@ -16,8 +16,8 @@ using Align = swf::EditText::Align;
 constexpr double kBulletX = 18 * swf::kTwipsPerPixel;
 constexpr double kBulletTextX = 36 * swf::kTwipsPerPixel;
 constexpr char32_t kBulletCharacter = 0x2022;
-// Without tab stops of its own a text has one every so many em.
-constexpr double kTabEms = 4;
+// Without tab stops a tab is as wide as so many spaces, wherever it stands.
+constexpr int kTabSpaces = 6;
 
 bool isLineBreak(char16_t c) { return c == u'\r' || c == u'\n'; }
 bool isSpace(char32_t c) { return c == U' ' || c == U'\t'; }
@@ -110,12 +110,16 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
     }
 }
 
-double LayoutBuilder::tabAdvance(const TextStyle& style, double x) const
+double LayoutBuilder::tabAdvance(std::size_t run, double x) const
 {
+    const TextStyle& style = m_layout.m_runs[run].style;
     for (const double stop : style.tabStops)
         if (stop > x + 1) return stop - x;
-    const double every = std::max(kTabEms * style.size, 1.0);
-    return (std::floor(x / every) + 1) * every - x;
+    // Beyond the last stop tabs take no room.
+    if (!style.tabStops.empty()) return 0;
+    const Font& font = m_runFonts[run];
+    const FaceGlyph* space = font.face == nullptr ? nullptr : font.face->glyph(U' ');
+    return space == nullptr ? 0 : kTabSpaces * std::trunc(space->advance * font.scale);
 }
 
 // Gives tabs their width, and tells how many cells from `first` on go into a line: at least one, spaces at
@@ -127,7 +131,7 @@ std::size_t LayoutBuilder::fitCells(std::size_t first, double start, double room
     std::size_t lastBreak = first;
     for (std::size_t i = first; i < m_cells.size(); ++i) {
         Cell& cell = m_cells[i];
-        if (cell.character == U'\t') cell.advance = tabAdvance(m_layout.m_runs[cell.run].style, start + x);
+        if (cell.character == U'\t') cell.advance = tabAdvance(cell.run, start + x);
         const bool space = isSpace(cell.character);
         const bool before = i > first && isIdeographic(cell.character);
         if (before) lastBreak = i;

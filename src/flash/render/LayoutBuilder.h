@@ -36,7 +36,7 @@ private:
     void addLine(std::size_t first, std::size_t last, const TextStyle& style, bool isFirst, bool isLast,
                  std::size_t begin, std::size_t end);
     void addBullet(std::size_t run, double x);
-    [[nodiscard]] double tabAdvance(const TextStyle& style, double x) const;
+    [[nodiscard]] double tabAdvance(std::size_t run, double x) const;
     void alignLines();
     [[nodiscard]] std::size_t runAt(std::size_t index) const;
 

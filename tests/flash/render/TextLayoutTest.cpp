@@ -186,7 +186,10 @@ TEST(TextLayout, SpacesLettersTabsAndBullets)
     const TextLayout tabbed = layOut(u"a\tb\tc\td", {.width = 5000, .password = {}}, tabs);
     EXPECT_DOUBLE_EQ(tabbed.glyphs()[2].x, 300);
     EXPECT_DOUBLE_EQ(tabbed.glyphs()[4].x, 450);
-    EXPECT_DOUBLE_EQ(tabbed.glyphs()[6].x, 800); // the next multiple of four em
+    EXPECT_DOUBLE_EQ(tabbed.glyphs()[6].x, 550); // beyond the last stop
+    const TextLayout unstopped = layOut(u"a\tb\tc", {.width = 5000, .password = {}}, style());
+    EXPECT_DOUBLE_EQ(unstopped.glyphs()[2].x, 700); // six spaces
+    EXPECT_DOUBLE_EQ(unstopped.glyphs()[4].x, 1400);
 
     TextStyle bullet = style();
     bullet.bullet = true;
