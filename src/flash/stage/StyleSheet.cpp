@@ -106,11 +106,12 @@ private:
                 ++m_at;
                 return !blank || m_version >= 8;
             }
+            // A name goes as far as its colon, whatever is in it; only within it there is no white space.
             const std::size_t begin = m_at;
-            while (!atEnd() && !isSpace(peek()) && peek() != u':' && peek() != u';' && peek() != u'}') ++m_at;
+            while (!atEnd() && !isSpace(peek()) && peek() != u':') ++m_at;
+            while (!atEnd() && isSpace(peek())) ++m_at;
+            if (atEnd() || peek() != u':') return false;
             const std::u16string name = camelCase(m_css.substr(begin, m_at - begin));
-            skipSpace();
-            if (atEnd() || peek() != u':' || name.empty()) return false;
             ++m_at;
             skipSpace();
             const std::size_t valueBegin = m_at;
@@ -118,6 +119,7 @@ private:
             if (atEnd()) return false;
             std::u16string value(m_css.substr(valueBegin, m_at - valueBegin));
             if (peek() == u';') ++m_at;
+            if (name.empty()) continue;
             const auto same = [&](const auto& property) { return property.first == name; };
             const auto known = std::find_if(properties.begin(), properties.end(), same);
             if (known != properties.end())
