@@ -33,8 +33,9 @@ TextFormat formatOf(const Stage& stage, const MoviePtr& movie, const swf::EditTe
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
         if (const auto* font = character ? std::get_if<swf::Font>(&character->data) : nullptr) {
             style.font = stage.textOf(movie, font->name);
-            style.bold = font->bold;
-            style.italic = font->italic;
+            // HTML says so itself.
+            style.bold = font->bold && !definition.html;
+            style.italic = font->italic && !definition.html;
         }
     }
     if (definition.hasLayout) {
@@ -64,7 +65,11 @@ TextField::TextField(Stage& stage, MoviePtr movie, const swf::EditText& definiti
     m_border = m_background = definition.border;
     m_autoSize = definition.autoSize ? AutoSize::Left : AutoSize::None;
     m_bounds = definition.bounds;
-    m_newFormat = formatOf(m_stage, m_movie, definition);
+    m_newFormat = m_firstFormat = formatOf(m_stage, m_movie, definition);
+    rendering.advanced = definition.rendering.advanced;
+    rendering.gridFit = static_cast<Rendering::GridFit>(std::min<int>(definition.rendering.gridFit, 2));
+    rendering.thickness = definition.rendering.thickness;
+    rendering.sharpness = definition.rendering.sharpness;
     m_variable = m_stage.textOf(m_movie, definition.variableName);
     if (!definition.hasText) return;
     std::u16string text = base::utf16FromUtf8(m_stage.textOf(m_movie, definition.initialText));
@@ -143,7 +148,9 @@ void TextField::readHtml()
     options.condenseWhite = m_condenseWhite;
     options.version = m_movie ? m_movie->header.version : 8;
     options.styles = m_styleSheet.get();
-    m_content = contentFromHtml(m_source, m_newFormat, options);
+    // Up to version 7 HTML knows nothing of formats that scripts set for new text.
+    const TextFormat& base = options.version < 8 ? m_firstFormat : m_newFormat;
+    m_content = contentFromHtml(m_source, base, options, &m_newFormat);
 }
 
 void TextField::setStyleSheet(std::shared_ptr<const StyleSheet> sheet)

@@ -94,6 +94,8 @@ public:
 
     // ---- layout ----
     [[nodiscard]] const render::TextLayout& layout();
+    /// Of a layout's text as scripts measure it, in twips.
+    [[nodiscard]] static double textHeight(const render::TextLayout& layout);
     [[nodiscard]] int lineCount() { return static_cast<int>(layout().lines().size()); }
     /// The first line that is shown.
     [[nodiscard]] int scroll();
@@ -123,6 +125,8 @@ public:
     [[nodiscard]] std::size_t selectionEnd() const { return std::max(m_anchor, m_caret); }
     [[nodiscard]] std::size_t caret() const { return m_caret; }
     void select(std::size_t anchor, std::size_t caret);
+    /// It has the focus, and something in it was selected since, be it only a place.
+    [[nodiscard]] bool hasSelection() const { return m_hasSelection; }
 
     // ---- the user at work ----
     void focusGained();
@@ -167,7 +171,8 @@ private:
     swf::EditText m_definition;
     TextContent m_content;
     TextFormat m_newFormat;
-    std::u16string m_source; ///< what was set as HTML, while a style sheet is in force
+    TextFormat m_firstFormat; ///< as the field was defined
+    std::u16string m_source;  ///< what was set as HTML, while a style sheet is in force
     std::shared_ptr<const StyleSheet> m_styleSheet;
     std::string m_variable;
     std::optional<std::string> m_lastValue; ///< of the variable, as last seen or set
@@ -189,7 +194,7 @@ private:
     double m_hscroll = 0;
 
     std::size_t m_anchor = 0, m_caret = 0;
-    bool m_caretShown = false;
+    bool m_caretShown = false, m_hasSelection = false;
     double m_caretSinceMs = 0;
 };
 

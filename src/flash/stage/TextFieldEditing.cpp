@@ -21,25 +21,28 @@ bool isWordCharacter(char16_t c)
 }
 
 /// Whether a character is in a set as TextField.restrict writes it: characters and ranges; those after a
-/// caret are taken out, the next caret puts in again; a backslash makes the next one plain.
+/// caret are taken out, the next caret puts in again; a backslash makes the next one plain. A range without a
+/// beginning begins with the first character there is; one without an end is only its beginning.
 bool isAllowed(const std::u16string& set, char16_t character)
 {
-    if (set.empty()) return false;
-    bool allowed = set[0] == u'^', including = true;
+    bool allowed = set.starts_with(u'^'), including = true, range = false;
+    char16_t first = 0;
     for (std::size_t i = 0; i < set.size(); ++i) {
         if (set[i] == u'^') {
             including = !including;
+            first = 0;
+            range = false;
             continue;
         }
-        if (set[i] == u'\\' && i + 1 < set.size()) ++i;
-        const char16_t first = set[i];
-        char16_t last = first;
-        if (i + 2 < set.size() && set[i + 1] == u'-') {
-            i += 2;
-            if (set[i] == u'\\' && i + 1 < set.size()) ++i;
-            last = set[i];
+        if (set[i] == u'-') {
+            range = true;
+            continue;
         }
-        if (character >= first && character <= last) allowed = including;
+        if (set[i] == u'\\' && ++i == set.size()) break;
+        if (!range) first = set[i];
+        if (character >= first && character <= set[i]) allowed = including;
+        if (range) first = 0;
+        range = false;
     }
     return allowed;
 }
@@ -59,15 +62,21 @@ void TextField::select(std::size_t anchor, std::size_t caret)
 {
     m_anchor = std::min(anchor, m_content.size());
     m_caret = std::min(caret, m_content.size());
+    m_hasSelection = isFocused();
     m_caretShown = true;
     m_caretSinceMs = m_stage.nowMs();
     invalidate();
 }
 
-void TextField::focusGained() { select(0, m_content.size()); }
+// Whoever was told of the focus first may have selected something else.
+void TextField::focusGained()
+{
+    if (!m_hasSelection) select(0, m_content.size());
+}
 
 void TextField::focusLost()
 {
+    m_hasSelection = false;
     m_caretShown = false;
     invalidate();
 }
@@ -97,8 +106,7 @@ void TextField::type(std::u16string_view text)
     for (char16_t c : text) {
         if (c == u'\n') c = u'\r';
         // What is only allowed in the other case is typed in that case.
-        const bool excludes = restrict&& restrict->starts_with(u'^');
-        if (!accepts(c) && !excludes) c = otherCase(c);
+        if (!accepts(c)) c = otherCase(c);
         if (accepts(c)) accepted += c;
     }
     if (maxChars) {

@@ -38,7 +38,13 @@ public:
         if (own && m_field.m_stage.textOf(movie, own->name) == style.font && own->bold == style.bold &&
             own->italic == style.italic)
             return fonts.embedded(movie, definition.fontId);
-        return fonts.embedded(movie, style.font, style.bold, style.italic);
+        if (render::FontFacePtr face = fonts.embedded(movie, style.font, style.bold, style.italic))
+            return face;
+        // HTML need not repeat that the field's own font is a bold one.
+        const bool plain = own && !style.bold && !style.italic;
+        return plain && m_field.m_html && m_field.m_stage.textOf(movie, own->name) == style.font
+                   ? fonts.embedded(movie, definition.fontId)
+                   : nullptr;
     }
 
 private:
@@ -75,9 +81,23 @@ const render::TextLayout& TextField::layout()
     return m_layout;
 }
 
+double TextField::textHeight(const render::TextLayout& layout)
+{
+    // A last line without characters does not count, and the leading below the last one only where it is the
+    // only one.
+    const auto& lines = layout.lines();
+    if (lines.size() == 1) return layout.height() + lines.back().leading;
+    const bool empty = lines.back().begin == lines.back().end;
+    return (empty ? lines[lines.size() - 2] : lines.back()).bottom();
+}
+
 void TextField::fitToText()
 {
-    const double height = m_layout.height() + 2 * render::kTextGutter;
+    // A field that grows with its text shows all of it.
+    m_scrollUnbounded = true;
+    // Where one types, the line that is about to be typed is seen as well.
+    const double text = isInput() ? std::max(m_layout.height(), textHeight(m_layout)) : textHeight(m_layout);
+    const double height = text + 2 * render::kTextGutter;
     m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(std::lround(height));
     if (m_wordWrap) return;
     double right = 0;
@@ -122,12 +142,13 @@ void TextField::setY(double pixels)
     Node::setY(pixels - static_cast<double>(bounds().yMin) / swf::kTwipsPerPixel);
 }
 
+// The size that is set is that of the box, whatever its scale.
+
 void TextField::setWidth(double pixels)
 {
-    const double scale = scaleX() / 100;
-    if (!(pixels >= 0) || scale == 0) return;
+    if (!(pixels >= 0)) return;
     constexpr double kWidest = 1e7;
-    const double twips = std::min(pixels / std::abs(scale), kWidest) * swf::kTwipsPerPixel;
+    const double twips = std::min(pixels, kWidest) * swf::kTwipsPerPixel;
     m_bounds.xMax = m_bounds.xMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();
@@ -135,10 +156,9 @@ void TextField::setWidth(double pixels)
 
 void TextField::setHeight(double pixels)
 {
-    const double scale = scaleY() / 100;
-    if (!(pixels >= 0) || scale == 0) return;
+    if (!(pixels >= 0)) return;
     constexpr double kHighest = 1e7;
-    const double twips = std::min(pixels / std::abs(scale), kHighest) * swf::kTwipsPerPixel;
+    const double twips = std::min(pixels, kHighest) * swf::kTwipsPerPixel;
     m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();

@@ -21,7 +21,9 @@ struct HtmlOptions {
 /// A line feed in the HTML becomes an ordinary break, a carriage return one that scripts do not see.
 /// Never fails: unknown tags are skipped, unclosed ones hold to the end, a cut one ends the text.
 /// @param base of text that no tag says anything about
-TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options);
+/// @param last set to what further text would look like: the base, in the fonts that are open at the end
+TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options,
+                            TextFormat* last = nullptr);
 
 /// Every paragraph spells out its format.
 std::u16string htmlFromContent(const TextContent& content);

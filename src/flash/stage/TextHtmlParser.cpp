@@ -118,21 +118,42 @@ public:
         return std::move(m_content);
     }
 
+    /// Fonts that were not closed go on beyond the end, and nothing else.
+    [[nodiscard]] TextFormat formatBeyond() const
+    {
+        TextFormat beyond = m_open.front().format;
+        takeFont(beyond.style, format().style);
+        return beyond;
+    }
+
 private:
+    [[nodiscard]] const TextFormat& format() const { return m_open.back().format; }
+    static void takeFont(render::TextStyle& style, const render::TextStyle& from)
+    {
+        style.font = from.font;
+        style.size = from.size;
+        style.color = from.color;
+        style.letterSpacing = from.letterSpacing;
+        style.kerning = from.kerning;
+    }
+
     struct Element {
         std::u16string name;
         TextFormat format;
         bool shown = true; ///< no style says `display: none`
     };
-    [[nodiscard]] const TextFormat& format() const { return m_open.back().format; }
 
     void characters()
     {
         const std::size_t end = std::min(m_rest.find(u'<'), m_rest.size());
         std::u16string_view raw = m_rest.substr(0, end);
         m_rest.remove_prefix(end);
-        // Up to version 7 white space between tags is not there at all.
-        if (m_options.version < 8 && std::all_of(raw.begin(), raw.end(), isSpace)) return;
+        // Up to version 7 white space between tags is not there at all, and each stretch between two tags is
+        // condensed for itself.
+        if (m_options.version < 8) {
+            if (std::all_of(raw.begin(), raw.end(), isSpace)) return;
+            m_afterSpace = false;
+        }
         std::u16string text;
         for (std::size_t i = 0; i < raw.size(); ++i) {
             if (raw[i] == u'&') {
@@ -277,18 +298,13 @@ private:
             flush(text);
             return;
         }
-        // Paragraphs do not nest; where one begins within another, the first end tag ends both.
-        if (tag.name == u"p") m_bulletParagraph = format().style.bullet;
-        if (tag.name == u"p" && m_paragraph) return;
         Element element{tag.name, format(), m_open.back().shown};
         if (tag.name == u"li") {
             const std::u16string& text = m_content.text();
-            if (!text.empty() && text.back() != u'\r') lineBreak(format());
+            if (!text.empty() && text.back() != u'\r' && text.back() != u'\n') lineBreak(format());
         }
         furnish(tag, element);
-        if (tag.empty) return;
-        if (tag.name == u"p") m_paragraph = true;
-        m_open.push_back(std::move(element));
+        if (!tag.empty) m_open.push_back(std::move(element));
     }
 
     void furnish(const Tag& tag, Element& element)
@@ -372,17 +388,48 @@ private:
         }
     }
 
-    // Only the innermost element can be closed; other closing tags mean nothing.
+    // Only the innermost element can be closed, and paragraphs, which end what was opened in them; other
+    // closing tags mean nothing.
     void close(const std::u16string& name)
     {
+        if (name == u"p") {
+            closeParagraph();
+            return;
+        }
         if (m_open.size() < 2 || m_open.back().name != name) return;
         if (name == u"li") lineBreak(format());
         if (name == u"font") m_closedFont = format().style;
-        if (name == u"p") {
-            m_paragraph = false;
-            lineBreak(endOfParagraph());
-        }
         m_open.pop_back();
+    }
+
+    // Paragraphs within paragraphs all end with the first end tag. List items and text formats stay open.
+    void closeParagraph()
+    {
+        const auto first = std::ranges::find(m_open, u"p", &Element::name);
+        if (first == m_open.end()) return;
+        lineBreak(endOfParagraph());
+        std::vector<Element> ended(std::make_move_iterator(first), std::make_move_iterator(m_open.end()));
+        m_open.erase(first, m_open.end());
+        for (Element& element : ended) {
+            if (element.name != u"li" && element.name != u"textformat") continue;
+            TextFormat open = format();
+            takeParagraph(open.style, element.format.style);
+            open.style.align = format().style.align;
+            element.format = std::move(open);
+            m_open.push_back(std::move(element));
+        }
+    }
+
+    static void takeParagraph(render::TextStyle& style, const render::TextStyle& from)
+    {
+        style.align = from.align;
+        style.leftMargin = from.leftMargin;
+        style.rightMargin = from.rightMargin;
+        style.indent = from.indent;
+        style.blockIndent = from.blockIndent;
+        style.leading = from.leading;
+        style.bullet = from.bullet;
+        style.tabStops = from.tabStops;
     }
 
     // The break after a paragraph has the paragraph's attributes. Its letters, though, are those of the font
@@ -390,18 +437,10 @@ private:
     [[nodiscard]] TextFormat endOfParagraph() const
     {
         TextFormat end = m_open.front().format;
-        const render::TextStyle& letters = m_closedFont ? *m_closedFont : end.style;
-        const render::TextStyle& paragraph = format().style;
-        render::TextStyle style = paragraph;
-        style.bullet = m_bulletParagraph;
-        style.font = letters.font;
-        style.size = letters.size;
-        style.color = letters.color;
-        style.letterSpacing = letters.letterSpacing;
-        style.kerning = letters.kerning;
-        style.bold = end.style.bold;
-        style.italic = end.style.italic;
-        style.underline = end.style.underline;
+        const render::TextStyle letters = m_closedFont ? *m_closedFont : end.style;
+        render::TextStyle style = end.style;
+        takeParagraph(style, format().style);
+        takeFont(style, letters);
         end.style = std::move(style);
         return end;
     }
@@ -411,8 +450,6 @@ private:
     TextContent m_content;
     std::vector<Element> m_open;
     std::optional<render::TextStyle> m_closedFont; ///< of the font element that was closed last
-    bool m_paragraph = false;                      ///< one is open
-    bool m_bulletParagraph = false;                ///< the last one that began did so in a list item
     bool m_afterSpace = true; ///< when white space is condensed: a further space is dropped
 };
 
@@ -436,9 +473,13 @@ std::optional<int> leadingInteger(std::u16string_view text)
     return static_cast<int>(negative ? -number : number);
 }
 
-TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options)
+TextContent contentFromHtml(std::u16string_view html, const TextFormat& base, const HtmlOptions& options,
+                            TextFormat* last)
 {
-    return Parser(html, base, options).run();
+    Parser parser(html, base, options);
+    TextContent content = parser.run();
+    if (last) *last = parser.formatBeyond();
+    return content;
 }
 
 } // namespace flash::stage

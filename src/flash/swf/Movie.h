@@ -183,6 +183,12 @@ struct EditText {
     std::uint16_t leftMargin = 0, rightMargin = 0, indent = 0;
     std::int16_t leading = 0;
     std::string variableName, initialText;
+    struct Rendering {
+        bool advanced = false;
+        std::uint8_t gridFit = 1; ///< 0: none, 1: pixel, 2: subpixel
+        double thickness = 0, sharpness = 0;
+    };
+    Rendering rendering;
 };
 
 struct SoundInfo {

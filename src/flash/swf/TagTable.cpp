@@ -65,7 +65,7 @@ constexpr TagInfo kTags[] = {
     {70, "PlaceObject3",                 8, 3, &tags::placeObject2},
     {71, "ImportAssets2",                8, 2, &tags::importAssets},
     {73, "DefineFontAlignZones",         8, 1, nullptr},
-    {74, "CSMTextSettings",              8, 1, nullptr},
+    {74, "CSMTextSettings",              8, 1, &tags::textSettings},
     {75, "DefineFont3",                  8, 3, &tags::defineFont2},
     {76, "SymbolClass",                  9, 1, &tags::otherMachine},
     {77, "Metadata",                     8, 1, &tags::metadata},

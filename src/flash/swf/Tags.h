@@ -58,6 +58,7 @@ base::Result<void> defineFontInfo(TagContext& tag);
 base::Result<void> defineFontName(TagContext& tag);
 base::Result<void> defineText(TagContext& tag);
 base::Result<void> defineEditText(TagContext& tag);
+base::Result<void> textSettings(TagContext& tag);
 
 base::Result<void> defineSound(TagContext& tag);
 base::Result<void> startSound(TagContext& tag);

@@ -141,4 +141,20 @@ base::Result<void> defineEditText(TagContext& tag)
     return {};
 }
 
+base::Result<void> textSettings(TagContext& tag)
+{
+    BodyReader& body = tag.body;
+    const std::uint16_t id = body.u16();
+    EditText::Rendering rendering;
+    rendering.advanced = body.bits(2) == 1;
+    rendering.gridFit = static_cast<std::uint8_t>(body.bits(3));
+    body.bits(3);
+    rendering.thickness = body.f32();
+    rendering.sharpness = body.f32();
+    CHECK_RESULT(body.check());
+    // Static texts have settings too, which matter to nobody.
+    if (EditText* text = tag.builder.find<EditText>(id)) text->rendering = rendering;
+    return {};
+}
+
 } // namespace flash::swf::tags

@@ -119,8 +119,8 @@ TEST(TextField, TakesOnlyWhatItIsToldTo)
         std::optional<int> most;
     };
     const Case kCases[] = {
-        {u"a-c", u"abdc!", u"abc", {}},  {u"^a-c", u"abdc!", u"d!", {}}, {u"A-Z^Q", u"aQqZ", u"AZ", {}},
-        {u"\\^\\-", u"a^-b", u"^-", {}}, {u"a-z", u"abcdef", u"abc", 3}, {u"", u"abc", u"", {}},
+        {u"a-c", u"abdc!", u"abc", {}},  {u"^a-c", u"abdc!", u"ABdC!", {}}, {u"A-Z^Q", u"aQqZ", u"AZ", {}},
+        {u"\\^\\-", u"a^-b", u"^-", {}}, {u"a-z", u"abcdef", u"abc", 3},    {u"", u"abc", u"", {}},
     };
     for (const Case& c : kCases) {
         Fixture f(input());

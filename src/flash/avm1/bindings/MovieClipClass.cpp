@@ -641,7 +641,7 @@ constexpr MemberInfo kMembers[] = {
     {"loadVariables",        1, 0,     &loadVariables},
     {"unloadMovie",          0, 0,     &unloadMovie},
     {"createEmptyMovieClip", 2, kFrom6, &createEmptyMovieClip},
-    {"createTextField",      6, kFrom6, &createTextField},
+    {"createTextField",      6, 0, &createTextField},
     {"getNextHighestDepth",  0, kFrom7, &getNextHighestDepth},
     {"getInstanceAtDepth",   1, kFrom7, &getInstanceAtDepth},
     {"getSWFVersion",        0, 0,      &getSwfVersion},

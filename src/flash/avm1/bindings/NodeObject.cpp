@@ -113,8 +113,10 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
         const auto sensitivity = sensitive ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive;
         if (!clip->children().empty()) {
             if (stage::Node* child = clip->childByName(base::utf8FromUtf16(text), sensitivity)) {
-                // Scripts cannot name what is only drawn; they get the clip it lies in.
-                Object* object = m_binding.objectOf(child);
+                // Scripts cannot name what is only drawn, nor in version 5 a text field; they get the clip it
+                // lies in.
+                const bool nameable = vm.version() >= 6 || child->kind() != stage::NodeKind::TextField;
+                Object* object = nameable ? m_binding.objectOf(child) : nullptr;
                 result = object ? Value(object) : Value(m_binding.objectOf(clip));
                 return true;
             }

@@ -18,30 +18,36 @@ stage::TextField* focusedField(Call& call)
                                                                 : nullptr;
 }
 
-Value getBeginIndex(Call& call)
+/// None while the field is told that it has the focus: its text is selected afterwards.
+stage::TextField* selectedField(Call& call)
 {
     stage::TextField* field = focusedField(call);
+    return field && field->hasSelection() ? field : nullptr;
+}
+
+Value getBeginIndex(Call& call)
+{
+    stage::TextField* field = selectedField(call);
     return Value(field ? static_cast<int>(field->selectionBegin()) : -1);
 }
 Value getEndIndex(Call& call)
 {
-    stage::TextField* field = focusedField(call);
+    stage::TextField* field = selectedField(call);
     return Value(field ? static_cast<int>(field->selectionEnd()) : -1);
 }
 Value getCaretIndex(Call& call)
 {
-    stage::TextField* field = focusedField(call);
+    stage::TextField* field = selectedField(call);
     return Value(field ? static_cast<int>(field->caret()) : -1);
 }
 
 Value setSelection(Call& call)
 {
     stage::TextField* field = focusedField(call);
-    if (!field) return {};
+    if (!field || call.count() == 0) return {};
     const auto index = [&](std::size_t i) { return static_cast<std::size_t>(std::max(0, intArg(call, i))); };
-    const std::size_t begin = call.count() > 0 ? index(0) : 0;
-    const std::size_t end = call.count() > 1 ? index(1) : field->length();
-    field->select(std::min(begin, end), std::max(begin, end));
+    const std::size_t anchor = index(0);
+    field->select(anchor, call.count() > 1 ? index(1) : field->length());
     return {};
 }
 

@@ -171,10 +171,10 @@ Value getRestrict(Call& call, TextField& field)
 }
 Value setRestrict(Call& call, TextField& field)
 {
-    if (call.arg(0).isNullish())
-        field.restrict.reset();
-    else
-        field.restrict = textArg(call, 0);
+    field.restrict.reset();
+    if (call.arg(0).isNullish()) return {};
+    // No character at all would be a field that nobody can use.
+    if (std::u16string set = textArg(call, 0); !set.empty()) field.restrict = std::move(set);
     return {};
 }
 
@@ -230,13 +230,13 @@ Value setGridFitType(Call& call, TextField& field)
 Value getSharpness(Call&, TextField& field) { return Value(field.rendering.sharpness); }
 Value setSharpness(Call& call, TextField& field)
 {
-    field.rendering.sharpness = std::clamp(numberArg(call, 0), -400.0, 400.0);
+    field.rendering.sharpness = numberArg(call, 0);
     return {};
 }
 Value getThickness(Call&, TextField& field) { return Value(field.rendering.thickness); }
 Value setThickness(Call& call, TextField& field)
 {
-    field.rendering.thickness = std::clamp(numberArg(call, 0), -200.0, 200.0);
+    field.rendering.thickness = numberArg(call, 0);
     return {};
 }
 
@@ -253,10 +253,7 @@ Value getTextHeight(Call&, TextField& field)
 {
     field.syncVariable();
     if (field.length() == 0) return Value(0.0);
-    // The leading below the last line counts where it is the only one.
-    const auto& lines = field.layout().lines();
-    const double below = lines.size() == 1 ? lines.back().leading : 0;
-    return Value(wholePixels(field.layout().height() + below));
+    return Value(wholePixels(TextField::textHeight(field.layout())));
 }
 Value getScroll(Call&, TextField& field) { return Value(field.scroll() + 1); }
 Value setScroll(Call& call, TextField& field)
@@ -299,10 +296,11 @@ Stretch stretchArg(Call& call, TextField& field, std::size_t count)
 Value getTextFormat(Call& call, TextField& field)
 {
     field.syncVariable();
+    // An empty field looks like the text that may come; no characters look like nothing.
+    if (field.length() == 0)
+        return Value(makeTextFormat(call.vm, stage::PartialTextFormat::of(field.newFormat())));
     const Stretch stretch = stretchArg(call, field, std::min<std::size_t>(call.count(), 2));
-    const bool any = stretch.begin < stretch.end;
-    return Value(makeTextFormat(call.vm, any ? field.content().common(stretch.begin, stretch.end)
-                                             : stage::PartialTextFormat::of(field.newFormat())));
+    return Value(makeTextFormat(call.vm, field.content().common(stretch.begin, stretch.end)));
 }
 Value setTextFormat(Call& call, TextField& field)
 {

@@ -301,7 +301,7 @@ Value getTextExtent(Call& call)
     const render::LayoutLine& line = layout.lines().front();
     const double ascent = pixels(line.ascent), descent = pixels(line.descent);
     const double width = std::trunc(layout.width() / kTwips);
-    const double height = (ascent + descent) * static_cast<double>(layout.lines().size());
+    const double height = text.empty() ? 0 : (ascent + descent) * static_cast<double>(layout.lines().size());
     constexpr double kGutters = 2 * render::kTextGutter / kTwips;
     Object* extent = call.vm.newObject();
     extent->define(call.vm, "ascent", Value(ascent));
