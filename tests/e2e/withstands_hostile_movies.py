@@ -46,6 +46,8 @@ MOVIES = {
                          False, 0),
     'endless_first_frame': ('while (true) {}', False, 0),
     'endless_later': ('var t = getTimer(); ' + EVERY_FRAME % 'if (getTimer() - t > 800) while (true) {}', True, 0),
+    'question_about_script': ('<movie version="7"><scriptLimits recursion="256" timeout="1"/><frame><script>'
+                              'while (true) x++;</script></frame></movie>', False, 1),
     'endless_commands': (BIG + 'while (true) fscommand("a", s);', False, 0),
     'clicks_by_itself': ('var m = {onMouseDown: function() { fscommand("MEOWOPEN", ""); }}; Mouse.addListener(m);'
                          + EVERY_FRAME % 'Mouse.broadcastMessage("onMouseDown"); m.onMouseDown();', False, 0),
@@ -128,6 +130,10 @@ def check(name, folder, home, movie, acts, questions, picture=None):
             if acts:
                 run.act()
             time.sleep(0.15)
+        while name.startswith('question_') and run.most_windows < 2:
+            assert time.monotonic() < end + 10, 'no question'
+            run.look()
+            time.sleep(0.1)
         if name in ('endless_first_frame', 'endless_later'):
             run.close_movie()
         if picture:
@@ -183,9 +189,11 @@ def main():
         os.chmod(path, 0o755)
     movies = [(os.path.splitext(os.path.basename(given))[0], given, True, 1) for given in sys.argv[4:]]
     for name, (script, acts, questions) in MOVIES.items() if not movies else ():
-        source = os.path.join(scratch, name + '.as')
+        described = script.startswith('<movie')
+        source = os.path.join(scratch, name + ('.xml' if described else '.as'))
+        head = '' if described else '// movie: version="7" width="300" height="200" rate="30"\n'
         with open(source, 'w', encoding='utf-8') as handle:
-            handle.write('// movie: version="7" width="300" height="200" rate="30"\n' + script + '\n')
+            handle.write(head + script + '\n')
         movie = os.path.join(scratch, name + '.swf')
         subprocess.run([swfc, source, '-o', movie], check=True)
         movies.append((name, movie, acts, questions))
