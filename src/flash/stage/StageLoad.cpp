@@ -308,6 +308,9 @@ void Stage::finishLoad(Pending& load)
             enlist(clip);
             fillFrom(*clip, *load.answer);
         }
+    } else if (movie) {
+        fill(*clip, *movie, load.answer->url);
+        setQueryVariables(*clip, load.answer->url);
     } else {
         fillFrom(*clip, *load.answer);
     }
@@ -355,13 +358,9 @@ void Stage::fill(Clip& clip, MoviePtr movie, std::string url)
     if (std::erase(m_clips, self) > 0) enlist(self);
 }
 
+// What is no movie may be a picture.
 void Stage::fillFrom(Clip& clip, const LoadAnswer& answer)
 {
-    if (auto movie = swf::parseMovie(answer.bytes)) {
-        fill(clip, *movie, answer.url);
-        setQueryVariables(clip, answer.url);
-        return;
-    }
     auto picture = swf::decodePicture(answer.bytes);
     fill(clip, nullptr, answer.url);
     clip.m_begun = true;

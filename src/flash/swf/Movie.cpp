@@ -124,7 +124,8 @@ base::Result<std::shared_ptr<const Movie>> parseMovie(std::span<const std::uint8
         guard::Holding bytesHolding, definitionsHolding;
     };
     const auto noRoom = [] {
-        return base::fail(base::ErrorCode::LimitReached, "the movies loaded together are more than may be held");
+        return base::fail(base::ErrorCode::LimitReached,
+                          "the movies loaded together are more than may be held");
     };
     const auto movie = std::make_shared<HeldMovie>();
     // Where few bytes stand for very many, there is nothing in them.

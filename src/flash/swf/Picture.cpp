@@ -97,7 +97,8 @@ base::Result<std::shared_ptr<const Bitmap>> decodePicture(base::Bytes file, cons
     auto bitmap = std::make_shared<HeldBitmap>();
     static_cast<Bitmap&>(*bitmap) = std::move(*decoded);
     auto holding = guard::Holding::take(budget.taken());
-    if (!holding) return base::fail(base::ErrorCode::LimitReached, "what is loaded together is more than may be held");
+    if (!holding)
+        return base::fail(base::ErrorCode::LimitReached, "what is loaded together is more than may be held");
     bitmap->holding = std::move(*holding);
     return std::shared_ptr<const Bitmap>(std::move(bitmap));
 }

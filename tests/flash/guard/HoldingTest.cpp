@@ -104,6 +104,20 @@ TEST_F(EngineHolding, WhatIsLoadedTogetherHasOneBoundAndFreesItsRoom)
     load(7, "picture.png");
     EXPECT_TRUE(showsPicture(7));
 
+    // Into a clip as into a level, and a movie that fits just once fits.
+    m_engine.act([](stage::Stage& stage) {
+        for (int level = 1; level <= 8; ++level) stage.unloadLevel(level);
+    });
+    m_engine.advance(200);
+    writeMovie("large.swf", 3 * kMega);
+    std::shared_ptr<stage::Clip> clip;
+    m_engine.act([&](stage::Stage& stage) {
+        clip = stage.root()->attachEmpty(1, "clip");
+        stage.loadIntoClip(*clip, {"large.swf", stage.url(), stage::LoadRequest::Method::None, {}});
+    });
+    m_engine.advance(200);
+    EXPECT_GT(clip->bytesTotal(), 3.0 * kMega);
+
     // Another movie begins with an account of its own.
     ASSERT_TRUE(m_engine.open(writeMovie("main.swf", 4 * kMega)));
     EXPECT_FALSE(m_engine.open(writeMovie("main.swf", 6 * kMega)));
