@@ -130,36 +130,42 @@ public:
     /// Layer 0 in a process of its own, where there is a way to one. What played goes on when it fails.
     bool loadMovie(const QString& url)
     {
-        auto process = processes.take();
-        if (process == nullptr) {
-            if (!std::exchange(toldWhere, true))
-                heard(control::LogLine{"Movies play inside this process: there is none for them."});
-            return loadInto(0, url);
+        using State = control::MoviePort::Loading::State;
+        // A process that ends by itself before it has seen the movie gets one more chance.
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            auto process = processes.take();
+            if (process == nullptr) break;
+            auto before = std::move(port);
+            const bool wasRemote = std::exchange(isRemote, true);
+            const std::uint32_t spokeBefore = std::exchange(speaking, 0);
+            port = std::make_unique<control::RemoteMovie>(*this, std::move(process));
+            hasLost = false;
+            equip(*port);
+            const State state = loadInto(0, url);
+            if (state == State::Done || state == State::GoesOn) {
+                QTimer::singleShot(kSpareDelayMs, &q, [this] { processes.prepare(); });
+                return true;
+            }
+            port = std::move(before);
+            isRemote = wasRemote;
+            speaking = spokeBefore;
+            if (state == State::Failed) return false;
         }
-        auto before = std::move(port);
-        const bool wasRemote = std::exchange(isRemote, true);
-        const std::uint32_t spokeBefore = std::exchange(speaking, 0);
-        port = std::make_unique<control::RemoteMovie>(*this, std::move(process));
-        hasLost = false;
-        equip(*port);
-        if (loadInto(0, url)) {
-            QTimer::singleShot(kSpareDelayMs, &q, [this] { processes.prepare(); });
-            return true;
-        }
-        port = std::move(before);
-        isRemote = wasRemote;
-        speaking = spokeBefore;
-        return false;
+        if (!std::exchange(toldWhere, true))
+            heard(control::LogLine{"Movies play inside this process: there is none for them."});
+        if (isRemote) newLocal();
+        return loadInto(0, url) == State::Done;
     }
 
-    bool loadInto(int layer, const QString& url)
+    control::MoviePort::Loading::State loadInto(int layer, const QString& url)
     {
         using State = control::MoviePort::Loading::State;
         const auto loading = port->load(loadOf(layer, url));
-        if (loading.state == State::Failed) {
+        if (loading.state != State::Done && loading.state != State::GoesOn) {
             error = QString::fromStdString(loading.error);
-            return false;
+            return loading.state;
         }
+        error.clear();
         if (layer == 0) {
             movieLoad = lastLoad;
             this->loading = loading.state == State::GoesOn;
@@ -167,7 +173,7 @@ public:
             movie = url;
             background.reset();
         }
-        return true;
+        return loading.state;
     }
 
     /// Another layer over what plays. Pages of the host's and movies from elsewhere do not share a process.
@@ -177,7 +183,9 @@ public:
             error = QStringLiteral("pages and movies do not share a process");
             return false;
         }
-        return loadInto(layer, url);
+        using State = control::MoviePort::Loading::State;
+        const State state = loadInto(layer, url);
+        return state == State::Done || state == State::GoesOn;
     }
 
     /// Whether a file lies in the folder of the host's pages, links resolved.

@@ -2,6 +2,7 @@
 #include "browser/SaveJpg.h"
 
 #include "Host.h"
+#include "MovieKiller.h"
 #include "QtPrint.h"
 #include "browser/DialogStyle.h"
 #include "flash/FlashControl.h"
@@ -367,10 +368,7 @@ TEST_F(ThumbnailMaker, AProcessThatIsKilledCostsOnePictureAtMost)
     QRandomGenerator random(20);
     QStringList movies;
     for (int i = 0; i < 4; ++i) movies += colours(QString("%1.swf").arg(i));
-    const int rounds = qEnvironmentVariableIsSet("ZORVEX_TEST_KILLS")
-                           ? qEnvironmentVariableIntValue("ZORVEX_TEST_KILLS")
-                           : 10;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < tests::killsAsked(10); ++round) {
         SCOPED_TRACE(round);
         for (const QString& each : movies) QFile::remove(shotOf(each));
         QTimer moment;

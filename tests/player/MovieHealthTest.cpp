@@ -1,4 +1,5 @@
 #include "player/MovieHealth.h"
+#include "MovieKiller.h"
 #include "PlayerWindow.h"
 #include "flash/FlashControl.h"
 #include "player/Texts.h"
@@ -56,6 +57,47 @@ TEST_F(MovieHealthOfPlayer, TellsThatAMovieEndedAndAsksBeforeItDoesSoAThirdTime)
     const QString other = compile("other", R"(<movie version="6" width="50" height="50"><frame/></movie>)");
     player.LoadFlash(other, {});
     EXPECT_TRUE(player.HasMovie()) << "another file is none of this";
+}
+
+TEST_F(MovieHealthOfPlayer, SaysSoAndPlaysOnWheneverAProcessEnds)
+{
+    Player player(application, {});
+    player.Form_Load();
+    tests::MovieKiller killer(3);
+    int told = 0;
+    for (int round = 0; round < tests::killsAsked(10); ++round) {
+        SCOPED_TRACE(round);
+        // Another file each time: of one that ends again and again the user is asked.
+        const QString name = path(QString("%1.swf").arg(round));
+        ASSERT_TRUE(QFile::copy(movie, name));
+        killer.strikeWithin(150, round % 2 == 0 ? SIGKILL : SIGSEGV);
+        player.LoadFlash(name, {});
+        killer.join();
+        const auto plays = [&player] { return player.control().GetVariable("_totalframes") == "300"; };
+        ASSERT_TRUE(waitFor([&] { return !player.HasMovie() || plays(); }));
+        if (!player.HasMovie()) {
+            ++told;
+            EXPECT_TRUE(showsPanel(player));
+            EXPECT_EQ(welcome(player).message(), texts::kMovieCrashed);
+        }
+        player.LoadFlash(movie, {});
+        ASSERT_TRUE(player.HasMovie());
+        EXPECT_EQ(player.control().TotalFrames(), 300);
+    }
+    EXPECT_GE(told, tests::killsAsked(10) / 4);
+}
+
+TEST_F(MovieHealthOfPlayer, AMovieThatIsRefusedLateIsDamagedAndNoCrash)
+{
+    Player player(application, {});
+    player.Form_Load();
+    for (int i = 0; i <= MovieHealth::kMaxEnds; ++i) {
+        player.LoadFlash(movie, {});
+        ASSERT_TRUE(player.HasMovie()) << "nobody is asked before";
+        emit player.control().refused(movie);
+        ASSERT_TRUE(waitFor([&] { return !player.HasMovie(); }));
+        EXPECT_EQ(welcome(player).message(), texts::kMovieDamaged);
+    }
 }
 
 TEST_F(MovieHealthOfPlayer, WhatAMovieKeepsOutlivesItsProcess)

@@ -50,10 +50,16 @@ public:
     virtual ~MoviePort() = default;
 
     struct Loading {
-        enum class State : std::uint8_t { Done, Failed, GoesOn } state = State::Failed;
+        enum class State : std::uint8_t {
+            Done,
+            Failed,
+            GoesOn,
+            NoProcess, ///< it ended before it came so far as to look at the movie
+        } state = State::Failed;
         std::string error;
     };
-    /// @returns GoesOn when the movie takes long over its first frame; Loaded is heard later then.
+    /// @returns GoesOn when the movie takes long over its first frame; Loaded is heard later then, or of its
+    ///          end.
     virtual Loading load(const Load& load) = 0;
     /// Does what the message says. When the call returns, state() shows what came of it, unless the movie is
     /// busy for too long.

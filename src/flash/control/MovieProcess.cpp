@@ -4,8 +4,8 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace flash::control
@@ -69,6 +69,12 @@ MovieProcess::~MovieProcess()
     m_process.waitForFinished(kEndWaitMs);
 }
 
+bool MovieProcess::isThere() const
+{
+    pollfd socket{m_channel.descriptor(), 0, 0};
+    return poll(&socket, 1, 0) >= 0 && (socket.revents & (POLLHUP | POLLERR)) == 0;
+}
+
 void MovieProcess::listen(std::function<void()> ready)
 {
     m_readable = std::make_unique<QSocketNotifier>(m_channel.descriptor(), QSocketNotifier::Read);
@@ -88,7 +94,7 @@ std::unique_ptr<MovieProcess> SpareProcess::take()
 {
     if (m_spare) {
         // One that ended while it waited is of no use.
-        if (kill(static_cast<pid_t>(m_spare->processId()), 0) == 0) return std::move(m_spare);
+        if (m_spare->isThere()) return std::move(m_spare);
         m_spare.reset();
     }
     const QString program = MovieProcess::program();

@@ -26,6 +26,8 @@ public:
     MovieProcess(const MovieProcess&) = delete;
     MovieProcess& operator=(const MovieProcess&) = delete;
 
+    /// Whether its end of the connection is open.
+    [[nodiscard]] bool isThere() const;
     [[nodiscard]] Channel& channel() { return m_channel; }
     [[nodiscard]] qint64 processId() const { return m_process.processId(); }
     /// `ready` is called from the event loop when there is something to read or the process has ended.

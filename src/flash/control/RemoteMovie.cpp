@@ -119,11 +119,11 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
     send(load, file);
     close(file);
     m_watch.start(kWatchMs);
-    if (!m_waits) return {m_ended ? Loading::State::Failed : Loading::State::GoesOn, {}};
+    if (!m_waits) return {Loading::State::GoesOn, {}};
     m_waitsForLoad = true;
     waitFor([&] { return m_loaded && m_loaded->id == load.id; });
     m_waitsForLoad = false;
-    if (m_ended) return {Loading::State::Failed, "the movie's process has ended"};
+    if (m_ended && !m_greeted) return {Loading::State::NoProcess, "the movie's process does not start"};
     if (!m_loaded) return {Loading::State::GoesOn, {}};
     return {m_loaded->done != 0 ? Loading::State::Done : Loading::State::Failed, m_loaded->error};
 }
@@ -209,8 +209,10 @@ void RemoteMovie::receive()
 void RemoteMovie::take(FromMovie message)
 {
     if (const auto* hello = std::get_if<Hello>(&message)) {
-        m_greeted = true;
-        if (hello->version != kProtocolVersion) ended();
+        m_greeted = hello->version == kProtocolVersion;
+        if (m_greeted) return;
+        m_listener.heard(LogLine{"The movie's process is of another version."});
+        ended();
         return;
     }
     if (const auto* state = std::get_if<State>(&message)) {
