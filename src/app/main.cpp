@@ -2,6 +2,7 @@
 #include "core/StartUp.h"
 #include "core/Version.h"
 #include "flash/Engine.h"
+#include "flash/FlashControl.h"
 #include "platform/TerminationSignal.h"
 #include "player/Player.h"
 #include "ui/Style.h"
@@ -15,6 +16,7 @@
 #include <cstdlib>
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <new>
 
 // Builds the parts and ties them together; no logic.
@@ -68,6 +70,10 @@ int main(int argc, char** argv)
         return 0;
     }
 
+    // The first movie's process comes up beside this one's start.
+    std::shared_ptr<void> ready;
+    if (!arguments.isEmpty()) ready = flash::FlashControl::keepProcessReady();
+
     // A file that is named like one of the toolkit's own options is a file.
     const bool isFile = arguments.size() == 1 && core::fileExists(arguments.first());
     int toolkitsCount = isFile ? 1 : argc;
@@ -88,6 +94,9 @@ int main(int argc, char** argv)
     }
 
     player::Player player(application, commandLine);
+    constexpr int kOnceShownMs = 1000;
+    QTimer::singleShot(kOnceShownMs, &player, [&ready] { ready = flash::FlashControl::keepProcessReady(); });
+    const auto endReady = qScopeGuard([&ready] { ready.reset(); }); // while there is an application
     const platform::TerminationSignal termination(
         [&player] { player.Form_QueryUnload(player::Player::UnloadMode::TaskManager); },
         &flash::Engine::interruptAll);

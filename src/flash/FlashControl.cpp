@@ -77,6 +77,13 @@ qint64 FlashControl::processId() const { return d->port->processId(); }
 bool FlashControl::isBehind() const { return d->hasLost || d->port->isBehind(); }
 bool FlashControl::givesOwnProcesses() { return !control::MovieProcess::program().isEmpty(); }
 
+std::shared_ptr<void> FlashControl::keepProcessReady()
+{
+    auto spare = control::SpareProcess::shared();
+    spare->prepare();
+    return spare;
+}
+
 void FlashControl::setWaits(bool waits)
 {
     d->waits = waits;

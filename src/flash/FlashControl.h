@@ -122,6 +122,9 @@ public:
     [[nodiscard]] bool isBehind() const;
     /// Whether movies get processes of their own here.
     [[nodiscard]] static bool givesOwnProcesses();
+    /// Starts a process for the next movie of any control, which is there as long as the result lives or
+    /// until it is used. May be called before there is an application.
+    [[nodiscard]] static std::shared_ptr<void> keepProcessReady();
 
     /// Why the last LoadMovie failed, English, for the log.
     [[nodiscard]] QString errorText() const;

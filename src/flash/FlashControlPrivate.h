@@ -133,7 +133,7 @@ public:
         using State = control::MoviePort::Loading::State;
         // A process that ends by itself before it has seen the movie gets one more chance.
         for (int attempt = 0; attempt < 2; ++attempt) {
-            auto process = processes.take();
+            auto process = processes->take();
             if (process == nullptr) break;
             auto before = std::move(port);
             const bool wasRemote = std::exchange(isRemote, true);
@@ -143,7 +143,7 @@ public:
             equip(*port);
             const State state = loadInto(0, url);
             if (state == State::Done || state == State::GoesOn) {
-                QTimer::singleShot(kSpareDelayMs, &q, [this] { processes.prepare(); });
+                QTimer::singleShot(kSpareDelayMs, &q, [this] { processes->prepare(); });
                 return true;
             }
             port = std::move(before);
@@ -350,7 +350,7 @@ public:
     }
 
     FlashControl& q;
-    control::SpareProcess processes;
+    std::shared_ptr<control::SpareProcess> processes = control::SpareProcess::shared();
     control::Inbox inbox;
     std::unique_ptr<control::MoviePort> port;
     bool isRemote = false, loading = false, waits = true;

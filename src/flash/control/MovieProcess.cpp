@@ -1,7 +1,7 @@
 #include "flash/control/MovieProcess.h"
 
-#include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <fcntl.h>
@@ -24,7 +24,8 @@ QString MovieProcess::program()
 {
     if (qEnvironmentVariableIntValue("ZORVEX_ONE_PROCESS") == 1) return {};
     if (const QString given = qEnvironmentVariable("ZORVEX_MOVIE_PROGRAM"); !given.isEmpty()) return given;
-    const QDir folder(QCoreApplication::applicationDirPath());
+    // Asked before there is an application, too.
+    const QDir folder = QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).dir();
     for (const char* place :
          {"zorvex-movie", "../libexec/zorvex/zorvex-movie", "../lib/zorvex/zorvex-movie"}) {
         const QString path = folder.filePath(QLatin1String(place));
@@ -88,6 +89,14 @@ std::optional<int> MovieProcess::exitStatus()
         return std::nullopt;
     if (m_process.exitStatus() != QProcess::NormalExit) return std::nullopt;
     return m_process.exitCode();
+}
+
+std::shared_ptr<SpareProcess> SpareProcess::shared()
+{
+    static std::weak_ptr<SpareProcess> common;
+    auto spare = common.lock();
+    if (spare == nullptr) common = spare = std::make_shared<SpareProcess>();
+    return spare;
 }
 
 std::unique_ptr<MovieProcess> SpareProcess::take()

@@ -49,10 +49,13 @@ private:
     std::unique_ptr<QSocketNotifier> m_readable;
 };
 
-/// Keeps one process ready, so that opening a movie waits for no start.
+/// Keeps one process ready, so that opening a movie waits for no start. One thread.
 class SpareProcess
 {
 public:
+    /// The one that all controls share; it ends with the last of those who hold it.
+    static std::shared_ptr<SpareProcess> shared();
+
     /// @returns a process that was started before, or now; null when there is no way to.
     std::unique_ptr<MovieProcess> take();
     /// Starts one to be ready, if there is none.
