@@ -18,6 +18,8 @@ constexpr int kRussian = 1049; // the language of the program's own texts
 constexpr std::size_t kScriptBytes = std::size_t{256} << 20;
 /// The engine's number for a call that ran out of time.
 constexpr int kInterrupted = -2147467260;
+/// Lines of a library are counted from here on in the engine, so that its errors tell where they come from.
+constexpr int kLibraryLines = 1'000'000;
 
 std::u16string_view view(const QString& string)
 {
@@ -161,18 +163,19 @@ void Bridge::addObject(const QString& name, QObject* object)
     m_engine.addObject(view(name), *m_objects.dispatchOf(object));
 }
 
-std::optional<QString> Bridge::addCode(const QString& code)
+std::optional<QString> Bridge::addCode(const QString& code, Source source)
 {
     if (m_host.hasEnded()) return std::nullopt;
     const Call call(*this);
     // The text begins with an empty line that the file does not have: what follows is line 1, here and when
     // one of its procedures fails later.
     constexpr int kLineOfEmptyLine = 0;
-    if (m_engine.addCode(view(code), kLineOfEmptyLine)) return std::nullopt;
+    const int firstLine = kLineOfEmptyLine + (source == Source::Library ? kLibraryLines : 0);
+    if (m_engine.addCode(view(code), firstLine)) return std::nullopt;
     const script::ScriptError& error = m_engine.error();
     return QString("%1 (%2:%3)")
         .arg(QString::fromStdU16String(error.description))
-        .arg(error.line)
+        .arg(error.line % kLibraryLines)
         .arg(error.column);
 }
 
@@ -193,7 +196,8 @@ Bridge::Outcome Bridge::RunScript(const QString& statement, Repetition repetitio
     const script::ScriptError error = m_engine.error();
     if (error.number == kInterrupted) m_hanging.insert(statement);
     const QString place = texts::kScriptStart + core::HtmlEscape(statement) + texts::kScriptLine +
-                          QString::number(error.line) + ")";
+                          QString::number(error.line % kLibraryLines) +
+                          (error.line < kLibraryLines ? "" : texts::kOfLibrary) + ")";
     if (repetition == Repetition::Timer) {
         // Three times a second the same would fill the disk.
         const QString same = place + QString::fromStdU16String(error.description);

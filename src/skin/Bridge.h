@@ -50,8 +50,10 @@ public:
     /// @returns what failed: an unknown language. The engine is then set up for its own one.
     std::optional<QString> begin(const QString& language);
     void addObject(const QString& name, QObject* object);
+    /// Whose file a script is: errors of a library say so behind their line.
+    enum class Source { Skin, Library };
     /// @returns what failed, with its line in the file
-    std::optional<QString> addCode(const QString& code);
+    std::optional<QString> addCode(const QString& code, Source source = Source::Skin);
     void reset();
 
     /// Whether a statement or an expression is running: what would take its ground away has to wait.

@@ -28,7 +28,8 @@ QString GetAttribute(const base::xml::Element& element, const char* name, const 
 ThemeAttributes ThemeAttributes::read(const base::xml::Element& element)
 {
     return {GetAttribute(element, "scriptLanguage", "vbscript"), GetAttribute(element, "minWidth", "0"),
-            GetAttribute(element, "minHeight", "0"), GetAttribute(element, "scriptFile", {})};
+            GetAttribute(element, "minHeight", "0"), GetAttribute(element, "scriptFile", {}),
+            GetAttribute(element, "scriptLibrary", {})};
 }
 
 ViewAttributes ViewAttributes::read(const base::xml::Element& element)

@@ -17,7 +17,7 @@ inline constexpr const char* kAbsent = "| no |";
 enum class Kind { View = 0, Panel = 1, Button = 2, Label = 3 };
 
 struct ThemeAttributes {
-    QString scriptLanguage, minWidth, minHeight, scriptFile;
+    QString scriptLanguage, minWidth, minHeight, scriptFile, scriptLibrary;
     static ThemeAttributes read(const base::xml::Element& element);
 };
 

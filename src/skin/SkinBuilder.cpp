@@ -7,6 +7,7 @@
 #include "skin/SkinFiles.h"
 #include "skin/Texts.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
 
@@ -29,6 +30,8 @@ constexpr std::size_t kMostSourceBytes = 4000; ///< of an element, in the journa
 constexpr qint64 kMostMaskPixels = 64'000'000;
 constexpr int kNoPicture = 481;
 constexpr int kTypeMismatch = 13;
+/// Where the scripts that skins share lie, from a skin's folder.
+constexpr const char* kSharedScripts = "../../scripts";
 
 /// What lies outside of every widget: an empty region would mean no mask at all.
 const QRegion kNothing(-1, -1, 1, 1);
@@ -132,15 +135,22 @@ void Skin::beginTheme(const base::xml::Element& node)
     step(node, Step::Branch, [&] {
         m_host.setMinimumWindowSize({toWhole(theme.minWidth), toWhole(theme.minHeight)});
     });
-    step(node, Step::Branch, [&] {
-        if (theme.scriptFile.isEmpty()) return;
-        const QString path = findFile(m_folder, theme.scriptFile);
+    const auto addScript = [&](const QString& name, Bridge::Source source, const QStringList& folders) {
+        if (name.isEmpty()) return;
+        QString path;
+        for (const QString& folder : folders)
+            if (path.isEmpty()) path = findFile(folder, name);
         if (path.isEmpty())
-            throw base::Failure(core::kFileNotFound, "Skin",
-                                (texts::kNoScriptFile + theme.scriptFile).toStdString());
-        if (const auto error = m_bridge.addCode(ReadTextFile(path)))
-            throw base::Failure(kTypeMismatch, "Skin", (theme.scriptFile + ": " + *error).toStdString());
+            throw base::Failure(core::kFileNotFound, "Skin", (texts::kNoScriptFile + name).toStdString());
+        if (const auto error = m_bridge.addCode(ReadTextFile(path), source))
+            throw base::Failure(kTypeMismatch, "Skin", (name + ": " + *error).toStdString());
+    };
+    // The skin's own copy comes before the program's.
+    const QString shared = QDir::cleanPath(m_folder + kSharedScripts) + '/';
+    step(node, Step::Branch, [&] {
+        addScript(theme.scriptLibrary, Bridge::Source::Library, {m_folder, shared});
     });
+    step(node, Step::Branch, [&] { addScript(theme.scriptFile, Bridge::Source::Skin, {m_folder}); });
     m_container = &m_host.clientArea();
 }
 

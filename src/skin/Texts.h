@@ -17,6 +17,7 @@ inline constexpr const char* kNoView         = "В шкурке не найде�
 inline constexpr const char* kSetViewPlace   = "Установка вида шкурки ";
 inline constexpr const char* kScriptStart    = "Выполнение сценария '";
 inline constexpr const char* kScriptLine     = "' (Строка: ";
+inline constexpr const char* kOfLibrary      = ", библиотека сценариев";
 inline constexpr const char* kTypeMismatch   = "Несоответствие типа: ";
 inline constexpr const char* kInvalidProperty = "Недопустимое значение свойства: ";
 inline constexpr const char* kNoTheme        = "В описании шкурки нет элемента THEME";

@@ -107,6 +107,8 @@ protected:
             for (const QString& file : QDir(from + folder).entryList(QDir::Files))
                 QFile::copy(from + folder + '/' + file, to + folder + '/' + file);
         }
+        QDir().mkpath(path("media/scripts"));
+        QFile::copy(ZORVEX_PROGRAM_DIR "/media/scripts/controls.vbs", path("media/scripts/controls.vbs"));
     }
     [[nodiscard]] static QString name() { return GetParam(); }
 };

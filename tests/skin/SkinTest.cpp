@@ -237,6 +237,76 @@ TEST_F(SkinTest, ForgetsOneSkinBeforeTheNext)
     EXPECT_EQ(host.clientArea().findChildren<SkinLabel*>().size(), 0);
 }
 
+// Every mistake is told with the line that the author's editor shows, whenever it comes to light.
+TEST_F(SkinTest, TellsLinesAsTheAuthorsEditorShowsThem)
+{
+    const QByteArray theme = "<THEME scriptFile='s.vbs'><VIEW name='viewNormal'/></THEME>";
+    struct Case {
+        const char* name;
+        QByteArray script;
+        const char* statement;
+        const char* line; // of the first error
+    };
+    const Case kCases[] = {
+        {"a run-time error in the file's first line", "x = 1 / 0", "", "(1:"},
+        {"one further down", "Option Explicit\r\n\r\n' note\r\nDim a\r\na = b", "", "(5:"},
+        {"a text that does not compile", "Sub onLoad\r\nx = (1\r\nEnd Sub", "", "(2:7)"},
+        {"lines of other systems", "Sub onLoad\nEnd Sub\n\nx = = 1", "", "(4:5)"},
+        {"a procedure that fails when it is called",
+         "Sub onLoad\r\nEnd Sub\r\nSub Foo\r\n' note\r\nx = _\r\n  1 / 0\r\nEnd Sub", "Foo", "Строка: 5)"},
+        {"one that another one calls",
+         "Sub onLoad\r\nEnd Sub\r\nSub Foo\r\nBar\r\nEnd Sub\r\nSub Bar\r\nErr.Raise 5\r\nEnd Sub", "Foo",
+         "Строка: 7)"},
+        {"the statement itself", "Sub onLoad\r\nEnd Sub", "x = 1 / 0", "Строка: 1)"},
+        {"a statement that does not compile", "Sub onLoad\r\nEnd Sub", "x = (", "Строка: 1)"},
+        {"onLoad", "\r\nSub onLoad\r\nx = 1 / 0\r\nEnd Sub", "", "Строка: 3)"},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        host.errors.clear();
+        host.descriptions.clear();
+        skin.UnloadSkin();
+        ASSERT_TRUE(load(theme, c.script));
+        skin.bridge().RunScript(c.statement);
+        ASSERT_FALSE(host.errors.isEmpty());
+        const QString told = host.errors.first() + host.descriptions.first();
+        EXPECT_TRUE(told.contains(c.line)) << told.toStdString();
+    }
+}
+
+TEST_F(SkinTest, RunsALibraryBeforeItsOwnScript)
+{
+    const QByteArray theme =
+        "<THEME scriptLibrary='Lib.vbs' scriptFile='s.vbs'><VIEW name='viewNormal'/></THEME>";
+    const QByteArray script = "Const Factor = 3\r\nSub onLoad\r\nReport Twice(Factor)\r\nEnd Sub\r\n"
+                              "Function Name\r\nName = \"skin\"\r\nEnd Function";
+    const QString own = folder.filePath("media/skins/mine/");
+    const auto loadAgain = [&] {
+        skin.UnloadSkin();
+        write(own + "skin.xml", theme);
+        write(own + "s.vbs", script);
+        return skin.LoadSkin(own + "skin.xml");
+    };
+    const QString shared = folder.filePath("media/scripts/lib.vbs");
+    write(shared, "Function Twice(n)\r\nTwice = 2 * n\r\nEnd Function\r\nFunction Name\r\nEnd Function\r\n"
+                  "Sub Fail\r\nx = 1 / 0\r\nEnd Sub");
+    ASSERT_TRUE(loadAgain());
+    skin.bridge().RunScript("Report Name");
+    EXPECT_EQ(host.form.reports, QStringList({"6", "skin"})) << "what the skin declares again is the skin's";
+    skin.bridge().RunScript("Fail");
+    ASSERT_EQ(host.errors.size(), 1);
+    EXPECT_TRUE(host.errors[0].endsWith("(Строка: 7, библиотека сценариев)")) << host.errors[0].toStdString();
+
+    // A copy of the skin's own comes first.
+    write(own + "LIB.VBS", "Function Twice(n)\r\nTwice = 20 * n\r\nEnd Function");
+    ASSERT_TRUE(loadAgain());
+    EXPECT_EQ(host.form.reports.last(), "60");
+    QFile::remove(own + "LIB.VBS");
+    QFile::remove(shared);
+    ASSERT_TRUE(loadAgain());
+    EXPECT_TRUE(host.descriptions.join('|').contains("Lib.vbs")) << "a library that is nowhere is told";
+}
+
 TEST_F(SkinTest, LaysOutAThousandElementsInAnInstant)
 {
     QByteArray xml =
