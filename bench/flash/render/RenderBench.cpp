@@ -11,8 +11,10 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstring>
 #include <numbers>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -161,7 +163,8 @@ void drawWithPainter(benchmark::State& state, Style style)
     }
 }
 
-#define FRAME_SIZES Args({550, 400})->Args({1280, 960})->Unit(benchmark::kMillisecond)
+#define FRAME_SIZES                                                                                          \
+    Args({550, 400})->Args({1280, 960})->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()
 BENCHMARK_CAPTURE(drawWithCanvas, fills, Style::Fills)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithPainter, fills, Style::Fills)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithCanvas, sharedEdges, Style::Shared)->FRAME_SIZES;
@@ -170,6 +173,167 @@ BENCHMARK_CAPTURE(drawWithCanvas, strokes, Style::Strokes)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithPainter, strokes, Style::Strokes)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithCanvas, gradients, Style::Gradients)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithPainter, gradients, Style::Gradients)->FRAME_SIZES;
+
+// ---- the rest of what movies show
+// ---------------------------------------------------------------------------
+
+constexpr swf::Rgba kWhite{255, 255, 255, 255};
+
+// The least that any frame costs: every pixel written once.
+void writeFrame(benchmark::State& state)
+{
+    const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
+    render::Surface surface(width, height);
+    for (auto _ : state) {
+        std::memset(surface.row(0), 0xFF, std::size_t{4} * static_cast<std::size_t>(width * height));
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(writeFrame)->FRAME_SIZES;
+
+swf::Bitmap photograph()
+{
+    swf::Bitmap bitmap{640, 480, true, {}};
+    std::mt19937 random(7);
+    bitmap.pixels.resize(std::size_t{640} * 480);
+    for (std::uint32_t& pixel : bitmap.pixels)
+        pixel = 0xFF000000 | (static_cast<std::uint32_t>(random()) & 0xFFFFFF);
+    return bitmap;
+}
+
+void turnedBitmap(benchmark::State& state, bool ours)
+{
+    const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
+    const swf::Bitmap bitmap = photograph();
+    const QImage picture(reinterpret_cast<const uchar*>(bitmap.pixels.data()), bitmap.width, bitmap.height,
+                         QImage::Format_RGB32);
+    render::Surface surface(width, height);
+    QImage image(reinterpret_cast<uchar*>(surface.row(0)), width, height,
+                 QImage::Format_ARGB32_Premultiplied);
+    render::RenderCache cache;
+    // Large enough to cover the frame however it is turned.
+    const double scale = std::hypot(width, height) / 480;
+    double turn = 0.1;
+    for (auto _ : state) {
+        turn += 0.01;
+        const double c = scale * std::cos(turn), s = scale * std::sin(turn);
+        const double x = width / 2.0 - c * 320 + s * 240, y = height / 2.0 - s * 320 - c * 240;
+        if (ours) {
+            Canvas canvas(surface.view(), render::Quality::High, cache);
+            canvas.clear(kWhite);
+            canvas.drawBitmap(bitmap, {c, s, -s, c, x, y}, {}, render::Smoothing::On);
+        } else {
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+            painter.setTransform(QTransform(c, s, -s, c, x, y));
+            painter.drawImage(0, 0, picture);
+        }
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK_CAPTURE(turnedBitmap, canvas, true)->FRAME_SIZES;
+BENCHMARK_CAPTURE(turnedBitmap, painter, false)->FRAME_SIZES;
+
+// Shapes of eight pixels or so, moved in every frame.
+void smallSprites(benchmark::State& state, bool ours)
+{
+    constexpr int kSprites = 2000;
+    const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
+    const Scene scene = makeScene(Style::Fills);
+    const double scale = width / 550.0 / swf::kTwipsPerPixel / 8;
+    render::Surface surface(width, height);
+    QImage image(reinterpret_cast<uchar*>(surface.row(0)), width, height,
+                 QImage::Format_ARGB32_Premultiplied);
+    render::RenderCache cache;
+    double time = 0;
+    for (auto _ : state) {
+        time += 0.3;
+        const auto place = [&](int i) {
+            return std::pair(std::fmod(i * 37.7 + time, width), std::fmod(i * 23.3 + time * 0.7, height));
+        };
+        if (ours) {
+            Canvas canvas(surface.view(), render::Quality::High, cache);
+            canvas.clear(kWhite);
+            for (int i = 0; i < kSprites; ++i) {
+                const auto [x, y] = place(i);
+                canvas.drawShape(scene.items[static_cast<std::size_t>(i % 20)].shape,
+                                 {scale, 0, 0, scale, x, y});
+            }
+        } else {
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(Qt::NoPen);
+            for (int i = 0; i < kSprites; ++i) {
+                const auto [x, y] = place(i);
+                const Scene::Item& item = scene.items[static_cast<std::size_t>(i % 20)];
+                painter.setTransform(QTransform(scale, 0, 0, scale, x, y));
+                painter.setBrush(QColor(item.color.r, item.color.g, item.color.b));
+                painter.drawPath(item.outer);
+            }
+        }
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK_CAPTURE(smallSprites, canvas, true)->FRAME_SIZES;
+BENCHMARK_CAPTURE(smallSprites, painter, false)->FRAME_SIZES;
+
+void blurredSprites(benchmark::State& state)
+{
+    constexpr int kSprites = 200;
+    const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
+    const Scene scene = makeScene(Style::Fills);
+    const double zoom = width / 550.0, scale = zoom / swf::kTwipsPerPixel / 2;
+    render::Surface surface(width, height);
+    render::RenderCache cache;
+    const std::vector<swf::Filter> filters{swf::BlurFilter{4, 4, 1}};
+    double time = 0;
+    for (auto _ : state) {
+        time += 0.3;
+        Canvas canvas(surface.view(), render::Quality::High, cache);
+        canvas.setPixelScale(zoom);
+        canvas.clear(kWhite);
+        for (int i = 0; i < kSprites; ++i) {
+            const auto& shape = scene.items[static_cast<std::size_t>(i % 20)].shape;
+            const swf::Matrix place{scale,
+                                    0,
+                                    0,
+                                    scale,
+                                    std::fmod(i * 37.7 + time, width),
+                                    std::fmod(i * 23.3 + time * 0.7, height)};
+            canvas.beginLayer(render::deviceBounds(shape->bounds, place), filters);
+            canvas.drawShape(shape, place);
+            canvas.endLayer(swf::BlendMode::Layer, {}, filters);
+        }
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(blurredSprites)->FRAME_SIZES;
+
+// Some 4000 letters.
+void longText(benchmark::State& state)
+{
+    const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
+    const Scene scene = makeScene(Style::Fills);
+    const double zoom = width / 550.0, scale = zoom / swf::kTwipsPerPixel / 8;
+    render::Surface surface(width, height);
+    render::RenderCache cache;
+    std::vector<render::GlyphPlacement> glyphs;
+    constexpr double kAcross = 6, kDown = 9;
+    for (double y = kDown; y * zoom < height; y += kDown)
+        for (double x = kAcross; x * zoom < width; x += kAcross)
+            glyphs.push_back(
+                {scene.items[glyphs.size() % 60].shape, {scale, 0, 0, scale, x * zoom, y * zoom}});
+    for (auto _ : state) {
+        Canvas canvas(surface.view(), render::Quality::High, cache);
+        canvas.clear(kWhite);
+        canvas.drawGlyphs(glyphs, {0, 0, 0, 255});
+        benchmark::ClobberMemory();
+    }
+    state.counters["letters"] = static_cast<double>(glyphs.size());
+}
+BENCHMARK(longText)->FRAME_SIZES;
 
 void dropShadow(benchmark::State& state)
 {

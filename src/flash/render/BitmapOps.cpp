@@ -177,6 +177,9 @@ void floodFill(swf::Bitmap& bitmap, int x, int y, std::uint32_t color)
 void transformColors(swf::Bitmap& bitmap, const IntRect& rect, const swf::ColorTransform& transform)
 {
     const IntRect area = intersect(rect, boundsOf(bitmap));
+    // Alpha alone is made less, never more.
+    const bool onlyAlpha = swf::ColorTransform{.alphaMul = transform.alphaMul} == transform;
+    if (onlyAlpha && transform.alphaMul >= 256) return;
     for (int y = area.top; y < area.bottom; ++y) {
         std::uint32_t* row = rowOf(bitmap, y);
         for (int x = area.left; x < area.right; ++x) {
@@ -198,13 +201,14 @@ void copyPixels(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, co
                 CopyAlpha mode, std::optional<AlphaSource> alpha)
 {
     const bool merging = mode == CopyAlpha::Merge || target.opaque;
+    // One without transparency has nothing to say, not even by its size.
+    if (alpha && alpha->bitmap.opaque) alpha.reset();
     forEachCopied(target, x, y, source, from, [&](std::uint32_t& out, std::uint32_t in, int sx, int sy) {
         if (alpha) {
             const long long ax = static_cast<long long>(alpha->x) + sx - from.left;
             const long long ay = static_cast<long long>(alpha->y) + sy - from.top;
             if (ax < 0 || ay < 0 || ax >= alpha->bitmap.width || ay >= alpha->bitmap.height) return;
-            if (!alpha->bitmap.opaque)
-                in = scalePixel(in, rowOf(alpha->bitmap, static_cast<int>(ay))[ax] >> 24);
+            in = scalePixel(in, rowOf(alpha->bitmap, static_cast<int>(ay))[ax] >> 24);
         }
         out = merging ? in + shownThrough(out, in >> 24) : in;
         if (target.opaque) out |= 0xFF000000U;

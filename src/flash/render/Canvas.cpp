@@ -36,6 +36,17 @@ struct Frame {
     std::size_t firstMaskBefore = 0;
 };
 
+Coverage coverageOf(Quality quality)
+{
+    switch (quality) {
+    case Quality::Low: return Coverage::Sampled;
+    case Quality::Medium: return Coverage::Grid2;
+    case Quality::High: return Coverage::Grid4;
+    case Quality::Best: return Coverage::Exact;
+    }
+    return Coverage::Exact;
+}
+
 FillRule fillRuleOf(const swf::Shape& shape)
 {
     return shape.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
@@ -112,7 +123,7 @@ public:
     void drawPixels(const PixelSource& source, const swf::Matrix& toDevice, const swf::ColorTransform& color,
                     Smoothing smoothing);
     void fillPolygon(std::span<const swf::Point> corners, swf::Rgba color);
-    void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
+    void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color, LastCorner corner);
     void invertRect(const IntRect& rect);
     void fillDeviceRect(const IntRect& rect, swf::Rgba color);
     /// Nothing unless the rectangle is upright on the device.
@@ -170,7 +181,7 @@ private:
 Destination Canvas::Impl::destination()
 {
     Destination to;
-    to.coverage = m_quality == Quality::Low ? Coverage::Sampled : Coverage::Exact;
+    to.coverage = coverageOf(m_quality);
     to.clip = clip();
     const Mask* mask = currentMask();
     if (mask != nullptr && !mask->isRectangle()) to.mask = mask;
@@ -205,7 +216,9 @@ StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matri
     case swf::FillStyle::Kind::RadialGradient:
     case swf::FillStyle::Kind::FocalGradient: {
         const GradientRamp ramp = makeRamp(fill.gradient, color);
-        style.paint = makeGradientPaint(fill.kind, fill.gradient, ramp, toDevice * fill.matrix);
+        style.paint =
+            makeGradientPaint(fill.kind, fill.gradient, ramp, toDevice * fill.matrix,
+                              m_quality == Quality::Low ? GradientSample::Centre : GradientSample::Corner);
         // Squeezed to nothing, all that is seen lies beyond the end.
         if (style.paint == nullptr) style.color = ramp.back();
         break;
@@ -282,7 +295,9 @@ void Canvas::Impl::drawStrokes(const Destination& to, const swf::Shape& shape, c
 
 void Canvas::Impl::drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba color)
 {
-    const Destination to = destination();
+    Destination to = destination();
+    // The details of letters are finer than any grid.
+    if (to.coverage != Coverage::Sampled) to.coverage = Coverage::Exact;
     setSingleStyle({premultiply(color), nullptr});
     for (const GlyphPlacement& glyph : glyphs) {
         if (glyph.outline == nullptr || !isUsable(glyph.toDevice)) continue;
@@ -338,7 +353,8 @@ void Canvas::Impl::fillDeviceRect(const IntRect& rect, swf::Rgba color)
     fillPolygon(corners, color);
 }
 
-void Canvas::Impl::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
+void Canvas::Impl::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color,
+                              LastCorner corner)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;
     if (const auto box = snappedBox(twips, toDevice)) {
@@ -346,6 +362,11 @@ void Canvas::Impl::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevic
         fillDeviceRect({box->left, box->top + 1, box->left + 1, box->bottom + 1}, color);
         fillDeviceRect({box->right, box->top + 1, box->right + 1, box->bottom}, color);
         fillDeviceRect({box->left + 1, box->bottom, box->right, box->bottom + 1}, color);
+        if (corner == LastCorner::Closed) {
+            constexpr std::uint32_t kCovered = 10, kSamples = 16;
+            color.a = static_cast<std::uint8_t>(color.a * kCovered / kSamples);
+            fillDeviceRect({box->right, box->bottom, box->right + 1, box->bottom + 1}, color);
+        }
         return;
     }
     std::array<StrokePoint, 5> path;
@@ -537,9 +558,30 @@ void Canvas::fillBox(const swf::Rect& twips, const swf::Matrix& toDevice, swf::R
 
 bool Canvas::buildsMask() const { return m_impl->buildsMask(); }
 
-void Canvas::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
+void Canvas::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color,
+                        LastCorner corner)
 {
-    m_impl->strokeRect(twips, toDevice, color);
+    m_impl->strokeRect(twips, toDevice, color, corner);
+}
+
+void Canvas::strokeInside(swf::Point least, swf::Point greatest, double width, swf::Rgba color)
+{
+    if (!(least.x < greatest.x && least.y < greatest.y)) return;
+    const double across = std::min({width, (greatest.x - least.x) / 2, (greatest.y - least.y) / 2});
+    const double left = least.x + across, right = greatest.x - across;
+    const double top = least.y + across, bottom = greatest.y - across;
+    // Around the outside, across to the inside and around it the other way, and back.
+    const std::array corners{least,
+                             swf::Point{greatest.x, least.y},
+                             greatest,
+                             swf::Point{least.x, greatest.y},
+                             least,
+                             swf::Point{left, top},
+                             swf::Point{left, bottom},
+                             swf::Point{right, bottom},
+                             swf::Point{right, top},
+                             swf::Point{left, top}};
+    m_impl->fillPolygon(corners, color);
 }
 
 void Canvas::invertRect(const swf::Rect& twips, const swf::Matrix& toDevice)

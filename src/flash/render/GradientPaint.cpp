@@ -65,14 +65,23 @@ void fillBetween(std::array<swf::Rgba, kRampSize>& colors, const swf::Gradient::
     return ramp[static_cast<std::size_t>(position)];
 }
 
+// Where in a pixel a gradient is looked at, from its upper left corner.
+constexpr double kCentre = 0.5, kCorner = 0;
+// The genuine player's radial ones lie off by a hair and are too large by less, as its fixed-point numbers
+// make them; found from its pictures, where it decides about single pixels on the rings of the ramp.
+constexpr double kRadialShift = 0.0012;
+constexpr float kRadialSize = kRampSize * (1 - 1e-5F);
+
 // Far beyond any number of repetitions that could be told apart.
 constexpr float kFarthest = 1e6F;
 
 class GradientPaint : public Paint
 {
 public:
-    GradientPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice)
-        : m_ramp(ramp), m_spread(gradient.spread), m_fromDevice(fromDevice)
+    GradientPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
+                  GradientSample sample, double shift = 0)
+        : m_ramp(ramp), m_spread(gradient.spread), m_fromDevice(fromDevice),
+          m_within(sample == GradientSample::Corner ? kCorner + shift : kCentre)
     {
     }
     void fetch(int x, int y, std::size_t count, std::uint32_t* to) const override
@@ -82,7 +91,7 @@ public:
         float positions[kBlock];
         while (count > 0) {
             const std::size_t block = std::min(count, kBlock);
-            const swf::Point start = m_fromDevice.map(x + 0.5, y + 0.5);
+            const swf::Point start = m_fromDevice.map(x + m_within, y + m_within);
             place(start, block, positions);
             for (std::size_t i = 0; i < block; ++i)
                 to[i] = entry(m_ramp, m_spread, static_cast<std::int32_t>(positions[i]));
@@ -102,6 +111,7 @@ private:
     GradientRamp m_ramp;
     swf::Gradient::Spread m_spread;
     swf::Matrix m_fromDevice; ///< device pixels to the unit circle
+    double m_within;          ///< where in a pixel it is looked at, from its corner
 };
 
 ZORVEX_VECTORIZE
@@ -119,7 +129,7 @@ void placeRadial(float startX, float startY, float stepX, float stepY, std::size
     for (std::size_t i = 0; i < count; ++i) {
         const float x = startX + stepX * static_cast<float>(static_cast<int>(i));
         const float y = startY + stepY * static_cast<float>(static_cast<int>(i));
-        positions[i] = std::min(std::sqrt(x * x + y * y) * kRampSize, kFarthest);
+        positions[i] = std::min(std::sqrt(x * x + y * y) * kRadialSize, kFarthest);
     }
 }
 
@@ -151,7 +161,14 @@ class LinearPaint final : public GradientPaint
 
 class RadialPaint final : public GradientPaint
 {
-    using GradientPaint::GradientPaint;
+public:
+    RadialPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
+                GradientSample sample)
+        : GradientPaint(gradient, ramp, fromDevice, sample, kRadialShift)
+    {
+    }
+
+private:
     void place(swf::Point start, std::size_t count, float* positions) const override
     {
         placeRadial(static_cast<float>(start.x), static_cast<float>(start.y), stepX(), stepY(), count,
@@ -162,8 +179,9 @@ class RadialPaint final : public GradientPaint
 class FocalPaint final : public GradientPaint
 {
 public:
-    FocalPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice)
-        : GradientPaint(gradient, ramp, fromDevice),
+    FocalPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
+               GradientSample sample)
+        : GradientPaint(gradient, ramp, fromDevice, sample),
           // On the circle itself every point would be infinitely far along its way.
           m_focal(static_cast<float>(std::clamp(gradient.focalPoint, -0.98, 0.98)))
     {
@@ -184,21 +202,26 @@ GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& 
 {
     GradientRamp ramp;
     std::array<swf::Rgba, kRampSize> colors;
-    // The genuine player fills with black where no colours are given, and moves a stop that does not lie
-    // beyond its predecessor to just behind it. Before the first and after the last one the colour stays.
+    // The genuine player fills with black where no colours are given. A stop that does not lie beyond its
+    // predecessor comes one entry later, which still has the predecessor's colour. Before the first and after
+    // the last one the colour stays.
     swf::Gradient::Stop previous;
     if (!gradient.stops.empty()) previous = gradient.stops.front();
     std::fill_n(colors.begin(), previous.ratio + 1, previous.color);
     for (std::size_t i = 1; i < gradient.stops.size() && previous.ratio < kRampSize - 1; ++i) {
         swf::Gradient::Stop stop = gradient.stops[i];
-        stop.ratio = std::max(stop.ratio, static_cast<std::uint8_t>(previous.ratio + 1));
+        if (stop.ratio <= previous.ratio) {
+            colors[previous.ratio + 1U] = previous.color;
+            previous = {static_cast<std::uint8_t>(previous.ratio + 1), stop.color};
+            continue;
+        }
         if (gradient.interpolation == swf::Gradient::Interpolation::Linear)
             fillBetween<mixLinear>(colors, previous, stop);
         else
             fillBetween<mixPlain>(colors, previous, stop);
         previous = stop;
     }
-    std::fill(colors.begin() + previous.ratio, colors.end(), previous.color);
+    std::fill(colors.begin() + std::min(previous.ratio + 1, kRampSize), colors.end(), previous.color);
     const bool plain = color.isIdentity();
     std::ranges::transform(colors, ramp.begin(),
                            [&](swf::Rgba c) { return premultiply(plain ? c : apply(color, c)); });
@@ -206,7 +229,8 @@ GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& 
 }
 
 std::unique_ptr<Paint> makeGradientPaint(swf::FillStyle::Kind kind, const swf::Gradient& gradient,
-                                         const GradientRamp& ramp, const swf::Matrix& toDevice)
+                                         const GradientRamp& ramp, const swf::Matrix& toDevice,
+                                         GradientSample sample)
 {
     if (!toDevice.isInvertible()) return nullptr;
     swf::Matrix fromDevice = toDevice.inverted();
@@ -215,9 +239,9 @@ std::unique_ptr<Paint> makeGradientPaint(swf::FillStyle::Kind kind, const swf::G
                   fromDevice.d * f, fromDevice.tx * f, fromDevice.ty * f};
     const bool focal = kind == swf::FillStyle::Kind::FocalGradient && gradient.focalPoint != 0;
     if (kind == swf::FillStyle::Kind::LinearGradient)
-        return std::make_unique<LinearPaint>(gradient, ramp, fromDevice);
-    if (focal) return std::make_unique<FocalPaint>(gradient, ramp, fromDevice);
-    return std::make_unique<RadialPaint>(gradient, ramp, fromDevice);
+        return std::make_unique<LinearPaint>(gradient, ramp, fromDevice, sample);
+    if (focal) return std::make_unique<FocalPaint>(gradient, ramp, fromDevice, sample);
+    return std::make_unique<RadialPaint>(gradient, ramp, fromDevice, sample);
 }
 
 } // namespace flash::render

@@ -12,6 +12,51 @@ namespace
 
 int toSubpixels(double pixels) { return static_cast<int>(std::lrint(pixels * kSubpixels)); }
 
+// A point on the grid, in its steps from the upper left corner of an area.
+struct GridPoint {
+    int x = 0, y = 0;
+};
+
+// Enough for any term of a point that is near the surface after all.
+constexpr double kFarTerm = 1e17;
+
+std::int64_t toTerm(double value) { return std::lrint(std::clamp(value, -kFarTerm, kFarTerm)); }
+
+int toSteps(std::int64_t value)
+{
+    constexpr std::int64_t kFar = 1 << 28;
+    return static_cast<int>(std::clamp(value, -kFar, kFar));
+}
+int toSteps(double value) { return toSteps(toTerm(value)); }
+
+// Maps points onto a grid as the genuine player does: what each term of the matrix adds is rounded by itself.
+class GridMap
+{
+public:
+    GridMap(const swf::Matrix& m, const IntRect& area, int steps)
+        : m_a(m.a * steps), m_b(m.b * steps), m_c(m.c * steps), m_d(m.d * steps),
+          m_x(toTerm(m.tx * steps) - std::int64_t{area.left} * steps),
+          m_y(toTerm(m.ty * steps) - std::int64_t{area.top} * steps)
+    {
+    }
+    [[nodiscard]] GridPoint operator()(FlatPoint p) const
+    {
+        return {toSteps(toTerm(m_a * p.x) + toTerm(m_c * p.y) + m_x),
+                toSteps(toTerm(m_b * p.x) + toTerm(m_d * p.y) + m_y)};
+    }
+
+private:
+    double m_a, m_b, m_c, m_d;
+    std::int64_t m_x, m_y;
+};
+
+// Points that are rounded may come to lie a little outside.
+IntRect roundedOn(Coverage coverage, const IntRect& bounds)
+{
+    if (gridSteps(coverage) == 0 || bounds.isEmpty()) return bounds;
+    return {bounds.left - 1, bounds.top - 1, bounds.right + 1, bounds.bottom + 1};
+}
+
 void uniteInto(Mask& building, const Mask& part)
 {
     if (part.isRectangle() && part.bounds.isEmpty()) return;
@@ -64,7 +109,8 @@ void OutlineDrawer::drawLayer(const Destination& to, const FlatLayer& layer, con
                               FillRule rule, Numbers numbers)
 {
     if (layer.points.empty()) return;
-    const IntRect bounds = boundsOf(m, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y);
+    const IntRect bounds =
+        roundedOn(to.coverage, boundsOf(m, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y));
     convert(to, bounds, rule, [&](const IntRect& area) {
         const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         // Relative to the area, in subpixels.
@@ -82,6 +128,16 @@ void OutlineDrawer::drawLayer(const Destination& to, const FlatLayer& layer, con
             else
                 m_converter.setStyles(run.fill0 != 0 ? 1 : 0, run.fill1 != 0 ? 1 : 0);
             const std::span<const FlatPoint> points(layer.points.data() + run.first, run.count);
+            if (const int steps = gridSteps(to.coverage); steps != 0) {
+                const GridMap map(m, area, steps);
+                GridPoint from = map(points[0]);
+                for (const FlatPoint& point : points.subspan(1)) {
+                    const GridPoint next = map(point);
+                    m_converter.lineOnGrid(from.x, from.y, next.x, next.y);
+                    from = next;
+                }
+                continue;
+            }
             if (inside) {
                 const swf::Point start = fixed.map(points[0].x, points[0].y);
                 int x = static_cast<int>(std::lrint(start.x)), y = static_cast<int>(std::lrint(start.y));
@@ -120,12 +176,28 @@ void OutlineDrawer::silhouette(const Destination& to, const FlatLayer& layer, co
 void OutlineDrawer::stroke(const Destination& to, const StrokeOutline& outline, swf::Point offset)
 {
     if (outline.points.empty()) return;
-    const IntRect bounds = boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.least.x, outline.least.y,
-                                    outline.greatest.x, outline.greatest.y);
+    const IntRect bounds =
+        roundedOn(to.coverage, boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.least.x, outline.least.y,
+                                        outline.greatest.x, outline.greatest.y));
     convert(to, bounds, FillRule::NonZero, [&](const IntRect& area) {
         const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         m_converter.setStyles(0, 1);
         std::uint32_t first = 0;
+        if (const int steps = gridSteps(to.coverage); steps != 0) {
+            const auto map = [&](FlatPoint p) {
+                return GridPoint{toSteps((p.x + offset.x - area.left) * steps),
+                                 toSteps((p.y + offset.y - area.top) * steps)};
+            };
+            for (const std::uint32_t end : outline.contourEnds) {
+                GridPoint from = map(outline.points[end - 1]);
+                for (; first < end; ++first) {
+                    const GridPoint next = map(outline.points[first]);
+                    m_converter.lineOnGrid(from.x, from.y, next.x, next.y);
+                    from = next;
+                }
+            }
+            return;
+        }
         for (const std::uint32_t end : outline.contourEnds) {
             FlatPoint from = outline.points[end - 1];
             for (std::uint32_t i = first; i < end; ++i) {
@@ -153,15 +225,27 @@ void OutlineDrawer::polygon(const Destination& to, std::span<const swf::Point> c
         least = {std::min(least.x, p.x), std::min(least.y, p.y)};
         greatest = {std::max(greatest.x, p.x), std::max(greatest.y, p.y)};
     }
-    convert(to, boundsOf({}, least.x, least.y, greatest.x, greatest.y), FillRule::EvenOdd,
-            [&](const IntRect&) {
-                m_converter.setStyles(0, 1);
-                swf::Point from = corners.back();
-                for (const swf::Point& next : corners) {
-                    m_converter.line(from.x, from.y, next.x, next.y);
-                    from = next;
-                }
-            });
+    const IntRect bounds = roundedOn(to.coverage, boundsOf({}, least.x, least.y, greatest.x, greatest.y));
+    convert(to, bounds, FillRule::EvenOdd, [&](const IntRect& area) {
+        m_converter.setStyles(0, 1);
+        if (const int steps = gridSteps(to.coverage); steps != 0) {
+            const auto map = [&](swf::Point p) {
+                return GridPoint{toSteps((p.x - area.left) * steps), toSteps((p.y - area.top) * steps)};
+            };
+            GridPoint from = map(corners.back());
+            for (const swf::Point& corner : corners) {
+                const GridPoint next = map(corner);
+                m_converter.lineOnGrid(from.x, from.y, next.x, next.y);
+                from = next;
+            }
+            return;
+        }
+        swf::Point from = corners.back();
+        for (const swf::Point& next : corners) {
+            m_converter.line(from.x, from.y, next.x, next.y);
+            from = next;
+        }
+    });
 }
 
 } // namespace flash::render

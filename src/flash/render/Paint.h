@@ -43,10 +43,15 @@ public:
     virtual void fetch(int x, int y, std::size_t count, std::uint32_t* to) const = 0;
 };
 
+/// Where within a pixel a gradient is looked at: where edges are smoothed, at the first of its samples, the
+/// upper left corner.
+enum class GradientSample { Corner, Centre };
+
 /// @param toDevice gradient square to device pixels
 /// @returns null when the matrix cannot be inverted
 std::unique_ptr<Paint> makeGradientPaint(swf::FillStyle::Kind kind, const swf::Gradient& gradient,
-                                         const GradientRamp& ramp, const swf::Matrix& toDevice);
+                                         const GradientRamp& ramp, const swf::Matrix& toDevice,
+                                         GradientSample sample = GradientSample::Corner);
 
 enum class Edges { Clamp, Repeat };
 

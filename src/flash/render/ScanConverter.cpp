@@ -145,6 +145,68 @@ void ScanConverter::lineExact(Cells& cells, int x0, int y0, int x1, int y1)
     rowPiece(cells, row, x, fy, x1, fyLast, sign, down);
 }
 
+// Rows of samples lie on the steps of the grid, columns between them.
+template <int kStepBits, class Cells>
+void ScanConverter::lineCounted(Cells& cells, int x0, int y0, int x1, int y1)
+{
+    if (y0 == y1) return;
+    int sign = 1;
+    if (y0 > y1) {
+        std::swap(x0, x1);
+        std::swap(y0, y1);
+        sign = -1;
+    }
+    constexpr int kSteps = 1 << kStepBits;
+    const int first = std::max(y0, 0), last = std::min(y1, m_clip.height() << kStepBits) - 1;
+    const int width = m_clip.width() << kStepBits;
+    if (first > last || (x0 >= width && x1 >= width)) return;
+    m_firstRow = std::min(m_firstRow, first >> kStepBits);
+    m_lastRow = std::max(m_lastRow, last >> kStepBits);
+    constexpr int kFraction = 20;
+    constexpr std::int64_t kHalf = (std::int64_t{1} << (kFraction - 1)) - 1;
+    const std::int64_t slope = (std::int64_t{x1 - x0} << kFraction) / (y1 - y0);
+    std::int64_t x = (std::int64_t{x0} << kFraction) + slope * (first - y0) + kHalf;
+    constexpr int kHeight = kOne / kSteps;
+    for (int y = first; y <= last;) {
+        // What the samples of a row of pixels have in the same pixel is added at once.
+        const int row = y >> kStepBits, end = std::min(last + 1, (row + 1) << kStepBits);
+        int column = -1, rows = 0, steps = 0;
+        const auto flush = [&] {
+            if (rows != 0)
+                cells.row(row, column, column)
+                    .add(column, sign * rows * kHeight, sign * steps * (2 * kHeight * kHeight));
+        };
+        for (; y < end; ++y, x += slope) {
+            const std::int64_t at = x >> kFraction;
+            if (at >= width) continue;
+            const int inside = std::max(static_cast<int>(at), 0);
+            if (inside >> kStepBits != column) {
+                flush();
+                column = inside >> kStepBits;
+                rows = steps = 0;
+            }
+            ++rows;
+            steps += inside & (kSteps - 1);
+        }
+        flush();
+    }
+}
+
+void ScanConverter::lineOnGrid(int x0, int y0, int x1, int y1)
+{
+    if (m_coverage == Coverage::Grid4) {
+        if (m_isDense)
+            lineCounted<2>(m_dense, x0, y0, x1, y1);
+        else
+            lineCounted<2>(m_sparse, x0, y0, x1, y1);
+        return;
+    }
+    if (m_isDense)
+        lineCounted<1>(m_dense, x0, y0, x1, y1);
+    else
+        lineCounted<1>(m_sparse, x0, y0, x1, y1);
+}
+
 void ScanConverter::lineInside(int x0, int y0, int x1, int y1)
 {
     if (y0 == y1) return;

@@ -10,8 +10,16 @@
 namespace flash::render
 {
 
-/// Exact: each pixel knows how much of it is covered. Sampled: it is covered or not, as its centre is.
-enum class Coverage : std::uint8_t { Exact, Sampled };
+/// Exact: each pixel knows how much of it is covered. Sampled: it is covered or not, as its centre is. Grid4
+/// and Grid2: points lie on quarters or halves of pixels, and so many samples each way tell how much is
+/// covered; the genuine player smooths edges like that.
+enum class Coverage : std::uint8_t { Exact, Grid4, Grid2, Sampled };
+
+/// Steps of the grid that points lie on, to a pixel; 0 where they lie anywhere.
+constexpr int gridSteps(Coverage coverage)
+{
+    return coverage == Coverage::Grid4 ? 4 : coverage == Coverage::Grid2 ? 2 : 0;
+}
 
 /// Turns lines into coverage, for all styles of a layer in one sweep: each line knows the style on either
 /// side, and where styles meet within a pixel their coverages add up to 256, so that no seam shows.
@@ -35,6 +43,10 @@ public:
     /// The same for lines known to lie within the clip, in 1/256 pixel relative to its upper left corner.
     void lineInside(int x0, int y0, int x1, int y1);
 
+    /// For Coverage::Grid4 and Grid2, instead of the others: between points of the grid, in its steps from
+    /// the upper left corner of the clip, within 2^29.
+    void lineOnGrid(int x0, int y0, int x1, int y1);
+
     /// Too many cells: what was added since begin() is incomplete. The caller divides the clip and starts
     /// over.
     [[nodiscard]] bool isOverfull() const { return !m_isDense && m_sparse.isOverfull(); }
@@ -49,6 +61,8 @@ private:
     void lineExact(Cells& cells, int x0, int y0, int x1, int y1);
     template <class Cells>
     void lineSampled(Cells& cells, double x0, double y0, double x1, double y1);
+    template <int kStepBits, class Cells>
+    void lineCounted(Cells& cells, int x0, int y0, int x1, int y1);
     void clippedLine(double x0, double y0, double x1, double y1);
     template <class Cells>
     void sweepRows(Cells& cells, FillRule rule, SpanSink& sink);

@@ -70,7 +70,7 @@ void Button::setState(State state)
     contentChanged();
 }
 
-bool Button::takesPointer(swf::Point stagePoint)
+std::span<const NodePtr> Button::hitNodes()
 {
     if (!m_hitNodesMade) {
         m_hitNodesMade = true;
@@ -85,17 +85,27 @@ bool Button::takesPointer(swf::Point stagePoint)
             m_hitNodes.push_back(node);
         }
     }
-    return std::any_of(m_hitNodes.begin(), m_hitNodes.end(),
-                       [&](const NodePtr& node) { return node->hitsShape(stagePoint); });
+    return m_hitNodes;
 }
 
-swf::Rect Button::bounds(Extent extent)
+bool Button::takesPointer(swf::Point stagePoint)
+{
+    return std::ranges::any_of(hitNodes(), [&](const NodePtr& node) { return node->hitsShape(stagePoint); });
+}
+
+namespace
+{
+swf::Rect boundsOfAll(std::span<const NodePtr> nodes, Node::Extent extent)
 {
     swf::Rect all;
-    for (const NodePtr& child : m_children)
-        all = swf::unite(all, swf::mapBounds(child->matrix(), child->bounds(extent)));
+    for (const NodePtr& node : nodes)
+        all = swf::unite(all, swf::mapBounds(node->matrix(), node->bounds(extent)));
     return all;
 }
+} // namespace
+
+swf::Rect Button::bounds(Extent extent) { return boundsOfAll(m_children, extent); }
+swf::Rect Button::hitBounds() { return boundsOfAll(hitNodes(), Extent::WithStrokes); }
 
 bool Button::hitsShape(swf::Point stagePoint)
 {

@@ -22,6 +22,8 @@ public:
     /// Shows the up state; once, when the button is on its list.
     void begin();
     [[nodiscard]] bool takesPointer(swf::Point stagePoint);
+    /// Of what takes the pointer.
+    [[nodiscard]] swf::Rect hitBounds();
     [[nodiscard]] bool tracksAsMenu() const { return trackAsMenu.value_or(m_definition.trackAsMenu); }
 
     std::optional<bool> trackAsMenu;
@@ -34,6 +36,7 @@ public:
 private:
     friend class Stage;
     NodePtr make(const swf::ButtonRecord& record);
+    std::span<const NodePtr> hitNodes();
     const swf::Button& m_definition;
     State m_state = State::Up;
     std::vector<NodePtr> m_children;

@@ -62,8 +62,9 @@ void Clip::insert(NodePtr node, int depth)
     node->m_parent = this;
     node->m_depth = depth;
     node->m_nesting = m_nesting + 1;
-    const auto at = std::upper_bound(m_children.begin(), m_children.end(), depth,
-                                     [](int d, const NodePtr& child) { return d < child->depth(); });
+    // Should the depth be taken, what comes later lies below.
+    const auto at = std::lower_bound(m_children.begin(), m_children.end(), depth,
+                                     [](const NodePtr& child, int d) { return child->depth() < d; });
     Node& inserted = *node;
     m_children.insert(at, std::move(node));
     forgetBounds();

@@ -192,13 +192,8 @@ void Clip::place(const swf::PlaceObject& tag, int frame)
         return;
     }
     if (!tag.characterId) return;
-    // Up to version 5 a clip gives way, without being told; later ones stay.
-    if (existing) {
-        if (m_movie->header.version > 5 || existing->kind() != NodeKind::Clip) return;
-        const NodePtr keep = existing->shared_from_this();
-        take(*existing);
-        m_stage.retire(*existing);
-    }
+    // Up to version 5 a clip shares its depth, and what comes to it later lies below.
+    if (existing && (m_movie->header.version > 5 || existing->kind() != NodeKind::Clip)) return;
     if (!m_aside.empty() && takeBack(tag, frame)) return;
     const NodePtr node = instantiate(m_movie, *tag.characterId, depth, true);
     if (!node) return;

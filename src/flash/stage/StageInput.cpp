@@ -501,12 +501,24 @@ void Stage::showFocus(bool on)
     if (m_focus) m_focus->invalidate();
 }
 
+namespace
+{
+// Asked when the focus comes: a script that says otherwise later changes nothing before it comes again.
+bool wantsFocusRect(const Node& node)
+{
+    const Node* root = &node;
+    while (root->parent()) root = root->parent();
+    return node.focusRect.value_or(root->focusRect.value_or(true));
+}
+} // namespace
+
 void Stage::setFocus(Node* node, By by)
 {
     if (by == By::Script) showFocus(true);
     if (m_focus.get() == node) return;
     const NodePtr before = m_focus;
     m_focus = node ? node->shared_from_this() : nullptr;
+    if (m_focus && !wantsFocusRect(*m_focus)) m_focusShown = false;
     const auto asField = [](const NodePtr& entry) {
         const bool is = entry && entry->kind() == NodeKind::TextField;
         return is ? static_cast<TextField*>(entry.get()) : nullptr;

@@ -1,10 +1,12 @@
 #include "flash/render/Canvas.h"
 #include "flash/render/Filters.h"
+#include "flash/stage/Button.h"
 #include "flash/stage/Renderer.h"
 #include "flash/stage/Stage.h"
 #include "flash/stage/TextField.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace flash::stage
@@ -197,31 +199,24 @@ void Stage::render(render::Canvas& canvas, const render::IntRect& clip)
     drawFocus(canvas, view);
 }
 
-// Three pixels wide and within the bounds of what has the focus, above everything. Fields show theirs by the
-// caret.
+// Three pixels wide and within the bounds of what has the focus, above everything; around what takes the
+// pointer of a button. Fields show theirs by the caret.
 void Stage::drawFocus(render::Canvas& canvas, const swf::Matrix& view)
 {
     if (!m_focusShown || !m_focus || m_focus->isRemoved() || m_focus->kind() == NodeKind::TextField) return;
-    const Node* root = m_focus.get();
-    for (; root->parent(); root = root->parent())
+    for (const Node* root = m_focus.get(); root->parent(); root = root->parent())
         if (!root->isVisible()) return;
-    if (!m_focus->focusRect.value_or(root->focusRect.value_or(true))) return;
-    constexpr swf::Rgba kColor{255, 255, 0, 255};
-    constexpr int kWidth = 3 * swf::kTwipsPerPixel;
-    const swf::Rect box = swf::mapBounds(m_focus->toStage(), m_focus->bounds());
-    if (box.isEmpty()) return;
+    const swf::Rect own =
+        m_focus->kind() == NodeKind::Button ? static_cast<Button&>(*m_focus).hitBounds() : m_focus->bounds();
+    if (own.isEmpty()) return;
+    // Not rounded to twips: a turned clip's corners lie anywhere.
+    const swf::Matrix toDevice = view * m_focus->toStage();
+    const std::array corners{toDevice.map(own.xMin, own.yMin), toDevice.map(own.xMax, own.yMin),
+                             toDevice.map(own.xMin, own.yMax), toDevice.map(own.xMax, own.yMax)};
+    const auto [left, right] = std::ranges::minmax(corners, {}, &swf::Point::x);
+    const auto [top, bottom] = std::ranges::minmax(corners, {}, &swf::Point::y);
     // On a stage that is shown larger or smaller it keeps its width.
-    const auto across = static_cast<std::int32_t>(
-        std::lround(kWidth * m_deviceScale / std::max(view.a * swf::kTwipsPerPixel, 1e-3)));
-    const swf::Rect inner{box.xMin + across, box.xMax - across, box.yMin + across, box.yMax - across};
-    if (inner.xMin >= inner.xMax || inner.yMin >= inner.yMax) {
-        canvas.fillRect(box, view, kColor);
-        return;
-    }
-    canvas.fillRect({box.xMin, box.xMax, box.yMin, inner.yMin}, view, kColor);
-    canvas.fillRect({box.xMin, box.xMax, inner.yMax, box.yMax}, view, kColor);
-    canvas.fillRect({box.xMin, inner.xMin, inner.yMin, inner.yMax}, view, kColor);
-    canvas.fillRect({inner.xMax, box.xMax, inner.yMin, inner.yMax}, view, kColor);
+    canvas.strokeInside({left.x, top.y}, {right.x, bottom.y}, 3 * m_deviceScale, {255, 255, 0, 255});
 }
 
 } // namespace flash::stage

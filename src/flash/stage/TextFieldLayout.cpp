@@ -268,7 +268,10 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
     }
     const swf::Rect box = bounds();
     if (m_background) canvas.fillBox(box, toDevice, swf::apply(color, m_backgroundColor));
-    if (m_border) canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor));
+    if (m_border)
+        canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor),
+                          m_embedFonts ? render::Canvas::LastCorner::Closed
+                                       : render::Canvas::LastCorner::Open);
     const bool focused = isFocused();
     if (m_content.isEmpty() && !focused) return;
 

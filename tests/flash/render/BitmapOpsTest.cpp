@@ -28,6 +28,28 @@ TEST(BitmapOps, ColoursSurviveStorageAsFarAsTheirAlphaAllows)
     EXPECT_EQ(unmultiplied(premultiplied(0x00FFFFFF)), 0U);
 }
 
+TEST(BitmapOps, AnOpaqueAlphaBitmapHasNoSay)
+{
+    const swf::Bitmap source = bitmap(4, 1, false, 0x80FFFFFF);
+    const swf::Bitmap glass = bitmap(2, 1, false, 0x80000000), wall = bitmap(2, 1, true, 0);
+    swf::Bitmap target = bitmap(4, 1);
+    copyPixels(target, 0, 0, source, boundsOf(source), CopyAlpha::Replace, AlphaSource{glass, 0, 0});
+    EXPECT_EQ(pixelAt(target, 1, 0) >> 24, 0x40U);
+    EXPECT_EQ(pixelAt(target, 2, 0), 0U); // beyond the glass
+    copyPixels(target, 0, 0, source, boundsOf(source), CopyAlpha::Replace, AlphaSource{wall, 0, 0});
+    EXPECT_EQ(pixelAt(target, 1, 0), 0x80FFFFFFU);
+    EXPECT_EQ(pixelAt(target, 3, 0), 0x80FFFFFFU);
+}
+
+TEST(BitmapOps, AlphaAloneIsNeverMadeMore)
+{
+    swf::Bitmap target = bitmap(2, 1, false, 0x40FFFFFF);
+    transformColors(target, boundsOf(target), {.alphaMul = 512});
+    EXPECT_EQ(pixelAt(target, 0, 0), 0x40FFFFFFU);
+    transformColors(target, boundsOf(target), {.redMul = 128, .alphaMul = 512});
+    EXPECT_EQ(pixelAt(target, 0, 0), 0x8080FFFFU);
+}
+
 TEST(BitmapOps, CopiesAreCutAtBothEnds)
 {
     swf::Bitmap source = bitmap(4, 4);

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
+#include <utility>
 
 namespace flash::render
 {
@@ -30,6 +32,66 @@ TEST(Canvas, BlendsPartlyCoveredAndTransparentPixels)
     EXPECT_EQ(picture.at(1, 0), 0xFF808080);
     EXPECT_EQ(picture.at(2, 0), kBlack);
     EXPECT_EQ(picture.at(1, 2), 0xFF808080);
+}
+
+TEST(Canvas, CountsSamplesOnAGridAsTheQualityAsks)
+{
+    // From (0, 0) down to the right: of a pixel on the diagonal, six samples of sixteen lie above the line,
+    // or one of four, or half of it, or its centre.
+    const swf::ShapeLayer triangle{{solid(0, 0, 0)}, {}, {run({{0, 0}, {4, 0}, {4, 4}, {0, 0}}, 0, 1)}};
+    const auto darkness = [&](Quality quality) {
+        Picture picture(4, 4, {255, 255, 255, 255}, quality);
+        picture.canvas.drawShape(shapeOf(triangle), kStage);
+        EXPECT_EQ(picture.at(2, 1), kBlack);
+        EXPECT_EQ(picture.at(1, 2), kWhite);
+        return 255 - static_cast<int>(picture.at(1, 1) & 0xFF);
+    };
+    EXPECT_NEAR(darkness(Quality::Best), 128, 1);
+    EXPECT_NEAR(darkness(Quality::High), 255 * 10 / 16, 1);
+    EXPECT_NEAR(darkness(Quality::Medium), 255 * 3 / 4, 1);
+    EXPECT_EQ(darkness(Quality::Low), 255);
+    // Corners go to the nearest quarter.
+    for (const auto& [right, share] : {std::pair{2.3, 0.25}, {2.45, 0.5}, {2.1, 0.0}}) {
+        Picture picture(4, 4);
+        picture.canvas.drawShape(rectShape(0, 0, right, 4, solid(0, 0, 0)), kStage);
+        EXPECT_NEAR(255 - static_cast<int>(picture.at(2, 1) & 0xFF), 255 * share, 1) << right;
+    }
+}
+
+TEST(Canvas, RoundsWhatEachTermOfAMatrixAdds)
+{
+    // A square of 50 pixels turned by 45 degrees: its lowest corner lies at 70.71, twice 35.355, which each
+    // are rounded down to 35.25.
+    const double half = std::sqrt(0.5) / swf::kTwipsPerPixel;
+    Picture picture(100, 80);
+    picture.canvas.drawShape(rectShape(0, 0, 50, 50, solid(0, 0, 0)), {half, half, -half, half, 50, 0});
+    EXPECT_NE(picture.at(50, 69), kWhite);
+    EXPECT_NE(picture.at(49, 70), kWhite);
+    Picture quarter(100, 80);
+    quarter.canvas.drawShape(
+        shapeOf({{solid(0, 0, 0)},
+                 {},
+                 {run({{0, 0}, {35.25, 35.25}, {0, 70.5}, {-35.25, 35.25}, {0, 0}}, 0, 1)}}),
+        {1.0 / swf::kTwipsPerPixel, 0, 0, 1.0 / swf::kTwipsPerPixel, 50, 0});
+    for (int y = 0; y < 80; ++y)
+        for (int x = 0; x < 100; ++x) ASSERT_EQ(picture.at(x, y), quarter.at(x, y)) << x << "," << y;
+}
+
+TEST(Canvas, StrokesWithinARectangleOnce)
+{
+    Picture picture(12, 12);
+    picture.canvas.strokeInside({1.5, 1.5}, {10.5, 10.5}, 3, {0, 0, 0, 128});
+    const std::uint32_t grey = picture.at(3, 3);
+    EXPECT_NEAR(grey & 0xFF, 127, 1);
+    // Corners lie on two sides and are no darker.
+    for (int i = 2; i < 10; ++i) EXPECT_EQ(picture.at(i, 2), picture.at(2, i));
+    EXPECT_EQ(picture.at(9, 9), grey);
+    EXPECT_EQ(picture.at(6, 6), kWhite);
+    EXPECT_NEAR(picture.at(1, 6) & 0xFF, 191, 2);
+    // Without room for an inside it is filled.
+    Picture small(8, 8);
+    small.canvas.strokeInside({1, 1}, {5, 7}, 3, {0, 0, 0, 255});
+    for (int y = 1; y < 7; ++y) EXPECT_EQ(small.at(3, y), kBlack);
 }
 
 TEST(Canvas, AbuttingFillsShowNoSeam)

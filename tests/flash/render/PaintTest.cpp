@@ -182,6 +182,19 @@ TEST(Gradients, MixInLinearLightWhenAskedTo)
     EXPECT_NEAR(picture.at(128, 0) & 0xFF, 188, 1);
 }
 
+TEST(Gradients, AreLookedAtInTheCornersOfPixelsWhereEdgesAreSmoothed)
+{
+    const FillStyle fill = gradientFill(FillStyle::Kind::LinearGradient);
+    // An entry of the ramp to eight pixels' width of the gradient: the corner of pixel 4 lies on entry 4.
+    const auto at = [&](Quality quality) {
+        Picture picture(256, 1, {0, 0, 0, 255}, quality);
+        picture.canvas.drawShape(rectShape(0, 0, 256, 1, fill), kStage * swf::Matrix{0.125, 0, 0, 1, 0, 0});
+        return static_cast<int>(picture.at(16, 0) & 0xFF);
+    };
+    EXPECT_EQ(at(Quality::High), 128);
+    EXPECT_EQ(at(Quality::Low), 132);
+}
+
 TEST(Gradients, TakeStopsThatAreMissingOrOutOfOrder)
 {
     FillStyle fill = gradientFill(FillStyle::Kind::LinearGradient);
@@ -189,8 +202,9 @@ TEST(Gradients, TakeStopsThatAreMissingOrOutOfOrder)
     Picture picture(256, 1);
     picture.canvas.drawShape(rectShape(0, 0, 256, 1, fill), kStage);
     EXPECT_EQ(picture.at(0, 0), kRed);
-    EXPECT_EQ(picture.at(127, 0), kRed);
-    EXPECT_EQ(picture.at(128, 0), kGreen);
+    // One entry of the ramp belongs to the stop that comes too late, and still shows the one before it.
+    EXPECT_EQ(picture.at(128, 0), kRed);
+    EXPECT_EQ(picture.at(129, 0), kGreen);
     EXPECT_EQ(picture.at(255, 0), kGreen);
     fill.gradient.stops.clear();
     picture.canvas.drawShape(rectShape(0, 0, 256, 1, fill), kStage);

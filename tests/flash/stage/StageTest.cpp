@@ -180,6 +180,29 @@ TEST(Timeline, MissingCharactersAndStrayTagsChangeNothing)
     EXPECT_TRUE(f.stage.root()->children().empty());
 }
 
+TEST(Timeline, PlacesBelowWhatHasTheDepthUpToVersion5)
+{
+    for (const int version : {5, 6}) {
+        B movie(2);
+        movie.movie().header.version = version;
+        movie.square(1, 10);
+        B::tag(movie.sprite(2), 0, B::placed(1, 1));
+        B::tag(movie.sprite(3), 0, B::placed(1, 1));
+        movie.tag(0, B::placed(2, 1, 0, 0, "first"));
+        movie.tag(1, B::placed(3, 1, 0, 0, "second"));
+        Fixture f;
+        f.stage.open(movie.take(), "m.swf");
+        f.stage.setLoop(false);
+        f.stage.advanceFrame();
+        std::vector<std::string> names;
+        for (const NodePtr& child : f.stage.root()->children()) names.push_back(child->name());
+        if (version == 5)
+            EXPECT_THAT(names, ElementsAre("second", "first"));
+        else
+            EXPECT_THAT(names, ElementsAre("first"));
+    }
+}
+
 TEST(Clip, SwapsDepthsAndKeepsTheOrder)
 {
     B movie;
