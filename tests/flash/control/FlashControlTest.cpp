@@ -263,7 +263,7 @@ TEST(FlashControl, DeliversNoMessageInsideAnother)
     EXPECT_TRUE(control.LoadMovie(
         0, folder.write("a.swf", test::movingSquare(1, test::fsCommand("MEOWSEL", "itself")))));
     EXPECT_EQ(heard, 1) << "the event loop has its turn between two loads";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return heard == 200; }, 20'000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return heard == 200; }, 45'000));
 }
 
 TEST(FlashControl, KnowsAPageByWhatWasLoaded)
