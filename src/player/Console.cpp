@@ -2,9 +2,13 @@
 
 #include "base/Failure.h"
 #include "core/Look.h"
-#include "player/Player.h"
+#include "player/Menus.h"
+#include "player/MovieScreen.h"
+#include "player/PlayerHost.h"
 #include "player/Shortcuts.h"
 #include "player/Texts.h"
+#include "player/WindowDrag.h"
+#include "skin/Bridge.h"
 #include "ui/Balloon.h"
 #include "ui/Drawing.h"
 
@@ -136,8 +140,10 @@ void ConsoleCloseButton::mouseReleaseEvent(QMouseEvent* event)
 
 // ---- the panel
 
-Console::Console(Player& player, QWidget& client)
-    : skin::SkinControl("Console", 0, &client, &player), m_player(player), m_client(client),
+Console::Console(PlayerHost& host, QWidget& window, QWidget& client, Menus& menus, MovieScreen& movieScreen,
+                 WindowDrag& windowDrag, skin::Bridge& bridge)
+    : skin::SkinControl("Console", 0, &client, &window), m_host(host), m_client(client), m_menus(menus),
+      m_movieScreen(movieScreen), m_drag(windowDrag), m_bridge(bridge),
       m_lblConsole(new QLabel(texts::kConsole, this)), m_cmbConsole(new ConsoleLine(this)),
       m_chkCloseConsole(new ConsoleCloseButton(this))
 {
@@ -171,7 +177,7 @@ Console::Console(Player& player, QWidget& client)
 
 void Console::ShowConsole()
 {
-    m_player.menus().setChecked("mnuConsole", true);
+    m_menus.setChecked("mnuConsole", true);
     resize(std::clamp(m_client.width() - 2 * kMargin, kLeastWidth, kWidth), sizeHint().height());
     move((m_client.width() - width()) / 2, std::max(0, (m_client.height() - height()) / 3));
     show();
@@ -182,10 +188,10 @@ void Console::ShowConsole()
 
 void Console::HideConsole()
 {
-    m_player.menus().setChecked("mnuConsole", false);
+    m_menus.setChecked("mnuConsole", false);
     const bool hadFocus = isAncestorOf(QApplication::focusWidget());
     hide();
-    if (hadFocus) m_player.movieScreen().setFocus();
+    if (hadFocus) m_movieScreen.setFocus();
 }
 
 void Console::SetVisual() { ui::SetToolTip(m_chkCloseConsole, texts::kCloseConsoleTip); }
@@ -193,16 +199,15 @@ void Console::SetVisual() { ui::SetToolTip(m_chkCloseConsole, texts::kCloseConso
 void Console::run(const QString& statement)
 {
     try {
-        m_player.skinWindow().skin().bridge().ExecuteStatement(statement);
+        m_bridge.ExecuteStatement(statement);
     } catch (const base::Failure& failure) {
-        m_player.handled(texts::kPlaceConsole,
-                         [&] { m_player.ReportError(failure, texts::kPlaceConsole, {}); });
+        m_host.handled(texts::kPlaceConsole, [&] { m_host.ReportError(failure, texts::kPlaceConsole, {}); });
         return;
     }
     m_cmbConsole->remember(statement);
 }
 
-void Console::drag() { m_player.MoveObject(this); }
+void Console::drag() { m_drag.moveObject(*this); }
 
 void Console::fit()
 {

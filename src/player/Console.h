@@ -7,10 +7,18 @@
 
 class QLabel;
 
+namespace skin
+{
+class Bridge;
+}
+
 namespace player
 {
 
-class Player;
+class Menus;
+class MovieScreen;
+class PlayerHost;
+class WindowDrag;
 
 /// What a statement that ran adds to the history: itself, unless it is empty or known already, in any case.
 /// @returns whether it is new
@@ -63,8 +71,11 @@ class Console : public skin::SkinControl
 {
     Q_OBJECT
 public:
+    /// All outlive the panel.
     /// @param client the window's inner area, which owns the panel
-    Console(Player& player, QWidget& client);
+    /// @param bridge what runs the statements
+    Console(PlayerHost& host, QWidget& window, QWidget& client, Menus& menus, MovieScreen& movieScreen,
+            WindowDrag& windowDrag, skin::Bridge& bridge);
 
     void ShowConsole();
     void HideConsole();
@@ -82,8 +93,12 @@ private:
     /// Fits the panel into the area, and back into it after the window has shrunk.
     void fit();
 
-    Player& m_player;
+    PlayerHost& m_host;
     QWidget& m_client;
+    Menus& m_menus;
+    MovieScreen& m_movieScreen;
+    WindowDrag& m_drag;
+    skin::Bridge& m_bridge;
     QLabel* m_lblConsole;
     ConsoleLine* m_cmbConsole;
     ConsoleCloseButton* m_chkCloseConsole;

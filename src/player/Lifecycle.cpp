@@ -6,8 +6,11 @@
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "player/Cache.h"
+#include "player/MovieScreen.h"
 #include "player/PageAddresses.h"
-#include "player/Player.h"
+#include "player/Placement.h"
+#include "player/PlayerHost.h"
+#include "player/PlayerSettings.h"
 #include "player/Texts.h"
 
 #include <QCoreApplication>
@@ -17,6 +20,7 @@
 #include <QScopeGuard>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QWidget>
 #include <QWindow>
 
 #include <new>
@@ -53,23 +57,24 @@ void Lifecycle::Form_Load()
     const auto end = qScopeGuard([this] { m_isLoading = false; });
     sweep();
     // A step that fails is reported, and the next one follows.
-    const auto step = [this](auto&& action) { m_player.handled(texts::kPlaceFormLoad, action); };
+    const auto step = [this](auto&& action) { m_host.handled(texts::kPlaceFormLoad, action); };
     step([this] {
         m_application.LogEvent({});
         m_application.LogEvent(" :: Form Load");
-        m_application.LogEvent("Flash " + QString::number(m_player.control().FlashVersion(), 16).toUpper());
+        m_application.LogEvent("Flash " +
+                               QString::number(m_movieScreen.control().FlashVersion(), 16).toUpper());
     });
-    m_player.control().setStorageFolder(
+    m_movieScreen.control().setStorageFolder(
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/zorvex/shared");
     // The browser's page shows pictures that lie in the cache.
-    m_player.control().setSharedFolder(m_application.GadgetsPath, m_application.CachePath);
-    step([this] { m_player.LoadOpts(); });
-    step([this] { m_player.EnumSkins(); });
-    step([this] { m_player.CreateSkin(); });
-    step([this] { m_player.UpdateSkin(); });
-    m_player.SetCaption(core::kProductName);
+    m_movieScreen.control().setSharedFolder(m_application.GadgetsPath, m_application.CachePath);
+    step([this] { m_host.LoadOpts(); });
+    step([this] { m_host.EnumSkins(); });
+    step([this] { m_host.CreateSkin(); });
+    step([this] { m_host.UpdateSkin(); });
+    m_host.SetCaption(core::kProductName);
     // Outside a development session the menus are drawn with their pictures.
-    if (m_application.RunningCompiled) m_player.AssignMenus();
+    if (m_application.RunningCompiled) m_host.AssignMenus();
     step([this] { openFirst(); });
     if (m_ended) return;
     showWindow();
@@ -78,8 +83,8 @@ void Lifecycle::Form_Load()
 void Lifecycle::showWindow()
 {
     if (std::exchange(m_isShown, true)) return;
-    m_player.handled(texts::kPlaceFormLoad, [this] { m_player.SetVisual(); });
-    m_player.placement().show();
+    m_host.handled(texts::kPlaceFormLoad, [this] { m_host.SetVisual(); });
+    m_placement.show();
 }
 
 void Lifecycle::showWindowFirst()
@@ -88,7 +93,7 @@ void Lifecycle::showWindowFirst()
     showWindow();
     QElapsedTimer waited;
     waited.start();
-    const auto isThere = [this] { return m_player.windowHandle() && m_player.windowHandle()->isExposed(); };
+    const auto isThere = [this] { return m_window.windowHandle() && m_window.windowHandle()->isExposed(); };
     while (!isThere() && !m_ended && waited.elapsed() < kWindowPatienceMs)
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, kStepMs);
     // Once more for what it shows.
@@ -101,18 +106,18 @@ void Lifecycle::sweep()
     for (const QString& folder : {m_application.SettingsPath, m_application.CachePath})
         if (!folder.isEmpty()) swept += base::sweepTemporaryFiles(core::filePath(folder));
     if (swept > 0)
-        m_player.logQuietly(QString("Temporary files of a run that was killed: %1 removed").arg(swept));
+        m_host.logQuietly(QString("Temporary files of a run that was killed: %1 removed").arg(swept));
 }
 
 void Lifecycle::openFirst()
 {
     m_hasArgument = !m_commandLine.isEmpty();
-    if (m_hasArgument) return m_player.openFiles(core::argumentsOf(m_commandLine));
-    switch (m_player.options().startUp) {
-    case kWelcome: return m_player.CloseMedia({});
-    case kBrowser: return m_player.BrowseMedia();
+    if (m_hasArgument) return m_host.openFiles(core::argumentsOf(m_commandLine));
+    switch (m_settings.options().startUp) {
+    case kWelcome: return m_host.CloseMedia({});
+    case kBrowser: return m_host.BrowseMedia();
     // An empty path shows the welcome page.
-    case kMostRecent: return m_player.LoadFlash(m_player.settings().recentPaths().value(0), {});
+    case kMostRecent: return m_host.LoadFlash(m_settings.recentPaths().value(0), {});
     default: return;
     }
 }
@@ -130,17 +135,17 @@ void Lifecycle::Quit(const QString& reason, bool saveOptions)
         } catch (const std::bad_alloc&) {
         }
     };
-    if (saveOptions) step([this] { m_player.SaveOpts(); });
+    if (saveOptions) step([this] { m_host.SaveOpts(); });
     m_ended = true;
-    m_player.setUpdateTimerEnabled(false);
-    m_player.control().interrupt();
-    m_player.control().setSuspended(true);
-    step([this] { CleanCache(m_application.CachePath, m_player.options().cacheMode); });
+    m_host.setUpdateTimerEnabled(false);
+    m_movieScreen.control().interrupt();
+    m_movieScreen.control().setSuspended(true);
+    step([this] { CleanCache(m_application.CachePath, m_settings.options().cacheMode); });
     step([&] {
         m_application.LogLast({});
         m_application.LogLast("<B>Quit: " + reason + "</B>");
     });
-    m_player.hide();
+    m_window.hide();
     QCoreApplication::exit(0);
 }
 
@@ -148,26 +153,26 @@ void Lifecycle::CloseMedia(const QString& message)
 {
     m_application.LogEvent({});
     m_application.LogEvent(" :: Close Flash");
-    m_player.setMediaInfoEnabled(false);
+    m_host.setMediaInfoEnabled(false);
     const QString page = m_application.GadgetsPath.isEmpty()
                              ? QString()
-                             : welcomePage(m_application, message, m_player.options().noAnimation);
+                             : welcomePage(m_application, message, m_settings.options().noAnimation);
     bool shown = false;
     if (core::fileExists(filePartOf(page))) {
-        m_player.LoadFlash(page, texts::kWelcomeCaption);
+        m_host.LoadFlash(page, texts::kWelcomeCaption);
         // A page that cannot be shown leaves what was there.
-        shown = m_player.movieScreen().showsControl() && m_player.control().Movie() == page;
+        shown = m_movieScreen.showsControl() && m_movieScreen.control().Movie() == page;
     }
     if (!shown) {
-        m_player.setUpdateTimerEnabled(false);
+        m_host.setUpdateTimerEnabled(false);
         // A window that was made for a small movie would cut the panel.
-        if (!m_player.isFullScreen() && !m_player.isMaximized())
-            m_player.resize(m_player.size().expandedTo(kWelcomeSize));
-        m_player.movieScreen().showWelcome(message);
-        m_player.refreshMovieCommands();
+        if (!m_host.isFullScreen() && !m_window.isMaximized())
+            m_window.resize(m_window.size().expandedTo(kWelcomeSize));
+        m_movieScreen.showWelcome(message);
+        m_host.refreshMovieCommands();
     }
-    m_player.SetStatus(texts::kReady);
-    m_player.SetCaption(core::kProductName);
+    m_host.SetStatus(texts::kReady);
+    m_host.SetCaption(core::kProductName);
 }
 
 } // namespace player

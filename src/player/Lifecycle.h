@@ -2,6 +2,8 @@
 
 #include <QString>
 
+class QWidget;
+
 namespace core
 {
 class Application;
@@ -10,7 +12,10 @@ class Application;
 namespace player
 {
 
-class Player;
+class LifecycleHost;
+class MovieScreen;
+class Placement;
+class PlayerSettings;
 
 /// How the window begins and ends, and what it shows when there is no movie.
 class Lifecycle
@@ -19,10 +24,12 @@ public:
     /// By what the program is asked to end.
     enum class UnloadMode { ControlMenu, FormCode, Windows, TaskManager };
 
-    /// @param application outlives this object, as does the player
+    /// All but the command line outlive this object.
     /// @param commandLine the arguments as one text, quotes included; may be empty
-    Lifecycle(core::Application& application, Player& player, const QString& commandLine)
-        : m_application(application), m_player(player), m_commandLine(commandLine)
+    Lifecycle(core::Application& application, LifecycleHost& host, QWidget& window, MovieScreen& movieScreen,
+              Placement& placement, PlayerSettings& settings, const QString& commandLine)
+        : m_application(application), m_host(host), m_window(window), m_movieScreen(movieScreen),
+          m_placement(placement), m_settings(settings), m_commandLine(commandLine)
     {
     }
 
@@ -47,7 +54,11 @@ private:
     void sweep();
 
     core::Application& m_application;
-    Player& m_player;
+    LifecycleHost& m_host;
+    QWidget& m_window;
+    MovieScreen& m_movieScreen;
+    Placement& m_placement;
+    PlayerSettings& m_settings;
     const QString m_commandLine;
     bool m_hasArgument = false;
     bool m_isLoading = false, m_isShown = false;

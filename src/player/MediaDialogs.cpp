@@ -1,7 +1,8 @@
 #include "player/MediaDialogs.h"
 
 #include "core/Application.h"
-#include "player/Player.h"
+#include "player/PlayerHost.h"
+#include "player/PlayerSettings.h"
 #include "player/SaveAs.h"
 #include "player/Texts.h"
 
@@ -35,7 +36,7 @@ QString run(QFileDialog& dialog)
 
 QString MediaDialogs::startFolder() const
 {
-    const QStringList& recent = m_player.settings().recentPaths();
+    const QStringList& recent = m_settings.recentPaths();
     return recent.isEmpty() ? QDir::homePath() : QFileInfo(recent.first()).absolutePath();
 }
 
@@ -43,22 +44,22 @@ bool MediaDialogs::OpenMedia(const QString& folder)
 {
     m_application.LogEvent({});
     m_application.LogEvent(" :: Open Media Dialog");
-    m_player.setUpdateTimerEnabled(false);
-    const QString statusBefore = m_player.StatusText();
-    m_player.SetStatus(texts::kOpeningFile);
+    m_host.setUpdateTimerEnabled(false);
+    const QString statusBefore = m_host.StatusText();
+    m_host.SetStatus(texts::kOpeningFile);
 
-    QFileDialog dialog(&m_player, texts::kOpenTitle, folder.isEmpty() ? startFolder() : folder);
+    QFileDialog dialog(&m_window, texts::kOpenTitle, folder.isEmpty() ? startFolder() : folder);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilters({std::begin(texts::kOpenFilters), std::end(texts::kOpenFilters)});
     dialog.setDefaultSuffix("swf");
     setRussianLabels(dialog, texts::kDialogOpen);
     const QString chosen = run(dialog);
-    if (m_player.hasEnded()) return false;
+    if (m_host.hasEnded()) return false;
     if (!chosen.isEmpty())
-        m_player.LoadFlash(chosen, {});
+        m_host.LoadFlash(chosen, {});
     else
-        m_player.SetStatus(statusBefore); // the next tick may be none, where no movie runs
-    m_player.setUpdateTimerEnabled(true);
+        m_host.SetStatus(statusBefore); // the next tick may be none, where no movie runs
+    m_host.setUpdateTimerEnabled(true);
     return !chosen.isEmpty();
 }
 
@@ -66,40 +67,40 @@ void MediaDialogs::SaveMediaAs()
 {
     m_application.LogEvent({});
     m_application.LogEvent(" :: Open Save As Dialog");
-    m_player.setUpdateTimerEnabled(false);
-    const QString statusBefore = m_player.StatusText();
-    m_player.SetStatus(texts::kSavingFile);
+    m_host.setUpdateTimerEnabled(false);
+    const QString statusBefore = m_host.StatusText();
+    m_host.SetStatus(texts::kSavingFile);
 
-    const QString filter = saveFilter(m_player.mediaInfo());
-    QFileDialog dialog(&m_player, texts::kSaveTitle, startFolder(), filter);
+    const QString filter = saveFilter(m_movie);
+    QFileDialog dialog(&m_window, texts::kSaveTitle, startFolder(), filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("swf");
-    dialog.selectFile(QFileInfo(m_player.mediaInfo().OriginalPath).completeBaseName() + ".swf");
+    dialog.selectFile(QFileInfo(m_movie.OriginalPath).completeBaseName() + ".swf");
     setRussianLabels(dialog, texts::kDialogSave);
     const QString chosen = run(dialog);
-    if (m_player.hasEnded()) return;
+    if (m_host.hasEnded()) return;
     if (!chosen.isEmpty()) saveTo(chosen, filter);
-    m_player.SetStatus(statusBefore);
-    m_player.setUpdateTimerEnabled(true);
+    m_host.SetStatus(statusBefore);
+    m_host.setUpdateTimerEnabled(true);
 }
 
 void MediaDialogs::saveTo(const QString& target, const QString& filter)
 {
-    const SaveResult saved = saveMovie(m_player.mediaInfo(), target);
+    const SaveResult saved = saveMovie(m_movie, target);
     if (saved.outcome == SaveOutcome::Saved) return;
     m_application.LogEvent(core::HtmlEscape(QString::fromStdString(saved.what)));
     const bool known = saved.outcome == SaveOutcome::CannotWrite;
     QMessageBox box(QMessageBox::Warning, texts::kSaveBoxTitle,
-                    known ? texts::kSaveFailed : texts::kSaveUnsupported, QMessageBox::Ok, &m_player);
+                    known ? texts::kSaveFailed : texts::kSaveUnsupported, QMessageBox::Ok, &m_window);
     const QString reason = saved.isDiskFull ? QString(texts::kDiskFull) + '\n' : QString();
     box.setInformativeText(known ? reason + QDir::toNativeSeparators(target)
-                                 : saveDiagnosis(m_player.mediaInfo(), filter));
+                                 : saveDiagnosis(m_movie, filter));
     box.exec();
 }
 
 std::optional<QString> MediaDialogs::chooseBrowserFolder(const QString& start)
 {
-    QFileDialog dialog(&m_player, texts::kBrowseFolder, start);
+    QFileDialog dialog(&m_window, texts::kBrowseFolder, start);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     setRussianLabels(dialog, texts::kDialogChoose);

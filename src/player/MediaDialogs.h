@@ -1,8 +1,12 @@
 #pragma once
 
+#include "media/MediaInfo.h"
+
 #include <QString>
 
 #include <optional>
+
+class QWidget;
 
 namespace core
 {
@@ -12,15 +16,19 @@ class Application;
 namespace player
 {
 
-class Player;
+class PlayerHost;
+class PlayerSettings;
 
 /// The dialogs that ask for a file or a folder, and what their answers do.
 class MediaDialogs
 {
 public:
-    /// Both outlive this object.
-    MediaDialogs(core::Application& application, Player& player)
-        : m_application(application), m_player(player)
+    /// All outlive this object.
+    /// @param window where the dialogs lie above
+    /// @param movie  of the movie that is shown
+    MediaDialogs(core::Application& application, PlayerHost& host, QWidget& window,
+                 const PlayerSettings& settings, const media::MediaInfo& movie)
+        : m_application(application), m_host(host), m_window(window), m_settings(settings), m_movie(movie)
     {
     }
 
@@ -36,7 +44,10 @@ private:
     void saveTo(const QString& target, const QString& filter);
 
     core::Application& m_application;
-    Player& m_player;
+    PlayerHost& m_host;
+    QWidget& m_window;
+    const PlayerSettings& m_settings;
+    const media::MediaInfo& m_movie;
 };
 
 } // namespace player

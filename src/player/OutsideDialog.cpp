@@ -1,7 +1,8 @@
 #include "player/OutsideDialog.h"
 
+#include "core/Application.h"
 #include "platform/Shell.h"
-#include "player/Player.h"
+#include "player/PlayerHost.h"
 #include "player/SettlingBox.h"
 #include "player/Texts.h"
 
@@ -28,11 +29,11 @@ QString paragraph(const QString& text)
 
 QString nameOf(const Outside::Question& question) { return QFileInfo(question.movie).fileName(); }
 
-Outside::Answer ask(Player& player, const Outside::Question& question)
+Outside::Answer ask(PlayerHost& host, QWidget& window, const Outside::Question& question)
 {
     SettlingBox box(QMessageBox::Question, texts::kOutsideTitle,
                     paragraph(QString(texts::kOutsideAsks).arg(nameOf(question))), QMessageBox::NoButton,
-                    &player);
+                    &window);
     box.setObjectName("frmOutside");
     box.setTextFormat(Qt::RichText);
     box.setInformativeText(paragraph(question.target) +
@@ -44,8 +45,8 @@ Outside::Answer ask(Player& player, const Outside::Question& question)
     box.setEscapeButton(refuse);
     auto* always = new QCheckBox(texts::kOutsideAlways, &box);
     box.setCheckBox(always);
-    player.ShowDialog(box);
-    const bool allowed = box.clickedButton() == open && !player.hasEnded();
+    host.ShowDialog(box);
+    const bool allowed = box.clickedButton() == open && !host.hasEnded();
     if (always->isChecked()) return allowed ? Outside::Answer::AlwaysOpen : Outside::Answer::AlwaysRefuse;
     return allowed ? Outside::Answer::Open : Outside::Answer::Refuse;
 }
@@ -63,26 +64,27 @@ const char* textOf(OutsideTarget::Refusal refusal)
     return "";
 }
 
-void tellRefused(Player& player, const Outside::Question& question, OutsideTarget::Refusal refusal)
+void tellRefused(PlayerHost& host, QWidget& window, const Outside::Question& question,
+                 OutsideTarget::Refusal refusal)
 {
     SettlingBox box(QMessageBox::Warning, texts::kOutsideTitle,
-                    paragraph(QString(textOf(refusal)).arg(nameOf(question))), QMessageBox::Ok, &player);
+                    paragraph(QString(textOf(refusal)).arg(nameOf(question))), QMessageBox::Ok, &window);
     box.setObjectName("frmOutsideRefused");
     box.setTextFormat(Qt::RichText);
     box.setInformativeText(paragraph(question.target));
-    player.ShowDialog(box);
+    host.ShowDialog(box);
 }
 
 } // namespace
 
-Outside::Doors outsideDoors(Player& player)
+Outside::Doors outsideDoors(PlayerHost& host, QWidget& window)
 {
-    return {[&player](const Outside::Question& question) { return ask(player, question); },
+    return {[&host, &window](const Outside::Question& question) { return ask(host, window, question); },
             [](const QUrl& url) { return platform::openWithSystem(url); },
-            [&player](const Outside::Question& question, OutsideTarget::Refusal refusal) {
-                tellRefused(player, question, refusal);
+            [&host, &window](const Outside::Question& question, OutsideTarget::Refusal refusal) {
+                tellRefused(host, window, question, refusal);
             },
-            [&player](const QString& line) { player.logQuietly(core::HtmlEscape(line)); }};
+            [&host](const QString& line) { host.logQuietly(core::HtmlEscape(line)); }};
 }
 
 } // namespace player

@@ -2,13 +2,16 @@
 
 #include "player/Outside.h"
 
+class QWidget;
+
 namespace player
 {
 
-class Player;
+class PlayerHost;
 
 /// The doors of the real program: dialogs over the window, the system's programs, the journal.
-/// @param player outlives what is returned
-Outside::Doors outsideDoors(Player& player);
+/// @param host   outlives what is returned
+/// @param window as does this one, above which the dialogs lie
+Outside::Doors outsideDoors(PlayerHost& host, QWidget& window);
 
 } // namespace player

@@ -2,7 +2,9 @@
 
 #include "platform/WindowSystem.h"
 #include "player/ControlBar.h"
-#include "player/Player.h"
+#include "player/Menus.h"
+#include "player/MovieScreen.h"
+#include "player/SkinWindow.h"
 #include "player/WindowFlags.h"
 
 #include <QCoreApplication>
@@ -42,106 +44,103 @@ QSize zoomedSize(int percent, QSize movie, QMargins borders, QSize minimum)
 void Placement::ZoomFlash(int percent, quint8 repeats)
 {
     FullScreen(false);
-    if (m_player.isMaximized()) return;
-    const QMenuBar& menuBar = m_player.menus().bar();
-    const int menuHeight = menuBar.isVisibleTo(&m_player) ? menuBar.sizeHint().height() : 0;
+    if (m_window.isMaximized()) return;
+    const QMenuBar& menuBar = m_menus.bar();
+    const int menuHeight = menuBar.isVisibleTo(&m_window) ? menuBar.sizeHint().height() : 0;
     QMargins borders(0, menuHeight, 0, ControlBar::kHeight);
-    if (m_player.skinWindow().isShown()) {
+    if (m_skinWindow.isShown()) {
         // The skin has said where the movie lies; what is left around it stays as it is. A window that is not
         // shown yet puts its layout off, and with it the skin's.
-        if (!m_player.isVisible()) {
-            QResizeEvent resized(m_player.size(), m_player.size());
-            QCoreApplication::sendEvent(&m_player, &resized);
-            m_player.skinWindow().clientResized();
+        if (!m_window.isVisible()) {
+            QResizeEvent resized(m_window.size(), m_window.size());
+            QCoreApplication::sendEvent(&m_window, &resized);
+            m_skinWindow.clientResized();
         }
-        const QSize around = m_player.size() - m_player.movieScreen().widget().size();
+        const QSize around = m_window.size() - m_movieScreen.widget().size();
         borders = QMargins(0, 0, around.width(), around.height());
     }
-    const media::MediaInfo& movie = m_player.mediaInfo();
-    const QSize wanted = zoomedSize(percent, {movie.Width, movie.Height}, borders, m_player.minimumSize());
+    const QSize wanted =
+        zoomedSize(percent, {m_movie.Width, m_movie.Height}, borders, m_window.minimumSize());
     // A window larger than the screen has its bar where nobody can reach it.
-    m_player.resize(wanted.boundedTo(m_player.screen()->availableVirtualSize()));
+    m_window.resize(wanted.boundedTo(m_window.screen()->availableVirtualSize()));
     if (repeats > 0) ZoomFlash(percent, repeats - 1);
 }
 
 void Placement::FullScreen(bool on)
 {
-    Menus& menus = m_player.menus();
-    if (on == menus.isChecked("mnuFullScreen")) return;
-    const bool wasShown = m_player.isVisible();
+    if (on == m_menus.isChecked("mnuFullScreen")) return;
+    const bool wasShown = m_window.isVisible();
     SetWindowFrame(!on);
-    menus.setChecked("mnuFullScreen", on);
-    menus.setChecked("mnuPopFullScreen", on);
+    m_menus.setChecked("mnuFullScreen", on);
+    m_menus.setChecked("mnuPopFullScreen", on);
     showBars();
-    SkinWindow& skinWindow = m_player.skinWindow();
-    if (skinWindow.skin().isLoaded()) skinWindow.skin().SetSkinView(on ? "viewFullScreen" : "viewNormal");
-    skinWindow.UpdateRegion(true);
+    if (m_skinWindow.skin().isLoaded()) m_skinWindow.skin().SetSkinView(on ? "viewFullScreen" : "viewNormal");
+    m_skinWindow.UpdateRegion(true);
     if (!wasShown) return;
     if (on) {
         fillScreen();
     } else {
-        m_player.showNormal();
-        if (m_normalGeometry.isValid()) m_player.setGeometry(m_normalGeometry);
+        m_window.showNormal();
+        if (m_normalGeometry.isValid()) m_window.setGeometry(m_normalGeometry);
     }
-    m_player.movieScreen().setFocus();
+    m_movieScreen.setFocus();
 }
 
-void Placement::show() { m_player.menus().isChecked("mnuFullScreen") ? fillScreen() : m_player.show(); }
+void Placement::show() { m_menus.isChecked("mnuFullScreen") ? fillScreen() : m_window.show(); }
 
 void Placement::showBars()
 {
-    const bool full = m_player.menus().isChecked("mnuFullScreen");
-    m_player.bar().setVisible(!full && !m_player.skinWindow().isShown());
-    m_player.menus().bar().setVisible(!full && m_player.menus().isChecked("mnuMenuBar"));
+    const bool full = m_menus.isChecked("mnuFullScreen");
+    m_bar.setVisible(!full && !m_skinWindow.isShown());
+    m_menus.bar().setVisible(!full && m_menus.isChecked("mnuMenuBar"));
 }
 
 void Placement::fillScreen()
 {
-    if (!m_player.isMaximized()) m_normalGeometry = m_player.geometry();
-    m_player.showFullScreen();
+    if (!m_window.isMaximized()) m_normalGeometry = m_window.geometry();
+    m_window.showFullScreen();
     // Only where nobody else does it: a window manager would take it for a wish to leave full screen.
-    if (!platform::hasWindowManager()) m_player.setGeometry(m_player.screen()->geometry());
+    if (!platform::hasWindowManager()) m_window.setGeometry(m_window.screen()->geometry());
 }
 
 void Placement::SetWindowFrame(bool show)
 {
-    if (!show) m_savedCaption = m_player.windowTitle();
-    m_player.setWindowTitle(show ? m_savedCaption : QString());
+    if (!show) m_savedCaption = m_window.windowTitle();
+    m_window.setWindowTitle(show ? m_savedCaption : QString());
 }
 
 void Placement::SetCaption(const QString& text)
 {
-    if (m_player.menus().isChecked("mnuFullScreen"))
+    if (m_menus.isChecked("mnuFullScreen"))
         m_savedCaption = text;
     else
-        m_player.setWindowTitle(text);
+        m_window.setWindowTitle(text);
 }
 
 void Placement::ZoomWindow(int mode)
 {
-    const bool normal = !m_player.isMaximized() && !m_player.isMinimized();
+    const bool normal = !m_window.isMaximized() && !m_window.isMinimized();
     const bool maximise = mode == 1 || (mode != 0 && normal);
-    maximise ? m_player.showMaximized() : m_player.showNormal();
+    maximise ? m_window.showMaximized() : m_window.showNormal();
 }
 
 void Placement::ToggleMenu()
 {
-    Menus& menus = m_player.menus();
-    menus.setChecked("mnuMenuBar", !menus.isChecked("mnuMenuBar"));
+    m_menus.setChecked("mnuMenuBar", !m_menus.isChecked("mnuMenuBar"));
     showBars();
-    m_player.layout()->activate(); // the shape is that of the area without the menu
-    m_player.skinWindow().UpdateRegion(true);
+    m_window.layout()->activate(); // the shape is that of the area without the menu
+    m_skinWindow.UpdateRegion(true);
 }
 
 void Placement::setTopMost(bool on)
 {
-    m_player.menus().setChecked("mnuTopMost", on);
-    setWindowFlagInPlace(m_player, Qt::WindowStaysOnTopHint, on);
+    m_menus.setChecked("mnuTopMost", on);
+    setWindowFlagInPlace(m_window, Qt::WindowStaysOnTopHint, on);
 }
 
 void Placement::setMinimumSize(QSize pixels)
 {
-    m_player.setMinimumSize(pixels.width() > 0 ? pixels.width() : kMinimumSize.width(),
+    m_window.setMinimumSize(pixels.width() > 0 ? pixels.width() : kMinimumSize.width(),
                             pixels.height() > 0 ? pixels.height() : kMinimumSize.height());
 }
 

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "media/MediaInfo.h"
+
 #include <QMargins>
 #include <QRect>
 #include <QString>
+
+class QWidget;
 
 namespace player
 {
@@ -15,14 +19,24 @@ namespace player
 /// @param minimum pixels
 QSize zoomedSize(int percent, QSize movie, QMargins borders, QSize minimum);
 
-class Player;
+class ControlBar;
+class Menus;
+class MovieScreen;
+class SkinWindow;
 
 /// The window's size, state and frame. The mark of mnuFullScreen is the state of full screen itself.
 class Placement
 {
 public:
-    /// @param player outlives this object
-    explicit Placement(Player& player) : m_player(player) {}
+    /// All outlive this object.
+    /// @param window the one that is placed; it has a layout
+    /// @param movie  of the movie that is shown
+    Placement(QWidget& window, Menus& menus, ControlBar& bar, SkinWindow& skinWindow,
+              MovieScreen& movieScreen, const media::MediaInfo& movie)
+        : m_window(window), m_menus(menus), m_bar(bar), m_skinWindow(skinWindow), m_movieScreen(movieScreen),
+          m_movie(movie)
+    {
+    }
 
     /// Leaves full screen and gives the movie's place `percent` of the movie's own size; the window stays
     /// where it is. A maximised window keeps its size, as every program's does.
@@ -45,7 +59,12 @@ private:
     void SetWindowFrame(bool show);
     void fillScreen();
 
-    Player& m_player;
+    QWidget& m_window;
+    Menus& m_menus;
+    ControlBar& m_bar;
+    SkinWindow& m_skinWindow;
+    MovieScreen& m_movieScreen;
+    const media::MediaInfo& m_movie;
     QString m_savedCaption;
     QRect m_normalGeometry; ///< the window's place before it filled the screen
 };

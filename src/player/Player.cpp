@@ -43,8 +43,6 @@ namespace
 {
 
 constexpr QSize kFirstSize{550, 440};
-// A window that was started minimised is not waited for.
-constexpr qint64 kShowPatienceMs = 1000;
 
 QElapsedTimer started()
 {
@@ -66,14 +64,18 @@ void takeCopyOf(QDropEvent& event)
 Player::Player(core::Application& application, const QString& commandLine)
     : m_application(application), m_client(new QWidget(this)), m_movieScreen(*m_client, *this),
       m_bar(new ControlBar(this)), m_menus(this), m_media(application, *this),
-      m_playback(control(), m_menus, application.GadgetsPath), m_timer(*this),
-      m_skinWindow(application, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
-      m_placement(*this), m_drag(this), m_settings(application, *this),
-      m_browser(application, *this, m_browserState), m_dialogs(application, *this),
-      m_outside(outsideDoors(*this)), m_sinceMade(started()),
-      m_movieJournal([this](const QString& line) { logQuietly(line); },
-                     [this] { return m_sinceMade.elapsed(); }),
-      m_pageQueue(*this), m_health(control(), healthDoors()), m_lifecycle(application, *this, commandLine)
+      m_playback(control(), m_menus, application.GadgetsPath),
+      m_timer(*this, m_movieScreen, m_menus, m_playback, m_status, mediaInfo(), m_isMovieLimited),
+      m_skinWindow(application, *this, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
+      m_placement(*this, m_menus, *m_bar, m_skinWindow, m_movieScreen, mediaInfo()), m_drag(this),
+      m_settings(application, *this,
+                 {*this, control(), m_menus, m_playback, m_status, m_skinWindow, m_placement}),
+      m_browser(application, *this, m_browserState),
+      m_dialogs(application, *this, *this, m_settings, mediaInfo()), m_outside(outsideDoors(*this, *this)),
+      m_sinceMade(started()), m_movieJournal([this](const QString& line) { logQuietly(line); },
+                                             [this] { return m_sinceMade.elapsed(); }),
+      m_pageQueue(*this), m_health(control(), healthDoors()),
+      m_lifecycle(application, *this, *this, m_movieScreen, m_placement, m_settings, commandLine)
 {
     application.journalFailed = [this](const base::Failure& failure) {
         QTimer::singleShot(0, this, [this, failure] {
@@ -106,7 +108,8 @@ Player::~Player()
 Console& Player::console()
 {
     if (m_console == nullptr) {
-        m_console = new Console(*this, *m_client);
+        m_console = new Console(*this, *this, *m_client, m_menus, m_movieScreen, m_drag,
+                                m_skinWindow.skin().bridge());
         if (m_hasVisual) m_console->SetVisual();
     }
     return *m_console;
@@ -233,59 +236,6 @@ void Player::UpdateInfo()
     m_skinWindow.skin().runInfoUpdate();
 }
 
-// ---- window
-
-void Player::MoveObject(QObject* control)
-{
-    auto* widget = qobject_cast<QWidget*>(control);
-    if (widget != nullptr && widget != this && isAncestorOf(widget)) m_drag.moveObject(*widget);
-}
-
-void Player::setWidth(double twips)
-{
-    resize(toPixels(twips) - (frameGeometry().width() - width()), height());
-}
-
-void Player::setHeight(double twips)
-{
-    resize(width(), toPixels(twips) - (frameGeometry().height() - height()));
-}
-
-void Player::setWindowStateNumber(int state)
-{
-    if (state == 1) return Minimize();
-    ZoomWindow(state == 2 ? 1 : 0);
-}
-
-void Player::AssignMenus()
-{
-    m_menus.AssignMenus(m_application.AppPath + "media/menus/" + options().menus + '/');
-}
-
-void Player::ShowPopUp()
-{
-    if (isUnbidden()) return;
-    m_menus.setChecked("mnuPopHQ", control().Quality() == 1);
-    m_menus.setChecked("mnuPopLQ", control().Quality() == 0);
-    m_menus.item("mnuPopPlay").setText(m_menus.item("mnuPlay").text());
-    m_menus.popUp().popup(QCursor::pos());
-}
-
-void Player::ShowMenu()
-{
-    if (isUnbidden()) return;
-    auto* menu = new ui::Menu(m_menus.menuSet(), {}, this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions(m_menus.bar().actions());
-    menu->popup(QCursor::pos());
-}
-
-void Player::ShowDialog(QDialog& dialog)
-{
-    dialog.setWindowFlag(Qt::WindowStaysOnTopHint, m_menus.isChecked("mnuTopMost"));
-    dialog.exec();
-}
-
 // ---- media
 
 bool Player::HasMovie() const { return m_movieScreen.showsControl() && !m_isOwnPage; }
@@ -393,136 +343,6 @@ void Player::mnuClearCache_Click()
     constexpr int kThumbnails = 3; // only these, on purpose
     const int removed = CleanCache(m_application.CachePath, kThumbnails);
     showNote(removed == 0 ? QString(texts::kNoThumbnails) : QString(texts::kThumbnailsRemoved).arg(removed));
-}
-
-// ---- what lies outside
-
-void Player::openHelp() { openKnown(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); }
-void Player::WebUpdate()
-{
-    if (!isUnbidden()) openKnown(QUrl(core::kUpdateAddress));
-}
-
-void Player::BrowseMedia()
-{
-    if (!isUnbidden()) m_browser.BrowseMedia();
-}
-
-void Player::Properties()
-{
-    if (!isUnbidden()) m_browser.Properties(mediaInfo());
-}
-
-bool Player::isUnbidden()
-{
-    if (!m_skinWindow.skin().bridge().runsByItself()) return false;
-    logQuietly("Not done for the skin: the user has not asked for it");
-    return true;
-}
-
-void Player::openKnown(const QUrl& url)
-{
-    // A skin's loop would fill the screen with browsers, however it was begun.
-    constexpr qint64 kAtMostEveryMs = 1000;
-    if (m_sinceOpened.isValid() && m_sinceOpened.elapsed() < kAtMostEveryMs) return;
-    m_sinceOpened.start();
-    if (platform::openWithSystem(url)) return;
-    QMessageBox::warning(this, core::kProductName,
-                         QString(texts::kNothingOpens).arg(url.toDisplayString(QUrl::PreferLocalFile)));
-}
-
-void Player::mnuWeb_Click() { openKnown(QUrl(core::kHomeAddress)); }
-
-void Player::About()
-{
-    if (isUnbidden()) return;
-    m_application.LogEvent({});
-    m_application.LogEvent(" :: About");
-    ShowWaitScreen();
-    ui::frmAbout about(
-        this, aboutPage(m_application, ui::texts::kGreetings, ui::texts::kThanks, options().noAnimation),
-        control().Quality());
-    ShowDialog(about);
-    HideWaitScreen();
-}
-
-Outside::Sender Player::senderOfSignal() const
-{
-    const flash::FlashControl& movie = control();
-    Outside::Sender sender{filePartOf(movie.senderMovie()), movie.senderIsPage(), movie.senderHasRead(),
-                           movie.senderAct()};
-    // A projector's movie lies in the cache: the user knows the projector.
-    if (sender.path == mediaInfo().MoviePath) sender.path = mediaInfo().OriginalPath;
-    return sender;
-}
-
-bool Player::isOccupied() const
-{
-    return QApplication::activeModalWidget() != nullptr || m_browser.isBusy() || control().isBusy();
-}
-
-bool Player::isOnScreen() const
-{
-    // A movie's first frame comes before the window, and the window manager chooses the window's place later
-    // still: a question waits for the window that it is to lie over.
-    const bool isShown = windowHandle() != nullptr && windowHandle()->isExposed();
-    return isShown || m_sinceMade.elapsed() >= kShowPatienceMs;
-}
-
-PageOutcome Player::carryOut(const PageRequest& request)
-{
-    const QScopedValueRollback carried(m_carriedOut, &request);
-    PageOutcome outcome = PageOutcome::Done;
-    const auto procedure = [&] {
-        outcome = request.isAddress ? openOutside(request.argument)
-                                    : runPageCommand(*this, request.command, request.argument);
-    };
-    if (request.sender.isOwnPage) {
-        handled(texts::kPlacePage, procedure);
-        return outcome;
-    }
-    try {
-        procedure();
-    } catch (const base::Failure& failure) {
-        // No error screen that a movie could call up with every frame.
-        noteOfMovie("Failed for the movie: " + core::HtmlEscape(request.command) + ": " +
-                    QString::fromStdString(failure.description()));
-        return PageOutcome::Declined;
-    }
-    return outcome;
-}
-
-void Player::LogEvent(const QString& text)
-{
-    if (m_carriedOut != nullptr && !m_carriedOut->sender.isOwnPage)
-        m_movieJournal.write(text);
-    else
-        m_application.LogEvent(text);
-}
-
-bool Player::isPageAddress(const QString& path) const
-{
-    return liesWithin(filePartOf(path), m_application.GadgetsPath);
-}
-
-PageOutcome Player::openOutside(const QString& target)
-{
-    if (m_carriedOut == nullptr) return PageOutcome::Done;
-    return m_outside.isDeclined(target, m_carriedOut->sender) ? PageOutcome::Declined : PageOutcome::Done;
-}
-
-PageOutcome Player::helpWanted()
-{
-    if (!isOwnPage()) return openOutside(m_application.AppPath + "Readme.txt");
-    openHelp();
-    return PageOutcome::Done;
-}
-
-PageOutcome Player::updateWanted()
-{
-    if (!isOwnPage()) return openOutside(core::kUpdateAddress);
-    WebUpdate();
-    return PageOutcome::Done;
 }
 
 // ---- settings

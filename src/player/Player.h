@@ -16,6 +16,7 @@
 #include "player/PageQueue.h"
 #include "player/Placement.h"
 #include "player/Playback.h"
+#include "player/PlayerHost.h"
 #include "player/PlayerSettings.h"
 #include "player/SkinWindow.h"
 #include "player/Status.h"
@@ -41,7 +42,9 @@ class Player : public QWidget,
                public PageCommandHost,
                public PageQueueHost,
                public MovieListHost,
-               public browser::BrowserHost
+               public browser::BrowserHost,
+               public LifecycleHost,
+               public SkinWindowHost
 {
     Q_OBJECT
     // What scripts read and set. The window's own place and size are in twips, 15 to the pixel, its inner
@@ -85,12 +88,12 @@ public:
     Q_INVOKABLE void LoadFlash(const QString& path, const QString& caption) override;
     Q_INVOKABLE void CloseMedia(const QString& message) override;
     /// Files and folders that the user named together, or dropped.
-    void openFiles(const QStringList& paths) { m_movieList.open(paths); }
+    void openFiles(const QStringList& paths) override { m_movieList.open(paths); }
     void walkMovies(int step) { m_movieList.walk(step); }
     Q_INVOKABLE bool OpenMedia() override;
     Q_INVOKABLE void SaveMediaAs();
-    Q_INVOKABLE void LoadOpts();
-    Q_INVOKABLE bool SaveOpts();
+    Q_INVOKABLE void LoadOpts() override;
+    Q_INVOKABLE bool SaveOpts() override;
     void mnuCompress_Click();
     void mnuClearCache_Click();
     /// Whether a movie of the user's is loaded: none of the program's own pages.
@@ -120,7 +123,7 @@ public:
     Q_INVOKABLE void SetCaption(const QString& text) override { m_placement.SetCaption(text); }
     /// Whether the movie went beyond what it may use, and something of it was not done.
     [[nodiscard]] bool isMovieLimited() const { return m_isMovieLimited; }
-    [[nodiscard]] QString StatusText() const { return m_status.statusText; }
+    [[nodiscard]] QString StatusText() const override { return m_status.statusText; }
     [[nodiscard]] QString InfoText() const { return HasMovie() ? m_status.informationText : QString(); }
     [[nodiscard]] int TimeMode() const { return m_status.timeMode(); }
 
@@ -136,13 +139,13 @@ public:
     Q_INVOKABLE void ResizeWindow() { m_drag.resizeWindow(*this); }
     Q_INVOKABLE void MoveObject(QObject* control);
     Q_INVOKABLE void ToggleMenu() { m_placement.ToggleMenu(); }
-    Q_INVOKABLE void ShowPopUp();
+    Q_INVOKABLE void ShowPopUp() override;
     /// Shows the menus of the menu bar as one menu at the pointer, for a window without the bar.
     Q_INVOKABLE void ShowMenu();
     /// Gives the menus the pictures of the set that the settings name.
-    Q_INVOKABLE void AssignMenus();
+    Q_INVOKABLE void AssignMenus() override;
     void ShowDialog(QDialog& dialog) override;
-    void setMinimumWindowSize(QSize pixels) { m_placement.setMinimumSize(pixels); }
+    void setMinimumWindowSize(QSize pixels) override { m_placement.setMinimumSize(pixels); }
     [[nodiscard]] int ScaleWidth() const { return m_client->width(); }
     [[nodiscard]] int ScaleHeight() const { return m_client->height(); }
     /// Where the pointer is, in pixels from the inner area's corner; it may be outside of the window.
@@ -161,9 +164,9 @@ public:
     void setWindowStateNumber(int state);
 
     // Skin
-    Q_INVOKABLE void EnumSkins() { m_skinWindow.EnumSkins(); }
-    Q_INVOKABLE void CreateSkin();
-    Q_INVOKABLE void UpdateSkin() { m_skinWindow.skin().UpdateSkin(); }
+    Q_INVOKABLE void EnumSkins() override { m_skinWindow.EnumSkins(); }
+    Q_INVOKABLE void CreateSkin() override;
+    Q_INVOKABLE void UpdateSkin() override { m_skinWindow.skin().UpdateSkin(); }
     Q_INVOKABLE void LoadNewSkin() { m_skinWindow.LoadNewSkin(); }
     Q_INVOKABLE void ShowWaitScreen() { m_skinWindow.ShowWaitScreen(); }
     Q_INVOKABLE void HideWaitScreen() { m_skinWindow.HideWaitScreen(); }
@@ -175,14 +178,14 @@ public:
     Q_INVOKABLE void ShowConsole() { console().ShowConsole(); }
     Q_INVOKABLE void HideConsole() { console().HideConsole(); }
     /// Gives the window's controls their tooltips.
-    Q_INVOKABLE void SetVisual();
+    Q_INVOKABLE void SetVisual() override;
     /// Made when it is first asked for: most runs never show it.
-    [[nodiscard]] Console& console();
+    [[nodiscard]] Console& console() override;
 
     Q_INVOKABLE void WebUpdate();
     Q_INVOKABLE void About();
     void mnuWeb_Click();
-    Q_INVOKABLE void BrowseMedia();
+    Q_INVOKABLE void BrowseMedia() override;
     Q_INVOKABLE void Properties();
     void LogEvent(const QString& text) override;
     [[nodiscard]] bool isOwnPage() const override { return m_carriedOut && m_carriedOut->sender.isOwnPage; }
@@ -209,6 +212,7 @@ public:
     // What the browser asks for
     QWidget* dialogParent() override { return this; }
     [[nodiscard]] QString noAnimation() const override { return m_settings.options().noAnimation; }
+    [[nodiscard]] bool usesEffects() const override { return m_settings.options().sfx; }
     [[nodiscard]] bool hqShots() const override { return m_settings.options().hqShots; }
 
     // What media asks for while it loads a movie
@@ -236,14 +240,15 @@ public:
     [[nodiscard]] bool updateTimerEnabled() const override { return m_timer.isEnabled(); }
     QWidget* errorParent() override { return this; }
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
-    void handled(const char* place, const std::function<void()>& procedure);
+    void handled(const char* place, const std::function<void()>& procedure) override;
     /// The process ends without the window having been asked: the settings are kept, nothing else is touched.
     void saveForSuddenEnd();
     /// The memory has come to an end: what takes most of it goes, and the panel says why.
     void closeForLackOfMemory();
     [[nodiscard]] MovieHealth::Doors healthDoors();
     /// Where no exception may pass: out of the engine, and at the end. What cannot be logged is lost.
-    void logQuietly(const QString& text);
+    void logQuietly(const QString& text) override;
+    void keepForSuddenEnd() override { m_settings.keepForSuddenEnd(); }
 
     // The parts
     [[nodiscard]] flash::FlashControl& control() { return m_movieScreen.control(); }
@@ -260,7 +265,7 @@ public:
     [[nodiscard]] settings::Options& options() { return m_settings.options(); }
     [[nodiscard]] const media::MediaInfo& mediaInfo() const { return m_media.mediaInfo(); }
     /// Greys the commands that need a movie of the user's when there is none.
-    void refreshMovieCommands();
+    void refreshMovieCommands() override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -4,7 +4,12 @@
 #include "flash/FlashControl.h"
 #include "platform/Association.h"
 #include "platform/TerminationSignal.h"
-#include "player/Player.h"
+#include "player/Menus.h"
+#include "player/Placement.h"
+#include "player/Playback.h"
+#include "player/PlayerHost.h"
+#include "player/SkinWindow.h"
+#include "player/Status.h"
 #include "player/Texts.h"
 #include "settings/OptionsDialog.h"
 
@@ -19,16 +24,17 @@ constexpr int kRecentCaptionPixels = 150;
 
 } // namespace
 
-PlayerSettings::PlayerSettings(core::Application& application, Player& player)
-    : m_application(application), m_player(player), m_file(application), m_recent(application.GadgetsPath)
+PlayerSettings::PlayerSettings(core::Application& application, PlayerHost& host, const Places& places)
+    : m_application(application), m_host(host), m_places(places), m_file(application),
+      m_recent(application.GadgetsPath)
 {
 }
 
 void PlayerSettings::LoadOpts()
 {
     m_isLoaded = true;
-    flash::FlashControl& control = m_player.control();
-    Menus& menus = m_player.menus();
+    flash::FlashControl& control = m_places.control;
+    Menus& menus = m_places.menus;
     // What cannot be read keeps the value of now.
     m_options.quality = control.Quality2();
     m_options.scaleMode = static_cast<qint16>(control.ScaleMode());
@@ -37,27 +43,27 @@ void PlayerSettings::LoadOpts()
     QStringList recent;
     if (!m_file.load(m_options, recent)) return;
 
-    m_player.SetQuality(m_options.quality);
-    m_player.SetScaleMode(m_options.scaleMode);
-    m_player.skinWindow().selectSkin(m_options.skin);
-    m_player.placement().setTopMost(m_options.topMost);
-    if (menus.isChecked("mnuMenuBar") != m_options.menuBar) m_player.ToggleMenu();
+    m_places.playback.SetQuality(m_options.quality);
+    m_places.playback.SetScaleMode(m_options.scaleMode);
+    m_places.skinWindow.selectSkin(m_options.skin);
+    m_places.placement.setTopMost(m_options.topMost);
+    if (menus.isChecked("mnuMenuBar") != m_options.menuBar) m_places.placement.ToggleMenu();
     control.setLoop(m_options.repeat);
     menus.setChecked("mnuLoop", m_options.repeat);
-    m_player.playback().restoreSound(m_options.volume, m_options.pan, m_options.mute);
-    m_player.status().setTimeMode(m_options.timeMode);
+    m_places.playback.restoreSound(m_options.volume, m_options.pan, m_options.mute);
+    m_places.status.setTimeMode(m_options.timeMode);
     // From the oldest on, each to the top.
     for (auto path = recent.crbegin(); path != recent.crend(); ++path) AddRecent(*path);
 }
 
 void PlayerSettings::gather()
 {
-    const flash::FlashControl& control = m_player.control();
-    const Menus& menus = m_player.menus();
-    const Playback& playback = m_player.playback();
+    const flash::FlashControl& control = m_places.control;
+    const Menus& menus = m_places.menus;
+    const Playback& playback = m_places.playback;
     m_options.quality = control.Quality2();
     m_options.scaleMode = static_cast<qint16>(control.ScaleMode());
-    m_options.skin = m_player.skinWindow().selectedSkin();
+    m_options.skin = m_places.skinWindow.selectedSkin();
     m_options.topMost = menus.isChecked("mnuTopMost");
     m_options.menuBar = menus.isChecked("mnuMenuBar");
     m_options.repeat = menus.isChecked("mnuLoop");
@@ -66,7 +72,7 @@ void PlayerSettings::gather()
         static_cast<quint8>(playback.isMuted() ? playback.rememberedVolume() : playback.volume());
     m_options.pan = static_cast<qint16>(playback.pan());
     m_options.mute = playback.isMuted();
-    m_options.timeMode = m_player.status().timeMode();
+    m_options.timeMode = m_places.status.timeMode();
 }
 
 void PlayerSettings::keepForSuddenEnd()
@@ -96,10 +102,10 @@ bool PlayerSettings::SaveOpts()
 
 void PlayerSettings::edit()
 {
-    settings::frmOptions dialog(&m_player, m_options);
-    m_player.ShowDialog(dialog);
-    if (dialog.result() == QDialog::Accepted && !m_player.SaveOpts())
-        QMessageBox::warning(&m_player, core::kProductName,
+    settings::frmOptions dialog(&m_places.window, m_options);
+    m_host.ShowDialog(dialog);
+    if (dialog.result() == QDialog::Accepted && !m_host.SaveOpts())
+        QMessageBox::warning(&m_places.window, core::kProductName,
                              m_file.isDiskFull() ? QString(texts::kOptionsUnsaved) + '\n' + texts::kDiskFull
                                                  : texts::kOptionsUnsaved);
 }
@@ -114,8 +120,9 @@ void PlayerSettings::showRecent()
 {
     const QStringList& paths = m_recent.paths();
     for (int i = 0; i < paths.size(); ++i) {
-        QAction& item = m_player.menus().item(QString("mnuMRU%1").arg(i));
-        const QString caption = settings::CompactPath(paths[i], kRecentCaptionPixels, m_player.fontMetrics());
+        QAction& item = m_places.menus.item(QString("mnuMRU%1").arg(i));
+        const QString caption =
+            settings::CompactPath(paths[i], kRecentCaptionPixels, m_places.window.fontMetrics());
         item.setText(QString(caption).replace('&', "&&"));
         item.setToolTip(paths[i]);
         item.setVisible(true);

@@ -3,17 +3,39 @@
 #include "settings/RecentList.h"
 #include "settings/SettingsFile.h"
 
+class QWidget;
+
+namespace flash
+{
+class FlashControl;
+}
+
 namespace player
 {
 
-class Player;
+class Menus;
+class Placement;
+class Playback;
+class PlayerHost;
+class SkinWindow;
+class Status;
 
 /// How the settings reach what they set and come back from there, and the list of recent files.
 class PlayerSettings
 {
 public:
-    /// Both outlive this object.
-    PlayerSettings(core::Application& application, Player& player);
+    /// What the settings are read into and collected from.
+    struct Places {
+        QWidget& window;
+        flash::FlashControl& control;
+        Menus& menus;
+        Playback& playback;
+        Status& status;
+        SkinWindow& skinWindow;
+        Placement& placement;
+    };
+    /// All outlive this object.
+    PlayerSettings(core::Application& application, PlayerHost& host, const Places& places);
 
     /// The settings that live nowhere else: icon set, the program's pages, what the start and the end do, the
     /// media browser's place. The others are the state of control, menus and playback.
@@ -38,7 +60,8 @@ private:
     void gather();
 
     core::Application& m_application;
-    Player& m_player;
+    PlayerHost& m_host;
+    const Places m_places;
     settings::SettingsFile m_file;
     settings::Options m_options;
     settings::RecentList m_recent;

@@ -7,8 +7,8 @@
 #include "flash/FlashControl.h"
 #include "platform/TerminationSignal.h"
 #include "platform/WindowSystem.h"
+#include "player/Console.h"
 #include "player/Menus.h"
-#include "player/Player.h"
 #include "player/Texts.h"
 #include "player/WindowFlags.h"
 #include "skin/Catalogue.h"
@@ -48,10 +48,10 @@ void MenuItem::setVisible(bool visible) { m_action.setVisible(visible); }
 QString MenuItem::Tag() const { return m_action.data().toString(); }
 void MenuItem::Click() { m_action.trigger(); }
 
-SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& menus, QWidget& client,
-                       skin::SkinControl& movie, flash::FlashControl& control)
-    : m_application(application), m_window(window), m_menus(menus), m_client(client), m_movie(movie),
-      m_waitScreen(new skin::WaitScreen(&client)), m_shapeEdge(new skin::ShapeEdge(&client)),
+SkinWindow::SkinWindow(core::Application& application, SkinWindowHost& host, QWidget& window, Menus& menus,
+                       QWidget& client, skin::SkinControl& movie, flash::FlashControl& control)
+    : m_application(application), m_host(host), m_window(window), m_menus(menus), m_client(client),
+      m_movie(movie), m_waitScreen(new skin::WaitScreen(&client)), m_shapeEdge(new skin::ShapeEdge(&client)),
       m_skin(*this, this)
 {
     // What a window is made of is settled when it is made, so this cannot wait for a skin with a shape.
@@ -62,8 +62,8 @@ SkinWindow::SkinWindow(core::Application& application, Player& window, Menus& me
         &window, nullptr,
         [this](const QString& name) -> QObject* {
             if (name == "swf") return &m_movie;
-            if (name == "console") return &m_window.console();
-            if (name == "cmbconsole") return &m_window.console().line();
+            if (name == "console") return &m_host.console();
+            if (name == "cmbconsole") return &m_host.console().line();
             if (const auto known = m_items.constFind(name); known != m_items.cend()) return *known;
             QAction* action = m_menus.find(name);
             return action == nullptr ? nullptr : *m_items.insert(name, new MenuItem(*action));
@@ -137,7 +137,7 @@ void SkinWindow::CreateSkin()
 
 void SkinWindow::LoadNewSkin()
 {
-    if (m_window.hasEnded()) return;
+    if (m_host.hasEnded()) return;
     if (m_skin.isBusy() || m_isSwitching || m_skin.bridge().isRunning()) {
         // Asked for by the skin while it is built or laid out, or by one of its statements: what runs has to
         // be finished before it can go.
@@ -169,8 +169,8 @@ void SkinWindow::ShowWaitScreen()
 {
     log({});
     log(" :: Wait Screen");
-    m_waitScreen->ShowWaitScreen(m_window.options().sfx ? skin::WaitScreen::Look::Paled
-                                                        : skin::WaitScreen::Look::Still);
+    m_waitScreen->ShowWaitScreen(m_host.usesEffects() ? skin::WaitScreen::Look::Paled
+                                                      : skin::WaitScreen::Look::Still);
 }
 
 // ---- shape and frame
@@ -232,16 +232,16 @@ void SkinWindow::clientResized()
 // ---- what skins ask
 
 QWidget& SkinWindow::window() { return m_window; }
-bool SkinWindow::isFullScreen() const { return m_window.isFullScreen(); }
+bool SkinWindow::isFullScreen() const { return m_menus.isChecked("mnuFullScreen"); }
 
 void SkinWindow::setMinimumWindowSize(QSize pixels)
 {
-    m_window.setMinimumWindowSize(pixels.expandedTo({0, 0}).boundedTo({kLargestMinimum, kLargestMinimum}));
+    m_host.setMinimumWindowSize(pixels.expandedTo({0, 0}).boundedTo({kLargestMinimum, kLargestMinimum}));
 }
 
-void SkinWindow::ShowPopUp() { m_window.ShowPopUp(); }
+void SkinWindow::ShowPopUp() { m_host.ShowPopUp(); }
 void SkinWindow::activateProgram() { m_window.activateWindow(); }
-bool SkinWindow::hasEnded() const { return m_window.hasEnded() || platform::isTerminationRequested(); }
+bool SkinWindow::hasEnded() const { return m_host.hasEnded() || platform::isTerminationRequested(); }
 
 void SkinWindow::noteWish()
 {
@@ -260,7 +260,7 @@ void SkinWindow::skinOverran()
 
 void SkinWindow::putAway()
 {
-    if (m_window.hasEnded()) return;
+    if (m_host.hasEnded()) return;
     if (m_skin.isBusy() || m_isSwitching || m_skin.bridge().isRunning()) {
         QTimer::singleShot(kRetryMs, this, [this] { putAway(); });
         return;

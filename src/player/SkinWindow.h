@@ -19,7 +19,21 @@ class FlashControl;
 namespace player
 {
 
-class Player;
+class Console;
+
+/// What a skin's side of the window asks of the whole. The player implements it.
+class SkinWindowHost
+{
+public:
+    virtual ~SkinWindowHost() = default;
+    [[nodiscard]] virtual bool hasEnded() const = 0;
+    /// What scripts see; made when it is first asked for.
+    virtual Console& console() = 0;
+    /// Whether the user wants effects.
+    [[nodiscard]] virtual bool usesEffects() const = 0;
+    virtual void setMinimumWindowSize(QSize pixels) = 0;
+    virtual void ShowPopUp() = 0;
+};
 class Menus;
 
 /// A menu item as scripts know it.
@@ -60,8 +74,8 @@ public:
     /// @param client the area that views fill
     /// @param movie  what moves from view to view; scripts know it as SWF
     /// @param control the members of SWF that are the movie's
-    SkinWindow(core::Application& application, Player& window, Menus& menus, QWidget& client,
-               skin::SkinControl& movie, flash::FlashControl& control);
+    SkinWindow(core::Application& application, SkinWindowHost& host, QWidget& window, Menus& menus,
+               QWidget& client, skin::SkinControl& movie, flash::FlashControl& control);
 
     [[nodiscard]] skin::Skin& skin() { return m_skin; }
     [[nodiscard]] bool isShown() const { return m_skin.isShown(); }
@@ -116,7 +130,8 @@ private:
     void setShape(const QRegion& shape);
 
     core::Application& m_application;
-    Player& m_window;
+    SkinWindowHost& m_host;
+    QWidget& m_window;
     Menus& m_menus;
     QWidget& m_client;
     skin::SkinControl& m_movie;

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+class QDialog;
+
+namespace base
+{
+class Failure;
+}
+
+namespace player
+{
+
+/// What the parts of the player ask of the whole. The player implements it; a part names what else it works
+/// with when it is made.
+class PlayerHost
+{
+public:
+    virtual ~PlayerHost() = default;
+
+    /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
+    virtual void handled(const char* place, const std::function<void()>& procedure) = 0;
+    virtual void ReportError(const base::Failure& error, const QString& place, const QString& detail) = 0;
+    /// Where no exception may pass. What cannot be logged is lost.
+    virtual void logQuietly(const QString& text) = 0;
+    /// Whether the program is on its way out; dialogs return into it.
+    [[nodiscard]] virtual bool hasEnded() const = 0;
+    /// Shows a dialog above the window, and waits for it.
+    virtual void ShowDialog(QDialog& dialog) = 0;
+
+    virtual void LoadFlash(const QString& path, const QString& caption) = 0;
+    virtual void SetStatus(const QString& text) = 0;
+    [[nodiscard]] virtual QString StatusText() const = 0;
+    virtual void setUpdateTimerEnabled(bool enabled) = 0;
+    /// @returns false when the settings could not be written
+    virtual bool SaveOpts() = 0;
+    /// Keeps what SaveOpts() would write for an end that something stands in the way of.
+    virtual void keepForSuddenEnd() = 0;
+};
+
+/// What the beginning and the end of the window consist of.
+class LifecycleHost : public PlayerHost
+{
+public:
+    virtual void LoadOpts() = 0;
+    virtual void EnumSkins() = 0;
+    virtual void CreateSkin() = 0;
+    virtual void UpdateSkin() = 0;
+    virtual void AssignMenus() = 0;
+    virtual void SetVisual() = 0;
+    virtual void SetCaption(const QString& text) = 0;
+    virtual void openFiles(const QStringList& paths) = 0;
+    virtual void CloseMedia(const QString& message) = 0;
+    virtual void BrowseMedia() = 0;
+    [[nodiscard]] virtual bool isFullScreen() const = 0;
+    virtual void setMediaInfoEnabled(bool enabled) = 0;
+    virtual void refreshMovieCommands() = 0;
+};
+
+} // namespace player
