@@ -47,7 +47,12 @@ inline QByteArray fileBytes(const QString& path)
     return file.readAll();
 }
 
-inline QString tool(const char* name) { return QString(ZORVEX_TOOLS_DIR) + "/" + name; }
+/// A program of this build, or the one that ZORVEX_TEST_NAME names instead.
+inline QString tool(const char* name)
+{
+    const QByteArray variable = "ZORVEX_TEST_" + QByteArray(name).toUpper();
+    return qEnvironmentVariable(variable.constData(), QString(ZORVEX_TOOLS_DIR) + "/" + name);
+}
 
 /// Line ends and the very end of the text do not count.
 inline QByteArray comparable(QByteArray text)
