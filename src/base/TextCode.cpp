@@ -148,6 +148,18 @@ std::uint16_t TextCode::codeOf(char16_t unit) const
     return found == m_codes.end() ? 0 : found->second;
 }
 
+std::u16string TextCode::textOf(std::uint16_t code) const
+{
+    if (code > 0xFF) {
+        if (const char16_t unit = unitOf(code); unit != 0) return {unit};
+    }
+    const char bytes[] = {static_cast<char>(code >> 8), static_cast<char>(code & 0xFF)};
+    std::u16string text;
+    if (bytes[0] != 0) text += decode({&bytes[0], 1});
+    if (bytes[1] != 0) text += decode({&bytes[1], 1});
+    return text;
+}
+
 char16_t TextCode::unitOf(std::uint16_t code) const
 {
     const std::u16string& pairs = m_pairs[code >> 8];

@@ -33,6 +33,9 @@ public:
     [[nodiscard]] std::uint16_t codeOf(char16_t unit) const;
     /// @returns the character of a code of up to 16 bits; 0 where there is none
     [[nodiscard]] char16_t unitOf(std::uint16_t code) const;
+    /// @returns the character of a code of up to 16 bits, or those of its two bytes in turn when it is none;
+    ///          a NUL byte ends the text
+    [[nodiscard]] std::u16string textOf(std::uint16_t code) const;
     /// @returns whether the byte begins a character of two
     [[nodiscard]] bool isLead(char byte) const { return !m_pairs[static_cast<unsigned char>(byte)].empty(); }
 

@@ -144,12 +144,34 @@ std::u16string utf16FromLooseUtf8(std::string_view utf8)
         }
         if (length > utf8.size() - at) break;
         if (length > 3) {
-            // There is nothing beyond the basic plane.
-            out += kReplacement;
+            // What lies beyond the basic plane takes two units, but only where it is well-formed.
+            const std::string_view sequence = utf8.substr(at, length);
+            if (isUtf8(sequence))
+                out += utf16FromUtf8(sequence);
+            else
+                out += kReplacement;
             at += length;
             continue;
         }
         out += utf16FromUtf8(utf8.substr(at, length)).substr(0, isUtf8(utf8.substr(at, length)) ? 2 : 1);
+        at += length;
+    }
+    return out;
+}
+
+std::u16string utf16FromCarelessUtf8(std::string_view utf8)
+{
+    if (isUtf8(utf8)) return utf16FromUtf8(utf8);
+    std::u16string out;
+    out.reserve(utf8.size());
+    for (std::size_t at = 0; at < utf8.size();) {
+        const auto lead = static_cast<std::uint8_t>(utf8[at]);
+        const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : 3;
+        if (length > utf8.size() - at) break;
+        std::uint32_t code = length == 1 ? lead : length == 2 ? lead & 0x1FU : lead & 0x0FU;
+        for (std::size_t i = 1; i < length; ++i)
+            code = (code << 6) + static_cast<std::uint8_t>(utf8[at + i]) - 0x80U;
+        out += static_cast<char16_t>(code);
         at += length;
     }
     return out;

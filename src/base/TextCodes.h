@@ -22,6 +22,10 @@ std::u16string utf16FromUtf8(std::string_view utf8);
 /// it; a byte that only continues stands for the character of its own number.
 std::u16string utf16FromLooseUtf8(std::string_view utf8);
 
+/// As utf16FromLooseUtf8, by players that did not look at the bytes that follow the first at all: each adds
+/// what it is above 0x80, which may be less than nothing.
+std::u16string utf16FromCarelessUtf8(std::string_view utf8);
+
 /// @returns UTF-8. A lone surrogate is written by itself, as three bytes, so that no text is lost.
 std::string utf8FromUtf16(std::u16string_view utf16);
 

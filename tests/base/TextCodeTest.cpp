@@ -73,11 +73,34 @@ TEST(TextCodes, LooseUtf8GoesByTheFirstByteAlone)
         {"a byte that only continues", "a\x80z", u"a\u0080z"},
         {"too short for its first byte", "a\xE7\x89", u"a"},
         {"beyond all", "a\xFF", u"a"},
+        {"beyond the basic plane", "\xF0\x9F\x98\x8B!", u"\xD83D\xDE0B!"},
+        {"four bytes that are none", "\xF0zzz!", u"\xFFFD!"},
     };
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(utf16FromLooseUtf8(c.bytes), c.text);
     }
+}
+
+TEST(TextCodes, CarelessUtf8AddsWhateverFollows)
+{
+    EXPECT_EQ(utf16FromCarelessUtf8("\xC3\xA9\xE7\x89\x87"), u"é片");
+    EXPECT_EQ(utf16FromCarelessUtf8("\xC4\xD6\xDC \xDF -"), u"\u0156\u06A0\u0760-");
+    EXPECT_EQ(utf16FromCarelessUtf8("\x95\xD0\x89\xBC"), u"\u0095\u0409\u00BC");
+    EXPECT_EQ(utf16FromCarelessUtf8("a\xE7\x89"), u"a") << "too short for its first byte";
+}
+
+TEST(TextCodes, CodesOfTwoBytesThatAreNoCharacterAreTwo)
+{
+    const auto latin = TextCode::named("iso-8859-1");
+    ASSERT_NE(latin, nullptr);
+    EXPECT_EQ(latin->textOf(0x41), u"A");
+    EXPECT_EQ(latin->textOf(0x4142), u"AB");
+    EXPECT_EQ(latin->textOf(0x4100), u"A");
+    EXPECT_EQ(latin->textOf(0), u"");
+    const auto gbk = TextCode::named("gbk");
+    ASSERT_NE(gbk, nullptr);
+    EXPECT_EQ(gbk->textOf(0xC6AC), u"片");
 }
 
 } // namespace
