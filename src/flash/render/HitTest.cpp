@@ -12,12 +12,12 @@ namespace flash::render
 namespace
 {
 
-// Windings are counted along a ray to the left.
+// Windings are counted along a ray to the left. What lies on the left or the upper edge is outside.
 int crossing(FlatPoint from, FlatPoint to, swf::Point p)
 {
-    if ((from.y <= p.y) == (to.y <= p.y)) return 0;
+    if ((from.y < p.y) == (to.y < p.y)) return 0;
     const double t = (p.y - from.y) / (static_cast<double>(to.y) - from.y);
-    if (from.x + t * (static_cast<double>(to.x) - from.x) > p.x) return 0;
+    if (from.x + t * (static_cast<double>(to.x) - from.x) >= p.x) return 0;
     return to.y > from.y ? 1 : -1;
 }
 

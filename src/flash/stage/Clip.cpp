@@ -229,6 +229,8 @@ void Clip::swapDepths(Node& child, int depth)
 Drawing& Clip::drawing()
 {
     if (!m_drawing) m_drawing = std::make_unique<Drawing>();
+    const bool wide = m_movie && m_movie->header.version < 8;
+    m_drawing->setReach(wide ? Drawing::Reach::Width : Drawing::Reach::HalfWidth);
     return *m_drawing;
 }
 
@@ -271,8 +273,11 @@ double Clip::bytesTotal() const
     case Content::Missing: return -1;
     case Content::Timeline: break;
     }
-    if (m_movieRoot && m_movie)
-        return static_cast<double>(m_movie->fileLength > 0 ? m_movie->fileLength : m_movie->bytes.size());
+    if (m_movieRoot && m_movie) {
+        // Movies of the time before version 9 count as they are when unpacked.
+        const bool packed = m_movie->header.version >= 9 && m_movie->fileLength > 0;
+        return static_cast<double>(packed ? m_movie->fileLength : m_movie->bytes.size());
+    }
     return m_timeline->frames.empty() ? 0 : static_cast<double>(m_timeline->frames.back().endOffset);
 }
 double Clip::bytesLoaded() const { return std::max(0.0, bytesTotal()); }

@@ -146,7 +146,9 @@ void Drawing::include(swf::Point point)
     const swf::Rect spot{x, x, y, y};
     m_work.edgeBounds = swf::unite(m_work.edgeBounds, spot);
     // Miters can reach further than half the width; the usual limit is three times that.
-    const std::int32_t reach = m_line ? (m_line->width + 1) / 2 : 0;
+    const std::int32_t reach = !m_line                   ? 0
+                               : m_reach == Reach::Width ? m_line->width
+                                                         : (m_line->width + 1) / 2;
     m_work.bounds = swf::unite(m_work.bounds, swf::Rect{x - reach, x + reach, y - reach, y + reach});
 }
 

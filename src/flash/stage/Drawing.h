@@ -17,6 +17,9 @@ public:
     /// @param style nothing ends lines
     void lineStyle(std::optional<swf::LineStyle> style);
     void moveTo(swf::Point to);
+    /// How far the box around lines goes beyond them: before version 8 by the whole width.
+    enum class Reach { HalfWidth, Width };
+    void setReach(Reach reach) { m_reach = reach; }
     void lineTo(swf::Point to);
     void curveTo(swf::Point control, swf::Point to);
     void clear();
@@ -35,6 +38,7 @@ private:
     swf::Shape m_work;
     mutable std::shared_ptr<const swf::Shape> m_built;
     std::optional<swf::LineStyle> m_line;
+    Reach m_reach = Reach::HalfWidth;
     bool m_filling = false, m_runOpen = false, m_layerOpen = false;
     std::uint16_t m_lineIndex = 0; ///< of m_line in the open layer, from 1; 0 while it is not there
     swf::Point m_pen, m_pathStart;

@@ -285,8 +285,10 @@ std::optional<std::uint16_t> Stage::exportedCharacter(const MoviePtr& movie, std
     if (!movie) return {};
     std::string key(name);
     auto found = movie->exports.find(key);
-    if (found == movie->exports.end() && movie->header.version < 6)
-        found = movie->exports.find(textCode().fromUtf8(key));
+    if (found == movie->exports.end() && movie->header.version < 6) {
+        key = textCode().fromUtf8(key);
+        found = movie->exports.find(key);
+    }
     if (found != movie->exports.end()) return found->second;
     // Linkage names do not tell cases apart.
     const auto same = [&](const std::string& other) {

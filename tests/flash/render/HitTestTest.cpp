@@ -29,6 +29,9 @@ TEST(HitTest, FindsFillsHolesAndStrokes)
     EXPECT_TRUE(hit(28.5, 10));
     EXPECT_TRUE(hit(31.5, 10));
     EXPECT_FALSE(hit(32.5, 10));
+    EXPECT_FALSE(hit(0, 2)) << "on the left edge";
+    EXPECT_FALSE(hit(2, 0)) << "on the upper edge";
+    EXPECT_TRUE(hit(20, 2)) << "on the right edge";
     EXPECT_TRUE(hit(30, 21)) << "in the round cap";
     EXPECT_FALSE(hit(30, 23));
 }
