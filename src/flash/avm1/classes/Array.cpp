@@ -29,9 +29,20 @@ Value push(Call& call)
     Vm& vm = call.vm;
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
+    if (const ArrayNative* array = self->native<ArrayNative>()) {
+        std::int32_t length = array->signedLength();
+        for (const Value value : call.args) {
+            if (length >= 0)
+                self->putIndex(vm, static_cast<std::uint32_t>(length), value);
+            else
+                self->put(vm, toName(vm, Value(length)), value);
+            length = static_cast<std::int32_t>(static_cast<std::uint32_t>(length) + 1);
+        }
+        return Value(length);
+    }
     double length = listLength(vm, self);
     for (const Value value : call.args) self->putIndex(vm, static_cast<std::uint32_t>(length++), value);
-    if (self->native<ArrayNative>() == nullptr) self->put(vm, vm.common().length, Value(length));
+    self->put(vm, vm.common().length, Value(length));
     return Value(length);
 }
 
@@ -43,10 +54,18 @@ Value pop(Call& call)
     const double length = listLength(vm, self);
     if (length <= 0) return {};
     const Name last = vm.names().fromIndex(static_cast<std::uint32_t>(length - 1));
-    const Value value = self->get(vm, last);
+    const bool isArray = self->native<ArrayNative>() != nullptr;
+    const Value value = isArray ? self->ownData(vm, last) : self->get(vm, last);
     self->remove(vm, last);
-    self->put(vm, vm.common().length, Value(length - 1));
+    // Of what is no array only the elements move, here and below: its length is its own.
+    if (isArray) self->put(vm, vm.common().length, Value(length - 1));
     return value;
+}
+
+void putElements(Vm& vm, Object* list, std::size_t first, std::span<const Value> elements)
+{
+    for (std::size_t i = 0; i < elements.size() && !vm.checkLoop(); ++i)
+        list->put(vm, vm.names().fromIndex(static_cast<std::uint32_t>(first + i)), elements[i]);
 }
 
 Value shift(Call& call)
@@ -57,6 +76,10 @@ Value shift(Call& call)
     if (elements->empty()) return {};
     const Value first = elements->front();
     elements->erase(elements->begin());
+    if (self->native<ArrayNative>() == nullptr) {
+        putElements(call.vm, self, 0, *elements);
+        return first;
+    }
     setListElements(call.vm, self, *elements);
     return first;
 }
@@ -66,7 +89,12 @@ Value unshift(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
     RootedValues elements = listElements(call.vm, self);
+    const std::size_t before = elements->size();
     elements->insert(elements->begin(), call.args.begin(), call.args.end());
+    if (self->native<ArrayNative>() == nullptr) {
+        putElements(call.vm, self, 0, *elements);
+        return Value(static_cast<double>(before));
+    }
     setListElements(call.vm, self, *elements);
     return Value(static_cast<double>(elements->size()));
 }

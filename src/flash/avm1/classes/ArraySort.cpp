@@ -69,8 +69,9 @@ private:
     static int numeric(double a, double b) { return a < b ? -1 : a > b ? 1 : 0; }
     Value member(Value value, Name name)
     {
+        // What is no object stands for itself. Only an object's own data counts, and no getter is asked.
         Object* object = value.asObject();
-        return object == nullptr ? Value() : object->get(m_vm, name);
+        return object == nullptr ? value : object->ownData(m_vm, name);
     }
     std::u16string text(Value value, std::uint32_t options)
     {

@@ -2,7 +2,9 @@
 
 #include "flash/avm1/interpreter/Vm.h"
 
-#include <cmath>
+#include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace flash::avm1
 {
@@ -10,16 +12,18 @@ namespace flash::avm1
 namespace
 {
 
-/// @returns the number that a name like "-17" spells; 0 for other names
-double negativeIndex(std::u16string_view name)
+/// @returns the index that a name of digits stands for, which may have a sign and wraps around in 32 bits
+std::optional<std::int32_t> wrappedIndex(std::u16string_view name)
 {
-    if (name.size() < 2 || name.size() > 10 || name[0] != u'-' || name[1] == u'0') return 0;
-    double index = 0;
-    for (const char16_t unit : name.substr(1)) {
-        if (unit < u'0' || unit > u'9') return 0;
+    const bool negative = !name.empty() && name[0] == u'-';
+    if (negative) name.remove_prefix(1);
+    if (name.empty()) return {};
+    std::uint32_t index = 0;
+    for (const char16_t unit : name) {
+        if (unit < u'0' || unit > u'9') return {};
         index = index * 10 + (unit - u'0');
     }
-    return -index;
+    return static_cast<std::int32_t>(negative ? 0U - index : index);
 }
 
 } // namespace
@@ -28,14 +32,15 @@ void ArrayNative::trace(Tracer& tracer)
 {
     for (const Value element : m_elements) tracer(element);
     tracer(m_lengthValue);
+    for (const Created& created : m_order)
+        if (created.name != nullptr) tracer(created.name);
     tracer.outside(m_elements.capacity() * sizeof(Value));
 }
 
 bool ArrayNative::getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result)
 {
     const std::uint32_t index = name.arrayIndex();
-    if (index < m_elements.size()) {
-        if (m_elements[index].isHole()) return false;
+    if (index < m_elements.size() && !m_elements[index].isHole()) {
         result = m_elements[index];
         return true;
     }
@@ -54,22 +59,29 @@ Caching ArrayNative::caching(Vm& vm, Name name) const
 
 bool ArrayNative::putElement(Vm& vm, const Object& self, std::uint32_t index, Value value)
 {
-    if (index < m_elements.size()) {
+    if (index < m_elements.size() && !m_elements[index].isHole()) {
         m_elements[index] = value;
         return true;
     }
-    if (index - m_elements.size() > kMaxGap || self.shape()->hasIndexNames()) return false;
-    m_elements.resize(index, Value::hole());
+    // Only one element after the other is as simple as that.
+    if (index != m_elements.size() || index >= kMaxDense || !m_order.empty() || self.shape()->hasIndexNames())
+        return false;
     m_elements.push_back(value);
     vm.heap().noteExternalBytes(sizeof(Value));
     if (index >= m_length) m_lengthValue = Value(m_length = static_cast<double>(index) + 1);
     return true;
 }
 
+Value ArrayNative::takeElement(Name name)
+{
+    Value* element = elementAt(name.arrayIndex());
+    return element == nullptr ? Value() : std::exchange(*element, Value::hole());
+}
+
 bool ArrayNative::hasOwn(Vm& vm, Object& self, Name name)
 {
     const std::uint32_t index = name.arrayIndex();
-    if (index < m_elements.size()) return !m_elements[index].isHole();
+    if (index < m_elements.size() && !m_elements[index].isHole()) return true;
     return name.matches(vm.common().length, vm.isCaseSensitive()) || self.hasPlain(vm, name);
 }
 
@@ -81,31 +93,58 @@ void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
             setLength(vm, self, toInt32(vm, value));
             m_lengthValue = value;
         } else {
+            if (!self.hasPlain(vm, name)) noteCreated({Atom::kNotIndex, name.cell()});
             self.putPlain(vm, name, value);
-            // An index below 0 is a plain property, but moves a length that is below it.
-            const double negative = negativeIndex(name.view());
-            if (negative < 0 && m_lengthValue.isNumber() && negative >= m_lengthValue.number())
-                m_lengthValue = Value(negative + 1);
+            // Other spellings of an index name plain properties, but move the length all the same.
+            if (const std::optional<std::int32_t> wrapped = wrappedIndex(name.view()))
+                extend(vm, self, *wrapped);
         }
         return;
     }
-    if (index < m_elements.size()) {
+    if (index < m_elements.size() && !(m_elements[index].isHole() && self.hasPlain(vm, name))) {
+        if (m_elements[index].isHole()) noteCreated({index, nullptr});
         m_elements[index] = value;
-    } else if (index - m_elements.size() <= kMaxGap && !self.hasPlain(vm, name)) {
+    } else if (index < kMaxDense && index - m_elements.size() <= kMaxGap && !self.hasPlain(vm, name)) {
+        if (index != m_elements.size() || !m_order.empty()) noteCreated({index, nullptr});
         m_elements.resize(index, Value::hole());
         m_elements.push_back(value);
         vm.heap().noteExternalBytes(sizeof(Value));
     } else {
+        if (!self.hasPlain(vm, name)) noteCreated({Atom::kNotIndex, name.cell()});
         self.putPlain(vm, name, value);
     }
-    if (index >= m_length) m_lengthValue = Value(m_length = static_cast<double>(index) + 1);
+    extend(vm, self, static_cast<std::int32_t>(index));
+}
+
+void ArrayNative::extend(Vm& vm, Object& self, std::int32_t index)
+{
+    if (index < signedLength()) return;
+    const auto length = static_cast<std::int32_t>(static_cast<std::uint32_t>(index) + 1);
+    // Behind the last index of all comes the first.
+    if (length < m_length) setLength(vm, self, length);
+    m_length = std::max(length, 0);
+    m_lengthValue = Value(length);
+}
+
+std::int32_t ArrayNative::signedLength() const
+{
+    return m_lengthValue.isNumber() ? vm::toInt32(m_lengthValue.number())
+                                    : static_cast<std::int32_t>(m_length);
+}
+
+void ArrayNative::noteCreated(Created created)
+{
+    if (m_order.empty()) {
+        for (std::size_t i = 0; i < m_elements.size(); ++i)
+            if (!m_elements[i].isHole()) m_order.push_back({static_cast<std::uint32_t>(i), nullptr});
+    }
+    m_order.push_back(created);
 }
 
 bool ArrayNative::deleteOwn(Vm& vm, Object& self, Name name)
 {
     const std::uint32_t index = name.arrayIndex();
-    if (index < m_elements.size()) {
-        if (m_elements[index].isHole()) return false;
+    if (index < m_elements.size() && !m_elements[index].isHole()) {
         m_elements[index] = Value::hole();
         return true;
     }
@@ -114,8 +153,20 @@ bool ArrayNative::deleteOwn(Vm& vm, Object& self, Name name)
 
 void ArrayNative::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
 {
-    for (std::size_t i = m_elements.size(); i-- > 0;) {
-        if (!m_elements[i].isHole()) names.add(vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+    // The latest comes first. What was deleted and made again is found by its last entry.
+    for (std::size_t i = m_order.size(); i-- > 0;) {
+        const Created& created = m_order[i];
+        if (created.name == nullptr) {
+            if (elementAt(created.index) != nullptr) names.add(vm.names().fromIndex(created.index));
+        } else if (const std::uint32_t at = self.shape()->find(Name(created.name), true);
+                   at != Shape::kMissing) {
+            names.add(Name(created.name), self.shape()->properties()[at].flags);
+        }
+    }
+    if (m_order.empty()) {
+        for (std::size_t i = m_elements.size(); i-- > 0;) {
+            if (!m_elements[i].isHole()) names.add(vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+        }
     }
     names.add(vm.common().length, m_lengthFlags);
     self.enumeratePlain(vm, names);
@@ -147,6 +198,11 @@ void ArrayNative::setLength(Vm& vm, Object& self, double length)
 void ArrayNative::assign(std::span<const Value> elements)
 {
     m_elements.assign(elements.begin(), elements.end());
+    std::erase_if(m_order, [](const Created& created) { return created.name == nullptr; });
+    if (!m_order.empty()) {
+        for (std::size_t i = 0; i < m_elements.size(); ++i)
+            m_order.push_back({static_cast<std::uint32_t>(i), nullptr});
+    }
     m_length = static_cast<double>(m_elements.size());
     m_lengthValue = Value(m_length);
 }

@@ -41,15 +41,30 @@ public:
     /// Assigns to an element of the dense part or not far behind it, where nothing but the array itself has a
     /// say. @returns whether that was so.
     bool putElement(Vm& vm, const Object& self, std::uint32_t index, Value value);
+    /// @returns the element of that name, which leaves a hole; undefined when there is none
+    Value takeElement(Name name);
     [[nodiscard]] TracedList<Value>& elements() { return m_elements; }
     [[nodiscard]] double length() const { return m_length; }
+    /// @returns the length that scripts gave it, which may be below 0
+    [[nodiscard]] std::int32_t signedLength() const;
     /// Grows with holes or cuts; elements in the bag beyond the new length are removed too.
     void setLength(Vm& vm, Object& self, double length);
     /// Replaces all elements; the length follows.
     void assign(std::span<const Value> elements);
 
 private:
+    struct Created {
+        std::uint32_t index; ///< of an element; not looked at where there is a name
+        Atom* name;          ///< of a plain property; null for elements
+    };
+    static constexpr std::uint32_t kMaxDense = 0x7FFF'FFFE;
+    void noteCreated(Created created);
+    /// The length follows an index that was assigned to.
+    void extend(Vm& vm, Object& self, std::int32_t index);
+
     TracedList<Value> m_elements;
+    /// In which order everything came, for loops over the names; empty while it is that of the elements.
+    std::vector<Created> m_order;
     double m_length = 0;
     Value m_lengthValue = Value(0); ///< what scripts read: whatever was assigned stays as it is
     std::uint16_t m_lengthFlags = kBuiltIn;

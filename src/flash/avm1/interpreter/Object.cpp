@@ -265,6 +265,26 @@ bool Object::getPlain(Vm& vm, Name name, Value receiver, Value& result)
     return false;
 }
 
+Value Object::ownData(Vm& vm, Name name)
+{
+    Value result;
+    const std::uint32_t at = findVisible(vm, name);
+    if (at == Shape::kMissing || (m_shape->properties()[at].flags & kAccessor) == 0) {
+        if (hasHooks()) return m_native->getOwn(vm, *this, name, this, result) ? result : Value();
+        return getPlain(vm, name, this, result) ? result : Value();
+    }
+    return reinterpret_cast<Accessor*>(m_slots[m_shape->properties()[at].slot].object())->value;
+}
+
+Value Object::ownHiddenData(Vm& vm, Name name)
+{
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
+    if (at == Shape::kMissing) return ownData(vm, name);
+    const Shape::Property& property = m_shape->properties()[at];
+    const Value held = m_slots[property.slot];
+    return (property.flags & kAccessor) != 0 ? reinterpret_cast<Accessor*>(held.object())->value : held;
+}
+
 bool Object::hasPlain(Vm& vm, Name name) const
 {
     return findVisible(vm, name) != Shape::kMissing ||
@@ -303,7 +323,8 @@ void Object::putPlain(Vm& vm, Name name, Value value)
 
 bool Object::deletePlain(Vm& vm, Name name)
 {
-    const std::uint32_t at = findVisible(vm, name);
+    // What the movie's version cannot see it can take away.
+    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
     if (at == Shape::kMissing) {
         if (!isProtoVisible(vm) || !name.matches(vm.common().proto, vm.isCaseSensitive())) return false;
         if ((m_protoFlags & kDontDelete) != 0) return false;
@@ -354,6 +375,8 @@ void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, s
 {
     if (name.arrayIndex() != Atom::kNotIndex) vm.noteIndexedAccessor();
     Value before;
+    // An element with a getter is an element no longer.
+    if (m_exotic == Exotic::Array) before = static_cast<ArrayNative*>(m_native)->takeElement(name);
     if (const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive()); at != Shape::kMissing) {
         before = m_slots[m_shape->properties()[at].slot];
         if ((m_shape->properties()[at].flags & kAccessor) != 0)
@@ -556,6 +579,9 @@ bool Object::callWatch(Vm& vm, Name name, Value& value)
         if ((property.flags & kAccessor) != 0) old = reinterpret_cast<Accessor*>(old.object())->value;
     } else if (const Accessor* accessor = inheritedAccessor(vm, name, holder)) {
         old = accessor->value;
+    } else if (Object* above = prototype(vm);
+               above != nullptr && above->find(vm, name, old, this) && !vm.isUnwinding()) {
+        // Data further up counts as the old value.
     } else if (!hasHooks() && !name.matches(vm.common().proto, vm.isCaseSensitive())) {
         addProperty(vm, name, {}, 0);
         isOwn = true;

@@ -134,6 +134,11 @@ public:
     bool getPlain(Vm& vm, Name name, Value receiver, Value& result);
     /// Assigns to an own property or creates it. Read-only ones stay; setters and watches are called.
     void putPlain(Vm& vm, Name name, Value value);
+    /// @returns what the object itself holds under a name, undefined if nothing; of one with a getter what it
+    ///          last was given
+    Value ownData(Vm& vm, Name name);
+    /// As ownData(), of properties that the movie's version does not see, too.
+    Value ownHiddenData(Vm& vm, Name name);
     bool hasPlain(Vm& vm, Name name) const;
     bool deletePlain(Vm& vm, Name name);
     void enumeratePlain(Vm& vm, NameCollector& names) const;
