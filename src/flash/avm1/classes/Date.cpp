@@ -32,15 +32,22 @@ void fillParts(Call& call, DateParts& parts, std::span<const Part> order)
     }
 }
 
-/// All parts from the year on, as the constructor and Date.UTC take them: an argument that is undefined ends
-/// the list, and a year that is no number is the year 0.
-DateParts partsFromArguments(Call& call, std::span<const Part> order)
+/// How many arguments the constructor and Date.UTC look at: the first that is undefined ends the list.
+std::size_t givenCount(const Call& call)
 {
     std::size_t count = 0;
-    while (count < order.size() && count < call.count() && !call.arg(count).isUndefined()) ++count;
+    while (count < call.count() && !call.arg(count).isUndefined()) ++count;
+    return count;
+}
+
+/// All parts from the year on, as the constructor and Date.UTC take them. A year that is no number is the
+/// year 0; a month that is none is the first of that year.
+DateParts partsFromArguments(Call& call, std::span<const Part> order)
+{
     DateParts parts;
-    fillParts(call, parts, order.first(count));
+    fillParts(call, parts, order.first(std::min(order.size(), givenCount(call))));
     parts.year = std::isfinite(parts.year) ? fullYear(parts.year) : 0;
+    if (!std::isfinite(parts.month)) parts.year = parts.month = 0;
     return parts;
 }
 
@@ -75,11 +82,10 @@ Value construct(Call& call)
     double time;
     if (call.count() == 0 || (call.count() == 1 && call.arg(0).isUndefined())) {
         time = std::floor(call.vm.host().wallClockMs());
-    } else if (call.count() == 1) {
+    } else if (call.count() == 1 || givenCount(call) == 1) {
         time = numberArgument(call, 0);
     } else {
         time = utcFromLocal(timeFromParts(partsFromArguments(call, kYearOn)));
-        if (!std::isfinite(time)) time = kNaN;
     }
     self->attachNew<DateNative>(time);
     return {};
@@ -88,13 +94,12 @@ Value construct(Call& call)
 Value utcStatic(Call& call)
 {
     if (call.arg(0).isUndefined()) return {};
-    if (call.count() < 2) {
+    if (givenCount(call) < 2) {
         // Looked at, and found to be too little.
         numberArgument(call, 0);
         return {};
     }
-    const double time = timeFromParts(partsFromArguments(call, kYearOn));
-    return Value(std::isfinite(time) ? time : kNaN);
+    return Value(timeFromParts(partsFromArguments(call, kYearOn)));
 }
 
 DateParts partsOf(const DateNative& date, Zone zone)
@@ -171,6 +176,9 @@ Value setYear(Call& call)
     fillParts(call, parts, std::span<const Part>(kYearOn).first(3));
     // Two digits are of the last century; here years before the first stay what they are.
     if (parts.year >= 0) parts.year = fullYear(parts.year);
+    // Here alone it matters how far from 1970 a time is.
+    constexpr double kFurthestMs = 8.64e15;
+    if (std::fabs(timeFromParts(parts)) > kFurthestMs) parts.year = kNaN;
     return store(*date, parts, Zone::Local);
 }
 

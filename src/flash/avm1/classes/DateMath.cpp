@@ -45,16 +45,25 @@ double timeFromParts(const DateParts& parts)
 DateParts partsFromTime(double timeMs)
 {
     DateParts parts;
-    // A time without end has the parts of the first moment.
-    if (!std::isfinite(timeMs)) timeMs = 0;
-    const double days = std::floor(timeMs / kMsPerDay);
-    double rest = timeMs - days * kMsPerDay;
-    parts.hours = std::floor(rest / 3600000);
-    rest -= parts.hours * 3600000;
-    parts.minutes = std::floor(rest / 60000);
-    rest -= parts.minutes * 60000;
-    parts.seconds = std::floor(rest / 1000);
-    parts.milliseconds = std::floor(rest - parts.seconds * 1000);
+    // A time without end has the parts of the first moment, which is a Sunday then.
+    if (!std::isfinite(timeMs)) {
+        parts.year = 1970;
+        parts.month = 0;
+        parts.day = 1;
+        parts.weekday = 0;
+        return parts;
+    }
+    // Exact for times of any size. The hour is that of half a millisecond later, and fractions of a
+    // millisecond count towards 1970.
+    const auto within = [](double whole, double period) {
+        const double rest = std::fmod(whole, period);
+        return rest < 0 ? rest + period : rest;
+    };
+    const double days = std::floor((timeMs - within(timeMs, kMsPerDay)) / kMsPerDay + 0.5);
+    parts.hours = within(std::floor((timeMs + 0.5) / 3600000), 24);
+    parts.minutes = within(std::floor(timeMs / 60000), 60);
+    parts.seconds = within(std::floor(timeMs / 1000), 60);
+    parts.milliseconds = within(std::trunc(timeMs), 1000);
     parts.weekday = static_cast<int>(days + 4 - std::floor((days + 4) / 7) * 7);
 
     const double shifted = days + 719468;
