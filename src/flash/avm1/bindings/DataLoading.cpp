@@ -8,6 +8,13 @@
 namespace flash::avm1
 {
 
+bool readsCodepage(Vm& vm)
+{
+    if (vm.version() < 6) return true;
+    Object* system = vm.global()->get(vm, vm.name(std::string_view("System"))).asObject();
+    return system != nullptr && toBoolean(vm, system->get(vm, vm.name(std::string_view("useCodepage"))));
+}
+
 std::u16string textFromBytes(Vm& vm, std::string_view bytes)
 {
     constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF", kLittleMark = "\xFF\xFE", kBigMark = "\xFE\xFF";
@@ -22,11 +29,7 @@ std::u16string textFromBytes(Vm& vm, std::string_view bytes)
         }
         return text;
     }
-    Object* system = vm.global()->get(vm, vm.name(std::string_view("System"))).asObject();
-    const bool coded =
-        vm.version() < 6 ||
-        (system != nullptr && toBoolean(vm, system->get(vm, vm.name(std::string_view("useCodepage")))));
-    if (coded || !base::isUtf8(bytes)) return vm.host().textCode().decode(bytes);
+    if (readsCodepage(vm) || !base::isUtf8(bytes)) return vm.host().textCode().decode(bytes);
     return base::utf16FromUtf8(bytes);
 }
 
@@ -64,8 +67,8 @@ bool fetchInto(Call& call, Object* object, std::string url,
             std::string_view bytes(reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size());
             text = Value(machine.string(textFromBytes(machine, bytes)));
             const auto size = Value(static_cast<double>(answer->bytes.size()));
-            target->get()->define(machine, "_bytesLoaded", size, kDontEnum);
-            target->get()->define(machine, "_bytesTotal", size, kDontEnum);
+            target->get()->define(machine, "_bytesLoaded", size, kBuiltIn);
+            target->get()->define(machine, "_bytesTotal", size, kBuiltIn);
         }
         machine.callMethod(target->get(), "onData", {text});
     });

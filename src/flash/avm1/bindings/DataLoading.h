@@ -14,6 +14,8 @@ void addLoading(Vm& vm, Object* prototype, std::uint16_t flags);
 
 /// The text of a loaded file. Files with a mark are UTF-16 or UTF-8. Others are in the 8-bit code when a
 /// movie of version 5 or before loads them or System.useCodepage says so; else UTF-8, if they can be.
+/// @returns whether loaded texts are in the 8-bit code: those of version 5, and where scripts want it.
+bool readsCodepage(Vm& vm);
 std::u16string textFromBytes(Vm& vm, std::string_view bytes);
 
 } // namespace flash::avm1

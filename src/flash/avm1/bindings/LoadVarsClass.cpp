@@ -1,3 +1,4 @@
+#include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/classes/ClassTable.h"
@@ -13,7 +14,10 @@ Value decode(Call& call)
     Object* self = call.self.asObject();
     if (!self) return {};
     if (call.count() == 0) return Value(false);
-    StageBinding::of(call).decodeVariables(self, utf8Arg(call, 0));
+    const std::u16string text = textArg(call, 0);
+    const bool coded = readsCodepage(call.vm);
+    StageBinding::of(call).decodeVariables(self, coded ? call.vm.host().textCode().encode(text)
+                                                       : base::utf8FromUtf16(text));
     return {};
 }
 

@@ -111,14 +111,15 @@ Value createTextField(Call& call)
 
 Value duplicateMovieClip(Call& call)
 {
+    const std::string name = utf8Arg(call, 0);
+    const auto depth = depthArg(call, 1);
     stage::Clip* clip = selfClip(call);
     stage::Clip* parent = clip ? clip->parentClip() : nullptr;
-    const auto depth = depthArg(call, 1);
     if (!parent || !depth) return {};
     StageBinding& binding = StageBinding::of(call);
     const auto initialise = initialiser(call, 2);
-    const stage::NodePtr copy = parent->duplicate(
-        *clip, *depth, utf8Arg(call, 0), [&](stage::Node& node) { binding.prepare(node, initialise); });
+    const stage::NodePtr copy =
+        parent->duplicate(*clip, *depth, name, [&](stage::Node& node) { binding.prepare(node, initialise); });
     if (copy) binding.construct(*copy, initialise);
     return copy ? Value(StageBinding::of(call).objectOf(copy.get())) : Value();
 }
@@ -262,9 +263,8 @@ Value convertPoint(Call& call, bool toGlobal)
     if (!clip || !point) return {};
     Vm& vm = call.vm;
     const Name x = vm.name(std::string_view("x")), y = vm.name(std::string_view("y"));
-    const auto has = [&](Name name) { return point->has(vm, name) || point->hasHidden(vm, name); };
-    if (!has(x) || !has(y)) return {};
-    const Value px = hiddenOrNot(vm, *point, x), py = hiddenOrNot(vm, *point, y);
+    // Only the point's own data counts: no prototype and no getter is asked.
+    const Value px = point->ownHiddenData(vm, x), py = point->ownHiddenData(vm, y);
     if (!px.isNumber() || !py.isNumber()) return {};
     const swf::Matrix matrix = toGlobal ? clip->toStage() : clip->toStage().inverted();
     constexpr double kTwips = swf::kTwipsPerPixel;
@@ -507,11 +507,17 @@ Value setBlendMode(Call& call)
 {
     stage::Node* node = selfNode(call);
     if (!node) return {};
+    if (call.arg(0).isNullish()) {
+        node->setBlend(swf::BlendMode::Normal);
+        return {};
+    }
     if (call.arg(0).isNumber()) {
-        const int index = intArg(call, 0);
+        // One byte in the movie format, and here.
+        const int index = intArg(call, 0) & 0xFF;
         if (index >= 1 && index <= 14) node->setBlend(static_cast<swf::BlendMode>(index));
         return {};
     }
+    if (!call.arg(0).isString()) return {};
     const std::u16string name = textArg(call, 0);
     for (std::size_t i = 0; i < std::size(kBlendNames); ++i)
         if (base::utf16FromUtf8(kBlendNames[i]) == name) node->setBlend(static_cast<swf::BlendMode>(i + 1));
@@ -641,7 +647,7 @@ constexpr MemberInfo kMembers[] = {
     {"loadVariables",        1, 0,     &loadVariables},
     {"unloadMovie",          0, 0,     &unloadMovie},
     {"createEmptyMovieClip", 2, kFrom6, &createEmptyMovieClip},
-    {"createTextField",      6, 0, &createTextField},
+    {"createTextField",      6, 0,     &createTextField},
     {"getNextHighestDepth",  0, kFrom7, &getNextHighestDepth},
     {"getInstanceAtDepth",   1, kFrom7, &getInstanceAtDepth},
     {"getSWFVersion",        0, 0,      &getSwfVersion},

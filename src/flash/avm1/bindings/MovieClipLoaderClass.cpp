@@ -53,6 +53,14 @@ private:
     Root<Object> m_loader;
 };
 
+/// Marks what `new MovieClipLoader` made: nothing else has its methods.
+class LoaderObject final : public Native
+{
+public:
+    static constexpr char kTag = 0;
+    [[nodiscard]] const void* tag() const override { return &kTag; }
+};
+
 /// Where a load goes to: a clip, or a level by number or name.
 struct Target {
     stage::Clip* clip = nullptr;
@@ -117,6 +125,7 @@ Value unloadClip(Call& call)
 
 Value getProgress(Call& call)
 {
+    if (!call.native<LoaderObject>()) return {};
     Target target = targetArg(call, 0);
     if (target.level >= 0) target.clip = StageBinding::of(call).stage().level(target.level);
     if (call.arg(0).isNullish() || (call.arg(0).isObject() && !target.clip)) return {};
@@ -131,6 +140,7 @@ Value construct(Call& call)
 {
     Object* self = call.self.asObject();
     if (!self) return {};
+    self->attachNew<LoaderObject>();
     // Listens to itself.
     const Value own[] = {Value(self)};
     self->define(call.vm, "_listeners", Value(call.vm.newArray(own)), kBuiltIn);

@@ -113,11 +113,7 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
         const auto sensitivity = sensitive ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive;
         if (!clip->children().empty()) {
             if (stage::Node* child = clip->childByName(base::utf8FromUtf16(text), sensitivity)) {
-                // Scripts cannot name what is only drawn, nor in version 5 a text field; they get the clip it
-                // lies in.
-                const bool nameable = vm.version() >= 6 || child->kind() != stage::NodeKind::TextField;
-                Object* object = nameable ? m_binding.objectOf(child) : nullptr;
-                result = object ? Value(object) : Value(m_binding.objectOf(clip));
+                result = m_binding.scriptedChild(*clip, child);
                 return true;
             }
         }

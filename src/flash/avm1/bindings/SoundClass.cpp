@@ -74,7 +74,9 @@ Value construct(Call& call)
             state.path = textArg(call, 0);
             state.target = call.vm.target();
         } else if (binding.nodeOf(object)) {
-            state.target = object;
+            // A clip counts by its path: under another name it is not the sound's any more.
+            state.path = binding.targetPath(object);
+            state.target = binding.level(0);
         }
     }
     return {};
@@ -257,7 +259,7 @@ Value loadSound(Call& call)
     stage::Clip* sender = binding.clipOf(call.vm.target());
     request.baseUrl = sender ? sender->url() : binding.stage().url();
     const bool streaming = toBoolean(call.vm, call.arg(1));
-    state->own = stage::SoundTransform{};
+    if (!state->isOrphan()) state->own = stage::SoundTransform{};
     giveMeasures(call.vm, call.self.object());
     auto self = std::make_shared<Root<Object>>(call.vm.heap(), call.self.asObject());
     binding.stage().fetch(
@@ -272,7 +274,8 @@ Value loadSound(Call& call)
                 if (streaming) {
                     sound->playing = binding.services().sound.playFile(sound->owner(), sound->file, {});
                     if (sound->playing != 0) {
-                        binding.services().sound.setSoundTransform(sound->playing, *sound->own);
+                        if (sound->own)
+                            binding.services().sound.setSoundTransform(sound->playing, *sound->own);
                         binding.watchSound(sound->playing, object);
                     }
                 }

@@ -332,7 +332,12 @@ void StageBinding::assignClass(stage::Clip& clip)
 Function* StageBinding::classOf(stage::Clip& clip)
 {
     const std::string name = clip.linkageName();
-    return name.empty() ? nullptr : m_vm->symbolClass(base::utf16FromUtf8(name));
+    if (name.empty()) return nullptr;
+    const std::u16string symbol = base::utf16FromUtf8(name);
+    if (Function* own = m_vm->symbolClass(std::shared_ptr<const void>(clip.movie()), symbol)) return own;
+    // Symbols that a movie imports have the classes that it gave them.
+    const stage::Clip* parent = clip.parentClip();
+    return parent ? m_vm->symbolClass(std::shared_ptr<const void>(parent->movie()), symbol) : nullptr;
 }
 
 std::shared_ptr<const swf::Bitmap> StageBinding::bitmapOf(Object* object) { return bitmapFromObject(object); }

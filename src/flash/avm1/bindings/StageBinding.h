@@ -53,6 +53,9 @@ public:
 
     /// The script object of an instance, made on first use; null for null and for what scripts cannot name.
     Object* objectOf(stage::Node* node);
+    /// @returns what scripts get for a child that they name: the clip it lies in for what they cannot handle.
+    ///          Version 5 knows no fields.
+    Object* scriptedChild(stage::Clip& clip, stage::Node* child);
     /// @returns the instance behind an object: the one it was made for or, when that is gone, the one that
     ///          stands at the same path now. Null for other objects and for what is gone for good.
     stage::Node* nodeOf(Object* object);

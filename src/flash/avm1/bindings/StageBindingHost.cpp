@@ -1,4 +1,5 @@
 #include "base/TextCodes.h"
+#include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/guard/Guard.h"
@@ -140,7 +141,14 @@ Object* StageBinding::child(Object* object, std::u16string_view name, bool caseS
     stage::Node* found =
         clip->childByName(base::utf8FromUtf16(name),
                           caseSensitive ? stage::Clip::Case::Sensitive : stage::Clip::Case::Insensitive);
-    return objectOf(found);
+    return found ? scriptedChild(*clip, found) : nullptr;
+}
+
+Object* StageBinding::scriptedChild(stage::Clip& clip, stage::Node* child)
+{
+    const bool isKnown = m_vm->version() >= 6 || child->kind() != stage::NodeKind::TextField;
+    Object* object = isKnown ? objectOf(child) : nullptr;
+    return object ? object : objectOf(&clip);
 }
 
 std::u16string StageBinding::targetPath(Object* object)
@@ -289,7 +297,8 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
     }
 }
 
-// ---- timeline ---------------------------------------------------------------------------------------------
+// ---- timeline
+// ---------------------------------------------------------------------------------------------
 
 void StageBinding::gotoFrame(Object* object, int frame, bool play)
 {
@@ -357,7 +366,8 @@ void StageBinding::callFrame(Object* object, int frame)
         m_vm->run(movie, block, movie->header.version, object);
 }
 
-// ---- things -----------------------------------------------------------------------------------------------
+// ---- things
+// -----------------------------------------------------------------------------------------------
 
 void StageBinding::stopAllSounds() { m_services.sound.stopAll(); }
 
@@ -415,6 +425,10 @@ void StageBinding::requestUrl(const UrlRequest& request)
     load.url = base::utf8FromUtf16(request.url);
     load.baseUrl = sender ? sender->url() : m_stage->url();
     load.method = static_cast<stage::LoadRequest::Method>(request.method);
+    // What would go to nobody is not even collected.
+    const bool goesToClip =
+        request.kind == UrlRequest::Kind::MovieIntoClip || request.kind == UrlRequest::Kind::Variables;
+    if (goesToClip && !nodeOf(request.target)) return;
     if (load.method != stage::LoadRequest::Method::None && request.sender)
         load.variables = collectVariables(request.sender);
     switch (request.kind) {
@@ -464,10 +478,10 @@ void StageBinding::requestUrl(const UrlRequest& request)
 
 void StageBinding::decodeVariables(Object* object, std::string_view text)
 {
-    const bool utf8Text = base::isUtf8(text) && m_vm->version() >= 6;
+    const bool coded = readsCodepage(*m_vm);
     const auto decoded = [&](std::string_view part) {
         const std::string plain = urlDecoded(part);
-        return utf8Text || base::isUtf8(plain) ? base::utf16FromUtf8(plain) : textCode().decode(plain);
+        return coded ? textCode().decode(plain) : base::utf16FromCarelessUtf8(plain);
     };
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('&'), text.size());

@@ -67,6 +67,7 @@ Value unescape(Call& call)
 {
     const std::string bytes = bytesOf(call.vm, toText(call.vm, call.arg(0)));
     std::string plain;
+    bool ended = false;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (bytes[i] == '+') {
             plain += ' ';
@@ -84,14 +85,16 @@ Value unescape(Call& call)
             if (!plain.empty() && plain.back() == '\0') {
                 // The text ends at a NUL byte.
                 plain.pop_back();
+                ended = true;
                 break;
             }
         } else {
             plain += bytes[i];
         }
     }
-    return call.vm.string(call.vm.version() < 6 ? call.vm.host().textCode().decode(plain)
-                                                : base::utf16FromLooseUtf8(plain));
+    if (call.vm.version() >= 6) return call.vm.string(base::utf16FromLooseUtf8(plain));
+    // To version 5 a text of nothing at all is none.
+    return plain.empty() && !ended ? Value() : Value(call.vm.string(call.vm.host().textCode().decode(plain)));
 }
 
 /// ASSetPropFlags(object, names, set, clear): names are null (all), a comma-separated text or a list.

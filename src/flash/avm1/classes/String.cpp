@@ -85,7 +85,9 @@ Value charCodeAt(Call& call)
 {
     const std::u16string_view text = selfCell(call)->view();
     const std::int32_t index = toInt32(call.vm, call.arg(0));
-    if (index < 0 || static_cast<std::size_t>(index) >= text.size()) return Value(std::nan(""));
+    // Texts of version 5 end in a NUL byte, which is what stands beyond them.
+    if (index < 0 || static_cast<std::size_t>(index) >= text.size())
+        return Value(index >= 0 && call.vm.version() < 6 ? 0.0 : std::nan(""));
     const char16_t unit = text[static_cast<std::size_t>(index)];
     if (call.vm.version() < 6 && unit >= 0x80) {
         const std::uint16_t code = call.vm.host().textCode().codeOf(unit);
@@ -245,18 +247,8 @@ Value fromCharCode(Call& call)
     for (const Value value : call.args) {
         const auto code = static_cast<std::uint16_t>(toInt32(call.vm, value));
         if (call.vm.version() < 6) {
-            // Codes of two bytes stand for the bytes in turn.
-            if (code > 0xFF) {
-                if (const char16_t unit = call.vm.host().textCode().unitOf(code); unit != 0) {
-                    text += unit;
-                    continue;
-                }
-                const char upperByte = static_cast<char>(code >> 8);
-                text += call.vm.host().textCode().decode({&upperByte, 1});
-            }
-            const char lowerByte = static_cast<char>(code & 0xFF);
-            if (lowerByte == 0) break;
-            text += call.vm.host().textCode().decode({&lowerByte, 1});
+            text += call.vm.host().textCode().textOf(code);
+            if ((code & 0xFF) == 0) break;
         } else {
             if (code == 0) break;
             text += static_cast<char16_t>(code);

@@ -1,6 +1,7 @@
 #include "flash/avm1/classes/XmlNode.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace flash::avm1
 {
@@ -28,7 +29,7 @@ Object* xmlNodePrototype(Vm& vm)
 void furnish(Vm& vm, Object* object, int type, String* nameOrValue)
 {
     auto& node = object->attachNew<XmlNode>(type);
-    node.attributes = vm.newObject();
+    node.attributes = vm.newObject(nullptr);
     (type == XmlNode::kElement ? node.name : node.value) = nameOrValue;
 }
 
@@ -94,7 +95,9 @@ void forEachDeclaration(const Object* object, Found found)
 {
     for (; object != nullptr; object = object->native<XmlNode>()->parent) {
         const Object* attributes = object->native<XmlNode>()->attributes;
-        for (const Shape::Property& property : attributes->shape()->properties()) {
+        const std::vector<Shape::Property>& properties = attributes->shape()->properties();
+        for (auto at = properties.rbegin(); at != properties.rend(); ++at) {
+            const Shape::Property& property = *at;
             if (property.name.isNull()) continue; // removed
             const auto prefix = declaredPrefix(property.name.view());
             const Value uri = attributes->slot(property.slot);
@@ -135,7 +138,9 @@ Value getNodeName(Call& call)
 }
 Value setNodeName(Call& call)
 {
-    if (auto* node = nodeOf(call.self)) node->name = toString(call.vm, call.arg(0));
+    if (call.arg(0).isUndefined()) return {};
+    String* const name = toString(call.vm, call.arg(0));
+    if (auto* node = nodeOf(call.self)) node->name = name;
     return {};
 }
 Value getNodeValue(Call& call)
@@ -362,11 +367,18 @@ Value getText(Call& call)
     const auto* document = documentOf(call);
     return document == nullptr ? Value() : document->*Member;
 }
+/// What a document is given is made text first, whatever it is wanted as; undefined leaves things as they
+/// are.
+std::optional<Value> assigned(Call& call)
+{
+    if (call.arg(0).isUndefined()) return {};
+    return Value(toString(call.vm, call.arg(0)));
+}
 template <auto Member>
 Value setText(Call& call)
 {
-    const Value text = toString(call.vm, call.arg(0));
-    if (auto* document = documentOf(call)) document->*Member = text;
+    const std::optional<Value> text = assigned(call);
+    if (auto* document = documentOf(call); document != nullptr && text) document->*Member = *text;
     return {};
 }
 Value getStatus(Call& call)
@@ -376,7 +388,8 @@ Value getStatus(Call& call)
 }
 Value setStatus(Call& call)
 {
-    const double status = toNumber(call.vm, call.arg(0));
+    if (!assigned(call)) return {};
+    const double status = toInt32(call.vm, call.arg(0));
     if (auto* document = documentOf(call)) document->status = status;
     return {};
 }
@@ -387,6 +400,7 @@ Value getIgnoreWhite(Call& call)
 }
 Value setIgnoreWhite(Call& call)
 {
+    if (!assigned(call)) return {};
     const bool ignore = toBoolean(call.vm, call.arg(0));
     if (auto* document = documentOf(call)) document->ignoreWhite = ignore;
     return {};
@@ -398,7 +412,8 @@ Value getLoaded(Call& call)
 }
 Value setLoaded(Call& call)
 {
-    const Value loaded = call.arg(0).isUndefined() ? Value() : Value(toBoolean(call.vm, call.arg(0)));
+    if (!assigned(call)) return {};
+    const Value loaded(toBoolean(call.vm, call.arg(0)));
     if (auto* document = documentOf(call)) document->loaded = loaded;
     return {};
 }

@@ -207,17 +207,27 @@ private:
         }
         if (name.empty()) return malformed(XmlStatus::ElementMalformed);
         Object* node = newXmlNode(m_vm, XmlNode::kElement, m_vm.string(name));
+        RootedNames keys(m_vm.heap());
+        RootedValues values(m_vm.heap());
+        // The last one is made first, so that loops over the names see them as they stand in the text. Of two
+        // of one name the first holds.
+        const auto giveAttributes = [&] {
+            Object* attributes = node->native<XmlNode>()->attributes;
+            for (std::size_t i = keys.size(); i-- > 0;) attributes->define(m_vm, keys[i], values[i]);
+        };
         for (;;) {
             skipSpace();
             if (at >= m_text.size()) return malformed(XmlStatus::ElementMalformed);
             if (m_text[at] == u'>') {
                 m_at = at + 1;
+                giveAttributes();
                 return open(node);
             }
             if (m_text[at] == u'/') {
                 if (at + 1 >= m_text.size() || m_text[at + 1] != u'>')
                     return malformed(XmlStatus::ElementMalformed);
                 m_at = at + 2;
+                giveAttributes();
                 append(node);
                 return noteId(node);
             }
@@ -233,10 +243,8 @@ private:
             const std::size_t end = m_text.find(quote, at);
             if (end == std::u16string_view::npos) return malformed(XmlStatus::AttributeNotEnded);
             const Name attribute = m_vm.name(key);
-            Object* attributes = node->native<XmlNode>()->attributes;
-            // Of two attributes of one name the first holds.
-            if (!attributes->hasPlain(m_vm, attribute))
-                attributes->define(m_vm, attribute, m_vm.string(decodeEntities(m_text.substr(at, end - at))));
+            keys.push_back(attribute);
+            values.push_back(m_vm.string(decodeEntities(m_text.substr(at, end - at))));
             at = end + 1;
         }
     }
@@ -278,8 +286,10 @@ void appendAttributes(Vm& vm, std::u16string& out, Object* attributes)
 {
     // A copy: turning a value into text may run script, which may change the attributes.
     RootedNames names(vm.heap());
-    for (const Shape::Property& property : attributes->shape()->properties())
-        if (!property.name.isNull() && (property.flags & (kDontEnum | kAccessor)) == 0)
+    const std::vector<Shape::Property>& properties = attributes->shape()->properties();
+    for (auto at = properties.rbegin(); at != properties.rend(); ++at)
+        if (const Shape::Property& property = *at;
+            !property.name.isNull() && (property.flags & (kDontEnum | kAccessor)) == 0)
             names.push_back(property.name);
     for (const Name name : names) {
         Value value;
@@ -300,15 +310,16 @@ void appendNode(Vm& vm, std::u16string& out, Object* object, std::size_t depth)
         if (node->value != nullptr) appendEscaped(out, node->value->view());
         return;
     }
-    const std::u16string name = node->name == nullptr ? std::u16string() : std::u16string(node->name->view());
-    if (!name.empty()) {
+    const bool isNamed = node->name != nullptr;
+    const std::u16string name = isNamed ? std::u16string(node->name->view()) : std::u16string();
+    if (isNamed) {
         out += u'<';
         out += name;
         appendAttributes(vm, out, node->attributes);
         out += node->children.empty() ? u" />" : u">";
     }
     for (Object* child : node->children) appendNode(vm, out, child, depth + 1);
-    if (!name.empty() && !node->children.empty()) {
+    if (isNamed && !node->children.empty()) {
         out += u"</";
         out += name;
         out += u'>';

@@ -17,6 +17,40 @@ void jumpIf(Frame& frame, const Instruction& instruction)
 void end(Frame&, const Instruction&) {}
 void nothing(Frame&, const Instruction&) {}
 
+namespace
+{
+
+std::uint32_t nextOffset(const Frame& frame)
+{
+    return frame.body->offsets[static_cast<std::size_t>(frame.ip - frame.body->instructions.data())];
+}
+
+void goTo(Frame& frame, std::uint32_t offset)
+{
+    frame.ip = frame.body->instructions.data() + frame.body->instructionAt(offset);
+}
+
+/// The first action behind a `with` still belongs to it, which shows when that is a jump back into it.
+/// @param target where it leads
+/// @returns whether it was, and was taken
+bool jumpsBack(Frame& frame, std::uint32_t start, std::uint32_t end, std::uint32_t& target)
+{
+    if (frame.vm.isUnwinding() || frame.returned || nextOffset(frame) != end) return false;
+    const Instruction* first = frame.ip;
+    while (first->op == kRegionEnd) ++first;
+    const Instruction& next = *first;
+    const auto op = static_cast<ActionCode>(next.op);
+    if (op != ActionCode::Jump && op != ActionCode::If) return false;
+    target = frame.body->offsets[next.b];
+    if (target < start || target >= end) return false;
+    frame.ip = first + 1;
+    if (op == ActionCode::If && !avm1::toBoolean(frame.vm, frame.pop())) return false;
+    Interpreter::jump(frame, next.b);
+    return true;
+}
+
+} // namespace
+
 void with(Frame& frame, const Instruction& instruction)
 {
     Object* object = avm1::toObject(frame.vm, frame.pop());
@@ -31,23 +65,16 @@ void with(Frame& frame, const Instruction& instruction)
     Scope* outer = frame.scope;
     frame.scope = frame.vm.heap().make<Scope>(Scope::Kind::With, object, outer);
     ++frame.withDepth;
-    Interpreter::runRegion(frame, start, instruction.b);
+    std::uint32_t entry = start;
+    do {
+        Interpreter::runRegion(frame, start, instruction.b, entry);
+    } while (jumpsBack(frame, start, instruction.b, entry));
     --frame.withDepth;
     frame.scope = outer;
 }
 
 namespace
 {
-
-std::uint32_t nextOffset(const Frame& frame)
-{
-    return frame.body->offsets[static_cast<std::size_t>(frame.ip - frame.body->instructions.data())];
-}
-
-void goTo(Frame& frame, std::uint32_t offset)
-{
-    frame.ip = frame.body->instructions.data() + frame.body->instructionAt(offset);
-}
 
 void bindException(Frame& frame, const TryHead& head, Value exception)
 {
@@ -73,6 +100,12 @@ void tryBlock(Frame& frame, const Instruction& instruction)
         bindException(frame, head, Interpreter::takeException(vm));
         partEnd = head.catchEnd;
         goTo(frame, head.catchEnd);
+        Interpreter::runRegion(frame, head.tryEnd, head.catchEnd);
+    }
+    if (!vm.isUnwinding() && !frame.returned && partEnd == head.tryEnd && nextOffset(frame) == head.tryEnd &&
+        head.catchEnd > head.tryEnd) {
+        // Only a jump leads past what catches: compilers put one there.
+        partEnd = head.catchEnd;
         Interpreter::runRegion(frame, head.tryEnd, head.catchEnd);
     }
     const bool completed = !vm.isUnwinding() && !frame.returned && nextOffset(frame) == partEnd;

@@ -44,7 +44,12 @@ void setTargetTo(Frame& frame, Value value)
     frame.target = frame.baseTarget;
     frame.targetIsLost = false;
     const std::u16string path = toText(vm, value);
-    if (path.empty() || frame.baseTarget == nullptr) return;
+    if (frame.baseTarget == nullptr) return;
+    if (path.empty()) {
+        // A clip that has gone leaves its script to the root.
+        if (!vm.host().isClip(frame.baseTarget)) frame.target = vm.host().level(0);
+        return;
+    }
     Object* object = Interpreter::resolve(frame, path);
     if (object != nullptr && vm.host().isClip(object)) {
         frame.target = object;
@@ -215,14 +220,23 @@ void setProperty(Frame& frame, const Instruction&)
     const Value value = frame.pop();
     const double index = toNumber(frame.vm, frame.pop());
     Object* clip = clipFrom(frame, frame.pop());
-    if (clip != nullptr && index == index) frame.vm.host().setProperty(clip, avm1::toInt32(index), value);
+    if (index != index) return;
+    if (clip != nullptr) return frame.vm.host().setProperty(clip, avm1::toInt32(index), value);
+    // Nobody is there to take the value, which scripts see being made what the property holds all the same.
+    constexpr int kTarget = 11, kName = 13, kDropTarget = 14, kUrl = 15;
+    switch (avm1::toInt32(index)) {
+    case kName: toText(frame.vm, value); break;
+    case kTarget:
+    case kDropTarget:
+    case kUrl: break;
+    default: toNumber(frame.vm, value); break;
+    }
 }
 
 void cloneSprite(Frame& frame, const Instruction&)
 {
-    const Value depthValue = frame.pop();
+    const double depth = toNumber(frame.vm, frame.pop());
     const std::u16string name = toText(frame.vm, frame.pop());
-    const double depth = toNumber(frame.vm, depthValue);
     Object* clip = clipFrom(frame, frame.pop());
     if (clip != nullptr && frame.vm.host().isClip(clip))
         frame.vm.host().cloneClip(clip, name, avm1::toInt32(depth));
@@ -250,7 +264,8 @@ void startDrag(Frame& frame, const Instruction&)
     DragRequest request;
     request.clip = clipFrom(frame, frame.pop());
     request.lockCenter = toNumber(vm, frame.pop()) != 0;
-    request.constrained = toNumber(vm, frame.pop()) != 0;
+    // Other numbers are no yes.
+    request.constrained = toNumber(vm, frame.pop()) == 1;
     if (request.constrained) {
         request.bottom = toNumber(vm, frame.pop());
         request.right = toNumber(vm, frame.pop());
@@ -304,15 +319,15 @@ void getUrl2(Frame& frame, const Instruction& instruction)
     constexpr unsigned kIntoTarget = 0x40, kVariables = 0x80;
     Vm& vm = frame.vm;
     const Value target = frame.pop();
-    const std::u16string url = toText(vm, frame.pop());
     UrlRequest request;
     request.method = methodFrom(instruction.a);
-    request.url = url;
     request.sender = frame.target;
     const bool isClipValue = target.isObject() && vm.host().isStageObject(target.object());
     request.window = isClipValue            ? vm.host().targetPath(target.object())
                      : target.isUndefined() ? std::u16string()
                                             : toText(vm, target);
+    const std::u16string url = toText(vm, frame.pop());
+    request.url = url;
     // Made text of once: it may be a script that does.
     const Value place = isClipValue ? target : Value(vm.string(request.window));
     if (isCommand(url))

@@ -50,18 +50,22 @@ Value receiverFor(Vm& vm, Value base, Value method)
 
 void pushNames(Frame& frame, Value value)
 {
+    // The end of the loop, which what has no names is at once.
+    frame.push(Value::undefined());
     Object* object = value.asObject();
-    // What has no names ends the loop as well.
-    if (object == nullptr) return frame.push(Value::undefined());
-    frame.push(Value::null());
+    if (object == nullptr) return;
     const RootedNames names = object->enumerate(frame.vm);
     // The loop pops, so that the first name is pushed last.
     for (auto name = names.rbegin(); name != names.rend(); ++name) frame.push(Value(name->string()));
 }
 
-/// Where `var` puts a variable: the nearest function call's or the target clip.
-Object* localObject(const Frame& frame)
+/// Where `var` puts a variable: the object of a `with` that has one of the name for its own, or else the
+/// nearest function call's or the target clip.
+Object* localObject(const Frame& frame, Name name)
 {
+    for (const Scope* scope = frame.scope; scope != nullptr && scope->kind == Scope::Kind::With;
+         scope = scope->outer)
+        if (scope->object->hasOwn(frame.vm, name)) return scope->object;
     if (frame.activation != nullptr) return frame.activation;
     // In version 5 SetTarget does not move variables made with `var`.
     return frame.version <= 5 ? frame.baseTarget : frame.variableTarget();
@@ -69,9 +73,10 @@ Object* localObject(const Frame& frame)
 
 void putLocal(Frame& frame, Name name, Value value)
 {
-    Object* object = localObject(frame);
+    Object* object = localObject(frame, name);
     if (object == nullptr) return;
-    if (name.isPath()) return Interpreter::setPath(frame, name, value);
+    // A path leads somewhere for timelines only; a function gets a variable of that very name.
+    if (name.isPath() && frame.activation == nullptr) return Interpreter::setPath(frame, name, value);
     object->put(frame.vm, name, value);
 }
 
@@ -99,8 +104,8 @@ void defineLocal(Frame& frame, const Instruction&)
 void defineLocal2(Frame& frame, const Instruction&)
 {
     const Name name = avm1::toName(frame.vm, frame.pop());
-    Object* object = localObject(frame);
-    if (object != nullptr && !object->hasOwn(frame.vm, name)) putLocal(frame, name, {});
+    Object* object = localObject(frame, name);
+    if (object != nullptr && !object->has(frame.vm, name)) putLocal(frame, name, {});
 }
 
 void deleteVariable(Frame& frame, const Instruction&)

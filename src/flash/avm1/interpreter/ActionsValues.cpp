@@ -66,7 +66,9 @@ void subtract(Frame& frame, const Instruction&)
 }
 void multiply(Frame& frame, const Instruction&)
 {
-    numeric(frame, [](double a, double b) { return a * b; });
+    const auto product = [](double a, double b) { return a * b; };
+    if (frame.version < 8) return numeric(frame, product);
+    numericLeftFirst(frame, product);
 }
 
 void divide(Frame& frame, const Instruction&)
@@ -181,17 +183,31 @@ void pushCharacterCode(Frame& frame, bool wholeCode)
 void charToAscii(Frame& frame, const Instruction&) { pushCharacterCode(frame, false); }
 void mbCharToAscii(Frame& frame, const Instruction&) { pushCharacterCode(frame, true); }
 
-void asciiToChar(Frame& frame, const Instruction&)
+namespace
 {
-    const auto code = static_cast<std::uint16_t>(avm1::toInt32(frame.vm, frame.pop()));
+
+/// @param bothBytes in version 5: a code of two bytes stands for both; otherwise for the second, unless the
+///                  two are one character
+void pushCharacter(Frame& frame, bool bothBytes)
+{
+    const std::int32_t number = avm1::toInt32(frame.vm, frame.pop());
+    const auto code = static_cast<std::uint16_t>(number);
+    if (frame.version < 6) {
+        // A first byte of zero ends the text already.
+        if (bothBytes && code != number && code < 0x100) return frame.push(Value(frame.vm.string("")));
+        const base::TextCode& textCode = frame.vm.host().textCode();
+        const bool whole = bothBytes || textCode.unitOf(code) != 0;
+        const auto shown = static_cast<std::uint16_t>(whole ? code : code & 0xFF);
+        return frame.push(Value(frame.vm.string(textCode.textOf(shown))));
+    }
     if (code == 0) return frame.push(Value(frame.vm.string("")));
-    if (frame.version >= 6) return frame.push(Value(frame.vm.string(static_cast<char16_t>(code))));
-    const base::TextCode& textCode = frame.vm.host().textCode();
-    const char16_t unit = textCode.unitOf(code);
-    // Codes of two bytes that are no character count by their second.
-    frame.push(Value(frame.vm.string(unit != 0 ? unit : textCode.unitOf(code & 0xFF))));
+    frame.push(Value(frame.vm.string(static_cast<char16_t>(code))));
 }
-void mbAsciiToChar(Frame& frame, const Instruction& instruction) { asciiToChar(frame, instruction); }
+
+} // namespace
+
+void asciiToChar(Frame& frame, const Instruction&) { pushCharacter(frame, false); }
+void mbAsciiToChar(Frame& frame, const Instruction&) { pushCharacter(frame, true); }
 
 void add2(Frame& frame, const Instruction&)
 {

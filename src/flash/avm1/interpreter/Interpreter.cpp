@@ -217,7 +217,7 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
 {
     Vm& vm = frame.vm;
     unsigned next = 1;
-    // `this` both preloaded and suppressed takes its register and leaves it empty; the others are not so.
+    // `this` and `super` both preloaded and suppressed take their register and leave it empty.
     const auto put = [&](FunctionHead::Flag flag, unsigned suppress, auto&& value) {
         if ((head.flags & flag) != 0)
             frame.setRegister(next++, (head.flags & suppress) != 0 ? Value() : Value(value()));
@@ -225,11 +225,12 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
     Object* const clip = frame.baseTarget;
     put(FunctionHead::PreloadThis, FunctionHead::SuppressThis, [&] { return frame.self; });
     put(FunctionHead::PreloadArguments, 0, [&] { return argumentsObject(frame); });
-    put(FunctionHead::PreloadSuper, 0, [&] { return superObject(frame); });
+    put(FunctionHead::PreloadSuper, FunctionHead::SuppressSuper, [&] { return superObject(frame); });
     put(FunctionHead::PreloadRoot, 0,
         [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
-    put(FunctionHead::PreloadParent, 0,
-        [&] { return clip == nullptr ? Value() : Value(vm.m_host.parent(clip)); });
+    // A root has no parent, and leaves no register for one.
+    Object* const parent = clip == nullptr ? nullptr : vm.m_host.parent(clip);
+    if (parent != nullptr || clip == nullptr) put(FunctionHead::PreloadParent, 0, [&] { return parent; });
     put(FunctionHead::PreloadGlobal, 0, [&] { return Value(vm.global()); });
 }
 

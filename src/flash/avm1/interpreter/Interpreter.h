@@ -102,7 +102,12 @@ struct Interpreter {
     /// Runs from frame.ip until the code or the region ends, a return, or a throw.
     static void loop(Frame& frame);
     /// Runs a part of the frame's code as a region of its own.
-    static void runRegion(Frame& frame, std::uint32_t start, std::uint32_t end);
+    static void runRegion(Frame& frame, std::uint32_t start, std::uint32_t end)
+    {
+        runRegion(frame, start, end, start);
+    }
+    /// @param entry where in it to begin
+    static void runRegion(Frame& frame, std::uint32_t start, std::uint32_t end, std::uint32_t entry);
     /// @returns whether the next instruction lies outside of the innermost region.
     static bool leftRegion(const Frame& frame);
     static constexpr int kMaxNestedRegions = 1024;

@@ -81,7 +81,9 @@ pushRegister:
     NEXT;
 
 storeRegister:
-    if (current->a < registerCount) registers[current->a] = top == base ? Value() : top[-1];
+    if (current->a >= registerCount) [[unlikely]]
+        goto viaTable;
+    registers[current->a] = top == base ? Value() : top[-1];
     NEXT;
 
 popOne:
@@ -217,12 +219,12 @@ bool Interpreter::leftRegion(const Frame& frame)
     return offset < region.start || offset > region.end;
 }
 
-void Interpreter::runRegion(Frame& frame, std::uint32_t start, std::uint32_t end)
+void Interpreter::runRegion(Frame& frame, std::uint32_t start, std::uint32_t end, std::uint32_t entry)
 {
     if (start >= end) return;
     const Region region{start, end, frame.region};
     frame.region = &region;
-    frame.ip = frame.body->instructions.data() + frame.body->instructionAt(start);
+    frame.ip = frame.body->instructions.data() + frame.body->instructionAt(entry);
     // The start of one part is the end of the one before: its instruction must not end this one.
     ++frame.vm.m_regions;
     if (frame.vm.m_regions > kMaxNestedRegions)

@@ -81,12 +81,16 @@ bool Interpreter::getOwnOfCall(Frame& frame, Name name, Value& result)
 {
     const bool sensitive = frame.isCaseSensitive();
     const AtomTable::Common& common = frame.vm.common();
-    const std::uint16_t suppressed = frame.callee->code()->head.flags;
-    if ((suppressed & FunctionHead::SuppressThis) == 0 && name.matches(common.self, sensitive))
+    // What a register holds is no variable.
+    using Head = FunctionHead;
+    const std::uint16_t flags = frame.callee->code()->head.flags;
+    if ((flags & (Head::SuppressThis | Head::PreloadThis)) == 0 && name.matches(common.self, sensitive))
         result = frame.self;
-    else if ((suppressed & FunctionHead::SuppressArguments) == 0 && name.matches(common.arguments, sensitive))
+    else if ((flags & (Head::SuppressArguments | Head::PreloadArguments)) == 0 &&
+             name.matches(common.arguments, sensitive))
         result = argumentsObject(frame);
-    else if ((suppressed & FunctionHead::SuppressSuper) == 0 && name.matches(common.super, sensitive))
+    else if ((flags & (Head::SuppressSuper | Head::PreloadSuper)) == 0 &&
+             name.matches(common.super, sensitive))
         result = superObject(frame);
     else
         return false;

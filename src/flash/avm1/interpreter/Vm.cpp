@@ -58,7 +58,8 @@ void Vm::traceRoots(Tracer& tracer)
         if (owner == nullptr || owner.use_count() > blocks[owner.get()]) tracer(code);
     }
     for (const auto& entry : m_natives) tracer(entry.second);
-    for (const auto& entry : m_symbolClasses) tracer(entry.second);
+    for (const auto& [movie, classes] : m_symbolClasses)
+        for (const auto& entry : classes) tracer(entry.second);
     for (const auto& [id, timer] : m_timers) {
         tracer(timer.function);
         tracer(timer.self);
@@ -332,17 +333,27 @@ Function* Vm::nativeByNumber(int table, int index)
 
 void Vm::registerSymbolClass(const std::u16string& symbol, Object* constructor)
 {
+    std::erase_if(m_symbolClasses, [](const auto& entry) {
+        const auto& movie = entry.first;
+        // The bucket of scripts without a movie stays.
+        return movie.expired() && movie.owner_before(std::weak_ptr<const void>()) !=
+                                      std::weak_ptr<const void>().owner_before(movie);
+    });
+    std::weak_ptr<const void> movie;
+    if (m_frame != nullptr) movie = m_frame->code->owner();
     Function* function = constructor == nullptr ? nullptr : constructor->asFunction();
     if (function == nullptr)
-        m_symbolClasses.erase(symbol);
+        m_symbolClasses[movie].erase(symbol);
     else
-        m_symbolClasses[symbol] = function;
+        m_symbolClasses[movie][symbol] = function;
 }
 
-Function* Vm::symbolClass(const std::u16string& symbol) const
+Function* Vm::symbolClass(const std::weak_ptr<const void>& movie, const std::u16string& symbol) const
 {
-    const auto found = m_symbolClasses.find(symbol);
-    return found == m_symbolClasses.end() ? nullptr : found->second;
+    const auto classes = m_symbolClasses.find(movie);
+    if (classes == m_symbolClasses.end()) return nullptr;
+    const auto found = classes->second.find(symbol);
+    return found == classes->second.end() ? nullptr : found->second;
 }
 
 // ---- timers ----------------------------------------------------------------------------------------------

@@ -179,9 +179,11 @@ public:
     void registerNative(int table, int index, NativeFunction function, int least = 0);
     Function* nativeByNumber(int table, int index);
     /// Object.registerClass: the class of clips made from a library symbol. A null constructor takes it back.
+    /// Counts for symbols of the movie whose script runs.
     void registerSymbolClass(const std::u16string& symbol, Object* constructor);
+    /// @param movie that the symbol belongs to
     /// @returns the constructor registered for a symbol, or null.
-    Function* symbolClass(const std::u16string& symbol) const;
+    Function* symbolClass(const std::weak_ptr<const void>& movie, const std::u16string& symbol) const;
 
     // ---- timers ------------------------------------------------------------------------------------------
 
@@ -267,7 +269,9 @@ private:
     std::unordered_map<const void*, Code*> m_code;
     PropertyCache m_stringClass, m_stringPrototype; // see isBuiltInString()
     std::map<std::pair<int, int>, Function*> m_natives;
-    std::map<std::u16string, Function*> m_symbolClasses;
+    /// By the movie that registered them.
+    std::map<std::weak_ptr<const void>, std::map<std::u16string, Function*>, std::owner_less<>>
+        m_symbolClasses;
     std::map<int, Timer> m_timers;
     int m_nextTimer = 1;
 

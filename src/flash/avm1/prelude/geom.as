@@ -94,7 +94,7 @@ flash.geom.Rectangle.prototype.contains = function (x, y) {
     return x >= this.x && x < this.x + this.width && y >= this.y && y < this.y + this.height;
 };
 flash.geom.Rectangle.prototype.containsPoint = function (pt) {
-    return this.contains(pt.x, pt.y);
+    return pt.x >= this.x && pt.x < this.x + this.width && pt.y >= this.y && pt.y < this.y + this.height;
 };
 flash.geom.Rectangle.prototype.containsRectangle = function (rect) {
     var right = rect.x + rect.width;
