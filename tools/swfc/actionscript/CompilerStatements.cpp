@@ -332,6 +332,8 @@ void Compiler::tryStatement(const Stmt* stmt)
         m_scope.enclosing.push_back(std::move(enclosing));
     }
     statement(stmt->first);
+    // The player would go on with what catches.
+    if (hasCatch) m_asm.branch(Action::Jump, catchEnd);
     m_asm.mark(tryEnd);
     if (hasCatch) catchClauses(stmt);
     m_asm.mark(catchEnd);
