@@ -137,8 +137,8 @@ def main():
     folder.mkdir(exist_ok=True)
     stale = plan(build, folder, chosen)
     # What does not compile is found missing below.
-    for old in folder.glob("*/fault.o"):
-        old.unlink()
+    for number, _ in chosen:
+        (folder / str(number) / "fault.o").unlink(missing_ok=True)
     subprocess.run(ninja + [str(folder), "-k0"])
 
     caught, unnoticed = [], []

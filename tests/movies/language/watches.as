@@ -19,3 +19,9 @@ for (var i = 0; i < 5; i++) put(i);
 p.watch("v", function(name, was, is, more) { return more + was + is; }, "w");
 put(7); trace(p.v);
 p.unwatch("v"); put(8); trace(p.v);
+// Nor does it take an object with a watch for one like it without.
+function putIn(o, v) { o.v = v; }
+var one = {v: 0}, other = {v: 0};
+other.watch("v", function(name, was, is) { return "watched " + is; });
+for (i = 0; i < 5; i++) putIn(one, i);
+putIn(other, 7); trace(one.v + " " + other.v);
