@@ -34,6 +34,8 @@ QAudioFormat mixFormat()
     return format;
 }
 
+OpenOutput g_standIn;
+
 class SinkDevice : public OutputDevice
 {
 public:
@@ -51,8 +53,11 @@ private:
 
 } // namespace
 
+void setStandInOutput(OpenOutput standIn) { g_standIn = std::move(standIn); }
+
 std::unique_ptr<OutputDevice> openDefaultOutput(QIODevice& from)
 {
+    if (g_standIn) return g_standIn(from);
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull() || !device.isFormatSupported(mixFormat())) return nullptr;
     auto sink = std::make_unique<SinkDevice>(device, from);
@@ -62,7 +67,9 @@ std::unique_ptr<OutputDevice> openDefaultOutput(QIODevice& from)
 AudioOutput::AudioOutput(std::unique_ptr<SoundSource> source, OpenOutput open)
     : m_source(std::move(source)), m_open(std::move(open))
 {
-    QIODevice::open(QIODevice::ReadOnly);
+    // As much as the device asks for and no more: what a buffer between took ahead is not there yet, and
+    // would come out as silence.
+    QIODevice::open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 AudioOutput::~AudioOutput() { release(); }
 

@@ -35,8 +35,10 @@ public:
 /// @param from  where the device is to read; open, and outlives the device
 /// @returns null where there is no device to be had now
 using OpenOutput = std::function<std::unique_ptr<OutputDevice>(QIODevice& from)>;
-/// The one that the system prefers at the moment.
+/// The one that the system prefers at the moment, or what takes its place.
 std::unique_ptr<OutputDevice> openDefaultOutput(QIODevice& from);
+/// Takes the place of the machine's devices, to measure what one would play; null: nothing does.
+void setStandInOutput(OpenOutput standIn);
 
 /// Lets the machine's sound device pull from a source. The device is opened when there is something to hear
 /// and let go after a while of silence. Where there is none, nothing is ever pulled and the owner moves the

@@ -1,6 +1,7 @@
 #include "flash/FlashControl.h"
 
 #include "Movies.h"
+#include "StandInOutput.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -8,7 +9,10 @@
 #include <QPaintEvent>
 #include <QTest>
 
+#include <atomic>
+#include <cstdio>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace flash
 {
@@ -441,6 +445,40 @@ TEST(FlashControl, ASuspendedMovieMovesWhenItsHostMovesIt)
     EXPECT_EQ(control.FrameNum(), 0);
     control.advance(2 * 1000 / 12.5);
     EXPECT_EQ(control.FrameNum(), 2);
+}
+
+TEST(FlashControl, SoundComesWithoutAGap)
+{
+    // With ZORVEX_TEST_STRESS_S, for so many seconds and with every core at work on something else.
+    const int stressSeconds = qEnvironmentVariableIntValue("ZORVEX_TEST_STRESS_S");
+    std::atomic<bool> ends = false;
+    std::vector<std::thread> stress;
+    for (unsigned i = 0; stressSeconds > 0 && i < std::thread::hardware_concurrency(); ++i) {
+        stress.emplace_back([&ends] {
+            while (!ends) {
+            }
+        });
+    }
+    test::Heard heard;
+    setStandInOutput(
+        [&heard](QIODevice& from) { return std::make_unique<test::StandInOutput>(from, heard); });
+    {
+        const test::MovieFolder folder;
+        FlashControl control;
+        ASSERT_TRUE(control.LoadMovie(0, folder.write("sounds.swf", test::soundingMovie())));
+        QTest::qWait(stressSeconds > 0 ? stressSeconds * 1000 : 1500);
+    }
+    setStandInOutput(nullptr);
+    ends = true;
+    for (std::thread& thread : stress) thread.join();
+    RecordProperty("silentFrames", std::to_string(heard.silent));
+    if (stressSeconds > 0) {
+        std::printf("%lld frames, %lld silent in %d gaps, %lld late\n", static_cast<long long>(heard.frames),
+                    static_cast<long long>(heard.silent), heard.gaps, static_cast<long long>(heard.late));
+    }
+    EXPECT_GT(heard.frames, sound::kMixRate / 2);
+    // A machine that does much else may be late once.
+    EXPECT_LE(heard.silent + heard.late, heard.frames / 20) << heard.gaps << " gaps";
 }
 
 } // namespace flash
