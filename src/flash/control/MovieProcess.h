@@ -2,6 +2,7 @@
 
 #include "flash/control/Channel.h"
 
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QSocketNotifier>
 #include <QString>
@@ -22,6 +23,8 @@ public:
     static std::unique_ptr<MovieProcess> start(const QString& program);
     /// Ends the process, whatever it does. One that is given a moment for it saves its shared objects.
     ~MovieProcess();
+    /// Whether it was started so long ago that it must have come up.
+    [[nodiscard]] bool hasWaited() const { return m_sinceStart.elapsed() > kComeUpMs; }
     void setEndsGently(bool gently) { m_endsGently = gently; }
     MovieProcess(const MovieProcess&) = delete;
     MovieProcess& operator=(const MovieProcess&) = delete;
@@ -41,10 +44,15 @@ public:
     static QString program();
 
 private:
-    explicit MovieProcess(int socket) : m_channel(socket, Channel::Descriptors::Refused) {}
+    static constexpr qint64 kComeUpMs = 1000;
+    explicit MovieProcess(int socket) : m_channel(socket, Channel::Descriptors::Refused)
+    {
+        m_sinceStart.start();
+    }
 
     Channel m_channel;
     QProcess m_process;
+    QElapsedTimer m_sinceStart;
     bool m_endsGently = false;
     std::unique_ptr<QSocketNotifier> m_readable;
 };

@@ -113,7 +113,18 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
         std::filesystem::create_directories(m_storage, unwritable);
     }
     // A process that is only just starting is not one that is busy.
-    if (m_waits) waitFor([this] { return m_greeted; }, kStartMs);
+    if (m_waits) {
+        const bool hasWaited = m_process->hasWaited();
+        waitFor([this] { return m_greeted; }, hasWaited ? kPatienceMs : kStartMs);
+        // One that was stopped while it waited is not one to load a movie into.
+        if (hasWaited) {
+            sync();
+            if (!waitFor([this] { return m_greeted && m_doneSync == m_lastSync; })) {
+                close(file);
+                return {Loading::State::NoProcess, "the movie's process does not answer"};
+            }
+        }
+    }
     m_loaded.reset();
     m_loadSent = true;
     send(load, file);

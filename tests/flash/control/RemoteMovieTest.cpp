@@ -77,15 +77,20 @@ TEST_F(RemoteMovie, OutlivesTheEndOfItsProcessAtAnyMoment)
     EXPECT_EQ(pixel(10, 10), QColor(255, 0, 0));
 }
 
-TEST_F(RemoteMovie, APreparedProcessThatIsGoneIsNotUsed)
+TEST_F(RemoteMovie, APreparedProcessThatIsGoneOrStoppedIsNotUsed)
 {
-    load("a.swf", test::movingSquare(4));
-    ASSERT_TRUE(QTest::qWaitFor([] { return tests::movieProcesses().size() == 2; }, 5000)) << "one to spare";
-    for (const pid_t process : tests::movieProcesses()) {
-        if (process != m_control.processId()) kill(process, SIGKILL);
+    for (const int signal : {SIGKILL, SIGSTOP}) {
+        SCOPED_TRACE(signal);
+        load("a.swf", test::movingSquare(4));
+        ASSERT_TRUE(QTest::qWaitFor([] { return tests::movieProcesses().size() == 2; }, 5000))
+            << "one to spare";
+        QTest::qWait(1200);
+        for (const pid_t process : tests::movieProcesses()) {
+            if (process != m_control.processId()) kill(process, signal);
+        }
+        load("b.swf", test::movingSquare(3));
+        EXPECT_EQ(m_control.TotalFrames(), 3);
     }
-    load("b.swf", test::movingSquare(3));
-    EXPECT_EQ(m_control.TotalFrames(), 3);
 }
 
 TEST_F(RemoteMovie, WithoutAProcessThatStartsMoviesPlayInside)
