@@ -18,18 +18,8 @@ import subprocess
 import sys
 import time
 
-
-def family(pid):
-    """A process and all below it."""
-    pids = [pid]
-    for parent in pids:
-        try:
-            for task in os.listdir('/proc/%d/task' % parent):
-                with open('/proc/%d/task/%s/children' % (parent, task), encoding='ascii') as handle:
-                    pids.extend(int(child) for child in handle.read().split())
-        except OSError:
-            pass
-    return pids
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'tests', 'e2e'))
+from screen import family  # noqa: E402
 
 
 def used_seconds(pids):

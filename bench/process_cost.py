@@ -12,7 +12,6 @@
 Looks at single pixels of a virtual display of its own some thousand times a second.
 """
 import argparse
-import ctypes
 import os
 import shutil
 import statistics
@@ -21,7 +20,10 @@ import sys
 import tempfile
 import time
 
-from cpu_use import family, memory_mib
+from cpu_use import memory_mib
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'tests', 'e2e'))
+from screen import Display, family  # noqa: E402
 
 MOVIES = {
     # Red from the first frame on; its ground, which the window shows before, is white.
@@ -56,47 +58,6 @@ MOVIES = {
         };]]></script></frame></movie>''',
 }
 SCREEN = (1280, 960)
-
-
-class Screen:
-    """Pixels of the root window, without a process for each look."""
-
-    class Image(ctypes.Structure):
-        _fields_ = [('width', ctypes.c_int), ('height', ctypes.c_int), ('xoffset', ctypes.c_int),
-                    ('format', ctypes.c_int), ('data', ctypes.POINTER(ctypes.c_ubyte)), ('byte_order', ctypes.c_int),
-                    ('bitmap_unit', ctypes.c_int), ('bitmap_bit_order', ctypes.c_int), ('bitmap_pad', ctypes.c_int),
-                    ('depth', ctypes.c_int), ('bytes_per_line', ctypes.c_int), ('bits_per_pixel', ctypes.c_int)]
-
-    def __init__(self):
-        self.x11, self.test = ctypes.CDLL('libX11.so.6'), ctypes.CDLL('libXtst.so.6')
-        self.x11.XOpenDisplay.restype = ctypes.c_void_p
-        self.x11.XGetImage.restype = ctypes.POINTER(self.Image)
-        self.display = ctypes.c_void_p(self.x11.XOpenDisplay(None))
-        self.x11.XDefaultRootWindow.restype = ctypes.c_ulong
-        self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.display))
-
-    def column(self, x, y, height):
-        """The colours of a column of pixels: list of (r, g, b)."""
-        image = self.x11.XGetImage(self.display, self.root, x, y, 1, height, ctypes.c_ulong(0xFFFFFFFF), 2)
-        line = image.contents.bytes_per_line
-        data = image.contents.data
-        colours = [(data[line * i + 2], data[line * i + 1], data[line * i]) for i in range(height)]
-        self.x11.XDestroyImage(image)
-        return colours
-
-    def pixel(self, x, y):
-        return self.column(x, y, 1)[0]
-
-    def press(self, x, y):
-        self.test.XTestFakeMotionEvent(self.display, -1, x, y, ctypes.c_ulong(0))
-        self.x11.XSync(self.display, 0)
-        time.sleep(0.03)
-        self.test.XTestFakeButtonEvent(self.display, 1, 1, ctypes.c_ulong(0))
-        self.x11.XFlush(self.display)
-
-    def release(self):
-        self.test.XTestFakeButtonEvent(self.display, 1, 0, ctypes.c_ulong(0))
-        self.x11.XFlush(self.display)
 
 
 class Life:
@@ -188,7 +149,7 @@ def main():
     if not os.environ.get('ZORVEX_BENCH_DISPLAY'):
         os.environ['ZORVEX_BENCH_DISPLAY'] = '1'
         os.execvp('xvfb-run', ['xvfb-run', '-a', '-s', '-screen 0 %dx%dx24 -noreset' % SCREEN, sys.executable] + sys.argv)
-    screen = Screen()
+    screen = Display()
     with tempfile.TemporaryDirectory() as folder:
         # A copy, so that settings and journal are the bench's own.
         program = os.path.join(folder, 'program')

@@ -1,4 +1,5 @@
 """What the tests of the whole program share: a virtual display, what is on it, a copy of the program to run."""
+import ctypes
 import os
 import shutil
 import subprocess
@@ -117,3 +118,77 @@ def journal(folder):
         return ''
     with open(path, encoding='cp1251', newline='') as handle:
         return handle.read()
+
+
+class Display:
+    """Pixels, windows and the mouse of the display, without a process for each look."""
+
+    class Image(ctypes.Structure):
+        _fields_ = [('width', ctypes.c_int), ('height', ctypes.c_int), ('xoffset', ctypes.c_int),
+                    ('format', ctypes.c_int), ('data', ctypes.POINTER(ctypes.c_ubyte)), ('byte_order', ctypes.c_int),
+                    ('bitmap_unit', ctypes.c_int), ('bitmap_bit_order', ctypes.c_int), ('bitmap_pad', ctypes.c_int),
+                    ('depth', ctypes.c_int), ('bytes_per_line', ctypes.c_int), ('bits_per_pixel', ctypes.c_int)]
+
+    def __init__(self):
+        self.x11, self.test = ctypes.CDLL('libX11.so.6'), ctypes.CDLL('libXtst.so.6')
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.x11.XGetImage.restype = ctypes.POINTER(self.Image)
+        # A window that has just gone is no reason to end.
+        self.ignore = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)(lambda *_: 0)
+        self.x11.XSetErrorHandler(self.ignore)
+        self.display = ctypes.c_void_p(self.x11.XOpenDisplay(None))
+        self.x11.XDefaultRootWindow.restype = ctypes.c_ulong
+        self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.display))
+
+    def column(self, x, y, height):
+        """The colours of a column of pixels: list of (r, g, b)."""
+        image = self.x11.XGetImage(self.display, self.root, x, y, 1, height, ctypes.c_ulong(0xFFFFFFFF), 2)
+        line = image.contents.bytes_per_line
+        data = image.contents.data
+        colours = [(data[line * i + 2], data[line * i + 1], data[line * i]) for i in range(height)]
+        self.x11.XDestroyImage(image)
+        return colours
+
+    def popups(self):
+        """How many windows are seen that no manager would frame: menus, tips."""
+        root, parent, children, count = (ctypes.c_ulong(), ctypes.c_ulong(), ctypes.POINTER(ctypes.c_ulong)(),
+                                         ctypes.c_uint())
+        self.x11.XQueryTree(self.display, self.root, ctypes.byref(root), ctypes.byref(parent),
+                            ctypes.byref(children), ctypes.byref(count))
+        seen = 0
+        # The attributes of a window, as far as its state (at 92) and whether it overrides (at 120).
+        attributes = ctypes.create_string_buffer(256)
+        for i in range(count.value):
+            if self.x11.XGetWindowAttributes(self.display, ctypes.c_ulong(children[i]), attributes):
+                width, state, overrides = (ctypes.c_int.from_buffer(attributes, at).value for at in (8, 92, 120))
+                seen += width > 60 and state == 2 and overrides != 0
+        if count.value:
+            self.x11.XFree(children)
+        return seen
+
+    def pixel(self, x, y):
+        return self.column(x, y, 1)[0]
+
+    def press(self, x, y):
+        self.test.XTestFakeMotionEvent(self.display, -1, x, y, ctypes.c_ulong(0))
+        self.x11.XSync(self.display, 0)
+        time.sleep(0.03)
+        self.test.XTestFakeButtonEvent(self.display, 1, 1, ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+
+    def release(self):
+        self.test.XTestFakeButtonEvent(self.display, 1, 0, ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+
+
+def family(pid):
+    """A process and all below it."""
+    pids = [pid]
+    for parent in pids:
+        try:
+            for task in os.listdir('/proc/%d/task' % parent):
+                with open('/proc/%d/task/%s/children' % (parent, task), encoding='ascii') as handle:
+                    pids.extend(int(child) for child in handle.read().split())
+        except OSError:
+            pass
+    return pids
