@@ -2,6 +2,7 @@
 
 #include "flash/render/BlendModes.h"
 #include "flash/render/Bounds.h"
+#include "flash/render/Compose.h"
 #include "flash/render/Filters.h"
 #include "flash/render/OutlineDrawer.h"
 #include "flash/render/Paint.h"
@@ -167,6 +168,7 @@ private:
     void drawStrokes(const Destination& to, const swf::Shape& shape, const StrokedShape& strokes,
                      std::size_t layer, swf::Point offset, const swf::Matrix& toDevice,
                      const swf::ColorTransform& color);
+    bool layLetter(const Destination& to, const GlyphPlacement& glyph, std::uint32_t pixel);
     void setSingleStyle(StylePaint paint);
     void pushFrame(Frame::Kind kind, const IntRect& bounds);
     Frame popFrame();
@@ -174,7 +176,8 @@ private:
 
     OutlineDrawer& m_drawer;
     std::vector<Frame> m_frames;
-    std::vector<Mask> m_masks;   // each already cut by those before it
+    std::vector<Mask> m_masks; // each already cut by those before it
+    std::vector<std::uint8_t> m_letterRow;
     std::size_t m_firstMask = 0; // masks before this one apply to the layer as a whole
 };
 
@@ -298,13 +301,61 @@ void Canvas::Impl::drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba 
     Destination to = destination();
     // The details of letters are finer than any grid.
     if (to.coverage != Coverage::Sampled) to.coverage = Coverage::Exact;
-    setSingleStyle({premultiply(color), nullptr});
+    const std::uint32_t pixel = premultiply(color);
+    setSingleStyle({pixel, nullptr});
     for (const GlyphPlacement& glyph : glyphs) {
         if (glyph.outline == nullptr || !isUsable(glyph.toDevice)) continue;
+        if (to.coverage == Coverage::Exact && to.building == nullptr && layLetter(to, glyph, pixel)) continue;
         const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(glyph.toDevice));
         for (const FlatLayer& layer : flat->layers)
             m_drawer.silhouette(to, layer, glyph.toDevice, fillRuleOf(*glyph.outline));
     }
+}
+
+// Letters come again and again: the coverage of those of usual size is kept for each place within a pixel.
+bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph, std::uint32_t pixel)
+{
+    constexpr double kFar = 1e6;
+    swf::Matrix near = glyph.toDevice;
+    if (!(std::abs(near.tx) < kFar && std::abs(near.ty) < kFar)) return false;
+    const auto split = [](double& v) {
+        const double steps = std::nearbyint(v * kSubpixels), whole = std::floor(steps / kSubpixels);
+        v = steps / kSubpixels - whole;
+        return static_cast<int>(whole);
+    };
+    const int x = split(near.tx), y = split(near.ty);
+    std::shared_ptr<const Mask> letter = m_cache.impl().findLetter(glyph.outline, near);
+    if (letter == nullptr) {
+        constexpr int kLargest = 64;
+        const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(near));
+        IntRect bounds;
+        for (const FlatLayer& layer : flat->layers)
+            if (!layer.points.empty())
+                bounds = unite(
+                    bounds, boundsOf(near, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y));
+        if (bounds.width() > kLargest || bounds.height() > kLargest) return false;
+        Mask made = emptyMask(bounds);
+        Destination into;
+        into.clip = bounds;
+        into.building = &made;
+        for (const FlatLayer& layer : flat->layers)
+            m_drawer.silhouette(into, layer, near, fillRuleOf(*glyph.outline));
+        letter = std::make_shared<const Mask>(std::move(made));
+        m_cache.impl().keepLetter(glyph.outline, near, letter);
+    }
+    const IntRect& at = letter->bounds;
+    const IntRect area = intersect(to.clip, {at.left + x, at.top + y, at.right + x, at.bottom + y});
+    const auto count = static_cast<std::size_t>(area.width());
+    for (int row = area.top; row < area.bottom; ++row) {
+        const std::uint8_t* coverage = letter->at(area.left - x, row - y);
+        if (to.mask != nullptr) {
+            m_letterRow.assign(coverage, coverage + count);
+            scaleCoverage(m_letterRow.data(), to.mask->at(area.left, row), count);
+            coverage = m_letterRow.data();
+        }
+        composeSolid(to.target.at(area.left, row), coverage, count, pixel);
+    }
+    return true;
 }
 
 void Canvas::Impl::drawPixels(const PixelSource& source, const swf::Matrix& toDevice,

@@ -20,8 +20,8 @@ std::size_t StrokedShape::bytes() const
 
 std::size_t RenderCache::Impl::KeyHash::operator()(const Key& key) const
 {
-    std::size_t hash = std::hash<const void*>{}(key.shape) * 2 + (key.strokes ? 1 : 0);
-    for (const double value : {key.a, key.b, key.c, key.d, key.pixelScale})
+    std::size_t hash = std::hash<const void*>{}(key.shape) * 4 + static_cast<std::size_t>(key.kind);
+    for (const double value : {key.a, key.b, key.c, key.d, key.x, key.y})
         hash = (hash ^ std::hash<double>{}(value)) * 0x9E3779B97F4A7C15U;
     return hash;
 }
@@ -73,10 +73,11 @@ void RenderCache::Impl::makeRoom()
 std::shared_ptr<const FlatShape> RenderCache::Impl::flatShape(const std::shared_ptr<const swf::Shape>& shape,
                                                               int scaleStep)
 {
-    const Key key{shape.get(), false, static_cast<double>(scaleStep)};
+    const Key key{shape.get(), Kind::Fills, static_cast<double>(scaleStep)};
     if (const Entry* entry = find(key)) return entry->fills;
     auto flat = std::make_shared<const FlatShape>(flatten(*shape, scaleStep));
-    insert(key, {.owner = shape, .fills = flat, .strokes = nullptr, .bytes = flat->bytes()});
+    insert(key,
+           {.owner = shape, .fills = flat, .strokes = nullptr, .letter = nullptr, .bytes = flat->bytes()});
     return flat;
 }
 
@@ -84,7 +85,7 @@ std::shared_ptr<const StrokedShape>
 RenderCache::Impl::findStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& m,
                                double pixelScale)
 {
-    const Entry* entry = find({shape.get(), true, m.a, m.b, m.c, m.d, pixelScale});
+    const Entry* entry = find({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, pixelScale});
     return entry == nullptr ? nullptr : entry->strokes;
 }
 
@@ -92,8 +93,25 @@ void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& sha
                                     double pixelScale, std::shared_ptr<const StrokedShape> strokes)
 {
     const std::size_t bytes = strokes->bytes();
-    insert({shape.get(), true, m.a, m.b, m.c, m.d, pixelScale},
-           {.owner = shape, .fills = nullptr, .strokes = std::move(strokes), .bytes = bytes});
+    insert(
+        {shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, pixelScale},
+        {.owner = shape, .fills = nullptr, .strokes = std::move(strokes), .letter = nullptr, .bytes = bytes});
+}
+
+std::shared_ptr<const Mask> RenderCache::Impl::findLetter(const std::shared_ptr<const swf::Shape>& outline,
+                                                          const swf::Matrix& m)
+{
+    const Entry* entry = find({outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty});
+    return entry == nullptr ? nullptr : entry->letter;
+}
+
+void RenderCache::Impl::keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& m,
+                                   std::shared_ptr<const Mask> mask)
+{
+    const std::size_t bytes = sizeof(Mask) + mask->coverage.capacity();
+    insert(
+        {outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty},
+        {.owner = outline, .fills = nullptr, .strokes = nullptr, .letter = std::move(mask), .bytes = bytes});
 }
 
 void RenderCache::Impl::clear()

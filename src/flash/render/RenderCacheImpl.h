@@ -36,6 +36,12 @@ public:
     void keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& linear,
                      double pixelScale, std::shared_ptr<const StrokedShape> strokes);
 
+    /// The coverage of a letter's outline, placed by `matrix` near (0, 0); null when there is none yet.
+    std::shared_ptr<const Mask> findLetter(const std::shared_ptr<const swf::Shape>& outline,
+                                           const swf::Matrix& matrix);
+    void keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& matrix,
+                    std::shared_ptr<const Mask> mask);
+
     /// Its scratch memory is worth keeping, too: megabytes, which canvases that live for one frame would
     /// otherwise get and clear for each. It holds nothing from one drawing call to the next.
     [[nodiscard]] OutlineDrawer& drawer() { return m_drawer; }
@@ -44,11 +50,13 @@ public:
     void clear();
 
 private:
-    // What an entry was made for. Fills: `a` is the scale step, the rest 0 and `strokes` false.
+    enum class Kind : std::uint8_t { Fills, Strokes, Letter };
+    // What an entry was made for. Fills: `a` is the scale step, the rest 0.
     struct Key {
         const swf::Shape* shape = nullptr;
-        bool strokes = false;
-        double a = 0, b = 0, c = 0, d = 0, pixelScale = 0;
+        Kind kind = Kind::Fills;
+        double a = 0, b = 0, c = 0, d = 0;
+        double x = 0, y = 0; ///< strokes: the pixel scale, and 0
         friend bool operator==(const Key&, const Key&) = default;
     };
     struct KeyHash {
@@ -58,6 +66,7 @@ private:
         std::weak_ptr<const swf::Shape> owner; ///< another shape may come to lie at the address of a dead one
         std::shared_ptr<const FlatShape> fills;
         std::shared_ptr<const StrokedShape> strokes;
+        std::shared_ptr<const Mask> letter;
         std::size_t bytes = 0;
         std::uint64_t lastUse = 0;
     };

@@ -58,6 +58,39 @@ TEST(Canvas, CountsSamplesOnAGridAsTheQualityAsks)
     }
 }
 
+TEST(Canvas, DrawsLettersTheSameWhereverTheyComeAgain)
+{
+    const auto letter = shapeOf({{solid(0, 0, 0)}, {}, {run({{0, 0}, {5.3, 0}, {2.2, 7.7}, {0, 0}}, 0, 1)}});
+    const auto placed = [&](double x, double y) {
+        return GlyphPlacement{letter, kStage * swf::Matrix{1, 0, 0, 1, x * 20, y * 20}};
+    };
+    Picture picture(40, 30);
+    const GlyphPlacement glyphs[] = {placed(2.3, 3.6), placed(20.3, 12.6), placed(37.3, 27.6)};
+    picture.canvas.drawGlyphs(glyphs, {0, 0, 0, 255});
+    picture.canvas.beginMask();
+    picture.canvas.drawShape(rectShape(20, 0, 23, 10, solid(0, 0, 0)), kStage);
+    picture.canvas.endMask();
+    const GlyphPlacement masked = placed(20.3, 1.6);
+    picture.canvas.drawGlyphs({&masked, 1}, {0, 0, 0, 255});
+    picture.canvas.popMask();
+    EXPECT_NE(picture.at(4, 5), kWhite);
+    for (int y = 0; y < 9; ++y)
+        for (int x = 0; x < 7; ++x) {
+            const std::uint32_t first = picture.at(2 + x, 3 + y);
+            EXPECT_EQ(picture.at(20 + x, 12 + y), first) << x << "," << y;
+            if (x < 3 && y < 3) {
+                EXPECT_EQ(picture.at(37 + x, 27 + y), first) << x << "," << y;
+            }
+            EXPECT_EQ(picture.at(20 + x, 1 + y), x < 3 ? first : kWhite) << x << "," << y;
+        }
+    // Not kept, because of its size, and yet the same picture of a larger one.
+    Picture large(200, 200);
+    const GlyphPlacement big{letter, {1, 0, 0, 1, 10, 10}};
+    large.canvas.drawGlyphs({&big, 1}, {0, 0, 0, 255});
+    EXPECT_EQ(large.at(40, 20), kBlack);
+    EXPECT_EQ(large.at(150, 20), kWhite);
+}
+
 TEST(Canvas, RoundsWhatEachTermOfAMatrixAdds)
 {
     // A square of 50 pixels turned by 45 degrees: its lowest corner lies at 70.71, twice 35.355, which each
