@@ -1,6 +1,7 @@
 #include "flash/Engine.h"
 
 #include "base/Files.h"
+#include "flash/MovieLoader.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/guard/Guard.h"
 #include "flash/net/FileSharedObjects.h"
@@ -55,74 +56,6 @@ public:
 
 private:
     std::map<std::string, std::vector<std::uint8_t>, std::less<>> m_objects;
-};
-
-/// Whether a file lies in a folder, not below it, links resolved.
-bool liesIn(const std::filesystem::path& file, const std::filesystem::path& folder)
-{
-    std::error_code error;
-    const auto real = std::filesystem::canonical(file, error);
-    return !error && !folder.empty() && std::filesystem::equivalent(real.parent_path(), folder, error);
-}
-
-/// What a movie may read: its folder, and files that the host itself asked for.
-class MovieLoader : public stage::Loader
-{
-public:
-    /// @param base where relative addresses count from, instead of from the movie that asks; may be empty
-    /// @param shared read as well, when it is not empty
-    void setFolders(const std::filesystem::path& readable, const std::filesystem::path& base,
-                    const std::filesystem::path& shared)
-    {
-        m_folder = std::make_unique<net::LocalLoader>(readable);
-        m_shared = shared.empty() ? nullptr : std::make_unique<net::LocalLoader>(shared);
-        m_baseUrl = base.empty() ? std::string() : net::urlFromPath(base) + "/";
-        m_granted.clear();
-        m_hasReadFiles = false;
-    }
-    /// Where the host's own pages lie, when it is one of them that the loads are for; else empty.
-    void setTrusted(const std::filesystem::path& folder) { m_trusted = folder; }
-    [[nodiscard]] bool holdsOnlyTrusted() const { return !m_trusted.empty(); }
-    [[nodiscard]] bool hasReadFiles() const { return m_hasReadFiles; }
-    /// Answers the next request for `url` with `bytes`.
-    void grant(const std::string& url, std::vector<std::uint8_t> bytes) { m_granted[url] = std::move(bytes); }
-
-    base::Result<stage::LoadAnswer> load(const stage::LoadRequest& request) override
-    {
-        if (const auto found = m_granted.find(request.url); found != m_granted.end()) {
-            stage::LoadAnswer answer{request.url, std::move(found->second)};
-            m_granted.erase(found);
-            look(answer);
-            return answer;
-        }
-        if (!m_folder) return base::fail(base::ErrorCode::Denied, request.url + ": no movie is loaded");
-        stage::LoadRequest based = request;
-        if (!m_baseUrl.empty()) based.baseUrl = m_baseUrl;
-        auto answer = m_folder->load(based);
-        if (!answer && m_shared) {
-            if (auto shared = m_shared->load(request)) answer = std::move(shared);
-        }
-        if (answer) look(*answer);
-        return answer;
-    }
-
-private:
-    /// Notes what has come in. By the bytes, not by what was asked for: a picture may turn out to be a movie.
-    void look(const stage::LoadAnswer& answer)
-    {
-        const std::string_view start(reinterpret_cast<const char*>(answer.bytes.data()),
-                                     std::min<std::size_t>(answer.bytes.size(), 3));
-        if (start != "FWS" && start != "CWS" && start != "ZWS")
-            m_hasReadFiles = true;
-        else if (!m_trusted.empty() && !liesIn(net::pathFromUrl(answer.url), m_trusted))
-            m_trusted.clear();
-    }
-
-    std::unique_ptr<net::LocalLoader> m_folder, m_shared;
-    std::string m_baseUrl;
-    std::map<std::string, std::vector<std::uint8_t>> m_granted;
-    std::filesystem::path m_trusted;
-    bool m_hasReadFiles = false;
 };
 
 struct Source {
