@@ -1,5 +1,6 @@
 #include "base/xml/Xml.h"
 
+#include "base/Ascii.h"
 #include "base/TextCodes.h"
 #include "base/xml/InPlace.h"
 
@@ -38,9 +39,7 @@ const char* forcedEncoding(std::string_view bytes)
     if (startsWith(bytes, "<\0"sv) || startsWith(bytes, "\0<"sv)) return nullptr; // UTF-16 without a mark
     if (isUtf8(bytes)) return nullptr;
     std::string head(bytes.substr(0, std::min(bytes.find('>'), std::size_t{256})));
-    std::transform(head.begin(), head.end(), head.begin(), [](unsigned char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : static_cast<char>(c);
-    });
+    std::transform(head.begin(), head.end(), head.begin(), asciiLower);
     const bool declaresOther =
         head.find("encoding") != std::string::npos && head.find("utf-8") == std::string::npos;
     return declaresOther ? nullptr : "windows-1251";

@@ -1,6 +1,8 @@
 #include "flash/net/LocalLoader.h"
 
+#include "base/Ascii.h"
 #include "base/Files.h"
+#include "base/PercentCode.h"
 
 #include <algorithm>
 #include <system_error>
@@ -12,31 +14,6 @@ namespace
 
 namespace fs = std::filesystem;
 
-int hexDigit(char c)
-{
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-std::string decodeEscapes(std::string_view text)
-{
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const int high = text[i] == '%' && i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
-        const int low = high >= 0 ? hexDigit(text[i + 2]) : -1;
-        if (low >= 0) {
-            out += static_cast<char>(high * 16 + low);
-            i += 2;
-        } else {
-            out += text[i];
-        }
-    }
-    return out;
-}
-
 /// The scheme of an address, lower case; empty for plain paths. One letter before a colon is a drive.
 std::string schemeOf(std::string_view url)
 {
@@ -47,7 +24,7 @@ std::string schemeOf(std::string_view url)
         const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
         const bool other = (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
         if (!letter && !(other && !scheme.empty())) return {};
-        scheme += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+        scheme += base::asciiLower(c);
     }
     return scheme;
 }
@@ -78,7 +55,7 @@ std::string_view withoutScheme(std::string_view url)
 
 std::string pathFromUrl(std::string_view url)
 {
-    return withSlashes(decodeEscapes(withoutScheme(withoutQuery(url))));
+    return withSlashes(base::percentDecoded(withoutScheme(withoutQuery(url)), base::Plus::Itself));
 }
 
 std::string urlFromPath(const fs::path& path)
@@ -130,7 +107,7 @@ base::Result<fs::path> LocalLoader::resolve(std::string_view url, std::string_vi
     // them so.
     const std::string literal = withSlashes(withoutScheme(url));
     const std::string plain = withSlashes(withoutScheme(withoutQuery(url)));
-    for (const std::string& name : {literal, plain, decodeEscapes(plain)}) {
+    for (const std::string& name : {literal, plain, base::percentDecoded(plain, base::Plus::Itself)}) {
         if (name.empty() || name.find('\0') != std::string::npos) continue;
         const fs::path found = fs::canonical(base / name, error);
         if (!error && isInside(found) && fs::is_regular_file(found, error)) return found;

@@ -1,5 +1,6 @@
 #include "flash/stage/Clip.h"
 
+#include "base/Ascii.h"
 #include "flash/guard/Guard.h"
 #include "flash/render/Canvas.h"
 #include "flash/render/HitTest.h"
@@ -20,9 +21,7 @@ namespace
 bool equalNames(std::string_view a, std::string_view b, Clip::Case sensitivity)
 {
     if (sensitivity == Clip::Case::Sensitive) return a == b;
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
+    return base::equalIgnoringAsciiCase(a, b);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "flash/stage/Stage.h"
 
+#include "base/Ascii.h"
 #include "base/TextCodes.h"
 #include "flash/guard/Guard.h"
 #include "flash/render/RenderCache.h"
@@ -291,17 +292,8 @@ std::optional<std::uint16_t> Stage::exportedCharacter(const MoviePtr& movie, std
     }
     if (found != movie->exports.end()) return found->second;
     // Linkage names do not tell cases apart.
-    const auto same = [&](const std::string& other) {
-        return other.size() == key.size() &&
-               std::equal(key.begin(), key.end(), other.begin(), [](char a, char b) {
-                   const auto lower = [](char c) {
-                       return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-                   };
-                   return lower(a) == lower(b);
-               });
-    };
     for (const auto& [exported, id] : movie->exports)
-        if (same(exported)) return id;
+        if (base::equalIgnoringAsciiCase(exported, key)) return id;
     return {};
 }
 

@@ -1,3 +1,4 @@
+#include "base/PercentCode.h"
 #include "flash/guard/Guard.h"
 #include "flash/stage/Drawing.h"
 #include "flash/stage/Graphics.h"
@@ -13,36 +14,6 @@ namespace flash::stage
 constexpr int kSlowFrames = 2;
 // Bytes of a movie's file that are there at once.
 constexpr double kFirstBytes = 1024;
-
-namespace
-{
-
-int hexDigit(char c)
-{
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-std::string decodedComponent(std::string_view text)
-{
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '+') {
-            result += ' ';
-        } else if (text[i] == '%' && i + 2 < text.size() && hexDigit(text[i + 1]) >= 0 &&
-                   hexDigit(text[i + 2]) >= 0) {
-            result += static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
-            i += 2;
-        } else {
-            result += text[i];
-        }
-    }
-    return result;
-}
-
-} // namespace
 
 void Stage::linkImports(const swf::Movie& movie, const std::string& url, int& librariesLeft)
 {
@@ -106,8 +77,8 @@ void Stage::setQueryVariables(Clip& clip, const std::string& url)
         rest.remove_prefix(std::min(end + 1, rest.size()));
         const std::size_t equals = pair.find('=');
         if (equals == std::string_view::npos || equals == 0) continue;
-        m_script->setVariable(clip, decodedComponent(pair.substr(0, equals)),
-                              decodedComponent(pair.substr(equals + 1)));
+        m_script->setVariable(clip, base::percentDecoded(pair.substr(0, equals), base::Plus::Space),
+                              base::percentDecoded(pair.substr(equals + 1), base::Plus::Space));
     }
 }
 

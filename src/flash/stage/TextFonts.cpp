@@ -1,5 +1,6 @@
 #include "flash/stage/TextFonts.h"
 
+#include "base/Ascii.h"
 #include "flash/stage/Stage.h"
 
 #include <QFontDatabase>
@@ -15,8 +16,7 @@ namespace
 std::string keyOf(const std::string& name, bool bold, bool italic)
 {
     std::string key = name;
-    for (char& c : key)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    for (char& c : key) c = base::asciiLower(c);
     key += bold ? "\nb" : "\n";
     if (italic) key += 'i';
     return key;

@@ -1,5 +1,6 @@
 #include "flash/swf/Movie.h"
 
+#include "base/Ascii.h"
 #include "flash/guard/Holding.h"
 #include "flash/swf/Container.h"
 #include "flash/swf/Tags.h"
@@ -17,13 +18,6 @@ constexpr unsigned kLengthBits = 6;
 constexpr std::uint32_t kLongLengthMarker = 63;
 
 enum : std::uint16_t { kTagEnd = 0, kTagShowFrame = 1 };
-
-bool equalIgnoringCase(std::string_view a, std::string_view b)
-{
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
-}
 
 bool isWorthKeeping(const Frame& frame) { return !frame.tags.empty() || !frame.label.empty(); }
 
@@ -110,7 +104,7 @@ std::optional<std::size_t> Timeline::frameByLabel(std::string_view label) const
 {
     if (label.empty()) return {};
     const auto found = std::find_if(frames.begin(), frames.end(), [&](const Frame& frame) {
-        return equalIgnoringCase(frame.label, label);
+        return base::equalIgnoringAsciiCase(frame.label, label);
     });
     if (found == frames.end()) return {};
     return static_cast<std::size_t>(found - frames.begin());

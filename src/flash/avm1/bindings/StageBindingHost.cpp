@@ -1,3 +1,4 @@
+#include "base/PercentCode.h"
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/bindings/NodeObject.h"
@@ -41,32 +42,6 @@ enum PropertyNumber {
     kXMouse,
     kYMouse
 };
-
-int hexDigit(char16_t c)
-{
-    if (c >= u'0' && c <= u'9') return c - u'0';
-    if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-    if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-    return -1;
-}
-
-std::string urlDecoded(std::string_view text)
-{
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool escape = text[i] == '%' && i + 2 < text.size() &&
-                            hexDigit(static_cast<unsigned char>(text[i + 1])) >= 0 &&
-                            hexDigit(static_cast<unsigned char>(text[i + 2])) >= 0;
-        if (escape) {
-            result += static_cast<char>(hexDigit(static_cast<unsigned char>(text[i + 1])) * 16 +
-                                        hexDigit(static_cast<unsigned char>(text[i + 2])));
-            i += 2;
-        } else {
-            result += text[i] == '+' ? ' ' : text[i];
-        }
-    }
-    return result;
-}
 
 const char* qualityName(stage::Quality quality)
 {
@@ -480,7 +455,7 @@ void StageBinding::decodeVariables(Object* object, std::string_view text)
 {
     const bool coded = readsCodepage(*m_vm);
     const auto decoded = [&](std::string_view part) {
-        const std::string plain = urlDecoded(part);
+        const std::string plain = base::percentDecoded(part, base::Plus::Space);
         return coded ? textCode().decode(plain) : base::utf16FromCarelessUtf8(plain);
     };
     while (!text.empty()) {
