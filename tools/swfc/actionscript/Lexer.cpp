@@ -1,12 +1,12 @@
 #include "swfc/actionscript/Lexer.h"
 
 #include "base/TextCodes.h"
+#include "swfc/actionscript/Spelling.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <unordered_map>
 
 namespace swfc::actionscript
 {
@@ -16,107 +16,6 @@ namespace
 constexpr std::size_t kMostTokens = 8'000'000;
 constexpr std::size_t kDeepestInclude = 32;
 constexpr int kMostIncludes = 1024;
-
-const std::unordered_map<std::string_view, Tok>& keywords()
-{
-    static const std::unordered_map<std::string_view, Tok> kWords = {
-        {"break", Tok::Break},
-        {"case", Tok::Case},
-        {"catch", Tok::Catch},
-        {"class", Tok::Class},
-        {"continue", Tok::Continue},
-        {"default", Tok::Default},
-        {"delete", Tok::Delete},
-        {"do", Tok::Do},
-        {"else", Tok::Else},
-        {"extends", Tok::Extends},
-        {"finally", Tok::Finally},
-        {"for", Tok::For},
-        {"function", Tok::Function},
-        {"if", Tok::If},
-        {"import", Tok::Import},
-        {"in", Tok::In},
-        {"instanceof", Tok::InstanceOf},
-        {"interface", Tok::Interface},
-        {"new", Tok::New},
-        {"return", Tok::Return},
-        {"super", Tok::Super},
-        {"switch", Tok::Switch},
-        {"this", Tok::This},
-        {"throw", Tok::Throw},
-        {"try", Tok::Try},
-        {"typeof", Tok::TypeOf},
-        {"var", Tok::Var},
-        {"void", Tok::Void},
-        {"while", Tok::While},
-        {"with", Tok::With},
-        {"true", Tok::True},
-        {"false", Tok::False},
-        {"null", Tok::Null},
-        {"undefined", Tok::Undefined},
-        {"#include", Tok::Include},
-        {"#initclip", Tok::InitClip},
-        {"#endinitclip", Tok::EndInitClip},
-    };
-    return kWords;
-}
-
-struct Punctuator {
-    std::string_view text;
-    Tok kind;
-};
-// Longest first: the first that fits is taken.
-constexpr Punctuator kPunctuators[] = {
-    {">>>=", Tok::ShiftRightUnsignedAssign},
-    {"===", Tok::StrictEqual},
-    {"!==", Tok::StrictNotEqual},
-    {">>>", Tok::ShiftRightUnsigned},
-    {"<<=", Tok::ShiftLeftAssign},
-    {">>=", Tok::ShiftRightAssign},
-    {"<=", Tok::LessEqual},
-    {">=", Tok::GreaterEqual},
-    {"==", Tok::Equal},
-    {"!=", Tok::NotEqual},
-    {"<>", Tok::NotEqual},
-    {"++", Tok::PlusPlus},
-    {"--", Tok::MinusMinus},
-    {"<<", Tok::ShiftLeft},
-    {">>", Tok::ShiftRight},
-    {"&&", Tok::LogicalAnd},
-    {"||", Tok::LogicalOr},
-    {"+=", Tok::PlusAssign},
-    {"-=", Tok::MinusAssign},
-    {"*=", Tok::StarAssign},
-    {"/=", Tok::SlashAssign},
-    {"%=", Tok::PercentAssign},
-    {"&=", Tok::AndAssign},
-    {"|=", Tok::OrAssign},
-    {"^=", Tok::XorAssign},
-    {"{", Tok::LeftBrace},
-    {"}", Tok::RightBrace},
-    {"(", Tok::LeftParen},
-    {")", Tok::RightParen},
-    {"[", Tok::LeftBracket},
-    {"]", Tok::RightBracket},
-    {";", Tok::Semicolon},
-    {",", Tok::Comma},
-    {".", Tok::Dot},
-    {"?", Tok::Question},
-    {":", Tok::Colon},
-    {"<", Tok::Less},
-    {">", Tok::Greater},
-    {"+", Tok::Plus},
-    {"-", Tok::Minus},
-    {"*", Tok::Star},
-    {"/", Tok::Slash},
-    {"%", Tok::Percent},
-    {"&", Tok::And},
-    {"|", Tok::Or},
-    {"^", Tok::Xor},
-    {"!", Tok::Not},
-    {"~", Tok::Complement},
-    {"=", Tok::Assign},
-};
 
 bool isNameStart(char c)
 {
@@ -425,7 +324,7 @@ bool Lexer::slashPath()
 
 void Lexer::punctuator()
 {
-    for (const Punctuator& candidate : kPunctuators) {
+    for (const Punctuator& candidate : punctuators()) {
         if (m_text.substr(m_at, candidate.text.size()) != candidate.text) continue;
         m_at += candidate.text.size();
         emit(candidate.kind);

@@ -1,0 +1,106 @@
+#include "swfc/actionscript/Spelling.h"
+
+namespace swfc::actionscript
+{
+
+const std::unordered_map<std::string_view, Tok>& keywords()
+{
+    static const std::unordered_map<std::string_view, Tok> kWords = {
+        {"break", Tok::Break},
+        {"case", Tok::Case},
+        {"catch", Tok::Catch},
+        {"class", Tok::Class},
+        {"continue", Tok::Continue},
+        {"default", Tok::Default},
+        {"delete", Tok::Delete},
+        {"do", Tok::Do},
+        {"else", Tok::Else},
+        {"extends", Tok::Extends},
+        {"finally", Tok::Finally},
+        {"for", Tok::For},
+        {"function", Tok::Function},
+        {"if", Tok::If},
+        {"import", Tok::Import},
+        {"in", Tok::In},
+        {"instanceof", Tok::InstanceOf},
+        {"interface", Tok::Interface},
+        {"new", Tok::New},
+        {"return", Tok::Return},
+        {"super", Tok::Super},
+        {"switch", Tok::Switch},
+        {"this", Tok::This},
+        {"throw", Tok::Throw},
+        {"try", Tok::Try},
+        {"typeof", Tok::TypeOf},
+        {"var", Tok::Var},
+        {"void", Tok::Void},
+        {"while", Tok::While},
+        {"with", Tok::With},
+        {"true", Tok::True},
+        {"false", Tok::False},
+        {"null", Tok::Null},
+        {"undefined", Tok::Undefined},
+        {"#include", Tok::Include},
+        {"#initclip", Tok::InitClip},
+        {"#endinitclip", Tok::EndInitClip},
+    };
+    return kWords;
+}
+
+std::span<const Punctuator> punctuators()
+{
+    static constexpr Punctuator kPunctuators[] = {
+        {">>>=", Tok::ShiftRightUnsignedAssign},
+        {"===", Tok::StrictEqual},
+        {"!==", Tok::StrictNotEqual},
+        {">>>", Tok::ShiftRightUnsigned},
+        {"<<=", Tok::ShiftLeftAssign},
+        {">>=", Tok::ShiftRightAssign},
+        {"<=", Tok::LessEqual},
+        {">=", Tok::GreaterEqual},
+        {"==", Tok::Equal},
+        {"!=", Tok::NotEqual},
+        {"<>", Tok::NotEqual},
+        {"++", Tok::PlusPlus},
+        {"--", Tok::MinusMinus},
+        {"<<", Tok::ShiftLeft},
+        {">>", Tok::ShiftRight},
+        {"&&", Tok::LogicalAnd},
+        {"||", Tok::LogicalOr},
+        {"+=", Tok::PlusAssign},
+        {"-=", Tok::MinusAssign},
+        {"*=", Tok::StarAssign},
+        {"/=", Tok::SlashAssign},
+        {"%=", Tok::PercentAssign},
+        {"&=", Tok::AndAssign},
+        {"|=", Tok::OrAssign},
+        {"^=", Tok::XorAssign},
+        {"{", Tok::LeftBrace},
+        {"}", Tok::RightBrace},
+        {"(", Tok::LeftParen},
+        {")", Tok::RightParen},
+        {"[", Tok::LeftBracket},
+        {"]", Tok::RightBracket},
+        {";", Tok::Semicolon},
+        {",", Tok::Comma},
+        {".", Tok::Dot},
+        {"?", Tok::Question},
+        {":", Tok::Colon},
+        {"<", Tok::Less},
+        {">", Tok::Greater},
+        {"+", Tok::Plus},
+        {"-", Tok::Minus},
+        {"*", Tok::Star},
+        {"/", Tok::Slash},
+        {"%", Tok::Percent},
+        {"&", Tok::And},
+        {"|", Tok::Or},
+        {"^", Tok::Xor},
+        {"!", Tok::Not},
+        {"~", Tok::Complement},
+        {"=", Tok::Assign},
+    };
+    return kPunctuators;
+}
+
+} // namespace swfc::actionscript
