@@ -204,7 +204,8 @@ void copyPixels(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, co
     // One without transparency has nothing to say, not even by its size.
     if (alpha && alpha->bitmap.opaque) alpha.reset();
     forEachCopied(target, x, y, source, from, [&](std::uint32_t& out, std::uint32_t in, int sx, int sy) {
-        if (alpha) {
+        // A bitmap without an alpha of its own gives none, and does not bound the copy either.
+        if (alpha && !alpha->bitmap.opaque) {
             const long long ax = static_cast<long long>(alpha->x) + sx - from.left;
             const long long ay = static_cast<long long>(alpha->y) + sy - from.top;
             if (ax < 0 || ay < 0 || ax >= alpha->bitmap.width || ay >= alpha->bitmap.height) return;

@@ -19,3 +19,18 @@ to.setPixel32(0, 0, 0x45112233);
 from.setPixel32(0, 0, 0x22445566);
 to.copyPixels(from, from.rectangle, point, null, null, true);
 trace(to.getPixel32(0, 0).toString(16));
+// An alpha bitmap bounds what is copied, unless it has no alpha itself.
+function alphaCopy(transparent) {
+    var wide = new flash.display.BitmapData(3, 1, true, 0xFF0000FF), target = new flash.display.BitmapData(3, 1, true, 0);
+    var alpha = new flash.display.BitmapData(2, 1, transparent, 0x80FFFFFF);
+    target.copyPixels(wide, wide.rectangle, point, alpha, point);
+    trace([target.getPixel32(0, 0) >>> 24, target.getPixel32(1, 0) >>> 24, target.getPixel32(2, 0) >>> 24]);
+}
+alphaCopy(true);
+alphaCopy(false);
+// The upper left pixel alone is not found.
+var four = new flash.display.BitmapData(2, 2, true, 0xFFFFFFFF);
+four.setPixel32(0, 0, 0xFF00FF00);
+trace(four.getColorBoundsRect(0xFFFFFFFF, 0xFFFFFFFF, false));
+four.setPixel32(1, 0, 0xFF00FF00);
+trace(four.getColorBoundsRect(0xFFFFFFFF, 0xFFFFFFFF, false));
