@@ -84,10 +84,15 @@ TextField::TextField(Stage& stage, MoviePtr movie, const swf::EditText& definiti
 NodePtr TextField::makeDynamic(Stage& stage, const MoviePtr& movie, const swf::Rect& boundsTwips)
 {
     swf::EditText definition;
-    definition.bounds = boundsTwips;
+    definition.bounds = {
+        std::min(boundsTwips.xMin, boundsTwips.xMax), std::max(boundsTwips.xMin, boundsTwips.xMax),
+        std::min(boundsTwips.yMin, boundsTwips.yMax), std::max(boundsTwips.yMin, boundsTwips.yMax)};
     definition.readOnly = true;
     definition.selectable = true;
-    return std::make_shared<TextField>(stage, movie, definition);
+    auto field = std::make_shared<TextField>(stage, movie, definition);
+    field->m_placedByRight = boundsTwips.xMax < boundsTwips.xMin;
+    field->m_placedByBottom = boundsTwips.yMax < boundsTwips.yMin;
+    return field;
 }
 
 // ---- the text ---------------------------------------------------------------------------------------------

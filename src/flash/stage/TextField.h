@@ -23,6 +23,7 @@ public:
     enum class AutoSize : std::uint8_t { None, Left, Center, Right };
 
     TextField(Stage& stage, MoviePtr movie, const swf::EditText& definition);
+    /// @param boundsTwips of a negative size when the field lies to the left of its position, or above it
     static NodePtr makeDynamic(Stage& stage, const MoviePtr& movie, const swf::Rect& boundsTwips);
 
     [[nodiscard]] const swf::EditText& definition() const { return m_definition; }
@@ -151,6 +152,7 @@ private:
     void outdateLayout();
     void fitToText();
     void boundScroll();
+    [[nodiscard]] swf::Point placedEdges();
     [[nodiscard]] swf::Point textOrigin();
     [[nodiscard]] double visibleWidth();
     [[nodiscard]] double visibleHeight();
@@ -179,6 +181,7 @@ private:
     bool m_bound = false;                   ///< the stage looks after the variable
     bool m_variableIsFresh = true;          ///< it was not looked at since it was set
     swf::Rect m_bounds;
+    bool m_placedByRight = false, m_placedByBottom = false; ///< which edges its position is that of
     AutoSize m_autoSize = AutoSize::None;
     bool m_html = false, m_condenseWhite = false, m_border = false, m_background = false;
     bool m_multiline = false, m_wordWrap = false, m_password = false, m_embedFonts = false;

@@ -131,16 +131,18 @@ bool TextField::hitsShape(swf::Point stagePoint)
 
 // ---- place and size ---------------------------------------------------------------------------------------
 
-double TextField::x() { return (matrix().tx + bounds().xMin) / swf::kTwipsPerPixel; }
-double TextField::y() { return (matrix().ty + bounds().yMin) / swf::kTwipsPerPixel; }
-void TextField::setX(double pixels)
+// Twips from its origin to the edges that its position is that of.
+swf::Point TextField::placedEdges()
 {
-    Node::setX(pixels - static_cast<double>(bounds().xMin) / swf::kTwipsPerPixel);
+    const swf::Rect box = bounds();
+    return {static_cast<double>(m_placedByRight ? box.xMax : box.xMin),
+            static_cast<double>(m_placedByBottom ? box.yMax : box.yMin)};
 }
-void TextField::setY(double pixels)
-{
-    Node::setY(pixels - static_cast<double>(bounds().yMin) / swf::kTwipsPerPixel);
-}
+
+double TextField::x() { return (matrix().tx + placedEdges().x) / swf::kTwipsPerPixel; }
+double TextField::y() { return (matrix().ty + placedEdges().y) / swf::kTwipsPerPixel; }
+void TextField::setX(double pixels) { Node::setX(pixels - placedEdges().x / swf::kTwipsPerPixel); }
+void TextField::setY(double pixels) { Node::setY(pixels - placedEdges().y / swf::kTwipsPerPixel); }
 
 // The size that is set is that of the box, whatever its scale.
 

@@ -294,7 +294,7 @@ private:
         }
         if (tag.name == u"tab") {
             std::u16string text = u"\t";
-            m_afterSpace = false;
+            m_afterSpace = true;
             flush(text);
             return;
         }

@@ -40,3 +40,6 @@ t.text = "\t\t\t\t";
 t.setTextFormat(tabs);
 trace(short + " " + t.textWidth);
 trace(new TextFormat("_sans", 12).getTextExtent("").height);
+// A negative size lies before the position.
+var n = _root.createTextField("n", 9, 50, 60, -30, -20);
+trace(n._x + " " + n._y + " " + n._width + " " + n._height);
