@@ -259,7 +259,7 @@ bool Clip::isButtonLike()
     for (const Event event : kButtonEvents)
         if (hasClipEvent(event)) return true;
     for (const Event event : kButtonEvents)
-        if (m_stage.script().hasHandler(*this, event)) return true;
+        if (m_stage.script().namesHandler(*this, event)) return true;
     return false;
 }
 

@@ -53,6 +53,8 @@ public:
     virtual void dispatch(Node&, Event) {}
     /// Whether dispatch() would find a handler. Asked while the pointer moves.
     virtual bool hasHandler(Node&, Event) { return false; }
+    /// Whether there is something of the handler's name, be it nothing that can be called.
+    virtual bool namesHandler(Node& node, Event event) { return hasHandler(node, event); }
     /// Whether buttons and button-like clips react: their `enabled` property.
     virtual bool isEnabled(Node&) { return true; }
 

@@ -222,6 +222,7 @@ void Stage::retire(Node& node)
         button.m_hitNodes.clear();
     }
     if (m_focus.get() == &node) m_focus.reset();
+    if (m_over.get() == &node || m_pressed.get() == &node) noteLost(node);
     if (m_over.get() == &node) m_over.reset();
     if (m_pressed.get() == &node) m_pressed.reset();
     m_services.sound.ownerRemoved(&node);

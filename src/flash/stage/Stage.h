@@ -346,6 +346,15 @@ private:
     NodePtr pointerTarget(swf::Point stagePoint);
     NodePtr pointerTargetIn(Node& node, swf::Point stagePoint);
     void updatePointer();
+    void moveFocus(Node* node, By by);
+    void rollOutOfFocus();
+    /// Every press of a key turns its toggle.
+    void noteKeyDown(int keyCode);
+    /// A button went from under the pointer; its like may follow before the pointer looks again.
+    void noteLost(const Node& node);
+    void adoptLike(const NodePtr& target);
+    /// Whether a frame is drawn around the focus, and with it the keyboard's click is possible.
+    [[nodiscard]] bool isFocusFramed() const { return m_focusShown && m_focusFramed; }
     void pointerEvent(Node& node, Event event);
     void followPressedLink(TextField& field);
     void runButtonActions(Button& button, unsigned condition);
@@ -414,6 +423,13 @@ private:
     bool m_mouseVisible = true, m_mouseInside = false, m_mouseIsDown = false;
     swf::Point m_mouse;
     NodePtr m_over, m_pressed;
+    bool m_overByFocus = false; ///< m_over has the focus; the pointer has not moved since
+    struct Lost {
+        const swf::Button* definition = nullptr;
+        int depth = 0;
+        bool over = false, pressed = false;
+    };
+    std::optional<Lost> m_lost;
     std::optional<TextFormat> m_pressedLink; ///< of the field m_pressed
     bool m_pressedOutside = false;           ///< the pointer left m_pressed with the button held
     std::set<int> m_keysDown;
@@ -423,7 +439,8 @@ private:
     bool m_keysAsked = false; ///< by a script of this movie, once at least
     int m_inputDepth = 0;
     NodePtr m_focus;
-    bool m_focusShown = false; ///< the frame around the focus, see showFocus()
+    bool m_focusShown = false;  ///< the frame around the focus, see showFocus()
+    bool m_focusFramed = false; ///< _focusrect allowed it when the focus moved
     std::shared_ptr<Clip> m_dragged;
     std::optional<DragLimits> m_dragLimits;
     swf::Point m_dragOffset; ///< twips, parent space

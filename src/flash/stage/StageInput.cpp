@@ -4,6 +4,7 @@
 #include "flash/stage/TextField.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace flash::stage
 {
@@ -74,6 +75,17 @@ int cueOf(Event event)
     }
 }
 
+/// The key code under which scripts ask for a button of the mouse.
+int keyOf(MouseButton button)
+{
+    switch (button) {
+    case MouseButton::Left: return 1;
+    case MouseButton::Right: return 2;
+    case MouseButton::Middle: return 4;
+    }
+    return 1;
+}
+
 /// Counts what is under way.
 class InputScope
 {
@@ -98,11 +110,13 @@ NodePtr Stage::pointerTarget(swf::Point stagePoint)
 
 NodePtr Stage::pointerTargetIn(Node& node, swf::Point stagePoint)
 {
+    // What is disabled under the pointer keeps it, and hears nothing, until the pointer leaves.
+    const auto answers = [&](Node& entry) { return &entry == m_over.get() || m_script->isEnabled(entry); };
     if (!node.isVisible() || node.maskee() || node.isUnloading()) return nullptr;
     if (node.mask() && !node.mask()->hitsShape(stagePoint)) return nullptr;
     if (node.kind() == NodeKind::Button) {
         auto& button = static_cast<Button&>(node);
-        const bool taken = m_script->isEnabled(node) && button.takesPointer(stagePoint);
+        const bool taken = answers(node) && button.takesPointer(stagePoint);
         return taken ? node.shared_from_this() : nullptr;
     }
     if (node.kind() == NodeKind::TextField) {
@@ -113,7 +127,7 @@ NodePtr Stage::pointerTargetIn(Node& node, swf::Point stagePoint)
     }
     Clip* clip = asClip(&node);
     if (!clip) return nullptr;
-    if (clip->isButtonLike() && m_script->isEnabled(node)) {
+    if (clip->isButtonLike() && answers(node)) {
         Node* area = clip->hitArea();
         return (area ? area : clip)->hitsShape(stagePoint) ? node.shared_from_this() : nullptr;
     }
@@ -157,7 +171,7 @@ Node* Stage::topNodeAt(swf::Point stagePoint, const Node* except)
 void Stage::pointerEvent(Node& node, Event event)
 {
     // Text fields have no handlers for the pointer.
-    if (node.kind() == NodeKind::TextField) return;
+    if (node.kind() == NodeKind::TextField || !m_script->isEnabled(node)) return;
     const bool menu = tracksAsMenu(node);
     if (node.kind() == NodeKind::Button) {
         auto& button = static_cast<Button&>(node);
@@ -182,9 +196,41 @@ void Stage::runButtonActions(Button& button, unsigned condition)
         if (action.conditions & condition) queueBlock(*target, button.movie(), action.actions);
 }
 
+void Stage::noteLost(const Node& node)
+{
+    if (node.kind() != NodeKind::Button) return;
+    m_lost = Lost{&static_cast<const Button&>(node).definition(), node.depth(), m_over.get() == &node,
+                  m_pressed.get() == &node};
+}
+
+// A timeline that goes back makes its buttons anew. To the user and to scripts they are what they were.
+void Stage::adoptLike(const NodePtr& target)
+{
+    if (!m_lost) return;
+    const Lost lost = *m_lost;
+    Button* button =
+        target && target->kind() == NodeKind::Button ? static_cast<Button*>(target.get()) : nullptr;
+    const bool alike = button && &button->definition() == lost.definition && button->depth() == lost.depth;
+    m_lost.reset();
+    const bool pressed = lost.pressed && !m_pressed && m_mouseIsDown;
+    if (!alike) {
+        // What was pressed may be come back to while the button is held.
+        if (pressed) m_lost = Lost{lost.definition, lost.depth, false, true};
+        if (pressed) m_pressedOutside = true;
+        return;
+    }
+    if (lost.over && !m_over) m_over = target;
+    if (pressed) m_pressed = target;
+    button->setState(pressed && !m_pressedOutside ? Button::State::Down : Button::State::Over);
+}
+
 void Stage::updatePointer()
 {
+    // What the focus is on stays rolled over until the pointer moves.
+    if (m_overByFocus && m_over) return;
+    m_overByFocus = false;
     const NodePtr target = m_mouseInside ? pointerTarget(m_mouse) : nullptr;
+    adoptLike(target);
     if (m_mouseIsDown) {
         if (m_pressed) {
             const bool menu = tracksAsMenu(*m_pressed);
@@ -244,11 +290,8 @@ void Stage::mouseMove(double x, double y)
     const swf::Point before = m_mouse;
     m_mouse = view.inverted().map(x, y);
     m_mouseInside = true;
-    if (m_mouse != before && focusHidesAtEveryMove()) showFocus(false);
-    if (m_mouse == before) {
-        updatePointer();
-        return;
-    }
+    if (m_mouse != before) m_overByFocus = false;
+    if (focusHidesAtEveryMove()) showFocus(false);
     if (m_dragged) moveDragged();
     clipEventEverywhere(Event::MouseMove);
     runQueue();
@@ -266,8 +309,9 @@ void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
     if (point != m_mouse || !m_mouseInside) mouseMove(x, y);
     if (button == MouseButton::Left || (button == MouseButton::Right && focusHidesAtEveryMove()))
         showFocus(false);
+    noteKeyDown(keyOf(button));
     if (button != MouseButton::Left) return;
-    m_keysDown.insert(1);
+    m_overByFocus = false;
     m_mouseIsDown = true;
     clipEventEverywhere(Event::MouseDown);
     runQueue();
@@ -285,10 +329,13 @@ void Stage::mouseDown(double x, double y, MouseButton button, int clicks)
             m_pressedLink = *link;
         else
             field.press(m_mouse, clicks);
-    } else if (m_focus && m_focus->kind() == NodeKind::TextField) {
-        setFocus(nullptr);
     }
+    const auto isField = [](const NodePtr& node) { return node && node->kind() == NodeKind::TextField; };
+    const bool leavesField = isField(m_focus) && !isField(target);
+    if (leavesField) moveFocus(nullptr, By::User);
     if (target && !target->isRemoved()) pointerEvent(*target, Event::Press);
+    // What takes the pointer from a field is rolled out of as if the focus had moved from it.
+    if (leavesField) rollOutOfFocus();
     updateCursor();
     runQueue();
 }
@@ -299,8 +346,8 @@ void Stage::mouseUp(double x, double y, MouseButton button)
     const swf::Point point = viewMatrix().inverted().map(x, y);
     if (point != m_mouse) mouseMove(x, y);
     if (button != MouseButton::Middle && focusHidesAtEveryMove()) showFocus(false);
+    m_keysDown.erase(keyOf(button));
     if (button != MouseButton::Left) return;
-    m_keysDown.erase(1);
     clipEventEverywhere(Event::MouseUp);
     runQueue();
     m_script->broadcastMouse(Event::MouseUp);
@@ -412,12 +459,13 @@ bool Stage::listensToKeys()
 }
 
 // The file's handlers hear of every key, a script's onKeyDown and onKeyUp only while the instance has the
-// focus.
+// focus, and not once the mouse has taken over.
 void Stage::keyEvent(Event event)
 {
     for (std::size_t i = m_clips.size(); i-- > 0;)
         if (!m_clips[i]->isRemoved() && m_clips[i]->hasClipEvent(event)) queueEvent(*m_clips[i], event);
-    if (m_focus && m_focus->kind() != NodeKind::TextField && m_script->hasHandler(*m_focus, event)) {
+    if (m_focus && m_focusShown && m_focus->kind() != NodeKind::TextField &&
+        m_script->hasHandler(*m_focus, event)) {
         const Clip* clip = asClip(m_focus.get());
         if (!clip || !clip->hasClipEvent(event)) queueEvent(*m_focus, event);
     }
@@ -426,15 +474,19 @@ void Stage::keyEvent(Event event)
     runQueue();
 }
 
+void Stage::noteKeyDown(int keyCode)
+{
+    // Held down it repeats, and is not pressed again.
+    if (!m_keysDown.insert(keyCode).second) return;
+    if (!m_keysToggled.erase(keyCode)) m_keysToggled.insert(keyCode);
+}
+
 void Stage::keyDown(int keyCode, char32_t charCode)
 {
     const InputScope scope(m_inputDepth);
     m_lastKeyCode = keyCode;
     m_lastCharCode = static_cast<int>(charCode);
-    m_keysDown.insert(keyCode);
-    if (keyCode == 20 || keyCode == 144 || keyCode == 145) {
-        if (!m_keysToggled.erase(keyCode)) m_keysToggled.insert(keyCode);
-    }
+    noteKeyDown(keyCode);
     keyEvent(Event::KeyDown);
     constexpr int kTab = 9, kEnter = 13, kShift = 16, kSpace = 32;
     // Whoever waits for the key takes it from the field that is typed into, and from what has the focus.
@@ -443,7 +495,7 @@ void Stage::keyDown(int keyCode, char32_t charCode)
     if (!m_keyTaken && keyCode == kTab) focusNext(isKeyDown(kShift));
     const bool presses =
         m_focus && (m_focus->kind() == NodeKind::Button || m_focus->kind() == NodeKind::Clip);
-    if (!m_keyTaken && presses && (keyCode == kEnter || keyCode == kSpace)) {
+    if (!m_keyTaken && presses && isFocusFramed() && (keyCode == kEnter || keyCode == kSpace)) {
         // The keyboard's click: down and up at once.
         const NodePtr focus = m_focus;
         for (const Event event : {Event::Press, Event::Release}) {
@@ -512,38 +564,52 @@ bool wantsFocusRect(const Node& node)
 }
 } // namespace
 
+// What has the focus looks and is told as if the pointer were on it, whatever the pointer was on before.
+void Stage::rollOutOfFocus()
+{
+    const NodePtr over = std::exchange(m_over, nullptr);
+    m_overByFocus = false;
+    if (over && !over->isRemoved()) pointerEvent(*over, Event::RollOut);
+}
+
 void Stage::setFocus(Node* node, By by)
 {
     if (by == By::Script) showFocus(true);
-    if (m_focus.get() == node) return;
+    const bool moves = m_focus.get() != node;
+    // A script that sets the focus where it is says so once more.
+    if (!moves && (by == By::User || !node)) return;
+    const NodePtr now = node ? node->shared_from_this() : nullptr;
+    rollOutOfFocus();
+    if (now && !now->isRemoved() && now->kind() != NodeKind::TextField) {
+        m_over = now;
+        m_overByFocus = true;
+        pointerEvent(*now, Event::RollOver);
+    }
+    if (moves) moveFocus(node, by);
+}
+
+void Stage::moveFocus(Node* node, By by)
+{
     const NodePtr before = m_focus;
     m_focus = node ? node->shared_from_this() : nullptr;
-    if (m_focus && !wantsFocusRect(*m_focus)) m_focusShown = false;
+    if (before) before->invalidate();
+    const NodePtr now = m_focus;
+    if (now) {
+        now->invalidate();
+        m_focusFramed = wantsFocusRect(*now);
+    }
     const auto asField = [](const NodePtr& entry) {
         const bool is = entry && entry->kind() == NodeKind::TextField;
         return is ? static_cast<TextField*>(entry.get()) : nullptr;
     };
-    if (before) before->invalidate();
-    if (m_focus) m_focus->invalidate();
-    // What has the focus looks and is told as if the pointer were on it.
-    const auto reacts = [](const NodePtr& entry) {
-        return entry && !entry->isRemoved() && entry->kind() != NodeKind::TextField;
-    };
-    const NodePtr now = m_focus;
-    if (reacts(before) && m_over != now) {
-        if (m_over == before) m_over.reset();
-        pointerEvent(*before, Event::RollOut);
-    }
-    if (reacts(now) && m_over != now) {
-        m_over = now;
-        pointerEvent(*now, Event::RollOver);
-    }
     // A script that sets the focus goes on before that is told.
     if (by == By::User) runQueue();
     if (m_focus != now) return;
     if (TextField* field = asField(before)) field->focusLost();
-    if (TextField* field = asField(m_focus)) field->focusGained();
-    m_script->focusChanged(before.get(), m_focus.get());
+    m_script->focusChanged(before.get(), now.get());
+    // Whoever was told may have moved it on.
+    if (m_focus == now)
+        if (TextField* field = asField(now)) field->focusGained();
     if (by == By::User) runQueue();
 }
 
@@ -563,7 +629,7 @@ bool Stage::canTakeFocus(Node& node)
     case NodeKind::TextField: return true;
     case NodeKind::Clip: {
         auto& clip = static_cast<Clip&>(node);
-        return clip.focusEnabled.value_or(clip.tabIndex.has_value() || clip.isButtonLike()) && clip.parent();
+        return (clip.isButtonLike() || clip.focusEnabled.value_or(false)) && clip.parent();
     }
     default: return false;
     }

@@ -203,7 +203,8 @@ void Stage::render(render::Canvas& canvas, const render::IntRect& clip)
 // pointer of a button. Fields show theirs by the caret.
 void Stage::drawFocus(render::Canvas& canvas, const swf::Matrix& view)
 {
-    if (!m_focusShown || !m_focus || m_focus->isRemoved() || m_focus->kind() == NodeKind::TextField) return;
+    if (!isFocusFramed() || !m_focus || m_focus->isRemoved() || m_focus->kind() == NodeKind::TextField)
+        return;
     for (const Node* root = m_focus.get(); root->parent(); root = root->parent())
         if (!root->isVisible()) return;
     const swf::Rect own =

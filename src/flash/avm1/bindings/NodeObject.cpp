@@ -118,6 +118,16 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
             }
         }
     }
+    if (node->kind() == stage::NodeKind::Button && vm.names().mayBeNodeName(name)) {
+        for (const stage::NodePtr& child : node->children()) {
+            const std::u16string own = base::utf16FromUtf8(child->name());
+            const bool same = sensitive ? own == text : AtomTable::fold(own) == AtomTable::fold(text);
+            Object* object = same ? m_binding.objectOf(child.get()) : nullptr;
+            if (!object) continue;
+            result = object;
+            return true;
+        }
+    }
     if (text[0] != u'_') return false;
     if (const std::optional<int> index = m_binding.propertyIndex(name)) {
         result = m_binding.propertyOf(*node, *index);

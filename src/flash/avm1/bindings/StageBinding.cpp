@@ -246,7 +246,7 @@ Name StageBinding::handlerName(stage::Event event)
     return m_state->handlers[static_cast<std::size_t>(event)];
 }
 
-bool StageBinding::hasHandler(stage::Node& node, stage::Event event)
+bool StageBinding::findHandler(stage::Node& node, stage::Event event, Value& handler)
 {
     const Name name = handlerName(event);
     const int version = node.movie() ? node.movie()->header.version : 6;
@@ -255,9 +255,19 @@ bool StageBinding::hasHandler(stage::Node& node, stage::Event event)
     // Without an object of its own an instance has only what its class has.
     Object* object = static_cast<Object*>(node.peer);
     if (!object) object = node.kind() == stage::NodeKind::Button ? m_state->button : m_state->movieClip;
-    Value value;
-    return object && object->find(*m_vm, name, value, Value(object)) && value.isObject() &&
-           value.object()->isFunction();
+    return object && object->find(*m_vm, name, handler, Value(object));
+}
+
+bool StageBinding::hasHandler(stage::Node& node, stage::Event event)
+{
+    Value handler;
+    return findHandler(node, event, handler) && handler.isObject() && handler.object()->isFunction();
+}
+
+bool StageBinding::namesHandler(stage::Node& node, stage::Event event)
+{
+    Value handler;
+    return findHandler(node, event, handler);
 }
 
 void StageBinding::dispatch(stage::Node& node, stage::Event event)
@@ -275,7 +285,7 @@ bool StageBinding::isEnabled(stage::Node& node)
     const Vm::VersionScope scope(*m_vm, node.movie() ? node.movie()->header.version : 6);
     Value value;
     if (!object->find(*m_vm, m_state->enabled, value, Value(object))) return true;
-    return toBoolean(*m_vm, value);
+    return value.isUndefined() || toBoolean(*m_vm, value);
 }
 
 bool StageBinding::hasRegisteredClass(stage::Clip& clip)

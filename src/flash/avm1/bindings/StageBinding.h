@@ -137,6 +137,7 @@ public:
                     const swf::ActionBlock& block) override;
     void dispatch(stage::Node& node, stage::Event event) override;
     bool hasHandler(stage::Node& node, stage::Event event) override;
+    bool namesHandler(stage::Node& node, stage::Event event) override;
     bool isEnabled(stage::Node& node) override;
     void assignClass(stage::Clip& clip) override;
     void constructClip(stage::Clip& clip) override;
@@ -175,6 +176,7 @@ public:
     void setPropertyOf(stage::Node& node, int index, Value value);
 
 private:
+    bool findHandler(stage::Node& node, stage::Event event, Value& handler);
     friend class NodeObject;
     struct State;
     void installClasses();

@@ -171,8 +171,18 @@ Value StageBinding::propertyOf(stage::Node& node, int index)
 {
     stage::Clip* clip = stage::asClip(&node);
     const auto mouse = [&] {
-        const swf::Point p = node.toStage().inverted().map(m_stage->mousePosition());
-        return swf::Point{std::round(p.x) / swf::kTwipsPerPixel, std::round(p.y) / swf::kTwipsPerPixel};
+        // Clips stand at whole pixels for the mouse. In one that has no extent there are no places: the
+        // stage's are given, wrongly scaled, as the genuine player does.
+        swf::Matrix toStage = node.toStage();
+        if (!toStage.isInvertible()) toStage = {swf::kTwipsPerPixel, 0, 0, swf::kTwipsPerPixel, 0, 0};
+        toStage.tx = std::round(toStage.tx / swf::kTwipsPerPixel) * swf::kTwipsPerPixel;
+        toStage.ty = std::round(toStage.ty / swf::kTwipsPerPixel) * swf::kTwipsPerPixel;
+        const swf::Matrix back = toStage.inverted();
+        const swf::Point at = m_stage->mousePosition();
+        // Both parts are whole twips.
+        const double x = std::round(back.a * at.x + back.c * at.y) + std::round(back.tx);
+        const double y = std::round(back.b * at.x + back.d * at.y) + std::round(back.ty);
+        return swf::Point{x / swf::kTwipsPerPixel, y / swf::kTwipsPerPixel};
     };
     switch (index) {
     case kX: return node.x();
