@@ -10,4 +10,5 @@ trace(new Date(3.0935415006117e+23).getUTCMilliseconds());
 trace(new Date(-0.5).getUTCHours() + ":" + new Date(-0.5).getUTCMinutes() + "." + new Date(-0.5).getUTCMilliseconds());
 trace(new Date(-1).getUTCHours() + " " + new Date(-1).getUTCMilliseconds());
 trace(new Date(0).setYear(-271823));
+trace(new Date(0).setYear(NaN) + " " + new Date(0).setYear(undefined) + " " + new Date(0).setYear(0));
 fscommand("quit");

@@ -62,4 +62,12 @@ trace(copy.blendMode);
 var copied = {};
 copied.getProgress = MovieClipLoader.prototype.getProgress;
 trace(copied.getProgress(_root));
+
+// Each watch counts for itself how deeply it is nested.
+var calls = 0;
+var ring = {};
+ring.watch("a", function (name, before, after) { calls++; this.b = 1; return after; });
+ring.watch("b", function (name, before, after) { calls++; this.a = 1; return after; });
+ring.a = 1;
+trace(calls);
 fscommand("quit");

@@ -95,6 +95,7 @@ public:
     }
     void trace(std::u16string_view text) override;
     void log(std::string_view text) override;
+    void reportError(std::u16string_view text) override;
     double timeMs() override;
     double wallClockMs() override;
     std::uint32_t random() override;

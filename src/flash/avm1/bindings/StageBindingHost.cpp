@@ -66,6 +66,16 @@ void StageBinding::trace(std::u16string_view text)
     m_vm->noteWork(text.size() / kUnitsPerStep);
     m_services.host.traceLine(base::utf8FromUtf16(text));
 }
+void StageBinding::reportError(std::u16string_view text)
+{
+    log("script: " + base::utf8FromUtf16(text));
+    // Players show errors among the traces only since later than version 9; what the tools of that time made
+    // has metadata.
+    constexpr int kLastSilentVersion = 9;
+    const stage::MoviePtr& movie = m_stage->movie();
+    if (movie && (movie->header.version > kLastSilentVersion || !movie->metadata.empty())) trace(text);
+}
+
 void StageBinding::log(std::string_view text) { m_services.host.logLine(text); }
 double StageBinding::timeMs() { return m_stage ? m_stage->nowMs() : 0; }
 double StageBinding::wallClockMs()

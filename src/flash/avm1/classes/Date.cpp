@@ -175,7 +175,10 @@ Value setYear(Call& call)
     DateParts parts = std::isfinite(date->timeMs) ? partsOf(*date, Zone::Local) : DateParts{};
     fillParts(call, parts, std::span<const Part>(kYearOn).first(3));
     // Two digits are of the last century; here years before the first stay what they are.
-    if (parts.year >= 0) parts.year = fullYear(parts.year);
+    if (call.count() > 0 && (call.arg(0).isNullish() || !std::isfinite(parts.year)))
+        parts.year = 0;
+    else if (parts.year >= 0)
+        parts.year = fullYear(parts.year);
     // Here alone it matters how far from 1970 a time is.
     constexpr double kFurthestMs = 8.64e15;
     if (std::fabs(timeFromParts(parts)) > kFurthestMs) parts.year = kNaN;

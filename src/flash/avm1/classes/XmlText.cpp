@@ -64,6 +64,7 @@ public:
 
     XmlParseResult run()
     {
+        m_ignoresWhite = ignoresWhite();
         while (m_at < m_text.size() && m_result.status == XmlStatus::Ok && !m_vm.isUnwinding()) step();
         if (m_result.status == XmlStatus::Ok && m_open.size() > 1)
             m_result.status = XmlStatus::StartWithoutEnd;
@@ -113,7 +114,7 @@ private:
         const std::size_t end = std::min(m_text.find(u'<', m_at), m_text.size());
         const std::u16string_view raw = m_text.substr(m_at, end - m_at);
         m_at = end;
-        if (ignoresWhite() && std::all_of(raw.begin(), raw.end(), isSpace)) return;
+        if (m_ignoresWhite && std::all_of(raw.begin(), raw.end(), isSpace)) return;
         append(newXmlNode(m_vm, XmlNode::kText, m_vm.string(decodeEntities(raw))));
     }
 
@@ -163,6 +164,7 @@ private:
         return node != nullptr && node->name != nullptr && node->name->view() == name;
     }
 
+    /// As it is when the text begins: setters that run meanwhile come too late.
     [[nodiscard]] bool ignoresWhite()
     {
         // Asked of the object: a movie may have set it for all documents, on the class.
@@ -279,6 +281,7 @@ private:
     RootedValues m_kept;
     std::size_t m_at = 0;
     std::size_t m_tooDeep = 0;
+    bool m_ignoresWhite = false;
     XmlParseResult m_result;
 };
 

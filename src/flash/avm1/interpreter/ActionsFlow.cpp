@@ -59,6 +59,9 @@ void with(Frame& frame, const Instruction& instruction)
         frame.body->offsets[static_cast<std::size_t>(after - frame.body->instructions.data())];
     const int mostNested = frame.version < 6 ? 7 : 15;
     if (object == nullptr || frame.withDepth >= mostNested) {
+        if (object == nullptr)
+            frame.vm.host().reportError(
+                u"Error: A 'with' action failed because the specified object did not exist.\n");
         frame.ip = frame.body->instructions.data() + frame.body->instructionAt(instruction.b);
         return;
     }

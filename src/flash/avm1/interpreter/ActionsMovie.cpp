@@ -26,7 +26,7 @@ Object* clipFrom(Frame& frame, Value value)
     if (Object* object = value.asObject(); object != nullptr && frame.vm.host().isStageObject(object))
         return object;
     const std::u16string path = toText(frame.vm, value);
-    if (path.empty()) return frame.target;
+    if (path.empty()) return frame.targetIsLost ? nullptr : frame.target;
     Object* object = Interpreter::resolve(frame, path);
     return object != nullptr && frame.vm.host().isStageObject(object) ? object : nullptr;
 }
@@ -58,8 +58,8 @@ void setTargetTo(Frame& frame, Value value)
     frame.target = vm.host().root(frame.baseTarget);
     frame.targetIsLost = true;
     if (value.isUndefined()) return;
-    vm.host().log(base::utf8FromUtf16(u"Target not found: Target=\"" + path + u"\" Base=\"" +
-                                      vm.host().targetPath(frame.baseTarget) + u"\""));
+    vm.host().reportError(u"Target not found: Target=\"" + path + u"\" Base=\"" +
+                          vm.host().targetPath(frame.baseTarget) + u"\"");
 }
 
 /// A frame as scripts name it: a number counted from 1, a label, or either behind a path ("/clip:label").

@@ -105,7 +105,9 @@ void defineLocal2(Frame& frame, const Instruction&)
 {
     const Name name = avm1::toName(frame.vm, frame.pop());
     Object* object = localObject(frame, name);
-    if (object != nullptr && !object->has(frame.vm, name)) putLocal(frame, name, {});
+    if (object == nullptr || object->has(frame.vm, name)) return;
+    const bool isPath = name.isPath() && frame.activation == nullptr;
+    if (!isPath || Interpreter::getVariable(frame, name).isUndefined()) putLocal(frame, name, {});
 }
 
 void deleteVariable(Frame& frame, const Instruction&)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/TextCode.h"
+#include "base/TextCodes.h"
 #include "flash/avm1/interpreter/Value.h"
 
 #include <cstdint>
@@ -54,6 +55,9 @@ public:
     virtual void trace(std::u16string_view text) = 0;
     /// Messages about scripts that go wrong; English.
     virtual void log(std::string_view text) = 0;
+    /// What went wrong in a script, in the player's words: for the log, and for whoever reads the traces of a
+    /// movie that was made to be told of it.
+    virtual void reportError(std::u16string_view text) { log(base::utf8FromUtf16(text)); }
     /// @returns milliseconds since the movie started (getTimer); simulated time.
     virtual double timeMs() = 0;
     /// @returns milliseconds since 1970-01-01 UTC.

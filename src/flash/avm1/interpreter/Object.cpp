@@ -543,7 +543,7 @@ void Object::watch(Name name, Object* callback, Value userData)
             return;
         }
     }
-    extras().watches.push_back({name, callback, userData, false});
+    extras().watches.push_back({name, callback, userData, 0});
 }
 
 bool Object::unwatch(Vm& vm, Name name)
@@ -586,11 +586,15 @@ bool Object::callWatch(Vm& vm, Name name, Value& value)
         addProperty(vm, name, {}, 0);
         isOwn = true;
     }
-    watch->running = true;
+    if (watch->running >= Vm::kMaxNestedAccessors) {
+        value = Value();
+        return !isOwn || hasPlain(vm, name);
+    }
+    ++watch->running;
     const Value args[] = {Value(name.string()), old, value, watch->userData};
-    value = vm.callAccessor(watch->callback, this, args, this);
+    value = vm.callWatcher(watch->callback, this, args, this);
     // The callback may have added or removed watches, and taken the property away.
-    if (Watch* still = find()) still->running = false;
+    if (Watch* still = find(); still != nullptr && still->running > 0) --still->running;
     return !isOwn || hasPlain(vm, name);
 }
 

@@ -258,7 +258,7 @@ private:
         Name name;
         Object* callback;
         Value userData;
-        bool running;
+        int running; ///< calls of the callback that are under way
     };
     struct Extras {
         std::vector<Watch> watches;

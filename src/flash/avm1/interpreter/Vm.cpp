@@ -137,6 +137,11 @@ Value Vm::callAccessor(Object* function, Value self, std::span<const Value> args
     return result;
 }
 
+Value Vm::callWatcher(Object* function, Value self, std::span<const Value> args, Object* holder)
+{
+    return Interpreter::invoke(*this, function, self, args, {holder, false});
+}
+
 Value Vm::construct(Value constructor, std::span<const Value> args)
 {
     return Interpreter::construct(*this, constructor, args);
@@ -186,7 +191,7 @@ void Vm::reportUncaught()
     if (m_thrown) {
         const Value exception = Interpreter::takeException(*this);
         m_aborted = false;
-        m_host.log("uncaught exception: " + base::utf8FromUtf16(toText(*this, exception)));
+        m_host.reportError(toText(*this, exception));
         // Making text of it may have thrown again.
         m_thrown = false;
     }

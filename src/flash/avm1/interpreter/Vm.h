@@ -79,6 +79,8 @@ public:
     Value callMethod(Object* object, std::string_view method, std::initializer_list<Value> args = {});
     /// Calls a getter or setter that is a property of `holder`. Nested too deeply, the call does not happen.
     Value callAccessor(Object* function, Value self, std::span<const Value> args, Object* holder);
+    /// Calls what watches a property of `holder`; each watch counts for itself how deeply it is nested.
+    Value callWatcher(Object* function, Value self, std::span<const Value> args, Object* holder);
     /// The `new` operator. @returns undefined when `constructor` is no function.
     Value construct(Value constructor, std::span<const Value> args);
     /// Calls a constructor with an existing object as `this`; for clips of registered classes.
