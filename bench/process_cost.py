@@ -173,8 +173,9 @@ def main():
                 if turn == 2 and name in ('frames', 'memory'):
                     break
             own, within = (statistics.median(figures[inside]) for inside in (False, True))
-            print('%-7s of its own %.1f, inside %.1f, difference %+.1f %s (medians of %d)' %
-                  (name, own, within, own - within, unit, len(figures[True])))
+            print('%-7s of its own %.1f, inside %.1f, difference %+.1f %s (medians of %d; %+.1f of the best)' %
+                  (name, own, within, own - within, unit, len(figures[True]),
+                   min(figures[False]) - min(figures[True])))
             sys.stdout.flush()
 
 
