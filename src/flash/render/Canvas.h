@@ -10,8 +10,10 @@
 namespace flash::render
 {
 
-/// Low draws without edge smoothing and without bitmap smoothing; the others smooth edges alike. Medium
-/// leaves bitmaps unsmoothed, High smooths those that ask for it, Best smooths all that are scaled.
+/// Low draws without edge smoothing and without bitmap smoothing. Medium counts four samples of a pixel for
+/// its edges and leaves bitmaps unsmoothed. High counts sixteen, as the genuine player does, and smooths the
+/// bitmaps that ask for it. Best knows exactly how much of a pixel is covered, and smooths all bitmaps that
+/// are scaled. Letters are exact in all but Low.
 enum class Quality { Low, Medium, High, Best };
 
 enum class Smoothing { Off, On };
