@@ -112,11 +112,11 @@ def main():
     arguments.add_argument("--build", type=pathlib.Path, default=ROOT / "build", help="of the release preset")
     arguments.add_argument("--ninja", default="ninja -C", help="builds the targets behind a folder")
     arguments.add_argument("--area", choices=sorted(TESTS), action="append", help="may be given more than once")
-    arguments.add_argument("--only", default="", help="faults whose name holds this text")
+    arguments.add_argument("--only", action="append", help="faults whose name holds this text; may be given more than once")
     arguments.add_argument("--list", action="store_true", help="tells which texts are there, and does no more")
     options = arguments.parse_args()
     chosen = [(number, fault) for number, fault in enumerate(FAULTS)
-              if options.only in fault[0] and (options.area is None or fault[1] in options.area)]
+              if any(text in fault[0] for text in options.only or [""]) and (options.area is None or fault[1] in options.area)]
 
     if options.list:
         gone = [fault for _, fault in chosen if (ROOT / "src" / fault[2]).read_text().count(fault[3]) != 1]

@@ -25,6 +25,9 @@ TEST(ParseColor, ReadsBlueGreenRed)
     EXPECT_EQ(toColor(ParseColor("#ff0000")), QColor(0, 0, 255));
     EXPECT_EQ(toColor(ParseColor("255")), QColor(255, 0, 0));
     EXPECT_EQ(ParseColor("0"), 0U);
+    // Numbers of the system's palette and of an alpha are cut to the colour.
+    EXPECT_EQ(ParseColor("#FF0000FF"), 0xFFU);
+    EXPECT_EQ(ParseColor("-1"), 0xFFFFFFU);
     for (const char* text : {"", "red", "#", "#zz", "0x10"})
         EXPECT_THROW((void)ParseColor(text), base::Failure) << text;
 }
