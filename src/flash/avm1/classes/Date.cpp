@@ -175,7 +175,9 @@ Value setYear(Call& call)
     DateParts parts = std::isfinite(date->timeMs) ? partsOf(*date, Zone::Local) : DateParts{};
     fillParts(call, parts, std::span<const Part>(kYearOn).first(3));
     // Two digits are of the last century; here years before the first stay what they are.
-    if (call.count() > 0 && (call.arg(0).isNullish() || !std::isfinite(parts.year)))
+    // A date that is none stays so; the other setters make one of it.
+    if (std::isnan(date->timeMs)) return Value(kNaN);
+    if (call.count() > 0 && (call.arg(0).isUndefined() || !std::isfinite(parts.year)))
         parts.year = 0;
     else if (parts.year >= 0)
         parts.year = fullYear(parts.year);
