@@ -1,5 +1,6 @@
 #include "script/Dispatch.h"
 
+#include "script/vbscript/Errors.h"
 #include "script/vbscript/Text.h"
 
 #include <atomic>
@@ -82,10 +83,10 @@ Result<Value> HostObject::invokeByReference(int locale, MemberId id, Access acce
 Result<Value> HostObject::invoke(MemberId id, Access access, Arguments arguments)
 {
     const Member* found = member(id);
-    if (!found) return fault(438);
+    if (!found) return fault(vbscript::error::kNoSuchMember);
     if (access == Access::Put || access == Access::PutRef) {
-        if (!found->set) return fault(438, found->name);
-        if (arguments.size() != 1) return fault(450, found->name);
+        if (!found->set) return fault(vbscript::error::kNoSuchMember, found->name);
+        if (arguments.size() != 1) return fault(vbscript::error::kWrongArguments, found->name);
         CHECK_RESULT(found->set(arguments.back()));
         return Value();
     }
@@ -94,8 +95,8 @@ Result<Value> HostObject::invoke(MemberId id, Access access, Arguments arguments
         std::vector<Value> copies(arguments.begin(), arguments.end());
         return found->write(copies);
     }
-    if (!found->get) return fault(438, found->name);
-    if (!arguments.empty()) return fault(450, found->name);
+    if (!found->get) return fault(vbscript::error::kNoSuchMember, found->name);
+    if (!arguments.empty()) return fault(vbscript::error::kWrongArguments, found->name);
     return found->get();
 }
 

@@ -1,6 +1,7 @@
 #include "script/QtDispatch.h"
 
 #include "script/vbscript/Convert.h"
+#include "script/vbscript/Errors.h"
 
 #include <QDateTime>
 #include <QMetaMethod>
@@ -15,12 +16,8 @@ namespace script
 namespace
 {
 
-constexpr int kOverflow = 6;
-constexpr int kTypeMismatch = 13;
-constexpr int kObjectNotSet = 91;
-constexpr int kNoSuchMember = 438;
-constexpr int kWrongArguments = 450;
-constexpr int kUnknownType = 458;
+namespace error = vbscript::error;
+
 constexpr int kMaxArguments = 10; // of QMetaMethod::invoke
 
 // Properties have the odd, methods the even ids: the default member's id is no property's.
@@ -70,7 +67,7 @@ Result<QVariant> variantFromValue(const Value& value)
         return QVariant(QDateTime(utc.date(), utc.time()));
     }
     case VarType::Array: {
-        if (value.asArray()->bounds.size() > 1) return fault(kTypeMismatch);
+        if (value.asArray()->bounds.size() > 1) return fault(error::kTypeMismatch);
         QVariantList list;
         for (const Value& element : value.asArray()->elements)
             list.append(TRY_RESULT(variantFromValue(element)));
@@ -80,9 +77,9 @@ Result<QVariant> variantFromValue(const Value& value)
         if (!value.asObject()) return QVariant::fromValue(static_cast<QObject*>(nullptr));
         if (auto* shown = dynamic_cast<QtDispatch*>(value.asObject()))
             return QVariant::fromValue(shown->object());
-        return fault(kTypeMismatch);
+        return fault(error::kTypeMismatch);
     }
-    default: return fault(kTypeMismatch);
+    default: return fault(error::kTypeMismatch);
     }
 }
 
@@ -136,7 +133,7 @@ Result<Value> valueFromVariant(const QVariant& variant)
     // Enumerations and flags are numbers to a script.
     if ((variant.metaType().flags() & QMetaType::IsEnumeration) != 0)
         return Value::longInteger(variant.toInt());
-    return fault(kUnknownType, view(QString::fromLatin1(variant.typeName())));
+    return fault(error::kUnknownType, view(QString::fromLatin1(variant.typeName())));
 }
 
 namespace
@@ -147,7 +144,7 @@ Result<QVariant> wholeNumber(const Value& value, const vbscript::Locale& locale)
 {
     const double number = vbscript::roundHalfEven(TRY_RESULT(vbscript::toDouble(value, locale)));
     constexpr double kLimit = 9.2e18;
-    if (!(std::fabs(number) < kLimit)) return fault(kOverflow);
+    if (!(std::fabs(number) < kLimit)) return fault(error::kOverflow);
     return QVariant(static_cast<qlonglong>(number));
 }
 
@@ -181,9 +178,9 @@ Result<QVariant> converted(const Value& value, QMetaType type, int localeId)
     if (result.metaType() == type) return result;
     const bool isWhole = result.typeId() == QMetaType::LongLong;
     const qlonglong number = isWhole ? result.toLongLong() : 0;
-    if (!result.convert(type)) return fault(kTypeMismatch);
+    if (!result.convert(type)) return fault(error::kTypeMismatch);
     // Qt cuts a number that does not fit.
-    if (isWhole && result.toLongLong() != number) return fault(kOverflow);
+    if (isWhole && result.toLongLong() != number) return fault(error::kOverflow);
     return result;
 }
 
@@ -231,11 +228,11 @@ Result<Value> QtDispatch::invoke(MemberId member, Access access, Arguments argum
 
 Result<Value> QtDispatch::invokeIn(int locale, MemberId member, Access access, Arguments arguments)
 {
-    if (!m_object) return fault(kObjectNotSet);
+    if (!m_object) return fault(error::kObjectNotSet);
     const bool puts = access == Access::Put || access == Access::PutRef;
-    if (member == kDefaultMember) return fault(kNoSuchMember);
+    if (member == kDefaultMember) return fault(error::kNoSuchMember);
     if (member % kIdsPerMember == 0) {
-        if (puts) return fault(kNoSuchMember);
+        if (puts) return fault(error::kNoSuchMember);
         return call(locale, m_class->method(member / kIdsPerMember - 1).name(), arguments);
     }
     const QMetaProperty property = m_class->property(member / kIdsPerMember);
@@ -244,20 +241,21 @@ Result<Value> QtDispatch::invokeIn(int locale, MemberId member, Access access, A
             // obj.List(2): the index goes into what the property holds.
             const Value held = TRY_RESULT(valueFromVariant(property.read(m_object)));
             if (!held.isArray() || arguments.size() != 1 || !arguments[0].isWhole())
-                return fault(kWrongArguments);
+                return fault(error::kWrongArguments);
             const auto& elements = held.asArray()->elements;
             const std::int32_t index = arguments[0].whole();
-            if (index < 0 || static_cast<std::size_t>(index) >= elements.size()) return fault(9);
+            if (index < 0 || static_cast<std::size_t>(index) >= elements.size())
+                return fault(error::kSubscript);
             return elements[static_cast<std::size_t>(index)];
         }
         return valueFromVariant(property.read(m_object));
     }
-    if (arguments.size() != 1) return fault(kWrongArguments);
-    if (!property.isWritable()) return fault(kNoSuchMember);
+    if (arguments.size() != 1) return fault(error::kWrongArguments);
+    if (!property.isWritable()) return fault(error::kNoSuchMember);
     const bool asItIs = property.metaType().id() == QMetaType::QVariant || property.isEnumType();
     const QVariant value = TRY_RESULT(asItIs ? variantFromValue(arguments[0])
                                              : converted(arguments[0], property.metaType(), locale));
-    if (!property.write(m_object, value)) return fault(kTypeMismatch);
+    if (!property.write(m_object, value)) return fault(error::kTypeMismatch);
     return Value();
 }
 
@@ -298,10 +296,10 @@ Result<Value> QtDispatch::call(int locale, const QByteArray& name, Arguments arg
         const bool called =
             method.invoke(m_object, Qt::DirectConnection, answer, generic[0], generic[1], generic[2],
                           generic[3], generic[4], generic[5], generic[6], generic[7], generic[8], generic[9]);
-        if (!called) return fault(kTypeMismatch);
+        if (!called) return fault(error::kTypeMismatch);
         return valueFromVariant(result);
     }
-    return fault(countFits ? kTypeMismatch : kWrongArguments);
+    return fault(countFits ? error::kTypeMismatch : error::kWrongArguments);
 }
 
 } // namespace script

@@ -215,7 +215,7 @@ private:
     void terminateCircles();
     void tearDown();
 
-    // Calls.cpp
+    // Frames.cpp
     Result<void> pushFrame(Function& function, std::size_t count, Value* result, Ref<Instance> me,
                            bool discards);
     Result<Value> runProgram(std::unique_ptr<Program> program);
@@ -226,6 +226,10 @@ private:
     bool beginTermination();
     void park();
     void spend(std::size_t steps);
+
+    // Calls.cpp
+    void finishCall(Value* result, Value value);
+    [[nodiscard]] Failed named(Failed failed, Symbol name) const;
     Result<void> callGlobal(Symbol name, std::size_t count, std::uint8_t flags);
     Result<void> callHost(Dispatch& host, Dispatch::MemberId member, Symbol name, std::size_t count,
                           std::uint8_t flags);
@@ -237,6 +241,13 @@ private:
     Result<void> callDispatch(Dispatch& object, Dispatch::MemberId id, std::size_t count, std::uint8_t flags,
                               Value* result);
     Result<void> callDefault(Dispatch& object, std::size_t count, std::uint8_t flags, Value* result);
+
+    // Members.cpp
+    std::u16string siteText(const MemberSite& site);
+    Result<Dispatch*> objectOf(const Value& value, const MemberSite& site);
+    Result<const ClassMember*> instanceMember(Instance& object, MemberSite& site);
+    Result<void> findMember(const Dispatch& object, MemberSite& site);
+    static Instance* knownInstance(const Value& holder, const MemberSite& site);
     Result<void> callMember(MemberSite& site, std::size_t count, std::uint8_t flags);
     Result<void> callInstance(Instance& object, const ClassMember& member, std::size_t count,
                               std::uint8_t flags, Value* result);
@@ -245,25 +256,20 @@ private:
                              std::uint8_t flags, Value* bottom);
     Result<void> putIndexed(Value& base, Symbol name, std::size_t count, std::uint8_t flags, Value* bottom);
     Result<void> putGlobal(Symbol name, std::size_t count, std::uint8_t flags, Value* bottom);
-    Result<void> findMember(const Dispatch& object, MemberSite& site);
-    void dropReferences(Value* arguments, std::size_t count);
-    Result<const ClassMember*> instanceMember(Instance& object, MemberSite& site);
-    Result<Dispatch*> objectOf(const Value& value, const MemberSite& site);
-    std::u16string siteText(const MemberSite& site);
-    void finishCall(Value* result, Value value);
-    Failed named(Failed failed, Symbol name) const;
 
     // Interpreter.cpp
     Result<Value> run();
-    Result<void> perform(const Instruction& at);
-    Result<void> performCall(const Instruction& at);
-    Result<void> performPut(const Instruction& at);
-    Result<void> performLoop(const Instruction& at);
     bool settle(Result<void>& outcome, std::size_t floor);
     Result<Value> endRun(Result<Value> result);
     Value leaveFunction();
     bool handle(Fault& fault, std::size_t floor);
     [[nodiscard]] Position positionOf(const Frame& frame) const;
+
+    // Perform.cpp
+    Result<void> perform(const Instruction& at);
+    Result<void> performCall(const Instruction& at);
+    Result<void> performPut(const Instruction& at);
+    Result<void> performLoop(const Instruction& at);
 
     // Variables.cpp
     Result<Value*> element(Array& array, const Value* indexes, std::size_t count);

@@ -27,6 +27,7 @@ inline constexpr int kUnknownLocale = 447;
 inline constexpr int kWrongArguments = 450;
 inline constexpr int kNotCollection = 451;
 inline constexpr int kKeyExists = 457;
+inline constexpr int kUnknownType = 458;
 inline constexpr int kUndefinedVariable = 500;
 inline constexpr int kIllegalAssignment = 501;
 inline constexpr int kUnqualifiedReference = 505;

@@ -2,6 +2,7 @@
 #include "script/vbscript/Engine.h"
 #include "script/vbscript/Errors.h"
 #include "script/vbscript/Operators.h"
+#include "script/vbscript/Reference.h"
 
 #include <cmath>
 
@@ -88,10 +89,7 @@ Result<Value*> Engine::element(Array& array, const Value* indexes, std::size_t c
 // kPreserve: the value as it is, whether object or not.
 Result<void> Engine::store(Value& target, Value value, std::uint8_t flags)
 {
-    if (value.isReference()) {
-        Value copy = value.resolved();
-        value = std::move(copy);
-    }
+    dereference(value);
     if ((flags & kPreserve) == 0) {
         if ((flags & kSet) != 0) {
             if (!value.isObject()) return fault(error::kObjectRequired, quoted(value));
