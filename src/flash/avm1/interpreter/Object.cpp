@@ -158,31 +158,6 @@ bool Object::remove(Vm& vm, Name name)
     return hasHooks() ? m_native->deleteOwn(vm, *this, name) : deletePlain(vm, name);
 }
 
-RootedNames Object::enumerate(Vm& vm)
-{
-    // The furthest prototype's names come first, the object's own last; but a name counts where it is met
-    // first on the way up.
-    RootedNames names(vm.heap());
-    std::vector<std::size_t> ends;
-    NameCollector collector(vm, names);
-    Object* object = this;
-    for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
-        if (object->hasHooks())
-            object->m_native->enumerateOwn(vm, *object, collector);
-        else
-            object->enumeratePlain(vm, collector);
-        ends.push_back(names.size());
-        object = object->listedPrototype(vm);
-    }
-    RootedNames ordered(vm.heap());
-    ordered->reserve(names.size());
-    for (std::size_t level = ends.size(); level-- > 0;) {
-        const std::size_t start = level == 0 ? 0 : ends[level - 1];
-        for (std::size_t i = start; i < ends[level]; ++i) ordered.push_back(names[i]);
-    }
-    return ordered;
-}
-
 Object::Found Object::find(Vm& vm, Name name, Caching& caching)
 {
     constexpr int kMaxChain = 16; // longer ones are not worth remembering
@@ -198,7 +173,7 @@ Object::Found Object::find(Vm& vm, Name name, Caching& caching)
         if (!shape->isCacheable()) return {};
         const std::uint32_t at = holder->findVisible(vm, name);
         if (at == Shape::kMissing) {
-            // __proto__ is no property of the bag.
+            // __proto__ is none of the own properties.
             if (!own.miss || name.matches(vm.common().proto, vm.isCaseSensitive())) return {};
             shape->noteCachedMiss();
             Object* next = holder->prototype(vm);
@@ -232,7 +207,7 @@ void Object::putIndex(Vm& vm, std::uint32_t index, Value value)
     put(vm, vm.names().fromIndex(index), value);
 }
 
-// ---- the bag ---------------------------------------------------------------------------------------------
+// ---- own properties --------------------------------------------------------------------------------------
 
 std::uint32_t Object::findVisible(const Vm& vm, Name name) const
 {
@@ -341,87 +316,6 @@ bool Object::deletePlain(Vm& vm, Name name)
     return true;
 }
 
-void Object::enumeratePlain(Vm& vm, NameCollector& names) const
-{
-    // The latest comes first.
-    const std::vector<Shape::Property>& properties = m_shape->properties();
-    for (std::size_t i = properties.size(); i-- > 0;) {
-        if (!properties[i].name.isNull()) names.add(properties[i].name, properties[i].flags);
-    }
-    if (m_protoIsSet) names.add(vm.common().proto, m_protoFlags);
-}
-
-void Object::define(Vm& vm, Name name, Value value, std::uint16_t flags)
-{
-    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
-    if (at == Shape::kMissing) {
-        if (name == vm.common().proto) {
-            setProto(vm, value);
-            setProtoFlags(vm, flags);
-            return;
-        }
-        return addProperty(vm, name, value, flags);
-    }
-    if (m_shape->properties()[at].flags != flags) changeFlagsAt(vm, at, flags);
-    m_slots[m_shape->properties()[at].slot] = value;
-}
-
-void Object::define(Vm& vm, std::string_view name, Value value, std::uint16_t flags)
-{
-    define(vm, vm.name(name), value, flags);
-}
-
-void Object::defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags)
-{
-    if (name.arrayIndex() != Atom::kNotIndex) vm.noteIndexedAccessor();
-    Value before;
-    // An element with a getter is an element no longer.
-    if (m_exotic == Exotic::Array) before = static_cast<ArrayNative*>(m_native)->takeElement(name);
-    if (const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive()); at != Shape::kMissing) {
-        before = m_slots[m_shape->properties()[at].slot];
-        if ((m_shape->properties()[at].flags & kAccessor) != 0)
-            before = reinterpret_cast<Accessor*>(before.object())->value;
-    }
-    auto* accessor = vm.heap().make<Accessor>(getter, setter, before);
-    // Boxed as an object so that tracing finds it; the flag keeps scripts from ever seeing it.
-    const Value boxed(reinterpret_cast<Object*>(static_cast<Cell*>(accessor)));
-    const auto all = static_cast<std::uint16_t>(flags | kAccessor);
-    // A `__proto__` with a getter is a property like others, beside the real one.
-    if (name == vm.common().proto && m_shape->find(name, vm.isCaseSensitive()) == Shape::kMissing)
-        return addProperty(vm, name, boxed, all);
-    define(vm, name, boxed, all);
-}
-
-std::uint16_t Object::flagsOf(const Vm& vm, Name name) const
-{
-    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
-    return at == Shape::kMissing ? 0
-                                 : static_cast<std::uint16_t>(m_shape->properties()[at].flags & ~kAccessor);
-}
-
-void Object::changeFlagsAt(Vm& vm, std::uint32_t at, std::uint16_t flags)
-{
-    becomeUnshared(vm);
-    m_shape->setFlags(at, flags);
-    noteShapeChange(vm, Shape::Change::Altered);
-}
-
-void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear)
-{
-    const auto changed = [&](std::uint16_t flags) {
-        return static_cast<std::uint16_t>((flags & ~clear) | set | (flags & kAccessor));
-    };
-    for (std::uint32_t at = 0; at < m_shape->properties().size(); ++at) {
-        const Shape::Property property = m_shape->properties()[at];
-        if (property.name.isNull()) continue;
-        if (!name.isNull() && !property.name.matches(name, vm.isCaseSensitive())) continue;
-        if (changed(property.flags) != property.flags) changeFlagsAt(vm, at, changed(property.flags));
-    }
-    if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
-        setProtoFlags(vm, changed(m_protoFlags));
-    if (hasHooks()) m_native->changeFlags(vm, name, set, clear);
-}
-
 void Object::addProperty(Vm& vm, Name name, Value value, std::uint16_t flags)
 {
     if (m_shape->isShared() && m_shape->properties().size() >= Shape::kMaxShared) becomeUnshared(vm);
@@ -525,80 +419,6 @@ std::string_view Object::typeOf() const
     if (m_native != nullptr) return m_native->typeOf();
     return m_isFunction ? "function" : "object";
 }
-
-// ---- watches and interfaces ------------------------------------------------------------------------------
-
-Object::Extras& Object::extras()
-{
-    if (m_extras == nullptr) m_extras = std::make_unique<Extras>();
-    return *m_extras;
-}
-
-void Object::watch(Name name, Object* callback, Value userData)
-{
-    for (Watch& watch : extras().watches) {
-        if (watch.name == name) {
-            watch.callback = callback;
-            watch.userData = userData;
-            return;
-        }
-    }
-    extras().watches.push_back({name, callback, userData, 0});
-}
-
-bool Object::unwatch(Vm& vm, Name name)
-{
-    if (m_extras == nullptr) return false;
-    // A property with a getter keeps its watch for good.
-    const std::uint32_t at = m_shape->find(name, vm.isCaseSensitive());
-    if (at != Shape::kMissing && (m_shape->properties()[at].flags & kAccessor) != 0) return false;
-    return std::erase_if(m_extras->watches, [&](const Watch& watch) {
-               return watch.name.matches(name, vm.isCaseSensitive());
-           }) > 0;
-}
-
-bool Object::callWatch(Vm& vm, Name name, Value& value)
-{
-    const auto find = [&]() -> Watch* {
-        for (Watch& watch : m_extras->watches) {
-            if (watch.name.matches(name, vm.isCaseSensitive())) return &watch;
-        }
-        return nullptr;
-    };
-    Watch* watch = find();
-    // From version 7 on a callback that sets what it watches is called again, as deep as setters may nest.
-    if (watch == nullptr || (watch->running && vm.version() < 7)) return true;
-    // The old value is what was last put there: a getter is not asked.
-    Value old;
-    Object* holder = nullptr;
-    const std::uint32_t at = findVisible(vm, name);
-    bool isOwn = at != Shape::kMissing;
-    if (isOwn) {
-        const Shape::Property& property = m_shape->properties()[at];
-        old = m_slots[property.slot];
-        if ((property.flags & kAccessor) != 0) old = reinterpret_cast<Accessor*>(old.object())->value;
-    } else if (const Accessor* accessor = inheritedAccessor(vm, name, holder)) {
-        old = accessor->value;
-    } else if (Object* above = prototype(vm);
-               above != nullptr && above->find(vm, name, old, this) && !vm.isUnwinding()) {
-        // Data further up counts as the old value.
-    } else if (!hasHooks() && !name.matches(vm.common().proto, vm.isCaseSensitive())) {
-        addProperty(vm, name, {}, 0);
-        isOwn = true;
-    }
-    if (watch->running >= Vm::kMaxNestedAccessors) {
-        value = Value();
-        return !isOwn || hasPlain(vm, name);
-    }
-    ++watch->running;
-    const Value args[] = {Value(name.string()), old, value, watch->userData};
-    value = vm.callWatcher(watch->callback, this, args, this);
-    // The callback may have added or removed watches, and taken the property away.
-    if (Watch* still = find(); still != nullptr && still->running > 0) --still->running;
-    return !isOwn || hasPlain(vm, name);
-}
-
-void Object::addInterface(Object* prototype) { extras().interfaces.push_back(prototype); }
 
 void Object::trace(Tracer& tracer)
 {
