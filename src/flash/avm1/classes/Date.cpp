@@ -152,10 +152,10 @@ Value set(Call& call)
     DateNative* date = call.native<DateNative>();
     if (date == nullptr) return {};
     if (call.count() == 0) return Value(date->timeMs = kNaN);
-    constexpr std::size_t kMonth = 1, kDay = 2;
-    if (first == kDay && (std::isnan(date->timeMs) || call.arg(0).isUndefined())) {
-        // A day needs a month to lie in.
-        numberArgument(call, 0);
+    constexpr std::size_t kYear = 0, kMonth = 1, kDay = 2;
+    if ((first != kYear && std::isnan(date->timeMs)) || (first == kDay && call.arg(0).isUndefined())) {
+        // Only a full year makes a date of what is none; a day needs a month to lie in.
+        for (std::size_t i = 0; i < count && i < call.count(); ++i) numberArgument(call, i);
         return Value(date->timeMs = kNaN);
     }
     DateParts parts = std::isfinite(date->timeMs) ? partsOf(*date, zone) : DateParts{};
@@ -175,7 +175,7 @@ Value setYear(Call& call)
     DateParts parts = std::isfinite(date->timeMs) ? partsOf(*date, Zone::Local) : DateParts{};
     fillParts(call, parts, std::span<const Part>(kYearOn).first(3));
     // Two digits are of the last century; here years before the first stay what they are.
-    // A date that is none stays so; the other setters make one of it.
+    // A date that is none stays so.
     if (std::isnan(date->timeMs)) return Value(kNaN);
     if (call.count() > 0 && (call.arg(0).isUndefined() || !std::isfinite(parts.year)))
         parts.year = 0;
