@@ -12,4 +12,5 @@ trace(new Date(-1).getUTCHours() + " " + new Date(-1).getUTCMilliseconds());
 trace(new Date(0).setYear(-271823));
 trace(new Date(0).setYear(NaN) + " " + new Date(0).setYear(undefined) + " " + new Date(0).setYear(0));
 trace(new Date(NaN).setYear(1983) + " " + new Date(NaN).setFullYear(1983));
+trace(new Date(0).setMonth(3000000000) + " " + new Date(0).setDate(100000000) + " " + new Date(0).setDate(200000000));
 fscommand("quit");

@@ -140,7 +140,8 @@ Value getTimezoneOffset(Call& call)
 Value store(DateNative& date, const DateParts& parts, Zone zone)
 {
     double time = timeFromParts(parts);
-    if (!std::isfinite(time)) time = kNaN;
+    constexpr double kFurthestMs = 8.64e15;
+    if (!(std::fabs(time) <= kFurthestMs)) time = kNaN;
     date.timeMs = zone == Zone::Local ? utcFromLocal(time) : time;
     return Value(date.timeMs);
 }
@@ -181,9 +182,6 @@ Value setYear(Call& call)
         parts.year = 0;
     else if (parts.year >= 0)
         parts.year = fullYear(parts.year);
-    // Here alone it matters how far from 1970 a time is.
-    constexpr double kFurthestMs = 8.64e15;
-    if (std::fabs(timeFromParts(parts)) > kFurthestMs) parts.year = kNaN;
     return store(*date, parts, Zone::Local);
 }
 
