@@ -131,8 +131,9 @@ public:
     bool loadMovie(const QString& url)
     {
         using State = control::MoviePort::Loading::State;
-        // A process that ends by itself before it has seen the movie gets one more chance.
-        for (int attempt = 0; attempt < 2; ++attempt) {
+        // One that ends, or does not answer, before it has seen the movie is replaced: twice, as the spare
+        // one may be stopped and the next one be killed.
+        for (int attempt = 0; attempt < 3; ++attempt) {
             auto process = processes->take();
             if (process == nullptr) break;
             auto before = std::move(port);
