@@ -3,6 +3,7 @@
 #include "flash/avm1/interpreter/Object.h"
 #include "flash/swf/Movie.h"
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <span>
@@ -150,7 +151,9 @@ private:
     std::vector<std::unique_ptr<FunctionCode>> m_functions;
     std::vector<TryHead> m_tries;
     std::vector<std::unique_ptr<ConstantPool>> m_pools;
-    std::vector<InlineCache> m_caches;
+    // Whoever fills one may call a script that jumps on in this very code, which adds others: they stay in
+    // place.
+    std::deque<InlineCache> m_caches;
     Body m_body;
 };
 
