@@ -18,8 +18,7 @@ Value refuse(Call&) { return Value(false); }
 Value none(Call&) { return Value::null(); }
 Value noNames(Call& call) { return call.vm.newArray(); }
 
-// ---- XMLSocket
-// ---------------------------------------------------------------------------------------------
+// ---- XMLSocket ---------------------------------------------------------------------------------------
 
 /// There is no network: the attempt is made, and the answer comes later, as with a server that is down.
 Value connectSocket(Call& call)
@@ -94,8 +93,7 @@ Value methodNumber(Call& call)
 }
 constexpr LibraryFunction kClipMembers[] = {{"meth", Written::Script, kHidden, &methodNumber}};
 
-// ---- flash.net
-// ---------------------------------------------------------------------------------------------
+// ---- flash.net ---------------------------------------------------------------------------------------
 
 // Nothing is known of a file before the user has chosen one.
 constexpr AccessorInfo kFileFacts[] = {
@@ -158,8 +156,7 @@ constexpr LibraryFunction kFileListMembers[] = {
 };
 // clang-format on
 
-// ---- flash.external.ExternalInterface
-// ----------------------------------------------------------------------
+// ---- flash.external.ExternalInterface ----------------------------------------------------------------
 
 struct Entity {
     char16_t unit;

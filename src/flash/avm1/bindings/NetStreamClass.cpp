@@ -57,8 +57,7 @@ Value getConnected(Call& call)
 
 Value nothing(Call&) { return {}; }
 
-// ---- NetStream
-// ---------------------------------------------------------------------------------------------
+// ---- NetStream ---------------------------------------------------------------------------------------
 
 Value constructStream(Call& call)
 {
@@ -142,8 +141,7 @@ Value getCurrentFps(Call&, NetStream& stream)
 }
 Value getLiveDelay(Call&, NetStream&) { return Value(0); }
 
-// ---- Video
-// -------------------------------------------------------------------------------------------------
+// ---- Video -------------------------------------------------------------------------------------------
 
 stage::VideoNode* selfVideo(Call& call)
 {

@@ -292,8 +292,7 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
     }
 }
 
-// ---- timeline
-// ---------------------------------------------------------------------------------------------
+// ---- timeline ----------------------------------------------------------------------------------------
 
 void StageBinding::gotoFrame(Object* object, int frame, bool play)
 {
@@ -361,8 +360,7 @@ void StageBinding::callFrame(Object* object, int frame)
         m_vm->run(movie, block, movie->header.version, object);
 }
 
-// ---- things
-// -----------------------------------------------------------------------------------------------
+// ---- things ------------------------------------------------------------------------------------------
 
 void StageBinding::stopAllSounds() { m_services.sound.stopAll(); }
 
