@@ -1,0 +1,272 @@
+#include "flash/render/Bounds.h"
+#include "flash/render/CanvasImpl.h"
+#include "flash/render/Compose.h"
+#include "flash/render/Pixel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+// What is drawn, onto whatever is open at the moment.
+namespace flash::render
+{
+namespace
+{
+
+Coverage coverageOf(Quality quality)
+{
+    switch (quality) {
+    case Quality::Low: return Coverage::Sampled;
+    case Quality::Medium: return Coverage::Grid2;
+    case Quality::High: return Coverage::Grid4;
+    case Quality::Best: return Coverage::Exact;
+    }
+    return Coverage::Exact;
+}
+
+FillRule fillRuleOf(const swf::Shape& shape)
+{
+    return shape.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
+}
+
+swf::Matrix withoutTranslation(swf::Matrix m)
+{
+    m.tx = m.ty = 0;
+    return m;
+}
+
+bool hasHintedLines(const swf::Shape& shape)
+{
+    return std::ranges::any_of(shape.layers, [](const swf::ShapeLayer& layer) {
+        return std::ranges::any_of(layer.lines, &swf::LineStyle::pixelHinting);
+    });
+}
+
+bool hasLines(const FlatShape& flat)
+{
+    return std::ranges::any_of(flat.layers, [](const FlatLayer& layer) { return !layer.strokes.empty(); });
+}
+
+// @param toDevice its translation may be missing, unless lines are hinted
+StrokedShape outlineStrokes(const swf::Shape& shape, const FlatShape& flat, const swf::Matrix& toDevice,
+                            double pixelScale)
+{
+    StrokedShape result;
+    std::vector<StrokePoint> path;
+    for (std::size_t i = 0; i < flat.layers.size(); ++i) {
+        const FlatLayer& layer = flat.layers[i];
+        for (const FlatStroke& stroke : layer.strokes) {
+            const swf::LineStyle& style = shape.layers[i].lines[stroke.line - 1U];
+            if (result.lines.empty() || result.lines.back().layer != i ||
+                result.lines.back().line != stroke.line)
+                result.lines.push_back({i, stroke.line, {}});
+            double width = strokeWidth(style, toDevice, pixelScale);
+            path.assign(layer.strokePoints.begin() + stroke.first,
+                        layer.strokePoints.begin() + stroke.first + stroke.count);
+            for (StrokePoint& point : path) {
+                const swf::Point at = toDevice.map(point.at.x, point.at.y);
+                point.at = {static_cast<float>(at.x), static_cast<float>(at.y)};
+            }
+            if (style.pixelHinting) {
+                width = std::max(std::round(width), 1.0);
+                hintStroke(path, width);
+            }
+            addStroke(result.lines.back().outline, path, style, width);
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+Destination Canvas::Impl::destination()
+{
+    Destination to;
+    to.coverage = coverageOf(m_quality);
+    to.clip = clip();
+    const Mask* mask = currentMask();
+    if (mask != nullptr && !mask->isRectangle()) to.mask = mask;
+    to.target = m_target;
+    if (Frame* frame = receiver()) {
+        if (frame->kind == Frame::Kind::Mask)
+            to.building = &frame->mask;
+        else
+            to.target = {frame->surface.view(), frame->bounds.left, frame->bounds.top};
+    }
+    return to;
+}
+
+Smoothing Canvas::Impl::smoothingOf(bool wanted) const
+{
+    switch (m_quality) {
+    case Quality::Low:
+    case Quality::Medium: return Smoothing::Off;
+    case Quality::High: return wanted ? Smoothing::On : Smoothing::Off;
+    case Quality::Best: return Smoothing::On;
+    }
+    return Smoothing::Off;
+}
+
+StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
+                                    const swf::ColorTransform& color) const
+{
+    StylePaint style;
+    switch (fill.kind) {
+    case swf::FillStyle::Kind::Solid: style.color = premultiply(apply(color, fill.color)); break;
+    case swf::FillStyle::Kind::LinearGradient:
+    case swf::FillStyle::Kind::RadialGradient:
+    case swf::FillStyle::Kind::FocalGradient: {
+        const GradientRamp ramp = makeRamp(fill.gradient, color);
+        style.paint =
+            makeGradientPaint(fill.kind, fill.gradient, ramp, toDevice * fill.matrix,
+                              m_quality == Quality::Low ? GradientSample::Centre : GradientSample::Corner);
+        // Squeezed to nothing, all that is seen lies beyond the end.
+        if (style.paint == nullptr) style.color = ramp.back();
+        break;
+    }
+    case swf::FillStyle::Kind::Bitmap:
+        if (fill.bitmap == nullptr) break;
+        style.paint =
+            makeBitmapPaint(pixelSource(*fill.bitmap), toDevice * fill.matrix,
+                            fill.repeat ? Edges::Repeat : Edges::Clamp, smoothingOf(fill.smooth), color);
+        break;
+    }
+    return style;
+}
+
+void Canvas::Impl::setSingleStyle(StylePaint paint)
+{
+    m_drawer.styles().clear();
+    m_drawer.styles().push_back(std::move(paint));
+}
+
+void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<const swf::Shape>* owner,
+                             const swf::Matrix& toDevice, const swf::ColorTransform& color)
+{
+    if (!isUsable(toDevice)) return;
+    const Destination to = destination();
+    if (to.clip.isEmpty()) return;
+    const int step = scaleStep(toDevice);
+    const std::shared_ptr<const FlatShape> flat =
+        owner != nullptr ? m_cache.impl().flatShape(*owner, step)
+                         : std::make_shared<const FlatShape>(flatten(shape, step));
+
+    // Lines do not count in masks.
+    std::shared_ptr<const StrokedShape> strokes;
+    swf::Point offset;
+    if (to.building == nullptr && hasLines(*flat)) {
+        const bool keep = owner != nullptr && !hasHintedLines(shape);
+        const swf::Matrix matrix = keep ? withoutTranslation(toDevice) : toDevice;
+        if (keep) {
+            offset = {toDevice.tx, toDevice.ty};
+            strokes = m_cache.impl().findStrokes(*owner, matrix, m_pixelScale);
+        }
+        if (strokes == nullptr) {
+            strokes =
+                std::make_shared<const StrokedShape>(outlineStrokes(shape, *flat, matrix, m_pixelScale));
+            if (keep) m_cache.impl().keepStrokes(*owner, matrix, m_pixelScale, strokes);
+        }
+    }
+
+    for (std::size_t i = 0; i < flat->layers.size(); ++i) {
+        const swf::ShapeLayer& layer = shape.layers[i];
+        if (!flat->layers[i].runs.empty()) {
+            std::vector<StylePaint>& styles = m_drawer.styles();
+            styles.clear();
+            for (const swf::FillStyle& fill : layer.fills)
+                styles.push_back(to.building != nullptr ? StylePaint{} : stylePaint(fill, toDevice, color));
+            m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(shape));
+        }
+        if (strokes != nullptr) drawStrokes(to, shape, *strokes, i, offset, toDevice, color);
+    }
+}
+
+void Canvas::Impl::drawStrokes(const Destination& to, const swf::Shape& shape, const StrokedShape& strokes,
+                               std::size_t layer, swf::Point offset, const swf::Matrix& toDevice,
+                               const swf::ColorTransform& color)
+{
+    for (const StrokedLine& line : strokes.lines) {
+        if (line.layer != layer) continue;
+        const swf::LineStyle& style = shape.layers[layer].lines[line.line - 1U];
+        setSingleStyle(style.fill ? stylePaint(*style.fill, toDevice, color)
+                                  : StylePaint{premultiply(apply(color, style.color)), nullptr});
+        m_drawer.stroke(to, line.outline, offset);
+    }
+}
+
+void Canvas::Impl::drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba color)
+{
+    Destination to = destination();
+    // The details of letters are finer than any grid.
+    if (to.coverage != Coverage::Sampled) to.coverage = Coverage::Exact;
+    const std::uint32_t pixel = premultiply(color);
+    setSingleStyle({pixel, nullptr});
+    for (const GlyphPlacement& glyph : glyphs) {
+        if (glyph.outline == nullptr || !isUsable(glyph.toDevice)) continue;
+        if (to.coverage == Coverage::Exact && to.building == nullptr && layLetter(to, glyph, pixel)) continue;
+        const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(glyph.toDevice));
+        for (const FlatLayer& layer : flat->layers)
+            m_drawer.silhouette(to, layer, glyph.toDevice, fillRuleOf(*glyph.outline));
+    }
+}
+
+// Letters come again and again: the coverage of those of usual size is kept for each place within a pixel.
+bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph, std::uint32_t pixel)
+{
+    constexpr double kFar = 1e6;
+    swf::Matrix near = glyph.toDevice;
+    if (!(std::abs(near.tx) < kFar && std::abs(near.ty) < kFar)) return false;
+    const auto split = [](double& v) {
+        const double steps = std::nearbyint(v * kSubpixels), whole = std::floor(steps / kSubpixels);
+        v = steps / kSubpixels - whole;
+        return static_cast<int>(whole);
+    };
+    const int x = split(near.tx), y = split(near.ty);
+    std::shared_ptr<const Mask> letter = m_cache.impl().findLetter(glyph.outline, near);
+    if (letter == nullptr) {
+        constexpr int kLargest = 64;
+        const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(near));
+        IntRect bounds;
+        for (const FlatLayer& layer : flat->layers)
+            if (!layer.points.empty())
+                bounds = unite(
+                    bounds, boundsOf(near, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y));
+        if (bounds.width() > kLargest || bounds.height() > kLargest) return false;
+        Mask made = emptyMask(bounds);
+        Destination into;
+        into.clip = bounds;
+        into.building = &made;
+        for (const FlatLayer& layer : flat->layers)
+            m_drawer.silhouette(into, layer, near, fillRuleOf(*glyph.outline));
+        letter = std::make_shared<const Mask>(std::move(made));
+        m_cache.impl().keepLetter(glyph.outline, near, letter);
+    }
+    const IntRect& at = letter->bounds;
+    const IntRect area = intersect(to.clip, {at.left + x, at.top + y, at.right + x, at.bottom + y});
+    const auto count = static_cast<std::size_t>(area.width());
+    for (int row = area.top; row < area.bottom; ++row) {
+        const std::uint8_t* coverage = letter->at(area.left - x, row - y);
+        if (to.mask != nullptr) {
+            m_letterRow.assign(coverage, coverage + count);
+            scaleCoverage(m_letterRow.data(), to.mask->at(area.left, row), count);
+            coverage = m_letterRow.data();
+        }
+        composeSolid(to.target.at(area.left, row), coverage, count, pixel);
+    }
+    return true;
+}
+
+void Canvas::Impl::drawPixels(const PixelSource& source, const swf::Matrix& toDevice,
+                              const swf::ColorTransform& color, Smoothing smoothing)
+{
+    if (source.pixels == nullptr || !isUsable(toDevice)) return;
+    std::unique_ptr<Paint> paint =
+        makeBitmapPaint(source, toDevice, Edges::Clamp, smoothingOf(smoothing == Smoothing::On), color);
+    if (paint == nullptr) return;
+    setSingleStyle({0, std::move(paint)});
+    const double w = source.width, h = source.height;
+    const std::array corners{toDevice.map(0, 0), toDevice.map(w, 0), toDevice.map(w, h), toDevice.map(0, h)};
+    m_drawer.polygon(destination(), corners);
+}
+
+} // namespace flash::render

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "flash/render/Canvas.h"
+#include "flash/render/Mask.h"
+#include "flash/render/OutlineDrawer.h"
+#include "flash/render/Paint.h"
+#include "flash/render/RenderCacheImpl.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace flash::render
+{
+
+// What has been begun and not yet ended.
+struct CanvasFrame {
+    enum class Kind {
+        Layer,     // draws go to `surface`
+        Mask,      // draws go to `mask`
+        AlphaMask, // draws go to `surface`, whose alpha becomes a mask
+        Ignored,   // a layer within a mask: its content counts, its blending does not
+    };
+    Kind kind = Kind::Layer;
+    IntRect bounds; // device pixels of surface or mask
+    Surface surface;
+    Mask mask;
+    IntRect clipBefore;
+    std::size_t firstMaskBefore = 0;
+};
+
+/// What a canvas is made of: what it draws with, and the masks and layers that are open.
+class Canvas::Impl
+{
+public:
+    using Frame = CanvasFrame;
+
+    Impl(SurfaceView target, Quality quality, RenderCache& cache);
+
+    [[nodiscard]] IntRect clip() const
+    {
+        const Mask* mask = currentMask();
+        return mask == nullptr ? m_clip : intersect(m_clip, mask->bounds);
+    }
+
+    void drawShape(const swf::Shape& shape, const std::shared_ptr<const swf::Shape>* owner,
+                   const swf::Matrix& toDevice, const swf::ColorTransform& color);
+    void drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba color);
+    void drawPixels(const PixelSource& source, const swf::Matrix& toDevice, const swf::ColorTransform& color,
+                    Smoothing smoothing);
+    void fillPolygon(std::span<const swf::Point> corners, swf::Rgba color);
+    void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color, LastCorner corner);
+    void invertRect(const IntRect& rect);
+    void fillDeviceRect(const IntRect& rect, swf::Rgba color);
+    /// Nothing unless the rectangle is upright on the device.
+    [[nodiscard]] static std::optional<IntRect> snappedBox(const swf::Rect& twips, const swf::Matrix& m);
+    [[nodiscard]] bool buildsMask()
+    {
+        const Frame* frame = receiver();
+        return frame != nullptr && frame->kind == Frame::Kind::Mask;
+    }
+
+    void beginMask(MaskKind kind);
+    void endMask();
+    void popMask();
+    void beginLayer(const IntRect& deviceBounds, std::span<const swf::Filter> filters);
+    void endLayer(swf::BlendMode blend, const swf::ColorTransform& color,
+                  std::span<const swf::Filter> filters);
+
+    Target m_target;
+    Quality m_quality;
+    RenderCache& m_cache;
+    IntRect m_clip;
+    double m_pixelScale = 1;
+    bool m_isStage = false; // see Canvas::clear()
+
+private:
+    [[nodiscard]] const Mask* currentMask() const
+    {
+        return m_masks.size() > m_firstMask ? &m_masks.back() : nullptr;
+    }
+    // The innermost frame that takes what is drawn; null for the surface itself.
+    [[nodiscard]] Frame* receiver()
+    {
+        for (auto frame = m_frames.rbegin(); frame != m_frames.rend(); ++frame)
+            if (frame->kind != Frame::Kind::Ignored) return &*frame;
+        return nullptr;
+    }
+    Destination destination();
+    StylePaint stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
+                          const swf::ColorTransform& color) const;
+    [[nodiscard]] Smoothing smoothingOf(bool wanted) const;
+    void drawStrokes(const Destination& to, const swf::Shape& shape, const StrokedShape& strokes,
+                     std::size_t layer, swf::Point offset, const swf::Matrix& toDevice,
+                     const swf::ColorTransform& color);
+    bool layLetter(const Destination& to, const GlyphPlacement& glyph, std::uint32_t pixel);
+    void setSingleStyle(StylePaint paint);
+    void pushFrame(Frame::Kind kind, const IntRect& bounds);
+    Frame popFrame();
+    void finishMask(Mask mask);
+
+    OutlineDrawer& m_drawer;
+    std::vector<Frame> m_frames;
+    std::vector<Mask> m_masks; // each already cut by those before it
+    std::vector<std::uint8_t> m_letterRow;
+    std::size_t m_firstMask = 0; // masks before this one apply to the layer as a whole
+};
+
+} // namespace flash::render

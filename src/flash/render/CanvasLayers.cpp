@@ -1,0 +1,112 @@
+#include "flash/render/BlendModes.h"
+#include "flash/render/Bounds.h"
+#include "flash/render/CanvasImpl.h"
+#include "flash/render/Compose.h"
+#include "flash/render/Filters.h"
+#include "flash/render/Pixel.h"
+
+#include <algorithm>
+#include <cassert>
+
+// Masks and layers: what is open, and what becomes of it when it ends.
+namespace flash::render
+{
+
+Canvas::Impl::Impl(SurfaceView target, Quality quality, RenderCache& cache)
+    : m_target{target, 0, 0}, m_quality(quality), m_cache(cache), m_clip(target.bounds()),
+      m_drawer(cache.impl().drawer())
+{
+}
+
+void Canvas::Impl::pushFrame(Frame::Kind kind, const IntRect& bounds)
+{
+    Frame frame;
+    frame.kind = kind;
+    frame.bounds = bounds;
+    frame.clipBefore = m_clip;
+    frame.firstMaskBefore = m_firstMask;
+    switch (kind) {
+    case Frame::Kind::Layer:
+    case Frame::Kind::AlphaMask: frame.surface = Surface(bounds.width(), bounds.height()); break;
+    case Frame::Kind::Mask: frame.mask = emptyMask(bounds); break;
+    case Frame::Kind::Ignored: break;
+    }
+    m_frames.push_back(std::move(frame));
+    if (kind == Frame::Kind::Ignored) return;
+    m_clip = bounds;
+    m_firstMask = m_masks.size();
+}
+
+CanvasFrame Canvas::Impl::popFrame()
+{
+    Frame frame = std::move(m_frames.back());
+    m_frames.pop_back();
+    assert(frame.kind == Frame::Kind::Ignored || m_masks.size() == m_firstMask);
+    m_clip = frame.clipBefore;
+    m_firstMask = frame.firstMaskBefore;
+    return frame;
+}
+
+void Canvas::Impl::beginMask(MaskKind kind)
+{
+    pushFrame(kind == MaskKind::Alpha ? Frame::Kind::AlphaMask : Frame::Kind::Mask, clip());
+}
+
+void Canvas::Impl::endMask()
+{
+    assert(!m_frames.empty());
+    Frame frame = popFrame();
+    if (frame.kind == Frame::Kind::AlphaMask) {
+        frame.mask = emptyMask(frame.bounds);
+        for (int y = frame.bounds.top; y < frame.bounds.bottom; ++y) {
+            const std::uint32_t* from = frame.surface.row(y - frame.bounds.top);
+            std::transform(from, from + frame.bounds.width(), frame.mask.at(frame.bounds.left, y),
+                           [](std::uint32_t pixel) { return static_cast<std::uint8_t>(alphaOf(pixel)); });
+        }
+    }
+    simplifyMask(frame.mask);
+    if (const Mask* outer = currentMask()) intersectMask(frame.mask, *outer);
+    m_masks.push_back(std::move(frame.mask));
+}
+
+void Canvas::Impl::popMask()
+{
+    assert(m_masks.size() > m_firstMask);
+    m_masks.pop_back();
+}
+
+void Canvas::Impl::beginLayer(const IntRect& deviceBounds, std::span<const swf::Filter> filters)
+{
+    if (const Frame* frame = receiver(); frame != nullptr && frame->kind == Frame::Kind::Mask) {
+        pushFrame(Frame::Kind::Ignored, {});
+        return;
+    }
+    const Growth growth = filterGrowth(filters, m_pixelScale);
+    // What lies outside the clip is needed as far as the filters carry it inside.
+    const Growth reach{growth.right, growth.bottom, growth.left, growth.top};
+    IntRect bounds = intersect(grown(deviceBounds, growth), grown(grown(clip(), reach), growth));
+    if (1LL * bounds.width() * bounds.height() > kMaxLayerPixels) bounds = {};
+    pushFrame(Frame::Kind::Layer, bounds);
+}
+
+void Canvas::Impl::endLayer(swf::BlendMode blend, const swf::ColorTransform& color,
+                            std::span<const swf::Filter> filters)
+{
+    assert(!m_frames.empty());
+    Frame frame = popFrame();
+    if (frame.kind != Frame::Kind::Layer || frame.bounds.isEmpty()) return;
+    const bool actsOnAlpha = blend == swf::BlendMode::Alpha || blend == swf::BlendMode::Erase;
+    if (actsOnAlpha && m_isStage && receiver() == nullptr) return;
+    applyFilters(filters, frame.surface.view(), m_pixelScale);
+    const Destination to = destination();
+    const IntRect area = intersect(to.clip, frame.bounds);
+    for (int y = area.top; y < area.bottom; ++y) {
+        std::uint32_t* from = frame.surface.row(y - frame.bounds.top) + (area.left - frame.bounds.left);
+        const auto count = static_cast<std::size_t>(area.width());
+        if (!color.isIdentity()) transformPixels(from, count, color);
+        blendRow(blend, to.target.at(area.left, y), from,
+                 to.mask == nullptr ? nullptr : to.mask->at(area.left, y), count);
+    }
+}
+
+} // namespace flash::render
