@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace base
 {
@@ -44,7 +45,6 @@ public:
         if (m_number >= 0) ::close(m_number);
     }
     [[nodiscard]] int number() const { return m_number; }
-    [[nodiscard]] int release() { return std::exchange(m_number, -1); }
 
 private:
     int m_number;
@@ -141,35 +141,52 @@ Result<std::vector<std::uint8_t>> readFile(const std::filesystem::path& path, st
     return content;
 }
 
-Result<void> replaceFile(const std::filesystem::path& target, std::span<const Bytes> parts)
+Result<PendingFile> PendingFile::create(const std::filesystem::path& target)
 {
     std::string temporary = target.string();
     temporary.append(kTemporaryMark).append(kRandom, 'X').append(kTemporaryEnd);
-    Descriptor file(::mkostemps(temporary.data(), static_cast<int>(kTemporaryEnd.size()), O_CLOEXEC));
-    if (file.number() < 0) return systemError(target);
-    (void)lock(file.number(), F_WRLCK); // until it is closed: nobody sweeps it
+    const int file = ::mkostemps(temporary.data(), static_cast<int>(kTemporaryEnd.size()), O_CLOEXEC);
+    if (file < 0) return systemError(target);
+    (void)lock(file, F_WRLCK); // until it is closed: nobody sweeps it
+    return PendingFile(target, std::move(temporary), file);
+}
 
-    const auto giveUp = [&]() -> tl::unexpected<Error> {
-        auto error = systemError(target);
-        ::unlink(temporary.c_str());
-        return error;
-    };
+PendingFile::PendingFile(PendingFile&& other) noexcept
+    : m_target(std::move(other.m_target)), m_temporary(std::exchange(other.m_temporary, {})),
+      m_descriptor(std::exchange(other.m_descriptor, -1))
+{
+}
+
+PendingFile::~PendingFile()
+{
+    if (m_descriptor >= 0) ::close(m_descriptor);
+    if (!m_temporary.empty()) ::unlink(m_temporary.c_str());
+}
+
+Result<void> PendingFile::write(Bytes bytes)
+{
+    if (!writeAll(m_descriptor, bytes)) return systemError(m_target);
+    return {};
+}
+
+Result<void> PendingFile::commit()
+{
     struct stat status {
     };
-    mode_t mode = 0;
-    if (::stat(target.c_str(), &status) == 0) {
-        mode = status.st_mode & 07777;
-    } else {
-        // There is no way to read the mask but to set it; 022 is what nearly every desktop has.
-        mode = 0644;
-    }
-    for (const Bytes part : parts)
-        if (!writeAll(file.number(), part)) return giveUp();
-    if (::fchmod(file.number(), mode) != 0) return giveUp();
-    if (::fsync(file.number()) != 0) return giveUp();
-    if (::close(file.release()) != 0) return giveUp();
-    if (::rename(temporary.c_str(), target.c_str()) != 0) return giveUp();
+    // There is no way to read the mask of new files but to set it; 022 is what nearly every desktop has.
+    const mode_t mode = ::stat(m_target.c_str(), &status) == 0 ? status.st_mode & 07777 : 0644;
+    if (::fchmod(m_descriptor, mode) != 0 || ::fsync(m_descriptor) != 0) return systemError(m_target);
+    if (::close(std::exchange(m_descriptor, -1)) != 0) return systemError(m_target);
+    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) return systemError(m_target);
+    m_temporary.clear();
     return {};
+}
+
+Result<void> replaceFile(const std::filesystem::path& target, std::span<const Bytes> parts)
+{
+    PendingFile file = TRY_RESULT(PendingFile::create(target));
+    for (const Bytes part : parts) CHECK_RESULT(file.write(part));
+    return file.commit();
 }
 
 bool isDiskFull(const Error& error)

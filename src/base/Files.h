@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace base
@@ -13,9 +14,37 @@ namespace base
 /// @errors NotFound, Denied or IoFailure; LimitReached when it is longer than `limitBytes`.
 Result<std::vector<std::uint8_t>> readFile(const std::filesystem::path& path, std::uint64_t limitBytes);
 
-/// Writes `parts` one after another to a temporary file beside `target`, flushes it to the disk and renames
-/// it over `target`. At every instant `target` is either wholly old or wholly new; on failure it is untouched
-/// and the temporary file is gone. The permissions of an existing target are kept.
+/// A file that is being written under a temporary name beside its own. At every instant the target is either
+/// wholly old or wholly new; without commit() it is untouched, and the temporary file goes.
+class PendingFile
+{
+public:
+    /// @errors Denied, NotFound or IoFailure; `what` holds the system's own text.
+    static Result<PendingFile> create(const std::filesystem::path& target);
+    PendingFile(PendingFile&& other) noexcept;
+    PendingFile& operator=(PendingFile&&) = delete;
+    ~PendingFile();
+
+    /// Open for reading and writing.
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+    /// @errors Denied or IoFailure (disk full among them)
+    Result<void> write(Bytes bytes);
+    /// Flushes the file to the disk and renames it over the target, whose permissions are kept.
+    /// @errors Denied or IoFailure
+    Result<void> commit();
+
+private:
+    PendingFile(std::filesystem::path target, std::string temporary, int descriptor)
+        : m_target(std::move(target)), m_temporary(std::move(temporary)), m_descriptor(descriptor)
+    {
+    }
+
+    std::filesystem::path m_target;
+    std::string m_temporary; // empty: nothing is left to remove
+    int m_descriptor = -1;
+};
+
+/// Writes `parts` one after another as a PendingFile.
 /// @errors Denied or IoFailure (disk full among them); `what` holds the system's own text.
 Result<void> replaceFile(const std::filesystem::path& target, std::span<const Bytes> parts);
 

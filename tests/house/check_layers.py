@@ -10,10 +10,11 @@ import sys
 # Lowest first. A module may include itself and modules named before it.
 LAYERS = ['base', 'flash/guard', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/vm', 'flash/avm1/interpreter',
           'flash/avm1/classes', 'flash/avm1/bindings', 'flash/sound', 'flash/net', 'flash',
-          'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'ui', 'player',
+          'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'export', 'ui', 'player',
           'app']
 # What the player's modules may include of the two engines.
-ENTRIES = {'flash/FlashControl.h', 'flash/Engine.h', 'script/ScriptControl.h', 'script/Dispatch.h',
+ENTRIES = {'flash/FlashControl.h', 'flash/Engine.h', 'flash/Film.h', 'flash/control/Confinement.h',
+           'script/ScriptControl.h', 'script/Dispatch.h',
          'script/QtDispatch.h'}
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 

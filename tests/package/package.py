@@ -119,7 +119,7 @@ def libraries_opened_at_run_time(program):
 def validate(package):
     run('desktop-file-validate', package.path('usr/share/applications/zorvex.desktop'))
     run('appstreamcli', 'validate', '--no-net', package.path('usr/share/metainfo/org.zorvex.Zorvex.metainfo.xml'))
-    for page in ('man/man1/zorvex.1.gz', 'man/ru/man1/zorvex.1.gz'):
+    for page in ('man/man1/zorvex.1.gz', 'man/ru/man1/zorvex.1.gz', 'man/man1/zorvex-export.1.gz', 'man/ru/man1/zorvex-export.1.gz'):
         said = run('man', '--warnings', '-l', '-Tutf8', package.path('usr/share/' + page),
                    env=dict(os.environ, LC_ALL='C.UTF-8', MANPAGER='cat'))
         assert 'zorvex' in said and 'warning' not in said, said
@@ -146,6 +146,7 @@ def use(package, user):
     version = run('dpkg-deb', '-f', package.deb, 'Version').strip()
     assert user.run(program, '--version') == 'Zorvex %s\n' % version
     assert '--version' in user.run(program, '--help')
+    assert 'mp4' in user.run(package.path('usr/bin/zorvex-export'), '--formats')
 
     # Plays, for as long as it takes to see more than one colour of it, and ends as it should when told to.
     folder = package.path('usr/lib/zorvex')

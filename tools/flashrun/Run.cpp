@@ -1,10 +1,10 @@
 #include "Run.h"
 
-#include "InputScript.h"
 #include "Picture.h"
 #include "Recording.h"
 #include "base/Files.h"
 #include "flash/Engine.h"
+#include "flash/InputScript.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/swf/Describe.h"
 #include "flash/swf/Disassembly.h"
@@ -94,10 +94,9 @@ public:
     base::Result<void> open(const Arguments& arguments)
     {
         if (!arguments.input.empty()) {
-            m_input =
-                TRY_RESULT(InputScript::read(arguments.input, arguments.scale, [this](std::string text) {
-                    m_host.clipboard = std::move(text);
-                }));
+            m_input = TRY_RESULT(flash::InputScript::read(
+                arguments.input, [this](std::string text) { m_host.clipboard = std::move(text); }));
+            m_input.setScale(arguments.scale, arguments.scale);
         }
         m_engine.setDeviceScale(arguments.scale);
         m_engine.stage().setQuality(arguments.quality);
@@ -166,7 +165,7 @@ private:
 
     Host& m_host;
     flash::Engine m_engine;
-    InputScript m_input;
+    flash::InputScript m_input;
     Recording* m_recording = nullptr; // borrowed
 };
 

@@ -1,4 +1,4 @@
-#include "InputScript.h"
+#include "flash/InputScript.h"
 
 #include "base/Files.h"
 
@@ -8,15 +8,16 @@
 
 #include <map>
 
-namespace flashrun
+namespace flash
 {
 
 namespace
 {
 
-using flash::stage::MouseButton;
-using flash::stage::Stage;
-using flash::stage::TextCommand;
+using stage::MouseButton;
+using stage::Stage;
+using stage::TextCommand;
+using Scale = InputScript::Scale;
 using Step = InputScript::Step;
 
 constexpr std::uint64_t kMaxInputBytes = 64 << 20;
@@ -76,51 +77,57 @@ char32_t characterOf(int keyCode)
 }
 
 /// @returns an empty step for what is no event.
-Step stepOf(const QJsonObject& event, double scale, const std::function<void(std::string)>& setClipboard)
+Step stepOf(const QJsonObject& event, const std::function<void(std::string)>& setClipboard)
 {
     const QString type = event["type"].toString();
     const QJsonArray position = event["pos"].toArray();
-    const double x = position.at(0).toDouble() * scale, y = position.at(1).toDouble() * scale;
-    if (type == "MouseMove") return [=](Stage& stage) { stage.mouseMove(x, y); };
+    const double x = position.at(0).toDouble(), y = position.at(1).toDouble();
+    if (type == "MouseMove")
+        return [=](Stage& stage, const Scale& scale) { stage.mouseMove(x * scale.x, y * scale.y); };
     if (type == "MouseDown") {
         const int clicks = event["index"].toInt(0) + 1;
-        return [=, button = buttonOf(event)](Stage& stage) { stage.mouseDown(x, y, button, clicks); };
+        return [=, button = buttonOf(event)](Stage& stage, const Scale& scale) {
+            stage.mouseDown(x * scale.x, y * scale.y, button, clicks);
+        };
     }
     if (type == "MouseUp")
-        return [=, button = buttonOf(event)](Stage& stage) { stage.mouseUp(x, y, button); };
+        return [=, button = buttonOf(event)](Stage& stage, const Scale& scale) {
+            stage.mouseUp(x * scale.x, y * scale.y, button);
+        };
     if (type == "MouseWheel") {
         const double lines = event.contains("lines") ? event["lines"].toDouble()
                                                      : event["pixels"].toDouble() / kPixelsPerWheelLine;
-        return [=](Stage& stage) { stage.mouseWheel(static_cast<int>(lines)); };
+        return [=](Stage& stage, const Scale&) { stage.mouseWheel(static_cast<int>(lines)); };
     }
     if (type == "KeyDown" || type == "KeyUp") {
         const int code = event["key_code"].toInt();
-        if (type == "KeyUp") return [=](Stage& stage) { stage.keyUp(code, characterOf(code)); };
-        return [=](Stage& stage) { stage.keyDown(code, characterOf(code)); };
+        if (type == "KeyUp") return [=](Stage& stage, const Scale&) { stage.keyUp(code, characterOf(code)); };
+        return [=](Stage& stage, const Scale&) { stage.keyDown(code, characterOf(code)); };
     }
     if (type == "TextInput") {
         const QJsonValue value = event["codepoint"];
         const auto text = value.toString().toUcs4();
         const char32_t character = value.isString() ? (text.isEmpty() ? 0 : static_cast<char32_t>(text[0]))
                                                     : static_cast<char32_t>(value.toInt());
-        return [=](Stage& stage) { stage.textInput(character); };
+        return [=](Stage& stage, const Scale&) { stage.textInput(character); };
     }
     if (type == "TextControl") {
         const auto found = textCommands().find(event["code"].toString());
         if (found == textCommands().end()) return {};
-        return [command = found->second](Stage& stage) { stage.textCommand(command); };
+        return [command = found->second](Stage& stage, const Scale&) { stage.textCommand(command); };
     }
     if (type == "SetClipboardText") {
-        return [=, text = event["text"].toString().toStdString()](Stage&) { setClipboard(text); };
+        return
+            [=, text = event["text"].toString().toStdString()](Stage&, const Scale&) { setClipboard(text); };
     }
-    if (type == "FocusGained") return [](Stage& stage) { stage.focusGained(); };
-    if (type == "FocusLost") return [](Stage& stage) { stage.focusLost(); };
+    if (type == "FocusGained") return [](Stage& stage, const Scale&) { stage.focusGained(); };
+    if (type == "FocusLost") return [](Stage& stage, const Scale&) { stage.focusLost(); };
     return {};
 }
 
 } // namespace
 
-base::Result<InputScript> InputScript::read(const std::filesystem::path& file, double scale,
+base::Result<InputScript> InputScript::read(const std::filesystem::path& file,
                                             std::function<void(std::string)> setClipboard)
 {
     const auto bytes = TRY_RESULT(base::readFile(file, kMaxInputBytes));
@@ -143,7 +150,7 @@ base::Result<InputScript> InputScript::read(const std::filesystem::path& file, d
             script.m_frames.emplace_back();
             continue;
         }
-        Step step = stepOf(event, scale, setClipboard);
+        Step step = stepOf(event, setClipboard);
         if (!step) {
             const QByteArray text = QJsonDocument(event).toJson(QJsonDocument::Compact);
             return base::fail(base::ErrorCode::Malformed,
@@ -157,8 +164,8 @@ base::Result<InputScript> InputScript::read(const std::filesystem::path& file, d
 void InputScript::playUpToWait(Stage& stage)
 {
     if (m_next == m_frames.size()) return;
-    for (const Step& step : m_frames[m_next]) step(stage);
+    for (const Step& step : m_frames[m_next]) step(stage, m_scale);
     ++m_next;
 }
 
-} // namespace flashrun
+} // namespace flash
