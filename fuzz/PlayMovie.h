@@ -39,16 +39,16 @@ inline void startQt()
 /// One thing that a user does. @param byte says what, @param x, y where, 0 to 255 across the view
 inline void doInput(flash::stage::Stage& stage, unsigned byte, unsigned x, unsigned y)
 {
-    const double left = stage.viewWidth() * (x / 255.0), top = stage.viewHeight() * (y / 255.0);
+    const double left = stage.view().width() * (x / 255.0), top = stage.view().height() * (y / 255.0);
     switch (byte % 8) {
-    case 0: stage.mouseMove(left, top); break;
-    case 1: stage.mouseDown(left, top); break;
-    case 2: stage.mouseUp(left, top); break;
-    case 3: stage.keyDown(static_cast<int>(x), y); break;
-    case 4: stage.keyUp(static_cast<int>(x), y); break;
-    case 5: stage.mouseWheel(static_cast<int>(x) - 128); break;
-    case 6: stage.mouseDown(left, top, flash::stage::MouseButton::Left, 2); break;
-    default: stage.mouseLeave(); break;
+    case 0: stage.pointer().move(left, top); break;
+    case 1: stage.pointer().press(left, top); break;
+    case 2: stage.pointer().release(left, top); break;
+    case 3: stage.keyboard().press(static_cast<int>(x), y); break;
+    case 4: stage.keyboard().release(static_cast<int>(x), y); break;
+    case 5: stage.pointer().wheel(static_cast<int>(x) - 128); break;
+    case 6: stage.pointer().press(left, top, flash::stage::MouseButton::Left, 2); break;
+    default: stage.pointer().leave(); break;
     }
 }
 
@@ -71,7 +71,7 @@ inline void play(base::Bytes movie, base::Bytes input, const std::string& query 
     options.collectAlways = collectAlways;
     options.storageFolder = file.parent_path() / "stored";
     flash::Engine engine(host, options);
-    engine.stage().setViewSize(kLongestSide, kLongestSide);
+    engine.stage().view().setSize(kLongestSide, kLongestSide);
     if (!engine.open(file.string() + query)) return;
     QImage image(kLongestSide, kLongestSide, QImage::Format_ARGB32_Premultiplied);
     for (int frame = 0; frame < kFrames && engine.isOpen(); ++frame) {

@@ -21,7 +21,7 @@ void open(benchmark::State& state, const char* address, bool keepsEngine)
     for (auto _ : state) {
         if (!keepsEngine) engine = std::make_unique<flash::Engine>(host, flash::Engine::Options{});
         if (!engine->open(std::string(GADGETS_DIR) + address)) state.SkipWithError("cannot be opened");
-        QImage image(engine->stage().viewWidth(), engine->stage().viewHeight(),
+        QImage image(engine->stage().view().width(), engine->stage().view().height(),
                      QImage::Format_ARGB32_Premultiplied);
         engine->render(image, image.rect());
         benchmark::DoNotOptimize(image.bits());

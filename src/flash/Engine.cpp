@@ -192,7 +192,7 @@ public:
         if (options.collectAlways) script->vm().collectAlways();
         stage = std::make_unique<stage::Stage>(services, script.get());
         script->attach(*stage);
-        stage->setTextCode(base::TextCode::named(options.textCode));
+        stage->linkage().setTextCode(base::TextCode::named(options.textCode));
     }
 
     void dropStage()
@@ -217,18 +217,18 @@ public:
     /// A fresh stage and fresh scripts, seen as before.
     void renewStage(std::unique_ptr<stage::SharedObjectStore> newStore, Scripts scripts)
     {
-        const int width = stage->viewWidth(), height = stage->viewHeight();
-        const stage::ScaleMode scaleMode = stage->scaleMode();
-        const stage::Quality quality = stage->quality();
+        const int width = stage->view().width(), height = stage->view().height();
+        const stage::ScaleMode scaleMode = stage->view().scaleMode();
+        const stage::Quality quality = stage->view().quality();
         const bool loop = stage->loop();
         dropStage();
         store = std::move(newStore);
         makeStage(scripts);
-        stage->setViewSize(width, height);
-        stage->setScaleMode(scaleMode);
-        stage->setQuality(quality);
+        stage->view().setSize(width, height);
+        stage->view().setScaleMode(scaleMode);
+        stage->view().setQuality(quality);
         stage->setLoop(loop);
-        stage->setDeviceScale(deviceScale);
+        stage->view().setDeviceScale(deviceScale);
     }
 
     void render(QImage& image, const QRect& visible);
@@ -314,9 +314,9 @@ base::Result<void> Engine::Private::open(const std::string& address, std::option
         store = std::make_unique<net::FileSharedObjects>(storageOf(storage, source.path));
     }
     renewStage(std::move(store), Private::Scripts::Fresh);
-    if (stage->viewWidth() == 0) {
+    if (stage->view().width() == 0) {
         const swf::Rect& frame = movie->header.frameSize;
-        stage->setViewSize(devicePixels(frame.width()), devicePixels(frame.height()));
+        stage->view().setSize(devicePixels(frame.width()), devicePixels(frame.height()));
     }
     sound.setFrameRate(movie->header.frameRate);
     constexpr double kMsPerSecond = 1000;
@@ -343,7 +343,7 @@ base::Result<void> Engine::Private::openLevel(int level, const std::string& addr
     // Read here to tell the host at once what is wrong with it; the stage reads it again when it comes.
     CHECK_RESULT(swf::parseMovie(source.bytes).map([](const auto&) {}));
     loader.grant(source.url, std::move(source.bytes));
-    stage->loadIntoLevel(level, {source.url, {}, stage::LoadRequest::Method::None, {}});
+    stage->loads().intoLevel(level, {source.url, {}, stage::LoadRequest::Method::None, {}});
     return {};
 }
 
@@ -372,13 +372,13 @@ sound::SoundPlayer& Engine::sound() { return d->sound; }
 void Engine::setDeviceScale(double scale)
 {
     d->deviceScale = scale;
-    d->stage->setDeviceScale(scale);
+    d->stage->view().setDeviceScale(scale);
 }
 
 QRect Engine::dirtyRect()
 {
     render::IntRect dirty;
-    d->watched([&] { dirty = d->stage->dirtyRect(); });
+    d->watched([&] { dirty = d->stage->view().dirtyRect(); });
     return dirty.isEmpty() ? QRect() : QRect(dirty.left, dirty.top, dirty.width(), dirty.height());
 }
 
@@ -393,8 +393,8 @@ void Engine::Private::render(QImage& image, const QRect& visible)
 {
     const render::SurfaceView view{reinterpret_cast<std::uint32_t*>(image.bits()), image.width(),
                                    image.height(), image.bytesPerLine() / 4};
-    render::Canvas canvas(view, toRender(stage->quality()), stage->renderCache());
-    stage->render(canvas, toRender(visible));
+    render::Canvas canvas(view, toRender(stage->view().quality()), stage->view().renderCache());
+    stage->view().render(canvas, toRender(visible));
 }
 
 std::string Engine::getVariable(const std::string& path)

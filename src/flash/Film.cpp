@@ -54,11 +54,11 @@ base::Result<void> Film::start(const Options& options)
     }
     CHECK_RESULT(m_engine.open(options.movie));
     stage::Stage& stage = m_engine.stage();
-    m_movieSize = QSize(stage.viewWidth(), stage.viewHeight());
-    const swf::Rgba ground = stage.background();
+    m_movieSize = QSize(stage.view().width(), stage.view().height());
+    const swf::Rgba ground = stage.view().background();
     m_ground = QColor(ground.r, ground.g, ground.b);
-    if (options.isGroundTransparent) stage.setHostBackground({0, 0, 0, 0});
-    stage.setQuality(options.quality);
+    if (options.isGroundTransparent) stage.view().setHostBackground({0, 0, 0, 0});
+    stage.view().setQuality(options.quality);
     m_framesPerSecond = stage.frameRate() > 0 ? stage.frameRate() : kStepsPerSecondWithoutRate;
     m_totalFrames = stage.totalFrames();
     m_isAtLastFrame = m_totalFrames > 1 && stage.currentFrame() == m_totalFrames - 1;
@@ -71,8 +71,8 @@ void Film::setPictureSize(QSize pixels)
     m_input.setScale(static_cast<double>(pixels.width()) / m_movieSize.width(),
                      static_cast<double>(pixels.height()) / m_movieSize.height());
     m_engine.act([pixels](stage::Stage& stage) {
-        stage.setScaleMode(stage::ScaleMode::ExactFit);
-        stage.setViewSize(pixels.width(), pixels.height());
+        stage.view().setScaleMode(stage::ScaleMode::ExactFit);
+        stage.view().setSize(pixels.width(), pixels.height());
     });
 }
 
@@ -116,7 +116,7 @@ bool Film::hasChanged() { return !m_engine.dirtyRect().isEmpty(); }
 void Film::draw(QImage& picture)
 {
     picture.fill(0);
-    m_engine.stage().invalidateAll();
+    m_engine.stage().view().invalidateAll();
     m_engine.render(picture, picture.rect());
 }
 

@@ -83,45 +83,47 @@ Step stepOf(const QJsonObject& event, const std::function<void(std::string)>& se
     const QJsonArray position = event["pos"].toArray();
     const double x = position.at(0).toDouble(), y = position.at(1).toDouble();
     if (type == "MouseMove")
-        return [=](Stage& stage, const Scale& scale) { stage.mouseMove(x * scale.x, y * scale.y); };
+        return [=](Stage& stage, const Scale& scale) { stage.pointer().move(x * scale.x, y * scale.y); };
     if (type == "MouseDown") {
         const int clicks = event["index"].toInt(0) + 1;
         return [=, button = buttonOf(event)](Stage& stage, const Scale& scale) {
-            stage.mouseDown(x * scale.x, y * scale.y, button, clicks);
+            stage.pointer().press(x * scale.x, y * scale.y, button, clicks);
         };
     }
     if (type == "MouseUp")
         return [=, button = buttonOf(event)](Stage& stage, const Scale& scale) {
-            stage.mouseUp(x * scale.x, y * scale.y, button);
+            stage.pointer().release(x * scale.x, y * scale.y, button);
         };
     if (type == "MouseWheel") {
         const double lines = event.contains("lines") ? event["lines"].toDouble()
                                                      : event["pixels"].toDouble() / kPixelsPerWheelLine;
-        return [=](Stage& stage, const Scale&) { stage.mouseWheel(static_cast<int>(lines)); };
+        return [=](Stage& stage, const Scale&) { stage.pointer().wheel(static_cast<int>(lines)); };
     }
     if (type == "KeyDown" || type == "KeyUp") {
         const int code = event["key_code"].toInt();
-        if (type == "KeyUp") return [=](Stage& stage, const Scale&) { stage.keyUp(code, characterOf(code)); };
-        return [=](Stage& stage, const Scale&) { stage.keyDown(code, characterOf(code)); };
+        if (type == "KeyUp")
+            return [=](Stage& stage, const Scale&) { stage.keyboard().release(code, characterOf(code)); };
+        return [=](Stage& stage, const Scale&) { stage.keyboard().press(code, characterOf(code)); };
     }
     if (type == "TextInput") {
         const QJsonValue value = event["codepoint"];
         const auto text = value.toString().toUcs4();
         const char32_t character = value.isString() ? (text.isEmpty() ? 0 : static_cast<char32_t>(text[0]))
                                                     : static_cast<char32_t>(value.toInt());
-        return [=](Stage& stage, const Scale&) { stage.textInput(character); };
+        return [=](Stage& stage, const Scale&) { stage.keyboard().type(character); };
     }
     if (type == "TextControl") {
         const auto found = textCommands().find(event["code"].toString());
         if (found == textCommands().end()) return {};
-        return [command = found->second](Stage& stage, const Scale&) { stage.textCommand(command); };
+        return [command = found->second](Stage& stage, const Scale&) { stage.keyboard().command(command); };
     }
     if (type == "SetClipboardText") {
         return
             [=, text = event["text"].toString().toStdString()](Stage&, const Scale&) { setClipboard(text); };
     }
-    if (type == "FocusGained") return [](Stage& stage, const Scale&) { stage.focusGained(); };
-    if (type == "FocusLost") return [](Stage& stage, const Scale&) { stage.focusLost(); };
+    // The movie is not told that its window has the keys again.
+    if (type == "FocusGained") return [](Stage&, const Scale&) {};
+    if (type == "FocusLost") return [](Stage& stage, const Scale&) { stage.keyboard().leave(); };
     return {};
 }
 

@@ -99,7 +99,7 @@ public:
             m_input.setScale(arguments.scale, arguments.scale);
         }
         m_engine.setDeviceScale(arguments.scale);
-        m_engine.stage().setQuality(arguments.quality);
+        m_engine.stage().view().setQuality(arguments.quality);
         CHECK_RESULT(m_engine.open(arguments.movie));
         playInput();
         return {};
@@ -171,7 +171,7 @@ private:
 
 base::Result<void> writePicture(flash::Engine& engine, const std::filesystem::path& file)
 {
-    QImage image(engine.stage().viewWidth(), engine.stage().viewHeight(),
+    QImage image(engine.stage().view().width(), engine.stage().view().height(),
                  QImage::Format_ARGB32_Premultiplied);
     image.fill(0);
     engine.render(image, image.rect());

@@ -194,9 +194,10 @@ base::Result<void> thumbnail(const Arguments& arguments)
     const QSize box(arguments.size, arguments.size);
     CHECK_RESULT(engine.open(addressOf(arguments.movie)));
     flash::stage::Stage& stage = engine.stage();
-    const QSize fitted =
-        QSize(stage.viewWidth(), stage.viewHeight()).scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1});
-    stage.setViewSize(fitted.width(), fitted.height());
+    const QSize fitted = QSize(stage.view().width(), stage.view().height())
+                             .scaled(box, Qt::KeepAspectRatio)
+                             .expandedTo({1, 1});
+    stage.view().setSize(fitted.width(), fitted.height());
 
     QImage picture(fitted, QImage::Format_ARGB32_Premultiplied);
     const double frameMs = stage.frameRate() > 0 ? 1000 / stage.frameRate() : kStepMsWithoutRate;

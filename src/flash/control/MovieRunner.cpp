@@ -146,7 +146,7 @@ void MovieRunner::act(const Unload& unload)
 {
     drive([&] {
         if (unload.layer != 0) {
-            m_engine.stage().unloadLevel(unload.layer);
+            m_engine.stage().loads().unloadLevel(unload.layer);
             return;
         }
         m_engine.close();
@@ -200,15 +200,16 @@ void MovieRunner::act(const Settings& settings)
         applyQuality();
     }
     if (settings.scaleMode != before.scaleMode && settings.scaleMode >= 0 && settings.scaleMode <= 3) {
-        drive([&] { m_engine.stage().setScaleMode(static_cast<stage::ScaleMode>(settings.scaleMode)); });
+        drive(
+            [&] { m_engine.stage().view().setScaleMode(static_cast<stage::ScaleMode>(settings.scaleMode)); });
     }
 }
 
 void MovieRunner::act(const Background& background)
 {
-    m_engine.stage().setHostBackground({static_cast<std::uint8_t>(background.rgb >> 16U & 255U),
-                                        static_cast<std::uint8_t>(background.rgb >> 8U & 255U),
-                                        static_cast<std::uint8_t>(background.rgb & 255U)});
+    m_engine.stage().view().setHostBackground({static_cast<std::uint8_t>(background.rgb >> 16U & 255U),
+                                               static_cast<std::uint8_t>(background.rgb >> 8U & 255U),
+                                               static_cast<std::uint8_t>(background.rgb & 255U)});
     tellState();
 }
 
@@ -216,7 +217,7 @@ void MovieRunner::act(const View& view)
 {
     drive([&] {
         m_engine.setDeviceScale(view.deviceScale);
-        m_engine.stage().setViewSize(view.width, view.height);
+        m_engine.stage().view().setSize(view.width, view.height);
     });
 }
 
@@ -227,11 +228,11 @@ void MovieRunner::act(const Mouse& mouse)
     drive([&] {
         stage::Stage& stage = m_engine.stage();
         switch (static_cast<Mouse::Kind>(mouse.kind)) {
-        case Mouse::Kind::Move: stage.mouseMove(mouse.x, mouse.y); break;
-        case Mouse::Kind::Down: stage.mouseDown(mouse.x, mouse.y, button, mouse.count); break;
-        case Mouse::Kind::Up: stage.mouseUp(mouse.x, mouse.y, button); break;
-        case Mouse::Kind::Leave: stage.mouseLeave(); break;
-        case Mouse::Kind::Wheel: stage.mouseWheel(mouse.count); break;
+        case Mouse::Kind::Move: stage.pointer().move(mouse.x, mouse.y); break;
+        case Mouse::Kind::Down: stage.pointer().press(mouse.x, mouse.y, button, mouse.count); break;
+        case Mouse::Kind::Up: stage.pointer().release(mouse.x, mouse.y, button); break;
+        case Mouse::Kind::Leave: stage.pointer().leave(); break;
+        case Mouse::Kind::Wheel: stage.pointer().wheel(mouse.count); break;
         }
     });
 }
@@ -241,13 +242,13 @@ void MovieRunner::act(const Key& key)
     drive([&] {
         stage::Stage& stage = m_engine.stage();
         if (key.down == 0) {
-            stage.keyUp(key.code, key.character);
+            stage.keyboard().release(key.code, key.character);
             return;
         }
-        stage.keyDown(key.code, key.character);
+        stage.keyboard().press(key.code, key.character);
         if (!isTyping()) return;
         if (key.command >= 0 && key.command <= static_cast<int>(stage::TextCommand::Enter))
-            stage.textCommand(static_cast<stage::TextCommand>(key.command));
+            stage.keyboard().command(static_cast<stage::TextCommand>(key.command));
         else
             type(key.typed);
     });
@@ -260,12 +261,12 @@ void MovieRunner::act(const TypedText& typed)
 
 void MovieRunner::type(const std::u32string& text)
 {
-    for (const char32_t character : text) m_engine.stage().textInput(character);
+    for (const char32_t character : text) m_engine.stage().keyboard().type(character);
 }
 
 void MovieRunner::act(const FocusChange& focus)
 {
-    drive([&] { focus.gained != 0 ? m_engine.stage().focusGained() : m_engine.stage().focusLost(); });
+    if (focus.gained == 0) drive([&] { m_engine.stage().keyboard().leave(); });
 }
 
 void MovieRunner::act(const Advance& advance)
@@ -284,7 +285,7 @@ void MovieRunner::say(FromMovie message)
 
 bool MovieRunner::isTyping()
 {
-    const stage::Node* focus = m_engine.stage().focus();
+    const stage::Node* focus = m_engine.stage().focus().node();
     return focus != nullptr && focus->kind() == stage::NodeKind::TextField;
 }
 
@@ -292,16 +293,16 @@ void MovieRunner::tellState()
 {
     State now;
     stage::Stage& stage = m_engine.stage();
-    const swf::Rgba ground = stage.background();
+    const swf::Rgba ground = stage.view().background();
     now.background =
         static_cast<std::uint32_t>(ground.r) << 16U | static_cast<std::uint32_t>(ground.g) << 8U | ground.b;
-    now.cursor = static_cast<std::uint8_t>(stage.cursor());
+    now.cursor = static_cast<std::uint8_t>(stage.pointer().cursor());
     now.silent = mixer().isSilent() ? 1 : 0;
     if (m_engine.isOpen()) {
         const swf::Rect& frame = stage.movie()->header.frameSize;
         now.open = 1;
         now.playing = stage.isPlaying() ? 1 : 0;
-        now.listensToKeys = stage.listensToKeys() ? 1 : 0;
+        now.listensToKeys = stage.keyboard().isHeard() ? 1 : 0;
         now.typing = isTyping() ? 1 : 0;
         now.frame = stage.currentFrame();
         now.totalFrames = stage.totalFrames();
@@ -357,7 +358,7 @@ void MovieRunner::applyQuality()
     case AutoHigh: wanted = m_automaticHigh ? stage::Quality::High : stage::Quality::Low; break;
     default: break;
     }
-    if (m_engine.stage().quality() != wanted) m_engine.stage().setQuality(wanted);
+    if (m_engine.stage().view().quality() != wanted) m_engine.stage().view().setQuality(wanted);
 }
 
 /// The two automatic qualities: smooth as long as the machine keeps up.

@@ -9,6 +9,50 @@
 namespace flash::stage
 {
 
+namespace
+{
+
+unsigned conditionOf(Event event, bool menu)
+{
+    using Condition = swf::ButtonAction::Condition;
+    switch (event) {
+    case Event::RollOver: return Condition::IdleToOverUp;
+    case Event::RollOut: return Condition::OverUpToIdle;
+    case Event::Press: return Condition::OverUpToOverDown;
+    case Event::Release: return Condition::OverDownToOverUp;
+    case Event::ReleaseOutside: return Condition::OutDownToIdle;
+    case Event::DragOver: return menu ? Condition::IdleToOverDown : Condition::OutDownToOverDown;
+    case Event::DragOut: return menu ? Condition::OverDownToIdle : Condition::OverDownToOutDown;
+    default: return 0;
+    }
+}
+
+Button::State stateAfter(Event event, bool menu)
+{
+    switch (event) {
+    case Event::RollOver:
+    case Event::Release: return Button::State::Over;
+    case Event::Press:
+    case Event::DragOver: return Button::State::Down;
+    case Event::DragOut: return menu ? Button::State::Up : Button::State::Over;
+    default: return Button::State::Up;
+    }
+}
+
+/// Index into the sounds of a button; -1 when the event has none.
+int cueOf(Event event)
+{
+    switch (event) {
+    case Event::RollOut: return 0;
+    case Event::RollOver: return 1;
+    case Event::Press: return 2;
+    case Event::Release: return 3;
+    default: return -1;
+    }
+}
+
+} // namespace
+
 Button::Button(Stage& stage, MoviePtr movie, const swf::Button& definition)
     : Node(stage, NodeKind::Button), m_definition(definition)
 {
@@ -18,9 +62,9 @@ Button::Button(Stage& stage, MoviePtr movie, const swf::Button& definition)
 NodePtr Button::make(const swf::ButtonRecord& record)
 {
     guard::check();
-    if (!m_stage.hasRoomIn(*this)) return nullptr;
-    NodePtr node = m_stage.makeNode(m_movie, record.characterId);
-    if (!node || Stage::wouldContainItself(*node, *this)) return nullptr;
+    if (!m_stage.displayList().hasRoomIn(*this)) return nullptr;
+    NodePtr node = m_stage.displayList().makeNode(m_movie, record.characterId);
+    if (!node || DisplayList::wouldContainItself(*node, *this)) return nullptr;
     node->m_parent = this;
     node->m_nesting = m_nesting + 1;
     node->m_depth = kTimelineDepth + record.depth;
@@ -57,16 +101,16 @@ void Button::setState(State state)
         } else if (!wanted && shown != m_byRecord.end()) {
             const NodePtr gone = shown->second;
             m_byRecord.erase(shown);
-            m_stage.noteRemoved(*gone);
-            m_stage.queueUnload(*gone);
-            m_stage.retire(*gone);
+            m_stage.view().noteRemoved(gone->m_drawnBounds);
+            m_stage.displayList().queueUnload(*gone);
+            m_stage.displayList().retire(*gone);
         }
     }
     m_children.clear();
     for (const auto& [index, node] : m_byRecord) m_children.push_back(node);
     std::sort(m_children.begin(), m_children.end(),
               [](const NodePtr& a, const NodePtr& b) { return a->depth() < b->depth(); });
-    for (const NodePtr& node : fresh) m_stage.begin(*node);
+    for (const NodePtr& node : fresh) m_stage.displayList().begin(*node);
     contentChanged();
 }
 
@@ -79,7 +123,7 @@ std::span<const NodePtr> Button::hitNodes()
             const NodePtr node = make(record);
             if (!node) continue;
             if (Clip* clip = asClip(node.get())) {
-                clip->m_inert = true;
+                clip->setInert();
                 clip->begin();
             }
             m_hitNodes.push_back(node);
@@ -105,12 +149,76 @@ swf::Rect boundsOfAll(std::span<const NodePtr> nodes, Node::Extent extent)
 } // namespace
 
 swf::Rect Button::bounds(Extent extent) { return boundsOfAll(m_children, extent); }
-swf::Rect Button::hitBounds() { return boundsOfAll(hitNodes(), Extent::WithStrokes); }
+swf::Rect Button::pointerBounds() { return boundsOfAll(hitNodes(), Extent::WithStrokes); }
 
 bool Button::hitsShape(swf::Point stagePoint)
 {
     return std::any_of(m_children.begin(), m_children.end(),
                        [&](const NodePtr& node) { return node->hitsShape(stagePoint); });
+}
+
+void Button::answerPointer(Event event)
+{
+    const int cue = cueOf(event);
+    if (cue >= 0) {
+        const swf::Button::Cue& sound = m_definition.sounds[static_cast<std::size_t>(cue)];
+        const swf::Character* character = m_movie->character(sound.soundId);
+        if (const auto* data = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
+            m_stage.services().sound.startEvent(m_movie, sound.soundId, *data, sound.info);
+    }
+    setState(stateAfter(event, tracksAsMenu()));
+    runPointerActions(event);
+}
+
+void Button::runPointerActions(Event event)
+{
+    Clip* target = parentClip();
+    if (!target) return;
+    const unsigned condition = conditionOf(event, tracksAsMenu());
+    for (const swf::ButtonAction& action : m_definition.actions)
+        if (action.conditions & condition) m_stage.queue().addBlock(*target, m_movie, action.actions);
+}
+
+bool Button::takeKeyPress(int keyPressCode)
+{
+    Clip* target = parentClip();
+    if (!target || !isVisible() || !m_stage.script().isEnabled(*this)) return false;
+    bool any = false;
+    for (const swf::ButtonAction& action : m_definition.actions) {
+        if (action.keyCode != keyPressCode) continue;
+        m_stage.queue().addBlock(*target, m_movie, action.actions);
+        any = true;
+    }
+    return any;
+}
+
+bool Button::listensToKeys() const
+{
+    return std::any_of(m_definition.actions.begin(), m_definition.actions.end(),
+                       [](const swf::ButtonAction& action) { return action.keyCode != 0; });
+}
+
+Cursor Button::cursorAt(swf::Point) { return useHandCursor ? Cursor::Hand : Cursor::Arrow; }
+
+bool Button::isTabStop() { return m_stage.script().isEnabled(*this); }
+
+NodePtr Button::ownPointerTarget(swf::Point stagePoint)
+{
+    return answersPointer() && takesPointer(stagePoint) ? shared_from_this() : nullptr;
+}
+
+std::vector<NodePtr> Button::held() const
+{
+    std::vector<NodePtr> all = m_children;
+    all.insert(all.end(), m_hitNodes.begin(), m_hitNodes.end());
+    return all;
+}
+
+void Button::leave()
+{
+    m_children.clear();
+    m_byRecord.clear();
+    m_hitNodes.clear();
 }
 
 } // namespace flash::stage

@@ -20,11 +20,7 @@ public:
     [[nodiscard]] State state() const { return m_state; }
     void setState(State state);
     /// Shows the up state; once, when the button is on its list.
-    void begin();
-    [[nodiscard]] bool takesPointer(swf::Point stagePoint);
-    /// Of what takes the pointer.
-    [[nodiscard]] swf::Rect hitBounds();
-    [[nodiscard]] bool tracksAsMenu() const { return trackAsMenu.value_or(m_definition.trackAsMenu); }
+    void begin() override;
 
     std::optional<bool> trackAsMenu;
     bool useHandCursor = true;
@@ -33,8 +29,30 @@ public:
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
 
+    [[nodiscard]] bool isScriptable() const override { return true; }
+    [[nodiscard]] bool isExchangeable() const override { return false; }
+    [[nodiscard]] swf::Rect pointerBounds() override;
+    [[nodiscard]] bool tracksAsMenu() const override
+    {
+        return trackAsMenu.value_or(m_definition.trackAsMenu);
+    }
+    [[nodiscard]] Cursor cursorAt(swf::Point stagePoint) override;
+    void answerPointer(Event event) override;
+    void runPointerActions(Event event) override;
+    bool takeKeyPress(int keyPressCode) override;
+    [[nodiscard]] bool listensToKeys() const override;
+    [[nodiscard]] bool canTakeFocus() override { return true; }
+    [[nodiscard]] bool isTabStop() override;
+    [[nodiscard]] bool usesKeys() const override { return true; }
+    [[nodiscard]] bool isClickedByKeys() const override { return true; }
+
+protected:
+    [[nodiscard]] std::vector<NodePtr> held() const override;
+    void leave() override;
+    NodePtr ownPointerTarget(swf::Point stagePoint) override;
+
 private:
-    friend class Stage;
+    [[nodiscard]] bool takesPointer(swf::Point stagePoint);
     NodePtr make(const swf::ButtonRecord& record);
     std::span<const NodePtr> hitNodes();
     const swf::Button& m_definition;

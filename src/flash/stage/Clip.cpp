@@ -80,18 +80,18 @@ void Clip::take(Node& node)
                      m_children.end(), isIt);
     if (found == m_children.end()) found = std::find_if(m_children.begin(), m_children.end(), isIt);
     if (found == m_children.end()) return;
-    m_stage.noteRemoved(node);
+    m_stage.view().noteRemoved(node.m_drawnBounds);
     m_children.erase(found);
     forgetBounds();
 }
 
 NodePtr Clip::instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth, bool isPlacement)
 {
-    if (!m_stage.hasRoomIn(*this)) return nullptr;
-    NodePtr node = m_stage.makeNode(movie, characterId);
+    if (!m_stage.displayList().hasRoomIn(*this)) return nullptr;
+    NodePtr node = m_stage.displayList().makeNode(movie, characterId);
     if (!node) return nullptr;
-    if (isPlacement && Stage::wouldContainItself(*node, *this)) return nullptr;
-    if (m_inert && node->kind() == NodeKind::Clip) static_cast<Clip*>(node.get())->m_inert = true;
+    if (isPlacement && DisplayList::wouldContainItself(*node, *this)) return nullptr;
+    if (Clip* clip = asClip(node.get()); clip && m_inert) clip->m_inert = true;
     insert(node, depth);
     return node;
 }
@@ -106,21 +106,21 @@ NodePtr Clip::attach(const MoviePtr& movie, std::uint16_t characterId, int depth
     node->setName(std::move(name));
     node->m_scriptTransformed = true;
     if (before) before(*node);
-    m_stage.begin(*node);
+    m_stage.displayList().begin(*node);
     return node;
 }
 
 std::shared_ptr<Clip> Clip::attachEmpty(int depth, std::string name)
 {
     if (Node* old = childAt(depth)) removeChild(*old);
-    if (!m_stage.hasRoomIn(*this)) return nullptr;
-    auto clip = std::make_shared<Clip>(m_stage, m_movie, m_stage.emptyTimeline());
+    if (!m_stage.displayList().hasRoomIn(*this)) return nullptr;
+    auto clip = std::make_shared<Clip>(m_stage, m_movie, m_stage.displayList().emptyTimeline());
     clip->setName(std::move(name));
     clip->m_url = m_url;
     clip->m_content = Content::Made;
     clip->m_scriptTransformed = true;
     insert(clip, depth);
-    m_stage.enlist(clip);
+    m_stage.displayList().enlist(clip);
     clip->m_begun = true;
     clip->m_frame = 0;
     return clip;
@@ -129,7 +129,7 @@ std::shared_ptr<Clip> Clip::attachEmpty(int depth, std::string name)
 NodePtr Clip::attachTextField(int depth, std::string name, const swf::Rect& boundsTwips)
 {
     if (Node* old = childAt(depth)) removeChild(*old);
-    if (!m_stage.hasRoomIn(*this)) return nullptr;
+    if (!m_stage.displayList().hasRoomIn(*this)) return nullptr;
     NodePtr field = TextField::makeDynamic(m_stage, m_movie, boundsTwips);
     field->setName(std::move(name));
     field->m_scriptTransformed = true;
@@ -140,7 +140,7 @@ NodePtr Clip::attachTextField(int depth, std::string name, const swf::Rect& boun
 NodePtr Clip::attachBitmap(std::shared_ptr<const swf::Bitmap> bitmap, int depth, bool smooth)
 {
     if (Node* old = childAt(depth)) removeChild(*old);
-    if (!m_stage.hasRoomIn(*this)) return nullptr;
+    if (!m_stage.displayList().hasRoomIn(*this)) return nullptr;
     auto node = std::make_shared<BitmapNode>(m_stage, std::move(bitmap), smooth);
     node->m_movie = m_movie;
     insert(node, depth);
@@ -155,7 +155,7 @@ NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::fu
         if (old == &source) return nullptr;
         removeChild(*old);
     }
-    if (!m_stage.hasRoomIn(*this)) return nullptr;
+    if (!m_stage.displayList().hasRoomIn(*this)) return nullptr;
     if (original) {
         auto clip = std::make_shared<Clip>(m_stage, original->m_movie, original->m_timeline);
         clip->m_characterId = original->m_characterId;
@@ -164,7 +164,7 @@ NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::fu
         clip->m_content = original->m_content;
         if (original->m_drawing) clip->m_drawing = std::make_unique<Drawing>(*original->m_drawing);
         insert(clip, depth);
-        m_stage.enlist(clip);
+        m_stage.displayList().enlist(clip);
         copy = clip;
     } else {
         copy = instantiate(source.movie(), source.characterId(), depth);
@@ -177,7 +177,7 @@ NodePtr Clip::duplicate(Node& source, int depth, std::string name, const std::fu
     copy->m_clipDepth = source.m_clipDepth;
     copy->m_scriptTransformed = true;
     if (before) before(*copy);
-    m_stage.begin(*copy);
+    m_stage.displayList().begin(*copy);
     return copy;
 }
 
@@ -189,9 +189,9 @@ void Clip::removeChild(Node& child)
         if (node->m_unloading) return;
     const NodePtr keep = child.shared_from_this();
     // Whoever loses the focus hears of it while it still has a place.
-    m_stage.dropFocusWithin(child);
+    m_stage.focus().dropWithin(child);
     if (child.m_parent != this || child.m_unloading) return;
-    if (m_stage.queueUnload(child)) {
+    if (m_stage.displayList().queueUnload(child)) {
         // Its scripts still run once; meanwhile it is drawn, and its depth is free for others.
         child.m_unloading = true;
         take(child);
@@ -199,7 +199,14 @@ void Clip::removeChild(Node& child)
         return;
     }
     take(child);
-    m_stage.retire(child);
+    m_stage.displayList().retire(child);
+}
+
+void Clip::leave()
+{
+    stopStream();
+    m_children.clear();
+    forgetBounds();
 }
 
 void Clip::removeAllChildren()
@@ -251,37 +258,7 @@ void Clip::setHitArea(Node* node)
     m_hitArea = node ? std::weak_ptr<Node>(node->shared_from_this()) : std::weak_ptr<Node>();
 }
 
-bool Clip::isButtonLike()
-{
-    constexpr Event kButtonEvents[] = {Event::Press,    Event::Release, Event::ReleaseOutside,
-                                       Event::RollOver, Event::RollOut, Event::DragOver,
-                                       Event::DragOut};
-    for (const Event event : kButtonEvents)
-        if (hasClipEvent(event)) return true;
-    for (const Event event : kButtonEvents)
-        if (m_stage.script().namesHandler(*this, event)) return true;
-    return false;
-}
-
-double Clip::bytesTotal() const
-{
-    switch (m_content) {
-    case Content::Made:
-    case Content::Unloaded: return 0;
-    case Content::Picture: return static_cast<double>(m_fileBytes);
-    case Content::Missing: return -1;
-    case Content::Timeline: break;
-    }
-    if (m_movieRoot && m_movie) {
-        // Movies of the time before version 9 count as they are when unpacked.
-        const bool packed = m_movie->header.version >= 9 && m_movie->fileLength > 0;
-        return static_cast<double>(packed ? m_movie->fileLength : m_movie->bytes.size());
-    }
-    return m_timeline->frames.empty() ? 0 : static_cast<double>(m_timeline->frames.back().endOffset);
-}
-double Clip::bytesLoaded() const { return std::max(0.0, bytesTotal()); }
-
-std::string Clip::linkageName() const { return m_stage.linkageName(m_movie, m_characterId); }
+std::string Clip::linkageName() const { return m_stage.linkage().linkageName(m_movie, m_characterId); }
 
 void Clip::forgetBounds()
 {

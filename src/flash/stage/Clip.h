@@ -77,6 +77,11 @@ public:
 
     // ---- what came with the placement or was set by script ----
     [[nodiscard]] const std::vector<swf::ClipAction>& clipActions() const { return m_clipActions; }
+    /// Whose bytes they are.
+    [[nodiscard]] const MoviePtr& clipActionsMovie() const
+    {
+        return m_clipActionsMovie ? m_clipActionsMovie : m_movie;
+    }
     [[nodiscard]] bool hasClipEvent(Event event) const;
     bool constructed = false; ///< its class's constructor ran, or will not run again
     bool lockRoot = false;
@@ -93,6 +98,15 @@ public:
     /// What a root answers for its depth; its level stays where it is in the order of levels.
     void setRootDepth(int depth) { m_depth = depth; }
     [[nodiscard]] int levelNumber() const { return m_level; } ///< of a level's root, else -1
+    /// It becomes the root of a level, which is yet to be listed.
+    void becomeLevel(int number);
+    /// @param url of what is loaded here
+    void becomeMovieRoot(std::string url);
+    /// Puts a movie in the place of all it shows. @param movie null: nothing
+    void load(MoviePtr movie, std::string url);
+    /// What it shows is not of a movie. @param fileBytes size of its file
+    void showContent(Content content, std::size_t fileBytes = 0);
+    void unload();
     [[nodiscard]] double bytesLoaded() const;
     [[nodiscard]] double bytesTotal() const; ///< -1 when its load failed
     /// The linkage name its character was exported under; empty when none.
@@ -103,14 +117,33 @@ public:
 
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
 
+    [[nodiscard]] bool isScriptable() const override { return true; }
+    [[nodiscard]] bool isExchangeable() const override { return false; }
+    /// Queues what a new instance runs and shows its first frame.
+    void begin() override;
+    /// It runs nothing: it is only a button's hit area.
+    [[nodiscard]] bool isInert() const { return m_inert; }
+    void setInert() { m_inert = true; }
+
+    [[nodiscard]] Node* topNodeAt(swf::Point stagePoint, const Node* except) override;
+    [[nodiscard]] bool tracksAsMenu() const override { return trackAsMenu; }
+    [[nodiscard]] Cursor cursorAt(swf::Point stagePoint) override;
+    bool takeKeyPress(int keyPressCode) override;
+    [[nodiscard]] bool listensToKeys() const override;
+    [[nodiscard]] bool canTakeFocus() override;
+    [[nodiscard]] bool isTabStop() override;
+    [[nodiscard]] bool usesKeys() const override { return true; }
+    [[nodiscard]] bool isClickedByKeys() const override { return true; }
+
 protected:
+    void leave() override;
+    NodePtr ownPointerTarget(swf::Point stagePoint) override;
     void forgetBounds() override;
     std::shared_ptr<const swf::Shape> outline() override;
 
 private:
-    friend class Stage;
-    friend class Node;
-    friend class Button;
+    // It steps clips and takes off what goes.
+    friend class DisplayList;
 
     enum class Run : std::uint8_t { Whole, ListOnly };
     void step(); ///< its share of a frame: events, then the next frame when it plays
@@ -118,6 +151,7 @@ private:
     void rewindTo(int frame);
     void skipTo(int frame);
     void streamSound();
+    void stopStream();
     void place(const swf::PlaceObject& tag, int frame);
     void applyPlacement(Node& node, const swf::PlaceObject& tag);
     void replace(Node& old, const swf::PlaceObject& tag);
@@ -128,8 +162,6 @@ private:
     void insert(NodePtr node, int depth);
     void take(Node& node); ///< off the list, without any consequence
     void removeAllChildren();
-    /// Queues what a new instance runs and shows its first frame.
-    void begin();
 
     std::shared_ptr<const swf::Timeline> m_timeline;
     std::vector<NodePtr> m_children;

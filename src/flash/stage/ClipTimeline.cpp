@@ -60,18 +60,27 @@ void Clip::play()
 void Clip::stop()
 {
     m_playing = false;
+    stopStream();
+}
+
+void Clip::stopStream()
+{
     if (m_streaming) m_stage.services().sound.stopStream(this);
     m_streaming = false;
 }
 
 void Clip::begin()
 {
+    if (const Clip* parent = parentClip(); parent && m_url.empty()) m_url = parent->m_url;
     if (m_inert) {
         runFrame(0, Run::ListOnly);
         return;
     }
-    m_stage.queueEvent(*this, Event::Initialize);
-    m_stage.queueEvent(*this, Event::Construct);
+    DisplayList& list = m_stage.displayList();
+    const bool listed = !list.clips().empty() && list.clips().back().get() == this;
+    if (!listed) list.enlist(std::static_pointer_cast<Clip>(shared_from_this()));
+    m_stage.queue().addEvent(*this, Event::Initialize);
+    m_stage.queue().addEvent(*this, Event::Construct);
     step();
 }
 
@@ -83,16 +92,16 @@ void Clip::step()
     const bool loadsLate = first && !m_parent;
     if (first) {
         m_begun = true;
-        if (!loadsLate) m_stage.queueEvent(*this, Event::Load);
+        if (!loadsLate) m_stage.queue().addEvent(*this, Event::Load);
     } else if (!m_unloading) {
-        m_stage.queueEvent(*this, Event::EnterFrame);
+        m_stage.queue().addEvent(*this, Event::EnterFrame);
     }
     if (m_frame >= 0 && (!m_playing || m_unloading || m_isBroken)) return;
     const int count = loadedFrames();
     const int next = m_frame + 1;
     if (next < count) {
         runFrame(next, Run::Whole);
-        if (loadsLate) m_stage.queueEvent(*this, Event::Load);
+        if (loadsLate) m_stage.queue().addEvent(*this, Event::Load);
         streamSound();
         return;
     }
@@ -115,8 +124,7 @@ void Clip::gotoFrame(int frame)
         return;
     }
     if (frame == m_frame) return;
-    if (m_streaming) m_stage.services().sound.stopStream(this);
-    m_streaming = false;
+    stopStream();
     if (frame == m_frame + 1)
         runFrame(frame, Run::Whole);
     else if (frame > m_frame)
@@ -164,13 +172,13 @@ void Clip::runFrame(int frame, Run run)
         } else if (const auto* index = std::get_if<swf::SetTabIndex>(&tag)) {
             if (Node* child = childAt(depthOf(index->depth))) child->tabIndex = index->tabIndex;
         } else if (const auto* background = std::get_if<swf::SetBackground>(&tag)) {
-            m_stage.setBackground(background->color);
+            m_stage.view().setBackground(background->color);
         } else if (run == Run::ListOnly) {
             continue;
         } else if (const auto* action = std::get_if<swf::DoAction>(&tag)) {
-            m_stage.queueBlock(*this, m_movie, action->actions);
+            m_stage.queue().addBlock(*this, m_movie, action->actions);
         } else if (const auto* init = std::get_if<swf::DoInitAction>(&tag)) {
-            m_stage.queueInit(*this, m_movie, *init);
+            m_stage.queue().addInit(*this, m_movie, *init);
         } else if (const auto* start = std::get_if<swf::StartSound>(&tag)) {
             const swf::Character* character = m_movie->character(start->soundId);
             if (const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
@@ -199,10 +207,10 @@ void Clip::place(const swf::PlaceObject& tag, int frame)
     if (!node) return;
     node->m_placedFrame = frame;
     node->m_placedId = *tag.characterId;
-    if (tag.name) node->setName(m_stage.textOf(m_movie, *tag.name));
+    if (tag.name) node->setName(m_stage.linkage().textOf(m_movie, *tag.name));
     if (Clip* clip = asClip(node.get())) clip->m_clipActions = tag.clipActions;
     applyPlacement(*node, tag);
-    m_stage.begin(*node);
+    m_stage.displayList().begin(*node);
 }
 
 void Clip::applyPlacement(Node& node, const swf::PlaceObject& tag)
@@ -221,18 +229,14 @@ void Clip::applyPlacement(Node& node, const swf::PlaceObject& tag)
 
 void Clip::replace(Node& old, const swf::PlaceObject& tag)
 {
-    const auto isGraphic = [](const Node& node) {
-        return node.kind() != NodeKind::Clip && node.kind() != NodeKind::Button &&
-               node.kind() != NodeKind::TextField;
-    };
     // Instances that scripts can know stay; only what is purely drawn is exchanged.
-    if (!isGraphic(old) || old.characterId() == *tag.characterId) {
+    if (!old.isExchangeable() || old.characterId() == *tag.characterId) {
         applyPlacement(old, tag);
         return;
     }
     const NodePtr keep = old.shared_from_this();
-    const NodePtr fresh = m_stage.makeNode(m_movie, *tag.characterId);
-    if (!fresh || !isGraphic(*fresh)) {
+    const NodePtr fresh = m_stage.displayList().makeNode(m_movie, *tag.characterId);
+    if (!fresh || !fresh->isExchangeable()) {
         applyPlacement(old, tag);
         return;
     }
@@ -246,7 +250,7 @@ void Clip::replace(Node& old, const swf::PlaceObject& tag)
     fresh->setRatio(old.m_ratio);
     const int depth = old.m_depth;
     take(old);
-    m_stage.retire(old);
+    m_stage.displayList().retire(old);
     insert(fresh, depth);
     applyPlacement(*fresh, tag);
 }
@@ -278,11 +282,11 @@ void Clip::rewindTo(int frame)
     const std::vector<NodePtr> gone = std::move(m_aside);
     m_aside.clear();
     for (const NodePtr& node : gone) {
-        if (m_stage.queueUnload(*node)) {
+        if (m_stage.displayList().queueUnload(*node)) {
             node->m_unloading = true;
             insert(node, kUnloadDepthBase - node->m_depth);
         } else {
-            m_stage.retire(*node);
+            m_stage.displayList().retire(*node);
         }
     }
 }

@@ -107,6 +107,7 @@ public:
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+    [[nodiscard]] bool isScriptable() const override { return true; }
     void setSmoothing(bool on);
     [[nodiscard]] bool smoothing() const { return m_smoothing; }
     int deblocking = 0; ///< kept for scripts; the decoder does as the stream says

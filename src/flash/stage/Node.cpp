@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace flash::stage
 {
@@ -135,7 +136,8 @@ struct Node::SliceCache {
     std::shared_ptr<const swf::Shape> source, result;
 };
 
-Node::Node(Stage& stage, NodeKind kind) : m_stage(stage), m_kind(kind), m_listed(stage.m_instances)
+Node::Node(Stage& stage, NodeKind kind)
+    : m_stage(stage), m_kind(kind), m_listed(stage.displayList().instanceCount())
 {
     ++*m_listed;
 }
@@ -239,7 +241,7 @@ void Node::invalidate()
 {
     if (m_changed || m_removed) return;
     m_changed = true;
-    m_stage.noteChanged(*this);
+    m_stage.view().noteChanged(*this);
 }
 
 void Node::contentChanged()
@@ -254,5 +256,30 @@ void Node::forgetBounds()
 {
     if (m_parent) m_parent->forgetBounds();
 }
+
+render::IntRect Node::takeChange()
+{
+    m_changed = false;
+    return std::exchange(m_drawnBounds, {});
+}
+
+std::vector<NodePtr> Node::held() const { return {children().begin(), children().end()}; }
+
+NodePtr Node::pointerTarget(swf::Point stagePoint)
+{
+    if (!m_visible || m_maskee || m_unloading) return nullptr;
+    if (m_mask && !m_mask->hitsShape(stagePoint)) return nullptr;
+    return ownPointerTarget(stagePoint);
+}
+
+bool Node::answersPointer() { return m_stage.pointer().over() == this || m_stage.script().isEnabled(*this); }
+
+Node* Node::topNodeAt(swf::Point stagePoint, const Node* except)
+{
+    if (this == except || !m_visible || m_maskee) return nullptr;
+    return hitsShape(stagePoint) ? this : nullptr;
+}
+
+Cursor Node::cursorAt(swf::Point) { return Cursor::Arrow; }
 
 } // namespace flash::stage

@@ -23,6 +23,9 @@ class Stage;
 class Clip;
 class Button;
 class Node;
+enum class Event : std::uint8_t;
+enum class Cursor : std::uint8_t;
+enum class TextCommand : std::uint8_t;
 using NodePtr = std::shared_ptr<Node>;
 
 enum class NodeKind : std::uint8_t { Shape, Morph, StaticText, Clip, Button, TextField, Video, Bitmap };
@@ -36,7 +39,7 @@ constexpr int kUnloadDepthBase = -32769;
 /// One instance on (or once on) a display list.
 ///
 /// Shared by its parent's list and by script objects: a script may keep an instance that left the stage;
-/// isRemoved() tells. Created by Clip and Stage only.
+/// isRemoved() tells. Created by DisplayList and by what contains it.
 class Node : public std::enable_shared_from_this<Node>
 {
 public:
@@ -155,6 +158,55 @@ public:
     /// The same, and what it shows has other bounds than before.
     void contentChanged();
 
+    /// Where it was drawn last. From now on it counts as drawn nowhere, and as unchanged.
+    [[nodiscard]] render::IntRect takeChange();
+    /// @param where device pixels that it may have painted
+    void noteDrawn(const render::IntRect& where) { m_drawnBounds = where; }
+
+    // ---- what depends on its kind ----
+    /// Scripts know it by a name.
+    [[nodiscard]] virtual bool isScriptable() const { return false; }
+    /// Scripts cannot tell when a placement puts another character in its place.
+    [[nodiscard]] virtual bool isExchangeable() const { return true; }
+    /// It is on its list: its first turn.
+    virtual void begin() {}
+
+    // ---- pointer, keys and focus ----
+    /// What the pointer works on at a point of the stage (twips): the node or something in it, or null.
+    [[nodiscard]] NodePtr pointerTarget(swf::Point stagePoint);
+    /// The topmost node drawn there; `except` and what it contains do not count.
+    [[nodiscard]] virtual Node* topNodeAt(swf::Point stagePoint, const Node* except);
+    /// Of what takes the pointer, in its own space.
+    [[nodiscard]] virtual swf::Rect pointerBounds() { return bounds(); }
+    /// The pointer may come and go with its button held.
+    [[nodiscard]] virtual bool tracksAsMenu() const { return false; }
+    [[nodiscard]] virtual Cursor cursorAt(swf::Point stagePoint);
+    /// Pointer and keys come to it as events for its handlers; a text field deals with them itself.
+    [[nodiscard]] virtual bool hearsInput() const { return true; }
+    /// Does what the file says of the event, before any handler of a script.
+    virtual void answerPointer(Event) {}
+    /// Of that, what the file's actions are; a click by the keyboard has no more.
+    virtual void runPointerActions(Event) {}
+    /// Queues what it or something in it has for a key of the file's numbering. @returns whether anything
+    virtual bool takeKeyPress(int /*keyPressCode*/) { return false; }
+    /// Whether the file has handlers of keys for it, or for something in it.
+    [[nodiscard]] virtual bool listensToKeys() const { return false; }
+    /// Whether a script may give it the focus.
+    [[nodiscard]] virtual bool canTakeFocus() { return false; }
+    /// Whether the Tab key stops at it, unless a script says otherwise.
+    [[nodiscard]] virtual bool isTabStop() { return false; }
+    /// With the focus, it does something with keys.
+    [[nodiscard]] virtual bool usesKeys() const { return false; }
+    /// With the focus, Enter and the space bar click it.
+    [[nodiscard]] virtual bool isClickedByKeys() const { return false; }
+    virtual void focusGained() {}
+    virtual void focusLost() {}
+    /// A character was typed.
+    virtual void input(char32_t /*character*/) {}
+    virtual void command(TextCommand) {}
+    /// The stage is about to be drawn.
+    virtual void tick(double /*nowMs*/) {}
+
     // ---- focus; meaningful for clips, buttons and text fields ----
     std::optional<int> tabIndex;
     std::optional<bool> tabEnabled, focusRect;
@@ -171,8 +223,17 @@ protected:
     /// A cached extent somewhere above is out of date.
     virtual void forgetBounds();
 
-    friend class Stage;
-    friend class Renderer;
+    /// What goes when it goes.
+    [[nodiscard]] virtual std::vector<NodePtr> held() const;
+    /// It left for good: lets go of what it contains.
+    virtual void leave() {}
+    /// pointerTarget(), where it is there for the pointer at all.
+    virtual NodePtr ownPointerTarget(swf::Point /*stagePoint*/) { return nullptr; }
+    /// What is disabled under the pointer keeps it, and hears nothing, until the pointer leaves.
+    [[nodiscard]] bool answersPointer();
+
+    // Whoever holds nodes places them.
+    friend class DisplayList;
     friend class Clip;
     friend class Button;
 

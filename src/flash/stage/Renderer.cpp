@@ -34,7 +34,7 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     }
     render::IntRect reach = content;
     if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
-    if (!m_pictureRoot) node.m_drawnBounds = reach;
+    if (!m_pictureRoot) node.noteDrawn(reach);
     if (!reach.intersects(m_canvas.clip())) return;
 
     const bool alphaMask = node.mask() && node.cacheAsBitmap() && node.mask()->cacheAsBitmap();

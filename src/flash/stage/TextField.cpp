@@ -22,7 +22,7 @@ std::u16string withCarriageReturns(std::u16string text)
     return text;
 }
 
-TextFormat formatOf(const Stage& stage, const MoviePtr& movie, const swf::EditText& definition)
+TextFormat formatOf(Stage& stage, const MoviePtr& movie, const swf::EditText& definition)
 {
     TextFormat format;
     render::TextStyle& style = format.style;
@@ -32,7 +32,7 @@ TextFormat formatOf(const Stage& stage, const MoviePtr& movie, const swf::EditTe
         style.size = definition.fontHeight;
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
         if (const auto* font = character ? std::get_if<swf::Font>(&character->data) : nullptr) {
-            style.font = stage.textOf(movie, font->name);
+            style.font = stage.linkage().textOf(movie, font->name);
             // HTML says so itself.
             style.bold = font->bold && !definition.html;
             style.italic = font->italic && !definition.html;
@@ -70,9 +70,9 @@ TextField::TextField(Stage& stage, MoviePtr movie, const swf::EditText& definiti
     rendering.gridFit = static_cast<Rendering::GridFit>(std::min<int>(definition.rendering.gridFit, 2));
     rendering.thickness = definition.rendering.thickness;
     rendering.sharpness = definition.rendering.sharpness;
-    m_variable = m_stage.textOf(m_movie, definition.variableName);
+    m_variable = m_stage.linkage().textOf(m_movie, definition.variableName);
     if (!definition.hasText) return;
-    std::u16string text = base::utf16FromUtf8(m_stage.textOf(m_movie, definition.initialText));
+    std::u16string text = base::utf16FromUtf8(m_stage.linkage().textOf(m_movie, definition.initialText));
     if (m_html) {
         m_source = std::move(text);
         readHtml();
@@ -207,14 +207,14 @@ void TextField::syncVariable()
     if (m_variable.empty() || !scope || isRemoved()) return;
     if (!m_bound) {
         m_bound = true;
-        m_stage.noteBound(*this);
+        m_stage.displayList().noteBound(*this);
     }
     const std::optional<std::string> value = m_stage.script().variable(*scope, m_variable);
     const bool fresh = std::exchange(m_variableIsFresh, false);
     if (!value) {
         // A variable that does not exist gets the text that the field began with.
         if (fresh && m_definition.hasText) {
-            std::string initial = m_stage.textOf(m_movie, m_definition.initialText);
+            std::string initial = m_stage.linkage().textOf(m_movie, m_definition.initialText);
             m_variableIsFresh = !m_stage.script().setVariable(*scope, m_variable, initial);
         }
         return;

@@ -10,8 +10,6 @@
 namespace flash::stage
 {
 
-enum class TextCommand : std::uint8_t;
-
 /// A text that scripts and users change.
 ///
 /// Positions are places between characters and count UTF-16 units; lines count from 0. What depends on the
@@ -130,10 +128,10 @@ public:
     [[nodiscard]] bool hasSelection() const { return m_hasSelection; }
 
     // ---- the user at work ----
-    void focusGained();
-    void focusLost();
-    void input(char32_t character);
-    void command(TextCommand command);
+    void focusGained() override;
+    void focusLost() override;
+    void input(char32_t character) override;
+    void command(TextCommand command) override;
     void press(swf::Point stagePoint, int clicks = 1);
     void drag(swf::Point stagePoint);
     /// Scrolls by the wheel. @returns whether there was anything to scroll
@@ -141,7 +139,19 @@ public:
     /// The format of the link at the point; null when there is none. What is being edited has no links.
     [[nodiscard]] const TextFormat* linkAt(swf::Point stagePoint);
     /// Lets the caret blink.
-    void tick(double nowMs);
+    void tick(double nowMs) override;
+    [[nodiscard]] bool hearsInput() const override { return false; }
+    [[nodiscard]] Cursor cursorAt(swf::Point stagePoint) override;
+    [[nodiscard]] bool canTakeFocus() override { return true; }
+    [[nodiscard]] bool isTabStop() override { return isInput(); }
+    [[nodiscard]] bool usesKeys() const override { return isInput(); }
+
+    [[nodiscard]] bool isScriptable() const override { return true; }
+    [[nodiscard]] bool isExchangeable() const override { return false; }
+    void begin() override;
+
+protected:
+    NodePtr ownPointerTarget(swf::Point stagePoint) override;
 
 private:
     class Fonts;

@@ -56,7 +56,7 @@ char16_t otherCase(char16_t c)
 
 } // namespace
 
-bool TextField::isFocused() const { return m_stage.focus() == this; }
+bool TextField::isFocused() const { return m_stage.focus().node() == this; }
 
 void TextField::select(std::size_t anchor, std::size_t caret)
 {
@@ -69,6 +69,20 @@ void TextField::select(std::size_t anchor, std::size_t caret)
 }
 
 // Whoever was told of the focus first may have selected something else.
+void TextField::begin()
+{
+    syncVariable();
+    m_stage.script().textFieldPlaced(*this);
+}
+
+NodePtr TextField::ownPointerTarget(swf::Point stagePoint)
+{
+    const bool taken = selectable || isInput() ? hitsShape(stagePoint) : linkAt(stagePoint) != nullptr;
+    return taken ? shared_from_this() : nullptr;
+}
+
+Cursor TextField::cursorAt(swf::Point stagePoint) { return linkAt(stagePoint) ? Cursor::Hand : Cursor::Text; }
+
 void TextField::focusGained()
 {
     if (!m_hasSelection) select(0, m_content.size());

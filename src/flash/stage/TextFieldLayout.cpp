@@ -35,14 +35,14 @@ public:
         const swf::EditText& definition = m_field.m_definition;
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
         const auto* own = character ? std::get_if<swf::Font>(&character->data) : nullptr;
-        if (own && m_field.m_stage.textOf(movie, own->name) == style.font && own->bold == style.bold &&
-            own->italic == style.italic)
+        if (own && m_field.m_stage.linkage().textOf(movie, own->name) == style.font &&
+            own->bold == style.bold && own->italic == style.italic)
             return fonts.embedded(movie, definition.fontId);
         if (render::FontFacePtr face = fonts.embedded(movie, style.font, style.bold, style.italic))
             return face;
         // HTML need not repeat that the field's own font is a bold one.
         const bool plain = own && !style.bold && !style.italic;
-        return plain && m_field.m_html && m_field.m_stage.textOf(movie, own->name) == style.font
+        return plain && m_field.m_html && m_field.m_stage.linkage().textOf(movie, own->name) == style.font
                    ? fonts.embedded(movie, definition.fontId)
                    : nullptr;
     }

@@ -34,7 +34,8 @@ TextFonts::PerMovie& TextFonts::of(const MoviePtr& movie)
     for (const auto& [id, character] : movie->characters) {
         const auto* font = std::get_if<swf::Font>(&character->data);
         if (!font || font->glyphs.empty()) continue;
-        known.fontByKey.emplace(keyOf(m_stage.textOf(movie, font->name), font->bold, font->italic), id);
+        known.fontByKey.emplace(keyOf(m_stage.linkage().textOf(movie, font->name), font->bold, font->italic),
+                                id);
     }
     return known;
 }

@@ -19,7 +19,7 @@ class Stage;
 class TextFonts
 {
 public:
-    explicit TextFonts(const Stage& stage) : m_stage(stage) {}
+    explicit TextFonts(Stage& stage) : m_stage(stage) {}
     /// A font of the movie's dictionary. @returns null when there is none of that name and style
     render::FontFacePtr embedded(const MoviePtr& movie, const std::string& name, bool bold, bool italic);
     /// By its number. @returns null when that is no font
@@ -36,7 +36,7 @@ private:
     };
     PerMovie& of(const MoviePtr& movie);
     std::unordered_map<const swf::Movie*, PerMovie> m_movies;
-    const Stage& m_stage; // which owns this
+    Stage& m_stage; // which owns this
     render::DeviceFonts m_device;
 };
 

@@ -56,19 +56,19 @@ protected:
     void load(int level, const std::string& name)
     {
         m_engine.act([&](stage::Stage& stage) {
-            stage.loadIntoLevel(level, {name, stage.url(), stage::LoadRequest::Method::None, {}});
+            stage.loads().intoLevel(level, {name, stage.url(), stage::LoadRequest::Method::None, {}});
         });
         m_engine.advance(200);
     }
     bool isFilled(int level)
     {
-        const stage::Clip* clip = m_engine.stage().level(level);
+        const stage::Clip* clip = m_engine.stage().displayList().level(level);
         return clip != nullptr && clip->bytesTotal() > 1000;
     }
 
     bool showsPicture(int level)
     {
-        const stage::Clip* clip = m_engine.stage().level(level);
+        const stage::Clip* clip = m_engine.stage().displayList().level(level);
         return clip != nullptr && clip->content() == stage::Clip::Content::Picture;
     }
 
@@ -86,7 +86,7 @@ TEST_F(EngineHolding, WhatIsLoadedTogetherHasOneBoundAndFreesItsRoom)
     EXPECT_EQ(m_host.limits, 1) << "the user is told, and once";
     EXPECT_EQ(m_host.ends, 0) << "the movie plays on";
 
-    m_engine.act([](stage::Stage& stage) { stage.unloadLevel(2); });
+    m_engine.act([](stage::Stage& stage) { stage.loads().unloadLevel(2); });
     m_engine.advance(200);
     load(6, "big.swf");
     EXPECT_TRUE(isFilled(6)) << "what was unloaded makes room";
@@ -97,8 +97,8 @@ TEST_F(EngineHolding, WhatIsLoadedTogetherHasOneBoundAndFreesItsRoom)
     load(7, "picture.png");
     EXPECT_FALSE(showsPicture(7));
     m_engine.act([](stage::Stage& stage) {
-        stage.unloadLevel(6);
-        stage.unloadLevel(1);
+        stage.loads().unloadLevel(6);
+        stage.loads().unloadLevel(1);
     });
     m_engine.advance(200);
     load(7, "picture.png");
@@ -106,14 +106,14 @@ TEST_F(EngineHolding, WhatIsLoadedTogetherHasOneBoundAndFreesItsRoom)
 
     // Into a clip as into a level, and a movie that fits just once fits.
     m_engine.act([](stage::Stage& stage) {
-        for (int level = 1; level <= 8; ++level) stage.unloadLevel(level);
+        for (int level = 1; level <= 8; ++level) stage.loads().unloadLevel(level);
     });
     m_engine.advance(200);
     writeMovie("large.swf", 3 * kMega);
     std::shared_ptr<stage::Clip> clip;
     m_engine.act([&](stage::Stage& stage) {
         clip = stage.root()->attachEmpty(1, "clip");
-        stage.loadIntoClip(*clip, {"large.swf", stage.url(), stage::LoadRequest::Method::None, {}});
+        stage.loads().intoClip(*clip, {"large.swf", stage.url(), stage::LoadRequest::Method::None, {}});
     });
     m_engine.advance(200);
     EXPECT_GT(clip->bytesTotal(), 3.0 * kMega);

@@ -43,10 +43,10 @@ TEST(StageBounds, EndsWhereFewDefinitionsMakeInstancesWithoutEnd)
     movie.tag(0, B::placed(kLevels + 1, 1));
     Fixture f;
     f.open(movie);
-    EXPECT_EQ(f.stage.instances(), guard::kMostInstances);
+    EXPECT_EQ(f.stage.displayList().instances(), guard::kMostInstances);
     EXPECT_EQ(f.reports, std::vector{Bound::Instances});
     f.stage.close();
-    EXPECT_EQ(f.stage.instances(), 0U) << "what has left the stage makes room";
+    EXPECT_EQ(f.stage.displayList().instances(), 0U) << "what has left the stage makes room";
 }
 
 TEST(StageBounds, LeavesOutWhatContainsItself)
@@ -72,7 +72,7 @@ TEST(StageBounds, LeavesOutWhatContainsItself)
     movie.tag(0, B::placed(4, 2));
     Fixture f;
     f.open(movie);
-    EXPECT_LE(f.stage.instances(), 1100U);
+    EXPECT_LE(f.stage.displayList().instances(), 1100U);
     EXPECT_EQ(f.reports, std::vector{Bound::SelfContained});
 }
 
@@ -113,7 +113,7 @@ TEST(StageBounds, NestsOnlySoDeeply)
     EXPECT_FALSE(f.stage.root()->hitsShape({0, 0}));
     EXPECT_EQ(at->slashPath().size(), 2U * static_cast<std::size_t>(depth));
     f.stage.root()->removeChild(*f.stage.root()->childAt(1));
-    EXPECT_EQ(f.stage.instances(), 1U);
+    EXPECT_EQ(f.stage.displayList().instances(), 1U);
 }
 
 TEST(StageBounds, ForgetsInstancesThatNobodyDraws)
@@ -129,7 +129,7 @@ TEST(StageBounds, ForgetsInstancesThatNobodyDraws)
         f.stage.advanceFrame();
     }
     // Their control blocks, which are one with them, are let go of as well; seen from here by the list only.
-    EXPECT_LT(f.stage.notedChanges(), 1000U);
+    EXPECT_LT(f.stage.view().notedChanges(), 1000U);
 }
 
 TEST(StageBounds, TakesNoMoreCommandsThanItCanHold)
@@ -139,12 +139,12 @@ TEST(StageBounds, TakesNoMoreCommandsThanItCanHold)
     f.open(movie);
     const guard::Turn turn(f.watch);
     int run = 0;
-    for (int i = 0; i < 100; ++i) f.stage.queueRequest([&] { ++run; }, guard::kMostRequestBytes / 10);
-    f.stage.runQueue();
+    for (int i = 0; i < 100; ++i) f.stage.queue().addRequest([&] { ++run; }, guard::kMostRequestBytes / 10);
+    f.stage.queue().run();
     EXPECT_EQ(run, 10);
     EXPECT_EQ(f.reports, std::vector{Bound::Requests});
-    f.stage.queueRequest([&] { ++run; }, guard::kMostRequestBytes / 2);
-    f.stage.runQueue();
+    f.stage.queue().addRequest([&] { ++run; }, guard::kMostRequestBytes / 2);
+    f.stage.queue().run();
     EXPECT_EQ(run, 11) << "later ones are taken again";
 }
 

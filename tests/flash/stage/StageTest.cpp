@@ -256,22 +256,22 @@ TEST(Pointer, DrivesAButtonThroughItsStates)
     Fixture f;
     f.stage.open(movie.take(), "m.swf");
     const auto& button = static_cast<const Button&>(*f.stage.root()->children().front());
-    f.stage.mouseMove(5, 5);
-    f.stage.mouseMove(15, 15);
-    EXPECT_EQ(f.stage.cursor(), Cursor::Hand);
+    f.stage.pointer().move(5, 5);
+    f.stage.pointer().move(15, 15);
+    EXPECT_EQ(f.stage.pointer().cursor(), Cursor::Hand);
     EXPECT_EQ(button.state(), Button::State::Over);
-    f.stage.mouseDown(15, 15);
+    f.stage.pointer().press(15, 15);
     EXPECT_EQ(button.state(), Button::State::Down);
-    f.stage.mouseMove(50, 50);
-    f.stage.mouseMove(15, 15);
-    f.stage.mouseUp(15, 15);
+    f.stage.pointer().move(50, 50);
+    f.stage.pointer().move(15, 15);
+    f.stage.pointer().release(15, 15);
     EXPECT_THAT(f.script.takeLines(), ElementsAre("over", "press", "dragOut", "dragOver", "release"));
-    f.stage.mouseDown(15, 15);
-    f.stage.mouseMove(50, 50);
-    f.stage.mouseUp(50, 50);
+    f.stage.pointer().press(15, 15);
+    f.stage.pointer().move(50, 50);
+    f.stage.pointer().release(50, 50);
     EXPECT_THAT(f.script.takeLines(), ElementsAre("press", "dragOut", "outside"));
     EXPECT_EQ(button.state(), Button::State::Up);
-    f.stage.keyDown(13);
+    f.stage.keyboard().press(13);
     EXPECT_THAT(f.script.takeLines(), ElementsAre("enterKey"));
 }
 
@@ -287,15 +287,15 @@ TEST(Pointer, HiddenMaskedAndCoveredThings)
     Fixture f;
     f.stage.open(movie.take(), "m.swf");
     Clip& root = *f.stage.root();
-    f.stage.mouseMove(12, 12);
+    f.stage.pointer().move(12, 12);
     Node& masked = *root.childAt(kTimelineDepth + 5);
     EXPECT_EQ(static_cast<Button&>(masked).state(), Button::State::Over);
-    f.stage.mouseMove(25, 25);
+    f.stage.pointer().move(25, 25);
     EXPECT_EQ(static_cast<Button&>(masked).state(), Button::State::Up) << "outside of its mask";
     EXPECT_EQ(static_cast<Button&>(*root.childAt(kTimelineDepth + 1)).state(), Button::State::Over);
     root.childAt(kTimelineDepth + 1)->setVisible(false);
     f.stage.advanceFrame();
-    EXPECT_EQ(f.stage.cursor(), Cursor::Arrow) << "what moves away under the pointer loses it";
+    EXPECT_EQ(f.stage.pointer().cursor(), Cursor::Arrow) << "what moves away under the pointer loses it";
 }
 
 TEST(Pointer, DragsWithinLimits)
@@ -306,13 +306,13 @@ TEST(Pointer, DragsWithinLimits)
     Fixture f;
     f.stage.open(movie.take(), "m.swf");
     auto& clip = static_cast<Clip&>(*f.stage.root()->children().front());
-    f.stage.mouseMove(10, 10);
-    f.stage.startDrag(clip, false, Stage::DragLimits{0, 0, 20, 30});
-    f.stage.mouseMove(14, 90);
+    f.stage.pointer().move(10, 10);
+    f.stage.pointer().startDrag(clip, false, Pointer::DragLimits{0, 0, 20, 30});
+    f.stage.pointer().move(14, 90);
     EXPECT_EQ(clip.x(), 9);
     EXPECT_EQ(clip.y(), 30);
-    f.stage.stopDrag();
-    f.stage.mouseMove(1, 1);
+    f.stage.pointer().stopDrag();
+    f.stage.pointer().move(1, 1);
     EXPECT_EQ(clip.x(), 9);
 }
 
@@ -321,7 +321,7 @@ TEST(View, ScaleModesAndPointer)
     B movie(1, 100, 50);
     Fixture f;
     f.stage.open(movie.take(), "m.swf");
-    f.stage.setViewSize(400, 400);
+    f.stage.view().setSize(400, 400);
     struct Case {
         const char* name;
         ScaleMode mode;
@@ -335,15 +335,15 @@ TEST(View, ScaleModesAndPointer)
     };
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);
-        f.stage.setScaleMode(c.mode);
-        const swf::Matrix view = f.stage.viewMatrix();
+        f.stage.view().setScaleMode(c.mode);
+        const swf::Matrix view = f.stage.view().matrix();
         EXPECT_DOUBLE_EQ(view.a * 20, c.scaleX);
         EXPECT_DOUBLE_EQ(view.d * 20, c.scaleY);
         EXPECT_DOUBLE_EQ(view.tx, c.left);
         EXPECT_DOUBLE_EQ(view.ty, c.top);
-        f.stage.mouseMove(c.left + 10 * c.scaleX, c.top + 5 * c.scaleY);
-        EXPECT_NEAR(f.stage.mousePosition().x, 200, 1e-6);
-        EXPECT_NEAR(f.stage.mousePosition().y, 100, 1e-6);
+        f.stage.pointer().move(c.left + 10 * c.scaleX, c.top + 5 * c.scaleY);
+        EXPECT_NEAR(f.stage.pointer().position().x, 200, 1e-6);
+        EXPECT_NEAR(f.stage.pointer().position().y, 100, 1e-6);
     }
 }
 

@@ -86,7 +86,7 @@ struct Fixture {
     }
     void type(std::u16string_view text)
     {
-        for (const char16_t c : text) stage.textInput(c);
+        for (const char16_t c : text) stage.keyboard().type(c);
     }
     Clipboard clipboard;
     NullServices services;
@@ -97,17 +97,17 @@ struct Fixture {
 TEST(TextField, TypesReplacesAndErases)
 {
     Fixture f(input("abc"));
-    f.stage.setFocus(&f.field());
+    f.stage.focus().set(&f.field());
     EXPECT_EQ(f.field().selectionEnd(), 3U) << "the focus selects everything";
     f.type(u"xyz");
     EXPECT_EQ(f.field().text(), u"xyz");
-    f.stage.textCommand(TextCommand::MoveLeft);
-    f.stage.textCommand(TextCommand::Backspace);
+    f.stage.keyboard().command(TextCommand::MoveLeft);
+    f.stage.keyboard().command(TextCommand::Backspace);
     EXPECT_EQ(f.field().text(), u"xz");
-    f.stage.textCommand(TextCommand::SelectLineEnd);
-    f.stage.textCommand(TextCommand::Cut);
-    f.stage.textCommand(TextCommand::MoveDocumentStart);
-    f.stage.textCommand(TextCommand::Paste);
+    f.stage.keyboard().command(TextCommand::SelectLineEnd);
+    f.stage.keyboard().command(TextCommand::Cut);
+    f.stage.keyboard().command(TextCommand::MoveDocumentStart);
+    f.stage.keyboard().command(TextCommand::Paste);
     EXPECT_EQ(f.field().text(), u"zx");
     EXPECT_EQ(f.script.changes, 6);
 }
@@ -126,7 +126,7 @@ TEST(TextField, TakesOnlyWhatItIsToldTo)
         Fixture f(input());
         f.field().restrict = c.restrict;
         f.field().maxChars = c.most;
-        f.stage.setFocus(&f.field());
+        f.stage.focus().set(&f.field());
         f.type(c.typed);
         EXPECT_EQ(f.field().text(), c.taken) << std::string(c.restrict.begin(), c.restrict.end());
     }
@@ -137,29 +137,29 @@ TEST(TextField, KeepsSecretsAndReadOnlyTexts)
     swf::EditText secret = input("word");
     secret.password = true;
     Fixture f(secret);
-    f.stage.setFocus(&f.field());
-    f.stage.textCommand(TextCommand::Copy);
-    f.stage.textCommand(TextCommand::Cut);
+    f.stage.focus().set(&f.field());
+    f.stage.keyboard().command(TextCommand::Copy);
+    f.stage.keyboard().command(TextCommand::Cut);
     EXPECT_EQ(f.clipboard.held, "");
     EXPECT_EQ(f.field().text(), u"word");
     swf::EditText fixed = input("word");
     fixed.readOnly = true;
     Fixture g(fixed);
-    g.stage.setFocus(&g.field());
+    g.stage.focus().set(&g.field());
     g.type(u"x");
-    g.stage.textCommand(TextCommand::Delete);
+    g.stage.keyboard().command(TextCommand::Delete);
     EXPECT_EQ(g.field().text(), u"word");
 }
 
 TEST(TextField, SelectsWithTheMouse)
 {
     Fixture f(input("hello you"));
-    f.stage.mouseDown(21, 10);
-    f.stage.mouseMove(63, 10);
-    f.stage.mouseUp(63, 10);
+    f.stage.pointer().press(21, 10);
+    f.stage.pointer().move(63, 10);
+    f.stage.pointer().release(63, 10);
     EXPECT_EQ(f.field().selectionBegin(), 2U);
     EXPECT_EQ(f.field().selectionEnd(), 6U);
-    f.stage.mouseDown(75, 10, MouseButton::Left, 2);
+    f.stage.pointer().press(75, 10, MouseButton::Left, 2);
     EXPECT_EQ(f.field().selectionBegin(), 6U);
     EXPECT_EQ(f.field().selectionEnd(), 9U);
 }
@@ -170,8 +170,8 @@ TEST(TextField, ShowsTheHandOverLinksOnly)
     definition.html = definition.readOnly = true;
     Fixture f(std::move(definition));
     const auto cursorAt = [&f](double x) {
-        f.stage.mouseMove(x, 10);
-        return f.stage.cursor();
+        f.stage.pointer().move(x, 10);
+        return f.stage.pointer().cursor();
     };
     EXPECT_EQ(cursorAt(12), Cursor::Text);
     EXPECT_EQ(cursorAt(45), Cursor::Hand);
@@ -180,13 +180,13 @@ TEST(TextField, ShowsTheHandOverLinksOnly)
     f.field().selectable = false;
     EXPECT_EQ(cursorAt(12), Cursor::Arrow);
     EXPECT_EQ(cursorAt(45), Cursor::Hand);
-    f.stage.mouseDown(45, 10);
-    f.stage.mouseMove(65, 10);
+    f.stage.pointer().press(45, 10);
+    f.stage.pointer().move(65, 10);
     EXPECT_EQ(f.script.followed, u"") << "a link is followed when the button is let go";
-    f.stage.mouseUp(65, 10);
+    f.stage.pointer().release(65, 10);
     EXPECT_EQ(f.script.followed, u"there");
     EXPECT_EQ(f.field().selectionBegin(), f.field().selectionEnd());
-    EXPECT_EQ(f.stage.focus(), nullptr);
+    EXPECT_EQ(f.stage.focus().node(), nullptr);
     f.field().readOnly = false;
     EXPECT_EQ(cursorAt(45), Cursor::Text) << "what is being edited";
 }
@@ -239,7 +239,7 @@ TEST(TextField, FollowsItsVariableAndSetsIt)
     EXPECT_EQ(f.field().text(), u"second");
     f.field().setText(u"third");
     EXPECT_EQ(f.script.values["v"], "third");
-    f.stage.setFocus(&f.field());
+    f.stage.focus().set(&f.field());
     f.type(u"x");
     EXPECT_EQ(f.script.values["v"], "x");
 }

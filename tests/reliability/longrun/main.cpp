@@ -102,7 +102,7 @@ bool playFor(double hours, const std::string& movie)
     constexpr int kWidth = 320, kHeight = 240;
     flash::stage::HostEvents host;
     flash::Engine engine(host, {});
-    engine.stage().setViewSize(kWidth, kHeight);
+    engine.stage().view().setSize(kWidth, kHeight);
     if (const auto opened = engine.open(movie); !opened) {
         std::printf("%s: %s\n", movie.c_str(), opened.error().what.c_str());
         return false;
@@ -120,9 +120,9 @@ bool playFor(double hours, const std::string& movie)
         engine.render(image, image.rect());
         seed = seed * 1664525U + 1013904223U;
         const double x = seed >> 8U & 0xFFU, y = seed >> 16U & 0xFFU;
-        engine.stage().mouseMove(x, y);
-        engine.stage().mouseDown(x, y);
-        engine.stage().mouseUp(x, y);
+        engine.stage().pointer().move(x, y);
+        engine.stage().pointer().press(x, y);
+        engine.stage().pointer().release(x, y);
         if (step % (steps / kSamples) != 0) continue;
         char when[32];
         std::snprintf(when, sizeof(when), "after %.2f h", static_cast<double>(step) * kStepMs / kMsAnHour);

@@ -77,7 +77,8 @@ Value changing(Call& call)
 {
     const auto* native = call.native<BitmapDataNative>();
     const Value result = guarded<Function, Least>(call);
-    if (native != nullptr && native->bitmap.use_count() > 1) StageBinding::of(call).stage().invalidateAll();
+    if (native != nullptr && native->bitmap.use_count() > 1)
+        StageBinding::of(call).stage().view().invalidateAll();
     return result;
 }
 

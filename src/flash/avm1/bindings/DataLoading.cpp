@@ -58,8 +58,8 @@ bool fetchInto(Call& call, Object* object, std::string url,
         object->put(vm, vm.name(std::string_view("loaded")), Value(false));
     else
         object->define(vm, "loaded", Value(false), kDontEnum);
-    binding.stage().fetch(std::move(request), [&binding, target,
-                                               version](const base::Result<stage::LoadAnswer>& answer) {
+    binding.stage().loads().fetch(std::move(request), [&binding, target, version](
+                                                          const base::Result<stage::LoadAnswer>& answer) {
         Vm& machine = binding.vm();
         const Vm::VersionScope scope(machine, version);
         Value text;

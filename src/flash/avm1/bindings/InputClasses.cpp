@@ -10,17 +10,20 @@ namespace
 Value isDown(Call& call)
 {
     stage::Stage& stage = StageBinding::of(call).stage();
-    stage.noteKeysAsked();
-    return Value(stage.isKeyDown(intArg(call, 0)));
+    stage.keyboard().noteAsked();
+    return Value(stage.keyboard().isDown(intArg(call, 0)));
 }
-Value isToggled(Call& call) { return Value(StageBinding::of(call).stage().isKeyToggled(intArg(call, 0))); }
+Value isToggled(Call& call)
+{
+    return Value(StageBinding::of(call).stage().keyboard().isToggled(intArg(call, 0)));
+}
 Value getCode(Call& call)
 {
     stage::Stage& stage = StageBinding::of(call).stage();
-    stage.noteKeysAsked();
-    return Value(stage.lastKeyCode());
+    stage.keyboard().noteAsked();
+    return Value(stage.keyboard().lastCode());
 }
-Value getAscii(Call& call) { return Value(StageBinding::of(call).stage().lastCharCode()); }
+Value getAscii(Call& call) { return Value(StageBinding::of(call).stage().keyboard().lastCharacter()); }
 Value isAccessible(Call&) { return Value(false); }
 
 // clang-format off
@@ -45,13 +48,13 @@ constexpr KeyName kKeyNames[] = {
 
 Value showMouse(Call& call)
 {
-    StageBinding::of(call).stage().setMouseVisible(true);
+    StageBinding::of(call).stage().pointer().setVisible(true);
     return Value(0);
 }
 Value hideMouse(Call& call)
 {
-    const bool wasVisible = StageBinding::of(call).stage().isMouseVisible();
-    StageBinding::of(call).stage().setMouseVisible(false);
+    const bool wasVisible = StageBinding::of(call).stage().pointer().isVisible();
+    StageBinding::of(call).stage().pointer().setVisible(false);
     return Value(wasVisible ? 0 : 1);
 }
 

@@ -66,7 +66,7 @@ Value attachMovie(Call& call)
     const auto depth = depthArg(call, 2);
     if (!clip || !depth || !clip->movie()) return {};
     const std::string name = utf8Arg(call, 0);
-    const std::optional<std::uint16_t> id = binding.stage().exportedCharacter(clip->movie(), name);
+    const std::optional<std::uint16_t> id = binding.stage().linkage().exportedCharacter(clip->movie(), name);
     if (!id) return {};
     const auto initialise = initialiser(call, 3);
     const stage::NodePtr made = clip->attach(clip->movie(), *id, *depth, utf8Arg(call, 1),
@@ -438,7 +438,7 @@ Value getUrl(Call& call)
 }
 Value unloadMovie(Call& call)
 {
-    if (stage::Clip* clip = selfClip(call)) StageBinding::of(call).stage().requestUnload(*clip);
+    if (stage::Clip* clip = selfClip(call)) StageBinding::of(call).stage().loads().requestUnload(*clip);
     return {};
 }
 Value getBytesLoaded(Call& call)

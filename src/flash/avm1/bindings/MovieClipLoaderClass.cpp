@@ -7,7 +7,7 @@ namespace
 {
 
 /// Tells a MovieClipLoader's listeners how a load goes.
-class Reporter final : public stage::Stage::LoadListener
+class Reporter final : public stage::LoadListener
 {
 public:
     Reporter(StageBinding& binding, Object* loader)
@@ -28,14 +28,14 @@ public:
     void initialized(stage::Clip& clip) override
     {
         tell("onLoadInit", {Value(m_binding.objectOf(&clip))});
-        m_binding.stage().runQueue();
+        m_binding.stage().queue().run();
     }
     void failed(stage::Clip* clip, std::string_view error) override
     {
         Object* const object = m_binding.objectOf(clip);
         tell("onLoadError",
              {object ? Value(object) : Value(), Value(m_binding.vm().string(error)), Value(0)});
-        m_binding.stage().runQueue();
+        m_binding.stage().queue().run();
     }
 
 private:
@@ -104,9 +104,9 @@ Value loadClip(Call& call)
     const bool silent = !target.clip && call.arg(1).isString();
     auto reporter = silent ? nullptr : std::make_shared<Reporter>(binding, self);
     if (target.clip)
-        binding.stage().loadIntoClip(*target.clip, std::move(request), std::move(reporter));
+        binding.stage().loads().intoClip(*target.clip, std::move(request), std::move(reporter));
     else
-        binding.stage().loadIntoLevel(target.level, std::move(request), std::move(reporter));
+        binding.stage().loads().intoLevel(target.level, std::move(request), std::move(reporter));
     return Value(true);
 }
 
@@ -115,9 +115,9 @@ Value unloadClip(Call& call)
     const Target target = targetArg(call, 0);
     stage::Stage& stage = StageBinding::of(call).stage();
     if (target.clip)
-        stage.unloadClip(*target.clip);
+        stage.loads().unloadClip(*target.clip);
     else if (target.level >= 0)
-        stage.unloadLevel(target.level);
+        stage.loads().unloadLevel(target.level);
     else
         return Value(false);
     return Value(true);
@@ -127,7 +127,7 @@ Value getProgress(Call& call)
 {
     if (!call.native<LoaderObject>()) return {};
     Target target = targetArg(call, 0);
-    if (target.level >= 0) target.clip = StageBinding::of(call).stage().level(target.level);
+    if (target.level >= 0) target.clip = StageBinding::of(call).stage().displayList().level(target.level);
     if (call.arg(0).isNullish() || (call.arg(0).isObject() && !target.clip)) return {};
     // A bare object, without a class.
     Object* progress = call.vm.newObject(nullptr);

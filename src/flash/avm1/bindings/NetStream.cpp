@@ -36,10 +36,11 @@ void NetStream::play(const std::string& url, const std::string& baseUrl)
     m_binding.watchStream(shared_from_this());
     // The object is part of what waits: it stays while its file is on the way.
     auto self = std::make_shared<Root<Object>>(m_binding.vm().heap(), m_self);
-    m_binding.stage().fetch(std::move(request), [stream = shared_from_this(), self, wanted = m_request](
-                                                    const base::Result<stage::LoadAnswer>& answer) {
-        if (stream->m_request == wanted) stream->begin(answer);
-    });
+    m_binding.stage().loads().fetch(std::move(request),
+                                    [stream = shared_from_this(), self,
+                                     wanted = m_request](const base::Result<stage::LoadAnswer>& answer) {
+                                        if (stream->m_request == wanted) stream->begin(answer);
+                                    });
 }
 
 void NetStream::begin(const base::Result<stage::LoadAnswer>& answer)
@@ -201,7 +202,7 @@ void NetStream::tellStatus(std::string_view code, std::string_view level)
         vm.callMethod(m_self, "onStatus", {Value(info)});
     else if (hears(system))
         vm.callMethod(system, "onStatus", {Value(info)});
-    m_binding.stage().runQueue();
+    m_binding.stage().queue().run();
 }
 
 void NetStream::tellMessages()
@@ -216,7 +217,7 @@ void NetStream::tellMessages()
         vm.callMethod(m_self, StageBinding::toUtf8(toText(vm, *name)), {*value});
         if (m_request != request) return; // closed by the handler, and the messages with it
     }
-    m_binding.stage().runQueue();
+    m_binding.stage().queue().run();
 }
 
 } // namespace flash::avm1

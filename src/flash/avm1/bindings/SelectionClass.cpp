@@ -13,7 +13,7 @@ namespace
 
 stage::TextField* focusedField(Call& call)
 {
-    stage::Node* focus = StageBinding::of(call).stage().focus();
+    stage::Node* focus = StageBinding::of(call).stage().focus().node();
     return focus && focus->kind() == stage::NodeKind::TextField ? static_cast<stage::TextField*>(focus)
                                                                 : nullptr;
 }
@@ -54,7 +54,7 @@ Value setSelection(Call& call)
 Value getFocus(Call& call)
 {
     StageBinding& binding = StageBinding::of(call);
-    stage::Node* focus = binding.stage().focus();
+    stage::Node* focus = binding.stage().focus().node();
     return focus ? binding.utf8(focus->dotPath()) : Value::null();
 }
 
@@ -63,7 +63,7 @@ Value setFocus(Call& call)
     StageBinding& binding = StageBinding::of(call);
     if (call.count() == 0) return Value(false);
     if (call.arg(0).isNullish()) {
-        binding.stage().setFocus(nullptr, stage::Stage::By::Script);
+        binding.stage().focus().set(nullptr, stage::Focus::By::Script);
         return Value(true);
     }
     Object* object = call.arg(0).asObject();
@@ -77,9 +77,9 @@ Value setFocus(Call& call)
         clip->focusEnabled = enabled.isUndefined() ? std::optional<bool>() : toBoolean(call.vm, enabled);
         if (clip->isRemoved()) return Value(false);
     }
-    if (!binding.stage().canTakeFocus(*node)) return Value(false);
+    if (!node->canTakeFocus()) return Value(false);
     const bool isClip = node->kind() == stage::NodeKind::Clip;
-    binding.stage().setFocus(node, stage::Stage::By::Script);
+    binding.stage().focus().set(node, stage::Focus::By::Script);
     // A clip gets the focus, and scripts of the older movies are told that it did not.
     constexpr int kLastThatDenies = 8;
     return Value(!isClip || call.vm.version() > kLastThatDenies);

@@ -94,7 +94,7 @@ Value attachSound(Call& call)
     if (!scope) scope = binding.clipOf(call.vm.target());
     if (!scope) scope = binding.stage().root();
     const stage::MoviePtr movie = scope ? scope->movie() : nullptr;
-    const auto id = StageBinding::of(call).stage().exportedCharacter(movie, utf8Arg(call, 0));
+    const auto id = StageBinding::of(call).stage().linkage().exportedCharacter(movie, utf8Arg(call, 0));
     const swf::Character* character = id ? movie->character(*id) : nullptr;
     const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr;
     if (!sound) return {};
@@ -132,7 +132,8 @@ Value stop(Call& call)
     auto* state = call.native<SoundObject>();
     if (!state || state->isOrphan()) return {};
     if (call.count() > 0 && !call.arg(0).isUndefined()) {
-        const auto id = StageBinding::of(call).stage().exportedCharacter(state->movie, utf8Arg(call, 0));
+        const auto id =
+            StageBinding::of(call).stage().linkage().exportedCharacter(state->movie, utf8Arg(call, 0));
         if (id) soundSystem(call).stopSymbol(state->owner(), state->movie, *id);
         return {};
     }
@@ -262,7 +263,7 @@ Value loadSound(Call& call)
     if (!state->isOrphan()) state->own = stage::SoundTransform{};
     giveMeasures(call.vm, call.self.object());
     auto self = std::make_shared<Root<Object>>(call.vm.heap(), call.self.asObject());
-    binding.stage().fetch(
+    binding.stage().loads().fetch(
         std::move(request), [&binding, self, streaming](const base::Result<stage::LoadAnswer>& answer) {
             Object* object = self->get();
             auto* sound = object ? object->native<SoundObject>() : nullptr;

@@ -150,8 +150,8 @@ void StageBinding::traceNodes(Tracer& tracer)
         tracer(static_cast<Object*>(node.peer));
         for (const stage::NodePtr& child : node.children()) self(self, *child);
     };
-    for (const auto& [number, root] : m_stage->levels()) visit(visit, *root);
-    for (const auto& clip : m_stage->clips()) tracer(static_cast<Object*>(clip->peer));
+    for (const auto& [number, root] : m_stage->displayList().levels()) visit(visit, *root);
+    for (const auto& clip : m_stage->displayList().clips()) tracer(static_cast<Object*>(clip->peer));
 }
 
 StageBinding& StageBinding::of(Call& call) { return of(call.vm); }
@@ -207,7 +207,7 @@ stage::Node* StageBinding::nodeAt(std::string_view path)
     if (!m_stage || !path.starts_with(kLevel)) return nullptr;
     path.remove_prefix(kLevel.size());
     const std::size_t dot = std::min(path.find('.'), path.size());
-    stage::Node* node = m_stage->level(std::atoi(std::string(path.substr(0, dot)).c_str()));
+    stage::Node* node = m_stage->displayList().level(std::atoi(std::string(path.substr(0, dot)).c_str()));
     path.remove_prefix(dot);
     while (node && !path.empty()) {
         path.remove_prefix(1);
@@ -329,7 +329,7 @@ void StageBinding::construct(stage::Node& node, const std::function<void(stage::
     stage::Clip* clip = stage::asClip(&node);
     if (!clip || clip->isRemoved()) return;
     clip->constructed = false;
-    m_stage->runEvent(*clip, stage::Event::Construct);
+    m_stage->queue().runEvent(*clip, stage::Event::Construct);
 }
 
 void StageBinding::assignClass(stage::Clip& clip)
@@ -569,7 +569,7 @@ void StageBinding::frameEnded()
         const Vm::VersionScope scope(*m_vm, m_stage->movie() ? m_stage->movie()->header.version : 6);
         callHandler(object, "onSoundComplete");
     }
-    m_stage->runQueue();
+    m_stage->queue().run();
     m_vm->collectIfDue();
 }
 
@@ -582,7 +582,7 @@ std::optional<std::string> StageBinding::hostVariable(std::string_view path)
 void StageBinding::setHostVariable(std::string_view path, std::string_view value)
 {
     if (stage::Clip* root = m_stage->root()) setVariable(*root, path, value);
-    m_stage->runQueue();
+    m_stage->queue().run();
 }
 
 } // namespace flash::avm1

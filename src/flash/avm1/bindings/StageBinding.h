@@ -91,7 +91,7 @@ public:
     // ---- Host ----
     [[nodiscard]] const base::TextCode& textCode() const override
     {
-        return m_stage != nullptr ? m_stage->textCode() : Host::textCode();
+        return m_stage != nullptr ? m_stage->linkage().textCode() : Host::textCode();
     }
     void trace(std::u16string_view text) override;
     void log(std::string_view text) override;

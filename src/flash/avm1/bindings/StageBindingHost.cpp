@@ -117,7 +117,10 @@ Object* StageBinding::root(Object* object)
     return nullptr;
 }
 
-Object* StageBinding::level(int number) { return m_stage ? objectOf(m_stage->level(number)) : nullptr; }
+Object* StageBinding::level(int number)
+{
+    return m_stage ? objectOf(m_stage->displayList().level(number)) : nullptr;
+}
 
 Object* StageBinding::child(Object* object, std::u16string_view name, bool caseSensitive)
 {
@@ -188,7 +191,7 @@ Value StageBinding::propertyOf(stage::Node& node, int index)
         toStage.tx = std::round(toStage.tx / swf::kTwipsPerPixel) * swf::kTwipsPerPixel;
         toStage.ty = std::round(toStage.ty / swf::kTwipsPerPixel) * swf::kTwipsPerPixel;
         const swf::Matrix back = toStage.inverted();
-        const swf::Point at = m_stage->mousePosition();
+        const swf::Point at = m_stage->pointer().position();
         // Both parts are whole twips.
         const double x = std::round(back.a * at.x + back.c * at.y) + std::round(back.tx);
         const double y = std::round(back.b * at.x + back.d * at.y) + std::round(back.ty);
@@ -215,19 +218,20 @@ Value StageBinding::propertyOf(stage::Node& node, int index)
     case kFramesLoaded: return clip ? Value(frameCount(*clip, clip->loadedFrames(), -1)) : Value();
     case kName: return utf8(node.name());
     case kDropTarget: {
-        stage::Clip* under = m_stage->dragged() == clip || clip ? m_stage->dropTarget() : nullptr;
+        stage::Clip* under =
+            m_stage->pointer().dragged() == clip || clip ? m_stage->pointer().dropTarget() : nullptr;
         return utf8(under ? under->slashPath() : std::string());
     }
     case kUrl: return utf8(clip ? clip->url() : m_stage->url());
     case kHighQuality: {
-        const stage::Quality quality = m_stage->quality();
+        const stage::Quality quality = m_stage->view().quality();
         return Value(quality == stage::Quality::Best ? 2 : quality == stage::Quality::High ? 1 : 0);
     }
     case kFocusRect:
         if (!node.parent()) return Value(node.focusRect.value_or(true) ? 1 : 0);
         return node.focusRect ? Value(*node.focusRect) : Value::null();
     case kSoundBufTime: return Value(5);
-    case kQuality: return utf8(qualityName(m_stage->quality()));
+    case kQuality: return utf8(qualityName(m_stage->view().quality()));
     case kXMouse: return mouse().x;
     case kYMouse: return mouse().y;
     default: return {};
@@ -253,7 +257,7 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
     case kVisible:
         if (const double n = number(); !std::isnan(n)) {
             node.setVisible(n != 0);
-            if (!node.isVisible()) m_stage->dropFocusWithin(node);
+            if (!node.isVisible()) m_stage->focus().dropWithin(node);
         }
         break;
     case kWidth: place(&stage::Node::setWidth); break;
@@ -266,9 +270,9 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
     case kHighQuality: {
         const double n = number();
         if (std::isnan(n)) break;
-        m_stage->setQuality(n >= 2   ? stage::Quality::Best
-                            : n >= 1 ? stage::Quality::High
-                                     : stage::Quality::Low);
+        m_stage->view().setQuality(n >= 2   ? stage::Quality::Best
+                                   : n >= 1 ? stage::Quality::High
+                                            : stage::Quality::Low);
         break;
     }
     case kFocusRect:
@@ -282,10 +286,10 @@ void StageBinding::setPropertyOf(stage::Node& node, int index, Value value)
         break;
     case kQuality: {
         const std::u16string name = AtomTable::fold(toText(vm, value));
-        if (name == u"low") m_stage->setQuality(stage::Quality::Low);
-        if (name == u"medium") m_stage->setQuality(stage::Quality::Medium);
-        if (name == u"high" || name == u"autohigh") m_stage->setQuality(stage::Quality::High);
-        if (name == u"best") m_stage->setQuality(stage::Quality::Best);
+        if (name == u"low") m_stage->view().setQuality(stage::Quality::Low);
+        if (name == u"medium") m_stage->view().setQuality(stage::Quality::Medium);
+        if (name == u"high" || name == u"autohigh") m_stage->view().setQuality(stage::Quality::High);
+        if (name == u"best") m_stage->view().setQuality(stage::Quality::Best);
         break;
     }
     default: break; // read-only ones
@@ -366,8 +370,8 @@ void StageBinding::stopAllSounds() { m_services.sound.stopAll(); }
 
 void StageBinding::toggleQuality()
 {
-    m_stage->setQuality(m_stage->quality() == stage::Quality::Low ? stage::Quality::High
-                                                                  : stage::Quality::Low);
+    m_stage->view().setQuality(m_stage->view().quality() == stage::Quality::Low ? stage::Quality::High
+                                                                                : stage::Quality::Low);
 }
 
 void StageBinding::cloneClip(Object* object, std::u16string_view name, int depth)
@@ -397,13 +401,13 @@ void StageBinding::startDrag(const DragRequest& request)
 {
     stage::Clip* clip = clipOf(request.clip);
     if (!clip) return;
-    std::optional<stage::Stage::DragLimits> limits;
+    std::optional<stage::Pointer::DragLimits> limits;
     if (request.constrained)
-        limits = stage::Stage::DragLimits{request.left, request.top, request.right, request.bottom};
-    m_stage->startDrag(*clip, request.lockCenter, limits);
+        limits = stage::Pointer::DragLimits{request.left, request.top, request.right, request.bottom};
+    m_stage->pointer().startDrag(*clip, request.lockCenter, limits);
 }
 
-void StageBinding::endDrag() { m_stage->stopDrag(); }
+void StageBinding::endDrag() { m_stage->pointer().stopDrag(); }
 
 void StageBinding::requestUrl(const UrlRequest& request)
 {
@@ -412,7 +416,7 @@ void StageBinding::requestUrl(const UrlRequest& request)
         return;
     }
     m_vm->noteWork(request.url.size() / kUnitsPerStep);
-    if (!m_stage->takesRequest(request.url.size())) return;
+    if (!m_stage->queue().takesRequest(request.url.size())) return;
     stage::Clip* sender = clipOf(request.sender);
     stage::LoadRequest load;
     load.url = base::utf8FromUtf16(request.url);
@@ -426,17 +430,19 @@ void StageBinding::requestUrl(const UrlRequest& request)
         load.variables = collectVariables(request.sender);
     switch (request.kind) {
     case UrlRequest::Kind::Page:
-        m_stage->queueRequest([&host = m_services.host, url = load.url,
-                               window = base::utf8FromUtf16(request.window)] { host.openUrl(url, window); },
-                              load.url.size() + request.window.size());
+        m_stage->queue().addRequest(
+            [&host = m_services.host, url = load.url, window = base::utf8FromUtf16(request.window)] {
+                host.openUrl(url, window);
+            },
+            load.url.size() + request.window.size());
         return;
     case UrlRequest::Kind::MovieIntoClip: {
         stage::Clip* clip = clipOf(request.target);
         if (!clip) return;
         if (load.url.empty())
-            m_stage->requestUnload(*clip);
+            m_stage->loads().requestUnload(*clip);
         else
-            m_stage->loadIntoClip(*clip, std::move(load));
+            m_stage->loads().intoClip(*clip, std::move(load));
         return;
     }
     case UrlRequest::Kind::MovieIntoLevel: {
@@ -446,9 +452,9 @@ void StageBinding::requestUrl(const UrlRequest& request)
         for (const char16_t c : digits)
             if (c >= u'0' && c <= u'9' && number < 10'000'000) number = number * 10 + (c - u'0');
         if (load.url.empty())
-            m_stage->requestUnload(number);
+            m_stage->loads().requestUnload(number);
         else
-            m_stage->loadIntoLevel(number, std::move(load));
+            m_stage->loads().intoLevel(number, std::move(load));
         return;
     }
     case UrlRequest::Kind::Variables: {
@@ -456,14 +462,15 @@ void StageBinding::requestUrl(const UrlRequest& request)
         stage::Node* receiver = nodeOf(request.target);
         if (!receiver) return;
         const std::weak_ptr<stage::Node> target = receiver->weak_from_this();
-        m_stage->fetch(std::move(load), [this, target](const base::Result<stage::LoadAnswer>& answer) {
-            const stage::NodePtr node = target.lock();
-            if (!node || node->isRemoved() || !answer) return;
-            const Vm::VersionScope scope(*m_vm, node->movie() ? node->movie()->header.version : 6);
-            decodeVariables(objectOf(node.get()),
-                            {reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size()});
-            if (stage::asClip(node.get())) m_stage->queueEvent(*node, stage::Event::Data);
-        });
+        m_stage->loads().fetch(
+            std::move(load), [this, target](const base::Result<stage::LoadAnswer>& answer) {
+                const stage::NodePtr node = target.lock();
+                if (!node || node->isRemoved() || !answer) return;
+                const Vm::VersionScope scope(*m_vm, node->movie() ? node->movie()->header.version : 6);
+                decodeVariables(objectOf(node.get()),
+                                {reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size()});
+                if (stage::asClip(node.get())) m_stage->queue().addEvent(*node, stage::Event::Data);
+            });
         return;
     }
     }
@@ -506,10 +513,10 @@ void StageBinding::fsCommand(std::u16string_view command, std::u16string_view ar
 {
     const std::size_t bytes = command.size() + argument.size();
     m_vm->noteWork(bytes / kUnitsPerStep);
-    if (!m_stage->takesRequest(bytes)) return;
-    m_stage->queueRequest([&host = m_services.host, name = base::utf8FromUtf16(command),
-                           text = base::utf8FromUtf16(argument)] { host.fsCommand(name, text); },
-                          bytes);
+    if (!m_stage->queue().takesRequest(bytes)) return;
+    m_stage->queue().addRequest([&host = m_services.host, name = base::utf8FromUtf16(command),
+                                 text = base::utf8FromUtf16(argument)] { host.fsCommand(name, text); },
+                                bytes);
 }
 
 void StageBinding::updateAfterEvent() {}

@@ -12,7 +12,7 @@ constexpr const char* kScaleModes[] = {"showAll", "noBorder", "exactFit", "noSca
 
 Value getScaleMode(Call& call)
 {
-    const auto index = static_cast<std::size_t>(StageBinding::of(call).stage().scaleMode());
+    const auto index = static_cast<std::size_t>(StageBinding::of(call).stage().view().scaleMode());
     return call.vm.string(std::string_view(kScaleModes[index]));
 }
 Value setScaleMode(Call& call)
@@ -24,13 +24,13 @@ Value setScaleMode(Call& call)
     if (name == u"noborder") mode = stage::ScaleMode::NoBorder;
     if (name == u"exactfit") mode = stage::ScaleMode::ExactFit;
     if (name == u"noscale") mode = stage::ScaleMode::NoScale;
-    StageBinding::of(call).stage().setScaleMode(mode);
+    StageBinding::of(call).stage().view().setScaleMode(mode);
     return {};
 }
 
 Value getAlign(Call& call)
 {
-    const unsigned align = StageBinding::of(call).stage().align();
+    const unsigned align = StageBinding::of(call).stage().view().align();
     std::u16string text;
     if (align & stage::kAlignLeft) text += u'L';
     if (align & stage::kAlignTop) text += u'T';
@@ -47,30 +47,30 @@ Value setAlign(Call& call)
         if (c == u'R' || c == u'r') align |= stage::kAlignRight;
         if (c == u'B' || c == u'b') align |= stage::kAlignBottom;
     }
-    StageBinding::of(call).stage().setAlign(align);
+    StageBinding::of(call).stage().view().setAlign(align);
     return {};
 }
 
-Value getWidth(Call& call) { return Value(StageBinding::of(call).stage().stageWidth()); }
-Value getHeight(Call& call) { return Value(StageBinding::of(call).stage().stageHeight()); }
+Value getWidth(Call& call) { return Value(StageBinding::of(call).stage().view().stageWidth()); }
+Value getHeight(Call& call) { return Value(StageBinding::of(call).stage().view().stageHeight()); }
 
-Value getShowMenu(Call& call) { return Value(StageBinding::of(call).stage().showsMenu()); }
+Value getShowMenu(Call& call) { return Value(StageBinding::of(call).stage().view().showsMenu()); }
 Value setShowMenu(Call& call)
 {
-    StageBinding::of(call).stage().setShowsMenu(toBoolean(call.vm, call.arg(0)));
+    StageBinding::of(call).stage().view().setShowsMenu(toBoolean(call.vm, call.arg(0)));
     return {};
 }
 
 Value getDisplayState(Call& call)
 {
-    const bool full = StageBinding::of(call).stage().isFullScreen();
+    const bool full = StageBinding::of(call).stage().view().isFullScreen();
     return call.vm.string(std::string_view(full ? "fullScreen" : "normal"));
 }
 Value setDisplayState(Call& call)
 {
     const std::u16string name = AtomTable::fold(textArg(call, 0));
-    if (name == u"fullscreen") StageBinding::of(call).stage().setFullScreen(true);
-    if (name == u"normal") StageBinding::of(call).stage().setFullScreen(false);
+    if (name == u"fullscreen") StageBinding::of(call).stage().view().setFullScreen(true);
+    if (name == u"normal") StageBinding::of(call).stage().view().setFullScreen(false);
     return {};
 }
 

@@ -138,7 +138,7 @@ Value load(Call& call)
     if (request.url.empty()) return Value(false);
     auto root = std::make_shared<Root<Object>>(call.vm.heap(), self);
     const int version = call.vm.version();
-    binding.stage().fetch(
+    binding.stage().loads().fetch(
         std::move(request), [&binding, root, version](const base::Result<stage::LoadAnswer>& answer) {
             Vm& vm = binding.vm();
             const Vm::VersionScope scope(vm, version);

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "flash/stage/Clip.h"
+#include "flash/stage/TextFormat.h"
+
+#include <memory>
+#include <optional>
+
+namespace flash::swf
+{
+struct Button;
+}
+
+namespace flash::stage
+{
+
+class TextField;
+
+enum class MouseButton : std::uint8_t { Left, Middle, Right };
+enum class Cursor : std::uint8_t { Arrow, Hand, Text, Hidden };
+
+/// The mouse on a stage: what it is over, what it has pressed, what it drags. Positions from outside are
+/// device pixels of the view.
+class Pointer
+{
+public:
+    explicit Pointer(Stage& stage) : m_stage(stage) {}
+    Pointer(const Pointer&) = delete;
+    Pointer& operator=(const Pointer&) = delete;
+
+    // ---- what the user does ----
+    void move(double x, double y);
+    void press(double x, double y, MouseButton button = MouseButton::Left, int clicks = 1);
+    void release(double x, double y, MouseButton button = MouseButton::Left);
+    void wheel(int lines);
+    void leave();
+
+    [[nodiscard]] swf::Point position() const { return m_position; } ///< stage twips
+    [[nodiscard]] Cursor cursor() const { return m_cursor; }
+    void setVisible(bool visible);
+    [[nodiscard]] bool isVisible() const { return m_visible; }
+    /// Looks what is under the pointer after a frame, which may have moved anything.
+    void frameEnded();
+
+    /// What it is over, or what has the focus and is told as if it were.
+    [[nodiscard]] const Node* over() const { return m_over.get(); }
+    // What has the focus looks and is told as if the pointer were on it, whatever the pointer was on before.
+    void rollOverFocus(const NodePtr& node);
+    void rollOutOfFocus();
+
+    /// The topmost node that is drawn at a point of the stage, for _droptarget and hit testing.
+    [[nodiscard]] Node* topNodeAt(swf::Point stagePoint, const Node* except = nullptr);
+
+    // ---- dragging by script ----
+    struct DragLimits {
+        double left = 0, top = 0, right = 0, bottom = 0; ///< pixels in the parent's space
+    };
+    void startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits);
+    void stopDrag();
+    [[nodiscard]] Clip* dragged() const { return m_dragged.get(); }
+    [[nodiscard]] Clip* dropTarget() const { return m_dropTarget; }
+
+    /// A node leaves the stage.
+    void forget(const Node& node);
+    /// All nodes leave the stage.
+    void forgetAll();
+
+private:
+    NodePtr targetAt(swf::Point stagePoint);
+    void update();
+    void updateCursor();
+    /// Lets the node answer, then its scripts.
+    void tell(Node& node, Event event);
+    void tellClips(Event event);
+    /// What a press of the left button does to a field.
+    void pressField(TextField& field, int clicks);
+    void followPressedLink(TextField& field);
+    void moveDragged();
+    /// A button went from under the pointer; its like may follow before the pointer looks again.
+    void noteLost(const Node& node);
+    void adoptLike(const NodePtr& target);
+
+    Stage& m_stage;
+    Cursor m_cursor = Cursor::Arrow;
+    bool m_visible = true, m_isInside = false, m_isDown = false;
+    swf::Point m_position;
+    NodePtr m_over, m_pressed;
+    bool m_overByFocus = false; ///< m_over has the focus; the pointer has not moved since
+    struct Lost {
+        const swf::Button* definition = nullptr;
+        int depth = 0;
+        bool over = false, pressed = false;
+    };
+    std::optional<Lost> m_lost;
+    std::optional<TextFormat> m_pressedLink; ///< of the field m_pressed
+    bool m_pressedOutside = false;           ///< it left m_pressed with the button held
+    std::shared_ptr<Clip> m_dragged;
+    std::optional<DragLimits> m_dragLimits;
+    swf::Point m_dragOffset; ///< twips, parent space
+    Clip* m_dropTarget = nullptr;
+};
+
+} // namespace flash::stage

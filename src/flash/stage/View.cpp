@@ -1,0 +1,220 @@
+#include "flash/stage/View.h"
+
+#include "flash/render/Canvas.h"
+#include "flash/render/Filters.h"
+#include "flash/render/RenderCache.h"
+#include "flash/stage/Renderer.h"
+#include "flash/stage/Stage.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace flash::stage
+{
+
+View::View(Stage& stage) : m_stage(stage), m_renderCache(std::make_unique<render::RenderCache>()) {}
+
+View::~View() = default;
+
+void View::setSize(int width, int height)
+{
+    if (width == m_width && height == m_height) return;
+    m_width = width;
+    m_height = height;
+    invalidateAll();
+    if (m_stage.movie() && m_scaleMode == ScaleMode::NoScale) {
+        m_stage.script().broadcastResize();
+        m_stage.queue().run();
+    }
+}
+
+void View::setDeviceScale(double scale)
+{
+    if (!(scale > 0) || scale == m_deviceScale) return;
+    m_deviceScale = scale;
+    invalidateAll();
+}
+
+void View::setScaleMode(ScaleMode mode)
+{
+    if (mode == m_scaleMode) return;
+    const double width = stageWidth(), height = stageHeight();
+    m_scaleMode = mode;
+    invalidateAll();
+    if (stageWidth() != width || stageHeight() != height) m_stage.script().broadcastResize();
+}
+
+void View::setAlign(unsigned align)
+{
+    m_align = align;
+    invalidateAll();
+}
+
+void View::setQuality(Quality quality)
+{
+    if (quality == m_quality) return;
+    m_quality = quality;
+    invalidateAll();
+}
+
+void View::setBackground(swf::Rgba color)
+{
+    if (m_hostBackground) return;
+    // The first one holds: a movie cannot change its colour later.
+    if (m_movieBackground) return;
+    m_movieBackground = true;
+    if (color == m_background) return;
+    m_background = color;
+    invalidateAll();
+}
+
+void View::setHostBackground(swf::Rgba color)
+{
+    m_hostBackground = true;
+    m_background = color;
+    invalidateAll();
+}
+
+void View::setFullScreen(bool on)
+{
+    if (on == m_fullScreen) return;
+    m_fullScreen = on;
+    m_stage.script().broadcastFullScreen(on);
+    m_stage.queue().run();
+}
+
+void View::setShowsMenu(bool full)
+{
+    m_showsMenu = full;
+    m_stage.services().host.showMenu(full);
+}
+
+void View::adopt(const swf::Movie& movie)
+{
+    m_movieBackground = m_hostBackground = false;
+    m_background = movie.hasBackground ? movie.background : swf::Rgba{255, 255, 255, 255};
+    invalidateAll();
+}
+
+namespace
+{
+double frameWidth(const MoviePtr& movie)
+{
+    return movie ? std::max(1, movie->header.frameSize.width()) / 20.0 : 550;
+}
+double frameHeight(const MoviePtr& movie)
+{
+    return movie ? std::max(1, movie->header.frameSize.height()) / 20.0 : 400;
+}
+} // namespace
+
+double View::stageWidth() const
+{
+    if (m_scaleMode == ScaleMode::NoScale && m_width > 0) return std::round(m_width / m_deviceScale);
+    return frameWidth(m_stage.movie());
+}
+
+double View::stageHeight() const
+{
+    if (m_scaleMode == ScaleMode::NoScale && m_height > 0) return std::round(m_height / m_deviceScale);
+    return frameHeight(m_stage.movie());
+}
+
+swf::Matrix View::matrix() const
+{
+    const double width = frameWidth(m_stage.movie()), height = frameHeight(m_stage.movie());
+    const double viewWidth = m_width > 0 ? m_width : width;
+    const double viewHeight = m_height > 0 ? m_height : height;
+    double scaleX = viewWidth / width, scaleY = viewHeight / height;
+    switch (m_scaleMode) {
+    case ScaleMode::ShowAll: scaleX = scaleY = std::min(scaleX, scaleY); break;
+    case ScaleMode::NoBorder: scaleX = scaleY = std::max(scaleX, scaleY); break;
+    case ScaleMode::ExactFit: break;
+    case ScaleMode::NoScale: scaleX = scaleY = m_deviceScale; break;
+    }
+    const double roomX = viewWidth - width * scaleX, roomY = viewHeight - height * scaleY;
+    double left = roomX / 2, top = roomY / 2;
+    if (m_align & kAlignLeft)
+        left = 0;
+    else if (m_align & kAlignRight)
+        left = roomX;
+    if (m_align & kAlignTop)
+        top = 0;
+    else if (m_align & kAlignBottom)
+        top = roomY;
+    // Half pixels would blur every upright edge.
+    left = std::floor(left);
+    top = std::floor(top);
+    const double originX = m_stage.movie() ? m_stage.movie()->header.frameSize.xMin : 0;
+    const double originY = m_stage.movie() ? m_stage.movie()->header.frameSize.yMin : 0;
+    return {scaleX / swf::kTwipsPerPixel,
+            0,
+            0,
+            scaleY / swf::kTwipsPerPixel,
+            left - originX * scaleX / swf::kTwipsPerPixel,
+            top - originY * scaleY / swf::kTwipsPerPixel};
+}
+
+render::IntRect View::area() const
+{
+    const int width = m_width > 0 ? m_width : static_cast<int>(std::ceil(frameWidth(m_stage.movie())));
+    const int height = m_height > 0 ? m_height : static_cast<int>(std::ceil(frameHeight(m_stage.movie())));
+    return {0, 0, width, height};
+}
+
+void View::invalidateAll() { m_dirty = area(); }
+
+render::IntRect View::dirtyRect()
+{
+    collectDirty();
+    return m_dirty;
+}
+
+void View::collectDirty()
+{
+    m_stage.displayList().syncTextFields();
+    if (Node* focus = m_stage.focus().node()) focus->tick(m_stage.nowMs());
+    const swf::Matrix view = matrix();
+    const double scale = view.a * swf::kTwipsPerPixel;
+    const std::vector<std::weak_ptr<Node>> changed = std::move(m_changedNodes);
+    m_changedNodes.clear();
+    for (const std::weak_ptr<Node>& entry : changed) {
+        const NodePtr node = entry.lock();
+        if (!node) continue;
+        // What lies under a mask that masks no more shows up whole; the mask itself is drawn from now on.
+        addDirty(node->takeChange());
+        if (node->isRemoved()) continue;
+        render::IntRect bounds = render::deviceBounds(node->reach(), view * node->toStage());
+        for (const Node* at = node.get(); at; at = at->parent())
+            if (!at->filters().empty())
+                bounds = render::grown(bounds, render::filterGrowth(at->filters(), scale));
+        addDirty(bounds);
+    }
+    m_dirty = render::intersect(m_dirty, area());
+}
+
+void View::render(render::Canvas& canvas, const render::IntRect& clip)
+{
+    collectDirty();
+    m_dirty = {};
+    const swf::Matrix view = matrix();
+    canvas.setClip(clip);
+    canvas.setPixelScale(std::sqrt(std::abs(view.a * view.d)) * swf::kTwipsPerPixel);
+    canvas.clear(m_background);
+    Renderer renderer(canvas, view);
+    for (const auto& [number, root] : m_stage.displayList().levels()) renderer.drawNode(*root, view, {});
+    m_stage.focus().draw(canvas, view);
+}
+
+void View::forgetGoneNodes()
+{
+    constexpr std::size_t kFew = 256;
+    if (m_changedNodes.size() < 2 * m_changedKept + kFew) return;
+    std::erase_if(m_changedNodes, [](const std::weak_ptr<Node>& entry) {
+        const NodePtr node = entry.lock();
+        return !node || node->isRemoved(); // its place was noted as dirty when it went
+    });
+    m_changedKept = m_changedNodes.size();
+}
+
+} // namespace flash::stage

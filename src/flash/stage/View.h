@@ -1,0 +1,100 @@
+#pragma once
+
+#include "flash/render/Surface.h"
+#include "flash/stage/Node.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace flash::render
+{
+class Canvas;
+class RenderCache;
+} // namespace flash::render
+
+namespace flash::stage
+{
+
+enum class ScaleMode : std::uint8_t { ShowAll, NoBorder, ExactFit, NoScale };
+enum class Quality : std::uint8_t { Low, Medium, High, Best };
+/// Bits: where the movie stands in a view of another shape; none is centred.
+enum Align : std::uint8_t { kAlignLeft = 1, kAlignTop = 2, kAlignRight = 4, kAlignBottom = 8 };
+
+/// The area that a stage is shown in: how the movie lies in it, how it is drawn, and what changed there.
+class View
+{
+public:
+    explicit View(Stage& stage);
+    ~View();
+    View(const View&) = delete;
+    View& operator=(const View&) = delete;
+
+    /// Device pixels.
+    void setSize(int width, int height);
+    [[nodiscard]] int width() const { return m_width; }
+    [[nodiscard]] int height() const { return m_height; }
+    /// Device pixels to one pixel of the host's measure; only NoScale looks at it.
+    void setDeviceScale(double scale);
+    [[nodiscard]] double deviceScale() const { return m_deviceScale; }
+    void setScaleMode(ScaleMode mode);
+    [[nodiscard]] ScaleMode scaleMode() const { return m_scaleMode; }
+    void setAlign(unsigned align);
+    [[nodiscard]] unsigned align() const { return m_align; }
+    void setQuality(Quality quality);
+    [[nodiscard]] Quality quality() const { return m_quality; }
+    [[nodiscard]] swf::Rgba background() const { return m_background; }
+    void setBackground(swf::Rgba color); ///< by a movie's tag; ignored once the host has set one
+    void setHostBackground(swf::Rgba color);
+    /// Another movie is open: its background, as the header has it.
+    void adopt(const swf::Movie& movie);
+    /// Stage twips to device pixels.
+    [[nodiscard]] swf::Matrix matrix() const;
+    /// The stage as scripts see it (Stage.width and height), pixels.
+    [[nodiscard]] double stageWidth() const;
+    [[nodiscard]] double stageHeight() const;
+    [[nodiscard]] bool isFullScreen() const { return m_fullScreen; }
+    void setFullScreen(bool on);
+    void setShowsMenu(bool full);
+    [[nodiscard]] bool showsMenu() const { return m_showsMenu; }
+
+    // ---- drawing ----
+    /// The union of what changed since the last call of render(), device pixels; empty when nothing did.
+    [[nodiscard]] render::IntRect dirtyRect();
+    /// Draws what lies in `clip` (device pixels), background included, and forgets what was dirty.
+    void render(render::Canvas& canvas, const render::IntRect& clip);
+    void invalidateAll();
+    /// For canvases that draw this stage.
+    [[nodiscard]] render::RenderCache& renderCache() { return *m_renderCache; }
+
+    // ---- for nodes ----
+    void noteChanged(Node& node) { m_changedNodes.push_back(node.weak_from_this()); }
+    /// It is drawn no longer where it was.
+    void noteRemoved(const render::IntRect& drawnBounds) { addDirty(drawnBounds); }
+    /// Those that are gone hold on to their memory as long as they are listed.
+    void forgetGoneNodes();
+    void forgetNodes() { m_changedNodes.clear(); }
+    /// Instances listed as changed since the stage was drawn last, those that are gone by now included.
+    [[nodiscard]] std::size_t notedChanges() const { return m_changedNodes.size(); }
+
+private:
+    [[nodiscard]] render::IntRect area() const;
+    void collectDirty();
+    void addDirty(const render::IntRect& rect) { m_dirty = render::unite(m_dirty, rect); }
+
+    Stage& m_stage;
+    int m_width = 0, m_height = 0;
+    double m_deviceScale = 1;
+    ScaleMode m_scaleMode = ScaleMode::ShowAll;
+    unsigned m_align = 0;
+    Quality m_quality = Quality::High;
+    swf::Rgba m_background{255, 255, 255, 255};
+    bool m_hostBackground = false, m_movieBackground = false;
+    bool m_fullScreen = false, m_showsMenu = true;
+    std::unique_ptr<render::RenderCache> m_renderCache;
+    render::IntRect m_dirty;
+    std::vector<std::weak_ptr<Node>> m_changedNodes;
+    std::size_t m_changedKept = 0; ///< of those, still there when last looked at
+};
+
+} // namespace flash::stage
