@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <map>
 
 namespace flash
@@ -161,6 +162,12 @@ base::Result<InputScript> InputScript::read(const std::filesystem::path& file,
         script.m_frames.back().push_back(std::move(step));
     }
     return script;
+}
+
+QString InputScript::nameOf(TextCommand command)
+{
+    const auto& names = textCommands();
+    return std::ranges::find(names, command, [](const auto& entry) { return entry.second; })->first;
 }
 
 void InputScript::playUpToWait(Stage& stage)

@@ -3,6 +3,8 @@
 #include "base/Result.h"
 #include "flash/stage/Stage.h"
 
+#include <QString>
+
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -26,6 +28,9 @@ public:
     static base::Result<InputScript> read(const std::filesystem::path& file,
                                           std::function<void(std::string)> setClipboard);
     void setScale(double x, double y) { m_scale = {x, y}; }
+
+    /// As events name what the keyboard says to a text field.
+    [[nodiscard]] static QString nameOf(stage::TextCommand command);
 
     /// Gives the stage the events up to the next wait.
     void playUpToWait(stage::Stage& stage);

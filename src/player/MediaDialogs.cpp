@@ -13,8 +13,6 @@
 
 namespace player
 {
-namespace
-{
 
 void setRussianLabels(QFileDialog& dialog, const char* accept)
 {
@@ -24,6 +22,9 @@ void setRussianLabels(QFileDialog& dialog, const char* accept)
     dialog.setLabelText(QFileDialog::FileName, texts::kDialogName);
     dialog.setLabelText(QFileDialog::FileType, texts::kDialogType);
 }
+
+namespace
+{
 
 /// @returns what the user chose; empty when the user declined
 QString run(QFileDialog& dialog)

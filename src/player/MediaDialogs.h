@@ -6,6 +6,7 @@
 
 #include <optional>
 
+class QFileDialog;
 class QWidget;
 
 namespace core
@@ -18,6 +19,9 @@ namespace player
 
 class PlayerHost;
 class PlayerSettings;
+
+/// Gives the parts of a file dialog their words. @param accept on its button
+void setRussianLabels(QFileDialog& dialog, const char* accept);
 
 /// The dialogs that ask for a file or a folder, and what their answers do.
 class MediaDialogs

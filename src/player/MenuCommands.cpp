@@ -27,6 +27,9 @@ struct CommandInfo {
 constexpr CommandInfo kCommands[] = {
     {"mnuOpen",         [](Player& p) { p.OpenMedia(); }},
     {"mnuSaveAs",       [](Player& p) { p.SaveMediaAs(); }},
+    {"mnuSaveVideo",    [](Player& p) { p.SaveVideo(); }},
+    {"mnuSaveFrame",    [](Player& p) { p.SaveFrame(); }},
+    {"mnuCopyFrame",    [](Player& p) { p.CopyFrame(); }},
     {"mnuClose",        [](Player& p) { p.CloseMedia({}); }},
     {"mnuInfo",         [](Player& p) { p.Properties(); }},
     {"mnuExit",         [](Player& p) { p.Quit("Exit Menu", true); }},

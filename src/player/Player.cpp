@@ -71,9 +71,11 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_settings(application, *this,
                  {*this, control(), m_menus, m_playback, m_status, m_skinWindow, m_placement}),
       m_browser(application, *this, m_browserState),
-      m_dialogs(application, *this, *this, m_settings, mediaInfo()), m_outside(outsideDoors(*this, *this)),
-      m_sinceMade(started()), m_movieJournal([this](const QString& line) { logQuietly(line); },
-                                             [this] { return m_sinceMade.elapsed(); }),
+      m_dialogs(application, *this, *this, m_settings, mediaInfo()),
+      m_film(application, *this, *this, control(), m_settings, mediaInfo()),
+      m_outside(outsideDoors(*this, *this)), m_sinceMade(started()),
+      m_movieJournal([this](const QString& line) { logQuietly(line); },
+                     [this] { return m_sinceMade.elapsed(); }),
       m_pageQueue(*this), m_health(control(), healthDoors()),
       m_lifecycle(application, *this, *this, m_movieScreen, m_placement, m_settings, commandLine)
 {
@@ -242,9 +244,9 @@ bool Player::HasMovie() const { return m_movieScreen.showsControl() && !m_isOwnP
 
 void Player::refreshMovieCommands()
 {
-    for (const char* name :
-         {"mnuSaveAs", "mnuPopSaveAs", "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay", "mnuStop",
-          "mnuFFwd", "mnuRwd", "mnuPrevious", "mnuNext", "mnuPopPlay", "mnPopStop"})
+    for (const char* name : {"mnuSaveAs", "mnuPopSaveAs", "mnuSaveVideo", "mnuSaveFrame", "mnuCopyFrame",
+                             "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay", "mnuStop", "mnuFFwd",
+                             "mnuRwd", "mnuPrevious", "mnuNext", "mnuPopPlay", "mnPopStop"})
         m_menus.item(name).setEnabled(HasMovie());
 }
 
@@ -270,6 +272,23 @@ void Player::SaveMediaAs()
 {
     if (isUnbidden()) return;
     handled(texts::kPlaceSave, [this] { m_dialogs.SaveMediaAs(); });
+}
+
+void Player::SaveVideo()
+{
+    if (isUnbidden() || !HasMovie()) return;
+    handled(texts::kPlaceVideo, [this] { m_film.SaveVideo(); });
+}
+
+void Player::SaveFrame()
+{
+    if (isUnbidden() || !HasMovie()) return;
+    handled(texts::kPlaceVideo, [this] { m_film.SaveFrame(); });
+}
+
+void Player::CopyFrame()
+{
+    if (HasMovie()) handled(texts::kPlaceVideo, [this] { m_film.CopyFrame(); });
 }
 
 void Player::LoadMovie(int layer, const QString& url)

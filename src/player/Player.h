@@ -4,6 +4,7 @@
 #include "core/ErrorReport.h"
 #include "media/MediaFiles.h"
 #include "player/Console.h"
+#include "player/FilmExport.h"
 #include "player/Lifecycle.h"
 #include "player/MediaDialogs.h"
 #include "player/Menus.h"
@@ -92,6 +93,9 @@ public:
     void walkMovies(int step) { m_movieList.walk(step); }
     Q_INVOKABLE bool OpenMedia() override;
     Q_INVOKABLE void SaveMediaAs();
+    void SaveVideo();
+    void SaveFrame();
+    void CopyFrame();
     Q_INVOKABLE void LoadOpts() override;
     Q_INVOKABLE bool SaveOpts() override;
     void mnuCompress_Click();
@@ -311,6 +315,7 @@ private:
     browser::BrowserState m_browserState;
     browser::MediaBrowser m_browser;
     MediaDialogs m_dialogs;
+    FilmExport m_film;
     Outside m_outside;
     QElapsedTimer m_sinceMade, m_sinceOpened; ///< and since something was opened outside
     MovieJournal m_movieJournal;

@@ -33,6 +33,8 @@ struct Options {
     bool sfx = true;
     bool hqShots = true;
     bool associate = false;
+    // SETTINGS/EXPORT
+    QString exportChoice; ///< what was chosen for the last film, in the words of zorvex-export
     // SETTINGS/FILES
     QString search; ///< the media browser's folder; when missing, the program's
     qint32 lastPage = 0;

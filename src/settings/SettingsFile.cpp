@@ -50,6 +50,7 @@ constexpr Setting kSettings[] = {
     {"SYSTEM",  "sfx",         &Options::sfx},
     {"SYSTEM",  "hqShots",     &Options::hqShots},
     {"SYSTEM",  "associate",   &Options::associate},
+    {"EXPORT",  "choice",      &Options::exportChoice},
     {"FILES",   "search",      &Options::search},
     {"FILES",   "lastPage",    &Options::lastPage},
 };
