@@ -43,6 +43,14 @@ protected:
             if (auto* dialog = qobject_cast<Dialog*>(window); dialog && dialog->isVisible()) return dialog;
         return nullptr;
     }
+    static void chooseFile(const QString& file)
+    {
+        auto* files = shown<QFileDialog>();
+        if (files == nullptr) return;
+        files->setOption(QFileDialog::DontConfirmOverwrite);
+        files->findChild<QLineEdit*>("fileNameEdit")->setText(file);
+        static_cast<QDialog*>(files)->accept();
+    }
     /// What the user does in the dialogs, as each of them shows.
     template <class Choose>
     void saveVideo(const QString& file, Choose&& choose)
@@ -54,10 +62,8 @@ protected:
                 hasChosen = true;
                 choose(*dialog);
                 dialog->findChild<QPushButton*>("cbOk")->click();
-            } else if (auto* files = shown<QFileDialog>()) {
-                files->setOption(QFileDialog::DontConfirmOverwrite);
-                files->selectFile(file);
-                static_cast<QDialog*>(files)->accept();
+            } else {
+                chooseFile(file);
             }
         });
         answering.start(20);
@@ -213,12 +219,9 @@ TEST_F(FilmExport, AFrameIsSavedOrCopiedAsItIsSeen)
     QApplication::clipboard()->clear();
     player.CopyFrame();
     EXPECT_EQ(QApplication::clipboard()->image().size(), player.control().grab().toImage().size());
-    QTimer::singleShot(100, &player, [&] {
-        auto* files = shown<QFileDialog>();
-        ASSERT_NE(files, nullptr);
-        files->selectFile(path("frame.png"));
-        static_cast<QDialog*>(files)->accept();
-    });
+    QTimer answering;
+    QObject::connect(&answering, &QTimer::timeout, &player, [&] { chooseFile(path("frame.png")); });
+    answering.start(20);
     player.SaveFrame();
     EXPECT_EQ(QImage(path("frame.png")).size(), player.control().grab().toImage().size());
 }
