@@ -218,6 +218,7 @@ protected:
     /// What a scaling grid slices. Null for what is scaled as a whole.
     virtual std::shared_ptr<const swf::Shape> outline() { return nullptr; }
     void cacheScale();
+    void fit(double pixels, double now, double own, double Node::*scale, void (Node::*set)(double));
     /// It counts no longer as one of the stage's instances.
     void unlist();
     /// A cached extent somewhere above is out of date.

@@ -173,11 +173,9 @@ double Node::height()
     return rect.width() == 0 ? 0 : static_cast<double>(rect.height()) / swf::kTwipsPerPixel;
 }
 
-void Node::setWidth(double pixels)
+// A size is reached by scaling along one axis, as `scale` and `set` name it.
+void Node::fit(double pixels, double now, double own, double Node::*scale, void (Node::*set)(double))
 {
-    if (!std::isfinite(pixels)) return;
-    const double now = width();
-    const double own = bounds().width() / static_cast<double>(swf::kTwipsPerPixel);
     // What has no extent has none in either way from then on.
     if (own <= 0) {
         setScaleX(0);
@@ -186,28 +184,21 @@ void Node::setWidth(double pixels)
     }
     cacheScale();
     const bool upright = m_matrix.b == 0 && m_matrix.c == 0;
-    if (upright || now <= 0)
-        setScaleX(pixels / own * 100);
-    else
-        setScaleX(m_scaleX * pixels / now);
+    (this->*set)(upright || now <= 0 ? pixels / own * 100 : this->*scale * pixels / now);
+}
+
+void Node::setWidth(double pixels)
+{
+    if (!std::isfinite(pixels)) return;
+    const double own = bounds().width() / static_cast<double>(swf::kTwipsPerPixel);
+    fit(pixels, width(), own, &Node::m_scaleX, &Node::setScaleX);
 }
 
 void Node::setHeight(double pixels)
 {
     if (!std::isfinite(pixels)) return;
-    const double now = height();
     const double own = bounds().height() / static_cast<double>(swf::kTwipsPerPixel);
-    if (own <= 0) {
-        setScaleX(0);
-        setScaleY(0);
-        return;
-    }
-    cacheScale();
-    const bool upright = m_matrix.b == 0 && m_matrix.c == 0;
-    if (upright || now <= 0)
-        setScaleY(pixels / own * 100);
-    else
-        setScaleY(m_scaleY * pixels / now);
+    fit(pixels, height(), own, &Node::m_scaleY, &Node::setScaleY);
 }
 
 } // namespace flash::stage

@@ -2,6 +2,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/stage/StyleSheet.h"
 #include "flash/stage/TextHtml.h"
+#include "flash/stage/TextHtmlTag.h"
 
 #include <algorithm>
 #include <vector>
@@ -12,46 +13,11 @@ namespace flash::stage
 namespace
 {
 
+using html::isSpace;
+using html::lowered;
+using html::Tag;
+
 constexpr double kLeastSize = 1, kGreatestSize = 127; // pixels
-
-bool isSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
-
-char16_t lower(char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c; }
-
-std::u16string lowered(std::u16string_view text)
-{
-    std::u16string result(text);
-    for (char16_t& c : result) c = lower(c);
-    return result;
-}
-
-std::optional<char16_t> namedEntity(std::u16string_view name)
-{
-    if (name == u"lt") return u'<';
-    if (name == u"gt") return u'>';
-    if (name == u"amp") return u'&';
-    if (name == u"quot") return u'"';
-    if (name == u"apos") return u'\'';
-    if (name == u"nbsp") return u'\u00A0';
-    return {};
-}
-
-std::optional<char16_t> numericEntity(std::u16string_view digits)
-{
-    const bool hex = !digits.empty() && lower(digits[0]) == u'x';
-    if (hex) digits.remove_prefix(1);
-    if (digits.empty()) return {};
-    std::uint32_t code = 0;
-    for (const char16_t raw : digits) {
-        const char16_t c = lower(raw);
-        const int digit = c >= u'0' && c <= u'9'          ? c - u'0'
-                          : hex && c >= u'a' && c <= u'f' ? c - u'a' + 10
-                                                          : -1;
-        if (digit < 0) return {};
-        code = (code * (hex ? 16 : 10) + static_cast<std::uint32_t>(digit)) & 0xFFFF;
-    }
-    return static_cast<char16_t>(code);
-}
 
 std::optional<swf::Rgba> hexColor(std::u16string_view text)
 {
@@ -59,40 +25,13 @@ std::optional<swf::Rgba> hexColor(std::u16string_view text)
     std::uint32_t value = 0;
     if (text.empty()) return {};
     for (const char16_t raw : text) {
-        const char16_t c = lower(raw);
+        const char16_t c = html::lower(raw);
         const int digit = c >= u'0' && c <= u'9' ? c - u'0' : c >= u'a' && c <= u'f' ? c - u'a' + 10 : -1;
         if (digit < 0) return {};
         value = value << 4 | static_cast<std::uint32_t>(digit);
     }
     return swf::Rgba{static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 8),
                      static_cast<std::uint8_t>(value), 255};
-}
-
-struct Attribute {
-    std::u16string name; ///< lower case
-    std::u16string value;
-};
-
-struct Tag {
-    std::u16string name; ///< lower case
-    bool closes = false; ///< </name>
-    bool empty = false;  ///< <name/>
-    std::vector<Attribute> attributes;
-    [[nodiscard]] const std::u16string* find(std::u16string_view name) const
-    {
-        for (const Attribute& attribute : attributes)
-            if (attribute.name == name) return &attribute.value;
-        return nullptr;
-    }
-};
-
-/// @returns where the entity that begins at `at` has its semicolon, or npos. None is so long that a text of
-/// ampersands would have to be gone through again for each of them.
-std::size_t endOfEntity(std::u16string_view text, std::size_t at)
-{
-    constexpr std::size_t kLongest = 64;
-    const std::size_t found = text.substr(at, kLongest).find(u';');
-    return found == std::u16string_view::npos ? found : at + found;
 }
 
 class Parser
@@ -157,10 +96,11 @@ private:
         std::u16string text;
         for (std::size_t i = 0; i < raw.size(); ++i) {
             if (raw[i] == u'&') {
-                const std::size_t semicolon = endOfEntity(raw, i);
-                const std::optional<char16_t> decoded = semicolon == std::u16string_view::npos
-                                                            ? std::nullopt
-                                                            : entity(raw.substr(i + 1, semicolon - i - 1));
+                const std::size_t semicolon = html::endOfEntity(raw, i);
+                const std::optional<char16_t> decoded =
+                    semicolon == std::u16string_view::npos
+                        ? std::nullopt
+                        : html::entity(raw.substr(i + 1, semicolon - i - 1));
                 if (decoded) {
                     put(text, *decoded);
                     i = semicolon;
@@ -174,12 +114,6 @@ private:
             put(text, raw[i] == u'\n' ? u'\r' : raw[i] == u'\r' ? u'\n' : raw[i]);
         }
         flush(text);
-    }
-
-    static std::optional<char16_t> entity(std::u16string_view name)
-    {
-        if (!name.empty() && name[0] == u'#') return numericEntity(name.substr(1));
-        return namedEntity(lowered(name));
     }
 
     void put(std::u16string& text, char16_t c)
@@ -208,75 +142,14 @@ private:
             m_rest.remove_prefix(end + 3);
             return true;
         }
-        std::size_t i = 1;
-        Tag tag;
-        if (i < m_rest.size() && m_rest[i] == u'/') {
-            tag.closes = true;
-            ++i;
-        }
-        const std::size_t nameBegin = i;
-        while (i < m_rest.size() && !isSpace(m_rest[i]) && m_rest[i] != u'>' && m_rest[i] != u'/') ++i;
-        tag.name = lowered(m_rest.substr(nameBegin, i - nameBegin));
-        while (i < m_rest.size() && m_rest[i] != u'>') {
-            if (isSpace(m_rest[i])) {
-                ++i;
-            } else if (m_rest[i] == u'/') {
-                tag.empty = true;
-                ++i;
-            } else if (!attribute(tag, i)) {
-                return false;
-            }
-        }
-        if (i >= m_rest.size()) return false;
-        m_rest.remove_prefix(i + 1);
+        const std::optional<Tag> found = html::takeTag(m_rest);
+        if (!found) return false;
+        const Tag& tag = *found;
         if (tag.closes)
             close(tag.name);
         else
             open(tag);
         return true;
-    }
-
-    bool attribute(Tag& tag, std::size_t& i)
-    {
-        const std::size_t begin = i;
-        while (i < m_rest.size() && !isSpace(m_rest[i]) && m_rest[i] != u'=' && m_rest[i] != u'>') ++i;
-        Attribute found{lowered(m_rest.substr(begin, i - begin)), {}};
-        while (i < m_rest.size() && isSpace(m_rest[i])) ++i;
-        if (i < m_rest.size() && m_rest[i] == u'=') {
-            ++i;
-            while (i < m_rest.size() && isSpace(m_rest[i])) ++i;
-            if (i >= m_rest.size()) return false;
-            const char16_t quote = m_rest[i];
-            if (quote == u'"' || quote == u'\'') {
-                const std::size_t end = m_rest.find(quote, i + 1);
-                if (end == std::u16string_view::npos) return false;
-                found.value = decoded(m_rest.substr(i + 1, end - i - 1));
-                i = end + 1;
-            } else {
-                const std::size_t valueBegin = i;
-                while (i < m_rest.size() && !isSpace(m_rest[i]) && m_rest[i] != u'>') ++i;
-                found.value = decoded(m_rest.substr(valueBegin, i - valueBegin));
-            }
-        }
-        tag.attributes.push_back(std::move(found));
-        return true;
-    }
-
-    static std::u16string decoded(std::u16string_view raw)
-    {
-        std::u16string text;
-        for (std::size_t i = 0; i < raw.size(); ++i) {
-            const std::size_t semicolon = raw[i] == u'&' ? endOfEntity(raw, i) : std::u16string_view::npos;
-            if (semicolon != std::u16string_view::npos) {
-                if (const auto c = entity(raw.substr(i + 1, semicolon - i - 1))) {
-                    text += *c;
-                    i = semicolon;
-                    continue;
-                }
-            }
-            text += raw[i];
-        }
-        return text;
     }
 
     void lineBreak(const TextFormat& format)
@@ -303,11 +176,11 @@ private:
             const std::u16string& text = m_content.text();
             if (!text.empty() && text.back() != u'\r' && text.back() != u'\n') lineBreak(format());
         }
-        furnish(tag, element);
+        applyTag(tag, element);
         if (!tag.empty) m_open.push_back(std::move(element));
     }
 
-    void furnish(const Tag& tag, Element& element)
+    void applyTag(const Tag& tag, Element& element)
     {
         TextFormat& format = element.format;
         render::TextStyle& style = format.style;

@@ -1,6 +1,6 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
-#include "flash/avm1/classes/Filters.h"
+#include "flash/avm1/bindings/MovieClipMembers.h"
 #include "flash/stage/Drawing.h"
 #include "flash/stage/Graphics.h"
 
@@ -10,10 +10,9 @@
 namespace flash::avm1
 {
 
-namespace
+namespace movieclip
 {
 
-/// The value of a property, were it hidden from the running version.
 Value hiddenOrNot(Vm& vm, Object& object, Name name)
 {
     const std::uint16_t flags = object.flagsOf(vm, name);
@@ -24,7 +23,6 @@ Value hiddenOrNot(Vm& vm, Object& object, Name name)
     return value;
 }
 
-/// Sets a property, were it hidden from the running version.
 void setHiddenOrNot(Vm& vm, Object& object, Name name, Value value)
 {
     const std::uint16_t flags = object.flagsOf(vm, name);
@@ -33,6 +31,11 @@ void setHiddenOrNot(Vm& vm, Object& object, Name name, Value value)
     object.put(vm, name, value);
     object.changeFlags(vm, name, flags, 0);
 }
+
+} // namespace movieclip
+
+namespace
+{
 
 /// The object's own enumerable properties go to a new instance before its scripts run.
 std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
@@ -44,7 +47,7 @@ std::function<void(stage::Node&)> initialiser(Call& call, std::size_t index)
         if (!target) return;
         const RootedNames names = source->enumerate(vm);
         for (auto name = names.rbegin(); name != names.rend(); ++name)
-            target->put(vm, *name, hiddenOrNot(vm, *source, *name));
+            target->put(vm, *name, movieclip::hiddenOrNot(vm, *source, *name));
     };
 }
 
@@ -211,100 +214,6 @@ Value prevFrame(Call& call)
     return {};
 }
 
-// ---- geometry ---------------------------------------------------------------------------------------------
-
-/// @param nothing what each side of an empty rectangle reports
-Object* rectObject(Vm& vm, const swf::Rect& rect, double nothing)
-{
-    // A bare object, without a class.
-    Object* object = vm.newObject(nullptr);
-    const auto value = [&](std::int32_t twips) {
-        return Value(rect.isEmpty() ? nothing : twips / static_cast<double>(swf::kTwipsPerPixel));
-    };
-    object->define(vm, "yMax", value(rect.yMax));
-    object->define(vm, "yMin", value(rect.yMin));
-    object->define(vm, "xMax", value(rect.xMax));
-    object->define(vm, "xMin", value(rect.xMin));
-    return object;
-}
-
-Value boundsIn(Call& call, stage::Node::Extent extent)
-{
-    StageBinding& binding = StageBinding::of(call);
-    stage::Clip* clip = selfClip(call);
-    if (!clip) return {};
-    stage::Node* space = clip;
-    if (call.count() > 0 && !call.arg(0).isUndefined()) {
-        Object* target = call.arg(0).asObject();
-        if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
-        space = binding.nodeOf(target);
-        if (!space) return {};
-    }
-    swf::Rect rect = clip->bounds(extent);
-    if (space == clip->parent())
-        rect = clip->boundsThrough(clip->matrix(), extent);
-    else if (space != clip)
-        rect = clip->boundsThrough(space->toStage().inverted() * clip->toStage(), extent);
-    // The largest number of twips there is, minimum and maximum alike; in the clip's own space always the
-    // smaller one.
-    constexpr double kNothing = 6710886.35, kFurther = 6710886.4;
-    if (call.vm.version() >= 8 || binding.stage().movie()->header.version >= 8)
-        binding.emptyBoundsAreFurther = true;
-    const bool further = binding.emptyBoundsAreFurther && space != clip;
-    return rectObject(call.vm, rect, further ? kFurther : kNothing);
-}
-Value getBounds(Call& call) { return boundsIn(call, stage::Node::Extent::WithStrokes); }
-Value getRect(Call& call) { return boundsIn(call, stage::Node::Extent::WithoutStrokes); }
-
-Value convertPoint(Call& call, bool toGlobal)
-{
-    stage::Clip* clip = selfClip(call);
-    Object* point = call.arg(0).asObject();
-    if (!clip || !point) return {};
-    Vm& vm = call.vm;
-    const Name x = vm.name(std::string_view("x")), y = vm.name(std::string_view("y"));
-    // Only the point's own data counts: no prototype and no getter is asked.
-    const Value px = point->ownHiddenData(vm, x), py = point->ownHiddenData(vm, y);
-    if (!px.isNumber() || !py.isNumber()) return {};
-    const swf::Matrix matrix = toGlobal ? clip->toStage() : clip->toStage().inverted();
-    constexpr double kTwips = swf::kTwipsPerPixel;
-    // Twips are of 32 bits here, and wrap around.
-    const swf::Point mapped =
-        matrix.map(avm1::toInt32(px.number() * kTwips), avm1::toInt32(py.number() * kTwips));
-    setHiddenOrNot(vm, *point, x, Value(std::round(mapped.x) / kTwips));
-    setHiddenOrNot(vm, *point, y, Value(std::round(mapped.y) / kTwips));
-    return {};
-}
-Value localToGlobal(Call& call) { return convertPoint(call, true); }
-Value globalToLocal(Call& call) { return convertPoint(call, false); }
-
-Value hitTest(Call& call)
-{
-    StageBinding& binding = StageBinding::of(call);
-    stage::Clip* clip = selfClip(call);
-    if (!clip) return call.vm.version() >= 5 ? Value(false) : Value();
-    if (call.count() > 1) {
-        const double x = numberArg(call, 0), y = numberArg(call, 1);
-        if (!std::isfinite(x) || !std::isfinite(y)) return Value(false);
-        // Coordinates are those of the main timeline, which scripts may have moved.
-        const swf::Point point =
-            clip->levelRoot()->matrix().map(x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel);
-        if (toBoolean(call.vm, call.arg(2))) return Value(clip->hitsShape(point));
-        const swf::Rect rect = swf::mapBounds(clip->toStage(), clip->bounds());
-        return Value(!rect.isEmpty() && point.x >= rect.xMin && point.x <= rect.xMax &&
-                     point.y >= rect.yMin && point.y <= rect.yMax);
-    }
-    if (call.count() == 0) return Value(false);
-    Object* target = call.arg(0).asObject();
-    if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
-    stage::Node* other = binding.nodeOf(target);
-    if (!other) return Value(false);
-    const swf::Rect a = swf::mapBounds(clip->toStage(), clip->bounds());
-    const swf::Rect b = swf::mapBounds(other->toStage(), other->bounds());
-    if (a.isEmpty() || b.isEmpty()) return Value(false);
-    return Value(!swf::intersect(a, b).isEmpty());
-}
-
 // ---- depths -----------------------------------------------------------------------------------------------
 
 Value swapDepths(Call& call)
@@ -353,7 +262,8 @@ Value getInstanceAtDepth(Call& call)
     return object ? Value(object) : call.self;
 }
 
-// ---- dragging, masks, loading -----------------------------------------------------------------------------
+// ---- dragging, loading
+// ---------------------------------------------------------------------------------------
 
 Value startDrag(Call& call)
 {
@@ -372,93 +282,6 @@ Value stopDrag(Call& call)
 {
     StageBinding::of(call).endDrag();
     return {};
-}
-
-Value setMask(Call& call)
-{
-    StageBinding& binding = StageBinding::of(call);
-    // Borrowed, it works for text fields and buttons too.
-    stage::Node* node = binding.nodeOf(call.self.asObject());
-    if (!node || call.count() == 0) return {};
-    if (call.arg(0).isNullish()) {
-        node->setMask(nullptr);
-        return Value(true);
-    }
-    Object* target = call.arg(0).asObject();
-    if (!target) {
-        // A text is read as a variable of the clip that contains the masked one, or as a path from there.
-        stage::Clip* around = node->parentClip();
-        Object* base = around ? binding.objectOf(around) : call.self.asObject();
-        const std::u16string path = textArg(call, 0);
-        target = call.vm.getVariable(base, path).asObject();
-        if (!target) target = call.vm.resolveTarget(base, path);
-    }
-    stage::Node* mask = binding.nodeOf(target);
-    if (!mask) return Value(false);
-    node->setMask(mask);
-    return Value(true);
-}
-
-UrlRequest::Method methodArg(Call& call, std::size_t index)
-{
-    if (call.arg(index).isUndefined()) return UrlRequest::Method::None;
-    const std::u16string method = AtomTable::fold(textArg(call, index));
-    if (method == u"get") return UrlRequest::Method::Get;
-    if (method == u"post") return UrlRequest::Method::Post;
-    return UrlRequest::Method::None;
-}
-
-void requestFor(Call& call, UrlRequest::Kind kind, std::size_t methodIndex)
-{
-    Object* self = call.self.asObject();
-    if (!selfClip(call)) return;
-    UrlRequest request;
-    request.kind = kind;
-    request.method = methodArg(call, methodIndex);
-    if (kind != UrlRequest::Kind::MovieIntoClip || call.count() > 0) request.url = textArg(call, 0);
-    if (kind == UrlRequest::Kind::Page && call.count() > 1) request.window = textArg(call, 1);
-    request.target = self;
-    request.sender = self;
-    StageBinding::of(call).requestUrl(request);
-}
-Value loadMovie(Call& call)
-{
-    requestFor(call, UrlRequest::Kind::MovieIntoClip, 1);
-    return {};
-}
-Value loadVariables(Call& call)
-{
-    requestFor(call, UrlRequest::Kind::Variables, 1);
-    return {};
-}
-Value getUrl(Call& call)
-{
-    requestFor(call, UrlRequest::Kind::Page, 2);
-    return {};
-}
-Value unloadMovie(Call& call)
-{
-    if (stage::Clip* clip = selfClip(call)) StageBinding::of(call).stage().loads().requestUnload(*clip);
-    return {};
-}
-Value getBytesLoaded(Call& call)
-{
-    stage::Clip* clip = selfClip(call);
-    return clip ? Value(clip->bytesLoaded()) : Value();
-}
-Value getBytesTotal(Call& call)
-{
-    stage::Clip* clip = selfClip(call);
-    return clip ? Value(clip->bytesTotal()) : Value();
-}
-Value getSwfVersion(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    if (!node || !node->movie()) return Value(-1);
-    const stage::Clip* clip = stage::asClip(node);
-    const bool noMovie = clip && (clip->content() == stage::Clip::Content::Picture ||
-                                  clip->content() == stage::Clip::Content::Missing);
-    return Value(noMovie ? -1 : static_cast<int>(node->movie()->header.version));
 }
 
 Value getTextSnapshot(Call& call)
@@ -490,185 +313,44 @@ Value getTextSnapshot(Call& call)
     return snapshot;
 }
 
-// ---- properties of version 8 ------------------------------------------------------------------------------
-
-constexpr const char* kBlendNames[] = {"normal", "layer",      "multiply", "screen",   "lighten",
-                                       "darken", "difference", "add",      "subtract", "invert",
-                                       "alpha",  "erase",      "overlay",  "hardlight"};
-
-Value getBlendMode(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    if (!node) return {};
-    const auto index = static_cast<std::size_t>(node->blend());
-    return call.vm.string(std::string_view(kBlendNames[index >= 1 && index <= 14 ? index - 1 : 0]));
-}
-Value setBlendMode(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    if (!node) return {};
-    if (call.arg(0).isNullish()) {
-        node->setBlend(swf::BlendMode::Normal);
-        return {};
-    }
-    if (call.arg(0).isNumber()) {
-        // One byte in the movie format, and here.
-        const int index = intArg(call, 0) & 0xFF;
-        if (index >= 1 && index <= 14) node->setBlend(static_cast<swf::BlendMode>(index));
-        return {};
-    }
-    if (!call.arg(0).isString()) return {};
-    const std::u16string name = textArg(call, 0);
-    for (std::size_t i = 0; i < std::size(kBlendNames); ++i)
-        if (base::utf16FromUtf8(kBlendNames[i]) == name) node->setBlend(static_cast<swf::BlendMode>(i + 1));
-    return {};
-}
-Value getCacheAsBitmap(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    return node ? Value(node->cacheAsBitmap() || !node->filters().empty()) : Value();
-}
-Value setCacheAsBitmap(Call& call)
-{
-    if (stage::Node* node = selfNode(call)) node->setCacheAsBitmap(toBoolean(call.vm, call.arg(0)));
-    return {};
-}
-Value getOpaqueBackground(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    if (!node || !node->opaqueBackground()) return {};
-    const swf::Rgba c = *node->opaqueBackground();
-    return Value(c.r * 65536 + c.g * 256 + c.b);
-}
-Value setOpaqueBackground(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    if (!node) return {};
-    if (call.arg(0).isNullish()) {
-        node->setOpaqueBackground({});
-        return {};
-    }
-    const int rgb = intArg(call, 0);
-    node->setOpaqueBackground(swf::Rgba{static_cast<std::uint8_t>(rgb >> 16),
-                                        static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb),
-                                        255});
-    return {};
-}
-
-Object* newRectangle(Vm& vm, double x, double y, double width, double height)
-{
-    Object* package = vm.global()->get(vm, vm.name(std::string_view("flash"))).asObject();
-    package = package ? package->get(vm, vm.name(std::string_view("geom"))).asObject() : nullptr;
-    const Value rectangle = package ? package->get(vm, vm.name(std::string_view("Rectangle"))) : Value();
-    const Value args[] = {Value(x), Value(y), Value(width), Value(height)};
-    return vm.construct(rectangle, args).asObject();
-}
-
-std::optional<swf::Rect> rectangleArg(Call& call)
-{
-    Object* object = call.arg(0).asObject();
-    if (!object) return {};
-    const auto number = [&](const char* name) {
-        return toNumber(call.vm, object->get(call.vm, call.vm.name(std::string_view(name))));
-    };
-    const double x = number("x"), y = number("y"), width = number("width"), height = number("height");
-    constexpr double kLargest = 1e7;
-    for (const double n : {x, y, width, height})
-        if (!(std::abs(n) < kLargest)) return {};
-    const auto twips = [](double pixels) { return static_cast<std::int32_t>(std::lround(pixels * 20)); };
-    return swf::Rect{twips(x), twips(x + width), twips(y), twips(y + height)};
-}
-Value rectangleOf(Call& call, const std::optional<swf::Rect>& rect)
-{
-    if (!rect) return {};
-    return newRectangle(call.vm, rect->xMin / 20.0, rect->yMin / 20.0, rect->width() / 20.0,
-                        rect->height() / 20.0);
-}
-Value getScrollRect(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    return node ? rectangleOf(call, node->scrollRect()) : Value();
-}
-Value setScrollRect(Call& call)
-{
-    if (stage::Node* node = selfNode(call)) node->setScrollRect(rectangleArg(call));
-    return {};
-}
-Value getScalingGrid(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    return node ? rectangleOf(call, node->scalingGrid()) : Value();
-}
-Value setScalingGrid(Call& call)
-{
-    if (stage::Node* node = selfNode(call)) node->setScalingGrid(rectangleArg(call));
-    return {};
-}
-
-Value getFilters(Call& call)
-{
-    stage::Node* node = selfNode(call);
-    return node ? filtersToValue(call.vm, node->filters()) : Value();
-}
-Value setFilters(Call& call)
-{
-    if (stage::Node* node = selfNode(call)) node->setFilters(filtersFromValue(call.vm, call.arg(0)));
-    return {};
-}
-
 Value construct(Call&) { return {}; }
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    {"attachMovie",          3, 0,     &attachMovie},
-    {"swapDepths",           1, 0,     &swapDepths},
-    {"localToGlobal",        1, 0,     &localToGlobal},
-    {"globalToLocal",        1, 0,     &globalToLocal},
-    {"hitTest",              1, 0,     &hitTest},
-    {"getBounds",            0, 0,     &getBounds},
-    {"getBytesTotal",        0, 0,     &getBytesTotal},
-    {"getBytesLoaded",       0, 0,     &getBytesLoaded},
-    {"attachAudio",          1, kFrom6, &attachAudio},
-    {"attachVideo",          0, kFrom6, &attachVideo},
-    {"getDepth",             0, kFrom6, &getDepth},
-    {"setMask",              1, kFrom6, &setMask},
-    {"play",                 0, 0,     &play},
-    {"stop",                 0, 0,     &stop},
-    {"nextFrame",            0, 0,     &nextFrame},
-    {"prevFrame",            0, 0,     &prevFrame},
-    {"gotoAndPlay",          1, 0,     &gotoAndPlay},
-    {"gotoAndStop",          1, 0,     &gotoAndStop},
-    {"duplicateMovieClip",   2, 0,     &duplicateMovieClip},
-    {"removeMovieClip",      0, 0,     &removeMovieClip},
-    {"startDrag",            0, 0,     &startDrag},
-    {"stopDrag",             0, 0,     &stopDrag},
-    {"getURL",               1, 0,     &getUrl},
-    {"loadMovie",            1, 0,     &loadMovie},
-    {"loadVariables",        1, 0,     &loadVariables},
-    {"unloadMovie",          0, 0,     &unloadMovie},
-    {"createEmptyMovieClip", 2, kFrom6, &createEmptyMovieClip},
-    {"createTextField",      6, 0,     &createTextField},
-    {"getNextHighestDepth",  0, kFrom7, &getNextHighestDepth},
-    {"getInstanceAtDepth",   1, kFrom7, &getInstanceAtDepth},
-    {"getSWFVersion",        0, 0,      &getSwfVersion},
-    {"getTextSnapshot",      0, kFrom6, &getTextSnapshot},
-    {"attachBitmap",         2, kFrom8, &attachBitmap},
-    {"getRect",              0, kFrom8, &getRect},
-};
-constexpr AccessorInfo kAccessors[] = {
-    {"blendMode",        kFrom8, &getBlendMode,        &setBlendMode},
-    {"cacheAsBitmap",    kFrom8, &getCacheAsBitmap,    &setCacheAsBitmap},
-    {"opaqueBackground", kFrom8, &getOpaqueBackground, &setOpaqueBackground},
-    {"scrollRect",       kFrom8, &getScrollRect,       &setScrollRect},
-    {"filters",          kFrom8, &getFilters,          &setFilters},
-    {"scale9Grid",       kFrom8, &getScalingGrid,      &setScalingGrid},
-};
-/// Those that buttons share with clips.
-constexpr AccessorInfo kButtonAccessors[] = {
-    {"blendMode",        kFrom8, &getBlendMode,        &setBlendMode},
-    {"cacheAsBitmap",    kFrom8, &getCacheAsBitmap,    &setCacheAsBitmap},
-    {"filters",          kFrom8, &getFilters,          &setFilters},
-    {"scale9Grid",       kFrom8, &getScalingGrid,      &setScalingGrid},
+    {"attachMovie",           3, 0,      &attachMovie},
+    {"swapDepths",            1, 0,      &swapDepths},
+    {"localToGlobal",         1, 0,      &movieclip::localToGlobal},
+    {"globalToLocal",         1, 0,      &movieclip::globalToLocal},
+    {"hitTest",               1, 0,      &movieclip::hitTest},
+    {"getBounds",             0, 0,      &movieclip::getBounds},
+    {"getBytesTotal",         0, 0,      &movieclip::getBytesTotal},
+    {"getBytesLoaded",        0, 0,      &movieclip::getBytesLoaded},
+    {"attachAudio",           1, kFrom6, &attachAudio},
+    {"attachVideo",           0, kFrom6, &attachVideo},
+    {"getDepth",              0, kFrom6, &getDepth},
+    {"setMask",               1, kFrom6, &movieclip::setMask},
+    {"play",                  0, 0,      &play},
+    {"stop",                  0, 0,      &stop},
+    {"nextFrame",             0, 0,      &nextFrame},
+    {"prevFrame",             0, 0,      &prevFrame},
+    {"gotoAndPlay",           1, 0,      &gotoAndPlay},
+    {"gotoAndStop",           1, 0,      &gotoAndStop},
+    {"duplicateMovieClip",    2, 0,      &duplicateMovieClip},
+    {"removeMovieClip",       0, 0,      &removeMovieClip},
+    {"startDrag",             0, 0,      &startDrag},
+    {"stopDrag",              0, 0,      &stopDrag},
+    {"getURL",                1, 0,      &movieclip::getUrl},
+    {"loadMovie",             1, 0,      &movieclip::loadMovie},
+    {"loadVariables",         1, 0,      &movieclip::loadVariables},
+    {"unloadMovie",           0, 0,      &movieclip::unloadMovie},
+    {"createEmptyMovieClip",  2, kFrom6, &createEmptyMovieClip},
+    {"createTextField",       6, 0,      &createTextField},
+    {"getNextHighestDepth",   0, kFrom7, &getNextHighestDepth},
+    {"getInstanceAtDepth",    1, kFrom7, &getInstanceAtDepth},
+    {"getSWFVersion",         0, 0,      &movieclip::getSwfVersion},
+    {"getTextSnapshot",       0, kFrom6, &getTextSnapshot},
+    {"attachBitmap",          2, kFrom8, &attachBitmap},
+    {"getRect",               0, kFrom8, &movieclip::getRect},
 };
 // clang-format on
 
@@ -679,7 +361,7 @@ void installMovieClip(StageBinding& binding)
     Vm& vm = binding.vm();
     Function* constructor = vm.defineClass("MovieClip", &construct, kMembers);
     Object* prototype = vm.prototypeOf(constructor);
-    vm.addAccessors(prototype, kAccessors);
+    movieclip::addLook(vm, prototype);
     addTabIndex(vm, prototype, kBuiltIn);
     prototype->define(vm, "enabled", Value(true), kDontEnum | kDontDelete);
     prototype->define(vm, "useHandCursor", Value(true), kDontEnum | kDontDelete);
@@ -694,10 +376,10 @@ void installButton(StageBinding& binding)
     for (const char* name : {"Button", "Video"}) {
         Object* prototype = vm.prototypeOf(vm.defineClass(name, &construct));
         if (std::string_view(name) == "Video") {
-            vm.addAccessors(prototype, kAccessors);
+            movieclip::addLook(vm, prototype);
             continue;
         }
-        vm.addAccessors(prototype, kButtonAccessors, 0);
+        movieclip::addButtonLook(vm, prototype);
         addTabIndex(vm, prototype);
         prototype->define(vm, "getDepth", vm.newFunction(&getDepth), 0);
         prototype->define(vm, "enabled", Value(true), 0);
