@@ -109,7 +109,7 @@ base::Result<void> MediaFiles::backUp(const QString& path, const QString& extens
     QDir().mkpath(m_application.CachePath);
     CHECK_RESULT(noteBackup(m_application.CachePath, name));
     // The cache path ends in a separator already; the doubled one is accepted by every system.
-    return writeToCache(m_application.CachePath + QDir::separator() + name, content);
+    return base::replaceFile(core::filePath(m_application.CachePath + QDir::separator() + name), content);
 }
 
 base::Result<void> MediaFiles::writeToCache(const QString& file, std::span<const base::Bytes> parts) const
