@@ -190,7 +190,7 @@ public:
         inputs.screenHeight = options.screenHeight;
         script = std::make_unique<avm1::StageBinding>(services, std::move(inputs));
         if (options.collectAlways) script->vm().collectAlways();
-        stage = std::make_unique<stage::Stage>(services, script.get());
+        stage = std::make_unique<stage::Stage>(services, &script->events());
         script->attach(*stage);
         stage->linkage().setTextCode(base::TextCode::named(options.textCode));
     }

@@ -36,6 +36,26 @@ constexpr int kMaxScriptDepth = 2130690044;
 /// An instance whose unload handlers have yet to run waits at kUnloadDepthBase - depth.
 constexpr int kUnloadDepthBase = -32769;
 
+/// What a script machine knows an instance by; each machine derives its own.
+class Peer
+{
+public:
+    /// @returns null for that of another machine
+    template <class T>
+    [[nodiscard]] T* as()
+    {
+        return m_tag == &T::kTag ? static_cast<T*>(this) : nullptr;
+    }
+
+protected:
+    /// @param tag address of the derived class's `kTag`
+    explicit Peer(const void* tag) : m_tag(tag) {}
+    ~Peer() = default;
+
+private:
+    const void* m_tag;
+};
+
 /// One instance on (or once on) a display list.
 ///
 /// Shared by its parent's list and by script objects: a script may keep an instance that left the stage;
@@ -211,8 +231,8 @@ public:
     std::optional<int> tabIndex;
     std::optional<bool> tabEnabled, focusRect;
 
-    /// The script object of this instance, or null. Owned by the script engine's heap; cleared by it.
-    void* peer = nullptr;
+    /// Null while scripts do not know the instance. Owned by the script engine's heap; cleared by it.
+    Peer* peer = nullptr;
 
 protected:
     /// What a scaling grid slices. Null for what is scaled as a whole.

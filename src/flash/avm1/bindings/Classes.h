@@ -36,7 +36,7 @@ Value attachAudio(Call& call);
 void installLibrary(StageBinding& binding, Object* flash);
 
 /// Gives the prototype of text fields its properties, which are not there before the first text field is.
-void furnishTextField(Vm& vm);
+void installTextFieldProperties(Vm& vm);
 
 /// Gives a prototype of instances the property `tabIndex`: a whole number of 32 bits, or undefined.
 void addTabIndex(Vm& vm, Object* prototype, std::uint16_t flags = 0);

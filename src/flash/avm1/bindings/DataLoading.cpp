@@ -95,7 +95,7 @@ Value sendAndLoad(Call& call)
     if (!self || !target) return Value(false);
     // A document is sent as its text, which nobody outside gets from here; variables go with the address.
     const auto variables = self->native<XmlNode>() ? std::vector<std::pair<std::string, std::string>>()
-                                                   : StageBinding::of(call).collectVariables(self);
+                                                   : StageBinding::of(call).host().collectVariables(self);
     return Value(fetchInto(call, target, utf8Arg(call, 0), variables, methodArg(call, 2)));
 }
 

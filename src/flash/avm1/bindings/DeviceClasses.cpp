@@ -17,7 +17,7 @@ Value connect(Call& call) { return Value(call.count() > 0); }
 /// As when nobody has connected to the name; whether somebody has is not what the answer tells.
 Value send(Call& call)
 {
-    StageBinding::of(call).log("LocalConnection.send: there is no other movie to hear it");
+    StageBinding::of(call).host().log("LocalConnection.send: there is no other movie to hear it");
     return Value(call.count() > 1);
 }
 Value domain(Call& call) { return call.vm.string(std::string_view("localhost")); }

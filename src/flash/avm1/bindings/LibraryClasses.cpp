@@ -140,7 +140,7 @@ Value constructFileReferenceList(Call& call)
 /// A movie that is not played by a browser has nowhere to send a file, and its user asked for no dialog.
 Value refuseDialog(Call& call)
 {
-    StageBinding::of(call).log("FileReference: there is nowhere to load files to or from");
+    StageBinding::of(call).host().log("FileReference: there is nowhere to load files to or from");
     return Value(false);
 }
 

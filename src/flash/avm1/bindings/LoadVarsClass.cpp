@@ -16,8 +16,8 @@ Value decode(Call& call)
     if (call.count() == 0) return Value(false);
     const std::u16string text = textArg(call, 0);
     const bool coded = readsCodepage(call.vm);
-    StageBinding::of(call).decodeVariables(self, coded ? call.vm.host().textCode().encode(text)
-                                                       : base::utf8FromUtf16(text));
+    StageBinding::of(call).host().decodeVariables(self, coded ? call.vm.host().textCode().encode(text)
+                                                              : base::utf8FromUtf16(text));
     return {};
 }
 

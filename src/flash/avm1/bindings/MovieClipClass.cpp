@@ -95,7 +95,7 @@ Value createTextField(Call& call)
     stage::Clip* clip = selfClip(call);
     const auto depth = depthArg(call, 1);
     if (!clip || !depth) return {};
-    furnishTextField(call.vm);
+    installTextFieldProperties(call.vm);
     const double x = std::trunc(numberArg(call, 2)), y = std::trunc(numberArg(call, 3));
     const double width = std::trunc(numberArg(call, 4)), height = std::trunc(numberArg(call, 5));
     const auto twips = [](double pixels) {
@@ -172,7 +172,7 @@ Value gotoAnd(Call& call, bool play)
                 where = Value(call.vm.string(label));
             }
         }
-        if (binding.gotoLabel(self, label, play)) return {};
+        if (binding.host().gotoLabel(self, label, play)) return {};
     }
     const double number = toNumber(call.vm, where);
     if (!std::isfinite(number)) return {};
@@ -183,34 +183,34 @@ Value gotoAnd(Call& call, bool play)
     // Anything before the first does not go anywhere but obeys "and play".
     if (frame < 1) {
         if (play)
-            binding.play(self);
+            binding.host().play(self);
         else
-            binding.stop(self);
+            binding.host().stop(self);
         return {};
     }
-    binding.gotoFrame(self, frame - 1, play);
+    binding.host().gotoFrame(self, frame - 1, play);
     return {};
 }
 Value gotoAndPlay(Call& call) { return gotoAnd(call, true); }
 Value gotoAndStop(Call& call) { return gotoAnd(call, false); }
 Value play(Call& call)
 {
-    StageBinding::of(call).play(call.self.asObject());
+    StageBinding::of(call).host().play(call.self.asObject());
     return {};
 }
 Value stop(Call& call)
 {
-    StageBinding::of(call).stop(call.self.asObject());
+    StageBinding::of(call).host().stop(call.self.asObject());
     return {};
 }
 Value nextFrame(Call& call)
 {
-    StageBinding::of(call).nextFrame(call.self.asObject());
+    StageBinding::of(call).host().nextFrame(call.self.asObject());
     return {};
 }
 Value prevFrame(Call& call)
 {
-    StageBinding::of(call).previousFrame(call.self.asObject());
+    StageBinding::of(call).host().previousFrame(call.self.asObject());
     return {};
 }
 
@@ -275,12 +275,12 @@ Value startDrag(Call& call)
     request.top = numberArg(call, 2);
     request.right = numberArg(call, 3);
     request.bottom = numberArg(call, 4);
-    StageBinding::of(call).startDrag(request);
+    StageBinding::of(call).host().startDrag(request);
     return {};
 }
 Value stopDrag(Call& call)
 {
-    StageBinding::of(call).endDrag();
+    StageBinding::of(call).host().endDrag();
     return {};
 }
 

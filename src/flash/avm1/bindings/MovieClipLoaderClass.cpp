@@ -82,7 +82,7 @@ Target targetArg(Call& call, std::size_t index)
     }
     const std::u16string path = toText(call.vm, value);
     Object* base = call.vm.target();
-    if (!base) base = binding.level(0);
+    if (!base) base = binding.host().level(0);
     target.clip = binding.clipOf(call.vm.resolveTarget(base, path));
     if (!target.clip && path.starts_with(u"_level") && path.size() > 6)
         target.level = toInt32(parseNumber(std::u16string_view(path).substr(6), 7));

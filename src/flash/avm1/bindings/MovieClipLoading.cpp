@@ -28,7 +28,7 @@ void requestFor(Call& call, UrlRequest::Kind kind, std::size_t methodIndex)
     if (kind == UrlRequest::Kind::Page && call.count() > 1) request.window = textArg(call, 1);
     request.target = self;
     request.sender = self;
-    StageBinding::of(call).requestUrl(request);
+    StageBinding::of(call).host().requestUrl(request);
 }
 
 } // namespace

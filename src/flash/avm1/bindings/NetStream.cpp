@@ -57,14 +57,15 @@ void NetStream::begin(const base::Result<stage::LoadAnswer>& answer)
     }
     auto opened = video::FlvPlayer::open(std::move(file));
     if (!opened) {
-        m_binding.log(answer->url + ": " + opened.error().what);
+        m_binding.host().log(answer->url + ": " + opened.error().what);
         tellStatus("NetStream.Play.FileStructureInvalid", "error");
         return;
     }
     m_player = std::move(*opened);
-    if (m_player->hasOtherSound()) m_binding.log(answer->url + ": its sound is in a format not played");
+    if (m_player->hasOtherSound())
+        m_binding.host().log(answer->url + ": its sound is in a format not played");
     m_ended = false;
-    m_followedMs = m_binding.timeMs();
+    m_followedMs = m_binding.host().timeMs();
     if (!m_paused) startSound();
     // A handler may close the stream.
     const unsigned request = m_request;
@@ -79,7 +80,7 @@ void NetStream::setPaused(bool paused)
     if (paused == m_paused) return;
     follow();
     m_paused = paused;
-    m_followedMs = m_binding.timeMs();
+    m_followedMs = m_binding.host().timeMs();
     if (paused)
         stopSound();
     else if (isPlaying())
@@ -94,7 +95,7 @@ void NetStream::seek(double seconds)
         return;
     }
     m_ended = false;
-    m_followedMs = m_binding.timeMs();
+    m_followedMs = m_binding.host().timeMs();
     stopSound();
     if (isPlaying()) startSound();
     showPicture();
@@ -138,14 +139,14 @@ std::optional<double> NetStream::msToNext() const
 {
     if (!isPlaying()) return {};
     const std::optional<double> next = m_player->msToNext();
-    return next ? std::max(0.0, m_followedMs + *next - m_binding.timeMs()) : 0;
+    return next ? std::max(0.0, m_followedMs + *next - m_binding.host().timeMs()) : 0;
 }
 
 void NetStream::follow()
 {
     if (!isPlaying()) return;
     const Vm::VersionScope scope(m_binding.vm(), m_version);
-    const double now = m_binding.timeMs();
+    const double now = m_binding.host().timeMs();
     m_player->advance(now - m_followedMs);
     m_followedMs = now;
     showPicture();

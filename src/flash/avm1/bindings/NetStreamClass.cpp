@@ -31,7 +31,7 @@ Value connect(Call& call)
     if (connection == nullptr || call.count() == 0) return Value(false);
     Vm& vm = call.vm;
     connection->connected = call.arg(0).isNullish();
-    if (!connection->connected) StageBinding::of(call).log("there are no servers to connect to");
+    if (!connection->connected) StageBinding::of(call).host().log("there are no servers to connect to");
     Object* info = vm.newObject();
     const auto put = [&](std::string_view name, std::string_view text) {
         info->put(vm, vm.name(name), Value(vm.string(text)));

@@ -11,9 +11,9 @@ namespace flash::avm1
 {
 
 NodeObject::NodeObject(StageBinding& binding, stage::NodePtr node, Object& self)
-    : m_binding(binding), m_node(std::move(node)), m_self(&self)
+    : Peer(&kTag), m_binding(binding), m_node(std::move(node)), m_self(&self)
 {
-    m_node->peer = &self;
+    m_node->peer = this;
 }
 
 NodeObject::~NodeObject() { detached(); }
@@ -21,7 +21,7 @@ NodeObject::~NodeObject() { detached(); }
 void NodeObject::detached()
 {
     // By then it may have another one.
-    if (m_node->peer == m_self) m_node->peer = nullptr;
+    if (m_node->peer == this) m_node->peer = nullptr;
 }
 
 void NodeObject::keepPath()
@@ -105,7 +105,7 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
     if (text.empty()) return false;
     const bool sensitive = vm.isCaseSensitive();
     if (const std::optional<int> number = levelNumber(text, sensitive)) {
-        Object* level = m_binding.level(*number);
+        Object* level = m_binding.host().level(*number);
         result = level ? Value(level) : Value();
         return true;
     }
@@ -130,18 +130,18 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
     }
     if (text[0] != u'_') return false;
     if (const std::optional<int> index = m_binding.propertyIndex(name)) {
-        result = m_binding.propertyOf(*node, *index);
+        result = m_binding.host().propertyOf(*node, *index);
         return true;
     }
     Object* self = m_binding.objectOf(node);
     const std::u16string folded = AtomTable::fold(text);
     if (folded == u"_root") {
-        result = m_binding.root(self);
+        result = m_binding.host().root(self);
         return true;
     }
     if (folded == u"_parent") {
         // A root has none, whatever its class says.
-        Object* parent = m_binding.parent(self);
+        Object* parent = m_binding.host().parent(self);
         result = parent ? Value(parent) : Value();
         return true;
     }
@@ -205,7 +205,7 @@ void NodeObject::putOwn(Vm& vm, Object& self, Name name, Value value)
     if (!text.empty() && text[0] == u'_') {
         stage::Node* node = live();
         if (const std::optional<int> index = m_binding.propertyIndex(name)) {
-            if (node) m_binding.setPropertyOf(*node, *index, value);
+            if (node) m_binding.host().setPropertyOf(*node, *index, value);
             return;
         }
         if (stage::Clip* clip = stage::asClip(node);

@@ -10,13 +10,23 @@ class StageBinding;
 
 /// The native side of a clip, button or text field: its children and its properties by name show up among the
 /// object's own.
-class NodeObject final : public Native
+class NodeObject final : public Native, public stage::Peer
 {
 public:
     static constexpr char kTag = 0;
 
     NodeObject(StageBinding& binding, stage::NodePtr node, Object& self);
     ~NodeObject() override;
+    /// What scripts know an instance by; null while they do not.
+    [[nodiscard]] static NodeObject* of(const stage::Node& node)
+    {
+        return node.peer ? node.peer->as<NodeObject>() : nullptr;
+    }
+    [[nodiscard]] static Object* objectOf(const stage::Node& node)
+    {
+        const NodeObject* known = of(node);
+        return known ? known->m_self : nullptr;
+    }
     /// The instance gets another object when scripts name it again.
     void detached() override;
     void trace(Tracer& tracer) override { tracer(m_self); }
@@ -46,9 +56,9 @@ private:
     void noteScriptSetting(Vm& vm, Name name, Value value);
     StageBinding& m_binding;
     stage::NodePtr m_node;
-    Object* m_self; // kept alive: the instance points to it
+    Object* m_self; // kept alive: the instance leads to it
     /// The instance has left the stage, or another movie has come into it.
-    [[nodiscard]] bool isGone() const { return m_node->isRemoved() || m_node->peer != m_self; }
+    [[nodiscard]] bool isGone() const { return m_node->isRemoved() || m_node->peer != this; }
     /// @returns the object of the instance that stands in for this one's; null for one that is still there.
     Object* successor();
     std::string m_path; ///< once the instance is gone or renamed

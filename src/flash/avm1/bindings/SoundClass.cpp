@@ -28,7 +28,7 @@ public:
         Vm& vm = m_binding.vm();
         Object* found = vm.resolveTarget(target, path);
         // Within tellTarget a path still counts from the timeline that the script stands on.
-        if (!found && target) found = vm.resolveTarget(m_binding.root(target), path);
+        if (!found && target) found = vm.resolveTarget(m_binding.host().root(target), path);
         return m_binding.nodeOf(found);
     }
     /// The target is gone: nothing can be heard or set any more, unless the sound was loaded.
@@ -75,8 +75,8 @@ Value construct(Call& call)
             state.target = call.vm.target();
         } else if (binding.nodeOf(object)) {
             // A clip counts by its path: under another name it is not the sound's any more.
-            state.path = binding.targetPath(object);
-            state.target = binding.level(0);
+            state.path = binding.host().targetPath(object);
+            state.target = binding.host().level(0);
         }
     }
     return {};

@@ -416,13 +416,13 @@ constexpr int kNativeTable = 104;
 
 Value construct(Call& call)
 {
-    furnishTextField(call.vm);
+    installTextFieldProperties(call.vm);
     return {};
 }
 
 } // namespace
 
-void furnishTextField(Vm& vm)
+void installTextFieldProperties(Vm& vm)
 {
     Object* constructor = vm.global()->get(vm, vm.name(std::string_view("TextField"))).asObject();
     Object* prototype = constructor ? vm.prototypeOf(constructor) : nullptr;

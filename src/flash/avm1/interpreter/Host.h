@@ -15,6 +15,7 @@ namespace flash::avm1
 {
 
 class Vm;
+class StageBinding;
 
 /// What startDrag was asked for. Coordinates in pixels of the clip's parent.
 struct DragRequest {
@@ -47,6 +48,9 @@ class Host
 {
 public:
     virtual ~Host() = default;
+
+    /// What joins the machine to a stage, for the built-in classes that act on one; null where there is none.
+    [[nodiscard]] virtual StageBinding* binding() { return nullptr; }
 
     /// The 8-bit code that scripts before version 6 and texts without a mark are read and written in.
     [[nodiscard]] virtual const base::TextCode& textCode() const { return base::TextCode::ansi(); }
