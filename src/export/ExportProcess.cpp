@@ -105,6 +105,8 @@ void ExportProcess::readReport()
         else
             m_done = std::get<report::Done>(*line);
     }
+    // No report: whoever writes so has been taken over by its movie.
+    if (m_process.bytesAvailable() > report::kMostLineBytes) m_process.kill();
 }
 
 void ExportProcess::end(int code, QProcess::ExitStatus status)

@@ -1,6 +1,7 @@
 #include "export/Report.h"
 
 #include <QBuffer>
+#include <QImageReader>
 #include <QList>
 
 #include <cmath>
@@ -58,10 +59,13 @@ std::optional<Line> read(const QByteArray& line)
         const double ms = word[2].toDouble(&isNumber);
         if (pictures && isNumber && std::isfinite(ms) && ms >= 0) return Done{*pictures, ms, word[3] == "1"};
     } else if (word.size() == 2 && word[0] == kShown) {
-        QImage picture;
-        if (picture.loadFromData(QByteArray::fromBase64(word[1]), "JPEG") && picture.width() <= kShownSide &&
-            picture.height() <= kShownSide)
-            return Shown{picture};
+        QByteArray jpeg = QByteArray::fromBase64(word[1]);
+        QBuffer buffer(&jpeg);
+        QImageReader reader(&buffer, "JPEG");
+        // Asked before it takes any memory.
+        const QSize size = reader.size();
+        if (size.isEmpty() || size.width() > kShownSide || size.height() > kShownSide) return std::nullopt;
+        if (const QImage picture = reader.read(); !picture.isNull()) return Shown{picture};
     }
     return std::nullopt;
 }

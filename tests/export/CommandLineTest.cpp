@@ -1,6 +1,8 @@
 #include "export/CommandLine.h"
 #include "export/Report.h"
 
+#include <QBuffer>
+
 #include <gtest/gtest.h>
 
 namespace
@@ -109,6 +111,13 @@ TEST(ExportReport, WhatIsNoLineOfItIsNothing)
                              "done 1 inf 0", "shown", "shown ####", "shown AAAA", "hello world"})
         EXPECT_FALSE(exporter::report::read(line)) << line;
     EXPECT_FALSE(exporter::report::read("shown " + QByteArray(2 << 20, 'A')));
+    QByteArray large;
+    QBuffer buffer(&large);
+    buffer.open(QIODevice::WriteOnly);
+    QImage picture(4000, 3000, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(&buffer, "JPEG"));
+    EXPECT_FALSE(exporter::report::read("shown " + large.toBase64()));
 }
 
 } // namespace
