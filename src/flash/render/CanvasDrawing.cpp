@@ -29,6 +29,11 @@ FillRule fillRuleOf(const swf::Shape& shape)
     return shape.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
 }
 
+bool isGradient(swf::FillStyle::Kind kind)
+{
+    return kind != swf::FillStyle::Kind::Solid && kind != swf::FillStyle::Kind::Bitmap;
+}
+
 swf::Matrix withoutTranslation(swf::Matrix m)
 {
     m.tx = m.ty = 0;
@@ -108,7 +113,7 @@ Smoothing Canvas::Impl::smoothingOf(bool wanted) const
 }
 
 StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
-                                    const swf::ColorTransform& color) const
+                                    const swf::ColorTransform& color, const GradientRamp* known) const
 {
     StylePaint style;
     switch (fill.kind) {
@@ -116,7 +121,7 @@ StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matri
     case swf::FillStyle::Kind::LinearGradient:
     case swf::FillStyle::Kind::RadialGradient:
     case swf::FillStyle::Kind::FocalGradient: {
-        const GradientRamp ramp = makeRamp(fill.gradient, color);
+        const GradientRamp ramp = known != nullptr ? *known : makeRamp(fill.gradient, color);
         style.paint =
             makeGradientPaint(fill.kind, fill.gradient, ramp, toDevice * fill.matrix,
                               m_quality == Quality::Low ? GradientSample::Centre : GradientSample::Corner);
@@ -168,13 +173,22 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
         }
     }
 
+    const bool plain = color.isIdentity();
     for (std::size_t i = 0; i < flat->layers.size(); ++i) {
         const swf::ShapeLayer& layer = shape.layers[i];
         if (!flat->layers[i].runs.empty()) {
             std::vector<StylePaint>& styles = m_drawer.styles();
             styles.clear();
-            for (const swf::FillStyle& fill : layer.fills)
-                styles.push_back(to.building != nullptr ? StylePaint{} : stylePaint(fill, toDevice, color));
+            for (std::size_t n = 0; n < layer.fills.size(); ++n) {
+                if (to.building != nullptr) {
+                    styles.emplace_back();
+                    continue;
+                }
+                std::shared_ptr<const GradientRamp> ramp;
+                if (owner != nullptr && plain && isGradient(layer.fills[n].kind))
+                    ramp = m_cache.impl().ramp(*owner, i, n);
+                styles.push_back(stylePaint(layer.fills[n], toDevice, color, ramp.get()));
+            }
             m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(shape));
         }
         if (strokes != nullptr) drawStrokes(to, shape, *strokes, i, offset, toDevice, color);

@@ -88,8 +88,9 @@ private:
         return nullptr;
     }
     Destination destination();
+    /// @param known the fill's ramp when it was made before
     StylePaint stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
-                          const swf::ColorTransform& color) const;
+                          const swf::ColorTransform& color, const GradientRamp* known = nullptr) const;
     [[nodiscard]] Smoothing smoothingOf(bool wanted) const;
     void drawStrokes(const Destination& to, const swf::Shape& shape, const StrokedShape& strokes,
                      std::size_t layer, swf::Point offset, const swf::Matrix& toDevice,

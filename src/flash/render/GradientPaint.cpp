@@ -50,19 +50,27 @@ void fillBetween(std::array<swf::Rgba, kRampSize>& colors, const swf::Gradient::
             mixPlain(a.a, b.a, part, whole)};
 }
 
-// Position along the ramp, in entries, to its colour. Positions are whole and bounded by the callers.
-[[gnu::always_inline]] inline std::uint32_t entry(const GradientRamp& ramp, swf::Gradient::Spread spread,
-                                                  std::int32_t position)
+// Positions along the ramp, in entries, to whole entries that there are. Positions are bounded by the
+// callers.
+ZORVEX_VECTORIZE
+void toEntries(const float* positions, std::size_t count, swf::Gradient::Spread spread, std::int32_t* entries)
 {
+    constexpr std::int32_t kLast = kRampSize - 1, kTwice = 2 * kRampSize - 1;
     switch (spread) {
-    case swf::Gradient::Spread::Pad: position = std::clamp(position, 0, kRampSize - 1); break;
+    case swf::Gradient::Spread::Pad:
+        for (std::size_t i = 0; i < count; ++i)
+            entries[i] = std::min(std::max(static_cast<std::int32_t>(positions[i]), 0), kLast);
+        return;
     case swf::Gradient::Spread::Reflect:
-        position &= 2 * kRampSize - 1;
-        if (position >= kRampSize) position = 2 * kRampSize - 1 - position;
-        break;
-    case swf::Gradient::Spread::Repeat: position &= kRampSize - 1; break;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::int32_t at = static_cast<std::int32_t>(positions[i]) & kTwice;
+            entries[i] = std::min(at, kTwice - at);
+        }
+        return;
+    case swf::Gradient::Spread::Repeat:
+        for (std::size_t i = 0; i < count; ++i) entries[i] = static_cast<std::int32_t>(positions[i]) & kLast;
+        return;
     }
-    return ramp[static_cast<std::size_t>(position)];
 }
 
 // Where in a pixel a gradient is looked at, from its upper left corner.
@@ -83,18 +91,24 @@ public:
         : m_ramp(ramp), m_spread(gradient.spread), m_fromDevice(fromDevice),
           m_within(sample == GradientSample::Corner ? kCorner + shift : kCentre)
     {
+        std::uint32_t all = ~0U;
+        for (const std::uint32_t color : ramp) all &= color;
+        m_isOpaque = alphaOf(all) == 255;
     }
+    [[nodiscard]] bool isOpaque() const override { return m_isOpaque; }
     void fetch(int x, int y, std::size_t count, std::uint32_t* to) const override
     {
         // Positions are worked out a block at a time, as numbers the compiler can do side by side.
         constexpr std::size_t kBlock = 256;
         float positions[kBlock];
+        std::int32_t entries[kBlock];
         while (count > 0) {
             const std::size_t block = std::min(count, kBlock);
             const swf::Point start = m_fromDevice.map(x + m_within, y + m_within);
             place(start, block, positions);
-            for (std::size_t i = 0; i < block; ++i)
-                to[i] = entry(m_ramp, m_spread, static_cast<std::int32_t>(positions[i]));
+            toEntries(positions, block, m_spread, entries);
+            const std::uint32_t* ramp = m_ramp.data();
+            for (std::size_t i = 0; i < block; ++i) to[i] = ramp[entries[i]];
             to += block;
             x += static_cast<int>(block);
             count -= block;
@@ -112,6 +126,7 @@ private:
     swf::Gradient::Spread m_spread;
     swf::Matrix m_fromDevice; ///< device pixels to the unit circle
     double m_within;          ///< where in a pixel it is looked at, from its corner
+    bool m_isOpaque = false;
 };
 
 ZORVEX_VECTORIZE

@@ -41,6 +41,8 @@ public:
     virtual ~Paint() = default;
     /// Writes the colours of pixels (x, y) to (x + count - 1, y), as seen at their centres.
     virtual void fetch(int x, int y, std::size_t count, std::uint32_t* to) const = 0;
+    /// Whether every pixel it writes is opaque.
+    [[nodiscard]] virtual bool isOpaque() const { return false; }
 };
 
 /// Where within a pixel a gradient is looked at: where edges are smoothed, at the first of its samples, the

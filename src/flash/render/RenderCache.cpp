@@ -20,7 +20,7 @@ std::size_t StrokedShape::bytes() const
 
 std::size_t RenderCache::Impl::KeyHash::operator()(const Key& key) const
 {
-    std::size_t hash = std::hash<const void*>{}(key.shape) * 4 + static_cast<std::size_t>(key.kind);
+    std::size_t hash = std::hash<const void*>{}(key.shape) * 8 + static_cast<std::size_t>(key.kind);
     for (const double value : {key.a, key.b, key.c, key.d, key.x, key.y})
         hash = (hash ^ std::hash<double>{}(value)) * 0x9E3779B97F4A7C15U;
     return hash;
@@ -76,8 +76,12 @@ std::shared_ptr<const FlatShape> RenderCache::Impl::flatShape(const std::shared_
     const Key key{shape.get(), Kind::Fills, static_cast<double>(scaleStep)};
     if (const Entry* entry = find(key)) return entry->fills;
     auto flat = std::make_shared<const FlatShape>(flatten(*shape, scaleStep));
-    insert(key,
-           {.owner = shape, .fills = flat, .strokes = nullptr, .letter = nullptr, .bytes = flat->bytes()});
+    insert(key, {.owner = shape,
+                 .fills = flat,
+                 .strokes = nullptr,
+                 .letter = nullptr,
+                 .ramp = nullptr,
+                 .bytes = flat->bytes()});
     return flat;
 }
 
@@ -93,9 +97,12 @@ void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& sha
                                     double pixelScale, std::shared_ptr<const StrokedShape> strokes)
 {
     const std::size_t bytes = strokes->bytes();
-    insert(
-        {shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, pixelScale},
-        {.owner = shape, .fills = nullptr, .strokes = std::move(strokes), .letter = nullptr, .bytes = bytes});
+    insert({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, pixelScale}, {.owner = shape,
+                                                                          .fills = nullptr,
+                                                                          .strokes = std::move(strokes),
+                                                                          .letter = nullptr,
+                                                                          .ramp = nullptr,
+                                                                          .bytes = bytes});
 }
 
 std::shared_ptr<const Mask> RenderCache::Impl::findLetter(const std::shared_ptr<const swf::Shape>& outline,
@@ -109,9 +116,27 @@ void RenderCache::Impl::keepLetter(const std::shared_ptr<const swf::Shape>& outl
                                    std::shared_ptr<const Mask> mask)
 {
     const std::size_t bytes = sizeof(Mask) + mask->coverage.capacity();
-    insert(
-        {outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty},
-        {.owner = outline, .fills = nullptr, .strokes = nullptr, .letter = std::move(mask), .bytes = bytes});
+    insert({outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty}, {.owner = outline,
+                                                                           .fills = nullptr,
+                                                                           .strokes = nullptr,
+                                                                           .letter = std::move(mask),
+                                                                           .ramp = nullptr,
+                                                                           .bytes = bytes});
+}
+
+std::shared_ptr<const GradientRamp> RenderCache::Impl::ramp(const std::shared_ptr<const swf::Shape>& shape,
+                                                            std::size_t layer, std::size_t fill)
+{
+    const Key key{shape.get(), Kind::Ramp, static_cast<double>(layer), static_cast<double>(fill)};
+    if (const Entry* entry = find(key)) return entry->ramp;
+    auto ramp = std::make_shared<const GradientRamp>(makeRamp(shape->layers[layer].fills[fill].gradient, {}));
+    insert(key, {.owner = shape,
+                 .fills = nullptr,
+                 .strokes = nullptr,
+                 .letter = nullptr,
+                 .ramp = ramp,
+                 .bytes = sizeof(GradientRamp)});
+    return ramp;
 }
 
 void RenderCache::Impl::clear()

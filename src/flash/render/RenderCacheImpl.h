@@ -2,6 +2,7 @@
 
 #include "flash/render/Flatten.h"
 #include "flash/render/OutlineDrawer.h"
+#include "flash/render/Paint.h"
 #include "flash/render/RenderCache.h"
 #include "flash/render/Stroker.h"
 
@@ -42,6 +43,11 @@ public:
     void keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& matrix,
                     std::shared_ptr<const Mask> mask);
 
+    /// The ramp of a fill's gradient, without a colour transform.
+    /// @param layer,fill which of the shape's, both from 0
+    std::shared_ptr<const GradientRamp> ramp(const std::shared_ptr<const swf::Shape>& shape,
+                                             std::size_t layer, std::size_t fill);
+
     /// Its scratch memory is worth keeping, too: megabytes, which canvases that live for one frame would
     /// otherwise get and clear for each. It holds nothing from one drawing call to the next.
     [[nodiscard]] OutlineDrawer& drawer() { return m_drawer; }
@@ -50,8 +56,9 @@ public:
     void clear();
 
 private:
-    enum class Kind : std::uint8_t { Fills, Strokes, Letter };
-    // What an entry was made for. Fills: `a` is the scale step, the rest 0.
+    enum class Kind : std::uint8_t { Fills, Strokes, Letter, Ramp };
+    // What an entry was made for. Fills: `a` is the scale step, the rest 0. Ramp: `a` is the layer, `b` the
+    // fill, the rest 0.
     struct Key {
         const swf::Shape* shape = nullptr;
         Kind kind = Kind::Fills;
@@ -67,6 +74,7 @@ private:
         std::shared_ptr<const FlatShape> fills;
         std::shared_ptr<const StrokedShape> strokes;
         std::shared_ptr<const Mask> letter;
+        std::shared_ptr<const GradientRamp> ramp;
         std::size_t bytes = 0;
         std::uint64_t lastUse = 0;
     };

@@ -167,26 +167,44 @@ void ScanConverter::lineCounted(Cells& cells, int x0, int y0, int x1, int y1)
     const std::int64_t slope = (std::int64_t{x1 - x0} << kFraction) / (y1 - y0);
     std::int64_t x = (std::int64_t{x0} << kFraction) + slope * (first - y0) + kHalf;
     constexpr int kHeight = kOne / kSteps;
+    constexpr int kStepArea = 2 * kHeight * kHeight;
+    const bool inside = std::min(x0, x1) >= 0 && std::max(x0, x1) < width;
     for (int y = first; y <= last;) {
         // What the samples of a row of pixels have in the same pixel is added at once.
         const int row = y >> kStepBits, end = std::min(last + 1, (row + 1) << kStepBits);
+        if (inside) {
+            const int count = end - y;
+            const int from = static_cast<int>(x >> kFraction) >> kStepBits;
+            const int to = static_cast<int>((x + slope * (count - 1)) >> kFraction) >> kStepBits;
+            auto cell = cells.row(row, std::min(from, to), std::max(from, to));
+            if (from == to) {
+                int steps = 0;
+                for (; y < end; ++y, x += slope) steps += static_cast<int>(x >> kFraction) & (kSteps - 1);
+                cell.add(from, sign * count * kHeight, sign * steps * kStepArea);
+            } else {
+                for (; y < end; ++y, x += slope) {
+                    const int at = static_cast<int>(x >> kFraction);
+                    cell.add(at >> kStepBits, sign * kHeight, sign * (at & (kSteps - 1)) * kStepArea);
+                }
+            }
+            continue;
+        }
         int column = -1, rows = 0, steps = 0;
         const auto flush = [&] {
             if (rows != 0)
-                cells.row(row, column, column)
-                    .add(column, sign * rows * kHeight, sign * steps * (2 * kHeight * kHeight));
+                cells.row(row, column, column).add(column, sign * rows * kHeight, sign * steps * kStepArea);
         };
         for (; y < end; ++y, x += slope) {
             const std::int64_t at = x >> kFraction;
             if (at >= width) continue;
-            const int inside = std::max(static_cast<int>(at), 0);
-            if (inside >> kStepBits != column) {
+            const int visible = std::max(static_cast<int>(at), 0);
+            if (visible >> kStepBits != column) {
                 flush();
-                column = inside >> kStepBits;
+                column = visible >> kStepBits;
                 rows = steps = 0;
             }
             ++rows;
-            steps += inside & (kSteps - 1);
+            steps += visible & (kSteps - 1);
         }
         flush();
     }

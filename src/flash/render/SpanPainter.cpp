@@ -23,6 +23,14 @@ constexpr std::uint32_t gather(std::uint64_t sum)
     return static_cast<std::uint32_t>(high) | static_cast<std::uint32_t>(high >> 24);
 }
 
+// Whether nothing below shows through, for long enough to be worth a start of its own.
+bool coversAlone(const StyleSpan& span)
+{
+    constexpr int kLong = 16;
+    constexpr std::uint32_t kFull = 256;
+    return span.coverages == nullptr && span.coverage == kFull && span.count >= kLong;
+}
+
 } // namespace
 
 void SpanPainter::setTarget(const Target& target, const Mask* mask)
@@ -56,6 +64,11 @@ void SpanPainter::row(int y, std::span<const StyleSpan> spans)
 void SpanPainter::single(const StyleSpan& span)
 {
     const StylePaint& style = m_styles[span.style - 1];
+    if (style.paint != nullptr && m_mask == nullptr && coversAlone(span) && style.paint->isOpaque()) {
+        flushRun();
+        style.paint->fetch(span.x, m_y, static_cast<std::size_t>(span.count), m_target.at(span.x, m_y));
+        return;
+    }
     if (style.paint != nullptr || m_mask != nullptr) {
         extendRun(span);
         return;

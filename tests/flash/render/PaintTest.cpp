@@ -225,6 +225,34 @@ TEST(Gradients, MeetOtherFillsWithoutSeam)
         for (int x = 0; x < 20; ++x) ASSERT_EQ(picture.at(x, y), kWhite) << x << "," << y;
 }
 
+TEST(Gradients, TakeEachColourTransformThoughTheirRampIsKept)
+{
+    const auto shape =
+        rectShape(0, 0, 40, 1, gradientFill(FillStyle::Kind::LinearGradient, Gradient::Spread::Pad));
+    swf::ColorTransform blackened;
+    blackened.redMul = blackened.greenMul = blackened.blueMul = 0;
+    for (const bool isBlack : {false, true, false, true}) {
+        Picture picture(40, 1);
+        picture.canvas.drawShape(shape, kStage, isBlack ? blackened : swf::ColorTransform{});
+        EXPECT_EQ(picture.at(30, 0), isBlack ? kBlack : 0xFF1E1E1EU);
+    }
+}
+
+TEST(Gradients, LetThroughWhatTheirStopsDo)
+{
+    // Long evenly covered rows, which opaque ones are written to without looking at what is below.
+    for (const std::uint8_t alpha : {std::uint8_t{255}, std::uint8_t{128}, std::uint8_t{0}}) {
+        FillStyle fill = gradientFill(FillStyle::Kind::RadialGradient);
+        fill.gradient.stops = {{0, {0, 0, 255, 255}}, {255, {0, 0, 255, alpha}}};
+        Picture picture(256, 3, {255, 0, 0, 255});
+        picture.canvas.drawShape(rectShape(0, 1, 256, 2, fill), kStage);
+        EXPECT_EQ(picture.at(0, 0), kRed);
+        EXPECT_EQ(picture.at(128, 1), kBlue);
+        EXPECT_NEAR(picture.at(0, 1) & 0xFF, alpha, 2);
+        EXPECT_NEAR(picture.at(0, 1) >> 16 & 0xFF, 255 - alpha, 2);
+    }
+}
+
 TEST(Gradients, SurviveMatricesWithoutInverse)
 {
     for (const auto kind : {FillStyle::Kind::LinearGradient, FillStyle::Kind::RadialGradient}) {
