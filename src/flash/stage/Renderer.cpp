@@ -21,14 +21,18 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
 {
     guard::check(4);
     const double scale = std::sqrt(std::abs(m_view.a * m_view.d)) * swf::kTwipsPerPixel;
-    const swf::Matrix toDevice = node.cacheAsBitmap() ? snapped(placed, node.reach()) : placed;
+    // What is kept as a bitmap, and what filters make one of, lies on whole pixels.
+    const bool kept = node.cacheAsBitmap() || !node.filters().empty();
+    const swf::Matrix toDevice = kept ? snapped(placed, node.reach()) : placed;
     render::IntRect content = render::deviceBounds(node.reach(), toDevice);
     // A colour matrix can give a colour to what is empty, so that the size of the picture shows: it begins
-    // with the first pixel that holds something, and behind the last one there is one more.
+    // with the first pixel that would hold something, were it not moved to whole ones, and behind the last
+    // one there is one more.
     const bool sizeShows = std::ranges::any_of(node.filters(), [](const swf::Filter& filter) {
         return std::holds_alternative<swf::ColorMatrixFilter>(filter);
     });
     if (sizeShows && !content.isEmpty()) {
+        content = render::deviceBounds(node.reach(), placed);
         ++content.left;
         ++content.top;
     }
@@ -58,7 +62,7 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     if (node.mask()) m_canvas.popMask();
 }
 
-// A bitmap that is kept lies on whole pixels, from the upper left corner of what it shows.
+// A bitmap's pixels begin with the upper left corner of what it shows; halves go to the right and down.
 swf::Matrix Renderer::snapped(swf::Matrix matrix, const swf::Rect& rect)
 {
     if (rect.isEmpty()) return matrix;
@@ -68,8 +72,8 @@ swf::Matrix Renderer::snapped(swf::Matrix matrix, const swf::Rect& rect)
     const double left = least(matrix.a, matrix.c) + matrix.tx, top = least(matrix.b, matrix.d) + matrix.ty;
     constexpr double kFar = 1e8;
     if (!(std::abs(left) < kFar && std::abs(top) < kFar)) return matrix;
-    matrix.tx += std::nearbyint(left) - left;
-    matrix.ty += std::nearbyint(top) - top;
+    matrix.tx += std::floor(left + 0.5) - left;
+    matrix.ty += std::floor(top + 0.5) - top;
     return matrix;
 }
 
