@@ -83,13 +83,13 @@ public:
     /// Like fillRect(), snapped to whole pixels as long as the rectangle stays upright: the ground of a text
     /// field.
     void fillBox(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
-    /// What becomes of the lower right corner of a border: left out, as the machine's own lines do, or nearly
-    /// closed, as drawn ones do.
-    enum class LastCorner { Open, Closed };
+    /// What becomes of the lower right corner of a border: closed, or covered in part, as the joint of a
+    /// drawn line is.
+    enum class LastCorner { Closed, InPart };
     /// One device pixel wide and snapped like fillBox(), around it to the right and below: the border of a
     /// text field.
     void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color,
-                    LastCorner corner = LastCorner::Open);
+                    LastCorner corner = LastCorner::Closed);
     /// The border of an upright rectangle in device pixels, `width` of them wide and within it, filling it
     /// when there is no room: the mark of what has the focus.
     void strokeInside(swf::Point least, swf::Point greatest, double width, swf::Rgba color);

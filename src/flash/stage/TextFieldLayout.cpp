@@ -272,8 +272,8 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
     if (m_background) canvas.fillBox(box, toDevice, swf::apply(color, m_backgroundColor));
     if (m_border)
         canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor),
-                          m_embedFonts ? render::Canvas::LastCorner::Closed
-                                       : render::Canvas::LastCorner::Open);
+                          m_embedFonts ? render::Canvas::LastCorner::InPart
+                                       : render::Canvas::LastCorner::Closed);
     const bool focused = isFocused();
     if (m_content.isEmpty() && !focused) return;
 

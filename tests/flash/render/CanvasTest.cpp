@@ -228,7 +228,7 @@ TEST(Canvas, BoxesOfFieldsKeepTheirSizeOnWholePixels)
     }
 }
 
-TEST(Canvas, BordersOfFieldsLackTheirLastCorner)
+TEST(Canvas, BordersOfFieldsAreOnePixelWideAndClosed)
 {
     for (const double scale : {1.0, 2.0}) {
         Picture picture(10, 10);
@@ -238,7 +238,7 @@ TEST(Canvas, BordersOfFieldsLackTheirLastCorner)
         EXPECT_EQ(picture.at(first, first), kBlack);
         EXPECT_EQ(picture.at(last, first), kBlack);
         EXPECT_EQ(picture.at(first, last), kBlack);
-        EXPECT_EQ(picture.at(last, last), kWhite);
+        EXPECT_EQ(picture.at(last, last), kBlack);
         EXPECT_EQ(picture.at(last, last - 1), kBlack);
         EXPECT_EQ(picture.at(first + 1, first + 1), kWhite) << "one pixel wide at any scale";
     }
