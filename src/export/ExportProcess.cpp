@@ -117,6 +117,7 @@ void ExportProcess::end(int code, QProcess::ExitStatus status)
     QStringList said = QString::fromUtf8(m_process.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
     QString error = said.isEmpty() ? QString() : said.last().trimmed();
     if (const QString name = "zorvex-export: "; error.startsWith(name)) error.remove(0, name.size());
+    if (error.isEmpty() && status != QProcess::NormalExit) error = "it was ended from outside";
     const Exit exit = m_isCancelled                    ? Exit::Cancelled
                       : status != QProcess::NormalExit ? Exit::CannotPlay
                                                        : static_cast<Exit>(std::clamp(code, 0, 4));

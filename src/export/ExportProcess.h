@@ -47,6 +47,7 @@ signals:
     void finished(exporter::Exit exit, const QString& error);
 
 public:
+    [[nodiscard]] qint64 processId() const { return m_process.processId(); }
     /// What the last film was, once it is finished.
     [[nodiscard]] const report::Done& done() const { return m_done; }
 
