@@ -123,6 +123,14 @@ void FlashControl::setLoop(bool loop)
     d->pass(d->settings);
 }
 
+double FlashControl::speed() const { return d->settings.speed; }
+
+void FlashControl::setSpeed(double speed)
+{
+    d->settings.speed = speed;
+    d->pass(d->settings);
+}
+
 int FlashControl::FrameNum() const { return d->state().frame; }
 int FlashControl::TotalFrames() const { return d->state().totalFrames; }
 

@@ -62,6 +62,9 @@ public:
     /// Whether a movie that reaches its last frame starts over; otherwise it halts there. On by default.
     [[nodiscard]] bool Loop() const;
     void setLoop(bool loop);
+    /// How fast the movie's time goes, sounds in their own pitch: 0.1 to 10; 1 by default.
+    [[nodiscard]] double speed() const;
+    void setSpeed(double speed);
     /// 0 Low, 1 High, 2 AutoLow, 3 AutoHigh, 4 Medium, 5 Best. Other numbers are ignored.
     [[nodiscard]] int Quality() const;
     void setQuality(int quality);

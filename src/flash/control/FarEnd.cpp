@@ -213,7 +213,7 @@ void FarEnd::fillRing()
     const std::size_t waiting = m_ring.waiting();
     if (waiting >= kSoundAheadFrames) return;
     std::vector<sound::StereoFrame> mixed(kSoundAheadFrames - waiting);
-    m_runner.mixer().mix(mixed);
+    m_runner.mix(mixed);
     m_ring.write(mixed);
 }
 

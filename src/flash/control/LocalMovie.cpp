@@ -18,7 +18,7 @@ class MixerSource : public SoundSource
 {
 public:
     explicit MixerSource(MovieRunner& runner) : m_runner(runner) {}
-    void mix(std::span<sound::StereoFrame> frames) override { m_runner.mixer().mix(frames); }
+    void mix(std::span<sound::StereoFrame> frames) override { m_runner.mix(frames); }
     [[nodiscard]] bool isSilent() override { return m_runner.mixer().isSilent(); }
 
 private:

@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 2;
+inline constexpr std::uint32_t kProtocolVersion = 3;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
@@ -76,7 +76,8 @@ struct Settings {
     std::uint8_t loop = 1, muted = 0, suspended = 0;
     std::int32_t scaleMode = 0, quality = 1;
     double volume = 1, balance = 0; ///< 0 to 1; -1 (left) to 1 (right)
-    auto fields() { return std::tie(loop, muted, suspended, scaleMode, quality, volume, balance); }
+    double speed = 1;               ///< of the movie's time
+    auto fields() { return std::tie(loop, muted, suspended, scaleMode, quality, volume, balance, speed); }
     friend bool operator==(const Settings&, const Settings&) = default;
 };
 struct Background {

@@ -60,7 +60,7 @@ void MovieRunner::step(SoundClock device)
         m_clock.start();
         QElapsedTimer cost;
         cost.start();
-        m_engine.advance(inStepWithSound(elapsed, device),
+        m_engine.advance(inStepWithSound(elapsed, device) * m_settings.speed,
                          device ? Engine::Hearing::Device : Engine::Hearing::Silent);
         m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
         adaptQuality(elapsed);
@@ -95,7 +95,7 @@ std::optional<double> MovieRunner::msToNextStep()
     if (!m_engine.isOpen() || m_settings.suspended != 0) return std::nullopt;
     if (!m_clock.isValid()) m_clock.start();
     const double since = static_cast<double>(m_clock.nsecsElapsed()) / 1e6;
-    return std::clamp(m_engine.stage().msToNextEvent() - since, 0.0, kLongestWaitMs);
+    return std::clamp(m_engine.stage().msToNextEvent() / m_settings.speed - since, 0.0, kLongestWaitMs);
 }
 
 QRect MovieRunner::dirtyRect() { return m_engine.dirtyRect(); }
@@ -109,6 +109,11 @@ void MovieRunner::render(QImage& image, const QRect& rect)
 }
 
 sound::Mixer& MovieRunner::mixer() { return m_engine.sound().mixer(); }
+
+void MovieRunner::mix(std::span<sound::StereoFrame> frames)
+{
+    m_stretcher.mix(frames, [this](std::span<sound::StereoFrame> source) { mixer().mix(source); });
+}
 
 // ---- what the window says ---------------------------------------------------------------------------------
 
@@ -188,7 +193,11 @@ void MovieRunner::act(const GetVariable& variable)
 
 void MovieRunner::act(const Settings& settings)
 {
+    constexpr double kSlowest = 0.1, kFastest = 10;
     const Settings before = std::exchange(m_settings, settings);
+    // Not a number is no speed.
+    m_settings.speed = settings.speed > 0 ? std::clamp(settings.speed, kSlowest, kFastest) : 1;
+    m_stretcher.setSpeed(m_settings.speed);
     m_engine.stage().setLoop(settings.loop != 0);
     m_engine.sound().setMasterVolume(std::clamp(settings.volume, 0.0, 1.0),
                                      std::clamp(settings.balance, -1.0, 1.0));

@@ -3,6 +3,7 @@
 #include "flash/Engine.h"
 #include "flash/control/Messages.h"
 #include "flash/sound/Mixer.h"
+#include "flash/sound/Stretcher.h"
 
 #include <QElapsedTimer>
 #include <QRect>
@@ -57,6 +58,8 @@ public:
     [[nodiscard]] QRect dirtyRect();
     void render(QImage& image, const QRect& rect);
     [[nodiscard]] sound::Mixer& mixer();
+    /// What a device is to play next, in its pitch whatever the speed is.
+    void mix(std::span<sound::StereoFrame> frames);
     [[nodiscard]] const State& state() const { return m_state; }
 
 private:
@@ -111,6 +114,7 @@ private:
     Engine m_engine;
     QElapsedTimer m_clock, m_sinceBusy;
     Settings m_settings;
+    sound::Stretcher m_stretcher;
     State m_state;
     std::uint32_t m_loaded = 0; // the id of the Load that layer 0 came by
     int m_readyState = 0;
