@@ -12,8 +12,7 @@ const int kVersionBuild = ZORVEX_VERSION_BUILD;
 const int kVersionRevision = ZORVEX_VERSION_REVISION;
 const char* const kLegalCopyright = "© Авторы " ZORVEX_PRODUCT_NAME;
 const char* const kLegalTrademarks = "Macromedia, Flash и Shockwave - товарные знаки их владельцев.";
-// ".example" is reserved: the addresses lead nowhere until the project has a place of its own.
-const char* const kHomeAddress = "https://zorvex.example/";
-const char* const kUpdateAddress = "https://zorvex.example/update";
+const char* const kHomeAddress = ZORVEX_HOME_ADDRESS;
+const char* const kUpdateAddress = *ZORVEX_HOME_ADDRESS == '\0' ? "" : ZORVEX_HOME_ADDRESS "update";
 
 } // namespace core

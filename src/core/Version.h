@@ -11,6 +11,7 @@ extern const int kVersionBuild;
 extern const int kVersionRevision;
 extern const char* const kLegalCopyright;
 extern const char* const kLegalTrademarks;
+// Empty while the project has no place of its own: commands that lead there are not shown then.
 extern const char* const kHomeAddress;
 extern const char* const kUpdateAddress;
 

@@ -1,6 +1,8 @@
 #include "platform/UserFolders.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
 
 namespace platform
 {
@@ -31,6 +33,13 @@ QString userFolder(UserFolder folder)
     const QString chosen = QFile::decodeName(qgetenv(place.variable));
     const QString path = QDir::isAbsolutePath(chosen) ? chosen : QDir::homePath() + '/' + place.belowHome;
     return QDir::cleanPath(path) + '/';
+}
+
+QString userMediaFolder()
+{
+    const QString videos = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+    const bool isThere = !videos.isEmpty() && QFileInfo(videos).isDir();
+    return QDir::cleanPath(isThere ? videos : QDir::homePath()) + '/';
 }
 
 } // namespace platform

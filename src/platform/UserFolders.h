@@ -17,4 +17,7 @@ enum class UserFolder {
 /// @source XDG Base Directory Specification 0.8: a variable that holds a relative path counts as not set
 QString userFolder(UserFolder folder);
 
+/// Where users keep films: their folder of videos when there is one, else their home. Ends in a separator.
+QString userMediaFolder();
+
 } // namespace platform

@@ -86,4 +86,17 @@ bool hasWindowManager()
     return true;
 }
 
+bool letsWindowsPlaceThemselves() { return QGuiApplication::platformName() == "xcb"; }
+
+void pokeScreen()
+{
+    if (QGuiApplication::platformName() != "xcb") return;
+#ifdef ZORVEX_HAS_XCB
+    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+        xcb_force_screen_saver(x11->connection(), XCB_SCREEN_SAVER_RESET);
+        xcb_flush(x11->connection());
+    }
+#endif
+}
+
 } // namespace platform

@@ -7,8 +7,16 @@ namespace platform
 /// always. Needs the application object.
 bool hasPerPixelTransparency();
 
-/// Whether somebody else gives windows their frames and carries out what they wish for: to fill the screen, to
-/// be moved. On X11 a window may be alone with its server; elsewhere always. Needs the application object.
+/// Whether somebody else gives windows their frames and carries out what they wish for: to fill the screen,
+/// to be moved. On X11 a window may be alone with its server; elsewhere always. Needs the application object.
 bool hasWindowManager();
+
+/// Whether a window knows where it stands and may say where it wants to; on Wayland the desktop keeps that to
+/// itself. Needs the application object.
+bool letsWindowsPlaceThemselves();
+
+/// Tells the display that somebody is there, as a key would: the time until it goes dark begins anew. Only
+/// X11 takes such a word.
+void pokeScreen();
 
 } // namespace platform
