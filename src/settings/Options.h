@@ -20,6 +20,7 @@ struct Options {
     bool topMost = false;
     bool menuBar = true;
     bool repeat = false;
+    QString place; ///< of the window, as it tells it itself; empty: wherever the desktop puts it
     // SETTINGS/SOUND
     quint8 volume = 100; ///< never the zero of muting, but what un-muting restores
     qint16 pan = 0;

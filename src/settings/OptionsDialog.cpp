@@ -18,7 +18,7 @@ namespace
 constexpr int kMargin = 16;
 constexpr int kControlHeight = 28;
 constexpr int kBoxHeight = 24;
-constexpr int kRowHeight = 24; // of an open list
+constexpr int kRowHeight = 24;   // of an open list
 constexpr int kLeastWidth = 328; // of what stands between the margins
 
 /// A list of which an entry is chosen on purpose only: a wheel that scrolls past must not change an option.

@@ -40,6 +40,7 @@ constexpr Setting kSettings[] = {
     {"VIEW",    "topMost",     &Options::topMost},
     {"VIEW",    "menuBar",     &Options::menuBar},
     {"VIEW",    "repeat",      &Options::repeat},
+    {"VIEW",    "place",       &Options::place},
     {"SOUND",   "volume",      &Options::volume},
     {"SOUND",   "pan",         &Options::pan},
     {"SOUND",   "mute",        &Options::mute},
@@ -91,6 +92,44 @@ std::vector<base::xml::Element> recentElements(const base::xml::Document& docume
     auto elements = files->children();
     std::erase_if(elements, [](const base::xml::Element& element) { return element.name() != "RECENT"; });
     return elements;
+}
+
+/// @param given what a setting that is missing leaves
+Options readOptions(const base::xml::Document& document, Options given)
+{
+    const Options defaults;
+    for (const Setting& setting : kSettings) {
+        const auto element = childOf(document, setting.element);
+        const auto found = element ? element->attribute(setting.attribute) : std::nullopt;
+        std::visit(
+            [&](const auto member) {
+                if (found)
+                    read(QString::fromStdString(*found), given.*member);
+                else
+                    given.*member = defaults.*member;
+            },
+            setting.member);
+    }
+    return given;
+}
+
+QStringList readRecent(const base::xml::Document& document)
+{
+    QStringList recent;
+    for (const base::xml::Element& element : recentElements(document)) {
+        const QString file = QString::fromStdString(element.text());
+        if (!file.isEmpty() && core::fileExists(file)) recent += file;
+    }
+    return recent;
+}
+
+/// As they stand, whether there are such files or not.
+QStringList recentTexts(const base::xml::Document& document)
+{
+    QStringList texts;
+    for (const base::xml::Element& element : recentElements(document))
+        texts += QString::fromStdString(element.text());
+    return texts;
 }
 
 } // namespace
@@ -151,27 +190,14 @@ bool SettingsFile::load(Options& options, QStringList& recent)
     }
     m_document = std::move(*document);
 
-    const Options defaults;
-    for (const Setting& setting : kSettings) {
-        const auto element = childOf(*m_document, setting.element);
-        const auto found = element ? element->attribute(setting.attribute) : std::nullopt;
-        std::visit(
-            [&](const auto member) {
-                if (found)
-                    read(QString::fromStdString(*found), options.*member);
-                else
-                    options.*member = defaults.*member;
-            },
-            setting.member);
-    }
+    options = readOptions(*m_document, options);
     // An empty folder is what the template holds; it means nothing else than a missing one.
     if (options.search.isEmpty()) options.search = m_application.AppPath;
 
-    recent.clear();
-    for (const base::xml::Element& element : recentElements(*m_document)) {
-        const QString file = QString::fromStdString(element.text());
-        if (!file.isEmpty() && core::fileExists(file)) recent += file;
-    }
+    recent = readRecent(*m_document);
+    m_before = options;
+    m_recentBefore = recent;
+    m_recentOnDisk = recentTexts(*m_document);
     return true;
 }
 
@@ -197,10 +223,49 @@ std::optional<std::string> SettingsFile::compose(const Options& options, const Q
     return std::string(bytes.begin(), bytes.end());
 }
 
-bool SettingsFile::save(const Options& options, const QStringList& recent)
+std::optional<base::xml::Document> SettingsFile::documentOnDisk() const
+{
+    const auto content = base::readFile(core::filePath(path()), kLargestBytes);
+    if (!content) return std::nullopt;
+    auto document = base::xml::Document::parse(*content);
+    if (!document || document->root().name() != "SETTINGS") return std::nullopt;
+    return std::move(*document);
+}
+
+void SettingsFile::takeOver(Options& options, QStringList& recent) const
+{
+    const Options theirs = readOptions(*m_document, m_before);
+    for (const Setting& setting : kSettings)
+        std::visit(
+            [&](const auto member) {
+                if (options.*member == m_before.*member) options.*member = theirs.*member;
+            },
+            setting.member);
+    if (recentTexts(*m_document) == m_recentOnDisk) return; // no other window has been here
+    // What this window has opened stands first; all that the other one knows follows.
+    QStringList merged;
+    for (const QString& path : recent)
+        if (!m_recentBefore.contains(path) || path == recent.first()) merged += path;
+    if (!recent.isEmpty() && !m_recentBefore.isEmpty() && recent.first() == m_recentBefore.first())
+        merged.removeOne(recent.first());
+    merged += readRecent(*m_document);
+    merged += recent;
+    merged.removeDuplicates();
+    recent = merged.mid(0, kRecentSlots - 1);
+}
+
+bool SettingsFile::save(const Options& own, const QStringList& ownRecent)
 {
     log({});
     log(" :: Save Options");
+    Options options = own;
+    QStringList recent = ownRecent;
+    if (auto onDisk = m_document ? documentOnDisk() : std::nullopt) {
+        m_document = std::move(*onDisk);
+        takeOver(options, recent);
+    }
+    m_before = own;
+    m_recentBefore = ownRecent;
     const auto content = compose(options, recent);
     if (!content) {
         log(path() + ": not saved, because it could not be read");
@@ -209,6 +274,7 @@ bool SettingsFile::save(const Options& options, const QStringList& recent)
     const base::Bytes bytes(reinterpret_cast<const std::uint8_t*>(content->data()), content->size());
     const auto written = base::replaceFile(core::filePath(path()), bytes);
     if (!written) log(path() + ": not saved: " + QString::fromStdString(written.error().what));
+    if (written) m_recentOnDisk = recentTexts(*m_document);
     m_isDiskFull = !written && base::isDiskFull(written.error());
     return written.has_value();
 }

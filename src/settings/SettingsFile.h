@@ -27,10 +27,12 @@ public:
     ///          file is kept aside as settings.xml.bad. The next save then fills the program's own template.
     bool load(Options& options, QStringList& recent);
 
-    /// @param recent newest first. A path whose file is gone leaves its element as it is.
+    /// What another window of the program has saved since the load stays, unless this one has changed it too;
+    /// recent files of both are kept, this one's first.
+    /// @param ownRecent newest first. A path whose file is gone leaves its element as it is.
     /// @returns false when the file could not be written; the old one is then untouched and the journal says
     ///          why.
-    bool save(const Options& options, const QStringList& recent);
+    bool save(const Options& own, const QStringList& ownRecent);
     /// Whether the last save failed for want of room.
     [[nodiscard]] bool isDiskFull() const { return m_isDiskFull; }
 
@@ -41,12 +43,18 @@ public:
 private:
     void log(const QString& text);
     void keepAside();
+    [[nodiscard]] std::optional<base::xml::Document> documentOnDisk() const;
+    void takeOver(Options& options, QStringList& recent) const;
 
     core::Application& m_application;
     /// Kept from load to the end of the run. Empty when the file could not even be read: it may be good, and
     /// is not replaced then.
     std::optional<base::xml::Document> m_document;
     bool m_isDiskFull = false;
+    /// What this window had at its load or last save: what differs from it, this window has changed.
+    Options m_before;
+    QStringList m_recentBefore;
+    QStringList m_recentOnDisk; ///< as texts of the file
 };
 
 } // namespace settings

@@ -89,6 +89,42 @@ TEST_F(SettingsFiles, ChangeOnlyWhatTheyKnow)
     }
 }
 
+TEST_F(SettingsFiles, TwoWindowsDoNotUndoEachOther)
+{
+    put(shipped());
+    for (const char* name : {"old.swf", "one.swf", "two.swf"}) {
+        QFile file(m_folder.filePath(name));
+        ASSERT_TRUE(file.open(QFile::WriteOnly));
+    }
+    const auto path = [this](const char* name) { return m_folder.filePath(name); };
+    SettingsFile first(application), second(application);
+    Options one, two;
+    QStringList recentOne, recentTwo;
+    ASSERT_TRUE(first.load(one, recentOne));
+    one.skin = "lagoon";
+    ASSERT_TRUE(first.save(one, {path("old.swf")}));
+    ASSERT_TRUE(second.load(two, recentTwo));
+    ASSERT_EQ(recentTwo, QStringList{path("old.swf")});
+
+    one.volume = 30;
+    ASSERT_TRUE(first.save(one, {path("one.swf"), path("old.swf")}));
+    two.cacheMode = 2;
+    ASSERT_TRUE(second.save(two, {path("two.swf"), path("old.swf")}));
+    one.timeMode = 4; // and knows nothing of what the second has done
+    ASSERT_TRUE(first.save(one, {path("one.swf"), path("old.swf")}));
+
+    SettingsFile third(application);
+    ASSERT_TRUE(third.load(options, recent));
+    EXPECT_EQ(options.skin, "lagoon");
+    EXPECT_EQ(options.volume, 30);
+    EXPECT_EQ(options.cacheMode, 2);
+    EXPECT_EQ(options.timeMode, 4);
+    QStringList sorted = recent;
+    sorted.sort();
+    EXPECT_EQ(sorted, (QStringList{path("old.swf"), path("one.swf"), path("two.swf")}));
+    EXPECT_EQ(recent.last(), path("old.swf"));
+}
+
 TEST_F(SettingsFiles, ReadEveryValueAndLeaveWhatDoesNotConvert)
 {
     put("<SETTINGS><VIEW scaleMode='abc' topMost='-1' menuBar='0' repeat='TRUE' quality=''/>"
