@@ -4,8 +4,10 @@
 #include "core/Application.h"
 #include "media/CacheName.h"
 
+#include <QCollator>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 
 #include <algorithm>
 #include <filesystem>
@@ -47,9 +49,18 @@ std::vector<FolderEntry> listFolder(const QString& folder)
     if (!QDir(folder).isRoot()) entries.push_back({"..", true});
     for (; !error && at != fs::directory_iterator(); at.increment(error)) {
         std::error_code unknown; // a link that leads nowhere, say: a file, then
-        entries.push_back(
-            {QFile::decodeName(at->path().filename().native().c_str()), at->is_directory(unknown)});
+        const QString name = QFile::decodeName(at->path().filename().native().c_str());
+        if (!name.startsWith('.')) entries.push_back({name, at->is_directory(unknown)});
     }
+    QCollator order{QLocale(QLocale::Russian)}; // the bare one knows of no language, nor of numbers
+    order.setNumericMode(true);
+    order.setCaseSensitivity(Qt::CaseInsensitive);
+    const auto byName = [&order](const FolderEntry& one, const FolderEntry& other) {
+        const int difference = order.compare(one.name, other.name);
+        return difference != 0 ? difference < 0 : one.name < other.name;
+    };
+    const bool hasWayUp = !entries.empty() && entries.front().name == "..";
+    std::sort(entries.begin() + (hasWayUp ? 1 : 0), entries.end(), byName);
     return entries;
 }
 

@@ -12,8 +12,8 @@ struct FolderEntry {
     bool isFolder;
 };
 
-/// Every entry of a folder, hidden ones included, in the order in which the file system returns them; the
-/// way up, "..", comes first unless the folder is a root. Empty when the folder cannot be read.
+/// Every entry of a folder but the hidden ones, by name as the user's language orders them, numbers as
+/// numbers; the way up, "..", comes first unless the folder is a root. Empty when the folder cannot be read.
 std::vector<FolderEntry> listFolder(const QString& folder);
 
 /// @returns the folder with a separator at its end; one that ends in ".." is replaced by its parent. Both

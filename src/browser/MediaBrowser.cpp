@@ -62,7 +62,7 @@ void MediaBrowser::scan(const QString& folder)
         const BrowseItem& item = m_state.items[i];
         if (item.kind == ItemKind::Folder) continue;
         ++mediaCount;
-        if (!core::fileExists(item.thumbnail)) m_missing.push_back(i);
+        if (m_thumbnails.isWanted({m_state.folder + item.name, item.thumbnail})) m_missing.push_back(i);
     }
     const auto count = static_cast<qint32>(m_state.items.size());
     m_state.totalPages = (count + kItemsPerPage - 1) / kItemsPerPage;

@@ -7,6 +7,7 @@
 #include "platform/ProcessMemory.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QThread>
 #include <QTime>
@@ -29,7 +30,6 @@ constexpr const char* kNoMovie = "| no |";
 constexpr int kSettlingFrames = 8;
 /// So often another frame is chosen when there is next to nothing to be seen: a fade, or a loader's frame.
 constexpr int kMostFrames = 4;
-constexpr double kBlankShare = 0.98;
 constexpr double kShortestFrameMs = 10, kLongestFrameMs = 100;
 constexpr int kPumpEveryMs = 15;
 /// Each takes a process with the engine's memory.
@@ -38,7 +38,8 @@ constexpr int kMostSideBySide = 8;
 /// Of SWF's Quality.
 constexpr int kLowQuality = 0, kHighQuality = 1;
 
-/// @returns the share of the pixels that have the colour seen most often; colours that differ little are one
+} // namespace
+
 double shareOfCommonestColour(const cDIBSection& picture)
 {
     constexpr unsigned kShades = 32;
@@ -51,8 +52,6 @@ double shareOfCommonestColour(const cDIBSection& picture)
     return static_cast<double>(*std::max_element(counts.begin(), counts.end())) /
            (static_cast<double>(picture.Width()) * picture.Height());
 }
-
-} // namespace
 
 int thumbnailFrame(int totalFrames, double random)
 {
@@ -96,7 +95,7 @@ void Thumbnails::make(const std::vector<Order>& orders, bool tellsProgress)
     while (!m_state.skip) {
         while (next < orders.size() && m_works.size() < most && !m_state.skip) {
             const Order& order = orders[next++];
-            if (core::fileExists(order.thumbnail)) continue;
+            if (!isWanted(order)) continue;
             openWindow();
             const int place = freePlace();
             m_works.push_back(begin(order, static_cast<int>(next), place));
@@ -131,6 +130,22 @@ void Thumbnails::make(const std::vector<Order>& orders, bool tellsProgress)
     // Cancelled: what is at work ends with its place.
     for (const auto& work : m_works) finish(*work);
     m_works.clear();
+}
+
+bool Thumbnails::isWanted(const Order& order) const
+{
+    const QDateTime changed = QFileInfo(order.movie).lastModified();
+    if (const auto failed = m_failed.constFind(order.movie); failed != m_failed.cend() && *failed == changed)
+        return false;
+    if (!core::fileExists(order.thumbnail)) return true;
+    // A file that claims to be of the future would be pictured again and again.
+    return changed.isValid() && changed <= QDateTime::currentDateTime() &&
+           QFileInfo(order.thumbnail).lastModified() < changed;
+}
+
+void Thumbnails::noteFailure(const QString& movie)
+{
+    m_failed.insert(movie, QFileInfo(movie).lastModified());
 }
 
 int Thumbnails::freePlace() const
@@ -326,6 +341,7 @@ void Thumbnails::finish(Work& work)
 void Thumbnails::drop(Work& work, const char* why)
 {
     if (std::exchange(work.isDropped, true)) return;
+    noteFailure(work.order.movie);
     log(QString(texts::kLogDropped) + why);
 }
 

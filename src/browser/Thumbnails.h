@@ -8,7 +8,9 @@
 #include "media/MediaFiles.h"
 #include "media/MediaHost.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
+#include <QHash>
 #include <QPointer>
 #include <QRandomGenerator>
 
@@ -22,6 +24,11 @@ namespace browser
 /// The frame of a movie that its thumbnail shows: between 30 % and 90 % of it.
 /// @param random 0 to 1, 1 excluded
 int thumbnailFrame(int totalFrames, double random);
+
+/// @returns the share of the pixels that have the colour seen most often; colours that differ little are one
+double shareOfCommonestColour(const cDIBSection& picture);
+/// A picture with a larger share of one colour shows next to nothing.
+inline constexpr double kBlankShare = 0.98;
 
 /// Makes the pictures that stand for movies: JPEG files in the cache, made once and kept until the cache is
 /// cleared. A movie that hangs, loops for ever or eats memory is dropped at its limits and gets no picture.
@@ -52,6 +59,9 @@ public:
     /// cancels; what is made stays.
     void makeAll(const std::vector<Order>& orders);
     void closeWindow();
+    /// Whether a thumbnail is missing or older than its movie. One that failed in this run is tried again
+    /// only when the movie's file has changed.
+    [[nodiscard]] bool isWanted(const Order& order) const;
 
     /// The progress window; null when there is none.
     [[nodiscard]] frmShot* window() const { return m_window; }
@@ -97,6 +107,7 @@ private:
     /// What the movies of a place are told, and where they are heard.
     void equip(int place);
     [[nodiscard]] Work* workIn(int place) const;
+    void noteFailure(const QString& movie);
     [[nodiscard]] int freePlace() const;
     void show(bool tellsProgress, std::size_t count);
     void log(const QString& text);
@@ -111,6 +122,7 @@ private:
     std::vector<std::unique_ptr<Work>> m_works; ///< the oldest first
     quint32 m_made = 0;
     bool m_atWork = false;
+    QHash<QString, QDateTime> m_failed; ///< movies without a picture, and the time of their files then
 };
 
 } // namespace browser
