@@ -143,7 +143,9 @@ void MediaFiles::failLoad(const QString& file)
     m_application.LogEvent("Failed to load, since " + m_errorDescription);
     const bool isPage =
         !m_application.GadgetsPath.isEmpty() && file.contains(m_application.GadgetsPath, Qt::CaseInsensitive);
-    if (!isPage) m_host.CloseMedia(m_errorDescription);
+    if (isPage) return;
+    m_host.setFailedFile(file);
+    m_host.CloseMedia(m_errorDescription);
 }
 
 QString MediaFiles::GetFlashInfo(QString& path)

@@ -35,6 +35,8 @@ public:
     /// Runs the view's statement for a changed movie.
     virtual void onMediaChange() = 0;
 
+    /// Comes before CloseMedia() when that has a reason: which file it is about.
+    virtual void setFailedFile(const QString&) {}
     /// Shows the welcome page, with the reason when a movie could not be loaded.
     virtual void CloseMedia(const QString& message) = 0;
     virtual void ReportError(const base::Failure& error, const QString& place, const QString& detail) = 0;

@@ -2,6 +2,7 @@
 
 #include "ui/Mnemonics.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QStyleOption>
@@ -107,10 +108,22 @@ void MenuBar::addShortcuts()
         const QChar letter = menu->text()[position].toUpper();
         for (const QChar key : {letter, otherLayout(letter)}) {
             if (!key.isLetter()) continue;
-            auto* shortcut = new QShortcut(QKeySequence(QString("Alt+") + key), this);
-            connect(shortcut, &QShortcut::activated, this, [this, menu] { setActiveAction(menu); });
+            // The window's, because a bar that is hidden hears no key.
+            auto* shortcut = new QShortcut(QKeySequence(QString("Alt+") + key), parentWidget());
+            const auto open = [this, menu] { openMenu(*menu); };
+            connect(shortcut, &QShortcut::activated, this, open);
+            // Both names of a key may be known to the system at once.
+            connect(shortcut, &QShortcut::activatedAmbiguously, this, open);
         }
     }
+}
+
+void MenuBar::openMenu(QAction& menu)
+{
+    if (isVisible()) return setActiveAction(&menu);
+    if (menu.menu() == nullptr || QApplication::activePopupWidget() != nullptr) return;
+    menu.menu()->popup(parentWidget()->mapToGlobal(QPoint(0, 0)));
+    menu.menu()->setActiveAction(menu.menu()->actions().value(0));
 }
 
 void MenuBar::initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const

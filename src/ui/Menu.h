@@ -44,6 +44,8 @@ public:
     explicit MenuBar(QWidget* parent);
     /// To be called when all menus are there.
     void addShortcuts();
+    /// Opens one of the bar's menus, at the window's corner while the bar is hidden.
+    void openMenu(QAction& menu);
 
 protected:
     void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override;
