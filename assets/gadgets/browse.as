@@ -7,6 +7,9 @@ var SLOTS = 8, COLUMNS = 4, EDGE = 12, GAP = 8;
 var SLOT_WIDE = (WIDE - 2 * EDGE - (COLUMNS - 1) * GAP) / COLUMNS;
 var SLOT_HIGH = (HIGH - 2 * BAR - 2 * EDGE - GAP) / 2;
 var PAD = 8, SHOT_WIDE = SLOT_WIDE - 2 * PAD, SHOT_HIGH = SLOT_HIGH - 2 * PAD - 24;
+// Pictures are 4:3, and so is what they lie in.
+var WELL_WIDE = Math.min(SHOT_WIDE, Math.floor(SHOT_HIGH * 4 / 3)), WELL_HIGH = Math.floor(WELL_WIDE * 3 / 4);
+var WELL_X = PAD + (SHOT_WIDE - WELL_WIDE) / 2, WELL_Y = PAD + Math.floor((SHOT_HIGH - WELL_HIGH) / 2);
 var MOVIE = 1, PROJECTOR = 2, FOLDER = 3;
 
 // What the host's encoding cannot say stands in a second parameter, as UTF-8.
@@ -100,7 +103,7 @@ var grid = child(this, "grid");
 var loader = new MovieClipLoader(), loaded = {};
 loaded.onLoadInit = function(shot) {
   if (shot._width <= 0 || shot._height <= 0) return;
-  var scale = Math.min(1, SHOT_WIDE / shot._width, SHOT_HIGH / shot._height);
+  var scale = Math.min(1, WELL_WIDE / shot._width, WELL_HIGH / shot._height);
   shot._xscale = shot._yscale = 100 * scale;
   shot._x = PAD + Math.round((SHOT_WIDE - shot._width) / 2);
   shot._y = PAD + Math.round((SHOT_HIGH - shot._height) / 2);
@@ -119,7 +122,7 @@ function showSlot(slot, name, kind) {
         send(isFolder ? "MEOWSEARCH" : "MEOWSEL", folder + name);
       });
   var icon = isParent ? "parent" : isFolder ? "folder" : kind == PROJECTOR ? "projector" : "movie";
-  if (!isFolder) fillRound(button, PAD, PAD, SHOT_WIDE, SHOT_HIGH, 3, INK);
+  if (!isFolder) fillRound(button, WELL_X, WELL_Y, WELL_WIDE, WELL_HIGH, 3, INK);
   var kindIcon = picture(button, icon, PAD + (SHOT_WIDE - 48) / 2, PAD + (SHOT_HIGH - 48) / 2, 48);
   tint(kindIcon, isFolder ? SKY : PALE_ON_INK);
   button.kindIcon = kindIcon;
@@ -153,7 +156,7 @@ for (var i = 1; i <= SLOTS; i++) {
 }
 if (pages == 1 && media == 0 && shown <= COLUMNS) {
   var emptyTop = shown > 0 ? BAR + EDGE + SLOT_HIGH + GAP + SLOT_HIGH / 2 - 28 : HIGH / 2 - 28;
-  centred("В этой папке нет фильмов Flash", emptyTop, 13, ICE);
+  centred("В этой папке нет роликов Flash", emptyTop, 13, ICE);
   centred("Показываются файлы .swf и проекторы .exe.", emptyTop + 24, 11, SKY);
 }
 

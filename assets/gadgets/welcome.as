@@ -11,7 +11,7 @@ var version = given(query.version), blank = version.lastIndexOf(" ");
 if (blank < 0) blank = version.length;
 picture(heading, "mark", MARGIN + 32, 80, 70);
 setFitted(label(heading, 120, 44, 480, 34, 24, ICE, BOLD), blank > 0 ? version.substr(0, blank) : PRODUCT, 0);
-setText(label(heading, 120, 74, 480, 22, 13, ICE), "Проигрыватель фильмов Flash");
+setText(label(heading, 120, 74, 480, 22, 13, ICE), "Проигрыватель роликов Flash");
 if (blank < version.length)
   setFitted(label(heading, 120, 94, 480, 20, 11, SKY), "Версия " + version.substr(blank + 1), 0);
 
@@ -19,7 +19,8 @@ if (blank < version.length)
 
 var body = child(this, "body");
 var top = 160;
-if (given(query.error) != "") top = showError(query.error, 136) + 20;
+if (given(query.error) != "")
+  top = showError((this.file != undefined ? "«" + this.file + "»: " : "") + query.error, 136) + 20;
 
 function showError(message, y) {
   var MOST_LINES = 4, LEADING = 3;
@@ -57,21 +58,67 @@ function showError(message, y) {
 
 // --- What can be done
 
-function card(column, row, color, icon, caption, hint, command) {
-  var button = plate(body, MARGIN + column * (CARD_WIDE + GAP), top + row * (CARD_HIGH + GAP), CARD_WIDE, CARD_HIGH,
-      color, 100, function() { send(command); });
+function card(column, row, color, icon, caption, hint, command, wide) {
+  var button = plate(body, MARGIN + column * (CARD_WIDE + GAP), top + row * (CARD_HIGH + GAP),
+      wide ? WIDE : CARD_WIDE, CARD_HIGH, color, 100, function() { send(command); });
   picture(button, icon, 20, (CARD_HIGH - 24) / 2, 24);
   var ink = color == BLUE ? WHITE : ICE;
   setText(label(button, 60, 14, CARD_WIDE - 72, 22, 13, ink, BOLD), caption);
   setText(label(button, 60, 34, CARD_WIDE - 72, 20, 11, ink), hint);
   return button;
 }
-primary = card(0, 0, BLUE, "open", "Открыть файл", "Фильм .swf или проектор .exe", "MEOWOPEN");
-card(1, 0, SLATE, "browse", "Обзор медиа", "Фильмы папки с эскизами", "MEOWSEARCH");
-card(0, 1, SLATE, "help", "Справка", "Как пользоваться", "MEOWHELP");
-card(1, 1, SLATE, "update", "Обновление", "Новая версия на сайте", "MEOWUPDATE");
+primary = card(0, 0, BLUE, "open", "Открыть файл", "Ролик .swf или проектор .exe", "MEOWOPEN");
+card(1, 0, SLATE, "browse", "Обзор медиа", "Ролики папки с эскизами", "MEOWSEARCH");
+var hasUpdate = this.noupdate == undefined;
+card(0, 1, SLATE, "help", "Справка", "Как пользоваться", "MEOWHELP", !hasUpdate);
+if (hasUpdate) card(1, 1, SLATE, "update", "Обновление", "Новая версия на сайте", "MEOWUPDATE");
 var bottom = top + 2 * CARD_HIGH + GAP;
-if (bottom < 390)
+
+// --- What was open before, or the samples
+
+var TILES = 4, TILE_GAP = 12, TILE_WIDE = (WIDE - (TILES - 1) * TILE_GAP) / TILES, TILE_HIGH = 94;
+var WELL_WIDE = 88, WELL_HIGH = 66;
+
+var loader = new MovieClipLoader(), loaded = {};
+loaded.onLoadInit = function(shot) {
+  if (shot._width <= 0 || shot._height <= 0) return;
+  var scale = Math.min(1, WELL_WIDE / shot._width, WELL_HIGH / shot._height);
+  shot._xscale = shot._yscale = 100 * scale;
+  shot._x = Math.round((TILE_WIDE - shot._width) / 2);
+  shot._y = 6 + Math.round((WELL_HIGH - shot._height) / 2);
+  shot._parent.kindIcon._visible = false;
+  shot._visible = true;
+};
+loader.addListener(loaded);
+
+function tile(index, path, shotPath) {
+  var button = plate(body, MARGIN + index * (TILE_WIDE + TILE_GAP), bottom + GAP, TILE_WIDE, TILE_HIGH, SLATE, 100,
+      function() { send("MEOWSEL", path); });
+  fillRound(button, (TILE_WIDE - WELL_WIDE) / 2, 6, WELL_WIDE, WELL_HIGH, 3, INK);
+  button.kindIcon = picture(button, "movie", (TILE_WIDE - 32) / 2, 6 + (WELL_HIGH - 32) / 2, 32);
+  tint(button.kindIcon, PALE_ON_INK);
+  var name = path.substr(Math.max(path.lastIndexOf("/"), path.lastIndexOf("\\")) + 1);
+  if (name.substr(-4).toLowerCase() == ".swf") name = name.substr(0, name.length - 4);
+  var field = label(button, 6, TILE_HIGH - 21, TILE_WIDE - 12, 20, 11, ICE);
+  setFitted(field, name.split("\n").join(" ").split("\r").join(" "), 4);
+  field._x = Math.round((TILE_WIDE - field.textWidth - 4) / 2);
+  if (shotPath == undefined) return;
+  var shot = child(button, "shot");
+  shot._visible = false;
+  loader.loadClip(escapedFile(shotPath), shot);
+}
+
+function escapedFile(file) {
+  var signs = ["%", "#", "?", "&", "+", " ", ";"], codes = ["%25", "%23", "%3F", "%26", "%2B", "%20", "%3B"];
+  for (var i = 0; i < signs.length; i++) file = file.split(signs[i]).join(codes[i]);
+  return file;
+}
+
+if (given(query.error) == "")
+  for (var i = 0; i < TILES; i++)
+    if (this["movie" + (i + 1)] != undefined) tile(i, this["movie" + (i + 1)], this["shot" + (i + 1)]);
+
+if (bottom < 390 && this.movie1 == undefined)
   setText(label(body, MARGIN, Math.max(bottom + 20, 380), WIDE, 20, 11, SKY),
       "Файл или папку можно просто перетащить в это окно.");
 

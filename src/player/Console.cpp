@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "core/Look.h"
+#include "player/ConsoleWords.h"
 #include "player/Menus.h"
 #include "player/MovieScreen.h"
 #include "player/PlayerHost.h"
@@ -29,6 +30,7 @@ constexpr int kMargin = 6;
 constexpr int kLineHeight = 28;
 constexpr int kButton = 24;
 constexpr int kHistoryRows = 8;
+constexpr const char* kHistoryFile = "console.txt";
 constexpr double kOpaque = 0.96;
 
 } // namespace
@@ -55,9 +57,7 @@ ConsoleLine::ConsoleLine(QWidget* parent) : QComboBox(parent)
 
 void ConsoleLine::remember(const QString& statement)
 {
-    QStringList history;
-    for (int i = 0; i < count(); ++i) history += itemText(i);
-    if (!belongsInHistory(history, statement)) return;
+    if (!belongsInHistory(history(), statement)) return;
     const QSignalBlocker blocker(this);
     const QString shown = currentText();
     insertItem(0, statement);
@@ -65,8 +65,20 @@ void ConsoleLine::remember(const QString& statement)
     setEditText(shown);
 }
 
+QStringList ConsoleLine::history() const
+{
+    QStringList statements;
+    for (int i = 0; i < count(); ++i) statements += itemText(i);
+    return statements;
+}
+
 bool ConsoleLine::event(QEvent* event)
 {
+    // Before the toolkit takes it for a wish to leave the line.
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Tab) {
+        emit completionWanted();
+        return true;
+    }
     // What is typed here must not drive the player.
     if (event->type() == QEvent::ShortcutOverride && belongsToMovie(*static_cast<QKeyEvent*>(event), true)) {
         event->accept();
@@ -145,7 +157,7 @@ Console::Console(PlayerHost& host, QWidget& window, QWidget& client, Menus& menu
     : skin::SkinControl("Console", 0, &client, &window), m_host(host), m_client(client), m_menus(menus),
       m_movieScreen(movieScreen), m_drag(windowDrag), m_bridge(bridge),
       m_lblConsole(new QLabel(texts::kConsole, this)), m_cmbConsole(new ConsoleLine(this)),
-      m_chkCloseConsole(new ConsoleCloseButton(this))
+      m_chkCloseConsole(new ConsoleCloseButton(this)), m_lblAnswer(new QLabel(this))
 {
     setObjectName("Console");
     hide();
@@ -163,8 +175,19 @@ Console::Console(PlayerHost& host, QWidget& window, QWidget& client, Menus& menu
     grid->addWidget(m_chkCloseConsole, 0, 1);
     grid->addWidget(m_cmbConsole, 1, 0, 1, 2);
     grid->setColumnStretch(0, 1);
+    m_lblAnswer->setObjectName("lblAnswer");
+    m_lblAnswer->setTextFormat(Qt::PlainText);
+    m_lblAnswer->setWordWrap(true);
+    m_lblAnswer->setPalette(light);
+    m_lblAnswer->hide();
+    grid->addWidget(m_lblAnswer, 2, 0, 1, 2);
+    m_cmbConsole->setAccessibleName(texts::kConsole);
+    m_cmbConsole->addItems(readHistory(m_host.settingsFolder() + kHistoryFile));
+    m_cmbConsole->setCurrentIndex(-1);
+    m_cmbConsole->clearEditText();
 
     connect(m_cmbConsole, &ConsoleLine::entered, this, &Console::run);
+    connect(m_cmbConsole, &ConsoleLine::completionWanted, this, &Console::completeLine);
     connect(m_cmbConsole, &ConsoleLine::left, this, &Console::HideConsole);
     connect(m_chkCloseConsole, &QAbstractButton::clicked, this, &Console::HideConsole);
     connect(m_chkCloseConsole, &ConsoleCloseButton::movedWhileHeld, this, &Console::drag);
@@ -201,17 +224,47 @@ void Console::run(const QString& statement)
     try {
         m_bridge.ExecuteStatement(statement);
     } catch (const base::Failure& failure) {
-        m_host.handled(texts::kPlaceConsole, [&] { m_host.ReportError(failure, texts::kPlaceConsole, {}); });
+        m_host.noteError(failure, texts::kPlaceConsole);
+        answer(QString(texts::kConsoleError)
+                   .arg(QString::fromStdString(failure.description()))
+                   .arg(failure.number()));
         return;
     }
+    answer({});
     m_cmbConsole->remember(statement);
+    writeHistory(m_host.settingsFolder() + kHistoryFile, m_cmbConsole->history());
+}
+
+void Console::completeLine()
+{
+    QStringList words = scriptNamesOf(*window()->metaObject());
+    for (const QAction* item : m_menus.findChildren<QAction*>()) words += item->objectName();
+    words += {"Player", "SWF", "Console", "MsgBox", "InputBox"};
+    words.removeAll(QString());
+    const Completion done =
+        complete(m_cmbConsole->currentText(), m_cmbConsole->lineEdit()->cursorPosition(), words);
+    m_cmbConsole->setEditText(done.statement);
+    m_cmbConsole->lineEdit()->setCursorPosition(done.cursor);
+    constexpr int kMostNamed = 12;
+    QString named = done.choices.mid(0, kMostNamed).join("  ");
+    if (done.choices.size() > kMostNamed) named += QString("  … (%1)").arg(done.choices.size());
+    answer(named);
+}
+
+void Console::answer(const QString& text)
+{
+    m_lblAnswer->setText(text);
+    m_lblAnswer->setVisible(!text.isEmpty());
+    layout()->activate();
+    fit();
 }
 
 void Console::drag() { m_drag.moveObject(*this); }
 
 void Console::fit()
 {
-    resize(std::clamp(m_client.width() - 2 * kMargin, kLeastWidth, kWidth), height());
+    const int wide = std::clamp(m_client.width() - 2 * kMargin, kLeastWidth, kWidth);
+    resize(wide, layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(wide) : sizeHint().height());
     move(std::clamp(x(), 0, std::max(0, m_client.width() - width())),
          std::clamp(y(), 0, std::max(0, m_client.height() - height())));
 }

@@ -24,7 +24,7 @@ class WindowDrag;
 /// @returns whether it is new
 bool belongsInHistory(const QStringList& history, const QString& statement);
 
-/// The console's input line; its list is the history, most recent first, and lives as long as the window.
+/// The console's input line; its list is the history, most recent first, and is kept between runs.
 class ConsoleLine : public QComboBox
 {
     Q_OBJECT
@@ -34,9 +34,11 @@ public:
     explicit ConsoleLine(QWidget* parent);
     /// At the top; what stands in the line stays.
     void remember(const QString& statement);
+    [[nodiscard]] QStringList history() const;
 
 signals:
     void entered(const QString& statement);
+    void completionWanted();
     void left();
 
 protected:
@@ -90,6 +92,9 @@ protected:
 private:
     void run(const QString& statement);
     void drag();
+    void completeLine();
+    /// Below the line: what went wrong, or what a name may be meant for. Empty takes it away.
+    void answer(const QString& text);
     /// Fits the panel into the area, and back into it after the window has shrunk.
     void fit();
 
@@ -102,6 +107,7 @@ private:
     QLabel* m_lblConsole;
     ConsoleLine* m_cmbConsole;
     ConsoleCloseButton* m_chkCloseConsole;
+    QLabel* m_lblAnswer;
 };
 
 } // namespace player

@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QUrl>
 #include <QWidget>
 #include <QWindow>
@@ -78,6 +79,9 @@ void Lifecycle::Form_Load()
     step([this] { openFirst(); });
     if (m_ended) return;
     showWindow();
+    QTimer::singleShot(0, &m_window, [this] {
+        if (!m_ended) m_host.joinDesktop();
+    });
 }
 
 void Lifecycle::showWindow()
@@ -154,9 +158,12 @@ void Lifecycle::CloseMedia(const QString& message)
     m_application.LogEvent({});
     m_application.LogEvent(" :: Close Flash");
     m_host.setMediaInfoEnabled(false);
+    const QString failed = QFileInfo(m_host.takeFailedFile()).fileName();
     const QString page = m_application.GadgetsPath.isEmpty()
                              ? QString()
-                             : welcomePage(m_application, message, m_settings.options().noAnimation);
+                             : welcomePage(m_application, message, m_settings.options().noAnimation) +
+                                   (message.isEmpty() ? moviesForPage(m_application, m_settings.recentPaths())
+                                                      : failureForPage(failed));
     bool shown = false;
     if (core::fileExists(filePartOf(page))) {
         m_host.LoadFlash(page, texts::kWelcomeCaption);
@@ -168,7 +175,9 @@ void Lifecycle::CloseMedia(const QString& message)
         // A window that was made for a small movie would cut the panel.
         if (!m_host.isFullScreen() && !m_window.isMaximized())
             m_window.resize(m_window.size().expandedTo(kWelcomeSize));
-        m_movieScreen.showWelcome(message);
+        m_movieScreen.showWelcome(message.isEmpty() || failed.isEmpty()
+                                      ? message
+                                      : QString(texts::kFailedFile).arg(failed, message));
         m_host.refreshMovieCommands();
     }
     m_host.SetStatus(texts::kReady);

@@ -19,6 +19,13 @@ void showNow(Player& player)
     player.UpdateInfo();
 }
 
+void tellVolume(Player& player)
+{
+    showNow(player);
+    player.tell(player.Volume() == 0 ? QString(texts::kSoundOff)
+                                     : QString(texts::kVolumeIs).arg(player.Volume()));
+}
+
 struct CommandInfo {
     const char* item;
     void (*run)(Player& player);
@@ -59,12 +66,16 @@ constexpr CommandInfo kCommands[] = {
     {"mnuStop",         [](Player& p) { p.StopMedia(); showNow(p); }},
     {"mnuFFwd",         [](Player& p) { p.playback().stepForward(); showNow(p); }},
     {"mnuRwd",          [](Player& p) { p.playback().stepBack(); showNow(p); }},
+    {"mnuResume",       [](Player& p) { p.resume(); }},
+    {"mnuSlower",       [](Player& p) { p.transport().changeSpeed(-1); }},
+    {"mnuFaster",       [](Player& p) { p.transport().changeSpeed(1); }},
+    {"mnuRepeatAB",     [](Player& p) { p.transport().markSection(); }},
     {"mnuPrevious",     [](Player& p) { p.walkMovies(-1); }},
     {"mnuNext",         [](Player& p) { p.walkMovies(1); }},
     // A step of the volume centres the balance.
-    {"mnuVolumeUp",     [](Player& p) { p.SetSound(p.Volume() + 10, 0); showNow(p); }},
-    {"mnuVolumeDown",   [](Player& p) { p.SetSound(p.Volume() - 10, 0); showNow(p); }},
-    {"mnuMute",         [](Player& p) { p.MuteSound(!p.menus().isChecked("mnuMute")); showNow(p); }},
+    {"mnuVolumeUp",     [](Player& p) { p.SetSound(p.Volume() + 10, 0); tellVolume(p); }},
+    {"mnuVolumeDown",   [](Player& p) { p.SetSound(p.Volume() - 10, 0); tellVolume(p); }},
+    {"mnuMute",         [](Player& p) { p.MuteSound(!p.menus().isChecked("mnuMute")); tellVolume(p); }},
     {"mnuLoop",         [](Player& p) { p.playback().toggleLoop(); showNow(p); }},
 
     {"mnuBrowse",       [](Player& p) { p.BrowseMedia(); }},
@@ -74,13 +85,14 @@ constexpr CommandInfo kCommands[] = {
      [](Player& p) { p.menus().isChecked("mnuConsole") ? p.HideConsole() : p.ShowConsole(); }},
     {"mnuOpt",          [](Player& p) { p.settings().edit(); }},
     {"mnuHelpMe",       [](Player& p) { p.openHelp(); }},
+    {"mnuKeys",         [](Player& p) { p.showKeys(); }},
     {"mnuUpd",          [](Player& p) { p.WebUpdate(); }},
     {"mnuWeb",          [](Player& p) { p.mnuWeb_Click(); }},
     {"mnuAbout",        [](Player& p) { p.About(); }},
 
     {"mnuPopPlay",      [](Player& p) { p.PlayPauseMedia(); showNow(p); }},
     {"mnPopStop",       [](Player& p) { p.StopMedia(); showNow(p); }},
-    {"mnuPopMute",      [](Player& p) { p.MuteSound(!p.Muted()); showNow(p); }},
+    {"mnuPopMute",      [](Player& p) { p.MuteSound(!p.Muted()); tellVolume(p); }},
     {"mnuPopHQ",        [](Player& p) { p.SetQuality("High"); }},
     {"mnuPopLQ",        [](Player& p) { p.SetQuality("Low"); }},
     {"mnuPopFullScreen", [](Player& p) { p.FullScreen(!p.isFullScreen()); }},
@@ -102,6 +114,18 @@ void connectMenuCommands(Player& player)
         player.menus().connectItem(command.item, [&player, run = command.run] {
             player.handled(texts::kPlaceMenu, [&] { run(player); });
         });
+    if (*core::kUpdateAddress == '\0') player.menus().item("mnuUpd").setVisible(false);
+    constexpr int kTenths = 10;
+    for (int tenth = 0; tenth < kTenths; ++tenth)
+        player.menus().connectItem(QString("mnuGoTo%1").arg(tenth), [&player, tenth] {
+            player.handled(texts::kPlaceMenu, [&] {
+                player.transport().goToTenth(tenth);
+                showNow(player);
+            });
+        });
+    for (const int speed : Transport::kSpeeds)
+        player.menus().connectItem(QString("mnuSpeed%1").arg(speed),
+                                   [&player, speed] { player.transport().setSpeed(speed); });
     for (int i = 0; i < settings::RecentList::kCapacity; ++i)
         player.menus().connectItem(QString("mnuMRU%1").arg(i), [&player, i] {
             player.handled(texts::kPlaceMenu,

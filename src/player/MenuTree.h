@@ -14,9 +14,16 @@ struct ItemInfo {
     const char* caption;
     /// Keys that are always the program's, separated by blanks: with Ctrl or Alt, function and media keys.
     const char* keys = "";
-    /// Keys that are the movie's while it listens to the keyboard, by themselves then and with Ctrl always.
+    /// Keys that are the movie's while it listens to the keyboard, by themselves then and with Ctrl always;
+    /// those behind a "!" without Ctrl.
     const char* plainKeys = "";
     const char* icon = ""; ///< file of the menu set
+};
+
+/// Items of the pop-up menu and those of the menu bar that do the same: the pop-up shows their keys.
+struct TwinInfo {
+    const char* item;
+    const char* of;
 };
 
 // clang-format off
@@ -54,9 +61,9 @@ inline constexpr ItemInfo kItems[] = {
     {ItemKind::Check,     "mnuQLvl5",       "Авто низкое"},
     {ItemKind::End,       "",               ""},
     {ItemKind::Menu,      "mnuZoom",        "Увеличение"},
-    {ItemKind::Command,   "mnuZoom50",      "50%",              "", "1"},
-    {ItemKind::Command,   "mnuZoom100",     "100%",             "", "2"},
-    {ItemKind::Command,   "mnuZoom200",     "200%",             "", "3"},
+    {ItemKind::Command,   "mnuZoom50",      "50%",              "Ctrl+1"},
+    {ItemKind::Command,   "mnuZoom100",     "100%",             "Ctrl+2"},
+    {ItemKind::Command,   "mnuZoom200",     "200%",             "Ctrl+3"},
     {ItemKind::End,       "",               ""},
     {ItemKind::Menu,      "mnuScale",       "Масштабирование"},
     {ItemKind::Check,     "mnuSMode0",      "Показ всего"},
@@ -83,8 +90,34 @@ inline constexpr ItemInfo kItems[] = {
                       "play.png"},
     {ItemKind::Command,   "mnuStop",        "Остановить",       "MediaStop", "Home"},
     {ItemKind::Separator, "mnuSep3",        "-"},
-    {ItemKind::Command,   "mnuFFwd",        "Кадр вперед",      "", "Right"},
-    {ItemKind::Command,   "mnuRwd",         "Кадр назад",       "", "Left"},
+    {ItemKind::Command,   "mnuFFwd",        "Кадр вперед",      "", "Right ."},
+    {ItemKind::Command,   "mnuRwd",         "Кадр назад",       "", "Left ,"},
+    {ItemKind::Menu,      "mnuGoTo",        "Перейти"},
+    {ItemKind::Command,   "mnuGoTo0",       "В начало",         "", "!0"},
+    {ItemKind::Command,   "mnuGoTo1",       "10%",              "", "!1"},
+    {ItemKind::Command,   "mnuGoTo2",       "20%",              "", "!2"},
+    {ItemKind::Command,   "mnuGoTo3",       "30%",              "", "!3"},
+    {ItemKind::Command,   "mnuGoTo4",       "40%",              "", "!4"},
+    {ItemKind::Command,   "mnuGoTo5",       "50%",              "", "!5"},
+    {ItemKind::Command,   "mnuGoTo6",       "60%",              "", "!6"},
+    {ItemKind::Command,   "mnuGoTo7",       "70%",              "", "!7"},
+    {ItemKind::Command,   "mnuGoTo8",       "80%",              "", "!8"},
+    {ItemKind::Command,   "mnuGoTo9",       "90%",              "", "!9"},
+    {ItemKind::End,       "",               ""},
+    {ItemKind::Command,   "mnuResume",      "Продолжить с места", "", "R"},
+    {ItemKind::Menu,      "mnuSpeed",       "Скорость"},
+    {ItemKind::Command,   "mnuSlower",      "Медленнее",        "", "["},
+    {ItemKind::Command,   "mnuFaster",      "Быстрее",          "", "]"},
+    {ItemKind::Separator, "mnuSep20",       "-"},
+    {ItemKind::Check,     "mnuSpeed25",     "25%"},
+    {ItemKind::Check,     "mnuSpeed50",     "50%"},
+    {ItemKind::Check,     "mnuSpeed75",     "75%"},
+    {ItemKind::Check,     "mnuSpeed100",    "100%",             "", "Backspace"},
+    {ItemKind::Check,     "mnuSpeed125",    "125%"},
+    {ItemKind::Check,     "mnuSpeed150",    "150%"},
+    {ItemKind::Check,     "mnuSpeed200",    "200%"},
+    {ItemKind::Check,     "mnuSpeed400",    "400%"},
+    {ItemKind::End,       "",               ""},
     {ItemKind::Separator, "mnuSep19",       "-"},
     {ItemKind::Command,   "mnuPrevious",    "Предыдущий ролик", "MediaPrevious", "PgUp"},
     {ItemKind::Command,   "mnuNext",        "Следующий ролик",  "MediaNext", "PgDown"},
@@ -94,6 +127,7 @@ inline constexpr ItemInfo kItems[] = {
     {ItemKind::Check,     "mnuMute",        "Выключить звук",   "", "M", "sound.png"},
     {ItemKind::Separator, "mnuSep7",        "-"},
     {ItemKind::Check,     "mnuLoop",        "Повтор",           "", "L"},
+    {ItemKind::Check,     "mnuRepeatAB",    "Повтор отрезка: начало здесь", "", "A"},
     {ItemKind::End,       "",               ""},
 
     {ItemKind::Menu,      "MenuTools",      "Сервис"},
@@ -107,6 +141,7 @@ inline constexpr ItemInfo kItems[] = {
 
     {ItemKind::Menu,      "MenuHelp",       "Справка"},
     {ItemKind::Command,   "mnuHelpMe",      "Вызов справки",    "F1", "", "help.png"},
+    {ItemKind::Command,   "mnuKeys",        "Сочетания клавиш", "Ctrl+F1"},
     {ItemKind::Separator, "mnuSep5",        "-"},
     {ItemKind::Command,   "mnuUpd",         "Проверка обновлений"},
     {ItemKind::Command,   "mnuWeb",         "",                 "", "", "web.png"},
@@ -136,6 +171,12 @@ inline constexpr ItemInfo kItems[] = {
     {ItemKind::Separator, "mnuSep15",       "-"},
     {ItemKind::Command,   "mnuPopExit",     "Выход"},
     {ItemKind::End,       "",               ""},
+};
+inline constexpr TwinInfo kTwins[] = {
+    {"mnuPopPlay", "mnuPlay"},   {"mnPopStop", "mnuStop"},      {"mnuPopMute", "mnuMute"},
+    {"mnuPopFullScreen", "mnuFullScreen"}, {"mnuPopBrowse", "mnuBrowse"}, {"mnuPopInfo", "mnuInfo"},
+    {"mnuPopOpen", "mnuOpen"},   {"mnuPopSaveAs", "mnuSaveAs"}, {"mnuPopClose", "mnuClose"},
+    {"mnuPopAbout", "mnuAbout"}, {"mnuPopExit", "mnuExit"},
 };
 // clang-format on
 

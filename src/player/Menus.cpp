@@ -24,6 +24,8 @@ Menus::Menus(QWidget* window)
     : QObject(window), m_bar(new ui::MenuBar(window)), m_popUp(new ui::Menu(m_set, {}, window))
 {
     build();
+    for (const TwinInfo& twin : kTwins) item(twin.item).setShortcutVisibleInContextMenu(true);
+    showTwinsKeys();
     m_bar->addShortcuts();
     item("mnuWeb").setText(core::kHomeAddress);
     item("mnuMRU0").setEnabled(false);
@@ -44,6 +46,7 @@ void Menus::build()
             break;
         }
         case ItemKind::PopUp:
+            watch(*m_popUp);
             open += m_popUp;
             action = m_popUp->menuAction();
             action->setText(info.caption);
@@ -69,6 +72,12 @@ void Menus::build()
     }
 }
 
+void Menus::showTwinsKeys()
+{
+    // They do nothing there: nobody looks for shortcuts in a menu that hangs on no window.
+    for (const TwinInfo& twin : kTwins) item(twin.item).setShortcuts(item(twin.of).shortcuts());
+}
+
 void Menus::watch(QMenu& menu) { connect(&menu, &QMenu::aboutToShow, this, &Menus::refreshShortcuts); }
 
 void Menus::refreshShortcuts()
@@ -79,6 +88,7 @@ void Menus::refreshShortcuts()
     for (const ItemInfo& info : kItems)
         if (*info.plainKeys != '\0')
             item(info.name).setShortcuts(shortcutsOf(info.keys, info.plainKeys, plain));
+    showTwinsKeys();
 }
 
 QAction& Menus::item(const QString& name) const

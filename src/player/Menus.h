@@ -50,6 +50,7 @@ public:
 private:
     void build();
     void watch(QMenu& menu);
+    void showTwinsKeys();
 
     ui::MenuSet m_set; // before the menus, which refer to it
     ui::MenuBar* m_bar;

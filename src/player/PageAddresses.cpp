@@ -2,6 +2,7 @@
 
 #include "core/Application.h"
 #include "core/Version.h"
+#include "media/CacheName.h"
 #include "media/UrlEncode.h"
 
 #include <QDir>
@@ -15,6 +16,35 @@ QString welcomePage(const core::Application& application, const QString& error, 
 {
     return application.GadgetsPath + "welcome.swf?version=" + core::GetAppVersion() +
            "&error=" + media::URLEncode(error) + "&noanim=" + noAnimation;
+}
+
+QString moviesForPage(const core::Application& application, const QStringList& recent)
+{
+    constexpr int kMost = 4;
+    QStringList movies;
+    for (const QString& path : recent)
+        if (movies.size() < kMost && core::fileExists(path)) movies += path;
+    const auto own = static_cast<int>(movies.size());
+    const QDir samples(application.AppPath + "media/samples");
+    for (const QFileInfo& sample : samples.entryInfoList({"*.swf"}, QDir::Files, QDir::Name))
+        if (movies.size() < kMost && !movies.contains(sample.filePath())) movies += sample.filePath();
+    QString query = "&recent=" + QString::number(own);
+    if (*core::kUpdateAddress == '\0') query += "&noupdate=1";
+    const auto encoded = [](const QString& text) {
+        return QString::fromLatin1(QUrl::toPercentEncoding(text));
+    };
+    for (int i = 0; i < movies.size(); ++i) {
+        query += QString("&movie%1=").arg(i + 1) + encoded(movies[i]);
+        const QString picture = application.CachePath + media::CacheName(movies[i], ".jpg");
+        if (core::fileExists(picture)) query += QString("&shot%1=").arg(i + 1) + encoded(picture);
+    }
+    return query;
+}
+
+QString failureForPage(const QString& file)
+{
+    return (*core::kUpdateAddress == '\0' ? QString("&noupdate=1") : QString()) +
+           (file.isEmpty() ? QString() : "&file=" + QString::fromLatin1(QUrl::toPercentEncoding(file)));
 }
 
 QString aboutPage(const core::Application& application, const QString& greetings, const QString& thanks,

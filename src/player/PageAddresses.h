@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace core
 {
@@ -29,5 +30,11 @@ QString filePartOf(const QString& address);
 
 /// Whether a file lies in a folder or below it, links and ".." resolved. What does not exist lies nowhere.
 bool liesWithin(const QString& file, const QString& folder);
+
+/// What goes behind welcomePage(): up to four movies to be opened again, with their pictures where there are
+/// some, and samples of the program's where there are fewer.
+QString moviesForPage(const core::Application& application, const QStringList& recent);
+/// The same when something went wrong. @param file name of the file that could not be opened
+QString failureForPage(const QString& file);
 
 } // namespace player

@@ -1,5 +1,6 @@
 #include "player/Placement.h"
 
+#include "core/Version.h"
 #include "platform/WindowSystem.h"
 #include "player/ControlBar.h"
 #include "player/Menus.h"
@@ -7,8 +8,12 @@
 #include "player/SkinWindow.h"
 #include "player/WindowFlags.h"
 
+#include <QComboBox>
 #include <QCoreApplication>
+#include <QDir>
+#include <QGuiApplication>
 #include <QLayout>
+#include <QLineEdit>
 #include <QResizeEvent>
 #include <QScreen>
 
@@ -66,16 +71,49 @@ void Placement::ZoomFlash(int percent, quint8 repeats)
     if (repeats > 0) ZoomFlash(percent, repeats - 1);
 }
 
-void Placement::FullScreen(bool on)
+std::optional<int> Placement::zoomStep(int direction)
 {
-    if (on == m_menus.isChecked("mnuFullScreen")) return;
-    const bool wasShown = m_window.isVisible();
+    constexpr int kSteps[] = {25, 50, 75, 100, 125, 150, 200, 300, 400};
+    if (isFull() || m_window.isMaximized() || m_movie.Width <= 0) return std::nullopt;
+    const double now = 100.0 * m_movieScreen.widget().width() / m_movie.Width;
+    int wanted = 0;
+    for (const int step : kSteps) {
+        if (direction > 0 && step > now + 1) {
+            wanted = step;
+            break;
+        }
+        if (direction < 0 && step < now - 1) wanted = step;
+    }
+    if (wanted == 0) return std::nullopt;
+    const QSize before = m_window.size();
+    ZoomFlash(wanted, 2);
+    if (m_window.size() == before) return std::nullopt; // the least size, or the screen's
+    return wanted;
+}
+
+void Placement::refreshZoomItems()
+{
+    const bool zooms = isFull() || !m_window.isMaximized();
+    for (const char* name : {"mnuZoom50", "mnuZoom100", "mnuZoom200"}) m_menus.item(name).setEnabled(zooms);
+}
+
+bool Placement::isFull() const { return m_menus.isChecked("mnuFullScreen"); }
+
+void Placement::switchFullScreen(bool on)
+{
     SetWindowFrame(!on);
     m_menus.setChecked("mnuFullScreen", on);
     m_menus.setChecked("mnuPopFullScreen", on);
     showBars();
     if (m_skinWindow.skin().isLoaded()) m_skinWindow.skin().SetSkinView(on ? "viewFullScreen" : "viewNormal");
     m_skinWindow.UpdateRegion(true);
+}
+
+void Placement::FullScreen(bool on)
+{
+    if (on == isFull()) return;
+    const bool wasShown = m_window.isVisible();
+    switchFullScreen(on);
     if (!wasShown) return;
     if (on) {
         fillScreen();
@@ -83,10 +121,59 @@ void Placement::FullScreen(bool on)
         m_window.showNormal();
         if (m_normalGeometry.isValid()) m_window.setGeometry(m_normalGeometry);
     }
-    m_movieScreen.setFocus();
+    giveMovieKeyboard();
 }
 
-void Placement::show() { m_menus.isChecked("mnuFullScreen") ? fillScreen() : m_window.show(); }
+/// Who types into the window goes on typing.
+void Placement::giveMovieKeyboard()
+{
+    if (qobject_cast<QLineEdit*>(m_window.focusWidget()) == nullptr &&
+        qobject_cast<QComboBox*>(m_window.focusWidget()) == nullptr)
+        m_movieScreen.setFocus();
+}
+
+void Placement::followFullScreen(bool on)
+{
+    if (on == isFull()) return;
+    switchFullScreen(on);
+    // What it was before is known to who has changed it, and given back by him.
+    m_normalGeometry = {};
+    giveMovieKeyboard();
+}
+
+void Placement::show()
+{
+    const bool wasMaximised = takeRememberedPlace();
+    if (isFull()) return fillScreen();
+    wasMaximised ? m_window.showMaximized() : m_window.show();
+}
+
+QString Placement::place() const
+{
+    if (!platform::letsWindowsPlaceThemselves() || m_window.pos().isNull()) return m_place;
+    const QPoint corner =
+        isFull() || m_window.isMaximized()
+            ? (m_normalGeometry.isValid() ? m_normalGeometry : m_window.normalGeometry()).topLeft()
+            : m_window.pos();
+    return QString("%1,%2,%3").arg(corner.x()).arg(corner.y()).arg(m_window.isMaximized() ? 2 : 0);
+}
+
+bool Placement::takeRememberedPlace()
+{
+    const QStringList parts = m_place.split(',');
+    if (parts.size() != 3) return false;
+    const QPoint corner(parts[0].toInt(), parts[1].toInt());
+    // A screen that is gone would hide the window; one whose title can be reached will do.
+    constexpr QSize kReachable{120, 40};
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect seen = screen->availableGeometry().intersected(QRect(corner, m_window.size()));
+        if (seen.width() < kReachable.width() || seen.height() < kReachable.height()) continue;
+        if (corner.y() < screen->availableGeometry().top()) continue;
+        m_window.move(corner);
+        break;
+    }
+    return parts[2].toInt() == 2;
+}
 
 void Placement::showBars()
 {
@@ -111,10 +198,27 @@ void Placement::SetWindowFrame(bool show)
 
 void Placement::SetCaption(const QString& text)
 {
-    if (m_menus.isChecked("mnuFullScreen"))
-        m_savedCaption = text;
+    m_caption = text;
+    if (isFull())
+        m_savedCaption = shortCaption(text);
     else
-        m_window.setWindowTitle(text);
+        m_window.setWindowTitle(shortCaption(text));
+}
+
+QString Placement::shownCaption() const { return shortCaption(m_caption); }
+
+QString shortCaption(const QString& caption)
+{
+    constexpr qsizetype kLongest = 72;
+    const QString start = QString(core::kProductName) + " - ";
+    if (!caption.startsWith(start)) return caption;
+    QString name = caption.mid(start.size());
+    if (QDir::isAbsolutePath(name)) name = name.mid(name.lastIndexOf(QDir::separator()) + 1);
+    if (name.size() > kLongest) {
+        constexpr qsizetype kHalf = kLongest / 2;
+        name = name.left(kHalf) + u'…' + name.right(kHalf - 1);
+    }
+    return start + name;
 }
 
 void Placement::ZoomWindow(int mode)

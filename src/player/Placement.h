@@ -6,6 +6,8 @@
 #include <QRect>
 #include <QString>
 
+#include <optional>
+
 class QWidget;
 
 namespace player
@@ -18,6 +20,9 @@ namespace player
 /// @param borders pixels between the window's edge and the movie
 /// @param minimum pixels
 QSize zoomedSize(int percent, QSize movie, QMargins borders, QSize minimum);
+
+/// A window's title in short: of a path its file's name, cut in the middle when it is long.
+QString shortCaption(const QString& caption);
 
 class ControlBar;
 class Menus;
@@ -50,6 +55,21 @@ public:
     void setTopMost(bool on);
     /// What a skin allows; a size of 0 is the window's own.
     void setMinimumSize(QSize pixels);
+    /// Follows a window that somebody else has made fill the screen, or taken out of that.
+    void followFullScreen(bool on);
+    /// What SetCaption() was given; empty in full screen. The window shows it in short.
+    [[nodiscard]] QString caption() const { return isFull() ? QString() : m_caption; }
+    /// What is shown of the caption, full screen or not.
+    [[nodiscard]] QString shownCaption() const;
+    /// To the next size of the usual ones, up or down. @returns the percentage reached; nothing when the
+    /// window takes none
+    std::optional<int> zoomStep(int direction);
+    /// Greys the zoom where it does nothing.
+    void refreshZoomItems();
+    /// Where the window stands, "left,top,state"; empty where the desktop does not tell.
+    [[nodiscard]] QString place() const;
+    /// Puts the window there when it is shown, if a screen is there.
+    void setPlace(const QString& place) { m_place = place; }
     /// Shows the window for the first time, full screen when a movie has asked for it by now.
     void show();
     /// Shows menu bar and control bar as full screen, menu mark and skin ask.
@@ -58,6 +78,11 @@ public:
 private:
     void SetWindowFrame(bool show);
     void fillScreen();
+    [[nodiscard]] bool isFull() const;
+    void switchFullScreen(bool on);
+    void giveMovieKeyboard();
+    /// @returns whether the window was maximised
+    bool takeRememberedPlace();
 
     QWidget& m_window;
     Menus& m_menus;
@@ -65,7 +90,8 @@ private:
     SkinWindow& m_skinWindow;
     MovieScreen& m_movieScreen;
     const media::MediaInfo& m_movie;
-    QString m_savedCaption;
+    QString m_caption, m_savedCaption; ///< whole; as shown
+    QString m_place;
     QRect m_normalGeometry; ///< the window's place before it filled the screen
 };
 

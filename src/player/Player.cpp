@@ -5,6 +5,7 @@
 #include "flash/FlashControl.h"
 #include "platform/Shell.h"
 #include "platform/TerminationSignal.h"
+#include "platform/UserFolders.h"
 #include "player/Cache.h"
 #include "player/ControlBar.h"
 #include "player/Glyph.h"
@@ -65,6 +66,9 @@ Player::Player(core::Application& application, const QString& commandLine)
     : m_application(application), m_client(new QWidget(this)), m_movieScreen(*m_client, *this),
       m_bar(new ControlBar(this)), m_menus(this), m_media(application, *this),
       m_playback(control(), m_menus, application.GadgetsPath),
+      m_transport(
+          control(), m_menus,
+          {[this](const QString& text) { tell(text); }, [this](int frames) { return GetTime(frames); }}),
       m_timer(*this, m_movieScreen, m_menus, m_playback, m_status, mediaInfo(), m_isMovieLimited),
       m_skinWindow(application, *this, *this, m_menus, *m_client, m_movieScreen.widget(), control()),
       m_placement(*this, m_menus, *m_bar, m_skinWindow, m_movieScreen, mediaInfo()), m_drag(this),
@@ -93,6 +97,7 @@ Player::Player(core::Application& application, const QString& commandLine)
     connectBar();
     connectMenuCommands(*this);
     connectControl();
+    connectKeys();
     // What holds when there are no settings to read.
     SetQuality("High");
     SetScaleMode(0);
@@ -205,6 +210,15 @@ void Player::ReportError(const base::Failure& error, const QString& place, const
     core::ReportError(m_application, *this, error, place, detail);
 }
 
+void Player::noteError(const base::Failure& error, const QString& place)
+{
+    try {
+        core::LogError(m_application, error, place, {});
+    } catch (const base::Failure&) {
+        // Who asked is told all the same.
+    }
+}
+
 void Player::logQuietly(const QString& text)
 {
     try {
@@ -235,6 +249,7 @@ void Player::UpdateInfo()
     const flash::FlashControl& movie = control();
     m_bar->show({m_status.statusText, InfoText(), hasMovie, hasMovie && movie.Playing(), m_playback.isMuted(),
                  movie.FrameNum(), movie.TotalFrames()});
+    tellDesktop();
     m_skinWindow.skin().runInfoUpdate();
 }
 
@@ -244,9 +259,10 @@ bool Player::HasMovie() const { return m_movieScreen.showsControl() && !m_isOwnP
 
 void Player::refreshMovieCommands()
 {
-    for (const char* name : {"mnuSaveAs", "mnuPopSaveAs", "mnuSaveVideo", "mnuSaveFrame", "mnuCopyFrame",
-                             "mnuClose", "mnuPopClose", "mnuCompress", "mnuPlay", "mnuStop", "mnuFFwd",
-                             "mnuRwd", "mnuPrevious", "mnuNext", "mnuPopPlay", "mnPopStop"})
+    for (const char* name :
+         {"mnuSaveAs", "mnuPopSaveAs", "mnuSaveVideo", "mnuSaveFrame", "mnuCopyFrame", "mnuClose",
+          "mnuPopClose", "mnuCompress", "mnuPlay", "mnuStop", "mnuFFwd", "mnuRwd", "mnuGoTo", "mnuSpeed",
+          "mnuRepeatAB", "mnuPrevious", "mnuNext", "mnuPopPlay", "mnPopStop"})
         m_menus.item(name).setEnabled(HasMovie());
 }
 
@@ -306,7 +322,16 @@ void Player::LoadMovie(int layer, const QString& url)
             for (const char* name : {"mnuClose", "mnuPopClose"}) m_menus.item(name).setEnabled(true);
         }
     }
-    if (layer == 0) m_isMovieLimited = false;
+    if (layer == 0) {
+        keepPicture();
+        keepPlace();
+        m_shownMovie.clear();
+        m_resumeFrame.reset();
+        ResumeOffer::take(*this);
+        m_isMovieLimited = false;
+        m_transport.movieOpened();
+        m_isPressedSinceOpened = false;
+    }
     try {
         m_movieScreen.LoadMovie(layer, url);
     } catch (const base::Failure&) {
@@ -330,10 +355,18 @@ void Player::onMediaChange()
     // The first frame's figures are shown at once, not with the next tick.
     m_status.update(control().FrameNum(), control().TotalFrames(), mediaInfo().FrameRate);
     UpdateInfo();
+    m_shownMovie = currentMovie();
+    offerToResume();
     m_skinWindow.skin().runMediaChange();
 }
 
 void Player::showNote(const QString& text) { ScreenNote::show(*this, text); }
+
+void Player::tell(const QString& text)
+{
+    constexpr int kMomentMs = 1200;
+    ScreenNote::show(*this, text, kMomentMs);
+}
 
 void Player::mnuCompress_Click()
 {
@@ -369,6 +402,9 @@ void Player::mnuClearCache_Click()
 void Player::LoadOpts()
 {
     m_settings.LoadOpts();
+    // The folder of a program that is installed for all holds nothing of the user's.
+    if (options().search == m_application.AppPath && m_application.SettingsPath != m_application.AppPath)
+        options().search = platform::userMediaFolder();
     if (!options().search.isEmpty()) m_browserState.folder = options().search;
     m_browserState.page = options().lastPage;
 }
@@ -377,6 +413,7 @@ bool Player::SaveOpts()
 {
     options().search = m_browserState.folder;
     options().lastPage = m_browserState.page;
+    keepPlace();
     return m_settings.SaveOpts();
 }
 
@@ -414,7 +451,15 @@ void Player::paintEvent(QPaintEvent*)
     m_skinWindow.paintGround(painter);
 }
 
-void Player::contextMenuEvent(QContextMenuEvent*) { ShowPopUp(); }
+bool Player::isOfFormerMovie(const QEvent& event)
+{
+    switch (event.type()) {
+    case QEvent::MouseButtonPress: m_isPressedSinceOpened = true; return false;
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease: return !m_isPressedSinceOpened;
+    default: return false;
+    }
+}
 
 bool Player::eventFilter(QObject* watched, QEvent* event)
 {
@@ -427,6 +472,8 @@ bool Player::eventFilter(QObject* watched, QEvent* event)
         event->accept();
         return true;
     }
+    // The second press of a double click that has opened this movie meant what was there before.
+    if (watched == &control() && isOfFormerMovie(*event)) return true;
     // The movie has the keyboard, but for the key that leaves full screen.
     if (event->type() == QEvent::KeyPress && isFullScreen() &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {

@@ -3,6 +3,8 @@
 #include "browser/MediaBrowser.h"
 #include "core/ErrorReport.h"
 #include "media/MediaFiles.h"
+#include "platform/MediaSession.h"
+#include "platform/ScreenAwake.h"
 #include "player/Console.h"
 #include "player/FilmExport.h"
 #include "player/Lifecycle.h"
@@ -19,12 +21,15 @@
 #include "player/Playback.h"
 #include "player/PlayerHost.h"
 #include "player/PlayerSettings.h"
+#include "player/Resume.h"
 #include "player/SkinWindow.h"
 #include "player/Status.h"
 #include "player/StatusTimer.h"
+#include "player/Transport.h"
 #include "player/WindowDrag.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -45,6 +50,7 @@ class Player : public QWidget,
                public MovieListHost,
                public browser::BrowserHost,
                public LifecycleHost,
+               public platform::MediaSessionHost,
                public SkinWindowHost
 {
     Q_OBJECT
@@ -57,7 +63,8 @@ class Player : public QWidget,
     Q_PROPERTY(double Width READ Width WRITE setWidth)
     Q_PROPERTY(double Height READ Height WRITE setHeight)
     Q_PROPERTY(int WindowState READ WindowState WRITE setWindowStateNumber)
-    Q_PROPERTY(QString Caption READ windowTitle WRITE SetCaption)
+    Q_PROPERTY(QString Caption READ Caption WRITE SetCaption)
+    Q_PROPERTY(QString Title READ Title)
     Q_PROPERTY(QString StatusText READ StatusText)
     Q_PROPERTY(QString InfoText READ InfoText)
     Q_PROPERTY(QString MediaTitle READ mediaTitle)
@@ -125,6 +132,9 @@ public:
     Q_INVOKABLE QString FitText(const QString& text, int widthPixels) const;
     Q_INVOKABLE void SetStatus(const QString& text) override;
     Q_INVOKABLE void SetCaption(const QString& text) override { m_placement.SetCaption(text); }
+    [[nodiscard]] QString Caption() const { return m_placement.caption(); }
+    /// The caption in short, as the window's title has it; of a path its file's name.
+    [[nodiscard]] QString Title() const { return m_placement.shownCaption(); }
     /// Whether the movie went beyond what it may use, and something of it was not done.
     [[nodiscard]] bool isMovieLimited() const { return m_isMovieLimited; }
     [[nodiscard]] QString StatusText() const override { return m_status.statusText; }
@@ -163,8 +173,11 @@ public:
     void setTop(double twips) { move(x(), toPixels(twips)); }
     void setWidth(double twips);
     void setHeight(double twips);
-    /// 0 normal, 1 minimised, 2 maximised
-    [[nodiscard]] int WindowState() const { return isMinimized() ? 1 : isMaximized() ? 2 : 0; }
+    /// 0 normal, 1 minimised, 2 maximised or full screen
+    [[nodiscard]] int WindowState() const
+    {
+        return isMinimized() ? 1 : isMaximized() || QWidget::isFullScreen() ? 2 : 0;
+    }
     void setWindowStateNumber(int state);
 
     // Skin
@@ -188,6 +201,7 @@ public:
 
     Q_INVOKABLE void WebUpdate();
     Q_INVOKABLE void About();
+    void showKeys();
     void mnuWeb_Click();
     Q_INVOKABLE void BrowseMedia() override;
     Q_INVOKABLE void Properties();
@@ -227,9 +241,28 @@ public:
     void setMediaInfoEnabled(bool enabled) override;
     void reapplySound() override { SetSound(m_playback.volume(), m_playback.pan()); }
     void setCompressCaption(const QString& caption) override { m_menus.item("mnuCompress").setText(caption); }
+    void resume();
+    void setFailedFile(const QString& path) override { m_failedFile = path; }
+    [[nodiscard]] QString takeFailedFile() override { return std::exchange(m_failedFile, {}); }
     void setMediaTitle(const QString& title) override { m_mediaTitle = title; }
     void AddRecent(const QString& path) override { m_settings.AddRecent(path); }
     void onMediaChange() override;
+
+    // What the desktop asks for
+    [[nodiscard]] platform::MediaState mediaState() const override;
+    void sessionPlay() override;
+    void sessionPause() override;
+    void sessionPlayPause() override;
+    void sessionStop() override;
+    void sessionWalk(int step) override;
+    void sessionSeek(qint64 positionUs) override;
+    void sessionSetVolume(double volume) override;
+    void sessionSetLoop(bool loops) override;
+    void sessionSetRate(double rate) override;
+    void sessionSetFullScreen(bool on) override { FullScreen(on); }
+    void sessionRaise() override;
+    void sessionQuit() override;
+    void sessionOpen(const QString& path) override;
 
     // What the list of movies asks for
     [[nodiscard]] QString currentMovie() const override
@@ -238,9 +271,13 @@ public:
     }
     [[nodiscard]] bool isProjector(const QString& path) const override { return media::holdsMovie(path); }
     void showNote(const QString& text) override;
+    /// A word on screen, for a moment only.
+    void tell(const QString& text);
 
     // Errors
     void ReportError(const base::Failure& error, const QString& place, const QString& detail) override;
+    void noteError(const base::Failure& error, const QString& place) override;
+    [[nodiscard]] QString settingsFolder() const override { return m_application.SettingsPath; }
     [[nodiscard]] bool updateTimerEnabled() const override { return m_timer.isEnabled(); }
     QWidget* errorParent() override { return this; }
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
@@ -261,6 +298,7 @@ public:
     [[nodiscard]] Menus& menus() { return m_menus; }
     [[nodiscard]] ControlBar& bar() { return *m_bar; }
     [[nodiscard]] Playback& playback() { return m_playback; }
+    [[nodiscard]] Transport& transport() { return m_transport; }
     [[nodiscard]] Status& status() { return m_status; }
     [[nodiscard]] StatusTimer& timer() { return m_timer; }
     [[nodiscard]] SkinWindow& skinWindow() { return m_skinWindow; }
@@ -272,6 +310,7 @@ public:
     void refreshMovieCommands() override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -286,6 +325,16 @@ private:
     void buildWindow();
     void connectBar();
     void connectControl();
+    void connectKeys();
+    void joinDesktop() override;
+    void tellDesktop();
+    void sessionLater(const char* place, std::function<void()> action);
+    /// Full screen and maximised may be set from outside; says so to whoever shows it.
+    void followWindow();
+    /// Near the window's upper left corner, for who has asked by the keyboard.
+    [[nodiscard]] QPoint menuCorner() const;
+    void showPopUpAt(QPoint place);
+    void showMenuAt(QPoint place);
     /// Opens what the program itself names, and says so when the system has nothing for it.
     void openKnown(const QUrl& url);
     /// Whose command is on its way here.
@@ -293,6 +342,11 @@ private:
     /// Puts off what would pull the ground from under a script that is running.
     /// @returns whether it was put off
     bool isPutOff(const std::function<void()>& action);
+    /// Leaves a picture of the movie that is about to go in the cache, unless there is one.
+    void keepPicture();
+    void keepPlace();
+    void offerToResume();
+    bool isOfFormerMovie(const QEvent& event);
     /// Asked by the movie's scripts every few milliseconds. @returns whether they are to end
     bool endsScripts();
     bool isSlowScriptToEnd();
@@ -306,11 +360,13 @@ private:
     Menus m_menus;
     media::MediaFiles m_media;
     Playback m_playback;
+    Transport m_transport;
     Status m_status;
     StatusTimer m_timer;
     SkinWindow m_skinWindow;
     Placement m_placement;
     WindowDrag m_drag;
+    QTimer m_windowSettles; ///< the window system tells of a change in several steps
     PlayerSettings m_settings;
     browser::BrowserState m_browserState;
     browser::MediaBrowser m_browser;
@@ -326,10 +382,15 @@ private:
     qint64 m_pumpedAtMs = 0;                   ///< of the time that the script at work has taken
     bool m_endsScripts = false;                ///< something waits for the movie's script to end
     Lifecycle m_lifecycle;
+    platform::MediaSession m_session{*this};
+    platform::ScreenAwake m_awake;
     Console* m_console = nullptr;
     bool m_hasVisual = false; ///< SetVisual has run
-    QString m_mediaTitle;
+    QString m_mediaTitle, m_failedFile;
+    QString m_shownMovie; ///< path of the user's movie that the control holds; empty when it is none
+    std::optional<int> m_resumeFrame; ///< where that movie was left the last time
     bool m_isMovieLimited = false;
+    bool m_isPressedSinceOpened = false; ///< the pointer's button, over the movie that is shown now
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages
 };
 

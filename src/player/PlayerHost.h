@@ -24,6 +24,10 @@ public:
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
     virtual void handled(const char* place, const std::function<void()>& procedure) = 0;
     virtual void ReportError(const base::Failure& error, const QString& place, const QString& detail) = 0;
+    /// Writes an error to the journal as ReportError() does, and shows nothing.
+    virtual void noteError(const base::Failure& error, const QString& place) = 0;
+    /// Where what is kept between runs lies, with its closing separator.
+    [[nodiscard]] virtual QString settingsFolder() const = 0;
     /// Where no exception may pass. What cannot be logged is lost.
     virtual void logQuietly(const QString& text) = 0;
     /// Whether the program is on its way out; dialogs return into it.
@@ -58,6 +62,10 @@ public:
     [[nodiscard]] virtual bool isFullScreen() const = 0;
     virtual void setMediaInfoEnabled(bool enabled) = 0;
     virtual void refreshMovieCommands() = 0;
+    /// @returns which file could not be opened; empty when none was, or it was told
+    [[nodiscard]] virtual QString takeFailedFile() = 0;
+    /// Shows the program to the desktop's controls for players.
+    virtual void joinDesktop() = 0;
 };
 
 } // namespace player

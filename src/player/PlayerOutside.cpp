@@ -30,7 +30,7 @@ constexpr qint64 kShowPatienceMs = 1000;
 void Player::openHelp() { openKnown(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); }
 void Player::WebUpdate()
 {
-    if (!isUnbidden()) openKnown(QUrl(core::kUpdateAddress));
+    if (*core::kUpdateAddress != '\0' && !isUnbidden()) openKnown(QUrl(core::kUpdateAddress));
 }
 
 void Player::BrowseMedia()
@@ -150,6 +150,7 @@ PageOutcome Player::helpWanted()
 
 PageOutcome Player::updateWanted()
 {
+    if (*core::kUpdateAddress == '\0') return PageOutcome::Done;
     if (!isOwnPage()) return openOutside(core::kUpdateAddress);
     WebUpdate();
     return PageOutcome::Done;

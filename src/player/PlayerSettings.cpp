@@ -47,6 +47,7 @@ void PlayerSettings::LoadOpts()
     m_places.playback.SetScaleMode(m_options.scaleMode);
     m_places.skinWindow.selectSkin(m_options.skin);
     m_places.placement.setTopMost(m_options.topMost);
+    m_places.placement.setPlace(m_options.place);
     if (menus.isChecked("mnuMenuBar") != m_options.menuBar) m_places.placement.ToggleMenu();
     control.setLoop(m_options.repeat);
     menus.setChecked("mnuLoop", m_options.repeat);
@@ -67,6 +68,7 @@ void PlayerSettings::gather()
     m_options.topMost = menus.isChecked("mnuTopMost");
     m_options.menuBar = menus.isChecked("mnuMenuBar");
     m_options.repeat = menus.isChecked("mnuLoop");
+    m_options.place = m_places.placement.place();
     // Muting is never saved as silence.
     m_options.volume =
         static_cast<quint8>(playback.isMuted() ? playback.rememberedVolume() : playback.volume());

@@ -1,5 +1,7 @@
 #include "player/Shortcuts.h"
 
+#include "ui/Mnemonics.h"
+
 #include <QKeyEvent>
 
 namespace player
@@ -29,6 +31,16 @@ QStringList namesIn(const QString& list) { return list.split(' ', Qt::SkipEmptyP
 
 } // namespace
 
+QKeySequence inOtherLayout(const QKeySequence& keys)
+{
+    const QString name = keys.toString(QKeySequence::PortableText);
+    const auto plus = name.lastIndexOf('+', -2);
+    const QString key = name.mid(plus + 1);
+    if (key.size() != 1) return {};
+    const QChar twin = ui::otherLayout(key.at(0));
+    return twin.isNull() ? QKeySequence() : QKeySequence(name.left(plus + 1) + twin);
+}
+
 QList<QKeySequence> shortcutsOf(const QString& keys, const QString& plainKeys, bool plainFirst)
 {
     QList<QKeySequence> always;
@@ -38,8 +50,9 @@ QList<QKeySequence> shortcutsOf(const QString& keys, const QString& plainKeys, b
     const auto firstOfPlain = plainKeys.isEmpty() || !keys.startsWith("Media") ? always.size() : 0;
     QList<QKeySequence> withControl;
     for (const QString& name : namesIn(plainKeys)) {
-        plain += namedKey(name);
-        withControl += namedKey("Ctrl+" + name);
+        const bool isPlainOnly = name.size() > 1 && name.startsWith('!');
+        plain += namedKey(isPlainOnly ? name.mid(1) : name);
+        if (!isPlainOnly) withControl += namedKey("Ctrl+" + name);
     }
     const QList<QKeySequence> both = plainFirst ? plain + withControl : withControl + plain;
     return always.mid(0, firstOfPlain) + both + always.mid(firstOfPlain);

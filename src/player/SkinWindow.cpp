@@ -9,6 +9,7 @@
 #include "platform/WindowSystem.h"
 #include "player/Console.h"
 #include "player/Menus.h"
+#include "player/SizingFrame.h"
 #include "player/Texts.h"
 #include "player/WindowFlags.h"
 #include "skin/Catalogue.h"
@@ -52,7 +53,7 @@ SkinWindow::SkinWindow(core::Application& application, SkinWindowHost& host, QWi
                        QWidget& client, skin::SkinControl& movie, flash::FlashControl& control)
     : m_application(application), m_host(host), m_window(window), m_menus(menus), m_client(client),
       m_movie(movie), m_waitScreen(new skin::WaitScreen(&client)), m_shapeEdge(new skin::ShapeEdge(&client)),
-      m_skin(*this, this)
+      m_sizing(new SizingFrame(client)), m_skin(*this, this)
 {
     // What a window is made of is settled when it is made, so this cannot wait for a skin with a shape.
     window.setAttribute(Qt::WA_TranslucentBackground, platform::hasPerPixelTransparency());
@@ -72,6 +73,10 @@ SkinWindow::SkinWindow(core::Application& application, SkinWindowHost& host, QWi
     connect(qApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) { m_skin.setActive(state == Qt::ApplicationActive); });
     connect(&m_skin, &skin::Skin::userActed, this, [this] { m_wishes = 0; });
+    // A skin that was put into its folder meanwhile is there without a new start.
+    connect(m_menus.item("MenuView").menu(), &QMenu::aboutToShow, this, [this] {
+        if (!m_skin.isBusy() && !m_isSwitching) EnumSkins();
+    });
     m_menus.item("mnuSkin").setVisible(false);
     m_menus.item("mnuSep8").setVisible(false);
 }
@@ -177,6 +182,7 @@ void SkinWindow::ShowWaitScreen()
 
 void SkinWindow::UpdateRegion(bool force)
 {
+    const auto end = qScopeGuard([this] { m_sizing->refresh(); });
     if (isFullScreen()) return setShape({});
     if (!m_skin.isShown() || m_menus.isChecked("mnuMenuBar")) {
         if (!force && m_skin.isShown()) return;

@@ -35,6 +35,7 @@ public:
     virtual void ShowPopUp() = 0;
 };
 class Menus;
+class SizingFrame;
 
 /// A menu item as scripts know it.
 class MenuItem : public QObject
@@ -79,6 +80,7 @@ public:
 
     [[nodiscard]] skin::Skin& skin() { return m_skin; }
     [[nodiscard]] bool isShown() const { return m_skin.isShown(); }
+    [[nodiscard]] SizingFrame& sizingFrame() { return *m_sizing; }
 
     [[nodiscard]] const QString& selectedSkin() const { return m_selected; }
     /// Takes effect with EnumSkins.
@@ -137,6 +139,7 @@ private:
     skin::SkinControl& m_movie;
     skin::WaitScreen* m_waitScreen;
     skin::ShapeEdge* m_shapeEdge;
+    SizingFrame* m_sizing;
     skin::Skin m_skin;
     QStringList m_skins;
     QString m_selected = "default";

@@ -71,6 +71,7 @@ inline constexpr const char* kNotAnsweringClose = "Закрыть ролик";
 inline constexpr const char* kOpenAgain        = "Ролик «%1» только что дважды завершился с ошибкой. Открыть его ещё "
                                                  "раз?";
 inline constexpr const char* kHowToLeave       = "Чтобы выйти из полноэкранного режима, нажмите Esc";
+inline constexpr const char* kFailedFile      = "«%1»: %2";
 inline constexpr const char* kMovieDamaged     = "Ролик повреждён, показать его нельзя";
 
 inline constexpr const char* kWelcomeCaption   = "Экран приветствия";
@@ -87,6 +88,41 @@ inline constexpr const char* kTipOpen          = "Открыть файл";
 inline constexpr const char* kTipMute          = "Выключить или включить звук";
 inline constexpr const char* kTipFullScreen    = "Во весь экран";
 inline constexpr const char* kTipTime          = "Щёлкните, чтобы сменить вид счётчика";
+
+inline constexpr const char* kPlaceOf         = "%1 из %2";
+inline constexpr const char* kResumeOffer     = "Продолжить с места: %1";
+inline constexpr const char* kSpeedIs         = "Скорость: %1 %";
+inline constexpr const char* kSectionFrom     = "Отрезок с %1. Нажмите A ещё раз там, где он кончается";
+inline constexpr const char* kSectionIs       = "Повтор отрезка %1 - %2";
+inline constexpr const char* kSectionOff      = "Повтор отрезка снят";
+inline constexpr const char* kMenuSectionFrom = "Повтор отрезка: начало здесь";
+inline constexpr const char* kMenuSectionTo   = "Повтор отрезка: конец здесь";
+inline constexpr const char* kMenuSectionOff  = "Снять повтор отрезка";
+inline constexpr const char* kVolumeIs        = "Громкость: %1 %";
+inline constexpr const char* kSoundOff        = "Звук выключен";
+inline constexpr const char* kAwakeReason     = "Ролик идёт во весь экран";
+inline constexpr const char* kZoomIs          = "Масштаб: %1 %";
+
+inline constexpr const char* kKeysTitle       = "Сочетания клавиш";
+inline constexpr const char* kKeysWhat        = "Действие";
+inline constexpr const char* kKeysWhich       = "Клавиши";
+inline constexpr const char* kKeysOr          = " или ";
+inline constexpr const char* kKeysWindow      = "Окно";
+inline constexpr const char* kKeysClose       = "Закрыть";
+inline constexpr const char* kKeysNote        = "Если ролик сам слушает клавиатуру, клавиши без Ctrl и Alt достаются ему; "
+                                                "те же команды работают вместе с Ctrl. Раскладка клавиатуры может быть "
+                                                "любой.";
+struct OtherKey {
+    const char* what;
+    const char* keys;
+};
+inline constexpr OtherKey kOtherKeys[] = {
+    {"Меню окна, и когда строка меню скрыта", "F10"},
+    {"Меню по букве", "Alt+буква"},
+    {"Контекстное меню", "Shift+F10, Menu"},
+    {"Масштаб", "Ctrl+колесо мыши"},
+    {"Обычное окно из полного экрана", "Esc"},
+};
 
 inline constexpr const char* kTypeMismatch     = "Несоответствие типа";
 inline constexpr const char* kBrowseFolder     = "Выберите папку для обзора медиа:";
@@ -123,6 +159,7 @@ inline constexpr const char* kPlaceJournal     = "Запись журнала";
 inline constexpr const char* kPlaceConsole     = "Консоль";
 
 inline constexpr const char* kConsole          = "Консоль";
+inline constexpr const char* kConsoleError    = "%1 (ошибка %2)";
 inline constexpr const char* kConsoleHint      = "Команда, например: Player.PlayMedia";
 inline constexpr const char* kCloseConsoleTip  = "Закрыть консоль";
 // clang-format on

@@ -5,6 +5,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace player
 {
 namespace
@@ -12,6 +14,17 @@ namespace
 
 /// Pixels that a hand may tremble within a click.
 constexpr int kTremble = 3;
+
+/// @param least size that the edges stop at
+QRect sizedBy(QRect rect, Qt::Edges edges, QPoint by, QSize least)
+{
+    const QSize room = rect.size() - least;
+    if (edges.testFlag(Qt::LeftEdge)) rect.setLeft(rect.left() + std::min(by.x(), room.width()));
+    if (edges.testFlag(Qt::TopEdge)) rect.setTop(rect.top() + std::min(by.y(), room.height()));
+    if (edges.testFlag(Qt::RightEdge)) rect.setRight(rect.right() + std::max(by.x(), -room.width()));
+    if (edges.testFlag(Qt::BottomEdge)) rect.setBottom(rect.bottom() + std::max(by.y(), -room.height()));
+    return rect;
+}
 
 bool isHeld() { return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton); }
 
@@ -33,15 +46,14 @@ bool WindowDrag::leaveToSystem() const
 {
     QWindow* const window = m_widget->windowHandle();
     if (m_mode == Mode::MoveObject || window == nullptr) return false;
-    return m_mode == Mode::MoveWindow ? window->startSystemMove()
-                                      : window->startSystemResize(Qt::BottomEdge | Qt::RightEdge);
+    return m_mode == Mode::MoveWindow ? window->startSystemMove() : window->startSystemResize(m_edges);
 }
 
 void WindowDrag::follow(QPoint by)
 {
     if (m_mode != Mode::MoveObject && m_widget->isMaximized()) return;
     if (m_mode == Mode::ResizeWindow)
-        m_widget->resize((m_geometry.size() + QSize(by.x(), by.y())).expandedTo(m_widget->minimumSize()));
+        m_widget->setGeometry(sizedBy(m_geometry, m_edges, by, m_widget->minimumSize()));
     else
         m_widget->move(m_geometry.topLeft() + by);
 }

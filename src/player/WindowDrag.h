@@ -24,8 +24,12 @@ public:
     /// Begin at the press of the left button or while it is held, and do nothing otherwise: the same
     /// statement is run at the release as well.
     void moveWindow(QWidget& window) { begin(window, Mode::MoveWindow); }
-    /// From the lower right corner.
-    void resizeWindow(QWidget& window) { begin(window, Mode::ResizeWindow); }
+    /// @param edges those that follow the pointer
+    void resizeWindow(QWidget& window, Qt::Edges edges = Qt::BottomEdge | Qt::RightEdge)
+    {
+        if (!m_widget) m_edges = edges;
+        begin(window, Mode::ResizeWindow);
+    }
     void moveObject(QWidget& object) { begin(object, Mode::MoveObject); }
 
 protected:
@@ -40,6 +44,7 @@ private:
 
     QPointer<QWidget> m_widget;
     Mode m_mode = Mode::MoveWindow;
+    Qt::Edges m_edges;
     /// System: the window system has taken over, and what still arrives here of the pointer means nothing.
     /// To ask it once more would let the window stick to the pointer after the button is released.
     enum class State { Pressed, Following, System };

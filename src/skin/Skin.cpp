@@ -181,7 +181,8 @@ std::vector<MaskPlace> Skin::masks() const
 {
     std::vector<MaskPlace> result;
     for (const Mask& mask : m_masks)
-        if (mask.panel) result.push_back({mask.holes, GetAbsLeft(*mask.panel), GetAbsTop(*mask.panel)});
+        if (mask.panel && !mask.panel->isHidden())
+            result.push_back({mask.holes, GetAbsLeft(*mask.panel), GetAbsTop(*mask.panel)});
     return result;
 }
 

@@ -105,8 +105,23 @@ TEST_F(Keyboard, PlainKeysDriveThePlayerWhileTheMovieDoesNotListen)
     EXPECT_TRUE(player->Muted());
     click(Qt::Key_L);
     EXPECT_FALSE(movie.Loop());
-    click(Qt::Key_3);
+    click(Qt::Key_3, Qt::ControlModifier);
     EXPECT_EQ(movie.width(), 400);
+    click(Qt::Key_5); // tenths
+    EXPECT_EQ(movie.FrameNum(), movie.TotalFrames() / 2);
+    click(Qt::Key_Period);
+    EXPECT_EQ(movie.FrameNum(), movie.TotalFrames() / 2 + 1);
+    click(Qt::Key_Comma);
+    EXPECT_EQ(movie.FrameNum(), movie.TotalFrames() / 2);
+    click(Qt::Key_0);
+    EXPECT_EQ(movie.FrameNum(), 0);
+    click(Qt::Key_BracketRight);
+    EXPECT_EQ(movie.speed(), 1.25);
+    click(Qt::Key_BracketLeft);
+    click(Qt::Key_BracketLeft);
+    EXPECT_EQ(movie.speed(), 0.75);
+    click(Qt::Key_Backspace);
+    EXPECT_EQ(movie.speed(), 1);
     click(Qt::Key_F);
     EXPECT_TRUE(player->isFullScreen());
     click(Qt::Key_Escape);
@@ -165,6 +180,65 @@ TEST(Shortcuts, PlainKeysWorkWithCtrlAsWell)
     EXPECT_EQ(names(shortcutsOf("", "Up +", true)), "Up + Ctrl+Up Ctrl++");
     EXPECT_EQ(names(shortcutsOf("MediaStop", "Home", false)), "Ctrl+Home Home Media Stop");
     EXPECT_EQ(names(shortcutsOf("", "", true)), "");
+}
+
+TEST_F(Keyboard, LettersMeanTheirKeysInTheRussianLayout)
+{
+    start(compile("film", movieWith({}, {}, {})));
+    const auto type = [this](Qt::Key letter, const QString& text, Qt::KeyboardModifiers held = {}) {
+        QKeyEvent press(QEvent::KeyPress, letter, held, text);
+        QApplication::sendEvent(&player->control(), &press);
+    };
+    type(static_cast<Qt::Key>(0x42C), "ь"); // where M is
+    EXPECT_TRUE(player->Muted());
+    player->control().GotoFrame(5);
+    type(static_cast<Qt::Key>(0x42E), "ю"); // where the point is
+    EXPECT_EQ(player->control().FrameNum(), 6);
+    type(static_cast<Qt::Key>(0x415), "е", Qt::ControlModifier); // Ctrl+T
+    EXPECT_TRUE(player->menus().isChecked("mnuTopMost"));
+    type(static_cast<Qt::Key>(0x419), "й"); // where Q is, which is nothing without Ctrl
+    EXPECT_FALSE(player->hasEnded());
+}
+
+TEST_F(Keyboard, MenusOpenWhileTheirBarIsHidden)
+{
+    start(compile("film", movieWith({}, {}, {})));
+    if (player->menus().isChecked("mnuMenuBar")) player->ToggleMenu();
+    click(Qt::Key_D, Qt::AltModifier); // where the letter of "Вид" is
+    EXPECT_EQ(QApplication::activePopupWidget(), player->menus().item("MenuView").menu());
+    if (QWidget* menu = QApplication::activePopupWidget()) menu->close();
+    QApplication::processEvents();
+    for (const auto modifiers : {Qt::NoModifier, Qt::ShiftModifier}) {
+        click(Qt::Key_F10, modifiers);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        if (modifiers == Qt::ShiftModifier) {
+            EXPECT_NE(menu->activeAction(), nullptr) << "the arrows go on from here";
+        }
+        EXPECT_EQ(player->menus().item("mnuPopOpen").shortcut().toString(), "Ctrl+O");
+        while (QWidget* open = QApplication::activePopupWidget()) open->close();
+        QApplication::processEvents();
+    }
+}
+
+TEST_F(Keyboard, RepeatsASection)
+{
+    start(compile("film", movieWith({}, {}, {})));
+    flash::FlashControl& movie = player->control();
+    movie.GotoFrame(10);
+    click(Qt::Key_A);
+    movie.GotoFrame(14);
+    click(Qt::Key_A);
+    movie.Play();
+    bool went = false;
+    EXPECT_TRUE(waitFor([&] {
+        went = went || movie.FrameNum() >= 12;
+        return went && movie.FrameNum() < 12;
+    }));
+    EXPECT_GE(movie.FrameNum(), 10);
+    click(Qt::Key_A);
+    EXPECT_FALSE(player->menus().isChecked("mnuRepeatAB"));
+    EXPECT_TRUE(waitFor([&] { return movie.FrameNum() > 16; })) << "no more";
 }
 
 TEST(Shortcuts, NoTwoItemsShareOne)

@@ -76,6 +76,33 @@ TEST_F(Placing, MaximisesByMode)
     EXPECT_EQ(player.WindowState(), 0);
 }
 
+TEST_F(Placing, FollowsWhatIsDoneToTheWindowFromOutside)
+{
+    QAction& zoom = player.menus().item("mnuZoom200");
+    player.setWindowState(Qt::WindowFullScreen); // as a window manager would
+    ASSERT_TRUE(waitFor([this] { return player.isFullScreen(); }));
+    EXPECT_TRUE(player.menus().isChecked("mnuPopFullScreen"));
+    EXPECT_EQ(player.WindowState(), 2);
+    EXPECT_TRUE(zoom.isEnabled()) << "it leaves full screen";
+    player.setWindowState(Qt::WindowNoState);
+    ASSERT_TRUE(waitFor([this] { return !player.isFullScreen(); }));
+    EXPECT_EQ(player.WindowState(), 0);
+    player.setWindowState(Qt::WindowMaximized);
+    EXPECT_FALSE(zoom.isEnabled()) << "a maximised window keeps its size";
+    player.setWindowState(Qt::WindowNoState);
+    EXPECT_TRUE(zoom.isEnabled());
+}
+
+TEST(Captions, ShowTheNameCutInTheMiddle)
+{
+    EXPECT_EQ(shortCaption("Zorvex - /films/dir/a.swf"), "Zorvex - a.swf");
+    EXPECT_EQ(shortCaption("Zorvex - Экран приветствия"), "Zorvex - Экран приветствия");
+    EXPECT_EQ(shortCaption("/films/a.swf"), "/films/a.swf") << "a script's own";
+    const QString cut = shortCaption("Zorvex - /f/" + QString("имя").repeated(60) + " 7.swf");
+    EXPECT_TRUE(cut.endsWith(" 7.swf") && cut.contains(u'…')) << cut.toStdString();
+    EXPECT_LT(cut.size(), 90);
+}
+
 TEST_F(Placing, FitsTextsToTheWindowsFont)
 {
     const QString path = "/a/rather/long/path/that/does/not/fit/movie.swf";

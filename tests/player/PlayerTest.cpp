@@ -32,7 +32,8 @@ TEST_F(PlayerWindow, OpensTheFileOfTheCommandLine)
     player.Form_Load();
     EXPECT_TRUE(player.isVisible());
     EXPECT_FALSE(showsPanel(player));
-    EXPECT_EQ(player.windowTitle(), "Zorvex - " + movie);
+    EXPECT_EQ(player.windowTitle(), "Zorvex - intro.swf") << "the file's name is enough";
+    EXPECT_EQ(player.Caption(), "Zorvex - " + movie) << "scripts know the whole path";
     EXPECT_EQ(player.status().statusText, "Готово");
     EXPECT_TRUE(player.updateTimerEnabled());
     EXPECT_EQ(player.control().BGColor(), "0AB0FF");
@@ -210,7 +211,7 @@ TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
     EXPECT_EQ(player.windowTitle(), "Zorvex");
 
     drop(player, path("absent.swf"));
-    EXPECT_EQ(welcome(player).message(), "Файл не найден");
+    EXPECT_EQ(welcome(player).message(), "«absent.swf»: Файл не найден");
     EXPECT_TRUE(welcome(player).findChild<QLabel*>("message")->isVisible());
     EXPECT_EQ(player.status().statusText, "Готово");
     EXPECT_FALSE(player.updateTimerEnabled());
@@ -222,7 +223,7 @@ TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
 
     // The engine refuses what identification let pass: a movie that says it is compressed and is not.
     drop(player, put("broken.swf", media::withHeader("CWS", 5, 1000, media::movieBody())));
-    EXPECT_EQ(welcome(player).message(), "Ролик повреждён, показать его нельзя");
+    EXPECT_EQ(welcome(player).message(), "«broken.swf»: Ролик повреждён, показать его нельзя");
     EXPECT_FALSE(player.menus().item("mnuSaveAs").isEnabled()) << "there is nothing to save";
 }
 

@@ -113,7 +113,7 @@ Sub ShowNormal
         btnLoop.Visible = Not Player.mnuLoop.Checked
         btnLoopOn.Visible = Player.mnuLoop.Checked
     End If
-    headTitle.Caption = Player.Caption
+    headTitle.Caption = Player.Title
     stateText.Caption = Player.StatusText
     ShowControls normalSet, Player.ScaleWidth < 480
 End Sub
