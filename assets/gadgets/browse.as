@@ -103,7 +103,7 @@ var grid = child(this, "grid");
 var loader = new MovieClipLoader(), loaded = {};
 loaded.onLoadInit = function(shot) {
   if (shot._width <= 0 || shot._height <= 0) return;
-  var scale = Math.min(1, WELL_WIDE / shot._width, WELL_HIGH / shot._height);
+  var scale = Math.min(1, Math.min(WELL_WIDE / shot._width, WELL_HIGH / shot._height));
   shot._xscale = shot._yscale = 100 * scale;
   shot._x = PAD + Math.round((SHOT_WIDE - shot._width) / 2);
   shot._y = PAD + Math.round((SHOT_HIGH - shot._height) / 2);

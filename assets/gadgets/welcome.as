@@ -82,7 +82,7 @@ var WELL_WIDE = 88, WELL_HIGH = 66;
 var loader = new MovieClipLoader(), loaded = {};
 loaded.onLoadInit = function(shot) {
   if (shot._width <= 0 || shot._height <= 0) return;
-  var scale = Math.min(1, WELL_WIDE / shot._width, WELL_HIGH / shot._height);
+  var scale = Math.min(1, Math.min(WELL_WIDE / shot._width, WELL_HIGH / shot._height));
   shot._xscale = shot._yscale = 100 * scale;
   shot._x = Math.round((TILE_WIDE - shot._width) / 2);
   shot._y = 6 + Math.round((WELL_HIGH - shot._height) / 2);
