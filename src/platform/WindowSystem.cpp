@@ -86,6 +86,8 @@ bool hasWindowManager()
     return true;
 }
 
+bool isAloneWithDisplay() { return QGuiApplication::platformName() == "xcb" && !hasWindowManager(); }
+
 bool letsWindowsPlaceThemselves() { return QGuiApplication::platformName() == "xcb"; }
 
 void pokeScreen()

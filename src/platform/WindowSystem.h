@@ -11,6 +11,10 @@ bool hasPerPixelTransparency();
 /// to be moved. On X11 a window may be alone with its server; elsewhere always. Needs the application object.
 bool hasWindowManager();
 
+/// Whether the program's windows are alone with an X11 server: nobody but the program changes their state,
+/// and what the toolkit believes of it is not to be trusted. Needs the application object.
+bool isAloneWithDisplay();
+
 /// Whether a window knows where it stands and may say where it wants to; on Wayland the desktop keeps that to
 /// itself. Needs the application object.
 bool letsWindowsPlaceThemselves();

@@ -1,6 +1,7 @@
 #include "player/Player.h"
 
 #include "flash/FlashControl.h"
+#include "platform/WindowSystem.h"
 #include "player/KeysDialog.h"
 #include "player/SizingFrame.h"
 #include "player/Texts.h"
@@ -118,7 +119,7 @@ void Player::followWindow()
 {
     if (hasEnded() || !isVisible() || isMinimized()) return;
     const bool fills = QWidget::isFullScreen();
-    if (fills != isFullScreen()) {
+    if (!platform::isAloneWithDisplay() && fills != isFullScreen()) {
         if (!fills) m_pageQueue.refuse("FULLSCREEN");
         m_placement.followFullScreen(fills);
     }
