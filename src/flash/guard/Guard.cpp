@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <utility>
 #ifdef __linux__
+#include <array>
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -26,12 +28,13 @@ constexpr std::uint32_t kStepsBetweenLooks = 500;
 std::size_t residentBytes()
 {
 #ifdef __linux__
-    std::FILE* file = std::fopen("/proc/self/statm", "re");
-    if (file == nullptr) return 0;
+    // Kept open: it is read again and again, and the system writes it anew each time.
+    static const int file = ::open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
+    std::array<char, 128> text{};
+    const ssize_t length = file < 0 ? -1 : ::pread(file, text.data(), text.size() - 1, 0);
     unsigned long all = 0, resident = 0;
-    const int read = std::fscanf(file, "%lu %lu", &all, &resident);
-    std::fclose(file);
-    return read == 2 ? resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) : 0;
+    const bool isRead = length > 0 && std::sscanf(text.data(), "%lu %lu", &all, &resident) == 2;
+    return isRead ? resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) : 0;
 #else
     return 0;
 #endif
