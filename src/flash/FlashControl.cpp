@@ -72,6 +72,7 @@ quint64 FlashControl::senderAct() const { return d->inbox.sender().act; }
 bool FlashControl::isBusy() const { return d->port->isBusy(); }
 qint64 FlashControl::busyForMs() const { return d->port->busyForMs(); }
 bool FlashControl::isLoading() const { return d->loading; }
+bool FlashControl::lacksProcess() const { return d->lacksProcess; }
 bool FlashControl::hasOwnProcess() const { return d->isRemote; }
 qint64 FlashControl::processId() const { return d->port->processId(); }
 bool FlashControl::isBehind() const { return d->hasLost || d->port->isBehind(); }
@@ -89,6 +90,8 @@ void FlashControl::setWaits(bool waits)
     d->waits = waits;
     d->port->setWaits(waits);
 }
+
+void FlashControl::setKeepsProcess(bool keeps) { d->keepsProcess = keeps; }
 
 QString FlashControl::errorText() const { return d->error; }
 int FlashControl::ReadyState() const { return d->readyState; }

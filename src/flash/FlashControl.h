@@ -112,6 +112,8 @@ public:
     /// Whether a movie that LoadMovie() took still works on its first frame. Only one in a process of its own
     /// lets anybody see it so.
     [[nodiscard]] bool isLoading() const;
+    /// Whether the last LoadMovie() of layer 0 came to nothing because no process can be started for a movie.
+    [[nodiscard]] bool lacksProcess() const;
     /// Whether the movie on layer 0 plays in a process of its own.
     [[nodiscard]] bool hasOwnProcess() const;
     /// The number of that process, for the journal; 0 when there is none.
@@ -121,6 +123,10 @@ public:
     /// do. Otherwise they return at once and are done in their order, isBehind() until then: for whoever
     /// drives several movies at the same time.
     void setWaits(bool waits);
+    /// Whether a movie takes over the process of the one before, where that lies in the same folder, so that
+    /// both may read the same, and has behaved: for whoever looks at many movies for a moment each. No by
+    /// default; then each movie begins in a fresh one.
+    void setKeepsProcess(bool keeps);
     /// Whether something that was called is not done yet.
     [[nodiscard]] bool isBehind() const;
     /// Whether movies get processes of their own here.

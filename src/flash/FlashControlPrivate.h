@@ -50,6 +50,8 @@ public:
     static constexpr qint64 kActCountsMs = 1000;
     // The next movie's process is made ready once this one has had its start.
     static constexpr int kSpareDelayMs = 1500;
+    // The spare one may be stopped and the next one be killed; a third that fails tells of the system.
+    static constexpr int kMostStarts = 3;
 
     /// What a movie was loaded from, as it was at that moment: files change places.
     struct Source {
@@ -84,6 +86,8 @@ public:
     void command(const control::ToMovie& message)
     {
         if (port->isBusy()) return;
+        constexpr std::size_t kMostEarly = 1000;
+        if (loading && early.size() < kMostEarly) early.push_back(message);
         port->command(message);
         // Last, because a handler may load another movie or end this control's life.
         inbox.deliver(q);
@@ -130,19 +134,55 @@ public:
     /// Layer 0 in a process of its own, where there is a way to one. What played goes on when it fails.
     bool loadMovie(const QString& url)
     {
+        lacksProcess = false;
+        startsLeft = kMostStarts;
+        early.clear();
+        if (mayTakeOver(url)) {
+            using State = control::MoviePort::Loading::State;
+            ++takenOver;
+            const State state = loadInto(0, url, control::RemoteMovie::patienceMs());
+            if (state != State::NoProcess) return state != State::Failed;
+        }
+        if (FlashControl::givesOwnProcesses())
+            return loadIntoProcess(url, control::RemoteMovie::patienceMs());
+        if (!std::exchange(toldWhere, true))
+            heard(control::LogLine{"Movies play inside this process: there is none for them."});
+        if (isRemote) newLocal();
+        return loadInto(0, url, 0) == control::MoviePort::Loading::State::Done;
+    }
+
+    /// Whether the process of the movie before will do for this one.
+    [[nodiscard]] bool mayTakeOver(const QString& url) const
+    {
+        // What movies leave behind, in memory above all, comes to an end.
+        constexpr int kMostTakenOver = 24;
+        const auto folderOf = [](const QString& of) {
+            return Engine::pathOf(of.toStdString()).lexically_normal().parent_path();
+        };
+        return keepsProcess && isRemote && !hasLost && !loading && !port->isBehind() && !movie.isEmpty() &&
+               takenOver < kMostTakenOver && !isPage(url) && !isPage(movie) && storageFolder.isEmpty() &&
+               folderOf(url) == folderOf(movie);
+    }
+
+    /// A process that ends, or does not answer, before it has seen the movie is replaced, some times. Not by
+    /// this one: what a movie may do here is what its own process keeps it from.
+    bool loadIntoProcess(const QString& url, int patienceMs)
+    {
         using State = control::MoviePort::Loading::State;
-        // One that ends, or does not answer, before it has seen the movie is replaced: twice, as the spare
-        // one may be stopped and the next one be killed.
-        for (int attempt = 0; attempt < 3; ++attempt) {
+        QElapsedTimer taken;
+        taken.start();
+        while (startsLeft > 0) {
+            --startsLeft;
             auto process = processes->take();
-            if (process == nullptr) break;
+            if (process == nullptr) continue;
             auto before = std::move(port);
             const bool wasRemote = std::exchange(isRemote, true);
             const std::uint32_t spokeBefore = std::exchange(speaking, 0);
             port = std::make_unique<control::RemoteMovie>(*this, std::move(process));
             hasLost = false;
+            takenOver = 0;
             equip(*port);
-            const State state = loadInto(0, url);
+            const State state = loadInto(0, url, std::max(0, patienceMs - static_cast<int>(taken.elapsed())));
             if (state == State::Done || state == State::GoesOn) {
                 QTimer::singleShot(kSpareDelayMs, &q, [this] { processes->prepare(); });
                 return true;
@@ -152,16 +192,27 @@ public:
             speaking = spokeBefore;
             if (state == State::Failed) return false;
         }
-        if (!std::exchange(toldWhere, true))
-            heard(control::LogLine{"Movies play inside this process: there is none for them."});
-        if (isRemote) newLocal();
-        return loadInto(0, url) == State::Done;
+        lacksProcess = true;
+        error =
+            QStringLiteral("no process can be started for the movie; with ZORVEX_ONE_PROCESS=1 movies play "
+                           "inside the player, unconfined");
+        return false;
     }
 
-    control::MoviePort::Loading::State loadInto(int layer, const QString& url)
+    /// The process ended, after LoadMovie() had returned, before it saw the movie: another one gets it, and
+    /// what was said to it meanwhile.
+    bool loadAgain(const QString& url)
+    {
+        const auto said = early;
+        if (!loadIntoProcess(url, 0)) return false;
+        for (const control::ToMovie& message : said) port->command(message);
+        return true;
+    }
+
+    control::MoviePort::Loading::State loadInto(int layer, const QString& url, int patienceMs)
     {
         using State = control::MoviePort::Loading::State;
-        const auto loading = port->load(loadOf(layer, url));
+        const auto loading = port->load(loadOf(layer, url), patienceMs);
         if (loading.state != State::Done && loading.state != State::GoesOn) {
             error = QString::fromStdString(loading.error);
             return loading.state;
@@ -185,7 +236,7 @@ public:
             return false;
         }
         using State = control::MoviePort::Loading::State;
-        const State state = loadInto(layer, url);
+        const State state = loadInto(layer, url, control::RemoteMovie::patienceMs());
         return state == State::Done || state == State::GoesOn;
     }
 
@@ -214,7 +265,10 @@ public:
         } else if (const auto* loaded = std::get_if<control::Loaded>(&message)) {
             // Only of a movie that took long over its first frame; maybe it could not be loaded after all.
             const bool isMovie = loaded->id == movieLoad;
-            if (isMovie) loading = false;
+            if (isMovie) {
+                loading = false;
+                early.clear();
+            }
             if (loaded->done == 0 && !isMovie) heard(control::LogLine{"A layer: " + loaded->error});
             if (loaded->done == 0 && isMovie) {
                 error = QString::fromStdString(loaded->error);
@@ -294,7 +348,9 @@ public:
             emit q.frozen(loss == Loss::Frozen);
             return;
         }
-        const QString lostMovie = std::exchange(movie, {});
+        const QString lostMovie = movie;
+        if (loss == Loss::NeverBegan && loadAgain(lostMovie)) return;
+        movie.clear();
         speaking = 0;
         newLocal();
         q.update();
@@ -367,7 +423,10 @@ public:
     std::uint32_t lastLoad = 0, movieLoad = 0, speaking = 0;
     int readyState = 0;
     std::function<bool()> timeout, watch;
-    bool clipboardAllowed = true, toldWhere = false;
+    std::vector<control::ToMovie> early; // of a movie that is still loading
+    int startsLeft = 0, takenOver = 0;
+    bool keepsProcess = false;
+    bool clipboardAllowed = true, toldWhere = false, lacksProcess = false;
     quint64 acts = 0;
     QElapsedTimer sinceAct;
 };

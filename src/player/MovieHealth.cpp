@@ -34,7 +34,7 @@ MovieHealth::MovieHealth(flash::FlashControl& control, Doors doors)
     connect(&control, &flash::FlashControl::refused, this, [this] {
         showNotice(false);
         m_doors.log("Flash: " + m_control.errorText());
-        m_doors.close(texts::kMovieDamaged);
+        m_doors.close(m_control.lacksProcess() ? texts::kMovieWithoutProcess : texts::kMovieDamaged);
     });
 }
 

@@ -65,6 +65,8 @@ inline constexpr const char* kScriptGoOn       = "Продолжить";
 inline constexpr const char* kNoMemory         = "Ролику не хватило памяти или времени, и он закрыт";
 inline constexpr const char* kMovieCrashed     = "Ролик завершился с ошибкой и закрыт";
 inline constexpr const char* kMovieNotAnswering = "Ролик не отвечал и закрыт";
+inline constexpr const char* kMovieWithoutProcess = "Ролик не открыт: не удалось запустить для него отдельный процесс.\n"
+                                                   "Перезапустите программу, а если это не поможет, установите её заново.";
 inline constexpr const char* kNotAnswering     = "Ролик не отвечает";
 inline constexpr const char* kNotAnsweringWait = "Подождать";
 inline constexpr const char* kNotAnsweringClose = "Закрыть ролик";

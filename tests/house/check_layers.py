@@ -13,7 +13,7 @@ LAYERS = ['base', 'flash/guard', 'flash/codec', 'flash/swf', 'flash/video', 'fla
           'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'export', 'ui', 'player',
           'app']
 # What the player's modules may include of the two engines.
-ENTRIES = {'flash/FlashControl.h', 'flash/Engine.h', 'flash/Film.h', 'flash/InputRecorder.h', 'flash/control/Confinement.h',
+ENTRIES = {'flash/FlashControl.h', 'flash/Engine.h', 'flash/Film.h', 'flash/InputRecorder.h', 'flash/control/Confinement.h', 'flash/control/FileBroker.h',
            'script/ScriptControl.h', 'script/Dispatch.h',
          'script/QtDispatch.h'}
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')

@@ -6,6 +6,7 @@
 #include "export/process/Target.h"
 #include "flash/Engine.h"
 #include "flash/control/Confinement.h"
+#include "flash/control/FileBroker.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -15,10 +16,12 @@
 #include <csignal>
 #include <cstdio>
 #include <new>
+#include <optional>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 // Two processes: this one holds the file's place and gives it its name at the end; the other one, which reads
 // the movie, can do no more than read the movie's folder and write what was opened for it.
@@ -100,9 +103,23 @@ private:
     QElapsedTimer m_sinceTold, m_sinceShown;
 };
 
-void confine(const exporter::Settings& settings, const exporter::Target& target)
+/// All that the process which works may open by name.
+flash::control::ReachableFiles reachableFiles(const exporter::Settings& settings,
+                                              const exporter::Target& target)
 {
-    flash::control::Means means = flash::control::kUsualMeans;
+    flash::control::ReachableFiles files;
+    files.read = flash::control::systemFiles();
+    files.read.push_back(flash::Engine::pathOf(settings.movie).parent_path());
+    if (!settings.baseFolder.empty()) files.read.push_back(settings.baseFolder);
+    if (!settings.input.empty()) files.read.push_back(settings.input);
+    if (!target.folder().empty()) files.write.push_back(target.folder());
+    return files;
+}
+
+/// @param broker to open files by, where the system does not confine them; or -1
+void confineTo(const flash::control::ReachableFiles& files, int broker)
+{
+    flash::control::Means means = flash::control::usualMeans();
     means.limits = false; // those of a movie's own process: a film is a larger file
     flash::control::confineEarly(kMemoryBytes, means);
 #ifndef __SANITIZE_ADDRESS__ // reserves terabytes of addresses
@@ -110,16 +127,11 @@ void confine(const exporter::Settings& settings, const exporter::Target& target)
     ::setrlimit(RLIMIT_DATA, &memory);
     ::setrlimit(RLIMIT_CORE, &core);
 #endif
-    flash::control::ReachableFiles files;
-    files.read = flash::control::systemFiles();
-    files.read.push_back(flash::Engine::pathOf(settings.movie).parent_path());
-    if (!settings.baseFolder.empty()) files.read.push_back(settings.baseFolder);
-    if (!settings.input.empty()) files.read.push_back(settings.input);
-    if (!target.folder().empty()) files.write.push_back(target.folder());
-    flash::control::confine(files, means);
+    flash::control::confine(files, broker, means);
 }
 
-int work(const exporter::CommandLine& line, const exporter::Target& target, int count, char** words)
+int work(const exporter::CommandLine& line, const exporter::Target& target, int broker, int count,
+         char** words)
 {
     std::set_new_handler([] {
         constexpr char kText[] = "zorvex-export: the film needs more memory than it may have\n";
@@ -133,7 +145,7 @@ int work(const exporter::CommandLine& line, const exporter::Target& target, int 
     const QGuiApplication application(count, words);
     exporter::prepareEncoders();
     const exporter::Settings& settings = line.settings;
-    confine(settings, target);
+    confineTo(reachableFiles(settings, target), broker);
 
     Teller teller(line.reports);
     const auto written = !target.folder().empty() ? writePictures(settings, target.folder(), teller)
@@ -202,18 +214,28 @@ int main(int count, char** words)
     cancelling.sa_handler = cancel;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &cancelling, nullptr);
 
+    std::pair<int, int> broker{-1, -1};
+    if (!flash::control::confinesFiles(flash::control::usualMeans()))
+        broker = flash::control::FileBroker::pair();
     const pid_t worker = ::fork();
     if (worker < 0)
         return complain({base::ErrorCode::IoFailure, "no process can be started", {}}, Exit::CannotPlay);
     if (worker == 0) {
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::signal(signal, SIG_DFL);
         ::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error of writing
-        const int result = work(*line, *target, count, words);
+        if (broker.first >= 0) ::close(broker.first);
+        const int result = work(*line, *target, broker.second, count, words);
         std::fflush(stdout);
         _exit(result); // the target is the other process's
     }
     g_worker = worker;
     if (g_isCancelled) ::kill(worker, SIGKILL); // before its number was known
+    std::optional<flash::control::FileBroker> opener;
+    if (broker.first >= 0) {
+        ::close(broker.second);
+        opener.emplace(broker.first);
+        opener->serve(reachableFiles(line->settings, *target), worker);
+    }
     const int result = waitFor(worker);
     if (result != status(Exit::Done)) return result;
     const auto kept = target->commit();

@@ -1,5 +1,7 @@
 #include "flash/control/Confinement.h"
 
+#include "flash/control/FileBroker.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -9,6 +11,8 @@
 #include <linux/landlock.h>
 #include <sched.h>
 #include <seccomp.h>
+#include <span>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -104,10 +108,6 @@ constexpr std::array kAllowedCalls = {
     "close",
     "close_range",
     "fstat",
-    "newfstatat",
-    "stat",
-    "lstat",
-    "statx",
     "lseek",
     "mmap",
     "munmap",
@@ -145,29 +145,12 @@ constexpr std::array kAllowedCalls = {
     "getgid",
     "getegid",
     "getppid",
-    "openat",
-    "open",
-    "access",
-    "faccessat",
-    "faccessat2",
-    "readlink",
-    "readlinkat",
     "getdents64",
     "getcwd",
-    "unlink",
-    "unlinkat",
-    "rename",
-    "renameat",
-    "renameat2",
-    "mkdir",
-    "mkdirat",
-    "rmdir",
     "fsync",
     "fdatasync",
     "ftruncate",
     "fchmod",
-    "chmod",
-    "fchmodat",
     "fcntl",
     "dup",
     "getrandom",
@@ -182,7 +165,6 @@ constexpr std::array kAllowedCalls = {
     "sysinfo",
     "getrlimit",
     "membarrier",
-    "statfs",
     "fstatfs",
     "umask",
     "flock",
@@ -193,7 +175,24 @@ constexpr std::array kAllowedCalls = {
     "set_tid_address",
 };
 
-Restraint confineCalls()
+// Those that name a file. What they may be used for is confined by other means or asked elsewhere.
+constexpr std::array kLookingCalls = {
+    "newfstatat", "stat", "lstat", "access", "faccessat", "faccessat2", "readlink", "readlinkat",
+};
+constexpr std::array kOpeningCalls = {
+    "openat", "open", "unlink", "unlinkat", "rename", "renameat", "renameat2", "mkdir", "mkdirat", "rmdir",
+};
+// Those for which a broker has no answer; who needs them makes do without.
+constexpr std::array kOtherNamingCalls = {"statx", "statfs", "chmod", "fchmodat"};
+
+/// What becomes of a call that names a file.
+enum class Files : std::uint8_t {
+    Allowed, ///< the system confines them by itself
+    Asked,   ///< the process traps them, see askBroker()
+    Refused,
+};
+
+Restraint confineCalls(Files files)
 {
     const std::string name = "system calls (seccomp)";
     const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ERRNO(EPERM));
@@ -204,10 +203,29 @@ Restraint confineCalls()
                                                   static_cast<unsigned>(only.size()), only.begin());
         if (result != 0 && result != -EEXIST) failure = -result;
     };
-    for (const char* call : kAllowedCalls) {
-        const int number = seccomp_syscall_resolve_name(call);
-        // Some names do not exist on every processor.
-        if (number != __NR_SCMP_ERROR && number >= 0) allow(number, {});
+    const auto decide = [&](std::uint32_t action, std::span<const char* const> calls) {
+        for (const char* call : calls) {
+            const int number = seccomp_syscall_resolve_name(call);
+            // Some names do not exist on every processor.
+            if (number == __NR_SCMP_ERROR || number < 0) continue;
+            const int result = seccomp_rule_add_array(filter, action, number, 0, nullptr);
+            if (result != 0 && result != -EEXIST) failure = -result;
+        }
+    };
+    decide(SCMP_ACT_ALLOW, kAllowedCalls);
+    switch (files) {
+    case Files::Allowed:
+        decide(SCMP_ACT_ALLOW, kLookingCalls);
+        decide(SCMP_ACT_ALLOW, kOpeningCalls);
+        decide(SCMP_ACT_ALLOW, kOtherNamingCalls);
+        break;
+    case Files::Asked:
+        decide(SCMP_ACT_TRAP, kLookingCalls);
+        decide(SCMP_ACT_TRAP, kOpeningCalls);
+        // The library then does with the older call.
+        seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(statx), 0);
+        break;
+    case Files::Refused: decide(SCMP_ACT_ALLOW, kLookingCalls); break;
     }
     // Threads, no processes. The newer call hides its flags, so that the library is made to use the older.
     constexpr auto kThread = static_cast<scmp_datum_t>(CLONE_THREAD | CLONE_VM);
@@ -250,12 +268,34 @@ std::vector<Restraint> confineEarly(std::uint64_t memoryBytes, Means means)
     return restraints;
 }
 
-std::vector<Restraint> confine(const ReachableFiles& files, Means means)
+std::vector<Restraint> confine(const ReachableFiles& files, int broker, Means means)
 {
     std::vector<Restraint> restraints;
-    if (means.files) restraints.push_back(confineFiles(files));
-    if (means.calls) restraints.push_back(confineCalls());
+    errno = ENOSYS;
+    restraints.push_back(means.files ? confineFiles(files) : missing("files (landlock)"));
+    if (!means.calls) return restraints;
+    if (restraints.back().holds) {
+        restraints.push_back(confineCalls(Files::Allowed));
+    } else {
+        const bool isAsked = broker >= 0 && askBroker(broker);
+        if (isAsked) restraints.back().reason += "; the player opens them";
+        restraints.push_back(confineCalls(isAsked ? Files::Asked : Files::Refused));
+    }
     return restraints;
+}
+
+Means usualMeans()
+{
+    Means means = kUsualMeans;
+    const char* without = std::getenv("ZORVEX_WITHOUT_LANDLOCK");
+    if (without != nullptr && std::string_view(without) == "1") means.files = false;
+    return means;
+}
+
+bool confinesFiles(Means means)
+{
+    return means.files &&
+           syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
 }
 
 std::vector<std::filesystem::path> systemFiles()

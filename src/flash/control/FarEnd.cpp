@@ -37,8 +37,19 @@ void copyPart(const QImage& from, QImage& to, const QRect& part)
 
 } // namespace
 
-FarEnd::FarEnd(int socket, const std::vector<Restraint>& restraints)
-    : m_channel(socket, Channel::Descriptors::Taken), m_runner(*this)
+ReachableFiles reachableFiles(const Load& load)
+{
+    ReachableFiles files;
+    files.read = systemFiles();
+    const std::filesystem::path movie = Engine::pathOf(load.address);
+    files.read.push_back(movie.parent_path());
+    if (!load.sharedFolder.empty()) files.read.emplace_back(load.sharedFolder);
+    if (!load.storageFolder.empty()) files.write.push_back(Engine::storageOf(load.storageFolder, movie));
+    return files;
+}
+
+FarEnd::FarEnd(int socket, int broker, const std::vector<Restraint>& restraints)
+    : m_channel(socket, Channel::Descriptors::Taken), m_broker(broker), m_runner(*this)
 {
     say(Hello{});
     tell(restraints);
@@ -104,6 +115,8 @@ void FarEnd::handle(const ToMovie& message)
 {
     if (const auto* load = std::get_if<Load>(&message)) {
         prepare(*load);
+        say(Begins{load->id});
+        if (!m_channel.flush()) m_gone = true;
         m_runner.load(*load, attachedFile());
         return;
     } else if (const auto* view = std::get_if<View>(&message)) {
@@ -125,13 +138,7 @@ void FarEnd::prepare(const Load& load)
 {
     if (m_confined) return;
     m_confined = true;
-    ReachableFiles files;
-    files.read = systemFiles();
-    const std::filesystem::path movie = Engine::pathOf(load.address);
-    files.read.push_back(movie.parent_path());
-    if (!load.sharedFolder.empty()) files.read.emplace_back(load.sharedFolder);
-    if (!load.storageFolder.empty()) files.write.push_back(Engine::storageOf(load.storageFolder, movie));
-    tell(confine(files));
+    tell(confine(reachableFiles(load), m_broker));
 }
 
 /// What the window's end opened, which may lie where nothing can be opened from here.

@@ -12,6 +12,13 @@
 namespace flash::control
 {
 
+/// Where a movie's process finds its ends of what connects it: descriptors. The second only where the system
+/// does not confine files.
+inline constexpr int kMovieSocket = 3, kBrokerSocket = 4;
+
+/// What the process of a movie may open.
+ReachableFiles reachableFiles(const Load& load);
+
 /// Exit statuses of a movie's process, besides 0 for a window that has gone.
 enum class FarExit : int {
     BadMessage = 70,  ///< what came was no message of this build
@@ -24,8 +31,9 @@ class FarEnd : private MovieOutput
 {
 public:
     /// @param socket one end of Channel::pair(); taken over
+    /// @param broker to open files by, see confine(); or -1
     /// @param restraints what was tried to confine the process so far, for the window's journal
-    FarEnd(int socket, const std::vector<Restraint>& restraints);
+    FarEnd(int socket, int broker, const std::vector<Restraint>& restraints);
 
     /// Plays until the window's end goes away.
     /// @returns the exit status of the process
@@ -53,6 +61,7 @@ private:
     std::optional<ToMovie> nextMessage();
 
     Channel m_channel;
+    int m_broker;
     MovieRunner m_runner;
     std::deque<ToMovie> m_waiting; // came while the movie waited for an answer
     PictureMemory m_pictures;

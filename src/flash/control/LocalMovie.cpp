@@ -44,7 +44,7 @@ LocalMovie::LocalMovie(MovieListener& listener)
 
 LocalMovie::~LocalMovie() { m_audio->release(); }
 
-MoviePort::Loading LocalMovie::load(const Load& load)
+MoviePort::Loading LocalMovie::load(const Load& load, int)
 {
     m_loaded = {load.id, 0, "a script of the movie is running"};
     command(load);

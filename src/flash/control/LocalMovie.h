@@ -23,7 +23,7 @@ public:
     explicit LocalMovie(MovieListener& listener);
     ~LocalMovie() override;
 
-    Loading load(const Load& load) override;
+    Loading load(const Load& load, int patienceMs) override;
     void command(const ToMovie& message) override;
     void pass(const ToMovie& message) override { command(message); }
     std::optional<std::string> variable(const std::string& name) override;

@@ -158,6 +158,12 @@ struct Speaking {
     std::uint32_t id = 0;
     auto fields() { return std::tie(id); }
 };
+/// The process has got as far as Load `id`, and looks at the movie from now on: what becomes of it next, the
+/// movie may have done.
+struct Begins {
+    std::uint32_t id = 0;
+    auto fields() { return std::tie(id); }
+};
 struct Loaded {
     std::uint32_t id = 0;
     std::uint8_t done = 0;
@@ -253,7 +259,7 @@ struct LimitReached {
 
 using FromMovie =
     std::variant<Hello, Speaking, Loaded, State, Value, Done, Picture, Command, OpenAddress, TraceLine,
-                 LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory, LimitReached>;
+                 LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory, LimitReached, Begins>;
 
 // ---- bytes ------------------------------------------------------------------------------------------------
 // A message is its index in the variant in 16 bits, the body's length in bytes in 32 bits, and the body: the

@@ -36,9 +36,10 @@ public:
     enum class Loss : std::uint8_t {
         OutOfMemory,
         Crashed,
-        Refused, ///< could not be loaded, which was seen late
-        Frozen,  ///< may come back
-        Answers, ///< came back
+        Refused,    ///< could not be loaded, which was seen late
+        NeverBegan, ///< its process ended before it came so far as to look at the movie
+        Frozen,     ///< may come back
+        Answers,    ///< came back
     };
     virtual void lost(Loss loss) = 0;
 };
@@ -60,7 +61,8 @@ public:
     };
     /// @returns GoesOn when the movie takes long over its first frame; Loaded is heard later then, or of its
     ///          end.
-    virtual Loading load(const Load& load) = 0;
+    /// @param patienceMs how long to wait for it
+    virtual Loading load(const Load& load, int patienceMs) = 0;
     /// Does what the message says. When the call returns, state() shows what came of it, unless the movie is
     /// busy for too long.
     virtual void command(const ToMovie& message) = 0;
@@ -77,7 +79,7 @@ public:
     [[nodiscard]] virtual qint64 busyForMs() const = 0;
 
     /// Whether the calls above wait for a busy movie; they do. Otherwise what comes of them is seen later.
-    virtual void setWaits(bool) {}
+    virtual void setWaits(bool /*waits*/) {}
     /// Whether something that was said is not done yet.
     [[nodiscard]] virtual bool isBehind() const { return false; }
 

@@ -1,5 +1,7 @@
 #include "flash/control/MovieProcess.h"
 
+#include "flash/control/FarEnd.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -14,8 +16,6 @@ namespace flash::control
 namespace
 {
 
-// Where the process finds its end of the connection.
-constexpr int kSocket = 3;
 constexpr int kEndWaitMs = 500, kGentleEndMs = 200;
 
 } // namespace
@@ -45,16 +45,33 @@ std::unique_ptr<MovieProcess> MovieProcess::start(const QString& program)
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
-    process.setChildProcessModifier([far = far] {
-        if (far == kSocket)
-            fcntl(far, F_SETFD, 0);
+    int farBroker = -1;
+    if (const Means means = usualMeans(); means.calls && !confinesFiles(means)) {
+        const auto [nearBroker, other] = FileBroker::pair();
+        farBroker = other;
+        if (nearBroker >= 0) started->m_broker = std::make_unique<FileBroker>(nearBroker);
+    }
+    process.setChildProcessModifier([far = far, farBroker] {
+        // First out of the way of the numbers that they are to have.
+        constexpr int kAbove = 10;
+        const int socket = fcntl(far, F_DUPFD_CLOEXEC, kAbove);
+        const int broker = farBroker < 0 ? -1 : fcntl(farBroker, F_DUPFD_CLOEXEC, kAbove);
+        dup2(socket, kMovieSocket);
+        if (broker >= 0)
+            dup2(broker, kBrokerSocket);
         else
-            dup2(far, kSocket);
+            close(kBrokerSocket);
     });
     process.start();
     const bool running = process.waitForStarted(2000);
     close(far);
+    if (farBroker >= 0) close(farBroker);
     return running ? std::move(started) : nullptr;
+}
+
+void MovieProcess::letOpen(const ReachableFiles& files)
+{
+    if (m_broker) m_broker->serve(files, static_cast<pid_t>(m_process.processId()));
 }
 
 MovieProcess::~MovieProcess()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/control/Channel.h"
+#include "flash/control/FileBroker.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -25,6 +26,9 @@ public:
     ~MovieProcess();
     /// Whether it was started so long ago that it must have come up.
     [[nodiscard]] bool hasWaited() const { return m_sinceStart.elapsed() > kComeUpMs; }
+    /// Once, before the movie is sent: what the process may open. Where the system confines it to that, it
+    /// opens them itself.
+    void letOpen(const ReachableFiles& files);
     void setEndsGently(bool gently) { m_endsGently = gently; }
     MovieProcess(const MovieProcess&) = delete;
     MovieProcess& operator=(const MovieProcess&) = delete;
@@ -51,6 +55,7 @@ private:
     }
 
     Channel m_channel;
+    std::unique_ptr<FileBroker> m_broker; // outlives the process, which may save something at its end
     QProcess m_process;
     QElapsedTimer m_sinceStart;
     bool m_endsGently = false;

@@ -21,7 +21,7 @@ namespace flash::control
 namespace
 {
 
-constexpr int kWatchMs = 500, kSoundMs = 30, kPictureMs = 40, kStartMs = 3000;
+constexpr int kWatchMs = 500, kSoundMs = 30, kPictureMs = 40;
 // Between input that a busy movie has not taken yet, moves of the mouse are left out.
 constexpr std::size_t kMuchUnsentBytes = 1U << 14U, kTooMuchUnsentBytes = 32U << 20U;
 // So many messages of a movie are handled before the window gets its turn again.
@@ -96,7 +96,13 @@ bool RemoteMovie::waitFor(DoneNow&& done, int limitMs)
     return !m_ended && done();
 }
 
-MoviePort::Loading RemoteMovie::load(const Load& load)
+int RemoteMovie::patienceMs()
+{
+    const int given = qEnvironmentVariableIntValue("ZORVEX_MOVIE_PATIENCE_MS");
+    return given > 0 ? given : kPatienceMs;
+}
+
+MoviePort::Loading RemoteMovie::load(const Load& load, int patienceMs)
 {
     // Opened here: the host may name any file, the movie's process may open few.
     const int file = open(Engine::pathOf(load.address).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
@@ -112,29 +118,30 @@ MoviePort::Loading RemoteMovie::load(const Load& load)
         std::error_code unwritable;
         std::filesystem::create_directories(m_storage, unwritable);
     }
-    // A process that is only just starting is not one that is busy.
-    if (m_waits) {
-        const bool hasWaited = m_process->hasWaited();
-        waitFor([this] { return m_greeted; }, hasWaited ? kPatienceMs : kStartMs);
-        // One that was stopped while it waited is not one to load a movie into.
-        if (hasWaited) {
-            sync();
-            if (!waitFor([this] { return m_greeted && m_doneSync == m_lastSync; })) {
-                close(file);
-                return {Loading::State::NoProcess, "the movie's process does not answer"};
-            }
+    QElapsedTimer taken;
+    taken.start();
+    // One that was stopped while it waited is not one to load a movie into. One that is just starting finds
+    // the movie when it has come up.
+    if (m_asked == 0 && m_waits && m_process->hasWaited()) {
+        sync();
+        if (!waitFor([this] { return m_greeted && m_doneSync == m_lastSync; }, patienceMs / 2)) {
+            close(file);
+            return {Loading::State::NoProcess, "the movie's process does not answer"};
         }
     }
+    m_process->letOpen(reachableFiles(load));
     m_loaded.reset();
-    m_loadSent = true;
+    if (load.layer == 0) m_asked = load.id;
     send(load, file);
     close(file);
     m_watch.start(kWatchMs);
-    if (!m_waits) return {Loading::State::GoesOn, {}};
     m_waitsForLoad = true;
-    waitFor([&] { return m_loaded && m_loaded->id == load.id; });
+    if (m_waits) {
+        waitFor([&] { return m_loaded && m_loaded->id == load.id; },
+                patienceMs - static_cast<int>(taken.elapsed()));
+    }
     m_waitsForLoad = false;
-    if (m_ended && !m_greeted) return {Loading::State::NoProcess, "the movie's process does not start"};
+    if (m_ended && !hasBegun()) return {Loading::State::NoProcess, "the movie's process does not start"};
     if (!m_loaded) return {Loading::State::GoesOn, {}};
     return {m_loaded->done != 0 ? Loading::State::Done : Loading::State::Failed, m_loaded->error};
 }
@@ -144,7 +151,7 @@ void RemoteMovie::command(const ToMovie& message)
     send(message);
     if (m_waits) {
         sync();
-        waitFor([id = m_lastSync, this] { return m_doneSync == id; });
+        waitFor([id = m_lastSync, this] { return m_doneSync == id; }, patienceMs());
     } else if (!std::exchange(m_syncs, true)) {
         // Once for what is said together: each draws a picture.
         QTimer::singleShot(0, this, [this] {
@@ -174,7 +181,7 @@ std::optional<std::string> RemoteMovie::variable(const std::string& name)
     m_value.reset();
     send(GetVariable{id, name});
     send(Sync{id});
-    const bool came = waitFor([&] { return m_value && m_value->id == id; });
+    const bool came = waitFor([&] { return m_value && m_value->id == id; }, patienceMs());
     return came ? std::optional(m_value->text) : std::nullopt;
 }
 
@@ -240,6 +247,9 @@ void RemoteMovie::take(FromMovie message)
     } else if (const auto* value = std::get_if<Value>(&message)) {
         m_value = *value;
         return;
+    } else if (const auto* begins = std::get_if<Begins>(&message)) {
+        if (begins->id == m_asked) m_begun = m_asked;
+        return;
     } else if (const auto* loaded = std::get_if<Loaded>(&message)) {
         m_loaded = *loaded;
         if (m_waitsForLoad) return; // load() tells
@@ -294,9 +304,12 @@ void RemoteMovie::ended()
     const auto status = m_process->exitStatus();
     m_state = State();
     m_process->listen([] {});
-    const auto loss = status == static_cast<int>(FarExit::OutOfMemory) ? MovieListener::Loss::OutOfMemory
-                                                                       : MovieListener::Loss::Crashed;
-    // From the event loop: whoever waits for the movie now must come back first.
+    auto loss = MovieListener::Loss::Crashed;
+    if (status == static_cast<int>(FarExit::OutOfMemory)) loss = MovieListener::Loss::OutOfMemory;
+    if (!hasBegun()) loss = MovieListener::Loss::NeverBegan;
+    // Whoever waits for it is told with the answer; others from the event loop, because they may be in the
+    // middle of a call that must come back first.
+    if (m_waitsForLoad && !hasBegun()) return;
     QTimer::singleShot(0, this, [this, loss] { m_listener.lost(loss); });
 }
 

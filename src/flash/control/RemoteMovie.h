@@ -20,19 +20,22 @@ class AudioOutput;
 namespace flash::control
 {
 
-/// A movie in a process of its own. Nothing here waits for it longer than kPatienceMs, and nothing that comes
-/// from it is believed without a look.
+/// A movie in a process of its own. Nothing here waits for it longer than patienceMs(), and nothing that
+/// comes from it is believed without a look.
 class RemoteMovie : public QObject, public MoviePort
 {
 public:
-    static constexpr int kPatienceMs = 200; ///< how long a call waits for a busy movie
+    static constexpr int kPatienceMs = 200; ///< how long a call waits for a busy movie, see patienceMs()
     static constexpr int kFrozenMs = 2000;  ///< without an answer for so long, it counts as frozen
 
     /// @param listener borrowed
     RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> process);
     ~RemoteMovie() override;
 
-    Loading load(const Load& load) override;
+    /// How long a call waits. ZORVEX_MOVIE_PATIENCE_MS says otherwise, for tests on machines that are busy.
+    static int patienceMs();
+
+    Loading load(const Load& load, int patienceMs) override;
     void command(const ToMovie& message) override;
     void pass(const ToMovie& message) override;
     std::optional<std::string> variable(const std::string& name) override;
@@ -43,7 +46,7 @@ public:
     void setWaits(bool waits) override { m_waits = waits; }
     [[nodiscard]] bool isBehind() const override
     {
-        return m_ended || m_syncs || m_doneSync != m_lastSync || (m_loadSent && !m_loaded);
+        return m_ended || m_syncs || m_doneSync != m_lastSync || (m_asked != 0 && !m_loaded);
     }
     void setView(int width, int height, double deviceScale) override;
     void paint(QPainter& painter, const QRegion& region, double deviceScale) override;
@@ -64,7 +67,8 @@ private:
     void sync();
     /// Takes messages until `done`. @returns whether it came to pass in time
     template <class Done>
-    bool waitFor(Done&& done, int limitMs = kPatienceMs);
+    bool waitFor(Done&& done, int limitMs);
+    [[nodiscard]] bool hasBegun() const { return m_asked != 0 && m_begun == m_asked; }
 
     MovieListener& m_listener;
     std::unique_ptr<MovieProcess> m_process;
@@ -80,12 +84,13 @@ private:
     std::unique_ptr<AudioOutput> m_audio;
     bool m_deviceOpen = false;
     std::uint32_t m_lastSync = 0, m_doneSync = 0;
+    std::uint32_t m_asked = 0, m_begun = 0; // loads of layer 0, by their ids
     std::optional<Loaded> m_loaded;
     std::optional<Value> m_value;
     QElapsedTimer m_unanswered; // since the oldest Sync that was not answered
     QTimer m_watch, m_soundTimer;
     bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false, m_greeted = false,
-         m_loadSent = false, m_waits = true, m_syncs = false;
+         m_waits = true, m_syncs = false;
 };
 
 } // namespace flash::control

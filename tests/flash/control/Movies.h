@@ -77,6 +77,14 @@ public:
         return path;
     }
 
+    QString writeProgram(const QString& name, const QString& shellScript) const
+    {
+        const QByteArray text = "#!/bin/sh\n" + shellScript.toLocal8Bit();
+        const QString path = write(name, swf::ByteList(text.begin(), text.end()));
+        EXPECT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        return path;
+    }
+
     [[nodiscard]] QString path() const { return m_folder.path(); }
 
 private:
