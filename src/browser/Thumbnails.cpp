@@ -219,6 +219,7 @@ void Thumbnails::equip(int place)
 {
     flash::FlashControl& control = m_window->SWF(place);
     control.setWaits(false);
+    control.setKeepsProcess(true);
     control.setScriptWatch([this, place] { return watchScripts(place); });
     control.setScriptTimeoutHandler([] { return true; });
     const auto drops = [this, place](const char* why) {
@@ -264,7 +265,8 @@ std::unique_ptr<Thumbnails::Work> Thumbnails::begin(const Order& order, int numb
 void Thumbnails::load(int place, const QString& movie)
 {
     flash::FlashControl& control = controlOf(place);
-    control.LoadMovie(0, {});
+    // Beside its own process there is nothing to be kept of the one before.
+    if (!control.hasOwnProcess()) control.LoadMovie(0, {});
     m_window->showMissing(place, false);
     QString path = movie;
     if (path.right(4).toUpper() == ".EXE") {
@@ -272,8 +274,9 @@ void Thumbnails::load(int place, const QString& movie)
         if (path.isEmpty()) path = kNoMovie;
     }
     const bool marked = path.contains('?');
-    if (!control.LoadMovie(0, marked ? QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) : path))
-        m_window->showMissing(place, true);
+    if (control.LoadMovie(0, marked ? QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) : path)) return;
+    control.LoadMovie(0, {}); // nor is that one pictured again
+    m_window->showMissing(place, true);
 }
 
 bool Thumbnails::proceed(Work& work)
