@@ -14,15 +14,19 @@ import signal
 import subprocess
 import sys
 import time
+import wave
 
 from screen import Display, compile_movie, copy_program, family, journal, under_virtual_display, windows_of
 
-ADDRESS_SPACE = 6 << 30
+ADDRESS_SPACE = 6_000_000 << 10  # as "ulimit -v 6000000"
 MOST_LOG = 5_000_000
-SECONDS = 2.5
+SECONDS = 1.5
+# So many movies at the same time, each on a display of its own: for most of them the test waits.
+SIDE_BY_SIDE = 2
 # What a machine that does other things as well may take longer.
 WINDOW_WITHIN, END_WITHIN, MENU_WITHIN, NEXT_WITHIN = 3.0, 1.5, 0.6, 8.0
 MOST_MEMORY_MB = 1200
+SHARE = 'ZORVEX_HOSTILE_SHARE'
 INSIDE = os.environ.get('ZORVEX_ONE_PROCESS') == '1'
 # The next movie, and what is seen of it.
 NEXT = '<movie version="6" width="300" height="200" rate="20"><shape id="r"><rect width="300" height="200"' \
@@ -99,7 +103,72 @@ MOVIES = {
     'big_shared_object': ('var o = SharedObject.getLocal("big"); var s = "x"; while (s.length < 2000000) s += s; '
                           + EVERY_FRAME % 'for (var i = 0; i < 20; i++) o.data["k" + getTimer() + i] = s; o.flush();',
                           False, 0),
-    # Its process does not answer at all; nothing that a movie can do, but what a damaged one may come to.
+    'frames_from_the_first': ('function busy() { var t = getTimer(); while (getTimer() - t < 1900) {} } busy(); '
+                              + EVERY_FRAME % 'busy();', True, 0),
+    'levels': ('var n = 0; ' + EVERY_FRAME % 'for (var i = 0; i < 500; i++) loadMovieNum(_url, ++n % 10000 + 1);', False, 0),
+    'loads_itself_into_itself': ('_root.createEmptyMovieClip("c", 1).loadMovie(_url); c.loadMovie(_url); '
+                                 'this.loadMovie(_url); loadMovieNum(_url, 0);', False, 0),
+    'bitmaps_kept': ('import flash.display.BitmapData; var kept = []; '
+                     + EVERY_FRAME % 'for (var i = 0; i < 10; i++) kept.push(new BitmapData(2880, 2880, true, i));',
+                     True, 0),
+    'bitmaps_copied': ('import flash.display.BitmapData; import flash.geom.*;'
+                       ' var a = new BitmapData(2880, 2880, true, 0x80FF0000), b = a.clone(), p = new Point(); '
+                       + EVERY_FRAME % 'for (var i = 0; i < 200; i++) { b.copyPixels(a, a.rectangle, p, a, p, true);'
+                       ' b.draw(a, new Matrix(1.1, 0.1, -0.1, 1.1), null, "multiply"); b.threshold(a, a.rectangle, p, ">", 0);'
+                       ' b.floodFill(0, 0, i); b.pixelDissolve(a, a.rectangle, p, i, 99999999); }', True, 0),
+    'unloads_without_end': ('function f() { var d = _root.getNextHighestDepth(); var c = _root.createEmptyMovieClip("u" + d, d);'
+                            ' c.onUnload = f; c.removeMovieClip(); } f(); '
+                            + EVERY_FRAME % 'f();', True, 0),
+    'unloads_endlessly': ('_root.onUnload = function() { while (true) {} }; _root.createEmptyMovieClip("c", 1).onUnload ='
+                          ' function() { while (true) {} };', True, 0),
+    'commands_by_the_thousand': (EVERY_FRAME % 'for (var i = 0; i < 20000; i++) fscommand("c" + i, i);'
+                                 ' for (var i = 0; i < 2000; i++) getURL("FSCommand:showmenu", i);', True, 0),
+    'masks_in_masks': ('for (var i = 0; i < 300; i++) { var c = _root.createEmptyMovieClip("c" + i, i);'
+                       ' c.beginFill(i * 99, 60); c.moveTo(-999, -999); c.lineTo(2800, i); c.lineTo(i, 2800); c.endFill();'
+                       ' c.blendMode = 3 + i % 11; c.cacheAsBitmap = true; if (i) c.setMask(_root["c" + (i - 1)]); } '
+                       + EVERY_FRAME % 'for (var i = 0; i < 300; i++) _root["c" + i]._rotation += 2;', True, 0),
+    'huge_scales': ('import flash.filters.*; var c = _root.createEmptyMovieClip("c", 1); c.lineStyle(255, 255, 50);'
+                    ' for (var i = 0; i < 3000; i++) c.curveTo(random(9999), random(9999), random(9999), random(9999));'
+                    ' c.cacheAsBitmap = true; c.filters = [new DropShadowFilter(9, 45, 0, 1, 255, 255, 9, 15),'
+                    ' new BevelFilter(9, 45, 255, 1, 0, 1, 255, 255, 9, 15), new ConvolutionFilter(15, 15, new Array(225))]; '
+                    + EVERY_FRAME % 'c._xscale = c._yscale = 1 + getTimer() * 7919 % 1000000;', True, 0),
+    'gradients': (EVERY_FRAME % 'clear(); for (var i = 0; i < 2000; i++) { beginGradientFill("radial", [255, 99, 7], [9, 50, 99],'
+                  ' [0, 99, 255], {matrixType: "box", x: i, y: 0, w: 3000, h: 3000, r: i}, "reflect"); lineTo(3000, 0);'
+                  ' lineTo(3000, 3000); lineTo(0, 3000); endFill(); }', True, 0),
+    'html_texts': ('var s = ""; for (var i = 0; i < 4000; i++) s += "<p><font size=\'" + (i % 99) + "\'><b>w" + i + "</b>'
+                   '<img src=\'a.jpg\'></font></p>"; for (var i = 0; i < 20; i++) { _root.createTextField("t" + i, i, 0, 0, 280, 180);'
+                   ' _root["t" + i].html = _root["t" + i].multiline = true; _root["t" + i].autoSize = true; } '
+                   + EVERY_FRAME % 'for (var i = 0; i < 20; i++) { _root["t" + i].htmlText = s; _root["t" + i].scroll = i; }',
+                   True, 0),
+    'xml_and_sorting': ('var s = "<a b=\'c\'>"; while (s.length < 4000000) s += s; var a = []; for (var i = 0; i < 200000; i++)'
+                        ' a.push(random(1e9)); ' + EVERY_FRAME % 'var x = new XML(s); var t = x.toString();'
+                        ' a.sort(function(p, q) { return random(3) - 1; }); a.reverse(); a.sortOn("x");', True, 0),
+    'watches_and_accessors': ('var o = {}; o.watch("p", function(n, a, b) { o.p = b + 1; return b; });'
+                              ' o.addProperty("q", function() { return o.q; }, function(v) { o.q = v; }); '
+                              + EVERY_FRAME % 'for (var i = 0; i < 1000; i++) { o.p = i; o.q = i; var z = o.q; }', True, 0),
+    'clips_by_the_thousand': ('var n = 0; ' + EVERY_FRAME % 'for (var i = 0; i < 3000; i++) { var c ='
+                              ' _root.createEmptyMovieClip("c" + n, n++); c.onEnterFrame = c.onMouseMove = function() {'
+                              ' this._x = _root._xmouse; for (var k in this) {} }; c.lineStyle(1); c.lineTo(300, n % 200); }',
+                              True, 0),
+    'streams_and_connections': ('var kept = []; ' + EVERY_FRAME % 'for (var i = 0; i < 100; i++) { var c = new NetConnection();'
+                                ' c.connect(null); var s = new NetStream(c); s.play("v" + i + ".flv"); kept.push(c, s);'
+                                ' var l = new LocalConnection(); l.connect("l" + i); l.send("l" + i, "f", kept); kept.push(l);'
+                                ' var x = new XMLSocket(); x.connect("localhost", 6000); kept.push(x); }', True, 0),
+    'jumps_in_frames': ('<movie version="7" width="300" height="200" rate="120"><frame><script>'
+                        'function f() { gotoAndPlay(2); gotoAndStop(1); nextFrame(); prevFrame(); play(); } f();'
+                        '</script></frame><frame><script>f(); f(); gotoAndPlay(1);</script></frame></movie>', True, 0),
+    'sound_flood': ('<movie version="7" width="300" height="200" rate="30"><sound id="s" file="tone.wav"/>'
+                    '<export id="s" name="s"/><frame><script>var kept = []; _root.onEnterFrame = function() {'
+                    ' for (var i = 0; i != 500; i++) { var s = new Sound(); s.attachSound("s"); s.start(i / 99, 999);'
+                    ' s.setPan(i); s.onSoundComplete = function() { this.start(); }; kept.push(s); } };'
+                    '</script></frame></movie>', True, 0),
+    'focus_and_selection': ('for (var i = 0; i < 500; i++) { _root.createTextField("t" + i, i, i % 200, i % 150, 99, 20);'
+                            ' var f = _root["t" + i]; f.type = "input"; f.onSetFocus = f.onKillFocus = f.onChanged = function(o) {'
+                            ' Selection.setFocus("t" + random(500)); this.replaceText(0, 1, "xx"); }; } Selection.addListener({onSetFocus:'
+                            ' function() { Selection.setFocus("t" + random(500)); }}); '
+                            + EVERY_FRAME % 'for (var i = 0; i < 50; i++) Selection.setFocus("t" + i);', True, 0),
+    # Its process does not answer at all; nothing that a movie can do, but what a damaged one may come to. The one
+    # that is kept ready for the next movie does not either.
     'stops': ('var n = 0;', True, 0),
     'many_objects': ('for (var i = 0; i < 2000; i++) { var o = SharedObject.getLocal("m" + i); o.data.x = 1; }',
                      False, 0),
@@ -313,11 +382,27 @@ def check(name, folder, home, movie, acts, questions, following, picture=None):
     return line
 
 
-def main():
-    program_folder, swfc, scratch = sys.argv[1:4]
-    status = under_virtual_display('1024x768')
-    if status is not None:
-        return status
+def chosen_movies(names):
+    """(name, path or None, acts, questions) of all that are to be played; those without a path are compiled."""
+    movies = [(os.path.splitext(os.path.basename(given))[0], given, True, 1) for given in names if given not in MOVIES]
+    return movies + [(name, None, acts, questions) for name, (_, acts, questions) in MOVIES.items()
+                     if (not names or name in names) and not (INSIDE and name in ONLY_ITS_OWN)]
+
+
+def compile_hostile(swfc, name, scratch):
+    script = MOVIES[name][0]
+    described = script.startswith('<movie')
+    source = os.path.join(scratch, name + ('.xml' if described else '.as'))
+    head = '' if described else '// movie: version="8" width="300" height="200" rate="30"\n'
+    with open(source, 'w', encoding='utf-8') as handle:
+        handle.write(head + script + '\n')
+    movie = os.path.join(scratch, name + '.swf')
+    subprocess.run([swfc, source, '-o', movie], check=True)
+    return movie
+
+
+def play_share(program_folder, swfc, scratch, movies):
+    """Plays some of the movies, one after the other."""
     folder, home = copy_program(program_folder, scratch), os.path.join(scratch, 'home')
     shutil.copy(os.path.join(folder, 'settings.xml'), os.path.join(folder, 'settings.pristine'))
     shutil.rmtree(home, ignore_errors=True)
@@ -328,23 +413,14 @@ def main():
         with open(path, 'w', encoding='utf-8') as handle:
             handle.write('#!/bin/sh\necho "$@" >> "%s/opened"\n' % home)
         os.chmod(path, 0o755)
-    movies = [(os.path.splitext(os.path.basename(given))[0], given, True, 1) for given in sys.argv[4:]
-              if given not in MOVIES]
-    for name, (script, acts, questions) in MOVIES.items():
-        if (sys.argv[4:] and name not in sys.argv[4:]) or (INSIDE and name in ONLY_ITS_OWN):
-            continue
-        described = script.startswith('<movie')
-        source = os.path.join(scratch, name + ('.xml' if described else '.as'))
-        head = '' if described else '// movie: version="7" width="300" height="200" rate="30"\n'
-        with open(source, 'w', encoding='utf-8') as handle:
-            handle.write(head + script + '\n')
-        movie = os.path.join(scratch, name + '.swf')
-        subprocess.run([swfc, source, '-o', movie], check=True)
-        movies.append((name, movie, acts, questions))
+    with wave.open(os.path.join(scratch, 'tone.wav'), 'wb') as tone:
+        tone.setparams((1, 2, 22050, 0, 'NONE', None))
+        tone.writeframes(bytes(i * 40 % 256 for i in range(22050 * 2)))
     following = os.path.join(scratch, 'following.swf')
     compile_movie(swfc, NEXT, following)
     failed = 0
     for name, movie, acts, questions in movies:
+        movie = movie or compile_hostile(swfc, name, scratch)
         try:
             print(check(name, folder, home, movie, acts, questions, following, os.path.join(scratch, name + '.png')))
         except AssertionError as complaint:
@@ -353,6 +429,25 @@ def main():
         sys.stdout.flush()
     print('%d movies, %d failed' % (len(movies), failed))
     return 1 if failed else 0
+
+
+def main():
+    program_folder, swfc, scratch = sys.argv[1:4]
+    share = os.environ.get(SHARE)
+    movies = chosen_movies(sys.argv[4:])
+    if share is None and len(movies) > 1:
+        # Each share on a display, and in a folder, of its own.
+        shares = [subprocess.Popen([sys.executable] + sys.argv, env=dict(os.environ, **{SHARE: str(i)}))
+                  for i in range(SIDE_BY_SIDE)]
+        return max(one.wait() for one in shares)
+    status = under_virtual_display('1024x768')
+    if status is not None:
+        return status
+    if share is not None:
+        scratch = os.path.join(scratch, 'share' + share)
+        movies = movies[int(share)::SIDE_BY_SIDE]
+    os.makedirs(scratch, exist_ok=True)
+    return play_share(program_folder, swfc, scratch, movies)
 
 
 if __name__ == '__main__':
