@@ -21,7 +21,7 @@ namespace flash::control
 namespace
 {
 
-constexpr int kWatchMs = 500, kSoundMs = 30, kPictureMs = 40;
+constexpr int kWatchMs = 500, kSoundMs = 100, kPictureMs = 40;
 // Between input that a busy movie has not taken yet, moves of the mouse are left out.
 constexpr std::size_t kMuchUnsentBytes = 1U << 14U, kTooMuchUnsentBytes = 32U << 20U;
 // So many messages of a movie are handled before the window gets its turn again.
@@ -235,7 +235,11 @@ void RemoteMovie::take(FromMovie message)
     }
     if (const auto* state = std::get_if<State>(&message)) {
         m_state = *state;
-        if (m_state.silent == 0 && m_audio && !m_soundTimer.isActive()) m_soundTimer.start(kSoundMs);
+        if (m_state.silent == 0 && m_audio && !m_soundTimer.isActive()) {
+            m_soundTimer.start(kSoundMs);
+            // The device is opened at once, but for whoever waits for the movie now.
+            QTimer::singleShot(0, this, [this] { followSound(); });
+        }
     } else if (const auto* picture = std::get_if<Picture>(&message)) {
         take(*picture);
         return;
