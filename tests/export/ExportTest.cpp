@@ -1,4 +1,5 @@
 #include "DecodedFilm.h"
+#include "Environment.h"
 
 #include <QDir>
 #include <QFile>
@@ -297,6 +298,16 @@ TEST_F(Export, NothingHalfMadeIsLeft)
 
     EXPECT_EQ(files(), before);
     EXPECT_EQ(read("film.mp4"), "what was there before");
+}
+
+TEST_F(Export, IsTheSameWhereTheKernelConfinesNoFiles)
+{
+    compileBeat();
+    ASSERT_EQ(exportFilm("beat.swf", "usual.wav", {"--to", "2"}).status, 0);
+    const tests::Environment without({{"ZORVEX_WITHOUT_LANDLOCK", "1"}});
+    ASSERT_EQ(exportFilm("beat.swf", "asked.wav", {"--to", "2"}).status, 0);
+    EXPECT_EQ(read("asked.wav"), read("usual.wav"));
+    EXPECT_EQ(exportFilm("beat.swf", "asked.png", {"--to", "1"}).status, 0) << "into a folder";
 }
 
 TEST_F(Export, FoldersOfOthersAreLeftAlone)

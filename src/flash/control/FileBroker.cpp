@@ -336,10 +336,13 @@ void FileBroker::serve(const ReachableFiles& files, pid_t client)
 {
     if (m_rules) return;
     m_rules = std::make_unique<Rules>(files, client);
-    m_thread = std::thread([this] { run(); });
+    m_thread = std::thread([this] {
+        answerAll();
+        shutdown(m_socket, SHUT_RDWR); // nobody waits for an answer any more
+    });
 }
 
-void FileBroker::run()
+void FileBroker::answerAll()
 {
     std::vector<char> packet(kMostRequestBytes);
     for (;;) {

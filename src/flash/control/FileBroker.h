@@ -50,7 +50,8 @@ public:
 
 private:
     class Rules;
-    void run();
+    /// Until the other end goes, or asks for what nobody asks for.
+    void answerAll();
 
     int m_socket;
     std::unique_ptr<Rules> m_rules;
