@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 3;
+inline constexpr std::uint32_t kProtocolVersion = 4;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
