@@ -244,6 +244,7 @@ TEST(Gradients, LetThroughWhatTheirStopsDo)
     for (const std::uint8_t alpha : {std::uint8_t{255}, std::uint8_t{128}, std::uint8_t{0}}) {
         FillStyle fill = gradientFill(FillStyle::Kind::RadialGradient);
         fill.gradient.stops = {{0, {0, 0, 255, 255}}, {255, {0, 0, 255, alpha}}};
+        fill.matrix.ty = 20;
         Picture picture(256, 3, {255, 0, 0, 255});
         picture.canvas.drawShape(rectShape(0, 1, 256, 2, fill), kStage);
         EXPECT_EQ(picture.at(0, 0), kRed);
