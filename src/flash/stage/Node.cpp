@@ -4,6 +4,7 @@
 #include "flash/stage/Clip.h"
 #include "flash/stage/ScalingGrid.h"
 #include "flash/stage/Stage.h"
+#include "flash/swf/LevelName.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,13 +55,12 @@ std::string path(const Node& node, char separator, std::string (*rootName)(int))
 std::string Node::slashPath()
 {
     if (!m_parent && m_kind == NodeKind::Clip && static_cast<Clip*>(this)->levelNumber() == 0) return "/";
-    return path(*this, '/',
-                [](int level) { return level == 0 ? std::string() : "_level" + std::to_string(level); });
+    return path(*this, '/', [](int level) { return level == 0 ? std::string() : swf::levelName(level); });
 }
 
 std::string Node::dotPath()
 {
-    return path(*this, '.', [](int level) { return "_level" + std::to_string(std::max(level, 0)); });
+    return path(*this, '.', [](int level) { return swf::levelName(std::max(level, 0)); });
 }
 
 void Node::setColor(const swf::ColorTransform& color)

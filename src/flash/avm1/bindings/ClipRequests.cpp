@@ -4,6 +4,7 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/bindings/StageBinding.h"
+#include "flash/swf/LevelName.h"
 
 // What scripts ask of others than the stage: pages, movies and variables to load, and commands.
 namespace flash::avm1
@@ -59,7 +60,7 @@ void ClipHost::requestUrl(const UrlRequest& request)
     }
     case UrlRequest::Kind::MovieIntoLevel: {
         std::u16string_view digits = request.window;
-        if (startsWithNoCase(digits, u"_level")) digits.remove_prefix(6);
+        if (startsWithNoCase(digits, swf::kLevelPrefix)) digits.remove_prefix(swf::kLevelPrefix.size());
         int number = 0;
         for (const char16_t c : digits)
             if (c >= u'0' && c <= u'9' && number < 10'000'000) number = number * 10 + (c - u'0');

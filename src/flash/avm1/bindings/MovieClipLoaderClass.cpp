@@ -1,4 +1,5 @@
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/swf/LevelName.h"
 
 namespace flash::avm1
 {
@@ -84,8 +85,8 @@ Target targetArg(Call& call, std::size_t index)
     Object* base = call.vm.target();
     if (!base) base = binding.host().level(0);
     target.clip = binding.clipOf(call.vm.resolveTarget(base, path));
-    if (!target.clip && path.starts_with(u"_level") && path.size() > 6)
-        target.level = toInt32(parseNumber(std::u16string_view(path).substr(6), 7));
+    const auto number = swf::afterLevelPrefix(std::u16string_view(path));
+    if (!target.clip && number && !number->empty()) target.level = toInt32(parseNumber(*number, 7));
     return target;
 }
 

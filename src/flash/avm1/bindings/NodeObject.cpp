@@ -3,6 +3,7 @@
 #include "base/TextCodes.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/stage/Button.h"
+#include "flash/swf/LevelName.h"
 
 #include <algorithm>
 #include <optional>
@@ -73,7 +74,7 @@ std::optional<int> levelNumber(std::u16string_view name, bool caseSensitive)
     if (name.size() < kPrefix || name[0] != u'_') return {};
     const std::u16string prefix =
         caseSensitive ? std::u16string(name.substr(0, kPrefix)) : AtomTable::fold(name.substr(0, kPrefix));
-    if (prefix != u"_level" && prefix != u"_flash") return {};
+    if (prefix != swf::kLevelPrefix && prefix != u"_flash") return {};
     name.remove_prefix(kPrefix);
     const bool negative = !name.empty() && name[0] == u'-';
     if (negative) name.remove_prefix(1);

@@ -12,6 +12,7 @@
 #include "flash/avm1/classes/XmlNode.h"
 #include "flash/stage/Button.h"
 #include "flash/stage/TextField.h"
+#include "flash/swf/LevelName.h"
 
 #include <algorithm>
 #include <cmath>
@@ -187,9 +188,9 @@ stage::Node* StageBinding::nodeOf(Object* object)
 
 stage::Node* StageBinding::nodeAt(std::string_view path)
 {
-    constexpr std::string_view kLevel = "_level";
-    if (!m_stage || !path.starts_with(kLevel)) return nullptr;
-    path.remove_prefix(kLevel.size());
+    const auto rest = swf::afterLevelPrefix(path);
+    if (!m_stage || !rest) return nullptr;
+    path = *rest;
     const std::size_t dot = std::min(path.find('.'), path.size());
     stage::Node* node = m_stage->displayList().level(std::atoi(std::string(path.substr(0, dot)).c_str()));
     path.remove_prefix(dot);

@@ -5,6 +5,7 @@
 #include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/stage/TextField.h"
+#include "flash/swf/LevelName.h"
 
 #include <iterator>
 
@@ -214,7 +215,7 @@ void StageEvents::followLink(stage::TextField& field, std::u16string_view url, s
     if (AtomTable::fold(url.substr(0, kFunction.size())) == kFunction)
         return callLinked(timeline, url.substr(kFunction.size()));
     UrlRequest request;
-    const bool isLevel = AtomTable::fold(window.substr(0, 6)) == u"_level";
+    const bool isLevel = AtomTable::fold(window.substr(0, swf::kLevelPrefix.size())) == swf::kLevelPrefix;
     request.kind = isLevel ? UrlRequest::Kind::MovieIntoLevel : UrlRequest::Kind::Page;
     request.url = url;
     request.window = window;

@@ -1,5 +1,6 @@
 #include "flash/avm1/interpreter/Actions.h"
 #include "flash/avm1/interpreter/Interpreter.h"
+#include "flash/swf/LevelName.h"
 
 #include "base/TextCodes.h"
 
@@ -117,7 +118,7 @@ UrlRequest::Method methodFrom(unsigned bits)
 
 bool isLevel(const Vm& vm, std::u16string_view name)
 {
-    constexpr std::u16string_view kPrefix = u"_level";
+    constexpr std::u16string_view kPrefix = swf::kLevelPrefix;
     const std::u16string_view start = name.substr(0, kPrefix.size());
     return name.size() > kPrefix.size() &&
            (vm.isCaseSensitive() ? start == kPrefix : AtomTable::fold(start) == kPrefix) &&
