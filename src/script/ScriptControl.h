@@ -37,7 +37,6 @@ public:
     /// Drops all code and objects. @errors 380 for any language but "VBScript", in any case
     Result<void> setLanguage(std::u16string_view language);
 
-    [[nodiscard]] bool useSafeSubset() const { return m_safeSubset; }
     /// Whether CreateObject and GetObject are limited to objects without a way outside. Takes effect with
     /// Reset.
     void setUseSafeSubset(bool safe) { m_safeSubset = safe; }

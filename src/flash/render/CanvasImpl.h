@@ -99,7 +99,6 @@ private:
     void setSingleStyle(StylePaint paint);
     void pushFrame(Frame::Kind kind, const IntRect& bounds);
     Frame popFrame();
-    void finishMask(Mask mask);
 
     OutlineDrawer& m_drawer;
     std::vector<Frame> m_frames;

@@ -73,7 +73,6 @@ public:
 
     // ---- script-side drawing ----
     [[nodiscard]] Drawing& drawing(); ///< made on first use
-    [[nodiscard]] const Drawing* drawingIfAny() const { return m_drawing.get(); }
 
     // ---- what came with the placement or was set by script ----
     [[nodiscard]] const std::vector<swf::ClipAction>& clipActions() const { return m_clipActions; }
@@ -92,8 +91,6 @@ public:
     void setHitArea(Node* node);
     /// A drawing of a script or a loaded movie makes it react to the mouse: whether it acts as a button now.
     [[nodiscard]] bool isButtonLike();
-    /// The clip is the root of a loaded movie or a level: relative addresses and `_root` with _lockroot.
-    [[nodiscard]] bool isMovieRoot() const { return m_movieRoot; }
     [[nodiscard]] const std::string& url() const { return m_url; } ///< of the movie it comes from
     /// What a root answers for its depth; its level stays where it is in the order of levels.
     void setRootDepth(int depth) { m_depth = depth; }

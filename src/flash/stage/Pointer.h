@@ -71,7 +71,6 @@ private:
     void updateCursor();
     /// Lets the node answer, then its scripts.
     void tell(Node& node, Event event);
-    void tellClips(Event event);
     /// What a press of the left button does to a field.
     void pressField(TextField& field, int clicks);
     void followPressedLink(TextField& field);

@@ -48,7 +48,6 @@ public:
     void setCondensesWhite(bool on) { m_condenseWhite = on; }
     /// Null: none. Applies to the text set as HTML, which is read again.
     void setStyleSheet(std::shared_ptr<const StyleSheet> sheet);
-    [[nodiscard]] bool hasStyleSheet() const { return m_styleSheet != nullptr; }
 
     /// The variable it shows and sets; empty when none.
     [[nodiscard]] const std::string& variable() const { return m_variable; }

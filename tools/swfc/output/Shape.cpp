@@ -328,17 +328,6 @@ DefinitionTag encodeMorph(std::uint16_t id, const MorphShape& morph)
     return {extended ? kDefineMorphShape2 : kDefineMorphShape, std::move(out.bytes())};
 }
 
-int versionForTag(std::uint16_t tagCode)
-{
-    switch (tagCode) {
-    case kDefineShape: return 1;
-    case kDefineShape2: return 2;
-    case kDefineShape3:
-    case kDefineMorphShape: return 3;
-    default: return 8;
-    }
-}
-
 void writeGlyph(BitWriter& out, const Outline& outline)
 {
     out.align();

@@ -87,7 +87,6 @@ struct DefinitionTag {
 /// The oldest tag that can hold the shape. @returns also which version of movie it needs.
 DefinitionTag encodeShape(std::uint16_t id, const Shape& shape);
 DefinitionTag encodeMorph(std::uint16_t id, const MorphShape& morph);
-int versionForTag(std::uint16_t tagCode);
 
 /// A glyph: a shape record without styles of its own.
 void writeGlyph(BitWriter& out, const Outline& outline);

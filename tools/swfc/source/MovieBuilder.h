@@ -108,7 +108,6 @@ private:
     std::optional<std::uint16_t> define(Attributes& attributes, CharacterKind kind);
     const Character* lookUp(const Element& element, const std::string& name);
     const Character* lookUp(const Element& element, const std::string& name, CharacterKind kind);
-    void exportAs(std::uint16_t id, const std::string& name);
     void exportElement(const Element& element);
     void importElement(const Element& element);
     actionscript::SourceText scriptText(const Element& element);
