@@ -356,11 +356,11 @@ bool Engine::holdsOnlyTrusted() const { return d->loader.holdsOnlyTrusted(); }
 bool Engine::hasReadFiles() const { return d->loader.hasReadFiles(); }
 bool Engine::isOpen() const { return d->stage->movie() != nullptr; }
 
-void Engine::advance(double ms, Hearing hearing)
+void Engine::advance(double ms, SoundPace clock)
 {
     d->watched([&] {
         // Sound first: a block that begins with a frame of this step sounds from the end of the step on.
-        if (hearing == Hearing::Silent) d->sound.advance(ms);
+        if (clock == SoundPace::Simulated) d->sound.advance(ms);
         d->stage->advance(ms);
     });
 }

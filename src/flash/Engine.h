@@ -108,11 +108,11 @@ public:
     bool act(const std::function<void(stage::Stage&)>& work);
 
     /// Moves everything on. Not for a level of detail below a frame: loads and frames take place within.
-    enum class Hearing {
-        Silent, ///< sounds move on unheard
-        Device, ///< whoever pulls from the mixer moves the sounds on
+    enum class SoundPace {
+        Simulated, ///< sounds move on with the movie, unheard
+        Device,    ///< whoever pulls from the mixer moves the sounds on
     };
-    void advance(double ms, Hearing hearing = Hearing::Silent);
+    void advance(double ms, SoundPace clock = SoundPace::Simulated);
 
     [[nodiscard]] stage::Stage& stage();
     [[nodiscard]] const stage::Stage& stage() const;

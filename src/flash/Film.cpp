@@ -103,7 +103,7 @@ void Film::moveTo(double ms, std::vector<sound::StereoFrame>& heard)
     heard.resize(before + static_cast<std::size_t>(samples - m_samplesHeard));
     m_engine.sound().mixer().mix(std::span(heard).subspan(before));
     m_samplesHeard = samples;
-    m_engine.advance(ms - m_nowMs, Engine::Hearing::Device);
+    m_engine.advance(ms - m_nowMs, Engine::SoundPace::Device);
     m_nowMs = ms;
 }
 

@@ -20,21 +20,21 @@ QString nameOf(const QString& address) { return QFileInfo(address.section('?', 0
 
 } // namespace
 
-MovieHealth::MovieHealth(flash::FlashControl& control, Doors doors)
-    : m_control(control), m_doors(std::move(doors))
+MovieHealth::MovieHealth(flash::FlashControl& control, Callbacks callbacks)
+    : m_control(control), m_callbacks(std::move(callbacks))
 {
     m_clock.start();
     connect(&control, &flash::FlashControl::frozen, this, [this](bool frozen) { showNotice(frozen); });
     connect(&control, &flash::FlashControl::crashed, this, [this](const QString& movie) {
         showNotice(false);
         noteEnd(movie);
-        m_doors.log("The movie's process has ended unexpectedly: " + movie);
-        m_doors.close(texts::kMovieCrashed);
+        m_callbacks.log("The movie's process has ended unexpectedly: " + movie);
+        m_callbacks.close(texts::kMovieCrashed);
     });
     connect(&control, &flash::FlashControl::refused, this, [this] {
         showNotice(false);
-        m_doors.log("Flash: " + m_control.errorText());
-        m_doors.close(m_control.lacksProcess() ? texts::kMovieWithoutProcess : texts::kMovieDamaged);
+        m_callbacks.log("Flash: " + m_control.errorText());
+        m_callbacks.close(m_control.lacksProcess() ? texts::kMovieWithoutProcess : texts::kMovieDamaged);
     });
 }
 
@@ -44,7 +44,7 @@ bool MovieHealth::mayOpen(const QString& path)
     QList<qint64>& ends = m_ends[nameOf(path)];
     ends.removeIf([this](qint64 at) { return m_clock.elapsed() - at > kForgivenMs; });
     if (ends.size() < kMaxEnds) return true;
-    if (!m_doors.isToOpenAgain(path)) return false;
+    if (!m_callbacks.isToOpenAgain(path)) return false;
     m_ends.remove(nameOf(path));
     return true;
 }
@@ -56,7 +56,7 @@ void MovieHealth::showNotice(bool frozen)
     delete m_notice;
     m_notice = nullptr;
     if (!frozen) return;
-    m_doors.log("The movie's process does not answer: " + m_control.Movie());
+    m_callbacks.log("The movie's process does not answer: " + m_control.Movie());
     m_notice = new QFrame(m_control.parentWidget());
     connect(m_notice, &QObject::destroyed, this, [this] { m_notice = nullptr; });
     m_notice->setObjectName("fraNotAnswering");
@@ -89,7 +89,7 @@ void MovieHealth::showNotice(bool frozen)
 void MovieHealth::closeFrozen()
 {
     showNotice(false);
-    m_doors.close(texts::kMovieNotAnswering);
+    m_callbacks.close(texts::kMovieNotAnswering);
 }
 
 } // namespace player

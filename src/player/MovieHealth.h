@@ -25,13 +25,13 @@ class MovieHealth : public QObject
     Q_OBJECT
 public:
     /// How the player does what is decided here.
-    struct Doors {
+    struct Callbacks {
         std::function<void(const QString& message)> close;
         std::function<void(const QString& line)> log;
         std::function<bool(const QString& path)> isToOpenAgain; ///< asks the user
     };
     /// @param control outlives this
-    MovieHealth(flash::FlashControl& control, Doors doors);
+    MovieHealth(flash::FlashControl& control, Callbacks callbacks);
 
     /// @returns false when the movie has ended twice within a minute and the user does not want it again.
     [[nodiscard]] bool mayOpen(const QString& path);
@@ -45,7 +45,7 @@ private:
     void closeFrozen();
 
     flash::FlashControl& m_control;
-    Doors m_doors;
+    Callbacks m_callbacks;
     QFrame* m_notice = nullptr; // owned by the control's parent
     QElapsedTimer m_clock;
     QHash<QString, QList<qint64>> m_ends; // by path, times of m_clock

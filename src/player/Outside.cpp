@@ -11,7 +11,7 @@ void Outside::log(const QString& line)
     // A movie may ask with every frame.
     if (line == m_lastLine) return;
     m_lastLine = line;
-    m_doors.log(line);
+    m_callbacks.log(line);
 }
 
 bool Outside::isDeclined(const QString& target, const Sender& sender)
@@ -31,7 +31,7 @@ bool Outside::isDeclined(const QString& target, const Sender& sender)
     if (examineTarget(target, folder) != examined)
         log("Not opened, it has changed: " + examined.shown);
     else
-        log((m_doors.open(examined.url) ? "Opened: " : "Nothing opens: ") + examined.shown);
+        log((m_callbacks.open(examined.url) ? "Opened: " : "Nothing opens: ") + examined.shown);
     return false;
 }
 
@@ -45,7 +45,7 @@ bool Outside::isAllowed(const OutsideTarget& target, const Sender& sender)
     Answer answer = Answer::Refuse;
     {
         const QScopedValueRollback asking(m_isAsking, true);
-        answer = m_doors.ask({sender.path, target.shown, sender.hasRead});
+        answer = m_callbacks.ask({sender.path, target.shown, sender.hasRead});
     }
     const bool allowed = answer == Answer::Open || answer == Answer::AlwaysOpen;
     if (answer == Answer::AlwaysOpen || answer == Answer::AlwaysRefuse) {
@@ -63,7 +63,7 @@ void Outside::tellRefusal(const OutsideTarget& target, const Sender& sender)
     if (m_told.contains(sender.path)) return;
     m_told.insert(sender.path);
     const QScopedValueRollback asking(m_isAsking, true);
-    m_doors.tellRefused({sender.path, target.shown}, target.refusal);
+    m_callbacks.tellRefused({sender.path, target.shown}, target.refusal);
 }
 
 } // namespace player

@@ -22,7 +22,7 @@ public:
         bool hasRead = false; ///< what the movie has read it might carry out
     };
     /// What the user, the system and the journal are asked through.
-    struct Doors {
+    struct Callbacks {
         std::function<Answer(const Question&)> ask;
         /// @returns whether there was a program for it
         std::function<bool(const QUrl&)> open;
@@ -30,7 +30,7 @@ public:
         std::function<void(const Question&, OutsideTarget::Refusal)> tellRefused;
         std::function<void(const QString&)> log; ///< plain text
     };
-    explicit Outside(Doors doors) : m_doors(std::move(doors)) {}
+    explicit Outside(Callbacks callbacks) : m_callbacks(std::move(callbacks)) {}
 
     struct Sender {
         QString path;           ///< of the movie's file
@@ -47,7 +47,7 @@ private:
     void tellRefusal(const OutsideTarget& target, const Sender& sender);
     void log(const QString& line);
 
-    Doors m_doors;
+    Callbacks m_callbacks;
     QHash<QString, bool> m_always; ///< by the movie's path: whether it may
     QSet<QString> m_told;          ///< the movies whose requests the user was told are refused
     QString m_lastLine;

@@ -77,7 +77,7 @@ void tellRefused(PlayerHost& host, QWidget& window, const Outside::Question& que
 
 } // namespace
 
-Outside::Doors outsideDoors(PlayerHost& host, QWidget& window)
+Outside::Callbacks outsideCallbacks(PlayerHost& host, QWidget& window)
 {
     return {[&host, &window](const Outside::Question& question) { return ask(host, window, question); },
             [](const QUrl& url) { return platform::openWithSystem(url); },

@@ -9,9 +9,9 @@ namespace player
 
 class PlayerHost;
 
-/// The doors of the real program: dialogs over the window, the system's programs, the journal.
+/// The callbacks of the real program: dialogs over the window, the system's programs, the journal.
 /// @param host   outlives what is returned
 /// @param window as does this one, above which the dialogs lie
-Outside::Doors outsideDoors(PlayerHost& host, QWidget& window);
+Outside::Callbacks outsideCallbacks(PlayerHost& host, QWidget& window);
 
 } // namespace player

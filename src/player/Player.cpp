@@ -64,10 +64,10 @@ Player::Player(core::Application& application, const QString& commandLine)
       m_browser(application, *this, m_browserState),
       m_dialogs(application, *this, *this, m_settings, mediaInfo()),
       m_film(application, *this, *this, control(), m_settings, mediaInfo()),
-      m_outside(outsideDoors(*this, *this)), m_sinceMade(started()),
+      m_outside(outsideCallbacks(*this, *this)), m_sinceMade(started()),
       m_movieJournal([this](const QString& line) { logQuietly(line); },
                      [this] { return m_sinceMade.elapsed(); }),
-      m_pageQueue(*this), m_health(control(), healthDoors()),
+      m_pageQueue(*this), m_health(control(), healthCallbacks()),
       m_lifecycle(application, *this, *this, m_movieScreen, m_placement, m_settings, commandLine)
 {
     application.journalFailed = [this](const base::Failure& failure) {

@@ -286,7 +286,7 @@ public:
     void saveForSuddenEnd();
     /// The memory has come to an end: what takes most of it goes, and the panel says why.
     void closeForLackOfMemory();
-    [[nodiscard]] MovieHealth::Doors healthDoors();
+    [[nodiscard]] MovieHealth::Callbacks healthCallbacks();
     /// Where no exception may pass: out of the engine, and at the end. What cannot be logged is lost.
     void logQuietly(const QString& text) override;
     void keepForSuddenEnd() override { m_settings.keepForSuddenEnd(); }

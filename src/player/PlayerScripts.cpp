@@ -109,7 +109,7 @@ void Player::saveForSuddenEnd()
     }
 }
 
-MovieHealth::Doors Player::healthDoors()
+MovieHealth::Callbacks Player::healthCallbacks()
 {
     return {[this](const QString& message) { handled(texts::kPlaceClose, [&] { CloseMedia(message); }); },
             [this](const QString& line) { logQuietly(core::HtmlEscape(line)); },

@@ -17,8 +17,8 @@ constexpr int kLookMs = 20;
 
 } // namespace
 
-Transport::Transport(flash::FlashControl& control, Menus& menus, Doors doors)
-    : m_control(control), m_menus(menus), m_doors(std::move(doors))
+Transport::Transport(flash::FlashControl& control, Menus& menus, Callbacks callbacks)
+    : m_control(control), m_menus(menus), m_callbacks(std::move(callbacks))
 {
     m_look.setInterval(kLookMs);
     connect(&m_look, &QTimer::timeout, this, &Transport::follow);
@@ -41,8 +41,9 @@ void Transport::goToTenth(int tenth)
 
 void Transport::tellPlace()
 {
-    m_doors.note(QString(texts::kPlaceOf)
-                     .arg(m_doors.time(m_control.FrameNum()), m_doors.time(m_control.TotalFrames())));
+    m_callbacks.note(
+        QString(texts::kPlaceOf)
+            .arg(m_callbacks.time(m_control.FrameNum()), m_callbacks.time(m_control.TotalFrames())));
 }
 
 void Transport::setSpeed(int percent)
@@ -50,7 +51,7 @@ void Transport::setSpeed(int percent)
     m_speed = percent;
     m_control.setSpeed(percent / 100.0);
     for (const int speed : kSpeeds) m_menus.setChecked(QString("mnuSpeed%1").arg(speed), speed == percent);
-    m_doors.note(QString(texts::kSpeedIs).arg(percent));
+    m_callbacks.note(QString(texts::kSpeedIs).arg(percent));
 }
 
 void Transport::changeSpeed(int direction)
@@ -65,14 +66,14 @@ void Transport::markSection()
     const int here = m_control.FrameNum();
     if (!m_first) {
         m_first = here;
-        m_doors.note(QString(texts::kSectionFrom).arg(m_doors.time(here)));
+        m_callbacks.note(QString(texts::kSectionFrom).arg(m_callbacks.time(here)));
     } else if (!m_last && here > *m_first) {
         m_last = here;
         m_look.start();
-        m_doors.note(QString(texts::kSectionIs).arg(m_doors.time(*m_first), m_doors.time(here)));
+        m_callbacks.note(QString(texts::kSectionIs).arg(m_callbacks.time(*m_first), m_callbacks.time(here)));
     } else {
         movieOpened();
-        m_doors.note(texts::kSectionOff);
+        m_callbacks.note(texts::kSectionOff);
     }
     showSection();
 }

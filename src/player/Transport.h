@@ -24,13 +24,13 @@ class Transport : public QObject
 public:
     static constexpr int kSpeeds[] = {25, 50, 75, 100, 125, 150, 200, 400}; ///< percent
 
-    struct Doors {
+    struct Callbacks {
         std::function<void(const QString& text)> note;
         /// A number of frames as minutes and seconds.
         std::function<QString(int frames)> time;
     };
     /// Both outlive this object.
-    Transport(flash::FlashControl& control, Menus& menus, Doors doors);
+    Transport(flash::FlashControl& control, Menus& menus, Callbacks callbacks);
 
     /// To the first frame of a tenth, 0 to 9; the movie goes on if it played.
     void goToTenth(int tenth);
@@ -51,7 +51,7 @@ private:
 
     flash::FlashControl& m_control;
     Menus& m_menus;
-    const Doors m_doors;
+    const Callbacks m_callbacks;
     int m_speed = 100;
     std::optional<int> m_first, m_last; ///< frames of the section
     QTimer m_look;

@@ -11,8 +11,8 @@
 namespace player
 {
 
-WindowKeys::WindowKeys(QWidget& window, flash::FlashControl& control, Doors doors)
-    : QObject(&window), m_window(window), m_control(control), m_doors(std::move(doors))
+WindowKeys::WindowKeys(QWidget& window, flash::FlashControl& control, Callbacks callbacks)
+    : QObject(&window), m_window(window), m_control(control), m_callbacks(std::move(callbacks))
 {
     window.installEventFilter(this);
     control.installEventFilter(this);
@@ -34,7 +34,7 @@ bool WindowKeys::isTaken(const QKeyEvent& key)
 {
     const Qt::KeyboardModifiers held = key.modifiers() & ~Qt::KeypadModifier;
     if (key.key() == Qt::Key_F10 && (held == Qt::NoModifier || held == Qt::ShiftModifier)) {
-        held == Qt::NoModifier ? m_doors.showMenu() : m_doors.showPopUp();
+        held == Qt::NoModifier ? m_callbacks.showMenu() : m_callbacks.showPopUp();
         return true;
     }
     if (belongsToMovie(key, m_control.hasFocus() && m_control.listensToKeys())) return false;
@@ -62,7 +62,7 @@ void WindowKeys::turn(const QWheelEvent& wheel)
     if (std::abs(m_turned) < kNotch) return;
     const int direction = m_turned > 0 ? 1 : -1;
     m_turned = 0;
-    m_doors.zoom(direction);
+    m_callbacks.zoom(direction);
 }
 
 } // namespace player

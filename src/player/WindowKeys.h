@@ -23,14 +23,14 @@ class WindowKeys : public QObject
 {
     Q_OBJECT
 public:
-    struct Doors {
+    struct Callbacks {
         std::function<void()> showMenu;
         std::function<void()> showPopUp;
         std::function<void(int direction)> zoom;
     };
     /// @param window  its actions are what keys are looked up in
     /// @param control has the keys first; both outlive this object
-    WindowKeys(QWidget& window, flash::FlashControl& control, Doors doors);
+    WindowKeys(QWidget& window, flash::FlashControl& control, Callbacks callbacks);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -42,7 +42,7 @@ private:
 
     QWidget& m_window;
     flash::FlashControl& m_control;
-    const Doors m_doors;
+    const Callbacks m_callbacks;
     int m_turned = 0; ///< eighths of a degree that made no notch yet
 };
 

@@ -219,7 +219,7 @@ TEST_F(PlayerWindow, SoundPageSetsWhatIsHeard)
     const auto heard = [&](int volume, int pan) {
         const QString page = soundPage(ZORVEX_PROGRAM_DIR "/media/gadgets/", volume, pan);
         EXPECT_TRUE(engine.openLevel(6000, page.toStdString()));
-        engine.advance(100, flash::Engine::Hearing::Device);
+        engine.advance(100, flash::Engine::SoundPace::Device);
         loudness(engine); // what lies between, if the gains are faded
         return loudness(engine);
     };

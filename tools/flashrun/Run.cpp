@@ -124,7 +124,7 @@ public:
             return;
         }
         m_recording->take(m_engine.sound().mixer(), ms);
-        m_engine.advance(ms, flash::Engine::Hearing::Device);
+        m_engine.advance(ms, flash::Engine::SoundPace::Device);
     }
     void playAsLongAs(const Arguments& arguments)
     {

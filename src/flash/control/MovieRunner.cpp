@@ -61,7 +61,7 @@ void MovieRunner::step(SoundClock device)
         QElapsedTimer cost;
         cost.start();
         m_engine.advance(inStepWithSound(elapsed, device) * m_settings.speed,
-                         device ? Engine::Hearing::Device : Engine::Hearing::Silent);
+                         device ? Engine::SoundPace::Device : Engine::SoundPace::Simulated);
         m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
         adaptQuality(elapsed);
     });

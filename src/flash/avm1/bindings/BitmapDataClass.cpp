@@ -60,11 +60,11 @@ bool hasRoomFor(Vm& vm, double width, double height)
 using Member = Value (*)(Call&, swf::Bitmap&);
 
 /// The checks that all members share, around what one does.
-template <Member Function, std::size_t Least>
+template <Member Function, std::size_t MinArguments>
 Value guarded(Call& call)
 {
     const auto* native = call.native<BitmapDataNative>();
-    if (native == nullptr || native->bitmap == nullptr || call.count() < Least) return kRefused;
+    if (native == nullptr || native->bitmap == nullptr || call.count() < MinArguments) return kRefused;
     const std::shared_ptr<swf::Bitmap> keep = native->bitmap; // a script called from here may dispose of it
     constexpr std::size_t kPixelsPerStep = 1024;              // for all that is done to them
     call.vm.noteWork(keep->pixels.size() / kPixelsPerStep);
@@ -72,11 +72,11 @@ Value guarded(Call& call)
 }
 
 /// As guarded(), for members that change pixels: what shows the bitmap is drawn again.
-template <Member Function, std::size_t Least>
+template <Member Function, std::size_t MinArguments>
 Value changing(Call& call)
 {
     const auto* native = call.native<BitmapDataNative>();
-    const Value result = guarded<Function, Least>(call);
+    const Value result = guarded<Function, MinArguments>(call);
     if (native != nullptr && native->bitmap.use_count() > 1)
         StageBinding::of(call).stage().view().invalidateAll();
     return result;
@@ -177,7 +177,7 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
 {
     Vm& vm = call.vm;
     const swf::Point own = pointFromValue(vm, call.arg(0));
-    const auto least = static_cast<std::uint32_t>(std::clamp(intArg(call, 1), 0, 255));
+    const auto threshold = static_cast<std::uint32_t>(std::clamp(intArg(call, 1), 0, 255));
     const auto solid = [](const swf::Bitmap& b, int x, int y, std::uint32_t limit) {
         return isInside(b, x, y) && (render::pixelAt(b, x, y) >> 24) >= limit;
     };
@@ -190,7 +190,7 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
             static_cast<std::uint32_t>(std::clamp(call.count() > 4 ? intArg(call, 4) : 1, 0, 255));
         for (int y = 0; y < bitmap.height; ++y)
             for (int x = 0; x < bitmap.width; ++x)
-                if (solid(bitmap, x, y, least) &&
+                if (solid(bitmap, x, y, threshold) &&
                     solid(*second, x + left - toInt32(at.x), y + top - toInt32(at.y), limit))
                     return true;
         return false;
@@ -198,14 +198,14 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
     Value width;
     if (!other->find(vm, vm.name(std::string_view("width")), width, other)) {
         const swf::Point at = pointFromValue(vm, other);
-        return solid(bitmap, toInt32(at.x) - left, toInt32(at.y) - top, least);
+        return solid(bitmap, toInt32(at.x) - left, toInt32(at.y) - top, threshold);
     }
     const auto rect = rectFromValue(vm, other);
     const render::IntRect moved{rect->left - left, rect->top - top, rect->right - left, rect->bottom - top};
     const render::IntRect area = render::intersect(moved, render::boundsOf(bitmap));
     for (int y = area.top; y < area.bottom; ++y)
         for (int x = area.left; x < area.right; ++x)
-            if (solid(bitmap, x, y, least)) return true;
+            if (solid(bitmap, x, y, threshold)) return true;
     return false;
 }
 

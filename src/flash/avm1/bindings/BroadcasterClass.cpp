@@ -95,7 +95,7 @@ void installBroadcaster(StageBinding& binding)
 {
     Vm& vm = binding.vm();
     Function* constructor = vm.defineClass("AsBroadcaster", &construct);
-    furnish(vm, constructor, kStatics, kNativeTable);
+    defineFunctions(vm, constructor, kStatics, kNativeTable);
     constructor->changeFlags(vm, vm.common().prototype, kFrom6, 0);
 }
 

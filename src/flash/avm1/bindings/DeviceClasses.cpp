@@ -80,7 +80,7 @@ void installDeviceClasses(StageBinding& binding)
     Object* accessibility = defineGlobalObject(vm, "Accessibility", {});
     makeConstant(vm, accessibility);
     for (const MemberInfo& member : kAccessibilityMembers)
-        accessibility->define(vm, member.name, vm.newFunction(member.function, member.least),
+        accessibility->define(vm, member.name, vm.newFunction(member.function, member.minArguments),
                               static_cast<std::uint16_t>(kDontDelete | member.flags));
 }
 

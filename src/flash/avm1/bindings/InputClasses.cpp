@@ -73,7 +73,7 @@ void installKey(StageBinding& binding)
         key->define(vm, entry.name, Value(entry.code), kDontEnum | kDontDelete | kReadOnly);
     constexpr int kKeyTable = 800, kKeyNatives = 4;
     for (int i = 0; i < kKeyNatives; ++i)
-        vm.registerNative(kKeyTable, i, kKeyMembers[i].function, kKeyMembers[i].least);
+        vm.registerNative(kKeyTable, i, kKeyMembers[i].function, kKeyMembers[i].minArguments);
     makeBroadcaster(vm, key);
     makeConstant(vm, key);
 }

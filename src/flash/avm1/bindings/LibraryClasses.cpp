@@ -107,7 +107,7 @@ constexpr AccessorInfo kFileFacts[] = {
 
 /// Makes a file reference of the object given or, without one, of `this`: the script constructor of the class
 /// calls it with the object it constructs.
-Value furnishFileReference(Call& call)
+Value makeFileReference(Call& call)
 {
     Object* object = call.arg(0).asObject();
     if (object == nullptr) object = call.self.asObject();
@@ -368,7 +368,7 @@ void numberClipFunctions(Vm& vm)
         prototype->find(vm, vm.name(std::string_view(kNames[i])), function, prototype);
         if (function.isObject() && function.object()->isFunction())
             vm.registerNative(kClipTable, i, function.object()->asFunction()->nativeFunction(),
-                              function.object()->asFunction()->least());
+                              function.object()->asFunction()->minArguments());
     }
 }
 
@@ -377,7 +377,7 @@ Function* defineIn(Vm& vm, Object* package, const char* name, NativeFunction con
                    std::span<const LibraryFunction> members, int table = -1, std::uint16_t flags = 0)
 {
     Function* function = vm.newScriptLike(constructor);
-    furnish(vm, vm.prototypeOf(function), members, table);
+    defineFunctions(vm, vm.prototypeOf(function), members, table);
     package->define(vm, name, function, flags);
     return function;
 }
@@ -387,7 +387,7 @@ void completeSystem(Vm& vm)
     Object* system = vm.global()->get(vm, vm.name(std::string_view("System"))).asObject();
     if (system == nullptr) return;
     Object* ime = vm.newObject();
-    furnish(vm, ime, kImeMembers, 2201);
+    defineFunctions(vm, ime, kImeMembers, 2201);
     for (const char* mode : kConversionModes)
         ime->define(vm, mode, Value(vm.string(std::string_view(mode))), kHidden8);
     makeBroadcaster(vm, ime);
@@ -395,7 +395,7 @@ void completeSystem(Vm& vm)
     defineIn(vm, system, "Product", &nothing, kProductMembers, -1, kDontEnum);
     Object* security = system->get(vm, vm.name(std::string_view("security"))).asObject();
     if (security == nullptr) return;
-    furnish(vm, security, kSecurityMembers, 12);
+    defineFunctions(vm, security, kSecurityMembers, 12);
     Function* resolver = defineIn(vm, security, "PolicyFileResolver", &nothing, kPolicyMembers, 12, kHidden);
     makeBroadcaster(vm, vm.prototypeOf(resolver));
 }
@@ -405,21 +405,21 @@ void completeSystem(Vm& vm)
 void installLibrary(StageBinding& binding, Object* flash)
 {
     Vm& vm = binding.vm();
-    furnish(vm, vm.global(), kGlobals);
-    furnish(vm, vm.prototypeOf(vm.defineClass("XMLSocket", &nothing)), kSocketMembers, 400);
+    defineFunctions(vm, vm.global(), kGlobals);
+    defineFunctions(vm, vm.prototypeOf(vm.defineClass("XMLSocket", &nothing)), kSocketMembers, 400);
     Function* camera = vm.defineClass("Camera", &nothing);
-    furnish(vm, vm.prototypeOf(camera), kCameraMembers, 2102);
+    defineFunctions(vm, vm.prototypeOf(camera), kCameraMembers, 2102);
     camera->define(vm, "get", vm.newScriptLike(&none), 0);
     camera->defineAccessor(vm, vm.name(std::string_view("names")), vm.newFunction(&noNames), nullptr, 0);
-    furnish(vm, vm.prototypeOf(vm.defineClass("TextSnapshot", &nothing)), kSnapshotMembers, 1067);
+    defineFunctions(vm, vm.prototypeOf(vm.defineClass("TextSnapshot", &nothing)), kSnapshotMembers, 1067);
     if (Object* clip = vm.global()->get(vm, vm.name(std::string_view("MovieClip"))).asObject())
-        furnish(vm, vm.prototypeOf(clip), kClipMembers);
+        defineFunctions(vm, vm.prototypeOf(clip), kClipMembers);
     passForScript(vm, "MovieClip",
                   {"getTextSnapshot", "getURL", "loadMovie", "loadVariables", "unloadMovie"});
     passForScript(vm, "NetStream", {"pause", "play", "publish", "receiveAudio", "receiveVideo", "seek"});
     numberClipFunctions(vm);
     Function* usage = vm.defineClass("RemoteLSOUsage", &nothing);
-    furnish(vm, usage, kRemoteUsageStatics);
+    defineFunctions(vm, usage, kRemoteUsageStatics);
     completeSystem(vm);
 
     Object* net = packageOf(vm, flash, "net");
@@ -429,17 +429,17 @@ void installLibrary(StageBinding& binding, Object* flash)
                  : defineIn(vm, net, "FileReference", &constructFileReference, kFileMembers, 2204);
         makeBroadcaster(vm, vm.prototypeOf(made));
     }
-    vm.registerNative(2204, 200, &furnishFileReference);
+    vm.registerNative(2204, 200, &makeFileReference);
 
     Object* external = packageOf(vm, flash, "external");
     Function* interface = defineIn(vm, external, "ExternalInterface", &nothing, {});
-    furnish(vm, interface, kExternalMembers, 14);
+    defineFunctions(vm, interface, kExternalMembers, 14);
     vm.addAccessors(interface, kAvailable);
     interface->changeFlags(vm, Name(), kConstant, 0);
     interface->changeFlags(vm, vm.common().prototype, kFrom8, 0);
 
     Function* renderer = defineIn(vm, packageOf(vm, flash, "text"), "TextRenderer", &nothing, {});
-    furnish(vm, renderer, kTextRendererStatics, 2150);
+    defineFunctions(vm, renderer, kTextRendererStatics, 2150);
 }
 
 } // namespace flash::avm1

@@ -71,7 +71,7 @@ void installLoadVars(StageBinding& binding)
 {
     Vm& vm = binding.vm();
     Function* constructor = vm.defineClass("LoadVars", &construct);
-    furnish(vm, vm.prototypeOf(constructor), kMembers, kLoadTable);
+    defineFunctions(vm, vm.prototypeOf(constructor), kMembers, kLoadTable);
     addLoading(vm, vm.prototypeOf(constructor), kBuiltIn | kFrom6);
     vm.prototypeOf(constructor)
         ->define(vm, "contentType", Value(vm.string(std::string_view("application/x-www-form-urlencoded"))),

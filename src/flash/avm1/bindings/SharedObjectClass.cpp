@@ -157,7 +157,7 @@ void installSharedObject(StageBinding& binding)
 {
     Vm& vm = binding.vm();
     Function* constructor = vm.defineClass("SharedObject", &nothing, kMembers, 0, kNativeTable);
-    furnish(vm, constructor, kStaticMembers);
+    defineFunctions(vm, constructor, kStaticMembers);
     // What the functions in script call.
     vm.registerNative(kNativeTable, 202, &getLocal);
     vm.registerNative(kNativeTable, 203, &getRemote);

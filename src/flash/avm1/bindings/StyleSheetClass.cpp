@@ -275,7 +275,7 @@ void installStyleSheet(StageBinding& binding, Object* textField)
     Vm& vm = binding.vm();
     Function* constructor = vm.newFunction(&construct);
     Object* prototype = vm.newObject(vm.builtIns().object);
-    furnish(vm, prototype, kMembers, kNativeTable);
+    defineFunctions(vm, prototype, kMembers, kNativeTable);
     const Name parseName = vm.name(std::string_view("parse"));
     prototype->define(vm, "parseCSS", prototype->get(vm, parseName), kHidden);
     constructor->define(vm, vm.common().prototype, Value(prototype), kBuiltIn);

@@ -314,7 +314,7 @@ Value getTextExtent(Call& call)
 }
 
 // The prototype gets its properties with the first object of the class.
-void furnishPrototype(Vm& vm)
+void definePrototype(Vm& vm)
 {
     Object* constructor = vm.global()->get(vm, vm.name(std::string_view("TextFormat"))).asObject();
     Object* prototype = constructor ? vm.prototypeOf(constructor) : nullptr;
@@ -327,9 +327,9 @@ void furnishPrototype(Vm& vm)
     }
 }
 
-TextFormatObject& furnish(Vm& vm, Object& object)
+TextFormatObject& makeTextFormat(Vm& vm, Object& object)
 {
-    furnishPrototype(vm);
+    definePrototype(vm);
     // A function without any property, not even those that all functions have.
     Function* extent = vm.newFunction(&getTextExtent);
     extent->changeFlags(vm, Name(), 0, kHidden);
@@ -343,7 +343,7 @@ Value construct(Call& call)
 {
     Object* object = call.self.asObject();
     if (!object || !call.isConstruct) return {};
-    furnish(call.vm, *object);
+    makeTextFormat(call.vm, *object);
     for (std::size_t i = 0; i < std::min(call.count(), kConstructorArguments); ++i) {
         Call set{call.vm, call.self, call.args.subspan(i, 1), call.callee};
         kAccessors[i].setter(set);
@@ -374,7 +374,7 @@ Object* makeTextFormat(Vm& vm, const stage::PartialTextFormat& format)
 {
     Object* constructor = vm.global()->get(vm, vm.name(std::string_view("TextFormat"))).asObject();
     Object* object = vm.newObject(constructor ? vm.prototypeOf(constructor) : nullptr);
-    TextFormatObject& native = furnish(vm, *object);
+    TextFormatObject& native = makeTextFormat(vm, *object);
     native.format = format;
     if (native.format.color) native.format.color->a = 0;
     return object;

@@ -200,7 +200,7 @@ Value toString(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name       least  flags  function    native
+    // name       min    flags  function    native
     {"push",      0,     0,     &push,      1},
     {"pop",       0,     0,     &pop,       2},
     {"concat",    0,     0,     &concat,    3},

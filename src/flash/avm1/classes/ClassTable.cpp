@@ -3,14 +3,15 @@
 namespace flash::avm1
 {
 
-void furnish(Vm& vm, Object* object, std::span<const LibraryFunction> functions, int nativeTable)
+void defineFunctions(Vm& vm, Object* object, std::span<const LibraryFunction> functions, int nativeTable)
 {
     for (const LibraryFunction& entry : functions) {
-        Function* function = entry.written == Written::Script ? vm.newScriptLike(entry.function)
-                                                              : vm.newFunction(entry.function, entry.least);
+        Function* function = entry.written == Written::Script
+                                 ? vm.newScriptLike(entry.function)
+                                 : vm.newFunction(entry.function, entry.minArguments);
         object->define(vm, vm.name(std::string_view(entry.name)), function, entry.flags);
         if (nativeTable >= 0 && entry.nativeIndex >= 0)
-            vm.registerNative(nativeTable, entry.nativeIndex, entry.function, entry.least);
+            vm.registerNative(nativeTable, entry.nativeIndex, entry.function, entry.minArguments);
     }
 }
 

@@ -15,7 +15,7 @@ struct LibraryFunction {
     Written written;
     std::uint16_t flags; ///< all of them; nothing is added
     NativeFunction function;
-    int least = 0;        ///< arguments; called with fewer, nothing happens
+    int minArguments = 0; ///< called with fewer, nothing happens
     int nativeIndex = -1; ///< what ASnative(table, index) calls it; -1 for none
 };
 
@@ -26,6 +26,7 @@ inline constexpr std::uint16_t kHidden8 = kHidden | kFrom8;
 inline constexpr std::uint16_t kConstant = kHidden | kReadOnly;
 
 /// Puts functions on an object. @param nativeTable first number of ASnative; -1 for none
-void furnish(Vm& vm, Object* object, std::span<const LibraryFunction> functions, int nativeTable = -1);
+void defineFunctions(Vm& vm, Object* object, std::span<const LibraryFunction> functions,
+                     int nativeTable = -1);
 
 } // namespace flash::avm1

@@ -2,8 +2,8 @@
 
 #include "flash/avm1/interpreter/Vm.h"
 
-// The classes of the language itself. Each install function makes the constructor, furnishes the prototype
-// and notes it in Vm::builtIns. What the stage adds (MovieClip and its like) lives with the stage.
+// The classes of the language itself. Each install function makes the constructor, gives the prototype its
+// members and notes it in Vm::builtIns. What the stage adds (MovieClip and its like) lives with the stage.
 namespace flash::avm1::classes
 {
 

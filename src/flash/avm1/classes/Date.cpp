@@ -205,7 +205,7 @@ constexpr Zone kLocal = Zone::Local;
 constexpr Zone kUtc = Zone::Utc;
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name                 least  flags  function                       native
+    // name                 min    flags  function                       native
     {"getFullYear",         0,     0,     &get<kLocal, &D::year>,         0},
     {"getYear",             0,     0,     &getYear<kLocal>,               1},
     {"getMonth",            0,     0,     &get<kLocal, &D::month>,        2},

@@ -31,7 +31,7 @@ void installError(Vm& vm)
     Object* prototype = vm.prototypeOf(constructor);
     prototype->define(vm, vm.common().name, vm.string("Error"), 0);
     prototype->define(vm, vm.common().message, vm.string("Error"), 0);
-    furnish(vm, prototype, kMembers);
+    defineFunctions(vm, prototype, kMembers);
     vm.builtIns().error = prototype;
 }
 

@@ -305,7 +305,7 @@ void installFilters(Vm& vm, Object* package)
     Object* prototype = vm.newObject();
     prototype->define(vm, vm.common().constructor, base, kBuiltIn);
     for (const MemberInfo& member : kBaseMembers)
-        prototype->define(vm, member.name, vm.newFunction(member.function, member.least), kFrom8);
+        prototype->define(vm, member.name, vm.newFunction(member.function, member.minArguments), kFrom8);
     base->define(vm, vm.common().prototype, prototype, kBuiltIn);
     package->define(vm, "BitmapFilter", base, 0);
     addClass<FilterKind::Blur>(vm, package, "BlurFilter", base);

@@ -40,7 +40,7 @@ Value apply(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name   least  flags   function
+    // name   min    flags   function
     {"call",  0,     kFrom6, &callFunction},
     {"apply", 0,     kFrom6, &apply},
 };

@@ -215,7 +215,7 @@ void installColorTransform(Vm& vm, Object* package)
     Object* prototype = vm.newObject();
     prototype->define(vm, vm.common().constructor, constructor, kBuiltIn);
     addMembers(vm, prototype, std::make_index_sequence<kMembers.size()>());
-    furnish(vm, prototype, kMethods);
+    defineFunctions(vm, prototype, kMethods);
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
     package->define(vm, "ColorTransform", constructor, 0);
 }

@@ -242,7 +242,7 @@ Value asConstructor(Call& call)
     if (function == nullptr) return {};
     Vm& vm = call.vm;
     Function* constructor =
-        vm.newFunction(function->asFunction()->nativeFunction(), function->asFunction()->least());
+        vm.newFunction(function->asFunction()->nativeFunction(), function->asFunction()->minArguments());
     Object* prototype = vm.newObject();
     prototype->define(vm, vm.common().constructor, constructor, kBuiltIn);
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
@@ -251,7 +251,7 @@ Value asConstructor(Call& call)
 
 // clang-format off
 constexpr MemberInfo kFunctions[] = {
-    // name                 least  flags   function             native
+    // name                 min    flags   function             native
     {"ASSetPropFlags",      0,     0,      &setPropFlags,       0},
     {"ASSetNative",         0,     0,      &setNative},
     {"ASSetNativeAccessor", 0,     0,      &setNativeAccessor},

@@ -68,7 +68,7 @@ Value random(Call& call)
 
 // clang-format off
 constexpr MemberInfo kStatics[] = {
-    // name     least  flags  function                native
+    // name     min    flags  function                native
     {"abs",     0,     0,     &unary<&absolute>,      0},
     {"min",     0,     0,     &extreme<false>,        1},
     {"max",     0,     0,     &extreme<true>,         2},

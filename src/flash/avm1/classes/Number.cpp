@@ -63,7 +63,7 @@ Value toString(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name      least  flags  function    native
+    // name      min    flags  function    native
     {"valueOf",  0,     0,     &valueOf,   0},
     {"toString", 0,     0,     &toString,  1},
 };

@@ -116,7 +116,7 @@ Value registerClass(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name                    least  flags   function            native
+    // name                    min    flags   function            native
     {"watch",                  0,     kFrom6, &watch,             0},
     {"unwatch",                0,     kFrom6, &unwatch,           1},
     {"addProperty",            0,     kFrom6, &addProperty,       2},

@@ -259,7 +259,7 @@ Value fromCharCode(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name          least  flags  function       native
+    // name          min    flags  function       native
     {"valueOf",      0,     0,     &valueOf,      1},
     {"toString",     0,     0,     &valueOf,      2},
     {"toUpperCase",  0,     0,     &toUpperCase,  3},

@@ -287,8 +287,9 @@ void installXml(Vm& vm)
 {
     const auto addPlain = [&](Object* object, std::span<const MemberInfo> members, int table) {
         for (const MemberInfo& member : members) {
-            object->define(vm, member.name, vm.newFunction(member.function, member.least), 0);
-            if (table >= 0) vm.registerNative(table, member.nativeIndex, member.function, member.least);
+            object->define(vm, member.name, vm.newFunction(member.function, member.minArguments), 0);
+            if (table >= 0)
+                vm.registerNative(table, member.nativeIndex, member.function, member.minArguments);
         }
     };
     Function* nodeClass = vm.defineClass("XMLNode", &constructNode, {}, 0, kNodeTable);

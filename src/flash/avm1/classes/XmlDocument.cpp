@@ -170,7 +170,7 @@ void installDocument(Vm& vm, Function* nodeClass)
     Object* documentPrototype = vm.newObject(vm.prototypeOf(nodeClass));
     documentPrototype->define(vm, vm.common().constructorInternal, nodeClass, kDontEnum | kFrom6);
     for (const MemberInfo& member : kDocumentMembers)
-        documentPrototype->define(vm, member.name, vm.newFunction(member.function, member.least), 0);
+        documentPrototype->define(vm, member.name, vm.newFunction(member.function, member.minArguments), 0);
     documentPrototype->define(vm, "onData", vm.newScriptLike(&onData), 0);
     documentPrototype->define(vm, "onLoad", vm.newScriptLike(&onLoad), 0);
     documentClass->define(vm, vm.common().prototype, documentPrototype, kBuiltIn);

@@ -5,8 +5,8 @@
 namespace flash::avm1
 {
 
-/// The elements of an array, dense from 0 on; holes are marked. Indices far beyond the end live in the bag
-/// like other properties, so that `a[1e8] = 0` costs nothing; `length` covers both.
+/// The elements of an array, dense from 0 on; holes are marked. Indices far beyond the end are ordinary
+/// properties like other properties, so that `a[1e8] = 0` costs nothing; `length` covers both.
 class ArrayNative final : public Native
 {
 public:
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] double length() const { return m_length; }
     /// @returns the length that scripts gave it, which may be below 0
     [[nodiscard]] std::int32_t signedLength() const;
-    /// Grows with holes or cuts; elements in the bag beyond the new length are removed too.
+    /// Grows with holes or cuts; ordinary properties with indices beyond the new length are removed too.
     void setLength(Vm& vm, Object& self, double length);
     /// Replaces all elements; the length follows.
     void assign(std::span<const Value> elements);

@@ -6,8 +6,8 @@
 namespace flash::avm1
 {
 
-Function::Function(Vm& vm, NativeFunction native, int least)
-    : Object(vm, vm.builtIns().function), m_native(native), m_least(least)
+Function::Function(Vm& vm, NativeFunction native, int minArguments)
+    : Object(vm, vm.builtIns().function), m_native(native), m_minArguments(minArguments)
 {
     becomeFunction(vm);
 }

@@ -34,11 +34,11 @@ struct Call {
 
 using NativeFunction = Value (*)(Call&);
 
-/// One line of a class's table. Called with fewer arguments than `least`, the function is not run and the
-/// call yields undefined.
+/// One line of a class's table. Called with fewer arguments than `minArguments`, the function is not run and
+/// the call yields undefined.
 struct MemberInfo {
     const char* name;
-    int least;
+    int minArguments;
     std::uint16_t flags; ///< of the property, besides kBuiltIn
     NativeFunction function;
     int nativeIndex = -1; ///< what ASnative(table, index) calls it; -1 for none
@@ -68,13 +68,13 @@ public:
 class Function final : public Object
 {
 public:
-    Function(Vm& vm, NativeFunction native, int least);
+    Function(Vm& vm, NativeFunction native, int minArguments);
     Function(Vm& vm, FunctionCode& code, Code* owner, const TracedList<Value>* pool, Scope* scope,
              Object* definingTarget);
 
     [[nodiscard]] bool isNative() const { return m_native != nullptr; }
     [[nodiscard]] NativeFunction nativeFunction() const { return m_native; }
-    [[nodiscard]] int least() const { return m_least; }
+    [[nodiscard]] int minArguments() const { return m_minArguments; }
     [[nodiscard]] FunctionCode* code() const { return m_code; }
     /// The constant pool in force where the function was made; may be null.
     [[nodiscard]] const TracedList<Value>* pool() const { return m_pool; }
@@ -88,7 +88,7 @@ public:
 private:
     void becomeFunction(Vm& vm);
     NativeFunction m_native = nullptr;
-    int m_least = 0;
+    int m_minArguments = 0;
     FunctionCode* m_code = nullptr; // inside m_owner
     const TracedList<Value>* m_pool = nullptr;
     Code* m_owner = nullptr;

@@ -126,7 +126,7 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
     Value result;
     if (!function->isNative()) {
         result = invokeScript(vm, function, self, args, options);
-    } else if (args.size() >= static_cast<std::size_t>(function->least())) {
+    } else if (args.size() >= static_cast<std::size_t>(function->minArguments())) {
         noteWorkOn(vm, self, args);
         Call call{vm, self, args, function, options.isConstruct};
         result = function->nativeFunction()(call);

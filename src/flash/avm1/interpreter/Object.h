@@ -48,21 +48,21 @@ private:
 /// In what ways objects answer for their own properties. Caches tell them apart by this, as objects of
 /// different kinds may share a shape.
 enum class Exotic : std::uint8_t {
-    None,   ///< the bag is all there is
+    None,   ///< ordinary properties are all there is
     Array,  ///< elements and length
     Node,   ///< an instance of the stage: children and display properties
     Opaque, ///< anything; is asked each time
 };
 
-/// What an exotic object leaves to its bag, for one name and for as long as its shape stays.
+/// What an exotic object leaves to its ordinary properties, for one name and for as long as its shape stays.
 struct Caching {
-    bool get = false;  ///< a property of the bag is what a look-up finds
+    bool get = false;  ///< an ordinary property is what a look-up finds
     bool put = false;  ///< assigning to such a property does nothing but that
-    bool miss = false; ///< what is not in the bag is not there
+    bool miss = false; ///< what is no ordinary property is not there
 };
 
-/// What makes an object more than a bag of properties: a date's time, an array's elements, a clip's place on
-/// the stage. A constructor attaches it to `this`, so that it works for classes that scripts derive, too.
+/// What makes an object more than its ordinary properties: a date's time, an array's elements, a clip's place
+/// on the stage. A constructor attaches it to `this`, so that it works for classes that scripts derive, too.
 /// A cell of its own: a script that makes its object something else while a function of the native runs does
 /// not take the native away from under that function. A destructor must not touch other cells.
 ///
@@ -93,7 +93,8 @@ public:
     /// @returns whether something was removed.
     virtual bool deleteOwn(Vm& vm, Object& self, Name name);
     virtual void enumerateOwn(Vm& vm, Object& self, NameCollector& names);
-    /// Flags of what the native side shows as properties; as Object::changeFlags, which sees to the bag.
+    /// Flags of what the native side shows as properties; as Object::changeFlags, which sees to the ordinary
+    /// ones.
     virtual void changeFlags(Vm&, Name, std::uint16_t /*set*/, std::uint16_t /*clear*/) {}
     /// @returns the value that primitive conversion uses instead of asking valueOf and toString, or
     /// undefined.
@@ -129,7 +130,7 @@ public:
     /// AtomTable of this object and its prototypes in the order of a for-in loop.
     RootedNames enumerate(Vm& vm);
 
-    // ---- own properties of the bag, past any hooks -------------------------------------------------------
+    // ---- ordinary own properties, past any hooks ---
 
     bool getPlain(Vm& vm, Name name, Value receiver, Value& result);
     /// Assigns to an own property or creates it. Read-only ones stay; setters and watches are called.
@@ -143,14 +144,14 @@ public:
     bool deletePlain(Vm& vm, Name name);
     void enumeratePlain(Vm& vm, NameCollector& names) const;
 
-    /// Creates or overwrites an own property with its flags, asking nobody. For natives that furnish objects.
+    /// Creates or overwrites an own property with its flags, asking nobody. For natives that make objects.
     void define(Vm& vm, Name name, Value value, std::uint16_t flags = 0);
     void define(Vm& vm, std::string_view name, Value value, std::uint16_t flags = 0);
     /// As define, with a getter and a setter, either of which may be null.
     void defineAccessor(Vm& vm, Name name, Object* getter, Object* setter, std::uint16_t flags = 0);
     /// As hasPlain, with the properties that the running version does not see.
     [[nodiscard]] bool hasHidden(const Vm& vm, Name name) const;
-    /// @returns the flags of an own property of the bag; 0 when there is none.
+    /// @returns the flags of an ordinary own property; 0 when there is none.
     [[nodiscard]] std::uint16_t flagsOf(const Vm& vm, Name name) const;
     /// Sets, then clears, flags of one own property (a null name: of all).
     void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear);
@@ -223,7 +224,7 @@ public:
         std::uint16_t flags = 0;
     };
     /// Looks for a property without calling anything. @param caching receives what the object itself, if it
-    /// is exotic, leaves to its bag
+    /// is exotic, leaves to its ordinary properties
     Found find(Vm& vm, Name name, Caching& caching);
 
     [[nodiscard]] const Shape* shape() const { return m_shape; }

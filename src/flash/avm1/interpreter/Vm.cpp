@@ -269,9 +269,9 @@ Object* Vm::newArray(std::span<const Value> elements)
     return array;
 }
 
-Function* Vm::newFunction(NativeFunction function, int least)
+Function* Vm::newFunction(NativeFunction function, int minArguments)
 {
-    return m_heap.make<Function>(*this, function, least);
+    return m_heap.make<Function>(*this, function, minArguments);
 }
 
 Function* Vm::newScriptLike(NativeFunction native)
@@ -286,7 +286,7 @@ Function* Vm::newScriptLike(NativeFunction native)
 void Vm::addMembers(Object* object, std::span<const MemberInfo> members, int nativeTable)
 {
     for (const MemberInfo& member : members) {
-        Function* function = newFunction(member.function, member.least);
+        Function* function = newFunction(member.function, member.minArguments);
         object->define(*this, name(member.name), function,
                        static_cast<std::uint16_t>(kBuiltIn | member.flags));
         if (nativeTable >= 0 && member.nativeIndex >= 0)
@@ -323,9 +323,9 @@ Object* Vm::prototypeOf(Object* constructor)
     return prototype.asObject();
 }
 
-void Vm::registerNative(int table, int index, NativeFunction function, int least)
+void Vm::registerNative(int table, int index, NativeFunction function, int minArguments)
 {
-    m_natives[{table, index}] = newFunction(function, least);
+    m_natives[{table, index}] = newFunction(function, minArguments);
 }
 
 Function* Vm::nativeByNumber(int table, int index)
@@ -333,7 +333,7 @@ Function* Vm::nativeByNumber(int table, int index)
     const auto found = m_natives.find({table, index});
     if (found == m_natives.end()) return nullptr;
     // Each call makes another object.
-    return newFunction(found->second->nativeFunction(), found->second->least());
+    return newFunction(found->second->nativeFunction(), found->second->minArguments());
 }
 
 void Vm::registerSymbolClass(const std::u16string& symbol, Object* constructor)

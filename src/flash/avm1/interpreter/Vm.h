@@ -162,7 +162,7 @@ public:
     Object* newArray(std::span<const Value> elements = {});
     /// What the literal {} makes: an object that names its constructor.
     Object* newLiteral();
-    Function* newFunction(NativeFunction function, int least = 0);
+    Function* newFunction(NativeFunction function, int minArguments = 0);
     /// A native that scripts take for a function of their kind: it has a prototype.
     Function* newScriptLike(NativeFunction function);
 
@@ -178,7 +178,7 @@ public:
                           int nativeTable = -1);
     Object* prototypeOf(Object* constructor);
     /// Registers what ASnative(table, index) answers.
-    void registerNative(int table, int index, NativeFunction function, int least = 0);
+    void registerNative(int table, int index, NativeFunction function, int minArguments = 0);
     Function* nativeByNumber(int table, int index);
     /// Object.registerClass: the class of clips made from a library symbol. A null constructor takes it back.
     /// Counts for symbols of the movie whose script runs.
