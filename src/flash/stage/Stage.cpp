@@ -97,8 +97,11 @@ void Stage::runTimersAndQueue()
 {
     guard::check();
     m_queue.askWhenOverdue();
+    // What timers ask for, such as to quit, is done with the next frame.
+    m_queue.holdRequests(true);
     m_script->runTimers(m_nowMs);
     m_queue.run();
+    m_queue.holdRequests(false);
 }
 
 double Stage::msToNextEvent()

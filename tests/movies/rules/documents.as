@@ -21,4 +21,14 @@ trace(x.contentType);
 x.ignoreWhite = {toString: function () { trace("made text"); return ""; }};
 trace(x.ignoreWhite);
 trace(new XML().createElement(""));
+
+// The list of children is only looked at; what a script put in place of the map of elements stays.
+x = new XML("<a id='one'><b/></a>");
+x.childNodes[0] = 1;
+trace(x.childNodes[0].nodeName + " " + x.idMap.one.nodeName);
+trace(delete x.childNodes[0]);
+x = new XML();
+x.idMap = 2;
+x.parseXML("<a id='one'/>");
+trace(x.idMap);
 fscommand("quit");

@@ -63,4 +63,33 @@ list = [first, second];
 list.sortOn("order");
 trace(list[0].label);
 trace(["ccc", "a", "bb"].sortOn("length", Array.NUMERIC));
+
+// Elements carry flags as other properties do; those that come later have none.
+function shownNames(of) { var text = ""; for (var name in of) text += name + " "; return text; }
+a = [10, 20, 30];
+ASSetPropFlags(a, null, 1);
+a.push(40);
+trace(shownNames(a) + "of " + a);
+ASSetPropFlags(a, null, 0, 1);
+ASSetPropFlags(a, "1", 4);
+ASSetPropFlags(a, ["0"], 2);
+a[1] = "kept out";
+a[2] = "new";
+trace(delete a[0]);
+trace(delete a[2]);
+trace(a);
+ASSetPropFlags(a, null, 4);
+a[0] = 1;
+a[2] = "back";
+a[4] = 5;
+trace(a + " " + a.length);
+a.length = 1;
+a[1] = 2;
+trace(a);
+// To rearrange is to make anew.
+b = [3, 1, 2];
+ASSetPropFlags(b, null, 7);
+b.reverse();
+b[0] = 4;
+trace(b + " " + b.pop() + " " + shownNames([1]).length);
 fscommand("quit");

@@ -30,16 +30,33 @@ const base::TextCode& ClipHost::textCode() const
 void ClipHost::trace(std::u16string_view text)
 {
     vm().noteWork(text.size() / kUnitsPerStep);
-    m_binding.services().host.traceLine(base::utf8FromUtf16(text));
+    stage::HostEvents& host = m_binding.services().host;
+    if (!isOfLaterPlayers()) return host.traceLine(base::utf8FromUtf16(text));
+    // There each return is a line's end, and half a pair of units is no character.
+    std::u16string shown(text);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const auto is = [&](std::size_t at, char16_t first) {
+            return at < shown.size() && (shown[at] & 0xFC00) == first;
+        };
+        if (shown[i] == u'\r') shown[i] = u'\n';
+        if (is(i, 0xD800) && is(i + 1, 0xDC00))
+            ++i;
+        else if (is(i, 0xD800) || is(i, 0xDC00))
+            shown[i] = u'\uFFFD';
+    }
+    host.traceLine(base::utf8FromUtf16(shown));
 }
 void ClipHost::reportError(std::u16string_view text)
 {
     log("script: " + base::utf8FromUtf16(text));
-    // Players show errors among the traces only since later than version 9; what the tools of that time made
-    // has metadata.
-    constexpr int kLastSilentVersion = 9;
-    const stage::MoviePtr& movie = stage().movie();
-    if (movie && (movie->header.version > kLastSilentVersion || !movie->metadata.empty())) trace(text);
+    if (isOfLaterPlayers()) trace(text);
+}
+bool ClipHost::isOfLaterPlayers() const
+{
+    // What the tools of that time made has metadata.
+    constexpr int kLastEarlyVersion = 9;
+    const stage::MoviePtr movie = m_binding.hasStage() ? stage().movie() : nullptr;
+    return movie && (movie->header.version > kLastEarlyVersion || !movie->metadata.empty());
 }
 
 void ClipHost::log(std::string_view text) { m_binding.services().host.logLine(text); }

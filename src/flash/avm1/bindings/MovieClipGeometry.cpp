@@ -97,7 +97,11 @@ Value hitTest(Call& call)
     }
     if (call.count() == 0) return Value(false);
     Object* target = call.arg(0).asObject();
-    if (!target) target = call.vm.resolveTarget(call.self.asObject(), textArg(call, 0));
+    if (!target) {
+        const std::u16string path = textArg(call, 0);
+        if (path.empty()) return Value(false);
+        target = call.vm.resolveTarget(call.self.asObject(), path);
+    }
     stage::Node* other = binding.nodeOf(target);
     if (!other) return Value(false);
     const swf::Rect a = swf::mapBounds(clip->toStage(), clip->bounds());

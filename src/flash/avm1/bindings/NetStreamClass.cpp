@@ -1,6 +1,8 @@
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/NetStream.h"
 
+#include <utility>
+
 namespace flash::avm1
 {
 namespace
@@ -17,6 +19,8 @@ public:
     static constexpr char kTag = 0;
     [[nodiscard]] const void* tag() const override { return &kTag; }
     bool connected = false;
+    bool isOpen = false;    ///< connected or waiting
+    bool isWaiting = false; ///< for a server that is asked at the first call
 };
 
 Value constructConnection(Call& call)
@@ -25,28 +29,49 @@ Value constructConnection(Call& call)
     return {};
 }
 
-Value connect(Call& call)
+void tellStatus(Call& call, std::string_view level, std::string_view code)
 {
-    auto* connection = call.native<ConnectionObject>();
-    if (connection == nullptr || call.count() == 0) return Value(false);
     Vm& vm = call.vm;
-    connection->connected = call.arg(0).isNullish();
-    if (!connection->connected) StageBinding::of(call).host().log("there are no servers to connect to");
     Object* info = vm.newObject();
-    const auto put = [&](std::string_view name, std::string_view text) {
-        info->put(vm, vm.name(name), Value(vm.string(text)));
-    };
-    put("code", connection->connected ? "NetConnection.Connect.Success" : "NetConnection.Connect.Failed");
-    put("level", connection->connected ? "status" : "error");
-    const bool connected = connection->connected;
+    info->put(vm, vm.name(std::string_view("code")), Value(vm.string(code)));
+    info->put(vm, vm.name(std::string_view("level")), Value(vm.string(level)));
     vm.callMethod(call.self.asObject(), "onStatus", {Value(info)});
-    return Value(connected);
 }
 
 Value closeConnection(Call& call)
 {
-    if (auto* connection = call.native<ConnectionObject>()) connection->connected = false;
+    auto* connection = call.native<ConnectionObject>();
+    if (connection == nullptr || !connection->isOpen) return {};
+    const bool waited = std::exchange(connection->isWaiting, false);
+    connection->connected = connection->isOpen = false;
+    tellStatus(call, "status", "NetConnection.Connect.Closed");
+    // What never was connected is told of once more, without a word why.
+    if (waited) call.vm.callMethod(call.self.asObject(), "onStatus", {Value()});
     return {};
+}
+
+Value connect(Call& call)
+{
+    auto* connection = call.native<ConnectionObject>();
+    if (connection == nullptr || call.count() == 0) return Value(false);
+    // The one that was open is closed first.
+    closeConnection(call);
+    connection = call.native<ConnectionObject>();
+    if (connection == nullptr) return Value(false);
+    const bool connected = call.arg(0).isNullish();
+    connection->connected = connection->isOpen = connected;
+    if (!connected) {
+        StageBinding::of(call).host().log("there are no servers to connect to");
+        // Such servers are asked at the first call only.
+        const std::u16string address = textArg(call, 0);
+        if (address.starts_with(u"http:") || address.starts_with(u"https:")) {
+            if (auto* waiting = call.native<ConnectionObject>()) waiting->isOpen = waiting->isWaiting = true;
+            return Value(true);
+        }
+    }
+    tellStatus(call, connected ? "status" : "error",
+               connected ? "NetConnection.Connect.Success" : "NetConnection.Connect.Failed");
+    return Value(connected);
 }
 
 Value getConnected(Call& call)

@@ -97,6 +97,12 @@ Value setTabIndex(Call& call)
 {
     stage::Node* node = selfNode(call);
     if (!node) return {};
+    if (call.arg(0).isString() && !node->tabIndex && node->kind() == stage::NodeKind::Clip &&
+        std::isnan(numberArg(call, 0))) {
+        // What is no place in the order is, while there is none, a property like others.
+        call.self.asObject()->define(call.vm, "tabIndex", call.arg(0));
+        return {};
+    }
     if (call.arg(0).isNullish())
         node->tabIndex.reset();
     else

@@ -24,17 +24,16 @@ public:
     [[nodiscard]] stage::SoundOwner owner() const
     {
         if (path.empty()) return target ? m_binding.nodeOf(target) : nullptr;
-        // A text is looked up each time: what it names may come and go.
+        // A text is looked up each time, from the timeline of the script that asks: what it names may come
+        // and go, and be another clip for another script.
         Vm& vm = m_binding.vm();
-        Object* found = vm.resolveTarget(target, path);
-        // Within tellTarget a path still counts from the timeline that the script stands on.
-        if (!found && target) found = vm.resolveTarget(m_binding.host().root(target), path);
-        return m_binding.nodeOf(found);
+        Object* const base = target ? target : vm.target();
+        return m_binding.nodeOf(vm.resolveTarget(base ? base : m_binding.host().level(0), path));
     }
     /// The target is gone: nothing can be heard or set any more, unless the sound was loaded.
     [[nodiscard]] bool isOrphan() const { return hasTarget && !own && !owner(); }
 
-    Object* target = nullptr; ///< with a path, what it counts from
+    Object* target = nullptr; ///< what a clip's path counts from; none for a path that was given as a text
     std::u16string path;
     bool hasTarget = false;
     stage::MoviePtr movie; ///< of the attached symbol
@@ -72,7 +71,6 @@ Value construct(Call& call)
         state.hasTarget = true;
         if (!object) {
             state.path = textArg(call, 0);
-            state.target = call.vm.target();
         } else if (binding.nodeOf(object)) {
             // A clip counts by its path: under another name it is not the sound's any more.
             state.path = binding.host().targetPath(object);

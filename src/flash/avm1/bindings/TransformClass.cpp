@@ -93,7 +93,10 @@ Value construct(Call& call)
 {
     Object* self = call.self.asObject();
     Object* target = call.arg(0).asObject();
-    if (!self || !call.isConstruct || !StageBinding::of(call).nodeOf(target)) return {};
+    if (!self || !call.isConstruct) return {};
+    // Later players give no object at all where nothing is given to transform.
+    if (call.count() == 0 && StageBinding::of(call).host().isOfLaterPlayers()) return Value::null();
+    if (!StageBinding::of(call).nodeOf(target)) return {};
     self->attachNew<TransformNative>(target);
     return {};
 }

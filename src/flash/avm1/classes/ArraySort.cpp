@@ -176,8 +176,9 @@ RootedValues listElements(Vm& vm, Object* list)
     if (ArrayNative* array = list->native<ArrayNative>();
         array != nullptr && array->elements().size() == length) {
         *elements = array->elements();
-        for (Value& element : *elements) {
-            if (element.isHole()) element = Value();
+        // Where the dense part has a hole there may be an element with flags of its own, or an inherited one.
+        for (std::size_t i = 0; i < elements.size() && !vm.checkLoop(); ++i) {
+            if (elements[i].isHole()) elements[i] = list->getIndex(vm, static_cast<std::uint32_t>(i));
         }
         return elements;
     }

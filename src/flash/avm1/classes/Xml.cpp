@@ -1,4 +1,5 @@
 #include "flash/avm1/classes/XmlMembers.h"
+#include "flash/avm1/interpreter/ArrayNative.h"
 
 #include <algorithm>
 #include <optional>
@@ -91,7 +92,10 @@ Value getChildNodes(Call& call)
     if (node == nullptr) return {};
     if (node->childArray == nullptr) {
         const RootedValues children(call.vm.heap(), node->children.begin(), node->children.end());
-        node->childArray = call.vm.newArray(*children);
+        Object* array = call.vm.newArray(*children);
+        // Assigning to the list changes no document.
+        array->native<ArrayNative>()->flagElements(call.vm, *array, Name(), kReadOnly, 0);
+        node->childArray = array;
     }
     return node->childArray;
 }

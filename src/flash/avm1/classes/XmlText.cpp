@@ -182,8 +182,10 @@ private:
         if (m_vm.version() < 8) return m_document->put(m_vm, name, node);
         const Name mapName = m_vm.name(std::string_view("idMap"));
         Value map;
-        m_document->getPlain(m_vm, mapName, m_document, map);
-        if (!map.isObject()) {
+        // What a script has put there stays, even where it can take no elements.
+        if (m_document->getPlain(m_vm, mapName, m_document, map)) {
+            if (!map.isObject()) return;
+        } else {
             map = m_vm.newObject(nullptr);
             m_document->define(m_vm, mapName, map);
         }

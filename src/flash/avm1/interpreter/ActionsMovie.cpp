@@ -32,6 +32,12 @@ Object* clipFrom(Frame& frame, Value value)
     return object != nullptr && frame.vm.host().isStageObject(object) ? object : nullptr;
 }
 
+/// From version 10 on `this` is no part of a target's path.
+bool startsWithThis(const Frame& frame, std::u16string_view path)
+{
+    return frame.version >= 10 && path.substr(0, path.find_first_of(u"/.:")) == u"this";
+}
+
 /// A target that leads nowhere is the root, with a word about it; so is, from version 7 on, an undefined one.
 void setTargetTo(Frame& frame, Value value)
 {
@@ -51,7 +57,7 @@ void setTargetTo(Frame& frame, Value value)
         if (!vm.host().isClip(frame.baseTarget)) frame.target = vm.host().level(0);
         return;
     }
-    Object* object = Interpreter::resolve(frame, path);
+    Object* object = startsWithThis(frame, path) ? nullptr : Interpreter::resolve(frame, path);
     if (object != nullptr && vm.host().isClip(object)) {
         frame.target = object;
         return;

@@ -172,6 +172,9 @@ void pushCharacterCode(Frame& frame, bool wholeCode)
 {
     const std::u16string_view text = popString(frame)->view();
     if (text.empty()) return frame.push(Value(0));
+    // From version 10 on half a pair of units is no character.
+    const bool isHalf = (text[0] & 0xF800) == 0xD800;
+    if (frame.version >= 10 && isHalf) return frame.push(Value(0xFFFD));
     if (frame.version >= 6 || text[0] < 0x80) return frame.push(Value(static_cast<int>(text[0])));
     const std::uint16_t code = frame.vm.host().textCode().codeOf(text[0]);
     if (code == 0) return frame.push(Value(static_cast<int>('?')));
@@ -241,7 +244,7 @@ void strictEquals(Frame& frame, const Instruction&)
 {
     const Value rhs = frame.pop();
     const Value lhs = frame.pop();
-    frame.push(Value(avm1::strictlyEqual(lhs, rhs)));
+    frame.push(Value(avm1::strictlyEqual(lhs, rhs) || avm1::isSameInstance(frame.vm, lhs, rhs)));
 }
 
 void toNumber(Frame& frame, const Instruction&) { frame.push(Value(popNumber(frame))); }
@@ -300,7 +303,10 @@ void stackSwap(Frame& frame, const Instruction&)
 
 void storeRegister(Frame& frame, const Instruction& instruction)
 {
-    frame.setRegister(instruction.a, frame.peek());
+    if (Value* shared = Interpreter::registerBeyond(frame, instruction.a))
+        *shared = frame.peek();
+    else
+        frame.setRegister(instruction.a, frame.peek());
 }
 void constantPool(Frame& frame, const Instruction& instruction)
 {
@@ -312,7 +318,8 @@ void pushLiteral(Frame& frame, const Instruction& instruction)
 }
 void pushRegister(Frame& frame, const Instruction& instruction)
 {
-    frame.push(frame.registerValue(instruction.b));
+    const Value* shared = Interpreter::registerBeyond(frame, instruction.b);
+    frame.push(shared != nullptr ? *shared : frame.registerValue(instruction.b));
 }
 void pushConstant(Frame& frame, const Instruction& instruction)
 {

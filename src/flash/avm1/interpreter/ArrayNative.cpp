@@ -60,8 +60,8 @@ Caching ArrayNative::caching(Vm& vm, Name name) const
 bool ArrayNative::putElement(Vm& vm, const Object& self, std::uint32_t index, Value value)
 {
     if (index < m_elements.size() && !m_elements[index].isHole()) {
-        m_elements[index] = value;
-        return true;
+        if (index >= m_flagged) m_elements[index] = value;
+        return index >= m_flagged;
     }
     // Only one element after the other is as simple as that.
     if (index != m_elements.size() || index >= kMaxDense || !m_order.empty() || self.shape()->hasIndexNames())
@@ -102,8 +102,12 @@ void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
         return;
     }
     if (index < m_elements.size() && !(m_elements[index].isHole() && self.hasPlain(vm, name))) {
-        if (m_elements[index].isHole()) noteCreated({index, nullptr});
+        const bool isNew = m_elements[index].isHole();
+        if (isNew) noteCreated({index, nullptr});
+        if (!isNew && hasFlag(index, kReadOnly)) return;
         m_elements[index] = value;
+        // What was deleted comes back without its flags.
+        if (isNew && index < m_flagged) moveToBag(vm, self, index, 0);
     } else if (index < kMaxDense && index - m_elements.size() <= kMaxGap && !self.hasPlain(vm, name)) {
         if (index != m_elements.size() || !m_order.empty()) noteCreated({index, nullptr});
         m_elements.resize(index, Value::hole());
@@ -134,17 +138,21 @@ std::int32_t ArrayNative::signedLength() const
 
 void ArrayNative::noteCreated(Created created)
 {
-    if (m_order.empty()) {
-        for (std::size_t i = 0; i < m_elements.size(); ++i)
-            if (!m_elements[i].isHole()) m_order.push_back({static_cast<std::uint32_t>(i), nullptr});
-    }
+    if (m_order.empty()) noteElements();
     m_order.push_back(created);
+}
+
+void ArrayNative::noteElements()
+{
+    for (std::size_t i = 0; i < m_elements.size(); ++i)
+        if (!m_elements[i].isHole()) m_order.push_back({static_cast<std::uint32_t>(i), nullptr});
 }
 
 bool ArrayNative::deleteOwn(Vm& vm, Object& self, Name name)
 {
     const std::uint32_t index = name.arrayIndex();
     if (index < m_elements.size() && !m_elements[index].isHole()) {
+        if (hasFlag(index, kDontDelete)) return false;
         m_elements[index] = Value::hole();
         return true;
     }
@@ -157,7 +165,8 @@ void ArrayNative::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
     for (std::size_t i = m_order.size(); i-- > 0;) {
         const Created& created = m_order[i];
         if (created.name == nullptr) {
-            if (elementAt(created.index) != nullptr) names.add(vm.names().fromIndex(created.index));
+            if (elementAt(created.index) != nullptr)
+                names.add(vm.names().fromIndex(created.index), flagsAt(created.index));
         } else if (const std::uint32_t at = self.shape()->find(Name(created.name), true);
                    at != Shape::kMissing) {
             names.add(Name(created.name), self.shape()->properties()[at].flags);
@@ -165,7 +174,8 @@ void ArrayNative::enumerateOwn(Vm& vm, Object& self, NameCollector& names)
     }
     if (m_order.empty()) {
         for (std::size_t i = m_elements.size(); i-- > 0;) {
-            if (!m_elements[i].isHole()) names.add(vm.names().fromIndex(static_cast<std::uint32_t>(i)));
+            const auto index = static_cast<std::uint32_t>(i);
+            if (!m_elements[i].isHole()) names.add(vm.names().fromIndex(index), flagsAt(index));
         }
     }
     names.add(vm.common().length, m_lengthFlags);
@@ -178,10 +188,47 @@ void ArrayNative::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_
         m_lengthFlags = static_cast<std::uint16_t>((m_lengthFlags & ~clear) | set);
 }
 
+void ArrayNative::moveToBag(Vm& vm, Object& self, std::uint32_t index, std::uint16_t flags)
+{
+    if (m_order.empty()) noteElements();
+    const Name name = vm.names().fromIndex(index);
+    for (Created& created : m_order)
+        if (created.name == nullptr && created.index == index) created = {Atom::kNotIndex, name.cell()};
+    const Value value = std::exchange(m_elements[index], Value::hole());
+    self.define(vm, name, value, flags);
+}
+
+void ArrayNative::flagElements(Vm& vm, Object& self, Name name, std::uint16_t set, std::uint16_t clear)
+{
+    const auto changed = [&](std::uint16_t flags) {
+        return static_cast<std::uint16_t>((flags & ~clear) | set);
+    };
+    const auto size = static_cast<std::uint32_t>(m_elements.size());
+    m_flagged = std::min(m_flagged, size);
+    if (!name.isNull()) {
+        const std::uint32_t index = name.arrayIndex();
+        if (elementAt(index) != nullptr && changed(flagsAt(index)) != flagsAt(index))
+            moveToBag(vm, self, index, changed(flagsAt(index)));
+        return;
+    }
+    // All alike takes no room; the marks that hide from versions belong to the bag.
+    const std::uint16_t before = m_flagged == 0 ? 0 : m_elementFlags;
+    const std::uint16_t after = changed(before);
+    if ((after & kVersionMask) == 0 && (changed(0) == after || m_flagged == size)) {
+        m_elementFlags = after;
+        m_flagged = after == 0 ? 0 : size;
+        return;
+    }
+    for (std::uint32_t index = 0; index < size; ++index)
+        if (!m_elements[index].isHole()) moveToBag(vm, self, index, changed(flagsAt(index)));
+    m_flagged = 0;
+}
+
 void ArrayNative::setLength(Vm& vm, Object& self, double length)
 {
     length = std::max(length, 0.0);
     if (length < static_cast<double>(m_elements.size())) m_elements.resize(static_cast<std::size_t>(length));
+    m_flagged = std::min(m_flagged, static_cast<std::uint32_t>(m_elements.size()));
     if (length < m_length) {
         RootedNames beyond(vm.heap());
         for (const Shape::Property& property : self.shape()->properties()) {
@@ -198,6 +245,7 @@ void ArrayNative::setLength(Vm& vm, Object& self, double length)
 void ArrayNative::assign(std::span<const Value> elements)
 {
     m_elements.assign(elements.begin(), elements.end());
+    m_flagged = 0;
     std::erase_if(m_order, [](const Created& created) { return created.name == nullptr; });
     if (!m_order.empty()) {
         for (std::size_t i = 0; i < m_elements.size(); ++i)

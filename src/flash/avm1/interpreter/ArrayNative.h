@@ -24,6 +24,8 @@ public:
     bool deleteOwn(Vm& vm, Object& self, Name name) override;
     void enumerateOwn(Vm& vm, Object& self, NameCollector& names) override;
     void changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t clear) override;
+    /// Changes the flags of the elements alone: of one, or of all that there are where the name is null.
+    void flagElements(Vm& vm, Object& self, Name name, std::uint16_t set, std::uint16_t clear);
 
     /// @returns the element at a whole index within the dense part, or null.
     [[nodiscard]] Value* elementAt(double index)
@@ -59,6 +61,18 @@ private:
     };
     static constexpr std::uint32_t kMaxDense = 0x7FFF'FFFE;
     void noteCreated(Created created);
+    /// Begins the order with the elements that are there.
+    void noteElements();
+    [[nodiscard]] std::uint16_t flagsAt(std::uint32_t index) const
+    {
+        return index < m_flagged ? m_elementFlags : std::uint16_t{0};
+    }
+    [[nodiscard]] bool hasFlag(std::uint32_t index, std::uint16_t flag) const
+    {
+        return index < m_flagged && (m_elementFlags & flag) != 0;
+    }
+    /// An element becomes a property like others, with flags of its own.
+    void moveToBag(Vm& vm, Object& self, std::uint32_t index, std::uint16_t flags);
     /// The length follows an index that was assigned to.
     void extend(Vm& vm, Object& self, std::int32_t index);
 
@@ -68,6 +82,8 @@ private:
     double m_length = 0;
     Value m_lengthValue = Value(0); ///< what scripts read: whatever was assigned stays as it is
     std::uint16_t m_lengthFlags = kBuiltIn;
+    std::uint16_t m_elementFlags = 0; ///< of the first `m_flagged` elements; what comes later has none
+    std::uint32_t m_flagged = 0;
 };
 
 } // namespace flash::avm1

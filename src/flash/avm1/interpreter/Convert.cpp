@@ -148,12 +148,21 @@ bool strictlyEqual(Value a, Value b)
     return a.bits() == b.bits();
 }
 
+bool isSameInstance(Vm& vm, Value a, Value b)
+{
+    if (!a.isObject() || !b.isObject()) return false;
+    Host& host = vm.host();
+    return host.isClip(a.object()) && host.isClip(b.object()) &&
+           host.targetPath(a.object()) == host.targetPath(b.object());
+}
+
 bool looselyEqual(Vm& vm, Value a, Value b)
 {
     if (a.isNullish() && b.isNullish()) return true;
     const auto isClip = [&](Value value) { return value.isObject() && vm.host().isClip(value.object()); };
     if (a.type() == b.type() && isClip(a) == isClip(b)) {
-        if (vm.version() >= 6 || !a.isObject() || isClip(a)) return strictlyEqual(a, b);
+        if (vm.version() >= 6 || !a.isObject() || isClip(a))
+            return strictlyEqual(a, b) || isSameInstance(vm, a, b);
         // Version 5 asks both, the right one first, even when they are one.
         const Value right = toPrimitive(vm, b, Hint::Number);
         const Value left = toPrimitive(vm, a, Hint::Number);

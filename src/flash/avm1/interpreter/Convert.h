@@ -28,6 +28,8 @@ Object* toObject(Vm& vm, Value value);
 
 bool looselyEqual(Vm& vm, Value a, Value b);
 bool strictlyEqual(Value a, Value b);
+/// @returns whether both are instances of the stage and lead to the same one: they are known by their paths
+bool isSameInstance(Vm& vm, Value a, Value b);
 /// The abstract comparison a < b. @returns a boolean, or undefined where a side is not a number.
 Value lessThan(Vm& vm, Value a, Value b);
 Value add(Vm& vm, Value a, Value b);

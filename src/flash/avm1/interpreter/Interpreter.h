@@ -126,6 +126,12 @@ struct Interpreter {
                               const CallOptions& options);
     static Value invokeSuper(Vm& vm, SuperNative& super, std::span<const Value> args);
     static Value construct(Vm& vm, Value constructor, std::span<const Value> args);
+    /// @returns from version 10 on, the timelines' register that stands behind those of a function; or null
+    static Value* registerBeyond(const Frame& frame, unsigned number)
+    {
+        const bool stands = frame.version >= 10 && number >= frame.registerCount;
+        return stands && number < Frame::kSharedRegisters ? &frame.vm.m_registers[number] : nullptr;
+    }
     static void runBlock(Vm& vm, Code& code, Object* target);
 
     /// As Object::find, and says which object had the property.

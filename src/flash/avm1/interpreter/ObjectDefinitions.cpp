@@ -104,6 +104,12 @@ void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t cle
     const auto changed = [&](std::uint16_t flags) {
         return static_cast<std::uint16_t>((flags & ~clear) | set | (flags & kAccessor));
     };
+    // Before the plain ones, which elements with flags of their own then belong to.
+    if (m_exotic == Exotic::Array && !name.isNull()) {
+        auto& array = static_cast<ArrayNative&>(*m_native);
+        if (array.elementAt(name.arrayIndex()) != nullptr)
+            return array.flagElements(vm, *this, name, set, clear);
+    }
     for (std::uint32_t at = 0; at < m_shape->properties().size(); ++at) {
         const Shape::Property property = m_shape->properties()[at];
         if (property.name.isNull()) continue;
@@ -113,6 +119,8 @@ void Object::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_t cle
     if (name.isNull() || name.matches(vm.common().proto, vm.isCaseSensitive()))
         setProtoFlags(vm, changed(m_protoFlags));
     if (hasHooks()) m_native->changeFlags(vm, name, set, clear);
+    if (m_exotic == Exotic::Array && name.isNull())
+        static_cast<ArrayNative*>(m_native)->flagElements(vm, *this, name, set, clear);
 }
 
 } // namespace flash::avm1

@@ -324,7 +324,9 @@ Value Interpreter::getPath(Frame& frame, Name name, Object** thisOfCall)
     // Slashes alone: a clip, or a variable of that very name.
     Object* target = frame.variableTarget();
     if (target == nullptr) return {};
-    if (Object* clip = vm.resolveTarget(target, path); clip != nullptr && vm.host().isStageObject(clip))
+    const bool isPath = frame.version < 10 || !path.starts_with(u"this/");
+    if (Object* clip = isPath ? vm.resolveTarget(target, path) : nullptr;
+        clip != nullptr && vm.host().isStageObject(clip))
         return clip;
     Value result;
     target->getPlain(vm, name, target, result);
