@@ -1,0 +1,402 @@
+#include "flash/avm2/bindings/Events.h"
+
+#include "flash/avm2/classes/Library.h"
+
+#include <algorithm>
+
+namespace flash::avm2
+{
+
+using classes::allocateNative;
+using classes::selfAs;
+using Kind = NativeMember::Kind;
+
+void EventObject::trace(Tracer& tracer)
+{
+    Object::trace(tracer);
+    tracer(type);
+    tracer(target);
+    tracer(currentTarget);
+}
+
+void DispatcherObject::trace(Tracer& tracer)
+{
+    Object::trace(tracer);
+    for (const auto& [type, list] : m_listeners) {
+        for (const Listener& listener : list) tracer(listener.function);
+    }
+    for (const Name type : m_types) tracer(type);
+    tracer(standIn);
+}
+
+void DispatcherObject::listen(Vm& vm, Name type, Value function, bool capture, std::int32_t priority)
+{
+    unlisten(vm, type, function, capture);
+    if (!m_listeners.contains(type.cell())) m_types.push_back(type);
+    List& list = m_listeners[type.cell()];
+    const auto place =
+        std::ranges::find_if(list, [&](const Listener& other) { return other.priority < priority; });
+    list.insert(place, {function, priority, capture});
+}
+
+void DispatcherObject::unlisten(Vm& vm, Name type, Value function, bool capture)
+{
+    const auto found = m_listeners.find(type.cell());
+    if (found == m_listeners.end()) return;
+    std::erase_if(found->second, [&](const Listener& listener) {
+        return listener.isCapture == capture && vm.strictEquals(listener.function, function);
+    });
+}
+
+bool DispatcherObject::hasListener(Name type) const
+{
+    const auto found = m_listeners.find(type.cell());
+    return found != m_listeners.end() && !found->second.empty();
+}
+
+void DispatcherObject::call(Vm& vm, EventObject& event, Value current, int phase)
+{
+    const auto found = m_listeners.find(vm.names().intern(vm.toString(event.type)).cell());
+    if (found == m_listeners.end()) return;
+    // As they are now: what listeners add or take away counts from the next event on.
+    RootedList<Value> functions(vm.heap());
+    for (const Listener& listener : found->second) {
+        if (listener.isCapture == (phase == 1)) functions.push_back(listener.function);
+    }
+    event.phase = phase;
+    event.currentTarget = current;
+    for (std::size_t i = 0; i < functions.size() && !event.isStoppedAtOnce; ++i) {
+        vm.guarded([&] { vm.call(functions[i], Value(), {Value(&event)}); });
+    }
+}
+
+bool DispatcherObject::dispatch(Vm& vm, EventObject& event)
+{
+    event.target = standIn.isUndefined() ? Value(this) : standIn;
+    event.isDispatched = true;
+    RootedList<Object*> path(vm.heap());
+    for (DispatcherObject* at = eventParent(); at != nullptr; at = at->eventParent()) path.push_back(at);
+    const auto visit = [&](std::size_t i, int phase) {
+        auto* at = static_cast<DispatcherObject*>(path[i]);
+        at->call(vm, event, Value(at), phase);
+    };
+    for (std::size_t i = path.size(); i-- > 0 && !event.isStopped;) visit(i, 1);
+    if (!event.isStopped) call(vm, event, event.target, 2);
+    if (event.bubbles) {
+        for (std::size_t i = 0; i < path.size() && !event.isStopped; ++i) visit(i, 3);
+    }
+    event.currentTarget = Value::null();
+    return !event.isPrevented;
+}
+
+EventObject* newEvent(Vm& vm, std::string_view cls, std::string_view type, bool bubbles, bool cancelable)
+{
+    const Value args[] = {Value(vm.name(type).string()), Value(bubbles), Value(cancelable)};
+    return as<EventObject>(vm.construct(Value(vm.nativeClass(cls)), args));
+}
+
+namespace
+{
+
+EventObject& event(Call& call) { return selfAs<EventObject>(call, "flash.events.Event"); }
+DispatcherObject& dispatcher(Call& call)
+{
+    return selfAs<DispatcherObject>(call, "flash.events.EventDispatcher");
+}
+
+/// The first three, then the class's own in the order of its slots.
+Value constructEvent(Call& call)
+{
+    auto& made = event(call);
+    made.type = call.vm.coerceString(call.arg(0));
+    made.bubbles = call.vm.toBoolean(call.arg(1));
+    made.cancelable = call.vm.toBoolean(call.arg(2));
+    for (std::uint32_t i = 3; i < call.count && i - 3 < made.slotCount(); ++i)
+        call.vm.setSlotTyped(made, i - 3, call.args[i]);
+    return {};
+}
+
+Value type(Call& call) { return event(call).type; }
+Value bubbles(Call& call) { return event(call).bubbles; }
+Value cancelable(Call& call) { return event(call).cancelable; }
+Value target(Call& call) { return event(call).target.isUndefined() ? Value::null() : event(call).target; }
+Value currentTarget(Call& call)
+{
+    return event(call).currentTarget.isUndefined() ? Value::null() : event(call).currentTarget;
+}
+Value eventPhase(Call& call) { return event(call).phase; }
+Value stopPropagation(Call& call)
+{
+    event(call).isStopped = true;
+    return {};
+}
+Value stopImmediatePropagation(Call& call)
+{
+    event(call).isStopped = event(call).isStoppedAtOnce = true;
+    return {};
+}
+Value preventDefault(Call& call)
+{
+    if (event(call).cancelable) event(call).isPrevented = true;
+    return {};
+}
+Value isDefaultPrevented(Call& call) { return event(call).isPrevented; }
+
+/// A copy by the class's own slots.
+Value cloneEvent(Call& call)
+{
+    auto& self = event(call);
+    ClassObject* cls = self.traits()->cls;
+    // A class of a script that does not say how it is copied is copied as what it derives from.
+    for (; cls != nullptr && cls->constructor != nullptr && cls->constructor->native == nullptr;
+         cls = cls->base) {
+    }
+    if (cls == nullptr) return {};
+    auto* made = as<EventObject>(Value(call.vm.instantiate(cls)));
+    made->type = self.type;
+    made->bubbles = self.bubbles;
+    made->cancelable = self.cancelable;
+    for (std::uint32_t i = 0; i < made->slotCount() && i < self.slotCount(); ++i)
+        made->setSlot(i, self.slot(i));
+    return made;
+}
+
+Value formatToString(Call& call)
+{
+    std::u16string text = u"[" + std::u16string(call.vm.text(call.arg(0)));
+    for (std::uint32_t i = 1; i < call.count; ++i) {
+        const std::u16string name(call.vm.text(call.args[i]));
+        const Value value = call.vm.get(call.self, call.vm.publicName(call.vm.name(name)));
+        const std::u16string shown(call.vm.text(value));
+        text += u" " + name + u"=" + (value.isString() ? u"\"" + shown + u"\"" : shown);
+    }
+    return call.vm.string(text + u"]");
+}
+
+Value eventToString(Call& call)
+{
+    Traits* traits = event(call).traits();
+    while (traits->cls != nullptr && traits->cls->constructor != nullptr &&
+           traits->cls->constructor->native == nullptr)
+        traits = traits->base;
+    RootedList<Value> names(call.vm.heap());
+    for (const std::string_view name : {"type", "bubbles", "cancelable", "eventPhase"})
+        names.push_back(Value(call.vm.name(name).string()));
+    if (traits->slotTypes.size() > 0) {
+        names->pop_back();
+        for (const Traits::Entry& entry : traits->entries()) {
+            if (entry.binding.kind == Binding::Kind::Slot) names.push_back(Value(entry.name.string()));
+        }
+        if (traits->name.view() == u"MouseEvent")
+            names->insert(names->begin() + 3, Value(call.vm.name("eventPhase").string()));
+        else if (traits->name.view() != u"TextEvent" && traits->name.view() != u"ErrorEvent")
+            names->insert(names->begin() + 3, Value(call.vm.name("eventPhase").string()));
+    }
+    names->insert(names->begin(), Value(traits->name.string()));
+    Call inner{call.vm, call.self, names->data(), static_cast<std::uint32_t>(names.size())};
+    return formatToString(inner);
+}
+
+Value constructDispatcher(Call& call)
+{
+    if (call.has(0) && !call.arg(0).isNullish()) dispatcher(call).standIn = call.arg(0);
+    return {};
+}
+
+Value addEventListener(Call& call)
+{
+    if (!isFunction(call.arg(1))) {
+        if (call.arg(1).isNullish())
+            call.vm.throwError(ErrorClass::Type, 2007, "Parameter listener must be non-null.");
+        call.vm.coerce(call.arg(1), call.vm.classes().function->instances);
+    }
+    const Name type = call.vm.names().intern(call.vm.toString(call.arg(0)));
+    dispatcher(call).listen(call.vm, type, call.arg(1), call.vm.toBoolean(call.arg(2)),
+                            call.vm.toInt(call.arg(3)));
+    return {};
+}
+Value removeEventListener(Call& call)
+{
+    const Name type = call.vm.names().intern(call.vm.toString(call.arg(0)));
+    dispatcher(call).unlisten(call.vm, type, call.arg(1), call.vm.toBoolean(call.arg(2)));
+    return {};
+}
+Value hasEventListener(Call& call)
+{
+    return dispatcher(call).hasListener(call.vm.names().intern(call.vm.toString(call.arg(0))));
+}
+Value willTrigger(Call& call)
+{
+    const Name type = call.vm.names().intern(call.vm.toString(call.arg(0)));
+    for (const DispatcherObject* at = &dispatcher(call); at != nullptr; at = at->eventParent()) {
+        if (at->hasListener(type)) return true;
+    }
+    return false;
+}
+Value dispatchEvent(Call& call)
+{
+    auto* event = as<EventObject>(call.arg(0));
+    if (event == nullptr) call.vm.throwError(ErrorClass::Type, 2007, "Parameter event must be non-null.");
+    if (event->isDispatched) {
+        // It goes out again as a copy.
+        const Value copy = call.vm.callPublic(Value(event), "clone");
+        event = as<EventObject>(copy);
+        if (event == nullptr) call.vm.throwError(ErrorClass::Type, 2007, "Parameter event must be non-null.");
+    }
+    return dispatcher(call).dispatch(call.vm, *event);
+}
+Value dispatcherToString(Call& call)
+{
+    return call.vm.string(u"[object " + std::u16string(call.vm.traitsOf(call.self)->name.view()) + u"]");
+}
+
+constexpr NativeMember kEventMembers[] = {
+    {"type", Kind::Getter, &type, 0, 0, nullptr, "String"},
+    {"bubbles", Kind::Getter, &bubbles, 0, 0, nullptr, "Boolean"},
+    {"cancelable", Kind::Getter, &cancelable, 0, 0, nullptr, "Boolean"},
+    {"target", Kind::Getter, &target, 0, 0, nullptr, "Object"},
+    {"currentTarget", Kind::Getter, &currentTarget, 0, 0, nullptr, "Object"},
+    {"eventPhase", Kind::Getter, &eventPhase, 0, 0, nullptr, "uint"},
+    {"stopPropagation", Kind::Method, &stopPropagation, 0, 0},
+    {"stopImmediatePropagation", Kind::Method, &stopImmediatePropagation, 0, 0},
+    {"preventDefault", Kind::Method, &preventDefault, 0, 0},
+    {"isDefaultPrevented", Kind::Method, &isDefaultPrevented, 0, 0},
+    {"clone", Kind::Method, &cloneEvent, 0, 0},
+    {"toString", Kind::Method, &eventToString, 0, 0},
+    {"formatToString", Kind::Method, &formatToString, 1, -1},
+};
+constexpr NativeConstant kEventConstants[] = {
+    {"ACTIVATE", 0, "activate"},
+    {"ADDED", 0, "added"},
+    {"ADDED_TO_STAGE", 0, "addedToStage"},
+    {"CANCEL", 0, "cancel"},
+    {"CHANGE", 0, "change"},
+    {"CLEAR", 0, "clear"},
+    {"CLOSE", 0, "close"},
+    {"COMPLETE", 0, "complete"},
+    {"CONNECT", 0, "connect"},
+    {"COPY", 0, "copy"},
+    {"CUT", 0, "cut"},
+    {"DEACTIVATE", 0, "deactivate"},
+    {"ENTER_FRAME", 0, "enterFrame"},
+    {"EXIT_FRAME", 0, "exitFrame"},
+    {"FRAME_CONSTRUCTED", 0, "frameConstructed"},
+    {"FULLSCREEN", 0, "fullScreen"},
+    {"ID3", 0, "id3"},
+    {"INIT", 0, "init"},
+    {"MOUSE_LEAVE", 0, "mouseLeave"},
+    {"OPEN", 0, "open"},
+    {"PASTE", 0, "paste"},
+    {"REMOVED", 0, "removed"},
+    {"REMOVED_FROM_STAGE", 0, "removedFromStage"},
+    {"RENDER", 0, "render"},
+    {"RESIZE", 0, "resize"},
+    {"SCROLL", 0, "scroll"},
+    {"SELECT", 0, "select"},
+    {"SELECT_ALL", 0, "selectAll"},
+    {"SOUND_COMPLETE", 0, "soundComplete"},
+    {"TAB_CHILDREN_CHANGE", 0, "tabChildrenChange"},
+    {"TAB_ENABLED_CHANGE", 0, "tabEnabledChange"},
+    {"TAB_INDEX_CHANGE", 0, "tabIndexChange"},
+    {"UNLOAD", 0, "unload"},
+    {"FRAME_LABEL", 0, "frameLabel"},
+};
+constexpr NativeConstant kPhases[] = {{"CAPTURING_PHASE", 1}, {"AT_TARGET", 2}, {"BUBBLING_PHASE", 3}};
+constexpr NativeConstant kMouseConstants[] = {
+    {"CLICK", 0, "click"},          {"DOUBLE_CLICK", 0, "doubleClick"}, {"MOUSE_DOWN", 0, "mouseDown"},
+    {"MOUSE_MOVE", 0, "mouseMove"}, {"MOUSE_OUT", 0, "mouseOut"},       {"MOUSE_OVER", 0, "mouseOver"},
+    {"MOUSE_UP", 0, "mouseUp"},     {"MOUSE_WHEEL", 0, "mouseWheel"},   {"ROLL_OUT", 0, "rollOut"},
+    {"ROLL_OVER", 0, "rollOver"},   {"RIGHT_CLICK", 0, "rightClick"},   {"MIDDLE_CLICK", 0, "middleClick"},
+};
+constexpr NativeConstant kKeyConstants[] = {{"KEY_DOWN", 0, "keyDown"}, {"KEY_UP", 0, "keyUp"}};
+constexpr NativeConstant kTimerConstants[] = {{"TIMER", 0, "timer"}, {"TIMER_COMPLETE", 0, "timerComplete"}};
+constexpr NativeConstant kProgressConstants[] = {{"PROGRESS", 0, "progress"},
+                                                 {"SOCKET_DATA", 0, "socketData"}};
+constexpr NativeConstant kIoConstants[] = {{"IO_ERROR", 0, "ioError"}};
+constexpr NativeConstant kErrorConstants[] = {{"ERROR", 0, "error"}};
+constexpr NativeConstant kSecurityConstants[] = {{"SECURITY_ERROR", 0, "securityError"}};
+constexpr NativeConstant kFocusConstants[] = {{"FOCUS_IN", 0, "focusIn"},
+                                              {"FOCUS_OUT", 0, "focusOut"},
+                                              {"KEY_FOCUS_CHANGE", 0, "keyFocusChange"},
+                                              {"MOUSE_FOCUS_CHANGE", 0, "mouseFocusChange"}};
+constexpr NativeConstant kTextConstants[] = {{"LINK", 0, "link"}, {"TEXT_INPUT", 0, "textInput"}};
+constexpr NativeConstant kHttpConstants[] = {{"HTTP_STATUS", 0, "httpStatus"},
+                                             {"HTTP_RESPONSE_STATUS", 0, "httpResponseStatus"}};
+constexpr NativeConstant kNetConstants[] = {{"NET_STATUS", 0, "netStatus"}};
+constexpr NativeConstant kAsyncConstants[] = {{"ASYNC_ERROR", 0, "asyncError"}};
+constexpr NativeMember kDispatcherMembers[] = {
+    {"addEventListener", Kind::Method, &addEventListener, 2, 5},
+    {"removeEventListener", Kind::Method, &removeEventListener, 2, 3},
+    {"hasEventListener", Kind::Method, &hasEventListener, 1, 1},
+    {"willTrigger", Kind::Method, &willTrigger, 1, 1},
+    {"dispatchEvent", Kind::Method, &dispatchEvent, 1, 1},
+    {"toString", Kind::Method, &dispatcherToString, 0, 0},
+};
+
+constexpr NativeClass derived(std::string_view name, std::string_view slots,
+                              std::span<const NativeConstant> constants,
+                              std::string_view base = "flash.events::Event")
+{
+    return {.package = "flash.events",
+            .name = name,
+            .base = base,
+            .flags = NativeClass::Sealed,
+            .constructor = &constructEvent,
+            .least = 1,
+            .most = -1,
+            .constants = constants,
+            .slots = slots};
+}
+
+constexpr NativeClass kClasses[] = {
+    {.package = "flash.events",
+     .name = "Event",
+     .base = {},
+     .flags = NativeClass::Sealed,
+     .constructor = &constructEvent,
+     .least = 1,
+     .most = 3,
+     .allocate = &allocateNative<EventObject>,
+     .members = kEventMembers,
+     .constants = kEventConstants},
+    {.package = "flash.events", .name = "EventPhase", .base = {}, .constants = kPhases},
+    {.package = "flash.events", .name = "IEventDispatcher", .base = {}, .flags = NativeClass::Interface},
+    {.package = "flash.events",
+     .name = "EventDispatcher",
+     .base = {},
+     .constructor = &constructDispatcher,
+     .least = 0,
+     .most = 1,
+     .allocate = &allocateNative<DispatcherObject>,
+     .members = kDispatcherMembers,
+     .interfaces = "flash.events::IEventDispatcher"},
+    derived("MouseEvent",
+            "localX:Number=nan localY:Number=nan relatedObject:* ctrlKey:Boolean altKey:Boolean "
+            "shiftKey:Boolean buttonDown:Boolean delta:int",
+            kMouseConstants),
+    derived("KeyboardEvent",
+            "charCode:uint keyCode:uint keyLocation:uint ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
+            kKeyConstants),
+    derived("TimerEvent", "", kTimerConstants),
+    derived("ProgressEvent", "bytesLoaded:Number bytesTotal:Number", kProgressConstants),
+    derived("TextEvent", "text:String=", kTextConstants),
+    derived("ErrorEvent", "errorID:int", kErrorConstants, "flash.events::TextEvent"),
+    derived("IOErrorEvent", "", kIoConstants, "flash.events::ErrorEvent"),
+    derived("SecurityErrorEvent", "", kSecurityConstants, "flash.events::ErrorEvent"),
+    derived("AsyncErrorEvent", "error:*", kAsyncConstants, "flash.events::ErrorEvent"),
+    derived("FocusEvent", "relatedObject:* shiftKey:Boolean keyCode:uint direction:String", kFocusConstants),
+    derived("HTTPStatusEvent", "status:int", kHttpConstants),
+    derived("NetStatusEvent", "info:*", kNetConstants),
+    derived("DataEvent", "data:String=", kTextConstants, "flash.events::TextEvent"),
+    derived("SampleDataEvent", "position:Number data:*", {}),
+    derived("FullScreenEvent", "fullScreen:Boolean", {}),
+    derived("ContextMenuEvent", "mouseTarget:* contextMenuOwner:*", {}),
+    derived("ActivityEvent", "activating:Boolean", {}),
+    derived("StatusEvent", "code:String level:String", {}),
+};
+
+} // namespace
+
+std::span<const NativeClass> eventClasses() { return kClasses; }
+
+} // namespace flash::avm2

@@ -1,0 +1,427 @@
+#include "flash/avm2/classes/Sort.h"
+
+#include <algorithm>
+
+namespace flash::avm2::classes
+{
+
+namespace
+{
+
+ArrayObject& self(Call& call) { return selfAs<ArrayObject>(call, "Array"); }
+
+Value construct(Call& call)
+{
+    auto& array = self(call);
+    if (call.count == 1 && call.args[0].isNumber()) {
+        const double length = call.args[0].number();
+        if (length < 0 || length > 4294967295.0 || length != std::floor(length))
+            call.vm.throwError(ErrorClass::Range, 1005,
+                               u"Array index is not a positive integer (" + numberText(length) + u").");
+        array.setLength(static_cast<std::uint32_t>(length));
+        return {};
+    }
+    for (const Value value : call.rest(0)) array.push(call.vm, value);
+    return {};
+}
+
+Value convert(Call& call) { return call.callee->construct(call.vm, call.rest(0)); }
+
+void checkLoop(Call& call) { call.vm.check(); }
+
+std::u16string joined(Call& call, ArrayObject& array, std::u16string_view separator, bool locale)
+{
+    std::u16string text;
+    for (std::uint32_t i = 0; i < array.length(); ++i) {
+        if (i > 0) text += separator;
+        const Value value = array.at(call.vm, i);
+        if (!value.isNullish())
+            text += call.vm.text(locale ? call.vm.callPublic(value, "toLocaleString") : value);
+        checkLoop(call);
+        if (text.size() > (std::size_t{1} << 25))
+            call.vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    }
+    return text;
+}
+
+Value join(Call& call)
+{
+    const std::u16string separator(call.arg(0).isUndefined() ? u"," : call.vm.text(call.arg(0)));
+    auto* array = as<ArrayObject>(call.self);
+    return array != nullptr ? Value(call.vm.string(joined(call, *array, separator, false)))
+                            : Value(call.vm.string(std::u16string()));
+}
+
+Value toString(Call& call)
+{
+    auto* array = as<ArrayObject>(call.self);
+    return call.vm.string(array != nullptr ? joined(call, *array, u",", false) : std::u16string());
+}
+
+Value toLocaleString(Call& call) { return call.vm.string(joined(call, self(call), u",", true)); }
+
+Value push(Call& call)
+{
+    auto& array = self(call);
+    for (const Value value : call.rest(0)) array.push(call.vm, value);
+    return static_cast<double>(array.length());
+}
+
+Value pop(Call& call)
+{
+    auto& array = self(call);
+    if (array.length() == 0) return {};
+    const Value last = array.at(call.vm, array.length() - 1);
+    array.setLength(array.length() - 1);
+    return last;
+}
+
+Value shift(Call& call)
+{
+    auto& array = self(call);
+    if (array.length() == 0) return {};
+    array.makeDense(call.vm);
+    const Value first = array.at(call.vm, 0);
+    if (!array.items.empty()) array.items.erase(array.items.begin());
+    array.setLength(array.length() - 1);
+    return first;
+}
+
+Value unshift(Call& call)
+{
+    auto& array = self(call);
+    array.makeDense(call.vm);
+    const std::uint32_t length = array.length() + call.count;
+    array.items.insert(array.items.begin(), call.args, call.args + call.count);
+    array.setLength(length);
+    return static_cast<double>(length);
+}
+
+Value reverse(Call& call)
+{
+    auto& array = self(call);
+    array.makeDense(call.vm);
+    std::ranges::reverse(array.items);
+    return call.self;
+}
+
+Value concat(Call& call)
+{
+    auto* result = static_cast<ArrayObject*>(call.vm.newArray());
+    const auto append = [&](Value value) {
+        if (auto* array = as<ArrayObject>(value)) {
+            const std::uint32_t offset = result->length();
+            for (std::uint32_t i = 0; i < array->length(); ++i) {
+                if (array->holds(call.vm, i)) result->put(call.vm, offset + i, array->at(call.vm, i));
+                checkLoop(call);
+            }
+            result->setLength(std::max(result->length(), offset + array->length()));
+        } else if (auto* vector = as<VectorObject>(value)) {
+            for (std::size_t i = 0; i < vector->items.size(); ++i) result->push(call.vm, vector->items[i]);
+        } else {
+            result->push(call.vm, value);
+        }
+    };
+    append(Value(&self(call)));
+    for (const Value value : call.rest(0)) append(value);
+    return result;
+}
+
+Value slice(Call& call)
+{
+    auto& array = self(call);
+    const double from = clampIndex(call.has(0) ? call.vm.toNumber(call.arg(0)) : 0, array.length());
+    const double to = clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 16777215, array.length());
+    auto* result = static_cast<ArrayObject*>(call.vm.newArray());
+    for (auto i = static_cast<std::uint32_t>(from); i < to; ++i) {
+        if (array.holds(call.vm, i))
+            result->put(call.vm, i - static_cast<std::uint32_t>(from), array.at(call.vm, i));
+        checkLoop(call);
+    }
+    if (to > from) result->setLength(static_cast<std::uint32_t>(to - from));
+    return result;
+}
+
+Value splice(Call& call)
+{
+    auto& array = self(call);
+    if (call.count == 0) return {};
+    const auto from = static_cast<std::uint32_t>(clampIndex(call.vm.toNumber(call.arg(0)), array.length()));
+    const double wanted = call.has(1) ? call.vm.toNumber(call.arg(1)) : array.length();
+    array.makeDense(call.vm);
+    if (array.items.size() < array.length()) return {};
+    const auto count = static_cast<std::uint32_t>(std::clamp(
+        std::isnan(wanted) ? 0.0 : std::trunc(wanted), 0.0, static_cast<double>(array.length() - from)));
+    auto* removed = static_cast<ArrayObject*>(call.vm.newArray());
+    const auto begin = array.items.begin() + from;
+    removed->items.assign(begin, begin + count);
+    removed->setLength(count);
+    const std::uint32_t added = call.count > 2 ? call.count - 2 : 0;
+    const std::uint32_t length = array.length() - count + added;
+    array.items.erase(begin, begin + count);
+    if (added > 0) array.items.insert(array.items.begin() + from, call.args + 2, call.args + call.count);
+    array.setLength(length);
+    return removed;
+}
+
+Value indexOf(Call& call)
+{
+    auto& array = self(call);
+    for (auto i = static_cast<std::uint32_t>(
+             clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 0, array.length()));
+         i < array.length(); ++i) {
+        if (array.holds(call.vm, i) && call.vm.strictEquals(array.at(call.vm, i), call.arg(0)))
+            return static_cast<double>(i);
+        checkLoop(call);
+    }
+    return -1;
+}
+
+Value lastIndexOf(Call& call)
+{
+    auto& array = self(call);
+    double from = call.has(1) ? call.vm.toNumber(call.arg(1)) : 2147483647.0;
+    if (from < 0) from += array.length();
+    for (double i = std::min(std::trunc(from), array.length() - 1.0); i >= 0; --i) {
+        const auto at = static_cast<std::uint32_t>(i);
+        if (array.holds(call.vm, at) && call.vm.strictEquals(array.at(call.vm, at), call.arg(0))) return i;
+        checkLoop(call);
+    }
+    return -1;
+}
+
+/// Calls a function for each element until `use` says that it is enough.
+template <class Use>
+void walk(Call& call, Use&& use)
+{
+    auto& array = self(call);
+    if (call.arg(0).isNullish()) return;
+    if (!isFunction(call.arg(0))) call.vm.coerce(call.arg(0), call.vm.classes().function->instances);
+    auto* function = as<FunctionObject>(call.arg(0));
+    if (function != nullptr && function->isBound() && !call.arg(1).isNullish())
+        call.vm.throwError(
+            ErrorClass::Type, 1510,
+            "When the callback argument is a method of a class, the optional this argument must be null.");
+    for (std::uint32_t i = 0; i < array.length(); ++i) {
+        checkLoop(call);
+        const Value value = array.at(call.vm, i);
+        const Value answer =
+            call.vm.call(call.arg(0), call.arg(1), {value, Value(static_cast<double>(i)), Value(&array)});
+        if (!use(value, answer)) return;
+    }
+}
+
+Value every(Call& call)
+{
+    bool result = true;
+    walk(call, [&](Value, Value answer) { return result = answer.isBoolean() && answer.boolean(); });
+    return result;
+}
+Value some(Call& call)
+{
+    bool result = false;
+    walk(call, [&](Value, Value answer) { return !(result = answer.isBoolean() && answer.boolean()); });
+    return result;
+}
+Value forEach(Call& call)
+{
+    walk(call, [](Value, Value) { return true; });
+    return {};
+}
+Value filter(Call& call)
+{
+    auto* result = static_cast<ArrayObject*>(call.vm.newArray());
+    walk(call, [&](Value value, Value answer) {
+        if (answer.isBoolean() && answer.boolean()) result->push(call.vm, value);
+        return true;
+    });
+    return result;
+}
+Value map(Call& call)
+{
+    auto* result = static_cast<ArrayObject*>(call.vm.newArray());
+    walk(call, [&](Value, Value answer) {
+        result->push(call.vm, answer);
+        return true;
+    });
+    return result;
+}
+
+/// Undefined goes to the end, and what is missing behind it.
+int compareDefined(Value a, Value b, bool& decided)
+{
+    decided = a.isUndefined() || b.isUndefined();
+    return a.isUndefined() ? (b.isUndefined() ? 0 : 1) : -1;
+}
+
+Value finish(Call& call, ArrayObject& array, const RootedList<Value>& values,
+             const std::vector<std::uint32_t>& order, unsigned flags,
+             const std::function<int(std::uint32_t, std::uint32_t)>& compare)
+{
+    if ((flags & kUniqueSort) != 0) {
+        for (std::size_t i = 1; i < order.size(); ++i) {
+            if (compare(order[i - 1], order[i]) == 0) return 0;
+        }
+    }
+    if ((flags & kReturnIndexed) != 0) {
+        auto* result = static_cast<ArrayObject*>(call.vm.newArray());
+        for (const std::uint32_t index : order) result->push(call.vm, static_cast<double>(index));
+        return result;
+    }
+    for (std::uint32_t i = 0; i < order.size(); ++i) array.put(call.vm, i, values[order[i]]);
+    return call.self;
+}
+
+Value sort(Call& call)
+{
+    auto& array = self(call);
+    array.makeDense(call.vm);
+    Value function;
+    unsigned flags = 0;
+    std::uint32_t next = 0;
+    if (isFunction(call.arg(0))) {
+        function = call.arg(0);
+        next = 1;
+    } else if (call.has(0) && !call.arg(0).isNumber()) {
+        call.vm.coerce(call.arg(0), call.vm.classes().function->instances);
+    }
+    if (call.has(next)) flags = call.vm.toUint(call.arg(next));
+    RootedList<Value> values(call.vm.heap());
+    for (std::uint32_t i = 0; i < array.length(); ++i) values.push_back(array.at(call.vm, i));
+    const auto compare = [&](std::uint32_t a, std::uint32_t b) {
+        call.vm.check();
+        bool decided = false;
+        const int undefinedOrder = compareDefined(values[a], values[b], decided);
+        if (decided) return undefinedOrder;
+        if (function.isUndefined()) return compareValues(call.vm, values[a], values[b], flags);
+        const double answer = call.vm.toNumber(call.vm.call(function, Value(), {values[a], values[b]}));
+        const int sign = answer < 0 ? -1 : answer > 0 ? 1 : 0;
+        return (flags & kDescending) != 0 ? -sign : sign;
+    };
+    const auto order = sortedOrder(static_cast<std::uint32_t>(values.size()), compare);
+    return finish(call, array, values, order, flags, compare);
+}
+
+Value sortOn(Call& call)
+{
+    auto& array = self(call);
+    array.makeDense(call.vm);
+    RootedList<Name> names(call.vm.heap());
+    std::vector<unsigned> flags;
+    if (auto* list = as<ArrayObject>(call.arg(0))) {
+        auto* options = as<ArrayObject>(call.arg(1));
+        for (std::uint32_t i = 0; i < list->length(); ++i) {
+            names.push_back(call.vm.names().intern(call.vm.toString(list->at(call.vm, i))));
+            flags.push_back(options == nullptr                    ? call.vm.toUint(call.arg(1))
+                            : options->length() == list->length() ? call.vm.toUint(options->at(call.vm, i))
+                                                                  : 0);
+        }
+    } else {
+        names.push_back(call.vm.names().intern(call.vm.toString(call.arg(0))));
+        auto* options = as<ArrayObject>(call.arg(1));
+        flags.push_back(options != nullptr ? call.vm.toUint(options->at(call.vm, 0))
+                                           : call.vm.toUint(call.arg(1)));
+    }
+    if (names.empty()) return call.self;
+    RootedList<Value> values(call.vm.heap()), keys(call.vm.heap());
+    for (std::uint32_t i = 0; i < array.length(); ++i) {
+        const Value value = array.at(call.vm, i);
+        values.push_back(value);
+        for (const Name name : names) {
+            Value key;
+            if (value.isObject() && call.vm.has(value, call.vm.publicName(name)))
+                key = call.vm.get(value, call.vm.publicName(name));
+            keys.push_back(key);
+        }
+    }
+    const auto compare = [&](std::uint32_t a, std::uint32_t b) {
+        call.vm.check();
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            bool decided = false;
+            const Value left = keys[a * names.size() + i], right = keys[b * names.size() + i];
+            int result = compareDefined(left, right, decided);
+            if (!decided) result = compareValues(call.vm, left, right, flags[i]);
+            if (result != 0) return result;
+        }
+        return 0;
+    };
+    const auto order = sortedOrder(static_cast<std::uint32_t>(values.size()), compare);
+    return finish(call, array, values, order, flags[0], compare);
+}
+
+Value insertAt(Call& call)
+{
+    auto& array = self(call);
+    array.makeDense(call.vm);
+    const double at = clampIndex(call.vm.toNumber(call.arg(0)), array.length());
+    const std::uint32_t length = array.length() + 1;
+    if (at <= static_cast<double>(array.items.size()))
+        array.items.insert(array.items.begin() + static_cast<std::ptrdiff_t>(at), call.arg(1));
+    array.setLength(length);
+    return {};
+}
+
+Value removeAt(Call& call)
+{
+    auto& array = self(call);
+    array.makeDense(call.vm);
+    const double given = call.vm.toInt(call.arg(0));
+    const double at = given < 0 ? array.length() + given : given;
+    if (at < 0 || at >= static_cast<double>(array.items.size())) return {};
+    const Value removed = array.at(call.vm, static_cast<std::uint32_t>(at));
+    array.items.erase(array.items.begin() + static_cast<std::ptrdiff_t>(at));
+    array.setLength(array.length() - 1);
+    return removed;
+}
+
+Value length(Call& call) { return static_cast<double>(self(call).length()); }
+Value setLength(Call& call)
+{
+    self(call).setLength(call.vm.toUint(call.arg(0)));
+    return {};
+}
+
+constexpr NativeMember kMembers[] = {
+    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint"},
+    {"concat", Kind::As3, &concat},
+    {"every", Kind::As3, &every, 1, 2},
+    {"filter", Kind::As3, &filter, 1, 2},
+    {"forEach", Kind::As3, &forEach, 1, 2},
+    {"indexOf", Kind::As3, &indexOf, 1, 2},
+    {"insertAt", Kind::As3, &insertAt, 2, 2},
+    {"join", Kind::As3, &join, 0, 1},
+    {"lastIndexOf", Kind::As3, &lastIndexOf, 1, 2},
+    {"map", Kind::As3, &map, 1, 2},
+    {"pop", Kind::As3, &pop, 0, 0},
+    {"push", Kind::As3, &push},
+    {"removeAt", Kind::As3, &removeAt, 1, 1},
+    {"reverse", Kind::As3, &reverse, 0, 0},
+    {"shift", Kind::As3, &shift, 0, 0},
+    {"slice", Kind::As3, &slice, 0, 2},
+    {"some", Kind::As3, &some, 1, 2},
+    {"sort", Kind::As3, &sort},
+    {"sortOn", Kind::As3, &sortOn, 1, -1},
+    {"splice", Kind::As3, &splice},
+    {"toLocaleString", Kind::Prototype, &toLocaleString},
+    {"toString", Kind::Prototype, &toString},
+    {"unshift", Kind::As3, &unshift},
+};
+constexpr NativeConstant kConstants[] = {
+    {"CASEINSENSITIVE", 1},    {"DESCENDING", 2}, {"UNIQUESORT", 4},
+    {"RETURNINDEXEDARRAY", 8}, {"NUMERIC", 16},   {"length", 1},
+};
+
+} // namespace
+
+constinit const NativeClass kArray{.package = {},
+                                   .name = "Array",
+                                   .base = {},
+                                   .constructor = &construct,
+                                   .least = 0,
+                                   .most = -1,
+                                   .allocate = &allocateNative<ArrayObject>,
+                                   .conversion = &convert,
+                                   .members = kMembers,
+                                   .constants = kConstants};
+
+} // namespace flash::avm2::classes

@@ -1,0 +1,382 @@
+#include "flash/avm2/classes/ByteArray.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace flash::avm2::classes
+{
+
+namespace
+{
+
+constexpr std::size_t kMostBytes = std::size_t{1} << 28;
+
+ByteArrayObject& self(Call& call) { return selfAs<ByteArrayObject>(call, "flash.utils.ByteArray"); }
+
+std::uint32_t indexOf(const Multiname& name)
+{
+    if (name.attribute) return Atom::kNotIndex;
+    if (name.index != Atom::kNotIndex) return name.index;
+    return name.name.isNull() || !name.hasPublic() ? Atom::kNotIndex : name.name.arrayIndex();
+}
+
+template <class T>
+T fetch(Call& call)
+{
+    auto& array = self(call);
+    std::array<std::uint8_t, sizeof(T)> bytes{};
+    std::ranges::copy(array.read(call.vm, sizeof(T)), bytes.begin());
+    if (!array.isLittle) std::ranges::reverse(bytes);
+    return std::bit_cast<T>(bytes);
+}
+
+template <class T>
+void store(Call& call, T value)
+{
+    auto& array = self(call);
+    auto bytes = std::bit_cast<std::array<std::uint8_t, sizeof(T)>>(value);
+    if (!array.isLittle) std::ranges::reverse(bytes);
+    array.write(call.vm, bytes);
+}
+
+} // namespace
+
+void ByteArrayObject::resize(Vm& vm, std::size_t length)
+{
+    if (length > kMostBytes) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    if (length > content.capacity()) vm.heap().noteExternalBytes(length);
+    content.resize(length);
+}
+
+std::span<const std::uint8_t> ByteArrayObject::read(Vm& vm, std::size_t count)
+{
+    if (position > content.size() || count > content.size() - position)
+        vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered.");
+    position += count;
+    return std::span<const std::uint8_t>(content).subspan(position - count, count);
+}
+
+void ByteArrayObject::write(Vm& vm, std::span<const std::uint8_t> bytes)
+{
+    if (bytes.empty()) return;
+    if (position > kMostBytes || bytes.size() > kMostBytes - position)
+        vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    if (position + bytes.size() > content.size()) {
+        const std::size_t before = content.capacity();
+        content.resize(position + bytes.size());
+        if (content.capacity() > before) vm.heap().noteExternalBytes(content.capacity() - before);
+    }
+    std::memmove(content.data() + position, bytes.data(), bytes.size());
+    position += bytes.size();
+}
+
+bool ByteArrayObject::getExotic(Vm&, const Multiname& name, Value& result)
+{
+    const std::uint32_t index = indexOf(name);
+    if (index == Atom::kNotIndex) return false;
+    result = index < content.size() ? Value(static_cast<int>(content[index])) : Value();
+    return true;
+}
+
+bool ByteArrayObject::setExotic(Vm& vm, const Multiname& name, Value value)
+{
+    const std::uint32_t index = indexOf(name);
+    if (index == Atom::kNotIndex) return false;
+    const auto byte = static_cast<std::uint8_t>(vm.toInt(value));
+    if (index >= content.size()) resize(vm, std::size_t{index} + 1);
+    content[index] = byte;
+    return true;
+}
+
+bool ByteArrayObject::hasExotic(Vm&, const Multiname& name)
+{
+    const std::uint32_t index = indexOf(name);
+    return index != Atom::kNotIndex && index < content.size();
+}
+
+namespace
+{
+
+Value nothing(Call&) { return {}; }
+Value length(Call& call) { return static_cast<double>(self(call).content.size()); }
+Value setLength(Call& call)
+{
+    auto& array = self(call);
+    array.resize(call.vm, call.vm.toUint(call.arg(0)));
+    array.position = std::min(array.position, array.content.size());
+    return {};
+}
+Value position(Call& call) { return static_cast<double>(self(call).position); }
+Value setPosition(Call& call)
+{
+    const std::uint32_t wanted = call.vm.toUint(call.arg(0));
+    self(call).position = wanted;
+    return {};
+}
+Value bytesAvailable(Call& call)
+{
+    auto& array = self(call);
+    return array.position < array.content.size() ? static_cast<double>(array.content.size() - array.position)
+                                                 : 0.0;
+}
+Value endian(Call& call) { return call.vm.name(self(call).isLittle ? "littleEndian" : "bigEndian").string(); }
+Value setEndian(Call& call)
+{
+    const auto text = call.vm.text(call.arg(0));
+    if (text != u"littleEndian" && text != u"bigEndian")
+        call.vm.throwError(ErrorClass::Argument, 2008, "Parameter type must be one of the accepted values.");
+    self(call).isLittle = text == u"littleEndian";
+    return {};
+}
+Value objectEncoding(Call& call) { return self(call).encoding; }
+Value setObjectEncoding(Call& call)
+{
+    const std::uint32_t wanted = call.vm.toUint(call.arg(0));
+    if (wanted != 0 && wanted != 3)
+        call.vm.throwError(ErrorClass::Argument, 2008,
+                           "Parameter objectEncoding must be one of the accepted values.");
+    self(call).encoding = static_cast<int>(wanted);
+    return {};
+}
+
+Value readBoolean(Call& call) { return fetch<std::uint8_t>(call) != 0; }
+template <class T>
+Value readNumber(Call& call)
+{
+    return static_cast<double>(fetch<T>(call));
+}
+template <class T>
+Value writeInteger(Call& call)
+{
+    store(call, static_cast<T>(call.vm.toInt(call.arg(0))));
+    return {};
+}
+Value writeBoolean(Call& call)
+{
+    store<std::uint8_t>(call, call.vm.toBoolean(call.arg(0)) ? 1 : 0);
+    return {};
+}
+Value writeFloat(Call& call)
+{
+    store(call, static_cast<float>(call.vm.toNumber(call.arg(0))));
+    return {};
+}
+Value writeDouble(Call& call)
+{
+    store(call, call.vm.toNumber(call.arg(0)));
+    return {};
+}
+
+Value textOf(Call& call, std::size_t count)
+{
+    const auto bytes = self(call).read(call.vm, count);
+    std::string text(bytes.begin(), bytes.end());
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    if (const auto end = text.find('\0'); end != std::string::npos) text.resize(end);
+    return call.vm.string(std::string_view(text));
+}
+Value readUtf(Call& call) { return textOf(call, fetch<std::uint16_t>(call)); }
+Value readUtfBytes(Call& call) { return textOf(call, call.vm.toUint(call.arg(0))); }
+Value writeUtf(Call& call)
+{
+    const std::string text = toUtf8(call.vm.text(call.arg(0)));
+    if (text.size() > 65535)
+        call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");
+    store(call, static_cast<std::uint16_t>(text.size()));
+    self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    return {};
+}
+Value writeUtfBytes(Call& call)
+{
+    const std::string text = toUtf8(call.vm.text(call.arg(0)));
+    self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    return {};
+}
+Value readMultiByte(Call& call) { return textOf(call, call.vm.toUint(call.arg(0))); }
+
+Value readBytes(Call& call)
+{
+    auto& array = self(call);
+    auto* target = as<ByteArrayObject>(call.arg(0));
+    if (target == nullptr) call.vm.throwError(ErrorClass::Type, 2007, "Parameter bytes must be non-null.");
+    const std::size_t offset = call.has(1) ? call.vm.toUint(call.arg(1)) : 0;
+    std::size_t count = call.has(2) ? call.vm.toUint(call.arg(2)) : 0;
+    if (count == 0) count = array.position < array.content.size() ? array.content.size() - array.position : 0;
+    const auto read = array.read(call.vm, count);
+    const std::vector<std::uint8_t> bytes(read.begin(), read.end());
+    if (offset > kMostBytes) call.vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    if (offset + count > target->content.size()) target->resize(call.vm, offset + count);
+    std::ranges::copy(bytes, target->content.begin() + static_cast<std::ptrdiff_t>(offset));
+    return {};
+}
+
+Value writeBytes(Call& call)
+{
+    auto* source = as<ByteArrayObject>(call.arg(0));
+    if (source == nullptr) call.vm.throwError(ErrorClass::Type, 2007, "Parameter bytes must be non-null.");
+    const std::size_t offset =
+        std::min<std::size_t>(call.has(1) ? call.vm.toUint(call.arg(1)) : 0, source->content.size());
+    std::size_t count = call.has(2) ? call.vm.toUint(call.arg(2)) : 0;
+    if (count == 0) count = source->content.size() - offset;
+    if (count > source->content.size() - offset)
+        call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");
+    const std::vector<std::uint8_t> bytes(source->content.begin() + static_cast<std::ptrdiff_t>(offset),
+                                          source->content.begin() +
+                                              static_cast<std::ptrdiff_t>(offset + count));
+    self(call).write(call.vm, bytes);
+    return {};
+}
+
+Value clear(Call& call)
+{
+    self(call).content.clear();
+    self(call).position = 0;
+    return {};
+}
+
+Value toString(Call& call)
+{
+    auto* array = as<ByteArrayObject>(call.self);
+    if (array == nullptr) return call.vm.common().empty.string();
+    std::string text(array->content.begin(), array->content.end());
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    return call.vm.string(std::string_view(text));
+}
+
+int windowOf(Call& call, std::u16string_view algorithm)
+{
+    if (algorithm == u"zlib") return 15;
+    if (algorithm == u"deflate") return -15;
+    call.vm.throwError(ErrorClass::Io, 2058, "There was an error decompressing the data.");
+}
+
+Value pack(Call& call, int window)
+{
+    auto& array = self(call);
+    z_stream stream{};
+    if (deflateInit2(&stream, 9, Z_DEFLATED, window, 8, Z_DEFAULT_STRATEGY) != Z_OK) return {};
+    std::vector<std::uint8_t> out(deflateBound(&stream, array.content.size()) + 16);
+    stream.next_in = array.content.data();
+    stream.avail_in = static_cast<uInt>(array.content.size());
+    stream.next_out = out.data();
+    stream.avail_out = static_cast<uInt>(out.size());
+    deflate(&stream, Z_FINISH);
+    out.resize(stream.total_out);
+    deflateEnd(&stream);
+    array.content = std::move(out);
+    array.position = array.content.size();
+    return {};
+}
+
+Value unpack(Call& call, int window)
+{
+    auto& array = self(call);
+    z_stream stream{};
+    if (inflateInit2(&stream, window) != Z_OK) return {};
+    std::vector<std::uint8_t> out;
+    stream.next_in = array.content.data();
+    stream.avail_in = static_cast<uInt>(array.content.size());
+    int state = Z_OK;
+    while (state == Z_OK && out.size() < kMostBytes) {
+        const std::size_t at = out.size();
+        out.resize(at + 65536);
+        stream.next_out = out.data() + at;
+        stream.avail_out = 65536;
+        state = inflate(&stream, Z_NO_FLUSH);
+        out.resize(at + 65536 - stream.avail_out);
+        if (state == Z_OK && stream.avail_in == 0 && stream.avail_out != 0) break;
+    }
+    inflateEnd(&stream);
+    if (state != Z_STREAM_END && !array.content.empty())
+        call.vm.throwError(ErrorClass::Io, 2058, "There was an error decompressing the data.");
+    array.content = std::move(out);
+    array.position = 0;
+    call.vm.heap().noteExternalBytes(array.content.size());
+    return {};
+}
+
+Value compress(Call& call)
+{
+    return pack(call, windowOf(call, call.has(0) ? call.vm.text(call.arg(0)) : u"zlib"));
+}
+Value uncompress(Call& call)
+{
+    return unpack(call, windowOf(call, call.has(0) ? call.vm.text(call.arg(0)) : u"zlib"));
+}
+Value deflateRaw(Call& call) { return pack(call, -15); }
+Value inflateRaw(Call& call) { return unpack(call, -15); }
+
+Value writeObject(Call& call)
+{
+    auto& array = self(call);
+    writeAmf(call.vm, array, call.arg(0), array.encoding);
+    return {};
+}
+Value readObject(Call& call)
+{
+    auto& array = self(call);
+    return readAmf(call.vm, array, array.encoding);
+}
+
+int s_defaultEncoding() { return 3; }
+Value defaultEncoding(Call&) { return s_defaultEncoding(); }
+Value ignoreDefaultEncoding(Call&) { return {}; }
+
+constexpr NativeMember kMembers[] = {
+    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint"},
+    {"position", Kind::Getter, &position, 0, 0, &setPosition, "uint"},
+    {"bytesAvailable", Kind::Getter, &bytesAvailable, 0, 0, nullptr, "uint"},
+    {"endian", Kind::Getter, &endian, 0, 0, &setEndian, "String"},
+    {"objectEncoding", Kind::Getter, &objectEncoding, 0, 0, &setObjectEncoding, "uint"},
+    {"defaultObjectEncoding", Kind::StaticGetter, &defaultEncoding, 0, 0, &ignoreDefaultEncoding},
+    {"readBoolean", Kind::Method, &readBoolean, 0, 0},
+    {"readByte", Kind::Method, &readNumber<std::int8_t>, 0, 0},
+    {"readUnsignedByte", Kind::Method, &readNumber<std::uint8_t>, 0, 0},
+    {"readShort", Kind::Method, &readNumber<std::int16_t>, 0, 0},
+    {"readUnsignedShort", Kind::Method, &readNumber<std::uint16_t>, 0, 0},
+    {"readInt", Kind::Method, &readNumber<std::int32_t>, 0, 0},
+    {"readUnsignedInt", Kind::Method, &readNumber<std::uint32_t>, 0, 0},
+    {"readFloat", Kind::Method, &readNumber<float>, 0, 0},
+    {"readDouble", Kind::Method, &readNumber<double>, 0, 0},
+    {"readUTF", Kind::Method, &readUtf, 0, 0},
+    {"readUTFBytes", Kind::Method, &readUtfBytes, 1, 1},
+    {"readMultiByte", Kind::Method, &readMultiByte, 2, 2},
+    {"readBytes", Kind::Method, &readBytes, 1, 3},
+    {"readObject", Kind::Method, &readObject, 0, 0},
+    {"writeBoolean", Kind::Method, &writeBoolean, 1, 1},
+    {"writeByte", Kind::Method, &writeInteger<std::uint8_t>, 1, 1},
+    {"writeShort", Kind::Method, &writeInteger<std::uint16_t>, 1, 1},
+    {"writeInt", Kind::Method, &writeInteger<std::int32_t>, 1, 1},
+    {"writeUnsignedInt", Kind::Method, &writeInteger<std::uint32_t>, 1, 1},
+    {"writeFloat", Kind::Method, &writeFloat, 1, 1},
+    {"writeDouble", Kind::Method, &writeDouble, 1, 1},
+    {"writeUTF", Kind::Method, &writeUtf, 1, 1},
+    {"writeUTFBytes", Kind::Method, &writeUtfBytes, 1, 1},
+    {"writeMultiByte", Kind::Method, &writeUtfBytes, 2, 2},
+    {"writeBytes", Kind::Method, &writeBytes, 1, 3},
+    {"writeObject", Kind::Method, &writeObject, 1, 1},
+    {"clear", Kind::Method, &clear, 0, 0},
+    {"compress", Kind::Method, &compress, 0, 1},
+    {"uncompress", Kind::Method, &uncompress, 0, 1},
+    {"deflate", Kind::Method, &deflateRaw, 0, 0},
+    {"inflate", Kind::Method, &inflateRaw, 0, 0},
+    {"toString", Kind::Method, &toString, 0, 0},
+    {"toString", Kind::Prototype, &toString, 0, -1},
+};
+
+} // namespace
+
+constinit const NativeClass kByteArray{.package = "flash.utils",
+                                       .name = "ByteArray",
+                                       .base = {},
+                                       .constructor = &nothing,
+                                       .least = 0,
+                                       .most = 0,
+                                       .allocate = &allocateNative<ByteArrayObject>,
+                                       .members = kMembers,
+                                       .interfaces = "flash.utils::IDataInput flash.utils::IDataOutput"};
+
+} // namespace flash::avm2::classes

@@ -1,0 +1,232 @@
+#include "flash/avm2/classes/DescribeType.h"
+#include "flash/avm2/classes/Library.h"
+
+#include <array>
+
+namespace flash::avm2::classes
+{
+
+namespace
+{
+
+Value trace(Call& call)
+{
+    std::u16string line;
+    for (std::uint32_t i = 0; i < call.count; ++i) {
+        if (i > 0) line += u' ';
+        line += call.vm.text(call.args[i]);
+    }
+    call.vm.host().trace(line);
+    return {};
+}
+
+Value parseInt(Call& call)
+{
+    std::u16string_view text = call.vm.text(call.arg(0));
+    const auto isSpace = [](char16_t unit) {
+        return unit == u' ' || (unit >= 9 && unit <= 13) || unit == 0xA0;
+    };
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    std::int32_t radix = call.has(1) ? call.vm.toInt(call.arg(1)) : 0;
+    bool negative = false;
+    if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) {
+        negative = text[0] == u'-';
+        text.remove_prefix(1);
+    }
+    const bool hasPrefix = text.size() >= 2 && text[0] == u'0' && (text[1] | 0x20) == u'x';
+    if ((radix == 0 || radix == 16) && hasPrefix) {
+        text.remove_prefix(2);
+        radix = 16;
+    }
+    if (radix == 0) radix = 10;
+    if (radix < 2 || radix > 36) return std::nan("");
+    double value = 0;
+    bool any = false;
+    for (const char16_t unit : text) {
+        const int digit = unit >= u'0' && unit <= u'9' ? unit - u'0'
+                          : (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z' && unit < 0x80
+                              ? (unit | 0x20) - u'a' + 10
+                              : 99;
+        if (digit >= radix) break;
+        value = value * radix + digit;
+        any = true;
+    }
+    if (!any) return std::nan("");
+    return negative ? -value : value;
+}
+
+Value parseFloat(Call& call) { return vm::parseFloatPrefix(call.vm.text(call.arg(0))); }
+Value isNaN(Call& call) { return std::isnan(call.vm.toNumber(call.arg(0))); }
+Value isFinite(Call& call) { return std::isfinite(call.vm.toNumber(call.arg(0))); }
+
+Value isXmlName(Call& call)
+{
+    if (call.arg(0).isNullish()) return false;
+    const auto text = call.vm.text(call.arg(0));
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        const bool isStart = (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z' && unit < 0x80;
+        const bool isMore = (unit >= u'0' && unit <= u'9') || unit == u'-' || unit == u'.';
+        if (!(isStart || unit == u'_' || unit >= 0xC0 || (i > 0 && isMore))) return false;
+    }
+    return !text.empty();
+}
+
+constexpr std::string_view kAlphanumeric = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+
+bool oneOf(char16_t unit, std::string_view set)
+{
+    return unit < 0x80 && set.find(static_cast<char>(unit)) != std::string_view::npos;
+}
+
+void appendHex(std::u16string& out, unsigned value, int digits)
+{
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
+        out += u"0123456789ABCDEF"[value >> static_cast<unsigned>(shift) & 15U];
+}
+
+Value escape(Call& call)
+{
+    std::u16string result;
+    for (const char16_t unit : call.vm.text(call.arg(0))) {
+        if (oneOf(unit, kAlphanumeric) || oneOf(unit, "@-_.*+/")) {
+            result += unit;
+        } else if (unit < 256) {
+            result += u'%';
+            appendHex(result, unit, 2);
+        } else {
+            result += u"%u";
+            appendHex(result, unit, 4);
+        }
+    }
+    return call.vm.string(std::move(result));
+}
+
+int hexAt(std::u16string_view text, std::size_t at, std::size_t digits)
+{
+    if (at + digits > text.size()) return -1;
+    int value = 0;
+    for (std::size_t i = 0; i < digits; ++i) {
+        const char16_t unit = text[at + i];
+        const int digit = unit >= u'0' && unit <= u'9'                     ? unit - u'0'
+                          : (unit | 0x20) >= u'a' && (unit | 0x20) <= u'f' ? (unit | 0x20) - u'a' + 10
+                                                                           : -1;
+        if (digit < 0) return -1;
+        value = value * 16 + digit;
+    }
+    return value;
+}
+
+Value unescape(Call& call)
+{
+    const std::u16string text(call.vm.text(call.arg(0)));
+    std::u16string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == u'%') {
+            if (i + 1 < text.size() && text[i + 1] == u'u') {
+                if (const int value = hexAt(text, i + 2, 4); value >= 0) {
+                    result += static_cast<char16_t>(value);
+                    i += 5;
+                    continue;
+                }
+            } else if (const int value = hexAt(text, i + 1, 2); value >= 0) {
+                result += static_cast<char16_t>(value);
+                i += 2;
+                continue;
+            }
+        }
+        result += text[i];
+    }
+    return call.vm.string(std::move(result));
+}
+
+Value encode(Call& call, std::string_view kept)
+{
+    const std::u16string_view text = call.vm.text(call.arg(0));
+    std::u16string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        if (oneOf(unit, kAlphanumeric) || oneOf(unit, kept)) {
+            result += unit;
+            continue;
+        }
+        const bool isPair = unit >= 0xD800 && unit < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+                            text[i + 1] < 0xE000;
+        if (unit >= 0xD800 && unit < 0xE000 && !isPair)
+            call.vm.throwError(ErrorClass::Uri, 1052, "Invalid URI passed to encodeURI function.");
+        for (const char byte : toUtf8(text.substr(i, isPair ? 2 : 1))) {
+            result += u'%';
+            appendHex(result, static_cast<unsigned char>(byte), 2);
+        }
+        if (isPair) ++i;
+    }
+    return call.vm.string(std::move(result));
+}
+
+Value encodeUri(Call& call) { return encode(call, ";/?:@&=+$,#-_.!~*'()"); }
+Value encodeUriComponent(Call& call) { return encode(call, "-_.!~*'()"); }
+
+Value decode(Call& call, std::string_view kept)
+{
+    const std::u16string text(call.vm.text(call.arg(0)));
+    std::u16string result;
+    std::string bytes;
+    const auto flush = [&] {
+        result += fromUtf8(bytes);
+        bytes.clear();
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != u'%') {
+            flush();
+            result += text[i];
+            continue;
+        }
+        const int value = hexAt(text, i + 1, 2);
+        if (value < 0) call.vm.throwError(ErrorClass::Uri, 1052, "Invalid URI passed to decodeURI function.");
+        if (oneOf(static_cast<char16_t>(value), kept)) {
+            flush();
+            result += text.substr(i, 3);
+        } else {
+            bytes += static_cast<char>(value);
+        }
+        i += 2;
+    }
+    flush();
+    return call.vm.string(std::move(result));
+}
+
+Value decodeUri(Call& call) { return decode(call, ";/?:@&=+$,#"); }
+Value decodeUriComponent(Call& call) { return decode(call, ""); }
+
+constexpr NativeFunctionInfo kFunctions[] = {
+    {"", "trace", &trace},
+    {"", "parseInt", &parseInt, 0, 2},
+    {"", "parseFloat", &parseFloat, 0, 1},
+    {"", "isNaN", &isNaN, 0, 1},
+    {"", "isFinite", &isFinite, 0, 1},
+    {"", "isXMLName", &isXmlName, 0, 1},
+    {"", "escape", &escape, 0, 1},
+    {"", "unescape", &unescape, 0, 1},
+    {"", "encodeURI", &encodeUri, 0, 1},
+    {"", "encodeURIComponent", &encodeUriComponent, 0, 1},
+    {"", "decodeURI", &decodeUri, 0, 1},
+    {"", "decodeURIComponent", &decodeUriComponent, 0, 1},
+};
+
+} // namespace
+
+std::span<const NativeFunctionInfo> topLevelFunctions() { return kFunctions; }
+
+std::span<const NativeLibrary> library()
+{
+    static const NativeClass kOwn[] = {kObject,    kClass, kFunction, kArray, kString,    kNumber,
+                                       kInt,       kUint,  kBoolean,  kMath,  kRegExp,    kVector,
+                                       kNamespace, kQName, kDate,     kJson,  kByteArray, kDictionary,
+                                       kProxy,     kXml,   kXmlList};
+    static const std::array<NativeLibrary, 3> kLibraries = {
+        NativeLibrary{kOwn, topLevelFunctions()}, NativeLibrary{errorClasses(), utilityFunctions()},
+        NativeLibrary{utilityClasses(), describeFunctions()}};
+    return kLibraries;
+}
+
+} // namespace flash::avm2::classes

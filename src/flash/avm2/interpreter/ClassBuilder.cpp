@@ -1,0 +1,506 @@
+#include "flash/avm2/interpreter/Code.h"
+#include "flash/avm2/interpreter/Vm.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace flash::avm2
+{
+
+namespace
+{
+
+Object* allocatePlain(Vm& vm, ClassObject& cls)
+{
+    return vm.heap().make<Object>(cls.instances, cls.prototype);
+}
+
+/// Where definitions of the player are found: asked by name, made when first asked for.
+class NativeGlobal final : public Object
+{
+public:
+    AVM2_NATIVE(Object)
+    explicit NativeGlobal(Traits* traits) : Object(traits, nullptr) { m_exotic = Exotic::Last; }
+    bool getExotic(Vm& vm, const Multiname& name, Value& result) override
+    {
+        return vm.findNative(name, result);
+    }
+    bool hasExotic(Vm& vm, const Multiname& name) override
+    {
+        Value ignored;
+        return vm.findNative(name, ignored);
+    }
+};
+
+/// What a slot holds before anything was put into it.
+Value initialOf(Vm& vm, Unit& unit, const abc::Trait& trait)
+{
+    if (trait.value.kind != 0) return unit.constant(vm, trait.value);
+    if (trait.type == 0) return {};
+    const Multiname& type = unit.multiname(trait.type);
+    if (type.name.isNull()) return Value::null();
+    const auto text = type.name.view();
+    if (type.hasPublic()) {
+        if (text == u"int" || text == u"uint") return 0;
+        if (text == u"Number") return std::nan("");
+        if (text == u"Boolean") return false;
+    }
+    return Value::null();
+}
+
+} // namespace
+
+Object* Vm::newObject()
+{
+    return m_heap.make<Object>(m_classes.object->instances, m_classes.object->prototype);
+}
+
+Object* Vm::instantiate(ClassObject* cls)
+{
+    Object* made = cls->allocate != nullptr ? cls->allocate(*this, *cls) : allocatePlain(*this, *cls);
+    return made;
+}
+
+FunctionObject* Vm::newFunction(NativeFunction function, std::string_view functionName, int least, int most)
+{
+    return m_heap.make<FunctionObject>(*this, m_heap.make<MethodEnv>(function, functionName, least, most));
+}
+
+void Vm::fillTraits(Traits& traits, Unit* unit, const std::vector<abc::Trait>& list, ScopeChain* scope)
+{
+    const auto firstSlot = static_cast<std::uint32_t>(traits.slotTypes.size());
+    // Slots that say their number get it; the others take what is left.
+    std::uint32_t count = 0, highest = 0;
+    for (const abc::Trait& trait : list) {
+        const bool isSlot = trait.kind == abc::Trait::Kind::Slot || trait.kind == abc::Trait::Kind::Const ||
+                            trait.kind == abc::Trait::Kind::Class || trait.kind == abc::Trait::Kind::Function;
+        if (!isSlot) continue;
+        ++count;
+        if (trait.id <= list.size() * 2) highest = std::max(highest, trait.id);
+    }
+    std::vector<bool> taken(std::max(count, highest) + count + 1);
+    for (const abc::Trait& trait : list) {
+        const bool isSlot = trait.kind == abc::Trait::Kind::Slot || trait.kind == abc::Trait::Kind::Const ||
+                            trait.kind == abc::Trait::Kind::Class || trait.kind == abc::Trait::Kind::Function;
+        if (isSlot && trait.id > 0 && trait.id < taken.size()) taken[trait.id - 1] = true;
+    }
+    std::uint32_t free = 0;
+    for (const abc::Trait& trait : list) {
+        const Multiname& name = unit->multiname(trait.name);
+        if (name.name.isNull() || name.single == nullptr) continue;
+        Binding binding;
+        switch (trait.kind) {
+        case abc::Trait::Kind::Slot:
+        case abc::Trait::Kind::Const:
+        case abc::Trait::Kind::Class:
+        case abc::Trait::Kind::Function: {
+            std::uint32_t place = trait.id;
+            if (place == 0 || place > taken.size()) {
+                while (taken[free]) ++free;
+                taken[free] = true;
+                place = free + 1;
+            }
+            const std::uint32_t slot = firstSlot + place - 1;
+            while (traits.slotTypes.size() <= slot) traits.addSlot({}, Value());
+            binding.kind = trait.kind == abc::Trait::Kind::Slot ? Binding::Kind::Slot : Binding::Kind::Const;
+            binding.id = static_cast<std::int32_t>(slot);
+            if (trait.kind == abc::Trait::Kind::Slot || trait.kind == abc::Trait::Kind::Const) {
+                if (trait.type != 0) traits.slotTypes[slot] = {unit, trait.type, nullptr};
+                traits.slotInitials[slot] = initialOf(*this, *unit, trait);
+            } else if (trait.kind == abc::Trait::Kind::Function) {
+                traits.slotInitials[slot] =
+                    Value(m_heap.make<FunctionObject>(*this, unit->method(*this, trait.index, scope)));
+            } else {
+                traits.slotInitials[slot] = Value::null();
+            }
+            break;
+        }
+        case abc::Trait::Kind::Method:
+        case abc::Trait::Kind::Getter:
+        case abc::Trait::Kind::Setter: {
+            MethodEnv* env = unit->method(*this, trait.index, scope);
+            env->owner = &traits;
+            env->name = name.name;
+            env->ns = name.single;
+            env->role = trait.kind == abc::Trait::Kind::Method   ? MethodEnv::Role::Method
+                        : trait.kind == abc::Trait::Kind::Getter ? MethodEnv::Role::Getter
+                                                                 : MethodEnv::Role::Setter;
+            const std::int32_t id = traits.addMethod(env);
+            if (trait.kind == abc::Trait::Kind::Method)
+                binding = {Binding::Kind::Method, id, -1};
+            else if (trait.kind == abc::Trait::Kind::Getter)
+                binding = {Binding::Kind::Accessor, id, -1};
+            else
+                binding = {Binding::Kind::Accessor, -1, id};
+            break;
+        }
+        }
+        // An override may stand in the derived class's own protected namespace or in that of its base.
+        traits.bind(name.name, name.single, binding);
+        Traits::Entry* entry = traits.entry(name.name, name.single);
+        entry->source = &trait;
+        entry->unit = unit;
+        if (traits.base != nullptr && name.single->kind == Namespace::Kind::Protected) {
+            for (Traits* at = traits.base; at != nullptr; at = at->base) {
+                if (at->protectedNs != nullptr && traits.entry(name.name, at->protectedNs) != nullptr)
+                    traits.bind(name.name, at->protectedNs, traits.entry(name.name, name.single)->binding);
+            }
+        }
+    }
+}
+
+ClassObject* Vm::newClass(Unit* unit, std::uint32_t index, ClassObject* base, ScopeChain* scope)
+{
+    const abc::InstanceInfo& info = unit->abc().instances[index];
+    const abc::ClassInfo& statics = unit->abc().classes[index];
+    const Multiname& name = unit->multiname(info.name);
+    if (base != nullptr && base->instances->isFinal)
+        throwError(ErrorClass::Verify, 1103,
+                   u"Class " + nameText(name) + u" cannot extend final base class.");
+    Namespace* space = name.single != nullptr ? name.single : m_public;
+    auto* classTraits = m_heap.make<Traits>(name.name, space, m_classes.cls->instances);
+    Traits* instanceTraits = unit->takeInstanceTraits(*this, index);
+    instanceTraits->derive(base != nullptr ? base->instances : nullptr);
+    instanceTraits->isInterface = (info.flags & abc::InstanceInfo::Interface) != 0;
+    instanceTraits->isSealed = (info.flags & abc::InstanceInfo::Sealed) != 0;
+    instanceTraits->isFinal = (info.flags & abc::InstanceInfo::Final) != 0;
+    if ((info.flags & abc::InstanceInfo::ProtectedNs) != 0) {
+        instanceTraits->protectedNs = unit->ns(info.protectedNs);
+        for (Traits* at = instanceTraits->base; at != nullptr; at = at->base) {
+            if (at->protectedNs != nullptr)
+                instanceTraits->alias(at->protectedNs, instanceTraits->protectedNs);
+        }
+    }
+    for (const std::uint32_t interface : info.interfaces) {
+        if (Traits* type = unit->type(*this, interface)) instanceTraits->implement(*this, type);
+    }
+    classTraits->protectedNs = instanceTraits->protectedNs;
+    const bool isAbstract = base != nullptr && base->isAbstract;
+
+    // Static members are filled in before the object, whose slots come from them; its scope has itself on
+    // top.
+    auto* inner = m_heap.make<ScopeChain>(scope != nullptr ? scope->global : nullptr);
+    if (scope != nullptr) inner->scopes = scope->scopes;
+    fillTraits(*classTraits, unit, statics.traits, inner);
+    auto* cls = m_heap.make<ClassObject>(*this, classTraits, instanceTraits, base);
+    cls->isAbstract = isAbstract;
+    inner->scopes.push_back({cls, false});
+    fillTraits(*instanceTraits, unit, info.traits, inner);
+    if (!instanceTraits->isInterface) {
+        // What interfaces ask for is found under their namespaces.
+        for (Traits* interface : instanceTraits->interfaces) {
+            for (const Traits::Entry& entry : interface->entries()) {
+                const Traits::Entry* own = instanceTraits->entry(entry.name, m_public);
+                if (entry.ns != m_public && own != nullptr)
+                    instanceTraits->bind(entry.name, entry.ns, own->binding);
+            }
+        }
+        cls->prototype =
+            m_heap.make<Object>(m_classes.object->instances, base != nullptr ? base->prototype : nullptr);
+        cls->prototype->table().set(m_common.constructor, Value(cls));
+        cls->prototype->table().setHidden(m_common.constructor, true);
+        MethodEnv* constructor = unit->method(*this, info.initializer, inner);
+        constructor->owner = instanceTraits;
+        constructor->role = MethodEnv::Role::Constructor;
+        cls->constructor = constructor;
+    }
+    MethodEnv* initializer = unit->method(*this, statics.initializer, inner);
+    initializer->owner = classTraits;
+    initializer->role = MethodEnv::Role::StaticInit;
+    invoke(*initializer, Value(cls), {});
+    return cls;
+}
+
+Object* Vm::newGlobal(Unit* unit, std::uint32_t script)
+{
+    auto* traits = m_heap.make<Traits>(name("global"), m_public, m_classes.object->instances);
+    auto* chain = m_heap.make<ScopeChain>(nullptr);
+    fillTraits(*traits, unit, unit->abc().scripts[script].traits, chain);
+    auto* global = m_heap.make<Object>(traits, m_classes.object->prototype);
+    chain->global = global;
+    chain->scopes.push_back({global, false});
+    return global;
+}
+
+Object* Vm::newActivation(MethodEnv& env)
+{
+    Code* code = env.code;
+    if (code->activation == nullptr) {
+        auto* traits = m_heap.make<Traits>(m_common.empty, m_public, nullptr);
+        traits->isSealed = true;
+        fillTraits(*traits, code->unit, code->unit->abc().bodies[code->body].traits, env.scope);
+        code->activation = traits;
+    }
+    return m_heap.make<Object>(code->activation, nullptr);
+}
+
+Object* Vm::newCatchScope(Code& code, std::uint32_t index)
+{
+    if (code.catches[index] == nullptr) {
+        auto* traits = m_heap.make<Traits>(m_common.empty, m_public, nullptr);
+        traits->isSealed = true;
+        const abc::ExceptionInfo& info = code.unit->abc().bodies[code.body].exceptions[index];
+        TypeRef type;
+        if (info.type != 0) type = {code.unit, info.type, nullptr};
+        const std::int32_t slot = traits->addSlot(type, Value());
+        const Multiname& name = code.unit->multiname(info.name);
+        if (info.name != 0 && !name.name.isNull())
+            traits->bind(name.name, name.single != nullptr ? name.single : m_public,
+                         {Binding::Kind::Slot, slot, -1});
+        code.catches[index] = traits;
+    }
+    return m_heap.make<Object>(code.catches[index], nullptr);
+}
+
+void Vm::bindSlot(Traits& traits, std::string_view text)
+{
+    const auto colon = text.find(':'), equals = text.find('=');
+    const std::string_view type =
+        text.substr(colon + 1, equals == std::string_view::npos ? equals : equals - colon - 1);
+    const bool hasInitial = equals != std::string_view::npos;
+    const std::string initial(hasInitial ? text.substr(equals + 1) : std::string_view());
+    TypeRef reference;
+    Value value = Value::null();
+    if (type == "int" || type == "uint" || type == "Number") {
+        value = initial == "nan" ? std::nan("") : hasInitial ? std::atof(initial.c_str()) : 0.0;
+        reference.resolved = (type == "int"    ? m_classes.integer
+                              : type == "uint" ? m_classes.uinteger
+                                               : m_classes.number)
+                                 ->instances;
+    } else if (type == "Boolean") {
+        value = initial == "true";
+        reference.resolved = m_classes.boolean->instances;
+    } else if (type == "String") {
+        if (hasInitial) value = Value(name(initial).string());
+        reference.resolved = m_classes.string->instances;
+    }
+    const std::int32_t slot = traits.addSlot(reference, value);
+    traits.bind(name(text.substr(0, colon)), m_public, {Binding::Kind::Slot, slot, -1});
+}
+
+ClassObject* Vm::makeNative(const NativeClass& spec)
+{
+    Namespace* space = ns(Namespace::Kind::Public, spec.package);
+    const Name own = name(spec.name);
+    ClassObject* base = nullptr;
+    if ((spec.flags & NativeClass::Interface) == 0 && own.view() != u"Object")
+        base = spec.base.empty() ? m_classes.object : nativeClass(spec.base);
+    auto* statics =
+        m_heap.make<Traits>(own, space, m_classes.cls != nullptr ? m_classes.cls->instances : nullptr);
+    auto* instances = m_heap.make<Traits>(own, space, base != nullptr ? base->instances : nullptr);
+    instances->isSealed = (spec.flags & NativeClass::Sealed) != 0;
+    instances->isFinal = (spec.flags & NativeClass::Final) != 0;
+    instances->isInterface = (spec.flags & NativeClass::Interface) != 0;
+    for (std::size_t at = 0; at < spec.interfaces.size();) {
+        const std::size_t end = std::min(spec.interfaces.find(' ', at), spec.interfaces.size());
+        if (ClassObject* type = nativeClass(spec.interfaces.substr(at, end - at)))
+            instances->implement(*this, type->instances);
+        at = end + 1;
+    }
+    const auto method = [&](const NativeMember& member, NativeFunction function, Traits& owner,
+                            MethodEnv::Role role) {
+        auto* env =
+            m_heap.make<MethodEnv>(function, member.name, role == MethodEnv::Role::Setter ? 1 : member.least,
+                                   role == MethodEnv::Role::Setter   ? 1
+                                   : role == MethodEnv::Role::Getter ? 0
+                                                                     : member.most);
+        env->owner = &owner;
+        env->name = name(member.name);
+        env->ns = member.kind == NativeMember::Kind::As3 ? m_as3 : m_public;
+        env->role = role;
+        return env;
+    };
+    TracedList<FunctionObject*> toPrototype;
+    for (const NativeMember& member : spec.members) {
+        using Kind = NativeMember::Kind;
+        Traits& owner =
+            member.kind == Kind::Static || member.kind == Kind::StaticGetter ? *statics : *instances;
+        Namespace* where = member.kind == Kind::As3 ? m_as3 : member.kind == Kind::Proxy ? m_proxy : m_public;
+        if (member.kind == Kind::Getter || member.kind == Kind::StaticGetter) {
+            Binding binding{Binding::Kind::Accessor, -1, -1};
+            if (member.function != nullptr)
+                binding.id = owner.addMethod(method(member, member.function, owner, MethodEnv::Role::Getter));
+            if (member.setter != nullptr)
+                binding.setter =
+                    owner.addMethod(method(member, member.setter, owner, MethodEnv::Role::Setter));
+            owner.bind(name(member.name), where, binding);
+        } else if (member.kind != Kind::Prototype) {
+            owner.bind(name(member.name), where,
+                       {Binding::Kind::Method,
+                        owner.addMethod(method(member, member.function, owner, MethodEnv::Role::Method)),
+                        -1});
+        }
+    }
+    for (std::size_t at = 0; at < spec.slots.size();) {
+        const std::size_t end = std::min(spec.slots.find(' ', at), spec.slots.size());
+        bindSlot(*instances, spec.slots.substr(at, end - at));
+        at = end + 1;
+    }
+    for (const NativeConstant& constant : spec.constants) {
+        const Value value =
+            constant.text != nullptr ? Value(name(constant.text).string()) : Value(constant.number);
+        statics->bind(name(constant.name), m_public, {Binding::Kind::Const, statics->addSlot({}, value), -1});
+    }
+    for (const Traits* interface : instances->interfaces) {
+        const std::u16string uri =
+            std::u16string(interface->ns->uri.view()) + u":" + std::u16string(interface->name.view());
+        instances->alias(m_public, ns(Namespace::Kind::Public, name(uri)));
+    }
+    auto* cls = m_heap.make<ClassObject>(*this, statics, instances, base);
+    cls->isAbstract = (spec.flags & NativeClass::Abstract) != 0;
+    if (spec.allocate != nullptr) cls->allocate = spec.allocate;
+    cls->conversion = spec.conversion;
+    if (spec.constructor != nullptr) {
+        cls->constructor = m_heap.make<MethodEnv>(spec.constructor, spec.name, spec.least, spec.most);
+        cls->constructor->owner = instances;
+        cls->constructor->role = MethodEnv::Role::Constructor;
+    } else if (base != nullptr) {
+        cls->constructor = base->constructor;
+    }
+    // While the first classes are made there is none of objects yet; makeCore() sees to their prototypes.
+    if (m_classes.object != nullptr && !instances->isInterface) {
+        cls->prototype =
+            m_heap.make<Object>(m_classes.object->instances, base != nullptr ? base->prototype : nullptr);
+        cls->prototype->table().set(m_common.constructor, Value(cls));
+        cls->prototype->table().setHidden(m_common.constructor, true);
+    }
+    return cls;
+}
+
+void Vm::makeCore()
+{
+    const auto spec = [&](std::string_view plain) -> const NativeClass& {
+        return *m_nativeClasses.at({std::string_view(), plain});
+    };
+    const auto keep = [&](ClassObject* cls) {
+        m_nativeValues[{cls->instances->name.cell(), m_public}] = Value(cls);
+    };
+    // A circle: classes are objects, functions are of a class, objects have prototypes.
+    m_classes.object = makeNative(spec("Object"));
+    keep(m_classes.object);
+    m_classes.object->prototype = m_heap.make<Object>(m_classes.object->instances, nullptr);
+    m_classes.object->instances->special = Traits::Special::Object;
+    m_classes.cls = makeNative(spec("Class"));
+    keep(m_classes.cls);
+    m_classes.cls->instances->isFinal = true;
+    // The class of objects was made before there was a class of classes.
+    auto* statics = m_heap.make<Traits>(name("Object"), m_public, m_classes.cls->instances);
+    for (const NativeConstant& constant : spec("Object").constants)
+        statics->bind(name(constant.name), m_public,
+                      {Binding::Kind::Const, statics->addSlot({}, constant.number), -1});
+    ClassObject* first = m_heap.make<ClassObject>(*this, statics, m_classes.object->instances, nullptr);
+    first->prototype = m_classes.object->prototype;
+    first->constructor = m_classes.object->constructor;
+    first->conversion = m_classes.object->conversion;
+    m_classes.object = first;
+    keep(first);
+    auto* clsStatics = m_heap.make<Traits>(name("Class"), m_public, m_classes.cls->instances);
+    ClassObject* second = m_heap.make<ClassObject>(*this, clsStatics, m_classes.cls->instances, first);
+    second->prototype = m_heap.make<Object>(first->instances, first->prototype);
+    second->allocate = m_classes.cls->allocate;
+    m_classes.cls = second;
+    keep(second);
+    first->setProto(second->prototype);
+    second->setProto(second->prototype);
+    for (ClassObject* cls : {first, second}) {
+        cls->prototype->table().set(m_common.constructor, Value(cls));
+        cls->prototype->table().setHidden(m_common.constructor, true);
+    }
+    m_classes.function = nativeClass("Function");
+    for (ClassObject* cls : {first, second, m_classes.function}) {
+        const NativeClass& own = spec(toUtf8(cls->instances->name.view()) == "Object"  ? "Object"
+                                      : toUtf8(cls->instances->name.view()) == "Class" ? "Class"
+                                                                                       : "Function");
+        furnish(*cls, own);
+    }
+    m_nativeValues[{name("undefined").cell(), m_public}] = Value();
+    m_nativeValues[{name("NaN").cell(), m_public}] = std::nan("");
+    m_nativeValues[{name("Infinity").cell(), m_public}] = HUGE_VAL;
+    m_nativeGlobal =
+        m_heap.make<NativeGlobal>(m_heap.make<Traits>(name("global"), m_public, first->instances));
+    const auto special = [&](std::string_view plain, Traits::Special kind) {
+        ClassObject* cls = nativeClass(plain);
+        cls->instances->special = kind;
+        return cls;
+    };
+    m_classes.integer = special("int", Traits::Special::Int);
+    m_classes.uinteger = special("uint", Traits::Special::Uint);
+    m_classes.number = special("Number", Traits::Special::Number);
+    m_classes.boolean = special("Boolean", Traits::Special::Boolean);
+    m_classes.string = special("String", Traits::Special::String);
+    m_classes.array = nativeClass("Array");
+    m_classes.error = nativeClass("Error");
+    m_classes.nameSpace = nativeClass("Namespace");
+    m_classes.qname = nativeClass("QName");
+    m_classes.date = nativeClass("Date");
+    m_classes.regExp = nativeClass("RegExp");
+    m_classes.vector = nativeClass("__AS3__.vec::Vector");
+    m_classes.xml = nativeClass("XML");
+    m_classes.xmlList = nativeClass("XMLList");
+    m_classes.byteArray = nativeClass("flash.utils::ByteArray");
+    m_nativeValues[{name("flash_proxy").cell(), ns(Namespace::Kind::Public, "flash.utils")}] =
+        Value(newNamespace(m_proxy));
+    m_nativeValues[{name("AS3").cell(), m_public}] = Value(newNamespace(m_as3));
+    m_classes.voidType = m_heap.make<Traits>(name("void"), m_public, nullptr);
+    m_classes.voidType->special = Traits::Special::Void;
+}
+
+void Vm::furnish(ClassObject& cls, const NativeClass& spec)
+{
+    if (cls.prototype != nullptr) {
+        for (const NativeMember& member : spec.members) {
+            if (member.kind != NativeMember::Kind::As3 && member.kind != NativeMember::Kind::Prototype)
+                continue;
+            const Name own = name(member.name);
+            cls.prototype->table().set(
+                own, Value(newFunction(member.function, member.name, member.least, member.most)));
+            cls.prototype->table().setHidden(own, true);
+        }
+    }
+    if (spec.furnish != nullptr) spec.furnish(*this, cls);
+}
+
+ClassObject* Vm::nativeClass(std::string_view qualifiedName)
+{
+    const auto colons = qualifiedName.find("::");
+    const std::string_view package =
+        colons == std::string_view::npos ? std::string_view() : qualifiedName.substr(0, colons);
+    const std::string_view plain =
+        colons == std::string_view::npos ? qualifiedName : qualifiedName.substr(colons + 2);
+    Value found;
+    if (!findNative(Multiname::of(name(plain), ns(Namespace::Kind::Public, package)), found)) return nullptr;
+    return as<ClassObject>(found);
+}
+
+bool Vm::findNative(const Multiname& wanted, Value& result)
+{
+    if (wanted.name.isNull()) return false;
+    for (std::uint32_t i = 0; i < wanted.size(); ++i) {
+        Namespace* space = wanted.at(i);
+        if (space->kind != Namespace::Kind::Public) continue;
+        const auto known = m_nativeValues.find({wanted.name.cell(), space});
+        if (known != m_nativeValues.end()) {
+            result = known->second;
+            return true;
+        }
+        const std::string package = toUtf8(space->uri.view()), plain = toUtf8(wanted.name.view());
+        if (const auto spec = m_nativeClasses.find({package, plain}); spec != m_nativeClasses.end()) {
+            ClassObject* cls = makeNative(*spec->second);
+            m_nativeValues[{wanted.name.cell(), space}] = Value(cls);
+            if (m_classes.function != nullptr) furnish(*cls, *spec->second);
+            result = Value(cls);
+            return true;
+        }
+        if (const auto info = m_nativeFunctions.find({package, plain}); info != m_nativeFunctions.end()) {
+            FunctionObject* function = newFunction(info->second->function, info->second->name,
+                                                   info->second->least, info->second->most);
+            m_nativeValues[{wanted.name.cell(), space}] = Value(function);
+            result = Value(function);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace flash::avm2

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "flash/avm2/interpreter/Code.h"
+#include "flash/avm2/interpreter/Vm.h"
+
+namespace flash::avm2
+{
+
+/// One call of verified code. All its values lie on the machine's stack.
+struct Frame {
+    MethodEnv* env = nullptr;
+    Code* code = nullptr;
+    Unit* unit = nullptr;
+    const abc::Abc* abc = nullptr;
+    Value* locals = nullptr;
+    Value* scopes = nullptr;
+    Value* stack = nullptr;
+    std::uint32_t scopeCount = 0;
+    std::uint64_t withMask = 0;  ///< a bit for each scope that is a `with`
+    ScopeChain* chain = nullptr; ///< the scopes as functions made here keep them; null: to be made
+    const Ins* at = nullptr;
+    std::uint32_t resume = 0, stackDepth = 0;
+};
+
+class Interpreter
+{
+public:
+    Interpreter(Vm& vm, Frame& frame) : m_vm(vm), m_frame(frame) {}
+    Value run();
+
+private:
+    /// Takes the runtime parts off the stack.
+    Multiname multiname(const Ins& ins, Value*& sp);
+    Value find(const Multiname& name, const Ins& ins, bool strict);
+    Value getCached(Value base, const Ins& ins);
+    void setCached(Value base, const Ins& ins, Value value);
+    Value callCached(Value base, const Ins& ins, std::span<const Value> args);
+    /// The element of an array at a number. @returns false when it is not that simple
+    bool getElement(Value* sp);
+    Value pushNamespace(std::uint32_t index);
+    void pushScope(Value value, bool isWith);
+    ScopeChain* captured();
+    Value outerScope(std::uint32_t index);
+    Value globalScope();
+    Value getSlot(Value base, std::uint32_t id);
+    void setSlot(Value base, std::uint32_t id, Value value);
+    Value newClass(std::uint32_t index, Value base);
+    Value newObject(std::span<const Value> pairs);
+    Value applyType(Value generic, std::span<const Value> types);
+    Value callMethod(Value self, std::uint32_t id, std::span<const Value> args);
+    void constructSuper(Value self, std::span<const Value> args);
+    Traits* superTraits();
+    Traits* lateType(Value type);
+    bool isIn(Value name, Value object);
+    Value escape(Value value, bool attribute);
+    void setDefaultNamespace(Value value);
+    bool hasNext(Value& object, Value& index);
+    std::uint8_t* memory(Value address, std::size_t size);
+
+    Vm& m_vm;
+    Frame& m_frame;
+};
+
+} // namespace flash::avm2

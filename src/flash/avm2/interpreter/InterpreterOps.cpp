@@ -1,0 +1,377 @@
+#include "flash/avm2/interpreter/Interpreter.h"
+
+#include <algorithm>
+
+namespace flash::avm2
+{
+
+Multiname Interpreter::multiname(const Ins& ins, Value*& sp)
+{
+    const Multiname& base = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
+    if (ins.c == 0) return base;
+    Multiname name = base;
+    const Value text = (ins.c & 1U) != 0 ? *--sp : Value();
+    if ((ins.c & 2U) != 0) {
+        const Value ns = *--sp;
+        name.list = nullptr;
+        name.count = 0;
+        Object* object = ns.asObject();
+        name.single = object != nullptr ? object->namespaceCell() : nullptr;
+        if (name.single == nullptr)
+            m_vm.throwError(ErrorClass::Type, 1034,
+                            u"Type Coercion failed: cannot convert " + std::u16string(m_vm.text(ns)) +
+                                u" to Namespace.");
+    }
+    if ((ins.c & 1U) != 0) return m_vm.runtimeName(name, text);
+    return name;
+}
+
+Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
+{
+    Frame& f = m_frame;
+    const bool isPublic = name.hasPublic();
+    for (std::uint32_t i = f.scopeCount; i-- > 0;) {
+        const Value scope = f.scopes[i];
+        if ((f.withMask >> i & 1U) != 0) {
+            if (m_vm.has(scope, name)) return scope;
+            continue;
+        }
+        Object* object = scope.asObject();
+        if (object == nullptr) continue;
+        if (object->traits()->find(name) != nullptr) return scope;
+        if (isPublic && object->isDynamic() && object->tableIfAny() != nullptr && !name.name.isNull() &&
+            object->tableIfAny()->find(name.name) != PropertyTable::kMissing)
+            return scope;
+    }
+    SiteCache& cache = f.code->caches[static_cast<std::size_t>(ins.cache)];
+    if (ins.c == 0 && cache.chain == f.env->scope && cache.epoch == m_vm.scopeEpoch) return cache.holder;
+    bool cacheable = ins.c == 0;
+    Object* holder = nullptr;
+    if (f.env->scope != nullptr) {
+        const auto& scopes = f.env->scope->scopes;
+        for (std::size_t i = scopes.size(); i-- > 0 && holder == nullptr;) {
+            Object* object = scopes[i].object;
+            if (scopes[i].isWith) {
+                cacheable = false;
+                if (m_vm.has(Value(object), name)) holder = object;
+            } else if (object->traits()->find(name) != nullptr) {
+                holder = object;
+            } else if (isPublic && object->isDynamic() && !name.name.isNull()) {
+                // Additions to these cannot be seen coming.
+                if (object->traits()->cls != nullptr) cacheable = false;
+                if (object->tableIfAny() != nullptr &&
+                    object->tableIfAny()->find(name.name) != PropertyTable::kMissing) {
+                    cacheable = false;
+                    holder = object;
+                }
+            }
+        }
+        if (holder == nullptr && f.env->scope->global != nullptr) {
+            Object* global = f.env->scope->global;
+            if (global->traits()->find(name) != nullptr || m_vm.hasOwn(Value(global), name)) holder = global;
+        }
+    }
+    if (holder == nullptr) holder = f.unit->domain()->find(m_vm, name);
+    if (holder == nullptr) {
+        if (strict)
+            m_vm.throwError(ErrorClass::Reference, 1065,
+                            u"Variable " + m_vm.nameText(name) + u" is not defined.");
+        return globalScope();
+    }
+    if (cacheable) {
+        SiteCache& again = f.code->caches[static_cast<std::size_t>(ins.cache)];
+        again.chain = f.env->scope;
+        again.holder = holder;
+        again.epoch = m_vm.scopeEpoch;
+    }
+    return holder;
+}
+
+Value Interpreter::getCached(Value base, const Ins& ins)
+{
+    const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
+    Object* object = base.asObject();
+    if (object == nullptr || object->exotic() == Exotic::First) return m_vm.get(base, name);
+    SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
+    if (cache.traits == object->traits()) {
+        switch (cache.binding.kind) {
+        case Binding::Kind::Slot:
+        case Binding::Kind::Const: return object->slot(static_cast<std::uint32_t>(cache.binding.id));
+        case Binding::Kind::Accessor:
+        case Binding::Kind::Method: return m_vm.getBinding(base, cache.binding);
+        case Binding::Kind::None:
+            if (object->tableIfAny() != nullptr && object->tableIfAny()->holds(cache.position, name.name))
+                return object->tableIfAny()->at(cache.position).value;
+        }
+    }
+    if (const Binding* found = object->traits()->find(name)) {
+        // Write-only names tell so each time.
+        if (found->kind != Binding::Kind::Accessor || found->id >= 0) {
+            cache.traits = object->traits();
+            cache.binding = *found;
+            return m_vm.getBinding(base, *found);
+        }
+    } else if (object->exotic() == Exotic::None && object->isDynamic() && object->tableIfAny() != nullptr &&
+               !name.name.isNull() && !name.attribute && name.hasPublic()) {
+        const std::uint32_t position = object->tableIfAny()->find(name.name);
+        if (position != PropertyTable::kMissing) {
+            cache.traits = object->traits();
+            cache.binding = {};
+            cache.position = position;
+            return object->tableIfAny()->at(position).value;
+        }
+    }
+    return m_vm.get(base, name);
+}
+
+void Interpreter::setCached(Value base, const Ins& ins, Value value)
+{
+    const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
+    const bool isInit = ins.op == static_cast<std::uint16_t>(abc::Op::initproperty);
+    Object* object = base.asObject();
+    if (object == nullptr || object->exotic() != Exotic::None) {
+        if (isInit)
+            m_vm.initialize(base, name, value);
+        else
+            m_vm.set(base, name, value);
+        return;
+    }
+    SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
+    if (cache.traits == object->traits()) {
+        if (cache.binding.kind == Binding::Kind::Slot) {
+            m_vm.setSlotTyped(*object, static_cast<std::uint32_t>(cache.binding.id), value);
+            return;
+        }
+        if (cache.binding.kind == Binding::Kind::None && object->tableIfAny() != nullptr &&
+            object->tableIfAny()->holds(cache.position, name.name)) {
+            object->tableIfAny()->at(cache.position).value = value;
+            return;
+        }
+    }
+    if (const Binding* found = object->traits()->find(name)) {
+        if (found->kind == Binding::Kind::Slot) {
+            cache.traits = object->traits();
+            cache.binding = *found;
+        }
+    } else if (object->isDynamic() && object->tableIfAny() != nullptr && !name.name.isNull() &&
+               !name.attribute && name.hasPublic()) {
+        const std::uint32_t position = object->tableIfAny()->find(name.name);
+        if (position != PropertyTable::kMissing) {
+            cache.traits = object->traits();
+            cache.binding = {};
+            cache.position = position;
+        }
+    }
+    if (isInit)
+        m_vm.initialize(base, name, value);
+    else
+        m_vm.set(base, name, value);
+}
+
+Value Interpreter::callCached(Value base, const Ins& ins, std::span<const Value> args)
+{
+    const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
+    const bool isLex = ins.op == static_cast<std::uint16_t>(abc::Op::callproplex);
+    Object* object = base.asObject();
+    if (object == nullptr || object->exotic() == Exotic::First)
+        return m_vm.callProperty(base, name, args, isLex);
+    SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
+    if (cache.traits == object->traits())
+        return m_vm.invoke(*object->traits()->methods[static_cast<std::size_t>(cache.binding.id)], base,
+                           args);
+    if (const Binding* found = object->traits()->find(name);
+        found != nullptr && found->kind == Binding::Kind::Method) {
+        cache.traits = object->traits();
+        cache.binding = *found;
+        return m_vm.invoke(*object->traits()->methods[static_cast<std::size_t>(found->id)], base, args);
+    }
+    return m_vm.callProperty(base, name, args, isLex);
+}
+
+bool Interpreter::getElement(Value* sp)
+{
+    const Value index = sp[-1];
+    Object* object = sp[-2].asObject();
+    if (!index.isNumber() || object == nullptr || object->exotic() != Exotic::Elements) return false;
+    const double number = index.number();
+    if (!(number >= 0 && number < 4294967295.0)) return false;
+    const auto at = static_cast<std::uint32_t>(number);
+    if (static_cast<double>(at) != number) return false;
+    return object->element(at, sp[-2]);
+}
+
+Value Interpreter::pushNamespace(std::uint32_t index) { return m_vm.newNamespace(m_frame.unit->ns(index)); }
+
+void Interpreter::pushScope(Value value, bool isWith)
+{
+    Frame& f = m_frame;
+    m_vm.traitsOf(value); // null and undefined are no scopes
+    f.scopes[f.scopeCount] = value;
+    const std::uint64_t bit = std::uint64_t{1} << f.scopeCount;
+    f.withMask = isWith ? f.withMask | bit : f.withMask & ~bit;
+    ++f.scopeCount;
+    f.chain = nullptr;
+}
+
+ScopeChain* Interpreter::captured()
+{
+    Frame& f = m_frame;
+    if (f.chain != nullptr) return f.chain;
+    auto* chain = m_vm.heap().make<ScopeChain>(f.env->scope != nullptr ? f.env->scope->global : nullptr);
+    if (f.env->scope != nullptr) chain->scopes = f.env->scope->scopes;
+    for (std::uint32_t i = 0; i < f.scopeCount; ++i) {
+        if (Object* object = f.scopes[i].asObject())
+            chain->scopes.push_back({object, (f.withMask >> i & 1U) != 0});
+    }
+    f.chain = chain;
+    return chain;
+}
+
+Value Interpreter::outerScope(std::uint32_t index)
+{
+    const ScopeChain* chain = m_frame.env->scope;
+    if (chain == nullptr || index >= chain->scopes.size())
+        m_vm.throwError(ErrorClass::Verify, 1019, "Getscopeobject  is out of bounds.");
+    return chain->scopes[index].object;
+}
+
+Value Interpreter::globalScope()
+{
+    const ScopeChain* chain = m_frame.env->scope;
+    if (chain != nullptr && !chain->scopes.empty()) return chain->scopes.front().object;
+    if (m_frame.scopeCount > 0) return m_frame.scopes[0];
+    return chain != nullptr ? Value(chain->global) : Value::null();
+}
+
+Value Interpreter::getSlot(Value base, std::uint32_t id)
+{
+    m_vm.traitsOf(base);
+    Object* object = base.asObject();
+    if (object == nullptr || id == 0 || id > object->slotCount())
+        m_vm.throwError(ErrorClass::Verify, 1026, "Slot exceeds slotCount.");
+    return object->slot(id - 1);
+}
+
+void Interpreter::setSlot(Value base, std::uint32_t id, Value value)
+{
+    m_vm.traitsOf(base);
+    Object* object = base.asObject();
+    if (object == nullptr || id == 0 || id > object->slotCount())
+        m_vm.throwError(ErrorClass::Verify, 1026, "Slot exceeds slotCount.");
+    m_vm.setSlotTyped(*object, id - 1, value);
+}
+
+Value Interpreter::newClass(std::uint32_t index, Value base)
+{
+    auto* cls = as<ClassObject>(base);
+    if (cls == nullptr && !base.isNull()) m_vm.throwError(ErrorClass::Verify, 1103, "Class cannot extend.");
+    return m_vm.newClass(m_frame.unit, index, cls, captured());
+}
+
+Value Interpreter::newObject(std::span<const Value> pairs)
+{
+    Object* made = m_vm.newObject();
+    // The last of equal names wins.
+    for (std::size_t i = 0; i + 1 < pairs.size(); i += 2)
+        made->table().set(m_vm.names().intern(m_vm.toString(pairs[i])), pairs[i + 1]);
+    return made;
+}
+
+Value Interpreter::applyType(Value generic, std::span<const Value> types)
+{
+    auto* cls = as<ClassObject>(generic);
+    if (cls == nullptr || cls != m_vm.classes().vector || types.size() != 1)
+        m_vm.throwError(ErrorClass::Type, 1127, "Type application attempted on a non-parameterized type.");
+    if (types[0].isNull()) return m_vm.vectorOf(nullptr);
+    return m_vm.vectorOf(lateType(types[0]));
+}
+
+Value Interpreter::callMethod(Value self, std::uint32_t id, std::span<const Value> args)
+{
+    Traits* traits = m_vm.traitsOf(self);
+    if (id == 0 || id > traits->methods.size())
+        m_vm.throwError(ErrorClass::Verify, 1027, "Method_id exceeds method_count.");
+    return m_vm.invoke(*traits->methods[id - 1], self, args);
+}
+
+Traits* Interpreter::superTraits()
+{
+    Traits* owner = m_frame.env->owner;
+    if (owner == nullptr || owner->base == nullptr)
+        m_vm.throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
+    return owner->base;
+}
+
+void Interpreter::constructSuper(Value self, std::span<const Value> args)
+{
+    Traits* owner = m_frame.env->owner;
+    Object* object = self.asObject();
+    if (owner == nullptr || object == nullptr) m_vm.traitsOf(self);
+    if (owner == nullptr || owner->base == nullptr || owner->base->cls == nullptr || object == nullptr)
+        return;
+    if (!object->traits()->isA(owner->base))
+        m_vm.throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
+    m_vm.constructSuper(*owner->base->cls, *object, args);
+}
+
+Traits* Interpreter::lateType(Value type)
+{
+    auto* cls = as<ClassObject>(type);
+    if (cls == nullptr) {
+        m_vm.traitsOf(type);
+        m_vm.throwError(ErrorClass::Type, 1041, "The right-hand side of operator must be a class.");
+    }
+    return cls->instances;
+}
+
+bool Interpreter::isIn(Value name, Value object)
+{
+    return m_vm.has(object, m_vm.runtimeName(Multiname::of({}, m_vm.publicNs()), name));
+}
+
+Value Interpreter::escape(Value value, bool attribute)
+{
+    String* text = m_vm.toString(value);
+    if (m_vm.xml.escape == nullptr) return text;
+    if (value.isObject() && value.object()->isXml() && !attribute)
+        return m_vm.toString(m_vm.callPublic(value, "toXMLString"));
+    return m_vm.string(m_vm.xml.escape(text->view(), attribute));
+}
+
+void Interpreter::setDefaultNamespace(Value value)
+{
+    Object* object = value.asObject();
+    Namespace* ns = object != nullptr ? object->namespaceCell() : nullptr;
+    m_vm.defaultXmlNs =
+        ns != nullptr ? ns : m_vm.ns(Namespace::Kind::Public, m_vm.names().intern(m_vm.toString(value)));
+}
+
+bool Interpreter::hasNext(Value& object, Value& index)
+{
+    std::uint32_t after = m_vm.toUint(index);
+    // Once an object's own are through, those of its prototypes follow.
+    while (object.isObject()) {
+        const std::uint32_t next = object.object()->nextIndex(m_vm, after);
+        if (next != 0) {
+            index = next;
+            return true;
+        }
+        object = object.object()->proto() != nullptr ? Value(object.object()->proto()) : Value::null();
+        after = 0;
+    }
+    object = Value::null();
+    index = 0;
+    return false;
+}
+
+std::uint8_t* Interpreter::memory(Value address, std::size_t size)
+{
+    const std::uint32_t at = m_vm.toUint(address);
+    Object* memory = m_frame.unit->domain()->memory;
+    const auto bytes = memory != nullptr ? memory->bytes() : std::span<std::uint8_t>();
+    if (bytes.size() < size || at > bytes.size() - size)
+        m_vm.throwError(ErrorClass::Range, 1506, "The specified range is invalid.");
+    return bytes.data() + at;
+}
+
+} // namespace flash::avm2
