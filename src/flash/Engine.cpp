@@ -3,6 +3,7 @@
 #include "base/Files.h"
 #include "flash/MovieLoader.h"
 #include "flash/avm1/bindings/StageBinding.h"
+#include "flash/avm2/bindings/Player.h"
 #include "flash/guard/Guard.h"
 #include "flash/net/FileSharedObjects.h"
 #include "flash/net/LocalLoader.h"
@@ -168,7 +169,11 @@ public:
     base::Result<void> open(const std::string& address, std::optional<Bytes> bytes);
     base::Result<void> openLevel(int level, const std::string& address, std::optional<Bytes> bytes);
 
-    enum class Scripts { None, Fresh };
+    enum class Scripts {
+        None,
+        Fresh,
+        Second, ///< of ActionScript 3
+    };
 
     /// Without scripts while nothing is loaded: making their classes is most of the work of a short run.
     void makeStage(Scripts scripts)
@@ -176,6 +181,20 @@ public:
         const stage::Services services{sound, loader, host, *store};
         if (scripts == Scripts::None) {
             stage = std::make_unique<stage::Stage>(services, nullptr);
+            return;
+        }
+        if (scripts == Scripts::Second) {
+            avm2::PlayerInputs inputs;
+            inputs.wallClockMs = [start = options.startDateMs] { return start; };
+            inputs.realTimeMs = [] {
+                const auto now = std::chrono::steady_clock::now().time_since_epoch();
+                return std::chrono::duration<double, std::milli>(now).count();
+            };
+            inputs.randomSeed = options.randomSeed;
+            script3 = std::make_unique<avm2::Player>(services, std::move(inputs));
+            if (options.collectAlways) script3->vm().collectAlways();
+            stage = std::make_unique<stage::Stage>(services, script3.get());
+            script3->attach(*stage);
             return;
         }
         avm1::BindingInputs inputs;
@@ -210,6 +229,7 @@ public:
         stage->close();
         stage.reset();
         script.reset();
+        script3.reset();
         sound.reset();
         watch.setEnding(false);
     }
@@ -250,7 +270,8 @@ public:
     MovieLoader loader;
     std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
     sound::SoundPlayer sound;
-    std::unique_ptr<avm1::StageBinding> script;
+    std::unique_ptr<avm1::StageBinding> script; ///< null for a movie of ActionScript 3
+    std::unique_ptr<avm2::Player> script3;
     std::unique_ptr<stage::Stage> stage;
     double deviceScale = 1;
 };
@@ -313,7 +334,7 @@ base::Result<void> Engine::Private::open(const std::string& address, std::option
     if (!storage.empty()) {
         store = std::make_unique<net::FileSharedObjects>(storageOf(storage, source.path));
     }
-    renewStage(std::move(store), Private::Scripts::Fresh);
+    renewStage(std::move(store), movie->isAs3 ? Private::Scripts::Second : Private::Scripts::Fresh);
     if (stage->view().width() == 0) {
         const swf::Rect& frame = movie->header.frameSize;
         stage->view().setSize(devicePixels(frame.width()), devicePixels(frame.height()));
@@ -321,7 +342,10 @@ base::Result<void> Engine::Private::open(const std::string& address, std::option
     sound.setFrameRate(movie->header.frameRate);
     constexpr double kMsPerSecond = 1000;
     watch.setScriptTime(std::chrono::seconds(std::min<int>(movie->scriptTimeoutSeconds, 60)));
-    script->vm().setLimits(movie->scriptMaxRecursion, movie->scriptTimeoutSeconds * kMsPerSecond);
+    if (script)
+        script->vm().setLimits(movie->scriptMaxRecursion, movie->scriptTimeoutSeconds * kMsPerSecond);
+    else
+        script3->vm().setLimits(movie->scriptTimeoutSeconds * kMsPerSecond);
     stage->open(std::move(movie), source.url);
     return {};
 }

@@ -5,9 +5,12 @@
 #include "base/Files.h"
 #include "flash/Engine.h"
 #include "flash/InputScript.h"
+#include "flash/avm2/abc/Abc.h"
+#include "flash/avm2/abc/Disassembly.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/swf/Describe.h"
 #include "flash/swf/Disassembly.h"
+#include "flash/swf/ScriptTags.h"
 
 #include <QImage>
 
@@ -243,7 +246,12 @@ base::Result<void> actions(const Arguments& arguments)
 {
     const auto bytes = TRY_RESULT(base::readFile(arguments.movie, kMaxMovieBytes));
     const auto movie = TRY_RESULT(flash::swf::parseMovie(bytes));
-    const std::string text = flash::swf::disassemble(*movie);
+    std::string text = flash::swf::disassemble(*movie);
+    for (const auto& block : flash::swf::readScriptTags(*movie).blocks) {
+        const auto abc = flash::avm2::abc::parseAbc(block.bytes);
+        text += "block " + block.name + '\n' +
+                (abc ? flash::avm2::abc::disassemble(**abc) : abc.error().what + '\n');
+    }
     std::fwrite(text.data(), 1, text.size(), stdout);
     return {};
 }
