@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzAbc FuzzAbc.cpp LIBS zorvex_flash_avm2)
