@@ -1,6 +1,7 @@
 #include "flash/Engine.h"
 
 #include "base/Files.h"
+#include "base/TextCodeGuess.h"
 #include "flash/MovieLoader.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/avm2/bindings/Player.h"
@@ -10,6 +11,7 @@
 #include "flash/render/Canvas.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/stage/Stage.h"
+#include "flash/swf/Texts.h"
 
 #include <QCryptographicHash>
 #include <QImage>
@@ -335,6 +337,9 @@ base::Result<void> Engine::Private::open(const std::string& address, std::option
         store = std::make_unique<net::FileSharedObjects>(storageOf(storage, source.path));
     }
     renewStage(std::move(store), movie->isAs3 ? Private::Scripts::Second : Private::Scripts::Fresh);
+    constexpr int kFirstUnicodeVersion = 6;
+    if (options.textCode == Options::kAutomaticTextCode && movie->header.version < kFirstUnicodeVersion)
+        stage->linkage().setTextCode(base::TextCode::named(base::guessTextCode(swf::textsOf(*movie))));
     if (stage->view().width() == 0) {
         const swf::Rect& frame = movie->header.frameSize;
         stage->view().setSize(devicePixels(frame.width()), devicePixels(frame.height()));

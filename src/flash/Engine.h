@@ -38,7 +38,9 @@ public:
         std::uint32_t randomSeed = 1;
         /// What scripts are told of the machine: language in two letters, screen in pixels.
         std::string language = "en";
-        /// The 8-bit code of movies before version 6 (base::TextCode::names()). Empty: the system's own.
+        static constexpr std::string_view kAutomaticTextCode = "automatic";
+        /// The 8-bit code of movies before version 6 (base::TextCode::names()), or kAutomaticTextCode, which
+        /// looks at a movie's own texts. Empty, or nothing to be seen there: the system's own.
         std::string textCode;
         int screenWidth = 1024, screenHeight = 768;
         /// Relative addresses count from here, and nothing outside can be read. Empty: the movie's folder.

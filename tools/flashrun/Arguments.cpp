@@ -1,6 +1,7 @@
 #include "Arguments.h"
 
 #include "base/TextCode.h"
+#include "flash/Engine.h"
 
 #include <charconv>
 #include <cmath>
@@ -132,7 +133,7 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
     } else if (option == "--storage") {
         arguments.storageFolder = value;
     } else if (option == "--codepage") {
-        if (!base::TextCode::named(value))
+        if (value != flash::Engine::Options::kAutomaticTextCode && !base::TextCode::named(value))
             return base::fail(base::ErrorCode::Malformed, "--codepage does not know \"" + value + "\"");
         arguments.textCode = value;
     } else if (option == "--date") {
