@@ -210,10 +210,11 @@ def window(session):
         run('xdotool', 'mousemove', str(x), str(y), 'mousedown', '1')
         for part in (1, 2, 3, 4):
             run('xdotool', 'mousemove', str(x + by[0] * part // 4), str(y + by[1] * part // 4), 'sleep', '0.1')
-        run('xdotool', 'mouseup', '1')
         wanted = tuple(one + more for one, more in zip(before, change))
-        wait_for('%s from %s to %s, not %s' % (name, before, wanted, session.shape()),
+        # The button is held until the window has come after the pointer.
+        wait_for('%s from %s to %s' % (name, before, wanted),
                  lambda wanted=wanted: all(abs(one - other) <= 6 for one, other in zip(session.shape(), wanted)))
+        run('xdotool', 'mouseup', '1')
     # A double click on the title, and the key that drags windows.
     session.key('ctrl+2')
     left, top, width, height = session.shape()

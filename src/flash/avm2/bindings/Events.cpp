@@ -54,7 +54,7 @@ bool DispatcherObject::hasListener(Name type) const
     return found != m_listeners.end() && !found->second.empty();
 }
 
-void DispatcherObject::call(Vm& vm, EventObject& event, Value current, int phase)
+void DispatcherObject::callListeners(Vm& vm, EventObject& event, Value current, int phase)
 {
     const auto found = m_listeners.find(vm.names().intern(vm.toString(event.type)).cell());
     if (found == m_listeners.end()) return;
@@ -78,10 +78,10 @@ bool DispatcherObject::dispatch(Vm& vm, EventObject& event)
     for (DispatcherObject* at = eventParent(); at != nullptr; at = at->eventParent()) path.push_back(at);
     const auto visit = [&](std::size_t i, int phase) {
         auto* at = static_cast<DispatcherObject*>(path[i]);
-        at->call(vm, event, Value(at), phase);
+        at->callListeners(vm, event, Value(at), phase);
     };
     for (std::size_t i = path.size(); i-- > 0 && !event.isStopped;) visit(i, 1);
-    if (!event.isStopped) call(vm, event, event.target, 2);
+    if (!event.isStopped) callListeners(vm, event, event.target, 2);
     if (event.bubbles) {
         for (std::size_t i = 0; i < path.size() && !event.isStopped; ++i) visit(i, 3);
     }

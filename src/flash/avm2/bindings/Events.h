@@ -45,7 +45,7 @@ public:
     Value standIn;
 
 private:
-    void call(Vm& vm, EventObject& event, Value current, int phase);
+    void callListeners(Vm& vm, EventObject& event, Value current, int phase);
     std::map<const Atom*, List> m_listeners;
     TracedList<Name> m_types; ///< keeps the keys alive
 };
