@@ -198,7 +198,8 @@ def window(session):
     run('wmctrl', '-i', '-r', session.window, '-b', 'remove,maximized_vert,maximized_horz')
     wait_for('the former size', lambda: session.shape()[2:] == normal[2:])
 
-    # By its edges.
+    # By its edges. The window hears of its state a moment after it got its size.
+    time.sleep(1)
     for name, at, by, change in (('right edge', (1, 0.5), (60, 0), (0, 0, 60, 0)),
                                  ('left edge', (0, 0.5), (-40, 0), (-40, 0, 40, 0)),
                                  ('top edge', (0.5, 0), (0, -30), (0, -30, 0, 30)),
@@ -207,7 +208,7 @@ def window(session):
         left, top, width, height = before = session.shape()
         x = min(left + round(width * at[0]), left + width - 2) + (at[0] == 0) * 1
         y = min(top + round(height * at[1]), top + height - 2) + (at[1] == 0) * 1
-        run('xdotool', 'mousemove', str(x), str(y), 'mousedown', '1')
+        run('xdotool', 'mousemove', str(x), str(y), 'sleep', '0.2', 'mousedown', '1', 'sleep', '0.4')
         for part in (1, 2, 3, 4):
             run('xdotool', 'mousemove', str(x + by[0] * part // 4), str(y + by[1] * part // 4), 'sleep', '0.1')
         wanted = tuple(one + more for one, more in zip(before, change))

@@ -430,11 +430,10 @@ bool matches(const Multiname& name, const XmlNode& node)
     if (name.isAnyName() && !isNamed) return true;
     if (!isNamed) return false;
     if (!name.name.isNull() && !(name.name == node.name)) return false;
-    return name.anyNamespace || name.isAnyName() ||
-           std::ranges::any_of(std::views::iota(0U, name.size()), [&](std::uint32_t i) {
-               return name.at(i) == node.ns ||
-                      (name.at(i)->kind != Namespace::Kind::Public && node.ns->uri.view().empty() && false);
-           });
+    if (name.anyNamespace || name.isAnyName()) return true;
+    for (std::uint32_t i = 0; i < name.size(); ++i)
+        if (name.at(i) == node.ns) return true;
+    return false;
 }
 
 void collect(const Multiname& name, XmlNode& node, TracedList<XmlNode*>& out)
