@@ -113,11 +113,6 @@ const std::string& Film::endedBecause() const { return m_host->endedBecause(); }
 
 bool Film::hasChanged() { return !m_engine.dirtyRect().isEmpty(); }
 
-void Film::draw(QImage& picture)
-{
-    picture.fill(0);
-    m_engine.stage().view().invalidateAll();
-    m_engine.render(picture, picture.rect());
-}
+void Film::draw(QImage& picture) { m_engine.render(picture, m_engine.dirtyRect()); }
 
 } // namespace flash

@@ -62,7 +62,8 @@ public:
 
     /// Whether anything changed since the last drawing.
     [[nodiscard]] bool hasChanged();
-    /// @param picture of the picture size, Format_ARGB32_Premultiplied. Drawn whole.
+    /// Draws what changed since the last call.
+    /// @param picture of the picture size, Format_ARGB32_Premultiplied; the same each time
     void draw(QImage& picture);
 
 private:
