@@ -109,7 +109,11 @@ int frameOf(Call& call, DisplayObject& clip)
             call.vm.throwError(ErrorClass::Argument, 2108, u"Scene " + fromUtf8(name) + u" was not found.");
         part = found;
     }
-    if (wanted.isNumber()) return parts[part].first - 1 + call.vm.toInt(wanted);
+    const auto frameOf = [&](double number) {
+        constexpr double kMostFrames = 1 << 30; // whatever a script says, an int holds it
+        return static_cast<int>(std::clamp(parts[part].first - 1 + number, -kMostFrames, kMostFrames));
+    };
+    if (wanted.isNumber()) return frameOf(call.vm.toInt(wanted));
     const std::u16string text(call.vm.text(wanted));
     if (clip.timeline != nullptr) {
         const std::string label = toUtf8(text);
@@ -118,7 +122,7 @@ int frameOf(Call& call, DisplayObject& clip)
         }
     }
     const double number = textNumber(text);
-    if (std::isfinite(number)) return parts[part].first - 1 + static_cast<int>(number);
+    if (std::isfinite(number)) return frameOf(number);
     call.vm.throwError(ErrorClass::Argument, 2109,
                        u"Frame label " + text + u" not found in scene " + fromUtf8(parts[part].name) + u".");
 }

@@ -77,10 +77,7 @@ Value errorId(Call& call) { return selfAs<ErrorObject>(call, "Error").id; }
 
 Value convert(Call& call) { return call.callee->construct(call.vm, call.rest(0)); }
 
-Value throwError(Call& call)
-{
-    call.vm.throwError(ErrorClass::Error, static_cast<int>(call.vm.toNumber(call.arg(1))), "");
-}
+Value throwError(Call& call) { call.vm.throwError(ErrorClass::Error, call.vm.toInt(call.arg(1)), ""); }
 
 constexpr NativeMember kMembers[] = {
     {"toString", Kind::Prototype, &toString, 0, -1},
