@@ -129,7 +129,7 @@ void ProgressDialog::finish(Exit exit, const QString& error)
         detail = error;
     }
     QDialog::reject(); // deletes this later, when no handler of it runs any more
-    emit ended(said, detail);
+    emit ended(exit, said, detail);
 }
 
 void ProgressDialog::reject() { m_process.cancel(); }

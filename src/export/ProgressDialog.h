@@ -26,7 +26,7 @@ public:
 signals:
     /// The window has gone. @param error in the program's words; empty when all went well or was cancelled
     /// @param detail what is known besides
-    void ended(const QString& error, const QString& detail);
+    void ended(exporter::Exit exit, const QString& error, const QString& detail);
 
 private:
     void advance(qint64 pictures, qint64 expected);

@@ -80,17 +80,18 @@ void FilmExport::begin(const exporter::Settings& settings, std::shared_ptr<QTemp
     m_application.LogEvent(core::HtmlEscape("Writing the film " + file));
     m_progress = new exporter::ProgressDialog(&m_window, settings, std::move(folder));
     QObject::connect(m_progress, &exporter::ProgressDialog::ended, &m_window,
-                     [this, file](const QString& error, const QString& detail) {
-                         m_host.handled(texts::kPlaceVideo, [&] { ended(file, error, detail); });
+                     [this, file](exporter::Exit exit, const QString& error, const QString& detail) {
+                         m_host.handled(texts::kPlaceVideo, [&] { ended(file, exit, error, detail); });
                      });
     m_progress->show();
 }
 
-void FilmExport::ended(const QString& file, const QString& error, const QString& detail)
+void FilmExport::ended(const QString& file, exporter::Exit exit, const QString& error, const QString& detail)
 {
     if (m_host.hasEnded()) return;
     if (!error.isEmpty()) return complain(exporter::texts::kVideoTitle, error, detail);
-    if (detail.isEmpty() && QFileInfo::exists(file))
+    // Of one that was cancelled nothing is said, whatever file of the name was there before.
+    if (exit == exporter::Exit::Done)
         ScreenNote::show(m_window, QString(texts::kFilmSaved).arg(QFileInfo(file).fileName()));
 }
 

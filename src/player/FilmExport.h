@@ -1,5 +1,6 @@
 #pragma once
 
+#include "export/Report.h"
 #include "export/Settings.h"
 #include "media/MediaInfo.h"
 
@@ -54,7 +55,7 @@ public:
 private:
     [[nodiscard]] QString chooseFile(const char* title, const QString& filter, const QString& suffix);
     void begin(const exporter::Settings& settings, std::shared_ptr<QTemporaryDir> folder);
-    void ended(const QString& file, const QString& error, const QString& detail);
+    void ended(const QString& file, exporter::Exit exit, const QString& error, const QString& detail);
     void complain(const char* title, const QString& text, const QString& detail);
 
     core::Application& m_application;

@@ -3,6 +3,7 @@
 #include "export/ProgressDialog.h"
 #include "export/RecordDialog.h"
 #include "flash/FlashControl.h"
+#include "player/ScreenNote.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -76,6 +77,12 @@ protected:
         ASSERT_GE(found, 0) << start.toStdString();
         box->setCurrentIndex(found);
     }
+    /// The word that lies over the window.
+    QString noted()
+    {
+        const auto* note = player.findChild<ScreenNote*>();
+        return note == nullptr ? QString() : note->text();
+    }
     bool waitForFilm()
     {
         return waitFor([] { return shown<exporter::ProgressDialog>() == nullptr; });
@@ -92,6 +99,7 @@ TEST_F(FilmExport, WritesTheFilmThatWasAskedFor)
         select(dialog, "cmbSize", "Вдвое больше (240 x 160)");
     });
     ASSERT_TRUE(waitForFilm());
+    EXPECT_EQ(noted(), "Видео сохранено: out.png");
     const QStringList pictures = QDir(path("out")).entryList(QDir::Files);
     EXPECT_EQ(pictures.size(), 10);
     const QImage last(path("out/" + pictures.value(9)));
@@ -114,6 +122,7 @@ TEST_F(FilmExport, WritesTheFilmThatWasAskedFor)
 
 TEST_F(FilmExport, CancelsAtOnceAndLeavesNothing)
 {
+    put("long.mp4", {1, 2, 3});
     saveVideo(path("long.mp4"), [&](exporter::ExportDialog& dialog) {
         select(dialog, "cmbRange", "Заданный");
         dialog.findChild<QLineEdit*>("txtTo")->setText("60:00");
@@ -128,7 +137,9 @@ TEST_F(FilmExport, CancelsAtOnceAndLeavesNothing)
     progress->findChild<QPushButton*>("cbCancel")->click();
     ASSERT_TRUE(waitForFilm());
     EXPECT_LT(took.elapsed(), 2000);
-    EXPECT_TRUE(QDir(path("")).entryList({"long*"}).isEmpty());
+    EXPECT_EQ(QDir(path("")).entryList({"long*"}), QStringList{"long.mp4"});
+    EXPECT_EQ(QFileInfo(path("long.mp4")).size(), 3);
+    EXPECT_EQ(noted(), QString());
 }
 
 TEST_F(FilmExport, SaysWhatWentWrong)
