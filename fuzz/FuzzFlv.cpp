@@ -8,14 +8,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!opened) return 0;
     FlvPlayer& player = **opened;
     // Bounded, because the times of a file may lie weeks apart.
-    constexpr int kMostSteps = 64;
-    for (int step = 0; step < kMostSteps; ++step) {
+    constexpr int kMaxSteps = 64;
+    for (int step = 0; step < kMaxSteps; ++step) {
         const auto next = player.msToNext();
         if (!next) break;
         player.advance(*next);
         player.picture();
         player.takeMessages();
-        if (step == kMostSteps / 2) player.seek(player.timeMs() / 2);
+        if (step == kMaxSteps / 2) player.seek(player.timeMs() / 2);
     }
     return 0;
 }

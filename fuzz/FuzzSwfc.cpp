@@ -17,12 +17,12 @@ public:
     base::Result<std::vector<std::uint8_t>> read(const std::string& path) override
     {
         // Whatever else it asks for holds the same bytes, so that inclusions and media are tried as well.
-        if (++m_reads > kMostReads) return base::fail(base::ErrorCode::NotFound, path);
+        if (++m_reads > kMaxReads) return base::fail(base::ErrorCode::NotFound, path);
         return std::vector<std::uint8_t>(m_content.begin(), m_content.end());
     }
 
 private:
-    static constexpr int kMostReads = 64;
+    static constexpr int kMaxReads = 64;
     std::string m_content;
     int m_reads = 0;
 };

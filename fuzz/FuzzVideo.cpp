@@ -15,8 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         VideoDecoder::open(kCodecs[data[0] % kCodecs.size()], data[1] * 4, data[2] * 4, data[3]);
     if (!decoder) return 0;
     base::Bytes rest = base::Bytes(data, size).subspan(4);
-    constexpr int kMostPackets = 16;
-    for (int packet = 0; packet < kMostPackets && rest.size() >= 2; ++packet) {
+    constexpr int kMaxPackets = 16;
+    for (int packet = 0; packet < kMaxPackets && rest.size() >= 2; ++packet) {
         const std::size_t length = std::min<std::size_t>(rest[0] | rest[1] << 8U, rest.size() - 2);
         const base::Bytes bytes = rest.subspan(2, length);
         if (packet % 4 == 3)

@@ -77,8 +77,8 @@ Result<Inflated> inflateLzma(Bytes compressed, std::uint64_t limit, std::uint64_
         head[kProperties + i] = static_cast<std::uint8_t>(plainLength >> (8 * i));
 
     lzma_stream stream = LZMA_STREAM_INIT;
-    constexpr std::uint64_t kMostMemory = 192U << 20U; // usual dictionaries have 1 to 64 MB
-    if (lzma_alone_decoder(&stream, kMostMemory) != LZMA_OK)
+    constexpr std::uint64_t kMaxMemory = 192U << 20U; // usual dictionaries have 1 to 64 MB
+    if (lzma_alone_decoder(&stream, kMaxMemory) != LZMA_OK)
         return fail(ErrorCode::LimitReached, "no memory for LZMA");
     const Bytes rest = compressed.subspan(kProperties);
     bool inHead = true;

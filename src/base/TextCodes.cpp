@@ -42,8 +42,8 @@ char32_t nextCodePoint(std::string_view text, std::size_t& at, bool& wellFormed)
         good = (byteAt(at + i) & 0xC0) == 0x80;
         code = code << 6 | (byteAt(at + i) & 0x3F);
     }
-    constexpr std::array<char32_t, 5> kLeast = {0, 0, 0x80, 0x800, 0x10000};
-    if (!good || code < kLeast[length] || code > 0x10FFFF) {
+    constexpr std::array<char32_t, 5> kMin = {0, 0, 0x80, 0x800, 0x10000};
+    if (!good || code < kMin[length] || code > 0x10FFFF) {
         wellFormed = false;
         ++at;
         return kReplacement;

@@ -95,9 +95,9 @@ bool SaveJPG(core::Application& application, const cDIBSection& bitmap, const QS
 
 QImage loadThumbnail(const QString& file)
 {
-    constexpr std::uint64_t kMostBytes = 16U << 20U;
-    constexpr int kMostPixels = 4096;
-    const auto bytes = base::readFile(core::filePath(file), kMostBytes);
+    constexpr std::uint64_t kMaxBytes = 16U << 20U;
+    constexpr int kMaxPixels = 4096;
+    const auto bytes = base::readFile(core::filePath(file), kMaxBytes);
     if (!bytes || bytes->size() < 4) return {};
     // A reader makes do with a file that was cut off; a picture that is half grey is no picture.
     if ((*bytes)[bytes->size() - 2] != 0xFF || bytes->back() != 0xD9) return {};
@@ -105,7 +105,7 @@ QImage loadThumbnail(const QString& file)
     buffer.setData(reinterpret_cast<const char*>(bytes->data()), static_cast<qsizetype>(bytes->size()));
     QImageReader reader(&buffer, "jpeg");
     const QSize size = reader.size();
-    if (size.isEmpty() || size.width() > kMostPixels || size.height() > kMostPixels) return {};
+    if (size.isEmpty() || size.width() > kMaxPixels || size.height() > kMaxPixels) return {};
     return reader.read();
 }
 

@@ -29,11 +29,11 @@ constexpr const char* kNoMovie = "| no |";
 /// How long scripts and nested clips get to settle on the chosen frame.
 constexpr int kSettlingFrames = 8;
 /// So often another frame is chosen when there is next to nothing to be seen: a fade, or a loader's frame.
-constexpr int kMostFrames = 4;
+constexpr int kMaxFrames = 4;
 constexpr double kShortestFrameMs = 10, kLongestFrameMs = 100;
 constexpr int kPumpEveryMs = 15;
 /// Each takes a process with the engine's memory.
-constexpr int kMostSideBySide = 8;
+constexpr int kMaxParallel = 8;
 
 /// Of SWF's Quality.
 constexpr int kLowQuality = 0, kHighQuality = 1;
@@ -59,7 +59,7 @@ int thumbnailFrame(int totalFrames, double random)
 }
 
 Thumbnails::Thumbnails(core::Application& application, BrowserHost& host, BrowserState& state)
-    : sideBySide(std::clamp(QThread::idealThreadCount(), 1, kMostSideBySide)), m_application(application),
+    : sideBySide(std::clamp(QThread::idealThreadCount(), 1, kMaxParallel)), m_application(application),
       m_host(host), m_state(state), m_files(application, m_quiet)
 {
 }
@@ -284,7 +284,7 @@ bool Thumbnails::proceed(Work& work)
     // What was not loaded is pictured as it stands.
     const bool isLoaded = controlOf(work.place).FrameNum() != -1;
     if (work.looks > 0 || !isLoaded) judge(work);
-    if (!isLoaded || work.looks > kMostFrames || work.bestShare <= kBlankShare) return true;
+    if (!isLoaded || work.looks > kMaxFrames || work.bestShare <= kBlankShare) return true;
     chooseFrame(work);
     ++work.looks;
     return false;
@@ -294,7 +294,7 @@ bool Thumbnails::proceed(Work& work)
 void Thumbnails::chooseFrame(Work& work)
 {
     flash::FlashControl& control = controlOf(work.place);
-    if (work.looks < kMostFrames) {
+    if (work.looks < kMaxFrames) {
         control.GotoFrame(thumbnailFrame(control.TotalFrames(), work.random.generateDouble()));
         settle(work);
         return;
@@ -302,7 +302,7 @@ void Thumbnails::chooseFrame(Work& work)
     // A movie that shows itself only when it is played from its beginning.
     control.Rewind();
     control.Play();
-    for (int again = 0; again < kMostFrames; ++again) settle(work);
+    for (int again = 0; again < kMaxFrames; ++again) settle(work);
 }
 
 void Thumbnails::settle(Work& work)

@@ -18,7 +18,7 @@ bool cDIBSection::CreateDIB(int width, int height, BitmapInfoHeader& header, std
 {
     header = {};
     bits.clear();
-    if (width < 1 || height < 1 || std::int64_t{width} * height > kMostPixels) return false;
+    if (width < 1 || height < 1 || std::int64_t{width} * height > kMaxPixels) return false;
     header.biWidth = width;
     header.biHeight = height;
     const std::size_t bytes = lineBytes(width) * static_cast<std::size_t>(height);

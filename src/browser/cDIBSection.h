@@ -29,7 +29,7 @@ class cDIBSection
 public:
     cDIBSection() = default;
 
-    /// Allocates bits for a bitmap without keeping them. Sizes below 1 or beyond kMostPixels are refused.
+    /// Allocates bits for a bitmap without keeping them. Sizes below 1 or beyond kMaxPixels are refused.
     /// @param bits filled with black
     /// @returns whether there is a bitmap
     static bool CreateDIB(int width, int height, BitmapInfoHeader& header, std::vector<std::uint8_t>& bits);
@@ -71,7 +71,7 @@ public:
     /// @returns false when either has no bitmap
     bool Resample(const cDIBSection& source);
 
-    static constexpr std::int64_t kMostPixels = std::int64_t{1} << 28;
+    static constexpr std::int64_t kMaxPixels = std::int64_t{1} << 28;
 
 private:
     BitmapInfoHeader m_header;

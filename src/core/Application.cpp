@@ -60,9 +60,9 @@ void Application::InitLog(const QString& appPath, const std::optional<WrittenFol
 
 void Application::LogEvent(const QString& text, LineBreak lineBreak)
 {
-    if (m_journalBytes > kMostJournalBytes) return;
+    if (m_journalBytes > kMaxJournalBytes) return;
     appendLine(lineBreak == LineBreak::Mark ? text + "<br>" : text);
-    if (m_journalBytes > kMostJournalBytes) appendLine("<b>The journal is full.</b><br>");
+    if (m_journalBytes > kMaxJournalBytes) appendLine("<b>The journal is full.</b><br>");
 }
 
 void Application::LogLast(const QString& text) { appendLine(text + "<br>"); }

@@ -62,9 +62,9 @@ public:
     ///         that a full disk costs one error screen and not the use of the player.
     void LogEvent(const QString& text, LineBreak lineBreak = LineBreak::Mark);
     /// The same for what must not be missing at the end. Other entries end where the journal has
-    /// kMostJournalBytes, whoever floods it.
+    /// kMaxJournalBytes, whoever floods it.
     void LogLast(const QString& text);
-    static constexpr std::size_t kMostJournalBytes = std::size_t{4} << 20;
+    static constexpr std::size_t kMaxJournalBytes = std::size_t{4} << 20;
 
     /// Told of a journal that cannot be written, instead of the procedure that met it: no command fails for
     /// want of a journal. Called in the midst of anything.

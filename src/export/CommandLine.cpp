@@ -62,8 +62,8 @@ namespace
 using base::ErrorCode;
 
 constexpr double kMsPerSecond = 1000;
-constexpr double kMostSeconds = 48 * 3600.0;
-constexpr int kMostSide = 8192, kMostRate = 240;
+constexpr double kMaxSeconds = 48 * 3600.0;
+constexpr int kMaxSide = 8192, kMaxRate = 240;
 
 tl::unexpected<base::Error> wrong(std::string_view option, std::string_view needs, std::string_view value)
 {
@@ -91,8 +91,8 @@ std::optional<int> whole(std::string_view text, int most)
 std::optional<double> moment(std::string_view text)
 {
     if (text.ends_with('f')) {
-        constexpr int kMostFrames = 100'000'000;
-        const auto frame = whole(text.substr(0, text.size() - 1), kMostFrames);
+        constexpr int kMaxFrames = 100'000'000;
+        const auto frame = whole(text.substr(0, text.size() - 1), kMaxFrames);
         return frame ? std::optional(-static_cast<double>(*frame)) : std::nullopt;
     }
     double minutes = 0;
@@ -103,7 +103,7 @@ std::optional<double> moment(std::string_view text)
         text = text.substr(colon + 1);
     }
     const auto seconds = number(text);
-    if (!seconds || *seconds < 0 || minutes * 60 + *seconds > kMostSeconds) return std::nullopt;
+    if (!seconds || *seconds < 0 || minutes * 60 + *seconds > kMaxSeconds) return std::nullopt;
     return (minutes * 60 + *seconds) * kMsPerSecond;
 }
 
@@ -125,20 +125,20 @@ std::optional<QSize> sizeOf(std::string_view text)
 {
     const auto by = text.find('x');
     if (by == std::string_view::npos) return std::nullopt;
-    const auto width = whole(text.substr(0, by), kMostSide), height = whole(text.substr(by + 1), kMostSide);
+    const auto width = whole(text.substr(0, by), kMaxSide), height = whole(text.substr(by + 1), kMaxSide);
     if (!width || !height) return std::nullopt;
     return QSize(*width, *height);
 }
 
 std::optional<Rate> rateOf(std::string_view text)
 {
-    constexpr int kMostParts = 1'000'000;
+    constexpr int kMaxParts = 1'000'000;
     const auto slash = text.find('/');
-    const auto above = whole(text.substr(0, slash), kMostParts);
-    const auto below = slash == std::string_view::npos ? 1 : whole(text.substr(slash + 1), kMostParts);
+    const auto above = whole(text.substr(0, slash), kMaxParts);
+    const auto below = slash == std::string_view::npos ? 1 : whole(text.substr(slash + 1), kMaxParts);
     if (!above || !below) return std::nullopt;
     const Rate rate{*above, *below};
-    if (rate.perSecond() > kMostRate || rate.perSecond() < 1) return std::nullopt;
+    if (rate.perSecond() > kMaxRate || rate.perSecond() < 1) return std::nullopt;
     return rate;
 }
 

@@ -27,7 +27,7 @@ namespace
 
 constexpr int kMargin = 16, kControlHeight = 28, kRowHeight = 24;
 constexpr QSize kPictureSize(200, 150);
-constexpr int kMostSide = 8192;
+constexpr int kMaxSide = 8192;
 constexpr int kSettledMs = 400;
 
 enum class Size { Own, Double, P720, P1080, P2160, Given };
@@ -157,7 +157,7 @@ void ExportDialog::build(const std::vector<Availability>& formats)
     const auto addSide = [&](int place, const char* name, int value) {
         auto* side = new QSpinBox(this);
         side->setObjectName(name);
-        side->setRange(16, kMostSide);
+        side->setRange(16, kMaxSide);
         side->setValue(value);
         side->setFixedHeight(kControlHeight);
         grid->addWidget(side, 4, place);

@@ -96,7 +96,7 @@ void ExportProcess::cancel()
 void ExportProcess::readReport()
 {
     while (m_process.canReadLine()) {
-        const auto line = report::read(m_process.readLine(report::kMostLineBytes));
+        const auto line = report::read(m_process.readLine(report::kMaxLineBytes));
         if (!line || m_isCancelled) continue;
         if (const auto* advance = std::get_if<report::Advanced>(&*line))
             emit advanced(advance->pictures, advance->expected);
@@ -106,7 +106,7 @@ void ExportProcess::readReport()
             m_done = std::get<report::Done>(*line);
     }
     // No report: whoever writes so has been taken over by its movie.
-    if (m_process.bytesAvailable() > report::kMostLineBytes) m_process.kill();
+    if (m_process.bytesAvailable() > report::kMaxLineBytes) m_process.kill();
 }
 
 void ExportProcess::end(int code, QProcess::ExitStatus status)

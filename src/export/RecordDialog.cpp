@@ -18,7 +18,7 @@ namespace
 
 constexpr int kMargin = 16, kControlHeight = 28, kTickMs = 200;
 // Of the screen; the rest is for the window's own parts.
-constexpr double kMostOfScreen = 0.75;
+constexpr double kMaxScreenShare = 0.75;
 
 } // namespace
 
@@ -30,7 +30,7 @@ RecordDialog::RecordDialog(QWidget* parent, const MovieFacts& movie) : QDialog(p
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(12);
     m_control = new flash::FlashControl(this);
-    const QSize most = (QSizeF(screen()->availableSize()) * kMostOfScreen).toSize();
+    const QSize most = (QSizeF(screen()->availableSize()) * kMaxScreenShare).toSize();
     const bool fits = movie.size.boundedTo(most) == movie.size;
     m_control->setFixedSize(fits ? movie.size : movie.size.scaled(most, Qt::KeepAspectRatio));
     m_control->setFocusPolicy(Qt::StrongFocus);

@@ -48,7 +48,7 @@ QByteArray write(const Line& line)
 
 std::optional<Line> read(const QByteArray& line)
 {
-    if (line.size() > kMostLineBytes) return std::nullopt;
+    if (line.size() > kMaxLineBytes) return std::nullopt;
     const QList<QByteArray> word = line.trimmed().split(' ');
     if (word.size() == 3 && word[0] == kAdvanced) {
         const auto pictures = count(word[1]), expected = count(word[2]);

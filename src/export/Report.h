@@ -31,7 +31,7 @@ using Line = std::variant<Advanced, Shown, Done>;
 [[nodiscard]] std::optional<Line> read(const QByteArray& line);
 
 /// Longer lines are no report's.
-constexpr qsizetype kMostLineBytes = 1 << 20;
+constexpr qsizetype kMaxLineBytes = 1 << 20;
 /// Pictures are shown no larger, a side.
 constexpr int kShownSide = 320;
 

@@ -19,7 +19,7 @@ constexpr double kSilenceBeforeClosingMs = 3000;
 constexpr double kFirstRetryMs = 1000, kLongestRetryMs = 10000;
 // An open device reads some ten times a second. One that has not for so long hangs; a pause of this process
 // counts for little, whatever the clock says.
-constexpr double kStalledMs = 1500, kMostCountedMs = 250;
+constexpr double kStalledMs = 1500, kMaxCountedMs = 250;
 // A device that hangs still fills its buffer when it is opened.
 constexpr double kSteadyMs = 800;
 // Long enough to bridge a slow frame, short enough for a click to sound with its button.
@@ -93,7 +93,7 @@ void AudioOutput::follow(double elapsedMs)
 
 bool AudioOutput::isDeviceLost(double elapsedMs)
 {
-    m_stalledMs = m_framesFed != m_framesSeen ? 0 : m_stalledMs + std::min(elapsedMs, kMostCountedMs);
+    m_stalledMs = m_framesFed != m_framesSeen ? 0 : m_stalledMs + std::min(elapsedMs, kMaxCountedMs);
     m_framesSeen = m_framesFed;
     if (fedMs() > kSteadyMs) {
         m_retryMs = 0;

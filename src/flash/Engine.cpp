@@ -47,7 +47,7 @@ public:
         for (const auto& [other, bytes] : m_objects) used += other == name ? 0 : bytes.size();
         const bool isNew = m_objects.find(name) == m_objects.end();
         if (used > net::FileSharedObjects::kQuotaBytes ||
-            (isNew && m_objects.size() >= net::FileSharedObjects::kMostObjects))
+            (isNew && m_objects.size() >= net::FileSharedObjects::kMaxObjects))
             return false;
         m_objects.insert_or_assign(std::string(name), content);
         return true;
@@ -257,9 +257,9 @@ public:
 
     [[nodiscard]] int devicePixels(std::int32_t twips) const
     {
-        constexpr double kMostPixels = 16384;
+        constexpr double kMaxPixels = 16384;
         return static_cast<int>(
-            std::clamp(std::round(twips * deviceScale / swf::kTwipsPerPixel), 1.0, kMostPixels));
+            std::clamp(std::round(twips * deviceScale / swf::kTwipsPerPixel), 1.0, kMaxPixels));
     }
 
     static constexpr std::size_t kReserveBytes = std::size_t{4} << 20;

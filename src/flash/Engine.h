@@ -50,8 +50,8 @@ public:
         /// A movie that lies in `trustedFolder`, not below it, may also read from `sharedFolder`, by full
         /// paths.
         std::filesystem::path trustedFolder, sharedFolder;
-        /// What all that is loaded may take together, see guard::kMostHeldBytes.
-        std::size_t mostHeldBytes = guard::kMostHeldBytes;
+        /// What all that is loaded may take together, see guard::kMaxHeldBytes.
+        std::size_t mostHeldBytes = guard::kMaxHeldBytes;
         /// Collects the scripts' garbage whenever it can, and overwrites it: slow, finds what is freed too
         /// early.
         bool collectAlways = false;

@@ -51,7 +51,7 @@ public:
     // The next movie's process is made ready once this one has had its start.
     static constexpr int kSpareDelayMs = 1500;
     // The spare one may be stopped and the next one be killed; a third that fails tells of the system.
-    static constexpr int kMostStarts = 3;
+    static constexpr int kMaxStarts = 3;
 
     /// What a movie was loaded from, as it was at that moment: files change places.
     struct Source {
@@ -86,8 +86,8 @@ public:
     void command(const control::ToMovie& message)
     {
         if (port->isBusy()) return;
-        constexpr std::size_t kMostEarly = 1000;
-        if (loading && early.size() < kMostEarly) early.push_back(message);
+        constexpr std::size_t kMaxEarly = 1000;
+        if (loading && early.size() < kMaxEarly) early.push_back(message);
         port->command(message);
         // Last, because a handler may load another movie or end this control's life.
         inbox.deliver(q);
@@ -135,7 +135,7 @@ public:
     bool loadMovie(const QString& url)
     {
         lacksProcess = false;
-        startsLeft = kMostStarts;
+        startsLeft = kMaxStarts;
         early.clear();
         if (mayTakeOver(url)) {
             using State = control::MoviePort::Loading::State;
@@ -155,12 +155,12 @@ public:
     [[nodiscard]] bool mayTakeOver(const QString& url) const
     {
         // What movies leave behind, in memory above all, comes to an end.
-        constexpr int kMostTakenOver = 24;
+        constexpr int kMaxTakenOver = 24;
         const auto folderOf = [](const QString& of) {
             return Engine::pathOf(of.toStdString()).lexically_normal().parent_path();
         };
         return keepsProcess && isRemote && !hasLost && !loading && !port->isBehind() && !movie.isEmpty() &&
-               takenOver < kMostTakenOver && !isPage(url) && !isPage(movie) && storageFolder.isEmpty() &&
+               takenOver < kMaxTakenOver && !isPage(url) && !isPage(movie) && storageFolder.isEmpty() &&
                folderOf(url) == folderOf(movie);
     }
 

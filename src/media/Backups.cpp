@@ -11,11 +11,11 @@ namespace
 {
 
 constexpr const char* kList = "backups.txt"; // UTF-8, a name a line
-constexpr std::uint64_t kLargestListBytes = 16U << 20U;
+constexpr std::uint64_t kMaxListBytes = 16U << 20U;
 
 QStringList listed(const QString& cachePath)
 {
-    const auto bytes = base::readFile(core::filePath(cachePath + kList), kLargestListBytes);
+    const auto bytes = base::readFile(core::filePath(cachePath + kList), kMaxListBytes);
     if (!bytes) return {};
     const auto size = static_cast<qsizetype>(bytes->size());
     return QString::fromUtf8(reinterpret_cast<const char*>(bytes->data()), size)

@@ -21,7 +21,7 @@ namespace
 {
 
 /// No movie of the supported versions comes near; what does is made to fill the memory.
-constexpr std::uint64_t kLargestMovieBytes = std::uint64_t{1} << 30;
+constexpr std::uint64_t kMaxMovieBytes = std::uint64_t{1} << 30;
 
 /// A link keeps leading to the movie: what it leads to is what is replaced.
 std::filesystem::path replacedBy(const QString& path)
@@ -40,7 +40,7 @@ struct MovieBytes {
 base::Result<MovieBytes> readMovie(const QString& path)
 {
     MovieBytes movie;
-    movie.file = TRY_RESULT(base::readFile(core::filePath(path), kLargestMovieBytes));
+    movie.file = TRY_RESULT(base::readFile(core::filePath(path), kMaxMovieBytes));
     movie.header = TRY_RESULT(readFileHeader(movie.file));
     return movie;
 }
@@ -96,7 +96,7 @@ base::Result<std::vector<std::uint8_t>> readPlainMovie(const MediaInfo& info)
     if (movie.header.is("FWS")) return std::move(movie.file);
     if (!isCompressed(movie.header)) return base::fail(base::ErrorCode::Malformed, "neither FWS nor CWS");
     const auto body = TRY_RESULT(
-        decompressMovie(movie.file, std::min<std::uint64_t>(movie.header.fileLength, kLargestMovieBytes)));
+        decompressMovie(movie.file, std::min<std::uint64_t>(movie.header.fileLength, kMaxMovieBytes)));
     const auto head = movie.header.withSignature("FWS");
     std::vector<std::uint8_t> plain(head.size() + body.size());
     std::ranges::copy(body, std::ranges::copy(head, plain.begin()).out);
@@ -166,7 +166,7 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
     m_host.SetStatus(texts::kDecompressing);
     // The stated length counts 8 bytes that are not in the stream; the room to spare does no harm.
     const auto body =
-        TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kLargestMovieBytes)));
+        TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kMaxMovieBytes)));
 
     m_application.LogEvent("Backing up");
     base::sweepTemporaryFilesOf(replacedBy(target)); // of a run that was killed

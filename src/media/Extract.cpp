@@ -12,7 +12,7 @@ namespace
 {
 
 /// A longer file is no projector, and its length is more than the 32 bits of its own format can say.
-constexpr std::uint64_t kLargestProjectorBytes = std::uint64_t{1} << 31;
+constexpr std::uint64_t kMaxProjectorBytes = std::uint64_t{1} << 31;
 
 /// The movie's bytes in an executable. One that lacks its last byte gets it back.
 struct MovieRange {
@@ -51,7 +51,7 @@ base::Result<EmbeddedMovie> movieIn(base::Bytes executable)
 
 bool holdsMovie(const QString& path)
 {
-    const auto executable = base::readFile(core::filePath(path), kLargestProjectorBytes);
+    const auto executable = base::readFile(core::filePath(path), kMaxProjectorBytes);
     return executable && executable->size() >= kShortestProjectorBytes && movieIn(*executable);
 }
 
@@ -64,7 +64,7 @@ QString MediaFiles::ExtractEXE(const QString& path, ExtractTo where)
 
     m_host.SetStatus(texts::kReadingExecutable);
     m_host.SetStatus(texts::kReadingFile);
-    const auto executable = base::readFile(core::filePath(path), kLargestProjectorBytes);
+    const auto executable = base::readFile(core::filePath(path), kMaxProjectorBytes);
     if (!executable) {
         note(executable.error());
         return {};

@@ -15,7 +15,7 @@ namespace
 {
 
 /// Each projector in a projector takes a turn of the identification loop; nobody nests them deeper than this.
-constexpr int kMostLayers = 16;
+constexpr int kMaxLayers = 16;
 constexpr int kFirstCompressedVersion = 6;
 
 struct SplitPath {
@@ -172,7 +172,7 @@ QString MediaFiles::GetFlashInfo(QString& path)
             info.Compressed = true;
             break;
         }
-        if (!isExecutable(header) || layer == kMostLayers) {
+        if (!isExecutable(header) || layer == kMaxLayers) {
             m_application.LogEvent("Unknown signature (" +
                                    QString::fromLatin1(header.signature.data(), header.signature.size()) +
                                    ")");

@@ -40,8 +40,8 @@ bool isMovie(base::Bytes executable, std::size_t offset, const FileHeader& heade
 }
 
 /// What all candidates of one executable may inflate to together.
-constexpr std::uint64_t kMostInflated = std::uint64_t{1} << 30;
-constexpr int kMostCandidates = 256; ///< that are inflated
+constexpr std::uint64_t kMaxInflated = std::uint64_t{1} << 30;
+constexpr int kMaxCandidates = 256; ///< that are inflated
 
 /// Whether a movie's tags lead from the frame header to the end tag.
 bool reachesItsEnd(base::Bytes body)
@@ -98,8 +98,8 @@ public:
 
 private:
     base::Bytes m_executable;
-    std::uint64_t m_inflatable = kMostInflated;
-    int m_candidates = kMostCandidates;
+    std::uint64_t m_inflatable = kMaxInflated;
+    int m_candidates = kMaxCandidates;
 };
 
 /// A projector ends in a mark and the length of the movie before it, in its machine's order of bytes.

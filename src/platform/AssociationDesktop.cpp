@@ -28,7 +28,7 @@ constexpr const char* kDefaults = "mimeapps.list";
 constexpr const char* kOwnMark = "X-Zorvex-Association=true\n";
 /// What an entry of the same name that is not ours is called meanwhile.
 constexpr const char* kAside = ".before";
-constexpr std::uint64_t kLargestBytes = 1 << 20;
+constexpr std::uint64_t kMaxBytes = 1 << 20;
 constexpr int kToolMs = 20'000;
 
 constexpr std::uint8_t kEntryTemplate[] = {
@@ -47,7 +47,7 @@ QString text(const std::uint8_t (&bytes)[N])
 /// @returns nothing when there is no such file; an empty file is a text
 std::optional<QByteArray> contentOf(const QString& path)
 {
-    const auto bytes = base::readFile(path.toStdString(), kLargestBytes);
+    const auto bytes = base::readFile(path.toStdString(), kMaxBytes);
     if (!bytes) return std::nullopt;
     return QByteArray(reinterpret_cast<const char*>(bytes->data()), static_cast<qsizetype>(bytes->size()));
 }

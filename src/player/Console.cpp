@@ -25,7 +25,7 @@ namespace
 {
 
 constexpr int kWidth = 380;
-constexpr int kLeastWidth = 150;
+constexpr int kMinWidth = 150;
 constexpr int kMargin = 6;
 constexpr int kLineHeight = 28;
 constexpr int kButton = 24;
@@ -201,7 +201,7 @@ Console::Console(PlayerHost& host, QWidget& window, QWidget& client, Menus& menu
 void Console::ShowConsole()
 {
     m_menus.setChecked("mnuConsole", true);
-    resize(std::clamp(m_client.width() - 2 * kMargin, kLeastWidth, kWidth), sizeHint().height());
+    resize(std::clamp(m_client.width() - 2 * kMargin, kMinWidth, kWidth), sizeHint().height());
     move((m_client.width() - width()) / 2, std::max(0, (m_client.height() - height()) / 3));
     show();
     m_chkCloseConsole->setChecked(true);
@@ -245,9 +245,9 @@ void Console::completeLine()
         complete(m_cmbConsole->currentText(), m_cmbConsole->lineEdit()->cursorPosition(), words);
     m_cmbConsole->setEditText(done.statement);
     m_cmbConsole->lineEdit()->setCursorPosition(done.cursor);
-    constexpr int kMostNamed = 12;
-    QString named = done.choices.mid(0, kMostNamed).join("  ");
-    if (done.choices.size() > kMostNamed) named += QString("  … (%1)").arg(done.choices.size());
+    constexpr int kMaxNamed = 12;
+    QString named = done.choices.mid(0, kMaxNamed).join("  ");
+    if (done.choices.size() > kMaxNamed) named += QString("  … (%1)").arg(done.choices.size());
     answer(named);
 }
 
@@ -263,7 +263,7 @@ void Console::drag() { m_drag.moveObject(*this); }
 
 void Console::fit()
 {
-    const int wide = std::clamp(m_client.width() - 2 * kMargin, kLeastWidth, kWidth);
+    const int wide = std::clamp(m_client.width() - 2 * kMargin, kMinWidth, kWidth);
     resize(wide, layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(wide) : sizeHint().height());
     move(std::clamp(x(), 0, std::max(0, m_client.width() - width())),
          std::clamp(y(), 0, std::max(0, m_client.height() - height())));

@@ -14,8 +14,8 @@ namespace player
 namespace
 {
 
-constexpr std::uint64_t kLargestBytes = 1 << 20;
-constexpr qsizetype kMostKept = 100;
+constexpr std::uint64_t kMaxBytes = 1 << 20;
+constexpr qsizetype kMaxKept = 100;
 
 bool belongsToName(QChar letter) { return letter.isLetterOrNumber() || letter == '_'; }
 
@@ -70,16 +70,16 @@ QStringList scriptNamesOf(const QMetaObject& window)
 
 QStringList readHistory(const QString& file)
 {
-    const auto content = base::readFile(core::filePath(file), kLargestBytes);
+    const auto content = base::readFile(core::filePath(file), kMaxBytes);
     if (!content) return {};
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(content->data()),
                                            static_cast<qsizetype>(content->size()));
-    return text.split('\n', Qt::SkipEmptyParts).mid(0, kMostKept);
+    return text.split('\n', Qt::SkipEmptyParts).mid(0, kMaxKept);
 }
 
 void writeHistory(const QString& file, const QStringList& history)
 {
-    const QByteArray text = history.mid(0, kMostKept).join('\n').toUtf8() + '\n';
+    const QByteArray text = history.mid(0, kMaxKept).join('\n').toUtf8() + '\n';
     (void)base::replaceFile(core::filePath(file),
                             base::Bytes(reinterpret_cast<const std::uint8_t*>(text.constData()),
                                         static_cast<std::size_t>(text.size())));

@@ -113,8 +113,8 @@ void ControlBar::paintEvent(QPaintEvent*)
         painter.drawText(area, static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine,
                          fontMetrics().elidedText(text, Qt::ElideRight, area.width()));
     };
-    constexpr int kLeastReadable = 48;
-    if (status.width() >= kLeastReadable) draw(status, m_shown.status, Qt::AlignLeft);
+    constexpr int kMinReadable = 48;
+    if (status.width() >= kMinReadable) draw(status, m_shown.status, Qt::AlignLeft);
     draw(information, m_shown.information, Qt::AlignRight);
 }
 

@@ -37,7 +37,7 @@ constexpr qint64 kWindowPatienceMs = 300;
 constexpr int kStepMs = 10;
 
 /// What the window does at the start when no file is named.
-enum StartUp { kWelcome = 0, kBrowser = 1, kMostRecent = 2 };
+enum StartUp { kWelcome = 0, kBrowser = 1, kMaxRecent = 2 };
 
 const char* wordOf(Lifecycle::UnloadMode mode)
 {
@@ -121,7 +121,7 @@ void Lifecycle::openFirst()
     case kWelcome: return m_host.CloseMedia({});
     case kBrowser: return m_host.BrowseMedia();
     // An empty path shows the welcome page.
-    case kMostRecent: return m_host.LoadFlash(m_settings.recentPaths().value(0), {});
+    case kMaxRecent: return m_host.LoadFlash(m_settings.recentPaths().value(0), {});
     default: return;
     }
 }

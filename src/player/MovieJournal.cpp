@@ -21,7 +21,7 @@ void MovieJournal::write(const QString& line)
     const QString written = line.size() > kLongestLine ? line.left(kLongestLine) + "..." : line;
     m_characters += written.size();
     m_write(written);
-    if (m_characters < kMostCharacters) return;
+    if (m_characters < kMaxCharacters) return;
     m_isFull = true;
     m_write("The movie has filled its share of the journal; what more it says is left out.");
 }

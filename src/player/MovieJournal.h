@@ -15,7 +15,7 @@ public:
     using Clock = std::function<qint64()>; ///< milliseconds, never going back
     static constexpr qsizetype kLongestLine = 1000;
     static constexpr int kLinesAtOnce = 500, kLinesPerSecond = 50;
-    static constexpr qsizetype kMostCharacters = 1'000'000;
+    static constexpr qsizetype kMaxCharacters = 1'000'000;
 
     MovieJournal(std::function<void(const QString&)> write, Clock clock)
         : m_write(std::move(write)), m_clock(std::move(clock)), m_last(m_clock())

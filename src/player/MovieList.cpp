@@ -17,7 +17,7 @@ namespace
 {
 
 /// So many program files without a movie are looked into before a step ends; each is read whole.
-constexpr int kMostPassedOver = 20;
+constexpr int kMaxSkipped = 20;
 
 bool isProgramFile(const QString& path) { return path.endsWith(".exe", Qt::CaseInsensitive); }
 
@@ -81,7 +81,7 @@ void MovieList::walk(int step)
     int passedOver = 0;
     for (int left = std::abs(step); left > 0;) {
         at += direction;
-        if (at < 0 || at >= files.size() || passedOver > kMostPassedOver)
+        if (at < 0 || at >= files.size() || passedOver > kMaxSkipped)
             return m_host.showNote(direction < 0 ? texts::kFirstMovie : texts::kLastMovie);
         // What was named is tried whatever it is; of what merely lies there, only movies.
         if (!together && isProgramFile(files[at]) && !m_host.isProjector(files[at]))

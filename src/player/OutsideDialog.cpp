@@ -20,8 +20,8 @@ namespace
 /// separators.
 QString paragraph(const QString& text)
 {
-    constexpr qsizetype kMost = 600;
-    QString shown = text.size() > kMost ? text.left(kMost / 2) + "..." + text.right(kMost / 2) : text;
+    constexpr qsizetype kMax = 600;
+    QString shown = text.size() > kMax ? text.left(kMax / 2) + "..." + text.right(kMax / 2) : text;
     shown = shown.toHtmlEscaped();
     for (const char* separator : {"/", "?", "="}) shown.replace(separator, QString(separator) + "&#8203;");
     return "<p>" + shown + "</p>";

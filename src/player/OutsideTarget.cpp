@@ -13,7 +13,7 @@ namespace player
 namespace
 {
 
-constexpr qsizetype kLongest = 2048;
+constexpr qsizetype kMax = 2048;
 
 using Refusal = OutsideTarget::Refusal;
 
@@ -139,7 +139,7 @@ OutsideTarget examineTarget(const QString& text, const QString& folder)
 {
     const QString address = text.trimmed();
     if (address.isEmpty()) return refused(Refusal::Invalid, address, "nothing is named");
-    if (address.size() > kLongest) return refused(Refusal::Invalid, address.left(80) + "...", "too long");
+    if (address.size() > kMax) return refused(Refusal::Invalid, address.left(80) + "...", "too long");
     if (hasDeception(address)) return refused(Refusal::Misleading, address, "holds characters that mislead");
 
     // A single letter is a drive of another system.

@@ -20,14 +20,14 @@ QString welcomePage(const core::Application& application, const QString& error, 
 
 QString moviesForPage(const core::Application& application, const QStringList& recent)
 {
-    constexpr int kMost = 4;
+    constexpr int kMax = 4;
     QStringList movies;
     for (const QString& path : recent)
-        if (movies.size() < kMost && core::fileExists(path)) movies += path;
+        if (movies.size() < kMax && core::fileExists(path)) movies += path;
     const auto own = static_cast<int>(movies.size());
     const QDir samples(application.AppPath + "media/samples");
     for (const QFileInfo& sample : samples.entryInfoList({"*.swf"}, QDir::Files, QDir::Name))
-        if (movies.size() < kMost && !movies.contains(sample.filePath())) movies += sample.filePath();
+        if (movies.size() < kMax && !movies.contains(sample.filePath())) movies += sample.filePath();
     QString query = "&recent=" + QString::number(own);
     if (*core::kUpdateAddress == '\0') query += "&noupdate=1";
     const auto encoded = [](const QString& text) {

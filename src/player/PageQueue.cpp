@@ -37,7 +37,7 @@ void PageQueue::put(PageRequest request)
     // What asks for the user's attention while he attends to something else has missed its moment.
     if (isMovie && effect != PageEffect::Loads && m_host.isOccupied())
         return drop(request, "something else is open");
-    if (m_waiting.size() >= kMostWaiting) return drop(request, "too much is waiting");
+    if (m_waiting.size() >= kMaxWaiting) return drop(request, "too much is waiting");
     m_waiting.push_back(std::move(request));
     wakeUp(0);
 }
@@ -90,7 +90,7 @@ const char* PageQueue::objection(const PageRequest& request, PageEffect effect)
     case PageEffect::Loads:
         if (isWish)
             m_loadsInRow = 0;
-        else if (++m_loadsInRow > kMostLoadsInRow)
+        else if (++m_loadsInRow > kMaxLoadsInRow)
             return "movies have loaded one another too often";
         break;
     case PageEffect::Leaves:

@@ -60,8 +60,8 @@ public:
 
 private:
     /// So many loads of movies by movies may follow one another before the user does something.
-    static constexpr int kMostLoadsInRow = 5;
-    static constexpr std::size_t kMostWaiting = 32;
+    static constexpr int kMaxLoadsInRow = 5;
+    static constexpr std::size_t kMaxWaiting = 32;
 
     void wakeUp(int delayMs);
     void runNext();

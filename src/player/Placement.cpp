@@ -28,14 +28,14 @@ namespace
 constexpr QSize kMinimumSize{320, 200};
 constexpr int kTwips = 15;
 /// No window system takes more; a damaged header may ask for it.
-constexpr double kLargestPixels = 16384;
+constexpr double kMaxPixels = 16384;
 
 int zoomed(int percent, int moviePixels, int borderPixels, int minimumPixels)
 {
     const double movieTwips = static_cast<double>(percent) * moviePixels * kTwips / 100.0;
     const double twips = std::nearbyint(movieTwips + borderPixels * kTwips);
     const double pixels = std::max(twips, static_cast<double>(minimumPixels) * kTwips) / kTwips;
-    return static_cast<int>(std::min(pixels, kLargestPixels));
+    return static_cast<int>(std::min(pixels, kMaxPixels));
 }
 
 } // namespace
@@ -209,13 +209,13 @@ QString Placement::shownCaption() const { return shortCaption(m_caption); }
 
 QString shortCaption(const QString& caption)
 {
-    constexpr qsizetype kLongest = 72;
+    constexpr qsizetype kMax = 72;
     const QString start = QString(core::kProductName) + " - ";
     if (!caption.startsWith(start)) return caption;
     QString name = caption.mid(start.size());
     if (QDir::isAbsolutePath(name)) name = name.mid(name.lastIndexOf(QDir::separator()) + 1);
-    if (name.size() > kLongest) {
-        constexpr qsizetype kHalf = kLongest / 2;
+    if (name.size() > kMax) {
+        constexpr qsizetype kHalf = kMax / 2;
         name = name.left(kHalf) + u'…' + name.right(kHalf - 1);
     }
     return start + name;

@@ -12,14 +12,14 @@ namespace player
 namespace
 {
 
-constexpr std::uint64_t kLargestBytes = 1 << 20;
-constexpr qsizetype kMostPlaces = 50;
+constexpr std::uint64_t kMaxBytes = 1 << 20;
+constexpr qsizetype kMaxPlaces = 50;
 constexpr int kOfferedMs = 9000;
 
 /// One place a line: the frame, a tabulator, the path.
 QStringList linesOf(const QString& file)
 {
-    const auto content = base::readFile(core::filePath(file), kLargestBytes);
+    const auto content = base::readFile(core::filePath(file), kMaxBytes);
     if (!content) return {};
     return QString::fromUtf8(reinterpret_cast<const char*>(content->data()),
                              static_cast<qsizetype>(content->size()))
@@ -41,7 +41,7 @@ void Resume::remember(const QString& path, int frame, int totalFrames, double fr
     lines.removeIf([&path](const QString& line) { return pathIn(line) == path; });
     if (share >= kBeginning && share <= kEnd) lines.prepend(QString::number(frame) + '\t' + path);
     if (lines == before) return;
-    const QByteArray text = lines.mid(0, kMostPlaces).join('\n').toUtf8() + '\n';
+    const QByteArray text = lines.mid(0, kMaxPlaces).join('\n').toUtf8() + '\n';
     // What cannot be kept is no loss that anybody would want to hear of now.
     (void)base::replaceFile(core::filePath(m_file),
                             base::Bytes(reinterpret_cast<const std::uint8_t*>(text.constData()),

@@ -31,7 +31,7 @@ namespace
 {
 
 /// What a skin may ask for at most, so that its window still fits on a screen.
-constexpr int kLargestMinimum = 2048;
+constexpr int kMaxMinimum = 2048;
 constexpr int kRetryMs = 5;
 const QRegion kNothing(-1, -1, 1, 1);
 
@@ -242,7 +242,7 @@ bool SkinWindow::isFullScreen() const { return m_menus.isChecked("mnuFullScreen"
 
 void SkinWindow::setMinimumWindowSize(QSize pixels)
 {
-    m_host.setMinimumWindowSize(pixels.expandedTo({0, 0}).boundedTo({kLargestMinimum, kLargestMinimum}));
+    m_host.setMinimumWindowSize(pixels.expandedTo({0, 0}).boundedTo({kMaxMinimum, kMaxMinimum}));
 }
 
 void SkinWindow::ShowPopUp() { m_host.ShowPopUp(); }
@@ -251,11 +251,11 @@ bool SkinWindow::hasEnded() const { return m_host.hasEnded() || platform::isTerm
 
 void SkinWindow::noteWish()
 {
-    constexpr int kMostWishes = 20;
+    constexpr int kMaxWishes = 20;
     constexpr qint64 kWithinMs = 10'000;
     if (!m_sinceWish.isValid() || m_sinceWish.elapsed() > kWithinMs) m_wishes = 0;
     if (m_wishes++ == 0) m_sinceWish.start();
-    if (m_wishes > kMostWishes) skinOverran();
+    if (m_wishes > kMaxWishes) skinOverran();
 }
 
 void SkinWindow::skinOverran()

@@ -19,7 +19,7 @@ namespace
 
 constexpr int kMark = 64;
 constexpr int kMessageFrame = 32; // padding and the red edge
-constexpr int kLeastMessage = 260;
+constexpr int kMinMessage = 260;
 constexpr int kWidestMessage = 420;
 
 class MarkWidget : public QWidget
@@ -105,7 +105,7 @@ void WelcomePanel::setMessage(const QString& message)
     // A label that wraps is given too little height by a centring layout: its size is reckoned here.
     m_message->ensurePolished();
     const int wanted = m_message->fontMetrics().horizontalAdvance(message) + kMessageFrame;
-    m_message->setFixedWidth(std::clamp(wanted, kLeastMessage, kWidestMessage));
+    m_message->setFixedWidth(std::clamp(wanted, kMinMessage, kWidestMessage));
     m_message->setFixedHeight(m_message->heightForWidth(m_message->width()));
 }
 

@@ -18,8 +18,8 @@ namespace
 constexpr int kMargin = 16;
 constexpr int kControlHeight = 28;
 constexpr int kBoxHeight = 24;
-constexpr int kRowHeight = 24;   // of an open list
-constexpr int kLeastWidth = 328; // of what stands between the margins
+constexpr int kRowHeight = 24; // of an open list
+constexpr int kMinWidth = 328; // of what stands between the margins
 
 /// A list of which an entry is chosen on purpose only: a wheel that scrolls past must not change an option.
 class List : public QComboBox
@@ -116,7 +116,7 @@ QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const
     list->setToolTip(tip);
     list->setAccessibleName(label);
     list->setFixedHeight(kControlHeight);
-    list->setMinimumWidth(kLeastWidth);
+    list->setMinimumWidth(kMinWidth);
     for (const char* item : items) {
         list->addItem(item);
         list->setItemData(list->count() - 1, QSize(0, kRowHeight), Qt::SizeHintRole);

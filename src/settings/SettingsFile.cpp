@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr const char* kFileName = "settings.xml";
-constexpr std::uint64_t kLargestBytes = 1 << 20;
+constexpr std::uint64_t kMaxBytes = 1 << 20;
 constexpr std::uint8_t kTemplate[] = {
 #include "Template.inc"
 };
@@ -174,7 +174,7 @@ bool SettingsFile::load(Options& options, QStringList& recent)
     if (!core::fileExists(source) && core::fileExists(installed)) source = installed;
 
     m_document.reset();
-    const auto content = base::readFile(core::filePath(source), kLargestBytes);
+    const auto content = base::readFile(core::filePath(source), kMaxBytes);
     auto document = content ? base::xml::Document::parse(*content)
                             : base::Result<base::xml::Document>(tl::make_unexpected(content.error()));
     if (document && document->root().name() != "SETTINGS")
@@ -225,7 +225,7 @@ std::optional<std::string> SettingsFile::compose(const Options& options, const Q
 
 std::optional<base::xml::Document> SettingsFile::documentOnDisk() const
 {
-    const auto content = base::readFile(core::filePath(path()), kLargestBytes);
+    const auto content = base::readFile(core::filePath(path()), kMaxBytes);
     if (!content) return std::nullopt;
     auto document = base::xml::Document::parse(*content);
     if (!document || document->root().name() != "SETTINGS") return std::nullopt;

@@ -114,8 +114,8 @@ bool Bridge::continueAfterTimeout()
 bool Bridge::mayAsk()
 {
     count();
-    if (++m_questions > kMostQuestions) m_isEnding = true;
-    if (m_passes > 0 && ++m_unbidden > kMostUnbidden) m_passMs = kPassMs + 1;
+    if (++m_questions > kMaxQuestions) m_isEnding = true;
+    if (m_passes > 0 && ++m_unprompted > kMaxUnprompted) m_passMs = kPassMs + 1;
     return m_scriptHost != nullptr && !isOver();
 }
 
@@ -151,7 +151,7 @@ std::optional<QString> Bridge::begin(const QString& language)
 void Bridge::reset()
 {
     m_begun = false;
-    m_unbidden = 0;
+    m_unprompted = 0;
     m_engine.reset();
     m_hanging.clear();
     m_lastTimerError.clear();

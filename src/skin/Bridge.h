@@ -34,9 +34,9 @@ class Bridge : private script::Host
 {
 public:
     /// So many questions (MsgBox, InputBox) may one call put to the user; then the call is ended.
-    static constexpr int kMostQuestions = 20;
+    static constexpr int kMaxQuestions = 20;
     /// So many may come from what runs by itself, all in all.
-    static constexpr int kMostUnbidden = 3;
+    static constexpr int kMaxUnprompted = 3;
 
     /// @param host outlives the bridge
     /// @param scriptHost answers what scripts ask the user; may be null
@@ -112,7 +112,7 @@ private:
     bool m_begun = false; ///< the engine knows the player
     int m_functions = 0;
     int m_depth = 0; ///< calls of the engine, one inside another
-    int m_questions = 0, m_unbidden = 0;
+    int m_questions = 0, m_unprompted = 0;
     bool m_isEnding = false; ///< the call at hand is to end
     int m_passes = 0;
     double m_passMs = 0, m_callMs = 0; ///< that scripts have run, without what they waited for the user

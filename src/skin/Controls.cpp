@@ -34,7 +34,7 @@ SkinControl::SkinControl(const QString& name, int index, QWidget* container, QWi
 int SkinControl::whole(double value)
 {
     if (std::isnan(value)) return 0;
-    return static_cast<int>(std::nearbyint(std::clamp(value, -1.0 * kFarthest, 1.0 * kFarthest)));
+    return static_cast<int>(std::nearbyint(std::clamp(value, -1.0 * kMaxDistance, 1.0 * kMaxDistance)));
 }
 
 void SkinControl::setUsable(bool usable)
@@ -296,10 +296,10 @@ void SkinLabel::setFontItalic(bool italic)
 
 void SkinLabel::setFontSize(double points)
 {
-    constexpr double kLargestPixels = 1024;
+    constexpr double kMaxPixels = 1024;
     QFont changed = font();
     changed.setPixelSize(
-        static_cast<int>(std::clamp(std::nearbyint(points / kPointsPerPixel), 1.0, kLargestPixels)));
+        static_cast<int>(std::clamp(std::nearbyint(points / kPointsPerPixel), 1.0, kMaxPixels)));
     changeFont(changed);
 }
 

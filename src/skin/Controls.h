@@ -33,7 +33,7 @@ class SkinControl : public QWidget
 
 public:
     /// Positions and sizes beyond this are cut off there: no window system takes more.
-    static constexpr int kFarthest = 16384;
+    static constexpr int kMaxDistance = 16384;
 
     /// @param name the control array's, "PIC" or "LBL"
     /// @param window what scripts see as Parent

@@ -103,14 +103,14 @@ void Skin::UpdateSkin()
         m_layoutWanted = true;
         return;
     }
-    constexpr int kMostPasses = 3;
+    constexpr int kMaxPasses = 3;
     m_inLayout = true;
     int passes = 0;
     m_bridge.beginPass();
     do {
         m_layoutWanted = false;
         layOut();
-    } while (m_layoutWanted && !m_bridge.hasOverrun() && ++passes < kMostPasses);
+    } while (m_layoutWanted && !m_bridge.hasOverrun() && ++passes < kMaxPasses);
     m_inLayout = false;
     m_host.UpdateRegion(false);
     if (m_bridge.endPass()) m_host.skinOverran();

@@ -21,13 +21,13 @@ namespace skin
 namespace
 {
 
-constexpr std::uint64_t kMostDescriptionBytes = 16ULL << 20;
-constexpr std::size_t kMostObjects = 5'000;
-constexpr int kMostNested = 64; ///< elements, one inside another
+constexpr std::uint64_t kMaxDescriptionBytes = 16ULL << 20;
+constexpr std::size_t kMaxObjects = 5'000;
+constexpr int kMaxNested = 64; ///< elements, one inside another
 /// Of all its pictures together; a screen has some eight million.
-constexpr qint64 kMostImagePixels = 128'000'000;
-constexpr std::size_t kMostSourceBytes = 4000; ///< of an element, in the journal
-constexpr qint64 kMostMaskPixels = 64'000'000;
+constexpr qint64 kMaxImagePixels = 128'000'000;
+constexpr std::size_t kMaxSourceBytes = 4000; ///< of an element, in the journal
+constexpr qint64 kMaxMaskPixels = 64'000'000;
 constexpr int kNoPicture = 481;
 constexpr int kTypeMismatch = 13;
 /// Where the scripts that skins share lie, from a skin's folder.
@@ -55,7 +55,7 @@ bool Skin::LoadSkin(const QString& path)
     m_folder = file.absolutePath() + '/';
     const QString found = findFile(m_folder, file.fileName());
     if (found.isEmpty()) return false;
-    const auto bytes = base::readFile(core::filePath(found), kMostDescriptionBytes);
+    const auto bytes = base::readFile(core::filePath(found), kMaxDescriptionBytes);
     if (!bytes) return false;
     const auto document = base::xml::Document::parse(*bytes);
     if (!document) {
@@ -88,7 +88,7 @@ void Skin::step(const base::xml::Element& node, Step kind, const std::function<v
         action();
     } catch (const base::Failure& failure) {
         const bool developer = kind == Step::Element && m_host.isDeveloperMode();
-        const QString source = QString::fromStdString(node.source(kMostSourceBytes));
+        const QString source = QString::fromStdString(node.source(kMaxSourceBytes));
         m_host.logError(failure, developer ? texts::kObjectPlace : texts::kBranchPlace,
                         (developer ? texts::kObjectDetail : texts::kBranchDetail) + ("\r\n\r\n" + source));
     }
@@ -118,7 +118,7 @@ void Skin::ParseSkinNode(const base::xml::Element& node)
 
 void Skin::ParseSkinChildren(const base::xml::Element& node)
 {
-    if (m_nested == kMostNested)
+    if (m_nested == kMaxNested)
         return step(node, Step::Branch, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kTooDeep); });
     ++m_nested;
     for (const base::xml::Element& child : node.children()) ParseSkinNode(child);
@@ -165,7 +165,7 @@ void Skin::introduce(SkinControl& control, const QString& name)
 
 void Skin::CreateSkinView(const base::xml::Element& node)
 {
-    if (m_objects.size() > kMostObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
+    if (m_objects.size() > kMaxObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
     const auto attributes = ViewAttributes::read(node);
     SkinObject& record = m_objects.emplace_back();
     auto* view = new SkinPicture("PIC", ++m_pictures, &m_host.clientArea(), &m_host.window());
@@ -183,7 +183,7 @@ void Skin::CreateSkinView(const base::xml::Element& node)
 
 void Skin::CreateSkinObject(const base::xml::Element& node, Kind kind)
 {
-    if (m_objects.size() > kMostObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
+    if (m_objects.size() > kMaxObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
     m_objects.emplace_back();
     // Stored when all has gone well: an element that fails on the way leaves its record empty.
     SkinObject record;
@@ -250,7 +250,7 @@ void Skin::buildObject(SkinObject& record, const base::xml::Element& node, Kind 
 
 QImage Skin::imageOf(const QString& name) const
 {
-    auto image = loadImage(m_folder, name, kMostImagePixels - m_imagePixels);
+    auto image = loadImage(m_folder, name, kMaxImagePixels - m_imagePixels);
     if (image) {
         m_imagePixels += qint64{image->width()} * image->height();
         return *std::move(image);
@@ -306,7 +306,7 @@ void Skin::cutToMask(SkinPicture& picture, const ElementAttributes& attributes)
     const QString& mask = shapesWindow ? attributes.windowMask : attributes.maskColor;
     if (mask == kAbsent) return;
     const SkinColour key = ParseColor(mask);
-    if (qint64{picture.width()} * picture.height() > kMostMaskPixels)
+    if (qint64{picture.width()} * picture.height() > kMaxMaskPixels)
         throw base::Failure(kNoPicture, "Skin", texts::kMaskTooLarge);
     picture.setMasked();
     const QImage shown = picture.picture();

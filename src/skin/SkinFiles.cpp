@@ -15,8 +15,8 @@ namespace skin
 namespace
 {
 
-constexpr qint64 kMostImageBytes = 64LL << 20;
-constexpr std::uint64_t kMostScriptBytes = 16ULL << 20;
+constexpr qint64 kMaxImageBytes = 64LL << 20;
+constexpr std::uint64_t kMaxScriptBytes = 16ULL << 20;
 
 QString findEntry(const QDir& folder, const QString& name)
 {
@@ -52,7 +52,7 @@ base::Result<QImage> loadImage(const QString& folder, const QString& name, qint6
 {
     const QString path = findFile(folder, name);
     if (path.isEmpty()) return base::fail(base::ErrorCode::NotFound, name.toStdString() + ": no such image");
-    if (QFileInfo(path).size() > kMostImageBytes)
+    if (QFileInfo(path).size() > kMaxImageBytes)
         return base::fail(base::ErrorCode::LimitReached,
                           name.toStdString() + ": image file larger than 64 MiB");
     QImageReader reader(path);
@@ -64,7 +64,7 @@ base::Result<QImage> loadImage(const QString& folder, const QString& name, qint6
         return base::fail(base::ErrorCode::Unsupported,
                           name.toStdString() + ": neither BMP, GIF, JPEG nor PNG");
     const QSize size = reader.size();
-    if (qint64{size.width()} * size.height() > std::min(mostPixels, kMostPixels))
+    if (qint64{size.width()} * size.height() > std::min(mostPixels, kMaxPixels))
         return base::fail(base::ErrorCode::LimitReached, name.toStdString() + ": image of too many pixels");
     QImage image = reader.read();
     if (image.isNull())
@@ -78,7 +78,7 @@ base::Result<QImage> loadImage(const QString& folder, const QString& name, qint6
 
 QString ReadTextFile(const QString& path)
 {
-    const auto bytes = base::readFile(core::filePath(path), kMostScriptBytes);
+    const auto bytes = base::readFile(core::filePath(path), kMaxScriptBytes);
     if (!bytes) return {};
     std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
     constexpr std::string_view kMark = "\xEF\xBB\xBF";

@@ -11,7 +11,7 @@ namespace
 {
 
 /// A picture larger than this is a mistake, and would be laid out for every menu that opens.
-constexpr int kLargestGround = 2048;
+constexpr int kMaxGround = 2048;
 
 QIcon iconOf(const QString& file) { return QFileInfo::exists(file) ? QIcon(file) : QIcon(); }
 
@@ -32,7 +32,7 @@ void MenuSet::load(const QString& folder)
     m_folder = folder;
     m_checkMark = iconOf(folder + "checkmark.png");
     const QImage ground(folder + "bg.bmp");
-    if (ground.isNull() || ground.width() > kLargestGround || ground.height() > kLargestGround) return;
+    if (ground.isNull() || ground.width() > kMaxGround || ground.height() > kMaxGround) return;
     m_ground = QPixmap::fromImage(ground);
     m_textColour = readableOn(ground);
 }

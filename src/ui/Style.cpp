@@ -159,11 +159,11 @@ QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex* o
     const bool horizontal = bar->orientation == Qt::Horizontal;
     const int length = horizontal ? option->rect.width() : option->rect.height();
     const qint64 range = static_cast<qint64>(bar->maximum) - bar->minimum;
-    constexpr int kLeastThumb = 24;
+    constexpr int kMinThumb = 24;
     const auto thumb = range <= 0 ? length
                                   : std::clamp<int>(static_cast<int>(static_cast<qint64>(length) *
                                                                      bar->pageStep / (range + bar->pageStep)),
-                                                    std::min(kLeastThumb, length), length);
+                                                    std::min(kMinThumb, length), length);
     const int start = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb,
                                               bar->upsideDown);
     const auto stretch = [&](int from, int to) {
@@ -189,8 +189,8 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
         break;
     case CT_MenuBarItem: return contents + QSize(2 * 8, 2 * 5);
     case CT_PushButton: {
-        constexpr int kLeastWidth = 80;
-        return {std::max(contents.width() + 2 * kButtonPadding, kLeastWidth),
+        constexpr int kMinWidth = 80;
+        return {std::max(contents.width() + 2 * kButtonPadding, kMinWidth),
                 std::max(contents.height() + 8, kControlHeight)};
     }
     case CT_ItemViewItem: {

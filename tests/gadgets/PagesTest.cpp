@@ -24,7 +24,7 @@ namespace
 
 using namespace tools;
 
-constexpr int kLeastFrames = 20;
+constexpr int kMinFrames = 20;
 
 QString pageFile(const QString& page) { return QString(GADGETS_DIR "/") + page + ".swf"; }
 
@@ -99,7 +99,7 @@ public:
     void TestBody() override
     {
         ASSERT_NO_FATAL_FAILURE(makeThumbnails(m_folder.path()));
-        int frames = kLeastFrames;
+        int frames = kMinFrames;
         const QString inputFile = m_folder.filePath("input.json");
         QFile input(inputFile);
         ASSERT_TRUE(input.open(QIODevice::WriteOnly));

@@ -85,7 +85,7 @@ FAULTS = [
     ("one click serves for any number of wishes", "player", "player/PageQueue.cpp",
      "    if (isWish) m_lastAct = act;\n", ""),
     ("movies load one another for ever", "player", "player/PageQueue.cpp",
-     "else if (++m_loadsInRow > kMostLoadsInRow)", "else if (m_loadsInRow > kMostLoadsInRow)"),
+     "else if (++m_loadsInRow > kMaxLoadsInRow)", "else if (m_loadsInRow > kMaxLoadsInRow)"),
     ("a target that became another is opened", "player", "player/Outside.cpp",
      "if (examineTarget(target, folder) != examined)", "if (false)"),
     ("a decision for good is forgotten", "player", "player/Outside.cpp",

@@ -237,7 +237,7 @@ TEST_F(Hostile, QuestionsOfASkinWithoutEndAreEndedSomeTime)
     });
     look.start(5);
     player.skinWindow().skin().bridge().RunScript("Ask");
-    EXPECT_EQ(boxes, skin::Bridge::kMostQuestions);
+    EXPECT_EQ(boxes, skin::Bridge::kMaxQuestions);
 }
 
 TEST_F(Hostile, ASkinThatHangsIsPutAwayForTheProgramsOwn)

@@ -187,7 +187,7 @@ TEST(MovieJournal, KeepsUpWithNoFlood)
         EXPECT_LE(line.size(), MovieJournal::kLongestLine + 3);
         written += line.size();
     }
-    EXPECT_LE(written, MovieJournal::kMostCharacters + 2000);
+    EXPECT_LE(written, MovieJournal::kMaxCharacters + 2000);
     EXPECT_TRUE(lines.last().contains("filled its share"));
     journal.movieOpened();
     journal.write("another movie");

@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(Skins, ShippedSkin, testing::Values("default", "lagoon"
 
 void SkinInTheWindow::checkLayout() const
 {
-    constexpr int kSmallestTarget = 24;
+    constexpr int kMinTarget = 24;
     struct Placed {
         const skin::SkinObject* record;
         QRect place;
@@ -129,7 +129,7 @@ void SkinInTheWindow::checkLayout() const
         const QRect place = placeOf(*record.object);
         if (record.kind == Kind::Button) {
             EXPECT_TRUE(player->rect().contains(place)) << record.name.toStdString() << " leaves the window";
-            EXPECT_GE(std::min(place.width(), place.height()), kSmallestTarget) << record.name.toStdString();
+            EXPECT_GE(std::min(place.width(), place.height()), kMinTarget) << record.name.toStdString();
             buttons.push_back({&record, place});
         } else if (record.kind == Kind::Label) {
             EXPECT_TRUE(player->rect().contains(place)) << record.name.toStdString() << " leaves the window";

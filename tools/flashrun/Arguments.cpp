@@ -95,8 +95,8 @@ base::Result<flash::stage::Quality> qualityByName(std::string_view name)
                       "--quality is low, medium, high or best, not \"" + std::string(name) + "\"");
 }
 
-constexpr double kMostFrames = 10'000'000;
-constexpr double kMostThumbnailPixels = 4096;
+constexpr double kMaxFrames = 10'000'000;
+constexpr double kMaxThumbnailPixels = 4096;
 
 base::Result<void> takeOption(Arguments& arguments, std::string_view option, const std::string& value)
 {
@@ -107,19 +107,19 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
                               "--frames of render needs a first and a last: 1-10");
         }
         arguments.firstFrame =
-            static_cast<int>(TRY_RESULT(number(option, value.substr(0, dash), 1, kMostFrames)));
+            static_cast<int>(TRY_RESULT(number(option, value.substr(0, dash), 1, kMaxFrames)));
         arguments.lastFrame =
-            static_cast<int>(TRY_RESULT(number(option, value.substr(dash + 1), 1, kMostFrames)));
+            static_cast<int>(TRY_RESULT(number(option, value.substr(dash + 1), 1, kMaxFrames)));
         arguments.series = true;
     } else if (option == "--frames") {
-        arguments.frames = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostFrames)));
+        arguments.frames = static_cast<int>(TRY_RESULT(number(option, value, 1, kMaxFrames)));
     } else if (option == "--frame" && arguments.command == Command::Render) {
-        arguments.firstFrame = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostFrames)));
+        arguments.firstFrame = static_cast<int>(TRY_RESULT(number(option, value, 1, kMaxFrames)));
         arguments.lastFrame = arguments.firstFrame;
     } else if (option == "--ms" && arguments.command != Command::Render) {
         arguments.ms = TRY_RESULT(number(option, value, 0, 1e12));
     } else if (option == "--size" && arguments.command == Command::Thumbnail) {
-        arguments.size = static_cast<int>(TRY_RESULT(number(option, value, 1, kMostThumbnailPixels)));
+        arguments.size = static_cast<int>(TRY_RESULT(number(option, value, 1, kMaxThumbnailPixels)));
     } else if (option == "--seconds" && arguments.command == Command::Thumbnail) {
         arguments.seconds = TRY_RESULT(number(option, value, 0, 600));
     } else if (option == "--out" && arguments.command != Command::Trace) {

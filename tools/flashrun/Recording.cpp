@@ -13,7 +13,7 @@ namespace
 
 constexpr std::uint32_t kFrameBytes = 4;
 // The lengths in the file have 32 bits.
-constexpr double kMostFrames = 0xFFFFFF00 / kFrameBytes;
+constexpr double kMaxFrames = 0xFFFFFF00 / kFrameBytes;
 
 void append(std::vector<std::uint8_t>& out, std::uint32_t value, int bytes)
 {
@@ -33,7 +33,7 @@ void Recording::take(flash::sound::Mixer& mixer, double ms)
     const double whole = std::floor(m_owedFrames);
     m_owedFrames -= whole;
     const std::size_t before = m_frames.size();
-    m_tooLong = m_tooLong || static_cast<double>(before) + whole > kMostFrames;
+    m_tooLong = m_tooLong || static_cast<double>(before) + whole > kMaxFrames;
     if (m_tooLong) return;
     m_frames.resize(before + static_cast<std::size_t>(whole));
     mixer.mix(std::span(m_frames).subspan(before));

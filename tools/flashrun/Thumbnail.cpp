@@ -28,9 +28,9 @@ namespace flashrun
 namespace
 {
 
-constexpr rlim_t kMostBytes = rlim_t{1} << 30;
+constexpr rlim_t kMaxBytes = rlim_t{1} << 30;
 /// What scripts may fill, with the rest of the process; pictures and sounds need the other half.
-constexpr long kMostScriptKilobytes = 512L << 10;
+constexpr long kMaxScriptKilobytes = 512L << 10;
 /// Nothing before the title is as rich as this, and few titles are poorer.
 constexpr double kRichDetail = 0.1;
 /// Of the movie's own time: between two looks, and at most.
@@ -50,8 +50,7 @@ public:
     {
         rusage use{};
         ::getrusage(RUSAGE_SELF, &use);
-        return use.ru_maxrss > kMostScriptKilobytes ||
-               std::chrono::steady_clock::now() - m_begin > m_patience;
+        return use.ru_maxrss > kMaxScriptKilobytes || std::chrono::steady_clock::now() - m_begin > m_patience;
     }
 
 private:
@@ -136,7 +135,7 @@ std::string addressOf(const std::string& movie)
 /// What this system lacks of that is done without.
 void confine(const Arguments& arguments)
 {
-    flash::control::confineEarly(kMostBytes, {.limits = false, .nameSpaces = false});
+    flash::control::confineEarly(kMaxBytes, {.limits = false, .nameSpaces = false});
     flash::control::ReachableFiles files;
     files.read = flash::control::systemFiles();
     const auto movie = flash::Engine::pathOf(addressOf(arguments.movie));
@@ -149,7 +148,7 @@ void confine(const Arguments& arguments)
 void limitMemory()
 {
 #ifndef __SANITIZE_ADDRESS__ // reserves terabytes of addresses
-    const rlimit most{kMostBytes, kMostBytes};
+    const rlimit most{kMaxBytes, kMaxBytes};
     ::setrlimit(RLIMIT_AS, &most);
 #endif
     const auto giveUp = [] {

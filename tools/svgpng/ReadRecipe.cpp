@@ -10,7 +10,7 @@ namespace
 using base::ErrorCode;
 using base::fail;
 
-constexpr int kLargestSide = 8192;
+constexpr int kMaxSide = 8192;
 
 // The states of a button, on dark ground.
 struct State {
@@ -35,7 +35,7 @@ base::Result<QSize> sizeOf(const QString& word)
     static const QRegularExpression shape("^(\\d{1,4})x(\\d{1,4})$");
     const auto match = shape.match(word);
     const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
-    if (!match.hasMatch() || size.isEmpty() || size.width() > kLargestSide || size.height() > kLargestSide)
+    if (!match.hasMatch() || size.isEmpty() || size.width() > kMaxSide || size.height() > kMaxSide)
         return fail(ErrorCode::Malformed, "needs a size like 28x28: " + word.toStdString());
     return size;
 }
@@ -87,7 +87,7 @@ base::Result<Layer> readLayer(const QStringList& words, QSize canvas)
         else if (word.startsWith("opacity="))
             layer.opacity = TRY_RESULT(numberOf(value, 1));
         else if (word.startsWith("radius="))
-            layer.radius = TRY_RESULT(numberOf(value, kLargestSide));
+            layer.radius = TRY_RESULT(numberOf(value, kMaxSide));
         else if (word == "mirror")
             layer.mirror = true;
         else

@@ -15,7 +15,7 @@ int Diagnostics::addFile(const std::string& name)
 
 void Diagnostics::error(Position where, const std::string& message)
 {
-    if (++m_count > kMostErrors) return;
+    if (++m_count > kMaxErrors) return;
     std::string line = fileName(where.file) + ":" + std::to_string(where.line) + ":" +
                        std::to_string(where.column) + ": " + message;
     // A message is one line even when it quotes source text.

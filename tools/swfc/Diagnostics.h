@@ -16,7 +16,7 @@ struct Position {
 class Diagnostics
 {
 public:
-    static constexpr std::size_t kMostErrors = 20;
+    static constexpr std::size_t kMaxErrors = 20;
 
     /// @param name as it shall stand in messages
     /// @returns the index for Position::file; the same for the same name
@@ -26,7 +26,7 @@ public:
         return m_files[static_cast<std::size_t>(file)];
     }
 
-    /// Errors after the first kMostErrors are counted but not kept.
+    /// Errors after the first kMaxErrors are counted but not kept.
     void error(Position where, const std::string& message);
     [[nodiscard]] bool hasErrors() const { return m_count > 0; }
     [[nodiscard]] std::size_t errorCount() const { return m_count; }

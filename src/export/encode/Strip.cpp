@@ -19,7 +19,7 @@ constexpr double kMsPerSecond = 1000;
 constexpr double kSlackMs = 1e-6;
 // The header's rate counts in 256ths.
 constexpr int kRateUnit = 256;
-constexpr int kMostSide = 8192;
+constexpr int kMaxSide = 8192;
 // Browsers show a GIF's picture for at least two hundredths of a second.
 constexpr Rate kQuickestGif{50, 1};
 
@@ -96,7 +96,7 @@ void Strip::lay(const Settings& settings)
     const bool isGiven = !settings.size.isEmpty();
     const QSize wanted =
         (isGiven ? settings.size : (QSizeF(own) * settings.scale).toSize()).expandedTo({1, 1});
-    const QSize bounded = wanted.boundedTo({kMostSide, kMostSide});
+    const QSize bounded = wanted.boundedTo({kMaxSide, kMaxSide});
     const QSize whole = PictureTrack::fitting(settings.format, bounded);
     const QSize movie = isGiven ? own.scaled(bounded, Qt::KeepAspectRatio).expandedTo({1, 1}) : bounded;
     m_picture = QImage(whole, QImage::Format_ARGB32_Premultiplied);

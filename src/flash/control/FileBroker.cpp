@@ -131,9 +131,9 @@ private:
     {
         std::error_code none;
         // Whoever finds out what a path really means looks at each folder on it.
-        constexpr int kMostLinks = 20;
+        constexpr int kMaxLinks = 20;
         fs::path at = fs::absolute(path, none).lexically_normal();
-        for (int links = 0; links < kMostLinks; ++links) {
+        for (int links = 0; links < kMaxLinks; ++links) {
             fs::path before, next;
             for (auto part = at.begin(); part != at.end(); ++part) {
                 before /= *part;
@@ -344,7 +344,7 @@ void FileBroker::serve(const ReachableFiles& files, pid_t client)
 
 void FileBroker::answerAll()
 {
-    std::vector<char> packet(kMostRequestBytes);
+    std::vector<char> packet(kMaxRequestBytes);
     for (;;) {
         const ssize_t got = recv(m_socket, packet.data(), packet.size(), MSG_TRUNC);
         if (got < 0 && errno == EINTR) continue;

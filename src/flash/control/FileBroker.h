@@ -28,7 +28,7 @@ struct BrokerRequest {
 struct BrokerAnswer {
     std::int32_t result = 0; ///< 0, the length of a text, or a negative errno
 };
-inline constexpr std::size_t kMostRequestBytes = sizeof(BrokerRequest) + 2 * PATH_MAX;
+inline constexpr std::size_t kMaxRequestBytes = sizeof(BrokerRequest) + 2 * PATH_MAX;
 
 /// The end that opens. Has a thread of its own, because who asks waits: neither a busy window nor a slow disk
 /// holds the other up.

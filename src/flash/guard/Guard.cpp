@@ -46,7 +46,7 @@ Guard* current() { return t_current; }
 
 void interruptAll() noexcept { g_allInterrupted.store(true, std::memory_order_relaxed); }
 
-Guard::Guard() : m_ledger(std::make_shared<Ledger>(kMostHeldBytes)) {}
+Guard::Guard() : m_ledger(std::make_shared<Ledger>(kMaxHeldBytes)) {}
 Guard::~Guard() = default;
 
 bool Guard::isInterrupted() const noexcept
@@ -74,7 +74,7 @@ void Guard::lookAround()
     const Clock::time_point now = Clock::now();
     if (now < m_nextMeasure) return;
     m_nextMeasure = now + kBetweenMeasures;
-    if (residentBytes() > m_bytesBefore + kMostGrowthBytes)
+    if (residentBytes() > m_bytesBefore + kMaxGrowthBytes)
         throw MovieEnded(MovieEnded::Cause::Memory, "it needs too much memory");
 }
 

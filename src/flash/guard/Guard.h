@@ -17,35 +17,35 @@ namespace flash::guard
 {
 
 /// Instances that exist at one time, on the stage or taken off it.
-constexpr std::size_t kMostInstances = 100'000;
+constexpr std::size_t kMaxInstances = 100'000;
 /// Instances within each other.
 constexpr int kDeepestNesting = 1000;
 /// Objects, texts, lists and bitmaps that scripts made and can still reach, and those not yet collected.
-constexpr std::size_t kMostScriptBytes = std::size_t{512} << 20;
+constexpr std::size_t kMaxScriptBytes = std::size_t{512} << 20;
 /// What the process may grow by while the movie plays, whatever it is that takes the memory. Looked at now
 /// and then; what can be counted is bounded below this.
-constexpr std::size_t kMostGrowthBytes = std::size_t{2} << 30;
+constexpr std::size_t kMaxGrowthBytes = std::size_t{2} << 30;
 /// The text of one text field, UTF-16 units.
 constexpr std::size_t kLongestFieldText = std::size_t{1} << 19;
 /// One text of a script, UTF-16 units.
 constexpr std::size_t kLongestText = std::size_t{1} << 25;
 /// Elements that an array keeps; its length may be larger.
-constexpr std::size_t kMostElements = std::size_t{1} << 23;
+constexpr std::size_t kMaxElements = std::size_t{1} << 23;
 /// Answers that wait for their frame.
-constexpr std::size_t kMostLoads = 300;
-constexpr std::size_t kMostLoadedBytes = std::size_t{256} << 20;
+constexpr std::size_t kMaxLoads = 300;
+constexpr std::size_t kMaxLoadedBytes = std::size_t{256} << 20;
 /// What is held at one time of all that was loaded together: the bytes of movies, inflated, what their tags
 /// become, pictures, sounds, videos and the pictures that these are decoded to. See Holding.h.
-constexpr std::size_t kMostHeldBytes = std::size_t{1} << 30;
+constexpr std::size_t kMaxHeldBytes = std::size_t{1} << 30;
 /// Commands and addresses that wait for the host until the scripts at hand are done.
-constexpr std::size_t kMostRequests = 10'000;
-constexpr std::size_t kMostRequestBytes = std::size_t{32} << 20;
+constexpr std::size_t kMaxRequests = 10'000;
+constexpr std::size_t kMaxRequestBytes = std::size_t{32} << 20;
 /// Timers that run at one time.
-constexpr std::size_t kMostTimers = 1000;
+constexpr std::size_t kMaxTimers = 1000;
 /// Shared objects that a movie looks at in one run.
-constexpr std::size_t kMostSharedObjects = 256;
+constexpr std::size_t kMaxSharedObjects = 256;
 /// Scripts that wait to be run.
-constexpr std::size_t kMostQueued = 1'000'000;
+constexpr std::size_t kMaxQueued = 1'000'000;
 /// From the beginning of a frame, until the user is asked between two scripts whether to go on.
 constexpr std::chrono::milliseconds kFrameTime{15'000};
 /// The same, until what cannot be asked in between ends the movie; scripts may be allowed more.
@@ -125,7 +125,7 @@ public:
     /// Another movie begins: reports are made again, only what was interrupted for ever stays so, and what
     /// the movie before still holds until it is gone counts no more.
     void renew();
-    /// How much the movies to come may hold; kMostHeldBytes by default.
+    /// How much the movies to come may hold; kMaxHeldBytes by default.
     void setMostHeld(std::size_t bytes);
     [[nodiscard]] const std::shared_ptr<Ledger>& ledger() const { return m_ledger; }
 

@@ -46,7 +46,7 @@ bool FileSharedObjects::hasRoomFor(const fs::path& file, std::uint64_t bytes)
         const std::uint64_t size = entry.file_size(gone);
         if (gone) continue;
         used += size;
-        if (++objects > kMostObjects || used > kQuotaBytes) return false;
+        if (++objects > kMaxObjects || used > kQuotaBytes) return false;
     }
     return used <= kQuotaBytes;
 }

@@ -16,7 +16,7 @@ public:
     static constexpr std::uint64_t kQuotaBytes = 100 << 10;
     static constexpr std::size_t kMaxNameBytes = 120;
     /// However small: each is a file.
-    static constexpr std::size_t kMostObjects = 200;
+    static constexpr std::size_t kMaxObjects = 200;
 
     explicit FileSharedObjects(std::filesystem::path folder) : m_folder(std::move(folder)) {}
 

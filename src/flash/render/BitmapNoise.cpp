@@ -109,8 +109,8 @@ void perlinNoise(swf::Bitmap& bitmap, const PerlinOptions& options)
 {
     const bool usable = std::isnormal(options.baseX) && std::isnormal(options.baseY);
     if (options.octaves <= 0 || !usable) return;
-    constexpr int kMostOctaves = 16; // finer ones are below a pixel's 1/256 weight
-    const int octaves = std::min(options.octaves, kMostOctaves);
+    constexpr int kMaxOctaves = 16; // finer ones are below a pixel's 1/256 weight
+    const int octaves = std::min(options.octaves, kMaxOctaves);
     const Lattice lattice(options.seed);
     for (int y = 0; y < bitmap.height && !(options.stops && options.stops()); ++y) {
         for (int x = 0; x < bitmap.width; ++x) {

@@ -19,9 +19,9 @@ constexpr std::int64_t kOne = std::int64_t{1} << kFractionBits;
 
 std::int64_t toFixed(double value)
 {
-    constexpr double kFarthest = 1e9;
+    constexpr double kMaxDistance = 1e9;
     if (std::isnan(value)) return 0;
-    return static_cast<std::int64_t>(std::floor(std::clamp(value, -kFarthest, kFarthest) * kOne + 0.5));
+    return static_cast<std::int64_t>(std::floor(std::clamp(value, -kMaxDistance, kMaxDistance) * kOne + 0.5));
 }
 
 int wrap(std::int64_t at, int size)

@@ -11,7 +11,7 @@ namespace flash::render
 namespace
 {
 
-constexpr double kGreatestExtent = 4096;
+constexpr double kMaxExtent = 4096;
 
 // A box as whole pixels to either side of the middle one and the part, of 256, of the next one.
 struct Box {
@@ -88,13 +88,13 @@ void blurRows(const Plane& from, Plane& to, const Box& box)
 
 double scaledBlur(double extent, double scale) { return extent > 1 ? (extent - 1) * scale + 1 : extent; }
 
-double blurExtent(double extent) { return extent > 1 ? std::min(extent, kGreatestExtent) : 1; }
+double blurExtent(double extent) { return extent > 1 ? std::min(extent, kMaxExtent) : 1; }
 
 int blurPasses(int passes)
 {
     // The files' fields have four or five bits.
-    constexpr int kMostPasses = 31;
-    return std::clamp(passes, 0, kMostPasses);
+    constexpr int kMaxPasses = 31;
+    return std::clamp(passes, 0, kMaxPasses);
 }
 
 int blurReach(double extent) { return static_cast<int>(std::ceil((blurExtent(extent) - 1) / 2)); }

@@ -30,9 +30,9 @@ IntRect grownBy(const IntRect& rect, double pixels)
 
 bool isUsable(const swf::Matrix& m)
 {
-    constexpr double kGreatest = 1e15;
+    constexpr double kMax = 1e15;
     return std::ranges::all_of(std::initializer_list<double>{m.a, m.b, m.c, m.d, m.tx, m.ty},
-                               [](double v) { return std::abs(v) < kGreatest; });
+                               [](double v) { return std::abs(v) < kMax; });
 }
 
 IntRect boundsOf(const swf::Matrix& m, double xMin, double yMin, double xMax, double yMax)

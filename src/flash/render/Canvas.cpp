@@ -85,18 +85,18 @@ void Canvas::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf
     m_impl->strokeRect(twips, toDevice, color, corner);
 }
 
-void Canvas::strokeInside(swf::Point least, swf::Point greatest, double width, swf::Rgba color)
+void Canvas::strokeInside(swf::Point min, swf::Point max, double width, swf::Rgba color)
 {
-    if (!(least.x < greatest.x && least.y < greatest.y)) return;
-    const double across = std::min({width, (greatest.x - least.x) / 2, (greatest.y - least.y) / 2});
-    const double left = least.x + across, right = greatest.x - across;
-    const double top = least.y + across, bottom = greatest.y - across;
+    if (!(min.x < max.x && min.y < max.y)) return;
+    const double across = std::min({width, (max.x - min.x) / 2, (max.y - min.y) / 2});
+    const double left = min.x + across, right = max.x - across;
+    const double top = min.y + across, bottom = max.y - across;
     // Around the outside, across to the inside and around it the other way, and back.
-    const std::array corners{least,
-                             swf::Point{greatest.x, least.y},
-                             greatest,
-                             swf::Point{least.x, greatest.y},
-                             least,
+    const std::array corners{min,
+                             swf::Point{max.x, min.y},
+                             max,
+                             swf::Point{min.x, max.y},
+                             min,
                              swf::Point{left, top},
                              swf::Point{left, bottom},
                              swf::Point{right, bottom},

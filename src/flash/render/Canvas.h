@@ -92,7 +92,7 @@ public:
                     LastCorner corner = LastCorner::Closed);
     /// The border of an upright rectangle in device pixels, `width` of them wide and within it, filling it
     /// when there is no room: the mark of what has the focus.
-    void strokeInside(swf::Point least, swf::Point greatest, double width, swf::Rgba color);
+    void strokeInside(swf::Point min, swf::Point max, double width, swf::Rgba color);
     /// Inverts the colours below: the caret.
     void invertRect(const swf::Rect& twips, const swf::Matrix& toDevice);
 

@@ -238,14 +238,13 @@ bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph,
     const int x = split(near.tx), y = split(near.ty);
     std::shared_ptr<const Mask> letter = m_cache.impl().findLetter(glyph.outline, near);
     if (letter == nullptr) {
-        constexpr int kLargest = 64;
+        constexpr int kMax = 64;
         const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(near));
         IntRect bounds;
         for (const FlatLayer& layer : flat->layers)
             if (!layer.points.empty())
-                bounds = unite(
-                    bounds, boundsOf(near, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y));
-        if (bounds.width() > kLargest || bounds.height() > kLargest) return false;
+                bounds = unite(bounds, boundsOf(near, layer.min.x, layer.min.y, layer.max.x, layer.max.y));
+        if (bounds.width() > kMax || bounds.height() > kMax) return false;
         Mask made = emptyMask(bounds);
         Destination into;
         into.clip = bounds;

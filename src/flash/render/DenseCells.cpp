@@ -12,7 +12,7 @@ namespace
 {
 
 // Numbers for all styles of all rows: 8 MiB of them, of which only those near outlines are ever touched.
-constexpr std::size_t kMostSums = std::size_t{2} << 20;
+constexpr std::size_t kMaxSums = std::size_t{2} << 20;
 // Pixels without a number of their own, up to so many between others, are cheaper converted than told apart.
 constexpr int kShortGap = 32;
 // Evenly covered pixels up to so many are told one by one with their neighbours.
@@ -124,9 +124,9 @@ std::size_t roundedUp(std::size_t value, std::size_t unit) { return (value + uni
 
 bool DenseCells::suits(int width, int height, std::uint32_t styles)
 {
-    return styles <= kMostStyles && roundedUp(static_cast<std::size_t>(width) + 2, kGroup) *
-                                            static_cast<std::size_t>(height) * styles <=
-                                        kMostSums;
+    return styles <= kMaxStyles && roundedUp(static_cast<std::size_t>(width) + 2, kGroup) *
+                                           static_cast<std::size_t>(height) * styles <=
+                                       kMaxSums;
 }
 
 void DenseCells::begin(int width, int height, std::uint32_t styles)
@@ -262,8 +262,8 @@ void DenseCells::emitShared(int x, int count, std::span<const std::int32_t> area
 void DenseCells::sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule)
 {
     // Highest first: it lies on top.
-    std::array<std::uint32_t, kMostStyles> numbers{};
-    std::array<std::int32_t, kMostStyles> carries{}, here{};
+    std::array<std::uint32_t, kMaxStyles> numbers{};
+    std::array<std::int32_t, kMaxStyles> carries{}, here{};
     std::size_t n = 0;
     for (std::uint32_t style = m_styles; style > 0; --style)
         if ((styles >> (style - 1) & 1U) != 0) numbers[n++] = style;

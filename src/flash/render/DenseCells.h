@@ -15,7 +15,7 @@ namespace flash::render
 class DenseCells
 {
 public:
-    static constexpr std::uint32_t kMostStyles = 16;
+    static constexpr std::uint32_t kMaxStyles = 16;
     /// Whether so many numbers are worth keeping.
     static bool suits(int width, int height, std::uint32_t styles);
 

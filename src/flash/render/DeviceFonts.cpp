@@ -126,8 +126,8 @@ private:
     {
         const QPointF fromStart = (3 * c1 - m_at) / 2, fromEnd = (3 * c2 - to) / 2;
         const QPointF apart = fromStart - fromEnd;
-        constexpr int kMostHalvings = 4;
-        if (std::hypot(apart.x(), apart.y()) < 4 || depth == kMostHalvings) {
+        constexpr int kMaxHalvings = 4;
+        if (std::hypot(apart.x(), apart.y()) < 4 || depth == kMaxHalvings) {
             quadTo((fromStart + fromEnd) / 2, to);
             return;
         }

@@ -12,9 +12,9 @@ namespace
 constexpr double kTolerance = 0.1;
 // A curve is cut into that many lines at most, and a shape into that many altogether: what a hostile movie
 // asks for beyond is drawn with corners.
-constexpr std::size_t kMostLinesOfCurve = 512;
-constexpr std::size_t kMostLinesOfShape = std::size_t{1} << 22;
-constexpr int kLowestStep = -16, kHighestStep = 32;
+constexpr std::size_t kMaxCurveLines = 512;
+constexpr std::size_t kMaxShapeLines = std::size_t{1} << 22;
+constexpr int kLowestStep = -16, kMaxStep = 32;
 
 std::size_t countEdges(const swf::Shape& shape)
 {
@@ -122,10 +122,10 @@ void flattenFills(const swf::ShapeLayer& layer, const Flattener& flattener, Flat
 void measure(FlatLayer& flat)
 {
     if (flat.points.empty()) return;
-    flat.least = flat.greatest = flat.points.front();
+    flat.min = flat.max = flat.points.front();
     for (const FlatPoint& p : flat.points) {
-        flat.least = {std::min(flat.least.x, p.x), std::min(flat.least.y, p.y)};
-        flat.greatest = {std::max(flat.greatest.x, p.x), std::max(flat.greatest.y, p.y)};
+        flat.min = {std::min(flat.min.x, p.x), std::min(flat.min.y, p.y)};
+        flat.max = {std::max(flat.max.x, p.x), std::max(flat.max.y, p.y)};
     }
 }
 
@@ -175,13 +175,13 @@ int scaleStep(const swf::Matrix& m)
     // Counted from shapes in twips shown at their own size. log2 of the square is twice that of the scale:
     // steps of the square root of two. A hair is left for what products of matrices leave of whole numbers.
     const double step = std::log2(square * swf::kTwipsPerPixel * swf::kTwipsPerPixel) - 1e-6;
-    return static_cast<int>(std::ceil(std::clamp(step, double{kLowestStep}, double{kHighestStep})));
+    return static_cast<int>(std::ceil(std::clamp(step, double{kLowestStep}, double{kMaxStep})));
 }
 
 FlatShape flatten(const swf::Shape& shape, int step)
 {
     const std::size_t mostLines =
-        std::clamp(kMostLinesOfShape / countEdges(shape), std::size_t{1}, kMostLinesOfCurve);
+        std::clamp(kMaxShapeLines / countEdges(shape), std::size_t{1}, kMaxCurveLines);
     const Flattener flattener(std::exp2(step / 2.0) / swf::kTwipsPerPixel, mostLines);
     FlatShape flat;
     flat.layers.resize(shape.layers.size());

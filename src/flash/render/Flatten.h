@@ -31,7 +31,7 @@ struct StrokePoint {
 };
 
 struct FlatLayer {
-    FlatPoint least, greatest; ///< corners of the rectangle around `points`
+    FlatPoint min, max; ///< corners of the rectangle around `points`
     std::vector<FlatPoint> points;
     std::vector<FlatRun> runs;
     std::vector<StrokePoint> strokePoints;

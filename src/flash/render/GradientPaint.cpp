@@ -81,7 +81,7 @@ constexpr double kRadialShift = 0.0012;
 constexpr float kRadialSize = kRampSize * (1 - 1e-5F);
 
 // Far beyond any number of repetitions that could be told apart.
-constexpr float kFarthest = 1e6F;
+constexpr float kMaxDistance = 1e6F;
 
 class GradientPaint : public Paint
 {
@@ -134,7 +134,7 @@ void placeLinear(float start, float step, std::size_t count, float* positions)
 {
     for (std::size_t i = 0; i < count; ++i) {
         const float at = start + step * static_cast<float>(static_cast<int>(i));
-        positions[i] = std::floor(std::min(std::max(at, -kFarthest), kFarthest));
+        positions[i] = std::floor(std::min(std::max(at, -kMaxDistance), kMaxDistance));
     }
 }
 
@@ -144,7 +144,7 @@ void placeRadial(float startX, float startY, float stepX, float stepY, std::size
     for (std::size_t i = 0; i < count; ++i) {
         const float x = startX + stepX * static_cast<float>(static_cast<int>(i));
         const float y = startY + stepY * static_cast<float>(static_cast<int>(i));
-        positions[i] = std::min(std::sqrt(x * x + y * y) * kRadialSize, kFarthest);
+        positions[i] = std::min(std::sqrt(x * x + y * y) * kRadialSize, kMaxDistance);
     }
 }
 
@@ -160,7 +160,7 @@ void placeFocal(float startX, float startY, float stepX, float stepY, float foca
         const float y = startY + stepY * static_cast<float>(static_cast<int>(i));
         const float root = std::sqrt(std::max(dx * dx + y * y - focal * focal * y * y, 0.0F));
         const float at = (focal * dx + root) * inverse * kRampSize;
-        positions[i] = std::min(std::max(at, 0.0F), kFarthest);
+        positions[i] = std::min(std::max(at, 0.0F), kMaxDistance);
     }
 }
 

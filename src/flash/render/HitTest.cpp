@@ -23,8 +23,8 @@ int crossing(FlatPoint from, FlatPoint to, swf::Point p)
 
 bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, bool nonZero, swf::Point p)
 {
-    if (layer.points.empty() || p.x < layer.least.x || p.x > layer.greatest.x || p.y < layer.least.y ||
-        p.y > layer.greatest.y)
+    if (layer.points.empty() || p.x < layer.min.x || p.x > layer.max.x || p.y < layer.min.y ||
+        p.y > layer.max.y)
         return false;
     std::unordered_map<std::uint16_t, int> windings;
     for (const FlatRun& run : layer.runs) {

@@ -110,7 +110,7 @@ void OutlineDrawer::drawLayer(const Destination& to, const FlatLayer& layer, con
 {
     if (layer.points.empty()) return;
     const IntRect bounds =
-        roundedOn(to.coverage, boundsOf(m, layer.least.x, layer.least.y, layer.greatest.x, layer.greatest.y));
+        roundedOn(to.coverage, boundsOf(m, layer.min.x, layer.min.y, layer.max.x, layer.max.y));
     convert(to, bounds, rule, [&](const IntRect& area) {
         const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         // Relative to the area, in subpixels.
@@ -176,9 +176,8 @@ void OutlineDrawer::silhouette(const Destination& to, const FlatLayer& layer, co
 void OutlineDrawer::stroke(const Destination& to, const StrokeOutline& outline, swf::Point offset)
 {
     if (outline.points.empty()) return;
-    const IntRect bounds =
-        roundedOn(to.coverage, boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.least.x, outline.least.y,
-                                        outline.greatest.x, outline.greatest.y));
+    const IntRect bounds = roundedOn(to.coverage, boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.min.x,
+                                                           outline.min.y, outline.max.x, outline.max.y));
     convert(to, bounds, FillRule::NonZero, [&](const IntRect& area) {
         const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         m_converter.setStyles(0, 1);
@@ -220,12 +219,12 @@ void OutlineDrawer::stroke(const Destination& to, const StrokeOutline& outline, 
 void OutlineDrawer::polygon(const Destination& to, std::span<const swf::Point> corners)
 {
     if (corners.empty()) return;
-    swf::Point least = corners[0], greatest = corners[0];
+    swf::Point min = corners[0], max = corners[0];
     for (const swf::Point& p : corners) {
-        least = {std::min(least.x, p.x), std::min(least.y, p.y)};
-        greatest = {std::max(greatest.x, p.x), std::max(greatest.y, p.y)};
+        min = {std::min(min.x, p.x), std::min(min.y, p.y)};
+        max = {std::max(max.x, p.x), std::max(max.y, p.y)};
     }
-    const IntRect bounds = roundedOn(to.coverage, boundsOf({}, least.x, least.y, greatest.x, greatest.y));
+    const IntRect bounds = roundedOn(to.coverage, boundsOf({}, min.x, min.y, max.x, max.y));
     convert(to, bounds, FillRule::EvenOdd, [&](const IntRect& area) {
         m_converter.setStyles(0, 1);
         if (const int steps = gridSteps(to.coverage); steps != 0) {

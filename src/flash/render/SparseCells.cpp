@@ -5,7 +5,7 @@ namespace flash::render
 namespace
 {
 
-constexpr std::size_t kMostCells = std::size_t{1} << 20;
+constexpr std::size_t kMaxCells = std::size_t{1} << 20;
 constexpr std::size_t kInsertionSortLimit = 24;
 
 } // namespace
@@ -35,7 +35,7 @@ void SparseCells::setStyles(std::uint32_t left, std::uint32_t right)
 
 void SparseCells::append(std::uint32_t& head, const Cell& cell)
 {
-    if (m_cells.size() >= kMostCells) {
+    if (m_cells.size() >= kMaxCells) {
         m_overfull = true;
         return;
     }

@@ -12,7 +12,7 @@ namespace
 using swf::LineStyle;
 
 constexpr double kToleranceInPixels = 0.05;
-constexpr double kMostArcSteps = 256;
+constexpr double kMaxArcSteps = 256;
 // Points closer than this are one; a direction between them would be noise.
 constexpr double kSamePoint = 1e-4;
 // Within a curve, bends up to about 60 degrees are mitred: at such a length the difference from an arc does
@@ -45,7 +45,7 @@ public:
         : m_outline(outline), m_style(style), m_half(width / 2)
     {
         const double ratio = std::clamp(1 - kToleranceInPixels / std::max(m_half, 0.5), -1.0, 1.0);
-        m_arcStep = std::max(2 * std::acos(ratio), 2 * std::numbers::pi / kMostArcSteps);
+        m_arcStep = std::max(2 * std::acos(ratio), 2 * std::numbers::pi / kMaxArcSteps);
     }
 
     void stroke(std::vector<Vertex> path, bool closed)
@@ -211,11 +211,11 @@ private:
 
 void measure(StrokeOutline& outline, std::size_t from)
 {
-    if (from == 0 && !outline.points.empty()) outline.least = outline.greatest = outline.points[0];
+    if (from == 0 && !outline.points.empty()) outline.min = outline.max = outline.points[0];
     for (std::size_t i = from; i < outline.points.size(); ++i) {
         const FlatPoint& p = outline.points[i];
-        outline.least = {std::min(outline.least.x, p.x), std::min(outline.least.y, p.y)};
-        outline.greatest = {std::max(outline.greatest.x, p.x), std::max(outline.greatest.y, p.y)};
+        outline.min = {std::min(outline.min.x, p.x), std::min(outline.min.y, p.y)};
+        outline.max = {std::max(outline.max.x, p.x), std::max(outline.max.y, p.y)};
     }
 }
 

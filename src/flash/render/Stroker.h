@@ -15,7 +15,7 @@ namespace flash::render
 struct StrokeOutline {
     std::vector<FlatPoint> points;
     std::vector<std::uint32_t> contourEnds; ///< index past the last point of each
-    FlatPoint least, greatest;              ///< around all points
+    FlatPoint min, max;                     ///< around all points
 };
 
 /// The width of a line on the screen: strokes are equally wide in all directions, however the shape is

@@ -13,7 +13,7 @@ namespace
 constexpr std::size_t kBlockFrames = 1024;
 // Scripts may ask for any number of sounds at once; the genuine player hears eight, hardly anyone tells more
 // than these apart.
-constexpr std::size_t kMostVoices = 64;
+constexpr std::size_t kMaxVoices = 64;
 
 std::int16_t clampSample(float value)
 {
@@ -43,7 +43,7 @@ Gains operator*(const Gains& outer, const Gains& inner)
 
 VoiceId Mixer::add(std::unique_ptr<SampleSource> source, const Gains& gains)
 {
-    if (!source || m_voices.size() >= kMostVoices) return 0;
+    if (!source || m_voices.size() >= kMaxVoices) return 0;
     m_voices.push_back({++m_lastId, std::move(source), gains});
     return m_lastId;
 }

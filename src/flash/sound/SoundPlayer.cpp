@@ -11,7 +11,7 @@ namespace
 
 constexpr double kFramesPerMs = kMixRate / 1000.0;
 // A stream that is this far from its timeline starts anew; less is left to the clock.
-constexpr double kLargestStreamLag = kMixRate / 2.0;
+constexpr double kMaxStreamLag = kMixRate / 2.0;
 // Ended sounds whose last position a script can still ask for.
 constexpr std::size_t kRememberedSounds = 256;
 
@@ -154,7 +154,7 @@ void SoundPlayer::streamFrame(Owner owner, const MoviePtr& movie, const swf::Tim
         if (playing.timeline != &timeline || frame <= playing.lastFrame) break;
         const double due = static_cast<double>(frame - playing.firstFrame) *
                            streamFramesPerTimelineFrame(*timeline.streamHead, m_frameRate);
-        if (std::abs(due - static_cast<double>(m_mixer.played(voice))) > kLargestStreamLag) break;
+        if (std::abs(due - static_cast<double>(m_mixer.played(voice))) > kMaxStreamLag) break;
         playing.lastFrame = frame;
         return;
     }

@@ -135,7 +135,7 @@ void ActionQueue::askWhenOverdue()
 
 bool ActionQueue::takesRequest(std::size_t bytes) const
 {
-    if (m_requests.size() < guard::kMostRequests && m_requestBytes + bytes <= guard::kMostRequestBytes)
+    if (m_requests.size() < guard::kMaxRequests && m_requestBytes + bytes <= guard::kMaxRequestBytes)
         return true;
     guard::refuse(guard::Bound::Requests,
                   "The movie gives more commands at once than are taken; the rest is dropped");

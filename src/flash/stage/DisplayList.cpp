@@ -30,7 +30,7 @@ bool DisplayList::hasRoomIn(const Node& parent) const
         guard::refuse(guard::Bound::Nesting, "Clips are nested too deeply; the innermost are left out");
         return false;
     }
-    if (*m_instances < guard::kMostInstances) return true;
+    if (*m_instances < guard::kMaxInstances) return true;
     guard::refuse(guard::Bound::Instances,
                   "The movie shows too many things at one time; further ones are left out");
     return false;

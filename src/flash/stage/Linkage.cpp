@@ -46,8 +46,8 @@ std::optional<std::uint16_t> Linkage::exportedCharacter(const MoviePtr& movie, s
 
 void Linkage::linkImports(const swf::Movie& movie, const std::string& url)
 {
-    constexpr int kMostLibraries = 32;
-    int librariesLeft = kMostLibraries;
+    constexpr int kMaxLibraries = 32;
+    int librariesLeft = kMaxLibraries;
     linkImports(movie, url, librariesLeft);
 }
 

@@ -48,7 +48,7 @@ void Loads::setQueryVariables(Clip& clip, const std::string& url)
 base::Result<LoadAnswer> Loads::answerTo(const LoadRequest& request)
 {
     guard::check();
-    if (m_pending.size() >= guard::kMostLoads || m_bytes >= guard::kMostLoadedBytes) {
+    if (m_pending.size() >= guard::kMaxLoads || m_bytes >= guard::kMaxLoadedBytes) {
         constexpr std::string_view kText = "The movie loads more at once than is allowed; the rest fails";
         guard::refuse(guard::Bound::Loads, kText);
         return base::fail(base::ErrorCode::LimitReached, request.url + ": too many loads at once");
@@ -61,8 +61,8 @@ base::Result<LoadAnswer> Loads::answerTo(const LoadRequest& request)
 void Loads::wait(Pending load)
 {
     // Those that fail are told of it, but not without end.
-    constexpr std::size_t kMostToldOf = 4 * guard::kMostLoads;
-    if (m_pending.size() < kMostToldOf)
+    constexpr std::size_t kMaxReported = 4 * guard::kMaxLoads;
+    if (m_pending.size() < kMaxReported)
         m_pending.push_back(std::move(load));
     else if (load.answer) // an answer that nobody waits for
         m_bytes -= load.answer->bytes.size();

@@ -153,9 +153,9 @@ swf::Rect Node::boundsThrough(const swf::Matrix& matrix, Extent extent)
                                   matrix.map(own.xMin, own.yMax), matrix.map(own.xMax, own.yMax)};
     swf::Rect mapped;
     for (const swf::Point corner : corners) {
-        constexpr double kLargest = 0x7FFF'FFFF;
-        const auto x = static_cast<std::int32_t>(std::round(std::clamp(corner.x, -kLargest, kLargest)));
-        const auto y = static_cast<std::int32_t>(std::round(std::clamp(corner.y, -kLargest, kLargest)));
+        constexpr double kMax = 0x7FFF'FFFF;
+        const auto x = static_cast<std::int32_t>(std::round(std::clamp(corner.x, -kMax, kMax)));
+        const auto y = static_cast<std::int32_t>(std::round(std::clamp(corner.y, -kMax, kMax)));
         mapped = swf::unite(mapped, {x, x, y, y});
     }
     return mapped;

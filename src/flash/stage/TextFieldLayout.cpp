@@ -159,8 +159,8 @@ void TextField::setWidth(double pixels)
 void TextField::setHeight(double pixels)
 {
     if (!(pixels >= 0)) return;
-    constexpr double kHighest = 1e7;
-    const double twips = std::min(pixels, kHighest) * swf::kTwipsPerPixel;
+    constexpr double kMax = 1e7;
+    const double twips = std::min(pixels, kMax) * swf::kTwipsPerPixel;
     m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();

@@ -17,7 +17,7 @@ using html::isSpace;
 using html::lowered;
 using html::Tag;
 
-constexpr double kLeastSize = 1, kGreatestSize = 127; // pixels
+constexpr double kMinSize = 1, kMaxSize = 127; // pixels
 
 std::optional<swf::Rgba> hexColor(std::u16string_view text)
 {
@@ -224,7 +224,7 @@ private:
             if (const std::optional<int> number = leadingInteger(*size)) {
                 const bool relative = (*size)[0] == u'+' || (*size)[0] == u'-';
                 const double pixels = *number + (relative ? style.size / swf::kTwipsPerPixel : 0);
-                style.size = std::clamp(pixels, kLeastSize, kGreatestSize) * swf::kTwipsPerPixel;
+                style.size = std::clamp(pixels, kMinSize, kMaxSize) * swf::kTwipsPerPixel;
             }
         }
         if (const std::u16string* color = tag.find(u"color"))

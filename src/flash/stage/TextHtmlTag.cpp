@@ -48,8 +48,8 @@ std::optional<char16_t> numericEntity(std::u16string_view digits)
 
 std::size_t endOfEntity(std::u16string_view text, std::size_t at)
 {
-    constexpr std::size_t kLongest = 64;
-    const std::size_t found = text.substr(at, kLongest).find(u';');
+    constexpr std::size_t kMax = 64;
+    const std::size_t found = text.substr(at, kMax).find(u';');
     return found == std::u16string_view::npos ? found : at + found;
 }
 

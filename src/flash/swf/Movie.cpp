@@ -123,8 +123,8 @@ base::Result<std::shared_ptr<const Movie>> parseMovie(std::span<const std::uint8
     };
     const auto movie = std::make_shared<HeldMovie>();
     // Where few bytes stand for very many, there is nothing in them.
-    constexpr std::uint64_t kAlwaysAllowedBytes = 32U << 20U, kMostRatio = 200;
-    const std::uint64_t plausible = std::max(kAlwaysAllowedBytes, kMostRatio * file.size());
+    constexpr std::uint64_t kAlwaysAllowedBytes = 32U << 20U, kMaxRatio = 200;
+    const std::uint64_t plausible = std::max(kAlwaysAllowedBytes, kMaxRatio * file.size());
     const std::uint64_t inflatedBytes = std::min(given.inflatedBytes, plausible);
     const std::uint64_t room = guard::roomToHold();
     auto plain = unpackMovie(file, std::min(inflatedBytes, room));

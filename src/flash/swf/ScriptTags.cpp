@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr std::size_t kHeaderBytes = 8;
-constexpr std::uint32_t kMostLabels = 16'384;
+constexpr std::uint32_t kMaxLabels = 16'384;
 
 enum Code : std::uint16_t {
     kEnd = 0,
@@ -46,7 +46,7 @@ std::string text(BodyReader& body)
 std::vector<ScriptTags::Label> labels(BodyReader& body)
 {
     std::vector<ScriptTags::Label> found;
-    const std::uint32_t count = std::min(variable32(body), kMostLabels);
+    const std::uint32_t count = std::min(variable32(body), kMaxLabels);
     for (std::uint32_t i = 0; i < count && !body.overrun() && !body.atEnd(); ++i) {
         ScriptTags::Label label;
         label.frame = variable32(body);

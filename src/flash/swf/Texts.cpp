@@ -68,8 +68,8 @@ private:
             // The count of a pool or the type of an operand stands before the text.
             const auto last = std::find_if(run.rbegin(), run.rend(), isControl).base();
             run.erase(run.begin(), last);
-            constexpr std::size_t kLeast = 3; // shorter ones may be numbers
-            if (run.size() >= kLeast && end != payload.end()) take(std::string_view(run));
+            constexpr std::size_t kMin = 3; // shorter ones may be numbers
+            if (run.size() >= kMin && end != payload.end()) take(std::string_view(run));
         }
     }
 

@@ -90,7 +90,7 @@ std::unique_ptr<VideoDecoder> VideoDecoder::open(VideoCodec codec, int width, in
     parts->width = width;
     parts->height = height;
     parts->context->thread_count = 1; // The same pictures on every run, and none held back.
-    parts->context->max_pixels = kMostPixels;
+    parts->context->max_pixels = kMaxPixels;
     if (adjustment != 0) {
         // Freed with the context.
         parts->context->extradata =

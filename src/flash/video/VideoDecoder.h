@@ -17,7 +17,7 @@ class VideoDecoder
 {
 public:
     /// Larger pictures are refused: they are damage, or meant to eat memory.
-    static constexpr int kMostPixels = 4096 * 4096;
+    static constexpr int kMaxPixels = 4096 * 4096;
 
     /// @param width, height  of the video, pixels; what a codec adds to reach whole blocks is cut off. 0:
     /// keep

@@ -125,8 +125,8 @@ std::u16string formatNumber(double number, int radix)
     // The shortest text that means the number is mostly short enough.
     auto written =
         std::to_chars(scientific, scientific + sizeof scientific, magnitude, std::chars_format::scientific);
-    constexpr double kLeastPrecise = 1e-300; // below, numbers have fewer digits than are shown
-    if (significantDigits({scientific, written.ptr}) > kSignificantDigits || magnitude < kLeastPrecise) {
+    constexpr double kMinPrecise = 1e-300; // below, numbers have fewer digits than are shown
+    if (significantDigits({scientific, written.ptr}) > kSignificantDigits || magnitude < kMinPrecise) {
         // Rounded to 15 digits, halves upwards: a number that lies exactly between two texts needs one digit
         // more than is shown, and a few more tell it from its neighbours.
         constexpr int kTellingDigits = 40;

@@ -19,8 +19,8 @@ constexpr std::array<std::u16string_view, 10> kNames = {
 constexpr char kLayout = 0; // its address marks dictionaries
 
 struct Arity {
-    std::size_t least;
-    std::size_t most;
+    std::size_t min;
+    std::size_t max;
 };
 constexpr std::array<Arity, 10> kArities = {
     {{1, 1}, {2, 2}, {1, 1}, {0, 0}, {0, 0}, {1, 1}, {1, 1}, {0, 0}, {0, 0}, {0, 0}}};
@@ -124,7 +124,7 @@ Result<Value> Dictionary::invoke(MemberId member, Access access, Arguments argum
     const bool puts = access == Access::Put || access == Access::PutRef;
     const Arity arity = kArities[static_cast<std::size_t>(member)];
     const std::size_t count = arguments.size() - (puts ? 1 : 0);
-    if (count < arity.least || count > arity.most) return fault(error::kWrongArguments);
+    if (count < arity.min || count > arity.max) return fault(error::kWrongArguments);
     if (puts) {
         switch (member) {
         case kItem: {

@@ -18,14 +18,14 @@ struct Intrinsic {
     };
     std::u16string_view name;
     Result<Value> (*call)(Engine& engine, std::span<Value> arguments);
-    int fewest;
-    int most; ///< -1: any number
+    int minArguments;
+    int maxArguments; ///< -1: any number
     Kind kind = Kind::Plain;
 
     [[nodiscard]] constexpr bool takes(std::size_t count) const
     {
         const auto given = static_cast<int>(count);
-        return given >= fewest && (most < 0 || given <= most);
+        return given >= minArguments && (maxArguments < 0 || given <= maxArguments);
     }
 };
 

@@ -90,7 +90,7 @@ TEST_F(Broker, HangsUpOnWhatIsNoRequest)
         bad.emplace_back(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length));
     bad.push_back(good);
     bad.back().push_back('x');
-    bad.emplace_back(kMostRequestBytes + 1000, '/');
+    bad.emplace_back(kMaxRequestBytes + 1000, '/');
     bad.emplace_back(sizeof(BrokerRequest), '\xFF');
     for (const auto& bytes : bad) {
         SCOPED_TRACE(bytes.size());

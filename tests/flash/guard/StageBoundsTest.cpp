@@ -43,7 +43,7 @@ TEST(StageBounds, EndsWhereFewDefinitionsMakeInstancesWithoutEnd)
     movie.tag(0, B::placed(kLevels + 1, 1));
     Fixture f;
     f.open(movie);
-    EXPECT_EQ(f.stage.displayList().instances(), guard::kMostInstances);
+    EXPECT_EQ(f.stage.displayList().instances(), guard::kMaxInstances);
     EXPECT_EQ(f.reports, std::vector{Bound::Instances});
     f.stage.close();
     EXPECT_EQ(f.stage.displayList().instances(), 0U) << "what has left the stage makes room";
@@ -139,11 +139,11 @@ TEST(StageBounds, TakesNoMoreCommandsThanItCanHold)
     f.open(movie);
     const guard::Turn turn(f.watch);
     int run = 0;
-    for (int i = 0; i < 100; ++i) f.stage.queue().addRequest([&] { ++run; }, guard::kMostRequestBytes / 10);
+    for (int i = 0; i < 100; ++i) f.stage.queue().addRequest([&] { ++run; }, guard::kMaxRequestBytes / 10);
     f.stage.queue().run();
     EXPECT_EQ(run, 10);
     EXPECT_EQ(f.reports, std::vector{Bound::Requests});
-    f.stage.queue().addRequest([&] { ++run; }, guard::kMostRequestBytes / 2);
+    f.stage.queue().addRequest([&] { ++run; }, guard::kMaxRequestBytes / 2);
     f.stage.queue().run();
     EXPECT_EQ(run, 11) << "later ones are taken again";
 }

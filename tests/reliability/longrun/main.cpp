@@ -29,7 +29,7 @@ namespace
 
 constexpr double kMegabyte = 1024.0 * 1024.0;
 /// What the second half of a run may hold more of than the first, at most.
-constexpr double kMostGrowthMegabytes = 2;
+constexpr double kMaxGrowthMegabytes = 2;
 constexpr int kSamples = 10;
 
 /// What the process holds: bytes in use of the heap, bytes of memory, open files, threads.
@@ -82,7 +82,7 @@ public:
     [[nodiscard]] bool isFlat() const
     {
         const auto& [first, second] = m_halves;
-        const bool flat = second.heapMegabytes - first.heapMegabytes < kMostGrowthMegabytes &&
+        const bool flat = second.heapMegabytes - first.heapMegabytes < kMaxGrowthMegabytes &&
                           second.files <= first.files && second.threads <= first.threads &&
                           second.children <= first.children;
         std::printf("  %s: heap %+.2f MB, memory %+.1f MB, files %+ld from the first half to the second\n",

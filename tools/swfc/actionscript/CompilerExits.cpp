@@ -49,14 +49,14 @@ void Compiler::exitsOfTry(const Stmt* stmt, const std::vector<Exit>& exits)
     if (exits.empty()) return;
     // Copies within copies double with each level. The count of all copies bounds the work on hostile
     // sources; once the error is reported nothing more is copied.
-    constexpr int kMostNested = 6;
-    constexpr int kMostInAll = 2000;
-    if (m_finallyCopiesInAll > kMostInAll) return;
+    constexpr int kMaxNested = 6;
+    constexpr int kMaxTotal = 2000;
+    if (m_finallyCopiesInAll > kMaxTotal) return;
     m_finallyCopiesInAll += static_cast<int>(exits.size());
-    if (m_scope.finallyCopies == kMostNested || m_finallyCopiesInAll > kMostInAll) {
+    if (m_scope.finallyCopies == kMaxNested || m_finallyCopiesInAll > kMaxTotal) {
         error(stmt->where,
               "at most 6 'finally' blocks within each other, and 2000 in all, that a jump leaves");
-        m_finallyCopiesInAll = kMostInAll + 1;
+        m_finallyCopiesInAll = kMaxTotal + 1;
         return;
     }
     ++m_scope.finallyCopies;

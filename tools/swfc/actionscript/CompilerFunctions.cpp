@@ -7,7 +7,7 @@ namespace swfc::actionscript
 namespace
 {
 
-constexpr int kMostRegisters = 255;
+constexpr int kMaxRegisters = 255;
 
 // Flags of a function's header. For this, arguments and super there is one bit to put the value into a
 // register and one to leave it out altogether.
@@ -57,7 +57,7 @@ void Compiler::chooseRegisters(const Function& fn, const MethodContext& method, 
     }
     const auto fits = [&](const std::string& name) {
         return !fn.dynamicScope && !fn.captured.contains(name) && !fn.namedOnly.contains(name) &&
-               name != "arguments" && !scope.registers.contains(name) && next < kMostRegisters - 2;
+               name != "arguments" && !scope.registers.contains(name) && next < kMaxRegisters - 2;
     };
     scope.temporary[0] = 0;
     std::vector<int> parameterRegisters;

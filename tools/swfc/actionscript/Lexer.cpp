@@ -13,9 +13,9 @@ namespace swfc::actionscript
 namespace
 {
 
-constexpr std::size_t kMostTokens = 8'000'000;
+constexpr std::size_t kMaxTokens = 8'000'000;
 constexpr std::size_t kDeepestInclude = 32;
-constexpr int kMostIncludes = 1024;
+constexpr int kMaxIncludes = 1024;
 
 bool isNameStart(char c)
 {
@@ -253,7 +253,7 @@ void Lexer::include()
         error("expected a file that does not include itself, found '" + name + "'");
         return;
     }
-    if (m_shared.active.size() >= kDeepestInclude || ++m_shared.count > kMostIncludes) {
+    if (m_shared.active.size() >= kDeepestInclude || ++m_shared.count > kMaxIncludes) {
         error("expected at most 32 nested and 1024 inclusions");
         return;
     }
@@ -338,7 +338,7 @@ void Lexer::run()
 {
     while (skipBlanks()) {
         m_where = here();
-        if (m_shared.tokens.size() >= kMostTokens) {
+        if (m_shared.tokens.size() >= kMaxTokens) {
             error("expected a script of at most 8 million words and signs");
             return;
         }

@@ -146,7 +146,7 @@ void ParserState::parseStatements()
         }
         if (!m_failed) return;
         recover();
-        if (m_diagnostics.errorCount() >= Diagnostics::kMostErrors) return;
+        if (m_diagnostics.errorCount() >= Diagnostics::kMaxErrors) return;
     }
 }
 
@@ -182,7 +182,7 @@ void ParserState::parseHandlers()
         while (accept(Tok::Semicolon)) {
         }
         if (m_failed) recover();
-        if (m_diagnostics.errorCount() >= Diagnostics::kMostErrors) return;
+        if (m_diagnostics.errorCount() >= Diagnostics::kMaxErrors) return;
     }
 }
 

@@ -114,12 +114,12 @@ std::string_view spelling(Tok kind)
 
 std::string describe(const Token& token)
 {
-    constexpr std::size_t kMostQuoted = 40;
+    constexpr std::size_t kMaxQuoted = 40;
     switch (token.kind) {
     case Tok::Identifier:
     case Tok::SlashPath:
-    case Tok::Number: return "'" + token.text.substr(0, kMostQuoted) + "'";
-    case Tok::String: return "string \"" + token.text.substr(0, kMostQuoted) + "\"";
+    case Tok::Number: return "'" + token.text.substr(0, kMaxQuoted) + "'";
+    case Tok::String: return "string \"" + token.text.substr(0, kMaxQuoted) + "\"";
     default: return std::string(spelling(token.kind));
     }
 }

@@ -35,8 +35,8 @@ int quadraticPieces(Point start, const PathSegment& s)
     const double dy = s.anchor.y - 3 * s.control2.y + 3 * s.control1.y - start.y;
     const double error = std::hypot(dx, dy) * std::sqrt(3.0) / 36;
     if (!(error > kCurveTolerance)) return 1;
-    constexpr double kMost = 64;
-    return static_cast<int>(std::min(kMost, std::ceil(std::cbrt(error / kCurveTolerance))));
+    constexpr double kMax = 64;
+    return static_cast<int>(std::min(kMax, std::ceil(std::cbrt(error / kCurveTolerance))));
 }
 
 void appendEdges(Contour& contour, Point start, const PathSegment& segment, int pieces)

@@ -12,7 +12,7 @@ namespace swfc::output
 namespace
 {
 
-constexpr std::size_t kMostSegments = 1'000'000;
+constexpr std::size_t kMaxSegments = 1'000'000;
 
 class PathParser
 {
@@ -102,7 +102,7 @@ void PathParser::startContour(Point at)
 void PathParser::add(const PathSegment& segment)
 {
     if (!m_open) startContour(m_current);
-    if (++m_segments > kMostSegments) {
+    if (++m_segments > kMaxSegments) {
         fail("at most a million segments");
         return;
     }

@@ -51,10 +51,10 @@ void Bounds::expand(double by)
 /// Saturates at what 29 bits hold, which every record can carry.
 std::int32_t toTwips(double pixels)
 {
-    constexpr double kMost = 1 << 28;
+    constexpr double kMax = 1 << 28;
     const double twips = std::round(pixels * kTwipsPerPixel);
     if (std::isnan(twips)) return 0;
-    return static_cast<std::int32_t>(std::clamp(twips, -kMost, kMost));
+    return static_cast<std::int32_t>(std::clamp(twips, -kMax, kMax));
 }
 
 void writeBounds(BitWriter& out, const Bounds& bounds)
@@ -73,9 +73,9 @@ void writeBounds(BitWriter& out, const Bounds& bounds)
 void writeMatrix(BitWriter& out, const Matrix& matrix)
 {
     const auto fixed = [](double value) {
-        constexpr double kMost = 16383; // what 31 bits of 16.16 hold
+        constexpr double kMax = 16383; // what 31 bits of 16.16 hold
         if (std::isnan(value)) return std::int32_t{0};
-        return static_cast<std::int32_t>(std::lround(std::clamp(value, -kMost, kMost) * 65536));
+        return static_cast<std::int32_t>(std::lround(std::clamp(value, -kMax, kMax) * 65536));
     };
     const auto pair = [&](std::int32_t first, std::int32_t second) {
         const int bits = std::max(bitsForSigned(first), bitsForSigned(second));

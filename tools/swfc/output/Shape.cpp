@@ -19,13 +19,13 @@ enum Tag : std::uint16_t {
 };
 
 constexpr std::size_t kLongCount = 0xFF;
-constexpr std::size_t kMostStopsBefore8 = 8;
+constexpr std::size_t kMaxStopsBefore8 = 8;
 
 bool isExtended(const Fill& fill)
 {
     if (fill.kind != Fill::Kind::Gradient) return false;
     return fill.gradient.kind == Gradient::Kind::Focal || fill.gradient.spread != Gradient::Spread::Pad ||
-           fill.gradient.linearRgb || fill.gradient.stops.size() > kMostStopsBefore8;
+           fill.gradient.linearRgb || fill.gradient.stops.size() > kMaxStopsBefore8;
 }
 
 bool hasAlpha(const Fill& fill)

@@ -8,8 +8,8 @@ namespace swfc::output
 namespace
 {
 
-constexpr int kFewestDeltaBits = 2, kMostDeltaBits = 17;
-constexpr std::int32_t kLongestDelta = (1 << (kMostDeltaBits - 1)) - 1;
+constexpr int kMinDeltaBits = 2, kMaxDeltaBits = 17;
+constexpr std::int32_t kLongestDelta = (1 << (kMaxDeltaBits - 1)) - 1;
 
 } // namespace
 
@@ -48,9 +48,9 @@ void EdgeWriter::styleChange(const Point* moveTo)
 
 void EdgeWriter::straightPiece(std::int32_t dx, std::int32_t dy)
 {
-    const int bits = std::max({bitsForSigned(dx), bitsForSigned(dy), kFewestDeltaBits});
+    const int bits = std::max({bitsForSigned(dx), bitsForSigned(dy), kMinDeltaBits});
     m_out.bits(3, 2); // an edge, straight
-    m_out.bits(static_cast<std::uint32_t>(bits - kFewestDeltaBits), 4);
+    m_out.bits(static_cast<std::uint32_t>(bits - kMinDeltaBits), 4);
     const bool general = dx != 0 && dy != 0;
     m_out.bits(general ? 1 : 0, 1);
     if (general) {
@@ -73,10 +73,10 @@ void EdgeWriter::edge(const Edge& edge)
         const std::int32_t longest = std::max({std::abs(cx), std::abs(cy), std::abs(ax), std::abs(ay)});
         if (longest == 0 && !m_keepEmptyEdges) return;
         if (longest <= kLongestDelta) {
-            const int bits = std::max({bitsForSigned(cx), bitsForSigned(cy), bitsForSigned(ax),
-                                       bitsForSigned(ay), kFewestDeltaBits});
+            const int bits = std::max(
+                {bitsForSigned(cx), bitsForSigned(cy), bitsForSigned(ax), bitsForSigned(ay), kMinDeltaBits});
             m_out.bits(2, 2); // an edge, curved
-            m_out.bits(static_cast<std::uint32_t>(bits - kFewestDeltaBits), 4);
+            m_out.bits(static_cast<std::uint32_t>(bits - kMinDeltaBits), 4);
             for (const std::int32_t delta : {cx, cy, ax, ay}) m_out.signedBits(delta, bits);
             m_x = toX;
             m_y = toY;

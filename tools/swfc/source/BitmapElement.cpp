@@ -9,7 +9,7 @@ namespace
 
 using output::Tag;
 
-constexpr int kLargestSide = 8191;
+constexpr int kMaxSide = 8191;
 
 /// Premultiplied ARGB rows, as the lossless tag with alpha keeps them; without alpha the first byte is
 /// unused.
@@ -43,7 +43,7 @@ void MovieBuilder::bitmapElement(const Element& element)
     if (!id || !content) return;
     const bool jpeg = content->size() > 2 && (*content)[0] == 0xFF && (*content)[1] == 0xD8;
     const QImage image = QImage::fromData(content->data(), static_cast<int>(content->size()));
-    if (image.isNull() || image.width() > kLargestSide || image.height() > kLargestSide) {
+    if (image.isNull() || image.width() > kMaxSide || image.height() > kMaxSide) {
         attributes.error("expected a PNG or JPEG picture of at most 8191 pixels a side");
         return;
     }

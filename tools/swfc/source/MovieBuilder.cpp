@@ -14,7 +14,7 @@ namespace
 using output::Tag;
 
 constexpr std::size_t kDeepestInclude = 16;
-constexpr int kMostIncludes = 256;
+constexpr int kMaxIncludes = 256;
 constexpr int kOldestVersion = 4, kNewestVersion = 8;
 
 } // namespace
@@ -169,7 +169,7 @@ void MovieBuilder::include(const Element& element, Timeline* timeline)
         error(element, "expected a file that does not include itself, found '" + name + "'");
         return;
     }
-    if (m_paths.size() > kDeepestInclude || ++m_includes > kMostIncludes) {
+    if (m_paths.size() > kDeepestInclude || ++m_includes > kMaxIncludes) {
         error(element, "expected at most 16 nested and 256 inclusions");
         return;
     }

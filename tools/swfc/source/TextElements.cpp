@@ -114,9 +114,9 @@ void MovieBuilder::textElement(const Element& element)
         const double left = align == 0 ? 0 : align == 1 ? (width - line.width) / 2 : width - line.width;
         double x = left;
         for (const Run& run : line.runs) {
-            constexpr std::size_t kMostGlyphs = 255;
-            for (std::size_t start = 0; start < run.glyphs.size(); start += kMostGlyphs) {
-                const std::size_t count = std::min(kMostGlyphs, run.glyphs.size() - start);
+            constexpr std::size_t kMaxGlyphs = 255;
+            for (std::size_t start = 0; start < run.glyphs.size(); start += kMaxGlyphs) {
+                const std::size_t count = std::min(kMaxGlyphs, run.glyphs.size() - start);
                 records.u8(0x8F); // font, colour and both offsets
                 records.u16(run.fontId);
                 if (alpha)

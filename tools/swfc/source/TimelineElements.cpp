@@ -13,7 +13,7 @@ namespace
 
 using output::Tag;
 
-constexpr std::uint32_t kMostFrames = 16000;
+constexpr std::uint32_t kMaxFrames = 16000;
 
 double eased(double t, int ease)
 {
@@ -282,8 +282,8 @@ void MovieBuilder::frameElement(const Element& element, Timeline& timeline)
     Attributes attributes(element, m_diagnostics);
     const auto label = attributes.text("label");
     const bool anchor = attributes.flag("anchor");
-    const int duration = attributes.integer("duration", 1, 1, static_cast<int>(kMostFrames));
-    if (timeline.frames + static_cast<std::uint32_t>(duration) > kMostFrames) {
+    const int duration = attributes.integer("duration", 1, 1, static_cast<int>(kMaxFrames));
+    if (timeline.frames + static_cast<std::uint32_t>(duration) > kMaxFrames) {
         error(element, "expected at most 16000 frames");
         return;
     }

@@ -25,9 +25,9 @@ void MovieBuilder::videoElement(const Element& element)
     if (!need(6, element, "video")) return;
     Attributes attributes(element, m_diagnostics);
     const auto id = define(attributes, CharacterKind::Video);
-    constexpr int kLargestSide = 8191;
-    const int width = attributes.integer("width", 160, 1, kLargestSide);
-    const int height = attributes.integer("height", 120, 1, kLargestSide);
+    constexpr int kMaxSide = 8191;
+    const int width = attributes.integer("width", 160, 1, kMaxSide);
+    const int height = attributes.integer("height", 120, 1, kMaxSide);
     const bool smooth = attributes.flag("smooth");
     const auto content = attributes.has("file") ? readFile(attributes, "file") : std::nullopt;
     if (!id || (attributes.has("file") && !content)) return;

@@ -46,8 +46,8 @@ void Amf0Writer::real(double value) { number(std::bit_cast<std::uint64_t>(value)
 
 void Amf0Writer::name(std::string text)
 {
-    constexpr std::size_t kLongest = 0xFFFF;
-    if (text.size() > kLongest) text.resize(kLongest);
+    constexpr std::size_t kMax = 0xFFFF;
+    if (text.size() > kMax) text.resize(kMax);
     number(text.size(), 2);
     append(text);
 }

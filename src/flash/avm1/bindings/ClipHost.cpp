@@ -194,9 +194,9 @@ bool ClipHost::isFrameLoaded(Object* object, int frame)
     stage::Clip* clip = m_binding.clipOf(object);
     if (!clip) return false;
     // What lies behind the last frame is not waited for, up to the most frames that there can be.
-    constexpr int kMostFrames = 16000;
+    constexpr int kMaxFrames = 16000;
     return frame < clip->framesAtHand() ||
-           (clip->framesAtHand() >= clip->totalFrames() && frame <= kMostFrames);
+           (clip->framesAtHand() >= clip->totalFrames() && frame <= kMaxFrames);
 }
 
 void ClipHost::callFrame(Object* object, int frame)

@@ -99,9 +99,8 @@ Value createTextField(Call& call)
     const double x = std::trunc(numberArg(call, 2)), y = std::trunc(numberArg(call, 3));
     const double width = std::trunc(numberArg(call, 4)), height = std::trunc(numberArg(call, 5));
     const auto twips = [](double pixels) {
-        constexpr double kLargestPixels = 1e7;
-        return static_cast<std::int32_t>((std::abs(pixels) < kLargestPixels ? pixels : 0) *
-                                         swf::kTwipsPerPixel);
+        constexpr double kMaxPixels = 1e7;
+        return static_cast<std::int32_t>((std::abs(pixels) < kMaxPixels ? pixels : 0) * swf::kTwipsPerPixel);
     };
     const stage::NodePtr field =
         clip->attachTextField(*depth, utf8Arg(call, 0), {0, twips(width), 0, twips(height)});

@@ -87,8 +87,8 @@ public:
     {
         const double count = length(m_colors);
         if (length(m_alphas) != count || length(m_ratios) != count || !(count >= 0)) return {};
-        constexpr double kMostStops = 15;
-        std::vector<swf::Gradient::Stop> stops(static_cast<std::size_t>(std::min(count, kMostStops)));
+        constexpr double kMaxStops = 15;
+        std::vector<swf::Gradient::Stop> stops(static_cast<std::size_t>(std::min(count, kMaxStops)));
         for (swf::Gradient::Stop& stop : stops) stop.color = {0, 0, 0, 0};
         for (std::size_t i = 0; i < stops.size(); ++i) {
             const auto index = static_cast<std::uint32_t>(i);

@@ -117,9 +117,9 @@ std::optional<swf::Rect> rectangleArg(Call& call)
         return toNumber(call.vm, object->get(call.vm, call.vm.name(std::string_view(name))));
     };
     const double x = number("x"), y = number("y"), width = number("width"), height = number("height");
-    constexpr double kLargest = 1e7;
+    constexpr double kMax = 1e7;
     for (const double n : {x, y, width, height})
-        if (!(std::abs(n) < kLargest)) return {};
+        if (!(std::abs(n) < kMax)) return {};
     const auto twips = [](double pixels) { return static_cast<std::int32_t>(std::lround(pixels * 20)); };
     return swf::Rect{twips(x), twips(x + width), twips(y), twips(y + height)};
 }

@@ -74,7 +74,7 @@ Value getLocal(Call& call)
     }
     auto& known = binding.sharedObjects();
     if (const auto found = known.find(key); found != known.end()) return Value(found->second);
-    if (known.size() >= guard::kMostSharedObjects) {
+    if (known.size() >= guard::kMaxSharedObjects) {
         guard::refuse(guard::Bound::SharedObjects, "The movie asks for too many shared objects");
         return Value::null();
     }

@@ -22,8 +22,8 @@ using Format = stage::PartialTextFormat;
 int wholeNumber(Vm& vm, double number)
 {
     if (vm.version() < 8) return toInt32(number);
-    constexpr double kLeast = -2147483648.0, kMost = 2147483647.0;
-    if (!(number >= kLeast && number <= kMost)) return static_cast<int>(kLeast);
+    constexpr double kMin = -2147483648.0, kMax = 2147483647.0;
+    if (!(number >= kMin && number <= kMax)) return static_cast<int>(kMin);
     return static_cast<int>(number);
 }
 
@@ -224,7 +224,7 @@ Value setTabStops(Call& call)
     Vm& vm = call.vm;
     // Anything with a length will do; a text counts as so many stops that are no numbers.
     Object* list = call.arg(0).asObject();
-    constexpr int kMostStops = 4096;
+    constexpr int kMaxStops = 4096;
     const int length = list                     ? toInt32(vm, list->get(vm, vm.common().length))
                        : call.arg(0).isString() ? static_cast<int>(call.arg(0).string()->length())
                                                 : 0;
@@ -233,7 +233,7 @@ Value setTabStops(Call& call)
         return {};
     }
     std::vector<double> taken;
-    for (int i = 0; i < std::min(length, kMostStops); ++i) {
+    for (int i = 0; i < std::min(length, kMaxStops); ++i) {
         const Value entry =
             list ? list->get(vm, vm.names().fromIndex(static_cast<std::uint32_t>(i))) : Value();
         taken.push_back(wholeNumber(vm, toNumber(vm, entry)) * kTwips);
@@ -358,15 +358,15 @@ stage::PartialTextFormat TextFormatObject::forText() const
     stage::PartialTextFormat taken = format;
     if (taken.color) taken.color->a = 255;
     // Sizes that no text can have would only take the layout's time.
-    constexpr double kMostPixels = 2500;
+    constexpr double kMaxPixels = 2500;
     const auto bound = [](std::optional<double>& length, double least) {
         if (!length) return;
-        *length = std::isnan(*length) ? 0 : std::clamp(*length, least, kMostPixels * kTwips);
+        *length = std::isnan(*length) ? 0 : std::clamp(*length, least, kMaxPixels * kTwips);
     };
     bound(taken.size, 0);
     for (auto* length : {&taken.letterSpacing, &taken.leftMargin, &taken.rightMargin, &taken.indent,
                          &taken.blockIndent, &taken.leading})
-        bound(*length, -kMostPixels * kTwips);
+        bound(*length, -kMaxPixels * kTwips);
     return taken;
 }
 

@@ -160,16 +160,16 @@ std::uint32_t optionsFrom(Vm& vm, Value value)
 double listLength(Vm& vm, Object* list)
 {
     if (const ArrayNative* array = list->native<ArrayNative>()) return array->length();
-    constexpr double kMostElements = 1e7;
+    constexpr double kMaxElements = 1e7;
     const double length = toInt32(vm, list->get(vm, vm.common().length));
-    return std::clamp(length, 0.0, kMostElements);
+    return std::clamp(length, 0.0, kMaxElements);
 }
 
 RootedValues listElements(Vm& vm, Object* list)
 {
     const double length = listLength(vm, list);
     RootedValues elements(vm.heap());
-    if (length > static_cast<double>(guard::kMostElements)) {
+    if (length > static_cast<double>(guard::kMaxElements)) {
         vm.abortScript("An array is too long to be worked on; the scripts of this movie were stopped.");
         return elements;
     }

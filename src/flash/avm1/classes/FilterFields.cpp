@@ -132,7 +132,7 @@ void growMatrix(FilterNative& filter)
 void writeMatrix(Vm& vm, FilterNative& filter, FilterValue kind, Value value)
 {
     if (value.isNullish()) return;
-    constexpr std::size_t kMostCells = 15 * 15;
+    constexpr std::size_t kMaxCells = 15 * 15;
     RootedValues given(vm.heap());
     if (kind == V::Twenty) {
         // Always twenty, whatever length the list has; what is missing is not a number.
@@ -140,7 +140,7 @@ void writeMatrix(Vm& vm, FilterNative& filter, FilterValue kind, Value value)
         for (std::uint32_t i = 0; object != nullptr && i < 20; ++i)
             given.push_back(object->get(vm, vm.names().fromIndex(i)));
     } else {
-        *given = *elements(vm, value, kMostCells);
+        *given = *elements(vm, value, kMaxCells);
     }
     filter.matrix.clear();
     for (const Value& cell : given) filter.matrix.push_back(toNumber(vm, cell));
@@ -278,8 +278,8 @@ void writeFilterProperty(Vm& vm, FilterNative& filter, const FilterProperty& pro
     }
     case V::Whole: filter[property.field] = toInt32(vm, value); break;
     case V::Scale: {
-        constexpr double kMostScale = 65535;
-        filter[property.field] = clampNumber(number(), -kMostScale, kMostScale);
+        constexpr double kMaxScale = 65535;
+        filter[property.field] = clampNumber(number(), -kMaxScale, kMaxScale);
         break;
     }
     case V::Mode: {

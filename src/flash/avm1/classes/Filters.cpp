@@ -11,7 +11,7 @@ namespace
 
 using F = FilterField;
 
-constexpr std::size_t kMostProperties = 12;
+constexpr std::size_t kMaxProperties = 12;
 
 // Accessors are plain functions, so there is one for every place in every class's table.
 template <FilterKind Kind, std::size_t Index>
@@ -83,7 +83,7 @@ void addClass(Vm& vm, Object* package, const char* name, Function* base)
     // The prototype is itself a filter object of the base class, as `new BitmapFilter()` would make it.
     Object* prototype = vm.newObject(vm.prototypeOf(base));
     prototype->define(vm, vm.common().constructorInternal, base, kDontEnum);
-    addAccessors<Kind>(vm, prototype, std::make_index_sequence<kMostProperties>());
+    addAccessors<Kind>(vm, prototype, std::make_index_sequence<kMaxProperties>());
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
     package->define(vm, name, constructor, 0);
 }
@@ -334,9 +334,9 @@ std::vector<swf::Filter> filtersFromValue(Vm& vm, Value array)
     std::vector<swf::Filter> filters;
     Object* list = array.asObject();
     if (list == nullptr) return filters;
-    constexpr double kMostFilters = 64;
+    constexpr double kMaxFilters = 64;
     const double length = toNumber(vm, list->get(vm, vm.common().length));
-    for (std::uint32_t i = 0; i < length && i < kMostFilters; ++i) {
+    for (std::uint32_t i = 0; i < length && i < kMaxFilters; ++i) {
         if (auto filter = filterFromValue(list->get(vm, vm.names().fromIndex(i)))) filters.push_back(*filter);
     }
     return filters;

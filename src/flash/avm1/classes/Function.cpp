@@ -27,11 +27,11 @@ Value callFunction(Call& call)
 
 Value apply(Call& call)
 {
-    constexpr double kMostArguments = 65535;
+    constexpr double kMaxArguments = 65535;
     RootedValues args(call.vm.heap());
     if (Object* list = call.arg(1).asObject()) {
         const double length =
-            std::min(toNumber(call.vm, list->get(call.vm, call.vm.common().length)), kMostArguments);
+            std::min(toNumber(call.vm, list->get(call.vm, call.vm.common().length)), kMaxArguments);
         for (double i = 0; i < length && !call.vm.isUnwinding(); ++i)
             args->push_back(list->get(call.vm, call.vm.names().fromIndex(static_cast<std::uint32_t>(i))));
     }

@@ -20,8 +20,8 @@ public:
         const auto present = static_cast<double>(frame.operandCount());
         // More arguments than operands: those that are there.
         m_count = count > 0 ? static_cast<std::size_t>(std::min(count, present)) : 0;
-        constexpr double kMostWanted = 65535;
-        m_wanted = count > 0 ? static_cast<std::size_t>(std::min(count, kMostWanted)) : 0;
+        constexpr double kMaxRequested = 65535;
+        m_wanted = count > 0 ? static_cast<std::size_t>(std::min(count, kMaxRequested)) : 0;
         // The first argument is pushed last.
         std::reverse(frame.top - m_count, frame.top);
     }

@@ -107,7 +107,7 @@ void ArrayNative::putOwn(Vm& vm, Object& self, Name name, Value value)
         if (!isNew && hasFlag(index, kReadOnly)) return;
         m_elements[index] = value;
         // What was deleted comes back without its flags.
-        if (isNew && index < m_flagged) moveToBag(vm, self, index, 0);
+        if (isNew && index < m_flagged) moveToProperties(vm, self, index, 0);
     } else if (index < kMaxDense && index - m_elements.size() <= kMaxGap && !self.hasPlain(vm, name)) {
         if (index != m_elements.size() || !m_order.empty()) noteCreated({index, nullptr});
         m_elements.resize(index, Value::hole());
@@ -188,7 +188,7 @@ void ArrayNative::changeFlags(Vm& vm, Name name, std::uint16_t set, std::uint16_
         m_lengthFlags = static_cast<std::uint16_t>((m_lengthFlags & ~clear) | set);
 }
 
-void ArrayNative::moveToBag(Vm& vm, Object& self, std::uint32_t index, std::uint16_t flags)
+void ArrayNative::moveToProperties(Vm& vm, Object& self, std::uint32_t index, std::uint16_t flags)
 {
     if (m_order.empty()) noteElements();
     const Name name = vm.names().fromIndex(index);
@@ -208,10 +208,10 @@ void ArrayNative::flagElements(Vm& vm, Object& self, Name name, std::uint16_t se
     if (!name.isNull()) {
         const std::uint32_t index = name.arrayIndex();
         if (elementAt(index) != nullptr && changed(flagsAt(index)) != flagsAt(index))
-            moveToBag(vm, self, index, changed(flagsAt(index)));
+            moveToProperties(vm, self, index, changed(flagsAt(index)));
         return;
     }
-    // All alike takes no room; the marks that hide from versions belong to the bag.
+    // All alike takes no room; marks that hide from versions are kept with the properties.
     const std::uint16_t before = m_flagged == 0 ? 0 : m_elementFlags;
     const std::uint16_t after = changed(before);
     if ((after & kVersionMask) == 0 && (changed(0) == after || m_flagged == size)) {
@@ -220,7 +220,7 @@ void ArrayNative::flagElements(Vm& vm, Object& self, Name name, std::uint16_t se
         return;
     }
     for (std::uint32_t index = 0; index < size; ++index)
-        if (!m_elements[index].isHole()) moveToBag(vm, self, index, changed(flagsAt(index)));
+        if (!m_elements[index].isHole()) moveToProperties(vm, self, index, changed(flagsAt(index)));
     m_flagged = 0;
 }
 

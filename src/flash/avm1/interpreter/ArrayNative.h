@@ -72,7 +72,7 @@ private:
         return index < m_flagged && (m_elementFlags & flag) != 0;
     }
     /// An element becomes a property like others, with flags of its own.
-    void moveToBag(Vm& vm, Object& self, std::uint32_t index, std::uint16_t flags);
+    void moveToProperties(Vm& vm, Object& self, std::uint32_t index, std::uint16_t flags);
     /// The length follows an index that was assigned to.
     void extend(Vm& vm, Object& self, std::int32_t index);
 

@@ -162,7 +162,7 @@ bool Vm::checkLoop()
 
 bool Vm::hasRoomFor(std::size_t bytes)
 {
-    const auto fits = [&] { return m_heap.bytesInUse() + bytes <= guard::kMostScriptBytes; };
+    const auto fits = [&] { return m_heap.bytesInUse() + bytes <= guard::kMaxScriptBytes; };
     if (fits()) return true;
     m_heap.collect();
     return fits();
@@ -370,7 +370,7 @@ int Vm::addTimer(Value function, Value self, Value method, std::span<const Value
     constexpr double kShortestPeriodMs = 10;
     const double period = std::max(periodMs, kShortestPeriodMs);
     const int id = m_nextTimer++;
-    if (m_timers.size() >= guard::kMostTimers) {
+    if (m_timers.size() >= guard::kMaxTimers) {
         guard::refuse(guard::Bound::Timers, "The movie starts too many timers; further ones do not run");
         return id;
     }

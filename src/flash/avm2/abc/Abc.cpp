@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr std::uint16_t kMajor = 46;
-constexpr std::uint32_t kMostLocals = 1 << 16;
+constexpr std::uint32_t kMaxLocals = 1 << 16;
 
 /// Reads forward; after the first fault everything is 0 and `failed()` says so.
 class Reader
@@ -345,8 +345,8 @@ private:
             body.localCount = m_in.u32();
             body.initScopeDepth = m_in.u32();
             body.maxScopeDepth = m_in.u32();
-            if (body.maxStack > kMostLocals || body.localCount > kMostLocals ||
-                body.initScopeDepth > body.maxScopeDepth || body.maxScopeDepth > kMostLocals)
+            if (body.maxStack > kMaxLocals || body.localCount > kMaxLocals ||
+                body.initScopeDepth > body.maxScopeDepth || body.maxScopeDepth > kMaxLocals)
                 m_in.fail("impossible frame");
             body.code = m_in.take(m_in.u32());
             const std::uint32_t exceptions = m_in.count();

@@ -110,8 +110,8 @@ int frameOf(Call& call, DisplayObject& clip)
         part = found;
     }
     const auto frameOf = [&](double number) {
-        constexpr double kMostFrames = 1 << 30; // whatever a script says, an int holds it
-        return static_cast<int>(std::clamp(parts[part].first - 1 + number, -kMostFrames, kMostFrames));
+        constexpr double kMaxFrames = 1 << 30; // whatever a script says, an int holds it
+        return static_cast<int>(std::clamp(parts[part].first - 1 + number, -kMaxFrames, kMaxFrames));
     };
     if (wanted.isNumber()) return frameOf(call.vm.toInt(wanted));
     const std::u16string text(call.vm.text(wanted));
@@ -342,8 +342,8 @@ constexpr NativeClass kTimerClasses[] = {
      .name = "Timer",
      .base = "flash.events::EventDispatcher",
      .constructor = &constructTimer,
-     .least = 1,
-     .most = 2,
+     .minArguments = 1,
+     .maxArguments = 2,
      .allocate = &classes::allocateNative<TimerObject>,
      .members = kTimer},
 };

@@ -464,8 +464,8 @@ double Player::nextTimerMs()
 
 void Player::runTimers(double nowMs)
 {
-    constexpr int kMostAtOnce = 1000;
-    for (int i = 0; i < kMostAtOnce && !m_vm->isDisabled(); ++i) {
+    constexpr int kMaxAtOnce = 1000;
+    for (int i = 0; i < kMaxAtOnce && !m_vm->isDisabled(); ++i) {
         Timer* due = nullptr;
         for (const auto& [id, timer] : m_timers) {
             if (timer->dueMs <= nowMs && (due == nullptr || timer->dueMs < due->dueMs)) due = timer.get();
@@ -484,8 +484,8 @@ void Player::runTimers(double nowMs)
 
 std::uint32_t Player::addTimer(Value function, std::span<const Value> args, double everyMs, bool repeats)
 {
-    constexpr std::size_t kMostTimers = 1000;
-    if (m_timers.size() >= kMostTimers) return 0;
+    constexpr std::size_t kMaxTimers = 1000;
+    if (m_timers.size() >= kMaxTimers) return 0;
     auto timer =
         std::make_unique<Timer>(Timer{Root<Object>(m_vm->heap(), function.asObject()),
                                       RootedList<Value>(m_vm->heap(), args.begin(), args.end()),

@@ -129,8 +129,8 @@ constexpr NativeClass record(std::string_view package, std::string_view name, st
             .base = {},
             .flags = static_cast<std::uint8_t>(isSealed ? NativeClass::Sealed : 0),
             .constructor = &assign,
-            .least = 0,
-            .most = -1,
+            .minArguments = 0,
+            .maxArguments = -1,
             .members = kClone,
             .slots = slots};
 }
@@ -141,8 +141,8 @@ constexpr NativeClass filter(std::string_view name, std::string_view slots)
             .base = "flash.filters::BitmapFilter",
             .flags = NativeClass::Sealed,
             .constructor = &assign,
-            .least = 0,
-            .most = -1,
+            .minArguments = 0,
+            .maxArguments = -1,
             .members = kClone,
             .slots = slots};
 }
@@ -197,16 +197,16 @@ constexpr NativeClass kClasses[] = {
      .base = "flash.events::EventDispatcher",
      .flags = NativeClass::Sealed | NativeClass::Final,
      .constructor = &assign,
-     .least = 2,
-     .most = 2,
+     .minArguments = 2,
+     .maxArguments = 2,
      .slots = "name:String frame:int"},
     {.package = "flash.display",
      .name = "Scene",
      .base = {},
      .flags = NativeClass::Sealed | NativeClass::Final,
      .constructor = &assign,
-     .least = 3,
-     .most = 3,
+     .minArguments = 3,
+     .maxArguments = 3,
      .slots = "name:String labels:* numFrames:int"},
     record("flash.net", "URLRequest",
            "url:String method:String=GET data:* contentType:String=application/x-www-form-urlencoded "

@@ -12,7 +12,7 @@ namespace flash::avm2::classes
 namespace
 {
 
-constexpr std::size_t kMostBytes = std::size_t{1} << 28;
+constexpr std::size_t kMaxBytes = std::size_t{1} << 28;
 
 ByteArrayObject& self(Call& call) { return selfAs<ByteArrayObject>(call, "flash.utils.ByteArray"); }
 
@@ -46,7 +46,7 @@ void store(Call& call, T value)
 
 void ByteArrayObject::resize(Vm& vm, std::size_t length)
 {
-    if (length > kMostBytes) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    if (length > kMaxBytes) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
     if (length > content.capacity()) vm.heap().noteExternalBytes(length);
     content.resize(length);
 }
@@ -62,7 +62,7 @@ std::span<const std::uint8_t> ByteArrayObject::read(Vm& vm, std::size_t count)
 void ByteArrayObject::write(Vm& vm, std::span<const std::uint8_t> bytes)
 {
     if (bytes.empty()) return;
-    if (position > kMostBytes || bytes.size() > kMostBytes - position)
+    if (position > kMaxBytes || bytes.size() > kMaxBytes - position)
         vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
     if (position + bytes.size() > content.size()) {
         const std::size_t before = content.capacity();
@@ -207,7 +207,7 @@ Value readBytes(Call& call)
     if (count == 0) count = array.position < array.content.size() ? array.content.size() - array.position : 0;
     const auto read = array.read(call.vm, count);
     const std::vector<std::uint8_t> bytes(read.begin(), read.end());
-    if (offset > kMostBytes) call.vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    if (offset > kMaxBytes) call.vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
     if (offset + count > target->content.size()) target->resize(call.vm, offset + count);
     std::ranges::copy(bytes, target->content.begin() + static_cast<std::ptrdiff_t>(offset));
     return {};
@@ -280,7 +280,7 @@ Value unpack(Call& call, int window)
     stream.next_in = array.content.data();
     stream.avail_in = static_cast<uInt>(array.content.size());
     int state = Z_OK;
-    while (state == Z_OK && out.size() < kMostBytes) {
+    while (state == Z_OK && out.size() < kMaxBytes) {
         const std::size_t at = out.size();
         out.resize(at + 65536);
         stream.next_out = out.data() + at;
@@ -373,8 +373,8 @@ constinit const NativeClass kByteArray{.package = "flash.utils",
                                        .name = "ByteArray",
                                        .base = {},
                                        .constructor = &nothing,
-                                       .least = 0,
-                                       .most = 0,
+                                       .minArguments = 0,
+                                       .maxArguments = 0,
                                        .allocate = &allocateNative<ByteArrayObject>,
                                        .members = kMembers,
                                        .interfaces = "flash.utils::IDataInput flash.utils::IDataOutput"};

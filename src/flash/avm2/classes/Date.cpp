@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr double kDayMs = 86'400'000.0;
-constexpr double kMostMs = 8.64e15;
+constexpr double kMaxMs = 8.64e15;
 constexpr std::array<const char*, 7> kDays = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 constexpr std::array<const char*, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
@@ -94,7 +94,7 @@ double join(const std::array<double, 7>& at)
 
 double clipped(double ms)
 {
-    return std::isfinite(ms) && std::fabs(ms) <= kMostMs ? std::trunc(ms) : std::nan("");
+    return std::isfinite(ms) && std::fabs(ms) <= kMaxMs ? std::trunc(ms) : std::nan("");
 }
 double toUtc(double local) { return local - offsetMs(local, true); }
 double toLocal(double utc) { return utc + offsetMs(utc, false); }
@@ -339,8 +339,8 @@ constinit const NativeClass kDate{.package = {},
                                   .name = "Date",
                                   .base = {},
                                   .constructor = &construct,
-                                  .least = 0,
-                                  .most = 7,
+                                  .minArguments = 0,
+                                  .maxArguments = 7,
                                   .allocate = &allocateNative<DateObject>,
                                   .conversion = &convert,
                                   .members = kMembers,

@@ -29,11 +29,11 @@ std::u16string parameters(Vm& vm, const MethodEnv& method)
     std::u16string text;
     if (method.unit == nullptr) return text;
     const abc::MethodInfo& info = method.info();
-    const std::size_t least = info.parameterTypes.size() - info.optionals.size();
+    const std::size_t required = info.parameterTypes.size() - info.optionals.size();
     for (std::size_t i = 0; i < info.parameterTypes.size(); ++i) {
         text += u"<parameter" + attribute(u"index", numberText(static_cast<double>(i) + 1)) +
                 attribute(u"type", typeText(vm, method.unit, info.parameterTypes[i])) +
-                attribute(u"optional", flag(i >= least)) + u"/>";
+                attribute(u"optional", flag(i >= required)) + u"/>";
     }
     return text;
 }

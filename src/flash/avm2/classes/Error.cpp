@@ -89,7 +89,7 @@ constexpr NativeMember kMembers[] = {
 };
 
 /// Scripts find the defaults in the prototypes.
-void furnish(Vm& vm, ClassObject& cls)
+void setUp(Vm& vm, ClassObject& cls)
 {
     const Value values[] = {Value(cls.instances->name.string()), Value(cls.instances->name.string())};
     cls.prototype->table().set(vm.common().name, values[0]);
@@ -105,10 +105,10 @@ constexpr NativeClass derived(std::string_view name, std::string_view package = 
             .name = name,
             .base = base,
             .constructor = &construct,
-            .least = 0,
-            .most = -1,
+            .minArguments = 0,
+            .maxArguments = -1,
             .conversion = &convert,
-            .furnish = &furnish};
+            .setUp = &setUp};
 }
 
 constexpr NativeConstant kLengthOne[] = {{"length", 1}};
@@ -118,13 +118,13 @@ constexpr NativeClass kClasses[] = {
      .name = "Error",
      .base = {},
      .constructor = &construct,
-     .least = 0,
-     .most = -1,
+     .minArguments = 0,
+     .maxArguments = -1,
      .allocate = &allocateNative<ErrorObject>,
      .conversion = &convert,
      .members = kMembers,
      .constants = kLengthOne,
-     .furnish = &furnish},
+     .setUp = &setUp},
     derived("TypeError"),
     derived("ReferenceError"),
     derived("RangeError"),

@@ -101,7 +101,8 @@ Value functionLength(Call& call)
 {
     auto* function = as<FunctionObject>(call.self);
     if (function == nullptr) return 1;
-    if (function->env()->native != nullptr) return function->env()->most < 0 ? 0 : function->env()->most;
+    if (function->env()->native != nullptr)
+        return function->env()->maxArguments < 0 ? 0 : function->env()->maxArguments;
     return static_cast<double>(function->env()->info().parameterTypes.size());
 }
 
@@ -163,8 +164,8 @@ constinit const NativeClass kObject{.package = {},
                                     .name = "Object",
                                     .base = {},
                                     .constructor = &nothing,
-                                    .least = 0,
-                                    .most = -1,
+                                    .minArguments = 0,
+                                    .maxArguments = -1,
                                     .conversion = &convertObject,
                                     .members = kObjectMembers,
                                     .constants = kLengthOne};

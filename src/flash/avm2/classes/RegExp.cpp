@@ -51,8 +51,8 @@ void RegExpObject::compile(std::u16string pattern, std::u16string_view flags)
     if (m_compiled->code == nullptr) return;
     m_compiled->data = pcre2_match_data_create_from_pattern(m_compiled->code, nullptr);
     m_compiled->context = pcre2_match_context_create(nullptr);
-    constexpr std::uint32_t kMostSteps = 5'000'000;
-    pcre2_set_match_limit(m_compiled->context, kMostSteps);
+    constexpr std::uint32_t kMaxSteps = 5'000'000;
+    pcre2_set_match_limit(m_compiled->context, kMaxSteps);
     std::uint32_t count = 0, size = 0;
     pcre2_pattern_info(m_compiled->code, PCRE2_INFO_NAMECOUNT, &count);
     pcre2_pattern_info(m_compiled->code, PCRE2_INFO_NAMEENTRYSIZE, &size);
@@ -230,7 +230,7 @@ Value RegExpObject::replace(Vm& vm, const std::u16string& text, Value with)
     return vm.string(std::move(result));
 }
 
-Value RegExpObject::split(Vm& vm, const std::u16string& text, double most)
+Value RegExpObject::split(Vm& vm, const std::u16string& text, double limit)
 {
     auto* result = static_cast<ArrayObject*>(vm.newArray());
     std::size_t at = 0, copied = 0;
@@ -238,7 +238,7 @@ Value RegExpObject::split(Vm& vm, const std::u16string& text, double most)
         if (find(vm, text, 0).empty()) result->push(vm, Value(vm.string(text)));
         return result;
     }
-    while (at < text.size() && result->length() < most) {
+    while (at < text.size() && result->length() < limit) {
         const Groups groups = find(vm, text, at);
         if (groups.empty()) break;
         const auto start = static_cast<std::size_t>(groups[0].first),
@@ -248,12 +248,12 @@ Value RegExpObject::split(Vm& vm, const std::u16string& text, double most)
             continue;
         }
         result->push(vm, Value(vm.string(text.substr(copied, start - copied))));
-        for (std::size_t i = 1; i < groups.size() && result->length() < most; ++i)
+        for (std::size_t i = 1; i < groups.size() && result->length() < limit; ++i)
             result->push(vm, part(vm, text, groups[i]));
         copied = end;
         at = end + (start == end ? 1 : 0);
     }
-    if (result->length() < most) result->push(vm, Value(vm.string(text.substr(copied))));
+    if (result->length() < limit) result->push(vm, Value(vm.string(text.substr(copied))));
     return result;
 }
 
@@ -345,8 +345,8 @@ constinit const NativeClass kRegExp{.package = {},
                                     .name = "RegExp",
                                     .base = {},
                                     .constructor = &construct,
-                                    .least = 0,
-                                    .most = 2,
+                                    .minArguments = 0,
+                                    .maxArguments = 2,
                                     .allocate = &allocateNative<RegExpObject>,
                                     .conversion = &convert,
                                     .members = kMembers,

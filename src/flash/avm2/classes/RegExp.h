@@ -26,7 +26,7 @@ public:
     Value match(Vm& vm, const std::u16string& text);
     Value search(Vm& vm, const std::u16string& text);
     Value replace(Vm& vm, const std::u16string& text, Value with);
-    Value split(Vm& vm, const std::u16string& text, double most);
+    Value split(Vm& vm, const std::u16string& text, double limit);
     /// `$1`, `$&` and their like.
     static std::u16string expand(std::u16string_view pattern, std::u16string_view text,
                                  std::span<const std::pair<int, int>> groups);

@@ -136,9 +136,9 @@ Value inCase(Call& call)
 Value split(Call& call)
 {
     const std::u16string text = selfText(call);
-    const double most =
+    const double limit =
         call.has(1) && !call.arg(1).isUndefined() ? call.vm.toUint(call.arg(1)) : 4294967295.0;
-    if (auto* pattern = as<RegExpObject>(call.arg(0))) return pattern->split(call.vm, text, most);
+    if (auto* pattern = as<RegExpObject>(call.arg(0))) return pattern->split(call.vm, text, limit);
     auto* result = static_cast<ArrayObject*>(call.vm.newArray());
     const bool isMissing = call.arg(0).isUndefined();
     const std::u16string separator(isMissing ? u"" : call.vm.text(call.arg(0)));
@@ -147,7 +147,7 @@ Value split(Call& call)
         return result;
     }
     std::size_t at = 0;
-    while (result->length() < most) {
+    while (result->length() < limit) {
         if (separator.empty()) {
             if (at >= text.size()) break;
             result->push(call.vm, Value(call.vm.names().fromUnit(text[at++]).string()));

@@ -96,9 +96,9 @@ Value domainMemory(Call& call)
 }
 Value setDomainMemory(Call& call)
 {
-    constexpr std::size_t kLeast = 1024;
+    constexpr std::size_t kMin = 1024;
     Object* memory = call.arg(0).asObject();
-    if (memory != nullptr && memory->bytes().size() < kLeast)
+    if (memory != nullptr && memory->bytes().size() < kMin)
         call.vm.throwError(ErrorClass::Error, 1504, "End of file.");
     domainSelf(call).domain->memory = memory;
     return {};
@@ -139,8 +139,8 @@ constexpr NativeClass kClasses[] = {
      .base = {},
      .flags = NativeClass::Sealed | NativeClass::Final,
      .constructor = &constructDomain,
-     .least = 0,
-     .most = 1,
+     .minArguments = 0,
+     .maxArguments = 1,
      .allocate = &allocateNative<DomainObject>,
      .members = kDomainMembers},
 };

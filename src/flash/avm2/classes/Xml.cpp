@@ -573,7 +573,7 @@ bool equalsHook(Vm& vm, Value a, Value b)
     return contentText(vm, *node) == vm.text(other);
 }
 
-void furnish(Vm& vm, ClassObject&) { vm.xml = {&addHook, &equalsHook, &escapeXml}; }
+void setUp(Vm& vm, ClassObject&) { vm.xml = {&addHook, &equalsHook, &escapeXml}; }
 
 #define XML_SHARED                                                                                           \
     {"toString", Kind::As3, &toString, 0, -1}, {"toXMLString", Kind::As3, &toXmlString, 0, 0},               \
@@ -632,20 +632,20 @@ constinit const NativeClass kXml{.package = {},
                                  .base = {},
                                  .flags = NativeClass::Final,
                                  .constructor = &constructXml,
-                                 .least = 0,
-                                 .most = 1,
+                                 .minArguments = 0,
+                                 .maxArguments = 1,
                                  .allocate = &allocateXml,
                                  .conversion = &convertXml,
                                  .members = kXmlMembers,
                                  .constants = kLengthOne,
-                                 .furnish = &furnish};
+                                 .setUp = &setUp};
 constinit const NativeClass kXmlList{.package = {},
                                      .name = "XMLList",
                                      .base = {},
                                      .flags = NativeClass::Final,
                                      .constructor = &constructList,
-                                     .least = 0,
-                                     .most = 1,
+                                     .minArguments = 0,
+                                     .maxArguments = 1,
                                      .allocate = &allocateNative<XmlListObject>,
                                      .conversion = &convertList,
                                      .members = kListMembers,

@@ -62,9 +62,11 @@ Object* Vm::instantiate(ClassObject* cls)
     return made;
 }
 
-FunctionObject* Vm::newFunction(NativeFunction function, std::string_view functionName, int least, int most)
+FunctionObject* Vm::newFunction(NativeFunction function, std::string_view functionName, int minArguments,
+                                int maxArguments)
 {
-    return m_heap.make<FunctionObject>(*this, m_heap.make<MethodEnv>(function, functionName, least, most));
+    return m_heap.make<FunctionObject>(
+        *this, m_heap.make<MethodEnv>(function, functionName, minArguments, maxArguments));
 }
 
 void Vm::fillTraits(Traits& traits, Unit* unit, const std::vector<abc::Trait>& list, ScopeChain* scope)
@@ -300,11 +302,11 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
     }
     const auto method = [&](const NativeMember& member, NativeFunction function, Traits& owner,
                             MethodEnv::Role role) {
-        auto* env =
-            m_heap.make<MethodEnv>(function, member.name, role == MethodEnv::Role::Setter ? 1 : member.least,
-                                   role == MethodEnv::Role::Setter   ? 1
-                                   : role == MethodEnv::Role::Getter ? 0
-                                                                     : member.most);
+        auto* env = m_heap.make<MethodEnv>(function, member.name,
+                                           role == MethodEnv::Role::Setter ? 1 : member.minArguments,
+                                           role == MethodEnv::Role::Setter   ? 1
+                                           : role == MethodEnv::Role::Getter ? 0
+                                                                             : member.maxArguments);
         env->owner = &owner;
         env->name = name(member.name);
         env->ns = member.kind == NativeMember::Kind::As3 ? m_as3 : m_public;
@@ -352,7 +354,8 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
     if (spec.allocate != nullptr) cls->allocate = spec.allocate;
     cls->conversion = spec.conversion;
     if (spec.constructor != nullptr) {
-        cls->constructor = m_heap.make<MethodEnv>(spec.constructor, spec.name, spec.least, spec.most);
+        cls->constructor =
+            m_heap.make<MethodEnv>(spec.constructor, spec.name, spec.minArguments, spec.maxArguments);
         cls->constructor->owner = instances;
         cls->constructor->role = MethodEnv::Role::Constructor;
     } else if (base != nullptr) {
@@ -412,7 +415,7 @@ void Vm::makeCore()
         const NativeClass& own = spec(toUtf8(cls->instances->name.view()) == "Object"  ? "Object"
                                       : toUtf8(cls->instances->name.view()) == "Class" ? "Class"
                                                                                        : "Function");
-        furnish(*cls, own);
+        addMembers(*cls, own);
     }
     m_nativeValues[{name("undefined").cell(), m_public}] = Value();
     m_nativeValues[{name("NaN").cell(), m_public}] = std::nan("");
@@ -446,19 +449,19 @@ void Vm::makeCore()
     m_classes.voidType->special = Traits::Special::Void;
 }
 
-void Vm::furnish(ClassObject& cls, const NativeClass& spec)
+void Vm::addMembers(ClassObject& cls, const NativeClass& spec)
 {
     if (cls.prototype != nullptr) {
         for (const NativeMember& member : spec.members) {
             if (member.kind != NativeMember::Kind::As3 && member.kind != NativeMember::Kind::Prototype)
                 continue;
             const Name own = name(member.name);
-            cls.prototype->table().set(
-                own, Value(newFunction(member.function, member.name, member.least, member.most)));
+            cls.prototype->table().set(own, Value(newFunction(member.function, member.name,
+                                                              member.minArguments, member.maxArguments)));
             cls.prototype->table().setHidden(own, true);
         }
     }
-    if (spec.furnish != nullptr) spec.furnish(*this, cls);
+    if (spec.setUp != nullptr) spec.setUp(*this, cls);
 }
 
 ClassObject* Vm::nativeClass(std::string_view qualifiedName)
@@ -488,13 +491,13 @@ bool Vm::findNative(const Multiname& wanted, Value& result)
         if (const auto spec = m_nativeClasses.find({package, plain}); spec != m_nativeClasses.end()) {
             ClassObject* cls = makeNative(*spec->second);
             m_nativeValues[{wanted.name.cell(), space}] = Value(cls);
-            if (m_classes.function != nullptr) furnish(*cls, *spec->second);
+            if (m_classes.function != nullptr) addMembers(*cls, *spec->second);
             result = Value(cls);
             return true;
         }
         if (const auto info = m_nativeFunctions.find({package, plain}); info != m_nativeFunctions.end()) {
             FunctionObject* function = newFunction(info->second->function, info->second->name,
-                                                   info->second->least, info->second->most);
+                                                   info->second->minArguments, info->second->maxArguments);
             m_nativeValues[{wanted.name.cell(), space}] = Value(function);
             result = Value(function);
             return true;

@@ -83,8 +83,8 @@ void ArrayObject::setLength(std::uint32_t length)
 
 void ArrayObject::makeDense(Vm& vm)
 {
-    constexpr std::uint32_t kMost = 1 << 23;
-    if (m_length > kMost) return;
+    constexpr std::uint32_t kMax = 1 << 23;
+    if (m_length > kMax) return;
     if (m_table) {
         for (std::uint32_t i = 0; i < m_table->size(); ++i) {
             const PropertyTable::Entry entry = m_table->at(i);
@@ -180,8 +180,8 @@ void VectorObject::outOfRange(Vm& vm, double index) const
 
 void VectorObject::resize(Vm& vm, double length)
 {
-    constexpr double kMost = 1 << 24;
-    if (length > kMost) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    constexpr double kMax = 1 << 24;
+    if (length > kMax) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
     vm.heap().noteExternalBytes(static_cast<std::size_t>(length) * sizeof(Value));
     items.resize(static_cast<std::size_t>(length), initial());
 }

@@ -320,8 +320,8 @@ Value Vm::add(Value a, Value b)
         String* right = toString(b);
         if (left->isEmpty()) return right;
         if (right->isEmpty()) return left;
-        constexpr std::size_t kLongest = std::size_t{1} << 25;
-        if (left->length() + right->length() > kLongest)
+        constexpr std::size_t kMax = std::size_t{1} << 25;
+        if (left->length() + right->length() > kMax)
             throwError(ErrorClass::Error, 1000, "The system is out of memory.");
         return m_heap.make<String>(left, right);
     }

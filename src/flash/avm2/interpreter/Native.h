@@ -23,7 +23,7 @@ struct NativeMember {
     std::string_view name;
     Kind kind = Kind::Method;
     NativeFunction function = nullptr;
-    std::int8_t least = 0, most = -1; ///< arguments; -1: any number
+    std::int8_t minArguments = 0, maxArguments = -1; ///< arguments; -1: any number
     NativeFunction setter = nullptr;
     std::string_view type = {}; ///< of a getter or a result, for describeType
 };
@@ -41,20 +41,20 @@ struct NativeClass {
     enum Flag : std::uint8_t { Sealed = 1, Final = 2, Abstract = 4, Interface = 8 };
     std::uint8_t flags = 0;
     NativeFunction constructor = nullptr;
-    std::int8_t least = 0, most = -1;
+    std::int8_t minArguments = 0, maxArguments = -1;
     Allocator allocate = nullptr;
     NativeFunction conversion = nullptr;
     std::span<const NativeMember> members = {};
     std::span<const NativeConstant> constants = {};
-    std::string_view interfaces = {};             ///< qualified, separated by spaces
-    std::string_view slots = {};                  ///< variables: `name:type=initial`, separated by spaces
-    void (*furnish)(Vm&, ClassObject&) = nullptr; ///< does what a table cannot say
+    std::string_view interfaces = {};           ///< qualified, separated by spaces
+    std::string_view slots = {};                ///< variables: `name:type=initial`, separated by spaces
+    void (*setUp)(Vm&, ClassObject&) = nullptr; ///< does what a table cannot say
 };
 
 struct NativeFunctionInfo {
     std::string_view package, name;
     NativeFunction function;
-    std::int8_t least = 0, most = -1;
+    std::int8_t minArguments = 0, maxArguments = -1;
 };
 
 struct NativeLibrary {

@@ -151,8 +151,8 @@ public:
     MethodEnv(Unit* unit, std::uint32_t method, ScopeChain* scope) : unit(unit), method(method), scope(scope)
     {
     }
-    MethodEnv(NativeFunction native, std::string_view nativeName, int least, int most)
-        : native(native), nativeName(nativeName), least(least), most(most)
+    MethodEnv(NativeFunction native, std::string_view nativeName, int minArguments, int maxArguments)
+        : native(native), nativeName(nativeName), minArguments(minArguments), maxArguments(maxArguments)
     {
     }
     void trace(Tracer& tracer) override;
@@ -162,10 +162,10 @@ public:
     std::uint32_t method = 0;
     ScopeChain* scope = nullptr;
     NativeFunction native = nullptr;
-    std::string_view nativeName;       ///< static text
-    std::int16_t least = 0, most = -1; ///< arguments of a native; -1: any number
-    Traits* owner = nullptr;           ///< whose method it is; for super
-    Name name;                         ///< of the trait
+    std::string_view nativeName;                      ///< static text
+    std::int16_t minArguments = 0, maxArguments = -1; ///< arguments of a native; -1: any number
+    Traits* owner = nullptr;                          ///< whose method it is; for super
+    Name name;                                        ///< of the trait
     Namespace* ns = nullptr;
     enum class Role : std::uint8_t { Method, Getter, Setter, Function, Constructor, StaticInit, ScriptInit };
     Role role = Role::Function;

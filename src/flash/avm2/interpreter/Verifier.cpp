@@ -14,7 +14,7 @@ namespace
 
 using abc::Op;
 
-constexpr std::uint32_t kMostScopes = 64; // one bit for each tells a `with`
+constexpr std::uint32_t kMaxScopes = 64; // one bit for each tells a `with`
 constexpr std::uint32_t kNowhere = 0xFFFF'FFFF;
 
 /// The state of the frame before an instruction.
@@ -44,7 +44,7 @@ public:
             (method.flags & (abc::MethodInfo::NeedRest | abc::MethodInfo::NeedArguments)) != 0;
         if (method.parameterTypes.size() + 1 + (hasMore ? 1 : 0) > m_code.locals)
             return fault(1025, "An invalid register was accessed.");
-        if (m_code.maxScopes > kMostScopes) return fault(1017, "Scope stack overflow occurred.");
+        if (m_code.maxScopes > kMaxScopes) return fault(1017, "Scope stack overflow occurred.");
         if (m_body.code.empty()) return fault(1043, "Invalid code_length=0.");
         const abc::ExceptionInfo* damaged = nullptr;
         for (const abc::ExceptionInfo& info : m_body.exceptions) {

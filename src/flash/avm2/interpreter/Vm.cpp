@@ -15,7 +15,7 @@ namespace
 constexpr std::size_t kDeepestCalls = 1000;
 constexpr std::size_t kSpareCalls = 32;
 constexpr std::uintptr_t kNativeBytesPerCall = 16384;
-constexpr std::uintptr_t kMostNativeStack = std::uintptr_t{5} << 20;
+constexpr std::uintptr_t kMaxNativeStack = std::uintptr_t{5} << 20;
 constexpr int kChecksBetweenLooks = 4000;
 
 } // namespace
@@ -83,9 +83,9 @@ String* Vm::string(std::string_view utf8) { return string(fromUtf8(utf8)); }
 void Vm::slowCheck()
 {
     if (m_heap.shouldCollect()) m_heap.collect();
-    if (m_heap.bytesInUse() > guard::kMostScriptBytes) {
+    if (m_heap.bytesInUse() > guard::kMaxScriptBytes) {
         m_heap.collect();
-        if (m_heap.bytesInUse() > guard::kMostScriptBytes) {
+        if (m_heap.bytesInUse() > guard::kMaxScriptBytes) {
             m_disabled = true;
             m_host.log("The scripts were stopped: they need too much memory");
             throw ScriptAborted{};
@@ -250,7 +250,7 @@ Value Vm::invoke(MethodEnv& env, Value self, std::span<const Value> args, Object
     const std::size_t spare = static_cast<std::size_t>(m_depth) * kSpareCalls;
     if (m_calls.size() >= kDeepestCalls + spare ||
         m_stackBase - reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) >
-            kMostNativeStack + spare * kNativeBytesPerCall) {
+            kMaxNativeStack + spare * kNativeBytesPerCall) {
         struct Spare {
             int& depth;
             explicit Spare(int& depth) : depth(depth) { ++depth; }
@@ -266,10 +266,11 @@ Value Vm::invoke(MethodEnv& env, Value self, std::span<const Value> args, Object
     } level(m_calls, &env);
     if (env.native == nullptr) return run(env, self, args, callee);
     const auto count = static_cast<std::uint32_t>(args.size());
-    if (static_cast<int>(count) < env.least || (env.most >= 0 && static_cast<int>(count) > env.most))
+    if (static_cast<int>(count) < env.minArguments ||
+        (env.maxArguments >= 0 && static_cast<int>(count) > env.maxArguments))
         throwError(ErrorClass::Argument, 1063,
                    u"Argument count mismatch on " + callStack().front() + u". Expected " +
-                       numberText(env.least) + u", got " + numberText(count) + u".");
+                       numberText(env.minArguments) + u", got " + numberText(count) + u".");
     // The arguments may lie in a list that goes away meanwhile.
     struct Arguments {
         Vm& vm;
@@ -301,15 +302,15 @@ Value Vm::run(MethodEnv& env, Value self, std::span<const Value> args, Object* c
         if (code->returnType == m_classes.voidType) code->returnType = nullptr;
     }
     const auto given = static_cast<std::uint32_t>(args.size());
-    const auto least = declared - static_cast<std::uint32_t>(info.optionals.size());
+    const auto required = declared - static_cast<std::uint32_t>(info.optionals.size());
     const bool takesMore = (info.flags & (abc::MethodInfo::NeedRest | abc::MethodInfo::NeedArguments)) != 0;
     const bool isUnchecked = env.role == MethodEnv::Role::Function && code->returnType == nullptr &&
                              info.optionals.empty() &&
                              std::ranges::all_of(code->parameterTypes, [](auto* t) { return t == nullptr; });
-    if ((given < least && !isUnchecked) || (given > declared && !takesMore && !isUnchecked))
+    if ((given < required && !isUnchecked) || (given > declared && !takesMore && !isUnchecked))
         throwError(ErrorClass::Argument, 1063,
-                   u"Argument count mismatch on " + callStack().front() + u". Expected " + numberText(least) +
-                       u", got " + numberText(given) + u".");
+                   u"Argument count mismatch on " + callStack().front() + u". Expected " +
+                       numberText(required) + u", got " + numberText(given) + u".");
 
     Frame frame;
     frame.env = &env;
@@ -335,8 +336,8 @@ Value Vm::run(MethodEnv& env, Value self, std::span<const Value> args, Object* c
         Value value;
         if (i < given)
             value = args[i];
-        else if (i >= least)
-            value = env.unit->constant(*this, info.optionals[i - least]);
+        else if (i >= required)
+            value = env.unit->constant(*this, info.optionals[i - required]);
         frame.locals[i + 1] =
             code->parameterTypes[i] != nullptr ? coerce(value, code->parameterTypes[i]) : value;
     }

@@ -82,8 +82,8 @@ public:
     Object* newObject();
     Object* newArray(std::span<const Value> elements = {});
     Object* instantiate(ClassObject* cls); ///< allocated, not constructed
-    FunctionObject* newFunction(NativeFunction function, std::string_view name = {}, int least = 0,
-                                int most = -1);
+    FunctionObject* newFunction(NativeFunction function, std::string_view name = {}, int minArguments = 0,
+                                int maxArguments = -1);
     ClassObject* nativeClass(std::string_view qualified); ///< null when there is none
     ClassObject* classOfTraits(Traits* traits) { return traits->cls; }
     ClassObject* vectorOf(Traits* element);
@@ -228,7 +228,7 @@ private:
     void makeCore();
     ClassObject* makeNative(const NativeClass& spec);
     void bindSlot(Traits& traits, std::string_view text);
-    void furnish(ClassObject& cls, const NativeClass& spec);
+    void addMembers(ClassObject& cls, const NativeClass& spec);
     Value getNotFound(Value base, const Multiname& name);
     bool getFromPrototypes(Object* from, const Multiname& name, Value& result);
     void traceRoots(Tracer& tracer);
