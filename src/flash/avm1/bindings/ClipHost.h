@@ -70,8 +70,11 @@ public:
     bool endsScripts() override;
     void scriptsEnded(std::string_view why) override;
 
-    /// Sets `name=value&...` on an object; for loadVariables and LoadVars.
-    void decodeVariables(Object* object, std::string_view text);
+    /// Sets `name=value&...` on an object; for LoadVars. Escapes are bytes of the 8-bit code or of UTF-8, as
+    /// the text around them was read.
+    void decodeVariables(Object* object, std::u16string_view text);
+    /// The same of the bytes of a file; for loadVariables.
+    void decodeVariables(Object* object, std::string_view bytes);
     /// The own enumerable variables of an object as texts, for sending.
     std::vector<std::pair<std::string, std::string>> collectVariables(Object* object);
     /// Properties by number; the names are `_x`, `_y`, ...
@@ -79,6 +82,8 @@ public:
     void setPropertyOf(stage::Node& node, int index, Value value);
 
 private:
+    enum class Coding : std::uint8_t { Codepage, Utf8 };
+    void decodeVariables(Object* object, std::string_view text, Coding coding);
     [[nodiscard]] Vm& vm() const;
     [[nodiscard]] stage::Stage& stage() const;
 

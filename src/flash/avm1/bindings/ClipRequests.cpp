@@ -6,6 +6,8 @@
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/swf/LevelName.h"
 
+#include <algorithm>
+
 // What scripts ask of others than the stage: pages, movies and variables to load, and commands.
 namespace flash::avm1
 {
@@ -79,8 +81,9 @@ void ClipHost::requestUrl(const UrlRequest& request)
             const stage::NodePtr node = target.lock();
             if (!node || node->isRemoved() || !answer) return;
             const Vm::VersionScope scope(vm(), node->movie() ? node->movie()->header.version : 6);
-            decodeVariables(m_binding.objectOf(node.get()),
-                            {reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size()});
+            decodeVariables(
+                m_binding.objectOf(node.get()),
+                std::string_view(reinterpret_cast<const char*>(answer->bytes.data()), answer->bytes.size()));
             if (stage::asClip(node.get())) stage().queue().addEvent(*node, stage::Event::Data);
         });
         return;
@@ -88,12 +91,31 @@ void ClipHost::requestUrl(const UrlRequest& request)
     }
 }
 
-void ClipHost::decodeVariables(Object* object, std::string_view text)
+void ClipHost::decodeVariables(Object* object, std::u16string_view text)
 {
-    const bool coded = readsCodepage(vm());
+    // What the code lacks cannot have come from a file in it: such a text had a mark.
+    const bool coded = readsCodepage(vm()) && std::ranges::all_of(text, [this](char16_t unit) {
+                           return unit < 0x80 || textCode().codeOf(unit) != 0;
+                       });
+    if (coded)
+        decodeVariables(object, textCode().encode(text), Coding::Codepage);
+    else
+        decodeVariables(object, base::utf8FromUtf16(text), Coding::Utf8);
+}
+
+void ClipHost::decodeVariables(Object* object, std::string_view bytes)
+{
+    if (const auto text = markedText(bytes))
+        decodeVariables(object, base::utf8FromUtf16(*text), Coding::Utf8);
+    else
+        decodeVariables(object, bytes, readsCodepage(vm()) ? Coding::Codepage : Coding::Utf8);
+}
+
+void ClipHost::decodeVariables(Object* object, std::string_view text, Coding coding)
+{
     const auto decoded = [&](std::string_view part) {
         const std::string plain = base::percentDecoded(part, base::Plus::Space);
-        return coded ? textCode().decode(plain) : base::utf16FromCarelessUtf8(plain);
+        return coding == Coding::Codepage ? textCode().decode(plain) : base::utf16FromCarelessUtf8(plain);
     };
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('&'), text.size());

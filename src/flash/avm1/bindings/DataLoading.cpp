@@ -15,20 +15,25 @@ bool readsCodepage(Vm& vm)
     return system != nullptr && toBoolean(vm, system->get(vm, vm.name(std::string_view("useCodepage"))));
 }
 
-std::u16string textFromBytes(Vm& vm, std::string_view bytes)
+std::optional<std::u16string> markedText(std::string_view bytes)
 {
     constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF", kLittleMark = "\xFF\xFE", kBigMark = "\xFE\xFF";
     if (bytes.starts_with(kUtf8Mark)) return base::utf16FromUtf8(bytes.substr(kUtf8Mark.size()));
-    if (bytes.starts_with(kLittleMark) || bytes.starts_with(kBigMark)) {
-        const bool little = bytes.starts_with(kLittleMark);
-        std::u16string text;
-        for (std::size_t i = kBigMark.size(); i + 1 < bytes.size(); i += 2) {
-            const auto first = static_cast<unsigned char>(bytes[i]);
-            const auto second = static_cast<unsigned char>(bytes[i + 1]);
-            text += static_cast<char16_t>(little ? first | second << 8 : first << 8 | second);
-        }
-        return text;
+    const bool little = bytes.starts_with(kLittleMark);
+    if (!little && !bytes.starts_with(kBigMark)) return std::nullopt;
+    std::u16string text;
+    text.reserve(bytes.size() / 2);
+    for (std::size_t i = kBigMark.size(); i + 1 < bytes.size(); i += 2) {
+        const auto first = static_cast<unsigned char>(bytes[i]);
+        const auto second = static_cast<unsigned char>(bytes[i + 1]);
+        text += static_cast<char16_t>(little ? first | second << 8 : first << 8 | second);
     }
+    return text;
+}
+
+std::u16string textFromBytes(Vm& vm, std::string_view bytes)
+{
+    if (auto text = markedText(bytes)) return *std::move(text);
     if (readsCodepage(vm) || !base::isUtf8(bytes)) return vm.host().textCode().decode(bytes);
     return base::utf16FromUtf8(bytes);
 }

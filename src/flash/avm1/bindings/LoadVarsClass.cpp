@@ -1,4 +1,3 @@
-#include "base/TextCodes.h"
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/bindings/DataLoading.h"
 #include "flash/avm1/classes/ClassTable.h"
@@ -14,10 +13,7 @@ Value decode(Call& call)
     Object* self = call.self.asObject();
     if (!self) return {};
     if (call.count() == 0) return Value(false);
-    const std::u16string text = textArg(call, 0);
-    const bool coded = readsCodepage(call.vm);
-    StageBinding::of(call).host().decodeVariables(self, coded ? call.vm.host().textCode().encode(text)
-                                                              : base::utf8FromUtf16(text));
+    StageBinding::of(call).host().decodeVariables(self, std::u16string_view(textArg(call, 0)));
     return {};
 }
 
