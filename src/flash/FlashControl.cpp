@@ -237,6 +237,8 @@ bool FlashControl::isMuted() const { return d->settings.muted != 0; }
 
 void FlashControl::setStorageFolder(const QString& folder) { d->storageFolder = folder; }
 
+void FlashControl::setTextCode(const QString& name) { d->textCode = name; }
+
 void FlashControl::setSharedFolder(const QString& movies, const QString& shared)
 {
     d->trustedFolder = movies;

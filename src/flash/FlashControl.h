@@ -160,6 +160,11 @@ public:
     /// kept beyond the control's life.
     void setStorageFolder(const QString& folder);
 
+    /// The 8-bit code in which movies before version 6 are read: "automatic", the default, looks at their own
+    /// texts; otherwise a name such as "windows-1251" or "shift-jis". One that is not known stands for
+    /// windows-1251. Takes effect with the next movie.
+    void setTextCode(const QString& name);
+
     /// Movies that lie in the folder `movies`, not below it, may also read from the folder `shared`, by full
     /// paths: for pages of the host's own. None by default; takes effect with the next movie.
     void setSharedFolder(const QString& movies, const QString& shared);

@@ -122,6 +122,7 @@ public:
             load.screenHeight = shownOn->size().height();
         }
         load.storageFolder = storageFolder.toStdString();
+        load.textCode = textCode.toStdString();
         sources[load.id] = {url, isPage(url)};
         // Nobody else is even told of these folders.
         if (sources[load.id].isPage) {
@@ -419,6 +420,7 @@ public:
     std::optional<QColor> background; // as the host set it
     QString movie, error;
     QString storageFolder, trustedFolder, sharedFolder;
+    QString textCode = "automatic";
     QHash<std::uint32_t, Source> sources; // by the loads' ids
     std::uint32_t lastLoad = 0, movieLoad = 0, speaking = 0;
     int readyState = 0;

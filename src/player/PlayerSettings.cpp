@@ -49,6 +49,7 @@ void PlayerSettings::LoadOpts()
     m_places.placement.setTopMost(m_options.topMost);
     m_places.placement.setPlace(m_options.place);
     if (menus.isChecked("mnuMenuBar") != m_options.menuBar) m_places.placement.ToggleMenu();
+    control.setTextCode(m_options.codepage);
     control.setLoop(m_options.repeat);
     menus.setChecked("mnuLoop", m_options.repeat);
     m_places.playback.restoreSound(m_options.volume, m_options.pan, m_options.mute);
@@ -106,6 +107,7 @@ void PlayerSettings::edit()
 {
     settings::frmOptions dialog(&m_places.window, m_options);
     m_host.ShowDialog(dialog);
+    m_places.control.setTextCode(m_options.codepage);
     if (dialog.result() == QDialog::Accepted && !m_host.SaveOpts())
         QMessageBox::warning(&m_places.window, core::kProductName,
                              m_file.isDiskFull() ? QString(texts::kOptionsUnsaved) + '\n' + texts::kDiskFull

@@ -34,6 +34,7 @@ struct Options {
     bool sfx = true;
     bool hqShots = true;
     bool associate = false;
+    QString codepage = "automatic"; ///< of movies before version 6: "automatic" or the name of an 8-bit code
     // SETTINGS/EXPORT
     QString exportChoice; ///< what was chosen for the last film, in the words of zorvex-export
     // SETTINGS/FILES

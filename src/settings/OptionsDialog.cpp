@@ -10,6 +10,8 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <vector>
+
 namespace settings
 {
 namespace
@@ -58,6 +60,16 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
     column->addSpacing(8);
     m_cache = addList(*column, "lblQuit", texts::kQuit, "cmbCache", texts::kCacheTip, texts::kCacheItems,
                       options.cacheMode);
+    column->addSpacing(8);
+    std::vector<const char*> codes;
+    int chosenCode = -1;
+    for (const texts::Codepage& code : texts::kCodepages) {
+        if (options.codepage.compare(code.name, Qt::CaseInsensitive) == 0)
+            chosenCode = static_cast<int>(codes.size());
+        codes.push_back(code.caption);
+    }
+    m_codepage = addList(*column, "lblCodepage", texts::kCodepage, "cmbCodepage", texts::kCodepageTip, codes,
+                         chosenCode);
     column->addSpacing(12);
     addHeading(*column, "lblPerfomance", texts::kPerformance); // spelled so on purpose
     m_animation = addBox(*column, "chkAnimation", texts::kAnimation, texts::kAnimationTip,
@@ -148,6 +160,8 @@ void frmOptions::cbOk_Click()
     m_options.associate = m_associate->isChecked();
     if (m_cache->currentIndex() >= 0) m_options.cacheMode = m_cache->currentIndex();
     if (m_startUp->currentIndex() >= 0) m_options.startUp = m_startUp->currentIndex();
+    if (m_codepage->currentIndex() >= 0)
+        m_options.codepage = texts::kCodepages[m_codepage->currentIndex()].name;
     accept();
 }
 

@@ -13,7 +13,7 @@ class QVBoxLayout;
 namespace settings
 {
 
-/// The options window. Edits the six options of the groups GADGETS and SYSTEM; what else is in `options` is
+/// The options window. Edits the seven options of the groups GADGETS and SYSTEM; what else is in `options` is
 /// not touched.
 class frmOptions : public QDialog
 {
@@ -32,6 +32,7 @@ private:
     Options& m_options;
     QComboBox* m_startUp;
     QComboBox* m_cache;
+    QComboBox* m_codepage;
     QCheckBox* m_animation;
     QCheckBox* m_specialEffects;
     QCheckBox* m_hqShots;

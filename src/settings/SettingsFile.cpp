@@ -28,6 +28,7 @@ struct Setting {
     const char* element;
     const char* attribute;
     Member member;
+    bool isLater = false; ///< no file has it until it is set to something else than the default
 };
 
 // The order is that of reading and writing.
@@ -51,6 +52,7 @@ constexpr Setting kSettings[] = {
     {"SYSTEM",  "sfx",         &Options::sfx},
     {"SYSTEM",  "hqShots",     &Options::hqShots},
     {"SYSTEM",  "associate",   &Options::associate},
+    {"SYSTEM",  "codepage",    &Options::codepage, true},
     {"EXPORT",  "choice",      &Options::exportChoice},
     {"FILES",   "search",      &Options::search},
     {"FILES",   "lastPage",    &Options::lastPage},
@@ -204,11 +206,16 @@ bool SettingsFile::load(Options& options, QStringList& recent)
 std::optional<std::string> SettingsFile::compose(const Options& options, const QStringList& recent)
 {
     if (!m_document) return std::nullopt;
+    const Options defaults;
     for (const Setting& setting : kSettings) {
         auto element = childOf(*m_document, setting.element);
-        if (!element || !element->attribute(setting.attribute)) continue;
-        const QString text =
-            std::visit([&](const auto member) { return write(options.*member); }, setting.member);
+        if (!element) continue;
+        const auto textIn = [&](const Options& of) {
+            return std::visit([&](const auto member) { return write(of.*member); }, setting.member);
+        };
+        const QString text = textIn(options);
+        if (!element->attribute(setting.attribute) && (!setting.isLater || text == textIn(defaults)))
+            continue;
         element->setAttribute(setting.attribute, text.toStdString());
     }
     auto elements = recentElements(*m_document);

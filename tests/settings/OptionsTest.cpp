@@ -95,6 +95,8 @@ TEST_F(OptionsWindow, ShowsWhatIsSetAndStoresWhatIsChosen)
     for (const char* box : {"chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"}) click(box);
     QTest::keyClick(&find<QComboBox>("cmbStartUp"), Qt::Key_Up);
     QTest::keyClick(&find<QComboBox>("cmbCache"), Qt::Key_Down);
+    EXPECT_EQ(find<QComboBox>("cmbCodepage").currentText(), "Автоматически");
+    QTest::keyClick(&find<QComboBox>("cmbCodepage"), Qt::Key_Down);
     EXPECT_EQ(options.startUp, 2) << "nothing is stored before it is accepted";
     click("cbOk");
     EXPECT_EQ(dialog->result(), QDialog::Accepted);
@@ -104,6 +106,7 @@ TEST_F(OptionsWindow, ShowsWhatIsSetAndStoresWhatIsChosen)
     EXPECT_TRUE(options.associate);
     EXPECT_EQ(options.startUp, 1);
     EXPECT_EQ(options.cacheMode, 2);
+    EXPECT_EQ(options.codepage, "windows-1251");
 }
 
 TEST_F(OptionsWindow, CancelAndEscapeChangeNothing)
@@ -124,6 +127,7 @@ TEST_F(OptionsWindow, KeepsNumbersThatNoEntryStandsFor)
 {
     options.startUp = -1;
     options.cacheMode = 3;
+    options.codepage = "ebcdic";
     options.noAnimation = "perhaps";
     open();
     EXPECT_EQ(find<QComboBox>("cmbCache").currentIndex(), -1);
@@ -131,6 +135,7 @@ TEST_F(OptionsWindow, KeepsNumbersThatNoEntryStandsFor)
     click("cbOk");
     EXPECT_EQ(options.startUp, -1);
     EXPECT_EQ(options.cacheMode, 3);
+    EXPECT_EQ(options.codepage, "ebcdic");
     EXPECT_EQ(options.noAnimation, "False");
 }
 
@@ -139,13 +144,13 @@ TEST_F(OptionsWindow, IsWorkedByKeysAlone)
     open();
     dialog->activateWindow();
     QStringList visited;
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < 9; ++i) {
         ASSERT_NE(dialog->focusWidget(), nullptr);
         visited += dialog->focusWidget()->objectName();
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(visited, (QStringList{"cmbStartUp", "cmbCache", "chkAnimation", "chkSFX", "chkHQShots",
-                                    "chkAssoc", "cbOk", "cbCancel"}));
+    EXPECT_EQ(visited, (QStringList{"cmbStartUp", "cmbCache", "cmbCodepage", "chkAnimation", "chkSFX",
+                                    "chkHQShots", "chkAssoc", "cbOk", "cbCancel"}));
     find<QCheckBox>("chkHQShots").setFocus();
     QTest::keyClick(dialog->focusWidget(), Qt::Key_Space);
     QTest::keyClick(dialog.get(), Qt::Key_Return);
@@ -156,7 +161,8 @@ TEST_F(OptionsWindow, IsWorkedByKeysAlone)
 TEST_F(OptionsWindow, SaysOfEveryControlWhatItIsFor)
 {
     open();
-    for (const char* name : {"cmbStartUp", "cmbCache", "chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"})
+    for (const char* name :
+         {"cmbStartUp", "cmbCache", "cmbCodepage", "chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"})
         EXPECT_GT(find<QWidget>(name).toolTip().size(), 20) << name;
     EXPECT_EQ(find<QComboBox>("cmbStartUp").accessibleName(), "При запуске по умолчанию:");
     // A list must not change because the pointer stood over it while the user scrolled.

@@ -179,6 +179,25 @@ TEST_F(SettingsFiles, KeepTheRecentFilesThatExist)
     EXPECT_EQ(content().count("<RECENT"), 6);
 }
 
+TEST_F(SettingsFiles, GainWhatCameLaterOnceItIsChosen)
+{
+    put(shipped());
+    SettingsFile file(application);
+    ASSERT_TRUE(file.load(options, recent));
+    ASSERT_TRUE(file.save(options, {}));
+    EXPECT_FALSE(content().contains("codepage"))
+        << "the file keeps its form as long as nothing else is wanted";
+    options.codepage = "koi8-r";
+    ASSERT_TRUE(file.save(options, {}));
+    options = {};
+    ASSERT_TRUE(SettingsFile(application).load(options, recent));
+    EXPECT_EQ(options.codepage, "koi8-r");
+    options.codepage = "automatic";
+    ASSERT_TRUE(file.save(options, {}));
+    ASSERT_TRUE(SettingsFile(application).load(options, recent));
+    EXPECT_EQ(options.codepage, "automatic") << "what is there is overwritten";
+}
+
 TEST_F(SettingsFiles, DamagedOnesAreKeptAsideAndReplaced)
 {
     for (const QByteArray& damaged : {QByteArray(), QByteArray("<SETTINGS><VIEW"), QByteArray("<html/>")}) {

@@ -40,10 +40,11 @@ struct Load {
     std::int32_t screenWidth = 0, screenHeight = 0;
     std::uint32_t randomSeed = 0;
     std::string storageFolder, trustedFolder, sharedFolder;
+    std::string textCode; ///< of old movies, as the engine's option
     auto fields()
     {
         return std::tie(id, layer, address, language, startDateMs, screenWidth, screenHeight, randomSeed,
-                        storageFolder, trustedFolder, sharedFolder);
+                        storageFolder, trustedFolder, sharedFolder, textCode);
     }
 };
 struct Unload {

@@ -126,6 +126,7 @@ void MovieRunner::load(const Load& load, std::optional<std::vector<std::uint8_t>
     options.screenWidth = load.screenWidth;
     options.screenHeight = load.screenHeight;
     options.storageFolder = load.storageFolder;
+    options.textCode = load.textCode;
     options.trustedFolder = load.trustedFolder;
     options.sharedFolder = load.sharedFolder;
     Loaded answer{load.id, 0, "a script of the movie is running"};
