@@ -20,7 +20,8 @@ if (blank < version.length)
 var body = child(this, "body");
 var top = 160;
 if (given(query.error) != "")
-  top = showError((this.file != undefined ? "«" + this.file + "»: " : "") + query.error, 136) + 20;
+  top = showError((this.file != undefined ? "«" + this.file + "»: " : "") + query.error +
+      (this.advice != undefined ? "\n" + this.advice : ""), 136) + 20;
 
 function showError(message, y) {
   var MOST_LINES = 4, LEADING = 3;

@@ -1,4 +1,5 @@
 #include "base/Failure.h"
+#include "core/Files.h"
 #include "core/StartUp.h"
 #include "core/Version.h"
 #include "flash/Engine.h"
@@ -64,7 +65,7 @@ int main(int argc, char** argv)
 {
     // Answered before there is need of a display.
     QStringList arguments;
-    for (int i = 1; i < argc; ++i) arguments += QString::fromLocal8Bit(argv[i]);
+    for (int i = 1; i < argc; ++i) arguments += core::fileName(argv[i]);
     if (const auto answer = core::commandLineAnswer(arguments)) {
         std::cout << answer->toStdString();
         return 0;
@@ -83,7 +84,12 @@ int main(int argc, char** argv)
     QApplication::setWindowIcon(applicationIcon());
 
     core::Application application;
-    const QString commandLine = core::commandLine(isFile ? arguments : QApplication::arguments().mid(1));
+    // What the toolkit has left of the arguments, which are files: their bytes, not its reading of them.
+    if (!isFile) {
+        arguments.clear();
+        for (int i = 1; i < toolkitsCount; ++i) arguments += core::fileName(argv[i]);
+    }
+    const QString commandLine = core::commandLine(arguments);
     try {
         core::StartUp(application, QApplication::applicationFilePath(), commandLine,
                       ui::initialiseVisualStyle);

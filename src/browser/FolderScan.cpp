@@ -2,11 +2,11 @@
 
 #include "base/Files.h"
 #include "core/Application.h"
+#include "core/Files.h"
 #include "media/CacheName.h"
 
 #include <QCollator>
 #include <QDir>
-#include <QFile>
 #include <QLocale>
 
 #include <algorithm>
@@ -49,7 +49,7 @@ std::vector<FolderEntry> listFolder(const QString& folder)
     if (!QDir(folder).isRoot()) entries.push_back({"..", true});
     for (; !error && at != fs::directory_iterator(); at.increment(error)) {
         std::error_code unknown; // a link that leads nowhere, say: a file, then
-        const QString name = QFile::decodeName(at->path().filename().native().c_str());
+        const QString name = core::fileName(QByteArray::fromStdString(at->path().filename().native()));
         if (!name.startsWith('.')) entries.push_back({name, at->is_directory(unknown)});
     }
     QCollator order{QLocale(QLocale::Russian)}; // the bare one knows of no language, nor of numbers

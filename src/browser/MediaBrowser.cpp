@@ -5,9 +5,9 @@
 #include "browser/FolderScan.h"
 #include "browser/Texts.h"
 #include "browser/frmInfo.h"
+#include "core/Files.h"
 #include "media/CacheName.h"
 
-#include <QFileInfo>
 #include <QScopedValueRollback>
 
 namespace browser
@@ -51,7 +51,7 @@ void MediaBrowser::NewMediaBrowse(const QString& folder)
 void MediaBrowser::scan(const QString& folder)
 {
     const QString wanted = normalisedFolder(folder);
-    m_state.folder = QFileInfo(wanted).isDir() ? wanted : normalisedFolder(m_state.folder);
+    m_state.folder = core::isFolder(wanted) ? wanted : normalisedFolder(m_state.folder);
     m_state.items.clear();
     m_missing.clear();
     m_host.SetStatus(texts::kSearching);

@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 #include "browser/SaveJpg.h"
 #include "browser/Texts.h"
+#include "core/Files.h"
 #include "flash/FlashControl.h"
 #include "platform/ProcessMemory.h"
 
@@ -134,19 +135,16 @@ void Thumbnails::make(const std::vector<Order>& orders, bool tellsProgress)
 
 bool Thumbnails::isWanted(const Order& order) const
 {
-    const QDateTime changed = QFileInfo(order.movie).lastModified();
+    const QDateTime changed = core::fileChanged(order.movie);
     if (const auto failed = m_failed.constFind(order.movie); failed != m_failed.cend() && *failed == changed)
         return false;
     if (!core::fileExists(order.thumbnail)) return true;
     // A file that claims to be of the future would be pictured again and again.
     return changed.isValid() && changed <= QDateTime::currentDateTime() &&
-           QFileInfo(order.thumbnail).lastModified() < changed;
+           core::fileChanged(order.thumbnail) < changed;
 }
 
-void Thumbnails::noteFailure(const QString& movie)
-{
-    m_failed.insert(movie, QFileInfo(movie).lastModified());
-}
+void Thumbnails::noteFailure(const QString& movie) { m_failed.insert(movie, core::fileChanged(movie)); }
 
 int Thumbnails::freePlace() const
 {

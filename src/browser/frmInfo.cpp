@@ -140,7 +140,9 @@ void frmInfo::showEvent(QShowEvent* event)
 
 void frmInfo::showThumbnail()
 {
-    const QPixmap picture = QPixmap::fromImage(loadThumbnail(m_thumbnail));
+    QPixmap picture = QPixmap::fromImage(loadThumbnail(m_thumbnail));
+    // One that was made for a screen of finer pixels has more of them.
+    if (!picture.isNull()) picture.setDevicePixelRatio(static_cast<double>(picture.width()) / kShotWidth);
     m_pic->setPixmap(picture);
     m_pic->setVisible(!picture.isNull());
     m_noPicture->setVisible(picture.isNull());

@@ -1,6 +1,7 @@
 #include "core/Application.h"
 
 #include "base/Failure.h"
+#include "base/FileNames.h"
 #include "base/TextCodes.h"
 #include "core/RunTimeErrors.h"
 #include "core/Version.h"
@@ -107,7 +108,7 @@ QString systemLine()
     return QString::fromStdString(system.name + " " + system.version + " Build #" + system.build);
 }
 
-std::filesystem::path filePath(const QString& path) { return path.toStdString(); }
+std::filesystem::path filePath(const QString& path) { return base::pathNamed(path.toStdString()); }
 
 bool fileExists(const QString& path)
 {

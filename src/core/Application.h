@@ -88,7 +88,7 @@ QString GetAppVersion();
 ///          Build #0-18-amd64"
 QString systemLine();
 
-/// File names are UTF-8 on disk and QString in the program.
+/// The file that a text of the program names; base/FileNames.h says how.
 std::filesystem::path filePath(const QString& path);
 
 /// @returns whether a file (not a folder) of that name exists, hidden and read-only ones included

@@ -24,6 +24,7 @@ constexpr SystemError kSystemErrors[] = {
     {EACCES, kPermissionDenied, texts::kPermissionDenied},
     {EPERM, kPermissionDenied, texts::kPermissionDenied},
     {EROFS, kPathAccess, texts::kReadOnly},
+    {ENAMETOOLONG, kPathAccess, texts::kNameTooLong},
     {EISDIR, kPathAccess, texts::kIsFolder},
 };
 

@@ -1,6 +1,7 @@
 #include "core/StartUp.h"
 
 #include "base/Failure.h"
+#include "core/Files.h"
 #include "core/Texts.h"
 #include "platform/UserFolders.h"
 
@@ -110,8 +111,7 @@ QStringList argumentsOf(const QString& commandLine)
     const QString whole = QString(commandLine).remove('"');
     if (fileExists(whole)) return {whole};
     const auto isThere = [](const QString& path) {
-        return path.startsWith("file://") || QFileInfo::exists(path.section('?', 0, 0)) ||
-               QFileInfo::exists(path);
+        return path.startsWith("file://") || isAnything(path.section('?', 0, 0)) || isAnything(path);
     };
     if (std::ranges::none_of(arguments, isThere)) return {whole};
     return arguments;

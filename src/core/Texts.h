@@ -23,6 +23,7 @@ inline constexpr const char* kPermissionDenied = "Нет доступа к фа�
 inline constexpr const char* kReadOnly         = "Диск доступен только для чтения";
 inline constexpr const char* kIsFolder         = "Это папка, а не файл";
 inline constexpr const char* kDeviceError      = "Ошибка чтения или записи файла";
+inline constexpr const char* kNameTooLong      = "Имя файла слишком длинное";
 inline constexpr const char* kTooLarge         = "Файл слишком велик";
 inline constexpr const char* kDamaged          = "Файл повреждён";
 inline constexpr const char* kUnsupported      = "Формат файла не поддерживается";

@@ -1,5 +1,6 @@
 #include "flash/Engine.h"
 
+#include "base/FileNames.h"
 #include "base/Files.h"
 #include "base/TextCodeGuess.h"
 #include "flash/MovieLoader.h"
@@ -290,7 +291,8 @@ std::filesystem::path Engine::pathOf(const std::string& address)
     const std::string file = address.substr(0, address.rfind('?'));
     const bool isUrl = file.size() > 5 && QByteArray::fromRawData(file.data(), 5).toLower() == "file:";
     std::error_code ignored;
-    return std::filesystem::absolute(isUrl ? net::pathFromUrl(file) : file, ignored);
+    return std::filesystem::absolute(isUrl ? net::pathFromUrl(file) : base::pathNamed(file).string(),
+                                     ignored);
 }
 
 std::filesystem::path Engine::storageOf(const std::filesystem::path& storageFolder,

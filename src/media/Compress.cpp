@@ -5,6 +5,8 @@
 #include "media/MovieHeader.h"
 
 #include <algorithm>
+// The library then takes its input as what it is: not changed.
+#define ZLIB_CONST
 #include <zlib.h>
 
 namespace media
@@ -36,15 +38,36 @@ base::Result<std::vector<std::uint8_t>> wholeOf(base::Inflated inflated, std::ui
 
 } // namespace
 
-base::Result<std::vector<std::uint8_t>> CompressData(base::Bytes source, int level)
+base::Result<std::vector<std::uint8_t>> CompressData(base::Bytes source, int level,
+                                                     const std::function<bool(double)>& progress)
 {
     // What zlib asks for at worst: a thousandth and a little more.
     std::vector<std::uint8_t> destination(source.size() + source.size() / 1000 + 15);
-    uLongf length = destination.size();
-    const int answer = compress2(destination.data(), &length, source.data(), source.size(), level);
+    z_stream stream{};
+    int answer = deflateInit(&stream, level);
     if (answer != Z_OK)
         return base::fail(ErrorCode::IoFailure, "zlib: compression failed, " + std::to_string(answer));
-    destination.resize(length);
+    // zlib counts in 32 bits, and somebody may be watching: a piece at a time.
+    constexpr std::size_t kPiece = 256U << 10U;
+    std::size_t taken = 0, used = 0;
+    bool isEnded = false;
+    while (answer == Z_OK && !isEnded) {
+        const std::size_t in = std::min(source.size() - taken, kPiece);
+        const std::size_t room = std::min<std::size_t>(destination.size() - used, 1U << 30U);
+        stream.next_in = source.data() + taken;
+        stream.avail_in = static_cast<uInt>(in);
+        stream.next_out = destination.data() + used;
+        stream.avail_out = static_cast<uInt>(room);
+        answer = deflate(&stream, taken + in == source.size() ? Z_FINISH : Z_NO_FLUSH);
+        taken += in - stream.avail_in;
+        used += room - stream.avail_out;
+        isEnded = progress && !progress(static_cast<double>(taken) / static_cast<double>(source.size()));
+    }
+    deflateEnd(&stream);
+    if (isEnded) return base::fail(ErrorCode::LimitReached, "the compression was ended");
+    if (answer != Z_STREAM_END)
+        return base::fail(ErrorCode::IoFailure, "zlib: compression failed, " + std::to_string(answer));
+    destination.resize(used);
     return destination;
 }
 

@@ -3,14 +3,18 @@
 #include "base/ByteReader.h"
 
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 namespace media
 {
 
 /// Bytes to a zlib stream.
-/// @param level zlib's, 0 to 9
-base::Result<std::vector<std::uint8_t>> CompressData(base::Bytes source, int level);
+/// @param level    zlib's, 0 to 9
+/// @param progress is told now and then how much is done, 0 to 1; its answer "false" ends the work
+/// @errors LimitReached when it was ended
+base::Result<std::vector<std::uint8_t>> CompressData(base::Bytes source, int level,
+                                                     const std::function<bool(double)>& progress = {});
 
 /// A zlib stream to bytes. Memory grows with what the stream really yields, whatever length a header states.
 /// @param expectedLength the most bytes that are accepted

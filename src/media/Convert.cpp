@@ -23,6 +23,9 @@ namespace
 /// No movie of the supported versions comes near; what does is made to fill the memory.
 constexpr std::uint64_t kMaxMovieBytes = std::uint64_t{1} << 30;
 
+/// Of the time that a decompression takes, what is gone when nothing is written yet.
+constexpr double kInflatedPart = 0.6;
+
 /// A link keeps leading to the movie: what it leads to is what is replaced.
 std::filesystem::path replacedBy(const QString& path)
 {
@@ -168,6 +171,7 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
     const auto body =
         TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kMaxMovieBytes)));
 
+    if (!m_host.progress(kInflatedPart)) return base::fail(base::ErrorCode::LimitReached, "ended");
     m_application.LogEvent("Backing up");
     base::sweepTemporaryFilesOf(replacedBy(target)); // of a run that was killed
     CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
@@ -197,7 +201,8 @@ base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
     // A command given twice must not compress what is compressed already: no player could read the result.
     if (isCompressed(movie.header)) return {};
     m_host.SetStatus(texts::kCompressing);
-    const auto body = TRY_RESULT(CompressData(movie.body(), level));
+    const auto body =
+        TRY_RESULT(CompressData(movie.body(), level, [this](double part) { return m_host.progress(part); }));
     m_host.SetStatus(texts::kWriting);
     base::sweepTemporaryFilesOf(replacedBy(info.MoviePath));
     CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));

@@ -1,3 +1,4 @@
+#include "core/Files.h"
 #include "core/RunTimeErrors.h"
 #include "core/Version.h"
 #include "media/Compress.h"
@@ -5,9 +6,6 @@
 #include "media/MediaFiles.h"
 #include "media/Projector.h"
 #include "media/Texts.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 namespace media
 {
@@ -101,13 +99,13 @@ void MediaFiles::tryLoad(const QString& path, QString caption)
     m_host.setUpdateTimerEnabled(false);
     m_errorDescription.clear();
 
-    if (!core::fileExists(split.file)) {
-        m_errorDescription = texts::kFileNotFound;
+    if (const auto why = core::whyNoFile(split.file)) {
+        m_errorDescription = QString::fromStdString(core::runTimeError(*why, "").description());
         m_host.SetStatus(m_errorDescription);
         m_application.LogEvent("Not found");
         return failLoad(split.file);
     }
-    if (QFileInfo(split.file).size() < static_cast<qint64>(kFileHeaderBytes)) {
+    if (core::fileSize(split.file) < static_cast<qint64>(kFileHeaderBytes)) {
         m_application.LogEvent("File is too short!");
         m_errorDescription = texts::kFileTooShort;
         return failLoad(split.file);
@@ -152,7 +150,7 @@ QString MediaFiles::GetFlashInfo(QString& path)
 {
     MediaInfo info;
     info.OriginalPath = path;
-    info.FileSize = QFileInfo(path).size();
+    info.FileSize = core::fileSize(path);
 
     FileHeader header;
     for (int layer = 0;; ++layer) {

@@ -32,6 +32,8 @@ public:
     virtual void setCompressCaption(const QString& caption) = 0;
     virtual void setMediaTitle(const QString& title) = 0;
     virtual void AddRecent(const QString& path) = 0;
+    /// How much of a long work is done, 0 to 1. @returns false when the user wants it ended
+    virtual bool progress(double) { return true; }
     /// Runs the view's statement for a changed movie.
     virtual void onMediaChange() = 0;
 

@@ -107,7 +107,7 @@ void PlayerAdaptor::SetPosition(const QDBusObjectPath& track, qlonglong position
 void PlayerAdaptor::OpenUri(const QString& uri)
 {
     const QUrl url(uri);
-    if (url.isLocalFile()) m_host.sessionOpen(url.toLocalFile());
+    if (url.isLocalFile()) m_host.sessionOpen(url.toString(QUrl::FullyEncoded));
 }
 
 } // namespace mpris

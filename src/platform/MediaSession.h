@@ -38,7 +38,8 @@ public:
     virtual void sessionSetFullScreen(bool on) = 0;
     virtual void sessionRaise() = 0;
     virtual void sessionQuit() = 0;
-    virtual void sessionOpen(const QString& path) = 0;
+    /// @param address of a file of this computer, "file://..."
+    virtual void sessionOpen(const QString& address) = 0;
 };
 
 /// Shows the player to the desktop, where there is one that asks: on Linux by the interfaces

@@ -5,6 +5,7 @@
 #include "core/StartUp.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
+#include "player/Advice.h"
 #include "player/Cache.h"
 #include "player/MovieScreen.h"
 #include "player/PageAddresses.h"
@@ -163,7 +164,7 @@ void Lifecycle::CloseMedia(const QString& message)
                              ? QString()
                              : welcomePage(m_application, message, m_settings.options().noAnimation) +
                                    (message.isEmpty() ? moviesForPage(m_application, m_settings.recentPaths())
-                                                      : failureForPage(failed));
+                                                      : failureForPage(failed, adviceOn(message)));
     bool shown = false;
     if (core::fileExists(filePartOf(page))) {
         m_host.LoadFlash(page, texts::kWelcomeCaption);
@@ -175,9 +176,11 @@ void Lifecycle::CloseMedia(const QString& message)
         // A window that was made for a small movie would cut the panel.
         if (!m_host.isFullScreen() && !m_window.isMaximized())
             m_window.resize(m_window.size().expandedTo(kWelcomeSize));
-        m_movieScreen.showWelcome(message.isEmpty() || failed.isEmpty()
-                                      ? message
-                                      : QString(texts::kFailedFile).arg(failed, message));
+        const QString named = failed.isEmpty() ? message : QString(texts::kFailedFile).arg(failed, message);
+        const QString advice = adviceOn(message);
+        m_movieScreen.showWelcome(message.isEmpty()  ? QString()
+                                  : advice.isEmpty() ? named
+                                                     : named + '\n' + advice);
         m_host.refreshMovieCommands();
     }
     m_host.SetStatus(texts::kReady);

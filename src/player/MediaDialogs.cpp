@@ -1,6 +1,7 @@
 #include "player/MediaDialogs.h"
 
 #include "core/Application.h"
+#include "player/Advice.h"
 #include "player/PlayerHost.h"
 #include "player/PlayerSettings.h"
 #include "player/SaveAs.h"
@@ -93,9 +94,7 @@ void MediaDialogs::saveTo(const QString& target, const QString& filter)
     const bool known = saved.outcome == SaveOutcome::CannotWrite;
     QMessageBox box(QMessageBox::Warning, texts::kSaveBoxTitle,
                     known ? texts::kSaveFailed : texts::kSaveUnsupported, QMessageBox::Ok, &m_window);
-    const QString reason = saved.isDiskFull ? QString(texts::kDiskFull) + '\n' : QString();
-    box.setInformativeText(known ? reason + QDir::toNativeSeparators(target)
-                                 : saveDiagnosis(m_movie, filter));
+    box.setInformativeText(known ? failureText(target, saved.reason) : saveDiagnosis(m_movie, filter));
     box.exec();
 }
 

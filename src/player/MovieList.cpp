@@ -1,12 +1,12 @@
 #include "player/MovieList.h"
 
+#include "browser/FolderScan.h"
 #include "core/Application.h"
+#include "core/Files.h"
 #include "player/Texts.h"
 
-#include <QCollator>
 #include <QDir>
 #include <QFileInfo>
-#include <QLocale>
 #include <QUrl>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ bool isProgramFile(const QString& path) { return path.endsWith(".exe", Qt::CaseI
 QString plainPath(const QString& path)
 {
     // File managers may pass an address, shells a name that is relative to where they stand.
-    const QString local = path.startsWith("file://") ? QUrl(path).toLocalFile() : path;
+    const QString local = path.startsWith("file://") ? core::localFile(QUrl(path)) : path;
     // A page's parameters are no part of the file's name, unless the file is named so.
     const qsizetype mark = core::fileExists(local) ? -1 : local.lastIndexOf('?');
     const QString file = mark < 0 ? local : local.left(mark);
@@ -36,16 +36,13 @@ QString plainPath(const QString& path)
 
 QStringList moviesIn(const QString& folder)
 {
-    QStringList names = QDir(folder).entryList({"*.swf", "*.exe"}, QDir::Files | QDir::Readable);
-    QCollator collator{QLocale(QLocale::Russian)};
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::ranges::sort(names, [&collator](const QString& one, const QString& other) {
-        const int order = collator.compare(one, other);
-        return order != 0 ? order < 0 : one < other;
-    });
-    for (QString& name : names) name = QDir(folder).filePath(name);
-    return names;
+    QStringList movies;
+    for (const browser::FolderEntry& entry : browser::listFolder(folder)) {
+        const QString path = QDir(folder).filePath(entry.name);
+        const bool isNamedSo = entry.name.endsWith(".swf", Qt::CaseInsensitive) || isProgramFile(entry.name);
+        if (!entry.isFolder && isNamedSo && core::isReadable(path)) movies += path;
+    }
+    return movies;
 }
 
 void MovieList::open(const QStringList& paths)
@@ -54,12 +51,12 @@ void MovieList::open(const QStringList& paths)
     if (paths.isEmpty()) return;
     const QString first = plainPath(paths.first());
     if (paths.size() == 1) {
-        if (QFileInfo(first).isDir()) return m_host.NewMediaBrowse(first);
+        if (core::isFolder(first)) return m_host.NewMediaBrowse(first);
         return m_host.LoadFlash(first, {});
     }
     for (const QString& path : paths) {
         const QString plain = plainPath(path);
-        if (QFileInfo(plain).isDir())
+        if (core::isFolder(plain))
             m_files += moviesIn(plain);
         else
             m_files += plain;

@@ -1,6 +1,7 @@
 #include "player/PageAddresses.h"
 
 #include "core/Application.h"
+#include "core/Files.h"
 #include "core/Version.h"
 #include "media/CacheName.h"
 #include "media/UrlEncode.h"
@@ -41,10 +42,13 @@ QString moviesForPage(const core::Application& application, const QStringList& r
     return query;
 }
 
-QString failureForPage(const QString& file)
+QString failureForPage(const QString& file, const QString& advice)
 {
-    return (*core::kUpdateAddress == '\0' ? QString("&noupdate=1") : QString()) +
-           (file.isEmpty() ? QString() : "&file=" + QString::fromLatin1(QUrl::toPercentEncoding(file)));
+    const auto told = [](const char* name, const QString& text) {
+        return text.isEmpty() ? QString() : name + QString::fromLatin1(QUrl::toPercentEncoding(text));
+    };
+    return (*core::kUpdateAddress == '\0' ? QString("&noupdate=1") : QString()) + told("&file=", file) +
+           told("&advice=", advice);
 }
 
 QString aboutPage(const core::Application& application, const QString& greetings, const QString& thanks,
@@ -66,7 +70,7 @@ QString filePartOf(const QString& address)
     if (core::fileExists(address)) return address;
     const qsizetype mark = address.lastIndexOf('?');
     const QString file = mark < 0 ? address : address.left(mark);
-    return file.startsWith("file:", Qt::CaseInsensitive) ? QUrl(file).toLocalFile() : file;
+    return file.startsWith("file:", Qt::CaseInsensitive) ? core::localFile(QUrl(file)) : file;
 }
 
 bool liesWithin(const QString& file, const QString& folder)

@@ -34,7 +34,9 @@ bool liesWithin(const QString& file, const QString& folder);
 /// What goes behind welcomePage(): up to four movies to be opened again, with their pictures where there are
 /// some, and samples of the program's where there are fewer.
 QString moviesForPage(const core::Application& application, const QStringList& recent);
-/// The same when something went wrong. @param file name of the file that could not be opened
-QString failureForPage(const QString& file);
+/// The same when something went wrong.
+/// @param file   name of the file that could not be opened
+/// @param advice what can be done; may be empty
+QString failureForPage(const QString& file, const QString& advice);
 
 } // namespace player

@@ -1,6 +1,5 @@
 #include "player/Player.h"
 
-#include "browser/ConvertSize.h"
 #include "core/Version.h"
 #include "flash/FlashControl.h"
 #include "platform/Shell.h"
@@ -353,26 +352,6 @@ void Player::tell(const QString& text)
 {
     constexpr int kMomentMs = 1200;
     ScreenNote::show(*this, text, kMomentMs);
-}
-
-void Player::mnuCompress_Click()
-{
-    media::MediaInfo& info = m_media.mediaInfo();
-    // The file's form, not that which it had when it was loaded: the command may be given again.
-    const bool decompress = media::isCompressedFile(info.MoviePath);
-    const qint64 before = QFileInfo(info.MoviePath).size();
-    const QString result =
-        decompress ? m_media.DecompressFlash(info, media::Extent::Full) : m_media.CompressFlash(info, 9);
-    if (result.isEmpty()) {
-        QMessageBox::warning(this, core::kProductName,
-                             QString(decompress ? texts::kDecompressFailed : texts::kCompressFailed) + '\n' +
-                                 QDir::toNativeSeparators(info.MoviePath) + '\n' +
-                                 m_media.errorDescription());
-        return;
-    }
-    showNote(QString(decompress ? texts::kDecompressed : texts::kCompressed)
-                 .arg(browser::ConvertSize(static_cast<double>(before)),
-                      browser::ConvertSize(static_cast<double>(QFileInfo(result).size()))));
 }
 
 void Player::mnuClearCache_Click()

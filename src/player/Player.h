@@ -37,6 +37,8 @@
 // player/: the main window and what drives it. Player is a facade: its public procedures are the names that
 // menus, pages and scripts call, each a few lines over a part that has its own file and its own tests.
 
+class QProgressDialog;
+
 namespace player
 {
 
@@ -106,6 +108,7 @@ public:
     Q_INVOKABLE void LoadOpts() override;
     Q_INVOKABLE bool SaveOpts() override;
     void mnuCompress_Click();
+
     void mnuClearCache_Click();
     /// Whether a movie of the user's is loaded: none of the program's own pages.
     [[nodiscard]] bool HasMovie() const;
@@ -241,6 +244,7 @@ public:
     void setMediaInfoEnabled(bool enabled) override;
     void reapplySound() override { SetSound(m_playback.volume(), m_playback.pan()); }
     void setCompressCaption(const QString& caption) override { m_menus.item("mnuCompress").setText(caption); }
+    bool progress(double part) override;
     void resume();
     void setFailedFile(const QString& path) override { m_failedFile = path; }
     [[nodiscard]] QString takeFailedFile() override { return std::exchange(m_failedFile, {}); }
@@ -319,6 +323,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void convert();
     static constexpr double kTwipsPerPixel = 15;
     static int toPixels(double twips) { return skin::SkinControl::whole(twips / kTwipsPerPixel); }
 
@@ -388,7 +393,8 @@ private:
     bool m_hasVisual = false; ///< SetVisual has run
     QString m_mediaTitle, m_failedFile;
     QString m_shownMovie; ///< path of the user's movie that the control holds; empty when it is none
-    std::optional<int> m_resumeFrame; ///< where that movie was left the last time
+    std::optional<int> m_resumeFrame;      ///< where that movie was left the last time
+    QProgressDialog* m_progress = nullptr; ///< while a conversion is at work
     bool m_isMovieLimited = false;
     bool m_isPressedSinceOpened = false; ///< the pointer's button, over the movie that is shown now
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages

@@ -1,5 +1,6 @@
 #include "player/Player.h"
 
+#include "core/Files.h"
 #include "flash/FlashControl.h"
 #include "player/Shortcuts.h"
 #include "player/Texts.h"
@@ -48,7 +49,7 @@ void Player::dropEvent(QDropEvent* event)
     takeCopyOf(*event);
     QStringList paths;
     for (const QUrl& url : urls)
-        if (url.isLocalFile()) paths += url.toLocalFile();
+        if (url.isLocalFile()) paths += core::localFile(url);
     activateWindow();
     // Later, so that the program that the file comes from is not kept waiting for the movie.
     QTimer::singleShot(0, this, [this, paths] { handled(texts::kPlaceOpen, [&] { openFiles(paths); }); });

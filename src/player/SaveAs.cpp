@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "core/Application.h"
+#include "core/RunTimeErrors.h"
 #include "media/MediaFiles.h"
 #include "player/Texts.h"
 
@@ -17,13 +18,13 @@ const char* saveFilter(const media::MediaInfo& info)
 SaveResult saveMovie(const media::MediaInfo& info, const QString& target)
 {
     const auto movie = media::readPlainMovie(info);
-    if (!movie) return {SaveOutcome::CannotConvert, movie.error().what};
+    if (!movie) return {SaveOutcome::CannotConvert, movie.error().what, core::describe(movie.error())};
     std::error_code error;
     const auto real = std::filesystem::canonical(core::filePath(target), error);
     const auto file = error ? core::filePath(target) : real;
     base::sweepTemporaryFilesOf(file); // of a run that was killed
     const auto written = base::replaceFile(file, base::Bytes(*movie));
-    if (!written) return {SaveOutcome::CannotWrite, written.error().what, base::isDiskFull(written.error())};
+    if (!written) return {SaveOutcome::CannotWrite, written.error().what, core::describe(written.error())};
     return {};
 }
 

@@ -14,7 +14,7 @@ enum class SaveOutcome { Saved, CannotConvert, CannotWrite };
 struct SaveResult {
     SaveOutcome outcome = SaveOutcome::Saved;
     std::string what; ///< for the log, when it was not saved
-    bool isDiskFull = false;
+    QString reason{}; ///< for the user
 };
 
 /// Saves the movie as a plain one, whatever its form: a projector's movie without the projector, a compressed

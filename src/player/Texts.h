@@ -49,8 +49,21 @@ inline constexpr const char* kDialogType       = "Тип файлов:";
 
 inline constexpr const char* kDecompressFailed = "Ошибка при распаковке файла.";
 inline constexpr const char* kCompressFailed   = "Ошибка при сжатии файла.";
-inline constexpr const char* kDecompressed     = "Сжатие снято: было %1, стало %2";
-inline constexpr const char* kCompressed       = "Файл сжат: было %1, стало %2";
+inline constexpr const char* kDecompressed     = "Сжатие снято: было %1, стало %2 (%3 %)";
+inline constexpr const char* kCompressed       = "Файл сжат: было %1, стало %2 (%3 %)";
+inline constexpr const char* kAdviceLookFor    = "Проверьте, не перенесён ли файл и подключён ли диск, на котором он лежал.";
+inline constexpr const char* kAdviceRights     = "Проверьте права на файл и на папку, в которой он лежит.";
+inline constexpr const char* kAdviceReadOnly   = "Выберите папку на другом диске.";
+inline constexpr const char* kAdviceRoom       = "Освободите место и попробуйте ещё раз.";
+inline constexpr const char* kAdviceShorten    = "Сократите имя файла или перенесите его в папку с коротким именем.";
+inline constexpr const char* kAdviceDevice     = "Проверьте диск, попробуйте ещё раз или скопируйте файл в другое место.";
+inline constexpr const char* kAdviceOtherCopy  = "Возьмите другую копию файла: в этой не хватает данных или они искажены.";
+inline constexpr const char* kAdviceFormats    = "Открываются ролики (.swf) и проекторы Flash: программы с роликом внутри.";
+inline constexpr const char* kAdviceNoMedia    = "В этой программе нет ролика Flash.";
+inline constexpr const char* kAdviceMemory     = "Закройте другие программы и откройте ролик ещё раз.";
+
+inline constexpr const char* kConversionCancelled = "Отменено, файл остался прежним";
+inline constexpr const char* kConverting       = "Сжатие и распаковка";
 inline constexpr const char* kThumbnailsRemoved = "Удалено эскизов: %1";
 inline constexpr const char* kNoThumbnails     = "Эскизов нет";
 inline constexpr const char* kFirstMovie       = "Это первый ролик";

@@ -23,6 +23,32 @@ HANGS = '''<movie version="7"><frame><script>while (true) x++;</script></frame><
 MOVIES = {'plain.swf': '#00A020', '日本 Ёж #1 100%? & co.swf': '#E000E0', 'Кино.SWF': '#E06000'}
 COLOUR = (0xE0, 0x00, 0xE0)
 JPEG_TOLERANCE = 12
+OLD_COLOUR, OLD_NAME = (0x00, 0xC0, 0xC0), 'Кино и люди'
+
+
+def old_names(folder, swfc, scratch):
+    """Names of windows-1251 bytes: shown, clicked, and given on the command line."""
+    movies = os.path.join(scratch, 'old').encode() + b'/' + OLD_NAME.encode('cp1251')
+    shutil.rmtree(os.path.dirname(movies), ignore_errors=True)
+    os.makedirs(movies)
+    compile_movie(swfc, MOVIE % ('#00C0C0', 3), os.path.join(scratch, 'old.swf'))
+    movie = movies + b'/' + OLD_NAME.encode('cp1251') + b'.swf'
+    os.rename(os.path.join(scratch, 'old.swf'), movie)
+    shown = os.path.join(scratch, 'old', OLD_NAME, OLD_NAME + '.swf')
+    for argument in (movies, movie):
+        os.remove(os.path.join(folder, 'App.Log.html'))
+        player = subprocess.Popen([os.path.join(folder, 'Zorvex'), argument])
+        try:
+            if argument == movies:
+                wait_for('the picture', lambda: 3000 < count(OLD_COLOUR, JPEG_TOLERANCE) < 20000, 40)
+                place = spots(OLD_COLOUR, JPEG_TOLERANCE)
+                click(*place[len(place) // 4])
+            wait_for('the movie to run', lambda: 'Media debug :: playing 3 at size 320' in journal(folder))
+            assert ' :: LoadFlash (\r\n%s)' % shown in journal(folder), journal(folder)
+            player.terminate()
+            assert player.wait(20) == 0, player.returncode
+        finally:
+            player.kill()
 
 
 def main():
@@ -68,6 +94,7 @@ def main():
     assert pictures() == sorted((movies + '/' + name).replace('/', '#') + '.jpg' for name in MOVIES), pictures()
     with open(settings, encoding='cp1251') as handle:
         assert 'search="%s/"' % movies in handle.read()
+    old_names(folder, swfc, scratch)
     print('The browser pictures a folder and plays what is clicked.')
     return 0
 

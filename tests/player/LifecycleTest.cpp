@@ -95,7 +95,7 @@ TEST_F(Beginning, TakesWhatTheCommandLineNames)
     {
         Player player(application, "\"/no such file.swf\" \"/nor this.swf\"");
         player.Form_Load();
-        EXPECT_EQ(welcome(player).message(), "«nor this.swf»: Файл не найден");
+        EXPECT_EQ(welcome(player).message().section('\n', 0, 0), "«nor this.swf»: Файл не найден");
         EXPECT_TRUE(logged().contains("/no such file.swf /nor this.swf)... "));
     }
 }

@@ -2,8 +2,11 @@
 
 #include "Environment.h"
 #include "PlayerWindow.h"
+#include "core/Texts.h"
 #include "flash/FlashControl.h"
+#include "player/Advice.h"
 #include "player/ControlBar.h"
+#include "player/Texts.h"
 #include "player/WelcomePanel.h"
 
 #include <QApplication>
@@ -211,7 +214,8 @@ TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
     EXPECT_EQ(player.windowTitle(), "Zorvex");
 
     drop(player, path("absent.swf"));
-    EXPECT_EQ(welcome(player).message(), "«absent.swf»: Файл не найден");
+    EXPECT_EQ(welcome(player).message(),
+              "«absent.swf»: Файл не найден\n" + adviceOn(core::texts::kFileNotFound));
     EXPECT_TRUE(welcome(player).findChild<QLabel*>("message")->isVisible());
     EXPECT_EQ(player.status().statusText, "Готово");
     EXPECT_FALSE(player.updateTimerEnabled());
@@ -223,7 +227,8 @@ TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
 
     // The engine refuses what identification let pass: a movie that says it is compressed and is not.
     drop(player, put("broken.swf", media::withHeader("CWS", 5, 1000, media::movieBody())));
-    EXPECT_EQ(welcome(player).message(), "«broken.swf»: Ролик повреждён, показать его нельзя");
+    EXPECT_EQ(welcome(player).message(),
+              "«broken.swf»: Ролик повреждён, показать его нельзя\n" + adviceOn(texts::kMovieDamaged));
     EXPECT_FALSE(player.menus().item("mnuSaveAs").isEnabled()) << "there is nothing to save";
 }
 
