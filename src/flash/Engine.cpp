@@ -188,6 +188,9 @@ public:
         }
         if (scripts == Scripts::Second) {
             avm2::PlayerInputs inputs;
+            inputs.language = options.language;
+            inputs.screenWidth = options.screenWidth;
+            inputs.screenHeight = options.screenHeight;
             inputs.wallClockMs = [start = options.startDateMs] { return start; };
             inputs.realTimeMs = [] {
                 const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -225,6 +228,10 @@ public:
             if (script) {
                 script->vm().disable(); // a getter among what is saved may never come to an end
                 script->saveSharedObjects();
+            }
+            if (script3) {
+                script3->vm().disable();
+                script3->saveSharedObjects();
             }
         } catch (const std::bad_alloc&) {
             host.logLine("The shared objects were not saved: no memory");

@@ -385,7 +385,7 @@ constexpr NativeClass kClasses[] = {
     derived("SecurityErrorEvent", "", kSecurityConstants, "flash.events::ErrorEvent"),
     derived("AsyncErrorEvent", "error:*", kAsyncConstants, "flash.events::ErrorEvent"),
     derived("FocusEvent", "relatedObject:* shiftKey:Boolean keyCode:uint direction:String", kFocusConstants),
-    derived("HTTPStatusEvent", "status:int", kHttpConstants),
+    derived("HTTPStatusEvent", "status:int redirected:Boolean responseURL:String", kHttpConstants),
     derived("NetStatusEvent", "info:*", kNetConstants),
     derived("DataEvent", "data:String=", kTextConstants, "flash.events::TextEvent"),
     derived("SampleDataEvent", "position:Number data:*", {}),

@@ -12,6 +12,14 @@ std::span<const NativeLibrary> bindingsLibrary();
 
 std::span<const NativeClass> geometryClasses();
 std::span<const NativeClass> recordClasses();
-std::span<const NativeFunctionInfo> systemFunctions();
+
+NativeLibrary timerLibrary();
+NativeLibrary systemLibrary();     ///< flash.system and what reports on the machine
+NativeLibrary interfaceLibrary();  ///< flash.ui, flash.accessibility, flash.external, flash.printing
+NativeLibrary netLoadingLibrary(); ///< what fetches addresses
+NativeLibrary netPeerLibrary();    ///< connections
+NativeLibrary socketLibrary();
+NativeLibrary sharedObjectLibrary();
+NativeLibrary fileLibrary(); ///< files that a user would choose
 
 } // namespace flash::avm2

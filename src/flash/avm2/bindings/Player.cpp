@@ -36,6 +36,8 @@ Player::~Player()
 {
     m_vm->disable();
     m_timers.clear();
+    m_localConnections.clear();
+    m_sharedObjects.clear();
     m_symbols.clear();
 }
 
@@ -207,6 +209,9 @@ void Player::frameEnded()
     runAllScripts(*m_stageObject);
     broadcast("exitFrame");
     syncPicture(*m_root);
+    // What the frame's scripts have asked for.
+    m_stage->loads().deliver();
+    m_stage->queue().run();
     if (m_vm->heap().shouldCollect()) m_vm->heap().collect();
 }
 

@@ -16,6 +16,8 @@ struct PlayerInputs {
     std::function<double()> wallClockMs; ///< since 1970-01-01 UTC, when the movie is opened
     std::function<double()> realTimeMs;  ///< of any origin
     std::uint32_t randomSeed = 1;
+    std::string language = "en"; ///< two letters
+    int screenWidth = 1024, screenHeight = 768;
 };
 
 /// Joins the machine to a stage: the frames of the display list as scripts see it, timers, events.
@@ -28,6 +30,7 @@ public:
     Vm& vm() { return *m_vm; }
     static Player& of(Vm& vm) { return *static_cast<Player*>(vm.binding); }
     [[nodiscard]] stage::Stage& stage() { return *m_stage; }
+    [[nodiscard]] const PlayerInputs& inputs() const { return m_inputs; }
 
     // ---- Host ----
     void trace(std::u16string_view text) override;
@@ -73,6 +76,12 @@ public:
     /// @returns what names it
     std::uint32_t addTimer(Value function, std::span<const Value> args, double everyMs, bool repeats);
     void removeTimer(std::uint32_t id);
+    /// Those that listen, by the name that others call.
+    std::map<std::u16string, Root<Object>>& localConnections() { return m_localConnections; }
+    /// Those that are open, by the name that the store knows.
+    std::map<std::string, Root<Object>>& sharedObjects() { return m_sharedObjects; }
+    /// Writes those that have changed.
+    void saveSharedObjects();
 
 private:
     void begin();
@@ -96,6 +105,8 @@ private:
     RootedList<DisplayObject*> m_listening;
     std::map<std::uint16_t, Root<ClassObject>> m_symbols;
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
+    std::map<std::u16string, Root<Object>> m_localConnections;
+    std::map<std::string, Root<Object>> m_sharedObjects;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;
     bool m_hasBegun = false;
 };
