@@ -68,7 +68,6 @@ base::Result<std::unique_ptr<Container>> Container::open(Format format, int desc
     container->m_io.reset(
         avio_alloc_context(buffer, kBufferBytes, 1, container.get(), nullptr, &write, &seek));
     container->m_format->pb = container->m_io.get();
-    container->m_packet.reset(av_packet_alloc());
     return container;
 }
 
@@ -97,15 +96,18 @@ base::Result<void> Container::begin()
 
 base::Result<void> Container::encode(AVCodecContext& encoder, const AVFrame* frame, AVStream& track)
 {
+    const av::Owned<AVPacket> packet(av_packet_alloc());
+    if (!packet) return av::fail("the encoder failed", AVERROR(ENOMEM));
     int error = avcodec_send_frame(&encoder, frame);
     if (error < 0) return av::fail("the encoder failed", error);
     while (true) {
-        error = avcodec_receive_packet(&encoder, m_packet.get());
+        error = avcodec_receive_packet(&encoder, packet.get());
         if (error == AVERROR(EAGAIN) || error == AVERROR_EOF) return {};
         if (error < 0) return av::fail("the encoder failed", error);
-        av_packet_rescale_ts(m_packet.get(), encoder.time_base, track.time_base);
-        m_packet->stream_index = track.index;
-        error = av_interleaved_write_frame(m_format.get(), m_packet.get());
+        av_packet_rescale_ts(packet.get(), encoder.time_base, track.time_base);
+        packet->stream_index = track.index;
+        const std::lock_guard lock(m_writing);
+        error = av_interleaved_write_frame(m_format.get(), packet.get());
         if (error >= 0) error = m_io->error;
         if (error < 0) return failure("the file cannot be written", error);
     }

@@ -3,10 +3,12 @@
 #include "export/Settings.h"
 #include "export/encode/Ffmpeg.h"
 
+#include <mutex>
+
 namespace exporter
 {
 
-/// The file that tracks are written to.
+/// The file that tracks are written to. Several threads may encode at once, each with an encoder of its own.
 class Container
 {
 public:
@@ -37,7 +39,7 @@ private:
     int m_systemError = 0; // of the write that failed first
     av::Owned<AVIOContext> m_io;
     av::Owned<AVFormatContext> m_format;
-    av::Owned<AVPacket> m_packet;
+    std::mutex m_writing; // of m_format, m_io and m_systemError once the head is written
 };
 
 } // namespace exporter

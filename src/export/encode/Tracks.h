@@ -1,6 +1,6 @@
 #pragma once
 
-#include "export/encode/Container.h"
+#include "export/encode/EncodingThread.h"
 #include "export/encode/Palette.h"
 
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace exporter
 base::Result<const AVCodec*> pictureEncoder(Format format);
 base::Result<const AVCodec*> soundEncoder(Format format);
 
-/// What is seen: pictures at a steady rate.
+/// What is seen: pictures at a steady rate, encoded beside the caller.
 class PictureTrack
 {
 public:
@@ -30,6 +30,7 @@ public:
     [[nodiscard]] static QSize fitting(Format format, QSize size);
 
     /// @param picture Format_ARGB32_Premultiplied; null: the one before stays for another moment
+    /// @errors also those of pictures before
     base::Result<void> take(const QImage* picture);
     base::Result<void> finish();
 
@@ -45,6 +46,7 @@ private:
     std::unique_ptr<Palette> m_palette;
     Rate m_rate;
     std::int64_t m_count = 0;
+    std::unique_ptr<EncodingThread> m_encoding; // from the first picture on; the last: it uses m_encoder
 };
 
 /// What is heard.

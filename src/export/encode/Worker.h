@@ -31,7 +31,7 @@ struct Written {
     std::string endedBecause; ///< the movie was closed before its time; empty otherwise
 };
 
-/// Plays a movie and writes it as a film, all in this process and thread.
+/// Plays a movie and writes it as a film, all in this process; the progress is told in this thread.
 /// @param descriptor of the file, open for reading and writing, at its start
 /// @param folder     instead of it, for pictures one by one: exists and is empty
 /// @errors those of flash::Film::open(); Unsupported when the machine's FFmpeg lacks an encoder; IoFailure
