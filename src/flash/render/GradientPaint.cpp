@@ -118,6 +118,14 @@ public:
 protected:
     // The positions on the ramp, in entries, of pixels from `start` (in the gradient's unit circle) on.
     virtual void place(swf::Point start, std::size_t count, float* positions) const = 0;
+    [[nodiscard]] std::uint32_t colorAt(int x, int y) const
+    {
+        float position = 0;
+        std::int32_t entry = 0;
+        place(m_fromDevice.map(x + m_within, y + m_within), 1, &position);
+        toEntries(&position, 1, m_spread, &entry);
+        return m_ramp[static_cast<std::size_t>(entry)];
+    }
     [[nodiscard]] float stepX() const { return static_cast<float>(m_fromDevice.a); }
     [[nodiscard]] float stepY() const { return static_cast<float>(m_fromDevice.b); }
 
@@ -166,7 +174,16 @@ void placeFocal(float startX, float startY, float stepX, float stepY, float foca
 
 class LinearPaint final : public GradientPaint
 {
+public:
     using GradientPaint::GradientPaint;
+    // Skies and buttons: what runs straight down has one colour a row.
+    [[nodiscard]] std::optional<std::uint32_t> rowColor(int y) const override
+    {
+        if (stepX() * (kRampSize / 2) != 0) return std::nullopt;
+        return colorAt(0, y);
+    }
+
+private:
     void place(swf::Point start, std::size_t count, float* positions) const override
     {
         placeLinear(static_cast<float>((start.x + 1) * (kRampSize / 2)), stepX() * (kRampSize / 2), count,

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace flash::render
 {
@@ -41,6 +42,8 @@ public:
     virtual ~Paint() = default;
     /// Writes the colours of pixels (x, y) to (x + count - 1, y), as seen at their centres.
     virtual void fetch(int x, int y, std::size_t count, std::uint32_t* to) const = 0;
+    /// The one colour of all pixels of a row, where that can be told at once.
+    [[nodiscard]] virtual std::optional<std::uint32_t> rowColor(int /*y*/) const { return std::nullopt; }
     /// Whether every pixel it writes is opaque.
     [[nodiscard]] virtual bool isOpaque() const { return false; }
 };

@@ -64,10 +64,19 @@ void SpanPainter::row(int y, std::span<const StyleSpan> spans)
 void SpanPainter::single(const StyleSpan& span)
 {
     const StylePaint& style = m_styles[span.style - 1];
-    if (style.paint != nullptr && m_mask == nullptr && coversAlone(span) && style.paint->isOpaque()) {
-        flushRun();
-        style.paint->fetch(span.x, m_y, static_cast<std::size_t>(span.count), m_target.at(span.x, m_y));
-        return;
+    if (style.paint != nullptr && m_mask == nullptr && coversAlone(span)) {
+        const auto count = static_cast<std::size_t>(span.count);
+        std::uint32_t* to = m_target.at(span.x, m_y);
+        if (const auto color = style.paint->rowColor(m_y)) {
+            flushRun();
+            composeSolid(to, count, *color);
+            return;
+        }
+        if (style.paint->isOpaque()) {
+            flushRun();
+            style.paint->fetch(span.x, m_y, count, to);
+            return;
+        }
     }
     if (style.paint != nullptr || m_mask != nullptr) {
         extendRun(span);
@@ -107,13 +116,19 @@ void SpanPainter::flushRun()
     const auto count = static_cast<std::size_t>(m_runEnd - m_runStart);
     applyMask(m_runStart, count);
     std::uint32_t* to = m_target.at(m_runStart, m_y);
-    if (style.paint != nullptr) {
+    if (const auto color = colorOf(style)) {
+        composeSolid(to, m_coverage.data(), count, *color);
+    } else {
         style.paint->fetch(m_runStart, m_y, count, m_fetched.data());
         composePixels(to, m_fetched.data(), m_coverage.data(), count);
-    } else {
-        composeSolid(to, m_coverage.data(), count, style.color);
     }
     m_runStyle = 0;
+}
+
+std::optional<std::uint32_t> SpanPainter::colorOf(const StylePaint& style) const
+{
+    if (style.paint == nullptr) return style.color;
+    return style.paint->rowColor(m_y);
 }
 
 void SpanPainter::applyMask(int x, std::size_t count)
@@ -135,8 +150,8 @@ void SpanPainter::shared(std::span<const StyleSpan> parts)
     std::fill_n(m_sums.data(), 4 * count, std::uint16_t{0});
     for (const StyleSpan& part : parts) {
         const StylePaint& style = m_styles[part.style - 1];
-        if (style.paint == nullptr) {
-            addSolid(m_sums.data(), part.coverages, count, style.color);
+        if (const auto color = colorOf(style)) {
+            addSolid(m_sums.data(), part.coverages, count, *color);
             continue;
         }
         style.paint->fetch(x, m_y, count, m_fetched.data());
@@ -154,11 +169,10 @@ void SpanPainter::evenlyShared(std::span<const StyleSpan> parts)
     std::uint64_t solid = 0;
     bool allSolid = true;
     for (const StyleSpan& part : parts) {
-        const StylePaint& style = m_styles[part.style - 1];
-        if (style.paint != nullptr)
-            allSolid = false;
+        if (const auto color = colorOf(m_styles[part.style - 1]))
+            solid += spread(*color) * part.coverage;
         else
-            solid += spread(style.color) * part.coverage;
+            allSolid = false;
     }
     if (allSolid && m_mask == nullptr) {
         std::uint32_t* to = m_target.at(x, m_y);
@@ -173,7 +187,7 @@ void SpanPainter::evenlyShared(std::span<const StyleSpan> parts)
         std::uint64_t sum = solid;
         for (const StyleSpan& part : parts) {
             const StylePaint& style = m_styles[part.style - 1];
-            if (style.paint == nullptr) continue;
+            if (colorOf(style)) continue;
             std::uint32_t pixel = 0;
             style.paint->fetch(x + static_cast<int>(i), m_y, 1, &pixel);
             sum += spread(pixel) * part.coverage;

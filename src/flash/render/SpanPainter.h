@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace flash::render
@@ -44,6 +45,8 @@ private:
     void extendRun(const StyleSpan& span);
     void flushRun();
     void applyMask(int x, std::size_t count);
+    /// The one colour that a style has in this row; none where it has to be fetched.
+    [[nodiscard]] std::optional<std::uint32_t> colorOf(const StylePaint& style) const;
 
     Target m_target;
     const Mask* m_mask = nullptr;

@@ -195,6 +195,28 @@ TEST(Gradients, AreLookedAtInTheCornersOfPixelsWhereEdgesAreSmoothed)
     EXPECT_EQ(at(Quality::Low), 132);
 }
 
+TEST(Gradients, StraightDownLookLikeThoseThatLeanByAHair)
+{
+    // The one is painted a row at a time, the other pixel by pixel: through edges, veils and shared borders.
+    const auto drawn = [](double lean, std::uint8_t alpha) {
+        FillStyle fill = gradientFill(FillStyle::Kind::LinearGradient, Gradient::Spread::Reflect);
+        for (auto& stop : fill.gradient.stops) stop.color.a = alpha;
+        const double size = 60.0 * 20 / 32768;
+        fill.matrix = {size * lean, size, -size, size * lean, 50 * 20, 50 * 20};
+        Picture picture(100, 100, {90, 160, 30, 255});
+        const swf::Matrix turned{0.8, 0.6, -0.6, 0.8, 50, -20};
+        picture.canvas.drawShape(rectShape(5.3, 7.1, 90.6, 93.2, fill), kStage);
+        fill.matrix = {-size * 0.6 + size * lean, size * 0.8, -size * 0.8,
+                       -size * 0.6 + size * lean, 900,        900};
+        picture.canvas.drawShape(rectShape(20, 10, 80, 60, fill), twipsToPixels(turned));
+        std::vector<std::uint32_t> pixels;
+        for (int y = 0; y < 100; ++y)
+            for (int x = 0; x < 100; ++x) pixels.push_back(picture.at(x, y));
+        return pixels;
+    };
+    for (const std::uint8_t alpha : {255, 130}) EXPECT_EQ(drawn(0, alpha), drawn(1e-9, alpha)) << +alpha;
+}
+
 TEST(Gradients, TakeStopsThatAreMissingOrOutOfOrder)
 {
     FillStyle fill = gradientFill(FillStyle::Kind::LinearGradient);
