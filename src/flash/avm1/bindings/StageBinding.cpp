@@ -182,8 +182,9 @@ void StageBinding::defineVersion(Object* root)
 
 stage::Node* StageBinding::nodeOf(Object* object)
 {
-    NodeObject* native = object ? object->native<NodeObject>() : nullptr;
-    return native ? native->live() : nullptr;
+    // Asked after every call: what only instances of the stage are tells them without asking the native.
+    if (!object || object->exotic() != Exotic::Node) return nullptr;
+    return static_cast<NodeObject*>(object->nativeBase())->live();
 }
 
 stage::Node* StageBinding::nodeAt(std::string_view path)

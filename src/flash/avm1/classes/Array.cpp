@@ -51,6 +51,9 @@ Value pop(Call& call)
     Vm& vm = call.vm;
     Object* self = call.self.asObject();
     if (self == nullptr) return {};
+    Value top;
+    if (auto* array = self->native<ArrayNative>(); array != nullptr && array->popElement(vm, *self, top))
+        return top;
     const double length = listLength(vm, self);
     if (length <= 0) return {};
     const Name last = vm.names().fromIndex(static_cast<std::uint32_t>(length - 1));
@@ -200,9 +203,9 @@ Value toString(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name       min    flags  function    native
-    {"push",      0,     0,     &push,      1},
-    {"pop",       0,     0,     &pop,       2},
+    // name       min    flags  function    native  brief
+    {"push",      0,     0,     &push,      1,  true},
+    {"pop",       0,     0,     &pop,       2,  true},
     {"concat",    0,     0,     &concat,    3},
     {"shift",     0,     0,     &shift,     4},
     {"unshift",   0,     0,     &unshift,   5},

@@ -259,13 +259,13 @@ Value fromCharCode(Call& call)
 
 // clang-format off
 constexpr MemberInfo kMembers[] = {
-    // name          min    flags  function       native
+    // name          min    flags  function       native  brief
     {"valueOf",      0,     0,     &valueOf,      1},
     {"toString",     0,     0,     &valueOf,      2},
     {"toUpperCase",  0,     0,     &toUpperCase,  3},
     {"toLowerCase",  0,     0,     &toLowerCase,  4},
-    {"charAt",       0,     0,     &charAt,       5},
-    {"charCodeAt",   0,     0,     &charCodeAt,   6},
+    {"charAt",       0,     0,     &charAt,       5,  true},
+    {"charCodeAt",   0,     0,     &charCodeAt,   6,  true},
     {"concat",       0,     0,     &concat,       7},
     {"indexOf",      1,     0,     &indexOf,      8},
     {"lastIndexOf",  1,     0,     &lastIndexOf,  9},

@@ -47,6 +47,10 @@ using ActionFunction = void (*)(Frame&, const Instruction&);
     X(SetVariable, setVariable)                                                                              \
     X(Return, returnValue)                                                                                   \
     X(PushDuplicate, pushDuplicate)                                                                          \
+    X(ToNumber, toNumber)                                                                                    \
+    X(StackSwap, stackSwap)                                                                                  \
+    X(CallFunction, callFunction)                                                                            \
+    X(CallMethod, callMethod)                                                                                \
     X(End, end)                                                                                              \
     X(RegionEnd, regionEnd)
 
@@ -243,7 +247,7 @@ constexpr ActionInfo kActions[] = {
     {ActionCode::Delete,             &actions::deleteMember},
     {ActionCode::Delete2,            &actions::deleteVariable},
     {ActionCode::DefineLocal,        &actions::defineLocal,            Hot::None, kNeedsActivation},
-    {ActionCode::CallFunction,       &actions::callFunction,           Hot::None, kCached},
+    {ActionCode::CallFunction,       &actions::callFunction,           Hot::CallFunction, kCached},
     {ActionCode::Return,             &actions::returnValue,            Hot::Return},
     {ActionCode::Modulo,             &actions::modulo},
     {ActionCode::NewObject,          &actions::newObject,              Hot::None, kCached},
@@ -256,15 +260,15 @@ constexpr ActionInfo kActions[] = {
     {ActionCode::Add2,               &actions::add2,                   Hot::Add2},
     {ActionCode::Less2,              &actions::less2,                  Hot::Less2},
     {ActionCode::Equals2,            &actions::equals2,                Hot::Equals2},
-    {ActionCode::ToNumber,           &actions::toNumber},
+    {ActionCode::ToNumber,           &actions::toNumber,               Hot::ToNumber},
     {ActionCode::ToString,           &actions::toString},
     {ActionCode::PushDuplicate,      &actions::pushDuplicate,          Hot::PushDuplicate},
-    {ActionCode::StackSwap,          &actions::stackSwap},
+    {ActionCode::StackSwap,          &actions::stackSwap,              Hot::StackSwap},
     {ActionCode::GetMember,          &actions::getMember,              Hot::GetMember, kCached},
     {ActionCode::SetMember,          &actions::setMember,              Hot::SetMember, kCached},
     {ActionCode::Increment,          &actions::increment,              Hot::Increment},
     {ActionCode::Decrement,          &actions::decrement,              Hot::Decrement},
-    {ActionCode::CallMethod,         &actions::callMethod,             Hot::None, kCached},
+    {ActionCode::CallMethod,         &actions::callMethod,             Hot::CallMethod, kCached},
     {ActionCode::NewMethod,          &actions::newMethod},
     {ActionCode::InstanceOf,         &actions::instanceOf},
     {ActionCode::Enumerate2,         &actions::enumerate2},

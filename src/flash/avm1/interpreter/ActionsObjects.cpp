@@ -215,7 +215,7 @@ void callMethod(Frame& frame, const Instruction& instruction)
     Vm& vm = frame.vm;
     const Value key = frame.pop();
     const Value base = frame.pop();
-    const Name name = avm1::toName(vm, key);
+    const Name name = key.isUndefined() ? vm.common().empty : avm1::toName(vm, key);
     Value result;
     {
         const StackedArguments args(frame);

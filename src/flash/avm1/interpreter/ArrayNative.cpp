@@ -72,6 +72,19 @@ bool ArrayNative::putElement(Vm& vm, const Object& self, std::uint32_t index, Va
     return true;
 }
 
+bool ArrayNative::popElement(Vm& vm, const Object& self, Value& value)
+{
+    const std::size_t size = m_elements.size();
+    if (size == 0 || m_length != static_cast<double>(size) || signedLength() != m_length ||
+        m_elements.back().isHole() || m_flagged >= size || !m_order.empty() || self.hasWatches() ||
+        self.shape()->hasIndexNames() || self.hasPlain(vm, vm.common().length))
+        return false;
+    value = m_elements.back();
+    m_elements.pop_back();
+    m_lengthValue = Value(m_length = static_cast<double>(size - 1));
+    return true;
+}
+
 Value ArrayNative::takeElement(Name name)
 {
     Value* element = elementAt(name.arrayIndex());

@@ -43,6 +43,9 @@ public:
     /// Assigns to an element of the dense part or not far behind it, where nothing but the array itself has a
     /// say. @returns whether that was so.
     bool putElement(Vm& vm, const Object& self, std::uint32_t index, Value value);
+    /// Takes the last element off, where nothing but the array itself has a say. @returns whether that was
+    /// so.
+    bool popElement(Vm& vm, const Object& self, Value& value);
     /// @returns the element of that name, which leaves a hole; undefined when there is none
     Value takeElement(Name name);
     [[nodiscard]] TracedList<Value>& elements() { return m_elements; }

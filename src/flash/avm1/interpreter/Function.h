@@ -42,6 +42,8 @@ struct MemberInfo {
     std::uint16_t flags; ///< of the property, besides kBuiltIn
     NativeFunction function;
     int nativeIndex = -1; ///< what ASnative(table, index) calls it; -1 for none
+    /// What it costs does not grow with the text or list that it is called on.
+    bool isBrief = false;
 };
 
 /// A property of a class's prototype with a native getter and setter (null: read-only).
@@ -75,6 +77,9 @@ public:
     [[nodiscard]] bool isNative() const { return m_native != nullptr; }
     [[nodiscard]] NativeFunction nativeFunction() const { return m_native; }
     [[nodiscard]] int minArguments() const { return m_minArguments; }
+    /// As MemberInfo::isBrief.
+    [[nodiscard]] bool isBrief() const { return m_isBrief; }
+    void setBrief(bool brief) { m_isBrief = brief; }
     [[nodiscard]] FunctionCode* code() const { return m_code; }
     /// The constant pool in force where the function was made; may be null.
     [[nodiscard]] const TracedList<Value>* pool() const { return m_pool; }
@@ -89,6 +94,7 @@ private:
     void becomeFunction(Vm& vm);
     NativeFunction m_native = nullptr;
     int m_minArguments = 0;
+    bool m_isBrief = false;
     FunctionCode* m_code = nullptr; // inside m_owner
     const TracedList<Value>* m_pool = nullptr;
     Code* m_owner = nullptr;

@@ -127,7 +127,7 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
     if (!function->isNative()) {
         result = invokeScript(vm, function, self, args, options);
     } else if (args.size() >= static_cast<std::size_t>(function->minArguments())) {
-        noteWorkOn(vm, self, args);
+        if (!function->isBrief()) noteWorkOn(vm, self, args);
         Call call{vm, self, args, function, options.isConstruct};
         result = function->nativeFunction()(call);
     }
@@ -228,9 +228,11 @@ void Interpreter::preload(Frame& frame, const FunctionHead& head)
     put(FunctionHead::PreloadSuper, FunctionHead::SuppressSuper, [&] { return superObject(frame); });
     put(FunctionHead::PreloadRoot, 0,
         [&] { return clip == nullptr ? Value() : Value(vm.m_host.root(clip)); });
-    // A root has no parent, and leaves no register for one.
-    Object* const parent = clip == nullptr ? nullptr : vm.m_host.parent(clip);
-    if (parent != nullptr || clip == nullptr) put(FunctionHead::PreloadParent, 0, [&] { return parent; });
+    if ((head.flags & FunctionHead::PreloadParent) != 0) {
+        // A root has no parent, and leaves no register for one.
+        Object* const parent = clip == nullptr ? nullptr : vm.m_host.parent(clip);
+        if (parent != nullptr || clip == nullptr) frame.setRegister(next++, parent);
+    }
     put(FunctionHead::PreloadGlobal, 0, [&] { return Value(vm.global()); });
 }
 

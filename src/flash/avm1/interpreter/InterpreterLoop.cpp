@@ -1,6 +1,8 @@
 #include "flash/avm1/interpreter/Actions.h"
 #include "flash/avm1/interpreter/Interpreter.h"
 
+#include <utility>
+
 // The loop that runs decoded code: a jump from each instruction straight to the next one's case. Common
 // actions have cases of their own for the common kinds of operands; everything else goes through the table.
 namespace flash::avm1
@@ -97,6 +99,15 @@ pushDuplicate:
     ++top;
     NEXT;
 
+toNumber:
+    if (top == base || !top[-1].isNumber()) goto viaTable;
+    NEXT;
+
+stackSwap:
+    if (top - base < 2) goto viaTable;
+    std::swap(top[-1], top[-2]);
+    NEXT;
+
 jumpIf : {
     const Value condition = top == base ? Value() : *--top;
     bool taken;
@@ -188,6 +199,18 @@ setMember:
     LEAVE;
     setMemberCached(frame, top[-3], top[-2], top[-1], current->b);
     top -= 3;
+    goto afterCall;
+
+callFunction:
+    LEAVE;
+    actions::callFunction(frame, *current);
+    ENTER;
+    goto afterCall;
+
+callMethod:
+    LEAVE;
+    actions::callMethod(frame, *current);
+    ENTER;
     goto afterCall;
 
 returnValue:

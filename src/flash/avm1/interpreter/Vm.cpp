@@ -287,6 +287,7 @@ void Vm::addMembers(Object* object, std::span<const MemberInfo> members, int nat
 {
     for (const MemberInfo& member : members) {
         Function* function = newFunction(member.function, member.minArguments);
+        function->setBrief(member.isBrief);
         object->define(*this, name(member.name), function,
                        static_cast<std::uint16_t>(kBuiltIn | member.flags));
         if (nativeTable >= 0 && member.nativeIndex >= 0)
