@@ -8,9 +8,9 @@ import re
 import sys
 
 # Lowest first. A module may include itself and modules named before it.
-LAYERS = ['base', 'flash/guard', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/vm', 'flash/avm1/interpreter',
+LAYERS = ['base', 'flash/guard', 'flash/codec', 'flash/swf', 'flash/video', 'flash/render', 'flash/stage', 'flash/net', 'flash/vm', 'flash/avm1/interpreter',
           'flash/avm1/classes', 'flash/avm1/bindings', 'flash/avm2/abc', 'flash/avm2/interpreter', 'flash/avm2/classes',
-          'flash/avm2/bindings', 'flash/sound', 'flash/net', 'flash',
+          'flash/avm2/bindings', 'flash/sound', 'flash',
           'script', 'platform', 'core', 'media', 'settings', 'skin', 'browser', 'export', 'ui', 'player',
           'app']
 # What the player's modules may include of the two engines.

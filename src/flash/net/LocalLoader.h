@@ -31,7 +31,7 @@ public:
 private:
     [[nodiscard]] bool isInside(const std::filesystem::path& canonical) const;
 
-    std::filesystem::path m_root;                 // canonical; empty when the folder does not exist
+    std::filesystem::path m_root; // canonical; empty when the folder does not exist
 };
 
 /// `file:///a/b%20c.swf` for a path; all but unreserved characters and "/" are escaped.

@@ -1,6 +1,6 @@
 #include "flash/avm1/bindings/NetStream.h"
 
-#include "flash/avm1/bindings/Amf0.h"
+#include "flash/avm1/bindings/AmfValues.h"
 #include "flash/guard/Holding.h"
 
 #include <algorithm>
@@ -210,9 +210,11 @@ void NetStream::tellMessages()
 {
     Vm& vm = m_binding.vm();
     for (const base::Bytes message : m_player->takeMessages()) {
-        Amf0Reader reader(vm, message);
-        const auto name = reader.value();
-        const auto value = name ? reader.value() : name;
+        net::AmfBytes source(message);
+        net::AmfReader reader(source, net::AmfVersion::Amf0);
+        AmfValueReader values(vm, reader);
+        const auto name = values.value();
+        const auto value = name ? values.value() : name;
         if (!value || !name->isString()) continue;
         const unsigned request = m_request;
         vm.callMethod(m_self, StageBinding::toUtf8(toText(vm, *name)), {*value});

@@ -4,6 +4,7 @@
 
 #include "base/TextCodes.h"
 #include "flash/guard/Guard.h"
+#include "flash/net/SharedObjectFile.h"
 
 // SharedObject: what a movie keeps on the machine. Those of servers do not exist.
 namespace flash::avm1
@@ -23,11 +24,6 @@ public:
     std::string key; ///< what the store knows it by
 };
 
-bool isValidName(std::string_view name)
-{
-    return !name.empty() && name.find_first_of("~%&\\;:\"',<>?# ") == std::string_view::npos;
-}
-
 Object* dataOf(Vm& vm, Object* shared)
 {
     return shared->get(vm, vm.name(std::string_view("data"))).asObject();
@@ -38,8 +34,8 @@ std::vector<std::uint8_t> contentOf(Vm& vm, Object* shared)
     Object* data = dataOf(vm, shared);
     const auto* native = shared->native<SharedObjectNative>();
     if (!data || !native) return {};
-    const std::string& key = native->key;
-    return encodeStored(vm, data, std::string_view(key).substr(key.rfind('/') + 1));
+    const std::string key = native->key; // accessors of the data may let go of the object
+    return encodeStored(vm, data, net::sharedObjectName(key));
 }
 
 bool isEmpty(Vm& vm, Object* shared)
@@ -48,30 +44,16 @@ bool isEmpty(Vm& vm, Object* shared)
     return !data || data->enumerate(vm).empty();
 }
 
-/// The path of a movie's address, without scheme, host and query.
-std::string pathOf(std::string_view url)
-{
-    url = url.substr(0, url.find('?'));
-    if (const auto scheme = url.find("://"); scheme != std::string_view::npos) {
-        url.remove_prefix(scheme + 3);
-        url.remove_prefix(std::min(url.find('/'), url.size()));
-    }
-    return std::string(url);
-}
-
 Value getLocal(Call& call)
 {
     StageBinding& binding = StageBinding::of(call);
     Vm& vm = call.vm;
     const std::string name = call.count() > 0 ? utf8Arg(call, 0) : std::string();
-    if (!isValidName(name)) return Value::null();
-    std::string key = name;
-    if (call.count() > 1 && !call.arg(1).isNullish()) {
-        // A folder of the movie's own path, so that movies there can share.
-        const std::string folder = utf8Arg(call, 1);
-        if (!pathOf(binding.stage().url()).starts_with(folder)) return Value::null();
-        key = folder + (folder.ends_with('/') ? "" : "/") + name;
-    }
+    std::optional<std::string> folder;
+    if (call.count() > 1 && !call.arg(1).isNullish()) folder = utf8Arg(call, 1);
+    const auto asked = net::sharedObjectKey(name, folder, binding.stage().url());
+    if (!asked) return Value::null();
+    const std::string& key = *asked;
     auto& known = binding.sharedObjects();
     if (const auto found = known.find(key); found != known.end()) return Value(found->second);
     if (known.size() >= guard::kMaxSharedObjects) {

@@ -8,7 +8,7 @@
 namespace flash::avm1
 {
 
-/// Writes the properties of an object (see Amf0Writer::properties()) as a local shared object's file.
+/// Writes the properties of an object (see AmfValueWriter::properties()) as a local shared object's file.
 std::vector<std::uint8_t> encodeStored(Vm& vm, Object* data, std::string_view name);
 
 /// Reads what encodeStored() wrote, or another player of the same format, as properties of `data`. What comes

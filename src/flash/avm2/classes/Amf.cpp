@@ -1,7 +1,8 @@
 #include "flash/avm2/classes/ByteArray.h"
 
+#include "flash/net/Amf.h"
+
 #include <algorithm>
-#include <bit>
 
 namespace flash::avm2::classes
 {
@@ -9,362 +10,382 @@ namespace flash::avm2::classes
 namespace
 {
 
-constexpr int kDeepest = 200;
+constexpr int kMaxNesting = 200;
+using net::AmfVersion;
+using Kind = net::AmfValue::Kind;
 
-/// The newer format: numbers of seven bits to a byte, references to what came before.
+bool isDate(Vm& vm, Object* object) { return object->traits()->isA(vm.classes().date->instances); }
+
+std::string markupOf(Vm& vm, Value document)
+{
+    return toUtf8(vm.text(vm.callPublic(document, "toXMLString")));
+}
+
+/// The public members that every instance of a class has, in the order in which they are written.
+RootedList<Name> sealedMembers(Vm& vm, Object* object)
+{
+    RootedList<Name> sealed(vm.heap());
+    for (const Traits::Entry& entry : object->traits()->entries()) {
+        const bool isVariable =
+            entry.binding.kind == Binding::Kind::Slot || (entry.binding.kind == Binding::Kind::Accessor &&
+                                                          entry.binding.id >= 0 && entry.binding.setter >= 0);
+        if (isVariable && entry.ns->isPublic()) sealed.push_back(entry.name);
+    }
+    return sealed;
+}
+
+std::string aliasOf(Vm& vm, const Traits* traits)
+{
+    std::u16string alias;
+    for (const auto& [name, cls] : vm.aliases()) {
+        if (traits != nullptr && traits->cls == cls) alias = name;
+    }
+    return toUtf8(alias);
+}
+
+/// How many elements stand at the beginning of an array without a gap.
+std::uint32_t denseLength(Vm& vm, ArrayObject& array)
+{
+    std::uint32_t dense = 0;
+    while (dense < array.length() && array.holds(vm, dense)) ++dense;
+    return dense;
+}
+
+/// What the writers of both versions share. Accessors run while they write, so that what they were given is
+/// held, and written to the byte array at the end only.
 class Writer
 {
 public:
-    Writer(Vm& vm, ByteArrayObject& out) : m_vm(vm), m_out(out), m_objects(vm.heap()), m_strings(vm.heap()) {}
+    explicit Writer(Vm& vm) : m_vm(vm), m_kept(vm.heap()) {}
+
+protected:
+    void enter(int depth)
+    {
+        if (depth > kMaxNesting) m_vm.throwError(ErrorClass::Error, 1023, "Stack overflow occurred.");
+        m_vm.check();
+    }
+    /// @returns what tells this object from others while the writer lives
+    const void* identity(Object* object)
+    {
+        m_kept.push_back(Value(object));
+        return object;
+    }
+    /// Calls write(name, value) for what loops over the object see, from a place on.
+    template <class Write>
+    void eachVisible(Object* object, std::uint32_t from, Write write)
+    {
+        for (std::uint32_t at = 0; (at = object->nextIndex(m_vm, at)) != 0;) {
+            if (at <= from) continue;
+            const Value item = object->nextValue(m_vm, at);
+            if (isFunction(item)) continue;
+            write(toUtf8(m_vm.text(object->nextName(m_vm, at))), item);
+        }
+    }
+
+    Vm& m_vm;
+    RootedList<Value> m_kept;
+};
+
+class Writer3 : private Writer
+{
+public:
+    Writer3(Vm& vm, net::Amf3Writer& out) : Writer(vm), m_out(out) {}
 
     void value(Value value, int depth = 0)
     {
-        if (depth > kDeepest) m_vm.throwError(ErrorClass::Error, 1023, "Stack overflow occurred.");
-        m_vm.check();
+        enter(depth);
         switch (value.type()) {
-        case Value::Type::Undefined: byte(0x00); return;
-        case Value::Type::Null: byte(0x01); return;
-        case Value::Type::Boolean: byte(value.boolean() ? 0x03 : 0x02); return;
-        case Value::Type::Number:
-            if (value.isInt() && std::fabs(value.number()) < (1 << 28) &&
-                !(value.number() == 0 && std::signbit(value.number()))) {
-                byte(0x04);
-                u29(static_cast<std::uint32_t>(m_vm.toInt(value)) & 0x1FFF'FFFFU);
-            } else {
-                byte(0x05);
-                number(value.number());
-            }
-            return;
-        case Value::Type::String:
-            byte(0x06);
-            text(value.string()->view());
-            return;
-        case Value::Type::Object: object(value, depth);
+        case Value::Type::Undefined: m_out.undefined(); return;
+        case Value::Type::Null: m_out.null(); return;
+        case Value::Type::Boolean: m_out.boolean(value.boolean()); return;
+        case Value::Type::Number: m_out.numberValue(value.number()); return;
+        case Value::Type::String: m_out.text(toUtf8(value.string()->view())); return;
+        case Value::Type::Object: object(value.object(), depth);
         }
     }
 
 private:
-    void byte(std::uint8_t value) { m_out.write(m_vm, {&value, 1}); }
-    void u29(std::uint32_t value)
+    void object(Object* object, int depth)
     {
-        if (value >= 0x200000) {
-            byte(static_cast<std::uint8_t>(0x80U | value >> 22U));
-            byte(static_cast<std::uint8_t>(0x80U | (value >> 15U & 0x7FU)));
-            byte(static_cast<std::uint8_t>(0x80U | (value >> 8U & 0x7FU)));
-            byte(static_cast<std::uint8_t>(value));
-            return;
+        const Value value(object);
+        const void* id = identity(object);
+        if (object->isCallable())
+            m_out.undefined();
+        else if (object->isXml())
+            m_out.xml(markupOf(m_vm, value), id);
+        else if (isDate(m_vm, object))
+            m_out.date(m_vm.toNumber(m_vm.getPublic(value, "time")), id);
+        else if (auto* bytes = as<ByteArrayObject>(value))
+            m_out.bytes(bytes->content, id);
+        else if (auto* array = as<ArrayObject>(value))
+            writeArray(*array, id, depth);
+        else if (auto* vector = as<VectorObject>(value))
+            writeVector(*vector, id, depth);
+        else
+            writePlain(object, id, depth);
+    }
+    void writeArray(ArrayObject& array, const void* id, int depth)
+    {
+        const std::uint32_t dense = denseLength(m_vm, array);
+        if (!m_out.array(dense, id)) return;
+        for (std::uint32_t at = 0; (at = array.nextIndex(m_vm, at)) != 0;) {
+            if (at <= dense) continue;
+            m_out.name(toUtf8(m_vm.text(array.nextName(m_vm, at))));
+            value(array.nextValue(m_vm, at), depth + 1);
         }
-        if (value >= 0x4000) byte(static_cast<std::uint8_t>(0x80U | value >> 14U));
-        if (value >= 0x80) byte(static_cast<std::uint8_t>(0x80U | (value >> 7U & 0x7FU)));
-        byte(static_cast<std::uint8_t>(value & 0x7FU));
+        m_out.end();
+        for (std::uint32_t i = 0; i < dense; ++i) value(array.at(m_vm, i), depth + 1);
     }
-    void number(double value)
-    {
-        auto bytes = std::bit_cast<std::array<std::uint8_t, 8>>(value);
-        std::ranges::reverse(bytes);
-        m_out.write(m_vm, bytes);
-    }
-    void text(std::u16string_view text)
-    {
-        const std::string bytes = toUtf8(text);
-        if (!bytes.empty()) {
-            const auto known = std::ranges::find(m_texts, bytes);
-            if (known != m_texts.end()) {
-                u29(static_cast<std::uint32_t>(known - m_texts.begin()) << 1U);
-                return;
-            }
-            m_texts.push_back(bytes);
-        }
-        u29(static_cast<std::uint32_t>(bytes.size()) << 1U | 1U);
-        m_out.write(m_vm, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-    }
-    bool reference(Value value)
-    {
-        for (std::size_t i = 0; i < m_objects.size(); ++i) {
-            if (m_objects[i].bits() != value.bits()) continue;
-            u29(static_cast<std::uint32_t>(i) << 1U);
-            return true;
-        }
-        m_objects.push_back(value);
-        return false;
-    }
-    void object(Value value, int depth)
-    {
-        Object* object = value.object();
-        if (object->isCallable()) {
-            byte(0x00);
-        } else if (object->isXml()) {
-            byte(0x0B);
-            if (reference(value)) return;
-            const std::string bytes = toUtf8(m_vm.text(m_vm.callPublic(value, "toXMLString")));
-            u29(static_cast<std::uint32_t>(bytes.size()) << 1U | 1U);
-            m_out.write(m_vm, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
-        } else if (object->traits()->isA(m_vm.classes().date->instances)) {
-            byte(0x08);
-            if (reference(value)) return;
-            u29(1);
-            number(m_vm.toNumber(m_vm.getPublic(value, "time")));
-        } else if (auto* bytes = as<ByteArrayObject>(value)) {
-            byte(0x0C);
-            if (reference(value)) return;
-            u29(static_cast<std::uint32_t>(bytes->content.size()) << 1U | 1U);
-            const std::vector<std::uint8_t> copy = bytes->content;
-            m_out.write(m_vm, copy);
-        } else if (auto* array = as<ArrayObject>(value)) {
-            byte(0x09);
-            if (reference(value)) return;
-            std::uint32_t dense = 0;
-            while (dense < array->length() && array->holds(m_vm, dense)) ++dense;
-            u29(dense << 1U | 1U);
-            for (std::uint32_t at = 0; (at = array->nextIndex(m_vm, at)) != 0;) {
-                if (at <= dense) continue;
-                text(m_vm.text(array->nextName(m_vm, at)));
-                this->value(array->nextValue(m_vm, at), depth + 1);
-            }
-            text(u"");
-            for (std::uint32_t i = 0; i < dense; ++i) this->value(array->at(m_vm, i), depth + 1);
-        } else if (auto* vector = as<VectorObject>(value)) {
-            writeVector(*vector, value, depth);
-        } else {
-            byte(0x0A);
-            if (reference(value)) return;
-            plain(value, depth);
-        }
-    }
-    void writeVector(VectorObject& vector, Value value, int depth)
+    void writeVector(VectorObject& vector, const void* id, int depth)
     {
         const auto special =
             vector.elementType() != nullptr ? vector.elementType()->special : Traits::Special::None;
-        const bool isInt = special == Traits::Special::Int, isUint = special == Traits::Special::Uint,
-                   isNumber = special == Traits::Special::Number;
-        byte(isInt ? 0x0D : isUint ? 0x0E : isNumber ? 0x0F : 0x10);
-        if (reference(value)) return;
-        u29(static_cast<std::uint32_t>(vector.items.size()) << 1U | 1U);
-        byte(vector.isFixed ? 1 : 0);
-        if (!isInt && !isUint && !isNumber) text(u"");
-        for (std::size_t i = 0; i < vector.items.size(); ++i) {
-            if (isNumber)
-                number(m_vm.toNumber(vector.items[i]));
-            else if (isInt || isUint) {
-                const std::uint32_t word = m_vm.toUint(vector.items[i]);
-                for (int shift = 24; shift >= 0; shift -= 8)
-                    byte(static_cast<std::uint8_t>(word >> static_cast<unsigned>(shift)));
-            } else
-                this->value(vector.items[i], depth + 1);
+        const Kind kind = special == Traits::Special::Int      ? Kind::IntVector
+                          : special == Traits::Special::Uint   ? Kind::UintVector
+                          : special == Traits::Special::Number ? Kind::NumberVector
+                                                               : Kind::ObjectVector;
+        const auto count = static_cast<std::uint32_t>(vector.items.size());
+        if (!m_out.vector(kind, count, vector.isFixed, aliasOf(m_vm, vector.elementType()), id)) return;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            // A script called meanwhile may have shortened it.
+            const Value item = i < vector.items.size() ? vector.items[i] : Value();
+            if (kind == Kind::NumberVector)
+                m_out.real(m_vm.toNumber(item));
+            else if (kind == Kind::ObjectVector)
+                value(item, depth + 1);
+            else
+                m_out.number(m_vm.toUint(item), 4);
         }
     }
-    void plain(Value value, int depth)
+    void writePlain(Object* object, const void* id, int depth)
     {
-        Object* object = value.object();
-        std::u16string alias;
-        for (const auto& [name, cls] : m_vm.aliases()) {
-            if (object->traits()->cls == cls) alias = name;
-        }
-        RootedList<Name> sealed(m_vm.heap());
-        for (const Traits::Entry& entry : object->traits()->entries()) {
-            const bool isVariable = entry.binding.kind == Binding::Kind::Slot ||
-                                    (entry.binding.kind == Binding::Kind::Accessor && entry.binding.id >= 0 &&
-                                     entry.binding.setter >= 0);
-            if (isVariable && entry.ns->isPublic()) sealed.push_back(entry.name);
-        }
-        const bool isDynamic = object->isDynamic();
-        u29(static_cast<std::uint32_t>(sealed.size()) << 4U | (isDynamic ? 8U : 0U) | 3U);
-        text(alias);
-        for (const Name name : sealed) text(name.view());
+        const RootedList<Name> sealed = sealedMembers(m_vm, object);
+        std::vector<std::string> names;
+        for (const Name name : sealed) names.push_back(toUtf8(name.view()));
+        if (!m_out.object(id, aliasOf(m_vm, object->traits()), names, object->isDynamic())) return;
         for (std::size_t i = 0; i < sealed.size(); ++i)
-            this->value(m_vm.get(value, m_vm.publicName(sealed[i])), depth + 1);
-        if (!isDynamic) return;
-        for (std::uint32_t at = 0; (at = object->nextIndex(m_vm, at)) != 0;) {
-            const Value item = object->nextValue(m_vm, at);
-            if (isFunction(item)) continue;
-            text(m_vm.text(object->nextName(m_vm, at)));
-            this->value(item, depth + 1);
-        }
-        text(u"");
+            value(m_vm.get(Value(object), m_vm.publicName(sealed[i])), depth + 1);
+        if (!object->isDynamic()) return;
+        eachVisible(object, 0, [&](const std::string& name, Value item) {
+            m_out.name(name);
+            value(item, depth + 1);
+        });
+        m_out.end();
     }
 
-    Vm& m_vm;
-    ByteArrayObject& m_out;
-    RootedList<Value> m_objects, m_strings;
-    std::vector<std::string> m_texts;
+    net::Amf3Writer& m_out;
+};
+
+class Writer0 : private Writer
+{
+public:
+    Writer0(Vm& vm, net::Amf0Writer& out) : Writer(vm), m_out(out) {}
+
+    void value(Value value, int depth = 0)
+    {
+        enter(depth);
+        switch (value.type()) {
+        case Value::Type::Undefined: m_out.undefined(); return;
+        case Value::Type::Null: m_out.null(); return;
+        case Value::Type::Boolean: m_out.boolean(value.boolean()); return;
+        case Value::Type::Number: m_out.numberValue(value.number()); return;
+        case Value::Type::String: m_out.text(toUtf8(value.string()->view())); return;
+        case Value::Type::Object: object(value.object(), depth);
+        }
+    }
+
+private:
+    void object(Object* object, int depth)
+    {
+        const Value value(object);
+        if (object->isCallable()) return m_out.undefined();
+        if (object->isXml()) return m_out.xml(markupOf(m_vm, value));
+        if (isDate(m_vm, object)) return m_out.date(m_vm.toNumber(m_vm.getPublic(value, "time")));
+        if (as<ByteArrayObject>(value) != nullptr || as<VectorObject>(value) != nullptr) {
+            // The older version has no form for these.
+            net::Amf3Writer newer;
+            Writer3(m_vm, newer).value(value, depth);
+            m_out.switchToAmf3();
+            const std::vector<std::uint8_t> written = newer.take();
+            return m_out.append(base::Bytes(written));
+        }
+        if (m_out.reference(identity(object))) return;
+        const auto member = [&](const std::string& name, Value item) {
+            m_out.name(name);
+            this->value(item, depth + 1);
+        };
+        if (auto* array = as<ArrayObject>(value)) {
+            const std::uint32_t dense = denseLength(m_vm, *array);
+            if (dense == array->length() && array->nextIndex(m_vm, dense) == 0) {
+                m_out.plainArray(dense);
+                for (std::uint32_t i = 0; i < dense; ++i) this->value(array->at(m_vm, i), depth + 1);
+                return;
+            }
+            m_out.namedArray(array->length());
+        } else {
+            m_out.object(aliasOf(m_vm, object->traits()));
+            for (const Name name : sealedMembers(m_vm, object)) {
+                const Value item = m_vm.get(value, m_vm.publicName(name));
+                if (!isFunction(item)) member(toUtf8(name.view()), item);
+            }
+        }
+        if (object->isDynamic()) eachVisible(object, 0, member);
+        m_out.end();
+    }
+
+    net::Amf0Writer& m_out;
+};
+
+/// The bytes of a script's array, from its position on.
+class ArraySource final : public net::AmfSource
+{
+public:
+    explicit ArraySource(ByteArrayObject& array) : m_array(array) {}
+    base::Result<base::Bytes> take(std::size_t count) override
+    {
+        const std::size_t at = std::min(m_array.position, m_array.content.size());
+        if (count > m_array.content.size() - at)
+            return base::fail(base::ErrorCode::Truncated, "a value that goes on beyond the end");
+        m_array.position = at + count;
+        return base::Bytes(m_array.content).subspan(at, count);
+    }
+
+private:
+    ByteArrayObject& m_array;
 };
 
 class Reader
 {
 public:
-    Reader(Vm& vm, ByteArrayObject& in) : m_vm(vm), m_in(in), m_objects(vm.heap()) {}
-
-    Value value(int depth = 0)
+    Reader(Vm& vm, ByteArrayObject& in, AmfVersion version)
+        : m_vm(vm), m_source(in), m_reader(m_source, version), m_objects(vm.heap())
     {
-        if (depth > kDeepest) fail();
-        m_vm.check();
-        switch (byte()) {
-        case 0x00: return {};
-        case 0x01: return Value::null();
-        case 0x02: return false;
-        case 0x03: return true;
-        case 0x04: {
-            const std::uint32_t bits = u29();
-            return static_cast<std::int32_t>(bits << 3U) >> 3;
-        }
-        case 0x05: return number();
-        case 0x06: return Value(m_vm.string(text()));
-        case 0x07:
-        case 0x0B: {
-            const std::uint32_t head = u29();
-            if ((head & 1U) == 0) return known(head >> 1U);
-            const auto bytes = m_in.read(m_vm, head >> 1U);
-            const Value args[] = {Value(
-                m_vm.string(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size())))};
-            return remember(m_vm.classes().xml != nullptr ? m_vm.construct(Value(m_vm.classes().xml), args)
-                                                          : args[0]);
-        }
-        case 0x08: {
-            const std::uint32_t head = u29();
-            if ((head & 1U) == 0) return known(head >> 1U);
-            const Value args[] = {Value(number())};
-            return remember(m_vm.construct(Value(m_vm.classes().date), args));
-        }
-        case 0x09: return array(depth);
-        case 0x0A: return object(depth);
-        case 0x0C: {
-            const std::uint32_t head = u29();
-            if ((head & 1U) == 0) return known(head >> 1U);
-            const auto bytes = m_in.read(m_vm, head >> 1U);
-            auto* made = static_cast<ByteArrayObject*>(m_vm.instantiate(m_vm.classes().byteArray));
-            made->content.assign(bytes.begin(), bytes.end());
-            return remember(Value(made));
-        }
-        case 0x0D: return vector(m_vm.classes().integer->instances, depth);
-        case 0x0E: return vector(m_vm.classes().uinteger->instances, depth);
-        case 0x0F: return vector(m_vm.classes().number->instances, depth);
-        case 0x10: return vector(m_vm.classes().object->instances, depth);
-        default: fail();
-        }
     }
+
+    Value value() { return made(taken(m_reader.value()), 0); }
 
 private:
-    [[noreturn]] void fail() { m_vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered."); }
-    std::uint8_t byte() { return m_in.read(m_vm, 1)[0]; }
-    std::uint32_t u29()
+    template <class T>
+    T taken(base::Result<T> result)
     {
-        std::uint32_t value = 0;
-        for (int i = 0; i < 3; ++i) {
-            const std::uint32_t next = byte();
-            if (next < 0x80) return value << 7U | next;
-            value = value << 7U | (next & 0x7FU);
-        }
-        return value << 8U | byte();
+        if (!result) m_vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered.");
+        return std::move(*result);
     }
-    double number()
-    {
-        std::array<std::uint8_t, 8> bytes{};
-        std::ranges::copy(m_in.read(m_vm, 8), bytes.begin());
-        std::ranges::reverse(bytes);
-        return std::bit_cast<double>(bytes);
-    }
-    std::u16string text()
-    {
-        const std::uint32_t head = u29();
-        if ((head & 1U) == 0) {
-            if (head >> 1U >= m_texts.size()) fail();
-            return m_texts[head >> 1U];
-        }
-        const auto bytes = m_in.read(m_vm, head >> 1U);
-        std::u16string result = fromUtf8({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-        if (!result.empty()) m_texts.push_back(result);
-        return result;
-    }
-    Value known(std::uint32_t index)
-    {
-        if (index >= m_objects.size()) fail();
-        return m_objects[index];
-    }
+    Value part(const net::AmfValue& of, int depth) { return made(taken(m_reader.part(of)), depth + 1); }
+    Value text(const std::string& utf8) { return Value(m_vm.string(fromUtf8(utf8))); }
     Value remember(Value value)
     {
         m_objects.push_back(value);
         return value;
     }
-    Value array(int depth)
+
+    Value made(net::AmfValue read, int depth)
     {
-        const std::uint32_t head = u29();
-        if ((head & 1U) == 0) return known(head >> 1U);
-        auto* made = static_cast<ArrayObject*>(m_vm.newArray());
-        remember(Value(made));
-        for (std::u16string name = text(); !name.empty(); name = text())
-            m_vm.set(Value(made), m_vm.publicName(m_vm.name(name)), value(depth + 1));
-        for (std::uint32_t i = 0; i < head >> 1U; ++i) made->put(m_vm, i, value(depth + 1));
-        return made;
+        if (depth > kMaxNesting) m_vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered.");
+        m_vm.check();
+        switch (read.kind) {
+        case Kind::Undefined: return {};
+        case Kind::Null: return Value::null();
+        case Kind::Boolean: return read.number != 0;
+        case Kind::Number: return read.number;
+        case Kind::Text: return text(read.text);
+        case Kind::Reference: return m_objects[read.count];
+        default: break;
+        }
+        const Value result = empty(read);
+        if (read.isShared()) remember(result);
+        fill(result, read, depth);
+        return result;
     }
-    Value vector(Traits* element, int depth)
+    /// The object before anything is put into it.
+    Value empty(const net::AmfValue& read)
     {
-        const std::uint32_t head = u29();
-        if ((head & 1U) == 0) return known(head >> 1U);
-        const bool isFixed = byte() != 0;
-        const auto special = element->special;
-        if (special == Traits::Special::Object) text();
+        switch (read.kind) {
+        case Kind::Xml: {
+            const Value markup = text(read.text);
+            return m_vm.classes().xml != nullptr ? m_vm.construct(Value(m_vm.classes().xml), {&markup, 1})
+                                                 : markup;
+        }
+        case Kind::Date: {
+            const Value time(read.number);
+            return m_vm.construct(Value(m_vm.classes().date), {&time, 1});
+        }
+        case Kind::Bytes: {
+            auto* bytes = static_cast<ByteArrayObject*>(m_vm.instantiate(m_vm.classes().byteArray));
+            bytes->content = read.bytes;
+            return bytes;
+        }
+        case Kind::Array: return m_vm.newArray();
+        case Kind::IntVector: return vector(m_vm.classes().integer->instances);
+        case Kind::UintVector: return vector(m_vm.classes().uinteger->instances);
+        case Kind::NumberVector: return vector(m_vm.classes().number->instances);
+        case Kind::ObjectVector: {
+            const auto element = m_vm.aliases().find(fromUtf8(read.text));
+            const ClassObject* cls =
+                element != m_vm.aliases().end() ? element->second : m_vm.classes().object;
+            return vector(cls->instances);
+        }
+        default: break;
+        }
+        const auto alias = m_vm.aliases().find(fromUtf8(read.text));
+        return alias != m_vm.aliases().end() ? m_vm.construct(Value(alias->second), {})
+                                             : Value(m_vm.newObject());
+    }
+    Value vector(Traits* element)
+    {
         ClassObject* cls = m_vm.vectorOf(element);
-        auto* made = m_vm.heap().make<VectorObject>(cls->instances, cls->prototype);
-        remember(Value(made));
-        for (std::uint32_t i = 0; i < head >> 1U; ++i) {
-            if (special == Traits::Special::Number)
-                made->push(m_vm, number());
-            else if (special == Traits::Special::Object)
-                made->push(m_vm, value(depth + 1));
-            else {
-                std::uint32_t word = 0;
-                for (int k = 0; k < 4; ++k) word = word << 8U | byte();
-                made->push(m_vm, special == Traits::Special::Int ? Value(static_cast<std::int32_t>(word))
-                                                                 : Value(word));
+        return m_vm.heap().make<VectorObject>(cls->instances, cls->prototype);
+    }
+    /// What a class makes of a member is its own affair: an error is told and the reading goes on.
+    void put(Value into, Name name, Value item)
+    {
+        auto* array = as<ArrayObject>(into);
+        if (array != nullptr && name.arrayIndex() != Atom::kNotIndex)
+            array->put(m_vm, name.arrayIndex(), item);
+        else
+            m_vm.guarded([&] { m_vm.set(into, m_vm.publicName(name), item); });
+    }
+    void fill(Value into, net::AmfValue& read, int depth)
+    {
+        if (read.kind == Kind::Object || read.kind == Kind::Array) {
+            for (std::string name; taken(m_reader.nextMember(read, name));) {
+                put(into, m_vm.name(fromUtf8(name)), part(read, depth));
             }
         }
-        made->isFixed = isFixed;
-        return made;
-    }
-    struct Class {
-        std::u16string alias;
-        bool isDynamic = false;
-        std::vector<std::u16string> names;
-    };
-    Value object(int depth)
-    {
-        const std::uint32_t head = u29();
-        if ((head & 1U) == 0) return known(head >> 1U);
-        Class cls;
-        if ((head & 2U) == 0) {
-            if (head >> 2U >= m_classes.size()) fail();
-            cls = m_classes[head >> 2U];
-        } else {
-            cls.isDynamic = (head & 8U) != 0;
-            cls.alias = text();
-            for (std::uint32_t i = 0; i < head >> 4U; ++i) cls.names.push_back(text());
-            m_classes.push_back(cls);
+        auto* array = as<ArrayObject>(into);
+        auto* vector = as<VectorObject>(into);
+        for (std::uint32_t i = 0; i < read.count; ++i) {
+            const Value item = part(read, depth);
+            if (array != nullptr) array->put(m_vm, i, item);
+            if (vector != nullptr) vector->push(m_vm, item);
+            if (read.kind == Kind::Dictionary) part(read, depth);
         }
-        const auto alias = m_vm.aliases().find(cls.alias);
-        const Value made = alias != m_vm.aliases().end() ? m_vm.construct(Value(alias->second), {})
-                                                         : Value(m_vm.newObject());
-        remember(made);
-        const auto put = [&](const std::u16string& name, Value item) {
-            const Multiname multiname = m_vm.publicName(m_vm.name(name));
-            if (alias == m_vm.aliases().end() || m_vm.has(made, multiname) || made.object()->isDynamic())
-                m_vm.set(made, multiname, item);
-        };
-        for (const std::u16string& name : cls.names) put(name, value(depth + 1));
-        if (!cls.isDynamic) return made;
-        for (std::u16string name = text(); !name.empty(); name = text()) put(name, value(depth + 1));
-        return made;
+        if (vector != nullptr) vector->isFixed = read.isFixed;
     }
 
     Vm& m_vm;
-    ByteArrayObject& m_in;
-    RootedList<Value> m_objects;
-    std::vector<std::u16string> m_texts;
-    std::vector<Class> m_classes;
+    ArraySource m_source;
+    net::AmfReader m_reader;
+    RootedList<Value> m_objects; ///< by the numbers that references have
 };
 
 } // namespace
 
-void writeAmf(Vm& vm, ByteArrayObject& out, Value value, int) { Writer(vm, out).value(value); }
-Value readAmf(Vm& vm, ByteArrayObject& in, int) { return Reader(vm, in).value(); }
+void writeAmf(Vm& vm, ByteArrayObject& out, Value value, int encoding)
+{
+    net::Amf0Writer older;
+    net::Amf3Writer newer;
+    const bool isOlder = encoding == static_cast<int>(AmfVersion::Amf0);
+    if (isOlder)
+        Writer0(vm, older).value(value);
+    else
+        Writer3(vm, newer).value(value);
+    out.write(vm, isOlder ? older.take() : newer.take());
+}
+
+Value readAmf(Vm& vm, ByteArrayObject& in, int encoding)
+{
+    return Reader(vm, in, encoding == 0 ? AmfVersion::Amf0 : AmfVersion::Amf3).value();
+}
 
 } // namespace flash::avm2::classes

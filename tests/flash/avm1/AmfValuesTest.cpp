@@ -1,4 +1,4 @@
-#include "flash/avm1/bindings/Amf0.h"
+#include "flash/avm1/bindings/AmfValues.h"
 
 #include "flash/avm1/interpreter/ArrayNative.h"
 #include "flash/avm1/interpreter/Convert.h"
@@ -19,7 +19,7 @@ Value textValue(Machine& machine, std::string_view text)
     return Value(machine.vm.string(base::utf16FromUtf8(text)));
 }
 
-TEST(Amf0, WhatIsWrittenComesBack)
+TEST(AmfValues, WhatIsWrittenComesBack)
 {
     Machine machine;
     Vm& vm = machine.vm;
@@ -33,14 +33,15 @@ TEST(Amf0, WhatIsWrittenComesBack)
     const Value elements[] = {Value(1), Value(2)};
     put("list", Value(vm.newArray(elements)));
     put("self", Value(object.get()));
-    Amf0Writer writer(vm);
+    AmfValueWriter writer(vm);
     writer.value(Value(object.get()));
     const std::vector<std::uint8_t> bytes = writer.take();
 
-    Amf0Reader reader(vm, bytes);
-    const auto read = reader.value();
+    net::AmfBytes source(bytes);
+    net::AmfReader reader(source, net::AmfVersion::Amf0);
+    const auto read = AmfValueReader(vm, reader).value();
     ASSERT_TRUE(read) << read.error().what;
-    EXPECT_TRUE(reader.atEnd());
+    EXPECT_TRUE(source.atEnd());
     Object* copy = read->asObject();
     ASSERT_NE(copy, nullptr);
     const auto get = [&](std::string_view name) { return copy->get(vm, vm.name(name)); };
@@ -54,18 +55,21 @@ TEST(Amf0, WhatIsWrittenComesBack)
     EXPECT_EQ(get("self").asObject(), copy) << "a circle stays one";
 }
 
-TEST(Amf0, CutMessagesAreErrors)
+TEST(AmfValues, CutMessagesAreErrors)
 {
     Machine machine;
     Vm& vm = machine.vm;
     Root<Object> object(vm.heap(), vm.newLiteral());
     const Value elements[] = {Value(1), textValue(machine, "two")};
     object->put(vm, vm.name(std::string_view("list")), Value(vm.newArray(elements)));
-    Amf0Writer writer(vm);
+    AmfValueWriter writer(vm);
     writer.value(Value(object.get()));
     const std::vector<std::uint8_t> whole = writer.take();
-    for (std::size_t size = 0; size < whole.size(); ++size)
-        EXPECT_FALSE(Amf0Reader(vm, base::Bytes(whole).first(size)).value()) << size;
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        net::AmfBytes source(base::Bytes(whole).first(size));
+        net::AmfReader reader(source, net::AmfVersion::Amf0);
+        EXPECT_FALSE(AmfValueReader(vm, reader).value()) << size;
+    }
 }
 
 } // namespace
