@@ -2,7 +2,7 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/NetConnection.h"
 #include "flash/avm2/bindings/Player.h"
-#include "flash/avm2/classes/ByteArray.h"
+#include "flash/avm2/classes/Amf.h"
 
 #include <algorithm>
 

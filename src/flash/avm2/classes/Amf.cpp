@@ -1,6 +1,6 @@
-#include "flash/avm2/classes/ByteArray.h"
+#include "flash/avm2/classes/Amf.h"
 
-#include "flash/net/Amf.h"
+#include "flash/net/SharedObjectFile.h"
 
 #include <algorithm>
 
@@ -254,13 +254,19 @@ private:
     ByteArrayObject& m_array;
 };
 
+/// @throws EOFError when there is no value
+template <class T>
+T taken(Vm& vm, base::Result<T> result)
+{
+    if (!result) vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered.");
+    return std::move(*result);
+}
+
 class Reader
 {
 public:
-    Reader(Vm& vm, ByteArrayObject& in, AmfVersion version)
-        : m_vm(vm), m_source(in), m_reader(m_source, version), m_objects(vm.heap())
-    {
-    }
+    /// @param reader outlives this one
+    Reader(Vm& vm, net::AmfReader& reader) : m_vm(vm), m_reader(reader), m_objects(vm.heap()) {}
 
     Value value() { return made(taken(m_reader.value()), 0); }
 
@@ -268,8 +274,7 @@ private:
     template <class T>
     T taken(base::Result<T> result)
     {
-        if (!result) m_vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered.");
-        return std::move(*result);
+        return classes::taken(m_vm, std::move(result));
     }
     Value part(const net::AmfValue& of, int depth) { return made(taken(m_reader.part(of)), depth + 1); }
     Value text(const std::string& utf8) { return Value(m_vm.string(fromUtf8(utf8))); }
@@ -364,8 +369,7 @@ private:
     }
 
     Vm& m_vm;
-    ArraySource m_source;
-    net::AmfReader m_reader;
+    net::AmfReader& m_reader;
     RootedList<Value> m_objects; ///< by the numbers that references have
 };
 
@@ -385,7 +389,34 @@ void writeAmf(Vm& vm, ByteArrayObject& out, Value value, int encoding)
 
 Value readAmf(Vm& vm, ByteArrayObject& in, int encoding)
 {
-    return Reader(vm, in, encoding == 0 ? AmfVersion::Amf0 : AmfVersion::Amf3).value();
+    ArraySource source(in);
+    net::AmfReader reader(source, encoding == 0 ? AmfVersion::Amf0 : AmfVersion::Amf3);
+    return Reader(vm, reader).value();
+}
+
+std::vector<std::uint8_t> writeSharedObject(Vm& vm, std::string_view name, Object& data)
+{
+    net::Amf3Writer members;
+    Writer3 writer(vm, members);
+    for (std::uint32_t at = 0; (at = data.nextIndex(vm, at)) != 0;) {
+        members.name(toUtf8(vm.text(data.nextName(vm, at))));
+        writer.value(data.nextValue(vm, at));
+        members.append(base::Bytes(&net::kMemberClosing, 1));
+    }
+    return net::sharedObjectFile(name, AmfVersion::Amf3, members.take());
+}
+
+void readSharedObject(Vm& vm, Value data, std::span<const std::uint8_t> file)
+{
+    net::AmfBytes source(file);
+    const AmfVersion version = taken(vm, net::readSharedObjectHead(source));
+    net::AmfReader reader(source, version);
+    Reader values(vm, reader);
+    while (!source.atEnd()) {
+        const Name name = vm.name(fromUtf8(taken(vm, reader.name())));
+        vm.set(data, vm.publicName(name), values.value());
+        taken(vm, reader.number(1)); // what closes it
+    }
 }
 
 } // namespace flash::avm2::classes

@@ -1,5 +1,7 @@
 #include "flash/avm2/classes/ByteArray.h"
 
+#include "flash/avm2/classes/Amf.h"
+
 #include <zlib.h>
 
 #include <algorithm>

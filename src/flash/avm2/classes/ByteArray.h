@@ -36,9 +36,4 @@ public:
     int encoding = 3; ///< of objects: 0 or 3
 };
 
-/// Writes a value in one of the two formats of objects, where the array stands.
-void writeAmf(Vm& vm, ByteArrayObject& out, Value value, int encoding);
-/// @throws EOFError 2030
-Value readAmf(Vm& vm, ByteArrayObject& in, int encoding);
-
 } // namespace flash::avm2::classes
