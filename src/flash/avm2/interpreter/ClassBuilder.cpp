@@ -128,18 +128,16 @@ void Vm::fillTraits(Traits& traits, Unit* unit, const std::vector<abc::Trait>& l
             env->role = trait.kind == abc::Trait::Kind::Method   ? MethodEnv::Role::Method
                         : trait.kind == abc::Trait::Kind::Getter ? MethodEnv::Role::Getter
                                                                  : MethodEnv::Role::Setter;
-            const std::int32_t id = traits.addMethod(env);
-            if (trait.kind == abc::Trait::Kind::Method)
-                binding = {Binding::Kind::Method, id, -1};
-            else if (trait.kind == abc::Trait::Kind::Getter)
-                binding = {Binding::Kind::Accessor, id, -1};
-            else
-                binding = {Binding::Kind::Accessor, -1, id};
+            traits.bindMethod(name.name, name.single,
+                              trait.kind == abc::Trait::Kind::Method   ? Traits::MethodKind::Method
+                              : trait.kind == abc::Trait::Kind::Getter ? Traits::MethodKind::Getter
+                                                                       : Traits::MethodKind::Setter,
+                              env);
             break;
         }
         }
         // An override may stand in the derived class's own protected namespace or in that of its base.
-        traits.bind(name.name, name.single, binding);
+        if (binding.kind != Binding::Kind::None) traits.bind(name.name, name.single, binding);
         Traits::Entry* entry = traits.entry(name.name, name.single);
         entry->source = &trait;
         entry->unit = unit;
@@ -225,16 +223,18 @@ Object* Vm::newGlobal(Unit* unit, std::uint32_t script)
     return global;
 }
 
+void Vm::makeActivation(Code& code, ScopeChain* scope)
+{
+    auto* traits = m_heap.make<Traits>(m_common.empty, m_public, nullptr);
+    traits->isSealed = true;
+    fillTraits(*traits, code.unit, code.unit->abc().bodies[code.body].traits, scope);
+    code.activation = traits;
+}
+
 Object* Vm::newActivation(MethodEnv& env)
 {
-    Code* code = env.code;
-    if (code->activation == nullptr) {
-        auto* traits = m_heap.make<Traits>(m_common.empty, m_public, nullptr);
-        traits->isSealed = true;
-        fillTraits(*traits, code->unit, code->unit->abc().bodies[code->body].traits, env.scope);
-        code->activation = traits;
-    }
-    return m_heap.make<Object>(code->activation, nullptr);
+    if (env.code->activation == nullptr) makeActivation(*env.code, env.scope);
+    return m_heap.make<Object>(env.code->activation, nullptr);
 }
 
 Object* Vm::newCatchScope(Code& code, std::uint32_t index)
@@ -320,18 +320,15 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
             member.kind == Kind::Static || member.kind == Kind::StaticGetter ? *statics : *instances;
         Namespace* where = member.kind == Kind::As3 ? m_as3 : member.kind == Kind::Proxy ? m_proxy : m_public;
         if (member.kind == Kind::Getter || member.kind == Kind::StaticGetter) {
-            Binding binding{Binding::Kind::Accessor, -1, -1};
             if (member.function != nullptr)
-                binding.id = owner.addMethod(method(member, member.function, owner, MethodEnv::Role::Getter));
+                owner.bindMethod(name(member.name), where, Traits::MethodKind::Getter,
+                                 method(member, member.function, owner, MethodEnv::Role::Getter));
             if (member.setter != nullptr)
-                binding.setter =
-                    owner.addMethod(method(member, member.setter, owner, MethodEnv::Role::Setter));
-            owner.bind(name(member.name), where, binding);
+                owner.bindMethod(name(member.name), where, Traits::MethodKind::Setter,
+                                 method(member, member.setter, owner, MethodEnv::Role::Setter));
         } else if (member.kind != Kind::Prototype) {
-            owner.bind(name(member.name), where,
-                       {Binding::Kind::Method,
-                        owner.addMethod(method(member, member.function, owner, MethodEnv::Role::Method)),
-                        -1});
+            owner.bindMethod(name(member.name), where, Traits::MethodKind::Method,
+                             method(member, member.function, owner, MethodEnv::Role::Method));
         }
     }
     for (std::size_t at = 0; at < spec.slots.size();) {

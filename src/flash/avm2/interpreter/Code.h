@@ -1,21 +1,12 @@
 #pragma once
 
-#include "flash/avm2/abc/Opcodes.h"
 #include "flash/avm2/interpreter/Object.h"
+#include "flash/avm2/interpreter/RegisterForm.h"
 
 #include <vector>
 
 namespace flash::avm2
 {
-
-/// One instruction as it is run. Jumps name instructions.
-struct Ins {
-    std::uint16_t op = 0;
-    std::uint16_t c = 0; ///< which parts of a multiname come from the stack: 1 name, 2 namespace
-    std::int32_t a = 0;  ///< multiname, register, target...
-    std::int32_t b = 0;  ///< count of arguments, second register
-    std::int32_t cache = -1;
-};
 
 /// What an instruction found the last time, and whether it still holds.
 struct SiteCache {
@@ -26,9 +17,11 @@ struct SiteCache {
     const ScopeChain* chain = nullptr;
     Object* holder = nullptr;
     std::uint32_t epoch = 0;
+    static constexpr std::uint32_t kInnerScopes = 2;
+    Traits* passed[kInnerScopes] = {}; ///< of the frame's own scopes, which do not have it
 };
 
-/// Verified code: every register, stack place, scope, jump and pool entry that it names exists.
+/// Verified code in its register form: every register, scope, jump and pool entry that it names exists.
 class Code final : public Cell
 {
 public:
@@ -44,23 +37,35 @@ public:
             tracer(cache.traits);
             tracer(cache.chain);
             tracer(cache.holder);
+            for (const Traits* traits : cache.passed) tracer(traits);
         }
+        for (const Value value : constants) tracer(value);
+        for (const Traits* traits : mentioned) tracer(traits);
         for (const Traits* traits : catches) tracer(traits);
         for (const Traits* type : parameterTypes) tracer(type);
         tracer(returnType);
+        tracer(self);
     }
 
     Unit* unit = nullptr;
     std::uint32_t body = 0;
     std::vector<Ins> code;
-    std::vector<std::uint32_t> offsets;               ///< in the file, per instruction
     std::vector<std::vector<std::uint32_t>> switches; ///< targets; the default is last
     std::vector<Handler> handlers;
     std::vector<SiteCache, vm::TracedAllocator<SiteCache>> caches;
     TracedList<Traits*> catches; ///< of the scopes of handlers, made when first needed
     Traits* activation = nullptr;
+    TracedList<Value> constants;
+    TracedList<Traits*> mentioned; ///< that instructions were bound to
+    Traits* self = nullptr;        ///< what `this` is taken to be; null: anything
     std::uint32_t maxStack = 0, locals = 0, maxScopes = 0;
-    bool typesKnown = false;
+    /// Registers in all.
+    [[nodiscard]] std::uint32_t frameSize() const { return locals + maxScopes + maxStack + 2; }
+    [[nodiscard]] std::uint32_t stackBase() const { return locals + maxScopes; }
+    std::uint32_t declared = 0, minArguments = 0;
+    bool takesMore = false;   ///< as rest or `arguments`
+    bool isUnchecked = false; ///< takes whatever number of arguments
+    bool isFunction = false;  ///< of no class
     TracedList<Traits*> parameterTypes;
     Traits* returnType = nullptr;
 };

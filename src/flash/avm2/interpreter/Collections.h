@@ -10,7 +10,11 @@ class ArrayObject final : public Object
 {
 public:
     AVM2_NATIVE(Object)
-    ArrayObject(Traits* traits, Object* proto) : Object(traits, proto) { m_exotic = Exotic::Elements; }
+    ArrayObject(Traits* traits, Object* proto) : Object(traits, proto)
+    {
+        m_exotic = Exotic::Elements;
+        m_elements = Elements::Array;
+    }
     void trace(Tracer& tracer) override;
     bool getExotic(Vm& vm, const Multiname& name, Value& result) override;
     bool setExotic(Vm& vm, const Multiname& name, Value value) override;
@@ -49,7 +53,11 @@ class VectorObject final : public Object
 {
 public:
     AVM2_NATIVE(Object)
-    VectorObject(Traits* traits, Object* proto) : Object(traits, proto) { m_exotic = Exotic::Elements; }
+    VectorObject(Traits* traits, Object* proto) : Object(traits, proto)
+    {
+        m_exotic = Exotic::Elements;
+        m_elements = Elements::Vector;
+    }
     void trace(Tracer& tracer) override;
     bool getExotic(Vm& vm, const Multiname& name, Value& result) override;
     bool setExotic(Vm& vm, const Multiname& name, Value value) override;

@@ -11,15 +11,14 @@ struct Frame {
     MethodEnv* env = nullptr;
     Code* code = nullptr;
     Unit* unit = nullptr;
-    const abc::Abc* abc = nullptr;
-    Value* locals = nullptr;
+    Value* locals = nullptr; ///< the registers begin with them
     Value* scopes = nullptr;
     Value* stack = nullptr;
     std::uint32_t scopeCount = 0;
     std::uint64_t withMask = 0;  ///< a bit for each scope that is a `with`
     ScopeChain* chain = nullptr; ///< the scopes as functions made here keep them; null: to be made
     const Ins* at = nullptr;
-    std::uint32_t resume = 0, stackDepth = 0;
+    std::uint32_t resume = 0;
 };
 
 class Interpreter
@@ -34,9 +33,22 @@ private:
     Value find(const Multiname& name, const Ins& ins, bool strict);
     Value getCached(Value base, const Ins& ins);
     void setCached(Value base, const Ins& ins, Value value);
-    Value callCached(Value base, const Ins& ins, std::span<const Value> args);
+    /// @param window the receiver and the arguments
+    Value callCached(const Ins& ins, Value* window);
+    Value callEarly(const Ins& ins, Value* window);
+    Value constructCached(const Ins& ins, Value* window);
+    Value getSlotOr(const Ins& ins, Value base);
+    void setSlotOr(const Ins& ins, Value base, Value value, bool isTyped);
+    Value getAccessor(const Ins& ins, Value base);
     /// The element of an array at a number. @returns false when it is not that simple
     bool getElement(Value* sp);
+    Value elementSlow(const Ins& ins, Value base, Value index);
+    void setElementSlow(const Ins& ins, Value base, Value index, Value value);
+    bool setElementFast(Object& object, std::uint32_t index, Value value);
+    /// An instruction that works on the operand stack. @param sp its first free place
+    void stackOp(const Ins& ins, Value* sp);
+    void memoryOp(const Ins& ins, Value* sp);
+    void callStackOp(const Ins& ins, Value* sp);
     Value pushNamespace(std::uint32_t index);
     void pushScope(Value value, bool isWith);
     ScopeChain* captured();

@@ -1,5 +1,7 @@
 #include "flash/avm2/interpreter/Interpreter.h"
 
+#include "flash/avm2/interpreter/Collections.h"
+
 #include <algorithm>
 
 namespace flash::avm2
@@ -8,10 +10,10 @@ namespace flash::avm2
 Multiname Interpreter::multiname(const Ins& ins, Value*& sp)
 {
     const Multiname& base = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    if (ins.c == 0) return base;
+    if (ins.parts == 0) return base;
     Multiname name = base;
-    const Value text = (ins.c & 1U) != 0 ? *--sp : Value();
-    if ((ins.c & 2U) != 0) {
+    const Value text = (ins.parts & 1U) != 0 ? *--sp : Value();
+    if ((ins.parts & 2U) != 0) {
         const Value ns = *--sp;
         name.list = nullptr;
         name.count = 0;
@@ -22,7 +24,7 @@ Multiname Interpreter::multiname(const Ins& ins, Value*& sp)
                             u"Type Coercion failed: cannot convert " + std::u16string(m_vm.text(ns)) +
                                 u" to Namespace.");
     }
-    if ((ins.c & 1U) != 0) return m_vm.runtimeName(name, text);
+    if ((ins.parts & 1U) != 0) return m_vm.runtimeName(name, text);
     return name;
 }
 
@@ -30,6 +32,7 @@ Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
 {
     Frame& f = m_frame;
     const bool isPublic = name.hasPublic();
+    SiteCache* const site = ins.cache >= 0 ? &f.code->caches[static_cast<std::size_t>(ins.cache)] : nullptr;
     for (std::uint32_t i = f.scopeCount; i-- > 0;) {
         const Value scope = f.scopes[i];
         if ((f.withMask >> i & 1U) != 0) {
@@ -38,14 +41,19 @@ Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
         }
         Object* object = scope.asObject();
         if (object == nullptr) continue;
-        if (object->traits()->find(name) != nullptr) return scope;
+        const bool isKept = site != nullptr && i < SiteCache::kInnerScopes;
+        if (!isKept || site->passed[i] != object->traits()) {
+            if (object->traits()->find(name) != nullptr) return scope;
+            if (isKept) f.code->caches[static_cast<std::size_t>(ins.cache)].passed[i] = object->traits();
+        }
         if (isPublic && object->isDynamic() && object->tableIfAny() != nullptr && !name.name.isNull() &&
             object->tableIfAny()->find(name.name) != PropertyTable::kMissing)
             return scope;
     }
-    SiteCache& cache = f.code->caches[static_cast<std::size_t>(ins.cache)];
-    if (ins.c == 0 && cache.chain == f.env->scope && cache.epoch == m_vm.scopeEpoch) return cache.holder;
-    bool cacheable = ins.c == 0;
+    if (site != nullptr && site->holder != nullptr && site->chain == f.env->scope &&
+        site->epoch == m_vm.scopeEpoch)
+        return site->holder;
+    bool cacheable = site != nullptr;
     Object* holder = nullptr;
     if (f.env->scope != nullptr) {
         const auto& scopes = f.env->scope->scopes;
@@ -127,7 +135,7 @@ Value Interpreter::getCached(Value base, const Ins& ins)
 void Interpreter::setCached(Value base, const Ins& ins, Value value)
 {
     const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    const bool isInit = ins.op == static_cast<std::uint16_t>(abc::Op::initproperty);
+    const bool isInit = ins.parts != 0;
     Object* object = base.asObject();
     if (object == nullptr || object->exotic() != Exotic::None) {
         if (isInit)
@@ -168,24 +176,111 @@ void Interpreter::setCached(Value base, const Ins& ins, Value value)
         m_vm.set(base, name, value);
 }
 
-Value Interpreter::callCached(Value base, const Ins& ins, std::span<const Value> args)
+Value Interpreter::callCached(const Ins& ins, Value* window)
 {
     const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    const bool isLex = ins.op == static_cast<std::uint16_t>(abc::Op::callproplex);
-    Object* object = base.asObject();
+    const auto count = static_cast<std::uint32_t>(ins.b);
+    const bool isLex = ins.op == RegisterOp::callproplex;
+    Object* object = window->asObject();
     if (object == nullptr || object->exotic() == Exotic::First)
-        return m_vm.callProperty(base, name, args, isLex);
+        return m_vm.callProperty(*window, name, {window + 1, count}, isLex);
     SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
-    if (cache.traits == object->traits())
-        return m_vm.invoke(*object->traits()->methods[static_cast<std::size_t>(cache.binding.id)], base,
-                           args);
-    if (const Binding* found = object->traits()->find(name);
-        found != nullptr && found->kind == Binding::Kind::Method) {
+    if (cache.traits != object->traits()) {
+        const Binding* found = object->traits()->find(name);
+        if (found == nullptr || (found->kind != Binding::Kind::Method && found->kind != Binding::Kind::Slot &&
+                                 found->kind != Binding::Kind::Const))
+            return m_vm.callProperty(*window, name, {window + 1, count}, isLex);
         cache.traits = object->traits();
         cache.binding = *found;
-        return m_vm.invoke(*object->traits()->methods[static_cast<std::size_t>(found->id)], base, args);
     }
-    return m_vm.callProperty(base, name, args, isLex);
+    if (cache.binding.kind == Binding::Kind::Method)
+        return m_vm.enter(*object->traits()->methods[static_cast<std::size_t>(cache.binding.id)], window,
+                          count);
+    const Value function = object->slot(static_cast<std::uint32_t>(cache.binding.id));
+    if (!isFunction(function)) return m_vm.callProperty(*window, name, {window + 1, count}, isLex);
+    if (isLex) *window = Value::null();
+    return m_vm.callInPlace(function, window, count);
+}
+
+Value Interpreter::callEarly(const Ins& ins, Value* window)
+{
+    const auto count = static_cast<std::uint32_t>(ins.b);
+    Object* object = window->asObject();
+    if (object != nullptr && static_cast<std::size_t>(ins.a) < object->traits()->methods.size()) [[likely]]
+        return m_vm.enter(*object->traits()->methods[static_cast<std::size_t>(ins.a)], window, count);
+    return m_vm.callProperty(*window, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.c)),
+                             {window + 1, count});
+}
+
+Value Interpreter::constructCached(const Ins& ins, Value* window)
+{
+    const auto count = static_cast<std::uint32_t>(ins.b);
+    const Value constructor = getCached(*window, ins);
+    if (!isFunction(constructor))
+        return m_vm.constructProperty(*window, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)),
+                                      {window + 1, count});
+    return m_vm.constructInPlace(constructor, window, count);
+}
+
+Value Interpreter::getSlotOr(const Ins& ins, Value base)
+{
+    if (ins.a == 0) return getSlot(base, static_cast<std::uint32_t>(ins.c) + 1);
+    return m_vm.get(base, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)));
+}
+
+void Interpreter::setSlotOr(const Ins& ins, Value base, Value value, bool isTyped)
+{
+    const auto slot = static_cast<std::uint32_t>(ins.c);
+    if (Object* object = base.asObject(); isTyped && object != nullptr && slot < object->slotCount())
+        m_vm.setSlotTyped(*object, slot, value);
+    else
+        m_vm.set(base, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.cache)), value);
+}
+
+Value Interpreter::getAccessor(const Ins& ins, Value base)
+{
+    Object* object = base.asObject();
+    const auto id = static_cast<std::size_t>(ins.c);
+    if (object == nullptr || id >= object->traits()->methods.size())
+        return m_vm.get(base, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)));
+    Value* const window = m_frame.locals + ins.cache;
+    *window = base;
+    return m_vm.enter(*object->traits()->methods[id], window, 0);
+}
+
+Value Interpreter::elementSlow(const Ins& ins, Value base, Value index)
+{
+    return m_vm.get(base,
+                    m_vm.runtimeName(m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)), index));
+}
+
+void Interpreter::setElementSlow(const Ins& ins, Value base, Value index, Value value)
+{
+    m_vm.set(base, m_vm.runtimeName(m_frame.unit->multiname(static_cast<std::uint32_t>(ins.cache)), index),
+             value);
+}
+
+bool Interpreter::setElementFast(Object& object, std::uint32_t index, Value value)
+{
+    if (object.elements() == Object::Elements::Array) {
+        auto& array = static_cast<ArrayObject&>(object);
+        if (index < array.items.size()) {
+            array.items[index] = value;
+            return true;
+        }
+        if (index != array.items.size() || index != array.length() || index > 0x0FFF'FFFF) return false;
+        array.put(m_vm, index, value);
+        return true;
+    }
+    if (object.elements() != Object::Elements::Vector) return false;
+    auto& vector = static_cast<VectorObject&>(object);
+    if (index >= vector.items.size()) return false;
+    const Traits* type = vector.elementType();
+    const bool fits = type == nullptr || (type->special == Traits::Special::Int && value.isInt()) ||
+                      (type->special == Traits::Special::Number && value.isNumber()) ||
+                      (value.isObject() && value.object()->traits() == type);
+    if (fits) vector.items[index] = value;
+    return fits;
 }
 
 bool Interpreter::getElement(Value* sp)

@@ -63,6 +63,9 @@ public:
     }
 
     [[nodiscard]] Exotic exotic() const { return m_exotic; }
+    /// Lists whose elements code reaches without asking.
+    enum class Elements : std::uint8_t { Other, Array, Vector };
+    [[nodiscard]] Elements elements() const { return m_elements; }
     // Asked for exotic objects only. Each @returns whether it has taken care of the access.
     virtual bool getExotic(Vm&, const Multiname&, Value& /*result*/) { return false; }
     virtual bool setExotic(Vm&, const Multiname&, Value) { return false; }
@@ -102,6 +105,7 @@ protected:
     std::unique_ptr<PropertyTable> m_table;
     std::uint32_t m_slotCount;
     Exotic m_exotic = Exotic::None;
+    Elements m_elements = Elements::Other;
 
 private:
     static constexpr std::uint32_t kInlineSlots = 4;
@@ -227,6 +231,11 @@ public:
     NativeFunction conversion = nullptr; ///< called as a function; null: coerces
     bool isAbstract = false;             ///< may not be constructed by scripts
     ClassObject* generic = nullptr;      ///< what this applies to a type, for vectors
+    /// Whether making an instance is to allocate it and to run the constructor, no more.
+    [[nodiscard]] bool isPlain() const
+    {
+        return !instances->isInterface && !isAbstract && instances->special == Traits::Special::None;
+    }
 };
 
 inline bool isFunction(Value value) { return value.isObject() && value.object()->isCallable(); }

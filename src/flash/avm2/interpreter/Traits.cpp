@@ -99,6 +99,22 @@ std::int32_t Traits::addMethod(MethodEnv* method)
     return static_cast<std::int32_t>(methods.size()) - 1;
 }
 
+void Traits::bindMethod(Name wanted, Namespace* space, MethodKind kind, MethodEnv* method)
+{
+    const Binding::Kind bound = kind == MethodKind::Method ? Binding::Kind::Method : Binding::Kind::Accessor;
+    std::int32_t id = -1;
+    if (const Entry* known = entry(wanted, space); known != nullptr && known->binding.kind == bound)
+        id = kind == MethodKind::Setter ? known->binding.setter : known->binding.id;
+    if (id >= 0 && static_cast<std::size_t>(id) < methods.size())
+        methods[static_cast<std::size_t>(id)] = method;
+    else
+        id = addMethod(method);
+    if (kind == MethodKind::Setter)
+        bind(wanted, space, {bound, -1, id});
+    else
+        bind(wanted, space, {bound, id, -1});
+}
+
 void Traits::alias(Namespace* from, Namespace* to)
 {
     const std::size_t count = m_entries.size();

@@ -52,6 +52,10 @@ public:
     void bind(Name name, Namespace* ns, Binding binding);
     std::int32_t addSlot(TypeRef type, Value initial);
     std::int32_t addMethod(MethodEnv* method);
+    /// Adds a method under a name, in the place of the one it overrides: callers that know a base class find
+    /// it there. Binds it.
+    enum class MethodKind : std::uint8_t { Method, Getter, Setter };
+    void bindMethod(Name name, Namespace* ns, MethodKind kind, MethodEnv* method);
     /// A class sees the protected names of its base under its own protected namespace, too.
     void alias(Namespace* from, Namespace* to);
     /// Functions of interfaces are found under the interface's namespace.

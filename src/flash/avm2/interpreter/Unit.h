@@ -29,6 +29,12 @@ public:
     /// @returns the type that a multiname names; null for any. Makes it when it is a generic.
     /// @throws the script error 1014 when there is none
     Traits* type(Vm& vm, std::uint32_t multiname);
+    /// @returns whether the type was found already.
+    [[nodiscard]] bool typeIfKnown(std::uint32_t multiname, Traits*& result) const
+    {
+        result = m_types[multiname];
+        return m_typeKnown[multiname];
+    }
     [[nodiscard]] Value constant(Vm& vm, const abc::Constant& constant);
     /// Of a class's instances. They are known, as a type, before the class is made.
     Traits* instanceTraits(Vm& vm, std::uint32_t index);

@@ -4,7 +4,6 @@
 #include "flash/avm2/interpreter/Unit.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace flash::avm2
 {
@@ -15,20 +14,12 @@ namespace
 using abc::Op;
 
 constexpr std::uint32_t kMaxScopes = 64; // one bit for each tells a `with`
-constexpr std::uint32_t kNowhere = 0xFFFF'FFFF;
-
-/// The state of the frame before an instruction.
-struct State {
-    std::int32_t stack = -1; ///< -1: not reached yet
-    std::int32_t scopes = 0;
-};
 
 class Verifier
 {
 public:
-    Verifier(Unit& unit, std::uint32_t bodyIndex, Code& code)
-        : m_unit(unit), m_abc(unit.abc()), m_body(m_abc.bodies[bodyIndex]), m_code(code),
-          m_index(m_body.code.size() + 1, kNowhere)
+    Verifier(Unit& unit, std::uint32_t bodyIndex, Code& code, Decoded& decoded)
+        : m_unit(unit), m_abc(unit.abc()), m_body(m_abc.bodies[bodyIndex]), m_code(code), m_decoded(decoded)
     {
     }
 
@@ -53,7 +44,6 @@ public:
         }
         if (damaged != nullptr) return fault(1054, "Illegal range or target offsets in exception handler.");
         flow();
-        if (m_fault.number == 0) emit();
         return m_fault;
     }
 
@@ -64,7 +54,7 @@ private:
         return m_fault;
     }
 
-    void reach(std::int64_t at, State state)
+    void reach(std::int64_t at, Decoded::State state)
     {
         if (at < 0 || at >= static_cast<std::int64_t>(m_body.code.size())) {
             fault(at == static_cast<std::int64_t>(m_body.code.size()) && !m_isJump ? 1020 : 1021,
@@ -74,7 +64,7 @@ private:
             return;
         }
         const auto place = static_cast<std::uint32_t>(at);
-        State& known = m_states[place];
+        Decoded::State& known = m_decoded.states[place];
         if (known.stack < 0) {
             known = state;
             m_pending.push_back(place);
@@ -88,9 +78,9 @@ private:
     /// Follows the code from its beginning; what is not reached is not looked at.
     void flow()
     {
-        m_states.assign(m_body.code.size() + 1, {});
+        m_decoded.states.assign(m_body.code.size() + 1, {});
         m_inside.assign(m_body.code.size(), false);
-        m_instructions.resize(m_body.code.size());
+        m_decoded.instructions.resize(m_body.code.size());
         reach(0, {0, 0});
         while (!m_pending.empty() && m_fault.number == 0) {
             const std::uint32_t at = m_pending.back();
@@ -99,7 +89,7 @@ private:
         }
         if (m_fault.number != 0) return;
         for (std::uint32_t at = 0; at < m_body.code.size(); ++at) {
-            if (m_states[at].stack >= 0 && m_inside[at]) {
+            if (m_decoded.states[at].stack >= 0 && m_inside[at]) {
                 fault(1021, "At least one branch target was not on a valid instruction in the method.");
                 return;
             }
@@ -121,11 +111,12 @@ private:
             return;
         }
         for (std::uint32_t i = at + 1; i < read->next; ++i) m_inside[i] = true;
-        State state = m_states[at];
+        Decoded::State state = m_decoded.states[at];
         // Handlers begin with the error on the stack, and with no scopes but the outer ones.
         for (const abc::ExceptionInfo& info : m_body.exceptions) {
-            if (at >= info.from && at < info.to && m_states[info.target].stack < 0)
-                reach(info.target, {1, 0});
+            if (at < info.from || at >= info.to) continue;
+            const Decoded::State& known = m_decoded.states[info.target];
+            if (known.stack != 1 || known.scopes != 0) reach(info.target, {1, 0});
         }
         const std::uint8_t parts = operands(*read);
         if (m_fault.number != 0) return;
@@ -150,10 +141,10 @@ private:
         scopes(*read, state);
         if (m_fault.number != 0) return;
         follow(*read, state);
-        m_instructions[at] = std::move(read);
+        m_decoded.instructions[at] = std::move(read);
     }
 
-    void scopes(const abc::Instruction& instruction, State& state)
+    void scopes(const abc::Instruction& instruction, Decoded::State& state)
     {
         switch (static_cast<Op>(instruction.op)) {
         case Op::pushscope:
@@ -165,13 +156,15 @@ private:
             if (--state.scopes < 0) fault(1018, "Scope stack underflow occurred.");
             break;
         case Op::getscopeobject:
-            if (instruction.operands[0] >= state.scopes) fault(1019, "Getscopeobject  is out of bounds.");
+            if (static_cast<std::uint32_t>(instruction.operands[0]) >=
+                static_cast<std::uint32_t>(state.scopes))
+                fault(1019, "Getscopeobject  is out of bounds.");
             break;
         default: break;
         }
     }
 
-    void follow(const abc::Instruction& instruction, State state)
+    void follow(const abc::Instruction& instruction, Decoded::State state)
     {
         const auto op = static_cast<Op>(instruction.op);
         if (op == Op::returnvoid || op == Op::returnvalue || op == Op::throw_) return;
@@ -238,97 +231,22 @@ private:
         return parts;
     }
 
-    void emit()
-    {
-        std::vector<std::uint32_t> places;
-        for (std::uint32_t at = 0; at < m_body.code.size(); ++at) {
-            if (!m_instructions[at]) continue;
-            m_index[at] = static_cast<std::uint32_t>(m_code.code.size());
-            append(*m_instructions[at]);
-            m_code.offsets.push_back(at);
-            // What follows in the file follows here, unless nothing does.
-            places.push_back(at);
-        }
-        m_index[m_body.code.size()] = static_cast<std::uint32_t>(m_code.code.size());
-        for (Ins& ins : m_code.code) {
-            if (abc::opInfo(static_cast<std::uint8_t>(ins.op)).operands == "j") ins.a = place(ins.a);
-        }
-        for (auto& targets : m_code.switches) {
-            for (std::uint32_t& target : targets)
-                target = static_cast<std::uint32_t>(place(static_cast<std::int32_t>(target)));
-        }
-        for (const abc::ExceptionInfo& info : m_body.exceptions) {
-            Code::Handler handler{next(info.from), next(info.to), 0, info.type, info.name};
-            // A handler that nothing leads to guards nothing that runs.
-            if (m_index[info.target] == kNowhere)
-                handler.from = handler.to = 0;
-            else
-                handler.target = m_index[info.target];
-            m_code.handlers.push_back(handler);
-        }
-        m_code.catches.resize(m_body.exceptions.size());
-    }
-
-    [[nodiscard]] std::int32_t place(std::int32_t offset) const
-    {
-        return static_cast<std::int32_t>(m_index[static_cast<std::size_t>(offset)]);
-    }
-    /// The first instruction at or after an offset.
-    [[nodiscard]] std::uint32_t next(std::uint32_t offset) const
-    {
-        while (m_index[offset] == kNowhere) ++offset;
-        return m_index[offset];
-    }
-
-    void append(const abc::Instruction& instruction)
-    {
-        Ins ins;
-        ins.op = instruction.op;
-        ins.a = instruction.operands[0];
-        ins.b = instruction.operands[1];
-        const std::string_view kinds = abc::opInfo(instruction.op).operands;
-        if (!kinds.empty() && kinds[0] == 'm') {
-            const abc::MultinameInfo& info = m_abc.multinames[static_cast<std::uint32_t>(ins.a)];
-            ins.c = static_cast<std::uint16_t>((info.hasRuntimeName() ? 1 : 0) |
-                                               (info.hasRuntimeNamespace() ? 2 : 0));
-            ins.cache = static_cast<std::int32_t>(m_code.caches.size());
-            m_code.caches.emplace_back();
-        }
-        const auto op = static_cast<Op>(instruction.op);
-        if (op >= Op::getlocal_0 && op <= Op::getlocal_3) {
-            ins.a = instruction.op - 0xD0;
-            ins.op = static_cast<std::uint16_t>(Op::getlocal);
-        } else if (op >= Op::setlocal_0 && op <= Op::setlocal_3) {
-            ins.a = instruction.op - 0xD4;
-            ins.op = static_cast<std::uint16_t>(Op::setlocal);
-        } else if (op == Op::lookupswitch) {
-            auto& targets = m_code.switches.emplace_back();
-            for (const std::int32_t target : instruction.cases)
-                targets.push_back(static_cast<std::uint32_t>(target));
-            targets.push_back(static_cast<std::uint32_t>(instruction.operands[0]));
-            ins.a = static_cast<std::int32_t>(m_code.switches.size()) - 1;
-        }
-        m_code.code.push_back(ins);
-    }
-
     Unit& m_unit;
     const abc::Abc& m_abc;
     const abc::Body& m_body;
     Code& m_code;
+    Decoded& m_decoded;
     VerifyFault m_fault;
     bool m_isJump = false;
-    std::vector<State> m_states;
     std::vector<bool> m_inside; ///< within an instruction, not at its first byte
-    std::vector<std::optional<abc::Instruction>> m_instructions;
     std::vector<std::uint32_t> m_pending;
-    std::vector<std::uint32_t> m_index; ///< instruction at each offset
 };
 
 } // namespace
 
-VerifyFault verify(Unit& unit, std::uint32_t body, Code& code)
+VerifyFault verify(Unit& unit, std::uint32_t body, Code& code, Decoded& decoded)
 {
-    return Verifier(unit, body, code).run(body);
+    return Verifier(unit, body, code, decoded).run(body);
 }
 
 } // namespace flash::avm2

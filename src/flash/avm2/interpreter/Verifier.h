@@ -1,8 +1,11 @@
 #pragma once
 
+#include "flash/avm2/abc/CodeReader.h"
 #include "flash/avm2/interpreter/Code.h"
 
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace flash::avm2
 {
@@ -13,8 +16,19 @@ struct VerifyFault {
     std::string text;
 };
 
-/// Checks the code of a body and turns it into what the interpreter runs.
-/// @param code receives the result; of no use when there is a fault
-VerifyFault verify(Unit& unit, std::uint32_t body, Code& code);
+/// The instructions of a body that can be reached, by their offsets.
+struct Decoded {
+    struct State {
+        std::int32_t stack = -1; ///< values on it before the instruction; -1: not reached
+        std::int32_t scopes = 0;
+    };
+    std::vector<std::optional<abc::Instruction>> instructions;
+    std::vector<State> states;
+};
+
+/// Checks the code of a body.
+/// @param code receives the sizes of its frame
+/// @param decoded receives what is to be translated; of no use when there is a fault
+VerifyFault verify(Unit& unit, std::uint32_t body, Code& code, Decoded& decoded);
 
 } // namespace flash::avm2

@@ -201,10 +201,14 @@ public:
     Namespace* defaultXmlNs = nullptr;
 
     // ---- for the interpreter ----
-    Value run(MethodEnv& env, Value self, std::span<const Value> args, Object* callee);
+    /// Calls with the receiver and the arguments where they lie on this machine's stack: they become the
+    /// callee's first registers. @param window the receiver, below m_top
+    Value enter(MethodEnv& env, Value* window, std::uint32_t count, Object* callee = nullptr);
+    /// The same of any function or class.
+    Value callInPlace(Value function, Value* window, std::uint32_t count);
+    Value constructInPlace(Value constructor, Value* window, std::uint32_t count);
     Code* verified(MethodEnv& env);
-    struct ScopeView;
-    Object* stackGlobal = nullptr;
+    void makeActivation(Code& code, ScopeChain* scope);
 
     /// Names the machine itself looks up. Never collected.
     struct Common {
@@ -225,6 +229,10 @@ private:
     friend class Interpreter;
     void slowCheck();
     void report();
+    Value runFrame(MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
+    void resolveTypes(Code& code, const MethodEnv& env);
+    [[noreturn]] void stackOverflow();
+    [[noreturn]] void wrongCount(int minimum, std::uint32_t given);
     void makeCore();
     ClassObject* makeNative(const NativeClass& spec);
     void bindSlot(Traits& traits, std::string_view text);
@@ -256,6 +264,7 @@ private:
     static constexpr std::size_t kStackValues = std::size_t{1} << 18;
     std::unique_ptr<Value[]> m_stack;
     Value* m_top = nullptr;
+    Value* m_highest = nullptr; ///< as far as m_top has been
     int m_depth = 0;
     std::uintptr_t m_stackBase = 0;
     int m_budget = 0;
