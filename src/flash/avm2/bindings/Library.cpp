@@ -24,6 +24,10 @@ std::span<const NativeLibrary> bindingsLibrary()
         fileLibrary(),
         socketLibrary(),
         sharedObjectLibrary(),
+        textFormatLibrary(),
+        styleSheetLibrary(),
+        fontLibrary(),
+
     };
     return kLibraries;
 }
