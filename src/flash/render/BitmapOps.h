@@ -19,6 +19,11 @@ std::uint32_t unmultiplied(std::uint32_t pixel);
 
 inline IntRect boundsOf(const swf::Bitmap& bitmap) { return {0, 0, bitmap.width, bitmap.height}; }
 
+/// The longest side that a script can ask for.
+constexpr int kMaxBitmapSide = 2880;
+
+swf::Bitmap newBitmap(int width, int height, bool isTransparent, std::uint32_t color);
+
 /// The colour at a place that lies within the bitmap.
 std::uint32_t pixelAt(const swf::Bitmap& bitmap, int x, int y);
 void setPixelAt(swf::Bitmap& bitmap, int x, int y, std::uint32_t color);
@@ -69,6 +74,26 @@ IntRect colorBounds(const swf::Bitmap& bitmap, std::uint32_t mask, std::uint32_t
 using PaletteTable = std::optional<std::array<std::uint32_t, 256>>;
 void paletteMap(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, const IntRect& from,
                 const std::array<PaletteTable, 4>& tables);
+
+/// Whether a pixel has at least this alpha (0..255); none outside the bitmap has.
+[[nodiscard]] bool isSolid(const swf::Bitmap& bitmap, int x, int y, std::uint32_t minAlpha);
+[[nodiscard]] bool holdsSolid(const swf::Bitmap& bitmap, const IntRect& rect, std::uint32_t minAlpha);
+/// A bitmap and the alpha from which its pixels count.
+struct SolidPart {
+    const swf::Bitmap& bitmap;
+    std::uint32_t minAlpha = 1;
+};
+/// @param dx where the left edge of `b` is seen from that of `a`
+[[nodiscard]] bool overlap(const SolidPart& a, const SolidPart& b, int dx, int dy);
+
+/// What two bitmaps of one size differ in, channel by channel; where only the alpha differs, its difference
+/// on white. @returns nothing for the same pictures
+[[nodiscard]] std::optional<swf::Bitmap> difference(const swf::Bitmap& a, const swf::Bitmap& b);
+
+/// Filters `from` of the source and lays the result over the target, with what the filter adds around it.
+/// @returns false when that would be too large
+bool applyFilter(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, const IntRect& from,
+                 const swf::Filter& filter);
 
 struct NoiseOptions {
     std::int32_t seed = 0;

@@ -17,7 +17,6 @@ namespace
 {
 
 using bitmaps::color;
-using bitmaps::kLongestSide;
 using bitmaps::kRefused;
 
 struct BitmapDataNative final : Native {
@@ -30,17 +29,6 @@ struct BitmapDataNative final : Native {
     }
     std::shared_ptr<swf::Bitmap> bitmap; ///< null once disposed of
 };
-
-std::shared_ptr<swf::Bitmap> newBitmap(int width, int height, bool transparent, std::uint32_t color)
-{
-    auto bitmap = std::make_shared<swf::Bitmap>();
-    bitmap->width = width;
-    bitmap->height = height;
-    bitmap->opaque = !transparent;
-    bitmap->pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    render::fillRect(*bitmap, render::boundsOf(*bitmap), color);
-    return bitmap;
-}
 
 void attach(Vm& vm, Object& object, std::shared_ptr<swf::Bitmap> bitmap)
 {
@@ -178,9 +166,6 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
     Vm& vm = call.vm;
     const swf::Point own = pointFromValue(vm, call.arg(0));
     const auto threshold = static_cast<std::uint32_t>(std::clamp(intArg(call, 1), 0, 255));
-    const auto solid = [](const swf::Bitmap& b, int x, int y, std::uint32_t limit) {
-        return isInside(b, x, y) && (render::pixelAt(b, x, y) >> 24) >= limit;
-    };
     Object* other = call.arg(2).asObject();
     if (other == nullptr) return kRefused;
     const int left = toInt32(own.x), top = toInt32(own.y);
@@ -188,25 +173,17 @@ Value hitTest(Call& call, swf::Bitmap& bitmap)
         const swf::Point at = pointFromValue(vm, call.arg(3));
         const auto limit =
             static_cast<std::uint32_t>(std::clamp(call.count() > 4 ? intArg(call, 4) : 1, 0, 255));
-        for (int y = 0; y < bitmap.height; ++y)
-            for (int x = 0; x < bitmap.width; ++x)
-                if (solid(bitmap, x, y, threshold) &&
-                    solid(*second, x + left - toInt32(at.x), y + top - toInt32(at.y), limit))
-                    return true;
-        return false;
+        return render::overlap({bitmap, threshold}, {*second, limit}, toInt32(at.x) - left,
+                               toInt32(at.y) - top);
     }
     Value width;
     if (!other->find(vm, vm.name(std::string_view("width")), width, other)) {
         const swf::Point at = pointFromValue(vm, other);
-        return solid(bitmap, toInt32(at.x) - left, toInt32(at.y) - top, threshold);
+        return render::isSolid(bitmap, toInt32(at.x) - left, toInt32(at.y) - top, threshold);
     }
     const auto rect = rectFromValue(vm, other);
     const render::IntRect moved{rect->left - left, rect->top - top, rect->right - left, rect->bottom - top};
-    const render::IntRect area = render::intersect(moved, render::boundsOf(bitmap));
-    for (int y = area.top; y < area.bottom; ++y)
-        for (int x = area.left; x < area.right; ++x)
-            if (solid(bitmap, x, y, threshold)) return true;
-    return false;
+    return render::holdsSolid(bitmap, moved, threshold);
 }
 
 Value clone(Call& call, swf::Bitmap& bitmap)
@@ -238,25 +215,10 @@ Value compare(Call& call)
     if (own->width != other->width) return kOtherWidth;
     if (own->height != other->height) return kOtherHeight;
     if (!hasRoomFor(call.vm, own->width, own->height)) return {};
-    const auto difference = newBitmap(own->width, own->height, true, 0);
-    bool same = true;
-    for (int y = 0; y < own->height; ++y) {
-        for (int x = 0; x < own->width; ++x) {
-            const std::uint32_t a = render::pixelAt(*own, x, y), b = render::pixelAt(*other, x, y);
-            if (a == b) continue;
-            same = false;
-            const auto channel = [&](int shift) { return ((a >> shift) - (b >> shift)) & 0xFF; };
-            // Where the colours are the same the difference in alpha is shown, in white.
-            const bool sameColor = ((a ^ b) & 0xFFFFFF) == 0;
-            const std::uint32_t shown = sameColor
-                                            ? channel(24) << 24 | 0xFFFFFF
-                                            : 0xFF000000 | channel(16) << 16 | channel(8) << 8 | channel(0);
-            render::setPixelAt(*difference, x, y, shown);
-        }
-    }
-    if (same) return 0;
+    auto found = render::difference(*own, *other);
+    if (!found) return 0;
     Object* object = call.vm.newObject(call.self.object()->protoValue().asObject());
-    attach(call.vm, *object, difference);
+    attach(call.vm, *object, std::make_shared<swf::Bitmap>(std::move(*found)));
     return object;
 }
 
@@ -295,11 +257,14 @@ Value constructBitmapData(Call& call)
     // Without a size that it can have there is no object at all.
     if (call.count() < 2) return Value::null();
     const double width = numberArg(call, 0), height = numberArg(call, 1);
-    if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide)) return Value::null();
+    if (!(width >= 1 && height >= 1 && width <= render::kMaxBitmapSide && height <= render::kMaxBitmapSide))
+        return Value::null();
     if (!hasRoomFor(call.vm, width, height)) return Value::null();
     const bool transparent = call.count() < 3 || toBoolean(call.vm, call.arg(2));
     const std::uint32_t fill = call.count() > 3 ? color(call, 3) : 0xFFFFFFFF;
-    attach(call.vm, *self, newBitmap(static_cast<int>(width), static_cast<int>(height), transparent, fill));
+    attach(call.vm, *self,
+           std::make_shared<swf::Bitmap>(
+               render::newBitmap(static_cast<int>(width), static_cast<int>(height), transparent, fill)));
     return {};
 }
 

@@ -6,10 +6,9 @@
 #include "flash/avm1/classes/GeomValues.h"
 #include "flash/guard/Guard.h"
 #include "flash/render/BitmapOps.h"
-#include "flash/render/Canvas.h"
 #include "flash/render/Filters.h"
+#include "flash/stage/BitmapDrawing.h"
 #include "flash/stage/Clip.h"
-#include "flash/stage/Renderer.h"
 
 namespace flash::avm1::bitmaps
 {
@@ -117,16 +116,7 @@ Value applyFilter(Call& call, swf::Bitmap& bitmap)
     const auto a = copyArguments(call);
     const auto filter = filterFromValue(call.arg(3));
     if (!a || !filter) return kRefused;
-    // Filtered on a sheet with room for what the filter adds, then laid in place as a whole.
-    const render::Growth growth = render::filterGrowth(*filter);
-    const render::IntRect area = render::grown({0, 0, a->from.width(), a->from.height()}, growth);
-    if (area.width() > 2 * kLongestSide || area.height() > 2 * kLongestSide) return kRefused;
-    swf::Bitmap sheet{area.width(), area.height(), false, {}};
-    sheet.pixels.resize(static_cast<std::size_t>(area.width()) * static_cast<std::size_t>(area.height()));
-    render::copyPixels(sheet, growth.left, growth.top, *a->source, a->from, render::CopyAlpha::Replace);
-    render::applyFilter(*filter, {sheet.pixels.data(), sheet.width, sheet.height, sheet.width});
-    render::copyPixels(bitmap, a->x - growth.left, a->y - growth.top, sheet, render::boundsOf(sheet),
-                       render::CopyAlpha::Replace);
+    if (!render::applyFilter(bitmap, a->x, a->y, *a->source, a->from, *filter)) return kRefused;
     return 0;
 }
 Value generateFilterRect(Call& call, swf::Bitmap&)
@@ -196,32 +186,19 @@ Value draw(Call& call, swf::Bitmap& bitmap)
 {
     Vm& vm = call.vm;
     Object* source = call.arg(0).asObject();
-    std::shared_ptr<swf::Bitmap> picture = bitmapFromObject(source);
-    stage::Node* node = picture ? nullptr : StageBinding::of(call).nodeOf(source);
-    if (picture == nullptr && node == nullptr) return kRefused;
-    const swf::Matrix matrix = matrixFromValue(vm, call.arg(1)).value_or(swf::Matrix{});
-    const auto transform = colorTransformFromValue(vm, call.arg(2)).value_or(swf::ColorTransform{});
-    const swf::BlendMode blend = blendFromValue(vm, call.arg(3));
-    const auto clip = rectFromValue(vm, call.arg(4));
-    const bool smooth = toBoolean(vm, call.arg(5));
-    if (picture.get() == &bitmap) picture = std::make_shared<swf::Bitmap>(bitmap);
-
-    render::RenderCache cache;
-    render::Canvas canvas({bitmap.pixels.data(), bitmap.width, bitmap.height, bitmap.width},
-                          render::Quality::High, cache);
-    if (clip) canvas.setClip(render::intersect(*clip, render::boundsOf(bitmap)));
-    const bool layered = blend != swf::BlendMode::Normal;
-    if (layered) canvas.beginLayer(render::boundsOf(bitmap));
-    if (picture) {
-        canvas.drawBitmap(*picture, matrix, transform,
-                          smooth ? render::Smoothing::On : render::Smoothing::Off);
-    } else {
-        const swf::Matrix toDevice = matrix * render::twipsToPixels(swf::Matrix{});
-        stage::Renderer(canvas, toDevice).drawForPicture(*node, toDevice, transform);
-    }
-    if (layered) canvas.endLayer(blend);
-    if (bitmap.opaque)
-        for (std::uint32_t& pixel : bitmap.pixels) pixel |= 0xFF000000U;
+    const std::shared_ptr<swf::Bitmap> picture = bitmapFromObject(source);
+    const auto node = [&] { return picture ? nullptr : StageBinding::of(call).nodeOf(source); };
+    if (picture == nullptr && node() == nullptr) return kRefused;
+    stage::BitmapDrawing how;
+    how.matrix = matrixFromValue(vm, call.arg(1)).value_or(swf::Matrix{});
+    how.transform = colorTransformFromValue(vm, call.arg(2)).value_or(swf::ColorTransform{});
+    how.blend = blendFromValue(vm, call.arg(3));
+    how.clip = rectFromValue(vm, call.arg(4));
+    how.isSmooth = toBoolean(vm, call.arg(5));
+    if (picture)
+        stage::drawOnBitmap(bitmap, *picture, how);
+    else if (stage::Node* left = node()) // reading the arguments may have taken it from the stage
+        stage::drawOnBitmap(bitmap, *left, how);
     return {};
 }
 

@@ -7,9 +7,6 @@
 namespace flash::avm1::bitmaps
 {
 
-/// The longest side; beyond it there is no bitmap.
-constexpr double kLongestSide = 2880;
-
 /// What members answer on a bitmap that was disposed of, or when they are called with too little.
 inline const Value kRefused = -1;
 
