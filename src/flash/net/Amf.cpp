@@ -199,7 +199,7 @@ base::Result<AmfValue> AmfReader::value3()
     const std::uint32_t head = TRY_RESULT(u29());
     if ((head & 1U) == 0) return reference(m_known3, head >> 1U);
     if (marker == kObject3) return object3(head);
-    value.count = head >> 1U;
+    const std::uint32_t length = head >> 1U;
     switch (marker) {
     case kDate3:
         value.number = TRY_RESULT(real());
@@ -207,11 +207,11 @@ base::Result<AmfValue> AmfReader::value3()
         break;
     case kDocument3:
     case kXml3:
-        value.text = TRY_RESULT(text(head >> 1U));
+        value.text = TRY_RESULT(text(length));
         value.kind = Kind::Xml;
         break;
     case kBytes3: {
-        const base::Bytes found = TRY_RESULT(m_source.take(head >> 1U));
+        const base::Bytes found = TRY_RESULT(m_source.take(length));
         value.bytes.assign(found.begin(), found.end());
         value.kind = Kind::Bytes;
         break;
@@ -229,6 +229,8 @@ base::Result<AmfValue> AmfReader::value3()
                      : marker == kNumberVector3 ? Kind::NumberVector
                                                 : Kind::ObjectVector;
     }
+    const bool isBody = value.kind == Kind::Date || value.kind == Kind::Xml || value.kind == Kind::Bytes;
+    if (!isBody) value.count = length;
     return share(std::move(value));
 }
 

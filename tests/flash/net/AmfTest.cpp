@@ -23,12 +23,13 @@ base::Result<std::string> described(AmfReader& reader, AmfValue value, int depth
     case Kind::Number: return std::to_string(value.number);
     case Kind::Date: return "date " + std::to_string(value.number);
     case Kind::Text: return "'" + value.text + "'";
-    case Kind::Xml: return "xml " + value.text;
-    case Kind::Bytes: return "bytes " + std::to_string(value.bytes.size());
+    case Kind::Xml: EXPECT_EQ(value.count, 0); return "xml " + value.text;
+    case Kind::Bytes: EXPECT_EQ(value.count, 0); return "bytes " + std::to_string(value.bytes.size());
     case Kind::Reference: return "#" + std::to_string(value.count);
     case Kind::External: return "external " + value.text;
     default: break;
     }
+    EXPECT_TRUE(value.isShared());
     std::string out = value.text + "{";
     if (value.kind == Kind::Object || value.kind == Kind::Array) {
         for (std::string name; TRY_RESULT(reader.nextMember(value, name));) {

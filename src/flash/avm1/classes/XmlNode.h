@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/avm1/interpreter/Vm.h"
+#include "flash/net/XmlScanner.h"
 
 #include <memory>
 #include <optional>
@@ -47,18 +48,7 @@ std::u16string escapeXmlText(std::u16string_view text);
 /// Puts a node at the end of another's children; it has no parent yet.
 void appendXmlChild(Object* parent, Object* child);
 
-/// Numbers of the property `status`, as the genuine player gives them.
-enum class XmlStatus : int {
-    Ok = 0,
-    CdataNotEnded = -2,
-    DeclarationNotEnded = -3,
-    DoctypeNotEnded = -4,
-    CommentNotEnded = -5,
-    ElementMalformed = -6,
-    AttributeNotEnded = -8,
-    StartWithoutEnd = -9,
-    EndWithoutStart = -10,
-};
+using net::XmlStatus;
 
 struct XmlParseResult {
     XmlStatus status = XmlStatus::Ok;

@@ -8,7 +8,8 @@ namespace flash::avm1
 namespace
 {
 
-constexpr std::size_t kDeepest = 2000; ///< elements within elements; deeper ones are hung on the deepest
+constexpr auto kKnownEntities = net::XmlEntities::HardBlank;
+constexpr std::size_t kMaxNesting = 2000; ///< elements within elements; deeper ones are hung on the deepest
 
 struct Entity {
     std::u16string_view text;
@@ -20,26 +21,6 @@ constexpr std::array<Entity, 6> kEntities = {{{u"&lt;", u'<'},
                                               {u"&quot;", u'"'},
                                               {u"&apos;", u'\''},
                                               {u"&nbsp;", u'\u00A0'}}};
-
-bool isSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }
-
-std::u16string decodeEntities(std::u16string_view text)
-{
-    std::u16string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const auto* entity = std::find_if(kEntities.begin(), kEntities.end(), [&](const Entity& e) {
-            return text.substr(i).starts_with(e.text);
-        });
-        if (text[i] == u'&' && entity != kEntities.end()) {
-            out += entity->character;
-            i += entity->text.size();
-        } else {
-            out += text[i++];
-        }
-    }
-    return out;
-}
 
 void appendEscaped(std::u16string& out, std::u16string_view text)
 {
@@ -58,89 +39,51 @@ class Parser
 {
 public:
     Parser(Vm& vm, Object* document, std::u16string_view text)
-        : m_vm(vm), m_text(text), m_document(document), m_open{document}, m_kept(vm.heap())
+        : m_vm(vm), m_scanner(text), m_document(document), m_open{document}, m_kept(vm.heap())
     {
     }
 
     XmlParseResult run()
     {
         m_ignoresWhite = ignoresWhite();
-        while (m_at < m_text.size() && m_result.status == XmlStatus::Ok && !m_vm.isUnwinding()) step();
+        while (m_result.status == XmlStatus::Ok && !m_vm.isUnwinding()) {
+            const Token token = m_scanner.next();
+            if (token.kind == Token::Kind::Finish) break;
+            step(token);
+        }
         if (m_result.status == XmlStatus::Ok && m_open.size() > 1)
             m_result.status = XmlStatus::StartWithoutEnd;
         return std::move(m_result);
     }
 
 private:
-    void step()
+    using Token = net::XmlToken;
+
+    void step(const Token& token)
     {
-        const std::u16string_view rest = m_text.substr(m_at);
-        if (rest.front() != u'<') {
-            text();
-        } else if (rest.starts_with(u"<!--")) {
-            upTo(u"-->", 4, XmlStatus::CommentNotEnded);
-        } else if (rest.starts_with(u"<![CDATA[")) {
-            const auto content = upTo(u"]]>", 9, XmlStatus::CdataNotEnded);
-            if (content) append(newXmlNode(m_vm, XmlNode::kText, m_vm.string(*content)));
-        } else if (rest.starts_with(u"<?")) {
-            const std::size_t start = m_at;
-            if (upTo(u"?>", 2, XmlStatus::DeclarationNotEnded))
-                m_result.declaration += m_text.substr(start, m_at - start);
-        } else if (rest.starts_with(u"<!")) {
-            doctype();
-        } else if (rest.starts_with(u"</")) {
-            endTag();
-        } else {
-            startTag();
+        switch (token.kind) {
+        case Token::Kind::Text:
+            if (m_ignoresWhite && net::isXmlSpace(token.text)) return;
+            return append(
+                newXmlNode(m_vm, XmlNode::kText, m_vm.string(net::decodeXml(token.text, kKnownEntities))));
+        case Token::Kind::Cdata: return append(newXmlNode(m_vm, XmlNode::kText, m_vm.string(token.text)));
+        case Token::Kind::Instruction: m_result.declaration += token.whole; return;
+        case Token::Kind::Doctype: m_result.doctype = token.whole; return;
+        case Token::Kind::Start: return open(element(token.text));
+        case Token::Kind::Empty: {
+            Object* node = element(token.text);
+            append(node);
+            return noteId(node);
+        }
+        case Token::Kind::End: return end(token.text);
+        case Token::Kind::Damage: m_result.status = m_scanner.status(); return;
+        case Token::Kind::Comment:
+        case Token::Kind::Finish: return;
         }
     }
 
-    /// Moves past the next `end`. @returns what stands before it, or nothing (status set, all consumed).
-    std::optional<std::u16string_view> upTo(std::u16string_view end, std::size_t skip, XmlStatus missing)
+    void end(std::u16string_view name)
     {
-        const std::size_t start = std::min(m_at + skip, m_text.size());
-        const std::size_t found = m_text.find(end, start);
-        if (found == std::u16string_view::npos) {
-            m_result.status = missing;
-            m_at = m_text.size();
-            return {};
-        }
-        m_at = found + end.size();
-        return m_text.substr(start, found - start);
-    }
-
-    void text()
-    {
-        const std::size_t end = std::min(m_text.find(u'<', m_at), m_text.size());
-        const std::u16string_view raw = m_text.substr(m_at, end - m_at);
-        m_at = end;
-        if (m_ignoresWhite && std::all_of(raw.begin(), raw.end(), isSpace)) return;
-        append(newXmlNode(m_vm, XmlNode::kText, m_vm.string(decodeEntities(raw))));
-    }
-
-    /// A document type may hold declarations of its own in angle brackets.
-    void doctype()
-    {
-        int depth = 0;
-        for (std::size_t i = m_at; i < m_text.size(); ++i) {
-            if (m_text[i] == u'<') ++depth;
-            if (m_text[i] == u'>' && --depth == 0) {
-                m_result.doctype = m_text.substr(m_at, i + 1 - m_at);
-                m_at = i + 1;
-                return;
-            }
-        }
-        m_result.status = XmlStatus::DoctypeNotEnded;
-    }
-
-    void endTag()
-    {
-        const auto content = upTo(u">", 2, XmlStatus::ElementMalformed);
-        if (!content) return;
-        std::u16string_view name = *content;
-        while (!name.empty() && isSpace(name.back())) name.remove_suffix(1);
-        if (name.ends_with(u'/')) name.remove_suffix(1);
-        if (name.empty() || name.find(u' ') != name.npos) return malformed(XmlStatus::ElementMalformed);
         if (m_tooDeep > 0) {
             --m_tooDeep;
             return;
@@ -192,71 +135,17 @@ private:
         map.object()->put(m_vm, name, node);
     }
 
-    void startTag()
+    Object* element(std::u16string_view name)
     {
-        std::size_t at = m_at + 1;
-        const auto skipSpace = [&] {
-            while (at < m_text.size() && isSpace(m_text[at])) ++at;
-        };
-        const auto word = [&](std::u16string_view stops) {
-            const std::size_t start = at;
-            while (at < m_text.size() && !isSpace(m_text[at]) && stops.find(m_text[at]) == stops.npos) ++at;
-            return m_text.substr(start, at - start);
-        };
-        // A slash belongs to the name unless the element ends with it.
-        std::u16string_view name = word(u">");
-        if (name.ends_with(u'/') && at < m_text.size() && m_text[at] == u'>') {
-            name.remove_suffix(1);
-            --at;
-        }
-        if (name.empty()) return malformed(XmlStatus::ElementMalformed);
         Object* node = newXmlNode(m_vm, XmlNode::kElement, m_vm.string(name));
-        RootedNames keys(m_vm.heap());
-        RootedValues values(m_vm.heap());
+        Object* attributes = node->native<XmlNode>()->attributes;
         // The last one is made first, so that loops over the names see them as they stand in the text. Of two
         // of one name the first holds.
-        const auto giveAttributes = [&] {
-            Object* attributes = node->native<XmlNode>()->attributes;
-            for (std::size_t i = keys.size(); i-- > 0;) attributes->define(m_vm, keys[i], values[i]);
-        };
-        for (;;) {
-            skipSpace();
-            if (at >= m_text.size()) return malformed(XmlStatus::ElementMalformed);
-            if (m_text[at] == u'>') {
-                m_at = at + 1;
-                giveAttributes();
-                return open(node);
-            }
-            if (m_text[at] == u'/') {
-                if (at + 1 >= m_text.size() || m_text[at + 1] != u'>')
-                    return malformed(XmlStatus::ElementMalformed);
-                m_at = at + 2;
-                giveAttributes();
-                append(node);
-                return noteId(node);
-            }
-            const std::u16string_view key = word(u"=/>");
-            skipSpace();
-            if (key.empty() || at >= m_text.size() || m_text[at] != u'=')
-                return malformed(XmlStatus::ElementMalformed);
-            ++at;
-            skipSpace();
-            if (at >= m_text.size() || (m_text[at] != u'"' && m_text[at] != u'\''))
-                return malformed(XmlStatus::ElementMalformed);
-            const char16_t quote = m_text[at++];
-            const std::size_t end = m_text.find(quote, at);
-            if (end == std::u16string_view::npos) return malformed(XmlStatus::AttributeNotEnded);
-            const Name attribute = m_vm.name(key);
-            keys.push_back(attribute);
-            values.push_back(m_vm.string(decodeEntities(m_text.substr(at, end - at))));
-            at = end + 1;
-        }
-    }
-
-    void malformed(XmlStatus status)
-    {
-        m_result.status = status;
-        m_at = m_text.size();
+        const auto& given = m_scanner.attributes();
+        for (auto at = given.rbegin(); at != given.rend(); ++at)
+            attributes->define(m_vm, m_vm.name(at->name),
+                               m_vm.string(net::decodeXml(at->value, kKnownEntities)));
+        return node;
     }
 
     void append(Object* node)
@@ -267,7 +156,7 @@ private:
     {
         append(node);
         noteId(node);
-        if (m_open.size() < kDeepest) {
+        if (m_open.size() < kMaxNesting) {
             m_kept.push_back(node);
             m_open.push_back(node);
         } else {
@@ -276,12 +165,11 @@ private:
     }
 
     Vm& m_vm;
-    std::u16string_view m_text; // the caller's
+    net::XmlScanner m_scanner;
     Object* m_document;
     TracedList<Object*> m_open;
     // All but the document, which the caller holds: scripts may take elements out of the tree meanwhile.
     RootedValues m_kept;
-    std::size_t m_at = 0;
     std::size_t m_tooDeep = 0;
     bool m_ignoresWhite = false;
     XmlParseResult m_result;
@@ -310,7 +198,7 @@ void appendAttributes(Vm& vm, std::u16string& out, Object* attributes)
 void appendNode(Vm& vm, std::u16string& out, Object* object, std::size_t depth)
 {
     const auto* node = object->native<XmlNode>();
-    if (node == nullptr || depth > 2 * kDeepest) return;
+    if (node == nullptr || depth > 2 * kMaxNesting) return;
     if (node->type != XmlNode::kElement) {
         if (node->value != nullptr) appendEscaped(out, node->value->view());
         return;

@@ -24,10 +24,6 @@ std::span<const NativeLibrary> bindingsLibrary()
         fileLibrary(),
         socketLibrary(),
         sharedObjectLibrary(),
-        textFormatLibrary(),
-        styleSheetLibrary(),
-        fontLibrary(),
-
     };
     return kLibraries;
 }

@@ -80,9 +80,6 @@ public:
     std::map<std::u16string, Root<Object>>& localConnections() { return m_localConnections; }
     /// Those that are open, by the name that the store knows.
     std::map<std::string, Root<Object>>& sharedObjects() { return m_sharedObjects; }
-    /// Embedded ones that texts find: those of the movie that have classes, and those that were registered.
-    [[nodiscard]] std::vector<std::pair<stage::MoviePtr, std::uint16_t>> fonts() const;
-    void registerFont(const stage::MoviePtr& movie, std::uint16_t id);
     /// Writes those that have changed.
     void saveSharedObjects();
 
@@ -110,7 +107,6 @@ private:
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
     std::map<std::u16string, Root<Object>> m_localConnections;
     std::map<std::string, Root<Object>> m_sharedObjects;
-    std::vector<std::pair<stage::MoviePtr, std::uint16_t>> m_registeredFonts;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;
     bool m_hasBegun = false;
 };

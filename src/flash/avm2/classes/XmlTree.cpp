@@ -1,5 +1,7 @@
 #include "flash/avm2/classes/Xml.h"
 
+#include "flash/net/XmlScanner.h"
+
 #include <algorithm>
 #include <ranges>
 
@@ -9,28 +11,44 @@ namespace flash::avm2::classes
 namespace
 {
 
-constexpr int kDeepest = 500;
-
-bool isSpace(char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r'; }
+constexpr int kMaxNesting = 500;
+using net::isXmlSpace;
 
 std::u16string_view trimmed(std::u16string_view text)
 {
-    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    while (!text.empty() && isXmlSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isXmlSpace(text.back())) text.remove_suffix(1);
     return text;
+}
+
+/// What keeps a text from being a document, as scripts are told.
+struct Damage {
+    int number;
+    std::string_view what;
+};
+Damage damageOf(net::XmlStatus status)
+{
+    switch (status) {
+    case net::XmlStatus::CdataNotEnded: return {1091, "XML parser failure: Unterminated CDATA section."};
+    case net::XmlStatus::DeclarationNotEnded:
+        return {1097, "XML parser failure: Unterminated processing instruction."};
+    case net::XmlStatus::DoctypeNotEnded:
+        return {1093, "XML parser failure: Unterminated DOCTYPE declaration."};
+    case net::XmlStatus::CommentNotEnded: return {1094, "XML parser failure: Unterminated comment."};
+    case net::XmlStatus::AttributeNotEnded: return {1095, "XML parser failure: Unterminated attribute."};
+    default: return {1090, "XML parser failure: element is malformed."};
+    }
 }
 
 class Parser
 {
 public:
-    Parser(Vm& vm, std::u16string_view text) : m_vm(vm), m_text(text), m_settings(xmlSettings(vm)) {}
+    Parser(Vm& vm, std::u16string_view text) : m_vm(vm), m_scanner(text), m_settings(xmlSettings(vm)) {}
 
     void run(TracedList<XmlNode*>& out)
     {
         auto* top = m_vm.heap().make<XmlNode>(XmlNode::Kind::Element);
-        content(*top, 0);
-        if (m_at < m_text.size())
-            fail(1085, "The element type \"\" must be terminated by the matching end-tag \"</>\".");
+        content(*top, {}, 0);
         for (XmlNode* child : top->children) {
             child->parent = nullptr;
             out.push_back(child);
@@ -38,18 +56,23 @@ public:
     }
 
 private:
-    [[noreturn]] void fail(int number, std::string_view what)
+    using Token = net::XmlToken;
+
+    [[noreturn]] void fail(net::XmlStatus status)
     {
-        m_vm.throwError(ErrorClass::Type, number, what);
+        const Damage damage = damageOf(status);
+        m_vm.throwError(ErrorClass::Type, damage.number, damage.what);
     }
-    bool starts(std::u16string_view with) const { return m_text.substr(m_at, with.size()) == with; }
-    std::u16string_view until(std::u16string_view end, int number, std::string_view what)
+    [[noreturn]] void unmatched(std::u16string_view name)
     {
-        const auto found = m_text.find(end, m_at);
-        if (found == std::u16string_view::npos) fail(number, what);
-        const auto part = m_text.substr(m_at, found - m_at);
-        m_at = found + end.size();
-        return part;
+        const std::u16string text(name);
+        m_vm.throwError(ErrorClass::Type, 1085,
+                        u"The element type \"" + text +
+                            u"\" must be terminated by the matching end-tag \"</" + text + u">\".");
+    }
+    static std::u16string decoded(std::u16string_view text)
+    {
+        return net::decodeXml(text, net::XmlEntities::Numbers);
     }
     void addText(XmlNode& parent, std::u16string text)
     {
@@ -58,112 +81,72 @@ private:
             if (kept.empty()) return;
             text = std::u16string(kept);
         }
-        if (text.empty()) return;
-        auto* node = m_vm.heap().make<XmlNode>(XmlNode::Kind::Text);
-        node->text = std::move(text);
-        append(parent, node);
+        if (!text.empty()) add(parent, XmlNode::Kind::Text, text);
     }
-    static void append(XmlNode& parent, XmlNode* child)
+    XmlNode* add(XmlNode& parent, XmlNode::Kind kind, std::u16string_view text = {})
     {
-        child->parent = &parent;
-        parent.children.push_back(child);
+        auto* node = m_vm.heap().make<XmlNode>(kind);
+        node->text = text;
+        node->parent = &parent;
+        parent.children.push_back(node);
+        return node;
     }
-    void content(XmlNode& parent, int depth)
+    /// Reads up to the end of the element that is called `name`; of the text when it has no name.
+    void content(XmlNode& parent, std::u16string_view name, int depth)
     {
-        if (depth > kDeepest) m_vm.throwError(ErrorClass::Error, 1023, "Stack overflow occurred.");
-        while (m_at < m_text.size()) {
-            if (m_text[m_at] != u'<') {
-                const auto end = std::min(m_text.find(u'<', m_at), m_text.size());
-                addText(parent, decoded(m_text.substr(m_at, end - m_at)));
-                m_at = end;
-            } else if (starts(u"</")) {
-                return;
-            } else if (starts(u"<!--")) {
-                m_at += 4;
-                const auto text = until(u"-->", 1094, "XML parser failure: Unterminated comment.");
-                if (m_settings.ignoreComments) continue;
-                auto* node = m_vm.heap().make<XmlNode>(XmlNode::Kind::Comment);
-                node->text = text;
-                append(parent, node);
-            } else if (starts(u"<![CDATA[")) {
-                m_at += 9;
-                const auto text = until(u"]]>", 1091, "XML parser failure: Unterminated CDATA section.");
-                auto* node = m_vm.heap().make<XmlNode>(XmlNode::Kind::Text);
-                node->text = text;
-                append(parent, node);
-            } else if (starts(u"<?")) {
-                m_at += 2;
-                const auto text =
-                    until(u"?>", 1097, "XML parser failure: Unterminated processing instruction.");
-                const auto space = std::min(text.find_first_of(u" \t\r\n"), text.size());
-                if (text.substr(0, space) == u"xml" || m_settings.ignoreProcessingInstructions) continue;
-                auto* node = m_vm.heap().make<XmlNode>(XmlNode::Kind::Instruction);
-                node->name = m_vm.name(text.substr(0, space));
-                node->text = text.substr(std::min(text.size(), space + 1));
-                append(parent, node);
-            } else if (starts(u"<!")) {
-                until(u">", 1093, "XML parser failure: Unterminated DOCTYPE declaration.");
-            } else {
-                element(parent, depth);
-            }
+        if (depth > kMaxNesting) m_vm.throwError(ErrorClass::Error, 1023, "Stack overflow occurred.");
+        for (;;) {
             m_vm.check();
+            const Token token = m_scanner.next();
+            switch (token.kind) {
+            case Token::Kind::Text: addText(parent, decoded(token.text)); break;
+            case Token::Kind::Cdata: add(parent, XmlNode::Kind::Text, token.text); break;
+            case Token::Kind::Comment:
+                if (!m_settings.ignoreComments) add(parent, XmlNode::Kind::Comment, token.text);
+                break;
+            case Token::Kind::Instruction: instruction(parent, token.text); break;
+            case Token::Kind::Doctype: break;
+            case Token::Kind::Start:
+            case Token::Kind::Empty: element(parent, token, depth); break;
+            case Token::Kind::End:
+                if (depth == 0 || token.text != name) unmatched(name);
+                return;
+            case Token::Kind::Damage: fail(m_scanner.status());
+            case Token::Kind::Finish:
+                if (depth != 0) unmatched(name);
+                return;
+            }
         }
     }
-    std::u16string_view readName()
+    void instruction(XmlNode& parent, std::u16string_view text)
     {
-        const std::size_t from = m_at;
-        while (m_at < m_text.size() && !isSpace(m_text[m_at]) && m_text[m_at] != u'>' &&
-               m_text[m_at] != u'/' && m_text[m_at] != u'=' && m_text[m_at] != u'<')
-            ++m_at;
-        return m_text.substr(from, m_at - from);
-    }
-    void skip()
-    {
-        while (m_at < m_text.size() && isSpace(m_text[m_at])) ++m_at;
+        const auto space = std::min(text.find_first_of(u" \t\r\n"), text.size());
+        if (text.substr(0, space) == u"xml" || m_settings.ignoreProcessingInstructions) return;
+        XmlNode* node =
+            add(parent, XmlNode::Kind::Instruction, text.substr(std::min(text.size(), space + 1)));
+        node->name = m_vm.name(text.substr(0, space));
     }
     struct Attribute {
         std::u16string name, value;
     };
-    void element(XmlNode& parent, int depth)
+    void element(XmlNode& parent, const Token& token, int depth)
     {
-        ++m_at;
-        auto* node = m_vm.heap().make<XmlNode>(XmlNode::Kind::Element);
-        const std::u16string name(readName());
-        if (name.empty()) fail(1090, "XML parser failure: element is malformed.");
+        constexpr std::u16string_view kNotInNames = u"/=<";
+        const std::u16string name(token.text);
+        if (name.find_first_of(kNotInNames) != name.npos) fail(net::XmlStatus::ElementMalformed);
         std::vector<Attribute> attributes;
-        bool isEmpty = false;
-        for (;;) {
-            skip();
-            if (m_at >= m_text.size()) fail(1095, "XML parser failure: Unterminated attribute.");
-            if (m_text[m_at] == u'>') {
-                ++m_at;
-                break;
-            }
-            if (starts(u"/>")) {
-                m_at += 2;
-                isEmpty = true;
-                break;
-            }
-            Attribute attribute{std::u16string(readName()), {}};
-            skip();
-            if (attribute.name.empty() || m_at >= m_text.size() || m_text[m_at] != u'=')
-                fail(1090, "XML parser failure: element is malformed.");
-            ++m_at;
-            skip();
-            if (m_at >= m_text.size() || (m_text[m_at] != u'"' && m_text[m_at] != u'\''))
-                fail(1095, "XML parser failure: Unterminated attribute.");
-            const char16_t quote = m_text[m_at++];
-            attribute.value = decoded(
-                until(std::u16string_view(&quote, 1), 1095, "XML parser failure: Unterminated attribute."));
+        for (const net::XmlAttribute& given : m_scanner.attributes()) {
+            if (given.name.find_first_of(kNotInNames) != given.name.npos)
+                fail(net::XmlStatus::ElementMalformed);
             for (const Attribute& other : attributes) {
-                if (other.name == attribute.name)
+                if (other.name == given.name)
                     m_vm.throwError(ErrorClass::Type, 1104,
-                                    u"Attribute \"" + attribute.name +
+                                    u"Attribute \"" + other.name +
                                         u"\" was already specified for element \"" + name + u"\".");
             }
-            attributes.push_back(std::move(attribute));
+            attributes.push_back({std::u16string(given.name), decoded(given.value)});
         }
-        append(parent, node);
+        XmlNode* node = add(parent, XmlNode::Kind::Element);
         for (const Attribute& attribute : attributes) {
             const bool isDefault = attribute.name == u"xmlns";
             if (!isDefault && !attribute.name.starts_with(u"xmlns:")) continue;
@@ -180,20 +163,7 @@ private:
             split(*made, *node, attribute.name, false);
             node->attributes.push_back(made);
         }
-        if (isEmpty) return;
-        content(*node, depth + 1);
-        if (!starts(u"</"))
-            m_vm.throwError(ErrorClass::Type, 1085,
-                            u"The element type \"" + name +
-                                u"\" must be terminated by the matching end-tag \"</" + name + u">\".");
-        m_at += 2;
-        const auto closing = readName();
-        if (closing != name)
-            m_vm.throwError(ErrorClass::Type, 1085,
-                            u"The element type \"" + name +
-                                u"\" must be terminated by the matching end-tag \"</" + name + u">\".");
-        skip();
-        if (m_at < m_text.size() && m_text[m_at] == u'>') ++m_at;
+        if (token.kind == Token::Kind::Start) content(*node, name, depth + 1);
     }
     void split(XmlNode& node, XmlNode& scope, std::u16string_view name, bool isElement)
     {
@@ -218,53 +188,9 @@ private:
                             u"The prefix \"" + std::u16string(prefix) + u"\" for element \"" +
                                 std::u16string(node.name.view()) + u"\" is not bound.");
     }
-    static std::u16string decoded(std::u16string_view text)
-    {
-        std::u16string result;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const auto end = text[i] == u'&' ? text.find(u';', i) : std::u16string_view::npos;
-            if (end == std::u16string_view::npos || end - i > 10) {
-                result += text[i];
-                continue;
-            }
-            const auto entity = text.substr(i + 1, end - i - 1);
-            if (entity == u"lt")
-                result += u'<';
-            else if (entity == u"gt")
-                result += u'>';
-            else if (entity == u"amp")
-                result += u'&';
-            else if (entity == u"quot")
-                result += u'"';
-            else if (entity == u"apos")
-                result += u'\'';
-            else if (entity.size() > 1 && entity[0] == u'#') {
-                const bool isHex = entity[1] == u'x';
-                const double code = isHex ? textNumber(u"0" + std::u16string(entity.substr(1)))
-                                          : textNumber(entity.substr(1));
-                if (!(code > 0 && code < 0x110000)) {
-                    result += text[i];
-                    continue;
-                }
-                const auto unit = static_cast<std::uint32_t>(code);
-                if (unit >= 0x10000) {
-                    result += static_cast<char16_t>(0xD800 + ((unit - 0x10000) >> 10U));
-                    result += static_cast<char16_t>(0xDC00 + ((unit - 0x10000) & 0x3FFU));
-                } else
-                    result += static_cast<char16_t>(unit);
-            } else {
-                result += text[i];
-                continue;
-            }
-            i = end;
-        }
-        return result;
-    }
-
     Vm& m_vm;
-    std::u16string_view m_text;
+    net::XmlScanner m_scanner;
     XmlSettings m_settings;
-    std::size_t m_at = 0;
 };
 
 } // namespace
