@@ -18,6 +18,17 @@ namespace flash::stage
 namespace
 {
 
+/// It is drawn no longer, nor is anything in it.
+void noteSubtreeGone(Node& node)
+{
+    guard::check();
+    Stage& stage = node.stage();
+    stage.view().noteRemoved(node.takeChange());
+    stage.focus().forget(node);
+    stage.pointer().forget(node);
+    for (const NodePtr& child : node.children()) noteSubtreeGone(*child);
+}
+
 bool equalNames(std::string_view a, std::string_view b, Clip::Case sensitivity)
 {
     if (sensitivity == Clip::Case::Sensitive) return a == b;
@@ -32,7 +43,12 @@ Clip::Clip(Stage& stage, MoviePtr movie, std::shared_ptr<const swf::Timeline> ti
     m_movie = std::move(movie);
 }
 
-Clip::~Clip() = default;
+// Children that something else holds on to outlive it.
+Clip::~Clip()
+{
+    for (const NodePtr& child : m_children)
+        if (child->m_parent == this) child->m_parent = nullptr;
+}
 
 Node* Clip::childAt(int depth) const
 {
@@ -83,6 +99,27 @@ void Clip::take(Node& node)
     m_stage.view().noteRemoved(node.m_drawnBounds);
     m_children.erase(found);
     forgetBounds();
+}
+
+void Clip::insertAt(NodePtr node, std::size_t index, int depth)
+{
+    node->m_parent = this;
+    node->m_depth = depth;
+    node->m_nesting = m_nesting + 1;
+    Node& inserted = *node;
+    index = std::min(index, m_children.size());
+    m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), std::move(node));
+    forgetBounds();
+    inserted.invalidate();
+}
+
+void Clip::detach(Node& child)
+{
+    if (child.m_parent != this) return;
+    const NodePtr keep = child.shared_from_this();
+    noteSubtreeGone(child);
+    take(child);
+    child.m_parent = nullptr;
 }
 
 NodePtr Clip::instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth, bool isPlacement)
@@ -312,6 +349,11 @@ bool Clip::hitsShape(swf::Point stagePoint)
         if (child->mask() && !child->mask()->hitsShape(stagePoint)) continue;
         if (child->hitsShape(stagePoint)) return true;
     }
+    return drawingHits(stagePoint);
+}
+
+bool Clip::drawingHits(swf::Point stagePoint)
+{
     return m_drawing && !m_drawing->isEmpty() && shapeHit(*this, *m_drawing->shape(), stagePoint);
 }
 

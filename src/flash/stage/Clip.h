@@ -71,8 +71,21 @@ public:
     void removeChild(Node& child);
     void swapDepths(Node& child, int depth);
 
+    // ---- for scripts that keep the list themselves (ScriptHost::keepsClips) ----
+    /// Puts a node that is on no list at a place of the order in which children are drawn.
+    void insertAt(NodePtr node, std::size_t index, int depth);
+    /// Takes a child off, which may be put elsewhere later.
+    void detach(Node& child);
+    /// The frame that is shown from now on. Its sounds and its background count, its list does not.
+    void noteFrame(int frame);
+    /// The same, and nothing of it counts.
+    void noteShown(int frame) { m_frame = frame; }
+    void setTimeline(MoviePtr movie, std::shared_ptr<const swf::Timeline> timeline);
+
     // ---- script-side drawing ----
     [[nodiscard]] Drawing& drawing(); ///< made on first use
+    /// Whether a point of the stage (twips) lies on it, whatever lies above.
+    [[nodiscard]] bool drawingHits(swf::Point stagePoint);
 
     // ---- what came with the placement or was set by script ----
     [[nodiscard]] const std::vector<swf::ClipAction>& clipActions() const { return m_clipActions; }
@@ -148,6 +161,7 @@ private:
     void rewindTo(int frame);
     void skipTo(int frame);
     void streamSound();
+    void startSound(const swf::StartSound& start);
     void stopStream();
     void place(const swf::PlaceObject& tag, int frame);
     void applyPlacement(Node& node, const swf::PlaceObject& tag);

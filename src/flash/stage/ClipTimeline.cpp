@@ -72,6 +72,7 @@ void Clip::stopStream()
 void Clip::begin()
 {
     if (const Clip* parent = parentClip(); parent && m_url.empty()) m_url = parent->m_url;
+    if (m_stage.script().keepsClips()) return;
     if (m_inert) {
         runFrame(0, Run::ListOnly);
         return;
@@ -86,7 +87,7 @@ void Clip::begin()
 
 void Clip::step()
 {
-    if (m_removed || m_inert) return;
+    if (m_removed || m_inert || m_stage.script().keepsClips()) return;
     const bool first = !m_begun;
     // A level hears of its loading after the scripts of its first frame, which may set the handler.
     const bool loadsLate = first && !m_parent;
@@ -117,6 +118,10 @@ void Clip::step()
 void Clip::gotoFrame(int frame)
 {
     frame = std::max(frame, 0);
+    if (m_stage.script().keepsClips()) {
+        m_stage.script().showRootFrame(frame);
+        return;
+    }
     if (frame >= loadedFrames()) {
         // Beyond the end: the last frame is shown, but its scripts do not run.
         const int last = loadedFrames() - 1;
@@ -132,6 +137,36 @@ void Clip::gotoFrame(int frame)
     else
         rewindTo(frame);
     streamSound();
+}
+
+void Clip::noteFrame(int frame)
+{
+    if (frame == m_frame) return;
+    if (frame != m_frame + 1) stopStream();
+    m_frame = frame;
+    const auto& frames = m_timeline->frames;
+    if (frame < 0 || static_cast<std::size_t>(frame) >= frames.size()) return;
+    for (const swf::ControlTag& tag : frames[static_cast<std::size_t>(frame)].tags) {
+        if (const auto* background = std::get_if<swf::SetBackground>(&tag))
+            m_stage.view().setBackground(background->color);
+        else if (const auto* start = std::get_if<swf::StartSound>(&tag))
+            startSound(*start);
+    }
+    streamSound();
+}
+
+void Clip::setTimeline(MoviePtr movie, std::shared_ptr<const swf::Timeline> timeline)
+{
+    m_movie = std::move(movie);
+    m_timeline = std::move(timeline);
+    m_frame = -1;
+}
+
+void Clip::startSound(const swf::StartSound& start)
+{
+    const swf::Character* character = m_movie ? m_movie->character(start.soundId) : nullptr;
+    if (const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
+        m_stage.services().sound.startEvent(m_movie, start.soundId, *sound, start.info);
 }
 
 void Clip::nextFrame() { gotoFrame(m_frame + 1); }
@@ -180,9 +215,7 @@ void Clip::runFrame(int frame, Run run)
         } else if (const auto* init = std::get_if<swf::DoInitAction>(&tag)) {
             m_stage.queue().addInit(*this, m_movie, *init);
         } else if (const auto* start = std::get_if<swf::StartSound>(&tag)) {
-            const swf::Character* character = m_movie->character(start->soundId);
-            if (const auto* sound = character ? std::get_if<swf::Sound>(&character->data) : nullptr)
-                m_stage.services().sound.startEvent(m_movie, start->soundId, *sound, start->info);
+            startSound(*start);
         }
     }
 }

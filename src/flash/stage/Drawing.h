@@ -23,6 +23,7 @@ public:
     void lineTo(swf::Point to);
     void curveTo(swf::Point control, swf::Point to);
     void clear();
+    [[nodiscard]] swf::Point pen() const { return m_pen; }
 
     [[nodiscard]] bool isEmpty() const;
     /// What is drawn so far, an open fill closed. The same object until the next change.

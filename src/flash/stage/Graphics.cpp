@@ -130,13 +130,27 @@ std::string StaticTextNode::text() const
     return base::utf8FromUtf16(units);
 }
 
-swf::Rect BitmapNode::bounds(Extent) { return pixelRect(m_bitmap->width, m_bitmap->height); }
+void BitmapNode::setBitmap(std::shared_ptr<const swf::Bitmap> bitmap)
+{
+    m_bitmap = std::move(bitmap);
+    contentChanged();
+}
+void BitmapNode::setSmooth(bool smooth)
+{
+    m_smooth = smooth;
+    invalidate();
+}
+swf::Rect BitmapNode::bounds(Extent)
+{
+    return m_bitmap && m_bitmap->width > 0 ? pixelRect(m_bitmap->width, m_bitmap->height) : swf::Rect{};
+}
 bool BitmapNode::hitsShape(swf::Point stagePoint)
 {
     return rectContains(*this, bounds(Extent::WithStrokes), stagePoint);
 }
 void BitmapNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
+    if (!m_bitmap || m_bitmap->width == 0) return;
     canvas.drawBitmap(*m_bitmap, scaledBy(toDevice, swf::kTwipsPerPixel), color,
                       m_smooth ? render::Smoothing::On : render::Smoothing::Off);
 }

@@ -73,7 +73,7 @@ private:
     std::vector<Run> m_runs;
 };
 
-/// A picture: attached by script, or loaded in a movie's place.
+/// A picture: attached by script, or loaded in a movie's place. None shows nothing.
 class BitmapNode final : public Node
 {
 public:
@@ -82,6 +82,9 @@ public:
     {
     }
     [[nodiscard]] const std::shared_ptr<const swf::Bitmap>& bitmap() const { return m_bitmap; }
+    void setBitmap(std::shared_ptr<const swf::Bitmap> bitmap);
+    [[nodiscard]] bool isSmooth() const { return m_smooth; }
+    void setSmooth(bool smooth);
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;

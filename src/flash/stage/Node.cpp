@@ -142,7 +142,12 @@ Node::Node(Stage& stage, NodeKind kind)
     ++*m_listed;
 }
 
-Node::~Node() { unlist(); }
+Node::~Node()
+{
+    if (m_mask) m_mask->m_maskee = nullptr;
+    if (m_maskee) m_maskee->m_mask = nullptr;
+    unlist();
+}
 
 void Node::unlist()
 {

@@ -45,6 +45,12 @@ class ScriptHost
 public:
     virtual ~ScriptHost() = default;
 
+    /// Whether the scripts keep the timelines and the lists of all clips themselves: the stage then only
+    /// draws what they have put there.
+    virtual bool keepsClips() { return false; }
+    /// The host wants such a movie's root to show a frame (index).
+    virtual void showRootFrame(int /*frame*/) {}
+
     /// Runs one compiled block with `target` as `this`. `movie` owns the block and gives its version.
     virtual void runActions(Clip& /*target*/, const MoviePtr& /*movie*/, const swf::ActionBlock&) {}
 

@@ -70,6 +70,8 @@ public:
     [[nodiscard]] double msToNextEvent();
     [[nodiscard]] double frameRate() const { return m_frameRate; }
     [[nodiscard]] double frameMs() const;
+    /// @param rate frames a second, above 0; from the next frame on
+    void setFrameRate(double rate) { m_frameRate = rate; }
     /// Frames run since open().
     [[nodiscard]] long long frameCounter() const { return m_frameCounter; }
 

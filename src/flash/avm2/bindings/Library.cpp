@@ -1,7 +1,11 @@
 #include "flash/avm2/bindings/Library.h"
 
+#include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Events.h"
+#include "flash/avm2/bindings/Graphics.h"
+#include "flash/avm2/bindings/Loader.h"
+#include "flash/avm2/bindings/Transform.h"
 
 #include <array>
 
@@ -14,8 +18,17 @@ std::span<const NativeLibrary> bindingsLibrary()
         NativeLibrary{recordClasses(), {}},
         NativeLibrary{eventClasses(), {}},
         NativeLibrary{geometryClasses(), {}},
+        NativeLibrary{transformClasses(), {}},
         NativeLibrary{displayClasses(), {}},
+        NativeLibrary{containerClasses(), {}},
         NativeLibrary{clipClasses(), {}},
+        NativeLibrary{buttonClasses(), {}},
+        NativeLibrary{stageClasses(), {}},
+        NativeLibrary{graphicsClasses(), {}},
+        NativeLibrary{graphicsDataClasses(), {}},
+        NativeLibrary{bitmapDataClasses(), {}},
+        NativeLibrary{loaderClasses(), {}},
+        NativeLibrary{loaderInfoClasses(), {}},
         timerLibrary(),
         systemLibrary(),
         interfaceLibrary(),

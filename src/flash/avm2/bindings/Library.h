@@ -11,6 +11,9 @@ namespace flash::avm2
 std::span<const NativeLibrary> bindingsLibrary();
 
 std::span<const NativeClass> geometryClasses();
+std::span<const NativeClass> stageClasses();
+std::span<const NativeClass> loaderInfoClasses();
+std::span<const NativeClass> buttonClasses();
 std::span<const NativeClass> recordClasses();
 
 NativeLibrary timerLibrary();

@@ -36,8 +36,8 @@ std::vector<ScenePart> scenesOf(Call& call, const DisplayObject& clip)
 {
     std::vector<ScenePart> parts;
     const int total = clip.totalFrames();
-    if (clip.isRoot) {
-        for (const auto& scene : Player::of(call.vm).tags().scenes) {
+    if (const LoadedMovie* own = clip.isRoot ? Player::of(call.vm).loaded(clip.movie) : nullptr) {
+        for (const auto& scene : own->tags.scenes) {
             if (!parts.empty()) parts.back().count = static_cast<int>(scene.frame) + 1 - parts.back().first;
             parts.push_back({scene.name, static_cast<int>(scene.frame) + 1, 1});
         }
@@ -126,12 +126,7 @@ int frameOf(Call& call, DisplayObject& clip)
                        u"Frame label " + text + u" not found in scene " + fromUtf8(parts[part].name) + u".");
 }
 
-void go(Call& call, DisplayObject& clip, int frame)
-{
-    Player& player = Player::of(call.vm);
-    player.gotoFrame(clip, frame);
-    player.constructChildren(clip);
-}
+void go(Call& call, DisplayObject& clip, int frame) { Player::of(call.vm).goTo(clip, frame); }
 
 template <bool plays>
 Value gotoAnd(Call& call)

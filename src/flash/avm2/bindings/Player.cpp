@@ -2,11 +2,10 @@
 
 #include "flash/avm2/abc/Abc.h"
 #include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/bindings/Loader.h"
 #include "flash/avm2/classes/Library.h"
 
 #include <algorithm>
-#include <numbers>
-#include <set>
 
 namespace flash::avm2
 {
@@ -26,10 +25,13 @@ std::vector<NativeLibrary> allLibraries()
 
 Player::Player(stage::Services services, PlayerInputs inputs)
     : m_services(services), m_inputs(std::move(inputs)), m_vm(std::make_unique<Vm>(*this, allLibraries())),
-      m_domain(m_vm->heap()), m_stageObject(m_vm->heap()), m_root(m_vm->heap()), m_listening(m_vm->heap()),
-      m_random(m_inputs.randomSeed)
+      m_stageObject(m_vm->heap()), m_random(m_inputs.randomSeed)
 {
     m_vm->binding = this;
+    m_vm->heap().addSweepHook([this] {
+        std::erase_if(m_listening, [](const DispatcherObject* object) { return !Heap::isMarked(object); });
+        std::erase_if(m_orphans, [](const DisplayObject* object) { return !Heap::isMarked(object); });
+    });
 }
 
 Player::~Player()
@@ -38,7 +40,9 @@ Player::~Player()
     m_timers.clear();
     m_localConnections.clear();
     m_sharedObjects.clear();
-    m_symbols.clear();
+    m_later.clear();
+    m_linked.clear();
+    m_movies.clear();
 }
 
 void Player::trace(std::u16string_view text) { m_services.host.traceLine(toUtf8(text)); }
@@ -57,26 +61,29 @@ bool Player::askToStopScript(double) { return m_services.host.abortSlowScript();
 
 std::u16string Player::nextInstanceName() { return u"instance" + numberText(m_nextInstance++); }
 
-void Player::noteListening(DisplayObject& object)
+LoadedMovie* Player::loaded(const stage::MoviePtr& movie)
 {
-    if (std::ranges::find(*m_listening, &object) == m_listening->end()) m_listening.push_back(&object);
+    const auto found =
+        std::ranges::find_if(m_movies, [&](const auto& entry) { return entry->movie == movie; });
+    return found != m_movies.end() ? found->get() : nullptr;
 }
 
-void Player::broadcast(std::string_view type)
+LoadedMovie& Player::addMovie(stage::MoviePtr movie, std::string url, Domain* domain)
 {
-    const Name name = m_vm->name(type);
-    RootedList<DisplayObject*> targets(m_vm->heap());
-    for (DisplayObject* object : m_listening) {
-        if (object->hasListener(name)) targets.push_back(object);
-    }
-    for (std::size_t i = 0; i < targets.size(); ++i) m_vm->guarded([&] { fire(*m_vm, *targets[i], type); });
+    m_movies.push_back(std::make_unique<LoadedMovie>(m_vm->heap(), std::move(movie), std::move(url), domain));
+    LoadedMovie& added = *m_movies.back();
+    loadScripts(added, 0);
+    return added;
 }
 
-void Player::loadScripts(std::size_t frame)
+void Player::loadScripts(LoadedMovie& movie, std::size_t frame)
 {
-    if (frame < m_loadedFrames) return;
-    m_loadedFrames = frame + 1;
-    for (const swf::ScriptTags::Block& block : m_tags.blocks) {
+    while (movie.loadedFrames <= frame) readFrameScripts(movie, movie.loadedFrames++);
+}
+
+void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
+{
+    for (const swf::ScriptTags::Block& block : movie.tags.blocks) {
         if (block.frame != frame) continue;
         auto parsed = abc::parseAbc(block.bytes);
         if (!parsed) {
@@ -84,27 +91,32 @@ void Player::loadScripts(std::size_t frame)
             continue;
         }
         m_vm->guarded([&] {
-            Unit* unit = m_domain->load(*m_vm, *parsed);
+            Unit* unit = movie.domain->load(*m_vm, *parsed);
             if (!block.lazy) unit->runAllScripts(*m_vm);
         });
     }
-    for (const swf::ScriptTags::Symbol& symbol : m_tags.symbols) {
+    for (const swf::ScriptTags::Symbol& symbol : movie.tags.symbols) {
         if (symbol.frame != frame) continue;
         m_vm->guarded([&] {
             Value found;
-            if (!m_domain->lookUp(*m_vm, fromUtf8(symbol.className), found)) {
+            if (!movie.domain->lookUp(*m_vm, fromUtf8(symbol.className), found)) {
                 m_services.host.logLine("No class " + symbol.className);
                 return;
             }
-            if (auto* cls = as<ClassObject>(found))
-                m_symbols.try_emplace(symbol.characterId, m_vm->heap(), cls);
+            auto* cls = as<ClassObject>(found);
+            if (cls == nullptr) return;
+            if (movie.symbols.try_emplace(symbol.characterId, m_vm->heap(), cls).second &&
+                symbol.characterId != 0)
+                m_linked.try_emplace(cls, &movie, symbol.characterId);
         });
     }
 }
 
 ClassObject* Player::classOf(const stage::MoviePtr& movie, std::uint16_t characterId)
 {
-    if (const auto found = m_symbols.find(characterId); found != m_symbols.end()) return found->second.get();
+    if (const LoadedMovie* known = loaded(movie)) {
+        if (ClassObject* cls = known->classOf(characterId)) return cls;
+    }
     const swf::Character* character = movie->character(characterId);
     if (character == nullptr) return nullptr;
     const char* name = "flash.display::Shape";
@@ -129,332 +141,73 @@ ClassObject* Player::classOf(const stage::MoviePtr& movie, std::uint16_t charact
 
 std::uint16_t Player::characterOf(const ClassObject* cls, stage::MoviePtr& movie)
 {
-    for (const ClassObject* at = cls; at != nullptr; at = at->base) {
-        for (const auto& [id, symbol] : m_symbols) {
-            if (symbol.get() != at || id == 0) continue;
-            movie = m_movie;
-            return id;
-        }
+    for (const ClassObject* at = cls; at != nullptr && !m_linked.empty(); at = at->base) {
+        const auto found = m_linked.find(at);
+        if (found == m_linked.end()) continue;
+        movie = found->second.first->movie;
+        return found->second.second;
     }
     return 0;
-}
-
-void Player::showCharacter(DisplayObject& object, const stage::MoviePtr& movie, std::uint16_t characterId)
-{
-    object.movie = movie;
-    object.characterId = characterId;
-    const swf::Character* character = movie->character(characterId);
-    if (character == nullptr) return;
-    if (const auto* sprite = std::get_if<swf::Sprite>(&character->data);
-        sprite != nullptr && object.frame == 0) {
-        object.timeline = sprite->timeline;
-        gotoFrame(object, 1);
-    }
 }
 
 void Player::begin()
 {
     m_hasBegun = true;
-    m_movie = m_stage->movie();
-    if (!m_movie) return;
-    m_tags = swf::readScriptTags(*m_movie);
-    m_vm->version = m_movie->header.version;
-    m_domain = m_vm->heap().make<Domain>(m_vm->systemDomain());
-    m_vm->movieDomain = m_domain.get();
+    const stage::MoviePtr movie = m_stage->movie();
+    if (!movie) return;
+    m_vm->version = movie->header.version;
     m_vm->guarded([&] {
-        m_stageObject =
-            as<DisplayObject>(Value(m_vm->instantiate(m_vm->nativeClass("flash.display::Stage"))));
-        m_stageObject->isStage = m_stageObject->isConstructed = true;
+        auto* stage = as<DisplayObject>(Value(m_vm->instantiate(m_vm->nativeClass("flash.display::Stage"))));
+        m_stageObject = stage;
+        stage->setNode(m_stage->root()->shared_from_this());
+        stage->isStage = stage->isConstructed = true;
     });
-    loadScripts(0);
+    if (!m_stageObject) return;
+    Domain* domain = m_vm->heap().make<Domain>(m_vm->systemDomain());
+    m_vm->movieDomain = domain;
+    LoadedMovie& main = addMovie(movie, m_stage->url(), domain);
     m_vm->guarded([&] {
-        const auto found = m_symbols.find(0);
-        ClassObject* cls =
-            found != m_symbols.end() ? found->second.get() : m_vm->nativeClass("flash.display::MovieClip");
-        m_root = as<DisplayObject>(Value(m_vm->instantiate(cls)));
-        if (!m_root) {
-            m_services.host.logLine("The class of the movie is none of a display object");
-            return;
-        }
-        m_root->isRoot = true;
-        m_root->movie = m_movie;
-        m_root->name = Value(m_vm->name("root1").string());
-        m_root->timeline = std::shared_ptr<const swf::Timeline>(m_movie, &m_movie->timeline);
-        m_root->node = m_stage->root()->weak_from_this();
-        m_root->parent = m_stageObject.get();
-        m_stageObject->children.push_back(m_root.get());
-        gotoFrame(*m_root, 1);
-        m_root->isConstructed = true;
-        if (cls->constructor != nullptr) {
-            m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(m_root.get()), {}); });
-        }
-        m_vm->guarded([&] { fire(*m_vm, *m_root, "added", true); });
-        m_vm->guarded([&] { fire(*m_vm, *m_root, "addedToStage"); });
+        LoaderInfoObject* info = newLoaderInfo(*m_vm, main.url);
+        main.loaderInfo = info;
+        // The stage has the same one, which is not told of what it holds.
+        m_stageObject->loaderInfo = Value(info);
+    });
+    m_vm->guarded([&] {
+        if (makeRoot(main, m_stageObject.get()) == nullptr) return;
+        announce(*main.root, "added");
     });
 }
 
-void Player::frameEnded()
+DisplayObject* Player::makeRoot(LoadedMovie& movie, DisplayObject* parent)
 {
-    if (m_vm->isDisabled()) return;
-    if (!m_hasBegun) {
-        begin();
-    } else if (m_root) {
-        RootedList<DisplayObject*> clips(m_vm->heap());
-        advance(*m_root);
-        broadcast("enterFrame");
+    ClassObject* cls = movie.classOf(0);
+    if (cls == nullptr) cls = m_vm->nativeClass("flash.display::MovieClip");
+    auto* root = as<DisplayObject>(Value(m_vm->instantiate(cls)));
+    if (root == nullptr) {
+        m_services.host.logLine("The class of the movie is none of a display object");
+        return nullptr;
     }
-    if (!m_root) return;
-    m_vm->guarded([&] { constructAll(*m_stageObject); });
-    broadcast("frameConstructed");
-    runAllScripts(*m_stageObject);
-    broadcast("exitFrame");
-    syncPicture(*m_root);
-    // What the frame's scripts have asked for.
-    m_stage->loads().deliver();
-    m_stage->queue().run();
-    if (m_vm->heap().shouldCollect()) m_vm->heap().collect();
-}
-
-void Player::advance(DisplayObject& clip)
-{
-    RootedList<DisplayObject*> children(m_vm->heap(), clip.children.begin(), clip.children.end());
-    if (clip.isPlaying && clip.timeline != nullptr && clip.totalFrames() > 1) {
-        m_vm->guarded([&] { gotoFrame(clip, clip.frame >= clip.totalFrames() ? 1 : clip.frame + 1); });
-    }
-    for (std::size_t i = 0; i < children.size(); ++i) {
-        if (children[i]->parent == &clip) advance(*children[i]);
-    }
-}
-
-void Player::constructAll(DisplayObject& object)
-{
-    constructChildren(object);
-    RootedList<DisplayObject*> children(m_vm->heap(), object.children.begin(), object.children.end());
-    for (std::size_t i = 0; i < children.size(); ++i) constructAll(*children[i]);
-}
-
-void Player::runFrameScripts(DisplayObject& clip)
-{
-    while (clip.hasPendingScript) {
-        clip.hasPendingScript = false;
-        Value script;
-        for (const auto& [frame, function] : clip.frameScripts) {
-            if (frame == clip.frame) script = function;
-        }
-        if (script.isNullish()) return;
-        m_vm->guarded([&] { m_vm->call(script, Value(&clip), {}); });
-        // A script that goes elsewhere has that frame's script run next.
-        m_vm->guarded([&] { constructAll(clip); });
-    }
-}
-
-void Player::runAllScripts(DisplayObject& object)
-{
-    runFrameScripts(object);
-    RootedList<DisplayObject*> children(m_vm->heap(), object.children.begin(), object.children.end());
-    for (std::size_t i = 0; i < children.size(); ++i) runAllScripts(*children[i]);
-}
-
-void Player::constructChildren(DisplayObject& parent)
-{
-    RootedList<DisplayObject*> children(m_vm->heap(), parent.children.begin(), parent.children.end());
-    for (std::size_t i = 0; i < children.size(); ++i) {
-        DisplayObject& child = *children[i];
-        if (child.isConstructed || child.parent != &parent) continue;
-        child.isConstructed = true;
-        ClassObject* cls = child.traits()->cls;
-        if (cls != nullptr && cls->constructor != nullptr)
-            m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(&child), {}); });
-        // Only what is there whole is seen under its name.
-        if (child.name.isString() && child.depth > 0) {
-            m_vm->guarded([&] {
-                const Multiname name = m_vm->publicName(m_vm->names().intern(m_vm->toString(child.name)));
-                if (parent.traits()->find(name) != nullptr || parent.isDynamic())
-                    m_vm->set(Value(&parent), name, Value(&child));
-            });
-        }
-        m_vm->guarded([&] { fire(*m_vm, child, "added", true); });
-        if (child.top() == m_stageObject.get()) m_vm->guarded([&] { fire(*m_vm, child, "addedToStage"); });
-    }
-}
-
-namespace
-{
-
-/// What the timeline shows at a depth.
-struct Placed {
-    std::uint16_t characterId = 0;
-    int frame = 0; ///< 1-based
-    std::optional<swf::Matrix> matrix;
-    std::optional<std::string> name;
-    std::optional<swf::ColorTransform> color;
-    std::optional<bool> visible;
-};
-
-std::map<int, Placed> placedAt(const swf::Timeline& timeline, int frame)
-{
-    std::map<int, Placed> result;
-    for (int i = 0; i < frame && i < static_cast<int>(timeline.frames.size()); ++i) {
-        for (const swf::ControlTag& tag : timeline.frames[static_cast<std::size_t>(i)].tags) {
-            if (const auto* place = std::get_if<swf::PlaceObject>(&tag)) {
-                Placed& entry = result[place->depth];
-                if (place->characterId &&
-                    (!place->move || entry.characterId == 0 || *place->characterId != entry.characterId)) {
-                    if (!place->move) entry = {};
-                    entry.characterId = *place->characterId;
-                    entry.frame = i + 1;
-                }
-                if (place->matrix) entry.matrix = place->matrix;
-                if (place->name) entry.name = place->name;
-                if (place->color) entry.color = place->color;
-                if (place->visible) entry.visible = place->visible;
-            } else if (const auto* remove = std::get_if<swf::RemoveObject>(&tag)) {
-                result.erase(remove->depth);
-            }
-        }
-    }
-    return result;
-}
-
-void applyMatrix(DisplayObject& child, const swf::Matrix& matrix)
-{
-    child.x = matrix.tx / swf::kTwipsPerPixel;
-    child.y = matrix.ty / swf::kTwipsPerPixel;
-    child.scaleX = std::hypot(matrix.a, matrix.b);
-    child.scaleY = std::hypot(matrix.c, matrix.d);
-    child.rotation = std::atan2(matrix.b, matrix.a) * 180 / std::numbers::pi;
-}
-
-} // namespace
-
-void Player::gotoFrame(DisplayObject& clip, int frame)
-{
-    if (clip.timeline == nullptr) return;
-    frame = std::clamp(frame, 1, clip.totalFrames());
-    if (&clip == m_root.get()) {
-        for (int i = clip.frame; i < frame; ++i) loadScripts(static_cast<std::size_t>(i));
-    }
-    if (frame == clip.frame) return;
-    clip.frame = frame;
-    clip.hasPendingScript = true;
-    place(clip, frame);
-}
-
-void Player::place(DisplayObject& clip, int frame)
-{
-    const auto wanted = placedAt(*clip.timeline, frame);
-    RootedList<DisplayObject*> before(m_vm->heap(), clip.children.begin(), clip.children.end());
-    std::set<int> kept;
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        DisplayObject& child = *before[i];
-        if (child.depth == 0 || child.parent != &clip) continue;
-        const auto found = wanted.find(child.depth);
-        if (found == wanted.end() || found->second.characterId != child.characterId ||
-            found->second.frame != child.placedFrame) {
-            removeChild(clip, child);
-            continue;
-        }
-        kept.insert(child.depth);
-        if (found->second.matrix && !child.isTransformed) applyMatrix(child, *found->second.matrix);
-    }
-    for (const auto& [depth, entry] : wanted) {
-        if (kept.contains(depth) || entry.characterId == 0) continue;
-        ClassObject* cls = classOf(clip.movie, entry.characterId);
-        if (cls == nullptr) continue;
-        auto* child = as<DisplayObject>(Value(m_vm->instantiate(cls)));
-        if (child == nullptr) continue;
-        child->depth = depth;
-        child->placedFrame = entry.frame;
-        child->name = Value(m_vm->string(entry.name ? fromUtf8(*entry.name) : nextInstanceName()));
-        if (entry.matrix) applyMatrix(*child, *entry.matrix);
-        std::size_t index = 0;
-        while (index < clip.children.size() &&
-               (clip.children[index]->depth == 0 ? false : clip.children[index]->depth < depth))
-            ++index;
-        child->parent = &clip;
-        clip.children.insert(clip.children.begin() + static_cast<std::ptrdiff_t>(index), child);
-        showCharacter(*child, clip.movie, entry.characterId);
-    }
-}
-
-void Player::insert(DisplayObject& parent, DisplayObject& child, std::size_t index, bool)
-{
-    const bool isMove = child.parent == &parent;
-    if (child.parent != nullptr) {
-        if (isMove)
-            std::erase(parent.children, &child);
-        else
-            removeChild(*child.parent, child);
-    }
-    child.parent = &parent;
-    child.depth = 0;
-    index = std::min(index, parent.children.size());
-    parent.children.insert(parent.children.begin() + static_cast<std::ptrdiff_t>(index), &child);
-    if (isMove) return;
-    fire(*m_vm, child, "added", true);
-    if (m_stageObject && child.top() == m_stageObject.get()) {
-        RootedList<DisplayObject*> all(m_vm->heap());
-        all.push_back(&child);
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            fire(*m_vm, *all[i], "addedToStage");
-            for (DisplayObject* inner : all[i]->children) all.push_back(inner);
-        }
-    }
-}
-
-void Player::removeChild(DisplayObject& parent, DisplayObject& child)
-{
-    fire(*m_vm, child, "removed", true);
-    if (m_stageObject && child.top() == m_stageObject.get()) {
-        RootedList<DisplayObject*> all(m_vm->heap());
-        all.push_back(&child);
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            fire(*m_vm, *all[i], "removedFromStage");
-            for (DisplayObject* inner : all[i]->children) all.push_back(inner);
-        }
-    }
-    if (child.parent != &parent) return;
-    if (child.depth > 0 && child.name.isString()) {
-        m_vm->guarded([&] {
-            const Multiname name = m_vm->publicName(m_vm->names().intern(m_vm->toString(child.name)));
-            if (m_vm->hasOwn(Value(&parent), name) &&
-                m_vm->get(Value(&parent), name).bits() == Value(&child).bits())
-                m_vm->set(Value(&parent), name, Value::null());
-        });
-    }
-    std::erase(parent.children, &child);
-    child.parent = nullptr;
-}
-
-void Player::syncPicture(DisplayObject& object)
-{
-    const auto node = object.node.lock();
-    if (node == nullptr || node->isRemoved()) return;
-    stage::Clip* clip = stage::asClip(node.get());
-    if (clip == nullptr) return;
-    if (object.timeline != nullptr) {
-        if (!object.isPlaying && clip->isPlaying())
-            clip->stop();
-        else if (object.isPlaying && !clip->isPlaying())
-            clip->play();
-        if (object.frame > 0 && clip->currentFrame() != object.frame - 1) clip->gotoFrame(object.frame - 1);
-    }
-    RootedList<DisplayObject*> children(m_vm->heap(), object.children.begin(), object.children.end());
-    for (std::size_t i = 0; i < children.size(); ++i) {
-        DisplayObject& child = *children[i];
-        if (child.depth == 0) continue;
-        stage::Node* shown = clip->childAt(stage::kTimelineDepth + child.depth);
-        if (shown == nullptr) continue;
-        child.node = shown->weak_from_this();
-        if (child.isTransformed) {
-            shown->setX(child.x);
-            shown->setY(child.y);
-            shown->setScaleX(child.scaleX * 100);
-            shown->setScaleY(child.scaleY * 100);
-            shown->setRotation(child.rotation);
-        }
-        syncPicture(child);
-    }
+    movie.root = root;
+    root->isRoot = true;
+    root->movie = movie.movie;
+    root->name =
+        Value(m_vm->string(parent == m_stageObject.get() ? std::u16string(u"root1") : nextInstanceName()));
+    root->timeline = std::shared_ptr<const swf::Timeline>(movie.movie, &movie.movie->timeline);
+    if (root->clip() != nullptr) root->clip()->setTimeline(movie.movie, root->timeline);
+    if (!movie.loaderInfo) movie.loaderInfo = newLoaderInfo(*m_vm, movie.url);
+    auto* info = as<LoaderInfoObject>(Value(movie.loaderInfo.get()));
+    info->kind = LoaderInfoObject::Content::Movie;
+    info->movie = movie.movie;
+    info->domain = movie.domain.get();
+    info->content = root;
+    info->loaded = info->total = static_cast<double>(movie.movie->fileLength > 0 ? movie.movie->fileLength
+                                                                                 : movie.movie->bytes.size());
+    root->loaderInfo = Value(info);
+    if (parent != nullptr) parent->insertChild(*root, parent->children.size());
+    showFrame(*root, 1, Move::Jump);
+    root->isConstructed = true;
+    if (cls->constructor != nullptr) m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(root), {}); });
+    return root;
 }
 
 double Player::nextTimerMs()

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/LoadedMovie.h"
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Stage.h"
-#include "flash/swf/ScriptTags.h"
 
 #include <functional>
 #include <map>
 #include <memory>
+#include <unordered_map>
 
 namespace flash::avm2
 {
@@ -30,6 +31,7 @@ public:
     Vm& vm() { return *m_vm; }
     static Player& of(Vm& vm) { return *static_cast<Player*>(vm.binding); }
     [[nodiscard]] stage::Stage& stage() { return *m_stage; }
+    [[nodiscard]] stage::Services& services() { return m_services; }
     [[nodiscard]] const PlayerInputs& inputs() const { return m_inputs; }
 
     // ---- Host ----
@@ -43,28 +45,53 @@ public:
     bool askToStopScript(double seconds) override;
 
     // ---- stage::ScriptHost ----
+    bool keepsClips() override { return true; }
+    void showRootFrame(int frame) override;
     void frameEnded() override;
     double nextTimerMs() override;
     void runTimers(double nowMs) override;
     void movieReplaced() override;
 
-    // ---- the display list ----
+    // ---- movies ----
     DisplayObject* stageObject() { return m_stageObject.get(); }
-    DisplayObject* root() { return m_root.get(); }
-    [[nodiscard]] const swf::ScriptTags& tags() const { return m_tags; }
+    DisplayObject* root() { return m_movies.empty() ? nullptr : m_movies.front()->root.get(); }
+    /// The one that a file of the dictionary belongs to; null for none of this machine.
+    LoadedMovie* loaded(const stage::MoviePtr& movie);
+    LoadedMovie* mainMovie() { return m_movies.empty() ? nullptr : m_movies.front().get(); }
+    /// Reads a movie's first code. Its root is yet to be made.
+    LoadedMovie& addMovie(stage::MoviePtr movie, std::string url, Domain* domain);
+    /// Makes the root and runs its constructor. @returns null when its class is none of a display object
+    DisplayObject* makeRoot(LoadedMovie& movie, DisplayObject* parent);
     /// Class of a character; that of the player for those that no class is linked to.
     ClassObject* classOf(const stage::MoviePtr& movie, std::uint16_t characterId);
     /// The character that a class, or one it derives from, is linked to; 0: none
     std::uint16_t characterOf(const ClassObject* cls, stage::MoviePtr& movie);
+
+    // ---- the display list ----
     void showCharacter(DisplayObject& object, const stage::MoviePtr& movie, std::uint16_t characterId);
-    void gotoFrame(DisplayObject& clip, int frame);
+    /// An instance of a character as a timeline or a button shows it; not constructed.
+    DisplayObject* makeCharacter(const stage::MoviePtr& movie, std::uint16_t characterId);
+    /// As a script asks for: with the events of a frame, unless the clip's own script runs.
+    void goTo(DisplayObject& clip, int frame);
     /// Calls the constructors of what the timeline has placed.
     void constructChildren(DisplayObject& parent);
-    void insert(DisplayObject& parent, DisplayObject& child, std::size_t index, bool byScript);
+    void constructAll(DisplayObject& object);
+    /// @param index among the children as they are without the child
+    void insert(DisplayObject& parent, DisplayObject& child, std::size_t index);
     void removeChild(DisplayObject& parent, DisplayObject& child);
-    void runFrameScripts(DisplayObject& clip);
-    void noteListening(DisplayObject& object);
+    [[nodiscard]] bool isOnStage(DisplayObject& object)
+    {
+        return m_stageObject && object.top() == m_stageObject.get();
+    }
+    void showButtonState(DisplayObject& button, DisplayObject::State state);
+    /// Clips off the stage play as well.
+    void noteOffStage(DisplayObject& object);
+    void noteListening(DispatcherObject& object);
+    /// The next drawing is told of by an event.
+    void requestRender() { m_wantsRender = true; }
     std::u16string nextInstanceName();
+    /// To be done when the frame has ended: what loaders report.
+    void later(std::function<void()> work) { m_later.push_back(std::move(work)); }
 
     struct Timer {
         Root<Object> function;
@@ -84,31 +111,43 @@ public:
     void saveSharedObjects();
 
 private:
+    enum class Move : std::uint8_t { Step, Jump };
     void begin();
-    void loadScripts(std::size_t frame);
+    void loadScripts(LoadedMovie& movie, std::size_t frame);
+    void readFrameScripts(LoadedMovie& movie, std::size_t frame);
     void advance(DisplayObject& clip);
-    void constructAll(DisplayObject& object);
+    void showFrame(DisplayObject& clip, int frame, Move move);
+    void jump(DisplayObject& clip, int frame);
+    void removeGone(DisplayObject& clip);
+    void placeNew(DisplayObject& clip, int after);
+    void apply(DisplayObject& child, const Placed& entry);
+    void replaceCharacter(DisplayObject& child, std::uint16_t characterId);
+    void finishFrame();
+    void runFrameScripts(DisplayObject& clip);
     void runAllScripts(DisplayObject& object);
     void broadcast(std::string_view type);
-    void syncPicture(DisplayObject& object);
-    void place(DisplayObject& clip, int frame);
+    void announce(DisplayObject& child, std::string_view type);
+    void nameInParent(DisplayObject& parent, DisplayObject& child);
+    template <class Work>
+    void forOrphans(Work&& work);
+    void syncHost();
 
     stage::Services m_services;
     PlayerInputs m_inputs;
     stage::Stage* m_stage = nullptr;
     std::unique_ptr<Vm> m_vm;
-    stage::MoviePtr m_movie;
-    swf::ScriptTags m_tags;
-    std::size_t m_loadedFrames = 0;
-    Root<Domain> m_domain;
-    Root<DisplayObject> m_stageObject, m_root;
-    RootedList<DisplayObject*> m_listening;
-    std::map<std::uint16_t, Root<ClassObject>> m_symbols;
+    std::vector<std::unique_ptr<LoadedMovie>> m_movies; ///< the main one first
+    std::unordered_map<const ClassObject*, std::pair<LoadedMovie*, std::uint16_t>> m_linked;
+    Root<DisplayObject> m_stageObject;
+    std::vector<DispatcherObject*> m_listening; ///< weak, as are these:
+    std::vector<DisplayObject*> m_orphans;
+    std::vector<std::function<void()>> m_later;
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
     std::map<std::u16string, Root<Object>> m_localConnections;
     std::map<std::string, Root<Object>> m_sharedObjects;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;
-    bool m_hasBegun = false;
+    int m_nesting = 0; ///< of frames that scripts' jumps run
+    bool m_hasBegun = false, m_wantsRender = false, m_hostPlays = true;
 };
 
 } // namespace flash::avm2

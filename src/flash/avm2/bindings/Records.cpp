@@ -105,6 +105,8 @@ constexpr NativeClass kClasses[] = {
            "shadowColor:uint shadowAlpha:Number=1 blurX:Number=4 blurY:Number=4 strength:Number=1 "
            "quality:int=1 type:String=inner knockout:Boolean"),
     filter("ColorMatrixFilter", "matrix:*"),
+    filter("ConvolutionFilter", "matrixX:Number matrixY:Number matrix:* divisor:Number=1 bias:Number "
+                                "preserveAlpha:Boolean=true clamp:Boolean=true color:uint alpha:Number"),
     filter("GradientGlowFilter",
            "distance:Number=4 angle:Number=45 colors:* alphas:* ratios:* blurX:Number=4 blurY:Number=4 "
            "strength:Number=1 quality:int=1 type:String=inner knockout:Boolean"),

@@ -1,3 +1,4 @@
+#include "flash/avm2/classes/Domains.h"
 #include "flash/avm2/classes/Library.h"
 
 namespace flash::avm2::classes
@@ -59,13 +60,24 @@ Value constructDomain(Call& call)
     return {};
 }
 
-DomainObject* domainValue(Vm& vm, Domain* domain)
+} // namespace
+
+Object* domainValue(Vm& vm, Domain* domain)
 {
     ClassObject* cls = vm.nativeClass("flash.system::ApplicationDomain");
     auto* made = vm.heap().make<DomainObject>(cls->instances, cls->prototype);
     made->domain = domain;
     return made;
 }
+
+Domain* domainOf(Value value)
+{
+    const auto* object = as<DomainObject>(value);
+    return object != nullptr ? object->domain : nullptr;
+}
+
+namespace
+{
 
 Value currentDomainValue(Call& call) { return domainValue(call.vm, currentDomain(call)); }
 Value parentDomain(Call& call)

@@ -1,0 +1,147 @@
+#include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/bindings/Player.h"
+
+// Buttons: four objects, one of which is shown. None of them has the button for a parent, as scripts see it.
+namespace flash::avm2
+{
+
+using Kind = NativeMember::Kind;
+using State = DisplayObject::State;
+
+namespace
+{
+
+constexpr std::array kStateBits = {swf::ButtonRecord::Up, swf::ButtonRecord::Over, swf::ButtonRecord::Down,
+                                   swf::ButtonRecord::Hit};
+
+void place(DisplayObject& object, const swf::ButtonRecord& record)
+{
+    stage::Node& node = object.node();
+    node.setMatrix(record.matrix);
+    node.setColor(record.color);
+    node.setFilters(record.filters);
+    node.setBlend(record.blend);
+}
+
+/// What a state of the file shows: the one thing there is, or a sprite of all.
+DisplayObject* makeState(Player& player, DisplayObject& button, const swf::Button& definition,
+                         std::size_t state)
+{
+    Vm& vm = player.vm();
+    RootedList<DisplayObject*> made(vm.heap());
+    for (const swf::ButtonRecord& record : definition.records) {
+        if ((record.states & kStateBits[state]) == 0) continue;
+        DisplayObject* object = player.makeCharacter(button.movie, record.characterId);
+        if (object == nullptr || stage::DisplayList::wouldContainItself(object->node(), button.node()))
+            continue;
+        object->name = Value(vm.string(player.nextInstanceName()));
+        place(*object, record);
+        made.push_back(object);
+        player.showCharacter(*object, button.movie, record.characterId);
+    }
+    if (made.size() == 1) {
+        DisplayObject* only = made[0];
+        button.insertChild(*only, 0);
+        only->isButtonState = true;
+        player.constructChildren(button);
+        return only;
+    }
+    auto* sprite = as<DisplayObject>(Value(vm.instantiate(vm.nativeClass("flash.display::Sprite"))));
+    button.insertChild(*sprite, 0);
+    sprite->isButtonState = sprite->isConstructed = true;
+    for (std::size_t i = 0; i < made.size(); ++i) sprite->insertChild(*made[i], i);
+    player.constructChildren(*sprite);
+    return sprite;
+}
+
+Value constructButton(Call& call)
+{
+    auto& self = displaySelf(call);
+    Player& player = Player::of(call.vm);
+    constructDisplay(call);
+    const swf::Character* character =
+        self.characterId != 0 && self.movie ? self.movie->character(self.characterId) : nullptr;
+    if (const auto* definition =
+            character != nullptr ? std::get_if<swf::Button>(&character->data) : nullptr) {
+        for (std::size_t i = 0; i < self.states.size(); ++i) {
+            self.states[i] = makeState(player, self, *definition, i);
+            self.eraseChild(*self.states[i]);
+        }
+        for (DisplayObject* state : self.states) {
+            if (state->name.isNull()) state->name = Value(call.vm.string(player.nextInstanceName()));
+            player.noteOffStage(*state);
+        }
+    }
+    for (std::uint32_t i = 0; i < 4 && i < call.count; ++i) {
+        Call inner{call.vm, call.self, call.args + i, 1};
+        if (auto* given = as<DisplayObject>(Value(optionalArg(inner, 0, "flash.display::DisplayObject"))))
+            self.states[i] = given;
+    }
+    if (self.states[0] != nullptr) player.showButtonState(self, State::Up);
+    return {};
+}
+
+template <State state>
+Value getState(Call& call)
+{
+    return Value(displaySelf(call).states[static_cast<std::size_t>(state)]);
+}
+template <State state>
+Value setState(Call& call)
+{
+    auto& self = displaySelf(call);
+    auto* given = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::DisplayObject")));
+    if (given != nullptr && given->contains(self))
+        call.vm.throwError(ErrorClass::Argument, 2150,
+                           "An object cannot be added as a child to one of it's children (or children's "
+                           "children, etc.).");
+    Player& player = Player::of(call.vm);
+    if (given != nullptr && given->parent != nullptr) player.removeChild(*given->parent, *given);
+    self.states[static_cast<std::size_t>(state)] = given;
+    if (self.state == state) player.showButtonState(self, state);
+    return {};
+}
+
+constexpr NativeMember kButton[] = {
+    {"upState", Kind::Getter, &getState<State::Up>, 0, 0, &setState<State::Up>,
+     "flash.display::DisplayObject"},
+    {"overState", Kind::Getter, &getState<State::Over>, 0, 0, &setState<State::Over>,
+     "flash.display::DisplayObject"},
+    {"downState", Kind::Getter, &getState<State::Down>, 0, 0, &setState<State::Down>,
+     "flash.display::DisplayObject"},
+    {"hitTestState", Kind::Getter, &getState<State::Hit>, 0, 0, &setState<State::Hit>,
+     "flash.display::DisplayObject"},
+};
+constexpr NativeClass kClasses[] = {
+    {.package = "flash.display",
+     .name = "SimpleButton",
+     .base = "flash.display::InteractiveObject",
+     .constructor = &constructButton,
+     .minArguments = 0,
+     .maxArguments = 4,
+     .members = kButton,
+     .slots = "enabled:Boolean=true useHandCursor:Boolean=true trackAsMenu:Boolean soundTransform:*"},
+};
+
+} // namespace
+
+void Player::showButtonState(DisplayObject& button, State state)
+{
+    button.state = state;
+    DisplayObject* wanted = button.states[static_cast<std::size_t>(state)];
+    DisplayObject* now = button.children.empty() ? nullptr : button.children.front();
+    if (wanted == now) return;
+    if (now != nullptr) removeChild(button, *now);
+    if (wanted == nullptr || !button.children.empty()) return;
+    if (wanted->parent != nullptr) removeChild(*wanted->parent, *wanted);
+    wanted->depth = 0;
+    button.insertChild(*wanted, 0);
+    wanted->isButtonState = true;
+    if (wanted->isConstructed) announce(*wanted, "added");
+}
+
+std::span<const NativeClass> buttonClasses() { return kClasses; }
+
+} // namespace flash::avm2

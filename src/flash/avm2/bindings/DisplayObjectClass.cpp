@@ -1,0 +1,492 @@
+#include "flash/avm2/bindings/Display.h"
+
+#include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Graphics.h"
+#include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/bindings/Player.h"
+#include "flash/avm2/bindings/Transform.h"
+
+#include <algorithm>
+#include <cmath>
+
+// Place and look of what is on the display list.
+namespace flash::avm2
+{
+
+using Kind = NativeMember::Kind;
+
+namespace
+{
+
+constexpr double kTwips = swf::kTwipsPerPixel;
+
+DisplayObject& self(Call& call) { return displaySelf(call); }
+
+double finite(Call& call)
+{
+    const double value = call.vm.toNumber(call.arg(0));
+    return std::isnan(value) ? 0 : value;
+}
+
+// ---- place ----
+
+Value x(Call& call) { return self(call).node().x(); }
+Value y(Call& call) { return self(call).node().y(); }
+/// Places are kept in whole twips.
+template <bool isX>
+Value setPlace(Call& call)
+{
+    const double twips = std::clamp(std::trunc(finite(call) * kTwips), -2147483648.0, 2147483647.0);
+    auto& object = self(call);
+    object.noteTransformed();
+    if (object.node().kind() == stage::NodeKind::TextField) {
+        isX ? object.node().setX(twips / kTwips) : object.node().setY(twips / kTwips);
+        return {};
+    }
+    swf::Matrix matrix = object.node().matrix();
+    (isX ? matrix.tx : matrix.ty) = twips;
+    object.node().setMatrixOnly(matrix);
+    return {};
+}
+Value scaleX(Call& call) { return self(call).node().scaleX() / 100; }
+Value scaleY(Call& call) { return self(call).node().scaleY() / 100; }
+Value rotation(Call& call) { return self(call).node().rotation(); }
+template <void (stage::Node::*set)(double)>
+Value setScale(Call& call)
+{
+    const double value = finite(call);
+    (self(call).node().*set)(value * 100);
+    self(call).noteTransformed();
+    return {};
+}
+Value setRotation(Call& call)
+{
+    const double value = finite(call);
+    if (std::isfinite(value)) self(call).node().setRotation(value);
+    self(call).noteTransformed();
+    return {};
+}
+Value width(Call& call) { return self(call).node().width(); }
+Value height(Call& call) { return self(call).node().height(); }
+template <void (stage::Node::*set)(double)>
+Value setSize(Call& call)
+{
+    const double value = call.vm.toNumber(call.arg(0));
+    if (!(value >= 0)) return {};
+    (self(call).node().*set)(value);
+    self(call).noteTransformed();
+    return {};
+}
+Value alpha(Call& call) { return self(call).node().alpha() / 100; }
+Value setAlpha(Call& call)
+{
+    auto& object = self(call);
+    constexpr double kOne = 256;
+    swf::ColorTransform color = object.node().color();
+    color.alphaMul =
+        static_cast<std::int16_t>(std::clamp(std::trunc(finite(call) * kOne), -32768.0, 32767.0));
+    object.node().setColor(color);
+    object.noteTransformed();
+    return {};
+}
+Value visible(Call& call) { return self(call).node().isVisible(); }
+Value setVisible(Call& call)
+{
+    self(call).node().setVisible(call.vm.toBoolean(call.arg(0)));
+    return {};
+}
+
+// ---- the tree ----
+
+/// What a button shows has none.
+Value parent(Call& call) { return self(call).isInButton() ? Value::null() : Value(self(call).parent); }
+Value name(Call& call) { return self(call).name; }
+Value setName(Call& call)
+{
+    auto& object = self(call);
+    if (object.depth > 0)
+        call.vm.throwError(ErrorClass::IllegalOperation, 2078,
+                           "The name property of a Timeline-placed object cannot be modified.");
+    if (call.arg(0).isNull()) call.vm.throwError(ErrorClass::Type, 2007, "Parameter name must be non-null.");
+    object.name = Value(call.vm.toString(call.arg(0)));
+    return {};
+}
+Value stageOf(Call& call)
+{
+    DisplayObject* top = self(call).top();
+    return top->isStage ? Value(top) : Value::null();
+}
+Value rootOf(Call& call)
+{
+    DisplayObject* at = &self(call);
+    if (at->isStage) return Value(at);
+    for (; at != nullptr; at = at->parent) {
+        if (at->isRoot) return Value(at);
+        if (at->parent != nullptr && at->parent->isStage) return Value(at->parent);
+    }
+    return Value::null();
+}
+
+/// From what it shows, as it has scrolled that, to the stage.
+swf::Matrix spaceOf(DisplayObject& object)
+{
+    swf::Matrix matrix = object.node().toStage();
+    if (const auto& rect = object.node().scrollRect()) {
+        matrix = matrix *
+                 swf::Matrix{1, 0, 0, 1, -static_cast<double>(rect->xMin), -static_cast<double>(rect->yMin)};
+    }
+    return matrix;
+}
+swf::Point toLocal(DisplayObject& object, swf::Point stagePoint)
+{
+    const swf::Matrix toStage = spaceOf(object);
+    return toStage.isInvertible() ? toStage.inverted().map(stagePoint) : swf::Point{};
+}
+template <bool isX>
+Value mouse(Call& call)
+{
+    const swf::Point at = toLocal(self(call), Player::of(call.vm).stage().pointer().position());
+    return std::trunc(isX ? at.x : at.y) / kTwips;
+}
+/// Results are whole twips.
+template <bool toGlobal>
+Value convertPoint(Call& call)
+{
+    const swf::Point given = pointOf(objectArg(call, 0, "flash.geom::Point", "point"));
+    const swf::Point twips{std::round(given.x * kTwips), std::round(given.y * kTwips)};
+    auto& object = self(call);
+    const swf::Point at = toGlobal ? spaceOf(object).map(twips) : toLocal(object, twips);
+    return newPoint(call.vm, std::round(at.x) / kTwips, std::round(at.y) / kTwips);
+}
+Value globalToLocal3D(Call& call)
+{
+    return call.vm.construct(Value(call.vm.nativeClass("flash.geom::Vector3D")), {});
+}
+
+template <stage::Node::Extent extent>
+Value getBounds(Call& call)
+{
+    auto& object = self(call);
+    auto* target = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::DisplayObject")));
+    if (target == nullptr) target = &object;
+    swf::Matrix through;
+    if (target != &object) {
+        const swf::Matrix toStage = target->node().toStage();
+        if (!toStage.isInvertible()) return newRectangle(call.vm, 0, 0, 0, 0);
+        through = toStage.inverted() * object.node().toStage();
+    }
+    swf::Rect bounds = object.node().boundsThrough(through, extent);
+    // What has nothing to show lies as far away as it can.
+    constexpr double kNowhere = 6710886.35;
+    if (bounds.isEmpty() && target != &object && !object.node().bounds(extent).isEmpty()) return {};
+    if (bounds.isEmpty() && object.isStage) return newRectangle(call.vm, kNowhere, kNowhere, 0, 0);
+    return newRectangle(call.vm, bounds);
+}
+Value hitTestObject(Call& call)
+{
+    auto& other = displayArg(call, 0, "obj");
+    auto& object = self(call);
+    const swf::Rect a = object.node().boundsThrough(object.node().toStage());
+    const swf::Rect b = other.node().boundsThrough(other.node().toStage());
+    if (a.isEmpty() || b.isEmpty()) return false;
+    return a.xMin <= b.xMax && b.xMin <= a.xMax && a.yMin <= b.yMax && b.yMin <= a.yMax;
+}
+Value hitTestPoint(Call& call)
+{
+    auto& object = self(call);
+    const swf::Point at{call.vm.toNumber(call.arg(0)) * kTwips, call.vm.toNumber(call.arg(1)) * kTwips};
+    if (call.vm.toBoolean(call.arg(2))) return object.node().hitsShape(at);
+    const swf::Rect box = object.node().boundsThrough(object.node().toStage());
+    return !box.isEmpty() && at.x >= box.xMin && at.x < box.xMax && at.y >= box.yMin && at.y < box.yMax;
+}
+
+// ---- look ----
+
+Value mask(Call& call)
+{
+    auto& object = self(call);
+    return object.mask != nullptr && object.node().mask() == &object.mask->node() ? Value(object.mask)
+                                                                                  : Value::null();
+}
+Value setMask(Call& call)
+{
+    auto& object = self(call);
+    auto* mask = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::DisplayObject")));
+    object.mask = mask;
+    object.node().setMask(mask != nullptr && mask != &object ? &mask->node() : nullptr);
+    return {};
+}
+Value blendMode(Call& call) { return call.vm.string(blendModeName(self(call).node().blend())); }
+Value setBlendMode(Call& call)
+{
+    if (call.arg(0).isNullish())
+        call.vm.throwError(ErrorClass::Type, 2007, "Parameter blendMode must be non-null.");
+    const std::u16string_view name = call.vm.text(call.arg(0));
+    const auto mode = blendModeOf(name);
+    if (!mode && name != u"shader")
+        call.vm.throwError(ErrorClass::Argument, 2008,
+                           "Parameter blendMode must be one of the accepted values.");
+    self(call).node().setBlend(mode.value_or(swf::BlendMode::Normal));
+    return {};
+}
+Value filters(Call& call)
+{
+    auto* list = static_cast<ArrayObject*>(call.vm.newArray());
+    for (const swf::Filter& filter : self(call).node().filters())
+        list->push(call.vm, newFilter(call.vm, filter));
+    return Value(list);
+}
+Value setFilters(Call& call)
+{
+    std::vector<swf::Filter> filters;
+    auto* list = as<ArrayObject>(call.vm.coerce(call.arg(0), call.vm.classes().array->instances));
+    for (std::uint32_t i = 0; list != nullptr && i < list->length(); ++i) {
+        const auto filter =
+            filterOf(call.vm, call.vm.get(Value(list), call.vm.publicName(call.vm.name(numberText(i)))));
+        if (!filter)
+            call.vm.throwError(ErrorClass::Argument, 2005,
+                               "Parameter 0 is of the incorrect type. Should be type Filter.");
+        filters.push_back(*filter);
+    }
+    self(call).node().setFilters(std::move(filters));
+    return {};
+}
+Value cacheAsBitmap(Call& call)
+{
+    return self(call).node().cacheAsBitmap() || !self(call).node().filters().empty();
+}
+Value setCacheAsBitmap(Call& call)
+{
+    self(call).node().setCacheAsBitmap(call.vm.toBoolean(call.arg(0)));
+    return {};
+}
+Value opaqueBackground(Call& call)
+{
+    const auto& color = self(call).node().opaqueBackground();
+    if (!color) return Value::null();
+    return static_cast<double>(color->r << 16U | color->g << 8U | color->b);
+}
+Value setOpaqueBackground(Call& call)
+{
+    std::optional<swf::Rgba> color;
+    if (!call.arg(0).isNullish()) {
+        const std::uint32_t rgb = call.vm.toUint(call.arg(0));
+        color = swf::Rgba{static_cast<std::uint8_t>(rgb >> 16U), static_cast<std::uint8_t>(rgb >> 8U),
+                          static_cast<std::uint8_t>(rgb), 255};
+    }
+    self(call).node().setOpaqueBackground(color);
+    return {};
+}
+Value scrollRect(Call& call)
+{
+    const auto& rect = self(call).scrollRect;
+    return rect ? newRectangle(call.vm, *rect) : Value::null();
+}
+/// Counts from the next drawing on.
+Value setScrollRect(Call& call)
+{
+    auto& object = self(call);
+    Object* rect = optionalArg(call, 0, "flash.geom::Rectangle");
+    object.scrollRect.reset();
+    if (rect != nullptr) object.scrollRect = twipsOf(*rect);
+    Player& player = Player::of(call.vm);
+    const std::weak_ptr<stage::Node> node = object.nodePtr();
+    player.later([node, wanted = object.scrollRect] {
+        if (const auto shown = node.lock()) shown->setScrollRect(wanted);
+    });
+    return {};
+}
+Value scale9Grid(Call& call)
+{
+    const auto& grid = self(call).node().scalingGrid();
+    return grid ? newRectangle(call.vm, *grid) : Value::null();
+}
+Value setScale9Grid(Call& call)
+{
+    auto& object = self(call);
+    Object* rect = optionalArg(call, 0, "flash.geom::Rectangle");
+    std::optional<swf::Rect> grid;
+    if (rect != nullptr) {
+        grid = twipsOf(*rect);
+        const swf::Rect bounds = object.node().bounds();
+        if (grid->isEmpty() || grid->xMin < bounds.xMin || grid->xMax > bounds.xMax ||
+            grid->yMin < bounds.yMin || grid->yMax > bounds.yMax)
+            call.vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
+    }
+    object.node().setScalingGrid(grid);
+    return {};
+}
+Value transform(Call& call) { return newTransform(call.vm, self(call)); }
+Value setTransform(Call& call)
+{
+    auto* other = as<TransformObject>(&objectArg(call, 0, "flash.geom::Transform", "transform"));
+    if (other == nullptr || other->target == nullptr) return {};
+    auto& object = self(call);
+    object.node().setMatrix(other->target->node().matrix());
+    object.node().setColor(other->target->node().color());
+    object.noteTransformed();
+    return {};
+}
+
+Value addListener(Call& call)
+{
+    auto& object = self(call);
+    const auto type = call.vm.text(call.arg(0));
+    if (type == u"enterFrame" || type == u"exitFrame" || type == u"frameConstructed" || type == u"render")
+        Player::of(call.vm).noteListening(object);
+    const Binding* general = call.vm.nativeClass("flash.events::EventDispatcher")
+                                 ->instances->find(call.vm.publicName("addEventListener"));
+    return call.vm.invoke(*call.vm.nativeClass("flash.events::EventDispatcher")
+                               ->instances->methods[static_cast<std::size_t>(general->id)],
+                          call.self, call.rest(0));
+}
+
+Value loaderInfo(Call& call)
+{
+    DisplayObject* at = &self(call);
+    if (!at->loaderInfo.isUndefined()) return at->loaderInfo;
+    for (; at != nullptr; at = at->parent) {
+        if (at->isRoot) return at->loaderInfo.isUndefined() ? Value::null() : at->loaderInfo;
+    }
+    return Value::null();
+}
+/// What draws belongs to the object for good.
+Value graphics(Call& call)
+{
+    auto& object = self(call);
+    if (object.graphics.isUndefined()) object.graphics = newGraphics(call.vm, object);
+    return object.graphics;
+}
+Value hitArea(Call& call) { return Value(self(call).hitArea); }
+Value setHitArea(Call& call)
+{
+    auto& object = self(call);
+    object.hitArea = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::Sprite")));
+    if (object.clip() != nullptr)
+        object.clip()->setHitArea(object.hitArea != nullptr ? &object.hitArea->node() : nullptr);
+    return {};
+}
+Value nothing(Call&) { return Value::null(); }
+Value ignore(Call&) { return {}; }
+
+constexpr NativeMember kDisplay[] = {
+    {"addEventListener", Kind::Method, &addListener, 2, 5},
+    {"x", Kind::Getter, &x, 0, 0, &setPlace<true>, "Number"},
+    {"y", Kind::Getter, &y, 0, 0, &setPlace<false>, "Number"},
+    {"scaleX", Kind::Getter, &scaleX, 0, 0, &setScale<&stage::Node::setScaleX>, "Number"},
+    {"scaleY", Kind::Getter, &scaleY, 0, 0, &setScale<&stage::Node::setScaleY>, "Number"},
+    {"rotation", Kind::Getter, &rotation, 0, 0, &setRotation, "Number"},
+    {"width", Kind::Getter, &width, 0, 0, &setSize<&stage::Node::setWidth>, "Number"},
+    {"height", Kind::Getter, &height, 0, 0, &setSize<&stage::Node::setHeight>, "Number"},
+    {"alpha", Kind::Getter, &alpha, 0, 0, &setAlpha, "Number"},
+    {"visible", Kind::Getter, &visible, 0, 0, &setVisible, "Boolean"},
+    {"parent", Kind::Getter, &parent, 0, 0, nullptr, "flash.display::DisplayObjectContainer"},
+    {"root", Kind::Getter, &rootOf, 0, 0, nullptr, "flash.display::DisplayObject"},
+    {"stage", Kind::Getter, &stageOf, 0, 0, nullptr, "flash.display::Stage"},
+    {"name", Kind::Getter, &name, 0, 0, &setName, "String"},
+    {"mouseX", Kind::Getter, &mouse<true>, 0, 0, nullptr, "Number"},
+    {"mouseY", Kind::Getter, &mouse<false>, 0, 0, nullptr, "Number"},
+    {"loaderInfo", Kind::Getter, &loaderInfo, 0, 0, nullptr, "flash.display::LoaderInfo"},
+    {"mask", Kind::Getter, &mask, 0, 0, &setMask, "flash.display::DisplayObject"},
+    {"blendMode", Kind::Getter, &blendMode, 0, 0, &setBlendMode, "String"},
+    {"filters", Kind::Getter, &filters, 0, 0, &setFilters, "Array"},
+    {"cacheAsBitmap", Kind::Getter, &cacheAsBitmap, 0, 0, &setCacheAsBitmap, "Boolean"},
+    {"opaqueBackground", Kind::Getter, &opaqueBackground, 0, 0, &setOpaqueBackground, "Object"},
+    {"scrollRect", Kind::Getter, &scrollRect, 0, 0, &setScrollRect, "flash.geom::Rectangle"},
+    {"scale9Grid", Kind::Getter, &scale9Grid, 0, 0, &setScale9Grid, "flash.geom::Rectangle"},
+    {"transform", Kind::Getter, &transform, 0, 0, &setTransform, "flash.geom::Transform"},
+    {"getBounds", Kind::Method, &getBounds<stage::Node::Extent::WithStrokes>, 1, 1},
+    {"getRect", Kind::Method, &getBounds<stage::Node::Extent::WithoutStrokes>, 1, 1},
+    {"globalToLocal", Kind::Method, &convertPoint<false>, 1, 1},
+    {"localToGlobal", Kind::Method, &convertPoint<true>, 1, 1},
+    {"globalToLocal3D", Kind::Method, &globalToLocal3D, 1, 1},
+    {"local3DToGlobal", Kind::Method, &convertPoint<true>, 1, 1},
+    {"hitTestObject", Kind::Method, &hitTestObject, 1, 1},
+    {"hitTestPoint", Kind::Method, &hitTestPoint, 2, 3},
+};
+constexpr NativeMember kSprite[] = {
+    {"graphics", Kind::Getter, &graphics},
+    {"startDrag", Kind::Method, &ignore, 0, 2},
+    {"stopDrag", Kind::Method, &ignore, 0, 0},
+    {"dropTarget", Kind::Getter, &nothing},
+    {"hitArea", Kind::Getter, &hitArea, 0, 0, &setHitArea, "flash.display::Sprite"},
+};
+constexpr NativeMember kShape[] = {{"graphics", Kind::Getter, &graphics}};
+/// What nothing here acts on. Depth and turns out of the plane are kept as they are told.
+constexpr std::string_view kDisplaySlots =
+    "accessibilityProperties:* z:Number scaleZ:Number=1 rotationX:Number rotationY:Number rotationZ:Number "
+    "metaData:Object blendShader:*";
+constexpr std::string_view kInteractiveSlots = "mouseEnabled:Boolean=true doubleClickEnabled:Boolean "
+                                               "tabEnabled:Boolean tabIndex:int=-1 focusRect:* contextMenu:*";
+
+constexpr NativeClass kClasses[] = {
+    {.package = "flash.display",
+     .name = "DisplayObject",
+     .base = "flash.events::EventDispatcher",
+     .flags = NativeClass::Sealed | NativeClass::Abstract,
+     .constructor = &refuseDisplayConstruction,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .allocate = &allocateDisplay,
+     .members = kDisplay,
+     .slots = kDisplaySlots},
+    {.package = "flash.display",
+     .name = "InteractiveObject",
+     .base = "flash.display::DisplayObject",
+     .flags = NativeClass::Sealed | NativeClass::Abstract,
+     .constructor = &refuseDisplayConstruction,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .slots = kInteractiveSlots},
+    {.package = "flash.display",
+     .name = "Sprite",
+     .base = "flash.display::DisplayObjectContainer",
+     .flags = NativeClass::Sealed,
+     .constructor = &constructDisplay,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .members = kSprite,
+     .slots = "buttonMode:Boolean useHandCursor:Boolean=true soundTransform:*"},
+    {.package = "flash.display",
+     .name = "Shape",
+     .base = "flash.display::DisplayObject",
+     .flags = NativeClass::Sealed,
+     .constructor = &constructDisplay,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .members = kShape},
+    {.package = "flash.display",
+     .name = "MorphShape",
+     .base = "flash.display::DisplayObject",
+     .flags = NativeClass::Sealed,
+     .constructor = &refuseDisplayConstruction},
+    {.package = "flash.text",
+     .name = "StaticText",
+     .base = "flash.display::DisplayObject",
+     .flags = NativeClass::Sealed,
+     .constructor = &refuseDisplayConstruction},
+    {.package = "flash.text",
+     .name = "TextField",
+     .base = "flash.display::InteractiveObject",
+     .flags = NativeClass::Sealed,
+     .constructor = &constructDisplay,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .slots = "text:String= htmlText:String= textColor:uint multiline:Boolean wordWrap:Boolean "
+              "selectable:Boolean=true border:Boolean background:Boolean "
+              "autoSize:String=none type:String=dynamic defaultTextFormat:* embedFonts:Boolean maxChars:int "
+              "displayAsPassword:Boolean"},
+    {.package = "flash.media",
+     .name = "Video",
+     .base = "flash.display::DisplayObject",
+     .flags = NativeClass::Sealed,
+     .constructor = &constructDisplay,
+     .minArguments = 0,
+     .maxArguments = 2},
+};
+
+} // namespace
+
+std::span<const NativeClass> displayClasses() { return kClasses; }
+
+} // namespace flash::avm2

@@ -1,0 +1,187 @@
+#include "flash/avm2/bindings/Player.h"
+
+#include <algorithm>
+
+// The phases of a frame. All clips move on, what the timeline takes off goes while they still count the old
+// frame; enterFrame; what the timelines have placed is constructed; frameConstructed; the scripts of frames,
+// parents first; exitFrame. A script that sends a clip elsewhere has the phases from the construction on run
+// at once, for everything, since version 10; before, the frame at hand goes on with what is there then.
+namespace flash::avm2
+{
+
+namespace
+{
+constexpr int kNestedFramesVersion = 10;
+constexpr int kDeepestFrames = 64; ///< within each other, by scripts
+} // namespace
+
+void Player::noteListening(DispatcherObject& object)
+{
+    if (std::ranges::find(m_listening, &object) == m_listening.end()) m_listening.push_back(&object);
+}
+
+void Player::noteOffStage(DisplayObject& object)
+{
+    if (object.isListed || object.isStage || object.parent != nullptr) return;
+    object.isListed = true;
+    m_orphans.push_back(&object);
+}
+
+template <class Work>
+void Player::forOrphans(Work&& work)
+{
+    RootedList<DisplayObject*> orphans(m_vm->heap());
+    std::erase_if(m_orphans, [](DisplayObject* object) {
+        if (object->parent == nullptr) return false;
+        object->isListed = false;
+        return true;
+    });
+    for (DisplayObject* object : m_orphans) orphans.push_back(object);
+    for (std::size_t i = 0; i < orphans.size(); ++i) {
+        if (orphans[i]->parent == nullptr) work(*orphans[i]);
+    }
+}
+
+void Player::broadcast(std::string_view type)
+{
+    const Name name = m_vm->name(type);
+    RootedList<DispatcherObject*> targets(m_vm->heap());
+    for (DispatcherObject* object : m_listening) {
+        if (object->hasListener(name)) targets.push_back(object);
+    }
+    for (std::size_t i = 0; i < targets.size(); ++i) m_vm->guarded([&] { fire(*m_vm, *targets[i], type); });
+}
+
+void Player::frameEnded()
+{
+    if (m_vm->isDisabled()) return;
+    if (!m_hasBegun) {
+        begin();
+    } else if (root() != nullptr) {
+        syncHost();
+        advance(*m_stageObject);
+        forOrphans([&](DisplayObject& object) { advance(object); });
+        broadcast("enterFrame");
+    }
+    if (root() == nullptr) return;
+    finishFrame();
+    const auto work = std::exchange(m_later, {});
+    for (const auto& step : work) m_vm->guarded([&] { step(); });
+    if (m_wantsRender) {
+        m_wantsRender = false;
+        broadcast("render");
+    }
+    syncHost();
+    // What the frame's scripts have asked for.
+    m_stage->loads().deliver();
+    m_stage->queue().run();
+    if (m_vm->heap().shouldCollect()) m_vm->heap().collect();
+}
+
+void Player::finishFrame()
+{
+    m_vm->guarded([&] { constructAll(*m_stageObject); });
+    forOrphans([&](DisplayObject& object) { m_vm->guarded([&] { constructAll(object); }); });
+    broadcast("frameConstructed");
+    runAllScripts(*m_stageObject);
+    forOrphans([&](DisplayObject& object) { runAllScripts(object); });
+    broadcast("exitFrame");
+}
+
+/// The host's buttons work on the main timeline through the stage's level, which no script sees.
+void Player::syncHost()
+{
+    stage::Clip* level = m_stage->root();
+    DisplayObject* main = root();
+    if (level == nullptr || main == nullptr) return;
+    if (level->isPlaying() != m_hostPlays) main->isPlaying = level->isPlaying();
+    m_hostPlays = main->isPlaying;
+    if (m_hostPlays)
+        level->play();
+    else
+        level->stop();
+    if (main->frame > 0) level->noteShown(main->frame - 1);
+}
+
+void Player::showRootFrame(int frame)
+{
+    DisplayObject* main = root();
+    if (main == nullptr || m_vm->isDisabled()) return;
+    m_vm->guarded([&] { jump(*main, frame + 1); });
+    syncHost();
+}
+
+void Player::advance(DisplayObject& clip)
+{
+    RootedList<DisplayObject*> children(m_vm->heap(), clip.children.begin(), clip.children.end());
+    if (clip.isPlaying && clip.timeline != nullptr && clip.totalFrames() > 1 && clip.isConstructed) {
+        const bool ends = clip.frame >= clip.totalFrames();
+        const bool stays = ends && &clip == root() && !m_stage->loop();
+        if (stays)
+            clip.isPlaying = false;
+        else
+            m_vm->guarded([&] { showFrame(clip, ends ? 1 : clip.frame + 1, Move::Step); });
+    }
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        if (children[i]->parent == &clip) advance(*children[i]);
+    }
+}
+
+void Player::goTo(DisplayObject& clip, int frame)
+{
+    if (clip.timeline == nullptr) return;
+    if (clip.isInScript) {
+        clip.queuedFrame = std::clamp(frame, 1, clip.totalFrames());
+        return;
+    }
+    jump(clip, frame);
+}
+
+void Player::jump(DisplayObject& clip, int frame)
+{
+    if (clip.timeline == nullptr) return;
+    frame = std::clamp(frame, 1, clip.totalFrames());
+    if (frame != clip.frame) showFrame(clip, frame, Move::Jump);
+    if (m_vm->version < kNestedFramesVersion || !m_hasBegun || m_nesting >= kDeepestFrames) return;
+    ++m_nesting;
+    const struct Leave {
+        int& nesting;
+        ~Leave() { --nesting; }
+    } leave{m_nesting};
+    m_vm->guarded([&] { constructAll(clip); });
+    if (root() != nullptr) finishFrame();
+}
+
+void Player::constructAll(DisplayObject& object)
+{
+    if (object.isBuilding) return;
+    constructChildren(object);
+    RootedList<DisplayObject*> children(m_vm->heap(), object.children.begin(), object.children.end());
+    for (std::size_t i = 0; i < children.size(); ++i) constructAll(*children[i]);
+}
+
+void Player::runFrameScripts(DisplayObject& clip)
+{
+    while (clip.hasPendingScript && !clip.isInScript) {
+        clip.hasPendingScript = false;
+        Value script;
+        for (const auto& [frame, function] : clip.frameScripts) {
+            if (frame == clip.frame) script = function;
+        }
+        if (script.isNullish()) return;
+        clip.isInScript = true;
+        m_vm->guarded([&] { m_vm->call(script, Value(&clip), {}); });
+        clip.isInScript = false;
+        if (const int wanted = std::exchange(clip.queuedFrame, 0); wanted != 0)
+            m_vm->guarded([&] { jump(clip, wanted); });
+    }
+}
+
+void Player::runAllScripts(DisplayObject& object)
+{
+    runFrameScripts(object);
+    RootedList<DisplayObject*> children(m_vm->heap(), object.children.begin(), object.children.end());
+    for (std::size_t i = 0; i < children.size(); ++i) runAllScripts(*children[i]);
+}
+
+} // namespace flash::avm2

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/interpreter/Unit.h"
+#include "flash/swf/ScriptTags.h"
+
+#include <map>
+
+namespace flash::avm2
+{
+
+/// A movie that this machine plays: its code and the classes of its characters.
+class LoadedMovie
+{
+public:
+    LoadedMovie(Heap& heap, stage::MoviePtr file, std::string address, Domain* ownDomain)
+        : movie(std::move(file)), url(std::move(address)), tags(swf::readScriptTags(*movie)),
+          domain(heap, ownDomain), root(heap), loaderInfo(heap)
+    {
+    }
+    [[nodiscard]] ClassObject* classOf(std::uint16_t characterId) const
+    {
+        const auto found = symbols.find(characterId);
+        return found != symbols.end() ? found->second.get() : nullptr;
+    }
+
+    const stage::MoviePtr movie;
+    const std::string url;
+    const swf::ScriptTags tags;
+    std::size_t loadedFrames = 0; ///< whose code has been read
+    Root<Domain> domain;
+    Root<DisplayObject> root;
+    Root<DispatcherObject> loaderInfo;
+    std::map<std::uint16_t, Root<ClassObject>> symbols; ///< 0: the main timeline
+};
+
+} // namespace flash::avm2

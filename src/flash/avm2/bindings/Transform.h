@@ -1,0 +1,25 @@
+#pragma once
+
+#include "flash/avm2/bindings/Display.h"
+
+namespace flash::avm2
+{
+
+/// The place and colours of an object of the display list, as one value.
+class TransformObject final : public Object
+{
+public:
+    AVM2_NATIVE(Object)
+    TransformObject(Traits* traits, Object* proto) : Object(traits, proto) {}
+    void trace(Tracer& tracer) override
+    {
+        Object::trace(tracer);
+        tracer(target);
+    }
+    DisplayObject* target = nullptr;
+};
+
+Value newTransform(Vm& vm, DisplayObject& target);
+std::span<const NativeClass> transformClasses();
+
+} // namespace flash::avm2
