@@ -31,6 +31,12 @@ std::vector<std::uint8_t> deflated(std::span<const std::uint8_t> bytes)
     return out;
 }
 
+void TagList::insert(std::size_t at, const TagList& tags)
+{
+    auto& bytes = m_out.bytes();
+    bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(at), tags.bytes().begin(), tags.bytes().end());
+}
+
 std::vector<std::uint8_t> assembleMovie(const MovieHeader& header, const TagList& tags)
 {
     BitWriter body;

@@ -18,7 +18,7 @@ enum class Tag : std::uint16_t {
     SoundStreamHead2 = 45, DefineFont2 = 48, ExportAssets = 56, ImportAssets = 57, DoInitAction = 59,
     DefineVideoStream = 60, VideoFrame = 61,
     ScriptLimits = 65, SetTabIndex = 66, FileAttributes = 69, PlaceObject3 = 70, ImportAssets2 = 71,
-    DefineFont3 = 75, Metadata = 77, DefineScalingGrid = 78,
+    DefineFont3 = 75, SymbolClass = 76, Metadata = 77, DefineScalingGrid = 78, DoAbc = 82,
 };
 // clang-format on
 
@@ -30,6 +30,8 @@ public:
     void add(Tag code, const BitWriter& body) { add(code, body.bytes()); }
     void add(Tag code) { add(code, std::span<const std::uint8_t>()); }
     void add(std::uint16_t code, std::span<const std::uint8_t> body);
+    /// Puts other tags between those that are there, `at` a number of bytes from the start.
+    void insert(std::size_t at, const TagList& tags);
     [[nodiscard]] const std::vector<std::uint8_t>& bytes() const { return m_out.bytes(); }
 
 private:

@@ -75,7 +75,8 @@ void MovieBuilder::buttonElement(const Element& element)
             buttonSound(*child, sounds);
         } else if (child->name == "script") {
             const Attributes none(*child, m_diagnostics);
-            actionscript::ScriptContext context{m_version, m_files, m_diagnostics, m_classes};
+            if (!needOlderScript(*child, "handlers of buttons")) continue;
+            actionscript::ScriptContext context = scriptContext();
             if (!actions.empty()) error(*child, "expected one <script> in <button>");
             actions = encodeButtonHandlers(actionscript::compileHandlers(scriptText(*child), context), menu,
                                            m_diagnostics);

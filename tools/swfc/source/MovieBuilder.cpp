@@ -15,7 +15,9 @@ using output::Tag;
 
 constexpr std::size_t kDeepestInclude = 16;
 constexpr int kMaxIncludes = 256;
-constexpr int kOldestVersion = 4, kNewestVersion = 8;
+constexpr int kOldestVersion = 4, kNewestVersion = 50;
+/// From this one on scripts are ActionScript 3 unless the description says otherwise.
+constexpr int kActionScript3Version = 9;
 
 } // namespace
 
@@ -66,6 +68,10 @@ std::optional<std::uint16_t> MovieBuilder::define(Attributes& attributes, Charac
     const std::uint16_t id = m_nextId++;
     m_characters[name] = {id, kind};
     if (exported) m_exports.emplace_back(id, *exported);
+    if (m_isActionScript3 && kind != CharacterKind::Sprite) {
+        const auto linked = attributes.text("class");
+        if (linked) link(id, kind, *linked, attributes.element().where, {});
+    }
     return id;
 }
 
@@ -90,19 +96,45 @@ actionscript::SourceText MovieBuilder::scriptText(const Element& element)
     return {element.text, m_paths.back(), element.textStart};
 }
 
+/// The script in an element, or in the file that the element names.
+std::optional<actionscript::SourceText> MovieBuilder::scriptSource(const Element& element,
+                                                                   Attributes& attributes)
+{
+    actionscript::SourceText source = scriptText(element);
+    if (!attributes.has("file")) return source;
+    const auto content = readFile(attributes, "file");
+    if (!content) return std::nullopt;
+    source.path = besideFile(m_paths.back(), attributes.required("file"));
+    source.text.assign(content->begin(), content->end());
+    source.start = {m_diagnostics.addFile(source.path), 1, 1};
+    return source;
+}
+
+actionscript::ScriptContext MovieBuilder::scriptContext()
+{
+    // Nothing of the older languages came after version 8.
+    constexpr int kNewestOfOlderScripts = 8;
+    return {std::min(m_version, kNewestOfOlderScripts), m_files, m_diagnostics, m_classes};
+}
+
+bool MovieBuilder::needOlderScript(const Element& element, const std::string& what)
+{
+    if (!m_isActionScript3) return true;
+    error(element, "expected actionscript=\"2\" for " + what + ", found ActionScript 3");
+    return false;
+}
+
 void MovieBuilder::scriptElement(const Element& element, Timeline& timeline)
 {
     Attributes attributes(element, m_diagnostics);
-    actionscript::ScriptContext context{m_version, m_files, m_diagnostics, m_classes};
-    actionscript::SourceText source = scriptText(element);
-    if (attributes.has("file")) {
-        const auto content = readFile(attributes, "file");
-        if (!content) return;
-        source.path = besideFile(m_paths.back(), attributes.required("file"));
-        source.text.assign(content->begin(), content->end());
-        source.start = {m_diagnostics.addFile(source.path), 1, 1};
+    const auto source = scriptSource(element, attributes);
+    if (!source) return;
+    if (m_isActionScript3) {
+        timeline.scripts.push_back({timeline.frames, *source});
+        return;
     }
-    timeline.tags.add(Tag::DoAction, actionscript::compileScript(source, context));
+    actionscript::ScriptContext context = scriptContext();
+    timeline.tags.add(Tag::DoAction, actionscript::compileScript(*source, context));
 }
 
 void MovieBuilder::exportElement(const Element& element)
@@ -196,6 +228,8 @@ void MovieBuilder::children(const Element& element, Timeline& timeline)
             initElement(*child, timeline);
         else if (timeline.isMain && definition(*child))
             continue;
+        else if (timeline.isMain && child->name == "actionscript")
+            sourceElement(*child);
         else if (timeline.isMain &&
                  (child->name == "metadata" || child->name == "scriptLimits" || child->name == "raw"))
             movieElement(*child);
@@ -251,6 +285,14 @@ std::vector<std::uint8_t> MovieBuilder::build(const Element& root, const std::st
         header.width = attributes.number("width", 550);
         header.height = attributes.number("height", 400);
         header.frameRate = m_rate = attributes.number("rate", 25);
+        m_isActionScript3 =
+            attributes.choice("actionscript", {"2", "3"}, m_version >= kActionScript3Version ? 1 : 0) == 1;
+        if (m_isActionScript3) {
+            need(kActionScript3Version, root, "ActionScript 3");
+            m_document = attributes.text("document", "");
+            m_program = std::make_unique<actionscript3::Program>(m_files, m_diagnostics);
+            m_program->setRoot(path);
+        }
         header.compressed = attributes.flag("compressed", m_version >= 6);
         const auto background = attributes.color("background");
         const bool network = attributes.flag("network");
@@ -266,7 +308,7 @@ std::vector<std::uint8_t> MovieBuilder::build(const Element& root, const std::st
             const bool metadata = std::any_of(root.children.begin(), root.children.end(),
                                               [](const auto& c) { return c->name == "metadata"; });
             output::BitWriter out;
-            out.u32((metadata ? 0x10U : 0U) | (network ? 1U : 0U));
+            out.u32((metadata ? 0x10U : 0U) | (m_isActionScript3 ? 8U : 0U) | (network ? 1U : 0U));
             m_main.tags.add(Tag::FileAttributes, out);
         }
         if (background) {
@@ -276,7 +318,11 @@ std::vector<std::uint8_t> MovieBuilder::build(const Element& root, const std::st
         }
     }
     children(root, m_main);
-    if (m_main.frames == 0) showFrame(m_main);
+    if (m_main.frames == 0) {
+        m_scriptsAt = m_main.tags.bytes().size();
+        showFrame(m_main);
+    }
+    if (m_isActionScript3) writeScripts();
     if (m_diagnostics.hasErrors()) return {};
     header.frameCount = m_main.frames;
     return output::assembleMovie(header, m_main.tags);
@@ -292,6 +338,7 @@ std::vector<std::uint8_t> compileMovie(const std::string& path, SourceFiles& fil
     }
     std::string text(content->begin(), content->end());
     std::unique_ptr<Element> root;
+    MovieBuilder builder(files, diagnostics);
     if (path.ends_with(".as")) {
         // The script alone: a stage is put around it. Its first line may say which.
         constexpr std::string_view kStage = "// movie:";
@@ -302,11 +349,12 @@ std::vector<std::uint8_t> compileMovie(const std::string& path, SourceFiles& fil
         Element& script = *root->children[0]->children[0];
         script.text = base::isUtf8(text) ? text : base::utf8FromAnsi(text);
         script.textStart = {file, 1, 1};
+        builder.setOnlySource({script.text, path, script.textStart});
     } else {
         root = parseXml(text, file, diagnostics);
         if (root == nullptr) return {};
     }
-    auto movie = MovieBuilder(files, diagnostics).build(*root, path);
+    auto movie = builder.build(*root, path);
     if (diagnostics.hasErrors()) return {};
     return movie;
 }

@@ -2,6 +2,7 @@
 
 #include "swfc/SourceFiles.h"
 #include "swfc/actionscript/Script.h"
+#include "swfc/actionscript3/Program.h"
 #include "swfc/output/MovieFile.h"
 #include "swfc/output/Shape.h"
 #include "swfc/output/SoundData.h"
@@ -82,6 +83,7 @@ struct Timeline {
     };
     std::optional<Stream> stream;
     bool isMain = false;
+    std::vector<actionscript3::Program::FrameScript> scripts; ///< in ActionScript 3
 };
 
 /// Walks a description and writes tags as it goes: definitions and frames come in the order they stand in.
@@ -91,6 +93,8 @@ public:
     MovieBuilder(SourceFiles& files, Diagnostics& diagnostics) : m_files(files), m_diagnostics(diagnostics) {}
 
     std::vector<std::uint8_t> build(const Element& root, const std::string& path);
+    /// Instead of frame scripts: the file that the whole description was made for.
+    void setOnlySource(actionscript::SourceText source) { m_onlySource = std::move(source); }
 
 private:
     // general
@@ -112,6 +116,17 @@ private:
     void importElement(const Element& element);
     actionscript::SourceText scriptText(const Element& element);
     void scriptElement(const Element& element, Timeline& timeline);
+    std::optional<actionscript::SourceText> scriptSource(const Element& element, Attributes& attributes);
+    /// What only ActionScript 1 and 2 have. @returns whether the movie is in one of them
+    bool needOlderScript(const Element& element, const std::string& what);
+    actionscript::ScriptContext scriptContext();
+
+    // ActionScript 3
+    void sourceElement(const Element& element);
+    void link(std::uint16_t id, CharacterKind kind, const std::string& className, Position where,
+              std::vector<actionscript3::Program::FrameScript> scripts);
+    bool provideClass(const std::string& name, CharacterKind kind);
+    void writeScripts();
 
     // shapes
     void gradientElement(const Element& element);
@@ -172,6 +187,20 @@ private:
     std::map<std::uint16_t, EmbeddedFont> m_fonts;
     std::vector<std::pair<std::uint16_t, std::string>> m_exports; // not written yet
     actionscript::ClassTable m_classes;
+
+    struct LinkedClass {
+        std::uint16_t id = 0;
+        CharacterKind kind = CharacterKind::Sprite;
+        std::string name;
+        Position where;
+        std::vector<actionscript3::Program::FrameScript> scripts = {};
+    };
+    bool m_isActionScript3 = false;
+    std::unique_ptr<actionscript3::Program> m_program; // ActionScript 3
+    std::vector<LinkedClass> m_links;
+    std::optional<actionscript::SourceText> m_onlySource;
+    std::string m_document;      // class of the main timeline
+    std::size_t m_scriptsAt = 0; // where in the main timeline the classes belong
 };
 
 } // namespace swfc::source

@@ -280,6 +280,7 @@ void MovieBuilder::showFrame(Timeline& timeline)
 void MovieBuilder::frameElement(const Element& element, Timeline& timeline)
 {
     Attributes attributes(element, m_diagnostics);
+    if (timeline.isMain && timeline.frames == 0) m_scriptsAt = timeline.tags.bytes().size();
     const auto label = attributes.text("label");
     const bool anchor = attributes.flag("anchor");
     const int duration = attributes.integer("duration", 1, 1, static_cast<int>(kMaxFrames));
@@ -334,9 +335,9 @@ void MovieBuilder::frameChild(const Element& element, Timeline& timeline)
 void MovieBuilder::initElement(const Element& element, Timeline& timeline)
 {
     Attributes attributes(element, m_diagnostics);
-    if (!need(6, element, "<init>")) return;
+    if (!need(6, element, "<init>") || !needOlderScript(element, "<init>")) return;
     const Character* sprite = lookUp(element, attributes.required("sprite"), CharacterKind::Sprite);
-    actionscript::ScriptContext context{m_version, m_files, m_diagnostics, m_classes};
+    actionscript::ScriptContext context = scriptContext();
     output::BitWriter out;
     out.u16(sprite == nullptr ? 0 : sprite->id);
     out.append(actionscript::compileScript(scriptText(element), context));
@@ -358,6 +359,7 @@ void MovieBuilder::spriteElement(const Element& element)
 {
     Attributes attributes(element, m_diagnostics);
     const auto id = define(attributes, CharacterKind::Sprite);
+    const auto linked = m_isActionScript3 ? attributes.text("class") : std::nullopt;
     Timeline timeline;
     children(element, timeline);
     if (timeline.frames == 0) showFrame(timeline);
@@ -369,6 +371,8 @@ void MovieBuilder::spriteElement(const Element& element)
     out.append(timeline.tags.bytes());
     definitions().add(Tag::DefineSprite, out);
     scale9(attributes, *id);
+    if (linked || !timeline.scripts.empty())
+        link(*id, CharacterKind::Sprite, linked.value_or(""), element.where, std::move(timeline.scripts));
 }
 
 /// The handlers in the <script> of a placement.
@@ -379,7 +383,7 @@ std::optional<std::vector<std::uint8_t>> MovieBuilder::clipActions(const Element
         if (child->name != "script") continue;
         const Attributes none(*child, m_diagnostics);
         if (!need(5, *child, "handlers of clips")) continue;
-        actionscript::ScriptContext context{m_version, m_files, m_diagnostics, m_classes};
+        actionscript::ScriptContext context = scriptContext();
         const auto handlers = actionscript::compileHandlers(scriptText(*child), context);
         if (written) error(*child, "expected one <script> in <place>");
         written = encodeClipHandlers(handlers, m_version, m_diagnostics);
