@@ -2,6 +2,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+
 // Script loops as movies write them. Each figure is the time of one turn of the loop; the empty loop (four
 // variable accesses, an increment, a comparison and a jump) is what to subtract.
 namespace flash::avm1::test
@@ -108,6 +112,53 @@ void BM_BuildString(benchmark::State& state)
     loop(state, before, Assembler().push("s").get("s").push("abc").op(Add2).op(SetVariable), true);
 }
 
+/// Time of the processor, so that what else the machine does is no pause.
+std::chrono::nanoseconds threadTime()
+{
+    std::timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+}
+
+/// Objects that nothing holds on to, beside as many that stay as the argument says: what the pauses for
+/// collections are, and how much memory is in use at most. One turn is a million objects.
+void BM_ShortLivedObjects(benchmark::State& state)
+{
+    constexpr int kObjects = 1'000'000;
+    Machine machine;
+    Heap& heap = machine.vm.heap();
+    const auto make = [&machine] {
+        Object* object = machine.vm.newLiteral();
+        object->define(machine.vm, "x", Value(1));
+        object->define(machine.vm, "y", Value(2));
+        return object;
+    };
+    RootedValues kept(heap);
+    for (std::int64_t i = 0; i < state.range(0); ++i) kept.push_back(make());
+    heap.collect();
+    std::chrono::nanoseconds longest{}, all{};
+    std::size_t most = 0, pauses = 0;
+    for ([[maybe_unused]] auto turn : state) {
+        for (int i = 0; i < kObjects; ++i) {
+            benchmark::DoNotOptimize(make());
+            if (!heap.shouldCollect()) continue;
+            most = std::max(most, heap.bytesInUse());
+            const std::chrono::nanoseconds start = threadTime();
+            heap.collect();
+            const std::chrono::nanoseconds pause = threadTime() - start;
+            longest = std::max(longest, pause);
+            all += pause;
+            ++pauses;
+        }
+    }
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    state.SetItemsProcessed(state.iterations() * kObjects);
+    state.counters["longest ms"] = Milliseconds(longest).count();
+    state.counters["mean ms"] =
+        Milliseconds(all).count() / static_cast<double>(std::max<std::size_t>(pauses, 1));
+    state.counters["MB"] = static_cast<double>(most) / (1 << 20);
+}
+
 BENCHMARK(BM_EmptyLoop);
 BENCHMARK(BM_EmptyLoopInRegisters);
 BENCHMARK(BM_Arithmetic);
@@ -118,6 +169,7 @@ BENCHMARK(BM_CallFunction);
 BENCHMARK(BM_CallMethod);
 BENCHMARK(BM_NewObject);
 BENCHMARK(BM_BuildString);
+BENCHMARK(BM_ShortLivedObjects)->Arg(0)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace flash::avm1::test

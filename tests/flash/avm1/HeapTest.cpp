@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace flash::avm1::test
 {
 namespace
@@ -43,6 +45,19 @@ TEST(Heap, ForgetsNamesThatNothingUses)
     for (std::uint32_t i = 0; i < 10000; ++i) machine.vm.names().fromIndex(i);
     machine.vm.collect();
     EXPECT_LT(machine.vm.heap().liveCells(), before + 50);
+}
+
+TEST(Heap, TakesNoMoreMemoryForWhatIsDroppedAtOnce)
+{
+    Machine machine;
+    std::size_t most = 0;
+    for (int i = 0; i < 300'000; ++i) {
+        machine.vm.newLiteral()->define(machine.vm, "x", Value(i));
+        most = std::max(most, machine.vm.heap().bytesInUse());
+        machine.vm.checkLoop();
+    }
+    EXPECT_GT(machine.vm.heap().collections(), 2U);
+    EXPECT_LT(most, std::size_t{10} << 20);
 }
 
 struct Counted final : Native {
