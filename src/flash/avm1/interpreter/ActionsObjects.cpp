@@ -225,6 +225,8 @@ void callMethod(Frame& frame, const Instruction& instruction)
             Object* holder = nullptr;
             const Value method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);
             Value self = base;
+            // To version 6 a method is one of the object's own class, wherever it was found.
+            if (frame.version < 7) holder = nullptr;
             if (Object* object = base.asObject(); object != nullptr && object->exotic() == Exotic::Opaque) {
                 if (const SuperNative* super = object->native<SuperNative>()) {
                     self = super->self;

@@ -209,7 +209,8 @@ Value Interpreter::getMethodCached(Frame& frame, Value base, Name name, Object*&
     InlineCache& cache = frame.code->cache(cacheIndex);
     if (cache.admits(*object, name.cell(), vm.epoch()) || fillRead(cache, vm, object, name)) {
         holder = cache.holderOr(object);
-        return holder->slot(cache.slot);
+        const Value method = holder->slot(cache.slot);
+        return method.isUndefined() && base.isObject() ? object->resolve(vm, name, base) : method;
     }
     if (!base.isObject()) return getMember(vm, base, name);
     Value result;

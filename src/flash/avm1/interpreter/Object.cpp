@@ -57,7 +57,12 @@ Value Object::get(Vm& vm, Name name, Value receiver)
 {
     Value result;
     if (find(vm, name, result, receiver)) return result;
-    // AtomTable that the engine itself asks for are not resolved; a resolver that misses does not recurse.
+    return resolve(vm, name, receiver);
+}
+
+Value Object::resolve(Vm& vm, Name name, Value receiver)
+{
+    // Names that the engine itself asks for are not resolved; a resolver that misses does not recurse.
     Value resolver;
     if (name == vm.common().resolve || !findResolver(vm, resolver)) return {};
     return vm.call(resolver, receiver, {Value(name.string())});
@@ -70,9 +75,9 @@ bool Object::find(Vm& vm, Name name, Value& result, Value receiver)
         const bool found = object->hasHooks() ? object->m_native->getOwn(vm, *object, name, receiver, result)
                                               : object->getPlain(vm, name, receiver, result);
         if (found) return true;
+        if (depth == kMaxPrototypeChain) vm.abortScript(kChainTooLong);
         object = object->prototype(vm);
     }
-    if (object != nullptr) vm.abortScript(kChainTooLong);
     return false;
 }
 
@@ -82,7 +87,7 @@ bool Object::hasHidden(const Vm& vm, Name name) const
            (m_protoIsSet && name.matches(vm.common().proto, vm.isCaseSensitive()));
 }
 
-bool Object::findResolver(const Vm& vm, Value& result) const
+bool Object::findResolver(Vm& vm, Value& result) const
 {
     const Object* object = this;
     for (int depth = 0; object != nullptr && depth <= kMaxPrototypeChain; ++depth) {
@@ -95,6 +100,7 @@ bool Object::findResolver(const Vm& vm, Value& result) const
             // From version 7 on, what is no object does not stand in the way of a resolver further up.
             if (result.isObject() || vm.version() < 7) return result.isObject();
         }
+        if (depth == kMaxPrototypeChain) vm.abortScript(kChainTooLong);
         object = object->prototype(vm);
     }
     return false;

@@ -120,6 +120,8 @@ public:
     void putIndex(Vm& vm, std::uint32_t index, Value value);
     /// As get, with other eyes: getters and __resolve see `receiver` as `this`. For `super` and primitives.
     Value get(Vm& vm, Name name, Value receiver);
+    /// @returns what `__resolve` answers for a name that was not found; undefined without one.
+    Value resolve(Vm& vm, Name name, Value receiver);
     /// @returns whether the object or one of its prototypes has the property. __resolve is not asked.
     bool find(Vm& vm, Name name, Value& result, Value receiver);
     void put(Vm& vm, Name name, Value value);
@@ -282,7 +284,7 @@ private:
     bool callWatch(Vm& vm, Name name, Value& value);
     [[nodiscard]] bool isProtoVisible(const Vm& vm) const;
     std::uint32_t findVisible(const Vm& vm, Name name) const;
-    bool findResolver(const Vm& vm, Value& result) const;
+    bool findResolver(Vm& vm, Value& result) const;
     /// @returns the getter and setter that an assignment to a property that is not this object's own meets
     Accessor* inheritedAccessor(Vm& vm, Name name, Object*& holder);
 
