@@ -50,6 +50,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         rest = rest.subspan(length);
     }
     drain(sound::openStream(movie, timeline, data[3] % 4U, data[2] / 4.0).get());
-    drain(sound::openMp3File(std::make_shared<const std::vector<std::uint8_t>>(movie->bytes)).get());
+    drain(sound::openSoundFile(std::make_shared<const std::vector<std::uint8_t>>(movie->bytes)).get());
     return 0;
 }

@@ -12,27 +12,35 @@ namespace
 
 constexpr std::size_t kNellymoserBlockBytes = 64;
 
-AVCodecID codecOf(swf::SoundFormat format)
+using codec::SoundCodec;
+
+AVCodecID codecOf(SoundCodec format)
 {
     switch (format) {
-    case swf::SoundFormat::Mp3: return AV_CODEC_ID_MP3;
-    case swf::SoundFormat::Nellymoser16k:
-    case swf::SoundFormat::Nellymoser8k:
-    case swf::SoundFormat::Nellymoser: return AV_CODEC_ID_NELLYMOSER;
-    case swf::SoundFormat::Speex: return AV_CODEC_ID_SPEEX;
-    case swf::SoundFormat::PcmNative:
-    case swf::SoundFormat::PcmLittleEndian:
-    case swf::SoundFormat::Adpcm: return AV_CODEC_ID_NONE;
+    case SoundCodec::Mp3:
+    case SoundCodec::Mp3At8k: return AV_CODEC_ID_MP3;
+    case SoundCodec::Nellymoser16k:
+    case SoundCodec::Nellymoser8k:
+    case SoundCodec::Nellymoser: return AV_CODEC_ID_NELLYMOSER;
+    case SoundCodec::Speex: return AV_CODEC_ID_SPEEX;
+    case SoundCodec::ALaw: return AV_CODEC_ID_PCM_ALAW;
+    case SoundCodec::MuLaw: return AV_CODEC_ID_PCM_MULAW;
+    case SoundCodec::Aac: return AV_CODEC_ID_AAC;
+    case SoundCodec::PcmNative:
+    case SoundCodec::PcmLittleEndian:
+    case SoundCodec::Adpcm: return AV_CODEC_ID_NONE;
     }
     return AV_CODEC_ID_NONE;
 }
 
-int codecRate(swf::SoundFormat format, int statedRate)
+int codecRate(SoundCodec format, int statedRate)
 {
     switch (format) {
-    case swf::SoundFormat::Nellymoser16k:
-    case swf::SoundFormat::Speex: return 16000;
-    case swf::SoundFormat::Nellymoser8k: return 8000;
+    case SoundCodec::Nellymoser16k:
+    case SoundCodec::Speex: return 16000;
+    case SoundCodec::Nellymoser8k:
+    case SoundCodec::ALaw:
+    case SoundCodec::MuLaw: return 8000;
     default: return statedRate;
     }
 }
@@ -61,7 +69,7 @@ struct CodecDecoder::Parts {
 CodecDecoder::CodecDecoder(std::unique_ptr<Parts> parts) : m_parts(std::move(parts)) {}
 CodecDecoder::~CodecDecoder() = default;
 
-std::unique_ptr<CodecDecoder> CodecDecoder::open(swf::SoundFormat format, int rate, bool stereo)
+std::unique_ptr<CodecDecoder> CodecDecoder::open(SoundCodec format, int rate, bool stereo, base::Bytes config)
 {
     const AVCodecID id = codecOf(format);
     if (id == AV_CODEC_ID_NONE) return nullptr;
@@ -76,8 +84,17 @@ std::unique_ptr<CodecDecoder> CodecDecoder::open(swf::SoundFormat format, int ra
     parts->context->thread_count = 1;
     parts->context->sample_rate = codecRate(format, rate);
     // Nellymoser and Speex are mono by definition, whatever the movie says.
-    const bool mono = id != AV_CODEC_ID_MP3 || !stereo;
+    const bool mono = id == AV_CODEC_ID_NELLYMOSER || id == AV_CODEC_ID_SPEEX || !stereo;
     ffmpeg->av_channel_layout_default(&parts->context->ch_layout, mono ? 1 : 2);
+    if (!config.empty()) {
+        // Freed with the context.
+        auto* extra =
+            static_cast<std::uint8_t*>(ffmpeg->av_mallocz(config.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+        if (extra == nullptr) return nullptr;
+        std::ranges::copy(config, extra);
+        parts->context->extradata = extra;
+        parts->context->extradata_size = static_cast<int>(config.size());
+    }
     if (ffmpeg->avcodec_open2(parts->context, codec, nullptr) < 0) return nullptr;
     if (id == AV_CODEC_ID_MP3) {
         parts->parser = ffmpeg->av_parser_init(id);

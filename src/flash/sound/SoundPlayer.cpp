@@ -193,12 +193,12 @@ stage::SoundId SoundPlayer::playSound(Owner owner, const MoviePtr& movie, std::u
     return startSound(std::move(playing), m_cache.open(movie, sound), info);
 }
 
-stage::SoundId SoundPlayer::playFile(Owner owner, const FileBytes& mp3, const swf::SoundInfo& info)
+stage::SoundId SoundPlayer::playFile(Owner owner, const FileBytes& file, const swf::SoundInfo& info)
 {
     Playing playing;
     playing.kind = Kind::Script;
     playing.owners = ownersOf(owner);
-    return startSound(std::move(playing), openMp3File(mp3), info);
+    return startSound(std::move(playing), openSoundFile(file), info);
 }
 
 void SoundPlayer::stopSound(stage::SoundId id)

@@ -41,7 +41,7 @@ public:
 
     stage::SoundId playSound(Owner owner, const MoviePtr& movie, std::uint16_t soundId,
                              const swf::Sound& sound, const swf::SoundInfo& info) override;
-    stage::SoundId playFile(Owner owner, const FileBytes& mp3, const swf::SoundInfo& info) override;
+    stage::SoundId playFile(Owner owner, const FileBytes& file, const swf::SoundInfo& info) override;
     void stopSound(stage::SoundId id) override;
     void setSoundTransform(stage::SoundId id, const stage::SoundTransform& transform) override;
     void stopOwner(Owner owner) override;

@@ -2,16 +2,11 @@
 
 #include "flash/sound/Adpcm.h"
 #include "flash/sound/CodecDecoder.h"
+#include "flash/sound/DecodingSource.h"
+#include "flash/sound/FlvSound.h"
 #include "flash/sound/Mp3Header.h"
-#include "flash/sound/RateConverter.h"
-
-extern "C" {
-#include <libavutil/samplefmt.h>
-}
 
 #include <algorithm>
-#include <cstring>
-#include <limits>
 #include <optional>
 
 namespace flash::sound
@@ -22,87 +17,13 @@ namespace
 
 constexpr std::size_t kChunkBytes = 4096;
 constexpr std::size_t kChunkSamples = 4096;
-constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-// 5512 stands for an eighth of 44100.
-double exactRate(int rate) { return rate == 5512 ? 5512.5 : rate; }
+// The numbers are the same.
+codec::SoundCodec codecOf(swf::SoundFormat format) { return static_cast<codec::SoundCodec>(format); }
 
 bool isPcm(swf::SoundFormat format)
 {
     return format == swf::SoundFormat::PcmNative || format == swf::SoundFormat::PcmLittleEndian;
-}
-
-/// Hands out what decodeSome() yields, without what is to be skipped and up to what was announced.
-class DecodingSource : public SampleSource
-{
-public:
-    std::size_t read(std::span<StereoFrame> out) override
-    {
-        std::size_t done = 0;
-        while (done < out.size() && m_left > 0) {
-            if (m_taken == m_ready.size()) {
-                m_ready.clear();
-                m_taken = 0;
-                if (!decodeSome(m_ready) && m_ready.empty()) break;
-            }
-            std::uint64_t count = m_ready.size() - m_taken;
-            if (m_skip > 0) {
-                count = std::min(count, m_skip);
-                m_skip -= count;
-            } else {
-                count = std::min({count, static_cast<std::uint64_t>(out.size() - done), m_left});
-                std::copy_n(m_ready.begin() + static_cast<std::ptrdiff_t>(m_taken), count,
-                            out.begin() + static_cast<std::ptrdiff_t>(done));
-                done += count;
-                m_left -= count;
-            }
-            m_taken += count;
-        }
-        return done;
-    }
-
-protected:
-    /// Appends some frames; may append none and go on.
-    /// @returns false at the end.
-    virtual bool decodeSome(std::vector<StereoFrame>& out) = 0;
-    void restart(std::uint64_t skip, std::uint64_t limit)
-    {
-        m_ready.clear();
-        m_taken = 0;
-        m_skip = skip;
-        m_left = limit;
-    }
-
-    void skipAhead(std::uint64_t count) { m_skip += count; }
-
-private:
-    std::vector<StereoFrame> m_ready;
-    std::size_t m_taken = 0;
-    std::uint64_t m_skip = 0, m_left = kNoLimit;
-};
-
-void convertSixteenBit(const std::vector<std::int16_t>& samples, int rate, int channels,
-                       RateConverter& converter, std::vector<StereoFrame>& out)
-{
-    const auto* plane = reinterpret_cast<const std::uint8_t*>(samples.data());
-    converter.convert({AV_SAMPLE_FMT_S16, rate, channels}, &plane,
-                      static_cast<int>(samples.size()) / channels, out);
-}
-
-void convertPcm(base::Bytes bytes, int rate, bool sixteenBit, int channels, RateConverter& converter,
-                std::vector<StereoFrame>& out)
-{
-    const std::size_t momentBytes = static_cast<std::size_t>(sixteenBit ? 2 : 1) * channels;
-    // A copy for the sake of alignment: the bytes stand anywhere in the movie.
-    std::vector<std::int16_t> samples(bytes.size() / momentBytes * channels);
-    if (sixteenBit) {
-        if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size() * 2);
-    } else {
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            samples[i] = static_cast<std::int16_t>((bytes[i] - 128) * 256);
-        }
-    }
-    convertSixteenBit(samples, rate, channels, converter, out);
 }
 
 class SoundSource final : public DecodingSource
@@ -124,7 +45,7 @@ private:
         if (m_sound.format == swf::SoundFormat::Adpcm)
             m_adpcm.emplace(m_rest, channels());
         else if (!isPcm(m_sound.format)) {
-            m_codec = CodecDecoder::open(m_sound.format, m_sound.rate, m_sound.stereo);
+            m_codec = CodecDecoder::open(codecOf(m_sound.format), m_sound.rate, m_sound.stereo);
         }
         const double perSample = kMixRate / exactRate(m_sound.rate);
         const double latency = std::max<int>(m_sound.latencySamples, 0) * perSample;
@@ -181,7 +102,7 @@ private:
     void begin()
     {
         m_rest = mp3Music(*m_file);
-        m_codec = CodecDecoder::open(swf::SoundFormat::Mp3, kMixRate, true);
+        m_codec = CodecDecoder::open(codec::SoundCodec::Mp3, kMixRate, true);
         m_ended = m_codec == nullptr;
         restart(0, kNoLimit);
     }
@@ -229,7 +150,7 @@ private:
         m_isFirstBlock = true;
         m_ended = false;
         m_converter.reset();
-        m_codec = CodecDecoder::open(m_head.format, m_head.rate, m_head.stereo);
+        m_codec = CodecDecoder::open(codecOf(m_head.format), m_head.rate, m_head.stereo);
         restart(0, kNoLimit);
     }
 
@@ -340,9 +261,10 @@ std::unique_ptr<SampleSource> openSound(MoviePtr movie, const swf::Sound& sound)
     return usableOrNull<SoundSource>(std::move(movie), sound);
 }
 
-std::unique_ptr<SampleSource> openMp3File(FileBytes file)
+std::unique_ptr<SampleSource> openSoundFile(FileBytes file)
 {
     if (!file) return nullptr;
+    if (isFlv(*file)) return openFlvSound(std::move(file));
     return usableOrNull<Mp3FileSource>(std::move(file));
 }
 

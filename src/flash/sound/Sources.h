@@ -15,8 +15,9 @@ using FileBytes = std::shared_ptr<const std::vector<std::uint8_t>>;
 /// @returns null when the format is not known.
 std::unique_ptr<SampleSource> openSound(MoviePtr movie, const swf::Sound& sound);
 
-/// An MP3 file as it lies on the disk, tags of its own before and after the music included.
-std::unique_ptr<SampleSource> openMp3File(FileBytes file);
+/// An MP3 file as it lies on the disk, tags of its own before and after the music included, or what is heard
+/// of an FLV file.
+std::unique_ptr<SampleSource> openSoundFile(FileBytes file);
 
 /// The stream of a timeline from a frame (index) on. Where frames long enough to be heard hold no block, the
 /// source is silent, so that the next block sounds with its frame.

@@ -63,8 +63,8 @@ public:
     {
         return 0;
     }
-    /// Starts an MP3 file that a script loaded.
-    virtual SoundId playFile(SoundOwner, const std::shared_ptr<const std::vector<std::uint8_t>>& /*mp3*/,
+    /// Starts an MP3 file that a script loaded, or what is heard of an FLV file.
+    virtual SoundId playFile(SoundOwner, const std::shared_ptr<const std::vector<std::uint8_t>>& /*file*/,
                              const swf::SoundInfo&)
     {
         return 0;

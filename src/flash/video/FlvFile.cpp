@@ -8,7 +8,7 @@ namespace
 // Layout by the file format's description, version 10.1, annex E. Numbers are big-endian.
 constexpr std::size_t kHeaderBytes = 9, kTagHeaderBytes = 11, kBackPointerBytes = 4;
 enum class TagType : std::uint8_t { Audio = 8, Video = 9, Script = 18 };
-constexpr unsigned kMp3 = 2, kMp3At8kHz = 14;
+constexpr std::uint8_t kAacConfig = 0;
 constexpr unsigned kKeyFrame = 1, kServerFrame = 5;
 
 std::uint32_t bigEndian(base::Bytes bytes, std::size_t at, int count)
@@ -34,12 +34,24 @@ void addVideo(FlvFile& file, double timeMs, base::Bytes body)
 
 void addSound(FlvFile& file, double timeMs, base::Bytes body)
 {
-    const unsigned format = body[0] >> 4;
-    if (format != kMp3 && format != kMp3At8kHz) {
-        file.hasOtherSound = true;
-        return;
+    constexpr int kRates[] = {5512, 11025, 22050, 44100};
+    const unsigned head = body[0];
+    FlvFile::Sound sound{timeMs,
+                         static_cast<codec::SoundCodec>(head >> 4),
+                         kRates[head >> 2 & 3],
+                         (head & 2) != 0,
+                         (head & 1) != 0,
+                         body.subspan(1)};
+    if (sound.codec == codec::SoundCodec::Aac) {
+        if (sound.bytes.empty()) return;
+        const bool isConfig = sound.bytes[0] == kAacConfig;
+        sound.bytes = sound.bytes.subspan(1);
+        if (isConfig) {
+            file.soundConfig = sound.bytes;
+            return;
+        }
     }
-    file.mp3.push_back({timeMs, body.subspan(1)});
+    if (!sound.bytes.empty()) file.sound.push_back(sound);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/ByteReader.h"
+#include "flash/codec/SoundCodec.h"
 #include "flash/video/VideoDecoder.h"
 
 #include <cstdint>
@@ -20,7 +21,10 @@ struct FlvFile {
     };
     struct Sound {
         double timeMs = 0;
-        base::Bytes frames;
+        codec::SoundCodec codec = codec::SoundCodec::PcmNative;
+        int rate = 0; ///< Hz: 5512, 11025, 22050 or 44100
+        bool isSixteenBit = false, isStereo = false;
+        base::Bytes bytes;
     };
     /// A name and a value in action message format 0, such as onMetaData and onCuePoint.
     struct Script {
@@ -29,10 +33,10 @@ struct FlvFile {
     };
 
     std::vector<Video> video;
-    std::vector<Sound> mp3;
+    std::vector<Sound> sound;
+    base::Bytes soundConfig; ///< AAC: what its decoder has to know before the packets
     std::vector<Script> scripts;
-    bool hasOtherSound = false; ///< in a format that is not played
-    double lastMs = 0;          ///< the time of the last tag
+    double lastMs = 0; ///< the time of the last tag
 
     /// A file that breaks off is read as far as it goes.
     /// @errors Malformed when it does not begin like an FLV file

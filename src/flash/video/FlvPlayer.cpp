@@ -1,7 +1,5 @@
 #include "flash/video/FlvPlayer.h"
 
-#include "flash/guard/Holding.h"
-
 #include <algorithm>
 
 namespace flash::video
@@ -34,13 +32,7 @@ FlvPlayer::FlvPlayer(FileBytes bytes, FlvFile file) : m_bytes(std::move(bytes)),
     // Tags out of order are damage; sorting them keeps the searches right.
     const auto byTime = [](const auto& a, const auto& b) { return a.timeMs < b.timeMs; };
     std::stable_sort(m_file.video.begin(), m_file.video.end(), byTime);
-    std::stable_sort(m_file.mp3.begin(), m_file.mp3.end(), byTime);
     std::stable_sort(m_file.scripts.begin(), m_file.scripts.end(), byTime);
-    if (m_file.mp3.empty()) return;
-    std::vector<std::uint8_t> mp3;
-    for (const FlvFile::Sound& sound : m_file.mp3)
-        mp3.insert(mp3.end(), sound.frames.begin(), sound.frames.end());
-    m_mp3 = guard::hold(std::move(mp3));
 }
 
 std::size_t FlvPlayer::dueVideo(double timeMs) const { return firstAfter(m_file.video, timeMs); }

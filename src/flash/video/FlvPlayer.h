@@ -10,7 +10,7 @@ namespace flash::video
 {
 
 /// Plays an FLV file on simulated time: which picture shows, and which of the file's messages are due. What
-/// is heard is the owner's affair, who gets the sound's frames as one MP3 file.
+/// is heard is the owner's affair, who gets the file for it.
 class FlvPlayer
 {
 public:
@@ -38,17 +38,16 @@ public:
     /// Pictures that became due in the second before now.
     [[nodiscard]] int picturesInLastSecond() const;
 
-    /// All of the file's sound; null when it has none that can be played.
-    [[nodiscard]] const FileBytes& mp3() const { return m_mp3; }
-    [[nodiscard]] double soundStartMs() const { return m_file.mp3.empty() ? 0 : m_file.mp3.front().timeMs; }
-    [[nodiscard]] bool hasOtherSound() const { return m_file.hasOtherSound; }
+    /// The file, for a sound system that plays what is heard of it from timeMs() on; null when it holds no
+    /// sound.
+    [[nodiscard]] FileBytes soundFile() const { return m_file.sound.empty() ? nullptr : m_bytes; }
 
 private:
     FlvPlayer(FileBytes bytes, FlvFile file);
     /// Of the packets of video, those due at a time.
     [[nodiscard]] std::size_t dueVideo(double timeMs) const;
 
-    FileBytes m_bytes, m_mp3;
+    FileBytes m_bytes;
     FlvFile m_file;
     double m_timeMs = 0;
     std::size_t m_decoded = 0; ///< packets given to the decoder

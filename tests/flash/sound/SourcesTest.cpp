@@ -180,7 +180,7 @@ TEST(Mp3File, IsMeasuredWithoutItsTags)
     for (std::size_t length = 0; length < 200; ++length) {
         EXPECT_GE(mp3DurationMs(base::Bytes(file).first(length)), 0);
     }
-    const auto source = openMp3File(std::make_shared<const std::vector<std::uint8_t>>(file));
+    const auto source = openSoundFile(std::make_shared<const std::vector<std::uint8_t>>(file));
     ASSERT_TRUE(source);
     EXPECT_NEAR(static_cast<double>(readAll(*source).size()), 10 * 1152, 1152);
 }

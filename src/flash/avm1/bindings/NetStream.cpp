@@ -4,6 +4,7 @@
 #include "flash/guard/Holding.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace flash::avm1
 {
@@ -62,8 +63,6 @@ void NetStream::begin(const base::Result<stage::LoadAnswer>& answer)
         return;
     }
     m_player = std::move(*opened);
-    if (m_player->hasOtherSound())
-        m_binding.host().log(answer->url + ": its sound is in a format not played");
     m_ended = false;
     m_followedMs = m_binding.host().timeMs();
     if (!m_paused) startSound();
@@ -175,11 +174,12 @@ void NetStream::showPicture()
 
 void NetStream::startSound()
 {
-    if (!m_player->mp3()) return;
+    const auto file = m_player->soundFile();
+    if (!file) return;
     swf::SoundInfo info;
-    const double intoSound = m_player->timeMs() - m_player->soundStartMs();
-    if (intoSound > 0) info.inPoint = static_cast<std::uint32_t>(intoSound * kSamplesPerMs);
-    m_sound = m_binding.services().sound.playFile(m_binding.nodeOf(m_soundTarget), m_player->mp3(), info);
+    constexpr double kLast = std::numeric_limits<std::uint32_t>::max();
+    info.inPoint = static_cast<std::uint32_t>(std::min(m_player->timeMs() * kSamplesPerMs, kLast));
+    m_sound = m_binding.services().sound.playFile(m_binding.nodeOf(m_soundTarget), file, info);
 }
 
 void NetStream::stopSound()
