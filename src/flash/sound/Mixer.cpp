@@ -11,17 +11,18 @@ namespace
 {
 
 constexpr std::size_t kBlockFrames = 1024;
-// Scripts may ask for any number of sounds at once; the genuine player hears eight, hardly anyone tells more
-// than these apart.
-constexpr std::size_t kMaxVoices = 64;
+constexpr std::size_t kMaxVoices = 32;
+constexpr float kLoudest = 32767;
+// How much of what was turned down comes back with each frame: all of it in 200 ms.
+constexpr float kRelease = 5.0F / kMixRate;
 
-std::int16_t clampSample(float value)
+std::int16_t toSample(float value)
 {
-    return static_cast<std::int16_t>(std::lrintf(std::clamp(value, -32768.0F, 32767.0F)));
+    return static_cast<std::int16_t>(std::lrintf(std::clamp(value, -kLoudest - 1, kLoudest)));
 }
 
 // Plain arrays and no branches, so that the compiler makes vectors of it.
-void accumulate(std::span<const StereoFrame> in, const Gains& gains, float* left, float* right)
+void addEvenly(std::span<const StereoFrame> in, const Gains& gains, float* left, float* right)
 {
     for (std::size_t i = 0; i < in.size(); ++i) {
         const auto l = static_cast<float>(in[i].left);
@@ -29,6 +30,18 @@ void accumulate(std::span<const StereoFrame> in, const Gains& gains, float* left
         left[i] += l * gains.leftToLeft + r * gains.rightToLeft;
         right[i] += l * gains.leftToRight + r * gains.rightToRight;
     }
+}
+
+Gains sum(const Gains& a, const Gains& b)
+{
+    return {a.leftToLeft + b.leftToLeft, a.rightToLeft + b.rightToLeft, a.leftToRight + b.leftToRight,
+            a.rightToRight + b.rightToRight};
+}
+
+Gains scaled(const Gains& gains, float factor)
+{
+    return {gains.leftToLeft * factor, gains.rightToLeft * factor, gains.leftToRight * factor,
+            gains.rightToRight * factor};
 }
 
 } // namespace
@@ -43,28 +56,42 @@ Gains operator*(const Gains& outer, const Gains& inner)
 
 VoiceId Mixer::add(std::unique_ptr<SampleSource> source, const Gains& gains)
 {
-    if (!source || m_voices.size() >= kMaxVoices) return 0;
-    m_voices.push_back({++m_lastId, std::move(source), gains});
+    const auto playing = std::ranges::count_if(m_voices, [](const Voice& voice) { return !voice.isLeaving; });
+    if (!source || static_cast<std::size_t>(playing) >= kMaxVoices) return 0;
+    Voice& voice = m_voices.emplace_back();
+    voice.id = ++m_lastId;
+    voice.source = std::move(source);
+    voice.gains = gains;
     return m_lastId;
 }
 
 void Mixer::remove(VoiceId voice)
 {
-    std::erase_if(m_voices, [voice](const Voice& other) { return other.id == voice; });
+    std::erase_if(m_voices, [voice](Voice& other) {
+        if (other.id != voice) return false;
+        other.isLeaving = true;
+        return !other.hasBegun;
+    });
+}
+
+void Mixer::clear()
+{
+    std::erase_if(m_voices, [](const Voice& voice) { return !voice.hasBegun; });
+    for (Voice& voice : m_voices) voice.isLeaving = true;
 }
 
 const Mixer::Voice* Mixer::find(VoiceId voice) const
 {
-    const auto found = std::find_if(m_voices.begin(), m_voices.end(),
-                                    [voice](const Voice& other) { return other.id == voice; });
+    const auto found = std::find_if(m_voices.begin(), m_voices.end(), [voice](const Voice& other) {
+        return other.id == voice && !other.isLeaving;
+    });
     return found == m_voices.end() ? nullptr : &*found;
 }
 
 void Mixer::setGains(VoiceId voice, const Gains& gains)
 {
-    for (Voice& other : m_voices) {
+    for (Voice& other : m_voices)
         if (other.id == voice) other.gains = gains;
-    }
 }
 
 std::uint64_t Mixer::played(VoiceId voice) const
@@ -82,26 +109,59 @@ void Mixer::mix(std::span<StereoFrame> out)
     }
 }
 
+// Sets out for the gains that hold now.
+void Mixer::aim(Voice& voice) const
+{
+    const Gains target = voice.isLeaving || m_muted ? Gains{0, 0, 0, 0} : m_master * voice.gains;
+    if (!voice.hasBegun) voice.now = voice.target = target;
+    voice.hasBegun = true;
+    if (target == voice.target) return;
+    voice.target = target;
+    voice.rampLeft = kRampFrames;
+    voice.step = scaled(sum(target, scaled(voice.now, -1)), 1.0F / kRampFrames);
+}
+
+void Mixer::accumulate(Voice& voice, std::span<const StereoFrame> in, float* left, float* right) const
+{
+    std::size_t i = 0;
+    for (; i < in.size() && voice.rampLeft > 0; ++i) {
+        voice.now = --voice.rampLeft == 0 ? voice.target : sum(voice.now, voice.step);
+        addEvenly(in.subspan(i, 1), voice.now, left + i, right + i);
+    }
+    if (i < in.size()) addEvenly(in.subspan(i), voice.now, left + i, right + i);
+}
+
+// At once quieter than the output's end, slowly as loud as before: the shape of the waves stays.
+StereoFrame Mixer::limited(float left, float right)
+{
+    const float peak = std::max(std::abs(left), std::abs(right));
+    m_limit = std::min(m_limit + kRelease, 1.0F);
+    if (peak * m_limit > kLoudest) m_limit = kLoudest / peak;
+    return {toSample(left * m_limit), toSample(right * m_limit)};
+}
+
 void Mixer::mixBlock(std::span<StereoFrame> out)
 {
     if (m_voices.empty()) {
-        std::fill(out.begin(), out.end(), StereoFrame{});
+        for (StereoFrame& frame : out) frame = limited(0, 0);
         return;
     }
     std::array<float, kBlockFrames> left{}, right{};
     std::array<StereoFrame, kBlockFrames> frames;
     for (Voice& voice : m_voices) {
-        const std::size_t got = voice.source->read(std::span(frames).first(out.size()));
+        aim(voice);
+        const std::size_t wanted =
+            voice.isLeaving ? std::min<std::size_t>(voice.rampLeft, out.size()) : out.size();
+        const std::size_t got = voice.source->read(std::span(frames).first(wanted));
         voice.played += got;
-        accumulate(std::span(frames).first(got), m_master * voice.gains, left.data(), right.data());
-        if (got < out.size()) {
+        accumulate(voice, std::span(frames).first(got), left.data(), right.data());
+        if (voice.isLeaving && (got < wanted || voice.rampLeft == 0))
+            voice.source.reset();
+        else if (got < wanted)
             m_finished.push_back({voice.id, std::move(voice.source)});
-        }
     }
     std::erase_if(m_voices, [](const Voice& voice) { return voice.source == nullptr; });
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        out[i] = m_muted ? StereoFrame{} : StereoFrame{clampSample(left[i]), clampSample(right[i])};
-    }
+    for (std::size_t i = 0; i < out.size(); ++i) out[i] = limited(left[i], right[i]);
 }
 
 void Mixer::skip(std::uint64_t frames)

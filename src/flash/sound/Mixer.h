@@ -21,18 +21,26 @@ struct Gains {
 /// First `inner`, then `outer`.
 Gains operator*(const Gains& outer, const Gains& inner);
 
-/// Adds up everything that plays. Its clock is the number of frames it was asked for.
+/// Adds up everything that plays. Its clock is the number of frames it was asked for; what comes out does not
+/// depend on the portions that it is asked for in.
+///
+/// Gains that change, and voices that are taken away, do so over kRampFrames: a jump would be heard as a
+/// click. What is louder than the output can be is turned down for as long, instead of being cut off.
 class Mixer
 {
 public:
+    static constexpr unsigned kRampFrames = 256; // 6 ms
+
     /// Starts with the next call of mix().
+    /// @returns 0 when there is no source, or as many voices as the genuine player has
     VoiceId add(std::unique_ptr<SampleSource> source, const Gains& gains = {});
     void remove(VoiceId voice);
-    void clear() { m_voices.clear(); }
+    void clear();
     void setGains(VoiceId voice, const Gains& gains);
     [[nodiscard]] bool isPlaying(VoiceId voice) const { return find(voice) != nullptr; }
     /// Frames that were mixed of the voice; 0 when it does not play.
     [[nodiscard]] std::uint64_t played(VoiceId voice) const;
+    /// Whether nothing is to be heard any more, not even the end of what was taken away.
     [[nodiscard]] bool isSilent() const { return m_voices.empty(); }
 
     /// Over everything. Muted sounds go on unheard.
@@ -57,15 +65,24 @@ private:
         std::unique_ptr<SampleSource> source;
         Gains gains;
         std::uint64_t played = 0;
+        bool isLeaving = false;
+        // What it is heard under now and shall be in `rampLeft` frames.
+        bool hasBegun = false;
+        Gains now, target, step;
+        unsigned rampLeft = 0;
     };
     [[nodiscard]] const Voice* find(VoiceId voice) const;
     void mixBlock(std::span<StereoFrame> out);
+    void aim(Voice& voice) const;
+    void accumulate(Voice& voice, std::span<const StereoFrame> in, float* left, float* right) const;
+    StereoFrame limited(float left, float right);
 
     std::vector<Voice> m_voices;
     std::vector<Finished> m_finished;
     VoiceId m_lastId = 0;
     Gains m_master;
     bool m_muted = false;
+    float m_limit = 1; ///< what everything is turned down to
 };
 
 } // namespace flash::sound
