@@ -129,8 +129,10 @@ std::uint32_t unmultiplied(std::uint32_t pixel)
 {
     const std::uint32_t alpha = pixel >> 24;
     if (alpha == 255 || alpha == 0) return alpha == 0 ? 0 : pixel;
+    // In 8.8 fixed point, as the genuine player has it to the last bit.
+    const std::uint32_t factor = 0xFF00U / alpha;
     const auto scaled = [&](int shift) {
-        return std::min<std::uint32_t>(255, ((pixel >> shift & 255) * 255 + alpha / 2) / alpha) << shift;
+        return std::min<std::uint32_t>(255, ((pixel >> shift & 255) * factor + 127) >> 8) << shift;
     };
     return alpha << 24 | scaled(16) | scaled(8) | scaled(0);
 }

@@ -133,6 +133,7 @@ std::string StaticTextNode::text() const
 void BitmapNode::setBitmap(std::shared_ptr<const swf::Bitmap> bitmap)
 {
     m_bitmap = std::move(bitmap);
+    noteSize();
     contentChanged();
 }
 void BitmapNode::setSmooth(bool smooth)
@@ -140,10 +141,7 @@ void BitmapNode::setSmooth(bool smooth)
     m_smooth = smooth;
     invalidate();
 }
-swf::Rect BitmapNode::bounds(Extent)
-{
-    return m_bitmap && m_bitmap->width > 0 ? pixelRect(m_bitmap->width, m_bitmap->height) : swf::Rect{};
-}
+swf::Rect BitmapNode::bounds(Extent) { return m_width > 0 ? pixelRect(m_width, m_height) : swf::Rect{}; }
 bool BitmapNode::hitsShape(swf::Point stagePoint)
 {
     return rectContains(*this, bounds(Extent::WithStrokes), stagePoint);

@@ -80,9 +80,15 @@ public:
     BitmapNode(Stage& stage, std::shared_ptr<const swf::Bitmap> bitmap, bool smooth)
         : Node(stage, NodeKind::Bitmap), m_bitmap(std::move(bitmap)), m_smooth(smooth)
     {
+        noteSize();
     }
     [[nodiscard]] const std::shared_ptr<const swf::Bitmap>& bitmap() const { return m_bitmap; }
     void setBitmap(std::shared_ptr<const swf::Bitmap> bitmap);
+    void noteSize()
+    {
+        m_width = m_bitmap ? m_bitmap->width : 0;
+        m_height = m_bitmap ? m_bitmap->height : 0;
+    }
     [[nodiscard]] bool isSmooth() const { return m_smooth; }
     void setSmooth(bool smooth);
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
@@ -91,6 +97,7 @@ public:
 
 private:
     std::shared_ptr<const swf::Bitmap> m_bitmap;
+    int m_width = 0, m_height = 0; ///< the picture's, which a script may take from it
     bool m_smooth;
 };
 

@@ -203,6 +203,7 @@ Value getPixels(Call& call)
         }
         call.vm.check();
     }
+    bytes->position = bytes->content.size();
     return Value(bytes);
 }
 Value copyPixelsToBytes(Call& call)
@@ -229,6 +230,8 @@ Value setPixels(Call& call)
         as<classes::ByteArrayObject>(&objectArg(call, 1, "flash.utils::ByteArray", "inputByteArray"));
     for (int y = area.top; y < area.bottom; ++y) {
         for (int x = area.left; x < area.right; ++x) {
+            if (bytes->content.size() < bytes->position + 4)
+                call.vm.throwError(ErrorClass::Error, 2030, "End of file was encountered.");
             const auto quad = bytes->read(call.vm, 4);
             std::uint32_t color = 0;
             for (std::size_t i = 0; i < 4; ++i)
@@ -257,17 +260,17 @@ Value setVector(Call& call)
     const auto bitmap = picture(call);
     const render::IntRect area = areaArg(call, *bitmap);
     if (call.arg(1).isNullish())
-        call.vm.throwError(ErrorClass::Type, 2007, "Parameter inputVector must be non-null.");
+        call.vm.throwError(ErrorClass::Type, 2007, "Parameter imputVector must be non-null.");
     const auto colors = numbersOf(call.vm, call.arg(1));
     const auto wanted = static_cast<std::size_t>(area.width()) * static_cast<std::size_t>(area.height());
+    if (colors.size() < wanted)
+        call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");
     std::size_t next = 0;
     for (int y = area.top; y < area.bottom && next < colors.size(); ++y) {
         for (int x = area.left; x < area.right && next < colors.size(); ++x)
             render::setPixelAt(*bitmap, x, y, call.vm.toUint(Value(colors[next++])));
     }
     pictureChanged(call);
-    if (colors.size() < wanted)
-        call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");
     return {};
 }
 
@@ -278,28 +281,35 @@ stage::BitmapNode* bitmapNode(DisplayObject& object)
     return object.node().kind() == stage::NodeKind::Bitmap ? static_cast<stage::BitmapNode*>(&object.node())
                                                            : nullptr;
 }
+void setShown(DisplayObject& self, Value value)
+{
+    const auto* data = as<BitmapDataObject>(value);
+    self.bitmapData = data != nullptr ? value : Value::null();
+    if (stage::BitmapNode* node = bitmapNode(self)) node->setBitmap(data != nullptr ? data->bitmap : nullptr);
+}
 Value bitmapData(Call& call)
 {
     auto& self = displaySelf(call);
     if (self.bitmapData.isUndefined()) {
         const stage::BitmapNode* node = bitmapNode(self);
         if (node == nullptr || !node->bitmap()) return Value::null();
-        auto own = std::make_shared<swf::Bitmap>(*node->bitmap());
-        bitmapNode(self)->setBitmap(own);
-        self.bitmapData = newBitmapData(call.vm, std::move(own));
+        // Of the class that is linked to the picture, if one is.
+        const LoadedMovie* known = self.movie ? Player::of(call.vm).loaded(self.movie) : nullptr;
+        ClassObject* cls = known != nullptr ? known->classOf(self.characterId) : nullptr;
+        if (cls != nullptr &&
+            cls->instances->isA(call.vm.nativeClass("flash.display::BitmapData")->instances)) {
+            const Value zeros[] = {0, 0};
+            setShown(self, call.vm.construct(Value(cls), zeros));
+        } else {
+            setShown(self, newBitmapData(call.vm, std::make_shared<swf::Bitmap>(*node->bitmap())));
+        }
     }
     return self.bitmapData;
-}
-void showData(DisplayObject& self, Value value)
-{
-    const auto* data = as<BitmapDataObject>(value);
-    self.bitmapData = data != nullptr ? value : Value::null();
-    if (stage::BitmapNode* node = bitmapNode(self)) node->setBitmap(data != nullptr ? data->bitmap : nullptr);
 }
 Value setBitmapData(Call& call)
 {
     auto& self = displaySelf(call);
-    showData(self, Value(optionalArg(call, 0, "flash.display::BitmapData")));
+    setShown(self, Value(optionalArg(call, 0, "flash.display::BitmapData")));
     return {};
 }
 Value smoothing(Call& call)

@@ -243,8 +243,8 @@ Value bitmapThreshold(Call& call)
         call.vm.throwError(ErrorClass::Type, 2007, "Parameter operation must be non-null.");
     const auto* found = std::ranges::find(kOperators, call.vm.text(call.arg(3)));
     if (found == std::end(kOperators))
-        call.vm.throwError(ErrorClass::Argument, 2008,
-                           "Parameter operation must be one of the accepted values.");
+        call.vm.throwError(ErrorClass::Argument, 2005,
+                           "Parameter 0 is of the incorrect type. Should be type Operation.");
     render::ThresholdTest test;
     test.comparison = static_cast<render::Comparison>(found - std::begin(kOperators));
     test.threshold = call.vm.toUint(call.arg(4));

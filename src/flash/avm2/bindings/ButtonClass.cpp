@@ -25,55 +25,12 @@ void place(DisplayObject& object, const swf::ButtonRecord& record)
     node.setBlend(record.blend);
 }
 
-/// What a state of the file shows: the one thing there is, or a sprite of all.
-DisplayObject* makeState(Player& player, DisplayObject& button, const swf::Button& definition,
-                         std::size_t state)
-{
-    Vm& vm = player.vm();
-    RootedList<DisplayObject*> made(vm.heap());
-    for (const swf::ButtonRecord& record : definition.records) {
-        if ((record.states & kStateBits[state]) == 0) continue;
-        DisplayObject* object = player.makeCharacter(button.movie, record.characterId);
-        if (object == nullptr || stage::DisplayList::wouldContainItself(object->node(), button.node()))
-            continue;
-        object->name = Value(vm.string(player.nextInstanceName()));
-        place(*object, record);
-        made.push_back(object);
-        player.showCharacter(*object, button.movie, record.characterId);
-    }
-    if (made.size() == 1) {
-        DisplayObject* only = made[0];
-        button.insertChild(*only, 0);
-        only->isButtonState = true;
-        player.constructChildren(button);
-        return only;
-    }
-    auto* sprite = as<DisplayObject>(Value(vm.instantiate(vm.nativeClass("flash.display::Sprite"))));
-    button.insertChild(*sprite, 0);
-    sprite->isButtonState = sprite->isConstructed = true;
-    for (std::size_t i = 0; i < made.size(); ++i) sprite->insertChild(*made[i], i);
-    player.constructChildren(*sprite);
-    return sprite;
-}
-
 Value constructButton(Call& call)
 {
     auto& self = displaySelf(call);
     Player& player = Player::of(call.vm);
     constructDisplay(call);
-    const swf::Character* character =
-        self.characterId != 0 && self.movie ? self.movie->character(self.characterId) : nullptr;
-    if (const auto* definition =
-            character != nullptr ? std::get_if<swf::Button>(&character->data) : nullptr) {
-        for (std::size_t i = 0; i < self.states.size(); ++i) {
-            self.states[i] = makeState(player, self, *definition, i);
-            self.eraseChild(*self.states[i]);
-        }
-        for (DisplayObject* state : self.states) {
-            if (state->name.isNull()) state->name = Value(call.vm.string(player.nextInstanceName()));
-            player.noteOffStage(*state);
-        }
-    }
+    player.makeButtonStates(self);
     for (std::uint32_t i = 0; i < 4 && i < call.count; ++i) {
         Call inner{call.vm, call.self, call.args + i, 1};
         if (auto* given = as<DisplayObject>(Value(optionalArg(inner, 0, "flash.display::DisplayObject"))))
@@ -100,7 +57,9 @@ Value setState(Call& call)
     Player& player = Player::of(call.vm);
     if (given != nullptr && given->parent != nullptr) player.removeChild(*given->parent, *given);
     self.states[static_cast<std::size_t>(state)] = given;
-    if (self.state == state) player.showButtonState(self, state);
+    if (self.state != state) return {};
+    player.showButtonState(self, state);
+    if (player.isOnStage(self)) player.runNestedFrame(nullptr);
     return {};
 }
 
@@ -126,6 +85,54 @@ constexpr NativeClass kClasses[] = {
 };
 
 } // namespace
+
+/// The things of all states are constructed first; a state of one thing is that, others are sprites of
+/// theirs.
+void Player::makeButtonStates(DisplayObject& button)
+{
+    const swf::Character* character =
+        button.characterId != 0 && button.movie ? button.movie->character(button.characterId) : nullptr;
+    const auto* definition = character != nullptr ? std::get_if<swf::Button>(&character->data) : nullptr;
+    if (definition == nullptr || button.hasStates) return;
+    button.hasStates = true;
+    RootedList<DisplayObject*> made(m_vm->heap());
+    std::array<std::size_t, kStateBits.size() + 1> first{};
+    for (std::size_t state = 0; state < kStateBits.size(); ++state) {
+        for (const swf::ButtonRecord& record : definition->records) {
+            if ((record.states & kStateBits[state]) == 0) continue;
+            DisplayObject* object = makeCharacter(button.movie, record.characterId);
+            if (object == nullptr) continue;
+            object->characterId = record.characterId;
+            object->movie = button.movie;
+            if (wouldContainItself(*object, button)) continue;
+            object->name = Value(m_vm->string(nextInstanceName()));
+            place(*object, record);
+            made.push_back(object);
+            button.insertChild(*object, 0);
+            object->isButtonState = true;
+            showCharacter(*object, button.movie, record.characterId);
+            construct(*object);
+            if (object->parent == &button) button.eraseChild(*object);
+        }
+        first[state + 1] = made.size();
+    }
+    for (std::size_t state = 0; state < kStateBits.size(); ++state) {
+        const std::size_t count = first[state + 1] - first[state];
+        if (count == 1) {
+            button.states[state] = made[first[state]];
+        } else {
+            auto* sprite =
+                as<DisplayObject>(Value(m_vm->instantiate(m_vm->nativeClass("flash.display::Sprite"))));
+            button.states[state] = sprite;
+            sprite->isConstructed = true;
+            sprite->name = Value(m_vm->string(nextInstanceName()));
+            for (std::size_t i = 0; i < count; ++i) insert(*sprite, *made[first[state] + i], i);
+        }
+        noteOffStage(*button.states[state]);
+    }
+    showButtonState(button, State::Up);
+    if (isOnStage(button)) runNestedFrame(nullptr);
+}
 
 void Player::showButtonState(DisplayObject& button, State state)
 {

@@ -110,8 +110,11 @@ Value removeChildren(Call& call)
     const auto size = static_cast<std::int32_t>(parent.children.size());
     const std::int32_t from = call.vm.toInt(call.arg(0));
     std::int32_t to = call.has(1) ? call.vm.toInt(call.arg(1)) : 0x7FFF'FFFF;
-    if (!call.has(0) && size == 0) return {};
-    if (to == 0x7FFF'FFFF) to = size - 1;
+    if (!call.has(1)) to = 0x7FFF'FFFF;
+    if (to == 0x7FFF'FFFF) {
+        to = size - 1;
+        if (from >= size) return {};
+    }
     if (from < 0 || to < 0 || from > to || from >= size || to >= size) outOfBounds(call);
     RootedList<DisplayObject*> gone(call.vm.heap(), parent.children.begin() + from,
                                     parent.children.begin() + to + 1);

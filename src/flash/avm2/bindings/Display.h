@@ -122,6 +122,7 @@ public:
     enum class State : std::uint8_t { Up, Over, Down, Hit };
     std::array<DisplayObject*, 4> states{};
     State state = State::Up;
+    bool hasStates = false;  ///< those of the file are made
     Object* extra = nullptr; ///< what else the class keeps; traced
 
 private:

@@ -156,7 +156,9 @@ Value convertPoint(Call& call)
     const swf::Point twips{std::round(given.x * kTwips), std::round(given.y * kTwips)};
     auto& object = self(call);
     const swf::Point at = toGlobal ? spaceOf(object).map(twips) : toLocal(object, twips);
-    return newPoint(call.vm, std::round(at.x) / kTwips, std::round(at.y) / kTwips);
+    constexpr double kSlack = 1e-6; // of a twip, for what products leave
+    const auto cut = [](double value) { return std::trunc(value + std::copysign(kSlack, value)) / kTwips; };
+    return newPoint(call.vm, cut(at.x), cut(at.y));
 }
 Value globalToLocal3D(Call& call)
 {
@@ -241,8 +243,7 @@ Value setFilters(Call& call)
     std::vector<swf::Filter> filters;
     auto* list = as<ArrayObject>(call.vm.coerce(call.arg(0), call.vm.classes().array->instances));
     for (std::uint32_t i = 0; list != nullptr && i < list->length(); ++i) {
-        const auto filter =
-            filterOf(call.vm, call.vm.get(Value(list), call.vm.publicName(call.vm.name(numberText(i)))));
+        const auto filter = filterOf(call.vm, list->at(call.vm, i));
         if (!filter)
             call.vm.throwError(ErrorClass::Argument, 2005,
                                "Parameter 0 is of the incorrect type. Should be type Filter.");
@@ -288,7 +289,17 @@ Value setScrollRect(Call& call)
     auto& object = self(call);
     Object* rect = optionalArg(call, 0, "flash.geom::Rectangle");
     object.scrollRect.reset();
-    if (rect != nullptr) object.scrollRect = twipsOf(*rect);
+    if (rect != nullptr) {
+        // Its sides lie on whole pixels.
+        const auto side = [](double pixels) {
+            constexpr double kFar = 1 << 24;
+            return static_cast<std::int32_t>(
+                std::nearbyint(std::clamp(std::isnan(pixels) ? 0 : pixels, -kFar, kFar)) * kTwips);
+        };
+        const double left = slotNumber(*rect, 0), top = slotNumber(*rect, 1);
+        object.scrollRect = swf::Rect{side(left), side(left + slotNumber(*rect, 2)), side(top),
+                                      side(top + slotNumber(*rect, 3))};
+    }
     Player& player = Player::of(call.vm);
     const std::weak_ptr<stage::Node> node = object.nodePtr();
     player.later([node, wanted = object.scrollRect] {
@@ -333,7 +344,7 @@ Value addListener(Call& call)
     auto& object = self(call);
     const auto type = call.vm.text(call.arg(0));
     if (type == u"enterFrame" || type == u"exitFrame" || type == u"frameConstructed" || type == u"render")
-        Player::of(call.vm).noteListening(object);
+        Player::of(call.vm).noteListening(object, type);
     const Binding* general = call.vm.nativeClass("flash.events::EventDispatcher")
                                  ->instances->find(call.vm.publicName("addEventListener"));
     return call.vm.invoke(*call.vm.nativeClass("flash.events::EventDispatcher")
@@ -429,6 +440,7 @@ constexpr NativeClass kClasses[] = {
      .maxArguments = 0,
      .allocate = &allocateDisplay,
      .members = kDisplay,
+     .interfaces = "flash.display::IBitmapDrawable",
      .slots = kDisplaySlots},
     {.package = "flash.display",
      .name = "InteractiveObject",

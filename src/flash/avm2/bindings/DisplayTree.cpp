@@ -154,8 +154,9 @@ Value constructDisplay(Call& call)
 
 Value refuseDisplayConstruction(Call& call)
 {
-    if (Traits* traits = call.vm.traitsOf(call.self);
-        !displaySelf(call).isConstructed && traits->ns->uri.view().starts_with(u"flash."))
+    if (Traits* traits = call.vm.traitsOf(call.self); !displaySelf(call).isConstructed &&
+                                                      !displaySelf(call).isConstructing &&
+                                                      traits->ns->uri.view().starts_with(u"flash."))
         call.vm.throwError(ErrorClass::Argument, 2012,
                            std::u16string(traits->name.view()) + u"$ class cannot be instantiated.");
     return constructDisplay(call);

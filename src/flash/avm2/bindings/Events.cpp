@@ -63,8 +63,10 @@ void DispatcherObject::callListeners(Vm& vm, EventObject& event, Value current, 
     for (const Listener& listener : found->second) {
         if (listener.isCapture == (phase == 1)) functions.push_back(listener.function);
     }
+    if (functions.empty()) return;
     event.phase = phase;
     event.currentTarget = current;
+    event.isDispatched = true;
     for (std::size_t i = 0; i < functions.size() && !event.isStoppedAtOnce; ++i) {
         vm.guarded([&] { vm.call(functions[i], Value(), {Value(&event)}); });
     }
@@ -73,9 +75,11 @@ void DispatcherObject::callListeners(Vm& vm, EventObject& event, Value current, 
 bool DispatcherObject::dispatch(Vm& vm, EventObject& event)
 {
     event.target = standIn.isUndefined() ? Value(this) : standIn;
-    event.isDispatched = true;
     RootedList<Object*> path(vm.heap());
-    for (DispatcherObject* at = eventParent(); at != nullptr; at = at->eventParent()) path.push_back(at);
+    const auto* spokenFor = as<DispatcherObject>(standIn);
+    for (DispatcherObject* at = spokenFor != nullptr ? spokenFor->eventParent() : eventParent();
+         at != nullptr; at = at->eventParent())
+        path.push_back(at);
     const auto visit = [&](std::size_t i, int phase) {
         auto* at = static_cast<DispatcherObject*>(path[i]);
         at->callListeners(vm, event, Value(at), phase);
@@ -245,11 +249,6 @@ Value dispatchEvent(Call& call)
     }
     return dispatcher(call).dispatch(call.vm, *event);
 }
-Value dispatcherToString(Call& call)
-{
-    return call.vm.string(u"[object " + std::u16string(call.vm.traitsOf(call.self)->name.view()) + u"]");
-}
-
 constexpr NativeMember kEventMembers[] = {
     {"type", Kind::Getter, &type, 0, 0, nullptr, "String"},
     {"bubbles", Kind::Getter, &bubbles, 0, 0, nullptr, "Boolean"},
@@ -330,7 +329,6 @@ constexpr NativeMember kDispatcherMembers[] = {
     {"hasEventListener", Kind::Method, &hasEventListener, 1, 1},
     {"willTrigger", Kind::Method, &willTrigger, 1, 1},
     {"dispatchEvent", Kind::Method, &dispatchEvent, 1, 1},
-    {"toString", Kind::Method, &dispatcherToString, 0, 0},
 };
 
 constexpr NativeClass derived(std::string_view name, std::string_view slots,

@@ -12,12 +12,13 @@ namespace flash::avm2
 namespace
 {
 constexpr int kNestedFramesVersion = 10;
-constexpr int kDeepestFrames = 64; ///< within each other, by scripts
+constexpr int kMaxNestedFrames = 64; ///< within each other, by scripts
 } // namespace
 
-void Player::noteListening(DispatcherObject& object)
+void Player::noteListening(DispatcherObject& object, std::u16string_view type)
 {
-    if (std::ranges::find(m_listening, &object) == m_listening.end()) m_listening.push_back(&object);
+    auto& list = m_listening[std::u16string(type)];
+    if (std::ranges::find(list, &object) == list.end()) list.push_back(&object);
 }
 
 void Player::noteOffStage(DisplayObject& object)
@@ -46,9 +47,9 @@ void Player::broadcast(std::string_view type)
 {
     const Name name = m_vm->name(type);
     RootedList<DispatcherObject*> targets(m_vm->heap());
-    for (DispatcherObject* object : m_listening) {
-        if (object->hasListener(name)) targets.push_back(object);
-    }
+    auto& list = m_listening[widen(type)];
+    std::erase_if(list, [&](const DispatcherObject* object) { return !object->hasListener(name); });
+    for (DispatcherObject* object : list) targets.push_back(object);
     for (std::size_t i = 0; i < targets.size(); ++i) m_vm->guarded([&] { fire(*m_vm, *targets[i], type); });
 }
 
@@ -120,7 +121,8 @@ void Player::advance(DisplayObject& clip)
         if (stays)
             clip.isPlaying = false;
         else
-            m_vm->guarded([&] { showFrame(clip, ends ? 1 : clip.frame + 1, Move::Step); });
+            m_vm->guarded(
+                [&] { showFrame(clip, ends ? 1 : clip.frame + 1, ends ? Move::Jump : Move::Step); });
     }
     for (std::size_t i = 0; i < children.size(); ++i) {
         if (children[i]->parent == &clip) advance(*children[i]);
@@ -142,14 +144,20 @@ void Player::jump(DisplayObject& clip, int frame)
     if (clip.timeline == nullptr) return;
     frame = std::clamp(frame, 1, clip.totalFrames());
     if (frame != clip.frame) showFrame(clip, frame, Move::Jump);
-    if (m_vm->version < kNestedFramesVersion || !m_hasBegun || m_nesting >= kDeepestFrames) return;
+    runNestedFrame(&clip);
+}
+
+/// @param clip where things are constructed even while the constructors of others of its children run
+void Player::runNestedFrame(DisplayObject* clip)
+{
+    if (m_vm->version < kNestedFramesVersion || !m_hasBegun || m_nesting >= kMaxNestedFrames) return;
     ++m_nesting;
     const struct Leave {
         int& nesting;
         ~Leave() { --nesting; }
     } leave{m_nesting};
-    m_vm->guarded([&] { constructAll(clip); });
-    if (root() != nullptr) finishFrame();
+    if (clip != nullptr) m_vm->guarded([&] { constructChildren(*clip); });
+    if (m_stageObject) finishFrame();
 }
 
 void Player::constructAll(DisplayObject& object)

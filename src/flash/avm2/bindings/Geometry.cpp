@@ -256,7 +256,117 @@ Value corner(Call& call)
         {at(self, first) + (isFar ? at(self, 2) : 0), at(self, first + 1) + (isFar ? at(self, 3) : 0)});
 }
 
+/// Moves two edges, each to where the point's number says; the far ones stay.
+Value setTopLeft(Call& call)
+{
+    Object& self = selfObject(call);
+    Object& point = objectArg(call, 0, kPoint);
+    for (std::uint32_t i = 0; i < 2; ++i) {
+        self.setSlot(2 + i, at(self, 2 + i) + at(self, i) - at(point, i));
+        self.setSlot(i, at(point, i));
+    }
+    return {};
+}
+Value setBottomRight(Call& call)
+{
+    Object& self = selfObject(call);
+    Object& point = objectArg(call, 0, kPoint);
+    for (std::uint32_t i = 0; i < 2; ++i) self.setSlot(2 + i, at(point, i) - at(self, i));
+    return {};
+}
+Value setRectSize(Call& call)
+{
+    Object& self = selfObject(call);
+    Object& point = objectArg(call, 0, kPoint);
+    for (std::uint32_t i = 0; i < 2; ++i) self.setSlot(2 + i, at(point, i));
+    return {};
+}
+Value rectInflatePoint(Call& call)
+{
+    Object& self = selfObject(call);
+    Object& point = objectArg(call, 0, kPoint);
+    for (std::uint32_t i = 0; i < 2; ++i) {
+        self.setSlot(i, at(self, i) - at(point, i));
+        self.setSlot(2 + i, at(self, 2 + i) + 2 * at(point, i));
+    }
+    return {};
+}
+/// From another of the class.
+template <std::uint32_t count>
+Value copyFrom(Call& call)
+{
+    Object& self = selfObject(call);
+    Object& other = objectArg(call, 0, count == 2 ? kPoint : count == 4 ? kRectangle : kMatrix);
+    for (std::uint32_t i = 0; i < count; ++i) self.setSlot(i, at(other, i));
+    return {};
+}
+
 // ---- matrices: a, b, c, d, tx, ty ----
+
+double numberOr(Call& call, std::uint32_t i, double missing)
+{
+    return call.has(i) ? call.vm.toNumber(call.arg(i)) : missing;
+}
+void setBox(Object& self, double scaleX, double scaleY, double angle, double tx, double ty)
+{
+    const double c = std::cos(angle), s = std::sin(angle);
+    const double values[] = {c * scaleX, s * scaleY, -s * scaleX, c * scaleY, tx, ty};
+    for (std::uint32_t i = 0; i < 6; ++i) self.setSlot(i, values[i]);
+}
+Value createBox(Call& call)
+{
+    setBox(selfObject(call), call.vm.toNumber(call.arg(0)), call.vm.toNumber(call.arg(1)),
+           numberOr(call, 2, 0), numberOr(call, 3, 0), numberOr(call, 4, 0));
+    return {};
+}
+Value createGradientBox(Call& call)
+{
+    constexpr double kSquare = 1638.4; // pixels of what a gradient fills
+    const double width = call.vm.toNumber(call.arg(0)), height = call.vm.toNumber(call.arg(1));
+    setBox(selfObject(call), width / kSquare, height / kSquare, numberOr(call, 2, 0),
+           numberOr(call, 3, 0) + width / 2, numberOr(call, 4, 0) + height / 2);
+    return {};
+}
+Object& vector3DArg(Call& call, std::uint32_t i) { return objectArg(call, i, "flash.geom::Vector3D"); }
+/// A column is two numbers, and a third that nothing depends on.
+template <bool isTo>
+Value copyColumn(Call& call)
+{
+    Object& self = selfObject(call);
+    const std::uint32_t column = call.vm.toUint(call.arg(0));
+    Object& vector = vector3DArg(call, 1);
+    if (column > 3) return {};
+    const std::uint32_t x = std::min(column, 2U) * 2;
+    if (isTo) {
+        vector.setSlot(0, self.slot(x));
+        vector.setSlot(1, self.slot(x + 1));
+        vector.setSlot(2, column >= 2 ? 1 : 0);
+    } else {
+        self.setSlot(x, at(vector, 0));
+        self.setSlot(x + 1, at(vector, 1));
+    }
+    return {};
+}
+template <bool isTo>
+Value copyRow(Call& call)
+{
+    Object& self = selfObject(call);
+    const std::uint32_t row = call.vm.toUint(call.arg(0));
+    Object& vector = vector3DArg(call, 1);
+    if (isTo && row >= 2) {
+        const double last[] = {0, 0, 1};
+        for (std::uint32_t i = 0; i < 3; ++i) vector.setSlot(i, last[i]);
+        return {};
+    }
+    if (row >= 2) return {};
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        if (isTo)
+            vector.setSlot(i, self.slot(2 * i + row));
+        else
+            self.setSlot(2 * i + row, at(vector, i));
+    }
+    return {};
+}
 
 Value matrixToString(Call& call) { return shown(call, {"a", "b", "c", "d", "tx", "ty"}); }
 void concatenate(Object& self, const std::array<double, 6>& m)
@@ -358,7 +468,7 @@ constexpr NativeMember kPointMembers[] = {
     {"offset", Kind::Method, &pointOffset, 2, 2},
     {"normalize", Kind::Method, &pointNormalize, 1, 1},
     {"setTo", Kind::Method, &assign, 2, 2},
-    {"copyFrom", Kind::Method, &assign, 1, 1},
+    {"copyFrom", Kind::Method, &copyFrom<2>, 1, 1},
     {"toString", Kind::Method, &pointToString, 0, 0},
     {"distance", Kind::Static, &pointDistance, 2, 2},
     {"interpolate", Kind::Static, &pointInterpolate, 3, 3},
@@ -369,9 +479,11 @@ constexpr NativeMember kRectangleMembers[] = {
     {"top", Kind::Getter, &edge<1, false>, 0, 0, &setEdge<1, false>},
     {"right", Kind::Getter, &edge<0, true>, 0, 0, &setEdge<0, true>},
     {"bottom", Kind::Getter, &edge<1, true>, 0, 0, &setEdge<1, true>},
-    {"topLeft", Kind::Getter, &corner<0, false>},
-    {"bottomRight", Kind::Getter, &corner<0, true>},
-    {"size", Kind::Getter, &corner<2, false>},
+    {"topLeft", Kind::Getter, &corner<0, false>, 0, 0, &setTopLeft, "flash.geom::Point"},
+    {"bottomRight", Kind::Getter, &corner<0, true>, 0, 0, &setBottomRight, "flash.geom::Point"},
+    {"size", Kind::Getter, &corner<2, false>, 0, 0, &setRectSize, "flash.geom::Point"},
+    {"inflatePoint", Kind::Method, &rectInflatePoint, 1, 1},
+    {"copyFrom", Kind::Method, &copyFrom<4>, 1, 1},
     {"isEmpty", Kind::Method, &rectIsEmpty, 0, 0},
     {"setEmpty", Kind::Method, &rectSetEmpty, 0, 0},
     {"setTo", Kind::Method, &rectSetTo, 4, 4},
@@ -390,6 +502,13 @@ constexpr NativeMember kRectangleMembers[] = {
 };
 constexpr NativeMember kMatrixMembers[] = {
     {"concat", Kind::Method, &matrixConcat, 1, 1},
+    {"createBox", Kind::Method, &createBox, 2, 5},
+    {"createGradientBox", Kind::Method, &createGradientBox, 2, 5},
+    {"copyFrom", Kind::Method, &copyFrom<6>, 1, 1},
+    {"copyColumnFrom", Kind::Method, &copyColumn<false>, 2, 2},
+    {"copyColumnTo", Kind::Method, &copyColumn<true>, 2, 2},
+    {"copyRowFrom", Kind::Method, &copyRow<false>, 2, 2},
+    {"copyRowTo", Kind::Method, &copyRow<true>, 2, 2},
     {"identity", Kind::Method, &matrixIdentity, 0, 0},
     {"rotate", Kind::Method, &matrixRotate, 1, 1},
     {"scale", Kind::Method, &matrixScale, 2, 2},
@@ -401,7 +520,19 @@ constexpr NativeMember kMatrixMembers[] = {
     {"setTo", Kind::Method, &assign, 6, 6},
     {"toString", Kind::Method, &matrixToString, 0, 0},
 };
+Value concatColor(Call& call)
+{
+    Object& self = selfObject(call);
+    Object& second = objectArg(call, 0, "flash.geom::ColorTransform");
+    for (std::uint32_t i = 0; i < 4; ++i) {
+        self.setSlot(4 + i, at(self, 4 + i) + at(self, i) * at(second, 4 + i));
+        self.setSlot(i, at(self, i) * at(second, i));
+    }
+    return {};
+}
+
 constexpr NativeMember kColorMembers[] = {
+    {"concat", Kind::Method, &concatColor, 1, 1},
     {"color", Kind::Getter, &color, 0, 0, &setColor, "uint"},
     {"toString", Kind::Method, &colorToString, 0, 0},
 };

@@ -142,9 +142,8 @@ void arrive(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& byte
              u"Loaded file is an unknown type." + (fromFile ? u" URL: " + fromUtf8(url) : u""));
         return;
     }
-    Root<DisplayObject> keep(vm.heap(), &loader);
-    auto held = std::make_shared<Root<DisplayObject>>(vm.heap(), &loader);
-    Player::of(vm).later([&vm, held, fromFile] { finish(vm, **held, fromFile); });
+    if (info.content != nullptr) Player::of(vm).runFirstFrame(*info.content);
+    finish(vm, loader, fromFile);
 }
 
 Domain* contextDomain(Call& call, std::uint32_t index)

@@ -56,15 +56,35 @@ std::size_t currentPart(const std::vector<ScenePart>& parts, const DisplayObject
     return found;
 }
 
+struct FrameName {
+    int frame; ///< from 1, of the whole timeline
+    std::string name;
+};
+
+/// Those that the file states for all its scenes count, not those of the frames.
+std::vector<FrameName> namesOf(Call& call, const DisplayObject& clip)
+{
+    std::vector<FrameName> names;
+    const LoadedMovie* own = clip.isRoot ? Player::of(call.vm).loaded(clip.movie) : nullptr;
+    if (own != nullptr && !own->tags.labels.empty()) {
+        for (const auto& label : own->tags.labels)
+            names.push_back({static_cast<int>(label.frame) + 1, label.name});
+        return names;
+    }
+    for (std::size_t i = 0; clip.timeline != nullptr && i < clip.timeline->frames.size(); ++i) {
+        const std::string& name = clip.timeline->frames[i].label;
+        if (!name.empty()) names.push_back({static_cast<int>(i) + 1, name});
+    }
+    return names;
+}
+
 Value labelsOf(Call& call, const DisplayObject& clip, const ScenePart& part)
 {
     auto* list = static_cast<ArrayObject*>(call.vm.newArray());
-    if (clip.timeline == nullptr) return Value(list);
-    for (int i = part.first;
-         i < part.first + part.count && i <= static_cast<int>(clip.timeline->frames.size()); ++i) {
-        const std::string& text = clip.timeline->frames[static_cast<std::size_t>(i) - 1].label;
-        if (text.empty()) continue;
-        const Value args[] = {Value(call.vm.string(std::string_view(text))), Value(i - part.first + 1)};
+    for (const FrameName& label : namesOf(call, clip)) {
+        if (label.frame < part.first || label.frame >= part.first + part.count) continue;
+        const Value args[] = {Value(call.vm.string(std::string_view(label.name))),
+                              Value(label.frame - part.first + 1)};
         list->push(call.vm, call.vm.construct(Value(call.vm.nativeClass("flash.display::FrameLabel")), args));
     }
     return Value(list);
@@ -108,20 +128,33 @@ int frameOf(Call& call, DisplayObject& clip)
             call.vm.throwError(ErrorClass::Argument, 2108, u"Scene " + fromUtf8(name) + u" was not found.");
         part = found;
     }
-    const auto frameOf = [&](double number) {
+    // The player counts in 32 bits, and what does not fit is the least number there is, which one less than
+    // makes the greatest.
+    const auto numbered = [&](double number) {
+        constexpr double kMin = -2147483648.0, kMax = 2147483647.0;
+        const bool fits = number > kMin && number <= kMax;
         constexpr double kMaxFrames = 1 << 30; // whatever a script says, an int holds it
-        return static_cast<int>(std::clamp(parts[part].first - 1 + number, -kMaxFrames, kMaxFrames));
+        const double frame = fits ? parts[part].first - 1 + number : kMaxFrames;
+        return static_cast<int>(std::clamp(frame, -kMaxFrames, kMaxFrames));
     };
-    if (wanted.isNumber()) return frameOf(call.vm.toInt(wanted));
+    if (wanted.isNumber() && wanted.isInt()) return numbered(wanted.number());
     const std::u16string text(call.vm.text(wanted));
-    if (clip.timeline != nullptr) {
-        const std::string label = toUtf8(text);
-        for (std::size_t i = 0; i < clip.timeline->frames.size(); ++i) {
-            if (clip.timeline->frames[i].label == label) return static_cast<int>(i) + 1;
-        }
+    const std::string label = toUtf8(text);
+    const auto names = namesOf(call, clip);
+    const bool givesScene = call.has(1) && !call.arg(1).isNullish();
+    const auto isIn = [&](const FrameName& name) {
+        return name.frame >= parts[part].first && name.frame < parts[part].first + parts[part].count;
+    };
+    for (const FrameName& name : names) {
+        if (name.name == label && isIn(name)) return name.frame;
+    }
+    for (const FrameName& name : names) {
+        if (name.name == label && !givesScene) return name.frame;
     }
     const double number = textNumber(text);
-    if (std::isfinite(number)) return frameOf(number);
+    if (std::isfinite(number) && number == std::trunc(number)) return numbered(number);
+    constexpr int kStrictVersion = 11;
+    if (call.vm.version < kStrictVersion) return 1;
     call.vm.throwError(ErrorClass::Argument, 2109,
                        u"Frame label " + text + u" not found in scene " + fromUtf8(parts[part].name) + u".");
 }
@@ -156,28 +189,35 @@ Value otherScene(Call& call)
 {
     auto& clip = self(call);
     const auto parts = scenesOf(call, clip);
-    const auto wanted = static_cast<std::ptrdiff_t>(currentPart(parts, clip)) + step;
-    if (wanted >= 0 && wanted < static_cast<std::ptrdiff_t>(parts.size()))
-        go(call, clip, parts[static_cast<std::size_t>(wanted)].first);
+    // Beyond either end the scene begins once more.
+    const auto now = static_cast<std::ptrdiff_t>(currentPart(parts, clip));
+    const auto wanted =
+        std::clamp<std::ptrdiff_t>(now + step, 0, static_cast<std::ptrdiff_t>(parts.size()) - 1);
+    go(call, clip, parts[static_cast<std::size_t>(wanted)].first);
     return {};
 }
 Value currentFrame(Call& call)
 {
+    if (self(call).timeline == nullptr) return 0;
     const auto parts = scenesOf(call, self(call));
     return std::max(1, self(call).frame) - parts[currentPart(parts, self(call))].first + 1;
 }
 Value totalFrames(Call& call) { return self(call).totalFrames(); }
 Value isPlaying(Call& call) { return self(call).isPlaying && self(call).totalFrames() > 1; }
+/// The last one up to the frame, within its scene; or the frame's own.
 Value label(Call& call, bool exactly)
 {
     auto& clip = self(call);
-    if (clip.timeline == nullptr) return Value::null();
-    for (int i = std::min<int>(clip.frame, static_cast<int>(clip.timeline->frames.size())) - 1; i >= 0; --i) {
-        const std::string& text = clip.timeline->frames[static_cast<std::size_t>(i)].label;
-        if (!text.empty()) return Value(call.vm.string(std::string_view(text)));
-        if (exactly) break;
+    const auto parts = scenesOf(call, clip);
+    const ScenePart& part = parts[currentPart(parts, clip)];
+    const FrameName* best = nullptr;
+    const auto names = namesOf(call, clip);
+    for (const FrameName& name : names) {
+        if (name.frame > clip.frame || name.frame < part.first) continue;
+        if (exactly && name.frame != clip.frame) continue;
+        if (best == nullptr || name.frame > best->frame) best = &name;
     }
-    return Value::null();
+    return best != nullptr ? Value(call.vm.string(std::string_view(best->name))) : Value::null();
 }
 Value currentLabel(Call& call) { return label(call, false); }
 Value currentFrameLabel(Call& call) { return label(call, true); }

@@ -3,6 +3,7 @@
 #include "flash/avm2/abc/Abc.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Loader.h"
+#include "flash/avm2/classes/ByteArray.h"
 #include "flash/avm2/classes/Library.h"
 
 #include <algorithm>
@@ -29,7 +30,8 @@ Player::Player(stage::Services services, PlayerInputs inputs)
 {
     m_vm->binding = this;
     m_vm->heap().addSweepHook([this] {
-        std::erase_if(m_listening, [](const DispatcherObject* object) { return !Heap::isMarked(object); });
+        for (auto& [type, list] : m_listening)
+            std::erase_if(list, [](const DispatcherObject* object) { return !Heap::isMarked(object); });
         std::erase_if(m_orphans, [](const DisplayObject* object) { return !Heap::isMarked(object); });
     });
 }
@@ -105,17 +107,40 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
             }
             auto* cls = as<ClassObject>(found);
             if (cls == nullptr) return;
-            if (movie.symbols.try_emplace(symbol.characterId, m_vm->heap(), cls).second &&
-                symbol.characterId != 0)
-                m_linked.try_emplace(cls, &movie, symbol.characterId);
+            // One for a character that there is none of is the movie's own.
+            const bool known = movie.movie->character(symbol.characterId) != nullptr;
+            const auto binary = movie.tags.binaries.find(symbol.characterId);
+            const std::uint16_t id = known || binary != movie.tags.binaries.end() ? symbol.characterId : 0;
+            if (!movie.symbols.try_emplace(id, m_vm->heap(), cls).second || id == 0) return;
+            m_linked.try_emplace(cls, &movie, id);
+            if (binary != movie.tags.binaries.end()) cls->allocate = &allocateBinary;
         });
     }
+}
+
+/// An array of bytes that the file holds.
+Object* Player::allocateBinary(Vm& vm, ClassObject& cls)
+{
+    auto* made = vm.heap().make<classes::ByteArrayObject>(cls.instances, cls.prototype);
+    const Player& player = of(vm);
+    for (const ClassObject* at = &cls; at != nullptr; at = at->base) {
+        const auto found = player.m_linked.find(at);
+        if (found == player.m_linked.end()) continue;
+        const auto& binaries = found->second.first->tags.binaries;
+        if (const auto bytes = binaries.find(found->second.second); bytes != binaries.end())
+            made->content.assign(bytes->second.begin(), bytes->second.end());
+        break;
+    }
+    return made;
 }
 
 ClassObject* Player::classOf(const stage::MoviePtr& movie, std::uint16_t characterId)
 {
     if (const LoadedMovie* known = loaded(movie)) {
-        if (ClassObject* cls = known->classOf(characterId)) return cls;
+        // A picture's class may be one of its pixels; what shows them is the player's.
+        ClassObject* cls = known->classOf(characterId);
+        const Traits* pixels = m_vm->nativeClass("flash.display::BitmapData")->instances;
+        if (cls != nullptr && !cls->instances->isA(pixels)) return cls;
     }
     const swf::Character* character = movie->character(characterId);
     if (character == nullptr) return nullptr;
@@ -169,12 +194,14 @@ void Player::begin()
     m_vm->guarded([&] {
         LoaderInfoObject* info = newLoaderInfo(*m_vm, main.url);
         main.loaderInfo = info;
-        // The stage has the same one, which is not told of what it holds.
-        m_stageObject->loaderInfo = Value(info);
+        // The stage has one of its own.
+        LoaderInfoObject* ofStage = newLoaderInfo(*m_vm, main.url);
+        ofStage->contentType = Value::null();
+        m_stageObject->loaderInfo = Value(ofStage);
     });
     m_vm->guarded([&] {
         if (makeRoot(main, m_stageObject.get()) == nullptr) return;
-        announce(*main.root, "added");
+        announce(*main.root, "added", Within::Untold);
     });
 }
 
@@ -203,6 +230,13 @@ DisplayObject* Player::makeRoot(LoadedMovie& movie, DisplayObject* parent)
     info->loaded = info->total = static_cast<double>(movie.movie->fileLength > 0 ? movie.movie->fileLength
                                                                                  : movie.movie->bytes.size());
     root->loaderInfo = Value(info);
+    if (auto* ofStage = parent != nullptr ? as<LoaderInfoObject>(parent->loaderInfo) : nullptr) {
+        ofStage->kind = info->kind;
+        ofStage->movie = info->movie;
+        ofStage->domain = info->domain;
+        ofStage->content = root;
+        ofStage->loaded = ofStage->total = info->total;
+    }
     if (parent != nullptr) parent->insertChild(*root, parent->children.size());
     showFrame(*root, 1, Move::Jump);
     root->isConstructed = true;

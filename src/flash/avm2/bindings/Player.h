@@ -73,6 +73,8 @@ public:
     DisplayObject* makeCharacter(const stage::MoviePtr& movie, std::uint16_t characterId);
     /// As a script asks for: with the events of a frame, unless the clip's own script runs.
     void goTo(DisplayObject& clip, int frame);
+    /// The phases of a frame from the construction on, within another.
+    void runNestedFrame(DisplayObject* clip);
     /// Calls the constructors of what the timeline has placed.
     void constructChildren(DisplayObject& parent);
     void constructAll(DisplayObject& object);
@@ -84,9 +86,14 @@ public:
         return m_stageObject && object.top() == m_stageObject.get();
     }
     void showButtonState(DisplayObject& button, DisplayObject::State state);
+    /// Makes what the states of a button of the file show, which have a frame of their own.
+    void makeButtonStates(DisplayObject& button);
+    /// The scripts of what has just come.
+    void runFirstFrame(DisplayObject& object) { runAllScripts(object); }
     /// Clips off the stage play as well.
     void noteOffStage(DisplayObject& object);
-    void noteListening(DispatcherObject& object);
+    /// It hears of an event of every frame, whether it is on the stage or not.
+    void noteListening(DispatcherObject& object, std::u16string_view type);
     /// The next drawing is told of by an event.
     void requestRender() { m_wantsRender = true; }
     std::u16string nextInstanceName();
@@ -112,12 +119,14 @@ public:
 
 private:
     enum class Move : std::uint8_t { Step, Jump };
+    static Object* allocateBinary(Vm& vm, ClassObject& cls);
     void begin();
     void loadScripts(LoadedMovie& movie, std::size_t frame);
     void readFrameScripts(LoadedMovie& movie, std::size_t frame);
     void advance(DisplayObject& clip);
     void showFrame(DisplayObject& clip, int frame, Move move);
     void jump(DisplayObject& clip, int frame);
+
     void removeGone(DisplayObject& clip);
     void placeNew(DisplayObject& clip, int after);
     void apply(DisplayObject& child, const Placed& entry);
@@ -126,7 +135,11 @@ private:
     void runFrameScripts(DisplayObject& clip);
     void runAllScripts(DisplayObject& object);
     void broadcast(std::string_view type);
-    void announce(DisplayObject& child, std::string_view type);
+    /// Tells of a child that came or goes.
+    enum class Within : std::uint8_t { Told, Untold };
+    void announce(DisplayObject& child, std::string_view type, Within within = Within::Told);
+    void construct(DisplayObject& child);
+    [[nodiscard]] static bool wouldContainItself(const DisplayObject& child, const DisplayObject& parent);
     void nameInParent(DisplayObject& parent, DisplayObject& child);
     template <class Work>
     void forOrphans(Work&& work);
@@ -139,7 +152,7 @@ private:
     std::vector<std::unique_ptr<LoadedMovie>> m_movies; ///< the main one first
     std::unordered_map<const ClassObject*, std::pair<LoadedMovie*, std::uint16_t>> m_linked;
     Root<DisplayObject> m_stageObject;
-    std::vector<DispatcherObject*> m_listening; ///< weak, as are these:
+    std::map<std::u16string, std::vector<DispatcherObject*>, std::less<>> m_listening; ///< weak, as are
     std::vector<DisplayObject*> m_orphans;
     std::vector<std::function<void()>> m_later;
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;

@@ -1,4 +1,5 @@
 #include "flash/avm2/bindings/Player.h"
+#include "flash/guard/Guard.h"
 #include "flash/stage/Graphics.h"
 
 #include <algorithm>
@@ -153,18 +154,21 @@ void Player::placeNew(DisplayObject& clip, int after)
         if (!m_stage->displayList().hasRoomIn(clip.node())) return;
         DisplayObject* child = makeCharacter(clip.movie, entry.characterId);
         if (child == nullptr) continue;
-        if (stage::DisplayList::wouldContainItself(child->node(), clip.node())) continue;
+        child->characterId = entry.characterId;
+        child->movie = clip.movie;
+        if (wouldContainItself(*child, clip)) continue;
         child->depth = depth;
         child->placedFrame = entry.frame;
         child->name = Value(m_vm->string(entry.name ? fromUtf8(*entry.name) : nextInstanceName()));
         kept.push_back(child);
-        std::size_t index = 0;
-        int nearest = 0;
+        // Before what the timeline has at the next depth above.
+        std::size_t index = clip.children.size();
+        int nearest = 0x10000;
         for (std::size_t i = 0; i < clip.children.size(); ++i) {
             const int other = clip.children[i]->depth;
-            if (other <= nearest || other >= depth) continue;
+            if (other <= depth || other >= nearest) continue;
             nearest = other;
-            index = i + 1;
+            index = i;
         }
         clip.insertChild(*child, index);
         apply(*child, entry);
@@ -195,20 +199,40 @@ void Player::constructChildren(DisplayObject& parent)
     for (std::size_t i = 0; i < children.size(); ++i) {
         DisplayObject& child = *children[i];
         if (child.isConstructed || child.isConstructing || child.parent != &parent) continue;
-        child.isConstructing = true;
-        ClassObject* cls = child.traits()->cls;
-        if (cls != nullptr && cls->constructor != nullptr)
-            m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(&child), {}); });
-        child.isConstructed = true;
-        child.isConstructing = false;
+        construct(child);
         if (child.parent != &parent) continue;
         nameInParent(parent, child);
-        announce(child, "added");
+        announce(child, "added", Within::Untold);
     }
 }
 
-/// Tells of a child that came or goes, and what is in it of the stage.
-void Player::announce(DisplayObject& child, std::string_view type)
+void Player::construct(DisplayObject& child)
+{
+    child.isConstructing = true;
+    const swf::Character* character = child.movie ? child.movie->character(child.characterId) : nullptr;
+    if (character != nullptr && std::holds_alternative<swf::Button>(character->data))
+        m_vm->guarded([&] { makeButtonStates(child); });
+    ClassObject* cls = child.traits()->cls;
+    if (cls != nullptr && cls->constructor != nullptr)
+        m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(&child), {}); });
+    child.isConstructed = true;
+    child.isConstructing = false;
+}
+
+bool Player::wouldContainItself(const DisplayObject& child, const DisplayObject& parent)
+{
+    for (const DisplayObject* at = &parent; at != nullptr; at = at->parent) {
+        if (child.characterId == 0 || at->characterId != child.characterId || at->movie != child.movie)
+            continue;
+        guard::refuse(guard::Bound::SelfContained, "Character " + std::to_string(child.characterId) +
+                                                       " contains itself; the inner one is left out");
+        return true;
+    }
+    return false;
+}
+
+/// What is in it hears of the stage, unless it has by now.
+void Player::announce(DisplayObject& child, std::string_view type, Within within)
 {
     m_vm->guarded([&] { fire(*m_vm, child, type, true); });
     if (!isOnStage(child)) return;
@@ -220,6 +244,7 @@ void Player::announce(DisplayObject& child, std::string_view type)
         pending->pop_back();
         if (!at->isConstructed) continue;
         if (isOnStage(*at)) m_vm->guarded([&] { fire(*m_vm, *at, ofStage); });
+        if (within == Within::Untold) return;
         for (std::size_t i = at->children.size(); i-- > 0;) pending.push_back(at->children[i]);
     }
 }
