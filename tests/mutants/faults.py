@@ -77,8 +77,8 @@ FAULTS = [
      "    case BlendMode::Alpha: return &keepAlpha;\n    case BlendMode::Erase: return &erase;",
      "    case BlendMode::Alpha: return &erase;\n    case BlendMode::Erase: return &keepAlpha;"),
     ("gradients that reflect repeat", "render", "flash/render/GradientPaint.cpp",
-     "    case swf::Gradient::Spread::Repeat: position &= kRampSize - 1; break;",
-     "    case swf::Gradient::Spread::Repeat: position = std::clamp(position, 0, kRampSize - 1); break;"),
+     "            entries[i] = std::min(at, kTwice - at);\n",
+     "            entries[i] = at & kLast;\n"),
     # ---- the player
     ("a movie refused once may ask again", "player", "player/PageQueue.cpp",
      "        m_refused.insert(kindOf(*m_current));\n", "        ;\n"),
