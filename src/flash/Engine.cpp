@@ -9,6 +9,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/net/FileSharedObjects.h"
 #include "flash/net/LocalLoader.h"
+#include "flash/net/MemorySharedObjects.h"
 #include "flash/render/Canvas.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/stage/Stage.h"
@@ -20,7 +21,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <map>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -32,35 +32,6 @@ namespace
 {
 
 constexpr std::uint64_t kMaxMovieBytes = 512ULL << 20;
-
-/// Shared objects that end with the engine.
-class MemoryStore : public stage::SharedObjectStore
-{
-public:
-    std::vector<std::uint8_t> read(std::string_view name) override
-    {
-        const auto found = m_objects.find(name);
-        return found == m_objects.end() ? std::vector<std::uint8_t>{} : found->second;
-    }
-    bool write(std::string_view name, const std::vector<std::uint8_t>& content) override
-    {
-        std::uint64_t used = content.size();
-        for (const auto& [other, bytes] : m_objects) used += other == name ? 0 : bytes.size();
-        const bool isNew = m_objects.find(name) == m_objects.end();
-        if (used > net::FileSharedObjects::kQuotaBytes ||
-            (isNew && m_objects.size() >= net::FileSharedObjects::kMaxObjects))
-            return false;
-        m_objects.insert_or_assign(std::string(name), content);
-        return true;
-    }
-    void remove(std::string_view name) override
-    {
-        if (const auto found = m_objects.find(name); found != m_objects.end()) m_objects.erase(found);
-    }
-
-private:
-    std::map<std::string, std::vector<std::uint8_t>, std::less<>> m_objects;
-};
 
 struct Source {
     std::filesystem::path path;
@@ -160,7 +131,7 @@ public:
     /// Leaves a closed engine, whatever state the movie is in.
     void endMovie(stage::HostEvents::EndCause cause, const std::string& why)
     {
-        renewStage(std::make_unique<MemoryStore>(), Scripts::None);
+        renewStage(std::make_unique<net::MemorySharedObjects>(), Scripts::None);
         loader.setTrusted({});
         if (!reserve) reserve.reset(new std::byte[kReserveBytes]);
         host.logLine("The movie was ended: " + why);
@@ -278,7 +249,7 @@ public:
     /// Given back where memory ends, so that there is some to end the movie with. Never written to.
     std::unique_ptr<std::byte[]> reserve{new std::byte[kReserveBytes]};
     MovieLoader loader;
-    std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
+    std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<net::MemorySharedObjects>();
     sound::SoundPlayer sound;
     std::unique_ptr<avm1::StageBinding> script; ///< null for a movie of ActionScript 3
     std::unique_ptr<avm2::Player> script3;
@@ -341,7 +312,7 @@ base::Result<void> Engine::Private::open(const std::string& address, std::option
                       trusted ? options.sharedFolder : std::filesystem::path());
     loader.setTrusted(trusted ? options.trustedFolder : std::filesystem::path());
     const auto& storage = options.storageFolder;
-    std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<MemoryStore>();
+    std::unique_ptr<stage::SharedObjectStore> store = std::make_unique<net::MemorySharedObjects>();
     if (!storage.empty()) {
         store = std::make_unique<net::FileSharedObjects>(storageOf(storage, source.path));
     }
@@ -387,7 +358,7 @@ base::Result<void> Engine::Private::openLevel(int level, const std::string& addr
 
 void Engine::close()
 {
-    d->watched([&] { d->renewStage(std::make_unique<MemoryStore>(), Private::Scripts::None); });
+    d->watched([&] { d->renewStage(std::make_unique<net::MemorySharedObjects>(), Private::Scripts::None); });
 }
 
 bool Engine::holdsOnlyTrusted() const { return d->loader.holdsOnlyTrusted(); }
