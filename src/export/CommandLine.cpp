@@ -1,12 +1,11 @@
 #include "export/CommandLine.h"
 
 #include "base/TextCode.h"
+#include "base/TextNumbers.h"
 #include "export/Formats.h"
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <ctime>
 #include <string_view>
 
 namespace exporter
@@ -60,6 +59,7 @@ namespace
 {
 
 using base::ErrorCode;
+using base::numberFromText;
 
 constexpr double kMsPerSecond = 1000;
 constexpr double kMaxSeconds = 48 * 3600.0;
@@ -71,19 +71,10 @@ tl::unexpected<base::Error> wrong(std::string_view option, std::string_view need
                                                 ", not \"" + std::string(value) + "\"");
 }
 
-std::optional<double> number(std::string_view text)
+std::optional<int> whole(std::string_view text, int max)
 {
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value))
-        return std::nullopt;
-    return value;
-}
-
-std::optional<int> whole(std::string_view text, int most)
-{
-    const auto value = number(text);
-    if (!value || *value < 1 || *value > most || *value != std::floor(*value)) return std::nullopt;
+    const auto value = numberFromText(text);
+    if (!value || *value < 1 || *value > max || *value != std::floor(*value)) return std::nullopt;
     return static_cast<int>(*value);
 }
 
@@ -97,28 +88,14 @@ std::optional<double> moment(std::string_view text)
     }
     double minutes = 0;
     if (const auto colon = text.find(':'); colon != std::string_view::npos) {
-        const auto before = number(text.substr(0, colon));
+        const auto before = numberFromText(text.substr(0, colon));
         if (!before || *before < 0 || *before != std::floor(*before)) return std::nullopt;
         minutes = *before;
         text = text.substr(colon + 1);
     }
-    const auto seconds = number(text);
+    const auto seconds = numberFromText(text);
     if (!seconds || *seconds < 0 || minutes * 60 + *seconds > kMaxSeconds) return std::nullopt;
     return (minutes * 60 + *seconds) * kMsPerSecond;
-}
-
-std::optional<double> localDate(const std::string& text)
-{
-    std::tm local{};
-    char rest = 0;
-    const int found = std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d%c", &local.tm_year, &local.tm_mon,
-                                  &local.tm_mday, &local.tm_hour, &local.tm_min, &local.tm_sec, &rest);
-    local.tm_year -= 1900;
-    local.tm_mon -= 1;
-    local.tm_isdst = -1;
-    const std::time_t seconds = found == 6 ? std::mktime(&local) : -1;
-    if (seconds == -1) return std::nullopt;
-    return kMsPerSecond * static_cast<double>(seconds);
 }
 
 std::optional<QSize> sizeOf(std::string_view text)
@@ -166,7 +143,7 @@ base::Result<void> take(Settings& settings, std::optional<End>& until, std::stri
         if (!size) return wrong(option, "a size like 1280x720, at most 8192 a side", value);
         settings.size = *size;
     } else if (option == "--scale") {
-        const auto scale = number(value);
+        const auto scale = numberFromText(value);
         if (!scale || *scale < 0.01 || *scale > 64) return wrong(option, "a number from 0.01 to 64", value);
         settings.scale = *scale;
     } else if (option == "--fps") {
@@ -188,7 +165,7 @@ base::Result<void> take(Settings& settings, std::optional<End>& until, std::stri
         if (!base::TextCode::named(value)) return wrong(option, "the name of a code", value);
         settings.textCode = value;
     } else if (option == "--date") {
-        settings.dateMs = localDate(value);
+        settings.dateMs = base::localTimeFromText(value);
         if (!settings.dateMs) return wrong(option, "a time like 2001-02-03T04:05:06", value);
     } else {
         return base::fail(ErrorCode::Malformed, "unknown option " + std::string(option));

@@ -1,12 +1,10 @@
 #include "Arguments.h"
 
 #include "base/TextCode.h"
+#include "base/TextNumbers.h"
 #include "flash/Engine.h"
 
-#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <ctime>
 #include <string_view>
 
 namespace flashrun
@@ -54,34 +52,23 @@ Exit status: 0 done, 1 the movie cannot be played, 2 wrong usage.
 namespace
 {
 
-base::Result<double> number(std::string_view option, std::string_view text, double least, double most)
+base::Result<double> number(std::string_view option, std::string_view text, double min, double max)
 {
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || !(value >= least && value <= most)) {
+    const auto value = base::numberFromText(text);
+    if (!value || !(*value >= min && *value <= max)) {
         return base::fail(base::ErrorCode::Malformed, std::string(option) + " needs a number from " +
-                                                          std::to_string(std::lround(least)) + " to " +
-                                                          std::to_string(std::lround(most)) + ", not \"" +
+                                                          std::to_string(std::lround(min)) + " to " +
+                                                          std::to_string(std::lround(max)) + ", not \"" +
                                                           std::string(text) + "\"");
     }
-    return value;
+    return *value;
 }
 
 base::Result<double> localDate(const std::string& text)
 {
-    std::tm local{};
-    char rest = 0;
-    const int found = std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d%c", &local.tm_year, &local.tm_mon,
-                                  &local.tm_mday, &local.tm_hour, &local.tm_min, &local.tm_sec, &rest);
-    local.tm_year -= 1900;
-    local.tm_mon -= 1;
-    local.tm_isdst = -1;
-    const std::time_t seconds = found == 6 ? std::mktime(&local) : -1;
-    if (found != 6 || seconds == -1) {
-        return base::fail(base::ErrorCode::Malformed,
-                          "--date needs a time like 2001-02-03T04:05:06, not \"" + text + "\"");
-    }
-    return 1000.0 * static_cast<double>(seconds);
+    if (const auto timeMs = base::localTimeFromText(text)) return *timeMs;
+    return base::fail(base::ErrorCode::Malformed,
+                      "--date needs a time like 2001-02-03T04:05:06, not \"" + text + "\"");
 }
 
 base::Result<flash::stage::Quality> qualityByName(std::string_view name)

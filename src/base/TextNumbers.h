@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Numbers and times as people write them on a command line.
+namespace base
+{
+
+/// @returns nothing for what is no finite number, or a number with something behind it.
+std::optional<double> numberFromText(std::string_view text);
+
+/// A local time like 2001-02-03T04:05:06. @returns milliseconds since 1970
+std::optional<double> localTimeFromText(const std::string& text);
+
+} // namespace base
