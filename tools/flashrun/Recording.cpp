@@ -2,8 +2,7 @@
 
 #include "base/Files.h"
 
-#include <algorithm>
-#include <cmath>
+#include <vector>
 
 namespace flashrun
 {
@@ -12,8 +11,7 @@ namespace
 {
 
 constexpr std::uint32_t kFrameBytes = 4;
-// The lengths in the file have 32 bits.
-constexpr double kMaxFrames = 0xFFFFFF00 / kFrameBytes;
+static_assert(sizeof(flash::sound::StereoFrame) == kFrameBytes);
 
 void append(std::vector<std::uint8_t>& out, std::uint32_t value, int bytes)
 {
@@ -27,23 +25,10 @@ void append(std::vector<std::uint8_t>& out, std::string_view text)
 
 } // namespace
 
-void Recording::take(flash::sound::Mixer& mixer, double ms)
+base::Result<void> writeSound(std::span<const flash::sound::StereoFrame> frames,
+                              const std::filesystem::path& file)
 {
-    m_owedFrames += std::max(ms, 0.0) * flash::sound::kMixRate / 1000;
-    const double whole = std::floor(m_owedFrames);
-    m_owedFrames -= whole;
-    const std::size_t before = m_frames.size();
-    m_tooLong = m_tooLong || static_cast<double>(before) + whole > kMaxFrames;
-    if (m_tooLong) return;
-    m_frames.resize(before + static_cast<std::size_t>(whole));
-    mixer.mix(std::span(m_frames).subspan(before));
-}
-
-base::Result<void> Recording::write(const std::filesystem::path& file) const
-{
-    if (m_tooLong)
-        return base::fail(base::ErrorCode::LimitReached, file.string() + ": a sound file ends at 4 GB");
-    const auto dataBytes = static_cast<std::uint32_t>(m_frames.size() * kFrameBytes);
+    const auto dataBytes = static_cast<std::uint32_t>(frames.size() * kFrameBytes);
     constexpr std::uint32_t kFormatBytes = 16, kHeadBytes = 36;
     std::vector<std::uint8_t> out;
     append(out, "RIFF");
@@ -58,7 +43,7 @@ base::Result<void> Recording::write(const std::filesystem::path& file) const
     append(out, 16, 2);
     append(out, "data");
     append(out, dataBytes, 4);
-    for (const auto& frame : m_frames) {
+    for (const auto& frame : frames) {
         append(out, static_cast<std::uint16_t>(frame.left), 2);
         append(out, static_cast<std::uint16_t>(frame.right), 2);
     }

@@ -1,28 +1,20 @@
 #pragma once
 
 #include "base/Result.h"
-#include "flash/sound/Mixer.h"
+#include "flash/sound/Samples.h"
 
 #include <filesystem>
-#include <vector>
+#include <span>
 
 namespace flashrun
 {
 
-/// What a movie lets be heard, kept to be written as a sound file; as much as one can hold.
-class Recording
-{
-public:
-    /// Pulls the next stretch of the movie's time from the mixer, which moves its sounds on.
-    void take(flash::sound::Mixer& mixer, double ms);
-    /// WAV, 16 bits, two channels.
-    /// @errors LimitReached when it went on for longer (some seven hours)
-    base::Result<void> write(const std::filesystem::path& file) const;
+/// The most that a sound file can hold, some seven hours.
+constexpr std::size_t kMaxSoundFrames = 0xFFFFFF00 / sizeof(flash::sound::StereoFrame);
 
-private:
-    std::vector<flash::sound::StereoFrame> m_frames;
-    double m_owedFrames = 0; // less than one
-    bool m_tooLong = false;
-};
+/// WAV, 16 bits, two channels.
+/// @param frames at most kMaxSoundFrames
+base::Result<void> writeSound(std::span<const flash::sound::StereoFrame> frames,
+                              const std::filesystem::path& file);
 
 } // namespace flashrun

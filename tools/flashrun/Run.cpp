@@ -4,10 +4,10 @@
 #include "Recording.h"
 #include "base/Files.h"
 #include "flash/Engine.h"
+#include "flash/Film.h"
 #include "flash/InputScript.h"
 #include "flash/avm2/abc/Abc.h"
 #include "flash/avm2/abc/Disassembly.h"
-#include "flash/sound/SoundPlayer.h"
 #include "flash/swf/Describe.h"
 #include "flash/swf/Disassembly.h"
 #include "flash/swf/ScriptTags.h"
@@ -19,6 +19,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
+#include <vector>
 
 namespace flashrun
 {
@@ -88,6 +90,19 @@ private:
     Commands m_commands;
 };
 
+flash::Engine::Options optionsOf(const Arguments& arguments)
+{
+    flash::Engine::Options options;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    options.startDateMs = arguments.dateMs.value_or(
+        static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
+    options.baseFolder = arguments.baseFolder;
+    options.collectAlways = arguments.collectAlways;
+    options.storageFolder = arguments.storageFolder;
+    options.textCode = arguments.textCode;
+    return options;
+}
+
 /// A movie that is played frame by frame, with input.
 class Player
 {
@@ -116,18 +131,8 @@ public:
     }
     void playFrame()
     {
-        play(frameMs());
+        m_engine.advance(frameMs());
         playInput();
-    }
-    /// Plays on for a part of a frame, or for as long as the arguments of trace say.
-    void play(double ms)
-    {
-        if (!m_recording) {
-            m_engine.advance(ms);
-            return;
-        }
-        m_recording->take(m_engine.sound().mixer(), ms);
-        m_engine.advance(ms, flash::Engine::SoundPace::Device);
     }
     void playAsLongAs(const Arguments& arguments)
     {
@@ -143,33 +148,17 @@ public:
             left -= frameMs();
             playFrame();
         }
-        if (framesLeft > 0 && left > kSlackMs) play(left);
+        if (framesLeft > 0 && left > kSlackMs) m_engine.advance(left);
     }
-    /// What is heard from now on goes there.
-    void recordTo(Recording& recording) { m_recording = &recording; }
 
 private:
     void playInput()
     {
         m_engine.act([this](flash::stage::Stage& stage) { m_input.playUpToWait(stage); });
     }
-    static flash::Engine::Options optionsOf(const Arguments& arguments)
-    {
-        flash::Engine::Options options;
-        const auto now = std::chrono::system_clock::now().time_since_epoch();
-        options.startDateMs = arguments.dateMs.value_or(
-            static_cast<double>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count()));
-        options.baseFolder = arguments.baseFolder;
-        options.collectAlways = arguments.collectAlways;
-        options.storageFolder = arguments.storageFolder;
-        options.textCode = arguments.textCode;
-        return options;
-    }
-
     Host& m_host;
     flash::Engine m_engine;
     flash::InputScript m_input;
-    Recording* m_recording = nullptr; // borrowed
 };
 
 base::Result<void> writePicture(flash::Engine& engine, const std::filesystem::path& file)
@@ -203,13 +192,27 @@ base::Result<void> trace(const Arguments& arguments)
 
 base::Result<void> record(const Arguments& arguments)
 {
-    Host host(Host::Traces::Dropped, Host::Quit::Ignored, Host::Commands::Hidden);
-    Player player(arguments, host);
-    Recording recording;
-    player.recordTo(recording);
-    CHECK_RESULT(player.open(arguments));
-    player.playAsLongAs(arguments);
-    return recording.write(arguments.out);
+    constexpr double kPieceMs = 1000;
+    flash::Film::Options options;
+    options.movie = arguments.movie;
+    options.engine = optionsOf(arguments);
+    options.input = arguments.input;
+    options.quality = arguments.quality;
+    const auto film = TRY_RESULT(flash::Film::open(std::move(options)));
+    double lengthMs = arguments.ms.value_or(std::numeric_limits<double>::max());
+    if (arguments.frames || !arguments.ms)
+        lengthMs = std::min(lengthMs, 1000 * (arguments.frames.value_or(1) - 1) / film->framesPerSecond());
+    std::vector<flash::sound::StereoFrame> heard;
+    for (double nowMs = 0; nowMs < lengthMs;) {
+        nowMs = std::min(nowMs + kPieceMs, lengthMs);
+        film->playTo(nowMs, heard);
+        if (heard.size() > kMaxSoundFrames)
+            return base::fail(base::ErrorCode::LimitReached,
+                              arguments.out.string() + ": a sound file ends at 4 GB");
+    }
+    if (!film->endedBecause().empty())
+        std::fprintf(stderr, "flashrun: the movie was ended: %s\n", film->endedBecause().c_str());
+    return writeSound(heard, arguments.out);
 }
 
 base::Result<void> render(const Arguments& arguments)
