@@ -103,6 +103,7 @@ private:
     void binaryAction(Tok op, Position where);
     void logical(const Expr* expr);
     void call(const Expr* expr);
+    void calledMethod(const Expr* callee);
     void newObject(const Expr* expr);
     void callArguments(const std::vector<Expr*>& list);
     void arrayLiteral(const Expr* expr);

@@ -246,6 +246,14 @@ void Compiler::call(const Expr* expr)
         return;
     }
     callArguments(expr->list);
+    calledMethod(callee);
+    m_asm.at(expr->where);
+    m_asm.op(Action::CallMethod);
+}
+
+/// What is called, as an object and the name of its method; a function itself has no name.
+void Compiler::calledMethod(const Expr* callee)
+{
     if (callee->kind == ExprKind::Member || callee->kind == ExprKind::Index) {
         value(callee->a);
         memberKey(callee);
@@ -253,8 +261,6 @@ void Compiler::call(const Expr* expr)
         value(callee);
         m_asm.push(UndefinedValue{});
     }
-    m_asm.at(expr->where);
-    m_asm.op(Action::CallMethod);
 }
 
 void Compiler::newObject(const Expr* expr)
@@ -270,13 +276,7 @@ void Compiler::newObject(const Expr* expr)
             return;
         }
     }
-    if (callee->kind == ExprKind::Member || callee->kind == ExprKind::Index) {
-        value(callee->a);
-        memberKey(callee);
-    } else {
-        value(callee);
-        m_asm.push(UndefinedValue{});
-    }
+    calledMethod(callee);
     m_asm.at(expr->where);
     m_asm.op(Action::NewMethod);
 }

@@ -158,18 +158,28 @@ void forEachVersionedName(std::u16string_view list, const Define& define)
     }
 }
 
+/// The arguments of the two functions below: object, table, names and, when not the first, where to begin.
+/// Calls `define(object, name, table, index, flags)` for each name.
+template <typename Define>
+void forEachNumberedName(Call& call, std::int32_t step, const Define& define)
+{
+    Vm& vm = call.vm;
+    Object* object = call.arg(0).asObject();
+    if (object == nullptr) return;
+    const std::int32_t table = toInt32(vm, call.arg(1));
+    std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
+    forEachVersionedName(toText(vm, call.arg(2)), [&](std::u16string_view name, std::uint16_t flags) {
+        define(*object, vm.name(name), table, index, flags);
+        index += step;
+    });
+}
+
 /// ASSetNative(object, table, names, first): puts numbered functions on an object under the given names.
 Value setNative(Call& call)
 {
     Vm& vm = call.vm;
-    Object* object = call.arg(0).asObject();
-    if (object == nullptr) return {};
-    const std::int32_t table = toInt32(vm, call.arg(1));
-    std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
-    forEachVersionedName(toText(vm, call.arg(2)), [&](std::u16string_view name, std::uint16_t flags) {
-        if (Function* function = vm.nativeByNumber(table, index))
-            object->define(vm, vm.name(name), function, flags);
-        ++index;
+    forEachNumberedName(call, 1, [&vm](Object& object, Name name, int table, int index, std::uint16_t flags) {
+        if (Function* function = vm.nativeByNumber(table, index)) object.define(vm, name, function, flags);
     });
     return {};
 }
@@ -178,14 +188,9 @@ Value setNative(Call& call)
 Value setNativeAccessor(Call& call)
 {
     Vm& vm = call.vm;
-    Object* object = call.arg(0).asObject();
-    if (object == nullptr) return {};
-    const std::int32_t table = toInt32(vm, call.arg(1));
-    std::int32_t index = call.count() > 3 ? toInt32(vm, call.arg(3)) : 0;
-    forEachVersionedName(toText(vm, call.arg(2)), [&](std::u16string_view name, std::uint16_t flags) {
+    forEachNumberedName(call, 2, [&vm](Object& object, Name name, int table, int index, std::uint16_t flags) {
         if (Function* getter = vm.nativeByNumber(table, index))
-            object->defineAccessor(vm, vm.name(name), getter, vm.nativeByNumber(table, index + 1), flags);
-        index += 2;
+            object.defineAccessor(vm, name, getter, vm.nativeByNumber(table, index + 1), flags);
     });
     return {};
 }

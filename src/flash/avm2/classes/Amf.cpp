@@ -53,17 +53,29 @@ std::uint32_t denseLength(Vm& vm, ArrayObject& array)
 
 /// What the writers of both versions share. Accessors run while they write, so that what they were given is
 /// held, and written to the byte array at the end only.
+template <class Output>
 class Writer
 {
 public:
-    explicit Writer(Vm& vm) : m_vm(vm), m_kept(vm.heap()) {}
+    Writer(Vm& vm, Output& out) : m_vm(vm), m_out(out), m_kept(vm.heap()) {}
+    virtual ~Writer() = default;
 
-protected:
-    void enter(int depth)
+    void value(Value value, int depth = 0)
     {
         if (depth > kMaxNesting) m_vm.throwError(ErrorClass::Error, 1023, "Stack overflow occurred.");
         m_vm.check();
+        switch (value.type()) {
+        case Value::Type::Undefined: m_out.undefined(); return;
+        case Value::Type::Null: m_out.null(); return;
+        case Value::Type::Boolean: m_out.boolean(value.boolean()); return;
+        case Value::Type::Number: m_out.numberValue(value.number()); return;
+        case Value::Type::String: m_out.text(toUtf8(value.string()->view())); return;
+        case Value::Type::Object: object(value.object(), depth);
+        }
     }
+
+protected:
+    virtual void object(Object* object, int depth) = 0;
     /// @returns what tells this object from others while the writer lives
     const void* identity(Object* object)
     {
@@ -83,29 +95,19 @@ protected:
     }
 
     Vm& m_vm;
+    Output& m_out;
+
+private:
     RootedList<Value> m_kept;
 };
 
-class Writer3 : private Writer
+class Writer3 final : public Writer<net::Amf3Writer>
 {
 public:
-    Writer3(Vm& vm, net::Amf3Writer& out) : Writer(vm), m_out(out) {}
-
-    void value(Value value, int depth = 0)
-    {
-        enter(depth);
-        switch (value.type()) {
-        case Value::Type::Undefined: m_out.undefined(); return;
-        case Value::Type::Null: m_out.null(); return;
-        case Value::Type::Boolean: m_out.boolean(value.boolean()); return;
-        case Value::Type::Number: m_out.numberValue(value.number()); return;
-        case Value::Type::String: m_out.text(toUtf8(value.string()->view())); return;
-        case Value::Type::Object: object(value.object(), depth);
-        }
-    }
+    using Writer::Writer;
 
 private:
-    void object(Object* object, int depth)
+    void object(Object* object, int depth) override
     {
         const Value value(object);
         const void* id = identity(object);
@@ -172,30 +174,15 @@ private:
         });
         m_out.end();
     }
-
-    net::Amf3Writer& m_out;
 };
 
-class Writer0 : private Writer
+class Writer0 final : public Writer<net::Amf0Writer>
 {
 public:
-    Writer0(Vm& vm, net::Amf0Writer& out) : Writer(vm), m_out(out) {}
-
-    void value(Value value, int depth = 0)
-    {
-        enter(depth);
-        switch (value.type()) {
-        case Value::Type::Undefined: m_out.undefined(); return;
-        case Value::Type::Null: m_out.null(); return;
-        case Value::Type::Boolean: m_out.boolean(value.boolean()); return;
-        case Value::Type::Number: m_out.numberValue(value.number()); return;
-        case Value::Type::String: m_out.text(toUtf8(value.string()->view())); return;
-        case Value::Type::Object: object(value.object(), depth);
-        }
-    }
+    using Writer::Writer;
 
 private:
-    void object(Object* object, int depth)
+    void object(Object* object, int depth) override
     {
         const Value value(object);
         if (object->isCallable()) return m_out.undefined();
@@ -232,8 +219,6 @@ private:
         if (object->isDynamic()) eachVisible(object, 0, member);
         m_out.end();
     }
-
-    net::Amf0Writer& m_out;
 };
 
 /// The bytes of a script's array, from its position on.
