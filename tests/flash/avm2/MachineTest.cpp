@@ -84,12 +84,12 @@ TEST(Verifier, RefusesWhatWouldReachOutsideItsFrame)
         {"pop of an empty stack", [](AbcBuilder& b) { b.op(Op::pop).op(Op::returnvoid); }, 1024},
         {"more values than stated",
          [](AbcBuilder& b) {
-             b.maxStack = 1;
+             b.method().maxStack = 1;
              b.byte(1).byte(2).op(Op::returnvoid);
          },
          1023},
         {"register beyond the frame",
-         [](AbcBuilder& b) { b.op(Op::getlocal, 8).op(Op::pop).op(Op::returnvoid); }, 1025},
+         [](AbcBuilder& b) { b.op(Op::getlocal, 12).op(Op::pop).op(Op::returnvoid); }, 1025},
         {"text beyond the pool",
          [](AbcBuilder& b) { b.op(Op::pushstring, 99).op(Op::pop).op(Op::returnvoid); }, 1032},
         {"jump into an instruction",
@@ -104,7 +104,7 @@ TEST(Verifier, RefusesWhatWouldReachOutsideItsFrame)
         {"handler beyond the code",
          [](AbcBuilder& b) {
              b.op(Op::returnvoid);
-             b.handlers.push_back({0, 1, 50});
+             b.method().handlers.push_back({0, 1, 50});
          },
          1054},
     };
@@ -146,7 +146,7 @@ TEST(Interpreter, CatchesWhatItsRangeThrows)
     b.op(Op::pushnull).op(Op::getproperty, b.name("x")).op(Op::pop);
     const auto to = static_cast<std::uint32_t>(b.position());
     b.op(Op::returnvoid);
-    b.handlers.push_back({from, to, static_cast<std::uint32_t>(b.position())});
+    b.method().handlers.push_back({from, to, static_cast<std::uint32_t>(b.position())});
     b.trace().op(Op::returnvoid);
     EXPECT_EQ(run(b.build()).out,
               "TypeError: Error #1009: Cannot access a property or method of a null object reference.\n");
