@@ -195,7 +195,7 @@ Value Vm::runFrame(MethodEnv& env, Value* window, std::uint32_t given, Object* c
         else if (i >= code->minArguments)
             value = env.unit->constant(*this, env.info().optionals[i - code->minArguments]);
         Traits* type = code->parameterTypes[i];
-        if (type == nullptr || (value.isObject() && value.object()->traits() == type))
+        if (type == nullptr || fitsType(value, type))
             window[i + 1] = value;
         else
             window[i + 1] = coerce(value, type);

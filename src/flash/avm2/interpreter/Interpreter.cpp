@@ -1,8 +1,10 @@
 #include "flash/avm2/interpreter/Interpreter.h"
 
 #include "flash/avm2/interpreter/Collections.h"
+#include "flash/avm2/interpreter/Unit.h"
 #include "flash/vm/Numbers.h"
 
+#include <bit>
 #include <cmath>
 
 // The loop over the register form: one label for each instruction, each jumps to the next one's.
@@ -17,11 +19,15 @@ std::uint32_t unsignedBits(Value value) { return static_cast<std::uint32_t>(valu
 Value rawValue(std::uint32_t value) { return vm::Value::fromBits(value); }
 Value rawValue(std::int32_t value) { return vm::Value::fromBits(static_cast<std::uint32_t>(value)); }
 
-/// Of a number.
+/// What arithmetic makes of numbers is one: no NaN of its own lies among the patterns of other values.
+Value computed(double number) { return vm::Value::fromBits(std::bit_cast<std::uint64_t>(number)); }
+
+/// The 32 bits of a number.
 std::int32_t narrow(double number)
 {
-    if (number >= -2147483648.0 && number <= 2147483647.0) [[likely]]
-        return static_cast<std::int32_t>(number);
+    constexpr double kLongs = 9.2e18;
+    if (std::fabs(number) < kLongs) [[likely]]
+        return static_cast<std::int32_t>(static_cast<std::int64_t>(number));
     return vm::toInt32(number);
 }
 
@@ -90,10 +96,10 @@ do_LoadInt:
     D = rawValue(ip->a);
     NEXT;
 do_BoxInt:
-    D = Value(bits(B));
+    D = computed(bits(B));
     NEXT;
 do_BoxUint:
-    D = Value(unsignedBits(B));
+    D = computed(unsignedBits(B));
     NEXT;
 do_UnboxInt:
     D = rawValue(narrow(B.number()));
@@ -125,10 +131,17 @@ do_CoerceString:
         D = vm.coerceString(B);
     }
     NEXT;
-do_CoerceType:
+do_CoerceType : {
+    Traits* type = nullptr;
+    if (f.unit->typeIfKnown(static_cast<std::uint32_t>(ip->a), type) &&
+        (type == nullptr || fitsType(B, type))) {
+        D = B;
+        NEXT;
+    }
     MARK;
     D = vm.coerce(B, f.unit->type(vm, static_cast<std::uint32_t>(ip->a)));
     NEXT;
+}
 do_CoerceObject:
     D = B.isUndefined() ? Value::null() : B;
     NEXT;
@@ -185,13 +198,13 @@ do_UshrIK:
     D = rawValue(unsignedBits(B) >> (static_cast<std::uint32_t>(ip->c) & 31U));
     NEXT;
 do_AddII:
-    D = Value(static_cast<double>(bits(B)) + static_cast<double>(bits(C)));
+    D = computed(static_cast<double>(bits(B)) + static_cast<double>(bits(C)));
     NEXT;
 do_SubII:
-    D = Value(static_cast<double>(bits(B)) - static_cast<double>(bits(C)));
+    D = computed(static_cast<double>(bits(B)) - static_cast<double>(bits(C)));
     NEXT;
 do_MulII:
-    D = Value(static_cast<double>(bits(B)) * static_cast<double>(bits(C)));
+    D = computed(static_cast<double>(bits(B)) * static_cast<double>(bits(C)));
     NEXT;
 do_MulToI : {
     const std::int64_t product = std::int64_t{bits(B)} * bits(C);
@@ -204,43 +217,44 @@ do_MulToI : {
 }
 do_ModII : {
     const std::int32_t a = bits(B), b = bits(C);
-    D = a >= 0 && b > 0 ? Value(a % b) : Value(std::fmod(static_cast<double>(a), static_cast<double>(b)));
+    D = a >= 0 && b > 0 ? computed(a % b)
+                        : computed(std::fmod(static_cast<double>(a), static_cast<double>(b)));
     NEXT;
 }
 
 do_AddN:
-    D = Value(B.number() + C.number());
+    D = computed(B.number() + C.number());
     NEXT;
 do_SubN:
-    D = Value(B.number() - C.number());
+    D = computed(B.number() - C.number());
     NEXT;
 do_MulN:
-    D = Value(B.number() * C.number());
+    D = computed(B.number() * C.number());
     NEXT;
 do_DivN:
-    D = Value(B.number() / C.number());
+    D = computed(B.number() / C.number());
     NEXT;
 do_ModN:
-    D = Value(std::fmod(B.number(), C.number()));
+    D = computed(std::fmod(B.number(), C.number()));
     NEXT;
 do_NegN:
-    D = Value(-B.number());
+    D = computed(-B.number());
     NEXT;
 do_AddNK:
-    D = Value(B.number() + constants[ip->c].number());
+    D = computed(B.number() + constants[ip->c].number());
     NEXT;
 do_SubNK:
-    D = Value(B.number() - constants[ip->c].number());
+    D = computed(B.number() - constants[ip->c].number());
     NEXT;
 do_MulNK:
-    D = Value(B.number() * constants[ip->c].number());
+    D = computed(B.number() * constants[ip->c].number());
     NEXT;
 do_DivNK:
-    D = Value(B.number() / constants[ip->c].number());
+    D = computed(B.number() / constants[ip->c].number());
     NEXT;
 do_AddV:
     if (B.isNumber() && C.isNumber()) {
-        D = Value(B.number() + C.number());
+        D = computed(B.number() + C.number());
     } else {
         MARK;
         D = vm.add(B, C);
@@ -406,6 +420,17 @@ do_GetProp : {
     NEXT;
 }
 do_SetProp:
+    if (Object* const object = B.asObject(); object != nullptr) {
+        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
+        if (cache.traits == object->traits() && cache.binding.kind == Binding::Kind::Slot) {
+            const auto slot = static_cast<std::uint32_t>(cache.binding.id);
+            const TypeRef& type = cache.traits->slotTypes[slot];
+            if (type.unit == nullptr && (type.resolved == nullptr || fitsType(C, type.resolved))) {
+                object->setSlot(slot, C);
+                NEXT;
+            }
+        }
+    }
     MARK;
     setCached(B, *ip, C);
     NEXT;
@@ -477,12 +502,20 @@ do_CallEarly : {
     NEXT;
 }
 do_PushScope:
-    MARK;
-    pushScope(B, false);
+    if (B.isObject()) [[likely]] {
+        f.scopes[f.scopeCount] = B;
+        f.withMask &= ~(std::uint64_t{1} << f.scopeCount);
+        ++f.scopeCount;
+        f.chain = nullptr;
+    } else {
+        MARK;
+        pushScope(B, false);
+    }
     NEXT;
 do_Return:
     return B;
 do_ReturnCoerced:
+    if (fitsType(B, f.code->returnType)) return B;
     MARK;
     return vm.coerce(B, f.code->returnType);
 do_ReturnVoid:

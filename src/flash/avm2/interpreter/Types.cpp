@@ -55,7 +55,8 @@ Traits* settledType(Vm& vm, Unit& unit, std::uint32_t index, bool& known)
         return nullptr;
     // Classes of the player run nothing when they are made; their names cannot be taken by a movie's.
     Value found;
-    if (!vm.findNative(unit.multiname(index), found)) return nullptr;
+    if (!vm.findNative(unit.multiname(index), found))
+        found = unit.domain()->madeAlready(unit.multiname(index));
     auto* cls = as<ClassObject>(found);
     known = cls != nullptr;
     return known ? cls->instances : nullptr;

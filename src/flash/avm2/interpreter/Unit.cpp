@@ -251,6 +251,19 @@ Object* Domain::find(Vm& vm, const Multiname& name)
     return known == nullptr ? nullptr : known->unit->script(vm, known->script);
 }
 
+Value Domain::madeAlready(const Multiname& name) const
+{
+    if (parent != nullptr) {
+        if (const Value made = parent->madeAlready(name); !made.isUndefined()) return made;
+    }
+    const Definition* known = definition(name);
+    Object* global = known != nullptr ? known->unit->scriptIfMade(known->script) : nullptr;
+    const Binding* binding = global != nullptr ? global->traits()->find(name) : nullptr;
+    if (binding == nullptr || (binding->kind != Binding::Kind::Const && binding->kind != Binding::Kind::Slot))
+        return {};
+    return global->slot(static_cast<std::uint32_t>(binding->id));
+}
+
 bool Domain::lookUp(Vm& vm, std::u16string_view text, Value& result)
 {
     if (const auto open = text.find(u".<"); open != std::u16string_view::npos && text.back() == u'>') {

@@ -50,6 +50,8 @@ public:
     /// The same, without running anything.
     Object* scriptObject(Vm& vm, std::uint32_t index);
     void runAllScripts(Vm& vm);
+    /// The global object of a script, as far as there is one.
+    [[nodiscard]] Object* scriptIfMade(std::uint32_t index) const { return m_scripts[index].global; }
     /// The verified code of a method, null before.
     Code*& codeOf(std::uint32_t method) { return m_codes[method]; }
     MethodEnv* method(Vm& vm, std::uint32_t index, ScopeChain* scope);
@@ -82,6 +84,8 @@ public:
     Object* find(Vm& vm, const Multiname& name);
     /// @returns whether a definition is there, running nothing.
     [[nodiscard]] bool knows(const Multiname& name) const;
+    /// @returns what a definition holds by now, running nothing; undefined when that is not known
+    [[nodiscard]] Value madeAlready(const Multiname& name) const;
     /// By a dotted or qualified name: `flash.display.Sprite`, `flash.display::Sprite`, `Vector.<int>`.
     /// @returns whether there is one
     bool lookUp(Vm& vm, std::u16string_view text, Value& result);
