@@ -56,6 +56,7 @@ void Player::broadcast(std::string_view type)
 void Player::frameEnded()
 {
     if (m_vm->isDisabled()) return;
+    tellFinishedSounds();
     if (!m_hasBegun) {
         begin();
     } else if (root() != nullptr) {

@@ -37,6 +37,11 @@ std::span<const NativeLibrary> bindingsLibrary()
         fileLibrary(),
         socketLibrary(),
         sharedObjectLibrary(),
+        textFormatLibrary(),
+        styleSheetLibrary(),
+        fontLibrary(),
+        soundLibrary(), textFieldLibrary(), xmlNodeLibrary(),
+        soundMixerLibrary(),
     };
     return kLibraries;
 }

@@ -23,6 +23,13 @@ NativeLibrary netLoadingLibrary(); ///< what fetches addresses
 NativeLibrary netPeerLibrary();    ///< connections
 NativeLibrary socketLibrary();
 NativeLibrary sharedObjectLibrary();
+NativeLibrary textFormatLibrary();
+NativeLibrary styleSheetLibrary();
+NativeLibrary textFieldLibrary();
+NativeLibrary xmlNodeLibrary(); ///< flash.xml
+NativeLibrary soundLibrary();
+NativeLibrary soundMixerLibrary();
+NativeLibrary fontLibrary(); ///< and the lists of constants around texts
 NativeLibrary fileLibrary(); ///< files that a user would choose
 
 } // namespace flash::avm2

@@ -42,6 +42,7 @@ Player::~Player()
     m_timers.clear();
     m_localConnections.clear();
     m_sharedObjects.clear();
+    m_sounds.clear();
     m_later.clear();
     m_linked.clear();
     m_movies.clear();

@@ -114,6 +114,13 @@ public:
     std::map<std::u16string, Root<Object>>& localConnections() { return m_localConnections; }
     /// Those that are open, by the name that the store knows.
     std::map<std::string, Root<Object>>& sharedObjects() { return m_sharedObjects; }
+    /// Embedded ones that texts find: those of the movie that have classes, and those that were registered.
+    [[nodiscard]] std::vector<std::pair<stage::MoviePtr, std::uint16_t>> fonts() const;
+    void registerFont(const stage::MoviePtr& movie, std::uint16_t id);
+    /// The channel hears when the sound has ended.
+    void watchSound(std::uint64_t id, Object& channel);
+    void unwatchSound(std::uint64_t id);
+    int soundBufferTime = 5; ///< seconds; what scripts set, no more
     /// Writes those that have changed.
     void saveSharedObjects();
 
@@ -144,6 +151,7 @@ private:
     template <class Work>
     void forOrphans(Work&& work);
     void syncHost();
+    void tellFinishedSounds();
 
     stage::Services m_services;
     PlayerInputs m_inputs;
@@ -158,6 +166,8 @@ private:
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
     std::map<std::u16string, Root<Object>> m_localConnections;
     std::map<std::string, Root<Object>> m_sharedObjects;
+    std::map<std::uint64_t, Root<Object>> m_sounds; ///< channels, by what plays
+    std::vector<std::pair<stage::MoviePtr, std::uint16_t>> m_registeredFonts;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;
     int m_nesting = 0; ///< of frames that scripts' jumps run
     bool m_hasBegun = false, m_wantsRender = false, m_hostPlays = true;

@@ -1,0 +1,302 @@
+#include "flash/avm2/bindings/Sounds.h"
+
+#include "flash/avm2/bindings/Fields.h"
+#include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/bindings/NetLoading.h"
+#include "flash/avm2/bindings/Player.h"
+#include "flash/avm2/classes/ByteArray.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace flash::avm2
+{
+
+using classes::allocateNative;
+using classes::selfAs;
+using Kind = NativeMember::Kind;
+
+const swf::Sound* SoundObject::symbolSound() const
+{
+    const swf::Character* character = movie && symbol != 0 ? movie->character(symbol) : nullptr;
+    return character != nullptr ? std::get_if<swf::Sound>(&character->data) : nullptr;
+}
+
+namespace
+{
+
+SoundObject& self(Call& call) { return selfAs<SoundObject>(call, "flash.media.Sound"); }
+SoundChannelObject& channelSelf(Call& call)
+{
+    return selfAs<SoundChannelObject>(call, "flash.media.SoundChannel");
+}
+stage::SoundSystem& system(Vm& vm) { return Player::of(vm).stage().services().sound; }
+
+[[noreturn]] void throwSequence(Vm& vm)
+{
+    vm.throwError(ErrorClass::Io, 2037,
+                  "Functions called in incorrect sequence, or earlier call was unsuccessful.");
+}
+
+double lengthMs(Vm& vm, const SoundObject& sound)
+{
+    if (const swf::Sound* symbol = sound.symbolSound()) return system(vm).durationMs(*symbol);
+    return sound.file ? system(vm).fileDurationMs(*sound.file) : 0;
+}
+
+// ---- playing ----
+
+/// @returns whether anything plays
+bool begin(Vm& vm, SoundObject& sound, SoundChannelObject& channel, double startMs, std::uint16_t loops)
+{
+    swf::SoundInfo info;
+    constexpr double kSamplesPerMs = 44.1, kMaxStartMs = 1e8;
+    if (startMs > 0 && startMs < kMaxStartMs)
+        info.inPoint = static_cast<std::uint32_t>(startMs * kSamplesPerMs);
+    info.loops = loops;
+    if (const swf::Sound* symbol = sound.symbolSound())
+        channel.id = system(vm).playSound(nullptr, sound.movie, sound.symbol, *symbol, info);
+    else if (sound.file)
+        channel.id = system(vm).playFile(nullptr, sound.file, info);
+    if (channel.id == 0) return false;
+    system(vm).setSoundTransform(channel.id, channel.transform);
+    Player::of(vm).watchSound(channel.id, channel);
+    return true;
+}
+
+Value play(Call& call)
+{
+    Vm& vm = call.vm;
+    auto& sound = self(call);
+    double startMs = call.has(0) ? vm.toNumber(call.arg(0)) : 0;
+    if (std::isnan(startMs)) startMs = 0;
+    const int loops = call.has(1) ? vm.toInt(call.arg(1)) : 0;
+    Object* transform = call.has(2) ? objectArg(call, 2, "flash.media::SoundTransform") : nullptr;
+    if (sound.isEmpty()) vm.throwError(ErrorClass::Argument, 2068, "Invalid sound.");
+    constexpr int kMaxLoops = 65535;
+    const auto times = static_cast<std::uint16_t>(std::clamp(loops, 1, kMaxLoops));
+    auto* channel =
+        as<SoundChannelObject>(Value(vm.instantiate(vm.nativeClass("flash.media::SoundChannel"))));
+    Root<Object> keep(vm.heap(), channel);
+    if (transform != nullptr) channel->transform = soundTransformOf(vm, Value(transform));
+    if (sound.isLoading) {
+        constexpr std::size_t kMaxWaiting = 64;
+        if (sound.waiting.size() >= kMaxWaiting) return Value::null();
+        sound.waiting.push_back({channel, startMs, times});
+        return Value(channel);
+    }
+    // What begins after the end does not begin.
+    const double length = lengthMs(vm, sound);
+    if (length > 0 && startMs >= length) return Value::null();
+    return begin(vm, sound, *channel, startMs, times) ? Value(channel) : Value::null();
+}
+
+// ---- loading ----
+
+void loaded(Vm& vm, SoundObject& sound, const base::Result<stage::LoadAnswer>& answer)
+{
+    const std::uint32_t turn = sound.turn;
+    const auto step = [&](auto&& work) {
+        if (turn == sound.turn) vm.guarded(work);
+    };
+    sound.isLoading = false;
+    if (!answer) {
+        sound.waiting.clear();
+        step([&] {
+            fireWith(vm, sound, "flash.events::IOErrorEvent", "ioError",
+                     {Value(vm.string(std::u16string_view(u"Error #2032: Stream Error"))), Value(2032)});
+        });
+        return;
+    }
+    sound.file = std::make_shared<const std::vector<std::uint8_t>>(answer->bytes);
+    sound.url = fromUtf8(answer->url);
+    const auto size = static_cast<double>(answer->bytes.size());
+    const auto waiting = std::exchange(sound.waiting, {});
+    RootedList<SoundChannelObject*> channels(vm.heap());
+    for (const SoundObject::Waiting& entry : waiting) channels.push_back(entry.channel);
+    for (std::size_t i = 0; i < waiting.size(); ++i) {
+        if (!channels[i]->isStopped) begin(vm, sound, *channels[i], waiting[i].startMs, waiting[i].loops);
+    }
+    step([&] { fire(vm, sound, "open"); });
+    step([&] { fireWith(vm, sound, "flash.events::ProgressEvent", "progress", {Value(size), Value(size)}); });
+    step([&] { fire(vm, sound, "complete"); });
+}
+
+Value load(Call& call)
+{
+    Vm& vm = call.vm;
+    auto& sound = self(call);
+    auto request = requestArg(call, 0);
+    if (!request) return {};
+    if (!sound.isEmpty()) throwSequence(vm);
+    sound.isLoading = true;
+    sound.url = fromUtf8(request->url);
+    auto target = std::make_shared<Root<SoundObject>>(vm.heap(), &sound);
+    Player::of(vm).stage().loads().fetch(
+        std::move(*request),
+        [&vm, target, turn = ++sound.turn](const base::Result<stage::LoadAnswer>& answer) {
+            if (!vm.isDisabled() && target->get()->turn == turn) loaded(vm, *target->get(), answer);
+        });
+    return {};
+}
+Value close(Call& call)
+{
+    auto& sound = self(call);
+    if (!sound.isLoading)
+        call.vm.throwError(ErrorClass::Io, 2029, "This URLStream object does not have a stream opened.");
+    sound.isLoading = false;
+    ++sound.turn;
+    sound.waiting.clear();
+    return {};
+}
+Value loadCompressed(Call& call)
+{
+    auto* bytes = as<classes::ByteArrayObject>(Value(objectArg(call, 0, "flash.utils::ByteArray")));
+    const std::uint32_t count = call.vm.toUint(call.arg(1));
+    auto& sound = self(call);
+    if (bytes == nullptr) throwNullParameter(call.vm, "bytes");
+    if (!sound.isEmpty()) throwSequence(call.vm);
+    const auto taken = bytes->read(call.vm, count);
+    sound.file = std::make_shared<const std::vector<std::uint8_t>>(taken.begin(), taken.end());
+    return {};
+}
+Value construct(Call& call)
+{
+    auto& made = self(call);
+    made.symbol = Player::of(call.vm).characterOf(made.traits()->cls, made.movie);
+    if (made.symbolSound() == nullptr) made.symbol = 0;
+    return call.has(0) && !call.arg(0).isNullish() ? load(call) : Value();
+}
+
+Value bytesTotal(Call& call)
+{
+    auto& sound = self(call);
+    if (const swf::Sound* symbol = sound.symbolSound()) return static_cast<double>(symbol->data.size());
+    return sound.file ? static_cast<double>(sound.file->size()) : 0.0;
+}
+Value soundLength(Call& call) { return lengthMs(call.vm, self(call)); }
+Value url(Call& call)
+{
+    auto& sound = self(call);
+    return sound.url.empty() ? Value::null() : Value(call.vm.string(sound.url));
+}
+Value id3(Call& call)
+{
+    auto& sound = self(call);
+    if (sound.id3.isNull() && sound.file)
+        sound.id3 = call.vm.construct(Value(call.vm.nativeClass("flash.media::ID3Info")), {});
+    return sound.id3;
+}
+Value isBuffering(Call& call) { return self(call).isLoading; }
+/// What sounds are made of is not given out.
+Value extract(Call& call)
+{
+    if (objectArg(call, 0, "flash.utils::ByteArray") == nullptr) throwNullParameter(call.vm, "target");
+    Player::of(call.vm).log("Sound.extract is not supported");
+    return 0;
+}
+
+// ---- channels ----
+
+Value position(Call& call)
+{
+    auto& channel = channelSelf(call);
+    if (channel.id != 0) channel.lastMs = system(call.vm).positionMs(channel.id);
+    return channel.lastMs;
+}
+Value stopChannel(Call& call)
+{
+    auto& channel = channelSelf(call);
+    channel.isStopped = true;
+    if (channel.id == 0) return {};
+    channel.lastMs = system(call.vm).positionMs(channel.id);
+    system(call.vm).stopSound(channel.id);
+    Player::of(call.vm).unwatchSound(channel.id);
+    channel.id = 0;
+    return {};
+}
+Value peak(Call&) { return 0; }
+Value channelTransform(Call& call) { return makeSoundTransform(call.vm, channelSelf(call).transform); }
+Value setChannelTransform(Call& call)
+{
+    Object* given = objectArg(call, 0, "flash.media::SoundTransform");
+    if (given == nullptr) throwNullParameter(call.vm, "soundTransform");
+    auto& channel = channelSelf(call);
+    channel.transform = soundTransformOf(call.vm, Value(given));
+    if (channel.id != 0) system(call.vm).setSoundTransform(channel.id, channel.transform);
+    return {};
+}
+Value refuseConstruction(Call& call)
+{
+    call.vm.throwError(ErrorClass::Argument, 2012,
+                       std::u16string(call.vm.traitsOf(call.self)->name.view()) +
+                           u"$ class cannot be instantiated.");
+}
+
+constexpr NativeMember kSound[] = {
+    {"play", Kind::Method, &play, 0, 3},
+    {"load", Kind::Method, &load, 1, 2},
+    {"close", Kind::Method, &close, 0, 0},
+    {"extract", Kind::Method, &extract, 2, 3},
+    {"loadCompressedDataFromByteArray", Kind::Method, &loadCompressed, 2, 2},
+    {"bytesLoaded", Kind::Getter, &bytesTotal, 0, 0, nullptr, "uint"},
+    {"bytesTotal", Kind::Getter, &bytesTotal, 0, 0, nullptr, "int"},
+    {"length", Kind::Getter, &soundLength, 0, 0, nullptr, "Number"},
+    {"url", Kind::Getter, &url, 0, 0, nullptr, "String"},
+    {"id3", Kind::Getter, &id3, 0, 0, nullptr, "flash.media::ID3Info"},
+    {"isBuffering", Kind::Getter, &isBuffering, 0, 0, nullptr, "Boolean"},
+    {"isURLInaccessible", Kind::Getter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
+};
+constexpr NativeMember kChannel[] = {
+    {"stop", Kind::Method, &stopChannel, 0, 0},
+    {"position", Kind::Getter, &position, 0, 0, nullptr, "Number"},
+    {"leftPeak", Kind::Getter, &peak, 0, 0, nullptr, "Number"},
+    {"rightPeak", Kind::Getter, &peak, 0, 0, nullptr, "Number"},
+    {"soundTransform", Kind::Getter, &channelTransform, 0, 0, &setChannelTransform,
+     "flash.media::SoundTransform"},
+};
+
+constexpr NativeClass kClasses[] = {
+    {.package = "flash.media",
+     .name = "Sound",
+     .base = "flash.events::EventDispatcher",
+     .flags = NativeClass::Sealed,
+     .constructor = &construct,
+     .minArguments = 0,
+     .maxArguments = 2,
+     .allocate = &allocateNative<SoundObject>,
+     .members = kSound},
+    {.package = "flash.media",
+     .name = "SoundChannel",
+     .base = "flash.events::EventDispatcher",
+     .flags = NativeClass::Sealed | NativeClass::Final,
+     .constructor = &refuseConstruction,
+     .allocate = &allocateNative<SoundChannelObject>,
+     .members = kChannel},
+};
+
+} // namespace
+
+void Player::watchSound(std::uint64_t id, Object& channel)
+{
+    m_sounds.try_emplace(id, m_vm->heap(), &channel);
+}
+void Player::unwatchSound(std::uint64_t id) { m_sounds.erase(id); }
+
+void Player::tellFinishedSounds()
+{
+    for (const stage::SoundId id : m_services.sound.takeFinished()) {
+        const auto found = m_sounds.find(id);
+        if (found == m_sounds.end()) continue;
+        Root<SoundChannelObject> channel(m_vm->heap(), static_cast<SoundChannelObject*>(found->second.get()));
+        m_sounds.erase(found);
+        channel->lastMs = m_services.sound.positionMs(id);
+        channel->id = 0;
+        m_vm->guarded([&] { fire(*m_vm, *channel, "soundComplete"); });
+    }
+}
+
+NativeLibrary soundLibrary() { return {kClasses, {}}; }
+
+} // namespace flash::avm2
