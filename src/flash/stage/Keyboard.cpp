@@ -40,7 +40,7 @@ bool Keyboard::offerPress(int keyPressCode)
 
 bool Keyboard::isHeard()
 {
-    if (m_asked || m_stage.script().hasKeyListeners()) return true;
+    if (m_asked || m_stage.script().keepsClips() || m_stage.script().hasKeyListeners()) return true;
     if (Node* focus = m_stage.focus().node(); focus && focus->usesKeys()) return true;
     const auto& levels = m_stage.displayList().levels();
     return std::any_of(levels.begin(), levels.end(),
@@ -79,6 +79,12 @@ void Keyboard::press(int keyCode, char32_t charCode)
     m_lastCode = keyCode;
     m_lastCharacter = static_cast<int>(charCode);
     noteDown(keyCode);
+    if (m_stage.script().keepsClips()) {
+        m_taken = false;
+        m_stage.script().keyPressed(keyCode, charCode);
+        m_stage.queue().run();
+        return;
+    }
     tell(Event::KeyDown);
     constexpr int kTab = 9, kEnter = 13, kShift = 16, kSpace = 32;
     // Whoever waits for the key takes it from the field that is typed into, and from what has the focus.
@@ -107,6 +113,11 @@ void Keyboard::release(int keyCode, char32_t charCode)
     m_lastCode = keyCode;
     m_lastCharacter = static_cast<int>(charCode);
     noteUp(keyCode);
+    if (m_stage.script().keepsClips()) {
+        m_stage.script().keyReleased(keyCode, charCode);
+        m_stage.queue().run();
+        return;
+    }
     tell(Event::KeyUp);
 }
 

@@ -59,6 +59,8 @@ void Pointer::forget(const Node& node)
 {
     if (m_dragged.get() == &node) m_dragged.reset();
     if (m_dropTarget == &node) m_dropTarget = nullptr;
+    if (m_dropNode == &node) m_dropNode = nullptr;
+    if (m_lastDragged == &node) m_lastDragged = nullptr;
     if (m_over.get() == &node || m_pressed.get() == &node) noteLost(node);
     if (m_over.get() == &node) m_over.reset();
     if (m_pressed.get() == &node) m_pressed.reset();
@@ -71,6 +73,8 @@ void Pointer::forgetAll()
     m_lost.reset();
     m_dragged.reset();
     m_dropTarget = nullptr;
+    m_dropNode = nullptr;
+    m_lastDragged = nullptr;
 }
 
 void Pointer::noteLost(const Node& node)
@@ -143,7 +147,7 @@ void Pointer::update()
 
 void Pointer::frameEnded()
 {
-    if (m_isInside) update();
+    if (m_isInside && !m_stage.script().keepsClips()) update();
 }
 
 void Pointer::updateCursor()
@@ -183,6 +187,11 @@ void Pointer::move(double x, double y)
     if (m_position != before) m_overByFocus = false;
     if (m_stage.focus().hidesAtEveryMove()) m_stage.focus().show(false);
     if (m_dragged) moveDragged();
+    if (m_stage.script().keepsClips()) {
+        m_stage.script().pointerMoved();
+        m_stage.queue().run();
+        return;
+    }
     m_stage.queue().addEventEverywhere(Event::MouseMove);
     m_stage.queue().run();
     m_stage.script().broadcastMouse(Event::MouseMove);
@@ -199,6 +208,12 @@ void Pointer::press(double x, double y, MouseButton button, int clicks)
     if (button == MouseButton::Left || (button == MouseButton::Right && m_stage.focus().hidesAtEveryMove()))
         m_stage.focus().show(false);
     m_stage.keyboard().noteDown(keyOf(button));
+    if (m_stage.script().keepsClips()) {
+        m_isDown = m_isDown || button == MouseButton::Left;
+        m_stage.script().pointerPressed(button, clicks);
+        m_stage.queue().run();
+        return;
+    }
     if (button != MouseButton::Left) return;
     m_overByFocus = false;
     m_isDown = true;
@@ -238,6 +253,12 @@ void Pointer::release(double x, double y, MouseButton button)
     if (point != m_position) move(x, y);
     if (button != MouseButton::Middle && m_stage.focus().hidesAtEveryMove()) m_stage.focus().show(false);
     m_stage.keyboard().noteUp(keyOf(button));
+    if (m_stage.script().keepsClips()) {
+        m_isDown = m_isDown && button != MouseButton::Left;
+        m_stage.script().pointerReleased(button);
+        m_stage.queue().run();
+        return;
+    }
     if (button != MouseButton::Left) return;
     m_stage.queue().addEventEverywhere(Event::MouseUp);
     m_stage.queue().run();
@@ -276,6 +297,11 @@ void Pointer::followPressedLink(TextField& field)
 
 void Pointer::wheel(int lines)
 {
+    if (m_stage.script().keepsClips()) {
+        m_stage.script().wheelTurned(lines);
+        m_stage.queue().run();
+        return;
+    }
     m_stage.script().broadcastWheel(lines, topNodeAt(m_position));
     m_stage.queue().run();
     const NodePtr target = targetAt(m_position);
@@ -286,6 +312,11 @@ void Pointer::wheel(int lines)
 void Pointer::leave()
 {
     m_isInside = false;
+    if (m_stage.script().keepsClips()) {
+        m_stage.script().pointerLeft();
+        m_stage.queue().run();
+        return;
+    }
     update();
 }
 
@@ -324,6 +355,8 @@ void Pointer::moveDragged()
     clip.setX(x);
     clip.setY(y);
     Node* below = topNodeAt(m_position, &clip);
+    m_dropNode = below;
+    m_lastDragged = &clip;
     m_dropTarget = below ? (asClip(below) ? asClip(below) : below->parentClip()) : nullptr;
 }
 

@@ -36,7 +36,11 @@ public:
     void leave();
 
     [[nodiscard]] swf::Point position() const { return m_position; } ///< stage twips
+    [[nodiscard]] bool isInside() const { return m_isInside; }
+    [[nodiscard]] bool isDown() const { return m_isDown; } ///< the left button
     [[nodiscard]] Cursor cursor() const { return m_cursor; }
+    /// For hosts that look after the pointer themselves.
+    void setCursor(Cursor cursor) { m_cursor = m_visible ? cursor : Cursor::Hidden; }
     void setVisible(bool visible);
     [[nodiscard]] bool isVisible() const { return m_visible; }
     /// Looks what is under the pointer after a frame, which may have moved anything.
@@ -59,6 +63,9 @@ public:
     void stopDrag();
     [[nodiscard]] Clip* dragged() const { return m_dragged.get(); }
     [[nodiscard]] Clip* dropTarget() const { return m_dropTarget; }
+    /// What was dragged last, and what it was over; only to be compared with what lives.
+    [[nodiscard]] const Clip* lastDragged() const { return m_lastDragged; }
+    [[nodiscard]] const Node* dropNode() const { return m_dropNode; }
 
     /// A node leaves the stage.
     void forget(const Node& node);
@@ -97,6 +104,8 @@ private:
     std::optional<DragLimits> m_dragLimits;
     swf::Point m_dragOffset; ///< twips, parent space
     Clip* m_dropTarget = nullptr;
+    const Node* m_dropNode = nullptr; ///< forgotten when it leaves
+    const Clip* m_lastDragged = nullptr;
 };
 
 } // namespace flash::stage

@@ -10,6 +10,7 @@ namespace flash::stage
 class Node;
 class TextField;
 class Button;
+enum class MouseButton : std::uint8_t;
 
 /// What happens to an instance, in the order of the bits that files have for clip actions. Most have a
 /// handler name in script.
@@ -50,6 +51,18 @@ public:
     virtual bool keepsClips() { return false; }
     /// The host wants such a movie's root to show a frame (index).
     virtual void showRootFrame(int /*frame*/) {}
+
+    // What the user does is told to such a host alone; the instances under the pointer do nothing by
+    // themselves. Where the pointer is, and which keys are down, is known by then.
+    virtual void pointerMoved() {}
+    virtual void pointerPressed(MouseButton, int /*clicks*/) {}
+    virtual void pointerReleased(MouseButton) {}
+    virtual void wheelTurned(int /*lines*/) {}
+    virtual void pointerLeft() {}
+    virtual void keyPressed(int /*keyCode*/, char32_t /*charCode*/) {}
+    virtual void keyReleased(int /*keyCode*/, char32_t /*charCode*/) {}
+    /// A text is typed into a field. @returns whether it goes there
+    virtual bool takesText(TextField&, std::u16string_view /*text*/) { return true; }
 
     /// Runs one compiled block with `target` as `this`. `movie` owns the block and gives its version.
     virtual void runActions(Clip& /*target*/, const MoviePtr& /*movie*/, const swf::ActionBlock&) {}

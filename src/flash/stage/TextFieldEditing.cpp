@@ -85,7 +85,8 @@ Cursor TextField::cursorAt(swf::Point stagePoint) { return linkAt(stagePoint) ? 
 
 void TextField::focusGained()
 {
-    if (!m_hasSelection) select(0, m_content.size());
+    // Where scripts keep the clips, what was selected last is selected again.
+    if (!m_hasSelection && !m_stage.script().keepsClips()) select(0, m_content.size());
 }
 
 void TextField::focusLost()
@@ -115,7 +116,7 @@ bool TextField::accepts(char16_t character) const
 
 void TextField::type(std::u16string_view text)
 {
-    if (!isInput()) return;
+    if (!isInput() || text.empty() || !m_stage.script().takesText(*this, text)) return;
     std::u16string accepted;
     for (char16_t c : text) {
         if (c == u'\n') c = u'\r';

@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 
@@ -64,6 +65,8 @@ Value setState(Call& call)
 }
 
 constexpr NativeMember kButton[] = {
+    {"soundTransform", Kind::Getter, &interactive::ownerTransform, 0, 0, &interactive::setOwnerTransform,
+     "flash.media::SoundTransform"},
     {"upState", Kind::Getter, &getState<State::Up>, 0, 0, &setState<State::Up>,
      "flash.display::DisplayObject"},
     {"overState", Kind::Getter, &getState<State::Over>, 0, 0, &setState<State::Over>,
@@ -81,7 +84,7 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 0,
      .maxArguments = 4,
      .members = kButton,
-     .slots = "enabled:Boolean=true useHandCursor:Boolean=true trackAsMenu:Boolean soundTransform:*"},
+     .slots = "enabled:Boolean=true useHandCursor:Boolean=true trackAsMenu:Boolean"},
 };
 
 } // namespace

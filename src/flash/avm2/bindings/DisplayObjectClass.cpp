@@ -1,4 +1,5 @@
 #include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/Interactive.h"
 
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Graphics.h"
@@ -377,8 +378,6 @@ Value setHitArea(Call& call)
         object.clip()->setHitArea(object.hitArea != nullptr ? &object.hitArea->node() : nullptr);
     return {};
 }
-Value nothing(Call&) { return Value::null(); }
-Value ignore(Call&) { return {}; }
 
 constexpr NativeMember kDisplay[] = {
     {"addEventListener", Kind::Method, &addListener, 2, 5},
@@ -417,18 +416,26 @@ constexpr NativeMember kDisplay[] = {
 };
 constexpr NativeMember kSprite[] = {
     {"graphics", Kind::Getter, &graphics},
-    {"startDrag", Kind::Method, &ignore, 0, 2},
-    {"stopDrag", Kind::Method, &ignore, 0, 0},
-    {"dropTarget", Kind::Getter, &nothing},
+    {"startDrag", Kind::Method, &interactive::startDrag, 0, 2},
+    {"stopDrag", Kind::Method, &interactive::stopDrag, 0, 0},
+    {"dropTarget", Kind::Getter, &interactive::dropTarget, 0, 0, nullptr, "flash.display::DisplayObject"},
+    {"soundTransform", Kind::Getter, &interactive::ownerTransform, 0, 0, &interactive::setOwnerTransform,
+     "flash.media::SoundTransform"},
     {"hitArea", Kind::Getter, &hitArea, 0, 0, &setHitArea, "flash.display::Sprite"},
+};
+constexpr NativeMember kInteractive[] = {
+    {"tabEnabled", Kind::Getter, &interactive::tabEnabled, 0, 0, &interactive::setTabEnabled, "Boolean"},
+    {"tabIndex", Kind::Getter, &interactive::tabIndex, 0, 0, &interactive::setTabIndex, "int"},
+    {"focusRect", Kind::Getter, &interactive::focusRect, 0, 0, &interactive::setFocusRect, "Object"},
 };
 constexpr NativeMember kShape[] = {{"graphics", Kind::Getter, &graphics}};
 /// What nothing here acts on. Depth and turns out of the plane are kept as they are told.
 constexpr std::string_view kDisplaySlots =
     "accessibilityProperties:* z:Number scaleZ:Number=1 rotationX:Number rotationY:Number rotationZ:Number "
     "metaData:Object blendShader:*";
-constexpr std::string_view kInteractiveSlots = "mouseEnabled:Boolean=true doubleClickEnabled:Boolean "
-                                               "tabEnabled:Boolean tabIndex:int=-1 focusRect:* contextMenu:*";
+constexpr std::string_view kInteractiveSlots =
+    "mouseEnabled:Boolean=true doubleClickEnabled:Boolean "
+    "contextMenu:* needsSoftKeyboard:Boolean softKeyboardInputAreaOfInterest:*";
 
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
@@ -449,6 +456,7 @@ constexpr NativeClass kClasses[] = {
      .constructor = &refuseDisplayConstruction,
      .minArguments = 0,
      .maxArguments = 0,
+     .members = kInteractive,
      .slots = kInteractiveSlots},
     {.package = "flash.display",
      .name = "Sprite",
@@ -458,7 +466,7 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 0,
      .maxArguments = 0,
      .members = kSprite,
-     .slots = "buttonMode:Boolean useHandCursor:Boolean=true soundTransform:*"},
+     .slots = "buttonMode:Boolean useHandCursor:Boolean=true"},
     {.package = "flash.display",
      .name = "Shape",
      .base = "flash.display::DisplayObject",
@@ -477,17 +485,6 @@ constexpr NativeClass kClasses[] = {
      .base = "flash.display::DisplayObject",
      .flags = NativeClass::Sealed,
      .constructor = &refuseDisplayConstruction},
-    {.package = "flash.text",
-     .name = "TextField",
-     .base = "flash.display::InteractiveObject",
-     .flags = NativeClass::Sealed,
-     .constructor = &constructDisplay,
-     .minArguments = 0,
-     .maxArguments = 0,
-     .slots = "text:String= htmlText:String= textColor:uint multiline:Boolean wordWrap:Boolean "
-              "selectable:Boolean=true border:Boolean background:Boolean "
-              "autoSize:String=none type:String=dynamic defaultTextFormat:* embedFonts:Boolean maxChars:int "
-              "displayAsPassword:Boolean"},
     {.package = "flash.media",
      .name = "Video",
      .base = "flash.display::DisplayObject",

@@ -40,7 +40,9 @@ std::span<const NativeLibrary> bindingsLibrary()
         textFormatLibrary(),
         styleSheetLibrary(),
         fontLibrary(),
-        soundLibrary(), textFieldLibrary(), xmlNodeLibrary(),
+        soundLibrary(),
+        textFieldLibrary(),
+        xmlNodeLibrary(),
         soundMixerLibrary(),
     };
     return kLibraries;

@@ -29,6 +29,7 @@ Player::Player(stage::Services services, PlayerInputs inputs)
       m_stageObject(m_vm->heap()), m_random(m_inputs.randomSeed)
 {
     m_vm->binding = this;
+    m_input = std::make_unique<Input>(*this, m_vm->heap());
     m_vm->heap().addSweepHook([this] {
         for (auto& [type, list] : m_listening)
             std::erase_if(list, [](const DispatcherObject* object) { return !Heap::isMarked(object); });
@@ -43,6 +44,7 @@ Player::~Player()
     m_localConnections.clear();
     m_sharedObjects.clear();
     m_sounds.clear();
+    m_input.reset();
     m_later.clear();
     m_linked.clear();
     m_movies.clear();

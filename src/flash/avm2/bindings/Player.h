@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/Input.h"
 #include "flash/avm2/bindings/LoadedMovie.h"
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Stage.h"
@@ -33,6 +34,7 @@ public:
     [[nodiscard]] stage::Stage& stage() { return *m_stage; }
     [[nodiscard]] stage::Services& services() { return m_services; }
     [[nodiscard]] const PlayerInputs& inputs() const { return m_inputs; }
+    [[nodiscard]] Input& input() { return *m_input; }
 
     // ---- Host ----
     void trace(std::u16string_view text) override;
@@ -48,6 +50,17 @@ public:
     bool keepsClips() override { return true; }
     void showRootFrame(int frame) override;
     void frameEnded() override;
+    void pointerMoved() override;
+    void pointerPressed(stage::MouseButton button, int clicks) override;
+    void pointerReleased(stage::MouseButton button) override;
+    void wheelTurned(int lines) override;
+    void pointerLeft() override;
+    void keyPressed(int keyCode, char32_t charCode) override;
+    void keyReleased(int keyCode, char32_t charCode) override;
+    void focusChanged(stage::Node* before, stage::Node* now) override;
+    void textChanged(stage::TextField& field) override;
+    void textScrolled(stage::TextField& field) override;
+    bool takesText(stage::TextField& field, std::u16string_view text) override;
     double nextTimerMs() override;
     void runTimers(double nowMs) override;
     void movieReplaced() override;
@@ -157,6 +170,7 @@ private:
     PlayerInputs m_inputs;
     stage::Stage* m_stage = nullptr;
     std::unique_ptr<Vm> m_vm;
+    std::unique_ptr<Input> m_input;
     std::vector<std::unique_ptr<LoadedMovie>> m_movies; ///< the main one first
     std::unordered_map<const ClassObject*, std::pair<LoadedMovie*, std::uint16_t>> m_linked;
     Root<DisplayObject> m_stageObject;

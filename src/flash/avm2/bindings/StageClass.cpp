@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 
@@ -155,6 +156,8 @@ Value ignore(Call&) { return {}; }
 Value one(Call&) { return 1; }
 
 constexpr NativeMember kStage[] = {
+    {"focus", Kind::Getter, &interactive::stageFocus, 0, 0, &interactive::setStageFocus,
+     "flash.display::InteractiveObject"},
     {"scaleMode", Kind::Getter, &scaleMode, 0, 0, &setScaleMode, "String"},
     {"align", Kind::Getter, &align, 0, 0, &setAlign, "String"},
     {"quality", Kind::Getter, &quality, 0, 0, &setQuality, "String"},
@@ -181,7 +184,7 @@ constexpr NativeClass kClasses[] = {
      .flags = NativeClass::Sealed,
      .constructor = &refuseDisplayConstruction,
      .members = kStage,
-     .slots = "focus:* stageFocusRect:Boolean=true fullScreenSourceRect:* colorCorrection:String=default "
+     .slots = "stageFocusRect:Boolean=true fullScreenSourceRect:* colorCorrection:String=default "
               "stage3Ds:* stageVideos:* mouseLock:Boolean"},
 };
 

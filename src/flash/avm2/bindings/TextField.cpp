@@ -215,7 +215,8 @@ Value setRendering(Call& call)
 {
     const double value = call.vm.toNumber(call.arg(0));
     fieldSelf(call).rendering.*member =
-        std::isnan(value) ? value : std::clamp(value, -static_cast<double>(bound), static_cast<double>(bound));
+        std::isnan(value) ? value
+                          : std::clamp(value, -static_cast<double>(bound), static_cast<double>(bound));
     return {};
 }
 Value sharpness(Call& call) { return fieldSelf(call).rendering.sharpness; }
@@ -330,8 +331,8 @@ constexpr NativeMember kProperties[] = {
     {"restrict", Kind::Getter, &restrictText, 0, 0, &setRestrict, "String"},
     {"scrollH", Kind::Getter, &scrollH, 0, 0, &setScrollH, "int"},
     {"scrollV", Kind::Getter, &scrollV, 0, 0, &setScrollV, "int"},
-    {"selectable", Kind::Getter, &getMember<&TextField::selectable>, 0, 0,
-     &setMember<&TextField::selectable>, "Boolean"},
+    {"selectable", Kind::Getter, &getMember<&TextField::selectable>, 0, 0, &setMember<&TextField::selectable>,
+     "Boolean"},
     {"sharpness", Kind::Getter, &sharpness, 0, 0, &setRendering<&TextField::Rendering::sharpness, 400>,
      "Number"},
     {"styleSheet", Kind::Getter, &styleSheet, 0, 0, &setStyleSheet, "flash.text::StyleSheet"},
@@ -354,7 +355,8 @@ stage::TextField& fieldSelf(Call& call)
 {
     DisplayObject& object = displaySelf(call);
     if (object.node().kind() != stage::NodeKind::TextField)
-        call.vm.throwError(ErrorClass::Type, 1034, "Type Coercion failed: cannot convert to flash.text.TextField.");
+        call.vm.throwError(ErrorClass::Type, 1034,
+                           "Type Coercion failed: cannot convert to flash.text.TextField.");
     return static_cast<TextField&>(object.node());
 }
 

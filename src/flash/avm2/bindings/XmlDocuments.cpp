@@ -123,7 +123,8 @@ enum DocumentSlot : std::uint8_t { Declaration, Doctype, IdMap, IgnoreWhite };
     };
     const auto* fault = std::ranges::find(kFaults, status, &Fault::status);
     if (fault != std::end(kFaults)) vm.throwError(ErrorClass::Error, fault->number, fault->text);
-    vm.throwError(ErrorClass::Error, 1088, "The markup in the document following the root element must be well-formed.");
+    vm.throwError(ErrorClass::Error, 1088,
+                  "The markup in the document following the root element must be well-formed.");
 }
 
 class Reader
@@ -160,7 +161,7 @@ public:
                 else if (m_vm.text(m_open->name) != token.text)
                     return net::XmlStatus::StartWithoutEnd;
                 else
-                    m_open = m_open->parent, --m_depth;
+                    end();
                 break;
             case Kind::Finish:
                 return m_open == &m_document ? net::XmlStatus::Ok : net::XmlStatus::StartWithoutEnd;
@@ -191,10 +192,17 @@ private:
                          Value(node));
         }
         if (token.kind != net::XmlToken::Kind::Start) return;
-        if (m_depth < kMaxDepth)
-            m_open = node, ++m_depth;
-        else
+        if (m_depth >= kMaxDepth) {
             ++m_tooDeep;
+            return;
+        }
+        m_open = node;
+        ++m_depth;
+    }
+    void end()
+    {
+        m_open = m_open->parent;
+        --m_depth;
     }
 
     Vm& m_vm;

@@ -81,12 +81,12 @@ void appendNode(Vm& vm, std::u16string& out, XmlNodeObject& node, int depth)
         if (!node.value.isNullish()) appendEscaped(out, std::u16string(vm.text(node.value)));
         return;
     }
-    const std::u16string name =
-        node.name.isNullish() ? std::u16string() : std::u16string(vm.text(node.name));
+    const std::u16string name = node.name.isNullish() ? std::u16string() : std::u16string(vm.text(node.name));
     if (!name.empty()) {
         out += u'<' + name;
         if (Object* attributes = node.attributes.asObject()) {
-            for (std::uint32_t at = attributes->nextIndex(vm, 0); at != 0; at = attributes->nextIndex(vm, at)) {
+            for (std::uint32_t at = attributes->nextIndex(vm, 0); at != 0;
+                 at = attributes->nextIndex(vm, at)) {
                 const std::u16string key(vm.text(attributes->nextName(vm, at)));
                 const std::u16string value(vm.text(attributes->nextValue(vm, at)));
                 out += u' ' + key + u"=\"";

@@ -1,0 +1,317 @@
+#include "flash/avm2/bindings/Input.h"
+
+#include "flash/avm2/bindings/Fields.h"
+#include "flash/avm2/bindings/Player.h"
+#include "flash/stage/TextField.h"
+
+#include <algorithm>
+
+namespace flash::avm2
+{
+
+namespace
+{
+
+constexpr std::string_view kInteractive = "flash.display::InteractiveObject",
+                           kContainer = "flash.display::DisplayObjectContainer",
+                           kSprite = "flash.display::Sprite", kButton = "flash.display::SimpleButton";
+constexpr int kMaxDepth = 1000; // of nested objects that are looked at
+// Key codes.
+constexpr int kShift = 16, kControl = 17, kAlternate = 18;
+
+stage::TextField* fieldOf(DisplayObject* object)
+{
+    const bool is = object != nullptr && object->node().kind() == stage::NodeKind::TextField;
+    return is ? static_cast<stage::TextField*>(&object->node()) : nullptr;
+}
+
+struct ButtonNames {
+    std::string_view down, up, click;
+};
+/// By MouseButton.
+constexpr ButtonNames kButtonNames[] = {{"mouseDown", "mouseUp", "click"},
+                                        {"middleMouseDown", "middleMouseUp", "middleClick"},
+                                        {"rightMouseDown", "rightMouseUp", "rightClick"}};
+
+} // namespace
+
+bool Input::isKind(DisplayObject& object, std::string_view cls)
+{
+    ClassObject* wanted = m_player.vm().nativeClass(cls);
+    return wanted != nullptr && object.traits()->isA(wanted->instances);
+}
+
+bool Input::flag(DisplayObject& object, std::string_view cls, std::string_view name)
+{
+    Vm& vm = m_player.vm();
+    ClassObject* owner = vm.nativeClass(cls);
+    const Binding* binding = owner->instances->find(vm.publicName(name));
+    return binding != nullptr && vm.toBoolean(vm.getBinding(Value(&object), *binding));
+}
+
+bool Input::isDown(int keyCode) { return m_player.stage().keyboard().isDown(keyCode); }
+
+// ---- what is under the pointer ----
+
+/// The topmost thing that is drawn at a point decides. What is none of the user's business itself (a shape)
+/// stands for its parent. What does not want the mouse lets those below it have it, and its parent when
+/// there are none.
+Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& target, int depth)
+{
+    stage::Node& node = object.node();
+    if (depth > kMaxDepth || (!object.isStage && !node.isVisible()) || node.maskee() != nullptr)
+        return Hit::None;
+    if (node.mask() != nullptr && !node.mask()->hitsShape(point)) return Hit::None;
+    if (!isKind(object, kInteractive)) return node.hitsShape(point) ? Hit::Parent : Hit::None;
+    const bool wants = flag(object, kInteractive, "mouseEnabled");
+    const auto take = [&] {
+        target = &object;
+        return Hit::Target;
+    };
+    if (isKind(object, kButton)) {
+        DisplayObject* area = object.states[static_cast<std::size_t>(DisplayObject::State::Hit)];
+        if (area == nullptr || !wants) return Hit::None;
+        // It lies on no list, and is where the button is.
+        const swf::Point local = node.toStage().inverted().map(point);
+        const bool isHit =
+            area->node().parent() != nullptr ? area->node().hitsShape(point) : area->node().hitsShape(local);
+        return isHit ? take() : Hit::None;
+    }
+    if (!isKind(object, kContainer)) {
+        if (!node.hitsShape(point)) return Hit::None;
+        return wants ? take() : Hit::None;
+    }
+    if (object.hitArea != nullptr && wants && object.hitArea->node().hitsShape(point)) {
+        // What it stands for takes the pointer whatever is drawn there.
+        if (!flag(object, kContainer, "mouseChildren")) return take();
+    }
+    if (node.scrollRect() && !object.isStage) {
+        const swf::Point local = node.toStage().inverted().map(point);
+        const swf::Rect& view = *node.scrollRect();
+        if (local.x < view.xMin || local.x >= view.xMax || local.y < view.yMin || local.y >= view.yMax)
+            return Hit::None;
+    }
+    const bool childrenTake = flag(object, kContainer, "mouseChildren");
+    bool isParents = false;
+    RootedList<DisplayObject*> children(m_player.vm().heap(), object.children.begin(), object.children.end());
+    for (std::size_t i = children.size(); i-- > 0;) {
+        DisplayObject& child = *children[i];
+        if (child.node().clipDepth()) continue;
+        const bool isClipped = std::any_of(
+            children->begin(), children->begin() + static_cast<std::ptrdiff_t>(i), [&](DisplayObject* below) {
+                return below->node().clipDepth() && *below->node().clipDepth() >= child.node().depth() &&
+                       !below->node().hitsShape(point);
+            });
+        if (isClipped) continue;
+        DisplayObject* found = nullptr;
+        const Hit hit = pick(child, point, found, depth + 1);
+        if (hit == Hit::None) continue;
+        if (hit == Hit::Target) {
+            if (!childrenTake) {
+                if (wants) return take();
+                isParents = true;
+                continue;
+            }
+            target = found;
+            return Hit::Target;
+        }
+        if (wants) return take();
+        isParents = true;
+    }
+    const bool isDrawn =
+        object.clip() != nullptr && object.hitArea == nullptr && object.clip()->drawingHits(point);
+    const bool isInArea = object.hitArea != nullptr && object.hitArea->node().hitsShape(point);
+    if (isDrawn || isInArea) {
+        if (wants) return take();
+        isParents = true;
+    }
+    return isParents && !object.isStage ? Hit::Parent : Hit::None;
+}
+
+DisplayObject* Input::targetAt(swf::Point point)
+{
+    DisplayObject* stage = m_player.stageObject();
+    if (stage == nullptr) return nullptr;
+    DisplayObject* target = nullptr;
+    m_player.vm().guarded([&] {
+        if (pick(*stage, point, target, 0) != Hit::Target) target = nullptr;
+    });
+    return target != nullptr ? target : stage;
+}
+
+// ---- the mouse ----
+
+void Input::fireMouse(std::string_view type, DisplayObject& target, DisplayObject* related, bool bubbles,
+                      int delta)
+{
+    Vm& vm = m_player.vm();
+    const swf::Point point = m_player.stage().pointer().position();
+    const swf::Point local = target.isStage ? point : target.node().toStage().inverted().map(point);
+    constexpr double kTwips = swf::kTwipsPerPixel;
+    Root<DisplayObject> keep(vm.heap(), &target);
+    vm.guarded([&] {
+        fireWith(vm, target, "flash.events::MouseEvent", type,
+                 {Value(local.x / kTwips), Value(local.y / kTwips),
+                  related != nullptr ? Value(related) : Value::null(), Value(isDown(kControl)),
+                  Value(isDown(kAlternate)), Value(isDown(kShift)),
+                  Value(m_player.stage().pointer().isDown() || type.ends_with("MouseDown")), Value(delta)},
+                 bubbles);
+    });
+}
+
+void Input::showButton(DisplayObject* object, DisplayObject::State state)
+{
+    if (object != nullptr && isKind(*object, kButton))
+        m_player.vm().guarded([&] { m_player.showButtonState(*object, state); });
+}
+
+/// Leaving is told before coming: of what is over the pointer itself, and of all that hold the one thing and
+/// not the other.
+void Input::roll(DisplayObject* to)
+{
+    Heap& heap = m_player.vm().heap();
+    Root<DisplayObject> before(heap, m_over.get()), now(heap, to);
+    if (before.get() == now.get()) return;
+    m_over = now.get();
+    const auto chain = [&](DisplayObject* from, DisplayObject* other, RootedList<DisplayObject*>& list) {
+        for (; from != nullptr && !from->isStage; from = from->parent) {
+            if (other == nullptr || !from->contains(*other)) list.push_back(from);
+        }
+    };
+    if (before) {
+        showButton(before.get(), DisplayObject::State::Up);
+        RootedList<DisplayObject*> gone(heap);
+        chain(before.get(), now.get(), gone);
+        fireMouse("mouseOut", *before, now.get());
+        for (std::size_t i = 0; i < gone.size(); ++i) fireMouse("rollOut", *gone[i], now.get(), false);
+    }
+    if (now) {
+        const bool isHeld = m_player.stage().pointer().isDown();
+        showButton(now.get(), isHeld && m_pressed[0].get() == now.get() ? DisplayObject::State::Down
+                                                                        : DisplayObject::State::Over);
+        RootedList<DisplayObject*> come(heap);
+        chain(now.get(), before.get(), come);
+        for (std::size_t i = 0; i < come.size(); ++i) fireMouse("rollOver", *come[i], before.get(), false);
+        fireMouse("mouseOver", *now, before.get());
+    }
+}
+
+void Input::chooseCursor()
+{
+    DisplayObject* over = m_over.get();
+    stage::Cursor cursor = stage::Cursor::Arrow;
+    if (over != nullptr) {
+        m_player.vm().guarded([&] {
+            if (stage::TextField* field = fieldOf(over))
+                cursor = field->cursorAt(m_player.stage().pointer().position());
+            else if (isKind(*over, kButton))
+                cursor = flag(*over, kButton, "enabled") && flag(*over, kButton, "useHandCursor")
+                             ? stage::Cursor::Hand
+                             : stage::Cursor::Arrow;
+            else if (isKind(*over, kSprite) && flag(*over, kSprite, "buttonMode") &&
+                     flag(*over, kSprite, "useHandCursor"))
+                cursor = stage::Cursor::Hand;
+        });
+    }
+    m_player.stage().pointer().setCursor(cursor);
+}
+
+void Input::moved()
+{
+    stage::Pointer& pointer = m_player.stage().pointer();
+    DisplayObject* target = targetAt(pointer.position());
+    if (target == nullptr) return;
+    Root<DisplayObject> keep(m_player.vm().heap(), target);
+    roll(target->isStage ? nullptr : target);
+    if (stage::TextField* field = fieldOf(m_pressed[0].get());
+        field != nullptr && pointer.isDown() && !m_hasLink)
+        field->drag(pointer.position());
+    fireMouse("mouseMove", *target);
+    chooseCursor();
+}
+
+void Input::pressed(stage::MouseButton button, int clicks)
+{
+    const swf::Point point = m_player.stage().pointer().position();
+    DisplayObject* target = targetAt(point);
+    if (target == nullptr) return;
+    Root<DisplayObject> keep(m_player.vm().heap(), target);
+    roll(target->isStage ? nullptr : target);
+    const auto index = static_cast<std::size_t>(button);
+    m_pressed[index] = target;
+    if (button == stage::MouseButton::Left) {
+        m_clicks = clicks;
+        m_hasLink = false;
+        focusByMouse(*target);
+        showButton(target, DisplayObject::State::Down);
+        if (stage::TextField* field = fieldOf(target)) {
+            if (const stage::TextFormat* link = field->linkAt(point)) {
+                m_hasLink = true;
+                m_link = link->url;
+                m_linkTarget = link->target;
+            } else {
+                field->press(point, clicks);
+            }
+        }
+    }
+    fireMouse(kButtonNames[index].down, *target);
+}
+
+void Input::released(stage::MouseButton button)
+{
+    Heap& heap = m_player.vm().heap();
+    const swf::Point point = m_player.stage().pointer().position();
+    DisplayObject* target = targetAt(point);
+    if (target == nullptr) return;
+    const auto index = static_cast<std::size_t>(button);
+    Root<DisplayObject> keep(heap, target), pressed(heap, m_pressed[index].get());
+    m_pressed[index] = nullptr;
+    const bool isLeft = button == stage::MouseButton::Left;
+    if (isLeft && pressed.get() == target) showButton(target, DisplayObject::State::Over);
+    fireMouse(kButtonNames[index].up, *target);
+    if (pressed.get() != target) {
+        if (isLeft && pressed && !pressed->isStage) {
+            showButton(pressed.get(), DisplayObject::State::Up);
+            fireMouse("releaseOutside", *pressed);
+        }
+        return;
+    }
+    const bool isDouble = isLeft && m_clicks == 2 && !target->isStage && isKind(*target, kInteractive) &&
+                          flag(*target, kInteractive, "doubleClickEnabled");
+    fireMouse(isDouble ? "doubleClick" : kButtonNames[index].click, *target);
+    if (!isLeft || !m_hasLink) return;
+    m_hasLink = false;
+    stage::TextField* field = fieldOf(target);
+    const stage::TextFormat* link = field != nullptr ? field->linkAt(point) : nullptr;
+    if (link == nullptr || link->url != m_link) return;
+    constexpr std::u16string_view kEvent = u"event:";
+    Vm& vm = m_player.vm();
+    if (m_link.starts_with(kEvent)) {
+        vm.guarded([&] {
+            fireWith(vm, *target, "flash.events::TextEvent", "link",
+                     {Value(vm.string(m_link.substr(kEvent.size())))}, true);
+        });
+    } else {
+        stage::Stage& stage = m_player.stage();
+        stage.queue().addRequest([&host = stage.services().host, url = toUtf8(m_link),
+                                  window = toUtf8(m_linkTarget)] { host.openUrl(url, window); });
+    }
+}
+
+void Input::wheel(int lines)
+{
+    DisplayObject* target = targetAt(m_player.stage().pointer().position());
+    if (target == nullptr) return;
+    Root<DisplayObject> keep(m_player.vm().heap(), target);
+    if (stage::TextField* field = fieldOf(target)) field->wheel(lines);
+    fireMouse("mouseWheel", *target, nullptr, true, lines);
+}
+
+void Input::left()
+{
+    roll(nullptr);
+    if (DisplayObject* stage = m_player.stageObject())
+        m_player.vm().guarded([&] { fire(m_player.vm(), *stage, "mouseLeave"); });
+}
+
+} // namespace flash::avm2
