@@ -485,13 +485,6 @@ constexpr NativeClass kClasses[] = {
      .base = "flash.display::DisplayObject",
      .flags = NativeClass::Sealed,
      .constructor = &refuseDisplayConstruction},
-    {.package = "flash.media",
-     .name = "Video",
-     .base = "flash.display::DisplayObject",
-     .flags = NativeClass::Sealed,
-     .constructor = &constructDisplay,
-     .minArguments = 0,
-     .maxArguments = 2},
 };
 
 } // namespace

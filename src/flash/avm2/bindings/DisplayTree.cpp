@@ -90,6 +90,15 @@ stage::NodePtr plainNode(stage::Stage& stage, std::u16string_view nativeName)
 {
     const auto& empty = stage.displayList().emptyTimeline();
     if (nativeName == u"Bitmap") return std::make_shared<stage::BitmapNode>(stage, nullptr, false);
+    if (nativeName == u"Video") {
+        static const swf::VideoStream kNothing = [] {
+            swf::VideoStream stream;
+            stream.width = 320;
+            stream.height = 240;
+            return stream;
+        }();
+        return std::make_shared<stage::VideoNode>(stage, kNothing);
+    }
     if (nativeName == u"TextField")
         return stage::TextField::makeDynamic(stage, stage.movie(), {0, kFieldTwips, 0, kFieldTwips});
     return std::make_shared<stage::Clip>(stage, stage.movie(), empty);

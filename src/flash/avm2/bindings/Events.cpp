@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/Events.h"
 
+#include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/classes/Library.h"
 
 #include <algorithm>
@@ -108,12 +109,21 @@ DispatcherObject& dispatcher(Call& call)
     return selfAs<DispatcherObject>(call, "flash.events.EventDispatcher");
 }
 
+bool bubblesByDefault(Vm& vm, EventObject& event)
+{
+    for (const char* cls :
+         {"flash.events::MouseEvent", "flash.events::KeyboardEvent", "flash.events::FocusEvent"}) {
+        if (event.traits()->isA(vm.nativeClass(cls)->instances)) return true;
+    }
+    return false;
+}
+
 /// The first three, then the class's own in the order of its slots.
 Value constructEvent(Call& call)
 {
     auto& made = event(call);
     made.type = call.vm.coerceString(call.arg(0));
-    made.bubbles = call.vm.toBoolean(call.arg(1));
+    made.bubbles = call.has(1) ? call.vm.toBoolean(call.arg(1)) : bubblesByDefault(call.vm, made);
     made.cancelable = call.vm.toBoolean(call.arg(2));
     for (std::uint32_t i = 3; i < call.count && i - 3 < made.slotCount(); ++i)
         call.vm.setSlotTyped(made, i - 3, call.args[i]);
@@ -189,7 +199,12 @@ Value eventToString(Call& call)
     if (traits->slotTypes.size() > 0) {
         names->pop_back();
         for (const Traits::Entry& entry : traits->entries()) {
-            if (entry.binding.kind == Binding::Kind::Slot) names.push_back(Value(entry.name.string()));
+            // The last one was added later, and is not shown.
+            if (entry.binding.kind != Binding::Kind::Slot || entry.name.view() == u"direction") continue;
+            names.push_back(Value(entry.name.string()));
+            if (entry.name.view() != u"localY") continue;
+            for (const char* place : {"stageX", "stageY"})
+                names.push_back(Value(call.vm.name(place).string()));
         }
         if (traits->name.view() == u"MouseEvent")
             names->insert(names->begin() + 3, Value(call.vm.name("eventPhase").string()));
@@ -302,10 +317,24 @@ constexpr NativeConstant kEventConstants[] = {
 };
 constexpr NativeConstant kPhases[] = {{"CAPTURING_PHASE", 1}, {"AT_TARGET", 2}, {"BUBBLING_PHASE", 3}};
 constexpr NativeConstant kMouseConstants[] = {
-    {"CLICK", 0, "click"},          {"DOUBLE_CLICK", 0, "doubleClick"}, {"MOUSE_DOWN", 0, "mouseDown"},
-    {"MOUSE_MOVE", 0, "mouseMove"}, {"MOUSE_OUT", 0, "mouseOut"},       {"MOUSE_OVER", 0, "mouseOver"},
-    {"MOUSE_UP", 0, "mouseUp"},     {"MOUSE_WHEEL", 0, "mouseWheel"},   {"ROLL_OUT", 0, "rollOut"},
-    {"ROLL_OVER", 0, "rollOver"},   {"RIGHT_CLICK", 0, "rightClick"},   {"MIDDLE_CLICK", 0, "middleClick"},
+    {"CLICK", 0, "click"},
+    {"DOUBLE_CLICK", 0, "doubleClick"},
+    {"MOUSE_DOWN", 0, "mouseDown"},
+    {"MOUSE_MOVE", 0, "mouseMove"},
+    {"MOUSE_OUT", 0, "mouseOut"},
+    {"MOUSE_OVER", 0, "mouseOver"},
+    {"MOUSE_UP", 0, "mouseUp"},
+    {"MOUSE_WHEEL", 0, "mouseWheel"},
+    {"ROLL_OUT", 0, "rollOut"},
+    {"ROLL_OVER", 0, "rollOver"},
+    {"RIGHT_CLICK", 0, "rightClick"},
+    {"MIDDLE_CLICK", 0, "middleClick"},
+    {"RIGHT_MOUSE_DOWN", 0, "rightMouseDown"},
+    {"RIGHT_MOUSE_UP", 0, "rightMouseUp"},
+    {"MIDDLE_MOUSE_DOWN", 0, "middleMouseDown"},
+    {"MIDDLE_MOUSE_UP", 0, "middleMouseUp"},
+    {"RELEASE_OUTSIDE", 0, "releaseOutside"},
+    {"CONTEXT_MENU", 0, "contextMenu"},
 };
 constexpr NativeConstant kKeyConstants[] = {{"KEY_DOWN", 0, "keyDown"}, {"KEY_UP", 0, "keyUp"}};
 constexpr NativeConstant kTimerConstants[] = {{"TIMER", 0, "timer"}, {"TIMER_COMPLETE", 0, "timerComplete"}};
@@ -331,9 +360,19 @@ constexpr NativeMember kDispatcherMembers[] = {
     {"dispatchEvent", Kind::Method, &dispatchEvent, 1, 1},
 };
 
+constexpr NativeMember kMouseMembers[] = {
+    {"stageX", Kind::Getter, &interactive::stageX, 0, 0, nullptr, "Number"},
+    {"stageY", Kind::Getter, &interactive::stageY, 0, 0, nullptr, "Number"},
+    {"updateAfterEvent", Kind::Method, &interactive::updateAfterEvent, 0, 0},
+};
+constexpr NativeMember kUpdateMembers[] = {
+    {"updateAfterEvent", Kind::Method, &interactive::updateAfterEvent, 0, 0},
+};
+
 constexpr NativeClass derived(std::string_view name, std::string_view slots,
                               std::span<const NativeConstant> constants,
-                              std::string_view base = "flash.events::Event")
+                              std::string_view base = "flash.events::Event",
+                              std::span<const NativeMember> members = {})
 {
     return {.package = "flash.events",
             .name = name,
@@ -342,6 +381,7 @@ constexpr NativeClass derived(std::string_view name, std::string_view slots,
             .constructor = &constructEvent,
             .minArguments = 1,
             .maxArguments = -1,
+            .members = members,
             .constants = constants,
             .slots = slots};
 }
@@ -371,11 +411,11 @@ constexpr NativeClass kClasses[] = {
     derived("MouseEvent",
             "localX:Number=nan localY:Number=nan relatedObject:* ctrlKey:Boolean altKey:Boolean "
             "shiftKey:Boolean buttonDown:Boolean delta:int",
-            kMouseConstants),
+            kMouseConstants, "flash.events::Event", kMouseMembers),
     derived("KeyboardEvent",
             "charCode:uint keyCode:uint keyLocation:uint ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
-            kKeyConstants),
-    derived("TimerEvent", "", kTimerConstants),
+            kKeyConstants, "flash.events::Event", kUpdateMembers),
+    derived("TimerEvent", "", kTimerConstants, "flash.events::Event", kUpdateMembers),
     derived("ProgressEvent", "bytesLoaded:Number bytesTotal:Number", kProgressConstants),
     derived("TextEvent", "text:String=", kTextConstants),
     derived("ErrorEvent", "errorID:int", kErrorConstants, "flash.events::TextEvent"),

@@ -57,6 +57,7 @@ void Player::frameEnded()
 {
     if (m_vm->isDisabled()) return;
     tellFinishedSounds();
+    followStreams();
     if (!m_hasBegun) {
         begin();
     } else if (root() != nullptr) {

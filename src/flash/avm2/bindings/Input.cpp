@@ -53,9 +53,8 @@ bool Input::isDown(int keyCode) { return m_player.stage().keyboard().isDown(keyC
 
 // ---- what is under the pointer ----
 
-/// The topmost thing that is drawn at a point decides. What is none of the user's business itself (a shape)
-/// stands for its parent. What does not want the mouse lets those below it have it, and its parent when
-/// there are none.
+/// The topmost object that wants the mouse at a point. What is none of the mouse's business itself (a shape)
+/// lets those below it have it, and is a part of its parent when none does.
 Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& target, int depth)
 {
     stage::Node& node = object.node();
@@ -81,18 +80,18 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         if (!node.hitsShape(point)) return Hit::None;
         return wants ? take() : Hit::None;
     }
-    if (object.hitArea != nullptr && wants && object.hitArea->node().hitsShape(point)) {
-        // What it stands for takes the pointer whatever is drawn there.
-        if (!flag(object, kContainer, "mouseChildren")) return take();
-    }
     if (node.scrollRect() && !object.isStage) {
         const swf::Point local = node.toStage().inverted().map(point);
         const swf::Rect& view = *node.scrollRect();
         if (local.x < view.xMin || local.x >= view.xMax || local.y < view.yMin || local.y >= view.yMax)
             return Hit::None;
     }
-    const bool childrenTake = flag(object, kContainer, "mouseChildren");
-    bool isParents = false;
+    // One that keeps the mouse from its children is one thing.
+    if (!flag(object, kContainer, "mouseChildren"))
+        return wants && (object.hitArea != nullptr ? object.hitArea->node() : node).hitsShape(point)
+                   ? take()
+                   : Hit::None;
+    bool isShown = false; // by a child that is none of the mouse's business itself
     RootedList<DisplayObject*> children(m_player.vm().heap(), object.children.begin(), object.children.end());
     for (std::size_t i = children.size(); i-- > 0;) {
         DisplayObject& child = *children[i];
@@ -103,29 +102,14 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
                        !below->node().hitsShape(point);
             });
         if (isClipped) continue;
-        DisplayObject* found = nullptr;
-        const Hit hit = pick(child, point, found, depth + 1);
-        if (hit == Hit::None) continue;
-        if (hit == Hit::Target) {
-            if (!childrenTake) {
-                if (wants) return take();
-                isParents = true;
-                continue;
-            }
-            target = found;
-            return Hit::Target;
-        }
-        if (wants) return take();
-        isParents = true;
+        const Hit hit = pick(child, point, target, depth + 1);
+        if (hit == Hit::Target) return hit;
+        isShown = isShown || hit == Hit::Parent;
     }
-    const bool isDrawn =
-        object.clip() != nullptr && object.hitArea == nullptr && object.clip()->drawingHits(point);
-    const bool isInArea = object.hitArea != nullptr && object.hitArea->node().hitsShape(point);
-    if (isDrawn || isInArea) {
-        if (wants) return take();
-        isParents = true;
-    }
-    return isParents && !object.isStage ? Hit::Parent : Hit::None;
+    if (!wants || object.isStage) return Hit::None;
+    if (object.hitArea != nullptr) return object.hitArea->node().hitsShape(point) ? take() : Hit::None;
+    const bool isDrawn = object.clip() != nullptr && object.clip()->drawingHits(point);
+    return isShown || isDrawn ? take() : Hit::None;
 }
 
 DisplayObject* Input::targetAt(swf::Point point)

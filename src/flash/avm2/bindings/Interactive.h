@@ -23,6 +23,11 @@ Value dropTarget(Call& call);
 Value ownerTransform(Call& call);
 Value setOwnerTransform(Call& call);
 
+// ---- MouseEvent ----
+Value stageX(Call& call);
+Value stageY(Call& call);
+Value updateAfterEvent(Call& call);
+
 // ---- Stage ----
 Value stageFocus(Call& call);
 Value setStageFocus(Call& call);

@@ -14,6 +14,12 @@ namespace flash::avm2::interactive
 namespace
 {
 
+[[noreturn]] void refuseOnStage(Call& call)
+{
+    call.vm.throwError(ErrorClass::IllegalOperation, 2071,
+                       "The Stage class does not implement this property or method.");
+}
+
 bool isOf(Call& call, const char* cls)
 {
     return displaySelf(call).traits()->isA(call.vm.nativeClass(cls)->instances);
@@ -39,6 +45,7 @@ Value setTabEnabled(Call& call)
 {
     const bool value = call.vm.toBoolean(call.arg(0));
     DisplayObject& object = displaySelf(call);
+    if (object.isStage) refuseOnStage(call);
     const Value before = tabEnabled(call);
     object.node().tabEnabled = value;
     if (before.boolean() != value) fire(call.vm, object, "tabEnabledChange", true);
@@ -48,6 +55,7 @@ Value tabIndex(Call& call) { return displaySelf(call).node().tabIndex.value_or(-
 Value setTabIndex(Call& call)
 {
     const int value = call.vm.toInt(call.arg(0));
+    if (displaySelf(call).isStage) refuseOnStage(call);
     if (value < -1)
         call.vm.throwError(ErrorClass::Range, 2027,
                            u"Parameter tabIndex must be a non-negative number; got " + numberText(value) +
@@ -128,6 +136,33 @@ Value setOwnerTransform(Call& call)
                                                       soundTransformOf(call.vm, Value(given)));
     return {};
 }
+
+// ---- events of the mouse ----
+
+namespace
+{
+
+/// Where the event's place in its target is on the stage now.
+swf::Point stagePoint(Call& call)
+{
+    const auto number = [&](const char* name) {
+        return call.vm.toNumber(call.vm.getPublic(call.self, name));
+    };
+    const swf::Point local{number("localX"), number("localY")};
+    auto* event = as<EventObject>(call.self);
+    auto* target = event != nullptr ? as<DisplayObject>(event->target) : nullptr;
+    if (target == nullptr || target->isStage || std::isnan(local.x) || std::isnan(local.y)) return local;
+    constexpr double kTwips = swf::kTwipsPerPixel;
+    const swf::Point place = target->node().toStage().map(local.x * kTwips, local.y * kTwips);
+    return {place.x / kTwips, place.y / kTwips};
+}
+
+} // namespace
+
+Value stageX(Call& call) { return stagePoint(call).x; }
+Value stageY(Call& call) { return stagePoint(call).y; }
+/// The next drawing shows what listeners changed, as it does anyway.
+Value updateAfterEvent(Call&) { return {}; }
 
 // ---- the stage's focus ----
 

@@ -34,6 +34,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         interfaceLibrary(),
         netLoadingLibrary(),
         netPeerLibrary(),
+        netStreamLibrary(),
         fileLibrary(),
         socketLibrary(),
         sharedObjectLibrary(),

@@ -20,6 +20,7 @@ NativeLibrary timerLibrary();
 NativeLibrary systemLibrary();     ///< flash.system and what reports on the machine
 NativeLibrary interfaceLibrary();  ///< flash.ui, flash.accessibility, flash.external, flash.printing
 NativeLibrary netLoadingLibrary(); ///< what fetches addresses
+NativeLibrary netStreamLibrary();  ///< and Video
 NativeLibrary netPeerLibrary();    ///< connections
 NativeLibrary socketLibrary();
 NativeLibrary sharedObjectLibrary();

@@ -44,13 +44,23 @@ Player::~Player()
     m_localConnections.clear();
     m_sharedObjects.clear();
     m_sounds.clear();
+    m_streams.clear();
     m_input.reset();
     m_later.clear();
     m_linked.clear();
     m_movies.clear();
 }
 
-void Player::trace(std::u16string_view text) { m_services.host.traceLine(toUtf8(text)); }
+/// The breaks of text fields are ends of lines here, too.
+void Player::trace(std::u16string_view text)
+{
+    std::u16string shown(text);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        const bool isLone = shown[i] == u'\r' && (i + 1 == shown.size() || shown[i + 1] != u'\n');
+        if (isLone) shown[i] = u'\n';
+    }
+    m_services.host.traceLine(toUtf8(shown));
+}
 void Player::log(std::string_view text) { m_services.host.logLine(text); }
 void Player::uncaught(std::u16string_view text) { m_services.host.logLine(toUtf8(text)); }
 

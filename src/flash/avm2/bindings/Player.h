@@ -133,6 +133,9 @@ public:
     /// The channel hears when the sound has ended.
     void watchSound(std::uint64_t id, Object& channel);
     void unwatchSound(std::uint64_t id);
+    /// Streams play on from frame to frame.
+    void watchStream(Object& stream);
+    void unwatchStream(Object& stream);
     int soundBufferTime = 5; ///< seconds; what scripts set, no more
     /// Writes those that have changed.
     void saveSharedObjects();
@@ -165,6 +168,7 @@ private:
     void forOrphans(Work&& work);
     void syncHost();
     void tellFinishedSounds();
+    void followStreams();
 
     stage::Services m_services;
     PlayerInputs m_inputs;
@@ -180,6 +184,7 @@ private:
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
     std::map<std::u16string, Root<Object>> m_localConnections;
     std::map<std::string, Root<Object>> m_sharedObjects;
+    std::map<Object*, Root<Object>> m_streams;
     std::map<std::uint64_t, Root<Object>> m_sounds; ///< channels, by what plays
     std::vector<std::pair<stage::MoviePtr, std::uint16_t>> m_registeredFonts;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;

@@ -193,10 +193,12 @@ Value antiAlias(Call& call)
 {
     return nameValue(call, kAntiAlias[fieldSelf(call).rendering.advanced ? 1 : 0]);
 }
+/// What is none of the names changes nothing here; below it means none.
 Value setAntiAlias(Call& call)
 {
-    const auto choice = choiceArg(call, kAntiAlias, "antiAliasType");
-    fieldSelf(call).rendering.advanced = choice == 1;
+    const std::u16string name = textArg(call, 0, "antiAliasType");
+    TextField& field = fieldSelf(call);
+    if (name == u"advanced" || name == u"normal") field.rendering.advanced = name == u"advanced";
     return {};
 }
 Value gridFit(Call& call)
@@ -205,8 +207,11 @@ Value gridFit(Call& call)
 }
 Value setGridFit(Call& call)
 {
-    const auto choice = choiceArg(call, kGridFits, "gridFitType");
-    fieldSelf(call).rendering.gridFit = static_cast<TextField::Rendering::GridFit>(choice);
+    using Fit = TextField::Rendering::GridFit;
+    const std::u16string name = textArg(call, 0, "gridFitType");
+    fieldSelf(call).rendering.gridFit = name == u"pixel"      ? Fit::Pixel
+                                        : name == u"subpixel" ? Fit::Subpixel
+                                                              : Fit::None;
     return {};
 }
 /// Kept within what the rasteriser of the genuine player takes.
@@ -270,7 +275,20 @@ Value setState(Call& call)
 /// In the twentieths of a pixel that the player counts in.
 double inPixels(double twips) { return std::round(twips) / kTwips; }
 
-Value textWidth(Call& call) { return inPixels(fieldSelf(call).layout().width()); }
+/// A space that hangs over the end of a wrapped line counts where lines are aligned to the left only.
+Value textWidth(Call& call)
+{
+    const render::TextLayout& layout = fieldSelf(call).layout();
+    double widest = 0;
+    bool isMoved = false;
+    for (const render::LayoutLine& line : layout.lines()) {
+        widest = std::max(widest, line.width);
+        if (line.glyphCount == 0) continue;
+        const auto align = layout.runs()[layout.glyphs()[line.firstGlyph].run].style.align;
+        isMoved = isMoved || align == swf::EditText::Align::Center || align == swf::EditText::Align::Right;
+    }
+    return inPixels(isMoved ? widest : layout.width());
+}
 Value textHeight(Call& call)
 {
     TextField& field = fieldSelf(call);

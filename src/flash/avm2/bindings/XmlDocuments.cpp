@@ -175,13 +175,13 @@ public:
 private:
     void addText(const std::u16string& text)
     {
-        m_open->append(*newXmlNode(m_vm, XmlNodeObject::kText, Value(m_vm.string(text))));
+        m_open->append(m_vm, *newXmlNode(m_vm, XmlNodeObject::kText, Value(m_vm.string(text))));
     }
     void start(const net::XmlToken& token)
     {
         constexpr int kMaxDepth = 2000; // what lies deeper is hung on the deepest
         XmlNodeObject* node = newXmlNode(m_vm, XmlNodeObject::kElement, Value(m_vm.string(token.text)));
-        m_open->append(*node);
+        m_open->append(m_vm, *node);
         for (const net::XmlAttribute& attribute : m_scanner.attributes()) {
             const Multiname key = m_vm.publicName(m_vm.names().intern(attribute.name));
             if (m_vm.hasOwn(node->attributes, key)) continue;
@@ -222,6 +222,7 @@ Value parse(Call& call)
     const std::u16string text(vm.text(call.arg(0)));
     for (XmlNodeObject* child : document.children) child->parent = nullptr;
     document.children.clear();
+    document.refreshList(vm);
     document.setSlot(IdMap, Value(vm.newObject()));
     Reader reader(vm, document, text);
     const net::XmlStatus status = reader.run();

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <utility>
+#include <vector>
 
 namespace flash::avm2
 {
@@ -20,19 +21,31 @@ void XmlNodeObject::trace(Tracer& tracer)
     tracer(value);
     tracer(attributes);
     tracer(parent);
+    tracer(list);
     for (const XmlNodeObject* child : children) tracer(child);
 }
 
-void XmlNodeObject::detach()
+void XmlNodeObject::refreshList(Vm& vm)
 {
-    if (parent != nullptr) std::erase(parent->children, this);
-    parent = nullptr;
+    auto* array = as<ArrayObject>(list);
+    if (array == nullptr) return;
+    array->setLength(0);
+    for (XmlNodeObject* child : children) array->push(vm, Value(child));
 }
 
-void XmlNodeObject::append(XmlNodeObject& child)
+void XmlNodeObject::detach(Vm& vm)
+{
+    if (parent == nullptr) return;
+    XmlNodeObject* before = std::exchange(parent, nullptr);
+    std::erase(before->children, this);
+    before->refreshList(vm);
+}
+
+void XmlNodeObject::append(Vm& vm, XmlNodeObject& child)
 {
     children.push_back(&child);
     child.parent = this;
+    if (auto* array = as<ArrayObject>(list)) array->push(vm, Value(&child));
 }
 
 XmlNodeObject& xmlNodeSelf(Call& call) { return selfAs<XmlNodeObject>(call, "flash.xml.XMLNode"); }
@@ -140,9 +153,12 @@ Value setAttributes(Call& call)
 }
 Value childNodes(Call& call)
 {
-    auto* list = static_cast<ArrayObject*>(call.vm.newArray());
-    for (XmlNodeObject* child : self(call).children) list->push(call.vm, Value(child));
-    return Value(list);
+    auto& node = self(call);
+    if (!node.list.isObject()) {
+        node.list = Value(call.vm.newArray());
+        node.refreshList(call.vm);
+    }
+    return node.list;
 }
 Value nullable(XmlNodeObject* node) { return node != nullptr ? Value(node) : Value::null(); }
 Value firstChild(Call& call)
@@ -172,8 +188,8 @@ Value appendChild(Call& call)
     XmlNodeObject* child = nodeArg(call, 0);
     auto& node = self(call);
     if (child == nullptr || child->holds(&node)) return {};
-    child->detach();
-    node.append(*child);
+    child->detach(call.vm);
+    node.append(call.vm, *child);
     return {};
 }
 Value insertBefore(Call& call)
@@ -183,19 +199,20 @@ Value insertBefore(Call& call)
     auto& node = self(call);
     if (child == nullptr || child == before || child->holds(&node)) return {};
     if (before == nullptr) {
-        child->detach();
-        node.append(*child);
+        child->detach(call.vm);
+        node.append(call.vm, *child);
         return {};
     }
     if (before->parent != &node) return {};
-    child->detach();
+    child->detach(call.vm);
     node.children.insert(std::ranges::find(node.children, before), child);
     child->parent = &node;
+    node.refreshList(call.vm);
     return {};
 }
 Value removeNode(Call& call)
 {
-    self(call).detach();
+    self(call).detach(call.vm);
     return {};
 }
 
@@ -214,7 +231,7 @@ XmlNodeObject* cloneTree(Vm& vm, XmlNodeObject& node, bool isDeep, int depth)
     if (!isDeep || depth > kMaxDepth) return copy;
     RootedList<XmlNodeObject*> children(vm.heap(), node.children.begin(), node.children.end());
     for (std::size_t i = 0; i < children.size(); ++i)
-        copy->append(*cloneTree(vm, *children[i], true, depth + 1));
+        copy->append(vm, *cloneTree(vm, *children[i], true, depth + 1));
     return copy;
 }
 Value cloneNode(Call& call)

@@ -20,14 +20,17 @@ public:
     Value attributes = Value::null();
     XmlNodeObject* parent = nullptr;
     TracedList<XmlNodeObject*> children;
+    Value list; ///< of the children, once asked for
 
     [[nodiscard]] bool holds(const XmlNodeObject* other) const
     {
         while (other != nullptr && other != this) other = other->parent;
         return other == this;
     }
-    void detach();
-    void append(XmlNodeObject& child);
+    void detach(Vm& vm);
+    void append(Vm& vm, XmlNodeObject& child);
+    /// Scripts that hold the list of children see how it changes.
+    void refreshList(Vm& vm);
 };
 
 XmlNodeObject* newXmlNode(Vm& vm, int type, Value nameOrValue);

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "flash/avm2/bindings/Events.h"
+#include "flash/stage/Graphics.h"
+#include "flash/video/FlvPlayer.h"
+
+#include <memory>
+#include <vector>
+
+namespace flash::avm2
+{
+
+/// An FLV file beside the movie that plays into Video instances.
+class NetStreamObject final : public DispatcherObject
+{
+public:
+    AVM2_NATIVE(DispatcherObject)
+    NetStreamObject(Traits* traits, Object* proto) : DispatcherObject(traits, proto) {}
+    void trace(Tracer& tracer) override
+    {
+        DispatcherObject::trace(tracer);
+        tracer(client);
+    }
+    [[nodiscard]] bool isPlaying() const { return player && !isPaused && !hasEnded; }
+    void addScreen(const std::shared_ptr<stage::VideoNode>& screen);
+    void removeScreen(const stage::VideoNode& screen);
+    void showPicture();
+    /// Moves on to the present time: shows pictures, tells of messages and of the end.
+    void follow(Vm& vm);
+    void startSound(Vm& vm);
+    void stopSound(Vm& vm);
+    void close(Vm& vm);
+
+    std::unique_ptr<video::FlvPlayer> player;
+    Value client;
+    std::vector<std::weak_ptr<stage::VideoNode>> screens;
+    std::shared_ptr<const swf::Bitmap> shown;
+    stage::SoundId sound = 0;
+    stage::SoundTransform transform;
+    double followedMs = 0; ///< the stage's time up to which the player has moved
+    double bufferTime = 0.1;
+    std::uint32_t turn = 0; ///< counts the files that were asked for or given up
+    bool isPaused = false, hasEnded = false;
+};
+
+} // namespace flash::avm2
