@@ -134,8 +134,8 @@ Value slice(Call& call)
     const double to = clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 16777215, array.length());
     auto* result = static_cast<ArrayObject*>(call.vm.newArray());
     for (auto i = static_cast<std::uint32_t>(from); i < to; ++i) {
-        if (array.holds(call.vm, i))
-            result->put(call.vm, i - static_cast<std::uint32_t>(from), array.at(call.vm, i));
+        // What the prototype has in place of an element becomes one.
+        result->put(call.vm, i - static_cast<std::uint32_t>(from), array.at(call.vm, i));
         checkLoop(call);
     }
     if (to > from) result->setLength(static_cast<std::uint32_t>(to - from));
@@ -155,6 +155,9 @@ Value splice(Call& call)
     auto* removed = static_cast<ArrayObject*>(call.vm.newArray());
     const auto begin = array.items.begin() + from;
     removed->items.assign(begin, begin + count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (removed->items[i].isHole()) removed->items[i] = array.at(call.vm, from + i);
+    }
     removed->setLength(count);
     const std::uint32_t added = call.count > 2 ? call.count - 2 : 0;
     const std::uint32_t length = array.length() - count + added;

@@ -32,7 +32,8 @@ Value construct(Call& call)
     for (Traits* at = self.traits(); at != nullptr; at = at->base) {
         if (at->cls == nullptr || at->cls->constructor == nullptr || at->cls->constructor->native == nullptr)
             continue;
-        self.name = at->name.string();
+        // Those of packages have no name of their own but the prototype's, which instances do not look at.
+        self.name = at->ns->uri.view().empty() ? at->name.string() : call.vm.name("Error").string();
         break;
     }
     std::u16string stack;

@@ -34,6 +34,9 @@ Value propertyIsEnumerable(Call& call)
     if (self == nullptr) return false;
     const Multiname name = call.vm.runtimeName(Multiname::of({}, call.vm.publicNs()), call.arg(0));
     if (name.index != Atom::kNotIndex) return call.vm.hasOwn(call.self, name);
+    if (self->exotic() == Exotic::Elements && !name.name.isNull() &&
+        name.name.arrayIndex() != Atom::kNotIndex)
+        return self->hasExotic(call.vm, name);
     if (self->exotic() == Exotic::First || self->exotic() == Exotic::Last)
         return self->hasExotic(call.vm, name);
     if (name.name.isNull() || self->tableIfAny() == nullptr) return false;

@@ -137,7 +137,8 @@ Value RegExpObject::match(Vm& vm, const std::u16string& text)
     std::size_t at = 0;
     while (at <= text.size()) {
         const Groups groups = find(vm, text, at);
-        if (groups.empty()) break;
+        // Nothing, found at the end of a text that was something, is not counted.
+        if (groups.empty() || (at > 0 && at == text.size())) break;
         result->push(vm, part(vm, text, groups[0]));
         at = static_cast<std::size_t>(groups[0].second) + (groups[0].first == groups[0].second ? 1 : 0);
     }

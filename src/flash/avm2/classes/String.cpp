@@ -99,8 +99,9 @@ Value substr(Call& call)
     double count = number(call, 1, 2147483647.0);
     count = std::isnan(count) ? 0 : std::trunc(count);
     if (count < 0) {
-        // A count below nothing means up to so far before the end, if it is small enough.
-        count = length + count - from >= 0 && -count <= length ? std::max(0.0, length + count) : 0;
+        // A count below nothing is taken from the whole length, unless the end so found lies before the
+        // start.
+        count = from + count >= 0 ? 0 : std::max(0.0, length + count);
     }
     count = std::min(count, length - from);
     return call.vm.string(count > 0

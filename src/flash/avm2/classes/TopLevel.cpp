@@ -85,10 +85,17 @@ void appendHex(std::u16string& out, unsigned value, int digits)
         out += u"0123456789ABCDEF"[value >> static_cast<unsigned>(shift) & 15U];
 }
 
+/// The argument of a parameter that is a String, "undefined" by default: undefined that was given is null.
+std::u16string_view textGiven(Call& call)
+{
+    if (call.has(0) && call.arg(0).isUndefined()) return u"null";
+    return call.vm.text(call.arg(0));
+}
+
 Value escape(Call& call)
 {
     std::u16string result;
-    for (const char16_t unit : call.vm.text(call.arg(0))) {
+    for (const char16_t unit : textGiven(call)) {
         if (oneOf(unit, kAlphanumeric) || oneOf(unit, "@-_.*+/")) {
             result += unit;
         } else if (unit < 256) {
@@ -119,7 +126,7 @@ int hexAt(std::u16string_view text, std::size_t at, std::size_t digits)
 
 Value unescape(Call& call)
 {
-    const std::u16string text(call.vm.text(call.arg(0)));
+    const std::u16string text(textGiven(call));
     std::u16string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == u'%') {
@@ -142,7 +149,7 @@ Value unescape(Call& call)
 
 Value encode(Call& call, std::string_view kept)
 {
-    const std::u16string_view text = call.vm.text(call.arg(0));
+    const std::u16string_view text = textGiven(call);
     std::u16string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i];
@@ -168,7 +175,7 @@ Value encodeUriComponent(Call& call) { return encode(call, "-_.!~*'()"); }
 
 Value decode(Call& call, std::string_view kept)
 {
-    const std::u16string text(call.vm.text(call.arg(0)));
+    const std::u16string text(textGiven(call));
     std::u16string result;
     std::string bytes;
     const auto flush = [&] {

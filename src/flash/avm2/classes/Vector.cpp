@@ -78,11 +78,18 @@ Value push(Call& call)
     return static_cast<double>(vector.items.size());
 }
 
+/// What an empty vector gives away: of objects it is nothing at all.
+Value missing(const VectorObject& vector)
+{
+    const Value initial = vector.initial();
+    return initial.isNumber() ? initial : Value();
+}
+
 Value pop(Call& call)
 {
     auto& vector = self(call);
     needsChangeable(call, vector);
-    if (vector.items.empty()) return vector.initial();
+    if (vector.items.empty()) return missing(vector);
     const Value last = vector.items.back();
     vector.items.pop_back();
     return last;
@@ -92,7 +99,7 @@ Value shift(Call& call)
 {
     auto& vector = self(call);
     needsChangeable(call, vector);
-    if (vector.items.empty()) return vector.initial();
+    if (vector.items.empty()) return missing(vector);
     const Value first = vector.items.front();
     vector.items.erase(vector.items.begin());
     return first;
@@ -122,7 +129,11 @@ Value concat(Call& call)
     for (const Value value : call.rest(0)) {
         auto* other = as<VectorObject>(call.vm.coerce(value, call.vm.classes().vector->instances));
         if (other == nullptr) continue;
-        if (!other->traits()->isA(vector.traits())) call.vm.coerce(value, vector.traits());
+        // Vectors of objects are told apart by what is in them only.
+        const Traits* objects = call.vm.vectorOf(nullptr)->instances;
+        if (!other->traits()->isA(vector.traits()) &&
+            !(vector.traits()->isA(objects) && other->traits()->isA(objects)))
+            call.vm.coerce(value, vector.traits());
         for (std::size_t i = 0; i < other->items.size(); ++i) result->push(call.vm, other->items[i]);
     }
     return result;
@@ -145,7 +156,9 @@ Value splice(Call& call)
     auto& vector = self(call);
     const auto size = static_cast<double>(vector.items.size());
     const auto from = static_cast<std::size_t>(clampIndex(call.vm.toNumber(call.arg(0)), size));
-    const double wanted = call.has(1) ? call.vm.toNumber(call.arg(1)) : size;
+    double wanted = call.has(1) ? call.vm.toNumber(call.arg(1)) : size;
+    // A count below nothing is a place before the end.
+    if (wanted < 0) wanted = size + std::trunc(wanted) - static_cast<double>(from);
     const auto count = static_cast<std::size_t>(
         std::clamp(std::isnan(wanted) ? 0.0 : std::trunc(wanted), 0.0, size - static_cast<double>(from)));
     RootedList<Value> values(call.vm.heap());
@@ -180,6 +193,19 @@ Value toString(Call& call)
     if (as<VectorObject>(call.self) == nullptr) return call.vm.string(std::u16string());
     Call inner{call.vm, call.self, nullptr, 0};
     return join(inner);
+}
+
+Value toLocaleString(Call& call)
+{
+    auto& vector = self(call);
+    std::u16string text;
+    for (std::size_t i = 0; i < vector.items.size(); ++i) {
+        if (i > 0) text += u",";
+        const Value value = vector.items[i];
+        if (!value.isNullish()) text += call.vm.text(call.vm.callPublic(value, "toLocaleString"));
+        call.vm.check();
+    }
+    return call.vm.string(std::move(text));
 }
 
 Value indexOf(Call& call)
@@ -297,8 +323,8 @@ Value removeAt(Call& call)
     needsChangeable(call, vector);
     const auto size = static_cast<double>(vector.items.size());
     const double given = call.vm.toInt(call.arg(0));
-    const double at = given < 0 ? given + size : given;
-    if (at < 0 || at >= size) vector.outOfRange(call.vm, given);
+    const double at = given < 0 ? std::max(0.0, given + size) : given;
+    if (at >= size) vector.outOfRange(call.vm, given);
     const Value removed = vector.items[static_cast<std::size_t>(at)];
     vector.items.erase(vector.items.begin() + static_cast<std::ptrdiff_t>(at));
     return removed;
@@ -327,7 +353,7 @@ constexpr NativeMember kMembers[] = {
     {"splice", Kind::As3, &splice, 1, -1},
     {"toString", Kind::As3, &toString, 0, -1},
     {"unshift", Kind::As3, &unshift},
-    {"toLocaleString", Kind::As3, &toString, 0, -1},
+    {"toLocaleString", Kind::As3, &toLocaleString, 0, -1},
 };
 
 } // namespace

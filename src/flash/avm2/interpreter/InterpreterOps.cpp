@@ -413,7 +413,7 @@ Traits* Interpreter::lateType(Value type)
 {
     auto* cls = as<ClassObject>(type);
     if (cls == nullptr) {
-        m_vm.traitsOf(type);
+        if (type.isNullish()) m_vm.traitsOf(type);
         m_vm.throwError(ErrorClass::Type, 1041, "The right-hand side of operator must be a class.");
     }
     return cls->instances;
@@ -463,7 +463,7 @@ std::uint8_t* Interpreter::memory(Value address, std::size_t size)
 {
     const std::uint32_t at = m_vm.toUint(address);
     Object* memory = m_frame.unit->domain()->memory;
-    const auto bytes = memory != nullptr ? memory->bytes() : std::span<std::uint8_t>();
+    const auto bytes = memory != nullptr ? memory->bytes() : m_frame.unit->domain()->spareMemory();
     if (bytes.size() < size || at > bytes.size() - size)
         m_vm.throwError(ErrorClass::Range, 1506, "The specified range is invalid.");
     return bytes.data() + at;

@@ -32,6 +32,7 @@ void Interpreter::stackOp(const Ins& ins, Value* sp)
         return;
     case R::in: sp[-2] = isIn(sp[-2], sp[-1]); return;
     case R::checkfilter:
+        vm.traitsOf(sp[-1]); // null and undefined are no filters
         if (!sp[-1].isObject() || !sp[-1].object()->isXml())
             vm.throwError(ErrorClass::Type, 1123,
                           u"Filter operator not supported on type " + vm.className(sp[-1]) + u".");

@@ -130,8 +130,20 @@ Traits* Unit::instanceTraits(Vm& vm, std::uint32_t index)
             vm.heap().make<Traits>(name.name, name.single != nullptr ? name.single : vm.publicNs(), nullptr);
         m_instanceTraits[index]->isInterface =
             (m_abc->instances[index].flags & abc::InstanceInfo::Interface) != 0;
+        if (m_instanceTraits[index]->isInterface) completeInterface(vm, index);
     }
     return m_instanceTraits[index];
+}
+
+/// Classes may be made before the interfaces that they implement: those have no code to wait for.
+void Unit::completeInterface(Vm& vm, std::uint32_t index)
+{
+    Traits* traits = m_instanceTraits[index];
+    for (const std::uint32_t super : m_abc->instances[index].interfaces) {
+        if (Traits* known = type(vm, super); known != nullptr && known != traits)
+            traits->implement(vm, known);
+    }
+    vm.fillTraits(*traits, this, m_abc->instances[index].traits, nullptr);
 }
 
 Traits* Unit::takeInstanceTraits(Vm& vm, std::uint32_t index)

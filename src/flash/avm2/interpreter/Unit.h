@@ -57,6 +57,7 @@ public:
     MethodEnv* method(Vm& vm, std::uint32_t index, ScopeChain* scope);
 
 private:
+    void completeInterface(Vm& vm, std::uint32_t index);
     Domain* m_domain;
     std::shared_ptr<const abc::Abc> m_abc;
     TracedList<Name> m_names;
@@ -93,6 +94,12 @@ public:
 
     Domain* const parent;
     Object* memory = nullptr; ///< ByteArray for the fast memory instructions
+    /// What they work on while there is none.
+    std::span<std::uint8_t> spareMemory()
+    {
+        if (m_spareMemory.empty()) m_spareMemory.resize(kSpareBytes);
+        return m_spareMemory;
+    }
 
 private:
     struct Key {
@@ -106,6 +113,8 @@ private:
         Unit* unit;
         std::uint32_t script;
     };
+    static constexpr std::size_t kSpareBytes = 1024;
+    std::vector<std::uint8_t> m_spareMemory;
     const Definition* definition(const Multiname& name) const;
     std::map<Key, Definition, std::less<>, vm::TracedAllocator<std::pair<const Key, Definition>>>
         m_definitions;

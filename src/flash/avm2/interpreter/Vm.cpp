@@ -168,18 +168,22 @@ std::vector<std::u16string> Vm::callStack()
             } else if (env.role == MethodEnv::Role::ScriptInit) {
                 line = u"global$init";
             } else if (env.role == MethodEnv::Role::StaticInit) {
-                line += u"cinit";
+                line += u"$cinit";
             } else {
+                if (env.owner->cls == nullptr && env.owner->base == m_classes.cls->instances) line += u"$";
                 line += u"/";
                 if (env.role == MethodEnv::Role::Getter) line += u"get ";
                 if (env.role == MethodEnv::Role::Setter) line += u"set ";
-                line += qualified(env.ns, env.name);
+                // Only names in namespaces of their own tell so.
+                const bool isOwn = env.ns != nullptr && (env.ns->kind == Namespace::Kind::Public ||
+                                                         env.ns->kind == Namespace::Kind::Explicit);
+                line += qualified(isOwn ? env.ns : nullptr, env.name);
             }
         } else if (env.native != nullptr) {
             line = u"global/" + fromUtf8(env.nativeName);
         } else {
             const Name name = env.name;
-            line = name.isNull() || name.view().empty() ? u"Function/<anonymous>"
+            line = name.isNull() || name.view().empty() ? u"MethodInfo-" + numberText(env.method)
                                                         : u"Function/" + std::u16string(name.view());
         }
         result.push_back(line + u"()");
