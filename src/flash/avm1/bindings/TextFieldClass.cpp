@@ -434,7 +434,7 @@ void installTextFieldProperties(Vm& vm)
 void installTextField(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    Function* constructor = vm.defineClass("TextField", &construct, kMembers, kFrom6, kNativeTable);
+    Function* constructor = vm.defineClass("TextField", &construct, kMembers, 0, kNativeTable);
     vm.addMembers(constructor, kStaticMembers, kNativeTable);
     makeBroadcaster(vm, vm.prototypeOf(constructor));
     installTextFormat(binding);

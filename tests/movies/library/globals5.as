@@ -1,0 +1,4 @@
+// movie: version="5" rate="10"
+// Of the classes only Function and those in packages are hidden from version 5.
+list = "LoadVars TextField TextFormat TextSnapshot Video Camera Microphone SharedObject XMLSocket XML XMLNode NetConnection NetStream LocalConnection Accessibility Stage System PrintJob ContextMenu ContextMenuItem MovieClipLoader Error Button Selection Key Mouse Color Sound Function Object Array Math Date AsBroadcaster AsSetupError RemoteLSOUsage Number String Boolean MovieClip ASnative ASnew ASconstructor ASSetPropFlags ASSetNative ASSetNativeAccessor setInterval clearInterval setTimeout clearTimeout escape unescape parseInt parseFloat isNaN isFinite trace updateAfterEvent showRedrawRegions enableDebugConsole flash NaN Infinity".split(" ");
+for (i = 0; i < list.length; i++) trace(list[i] + " " + typeof eval(list[i]));
