@@ -192,6 +192,8 @@ void Clip::runFrame(int frame, Run run)
     if (static_cast<std::size_t>(frame) >= m_timeline->frames.size()) return;
     const NodePtr keep = shared_from_this();
     const std::shared_ptr<const swf::Timeline> timeline = m_timeline;
+    if (m_movie && timeline.get() == &m_movie->timeline)
+        m_stage.linkage().passFrame(m_movie, timeline->frames[static_cast<std::size_t>(frame)]);
     for (const swf::ControlTag& tag : timeline->frames[static_cast<std::size_t>(frame)].tags) {
         guard::check();
         if (const auto* placed = std::get_if<swf::PlaceObject>(&tag)) {

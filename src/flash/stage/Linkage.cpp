@@ -31,17 +31,31 @@ std::string Linkage::linkageName(const MoviePtr& movie, std::uint16_t characterI
 std::optional<std::uint16_t> Linkage::exportedCharacter(const MoviePtr& movie, std::string_view name) const
 {
     if (!movie) return {};
+    const auto passed = m_passed.find(movie);
+    const Exports& exports = passed == m_passed.end() ? movie->exports : passed->second;
     std::string key(name);
-    auto found = movie->exports.find(key);
-    if (found == movie->exports.end() && movie->header.version < 6) {
+    auto found = exports.find(key);
+    if (found == exports.end() && movie->header.version < 6) {
         key = textCode().fromUtf8(key);
-        found = movie->exports.find(key);
+        found = exports.find(key);
     }
-    if (found != movie->exports.end()) return found->second;
+    if (found != exports.end()) return found->second;
     // Linkage names do not tell cases apart.
-    for (const auto& [exported, id] : movie->exports)
+    for (const auto& [exported, id] : exports)
         if (base::equalIgnoringAsciiCase(exported, key)) return id;
     return {};
+}
+
+void Linkage::passFrame(const MoviePtr& movie, const swf::Frame& frame)
+{
+    const bool isFirst = &frame == &movie->timeline.frames.front();
+    Exports* exports = isFirst ? &m_passed[movie] : nullptr;
+    for (const swf::ControlTag& tag : frame.tags) {
+        const auto* exported = std::get_if<swf::ExportAssets>(&tag);
+        if (exported == nullptr) continue;
+        if (exports == nullptr) exports = &m_passed[movie];
+        for (const auto& [id, name] : exported->names) exports->insert_or_assign(name, id);
+    }
 }
 
 void Linkage::linkImports(const swf::Movie& movie, const std::string& url)

@@ -28,6 +28,9 @@ public:
     /// The character of a linkage name. Nothing when the movie exports no such name.
     [[nodiscard]] std::optional<std::uint16_t> exportedCharacter(const MoviePtr& movie,
                                                                  std::string_view name) const;
+    /// A frame of a movie's main timeline comes up for the first time or again: names count from the frame on
+    /// that exports them. Those of a movie that is only a library for others all count.
+    void passFrame(const MoviePtr& movie, const swf::Frame& frame);
     /// Finds the characters that a movie imports from others, beside itself; those that cannot be had stay
     /// missing. Done once for a movie.
     void linkImports(const swf::Movie& movie, const std::string& url);
@@ -39,7 +42,11 @@ public:
     /// To be called before a movie is opened. @param code null: the system's own
     void setTextCode(std::shared_ptr<const base::TextCode> code) { m_textCode = std::move(code); }
 
-    void clear() { m_linkageNames.clear(); }
+    void clear()
+    {
+        m_linkageNames.clear();
+        m_passed.clear();
+    }
 
 private:
     /// @param librariesLeft how many may still be read, those that libraries import from included
@@ -48,6 +55,8 @@ private:
     Stage& m_stage;
     std::shared_ptr<const base::TextCode> m_textCode; // null: the system's own
     ByMovie<std::unordered_map<std::uint16_t, std::string>> m_linkageNames;
+    using Exports = std::unordered_map<std::string, std::uint16_t>;
+    ByMovie<Exports> m_passed; // of movies whose main timeline has been on the stage
 };
 
 } // namespace flash::stage
