@@ -105,6 +105,7 @@ Value construct(Call& call)
 Value getTransform(Call& call)
 {
     Vm& vm = call.vm;
+    if (!selfNode(call)) return {};
     Object* package = vm.global();
     for (const char* name : {"flash", "geom"}) {
         package = package->get(vm, vm.name(std::string_view(name))).asObject();

@@ -258,7 +258,10 @@ void installDate(Vm& vm)
     Function* constructor = vm.defineClass("Date", &construct, kMembers, 0, kNativeTable);
     vm.registerNative(kNativeTable, 256, &construct);
     vm.addMembers(constructor, kStatics, kNativeTable);
-    vm.builtIns().date = vm.prototypeOf(constructor);
+    Object* prototype = vm.prototypeOf(constructor);
+    vm.builtIns().date = prototype;
+    // One function under two names.
+    prototype->define(vm, "valueOf", prototype->get(vm, vm.name(std::string_view("getTime"))), kBuiltIn);
 }
 
 } // namespace flash::avm1::classes

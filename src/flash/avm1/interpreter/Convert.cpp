@@ -166,7 +166,9 @@ bool looselyEqual(Vm& vm, Value a, Value b)
         // Version 5 asks both, the right one first, even when they are one.
         const Value right = toPrimitive(vm, b, Hint::Number);
         const Value left = toPrimitive(vm, a, Hint::Number);
-        if (left.isObject() && right.isObject()) return left.bits() == right.bits();
+        // A clip that comes out is no object any more, and has the other one asked again, for its number.
+        if (left.isObject() && right.isObject() && isClip(left) == isClip(right))
+            return left.bits() == right.bits();
         if (!left.isObject() && !right.isObject()) return looselyEqual(vm, left, right);
         const double number = toNumber(vm, left);
         return number == toNumber(vm, right);
