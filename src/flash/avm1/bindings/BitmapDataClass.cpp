@@ -223,30 +223,30 @@ Value compare(Call& call)
 }
 
 constexpr MemberInfo kMembers[] = {
-    {"getPixel", 0, 0, &guarded<&getPixel, 2>, 1},
-    {"setPixel", 0, 0, &changing<&setPixel, 3>, 2},
-    {"fillRect", 0, 0, &changing<&fillRect, 2>, 3},
-    {"copyPixels", 0, 0, &changing<&bitmaps::copyPixels, 3>, 4},
-    {"applyFilter", 0, 0, &changing<&bitmaps::applyFilter, 4>, 5},
-    {"scroll", 0, 0, &changing<&scroll, 2>, 6},
-    {"threshold", 0, 0, &changing<&bitmaps::threshold, 5>, 7},
-    {"draw", 0, 0, &changing<&bitmaps::draw, 1>, 8},
-    {"pixelDissolve", 0, 0, &changing<&bitmaps::pixelDissolve, 3>, 9},
-    {"getPixel32", 0, 0, &guarded<&getPixel32, 2>, 10},
-    {"setPixel32", 0, 0, &changing<&setPixel32, 3>, 11},
-    {"floodFill", 0, 0, &changing<&floodFill, 3>, 12},
-    {"getColorBoundsRect", 0, 0, &guarded<&getColorBoundsRect, 2>, 13},
-    {"perlinNoise", 0, 0, &changing<&bitmaps::perlinNoise, 6>, 14},
-    {"colorTransform", 0, 0, &changing<&colorTransform, 2>, 15},
-    {"hitTest", 0, 0, &guarded<&hitTest, 3>, 16},
-    {"paletteMap", 0, 0, &changing<&bitmaps::paletteMap, 3>, 17},
-    {"merge", 0, 0, &changing<&bitmaps::merge, 7>, 18},
-    {"noise", 0, 0, &changing<&bitmaps::noise, 1>, 19},
-    {"copyChannel", 0, 0, &changing<&bitmaps::copyChannel, 5>, 20},
-    {"clone", 0, 0, &guarded<&clone, 0>, 21},
-    {"dispose", 0, 0, &changing<&dispose, 0>, 22},
-    {"generateFilterRect", 0, 0, &guarded<&bitmaps::generateFilterRect, 2>, 23},
-    {"compare", 0, 0, &compare, 24},
+    {"getPixel", 0, kFrom8, &guarded<&getPixel, 2>, 1},
+    {"setPixel", 0, kFrom8, &changing<&setPixel, 3>, 2},
+    {"fillRect", 0, kFrom8, &changing<&fillRect, 2>, 3},
+    {"copyPixels", 0, kFrom8, &changing<&bitmaps::copyPixels, 3>, 4},
+    {"applyFilter", 0, kFrom8, &changing<&bitmaps::applyFilter, 4>, 5},
+    {"scroll", 0, kFrom8, &changing<&scroll, 2>, 6},
+    {"threshold", 0, kFrom8, &changing<&bitmaps::threshold, 5>, 7},
+    {"draw", 0, kFrom8, &changing<&bitmaps::draw, 1>, 8},
+    {"pixelDissolve", 0, kFrom8, &changing<&bitmaps::pixelDissolve, 3>, 9},
+    {"getPixel32", 0, kFrom8, &guarded<&getPixel32, 2>, 10},
+    {"setPixel32", 0, kFrom8, &changing<&setPixel32, 3>, 11},
+    {"floodFill", 0, kFrom8, &changing<&floodFill, 3>, 12},
+    {"getColorBoundsRect", 0, kFrom8, &guarded<&getColorBoundsRect, 2>, 13},
+    {"perlinNoise", 0, kFrom8, &changing<&bitmaps::perlinNoise, 6>, 14},
+    {"colorTransform", 0, kFrom8, &changing<&colorTransform, 2>, 15},
+    {"hitTest", 0, kFrom8, &guarded<&hitTest, 3>, 16},
+    {"paletteMap", 0, kFrom8, &changing<&bitmaps::paletteMap, 3>, 17},
+    {"merge", 0, kFrom8, &changing<&bitmaps::merge, 7>, 18},
+    {"noise", 0, kFrom8, &changing<&bitmaps::noise, 1>, 19},
+    {"copyChannel", 0, kFrom8, &changing<&bitmaps::copyChannel, 5>, 20},
+    {"clone", 0, kFrom8, &guarded<&clone, 0>, 21},
+    {"dispose", 0, kFrom8, &changing<&dispose, 0>, 22},
+    {"generateFilterRect", 0, kFrom8, &guarded<&bitmaps::generateFilterRect, 2>, 23},
+    {"compare", 0, kFrom8, &compare, 24},
 };
 constexpr int kNativeTable = 1100;
 
@@ -297,7 +297,7 @@ void installBitmapData(StageBinding& binding, Object* package)
     vm.addMembers(prototype, kMembers, kNativeTable);
     vm.addAccessors(prototype, kProperties);
     constructor->define(vm, vm.common().prototype, prototype, kBuiltIn);
-    constructor->define(vm, "loadBitmap", vm.newFunction(&loadBitmap, 1), kBuiltIn);
+    constructor->define(vm, "loadBitmap", vm.newFunction(&loadBitmap, 1), kBuiltIn | kFrom8);
     constexpr std::pair<const char*, int> kChannels[] = {
         {"RED_CHANNEL", 1}, {"GREEN_CHANNEL", 2}, {"BLUE_CHANNEL", 4}, {"ALPHA_CHANNEL", 8}};
     for (const auto& [name, bit] : kChannels) constructor->define(vm, name, bit, kBuiltIn);

@@ -318,8 +318,8 @@ constexpr LibraryFunction kPolicyMembers[] = {
     {"resolve", Written::Native, kHidden, &nothing, 0, 15},
 };
 constexpr LibraryFunction kSecurityMembers[] = {
-    {"chooseLocalSwfPath", Written::Native, kHidden6 | kFrom8, &nothing, 0, 3},
-    {"escapeDomain",       Written::Native, kHidden6 | kFrom8, &nothing, 0, 4},
+    {"chooseLocalSwfPath", Written::Native, kHidden, &nothing, 0, 3},
+    {"escapeDomain",       Written::Native, kHidden, &nothing, 0, 4},
 };
 constexpr LibraryFunction kGlobals[] = {
     {"enableDebugConsole", Written::Native, kHidden, &nothing},

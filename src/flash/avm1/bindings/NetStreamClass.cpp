@@ -222,16 +222,16 @@ constexpr AccessorInfo kConnectionAccessors[] = {
     {"isConnected", kFrom6, &getConnected, nullptr},
 };
 constexpr MemberInfo kStreamMembers[] = {
-    {"play",          1, kFrom6, &onStream<&play>},
-    {"pause",         0, kFrom6, &onStream<&pause>},
-    {"seek",          1, kFrom6, &onStream<&seek>},
+    {"play",          1, 0,      &onStream<&play>},
+    {"pause",         0, 0,      &onStream<&pause>},
+    {"seek",          1, 0,      &onStream<&seek>},
     {"close",         0, kFrom6, &onStream<&close>},
     {"setBufferTime", 1, kFrom6, &onStream<&setBufferTime>},
     {"attachAudio",   0, kFrom6, &nothing},
     {"attachVideo",   0, kFrom6, &nothing},
-    {"publish",       0, kFrom6, &nothing},
-    {"receiveAudio",  0, kFrom6, &nothing},
-    {"receiveVideo",  0, kFrom6, &nothing},
+    {"publish",       0, 0,      &nothing},
+    {"receiveAudio",  0, 0,      &nothing},
+    {"receiveVideo",  0, 0,      &nothing},
     {"send",          0, kFrom6, &nothing},
 };
 constexpr AccessorInfo kStreamAccessors[] = {

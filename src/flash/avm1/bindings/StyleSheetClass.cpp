@@ -248,21 +248,21 @@ Value construct(Call& call)
 
 // clang-format off
 constexpr LibraryFunction kMembers[] = {
-    {"load",               Written::Native, kHidden, &load,               0, 100},
-    {"update",             Written::Native, kHidden, &update,             0, 104},
-    {"parseCSSInternal",   Written::Native, kHidden, &parseCss,           0, 101},
-    {"parseCSSFontFamily", Written::Native, kHidden, &parseCssFontFamily, 0, 102},
-    {"parseColor",         Written::Native, kHidden, &parseColor,         0, 103},
-    {"_copy",              Written::Script, kHidden, &copyMethod},
-    {"clear",              Written::Script, kHidden, &clear},
-    {"getStyle",           Written::Script, kHidden, &getStyle},
-    {"setStyle",           Written::Script, kHidden, &setStyle},
-    {"getStyleNames",      Written::Script, kHidden, &getStyleNames},
-    {"doTransform",        Written::Script, kHidden, &doTransform},
-    {"transform",          Written::Script, kHidden, &transform},
-    {"parse",              Written::Script, kHidden, &parse},
-    {"onLoad",             Written::Script, kHidden, &onLoad},
-    {"onData",             Written::Script, kHidden, &onData},
+    {"load",               Written::Native, kHidden7, &load,               0, 100},
+    {"update",             Written::Native, kHidden7, &update,             0, 104},
+    {"parseCSSInternal",   Written::Native, kHidden7, &parseCss,           0, 101},
+    {"parseCSSFontFamily", Written::Native, kHidden7, &parseCssFontFamily, 0, 102},
+    {"parseColor",         Written::Native, kHidden7, &parseColor,         0, 103},
+    {"_copy",              Written::Script, kHidden7, &copyMethod},
+    {"clear",              Written::Script, kHidden7, &clear},
+    {"getStyle",           Written::Script, kHidden7, &getStyle},
+    {"setStyle",           Written::Script, kHidden7, &setStyle},
+    {"getStyleNames",      Written::Script, kHidden7, &getStyleNames},
+    {"doTransform",        Written::Script, kHidden7, &doTransform},
+    {"transform",          Written::Script, kHidden7, &transform},
+    {"parse",              Written::Script, kHidden7, &parse},
+    {"onLoad",             Written::Script, kHidden7, &onLoad},
+    {"onData",             Written::Script, kHidden7, &onData},
 };
 // clang-format on
 

@@ -36,9 +36,9 @@ constexpr MemberInfo kMembers[] = {
     {"showSettings", 0, 0, &showSettings, 1},
 };
 constexpr MemberInfo kSecurityMembers[] = {
-    {"allowDomain",         0, kFrom6, &allow, 0},
+    {"allowDomain",         0, 0,      &allow, 0},
     {"allowInsecureDomain", 0, kFrom7, &allow, 1},
-    {"loadPolicyFile",      0, kFrom7, &allow, 2},
+    {"loadPolicyFile",      0, 0,      &allow, 2},
 };
 constexpr AccessorInfo kSecurityAccessors[] = {
     {"sandboxType", kFrom8, &sandboxType, nullptr},

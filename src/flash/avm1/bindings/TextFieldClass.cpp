@@ -398,17 +398,17 @@ constexpr AccessorInfo kAccessors[] = {
     {"thickness",         kFrom8, &on<&getThickness>,   &on<&setThickness>},
 };
 constexpr MemberInfo kMembers[] = {
-    {"replaceSel",       1, 0,      &on<&replaceSel>,       100},
-    {"getTextFormat",    0, 0,      &on<&getTextFormat>,    101},
-    {"setTextFormat",    0, 0,      &on<&setTextFormat>,    102},
-    {"removeTextField",  0, 0,      &on<&removeTextField>,  103},
-    {"getNewTextFormat", 0, 0,      &on<&getNewTextFormat>, 104},
-    {"setNewTextFormat", 0, 0,      &on<&setNewTextFormat>, 105},
-    {"getDepth",         0, 0,      &on<&getDepth>,         106},
+    {"replaceSel",       1, kFrom6, &on<&replaceSel>,       100},
+    {"getTextFormat",    0, kFrom6, &on<&getTextFormat>,    101},
+    {"setTextFormat",    0, kFrom6, &on<&setTextFormat>,    102},
+    {"removeTextField",  0, kFrom6, &on<&removeTextField>,  103},
+    {"getNewTextFormat", 0, kFrom6, &on<&getNewTextFormat>, 104},
+    {"setNewTextFormat", 0, kFrom6, &on<&setNewTextFormat>, 105},
+    {"getDepth",         0, kFrom6, &on<&getDepth>,         106},
     {"replaceText",      0, kFrom7, &on<&replaceText>,      107},
 };
 constexpr MemberInfo kStaticMembers[] = {
-    {"getFontList",      0, 0,      &getFontList,           201},
+    {"getFontList",      0, kFrom6, &getFontList,           201},
 };
 // clang-format on
 
@@ -436,7 +436,12 @@ void installTextField(StageBinding& binding)
     Vm& vm = binding.vm();
     Function* constructor = vm.defineClass("TextField", &construct, kMembers, 0, kNativeTable);
     vm.addMembers(constructor, kStaticMembers, kNativeTable);
-    makeBroadcaster(vm, vm.prototypeOf(constructor));
+    Object* prototype = vm.prototypeOf(constructor);
+    makeBroadcaster(vm, prototype);
+    // Version 5 has the class, but nothing of what is in it.
+    for (const char* member : {"broadcastMessage", "addListener", "removeListener", "_listeners"})
+        prototype->changeFlags(vm, vm.name(std::string_view(member)), kFrom6, 0);
+    constructor->changeFlags(vm, vm.common().prototype, kFrom6, 0);
     installTextFormat(binding);
     installStyleSheet(binding, constructor);
 }

@@ -22,6 +22,7 @@ struct LibraryFunction {
 /// Flags as the dumps of the library show them most: neither listed nor deleted, and from some version on.
 inline constexpr std::uint16_t kHidden = kDontEnum | kDontDelete;
 inline constexpr std::uint16_t kHidden6 = kHidden | kFrom6;
+inline constexpr std::uint16_t kHidden7 = kHidden | kFrom7;
 inline constexpr std::uint16_t kHidden8 = kHidden | kFrom8;
 inline constexpr std::uint16_t kConstant = kHidden | kReadOnly;
 
