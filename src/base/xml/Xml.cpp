@@ -97,14 +97,6 @@ Result<Document> Document::parse(Bytes bytes)
     return document;
 }
 
-Document Document::create(std::string_view rootName)
-{
-    xmlDoc* document = xmlNewDoc(in("1.0"));
-    document->encoding = xmlStrdup(in("windows-1251"));
-    xmlDocSetRootElement(document, xmlNewDocNode(document, nullptr, in(std::string(rootName)), nullptr));
-    return Document(document);
-}
-
 Element Document::root() const { return Element(xmlDocGetRootElement(m_document.get())); }
 
 std::string Document::written() const
@@ -208,12 +200,6 @@ bool Element::setText(std::string_view text)
 Element Element::addChild(std::string_view name)
 {
     return Element(xmlNewChild(m_node, nullptr, in(std::string(name)), nullptr));
-}
-
-void Element::removeChild(const Element& child)
-{
-    xmlUnlinkNode(child.m_node);
-    xmlFreeNode(child.m_node);
 }
 
 } // namespace base::xml

@@ -41,7 +41,6 @@ public:
     /// @returns false as setAttribute does
     bool setText(std::string_view text);
     Element addChild(std::string_view name);
-    void removeChild(const Element& child);
 
 private:
     friend class Document;
@@ -61,8 +60,6 @@ public:
     /// that are not the UTF-8 they claim to be are taken for windows-1251, as old files are.
     /// @errors SyntaxError with the line in `what`; Denied for documents that declare entities
     static Result<Document> parse(Bytes bytes);
-    /// An empty document in windows-1251 with nothing but its root element.
-    static Document create(std::string_view rootName);
 
     [[nodiscard]] Element root() const;
     /// @returns the document's bytes in its declared encoding
