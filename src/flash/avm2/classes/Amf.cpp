@@ -280,6 +280,11 @@ private:
         case Kind::Number: return read.number;
         case Kind::Text: return text(read.text);
         case Kind::Reference: return m_objects[read.count];
+        case Kind::External:
+            m_vm.throwError(ErrorClass::Argument, 2173,
+                            u"Unable to read object in stream. The class " + fromUtf8(read.text) +
+                                u" does not implement flash.utils.IExternalizable but is aliased to an "
+                                u"externalizable class.");
         default: break;
         }
         const Value result = empty(read);
@@ -326,14 +331,22 @@ private:
         ClassObject* cls = m_vm.vectorOf(element);
         return m_vm.heap().make<VectorObject>(cls->instances, cls->prototype);
     }
-    /// What a class makes of a member is its own affair: an error is told and the reading goes on.
+    /// What a class makes of a member is its own affair: an error is traced and the reading goes on.
+    void set(Value into, Name name, Value item)
+    {
+        try {
+            m_vm.set(into, m_vm.publicName(name), item);
+        } catch (const ScriptThrow&) {
+            m_vm.host().trace(m_vm.text(m_vm.thrown()));
+        }
+    }
     void put(Value into, Name name, Value item)
     {
         auto* array = as<ArrayObject>(into);
         if (array != nullptr && name.arrayIndex() != Atom::kNotIndex)
             array->put(m_vm, name.arrayIndex(), item);
         else
-            m_vm.guarded([&] { m_vm.set(into, m_vm.publicName(name), item); });
+            set(into, name, item);
     }
     void fill(Value into, net::AmfValue& read, int depth)
     {
