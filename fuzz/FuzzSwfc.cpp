@@ -1,5 +1,5 @@
 // Any bytes as a description or as a script: the compiler answers with a movie or with errors. The first byte
-// chooses which, and the version.
+// chooses which, and the version; from 0x80 on it is ActionScript 3, or its assembler.
 
 #include "swfc/source/Movie.h"
 
@@ -32,9 +32,15 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size == 0) return 0;
+    const bool isActionScript3 = data[0] >= 0x80;
     const bool isScript = (data[0] & 1) != 0;
     std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
-    if (isScript) text = "// movie: version=\"" + std::to_string(4 + (data[0] >> 1) % 5) + "\"\n" + text;
+    if (isActionScript3 && isScript)
+        text = "// movie: version=\"10\"\n" + text;
+    else if (isActionScript3)
+        text = "<movie version=\"10\"><abc><![CDATA[" + text + "]]></abc></movie>";
+    else if (isScript)
+        text = "// movie: version=\"" + std::to_string(4 + (data[0] >> 1) % 5) + "\"\n" + text;
     OneFile files(std::move(text));
     swfc::Diagnostics diagnostics;
     const auto movie = swfc::source::compileMovie(isScript ? "f.as" : "f.xml", files, diagnostics);

@@ -130,6 +130,12 @@ def main():
             corpus.put('FuzzSwf', name, movie)
         if source.parent.name in ('language', 'script4', 'buttons'):
             corpus.put('FuzzSwfc', name, bytes([source.suffix == '.as' and 7]) + text)
+    for source in sorted([*MOVIES.glob('actionscript3/*/*.as'), *MOVIES.glob('actionscript3/assembler/*.xml')]):
+        text = source.read_bytes()
+        if source.suffix == '.xml':
+            text = text.partition(b'<![CDATA[')[2].partition(b']]>')[0]
+        corpus.put('FuzzSwfc', 'actionscript3-' + source.parent.name + '-' + source.stem,
+                   bytes([0x81 if source.suffix == '.as' else 0x80]) + text)
     put_tags(corpus, 'film', corpus.compiled(ROOT / 'assets/samples/film.xml'))
 
     with tempfile.TemporaryDirectory() as folder:

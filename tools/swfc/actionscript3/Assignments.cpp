@@ -34,6 +34,12 @@ FunctionCompiler::Target FunctionCompiler::openTarget(const Expr* expr)
         } else {
             ClassSymbol* base = m_context.cls != nullptr ? m_program.baseOf(m_context.cls) : nullptr;
             target.name = identifier(expr, base != nullptr ? base->type : nullptr, false);
+            // The base class knows its protected members by its own namespace.
+            const Member* member =
+                base == nullptr || expr->qualifier != nullptr || expr->b != nullptr
+                    ? nullptr
+                    : m_program.findMember(base, expr->text, false, open(), Member::Kind::Getter);
+            if (member != nullptr) target.name.name = member->name;
         }
         keepParts();
         return target;

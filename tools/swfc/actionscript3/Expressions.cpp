@@ -60,7 +60,7 @@ TypePtr FunctionCompiler::number(double value, bool isInteger)
         m_code.pushInt(number, number >= -128 && number <= 32767 ? 0 : m_program.abc.integer(number));
         return types.integer;
     }
-    if (isInteger && value >= 0 && value <= 4294967295.0) {
+    if (isInteger && !std::signbit(value) && value <= 4294967295.0) {
         m_code.op(Op::pushuint, m_program.abc.uinteger(static_cast<std::uint32_t>(value)));
         return types.uinteger;
     }

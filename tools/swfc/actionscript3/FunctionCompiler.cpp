@@ -39,7 +39,10 @@ Index FunctionCompiler::function(const Function& fn, const std::string& name)
     parameters(fn, info);
     chooseLocals(fn);
     prologue(fn);
+    // Namespaces that the function opens are its own.
+    const std::vector<Index> used = scope().used;
     statements(fn.body);
+    scope().used = used;
     return finish(name, std::move(info));
 }
 

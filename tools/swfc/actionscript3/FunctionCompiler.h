@@ -183,7 +183,7 @@ private:
     std::optional<Program::Found> packagedName(const Expr* expr);
     std::string dotted(const Expr* expr) const;
     Index memberQName(const Member& member, const std::string& name);
-    std::vector<Index> open() { return m_program.openNamespaces(scope(), m_context.cls, m_context.isStatic); }
+    std::vector<Index> open() { return m_program.openNamespaces(scope(), m_context.cls); }
     MemberName identifier(const Expr* expr, TypePtr base, bool forSetting);
     MemberName openMember(const Expr* expr);
     MemberName knownMember(const std::string& name, TypePtr base, bool forSetting);

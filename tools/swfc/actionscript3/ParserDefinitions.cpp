@@ -37,8 +37,10 @@ bool Parser::modifiers(Modifiers& modifiers)
         } else if (m_token.kind == Token::Kind::Name && !isWord("namespace")) {
             // The name of a namespace stands in the line of what it goes with.
             const Token ahead = lookAhead();
-            if (!startsDefinition(ahead) || (ahead.newlineBefore && !isOneOf(m_token, kModifierWords)))
-                return any;
+            const bool isWord = isOneOf(m_token, kModifierWords);
+            const bool isNamespaceNext = isWord && ahead.kind == Token::Kind::Name && !ahead.newlineBefore;
+            if (!startsDefinition(ahead) && !isNamespaceNext) return any;
+            if (ahead.newlineBefore && !isWord) return any;
         } else {
             return any;
         }

@@ -180,7 +180,7 @@ bool Program::isPackage(const std::string& name, Scope& scope)
                                [&](const auto& entry) { return entry.second.starts_with(name + "."); });
 }
 
-std::vector<Index> Program::openNamespaces(const Scope& scope, const ClassSymbol* cls, bool isStatic)
+std::vector<Index> Program::openNamespaces(const Scope& scope, const ClassSymbol* cls)
 {
     std::vector<Index> open;
     if (cls != nullptr) open.push_back(cls->privateNs);
@@ -191,7 +191,7 @@ std::vector<Index> Program::openNamespaces(const Scope& scope, const ClassSymbol
     if (!scope.package.empty()) open.push_back(publicNs(scope.package));
     int depth = 0;
     for (auto* at = const_cast<ClassSymbol*>(cls); at != nullptr && ++depth < 256; at = baseOf(at)) {
-        if (at == cls && !isStatic) open.push_back(at->protectedNs);
+        open.push_back(at->protectedNs);
         open.push_back(at->staticProtectedNs);
     }
     open.insert(open.end(), scope.used.begin(), scope.used.end());

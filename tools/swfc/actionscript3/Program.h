@@ -60,7 +60,7 @@ public:
     /// The same for a dotted one.
     Found findDotted(const std::string& dotted, Scope& scope);
     bool isPackage(const std::string& name, Scope& scope);
-    std::vector<Index> openNamespaces(const Scope& scope, const ClassSymbol* cls, bool isStatic);
+    std::vector<Index> openNamespaces(const Scope& scope, const ClassSymbol* cls);
     /// The name in all those namespaces, and those of whole imported packages when it may be a definition.
     Index openName(const std::string& name, const std::vector<Index>& namespaces, const Scope* imports,
                    bool isAttribute = false);

@@ -230,6 +230,8 @@ void MovieBuilder::children(const Element& element, Timeline& timeline)
             continue;
         else if (timeline.isMain && child->name == "actionscript")
             sourceElement(*child);
+        else if (timeline.isMain && child->name == "abc")
+            abcElement(*child);
         else if (timeline.isMain &&
                  (child->name == "metadata" || child->name == "scriptLimits" || child->name == "raw"))
             movieElement(*child);

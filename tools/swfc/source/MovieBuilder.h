@@ -123,6 +123,7 @@ private:
 
     // ActionScript 3
     void sourceElement(const Element& element);
+    void abcElement(const Element& element);
     void link(std::uint16_t id, CharacterKind kind, const std::string& className, Position where,
               std::vector<actionscript3::Program::FrameScript> scripts);
     bool provideClass(const std::string& name, CharacterKind kind);
@@ -196,6 +197,7 @@ private:
         std::vector<actionscript3::Program::FrameScript> scripts = {};
     };
     bool m_isActionScript3 = false;
+    bool m_hasBlocks = false;                          // assembled ones, whose classes are not looked at
     std::unique_ptr<actionscript3::Program> m_program; // ActionScript 3
     std::vector<LinkedClass> m_links;
     std::optional<actionscript::SourceText> m_onlySource;

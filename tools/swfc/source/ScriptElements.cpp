@@ -1,5 +1,7 @@
 #include "swfc/source/MovieBuilder.h"
 
+#include "swfc/actionscript3/AbcAssembler.h"
+
 #include <algorithm>
 
 namespace swfc::source
@@ -48,6 +50,25 @@ void MovieBuilder::sourceElement(const Element& element)
         error(element, "expected actionscript=\"3\" of the movie for <actionscript>");
     else if (source)
         m_program->addFile(*source);
+}
+
+/// A block as the assembler makes it, which stands where it is written.
+void MovieBuilder::abcElement(const Element& element)
+{
+    Attributes attributes(element, m_diagnostics);
+    const auto source = scriptSource(element, attributes);
+    const bool isLazy = attributes.flag("lazy");
+    if (!m_isActionScript3) {
+        error(element, "expected actionscript=\"3\" of the movie for <abc>");
+        return;
+    }
+    if (!source) return;
+    output::BitWriter out;
+    out.u32(isLazy ? 1 : 0);
+    out.text(attributes.text("name", ""));
+    out.append(actionscript3::assemble(*source, m_diagnostics));
+    definitions().add(Tag::DoAbc, out);
+    m_hasBlocks = true;
 }
 
 /// Notes the class of a character. Which classes there are is known when all sources have been read.

@@ -335,8 +335,9 @@ void MovieBuilder::frameChild(const Element& element, Timeline& timeline)
 void MovieBuilder::initElement(const Element& element, Timeline& timeline)
 {
     Attributes attributes(element, m_diagnostics);
-    if (!need(6, element, "<init>") || !needOlderScript(element, "<init>")) return;
+    if (!need(6, element, "<init>")) return;
     const Character* sprite = lookUp(element, attributes.required("sprite"), CharacterKind::Sprite);
+    if (!needOlderScript(element, "<init>")) return;
     actionscript::ScriptContext context = scriptContext();
     output::BitWriter out;
     out.u16(sprite == nullptr ? 0 : sprite->id);

@@ -84,6 +84,7 @@ void appendInstruction(std::string& out, const Abc& abc, const Instruction& inst
         case 'm': out += ' ' + (index < abc.multinames.size() ? nameOf(abc, index) : "?"); break;
         case 's': out += index < abc.strings.size() ? " \"" + abc.strings[index] + '"' : " ?"; break;
         case 'i': out += index < abc.ints.size() ? ' ' + std::to_string(abc.ints[index]) : " ?"; break;
+        case 'U': out += index < abc.uints.size() ? ' ' + std::to_string(abc.uints[index]) : " ?"; break;
         case 'd': out += index < abc.doubles.size() ? ' ' + std::to_string(abc.doubles[index]) : " ?"; break;
         case 'j': out += " -> " + std::to_string(value); break;
         case 'L':

@@ -208,6 +208,13 @@ ClassObject* Vm::newClass(Unit* unit, std::uint32_t index, ClassObject* base, Sc
     MethodEnv* initializer = unit->method(*this, statics.initializer, inner);
     initializer->owner = classTraits;
     initializer->role = MethodEnv::Role::StaticInit;
+    // What runs now already finds the class by its name: a class may keep objects of its own.
+    if (scope != nullptr && scope->global != nullptr) {
+        const Binding* place = scope->global->traits()->find(name);
+        const bool isSlot = place != nullptr && place->kind == Binding::Kind::Const;
+        if (isSlot && scope->global->slot(static_cast<std::uint32_t>(place->id)).isNull())
+            scope->global->setSlot(static_cast<std::uint32_t>(place->id), Value(cls));
+    }
     invoke(*initializer, Value(cls), {});
     return cls;
 }

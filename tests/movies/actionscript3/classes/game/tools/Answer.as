@@ -1,0 +1,7 @@
+package game.tools
+{
+    public class Answer
+    {
+        public function get value():int { return 42; }
+    }
+}

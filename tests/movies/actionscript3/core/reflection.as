@@ -1,0 +1,9 @@
+// movie: version="10" rate="20"
+import flash.utils.*;
+class Described { public var v:int; public const C:String = "c"; public function m(a:int, b:String = null):void {} public function get g():Number { return 0; } }
+trace(getQualifiedClassName("s"), getQualifiedClassName(1), getQualifiedClassName(1.5), getQualifiedClassName([]), getQualifiedClassName(new <int>[]));
+trace(getDefinitionByName("flash.utils.ByteArray"), getDefinitionByName("Array") == Array);
+try { getDefinitionByName("no.such.Thing"); } catch (e:ReferenceError) { trace(e.errorID); }
+var x:XML = describeType(new Described());
+trace(x.variable.@name, x.variable.@type, x.constant.@name, x.accessor.@access, x.method.(@name == "m").@returnType, x.method.parameter.length(), x.method.parameter[1].@optional);
+trace(getQualifiedSuperclassName(new ByteArray()), getQualifiedClassName(null), getQualifiedClassName(undefined));

@@ -1,0 +1,14 @@
+// movie: version="10" rate="20"
+var x:XML = <r xmlns:p="urn:p" xmlns="urn:d"><p:a p:k="v" plain="w">1</p:a><a>2</a></r>;
+var p:Namespace = new Namespace("urn:p");
+var d:Namespace = new Namespace("urn:d");
+trace(x.p::a, x.d::a, x.*::a.length(), x.p::a.@p::k, x.p::a.@plain);
+trace(x.a.length(), x.name(), x.localName(), x.namespace(), x.p::a.name().uri);
+default xml namespace = "urn:d";
+trace(<made/>.namespace().uri, new QName("plain").uri);
+default xml namespace = new Namespace("");
+trace(<made/>.namespace().uri.length);
+trace(x.namespaceDeclarations().length, x.p::a.namespace().prefix);
+var q:QName = new QName(p, "a");
+trace(q, q.localName, x[q], x.descendants(q).length());
+trace(x.elements(new QName("urn:d", "a")));

@@ -1,0 +1,25 @@
+// movie: version="10" rate="20"
+var i:int = 2147483647;
+i++;
+trace(i);
+i = 2147483647; i = i + 1; trace(i);
+i = 4294967295; trace(i);
+i = -1.9; trace(i);
+i = NaN; trace(i);
+i = "12abc"; trace(i);
+i = "0x10"; trace(i);
+var u:uint = 0;
+u--;
+trace(u);
+u = -1; trace(u);
+u = 4294967296; trace(u);
+u = 3; trace(u - 5, u / 2);
+var n:Number = 2147483647;
+n = n + 1; trace(n);
+var a:int = 65536, b:int = 65537;
+var c:int = a * b; trace(c);
+trace(a * b);
+trace(int.MAX_VALUE, int.MIN_VALUE, uint.MAX_VALUE);
+trace(int(3.99), uint(-1), int("  42 "), Number(""), Number("x"), int(true));
+var big:int = 0x7FFFFFFF; trace(big - -1 | 0);
+trace(int(1e10), uint(1e10));
