@@ -119,7 +119,9 @@ def libraries_opened_at_run_time(program):
 def validate(package):
     run('desktop-file-validate', package.path('usr/share/applications/zorvex.desktop'))
     run('appstreamcli', 'validate', '--no-net', package.path('usr/share/metainfo/org.zorvex.Zorvex.metainfo.xml'))
-    for page in ('man/man1/zorvex.1.gz', 'man/ru/man1/zorvex.1.gz', 'man/man1/zorvex-export.1.gz', 'man/ru/man1/zorvex-export.1.gz'):
+    for page in ('man1/zorvex', 'ru/man1/zorvex', 'man1/zorvex-export', 'ru/man1/zorvex-export', 'man1/swfc', 'ru/man1/swfc',
+                 'man1/svgpng', 'ru/man1/svgpng'):
+        page = 'man/%s.1.gz' % page
         said = run('man', '--warnings', '-l', '-Tutf8', package.path('usr/share/' + page),
                    env=dict(os.environ, LC_ALL='C.UTF-8', MANPAGER='cat'))
         assert 'zorvex' in said and 'warning' not in said, said
