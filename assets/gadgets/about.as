@@ -32,7 +32,7 @@ for (var i = 0; i < lines.length; i++) lines[i] = trimmed(lines[i]);
 picture(this, "mark", MARGIN + 28, 56, 62);
 setFitted(label(this, 100, 28, 280, 34, 24, ICE, BOLD), blank > 0 ? version.substr(0, blank) : PRODUCT, 0);
 if (blank < version.length)
-  setFitted(label(this, 100, 60, 280, 20, 11, SKY), "Версия " + version.substr(blank + 1), 0);
+  setFitted(label(this, 100, 60, 280, 20, 11, SKY), say("Версия ") + version.substr(blank + 1), 0);
 
 var window = child(this, "window"), mask = child(this, "mask");
 window._y = mask._y = TOP;

@@ -55,10 +55,21 @@ function chooseFolder() { send("MEOWBROWSE"); }
 
 var up = glyphPlate(EDGE, 8, "parent", goUp);
 if (isRoot) disable(up, up.glyph);
-setFitted(label(this, 48, 12, WIDE - 48 - 184, 22, 13, ICE), folder);
+setFitted(label(this, 48, 12, WIDE - 48 - 184 - 112, 22, 13, ICE), folder);
+
+// What the items are ordered by; a click takes the next.
+var ORDERS = ["name", "date", "size"], ORDER_TEXTS = [say("По имени"), say("По дате"), say("По размеру")];
+var orderAt = 0;
+for (var i = 0; i < ORDERS.length; i++) if (this.order == ORDERS[i]) orderAt = i;
+var sorting = plate(this, WIDE - EDGE - 156 - 8 - 100, 8, 100, 28, STEEL, 100, function() {
+  send("MEOWORDER", ORDERS[(orderAt + 1) % ORDERS.length]);
+});
+var sortingText = label(sorting, 4, 5, 92, 20, 12, ICE);
+setText(sortingText, ORDER_TEXTS[orderAt]);
+sortingText._x = Math.round((100 - sortingText.textWidth - 4) / 2);
 var choose = plate(this, WIDE - EDGE - 156, 8, 156, 28, BLUE, 100, chooseFolder);
 picture(choose, "open", 8, 4, 20);
-setText(label(choose, 36, 5, 116, 20, 12, WHITE), "Выбрать папку…");
+setText(label(choose, 36, 5, 116, 20, 12, WHITE), say("Выбрать папку…"));
 
 // --- The status line
 
@@ -76,7 +87,7 @@ var turnLast = glyphPlate(WIDE - EDGE - 28, HIGH - BAR + 8, "last", turnTo("MEOW
 if (page == 1) { disable(turnFirst, turnFirst.glyph); disable(turnBack, turnBack.glyph); }
 if (page == pages) { disable(turnNext, turnNext.glyph); disable(turnLast, turnLast.glyph); }
 var count = label(this, WIDE - EDGE - 198, HIGH - BAR + 13, 136, 20, 11, ICE);
-setText(count, pages < 1000 ? "Страница " + page + " из " + pages : page + " / " + pages);
+setText(count, pages < 1000 ? say("Страница ") + page + say(" из ") + pages : page + " / " + pages);
 count._x += Math.round((136 - count.textWidth - 4) / 2);
 
 // --- The slots
@@ -86,7 +97,10 @@ function nameOf(slot) { return exact("shot" + slot + "_ItemName", "shot" + slot 
 // A thumbnail lies in the cache under the path of its movie, flattened; the host names those that do not.
 function shotOf(slot, name) {
   var file = this["shot" + slot + "_ItemShot"];
-  if (file == undefined) file = cache + flattened(name) + ".jpg";
+  return addressOf(file == undefined ? cache + flattened(name) + ".jpg" : file);
+}
+
+function addressOf(file) {
   // Signs that mean something in an address, and in an escape.
   var signs = ["%", "#", "?", "&", "+", " ", ";"], codes = ["%25", "%23", "%3F", "%26", "%2B", "%20", "%3B"];
   for (var i = 0; i < signs.length; i++) file = file.split(signs[i]).join(codes[i]);
@@ -103,16 +117,57 @@ var grid = child(this, "grid");
 var loader = new MovieClipLoader(), loaded = {};
 loaded.onLoadInit = function(shot) {
   if (shot._width <= 0 || shot._height <= 0) return;
-  var scale = Math.min(1, Math.min(WELL_WIDE / shot._width, WELL_HIGH / shot._height));
+  var box = shot._parent.boxes[shot._name]; // what a clip itself knows goes when it is loaded
+  var scale = Math.min(1, Math.min(box.w / shot._width, box.h / shot._height));
   shot._xscale = shot._yscale = 100 * scale;
-  shot._x = PAD + Math.round((SHOT_WIDE - shot._width) / 2);
-  shot._y = PAD + Math.round((SHOT_HIGH - shot._height) / 2);
+  shot._x = box.x + Math.round((box.w - shot._width) / 2);
+  shot._y = box.y + Math.round((box.h - shot._height) / 2);
   shot._parent.kindIcon._visible = false;
   shot._visible = true;
   shot._alpha = 0;
   glide(shot, "_alpha", 100, CALM);
 };
 loader.addListener(loaded);
+
+function showShot(button, name, file, x, y, w, h) {
+  var shot = child(button, name);
+  shot._visible = false;
+  if (button.boxes == undefined) button.boxes = {};
+  button.boxes[name] = {x: x, y: y, w: w, h: h};
+  loader.loadClip(file, shot);
+}
+
+// What a folder holds: pictures of some movies where there are any, and their number.
+function showContent(button, slot) {
+  var shots = this["shot" + slot + "_ItemShots"], inside = this["shot" + slot + "_ItemCount"];
+  if (inside == undefined) return;
+  var number = label(button, PAD, SLOT_HIGH - PAD - 41, SHOT_WIDE, 20, 11, SKY);
+  setText(number, say("Роликов: ") + inside);
+  number._x = Math.round((SLOT_WIDE - number.textWidth - 4) / 2);
+  button.kindIcon._y -= 10;
+  if (shots == undefined) return;
+  number._visible = false;
+  fillRound(button, WELL_X, WELL_Y, WELL_WIDE, WELL_HIGH, 3, INK);
+  var files = shots.split("\n"), w = Math.floor((WELL_WIDE - 2) / 2), h = Math.floor((WELL_HIGH - 2) / 2);
+  for (var i = 0; i < files.length; i++)
+    showShot(button, "shot" + i, addressOf(files[i]), WELL_X + i % 2 * (w + 2),
+        WELL_Y + Math.floor(i / 2) * (h + 2), w, h);
+  // Still a folder, over whatever its movies show.
+  var sign = child(button, "folderSign");
+  fillRound(sign, WELL_X, WELL_Y, 26, 26, 3, SLATE);
+  tint(picture(sign, "folder", WELL_X + 3, WELL_Y + 3, 20), SKY);
+}
+
+// A movie that gave no picture: the glyph with a sign on its corner.
+function showFailed(button) {
+  var sign = child(button, "failed"), x = PAD + SHOT_WIDE / 2 + 22, y = PAD + SHOT_HIGH / 2 + 18;
+  fillRound(sign, x - 10, y - 10, 20, 20, 10, RED);
+  sign.lineStyle(2, WHITE, 100);
+  sign.moveTo(x - 4, y - 4);
+  sign.lineTo(x + 4, y + 4);
+  sign.moveTo(x + 4, y - 4);
+  sign.lineTo(x - 4, y + 4);
+}
 
 function showSlot(slot, name, kind) {
   var index = slot - 1;
@@ -126,19 +181,20 @@ function showSlot(slot, name, kind) {
   var kindIcon = picture(button, icon, PAD + (SHOT_WIDE - 48) / 2, PAD + (SHOT_HIGH - 48) / 2, 48);
   tint(kindIcon, isFolder ? SKY : PALE_ON_INK);
   button.kindIcon = kindIcon;
-  var caption = isParent ? "На уровень выше" : oneLine(name);
+  var caption = isParent ? say("На уровень выше") : oneLine(name);
   if (!isFolder) {
     picture(button, icon, PAD, SLOT_HIGH - PAD - 19, 16);
-    var shot = child(button, "shot");
-    shot._visible = false;
-    loader.loadClip(shotOf(slot, name), shot);
-  }
+    if (this["shot" + slot + "_ItemFailed"] != undefined) showFailed(button);
+    else showShot(button, "shot", shotOf(slot, name), WELL_X, WELL_Y, WELL_WIDE, WELL_HIGH);
+  } else if (!isParent) showContent(button, slot);
   var left = isFolder ? PAD : PAD + 20;
   var field = label(button, left - 2, SLOT_HIGH - PAD - 21, SLOT_WIDE - PAD - left + 2, 20, 12, ICE);
   setFitted(field, caption, isFolder ? 0 : tailOf(caption));
   if (isFolder) field._x = Math.round((SLOT_WIDE - field.textWidth - 4) / 2);
   // The whole name, for it may not have had room.
-  button.onPointed = function(on) { setFitted(status, on && !isParent ? caption : statusText, tailOf(caption)); };
+  var inside = this["shot" + slot + "_ItemCount"];
+  var told = inside == undefined ? caption : caption + ": " + say("Роликов: ").toLowerCase() + inside;
+  button.onPointed = function(on) { setFitted(status, on && !isParent ? told : statusText, tailOf(told)); };
 }
 
 function oneLine(name) { return name.split("\r").join(" ").split("\n").join(" ").split("\t").join(" "); }
@@ -156,8 +212,8 @@ for (var i = 1; i <= SLOTS; i++) {
 }
 if (pages == 1 && media == 0 && shown <= COLUMNS) {
   var emptyTop = shown > 0 ? BAR + EDGE + SLOT_HIGH + GAP + SLOT_HIGH / 2 - 28 : HIGH / 2 - 28;
-  centred("В этой папке нет роликов Flash", emptyTop, 13, ICE);
-  centred("Показываются файлы .swf и проекторы .exe.", emptyTop + 24, 11, SKY);
+  centred(say("В этой папке нет роликов Flash"), emptyTop, 13, ICE);
+  centred(say("Показываются файлы .swf и проекторы .exe."), emptyTop + 24, 11, SKY);
 }
 
 function centred(text, y, size, color) {
@@ -167,7 +223,7 @@ function centred(text, y, size, color) {
 }
 
 // The first slot comes first to the keyboard, the bars after the slots.
-buttons = buttons.slice(6).concat(buttons.slice(0, 6));
+buttons = buttons.slice(7).concat(buttons.slice(0, 7));
 
 // --- Turning pages by key and wheel
 

@@ -11,9 +11,9 @@ var version = given(query.version), blank = version.lastIndexOf(" ");
 if (blank < 0) blank = version.length;
 picture(heading, "mark", MARGIN + 32, 80, 70);
 setFitted(label(heading, 120, 44, 480, 34, 24, ICE, BOLD), blank > 0 ? version.substr(0, blank) : PRODUCT, 0);
-setText(label(heading, 120, 74, 480, 22, 13, ICE), "Проигрыватель роликов Flash");
+setText(label(heading, 120, 74, 480, 22, 13, ICE), say("Проигрыватель роликов Flash"));
 if (blank < version.length)
-  setFitted(label(heading, 120, 94, 480, 20, 11, SKY), "Версия " + version.substr(blank + 1), 0);
+  setFitted(label(heading, 120, 94, 480, 20, 11, SKY), say("Версия ") + version.substr(blank + 1), 0);
 
 // --- What went wrong
 
@@ -68,11 +68,11 @@ function card(column, row, color, icon, caption, hint, command, wide) {
   setText(label(button, 60, 34, CARD_WIDE - 72, 20, 11, ink), hint);
   return button;
 }
-primary = card(0, 0, BLUE, "open", "Открыть файл", "Ролик .swf или проектор .exe", "MEOWOPEN");
-card(1, 0, SLATE, "browse", "Обзор медиа", "Ролики папки с эскизами", "MEOWSEARCH");
+primary = card(0, 0, BLUE, "open", say("Открыть файл"), say("Ролик .swf или проектор .exe"), "MEOWOPEN");
+card(1, 0, SLATE, "browse", say("Обзор медиа"), say("Ролики папки с эскизами"), "MEOWSEARCH");
 var hasUpdate = this.noupdate == undefined;
-card(0, 1, SLATE, "help", "Справка", "Как пользоваться", "MEOWHELP", !hasUpdate);
-if (hasUpdate) card(1, 1, SLATE, "update", "Обновление", "Новая версия на сайте", "MEOWUPDATE");
+card(0, 1, SLATE, "help", say("Справка"), say("Как пользоваться"), "MEOWHELP", !hasUpdate);
+if (hasUpdate) card(1, 1, SLATE, "update", say("Обновление"), say("Новая версия на сайте"), "MEOWUPDATE");
 var bottom = top + 2 * CARD_HIGH + GAP;
 
 // --- What was open before, or the samples
@@ -121,7 +121,7 @@ if (given(query.error) == "")
 
 if (bottom < 390 && this.movie1 == undefined)
   setText(label(body, MARGIN, Math.max(bottom + 20, 380), WIDE, 20, 11, SKY),
-      "Файл или папку можно просто перетащить в это окно.");
+      say("Файл или папку можно просто перетащить в это окно."));
 
 appear(body);
 stop();

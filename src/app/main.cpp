@@ -1,11 +1,15 @@
 #include "base/Failure.h"
 #include "core/Files.h"
+#include "core/Look.h"
 #include "core/StartUp.h"
 #include "core/Version.h"
 #include "flash/Engine.h"
 #include "flash/FlashControl.h"
+#include "platform/Appearance.h"
+#include "platform/FileDialogs.h"
 #include "platform/TerminationSignal.h"
 #include "player/Player.h"
+#include "settings/SettingsFile.h"
 #include "ui/Style.h"
 
 #include <QApplication>
@@ -19,6 +23,7 @@
 #include <iostream>
 #include <memory>
 #include <new>
+#include <optional>
 
 // Builds the parts and ties them together; no logic.
 
@@ -59,6 +64,18 @@ void saveAtExit()
     if (g_player != nullptr && !g_player->hasEnded()) g_player->saveForSuddenEnd();
 }
 
+/// What is asked by an option alone, in the language of the interface.
+std::optional<QString> answerTo(const QStringList& arguments, char** argv)
+{
+    if (arguments.size() != 1 || !arguments.first().startsWith('-')) return std::nullopt;
+    int noneOfTheToolkits = 1;
+    const QCoreApplication plain(noneOfTheToolkits, argv);
+    core::Language language;
+    language.chooseFor(core::Language::kRussian,
+                       QCoreApplication::applicationDirPath() + "/media/languages/");
+    return core::commandLineAnswer(arguments);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -66,7 +83,7 @@ int main(int argc, char** argv)
     // Answered before there is need of a display.
     QStringList arguments;
     for (int i = 1; i < argc; ++i) arguments += core::fileName(argv[i]);
-    if (const auto answer = core::commandLineAnswer(arguments)) {
+    if (const auto answer = answerTo(arguments, argv)) {
         std::cout << answer->toStdString();
         return 0;
     }
@@ -78,6 +95,7 @@ int main(int argc, char** argv)
     // A file that is named like one of the toolkit's own options is a file.
     const bool isFile = arguments.size() == 1 && core::fileExists(arguments.first());
     int toolkitsCount = isFile ? 1 : argc;
+    platform::preferDesktopDialogs();
     GuardedApplication qt(toolkitsCount, argv);
     QApplication::setApplicationName(core::kProductName);
     QApplication::setDesktopFileName("zorvex");
@@ -98,6 +116,15 @@ int main(int argc, char** argv)
         QMessageBox::critical(nullptr, core::kProductName, QString::fromStdString(failure.description()));
         return 1;
     }
+
+    application.language.chooseFor(settings::chosenLanguage(application), application.LanguagesPath);
+
+    const platform::Appearance appearance;
+    QObject::connect(&appearance, &platform::Appearance::changed, &qt, [&appearance] {
+        // On X11 the resolution of texts tells their scale already.
+        const bool scalesItself = QGuiApplication::platformName() == "xcb";
+        core::look::adapt(appearance.wantsHighContrast(), scalesItself ? 1 : appearance.textScale());
+    });
 
     player::Player player(application, commandLine);
     constexpr int kOnceShownMs = 1000;

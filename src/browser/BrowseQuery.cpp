@@ -28,6 +28,21 @@ QString folderQuery(const QString& folder, const QString& cachePrefix, int media
            "&TotalPages=" + QString::number(totalPages);
 }
 
+QString signQuery(qint32 slot, bool hasFailed)
+{
+    return hasFailed ? QString("&shot%1_ItemFailed=1").arg(slot) : QString();
+}
+
+QString contentQuery(qint32 slot, const FolderContent& content)
+{
+    if (content.mediaCount == 0) return {};
+    QString query = QString("&shot%1_ItemCount=%2").arg(slot).arg(content.mediaCount);
+    if (!content.thumbnails.isEmpty())
+        query += QString("&shot%1_ItemShots=").arg(slot) +
+                 QString::fromLatin1(QUrl::toPercentEncoding(content.thumbnails.join('\n')));
+    return query;
+}
+
 QString pageQuery(const BrowserState& state, const QString& cachePrefix, const QString& noAnimation)
 {
     QString query = "&curPage=" + QString::number(state.page + 1) + "&noanim=" + noAnimation;

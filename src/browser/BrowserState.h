@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <vector>
 
@@ -16,6 +17,18 @@ struct BrowseItem {
     QString thumbnail; ///< where its picture is or will be; empty for folders
 };
 
+/// What a folder's tile tells of what is in it.
+struct FolderContent {
+    int mediaCount = 0;
+    QStringList thumbnails; ///< of some of its movies, as far as there are any
+};
+
+/// What the items of each kind are ordered by: names up, the latest and the largest first.
+enum class Order { Name, Date, Size };
+/// In the words of the settings and of the page: "name", "date", "size". What is none of them is the first.
+Order orderNamed(const QString& word);
+QString wordOf(Order order);
+
 /// Where the media browser stands. One for the program; a test makes its own. Folder and page come from the
 /// settings and go back there, the rest is made by each scan.
 struct BrowserState {
@@ -24,6 +37,7 @@ struct BrowserState {
     qint32 totalPages = 0;
     QString query; ///< what all pages of the folder have in common
     std::vector<BrowseItem> items;
+    Order order = Order::Name;
     bool skip = false; ///< the user has cancelled the making of thumbnails
 };
 

@@ -10,11 +10,17 @@ namespace browser
 struct FolderEntry {
     QString name;
     bool isFolder;
+    qint64 rank = 0; ///< by which it comes before those of less, whatever the names
 };
 
 /// Every entry of a folder but the hidden ones, by name as the user's language orders them, numbers as
-/// numbers; the way up, "..", comes first unless the folder is a root. Empty when the folder cannot be read.
-std::vector<FolderEntry> listFolder(const QString& folder);
+/// numbers; or the latest or largest first. The way up, "..", comes before all unless the folder is a root.
+/// Empty when the folder cannot be read.
+std::vector<FolderEntry> listFolder(const QString& folder, Order order = Order::Name);
+
+/// Looks into a folder, no further than a look takes.
+/// @param cachePath where thumbnails are kept, with its separator
+FolderContent contentOf(const QString& folder, const QString& cachePath);
 
 /// @returns the folder with a separator at its end; one that ends in ".." is replaced by its parent. Both
 /// kinds of separators are understood. Empty stays empty.

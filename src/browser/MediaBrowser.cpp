@@ -8,6 +8,7 @@
 #include "core/Files.h"
 #include "media/CacheName.h"
 
+#include <QDir>
 #include <QScopedValueRollback>
 
 namespace browser
@@ -56,7 +57,8 @@ void MediaBrowser::scan(const QString& folder)
     m_missing.clear();
     m_host.SetStatus(texts::kSearching);
 
-    m_state.items = itemsOf(listFolder(m_state.folder), m_state.folder, m_application.CachePath);
+    m_state.items =
+        itemsOf(listFolder(m_state.folder, m_state.order), m_state.folder, m_application.CachePath);
     int mediaCount = 0;
     for (std::size_t i = 0; i < m_state.items.size(); ++i) {
         const BrowseItem& item = m_state.items[i];
@@ -91,8 +93,26 @@ void MediaBrowser::ShowBrowsePage()
     if (qint64{m_state.page} + 1 > m_state.totalPages) m_state.page = m_state.totalPages - 1;
     if (m_state.page < 0) m_state.page = 0;
     m_host.LoadFlash(m_application.GadgetsPath + "browse.swf" + m_state.query +
-                         pageQuery(m_state, cachePrefix(), m_host.noAnimation()),
+                         pageQuery(m_state, cachePrefix(), m_host.noAnimation()) + tilesQuery(),
                      texts::kBrowserTitle);
+}
+
+QString MediaBrowser::tilesQuery() const
+{
+    QString query;
+    if (m_state.order != Order::Name) query += "&order=" + wordOf(m_state.order);
+    if (const QString code = core::languageCode(); code != core::Language::kRussian) query += "&lang=" + code;
+    for (qint32 slot = 1; slot <= kItemsPerPage; ++slot) {
+        const auto index = static_cast<std::size_t>(m_state.page * kItemsPerPage + slot - 1);
+        if (index >= m_state.items.size()) break;
+        const BrowseItem& item = m_state.items[index];
+        if (item.kind != ItemKind::Folder)
+            query += signQuery(slot, m_thumbnails.hasFailed(m_state.folder + item.name));
+        else if (item.name != "..")
+            query += contentQuery(
+                slot, contentOf(m_state.folder + item.name + QDir::separator(), m_application.CachePath));
+    }
+    return query;
 }
 
 void MediaBrowser::Properties(const media::MediaInfo& info)

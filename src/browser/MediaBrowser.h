@@ -40,6 +40,8 @@ private:
     void scan(const QString& folder);
     void makeThumbnails();
     [[nodiscard]] QString cachePrefix() const;
+    /// What the tiles of the current page show beside their names.
+    [[nodiscard]] QString tilesQuery() const;
     void log(const QString& text);
 
     core::Application& m_application;

@@ -133,11 +133,16 @@ void Thumbnails::make(const std::vector<Order>& orders, bool tellsProgress)
     m_works.clear();
 }
 
+bool Thumbnails::hasFailed(const QString& movie) const
+{
+    const auto failed = m_failed.constFind(movie);
+    return failed != m_failed.cend() && *failed == core::fileChanged(movie);
+}
+
 bool Thumbnails::isWanted(const Order& order) const
 {
     const QDateTime changed = core::fileChanged(order.movie);
-    if (const auto failed = m_failed.constFind(order.movie); failed != m_failed.cend() && *failed == changed)
-        return false;
+    if (hasFailed(order.movie)) return false;
     if (!core::fileExists(order.thumbnail)) return true;
     // A file that claims to be of the future would be pictured again and again.
     return changed.isValid() && changed <= QDateTime::currentDateTime() &&

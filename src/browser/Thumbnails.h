@@ -63,6 +63,9 @@ public:
     /// only when the movie's file has changed.
     [[nodiscard]] bool isWanted(const Order& order) const;
 
+    /// Whether it got no picture in this run, and its file is still the same.
+    [[nodiscard]] bool hasFailed(const QString& movie) const;
+
     /// The progress window; null when there is none.
     [[nodiscard]] frmShot* window() const { return m_window; }
 

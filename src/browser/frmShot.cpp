@@ -131,6 +131,7 @@ void frmShot::setPath(const QString& path)
 void frmShot::setProgress(int number, int count)
 {
     m_picStatus->setVisible(count > 1);
+    if (count > 1) m_taskbar.show(1.0 * (number - 1) / count);
     m_picProgress->resize(static_cast<int>(std::nearbyint(1.0 * number / count * kTrackWidth)), kTrackHeight);
     const QString text =
         texts::kShotsDone + QString::number(number) + texts::kShotsOf + QString::number(count);

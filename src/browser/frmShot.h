@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/TaskbarProgress.h"
+
 #include <QDialog>
 #include <QImage>
 
@@ -63,6 +65,7 @@ private:
 
     QWidget* m_pic;
     std::vector<Place> m_places;
+    platform::TaskbarProgress m_taskbar{"zorvex"};
     QLabel* m_path;
     QWidget* m_picStatus;
     QWidget* m_picProgress;

@@ -32,6 +32,7 @@ void Application::InitLog(const QString& appPath, const std::optional<WrittenFol
     AppPath = appPath;
     SettingsPath = written ? written->settings : AppPath;
     GadgetsPath = AppPath + "media" + separator + "gadgets" + separator;
+    LanguagesPath = AppPath + "media" + separator + "languages" + separator;
     CachePath = written ? written->cache : AppPath + "cache" + separator;
     SkinsPath = AppPath + "media" + separator + "skins" + separator;
     UserSkinsPath = written ? written->skins : QString();

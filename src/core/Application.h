@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Language.h"
+
 #include <QString>
 
 #include <filesystem>
@@ -41,9 +43,11 @@ public:
     QString SkinsPath; ///< skin folders
     /// Further skins where the program's folder is shared: the user's own. Empty where it is not.
     QString UserSkinsPath;
-    QString GadgetsPath;  ///< the program's own Flash pages
-    QString SettingsPath; ///< the folder of settings.xml
-    QString LogFile;      ///< the event log; empty: nothing is logged
+    QString GadgetsPath;   ///< the program's own Flash pages
+    QString SettingsPath;  ///< the folder of settings.xml
+    QString LanguagesPath; ///< catalogues of the interface's languages
+    Language language;
+    QString LogFile; ///< the event log; empty: nothing is logged
 
     /// Arms error handlers. False inside a development session, where errors pass through to the debugger.
     bool RunningCompiled = false;

@@ -127,7 +127,7 @@ frmError::frmError(QWidget* parent, const ErrorTexts& texts)
     resize(width, column->totalHeightForWidth(width));
 }
 
-QLabel* frmError::addField(const char* title, const QString& value)
+QLabel* frmError::addField(const QString& title, const QString& value)
 {
     auto* label = new QLabel(title + value, this);
     label->setTextFormat(Qt::PlainText); // a description may hold mark-up of its own

@@ -34,7 +34,7 @@ private:
     void cbRevive_Click();
     void cbExit_Click();
     void cbExtra_Click();
-    QLabel* addField(const char* title, const QString& value);
+    QLabel* addField(const QString& title, const QString& value);
 
     QToolButton* m_extra;
     QPlainTextEdit* m_txtExtra;

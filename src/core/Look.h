@@ -21,5 +21,10 @@ inline constexpr QRgb kRed = qRgb(0xD9, 0x53, 0x4F);   ///< errors only
 /// Sets style, palette, font and language of the whole program, those of the toolkit's own dialogs among
 /// them. Needs the QApplication.
 void initialiseVisualStyle();
+/// Follows what the desktop asks for those who see less well: black on white, and texts larger than usual.
+/// Dialogs and menus have it at once.
+void adapt(bool highContrast, double textScale);
+/// Gives the toolkit's own buttons and dialogs a language.
+void translateToolkit(const QString& code);
 
 } // namespace core::look

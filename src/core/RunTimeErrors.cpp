@@ -13,7 +13,7 @@ namespace
 struct SystemError {
     int number; // errno
     RunTimeError error;
-    const char* description;
+    Text description;
 };
 constexpr SystemError kSystemErrors[] = {
     {ENOENT, kFileNotFound, texts::kFileNotFound},
@@ -33,8 +33,8 @@ constexpr SystemError kSystemErrors[] = {
 base::Failure runTimeError(int systemError, const char* source)
 {
     for (const SystemError& known : kSystemErrors)
-        if (known.number == systemError) return {known.error, source, known.description};
-    return {kDeviceError, source, texts::kDeviceError};
+        if (known.number == systemError) return {known.error, source, known.description.toStdString()};
+    return {kDeviceError, source, texts::kDeviceError.toStdString()};
 }
 
 QString describe(base::ErrorCode code)
@@ -59,7 +59,7 @@ QString describe(const base::Error& error)
 
 base::Failure runTimeError(const base::Error& error, const char* source)
 {
-    if (base::isDiskFull(error)) return {kDiskFull, source, texts::kDiskFull};
+    if (base::isDiskFull(error)) return {kDiskFull, source, texts::kDiskFull.toStdString()};
     const int number = error.code == base::ErrorCode::NotFound ? kFileNotFound
                        : error.code == base::ErrorCode::Denied ? kPermissionDenied
                                                                : kDeviceError;

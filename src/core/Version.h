@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Text.h"
+
 namespace core
 {
 
@@ -9,8 +11,8 @@ extern const int kVersionMajor;
 extern const int kVersionMinor;
 extern const int kVersionBuild;
 extern const int kVersionRevision;
-extern const char* const kLegalCopyright;
-extern const char* const kLegalTrademarks;
+extern const Text kLegalCopyright;
+extern const Text kLegalTrademarks;
 // Empty while the project has no place of its own: commands that lead there are not shown then.
 extern const char* const kHomeAddress;
 extern const char* const kUpdateAddress;

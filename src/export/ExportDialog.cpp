@@ -46,7 +46,7 @@ protected:
 
 QString shortNumber(double value) { return QString::number(value, 'g', 5); }
 
-QLabel* addPicture(QGridLayout& grid, int column, const char* caption, const char* name)
+QLabel* addPicture(QGridLayout& grid, int column, const QString& caption, const char* name)
 {
     auto* picture = new QLabel(grid.parentWidget());
     picture->setObjectName(name);
@@ -85,7 +85,7 @@ ExportDialog::ExportDialog(QWidget* parent, const MovieFacts& movie, const std::
     m_format->setFocus();
 }
 
-QComboBox* ExportDialog::addList(QGridLayout& grid, int row, const char* label, const char* name)
+QComboBox* ExportDialog::addList(QGridLayout& grid, int row, const QString& label, const char* name)
 {
     auto* text = new QLabel(label, this);
     auto* list = new List(this);
@@ -129,7 +129,7 @@ void ExportDialog::build(const std::vector<Availability>& formats)
          {std::pair(texts::kRangeTimeline, End::Timeline), std::pair(texts::kRangeStill, End::Still),
           std::pair(texts::kRangeGiven, End::Given)})
         m_range->addItem(text, static_cast<int>(end));
-    const auto addMoment = [&](int place, const char* label, const char* name, const QString& shown) {
+    const auto addMoment = [&](int place, const QString& label, const char* name, const QString& shown) {
         auto* field = new QLineEdit(this);
         field->setObjectName(name);
         field->setToolTip(texts::kMomentTip);
@@ -171,10 +171,10 @@ void ExportDialog::build(const std::vector<Availability>& formats)
     m_rate->addItem(QString(texts::kRateOwn).arg(shortNumber(m_movie.framesPerSecond)), 0);
     for (const int rate : kRates) m_rate->addItem(QString::number(rate), rate);
     m_quality = addList(*grid, 6, texts::kQuality, "cmbQuality");
-    for (const char* quality : texts::kQualities) m_quality->addItem(quality);
+    for (const core::Text& quality : texts::kQualities) m_quality->addItem(quality);
     m_quality->setCurrentIndex(1);
 
-    const auto addBox = [&](int row, const char* caption, const char* name) {
+    const auto addBox = [&](int row, const QString& caption, const char* name) {
         auto* box = new QCheckBox(caption, this);
         box->setObjectName(name);
         grid->addWidget(box, row, 1, 1, 4);

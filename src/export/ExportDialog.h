@@ -55,7 +55,7 @@ private:
     [[nodiscard]] static std::optional<double> momentIn(const QLineEdit& field);
     /// @returns what is wrong with the range; empty when nothing is
     [[nodiscard]] QString fault() const;
-    QComboBox* addList(QGridLayout& grid, int row, const char* label, const char* name);
+    QComboBox* addList(QGridLayout& grid, int row, const QString& label, const char* name);
     void record();
     void askForPictures();
     void showPicture(ExportProcess& process, QLabel& place, const QString& file,

@@ -103,6 +103,7 @@ void ProgressDialog::advance(qint64 pictures, qint64 expected)
     constexpr int kParts = 1000;
     const double part =
         std::min(1.0, static_cast<double>(pictures) / static_cast<double>(std::max<qint64>(expected, 1)));
+    m_taskbar.show(part);
     m_bar->setRange(0, kParts);
     m_bar->setValue(static_cast<int>(part * kParts));
     m_count->setText(
@@ -128,6 +129,7 @@ void ProgressDialog::finish(Exit exit, const QString& error)
         said = explained(exit, error);
         detail = error;
     }
+    m_taskbar.hide();
     QDialog::reject(); // deletes this later, when no handler of it runs any more
     emit ended(exit, said, detail);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "export/ExportProcess.h"
+#include "platform/TaskbarProgress.h"
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -36,6 +37,7 @@ private:
 
     const Settings m_settings;
     const std::shared_ptr<QTemporaryDir> m_folder;
+    platform::TaskbarProgress m_taskbar{"zorvex"};
     ExportProcess m_process;
     QElapsedTimer m_sinceStart;
     QLabel *m_picture = nullptr, *m_count = nullptr, *m_left = nullptr;

@@ -12,8 +12,7 @@ namespace
 {
 
 struct AdviceInfo {
-    const char* reason;
-    const char* advice;
+    core::Text reason, advice;
 };
 // clang-format off
 constexpr AdviceInfo kAdvice[] = {
@@ -40,7 +39,7 @@ constexpr AdviceInfo kAdvice[] = {
 QString adviceOn(const QString& reason)
 {
     for (const AdviceInfo& known : kAdvice)
-        if (reason == known.reason) return known.advice;
+        if (reason == QString(known.reason)) return known.advice;
     return {};
 }
 

@@ -217,6 +217,15 @@ void Console::HideConsole()
     if (hadFocus) m_movieScreen.setFocus();
 }
 
+void Console::translate()
+{
+    m_lblConsole->setText(texts::kConsole);
+    m_cmbConsole->setAccessibleName(texts::kConsole);
+    m_cmbConsole->lineEdit()->setPlaceholderText(texts::kConsoleHint);
+    m_chkCloseConsole->setAccessibleName(texts::kCloseConsoleTip);
+    SetVisual();
+}
+
 void Console::SetVisual() { ui::SetToolTip(m_chkCloseConsole, texts::kCloseConsoleTip); }
 
 void Console::run(const QString& statement)

@@ -83,6 +83,8 @@ public:
     void HideConsole();
     /// Gives the close button its tooltip.
     void SetVisual();
+    /// Takes its texts anew.
+    void translate();
     [[nodiscard]] ConsoleLine& line() { return *m_cmbConsole; }
 
 protected:

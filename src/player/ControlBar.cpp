@@ -48,6 +48,20 @@ ControlBar::ControlBar(QWidget* parent)
     for (GlyphButton* button : {m_playPause, m_stop, m_back, m_forward}) button->setEnabled(false);
 }
 
+void ControlBar::translate()
+{
+    for (const auto& [button, text] : {std::pair<GlyphButton*, core::Text>(m_open, texts::kTipOpen),
+                                       {m_playPause, texts::kTipPlay},
+                                       {m_stop, texts::kTipStop},
+                                       {m_back, texts::kTipBack},
+                                       {m_forward, texts::kTipForward},
+                                       {m_mute, texts::kTipMute},
+                                       {m_fullScreen, texts::kTipFullScreen}}) {
+        button->setToolTip(text);
+        button->setAccessibleName(text);
+    }
+}
+
 void ControlBar::show(const Shown& shown)
 {
     if (shown == m_shown) return;

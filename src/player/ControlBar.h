@@ -16,6 +16,8 @@ public:
     static constexpr int kHeight = 40;
 
     explicit ControlBar(QWidget* parent);
+    /// Takes its texts anew.
+    void translate();
 
     struct Shown {
         QString status;

@@ -23,20 +23,20 @@
 namespace player
 {
 
-QString FilmExport::chooseFile(const char* title, const QString& filter, const QString& suffix)
+QString FilmExport::chooseFile(const QString& title, const QString& filter, const QString& suffix)
 {
     const QFileInfo movie(m_movie.OriginalPath);
     QFileDialog dialog(&m_window, title, movie.absolutePath(), filter);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(suffix);
     dialog.selectFile(movie.completeBaseName() + '.' + suffix);
-    setRussianLabels(dialog, texts::kDialogSave);
+    prepareDialog(dialog, texts::kDialogSave);
     const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
     // What was chosen for a window that is on its way out is not wanted any more.
     return chosen && !m_host.hasEnded() ? dialog.selectedFiles().first() : QString();
 }
 
-void FilmExport::complain(const char* title, const QString& text, const QString& detail)
+void FilmExport::complain(const QString& title, const QString& text, const QString& detail)
 {
     if (!detail.isEmpty()) m_application.LogEvent(core::HtmlEscape(detail));
     QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, &m_window);
@@ -46,7 +46,8 @@ void FilmExport::complain(const char* title, const QString& text, const QString&
 
 void FilmExport::SaveVideo()
 {
-    if (m_progress) {
+    // One that has ended may wait to be deleted.
+    if (m_progress && m_progress->isVisible()) {
         m_progress->raise();
         m_progress->activateWindow();
         return;

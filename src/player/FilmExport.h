@@ -53,10 +53,10 @@ public:
     void CopyFrame();
 
 private:
-    [[nodiscard]] QString chooseFile(const char* title, const QString& filter, const QString& suffix);
+    [[nodiscard]] QString chooseFile(const QString& title, const QString& filter, const QString& suffix);
     void begin(const exporter::Settings& settings, std::shared_ptr<QTemporaryDir> folder);
     void ended(const QString& file, exporter::Exit exit, const QString& error, const QString& detail);
-    void complain(const char* title, const QString& text, const QString& detail);
+    void complain(const QString& title, const QString& text, const QString& detail);
 
     core::Application& m_application;
     PlayerHost& m_host;

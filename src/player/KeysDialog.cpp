@@ -30,8 +30,9 @@ QString keysOf(const ItemInfo& info)
     const QString plain = QString(info.plainKeys).remove('!');
     for (const QKeySequence& keys : shortcutsOf(info.keys, plain, true)) {
         const QString name = keys.toString(QKeySequence::NativeText);
-        if (name.startsWith("Media") || names.contains(name)) continue;
         const QString portable = keys.toString(QKeySequence::PortableText);
+        // A media key is found by its picture; its name in words is as long as the rest of the line.
+        if (portable.contains("Media") || names.contains(name)) continue;
         const bool isDouble =
             portable.startsWith("Ctrl+") &&
             plain.split(' ', Qt::SkipEmptyParts).contains(portable.mid(5), Qt::CaseInsensitive);

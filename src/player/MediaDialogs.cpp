@@ -1,6 +1,7 @@
 #include "player/MediaDialogs.h"
 
 #include "core/Application.h"
+#include "platform/FileDialogs.h"
 #include "player/Advice.h"
 #include "player/PlayerHost.h"
 #include "player/PlayerSettings.h"
@@ -15,8 +16,9 @@
 namespace player
 {
 
-void setRussianLabels(QFileDialog& dialog, const char* accept)
+void prepareDialog(QFileDialog& dialog, const QString& accept)
 {
+    if (!platform::hasDesktopDialogs()) dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setLabelText(QFileDialog::Accept, accept);
     dialog.setLabelText(QFileDialog::Reject, texts::kDialogCancel);
     dialog.setLabelText(QFileDialog::LookIn, texts::kDialogFolder);
@@ -54,7 +56,7 @@ bool MediaDialogs::OpenMedia(const QString& folder)
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilters({std::begin(texts::kOpenFilters), std::end(texts::kOpenFilters)});
     dialog.setDefaultSuffix("swf");
-    setRussianLabels(dialog, texts::kDialogOpen);
+    prepareDialog(dialog, texts::kDialogOpen);
     const QString chosen = run(dialog);
     if (m_host.hasEnded()) return false;
     if (!chosen.isEmpty())
@@ -78,7 +80,7 @@ void MediaDialogs::SaveMediaAs()
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("swf");
     dialog.selectFile(QFileInfo(m_movie.OriginalPath).completeBaseName() + ".swf");
-    setRussianLabels(dialog, texts::kDialogSave);
+    prepareDialog(dialog, texts::kDialogSave);
     const QString chosen = run(dialog);
     if (m_host.hasEnded()) return;
     if (!chosen.isEmpty()) saveTo(chosen, filter);
@@ -103,7 +105,7 @@ std::optional<QString> MediaDialogs::chooseBrowserFolder(const QString& start)
     QFileDialog dialog(&m_window, texts::kBrowseFolder, start);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
-    setRussianLabels(dialog, texts::kDialogChoose);
+    prepareDialog(dialog, texts::kDialogChoose);
     const QString chosen = run(dialog);
     if (chosen.isEmpty()) return std::nullopt;
     return chosen;

@@ -21,7 +21,7 @@ class PlayerHost;
 class PlayerSettings;
 
 /// Gives the parts of a file dialog their words. @param accept on its button
-void setRussianLabels(QFileDialog& dialog, const char* accept);
+void prepareDialog(QFileDialog& dialog, const QString& accept);
 
 /// The dialogs that ask for a file or a folder, and what their answers do.
 class MediaDialogs

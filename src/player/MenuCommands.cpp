@@ -60,7 +60,7 @@ constexpr CommandInfo kCommands[] = {
     {"mnuOpSign",       [](Player& p) { p.SetFlashAlpha(75); }},
     {"mnuOpMed",        [](Player& p) { p.SetFlashAlpha(50); }},
     {"mnuOpSlite",      [](Player& p) { p.SetFlashAlpha(25); }},
-    {"mnuUpdSkin",      [](Player& p) { p.LoadNewSkin(); }},
+    {"mnuUpdSkin",      [](Player& p) { p.reloadSkin(); }},
 
     {"mnuPlay",         [](Player& p) { p.PlayPauseMedia(); showNow(p); }},
     {"mnuStop",         [](Player& p) { p.StopMedia(); showNow(p); }},

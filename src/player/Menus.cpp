@@ -1,8 +1,10 @@
 #include "player/Menus.h"
 
 #include "core/Version.h"
+#include "media/Texts.h"
 #include "player/MenuTree.h"
 #include "player/Shortcuts.h"
+#include "player/Texts.h"
 
 #include <cassert>
 
@@ -124,6 +126,34 @@ void Menus::connectItem(const QString& name, std::function<void()> command)
         if (action.isCheckable()) action.setChecked(!checked);
         command();
     });
+}
+
+std::map<QString, core::Text> Menus::knownCaptions() const
+{
+    constexpr core::Text kChanging[] = {texts::kMenuPause,
+                                        texts::kMenuPlay,
+                                        texts::kMenuSectionFrom,
+                                        texts::kMenuSectionTo,
+                                        texts::kMenuSectionOff,
+                                        media::texts::kMenuCompress,
+                                        media::texts::kMenuDecompress};
+    std::map<QString, core::Text> known;
+    for (const ItemInfo& info : kItems) {
+        if (*info.name == '\0') continue;
+        const QString caption = item(info.name).text();
+        const auto learn = [&](const core::Text& text) {
+            if (!caption.isEmpty() && caption == QString(text)) known.insert_or_assign(info.name, text);
+        };
+        for (const core::Text& text : kChanging) learn(text);
+        learn(info.caption);
+    }
+    return known;
+}
+
+void Menus::translate(const std::map<QString, core::Text>& captions)
+{
+    for (const auto& [name, text] : captions) item(name).setText(text);
+    m_bar->addShortcuts();
 }
 
 void Menus::AssignMenus(const QString& folder)

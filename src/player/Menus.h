@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Text.h"
 #include "ui/Menu.h"
 
 #include <QAction>
@@ -43,6 +44,11 @@ public:
     /// Asked before menus open: an item that can be run by two keys shows the one that works at that moment.
     void setMovieHasKeyboard(std::function<bool()> question) { m_movieHasKeyboard = std::move(question); }
     void refreshShortcuts();
+
+    /// The items' captions of this moment as texts that can be translated; those of files and skins are none.
+    [[nodiscard]] std::map<QString, core::Text> knownCaptions() const;
+    /// Gives items their captions in another language, and the menus their letters.
+    void translate(const std::map<QString, core::Text>& captions);
 
     [[nodiscard]] QMenuBar& bar() const { return *m_bar; }
     [[nodiscard]] QMenu& popUp() const { return *m_popUp; }

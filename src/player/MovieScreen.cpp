@@ -28,8 +28,9 @@ void MovieScreen::LoadMovie(int layer, const QString& url)
     // A question mark in a file's own name would be taken for a query: such a file goes in as an address.
     const bool marked = url.contains('?') && core::fileExists(url);
     if (!m_control->LoadMovie(layer, marked ? QUrl::fromLocalFile(url).toString(QUrl::FullyEncoded) : url))
-        throw base::Failure(core::kDeviceError, "Flash",
-                            m_control->lacksProcess() ? texts::kMovieWithoutProcess : texts::kMovieDamaged);
+        throw base::Failure(
+            core::kDeviceError, "Flash",
+            (m_control->lacksProcess() ? texts::kMovieWithoutProcess : texts::kMovieDamaged).toStdString());
     if (layer != 0) return;
     m_layout->setCurrentWidget(m_control);
     m_control->setSuspended(false);

@@ -51,7 +51,7 @@ Outside::Answer ask(PlayerHost& host, QWidget& window, const Outside::Question& 
     return allowed ? Outside::Answer::Open : Outside::Answer::Refuse;
 }
 
-const char* textOf(OutsideTarget::Refusal refusal)
+core::Text textOf(OutsideTarget::Refusal refusal)
 {
     switch (refusal) {
     case OutsideTarget::Refusal::None:

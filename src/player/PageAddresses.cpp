@@ -29,7 +29,7 @@ QString moviesForPage(const core::Application& application, const QStringList& r
     const QDir samples(application.AppPath + "media/samples");
     for (const QFileInfo& sample : samples.entryInfoList({"*.swf"}, QDir::Files, QDir::Name))
         if (movies.size() < kMax && !movies.contains(sample.filePath())) movies += sample.filePath();
-    QString query = "&recent=" + QString::number(own);
+    QString query = "&recent=" + QString::number(own) + languageForPage();
     if (*core::kUpdateAddress == '\0') query += "&noupdate=1";
     const auto encoded = [](const QString& text) {
         return QString::fromLatin1(QUrl::toPercentEncoding(text));
@@ -42,13 +42,19 @@ QString moviesForPage(const core::Application& application, const QStringList& r
     return query;
 }
 
+QString languageForPage()
+{
+    const QString code = core::languageCode();
+    return code == core::Language::kRussian ? QString() : "&lang=" + code;
+}
+
 QString failureForPage(const QString& file, const QString& advice)
 {
     const auto told = [](const char* name, const QString& text) {
         return text.isEmpty() ? QString() : name + QString::fromLatin1(QUrl::toPercentEncoding(text));
     };
     return (*core::kUpdateAddress == '\0' ? QString("&noupdate=1") : QString()) + told("&file=", file) +
-           told("&advice=", advice);
+           told("&advice=", advice) + languageForPage();
 }
 
 QString aboutPage(const core::Application& application, const QString& greetings, const QString& thanks,
@@ -57,7 +63,8 @@ QString aboutPage(const core::Application& application, const QString& greetings
     return application.GadgetsPath + "about.swf?about=" + core::GetAppVersion() +
            media::URLEncode(QString("<BR><BR>") + core::kLegalCopyright + "<BR><BR>" + greetings +
                             "<BR><BR> ") +
-           media::URLEncode(thanks + "<BR><BR>" + core::kLegalTrademarks) + "&noanim=" + noAnimation;
+           media::URLEncode(thanks + "<BR><BR>" + core::kLegalTrademarks) + "&noanim=" + noAnimation +
+           languageForPage();
 }
 
 QString soundPage(const QString& gadgetsPath, int volume, int pan)

@@ -31,6 +31,9 @@ QString filePartOf(const QString& address);
 /// Whether a file lies in a folder or below it, links and ".." resolved. What does not exist lies nowhere.
 bool liesWithin(const QString& file, const QString& folder);
 
+/// What tells a page the language of the interface; nothing while it is the pages' own.
+QString languageForPage();
+
 /// What goes behind welcomePage(): up to four movies to be opened again, with their pictures where there are
 /// some, and samples of the program's where there are fewer.
 QString moviesForPage(const core::Application& application, const QStringList& recent);

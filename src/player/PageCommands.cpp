@@ -47,6 +47,14 @@ PageOutcome search(PageCommandHost& host, const QString& folder)
     return done();
 }
 
+PageOutcome order(PageCommandHost& host, const QString& word)
+{
+    host.setBrowserOrder(word);
+    host.setBrowserPage(0);
+    host.NewMediaBrowse(host.browserFolder());
+    return done();
+}
+
 PageOutcome goToPage(PageCommandHost& host, int page)
 {
     host.setBrowserPage(page);
@@ -73,7 +81,7 @@ PageOutcome browse(PageCommandHost& host, const QString& folder)
 PageOutcome fullScreen(PageCommandHost& host, const QString& argument)
 {
     const std::optional<bool> on = settings::toBoolean(argument);
-    if (!on) throw base::Failure(kTypeMismatch, "FULLSCREEN", texts::kTypeMismatch);
+    if (!on) throw base::Failure(kTypeMismatch, "FULLSCREEN", texts::kTypeMismatch.toStdString());
     if (*on)
         host.FullScreen(true);
     else // Sized three times in a row on purpose: some window managers need the second call.
@@ -104,6 +112,7 @@ constexpr CommandInfo kCommands[] = {
     {"MEOWBACKPAGE",  PageEffect::Opens, &backPage},
     {"MEOWLASTPAGE",  PageEffect::Opens, &lastPage},
     {"MEOWFIRSTPAGE", PageEffect::Opens, &firstPage},
+    {"MEOWORDER",     PageEffect::Opens, &order},
     {"MEOWBROWSE",    PageEffect::Opens, &browse},
     {"FULLSCREEN",    PageEffect::Opens, &fullScreen}, // with false it leaves
     {"EXEC",          PageEffect::Asks,  &execute},

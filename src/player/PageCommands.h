@@ -46,6 +46,8 @@ public:
     [[nodiscard]] virtual QString browserFolder() const = 0;
     [[nodiscard]] virtual int browserPage() const = 0; ///< counted from 0
     virtual void setBrowserPage(int page) = 0;         ///< not clamped: showing the page does that
+    /// @param word as the page and the settings have it
+    virtual void setBrowserOrder(const QString& word) = 0;
     [[nodiscard]] virtual int browserPageCount() const = 0;
     virtual void NewMediaBrowse(const QString& folder) = 0;
     virtual void ShowBrowsePage() = 0;

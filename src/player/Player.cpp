@@ -174,7 +174,7 @@ void Player::connectControl()
 
 // ---- errors
 
-void Player::handled(const char* place, const std::function<void()>& procedure)
+void Player::handled(core::Text place, const std::function<void()>& procedure)
 {
     if (!m_application.RunningCompiled) return procedure();
     try {
@@ -368,17 +368,20 @@ void Player::mnuClearCache_Click()
 void Player::LoadOpts()
 {
     m_settings.LoadOpts();
+    m_shownMotion = options().noAnimation;
     // The folder of a program that is installed for all holds nothing of the user's.
     if (options().search == m_application.AppPath && m_application.SettingsPath != m_application.AppPath)
         options().search = platform::userMediaFolder();
     if (!options().search.isEmpty()) m_browserState.folder = options().search;
     m_browserState.page = options().lastPage;
+    m_browserState.order = browser::orderNamed(options().order);
 }
 
 bool Player::SaveOpts()
 {
     options().search = m_browserState.folder;
     options().lastPage = m_browserState.page;
+    options().order = browser::wordOf(m_browserState.order);
     keepPlace();
     return m_settings.SaveOpts();
 }

@@ -5,6 +5,7 @@
 #include "media/MediaFiles.h"
 #include "platform/MediaSession.h"
 #include "platform/ScreenAwake.h"
+#include "platform/TaskbarProgress.h"
 #include "player/Console.h"
 #include "player/FilmExport.h"
 #include "player/Lifecycle.h"
@@ -29,6 +30,7 @@
 #include "player/WindowDrag.h"
 
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -38,6 +40,11 @@
 // menus, pages and scripts call, each a few lines over a part that has its own file and its own tests.
 
 class QProgressDialog;
+
+namespace ui
+{
+class HelpWindow;
+}
 
 namespace player
 {
@@ -187,10 +194,16 @@ public:
     Q_INVOKABLE void EnumSkins() override { m_skinWindow.EnumSkins(); }
     Q_INVOKABLE void CreateSkin() override;
     Q_INVOKABLE void UpdateSkin() override { m_skinWindow.skin().UpdateSkin(); }
+    void reloadSkin() { m_skinWindow.Reload(); }
     Q_INVOKABLE void LoadNewSkin() { m_skinWindow.LoadNewSkin(); }
     Q_INVOKABLE void ShowWaitScreen() { m_skinWindow.ShowWaitScreen(); }
     Q_INVOKABLE void HideWaitScreen() { m_skinWindow.HideWaitScreen(); }
     Q_INVOKABLE void UpdateRegion(bool force) { m_skinWindow.UpdateRegion(force); }
+    /// A text of the skin's in the language of the interface, where the skin has words for it.
+    Q_INVOKABLE QString Translated(const QString& text)
+    {
+        return m_skinWindow.skin().words().translated(text);
+    }
     Q_INVOKABLE QObject* PIC(int index) { return m_skinWindow.skin().control("PIC", index); }
     Q_INVOKABLE QObject* LBL(int index) { return m_skinWindow.skin().control("LBL", index); }
 
@@ -222,6 +235,7 @@ public:
     [[nodiscard]] QString browserFolder() const override { return m_browserState.folder; }
     [[nodiscard]] int browserPage() const override { return m_browserState.page; }
     void setBrowserPage(int page) override { m_browserState.page = page; }
+    void setBrowserOrder(const QString& word) override { m_browserState.order = browser::orderNamed(word); }
     [[nodiscard]] int browserPageCount() const override { return m_browserState.totalPages; }
     void NewMediaBrowse(const QString& folder) override { m_browser.NewMediaBrowse(folder); }
     void ShowBrowsePage() override { m_browser.ShowBrowsePage(); }
@@ -246,6 +260,7 @@ public:
     void setCompressCaption(const QString& caption) override { m_menus.item("mnuCompress").setText(caption); }
     bool progress(double part) override;
     void resume();
+    void optionsChanged() override;
     void setFailedFile(const QString& path) override { m_failedFile = path; }
     [[nodiscard]] QString takeFailedFile() override { return std::exchange(m_failedFile, {}); }
     void setMediaTitle(const QString& title) override { m_mediaTitle = title; }
@@ -285,7 +300,7 @@ public:
     [[nodiscard]] bool updateTimerEnabled() const override { return m_timer.isEnabled(); }
     QWidget* errorParent() override { return this; }
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
-    void handled(const char* place, const std::function<void()>& procedure) override;
+    void handled(core::Text place, const std::function<void()>& procedure) override;
     /// The process ends without the window having been asked: the settings are kept, nothing else is touched.
     void saveForSuddenEnd();
     /// The memory has come to an end: what takes most of it goes, and the panel says why.
@@ -324,6 +339,7 @@ protected:
 
 private:
     void convert();
+    void showPageAnew();
     static constexpr double kTwipsPerPixel = 15;
     static int toPixels(double twips) { return skin::SkinControl::whole(twips / kTwipsPerPixel); }
 
@@ -333,7 +349,7 @@ private:
     void connectKeys();
     void joinDesktop() override;
     void tellDesktop();
-    void sessionLater(const char* place, std::function<void()> action);
+    void sessionLater(core::Text place, std::function<void()> action);
     /// Full screen and maximised may be set from outside; says so to whoever shows it.
     void followWindow();
     /// Near the window's upper left corner, for who has asked by the keyboard.
@@ -390,6 +406,9 @@ private:
     platform::MediaSession m_session{*this};
     platform::ScreenAwake m_awake;
     Console* m_console = nullptr;
+    platform::TaskbarProgress m_taskbar{"zorvex"};
+    QPointer<ui::HelpWindow> m_help;
+    QString m_shownMotion;    ///< the setting that the page on the screen was given
     bool m_hasVisual = false; ///< SetVisual has run
     QString m_mediaTitle, m_failedFile;
     QString m_shownMovie; ///< path of the user's movie that the control holds; empty when it is none

@@ -21,6 +21,7 @@ bool Player::progress(double part)
 {
     // Called by the one at work, who has made the window and takes it down.
     if (m_progress == nullptr) return true;
+    m_taskbar.show(part);
     m_progress->setValue(static_cast<int>(part * m_progress->maximum()));
     return !m_progress->wasCanceled() && !hasEnded();
 }
@@ -37,7 +38,10 @@ void Player::mnuCompress_Click()
     window.setMinimumDuration(kAtOnceMs);
     window.setAutoReset(false);
     m_progress = &window;
-    const auto done = qScopeGuard([this] { m_progress = nullptr; });
+    const auto done = qScopeGuard([this] {
+        m_progress = nullptr;
+        m_taskbar.hide();
+    });
     convert();
 }
 

@@ -23,7 +23,7 @@ namespace player
 namespace
 {
 
-constexpr const char* kDesktopEntry = "org.zorvex.Zorvex";
+constexpr const char* kDesktopEntry = "zorvex";
 constexpr double kMicroseconds = 1e6;
 constexpr const char* kPlacesFile = "places.txt";
 
@@ -195,7 +195,7 @@ void Player::sessionRaise()
 }
 
 /// Later, so that who asks has his answer first.
-void Player::sessionLater(const char* place, std::function<void()> action)
+void Player::sessionLater(core::Text place, std::function<void()> action)
 {
     QTimer::singleShot(0, this, [this, place, action = std::move(action)] {
         if (!hasEnded() && QApplication::activeModalWidget() == nullptr) handled(place, action);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Text.h"
+
 #include <QString>
 
 #include <functional>
@@ -22,7 +24,7 @@ public:
     virtual ~PlayerHost() = default;
 
     /// Runs a procedure under the program's usual handler: a failure is reported and the program goes on.
-    virtual void handled(const char* place, const std::function<void()>& procedure) = 0;
+    virtual void handled(core::Text place, const std::function<void()>& procedure) = 0;
     virtual void ReportError(const base::Failure& error, const QString& place, const QString& detail) = 0;
     /// Writes an error to the journal as ReportError() does, and shows nothing.
     virtual void noteError(const base::Failure& error, const QString& place) = 0;
@@ -41,6 +43,8 @@ public:
     virtual void setUpdateTimerEnabled(bool enabled) = 0;
     /// @returns false when the settings could not be written
     virtual bool SaveOpts() = 0;
+    /// The user has changed options: what is on the screen follows.
+    virtual void optionsChanged() = 0;
     /// Keeps what SaveOpts() would write for an end that something stands in the way of.
     virtual void keepForSuddenEnd() = 0;
 };

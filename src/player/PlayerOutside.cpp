@@ -6,6 +6,7 @@
 #include "player/PageAddresses.h"
 #include "player/Texts.h"
 #include "ui/AboutScreen.h"
+#include "ui/HelpWindow.h"
 #include "ui/Texts.h"
 
 #include <QApplication>
@@ -27,7 +28,21 @@ constexpr qint64 kShowPatienceMs = 1000;
 
 } // namespace
 
-void Player::openHelp() { openKnown(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt")); }
+void Player::openHelp()
+{
+    if (m_help == nullptr) {
+        m_help = new ui::HelpWindow(this, m_application.AppPath + "media/help/");
+        m_help->setAttribute(Qt::WA_DeleteOnClose);
+        if (!m_help->showPage("help")) {
+            delete m_help;
+            return openKnown(QUrl::fromLocalFile(m_application.AppPath + "Readme.txt"));
+        }
+    }
+    m_help->show();
+    m_help->raise();
+    m_help->activateWindow();
+}
+
 void Player::WebUpdate()
 {
     if (*core::kUpdateAddress != '\0' && !isUnbidden()) openKnown(QUrl(core::kUpdateAddress));

@@ -28,6 +28,30 @@ PlayerSettings::PlayerSettings(core::Application& application, PlayerHost& host,
     : m_application(application), m_host(host), m_places(places), m_file(application),
       m_recent(application.GadgetsPath)
 {
+    constexpr int kSettlingMs = 200;
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(kSettlingMs);
+    QObject::connect(&m_watcher, &QFileSystemWatcher::fileChanged, &m_settling, qOverload<>(&QTimer::start));
+    QObject::connect(&m_settling, &QTimer::timeout, &m_settling, [this] { refresh(); });
+}
+
+void PlayerSettings::watch()
+{
+    // A file that was replaced is watched no more.
+    if (!m_watcher.files().contains(m_file.path())) m_watcher.addPath(m_file.path());
+}
+
+void PlayerSettings::refresh()
+{
+    watch();
+    if (m_host.hasEnded()) return;
+    QStringList recent = m_recent.paths();
+    if (!m_file.refresh(m_options, recent)) return;
+    m_recent.clear();
+    for (auto path = recent.crbegin(); path != recent.crend(); ++path) m_recent.AddRecent(*path);
+    showRecent();
+    m_places.control.setTextCode(m_options.codepage);
+    m_host.optionsChanged();
 }
 
 void PlayerSettings::LoadOpts()
@@ -56,6 +80,7 @@ void PlayerSettings::LoadOpts()
     m_places.status.setTimeMode(m_options.timeMode);
     // From the oldest on, each to the top.
     for (auto path = recent.crbegin(); path != recent.crend(); ++path) AddRecent(*path);
+    watch();
 }
 
 void PlayerSettings::gather()
@@ -100,7 +125,9 @@ bool PlayerSettings::SaveOpts()
         for (const QString& problem :
              platform::Association(core::kProductName, m_application.AppPath).Associate())
             m_application.LogEvent(core::HtmlEscape("Association: " + problem));
-    return m_file.save(m_options, m_recent.paths());
+    const bool isSaved = m_file.save(m_options, m_recent.paths());
+    watch();
+    return isSaved;
 }
 
 void PlayerSettings::edit()
@@ -108,10 +135,13 @@ void PlayerSettings::edit()
     settings::frmOptions dialog(&m_places.window, m_options);
     m_host.ShowDialog(dialog);
     m_places.control.setTextCode(m_options.codepage);
-    if (dialog.result() == QDialog::Accepted && !m_host.SaveOpts())
+    if (dialog.result() != QDialog::Accepted) return;
+    const bool isSaved = m_host.SaveOpts();
+    m_host.optionsChanged();
+    if (!isSaved)
         QMessageBox::warning(&m_places.window, core::kProductName,
                              m_file.isDiskFull() ? QString(texts::kOptionsUnsaved) + '\n' + texts::kDiskFull
-                                                 : texts::kOptionsUnsaved);
+                                                 : QString(texts::kOptionsUnsaved));
 }
 
 void PlayerSettings::AddRecent(const QString& path)

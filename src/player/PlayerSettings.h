@@ -3,6 +3,9 @@
 #include "settings/RecentList.h"
 #include "settings/SettingsFile.h"
 
+#include <QFileSystemWatcher>
+#include <QTimer>
+
 class QWidget;
 
 namespace flash
@@ -56,6 +59,9 @@ public:
 
 private:
     void showRecent();
+    /// Another window may have saved.
+    void refresh();
+    void watch();
     /// Collects the options from what they live in.
     void gather();
 
@@ -65,6 +71,8 @@ private:
     settings::SettingsFile m_file;
     settings::Options m_options;
     settings::RecentList m_recent;
+    QFileSystemWatcher m_watcher;
+    QTimer m_settling;       ///< a save comes in several steps
     bool m_isLoaded = false; ///< only then is there something to save
 };
 

@@ -9,7 +9,7 @@
 namespace player
 {
 
-const char* saveFilter(const media::MediaInfo& info)
+QString saveFilter(const media::MediaInfo& info)
 {
     if (info.Converted) return texts::kSaveProjector;
     return info.Compressed ? texts::kSaveCompressed : texts::kSavePlain;

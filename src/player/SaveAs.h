@@ -8,7 +8,7 @@ namespace player
 {
 
 /// What the save dialog offers for the movie that is loaded: its description and pattern.
-const char* saveFilter(const media::MediaInfo& info);
+QString saveFilter(const media::MediaInfo& info);
 
 enum class SaveOutcome { Saved, CannotConvert, CannotWrite };
 struct SaveResult {

@@ -22,8 +22,17 @@ void ScreenNote::show(QWidget& window, const QString& text, int shownMs)
     delete window.findChild<ScreenNote*>();
     auto* note = new ScreenNote(window, text);
     const auto place = [note, &window] {
-        constexpr int kFromTop = 24;
-        note->adjustSize();
+        constexpr int kFromTop = 24, kFromSide = 8;
+        // A narrow window has it in several lines.
+        note->setWordWrap(false);
+        const int room = window.width() - 2 * kFromSide;
+        if (note->sizeHint().width() > room) {
+            note->setWordWrap(true);
+            note->setAlignment(Qt::AlignCenter);
+            note->resize(room, note->heightForWidth(room));
+        } else {
+            note->adjustSize();
+        }
         note->move((window.width() - note->width()) / 2, kFromTop);
         note->raise();
     };

@@ -9,6 +9,7 @@
 #include "platform/WindowSystem.h"
 #include "player/Console.h"
 #include "player/Menus.h"
+#include "player/MistakesDialog.h"
 #include "player/SizingFrame.h"
 #include "player/Texts.h"
 #include "player/WindowFlags.h"
@@ -124,7 +125,7 @@ void SkinWindow::mnuSkinList_Click(int index)
     for (int i = 0; i < m_skins.size(); ++i) m_menus.setChecked(QString("mnuSkinList%1").arg(i), i == index);
     m_selected = m_skins[index];
     m_folder = skin::skinFolder(skinsPaths(), m_selected);
-    LoadNewSkin();
+    Reload();
 }
 
 void SkinWindow::CreateSkin()
@@ -155,6 +156,7 @@ void SkinWindow::LoadNewSkin()
         return;
     }
     m_isSwitching = true;
+    m_mistakes.clear();
     const auto end = qScopeGuard([this] { m_isSwitching = false; });
     ShowWaitScreen();
     QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
@@ -168,6 +170,7 @@ void SkinWindow::LoadNewSkin()
     // The controls of the skin before may go only when the event that asked for the switch is done with. The
     // event loop has looked at them too early just now, and would sleep over them until something happens.
     if (auto* loop = QAbstractEventDispatcher::instance()) loop->wakeUp();
+    tellMistakes();
 }
 
 void SkinWindow::ShowWaitScreen()
@@ -308,6 +311,32 @@ void SkinWindow::log(const QString& text)
     } catch (const base::Failure&) {
         // A skin goes on without a journal.
     }
+}
+
+void SkinWindow::noteMistake(const QString& file, int line, const QString& what)
+{
+    constexpr qsizetype kMaxMistakes = 200; // an author mends the first ones first
+    if (!m_isSwitching || m_mistakes.size() >= kMaxMistakes) return;
+    QString where = file;
+    if (line > 0) where += (where.isEmpty() ? "" : ":") + QString::number(line);
+    m_mistakes += where.isEmpty() ? what : where + ": " + what;
+}
+
+void SkinWindow::Reload()
+{
+    m_tellsMistakes = true;
+    LoadNewSkin();
+}
+
+void SkinWindow::tellMistakes()
+{
+    const QStringList mistakes = std::exchange(m_mistakes, {});
+    if (!std::exchange(m_tellsMistakes, false) || mistakes.isEmpty() || m_host.hasEnded()) return;
+    // Later: the menu command that asked for the skin is still at work.
+    QTimer::singleShot(0, this, [this, mistakes] {
+        if (m_host.hasEnded()) return;
+        showMistakes(m_window, m_folder, mistakes);
+    });
 }
 
 void SkinWindow::logError(const base::Failure& error, const QString& place, const QString& detail)

@@ -41,6 +41,7 @@ class SizingFrame;
 class MenuItem : public QObject
 {
     Q_OBJECT
+    Q_CLASSINFO("ScriptName", "Menu")
     Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
     Q_PROPERTY(bool Checked READ Checked WRITE setChecked)
     Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabled)
@@ -91,6 +92,8 @@ public:
     /// window stays as it is.
     void CreateSkin();
     void LoadNewSkin();
+    /// The same for the user, who is told of the mistakes in the skin's files.
+    void Reload();
     void mnuSkinList_Click(int index);
     void ShowWaitScreen();
     void HideWaitScreen() { m_waitScreen->HideWaitScreen(); }
@@ -114,6 +117,7 @@ public:
     void skinOverran() override;
     [[nodiscard]] bool isDeveloperMode() const override;
     void log(const QString& text) override;
+    void noteMistake(const QString& file, int line, const QString& what) override;
     void logError(const base::Failure& error, const QString& place, const QString& detail) override;
 
     int messageBox(const std::u16string& text, int buttons, const std::u16string& title) override;
@@ -125,6 +129,7 @@ signals:
     void shownChanged();
 
 private:
+    void tellMistakes();
     /// Takes the skin that hangs away, says so, and shows the program's own.
     void putAway();
     void setFrameless(bool frameless);
@@ -148,6 +153,8 @@ private:
     QString m_folder; ///< of the chosen skin, with its closing separator
     QHash<QString, QObject*> m_items;
     bool m_frameless = false;
+    QStringList m_mistakes; ///< of the skin that is loaded at the moment
+    bool m_tellsMistakes = false;
     bool m_isSwitching = false;
     int m_wishes = 0; ///< of the skin's statements since the user acted, or for some time
     QElapsedTimer m_sinceWish;

@@ -30,7 +30,7 @@ void StatusTimer::tmrUpdate_Timer()
     const flash::FlashControl& control = m_movieScreen.control();
     m_status.update(control.FrameNum(), control.TotalFrames(), m_movie.FrameRate);
     const bool playing = control.Playing();
-    const char* running = m_isLimited ? texts::kPlayingLimited : texts::kPlaying;
+    const core::Text running = m_isLimited ? texts::kPlayingLimited : texts::kPlaying;
     m_host.SetStatus(playing ? running : texts::kStopped);
     const QString caption = playing ? texts::kMenuPause : texts::kMenuPlay;
     QAction& play = m_menus.item("mnuPlay");

@@ -35,11 +35,13 @@ struct Options {
     bool hqShots = true;
     bool associate = false;
     QString codepage = "automatic"; ///< of movies before version 6: "automatic" or the name of an 8-bit code
+    QString language = "ru";        ///< of the interface: its two-letter code
     // SETTINGS/EXPORT
     QString exportChoice; ///< what was chosen for the last film, in the words of zorvex-export
     // SETTINGS/FILES
     QString search; ///< the media browser's folder; when missing, the program's
     qint32 lastPage = 0;
+    QString order = "name"; ///< of the media browser's items: name, date or size
 };
 
 /// "True" and "False" in any case, or a number. @returns nothing for another text

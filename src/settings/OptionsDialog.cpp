@@ -33,7 +33,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 };
 
-void addHeading(QVBoxLayout& column, const char* name, const char* text)
+void addHeading(QVBoxLayout& column, const char* name, const QString& text)
 {
     auto* label = new QLabel(text, column.parentWidget());
     label->setObjectName(name);
@@ -61,7 +61,7 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
     m_cache = addList(*column, "lblQuit", texts::kQuit, "cmbCache", texts::kCacheTip, texts::kCacheItems,
                       options.cacheMode);
     column->addSpacing(8);
-    std::vector<const char*> codes;
+    std::vector<core::Text> codes;
     int chosenCode = -1;
     for (const texts::Codepage& code : texts::kCodepages) {
         if (options.codepage.compare(code.name, Qt::CaseInsensitive) == 0)
@@ -70,6 +70,15 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
     }
     m_codepage = addList(*column, "lblCodepage", texts::kCodepage, "cmbCodepage", texts::kCodepageTip, codes,
                          chosenCode);
+    column->addSpacing(8);
+    std::vector<core::Text> languages;
+    int chosenLanguage = -1;
+    for (const texts::InterfaceLanguage& language : texts::kLanguages) {
+        if (options.language == language.code) chosenLanguage = static_cast<int>(languages.size());
+        languages.emplace_back(language.name);
+    }
+    m_language = addList(*column, "lblLanguage", texts::kLanguage, "cmbLanguage", texts::kLanguageTip,
+                         languages, chosenLanguage);
     column->addSpacing(12);
     addHeading(*column, "lblPerfomance", texts::kPerformance); // spelled so on purpose
     m_animation = addBox(*column, "chkAnimation", texts::kAnimation, texts::kAnimationTip,
@@ -117,9 +126,8 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
     m_startUp->setFocus();
 }
 
-QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const char* label,
-                               const char* name, const char* tip, std::span<const char* const> items,
-                               int chosen)
+QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, core::Text label, const char* name,
+                               core::Text tip, std::span<const core::Text> items, int chosen)
 {
     auto* text = new QLabel(label, this);
     text->setObjectName(labelName);
@@ -129,7 +137,7 @@ QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const
     list->setAccessibleName(label);
     list->setFixedHeight(kControlHeight);
     list->setMinimumWidth(kMinWidth);
-    for (const char* item : items) {
+    for (const core::Text& item : items) {
         list->addItem(item);
         list->setItemData(list->count() - 1, QSize(0, kRowHeight), Qt::SizeHintRole);
     }
@@ -140,7 +148,7 @@ QComboBox* frmOptions::addList(QVBoxLayout& column, const char* labelName, const
     return list;
 }
 
-QCheckBox* frmOptions::addBox(QVBoxLayout& column, const char* name, const char* caption, const char* tip,
+QCheckBox* frmOptions::addBox(QVBoxLayout& column, const char* name, core::Text caption, core::Text tip,
                               bool checked)
 {
     auto* box = new QCheckBox(caption, this);
@@ -162,6 +170,8 @@ void frmOptions::cbOk_Click()
     if (m_startUp->currentIndex() >= 0) m_options.startUp = m_startUp->currentIndex();
     if (m_codepage->currentIndex() >= 0)
         m_options.codepage = texts::kCodepages[m_codepage->currentIndex()].name;
+    if (m_language->currentIndex() >= 0)
+        m_options.language = texts::kLanguages[m_language->currentIndex()].code;
     accept();
 }
 

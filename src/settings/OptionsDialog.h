@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Text.h"
 #include "settings/Options.h"
 
 #include <QDialog>
@@ -24,15 +25,16 @@ public:
 
 private:
     void cbOk_Click();
-    QComboBox* addList(QVBoxLayout& column, const char* labelName, const char* label, const char* name,
-                       const char* tip, std::span<const char* const> items, int chosen);
-    QCheckBox* addBox(QVBoxLayout& column, const char* name, const char* caption, const char* tip,
+    QComboBox* addList(QVBoxLayout& column, const char* labelName, core::Text label, const char* name,
+                       core::Text tip, std::span<const core::Text> items, int chosen);
+    QCheckBox* addBox(QVBoxLayout& column, const char* name, core::Text caption, core::Text tip,
                       bool checked);
 
     Options& m_options;
     QComboBox* m_startUp;
     QComboBox* m_cache;
     QComboBox* m_codepage;
+    QComboBox* m_language;
     QCheckBox* m_animation;
     QCheckBox* m_specialEffects;
     QCheckBox* m_hqShots;

@@ -53,9 +53,11 @@ constexpr Setting kSettings[] = {
     {"SYSTEM",  "hqShots",     &Options::hqShots},
     {"SYSTEM",  "associate",   &Options::associate},
     {"SYSTEM",  "codepage",    &Options::codepage, true},
+    {"SYSTEM",  "language",    &Options::language, true},
     {"EXPORT",  "choice",      &Options::exportChoice},
     {"FILES",   "search",      &Options::search},
     {"FILES",   "lastPage",    &Options::lastPage},
+    {"FILES",   "order",       &Options::order, true},
 };
 // clang-format on
 
@@ -145,6 +147,17 @@ std::optional<bool> toBoolean(const QString& text)
     const double number = word.toDouble(&isNumber);
     if (!isNumber) return std::nullopt;
     return number != 0;
+}
+
+QString chosenLanguage(const core::Application& application)
+{
+    for (const QString& folder : {application.SettingsPath, application.AppPath}) {
+        const auto content = base::readFile(core::filePath(folder + kFileName), kMaxBytes);
+        if (!content) continue;
+        const auto document = base::xml::Document::parse(*content);
+        return document ? readOptions(*document, {}).language : Options().language;
+    }
+    return Options().language;
 }
 
 QString SettingsFile::path() const { return m_application.SettingsPath + kFileName; }
@@ -248,6 +261,11 @@ void SettingsFile::takeOver(Options& options, QStringList& recent) const
                 if (options.*member == m_before.*member) options.*member = theirs.*member;
             },
             setting.member);
+    takeOverRecent(recent);
+}
+
+void SettingsFile::takeOverRecent(QStringList& recent) const
+{
     if (recentTexts(*m_document) == m_recentOnDisk) return; // no other window has been here
     // What this window has opened stands first; all that the other one knows follows.
     QStringList merged;
@@ -259,6 +277,32 @@ void SettingsFile::takeOver(Options& options, QStringList& recent) const
     merged += recent;
     merged.removeDuplicates();
     recent = merged.mid(0, kRecentSlots - 1);
+}
+
+bool SettingsFile::refresh(Options& options, QStringList& recent)
+{
+    auto onDisk = m_document ? documentOnDisk() : std::nullopt;
+    if (!onDisk) return false;
+    m_document = std::move(*onDisk);
+    const Options theirs = readOptions(*m_document, m_before);
+    bool isAnother = false;
+    for (const Setting& setting : kSettings) {
+        const QByteArray element = setting.element;
+        if ((element != "GADGETS" && element != "SYSTEM") || QByteArray(setting.attribute) == "timeMode")
+            continue;
+        std::visit(
+            [&](const auto member) {
+                if (theirs.*member == m_before.*member || options.*member != m_before.*member) return;
+                options.*member = m_before.*member = theirs.*member;
+                isAnother = true;
+            },
+            setting.member);
+    }
+    const QStringList before = recent;
+    takeOverRecent(recent);
+    m_recentOnDisk = recentTexts(*m_document);
+    m_recentBefore = recent;
+    return isAnother || recent != before;
 }
 
 bool SettingsFile::save(const Options& own, const QStringList& ownRecent)

@@ -9,6 +9,9 @@
 namespace settings
 {
 
+/// @returns the code of the language that the settings hold; to be had before they are read, and quietly
+QString chosenLanguage(const core::Application& application);
+
 /// settings.xml. The file is a template that is updated in place: saving changes the texts of attributes and
 /// elements that are there and creates none, so that whatever else it holds survives.
 class SettingsFile
@@ -33,6 +36,10 @@ public:
     /// @returns false when the file could not be written; the old one is then untouched and the journal says
     ///          why.
     bool save(const Options& own, const QStringList& ownRecent);
+    /// Takes over what another window has saved meanwhile: the options of the options window, which are the
+    /// same for all windows, and its recent files. What this window has changed itself stays.
+    /// @returns whether anything is another now
+    bool refresh(Options& options, QStringList& recent);
     /// Whether the last save failed for want of room.
     [[nodiscard]] bool isDiskFull() const { return m_isDiskFull; }
 
@@ -45,6 +52,7 @@ private:
     void keepAside();
     [[nodiscard]] std::optional<base::xml::Document> documentOnDisk() const;
     void takeOver(Options& options, QStringList& recent) const;
+    void takeOverRecent(QStringList& recent) const;
 
     core::Application& m_application;
     /// Kept from load to the end of the run. Empty when the file could not even be read: it may be good, and

@@ -142,6 +142,8 @@ std::optional<QString> Bridge::begin(const QString& language)
     const auto known = m_engine.setLanguage(view(language));
     const QString error = known ? QString() : QString::fromStdU16String(m_engine.error().description);
     m_engine.setUseSafeSubset(true);
+    constexpr int kEnglish = 1033, kRussian = 1049;
+    m_engine.setInterfaceLanguage(core::languageCode() == core::Language::kRussian ? kRussian : kEnglish);
     reset();
     if (m_player) m_engine.addObject(u"Player", *m_player, true);
     m_begun = true;
@@ -204,6 +206,8 @@ Bridge::Outcome Bridge::RunScript(const QString& statement, Repetition repetitio
         if (same == m_lastTimerError) return Outcome::Failed;
         m_lastTimerError = same;
     }
+    m_host.noteMistake(error.line < kLibraryLines ? m_scriptFile : m_libraryFile, error.line % kLibraryLines,
+                       QString::fromStdU16String(error.description) + " [" + statement + ']');
     m_host.logError(failureOf(error), place, {});
     return Outcome::Failed;
 }

@@ -52,6 +52,12 @@ public:
     void addObject(const QString& name, QObject* object);
     /// Whose file a script is: errors of a library say so behind their line.
     enum class Source { Skin, Library };
+    /// Names of the script files, for what is said of mistakes in them.
+    void setFiles(const QString& script, const QString& library)
+    {
+        m_scriptFile = script;
+        m_libraryFile = library;
+    }
     /// @returns what failed, with its line in the file
     std::optional<QString> addCode(const QString& code, Source source = Source::Skin);
     void reset();
@@ -117,6 +123,7 @@ private:
     int m_passes = 0;
     double m_passMs = 0, m_callMs = 0; ///< that scripts have run, without what they waited for the user
     QElapsedTimer m_since;             ///< when that was counted last
+    QString m_scriptFile, m_libraryFile;
 };
 
 } // namespace skin

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace skin
 {
@@ -39,8 +40,9 @@ int SkinControl::whole(double value)
 
 void SkinControl::setUsable(bool usable)
 {
-    m_usable = usable;
+    const bool before = std::exchange(m_usable, usable);
     setEnabled(m_usable && !m_resting);
+    if (before != m_usable) usableChanged();
 }
 
 void SkinControl::setResting(bool resting)
@@ -122,6 +124,12 @@ void SkinControl::contextMenuEvent(QContextMenuEvent* event)
 }
 
 // ---- pictures
+
+void SkinPicture::usableChanged()
+{
+    if (!isResting() && hasImage(ImageState::Disabled))
+        showState(Enabled() ? ImageState::Normal : ImageState::Disabled);
+}
 
 void SkinPicture::setImage(ImageState state, QImage image)
 {
@@ -218,15 +226,33 @@ void SkinPicture::paintEvent(QPaintEvent* event)
     }
 }
 
+void SkinPicture::setMasked(SkinColour key)
+{
+    m_masked = true;
+    const QRgb cut = qRgb(static_cast<int>(key & 0xFF), static_cast<int>(key >> 8 & 0xFF),
+                          static_cast<int>(key >> 16 & 0xFF));
+    for (QImage& fine : m_fineImages) {
+        if (fine.isNull()) continue;
+        fine.convertTo(QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < fine.height(); ++y) {
+            auto* line = reinterpret_cast<QRgb*>(fine.scanLine(y));
+            for (int x = 0; x < fine.width(); ++x)
+                if ((line[x] | 0xFF000000) == cut) line[x] = 0;
+        }
+    }
+    forgetStretched();
+}
+
 void SkinPicture::drawFinely(QPainter& painter)
 {
     const qreal scale = devicePixelRatioF();
     const QSize wanted = (QSizeF(size()) * scale).toSize();
     if (m_finelyStretched.size() != wanted) {
         const QImage& fine = m_fineImages.at(static_cast<std::size_t>(m_shown));
-        const QImage& source = fine.isNull() || m_masked ? image(m_shown) : fine;
-        m_finelyStretched = source.scaled(wanted, Qt::IgnoreAspectRatio,
-                                          m_masked ? Qt::FastTransformation : Qt::SmoothTransformation);
+        const QImage& source = fine.isNull() ? image(m_shown) : fine;
+        m_finelyStretched =
+            source.scaled(wanted, Qt::IgnoreAspectRatio,
+                          m_masked && fine.isNull() ? Qt::FastTransformation : Qt::SmoothTransformation);
     }
     m_finelyStretched.setDevicePixelRatio(scale);
     painter.drawImage(0, 0, m_finelyStretched);

@@ -80,6 +80,13 @@ public:
     static int whole(double value);
     static int extent(double value) { return std::max(0, whole(value)); }
 
+    /// What a screen reader is to take it for; nothing to be told of by itself.
+    enum class Part { None, Button, Text, Slider };
+    void setPart(Part part) { m_part = part; }
+    [[nodiscard]] Part part() const { return m_part; }
+    /// Does what a click does, for who has no pointer.
+    void click() { emit clicked(); }
+
 signals:
     void pressed(skin::PointerButton button, QPoint position);
     void moved(bool leftHeld, QPoint position);
@@ -92,6 +99,8 @@ signals:
 
 protected:
     virtual void place(const QRect& where) { setGeometry(where); }
+    /// A script has taken it out of use or back.
+    virtual void usableChanged() {}
     [[nodiscard]] bool isResting() const { return m_resting; }
     bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -108,6 +117,7 @@ private:
     QString m_tag;
     QWidget* m_window; ///< outlives its children
     QWidget* m_client; ///< the widget of the window that views lie on
+    Part m_part = Part::None;
     bool m_usable = true;
     bool m_resting = false;
     bool m_opensMenu = false;
@@ -118,6 +128,7 @@ private:
 class SkinPicture : public SkinControl
 {
     Q_OBJECT
+    Q_CLASSINFO("ScriptName", "PictureBox")
     Q_PROPERTY(int BackColor READ BackColor WRITE setBackColor)
 
 public:
@@ -130,7 +141,7 @@ public:
     /// Whether the state has an image, or may turn out to have one.
     [[nodiscard]] bool hasImage(ImageState state) const;
     /// The same picture at twice its size, shown where a pixel of the window is more than one of the
-    /// screen's. Masked pictures do without: their edges are those of the mask.
+    /// screen's.
     void setFineImage(ImageState state, QImage image);
     [[nodiscard]] const QImage& image(ImageState state) const;
     /// A state without an image leaves what is shown.
@@ -147,10 +158,12 @@ public:
     {
         return colour.red() | colour.green() << 8 | colour.blue() << 16;
     }
-    /// Masked pictures are stretched without smoothing, so that no pixel mixes with the key colour.
-    void setMasked() { m_masked = true; }
+    /// Masked pictures are stretched without smoothing, so that no pixel mixes with the key colour. Those of
+    /// twice the size lose that colour before they are, and may be smoothed.
+    void setMasked(SkinColour key);
 
 protected:
+    void usableChanged() override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -172,6 +185,7 @@ private:
 class SkinLabel : public SkinControl
 {
     Q_OBJECT
+    Q_CLASSINFO("ScriptName", "Label")
     Q_PROPERTY(QString Caption READ Caption WRITE setCaption)
     Q_PROPERTY(int ForeColor READ ForeColor WRITE setForeColor)
     Q_PROPERTY(int Alignment READ Alignment WRITE setAlignment)

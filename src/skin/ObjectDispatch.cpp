@@ -5,6 +5,8 @@
 #include <QMetaMethod>
 #include <QMetaProperty>
 
+#include <cmath>
+
 namespace skin
 {
 namespace
@@ -47,6 +49,10 @@ public:
         m_parts.push_back({object, script::make<script::QtDispatch>(object), &objects.tableOf(object)});
         if (behind != nullptr)
             m_parts.push_back({behind, script::make<script::QtDispatch>(behind), &objects.tableOf(behind)});
+        const QMetaObject& type = *object->metaObject();
+        const int named = type.indexOfClassInfo(kScriptName);
+        if (m_typeName.empty() && named >= 0)
+            m_typeName = QString::fromUtf8(type.classInfo(named).value()).toStdU16String();
         if (m_typeName.empty()) m_typeName = m_parts[0].dispatch->typeName();
     }
 
@@ -63,7 +69,12 @@ public:
         if (!m_findMember) return std::nullopt;
         if (const auto known = m_memberIds.constFind(key); known != m_memberIds.cend()) return *known;
         QObject* member = m_findMember(key);
-        if (member == nullptr) return std::nullopt;
+        if (member == nullptr) {
+            // The name of a control array: its elements are members of that name and a number.
+            if (key.isEmpty() || m_findMember(key + '0') == nullptr) return std::nullopt;
+            m_arrays.push_back(key);
+            return *m_memberIds.insert(key, kArrayIds + static_cast<MemberId>(m_arrays.size() - 1));
+        }
         m_members.push_back(member);
         return *m_memberIds.insert(key, kMemberIds + static_cast<MemberId>(m_members.size() - 1));
     }
@@ -71,6 +82,8 @@ public:
     script::Result<script::Value> invoke(MemberId member, Access access, script::Arguments arguments) override
     {
         const bool puts = access == Access::Put || access == Access::PutRef;
+        if (member >= kArrayIds)
+            return elementOf(m_arrays.at(static_cast<std::size_t>(member - kArrayIds)), puts, arguments);
         if (member >= kMemberIds) {
             if (puts) return script::fault(kNoSuchMember);
             return show(m_members.at(static_cast<std::size_t>(member - kMemberIds)));
@@ -105,9 +118,13 @@ public:
     }
 
 private:
+    static constexpr const char* kScriptName = "ScriptName"; ///< what TypeName answers for a class
     static constexpr int kPartIds = 1 << 16;
     static constexpr int kMemberIds = 1 << 24;
+    static constexpr int kArrayIds = 1 << 25;
     static constexpr int kNoSuchMember = 438;
+    static constexpr int kWrongArguments = 450;
+    static constexpr int kNoSuchElement = 340;
 
     struct Part {
         QPointer<QObject> object;
@@ -129,13 +146,27 @@ private:
         }
     }
 
+    script::Result<script::Value> elementOf(const QString& array, bool puts, script::Arguments arguments)
+    {
+        if (puts) return script::fault(kNoSuchMember);
+        if (arguments.size() != 1) return script::fault(kWrongArguments);
+        const auto index = script::variantFromValue(arguments[0]);
+        if (!index) return tl::make_unexpected(index.error());
+        bool isNumber = false;
+        const int number = static_cast<int>(std::nearbyint(index->toDouble(&isNumber)));
+        QObject* element = isNumber && number >= 0 ? m_findMember(array + QString::number(number)) : nullptr;
+        if (element == nullptr) return script::fault(kNoSuchElement);
+        return show(element);
+    }
+
     script::Value show(QObject* object) { return script::Value::object(m_objects.dispatchOf(object).get()); }
 
     ScriptObjects& m_objects; // outlives the engine, and so every script value
     std::vector<Part> m_parts;
     FindMember m_findMember;
     mutable std::vector<QPointer<QObject>> m_members;
-    mutable QHash<QString, MemberId> m_memberIds; // of m_members
+    mutable std::vector<QString> m_arrays;        // names of control arrays, lower case
+    mutable QHash<QString, MemberId> m_memberIds; // of m_members and m_arrays
     std::u16string m_typeName;
 };
 

@@ -1,6 +1,7 @@
 #include "skin/Skin.h"
 
 #include "base/Failure.h"
+#include "skin/Accessible.h"
 #include "skin/SkinFiles.h"
 #include "skin/Texts.h"
 
@@ -14,7 +15,10 @@
 namespace skin
 {
 
-Skin::Skin(SkinHost& host, script::Host* scriptHost) : m_host(host), m_bridge(host, scriptHost) {}
+Skin::Skin(SkinHost& host, script::Host* scriptHost) : m_host(host), m_bridge(host, scriptHost)
+{
+    installAccessibility();
+}
 Skin::~Skin() = default;
 
 void Skin::UnloadSkin()
@@ -172,7 +176,8 @@ void Skin::setActive(bool active)
         // Views stay in use: the movie lies in one, and goes on.
         if (record.kind != Kind::Panel && record.kind != Kind::Button) continue;
         if (record.hasImage(ImageState::Disabled))
-            record.picture()->showState(active ? ImageState::Normal : ImageState::Disabled);
+            record.picture()->showState(active && record.picture()->Enabled() ? ImageState::Normal
+                                                                              : ImageState::Disabled);
         record.object->setResting(!active);
     }
 }

@@ -3,6 +3,7 @@
 #include "skin/Bridge.h"
 #include "skin/Controls.h"
 #include "skin/Description.h"
+#include "skin/Words.h"
 
 #include <QObject>
 #include <QPointer>
@@ -44,6 +45,7 @@ public:
     ~Skin() override;
 
     [[nodiscard]] Bridge& bridge() { return m_bridge; }
+    [[nodiscard]] const Words& words() const { return m_words; }
 
     /// Builds a skin, runs its onLoad and shows its first view.
     /// @param path of skin.xml, in any case
@@ -99,6 +101,8 @@ private:
         Skin& m_skin;
     };
 
+    /// Of the scripts and words that skins share.
+    [[nodiscard]] QString sharedFolder() const;
     void ParseSkinNode(const base::xml::Element& node);
     void ParseSkinChildren(const base::xml::Element& node);
     void beginTheme(const base::xml::Element& node);
@@ -122,6 +126,7 @@ private:
 
     SkinHost& m_host;
     Bridge m_bridge;
+    Words m_words;
     QString m_folder; ///< the skin's, with its closing separator
     std::vector<SkinObject> m_objects{1};
     std::vector<Mask> m_masks;

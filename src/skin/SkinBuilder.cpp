@@ -59,12 +59,14 @@ bool Skin::LoadSkin(const QString& path)
     if (!bytes) return false;
     const auto document = base::xml::Document::parse(*bytes);
     if (!document) {
+        m_host.noteMistake("skin.xml", 0, QString::fromStdString(document.error().what));
         m_host.log(core::HtmlEscape(QString::fromStdString(document.error().what)));
         return false;
     }
 
     const Busy busy(*this);
     m_imagePixels = 0;
+    m_words.load(core::languageCode(), {m_folder, sharedFolder()});
     m_bridge.beginPass();
     const base::xml::Element root = document->root();
     m_container = &m_host.clientArea();
@@ -72,7 +74,8 @@ bool Skin::LoadSkin(const QString& path)
     if (isName(root, "THEME"))
         ParseSkinNode(root);
     else
-        step(root, Step::Branch, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kNoTheme); });
+        step(root, Step::Branch,
+             [] { throw base::Failure(kTypeMismatch, "Skin", texts::kNoTheme.toStdString()); });
 
     m_bridge.RunScript("onLoad");
     runMediaChange();
@@ -87,10 +90,12 @@ void Skin::step(const base::xml::Element& node, Step kind, const std::function<v
     try {
         action();
     } catch (const base::Failure& failure) {
+        m_host.noteMistake("skin.xml", node.line(), QString::fromStdString(failure.description()));
         const bool developer = kind == Step::Element && m_host.isDeveloperMode();
         const QString source = QString::fromStdString(node.source(kMaxSourceBytes));
         m_host.logError(failure, developer ? texts::kObjectPlace : texts::kBranchPlace,
-                        (developer ? texts::kObjectDetail : texts::kBranchDetail) + ("\r\n\r\n" + source));
+                        QString(developer ? texts::kObjectDetail : texts::kBranchDetail) +
+                            ("\r\n\r\n" + source));
     }
 }
 
@@ -119,11 +124,14 @@ void Skin::ParseSkinNode(const base::xml::Element& node)
 void Skin::ParseSkinChildren(const base::xml::Element& node)
 {
     if (m_nested == kMaxNested)
-        return step(node, Step::Branch, [] { throw base::Failure(kTypeMismatch, "Skin", texts::kTooDeep); });
+        return step(node, Step::Branch,
+                    [] { throw base::Failure(kTypeMismatch, "Skin", texts::kTooDeep.toStdString()); });
     ++m_nested;
     for (const base::xml::Element& child : node.children()) ParseSkinNode(child);
     --m_nested;
 }
+
+QString Skin::sharedFolder() const { return QDir::cleanPath(m_folder + kSharedScripts) + '/'; }
 
 void Skin::beginTheme(const base::xml::Element& node)
 {
@@ -135,6 +143,7 @@ void Skin::beginTheme(const base::xml::Element& node)
     step(node, Step::Branch, [&] {
         m_host.setMinimumWindowSize({toWhole(theme.minWidth), toWhole(theme.minHeight)});
     });
+    m_bridge.setFiles(theme.scriptFile, theme.scriptLibrary);
     const auto addScript = [&](const QString& name, Bridge::Source source, const QStringList& folders) {
         if (name.isEmpty()) return;
         QString path;
@@ -146,7 +155,7 @@ void Skin::beginTheme(const base::xml::Element& node)
             throw base::Failure(kTypeMismatch, "Skin", (name + ": " + *error).toStdString());
     };
     // The skin's own copy comes before the program's.
-    const QString shared = QDir::cleanPath(m_folder + kSharedScripts) + '/';
+    const QString shared = sharedFolder();
     step(node, Step::Branch, [&] {
         addScript(theme.scriptLibrary, Bridge::Source::Library, {m_folder, shared});
     });
@@ -165,7 +174,8 @@ void Skin::introduce(SkinControl& control, const QString& name)
 
 void Skin::CreateSkinView(const base::xml::Element& node)
 {
-    if (m_objects.size() > kMaxObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
+    if (m_objects.size() > kMaxObjects)
+        throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany.toStdString());
     const auto attributes = ViewAttributes::read(node);
     SkinObject& record = m_objects.emplace_back();
     auto* view = new SkinPicture("PIC", ++m_pictures, &m_host.clientArea(), &m_host.window());
@@ -183,7 +193,8 @@ void Skin::CreateSkinView(const base::xml::Element& node)
 
 void Skin::CreateSkinObject(const base::xml::Element& node, Kind kind)
 {
-    if (m_objects.size() > kMaxObjects) throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany);
+    if (m_objects.size() > kMaxObjects)
+        throw base::Failure(kTypeMismatch, "Skin", texts::kTooMany.toStdString());
     m_objects.emplace_back();
     // Stored when all has gone well: an element that fails on the way leaves its record empty.
     SkinObject record;
@@ -240,8 +251,16 @@ void Skin::buildObject(SkinObject& record, const base::xml::Element& node, Kind 
             label->setHeight(height);
         }
     }
+    // What is only drawn is nothing to be told of.
+    if (label != nullptr)
+        label->setPart(SkinControl::Part::Text);
+    else if (!attributes.onClick.isEmpty())
+        picture->setPart(SkinControl::Part::Button);
+    else if (attributes.toolTip != kAbsent)
+        picture->setPart(SkinControl::Part::Slider);
     control.ZOrder(0);
-    if (picture != nullptr && attributes.toolTip != kAbsent) picture->setToolTip(attributes.toolTip);
+    if (picture != nullptr && attributes.toolTip != kAbsent)
+        picture->setToolTip(m_words.translated(attributes.toolTip));
     if (picture != nullptr) cutToMask(*picture, attributes);
     record.pointer.emplace(ElementPointer::Element{
         record.hasImage(ImageState::Down), record.hasImage(ImageState::Over), !attributes.onClick.isEmpty()});
@@ -297,7 +316,7 @@ void Skin::setUpLabel(SkinLabel& label, const ElementAttributes& attributes)
                             (texts::kTypeMismatch + attributes.fontSize).toStdString());
     label.setFontSize(points);
     label.setForeColor(static_cast<int>(ParseColor(attributes.foreColor)));
-    label.setCaption(attributes.caption);
+    label.setCaption(m_words.translated(attributes.caption));
 }
 
 void Skin::cutToMask(SkinPicture& picture, const ElementAttributes& attributes)
@@ -307,9 +326,9 @@ void Skin::cutToMask(SkinPicture& picture, const ElementAttributes& attributes)
     if (mask == kAbsent) return;
     const SkinColour key = ParseColor(mask);
     if (qint64{picture.width()} * picture.height() > kMaxMaskPixels)
-        throw base::Failure(kNoPicture, "Skin", texts::kMaskTooLarge);
-    picture.setMasked();
+        throw base::Failure(kNoPicture, "Skin", texts::kMaskTooLarge.toStdString());
     const QImage shown = picture.picture();
+    picture.setMasked(key);
     if (shapesWindow) m_masks.push_back({GetHoleRegion(shown, key), &picture});
     setMaskOf(picture, GetSolidRegion(shown, key));
 }

@@ -42,6 +42,10 @@ public:
     /// Whether errors pass to the debugger instead of the journal.
     [[nodiscard]] virtual bool isDeveloperMode() const = 0;
     virtual void log(const QString& text) = 0;
+    /// A mistake in the skin's files, for its author; logError() tells it too.
+    /// @param file of the skin, empty when it is not known
+    /// @param line counted from 1; 0 when it is not known
+    virtual void noteMistake(const QString& file, int line, const QString& what) = 0;
     virtual void logError(const base::Failure& error, const QString& place, const QString& detail) = 0;
 };
 

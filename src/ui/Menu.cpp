@@ -101,6 +101,7 @@ MenuBar::MenuBar(QWidget* parent) : QMenuBar(parent) { setNativeMenuBar(false); 
 
 void MenuBar::addShortcuts()
 {
+    qDeleteAll(std::exchange(m_shortcuts, {}));
     m_mnemonics = chosenFor(actions());
     for (QAction* menu : actions()) {
         const int position = m_mnemonics.value(menu, -1);
@@ -110,6 +111,7 @@ void MenuBar::addShortcuts()
             if (!key.isLetter()) continue;
             // The window's, because a bar that is hidden hears no key.
             auto* shortcut = new QShortcut(QKeySequence(QString("Alt+") + key), parentWidget());
+            m_shortcuts += shortcut;
             const auto open = [this, menu] { openMenu(*menu); };
             connect(shortcut, &QShortcut::activated, this, open);
             // Both names of a key may be known to the system at once.

@@ -42,7 +42,7 @@ class MenuBar : public QMenuBar
     Q_OBJECT
 public:
     explicit MenuBar(QWidget* parent);
-    /// To be called when all menus are there.
+    /// To be called when all menus are there, and again when their captions have changed.
     void addShortcuts();
     /// Opens one of the bar's menus, at the window's corner while the bar is hidden.
     void openMenu(QAction& menu);
@@ -52,6 +52,7 @@ protected:
 
 private:
     QHash<const QAction*, int> m_mnemonics;
+    QList<QShortcut*> m_shortcuts;
 };
 
 } // namespace ui

@@ -40,7 +40,7 @@ protected:
     {
         for (const QString& name : names) {
             write("movies/" + name, "FWS");
-            pictured("movies/" + name);
+            pictured(QString("movies/") + name);
         }
     }
     void pictured(const QString& name)
@@ -260,6 +260,55 @@ TEST_F(Browser, NamesOfAllKindsReachThePageWhole)
     browser.NewMediaBrowse(path("Ё"));
     EXPECT_TRUE(host.address.contains("&shot2_ItemName=%2Eswf&")) << host.address.toStdString();
     EXPECT_EQ(parameter(host.address, "FolderText"), path("Ё/"));
+}
+
+TEST_F(Browser, OrdersByNameDateAndSize)
+{
+    movies({"a.swf", "b.swf", "c.swf"});
+    write("movies/b.swf", QByteArray(3000, 'x'));
+    write("movies/c.swf", QByteArray(2000, 'x'));
+    const auto setAge = [this](const char* name, int hours) {
+        std::filesystem::last_write_time(core::filePath(path("movies/") + name),
+                                         std::filesystem::file_time_type::clock::now() -
+                                             std::chrono::hours(hours));
+    };
+    setAge("a.swf", 2);
+    setAge("b.swf", 3);
+    setAge("c.swf", 1);
+    for (const char* name : {"a.swf", "b.swf", "c.swf"}) pictured(QString("movies/") + name);
+    const std::pair<Order, QStringList> kOrders[] = {{Order::Name, {"..", "a.swf", "b.swf", "c.swf"}},
+                                                     {Order::Date, {"..", "c.swf", "a.swf", "b.swf"}},
+                                                     {Order::Size, {"..", "b.swf", "c.swf", "a.swf"}}};
+    for (const auto& [order, names] : kOrders) {
+        state.order = order;
+        browser.NewMediaBrowse(path("movies"));
+        QStringList found;
+        for (const BrowseItem& item : state.items) found += item.name;
+        EXPECT_EQ(found, names);
+        EXPECT_EQ(parameter(host.address, "order"), order == Order::Name ? QString() : wordOf(order));
+        EXPECT_EQ(orderNamed(wordOf(order)), order);
+    }
+    EXPECT_EQ(orderNamed("colour"), Order::Name);
+}
+
+TEST_F(Browser, TellsWhatIsInAFolder)
+{
+    folder("movies/full");
+    folder("movies/empty");
+    for (int i = 0; i < 6; ++i) {
+        const QString name = QString("movies/full/%1.swf").arg(i);
+        write(name, "FWS");
+        if (i > 0) pictured(name);
+    }
+    write("movies/full/text.txt", "");
+    browser.NewMediaBrowse(path("movies"));
+    ASSERT_EQ(state.items.size(), 3U);
+    EXPECT_EQ(parameter(host.address, "shot1_ItemCount"), "") << "the way up tells nothing";
+    EXPECT_EQ(parameter(host.address, "shot2_ItemCount"), "");
+    EXPECT_EQ(parameter(host.address, "shot3_ItemCount"), "6");
+    const QStringList shots = parameter(host.address, "shot3_ItemShots").split('\n');
+    EXPECT_EQ(shots.size(), 4);
+    for (const QString& shot : shots) EXPECT_TRUE(QFile::exists(shot)) << shot.toStdString();
 }
 
 } // namespace

@@ -164,7 +164,7 @@ TEST_F(FilmExport, SaysWhatWentWrong)
     player.LoadFlash(film, {});
     qputenv("ZORVEX_EXPORT_PROGRAM", "/nowhere/zorvex-export");
     player.SaveVideo();
-    EXPECT_TRUE(said.contains("zorvex-export"));
+    EXPECT_TRUE(said.contains("zorvex-export")) << said.toStdString();
 }
 
 TEST_F(FilmExport, ARangeThatIsNoneCannotBeSaved)

@@ -60,6 +60,7 @@ public:
     QString browserFolder() const override { return "/last/"; }
     int browserPage() const override { return page; }
     void setBrowserPage(int value) override { page = value; }
+    void setBrowserOrder(const QString& word) override { calls += "order " + word; }
     int browserPageCount() const override { return pages; }
     void NewMediaBrowse(const QString& folder) override
     {
@@ -100,6 +101,7 @@ TEST(PageCommands, DoWhatTheirNamesSay)
         {"MEOWBACKPAGE", "9", {"show 2"}},
         {"MEOWLASTPAGE", "9", {"show 6"}},
         {"MEOWFIRSTPAGE", "9", {"show 0"}},
+        {"MEOWORDER", "date", {"order date", "browse /last/ at 0"}},
         {"MEOWBROWSE", "/m", {"choose /m"}},
         {"MEOWBROWSE", "", {"choose /last/"}},
         {"FULLSCREEN", "true", {"full"}},

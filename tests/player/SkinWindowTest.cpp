@@ -2,9 +2,13 @@
 #include "player/PlayerWindow.h"
 #include "skin/SampleSkin.h"
 
+#include <QClipboard>
 #include <QDialog>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QWindow>
 #include <QtTest/QTest>
 
@@ -227,6 +231,40 @@ TEST_F(SkinWindowTest, StaysUsableWithEveryBrokenSkin)
         EXPECT_EQ(player.control().TotalFrames(), 300);
     }
     EXPECT_TRUE(log().contains(" :: Wait Screen"));
+}
+
+TEST_F(SkinWindowTest, ShowsNumberedMenuItemsAsControlArrays)
+{
+    putSkin("default", skinOf("<LABEL name='out' width='300'/><SUBVIEW name='panel'/>"),
+            "Sub onLoad\n"
+            "  Player.mnuQLvl(2).Checked = True\n"
+            "  out.Caption = Player.mnuQLvl(0).Caption & \"|\" & Player.mnuQLvl2.Checked & \"|\" & "
+            "TypeName(Player) & \"|\" & TypeName(panel) & \"|\" & TypeName(out) & \"|\" & "
+            "TypeName(Player.mnuLoop) & \"|\" & TypeName(SWF)\n"
+            "  On Error Resume Next\n"
+            "  Player.mnuQLvl(99).Click\n"
+            "  out.Caption = out.Caption & \"|\" & Err.Number\n"
+            "End Sub");
+    Player player(application, core::commandLine({movie}));
+    showSkinned(player);
+    EXPECT_EQ(element(player, "out").property("Caption").toString(),
+              "Высокое|True|Player|PictureBox|Label|Menu|ShockwaveFlash|340");
+}
+
+TEST_F(SkinWindowTest, ListsTheMistakesOfASkinThatTheUserReloads)
+{
+    putSkin("default", skinOf("\n<LABEL name='out' foreColor='red'/>\n<SUBVIEW name='panel'/>"),
+            "Sub onLoad\n  x = 1\n  x = 1 / 0\nEnd Sub");
+    Player player(application, core::commandLine({movie}));
+    showSkinned(player);
+    EXPECT_EQ(player.findChild<QDialog*>("frmMistakes"), nullptr) << "nobody has asked";
+    player.menus().item("mnuUpdSkin").trigger();
+    ASSERT_TRUE(waitFor([&] { return player.findChild<QDialog*>("frmMistakes") != nullptr; }));
+    const QStringList told = player.findChild<QPlainTextEdit*>("txtMistakes")->toPlainText().split('\n');
+    EXPECT_TRUE(told.contains("s.vbs:3: Деление на ноль [onLoad]")) << told.join('\n').toStdString();
+    EXPECT_EQ(told.filter(QRegularExpression("^skin.xml:2: ")).size(), 1) << told.join('\n').toStdString();
+    player.findChild<QPushButton*>("cbCopy")->click();
+    EXPECT_EQ(QApplication::clipboard()->text().split('\n'), told);
 }
 
 } // namespace

@@ -144,13 +144,13 @@ TEST_F(OptionsWindow, IsWorkedByKeysAlone)
     open();
     dialog->activateWindow();
     QStringList visited;
-    for (int i = 0; i < 9; ++i) {
+    for (int i = 0; i < 10; ++i) {
         ASSERT_NE(dialog->focusWidget(), nullptr);
         visited += dialog->focusWidget()->objectName();
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(visited, (QStringList{"cmbStartUp", "cmbCache", "cmbCodepage", "chkAnimation", "chkSFX",
-                                    "chkHQShots", "chkAssoc", "cbOk", "cbCancel"}));
+    EXPECT_EQ(visited, (QStringList{"cmbStartUp", "cmbCache", "cmbCodepage", "cmbLanguage", "chkAnimation",
+                                    "chkSFX", "chkHQShots", "chkAssoc", "cbOk", "cbCancel"}));
     find<QCheckBox>("chkHQShots").setFocus();
     QTest::keyClick(dialog->focusWidget(), Qt::Key_Space);
     QTest::keyClick(dialog.get(), Qt::Key_Return);

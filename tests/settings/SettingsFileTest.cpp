@@ -157,6 +157,30 @@ TEST_F(SettingsFiles, ReadEveryValueAndLeaveWhatDoesNotConvert)
     EXPECT_EQ(options.skin, "default");
 }
 
+TEST_F(SettingsFiles, TellWhatAnotherWindowHasSaved)
+{
+    put(shipped());
+    SettingsFile ours(application), theirs(application);
+    Options other;
+    QStringList others;
+    ASSERT_TRUE(ours.load(options, recent));
+    ASSERT_TRUE(theirs.load(other, others));
+    EXPECT_FALSE(ours.refresh(options, recent)) << "nothing has happened";
+    options.sfx = !options.sfx; // chosen here, and not saved yet
+    other.sfx = options.sfx;
+    other.language = "en";
+    other.noAnimation = "True";
+    other.volume = 7; // each window has its own
+    ASSERT_TRUE(theirs.save(other, others));
+    EXPECT_TRUE(ours.refresh(options, recent));
+    EXPECT_EQ(options.language, "en");
+    EXPECT_EQ(options.noAnimation, "True");
+    EXPECT_NE(options.volume, 7);
+    EXPECT_FALSE(ours.refresh(options, recent)) << "told once";
+    ASSERT_TRUE(ours.save(options, recent));
+    EXPECT_TRUE(content().contains("volume=\"7\"")) << "and what it has not changed is not undone";
+}
+
 TEST_F(SettingsFiles, KeepTheRecentFilesThatExist)
 {
     const QString a = put("", "а 漢.swf"), b = put("", "b & c.swf"), gone = put("", "gone.swf");

@@ -53,6 +53,10 @@ public:
     void skinOverran() override { ++overruns; }
     [[nodiscard]] bool isDeveloperMode() const override { return developerMode; }
     void log(const QString& text) override { lines += text; }
+    void noteMistake(const QString& file, int line, const QString& what) override
+    {
+        mistakes += QString("%1:%2: %3").arg(file).arg(line).arg(what);
+    }
     void logError(const base::Failure& error, const QString& place, const QString& detail) override
     {
         errors += place;
@@ -67,7 +71,7 @@ public:
     int overruns = 0;
     QSize minimum;
     int regions = 0, popUps = 0, activations = 0;
-    QStringList lines, errors, details, descriptions;
+    QStringList lines, errors, details, descriptions, mistakes;
 };
 
 class SkinTest : public testing::Test

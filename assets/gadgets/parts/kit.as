@@ -1,5 +1,6 @@
 // What all pages are made of: colours, motion, plates, texts, buttons and keys.
 #include "query.as"
+#include "english.as"
 
 var INK = 0x16202E, SLATE = 0x223349, STEEL = 0x34506F, BLUE = 0x4974BA, SKY = 0x7FA6E0, ICE = 0xEEEEFF;
 var RED = 0xD9534F, WHITE = 0xFFFFFF;
@@ -12,6 +13,7 @@ var QUICK = 150, CALM = 220; // milliseconds of a motion
 var query = queryOf(_url);
 var animated = given(query.noanim).toLowerCase() != "true";
 _focusrect = false;
+_quality = "BEST"; // thumbnails are drawn smoothly at every scale
 
 function send(command, argument) { fscommand(command, given(argument)); }
 

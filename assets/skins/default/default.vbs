@@ -31,7 +31,7 @@ Sub onLoad
     edgeLeft.BackColor = steel
     edgeRight.BackColor = steel
     edgeBottom.BackColor = steel
-    infoText.ToolTipText = "Щелчок: другое время или кадры"
+    infoText.ToolTipText = Player.Translated("Щелчок: другое время или кадры")
     fullInfo.ToolTipText = infoText.ToolTipText
 
     MakeControlSets
@@ -115,6 +115,8 @@ Sub ShowNormal
     End If
     headTitle.Caption = Player.Title
     stateText.Caption = Player.StatusText
+    ShowUsable Array(btnPlay, btnPause, btnStop, btnBack, btnForward), Player.HasMovie
+    btnInfo.Enabled = Player.mnuInfo.Enabled
     ShowControls normalSet, Player.ScaleWidth < 480
 End Sub
 
@@ -124,5 +126,8 @@ Sub ShowFull
     If near <= fullBar.Height * 2 And near > 0 Then ticksLeft = FullBarTicks
     If ticksLeft > 0 Then ticksLeft = ticksLeft - 1
     fullBar.Visible = ticksLeft > 0 Or Not Player.HasMovie
-    If fullBar.Visible Then ShowControls fullSet, False
+    If fullBar.Visible Then
+        ShowUsable Array(fullPlay, fullPause, fullStop, fullBack, fullForward), Player.HasMovie
+        ShowControls fullSet, False
+    End If
 End Sub

@@ -20,7 +20,7 @@ Sub onLoad
     fullSeekFill.BackColor = light
     fullVolumeTrack.BackColor = groove
     fullVolumeFill.BackColor = light
-    infoText.ToolTipText = "Щелчок: другое время или кадры"
+    infoText.ToolTipText = Player.Translated("Щелчок: другое время или кадры")
     fullInfo.ToolTipText = infoText.ToolTipText
 
     MakeControlSets
@@ -103,6 +103,8 @@ Sub ShowNormal
     btnLoopOn.Visible = Player.mnuLoop.Checked
     headTitle.Caption = Player.Title
     stateText.Caption = Player.StatusText
+    ShowUsable Array(btnPlay, btnPause, btnStop, btnBack, btnForward), Player.HasMovie
+    btnInfo.Enabled = Player.mnuInfo.Enabled
     ShowControls normalSet, Player.ScaleWidth < 560
 End Sub
 
@@ -112,5 +114,8 @@ Sub ShowFull
     If near <= capsule.Height * 2 And near > 0 Then ticksLeft = CapsuleTicks
     If ticksLeft > 0 Then ticksLeft = ticksLeft - 1
     capsule.Visible = ticksLeft > 0 Or Not Player.HasMovie
-    If capsule.Visible Then ShowControls fullSet, False
+    If capsule.Visible Then
+        ShowUsable Array(fullPlay, fullPause, fullStop, fullBack, fullForward), Player.HasMovie
+        ShowControls fullSet, False
+    End If
 End Sub

@@ -62,6 +62,14 @@ Sub ShowSlider(track, fill, knob, share)
     knob.Left = track.Left + fill.Width - KnobWidth / 2
 End Sub
 
+' What can do nothing at the moment looks so. elements: an array
+Sub ShowUsable(elements, usable)
+    Dim element
+    For Each element In elements
+        element.Enabled = usable
+    Next
+End Sub
+
 ' ---- what is done
 
 Sub PlayPause

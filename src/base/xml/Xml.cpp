@@ -152,6 +152,8 @@ std::optional<std::string> Element::attribute(std::string_view name) const
     return take(xmlGetNoNsProp(m_node, in(key)));
 }
 
+int Element::line() const { return static_cast<int>(xmlGetLineNo(m_node)); }
+
 std::string Element::text() const { return take(xmlNodeGetContent(m_node)); }
 
 std::vector<Element> Element::children() const

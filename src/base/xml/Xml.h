@@ -34,6 +34,9 @@ public:
     /// @param limitBytes longer texts are cut there, at a character's border
     [[nodiscard]] std::string source(std::size_t limitBytes) const;
 
+    /// The line of the file that its start tag ends in, from 1.
+    [[nodiscard]] int line() const;
+
     /// @returns false, with nothing changed, for a text that no XML document can hold: control characters,
     ///          broken UTF-8
     bool setAttribute(std::string_view name, std::string_view value);
