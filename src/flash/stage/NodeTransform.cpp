@@ -103,7 +103,7 @@ void Node::setScaleX(double percent)
     cacheScale();
     m_scaleX = percent;
     swf::Matrix matrix = m_matrix;
-    const double angle = m_rotation / kDegreesPerRadian;
+    const double angle = std::isnan(m_rotation) ? 0 : m_rotation / kDegreesPerRadian;
     matrix.a = std::cos(angle) * percent / 100;
     matrix.b = std::sin(angle) * percent / 100;
     setMatrix(matrix);
@@ -116,7 +116,7 @@ void Node::setScaleY(double percent)
     cacheScale();
     m_scaleY = percent;
     swf::Matrix matrix = m_matrix;
-    const double angle = (m_rotation + m_skew) / kDegreesPerRadian;
+    const double angle = std::isnan(m_rotation) ? 0 : (m_rotation + m_skew) / kDegreesPerRadian;
     matrix.c = -std::sin(angle) * percent / 100;
     matrix.d = std::cos(angle) * percent / 100;
     setMatrix(matrix);

@@ -26,6 +26,14 @@ void place(DisplayObject& object, const swf::ButtonRecord& record)
     node.setBlend(record.blend);
 }
 
+DisplayObject* stateArg(Call& call)
+{
+    auto* given = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::DisplayObject")));
+    if (given != nullptr && given->isStage)
+        call.vm.throwError(ErrorClass::Argument, 2175,
+                           "One or more items on the render list could not be added.");
+    return given;
+}
 Value constructButton(Call& call)
 {
     auto& self = displaySelf(call);
@@ -34,8 +42,7 @@ Value constructButton(Call& call)
     player.makeButtonStates(self);
     for (std::uint32_t i = 0; i < 4 && i < call.count; ++i) {
         Call inner{call.vm, call.self, call.args + i, 1};
-        if (auto* given = as<DisplayObject>(Value(optionalArg(inner, 0, "flash.display::DisplayObject"))))
-            self.states[i] = given;
+        if (DisplayObject* given = stateArg(inner)) self.states[i] = given;
     }
     if (self.states[0] != nullptr) player.showButtonState(self, State::Up);
     return {};
@@ -50,7 +57,7 @@ template <State state>
 Value setState(Call& call)
 {
     auto& self = displaySelf(call);
-    auto* given = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::DisplayObject")));
+    DisplayObject* given = stateArg(call);
     if (given != nullptr && given->contains(self))
         call.vm.throwError(ErrorClass::Argument, 2150,
                            "An object cannot be added as a child to one of it's children (or children's "
@@ -146,6 +153,7 @@ void Player::showButtonState(DisplayObject& button, State state)
     if (now != nullptr) removeChild(button, *now);
     if (wanted == nullptr || !button.children.empty()) return;
     if (wanted->parent != nullptr) removeChild(*wanted->parent, *wanted);
+    if (wanted->parent != nullptr) return; // a script that was told of it has put it elsewhere
     wanted->depth = 0;
     button.insertChild(*wanted, 0);
     wanted->isButtonState = true;

@@ -1,14 +1,13 @@
 #include "flash/avm2/bindings/Display.h"
-#include "flash/avm2/bindings/Interactive.h"
 
 #include "flash/avm2/bindings/Conversions.h"
-#include "flash/avm2/bindings/Graphics.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/bindings/Transform.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 // Place and look of what is on the display list.
 namespace flash::avm2
@@ -62,8 +61,9 @@ Value setScale(Call& call)
 }
 Value setRotation(Call& call)
 {
-    const double value = finite(call);
-    if (std::isfinite(value)) self(call).node().setRotation(value);
+    // What is no angle is kept as one, and turns nothing.
+    const double value = call.vm.toNumber(call.arg(0));
+    self(call).node().setRotation(std::isfinite(value) ? value : std::numeric_limits<double>::infinity());
     self(call).noteTransformed();
     return {};
 }
@@ -362,23 +362,6 @@ Value loaderInfo(Call& call)
     }
     return Value::null();
 }
-/// What draws belongs to the object for good.
-Value graphics(Call& call)
-{
-    auto& object = self(call);
-    if (object.graphics.isUndefined()) object.graphics = newGraphics(call.vm, object);
-    return object.graphics;
-}
-Value hitArea(Call& call) { return Value(self(call).hitArea); }
-Value setHitArea(Call& call)
-{
-    auto& object = self(call);
-    object.hitArea = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::Sprite")));
-    if (object.clip() != nullptr)
-        object.clip()->setHitArea(object.hitArea != nullptr ? &object.hitArea->node() : nullptr);
-    return {};
-}
-
 constexpr NativeMember kDisplay[] = {
     {"addEventListener", Kind::Method, &addListener, 2, 5},
     {"x", Kind::Getter, &x, 0, 0, &setPlace<true>, "Number"},
@@ -414,29 +397,10 @@ constexpr NativeMember kDisplay[] = {
     {"hitTestObject", Kind::Method, &hitTestObject, 1, 1},
     {"hitTestPoint", Kind::Method, &hitTestPoint, 2, 3},
 };
-constexpr NativeMember kSprite[] = {
-    {"graphics", Kind::Getter, &graphics},
-    {"startDrag", Kind::Method, &interactive::startDrag, 0, 2},
-    {"stopDrag", Kind::Method, &interactive::stopDrag, 0, 0},
-    {"dropTarget", Kind::Getter, &interactive::dropTarget, 0, 0, nullptr, "flash.display::DisplayObject"},
-    {"soundTransform", Kind::Getter, &interactive::ownerTransform, 0, 0, &interactive::setOwnerTransform,
-     "flash.media::SoundTransform"},
-    {"hitArea", Kind::Getter, &hitArea, 0, 0, &setHitArea, "flash.display::Sprite"},
-};
-constexpr NativeMember kInteractive[] = {
-    {"tabEnabled", Kind::Getter, &interactive::tabEnabled, 0, 0, &interactive::setTabEnabled, "Boolean"},
-    {"tabIndex", Kind::Getter, &interactive::tabIndex, 0, 0, &interactive::setTabIndex, "int"},
-    {"focusRect", Kind::Getter, &interactive::focusRect, 0, 0, &interactive::setFocusRect, "Object"},
-};
-constexpr NativeMember kShape[] = {{"graphics", Kind::Getter, &graphics}};
 /// What nothing here acts on. Depth and turns out of the plane are kept as they are told.
 constexpr std::string_view kDisplaySlots =
     "accessibilityProperties:* z:Number scaleZ:Number=1 rotationX:Number rotationY:Number rotationZ:Number "
     "metaData:Object blendShader:*";
-constexpr std::string_view kInteractiveSlots =
-    "mouseEnabled:Boolean=true doubleClickEnabled:Boolean "
-    "contextMenu:* needsSoftKeyboard:Boolean softKeyboardInputAreaOfInterest:*";
-
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
      .name = "DisplayObject",
@@ -449,42 +413,6 @@ constexpr NativeClass kClasses[] = {
      .members = kDisplay,
      .interfaces = "flash.display::IBitmapDrawable",
      .slots = kDisplaySlots},
-    {.package = "flash.display",
-     .name = "InteractiveObject",
-     .base = "flash.display::DisplayObject",
-     .flags = NativeClass::Sealed | NativeClass::Abstract,
-     .constructor = &refuseDisplayConstruction,
-     .minArguments = 0,
-     .maxArguments = 0,
-     .members = kInteractive,
-     .slots = kInteractiveSlots},
-    {.package = "flash.display",
-     .name = "Sprite",
-     .base = "flash.display::DisplayObjectContainer",
-     .flags = NativeClass::Sealed,
-     .constructor = &constructDisplay,
-     .minArguments = 0,
-     .maxArguments = 0,
-     .members = kSprite,
-     .slots = "buttonMode:Boolean useHandCursor:Boolean=true"},
-    {.package = "flash.display",
-     .name = "Shape",
-     .base = "flash.display::DisplayObject",
-     .flags = NativeClass::Sealed,
-     .constructor = &constructDisplay,
-     .minArguments = 0,
-     .maxArguments = 0,
-     .members = kShape},
-    {.package = "flash.display",
-     .name = "MorphShape",
-     .base = "flash.display::DisplayObject",
-     .flags = NativeClass::Sealed,
-     .constructor = &refuseDisplayConstruction},
-    {.package = "flash.text",
-     .name = "StaticText",
-     .base = "flash.display::DisplayObject",
-     .flags = NativeClass::Sealed,
-     .constructor = &refuseDisplayConstruction},
 };
 
 } // namespace

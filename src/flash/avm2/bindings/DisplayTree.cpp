@@ -155,6 +155,8 @@ Value constructDisplay(Call& call)
         stage::MoviePtr movie;
         if (const std::uint16_t id = player.characterOf(made.traits()->cls, movie))
             player.showCharacter(made, movie, id);
+        // What a script makes shows its first frame for a whole one.
+        made.skipsStep = made.isClip();
     }
     player.noteOffStage(made);
     player.constructChildren(made);

@@ -199,8 +199,10 @@ Value eventToString(Call& call)
     if (traits->slotTypes.size() > 0) {
         names->pop_back();
         for (const Traits::Entry& entry : traits->entries()) {
-            // The last one was added later, and is not shown.
-            if (entry.binding.kind != Binding::Kind::Slot || entry.name.view() == u"direction") continue;
+            // These were added later, and are not shown.
+            if (entry.binding.kind != Binding::Kind::Slot || entry.name.view() == u"direction" ||
+                entry.name.view() == u"errorID")
+                continue;
             names.push_back(Value(entry.name.string()));
             if (entry.name.view() != u"localY") continue;
             for (const char* place : {"stageX", "stageY"})

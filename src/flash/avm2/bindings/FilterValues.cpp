@@ -147,10 +147,15 @@ std::optional<swf::Filter> filterOf(Vm& vm, Value value)
     if (name == u"GlowFilter")
         return swf::GlowFilter{rgba(f, 0, 1),  blur(f, 2),     blur(f, 3), slotNumber(f, 4),
                                flag(vm, f, 6), flag(vm, f, 7), true,       passes(f, 5)};
+    // The strength of a shadow is an 8.8 number.
+    constexpr double kStrengthOne = 256;
     if (name == u"DropShadowFilter")
         return swf::DropShadowFilter{
-            rgba(f, 2, 3),    blur(f, 4),     blur(f, 5),     slotNumber(f, 1) * kDegree, slotNumber(f, 0),
-            slotNumber(f, 6), flag(vm, f, 8), flag(vm, f, 9), !flag(vm, f, 10),           passes(f, 7)};
+            rgba(f, 2, 3),    blur(f, 4),
+            blur(f, 5),       slotNumber(f, 1) * kDegree,
+            slotNumber(f, 0), std::trunc(slotNumber(f, 6) * kStrengthOne) / kStrengthOne,
+            flag(vm, f, 8),   flag(vm, f, 9),
+            !flag(vm, f, 10), passes(f, 7)};
     if (name == u"BevelFilter") {
         const std::u16string type = f.slot(10).isString() ? std::u16string(vm.text(f.slot(10))) : u"inner";
         return swf::BevelFilter{
@@ -178,8 +183,8 @@ std::optional<swf::Filter> filterOf(Vm& vm, Value value)
         result.matrix = numbersOf(vm, f.slot(2));
         result.matrix.resize(static_cast<std::size_t>(result.columns) *
                              static_cast<std::size_t>(result.rows));
-        result.divisor = slotNumber(f, 3);
-        result.bias = slotNumber(f, 4);
+        result.divisor = static_cast<float>(slotNumber(f, 3));
+        result.bias = static_cast<float>(slotNumber(f, 4));
         result.preserveAlpha = flag(vm, f, 5);
         result.clamp = flag(vm, f, 6);
         result.defaultColor = rgba(f, 7, 8);

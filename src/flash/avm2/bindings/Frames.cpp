@@ -68,6 +68,11 @@ void Player::frameEnded()
     }
     if (root() == nullptr) return;
     finishFrame();
+    if (!std::exchange(m_isAnnounced, true)) {
+        // All of the file is there from the beginning.
+        for (const char* type : {"init", "complete"})
+            m_vm->guarded([&] { fire(*m_vm, *mainMovie()->loaderInfo, type); });
+    }
     const auto work = std::exchange(m_later, {});
     for (const auto& step : work) m_vm->guarded([&] { step(); });
     if (m_wantsRender) {
@@ -117,14 +122,16 @@ void Player::showRootFrame(int frame)
 void Player::advance(DisplayObject& clip)
 {
     RootedList<DisplayObject*> children(m_vm->heap(), clip.children.begin(), clip.children.end());
-    if (clip.isPlaying && clip.timeline != nullptr && clip.totalFrames() > 1 && clip.isConstructed) {
+    clip.hasStepped = true;
+    const bool waits = std::exchange(clip.skipsStep, false);
+    if (!waits && clip.isPlaying && clip.timeline != nullptr && clip.totalFrames() > 1 &&
+        clip.isConstructed) {
         const bool ends = clip.frame >= clip.totalFrames();
         const bool stays = ends && &clip == root() && !m_stage->loop();
         if (stays)
             clip.isPlaying = false;
         else
-            m_vm->guarded(
-                [&] { showFrame(clip, ends ? 1 : clip.frame + 1, ends ? Move::Jump : Move::Step); });
+            m_vm->guarded([&] { showFrame(clip, ends ? 1 : clip.frame + 1); });
     }
     for (std::size_t i = 0; i < children.size(); ++i) {
         if (children[i]->parent == &clip) advance(*children[i]);
@@ -145,7 +152,7 @@ void Player::jump(DisplayObject& clip, int frame)
 {
     if (clip.timeline == nullptr) return;
     frame = std::clamp(frame, 1, clip.totalFrames());
-    if (frame != clip.frame) showFrame(clip, frame, Move::Jump);
+    if (frame != clip.frame) showFrame(clip, frame);
     runNestedFrame(&clip);
 }
 
@@ -178,7 +185,11 @@ void Player::runFrameScripts(DisplayObject& clip)
         for (const auto& [frame, function] : clip.frameScripts) {
             if (frame == clip.frame) script = function;
         }
-        if (script.isNullish()) return;
+        if (script.isNullish()) {
+            // A constructor that runs may have one yet.
+            clip.hasPendingScript = clip.isConstructing;
+            return;
+        }
         clip.isInScript = true;
         m_vm->guarded([&] { m_vm->call(script, Value(&clip), {}); });
         clip.isInScript = false;

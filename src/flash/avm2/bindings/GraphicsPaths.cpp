@@ -55,7 +55,7 @@ void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
         return p;
     };
     for (const double command : commands) {
-        switch (static_cast<int>(command)) {
+        switch (vm.toInt(Value(command))) {
         case 4: // with two numbers that do not count
         case 1:
             if (command == 4) at += 2;

@@ -11,6 +11,10 @@ namespace flash::avm2
 std::span<const NativeLibrary> bindingsLibrary();
 
 std::span<const NativeClass> geometryClasses();
+std::span<const NativeClass> matrixClasses();
+std::span<const NativeClass> vector3DClasses();
+std::span<const NativeClass> matrix3DClasses();
+std::span<const NativeClass> spriteClasses();
 std::span<const NativeClass> stageClasses();
 std::span<const NativeClass> loaderInfoClasses();
 std::span<const NativeClass> buttonClasses();

@@ -109,8 +109,8 @@ bool show(Vm& vm, DisplayObject& loader, base::Bytes bytes, const std::string& u
                                                             : isGif ? "image/gif"
                                                                     : "image/jpeg")));
         info.bytes = bytesValue(vm, bytes);
-        const Value args[] = {newBitmapData(vm, std::make_shared<swf::Bitmap>(**picture)), Value::null(),
-                              true};
+        const Value args[] = {newBitmapData(vm, std::make_shared<swf::Bitmap>(**picture)),
+                              Value(vm.name("auto").string()), true};
         info.width = (*picture)->width;
         info.height = (*picture)->height;
         info.content = as<DisplayObject>(vm.construct(Value(vm.nativeClass("flash.display::Bitmap")), args));
@@ -142,7 +142,10 @@ void arrive(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& byte
              u"Loaded file is an unknown type." + (fromFile ? u" URL: " + fromUtf8(url) : u""));
         return;
     }
-    if (info.content != nullptr) Player::of(vm).runFirstFrame(*info.content);
+    if (info.content != nullptr) {
+        Player::of(vm).runFirstFrame(*info.content);
+        info.content->skipsStep = !fromFile;
+    }
     finish(vm, loader, fromFile);
 }
 

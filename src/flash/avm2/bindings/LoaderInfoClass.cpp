@@ -162,8 +162,6 @@ Value uncaughtErrors(Call& call) { return dispatcher(call, &LoaderInfoObject::er
 Value nothing(Call&) { return Value::null(); }
 Value getByDefinition(Call& call)
 {
-    auto* owner = as<ClassObject>(call.arg(0));
-    (void)owner;
     auto* main = Player::of(call.vm).mainMovie();
     return main != nullptr && main->loaderInfo ? Value(main->loaderInfo.get()) : Value::null();
 }

@@ -139,6 +139,8 @@ int frameOf(Call& call, DisplayObject& clip)
     };
     if (wanted.isNumber() && wanted.isInt()) return numbered(wanted.number());
     const std::u16string text(call.vm.text(wanted));
+    const double number = textNumber(text);
+    if (std::isfinite(number) && number == std::trunc(number)) return numbered(number);
     const std::string label = toUtf8(text);
     const auto names = namesOf(call, clip);
     const bool givesScene = call.has(1) && !call.arg(1).isNullish();
@@ -151,8 +153,6 @@ int frameOf(Call& call, DisplayObject& clip)
     for (const FrameName& name : names) {
         if (name.name == label && !givesScene) return name.frame;
     }
-    const double number = textNumber(text);
-    if (std::isfinite(number) && number == std::trunc(number)) return numbered(number);
     constexpr int kStrictVersion = 11;
     if (call.vm.version < kStrictVersion) return 1;
     call.vm.throwError(ErrorClass::Argument, 2109,
@@ -203,7 +203,12 @@ Value currentFrame(Call& call)
     return std::max(1, self(call).frame) - parts[currentPart(parts, self(call))].first + 1;
 }
 Value totalFrames(Call& call) { return self(call).totalFrames(); }
-Value isPlaying(Call& call) { return self(call).isPlaying && self(call).totalFrames() > 1; }
+/// Not before its first frame is over, whatever it is about to do.
+Value isPlaying(Call& call)
+{
+    const auto& clip = self(call);
+    return clip.isPlaying && clip.hasStepped && clip.totalFrames() > 1;
+}
 /// The last one up to the frame, within its scene; or the frame's own.
 Value label(Call& call, bool exactly)
 {

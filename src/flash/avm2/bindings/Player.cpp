@@ -123,7 +123,10 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
             // One for a character that there is none of is the movie's own.
             const bool known = movie.movie->character(symbol.characterId) != nullptr;
             const auto binary = movie.tags.binaries.find(symbol.characterId);
-            const std::uint16_t id = known || binary != movie.tags.binaries.end() ? symbol.characterId : 0;
+            const bool isShown =
+                cls->instances->isA(m_vm->nativeClass("flash.display::DisplayObject")->instances);
+            const std::uint16_t id =
+                known || !isShown || binary != movie.tags.binaries.end() ? symbol.characterId : 0;
             if (!movie.symbols.try_emplace(id, m_vm->heap(), cls).second || id == 0) return;
             m_linked.try_emplace(cls, &movie, id);
             if (binary != movie.tags.binaries.end()) cls->allocate = &allocateBinary;
@@ -251,9 +254,10 @@ DisplayObject* Player::makeRoot(LoadedMovie& movie, DisplayObject* parent)
         ofStage->loaded = ofStage->total = info->total;
     }
     if (parent != nullptr) parent->insertChild(*root, parent->children.size());
-    showFrame(*root, 1, Move::Jump);
-    root->isConstructed = true;
+    showFrame(*root, 1);
+    root->isConstructed = root->isConstructing = true;
     if (cls->constructor != nullptr) m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(root), {}); });
+    root->isConstructing = false;
     return root;
 }
 

@@ -93,7 +93,8 @@ public:
     void constructAll(DisplayObject& object);
     /// @param index among the children as they are without the child
     void insert(DisplayObject& parent, DisplayObject& child, std::size_t index);
-    void removeChild(DisplayObject& parent, DisplayObject& child);
+    enum class By : std::uint8_t { Script, Timeline };
+    void removeChild(DisplayObject& parent, DisplayObject& child, By by = By::Script);
     [[nodiscard]] bool isOnStage(DisplayObject& object)
     {
         return m_stageObject && object.top() == m_stageObject.get();
@@ -141,16 +142,15 @@ public:
     void saveSharedObjects();
 
 private:
-    enum class Move : std::uint8_t { Step, Jump };
     static Object* allocateBinary(Vm& vm, ClassObject& cls);
     void begin();
     void loadScripts(LoadedMovie& movie, std::size_t frame);
     void readFrameScripts(LoadedMovie& movie, std::size_t frame);
     void advance(DisplayObject& clip);
-    void showFrame(DisplayObject& clip, int frame, Move move);
+    void showFrame(DisplayObject& clip, int frame);
     void jump(DisplayObject& clip, int frame);
 
-    void removeGone(DisplayObject& clip);
+    void removeGone(DisplayObject& clip, bool isBack);
     void placeNew(DisplayObject& clip, int after);
     void apply(DisplayObject& child, const Placed& entry);
     void replaceCharacter(DisplayObject& child, std::uint16_t characterId);
@@ -189,7 +189,7 @@ private:
     std::vector<std::pair<stage::MoviePtr, std::uint16_t>> m_registeredFonts;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;
     int m_nesting = 0; ///< of frames that scripts' jumps run
-    bool m_hasBegun = false, m_wantsRender = false, m_hostPlays = true;
+    bool m_hasBegun = false, m_isAnnounced = false, m_wantsRender = false, m_hostPlays = true;
 };
 
 } // namespace flash::avm2

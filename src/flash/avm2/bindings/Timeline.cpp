@@ -48,7 +48,7 @@ void Player::showCharacter(DisplayObject& object, const stage::MoviePtr& movie, 
     const auto* sprite = std::get_if<swf::Sprite>(&character->data);
     if (sprite == nullptr || object.frame != 0) return;
     object.timeline = sprite->timeline;
-    showFrame(object, 1, Move::Jump);
+    showFrame(object, 1);
 }
 
 DisplayObject* Player::makeCharacter(const stage::MoviePtr& movie, std::uint16_t characterId)
@@ -68,7 +68,7 @@ DisplayObject* Player::makeCharacter(const stage::MoviePtr& movie, std::uint16_t
     return made;
 }
 
-void Player::showFrame(DisplayObject& clip, int frame, Move move)
+void Player::showFrame(DisplayObject& clip, int frame)
 {
     if (clip.timeline == nullptr) return;
     frame = std::clamp(frame, 1, clip.totalFrames());
@@ -85,8 +85,8 @@ void Player::showFrame(DisplayObject& clip, int frame, Move move)
             note(clip.placed, tag, i + 1);
     }
     const int generation = ++clip.generation;
-    if (move == Move::Jump) clip.frame = frame;
-    removeGone(clip);
+    if (isBack) clip.frame = frame;
+    removeGone(clip, isBack);
     if (clip.generation != generation) return; // a script that was told of it went elsewhere
     clip.frame = frame;
     clip.hasPendingScript = true;
@@ -94,14 +94,17 @@ void Player::showFrame(DisplayObject& clip, int frame, Move move)
     placeNew(clip, before);
 }
 
-void Player::removeGone(DisplayObject& clip)
+/// Back in time nothing takes another character's look: it is made anew.
+void Player::removeGone(DisplayObject& clip, bool isBack)
 {
     RootedList<DisplayObject*> children(m_vm->heap(), clip.children.begin(), clip.children.end());
     for (std::size_t i = 0; i < children.size(); ++i) {
         DisplayObject& child = *children[i];
         if (child.depth == 0 || child.parent != &clip) continue;
         const auto found = clip.placed.find(child.depth);
-        if (found == clip.placed.end() || found->second.frame != child.placedFrame) removeChild(clip, child);
+        const bool isSame = found != clip.placed.end() && found->second.frame == child.placedFrame &&
+                            (!isBack || found->second.characterId == child.characterId);
+        if (!isSame) removeChild(clip, child, By::Timeline);
     }
 }
 
@@ -210,8 +213,10 @@ void Player::construct(DisplayObject& child)
 {
     child.isConstructing = true;
     const swf::Character* character = child.movie ? child.movie->character(child.characterId) : nullptr;
-    if (character != nullptr && std::holds_alternative<swf::Button>(character->data))
+    if (character != nullptr && std::holds_alternative<swf::Button>(character->data)) {
+        if (child.parent != nullptr) nameInParent(*child.parent, child);
         m_vm->guarded([&] { makeButtonStates(child); });
+    }
     ClassObject* cls = child.traits()->cls;
     if (cls != nullptr && cls->constructor != nullptr)
         m_vm->guarded([&] { m_vm->invoke(*cls->constructor, Value(&child), {}); });
@@ -263,15 +268,15 @@ void Player::insert(DisplayObject& parent, DisplayObject& child, std::size_t ind
     announce(child, "added");
 }
 
-void Player::removeChild(DisplayObject& parent, DisplayObject& child)
+void Player::removeChild(DisplayObject& parent, DisplayObject& child, By by)
 {
     if (child.isConstructed) announce(child, "removed");
     if (child.parent != &parent) return;
-    if (child.depth > 0 && child.name.isString()) {
+    // What a script takes off stays where the timeline has named it.
+    if (by == By::Timeline && child.depth > 0 && child.name.isString()) {
         m_vm->guarded([&] {
             const Multiname name = m_vm->publicName(m_vm->names().intern(m_vm->toString(child.name)));
-            if (m_vm->hasOwn(Value(&parent), name) &&
-                m_vm->get(Value(&parent), name).bits() == Value(&child).bits())
+            if (m_vm->hasOwn(Value(&parent), name) && m_vm->get(Value(&parent), name).isObject())
                 m_vm->set(Value(&parent), name, Value::null());
         });
         if (child.parent != &parent) return;

@@ -1,0 +1,344 @@
+#include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Graphics.h"
+#include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/classes/Library.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+// Matrices of space: sixteen numbers of single precision, column by column; a vector is a column.
+namespace flash::avm2
+{
+
+using Kind = NativeMember::Kind;
+
+namespace
+{
+
+using Raw = std::array<float, 16>;
+constexpr Raw kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+constexpr std::string_view kVector = "flash.geom::Vector3D", kMatrix3D = "flash.geom::Matrix3D";
+
+class Matrix3DObject final : public Object
+{
+public:
+    AVM2_NATIVE(Object)
+    Matrix3DObject(Traits* traits, Object* proto) : Object(traits, proto) {}
+    Raw raw = kIdentity;
+};
+
+Matrix3DObject& self(Call& call) { return classes::selfAs<Matrix3DObject>(call, "flash.geom.Matrix3D"); }
+Matrix3DObject& matrixArg(Call& call, std::uint32_t i, const char* name)
+{
+    return *as<Matrix3DObject>(&objectArg(call, i, kMatrix3D, name));
+}
+[[noreturn]] void invalid(Vm& vm)
+{
+    vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
+}
+
+/// First `right`, then `left`.
+Raw product(const Raw& left, const Raw& right)
+{
+    Raw result{};
+    for (std::size_t column = 0; column < 4; ++column) {
+        for (std::size_t row = 0; row < 4; ++row) {
+            float sum = 0;
+            for (std::size_t i = 0; i < 4; ++i) sum += left[4 * i + row] * right[4 * column + i];
+            result[4 * column + row] = sum;
+        }
+    }
+    return result;
+}
+template <bool append>
+Value combine(Matrix3DObject& matrix, const Raw& with)
+{
+    matrix.raw = append ? product(with, matrix.raw) : product(matrix.raw, with);
+    return {};
+}
+
+float number(Call& call, std::uint32_t i) { return static_cast<float>(call.vm.toNumber(call.arg(i))); }
+Value newVector(Vm& vm, double x, double y, double z, double w)
+{
+    Object* made = vm.instantiate(vm.nativeClass(kVector));
+    const double values[] = {x, y, z, w};
+    for (std::uint32_t i = 0; i < 4; ++i) made->setSlot(i, values[i]);
+    return Value(made);
+}
+Value newNumbers(Vm& vm, std::span<const float> numbers)
+{
+    const Value list = vm.construct(Value(vm.vectorOf(vm.classes().number->instances)), {});
+    for (const float value : numbers) vm.callPublic(list, "push", {Value(static_cast<double>(value))});
+    return list;
+}
+
+Value construct(Call& call)
+{
+    const auto numbers = numbersOf(call.vm, call.arg(0));
+    if (numbers.size() == kIdentity.size())
+        for (std::size_t i = 0; i < numbers.size(); ++i) self(call).raw[i] = static_cast<float>(numbers[i]);
+    return {};
+}
+Value rawData(Call& call) { return newNumbers(call.vm, self(call).raw); }
+Value identity(Call& call)
+{
+    self(call).raw = kIdentity;
+    return {};
+}
+template <bool append>
+Value multiply(Call& call)
+{
+    return combine<append>(self(call), matrixArg(call, 0, append ? "lhs" : "rhs").raw);
+}
+template <bool append>
+Value translate(Call& call)
+{
+    Raw with = kIdentity;
+    for (std::uint32_t i = 0; i < 3; ++i) with[12 + i] = number(call, i);
+    return combine<append>(self(call), with);
+}
+template <bool append>
+Value scale(Call& call)
+{
+    Raw with = kIdentity;
+    for (std::uint32_t i = 0; i < 3; ++i) with[5 * i] = number(call, i);
+    return combine<append>(self(call), with);
+}
+template <bool append>
+Value rotate(Call& call)
+{
+    const double angle = call.vm.toNumber(call.arg(0)) * std::numbers::pi / 180;
+    Object& axis = objectArg(call, 1, kVector, "axis");
+    double x = slotNumber(axis, 0), y = slotNumber(axis, 1), z = slotNumber(axis, 2);
+    const double length = std::sqrt(x * x + y * y + z * z);
+    if (length != 0) {
+        x /= length;
+        y /= length;
+        z /= length;
+    }
+    const double c = std::cos(angle), s = std::sin(angle), t = 1 - c;
+    const auto f = [](double value) { return static_cast<float>(value); };
+    const Raw turn = {f(t * x * x + c),
+                      f(t * x * y + s * z),
+                      f(t * x * z - s * y),
+                      0,
+                      f(t * x * y - s * z),
+                      f(t * y * y + c),
+                      f(t * y * z + s * x),
+                      0,
+                      f(t * x * z + s * y),
+                      f(t * y * z - s * x),
+                      f(t * z * z + c),
+                      0,
+                      0,
+                      0,
+                      0,
+                      1};
+    Object* pivot = optionalArg(call, 2, kVector);
+    if (pivot == nullptr) return combine<append>(self(call), turn);
+    Raw there = kIdentity, back = kIdentity;
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        there[12 + i] = f(slotNumber(*pivot, i));
+        back[12 + i] = f(-slotNumber(*pivot, i));
+    }
+    return combine<append>(self(call), product(there, product(turn, back)));
+}
+
+double minor3(const Raw& m, std::size_t row, std::size_t column)
+{
+    std::array<double, 9> n{};
+    std::size_t next = 0;
+    for (std::size_t c = 0; c < 4; ++c) {
+        for (std::size_t r = 0; r < 4; ++r) {
+            if (c != column && r != row) n[next++] = m[4 * c + r];
+        }
+    }
+    return n[0] * (n[4] * n[8] - n[5] * n[7]) - n[3] * (n[1] * n[8] - n[2] * n[7]) +
+           n[6] * (n[1] * n[5] - n[2] * n[4]);
+}
+double determinantOf(const Raw& m)
+{
+    double sum = 0;
+    for (std::size_t c = 0; c < 4; ++c) sum += (c % 2 == 0 ? 1 : -1) * m[4 * c] * minor3(m, 0, c);
+    return sum;
+}
+Value determinant(Call& call)
+{
+    return static_cast<double>(static_cast<float>(determinantOf(self(call).raw)));
+}
+Value invert(Call& call)
+{
+    const Raw m = self(call).raw;
+    const double whole = determinantOf(m);
+    constexpr double kMinDeterminant = 1e-11;
+    if (!(std::abs(whole) > kMinDeterminant)) return false;
+    for (std::size_t c = 0; c < 4; ++c) {
+        for (std::size_t r = 0; r < 4; ++r)
+            self(call).raw[4 * c + r] =
+                static_cast<float>(((c + r) % 2 == 0 ? 1 : -1) * minor3(m, c, r) / whole);
+    }
+    return true;
+}
+Value transpose(Call& call)
+{
+    Raw& m = self(call).raw;
+    for (std::size_t c = 0; c < 4; ++c) {
+        for (std::size_t r = 0; r < c; ++r) std::swap(m[4 * c + r], m[4 * r + c]);
+    }
+    return {};
+}
+
+std::array<double, 4> mapped(const Raw& m, double x, double y, double z, double one)
+{
+    std::array<double, 4> result{};
+    for (std::size_t r = 0; r < 4; ++r) result[r] = x * m[r] + y * m[4 + r] + z * m[8 + r] + one * m[12 + r];
+    return result;
+}
+template <int one>
+Value transformVector(Call& call)
+{
+    Object& v = objectArg(call, 0, kVector, "v");
+    const auto r = mapped(self(call).raw, slotNumber(v, 0), slotNumber(v, 1), slotNumber(v, 2), one);
+    return newVector(call.vm, r[0], r[1], r[2], r[3]);
+}
+Value transformVectors(Call& call)
+{
+    Vm& vm = call.vm;
+    if (call.arg(0).isNullish()) vm.throwError(ErrorClass::Type, 2007, "Parameter vin must be non-null.");
+    if (call.arg(1).isNullish()) vm.throwError(ErrorClass::Type, 2007, "Parameter vout must be non-null.");
+    const auto in = numbersOf(vm, call.arg(0));
+    const std::size_t count = in.size() / 3 * 3;
+    if (vm.toUint(vm.getPublic(call.arg(1), "length")) < count)
+        vm.setPublic(call.arg(1), "length", Value(static_cast<double>(count)));
+    for (std::size_t i = 0; i < count; i += 3) {
+        const auto r = mapped(self(call).raw, in[i], in[i + 1], in[i + 2], 1);
+        for (std::size_t k = 0; k < 3; ++k)
+            vm.set(call.arg(1), vm.publicName(vm.name(numberText(static_cast<double>(i + k)))), Value(r[k]));
+    }
+    return {};
+}
+
+Value position(Call& call)
+{
+    const Raw& m = self(call).raw;
+    return newVector(call.vm, m[12], m[13], m[14], 0);
+}
+Value setPosition(Call& call)
+{
+    Object& v = objectArg(call, 0, kVector, "value");
+    for (std::uint32_t i = 0; i < 3; ++i) self(call).raw[12 + i] = static_cast<float>(slotNumber(v, i));
+    return {};
+}
+/// @returns where the numbers of a column, or of a row, lie
+std::array<std::size_t, 4> line(Call& call, bool isRow)
+{
+    const std::uint32_t index = call.vm.toUint(call.arg(0));
+    if (index > 3) invalid(call.vm);
+    std::array<std::size_t, 4> places{};
+    for (std::size_t i = 0; i < 4; ++i) places[i] = isRow ? 4 * i + index : 4 * index + i;
+    return places;
+}
+template <bool isRow, bool isTo>
+Value copyLine(Call& call)
+{
+    Object& vector = objectArg(call, 1, kVector, "vector3D");
+    const auto places = line(call, isRow);
+    for (std::uint32_t i = 0; i < 4; ++i) {
+        if (isTo)
+            vector.setSlot(i, static_cast<double>(self(call).raw[places[i]]));
+        else
+            self(call).raw[places[i]] = static_cast<float>(slotNumber(vector, i));
+    }
+    return {};
+}
+Value copyRawFrom(Call& call)
+{
+    const auto numbers = numbersOf(call.vm, call.arg(0));
+    const std::size_t from = call.vm.toUint(call.arg(1));
+    Raw raw = self(call).raw;
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+        if (from + i >= numbers.size()) invalid(call.vm);
+        raw[i] = static_cast<float>(numbers[from + i]);
+    }
+    self(call).raw = raw;
+    if (call.vm.toBoolean(call.arg(2))) return transpose(call);
+    return {};
+}
+Value copyRawTo(Call& call)
+{
+    Vm& vm = call.vm;
+    const std::size_t from = vm.toUint(call.arg(1));
+    const bool turned = vm.toBoolean(call.arg(2));
+    const std::size_t wanted = from + kIdentity.size();
+    if (vm.toUint(vm.getPublic(call.arg(0), "length")) < wanted)
+        vm.setPublic(call.arg(0), "length", Value(static_cast<double>(wanted)));
+    for (std::size_t i = 0; i < kIdentity.size(); ++i) {
+        const float value = self(call).raw[turned ? i % 4 * 4 + i / 4 : i];
+        vm.set(call.arg(0), vm.publicName(vm.name(numberText(static_cast<double>(from + i)))),
+               Value(static_cast<double>(value)));
+    }
+    return {};
+}
+Value copyFrom(Call& call)
+{
+    self(call).raw = matrixArg(call, 0, "sourceMatrix3D").raw;
+    return {};
+}
+Value copyTo(Call& call)
+{
+    matrixArg(call, 0, "dest").raw = self(call).raw;
+    return {};
+}
+Value clone(Call& call)
+{
+    auto* made = as<Matrix3DObject>(Value(call.vm.instantiate(call.vm.nativeClass(kMatrix3D))));
+    made->raw = self(call).raw;
+    return Value(made);
+}
+
+constexpr NativeMember kMembers[] = {
+    {"rawData", Kind::Getter, &rawData, 0, 0, &construct, "__AS3__.vec::Vector.<Number>"},
+    {"position", Kind::Getter, &position, 0, 0, &setPosition, "flash.geom::Vector3D"},
+    {"determinant", Kind::Getter, &determinant, 0, 0, nullptr, "Number"},
+    {"identity", Kind::Method, &identity, 0, 0},
+    {"append", Kind::Method, &multiply<true>, 1, 1},
+    {"prepend", Kind::Method, &multiply<false>, 1, 1},
+    {"appendTranslation", Kind::Method, &translate<true>, 3, 3},
+    {"prependTranslation", Kind::Method, &translate<false>, 3, 3},
+    {"appendScale", Kind::Method, &scale<true>, 3, 3},
+    {"prependScale", Kind::Method, &scale<false>, 3, 3},
+    {"appendRotation", Kind::Method, &rotate<true>, 2, 3},
+    {"prependRotation", Kind::Method, &rotate<false>, 2, 3},
+    {"invert", Kind::Method, &invert, 0, 0},
+    {"transpose", Kind::Method, &transpose, 0, 0},
+    {"transformVector", Kind::Method, &transformVector<1>, 1, 1},
+    {"deltaTransformVector", Kind::Method, &transformVector<0>, 1, 1},
+    {"transformVectors", Kind::Method, &transformVectors, 2, 2},
+    {"copyColumnFrom", Kind::Method, &copyLine<false, false>, 2, 2},
+    {"copyColumnTo", Kind::Method, &copyLine<false, true>, 2, 2},
+    {"copyRowFrom", Kind::Method, &copyLine<true, false>, 2, 2},
+    {"copyRowTo", Kind::Method, &copyLine<true, true>, 2, 2},
+    {"copyRawDataFrom", Kind::Method, &copyRawFrom, 1, 3},
+    {"copyRawDataTo", Kind::Method, &copyRawTo, 1, 3},
+    {"copyFrom", Kind::Method, &copyFrom, 1, 1},
+    {"copyToMatrix3D", Kind::Method, &copyTo, 1, 1},
+    {"clone", Kind::Method, &clone, 0, 0},
+};
+constexpr NativeClass kClasses[] = {
+    {.package = "flash.geom",
+     .name = "Matrix3D",
+     .base = {},
+     .constructor = &construct,
+     .minArguments = 0,
+     .maxArguments = 1,
+     .allocate = &classes::allocateNative<Matrix3DObject>,
+     .members = kMembers},
+};
+
+} // namespace
+
+std::span<const NativeClass> matrix3DClasses() { return kClasses; }
+
+} // namespace flash::avm2
