@@ -141,7 +141,7 @@ void Player::makeButtonStates(DisplayObject& button)
         noteOffStage(*button.states[state]);
     }
     showButtonState(button, State::Up);
-    if (isOnStage(button)) runNestedFrame(nullptr);
+    runNestedFrame(nullptr);
 }
 
 void Player::showButtonState(DisplayObject& button, State state)

@@ -198,7 +198,9 @@ Value hitTestPoint(Call& call)
 {
     auto& object = self(call);
     const swf::Point at{call.vm.toNumber(call.arg(0)) * kTwips, call.vm.toNumber(call.arg(1)) * kTwips};
-    if (call.vm.toBoolean(call.arg(2))) return object.node().hitsShape(at);
+    // The shape of what is not on the stage is hit by nothing.
+    if (call.vm.toBoolean(call.arg(2)))
+        return Player::of(call.vm).isOnStage(object) && object.node().hitsShape(at);
     const swf::Rect box = object.node().boundsThrough(object.node().toStage());
     return !box.isEmpty() && at.x >= box.xMin && at.x < box.xMax && at.y >= box.yMin && at.y < box.yMax;
 }

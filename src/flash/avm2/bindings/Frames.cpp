@@ -181,6 +181,8 @@ void Player::runFrameScripts(DisplayObject& clip)
 {
     while (clip.hasPendingScript && !clip.isInScript) {
         clip.hasPendingScript = false;
+        // Before there were frames within frames, what a jump has placed is made here.
+        if (m_vm->version < kNestedFramesVersion) m_vm->guarded([&] { constructAll(clip); });
         Value script;
         for (const auto& [frame, function] : clip.frameScripts) {
             if (frame == clip.frame) script = function;
