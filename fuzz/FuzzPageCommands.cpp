@@ -37,6 +37,7 @@ public:
     [[nodiscard]] QString browserFolder() const override { return "/nowhere/"; }
     [[nodiscard]] int browserPage() const override { return m_page; }
     void setBrowserPage(int page) override { m_page = page; }
+    void setBrowserOrder(const QString&) override {}
     [[nodiscard]] int browserPageCount() const override { return 3; }
     void NewMediaBrowse(const QString&) override {}
     void ShowBrowsePage() override {}

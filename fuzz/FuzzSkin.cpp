@@ -35,6 +35,7 @@ public:
     [[nodiscard]] bool isDeveloperMode() const override { return false; }
     void log(const QString&) override {}
     void logError(const base::Failure&, const QString&, const QString&) override {}
+    void noteMistake(const QString&, int, const QString&) override {}
 
     Window form;
     skin::SkinControl* frame;
