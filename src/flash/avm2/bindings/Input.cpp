@@ -19,6 +19,11 @@ constexpr int kMaxDepth = 1000; // of nested objects that are looked at
 // Key codes.
 constexpr int kShift = 16, kControl = 17, kAlternate = 18;
 
+bool isWithin(const swf::Rect& rect, swf::Point point)
+{
+    return point.x >= rect.xMin && point.x < rect.xMax && point.y >= rect.yMin && point.y < rect.yMax;
+}
+
 stage::TextField* fieldOf(DisplayObject* object)
 {
     const bool is = object != nullptr && object->node().kind() == stage::NodeKind::TextField;
@@ -53,8 +58,8 @@ bool Input::isDown(int keyCode) { return m_player.stage().keyboard().isDown(keyC
 
 // ---- what is under the pointer ----
 
-/// The topmost object that wants the mouse at a point. What is none of the mouse's business itself (a shape)
-/// lets those below it have it, and is a part of its parent when none does.
+/// The topmost object that wants the mouse at a point. What does not want it, or is none of its business (a
+/// shape), lets those below have it, and is a part of its parent when none does.
 Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& target, int depth)
 {
     stage::Node& node = object.node();
@@ -77,21 +82,20 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         return isHit ? take() : Hit::None;
     }
     if (!isKind(object, kContainer)) {
-        if (!node.hitsShape(point)) return Hit::None;
-        return wants ? take() : Hit::None;
+        const bool isField = node.kind() == stage::NodeKind::TextField;
+        if (isField ? !isWithin(node.bounds(), node.toStage().inverted().map(point)) : !node.hitsShape(point))
+            return Hit::None;
+        return wants ? take() : Hit::Parent;
     }
     if (node.scrollRect() && !object.isStage) {
-        const swf::Point local = node.toStage().inverted().map(point);
-        const swf::Rect& view = *node.scrollRect();
-        if (local.x < view.xMin || local.x >= view.xMax || local.y < view.yMin || local.y >= view.yMax)
-            return Hit::None;
+        if (!isWithin(*node.scrollRect(), node.toStage().inverted().map(point))) return Hit::None;
     }
     // One that keeps the mouse from its children is one thing.
     if (!flag(object, kContainer, "mouseChildren"))
         return wants && (object.hitArea != nullptr ? object.hitArea->node() : node).hitsShape(point)
                    ? take()
                    : Hit::None;
-    bool isShown = false; // by a child that is none of the mouse's business itself
+    bool isShown = false; // by a child that does not take it
     RootedList<DisplayObject*> children(m_player.vm().heap(), object.children.begin(), object.children.end());
     for (std::size_t i = children.size(); i-- > 0;) {
         DisplayObject& child = *children[i];
@@ -106,10 +110,13 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         if (hit == Hit::Target) return hit;
         isShown = isShown || hit == Hit::Parent;
     }
-    if (!wants || object.isStage) return Hit::None;
-    if (object.hitArea != nullptr) return object.hitArea->node().hitsShape(point) ? take() : Hit::None;
+    if (object.isStage) return Hit::None;
+    if (wants && object.hitArea != nullptr)
+        return object.hitArea->node().hitsShape(point) ? take() : Hit::None;
     const bool isDrawn = object.clip() != nullptr && object.clip()->drawingHits(point);
-    return isShown || isDrawn ? take() : Hit::None;
+    if (!isDrawn && !isShown) return Hit::None;
+    // The main timeline of a movie does not stand for what lies on it; a loader does.
+    return wants && (isDrawn || !object.isRoot) ? take() : Hit::Parent;
 }
 
 DisplayObject* Input::targetAt(swf::Point point)
@@ -287,8 +294,8 @@ void Input::wheel(int lines)
     DisplayObject* target = targetAt(m_player.stage().pointer().position());
     if (target == nullptr) return;
     Root<DisplayObject> keep(m_player.vm().heap(), target);
-    if (stage::TextField* field = fieldOf(target)) field->wheel(lines);
     fireMouse("mouseWheel", *target, nullptr, true, lines);
+    if (stage::TextField* field = fieldOf(target)) field->wheel(lines);
 }
 
 void Input::left()

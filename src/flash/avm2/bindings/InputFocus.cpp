@@ -45,6 +45,12 @@ void Input::focusChanged(stage::Node* before, stage::Node* now)
                      {other ? Value(other.get()) : Value::null(), Value(false), Value(0)}, true);
         });
     };
+    // Where nothing was selected yet, what is typed comes after the text.
+    if (come && isInputField(*come)) {
+        auto& field = static_cast<stage::TextField&>(come->node());
+        if (field.selectionBegin() == 0 && field.selectionEnd() == 0)
+            field.select(field.length(), field.length());
+    }
     tell("focusOut", left, come);
     tell("focusIn", come, left);
 }
@@ -68,24 +74,21 @@ bool Input::asksFocusChange(std::string_view type, DisplayObject* to, int keyCod
 bool Input::isMouseFocusable(DisplayObject& object)
 {
     if (object.isStage) return false;
-    if (object.node().kind() == stage::NodeKind::TextField) {
-        const auto& field = static_cast<stage::TextField&>(object.node());
-        return field.selectable || field.isInput();
-    }
+    if (object.node().kind() == stage::NodeKind::TextField) return true;
     return isTabStop(object);
 }
 
+/// It is asked about what was clicked, be it only to take the focus away.
 void Input::focusByMouse(DisplayObject& target)
 {
     Vm& vm = m_player.vm();
-    DisplayObject* wanted = nullptr;
-    vm.guarded([&] {
-        if (isMouseFocusable(target)) wanted = &target;
-    });
-    if (wanted == focus()) return;
-    Root<DisplayObject> next(vm.heap(), wanted);
-    if (!asksFocusChange("mouseFocusChange", wanted, 0)) return;
-    m_player.stage().focus().move(next ? &next->node() : nullptr, stage::Focus::By::User);
+    DisplayObject* clicked = target.isStage ? nullptr : &target;
+    if (clicked == focus()) return;
+    if (!asksFocusChange("mouseFocusChange", clicked, 0)) return;
+    bool isTaken = false;
+    vm.guarded([&] { isTaken = clicked != nullptr && isMouseFocusable(*clicked); });
+    if ((isTaken ? clicked : nullptr) == focus()) return;
+    m_player.stage().focus().move(isTaken ? &clicked->node() : nullptr, stage::Focus::By::User);
 }
 
 // ---- the Tab key ----

@@ -29,6 +29,8 @@ Value stageY(Call& call);
 Value updateAfterEvent(Call& call);
 
 // ---- Stage ----
+Value stageTabChildren(Call& call);
+Value setStageTabChildren(Call& call);
 Value stageFocus(Call& call);
 Value setStageFocus(Call& call);
 

@@ -151,7 +151,9 @@ swf::Point stagePoint(Call& call)
     const swf::Point local{number("localX"), number("localY")};
     auto* event = as<EventObject>(call.self);
     auto* target = event != nullptr ? as<DisplayObject>(event->target) : nullptr;
-    if (target == nullptr || target->isStage || std::isnan(local.x) || std::isnan(local.y)) return local;
+    if (std::isnan(local.x) || std::isnan(local.y)) return local;
+    if (target == nullptr) return {0, 0};
+    if (target->isStage) return local;
     constexpr double kTwips = swf::kTwipsPerPixel;
     const swf::Point place = target->node().toStage().map(local.x * kTwips, local.y * kTwips);
     return {place.x / kTwips, place.y / kTwips};
@@ -164,7 +166,17 @@ Value stageY(Call& call) { return stagePoint(call).y; }
 /// The next drawing shows what listeners changed, as it does anyway.
 Value updateAfterEvent(Call&) { return {}; }
 
-// ---- the stage's focus ----
+// ---- the stage ----
+
+Value stageTabChildren(Call&) { return true; }
+/// What is said to the stage is meant for the main timeline.
+Value setStageTabChildren(Call& call)
+{
+    const bool value = call.vm.toBoolean(call.arg(0));
+    if (DisplayObject* root = Player::of(call.vm).root())
+        call.vm.setPublic(Value(root), "tabChildren", Value(value));
+    return {};
+}
 
 Value stageFocus(Call& call)
 {

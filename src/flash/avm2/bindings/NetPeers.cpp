@@ -17,15 +17,17 @@ using Kind = NativeMember::Kind;
 void fireNetStatus(Vm& vm, DispatcherObject& target, std::string_view code, std::string_view level)
 {
     Root<Object> info(vm.heap(), vm.newObject());
-    vm.setPublic(Value(info.get()), "level", Value(vm.name(level).string()));
     vm.setPublic(Value(info.get()), "code", Value(vm.name(code).string()));
+    vm.setPublic(Value(info.get()), "level", Value(vm.name(level).string()));
     fireWith(vm, target, "flash.events::NetStatusEvent", "netStatus", {Value(info.get())});
 }
 
 void runLater(Vm& vm, Object& object, void (*work)(Vm&, Object&))
 {
+    stage::ActionQueue& queue = Player::of(vm).stage().queue();
+    if (!queue.takesRequest(sizeof(Root<Object>))) return;
     auto target = std::make_shared<Root<Object>>(vm.heap(), &object);
-    Player::of(vm).stage().queue().addRequest([&vm, target, work] {
+    queue.addRequest([&vm, target, work] {
         if (!vm.isDisabled()) vm.guarded([&] { work(vm, *target->get()); });
     });
 }
@@ -235,6 +237,8 @@ Value sendLocal(Call& call)
         u"send", u"connect", u"close", u"allowDomain", u"allowInsecureDomain", u"client", u"domain"};
     if (std::ranges::find(kReserved, method) != std::end(kReserved))
         vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
+    constexpr std::size_t kMessageBytes = 256; // about
+    if (!Player::of(vm).stage().queue().takesRequest(kMessageBytes)) return {};
     auto args = std::make_shared<RootedList<Value>>(vm.heap());
     for (const Value value : call.rest(2)) args->push_back(copied(vm, value));
     auto sender = std::make_shared<Root<LocalConnectionObject>>(vm.heap(), &self);

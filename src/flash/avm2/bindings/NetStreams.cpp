@@ -33,10 +33,10 @@ void tell(Vm& vm, NetStreamObject& stream, std::string_view code, std::string_vi
 {
     vm.guarded([&] {
         Root<Object> info(vm.heap(), vm.newObject());
-        vm.setPublic(Value(info.get()), "level", Value(vm.name(level).string()));
         vm.setPublic(Value(info.get()), "code", Value(vm.name(code).string()));
         if (!description.empty())
             vm.setPublic(Value(info.get()), "description", Value(vm.string(std::string_view(description))));
+        vm.setPublic(Value(info.get()), "level", Value(vm.name(level).string()));
         fireWith(vm, stream, "flash.events::NetStatusEvent", "netStatus", {Value(info.get())});
     });
 }
@@ -155,6 +155,7 @@ Value seek(Call& call)
         return {};
     }
     stream.hasEnded = false;
+    Player::of(vm).watchStream(stream);
     stream.followedMs = vm.host().timeMs();
     stream.stopSound(vm);
     if (stream.isPlaying()) stream.startSound(vm);
@@ -405,6 +406,7 @@ void NetStreamObject::follow(Vm& vm)
     for (const char* code : {"NetStream.Buffer.Flush", "NetStream.Play.Stop", "NetStream.Buffer.Empty"}) {
         if (turn == before) tell(vm, *this, code, "status");
     }
+    if (turn == before && hasEnded) Player::of(vm).unwatchStream(*this);
 }
 
 void Player::watchStream(Object& stream) { m_streams.try_emplace(&stream, m_vm->heap(), &stream); }

@@ -156,6 +156,8 @@ Value ignore(Call&) { return {}; }
 Value one(Call&) { return 1; }
 
 constexpr NativeMember kStage[] = {
+    {"tabChildren", Kind::Getter, &interactive::stageTabChildren, 0, 0, &interactive::setStageTabChildren,
+     "Boolean"},
     {"focus", Kind::Getter, &interactive::stageFocus, 0, 0, &interactive::setStageFocus,
      "flash.display::InteractiveObject"},
     {"scaleMode", Kind::Getter, &scaleMode, 0, 0, &setScaleMode, "String"},

@@ -119,6 +119,8 @@ enum DocumentSlot : std::uint8_t { Declaration, Doctype, IdMap, IgnoreWhite };
         {net::XmlStatus::DoctypeNotEnded, 1093, "XML parser failure: Unterminated DOCTYPE declaration."},
         {net::XmlStatus::CommentNotEnded, 1094, "XML parser failure: Unterminated comment."},
         {net::XmlStatus::ElementMalformed, 1090, "XML parser failure: element is malformed."},
+        {net::XmlStatus::StartWithoutEnd, 1085,
+         "The element type must be terminated by the matching end-tag."},
         {net::XmlStatus::AttributeNotEnded, 1095, "XML parser failure: Unterminated attribute."},
     };
     const auto* fault = std::ranges::find(kFaults, status, &Fault::status);
