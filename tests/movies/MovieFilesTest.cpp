@@ -281,7 +281,7 @@ int main(int argc, char** argv)
         testing::RegisterTest(suite.toUtf8().constData(), name.toUtf8().constData(), nullptr, nullptr,
                               __FILE__, __LINE__, [source]() -> MovieFile* { return new MovieFile(source); });
     }
-    for (const char* sample : {"film", "game", "testcard"}) {
+    for (const char* sample : {"bricks", "film", "game", "testcard"}) {
         const QString source = QString(PROJECT_SOURCE_DIR) + "/assets/samples/" + sample + ".xml";
         testing::RegisterTest("Samples", (std::string(sample) + "_plays").c_str(), nullptr, nullptr, __FILE__,
                               __LINE__, [source]() -> SampleMovie* { return new SampleMovie(source); });

@@ -1,0 +1,3 @@
+// movie: version="10" rate="20"
+var r:RegExp = /abc
+;
