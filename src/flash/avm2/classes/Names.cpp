@@ -27,7 +27,7 @@ Value constructNamespace(Call& call)
         made.prefix = made.ns->uri.view().empty() ? Value(vm.common().empty.string()) : Value();
     }
     if (call.count >= 2) {
-        if (call.arg(0).isUndefined()) {
+        if (call.arg(0).isNullish()) {
             made.prefix = Value();
         } else {
             String* prefix = vm.toString(call.arg(0));

@@ -10,7 +10,9 @@ Value nothing(Call&) { return {}; }
 
 Value hasOwnProperty(Call& call)
 {
-    return call.vm.hasOwn(call.self, call.vm.runtimeName(Multiname::of({}, call.vm.publicNs()), call.arg(0)));
+    Multiname name = call.vm.runtimeName(Multiname::of({}, call.vm.publicNs()), call.arg(0));
+    name.key = {}; // the parameter is a text, or a qualified name
+    return call.vm.hasOwn(call.self, name);
 }
 
 Value isPrototypeOf(Call& call)
@@ -34,7 +36,7 @@ Value propertyIsEnumerable(Call& call)
     if (self == nullptr) return false;
     const Multiname name = call.vm.runtimeName(Multiname::of({}, call.vm.publicNs()), call.arg(0));
     if (name.index != Atom::kNotIndex) return call.vm.hasOwn(call.self, name);
-    if (self->exotic() == Exotic::Elements && !name.name.isNull() &&
+    if (self->elements() == Object::Elements::Array && !name.name.isNull() &&
         name.name.arrayIndex() != Atom::kNotIndex)
         return self->hasExotic(call.vm, name);
     if (self->exotic() == Exotic::First || self->exotic() == Exotic::Last)
@@ -69,7 +71,7 @@ Value functionToString(Call& call)
                                                                                  : "function Function() {}"));
 }
 
-Value toLocaleString(Call& call) { return call.vm.toString(call.self); }
+Value toLocaleString(Call& call) { return objectToString(call); }
 Value valueOf(Call& call) { return call.self; }
 
 Value convertObject(Call& call)
@@ -153,6 +155,7 @@ constexpr NativeMember kFunctionMembers[] = {
     {"call", Kind::As3, &functionCall, 0, -1},
     {"apply", Kind::As3, &functionApply, 0, 2},
     {"toString", Kind::Prototype, &functionToString, 0, -1},
+    {"toLocaleString", Kind::Prototype, &functionToString, 0, -1},
     {"length", Kind::Getter, &functionLength, 0, 0, nullptr, "int"},
     {"prototype", Kind::Getter, &functionPrototype, 0, 0, &setFunctionPrototype},
 };

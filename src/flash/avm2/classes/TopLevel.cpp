@@ -3,6 +3,8 @@
 
 #include <array>
 
+#include <algorithm>
+
 namespace flash::avm2::classes
 {
 
@@ -16,15 +18,25 @@ Value trace(Call& call)
         if (i > 0) line += u' ';
         line += call.vm.text(call.args[i]);
     }
+    // Every kind of line end is one.
+    std::ranges::replace(line, u'\r', u'\n');
     call.vm.host().trace(line);
     return {};
 }
 
+/// The argument of a parameter that is a String, "undefined" by default: undefined that was given is null.
+std::u16string_view textGiven(Call& call)
+{
+    if (call.has(0) && call.arg(0).isUndefined()) return u"null";
+    return call.vm.text(call.arg(0));
+}
+
 Value parseInt(Call& call)
 {
-    std::u16string_view text = call.vm.text(call.arg(0));
+    std::u16string_view text = textGiven(call);
     const auto isSpace = [](char16_t unit) {
-        return unit == u' ' || (unit >= 9 && unit <= 13) || unit == 0xA0;
+        return unit == u' ' || (unit >= 9 && unit <= 13) || unit == 0xA0 ||
+               (unit >= 0x2000 && unit <= 0x200B) || unit == 0x2028 || unit == 0x2029 || unit == 0x3000;
     };
     while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
     std::int32_t radix = call.has(1) ? call.vm.toInt(call.arg(1)) : 0;
@@ -83,13 +95,6 @@ void appendHex(std::u16string& out, unsigned value, int digits)
 {
     for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
         out += u"0123456789ABCDEF"[value >> static_cast<unsigned>(shift) & 15U];
-}
-
-/// The argument of a parameter that is a String, "undefined" by default: undefined that was given is null.
-std::u16string_view textGiven(Call& call)
-{
-    if (call.has(0) && call.arg(0).isUndefined()) return u"null";
-    return call.vm.text(call.arg(0));
 }
 
 Value escape(Call& call)

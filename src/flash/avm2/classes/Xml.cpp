@@ -273,6 +273,10 @@ Value contains(Call& call)
     XmlNode* wanted = nodeOf(call.arg(0));
     for (const XmlNode* node : nodesOf(call)) {
         if (wanted != nullptr && xmlEquals(*node, *wanted)) return true;
+        // What is no markup is compared by the content.
+        if (wanted == nullptr && !call.arg(0).isNullish() && !as<XmlListObject>(call.arg(0)) &&
+            hasSimpleContent(*node) && contentText(call.vm, *node) == call.vm.text(call.arg(0)))
+            return true;
     }
     return false;
 }
@@ -310,7 +314,24 @@ void insertAt(Call& call, XmlNode& parent, std::size_t index, Value value)
 Value appendChild(Call& call)
 {
     XmlNode& node = one(call);
-    if (node.kind == XmlNode::Kind::Element) insertAt(call, node, node.children.size(), call.arg(0));
+    if (node.kind != XmlNode::Kind::Element) return call.self;
+    constexpr int kKeepsTexts = 21; // version
+    const bool isMarkup = call.arg(0).isObject() && call.arg(0).object()->isXml();
+    if (!isMarkup && call.vm.version < kKeepsTexts && !node.children.empty() &&
+        node.children.back()->kind == XmlNode::Kind::Element) {
+        // In old movies a text behind an element becomes one more such element.
+        const XmlNode& last = *node.children.back();
+        auto* made = call.vm.heap().make<XmlNode>(XmlNode::Kind::Element);
+        made->name = last.name;
+        made->ns = last.ns;
+        made->prefix = last.prefix;
+        XmlNode* content = contentNode(call.vm, call.arg(0));
+        content->parent = made;
+        made->children.push_back(content);
+        insertAt(call, node, node.children.size(), xmlValue(call.vm, made));
+    } else {
+        insertAt(call, node, node.children.size(), call.arg(0));
+    }
     return call.self;
 }
 Value prependChild(Call& call)

@@ -336,6 +336,10 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
         } else if (member.kind != Kind::Prototype) {
             owner.bindMethod(name(member.name), where, Traits::MethodKind::Method,
                              method(member, member.function, owner, MethodEnv::Role::Method));
+            // Compilers look for those of a few classes in the language's own namespace.
+            if (member.kind == Kind::Static && spec.package.empty() &&
+                (spec.name == "String" || spec.name == "XML"))
+                owner.bind(name(member.name), m_as3, *owner.find(name(member.name), where));
         }
     }
     for (std::size_t at = 0; at < spec.slots.size();) {
@@ -415,6 +419,12 @@ void Vm::makeCore()
         cls->prototype->table().setHidden(m_common.constructor, true);
     }
     m_classes.function = nativeClass("Function");
+    // What functions inherit from is one that does nothing.
+    FunctionObject* nothing = newFunction([](Call&) -> Value { return {}; });
+    nothing->setProto(first->prototype);
+    nothing->table().set(m_common.constructor, Value(m_classes.function));
+    nothing->table().setHidden(m_common.constructor, true);
+    m_classes.function->prototype = nothing;
     for (ClassObject* cls : {first, second, m_classes.function}) {
         const NativeClass& own = spec(toUtf8(cls->instances->name.view()) == "Object"  ? "Object"
                                       : toUtf8(cls->instances->name.view()) == "Class" ? "Class"
@@ -502,6 +512,8 @@ bool Vm::findNative(const Multiname& wanted, Value& result)
         if (const auto info = m_nativeFunctions.find({package, plain}); info != m_nativeFunctions.end()) {
             FunctionObject* function = newFunction(info->second->function, info->second->name,
                                                    info->second->minArguments, info->second->maxArguments);
+            function->env()->name = wanted.name;
+            function->env()->ns = space;
             m_nativeValues[{wanted.name.cell(), space}] = Value(function);
             result = Value(function);
             return true;

@@ -453,6 +453,40 @@ do_SetSlot:
         setSlotOr(*ip, B, r[ip->a], false);
     }
     NEXT;
+do_GetSlotI:
+    if (Object* const object = B.asObject();
+        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
+        D = rawValue(narrow(object->slot(static_cast<std::uint32_t>(ip->c)).number()));
+    } else {
+        MARK;
+        const std::int32_t result = vm.toInt(getSlotOr(*ip, B));
+        D = rawValue(result);
+    }
+    NEXT;
+do_SetSlotI:
+    if (Object* const object = B.asObject();
+        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
+        object->setSlot(static_cast<std::uint32_t>(ip->c), computed(bits(r[ip->a])));
+    } else {
+        MARK;
+        setSlotOr(*ip, B, computed(bits(r[ip->a])), false);
+    }
+    NEXT;
+do_GetElemI : {
+    Object* const object = B.asObject();
+    const std::uint32_t index = unsignedBits(C);
+    if (object != nullptr && object->elements() == Object::Elements::Vector) [[likely]] {
+        const auto& items = static_cast<VectorObject*>(object)->items;
+        if (index < items.size()) {
+            D = rawValue(narrow(items[index].number()));
+            NEXT;
+        }
+    }
+    MARK;
+    const std::int32_t result = vm.toInt(elementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C))));
+    D = rawValue(result);
+    NEXT;
+}
 do_SetSlotTyped:
     MARK;
     setSlotOr(*ip, B, r[ip->a], true);

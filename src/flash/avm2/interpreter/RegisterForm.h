@@ -29,7 +29,7 @@ namespace flash::avm2
     X(JLtN) X(JLeN) X(JNltN) X(JNleN) X(JEqN) X(JNeN)                                                         \
     X(JLtV) X(JLeV) X(JNltV) X(JNleV) X(JEqV) X(JNeV) X(JSeqV) X(JSneV) X(Switch)                             \
     X(GetProp) X(SetProp) X(GetSlot) X(SetSlot) X(SetSlotTyped) X(GetElem) X(SetElem) X(GetAccessor)          \
-    X(CallEarly) X(PushScope) X(Return) X(ReturnCoerced) X(ReturnVoid)
+    X(GetSlotI) X(SetSlotI) X(GetElemI) X(CallEarly) X(PushScope) X(Return) X(ReturnCoerced) X(ReturnVoid)
 
 // Everything else works on the operand stack as the file has it, boxed: d is the first free register of it. a
 // and b are the operands of the file. The first of them have labels of their own in the loop.

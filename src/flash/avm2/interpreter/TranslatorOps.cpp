@@ -669,8 +669,10 @@ bool Translator::getProperty(std::uint32_t multiname)
             result = typeOfTraits(receiver.traits->element);
         const std::int32_t base = boxed(top - 1), at = raw(top);
         pop(2);
-        define(R::GetElem, result, Rep::Boxed, base, at, static_cast<std::int32_t>(multiname)).parts =
-            index.kind == Kind::Uint ? 1 : 0;
+        const bool isInt = result.kind == Kind::Int;
+        define(isInt ? R::GetElemI : R::GetElem, result, isInt ? Rep::Int : Rep::Boxed, base, at,
+               static_cast<std::int32_t>(multiname))
+            .parts = index.kind == Kind::Uint ? 1 : 0;
         return true;
     }
     if (runtime != 0) return false;
@@ -680,7 +682,9 @@ bool Translator::getProperty(std::uint32_t multiname)
     if (found != nullptr && (found->kind == Binding::Kind::Slot || found->kind == Binding::Kind::Const)) {
         const Type type = typeOfSlot(m_vm, *receiver.traits, static_cast<std::uint32_t>(found->id));
         pop();
-        define(R::GetSlot, type, Rep::Boxed, base, found->id, static_cast<std::int32_t>(multiname));
+        const bool isInt = type.kind == Kind::Int;
+        define(isInt ? R::GetSlotI : R::GetSlot, type, isInt ? Rep::Int : Rep::Boxed, base, found->id,
+               static_cast<std::int32_t>(multiname));
     } else if (found != nullptr && found->kind == Binding::Kind::Accessor && found->id >= 0) {
         pop();
         const std::int32_t window = reg(depth());
@@ -741,10 +745,15 @@ bool Translator::setProperty(std::uint32_t multiname, bool isInit)
             default: break;
             }
         }
-        const std::int32_t object = boxed(base), from = boxed(value);
+        const std::int32_t object = boxed(base);
+        const bool isRaw = fits && type.kind == Kind::Int && m_stack[value].rep == Rep::Int;
+        const std::int32_t from = isRaw ? m_stack[value].at : boxed(value);
         pop(2);
-        emit(fits ? R::SetSlot : R::SetSlotTyped, 0, from, object, found->id).cache =
-            static_cast<std::int32_t>(multiname);
+        emit(isRaw  ? R::SetSlotI
+             : fits ? R::SetSlot
+                    : R::SetSlotTyped,
+             0, from, object, found->id)
+            .cache = static_cast<std::int32_t>(multiname);
         return true;
     }
     const std::int32_t object = boxed(base), from = boxed(value);
@@ -823,7 +832,8 @@ bool Translator::properties(const abc::Instruction& instruction)
         const std::int32_t base = boxed(top);
         const Type type = typeOfSlot(m_vm, *receiver.traits, static_cast<std::uint32_t>(slot));
         pop();
-        define(R::GetSlot, type, Rep::Boxed, base, slot);
+        const bool isInt = type.kind == Kind::Int;
+        define(isInt ? R::GetSlotI : R::GetSlot, type, isInt ? Rep::Int : Rep::Boxed, base, slot);
         return true;
     }
     default: return false;

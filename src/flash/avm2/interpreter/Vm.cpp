@@ -166,7 +166,7 @@ std::vector<std::u16string> Vm::callStack()
             line = env.owner->qualifiedName();
             if (env.role == MethodEnv::Role::Constructor) {
             } else if (env.role == MethodEnv::Role::ScriptInit) {
-                line = u"global$init";
+                line = u"global$init() [TU=]";
             } else if (env.role == MethodEnv::Role::StaticInit) {
                 line += u"$cinit";
             } else {
@@ -180,13 +180,13 @@ std::vector<std::u16string> Vm::callStack()
                 line += qualified(isOwn ? env.ns : nullptr, env.name);
             }
         } else if (env.native != nullptr) {
-            line = u"global/" + fromUtf8(env.nativeName);
+            line = u"global/" + (env.ns != nullptr ? qualified(env.ns, env.name) : fromUtf8(env.nativeName));
         } else {
             const Name name = env.name;
             line = name.isNull() || name.view().empty() ? u"MethodInfo-" + numberText(env.method)
                                                         : u"Function/" + std::u16string(name.view());
         }
-        result.push_back(line + u"()");
+        result.push_back(env.role == MethodEnv::Role::ScriptInit ? line : line + u"()");
     }
     return result;
 }
