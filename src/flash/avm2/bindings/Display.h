@@ -114,6 +114,7 @@ public:
     bool skipsStep = false;  ///< its first frame came between two
     int queuedFrame = 0;     ///< where its script that runs now wants to go; 0: nowhere
     std::vector<std::pair<int, Value>, vm::TracedAllocator<std::pair<int, Value>>> frameScripts;
+    TracedList<Value> filterValues; ///< as scripts have set them; empty: those of the node
     DisplayObject* mask = nullptr;
     DisplayObject* hitArea = nullptr;
     Value graphics;                      ///< once asked for

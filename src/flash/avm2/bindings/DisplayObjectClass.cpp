@@ -19,7 +19,6 @@ namespace
 {
 
 constexpr double kTwips = swf::kTwipsPerPixel;
-
 DisplayObject& self(Call& call) { return displaySelf(call); }
 
 double finite(Call& call)
@@ -29,7 +28,6 @@ double finite(Call& call)
 }
 
 // ---- place ----
-
 Value x(Call& call) { return self(call).node().x(); }
 Value y(Call& call) { return self(call).node().y(); }
 /// Places are kept in whole twips.
@@ -98,7 +96,6 @@ Value setVisible(Call& call)
 }
 
 // ---- the tree ----
-
 /// What a button shows has none.
 Value parent(Call& call) { return self(call).isInButton() ? Value::null() : Value(self(call).parent); }
 Value name(Call& call) { return self(call).name; }
@@ -206,7 +203,6 @@ Value hitTestPoint(Call& call)
 }
 
 // ---- look ----
-
 Value mask(Call& call)
 {
     auto& object = self(call);
@@ -236,23 +232,53 @@ Value setBlendMode(Call& call)
 }
 Value filters(Call& call)
 {
+    auto& object = self(call);
     auto* list = static_cast<ArrayObject*>(call.vm.newArray());
-    for (const swf::Filter& filter : self(call).node().filters())
-        list->push(call.vm, newFilter(call.vm, filter));
+    if (object.filterValues.empty()) {
+        for (const swf::Filter& filter : object.node().filters())
+            list->push(call.vm, newFilter(call.vm, filter));
+        return Value(list);
+    }
+    RootedList<Value> kept(call.vm.heap(), object.filterValues.begin(), object.filterValues.end());
+    for (std::size_t i = 0; i < kept.size(); ++i) list->push(call.vm, call.vm.callPublic(kept[i], "clone"));
     return Value(list);
 }
+/// A copy, as the player keeps its numbers.
+Value displacement(Vm& vm, Object& filter)
+{
+    Object* made = vm.instantiate(vm.nativeClass("flash.filters::DisplacementMapFilter"));
+    constexpr std::uint32_t kMapPoint = 1, kScaleX = 5, kScaleY = 6;
+    for (std::uint32_t i = 0; i < made->slotCount() && i < filter.slotCount(); ++i)
+        made->setSlot(i, filter.slot(i));
+    if (made->slot(kMapPoint).isNullish()) made->setSlot(kMapPoint, newPoint(vm, 0, 0));
+    for (const std::uint32_t slot : {kScaleX, kScaleY})
+        made->setSlot(slot, static_cast<double>(static_cast<float>(slotNumber(*made, slot))));
+    return Value(made);
+}
+/// What the renderer has no filter for is kept for scripts, and changes nothing.
 Value setFilters(Call& call)
 {
+    Vm& vm = call.vm;
     std::vector<swf::Filter> filters;
-    auto* list = as<ArrayObject>(call.vm.coerce(call.arg(0), call.vm.classes().array->instances));
+    RootedList<Value> kept(vm.heap());
+    bool allKnown = true;
+    const Traits* unknown = vm.nativeClass("flash.filters::DisplacementMapFilter")->instances;
+    auto* list = as<ArrayObject>(vm.coerce(call.arg(0), vm.classes().array->instances));
     for (std::uint32_t i = 0; list != nullptr && i < list->length(); ++i) {
-        const auto filter = filterOf(call.vm, list->at(call.vm, i));
-        if (!filter)
-            call.vm.throwError(ErrorClass::Argument, 2005,
-                               "Parameter 0 is of the incorrect type. Should be type Filter.");
-        filters.push_back(*filter);
+        const Value value = list->at(vm, i);
+        const auto filter = filterOf(vm, value);
+        const bool isKept = !filter && value.isObject() && value.object()->traits()->isA(unknown);
+        if (!filter && !isKept)
+            vm.throwError(ErrorClass::Argument, 2005,
+                          "Parameter 0 is of the incorrect type. Should be type Filter.");
+        if (filter) filters.push_back(*filter);
+        allKnown = allKnown && filter.has_value();
+        kept.push_back(filter ? newFilter(vm, *filter) : displacement(vm, *value.object()));
     }
-    self(call).node().setFilters(std::move(filters));
+    auto& object = self(call);
+    object.filterValues.clear();
+    if (!allKnown) object.filterValues.assign(kept->begin(), kept->end());
+    object.node().setFilters(std::move(filters));
     return {};
 }
 Value cacheAsBitmap(Call& call)

@@ -23,6 +23,7 @@ void DisplayObject::trace(Tracer& tracer)
     for (const DisplayObject* child : children) tracer(child);
     tracer(name);
     for (const auto& [frame, function] : frameScripts) tracer(function);
+    for (const Value& filter : filterValues) tracer(filter);
     tracer(mask);
     tracer(hitArea);
     tracer(graphics);

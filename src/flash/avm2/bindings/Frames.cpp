@@ -86,6 +86,22 @@ void Player::frameEnded()
     if (m_vm->heap().shouldCollect()) m_vm->heap().collect();
 }
 
+void Player::broadcastResize()
+{
+    if (!m_hasBegun || !m_stageObject || m_vm->isDisabled()) return;
+    m_vm->guarded([&] { fire(*m_vm, *m_stageObject, "resize"); });
+}
+
+void Player::broadcastFullScreen(bool on)
+{
+    if (!m_hasBegun || !m_stageObject || m_vm->isDisabled()) return;
+    m_vm->guarded([&] {
+        const Value args[] = {Value(m_vm->name("fullScreen").string()), false, false, on};
+        const Value cls(m_vm->nativeClass("flash.events::FullScreenEvent"));
+        m_stageObject->dispatch(*m_vm, *as<EventObject>(m_vm->construct(cls, args)));
+    });
+}
+
 void Player::finishFrame()
 {
     m_vm->guarded([&] { constructAll(*m_stageObject); });

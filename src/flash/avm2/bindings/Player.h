@@ -50,6 +50,8 @@ public:
     bool keepsClips() override { return true; }
     void showRootFrame(int frame) override;
     void frameEnded() override;
+    void broadcastResize() override;
+    void broadcastFullScreen(bool on) override;
     void pointerMoved() override;
     void pointerPressed(stage::MouseButton button, int clicks) override;
     void pointerReleased(stage::MouseButton button) override;

@@ -64,6 +64,8 @@ constexpr C kGradient[] = {{"LINEAR", 0, "linear"}, {"RADIAL", 0, "radial"}};
 constexpr C kSpread[] = {{"PAD", 0, "pad"}, {"REFLECT", 0, "reflect"}, {"REPEAT", 0, "repeat"}};
 constexpr C kInterpolation[] = {{"LINEAR_RGB", 0, "linearRGB"}, {"RGB", 0, "rgb"}};
 constexpr C kFilterQuality[] = {{"HIGH", 3}, {"LOW", 1}, {"MEDIUM", 2}};
+constexpr C kDisplacementMode[] = {
+    {"CLAMP", 0, "clamp"}, {"COLOR", 0, "color"}, {"IGNORE", 0, "ignore"}, {"WRAP", 0, "wrap"}};
 constexpr C kFilterType[] = {{"FULL", 0, "full"}, {"INNER", 0, "inner"}, {"OUTER", 0, "outer"}};
 
 constexpr NativeClass filter(std::string_view name, std::string_view slots)
@@ -105,6 +107,8 @@ constexpr NativeClass kClasses[] = {
            "shadowColor:uint shadowAlpha:Number=1 blurX:Number=4 blurY:Number=4 strength:Number=1 "
            "quality:int=1 type:String=inner knockout:Boolean"),
     filter("ColorMatrixFilter", "matrix:*"),
+    filter("DisplacementMapFilter", "mapBitmap:* mapPoint:* componentX:uint componentY:uint mode:String=wrap "
+                                    "scaleX:Number scaleY:Number color:uint alpha:Number"),
     filter("ConvolutionFilter", "matrixX:Number matrixY:Number matrix:* divisor:Number=1 bias:Number "
                                 "preserveAlpha:Boolean=true clamp:Boolean=true color:uint alpha:Number"),
     filter("GradientGlowFilter",
@@ -143,6 +147,7 @@ constexpr NativeClass kClasses[] = {
     constants("flash.display", "InterpolationMethod", kInterpolation),
     constants("flash.filters", "BitmapFilterQuality", kFilterQuality),
     constants("flash.filters", "BitmapFilterType", kFilterType),
+    constants("flash.filters", "DisplacementMapFilterMode", kDisplacementMode),
     {.package = "flash.display", .name = "IBitmapDrawable", .base = {}, .flags = NativeClass::Interface},
 };
 } // namespace

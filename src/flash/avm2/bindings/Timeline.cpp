@@ -121,7 +121,10 @@ void Player::apply(DisplayObject& child, const Placed& entry)
         node.setClipDepth(stage::kTimelineDepth + *entry.clipDepth);
     else
         node.setClipDepth({});
-    if (entry.filters) node.setFilters(*entry.filters);
+    if (entry.filters) {
+        node.setFilters(*entry.filters);
+        child.filterValues.clear();
+    }
     if (entry.blend) node.setBlend(*entry.blend);
     if (entry.cacheAsBitmap) node.setCacheAsBitmap(*entry.cacheAsBitmap);
     if (entry.visible) node.setVisible(*entry.visible);
