@@ -242,8 +242,33 @@ void FunctionCompiler::restoreScopes()
     }
 }
 
-std::optional<abc::Constant> FunctionCompiler::constant(const Expr* expr, TypePtr type)
+const Expr* FunctionCompiler::constantValue(const Expr* expr)
 {
+    if (expr->qualifier != nullptr || expr->isAttribute || expr->isAnyName || expr->b != nullptr)
+        return nullptr;
+    ClassSymbol* cls = m_context.cls;
+    if (expr->kind == ExprKind::Member) {
+        const auto found = packagedName(expr->a);
+        cls = found && found->definition != nullptr ? found->definition->cls : nullptr;
+    } else if (expr->kind != ExprKind::Name || declares(expr->text)) {
+        return nullptr;
+    }
+    if (cls == nullptr) return nullptr;
+    for (const Stmt* stmt : cls->declaration->body) {
+        if (stmt->kind != StmtKind::Var || !stmt->isConst || !stmt->modifiers.isStatic) continue;
+        for (const Variable& variable : stmt->variables) {
+            if (variable.name == expr->text) return variable.value;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<abc::Constant> FunctionCompiler::constant(const Expr* expr, TypePtr type, int depth)
+{
+    // Constants that stand for each other end somewhere.
+    constexpr int kMaxConstants = 16;
+    if (const Expr* known = depth < kMaxConstants ? constantValue(expr) : nullptr)
+        return constant(known, type, depth + 1);
     AbcFile& abc = m_program.abc;
     const auto plain = [](std::uint8_t kind) { return abc::Constant{kind, kind}; };
     double number = 0;

@@ -46,7 +46,7 @@ public:
     /// Statements that follow are those of another package.
     void setScope(Scope& scope) { m_context.scope = &scope; }
     /// A value that the format can hold beside a declaration. @returns nothing when it takes code.
-    std::optional<abc::Constant> constant(const Expr* expr, TypePtr type);
+    std::optional<abc::Constant> constant(const Expr* expr, TypePtr type, int depth = 0);
 
 private:
     using Label = CodeWriter::Label;
@@ -114,6 +114,9 @@ private:
 
     [[nodiscard]] Scope& scope() const { return *m_context.scope; }
     void error(Position where, const std::string& message) { m_program.error(where, message); }
+
+    /// The value of a static constant of one of the program's classes. @returns null for other expressions
+    const Expr* constantValue(const Expr* expr);
 
     // set-up
     void parameters(const Function& fn, abc::MethodInfo& info);
