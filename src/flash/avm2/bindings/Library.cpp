@@ -37,6 +37,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         systemLibrary(),
         interfaceLibrary(),
         netLoadingLibrary(),
+        urlStreamLibrary(),
         netPeerLibrary(),
         netStreamLibrary(),
         fileLibrary(),

@@ -21,8 +21,9 @@ std::span<const NativeClass> buttonClasses();
 std::span<const NativeClass> recordClasses();
 
 NativeLibrary timerLibrary();
-NativeLibrary systemLibrary();     ///< flash.system and what reports on the machine
-NativeLibrary interfaceLibrary();  ///< flash.ui, flash.accessibility, flash.external, flash.printing
+NativeLibrary systemLibrary();    ///< flash.system and what reports on the machine
+NativeLibrary interfaceLibrary(); ///< flash.ui, flash.accessibility, flash.external, flash.printing
+NativeLibrary urlStreamLibrary();
 NativeLibrary netLoadingLibrary(); ///< what fetches addresses
 NativeLibrary netStreamLibrary();  ///< and Video
 NativeLibrary netPeerLibrary();    ///< connections

@@ -213,26 +213,15 @@ std::optional<stage::LoadRequest> requestArg(Call& call, std::uint32_t i)
     return request;
 }
 
-namespace
-{
-
-void fireStatus(Vm& vm, DispatcherObject& target)
+void fireHttpStatus(Vm& vm, DispatcherObject& target)
 {
     fireWith(vm, target, "flash.events::HTTPStatusEvent", "httpStatus", {Value(0)});
-}
-void fireFailure(Vm& vm, DispatcherObject& target, const std::string& url)
-{
-    fireWith(vm, target, "flash.events::IOErrorEvent", "ioError",
-             {Value(vm.string(u"Error #2032: Stream Error. URL: " + fromUtf8(url))), Value(2032)});
 }
 void fireProgress(Vm& vm, DispatcherObject& target, double loaded, double total)
 {
     fireWith(vm, target, "flash.events::ProgressEvent", "progress", {Value(loaded), Value(total)});
 }
 
-using Answered = void (*)(Vm&, DispatcherObject&, const base::Result<stage::LoadAnswer>&);
-
-/// Fetches, and lets `answered` tell the object what came, unless it was asked for something else since.
 void fetchFor(Call& call, DispatcherObject& object, const std::uint32_t& current, stage::LoadRequest request,
               Answered answered)
 {
@@ -246,6 +235,16 @@ void fetchFor(Call& call, DispatcherObject& object, const std::uint32_t& current
             answered(vm, *target->get(), answer);
         });
 }
+
+Value bytesValue(Vm& vm, std::span<const std::uint8_t> bytes)
+{
+    auto* array = as<classes::ByteArrayObject>(vm.construct(Value(vm.classes().byteArray), {}));
+    array->content.assign(bytes.begin(), bytes.end());
+    return Value(array);
+}
+
+namespace
+{
 
 // ---- URLLoader ----
 
@@ -261,13 +260,6 @@ public:
     UrlLoaderObject(Traits* traits, Object* proto) : Base(traits, proto) {}
     std::uint32_t turn = 0; ///< counts the loads that were asked for or given up
 };
-
-Value bytesValue(Vm& vm, std::span<const std::uint8_t> bytes)
-{
-    auto* array = as<classes::ByteArrayObject>(vm.construct(Value(vm.classes().byteArray), {}));
-    array->content.assign(bytes.begin(), bytes.end());
-    return Value(array);
-}
 
 /// What came, in the form that was asked for.
 void takeContent(Vm& vm, UrlLoaderObject& loader, std::span<const std::uint8_t> bytes)
@@ -291,7 +283,7 @@ void loaderAnswered(Vm& vm, DispatcherObject& object, const base::Result<stage::
         if (turn == loader.turn) vm.guarded(work);
     };
     if (!answer) {
-        step([&] { fireStatus(vm, loader); });
+        step([&] { fireHttpStatus(vm, loader); });
         step([&] { takeContent(vm, loader, {}); });
         step([&] {
             fireWith(vm, loader, "flash.events::IOErrorEvent", "ioError",
@@ -303,7 +295,7 @@ void loaderAnswered(Vm& vm, DispatcherObject& object, const base::Result<stage::
     step([&] { fire(vm, loader, "open"); });
     loader.fields[Loaded] = loader.fields[Total] = size;
     step([&] { fireProgress(vm, loader, size, size); });
-    step([&] { fireStatus(vm, loader); });
+    step([&] { fireHttpStatus(vm, loader); });
     step([&] { takeContent(vm, loader, answer->bytes); });
     step([&] { fire(vm, loader, "complete"); });
 }
@@ -330,140 +322,6 @@ Value closeLoader(Call& call)
     ++selfAs<UrlLoaderObject>(call, LoaderTag::kClass).turn;
     return {};
 }
-
-// ---- URLStream ----
-
-/// Reads as a byte array does, and stays one underneath.
-class UrlStreamObject final : public DispatcherObject
-{
-public:
-    AVM2_NATIVE(DispatcherObject)
-    UrlStreamObject(Traits* traits, Object* proto) : DispatcherObject(traits, proto) {}
-    void trace(Tracer& tracer) override
-    {
-        DispatcherObject::trace(tracer);
-        tracer(bytes);
-    }
-    Value bytes = Value::null(); ///< null while nothing has been asked for
-    std::uint32_t turn = 0;
-    bool isConnected = false;
-};
-
-UrlStreamObject& streamSelf(Call& call) { return selfAs<UrlStreamObject>(call, "flash.net.URLStream"); }
-
-void streamAnswered(Vm& vm, DispatcherObject& object, const base::Result<stage::LoadAnswer>& answer)
-{
-    auto& stream = static_cast<UrlStreamObject&>(object);
-    const std::uint32_t turn = stream.turn;
-    const auto step = [&](auto&& work) {
-        if (turn == stream.turn) vm.guarded(work);
-    };
-    if (!answer) {
-        stream.isConnected = false;
-        step([&] { fireStatus(vm, stream); });
-        step([&] { fireFailure(vm, stream, {}); });
-        return;
-    }
-    const auto size = static_cast<double>(answer->bytes.size());
-    step([&] { fire(vm, stream, "open"); });
-    if (auto* array = as<classes::ByteArrayObject>(stream.bytes))
-        array->content.assign(answer->bytes.begin(), answer->bytes.end());
-    step([&] { fireProgress(vm, stream, size, size); });
-    step([&] { fireStatus(vm, stream); });
-    step([&] { fire(vm, stream, "complete"); });
-    if (turn == stream.turn) stream.isConnected = false;
-}
-
-Value loadStream(Call& call)
-{
-    auto& stream = streamSelf(call);
-    auto request = requestArg(call, 0);
-    if (!request) throwNullParameter(call.vm, "request");
-    ++stream.turn;
-    stream.bytes = bytesValue(call.vm, {});
-    stream.isConnected = true;
-    fetchFor(call, stream, stream.turn, std::move(*request), &streamAnswered);
-    return {};
-}
-Value closeStream(Call& call)
-{
-    auto& stream = streamSelf(call);
-    if (!stream.isConnected)
-        call.vm.throwError(ErrorClass::Io, 2029, "This URLStream object does not have a stream opened.");
-    ++stream.turn;
-    stream.isConnected = false;
-    return {};
-}
-Value streamConnected(Call& call) { return streamSelf(call).isConnected; }
-
-/// What the byte array underneath does, by the same name. @throws 2029 when nothing was loaded
-Value readStream(Call& call, const char* name)
-{
-    auto& stream = streamSelf(call);
-    if (stream.bytes.isNull())
-        call.vm.throwError(ErrorClass::Io, 2029, "This URLStream object does not have a stream opened.");
-    return call.vm.callProperty(stream.bytes, call.vm.publicName(name), call.rest(0));
-}
-Value streamAvailable(Call& call)
-{
-    auto& stream = streamSelf(call);
-    return stream.bytes.isNull() ? Value(0) : call.vm.getPublic(stream.bytes, "bytesAvailable");
-}
-Value streamEndian(Call& call)
-{
-    auto& stream = streamSelf(call);
-    return stream.bytes.isNull() ? Value(call.vm.name("bigEndian").string())
-                                 : call.vm.getPublic(stream.bytes, "endian");
-}
-Value setStreamEndian(Call& call)
-{
-    auto& stream = streamSelf(call);
-    if (stream.bytes.isNull()) stream.bytes = bytesValue(call.vm, {});
-    call.vm.setPublic(stream.bytes, "endian", call.arg(0));
-    return {};
-}
-Value streamEncoding(Call& call)
-{
-    auto& stream = streamSelf(call);
-    return stream.bytes.isNull() ? Value(3) : call.vm.getPublic(stream.bytes, "objectEncoding");
-}
-Value setStreamEncoding(Call& call)
-{
-    auto& stream = streamSelf(call);
-    if (stream.bytes.isNull()) stream.bytes = bytesValue(call.vm, {});
-    call.vm.setPublic(stream.bytes, "objectEncoding", call.arg(0));
-    return {};
-}
-
-#define READ_AS(name)                                                                                        \
-    NativeMember                                                                                             \
-    {                                                                                                        \
-#name, Kind::Method, [](Call & call) { return readStream(call, #name); }, 0, -1                      \
-    }
-
-constexpr NativeMember kStream[] = {
-    {"load", Kind::Method, &loadStream, 1, 1},
-    {"close", Kind::Method, &closeStream, 0, 0},
-    {"connected", Kind::Getter, &streamConnected, 0, 0, nullptr, "Boolean"},
-    {"bytesAvailable", Kind::Getter, &streamAvailable, 0, 0, nullptr, "uint"},
-    {"endian", Kind::Getter, &streamEndian, 0, 0, &setStreamEndian, "String"},
-    {"objectEncoding", Kind::Getter, &streamEncoding, 0, 0, &setStreamEncoding, "uint"},
-    READ_AS(readBytes),
-    READ_AS(readBoolean),
-    READ_AS(readByte),
-    READ_AS(readUnsignedByte),
-    READ_AS(readShort),
-    READ_AS(readUnsignedShort),
-    READ_AS(readInt),
-    READ_AS(readUnsignedInt),
-    READ_AS(readFloat),
-    READ_AS(readDouble),
-    READ_AS(readMultiByte),
-    READ_AS(readUTF),
-    READ_AS(readUTFBytes),
-    READ_AS(readObject),
-};
-#undef READ_AS
 
 constexpr NativeMember kVariables[] = {
     {"decode", Kind::Method, &decodeVariables, 1, 1},
@@ -563,13 +421,6 @@ constexpr NativeClass kClasses[] = {
      .maxArguments = 1,
      .allocate = &allocateNative<UrlLoaderObject>,
      .members = kLoader},
-    {.package = "flash.net",
-     .name = "URLStream",
-     .base = "flash.events::EventDispatcher",
-     .flags = NativeClass::Sealed,
-     .allocate = &allocateNative<UrlStreamObject>,
-     .members = kStream,
-     .interfaces = "flash.utils::IDataInput"},
     constantsOf("flash.net", "URLRequestMethod", kMethods),
     constantsOf("flash.net", "URLLoaderDataFormat", kFormats),
 };

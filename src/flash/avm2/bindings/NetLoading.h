@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/avm2/bindings/Events.h"
 #include "flash/avm2/interpreter/Vm.h"
 #include "flash/stage/Services.h"
 
@@ -17,5 +18,17 @@ std::string encodedVariables(Vm& vm, Object* object);
 
 /// What a URLRequest asks for; none for null. @throws 1034 for another object, 2007 without an address
 std::optional<stage::LoadRequest> requestArg(Call& call, std::uint32_t i);
+
+void fireHttpStatus(Vm& vm, DispatcherObject& target);
+void fireProgress(Vm& vm, DispatcherObject& target, double loaded, double total);
+
+/// A new byte array.
+Value bytesValue(Vm& vm, std::span<const std::uint8_t> bytes);
+
+using Answered = void (*)(Vm&, DispatcherObject&, const base::Result<stage::LoadAnswer>&);
+/// Fetches, and lets `answered` tell the object what came, unless it was asked for something else since.
+/// @param current a part of the object that counts what it is asked for
+void fetchFor(Call& call, DispatcherObject& object, const std::uint32_t& current, stage::LoadRequest request,
+              Answered answered);
 
 } // namespace flash::avm2
