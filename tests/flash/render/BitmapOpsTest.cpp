@@ -19,12 +19,18 @@ swf::Bitmap bitmap(int width, int height, bool opaque = false, std::uint32_t col
 TEST(BitmapOps, ColoursSurviveStorageAsFarAsTheirAlphaAllows)
 {
     for (std::uint32_t alpha = 1; alpha < 256; ++alpha) {
-        const std::uint32_t white = alpha << 24 | 0xFFFFFF;
-        EXPECT_EQ(unmultiplied(premultiplied(white)), white);
-        // Reading and writing again must not let a colour drift.
-        const std::uint32_t once = unmultiplied(premultiplied(alpha << 24 | 0x123456));
-        EXPECT_EQ(unmultiplied(premultiplied(once)), once);
+        const int step = 255 / static_cast<int>(alpha) + 1; // what one level of the stored colour stands for
+        for (const int level : {0, 1, 18, 52, 86, 127, 128, 200, 254, 255}) {
+            const std::uint32_t color = alpha << 24 | static_cast<std::uint32_t>(level) * 0x010101;
+            const std::uint32_t back = unmultiplied(premultiplied(color));
+            EXPECT_EQ(back >> 24, alpha);
+            EXPECT_NEAR(static_cast<int>(back & 255), level, step) << alpha;
+            EXPECT_EQ((back >> 16 & 255), (back & 255));
+        }
     }
+    // The genuine player's way of dividing does not give every white back.
+    EXPECT_EQ(unmultiplied(premultiplied(0x80FFFFFF)), 0x80FFFFFFU);
+    EXPECT_EQ(unmultiplied(premultiplied(0xC3FFFFFF)), 0xC3FEFEFEU);
     EXPECT_EQ(unmultiplied(premultiplied(0x00FFFFFF)), 0U);
 }
 
@@ -47,7 +53,7 @@ TEST(BitmapOps, AlphaAloneIsNeverMadeMore)
     transformColors(target, boundsOf(target), {.alphaMul = 512});
     EXPECT_EQ(pixelAt(target, 0, 0), 0x40FFFFFFU);
     transformColors(target, boundsOf(target), {.redMul = 128, .alphaMul = 512});
-    EXPECT_EQ(pixelAt(target, 0, 0), 0x8080FFFFU);
+    EXPECT_EQ(pixelAt(target, 0, 0), 0x807FFFFFU); // stored as 0x80408080
 }
 
 TEST(BitmapOps, CopiesAreCutAtBothEnds)
