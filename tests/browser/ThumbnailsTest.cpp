@@ -365,6 +365,11 @@ TEST_F(ThumbnailMaker, AProcessThatIsKilledCostsOnePictureAtMost)
     if (!flash::FlashControl::givesOwnProcesses()) GTEST_SKIP() << "movies play in this process";
     thumbnails.sideBySide = 2;
     // Seeded moments, from the start of the processes to where some of the movies are done.
+#ifdef __SANITIZE_ADDRESS__
+    constexpr int kMakingMs = 800; // such a process takes ten times as long to start
+#else
+    constexpr int kMakingMs = 80;
+#endif
     QRandomGenerator random(20);
     for (int round = 0; round < tests::killsAsked(10); ++round) {
         SCOPED_TRACE(round);
@@ -379,7 +384,7 @@ TEST_F(ThumbnailMaker, AProcessThatIsKilledCostsOnePictureAtMost)
             const auto process = static_cast<pid_t>(thumbnails.window()->SWF(place).processId());
             if (process != 0) kill(process, round % 2 == 0 ? SIGKILL : SIGSEGV);
         });
-        moment.start(static_cast<int>(random.bounded(80)));
+        moment.start(static_cast<int>(random.bounded(kMakingMs)));
         makeAll(movies);
         int made = 0;
         for (const QString& each : movies) made += loadThumbnail(shotOf(each)).isNull() ? 0 : 1;
