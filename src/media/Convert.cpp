@@ -145,9 +145,10 @@ QString MediaFiles::DecompressFlash(MediaInfo& info, Extent extent)
     if (!headerOnly) {
         m_application.LogEvent("Decompression succeeded");
         m_host.SetStatus(texts::kReady);
-        m_host.setCompressCaption(texts::kMenuCompress);
-        info.OriginalPath = target;
-        info.MoviePath = target;
+        if (info.MoviePath == target) {
+            m_host.setCompressCaption(texts::kMenuCompress);
+            info.OriginalPath = target;
+        }
     }
     return target;
 }
@@ -171,10 +172,11 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
     const auto body =
         TRY_RESULT(decompressMovie(movie.file, std::min<std::uint64_t>(info.FileLength, kMaxMovieBytes)));
 
+    // From here on `info` may be that of another movie.
     if (!m_host.progress(kInflatedPart)) return base::fail(base::ErrorCode::LimitReached, "ended");
     m_application.LogEvent("Backing up");
     base::sweepTemporaryFilesOf(replacedBy(target)); // of a run that was killed
-    CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
+    CHECK_RESULT(backUp(target, ".swf", movie.file));
     if (core::fileExists(target)) m_application.LogEvent("Removing persistent file");
     m_application.LogEvent("Writing decompressed data");
     m_host.SetStatus(texts::kWriting);
@@ -184,29 +186,32 @@ base::Result<void> MediaFiles::decompressInPlace(const MediaInfo& info, const QS
 QString MediaFiles::CompressFlash(MediaInfo& info, int level)
 {
     m_host.SetStatus(texts::kReadingFile);
-    const base::Result<void> done = compressInPlace(info, level);
+    const QString target = info.MoviePath;
+    const base::Result<void> done = compressInPlace(target, level);
     if (!done) {
         note(done.error());
         return {};
     }
     m_host.SetStatus(texts::kReady);
-    m_host.setCompressCaption(texts::kMenuDecompress);
-    info.OriginalPath = info.MoviePath;
-    return info.MoviePath;
+    if (info.MoviePath == target) {
+        m_host.setCompressCaption(texts::kMenuDecompress);
+        info.OriginalPath = target;
+    }
+    return target;
 }
 
-base::Result<void> MediaFiles::compressInPlace(const MediaInfo& info, int level)
+base::Result<void> MediaFiles::compressInPlace(const QString& target, int level)
 {
-    const MovieBytes movie = TRY_RESULT(readMovie(info.MoviePath));
+    const MovieBytes movie = TRY_RESULT(readMovie(target));
     // A command given twice must not compress what is compressed already: no player could read the result.
     if (isCompressed(movie.header)) return {};
     m_host.SetStatus(texts::kCompressing);
     const auto body =
         TRY_RESULT(CompressData(movie.body(), level, [this](double part) { return m_host.progress(part); }));
     m_host.SetStatus(texts::kWriting);
-    base::sweepTemporaryFilesOf(replacedBy(info.MoviePath));
-    CHECK_RESULT(backUp(info.MoviePath, ".swf", movie.file));
-    return writeMovie(info.MoviePath, movie.header, "CWS", body);
+    base::sweepTemporaryFilesOf(replacedBy(target));
+    CHECK_RESULT(backUp(target, ".swf", movie.file));
+    return writeMovie(target, movie.header, "CWS", body);
 }
 
 } // namespace media

@@ -71,7 +71,7 @@ private:
     void failLoad(const QString& file);
     [[nodiscard]] base::Result<void> writeHeaderCopy(const MediaInfo& info, const QString& target);
     [[nodiscard]] base::Result<void> decompressInPlace(const MediaInfo& info, const QString& target);
-    [[nodiscard]] base::Result<void> compressInPlace(const MediaInfo& info, int level);
+    [[nodiscard]] base::Result<void> compressInPlace(const QString& target, int level);
     /// Writes a file into the cache, which is made when it is missing.
     [[nodiscard]] base::Result<void> writeToCache(const QString& file,
                                                   std::span<const base::Bytes> parts) const;

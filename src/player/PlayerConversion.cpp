@@ -49,8 +49,9 @@ void Player::convert()
 {
     media::MediaInfo& info = m_media.mediaInfo();
     // The file's form, not that which it had when it was loaded: the command may be given again.
-    const bool decompress = media::isCompressedFile(info.MoviePath);
-    const qint64 before = core::fileSize(info.MoviePath);
+    const QString path = info.MoviePath;
+    const bool decompress = media::isCompressedFile(path);
+    const qint64 before = core::fileSize(path);
     const QString result =
         decompress ? m_media.DecompressFlash(info, media::Extent::Full) : m_media.CompressFlash(info, 9);
     if (hasEnded()) return;
@@ -61,7 +62,7 @@ void Player::convert()
         if (isCancelled) return showNote(texts::kConversionCancelled);
         QMessageBox::warning(this, core::kProductName,
                              QString(decompress ? texts::kDecompressFailed : texts::kCompressFailed) + '\n' +
-                                 failureText(info.MoviePath, m_media.errorDescription()));
+                                 failureText(path, m_media.errorDescription()));
         return;
     }
     const auto after = core::fileSize(result);

@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -45,7 +46,13 @@ struct Window : NoMediaHost {
     {
         calls += QString("error %1 ").arg(error.number()) + place;
     }
+    bool progress(double) override
+    {
+        if (duringWork) duringWork();
+        return true;
+    }
     QStringList calls;
+    std::function<void()> duringWork;
     bool fullScreen = false;
     int failureNumber = 0;
 };
@@ -394,6 +401,27 @@ TEST_F(MediaFilesTest, ProjectorsMovieGetsItsMissingLastByte)
     bytes.pop_back();
     media.LoadFlash(put("cut.exe", bytes), {});
     EXPECT_EQ(bytesOf(media.mediaInfo().MoviePath), plainMovie());
+}
+
+TEST_F(MediaFilesTest, AConversionWritesItsOwnFileWhateverIsLoadedMeanwhile)
+{
+    const ByteVector plain = plainMovie(5, 5000);
+    const QString movie = put("a.swf", plain), other = put("b.swf", plainMovie(6, 300));
+    for (const bool compress : {true, false}) {
+        SCOPED_TRACE(compress);
+        window.duringWork = nullptr;
+        media.LoadFlash(movie, {});
+        // The window answers while it waits: its movie may end, or another be opened.
+        window.duringWork = [&] { media.LoadFlash(other, {}); };
+        const ByteVector before = bytesOf(movie);
+        MediaInfo& info = media.mediaInfo();
+        EXPECT_EQ(compress ? media.CompressFlash(info, 9) : media.DecompressFlash(info, Extent::Full), movie);
+        EXPECT_EQ(bytesOf(movie)[0], compress ? 'C' : 'F');
+        EXPECT_EQ(bytesOf(inCache(movie, ".swf")), before);
+        EXPECT_EQ(bytesOf(other), plainMovie(6, 300));
+        EXPECT_EQ(media.mediaInfo().MoviePath, other);
+    }
+    EXPECT_EQ(bytesOf(movie), plain);
 }
 
 TEST_F(MediaFilesTest, ConversionsRoundTripAndKeepABackup)
