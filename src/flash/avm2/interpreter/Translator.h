@@ -20,6 +20,8 @@ public:
     void run();
 
 private:
+    /// The register form of an instruction that finds its operands side by side.
+    static RegisterOp stackOp(abc::Op op);
     enum class Rep : std::uint8_t { Boxed, Int, Uint };
     struct Operand {
         enum class Where : std::uint8_t { Register, Constant, IntConstant };
