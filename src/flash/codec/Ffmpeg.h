@@ -46,6 +46,8 @@ struct Ffmpeg {
     X(swresample, swr_set_matrix)                                                                            \
     X(swscale, sws_getCachedContext)                                                                         \
     X(swscale, sws_freeContext)                                                                              \
+    X(swscale, sws_getCoefficients)                                                                          \
+    X(swscale, sws_setColorspaceDetails)                                                                     \
     X(swscale, sws_scale)
 #define FLASH_FFMPEG_DECLARE(library, function) decltype(&::function) function = nullptr;
     FLASH_FFMPEG_FUNCTIONS(FLASH_FFMPEG_DECLARE)

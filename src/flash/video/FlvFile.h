@@ -13,10 +13,12 @@ namespace flash::video
 /// What an FLV file holds, in the order of the file. Borrows the file's bytes.
 struct FlvFile {
     struct Video {
-        double timeMs = 0;
-        bool key = false; ///< needs no picture before it
+        double timeMs = 0; ///< when it is due to the decoder
+        double showMs = 0; ///< when its picture is due to be seen; another than timeMs in H.264 only
+        bool key = false;  ///< needs no picture before it
         VideoCodec codec = VideoCodec::SorensonH263;
         std::uint8_t adjustment = 0; ///< see VideoDecoder::open()
+        base::Bytes config;          ///< likewise
         base::Bytes packet;
     };
     struct Sound {
@@ -36,7 +38,7 @@ struct FlvFile {
     std::vector<Sound> sound;
     base::Bytes soundConfig; ///< AAC: what its decoder has to know before the packets
     std::vector<Script> scripts;
-    double lastMs = 0; ///< the time of the last tag
+    double lastMs = 0; ///< the time of the last tag, or when the last picture shows
 
     /// A file that breaks off is read as far as it goes.
     /// @errors Malformed when it does not begin like an FLV file

@@ -1,6 +1,7 @@
 #include "flash/video/FlvPlayer.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace flash::video
 {
@@ -32,6 +33,11 @@ FlvPlayer::FlvPlayer(FileBytes bytes, FlvFile file) : m_bytes(std::move(bytes)),
     // Tags out of order are damage; sorting them keeps the searches right.
     const auto byTime = [](const auto& a, const auto& b) { return a.timeMs < b.timeMs; };
     std::stable_sort(m_file.video.begin(), m_file.video.end(), byTime);
+    m_isReordered = std::ranges::any_of(
+        m_file.video, [](const FlvFile::Video& video) { return video.codec == VideoCodec::H264; });
+    if (m_isReordered)
+        for (const FlvFile::Video& video : m_file.video) m_showTimes.push_back(video.showMs);
+    std::ranges::sort(m_showTimes);
     std::stable_sort(m_file.scripts.begin(), m_file.scripts.end(), byTime);
 }
 
@@ -39,14 +45,22 @@ std::size_t FlvPlayer::dueVideo(double timeMs) const { return firstAfter(m_file.
 
 void FlvPlayer::advance(double ms) { m_timeMs = std::min(m_timeMs + ms, m_file.lastMs); }
 
+void FlvPlayer::restartAt(std::size_t packet)
+{
+    m_decoded = packet;
+    m_waiting.reset();
+    m_hasAll = false;
+    m_shownMs = -1;
+    if (m_decoder) m_decoder->reset();
+}
+
 bool FlvPlayer::seek(double timeMs)
 {
     if (timeMs > m_file.lastMs) return false;
     std::size_t key = dueVideo(std::max(timeMs, 0.0));
     while (key > 0 && !m_file.video[key - 1].key) --key;
-    m_timeMs = key > 0 ? m_file.video[key - 1].timeMs : std::max(timeMs, 0.0);
-    m_decoded = key > 0 ? key - 1 : 0;
-    if (m_decoder) m_decoder->reset();
+    m_timeMs = key > 0 ? m_file.video[key - 1].showMs : std::max(timeMs, 0.0);
+    restartAt(key > 0 ? key - 1 : 0);
     m_told = firstAfter(m_file.scripts, m_timeMs);
     return true;
 }
@@ -57,15 +71,74 @@ std::optional<double> FlvPlayer::msToNext() const
     const auto consider = [&](double timeMs) {
         if (!next || timeMs - m_timeMs < *next) next = timeMs - m_timeMs;
     };
-    if (const std::size_t video = dueVideo(m_timeMs); video < m_file.video.size())
+    if (m_isReordered) {
+        const auto shows = std::ranges::upper_bound(m_showTimes, m_timeMs);
+        if (shows != m_showTimes.end()) consider(*shows);
+    } else if (const std::size_t video = dueVideo(m_timeMs); video < m_file.video.size()) {
         consider(m_file.video[video].timeMs);
+    }
     if (const std::size_t script = firstAfter(m_file.scripts, m_timeMs); script < m_file.scripts.size())
         consider(m_file.scripts[script].timeMs);
     if (!atEnd()) consider(m_file.lastMs);
     return next;
 }
 
+void FlvPlayer::openDecoder(const FlvFile::Video& video)
+{
+    if (m_decoder && video.codec == m_codec && video.config.data() == m_config.data()) return;
+    m_codec = video.codec;
+    m_config = video.config;
+    m_decoder = VideoDecoder::open(m_codec, 0, 0, video.adjustment, m_config);
+}
+
 std::shared_ptr<const swf::Bitmap> FlvPlayer::picture()
+{
+    if (m_isReordered)
+        decodeReordered();
+    else
+        decodeInOrder();
+    return m_picture;
+}
+
+/// The decoder gives its pictures out by the time they show; for one it may need packets of later ones.
+void FlvPlayer::decodeReordered()
+{
+    const auto after = std::ranges::upper_bound(m_showTimes, m_timeMs);
+    if (after == m_showTimes.begin()) return;
+    const double wanted = *(after - 1);
+    if (wanted == m_shownMs) return;
+    // From the last key frame on that shows no later.
+    for (std::size_t key = m_file.video.size(); key > m_decoded; --key) {
+        const FlvFile::Video& video = m_file.video[key - 1];
+        if (!video.key || video.showMs > wanted) continue;
+        if (key - 1 > m_decoded) restartAt(key - 1);
+        break;
+    }
+    while (true) {
+        while (!m_waiting) {
+            if (m_decoder) m_waiting = m_decoder->next();
+            if (m_waiting || m_hasAll) break;
+            if (m_decoded == m_file.video.size()) {
+                m_hasAll = true;
+                if (m_decoder) m_decoder->feedEnd();
+                continue;
+            }
+            const FlvFile::Video& video = m_file.video[m_decoded++];
+            openDecoder(video);
+            if (m_decoder) m_decoder->feed(video.packet, std::llround(video.showMs));
+        }
+        if (!m_waiting || static_cast<double>(*m_waiting) > wanted) return;
+        if (static_cast<double>(*m_waiting) == wanted) {
+            if (auto picture = m_decoder->picture()) m_picture = std::move(picture);
+            m_shownMs = wanted;
+            m_waiting.reset();
+            return;
+        }
+        m_waiting.reset();
+    }
+}
+
+void FlvPlayer::decodeInOrder()
 {
     const std::size_t due = dueVideo(m_timeMs);
     // From the last key frame on; what lies before it shows no more.
@@ -76,17 +149,13 @@ std::shared_ptr<const swf::Bitmap> FlvPlayer::picture()
     }
     while (m_decoded < due) {
         const FlvFile::Video& video = m_file.video[m_decoded++];
-        if (!m_decoder || video.codec != m_codec) {
-            m_codec = video.codec;
-            m_decoder = VideoDecoder::open(m_codec, 0, 0, video.adjustment);
-        }
+        openDecoder(video);
         if (!m_decoder) continue;
         if (m_decoded < due)
             m_decoder->skip(video.packet);
         else if (auto picture = m_decoder->decode(video.packet))
             m_picture = std::move(picture);
     }
-    return m_picture;
 }
 
 std::vector<base::Bytes> FlvPlayer::takeMessages()

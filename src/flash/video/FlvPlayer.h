@@ -44,6 +44,10 @@ public:
 
 private:
     FlvPlayer(FileBytes bytes, FlvFile file);
+    void decodeInOrder();
+    void decodeReordered();
+    void restartAt(std::size_t packet);
+    void openDecoder(const FlvFile::Video& video);
     /// Of the packets of video, those due at a time.
     [[nodiscard]] std::size_t dueVideo(double timeMs) const;
 
@@ -54,6 +58,12 @@ private:
     std::size_t m_told = 0;    ///< messages taken
     std::unique_ptr<VideoDecoder> m_decoder;
     VideoCodec m_codec{};
+    base::Bytes m_config;                  ///< of the decoder
+    std::optional<std::int64_t> m_waiting; ///< H.264: the picture that the decoder has come to, by showMs
+    bool m_hasAll = false;                 ///< H.264: the decoder knows that there are no more packets
+    double m_shownMs = -1;                 ///< H.264: showMs of m_picture
+    bool m_isReordered = false;            ///< H.264 it is
+    std::vector<double> m_showTimes;       ///< H.264: of all pictures, in their order
     std::shared_ptr<const swf::Bitmap> m_picture;
 };
 

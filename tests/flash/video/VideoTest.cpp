@@ -54,6 +54,47 @@ TEST(FlvPlayer, ShowsWhatIsDueAndStopsAtTheEnd)
     EXPECT_NE(player->soundFile(), nullptr);
 }
 
+// avc.flv: the same pictures in H.264 with three pictures between those they build on, which so come out of
+// order; avc-709.flv and avc-full.flv say that their colours are of the newer matrix, or of full range.
+
+TEST(FlvPlayer, ShowsH264InTheOrderOfItsPictures)
+{
+    auto player = std::move(*FlvPlayer::open(bytesOf("avc.flv")));
+    player->advance(*player->msToNext());
+    ASSERT_NE(player->picture(), nullptr);
+    EXPECT_EQ(player->picture()->width, 40);
+    EXPECT_EQ(player->picture()->height, 24);
+    const double first = player->timeMs();
+    std::shared_ptr<const swf::Bitmap> before;
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_DOUBLE_EQ(player->timeMs(), first + 100 * i);
+        const auto picture = player->picture();
+        EXPECT_NE(picture, before) << "picture " << i;
+        EXPECT_TRUE(i < 10 ? isRed(*picture) : isBlue(*picture)) << "picture " << i;
+        before = picture;
+        if (const auto ms = player->msToNext()) player->advance(*ms);
+    }
+    EXPECT_TRUE(player->atEnd());
+    EXPECT_TRUE(player->seek(first + 700));
+    EXPECT_DOUBLE_EQ(player->timeMs(), first + 500);
+    EXPECT_TRUE(isRed(*player->picture()));
+    EXPECT_TRUE(player->seek(first + 1900));
+    EXPECT_TRUE(isBlue(*player->picture())) << "from behind the end of what was decoded";
+}
+
+TEST(FlvPlayer, TakesColoursAsH264StatesThem)
+{
+    for (const char* name : {"avc.flv", "avc-709.flv", "avc-full.flv"}) {
+        auto player = std::move(*FlvPlayer::open(bytesOf(name)));
+        player->advance(300);
+        ASSERT_NE(player->picture(), nullptr) << name;
+        const std::uint32_t pixel = player->picture()->pixels[40 * 12 + 20];
+        const int wanted[] = {0xE0, 0x20, 0x20};
+        for (int i = 0; i < 3; ++i)
+            EXPECT_NEAR(static_cast<int>(pixel >> (16 - 8 * i) & 0xFF), wanted[i], 3) << name << " " << i;
+    }
+}
+
 TEST(FlvPlayer, TakesRoomForItsPicturesAndGivesItBack)
 {
     guard::Guard watch;
@@ -96,7 +137,7 @@ TEST(FlvPlayer, HandsOutMessagesOnce)
 
 TEST(FlvFile, SurvivesEveryTruncationAndFlippedBytes)
 {
-    for (const char* name : {"clip.flv", "screen.flv"}) {
+    for (const char* name : {"clip.flv", "screen.flv", "avc.flv"}) {
         const auto whole = bytesOf(name);
         for (std::size_t size = 0; size < whole->size(); size += 7) {
             const auto part =
