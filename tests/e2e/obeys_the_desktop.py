@@ -55,6 +55,10 @@ class Session:
         told = re.findall(r'Media debug :: frame (\d+)<', journal(self.folder))
         return int(told[-1]) if told else 0
 
+    def position(self):
+        """Microseconds from the movie's begin, as the desktop is told."""
+        return int(self.property('Position').split()[-1].rstrip('>,)').split(')')[0])
+
     def key(self, *keys):
         subprocess.run(['xdotool', 'windowactivate', '--sync', self.window, 'key', '--clearmodifiers'] + list(keys),
                        check=True)
@@ -259,8 +263,7 @@ def desktop(session, monitor):
     wait_for('paused', lambda: 'Paused' in session.property('PlaybackStatus'))
     assert not session.is_playing()
     session.ask(PLAYER + '.Seek', '--', '20000000')
-    position = int(session.property('Position').split()[-1].rstrip('>,)').split(')')[0])
-    assert position >= 20_000_000, position
+    wait_for('the place that was sought', lambda: session.position() >= 20_000_000)
     track = re.search(r"objectpath '([^']*)'", metadata).group(1)
     session.ask(PLAYER + '.SetPosition', track, '40000000')
     wait_for('the position', lambda: session.frame() == 40 * RATE + 1)
