@@ -118,12 +118,12 @@ def keys(session):
     session.key('space')
     wait_for('going on', session.is_playing)
 
-    # Speed: 400 % takes 5 s of the movie in little more than one.
+    # Speed: 400 % takes 20 s of the movie in little more than five.
     session.key('bracketright', 'bracketright', 'bracketright', 'bracketright')
     first, start = session.frame(), time.monotonic()
-    wait_for('five seconds of the movie', lambda: session.frame() >= first + 5 * RATE)
+    wait_for('twenty seconds of the movie', lambda: session.frame() >= first + 20 * RATE)
     took = time.monotonic() - start
-    assert took < 3.5, took
+    assert took < 14, took
     session.picture('fast')
     session.key('BackSpace')
 
@@ -262,9 +262,12 @@ def desktop(session, monitor):
     session.ask(PLAYER + '.PlayPause')
     wait_for('paused', lambda: 'Paused' in session.property('PlaybackStatus'))
     assert not session.is_playing()
+    track = re.search(r"objectpath '([^']*)'", metadata).group(1)
+    # However far it has come meanwhile: from near its end a seek would go on to the next movie.
+    session.ask(PLAYER + '.SetPosition', track, '0')
+    wait_for('the beginning', lambda: session.position() < 1_000_000)
     session.ask(PLAYER + '.Seek', '--', '20000000')
     wait_for('the place that was sought', lambda: session.position() >= 20_000_000)
-    track = re.search(r"objectpath '([^']*)'", metadata).group(1)
     session.ask(PLAYER + '.SetPosition', track, '40000000')
     wait_for('the position', lambda: session.frame() == 40 * RATE + 1)
     session.ask(PLAYER + '.SetPosition', '/another', '0')
