@@ -92,14 +92,19 @@ def play(session, movie):
     dialog = wait_for('the dialog', lambda: next((window for window, (_, _, title) in session.windows().items()
                                                   if title.startswith('Открыть файл')), None))
     session.picture('open')
-    subprocess.run(['xdotool', 'windowfocus', '--sync', dialog, 'type', '--delay', '1', movie], check=True)
+    typed = -10.0
 
-    # The list of completions that the dialog shows by and by takes the first key for itself.
+    # The list of completions that the dialog shows by and by takes keys for itself.
     def is_open():
+        nonlocal typed
         if dialog in session.windows():
+            if time.monotonic() - typed > 4:
+                session.key('ctrl+a', window=dialog)
+                subprocess.run(['xdotool', 'type', '--delay', '1', movie], check=True)
+                typed = time.monotonic()
             session.key('Return', window=dialog)
         return 'movie.swf)... ' in session.log()
-    wait_for('the movie to be opened', is_open)
+    wait_for('the movie to be opened', is_open, 60)
     wait_for('the movie to run', lambda: session.frame() > 3)
     session.picture('playing')
 

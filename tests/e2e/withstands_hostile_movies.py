@@ -24,7 +24,7 @@ SECONDS = 1.5
 # So many movies at the same time, each on a display of its own: for most of them the test waits.
 SIDE_BY_SIDE = 2
 # What a machine that does other things as well may take longer.
-WINDOW_WITHIN, END_WITHIN, MENU_WITHIN, NEXT_WITHIN = 3.0, 1.5, 0.6, 8.0
+WINDOW_WITHIN, END_WITHIN, MENU_WITHIN, NEXT_WITHIN = 3.0, 1.5, 0.6, 15.0
 MOST_MEMORY_MB = 1200
 SHARE = 'ZORVEX_HOSTILE_SHARE'
 INSIDE = os.environ.get('ZORVEX_ONE_PROCESS') == '1'
@@ -378,7 +378,8 @@ def check(name, folder, home, movie, acts, questions, following, picture=None):
         ('ends late', took > END_WITHIN),
         ('settings not saved', ' :: Save Options' not in log),
         ('no last line', '<B>Quit: Query Unload by' not in log)) if wrong]
-    assert not problems, line + ' ' + str(problems)
+    if problems:
+        raise AssertionError(line, problems)
     return line
 
 
@@ -424,7 +425,7 @@ def play_share(program_folder, swfc, scratch, movies, late=None):
         try:
             print(check(name, folder, home, movie, acts, questions, following, os.path.join(scratch, name + '.png')))
         except AssertionError as complaint:
-            if late is not None and str(complaint).endswith("['menu late']"):
+            if late is not None and complaint.args[1:] and all('late' in what for what in complaint.args[1]):
                 # Beside others: it is looked at once more, alone.
                 late.write(name + '\n')
                 print('late %s: %s' % (name, complaint))

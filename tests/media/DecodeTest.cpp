@@ -6,7 +6,7 @@
 #include "media/Projector.h"
 #include "media/UrlEncode.h"
 
-#include <chrono>
+#include <ctime>
 #include <gtest/gtest.h>
 
 namespace media
@@ -203,9 +203,9 @@ TEST(FindAnyMovie, LooksAtNoMoreThanItsBudget)
     const ByteVector bomb = withHeader("CWS", 6, 50'000'008, CompressData(tags, 9).value());
     ByteVector file = projector(bomb);
     for (int i = 0; i < 300; ++i) file.insert(file.end(), bomb.begin(), bomb.end());
-    const auto begin = std::chrono::steady_clock::now();
+    const std::clock_t begin = std::clock(); // of this process: others may have the machine meanwhile
     EXPECT_FALSE(findAnyMovie(file));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 20);
 }
 
 TEST(CacheName, FlattensEitherKindOfPath)
