@@ -1,5 +1,7 @@
 #include "flash/vm/AtomTable.h"
 
+#include <algorithm>
+
 namespace flash::vm
 {
 
@@ -93,9 +95,9 @@ Name AtomTable::intern(std::string_view latin1)
     return intern(text);
 }
 
-Name AtomTable::intern(String* string)
+Name AtomTable::internNew(String* string)
 {
-    if (string->m_name == nullptr) string->m_name = intern(string->view()).cell();
+    string->m_name = intern(string->view()).cell();
     return Name(string->m_name);
 }
 
@@ -127,8 +129,23 @@ bool AtomTable::noteNodeName(std::u16string_view text)
     m_nodeNames.push_back(Name(cell));
     if (m_nodeNames.size() < kMaxNodeNames) return wasKnown;
     m_anyMayBeNodeName = true;
-    m_nodeNames->clear();
+    clearNodeNames();
     return true;
+}
+
+void AtomTable::clearNodeNames()
+{
+    for (const Name name : m_nodeNames) name.cell()->m_isNodeName = false;
+    m_nodeNames->clear();
+    m_nodeNames->shrink_to_fit();
+}
+
+void AtomTable::renewNodeNames(const std::function<void()>& noteAll)
+{
+    clearNodeNames();
+    m_anyMayBeNodeName = false;
+    noteAll();
+    m_manyNodeNames = std::max(kFewNodeNames, 2 * m_nodeNames.size());
 }
 
 void AtomTable::dropUnmarked()

@@ -2,6 +2,7 @@
 
 #include "flash/vm/String.h"
 
+#include <functional>
 #include <unordered_map>
 
 namespace flash::vm
@@ -18,7 +19,10 @@ public:
 
     Name intern(std::u16string_view text);
     Name intern(std::string_view latin1);
-    Name intern(String* string);
+    Name intern(String* string)
+    {
+        return string->atom() != nullptr ? Name(string->atom()) : internNew(string);
+    }
     Name fromIndex(std::uint32_t index);
     /// The text of one UTF-16 unit.
     Name fromUnit(char16_t unit);
@@ -26,11 +30,19 @@ public:
     /// Some instance of the stage got this name: what looks names up among them must do so from now on.
     /// @returns whether the name was known already as something else: caches may hold that nothing has it
     bool noteNodeName(std::u16string_view text);
-    /// @returns whether an instance may ever have had the name, in whatever case.
+    /// @returns whether an instance may have the name, in whatever case.
     [[nodiscard]] bool mayBeNodeName(Name name) const
     {
         return m_anyMayBeNodeName || name.cell()->m_folded->m_isNodeName;
     }
+    /// @returns whether so many names came that a look at which of them are still in use is worth its while.
+    [[nodiscard]] bool hasManyNodeNames() const
+    {
+        return m_anyMayBeNodeName || m_nodeNames.size() >= m_manyNodeNames;
+    }
+    /// Forgets the names that instances had. To be called where all that has a name can be found.
+    /// @param noteAll is to call noteNodeName() for each instance that there is
+    void renewNodeNames(const std::function<void()>& noteAll);
 
     /// @returns the text in lower case, as names are folded: letters of Latin, Greek and Cyrillic.
     static std::u16string fold(std::u16string_view text);
@@ -51,14 +63,17 @@ private:
             return std::hash<std::u16string_view>{}(text);
         }
     };
+    Name internNew(String* string);
     void dropUnmarked();
-    static constexpr std::size_t kMaxNodeNames = 50000;
+    void clearNodeNames();
+    static constexpr std::size_t kMaxNodeNames = 50000, kFewNodeNames = 2000;
     static constexpr std::size_t kKeptUnits = 256;
 
     Heap& m_heap;
     std::unordered_map<std::u16string_view, Atom*> m_table; // the views point into the names' own text
     Common m_common;
     RootedList<Name> m_nodeNames;
+    std::size_t m_manyNodeNames = kFewNodeNames;
     bool m_anyMayBeNodeName = false; // too many to remember
     RootedList<Name> m_units;        // texts of one unit, the first 256
 };

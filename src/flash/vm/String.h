@@ -27,6 +27,8 @@ public:
     /// UTF-16 units.
     [[nodiscard]] std::size_t length() const { return m_length; }
     [[nodiscard]] bool isEmpty() const { return m_length == 0; }
+    /// @returns the interned twin; null when it was not asked for yet (AtomTable::intern()).
+    [[nodiscard]] Atom* atom() const { return m_name; }
 
     void trace(Tracer& tracer) override;
 

@@ -119,6 +119,24 @@ void StageBinding::installFlashPackage()
     installLibrary(*this, flash);
 }
 
+template <class Visitor>
+void StageBinding::forEachNode(Visitor&& visitor)
+{
+    if (!m_stage) return;
+    const auto visit = [&](auto&& self, stage::Node& node) -> void {
+        visitor(node);
+        for (const stage::NodePtr& child : node.children()) self(self, *child);
+    };
+    for (const auto& [number, root] : m_stage->displayList().levels()) visit(visit, *root);
+    for (const auto& clip : m_stage->displayList().clips()) visitor(*clip);
+}
+
+void StageBinding::renewNodeNames()
+{
+    m_vm->names().renewNodeNames(
+        [this] { forEachNode([this](const stage::Node& node) { m_events.nodeNamed(node.name()); }); });
+}
+
 void StageBinding::traceNodes(Tracer& tracer)
 {
     for (Atom* name : m_state->keptNames) tracer(name);
@@ -130,13 +148,7 @@ void StageBinding::traceNodes(Tracer& tracer)
     tracer(m_state->prototypes.button);
     tracer(m_state->prototypes.textField);
     tracer(m_state->prototypes.video);
-    if (!m_stage) return;
-    const auto visit = [&](auto&& self, stage::Node& node) -> void {
-        tracer(NodeObject::objectOf(node));
-        for (const stage::NodePtr& child : node.children()) self(self, *child);
-    };
-    for (const auto& [number, root] : m_stage->displayList().levels()) visit(visit, *root);
-    for (const auto& clip : m_stage->displayList().clips()) tracer(NodeObject::objectOf(*clip));
+    forEachNode([&](const stage::Node& node) { tracer(NodeObject::objectOf(node)); });
 }
 
 StageBinding& StageBinding::of(Call& call) { return of(call.vm); }

@@ -90,6 +90,8 @@ public:
     void unwatchStream(const NetStream& stream);
     /// No stream plays into it any more.
     void detachScreen(const stage::VideoNode& screen);
+    /// Goes through all instances for their names. Not while one is being placed.
+    void renewNodeNames();
     void callHandler(Object* object, std::string_view handler, std::initializer_list<Value> args = {});
     Value utf8(std::string_view text);
     static std::string toUtf8(std::u16string_view text);
@@ -117,6 +119,9 @@ private:
     void installClasses();
     void installFlashPackage();
     void traceNodes(Tracer& tracer);
+    /// All that stand on the stage or are about to leave it.
+    template <class Visitor>
+    void forEachNode(Visitor&& visitor);
 
     stage::Services m_services;
     BindingInputs m_inputs;

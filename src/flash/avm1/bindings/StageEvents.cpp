@@ -332,6 +332,8 @@ void StageEvents::frameEnded()
 {
     m_binding.reportSounds();
     stage().queue().run();
+    // Between frames every instance stands in its place.
+    if (vm().names().hasManyNodeNames()) m_binding.renewNodeNames();
     vm().collectIfDue();
 }
 
