@@ -1,6 +1,7 @@
 #include "flash/avm1/bindings/ClipHost.h"
 
 #include "base/TextCodes.h"
+#include "flash/avm1/bindings/NodeObject.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/guard/Guard.h"
 #include "flash/stage/Button.h"
@@ -77,7 +78,13 @@ std::uint32_t ClipHost::random()
 }
 double ClipHost::realTimeMs() { return m_binding.inputs().realTimeMs ? m_binding.inputs().realTimeMs() : 0; }
 
-bool ClipHost::isClip(Object* object) { return m_binding.clipOf(object) != nullptr; }
+bool ClipHost::isClip(Object* object)
+{
+    // Asked at every call and after it.
+    if (!object || object->exotic() != Exotic::Node) return false;
+    return stage::asClip(static_cast<NodeObject*>(object->nativeBase())->live()) != nullptr;
+}
+
 bool ClipHost::isStageObject(Object* object) { return m_binding.nodeOf(object) != nullptr; }
 
 Object* ClipHost::parent(Object* object)

@@ -40,9 +40,8 @@ void NodeObject::leave(Vm& vm)
     m_self->define(vm, vm.name(std::string_view()), Value(), kBuiltIn);
 }
 
-stage::Node* NodeObject::live()
+stage::Node* NodeObject::atItsPath()
 {
-    if (!isGone()) return m_node.get();
     if (m_path.empty()) return nullptr;
     // A script's reference to a thing of the stage is by its path: another one of that name takes the place
     // of one that has gone.

@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] const stage::NodePtr& node() const { return m_node; }
     /// The instance or, when it is gone, the clip that stands at its path now; may be null.
-    [[nodiscard]] stage::Node* live();
+    [[nodiscard]] stage::Node* live() { return isGone() ? atItsPath() : m_node.get(); }
     /// Remembers the path of an instance that is about to go, or to get another name.
     void keepPath();
     [[nodiscard]] bool isRenamed() const { return !m_path.empty(); }
@@ -52,6 +52,7 @@ public:
     Value primitive(Vm& vm, Object& self) override;
 
 private:
+    stage::Node* atItsPath();
     bool lookUp(Vm& vm, Name name, Value& result);
     void noteScriptSetting(Vm& vm, Name name, Value value);
     StageBinding& m_binding;

@@ -14,7 +14,9 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 double argument(Call& call, std::size_t index)
 {
-    return index < call.count() ? toNumber(call.vm, call.arg(index)) : kNaN;
+    if (index >= call.count()) return kNaN;
+    const Value value = call.args[index];
+    return value.isNumber() ? value.number() : toNumber(call.vm, value);
 }
 
 template <double (*function)(double)>

@@ -73,18 +73,27 @@ String* selfCell(Call& call)
     return toString(call.vm, call.self);
 }
 
+/// @returns the first argument as a place in a text.
+std::int32_t placeIn(Call& call)
+{
+    const Value value = call.arg(0);
+    constexpr double kMax = 0x7FFF'FFFF;
+    const bool fits = value.isNumber() && value.number() >= 0 && value.number() <= kMax;
+    return fits ? static_cast<std::int32_t>(value.number()) : toInt32(call.vm, value);
+}
+
 Value charAt(Call& call)
 {
     const std::u16string_view text = selfCell(call)->view();
-    const std::int32_t index = toInt32(call.vm, call.arg(0));
-    if (index < 0 || static_cast<std::size_t>(index) >= text.size()) return call.vm.string("");
+    const std::int32_t index = placeIn(call);
+    if (index < 0 || static_cast<std::size_t>(index) >= text.size()) return call.vm.common().empty.string();
     return call.vm.string(text[static_cast<std::size_t>(index)]);
 }
 
 Value charCodeAt(Call& call)
 {
     const std::u16string_view text = selfCell(call)->view();
-    const std::int32_t index = toInt32(call.vm, call.arg(0));
+    const std::int32_t index = placeIn(call);
     // Texts of version 5 end in a NUL byte, which is what stands beyond them.
     if (index < 0 || static_cast<std::size_t>(index) >= text.size())
         return Value(index >= 0 && call.vm.version() < 6 ? 0.0 : std::nan(""));

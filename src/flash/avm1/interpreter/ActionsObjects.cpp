@@ -1,5 +1,5 @@
 #include "flash/avm1/interpreter/Actions.h"
-#include "flash/avm1/interpreter/Interpreter.h"
+#include "flash/avm1/interpreter/CacheHits.h"
 
 #include <algorithm>
 
@@ -16,14 +16,14 @@ class StackedArguments
 public:
     explicit StackedArguments(Frame& frame) : m_frame(frame)
     {
-        const double count = avm1::toNumber(frame.vm, frame.pop());
-        const auto present = static_cast<double>(frame.operandCount());
-        // More arguments than operands: those that are there.
-        m_count = count > 0 ? static_cast<std::size_t>(std::min(count, present)) : 0;
+        const Value said = frame.pop();
+        const double count = said.isNumber() ? said.number() : avm1::toNumber(frame.vm, said);
         constexpr double kMaxRequested = 65535;
         m_wanted = count > 0 ? static_cast<std::size_t>(std::min(count, kMaxRequested)) : 0;
+        // More arguments than operands: those that are there.
+        m_count = std::min(m_wanted, frame.operandCount());
         // The first argument is pushed last.
-        std::reverse(frame.top - m_count, frame.top);
+        if (m_count > 1) std::reverse(frame.top - m_count, frame.top);
     }
     ~StackedArguments() { m_frame.top -= m_count; }
     StackedArguments(const StackedArguments&) = delete;
@@ -39,7 +39,7 @@ private:
 };
 
 /// A method without a name is the object itself, called.
-bool isNoName(Value key, Name name) { return key.isUndefined() || name.view().empty(); }
+bool isNoName(Value key, Name name) { return key.isUndefined() || name.string()->isEmpty(); }
 
 /// What a method of a primitive sees as `this`: natives the value itself, scripts an object around it.
 Value receiverFor(Vm& vm, Value base, Value method)
@@ -84,8 +84,8 @@ void putLocal(Frame& frame, Name name, Value value)
 
 void getVariable(Frame& frame, const Instruction& instruction)
 {
-    const Value key = frame.pop();
-    frame.push(Interpreter::getVariableCached(frame, key, instruction.b));
+    const Name name = nameOfKey(frame.vm, frame.pop());
+    frame.push(Interpreter::getVariableCached(frame, name, instruction.b));
 }
 
 void setVariable(Frame& frame, const Instruction& instruction)
@@ -170,7 +170,7 @@ void initObject(Frame& frame, const Instruction&)
 
 void newObject(Frame& frame, const Instruction& instruction)
 {
-    const Value name = Value(avm1::toName(frame.vm, frame.pop()).string());
+    const Name name = nameOfKey(frame.vm, frame.pop());
     Value result;
     {
         const StackedArguments args(frame);
@@ -198,7 +198,7 @@ void newMethod(Frame& frame, const Instruction&)
 
 void callFunction(Frame& frame, const Instruction& instruction)
 {
-    const Value name = Value(avm1::toName(frame.vm, frame.pop()).string());
+    const Name name = nameOfKey(frame.vm, frame.pop());
     Value result;
     {
         const StackedArguments args(frame);
@@ -215,15 +215,18 @@ void callMethod(Frame& frame, const Instruction& instruction)
     Vm& vm = frame.vm;
     const Value key = frame.pop();
     const Value base = frame.pop();
-    const Name name = key.isUndefined() ? vm.common().empty : avm1::toName(vm, key);
+    const Name name = key.isUndefined() ? vm.common().empty : nameOfKey(vm, key);
     Value result;
     {
         const StackedArguments args(frame);
         if (isNoName(key, name)) {
             result = Interpreter::invoke(vm, base, Value(), args.values());
         } else {
-            Object* holder = nullptr;
-            const Value method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);
+            const InlineCache& cache = frame.code->cache(instruction.b);
+            Object* holder = cachedMember(cache, vm, base, key);
+            Value method = holder == nullptr ? Value() : holder->slot(cache.slot);
+            if (method.isUndefined())
+                method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);
             Value self = base;
             // To version 6 a method is one of the object's own class, wherever it was found.
             if (frame.version < 7) holder = nullptr;

@@ -3,7 +3,6 @@
 #include "flash/avm1/interpreter/Object.h"
 #include "flash/swf/Movie.h"
 
-#include <deque>
 #include <memory>
 #include <optional>
 #include <span>
@@ -76,6 +75,8 @@ struct FunctionHead {
         PreloadParent = 1 << 7,
         PreloadGlobal = 1 << 8,
     };
+    static constexpr unsigned kPreloads =
+        PreloadThis | PreloadArguments | PreloadSuper | PreloadRoot | PreloadParent | PreloadGlobal;
     struct Parameter {
         Name name;
         std::uint8_t registerNumber = 0; ///< 0: a variable
@@ -130,12 +131,15 @@ public:
     /// What keeps the bytes alive: the movie; null for the engine's own.
     [[nodiscard]] const std::shared_ptr<const void>& owner() const { return m_owner; }
     [[nodiscard]] const Body& body() const { return m_body; }
-    const Body& bodyOf(FunctionCode& function);
+    const Body& bodyOf(FunctionCode& function) { return function.body ? *function.body : decoded(function); }
     [[nodiscard]] Value literal(std::uint32_t index) const { return m_literals[index]; }
     [[nodiscard]] FunctionCode& function(std::uint32_t index) { return *m_functions[index]; }
     [[nodiscard]] const TryHead& tryHead(std::uint32_t index) const { return m_tries[index]; }
     [[nodiscard]] const ConstantPool& pool(std::uint32_t index) const { return *m_pools[index]; }
-    [[nodiscard]] InlineCache& cache(std::uint32_t index) { return m_caches[index]; }
+    [[nodiscard]] InlineCache& cache(std::uint32_t index)
+    {
+        return m_caches[index / kCachesPerPiece][index % kCachesPerPiece];
+    }
 
     void trace(Tracer& tracer) override;
     /// Forgets what caches name and nothing else holds. To be called between marking and sweeping.
@@ -151,9 +155,13 @@ private:
     std::vector<std::unique_ptr<FunctionCode>> m_functions;
     std::vector<TryHead> m_tries;
     std::vector<std::unique_ptr<ConstantPool>> m_pools;
+    const Body& decoded(FunctionCode& function);
+    std::uint32_t addCache();
     // Whoever fills one may call a script that jumps on in this very code, which adds others: they stay in
     // place.
-    std::deque<InlineCache> m_caches;
+    static constexpr std::uint32_t kCachesPerPiece = 8;
+    std::vector<std::unique_ptr<InlineCache[]>> m_caches;
+    std::uint32_t m_cacheCount = 0;
     Body m_body;
 };
 

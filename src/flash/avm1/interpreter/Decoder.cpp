@@ -81,11 +81,7 @@ private:
         m_code.m_literals.push_back(value);
         return static_cast<std::uint32_t>(m_code.m_literals.size() - 1);
     }
-    std::uint32_t cache()
-    {
-        m_code.m_caches.emplace_back();
-        return static_cast<std::uint32_t>(m_code.m_caches.size() - 1);
-    }
+    std::uint32_t cache() { return m_code.addCache(); }
     Name text(base::ByteReader& reader);
     std::int64_t skipActions(std::uint32_t from, int count) const;
 
@@ -346,20 +342,25 @@ Code::Code(Vm& vm, std::shared_ptr<const void> owner, base::Bytes bytes, int ver
     Decoder(*this, vm, m_body);
 }
 
-const Body& Code::bodyOf(FunctionCode& function)
+const Body& Code::decoded(FunctionCode& function)
 {
-    if (!function.body) {
-        // Bodies are decoded at their first call: many functions of a library are never called.
-        Body body;
-        body.start = function.head.bodyStart;
-        body.end = function.head.bodyEnd;
-        Decoder(*this, m_vm, body);
-        // Parameters without a register are variables, too.
-        for (const FunctionHead::Parameter& parameter : function.head.parameters)
-            body.needsActivation |= parameter.registerNumber == 0;
-        function.body = std::move(body);
-    }
+    // Bodies are decoded at their first call: many functions of a library are never called.
+    Body body;
+    body.start = function.head.bodyStart;
+    body.end = function.head.bodyEnd;
+    Decoder(*this, m_vm, body);
+    // Parameters without a register are variables, too.
+    for (const FunctionHead::Parameter& parameter : function.head.parameters)
+        body.needsActivation |= parameter.registerNumber == 0;
+    function.body = std::move(body);
     return *function.body;
+}
+
+std::uint32_t Code::addCache()
+{
+    if (m_cacheCount % kCachesPerPiece == 0)
+        m_caches.push_back(std::make_unique<InlineCache[]>(kCachesPerPiece));
+    return m_cacheCount++;
 }
 
 void Code::trace(Tracer& tracer)
@@ -378,7 +379,8 @@ void Code::trace(Tracer& tracer)
 void Code::dropDeadCaches()
 {
     const auto isLive = [](const Cell* cell) { return cell == nullptr || Heap::isMarked(cell); };
-    for (InlineCache& cache : m_caches) {
+    for (std::uint32_t number = 0; number < m_cacheCount; ++number) {
+        InlineCache& cache = this->cache(number);
         if (cache.epoch == 0) continue;
         bool live = isLive(cache.name) && isLive(cache.holder) && isLive(cache.next);
         for (std::size_t i = 0; live && i < cache.count; ++i) {

@@ -1,4 +1,4 @@
-#include "flash/avm1/interpreter/Interpreter.h"
+#include "flash/avm1/interpreter/CacheHits.h"
 
 // Members and variables through the inline caches: what a place of the code found last time is found again
 // without a look-up, as long as the objects look the same and nothing that others look through has changed
@@ -92,29 +92,6 @@ void putAndFill(InlineCache& cache, Vm& vm, Object* object, Name name, Value val
     cache.count = 1;
     cache.next = after;
     succeeded(cache, name, object, {Where::Slot, object, before->slotCount(), 0});
-}
-
-/// @returns the object that a scope is; null past the last one, and where there is none.
-Object* objectOf(const Frame& frame, const Scope& scope)
-{
-    return scope.kind == Scope::Kind::Target ? frame.variableTarget() : scope.object;
-}
-
-/// @returns the object that has the variable, or null when the cache does not know.
-Object* cachedVariable(const InlineCache& cache, Frame& frame, Name name)
-{
-    Vm& vm = frame.vm;
-    if (cache.epoch != vm.epoch() || cache.name != name.cell()) return nullptr;
-    const Scope* scope = frame.scope;
-    Object* object = nullptr;
-    for (std::size_t i = 0; i < cache.count; ++i) {
-        const bool isGlobal = cache.inGlobal && i + 1U == cache.count;
-        if (isGlobal != (scope == nullptr)) return nullptr;
-        object = isGlobal ? vm.global() : objectOf(frame, *scope);
-        if (object == nullptr || !cache.guards[i].admits(*object)) return nullptr;
-        if (scope != nullptr) scope = scope->outer;
-    }
-    return object;
 }
 
 /// @returns the object that has the variable; null when that cannot be remembered.
@@ -242,11 +219,10 @@ void Interpreter::setMemberCached(Frame& frame, Value base, Value key, Value val
     object->put(vm, avm1::toName(vm, key), value);
 }
 
-Value Interpreter::getVariableCached(Frame& frame, Value key, std::uint32_t cacheIndex, Object** thisOfCall)
+Value Interpreter::getVariableCached(Frame& frame, Name name, std::uint32_t cacheIndex, Object** thisOfCall)
 {
-    const Name name = avm1::toName(frame.vm, key);
     InlineCache& cache = frame.code->cache(cacheIndex);
-    Object* object = cachedVariable(cache, frame, name);
+    Object* object = cachedVariable(cache, frame, name.cell());
     if (object == nullptr) object = fillVariable(cache, frame, name);
     if (object == nullptr) return getVariable(frame, name, thisOfCall);
     if (thisOfCall != nullptr) *thisOfCall = cache.inGlobal ? nullptr : object;
@@ -258,7 +234,7 @@ void Interpreter::setVariableCached(Frame& frame, Name name, Value value, std::u
     // A function's own `this` has no slot.
     if (frame.callee != nullptr && name == frame.vm.common().self) return setVariable(frame, name, value);
     InlineCache& cache = frame.code->cache(cacheIndex);
-    Object* object = cachedVariable(cache, frame, name);
+    Object* object = cachedVariable(cache, frame, name.cell());
     if (object == nullptr) object = fillAssignedVariable(cache, frame, name);
     if (object == nullptr || object->hasWatches()) return setVariable(frame, name, value);
     object->setSlot(cache.slot, value);

@@ -199,7 +199,7 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     } else {
         frame.scope = outer;
     }
-    if (head.hasRegisters) preload(frame, head);
+    if ((head.flags & FunctionHead::kPreloads) != 0) preload(frame, head);
     for (std::size_t i = 0; i < head.parameters.size(); ++i) {
         const FunctionHead::Parameter& parameter = head.parameters[i];
         const Value value = i < args.size() ? args[i] : Value();

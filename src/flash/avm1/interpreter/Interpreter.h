@@ -144,7 +144,7 @@ struct Interpreter {
     static void setMemberCached(Frame& frame, Value base, Value key, Value value, std::uint32_t cache);
 
     static Value getVariable(Frame& frame, Name name, Object** thisOfCall = nullptr);
-    static Value getVariableCached(Frame& frame, Value key, std::uint32_t cache,
+    static Value getVariableCached(Frame& frame, Name name, std::uint32_t cache,
                                    Object** thisOfCall = nullptr);
     static void setVariableCached(Frame& frame, Name name, Value value, std::uint32_t cache);
     static void setVariable(Frame& frame, Name name, Value value);

@@ -1,5 +1,5 @@
 #include "flash/avm1/interpreter/Actions.h"
-#include "flash/avm1/interpreter/Interpreter.h"
+#include "flash/avm1/interpreter/CacheHits.h"
 
 #include <utility>
 
@@ -173,9 +173,17 @@ decrement:
     NEXT;
 
 getVariable:
-    if (top == base) goto viaTable;
+    if (top == base || !top[-1].isString()) goto viaTable;
+    {
+        const Atom* const name = top[-1].string()->atom();
+        const InlineCache& cache = frame.code->cache(current->b);
+        if (Object* const object = cachedVariable(cache, frame, name)) {
+            top[-1] = cache.holderOr(object)->slot(cache.slot);
+            NEXT;
+        }
+    }
     LEAVE;
-    top[-1] = getVariableCached(frame, top[-1], current->b);
+    top[-1] = getVariableCached(frame, vm.m_names.intern(top[-1].string()), current->b);
     goto afterCall;
 
 setVariable:
@@ -187,6 +195,12 @@ setVariable:
 
 getMember : {
     if (top - base < 2) goto viaTable;
+    const InlineCache& cache = frame.code->cache(current->b);
+    if (const Object* const holder = cachedMember(cache, vm, top[-2], top[-1])) [[likely]] {
+        --top;
+        top[-1] = holder->slot(cache.slot);
+        NEXT;
+    }
     LEAVE;
     const Value result = getMemberCached(frame, top[-2], top[-1], current->b);
     --top;
@@ -194,12 +208,19 @@ getMember : {
     goto afterCall;
 }
 
-setMember:
+setMember : {
     if (top - base < 3) goto viaTable;
+    const InlineCache& cache = frame.code->cache(current->b);
+    if (Object* const object = cachedAssignment(cache, vm, top[-3], top[-2])) [[likely]] {
+        object->setSlot(cache.slot, top[-1]);
+        top -= 3;
+        NEXT;
+    }
     LEAVE;
     setMemberCached(frame, top[-3], top[-2], top[-1], current->b);
     top -= 3;
     goto afterCall;
+}
 
 callFunction:
     LEAVE;

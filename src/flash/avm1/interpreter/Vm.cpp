@@ -75,9 +75,8 @@ void Vm::dropDeadCaches()
     m_stringClass.epoch = m_stringPrototype.epoch = 0;
 }
 
-Value PropertyCache::get(Vm& vm, Object& object, Name name)
+Value PropertyCache::look(Vm& vm, Object& object, Name name)
 {
-    if (epoch == vm.epoch() && shape == object.shape()) return object.slot(slot);
     Caching caching;
     const Object::Found found = object.find(vm, name, caching);
     if (found.where != Object::Found::Where::Slot || found.holder != &object) return {};
@@ -183,8 +182,6 @@ bool Vm::takesText(std::size_t units)
 }
 
 void Vm::abortScript(std::string_view why) { Interpreter::abort(*this, why); }
-
-void Vm::throwValue(Value value) { Interpreter::throwValue(*this, value); }
 
 void Vm::reportUncaught()
 {

@@ -24,7 +24,10 @@ struct PropertyCache {
     std::uint32_t slot = 0;
     std::uint32_t epoch = 0;
     /// @returns the value; undefined when there is no plain one
-    Value get(Vm& vm, Object& object, Name name);
+    inline Value get(Vm& vm, Object& object, Name name);
+
+private:
+    Value look(Vm& vm, Object& object, Name name);
 };
 
 /// Prototypes of the built-in classes that natives need to make instances.
@@ -86,8 +89,6 @@ public:
     /// Calls a constructor with an existing object as `this`; for clips of registered classes.
     void constructOn(Object* object, Function* constructor, std::span<const Value> args);
 
-    /// Script throw from a native function: set, then return.
-    void throwValue(Value value);
     /// @returns whether a native that calls script in a loop must return at once: an exception is on its way,
     /// or the script is being stopped.
     /// Counts a native's work towards the next look at the clock: a loop around something slow must be seen
@@ -284,5 +285,10 @@ public:
     bool removeTimer(int id) { return m_timers.erase(id) > 0; }
     void removeTimers() { m_timers.clear(); }
 };
+
+inline Value PropertyCache::get(Vm& vm, Object& object, Name name)
+{
+    return epoch == vm.epoch() && shape == object.shape() ? object.slot(slot) : look(vm, object, name);
+}
 
 } // namespace flash::avm1
