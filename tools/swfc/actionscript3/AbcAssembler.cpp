@@ -2,12 +2,11 @@
 
 #include "swfc/actionscript3/AbcFile.h"
 #include "swfc/actionscript3/AbcNames.h"
+#include "swfc/actionscript3/AssemblyWords.h"
 
 #include "flash/avm2/abc/Opcodes.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <set>
@@ -30,16 +29,13 @@ constexpr Instruction kInstructions[] = {
 #undef AVM2_ROW
 };
 
-constexpr std::uint32_t kMaxNumber = (1U << 30U) - 1; ///< of a class or a method
 constexpr std::uint32_t kMaxMethods = 65536;
 
-std::string_view withoutMark(std::string_view word) { return word.starts_with('#') ? word.substr(1) : word; }
-
-class AbcAssembler
+class AbcAssembler : AssemblyWords
 {
 public:
     AbcAssembler(const SourceText& source, Diagnostics& diagnostics)
-        : m_source(source), m_diagnostics(diagnostics)
+        : AssemblyWords(diagnostics), m_source(source)
     {
     }
 
@@ -77,81 +73,11 @@ private:
         Position where;
     };
 
-    void error(const std::string& message) { m_diagnostics.error(m_where, message); }
-    void expected(const std::string& what)
-    {
-        error("expected " + what + ", found '" + std::string(m_word) + "'");
-    }
-
-    // words
-    std::string_view word()
-    {
-        while (!m_rest.empty() && (m_rest.front() == ' ' || m_rest.front() == '\t' || m_rest.front() == '\r'))
-            m_rest.remove_prefix(1);
-        std::size_t length = 0;
-        if (!m_rest.empty() && m_rest.front() == '"') {
-            length = 1;
-            while (length < m_rest.size() && m_rest[length] != '"') length += m_rest[length] == '\\' ? 2 : 1;
-            length = std::min(length + 1, m_rest.size());
-        } else {
-            while (length < m_rest.size() && m_rest[length] != ' ' && m_rest[length] != '\t' &&
-                   m_rest[length] != '\r')
-                ++length;
-        }
-        m_word = m_rest.substr(0, length);
-        m_rest.remove_prefix(length);
-        return m_word;
-    }
-    std::string_view peekWord()
-    {
-        const std::string_view rest = m_rest;
-        const std::string_view found = word();
-        m_rest = rest;
-        return found;
-    }
-    bool acceptWord(std::string_view text)
-    {
-        if (peekWord() != text) return false;
-        word();
-        return true;
-    }
-    std::int64_t integer()
-    {
-        const std::string_view text = withoutMark(word());
-        std::int64_t value = 0;
-        const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (read.ec != std::errc() || read.ptr != text.data() + text.size()) expected("a number");
-        return value;
-    }
-    std::uint32_t count()
-    {
-        const std::int64_t value = integer();
-        if (value < 0 || value > kMaxNumber) expected("a number of at most 30 bits");
-        return static_cast<std::uint32_t>(std::clamp<std::int64_t>(value, 0, kMaxNumber));
-    }
     std::uint32_t methodNumber()
     {
         const std::uint32_t number = count();
         m_methodsUsed.push_back(number);
         return number;
-    }
-    std::string text()
-    {
-        const std::string_view quoted = word();
-        std::string value;
-        if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') {
-            expected("a text in quotation marks");
-            return value;
-        }
-        for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
-            if (quoted[i] == '\\' && i + 2 < quoted.size()) {
-                ++i;
-                value += quoted[i] == 'n' ? '\n' : quoted[i] == 't' ? '\t' : quoted[i];
-            } else {
-                value += quoted[i];
-            }
-        }
-        return value;
     }
     std::uint32_t name(std::string_view written)
     {
@@ -279,15 +205,6 @@ private:
             static_cast<double>(static_cast<std::int32_t>(std::clamp(value, -2147483648.0, 2147483647.0))))
             return {0x03, m_abc.integer(static_cast<std::int32_t>(value))};
         return {0x06, m_abc.number(value)};
-    }
-
-    double number()
-    {
-        const std::string written(word());
-        char* end = nullptr;
-        const double value = std::strtod(written.c_str(), &end);
-        if (written.empty() || *end != '\0') expected("a number");
-        return value;
     }
 
     // methods
@@ -491,10 +408,7 @@ private:
         Position where;
     };
     const SourceText& m_source;
-    Diagnostics& m_diagnostics;
     AbcFile m_abc;
-    Position m_where;
-    std::string_view m_rest, m_word;
     In m_in = In::Nothing;
     abc::Body m_body;
     std::vector<std::uint8_t> m_code;
