@@ -332,7 +332,7 @@ TextFormatObject& makeTextFormat(Vm& vm, Object& object)
     definePrototype(vm);
     // A function without any property, not even those that all functions have.
     Function* extent = vm.newFunction(&getTextExtent);
-    extent->changeFlags(vm, Name(), 0, kHidden);
+    extent->changeFlags(vm, Name(), 0, kHidden | kVersionMask);
     extent->deletePlain(vm, vm.common().constructor);
     extent->deletePlain(vm, vm.common().proto);
     object.define(vm, "getTextExtent", Value(extent));
