@@ -2,7 +2,7 @@
 #include "TagMutator.h"
 
 // A whole movie, played and drawn while a user clicks and types. The first bytes are what the user does, the
-// rest is the movie.
+// last of them the code of the movie's texts, too; the rest is the movie.
 
 namespace
 {
@@ -13,7 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < kInputBytes) return 0;
     const base::Bytes all(data, size);
-    fuzz::play(all.subspan(kInputBytes), all.first(kInputBytes));
+    const char* const textCode = fuzz::kTextCodes[data[kInputBytes - 1] % std::size(fuzz::kTextCodes)];
+    fuzz::play(all.subspan(kInputBytes), all.first(kInputBytes), {}, false, textCode);
     return 0;
 }
 

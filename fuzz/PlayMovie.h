@@ -28,6 +28,10 @@ private:
     std::chrono::steady_clock::time_point m_end = std::chrono::steady_clock::now() + kScripts;
 };
 
+/// 8-bit codes of old movies, the common kinds of them.
+inline constexpr const char* kTextCodes[] = {
+    "", flash::Engine::Options::kAutomaticTextCode.data(), "Shift-JIS", "GBK", "EUC-KR", "KOI8-R", "Latin-1"};
+
 /// Fonts need a Qt application, which needs no display.
 inline void startQt()
 {
@@ -56,8 +60,9 @@ inline void doInput(flash::stage::Stage& stage, unsigned byte, unsigned x, unsig
 /// @param input three bytes for each thing that the user does, one thing a frame
 /// @param query what stands behind the movie's address
 /// @param collectAlways with a collection wherever one may happen
+/// @param textCode as Engine::Options::textCode
 inline void play(base::Bytes movie, base::Bytes input, const std::string& query = {},
-                 bool collectAlways = false)
+                 bool collectAlways = false, const char* textCode = "")
 {
     constexpr int kFrames = 8, kLongestSide = 200;
     startQt();
@@ -69,6 +74,7 @@ inline void play(base::Bytes movie, base::Bytes input, const std::string& query 
     flash::Engine::Options options;
     options.startDateMs = 1e12;
     options.collectAlways = collectAlways;
+    options.textCode = textCode;
     options.storageFolder = file.parent_path() / "stored";
     flash::Engine engine(host, options);
     engine.stage().view().setSize(kLongestSide, kLongestSide);

@@ -18,7 +18,9 @@ SHORTEST_ACTIONS = 60
 # What a user does meanwhile, three bytes for each thing: see doInput() in PlayMovie.h.
 INPUT = bytes([0, 99, 99, 1, 99, 99, 2, 99, 99, 3, 65, 65, 4, 65, 65, 5, 140, 0, 6, 30, 30, 3, 9, 9])
 FONTS, BITMAPS = (10, 48, 75, 13, 62, 88, 11, 33, 37), (6, 20, 21, 35, 36, 90)
-DO_ACTION, DEFINE_SOUND, VIDEO_STREAM, VIDEO_FRAME, SPRITE = 12, 14, 60, 61, 39
+DO_ACTION, DEFINE_SOUND, VIDEO_STREAM, VIDEO_FRAME, SPRITE, DO_ABC = 12, 14, 60, 61, 39, 82
+# Of the folders of tests in ActionScript 3: those that are about the stage, and about the language.
+STAGED, SPOKEN = ('display', 'events', 'input', 'media', 'net', 'text'), ('assembler', 'core', 'e4x', 'errors', 'language')
 VIDEO_CODECS = (2, 3, 4, 5, 6)
 
 
@@ -80,6 +82,16 @@ def put_tags(corpus, name, movie):
         corpus.put('FuzzVideo', name, packets)
 
 
+def flv_with_sound(kind, pieces):
+    """An FLV file of one sound, a packet every 100 ms. @param kind the first byte of each packet's data"""
+    file = b'FLV\1\4' + struct.pack('>II', 9, 0)
+    for number, piece in enumerate(pieces):
+        body = bytes([kind]) + piece
+        file += b'\x08' + struct.pack('>I', len(body))[1:] + struct.pack('>I', number * 100)[1:] + bytes(4) + body
+        file += struct.pack('>I', len(body) + 11)
+    return file
+
+
 def stored_object(corpus):
     """The file of a shared object, as the player writes it."""
     with tempfile.TemporaryDirectory() as folder:
@@ -134,8 +146,15 @@ def main():
         text = source.read_bytes()
         if source.suffix == '.xml':
             text = text.partition(b'<![CDATA[')[2].partition(b']]>')[0]
-        corpus.put('FuzzSwfc', 'actionscript3-' + source.parent.name + '-' + source.stem,
-                   bytes([0x81 if source.suffix == '.as' else 0x80]) + text)
+        name = 'actionscript3-' + source.parent.name + '-' + source.stem
+        corpus.put('FuzzSwfc', name, bytes([0x81 if source.suffix == '.as' else 0x80]) + text)
+        movie = corpus.compiled(source)
+        if movie and source.parent.name in STAGED:
+            corpus.put('FuzzEngine', name, INPUT + movie)
+        if movie and source.parent.name in SPOKEN:
+            for code, body in tags(movie):
+                if code == DO_ABC:
+                    corpus.put('FuzzAbc', name, body[body.index(0, 4) + 1:])
     put_tags(corpus, 'film', corpus.compiled(ROOT / 'assets/samples/film.xml'))
 
     with tempfile.TemporaryDirectory() as folder:
@@ -150,6 +169,23 @@ def main():
     corpus.put('FuzzExtractExe', 'projector', projector)
     corpus.put('FuzzFlv', 'clip', (MOVIES / 'video/clip.flv').read_bytes()[:MOST_BYTES])
     corpus.put('FuzzSound', 'mp3', bytes([2, 2, 1, 0]) + (MOVIES / 'sound/silence.mp3').read_bytes()[:MOST_BYTES - 4])
+    # Formats 3, 2 and 6 of an FLV's sound: plain, MP3, Nellymoser.
+    mp3 = (MOVIES / 'sound/silence.mp3').read_bytes()
+    for name, kind, pieces in (('plain', 0x3A, [bytes(range(0, 240, 3)) * 8] * 4), ('nellymoser', 0x62, [bytes(range(64))] * 6),
+                               ('mp3', 0x2E, [mp3[at:at + 400] for at in range(0, 2000, 400)])):
+        corpus.put('FuzzSound', 'flv-' + name, bytes([2, 2, 1, 0]) + flv_with_sound(kind, pieces))
+    # Movies of version 5 in codes of two bytes.
+    for source in (MOVIES / 'text/version5.xml', MOVIES / 'language/version5.as'):
+        for code in range(1, 6):
+            movie = corpus.compiled(source) if source.exists() else b''
+            if movie:
+                corpus.put('FuzzEngine', 'code%d-%s' % (code, source.stem), INPUT[:-1] + bytes([code]) + movie)
+    for code, text in enumerate((b'\x83\x65\x83\x58\x83\x67', b'\xb2\xe2\xca\xd4', b'\xb4\xfa\xb8\xd5', b'\xc5\xd7'), 1):
+        # ord(mbsubstring(text, 1, 2)) and the like, in version 5.
+        push = b'\0' + text + b'\0' + b'\7' + struct.pack('<I', 1) + b'\7' + struct.pack('<I', 2)
+        block = b'\x96' + struct.pack('<H', len(push)) + push + b'\x35\x36\x26\x96' + struct.pack('<H', len(text) + 2) + \
+            b'\0' + text + b'\0' + b'\x31\x26\0'
+        corpus.put('FuzzActions', 'code-%d' % code, bytes([code << 3 | 1]) + block)
     for source in ROOT.glob('tests/skin/*/skin.xml'):
         corpus.put('FuzzSkin', source.parent.name, source.read_bytes())
     for name in ('classes/members', 'control/for', 'strings/search', 'arrays/redim', 'errors/handling', 'dates/parts'):
