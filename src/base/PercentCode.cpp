@@ -22,4 +22,21 @@ std::string percentDecoded(std::string_view text, Plus plus)
     return decoded;
 }
 
+std::string percentEncoded(std::string_view bytes, std::string_view kept)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string result;
+    for (const char c : bytes) {
+        if (isAsciiLetterOrDigit(c) || kept.find(c) != std::string_view::npos) {
+            result += c;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(c);
+        result += '%';
+        result += kDigits[byte >> 4U];
+        result += kDigits[byte & 15U];
+    }
+    return result;
+}
+
 } // namespace base

@@ -39,7 +39,7 @@ const char* forcedEncoding(std::string_view bytes)
     if (startsWith(bytes, "<\0"sv) || startsWith(bytes, "\0<"sv)) return nullptr; // UTF-16 without a mark
     if (isUtf8(bytes)) return nullptr;
     std::string head(bytes.substr(0, std::min(bytes.find('>'), std::size_t{256})));
-    std::transform(head.begin(), head.end(), head.begin(), asciiLower);
+    std::transform(head.begin(), head.end(), head.begin(), [](char c) { return asciiLower(c); });
     const bool declaresOther =
         head.find("encoding") != std::string::npos && head.find("utf-8") == std::string::npos;
     return declaresOther ? nullptr : "windows-1251";

@@ -61,21 +61,7 @@ std::string pathFromUrl(std::string_view url)
 std::string urlFromPath(const fs::path& path)
 {
     constexpr std::string_view kUnescaped = "-._~/:";
-    constexpr std::string_view kHex = "0123456789ABCDEF";
-    std::string out = "file://";
-    for (const char c : path.generic_string()) {
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                           kUnescaped.find(c) != std::string_view::npos;
-        if (plain) {
-            out += c;
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            out += '%';
-            out += kHex[byte >> 4];
-            out += kHex[byte & 15];
-        }
-    }
-    return out;
+    return "file://" + base::percentEncoded(path.generic_string(), kUnescaped);
 }
 
 LocalLoader::LocalLoader(const fs::path& root)

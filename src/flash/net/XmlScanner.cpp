@@ -1,5 +1,7 @@
 #include "flash/net/XmlScanner.h"
 
+#include "base/Ascii.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -27,10 +29,9 @@ std::optional<char32_t> codePoint(std::u16string_view digits)
     if (isHex) digits.remove_prefix(1);
     char32_t code = 0;
     for (const char16_t unit : digits) {
-        const bool isLetter = isHex && ((unit | 0x20U) >= u'a' && (unit | 0x20U) <= u'f');
-        if (!(unit >= u'0' && unit <= u'9') && !isLetter) return {};
-        const auto digit = static_cast<char32_t>(isLetter ? (unit | 0x20U) - u'a' + 10 : unit - u'0');
-        code = code * (isHex ? 16 : 10) + digit;
+        const int digit = base::hexDigit(unit), radix = isHex ? 16 : 10;
+        if (digit < 0 || digit >= radix) return {};
+        code = code * static_cast<char32_t>(radix) + static_cast<char32_t>(digit);
         if (code > kMaxCodePoint) return {};
     }
     if (digits.empty() || code == 0) return {};

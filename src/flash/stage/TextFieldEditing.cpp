@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "base/TextCodes.h"
 #include "flash/stage/Stage.h"
 #include "flash/stage/TextField.h"
@@ -50,8 +51,7 @@ bool isAllowed(const std::u16string& set, char16_t character)
 char16_t otherCase(char16_t c)
 {
     if (c >= u'a' && c <= u'z') return static_cast<char16_t>(c - 32);
-    if (c >= u'A' && c <= u'Z') return static_cast<char16_t>(c + 32);
-    return c;
+    return base::asciiLower(c);
 }
 
 } // namespace

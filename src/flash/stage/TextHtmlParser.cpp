@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "base/TextCodes.h"
 #include "flash/guard/Guard.h"
 #include "flash/stage/StyleSheet.h"
@@ -14,7 +15,6 @@ namespace
 {
 
 using html::isSpace;
-using html::lowered;
 using html::Tag;
 
 constexpr double kMinSize = 1, kMaxSize = 127; // pixels
@@ -24,9 +24,8 @@ std::optional<swf::Rgba> hexColor(std::u16string_view text)
     if (!text.empty() && text[0] == u'#') text.remove_prefix(1);
     std::uint32_t value = 0;
     if (text.empty()) return {};
-    for (const char16_t raw : text) {
-        const char16_t c = html::lower(raw);
-        const int digit = c >= u'0' && c <= u'9' ? c - u'0' : c >= u'a' && c <= u'f' ? c - u'a' + 10 : -1;
+    for (const char16_t unit : text) {
+        const int digit = base::hexDigit(unit);
         if (digit < 0) return {};
         value = value << 4 | static_cast<std::uint32_t>(digit);
     }
@@ -187,7 +186,7 @@ private:
         if (const StyleSheet* sheet = m_options.styles) {
             sheet->applyTo(tag.name, element.format, element.shown);
             if (const std::u16string* name = tag.find(u"class"))
-                sheet->applyTo(u"." + lowered(*name), element.format, element.shown);
+                sheet->applyTo(u"." + base::asciiLowered(*name), element.format, element.shown);
             if (tag.name == u"a") sheet->applyTo(u"a:link", element.format, element.shown);
         }
         if (tag.name == u"b") {
@@ -200,7 +199,7 @@ private:
             style.bullet = true;
         } else if (tag.name == u"p") {
             if (const std::u16string* align = tag.find(u"align")) {
-                const std::u16string value = lowered(*align);
+                const std::u16string value = base::asciiLowered(*align);
                 using Align = swf::EditText::Align;
                 if (value == u"left") style.align = Align::Left;
                 if (value == u"right") style.align = Align::Right;

@@ -1,17 +1,12 @@
 #include "flash/stage/TextHtmlTag.h"
 
+#include "base/Ascii.h"
+
 #include <cstdint>
 #include <utility>
 
 namespace flash::stage::html
 {
-
-std::u16string lowered(std::u16string_view text)
-{
-    std::u16string result(text);
-    for (char16_t& c : result) c = lower(c);
-    return result;
-}
 
 namespace
 {
@@ -29,17 +24,15 @@ std::optional<char16_t> namedEntity(std::u16string_view name)
 
 std::optional<char16_t> numericEntity(std::u16string_view digits)
 {
-    const bool hex = !digits.empty() && lower(digits[0]) == u'x';
+    const bool hex = !digits.empty() && base::asciiLower(digits[0]) == u'x';
     if (hex) digits.remove_prefix(1);
     if (digits.empty()) return {};
     std::uint32_t code = 0;
-    for (const char16_t raw : digits) {
-        const char16_t c = lower(raw);
-        const int digit = c >= u'0' && c <= u'9'          ? c - u'0'
-                          : hex && c >= u'a' && c <= u'f' ? c - u'a' + 10
-                                                          : -1;
-        if (digit < 0) return {};
-        code = (code * (hex ? 16 : 10) + static_cast<std::uint32_t>(digit)) & 0xFFFF;
+    const int radix = hex ? 16 : 10;
+    for (const char16_t unit : digits) {
+        const int digit = base::hexDigit(unit);
+        if (digit < 0 || digit >= radix) return {};
+        code = (code * static_cast<std::uint32_t>(radix) + static_cast<std::uint32_t>(digit)) & 0xFFFF;
     }
     return static_cast<char16_t>(code);
 }
@@ -56,7 +49,7 @@ std::size_t endOfEntity(std::u16string_view text, std::size_t at)
 std::optional<char16_t> entity(std::u16string_view name)
 {
     if (!name.empty() && name[0] == u'#') return numericEntity(name.substr(1));
-    return namedEntity(lowered(name));
+    return namedEntity(base::asciiLowered(name));
 }
 
 namespace
@@ -83,7 +76,7 @@ bool takeAttribute(std::u16string_view rest, Tag& tag, std::size_t& i)
 {
     const std::size_t begin = i;
     while (i < rest.size() && !isSpace(rest[i]) && rest[i] != u'=' && rest[i] != u'>') ++i;
-    Attribute found{lowered(rest.substr(begin, i - begin)), {}};
+    Attribute found{base::asciiLowered(rest.substr(begin, i - begin)), {}};
     while (i < rest.size() && isSpace(rest[i])) ++i;
     if (i < rest.size() && rest[i] == u'=') {
         ++i;
@@ -117,7 +110,7 @@ std::optional<Tag> takeTag(std::u16string_view& rest)
     }
     const std::size_t nameBegin = i;
     while (i < rest.size() && !isSpace(rest[i]) && rest[i] != u'>' && rest[i] != u'/') ++i;
-    tag.name = lowered(rest.substr(nameBegin, i - nameBegin));
+    tag.name = base::asciiLowered(rest.substr(nameBegin, i - nameBegin));
     while (i < rest.size() && rest[i] != u'>') {
         if (isSpace(rest[i])) {
             ++i;

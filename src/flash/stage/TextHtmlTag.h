@@ -10,11 +10,6 @@ namespace flash::stage::html
 {
 
 [[nodiscard]] inline bool isSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
-[[nodiscard]] inline char16_t lower(char16_t c)
-{
-    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-}
-[[nodiscard]] std::u16string lowered(std::u16string_view text);
 
 struct Attribute {
     std::u16string name; ///< lower case

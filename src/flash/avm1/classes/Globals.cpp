@@ -1,6 +1,8 @@
 #include "flash/avm1/classes/Classes.h"
 #include "flash/avm1/interpreter/ArrayNative.h"
 
+#include "base/Ascii.h"
+#include "base/PercentCode.h"
 #include "base/TextCodes.h"
 
 #include <cmath>
@@ -41,26 +43,8 @@ std::string bytesOf(Vm& vm, std::u16string_view text)
 
 Value escape(Call& call)
 {
-    constexpr char kHexDigits[] = "0123456789ABCDEF";
-    std::u16string escaped;
-    for (const char character : bytesOf(call.vm, toText(call.vm, call.arg(0)))) {
-        const auto byte = static_cast<unsigned char>(character);
-        if ((byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z')) {
-            escaped += static_cast<char16_t>(byte);
-        } else {
-            escaped += u'%';
-            escaped += static_cast<char16_t>(kHexDigits[byte >> 4]);
-            escaped += static_cast<char16_t>(kHexDigits[byte & 15]);
-        }
-    }
-    return call.vm.string(std::move(escaped));
-}
-
-int hexValue(char character)
-{
-    if (character >= '0' && character <= '9') return character - '0';
-    const char lower = static_cast<char>(character | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+    const std::string escaped = base::percentEncoded(bytesOf(call.vm, toText(call.vm, call.arg(0))), {});
+    return call.vm.string(std::u16string(escaped.begin(), escaped.end()));
 }
 
 Value unescape(Call& call)
@@ -74,13 +58,13 @@ Value unescape(Call& call)
         } else if (bytes[i] == '%') {
             // An escape that is none is dropped, with what stands in the place of its digits.
             // A first digit that is none is the last that is looked at.
-            if (i + 1 < bytes.size() && hexValue(bytes[i + 1]) < 0) {
+            if (i + 1 < bytes.size() && base::hexDigit(bytes[i + 1]) < 0) {
                 ++i;
                 continue;
             }
             if (i + 2 >= bytes.size()) break;
-            if (hexValue(bytes[i + 2]) >= 0)
-                plain += static_cast<char>(hexValue(bytes[i + 1]) << 4 | hexValue(bytes[i + 2]));
+            if (base::hexDigit(bytes[i + 2]) >= 0)
+                plain += static_cast<char>(base::hexDigit(bytes[i + 1]) << 4 | base::hexDigit(bytes[i + 2]));
             i += 2;
             if (!plain.empty() && plain.back() == '\0') {
                 // The text ends at a NUL byte.

@@ -1,3 +1,4 @@
+#include "base/PercentCode.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Loader.h"
 #include "flash/avm2/bindings/Player.h"
@@ -31,27 +32,7 @@ Value queryParameters(Vm& vm, std::string_view url)
     const std::size_t start = url.find('?');
     if (start == std::string_view::npos) return Value(made);
     std::string_view left = url.substr(start + 1);
-    const auto decoded = [](std::string_view text) {
-        std::string result;
-        const auto digit = [](char c) {
-            return c >= '0' && c <= '9'   ? c - '0'
-                   : c >= 'a' && c <= 'f' ? c - 'a' + 10
-                   : c >= 'A' && c <= 'F' ? c - 'A' + 10
-                                          : -1;
-        };
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text[i] == '+') {
-                result += ' ';
-            } else if (text[i] == '%' && i + 2 < text.size() && digit(text[i + 1]) >= 0 &&
-                       digit(text[i + 2]) >= 0) {
-                result += static_cast<char>(digit(text[i + 1]) * 16 + digit(text[i + 2]));
-                i += 2;
-            } else {
-                result += text[i];
-            }
-        }
-        return result;
-    };
+    const auto decoded = [](std::string_view text) { return base::percentDecoded(text, base::Plus::Space); };
     while (!left.empty()) {
         const std::string_view pair = left.substr(0, left.find('&'));
         left.remove_prefix(std::min(left.size(), pair.size() + 1));

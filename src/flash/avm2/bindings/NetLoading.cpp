@@ -40,21 +40,7 @@ namespace
 /// As encodeURIComponent() does.
 std::string percentCoded(std::u16string_view text)
 {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string result;
-    for (const char c : base::utf8FromUtf16(text)) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                             std::string_view("-_.!~*'()").find(c) != std::string_view::npos;
-        if (isPlain) {
-            result += c;
-        } else {
-            result += '%';
-            result += kDigits[byte >> 4U];
-            result += kDigits[byte & 15U];
-        }
-    }
-    return result;
+    return base::percentEncoded(base::utf8FromUtf16(text), "-_.!~*'()");
 }
 
 // ---- URLVariables ----

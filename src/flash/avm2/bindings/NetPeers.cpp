@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/NetConnection.h"
@@ -180,8 +181,7 @@ Value localClient(Call& call) { return localSelf(call).client; }
 /// Names that begin so are everybody's; others are the domain's.
 std::u16string connectionName(std::u16string_view name)
 {
-    std::u16string full(name);
-    for (char16_t& c : full) c = c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
+    const std::u16string full = base::asciiLowered(name);
     if (full.starts_with(u'_')) return full;
     return full.find(u':') == std::u16string::npos ? u"localhost:" + full : full;
 }

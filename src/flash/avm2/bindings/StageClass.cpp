@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Interactive.h"
@@ -93,9 +94,7 @@ Value quality(Call& call)
 /// What is none is not heard.
 Value setQuality(Call& call)
 {
-    std::u16string name(call.vm.text(call.arg(0)));
-    for (char16_t& letter : name)
-        if (letter >= u'A' && letter <= u'Z') letter = static_cast<char16_t>(letter + 32);
+    const std::u16string name = base::asciiLowered(call.vm.text(call.arg(0)));
     const auto* found = std::ranges::find(kQualityNames, name, &QualityName::set);
     if (found != std::end(kQualityNames)) view(call).setQuality(found->quality);
     return {};

@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/StyleSheets.h"
 
+#include "base/Ascii.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/TextFormat.h"
 
@@ -18,13 +19,6 @@ namespace
 
 StyleSheetObject& self(Call& call) { return selfAs<StyleSheetObject>(call, "flash.text.StyleSheet"); }
 
-std::u16string lower(std::u16string_view text)
-{
-    std::u16string result(text);
-    for (char16_t& c : result) c = c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-    return result;
-}
-
 Value copyOf(Vm& vm, Object* from)
 {
     Root<Object> copy(vm.heap(), vm.newObject());
@@ -39,13 +33,13 @@ Value copyOf(Vm& vm, Object* from)
 Value getStyle(Call& call)
 {
     const auto& styles = self(call).styles;
-    const auto found = styles.find(lower(call.vm.text(call.arg(0))));
+    const auto found = styles.find(base::asciiLowered(call.vm.text(call.arg(0))));
     return copyOf(call.vm, found != styles.end() ? found->second.asObject() : nullptr);
 }
 
 void keepStyle(Vm& vm, StyleSheetObject& sheet, std::u16string_view selector, Value style)
 {
-    const std::u16string name = lower(selector);
+    const std::u16string name = base::asciiLowered(selector);
     constexpr std::size_t kMaxStyles = 10'000;
     if (sheet.styles.size() < kMaxStyles || sheet.styles.contains(name)) sheet.styles[name] = style;
     // A class may have its own idea of what a style looks like, and is asked whenever one is set.

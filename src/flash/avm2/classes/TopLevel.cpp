@@ -1,3 +1,4 @@
+#include "base/Ascii.h"
 #include "flash/avm2/classes/DescribeType.h"
 #include "flash/avm2/classes/Library.h"
 
@@ -119,10 +120,7 @@ int hexAt(std::u16string_view text, std::size_t at, std::size_t digits)
     if (at + digits > text.size()) return -1;
     int value = 0;
     for (std::size_t i = 0; i < digits; ++i) {
-        const char16_t unit = text[at + i];
-        const int digit = unit >= u'0' && unit <= u'9'                     ? unit - u'0'
-                          : (unit | 0x20) >= u'a' && (unit | 0x20) <= u'f' ? (unit | 0x20) - u'a' + 10
-                                                                           : -1;
+        const int digit = base::hexDigit(text[at + i]);
         if (digit < 0) return -1;
         value = value * 16 + digit;
     }
