@@ -120,10 +120,6 @@
         <translation>en</translation>
     </message>
     <message>
-        <source>Запуск</source>
-        <translation>Start</translation>
-    </message>
-    <message>
         <source>Проигрыватель роликов и проекторов Macromedia Flash.
 
 Использование: zorvex [ФАЙЛ]

@@ -1,5 +1,6 @@
 #include "base/TextCode.h"
 
+#include "base/Ascii.h"
 #include "base/TextCodes.h"
 
 #include <iconv.h>
@@ -39,8 +40,7 @@ std::string foldedName(std::string_view name)
 {
     std::string folded;
     for (const char c : name) {
-        if (c >= 'A' && c <= 'Z') folded += static_cast<char>(c + 32);
-        if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) folded += c;
+        if (isAsciiLetterOrDigit(c)) folded += asciiLower(c);
     }
     return folded;
 }
@@ -130,13 +130,6 @@ const TextCode& TextCode::ansi()
         return found != nullptr ? found : std::shared_ptr<const TextCode>(new TextCode());
     }();
     return *code;
-}
-
-std::vector<std::string_view> TextCode::names()
-{
-    std::vector<std::string_view> names;
-    for (const Known& known : kKnown) names.push_back(known.name);
-    return names;
 }
 
 void TextCode::learn(std::uint16_t code, char16_t unit) { m_codes.emplace(unit, code); }

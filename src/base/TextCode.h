@@ -21,8 +21,6 @@ public:
     static std::shared_ptr<const TextCode> named(std::string_view name);
     /// The system's own: windows-1251.
     static const TextCode& ansi();
-    /// Names that named() takes, one for each code.
-    static std::vector<std::string_view> names();
 
     [[nodiscard]] std::u16string decode(std::string_view bytes) const;
     /// @param replacement stands for each character that the code lacks; '\0' drops such characters
@@ -36,8 +34,6 @@ public:
     /// @returns the character of a code of up to 16 bits, or those of its two bytes in turn when it is none;
     ///          a NUL byte ends the text
     [[nodiscard]] std::u16string textOf(std::uint16_t code) const;
-    /// @returns whether the byte begins a character of two
-    [[nodiscard]] bool isLead(char byte) const { return !m_pairs[static_cast<unsigned char>(byte)].empty(); }
 
 private:
     TextCode() : m_pairs(256) {}

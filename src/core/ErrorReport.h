@@ -22,17 +22,6 @@ public:
     virtual void Quit(const QString& reason, bool saveOptions) = 0;
 };
 
-/// For code that runs without a window: errors go to the journal only.
-class NoErrorHost : public ErrorHost
-{
-public:
-    bool updateTimerEnabled() const override { return false; }
-    void setUpdateTimerEnabled(bool) override {}
-    QWidget* errorParent() override { return nullptr; }
-    void ShowDialog(QDialog&) override {}
-    void Quit(const QString&, bool) override {}
-};
-
 /// Writes the error block to the journal: for what goes on without asking the user.
 /// @throws base::Failure when the journal cannot be written
 void LogError(Application& application, const base::Failure& error, const QString& place,

@@ -9,7 +9,6 @@ namespace core::texts
 
 // Not shown: the catalogue of a language has its code here.
 inline constexpr core::Text kLanguageCode = QT_TRANSLATE_NOOP("zorvex", "ru");
-inline constexpr core::Text kPlaceStartUp = QT_TRANSLATE_NOOP("zorvex", "Запуск");
 
 inline constexpr core::Text kHelp =
     QT_TRANSLATE_NOOP("zorvex", "Проигрыватель роликов и проекторов Macromedia Flash.\n"

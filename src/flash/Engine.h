@@ -39,7 +39,7 @@ public:
         /// What scripts are told of the machine: language in two letters, screen in pixels.
         std::string language = "en";
         static constexpr std::string_view kAutomaticTextCode = "automatic";
-        /// The 8-bit code of movies before version 6 (base::TextCode::names()), or kAutomaticTextCode, which
+        /// The 8-bit code of movies before version 6 (base::TextCode::named()), or kAutomaticTextCode, which
         /// looks at a movie's own texts. Empty, or nothing to be seen there: the system's own.
         std::string textCode;
         int screenWidth = 1024, screenHeight = 768;

@@ -18,7 +18,6 @@ public:
 
     /// @param reason shown by desktops that list who keeps them awake
     void setAwake(bool awake, const QString& product = {}, const QString& reason = {});
-    [[nodiscard]] bool isAwake() const { return m_isAwake; }
 
 private:
     void ask(const QString& product, const QString& reason);

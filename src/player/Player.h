@@ -145,8 +145,6 @@ public:
     [[nodiscard]] QString Caption() const { return m_placement.caption(); }
     /// The caption in short, as the window's title has it; of a path its file's name.
     [[nodiscard]] QString Title() const { return m_placement.shownCaption(); }
-    /// Whether the movie went beyond what it may use, and something of it was not done.
-    [[nodiscard]] bool isMovieLimited() const { return m_isMovieLimited; }
     [[nodiscard]] QString StatusText() const override { return m_status.statusText; }
     [[nodiscard]] QString InfoText() const { return HasMovie() ? m_status.informationText : QString(); }
     [[nodiscard]] int TimeMode() const { return m_status.timeMode(); }
@@ -414,7 +412,7 @@ private:
     QString m_shownMovie; ///< path of the user's movie that the control holds; empty when it is none
     std::optional<int> m_resumeFrame;      ///< where that movie was left the last time
     QProgressDialog* m_progress = nullptr; ///< while a conversion is at work
-    bool m_isMovieLimited = false;
+    bool m_isMovieLimited = false;       ///< it went beyond what it may use, and something of it was not done
     bool m_isPressedSinceOpened = false; ///< the pointer's button, over the movie that is shown now
     bool m_isOwnPage = false; ///< what the control was given last lies in the folder of the program's pages
 };

@@ -94,8 +94,6 @@ Value Value::byteString(std::string_view bytes)
     return result;
 }
 
-Value Value::utf8(std::string_view text) { return string(base::utf16FromUtf8(text)); }
-
 Value Value::object(Dispatch* object)
 {
     Value result(VarType::Object, 0, 0);
@@ -113,8 +111,6 @@ Value Value::array(Array* array)
 }
 
 Value Value::array(std::vector<Value> elements) { return array(new Array(std::move(elements))); }
-
-std::string Value::utf8Text() const { return base::utf8FromUtf16(text()); }
 
 Value Value::elementReference(Array* array, Value* element)
 {

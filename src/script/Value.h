@@ -193,7 +193,6 @@ public:
     static Value missing() { return error(kMissing); }
     /// @param text UTF-16, at most kMaxStringLength characters (cut there)
     static Value string(std::u16string_view text);
-    static Value utf8(std::string_view text);
     /// A string out of bytes, two to the character and the lower one first. An odd byte at the end is kept
     /// for byteText and lost to everything that works with characters.
     static Value byteString(std::string_view bytes);
@@ -240,7 +239,6 @@ public:
         return {reinterpret_cast<const char*>(m_buffer->data()),
                 length() * sizeof(char16_t) + (hasOddByte() ? 1 : 0)};
     }
-    [[nodiscard]] std::string utf8Text() const;
     [[nodiscard]] Dispatch* asObject() const { return m_object; }
     [[nodiscard]] Array* asArray() const { return m_array; }
 
@@ -264,11 +262,6 @@ public:
     {
         if (isCounted()) drop();
         overwriteWhole(type, value);
-    }
-    void setReal(VarType type, double value)
-    {
-        if (isCounted()) drop();
-        overwriteReal(type, value);
     }
     // The same for a value that is known to be plain, and for memory that holds no value yet.
     void overwriteWhole(VarType type, std::int32_t value)

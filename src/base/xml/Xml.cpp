@@ -199,9 +199,4 @@ bool Element::setText(std::string_view text)
     return true;
 }
 
-Element Element::addChild(std::string_view name)
-{
-    return Element(xmlNewChild(m_node, nullptr, in(std::string(name)), nullptr));
-}
-
 } // namespace base::xml

@@ -43,7 +43,6 @@ public:
     /// Replaces all that is below the element, unless its text is the same already.
     /// @returns false as setAttribute does
     bool setText(std::string_view text);
-    Element addChild(std::string_view name);
 
 private:
     friend class Document;

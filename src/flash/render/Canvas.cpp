@@ -54,12 +54,6 @@ void Canvas::drawBitmap(const swf::Bitmap& bitmap, const swf::Matrix& toDevice,
     m_impl->drawPixels(pixelSource(bitmap), toDevice, color, smoothing);
 }
 
-void Canvas::drawSurface(const Surface& source, const swf::Matrix& toDevice, const swf::ColorTransform& color,
-                         Smoothing smoothing)
-{
-    m_impl->drawPixels(pixelSource(source), toDevice, color, smoothing);
-}
-
 void Canvas::fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;

@@ -75,9 +75,6 @@ public:
     /// @param toDevice bitmap pixels to device pixels
     void drawBitmap(const swf::Bitmap& bitmap, const swf::Matrix& toDevice,
                     const swf::ColorTransform& color = {}, Smoothing smoothing = Smoothing::Off);
-    /// A surface of the program's own, such as a BitmapData or a video picture. Must not be the target.
-    void drawSurface(const Surface& source, const swf::Matrix& toDevice,
-                     const swf::ColorTransform& color = {}, Smoothing smoothing = Smoothing::Off);
 
     void fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
     /// Like fillRect(), snapped to whole pixels as long as the rectangle stays upright: the ground of a text

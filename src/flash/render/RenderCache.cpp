@@ -139,17 +139,10 @@ std::shared_ptr<const GradientRamp> RenderCache::Impl::ramp(const std::shared_pt
     return ramp;
 }
 
-void RenderCache::Impl::clear()
-{
-    m_entries.clear();
-    m_used = 0;
-}
-
 RenderCache::RenderCache(std::size_t budgetBytes) : m_impl(std::make_unique<Impl>(budgetBytes)) {}
 RenderCache::~RenderCache() = default;
 RenderCache::RenderCache(RenderCache&&) noexcept = default;
 RenderCache& RenderCache::operator=(RenderCache&&) noexcept = default;
 std::size_t RenderCache::usedBytes() const { return m_impl->usedBytes(); }
-void RenderCache::clear() { m_impl->clear(); }
 
 } // namespace flash::render

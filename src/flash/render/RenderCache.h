@@ -20,7 +20,6 @@ public:
     RenderCache& operator=(RenderCache&&) noexcept;
 
     [[nodiscard]] std::size_t usedBytes() const;
-    void clear();
 
     class Impl;
     [[nodiscard]] Impl& impl() { return *m_impl; }

@@ -53,7 +53,6 @@ public:
     [[nodiscard]] OutlineDrawer& drawer() { return m_drawer; }
 
     [[nodiscard]] std::size_t usedBytes() const { return m_used; }
-    void clear();
 
 private:
     enum class Kind : std::uint8_t { Fills, Strokes, Letter, Ramp };

@@ -43,7 +43,6 @@ public:
     /// Shows a frame: backwards by rebuilding the list (what the same placement made is kept), forwards by
     /// running the list tags between. Scripts of the frame are queued. Clamped to the frames there are.
     void gotoFrame(int frame);
-    void nextFrame();
     [[nodiscard]] std::optional<int> frameByLabel(std::string_view label) const;
     /// Queues the scripts of a frame without going there (the old `call`): returns them in order.
     [[nodiscard]] std::vector<swf::ActionBlock> frameActions(int frame) const;

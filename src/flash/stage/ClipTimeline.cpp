@@ -169,8 +169,6 @@ void Clip::startSound(const swf::StartSound& start)
         m_stage.services().sound.startEvent(m_movie, start.soundId, *sound, start.info);
 }
 
-void Clip::nextFrame() { gotoFrame(m_frame + 1); }
-
 void Clip::streamSound()
 {
     if (m_removed) return;

@@ -1,5 +1,6 @@
 #include "flash/stage/StyleSheet.h"
 
+#include "base/Ascii.h"
 #include "base/TextCodes.h"
 #include "flash/stage/TextHtml.h"
 
@@ -12,14 +13,6 @@ namespace
 {
 
 bool isSpace(char16_t c) { return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r'; }
-
-std::u16string lowered(std::u16string_view text)
-{
-    std::u16string result(text);
-    for (char16_t& c : result)
-        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
-    return result;
-}
 
 /// "font-size" becomes "fontSize": each hyphen goes and what follows it is put in upper case.
 std::u16string camelCase(std::u16string_view name)
@@ -145,10 +138,8 @@ std::optional<swf::Rgba> cssColor(std::u16string_view text)
 {
     if (text.size() != 7 || text[0] != u'#') return {};
     std::uint32_t value = 0;
-    for (const char16_t raw : lowered(text.substr(1))) {
-        const int digit = raw >= u'0' && raw <= u'9'   ? raw - u'0'
-                          : raw >= u'a' && raw <= u'f' ? raw - u'a' + 10
-                                                       : -1;
+    for (const char16_t unit : text.substr(1)) {
+        const int digit = base::hexDigit(unit);
         if (digit < 0) return {};
         value = value << 4 | static_cast<std::uint32_t>(digit);
     }
@@ -173,10 +164,9 @@ std::string StyleSheet::fontNames(std::u16string_view families)
         while (!written.empty() &&
                (written.front() == u' ' || (written.front() >= u'\t' && written.front() <= u'\r')))
             written.remove_prefix(1);
-        std::u16string name(written), folded = name;
+        std::u16string name(written);
+        const std::u16string folded = base::asciiLowered(written);
         families.remove_prefix(std::min(end + 1, families.size()));
-        for (char16_t& unit : folded)
-            if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
         if (folded == u"mono") name = u"_typewriter";
         if (folded == u"sans-serif") name = u"_sans";
         if (folded == u"serif") name = u"_serif";
@@ -235,10 +225,8 @@ void StyleSheet::apply(const StyleProperties& properties, TextFormat& format, bo
 
 void StyleSheet::set(std::u16string_view selector, StyleProperties properties)
 {
-    m_styles[lowered(selector)] = std::move(properties);
+    m_styles[base::asciiLowered(selector)] = std::move(properties);
 }
-
-void StyleSheet::remove(std::u16string_view selector) { m_styles.erase(lowered(selector)); }
 
 void StyleSheet::applyTo(std::u16string_view selector, TextFormat& format, bool& shown) const
 {

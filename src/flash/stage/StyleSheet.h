@@ -34,7 +34,6 @@ public:
     static void apply(const StyleProperties& properties, TextFormat& format, bool& shown);
 
     void set(std::u16string_view selector, StyleProperties properties);
-    void remove(std::u16string_view selector);
     void clear() { m_styles.clear(); }
     /// @param selector in lower case
     void applyTo(std::u16string_view selector, TextFormat& format, bool& shown) const;

@@ -246,11 +246,6 @@ const Domain::Definition* Domain::definition(const Multiname& name) const
     return nullptr;
 }
 
-bool Domain::knows(const Multiname& name) const
-{
-    return definition(name) != nullptr || (parent != nullptr && parent->knows(name));
-}
-
 Object* Domain::find(Vm& vm, const Multiname& name)
 {
     if (parent == nullptr) {

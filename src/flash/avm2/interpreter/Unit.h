@@ -83,8 +83,6 @@ public:
     Unit* load(Vm& vm, std::shared_ptr<const abc::Abc> abc);
     /// @returns the object that has the definition, its script run; null when there is none.
     Object* find(Vm& vm, const Multiname& name);
-    /// @returns whether a definition is there, running nothing.
-    [[nodiscard]] bool knows(const Multiname& name) const;
     /// @returns what a definition holds by now, running nothing; undefined when that is not known
     [[nodiscard]] Value madeAlready(const Multiname& name) const;
     /// By a dotted or qualified name: `flash.display.Sprite`, `flash.display::Sprite`, `Vector.<int>`.

@@ -85,7 +85,6 @@ public:
     FunctionObject* newFunction(NativeFunction function, std::string_view name = {}, int minArguments = 0,
                                 int maxArguments = -1);
     ClassObject* nativeClass(std::string_view qualified); ///< null when there is none
-    ClassObject* classOfTraits(Traits* traits) { return traits->cls; }
     ClassObject* vectorOf(Traits* element);
     ClassObject* newClass(Unit* unit, std::uint32_t index, ClassObject* base, ScopeChain* scope);
     Object* newNamespace(Namespace* ns); ///< as a value
@@ -237,7 +236,6 @@ private:
     ClassObject* makeNative(const NativeClass& spec);
     void bindSlot(Traits& traits, std::string_view text);
     void addMembers(ClassObject& cls, const NativeClass& spec);
-    Value getNotFound(Value base, const Multiname& name);
     bool getFromPrototypes(Object* from, const Multiname& name, Value& result);
     void traceRoots(Tracer& tracer);
     [[noreturn]] void throwNull(Value base);
