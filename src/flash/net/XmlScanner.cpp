@@ -138,9 +138,10 @@ XmlToken XmlScanner::endTag()
     XmlToken token = upTo(Kind::End, u">", 2, XmlStatus::ElementMalformed);
     if (token.kind == Kind::Damage) return token;
     std::u16string_view& name = token.text;
-    while (!name.empty() && isXmlSpace(name.back())) name.remove_suffix(1);
+    // What follows the name is passed over.
+    name = name.substr(0, name.find_first_of(u" \t\r\n"));
     if (name.ends_with(u'/')) name.remove_suffix(1);
-    return name.empty() || name.find(u' ') != name.npos ? damage(XmlStatus::ElementMalformed) : token;
+    return name.empty() ? damage(XmlStatus::ElementMalformed) : token;
 }
 
 void XmlScanner::skipSpace()

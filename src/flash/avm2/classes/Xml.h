@@ -24,6 +24,7 @@ public:
     XmlNode* parent = nullptr;
     TracedList<XmlNode*> children, attributes;
     std::vector<Declaration, vm::TracedAllocator<Declaration>> declarations;
+    bool isCdata = false;    ///< of a text: stands in a CDATA section
     Object* value = nullptr; ///< the one object that scripts have for it
 };
 

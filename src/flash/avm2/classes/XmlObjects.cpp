@@ -122,7 +122,9 @@ void descend(const Multiname& name, XmlNode& node, TracedList<XmlNode*>& out, Vm
 {
     if (name.attribute) collect(name, node, out);
     for (XmlNode* child : node.children) {
-        if (!name.attribute && matches(name, *child)) out.push_back(child);
+        // In any namespace there is only what can have one.
+        const bool fits = !(name.anyNamespace && name.isAnyName()) || child->kind == XmlNode::Kind::Element;
+        if (!name.attribute && fits && matches(name, *child)) out.push_back(child);
         descend(name, *child, out, vm);
     }
 }

@@ -100,7 +100,7 @@ private:
             const Token token = m_scanner.next();
             switch (token.kind) {
             case Token::Kind::Text: addText(parent, decoded(token.text)); break;
-            case Token::Kind::Cdata: add(parent, XmlNode::Kind::Text, token.text); break;
+            case Token::Kind::Cdata: add(parent, XmlNode::Kind::Text, token.text)->isCdata = true; break;
             case Token::Kind::Comment:
                 if (!m_settings.ignoreComments) add(parent, XmlNode::Kind::Comment, token.text);
                 break;
@@ -220,6 +220,7 @@ XmlNode* copyOf(Vm& vm, const XmlNode& node)
     made->ns = node.ns;
     made->prefix = node.prefix;
     made->text = node.text;
+    made->isCdata = node.isCdata;
     made->declarations = node.declarations;
     for (const XmlNode* child : node.children) {
         XmlNode* copy = copyOf(vm, *child);
@@ -279,74 +280,119 @@ std::u16string contentText(Vm& vm, const XmlNode& node)
 namespace
 {
 
-/// The prefix that an element or attribute is written with.
-std::u16string prefixOf(const XmlNode& node)
+/// Writes a tree, with declarations for the namespaces that nothing in it declares.
+class Writer
 {
-    if (node.ns == nullptr || node.ns->uri.view().empty()) return {};
-    const bool isElement = node.kind == XmlNode::Kind::Element;
-    for (const XmlNode* at = isElement ? &node : node.parent; at != nullptr; at = at->parent) {
-        for (const XmlNode::Declaration& declaration : at->declarations) {
-            if (declaration.ns == node.ns && declaration.prefix.isString())
-                return std::u16string(declaration.prefix.string()->view());
-        }
-    }
-    return node.prefix.isString() ? std::u16string(node.prefix.string()->view()) : std::u16string();
-}
+public:
+    explicit Writer(Vm& vm) : m_vm(vm) {}
 
-bool isDeclared(const XmlNode& node)
-{
-    if (node.ns == nullptr) return true;
-    for (const XmlNode* at = &node; at != nullptr; at = at->parent) {
-        for (const XmlNode::Declaration& declaration : at->declarations) {
-            if (declaration.ns == node.ns) return true;
+    std::u16string write(const XmlNode& node, bool pretty, int indent)
+    {
+        const std::u16string margin =
+            pretty ? std::u16string(static_cast<std::size_t>(std::max(0, indent)), u' ') : std::u16string();
+        switch (node.kind) {
+        case XmlNode::Kind::Text:
+            if (node.isCdata) return margin + u"<![CDATA[" + node.text + u"]]>";
+            return margin + escapeXml(pretty ? trimmed(node.text) : std::u16string_view(node.text), false);
+        case XmlNode::Kind::Attribute: return margin + escapeXml(node.text, true);
+        case XmlNode::Kind::Comment: return margin + u"<!--" + node.text + u"-->";
+        case XmlNode::Kind::Instruction:
+            return margin + u"<?" + std::u16string(node.name.view()) + u" " + node.text + u"?>";
+        case XmlNode::Kind::Element: break;
         }
-        if (at != &node && at->ns == node.ns) return true;
+        const std::size_t outer = m_added.size();
+        const std::u16string name = qualifiedName(node);
+        std::u16string text = margin + u"<" + name;
+        for (const XmlNode* attribute : node.attributes)
+            text += u" " + qualifiedName(*attribute) + u"=\"" + escapeXml(attribute->text, true) + u"\"";
+        for (const XmlNode::Declaration& declaration : node.declarations)
+            text += declared(prefixOf(declaration), *declaration.ns);
+        for (std::size_t i = outer; i < m_added.size(); ++i)
+            text += declared(m_added[i].prefix, *m_added[i].ns);
+        if (node.children.empty()) {
+            text += u"/>";
+        } else {
+            text += u">";
+            const bool isNested =
+                pretty && (node.children.size() > 1 || node.children[0]->kind != XmlNode::Kind::Text);
+            for (const XmlNode* child : node.children) {
+                if (isNested) text += u'\n';
+                text += write(*child, isNested, indent + xmlSettings(m_vm).prettyIndent);
+            }
+            if (isNested) text += u'\n' + margin;
+            text += u"</" + name + u">";
+        }
+        m_added.resize(outer);
+        return text;
     }
-    return node.ns->uri.view().empty();
-}
+
+private:
+    struct Added {
+        std::u16string prefix;
+        const Namespace* ns;
+    };
+    static std::u16string_view prefixOf(const XmlNode::Declaration& declaration)
+    {
+        return declaration.prefix.isString() ? declaration.prefix.string()->view() : std::u16string_view();
+    }
+    static std::u16string declared(std::u16string_view prefix, const Namespace& ns)
+    {
+        return (prefix.empty() ? u" xmlns" : u" xmlns:" + std::u16string(prefix)) + u"=\"" +
+               escapeXml(ns.uri.view(), true) + u"\"";
+    }
+    std::u16string qualifiedName(const XmlNode& node)
+    {
+        const std::u16string prefix = prefixFor(node);
+        return (prefix.empty() ? u"" : prefix + u":") + std::u16string(node.name.view());
+    }
+    /// By what is declared around it; declares it where it stands when nothing is.
+    std::u16string prefixFor(const XmlNode& node)
+    {
+        if (node.ns == nullptr || node.ns->uri.view().empty()) return {};
+        const XmlNode* scope = node.kind == XmlNode::Kind::Element ? &node : node.parent;
+        for (const XmlNode* at = scope; at != nullptr; at = at->parent) {
+            for (const XmlNode::Declaration& declaration : at->declarations)
+                if (declaration.ns == node.ns) return std::u16string(prefixOf(declaration));
+        }
+        for (const Added& added : m_added)
+            if (added.ns == node.ns) return added.prefix;
+        if (node.ns->uri.view() == u"http://www.w3.org/XML/1998/namespace") return u"xml";
+        std::u16string prefix;
+        while (isTaken(scope, prefix)) advance(prefix);
+        m_added.push_back({prefix, node.ns});
+        return prefix;
+    }
+    bool isTaken(const XmlNode* scope, std::u16string_view prefix) const
+    {
+        for (const XmlNode* at = scope; at != nullptr; at = at->parent) {
+            for (const XmlNode::Declaration& declaration : at->declarations)
+                if (prefixOf(declaration) == prefix) return true;
+        }
+        return std::ranges::any_of(m_added, [&](const Added& added) { return added.prefix == prefix; });
+    }
+    /// None, then "aaa", "aab" and so on.
+    static void advance(std::u16string& prefix)
+    {
+        if (prefix.empty()) {
+            prefix = u"aaa";
+            return;
+        }
+        std::size_t at = prefix.size();
+        while (at > 0 && prefix[at - 1] == u'z') prefix[--at] = u'a';
+        if (at > 0)
+            ++prefix[at - 1];
+        else
+            prefix += u'a';
+    }
+    Vm& m_vm;
+    std::vector<Added> m_added;
+};
 
 } // namespace
 
 std::u16string toMarkup(Vm& vm, const XmlNode& node, bool pretty, int indent)
 {
-    const std::u16string margin =
-        pretty ? std::u16string(static_cast<std::size_t>(std::max(0, indent)), u' ') : std::u16string();
-    switch (node.kind) {
-    case XmlNode::Kind::Text:
-        return margin + escapeXml(pretty ? trimmed(node.text) : std::u16string_view(node.text), false);
-    case XmlNode::Kind::Attribute: return margin + escapeXml(node.text, true);
-    case XmlNode::Kind::Comment: return margin + u"<!--" + node.text + u"-->";
-    case XmlNode::Kind::Instruction:
-        return margin + u"<?" + std::u16string(node.name.view()) + u" " + node.text + u"?>";
-    case XmlNode::Kind::Element: break;
-    }
-    const std::u16string prefix = prefixOf(node);
-    const std::u16string name = (prefix.empty() ? u"" : prefix + u":") + std::u16string(node.name.view());
-    std::u16string text = margin + u"<" + name;
-    for (const XmlNode* attribute : node.attributes) {
-        const std::u16string own = prefixOf(*attribute);
-        text += u" " + (own.empty() ? u"" : own + u":") + std::u16string(attribute->name.view()) + u"=\"" +
-                escapeXml(attribute->text, true) + u"\"";
-    }
-    for (const XmlNode::Declaration& declaration : node.declarations) {
-        const auto own =
-            declaration.prefix.isString() ? declaration.prefix.string()->view() : std::u16string_view();
-        text += (own.empty() ? u" xmlns" : u" xmlns:" + std::u16string(own)) + u"=\"" +
-                escapeXml(declaration.ns->uri.view(), true) + u"\"";
-    }
-    if (!isDeclared(node))
-        text += (prefix.empty() ? u" xmlns" : u" xmlns:" + prefix) + u"=\"" +
-                escapeXml(node.ns->uri.view(), true) + u"\"";
-    if (node.children.empty()) return text + u"/>";
-    text += u">";
-    const bool isNested =
-        pretty && (node.children.size() > 1 || node.children[0]->kind != XmlNode::Kind::Text);
-    for (const XmlNode* child : node.children) {
-        if (isNested) text += u'\n';
-        text += toMarkup(vm, *child, pretty && isNested, indent + xmlSettings(vm).prettyIndent);
-    }
-    if (isNested) text += u'\n' + margin;
-    return text + u"</" + name + u">";
+    return Writer(vm).write(node, pretty, indent);
 }
 
 bool matches(const Multiname& name, const XmlNode& node)
@@ -357,9 +403,13 @@ bool matches(const Multiname& name, const XmlNode& node)
     if (!isNamed) return false;
     if (!name.name.isNull() && !(name.name == node.name)) return false;
     if (name.anyNamespace || name.isAnyName()) return true;
-    for (std::uint32_t i = 0; i < name.size(); ++i)
+    bool knowsPublic = false;
+    for (std::uint32_t i = 0; i < name.size(); ++i) {
         if (name.at(i) == node.ns) return true;
-    return false;
+        knowsPublic = knowsPublic || name.at(i)->kind == Namespace::Kind::Public;
+    }
+    // Names that only code can have mean those without a namespace.
+    return !knowsPublic && (node.ns == nullptr || node.ns->uri.view().empty());
 }
 
 void collect(const Multiname& name, XmlNode& node, TracedList<XmlNode*>& out)

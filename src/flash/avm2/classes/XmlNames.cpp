@@ -1,0 +1,157 @@
+#include "flash/avm2/classes/XmlMethods.h"
+
+#include <algorithm>
+
+namespace flash::avm2::classes
+{
+
+namespace xml
+{
+
+namespace
+{
+bool hasName(const XmlNode& node)
+{
+    return node.kind != XmlNode::Kind::Text && node.kind != XmlNode::Kind::Comment;
+}
+} // namespace
+Value localName(Call& call)
+{
+    const XmlNode& node = one(call);
+    return hasName(node) ? Value(node.name.string()) : Value::null();
+}
+Value name(Call& call)
+{
+    const XmlNode& node = one(call);
+    if (!hasName(node)) return Value::null();
+    QNameObject* made = newQName(call.vm, node.ns != nullptr ? node.ns : call.vm.publicNs(), node.name);
+    made->attribute = node.kind == XmlNode::Kind::Attribute;
+    return Value(made);
+}
+Value setName(Call& call)
+{
+    XmlNode& node = one(call);
+    if (!hasName(node)) return {};
+    node.prefix = {};
+    node.ns = node.kind == XmlNode::Kind::Element ? call.vm.defaultXmlNs : call.vm.publicNs();
+    if (auto* qname = as<QNameObject>(call.arg(0))) {
+        node.name = qname->name;
+        if (qname->ns != nullptr && node.kind != XmlNode::Kind::Instruction) node.ns = qname->ns;
+    } else {
+        node.name = call.vm.names().intern(call.vm.toString(call.arg(0)));
+    }
+    return {};
+}
+Value setLocalName(Call& call)
+{
+    XmlNode& node = one(call);
+    if (!hasName(node)) return {};
+    auto* qname = as<QNameObject>(call.arg(0));
+    node.name = qname != nullptr ? qname->name : call.vm.names().intern(call.vm.toString(call.arg(0)));
+    return {};
+}
+namespace
+{
+Value namespaceValue(Vm& vm, const XmlNode::Declaration& declaration)
+{
+    auto* made = static_cast<NamespaceObject*>(vm.newNamespace(declaration.ns));
+    made->prefix = declaration.prefix;
+    return Value(made);
+}
+} // namespace
+Value xmlNamespace(Call& call)
+{
+    XmlNode& node = one(call);
+    if (!call.has(0)) {
+        if (!hasName(node)) return Value::null();
+        for (XmlNode* at = &node; at != nullptr; at = at->parent) {
+            for (const auto& declaration : at->declarations) {
+                if (declaration.ns == node.ns) return namespaceValue(call.vm, declaration);
+            }
+        }
+        // A prefix that means something else by now is none.
+        const bool isPlain = node.ns == nullptr || node.ns->uri.view().empty();
+        return namespaceValue(call.vm, {isPlain ? Value(call.vm.common().empty.string()) : Value(),
+                                        node.ns != nullptr ? node.ns : call.vm.publicNs()});
+    }
+    const auto wanted = call.vm.text(call.arg(0));
+    for (XmlNode* at = &node; at != nullptr; at = at->parent) {
+        for (const auto& declaration : at->declarations) {
+            if (declaration.prefix.isString() && declaration.prefix.string()->view() == wanted)
+                return namespaceValue(call.vm, declaration);
+        }
+    }
+    return {};
+}
+Value inScopeNamespaces(Call& call)
+{
+    auto* list = static_cast<ArrayObject*>(call.vm.newArray());
+    std::vector<std::u16string_view> seen;
+    for (XmlNode* at = &one(call); at != nullptr; at = at->parent) {
+        for (const auto& declaration : at->declarations) {
+            const auto prefix =
+                declaration.prefix.isString() ? declaration.prefix.string()->view() : std::u16string_view();
+            if (std::ranges::find(seen, prefix) != seen.end()) continue;
+            seen.push_back(prefix);
+            list->push(call.vm, namespaceValue(call.vm, declaration));
+        }
+    }
+    if (list->length() == 0)
+        list->push(call.vm,
+                   namespaceValue(call.vm, {Value(call.vm.common().empty.string()), call.vm.publicNs()}));
+    return Value(list);
+}
+Value namespaceDeclarations(Call& call)
+{
+    auto* list = static_cast<ArrayObject*>(call.vm.newArray());
+    for (const auto& declaration : one(call).declarations)
+        list->push(call.vm, namespaceValue(call.vm, declaration));
+    return Value(list);
+}
+namespace
+{
+XmlNode::Declaration declarationArg(Call& call)
+{
+    if (auto* given = as<NamespaceObject>(call.arg(0))) return {given->prefix, given->ns};
+    return {Value(),
+            call.vm.ns(Namespace::Kind::Public, call.vm.names().intern(call.vm.toString(call.arg(0))))};
+}
+} // namespace
+Value addNamespace(Call& call)
+{
+    XmlNode& node = one(call);
+    const auto declaration = declarationArg(call);
+    // Without a prefix there is nothing to declare.
+    if (!declaration.prefix.isString()) return call.self;
+    for (auto& known : node.declarations) {
+        if (known.prefix.isString() && declaration.prefix.isString() &&
+            known.prefix.string()->view() == declaration.prefix.string()->view()) {
+            known.ns = declaration.ns;
+            return call.self;
+        }
+    }
+    if (node.kind == XmlNode::Kind::Element) node.declarations.push_back(declaration);
+    return call.self;
+}
+Value removeNamespace(Call& call)
+{
+    XmlNode& node = one(call);
+    const auto declaration = declarationArg(call);
+    std::erase_if(node.declarations, [&](const auto& known) { return known.ns == declaration.ns; });
+    return call.self;
+}
+Value setNamespace(Call& call)
+{
+    XmlNode& node = one(call);
+    if (!hasName(node)) return {};
+    const auto declaration = declarationArg(call);
+    node.ns = declaration.ns;
+    node.prefix = declaration.prefix;
+    XmlNode* element = node.kind == XmlNode::Kind::Attribute ? node.parent : &node;
+    if (element != nullptr && declaration.prefix.isString() && !declaration.ns->uri.view().empty())
+        element->declarations.push_back(declaration);
+    return {};
+}
+} // namespace xml
+
+} // namespace flash::avm2::classes
