@@ -73,6 +73,7 @@ private:
             if (atEnd()) return false;
             if (peek() == u'{') {
                 ++m_at;
+                if (selectors.empty() && m_version >= StyleSheet::kActionScript3) selectors.emplace_back();
                 return true;
             }
             if (peek() == u',') {
@@ -112,7 +113,7 @@ private:
             if (atEnd()) return false;
             std::u16string value(m_css.substr(valueBegin, m_at - valueBegin));
             if (peek() == u';') ++m_at;
-            if (name.empty()) continue;
+            if (name.empty() && m_version < StyleSheet::kActionScript3) continue;
             const auto same = [&](const auto& property) { return property.first == name; };
             const auto known = std::find_if(properties.begin(), properties.end(), same);
             if (known != properties.end())

@@ -25,6 +25,8 @@ public:
     };
     /// @param version of the movie: up to 7 a rule must not consist of white space
     /// @returns the rules in the order of the text; nothing when it is no style sheet
+    /// For parse(): rules and properties without a name count, too.
+    static constexpr int kActionScript3 = 1000;
     static std::optional<std::vector<Rule>> parse(std::u16string_view css, int version = 8);
 
     /// A list of font families as the name of a font, in which several may stand. UTF-8.

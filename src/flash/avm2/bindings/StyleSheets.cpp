@@ -68,7 +68,7 @@ Value parseCss(Call& call)
 {
     Vm& vm = call.vm;
     auto& sheet = self(call);
-    const auto rules = stage::StyleSheet::parse(vm.text(call.arg(0)));
+    const auto rules = stage::StyleSheet::parse(vm.text(call.arg(0)), stage::StyleSheet::kActionScript3);
     if (!rules) return {};
     for (const stage::StyleSheet::Rule& rule : *rules) {
         Root<Object> style(vm.heap(), vm.newObject());

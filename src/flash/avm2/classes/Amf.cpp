@@ -88,9 +88,9 @@ protected:
     {
         for (std::uint32_t at = 0; (at = object->nextIndex(m_vm, at)) != 0;) {
             if (at <= from) continue;
+            const std::string name = toUtf8(m_vm.text(object->nextName(m_vm, at)));
             const Value item = object->nextValue(m_vm, at);
-            if (isFunction(item)) continue;
-            write(toUtf8(m_vm.text(object->nextName(m_vm, at))), item);
+            if (!isFunction(item)) write(name, item);
         }
     }
 

@@ -71,7 +71,14 @@ Value pop(Call& call)
 {
     auto& array = self(call);
     if (array.length() == 0) return {};
-    const Value last = array.at(call.vm, array.length() - 1);
+    // Behind holes at the end it is the last that is there.
+    std::uint32_t at = array.length() - 1;
+    if (!array.holds(call.vm, at) && !array.items.empty() && array.tableIfAny() == nullptr) {
+        at = std::min(at, static_cast<std::uint32_t>(array.items.size()) - 1);
+        while (at > 0 && array.items[at].isHole()) --at;
+    }
+    const Value last = array.at(call.vm, at);
+    array.erase(call.vm, at);
     array.setLength(array.length() - 1);
     return last;
 }

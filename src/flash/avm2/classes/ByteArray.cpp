@@ -1,5 +1,6 @@
 #include "flash/avm2/classes/ByteArray.h"
 
+#include "base/TextCode.h"
 #include "flash/avm2/classes/Amf.h"
 
 #include <zlib.h>
@@ -197,7 +198,29 @@ Value writeUtfBytes(Call& call)
     self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     return {};
 }
-Value readMultiByte(Call& call) { return textOf(call, call.vm.toUint(call.arg(0))); }
+/// The code of a name in an argument; null when it is none of 8 bits, or not known.
+std::shared_ptr<const base::TextCode> codeArg(Call& call, std::uint32_t i)
+{
+    return base::TextCode::named(toUtf8(call.vm.text(call.arg(i))));
+}
+/// Names that are not known mean UTF-8.
+Value readMultiByte(Call& call)
+{
+    const std::size_t count = call.vm.toUint(call.arg(0));
+    const auto code = codeArg(call, 1);
+    if (!code) return textOf(call, count);
+    const auto bytes = self(call).read(call.vm, count);
+    const std::string text(bytes.begin(), bytes.end());
+    return call.vm.string(code->decode(std::string_view(text).substr(0, text.find('\0'))));
+}
+Value writeMultiByte(Call& call)
+{
+    const std::u16string text(call.vm.text(call.arg(0)));
+    const auto code = codeArg(call, 1);
+    const std::string bytes = code ? code->encode(text) : toUtf8(text);
+    self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    return {};
+}
 
 Value readBytes(Call& call)
 {
@@ -245,7 +268,16 @@ Value toString(Call& call)
     if (array == nullptr) return call.vm.common().empty.string();
     std::string text(array->content.begin(), array->content.end());
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
-    return call.vm.string(std::string_view(text));
+    const bool isLittle = text.starts_with("\xFF\xFE");
+    if (!isLittle && !text.starts_with("\xFE\xFF")) return call.vm.string(std::string_view(text));
+    // By its mark the text has two bytes to a character.
+    std::u16string wide;
+    for (std::size_t i = 2; i + 1 < text.size(); i += 2) {
+        const auto first = static_cast<unsigned char>(text[i]),
+                   second = static_cast<unsigned char>(text[i + 1]);
+        wide += static_cast<char16_t>(isLittle ? first | second << 8U : first << 8U | second);
+    }
+    return call.vm.string(std::move(wide));
 }
 
 int windowOf(Call& call, std::u16string_view algorithm)
@@ -357,7 +389,7 @@ constexpr NativeMember kMembers[] = {
     {"writeDouble", Kind::Method, &writeDouble, 1, 1},
     {"writeUTF", Kind::Method, &writeUtf, 1, 1},
     {"writeUTFBytes", Kind::Method, &writeUtfBytes, 1, 1},
-    {"writeMultiByte", Kind::Method, &writeUtfBytes, 2, 2},
+    {"writeMultiByte", Kind::Method, &writeMultiByte, 2, 2},
     {"writeBytes", Kind::Method, &writeBytes, 1, 3},
     {"writeObject", Kind::Method, &writeObject, 1, 1},
     {"clear", Kind::Method, &clear, 0, 0},

@@ -138,6 +138,10 @@ public:
     }
     bool hasExotic(Vm& vm, const Multiname& name) override
     {
+        // A name with a namespace is asked for as one text, even when it is one of the object's own.
+        if (name.runtime && name.single != nullptr && !name.single->isPublic() && !name.name.isNull())
+            return vm.toBoolean(
+                ask(vm, "hasProperty", {Value(vm.string(qualified(name.single, name.name)))}));
         if (!name.name.isNull() && m_traits->find(name) != nullptr) return false;
         return vm.toBoolean(
             ask(vm, "hasProperty",

@@ -193,7 +193,8 @@ Value construct(Call& call)
     if (call.count == 0)
         date.ms = std::trunc(call.vm.host().wallClockMs() + call.vm.host().timeMs());
     else if (call.count == 1) {
-        const Value value = call.vm.toPrimitive(call.arg(0));
+        // Only a text is read as a date, not what an object would become.
+        const Value value = call.arg(0);
         date.ms = clipped(value.isString() ? parse(value.string()->view()) : call.vm.toNumber(value));
     } else {
         date.ms = clipped(toUtc(fromParts(call)));

@@ -120,9 +120,11 @@ std::u16string bodyOf(Vm& vm, const Traits& traits)
     }
     std::set<std::pair<const Atom*, std::int32_t>> seen;
     for (const Traits::Entry& entry : traits.entries()) {
-        const bool isShown =
-            entry.ns->isPublic() || entry.ns == vm.as3Ns() || entry.ns->kind == Namespace::Kind::Explicit;
-        if (isShown && seen.emplace(entry.name.cell(), entry.binding.id).second)
+        // Of what has a namespace only the class's own members are told; of Object none is.
+        const bool hasUri = entry.ns == vm.as3Ns() || entry.ns->kind == Namespace::Kind::Explicit;
+        const bool isOwn = entry.declaredBy == &traits && traits.base != nullptr;
+        if ((entry.ns->isPublic() || (hasUri && isOwn)) &&
+            seen.emplace(entry.name.cell(), entry.binding.id).second)
             text += member(vm, traits, entry);
     }
     return text;

@@ -27,10 +27,10 @@ Value constructNamespace(Call& call)
         made.prefix = made.ns->uri.view().empty() ? Value(vm.common().empty.string()) : Value();
     }
     if (call.count >= 2) {
-        if (call.arg(0).isNullish()) {
+        String* prefix = vm.toString(call.arg(0));
+        if (call.arg(0).isNullish() && !made.ns->uri.view().empty()) {
             made.prefix = Value();
         } else {
-            String* prefix = vm.toString(call.arg(0));
             if (made.ns->uri.view().empty() && !prefix->isEmpty())
                 vm.throwError(ErrorClass::Type, 1098,
                               u"Illegal prefix " + std::u16string(prefix->view()) + u" for no namespace.");

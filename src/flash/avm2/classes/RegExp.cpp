@@ -227,7 +227,6 @@ Value RegExpObject::replace(Vm& vm, const std::u16string& text, Value with)
         if (!isGlobal) break;
     }
     if (copied < text.size()) result += std::u16string_view(text).substr(copied);
-    if (isGlobal) lastIndex = 0;
     return vm.string(std::move(result));
 }
 
@@ -244,15 +243,15 @@ Value RegExpObject::split(Vm& vm, const std::u16string& text, double limit)
         if (groups.empty()) break;
         const auto start = static_cast<std::size_t>(groups[0].first),
                    end = static_cast<std::size_t>(groups[0].second);
-        if (end == copied || (start == end && start >= text.size())) {
-            ++at;
+        // What matches nothing parts nothing.
+        if (start == end) {
+            at = start + 1;
             continue;
         }
         result->push(vm, Value(vm.string(text.substr(copied, start - copied))));
-        for (std::size_t i = 1; i < groups.size() && result->length() < limit; ++i)
-            result->push(vm, part(vm, text, groups[i]));
-        copied = end;
-        at = end + (start == end ? 1 : 0);
+        // Groups come whole, even beyond the limit.
+        for (std::size_t i = 1; i < groups.size(); ++i) result->push(vm, part(vm, text, groups[i]));
+        copied = at = end;
     }
     if (result->length() < limit) result->push(vm, Value(vm.string(text.substr(copied))));
     return result;
@@ -303,7 +302,11 @@ Value test(Call& call) { return !exec(call).isNull(); }
 Value toString(Call& call)
 {
     auto* pattern = as<RegExpObject>(call.self);
-    if (pattern == nullptr) return call.vm.string(std::u16string(u"/(?:)/"));
+    if (pattern == nullptr) {
+        if (call.self.isObject() && call.self.object() == call.vm.classes().regExp->prototype)
+            return call.vm.string(std::u16string(u"/(?:)/"));
+        pattern = &self(call);
+    }
     std::u16string text = u"/" + pattern->source + u"/";
     if (pattern->isGlobal) text += u'g';
     if (pattern->ignoresCase) text += u'i';

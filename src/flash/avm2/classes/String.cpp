@@ -129,7 +129,10 @@ Value inCase(Call& call)
     std::u16string result(text.size(), 0);
     for (std::size_t i = 0; i < text.size(); ++i) {
         // Unit by unit: no character becomes two.
-        result[i] = upper ? QChar(text[i]).toUpper().unicode() : QChar(text[i]).toLower().unicode();
+        constexpr char16_t kDottedI = 0x130;
+        result[i] = upper                 ? QChar(text[i]).toUpper().unicode()
+                    : text[i] == kDottedI ? u'i'
+                                          : QChar(text[i]).toLower().unicode();
     }
     return call.vm.string(std::move(result));
 }

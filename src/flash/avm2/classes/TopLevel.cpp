@@ -2,6 +2,8 @@
 #include "flash/avm2/classes/DescribeType.h"
 #include "flash/avm2/classes/Library.h"
 
+#include <QChar>
+
 #include <array>
 
 #include <algorithm>
@@ -21,6 +23,14 @@ Value trace(Call& call)
     }
     // Every kind of line end is one.
     std::ranges::replace(line, u'\r', u'\n');
+    // Halves of characters cannot be shown.
+    constexpr char16_t kUnknown = 0xFFFD;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (QChar::isHighSurrogate(line[i]) && i + 1 < line.size() && QChar::isLowSurrogate(line[i + 1]))
+            ++i;
+        else if (QChar::isSurrogate(line[i]))
+            line[i] = kUnknown;
+    }
     call.vm.host().trace(line);
     return {};
 }

@@ -1,11 +1,28 @@
+#include "base/TextCodes.h"
 #include "flash/avm2/classes/Domains.h"
 #include "flash/avm2/classes/Library.h"
+
+#include <QChar>
 
 namespace flash::avm2::classes
 {
 
 namespace
 {
+
+/// A text whose halves of characters are replaced.
+std::u16string whole(std::u16string text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isPair =
+            QChar::isHighSurrogate(text[i]) && i + 1 < text.size() && QChar::isLowSurrogate(text[i + 1]);
+        if (isPair)
+            ++i;
+        else if (QChar::isSurrogate(text[i]))
+            text[i] = u'\xFFFD';
+    }
+    return text;
+}
 
 Value getTimer(Call& call) { return std::trunc(call.vm.host().timeMs()); }
 
@@ -136,6 +153,53 @@ Value getClassByAlias(Call& call)
     return found->second;
 }
 
+/// Every byte of the text in UTF-8 that is no letter or digit, as "%" and two digits. Ends at a NUL.
+Value escapeMultiByte(Call& call)
+{
+    const std::u16string given(call.vm.text(call.arg(0)));
+    std::u16string result;
+    for (const char byte : base::utf8FromUtf16(whole(given.substr(0, given.find(u'\0'))))) {
+        const auto code = static_cast<unsigned char>(byte);
+        const bool isKept =
+            (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z');
+        if (isKept) {
+            result += static_cast<char16_t>(code);
+        } else {
+            constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
+            result += {u'%', kDigits[code >> 4U], kDigits[code & 15U]};
+        }
+    }
+    return call.vm.string(std::move(result));
+}
+
+int hexDigit(char unit)
+{
+    return unit >= '0' && unit <= '9'                     ? unit - '0'
+           : (unit | 0x20) >= 'a' && (unit | 0x20) <= 'f' ? (unit | 0x20) - 'a' + 10
+                                                          : -1;
+}
+
+/// The way back. A digit that is none is passed over with all before it.
+Value unescapeMultiByte(Call& call)
+{
+    const std::string text = base::utf8FromUtf16(whole(std::u16string(call.vm.text(call.arg(0)))));
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\0') break;
+        if (text[i] != '%') {
+            result += text[i];
+            continue;
+        }
+        int value = 0;
+        for (int k = 0; k < 2 && value >= 0; ++k) {
+            const int digit = ++i < text.size() ? hexDigit(text[i]) : -1;
+            value = digit < 0 ? -1 : value * 16 + digit;
+        }
+        if (value >= 0) result += static_cast<char>(value);
+    }
+    return call.vm.string(fromUtf8(result));
+}
+
 constexpr NativeMember kDomainMembers[] = {
     {"currentDomain", Kind::StaticGetter, &currentDomainValue},
     {"MIN_DOMAIN_MEMORY_LENGTH", Kind::StaticGetter, &minMemory},
@@ -161,6 +225,10 @@ constexpr NativeFunctionInfo kFunctions[] = {
     {"flash.utils", "getQualifiedClassName", &getQualifiedClassName, 1, 1},
     {"flash.utils", "getQualifiedSuperclassName", &getQualifiedSuperclassName, 1, 1},
     {"flash.utils", "getDefinitionByName", &getDefinitionByName, 1, 1},
+    {"flash.utils", "escapeMultiByte", &escapeMultiByte, 1, 1},
+    {"flash.utils", "unescapeMultiByte", &unescapeMultiByte, 1, 1},
+    {"avmplus", "getQualifiedClassName", &getQualifiedClassName, 1, 1},
+    {"avmplus", "getQualifiedSuperclassName", &getQualifiedSuperclassName, 1, 1},
     {"flash.net", "registerClassAlias", &registerClassAlias, 2, 2},
     {"flash.net", "getClassByAlias", &getClassByAlias, 1, 1},
 };

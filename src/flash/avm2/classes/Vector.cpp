@@ -163,7 +163,7 @@ Value splice(Call& call)
         std::clamp(std::isnan(wanted) ? 0.0 : std::trunc(wanted), 0.0, size - static_cast<double>(from)));
     RootedList<Value> values(call.vm.heap());
     for (const Value value : call.rest(2)) values.push_back(call.vm.coerce(value, vector.elementType()));
-    if (values.size() != count) needsChangeable(call, vector);
+    // Even a fixed vector changes its length so.
     if (from + count > vector.items.size()) return {};
     auto* removed = sameKind(call, vector);
     const auto begin = vector.items.begin() + static_cast<std::ptrdiff_t>(from);

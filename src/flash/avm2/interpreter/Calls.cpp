@@ -42,8 +42,7 @@ void Vm::resolveTypes(Code& code, const MethodEnv& env)
     code.minArguments = code.declared - static_cast<std::uint32_t>(
                                             std::min<std::size_t>(info.optionals.size(), code.declared));
     code.takesMore = (info.flags & (abc::MethodInfo::NeedRest | abc::MethodInfo::NeedArguments)) != 0;
-    code.isUnchecked = env.role == MethodEnv::Role::Function && code.returnType == nullptr &&
-                       info.optionals.empty() &&
+    code.isUnchecked = env.role == MethodEnv::Role::Function && info.optionals.empty() &&
                        std::ranges::all_of(code.parameterTypes, [](auto* type) { return type == nullptr; });
 }
 

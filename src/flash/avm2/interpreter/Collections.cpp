@@ -24,11 +24,16 @@ bool ArrayObject::indexOf(const Multiname& name, std::uint32_t& index)
 Value ArrayObject::at(Vm& vm, std::uint32_t index)
 {
     if (index < items.size() && !items[index].isHole()) return items[index];
-    if (!m_table && m_proto->tableIfAny() == nullptr) return {};
-    // What an array does not have its prototypes may.
+    const auto* parent = as<ArrayObject>(m_proto);
+    if (!m_table && m_proto->tableIfAny() == nullptr && (parent == nullptr || parent->items.empty()))
+        return {};
+    // What an array does not have its prototypes may; the first of them is an array, too.
     const Name name = vm.names().fromIndex(index);
     int left = 64;
     for (Object* from = this; from != nullptr && --left > 0; from = from->proto()) {
+        if (auto* array = as<ArrayObject>(from);
+            array != nullptr && index < array->items.size() && !array->items[index].isHole())
+            return array->items[index];
         if (from->tableIfAny() == nullptr) continue;
         const std::uint32_t position = from->tableIfAny()->find(name);
         if (position != PropertyTable::kMissing) return from->tableIfAny()->at(position).value;

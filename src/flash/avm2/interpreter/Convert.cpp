@@ -17,7 +17,7 @@ std::u16string fromUtf8(std::string_view utf8)
         const std::size_t length = first < 0x80        ? 1
                                    : first >> 5U == 6  ? 2
                                    : first >> 4U == 14 ? 3
-                                   : first >> 3U == 30 ? 4
+                                   : first >= 0xF0     ? 4
                                                        : 0;
         std::uint32_t code = length == 1   ? first
                              : length == 2 ? first & 0x1FU
@@ -29,6 +29,9 @@ std::u16string fromUtf8(std::string_view utf8)
             good = (next & 0xC0U) == 0x80;
             code = code << 6U | (next & 0x3FU);
         }
+        // What is written longer than it needs to be, or lies beyond all characters, is no character.
+        constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+        good = good && code >= kLeast[length] && code <= 0x10FFFF;
         if (!good) {
             text += static_cast<char16_t>(first);
             ++i;

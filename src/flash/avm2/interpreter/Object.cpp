@@ -115,6 +115,8 @@ Value FunctionObject::construct(Vm& vm, std::span<const Value> args)
     if (m_isBound || m_env->role == MethodEnv::Role::Method)
         vm.throwError(ErrorClass::Type, 1064,
                       std::u16string(u"Cannot call method ") + fromUtf8("") + u" as constructor.");
+    // One that was taken away is made anew.
+    if (m_prototype.isNullish()) m_hasPrototype = false;
     const Value wanted = prototype(vm);
     Object* proto = wanted.asObject();
     auto* made = vm.heap().make<Object>(vm.classes().object->instances,
@@ -132,7 +134,7 @@ Value FunctionObject::prototype(Vm& vm)
         made->table().setHidden(vm.common().constructor, true);
         setPrototype(made);
     }
-    return m_prototype;
+    return m_prototype.isNull() ? Value() : m_prototype;
 }
 
 ClassObject::ClassObject(Vm& vm, Traits* statics, Traits* instances, ClassObject* base)

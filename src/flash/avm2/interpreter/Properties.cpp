@@ -252,16 +252,9 @@ bool Vm::remove(Value base, const Multiname& given)
         if (object->deleteExotic(*this, given, deleted)) return deleted;
     }
     const Multiname name = spelled(*this, given);
-    if (traits->find(name) != nullptr) {
-        if (!object->isDynamic())
-            throwError(ErrorClass::Reference, 1120,
-                       u"Cannot delete property " + nameText(name) + u" on " + typeName(*this, base) + u".");
-        return false;
-    }
+    if (traits->find(name) != nullptr) return false;
     if (object->exotic() == Exotic::Last && object->deleteExotic(*this, name, deleted)) return deleted;
-    if (!object->isDynamic())
-        throwError(ErrorClass::Reference, 1120,
-                   u"Cannot delete property " + nameText(name) + u" on " + typeName(*this, base) + u".");
+    if (!object->isDynamic()) return false;
     if (name.name.isNull() || !name.hasPublic()) return true;
     if (object->tableIfAny() != nullptr) object->tableIfAny()->remove(name.name);
     return true;

@@ -1,0 +1,60 @@
+// movie: version="17" rate="20"
+import flash.geom.Point;
+import flash.utils.ByteArray;
+import flash.utils.escapeMultiByte;
+import flash.utils.unescapeMultiByte;
+function attempt(work:Function):void
+{
+    try {
+        trace(work());
+    } catch (error:Error) {
+        trace(error.errorID);
+    }
+}
+
+// Behind holes it is the last element that goes.
+var list:Array = [1, 2];
+list.length = 4;
+trace(list.pop(), list.length, list.pop(), list.length, list[0]);
+
+// What matches nothing parts nothing, and groups come whole.
+trace("abc".split(/x*/).length, "a1b2c".split(/(\d)/, 1).join());
+var pattern:RegExp = /a/g;
+pattern.lastIndex = 1;
+trace("aaa".replace(pattern, "b"), pattern.lastIndex);
+attempt(function():* { return RegExp.prototype.toString.call({}); });
+
+trace("\u0130".toLowerCase(), String.fromCharCode(0xD800) == "\uD800");
+trace(escapeMultiByte("a-\u0436"), unescapeMultiByte("%D0%B6%GAb"));
+
+var bytes:ByteArray = new ByteArray();
+bytes.writeMultiByte("\u0436\u0449", "windows-1251");
+trace(bytes.length, bytes[0]);
+bytes.position = 0;
+trace(bytes.readMultiByte(2, "windows-1251") == "\u0436\u0449");
+bytes.clear();
+bytes.writeByte(0xFF);
+bytes.writeByte(0xFE);
+bytes.writeByte(0x36);
+bytes.writeByte(0x04);
+trace(bytes.toString() == "\u0436");
+
+// A prototype that was taken away is made anew.
+var made:Function = function():* {};
+made.prototype = null;
+trace(made.prototype);
+new made();
+trace(made.prototype);
+
+trace(new Date({valueOf: function():* { return "Tue Feb 1 05:12:30 2005"; }}).time);
+attempt(function():* { return new Namespace(null, "").uri; });
+
+// Most classes take no properties beyond their own.
+attempt(function():* { return new Point()["other"]; });
+var point:Object = new Point();
+attempt(function():* { return delete point.other; });
+
+var fixed:Vector.<int> = new <int>[1, 2, 3];
+fixed.fixed = true;
+fixed.splice(0, 2);
+trace(fixed.length);
