@@ -87,6 +87,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
      .name = "SimpleButton",
      .base = "flash.display::InteractiveObject",
+     .flags = NativeClass::Sealed,
      .constructor = &constructButton,
      .minArguments = 0,
      .maxArguments = 4,

@@ -63,9 +63,12 @@ public:
         }
         return false;
     }
-    [[nodiscard]] int totalFrames() const
+    [[nodiscard]] int totalFrames() const { return timeline != nullptr ? timeline->statedFrameCount : 1; }
+    /// As far as a script can send it: a file may have more frames than it states.
+    [[nodiscard]] int lastFrame() const
     {
-        return timeline != nullptr ? std::max<int>(1, timeline->statedFrameCount) : 1;
+        const int present = timeline != nullptr ? static_cast<int>(timeline->frames.size()) : 1;
+        return std::max({1, totalFrames(), present});
     }
     [[nodiscard]] bool isInButton() const { return parent != nullptr && isButtonState; }
     [[nodiscard]] bool isClip() const { return timeline != nullptr; }

@@ -153,6 +153,15 @@ Value convertPoint(Call& call)
     const swf::Point given = pointOf(objectArg(call, 0, "flash.geom::Point", "point"));
     const swf::Point twips{std::round(given.x * kTwips), std::round(given.y * kTwips)};
     auto& object = self(call);
+    if (const swf::Matrix space = spaceOf(object); !toGlobal && space.isInvertible()) {
+        // The way back moves by whole twips, too.
+        const swf::Matrix back = space.inverted();
+        const auto shifted = [](double turned, double moved) {
+            return (std::round(turned) + std::round(moved)) / kTwips;
+        };
+        return newPoint(call.vm, shifted(back.a * twips.x + back.c * twips.y, back.tx),
+                        shifted(back.b * twips.x + back.d * twips.y, back.ty));
+    }
     const swf::Point at = toGlobal ? spaceOf(object).map(twips) : toLocal(object, twips);
     constexpr double kSlack = 1e-6; // of a twip, for what products leave
     const auto cut = [](double value) { return std::trunc(value + std::copysign(kSlack, value)) / kTwips; };

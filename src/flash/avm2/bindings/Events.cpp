@@ -316,6 +316,10 @@ constexpr NativeConstant kEventConstants[] = {
     {"TAB_INDEX_CHANGE", 0, "tabIndexChange"},
     {"UNLOAD", 0, "unload"},
     {"FRAME_LABEL", 0, "frameLabel"},
+    {"CONTEXT3D_CREATE", 0, "context3DCreate"},
+    {"TEXTURE_READY", 0, "textureReady"},
+    {"TEXT_INTERACTION_MODE_CHANGE", 0, "textInteractionModeChange"},
+    {"VIDEO_FRAME", 0, "videoFrame"},
 };
 constexpr NativeConstant kPhases[] = {{"CAPTURING_PHASE", 1}, {"AT_TARGET", 2}, {"BUBBLING_PHASE", 3}};
 constexpr NativeConstant kMouseConstants[] = {
@@ -354,6 +358,16 @@ constexpr NativeConstant kHttpConstants[] = {{"HTTP_STATUS", 0, "httpStatus"},
                                              {"HTTP_RESPONSE_STATUS", 0, "httpResponseStatus"}};
 constexpr NativeConstant kNetConstants[] = {{"NET_STATUS", 0, "netStatus"}};
 constexpr NativeConstant kAsyncConstants[] = {{"ASYNC_ERROR", 0, "asyncError"}};
+constexpr NativeConstant kDataConstants[] = {{"DATA", 0, "data"},
+                                             {"UPLOAD_COMPLETE_DATA", 0, "uploadCompleteData"}};
+constexpr NativeConstant kSampleConstants[] = {{"SAMPLE_DATA", 0, "sampleData"}};
+constexpr NativeConstant kScreenConstants[] = {
+    {"FULL_SCREEN", 0, "fullScreen"},
+    {"FULL_SCREEN_INTERACTIVE_ACCEPTED", 0, "fullScreenInteractiveAccepted"}};
+constexpr NativeConstant kMenuConstants[] = {{"MENU_ITEM_SELECT", 0, "menuItemSelect"},
+                                             {"MENU_SELECT", 0, "menuSelect"}};
+constexpr NativeConstant kActivityConstants[] = {{"ACTIVITY", 0, "activity"}};
+constexpr NativeConstant kStatusConstants[] = {{"STATUS", 0, "status"}};
 constexpr NativeMember kDispatcherMembers[] = {
     {"addEventListener", Kind::Method, &addEventListener, 2, 5},
     {"removeEventListener", Kind::Method, &removeEventListener, 2, 3},
@@ -404,6 +418,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.events",
      .name = "EventDispatcher",
      .base = {},
+     .flags = NativeClass::Sealed,
      .constructor = &constructDispatcher,
      .minArguments = 0,
      .maxArguments = 1,
@@ -427,12 +442,12 @@ constexpr NativeClass kClasses[] = {
     derived("FocusEvent", "relatedObject:* shiftKey:Boolean keyCode:uint direction:String", kFocusConstants),
     derived("HTTPStatusEvent", "status:int redirected:Boolean responseURL:String", kHttpConstants),
     derived("NetStatusEvent", "info:*", kNetConstants),
-    derived("DataEvent", "data:String=", kTextConstants, "flash.events::TextEvent"),
-    derived("SampleDataEvent", "position:Number data:*", {}),
-    derived("FullScreenEvent", "fullScreen:Boolean", {}),
-    derived("ContextMenuEvent", "mouseTarget:* contextMenuOwner:*", {}),
-    derived("ActivityEvent", "activating:Boolean", {}),
-    derived("StatusEvent", "code:String level:String", {}),
+    derived("DataEvent", "data:String=", kDataConstants, "flash.events::TextEvent"),
+    derived("SampleDataEvent", "position:Number data:*", kSampleConstants),
+    derived("FullScreenEvent", "fullScreen:Boolean interactive:Boolean", kScreenConstants),
+    derived("ContextMenuEvent", "mouseTarget:* contextMenuOwner:*", kMenuConstants),
+    derived("ActivityEvent", "activating:Boolean", kActivityConstants),
+    derived("StatusEvent", "code:String level:String", kStatusConstants),
 };
 
 } // namespace

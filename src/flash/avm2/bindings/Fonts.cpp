@@ -158,6 +158,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.text",
      .name = "Font",
      .base = {},
+     .flags = NativeClass::Sealed,
      .constructor = &construct,
      .minArguments = 0,
      .maxArguments = 0,

@@ -158,7 +158,7 @@ void Player::goTo(DisplayObject& clip, int frame)
 {
     if (clip.timeline == nullptr) return;
     if (clip.isInScript) {
-        clip.queuedFrame = std::clamp(frame, 1, clip.totalFrames());
+        clip.queuedFrame = std::clamp(frame, 1, clip.lastFrame());
         return;
     }
     jump(clip, frame);
@@ -167,7 +167,7 @@ void Player::goTo(DisplayObject& clip, int frame)
 void Player::jump(DisplayObject& clip, int frame)
 {
     if (clip.timeline == nullptr) return;
-    frame = std::clamp(frame, 1, clip.totalFrames());
+    frame = std::clamp(frame, 1, clip.lastFrame());
     if (frame != clip.frame) showFrame(clip, frame);
     runNestedFrame(&clip);
 }

@@ -91,10 +91,10 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         if (!isWithin(*node.scrollRect(), node.toStage().inverted().map(point))) return Hit::None;
     }
     // One that keeps the mouse from its children is one thing.
-    if (!flag(object, kContainer, "mouseChildren"))
-        return wants && (object.hitArea != nullptr ? object.hitArea->node() : node).hitsShape(point)
-                   ? take()
-                   : Hit::None;
+    if (!flag(object, kContainer, "mouseChildren")) {
+        if (!(object.hitArea != nullptr ? object.hitArea->node() : node).hitsShape(point)) return Hit::None;
+        return wants ? take() : Hit::Parent;
+    }
     bool isShown = false; // by a child that does not take it
     RootedList<DisplayObject*> children(m_player.vm().heap(), object.children.begin(), object.children.end());
     for (std::size_t i = children.size(); i-- > 0;) {

@@ -2,6 +2,7 @@
 
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Display.h"
+#include "flash/avm2/bindings/EventKinds.h"
 #include "flash/avm2/bindings/Events.h"
 #include "flash/avm2/bindings/Graphics.h"
 #include "flash/avm2/bindings/Loader.h"
@@ -17,6 +18,7 @@ std::span<const NativeLibrary> bindingsLibrary()
     static const std::array kLibraries = {
         NativeLibrary{recordClasses(), {}},
         NativeLibrary{eventClasses(), {}},
+        NativeLibrary{eventKindClasses(), {}},
         NativeLibrary{geometryClasses(), {}},
         NativeLibrary{matrixClasses(), {}},
         NativeLibrary{vector3DClasses(), {}},

@@ -35,7 +35,7 @@ struct ScenePart {
 std::vector<ScenePart> scenesOf(Call& call, const DisplayObject& clip)
 {
     std::vector<ScenePart> parts;
-    const int total = clip.totalFrames();
+    const int total = std::max(1, clip.totalFrames());
     if (const LoadedMovie* own = clip.isRoot ? Player::of(call.vm).loaded(clip.movie) : nullptr) {
         for (const auto& scene : own->tags.scenes) {
             if (!parts.empty()) parts.back().count = static_cast<int>(scene.frame) + 1 - parts.back().first;
@@ -66,7 +66,7 @@ std::vector<FrameName> namesOf(Call& call, const DisplayObject& clip)
 {
     std::vector<FrameName> names;
     const LoadedMovie* own = clip.isRoot ? Player::of(call.vm).loaded(clip.movie) : nullptr;
-    if (own != nullptr && !own->tags.labels.empty()) {
+    if (own != nullptr && (!own->tags.labels.empty() || !own->tags.scenes.empty())) {
         for (const auto& label : own->tags.labels)
             names.push_back({static_cast<int>(label.frame) + 1, label.name});
         return names;

@@ -302,6 +302,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.net",
      .name = "Responder",
      .base = {},
+     .flags = NativeClass::Sealed,
      .constructor = &constructResponder,
      .minArguments = 1,
      .maxArguments = 2,

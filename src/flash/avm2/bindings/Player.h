@@ -95,6 +95,7 @@ public:
     void constructAll(DisplayObject& object);
     /// @param index among the children as they are without the child
     void insert(DisplayObject& parent, DisplayObject& child, std::size_t index);
+    std::u16string_view chosenQuality; ///< its name, as a script gave it; static text
     enum class By : std::uint8_t { Script, Timeline };
     void removeChild(DisplayObject& parent, DisplayObject& child, By by = By::Script);
     [[nodiscard]] bool isOnStage(DisplayObject& object)

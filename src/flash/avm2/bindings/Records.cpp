@@ -48,8 +48,10 @@ constexpr C kScaleMode[] = {{"EXACT_FIT", 0, "exactFit"},
 constexpr C kAlign[] = {{"BOTTOM", 0, "B"},    {"BOTTOM_LEFT", 0, "BL"}, {"BOTTOM_RIGHT", 0, "BR"},
                         {"LEFT", 0, "L"},      {"RIGHT", 0, "R"},        {"TOP", 0, "T"},
                         {"TOP_LEFT", 0, "TL"}, {"TOP_RIGHT", 0, "TR"}};
-constexpr C kQuality[] = {
-    {"BEST", 0, "best"}, {"HIGH", 0, "high"}, {"LOW", 0, "low"}, {"MEDIUM", 0, "medium"}};
+constexpr C kQuality[] = {{"BEST", 0, "best"},        {"HIGH", 0, "high"},
+                          {"LOW", 0, "low"},          {"MEDIUM", 0, "medium"},
+                          {"HIGH_8X8", 0, "8x8"},     {"HIGH_8X8_LINEAR", 0, "8x8linear"},
+                          {"HIGH_16X16", 0, "16x16"}, {"HIGH_16X16_LINEAR", 0, "16x16linear"}};
 constexpr C kDisplayState[] = {{"FULL_SCREEN", 0, "fullScreen"},
                                {"FULL_SCREEN_INTERACTIVE", 0, "fullScreenInteractive"},
                                {"NORMAL", 0, "normal"}};
@@ -107,8 +109,8 @@ constexpr NativeClass kClasses[] = {
            "shadowColor:uint shadowAlpha:Number=1 blurX:Number=4 blurY:Number=4 strength:Number=1 "
            "quality:int=1 type:String=inner knockout:Boolean"),
     filter("ColorMatrixFilter", "matrix:*"),
-    filter("DisplacementMapFilter", "mapBitmap:* mapPoint:* componentX:uint componentY:uint mode:String=wrap "
-                                    "scaleX:Number scaleY:Number color:uint alpha:Number"),
+    filter("DisplacementMapFilter", "mapBitmap:* mapPoint:* componentX:uint componentY:uint scaleX:Number "
+                                    "scaleY:Number mode:String=wrap color:uint alpha:Number"),
     filter("ConvolutionFilter", "matrixX:Number matrixY:Number matrix:* divisor:Number=1 bias:Number "
                                 "preserveAlpha:Boolean=true clamp:Boolean=true color:uint alpha:Number"),
     filter("GradientGlowFilter",

@@ -88,7 +88,11 @@ constexpr QualityName kQualityNames[] = {
 };
 Value quality(Call& call)
 {
-    const auto* found = std::ranges::find(kQualityNames, view(call).quality(), &QualityName::quality);
+    // Several names mean the same here, and are remembered.
+    const auto* found =
+        std::ranges::find(kQualityNames, Player::of(call.vm).chosenQuality, &QualityName::set);
+    if (found == std::end(kQualityNames) || found->quality != view(call).quality())
+        found = std::ranges::find(kQualityNames, view(call).quality(), &QualityName::quality);
     return call.vm.string(found->shown);
 }
 /// What is none is not heard.
@@ -96,7 +100,9 @@ Value setQuality(Call& call)
 {
     const std::u16string name = base::asciiLowered(call.vm.text(call.arg(0)));
     const auto* found = std::ranges::find(kQualityNames, name, &QualityName::set);
-    if (found != std::end(kQualityNames)) view(call).setQuality(found->quality);
+    if (found == std::end(kQualityNames)) return {};
+    view(call).setQuality(found->quality);
+    Player::of(call.vm).chosenQuality = found->set;
     return {};
 }
 

@@ -143,6 +143,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.text",
      .name = "TextFormat",
      .base = {},
+     .flags = NativeClass::Sealed,
      .constructor = &construct,
      .minArguments = 0,
      .maxArguments = kConstructorArguments,

@@ -71,7 +71,7 @@ DisplayObject* Player::makeCharacter(const stage::MoviePtr& movie, std::uint16_t
 void Player::showFrame(DisplayObject& clip, int frame)
 {
     if (clip.timeline == nullptr) return;
-    frame = std::clamp(frame, 1, clip.totalFrames());
+    frame = std::clamp(frame, 1, clip.lastFrame());
     if (frame == clip.frame) return;
     if (LoadedMovie* own = clip.isRoot ? loaded(clip.movie) : nullptr) {
         for (int i = clip.frame; i < frame; ++i) loadScripts(*own, static_cast<std::size_t>(i));

@@ -4,6 +4,8 @@
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/Library.h"
 
+#include <vector>
+
 namespace flash::avm2
 {
 
@@ -46,16 +48,45 @@ Value setMatrix(Call& call)
 /// The player multiplies single-precision numbers, and has the stage in twips on the way.
 Value concatenatedMatrix(Call& call)
 {
-    swf::Matrix matrix = target(call).node().toStage();
-    const auto passed = [](double value) {
-        constexpr float kDown = 0.05F, kUp = 20;
-        const float down = static_cast<float>(value) * kDown;
-        return static_cast<double>(down * kUp);
-    };
-    matrix.a = passed(matrix.a);
-    matrix.b = passed(matrix.b);
-    matrix.c = passed(matrix.c);
-    matrix.d = passed(matrix.d);
+    DisplayObject& object = target(call);
+    if (Player& player = Player::of(call.vm); object.isStage || !player.isOnStage(object)) {
+        // What nothing places is told in the parts that the renderer has a pixel in, in twips.
+        const stage::Quality quality = player.stage().view().quality();
+        const std::u16string_view chosen = player.chosenQuality;
+        const double samples = quality == stage::Quality::Low      ? 1
+                               : quality == stage::Quality::Medium ? 2
+                               : chosen.starts_with(u"16x16")      ? 16
+                               : chosen.starts_with(u"8x8")        ? 8
+                                                                   : 4;
+        const double scale = swf::kTwipsPerPixel / samples;
+        swf::Matrix own = object.isStage ? swf::Matrix() : object.node().matrix();
+        own.a *= scale;
+        own.b *= scale;
+        own.c *= scale;
+        own.d *= scale;
+        own.tx = std::round(own.tx * scale);
+        own.ty = std::round(own.ty * scale);
+        return newMatrix(call.vm, own);
+    }
+    swf::Matrix matrix = object.node().toStage();
+    constexpr float kDown = 0.05F, kUp = 20;
+    std::vector<swf::Matrix> levels;
+    for (DisplayObject* at = &object; at != nullptr && !at->isStage; at = at->parent)
+        levels.push_back(at->node().matrix());
+    float a = kDown, b = 0, c = 0, d = kDown;
+    for (std::size_t i = levels.size(); i-- > 0;) {
+        const auto la = static_cast<float>(levels[i].a), lb = static_cast<float>(levels[i].b),
+                   lc = static_cast<float>(levels[i].c), ld = static_cast<float>(levels[i].d);
+        const float outer[] = {a, b, c, d};
+        a = la * outer[0] + lb * outer[2];
+        b = la * outer[1] + lb * outer[3];
+        c = lc * outer[0] + ld * outer[2];
+        d = lc * outer[1] + ld * outer[3];
+    }
+    matrix.a = static_cast<double>(a * kUp);
+    matrix.b = static_cast<double>(b * kUp);
+    matrix.c = static_cast<double>(c * kUp);
+    matrix.d = static_cast<double>(d * kUp);
     matrix.tx = std::round(matrix.tx);
     matrix.ty = std::round(matrix.ty);
     return newMatrix(call.vm, matrix);
@@ -94,6 +125,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.geom",
      .name = "Transform",
      .base = {},
+     .flags = NativeClass::Sealed,
      .constructor = &constructTransform,
      .minArguments = 1,
      .maxArguments = 1,

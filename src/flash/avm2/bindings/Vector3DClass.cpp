@@ -178,6 +178,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.geom",
      .name = "Vector3D",
      .base = {},
+     .flags = NativeClass::Sealed,
      .constructor = &assign,
      .minArguments = 0,
      .maxArguments = 4,
@@ -191,6 +192,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.geom",
      .name = "PerspectiveProjection",
      .base = {},
+     .flags = NativeClass::Sealed,
      .slots = "fieldOfView:Number=55 focalLength:Number=480 projectionCenter:*"},
 };
 

@@ -272,6 +272,7 @@ constexpr NativeClass kClasses[] = {
     {.package = "flash.xml",
      .name = "XMLDocument",
      .base = "flash.xml::XMLNode",
+     .flags = NativeClass::Sealed,
      .constructor = &construct,
      .minArguments = 0,
      .maxArguments = 1,

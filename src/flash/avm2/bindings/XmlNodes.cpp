@@ -288,6 +288,7 @@ NativeLibrary xmlNodeLibrary()
             NativeClass{.package = "flash.xml",
                         .name = "XMLNode",
                         .base = {},
+                        .flags = NativeClass::Sealed,
                         .constructor = &construct,
                         .minArguments = 2,
                         .maxArguments = 2,
