@@ -100,6 +100,7 @@ function tile(index, path, shotPath) {
   tint(button.kindIcon, PALE_ON_INK);
   var name = path.substr(Math.max(path.lastIndexOf("/"), path.lastIndexOf("\\")) + 1);
   if (name.substr(-4).toLowerCase() == ".swf") name = name.substr(0, name.length - 4);
+  button.told = name;
   var field = label(button, 6, TILE_HIGH - 21, TILE_WIDE - 12, 20, 11, ICE);
   setFitted(field, name.split("\n").join(" ").split("\r").join(" "), 4);
   field._x = Math.round((TILE_WIDE - field.textWidth - 4) / 2);
@@ -123,5 +124,6 @@ if (bottom < 390 && this.movie1 == undefined)
   setText(label(body, MARGIN, Math.max(bottom + 20, 380), WIDE, 20, 11, SKY),
       say("Файл или папку можно просто перетащить в это окно."));
 
+tellItems();
 appear(body);
 stop();

@@ -201,6 +201,7 @@ void FlashControl::setBGColor(const QString& color)
 {
     if (color.isEmpty()) {
         d->background.reset();
+        d->command(control::Background{0, 0});
         update();
         return;
     }

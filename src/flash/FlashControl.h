@@ -78,7 +78,7 @@ public:
     /// Six hexadecimal digits, red, green, blue; a leading "#" is accepted. Anything else is ignored. What is
     /// set here holds over the movie's own colour until another movie is loaded into layer 0.
     [[nodiscard]] QString BGColor() const;
-    /// @param color "RRGGBB"; empty: that of the movie which is loaded next
+    /// @param color "RRGGBB"; empty: the movie's own, and that of the one which is loaded next
     void setBGColor(const QString& color);
     /// Of the main timeline, from 0; -1 when nothing is loaded.
     [[nodiscard]] int FrameNum() const;

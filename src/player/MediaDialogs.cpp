@@ -8,13 +8,71 @@
 #include "player/SaveAs.h"
 #include "player/Texts.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
+#include <QHeaderView>
+#include <QIdentityProxyModel>
+#include <QLocale>
 #include <QMessageBox>
+#include <QTreeView>
+
+#include <algorithm>
 
 namespace player
 {
+
+namespace
+{
+
+constexpr int kSizeColumn = 1, kTypeColumn = 2, kTimeColumn = 3;
+
+/// The files of the toolkit's own dialog, which tells sizes and times in the system's language, not in that
+/// of the interface.
+class SpokenFiles : public QIdentityProxyModel
+{
+public:
+    using QIdentityProxyModel::QIdentityProxyModel;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override
+    {
+        const auto* files = qobject_cast<const QFileSystemModel*>(sourceModel());
+        const bool isOurs = index.column() == kSizeColumn || index.column() == kTimeColumn;
+        if (files == nullptr || role != Qt::DisplayRole || !isOurs)
+            return QIdentityProxyModel::data(index, role);
+        const QFileInfo file = files->fileInfo(mapToSource(index));
+        if (index.column() == kTimeColumn)
+            return QLocale().toString(file.lastModified(), QLocale::ShortFormat);
+        return file.isDir() ? QString() : QLocale().formattedDataSize(file.size(), 1);
+    }
+};
+
+/// Room for what the columns say. Desktops' own dialogs have no such list.
+void arrangeColumns(QFileDialog& dialog)
+{
+    auto* list = dialog.findChild<QTreeView*>("treeView");
+    if (list == nullptr) return;
+    constexpr QSize kRoom{760, 500};
+    constexpr int kMargins = 32;
+    dialog.setProxyModel(new SpokenFiles(&dialog));
+    dialog.resize(dialog.size().expandedTo(kRoom));
+    const auto widthOf = [list](const QString& text) {
+        return list->fontMetrics().horizontalAdvance(text) + kMargins;
+    };
+    // The name tells the type, and the names that the toolkit has for types are not in the user's language.
+    list->hideColumn(kTypeColumn);
+    QHeaderView* header = list->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(0, QHeaderView::Stretch);
+    const QString time = list->model()->headerData(kTimeColumn, Qt::Horizontal).toString();
+    header->resizeSection(kSizeColumn, widthOf(QLocale().formattedDataSize(999'900, 1)));
+    header->resizeSection(kTimeColumn,
+                          std::max(widthOf(time), widthOf(QLocale().toString(QDateTime::currentDateTime(),
+                                                                             QLocale::ShortFormat))));
+}
+
+} // namespace
 
 void prepareDialog(QFileDialog& dialog, const QString& accept)
 {
@@ -24,6 +82,7 @@ void prepareDialog(QFileDialog& dialog, const QString& accept)
     dialog.setLabelText(QFileDialog::LookIn, texts::kDialogFolder);
     dialog.setLabelText(QFileDialog::FileName, texts::kDialogName);
     dialog.setLabelText(QFileDialog::FileType, texts::kDialogType);
+    arrangeColumns(dialog);
 }
 
 namespace

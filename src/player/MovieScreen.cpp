@@ -4,6 +4,7 @@
 #include "core/Application.h"
 #include "core/RunTimeErrors.h"
 #include "flash/FlashControl.h"
+#include "player/PageItems.h"
 #include "player/Texts.h"
 #include "player/WelcomePanel.h"
 
@@ -15,8 +16,10 @@ namespace player
 
 MovieScreen::MovieScreen(QWidget& client, QWidget& window)
     : m_widget(new skin::SkinControl("SWF", 0, &client, &window)),
-      m_control(new flash::FlashControl(m_widget)), m_layout(new QStackedLayout(m_widget))
+      m_control(new flash::FlashControl(m_widget)), m_pageItems(new PageItems(*m_control)),
+      m_layout(new QStackedLayout(m_widget))
 {
+    PageItems::installAccessibility();
     m_layout->addWidget(m_control);
     m_widget->show();
 }
@@ -25,6 +28,7 @@ bool MovieScreen::showsControl() const { return m_layout->currentWidget() == m_c
 
 void MovieScreen::LoadMovie(int layer, const QString& url)
 {
+    if (layer == 0) m_pageItems->clear();
     // A question mark in a file's own name would be taken for a query: such a file goes in as an address.
     const bool marked = url.contains('?') && core::fileExists(url);
     if (!m_control->LoadMovie(layer, marked ? QUrl::fromLocalFile(url).toString(QUrl::FullyEncoded) : url))
@@ -49,6 +53,7 @@ WelcomePanel& MovieScreen::welcome()
 
 void MovieScreen::showWelcome(const QString& message)
 {
+    m_pageItems->clear();
     m_control->LoadMovie(0, {});
     welcome().setMessage(message);
     m_layout->setCurrentWidget(m_welcome);

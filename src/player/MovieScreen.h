@@ -14,6 +14,7 @@ class FlashControl;
 namespace player
 {
 
+class PageItems;
 class WelcomePanel;
 
 /// What fills the movie's place: the Flash control, or the panel that stands in where there is no welcome
@@ -31,6 +32,8 @@ public:
     [[nodiscard]] const flash::FlashControl& control() const { return *m_control; }
     /// Made when it is first asked for: where the welcome page is there it never is.
     [[nodiscard]] WelcomePanel& welcome();
+    /// What the page in the control shows, for those who do not see it.
+    [[nodiscard]] PageItems& pageItems() { return *m_pageItems; }
     /// Whether the control is shown, be it with a movie or a page.
     [[nodiscard]] bool showsControl() const;
 
@@ -48,6 +51,7 @@ signals:
 private:
     skin::SkinControl* m_widget;
     flash::FlashControl* m_control;
+    PageItems* m_pageItems;
     WelcomePanel* m_welcome = nullptr;
     QStackedLayout* m_layout;
 };

@@ -36,7 +36,10 @@ QString moviesForPage(const core::Application& application, const QStringList& r
     };
     for (int i = 0; i < movies.size(); ++i) {
         query += QString("&movie%1=").arg(i + 1) + encoded(movies[i]);
-        const QString picture = application.CachePath + media::CacheName(movies[i], ".jpg");
+        QString picture = application.CachePath + media::CacheName(movies[i], ".jpg");
+        // Nobody has to have played a sample for it to be shown.
+        if (!core::fileExists(picture) && QFileInfo(movies[i]).path() == samples.path())
+            picture = application.GadgetsPath + "samples/" + QFileInfo(movies[i]).completeBaseName() + ".png";
         if (core::fileExists(picture)) query += QString("&shot%1=").arg(i + 1) + encoded(picture);
     }
     return query;

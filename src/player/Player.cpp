@@ -11,6 +11,7 @@
 #include "player/MenuCommands.h"
 #include "player/OutsideDialog.h"
 #include "player/PageAddresses.h"
+#include "player/PageItems.h"
 #include "player/ScreenNote.h"
 #include "player/SettlingBox.h"
 #include "player/Texts.h"
@@ -154,7 +155,9 @@ void Player::connectControl()
     m_menus.setMovieHasKeyboard([this] { return control().hasFocus() && control().listensToKeys(); });
     connect(&control(), &flash::FlashControl::FSCommand, this,
             [this](const QString& command, const QString& argument) {
-                m_pageQueue.put({command, argument, senderOfSignal()});
+                const Outside::Sender sender = senderOfSignal();
+                if (sender.isOwnPage && m_movieScreen.pageItems().take(command, argument)) return;
+                m_pageQueue.put({command, argument, sender});
             });
     connect(&control(), &flash::FlashControl::OnReadyStateChange, this, [this](int state) {
         constexpr int kComplete = 4;

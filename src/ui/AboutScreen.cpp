@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextDocumentFragment>
 #include <QVBoxLayout>
 
 namespace ui
@@ -34,6 +35,8 @@ frmAbout::frmAbout(QWidget* parent, const QString& address, int quality)
     setWindowTitle(texts::kAboutWindow);
     m_SWF->setObjectName("SWF");
     m_SWF->setQuality(quality);
+    m_SWF->setAccessibleName(core::GetAppVersion());
+    m_SWF->setAccessibleDescription(QTextDocumentFragment::fromHtml(paragraphs()).toPlainText());
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_SWF);

@@ -156,6 +156,15 @@ TEST_F(Beginning, ShowsTheWelcomePageWithTheReason)
     EXPECT_EQ(player.StatusText(), "Готово");
     EXPECT_EQ(player.windowTitle(), "Zorvex");
 
+    // One that does not begin with its colour stands on it all the same, whatever was shown before.
+    const QString later = compile("later", R"(<movie version="8" width="100" height="80" rate="10"
+      background="#16202E"><frame/></movie>)");
+    QFile::remove(path("media/gadgets/welcome.swf"));
+    QFile::copy(later, path("media/gadgets/welcome.swf"));
+    player.CloseMedia({});
+    EXPECT_EQ(player.control().BGColor(), "16202E");
+    EXPECT_EQ(QColor(player.control().grab().toImage().pixel(9, 9)).name(), "#16202e");
+
     // A page that is broken gives way to the panel, and does not load itself for ever.
     put("media/gadgets/welcome.swf", media::withHeader("CWS", 6, 1000, media::movieBody()));
     player.CloseMedia("Причина");

@@ -2,6 +2,7 @@
 
 #include "Environment.h"
 #include "PlayerWindow.h"
+#include "core/Files.h"
 #include "core/Texts.h"
 #include "flash/FlashControl.h"
 #include "player/Advice.h"
@@ -224,6 +225,18 @@ TEST_F(PlayerWindow, WelcomesWithoutAFileAndSaysWhatFailed)
     EXPECT_FALSE(showsPanel(player));
     EXPECT_TRUE(player.menus().item("mnuSaveAs").isEnabled());
     EXPECT_EQ(player.menus().item("mnuMRU0").isVisible(), true);
+
+    // File managers give a name in windows-1251 by its bytes.
+    const QString old = core::fileName("\xEF\xF0\xE8\xE2\xE5\xF2.swf");
+    ASSERT_TRUE(base::replaceFile(core::filePath(path(old)), media::plainMovie()));
+    QMimeData data;
+    data.setData("text/uri-list", "file://" + path({}).toUtf8() + "/%EF%F0%E8%E2%E5%F2.swf\r\n");
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&player, &enter);
+    QDropEvent event({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&player, &event);
+    EXPECT_TRUE(waitFor([&] { return player.windowTitle() == "Zorvex - привет.swf"; }))
+        << player.windowTitle().toStdString();
 
     // The engine refuses what identification let pass: a movie that says it is compressed and is not.
     drop(player, put("broken.swf", media::withHeader("CWS", 5, 1000, media::movieBody())));

@@ -99,6 +99,8 @@ function hairline(clip, x, y, w, h, r) {
 
 // --- Texts. They are shown as they stand: a name with "<" in it is a name.
 
+var labels = [];
+
 function label(parent, x, y, w, h, size, color, font) {
   var depth = parent.getNextHighestDepth(), name = "text" + depth;
   parent.createTextField(name, depth, x, y, w, h);
@@ -106,13 +108,14 @@ function label(parent, x, y, w, h, size, color, font) {
   field.embedFonts = true;
   field.selectable = false;
   field.setNewTextFormat(new TextFormat(font == undefined ? SANS : font, size, color));
+  labels.push(field);
   return field;
 }
 
 // Letters that the page does not bring come from the machine.
 function setText(field, text) {
   field.embedFonts = isCovered(text);
-  field.text = text;
+  field.text = field.whole = text;
 }
 
 // Shortens what has no room: the last `tail` characters stay, an ellipsis stands for what is left out. With no tail
@@ -190,6 +193,7 @@ function focusOn(button) {
     focused.onPointed(false);
   }
   focused = button;
+  send("MEOWFOCUS", String(focused == null ? -1 : focused.item));
   if (focused == null) return;
   focused.ring._visible = true;
   focused.onPointed(true);
@@ -258,3 +262,41 @@ keyboard.onKeyDown = function() {
   }
 };
 Key.addListener(keyboard);
+
+// --- For those who do not see the page: the host is told what there is, a line for each button and each text that is
+// no part of a button. A button's `told` is what it says of itself, else what is written on it.
+
+function tellItems() {
+  var lines = [];
+  for (var i = 0; i < buttons.length; i++) {
+    var button = buttons[i], told = button.told;
+    if (told == undefined) told = writtenOn(button);
+    button.item = lines.length;
+    lines.push(itemLine(button.enabled ? "button" : "disabled", button, button.w, button.h, told));
+  }
+  for (var i = 0; i < labels.length; i++) {
+    var field = labels[i];
+    if (field._visible && given(field.whole) != "" && plateOf(field) == null)
+      lines.push(itemLine("text", field, field._width, field._height, field.whole));
+  }
+  send("MEOWITEMS", lines.join("\n"));
+}
+
+function plateOf(field) {
+  for (var clip = field._parent; clip != undefined; clip = clip._parent) if (clip.run != undefined) return clip;
+  return null;
+}
+
+function writtenOn(button) {
+  var told = [];
+  for (var i = 0; i < labels.length; i++)
+    if (plateOf(labels[i]) == button && labels[i]._visible && given(labels[i].whole) != "") told.push(labels[i].whole);
+  return told.join(", ");
+}
+
+function itemLine(kind, clip, w, h, told) {
+  var point = {x: clip._x, y: clip._y};
+  clip._parent.localToGlobal(point);
+  var words = told.split("\t").join(" ").split("\r").join(" ").split("\n").join(" ");
+  return [kind, point.x, point.y, w, h, words].join("\t");
+}

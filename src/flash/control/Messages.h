@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 4;
+inline constexpr std::uint32_t kProtocolVersion = 5;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
@@ -83,7 +83,8 @@ struct Settings {
 };
 struct Background {
     std::uint32_t rgb = 0;
-    auto fields() { return std::tie(rgb); }
+    std::uint8_t isSet = 1; ///< 0: the movie's own holds again
+    auto fields() { return std::tie(rgb, isSet); }
 };
 /// The area that the movie is shown in, device pixels. Between processes its pictures come along as memory.
 struct View {

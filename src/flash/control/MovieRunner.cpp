@@ -217,9 +217,13 @@ void MovieRunner::act(const Settings& settings)
 
 void MovieRunner::act(const Background& background)
 {
-    m_engine.stage().view().setHostBackground({static_cast<std::uint8_t>(background.rgb >> 16U & 255U),
-                                               static_cast<std::uint8_t>(background.rgb >> 8U & 255U),
-                                               static_cast<std::uint8_t>(background.rgb & 255U)});
+    stage::Stage& stage = m_engine.stage();
+    if (background.isSet != 0)
+        stage.view().setHostBackground({static_cast<std::uint8_t>(background.rgb >> 16U & 255U),
+                                        static_cast<std::uint8_t>(background.rgb >> 8U & 255U),
+                                        static_cast<std::uint8_t>(background.rgb & 255U)});
+    else if (stage.movie())
+        stage.view().adopt(*stage.movie());
     tellState();
 }
 
