@@ -55,6 +55,28 @@ std::string repeated(const std::string& text, int count)
     return out;
 }
 
+TEST(Compile, AClassAloneIsAMovieInActionScript3)
+{
+    MemoryFiles files;
+    files.files["src/a/b/Main.as"] =
+        "\xEF\xBB\xBF/* a */ // b\npackage a.b {\nimport flash.display.Sprite;\n"
+        "public class Main extends Sprite { public function Main() { new Other(); } } }";
+    files.files["src/a/b/Other.as"] = "package a.b { public class Other {} }";
+    files.files["Here.as"] =
+        "// movie: width=\"80\"\npackage{ public class Here extends flash.display.Sprite {} }";
+    for (const char* path : {"src/a/b/Main.as", "Here.as"}) {
+        const Compiled compiled = compile(files, path);
+        EXPECT_THAT(compiled.errors, ElementsAre()) << path;
+        ASSERT_GT(compiled.movie.size(), 4U) << path;
+        EXPECT_EQ(compiled.movie[3], 10) << path;
+    }
+    // Without a package it is a script of the older language, whatever its names begin with.
+    files.files["old.as"] = "packages = 1; /* package {";
+    EXPECT_THAT(compile(files, "old.as").errors.size(), 1U);
+    files.files["old.as"] = "packages = 1;";
+    EXPECT_EQ(compile(files, "old.as").movie[3], 8);
+}
+
 TEST(Compile, RefusesHostileScriptsWithAnError)
 {
     const struct {

@@ -1,9 +1,5 @@
 #include "swfc/source/MovieBuilder.h"
 
-#include "swfc/source/Movie.h"
-
-#include "base/TextCodes.h"
-
 #include <algorithm>
 
 namespace swfc::source
@@ -328,37 +324,6 @@ std::vector<std::uint8_t> MovieBuilder::build(const Element& root, const std::st
     if (m_diagnostics.hasErrors()) return {};
     header.frameCount = m_main.frames;
     return output::assembleMovie(header, m_main.tags);
-}
-
-std::vector<std::uint8_t> compileMovie(const std::string& path, SourceFiles& files, Diagnostics& diagnostics)
-{
-    const int file = diagnostics.addFile(path);
-    const auto content = files.read(path);
-    if (!content) {
-        diagnostics.error({file, 1, 1}, "expected a readable file: " + content.error().what);
-        return {};
-    }
-    std::string text(content->begin(), content->end());
-    std::unique_ptr<Element> root;
-    MovieBuilder builder(files, diagnostics);
-    if (path.ends_with(".as")) {
-        // The script alone: a stage is put around it. Its first line may say which.
-        constexpr std::string_view kStage = "// movie:";
-        std::string stage;
-        if (text.starts_with(kStage)) stage = text.substr(kStage.size(), text.find('\n') - kStage.size());
-        root = parseXml("<movie " + stage + "><frame><script/></frame></movie>", file, diagnostics);
-        if (root == nullptr) return {};
-        Element& script = *root->children[0]->children[0];
-        script.text = base::isUtf8(text) ? text : base::utf8FromAnsi(text);
-        script.textStart = {file, 1, 1};
-        builder.setOnlySource({script.text, path, script.textStart});
-    } else {
-        root = parseXml(text, file, diagnostics);
-        if (root == nullptr) return {};
-    }
-    auto movie = builder.build(*root, path);
-    if (diagnostics.hasErrors()) return {};
-    return movie;
 }
 
 } // namespace swfc::source
