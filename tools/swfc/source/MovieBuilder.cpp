@@ -1,5 +1,7 @@
 #include "swfc/source/MovieBuilder.h"
 
+#include "base/TextCodes.h"
+
 #include <algorithm>
 
 namespace swfc::source
