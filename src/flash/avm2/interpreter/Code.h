@@ -13,6 +13,7 @@ struct SiteCache {
     Traits* traits = nullptr;
     Binding binding;
     std::uint32_t position = 0; ///< of a dynamic property, when the binding is none
+    Name name;                  ///< of that property; the unit's
     // For names that scopes are searched for: where it was found.
     const ScopeChain* chain = nullptr;
     Object* holder = nullptr;

@@ -14,6 +14,8 @@ namespace flash::avm2
 namespace
 {
 
+constexpr int kJumpsBetweenChecks = 64;
+
 std::int32_t bits(Value value) { return static_cast<std::int32_t>(value.bits()); }
 std::uint32_t unsignedBits(Value value) { return static_cast<std::uint32_t>(value.bits()); }
 Value rawValue(std::uint32_t value) { return vm::Value::fromBits(value); }
@@ -51,7 +53,8 @@ Value Interpreter::run()
     static const void* const kLabels[] = {
 #define AVM2_LABEL(name) &&do_##name,
 #define AVM2_OTHER(name) &&do_other,
-        AVM2_REGISTER_OPS(AVM2_LABEL) AVM2_CALL_OPS(AVM2_LABEL) AVM2_STACK_OPS(AVM2_OTHER)
+        AVM2_REGISTER_OPS(AVM2_LABEL) AVM2_FUSED_OPS(AVM2_LABEL) AVM2_CALL_OPS(AVM2_LABEL)
+            AVM2_STACK_OPS(AVM2_OTHER)
 #undef AVM2_LABEL
 #undef AVM2_OTHER
     };
@@ -73,37 +76,45 @@ Value Interpreter::run()
 #define D r[ip->d]
 #define B r[ip->b]
 #define C r[ip->c]
-#define JUMP_IF(condition)                                                                                   \
+// An instruction that computes a value and does nothing else.
+#define COMPUTE(name, value)                                                                                 \
+    do_##name : D = value;                                                                                   \
+    NEXT;
+// The same, where computing it may throw or run script.
+#define COMPUTE_MARKED(name, value)                                                                          \
+    do_##name : MARK;                                                                                        \
+    D = value;                                                                                               \
+    NEXT;
+// A loop may go on for long: now and then somebody has to look at the clock and at the heap.
+#define JUMP_TO(target)                                                                                      \
     do {                                                                                                     \
-        if (!(condition)) NEXT;                                                                              \
-        const Ins* const target = code + ip->d;                                                              \
-        if (target <= ip) {                                                                                  \
+        const Ins* const to = code + (target);                                                               \
+        if (to <= ip && --untilCheck == 0) [[unlikely]] {                                                    \
             MARK;                                                                                            \
             vm.check();                                                                                      \
+            untilCheck = kJumpsBetweenChecks;                                                                \
         }                                                                                                    \
-        ip = target;                                                                                         \
+        ip = to;                                                                                             \
         DISPATCH();                                                                                          \
     } while (false)
+#define JUMP_IF(condition)                                                                                   \
+    do {                                                                                                     \
+        if (condition) JUMP_TO(ip->d);                                                                       \
+        NEXT;                                                                                                \
+    } while (false)
+#define BRANCH(name, condition) do_##name : JUMP_IF(condition);
+#define BRANCH_MARKED(name, condition)                                                                       \
+    do_##name : MARK;                                                                                        \
+    JUMP_IF(condition);
+    int untilCheck = kJumpsBetweenChecks;
     DISPATCH();
 
-do_Move:
-    D = B;
-    NEXT;
-do_LoadConst:
-    D = constants[ip->a];
-    NEXT;
-do_LoadInt:
-    D = rawValue(ip->a);
-    NEXT;
-do_BoxInt:
-    D = computed(bits(B));
-    NEXT;
-do_BoxUint:
-    D = computed(unsignedBits(B));
-    NEXT;
-do_UnboxInt:
-    D = rawValue(narrow(B.number()));
-    NEXT;
+    COMPUTE(Move, B)
+    COMPUTE(LoadConst, constants[ip->a])
+    COMPUTE(LoadInt, rawValue(ip->a))
+    COMPUTE(BoxInt, computed(bits(B)))
+    COMPUTE(BoxUint, computed(unsignedBits(B)))
+    COMPUTE(UnboxInt, rawValue(narrow(B.number())))
 do_ToIntV:
     if (B.isNumber()) {
         D = rawValue(narrow(B.number()));
@@ -120,9 +131,7 @@ do_ToNumberV:
         D = Value(vm.toNumber(B));
     }
     NEXT;
-do_ToBooleanV:
-    D = Value(B.isBoolean() ? B.boolean() : vm.toBoolean(B));
-    NEXT;
+    COMPUTE(ToBooleanV, Value(B.isBoolean() ? B.boolean() : vm.toBoolean(B)))
 do_CoerceString:
     if (B.isString()) {
         D = B;
@@ -142,70 +151,28 @@ do_CoerceType : {
     D = vm.coerce(B, f.unit->type(vm, static_cast<std::uint32_t>(ip->a)));
     NEXT;
 }
-do_CoerceObject:
-    D = B.isUndefined() ? Value::null() : B;
-    NEXT;
+    COMPUTE(CoerceObject, B.isUndefined() ? Value::null() : B)
 
-do_AddI:
-    D = rawValue(unsignedBits(B) + unsignedBits(C));
-    NEXT;
-do_SubI:
-    D = rawValue(unsignedBits(B) - unsignedBits(C));
-    NEXT;
-do_MulI:
-    D = rawValue(unsignedBits(B) * unsignedBits(C));
-    NEXT;
-do_AndI:
-    D = rawValue(unsignedBits(B) & unsignedBits(C));
-    NEXT;
-do_OrI:
-    D = rawValue(unsignedBits(B) | unsignedBits(C));
-    NEXT;
-do_XorI:
-    D = rawValue(unsignedBits(B) ^ unsignedBits(C));
-    NEXT;
-do_ShlI:
-    D = rawValue(unsignedBits(B) << (unsignedBits(C) & 31U));
-    NEXT;
-do_ShrI:
-    D = rawValue(bits(B) >> (unsignedBits(C) & 31U));
-    NEXT;
-do_UshrI:
-    D = rawValue(unsignedBits(B) >> (unsignedBits(C) & 31U));
-    NEXT;
-do_NotI:
-    D = rawValue(~unsignedBits(B));
-    NEXT;
-do_NegI:
-    D = rawValue(0U - unsignedBits(B));
-    NEXT;
-do_AddIK:
-    D = rawValue(unsignedBits(B) + static_cast<std::uint32_t>(ip->c));
-    NEXT;
-do_AndIK:
-    D = rawValue(unsignedBits(B) & static_cast<std::uint32_t>(ip->c));
-    NEXT;
-do_OrIK:
-    D = rawValue(unsignedBits(B) | static_cast<std::uint32_t>(ip->c));
-    NEXT;
-do_ShlIK:
-    D = rawValue(unsignedBits(B) << (static_cast<std::uint32_t>(ip->c) & 31U));
-    NEXT;
-do_ShrIK:
-    D = rawValue(bits(B) >> (static_cast<std::uint32_t>(ip->c) & 31U));
-    NEXT;
-do_UshrIK:
-    D = rawValue(unsignedBits(B) >> (static_cast<std::uint32_t>(ip->c) & 31U));
-    NEXT;
-do_AddII:
-    D = computed(static_cast<double>(bits(B)) + static_cast<double>(bits(C)));
-    NEXT;
-do_SubII:
-    D = computed(static_cast<double>(bits(B)) - static_cast<double>(bits(C)));
-    NEXT;
-do_MulII:
-    D = computed(static_cast<double>(bits(B)) * static_cast<double>(bits(C)));
-    NEXT;
+    COMPUTE(AddI, rawValue(unsignedBits(B) + unsignedBits(C)))
+    COMPUTE(SubI, rawValue(unsignedBits(B) - unsignedBits(C)))
+    COMPUTE(MulI, rawValue(unsignedBits(B) * unsignedBits(C)))
+    COMPUTE(AndI, rawValue(unsignedBits(B) & unsignedBits(C)))
+    COMPUTE(OrI, rawValue(unsignedBits(B) | unsignedBits(C)))
+    COMPUTE(XorI, rawValue(unsignedBits(B) ^ unsignedBits(C)))
+    COMPUTE(ShlI, rawValue(unsignedBits(B) << (unsignedBits(C) & 31U)))
+    COMPUTE(ShrI, rawValue(bits(B) >> (unsignedBits(C) & 31U)))
+    COMPUTE(UshrI, rawValue(unsignedBits(B) >> (unsignedBits(C) & 31U)))
+    COMPUTE(NotI, rawValue(~unsignedBits(B)))
+    COMPUTE(NegI, rawValue(0U - unsignedBits(B)))
+    COMPUTE(AddIK, rawValue(unsignedBits(B) + static_cast<std::uint32_t>(ip->c)))
+    COMPUTE(AndIK, rawValue(unsignedBits(B) & static_cast<std::uint32_t>(ip->c)))
+    COMPUTE(OrIK, rawValue(unsignedBits(B) | static_cast<std::uint32_t>(ip->c)))
+    COMPUTE(ShlIK, rawValue(unsignedBits(B) << (static_cast<std::uint32_t>(ip->c) & 31U)))
+    COMPUTE(ShrIK, rawValue(bits(B) >> (static_cast<std::uint32_t>(ip->c) & 31U)))
+    COMPUTE(UshrIK, rawValue(unsignedBits(B) >> (static_cast<std::uint32_t>(ip->c) & 31U)))
+    COMPUTE(AddII, computed(static_cast<double>(bits(B)) + static_cast<double>(bits(C))))
+    COMPUTE(SubII, computed(static_cast<double>(bits(B)) - static_cast<double>(bits(C))))
+    COMPUTE(MulII, computed(static_cast<double>(bits(B)) * static_cast<double>(bits(C))))
 do_MulToI : {
     const std::int64_t product = std::int64_t{bits(B)} * bits(C);
     constexpr std::int64_t kExact = std::int64_t{1} << 53;
@@ -222,42 +189,45 @@ do_ModII : {
     NEXT;
 }
 
-do_AddN:
-    D = computed(B.number() + C.number());
-    NEXT;
-do_SubN:
-    D = computed(B.number() - C.number());
-    NEXT;
-do_MulN:
-    D = computed(B.number() * C.number());
-    NEXT;
-do_DivN:
-    D = computed(B.number() / C.number());
-    NEXT;
-do_ModN:
-    D = computed(std::fmod(B.number(), C.number()));
-    NEXT;
-do_NegN:
-    D = computed(-B.number());
-    NEXT;
-do_AddNK:
-    D = computed(B.number() + constants[ip->c].number());
-    NEXT;
-do_SubNK:
-    D = computed(B.number() - constants[ip->c].number());
-    NEXT;
-do_MulNK:
-    D = computed(B.number() * constants[ip->c].number());
-    NEXT;
-do_DivNK:
-    D = computed(B.number() / constants[ip->c].number());
-    NEXT;
+    COMPUTE(AddN, computed(B.number() + C.number()))
+    COMPUTE(SubN, computed(B.number() - C.number()))
+    COMPUTE(MulN, computed(B.number() * C.number()))
+    COMPUTE(DivN, computed(B.number() / C.number()))
+    COMPUTE(ModN, computed(std::fmod(B.number(), C.number())))
+    COMPUTE(NegN, computed(-B.number()))
+    COMPUTE(AddNK, computed(B.number() + constants[ip->c].number()))
+    COMPUTE(SubNK, computed(B.number() - constants[ip->c].number()))
+    COMPUTE(MulNK, computed(B.number() * constants[ip->c].number()))
+    COMPUTE(DivNK, computed(B.number() / constants[ip->c].number()))
 do_AddV:
     if (B.isNumber() && C.isNumber()) {
         D = computed(B.number() + C.number());
     } else {
         MARK;
         D = vm.add(B, C);
+    }
+    NEXT;
+    COMPUTE(AddNI, computed(B.number() + bits(C)))
+    COMPUTE(SubNI, computed(B.number() - bits(C)))
+    COMPUTE(MulNI, computed(B.number() * bits(C)))
+    COMPUTE(DivNI, computed(B.number() / bits(C)))
+do_AddIV:
+    if (C.isNumber()) {
+        D = computed(bits(B) + C.number());
+    } else {
+        MARK;
+        // Which one is on the left tells where there are texts.
+        const Value number = computed(bits(B));
+        D = ip->parts != 0 ? vm.add(C, number) : vm.add(number, C);
+    }
+    NEXT;
+do_AddToI:
+    if (C.isInt()) {
+        D = rawValue(unsignedBits(B) + static_cast<std::uint32_t>(static_cast<std::int32_t>(C.number())));
+    } else {
+        MARK;
+        const Value number = computed(bits(B));
+        D = rawValue(vm.toInt(ip->parts != 0 ? vm.add(C, number) : vm.add(number, C)));
     }
     NEXT;
 #define NUMERIC(name, expression)                                                                            \
@@ -274,260 +244,63 @@ do_AddV:
     NUMERIC(DivV, x / y)
     NUMERIC(ModV, std::fmod(x, y))
 
-do_LtI:
-    D = Value(bits(B) < bits(C));
-    NEXT;
-do_LeI:
-    D = Value(bits(B) <= bits(C));
-    NEXT;
-do_EqI:
-    D = Value(bits(B) == bits(C));
-    NEXT;
-do_LtU:
-    D = Value(unsignedBits(B) < unsignedBits(C));
-    NEXT;
-do_LeU:
-    D = Value(unsignedBits(B) <= unsignedBits(C));
-    NEXT;
-do_LtN:
-    D = Value(B.number() < C.number());
-    NEXT;
-do_LeN:
-    D = Value(B.number() <= C.number());
-    NEXT;
-do_EqN:
-    D = Value(B.number() == C.number());
-    NEXT;
-do_LtV:
-    MARK;
-    D = Value(less(vm, B, C));
-    NEXT;
-do_LeV:
-    MARK;
-    D = Value(lessOrEqual(vm, B, C));
-    NEXT;
-do_EqV:
-    MARK;
-    D = Value(vm.equals(B, C));
-    NEXT;
-do_SeqV:
-    D = Value(vm.strictEquals(B, C));
-    NEXT;
-do_NotB:
-    D = Value(!B.boolean());
-    NEXT;
-do_NotV:
-    D = Value(!vm.toBoolean(B));
-    NEXT;
+    COMPUTE(LtI, Value(bits(B) < bits(C)))
+    COMPUTE(LeI, Value(bits(B) <= bits(C)))
+    COMPUTE(EqI, Value(bits(B) == bits(C)))
+    COMPUTE(LtU, Value(unsignedBits(B) < unsignedBits(C)))
+    COMPUTE(LeU, Value(unsignedBits(B) <= unsignedBits(C)))
+    COMPUTE(LtN, Value(B.number() < C.number()))
+    COMPUTE(LeN, Value(B.number() <= C.number()))
+    COMPUTE(EqN, Value(B.number() == C.number()))
+    COMPUTE_MARKED(LtV, Value(less(vm, B, C)))
+    COMPUTE_MARKED(LeV, Value(lessOrEqual(vm, B, C)))
+    COMPUTE_MARKED(EqV, Value(vm.equals(B, C)))
+    COMPUTE(SeqV, Value(vm.strictEquals(B, C)))
+    COMPUTE(NotB, Value(!B.boolean()))
+    COMPUTE(NotV, Value(!vm.toBoolean(B)))
 
-do_Jump:
-    JUMP_IF(true);
-do_JTrueB:
-    JUMP_IF(B.boolean());
-do_JFalseB:
-    JUMP_IF(!B.boolean());
-do_JTrueI:
-    JUMP_IF(unsignedBits(B) != 0);
-do_JFalseI:
-    JUMP_IF(unsignedBits(B) == 0);
-do_JTrueV:
-    JUMP_IF(B.isBoolean() ? B.boolean() : vm.toBoolean(B));
-do_JFalseV:
-    JUMP_IF(!(B.isBoolean() ? B.boolean() : vm.toBoolean(B)));
-do_JLtI:
-    JUMP_IF(bits(B) < bits(C));
-do_JLeI:
-    JUMP_IF(bits(B) <= bits(C));
-do_JEqI:
-    JUMP_IF(bits(B) == bits(C));
-do_JNeI:
-    JUMP_IF(bits(B) != bits(C));
-do_JLtIK:
-    JUMP_IF(bits(B) < ip->c);
-do_JLeIK:
-    JUMP_IF(bits(B) <= ip->c);
-do_JGtIK:
-    JUMP_IF(bits(B) > ip->c);
-do_JGeIK:
-    JUMP_IF(bits(B) >= ip->c);
-do_JEqIK:
-    JUMP_IF(bits(B) == ip->c);
-do_JNeIK:
-    JUMP_IF(bits(B) != ip->c);
-do_JLtU:
-    JUMP_IF(unsignedBits(B) < unsignedBits(C));
-do_JLeU:
-    JUMP_IF(unsignedBits(B) <= unsignedBits(C));
-do_JLtN:
-    JUMP_IF(B.number() < C.number());
-do_JLeN:
-    JUMP_IF(B.number() <= C.number());
-do_JNltN:
-    JUMP_IF(!(B.number() < C.number()));
-do_JNleN:
-    JUMP_IF(!(B.number() <= C.number()));
-do_JEqN:
-    JUMP_IF(B.number() == C.number());
-do_JNeN:
-    JUMP_IF(B.number() != C.number());
-do_JLtV:
-    MARK;
-    JUMP_IF(less(vm, B, C));
-do_JLeV:
-    MARK;
-    JUMP_IF(lessOrEqual(vm, B, C));
-do_JNltV:
-    MARK;
-    JUMP_IF(!less(vm, B, C));
-do_JNleV:
-    MARK;
-    JUMP_IF(!lessOrEqual(vm, B, C));
-do_JEqV:
-    MARK;
-    JUMP_IF(vm.equals(B, C));
-do_JNeV:
-    MARK;
-    JUMP_IF(!vm.equals(B, C));
-do_JSeqV:
-    JUMP_IF(vm.strictEquals(B, C));
-do_JSneV:
-    JUMP_IF(!vm.strictEquals(B, C));
+    BRANCH(Jump, true)
+    BRANCH(JTrueB, B.boolean())
+    BRANCH(JFalseB, !B.boolean())
+    BRANCH(JTrueI, unsignedBits(B) != 0)
+    BRANCH(JFalseI, unsignedBits(B) == 0)
+    BRANCH(JTrueV, B.isBoolean() ? B.boolean() : vm.toBoolean(B))
+    BRANCH(JFalseV, !(B.isBoolean() ? B.boolean() : vm.toBoolean(B)))
+    BRANCH(JLtI, bits(B) < bits(C))
+    BRANCH(JLeI, bits(B) <= bits(C))
+    BRANCH(JEqI, bits(B) == bits(C))
+    BRANCH(JNeI, bits(B) != bits(C))
+    BRANCH(JLtIK, bits(B) < ip->c)
+    BRANCH(JLeIK, bits(B) <= ip->c)
+    BRANCH(JGtIK, bits(B) > ip->c)
+    BRANCH(JGeIK, bits(B) >= ip->c)
+    BRANCH(JEqIK, bits(B) == ip->c)
+    BRANCH(JNeIK, bits(B) != ip->c)
+    BRANCH(JLtU, unsignedBits(B) < unsignedBits(C))
+    BRANCH(JLeU, unsignedBits(B) <= unsignedBits(C))
+    BRANCH(JLtN, B.number() < C.number())
+    BRANCH(JLeN, B.number() <= C.number())
+    BRANCH(JNltN, !(B.number() < C.number()))
+    BRANCH(JNleN, !(B.number() <= C.number()))
+    BRANCH(JEqN, B.number() == C.number())
+    BRANCH(JNeN, B.number() != C.number())
+    BRANCH_MARKED(JLtV, less(vm, B, C))
+    BRANCH_MARKED(JLeV, lessOrEqual(vm, B, C))
+    BRANCH_MARKED(JNltV, !less(vm, B, C))
+    BRANCH_MARKED(JNleV, !lessOrEqual(vm, B, C))
+    BRANCH_MARKED(JEqV, vm.equals(B, C))
+    BRANCH_MARKED(JNeV, !vm.equals(B, C))
+    BRANCH(JSeqV, vm.strictEquals(B, C))
+    BRANCH(JSneV, !vm.strictEquals(B, C))
 do_Switch : {
     const auto& targets = f.code->switches[static_cast<std::size_t>(ip->a)];
     const std::uint32_t index = unsignedBits(B);
-    const Ins* const target = code + (index < targets.size() - 1 ? targets[index] : targets.back());
-    if (target <= ip) {
-        MARK;
-        vm.check();
-    }
-    ip = target;
-    DISPATCH();
+    JUMP_TO(index < targets.size() - 1 ? targets[index] : targets.back());
 }
 
-do_GetProp : {
-    Object* const object = B.asObject();
-    if (object != nullptr && object->exotic() != Exotic::First) {
-        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
-        if (cache.traits == object->traits() &&
-            (cache.binding.kind == Binding::Kind::Slot || cache.binding.kind == Binding::Kind::Const)) {
-            D = object->slot(static_cast<std::uint32_t>(cache.binding.id));
-            NEXT;
-        }
-    }
-    MARK;
-    const Value result = getCached(B, *ip);
-    D = result;
-    NEXT;
-}
-do_SetProp:
-    if (Object* const object = B.asObject(); object != nullptr) {
-        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
-        if (cache.traits == object->traits() && cache.binding.kind == Binding::Kind::Slot) {
-            const auto slot = static_cast<std::uint32_t>(cache.binding.id);
-            const TypeRef& type = cache.traits->slotTypes[slot];
-            if (type.unit == nullptr && (type.resolved == nullptr || fitsType(C, type.resolved))) {
-                object->setSlot(slot, C);
-                NEXT;
-            }
-        }
-    }
-    MARK;
-    setCached(B, *ip, C);
-    NEXT;
-do_GetSlot:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        D = object->slot(static_cast<std::uint32_t>(ip->c));
-    } else {
-        MARK;
-        const Value result = getSlotOr(*ip, B);
-        D = result;
-    }
-    NEXT;
-do_SetSlot:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        object->setSlot(static_cast<std::uint32_t>(ip->c), r[ip->a]);
-    } else {
-        MARK;
-        setSlotOr(*ip, B, r[ip->a], false);
-    }
-    NEXT;
-do_GetSlotI:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        D = rawValue(narrow(object->slot(static_cast<std::uint32_t>(ip->c)).number()));
-    } else {
-        MARK;
-        const std::int32_t result = vm.toInt(getSlotOr(*ip, B));
-        D = rawValue(result);
-    }
-    NEXT;
-do_SetSlotI:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        object->setSlot(static_cast<std::uint32_t>(ip->c), computed(bits(r[ip->a])));
-    } else {
-        MARK;
-        setSlotOr(*ip, B, computed(bits(r[ip->a])), false);
-    }
-    NEXT;
-do_GetElemI : {
-    Object* const object = B.asObject();
-    const std::uint32_t index = unsignedBits(C);
-    if (object != nullptr && object->elements() == Object::Elements::Vector) [[likely]] {
-        const auto& items = static_cast<VectorObject*>(object)->items;
-        if (index < items.size()) {
-            D = rawValue(narrow(items[index].number()));
-            NEXT;
-        }
-    }
-    MARK;
-    const std::int32_t result = vm.toInt(elementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C))));
-    D = rawValue(result);
-    NEXT;
-}
-do_SetSlotTyped:
-    MARK;
-    setSlotOr(*ip, B, r[ip->a], true);
-    NEXT;
-do_GetElem : {
-    Object* const object = B.asObject();
-    const std::uint32_t index = unsignedBits(C);
-    if (object != nullptr) [[likely]] {
-        if (object->elements() == Object::Elements::Array) {
-            const auto& items = static_cast<ArrayObject*>(object)->items;
-            if (index < items.size() && !items[index].isHole()) {
-                D = items[index];
-                NEXT;
-            }
-        } else if (object->elements() == Object::Elements::Vector) {
-            const auto& items = static_cast<VectorObject*>(object)->items;
-            if (index < items.size()) {
-                D = items[index];
-                NEXT;
-            }
-        }
-    }
-    MARK;
-    const Value result = elementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C)));
-    D = result;
-    NEXT;
-}
-do_SetElem : {
-    Object* const object = B.asObject();
-    const std::uint32_t index = unsignedBits(C);
-    if (object != nullptr && setElementFast(*object, index, r[ip->a])) NEXT;
-    MARK;
-    setElementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C)), r[ip->a]);
-    NEXT;
-}
-do_GetAccessor : {
-    MARK;
-    const Value result = getAccessor(*ip, B);
-    D = result;
-    NEXT;
-}
+#include "flash/avm2/interpreter/LoopFused.inl"
+#include "flash/avm2/interpreter/LoopProperties.inl"
+
 do_CallEarly : {
     MARK;
     Value* const window = r + ip->d - ip->b - 1;
@@ -632,7 +405,12 @@ do_other:
 #undef D
 #undef B
 #undef C
+#undef COMPUTE
+#undef COMPUTE_MARKED
+#undef JUMP_TO
 #undef JUMP_IF
+#undef BRANCH
+#undef BRANCH_MARKED
 #undef NUMERIC
 }
 

@@ -126,6 +126,7 @@ Value Interpreter::getCached(Value base, const Ins& ins)
             cache.traits = object->traits();
             cache.binding = {};
             cache.position = position;
+            cache.name = name.name;
             return object->tableIfAny()->at(position).value;
         }
     }
@@ -168,6 +169,7 @@ void Interpreter::setCached(Value base, const Ins& ins, Value value)
             cache.traits = object->traits();
             cache.binding = {};
             cache.position = position;
+            cache.name = name.name;
         }
     }
     if (isInit)

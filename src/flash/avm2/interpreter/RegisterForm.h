@@ -12,7 +12,8 @@ namespace flash::avm2
 //
 // Fields: d is what is written, or the target of a jump. Letters at the end of a name tell what it works on:
 // I raw ints, U raw uints, N numbers, B booleans, V any values; K means that c is an immediate (a constant
-// for N).
+// for N). AddNI and the like take a number b and an int c; AddIV adds an int b to any c, which stands on the
+// left when `parts` says so.
 
 // clang-format off
 #define AVM2_REGISTER_OPS(X)                                                                                 \
@@ -22,7 +23,7 @@ namespace flash::avm2
     X(AddIK) X(AndIK) X(OrIK) X(ShlIK) X(ShrIK) X(UshrIK)                                                     \
     X(AddII) X(SubII) X(MulII) X(MulToI) X(ModII)                                                             \
     X(AddN) X(SubN) X(MulN) X(DivN) X(ModN) X(NegN) X(AddNK) X(SubNK) X(MulNK) X(DivNK)                       \
-    X(AddV) X(SubV) X(MulV) X(DivV) X(ModV)                                                                   \
+    X(AddNI) X(SubNI) X(MulNI) X(DivNI) X(AddV) X(SubV) X(MulV) X(DivV) X(ModV) X(AddIV) X(AddToI)            \
     X(LtI) X(LeI) X(EqI) X(LtU) X(LeU) X(LtN) X(LeN) X(EqN) X(LtV) X(LeV) X(EqV) X(SeqV) X(NotB) X(NotV)      \
     X(Jump) X(JTrueB) X(JFalseB) X(JTrueI) X(JFalseI) X(JTrueV) X(JFalseV)                                    \
     X(JLtI) X(JLeI) X(JEqI) X(JNeI) X(JLtIK) X(JLeIK) X(JGtIK) X(JGeIK) X(JEqIK) X(JNeIK) X(JLtU) X(JLeU)     \
@@ -30,6 +31,11 @@ namespace flash::avm2
     X(JLtV) X(JLeV) X(JNltV) X(JNleV) X(JEqV) X(JNeV) X(JSeqV) X(JSneV) X(Switch)                             \
     X(GetProp) X(SetProp) X(GetSlot) X(SetSlot) X(SetSlotTyped) X(GetElem) X(SetElem) X(GetAccessor)          \
     X(GetSlotI) X(SetSlotI) X(GetElemI) X(CallEarly) X(PushScope) X(Return) X(ReturnCoerced) X(ReturnVoid)
+
+// What several instructions in a row do, in one: the instructions it was made of stay behind it.
+#define AVM2_FUSED_OPS(X)                                                                                    \
+    X(StepLtI) X(StepLeI) X(StepLtIK) X(StepLeIK) X(StepGtIK) X(StepGeIK)                                    \
+    X(MulAddN) X(MulAddNK) X(MulAddNI) X(MulAddNKI) X(ElemAddI) X(ElemAddToI) X(SlotAddI) X(SlotAddIK)
 
 // Everything else works on the operand stack as the file has it, boxed: d is the first free register of it. a
 // and b are the operands of the file. The first of them have labels of their own in the loop.
@@ -49,7 +55,7 @@ namespace flash::avm2
 
 enum class RegisterOp : std::uint16_t {
 #define AVM2_NAME(name) name,
-    AVM2_REGISTER_OPS(AVM2_NAME) AVM2_CALL_OPS(AVM2_NAME) AVM2_STACK_OPS(AVM2_NAME)
+    AVM2_REGISTER_OPS(AVM2_NAME) AVM2_FUSED_OPS(AVM2_NAME) AVM2_CALL_OPS(AVM2_NAME) AVM2_STACK_OPS(AVM2_NAME)
 #undef AVM2_NAME
 };
 

@@ -220,6 +220,7 @@ void Translator::finish()
         m_code.handlers.push_back(handler);
     }
     m_code.catches.resize(m_body.exceptions.size());
+    fuse();
 }
 
 Ins& Translator::emit(RegisterOp op, std::int32_t d, std::int32_t a, std::int32_t b, std::int32_t c)

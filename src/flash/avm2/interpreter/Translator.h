@@ -52,6 +52,7 @@ private:
     void meet(std::uint32_t offset);
     void meetHandlers(std::uint32_t offset);
     void finish();
+    void fuse(); ///< TranslatorFusing.cpp
     Ins& emit(RegisterOp op, std::int32_t d, std::int32_t a = 0, std::int32_t b = 0, std::int32_t c = 0);
     [[nodiscard]] std::size_t depth() const { return m_stack.size(); }
     [[nodiscard]] std::int32_t reg(std::size_t depth) const

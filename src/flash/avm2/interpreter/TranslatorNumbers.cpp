@@ -55,6 +55,7 @@ void Translator::toInt(Kind kind)
         const R narrow = last.op == R::AddII   ? R::AddI
                          : last.op == R::SubII ? R::SubI
                          : last.op == R::MulII ? R::MulToI
+                         : last.op == R::AddIV ? R::AddToI
                                                : R::Move;
         if (narrow != R::Move) {
             last.op = narrow;
@@ -119,12 +120,40 @@ void Translator::numeric(R numbers, R immediate, R any)
 {
     const std::size_t x = depth() - 2, y = depth() - 1;
     const bool isNumeric = m_stack[x].type.isNumeric() && m_stack[y].type.isNumeric();
+    const auto isRaw = [&](std::size_t at) {
+        return m_stack[at].where == Operand::Where::Register && m_stack[at].rep == Rep::Int;
+    };
+    if (!isNumeric && any == R::AddV && isRaw(x) != isRaw(y)) {
+        const bool isRight = isRaw(y);
+        const std::int32_t other = boxed(isRight ? x : y), value = m_stack[isRight ? y : x].at;
+        pop(2);
+        define(R::AddIV, {}, Rep::Boxed, value, other).parts = isRight ? 1 : 0;
+        return;
+    }
     if (!isNumeric) {
         // A sum may be a text.
-        const Type result = any == R::AddV ? Type() : Type::of(Kind::Number);
+        const auto isText = [&](std::size_t at) {
+            return m_stack[at].where == Operand::Where::Constant && valueOf(m_stack[at]).isString();
+        };
+        const Type result = any != R::AddV           ? Type::of(Kind::Number)
+                            : isText(x) || isText(y) ? Type::of(Kind::String)
+                                                     : Type();
         const std::int32_t left = boxed(x), right = boxed(y);
         pop(2);
         define(any, result, Rep::Boxed, left, right);
+        return;
+    }
+    const R withInt = numbers == R::AddN   ? R::AddNI
+                      : numbers == R::SubN ? R::SubNI
+                      : numbers == R::MulN ? R::MulNI
+                      : numbers == R::DivN ? R::DivNI
+                                           : R::Move;
+    const bool turns =
+        isRaw(x) && !isRaw(y) && !isNumberConstant(y) && (numbers == R::AddN || numbers == R::MulN);
+    if (withInt != R::Move && (turns || isRaw(y))) {
+        const std::int32_t left = number(turns ? y : x), right = m_stack[turns ? x : y].at;
+        pop(2);
+        define(withInt, Type::of(Kind::Number), Rep::Boxed, left, right);
         return;
     }
     const std::int32_t left = number(x);

@@ -1,0 +1,140 @@
+// Part of the loop of Interpreter::run: properties of objects, elements of lists.
+
+do_GetProp : {
+    Object* const object = B.asObject();
+    if (object != nullptr && object->exotic() != Exotic::First) {
+        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
+        if (cache.traits == object->traits()) {
+            if (cache.binding.kind == Binding::Kind::Slot || cache.binding.kind == Binding::Kind::Const) {
+                D = object->slot(static_cast<std::uint32_t>(cache.binding.id));
+                NEXT;
+            }
+            if (PropertyTable* const table = object->tableIfAny();
+                cache.binding.kind == Binding::Kind::None && table != nullptr &&
+                table->holds(cache.position, cache.name)) {
+                D = table->at(cache.position).value;
+                NEXT;
+            }
+        }
+    }
+    MARK;
+    const Value result = getCached(B, *ip);
+    D = result;
+    NEXT;
+}
+do_SetProp:
+    if (Object* const object = B.asObject(); object != nullptr) {
+        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
+        PropertyTable* const table = object->tableIfAny();
+        if (cache.traits != object->traits()) {
+            // Something else than the last time.
+        } else if (cache.binding.kind == Binding::Kind::None && table != nullptr &&
+                   table->holds(cache.position, cache.name)) {
+            table->at(cache.position).value = C;
+            NEXT;
+        } else if (cache.binding.kind == Binding::Kind::Slot) {
+            const auto slot = static_cast<std::uint32_t>(cache.binding.id);
+            const TypeRef& type = cache.traits->slotTypes[slot];
+            if (type.unit == nullptr && (type.resolved == nullptr || fitsType(C, type.resolved))) {
+                object->setSlot(slot, C);
+                NEXT;
+            }
+        }
+    }
+    MARK;
+    setCached(B, *ip, C);
+    NEXT;
+do_GetSlot:
+    if (Object* const object = B.asObject();
+        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
+        D = object->slot(static_cast<std::uint32_t>(ip->c));
+    } else {
+        MARK;
+        const Value result = getSlotOr(*ip, B);
+        D = result;
+    }
+    NEXT;
+do_SetSlot:
+    if (Object* const object = B.asObject();
+        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
+        object->setSlot(static_cast<std::uint32_t>(ip->c), r[ip->a]);
+    } else {
+        MARK;
+        setSlotOr(*ip, B, r[ip->a], false);
+    }
+    NEXT;
+do_GetSlotI:
+    if (Object* const object = B.asObject();
+        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
+        D = rawValue(narrow(object->slot(static_cast<std::uint32_t>(ip->c)).number()));
+    } else {
+        MARK;
+        const std::int32_t result = vm.toInt(getSlotOr(*ip, B));
+        D = rawValue(result);
+    }
+    NEXT;
+do_SetSlotI:
+    if (Object* const object = B.asObject();
+        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
+        object->setSlot(static_cast<std::uint32_t>(ip->c), computed(bits(r[ip->a])));
+    } else {
+        MARK;
+        setSlotOr(*ip, B, computed(bits(r[ip->a])), false);
+    }
+    NEXT;
+do_GetElemI : {
+    Object* const object = B.asObject();
+    const std::uint32_t index = unsignedBits(C);
+    if (object != nullptr && object->elements() == Object::Elements::Vector) [[likely]] {
+        const auto& items = static_cast<VectorObject*>(object)->items;
+        if (index < items.size()) {
+            D = rawValue(narrow(items[index].number()));
+            NEXT;
+        }
+    }
+    MARK;
+    const std::int32_t result = vm.toInt(elementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C))));
+    D = rawValue(result);
+    NEXT;
+}
+do_SetSlotTyped:
+    MARK;
+    setSlotOr(*ip, B, r[ip->a], true);
+    NEXT;
+do_GetElem : {
+    Object* const object = B.asObject();
+    const std::uint32_t index = unsignedBits(C);
+    if (object != nullptr) [[likely]] {
+        if (object->elements() == Object::Elements::Array) {
+            const auto& items = static_cast<ArrayObject*>(object)->items;
+            if (index < items.size() && !items[index].isHole()) {
+                D = items[index];
+                NEXT;
+            }
+        } else if (object->elements() == Object::Elements::Vector) {
+            const auto& items = static_cast<VectorObject*>(object)->items;
+            if (index < items.size()) {
+                D = items[index];
+                NEXT;
+            }
+        }
+    }
+    MARK;
+    const Value result = elementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C)));
+    D = result;
+    NEXT;
+}
+do_SetElem : {
+    Object* const object = B.asObject();
+    const std::uint32_t index = unsignedBits(C);
+    if (object != nullptr && setElementFast(*object, index, r[ip->a])) NEXT;
+    MARK;
+    setElementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C)), r[ip->a]);
+    NEXT;
+}
+do_GetAccessor : {
+    MARK;
+    const Value result = getAccessor(*ip, B);
+    D = result;
+    NEXT;
+}

@@ -1,0 +1,80 @@
+#include "flash/avm2/interpreter/Translator.h"
+
+#include <utility>
+
+// Instructions that often stand together become one, in the place of the first. Those behind it stay: there
+// may be jumps to them.
+
+namespace flash::avm2
+{
+
+namespace
+{
+
+using R = RegisterOp;
+
+/// A step of a local, and the jump that looks at it.
+R stepAndBranch(const Ins& step, const Ins& branch)
+{
+    if (step.op != R::AddIK || step.d != step.b || branch.b != step.d) return step.op;
+    switch (branch.op) {
+    case R::JLtI: return R::StepLtI;
+    case R::JLeI: return R::StepLeI;
+    case R::JLtIK: return R::StepLtIK;
+    case R::JLeIK: return R::StepLeIK;
+    case R::JGtIK: return R::StepGtIK;
+    case R::JGeIK: return R::StepGeIK;
+    default: return step.op;
+    }
+}
+
+/// A value, and the sum it goes into. Has the value on the right where the fused form wants it there, or on
+/// the left.
+R valueAndSum(const Ins& value, Ins& sum)
+{
+    const bool isLeft = sum.b == value.d, isRight = sum.c == value.d;
+    if (isLeft == isRight) return value.op;
+    if (value.op == R::GetElemI && sum.op == R::AddI) {
+        if (isLeft) std::swap(sum.b, sum.c);
+        return R::ElemAddI;
+    }
+    if (value.op == R::GetElem && sum.op == R::AddToI && isRight) return R::ElemAddToI;
+    const bool isProduct = value.op == R::MulN, isScaled = value.op == R::MulNK;
+    if (!isProduct && !isScaled) return value.op;
+    if (sum.op == R::AddN) {
+        if (isRight) std::swap(sum.b, sum.c);
+        return isProduct ? R::MulAddN : R::MulAddNK;
+    }
+    if (sum.op == R::AddNI && isLeft) return isProduct ? R::MulAddNI : R::MulAddNKI;
+    return value.op;
+}
+
+/// What a slot holds, a sum, and the slot again.
+R stepSlot(const Ins& get, Ins& sum, const Ins& set, std::int32_t stackBase)
+{
+    if (get.op != R::GetSlotI || set.op != R::SetSlotI || get.d < stackBase) return get.op;
+    if (set.b != get.b || set.c != get.c || set.a != sum.d || sum.d == get.b) return get.op;
+    if (sum.op == R::AddIK) return sum.b == get.d ? R::SlotAddIK : get.op;
+    if (sum.op != R::AddI || (sum.b == get.d) == (sum.c == get.d)) return get.op;
+    if (sum.c == get.d) std::swap(sum.b, sum.c);
+    return R::SlotAddI;
+}
+
+} // namespace
+
+void Translator::fuse()
+{
+    auto& code = m_code.code;
+    const auto base = static_cast<std::int32_t>(m_code.stackBase());
+    for (std::size_t i = 0; i + 1 < code.size(); ++i) {
+        Ins& first = code[i];
+        if (first.op == R::AddIK)
+            first.op = stepAndBranch(first, code[i + 1]);
+        else if (first.op == R::GetSlotI && i + 2 < code.size())
+            first.op = stepSlot(first, code[i + 1], code[i + 2], base);
+        else
+            first.op = valueAndSum(first, code[i + 1]);
+    }
+}
+
+} // namespace flash::avm2
