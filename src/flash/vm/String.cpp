@@ -8,7 +8,38 @@ String::String(String* left, String* right)
 {
     // A short text costs less than a tree.
     constexpr std::size_t kShort = 24;
-    if (m_length <= kShort) flatten();
+    if (m_length <= kShort) {
+        flatten();
+        return;
+    }
+    // A text that grows at its end by little things would be a tree of as many parts. The last parts become
+    // one as soon as the next is as long as they: few stay, and each character is copied a few times at most.
+    constexpr std::size_t kLongestPiece = 4096;
+    if (m_right->m_left != nullptr) return;
+    std::size_t length = m_right->m_length;
+    String* rest = m_left;
+    const auto last = [&] { return rest->m_left != nullptr ? rest->m_right : nullptr; };
+    const auto isGathered = [&] {
+        const String* piece = last();
+        return piece != nullptr && piece->m_left == nullptr && piece->m_length <= length &&
+               piece->m_length + length <= kLongestPiece;
+    };
+    if (!isGathered()) return;
+    while (isGathered()) {
+        length += last()->m_length;
+        rest = rest->m_left;
+    }
+    std::u16string text(length, u'\0');
+    std::size_t end = length - m_right->m_length;
+    m_right->m_text.copy(text.data() + end, m_right->m_length);
+    for (const String* at = m_left; at != rest; at = at->m_left) {
+        end -= at->m_right->m_length;
+        at->m_right->m_text.copy(text.data() + end, at->m_right->m_length);
+    }
+    Heap& heap = Heap::of(*this);
+    heap.noteExternalBytes(length * sizeof(char16_t));
+    m_right = heap.make<String>(std::move(text));
+    m_left = rest;
 }
 
 void String::flatten()

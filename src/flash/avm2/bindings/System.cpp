@@ -42,6 +42,11 @@ Value setClipboard(Call& call)
     return {};
 }
 Value disposeXml(Call&) { return {}; }
+Value collect(Call& call)
+{
+    call.vm.heap().collect();
+    return {};
+}
 /// Movies do not end the player; they may ask for it by fscommand.
 Value exitPlayer(Call& call)
 {
@@ -93,7 +98,7 @@ Value serverString(Call& call)
 Value hasMultiChannel(Call&) { return false; }
 
 constexpr NativeMember kSystem[] = {
-    {"gc", Kind::Static, &doNothing, 0, 0},
+    {"gc", Kind::Static, &collect, 0, 0},
     {"totalMemory", Kind::StaticGetter, &memory, 0, 0, nullptr, "uint"},
     {"totalMemoryNumber", Kind::StaticGetter, &memory, 0, 0, nullptr, "Number"},
     {"privateMemory", Kind::StaticGetter, &memory, 0, 0, nullptr, "Number"},

@@ -2,8 +2,8 @@
 
 #include "base/TextCode.h"
 #include "flash/avm2/classes/Amf.h"
-
-#include <zlib.h>
+#include "flash/avm2/classes/ByteArrayPacking.h"
+#include "flash/avm2/classes/ClassState.h"
 
 #include <algorithm>
 #include <bit>
@@ -17,7 +17,14 @@ namespace
 
 constexpr std::size_t kMaxBytes = std::size_t{1} << 28;
 
-ByteArrayObject& self(Call& call) { return selfAs<ByteArrayObject>(call, "flash.utils.ByteArray"); }
+ByteArrayObject& self(Call& call)
+{
+    // Mostly it is just that class.
+    if (Object* const object = call.self.asObject();
+        object != nullptr && object->traits() == call.vm.classes().byteArray->instances) [[likely]]
+        return static_cast<ByteArrayObject&>(*object);
+    return selfAs<ByteArrayObject>(call, "flash.utils.ByteArray");
+}
 
 std::uint32_t indexOf(const Multiname& name)
 {
@@ -26,22 +33,39 @@ std::uint32_t indexOf(const Multiname& name)
     return name.name.isNull() || !name.hasPublic() ? Atom::kNotIndex : name.name.arrayIndex();
 }
 
+/// The number of bytes of T as a number, in the other order.
+template <class T>
+auto swapped(T bits)
+{
+    if constexpr (sizeof(T) == 8) return __builtin_bswap64(bits);
+    if constexpr (sizeof(T) == 4) return __builtin_bswap32(bits);
+    if constexpr (sizeof(T) == 2) return __builtin_bswap16(bits);
+    if constexpr (sizeof(T) == 1) return bits;
+}
+template <class T>
+using BitsOf =
+    std::conditional_t<sizeof(T) == 8, std::uint64_t,
+                       std::conditional_t<sizeof(T) == 4, std::uint32_t,
+                                          std::conditional_t<sizeof(T) == 2, std::uint16_t, std::uint8_t>>>;
+
 template <class T>
 T fetch(Call& call)
 {
     auto& array = self(call);
-    std::array<std::uint8_t, sizeof(T)> bytes{};
-    std::ranges::copy(array.read(call.vm, sizeof(T)), bytes.begin());
-    if (!array.isLittle) std::ranges::reverse(bytes);
-    return std::bit_cast<T>(bytes);
+    BitsOf<T> bits{};
+    std::memcpy(&bits, array.read(call.vm, sizeof(T)).data(), sizeof(T));
+    return std::bit_cast<T>(array.isLittle == (std::endian::native == std::endian::little) ? bits
+                                                                                           : swapped(bits));
 }
 
 template <class T>
 void store(Call& call, T value)
 {
     auto& array = self(call);
-    auto bytes = std::bit_cast<std::array<std::uint8_t, sizeof(T)>>(value);
-    if (!array.isLittle) std::ranges::reverse(bytes);
+    auto bits = std::bit_cast<BitsOf<T>>(value);
+    if (array.isLittle != (std::endian::native == std::endian::little)) bits = swapped(bits);
+    std::array<std::uint8_t, sizeof(T)> bytes{};
+    std::memcpy(bytes.data(), &bits, sizeof(T));
     array.write(call.vm, bytes);
 }
 
@@ -103,7 +127,6 @@ bool ByteArrayObject::hasExotic(Vm&, const Multiname& name)
 namespace
 {
 
-Value nothing(Call&) { return {}; }
 Value length(Call& call) { return static_cast<double>(self(call).content.size()); }
 Value setLength(Call& call)
 {
@@ -135,13 +158,18 @@ Value setEndian(Call& call)
     return {};
 }
 Value objectEncoding(Call& call) { return self(call).encoding; }
-Value setObjectEncoding(Call& call)
+int encodingOf(Call& call)
 {
     const std::uint32_t wanted = call.vm.toUint(call.arg(0));
     if (wanted != 0 && wanted != 3)
         call.vm.throwError(ErrorClass::Argument, 2008,
                            "Parameter objectEncoding must be one of the accepted values.");
-    self(call).encoding = static_cast<int>(wanted);
+    return static_cast<int>(wanted);
+}
+Value setObjectEncoding(Call& call)
+{
+    const int wanted = encodingOf(call);
+    self(call).encoding = wanted;
     return {};
 }
 
@@ -280,68 +308,34 @@ Value toString(Call& call)
     return call.vm.string(std::move(wide));
 }
 
-int windowOf(Call& call, std::u16string_view algorithm)
+Packing methodOf(Call& call)
 {
-    if (algorithm == u"zlib") return 15;
-    if (algorithm == u"deflate") return -15;
+    const auto text = call.has(0) ? call.vm.text(call.arg(0)) : std::u16string_view(u"zlib");
+    if (text == u"zlib") return Packing::Zlib;
+    if (text == u"deflate") return Packing::Deflate;
+    if (text == u"lzma") return Packing::Lzma;
     call.vm.throwError(ErrorClass::Io, 2058, "There was an error decompressing the data.");
 }
-
-Value pack(Call& call, int window)
-{
-    auto& array = self(call);
-    z_stream stream{};
-    if (deflateInit2(&stream, 9, Z_DEFLATED, window, 8, Z_DEFAULT_STRATEGY) != Z_OK) return {};
-    std::vector<std::uint8_t> out(deflateBound(&stream, array.content.size()) + 16);
-    stream.next_in = array.content.data();
-    stream.avail_in = static_cast<uInt>(array.content.size());
-    stream.next_out = out.data();
-    stream.avail_out = static_cast<uInt>(out.size());
-    deflate(&stream, Z_FINISH);
-    out.resize(stream.total_out);
-    deflateEnd(&stream);
-    array.content = std::move(out);
-    array.position = array.content.size();
-    return {};
-}
-
-Value unpack(Call& call, int window)
-{
-    auto& array = self(call);
-    z_stream stream{};
-    if (inflateInit2(&stream, window) != Z_OK) return {};
-    std::vector<std::uint8_t> out;
-    stream.next_in = array.content.data();
-    stream.avail_in = static_cast<uInt>(array.content.size());
-    int state = Z_OK;
-    while (state == Z_OK && out.size() < kMaxBytes) {
-        const std::size_t at = out.size();
-        out.resize(at + 65536);
-        stream.next_out = out.data() + at;
-        stream.avail_out = 65536;
-        state = inflate(&stream, Z_NO_FLUSH);
-        out.resize(at + 65536 - stream.avail_out);
-        if (state == Z_OK && stream.avail_in == 0 && stream.avail_out != 0) break;
-    }
-    inflateEnd(&stream);
-    if (state != Z_STREAM_END && !array.content.empty())
-        call.vm.throwError(ErrorClass::Io, 2058, "There was an error decompressing the data.");
-    array.content = std::move(out);
-    array.position = 0;
-    call.vm.heap().noteExternalBytes(array.content.size());
-    return {};
-}
-
 Value compress(Call& call)
 {
-    return pack(call, windowOf(call, call.has(0) ? call.vm.text(call.arg(0)) : u"zlib"));
+    packBytes(call.vm, self(call), methodOf(call));
+    return {};
 }
 Value uncompress(Call& call)
 {
-    return unpack(call, windowOf(call, call.has(0) ? call.vm.text(call.arg(0)) : u"zlib"));
+    unpackBytes(call.vm, self(call), methodOf(call));
+    return {};
 }
-Value deflateRaw(Call& call) { return pack(call, -15); }
-Value inflateRaw(Call& call) { return unpack(call, -15); }
+Value deflateRaw(Call& call)
+{
+    packBytes(call.vm, self(call), Packing::Deflate);
+    return {};
+}
+Value inflateRaw(Call& call)
+{
+    unpackBytes(call.vm, self(call), Packing::Deflate);
+    return {};
+}
 
 Value writeObject(Call& call)
 {
@@ -355,9 +349,26 @@ Value readObject(Call& call)
     return readAmf(call.vm, array, array.encoding);
 }
 
-int s_defaultEncoding() { return 3; }
-Value defaultEncoding(Call&) { return s_defaultEncoding(); }
-Value ignoreDefaultEncoding(Call&) { return {}; }
+struct ByteArrayState {
+    int defaultEncoding = 3;
+};
+ByteArrayState& state(Vm& vm)
+{
+    // Made with the class.
+    return *stateOf<ByteArrayState>(*vm.classes().byteArray);
+}
+Value construct(Call& call)
+{
+    self(call).encoding = state(call.vm).defaultEncoding;
+    return {};
+}
+Value defaultEncoding(Call& call) { return state(call.vm).defaultEncoding; }
+Value setDefaultEncoding(Call& call)
+{
+    state(call.vm).defaultEncoding = encodingOf(call);
+    return {};
+}
+void setUp(Vm& vm, ClassObject& cls) { addState<ByteArrayState>(vm, cls); }
 
 constexpr NativeMember kMembers[] = {
     {"length", Kind::Getter, &length, 0, 0, &setLength, "uint"},
@@ -365,19 +376,19 @@ constexpr NativeMember kMembers[] = {
     {"bytesAvailable", Kind::Getter, &bytesAvailable, 0, 0, nullptr, "uint"},
     {"endian", Kind::Getter, &endian, 0, 0, &setEndian, "String"},
     {"objectEncoding", Kind::Getter, &objectEncoding, 0, 0, &setObjectEncoding, "uint"},
-    {"defaultObjectEncoding", Kind::StaticGetter, &defaultEncoding, 0, 0, &ignoreDefaultEncoding},
-    {"readBoolean", Kind::Method, &readBoolean, 0, 0},
-    {"readByte", Kind::Method, &readNumber<std::int8_t>, 0, 0},
-    {"readUnsignedByte", Kind::Method, &readNumber<std::uint8_t>, 0, 0},
-    {"readShort", Kind::Method, &readNumber<std::int16_t>, 0, 0},
-    {"readUnsignedShort", Kind::Method, &readNumber<std::uint16_t>, 0, 0},
-    {"readInt", Kind::Method, &readNumber<std::int32_t>, 0, 0},
-    {"readUnsignedInt", Kind::Method, &readNumber<std::uint32_t>, 0, 0},
-    {"readFloat", Kind::Method, &readNumber<float>, 0, 0},
-    {"readDouble", Kind::Method, &readNumber<double>, 0, 0},
-    {"readUTF", Kind::Method, &readUtf, 0, 0},
-    {"readUTFBytes", Kind::Method, &readUtfBytes, 1, 1},
-    {"readMultiByte", Kind::Method, &readMultiByte, 2, 2},
+    {"defaultObjectEncoding", Kind::StaticGetter, &defaultEncoding, 0, 0, &setDefaultEncoding, "uint"},
+    {"readBoolean", Kind::Method, &readBoolean, 0, 0, nullptr, "Boolean"},
+    {"readByte", Kind::Method, &readNumber<std::int8_t>, 0, 0, nullptr, "int"},
+    {"readUnsignedByte", Kind::Method, &readNumber<std::uint8_t>, 0, 0, nullptr, "uint"},
+    {"readShort", Kind::Method, &readNumber<std::int16_t>, 0, 0, nullptr, "int"},
+    {"readUnsignedShort", Kind::Method, &readNumber<std::uint16_t>, 0, 0, nullptr, "uint"},
+    {"readInt", Kind::Method, &readNumber<std::int32_t>, 0, 0, nullptr, "int"},
+    {"readUnsignedInt", Kind::Method, &readNumber<std::uint32_t>, 0, 0, nullptr, "uint"},
+    {"readFloat", Kind::Method, &readNumber<float>, 0, 0, nullptr, "Number"},
+    {"readDouble", Kind::Method, &readNumber<double>, 0, 0, nullptr, "Number"},
+    {"readUTF", Kind::Method, &readUtf, 0, 0, nullptr, "String"},
+    {"readUTFBytes", Kind::Method, &readUtfBytes, 1, 1, nullptr, "String"},
+    {"readMultiByte", Kind::Method, &readMultiByte, 2, 2, nullptr, "String"},
     {"readBytes", Kind::Method, &readBytes, 1, 3},
     {"readObject", Kind::Method, &readObject, 0, 0},
     {"writeBoolean", Kind::Method, &writeBoolean, 1, 1},
@@ -406,11 +417,12 @@ constexpr NativeMember kMembers[] = {
 constinit const NativeClass kByteArray{.package = "flash.utils",
                                        .name = "ByteArray",
                                        .base = {},
-                                       .constructor = &nothing,
+                                       .constructor = &construct,
                                        .minArguments = 0,
                                        .maxArguments = 0,
                                        .allocate = &allocateNative<ByteArrayObject>,
                                        .members = kMembers,
-                                       .interfaces = "flash.utils::IDataInput flash.utils::IDataOutput"};
+                                       .interfaces = "flash.utils::IDataInput flash.utils::IDataOutput",
+                                       .setUp = &setUp};
 
 } // namespace flash::avm2::classes

@@ -10,7 +10,6 @@ namespace flash::avm2
 namespace
 {
 
-constexpr std::size_t kDeepestCalls = 1000;
 constexpr std::size_t kSpareCalls = 32;
 constexpr std::uintptr_t kNativeBytesPerCall = 16384;
 constexpr std::uintptr_t kMaxNativeStack = std::uintptr_t{5} << 20;
@@ -100,7 +99,7 @@ Value Vm::enter(MethodEnv& env, Value* window, std::uint32_t count, Object* call
     }
     // Making the error that says so takes some calls itself: a few more are allowed meanwhile.
     const std::size_t spare = static_cast<std::size_t>(m_depth) * kSpareCalls;
-    if (m_calls.size() >= kDeepestCalls + spare ||
+    if (m_calls.size() >= Interpreter::kDeepestCalls + spare ||
         m_stackBase - reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) >
             kMaxNativeStack + spare * kNativeBytesPerCall) [[unlikely]] {
         struct Spare {
@@ -113,8 +112,13 @@ Value Vm::enter(MethodEnv& env, Value* window, std::uint32_t count, Object* call
     }
     struct Level {
         TracedList<MethodEnv*>& calls;
-        Level(TracedList<MethodEnv*>& calls, MethodEnv* env) : calls(calls) { calls.push_back(env); }
-        ~Level() { calls.pop_back(); }
+        std::size_t before;
+        Level(TracedList<MethodEnv*>& calls, MethodEnv* env) : calls(calls), before(calls.size())
+        {
+            calls.push_back(env);
+        }
+        // Where an error ends it, those of the interpreter's frames are there still.
+        ~Level() { calls.resize(before); }
     } level(m_calls, &env);
     if (env.native == nullptr) return runFrame(env, window, count, callee);
     if (static_cast<int>(count) < env.minArguments ||
@@ -127,13 +131,7 @@ Value Vm::enter(MethodEnv& env, Value* window, std::uint32_t count, Object* call
 Value Vm::callInPlace(Value function, Value* window, std::uint32_t count)
 {
     if (auto* closure = as<FunctionObject>(function)) {
-        if (closure->isBound()) {
-            window[0] = closure->boundTo();
-        } else if (window[0].isNullish()) {
-            const ScopeChain* scope = closure->env()->scope;
-            Object* global = scope != nullptr ? scope->global : nullptr;
-            window[0] = global != nullptr ? Value(global) : Value(nativeGlobal());
-        }
+        Interpreter::bindReceiver(*this, *closure, window[0]);
         return enter(*closure->env(), window, count, closure);
     }
     return call(function, window[0], std::span<const Value>(window + 1, count));
@@ -152,91 +150,13 @@ Value Vm::constructInPlace(Value constructor, Value* window, std::uint32_t count
 
 Value Vm::runFrame(MethodEnv& env, Value* window, std::uint32_t given, Object* callee)
 {
-    Code* const code = env.code != nullptr ? env.code : verified(env);
-    const std::uint32_t declared = code->declared;
-    if ((given < code->minArguments || (given > declared && !code->takesMore)) && !code->isUnchecked)
-        wrongCount(static_cast<int>(code->minArguments), given);
-    const std::size_t size = code->frameSize();
-    if (static_cast<std::size_t>(m_stack.get() + kStackValues - window) <
-        std::max<std::size_t>(size, given + 1))
-        stackOverflow();
-    Value more;
-    if (code->takesMore) [[unlikely]] {
-        const std::span<const Value> args(window + 1, given);
-        if ((env.info().flags & abc::MethodInfo::NeedRest) != 0) {
-            more = newArray(given > declared ? args.subspan(declared) : std::span<const Value>());
-        } else {
-            Object* arguments = newArray(args);
-            arguments->table().set(m_common.callee,
-                                   callee != nullptr
-                                       ? Value(callee)
-                                       : Value(m_heap.make<FunctionObject>(*this, &env, window[0])));
-            arguments->table().setHidden(m_common.callee, true);
-            more = arguments;
-        }
-    }
-    if (code->self != nullptr) {
-        Object* self = window[0].asObject();
-        if (self == nullptr || (self->traits() != code->self && !self->traits()->isA(code->self)))
-            throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
-    }
     struct Release {
         Value*& top;
         Value* base;
         ~Release() { top = base; }
     } release{m_top, m_top};
-    m_top = window + size;
-    m_highest = std::max(m_highest, m_top);
-    for (std::uint32_t i = 0; i < declared; ++i) {
-        Value value;
-        if (i < given)
-            value = window[i + 1];
-        else if (i >= code->minArguments)
-            value = env.unit->constant(*this, env.info().optionals[i - code->minArguments]);
-        Traits* type = code->parameterTypes[i];
-        if (type == nullptr || fitsType(value, type))
-            window[i + 1] = value;
-        else
-            window[i + 1] = coerce(value, type);
-    }
-    std::uint32_t used = declared + 1;
-    if (code->takesMore) window[used++] = more;
-    for (Value* at = window + used; at < window + code->stackBase(); ++at) *at = Value();
-
-    Frame frame;
-    frame.env = &env;
-    frame.code = code;
-    frame.unit = env.unit;
-    frame.locals = window;
-    frame.scopes = window + code->locals;
-    frame.stack = window + code->stackBase();
-    Interpreter interpreter(*this, frame);
-    const std::size_t depth = m_calls.size();
-    for (;;) {
-        try {
-            return interpreter.run();
-        } catch (const ScriptThrow&) {
-            while (m_calls.size() > depth) m_calls.pop_back();
-            m_top = window + size;
-            const auto at = static_cast<std::uint32_t>(frame.at - code->code.data());
-            const Code::Handler* found = nullptr;
-            const Value thrown = m_thrown;
-            for (const Code::Handler& handler : code->handlers) {
-                if (at < handler.from || at >= handler.to) continue;
-                if (handler.type != 0 && !isType(thrown, env.unit->type(*this, handler.type))) continue;
-                found = &handler;
-                break;
-            }
-            if (found == nullptr) throw;
-            m_thrown = {};
-            std::fill(frame.scopes, window + size, Value());
-            frame.scopeCount = 0;
-            frame.withMask = 0;
-            frame.chain = nullptr;
-            frame.stack[0] = thrown;
-            frame.resume = found->target;
-        }
-    }
+    Interpreter interpreter(*this);
+    return interpreter.execute(env, window, given, callee);
 }
 
 } // namespace flash::avm2

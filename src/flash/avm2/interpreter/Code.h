@@ -67,6 +67,8 @@ public:
     bool takesMore = false;   ///< as rest or `arguments`
     bool isUnchecked = false; ///< takes whatever number of arguments
     bool isFunction = false;  ///< of no class
+    /// The slot that is all a method gives, when it does nothing else; -1: it does.
+    std::int32_t slotRead = -1;
     TracedList<Traits*> parameterTypes;
     Traits* returnType = nullptr;
 };

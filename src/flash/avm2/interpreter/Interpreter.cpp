@@ -58,12 +58,13 @@ Value Interpreter::run()
 #undef AVM2_LABEL
 #undef AVM2_OTHER
     };
-    Frame& f = m_frame;
     Vm& vm = m_vm;
-    const Ins* const code = f.code->code.data();
-    const Value* const constants = f.code->constants.data();
-    Value* const r = f.locals;
-    const Ins* ip = code + f.resume;
+    Frame* f = m_frame;
+    const Ins* code = f->code->code.data();
+    const Value* constants = f->code->constants.data();
+    Value* r = f->locals;
+    const Ins* ip = code + f->resume;
+    Value returned;
 
 #define DISPATCH() goto* kLabels[static_cast<std::size_t>(ip->op)]
 #define NEXT                                                                                                 \
@@ -72,7 +73,7 @@ Value Interpreter::run()
         DISPATCH();                                                                                          \
     } while (false)
 // What may throw or run script says first where it is.
-#define MARK f.at = ip
+#define MARK f->at = ip
 #define D r[ip->d]
 #define B r[ip->b]
 #define C r[ip->c]
@@ -106,6 +107,18 @@ Value Interpreter::run()
 #define BRANCH_MARKED(name, condition)                                                                       \
     do_##name : MARK;                                                                                        \
     JUMP_IF(condition);
+// A call: of verified code the loop goes on with its frame, until that returns.
+#define CALL_MAKING(env, window, count, callee, result, made)                                                \
+    do {                                                                                                     \
+        if (!begin(env, window, count, callee, result, made)) NEXT;                                          \
+        f = m_frame;                                                                                         \
+        code = f->code->code.data();                                                                         \
+        constants = f->code->constants.data();                                                               \
+        r = f->locals;                                                                                       \
+        ip = code;                                                                                           \
+        DISPATCH();                                                                                          \
+    } while (false)
+#define CALL(env, window, count, callee, result) CALL_MAKING(env, window, count, callee, result, nullptr)
     int untilCheck = kJumpsBetweenChecks;
     DISPATCH();
 
@@ -142,13 +155,13 @@ do_CoerceString:
     NEXT;
 do_CoerceType : {
     Traits* type = nullptr;
-    if (f.unit->typeIfKnown(static_cast<std::uint32_t>(ip->a), type) &&
+    if (f->unit->typeIfKnown(static_cast<std::uint32_t>(ip->a), type) &&
         (type == nullptr || fitsType(B, type))) {
         D = B;
         NEXT;
     }
     MARK;
-    D = vm.coerce(B, f.unit->type(vm, static_cast<std::uint32_t>(ip->a)));
+    D = vm.coerce(B, f->unit->type(vm, static_cast<std::uint32_t>(ip->a)));
     NEXT;
 }
     COMPUTE(CoerceObject, B.isUndefined() ? Value::null() : B)
@@ -293,47 +306,30 @@ do_AddToI:
     BRANCH(JSeqV, vm.strictEquals(B, C))
     BRANCH(JSneV, !vm.strictEquals(B, C))
 do_Switch : {
-    const auto& targets = f.code->switches[static_cast<std::size_t>(ip->a)];
+    const auto& targets = f->code->switches[static_cast<std::size_t>(ip->a)];
     const std::uint32_t index = unsignedBits(B);
     JUMP_TO(index < targets.size() - 1 ? targets[index] : targets.back());
 }
 
+#include "flash/avm2/interpreter/LoopCalls.inl"
 #include "flash/avm2/interpreter/LoopFused.inl"
 #include "flash/avm2/interpreter/LoopProperties.inl"
 
-do_CallEarly : {
-    MARK;
-    Value* const window = r + ip->d - ip->b - 1;
-    const Value result = callEarly(*ip, window);
-    *window = result;
-    NEXT;
-}
 do_PushScope:
     if (B.isObject()) [[likely]] {
-        f.scopes[f.scopeCount] = B;
-        f.withMask &= ~(std::uint64_t{1} << f.scopeCount);
-        ++f.scopeCount;
-        f.chain = nullptr;
+        f->scopes[f->scopeCount] = B;
+        f->withMask &= ~(std::uint64_t{1} << f->scopeCount);
+        ++f->scopeCount;
+        f->chain = nullptr;
     } else {
         MARK;
         pushScope(B, false);
     }
     NEXT;
-do_Return:
-    return B;
-do_ReturnCoerced:
-    if (fitsType(B, f.code->returnType)) return B;
-    MARK;
-    return vm.coerce(B, f.code->returnType);
-do_ReturnVoid:
-    if (f.code->returnType == nullptr) return {};
-    MARK;
-    return vm.coerce(Value(), f.code->returnType);
-
 do_popscope:
-    --f.scopeCount;
-    f.scopes[f.scopeCount] = Value();
-    f.chain = nullptr;
+    --f->scopeCount;
+    f->scopes[f->scopeCount] = Value();
+    f->chain = nullptr;
     NEXT;
 do_findpropstrict:
 do_findproperty : {
@@ -346,53 +342,9 @@ do_findproperty : {
 }
 do_getlex : {
     MARK;
-    const Value holder = find(f.unit->multiname(static_cast<std::uint32_t>(ip->a)), *ip, true);
+    const Value holder = find(f->unit->multiname(static_cast<std::uint32_t>(ip->a)), *ip, true);
     const Value result = getCached(holder, *ip);
     r[ip->d] = result;
-    NEXT;
-}
-do_call : {
-    MARK;
-    Value* const window = r + ip->d - ip->a - 1;
-    const Value result = vm.callInPlace(window[-1], window, static_cast<std::uint32_t>(ip->a));
-    window[-1] = result;
-    NEXT;
-}
-do_construct : {
-    MARK;
-    Value* const window = r + ip->d - ip->a - 1;
-    const Value result = vm.constructInPlace(*window, window, static_cast<std::uint32_t>(ip->a));
-    *window = result;
-    NEXT;
-}
-do_callproperty:
-do_callproplex : {
-    MARK;
-    Value* const args = r + ip->d - ip->b;
-    if (ip->parts == 0) {
-        const Value result = callCached(*ip, args - 1);
-        args[-1] = result;
-    } else {
-        Value* base = args;
-        const Multiname name = multiname(*ip, base);
-        const Value result = vm.callProperty(base[-1], name, {args, static_cast<std::size_t>(ip->b)},
-                                             ip->op == RegisterOp::callproplex);
-        base[-1] = result;
-    }
-    NEXT;
-}
-do_constructprop : {
-    MARK;
-    Value* const args = r + ip->d - ip->b;
-    if (ip->parts == 0) {
-        const Value result = constructCached(*ip, args - 1);
-        args[-1] = result;
-    } else {
-        Value* base = args;
-        const Multiname name = multiname(*ip, base);
-        const Value result = vm.constructProperty(base[-1], name, {args, static_cast<std::size_t>(ip->b)});
-        base[-1] = result;
-    }
     NEXT;
 }
 do_other:
@@ -411,6 +363,8 @@ do_other:
 #undef JUMP_IF
 #undef BRANCH
 #undef BRANCH_MARKED
+#undef CALL
+#undef CALL_MAKING
 #undef NUMERIC
 }
 

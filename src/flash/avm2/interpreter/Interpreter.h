@@ -21,26 +21,45 @@ inline bool fitsType(Value value, const Traits* type)
 
 /// One call of verified code. All its values lie on the machine's stack.
 struct Frame {
-    MethodEnv* env = nullptr;
-    Code* code = nullptr;
-    Unit* unit = nullptr;
-    Value* locals = nullptr; ///< the registers begin with them
-    Value* scopes = nullptr;
-    Value* stack = nullptr;
-    std::uint32_t scopeCount = 0;
-    std::uint64_t withMask = 0;  ///< a bit for each scope that is a `with`
-    ScopeChain* chain = nullptr; ///< the scopes as functions made here keep them; null: to be made
-    const Ins* at = nullptr;
-    std::uint32_t resume = 0;
+    MethodEnv* env;
+    Code* code;
+    Unit* unit;
+    Value* locals; ///< the registers begin with them
+    Value* scopes;
+    Value* stack;
+    std::uint64_t withMask; ///< a bit for each scope that is a `with`
+    std::uint32_t scopeCount;
+    std::uint32_t resume;
+    ScopeChain* chain; ///< the scopes as functions made here keep them; null: to be made
+    const Ins* at;
+    Value* result; ///< where the caller wants what the call gives
+    Object* made;  ///< by the caller's `new`: this is what it wants instead; null: none
 };
 
+/// Runs verified code, and the verified code that it calls, some levels deep; what is deeper, and what
+/// natives call, has an interpreter of its own. Lives on the C++ stack, where the collector finds what its
+/// frames hold.
 class Interpreter
 {
 public:
-    Interpreter(Vm& vm, Frame& frame) : m_vm(vm), m_frame(frame) {}
-    Value run();
+    explicit Interpreter(Vm& vm) : m_vm(vm) {}
+    /// @param window the receiver and, behind it, the arguments: they become the first registers
+    Value execute(MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
+    /// What `this` is for a function that is called as such.
+    static void bindReceiver(Vm& vm, const FunctionObject& closure, Value& receiver);
+    static constexpr std::size_t kDeepestCalls = 1000;
 
 private:
+    Value run();
+    void open(Frame& frame, MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
+    /// Begins a call. @returns whether its frame is the present one now; otherwise it is over
+    bool begin(MethodEnv& env, Value* window, std::uint32_t count, Object* callee, Value* result,
+               Object* made);
+    /// Ends the present call. @returns false when nobody in here has made it
+    bool leave(Value returned);
+    /// Gives up calls until there is one that handles what was thrown. @returns false when there is none
+    bool unwind();
+    bool handles(Frame& frame);
     /// Takes the runtime parts off the stack.
     Multiname multiname(const Ins& ins, Value*& sp);
     Value find(const Multiname& name, const Ins& ins, bool strict);
@@ -48,11 +67,20 @@ private:
     void setCached(Value base, const Ins& ins, Value value);
     /// @param window the receiver and the arguments
     Value callCached(const Ins& ins, Value* window);
-    Value callEarly(const Ins& ins, Value* window);
-    Value constructCached(const Ins& ins, Value* window);
+    /// The method that a call is found to mean; null when it is not that simple.
+    MethodEnv* methodOf(const Ins& ins, Value receiver)
+    {
+        const Object* object = receiver.asObject();
+        const SiteCache& cache = m_frame->code->caches[static_cast<std::size_t>(ins.cache)];
+        if (object != nullptr && cache.traits == object->traits() &&
+            cache.binding.kind == Binding::Kind::Method && object->exotic() != Exotic::First)
+            return object->traits()->methods[static_cast<std::size_t>(cache.binding.id)];
+        return cacheMethod(ins, receiver);
+    }
+    MethodEnv* cacheMethod(const Ins& ins, Value receiver);
+    Value constructCached(const Ins& ins, Value constructor, Value* window);
     Value getSlotOr(const Ins& ins, Value base);
     void setSlotOr(const Ins& ins, Value base, Value value, bool isTyped);
-    Value getAccessor(const Ins& ins, Value base);
     /// The element of an array at a number. @returns false when it is not that simple
     bool getElement(Value* sp);
     Value elementSlow(const Ins& ins, Value base, Value index);
@@ -82,8 +110,11 @@ private:
     bool hasNext(Value& object, Value& index);
     std::uint8_t* memory(Value address, std::size_t size);
 
+    static constexpr std::size_t kLevels = 16;
     Vm& m_vm;
-    Frame& m_frame;
+    Frame* m_frame = nullptr; ///< the present one
+    std::size_t m_calls = 0;  ///< of the machine, with the first frame
+    Frame m_frames[kLevels];
 };
 
 } // namespace flash::avm2

@@ -2,232 +2,13 @@
 
 #include "flash/avm2/interpreter/Collections.h"
 
-#include <algorithm>
-
 namespace flash::avm2
 {
-
-Multiname Interpreter::multiname(const Ins& ins, Value*& sp)
-{
-    const Multiname& base = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    if (ins.parts == 0) return base;
-    Multiname name = base;
-    const Value text = (ins.parts & 1U) != 0 ? *--sp : Value();
-    if ((ins.parts & 2U) != 0) {
-        const Value ns = *--sp;
-        name.list = nullptr;
-        name.count = 0;
-        Object* object = ns.asObject();
-        name.single = object != nullptr ? object->namespaceCell() : nullptr;
-        if (name.single == nullptr)
-            m_vm.throwError(ErrorClass::Type, 1034,
-                            u"Type Coercion failed: cannot convert " + std::u16string(m_vm.text(ns)) +
-                                u" to Namespace.");
-    }
-    if ((ins.parts & 1U) != 0) return m_vm.runtimeName(name, text);
-    return name;
-}
-
-Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
-{
-    Frame& f = m_frame;
-    const bool isPublic = name.hasPublic();
-    SiteCache* const site = ins.cache >= 0 ? &f.code->caches[static_cast<std::size_t>(ins.cache)] : nullptr;
-    for (std::uint32_t i = f.scopeCount; i-- > 0;) {
-        const Value scope = f.scopes[i];
-        if ((f.withMask >> i & 1U) != 0) {
-            if (m_vm.has(scope, name)) return scope;
-            continue;
-        }
-        Object* object = scope.asObject();
-        if (object == nullptr) continue;
-        const bool isKept = site != nullptr && i < SiteCache::kInnerScopes;
-        if (!isKept || site->passed[i] != object->traits()) {
-            if (object->traits()->find(name) != nullptr) return scope;
-            if (isKept) f.code->caches[static_cast<std::size_t>(ins.cache)].passed[i] = object->traits();
-        }
-        if (isPublic && object->isDynamic() && object->tableIfAny() != nullptr && !name.name.isNull() &&
-            object->tableIfAny()->find(name.name) != PropertyTable::kMissing)
-            return scope;
-    }
-    if (site != nullptr && site->holder != nullptr && site->chain == f.env->scope &&
-        site->epoch == m_vm.scopeEpoch)
-        return site->holder;
-    bool cacheable = site != nullptr;
-    Object* holder = nullptr;
-    if (f.env->scope != nullptr) {
-        const auto& scopes = f.env->scope->scopes;
-        for (std::size_t i = scopes.size(); i-- > 0 && holder == nullptr;) {
-            Object* object = scopes[i].object;
-            if (scopes[i].isWith) {
-                cacheable = false;
-                if (m_vm.has(Value(object), name)) holder = object;
-            } else if (object->traits()->find(name) != nullptr) {
-                holder = object;
-            } else if (isPublic && object->isDynamic() && !name.name.isNull()) {
-                // Additions to these cannot be seen coming.
-                if (object->traits()->cls != nullptr) cacheable = false;
-                if (object->tableIfAny() != nullptr &&
-                    object->tableIfAny()->find(name.name) != PropertyTable::kMissing) {
-                    cacheable = false;
-                    holder = object;
-                }
-            }
-        }
-        if (holder == nullptr && f.env->scope->global != nullptr) {
-            Object* global = f.env->scope->global;
-            if (global->traits()->find(name) != nullptr || m_vm.hasOwn(Value(global), name)) holder = global;
-        }
-    }
-    if (holder == nullptr) holder = f.unit->domain()->find(m_vm, name);
-    if (holder == nullptr) {
-        if (strict)
-            m_vm.throwError(ErrorClass::Reference, 1065,
-                            u"Variable " + m_vm.nameText(name) + u" is not defined.");
-        return globalScope();
-    }
-    if (cacheable) {
-        SiteCache& again = f.code->caches[static_cast<std::size_t>(ins.cache)];
-        again.chain = f.env->scope;
-        again.holder = holder;
-        again.epoch = m_vm.scopeEpoch;
-    }
-    return holder;
-}
-
-Value Interpreter::getCached(Value base, const Ins& ins)
-{
-    const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    Object* object = base.asObject();
-    if (object == nullptr || object->exotic() == Exotic::First) return m_vm.get(base, name);
-    SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
-    if (cache.traits == object->traits()) {
-        switch (cache.binding.kind) {
-        case Binding::Kind::Slot:
-        case Binding::Kind::Const: return object->slot(static_cast<std::uint32_t>(cache.binding.id));
-        case Binding::Kind::Accessor:
-        case Binding::Kind::Method: return m_vm.getBinding(base, cache.binding);
-        case Binding::Kind::None:
-            if (object->tableIfAny() != nullptr && object->tableIfAny()->holds(cache.position, name.name))
-                return object->tableIfAny()->at(cache.position).value;
-        }
-    }
-    if (const Binding* found = object->traits()->find(name)) {
-        // Write-only names tell so each time.
-        if (found->kind != Binding::Kind::Accessor || found->id >= 0) {
-            cache.traits = object->traits();
-            cache.binding = *found;
-            return m_vm.getBinding(base, *found);
-        }
-    } else if (object->exotic() == Exotic::None && object->isDynamic() && object->tableIfAny() != nullptr &&
-               !name.name.isNull() && !name.attribute && name.hasPublic()) {
-        const std::uint32_t position = object->tableIfAny()->find(name.name);
-        if (position != PropertyTable::kMissing) {
-            cache.traits = object->traits();
-            cache.binding = {};
-            cache.position = position;
-            cache.name = name.name;
-            return object->tableIfAny()->at(position).value;
-        }
-    }
-    return m_vm.get(base, name);
-}
-
-void Interpreter::setCached(Value base, const Ins& ins, Value value)
-{
-    const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    const bool isInit = ins.parts != 0;
-    Object* object = base.asObject();
-    if (object == nullptr || object->exotic() != Exotic::None) {
-        if (isInit)
-            m_vm.initialize(base, name, value);
-        else
-            m_vm.set(base, name, value);
-        return;
-    }
-    SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
-    if (cache.traits == object->traits()) {
-        if (cache.binding.kind == Binding::Kind::Slot) {
-            m_vm.setSlotTyped(*object, static_cast<std::uint32_t>(cache.binding.id), value);
-            return;
-        }
-        if (cache.binding.kind == Binding::Kind::None && object->tableIfAny() != nullptr &&
-            object->tableIfAny()->holds(cache.position, name.name)) {
-            object->tableIfAny()->at(cache.position).value = value;
-            return;
-        }
-    }
-    if (const Binding* found = object->traits()->find(name)) {
-        if (found->kind == Binding::Kind::Slot) {
-            cache.traits = object->traits();
-            cache.binding = *found;
-        }
-    } else if (object->isDynamic() && object->tableIfAny() != nullptr && !name.name.isNull() &&
-               !name.attribute && name.hasPublic()) {
-        const std::uint32_t position = object->tableIfAny()->find(name.name);
-        if (position != PropertyTable::kMissing) {
-            cache.traits = object->traits();
-            cache.binding = {};
-            cache.position = position;
-            cache.name = name.name;
-        }
-    }
-    if (isInit)
-        m_vm.initialize(base, name, value);
-    else
-        m_vm.set(base, name, value);
-}
-
-Value Interpreter::callCached(const Ins& ins, Value* window)
-{
-    const Multiname& name = m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a));
-    const auto count = static_cast<std::uint32_t>(ins.b);
-    const bool isLex = ins.op == RegisterOp::callproplex;
-    Object* object = window->asObject();
-    if (object == nullptr || object->exotic() == Exotic::First)
-        return m_vm.callProperty(*window, name, {window + 1, count}, isLex);
-    SiteCache& cache = m_frame.code->caches[static_cast<std::size_t>(ins.cache)];
-    if (cache.traits != object->traits()) {
-        const Binding* found = object->traits()->find(name);
-        if (found == nullptr || (found->kind != Binding::Kind::Method && found->kind != Binding::Kind::Slot &&
-                                 found->kind != Binding::Kind::Const))
-            return m_vm.callProperty(*window, name, {window + 1, count}, isLex);
-        cache.traits = object->traits();
-        cache.binding = *found;
-    }
-    if (cache.binding.kind == Binding::Kind::Method)
-        return m_vm.enter(*object->traits()->methods[static_cast<std::size_t>(cache.binding.id)], window,
-                          count);
-    const Value function = object->slot(static_cast<std::uint32_t>(cache.binding.id));
-    if (!isFunction(function)) return m_vm.callProperty(*window, name, {window + 1, count}, isLex);
-    if (isLex) *window = Value::null();
-    return m_vm.callInPlace(function, window, count);
-}
-
-Value Interpreter::callEarly(const Ins& ins, Value* window)
-{
-    const auto count = static_cast<std::uint32_t>(ins.b);
-    Object* object = window->asObject();
-    if (object != nullptr && static_cast<std::size_t>(ins.a) < object->traits()->methods.size()) [[likely]]
-        return m_vm.enter(*object->traits()->methods[static_cast<std::size_t>(ins.a)], window, count);
-    return m_vm.callProperty(*window, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.c)),
-                             {window + 1, count});
-}
-
-Value Interpreter::constructCached(const Ins& ins, Value* window)
-{
-    const auto count = static_cast<std::uint32_t>(ins.b);
-    const Value constructor = getCached(*window, ins);
-    if (!isFunction(constructor))
-        return m_vm.constructProperty(*window, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)),
-                                      {window + 1, count});
-    return m_vm.constructInPlace(constructor, window, count);
-}
 
 Value Interpreter::getSlotOr(const Ins& ins, Value base)
 {
     if (ins.a == 0) return getSlot(base, static_cast<std::uint32_t>(ins.c) + 1);
-    return m_vm.get(base, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)));
+    return m_vm.get(base, m_frame->unit->multiname(static_cast<std::uint32_t>(ins.a)));
 }
 
 void Interpreter::setSlotOr(const Ins& ins, Value base, Value value, bool isTyped)
@@ -236,29 +17,18 @@ void Interpreter::setSlotOr(const Ins& ins, Value base, Value value, bool isType
     if (Object* object = base.asObject(); isTyped && object != nullptr && slot < object->slotCount())
         m_vm.setSlotTyped(*object, slot, value);
     else
-        m_vm.set(base, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.cache)), value);
-}
-
-Value Interpreter::getAccessor(const Ins& ins, Value base)
-{
-    Object* object = base.asObject();
-    const auto id = static_cast<std::size_t>(ins.c);
-    if (object == nullptr || id >= object->traits()->methods.size())
-        return m_vm.get(base, m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)));
-    Value* const window = m_frame.locals + ins.cache;
-    *window = base;
-    return m_vm.enter(*object->traits()->methods[id], window, 0);
+        m_vm.set(base, m_frame->unit->multiname(static_cast<std::uint32_t>(ins.cache)), value);
 }
 
 Value Interpreter::elementSlow(const Ins& ins, Value base, Value index)
 {
     return m_vm.get(base,
-                    m_vm.runtimeName(m_frame.unit->multiname(static_cast<std::uint32_t>(ins.a)), index));
+                    m_vm.runtimeName(m_frame->unit->multiname(static_cast<std::uint32_t>(ins.a)), index));
 }
 
 void Interpreter::setElementSlow(const Ins& ins, Value base, Value index, Value value)
 {
-    m_vm.set(base, m_vm.runtimeName(m_frame.unit->multiname(static_cast<std::uint32_t>(ins.cache)), index),
+    m_vm.set(base, m_vm.runtimeName(m_frame->unit->multiname(static_cast<std::uint32_t>(ins.cache)), index),
              value);
 }
 
@@ -297,11 +67,11 @@ bool Interpreter::getElement(Value* sp)
     return object->element(at, sp[-2]);
 }
 
-Value Interpreter::pushNamespace(std::uint32_t index) { return m_vm.newNamespace(m_frame.unit->ns(index)); }
+Value Interpreter::pushNamespace(std::uint32_t index) { return m_vm.newNamespace(m_frame->unit->ns(index)); }
 
 void Interpreter::pushScope(Value value, bool isWith)
 {
-    Frame& f = m_frame;
+    Frame& f = *m_frame;
     m_vm.traitsOf(value); // null and undefined are no scopes
     f.scopes[f.scopeCount] = value;
     const std::uint64_t bit = std::uint64_t{1} << f.scopeCount;
@@ -312,7 +82,7 @@ void Interpreter::pushScope(Value value, bool isWith)
 
 ScopeChain* Interpreter::captured()
 {
-    Frame& f = m_frame;
+    Frame& f = *m_frame;
     if (f.chain != nullptr) return f.chain;
     auto* chain = m_vm.heap().make<ScopeChain>(f.env->scope != nullptr ? f.env->scope->global : nullptr);
     if (f.env->scope != nullptr) chain->scopes = f.env->scope->scopes;
@@ -326,7 +96,7 @@ ScopeChain* Interpreter::captured()
 
 Value Interpreter::outerScope(std::uint32_t index)
 {
-    const ScopeChain* chain = m_frame.env->scope;
+    const ScopeChain* chain = m_frame->env->scope;
     if (chain == nullptr || index >= chain->scopes.size())
         m_vm.throwError(ErrorClass::Verify, 1019, "Getscopeobject  is out of bounds.");
     return chain->scopes[index].object;
@@ -334,9 +104,9 @@ Value Interpreter::outerScope(std::uint32_t index)
 
 Value Interpreter::globalScope()
 {
-    const ScopeChain* chain = m_frame.env->scope;
+    const ScopeChain* chain = m_frame->env->scope;
     if (chain != nullptr && !chain->scopes.empty()) return chain->scopes.front().object;
-    if (m_frame.scopeCount > 0) return m_frame.scopes[0];
+    if (m_frame->scopeCount > 0) return m_frame->scopes[0];
     return chain != nullptr ? Value(chain->global) : Value::null();
 }
 
@@ -362,7 +132,7 @@ Value Interpreter::newClass(std::uint32_t index, Value base)
 {
     auto* cls = as<ClassObject>(base);
     if (cls == nullptr && !base.isNull()) m_vm.throwError(ErrorClass::Verify, 1103, "Class cannot extend.");
-    return m_vm.newClass(m_frame.unit, index, cls, captured());
+    return m_vm.newClass(m_frame->unit, index, cls, captured());
 }
 
 Value Interpreter::newObject(std::span<const Value> pairs)
@@ -393,7 +163,7 @@ Value Interpreter::callMethod(Value self, std::uint32_t id, std::span<const Valu
 
 Traits* Interpreter::superTraits()
 {
-    Traits* owner = m_frame.env->owner;
+    Traits* owner = m_frame->env->owner;
     if (owner == nullptr || owner->base == nullptr)
         m_vm.throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
     return owner->base;
@@ -401,13 +171,15 @@ Traits* Interpreter::superTraits()
 
 void Interpreter::constructSuper(Value self, std::span<const Value> args)
 {
-    Traits* owner = m_frame.env->owner;
+    Traits* owner = m_frame->env->owner;
     Object* object = self.asObject();
     if (owner == nullptr || object == nullptr) m_vm.traitsOf(self);
     if (owner == nullptr || owner->base == nullptr || owner->base->cls == nullptr || object == nullptr)
         return;
     if (!object->traits()->isA(owner->base))
         m_vm.throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
+    // That of all objects does nothing.
+    if (owner->base->cls == m_vm.classes().object && args.empty()) return;
     m_vm.constructSuper(*owner->base->cls, *object, args);
 }
 
@@ -464,8 +236,8 @@ bool Interpreter::hasNext(Value& object, Value& index)
 std::uint8_t* Interpreter::memory(Value address, std::size_t size)
 {
     const std::uint32_t at = m_vm.toUint(address);
-    Object* memory = m_frame.unit->domain()->memory;
-    const auto bytes = memory != nullptr ? memory->bytes() : m_frame.unit->domain()->spareMemory();
+    Object* memory = m_frame->unit->domain()->memory;
+    const auto bytes = memory != nullptr ? memory->bytes() : m_frame->unit->domain()->spareMemory();
     if (bytes.size() < size || at > bytes.size() - size)
         m_vm.throwError(ErrorClass::Range, 1506, "The specified range is invalid.");
     return bytes.data() + at;

@@ -3,13 +3,20 @@
 do_GetProp : {
     Object* const object = B.asObject();
     if (object != nullptr && object->exotic() != Exotic::First) {
-        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
+        const SiteCache& cache = f->code->caches[static_cast<std::size_t>(ip->cache)];
         if (cache.traits == object->traits()) {
             if (cache.binding.kind == Binding::Kind::Slot || cache.binding.kind == Binding::Kind::Const) {
                 D = object->slot(static_cast<std::uint32_t>(cache.binding.id));
                 NEXT;
             }
-            if (PropertyTable* const table = object->tableIfAny();
+            if (cache.binding.kind == Binding::Kind::Accessor) {
+                const MethodEnv& getter =
+                    *cache.traits->methods[static_cast<std::size_t>(cache.binding.id)];
+                if (getter.code != nullptr && getter.code->slotRead >= 0) {
+                    D = object->slot(static_cast<std::uint32_t>(getter.code->slotRead));
+                    NEXT;
+                }
+            } else if (PropertyTable* const table = object->tableIfAny();
                 cache.binding.kind == Binding::Kind::None && table != nullptr &&
                 table->holds(cache.position, cache.name)) {
                 D = table->at(cache.position).value;
@@ -24,7 +31,7 @@ do_GetProp : {
 }
 do_SetProp:
     if (Object* const object = B.asObject(); object != nullptr) {
-        const SiteCache& cache = f.code->caches[static_cast<std::size_t>(ip->cache)];
+        const SiteCache& cache = f->code->caches[static_cast<std::size_t>(ip->cache)];
         PropertyTable* const table = object->tableIfAny();
         if (cache.traits != object->traits()) {
             // Something else than the last time.
@@ -134,7 +141,14 @@ do_SetElem : {
 }
 do_GetAccessor : {
     MARK;
-    const Value result = getAccessor(*ip, B);
-    D = result;
-    NEXT;
+    Object* const object = B.asObject();
+    const auto id = static_cast<std::size_t>(ip->c);
+    if (object == nullptr || id >= object->traits()->methods.size()) {
+        const Value result = vm.get(B, f->unit->multiname(static_cast<std::uint32_t>(ip->a)));
+        D = result;
+        NEXT;
+    }
+    Value* const window = r + ip->cache;
+    *window = B;
+    CALL(*object->traits()->methods[id], window, 0, nullptr, &D);
 }

@@ -10,7 +10,7 @@ namespace flash::avm2
 
 void Interpreter::stackOp(const Ins& ins, Value* sp)
 {
-    Frame& f = m_frame;
+    Frame& f = *m_frame;
     Vm& vm = m_vm;
     const auto a = static_cast<std::uint32_t>(ins.a);
     using R = RegisterOp;
@@ -163,7 +163,7 @@ void Interpreter::callStackOp(const Ins& ins, Value* sp)
     }
     case RegisterOp::callstatic: {
         Value* const args = sp - b;
-        MethodEnv* method = m_frame.unit->method(vm, a, m_frame.env->scope);
+        MethodEnv* method = m_frame->unit->method(vm, a, m_frame->env->scope);
         const Value result = vm.invoke(*method, args[-1], {args, b});
         args[-1] = result;
         return;

@@ -60,11 +60,33 @@ R stepSlot(const Ins& get, Ins& sum, const Ins& set, std::int32_t stackBase)
     return R::SlotAddI;
 }
 
+/// The slot of `this` that code reads, gives back and has nothing else to do; -1 otherwise.
+std::int32_t slotRead(const std::vector<Ins>& code)
+{
+    std::size_t at = 0;
+    if (at < code.size() && code[at].op == R::PushScope && code[at].b == 0) ++at;
+    if (code.size() < at + 2 || code.size() > at + 3 || code[at].b != 0) return -1;
+    const Ins& get = code[at];
+    const bool isInt = get.op == R::GetSlotI;
+    if (get.op != R::GetSlot && !isInt) return -1;
+    std::int32_t value = get.d;
+    if (isInt) {
+        if (code[++at].op != R::BoxInt || code[at].b != value) return -1;
+        value = code[at].d;
+    }
+    if (++at + 1 != code.size() || code[at].op != R::Return || code[at].b != value) return -1;
+    return get.c;
+}
+
 } // namespace
 
 void Translator::fuse()
 {
     auto& code = m_code.code;
+    m_code.slotRead =
+        m_code.self != nullptr && m_code.declared == 0 && !m_code.takesMore && m_code.handlers.empty()
+            ? slotRead(code)
+            : -1;
     const auto base = static_cast<std::int32_t>(m_code.stackBase());
     for (std::size_t i = 0; i + 1 < code.size(); ++i) {
         Ins& first = code[i];

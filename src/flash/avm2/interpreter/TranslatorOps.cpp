@@ -157,9 +157,12 @@ bool Translator::step(const abc::Instruction& instruction)
     case Op::returnvalue: {
         const Type type = m_stack.back().type;
         const std::int32_t from = boxed(depth() - 1);
-        const bool isPlain =
-            m_code.returnType == nullptr || (type.kind != Kind::Any && type.kind != Kind::Instance &&
-                                             type == typeOfTraits(m_code.returnType));
+        const Type wanted = typeOfTraits(m_code.returnType);
+        const bool fits =
+            wanted.kind == Kind::Instance
+                ? type.kind == Kind::Null || (type.kind == Kind::Instance && type.traits->isA(wanted.traits))
+                : type.kind != Kind::Any && type == wanted;
+        const bool isPlain = m_code.returnType == nullptr || fits;
         emit(isPlain ? R::Return : R::ReturnCoerced, 0, 0, from);
         return false;
     }

@@ -1,102 +1,10 @@
 #include "flash/avm2/classes/Library.h"
 
-#include <unordered_map>
-
 namespace flash::avm2::classes
 {
 
 namespace
 {
-
-/// Keys are texts, like those of all objects, or objects themselves.
-class DictionaryObject final : public Object
-{
-public:
-    AVM2_NATIVE(Object)
-    DictionaryObject(Traits* traits, Object* proto) : Object(traits, proto) { m_exotic = Exotic::First; }
-    void trace(Tracer& tracer) override
-    {
-        Object::trace(tracer);
-        // Weak keys are kept, too: what a movie sees is the same, but for the memory.
-        for (const Entry& entry : m_entries) {
-            tracer(entry.key);
-            tracer(entry.value);
-        }
-    }
-    /// The names of objects as keys come here before they become texts.
-    bool getObject(Value key, Value& result)
-    {
-        const auto found = m_index.find(key.bits());
-        if (found == m_index.end()) return false;
-        result = m_entries[found->second].value;
-        return true;
-    }
-    void setObject(Value key, Value value)
-    {
-        const auto [found, isNew] = m_index.try_emplace(key.bits(), m_entries.size());
-        if (isNew)
-            m_entries.push_back({key, value});
-        else
-            m_entries[found->second].value = value;
-    }
-    bool removeObject(Value key)
-    {
-        const auto found = m_index.find(key.bits());
-        if (found == m_index.end()) return false;
-        m_entries[found->second] = {};
-        m_index.erase(found);
-        return true;
-    }
-    bool getExotic(Vm&, const Multiname& name, Value& result) override
-    {
-        return name.key.isObject() && (getObject(name.key, result) || (result = Value(), true));
-    }
-    bool setExotic(Vm&, const Multiname& name, Value value) override
-    {
-        if (!name.key.isObject()) return false;
-        setObject(name.key, value);
-        return true;
-    }
-    bool hasExotic(Vm&, const Multiname& name) override
-    {
-        Value ignored;
-        return name.key.isObject() && getObject(name.key, ignored);
-    }
-    bool deleteExotic(Vm&, const Multiname& name, bool& deleted) override
-    {
-        if (!name.key.isObject()) return false;
-        deleted = removeObject(name.key);
-        return true;
-    }
-    std::uint32_t nextIndex(Vm& vm, std::uint32_t after) override
-    {
-        for (std::size_t i = after; i < m_entries.size(); ++i) {
-            if (!m_entries[i].key.isUndefined()) return static_cast<std::uint32_t>(i) + 1;
-        }
-        const auto own = static_cast<std::uint32_t>(m_entries.size());
-        const std::uint32_t next = Object::nextIndex(vm, after > own ? after - own : 0);
-        return next == 0 ? 0 : next + own;
-    }
-    Value nextName(Vm& vm, std::uint32_t index) override
-    {
-        const auto own = static_cast<std::uint32_t>(m_entries.size());
-        if (index == 0) return {};
-        return index <= own ? m_entries[index - 1].key : Object::nextName(vm, index - own);
-    }
-    Value nextValue(Vm& vm, std::uint32_t index) override
-    {
-        const auto own = static_cast<std::uint32_t>(m_entries.size());
-        if (index == 0) return {};
-        return index <= own ? m_entries[index - 1].value : Object::nextValue(vm, index - own);
-    }
-
-private:
-    struct Entry {
-        Value key, value;
-    };
-    std::vector<Entry, vm::TracedAllocator<Entry>> m_entries;
-    std::unordered_map<std::uint64_t, std::size_t> m_index;
-};
 
 /// Asks functions of its own, in a namespace of their own, for everything that its traits do not name.
 class ProxyObject final : public Object
@@ -192,9 +100,7 @@ Value isAttribute(Call& call)
     return name != nullptr && name->attribute;
 }
 Value nothing(Call&) { return {}; }
-Value toJson(Call& call) { return call.vm.string(std::string_view("Dictionary")); }
 
-constexpr NativeMember kDictionaryMembers[] = {{"toJSON", Kind::Prototype, &toJson, 0, 1}};
 constexpr NativeMember kProxyMembers[] = {
     {"getProperty", Kind::Proxy, &refuse<0>},    {"setProperty", Kind::Proxy, &refuse<1>},
     {"callProperty", Kind::Proxy, &refuse<2>},   {"hasProperty", Kind::Proxy, &refuse<3>},
@@ -205,14 +111,6 @@ constexpr NativeMember kProxyMembers[] = {
 
 } // namespace
 
-constinit const NativeClass kDictionary{.package = "flash.utils",
-                                        .name = "Dictionary",
-                                        .base = {},
-                                        .constructor = &nothing,
-                                        .minArguments = 0,
-                                        .maxArguments = 1,
-                                        .allocate = &allocateNative<DictionaryObject>,
-                                        .members = kDictionaryMembers};
 constinit const NativeClass kProxy{.package = "flash.utils",
                                    .name = "Proxy",
                                    .base = {},

@@ -1,0 +1,128 @@
+#include "flash/avm2/classes/ByteArrayPacking.h"
+
+#ifdef ZORVEX_HAS_LZMA
+#include <lzma.h>
+#endif
+#include <zlib.h>
+
+namespace flash::avm2::classes
+{
+
+namespace
+{
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::size_t kMaxBytes = std::size_t{1} << 28, kPieceBytes = 65536;
+constexpr int kPlainWindow = -15, kZlibWindow = 15;
+
+int windowOf(Packing packing) { return packing == Packing::Zlib ? kZlibWindow : kPlainWindow; }
+
+bool deflateTo(Bytes& out, Bytes& in, int window)
+{
+    z_stream stream{};
+    if (deflateInit2(&stream, 9, Z_DEFLATED, window, 8, Z_DEFAULT_STRATEGY) != Z_OK) return false;
+    out.resize(deflateBound(&stream, in.size()) + 16);
+    stream.next_in = in.data();
+    stream.avail_in = static_cast<uInt>(in.size());
+    stream.next_out = out.data();
+    stream.avail_out = static_cast<uInt>(out.size());
+    deflate(&stream, Z_FINISH);
+    out.resize(stream.total_out);
+    deflateEnd(&stream);
+    return true;
+}
+
+bool inflateTo(Bytes& out, Bytes& in, int window)
+{
+    z_stream stream{};
+    if (inflateInit2(&stream, window) != Z_OK) return false;
+    stream.next_in = in.data();
+    stream.avail_in = static_cast<uInt>(in.size());
+    int state = Z_OK;
+    while (state == Z_OK && out.size() < kMaxBytes) {
+        const std::size_t at = out.size();
+        out.resize(at + kPieceBytes);
+        stream.next_out = out.data() + at;
+        stream.avail_out = kPieceBytes;
+        state = inflate(&stream, Z_NO_FLUSH);
+        out.resize(at + kPieceBytes - stream.avail_out);
+        if (state == Z_OK && stream.avail_in == 0 && stream.avail_out != 0) break;
+    }
+    inflateEnd(&stream);
+    return state == Z_STREAM_END;
+}
+
+#ifdef ZORVEX_HAS_LZMA
+/// Runs a coder to its end. @returns whether that came, within the limits
+bool codeTo(Bytes& out, const Bytes& in, lzma_stream& stream)
+{
+    stream.next_in = in.data();
+    stream.avail_in = in.size();
+    lzma_ret state = LZMA_OK;
+    while (state == LZMA_OK && out.size() < kMaxBytes) {
+        const std::size_t at = out.size();
+        out.resize(at + kPieceBytes);
+        stream.next_out = out.data() + at;
+        stream.avail_out = kPieceBytes;
+        state = lzma_code(&stream, LZMA_FINISH);
+        out.resize(at + kPieceBytes - stream.avail_out);
+    }
+    lzma_end(&stream);
+    return state == LZMA_STREAM_END;
+}
+
+// The form: 5 bytes of properties, the length of the content in 8 bytes (all ones: there is a mark at the
+// end), and the data.
+constexpr std::size_t kPropertyBytes = 5, kLengthBytes = 8;
+constexpr std::uint64_t kMaxLzmaMemory = std::uint64_t{1} << 28;
+
+bool lzmaTo(Bytes& out, const Bytes& in)
+{
+    lzma_stream stream = LZMA_STREAM_INIT;
+    lzma_options_lzma options{};
+    if (lzma_lzma_preset(&options, LZMA_PRESET_DEFAULT) || lzma_alone_encoder(&stream, &options) != LZMA_OK)
+        return false;
+    return codeTo(out, in, stream);
+}
+
+bool unlzmaTo(Bytes& out, const Bytes& in)
+{
+    if (in.size() < kPropertyBytes + kLengthBytes) return false;
+    lzma_stream stream = LZMA_STREAM_INIT;
+    return lzma_alone_decoder(&stream, kMaxLzmaMemory) == LZMA_OK && codeTo(out, in, stream);
+}
+#else
+bool lzmaTo(Bytes&, const Bytes&) { return false; }
+bool unlzmaTo(Bytes&, const Bytes&) { return false; }
+#endif
+
+} // namespace
+
+void packBytes(Vm& vm, ByteArrayObject& array, Packing packing)
+{
+    Bytes out;
+    const bool isPacked = packing == Packing::Lzma ? lzmaTo(out, array.content)
+                                                   : deflateTo(out, array.content, windowOf(packing));
+    if (!isPacked) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
+    array.content = std::move(out);
+    array.position = array.content.size();
+    vm.heap().noteExternalBytes(array.content.size());
+}
+
+void unpackBytes(Vm& vm, ByteArrayObject& array, Packing packing)
+{
+    if (array.content.empty()) {
+        array.position = 0;
+        return;
+    }
+    Bytes out;
+    const bool isPlain = packing == Packing::Lzma ? unlzmaTo(out, array.content)
+                                                  : inflateTo(out, array.content, windowOf(packing));
+    if (!isPlain) vm.throwError(ErrorClass::Io, 2058, "There was an error decompressing the data.");
+    array.content = std::move(out);
+    array.position = 0;
+    vm.heap().noteExternalBytes(array.content.size());
+}
+
+} // namespace flash::avm2::classes

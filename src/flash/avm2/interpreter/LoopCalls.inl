@@ -1,0 +1,98 @@
+// Part of the loop of Interpreter::run: calls, and returns from them.
+
+do_CallEarly : {
+    MARK;
+    const auto count = static_cast<std::uint32_t>(ip->b);
+    Value* const window = r + ip->d - count - 1;
+    Object* const object = window->asObject();
+    if (object != nullptr && static_cast<std::size_t>(ip->a) < object->traits()->methods.size()) [[likely]]
+        CALL(*object->traits()->methods[static_cast<std::size_t>(ip->a)], window, count, nullptr, window);
+    const Value result = vm.callProperty(*window, f->unit->multiname(static_cast<std::uint32_t>(ip->c)),
+                                         {window + 1, count});
+    *window = result;
+    NEXT;
+}
+do_Return:
+    returned = B;
+    goto leave;
+do_ReturnCoerced:
+    returned = B;
+    if (!fitsType(returned, f->code->returnType)) {
+        MARK;
+        returned = vm.coerce(returned, f->code->returnType);
+    }
+    goto leave;
+do_ReturnVoid:
+    returned = Value();
+    if (f->code->returnType != nullptr) {
+        MARK;
+        returned = vm.coerce(returned, f->code->returnType);
+    }
+leave:
+    if (!leave(returned)) return returned;
+    f = m_frame;
+    code = f->code->code.data();
+    constants = f->code->constants.data();
+    r = f->locals;
+    ip = f->at;
+    NEXT;
+do_call : {
+    MARK;
+    const auto count = static_cast<std::uint32_t>(ip->a);
+    Value* const window = r + ip->d - count - 1;
+    if (auto* const closure = as<FunctionObject>(window[-1])) {
+        bindReceiver(vm, *closure, *window);
+        CALL(*closure->env(), window, count, closure, window - 1);
+    }
+    const Value result = vm.call(window[-1], *window, std::span<const Value>(window + 1, count));
+    window[-1] = result;
+    NEXT;
+}
+do_construct : {
+    MARK;
+    Value* const window = r + ip->d - ip->a - 1;
+    const Value result = vm.constructInPlace(*window, window, static_cast<std::uint32_t>(ip->a));
+    *window = result;
+    NEXT;
+}
+do_callproperty:
+do_callproplex : {
+    MARK;
+    const auto count = static_cast<std::uint32_t>(ip->b);
+    Value* const args = r + ip->d - count;
+    if (ip->parts == 0) {
+        if (MethodEnv* const method = methodOf(*ip, args[-1]))
+            CALL(*method, args - 1, count, nullptr, args - 1);
+        const Value result = callCached(*ip, args - 1);
+        args[-1] = result;
+    } else {
+        Value* base = args;
+        const Multiname name = multiname(*ip, base);
+        const Value result =
+            vm.callProperty(base[-1], name, {args, count}, ip->op == RegisterOp::callproplex);
+        base[-1] = result;
+    }
+    NEXT;
+}
+do_constructprop : {
+    MARK;
+    const auto count = static_cast<std::uint32_t>(ip->b);
+    Value* const args = r + ip->d - count;
+    if (ip->parts == 0) {
+        const Value constructor = getCached(args[-1], *ip);
+        if (auto* const cls = as<ClassObject>(constructor); cls != nullptr && cls->isPlain()) {
+            Object* const made = vm.instantiate(cls);
+            args[-1] = made;
+            if (cls->constructor == nullptr) NEXT;
+            CALL_MAKING(*cls->constructor, args - 1, count, cls, args - 1, made);
+        }
+        const Value result = constructCached(*ip, constructor, args - 1);
+        args[-1] = result;
+    } else {
+        Value* base = args;
+        const Multiname name = multiname(*ip, base);
+        const Value result = vm.constructProperty(base[-1], name, {args, count});
+        base[-1] = result;
+    }
+    NEXT;
+}
