@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <map>
 
 namespace flash::avm2::classes
 {
@@ -24,13 +25,6 @@ ByteArrayObject& self(Call& call)
         object != nullptr && object->traits() == call.vm.classes().byteArray->instances) [[likely]]
         return static_cast<ByteArrayObject&>(*object);
     return selfAs<ByteArrayObject>(call, "flash.utils.ByteArray");
-}
-
-std::uint32_t indexOf(const Multiname& name)
-{
-    if (name.attribute) return Atom::kNotIndex;
-    if (name.index != Atom::kNotIndex) return name.index;
-    return name.name.isNull() || !name.hasPublic() ? Atom::kNotIndex : name.name.arrayIndex();
 }
 
 /// The number of bytes of T as a number, in the other order.
@@ -68,64 +62,6 @@ void store(Call& call, T value)
     std::memcpy(bytes.data(), &bits, sizeof(T));
     array.write(call.vm, bytes);
 }
-
-} // namespace
-
-void ByteArrayObject::resize(Vm& vm, std::size_t length)
-{
-    if (length > kMaxBytes) vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
-    if (length > content.capacity()) vm.heap().noteExternalBytes(length);
-    content.resize(length);
-}
-
-std::span<const std::uint8_t> ByteArrayObject::read(Vm& vm, std::size_t count)
-{
-    if (position > content.size() || count > content.size() - position)
-        vm.throwError(ErrorClass::Eof, 2030, "End of file was encountered.");
-    position += count;
-    return std::span<const std::uint8_t>(content).subspan(position - count, count);
-}
-
-void ByteArrayObject::write(Vm& vm, std::span<const std::uint8_t> bytes)
-{
-    if (bytes.empty()) return;
-    if (position > kMaxBytes || bytes.size() > kMaxBytes - position)
-        vm.throwError(ErrorClass::Error, 1000, "The system is out of memory.");
-    if (position + bytes.size() > content.size()) {
-        const std::size_t before = content.capacity();
-        content.resize(position + bytes.size());
-        if (content.capacity() > before) vm.heap().noteExternalBytes(content.capacity() - before);
-    }
-    std::memmove(content.data() + position, bytes.data(), bytes.size());
-    position += bytes.size();
-}
-
-bool ByteArrayObject::getExotic(Vm&, const Multiname& name, Value& result)
-{
-    const std::uint32_t index = indexOf(name);
-    if (index == Atom::kNotIndex) return false;
-    result = index < content.size() ? Value(static_cast<int>(content[index])) : Value();
-    return true;
-}
-
-bool ByteArrayObject::setExotic(Vm& vm, const Multiname& name, Value value)
-{
-    const std::uint32_t index = indexOf(name);
-    if (index == Atom::kNotIndex) return false;
-    const auto byte = static_cast<std::uint8_t>(vm.toInt(value));
-    if (index >= content.size()) resize(vm, std::size_t{index} + 1);
-    content[index] = byte;
-    return true;
-}
-
-bool ByteArrayObject::hasExotic(Vm&, const Multiname& name)
-{
-    const std::uint32_t index = indexOf(name);
-    return index != Atom::kNotIndex && index < content.size();
-}
-
-namespace
-{
 
 Value length(Call& call) { return static_cast<double>(self(call).content.size()); }
 Value setLength(Call& call)
@@ -226,17 +162,29 @@ Value writeUtfBytes(Call& call)
     self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     return {};
 }
-/// The code of a name in an argument; null when it is none of 8 bits, or not known.
-std::shared_ptr<const base::TextCode> codeArg(Call& call, std::uint32_t i)
+struct ByteArrayState {
+    int defaultEncoding = 3;
+    std::map<std::string, std::shared_ptr<const base::TextCode>> codes; ///< by the names scripts have used
+};
+ByteArrayState& state(Vm& vm)
 {
-    return base::TextCode::named(toUtf8(call.vm.text(call.arg(i))));
+    // Made with the class.
+    return *stateOf<ByteArrayState>(*vm.classes().byteArray);
+}
+/// The code of a name in an argument; null when it is none of 8 bits, or not known.
+const base::TextCode* codeArg(Call& call, std::uint32_t i)
+{
+    // Making one takes thousands of questions to the system.
+    auto [found, isNew] = state(call.vm).codes.try_emplace(toUtf8(call.vm.text(call.arg(i))));
+    if (isNew) found->second = base::TextCode::named(found->first);
+    return found->second.get();
 }
 /// Names that are not known mean UTF-8.
 Value readMultiByte(Call& call)
 {
     const std::size_t count = call.vm.toUint(call.arg(0));
-    const auto code = codeArg(call, 1);
-    if (!code) return textOf(call, count);
+    const base::TextCode* code = codeArg(call, 1);
+    if (code == nullptr) return textOf(call, count);
     const auto bytes = self(call).read(call.vm, count);
     const std::string text(bytes.begin(), bytes.end());
     return call.vm.string(code->decode(std::string_view(text).substr(0, text.find('\0'))));
@@ -244,8 +192,8 @@ Value readMultiByte(Call& call)
 Value writeMultiByte(Call& call)
 {
     const std::u16string text(call.vm.text(call.arg(0)));
-    const auto code = codeArg(call, 1);
-    const std::string bytes = code ? code->encode(text) : toUtf8(text);
+    const base::TextCode* code = codeArg(call, 1);
+    const std::string bytes = code != nullptr ? code->encode(text) : toUtf8(text);
     self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
     return {};
 }
@@ -349,14 +297,6 @@ Value readObject(Call& call)
     return readAmf(call.vm, array, array.encoding);
 }
 
-struct ByteArrayState {
-    int defaultEncoding = 3;
-};
-ByteArrayState& state(Vm& vm)
-{
-    // Made with the class.
-    return *stateOf<ByteArrayState>(*vm.classes().byteArray);
-}
 Value construct(Call& call)
 {
     self(call).encoding = state(call.vm).defaultEncoding;

@@ -105,14 +105,19 @@ public:
         deleted = removeObject(name.key);
         return true;
     }
-    std::uint32_t nextIndex(Vm& vm, std::uint32_t after) override
+    /// The objects, then the texts: those, too, that are not to be enumerated.
+    std::uint32_t nextIndex(Vm&, std::uint32_t after) override
     {
         for (std::size_t i = after; i < m_entries.size(); ++i) {
             if (!m_entries[i].key.isUndefined()) return static_cast<std::uint32_t>(i) + 1;
         }
         const auto own = static_cast<std::uint32_t>(m_entries.size());
-        const std::uint32_t next = Object::nextIndex(vm, after > own ? after - own : 0);
-        return next == 0 ? 0 : next + own;
+        PropertyTable* const texts = tableIfAny();
+        if (texts == nullptr) return 0;
+        for (std::uint32_t i = after > own ? after - own : 0; i < texts->size(); ++i) {
+            if (!texts->at(i).name.isNull()) return i + 1 + own;
+        }
+        return 0;
     }
     Value nextName(Vm& vm, std::uint32_t index) override
     {

@@ -9,14 +9,13 @@ namespace flash::avm2
 /// Whether a value is at once seen to be what coercing it to a type would make of it.
 inline bool fitsType(Value value, const Traits* type)
 {
-    switch (type->special) {
-    case Traits::Special::None: return value.isObject() && value.object()->traits() == type;
-    case Traits::Special::Int: return value.isInt();
-    case Traits::Special::Number: return value.isNumber();
-    case Traits::Special::Boolean: return value.isBoolean();
-    case Traits::Special::String: return value.isString();
-    default: return false;
-    }
+    // By how often each is there.
+    const Traits::Special special = type->special;
+    if (special == Traits::Special::None) return value.isObject() && value.object()->traits() == type;
+    if (special == Traits::Special::Int) return value.isInt();
+    if (special == Traits::Special::Number) return value.isNumber();
+    if (special == Traits::Special::String) return value.isString();
+    return special == Traits::Special::Boolean && value.isBoolean();
 }
 
 /// One call of verified code. All its values lie on the machine's stack.

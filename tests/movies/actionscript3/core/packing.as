@@ -24,6 +24,12 @@ var old:ByteArray = new ByteArray(); trace(old.objectEncoding, b.objectEncoding)
 old.writeObject("ab"); trace(old[0], old[1], old[2], old.length);
 try { ByteArray.defaultObjectEncoding = 1; } catch (e:Error) { trace(e.errorID); }
 trace(ByteArray.defaultObjectEncoding);
+var m:ByteArray = new ByteArray();
+m.writeMultiByte("Жук", "windows-1251"); m.writeMultiByte("次 a", "shift_jis"); m.writeMultiByte("é", "utf-8");
+trace(m.length, m[0], m[3].toString(16));
+m.position = 0; trace(m.readMultiByte(3, "Windows-1251"), m.readMultiByte(4, "shift-jis"), m.readMultiByte(2, "utf-8"));
+var plain:Dictionary = new Dictionary(); plain[1234567] = 1; plain.setPropertyIsEnumerable("1234567", false);
+for (var walked:* in plain) trace("walked", walked);
 function fill(d:Dictionary):void { for (var i:int = 0; i < 500; i++) d[{i: i}] = i; }
 function count(d:Dictionary):int { var n:int = 0; for (var k:* in d) n++; return n; }
 var weak:Dictionary = new Dictionary(true), strong:Dictionary = new Dictionary(), key:Object = {};
