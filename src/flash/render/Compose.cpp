@@ -70,6 +70,13 @@ using Words16 = std::uint16_t __attribute__((vector_size(32)));
     return four;
 }
 
+[[gnu::always_inline]] inline std::uint64_t eightCoverages(const std::uint8_t* coverage)
+{
+    std::uint64_t eight;
+    std::memcpy(&eight, coverage, sizeof eight);
+    return eight;
+}
+
 } // namespace
 
 ZORVEX_VECTORIZE
@@ -95,15 +102,27 @@ void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_
     Words16 source;
     load(source, four);
     std::size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
-        const std::uint32_t coverages = fourCoverages(coverage + i);
+    // Only what eight pixels have in common is asked: whether four are covered is hard to foretell, and what
+    // is not covered at all, or wholly, comes out right without asking.
+    for (; i + 2 * kLanes <= count; i += 2 * kLanes) {
+        const std::uint64_t coverages = eightCoverages(coverage + i);
         if (coverages == 0) continue;
-        if (coverages == 0xFFFFFFFF && alphaOf(color) == 255) {
+        if (coverages == ~std::uint64_t{0} && alphaOf(color) == 255) {
             std::memcpy(below + i, four, sizeof four);
+            std::memcpy(below + i + kLanes, four, sizeof four);
             continue;
         }
+        for (std::size_t half = 0; half < 2; ++half) {
+            Words16 part;
+            spreadCoverage(part, static_cast<std::uint32_t>(coverages >> 32 * half));
+            part *= source;
+            div255(part);
+            layOver(below + i + half * kLanes, part);
+        }
+    }
+    for (; i + kLanes <= count; i += kLanes) {
         Words16 part;
-        spreadCoverage(part, coverages);
+        spreadCoverage(part, fourCoverages(coverage + i));
         part *= source;
         div255(part);
         layOver(below + i, part);
@@ -133,18 +152,24 @@ void composePixels(std::uint32_t* below, const std::uint32_t* source, const std:
                    std::size_t count)
 {
     std::size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
-        const std::uint32_t coverages = fourCoverages(coverage + i);
+    for (; i + 2 * kLanes <= count; i += 2 * kLanes) {
+        const std::uint64_t coverages = eightCoverages(coverage + i);
         if (coverages == 0) continue;
-        const std::uint32_t all = source[i] & source[i + 1] & source[i + 2] & source[i + 3];
-        if (coverages == 0xFFFFFFFF && alphaOf(all) == 255) {
-            std::memcpy(below + i, source + i, kLanes * sizeof(std::uint32_t));
-            continue;
+        for (std::size_t half = 0; half < 2; ++half) {
+            Words16 four;
+            Words16 part;
+            load(four, source + i + half * kLanes);
+            spreadCoverage(part, static_cast<std::uint32_t>(coverages >> 32 * half));
+            part *= four;
+            div255(part);
+            layOver(below + i + half * kLanes, part);
         }
+    }
+    for (; i + kLanes <= count; i += kLanes) {
         Words16 four;
         Words16 part;
         load(four, source + i);
-        spreadCoverage(part, coverages);
+        spreadCoverage(part, fourCoverages(coverage + i));
         part *= four;
         div255(part);
         layOver(below + i, part);

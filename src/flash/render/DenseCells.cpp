@@ -42,15 +42,15 @@ using Bytes4 = std::uint8_t __attribute__((vector_size(4)));
 }
 
 // Four pixels further along a row: takes their numbers, clears them, and leaves the parts that are inside.
-[[gnu::always_inline]] inline void fourAreas(std::int32_t* sums, std::int32_t& carry, FillRule rule,
-                                             Ints4& areas)
+// @param carry the sum so far, in all four: it need not leave its register
+[[gnu::always_inline]] inline void fourAreas(std::int32_t* sums, Ints4& carry, FillRule rule, Ints4& areas)
 {
     constexpr Ints4 kZero = {};
     std::memcpy(&areas, sums, sizeof areas);
     std::memcpy(sums, &kZero, sizeof kZero);
     runningSum(areas);
     areas += carry;
-    carry = areas[3];
+    carry = __builtin_shufflevector(areas, areas, 3, 3, 3, 3);
     toInside(areas, rule);
 }
 
@@ -58,14 +58,16 @@ template <FillRule kRule>
 [[gnu::always_inline]] inline void coverageBytes(std::int32_t* sums, std::size_t count, std::int32_t& carry,
                                                  std::uint8_t* to)
 {
+    Ints4 sum = {carry, carry, carry, carry};
     for (std::size_t i = 0; i < count; i += 4) {
         Ints4 areas;
-        fourAreas(sums + i, carry, kRule, areas);
+        fourAreas(sums + i, sum, kRule, areas);
         areas = (areas + kSubpixels) >> (kSubpixelBits + 1);
         areas -= areas >> 8;
         const Bytes4 bytes = __builtin_convertvector(areas, Bytes4);
         std::memcpy(to + i, &bytes, sizeof bytes);
     }
+    carry = sum[0];
 }
 
 ZORVEX_VECTORIZE
@@ -82,15 +84,17 @@ ZORVEX_VECTORIZE
 void takeAreas(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::int32_t* to,
                std::uint8_t* present)
 {
+    Ints4 sum = {carry, carry, carry, carry};
     for (std::size_t i = 0; i < count; i += 8) {
         Ints4 areas, further;
-        fourAreas(sums + i, carry, rule, areas);
-        fourAreas(sums + i + 4, carry, rule, further);
+        fourAreas(sums + i, sum, rule, areas);
+        fourAreas(sums + i + 4, sum, rule, further);
         std::memcpy(to + i, &areas, sizeof areas);
         std::memcpy(to + i + 4, &further, sizeof further);
         areas |= further;
         present[i / 8] = (areas[0] | areas[1] | areas[2] | areas[3]) != 0 ? 1 : 0;
     }
+    carry = sum[0];
 }
 
 ZORVEX_VECTORIZE
@@ -157,6 +161,81 @@ void DenseCells::setStyles(std::uint32_t left, std::uint32_t right)
     m_right = start(right);
     m_styleBits = (left == 0 ? 0 : 1U << (left - 1)) | (right == 0 ? 0 : 1U << (right - 1));
 }
+
+template <int kStepBits, bool kBothSides>
+void DenseCells::countSides(const CountedLine& line)
+{
+    constexpr int kSteps = 1 << kStepBits, kHeight = kSubpixels / kSteps, kStepArea = 2 * kHeight * kHeight;
+    int y = line.first, row = y >> kStepBits;
+    const auto index = static_cast<std::size_t>(row);
+    std::int32_t* const sums = m_sums.data() + index * m_rowSize;
+    // Of a line with one side only, that one is counted, left ones with the other sign.
+    const bool isLeft = !kBothSides && m_left != kNone;
+    std::int32_t* right = sums + (isLeft ? m_left : m_right);
+    std::int32_t* left = kBothSides ? sums + m_left : nullptr;
+    std::uint64_t* bits = m_bits.data() + index * m_wordsOfRow;
+    std::uint32_t* styles = m_rowStyles.data() + index;
+    const int unit = isLeft ? -line.sign : line.sign;
+    const std::uint32_t styleBits = m_styleBits;
+    const std::size_t rowSize = m_rowSize, words = m_wordsOfRow;
+    const auto add = [&](int x, int count, int steps) {
+        const int area = unit * steps * kStepArea;
+        const int here = unit * count * (kHeight * 2 * kSubpixels) - area;
+        right[x] += here;
+        right[x + 1] += area;
+        if constexpr (kBothSides) {
+            left[x] -= here;
+            left[x + 1] -= area;
+        }
+    };
+    std::int64_t x = line.x;
+    const std::int64_t slope = line.slope;
+    while (true) {
+        const int end = std::min(line.last + 1, (row + 1) << kStepBits), count = end - y;
+        const std::int64_t lastX = x + slope * (count - 1);
+        const int from = static_cast<int>(x >> CountedLine::kFraction);
+        const int to = static_cast<int>(lastX >> CountedLine::kFraction);
+        const int column = from >> kStepBits, lastColumn = to >> kStepBits;
+        *styles |= styleBits;
+        // The last column's right neighbour is written to as well.
+        mark(bits, static_cast<unsigned>(std::min(column, lastColumn)) / kGroup,
+             static_cast<unsigned>(std::max(column, lastColumn) + 1) / kGroup);
+        if (column == lastColumn) {
+            int steps = 0;
+            if (count == kSteps) {
+                for (int i = 0; i < kSteps; ++i, x += slope)
+                    steps += static_cast<int>(x >> CountedLine::kFraction) & (kSteps - 1);
+            } else {
+                for (int i = 0; i < count; ++i, x += slope)
+                    steps += static_cast<int>(x >> CountedLine::kFraction) & (kSteps - 1);
+            }
+            add(column, count, steps);
+        } else {
+            for (int i = 0; i < count; ++i, x += slope) {
+                const int at = static_cast<int>(x >> CountedLine::kFraction);
+                add(at >> kStepBits, 1, at & (kSteps - 1));
+            }
+        }
+        if (end > line.last) return;
+        y = end;
+        ++row;
+        ++styles;
+        bits += words;
+        right += rowSize;
+        if constexpr (kBothSides) left += rowSize;
+    }
+}
+
+template <int kStepBits>
+void DenseCells::addCounted(const CountedLine& line)
+{
+    if (m_left != kNone && m_right != kNone)
+        countSides<kStepBits, true>(line);
+    else if (m_left != kNone || m_right != kNone)
+        countSides<kStepBits, false>(line);
+}
+template void DenseCells::addCounted<1>(const CountedLine& line);
+template void DenseCells::addCounted<2>(const CountedLine& line);
 
 void DenseCells::findStretches(std::uint64_t* bits)
 {

@@ -55,6 +55,15 @@ public:
         std::int32_t* sums = m_sums.data() + index * m_rowSize;
         return {m_left == kNone ? nullptr : sums + m_left, m_right == kNone ? nullptr : sums + m_right};
     }
+    /// The rows of samples that a line crosses, 2^kStepBits of them to the pixel each way.
+    struct CountedLine {
+        static constexpr int kFraction = 20; ///< bits
+        int first = 0, last = 0;             ///< rows of samples
+        std::int64_t x = 0, slope = 0; ///< where the first is crossed, and what each adds; within the row
+        int sign = 1;                  ///< 1 when the line goes down
+    };
+    template <int kStepBits>
+    void addCounted(const CountedLine& line);
     [[nodiscard]] bool isOverfull() const { return false; }
     void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink);
 
@@ -78,6 +87,8 @@ private:
         for (unsigned word = first / 64 + 1; word < last / 64; ++word) bits[word] = kAll;
         bits[last / 64] |= upTo;
     }
+    template <int kStepBits, bool kBothSides>
+    void countSides(const CountedLine& line);
     void findStretches(std::uint64_t* bits);
     void sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule);
     void sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule);

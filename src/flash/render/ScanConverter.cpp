@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <type_traits>
 
 namespace flash::render
 {
@@ -162,13 +163,19 @@ void ScanConverter::lineCounted(Cells& cells, int x0, int y0, int x1, int y1)
     if (first > last || (x0 >= width && x1 >= width)) return;
     m_firstRow = std::min(m_firstRow, first >> kStepBits);
     m_lastRow = std::max(m_lastRow, last >> kStepBits);
-    constexpr int kFraction = 20;
+    constexpr int kFraction = DenseCells::CountedLine::kFraction;
     constexpr std::int64_t kHalf = (std::int64_t{1} << (kFraction - 1)) - 1;
     const std::int64_t slope = (std::int64_t{x1 - x0} << kFraction) / (y1 - y0);
     std::int64_t x = (std::int64_t{x0} << kFraction) + slope * (first - y0) + kHalf;
     constexpr int kHeight = kOne / kSteps;
     constexpr int kStepArea = 2 * kHeight * kHeight;
     const bool inside = std::min(x0, x1) >= 0 && std::max(x0, x1) < width;
+    if constexpr (std::is_same_v<Cells, DenseCells>) {
+        if (inside) {
+            cells.template addCounted<kStepBits>({first, last, x, slope, sign});
+            return;
+        }
+    }
     for (int y = first; y <= last;) {
         // What the samples of a row of pixels have in the same pixel is added at once.
         const int row = y >> kStepBits, end = std::min(last + 1, (row + 1) << kStepBits);
