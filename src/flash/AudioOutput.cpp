@@ -1,9 +1,11 @@
 #include "flash/AudioOutput.h"
 
+#include "flash/ServerOutput.h"
 #include "flash/sound/Mixer.h"
 
 #include <QAudioDevice>
 #include <QAudioSink>
+#include <QCoreApplication>
 #include <QMediaDevices>
 
 #include <algorithm>
@@ -55,13 +57,26 @@ private:
 
 void setStandInOutput(OpenOutput standIn) { g_standIn = std::move(standIn); }
 
-std::unique_ptr<OutputDevice> openDefaultOutput(QIODevice& from)
+namespace
 {
-    if (g_standIn) return g_standIn(from);
+
+std::unique_ptr<OutputDevice> openSink(QIODevice& from)
+{
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull() || !device.isFormatSupported(mixFormat())) return nullptr;
     auto sink = std::make_unique<SinkDevice>(device, from);
     return sink->hasStarted() ? std::move(sink) : nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<OutputDevice> openDefaultOutput(QIODevice& from)
+{
+    if (g_standIn) return g_standIn(from);
+    if (auto sink = openSink(from)) return sink;
+    // Qt gives up on a PulseAudio server that has stayed away for some seconds.
+    static ServerOutput server(pulseStreams(QCoreApplication::applicationName().toStdString()));
+    return server.open(from);
 }
 
 AudioOutput::AudioOutput(std::unique_ptr<SoundSource> source, OpenOutput open)

@@ -1,9 +1,16 @@
 #include "flash/AudioOutput.h"
+#include "flash/ServerOutput.h"
 
 #include "flash/sound/Mixer.h"
 
-#include <algorithm>
+#include <QElapsedTimer>
+#include <QTest>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
 
 namespace flash
 {
@@ -146,6 +153,68 @@ TEST_F(AudioOutputTest, SilenceLetsGoOfTheDevice)
     source->silent = false;
     run(100);
     EXPECT_TRUE(output->isPulling());
+}
+
+/// Stands in for a sound server that is reached by waiting.
+struct Server {
+    class Stream : public SoundStream
+    {
+    public:
+        explicit Stream(std::shared_ptr<Server> server) : m_server(std::move(server)) {}
+        bool write(std::span<const sound::StereoFrame> frames) override
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            if (!m_server->isUp) return false;
+            m_server->heard += frames.size();
+            if (frames.front().left != 1000) ++m_server->wrong;
+            return true;
+        }
+
+    private:
+        std::shared_ptr<Server> m_server;
+    };
+    std::atomic<bool> isUp = false;
+    std::atomic<int> tries = 0, wrong = 0;
+    std::atomic<std::size_t> heard = 0;
+};
+
+TEST(ServerOutput, FindsAServerThatComesBackAndNeverWaitsForIt)
+{
+    const auto server = std::make_shared<Server>();
+    ServerOutput way(
+        [server]() -> std::unique_ptr<SoundStream> {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            ++server->tries;
+            return server->isUp ? std::make_unique<Server::Stream>(server) : nullptr;
+        },
+        std::chrono::milliseconds(10));
+    AudioOutput output(std::make_unique<Tone>(), [&](QIODevice& from) { return way.open(from); });
+    int losses = 0;
+    QObject::connect(&output, &AudioOutput::lost, [&] { ++losses; });
+    qint64 longest = 0;
+    const auto follow = [&](auto until) {
+        QElapsedTimer patience, turn;
+        for (patience.start(); !until() && patience.elapsed() < 10'000;) {
+            turn.start();
+            output.follow(30);
+            longest = std::max(longest, turn.elapsed());
+            QTest::qWait(1);
+        }
+        return until();
+    };
+    EXPECT_TRUE(follow([&] { return server->tries > 3; })) << "goes on trying";
+    EXPECT_FALSE(output.isPulling()) << "the owner moves the sounds on meanwhile";
+    server->isUp = true;
+    EXPECT_TRUE(follow([&] { return server->heard > 20'000; }));
+    EXPECT_TRUE(output.isPulling());
+    EXPECT_EQ(losses, 0);
+    server->isUp = false;
+    EXPECT_TRUE(follow([&] { return losses == 1; }));
+    server->isUp = true;
+    const std::size_t before = server->heard;
+    EXPECT_TRUE(follow([&] { return server->heard > before + 20'000; }));
+    EXPECT_EQ(server->wrong, 0);
+    EXPECT_LT(longest, 80) << "milliseconds that a turn took; to connect takes 100";
 }
 
 } // namespace
