@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures what the whole program costs while it plays a movie: in its own process and in all it has started.
 
-  cpu_use.py PROGRAM MOVIE [--seconds S] [--settle S]
+  cpu_use.py PROGRAM MOVIE [--seconds S] [--settle S] [--window WIDTHxHEIGHT]
   cpu_use.py PROGRAM MOVIE --paired [--rounds N]
 
 Prints the processor time used in the span, in per cent of one core (user and system, all threads of all processes),
@@ -43,11 +43,19 @@ def memory_mib(pids):
 class Playing:
     """One life of the program."""
 
-    def __init__(self, program, movie, inside=None):
+    def __init__(self, program, movie, inside=None, window=None):
         environment = dict(os.environ)
         if inside is not None:
             environment['ZORVEX_ONE_PROCESS'] = '1' if inside else '0'
         self.process = subprocess.Popen([program, movie], env=environment)
+        if window:
+            self.resize(window)
+
+    def resize(self, size):
+        found = subprocess.run(['xdotool', 'search', '--sync', '--onlyvisible', '--pid', str(self.process.pid)],
+                               check=True, capture_output=True, text=True).stdout.split()
+        for name in found:
+            subprocess.run(['xdotool', 'windowsize', name] + size.split('x'), check=True)
 
     def mark(self):
         if self.process.poll() is not None:
@@ -69,13 +77,14 @@ def main():
     ap.add_argument('movie')
     ap.add_argument('--seconds', type=float, default=20)
     ap.add_argument('--settle', type=float, default=4, help='seconds to let the start-up pass')
+    ap.add_argument('--window', metavar='WIDTHxHEIGHT', help='the size to give the window; needs xdotool')
     ap.add_argument('--paired', action='store_true')
     ap.add_argument('--rounds', type=int, default=5)
     args = ap.parse_args()
     if not os.environ.get('DISPLAY') and shutil.which('xvfb-run'):
         os.execvp('xvfb-run', ['xvfb-run', '-a', '-s', '-screen 0 1280x960x24', sys.executable] + sys.argv)
     if not args.paired:
-        playing = Playing(args.program, args.movie)
+        playing = Playing(args.program, args.movie, window=args.window)
         try:
             time.sleep(args.settle)
             playing.mark()
