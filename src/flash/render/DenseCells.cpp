@@ -14,7 +14,7 @@ namespace
 // Numbers for all styles of all rows: 8 MiB of them, of which only those near outlines are ever touched.
 constexpr std::size_t kMaxSums = std::size_t{2} << 20;
 // Pixels without a number of their own, up to so many between others, are cheaper converted than told apart.
-constexpr int kShortGap = 32;
+constexpr int kShortGap = 16;
 // Evenly covered pixels up to so many are told one by one with their neighbours.
 constexpr int kShortStretch = 16;
 
