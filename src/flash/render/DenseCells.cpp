@@ -19,7 +19,8 @@ constexpr int kShortGap = 16;
 constexpr int kShortStretch = 16;
 
 using Ints4 = std::int32_t __attribute__((vector_size(16)));
-using Bytes4 = std::uint8_t __attribute__((vector_size(4)));
+using Ints8 = std::int32_t __attribute__((vector_size(32)));
+using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
 
 [[gnu::always_inline]] inline void runningSum(Ints4& v)
 {
@@ -59,12 +60,18 @@ template <FillRule kRule>
                                                  std::uint8_t* to)
 {
     Ints4 sum = {carry, carry, carry, carry};
-    for (std::size_t i = 0; i < count; i += 4) {
-        Ints4 areas;
+    // A group at a time: it is read in pieces as large, and what was written in smaller ones would have to
+    // reach memory first.
+    for (std::size_t i = 0; i < count; i += 8) {
+        Ints4 areas, further;
         fourAreas(sums + i, sum, kRule, areas);
+        fourAreas(sums + i + 4, sum, kRule, further);
         areas = (areas + kSubpixels) >> (kSubpixelBits + 1);
         areas -= areas >> 8;
-        const Bytes4 bytes = __builtin_convertvector(areas, Bytes4);
+        further = (further + kSubpixels) >> (kSubpixelBits + 1);
+        further -= further >> 8;
+        const Ints8 both = __builtin_shufflevector(areas, further, 0, 1, 2, 3, 4, 5, 6, 7);
+        const Bytes8 bytes = __builtin_convertvector(both, Bytes8);
         std::memcpy(to + i, &bytes, sizeof bytes);
     }
     carry = sum[0];
