@@ -47,7 +47,7 @@ public:
     /// @returns the text in lower case, as names are folded: letters of Latin, Greek and Cyrillic.
     static std::u16string fold(std::u16string_view text);
 
-    /// AtomTable the engine itself looks up. Never collected.
+    /// Names that the engine itself looks up. Never collected.
     struct Common {
         Name empty, proto, prototype, constructor, constructorInternal, resolve, length, toString, valueOf,
             callee, caller, arguments, self, super, root, parent, global, undefined, null, trueText,

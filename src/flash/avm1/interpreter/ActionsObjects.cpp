@@ -223,7 +223,8 @@ void callMethod(Frame& frame, const Instruction& instruction)
             result = Interpreter::invoke(vm, base, Value(), args.values());
         } else {
             const InlineCache& cache = frame.code->cache(instruction.b);
-            Object* holder = cachedMember(cache, vm, base, key);
+            Object* holder = base.isString() ? Interpreter::cachedStringMember(cache, vm, name)
+                                             : cachedMember(cache, vm, base, key);
             Value method = holder == nullptr ? Value() : holder->slot(cache.slot);
             if (method.isUndefined())
                 method = Interpreter::getMethodCached(frame, base, name, holder, instruction.b);

@@ -24,7 +24,7 @@ struct Instruction {
 };
 
 /// What a look-up at one place of the code found last time: members, methods, and variables, which are looked
-/// for in several objects one after the other. AtomTable shapes and objects without keeping them alive.
+/// for in several objects one after the other. Names shapes and objects without keeping them alive.
 struct InlineCache {
     /// How an object looked that was asked.
     struct Guard {

@@ -141,6 +141,14 @@ struct Interpreter {
     static Value getMemberCached(Frame& frame, Value base, Value key, std::uint32_t cache);
     /// @param holder receives the object that has the method, where `super` inside of it starts.
     static Value getMethodCached(Frame& frame, Value base, Name name, Object*& holder, std::uint32_t cache);
+    /// @returns the object whose slot `cache.slot` is that member of texts, or null when the cache does not
+    ///          know
+    static Object* cachedStringMember(const InlineCache& cache, Vm& vm, Name name)
+    {
+        Object* prototype = vm.m_builtIns.string;
+        const bool isKnown = cache.admits(*prototype, name.cell(), vm.epoch()) && vm.isBuiltInString();
+        return isKnown ? cache.holderOr(prototype) : nullptr;
+    }
     static void setMemberCached(Frame& frame, Value base, Value key, Value value, std::uint32_t cache);
 
     static Value getVariable(Frame& frame, Name name, Object** thisOfCall = nullptr);

@@ -26,7 +26,7 @@ void NameCollector::add(Name name, std::uint16_t flags)
 {
     const Atom* key = m_vm.isCaseSensitive() ? name.cell() : name.folded().cell();
     if (!m_seen.insert(key).second) return;
-    // AtomTable hidden from the version are listed all the same.
+    // Names hidden from the version are listed all the same.
     if ((flags & kDontEnum) == 0) m_names.push_back(name);
 }
 

@@ -87,7 +87,7 @@ public:
     /// @returns whether there is one; its value is in `result` then.
     virtual bool getOwn(Vm& vm, Object& self, Name name, Value receiver, Value& result);
     /// Assigns to self, setters of self included; those of prototypes have been asked already when there is
-    /// no own property. AtomTable are created when missing.
+    /// no own property. Properties are created when missing.
     virtual void putOwn(Vm& vm, Object& self, Name name, Value value);
     virtual bool hasOwn(Vm& vm, Object& self, Name name);
     /// @returns whether something was removed.
@@ -129,7 +129,7 @@ public:
     bool hasOwn(Vm& vm, Name name);
     /// @returns whether a property was removed; protected ones stay.
     bool remove(Vm& vm, Name name);
-    /// AtomTable of this object and its prototypes in the order of a for-in loop.
+    /// Names of this object and its prototypes in the order of a for-in loop.
     RootedNames enumerate(Vm& vm);
 
     // ---- ordinary own properties, past any hooks ---

@@ -86,14 +86,6 @@ Value PropertyCache::look(Vm& vm, Object& object, Name name)
     return object.slot(slot);
 }
 
-bool Vm::isBuiltInString()
-{
-    const Value constructor = m_stringClass.get(*this, *m_global, common().string);
-    return constructor.isObject() &&
-           m_stringPrototype.get(*this, *constructor.object(), common().prototype).asObject() ==
-               m_builtIns.string;
-}
-
 // ---- running ---------------------------------------------------------------------------------------------
 
 Code* Vm::codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version)

@@ -240,7 +240,7 @@ private:
         int version;
     };
     /// @returns whether `String` still is the built-in class, so that texts need no object around them.
-    bool isBuiltInString();
+    inline bool isBuiltInString();
     void dropDeadCaches();
     void traceRoots(Tracer& tracer);
     Code* codeFor(const std::shared_ptr<const void>& owner, swf::ActionBlock block, int version);
@@ -289,6 +289,14 @@ public:
 inline Value PropertyCache::get(Vm& vm, Object& object, Name name)
 {
     return epoch == vm.epoch() && shape == object.shape() ? object.slot(slot) : look(vm, object, name);
+}
+
+inline bool Vm::isBuiltInString()
+{
+    const Value constructor = m_stringClass.get(*this, *m_global, common().string);
+    return constructor.isObject() &&
+           m_stringPrototype.get(*this, *constructor.object(), common().prototype).asObject() ==
+               m_builtIns.string;
 }
 
 } // namespace flash::avm1
