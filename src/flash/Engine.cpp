@@ -323,6 +323,7 @@ base::Result<void> Engine::Private::open(const std::string& address, std::option
     if (stage->view().width() == 0) {
         const swf::Rect& frame = movie->header.frameSize;
         stage->view().setSize(devicePixels(frame.width()), devicePixels(frame.height()));
+        stage->view().setScreenSize(options.screenWidth, options.screenHeight);
     }
     sound.setFrameRate(movie->header.frameRate);
     constexpr double kMsPerSecond = 1000;

@@ -78,9 +78,17 @@ void View::setHostBackground(swf::Rgba color)
 void View::setFullScreen(bool on)
 {
     if (on == m_fullScreen) return;
+    const double width = stageWidth(), height = stageHeight();
     m_fullScreen = on;
+    if (stageWidth() != width || stageHeight() != height) m_stage.script().broadcastResize();
     m_stage.script().broadcastFullScreen(on);
     m_stage.queue().run();
+}
+
+void View::setScreenSize(int width, int height)
+{
+    m_screenWidth = width;
+    m_screenHeight = height;
 }
 
 void View::setShowsMenu(bool full)
@@ -110,13 +118,19 @@ double frameHeight(const MoviePtr& movie)
 
 double View::stageWidth() const
 {
-    if (m_scaleMode == ScaleMode::NoScale && m_width > 0) return std::round(m_width / m_deviceScale);
+    if (m_scaleMode == ScaleMode::NoScale) {
+        if (m_fullScreen && m_screenWidth > 0) return m_screenWidth;
+        if (m_width > 0) return std::round(m_width / m_deviceScale);
+    }
     return frameWidth(m_stage.movie());
 }
 
 double View::stageHeight() const
 {
-    if (m_scaleMode == ScaleMode::NoScale && m_height > 0) return std::round(m_height / m_deviceScale);
+    if (m_scaleMode == ScaleMode::NoScale) {
+        if (m_fullScreen && m_screenHeight > 0) return m_screenHeight;
+        if (m_height > 0) return std::round(m_height / m_deviceScale);
+    }
     return frameHeight(m_stage.movie());
 }
 

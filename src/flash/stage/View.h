@@ -55,6 +55,8 @@ public:
     [[nodiscard]] double stageHeight() const;
     [[nodiscard]] bool isFullScreen() const { return m_fullScreen; }
     void setFullScreen(bool on);
+    /// What scripts see of a movie in full screen that no host gives a size, pixels. Without, the size stays.
+    void setScreenSize(int width, int height);
     void setShowsMenu(bool full);
     [[nodiscard]] bool showsMenu() const { return m_showsMenu; }
 
@@ -91,6 +93,7 @@ private:
     swf::Rgba m_background{255, 255, 255, 255};
     bool m_hostBackground = false, m_movieBackground = false;
     bool m_fullScreen = false, m_showsMenu = true;
+    int m_screenWidth = 0, m_screenHeight = 0;
     std::unique_ptr<render::RenderCache> m_renderCache;
     render::IntRect m_dirty;
     std::vector<std::weak_ptr<Node>> m_changedNodes;

@@ -69,8 +69,13 @@ Value getDisplayState(Call& call)
 Value setDisplayState(Call& call)
 {
     const std::u16string name = AtomTable::fold(textArg(call, 0));
-    if (name == u"fullscreen") StageBinding::of(call).stage().view().setFullScreen(true);
-    if (name == u"normal") StageBinding::of(call).stage().view().setFullScreen(false);
+    stage::Stage& stage = StageBinding::of(call).stage();
+    const bool on = name == u"fullscreen";
+    if ((!on && name != u"normal") || on == stage.view().isFullScreen()) return {};
+    stage.view().setFullScreen(on);
+    // Whether its window follows is the host's to say.
+    stage.queue().addRequest(
+        [&stage, on] { stage.services().host.fsCommand("fullscreen", on ? "true" : "false"); });
     return {};
 }
 
