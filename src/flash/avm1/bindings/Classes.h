@@ -27,7 +27,8 @@ void installLoadVars(StageBinding& binding);
 void installSharedObject(StageBinding& binding);
 void installSystem(StageBinding& binding);
 void installMovieClipLoader(StageBinding& binding);
-/// LocalConnection, Microphone, PrintJob and Accessibility, behind which there is nothing.
+void installLocalConnection(StageBinding& binding);
+/// Microphone, PrintJob and Accessibility, behind which there is nothing.
 void installDeviceClasses(StageBinding& binding);
 /// NetConnection, NetStream, and what Video has besides a button's members.
 void installNetStream(StageBinding& binding);

@@ -1,7 +1,7 @@
 #include "flash/avm1/bindings/Classes.h"
 
-// Classes of what this player does not have: printers, microphones, screen readers and other movies to talk
-// to. Movies find them, ask, and are told that there is nothing of the kind.
+// Classes of what this player does not have: printers, microphones and screen readers. Movies find them, ask,
+// and are told that there is nothing of the kind.
 namespace flash::avm1
 {
 
@@ -12,23 +12,7 @@ Value nothing(Call&) { return {}; }
 Value refuse(Call&) { return Value(false); }
 Value none(Call&) { return Value::null(); }
 
-/// The name is free: a movie that asks in order not to run twice shall run.
-Value connect(Call& call) { return Value(call.count() > 0); }
-/// As when nobody has connected to the name; whether somebody has is not what the answer tells.
-Value send(Call& call)
-{
-    StageBinding::of(call).host().log("LocalConnection.send: there is no other movie to hear it");
-    return Value(call.count() > 1);
-}
-Value domain(Call& call) { return call.vm.string(std::string_view("localhost")); }
-
 // clang-format off
-constexpr MemberInfo kConnectionMembers[] = {
-    {"connect", 1, kFrom6, &connect},
-    {"send",    2, kFrom6, &send},
-    {"close",   0, kFrom6, &nothing},
-    {"domain",  0, kFrom6, &domain},
-};
 constexpr MemberInfo kMicrophoneMembers[] = {
     {"setGain",               1, kFrom6, &nothing},
     {"setRate",               1, kFrom6, &nothing},
@@ -69,8 +53,6 @@ Value constructPrintJob(Call& call)
 void installDeviceClasses(StageBinding& binding)
 {
     Vm& vm = binding.vm();
-    vm.defineClass("LocalConnection", &nothing, kConnectionMembers);
-
     Function* microphone = vm.defineClass("Microphone", &nothing, kMicrophoneMembers);
     microphone->define(vm, "get", vm.newScriptLike(&none), 0);
 

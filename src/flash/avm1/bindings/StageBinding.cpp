@@ -37,6 +37,7 @@ struct StageBinding::State {
     std::unordered_map<stage::SoundId, Object*> sounds; // whose end is waited for
     std::vector<std::shared_ptr<NetStream>> streams;    // those that play
     std::map<std::string, Object*, std::less<>> sharedObjects;
+    std::map<std::u16string, Object*> localConnections;
     Prototypes prototypes;
 };
 
@@ -85,6 +86,7 @@ void StageBinding::installClasses()
     installSharedObject(*this);
     installSystem(*this);
     installMovieClipLoader(*this);
+    installLocalConnection(*this);
     installDeviceClasses(*this);
     installNetStream(*this);
     installXml(*m_vm);
@@ -144,6 +146,7 @@ void StageBinding::traceNodes(Tracer& tracer)
     for (const auto& [id, object] : m_state->sounds) tracer(object);
     for (const auto& stream : m_state->streams) stream->trace(tracer);
     for (const auto& [key, object] : m_state->sharedObjects) tracer(object);
+    for (const auto& [name, object] : m_state->localConnections) tracer(object);
     tracer(m_state->prototypes.movieClip);
     tracer(m_state->prototypes.button);
     tracer(m_state->prototypes.textField);
@@ -155,6 +158,8 @@ StageBinding& StageBinding::of(Call& call) { return of(call.vm); }
 StageBinding& StageBinding::of(Vm& vm) { return *vm.host().binding(); }
 
 std::map<std::string, Object*, std::less<>>& StageBinding::sharedObjects() { return m_state->sharedObjects; }
+
+std::map<std::u16string, Object*>& StageBinding::localConnections() { return m_state->localConnections; }
 
 Value StageBinding::utf8(std::string_view text) { return m_vm->string(base::utf16FromUtf8(text)); }
 std::string StageBinding::toUtf8(std::u16string_view text) { return base::utf8FromUtf16(text); }

@@ -79,7 +79,10 @@ public:
     std::shared_ptr<const swf::Bitmap> bitmapOf(Object* object);
     /// The movie's shared objects by the names that the store has for them.
     [[nodiscard]] std::map<std::string, Object*, std::less<>>& sharedObjects();
-    /// Keeps what changed in them; to be called while the stage still is there, before the movie goes.
+    /// The LocalConnection objects that have taken a name, by it.
+    [[nodiscard]] std::map<std::u16string, Object*>& localConnections();
+    /// Keeps what changed in the shared objects; to be called while the stage still is there, before the
+    /// movie goes.
     void saveSharedObjects();
     /// Calls onSoundComplete of the object once the sound has played to its end.
     void watchSound(stage::SoundId sound, Object* object);
