@@ -3,6 +3,7 @@
 #include "base/FileNames.h"
 #include "base/Files.h"
 #include "base/TextCodeGuess.h"
+#include "flash/InnerMovie.h"
 #include "flash/MovieLoader.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/avm2/bindings/Player.h"
@@ -168,12 +169,25 @@ public:
                 return std::chrono::duration<double, std::milli>(now).count();
             };
             inputs.randomSeed = options.randomSeed;
+            inputs.openOldMovie = [this](stage::Stage& outer, const stage::MoviePtr& movie,
+                                         const std::string& url) {
+                return openInnerMovie(outer, movie, url, oldInputs(), options.textCode);
+            };
             script3 = std::make_unique<avm2::Player>(services, std::move(inputs));
             if (options.collectAlways) script3->vm().collectAlways();
             stage = std::make_unique<stage::Stage>(services, script3.get());
             script3->attach(*stage);
             return;
         }
+        script = std::make_unique<avm1::StageBinding>(services, oldInputs());
+        if (options.collectAlways) script->vm().collectAlways();
+        stage = std::make_unique<stage::Stage>(services, &script->events());
+        script->attach(*stage);
+        stage->linkage().setTextCode(base::TextCode::named(options.textCode));
+    }
+
+    [[nodiscard]] avm1::BindingInputs oldInputs() const
+    {
         avm1::BindingInputs inputs;
         inputs.wallClockMs = [start = options.startDateMs] { return start; };
         inputs.realTimeMs = [] {
@@ -184,11 +198,7 @@ public:
         inputs.language = options.language;
         inputs.screenWidth = options.screenWidth;
         inputs.screenHeight = options.screenHeight;
-        script = std::make_unique<avm1::StageBinding>(services, std::move(inputs));
-        if (options.collectAlways) script->vm().collectAlways();
-        stage = std::make_unique<stage::Stage>(services, &script->events());
-        script->attach(*stage);
-        stage->linkage().setTextCode(base::TextCode::named(options.textCode));
+        return inputs;
     }
 
     void dropStage()

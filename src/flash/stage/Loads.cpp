@@ -194,7 +194,8 @@ void Loads::finish(Pending& load)
     if (!load.url.empty()) load.answer->url = load.url;
     const auto movie = swf::parseMovie(load.answer->bytes);
     if (movie && (*movie)->isAs3) {
-        m_stage.services().host.logLine(load.answer->url + ": ActionScript 3 is not supported");
+        m_stage.services().host.logLine(load.answer->url +
+                                        ": a movie of ActionScript 1 or 2 cannot show one of ActionScript 3");
         if (load.listener) load.listener->failed(clip.get(), "LoadNeverCompleted");
         return;
     }

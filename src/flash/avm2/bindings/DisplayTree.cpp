@@ -11,6 +11,12 @@
 namespace flash::avm2
 {
 
+namespace
+{
+/// What shows an object takes outside the heap, about.
+constexpr std::size_t kNodeBytes = 2048;
+} // namespace
+
 DisplayObject::~DisplayObject()
 {
     if (m_node != nullptr && m_node->peer == &m_peer) m_node->peer = nullptr;
@@ -19,6 +25,7 @@ DisplayObject::~DisplayObject()
 void DisplayObject::trace(Tracer& tracer)
 {
     DispatcherObject::trace(tracer);
+    tracer.outside(kNodeBytes);
     tracer(parent);
     for (const DisplayObject* child : children) tracer(child);
     tracer(name);
@@ -70,7 +77,7 @@ void DisplayObject::insertChild(DisplayObject& child, std::size_t index)
 
 void DisplayObject::eraseChild(DisplayObject& child)
 {
-    std::erase(children, &child);
+    if (const auto at = std::ranges::find(children, &child); at != children.end()) children.erase(at);
     if (clip() != nullptr && child.node().parent() == clip()) clip()->detach(child.node());
     child.parent = nullptr;
 }
@@ -125,6 +132,7 @@ Object* allocateDisplay(Vm& vm, ClassObject& cls)
         node = stage.displayList().makeNode(movie, id);
     if (node == nullptr) node = plainNode(stage, nativeName);
     made->setNode(std::move(node));
+    vm.heap().noteExternalBytes(kNodeBytes);
     return made;
 }
 

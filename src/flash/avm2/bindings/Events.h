@@ -29,14 +29,23 @@ public:
     DispatcherObject(Traits* traits, Object* proto) : Object(traits, proto) {}
     void trace(Tracer& tracer) override;
     struct Listener {
-        Value function;
+        Value function; ///< a weak one's is not kept alive; of a weak bound one null, it is made when called
         std::int32_t priority = 0;
-        bool isCapture = false;
+        bool isCapture = false, isWeak = false;
+        /// A method of an object that is heard weakly lives as long as the object does, whoever holds it.
+        MethodEnv* method = nullptr;
+        Value self;
+        [[nodiscard]] bool calls(Vm& vm, Value other) const;
     };
     using List = std::vector<Listener, vm::TracedAllocator<Listener>>;
-    void listen(Vm& vm, Name type, Value function, bool capture, std::int32_t priority);
+    enum class Hold : std::uint8_t { Strong, Weak };
+    void listen(Vm& vm, Name type, Value function, bool capture, std::int32_t priority,
+                Hold hold = Hold::Strong);
     void unlisten(Vm& vm, Name type, Value function, bool capture);
     [[nodiscard]] bool hasListener(Name type) const;
+    /// The heap has been marked: lets go of weak listeners that nothing else holds.
+    /// @returns whether there are others
+    bool dropGoneListeners();
     /// The dispatcher that an event bubbles to next; null at the top.
     [[nodiscard]] virtual DispatcherObject* eventParent() const { return nullptr; }
     /// @returns false when a listener prevented what comes by default
@@ -45,7 +54,7 @@ public:
     Value standIn;
 
 private:
-    void callListeners(Vm& vm, EventObject& event, Value current, int phase);
+    void callListeners(Vm& vm, EventObject& event, Name type, Value current, int phase);
     std::map<const Atom*, List> m_listeners;
     TracedList<Name> m_types; ///< keeps the keys alive
 };

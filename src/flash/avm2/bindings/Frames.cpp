@@ -17,8 +17,8 @@ constexpr int kMaxNestedFrames = 64; ///< within each other, by scripts
 
 void Player::noteListening(DispatcherObject& object, std::u16string_view type)
 {
-    auto& list = m_listening[std::u16string(type)];
-    if (std::ranges::find(list, &object) == list.end()) list.push_back(&object);
+    Hearers& hearers = m_listening[std::u16string(type)];
+    if (hearers.known.insert(&object).second) hearers.list.push_back(&object);
 }
 
 void Player::noteOffStage(DisplayObject& object)
@@ -47,9 +47,9 @@ void Player::broadcast(std::string_view type)
 {
     const Name name = m_vm->name(type);
     RootedList<DispatcherObject*> targets(m_vm->heap());
-    auto& list = m_listening[widen(type)];
-    std::erase_if(list, [&](const DispatcherObject* object) { return !object->hasListener(name); });
-    for (DispatcherObject* object : list) targets.push_back(object);
+    Hearers& hearers = m_listening[widen(type)];
+    hearers.forget([&](const DispatcherObject* object) { return !object->hasListener(name); });
+    for (DispatcherObject* object : hearers.list) targets.push_back(object);
     for (std::size_t i = 0; i < targets.size(); ++i) m_vm->guarded([&] { fire(*m_vm, *targets[i], type); });
 }
 
@@ -64,6 +64,7 @@ void Player::frameEnded()
         syncHost();
         advance(*m_stageObject);
         forOrphans([&](DisplayObject& object) { advance(object); });
+        advanceOldMovies();
         broadcast("enterFrame");
     }
     if (root() == nullptr) return;
@@ -83,7 +84,7 @@ void Player::frameEnded()
     // What the frame's scripts have asked for.
     m_stage->loads().deliver();
     m_stage->queue().run();
-    if (m_vm->heap().shouldCollect()) m_vm->heap().collect();
+    collectIfDue();
 }
 
 void Player::broadcastResize()

@@ -186,13 +186,7 @@ void Input::keyReleased(int keyCode, char32_t charCode) { fireKey("keyUp", keyCo
 
 // ---- the player's end of it ----
 
-void Player::pointerMoved() { m_input->moved(); }
-void Player::pointerPressed(stage::MouseButton button, int clicks) { m_input->pressed(button, clicks); }
-void Player::pointerReleased(stage::MouseButton button) { m_input->released(button); }
-void Player::wheelTurned(int lines) { m_input->wheel(lines); }
 void Player::pointerLeft() { m_input->left(); }
-void Player::keyPressed(int keyCode, char32_t charCode) { m_input->keyPressed(keyCode, charCode); }
-void Player::keyReleased(int keyCode, char32_t charCode) { m_input->keyReleased(keyCode, charCode); }
 void Player::focusChanged(stage::Node* before, stage::Node* now) { m_input->focusChanged(before, now); }
 
 void Player::textChanged(stage::TextField& field)

@@ -9,29 +9,30 @@
 namespace flash::avm2
 {
 
-/// A movie that this machine plays: its code and the classes of its characters.
+/// A movie that this machine plays: its code and the classes of its characters. It keeps nothing of them
+/// alive: Player keeps what the main movie has, and forgets of others what is gone.
 class LoadedMovie
 {
 public:
-    LoadedMovie(Heap& heap, stage::MoviePtr file, std::string address, Domain* ownDomain)
+    LoadedMovie(stage::MoviePtr file, std::string address, Domain* ownDomain)
         : movie(std::move(file)), url(std::move(address)), tags(swf::readScriptTags(*movie)),
-          domain(heap, ownDomain), root(heap), loaderInfo(heap)
+          domain(ownDomain)
     {
     }
     [[nodiscard]] ClassObject* classOf(std::uint16_t characterId) const
     {
         const auto found = symbols.find(characterId);
-        return found != symbols.end() ? found->second.get() : nullptr;
+        return found != symbols.end() ? found->second : nullptr;
     }
 
     const stage::MoviePtr movie;
     const std::string url;
     const swf::ScriptTags tags;
     std::size_t loadedFrames = 0; ///< whose code has been read
-    Root<Domain> domain;
-    Root<DisplayObject> root;
-    Root<DispatcherObject> loaderInfo;
-    std::map<std::uint16_t, Root<ClassObject>> symbols; ///< 0: the main timeline
+    Domain* domain;               ///< null once it is gone
+    DisplayObject* root = nullptr;
+    DispatcherObject* loaderInfo = nullptr;
+    std::map<std::uint16_t, ClassObject*> symbols; ///< 0: the main timeline
 };
 
 } // namespace flash::avm2

@@ -50,6 +50,8 @@ void takeContent(Vm& vm, DisplayObject& loader)
 {
     Player& player = Player::of(vm);
     LoaderInfoObject& info = *infoOf(loader);
+    if (info.content != nullptr && info.kind == LoaderInfoObject::Content::OldMovie)
+        player.endOldMovie(*info.content);
     if (info.content != nullptr && info.content->parent == &loader) player.removeChild(loader, *info.content);
     info.content = nullptr;
     info.kind = LoaderInfoObject::Content::None;
@@ -100,6 +102,8 @@ bool show(Vm& vm, DisplayObject& loader, base::Bytes bytes, const std::string& u
             content->name = Value(vm.string(player.nextInstanceName()));
             content->loaderInfo = Value(&info);
             info.content = content;
+            if (!player.showOldMovie(*content, *movie, url))
+                player.log(url + ": movies of ActionScript 1 and 2 are not played here");
         }
     } else if (auto picture = swf::decodePicture(bytes)) {
         info.kind = LoaderInfoObject::Content::Picture;

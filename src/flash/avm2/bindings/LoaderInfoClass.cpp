@@ -144,7 +144,7 @@ Value nothing(Call&) { return Value::null(); }
 Value getByDefinition(Call& call)
 {
     auto* main = Player::of(call.vm).mainMovie();
-    return main != nullptr && main->loaderInfo ? Value(main->loaderInfo.get()) : Value::null();
+    return main != nullptr ? Value(main->loaderInfo) : Value::null();
 }
 Value refuse(Call& call)
 {

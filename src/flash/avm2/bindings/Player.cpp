@@ -30,11 +30,53 @@ Player::Player(stage::Services services, PlayerInputs inputs)
 {
     m_vm->binding = this;
     m_input = std::make_unique<Input>(*this, m_vm->heap());
-    m_vm->heap().addSweepHook([this] {
-        for (auto& [type, list] : m_listening)
-            std::erase_if(list, [](const DispatcherObject* object) { return !Heap::isMarked(object); });
-        std::erase_if(m_orphans, [](const DisplayObject* object) { return !Heap::isMarked(object); });
+    m_vm->heap().addRootSource([this](Tracer& tracer) {
+        if (m_movies.empty()) return;
+        const LoadedMovie& main = *m_movies.front();
+        tracer(main.domain);
+        tracer(main.root);
+        tracer(main.loaderInfo);
+        for (const auto& [id, cls] : main.symbols) tracer(cls);
     });
+    m_vm->heap().addSweepHook([this] { forgetGone(); });
+}
+
+/// What is no longer marked is about to be freed.
+void Player::forgetGone()
+{
+    const auto isGone = [](const Cell* cell) { return cell != nullptr && !Heap::isMarked(cell); };
+    for (auto& [type, hearers] : m_listening) hearers.forget(isGone);
+    std::erase_if(m_weaklyHeard,
+                  [&](DispatcherObject* object) { return isGone(object) || !object->dropGoneListeners(); });
+    std::erase_if(m_orphans, isGone);
+    std::erase_if(m_linked, [&](const auto& entry) { return isGone(entry.first); });
+    for (const auto& movie : m_movies) {
+        if (isGone(movie->domain)) movie->domain = nullptr;
+        if (isGone(movie->root)) movie->root = nullptr;
+        if (isGone(movie->loaderInfo)) movie->loaderInfo = nullptr;
+        std::erase_if(movie->symbols, [&](const auto& entry) { return isGone(entry.second); });
+    }
+    std::erase_if(m_movies, [this](const auto& movie) { return isForgotten(*movie); });
+}
+
+/// What has been taken off the stage goes on with every frame until it is freed: it must not become much. A
+/// collection within a frame keeps whatever the frame is being told to, which may be most of it.
+void Player::collectIfDue()
+{
+    constexpr std::size_t kManyOrphans = 500;
+    Heap& heap = m_vm->heap();
+    const bool keptSome = heap.collections() != m_seenCollections && !m_orphans.empty();
+    if (!heap.shouldCollect() && !keptSome && m_orphans.size() <= 2 * m_keptOrphans + kManyOrphans) return;
+    heap.collect();
+    m_keptOrphans = m_orphans.size();
+    m_seenCollections = heap.collections();
+}
+
+/// Nothing of a movie that was loaded is shown any more, and no class is left to make it from.
+bool Player::isForgotten(const LoadedMovie& movie) const
+{
+    return &movie != m_movies.front().get() && movie.root == nullptr && movie.movie.use_count() == 1 &&
+           std::ranges::none_of(m_linked, [&](const auto& entry) { return entry.second.first == &movie; });
 }
 
 Player::~Player()
@@ -85,8 +127,11 @@ LoadedMovie* Player::loaded(const stage::MoviePtr& movie)
 
 LoadedMovie& Player::addMovie(stage::MoviePtr movie, std::string url, Domain* domain)
 {
-    m_movies.push_back(std::make_unique<LoadedMovie>(m_vm->heap(), std::move(movie), std::move(url), domain));
+    m_movies.push_back(std::make_unique<LoadedMovie>(std::move(movie), std::move(url), domain));
     LoadedMovie& added = *m_movies.back();
+    // What is read of a movie takes several times its size.
+    constexpr std::size_t kMemoryToFile = 4;
+    m_vm->heap().noteExternalBytes(kMemoryToFile * added.movie->bytes.size());
     loadScripts(added, 0);
     return added;
 }
@@ -106,6 +151,7 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
             continue;
         }
         m_vm->guarded([&] {
+            if (movie.domain == nullptr) return; // its frames go on, without a class of its own
             Unit* unit = movie.domain->load(*m_vm, *parsed);
             if (!block.lazy) unit->runAllScripts(*m_vm);
         });
@@ -114,6 +160,7 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
         if (symbol.frame != frame) continue;
         m_vm->guarded([&] {
             Value found;
+            if (movie.domain == nullptr) return;
             if (!movie.domain->lookUp(*m_vm, fromUtf8(symbol.className), found)) {
                 m_services.host.logLine("No class " + symbol.className);
                 return;
@@ -127,7 +174,7 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
                 cls->instances->isA(m_vm->nativeClass("flash.display::DisplayObject")->instances);
             const std::uint16_t id =
                 known || !isShown || binary != movie.tags.binaries.end() ? symbol.characterId : 0;
-            if (!movie.symbols.try_emplace(id, m_vm->heap(), cls).second || id == 0) return;
+            if (!movie.symbols.try_emplace(id, cls).second || id == 0) return;
             m_linked.try_emplace(cls, &movie, id);
             if (binary != movie.tags.binaries.end()) cls->allocate = &allocateBinary;
         });
@@ -237,11 +284,11 @@ DisplayObject* Player::makeRoot(LoadedMovie& movie, DisplayObject* parent)
         Value(m_vm->string(parent == m_stageObject.get() ? std::u16string(u"root1") : nextInstanceName()));
     root->timeline = std::shared_ptr<const swf::Timeline>(movie.movie, &movie.movie->timeline);
     if (root->clip() != nullptr) root->clip()->setTimeline(movie.movie, root->timeline);
-    if (!movie.loaderInfo) movie.loaderInfo = newLoaderInfo(*m_vm, movie.url);
-    auto* info = as<LoaderInfoObject>(Value(movie.loaderInfo.get()));
+    if (movie.loaderInfo == nullptr) movie.loaderInfo = newLoaderInfo(*m_vm, movie.url);
+    auto* info = as<LoaderInfoObject>(Value(movie.loaderInfo));
     info->kind = LoaderInfoObject::Content::Movie;
     info->movie = movie.movie;
-    info->domain = movie.domain.get();
+    info->domain = movie.domain;
     info->content = root;
     info->loaded = info->total = static_cast<double>(movie.movie->fileLength > 0 ? movie.movie->fileLength
                                                                                  : movie.movie->bytes.size());
@@ -263,30 +310,25 @@ DisplayObject* Player::makeRoot(LoadedMovie& movie, DisplayObject* parent)
 
 double Player::nextTimerMs()
 {
-    double next = -1;
-    for (const auto& [id, timer] : m_timers) {
-        const double wait = std::max(0.0, timer->dueMs - timeMs());
-        if (next < 0 || wait < next) next = wait;
-    }
-    return next;
+    return m_dueTimers.empty() ? -1 : std::max(0.0, m_dueTimers.begin()->first - timeMs());
 }
 
 void Player::runTimers(double nowMs)
 {
     constexpr int kMaxAtOnce = 1000;
     for (int i = 0; i < kMaxAtOnce && !m_vm->isDisabled(); ++i) {
-        Timer* due = nullptr;
-        for (const auto& [id, timer] : m_timers) {
-            if (timer->dueMs <= nowMs && (due == nullptr || timer->dueMs < due->dueMs)) due = timer.get();
-        }
-        if (due == nullptr) return;
-        const std::uint32_t id = due->id;
-        Root<Object> function(m_vm->heap(), due->function.get());
-        RootedList<Value> args(m_vm->heap(), due->args.begin(), due->args.end());
-        if (due->repeats)
-            due->dueMs += std::max(1.0, due->everyMs);
-        else
+        if (m_dueTimers.empty() || m_dueTimers.begin()->first > nowMs) return;
+        const std::uint32_t id = m_dueTimers.begin()->second;
+        Timer& due = *m_timers.at(id);
+        Root<Object> function(m_vm->heap(), due.function.get());
+        RootedList<Value> args(m_vm->heap(), due.args.begin(), due.args.end());
+        if (due.repeats) {
+            m_dueTimers.erase(m_dueTimers.begin());
+            due.dueMs += std::max(1.0, due.everyMs);
+            m_dueTimers.emplace(due.dueMs, id);
+        } else {
             removeTimer(id);
+        }
         m_vm->guarded([&] { m_vm->call(Value(function.get()), Value(), std::span<const Value>(*args)); });
     }
 }
@@ -298,12 +340,24 @@ std::uint32_t Player::addTimer(Value function, std::span<const Value> args, doub
     auto timer =
         std::make_unique<Timer>(Timer{Root<Object>(m_vm->heap(), function.asObject()),
                                       RootedList<Value>(m_vm->heap(), args.begin(), args.end()),
-                                      timeMs() + std::max(0.0, everyMs), everyMs, m_nextTimer, repeats});
+                                      timeMs() + (everyMs > 0 ? everyMs : 0), everyMs, m_nextTimer, repeats});
+    m_dueTimers.emplace(timer->dueMs, m_nextTimer);
     m_timers[m_nextTimer] = std::move(timer);
     return m_nextTimer++;
 }
 
-void Player::removeTimer(std::uint32_t id) { m_timers.erase(id); }
-void Player::movieReplaced() { m_timers.clear(); }
+void Player::removeTimer(std::uint32_t id)
+{
+    const auto found = m_timers.find(id);
+    if (found == m_timers.end()) return;
+    m_dueTimers.erase({found->second->dueMs, id});
+    m_timers.erase(found);
+}
+
+void Player::movieReplaced()
+{
+    m_timers.clear();
+    m_dueTimers.clear();
+}
 
 } // namespace flash::avm2

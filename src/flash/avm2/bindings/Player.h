@@ -3,13 +3,16 @@
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Input.h"
 #include "flash/avm2/bindings/LoadedMovie.h"
+#include "flash/avm2/bindings/OldMovies.h"
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Stage.h"
 
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace flash::avm2
 {
@@ -20,6 +23,7 @@ struct PlayerInputs {
     std::uint32_t randomSeed = 1;
     std::string language = "en"; ///< two letters
     int screenWidth = 1024, screenHeight = 768;
+    OpenOldMovie openOldMovie; ///< may be none: those are not played then
 };
 
 /// Joins the machine to a stage: the frames of the display list as scripts see it, timers, events.
@@ -69,7 +73,7 @@ public:
 
     // ---- movies ----
     DisplayObject* stageObject() { return m_stageObject.get(); }
-    DisplayObject* root() { return m_movies.empty() ? nullptr : m_movies.front()->root.get(); }
+    DisplayObject* root() { return m_movies.empty() ? nullptr : m_movies.front()->root; }
     /// The one that a file of the dictionary belongs to; null for none of this machine.
     LoadedMovie* loaded(const stage::MoviePtr& movie);
     LoadedMovie* mainMovie() { return m_movies.empty() ? nullptr : m_movies.front().get(); }
@@ -81,6 +85,10 @@ public:
     ClassObject* classOf(const stage::MoviePtr& movie, std::uint16_t characterId);
     /// The character that a class, or one it derives from, is linked to; 0: none
     std::uint16_t characterOf(const ClassObject* cls, stage::MoviePtr& movie);
+
+    /// Has an object show and play a movie of the first machine. @returns false when there is none
+    bool showOldMovie(DisplayObject& object, const stage::MoviePtr& movie, const std::string& url);
+    void endOldMovie(DisplayObject& object);
 
     // ---- the display list ----
     void showCharacter(DisplayObject& object, const stage::MoviePtr& movie, std::uint16_t characterId);
@@ -111,6 +119,8 @@ public:
     void noteOffStage(DisplayObject& object);
     /// It hears of an event of every frame, whether it is on the stage or not.
     void noteListening(DispatcherObject& object, std::u16string_view type);
+    /// Of it, what is heard weakly goes with who hears it.
+    void noteWeakListener(DispatcherObject& object) { m_weaklyHeard.insert(&object); }
     /// The next drawing is told of by an event.
     void requestRender() { m_wantsRender = true; }
     std::u16string nextInstanceName();
@@ -147,6 +157,9 @@ public:
 private:
     static Object* allocateBinary(Vm& vm, ClassObject& cls);
     void begin();
+    void forgetGone();
+    void collectIfDue();
+    [[nodiscard]] bool isForgotten(const LoadedMovie& movie) const;
     void loadScripts(LoadedMovie& movie, std::size_t frame);
     void readFrameScripts(LoadedMovie& movie, std::size_t frame);
     void advance(DisplayObject& clip);
@@ -171,6 +184,10 @@ private:
     void forOrphans(Work&& work);
     void syncHost();
     void tellFinishedSounds();
+    template <class Work>
+    void forOldMovies(Work&& work);
+    void advanceOldMovies();
+    void tellOldMovies(stage::SoundId ended);
     void followStreams();
 
     stage::Services m_services;
@@ -181,10 +198,28 @@ private:
     std::vector<std::unique_ptr<LoadedMovie>> m_movies; ///< the main one first
     std::unordered_map<const ClassObject*, std::pair<LoadedMovie*, std::uint16_t>> m_linked;
     Root<DisplayObject> m_stageObject;
-    std::map<std::u16string, std::vector<DispatcherObject*>, std::less<>> m_listening; ///< weak, as are
+    /// Those that hear of every frame, in the order in which they began to.
+    struct Hearers {
+        std::vector<DispatcherObject*> list;
+        std::unordered_set<DispatcherObject*> known;
+        template <class IsGone>
+        void forget(IsGone&& isGone)
+        {
+            std::erase_if(list, [&](DispatcherObject* object) {
+                if (!isGone(object)) return false;
+                known.erase(object);
+                return true;
+            });
+        }
+    };
+    std::map<std::u16string, Hearers, std::less<>> m_listening; ///< weak, as are
+    std::unordered_set<DispatcherObject*> m_weaklyHeard;
+    std::vector<std::weak_ptr<OldMovieNode>> m_oldMovies;
     std::vector<DisplayObject*> m_orphans;
+    std::size_t m_keptOrphans = 0, m_seenCollections = 0; ///< after the last collection at a frame's end
     std::vector<std::function<void()>> m_later;
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
+    std::set<std::pair<double, std::uint32_t>> m_dueTimers; ///< the same by when they are due
     std::map<std::u16string, Root<Object>> m_localConnections;
     std::map<std::string, Root<Object>> m_sharedObjects;
     std::map<Object*, Root<Object>> m_streams;

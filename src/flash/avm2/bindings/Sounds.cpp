@@ -288,7 +288,10 @@ void Player::tellFinishedSounds()
 {
     for (const stage::SoundId id : m_services.sound.takeFinished()) {
         const auto found = m_sounds.find(id);
-        if (found == m_sounds.end()) continue;
+        if (found == m_sounds.end()) {
+            tellOldMovies(id);
+            continue;
+        }
         Root<SoundChannelObject> channel(m_vm->heap(), static_cast<SoundChannelObject*>(found->second.get()));
         m_sounds.erase(found);
         channel->lastMs = m_services.sound.positionMs(id);
