@@ -4,6 +4,7 @@
 #include "flash/avm2/bindings/NetConnection.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/Amf.h"
+#include "flash/avm2/classes/ObjectEncoding.h"
 
 #include <algorithm>
 
@@ -47,6 +48,7 @@ Value constructConnection(Call& call)
 {
     auto& made = connectionSelf(call);
     made.client = Value(&made);
+    made.encoding = classes::defaultEncodingOf(made).value;
     return {};
 }
 
@@ -119,9 +121,8 @@ Value setClient(Call& call)
 Value encoding(Call& call) { return connectionSelf(call).encoding; }
 Value setEncoding(Call& call)
 {
-    const std::uint32_t wanted = call.vm.toUint(call.arg(0));
-    if (wanted != 0 && wanted != 3) throwNotAccepted(call.vm, "objectEncoding");
-    connectionSelf(call).encoding = static_cast<int>(wanted);
+    const int wanted = classes::encodingArg(call);
+    connectionSelf(call).encoding = wanted;
     return {};
 }
 /// What exists of a connection to a server only. @throws 2126
@@ -133,7 +134,6 @@ Value ofServer(Call& call)
     return isFlag ? Value(false) : Value(call.vm.name("none").string());
 }
 Value proxyType(Call& call) { return Value(call.vm.name("none").string()); }
-Value three(Call&) { return 3; }
 
 // ---- Responder ----
 
@@ -272,7 +272,8 @@ constexpr NativeMember kConnection[] = {
     {"uri", Kind::Getter, &uri, 0, 0, nullptr, "String"},
     {"client", Kind::Getter, &client, 0, 0, &setClient, "Object"},
     {"objectEncoding", Kind::Getter, &encoding, 0, 0, &setEncoding, "uint"},
-    {"defaultObjectEncoding", Kind::StaticGetter, &three, 0, 0, &doNothing, "uint"},
+    {"defaultObjectEncoding", Kind::StaticGetter, &classes::defaultObjectEncoding, 0, 0,
+     &classes::setDefaultObjectEncoding, "uint"},
     {"proxyType", Kind::Getter, &proxyType, 0, 0, &doNothing, "String"},
     {"connectedProxyType", Kind::Getter, &ofServer<false>, 0, 0, nullptr, "String"},
     {"usingTLS", Kind::Getter, &ofServer<true>, 0, 0, nullptr, "Boolean"},
@@ -298,7 +299,8 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 0,
      .maxArguments = 0,
      .allocate = &allocateNative<NetConnectionObject>,
-     .members = kConnection},
+     .members = kConnection,
+     .setUp = [](Vm& vm, ClassObject& cls) { classes::addState<classes::DefaultEncoding>(vm, cls); }},
     {.package = "flash.net",
      .name = "Responder",
      .base = {},

@@ -2,6 +2,7 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/Amf.h"
+#include "flash/avm2/classes/ObjectEncoding.h"
 #include "flash/guard/Guard.h"
 #include "flash/net/SharedObjectFile.h"
 
@@ -38,7 +39,7 @@ std::vector<std::uint8_t> encode(Vm& vm, SharedObjectObject& object)
 {
     Object* data = object.data.asObject();
     if (data == nullptr) data = vm.newObject();
-    return classes::writeSharedObject(vm, net::sharedObjectName(object.key), *data);
+    return classes::writeSharedObject(vm, net::sharedObjectName(object.key), *data, object.encoding);
 }
 
 bool isEmpty(Vm& vm, SharedObjectObject& object)
@@ -68,9 +69,11 @@ Value getLocal(Call& call)
     shared->key = key;
     shared->data = Value(vm.newObject());
     shared->client = Value(shared);
+    shared->encoding = classes::defaultEncodingOf(*shared).value;
     known.emplace(key, Root<Object>(vm.heap(), shared));
     const auto bytes = player.stage().services().sharedObjects.read(key);
-    if (!bytes.empty() && !vm.guarded([&] { classes::readSharedObject(vm, shared->data, bytes); }))
+    if (!bytes.empty() &&
+        !vm.guarded([&] { shared->encoding = classes::readSharedObject(vm, shared->data, bytes); }))
         player.log("SharedObject " + key + ": damaged");
     return Value(shared);
 }
@@ -111,9 +114,8 @@ Value setClient(Call& call)
 Value encoding(Call& call) { return self(call).encoding; }
 Value setEncoding(Call& call)
 {
-    const std::uint32_t wanted = call.vm.toUint(call.arg(0));
-    if (wanted != 0 && wanted != 3) throwNotAccepted(call.vm, "objectEncoding");
-    self(call).encoding = static_cast<int>(wanted);
+    const int wanted = classes::encodingArg(call);
+    self(call).encoding = wanted;
     return {};
 }
 Value setProperty(Call& call)
@@ -122,7 +124,6 @@ Value setProperty(Call& call)
                 call.has(1) ? call.arg(1) : Value::null());
     return {};
 }
-Value three(Call&) { return 3; }
 Value refuseConstruction(Call& call)
 {
     call.vm.throwError(ErrorClass::Argument, 2012, "SharedObject$ class cannot be instantiated.");
@@ -133,7 +134,8 @@ constexpr NativeMember kMembers[] = {
     {"getRemote", Kind::Static, &getRemote, 1, 4},
     {"deleteAll", Kind::Static, &doNothing, 1, 1},
     {"getDiskUsage", Kind::Static, &doNothing, 1, 1},
-    {"defaultObjectEncoding", Kind::StaticGetter, &three, 0, 0, &doNothing, "uint"},
+    {"defaultObjectEncoding", Kind::StaticGetter, &classes::defaultObjectEncoding, 0, 0,
+     &classes::setDefaultObjectEncoding, "uint"},
     {"preventBackup", Kind::StaticGetter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
     {"data", Kind::Getter, &data, 0, 0, nullptr, "Object"},
     {"size", Kind::Getter, &size, 0, 0, nullptr, "uint"},
@@ -157,7 +159,8 @@ constexpr NativeClass kClasses[] = {
      .flags = NativeClass::Sealed,
      .constructor = &refuseConstruction,
      .allocate = &allocateNative<SharedObjectObject>,
-     .members = kMembers},
+     .members = kMembers,
+     .setUp = [](Vm& vm, ClassObject& cls) { classes::addState<classes::DefaultEncoding>(vm, cls); }},
     constantsOf("flash.net", "SharedObjectFlushStatus", kFlushStatus),
 };
 

@@ -392,19 +392,33 @@ Value readAmf(Vm& vm, ByteArrayObject& in, int encoding)
     return Reader(vm, reader).value();
 }
 
-std::vector<std::uint8_t> writeSharedObject(Vm& vm, std::string_view name, Object& data)
+namespace
 {
-    net::Amf3Writer members;
-    Writer3 writer(vm, members);
+
+template <class ValueWriter, class Output>
+std::vector<std::uint8_t> writtenMembers(Vm& vm, Object& data)
+{
+    Output members;
+    ValueWriter writer(vm, members);
     for (std::uint32_t at = 0; (at = data.nextIndex(vm, at)) != 0;) {
         members.name(toUtf8(vm.text(data.nextName(vm, at))));
         writer.value(data.nextValue(vm, at));
         members.append(base::Bytes(&net::kMemberClosing, 1));
     }
-    return net::sharedObjectFile(name, AmfVersion::Amf3, members.take());
+    return members.take();
 }
 
-void readSharedObject(Vm& vm, Value data, std::span<const std::uint8_t> file)
+} // namespace
+
+std::vector<std::uint8_t> writeSharedObject(Vm& vm, std::string_view name, Object& data, int encoding)
+{
+    const bool isOlder = encoding == static_cast<int>(AmfVersion::Amf0);
+    const auto members = isOlder ? writtenMembers<Writer0, net::Amf0Writer>(vm, data)
+                                 : writtenMembers<Writer3, net::Amf3Writer>(vm, data);
+    return net::sharedObjectFile(name, isOlder ? AmfVersion::Amf0 : AmfVersion::Amf3, members);
+}
+
+int readSharedObject(Vm& vm, Value data, std::span<const std::uint8_t> file)
 {
     net::AmfBytes source(file);
     const AmfVersion version = taken(vm, net::readSharedObjectHead(source));
@@ -415,6 +429,7 @@ void readSharedObject(Vm& vm, Value data, std::span<const std::uint8_t> file)
         vm.set(data, vm.publicName(name), values.value());
         taken(vm, reader.number(1)); // what closes it
     }
+    return static_cast<int>(version);
 }
 
 } // namespace flash::avm2::classes

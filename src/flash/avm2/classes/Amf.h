@@ -11,10 +11,10 @@ void writeAmf(Vm& vm, ByteArrayObject& out, Value value, int encoding);
 /// @throws EOFError 2030 for what ends too early or makes no sense
 Value readAmf(Vm& vm, ByteArrayObject& in, int encoding);
 
-/// The members of `data` that loops see, as a shared object's file.
-std::vector<std::uint8_t> writeSharedObject(Vm& vm, std::string_view name, Object& data);
-/// Reads what either machine has written as members of `data`.
+/// The members of `data` that loops see, as a shared object's file. @param encoding 0 or 3
+std::vector<std::uint8_t> writeSharedObject(Vm& vm, std::string_view name, Object& data, int encoding);
+/// Reads what either machine has written as members of `data`. @returns its encoding, 0 or 3
 /// @throws EOFError 2030 for what is no such file, or damaged: what came before stays
-void readSharedObject(Vm& vm, Value data, std::span<const std::uint8_t> file);
+int readSharedObject(Vm& vm, Value data, std::span<const std::uint8_t> file);
 
 } // namespace flash::avm2::classes

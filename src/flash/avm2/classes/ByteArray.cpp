@@ -3,7 +3,7 @@
 #include "base/TextCode.h"
 #include "flash/avm2/classes/Amf.h"
 #include "flash/avm2/classes/ByteArrayPacking.h"
-#include "flash/avm2/classes/ClassState.h"
+#include "flash/avm2/classes/ObjectEncoding.h"
 
 #include <algorithm>
 #include <bit>
@@ -94,17 +94,9 @@ Value setEndian(Call& call)
     return {};
 }
 Value objectEncoding(Call& call) { return self(call).encoding; }
-int encodingOf(Call& call)
-{
-    const std::uint32_t wanted = call.vm.toUint(call.arg(0));
-    if (wanted != 0 && wanted != 3)
-        call.vm.throwError(ErrorClass::Argument, 2008,
-                           "Parameter objectEncoding must be one of the accepted values.");
-    return static_cast<int>(wanted);
-}
 Value setObjectEncoding(Call& call)
 {
-    const int wanted = encodingOf(call);
+    const int wanted = encodingArg(call);
     self(call).encoding = wanted;
     return {};
 }
@@ -305,7 +297,7 @@ Value construct(Call& call)
 Value defaultEncoding(Call& call) { return state(call.vm).defaultEncoding; }
 Value setDefaultEncoding(Call& call)
 {
-    state(call.vm).defaultEncoding = encodingOf(call);
+    state(call.vm).defaultEncoding = encodingArg(call);
     return {};
 }
 void setUp(Vm& vm, ClassObject& cls) { addState<ByteArrayState>(vm, cls); }

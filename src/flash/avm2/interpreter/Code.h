@@ -69,6 +69,10 @@ public:
     bool isFunction = false;  ///< of no class
     /// The slot that is all a method gives, when it does nothing else; -1: it does.
     std::int32_t slotRead = -1;
+    // What most calls begin with is done with the arguments: ints become raw, `this` becomes the first scope.
+    std::uint64_t rawParameters = 0; ///< a bit for each register
+    bool startsWithThis = false;
+    std::uint32_t entry = 0; ///< the first instruction behind that
     TracedList<Traits*> parameterTypes;
     Traits* returnType = nullptr;
 };

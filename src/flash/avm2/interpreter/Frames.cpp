@@ -58,11 +58,8 @@ void Interpreter::open(Frame& frame, MethodEnv& env, Value* window, std::uint32_
             more = arguments;
         }
     }
-    if (code->self != nullptr) {
-        const Object* self = window[0].asObject();
-        if (self == nullptr || (self->traits() != code->self && !self->traits()->isA(code->self)))
-            vm.throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
-    }
+    if (!isSelf(*code, window[0]))
+        vm.throwError(ErrorClass::Verify, 1035, "Illegal super expression found in method.");
     vm.m_top = window + size;
     vm.m_highest = std::max(vm.m_highest, vm.m_top);
     for (std::uint32_t i = 0; i < declared; ++i) {
@@ -79,23 +76,15 @@ void Interpreter::open(Frame& frame, MethodEnv& env, Value* window, std::uint32_
     }
     std::uint32_t used = declared + 1;
     if (code->takesMore) window[used++] = more;
-    std::fill(window + used, window + code->stackBase(), Value());
-    frame.env = &env;
-    frame.code = code;
-    frame.unit = env.unit;
-    frame.locals = window;
-    frame.scopes = window + code->locals;
-    frame.stack = window + code->stackBase();
-    frame.withMask = 0;
-    frame.scopeCount = frame.resume = 0;
-    frame.chain = nullptr;
-    frame.at = code->code.data();
+    if (code->rawParameters != 0) unbox(*code, window);
+    fill(frame, env, *code, window, used);
     frame.result = nullptr;
     frame.made = nullptr;
 }
 
-bool Interpreter::begin(MethodEnv& env, Value* window, std::uint32_t count, Object* callee, Value* result,
-                        Object* made)
+/// Natives, calls that are not as simple as most, and those that go too deep.
+bool Interpreter::beginOther(MethodEnv& env, Value* window, std::uint32_t count, Object* callee,
+                             Value* result, Object* made)
 {
     Vm& vm = m_vm;
     if (env.native == nullptr && (m_frame == m_frames + kLevels - 1 || vm.m_calls.size() >= kDeepestCalls))
@@ -129,17 +118,6 @@ bool Interpreter::begin(MethodEnv& env, Value* window, std::uint32_t count, Obje
     frame->result = result;
     frame->made = made;
     m_frame = frame;
-    return true;
-}
-
-bool Interpreter::leave(Value returned)
-{
-    Frame* const ended = m_frame;
-    if (ended == m_frames) return false;
-    m_vm.m_calls.pop_back();
-    --m_frame;
-    m_vm.m_top = m_frame->locals + m_frame->code->frameSize();
-    *ended->result = ended->made != nullptr ? Value(ended->made) : returned;
     return true;
 }
 

@@ -19,19 +19,9 @@ constexpr int kJumpsBetweenChecks = 64;
 std::int32_t bits(Value value) { return static_cast<std::int32_t>(value.bits()); }
 std::uint32_t unsignedBits(Value value) { return static_cast<std::uint32_t>(value.bits()); }
 Value rawValue(std::uint32_t value) { return vm::Value::fromBits(value); }
-Value rawValue(std::int32_t value) { return vm::Value::fromBits(static_cast<std::uint32_t>(value)); }
 
 /// What arithmetic makes of numbers is one: no NaN of its own lies among the patterns of other values.
 Value computed(double number) { return vm::Value::fromBits(std::bit_cast<std::uint64_t>(number)); }
-
-/// The 32 bits of a number.
-std::int32_t narrow(double number)
-{
-    constexpr double kLongs = 9.2e18;
-    if (std::fabs(number) < kLongs) [[likely]]
-        return static_cast<std::int32_t>(static_cast<std::int64_t>(number));
-    return vm::toInt32(number);
-}
 
 bool less(Vm& vm, Value a, Value b)
 {
@@ -115,7 +105,7 @@ Value Interpreter::run()
         code = f->code->code.data();                                                                         \
         constants = f->code->constants.data();                                                               \
         r = f->locals;                                                                                       \
-        ip = code;                                                                                           \
+        ip = code + f->resume;                                                                               \
         DISPATCH();                                                                                          \
     } while (false)
 #define CALL(env, window, count, callee, result) CALL_MAKING(env, window, count, callee, result, nullptr)

@@ -2,6 +2,9 @@
 
 #include "flash/avm2/interpreter/Code.h"
 #include "flash/avm2/interpreter/Vm.h"
+#include "flash/vm/Numbers.h"
+
+#include <cmath>
 
 namespace flash::avm2
 {
@@ -17,6 +20,17 @@ inline bool fitsType(Value value, const Traits* type)
     if (special == Traits::Special::String) return value.isString();
     return special == Traits::Special::Boolean && value.isBoolean();
 }
+
+/// The 32 bits of a number.
+inline std::int32_t narrow(double number)
+{
+    constexpr double kLongs = 9.2e18;
+    if (std::fabs(number) < kLongs) [[likely]]
+        return static_cast<std::int32_t>(static_cast<std::int64_t>(number));
+    return vm::toInt32(number);
+}
+/// An int as registers have it.
+inline Value rawValue(std::int32_t value) { return vm::Value::fromBits(static_cast<std::uint32_t>(value)); }
 
 /// One call of verified code. All its values lie on the machine's stack.
 struct Frame {
@@ -51,11 +65,76 @@ public:
 private:
     Value run();
     void open(Frame& frame, MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
+    /// The last step: nothing can go wrong any more.
+    void fill(Frame& frame, MethodEnv& env, Code& code, Value* window, std::uint32_t used)
+    {
+        m_vm.m_top = window + code.frameSize();
+        if (m_vm.m_top > m_vm.m_highest) m_vm.m_highest = m_vm.m_top;
+        Value* const scopes = window + code.locals;
+        Value* const stack = scopes + code.maxScopes;
+        for (Value* at = window + used; at < stack; ++at) *at = Value();
+        if (code.startsWithThis) *scopes = *window;
+        frame.env = &env;
+        frame.code = &code;
+        frame.unit = env.unit;
+        frame.locals = window;
+        frame.scopes = scopes;
+        frame.stack = stack;
+        frame.withMask = 0;
+        frame.scopeCount = code.startsWithThis ? 1 : 0;
+        frame.resume = code.entry;
+        frame.chain = nullptr;
+        frame.at = code.code.data();
+    }
+    static bool isSelf(const Code& code, Value self)
+    {
+        const Object* object = self.asObject();
+        return code.self == nullptr ||
+               (object != nullptr && (object->traits() == code.self || object->traits()->isA(code.self)));
+    }
     /// Begins a call. @returns whether its frame is the present one now; otherwise it is over
     bool begin(MethodEnv& env, Value* window, std::uint32_t count, Object* callee, Value* result,
-               Object* made);
+               Object* made)
+    {
+        Code* const code = env.code;
+        if (code == nullptr || count != code->declared || code->takesMore || code->slotRead >= 0 ||
+            m_frame == m_frames + kLevels - 1 || m_vm.m_calls.size() >= kDeepestCalls ||
+            static_cast<std::size_t>(m_vm.m_stack.get() + Vm::kStackValues - window) < code->frameSize() ||
+            !isSelf(*code, *window)) [[unlikely]]
+            return beginOther(env, window, count, callee, result, made);
+        Traits* const* const types = code->parameterTypes.data();
+        for (std::uint32_t i = 0; i < count; ++i) {
+            if (types[i] != nullptr && !fitsType(window[i + 1], types[i])) [[unlikely]]
+                return beginOther(env, window, count, callee, result, made);
+        }
+        m_vm.check();
+        m_vm.m_calls.push_back(&env);
+        if (code->rawParameters != 0) unbox(*code, window);
+        Frame* const frame = ++m_frame;
+        fill(*frame, env, *code, window, count + 1);
+        frame->result = result;
+        frame->made = made;
+        return true;
+    }
+    bool beginOther(MethodEnv& env, Value* window, std::uint32_t count, Object* callee, Value* result,
+                    Object* made);
+    static void unbox(const Code& code, Value* window)
+    {
+        for (std::uint32_t i = 1; i <= code.declared; ++i) {
+            if ((code.rawParameters >> i & 1U) != 0) window[i] = rawValue(narrow(window[i].number()));
+        }
+    }
     /// Ends the present call. @returns false when nobody in here has made it
-    bool leave(Value returned);
+    bool leave(Value returned)
+    {
+        Frame* const ended = m_frame;
+        if (ended == m_frames) return false;
+        m_vm.m_calls.pop_back();
+        --m_frame;
+        m_vm.m_top = m_frame->locals + m_frame->code->frameSize();
+        *ended->result = ended->made != nullptr ? Value(ended->made) : returned;
+        return true;
+    }
     /// Gives up calls until there is one that handles what was thrown. @returns false when there is none
     bool unwind();
     bool handles(Frame& frame);

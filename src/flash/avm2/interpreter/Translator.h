@@ -52,7 +52,8 @@ private:
     void meet(std::uint32_t offset);
     void meetHandlers(std::uint32_t offset);
     void finish();
-    void fuse(); ///< TranslatorFusing.cpp
+    void fuse(); ///< TranslatorFusing.cpp, as the next
+    void takeEntry();
     Ins& emit(RegisterOp op, std::int32_t d, std::int32_t a = 0, std::int32_t b = 0, std::int32_t c = 0);
     [[nodiscard]] std::size_t depth() const { return m_stack.size(); }
     [[nodiscard]] std::int32_t reg(std::size_t depth) const

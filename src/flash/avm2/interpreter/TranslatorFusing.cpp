@@ -80,6 +80,24 @@ std::int32_t slotRead(const std::vector<Ins>& code)
 
 } // namespace
 
+/// What every call would begin with.
+void Translator::takeEntry()
+{
+    constexpr std::uint32_t kBits = 64;
+    const auto& code = m_code.code;
+    std::uint32_t at = 0;
+    while (at < m_code.declared && at + 1 < kBits && code[at].op == R::UnboxInt &&
+           code[at].d == static_cast<std::int32_t>(code[at].b) && code[at].d > 0 &&
+           static_cast<std::uint32_t>(code[at].d) <= m_code.declared &&
+           static_cast<std::uint32_t>(code[at].d) < kBits) {
+        m_code.rawParameters |= std::uint64_t{1} << static_cast<unsigned>(code[at].d);
+        ++at;
+    }
+    m_code.startsWithThis =
+        m_code.self != nullptr && at < code.size() && code[at].op == R::PushScope && code[at].b == 0;
+    m_code.entry = at + (m_code.startsWithThis ? 1 : 0);
+}
+
 void Translator::fuse()
 {
     auto& code = m_code.code;
@@ -87,6 +105,7 @@ void Translator::fuse()
         m_code.self != nullptr && m_code.declared == 0 && !m_code.takesMore && m_code.handlers.empty()
             ? slotRead(code)
             : -1;
+    takeEntry();
     const auto base = static_cast<std::int32_t>(m_code.stackBase());
     for (std::size_t i = 0; i + 1 < code.size(); ++i) {
         Ins& first = code[i];
