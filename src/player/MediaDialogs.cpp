@@ -44,7 +44,9 @@ public:
         const QFileInfo file = files->fileInfo(mapToSource(index));
         if (index.column() == kTimeColumn)
             return QLocale().toString(file.lastModified(), QLocale::ShortFormat);
-        return file.isDir() ? QString() : QLocale().formattedDataSize(file.size(), 1);
+        // From a kilobyte on: the language's word for bytes would not agree with their number.
+        constexpr qint64 kLeastBytes = 1024;
+        return file.isDir() ? QString() : QLocale().formattedDataSize(std::max(file.size(), kLeastBytes), 1);
     }
 };
 

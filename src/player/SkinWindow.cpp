@@ -319,7 +319,9 @@ void SkinWindow::noteMistake(const QString& file, int line, const QString& what)
     if (!m_isSwitching || m_mistakes.size() >= kMaxMistakes) return;
     QString where = file;
     if (line > 0) where += (where.isEmpty() ? "" : ":") + QString::number(line);
-    m_mistakes += where.isEmpty() ? what : where + ": " + what;
+    const QString mistake = where.isEmpty() ? what : where + ": " + what;
+    // One that comes with each layout is still one.
+    if (!m_mistakes.contains(mistake)) m_mistakes += mistake;
 }
 
 void SkinWindow::Reload()

@@ -175,6 +175,8 @@ std::optional<QString> Bridge::addCode(const QString& code, Source source)
     const int firstLine = kLineOfEmptyLine + (source == Source::Library ? kLibraryLines : 0);
     if (m_engine.addCode(view(code), firstLine)) return std::nullopt;
     const script::ScriptError& error = m_engine.error();
+    m_host.noteMistake(source == Source::Library ? m_libraryFile : m_scriptFile, error.line % kLibraryLines,
+                       QString::fromStdU16String(error.description));
     return QString("%1 (%2:%3)")
         .arg(QString::fromStdU16String(error.description))
         .arg(error.line % kLibraryLines)

@@ -143,6 +143,7 @@ private:
     bool m_layoutWanted = false;
     bool m_inLayout = false;
     bool m_active = true;
+    bool m_isNoted = false; ///< the mistake that is on its way up is in the list already
 };
 
 } // namespace skin

@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 
 #include <cmath>
+#include <utility>
 
 // How a description becomes live objects. The order of the steps is what scripts and expressions rely on: an
 // expression sees the objects that were built before its own.
@@ -90,7 +91,8 @@ void Skin::step(const base::xml::Element& node, Step kind, const std::function<v
     try {
         action();
     } catch (const base::Failure& failure) {
-        m_host.noteMistake("skin.xml", node.line(), QString::fromStdString(failure.description()));
+        if (!std::exchange(m_isNoted, false))
+            m_host.noteMistake("skin.xml", node.line(), QString::fromStdString(failure.description()));
         const bool developer = kind == Step::Element && m_host.isDeveloperMode();
         const QString source = QString::fromStdString(node.source(kMaxSourceBytes));
         m_host.logError(failure, developer ? texts::kObjectPlace : texts::kBranchPlace,
@@ -151,8 +153,10 @@ void Skin::beginTheme(const base::xml::Element& node)
             if (path.isEmpty()) path = findFile(folder, name);
         if (path.isEmpty())
             throw base::Failure(core::kFileNotFound, "Skin", (texts::kNoScriptFile + name).toStdString());
-        if (const auto error = m_bridge.addCode(ReadTextFile(path), source))
+        if (const auto error = m_bridge.addCode(ReadTextFile(path), source)) {
+            m_isNoted = true; // with the line of the script, which says more than that of the description
             throw base::Failure(kTypeMismatch, "Skin", (name + ": " + *error).toStdString());
+        }
     };
     // The skin's own copy comes before the program's.
     const QString shared = sharedFolder();

@@ -265,6 +265,18 @@ TEST_F(SkinWindowTest, ListsTheMistakesOfASkinThatTheUserReloads)
     EXPECT_EQ(told.filter(QRegularExpression("^skin.xml:2: ")).size(), 1) << told.join('\n').toStdString();
     player.findChild<QPushButton*>("cbCopy")->click();
     EXPECT_EQ(QApplication::clipboard()->text().split('\n'), told);
+
+    // A script that cannot be read at all: its own line is told, once.
+    putSkin("default", skinOf("\n<LABEL name='out'/>"), "x = 1\nSub onLoad(\n");
+    player.menus().item("mnuUpdSkin").trigger();
+    const auto list = [&] {
+        const auto* text = player.findChild<QPlainTextEdit*>("txtMistakes");
+        return text == nullptr ? QStringList() : text->toPlainText().split('\n');
+    };
+    ASSERT_TRUE(waitFor([&] { return list().filter(QRegularExpression("^s.vbs:2: ")).size() == 1; }))
+        << list().join('\n').toStdString();
+    EXPECT_TRUE(list().filter("skin.xml").isEmpty()) << list().join('\n').toStdString();
+    EXPECT_EQ(list().removeDuplicates(), 0);
 }
 
 } // namespace
