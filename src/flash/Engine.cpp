@@ -173,6 +173,12 @@ public:
                                          const std::string& url) {
                 return openInnerMovie(outer, movie, url, oldInputs(), options.textCode);
             };
+            inputs.recentSound = [this](std::span<float> left, std::span<float> right) {
+                sound.mixer().recent(left, right);
+            };
+            inputs.playSamples = [this](std::shared_ptr<stage::SampleQueue> queue) {
+                return sound.playQueue(std::move(queue));
+            };
             script3 = std::make_unique<avm2::Player>(services, std::move(inputs));
             if (options.collectAlways) script3->vm().collectAlways();
             stage = std::make_unique<stage::Stage>(services, script3.get());

@@ -144,6 +144,7 @@ void Mixer::mixBlock(std::span<StereoFrame> out)
 {
     if (m_voices.empty()) {
         for (StereoFrame& frame : out) frame = limited(0, 0);
+        if (!m_recent.empty()) remember(out);
         return;
     }
     std::array<float, kBlockFrames> left{}, right{};
@@ -162,6 +163,29 @@ void Mixer::mixBlock(std::span<StereoFrame> out)
     }
     std::erase_if(m_voices, [](const Voice& voice) { return voice.source == nullptr; });
     for (std::size_t i = 0; i < out.size(); ++i) out[i] = limited(left[i], right[i]);
+    remember(out);
+}
+
+void Mixer::remember(std::span<const StereoFrame> frames)
+{
+    m_recent.resize(kRecentFrames);
+    for (const StereoFrame& frame : frames) {
+        m_recent[m_recentEnd] = frame;
+        m_recentEnd = (m_recentEnd + 1) % kRecentFrames;
+    }
+}
+
+void Mixer::recent(std::span<float> left, std::span<float> right) const
+{
+    constexpr float kFull = 32768;
+    const std::size_t count = std::min({left.size(), right.size(), kRecentFrames});
+    for (std::size_t i = 0; i < count; ++i) {
+        const StereoFrame frame = m_recent.empty()
+                                      ? StereoFrame{}
+                                      : m_recent[(m_recentEnd + kRecentFrames - count + i) % kRecentFrames];
+        left[i] = static_cast<float>(frame.left) / kFull;
+        right[i] = static_cast<float>(frame.right) / kFull;
+    }
 }
 
 void Mixer::skip(std::uint64_t frames)
@@ -171,6 +195,13 @@ void Mixer::skip(std::uint64_t frames)
         const std::size_t count = std::min<std::uint64_t>(frames, unheard.size());
         mixBlock(std::span(unheard).first(count));
         frames -= count;
+    }
+    if (frames == 0 || m_recent.empty()) return;
+    unheard.fill({});
+    for (std::uint64_t left = std::min<std::uint64_t>(frames, kRecentFrames); left > 0;) {
+        const std::size_t count = std::min<std::uint64_t>(left, unheard.size());
+        remember(std::span(unheard).first(count));
+        left -= count;
     }
 }
 

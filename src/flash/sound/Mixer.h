@@ -51,6 +51,10 @@ public:
     void mix(std::span<StereoFrame> out);
     /// Moves on without making samples to hear.
     void skip(std::uint64_t frames);
+    /// What was mixed last, the newest at the end, -1 to 1; silence where there was nothing yet.
+    /// @param left, right of the same length, at most kRecentFrames
+    void recent(std::span<float> left, std::span<float> right) const;
+    static constexpr std::size_t kRecentFrames = 4096;
 
     struct Finished {
         VoiceId voice;
@@ -83,6 +87,9 @@ private:
     Gains m_master;
     bool m_muted = false;
     float m_limit = 1; ///< what everything is turned down to
+    void remember(std::span<const StereoFrame> frames);
+    std::vector<StereoFrame> m_recent; ///< a ring of kRecentFrames, once anything was mixed
+    std::size_t m_recentEnd = 0;
 };
 
 } // namespace flash::sound

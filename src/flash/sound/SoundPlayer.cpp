@@ -201,6 +201,39 @@ stage::SoundId SoundPlayer::playFile(Owner owner, const FileBytes& file, const s
     return startSound(std::move(playing), openSoundFile(file), info);
 }
 
+namespace
+{
+
+class QueueSource final : public SampleSource
+{
+public:
+    explicit QueueSource(std::shared_ptr<stage::SampleQueue> queue) : m_queue(std::move(queue)) {}
+    std::size_t read(std::span<StereoFrame> out) override
+    {
+        const std::size_t count = std::min(out.size(), m_queue->frames.size());
+        for (std::size_t i = 0; i < count; ++i) {
+            out[i] = {m_queue->frames.front()[0], m_queue->frames.front()[1]};
+            m_queue->frames.pop_front();
+        }
+        if (m_queue->isEnded) return count;
+        std::fill(out.begin() + static_cast<std::ptrdiff_t>(count), out.end(), StereoFrame{});
+        return out.size();
+    }
+    void rewind() override {} // what was heard is gone
+
+private:
+    std::shared_ptr<stage::SampleQueue> m_queue;
+};
+
+} // namespace
+
+stage::SoundId SoundPlayer::playQueue(std::shared_ptr<stage::SampleQueue> queue)
+{
+    Playing playing;
+    playing.kind = Kind::Script;
+    return startSound(std::move(playing), std::make_unique<QueueSource>(std::move(queue)), {});
+}
+
 void SoundPlayer::stopSound(stage::SoundId id)
 {
     collectFinished();

@@ -3,6 +3,7 @@
 #include "flash/sound/EventSource.h"
 #include "flash/sound/Mixer.h"
 #include "flash/sound/SoundCache.h"
+#include "flash/stage/SampleQueue.h"
 #include "flash/stage/Services.h"
 
 #include <functional>
@@ -42,6 +43,8 @@ public:
     stage::SoundId playSound(Owner owner, const MoviePtr& movie, std::uint16_t soundId,
                              const swf::Sound& sound, const swf::SoundInfo& info) override;
     stage::SoundId playFile(Owner owner, const FileBytes& file, const swf::SoundInfo& info) override;
+    /// Plays what a script puts into a queue, silence while that is empty, until it has ended.
+    stage::SoundId playQueue(std::shared_ptr<stage::SampleQueue> queue);
     void stopSound(stage::SoundId id) override;
     void setSoundTransform(stage::SoundId id, const stage::SoundTransform& transform) override;
     void stopOwner(Owner owner) override;

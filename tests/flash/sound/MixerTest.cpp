@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace flash::sound
@@ -58,6 +59,45 @@ StereoFrame frameAfter(SoundPlayer& player, std::size_t frames)
 }
 
 } // namespace
+
+TEST(Mixer, RemembersWhatWasHeardLast)
+{
+    Mixer mixer;
+    std::array<float, 4> left{}, right{};
+    mixer.recent(left, right);
+    EXPECT_EQ(left[3], 0) << "nothing yet";
+
+    mixer.add(std::make_unique<Steady>(StereoFrame{16384, -8192}, 1000));
+    mixer.skip(1000);
+    mixer.recent(left, right);
+    EXPECT_FLOAT_EQ(left[0], 0.5F);
+    EXPECT_FLOAT_EQ(right[3], -0.25F);
+
+    // The voice has come to its end: silence follows, and is remembered as well.
+    mixer.skip(2);
+    mixer.recent(left, right);
+    EXPECT_FLOAT_EQ(left[1], 0.5F);
+    EXPECT_EQ(left[2], 0);
+    mixer.skip(1'000'000);
+    mixer.recent(left, right);
+    EXPECT_EQ(left[0], 0);
+}
+
+TEST(SoundPlayer, PlaysAQueueUntilItHasEnded)
+{
+    SoundPlayer player;
+    const auto queue = std::make_shared<stage::SampleQueue>();
+    queue->frames.assign(100, {1000, 2000});
+    const stage::SoundId id = player.playQueue(queue);
+    EXPECT_EQ(frameAfter(player, 100), (StereoFrame{1000, 2000}));
+    EXPECT_EQ(frameAfter(player, 10), StereoFrame{}) << "it waits for more";
+    EXPECT_TRUE(player.takeFinished().empty());
+    queue->frames.assign(10, {3000, 3000});
+    queue->isEnded = true;
+    EXPECT_EQ(frameAfter(player, 10), (StereoFrame{3000, 3000}));
+    frameAfter(player, 10);
+    EXPECT_EQ(player.takeFinished(), std::vector<stage::SoundId>{id});
+}
 
 TEST(Mixer, AddsVoicesUnderTheirGainsAndClamps)
 {

@@ -57,6 +57,7 @@ void Player::frameEnded()
 {
     if (m_vm->isDisabled()) return;
     tellFinishedSounds();
+    askForSamples();
     followStreams();
     if (!m_hasBegun) {
         begin();

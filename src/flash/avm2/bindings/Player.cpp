@@ -86,6 +86,7 @@ Player::~Player()
     m_localConnections.clear();
     m_sharedObjects.clear();
     m_sounds.clear();
+    m_madeSounds.clear();
     m_streams.clear();
     m_input.reset();
     m_later.clear();
@@ -352,6 +353,12 @@ void Player::removeTimer(std::uint32_t id)
     if (found == m_timers.end()) return;
     m_dueTimers.erase({found->second->dueMs, id});
     m_timers.erase(found);
+}
+
+void Player::setHostVariable(std::string_view path, std::string_view /*value*/)
+{
+    m_services.host.logLine("SetVariable " + std::string(path) +
+                            ": a movie of ActionScript 3 has no variables that can be set from outside");
 }
 
 void Player::movieReplaced()

@@ -4,6 +4,7 @@
 #include "flash/avm2/bindings/Input.h"
 #include "flash/avm2/bindings/LoadedMovie.h"
 #include "flash/avm2/bindings/OldMovies.h"
+#include "flash/stage/SampleQueue.h"
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Stage.h"
 
@@ -24,6 +25,9 @@ struct PlayerInputs {
     std::string language = "en"; ///< two letters
     int screenWidth = 1024, screenHeight = 768;
     OpenOldMovie openOldMovie; ///< may be none: those are not played then
+    // What the stage's services do not know of sound; may be none.
+    std::function<void(std::span<float> left, std::span<float> right)> recentSound; ///< heard last, -1 to 1
+    std::function<stage::SoundId(std::shared_ptr<stage::SampleQueue>)> playSamples;
 };
 
 /// Joins the machine to a stage: the frames of the display list as scripts see it, timers, events.
@@ -70,6 +74,8 @@ public:
     double nextTimerMs() override;
     void runTimers(double nowMs) override;
     void movieReplaced() override;
+    /// There are none that a host could name.
+    void setHostVariable(std::string_view path, std::string_view value) override;
 
     // ---- movies ----
     DisplayObject* stageObject() { return m_stageObject.get(); }
@@ -147,6 +153,8 @@ public:
     /// The channel hears when the sound has ended.
     void watchSound(std::uint64_t id, Object& channel);
     void unwatchSound(std::uint64_t id);
+    /// Begins to ask a sound for samples. @returns what names it to the sound system; 0: it is not played
+    stage::SoundId playSamplesOf(DispatcherObject& sound);
     /// Streams play on from frame to frame.
     void watchStream(Object& stream);
     void unwatchStream(Object& stream);
@@ -184,6 +192,7 @@ private:
     void forOrphans(Work&& work);
     void syncHost();
     void tellFinishedSounds();
+    void askForSamples();
     template <class Work>
     void forOldMovies(Work&& work);
     void advanceOldMovies();
@@ -224,6 +233,13 @@ private:
     std::map<std::string, Root<Object>> m_sharedObjects;
     std::map<Object*, Root<Object>> m_streams;
     std::map<std::uint64_t, Root<Object>> m_sounds; ///< channels, by what plays
+    /// A sound that scripts make as it plays.
+    struct MadeSound {
+        Root<DispatcherObject> sound;
+        std::shared_ptr<stage::SampleQueue> queue;
+        double asked = 0; ///< frames by now
+    };
+    std::map<std::uint64_t, MadeSound> m_madeSounds;
     std::vector<std::pair<stage::MoviePtr, std::uint16_t>> m_registeredFonts;
     std::uint32_t m_nextTimer = 1, m_nextInstance = 1, m_random;
     int m_nesting = 0; ///< of frames that scripts' jumps run

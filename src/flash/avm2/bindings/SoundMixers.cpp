@@ -4,7 +4,14 @@
 #include "flash/avm2/bindings/Sounds.h"
 #include "flash/avm2/classes/ByteArray.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <complex>
+#include <numbers>
+#include <span>
+#include <vector>
 
 // Transforms of sounds, everything that sounds at once, and the devices that are not there.
 namespace flash::avm2
@@ -95,12 +102,64 @@ Value setBufferTime(Call& call)
     return {};
 }
 /// As of silence: 256 numbers for each side.
+constexpr std::size_t kSpectrum = 256, kAnalysed = 512;
+
+/// How strong frequencies are in samples, followed by as many of silence: bins of 44100 / 1024 Hz.
+std::array<float, kAnalysed> strengths(std::span<const float, kAnalysed> samples)
+{
+    constexpr std::size_t kSize = 2 * kAnalysed;
+    std::array<std::complex<double>, kSize> values{};
+    for (std::size_t i = 0, reversed = 0; i < kSize; ++i) {
+        if (i < kAnalysed) values[reversed] = samples[i];
+        std::size_t bit = kSize / 2;
+        for (; bit > 0 && (reversed & bit) != 0; bit /= 2) reversed ^= bit;
+        reversed |= bit;
+    }
+    for (std::size_t length = 2; length <= kSize; length *= 2) {
+        for (std::size_t i = 0; i < length / 2; ++i) {
+            const auto turn =
+                std::polar(1.0, -2 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(length));
+            for (std::size_t at = i; at < kSize; at += length) {
+                const auto odd = values[at + length / 2] * turn;
+                values[at + length / 2] = values[at] - odd;
+                values[at] += odd;
+            }
+        }
+    }
+    std::array<float, kAnalysed> result{};
+    for (std::size_t i = 0; i < kAnalysed; ++i)
+        result[i] = static_cast<float>(std::max(0.0, std::log(std::abs(values[i])) / 4));
+    return result;
+}
+
+/// What is heard at this moment, or how strong its frequencies are: 256 numbers of the left, then of the
+/// right.
 Value computeSpectrum(Call& call)
 {
     auto* bytes = as<classes::ByteArrayObject>(Value(objectArg(call, 0, "flash.utils::ByteArray")));
     if (bytes == nullptr) throwNullParameter(call.vm, "outputArray");
-    constexpr std::size_t kBytes = 2 * 256 * sizeof(float);
-    bytes->content.assign(kBytes, 0);
+    const bool wantsFrequencies = call.vm.toBoolean(call.arg(1));
+    // Each step halves the rate, or the part of the frequencies that is looked at.
+    constexpr int kMaxStretch = 4;
+    const auto stretch =
+        static_cast<unsigned>(std::clamp(call.has(2) ? call.vm.toInt(call.arg(2)) : 0, 0, kMaxStretch));
+    const std::size_t count = wantsFrequencies ? kAnalysed : kSpectrum << stretch;
+    std::vector<float> sides[2] = {std::vector<float>(count), std::vector<float>(count)};
+    if (const auto& recent = Player::of(call.vm).inputs().recentSound) recent(sides[0], sides[1]);
+    bytes->content.clear();
+    for (const std::vector<float>& side : sides) {
+        std::array<float, kAnalysed> strong{};
+        if (wantsFrequencies) strong = strengths(std::span<const float, kAnalysed>(side));
+        for (std::size_t i = 0; i < kSpectrum; ++i) {
+            const float value =
+                wantsFrequencies ? strong[(2 * i) >> ((stretch + 1) / 2)] : side[i << stretch];
+            const auto bits = std::bit_cast<std::uint32_t>(value);
+            for (unsigned byte = 0; byte < sizeof(float); ++byte) {
+                const unsigned shift = 8 * (bytes->isLittle ? byte : 3 - byte);
+                bytes->content.push_back(static_cast<std::uint8_t>(bits >> shift));
+            }
+        }
+    }
     bytes->position = 0;
     return {};
 }

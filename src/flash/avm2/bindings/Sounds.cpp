@@ -7,6 +7,7 @@
 #include "flash/avm2/classes/ByteArray.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -73,13 +74,21 @@ Value play(Call& call)
     if (std::isnan(startMs)) startMs = 0;
     const int loops = call.has(1) ? vm.toInt(call.arg(1)) : 0;
     Object* transform = call.has(2) ? objectArg(call, 2, "flash.media::SoundTransform") : nullptr;
-    if (sound.isEmpty()) vm.throwError(ErrorClass::Argument, 2068, "Invalid sound.");
+    const bool isMade = sound.isEmpty() && sound.hasListener(vm.name("sampleData"));
+    if (sound.isEmpty() && !isMade) vm.throwError(ErrorClass::Argument, 2068, "Invalid sound.");
     constexpr int kMaxLoops = 65535;
     const auto times = static_cast<std::uint16_t>(std::clamp(loops, 1, kMaxLoops));
     auto* channel =
         as<SoundChannelObject>(Value(vm.instantiate(vm.nativeClass("flash.media::SoundChannel"))));
     Root<Object> keep(vm.heap(), channel);
     if (transform != nullptr) channel->transform = soundTransformOf(vm, Value(transform));
+    if (isMade) {
+        channel->id = Player::of(vm).playSamplesOf(sound);
+        if (channel->id == 0) return Value::null();
+        system(vm).setSoundTransform(channel->id, channel->transform);
+        Player::of(vm).watchSound(channel->id, *channel);
+        return Value(channel);
+    }
     if (sound.isLoading) {
         constexpr std::size_t kMaxWaiting = 64;
         if (sound.waiting.size() >= kMaxWaiting) return Value::null();
@@ -282,7 +291,82 @@ void Player::watchSound(std::uint64_t id, Object& channel)
 {
     m_sounds.try_emplace(id, m_vm->heap(), &channel);
 }
-void Player::unwatchSound(std::uint64_t id) { m_sounds.erase(id); }
+void Player::unwatchSound(std::uint64_t id)
+{
+    m_sounds.erase(id);
+    m_madeSounds.erase(id);
+}
+
+stage::SoundId Player::playSamplesOf(DispatcherObject& sound)
+{
+    if (!m_inputs.playSamples) return 0;
+    auto queue = std::make_shared<stage::SampleQueue>();
+    const stage::SoundId id = m_inputs.playSamples(queue);
+    if (id == 0) return 0;
+    m_madeSounds.try_emplace(id, MadeSound{Root<DispatcherObject>(m_vm->heap(), &sound), queue});
+    return id;
+}
+
+namespace
+{
+
+constexpr std::size_t kLeastSamples = 2048, kMostSamples = 8192;
+
+/// Takes frames of two numbers, as the bytes have them. @returns how many there were
+std::size_t takeSamples(const classes::ByteArrayObject& bytes, stage::SampleQueue& queue)
+{
+    constexpr std::size_t kFrameBytes = 2 * sizeof(float);
+    constexpr float kFull = 32767;
+    const std::size_t count = std::min(bytes.content.size() / kFrameBytes, kMostSamples);
+    const auto sampleAt = [&](std::size_t at) {
+        std::uint32_t bits = 0;
+        for (std::size_t i = 0; i < sizeof(float); ++i) {
+            const std::size_t shift = 8 * (bytes.isLittle ? i : sizeof(float) - 1 - i);
+            bits |= static_cast<std::uint32_t>(bytes.content[at + i]) << shift;
+        }
+        const auto value = std::bit_cast<float>(bits);
+        const float loudness = std::isnan(value) ? 0 : std::clamp(value, -1.0F, 1.0F);
+        return static_cast<std::int16_t>(std::lrintf(loudness * kFull));
+    };
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t at = i * kFrameBytes;
+        queue.frames.push_back({sampleAt(at), sampleAt(at + sizeof(float))});
+    }
+    return count;
+}
+
+} // namespace
+
+/// Keeps what is to be heard until the next frame ready. A sound that gives less than it should has ended.
+void Player::askForSamples()
+{
+    constexpr double kFramesPerMs = 44.1;
+    const double untilNext = 2 * kFramesPerMs * m_stage->frameMs();
+    const std::size_t wanted = std::max(kMostSamples, static_cast<std::size_t>(std::min(untilNext, 1e6)));
+    std::vector<std::uint64_t> ids;
+    for (const auto& [id, made] : m_madeSounds) ids.push_back(id);
+    for (const std::uint64_t id : ids) {
+        // Whoever is asked may stop any of them.
+        for (auto found = m_madeSounds.find(id);
+             found != m_madeSounds.end() && !found->second.queue->isEnded &&
+             found->second.queue->frames.size() < wanted && !m_vm->isDisabled();
+             found = m_madeSounds.find(id)) {
+            const auto queue = found->second.queue;
+            Root<DispatcherObject> sound(m_vm->heap(), found->second.sound.get());
+            Root<Object> data(m_vm->heap(), nullptr);
+            std::size_t count = 0;
+            m_vm->guarded([&] {
+                data = m_vm->instantiate(m_vm->classes().byteArray);
+                fireWith(*m_vm, *sound, "flash.events::SampleDataEvent", "sampleData",
+                         {Value(found->second.asked), Value(data.get())});
+                count = takeSamples(*as<classes::ByteArrayObject>(Value(data.get())), *queue);
+            });
+            queue->isEnded = count < kLeastSamples;
+            found = m_madeSounds.find(id);
+            if (found != m_madeSounds.end()) found->second.asked += static_cast<double>(count);
+        }
+    }
+}
 
 void Player::tellFinishedSounds()
 {
@@ -294,6 +378,7 @@ void Player::tellFinishedSounds()
         }
         Root<SoundChannelObject> channel(m_vm->heap(), static_cast<SoundChannelObject*>(found->second.get()));
         m_sounds.erase(found);
+        m_madeSounds.erase(id);
         channel->lastMs = m_services.sound.positionMs(id);
         channel->id = 0;
         m_vm->guarded([&] { fire(*m_vm, *channel, "soundComplete"); });
