@@ -256,10 +256,15 @@ Value filters(Call& call)
 Value displacement(Vm& vm, Object& filter)
 {
     Object* made = vm.instantiate(vm.nativeClass("flash.filters::DisplacementMapFilter"));
-    constexpr std::uint32_t kMapPoint = 1, kScaleX = 5, kScaleY = 6;
+    constexpr std::uint32_t kMapPoint = 1, kScaleX = 4, kScaleY = 5;
     for (std::uint32_t i = 0; i < made->slotCount() && i < filter.slotCount(); ++i)
         made->setSlot(i, filter.slot(i));
-    if (made->slot(kMapPoint).isNullish()) made->setSlot(kMapPoint, newPoint(vm, 0, 0));
+    if (Object* point = made->slot(kMapPoint).asObject(); point != nullptr) {
+        const swf::Point at = pointOf(*point);
+        made->setSlot(kMapPoint, newPoint(vm, std::trunc(at.x), std::trunc(at.y)));
+    } else {
+        made->setSlot(kMapPoint, newPoint(vm, 0, 0));
+    }
     for (const std::uint32_t slot : {kScaleX, kScaleY})
         made->setSlot(slot, static_cast<double>(static_cast<float>(slotNumber(*made, slot))));
     return Value(made);

@@ -42,6 +42,14 @@ Value filterToString(Call& call)
                                Value(call.vm.name("header").string()), Value(call.vm.name("data").string())});
 }
 
+Value constructTagData(Call& call)
+{
+    Object* self = call.self.asObject();
+    for (std::uint32_t i = 0; self != nullptr && i < call.count && i < self->slotCount(); ++i)
+        call.vm.setSlotTyped(*self, i, call.args[i]);
+    return {};
+}
+
 constexpr NativeMember kUpdates[] = {{"updateAfterEvent", Kind::Method, &updateAfterEvent, 0, 0}};
 constexpr NativeMember kFilterMembers[] = {{"toString", Kind::Method, &filterToString, 0, 0}};
 
@@ -147,6 +155,14 @@ constexpr NativeClass kind(std::string_view name, std::string_view slots,
 }
 
 constexpr NativeClass kClasses[] = {
+    {.package = "flash.media",
+     .name = "AVTagData",
+     .base = {},
+     .flags = NativeClass::Sealed,
+     .constructor = &constructTagData,
+     .minArguments = 2,
+     .maxArguments = 2,
+     .slots = "data:String localTime:Number"},
     kind("TouchEvent",
          "touchPointID:int isPrimaryTouchPoint:Boolean localX:Number=nan localY:Number=nan "
          "sizeX:Number=nan sizeY:Number=nan pressure:Number=nan relatedObject:* "

@@ -96,8 +96,9 @@ void Input::focusByMouse(DisplayObject& target)
 bool Input::isTabStop(DisplayObject& object)
 {
     if (!isKind(object, kInteractive) || object.isStage || object.isRoot) return false;
-    if (flag(object, kInteractive, "tabEnabled")) return true;
-    return false;
+    // Texts that only show themselves are passed over, whatever they say.
+    if (object.node().kind() == stage::NodeKind::TextField && !isInputField(object)) return false;
+    return flag(object, kInteractive, "tabEnabled");
 }
 
 void Input::collectTabStops(DisplayObject& object, RootedList<DisplayObject*>& stops, int depth)
@@ -130,7 +131,14 @@ void Input::focusByTab(bool backwards)
         } else {
             // Reading order: from the upper left to the lower right. Of those in one place the first counts.
             const auto placeOf = [](DisplayObject* object) {
-                const swf::Rect rect = swf::mapBounds(object->node().toStage(), object->node().bounds());
+                const swf::Matrix toStage = object->node().toStage();
+                const swf::Rect bounds = object->node().bounds();
+                swf::Rect rect = swf::mapBounds(toStage, bounds);
+                if (bounds.isEmpty()) {
+                    // What shows nothing is where it stands.
+                    rect.xMin = static_cast<std::int32_t>(toStage.tx);
+                    rect.yMin = static_cast<std::int32_t>(toStage.ty);
+                }
                 return rect.xMin + 6LL * rect.yMin;
             };
             std::stable_sort(stops->begin(), stops->end(),

@@ -168,6 +168,12 @@ Value splice(Call& call)
     removed->setLength(count);
     const std::uint32_t added = call.count > 2 ? call.count - 2 : 0;
     const std::uint32_t length = array.length() - count + added;
+    // What moves comes from the prototypes where it is missing.
+    for (std::uint32_t i = from + count; added != count && i < array.length(); ++i) {
+        if (!array.items[i].isHole()) continue;
+        const Value inherited = array.at(call.vm, i);
+        if (!inherited.isUndefined()) array.items[i] = inherited;
+    }
     array.items.erase(begin, begin + count);
     if (added > 0) array.items.insert(array.items.begin() + from, call.args + 2, call.args + call.count);
     array.setLength(length);
@@ -278,7 +284,16 @@ Value finish(Call& call, ArrayObject& array, const RootedList<Value>& values,
         for (const std::uint32_t index : order) result->push(call.vm, static_cast<double>(index));
         return result;
     }
-    for (std::uint32_t i = 0; i < order.size(); ++i) array.put(call.vm, i, values[order[i]]);
+    // What is missing, in the prototypes too, is missing at the end.
+    std::vector<bool> isMissing(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        isMissing[i] = values[i].isUndefined() && (i >= array.items.size() || array.items[i].isHole());
+    for (std::uint32_t i = 0; i < order.size(); ++i) {
+        if (isMissing[order[i]])
+            array.erase(call.vm, i);
+        else
+            array.put(call.vm, i, values[order[i]]);
+    }
     return call.self;
 }
 

@@ -3,7 +3,9 @@
 #include <QDateTime>
 #include <QTimeZone>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 
 namespace flash::avm2::classes
 {
@@ -99,6 +101,19 @@ double clipped(double ms)
 double toUtc(double local) { return local - offsetMs(local, true); }
 double toLocal(double utc) { return utc + offsetMs(utc, false); }
 
+/// @returns 0 to 11; -1 for what is no month's short name
+int monthOf(std::string_view text)
+{
+    const auto same = [&](std::string_view month) {
+        return std::ranges::equal(
+            month, text, {}, [](char c) { return std::tolower(static_cast<unsigned char>(c)); },
+            [](char c) { return std::tolower(static_cast<unsigned char>(c)); });
+    };
+    for (std::size_t i = 0; i < kMonths.size(); ++i)
+        if (same(kMonths[i])) return static_cast<int>(i);
+    return -1;
+}
+
 /// "Wed Apr 12 15:30:17 GMT-0700 2006" and its like; "12/31/2001" too.
 double parse(std::u16string_view text)
 {
@@ -119,7 +134,14 @@ double parse(std::u16string_view text)
         }
         if (token.find('/') != std::string::npos) {
             int a = 0, b = 0, c = 0;
-            if (std::sscanf(token.c_str(), "%d/%d/%d", &a, &b, &c) != 3) return false;
+            if (!std::isnan(at[0])) return false;
+            const int named = monthOf(token.substr(0, token.find('/')));
+            if (named >= 0) {
+                a = named + 1;
+                if (std::sscanf(token.c_str() + token.find('/'), "/%d/%d", &b, &c) != 2) return false;
+            } else if (std::sscanf(token.c_str(), "%d/%d/%d", &a, &b, &c) != 3) {
+                return false;
+            }
             at[0] = a > 31 ? a : c;
             at[1] = (a > 31 ? b : a) - 1;
             at[2] = a > 31 ? c : b;
@@ -128,6 +150,7 @@ double parse(std::u16string_view text)
         std::string upper = token;
         for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         if (upper.starts_with("GMT") || upper.starts_with("UTC")) {
+            if (!std::isnan(zone)) return false;
             zone = 0;
             upper.erase(0, 3);
             if (upper.empty()) return true;
@@ -144,22 +167,20 @@ double parse(std::u16string_view text)
             for (char& c : day) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
             if (upper == day) return true;
         }
-        for (int i = 0; i < 12; ++i) {
-            std::string month = kMonths[static_cast<std::size_t>(i)];
-            for (char& c : month) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-            if (upper == month) {
-                at[1] = i;
-                return true;
-            }
+        if (const int month = monthOf(upper); month >= 0) {
+            at[1] = month;
+            return true;
         }
         for (const char c : upper) {
             if (c < '0' || c > '9') return false;
         }
         const double value = std::atof(upper.c_str());
-        if (upper.size() <= 2 && std::isnan(at[2]))
+        constexpr double kLastDay = 31, kCentury = 100, kFirstYear = 1900;
+        if (upper.size() <= 2 && std::isnan(at[2])) {
             at[2] = value;
-        else
-            at[0] = value;
+            return value <= kLastDay;
+        }
+        at[0] = value < kCentury ? value + kFirstYear : value;
         return true;
     };
     for (const char c : all) {

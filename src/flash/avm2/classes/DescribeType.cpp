@@ -2,6 +2,7 @@
 
 #include "flash/avm2/classes/Xml.h"
 
+#include <algorithm>
 #include <set>
 
 namespace flash::avm2::classes
@@ -107,6 +108,14 @@ std::u16string member(Vm& vm, const Traits& traits, const Traits::Entry& entry)
     return {};
 }
 
+/// Whether a script's class among these has members in a namespace.
+bool hasScripted(const Traits* traits, const Namespace* ns)
+{
+    return traits != nullptr && std::ranges::any_of(traits->entries(), [&](const Traits::Entry& entry) {
+               return entry.ns == ns && entry.source != nullptr;
+           });
+}
+
 std::u16string bodyOf(Vm& vm, const Traits& traits)
 {
     std::u16string text;
@@ -120,9 +129,10 @@ std::u16string bodyOf(Vm& vm, const Traits& traits)
     }
     std::set<std::pair<const Atom*, std::int32_t>> seen;
     for (const Traits::Entry& entry : traits.entries()) {
-        // Of what has a namespace only the class's own members are told; of Object none is.
+        // Members in a namespace are told of the first script's class that has some in it, of no other.
         const bool hasUri = entry.ns == vm.as3Ns() || entry.ns->kind == Namespace::Kind::Explicit;
-        const bool isOwn = entry.declaredBy == &traits && traits.base != nullptr;
+        const bool isOwn =
+            entry.declaredBy == &traits && entry.source != nullptr && !hasScripted(traits.base, entry.ns);
         if ((entry.ns->isPublic() || (hasUri && isOwn)) &&
             seen.emplace(entry.name.cell(), entry.binding.id).second)
             text += member(vm, traits, entry);

@@ -238,7 +238,8 @@ Value RegExpObject::split(Vm& vm, const std::u16string& text, double limit)
         if (find(vm, text, 0).empty()) result->push(vm, Value(vm.string(text)));
         return result;
     }
-    while (at < text.size() && result->length() < limit) {
+    if (limit == 0) return result;
+    while (at < text.size()) {
         const Groups groups = find(vm, text, at);
         if (groups.empty()) break;
         const auto start = static_cast<std::size_t>(groups[0].first),
@@ -249,11 +250,13 @@ Value RegExpObject::split(Vm& vm, const std::u16string& text, double limit)
             continue;
         }
         result->push(vm, Value(vm.string(text.substr(copied, start - copied))));
-        // Groups come whole, even beyond the limit.
-        for (std::size_t i = 1; i < groups.size(); ++i) result->push(vm, part(vm, text, groups[i]));
+        if (result->length() >= limit) return result;
+        // A limit that groups reach lets the rest follow.
+        for (std::size_t i = 1; i < groups.size() && result->length() < limit; ++i)
+            result->push(vm, part(vm, text, groups[i]));
         copied = at = end;
     }
-    if (result->length() < limit) result->push(vm, Value(vm.string(text.substr(copied))));
+    result->push(vm, Value(vm.string(text.substr(copied))));
     return result;
 }
 

@@ -122,6 +122,27 @@ Value substring(Call& call)
     return call.vm.string(text.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from)));
 }
 
+// The player's tables are those of Unicode 3: Georgian has its old pairs, a final sigma one of its own.
+char16_t lowerOf(char16_t unit)
+{
+    constexpr char16_t kDottedI = 0x130, kFinalSigma = 0x3C2, kItsCapital = 0x3A2;
+    if (unit == kDottedI) return u'i';
+    if (unit == kItsCapital) return kFinalSigma;
+    if (unit >= 0x10A0 && unit <= 0x10C5) return static_cast<char16_t>(unit + 0x30);
+    return QChar(unit).toLower().unicode();
+}
+char16_t upperOf(char16_t unit)
+{
+    constexpr char16_t kFinalSigma = 0x3C2, kItsCapital = 0x3A2, kLunateSigma = 0x3F2, kSigma = 0x3A3;
+    if (unit == kFinalSigma) return kItsCapital;
+    if (unit == kLunateSigma) return kSigma;
+    // Greek letters with a small iota stay one.
+    const bool isRow = unit >= 0x1F80 && unit <= 0x1FAF && (unit & 8U) == 0;
+    if (isRow) return static_cast<char16_t>(unit + 8);
+    if (unit == 0x1FB3 || unit == 0x1FC3 || unit == 0x1FF3) return static_cast<char16_t>(unit + 9);
+    return QChar(unit).toUpper().unicode();
+}
+
 template <bool upper>
 Value inCase(Call& call)
 {
@@ -129,10 +150,7 @@ Value inCase(Call& call)
     std::u16string result(text.size(), 0);
     for (std::size_t i = 0; i < text.size(); ++i) {
         // Unit by unit: no character becomes two.
-        constexpr char16_t kDottedI = 0x130;
-        result[i] = upper                 ? QChar(text[i]).toUpper().unicode()
-                    : text[i] == kDottedI ? u'i'
-                                          : QChar(text[i]).toLower().unicode();
+        result[i] = upper ? upperOf(text[i]) : lowerOf(text[i]);
     }
     return call.vm.string(std::move(result));
 }

@@ -316,9 +316,16 @@ Value Vm::add(Value a, Value b)
     if (a.isNumber() && b.isNumber()) return a.number() + b.number();
     if (a.isObject() && b.isObject() && a.object()->isXml() && b.object()->isXml() && xml.add != nullptr)
         return xml.add(*this, a, b);
-    a = toPrimitive(a);
-    b = toPrimitive(b);
-    if (a.isString() || b.isString()) {
+    // Beside a text or a date everything is a text; objects are not asked for their value.
+    const auto joins = [&](Value value) {
+        return value.isString() || (value.isObject() && m_classes.date != nullptr &&
+                                    value.object()->traits()->isA(m_classes.date->instances));
+    };
+    if (!joins(a) && !joins(b)) {
+        a = toPrimitive(a);
+        b = toPrimitive(b);
+    }
+    if (joins(a) || joins(b)) {
         String* left = toString(a);
         String* right = toString(b);
         if (left->isEmpty()) return right;

@@ -275,15 +275,16 @@ bool Domain::lookUp(Vm& vm, std::u16string_view text, Value& result)
 {
     if (const auto open = text.find(u".<"); open != std::u16string_view::npos && text.back() == u'>') {
         const std::u16string_view base = text.substr(0, open);
-        if (base != u"Vector" && base != u"__AS3__.vec::Vector" && base != u"__AS3__.vec.Vector")
-            return false;
-        const std::u16string_view inner = text.substr(open + 2, text.size() - open - 3);
-        Value element;
-        if (inner != u"*" && !lookUp(vm, inner, element)) return false;
-        auto* cls = as<ClassObject>(element);
-        if (inner != u"*" && cls == nullptr) return false;
-        result = Value(vm.vectorOf(cls != nullptr ? cls->instances : nullptr));
-        return true;
+        if (base == u"Vector" || base == u"__AS3__.vec::Vector" || base == u"__AS3__.vec.Vector") {
+            const std::u16string_view inner = text.substr(open + 2, text.size() - open - 3);
+            Value element;
+            if (inner != u"*" && !lookUp(vm, inner, element)) return false;
+            auto* cls = as<ClassObject>(element);
+            if (inner != u"*" && cls == nullptr) return false;
+            result = Value(vm.vectorOf(cls != nullptr ? cls->instances : nullptr));
+            return true;
+        }
+        // Names may hold any character.
     }
     std::u16string_view package, plain = text;
     if (const auto colons = text.rfind(u"::"); colons != std::u16string_view::npos) {

@@ -58,3 +58,22 @@ var fixed:Vector.<int> = new <int>[1, 2, 3];
 fixed.fixed = true;
 fixed.splice(0, 2);
 trace(fixed.length);
+
+// Beside a text an object is a text, whatever its value would be; dates are texts always.
+var valued:Object = {valueOf: function():* { return 1; }};
+trace("" + valued, 1 + valued, typeof (new Date(0) + 1));
+
+// Months have names between slashes, too; what is said twice or cannot be is no date.
+trace(new Date("Apr/03/1988 15:30:17").fullYear, new Date("Sat Apr 30 77").fullYear);
+trace(new Date("Sat Jan 70 77").time, new Date("Sat Jan 30 77 Apr/03/1988").time);
+
+ByteArray.defaultObjectEncoding = 0;
+trace(new ByteArray().objectEncoding, bytes.objectEncoding);
+ByteArray.defaultObjectEncoding = 3;
+
+// What moves in an array takes what the prototype has in its place along.
+Array.prototype[3] = "inherited";
+var gaps:Array = new Array(5);
+gaps.splice(0, 1);
+trace(gaps.join(), gaps.hasOwnProperty(2));
+delete Array.prototype[3];
