@@ -115,8 +115,9 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         return object.hitArea->node().hitsShape(point) ? take() : Hit::None;
     const bool isDrawn = object.clip() != nullptr && object.clip()->drawingHits(point);
     if (!isDrawn && !isShown) return Hit::None;
-    // The main timeline of a movie does not stand for what lies on it; a loader does.
-    return wants && (isDrawn || !object.isRoot) ? take() : Hit::Parent;
+    // The main timeline of a movie does not stand for what lies on it, whatever it draws below; a loader
+    // does.
+    return wants && !(isShown && object.isRoot) ? take() : Hit::Parent;
 }
 
 DisplayObject* Input::targetAt(swf::Point point)
