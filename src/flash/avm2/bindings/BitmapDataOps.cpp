@@ -76,8 +76,10 @@ Value drawWith(Call& call, render::Quality quality)
     }
     Object* clip = optionalArg(call, 4, kRectangle);
     const bool smooth = vm.toBoolean(call.arg(5));
-    // What has no alpha takes no part in blending by it.
-    if (bitmap->opaque && (blend == swf::BlendMode::Alpha || blend == swf::BlendMode::Erase)) return {};
+    // What has no alpha takes no part in blending by it, nor does a picture that nothing shows.
+    if ((bitmap->opaque || source != nullptr) &&
+        (blend == swf::BlendMode::Alpha || blend == swf::BlendMode::Erase))
+        return {};
     if (source == bitmap) source = std::make_shared<swf::Bitmap>(*bitmap);
 
     render::RenderCache cache;

@@ -49,7 +49,8 @@ Value propertyIsEnumerable(Call& call)
 Value setPropertyIsEnumerable(Call& call)
 {
     Object* self = call.self.asObject();
-    if (self != nullptr && self->tableIfAny() != nullptr)
+    // Dictionaries do not listen.
+    if (self != nullptr && self->tableIfAny() != nullptr && self->exotic() != Exotic::First)
         self->tableIfAny()->setHidden(call.vm.names().intern(call.vm.toString(call.arg(0))),
                                       call.has(1) && !call.vm.toBoolean(call.arg(1)));
     return {};
