@@ -12,21 +12,24 @@ String::String(String* left, String* right)
         flatten();
         return;
     }
-    // A text that grows at its end by little things would be a tree of as many parts. The last parts become
-    // one as soon as the next is as long as they: few stay, and each character is copied a few times at most.
-    constexpr std::size_t kLongestPiece = 4096;
-    if (m_right->m_left != nullptr) return;
-    std::size_t length = m_right->m_length;
+    // A text that grows at its end by little things would be a tree of as many parts, which every collection
+    // walks. A few of them become one piece, and that one with those before it that are not longer: few stay,
+    // and each character is copied a few times at most.
+    constexpr std::size_t kSmall = 24, kFew = 12, kLongestPiece = 4096;
+    std::size_t length = m_right->m_length, few = 0;
+    if (m_right->m_left != nullptr || length > kSmall) return;
     String* rest = m_left;
-    const auto last = [&] { return rest->m_left != nullptr ? rest->m_right : nullptr; };
-    const auto isGathered = [&] {
-        const String* piece = last();
-        return piece != nullptr && piece->m_left == nullptr && piece->m_length <= length &&
-               piece->m_length + length <= kLongestPiece;
+    const auto endsWithPieceOf = [&](std::size_t longest) {
+        return rest->m_left != nullptr && rest->m_right->m_left == nullptr &&
+               rest->m_right->m_length <= longest;
     };
-    if (!isGathered()) return;
-    while (isGathered()) {
-        length += last()->m_length;
+    for (; few < kFew && endsWithPieceOf(kSmall); ++few) {
+        length += rest->m_right->m_length;
+        rest = rest->m_left;
+    }
+    if (few < kFew) return;
+    while (length <= kLongestPiece && endsWithPieceOf(length)) {
+        length += rest->m_right->m_length;
         rest = rest->m_left;
     }
     std::u16string text(length, u'\0');

@@ -72,7 +72,9 @@ public:
     // What most calls begin with is done with the arguments: ints become raw, `this` becomes the first scope.
     std::uint64_t rawParameters = 0; ///< a bit for each register
     bool startsWithThis = false;
-    std::uint32_t entry = 0; ///< the first instruction behind that
+    bool isDirect = false; ///< with all arguments given, and of their types, there is nothing else to do
+    std::uint32_t registers = 0; ///< frameSize(), once the code is translated
+    std::uint32_t entry = 0;     ///< the first instruction behind that
     TracedList<Traits*> parameterTypes;
     Traits* returnType = nullptr;
 };

@@ -7,9 +7,29 @@
 namespace flash::avm2
 {
 
+namespace
+{
+
+bool isInitializer(const MethodEnv& env)
+{
+    return env.role == MethodEnv::Role::StaticInit || env.role == MethodEnv::Role::ScriptInit;
+}
+
+} // namespace
+
 Value Interpreter::execute(MethodEnv& env, Value* window, std::uint32_t given, Object* callee)
 {
     m_calls = m_vm.m_calls.size();
+    // What a function says of the names in XML holds as long as it runs; what a class or a script says, for
+    // good.
+    struct Restore {
+        Namespace*& place;
+        Namespace* before;
+        ~Restore()
+        {
+            if (before != nullptr) place = before;
+        }
+    } restore{m_vm.defaultXmlNs, isInitializer(env) ? nullptr : m_vm.defaultXmlNs};
     open(m_frames[0], env, window, given, callee);
     m_frame = m_frames;
     for (;;) {
@@ -87,8 +107,8 @@ bool Interpreter::beginOther(MethodEnv& env, Value* window, std::uint32_t count,
                              Value* result, Object* made)
 {
     Vm& vm = m_vm;
-    if (env.native == nullptr && (m_frame == m_frames + kLevels - 1 || vm.m_calls.size() >= kDeepestCalls))
-        [[unlikely]] {
+    const bool isDeep = m_frame == m_frames + kLevels - 1 || vm.m_calls.size() >= kDeepestCalls;
+    if (env.native == nullptr && (isDeep || (env.info().flags & abc::MethodInfo::SetDxns) != 0)) {
         const Value value = vm.enter(env, window, count, callee);
         *result = made != nullptr ? Value(made) : value;
         return false;

@@ -68,7 +68,7 @@ private:
     /// The last step: nothing can go wrong any more.
     void fill(Frame& frame, MethodEnv& env, Code& code, Value* window, std::uint32_t used)
     {
-        m_vm.m_top = window + code.frameSize();
+        m_vm.m_top = window + code.registers;
         if (m_vm.m_top > m_vm.m_highest) m_vm.m_highest = m_vm.m_top;
         Value* const scopes = window + code.locals;
         Value* const stack = scopes + code.maxScopes;
@@ -97,9 +97,9 @@ private:
                Object* made)
     {
         Code* const code = env.code;
-        if (code == nullptr || count != code->declared || code->takesMore || code->slotRead >= 0 ||
+        if (code == nullptr || count != code->declared || !code->isDirect ||
             m_frame == m_frames + kLevels - 1 || m_vm.m_calls.size() >= kDeepestCalls ||
-            static_cast<std::size_t>(m_vm.m_stack.get() + Vm::kStackValues - window) < code->frameSize() ||
+            static_cast<std::size_t>(m_vm.m_stack.get() + Vm::kStackValues - window) < code->registers ||
             !isSelf(*code, *window)) [[unlikely]]
             return beginOther(env, window, count, callee, result, made);
         Traits* const* const types = code->parameterTypes.data();
@@ -131,7 +131,7 @@ private:
         if (ended == m_frames) return false;
         m_vm.m_calls.pop_back();
         --m_frame;
-        m_vm.m_top = m_frame->locals + m_frame->code->frameSize();
+        m_vm.m_top = m_frame->locals + m_frame->code->registers;
         *ended->result = ended->made != nullptr ? Value(ended->made) : returned;
         return true;
     }

@@ -95,6 +95,9 @@ void Translator::takeEntry()
     }
     m_code.startsWithThis =
         m_code.self != nullptr && at < code.size() && code[at].op == R::PushScope && code[at].b == 0;
+    const bool setsNamespace = (m_abc.methods[m_body.method].flags & abc::MethodInfo::SetDxns) != 0;
+    m_code.isDirect = !m_code.takesMore && m_code.slotRead < 0 && !setsNamespace;
+    m_code.registers = m_code.frameSize();
     m_code.entry = at + (m_code.startsWithThis ? 1 : 0);
 }
 

@@ -1,6 +1,6 @@
 #include "flash/avm2/interpreter/Translator.h"
-#include "flash/avm2/interpreter/Unit.h"
-#include "flash/avm2/interpreter/Vm.h"
+
+#include "flash/vm/Numbers.h"
 
 // Jumps, and comparisons that are made for the sake of one.
 

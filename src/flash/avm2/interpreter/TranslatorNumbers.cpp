@@ -1,9 +1,6 @@
 #include "flash/avm2/interpreter/Translator.h"
-#include "flash/avm2/interpreter/Unit.h"
-#include "flash/avm2/interpreter/Vm.h"
-#include "flash/vm/Numbers.h"
 
-#include <cmath>
+#include "flash/vm/Numbers.h"
 
 // Numbers: conversions between their kinds, arithmetic, comparisons.
 

@@ -12,3 +12,11 @@ trace(x.namespaceDeclarations().length, x.p::a.namespace().prefix);
 var q:QName = new QName(p, "a");
 trace(q, q.localName, x[q], x.descendants(q).length());
 trace(x.elements(new QName("urn:d", "a")));
+function spaced(fails:Boolean):String {
+    default xml namespace = "urn:f";
+    if (fails) throw new Error((<a/>).name().uri);
+    return inner() + (<a/>).name().uri;
+}
+function inner():String { default xml namespace = "urn:i"; return (<a/>).name().uri + " "; }
+trace(spaced(false), "[" + (<a/>).name().uri + "]");
+try { spaced(true); } catch (e:Error) { trace(e.message, "[" + (<a/>).name().uri + "]"); }
