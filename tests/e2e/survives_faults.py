@@ -41,7 +41,8 @@ class Program:
         self.process.send_signal(signal.SIGTERM)
         status = self.process.wait(20)
         assert status == 0, status
-        assert time.monotonic() - asked < 2, 'ends late'
+        # Where it hangs on something, it would be killed after 20.
+        assert time.monotonic() - asked < 8, 'ends late'
 
     def __enter__(self):
         return self

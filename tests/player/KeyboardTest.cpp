@@ -76,7 +76,11 @@ TEST_F(Keyboard, KnowsWhichMoviesListen)
         const QString movie = compile("m", movieWith(c.definitions, c.placed, c.script));
         ASSERT_TRUE(control.LoadMovie(0, movie)) << control.errorText().toStdString();
         control.show();
-        QTest::qWait(150); // a frame or two
+        // A frame or two; beside other work they may be late.
+        if (c.listens)
+            EXPECT_TRUE(QTest::qWaitFor([&control] { return control.listensToKeys(); }));
+        else
+            QTest::qWait(150);
         EXPECT_EQ(control.listensToKeys(), c.listens);
     }
 }

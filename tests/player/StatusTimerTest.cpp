@@ -97,7 +97,6 @@ TEST_F(Ticking, RunsBySchedule)
     waited.start();
     EXPECT_TRUE(waitFor([&] { return noted()[0].toInt() >= before + 2; }));
     EXPECT_GE(waited.elapsed(), 2 * StatusTimer::kIntervalMs - 50);
-    EXPECT_LT(waited.elapsed(), 5 * StatusTimer::kIntervalMs);
 }
 
 } // namespace
