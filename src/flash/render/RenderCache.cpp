@@ -45,17 +45,28 @@ void RenderCache::Impl::insert(const Key& key, Entry entry)
     entry.bytes += sizeof(Key) + sizeof(Entry);
     m_used += entry.bytes;
     m_entries.insert_or_assign(key, std::move(entry));
-    if (m_used > m_budget) makeRoom();
+    if (m_used > m_budget)
+        makeRoom();
+    else if (m_used > m_lookAgainAt)
+        dropDead();
 }
 
-// Dead shapes first, then what was not used for longest, until a quarter of the budget is free.
-void RenderCache::Impl::makeRoom()
+/// What scripts draw comes and goes; what is kept of it stays below twice what lives, or a little.
+void RenderCache::Impl::dropDead()
 {
+    constexpr std::size_t kLittleBytes = std::size_t{1} << 20;
     std::erase_if(m_entries, [this](const auto& item) {
         if (!item.second.owner.expired()) return false;
         m_used -= item.second.bytes;
         return true;
     });
+    m_lookAgainAt = std::max(2 * m_used, kLittleBytes);
+}
+
+// Dead shapes first, then what was not used for longest, until a quarter of the budget is free.
+void RenderCache::Impl::makeRoom()
+{
+    dropDead();
     const std::size_t goal = m_budget / 4 * 3;
     if (m_used <= goal) return;
     std::vector<std::pair<std::uint64_t, Key>> byAge;

@@ -80,10 +80,12 @@ private:
     Entry* find(const Key& key);
     void insert(const Key& key, Entry entry);
     void makeRoom();
+    void dropDead();
 
     OutlineDrawer m_drawer;
     std::size_t m_budget;
     std::size_t m_used = 0;
+    std::size_t m_lookAgainAt = 0; ///< bytes in use with which dead ones may have become many
     std::uint64_t m_clock = 0;
     std::unordered_map<Key, Entry, KeyHash> m_entries;
 };

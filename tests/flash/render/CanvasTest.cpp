@@ -580,5 +580,14 @@ TEST(RenderCache, DropsDeadShapesAndKeepsToItsBudget)
     EXPECT_EQ(surface.pixel(40, 20), kRed);
 }
 
+TEST(RenderCache, ForgetsDeadShapesLongBeforeItsBudgetIsSpent)
+{
+    RenderCache cache;
+    Surface surface(64, 64);
+    Canvas canvas(surface.view(), Quality::High, cache);
+    for (int i = 0; i < 10000; ++i) canvas.drawShape(rectShape(0, 0, 1, 1, solid(255, 0, 0)), kStage);
+    EXPECT_LT(cache.usedBytes(), std::size_t{2} << 20);
+}
+
 } // namespace
 } // namespace flash::render
