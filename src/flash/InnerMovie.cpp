@@ -16,32 +16,33 @@ namespace
 class InnerHost final : public stage::HostEvents
 {
 public:
-    explicit InnerHost(stage::Stage& outer) : m_outer(outer) {}
-    // With the outer movie's requests, between two frames: the host may close the movie.
+    explicit InnerHost(stage::Stage& outer) : m_outer(outer), m_host(outer.services().host) {}
+    // With the outer movie's requests, between two frames: the host may close the movie, and this may be
+    // gone.
     void fsCommand(std::string_view command, std::string_view arguments) override
     {
-        m_outer.queue().addRequest([this, name = std::string(command),
-                                    text = std::string(arguments)] { host().fsCommand(name, text); },
+        m_outer.queue().addRequest([&host = m_host, name = std::string(command),
+                                    text = std::string(arguments)] { host.fsCommand(name, text); },
                                    command.size() + arguments.size());
     }
     void openUrl(std::string_view url, std::string_view window) override
     {
-        m_outer.queue().addRequest([this, address = std::string(url),
-                                    target = std::string(window)] { host().openUrl(address, target); },
+        m_outer.queue().addRequest([&host = m_host, address = std::string(url),
+                                    target = std::string(window)] { host.openUrl(address, target); },
                                    url.size() + window.size());
     }
-    void traceLine(std::string_view utf8) override { host().traceLine(utf8); }
-    void logLine(std::string_view utf8) override { host().logLine(utf8); }
-    void cursorVisible(bool visible) override { host().cursorVisible(visible); }
-    void setClipboardText(std::string_view utf8) override { host().setClipboardText(utf8); }
-    std::string clipboardText() override { return host().clipboardText(); }
-    bool abortSlowScript() override { return host().abortSlowScript(); }
-    bool endsScripts() override { return host().endsScripts(); }
-    void limitReached(std::string_view what) override { host().limitReached(what); }
+    void traceLine(std::string_view utf8) override { m_host.traceLine(utf8); }
+    void logLine(std::string_view utf8) override { m_host.logLine(utf8); }
+    void cursorVisible(bool visible) override { m_host.cursorVisible(visible); }
+    void setClipboardText(std::string_view utf8) override { m_host.setClipboardText(utf8); }
+    std::string clipboardText() override { return m_host.clipboardText(); }
+    bool abortSlowScript() override { return m_host.abortSlowScript(); }
+    bool endsScripts() override { return m_host.endsScripts(); }
+    void limitReached(std::string_view what) override { m_host.limitReached(what); }
 
 private:
-    [[nodiscard]] stage::HostEvents& host() const { return m_outer.services().host; }
-    stage::Stage& m_outer;
+    stage::Stage& m_outer; ///< may be gone when the inner movie ends
+    stage::HostEvents& m_host;
 };
 
 /// The sounds of an inner movie: when it goes, those of others play on.
@@ -49,7 +50,8 @@ class InnerSound final : public stage::SoundSystem
 {
 public:
     explicit InnerSound(stage::SoundSystem& outer) : m_outer(outer) {}
-    void setEnding() { m_isEnding = true; }
+    /// Whether stopping everything is what a script wants; a stage that opens or closes means its own.
+    void setForAll(bool on) { m_isForAll = on; }
     void ended(stage::SoundId id)
     {
         if (m_started.erase(id) > 0) m_finished.push_back(id);
@@ -73,7 +75,7 @@ public:
     }
     void stopAll() override
     {
-        if (!m_isEnding) return m_outer.stopAll();
+        if (m_isForAll) return m_outer.stopAll();
         for (const stage::SoundId id : m_started) m_outer.stopSound(id);
         for (const stage::SoundOwner owner : m_streams) m_outer.stopStream(owner);
         m_started.clear();
@@ -121,7 +123,7 @@ private:
     std::set<stage::SoundId> m_started;
     std::set<stage::SoundOwner> m_streams;
     std::vector<stage::SoundId> m_finished;
-    bool m_isEnding = false;
+    bool m_isForAll = false;
 };
 
 class InnerMovie final : public avm2::OldMovie
@@ -137,7 +139,7 @@ public:
     {
         m_script.vm().disable();
         m_script.saveSharedObjects();
-        m_sound.setEnding();
+        m_sound.setForAll(false);
         m_stage.close();
     }
     void open(const stage::MoviePtr& movie, const std::string& url)
@@ -146,6 +148,7 @@ public:
         m_stage.view().setSize(std::max(1, frame.width() / swf::kTwipsPerPixel),
                                std::max(1, frame.height() / swf::kTwipsPerPixel));
         m_stage.open(movie, url);
+        m_sound.setForAll(true);
     }
     stage::Stage& stage() override { return m_stage; }
     avm1::StageBinding& script() { return m_script; }
