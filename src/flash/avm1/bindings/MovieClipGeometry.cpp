@@ -52,6 +52,28 @@ Value boundsIn(Call& call, stage::Node::Extent extent)
     const bool further = binding.emptyBoundsAreFurther && space != clip;
     return rectObject(call.vm, rect, further ? kFurther : kNothing);
 }
+
+swf::Matrix wholeTwips(swf::Matrix matrix)
+{
+    matrix.tx = std::round(matrix.tx);
+    matrix.ty = std::round(matrix.ty);
+    return matrix;
+}
+
+/// As Node::toStage(), added up as the player does it for points: each step lies on whole twips.
+swf::Matrix wholeTwipsToStage(const stage::Node& node)
+{
+    swf::Matrix matrix = node.matrix();
+    for (const stage::Node* outer = node.parent(); outer; outer = outer->parent()) {
+        if (const auto& scroll = outer->scrollRect()) {
+            matrix.tx -= scroll->xMin;
+            matrix.ty -= scroll->yMin;
+        }
+        matrix = wholeTwips(outer->matrix() * matrix);
+    }
+    return matrix;
+}
+
 Value convertPoint(Call& call, bool toGlobal)
 {
     stage::Clip* clip = selfClip(call);
@@ -62,7 +84,8 @@ Value convertPoint(Call& call, bool toGlobal)
     // Only the point's own data counts: no prototype and no getter is asked.
     const Value px = point->ownHiddenData(vm, x), py = point->ownHiddenData(vm, y);
     if (!px.isNumber() || !py.isNumber()) return {};
-    const swf::Matrix matrix = toGlobal ? clip->toStage() : clip->toStage().inverted();
+    const swf::Matrix toStage = wholeTwipsToStage(*clip);
+    const swf::Matrix matrix = toGlobal ? toStage : wholeTwips(toStage.inverted());
     constexpr double kTwips = swf::kTwipsPerPixel;
     // Twips are of 32 bits here, and wrap around.
     const swf::Point mapped =
