@@ -80,9 +80,9 @@ public:
     /// Like fillRect(), snapped to whole pixels as long as the rectangle stays upright: the ground of a text
     /// field.
     void fillBox(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
-    /// What becomes of the lower right corner of a border: closed, or covered in part, as the joint of a
-    /// drawn line is.
-    enum class LastCorner { Closed, InPart };
+    /// What becomes of the lower right corner of a border: closed, left out, as the end of a line is that
+    /// goes round pixel by pixel, or covered in part, as the joint of a drawn line is.
+    enum class LastCorner { Closed, Open, InPart };
     /// One device pixel wide and snapped like fillBox(), around it to the right and below: the border of a
     /// text field.
     void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color,

@@ -54,6 +54,7 @@ void Canvas::Impl::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevic
         fillDeviceRect({box->left, box->top + 1, box->left + 1, box->bottom + 1}, color);
         fillDeviceRect({box->right, box->top + 1, box->right + 1, box->bottom}, color);
         fillDeviceRect({box->left + 1, box->bottom, box->right, box->bottom + 1}, color);
+        if (corner == LastCorner::Open) return;
         if (corner == LastCorner::InPart) {
             constexpr std::uint32_t kCovered = 10, kSamples = 16;
             color.a = static_cast<std::uint8_t>(color.a * kCovered / kSamples);

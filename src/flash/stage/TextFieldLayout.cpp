@@ -270,10 +270,14 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
     }
     const swf::Rect box = bounds();
     if (m_background) canvas.fillBox(box, toDevice, swf::apply(color, m_backgroundColor));
-    if (m_border)
+    if (m_border) {
+        // In the genuine player's pictures the border that a movie states lacks the pixel at which it ends,
+        // and one that a script has put on has it.
+        using Corner = render::Canvas::LastCorner;
+        const Corner last = m_definition.border ? Corner::Open : Corner::Closed;
         canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor),
-                          m_embedFonts ? render::Canvas::LastCorner::InPart
-                                       : render::Canvas::LastCorner::Closed);
+                          m_embedFonts ? Corner::InPart : last);
+    }
     const bool focused = isFocused();
     if (m_content.isEmpty() && !focused) return;
 

@@ -241,6 +241,12 @@ TEST(Canvas, BordersOfFieldsAreOnePixelWideAndClosed)
         EXPECT_EQ(picture.at(last, last), kBlack);
         EXPECT_EQ(picture.at(last, last - 1), kBlack);
         EXPECT_EQ(picture.at(first + 1, first + 1), kWhite) << "one pixel wide at any scale";
+        Picture open(10, 10);
+        open.canvas.strokeRect({20, 60, 20, 60}, twipsToPixels({}, scale), {0, 0, 0, 255},
+                               Canvas::LastCorner::Open);
+        EXPECT_EQ(open.at(last, last), kWhite);
+        EXPECT_EQ(open.at(last, last - 1), kBlack);
+        EXPECT_EQ(open.at(last - 1, last), kBlack);
     }
 }
 
