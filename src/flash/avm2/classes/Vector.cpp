@@ -50,7 +50,10 @@ Value convert(Call& call)
         return call.vm.coerce(call.arg(0), cls->instances);
     }
     auto* made = call.vm.heap().make<VectorObject>(cls->instances, cls->prototype);
-    for (std::size_t i = 0; i < values.size(); ++i) made->push(call.vm, values[i]);
+    // Even where anything goes, what comes from another list is an object or null.
+    for (std::size_t i = 0; i < values.size(); ++i)
+        made->push(call.vm,
+                   values[i].isUndefined() && made->elementType() == nullptr ? Value::null() : values[i]);
     return made;
 }
 
@@ -181,7 +184,7 @@ Value join(Call& call)
     std::u16string text;
     for (std::size_t i = 0; i < vector.items.size(); ++i) {
         if (i > 0) text += separator;
-        if (!vector.items[i].isNullish() || vector.elementType() != nullptr)
+        if (!vector.items[i].isUndefined() || vector.elementType() != nullptr)
             text += call.vm.text(vector.items[i]);
         call.vm.check();
     }

@@ -306,7 +306,9 @@ std::vector<std::u16string> Domain::definitionNames() const
     std::vector<std::u16string> names;
     for (const Key& key : m_order) {
         const Definition& definition = m_definitions.at(key);
-        if (definition.ns->kind == Namespace::Kind::Public)
+        // What only its package sees is told as well.
+        if (definition.ns->kind == Namespace::Kind::Public ||
+            definition.ns->kind == Namespace::Kind::Internal)
             names.push_back(qualified(definition.ns, definition.name));
     }
     return names;

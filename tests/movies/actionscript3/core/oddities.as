@@ -77,3 +77,5 @@ var gaps:Array = new Array(5);
 gaps.splice(0, 1);
 trace(gaps.join(), gaps.hasOwnProperty(2));
 delete Array.prototype[3];
+// What a vector of anything takes from a list is an object or null.
+trace(Vector.<*>([undefined, null, 1]).join());
