@@ -60,16 +60,25 @@ swf::Matrix wholeTwips(swf::Matrix matrix)
     return matrix;
 }
 
+/// As the player keeps what scripts turn and scale: in units of 1/65536.
+swf::Matrix asKept(swf::Matrix matrix)
+{
+    constexpr double kUnits = 65536;
+    for (double* part : {&matrix.a, &matrix.b, &matrix.c, &matrix.d})
+        *part = std::round(*part * kUnits) / kUnits;
+    return matrix;
+}
+
 /// As Node::toStage(), added up as the player does it for points: each step lies on whole twips.
 swf::Matrix wholeTwipsToStage(const stage::Node& node)
 {
-    swf::Matrix matrix = node.matrix();
+    swf::Matrix matrix = asKept(node.matrix());
     for (const stage::Node* outer = node.parent(); outer; outer = outer->parent()) {
         if (const auto& scroll = outer->scrollRect()) {
             matrix.tx -= scroll->xMin;
             matrix.ty -= scroll->yMin;
         }
-        matrix = wholeTwips(outer->matrix() * matrix);
+        matrix = wholeTwips(asKept(outer->matrix()) * matrix);
     }
     return matrix;
 }
