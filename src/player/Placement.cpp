@@ -169,7 +169,11 @@ bool Placement::takeRememberedPlace()
         const QRect seen = screen->availableGeometry().intersected(QRect(corner, m_window.size()));
         if (seen.width() < kReachable.width() || seen.height() < kReachable.height()) continue;
         if (corner.y() < screen->availableGeometry().top()) continue;
-        m_window.move(corner);
+        // As much of it as there is room for: another skin or movie may need more than stood there before.
+        const QRect room = screen->availableVirtualGeometry();
+        const QSize size = m_window.size().boundedTo(room.size());
+        m_window.move(std::clamp(corner.x(), room.left(), room.right() + 1 - size.width()),
+                      std::clamp(corner.y(), room.top(), room.bottom() + 1 - size.height()));
         break;
     }
     return parts[2].toInt() == 2;

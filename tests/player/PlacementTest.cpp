@@ -112,5 +112,24 @@ TEST_F(Placing, FitsTextsToTheWindowsFont)
     EXPECT_EQ(player.FitText("short", 150), "short");
 }
 
+TEST_F(PlayerWindow, StandsWhereItStoodAsFarAsThereIsRoom)
+{
+    QFile settings(path("settings.xml"));
+    ASSERT_TRUE(settings.open(QFile::ReadOnly));
+    QByteArray text = settings.readAll();
+    settings.close();
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    const QPoint corner = room.bottomRight() - QPoint(130, 50);
+    text.replace("place=\"\"",
+                 "place=\"" + QString("%1,%2,0").arg(corner.x()).arg(corner.y()).toUtf8() + '"');
+    ASSERT_TRUE(settings.open(QFile::WriteOnly));
+    settings.write(text);
+    settings.close();
+    Player player(application, {});
+    player.Form_Load();
+    // The frame that the system adds is not known before.
+    EXPECT_EQ(QRect(player.pos(), player.size()).bottomRight(), room.bottomRight());
+}
+
 } // namespace
 } // namespace player
