@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/Display.h"
 
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/DisplayEffects.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/bindings/Transform.h"
@@ -226,75 +227,6 @@ Value setMask(Call& call)
     object.node().setMask(mask != nullptr && mask != &object ? &mask->node() : nullptr);
     return {};
 }
-Value blendMode(Call& call) { return call.vm.string(blendModeName(self(call).node().blend())); }
-Value setBlendMode(Call& call)
-{
-    if (call.arg(0).isNullish())
-        call.vm.throwError(ErrorClass::Type, 2007, "Parameter blendMode must be non-null.");
-    const std::u16string_view name = call.vm.text(call.arg(0));
-    const auto mode = blendModeOf(name);
-    if (!mode && name != u"shader")
-        call.vm.throwError(ErrorClass::Argument, 2008,
-                           "Parameter blendMode must be one of the accepted values.");
-    self(call).node().setBlend(mode.value_or(swf::BlendMode::Normal));
-    return {};
-}
-Value filters(Call& call)
-{
-    auto& object = self(call);
-    auto* list = static_cast<ArrayObject*>(call.vm.newArray());
-    if (object.filterValues.empty()) {
-        for (const swf::Filter& filter : object.node().filters())
-            list->push(call.vm, newFilter(call.vm, filter));
-        return Value(list);
-    }
-    RootedList<Value> kept(call.vm.heap(), object.filterValues.begin(), object.filterValues.end());
-    for (std::size_t i = 0; i < kept.size(); ++i) list->push(call.vm, call.vm.callPublic(kept[i], "clone"));
-    return Value(list);
-}
-/// A copy, as the player keeps its numbers.
-Value displacement(Vm& vm, Object& filter)
-{
-    Object* made = vm.instantiate(vm.nativeClass("flash.filters::DisplacementMapFilter"));
-    constexpr std::uint32_t kMapPoint = 1, kScaleX = 4, kScaleY = 5;
-    for (std::uint32_t i = 0; i < made->slotCount() && i < filter.slotCount(); ++i)
-        made->setSlot(i, filter.slot(i));
-    if (Object* point = made->slot(kMapPoint).asObject(); point != nullptr) {
-        const swf::Point at = pointOf(*point);
-        made->setSlot(kMapPoint, newPoint(vm, std::trunc(at.x), std::trunc(at.y)));
-    } else {
-        made->setSlot(kMapPoint, newPoint(vm, 0, 0));
-    }
-    for (const std::uint32_t slot : {kScaleX, kScaleY})
-        made->setSlot(slot, static_cast<double>(static_cast<float>(slotNumber(*made, slot))));
-    return Value(made);
-}
-/// What the renderer has no filter for is kept for scripts, and changes nothing.
-Value setFilters(Call& call)
-{
-    Vm& vm = call.vm;
-    std::vector<swf::Filter> filters;
-    RootedList<Value> kept(vm.heap());
-    bool allKnown = true;
-    const Traits* unknown = vm.nativeClass("flash.filters::DisplacementMapFilter")->instances;
-    auto* list = as<ArrayObject>(vm.coerce(call.arg(0), vm.classes().array->instances));
-    for (std::uint32_t i = 0; list != nullptr && i < list->length(); ++i) {
-        const Value value = list->at(vm, i);
-        const auto filter = filterOf(vm, value);
-        const bool isKept = !filter && value.isObject() && value.object()->traits()->isA(unknown);
-        if (!filter && !isKept)
-            vm.throwError(ErrorClass::Argument, 2005,
-                          "Parameter 0 is of the incorrect type. Should be type Filter.");
-        if (filter) filters.push_back(*filter);
-        allKnown = allKnown && filter.has_value();
-        kept.push_back(filter ? newFilter(vm, *filter) : displacement(vm, *value.object()));
-    }
-    auto& object = self(call);
-    object.filterValues.clear();
-    if (!allKnown) object.filterValues.assign(kept->begin(), kept->end());
-    object.node().setFilters(std::move(filters));
-    return {};
-}
 Value cacheAsBitmap(Call& call)
 {
     return self(call).node().cacheAsBitmap() || !self(call).node().filters().empty();
@@ -423,8 +355,8 @@ constexpr NativeMember kDisplay[] = {
     {"mouseY", Kind::Getter, &mouse<false>, 0, 0, nullptr, "Number"},
     {"loaderInfo", Kind::Getter, &loaderInfo, 0, 0, nullptr, "flash.display::LoaderInfo"},
     {"mask", Kind::Getter, &mask, 0, 0, &setMask, "flash.display::DisplayObject"},
-    {"blendMode", Kind::Getter, &blendMode, 0, 0, &setBlendMode, "String"},
-    {"filters", Kind::Getter, &filters, 0, 0, &setFilters, "Array"},
+    {"blendMode", Kind::Getter, &effects::blendMode, 0, 0, &effects::setBlendMode, "String"},
+    {"filters", Kind::Getter, &effects::filters, 0, 0, &effects::setFilters, "Array"},
     {"cacheAsBitmap", Kind::Getter, &cacheAsBitmap, 0, 0, &setCacheAsBitmap, "Boolean"},
     {"opaqueBackground", Kind::Getter, &opaqueBackground, 0, 0, &setOpaqueBackground, "Object"},
     {"scrollRect", Kind::Getter, &scrollRect, 0, 0, &setScrollRect, "flash.geom::Rectangle"},

@@ -23,4 +23,8 @@ std::vector<std::uint32_t> sortedOrder(std::uint32_t count,
 /// -1, 0 or 1 by the flags, as texts unless they say numbers.
 int compareValues(Vm& vm, Value a, Value b, unsigned flags);
 
+// Members of Array.
+Value sortArray(Call& call);
+Value sortArrayOn(Call& call);
+
 } // namespace flash::avm2::classes

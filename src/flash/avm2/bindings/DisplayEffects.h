@@ -1,0 +1,14 @@
+#pragma once
+
+#include "flash/avm2/interpreter/Native.h"
+
+// How what is on the display list is laid over what lies below it: members of DisplayObject.
+namespace flash::avm2::effects
+{
+
+Value blendMode(Call& call);
+Value setBlendMode(Call& call);
+Value filters(Call& call);
+Value setFilters(Call& call);
+
+} // namespace flash::avm2::effects
