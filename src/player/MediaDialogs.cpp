@@ -45,8 +45,8 @@ public:
         if (index.column() == kTimeColumn)
             return QLocale().toString(file.lastModified(), QLocale::ShortFormat);
         // From a kilobyte on: the language's word for bytes would not agree with their number.
-        constexpr qint64 kLeastBytes = 1024;
-        return file.isDir() ? QString() : QLocale().formattedDataSize(std::max(file.size(), kLeastBytes), 1);
+        constexpr qint64 kMinBytes = 1024;
+        return file.isDir() ? QString() : QLocale().formattedDataSize(std::max(file.size(), kMinBytes), 1);
     }
 };
 

@@ -310,14 +310,14 @@ stage::SoundId Player::playSamplesOf(DispatcherObject& sound)
 namespace
 {
 
-constexpr std::size_t kLeastSamples = 2048, kMostSamples = 8192;
+constexpr std::size_t kMinSamples = 2048, kMaxSamples = 8192;
 
 /// Takes frames of two numbers, as the bytes have them. @returns how many there were
 std::size_t takeSamples(const classes::ByteArrayObject& bytes, stage::SampleQueue& queue)
 {
     constexpr std::size_t kFrameBytes = 2 * sizeof(float);
     constexpr float kFull = 32767;
-    const std::size_t count = std::min(bytes.content.size() / kFrameBytes, kMostSamples);
+    const std::size_t count = std::min(bytes.content.size() / kFrameBytes, kMaxSamples);
     const auto sampleAt = [&](std::size_t at) {
         std::uint32_t bits = 0;
         for (std::size_t i = 0; i < sizeof(float); ++i) {
@@ -342,7 +342,7 @@ void Player::askForSamples()
 {
     constexpr double kFramesPerMs = 44.1;
     const double untilNext = 2 * kFramesPerMs * m_stage->frameMs();
-    const std::size_t wanted = std::max(kMostSamples, static_cast<std::size_t>(std::min(untilNext, 1e6)));
+    const std::size_t wanted = std::max(kMaxSamples, static_cast<std::size_t>(std::min(untilNext, 1e6)));
     std::vector<std::uint64_t> ids;
     for (const auto& [id, made] : m_madeSounds) ids.push_back(id);
     for (const std::uint64_t id : ids) {
@@ -361,7 +361,7 @@ void Player::askForSamples()
                          {Value(found->second.asked), Value(data.get())});
                 count = takeSamples(*as<classes::ByteArrayObject>(Value(data.get())), *queue);
             });
-            queue->isEnded = count < kLeastSamples;
+            queue->isEnded = count < kMinSamples;
             found = m_madeSounds.find(id);
             if (found != m_madeSounds.end()) found->second.asked += static_cast<double>(count);
         }

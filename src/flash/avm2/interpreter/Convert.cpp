@@ -30,8 +30,8 @@ std::u16string fromUtf8(std::string_view utf8)
             code = code << 6U | (next & 0x3FU);
         }
         // What is written longer than it needs to be, or lies beyond all characters, is no character.
-        constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-        good = good && code >= kLeast[length] && code <= 0x10FFFF;
+        constexpr std::uint32_t kMin[] = {0, 0, 0x80, 0x800, 0x10000};
+        good = good && code >= kMin[length] && code <= 0x10FFFF;
         if (!good) {
             text += static_cast<char16_t>(first);
             ++i;
