@@ -41,7 +41,7 @@ bar(HIGH - BAR);
 
 function glyphPlate(x, y, icon, told, run) {
   var button = plate(this, x, y, 28, 28, SLATE, 0, run);
-  button.told = say(told);
+  button.told = told;
   button.glyph = picture(button, icon, 4, 4, 20);
   return button;
 }
@@ -54,7 +54,7 @@ var isRoot = page == 1 && !hasParent;
 function goUp() { if (!isRoot) send("MEOWSEARCH", folder + ".."); }
 function chooseFolder() { send("MEOWBROWSE"); }
 
-var up = glyphPlate(EDGE, 8, "parent", "На уровень выше", goUp);
+var up = glyphPlate(EDGE, 8, "parent", say("На уровень выше"), goUp);
 if (isRoot) disable(up, up.glyph);
 setFitted(label(this, 48, 12, WIDE - 48 - 184 - 112, 22, 13, ICE), folder);
 
@@ -81,10 +81,10 @@ setFitted(status, statusText, 0);
 function turnTo(command) {
   return function() { send(command); };
 }
-var turnFirst = glyphPlate(WIDE - EDGE - 260, HIGH - BAR + 8, "first", "Первая страница", turnTo("MEOWFIRSTPAGE"));
-var turnBack = glyphPlate(WIDE - EDGE - 228, HIGH - BAR + 8, "back", "Предыдущая страница", turnTo("MEOWBACKPAGE"));
-var turnNext = glyphPlate(WIDE - EDGE - 60, HIGH - BAR + 8, "next", "Следующая страница", turnTo("MEOWNEXTPAGE"));
-var turnLast = glyphPlate(WIDE - EDGE - 28, HIGH - BAR + 8, "last", "Последняя страница", turnTo("MEOWLASTPAGE"));
+var turnFirst = glyphPlate(WIDE - EDGE - 260, HIGH - BAR + 8, "first", say("Первая страница"), turnTo("MEOWFIRSTPAGE"));
+var turnBack = glyphPlate(WIDE - EDGE - 228, HIGH - BAR + 8, "back", say("Предыдущая страница"), turnTo("MEOWBACKPAGE"));
+var turnNext = glyphPlate(WIDE - EDGE - 60, HIGH - BAR + 8, "next", say("Следующая страница"), turnTo("MEOWNEXTPAGE"));
+var turnLast = glyphPlate(WIDE - EDGE - 28, HIGH - BAR + 8, "last", say("Последняя страница"), turnTo("MEOWLASTPAGE"));
 if (page == 1) { disable(turnFirst, turnFirst.glyph); disable(turnBack, turnBack.glyph); }
 if (page == pages) { disable(turnNext, turnNext.glyph); disable(turnLast, turnLast.glyph); }
 var count = label(this, WIDE - EDGE - 198, HIGH - BAR + 13, 136, 20, 11, ICE);
