@@ -34,7 +34,7 @@ HelpWindow::HelpWindow(QWidget* parent, const QString& folder)
     m_text->document()->setDocumentMargin(kMargin);
     m_text->document()->setDefaultStyleSheet("td, th { padding: 3px 12px 3px 0; }");
     connect(m_text, &QTextBrowser::anchorClicked, this,
-            [this](const QUrl& url) { open(QFileInfo(url.path()).fileName()); });
+            [this](const QUrl& url) { load(QFileInfo(url.path()).fileName()); });
     auto* buttons = new QDialogButtonBox(this);
     QPushButton* back = buttons->addButton(texts::kHelpContents, QDialogButtonBox::ActionRole);
     back->setObjectName("cbContents");
@@ -55,10 +55,10 @@ HelpWindow::HelpWindow(QWidget* parent, const QString& folder)
 
 bool HelpWindow::showPage(const QString& name)
 {
-    return open(name + '.' + core::languageCode() + ".md") || open(name + ".ru.md");
+    return load(name + '.' + core::languageCode() + ".md") || load(name + ".ru.md");
 }
 
-bool HelpWindow::open(const QString& file)
+bool HelpWindow::load(const QString& file)
 {
     const auto bytes = base::readFile(core::filePath(m_folder + file), kMaxPageBytes);
     if (!bytes) return false;

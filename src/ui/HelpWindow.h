@@ -16,14 +16,13 @@ public:
     /// @param folder of the pages, with its separator
     HelpWindow(QWidget* parent, const QString& folder);
 
-    /// @param name of the page without the language: "help", "skins". One that is missing in the language of
-    /// the
-    ///             interface is shown in Russian.
+    /// @param name of the page without the language: "help", "skins". One that is missing in the language
+    ///             of the interface is shown in Russian.
     /// @returns false when there is no such page
     bool showPage(const QString& name);
 
 private:
-    bool open(const QString& file);
+    bool load(const QString& file);
 
     QString m_folder;
     QTextBrowser* m_text;
