@@ -4,8 +4,9 @@
     tests/mutants/run.py [--build FOLDER] [--ninja COMMAND] [--area AREA] [--only TEXT] [--list]
 
 The sources stay as they are: each fault goes into a copy of its one file, below build/mutants/, which is compiled as the
-build compiles the file and put in front of the libraries when the tests of its area are linked once more. A fault whose
-text is no longer in the file, or that does not compile, is told as stale: it must follow the code that it was taken from.
+build compiles the file (of a header, those that include it) and put in front of the libraries when the tests of its area
+are linked once more. A fault whose text is no longer in the file, or that does not compile, is told as stale: it must
+follow the code that it was taken from.
 The program ends with 1 when a fault was stale or more than four went unnoticed.
 """
 
@@ -30,7 +31,7 @@ PATIENCE_S = 300  # for one test program; a fault may also make it hang, which i
 # sound, memory, damage or size; they take minutes and look for faults of other kinds.
 QUICK_MOVIES = "Movies_language*:Movies_placement*:Movies_buttons*"
 OTHER_MOVIES = ("Movies_script4*:Movies_classes*:Movies_engine.*:Movies_engine_pictures*:Movies_text*:Movies_shapes*:"
-                "Movies_library*:Movies_player*:Movies_bitmaps*")
+                "Movies_library*:Movies_player*:Movies_bitmaps*:Movies_memory.instances")
 MOVIES = [("movie_tests", QUICK_MOVIES, "flashrun"), ("movie_tests", OTHER_MOVIES, "flashrun")]
 TESTS = {
     "avm1": [("flash_avm1_tests", "*", None), *MOVIES],
@@ -53,6 +54,18 @@ def compile_command(build, source):
     raise SystemExit(f"{source} is not part of the build in {build}")
 
 
+def compile_includers(build, header, before, compiled):
+    """@returns what makes one object of all sources that name a header, which is taken from the folder `before`"""
+    commands, objects = [], []
+    for entry in json.loads((build / "compile_commands.json").read_text()):
+        source = pathlib.Path(entry["file"])
+        if source.is_relative_to(ROOT / "src") and f'#include "{header}"' in source.read_text():
+            objects.append(f"{compiled}.{len(objects)}")
+            command = compile_command(build, source).replace(" -I", f" -I{before} -I", 1)
+            commands.append(f"{command} -w -o {objects[-1]} -c {source}")
+    return " && ".join(commands + [f"ld -r -o {compiled} {' '.join(objects)}"])
+
+
 def link_command(build, program):
     listed = subprocess.run(["ninja", "-C", str(build), "-t", "commands", "-s", path_of(program)], capture_output=True,
                             text=True, check=True)
@@ -73,11 +86,15 @@ def plan(build, folder, faults):
             continue
         own = folder / str(number)
         own.mkdir(parents=True, exist_ok=True)
-        copy, compiled = own / source.name, own / "fault.o"
+        copy, compiled = own / "faulty" / file, own / "fault.o"
         faulty = text.replace(before, after)
         if not copy.is_file() or copy.read_text() != faulty:
+            copy.parent.mkdir(parents=True, exist_ok=True)
             copy.write_text(faulty)
-        what = f"{compile_command(build, source)} -w -o {compiled} -c {copy}"
+        if source.suffix == ".h":
+            what = compile_includers(build, file, own / "faulty", compiled)
+        else:
+            what = f"{compile_command(build, source)} -w -o {compiled} -c {copy}"
         rules.append(f"build {compiled}: run {copy} {source}\n  what = {what}\n")
         for program in sorted({tested or test for test, _, tested in TESTS[area]}):
             if program not in linked:
