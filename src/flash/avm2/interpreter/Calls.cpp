@@ -67,6 +67,8 @@ Code* Vm::verified(MethodEnv& env)
     if (fault.number != 0) throwError(ErrorClass::Verify, fault.number, fromUtf8(fault.text));
     resolveTypes(*code, env);
     if ((info.flags & abc::MethodInfo::NeedActivation) != 0) makeActivation(*code, env.scope);
+    if (const VerifyFault wrong = verifyTypes(*this, env, *code, decoded); wrong.number != 0)
+        throwError(ErrorClass::Verify, wrong.number, fromUtf8(wrong.text));
     Translator(*this, decoded, *code).run();
     env.unit->codeOf(env.method) = code;
     env.code = code;

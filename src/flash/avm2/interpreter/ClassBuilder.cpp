@@ -32,6 +32,55 @@ Value initialOf(Vm& vm, Unit& unit, const abc::Trait& trait)
     return Value::null();
 }
 
+/// Whether two types, each named by a block of its own, are the same one as far as their names tell.
+bool isSameType(const Unit& a, std::uint32_t first, const Unit& b, std::uint32_t second)
+{
+    if (first == 0 || second == 0) return first == second;
+    const abc::MultinameInfo& one = a.abc().multinames[first];
+    const abc::MultinameInfo& other = b.abc().multinames[second];
+    const bool isGeneric = one.kind == abc::MultinameKind::TypeName;
+    if (isGeneric != (other.kind == abc::MultinameKind::TypeName)) return false;
+    // Generics of generics go as deep as the file says: their bases are enough.
+    if (isGeneric) return isSameType(a, one.name, b, other.name);
+    const Multiname& left = a.multiname(first);
+    const Multiname& right = b.multiname(second);
+    if (left.name != right.name) return false;
+    for (std::uint32_t i = 0; i < left.size(); ++i) {
+        if (right.contains(left.at(i))) return true;
+    }
+    return left.anyNamespace || right.anyNamespace;
+}
+
+bool hasSameSignature(const MethodEnv& own, const MethodEnv& inherited)
+{
+    const abc::MethodInfo& a = own.info();
+    const abc::MethodInfo& b = inherited.info();
+    if (a.parameterTypes.size() != b.parameterTypes.size() || a.optionals.size() != b.optionals.size() ||
+        !isSameType(*own.unit, a.returnType, *inherited.unit, b.returnType))
+        return false;
+    for (std::size_t i = 0; i < a.parameterTypes.size(); ++i) {
+        if (!isSameType(*own.unit, a.parameterTypes[i], *inherited.unit, b.parameterTypes[i])) return false;
+    }
+    return true;
+}
+
+/// Whether a method may take the place of what its class inherits under the name. Only classes of movies are
+/// judged: what the player's own have does not always have the form of a movie's.
+bool mayOverride(const Traits& traits, const Traits::Entry& known, const abc::Trait& trait,
+                 const MethodEnv& own)
+{
+    const bool isMethod = trait.kind == abc::Trait::Kind::Method;
+    if (known.source == nullptr || known.declaredBy == &traits) return true;
+    if (known.binding.kind != (isMethod ? Binding::Kind::Method : Binding::Kind::Accessor)) return false;
+    const std::int32_t id = trait.kind == abc::Trait::Kind::Setter ? known.binding.setter : known.binding.id;
+    if (id < 0) return true; // the other half of a pair
+    const MethodEnv& inherited = *traits.methods[static_cast<std::size_t>(id)];
+    if (inherited.unit == nullptr || inherited.owner == &traits) return true;
+    if ((trait.attributes & abc::Trait::Override) == 0) return false;
+    if (known.source->kind == trait.kind && (known.source->attributes & abc::Trait::Final) != 0) return false;
+    return hasSameSignature(own, inherited);
+}
+
 } // namespace
 
 Object* Vm::newObject()
@@ -111,6 +160,11 @@ void Vm::fillTraits(Traits& traits, Unit* unit, const std::vector<abc::Trait>& l
             env->role = trait.kind == abc::Trait::Kind::Method   ? MethodEnv::Role::Method
                         : trait.kind == abc::Trait::Kind::Getter ? MethodEnv::Role::Getter
                                                                  : MethodEnv::Role::Setter;
+            if (const Traits::Entry* known = traits.entry(name.name, name.single);
+                known != nullptr && !traits.isInterface && !mayOverride(traits, *known, trait, *env))
+                throwError(ErrorClass::Verify, 1053,
+                           u"Illegal override of " + std::u16string(name.name.view()) + u" in " +
+                               traits.qualifiedName() + u".");
             traits.bindMethod(name.name, name.single,
                               trait.kind == abc::Trait::Kind::Method   ? Traits::MethodKind::Method
                               : trait.kind == abc::Trait::Kind::Getter ? Traits::MethodKind::Getter
@@ -141,6 +195,14 @@ ClassObject* Vm::newClass(Unit* unit, std::uint32_t index, ClassObject* base, Sc
     if (base != nullptr && base->instances->isFinal)
         throwError(ErrorClass::Verify, 1103,
                    u"Class " + nameText(name) + u" cannot extend final base class.");
+    // The base that code hands over has to be the one that the class was declared with.
+    if (base != nullptr && base->instances->isInterface)
+        throwError(ErrorClass::Verify, 1110,
+                   u"Class " + nameText(name) + u" cannot extend " + base->instances->qualifiedName() + u".");
+    if (base != nullptr && unit->abc().multinames[info.superName].kind != abc::MultinameKind::TypeName &&
+        info.superName != 0 && unit->multiname(info.superName).name != base->instances->name)
+        throwError(ErrorClass::Verify, 1108,
+                   u"The OP_newclass opcode was used with the incorrect base class.");
     Namespace* space = name.single != nullptr ? name.single : m_public;
     auto* classTraits = m_heap.make<Traits>(name.name, space, m_classes.cls->instances);
     Traits* instanceTraits = unit->takeInstanceTraits(*this, index);
@@ -156,7 +218,12 @@ ClassObject* Vm::newClass(Unit* unit, std::uint32_t index, ClassObject* base, Sc
         }
     }
     for (const std::uint32_t interface : info.interfaces) {
-        if (Traits* type = unit->type(*this, interface)) instanceTraits->implement(*this, type);
+        Traits* type = unit->type(*this, interface);
+        if (type == nullptr) continue;
+        if (!type->isInterface)
+            throwError(ErrorClass::Verify, 1111,
+                       nameText(name) + u" cannot implement " + type->qualifiedName() + u".");
+        instanceTraits->implement(*this, type);
     }
     classTraits->protectedNs = instanceTraits->protectedNs;
     const bool isAbstract = base != nullptr && base->isAbstract;

@@ -85,6 +85,11 @@ public:
     Object* find(Vm& vm, const Multiname& name);
     /// @returns what a definition holds by now, running nothing; undefined when that is not known
     [[nodiscard]] Value madeAlready(const Multiname& name) const;
+    /// Whether a movie's code in here or above defines the name; nothing is run.
+    [[nodiscard]] bool defines(const Multiname& name) const
+    {
+        return definition(name) != nullptr || (parent != nullptr && parent->defines(name));
+    }
     /// By a dotted or qualified name: `flash.display.Sprite`, `flash.display::Sprite`, `Vector.<int>`.
     /// @returns whether there is one
     bool lookUp(Vm& vm, std::u16string_view text, Value& result);

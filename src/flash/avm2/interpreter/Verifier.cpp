@@ -34,7 +34,7 @@ public:
         const bool hasMore =
             (method.flags & (abc::MethodInfo::NeedRest | abc::MethodInfo::NeedArguments)) != 0;
         if (method.parameterTypes.size() + 1 + (hasMore ? 1 : 0) > m_code.locals)
-            return fault(1025, "An invalid register was accessed.");
+            return badRegister(m_code.locals);
         if (m_code.maxScopes > kMaxScopes) return fault(1017, "Scope stack overflow occurred.");
         if (m_body.code.empty()) return fault(1043, "Invalid code_length=0.");
         const abc::ExceptionInfo* damaged = nullptr;
@@ -48,10 +48,14 @@ public:
     }
 
 private:
-    VerifyFault fault(int number, const char* text)
+    VerifyFault fault(int number, std::string text)
     {
-        if (m_fault.number == 0) m_fault = {number, text};
+        if (m_fault.number == 0) m_fault = {number, std::move(text)};
         return m_fault;
+    }
+    VerifyFault badRegister(std::size_t index)
+    {
+        return fault(1025, "An invalid register " + std::to_string(index) + " was accessed.");
     }
 
     void reach(std::int64_t at, Decoded::State state)
@@ -69,9 +73,11 @@ private:
             known = state;
             m_pending.push_back(place);
         } else if (known.stack != state.stack) {
-            fault(1030, "Stack depth is unbalanced.");
+            fault(1030, "Stack depth is unbalanced. " + std::to_string(state.stack) +
+                            " != " + std::to_string(known.stack) + ".");
         } else if (known.scopes != state.scopes) {
-            fault(1031, "Scope depth is unbalanced.");
+            fault(1031, "Scope depth is unbalanced. " + std::to_string(state.scopes) +
+                            " != " + std::to_string(known.scopes) + ".");
         }
     }
 
@@ -158,7 +164,8 @@ private:
         case Op::getscopeobject:
             if (static_cast<std::uint32_t>(instruction.operands[0]) >=
                 static_cast<std::uint32_t>(state.scopes))
-                fault(1019, "Getscopeobject  is out of bounds.");
+                fault(1019,
+                      "Getscopeobject " + std::to_string(instruction.operands[0]) + " is out of bounds.");
             break;
         default: break;
         }
@@ -186,13 +193,15 @@ private:
         std::uint8_t parts = 0;
         for (std::size_t i = 0; i < kinds.size(); ++i) {
             const auto value = static_cast<std::uint32_t>(instruction.operands[i]);
-            const auto within = [&](std::size_t size, int number = 1032) {
-                if (value >= size) fault(number, "Cpool index is out of range.");
+            const auto within = [&](std::size_t size) {
+                if (value >= size)
+                    fault(1032, "Cpool index " + std::to_string(value) + " is out of range " +
+                                    std::to_string(size) + ".");
             };
             switch (kinds[i]) {
             case 'm': {
                 if (value >= m_abc.multinames.size()) {
-                    within(0);
+                    within(m_abc.multinames.size());
                     break;
                 }
                 const abc::MultinameInfo& info = m_abc.multinames[value];
@@ -210,11 +219,22 @@ private:
             case 'U': within(m_abc.uints.size()); break;
             case 'd': within(m_abc.doubles.size()); break;
             case 'n': within(m_abc.namespaces.size()); break;
-            case 'c': within(m_abc.classes.size(), 1060); break;
-            case 'f': within(m_abc.methods.size(), 1027); break;
-            case 'e': within(m_body.exceptions.size(), 1054); break;
+            case 'c':
+                if (value >= m_abc.classes.size())
+                    fault(1060, "ClassInfo " + std::to_string(value) +
+                                    " exceeds class_count=" + std::to_string(m_abc.classes.size()) + ".");
+                break;
+            case 'f':
+                if (value >= m_abc.methods.size())
+                    fault(1027, "Method_info " + std::to_string(value) +
+                                    " exceeds method_count=" + std::to_string(m_abc.methods.size()) + ".");
+                break;
+            case 'e':
+                if (value >= m_body.exceptions.size())
+                    fault(1054, "Illegal range or target offsets in exception handler.");
+                break;
             case 'l':
-                if (value >= m_code.locals) fault(1025, "An invalid register was accessed.");
+                if (value >= m_code.locals) badRegister(value);
                 break;
             case 'a':
                 if (value > m_body.maxStack) fault(1024, "Stack underflow occurred.");
@@ -223,11 +243,9 @@ private:
             }
         }
         const auto op = static_cast<Op>(instruction.op);
-        if ((op >= Op::getlocal_0 && op <= Op::getlocal_3 &&
-             static_cast<std::uint32_t>(instruction.op) - 0xD0U >= m_code.locals) ||
-            (op >= Op::setlocal_0 && op <= Op::setlocal_3 &&
-             static_cast<std::uint32_t>(instruction.op) - 0xD4U >= m_code.locals))
-            fault(1025, "An invalid register was accessed.");
+        // Those that have their register's number, 0 to 3, in themselves.
+        if (op >= Op::getlocal_0 && op <= Op::setlocal_3 && (instruction.op & 3U) >= m_code.locals)
+            badRegister(instruction.op & 3U);
         return parts;
     }
 

@@ -31,4 +31,8 @@ struct Decoded {
 /// @param decoded receives what is to be translated; of no use when there is a fault
 VerifyFault verify(Unit& unit, std::uint32_t body, Code& code, Decoded& decoded);
 
+/// Checks the values that the code handles, once the types of its frame are known: what meets where ways
+/// join, slots and methods that are named by number, classes that nobody defines.
+VerifyFault verifyTypes(Vm& vm, const MethodEnv& env, const Code& code, const Decoded& decoded);
+
 } // namespace flash::avm2
