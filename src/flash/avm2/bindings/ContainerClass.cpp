@@ -38,10 +38,11 @@ void checkChild(Call& call, DisplayObject& parent, const DisplayObject& child)
                            "The supplied DisplayObject must be a child of the caller.");
 }
 
-std::size_t indexArg(Call& call, std::uint32_t i, std::size_t size)
+/// The place of a child. Asking for the number may run script, which may change the list.
+std::size_t indexArg(Call& call, std::uint32_t i, const DisplayObject& parent)
 {
     const std::int32_t index = call.vm.toInt(call.arg(i));
-    if (index < 0 || static_cast<std::size_t>(index) >= size) outOfBounds(call);
+    if (index < 0 || static_cast<std::size_t>(index) >= parent.children.size()) outOfBounds(call);
     return static_cast<std::size_t>(index);
 }
 
@@ -100,17 +101,17 @@ Value removeChild(Call& call)
 Value removeChildAt(Call& call)
 {
     auto& parent = displaySelf(call);
-    DisplayObject* child = parent.children[indexArg(call, 0, parent.children.size())];
+    const std::size_t index = indexArg(call, 0, parent);
+    DisplayObject* child = parent.children[index];
     Player::of(call.vm).removeChild(parent, *child);
     return Value(child);
 }
 Value removeChildren(Call& call)
 {
     auto& parent = displaySelf(call);
-    const auto size = static_cast<std::int32_t>(parent.children.size());
     const std::int32_t from = call.vm.toInt(call.arg(0));
     std::int32_t to = call.has(1) ? call.vm.toInt(call.arg(1)) : 0x7FFF'FFFF;
-    if (!call.has(1)) to = 0x7FFF'FFFF;
+    const auto size = static_cast<std::int32_t>(parent.children.size());
     if (to == 0x7FFF'FFFF) {
         to = size - 1;
         if (from >= size) return {};
@@ -124,7 +125,9 @@ Value removeChildren(Call& call)
 Value contains(Call& call) { return displaySelf(call).contains(displayArg(call, 0)); }
 Value getChildAt(Call& call)
 {
-    return childValue(displaySelf(call).children[indexArg(call, 0, displaySelf(call).children.size())]);
+    const auto& parent = displaySelf(call);
+    const std::size_t index = indexArg(call, 0, parent);
+    return childValue(parent.children[index]);
 }
 Value getChildByName(Call& call)
 {
@@ -146,7 +149,8 @@ Value setChildIndex(Call& call)
     auto& parent = displaySelf(call);
     auto& child = displayArg(call, 0);
     checkChild(call, parent, child);
-    const std::size_t index = indexArg(call, 1, parent.children.size());
+    const std::size_t index = indexArg(call, 1, parent);
+    checkChild(call, parent, child);
     child.depth = 0;
     parent.moveChild(child, index);
     return {};
@@ -164,8 +168,8 @@ Value swapChildren(Call& call)
 Value swapChildrenAt(Call& call)
 {
     auto& parent = displaySelf(call);
-    const std::size_t a = indexArg(call, 0, parent.children.size()),
-                      b = indexArg(call, 1, parent.children.size());
+    const std::size_t a = indexArg(call, 0, parent), b = indexArg(call, 1, parent);
+    if (a >= parent.children.size()) outOfBounds(call);
     swapPlaces(parent, *parent.children[a], *parent.children[b]);
     return {};
 }

@@ -153,8 +153,10 @@ Value splice(Call& call)
 {
     auto& array = self(call);
     if (call.count == 0) return {};
-    const auto from = static_cast<std::uint32_t>(clampIndex(call.vm.toNumber(call.arg(0)), array.length()));
+    // Asking arguments for their numbers may run script, which may change the length.
+    const double start = call.vm.toNumber(call.arg(0));
     const double wanted = call.has(1) ? call.vm.toNumber(call.arg(1)) : array.length();
+    const auto from = static_cast<std::uint32_t>(clampIndex(start, array.length()));
     array.makeDense(call.vm);
     if (array.items.size() < array.length()) return {};
     const auto count = static_cast<std::uint32_t>(std::clamp(

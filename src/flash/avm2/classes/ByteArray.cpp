@@ -210,9 +210,9 @@ Value writeBytes(Call& call)
 {
     auto* source = as<ByteArrayObject>(call.arg(0));
     if (source == nullptr) call.vm.throwError(ErrorClass::Type, 2007, "Parameter bytes must be non-null.");
-    const std::size_t offset =
-        std::min<std::size_t>(call.has(1) ? call.vm.toUint(call.arg(1)) : 0, source->content.size());
+    const std::size_t from = call.has(1) ? call.vm.toUint(call.arg(1)) : 0;
     std::size_t count = call.has(2) ? call.vm.toUint(call.arg(2)) : 0;
+    const std::size_t offset = std::min(from, source->content.size());
     if (count == 0) count = source->content.size() - offset;
     if (count > source->content.size() - offset)
         call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");

@@ -225,8 +225,8 @@ Value indexOf(Call& call)
 Value lastIndexOf(Call& call)
 {
     auto& vector = self(call);
-    const auto size = static_cast<double>(vector.items.size());
     double from = call.has(1) ? call.vm.toNumber(call.arg(1)) : 2147483647.0;
+    const auto size = static_cast<double>(vector.items.size());
     if (from < 0) from += size;
     for (double i = std::min(std::trunc(from), size - 1.0); i >= 0; --i) {
         if (call.vm.strictEquals(vector.items[static_cast<std::size_t>(i)], call.arg(0))) return i;
@@ -310,10 +310,11 @@ Value sort(Call& call)
 Value insertAt(Call& call)
 {
     auto& vector = self(call);
-    const auto size = static_cast<double>(vector.items.size());
+    // Conversions may run script, which may change the length.
+    double at = call.vm.toInt(call.arg(0));
     const Value value = call.vm.coerce(call.arg(1), vector.elementType());
     needsChangeable(call, vector);
-    double at = call.vm.toInt(call.arg(0));
+    const auto size = static_cast<double>(vector.items.size());
     if (at < 0) at = std::max(0.0, at + size);
     if (at > size) vector.outOfRange(call.vm, at);
     vector.items.insert(vector.items.begin() + static_cast<std::ptrdiff_t>(at), value);
@@ -323,9 +324,9 @@ Value insertAt(Call& call)
 Value removeAt(Call& call)
 {
     auto& vector = self(call);
+    const double given = call.vm.toInt(call.arg(0));
     needsChangeable(call, vector);
     const auto size = static_cast<double>(vector.items.size());
-    const double given = call.vm.toInt(call.arg(0));
     const double at = given < 0 ? std::max(0.0, given + size) : given;
     if (at >= size) vector.outOfRange(call.vm, given);
     const Value removed = vector.items[static_cast<std::size_t>(at)];
