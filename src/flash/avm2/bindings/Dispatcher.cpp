@@ -46,7 +46,17 @@ bool DispatcherObject::dropGoneListeners()
 void DispatcherObject::listen(Vm& vm, Name type, Value function, bool capture, std::int32_t priority,
                               Hold hold)
 {
-    unlisten(vm, type, function, capture);
+    if (const auto found = m_listeners.find(type.cell()); found != m_listeners.end()) {
+        const auto known = std::ranges::find_if(found->second, [&](const Listener& other) {
+            return other.isCapture == capture && other.calls(vm, function);
+        });
+        if (known != found->second.end()) {
+            // It keeps its place, whatever the priority is now; what is asked for as held is held.
+            if (hold == Hold::Strong && known->isWeak)
+                *known = {function, known->priority, capture, false, nullptr, {}};
+            return;
+        }
+    }
     if (!m_listeners.contains(type.cell())) m_types.push_back(type);
     List& list = m_listeners[type.cell()];
     const auto place =
