@@ -89,7 +89,10 @@ void FunctionCompiler::setTarget(const Target& target, bool wanted)
         m_code.op(Op::dup);
         m_code.setLocal(reg);
     }
-    m_code.op(target.isSuper ? Op::setsuper : Op::setproperty, target.name.name, target.name.parts);
+    m_code.op(target.isSuper    ? Op::setsuper
+              : target.isFilled ? Op::initproperty
+                                : Op::setproperty,
+              target.name.name, target.name.parts);
     if (!wanted) return;
     m_code.getLocal(reg);
     release(reg);
@@ -159,6 +162,10 @@ TypePtr FunctionCompiler::assignMember(const Expr* expr, bool wanted)
             if (member != nullptr) simple.name = {memberQName(*member, target->text), 0, member->type, false};
         }
         if (member == nullptr) simple.name = identifier(target, base, true);
+        if (isPlain && target->a->kind == ExprKind::This && m_context.cls != nullptr) {
+            member = m_program.findMember(m_context.cls, target->text, false, open(), Member::Kind::Setter);
+            simple.isFilled = member != nullptr && isFilledHere(*member);
+        }
         type = simple.name.type;
     }
     if (target->kind == ExprKind::Descendants)

@@ -84,6 +84,7 @@ private:
         const Definition* definition = nullptr;
         bool isVariable = false;  ///< of a function around this one
         TypePtr result = nullptr; ///< of a method
+        bool isFilled = false;    ///< a constant of the object under construction
     };
     /// Where break and continue lead, and what must be done on the way.
     struct Enclosing {
@@ -213,8 +214,13 @@ private:
     struct Target {
         MemberName name;
         std::uint32_t object = 0, parts[2] = {0, 0};
-        bool isSuper = false;
+        bool isSuper = false, isFilled = false; ///< as of a place
     };
+    /// Whether a member is a constant that still gets its value: in the constructor, and nowhere else.
+    [[nodiscard]] bool isFilledHere(const Member& member) const
+    {
+        return m_kind == Kind::Constructor && member.kind == Member::Kind::Constant;
+    }
     Target openTarget(const Expr* target);
     void pushTarget(const Target& target);
     TypePtr getTarget(const Target& target);

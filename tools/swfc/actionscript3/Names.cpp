@@ -106,6 +106,7 @@ FunctionCompiler::Place FunctionCompiler::resolve(const std::string& name)
             place.name = memberQName(*member, name);
             place.type = member->kind == Member::Kind::Method ? m_program.types().function : member->type;
             place.result = member->kind == Member::Kind::Method ? member->type : nullptr;
+            place.isFilled = place.kind == Place::Kind::Member && isFilledHere(*member);
             place.isKnown = true;
             return place;
         }
@@ -173,7 +174,7 @@ void FunctionCompiler::endStore(const Place& place, bool wanted)
     if (place.kind == Place::Kind::Slot)
         m_code.op(Op::setslot, place.number);
     else
-        m_code.op(Op::setproperty, place.name);
+        m_code.op(place.isFilled ? Op::initproperty : Op::setproperty, place.name);
     if (!wanted) return;
     m_code.getLocal(reg);
     release(reg);
