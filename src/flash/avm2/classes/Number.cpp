@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <limits>
 #include <numbers>
 
 namespace flash::avm2::classes
@@ -52,7 +55,7 @@ Value valueOf(Call& call) { return selfNumber(call, "Number.prototype.valueOf");
 /// The player's own way: rounded as decimal text, "e+21" from 1e21 on.
 std::string printed(const char* format, int digits, double number)
 {
-    std::array<char, 512> text{};
+    std::array<char, 1200> text{};
     std::snprintf(text.data(), text.size(), format, digits, number);
     return text.data();
 }
@@ -65,6 +68,42 @@ std::string exponentTrimmed(std::string text)
     std::size_t digit = at + 2;
     while (digit + 1 < text.size() && text[digit] == '0') text.erase(digit, 1);
     return text;
+}
+
+/// As toExponential() writes: what does not fit is cut off, not rounded; an exponent of zero is left out, and
+/// zero itself has the exponent at which the player gives up looking for its first digit.
+std::string truncatedScientific(double number, int digits)
+{
+    if (number == 0)
+        return digits == 0 ? "1e-15" : "0." + std::string(static_cast<std::size_t>(digits), '0') + "e-16";
+    // Every digit of the number: a double has no more than 767.
+    std::string text = printed("%.*e", 780, number);
+    const auto point = text.find('.');
+    const auto mark = text.find('e');
+    std::string exponent = text.substr(mark);
+    text.resize(digits == 0 ? point : point + 1 + static_cast<std::size_t>(digits));
+    if (exponent == "e+00") exponent.clear();
+    return exponentTrimmed(text + exponent);
+}
+
+/// The whole number nearest to one of at least 1, with zeros for the digits that do not tell it from others.
+std::string wholeDigits(double number)
+{
+    std::array<char, 400> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), std::round(number),
+                                   std::chars_format::scientific)
+                         .ptr;
+    std::string digits;
+    int exponent = 0;
+    for (const char* at = text.data(); at < end; ++at) {
+        if (*at == 'e') {
+            exponent = std::atoi(at + 1);
+            break;
+        }
+        if (*at >= '0' && *at <= '9') digits += *at;
+    }
+    digits.resize(std::max<std::size_t>(digits.size(), static_cast<std::size_t>(exponent) + 1), '0');
+    return number < 0 ? "-" + digits : digits;
 }
 
 bool notFinite(double number, std::u16string& text)
@@ -84,9 +123,18 @@ Value toFixed(Call& call)
             "Number.toPrecision has a range of 1 to 21. Number.toFixed and Number.toExponential have a range "
             "of 0 to 20. Specified value is not within expected range.");
     std::u16string text;
-    if (!notFinite(number, text))
-        text = std::fabs(number) >= 1e21 ? numberText(number)
-                                         : widen(printed("%.*f", digits, number == 0 ? 0 : number));
+    if (!notFinite(number, text)) {
+        // Of no digits after the point the player shows no more before it than tell the number from others.
+        if (digits == 0 && std::fabs(number) >= 1) {
+            text = widen(wholeDigits(number));
+        } else {
+            // What lies half-way, and only an odd number of halves of the last binary place does, goes away
+            // from zero.
+            const bool isHalfWay = std::fabs(std::fmod(std::ldexp(number, digits + 1), 2)) == 1;
+            const double away = std::copysign(std::numeric_limits<double>::infinity(), number);
+            text = widen(printed("%.*f", digits, isHalfWay ? std::nextafter(number, away) : number + 0.0));
+        }
+    }
     return call.vm.string(std::move(text));
 }
 
@@ -100,7 +148,7 @@ Value toExponential(Call& call)
             "Number.toPrecision has a range of 1 to 21. Number.toFixed and Number.toExponential have a range "
             "of 0 to 20. Specified value is not within expected range.");
     std::u16string text;
-    if (!notFinite(number, text)) text = widen(exponentTrimmed(printed("%.*e", digits, number)));
+    if (!notFinite(number, text)) text = widen(truncatedScientific(number, digits));
     return call.vm.string(std::move(text));
 }
 
@@ -117,8 +165,9 @@ Value toPrecision(Call& call)
     if (notFinite(number, text)) return call.vm.string(std::move(text));
     const std::string scientific = printed("%.*e", digits - 1, number);
     const int exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
-    if (exponent < -6 || exponent >= digits)
-        return call.vm.string(std::string_view(exponentTrimmed(scientific)));
+    if (number == 0) return call.vm.string(std::string_view(printed("%.*f", digits, 0)));
+    // However small the number is, it has its zeros written out.
+    if (exponent >= digits) return call.vm.string(std::string_view(exponentTrimmed(scientific)));
     return call.vm.string(std::string_view(printed("%.*f", std::max(0, digits - 1 - exponent), number)));
 }
 

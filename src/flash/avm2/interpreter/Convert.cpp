@@ -102,7 +102,7 @@ std::u16string numberText(double number)
         else
             text += mantissa.substr(0, static_cast<std::size_t>(exponent) + 1) + "." +
                     mantissa.substr(static_cast<std::size_t>(exponent) + 1);
-    } else if (exponent < 0 && exponent >= -7) {
+    } else if (exponent < 0 && exponent >= -6) {
         text += "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + mantissa;
     } else {
         text += mantissa.substr(0, 1);
