@@ -160,7 +160,13 @@ Value unescape(Call& call)
     return call.vm.string(std::move(result));
 }
 
-Value encode(Call& call, std::string_view kept)
+[[noreturn]] void throwInvalidUri(Call& call, std::string_view function)
+{
+    call.vm.throwError(ErrorClass::Uri, 1052,
+                       "Invalid URI passed to " + std::string(function) + " function.");
+}
+
+Value encode(Call& call, std::string_view function, std::string_view kept)
 {
     const std::u16string_view text = textGiven(call);
     std::u16string result;
@@ -172,8 +178,7 @@ Value encode(Call& call, std::string_view kept)
         }
         const bool isPair = unit >= 0xD800 && unit < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
                             text[i + 1] < 0xE000;
-        if (unit >= 0xD800 && unit < 0xE000 && !isPair)
-            call.vm.throwError(ErrorClass::Uri, 1052, "Invalid URI passed to encodeURI function.");
+        if (unit >= 0xD800 && unit < 0xE000 && !isPair) throwInvalidUri(call, function);
         for (const char byte : toUtf8(text.substr(i, isPair ? 2 : 1))) {
             result += u'%';
             appendHex(result, static_cast<unsigned char>(byte), 2);
@@ -183,40 +188,48 @@ Value encode(Call& call, std::string_view kept)
     return call.vm.string(std::move(result));
 }
 
-Value encodeUri(Call& call) { return encode(call, ";/?:@&=+$,#-_.!~*'()"); }
-Value encodeUriComponent(Call& call) { return encode(call, "-_.!~*'()"); }
+Value encodeUri(Call& call) { return encode(call, "encodeURI", ";/?:@&=+$,#-_.!~*'()"); }
+Value encodeUriComponent(Call& call) { return encode(call, "encodeURIComponent", "-_.!~*'()"); }
 
-Value decode(Call& call, std::string_view kept)
+/// @returns how many bytes of UTF-8 a character has that begins with this one, or 0 when none does
+std::size_t lengthInUtf8(unsigned char lead)
+{
+    if (lead < 0x80) return 1;
+    if (lead >= 0xC2 && lead < 0xE0) return 2;
+    if (lead >= 0xE0 && lead < 0xF0) return 3;
+    return lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+}
+
+Value decode(Call& call, std::string_view function, std::string_view kept)
 {
     const std::u16string text(textGiven(call));
     std::u16string result;
-    std::string bytes;
-    const auto flush = [&] {
-        result += fromUtf8(bytes);
-        bytes.clear();
-    };
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] != u'%') {
-            flush();
             result += text[i];
             continue;
         }
-        const int value = hexAt(text, i + 1, 2);
-        if (value < 0) call.vm.throwError(ErrorClass::Uri, 1052, "Invalid URI passed to decodeURI function.");
-        if (oneOf(static_cast<char16_t>(value), kept)) {
-            flush();
-            result += text.substr(i, 3);
-        } else {
+        const std::size_t start = i;
+        std::string bytes;
+        // A character is as many coded bytes as its first one says.
+        for (std::size_t wanted = 1; bytes.size() < wanted; i += 3) {
+            const int value = i < text.size() && text[i] == u'%' ? hexAt(text, i + 1, 2) : -1;
+            if (value < 0 || (!bytes.empty() && (value & 0xC0) != 0x80)) throwInvalidUri(call, function);
             bytes += static_cast<char>(value);
+            if (bytes.size() == 1) wanted = lengthInUtf8(static_cast<unsigned char>(value));
+            if (wanted == 0) throwInvalidUri(call, function);
         }
-        i += 2;
+        --i;
+        if (bytes.size() == 1 && oneOf(static_cast<char16_t>(bytes[0]), kept))
+            result += text.substr(start, 3);
+        else
+            result += fromUtf8(bytes);
     }
-    flush();
     return call.vm.string(std::move(result));
 }
 
-Value decodeUri(Call& call) { return decode(call, ";/?:@&=+$,#"); }
-Value decodeUriComponent(Call& call) { return decode(call, ""); }
+Value decodeUri(Call& call) { return decode(call, "decodeURI", ";/?:@&=+$,#"); }
+Value decodeUriComponent(Call& call) { return decode(call, "decodeURIComponent", ""); }
 
 constexpr NativeFunctionInfo kFunctions[] = {
     {"", "trace", &trace},

@@ -314,10 +314,8 @@ Value Vm::callProperty(Value base, const Multiname& given, std::span<const Value
 Value Vm::constructProperty(Value base, const Multiname& name, std::span<const Value> args)
 {
     const Value constructor = get(base, name);
-    if (!constructor.isObject() || !constructor.object()->isCallable()) {
-        if (constructor.isNullish()) throwNull(constructor);
+    if (!constructor.isObject() || !constructor.object()->isCallable())
         throwError(ErrorClass::Type, 1007, "Instantiation attempted on a non-constructor.");
-    }
     return construct(constructor, args);
 }
 

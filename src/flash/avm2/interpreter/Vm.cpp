@@ -203,18 +203,15 @@ Value Vm::call(Value function, Value self, std::span<const Value> args)
 {
     Object* object = function.asObject();
     if (object == nullptr || !object->isCallable())
-        throwError(ErrorClass::Type, 1006,
-                   function.isNullish() ? "value is not a function." : "value is not a function.");
+        throwError(ErrorClass::Type, 1006, "value is not a function.");
     return object->call(*this, self, args);
 }
 
 Value Vm::construct(Value constructor, std::span<const Value> args)
 {
     Object* object = constructor.asObject();
-    if (object == nullptr) {
-        traitsOf(constructor);
+    if (object == nullptr)
         throwError(ErrorClass::Type, 1007, "Instantiation attempted on a non-constructor.");
-    }
     return object->construct(*this, args);
 }
 

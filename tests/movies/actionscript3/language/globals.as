@@ -13,3 +13,8 @@ trace(escape("a b&c"), unescape("%41%20b"), encodeURIComponent("ж &"), decodeUR
 try { kFixed = "other"; } catch (e:ReferenceError) { trace(e.errorID); }
 try { trace(missing); } catch (e:ReferenceError) { trace(e.errorID); }
 trace(this);
+for each (var bad:String in ["%", "%4", "%E4", "%C0%80", "%D0%41", "%D0", "\uD800"]) {
+    try { trace(bad.charAt(0) == "%" ? decodeURIComponent(bad) : encodeURI(bad)); } catch (e:URIError) { trace(e.message); }
+}
+trace(decodeURI("%2F%41%D1%8F%F0%9F%98%80").length);
+try { var nothing:*; new nothing(); } catch (e:TypeError) { trace(e.errorID); }
