@@ -16,15 +16,15 @@ namespace flash::avm2
 std::span<const NativeLibrary> bindingsLibrary()
 {
     static const std::array kLibraries = {
-        NativeLibrary{recordClasses(), {}},
-        NativeLibrary{eventClasses(), {}},
+        NativeLibrary{recordClasses(), {}, mediaSignatures()},
+        NativeLibrary{eventClasses(), {}, eventsSignatures()},
         NativeLibrary{eventKindClasses(), {}},
         NativeLibrary{geometryClasses(), {}},
         NativeLibrary{matrixClasses(), {}},
         NativeLibrary{vector3DClasses(), {}},
         NativeLibrary{matrix3DClasses(), {}},
         NativeLibrary{transformClasses(), {}},
-        NativeLibrary{displayClasses(), {}},
+        NativeLibrary{displayClasses(), {}, displaySignatures()},
         NativeLibrary{spriteClasses(), {}},
         NativeLibrary{containerClasses(), {}},
         NativeLibrary{clipClasses(), {}},

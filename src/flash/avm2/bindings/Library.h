@@ -20,6 +20,10 @@ std::span<const NativeClass> loaderInfoClasses();
 std::span<const NativeClass> buttonClasses();
 std::span<const NativeClass> recordClasses();
 
+std::string_view displaySignatures();
+std::string_view eventsSignatures();
+std::string_view mediaSignatures(); ///< and all that is neither of these nor the language's own
+
 NativeLibrary timerLibrary();
 NativeLibrary systemLibrary();    ///< flash.system and what reports on the machine
 NativeLibrary interfaceLibrary(); ///< flash.ui, flash.accessibility, flash.external, flash.printing

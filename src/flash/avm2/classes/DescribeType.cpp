@@ -25,6 +25,59 @@ std::u16string attribute(std::u16string_view name, std::u16string_view value)
 
 std::u16string flag(bool value) { return value ? u"true" : u"false"; }
 
+std::u16string parameters(Vm& vm, const Signature& signature)
+{
+    std::u16string text;
+    for (std::size_t i = 0; i < signature.parameters.size(); ++i) {
+        text += u"<parameter" + attribute(u"index", numberText(static_cast<double>(i) + 1)) +
+                attribute(u"type", vm.signatureType(signature.parameters[i].type)) +
+                attribute(u"optional", flag(signature.parameters[i].isOptional)) + u"/>";
+    }
+    return text;
+}
+
+const Signatures::Class* signaturesOf(Vm& vm, const Traits& traits)
+{
+    return vm.signatures().of(toUtf8(traits.qualifiedName()));
+}
+
+/// What is told of a member of a built-in class; null where there is nothing.
+const Signature* signatureOf(Vm& vm, const Traits::Entry& entry)
+{
+    if (entry.source != nullptr || entry.declaredBy == nullptr) return nullptr;
+    const Traits& owner = *entry.declaredBy;
+    const bool isStatic = owner.cls == nullptr && owner.base == vm.classes().cls->instances;
+    const Signatures::Class* told = signaturesOf(vm, owner);
+    return told == nullptr ? nullptr : told->find(toUtf8(entry.name.view()), isStatic);
+}
+
+std::u16string accessor(std::u16string_view name, bool reads, bool writes, std::u16string_view type,
+                        std::u16string_view rest)
+{
+    return u"<accessor" + std::u16string(name) +
+           attribute(u"access", reads && writes ? u"readwrite"
+                                : reads         ? u"readonly"
+                                                : u"writeonly") +
+           attribute(u"type", type) + std::u16string(rest);
+}
+
+/// A member of a built-in class, as its signature has it: how it is kept here is nobody's business.
+std::u16string member(Vm& vm, const Signature& known, std::u16string_view name, std::u16string_view declared)
+{
+    const std::u16string type = vm.signatureType(known.type);
+    switch (known.kind) {
+    case Signature::Kind::Accessor:
+        return accessor(name, known.canRead, known.canWrite, type, std::u16string(declared) + u"/>");
+    case Signature::Kind::Variable:
+        return u"<variable" + std::u16string(name) + attribute(u"type", type) + u"/>";
+    case Signature::Kind::Method:
+        return u"<method" + std::u16string(name) + std::u16string(declared) + attribute(u"returnType", type) +
+               u">" + parameters(vm, known) + u"</method>";
+    case Signature::Kind::Constructor: break;
+    }
+    return {};
+}
+
 std::u16string parameters(Vm& vm, const MethodEnv& method)
 {
     std::u16string text;
@@ -61,6 +114,9 @@ std::u16string member(Vm& vm, const Traits& traits, const Traits::Entry& entry)
     const std::u16string name = attribute(u"name", entry.name.view());
     const std::u16string declared =
         attribute(u"declaredBy", entry.declaredBy != nullptr ? entry.declaredBy->qualifiedName() : u"");
+    if (const Signature* known = signatureOf(vm, entry);
+        known != nullptr && entry.binding.kind != Binding::Kind::Const)
+        return member(vm, *known, name, declared);
     const std::u16string metadata = metadataOf(entry);
     const auto method = [&](std::int32_t id) -> const MethodEnv& {
         return *traits.methods[static_cast<std::size_t>(id)];
@@ -90,11 +146,7 @@ std::u16string member(Vm& vm, const Traits& traits, const Traits::Entry& entry)
             const auto& types = method(entry.binding.setter).info().parameterTypes;
             if (!types.empty()) type = typeText(vm, method(entry.binding.setter).unit, types[0]);
         }
-        return u"<accessor" + name +
-               attribute(u"access", reads && writes ? u"readwrite"
-                                    : reads         ? u"readonly"
-                                                    : u"writeonly") +
-               attribute(u"type", type) + declared + uri + u">" + metadata + u"</accessor>";
+        return accessor(name, reads, writes, type, declared + uri + u">" + metadata + u"</accessor>");
     }
     case Binding::Kind::Method: {
         const MethodEnv& own = method(entry.binding.id);
@@ -124,7 +176,11 @@ std::u16string bodyOf(Vm& vm, const Traits& traits)
     for (const Traits* interface : traits.interfaces)
         text += u"<implementsInterface" + attribute(u"type", interface->qualifiedName()) + u"/>";
     if (traits.cls != nullptr && traits.cls->constructor != nullptr) {
-        const std::u16string list = parameters(vm, *traits.cls->constructor);
+        const Signatures::Class* told =
+            traits.cls->constructor->unit == nullptr ? signaturesOf(vm, traits) : nullptr;
+        const Signature* known = told != nullptr ? told->constructor() : nullptr;
+        const std::u16string list =
+            known != nullptr ? parameters(vm, *known) : parameters(vm, *traits.cls->constructor);
         if (!list.empty()) text += u"<constructor>" + list + u"</constructor>";
     }
     std::set<std::pair<const Atom*, std::int32_t>> seen;
@@ -136,6 +192,14 @@ std::u16string bodyOf(Vm& vm, const Traits& traits)
         if ((entry.ns->isPublic() || (hasUri && isOwn)) &&
             seen.emplace(entry.name.cell(), entry.binding.id).second)
             text += member(vm, traits, entry);
+    }
+    // Interfaces of the player have no bodies that would be bound to anything.
+    if (traits.isInterface && traits.entries().empty()) {
+        if (const Signatures::Class* told = signaturesOf(vm, traits)) {
+            for (const Signature& one : told->members)
+                text += member(vm, one, attribute(u"name", fromUtf8(one.name)),
+                               attribute(u"declaredBy", traits.qualifiedName()));
+        }
     }
     return text;
 }

@@ -17,6 +17,8 @@ std::span<const NativeFunctionInfo> topLevelFunctions();
 std::span<const NativeClass> utilityClasses();
 std::span<const NativeFunctionInfo> utilityFunctions();
 
+std::string_view signatures(); ///< of these, and of flash.xml
+
 /// All of it, for the machine's constructor.
 std::span<const NativeLibrary> library();
 

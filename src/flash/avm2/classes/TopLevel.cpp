@@ -257,7 +257,8 @@ std::span<const NativeLibrary> library()
                                        kNamespace, kQName, kDate,     kJson,  kByteArray, kDictionary,
                                        kProxy,     kXml,   kXmlList};
     static const std::array<NativeLibrary, 3> kLibraries = {
-        NativeLibrary{kOwn, topLevelFunctions()}, NativeLibrary{errorClasses(), utilityFunctions()},
+        NativeLibrary{kOwn, topLevelFunctions(), signatures()},
+        NativeLibrary{errorClasses(), utilityFunctions()},
         NativeLibrary{utilityClasses(), describeFunctions()}};
     return kLibraries;
 }

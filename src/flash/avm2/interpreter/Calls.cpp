@@ -126,6 +126,7 @@ Value Vm::enter(MethodEnv& env, Value* window, std::uint32_t count, Object* call
     if (static_cast<int>(count) < env.minArguments ||
         (env.maxArguments >= 0 && static_cast<int>(count) > env.maxArguments))
         wrongCount(env.minArguments, count);
+    if (env.signature != nullptr) convertArguments(env, {window + 1, count});
     Call call{*this, window[0], window + 1, count, callee};
     return env.native(call);
 }

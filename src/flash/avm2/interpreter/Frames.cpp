@@ -127,6 +127,7 @@ bool Interpreter::beginOther(MethodEnv& env, Value* window, std::uint32_t count,
         if (static_cast<int>(count) < env.minArguments ||
             (env.maxArguments >= 0 && static_cast<int>(count) > env.maxArguments))
             vm.wrongCount(env.minArguments, count);
+        if (env.signature != nullptr) vm.convertArguments(env, {window + 1, count});
         Call call{vm, window[0], window + 1, count, callee};
         const Value value = env.native(call);
         vm.m_calls.pop_back();

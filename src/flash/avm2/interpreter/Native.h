@@ -60,6 +60,8 @@ struct NativeFunctionInfo {
 struct NativeLibrary {
     std::span<const NativeClass> classes;
     std::span<const NativeFunctionInfo> functions;
+    std::string_view signatures =
+        {}; ///< what classes take and give, see Signatures.h; of other libraries', too
 };
 
 } // namespace flash::avm2

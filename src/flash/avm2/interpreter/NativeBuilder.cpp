@@ -56,6 +56,84 @@ void Vm::bindSlot(Traits& traits, std::string_view text)
     traits.bind(name(text.substr(0, colon)), m_public, {Binding::Kind::Slot, slot, -1});
 }
 
+/// Has a native called as its signature says.
+void Vm::sign(MethodEnv& env, const Signature& signature)
+{
+    // The language's own are not so strict: what their tables say is what they take.
+    const bool isOwn = env.owner->ns == m_public;
+    const bool isCalled = env.role == MethodEnv::Role::Method || env.role == MethodEnv::Role::Constructor;
+    if (isCalled && !isOwn) {
+        env.minArguments = static_cast<std::int16_t>(signature.required());
+        env.maxArguments = signature.takesMore ? -1 : static_cast<std::int16_t>(signature.parameters.size());
+    }
+    const auto isClass = [](std::string_view type) {
+        constexpr std::string_view kConverted[] = {"",       "*",       "int",    "uint", "Number",
+                                                   "String", "Boolean", "Object", "void"};
+        return std::ranges::find(kConverted, type) == std::end(kConverted);
+    };
+    const bool hasClasses =
+        isCalled ? std::ranges::any_of(signature.parameters, isClass, &Signature::Parameter::type)
+                 : env.role == MethodEnv::Role::Setter && isClass(signature.type);
+    if (hasClasses && !isOwn) env.signature = &signature;
+}
+
+Traits* Vm::signatureTraits(std::string_view type)
+{
+    constexpr std::string_view kVector = "Vector<";
+    if (type.starts_with(kVector)) {
+        const std::string_view element = type.substr(kVector.size(), type.size() - kVector.size() - 1);
+        Traits* of = signatureTraits(element);
+        return of == nullptr && element != "*" ? nullptr : vectorOf(of)->instances;
+    }
+    std::string_view full = m_signatures.qualified(type);
+    std::string known;
+    if (full.empty()) {
+        const auto found = std::ranges::find_if(
+            m_nativeClasses, [&](const auto& entry) { return entry.first.second == type; });
+        if (found == m_nativeClasses.end()) return nullptr;
+        known =
+            std::string(found->first.first) + (found->first.first.empty() ? "" : "::") + std::string(type);
+        full = known;
+    }
+    const ClassObject* cls = nativeClass(full);
+    return cls == nullptr ? nullptr : cls->instances;
+}
+
+std::u16string Vm::signatureType(std::string_view type)
+{
+    if (type.empty() || type == "*") return u"*";
+    if (type == "void") return u"void";
+    if (const Traits* traits = signatureTraits(type)) return traits->qualifiedName();
+    const std::string_view full = m_signatures.qualified(type);
+    return fromUtf8(full.empty() ? type : full);
+}
+
+void Vm::convertArguments(MethodEnv& env, std::span<Value> args)
+{
+    if (env.argumentTypes == nullptr) {
+        const auto [found, isNew] = m_argumentTypes.try_emplace(env.signature);
+        if (isNew) {
+            // Making a class makes its methods: what the list is for is not asked for again meanwhile.
+            std::vector<Traits*> types;
+            const auto take = [&](std::string_view type) {
+                Traits* traits = type == "Object" ? nullptr : signatureTraits(type);
+                const bool isConverted = traits == nullptr || traits->special != Traits::Special::None;
+                types.push_back(isConverted ? nullptr : traits);
+            };
+            if (env.role == MethodEnv::Role::Setter)
+                take(env.signature->type);
+            else
+                for (const Signature::Parameter& one : env.signature->parameters) take(one.type);
+            found->second = std::move(types);
+        }
+        env.argumentTypes = &found->second;
+    }
+    const std::vector<Traits*>& types = *env.argumentTypes;
+    for (std::size_t i = 0; i < args.size() && i < types.size(); ++i) {
+        if (types[i] != nullptr && !args[i].isNull()) args[i] = coerce(args[i], types[i]);
+    }
+}
+
 ClassObject* Vm::makeNative(const NativeClass& spec)
 {
     Namespace* space = ns(Namespace::Kind::Public, spec.package);
@@ -75,6 +153,9 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
             instances->implement(*this, type->instances);
         at = end + 1;
     }
+    const Signatures::Class* told =
+        m_signatures.of(spec.package.empty() ? std::string(spec.name)
+                                             : std::string(spec.package) + "::" + std::string(spec.name));
     const auto method = [&](const NativeMember& member, NativeFunction function, Traits& owner,
                             MethodEnv::Role role) {
         auto* env = m_heap.make<MethodEnv>(function, member.name,
@@ -86,6 +167,8 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
         env->name = name(member.name);
         env->ns = member.kind == NativeMember::Kind::As3 ? m_as3 : m_public;
         env->role = role;
+        if (const Signature* known = told != nullptr ? told->find(member.name, &owner == statics) : nullptr)
+            sign(*env, *known);
         return env;
     };
     for (const NativeMember& member : spec.members) {
@@ -117,7 +200,17 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
     for (const NativeConstant& constant : spec.constants) {
         const Value value =
             constant.text != nullptr ? Value(name(constant.text).string()) : Value(constant.number);
-        statics->bind(name(constant.name), m_public, {Binding::Kind::Const, statics->addSlot({}, value), -1});
+        TypeRef type;
+        using ConstantKind = NativeConstant::Kind;
+        const ClassObject* of =
+            constant.text != nullptr                ? m_classes.string
+            : constant.kind == ConstantKind::Number ? m_classes.number
+            : constant.kind == ConstantKind::Uint || (told != nullptr && told->numbers == "uint")
+                ? m_classes.uinteger
+                : nullptr;
+        if (of != nullptr) type.resolved = of->instances;
+        statics->bind(name(constant.name), m_public,
+                      {Binding::Kind::Const, statics->addSlot(type, value), -1});
     }
     for (const Traits* interface : instances->interfaces) {
         const std::u16string uri =
@@ -133,6 +226,8 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
             m_heap.make<MethodEnv>(spec.constructor, spec.name, spec.minArguments, spec.maxArguments);
         cls->constructor->owner = instances;
         cls->constructor->role = MethodEnv::Role::Constructor;
+        const Signature* known = told != nullptr ? told->constructor() : nullptr;
+        if (known != nullptr && !cls->isAbstract) sign(*cls->constructor, *known);
     } else if (base != nullptr) {
         cls->constructor = base->constructor;
     }

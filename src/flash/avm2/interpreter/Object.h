@@ -10,6 +10,7 @@
 namespace flash::avm2
 {
 
+struct Signature;
 class Vm;
 
 /// What a native function is given. The arguments stay where they are until it returns.
@@ -173,7 +174,9 @@ public:
     Namespace* ns = nullptr;
     enum class Role : std::uint8_t { Method, Getter, Setter, Function, Constructor, StaticInit, ScriptInit };
     Role role = Role::Function;
-    Code* code = nullptr; ///< once verified
+    Code* code = nullptr;                 ///< once verified
+    const Signature* signature = nullptr; ///< of a native whose arguments are to be of certain classes
+    const std::vector<Traits*>* argumentTypes = nullptr; ///< what it says, once it was called; null: anything
     Object* activationTraitsHolder = nullptr;
 };
 

@@ -26,6 +26,7 @@ Vm::Vm(Host& host, std::span<const NativeLibrary> libraries)
     m_proxy = ns(Namespace::Kind::Public, "http://www.adobe.com/2006/actionscript/flash/proxy");
     defaultXmlNs = m_public;
     for (const NativeLibrary& library : libraries) {
+        m_signatures.add(library.signatures);
         for (const NativeClass& spec : library.classes) m_nativeClasses[{spec.package, spec.name}] = &spec;
         for (const NativeFunctionInfo& info : library.functions)
             m_nativeFunctions[{info.package, info.name}] = &info;

@@ -3,6 +3,7 @@
 #include "flash/avm2/interpreter/Host.h"
 #include "flash/avm2/interpreter/Native.h"
 #include "flash/avm2/interpreter/Object.h"
+#include "flash/avm2/interpreter/Signatures.h"
 #include "flash/avm2/interpreter/Unit.h"
 
 #include <initializer_list>
@@ -85,6 +86,9 @@ public:
     FunctionObject* newFunction(NativeFunction function, std::string_view name = {}, int minArguments = 0,
                                 int maxArguments = -1);
     ClassObject* nativeClass(std::string_view qualified); ///< null when there is none
+    Signatures& signatures() { return m_signatures; }
+    /// A type of a built-in class's signature, as scripts name it: `flash.display::Sprite`.
+    std::u16string signatureType(std::string_view type);
     ClassObject* vectorOf(Traits* element);
     ClassObject* newClass(Unit* unit, std::uint32_t index, ClassObject* base, ScopeChain* scope);
     Object* newNamespace(Namespace* ns); ///< as a value
@@ -232,6 +236,10 @@ private:
     void resolveTypes(Code& code, const MethodEnv& env);
     [[noreturn]] void stackOverflow();
     [[noreturn]] void wrongCount(int minimum, std::uint32_t given);
+    /// Makes the arguments of a native what its signature says. @throws the script error 1034
+    void convertArguments(MethodEnv& env, std::span<Value> args);
+    Traits* signatureTraits(std::string_view type);
+    void sign(MethodEnv& env, const Signature& signature);
     void makeCore();
     ClassObject* makeNative(const NativeClass& spec);
     void bindSlot(Traits& traits, std::string_view text);
@@ -253,6 +261,8 @@ private:
     Object* m_nativeGlobal = nullptr;
     std::map<std::pair<std::string_view, std::string_view>, const NativeClass*> m_nativeClasses;
     std::map<std::pair<std::string_view, std::string_view>, const NativeFunctionInfo*> m_nativeFunctions;
+    Signatures m_signatures;
+    std::map<const Signature*, std::vector<Traits*>> m_argumentTypes;
     std::map<std::pair<const Atom*, const Namespace*>, Value, std::less<>,
              vm::TracedAllocator<std::pair<const std::pair<const Atom*, const Namespace*>, Value>>>
         m_nativeValues;
