@@ -4,6 +4,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/stage/Graphics.h"
 #include "flash/stage/TextField.h"
+#include "flash/stage/TextLine.h"
 
 #include <algorithm>
 
@@ -109,6 +110,7 @@ stage::NodePtr plainNode(stage::Stage& stage, std::u16string_view nativeName)
     }
     if (nativeName == u"TextField")
         return stage::TextField::makeDynamic(stage, stage.movie(), {0, kFieldTwips, 0, kFieldTwips});
+    if (nativeName == u"TextLine") return std::make_shared<stage::TextLine>(stage);
     return std::make_shared<stage::Clip>(stage, stage.movie(), empty);
 }
 

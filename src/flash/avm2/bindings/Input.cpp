@@ -2,6 +2,7 @@
 
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Player.h"
+#include "flash/avm2/bindings/TextEngine.h"
 #include "flash/stage/TextField.h"
 
 #include <algorithm>
@@ -141,14 +142,18 @@ void Input::fireMouse(std::string_view type, DisplayObject& target, DisplayObjec
     const swf::Point local = target.isStage ? point : target.node().toStage().inverted().map(point);
     constexpr double kTwips = swf::kTwipsPerPixel;
     Root<DisplayObject> keep(vm.heap(), &target);
-    vm.guarded([&] {
-        fireWith(vm, target, "flash.events::MouseEvent", type,
+    const auto tell = [&](DispatcherObject& hearer) {
+        fireWith(vm, hearer, "flash.events::MouseEvent", type,
                  {Value(local.x / kTwips), Value(local.y / kTwips),
                   related != nullptr ? Value(related) : Value::null(), Value(isDown(kControl)),
                   Value(isDown(kAlternate)), Value(isDown(kShift)),
                   Value(m_player.stage().pointer().isDown() || type.ends_with("MouseDown")), Value(delta)},
                  bubbles);
-    });
+    };
+    vm.guarded([&] { tell(target); });
+    // What shows a part of a text may have somebody who hears of it as well.
+    Root<DispatcherObject> mirror(vm.heap(), bubbles ? textengine::mirrorAt(target, local) : nullptr);
+    if (mirror) vm.guarded([&] { tell(*mirror); });
 }
 
 void Input::showButton(DisplayObject* object, DisplayObject::State state)

@@ -50,6 +50,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         fontLibrary(),
         soundLibrary(),
         textFieldLibrary(),
+        textEngineLibrary(),
         xmlNodeLibrary(),
         soundMixerLibrary(),
     };

@@ -36,7 +36,8 @@ NativeLibrary sharedObjectLibrary();
 NativeLibrary textFormatLibrary();
 NativeLibrary styleSheetLibrary();
 NativeLibrary textFieldLibrary();
-NativeLibrary xmlNodeLibrary(); ///< flash.xml
+NativeLibrary textEngineLibrary(); ///< flash.text.engine
+NativeLibrary xmlNodeLibrary();    ///< flash.xml
 NativeLibrary soundLibrary();
 NativeLibrary soundMixerLibrary();
 NativeLibrary fontLibrary(); ///< and the lists of constants around texts
