@@ -20,6 +20,39 @@ std::int32_t bits(Value value) { return static_cast<std::int32_t>(value.bits());
 std::uint32_t unsignedBits(Value value) { return static_cast<std::uint32_t>(value.bits()); }
 Value rawValue(std::uint32_t value) { return vm::Value::fromBits(value); }
 
+// Loops live in the registers of a frame: what one turn stores, the next one loads. Processors hand that on
+// for next to nothing where both sides address it by one register, without an index, and move it by a general
+// one; otherwise each time costs as much as several additions. Hence nothing below may be folded together.
+
+/// The same pointer or word, and nothing known about it.
+template <class Word>
+Word opaque(Word word)
+{
+    asm("" : "+r"(word));
+    return word;
+}
+Value loaded(const Value* from) { return vm::Value::fromBits(opaque(opaque(from)->bits())); }
+void store(Value* to, Value value) { *opaque(to) = vm::Value::fromBits(opaque(value.bits())); }
+/// A register that is written.
+struct Place {
+    Value* at;
+    void operator=(Value value) const { store(at, value); }
+};
+
+/// @returns the element at an index; null where there is none.
+const Value* elementAt(const TracedList<Value>& items, std::uint32_t index)
+{
+    const Value* const begin = items.data();
+    const auto bytes =
+        reinterpret_cast<const char*>(begin + items.size()) - reinterpret_cast<const char*>(begin);
+    const auto at = static_cast<std::ptrdiff_t>(std::uint64_t{index} * sizeof(Value));
+    return at < bytes ? begin + index : nullptr;
+}
+bool hasSlot(const Object& object, std::int32_t slot)
+{
+    return static_cast<std::uint32_t>(slot) < object.slotCount();
+}
+
 /// What arithmetic makes of numbers is one: no NaN of its own lies among the patterns of other values.
 Value computed(double number) { return vm::Value::fromBits(std::bit_cast<std::uint64_t>(number)); }
 
@@ -38,7 +71,7 @@ bool lessOrEqual(Vm& vm, Value a, Value b)
 
 } // namespace
 
-Value Interpreter::run()
+Value Interpreter::run(const void* const** labels)
 {
     static const void* const kLabels[] = {
 #define AVM2_LABEL(name) &&do_##name,
@@ -48,15 +81,20 @@ Value Interpreter::run()
 #undef AVM2_LABEL
 #undef AVM2_OTHER
     };
+    if (labels != nullptr) [[unlikely]] {
+        *labels = kLabels;
+        return {};
+    }
     Vm& vm = m_vm;
     Frame* f = m_frame;
-    const Ins* code = f->code->code.data();
     const Value* constants = f->code->constants.data();
     Value* r = f->locals;
-    const Ins* ip = code + f->resume;
+    const Ins* ip = f->code->code.data() + f->resume;
+    // The last jump back in the present frame, and where it went to.
+    const Ins *loopJump = nullptr, *loopHead = nullptr;
     Value returned;
 
-#define DISPATCH() goto* kLabels[static_cast<std::size_t>(ip->op)]
+#define DISPATCH() goto* const_cast<void*>(ip->label)
 #define NEXT                                                                                                 \
     do {                                                                                                     \
         ++ip;                                                                                                \
@@ -64,9 +102,10 @@ Value Interpreter::run()
     } while (false)
 // What may throw or run script says first where it is.
 #define MARK f->at = ip
-#define D r[ip->d]
-#define B r[ip->b]
-#define C r[ip->c]
+#define D (Place{r + ip->d})
+#define A loaded(r + ip->a)
+#define B loaded(r + ip->b)
+#define C loaded(r + ip->c)
 // An instruction that computes a value and does nothing else.
 #define COMPUTE(name, value)                                                                                 \
     do_##name : D = value;                                                                                   \
@@ -77,20 +116,32 @@ Value Interpreter::run()
     D = value;                                                                                               \
     NEXT;
 // A loop may go on for long: now and then somebody has to look at the clock and at the heap.
-#define JUMP_TO(target)                                                                                      \
+#define CHECK_LOOP                                                                                           \
+    if (--untilCheck == 0) [[unlikely]] {                                                                    \
+        MARK;                                                                                                \
+        vm.check();                                                                                          \
+        untilCheck = kJumpsBetweenChecks;                                                                    \
+    }
+// Of a jump that always goes to the same place. Most jumps back are the last one once more: where that is
+// remembered, the processor need not wait for the target to be read before it goes on.
+#define JUMP                                                                                                 \
     do {                                                                                                     \
-        const Ins* const to = code + (target);                                                               \
-        if (to <= ip && --untilCheck == 0) [[unlikely]] {                                                    \
-            MARK;                                                                                            \
-            vm.check();                                                                                      \
-            untilCheck = kJumpsBetweenChecks;                                                                \
+        if (ip == loopJump) [[likely]] {                                                                     \
+            CHECK_LOOP                                                                                       \
+            ip = loopHead;                                                                                   \
+            DISPATCH();                                                                                      \
         }                                                                                                    \
-        ip = to;                                                                                             \
+        if (ip->d <= 0) {                                                                                    \
+            CHECK_LOOP                                                                                       \
+            loopJump = ip;                                                                                   \
+            loopHead = ip + ip->d;                                                                           \
+        }                                                                                                    \
+        ip += ip->d;                                                                                         \
         DISPATCH();                                                                                          \
     } while (false)
 #define JUMP_IF(condition)                                                                                   \
     do {                                                                                                     \
-        if (condition) JUMP_TO(ip->d);                                                                       \
+        if (condition) JUMP;                                                                                 \
         NEXT;                                                                                                \
     } while (false)
 #define BRANCH(name, condition) do_##name : JUMP_IF(condition);
@@ -102,10 +153,9 @@ Value Interpreter::run()
     do {                                                                                                     \
         if (!begin(env, window, count, callee, result, made)) NEXT;                                          \
         f = m_frame;                                                                                         \
-        code = f->code->code.data();                                                                         \
         constants = f->code->constants.data();                                                               \
         r = f->locals;                                                                                       \
-        ip = code + f->resume;                                                                               \
+        ip = f->code->code.data() + f->resume;                                                               \
         DISPATCH();                                                                                          \
     } while (false)
 #define CALL(env, window, count, callee, result) CALL_MAKING(env, window, count, callee, result, nullptr)
@@ -119,16 +169,16 @@ Value Interpreter::run()
     COMPUTE(BoxUint, computed(unsignedBits(B)))
     COMPUTE(UnboxInt, rawValue(narrow(B.number())))
 do_ToIntV:
-    if (B.isNumber()) {
-        D = rawValue(narrow(B.number()));
+    if (const Value value = B; value.isNumber()) {
+        D = rawValue(narrow(value.number()));
     } else {
         MARK;
         D = rawValue(vm.toInt(B));
     }
     NEXT;
 do_ToNumberV:
-    if (B.isNumber()) {
-        D = B;
+    if (const Value value = B; value.isNumber()) {
+        D = value;
     } else {
         MARK;
         D = Value(vm.toNumber(B));
@@ -136,8 +186,8 @@ do_ToNumberV:
     NEXT;
     COMPUTE(ToBooleanV, Value(B.isBoolean() ? B.boolean() : vm.toBoolean(B)))
 do_CoerceString:
-    if (B.isString()) {
-        D = B;
+    if (const Value value = B; value.isString()) {
+        D = value;
     } else {
         MARK;
         D = vm.coerceString(B);
@@ -202,21 +252,23 @@ do_ModII : {
     COMPUTE(SubNK, computed(B.number() - constants[ip->c].number()))
     COMPUTE(MulNK, computed(B.number() * constants[ip->c].number()))
     COMPUTE(DivNK, computed(B.number() / constants[ip->c].number()))
-do_AddV:
-    if (B.isNumber() && C.isNumber()) {
-        D = computed(B.number() + C.number());
+do_AddV : {
+    const Value x = B, y = C;
+    if (x.isNumber() && y.isNumber()) {
+        D = computed(x.number() + y.number());
     } else {
         MARK;
-        D = vm.add(B, C);
+        D = vm.add(x, y);
     }
     NEXT;
+}
     COMPUTE(AddNI, computed(B.number() + bits(C)))
     COMPUTE(SubNI, computed(B.number() - bits(C)))
     COMPUTE(MulNI, computed(B.number() * bits(C)))
     COMPUTE(DivNI, computed(B.number() / bits(C)))
 do_AddIV:
-    if (C.isNumber()) {
-        D = computed(bits(B) + C.number());
+    if (const Value other = C; other.isNumber()) {
+        D = computed(bits(B) + other.number());
     } else {
         MARK;
         // Which one is on the left tells where there are texts.
@@ -225,8 +277,8 @@ do_AddIV:
     }
     NEXT;
 do_AddToI:
-    if (C.isInt()) {
-        D = rawValue(unsignedBits(B) + static_cast<std::uint32_t>(static_cast<std::int32_t>(C.number())));
+    if (const Value other = C; isInt(other)) {
+        D = rawValue(unsignedBits(B) + static_cast<std::uint32_t>(cut(other.number())));
     } else {
         MARK;
         const Value number = computed(bits(B));
@@ -298,7 +350,11 @@ do_AddToI:
 do_Switch : {
     const auto& targets = f->code->switches[static_cast<std::size_t>(ip->a)];
     const std::uint32_t index = unsignedBits(B);
-    JUMP_TO(index < targets.size() - 1 ? targets[index] : targets.back());
+    const Ins* const to =
+        f->code->code.data() + (index < targets.size() - 1 ? targets[index] : targets.back());
+    if (to <= ip) CHECK_LOOP
+    ip = to;
+    DISPATCH();
 }
 
 #include "flash/avm2/interpreter/LoopCalls.inl"
@@ -344,12 +400,14 @@ do_other:
 #undef DISPATCH
 #undef NEXT
 #undef MARK
+#undef A
 #undef D
 #undef B
 #undef C
 #undef COMPUTE
 #undef COMPUTE_MARKED
-#undef JUMP_TO
+#undef JUMP
+#undef CHECK_LOOP
 #undef JUMP_IF
 #undef BRANCH
 #undef BRANCH_MARKED

@@ -5,9 +5,26 @@
 #include "flash/vm/Numbers.h"
 
 #include <cmath>
+#include <limits>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace flash::avm2
 {
+
+/// A number cut to an int: for one that no int can hold, the least int.
+inline std::int32_t cut(double number)
+{
+#ifdef __SSE2__
+    return _mm_cvttsd_si32(_mm_set_sd(number));
+#else
+    const bool fits = number > -2147483649.0 && number < 2147483648.0;
+    return fits ? static_cast<std::int32_t>(number) : std::numeric_limits<std::int32_t>::min();
+#endif
+}
+/// As Value::isInt(). What is no number has the pattern of a NaN, which equals nothing.
+inline bool isInt(Value value) { return static_cast<double>(cut(value.number())) == value.number(); }
 
 /// Whether a value is at once seen to be what coercing it to a type would make of it.
 inline bool fitsType(Value value, const Traits* type)
@@ -15,7 +32,7 @@ inline bool fitsType(Value value, const Traits* type)
     // By how often each is there.
     const Traits::Special special = type->special;
     if (special == Traits::Special::None) return value.isObject() && value.object()->traits() == type;
-    if (special == Traits::Special::Int) return value.isInt();
+    if (special == Traits::Special::Int) return isInt(value);
     if (special == Traits::Special::Number) return value.isNumber();
     if (special == Traits::Special::String) return value.isString();
     return special == Traits::Special::Boolean && value.isBoolean();
@@ -24,9 +41,15 @@ inline bool fitsType(Value value, const Traits* type)
 /// The 32 bits of a number.
 inline std::int32_t narrow(double number)
 {
+#ifdef __SSE2__
+    const std::int64_t whole = _mm_cvttsd_si64(_mm_set_sd(number));
+    if (whole != std::numeric_limits<std::int64_t>::min()) [[likely]]
+        return static_cast<std::int32_t>(whole);
+#else
     constexpr double kLongs = 9.2e18;
     if (std::fabs(number) < kLongs) [[likely]]
         return static_cast<std::int32_t>(static_cast<std::int64_t>(number));
+#endif
     return vm::toInt32(number);
 }
 /// An int as registers have it.
@@ -60,10 +83,18 @@ public:
     Value execute(MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
     /// What `this` is for a function that is called as such.
     static void bindReceiver(Vm& vm, const FunctionObject& closure, Value& receiver);
+    /// Where the loop does what each RegisterOp stands for.
+    const void* const* labels()
+    {
+        const void* const* labels = nullptr;
+        run(&labels);
+        return labels;
+    }
     static constexpr std::size_t kDeepestCalls = 1000;
 
 private:
-    Value run();
+    /// Goes on with the present frame. @param labels where to put them, instead of running anything
+    Value run(const void* const** labels = nullptr);
     void open(Frame& frame, MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
     /// The last step: nothing can go wrong any more.
     void fill(Frame& frame, MethodEnv& env, Code& code, Value* window, std::uint32_t used)

@@ -31,7 +31,7 @@ do_ReturnVoid:
 leave:
     if (!leave(returned)) return returned;
     f = m_frame;
-    code = f->code->code.data();
+    loopJump = nullptr; // of the code that has ended; who knows how long that is there
     constants = f->code->constants.data();
     r = f->locals;
     ip = f->at;

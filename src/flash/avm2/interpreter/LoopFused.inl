@@ -38,11 +38,11 @@
 
 // An element is added to an int.
 do_ElemAddI:
-    if (Object* const object = B.asObject();
-        object != nullptr && object->elements() == Object::Elements::Vector) [[likely]] {
-        const auto& items = static_cast<VectorObject*>(object)->items;
-        if (const std::uint32_t index = unsignedBits(C); index < items.size()) {
-            const auto item = static_cast<std::uint32_t>(narrow(items[index].number()));
+    if (const Value base = B;
+        base.isObject() && base.object()->elements() == Object::Elements::Vector) [[likely]] {
+        if (const Value* const at = elementAt(static_cast<VectorObject*>(base.object())->items, unsignedBits(C)))
+            [[likely]] {
+            const auto item = static_cast<std::uint32_t>(cut(at->number()));
             D = rawValue(item);
             ++ip;
             D = rawValue(unsignedBits(B) + item);
@@ -51,19 +51,20 @@ do_ElemAddI:
     }
     goto do_GetElemI;
 do_ElemAddToI:
-    if (Object* const object = B.asObject(); object != nullptr) [[likely]] {
-        const std::uint32_t index = unsignedBits(C);
-        const TracedList<Value>* const items = object->elements() == Object::Elements::Array
-                                                   ? &static_cast<ArrayObject*>(object)->items
-                                               : object->elements() == Object::Elements::Vector
-                                                   ? &static_cast<VectorObject*>(object)->items
-                                                   : nullptr;
-        if (items != nullptr && index < items->size() && (*items)[index].isInt()) {
-            const Value item = (*items)[index];
+    if (const Value base = B; base.isObject()) [[likely]] {
+        const TracedList<Value>* items = nullptr;
+        if (base.object()->elements() == Object::Elements::Array)
+            items = &static_cast<ArrayObject*>(base.object())->items;
+        else if (base.object()->elements() == Object::Elements::Vector)
+            items = &static_cast<VectorObject*>(base.object())->items;
+        else
+            goto do_GetElem;
+        if (const Value* const at = elementAt(*items, unsignedBits(C)); at != nullptr && isInt(*at))
+            [[likely]] {
+            const Value item = *at;
             D = item;
             ++ip;
-            D = rawValue(unsignedBits(B) +
-                         static_cast<std::uint32_t>(static_cast<std::int32_t>(item.number())));
+            D = rawValue(unsignedBits(B) + static_cast<std::uint32_t>(cut(item.number())));
             NEXT;
         }
     }
@@ -72,15 +73,19 @@ do_ElemAddToI:
 // A slot of type int goes up or down where it is.
 #define STEP_SLOT(name, amount)                                                                              \
     do_##name:                                                                                               \
-    if (Object* const object = B.asObject();                                                                 \
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {           \
-        const auto slot = static_cast<std::uint32_t>(ip->c);                                                 \
+    if (const Value base = B; base.isObject() && hasSlot(*base.object(), ip->c)) [[likely]] {                \
+        Value* const slot = base.object()->slots() + static_cast<std::uint32_t>(ip->c);                      \
         ++ip;                                                                                                \
-        const double sum = object->slot(slot).number() + static_cast<double>(amount);                        \
-        const std::int32_t kept = narrow(sum);                                                               \
-        D = rawValue(kept);                                                                                  \
+        const double sum = loaded(slot).number() + static_cast<double>(amount);                              \
         constexpr double kEnd = 2147483648.0;                                                                \
-        object->setSlot(slot, computed(sum >= -kEnd && sum < kEnd ? sum : kept));                            \
+        if (std::fabs(sum) < kEnd) [[likely]] {                                                              \
+            store(slot, computed(sum));                                                                      \
+            D = rawValue(cut(sum));                                                                          \
+        } else {                                                                                             \
+            const std::int32_t kept = narrow(sum);                                                           \
+            store(slot, computed(kept));                                                                     \
+            D = rawValue(kept);                                                                              \
+        }                                                                                                    \
         ip += 2;                                                                                             \
         DISPATCH();                                                                                          \
     }                                                                                                        \

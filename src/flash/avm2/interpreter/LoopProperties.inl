@@ -6,7 +6,7 @@ do_GetProp : {
         const SiteCache& cache = f->code->caches[static_cast<std::size_t>(ip->cache)];
         if (cache.traits == object->traits()) {
             if (cache.binding.kind == Binding::Kind::Slot || cache.binding.kind == Binding::Kind::Const) {
-                D = object->slot(static_cast<std::uint32_t>(cache.binding.id));
+                D = loaded(object->slots() + static_cast<std::uint32_t>(cache.binding.id));
                 NEXT;
             }
             if (cache.binding.kind == Binding::Kind::Accessor) {
@@ -43,7 +43,7 @@ do_SetProp:
             const auto slot = static_cast<std::uint32_t>(cache.binding.id);
             const TypeRef& type = cache.traits->slotTypes[slot];
             if (type.unit == nullptr && (type.resolved == nullptr || fitsType(C, type.resolved))) {
-                object->setSlot(slot, C);
+                store(object->slots() + slot, C);
                 NEXT;
             }
         }
@@ -52,9 +52,8 @@ do_SetProp:
     setCached(B, *ip, C);
     NEXT;
 do_GetSlot:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        D = object->slot(static_cast<std::uint32_t>(ip->c));
+    if (const Value base = B; base.isObject() && hasSlot(*base.object(), ip->c)) [[likely]] {
+        D = loaded(base.object()->slots() + static_cast<std::uint32_t>(ip->c));
     } else {
         MARK;
         const Value result = getSlotOr(*ip, B);
@@ -62,18 +61,16 @@ do_GetSlot:
     }
     NEXT;
 do_SetSlot:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        object->setSlot(static_cast<std::uint32_t>(ip->c), r[ip->a]);
+    if (const Value base = B; base.isObject() && hasSlot(*base.object(), ip->c)) [[likely]] {
+        store(base.object()->slots() + static_cast<std::uint32_t>(ip->c), A);
     } else {
         MARK;
-        setSlotOr(*ip, B, r[ip->a], false);
+        setSlotOr(*ip, B, A, false);
     }
     NEXT;
 do_GetSlotI:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        D = rawValue(narrow(object->slot(static_cast<std::uint32_t>(ip->c)).number()));
+    if (const Value base = B; base.isObject() && hasSlot(*base.object(), ip->c)) [[likely]] {
+        D = rawValue(cut(loaded(base.object()->slots() + static_cast<std::uint32_t>(ip->c)).number()));
     } else {
         MARK;
         const std::int32_t result = vm.toInt(getSlotOr(*ip, B));
@@ -81,21 +78,20 @@ do_GetSlotI:
     }
     NEXT;
 do_SetSlotI:
-    if (Object* const object = B.asObject();
-        object != nullptr && static_cast<std::uint32_t>(ip->c) < object->slotCount()) [[likely]] {
-        object->setSlot(static_cast<std::uint32_t>(ip->c), computed(bits(r[ip->a])));
+    if (const Value base = B; base.isObject() && hasSlot(*base.object(), ip->c)) [[likely]] {
+        store(base.object()->slots() + static_cast<std::uint32_t>(ip->c), computed(bits(A)));
     } else {
         MARK;
-        setSlotOr(*ip, B, computed(bits(r[ip->a])), false);
+        setSlotOr(*ip, B, computed(bits(A)), false);
     }
     NEXT;
 do_GetElemI : {
-    Object* const object = B.asObject();
+    const Value base = B;
     const std::uint32_t index = unsignedBits(C);
-    if (object != nullptr && object->elements() == Object::Elements::Vector) [[likely]] {
-        const auto& items = static_cast<VectorObject*>(object)->items;
-        if (index < items.size()) {
-            D = rawValue(narrow(items[index].number()));
+    if (base.isObject() && base.object()->elements() == Object::Elements::Vector) [[likely]] {
+        if (const Value* const at = elementAt(static_cast<VectorObject*>(base.object())->items, index))
+            [[likely]] {
+            D = rawValue(cut(at->number()));
             NEXT;
         }
     }
@@ -106,7 +102,7 @@ do_GetElemI : {
 }
 do_SetSlotTyped:
     MARK;
-    setSlotOr(*ip, B, r[ip->a], true);
+    setSlotOr(*ip, B, A, true);
     NEXT;
 do_GetElem : {
     Object* const object = B.asObject();
@@ -134,9 +130,9 @@ do_GetElem : {
 do_SetElem : {
     Object* const object = B.asObject();
     const std::uint32_t index = unsignedBits(C);
-    if (object != nullptr && setElementFast(*object, index, r[ip->a])) NEXT;
+    if (object != nullptr && setElementFast(*object, index, A)) NEXT;
     MARK;
-    setElementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C)), r[ip->a]);
+    setElementSlow(*ip, B, ip->parts != 0 ? Value(index) : Value(bits(C)), A);
     NEXT;
 }
 do_GetAccessor : {
@@ -150,5 +146,5 @@ do_GetAccessor : {
     }
     Value* const window = r + ip->cache;
     *window = B;
-    CALL(*object->traits()->methods[id], window, 0, nullptr, &D);
+    CALL(*object->traits()->methods[id], window, 0, nullptr, r + ip->d);
 }

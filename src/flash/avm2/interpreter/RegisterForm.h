@@ -10,10 +10,10 @@ namespace flash::avm2
 // its 32 bits, zero above ("raw"). A Number is the same either way. Which it is, the translator knows; each
 // instruction has one meaning only, so that native code can be made of it one by one.
 //
-// Fields: d is what is written, or the target of a jump. Letters at the end of a name tell what it works on:
-// I raw ints, U raw uints, N numbers, B booleans, V any values; K means that c is an immediate (a constant
-// for N). AddNI and the like take a number b and an int c; AddIV adds an int b to any c, which stands on the
-// left when `parts` says so.
+// Fields: d is what is written, or how many instructions further a jump goes. Letters at the end of a name
+// tell what it works on: I raw ints, U raw uints, N numbers, B booleans, V any values; K means that c is an
+// immediate (a constant for N). AddNI and the like take a number b and an int c; AddIV adds an int b to any
+// c, which stands on the left when `parts` says so.
 
 // clang-format off
 #define AVM2_REGISTER_OPS(X)                                                                                 \
@@ -61,6 +61,7 @@ enum class RegisterOp : std::uint16_t {
 
 /// One instruction of the register form.
 struct Ins {
+    const void* label = nullptr; ///< the place in the loop that does it
     RegisterOp op = RegisterOp::Move;
     std::uint16_t parts = 0; ///< of a multiname, from the stack: 1 name, 2 namespace
     std::int32_t d = 0, a = 0, b = 0, c = 0;

@@ -1,5 +1,6 @@
 #include "flash/avm2/interpreter/Translator.h"
 
+#include "flash/avm2/interpreter/Interpreter.h"
 #include "flash/avm2/interpreter/Unit.h"
 #include "flash/avm2/interpreter/Vm.h"
 #include "flash/vm/Numbers.h"
@@ -199,9 +200,10 @@ void Translator::finish()
     const auto end = static_cast<std::uint32_t>(m_code.code.size());
     m_index[m_body.code.size()] = end;
     const auto place = [&](std::int32_t offset) { return m_index[static_cast<std::size_t>(offset)]; };
-    for (Ins& ins : m_code.code) {
+    for (std::uint32_t i = 0; i < end; ++i) {
+        Ins& ins = m_code.code[i];
         if (isWritten(ins.op) && ins.op != RegisterOp::Switch)
-            ins.d = static_cast<std::int32_t>(place(ins.d));
+            ins.d = static_cast<std::int32_t>(place(ins.d)) - static_cast<std::int32_t>(i);
     }
     for (auto& targets : m_code.switches) {
         for (std::uint32_t& target : targets) target = m_index[target];
@@ -221,6 +223,8 @@ void Translator::finish()
     }
     m_code.catches.resize(m_body.exceptions.size());
     fuse();
+    const void* const* const labels = Interpreter(m_vm).labels();
+    for (Ins& ins : m_code.code) ins.label = labels[static_cast<std::size_t>(ins.op)];
 }
 
 Ins& Translator::emit(RegisterOp op, std::int32_t d, std::int32_t a, std::int32_t b, std::int32_t c)
