@@ -85,6 +85,25 @@ render::Quality toRender(stage::Quality quality)
     return render::Quality::High;
 }
 
+/// Scripts take a sound apart at their own pace.
+avm2::SoundReader readerOf(const stage::MoviePtr& movie, const swf::Sound* symbol,
+                           const std::shared_ptr<const std::vector<std::uint8_t>>& file)
+{
+    std::shared_ptr<sound::SampleSource> source =
+        symbol != nullptr ? sound::openSound(movie, *symbol) : sound::openSoundFile(file);
+    if (source == nullptr) return {};
+    return [source](std::optional<std::uint64_t> from, std::span<std::array<std::int16_t, 2>> out) {
+        if (from) {
+            source->rewind();
+            source->seek(*from);
+        }
+        std::vector<sound::StereoFrame> frames(out.size());
+        const std::size_t count = source->read(frames);
+        for (std::size_t i = 0; i < count; ++i) out[i] = {frames[i].left, frames[i].right};
+        return count;
+    };
+}
+
 } // namespace
 
 class Engine::Private
@@ -179,6 +198,8 @@ public:
             inputs.playSamples = [this](std::shared_ptr<stage::SampleQueue> queue) {
                 return sound.playQueue(std::move(queue));
             };
+            inputs.soundPeaks = [this](stage::SoundId id) { return sound.mixer().peaks(id); };
+            inputs.readSound = &readerOf;
             script3 = std::make_unique<avm2::Player>(services, std::move(inputs));
             if (options.collectAlways) script3->vm().collectAlways();
             stage = std::make_unique<stage::Stage>(services, script3.get());

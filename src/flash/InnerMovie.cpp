@@ -60,6 +60,7 @@ public:
     void startEvent(const stage::MoviePtr& movie, std::uint16_t id, const swf::Sound& sound,
                     const swf::SoundInfo& info) override
     {
+        if (!info.stop) m_events.emplace(movie, id);
         m_outer.startEvent(movie, id, sound, info);
     }
     void streamFrame(stage::SoundOwner owner, const stage::MoviePtr& movie, const swf::Timeline& timeline,
@@ -78,8 +79,10 @@ public:
         if (m_isForAll) return m_outer.stopAll();
         for (const stage::SoundId id : m_started) m_outer.stopSound(id);
         for (const stage::SoundOwner owner : m_streams) m_outer.stopStream(owner);
+        for (const auto& [movie, id] : m_events) m_outer.stopSymbol(nullptr, movie, id);
         m_started.clear();
         m_streams.clear();
+        m_events.clear();
     }
     stage::SoundId playSound(stage::SoundOwner owner, const stage::MoviePtr& movie, std::uint16_t id,
                              const swf::Sound& sound, const swf::SoundInfo& info) override
@@ -122,6 +125,7 @@ private:
     stage::SoundSystem& m_outer;
     std::set<stage::SoundId> m_started;
     std::set<stage::SoundOwner> m_streams;
+    std::set<std::pair<stage::MoviePtr, std::uint16_t>> m_events; ///< that its timelines have begun
     std::vector<stage::SoundId> m_finished;
     bool m_isForAll = false;
 };

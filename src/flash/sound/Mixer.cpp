@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 
 namespace flash::sound
 {
@@ -155,6 +156,7 @@ void Mixer::mixBlock(std::span<StereoFrame> out)
             voice.isLeaving ? std::min<std::size_t>(voice.rampLeft, out.size()) : out.size();
         const std::size_t got = voice.source->read(std::span(frames).first(wanted));
         voice.played += got;
+        notePeaks(voice, std::span(frames).first(got));
         accumulate(voice, std::span(frames).first(got), left.data(), right.data());
         if (voice.isLeaving && (got < wanted || voice.rampLeft == 0))
             voice.source.reset();
@@ -164,6 +166,29 @@ void Mixer::mixBlock(std::span<StereoFrame> out)
     std::erase_if(m_voices, [](const Voice& voice) { return voice.source == nullptr; });
     for (std::size_t i = 0; i < out.size(); ++i) out[i] = limited(left[i], right[i]);
     remember(out);
+}
+
+void Mixer::notePeaks(Voice& voice, std::span<const StereoFrame> frames)
+{
+    voice.peakLeft = voice.peakRight = 0;
+    for (const StereoFrame frame : frames) {
+        voice.peakLeft = std::max(voice.peakLeft, std::abs(int{frame.left}));
+        voice.peakRight = std::max(voice.peakRight, std::abs(int{frame.right}));
+    }
+}
+
+std::pair<float, float> Mixer::peaks(VoiceId voice) const
+{
+    const Voice* found = find(voice);
+    if (found == nullptr) return {};
+    constexpr float kFull = 32768;
+    const float left = static_cast<float>(found->peakLeft) / kFull,
+                right = static_cast<float>(found->peakRight) / kFull;
+    const Gains& gains = found->gains;
+    const auto heard = [&](float fromLeft, float fromRight) {
+        return std::min(std::abs(left * fromLeft) + std::abs(right * fromRight), 1.0F);
+    };
+    return {heard(gains.leftToLeft, gains.rightToLeft), heard(gains.leftToRight, gains.rightToRight)};
 }
 
 void Mixer::remember(std::span<const StereoFrame> frames)

@@ -40,6 +40,8 @@ public:
     [[nodiscard]] bool isPlaying(VoiceId voice) const { return find(voice) != nullptr; }
     /// Frames that were mixed of the voice; 0 when it does not play.
     [[nodiscard]] std::uint64_t played(VoiceId voice) const;
+    /// How loud each side of a voice was in what was mixed last, 0 to 1, before the master volume.
+    [[nodiscard]] std::pair<float, float> peaks(VoiceId voice) const;
     /// Whether nothing is to be heard any more, not even the end of what was taken away.
     [[nodiscard]] bool isSilent() const { return m_voices.empty(); }
 
@@ -70,6 +72,7 @@ private:
         Gains gains;
         std::uint64_t played = 0;
         bool isLeaving = false;
+        int peakLeft = 0, peakRight = 0; ///< of its samples in the last block
         // What it is heard under now and shall be in `rampLeft` frames.
         bool hasBegun = false;
         Gains now, target, step;
@@ -77,6 +80,7 @@ private:
     };
     [[nodiscard]] const Voice* find(VoiceId voice) const;
     void mixBlock(std::span<StereoFrame> out);
+    static void notePeaks(Voice& voice, std::span<const StereoFrame> frames);
     void aim(Voice& voice) const;
     void accumulate(Voice& voice, std::span<const StereoFrame> in, float* left, float* right) const;
     StereoFrame limited(float left, float right);

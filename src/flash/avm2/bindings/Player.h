@@ -8,15 +8,22 @@
 #include "flash/stage/ScriptHost.h"
 #include "flash/stage/Stage.h"
 
+#include <array>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
 
 namespace flash::avm2
 {
+
+/// Gives the next frames of a sound's samples, at 44100 Hz. @param from where to go before, if anywhere
+/// @returns how many there were
+using SoundReader =
+    std::function<std::size_t(std::optional<std::uint64_t> from, std::span<std::array<std::int16_t, 2>>)>;
 
 struct PlayerInputs {
     std::function<double()> wallClockMs; ///< since 1970-01-01 UTC, when the movie is opened
@@ -28,6 +35,11 @@ struct PlayerInputs {
     // What the stage's services do not know of sound; may be none.
     std::function<void(std::span<float> left, std::span<float> right)> recentSound; ///< heard last, -1 to 1
     std::function<stage::SoundId(std::shared_ptr<stage::SampleQueue>)> playSamples;
+    std::function<std::pair<float, float>(stage::SoundId)> soundPeaks; ///< left and right, 0 to 1
+    /// Of a sound of the library or, where that is null, of a file. @returns none for what cannot be read
+    std::function<SoundReader(const stage::MoviePtr&, const swf::Sound*,
+                              const std::shared_ptr<const std::vector<std::uint8_t>>&)>
+        readSound;
 };
 
 /// Joins the machine to a stage: the frames of the display list as scripts see it, timers, events.

@@ -40,19 +40,40 @@ stage::SoundSystem& system(Vm& vm) { return Player::of(vm).stage().services().so
                   "Functions called in incorrect sequence, or earlier call was unsuccessful.");
 }
 
+constexpr double kSamplesPerMs = 44.1;
+
 double lengthMs(Vm& vm, const SoundObject& sound)
 {
     if (const swf::Sound* symbol = sound.symbolSound()) return system(vm).durationMs(*symbol);
+    if (sound.samples) return static_cast<double>(sound.samples->size()) / kSamplesPerMs;
     return sound.file ? system(vm).fileDurationMs(*sound.file) : 0;
 }
 
 // ---- playing ----
 
+/// What a script has given is heard as if it were made while it plays.
+stage::SoundId playSamples(Vm& vm, const SoundObject& sound, SoundChannelObject& channel, double startMs,
+                           std::uint16_t loops)
+{
+    constexpr std::size_t kMaxFrames = std::size_t{1} << 25U;
+    const SoundObject::Samples& samples = *sound.samples;
+    const auto first = static_cast<std::size_t>(std::max(startMs, 0.0) * kSamplesPerMs);
+    auto queue = std::make_shared<stage::SampleQueue>();
+    for (std::uint16_t i = 0; i < loops && first < samples.size(); ++i) {
+        if (queue->frames.size() + samples.size() - first > kMaxFrames) break;
+        queue->frames.insert(queue->frames.end(), samples.begin() + static_cast<std::ptrdiff_t>(first),
+                             samples.end());
+    }
+    queue->isEnded = true;
+    channel.startMs = static_cast<double>(first) / kSamplesPerMs;
+    return Player::of(vm).inputs().playSamples(std::move(queue));
+}
+
 /// @returns whether anything plays
 bool begin(Vm& vm, SoundObject& sound, SoundChannelObject& channel, double startMs, std::uint16_t loops)
 {
     swf::SoundInfo info;
-    constexpr double kSamplesPerMs = 44.1, kMaxStartMs = 1e8;
+    constexpr double kMaxStartMs = 1e8;
     if (startMs > 0 && startMs < kMaxStartMs)
         info.inPoint = static_cast<std::uint32_t>(startMs * kSamplesPerMs);
     info.loops = loops;
@@ -60,6 +81,8 @@ bool begin(Vm& vm, SoundObject& sound, SoundChannelObject& channel, double start
         channel.id = system(vm).playSound(nullptr, sound.movie, sound.symbol, *symbol, info);
     else if (sound.file)
         channel.id = system(vm).playFile(nullptr, sound.file, info);
+    else if (sound.samples && Player::of(vm).inputs().playSamples)
+        channel.id = playSamples(vm, sound, channel, startMs, loops);
     if (channel.id == 0) return false;
     system(vm).setSoundTransform(channel.id, channel.transform);
     Player::of(vm).watchSound(channel.id, channel);
@@ -159,17 +182,6 @@ Value close(Call& call)
     sound.waiting.clear();
     return {};
 }
-Value loadCompressed(Call& call)
-{
-    auto* bytes = as<classes::ByteArrayObject>(Value(objectArg(call, 0, "flash.utils::ByteArray")));
-    const std::uint32_t count = call.vm.toUint(call.arg(1));
-    auto& sound = self(call);
-    if (bytes == nullptr) throwNullParameter(call.vm, "bytes");
-    if (!sound.isEmpty()) throwSequence(call.vm);
-    const auto taken = bytes->read(call.vm, count);
-    sound.file = std::make_shared<const std::vector<std::uint8_t>>(taken.begin(), taken.end());
-    return {};
-}
 Value construct(Call& call)
 {
     auto& made = self(call);
@@ -198,20 +210,12 @@ Value id3(Call& call)
     return sound.id3;
 }
 Value isBuffering(Call& call) { return self(call).isLoading; }
-/// What sounds are made of is not given out.
-Value extract(Call& call)
-{
-    if (objectArg(call, 0, "flash.utils::ByteArray") == nullptr) throwNullParameter(call.vm, "target");
-    Player::of(call.vm).log("Sound.extract is not supported");
-    return 0;
-}
-
 // ---- channels ----
 
 Value position(Call& call)
 {
     auto& channel = channelSelf(call);
-    if (channel.id != 0) channel.lastMs = system(call.vm).positionMs(channel.id);
+    if (channel.id != 0) channel.lastMs = channel.startMs + system(call.vm).positionMs(channel.id);
     return channel.lastMs;
 }
 Value stopChannel(Call& call)
@@ -219,13 +223,21 @@ Value stopChannel(Call& call)
     auto& channel = channelSelf(call);
     channel.isStopped = true;
     if (channel.id == 0) return {};
-    channel.lastMs = system(call.vm).positionMs(channel.id);
+    channel.lastMs = channel.startMs + system(call.vm).positionMs(channel.id);
     system(call.vm).stopSound(channel.id);
     Player::of(call.vm).unwatchSound(channel.id);
     channel.id = 0;
     return {};
 }
-Value peak(Call&) { return 0; }
+template <bool isLeft>
+Value peak(Call& call)
+{
+    const auto& peaks = Player::of(call.vm).inputs().soundPeaks;
+    const auto& channel = channelSelf(call);
+    if (channel.id == 0 || !peaks) return 0;
+    const auto [left, right] = peaks(channel.id);
+    return static_cast<double>(isLeft ? left : right);
+}
 Value channelTransform(Call& call) { return makeSoundTransform(call.vm, channelSelf(call).transform); }
 Value setChannelTransform(Call& call)
 {
@@ -247,8 +259,6 @@ constexpr NativeMember kSound[] = {
     {"play", Kind::Method, &play, 0, 3},
     {"load", Kind::Method, &load, 1, 2},
     {"close", Kind::Method, &close, 0, 0},
-    {"extract", Kind::Method, &extract, 2, 3},
-    {"loadCompressedDataFromByteArray", Kind::Method, &loadCompressed, 2, 2},
     {"bytesLoaded", Kind::Getter, &bytesTotal, 0, 0, nullptr, "uint"},
     {"bytesTotal", Kind::Getter, &bytesTotal, 0, 0, nullptr, "int"},
     {"length", Kind::Getter, &soundLength, 0, 0, nullptr, "Number"},
@@ -260,13 +270,24 @@ constexpr NativeMember kSound[] = {
 constexpr NativeMember kChannel[] = {
     {"stop", Kind::Method, &stopChannel, 0, 0},
     {"position", Kind::Getter, &position, 0, 0, nullptr, "Number"},
-    {"leftPeak", Kind::Getter, &peak, 0, 0, nullptr, "Number"},
-    {"rightPeak", Kind::Getter, &peak, 0, 0, nullptr, "Number"},
+    {"leftPeak", Kind::Getter, &peak<true>, 0, 0, nullptr, "Number"},
+    {"rightPeak", Kind::Getter, &peak<false>, 0, 0, nullptr, "Number"},
     {"soundTransform", Kind::Getter, &channelTransform, 0, 0, &setChannelTransform,
      "flash.media::SoundTransform"},
 };
 
-constexpr NativeClass kClasses[] = {
+std::span<const NativeMember> soundMembers()
+{
+    static const auto kMembers = [] {
+        std::vector<NativeMember> all(std::begin(kSound), std::end(kSound));
+        const auto samples = soundSampleMembers();
+        all.insert(all.end(), samples.begin(), samples.end());
+        return all;
+    }();
+    return kMembers;
+}
+
+const NativeClass kClasses[] = {
     {.package = "flash.media",
      .name = "Sound",
      .base = "flash.events::EventDispatcher",
@@ -275,7 +296,7 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 0,
      .maxArguments = 2,
      .allocate = &allocateNative<SoundObject>,
-     .members = kSound},
+     .members = soundMembers()},
     {.package = "flash.media",
      .name = "SoundChannel",
      .base = "flash.events::EventDispatcher",
@@ -379,7 +400,7 @@ void Player::tellFinishedSounds()
         Root<SoundChannelObject> channel(m_vm->heap(), static_cast<SoundChannelObject*>(found->second.get()));
         m_sounds.erase(found);
         m_madeSounds.erase(id);
-        channel->lastMs = m_services.sound.positionMs(id);
+        channel->lastMs = channel->startMs + m_services.sound.positionMs(id);
         channel->id = 0;
         m_vm->guarded([&] { fire(*m_vm, *channel, "soundComplete"); });
     }
