@@ -41,25 +41,33 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     if (!m_pictureRoot) node.noteDrawn(reach);
     if (!reach.intersects(m_canvas.clip())) return;
 
-    const bool alphaMask = node.mask() && node.cacheAsBitmap() && node.mask()->cacheAsBitmap();
-    if (node.mask()) {
+    // Filters work on the part of the picture that the mask lets through. Where there is none, the player has
+    // nothing to make a bitmap of, and shows the node as if it had neither filters nor mask.
+    Node* mask = node.mask();
+    static const std::vector<swf::Filter> kNoFilters;
+    const bool isMissed = mask && !node.filters().empty() && !mask->reach().isEmpty() &&
+                          !render::deviceBounds(mask->reach(), m_view * mask->toStage()).intersects(content);
+    const std::vector<swf::Filter>& filters = isMissed ? kNoFilters : node.filters();
+    if (isMissed) mask = nullptr;
+    const bool alphaMask = mask && node.cacheAsBitmap() && mask->cacheAsBitmap();
+    if (mask) {
         m_canvas.beginMask(alphaMask ? render::MaskKind::Alpha : render::MaskKind::Opaque);
-        drawAsMask(*node.mask(), m_view * node.mask()->toStage());
+        drawAsMask(*mask, m_view * mask->toStage());
         m_canvas.endMask();
     }
     const bool blends = node.blend() != swf::BlendMode::Normal;
-    const bool layered = blends || !node.filters().empty() || node.cacheAsBitmap();
+    const bool layered = blends || !filters.empty() || node.cacheAsBitmap();
     if (layered) {
         constexpr long long kPixelsPerStep = 256;
         const render::IntRect area = render::intersect(content, m_canvas.clip());
         guard::check(static_cast<std::uint32_t>(1 + 1LL * area.width() * area.height() / kPixelsPerStep));
-        m_canvas.beginLayer(content, node.filters());
+        m_canvas.beginLayer(content, filters);
         drawContent(node, toDevice, {});
-        m_canvas.endLayer(blends ? node.blend() : swf::BlendMode::Layer, color, node.filters());
+        m_canvas.endLayer(blends ? node.blend() : swf::BlendMode::Layer, color, filters);
     } else {
         drawContent(node, toDevice, color);
     }
-    if (node.mask()) m_canvas.popMask();
+    if (mask) m_canvas.popMask();
 }
 
 // A bitmap's pixels begin with the upper left corner of what it shows; halves go to the right and down.

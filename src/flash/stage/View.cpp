@@ -199,9 +199,14 @@ void View::collectDirty()
         addDirty(node->takeChange());
         if (node->isRemoved()) continue;
         render::IntRect bounds = render::deviceBounds(node->reach(), view * node->toStage());
-        for (const Node* at = node.get(); at; at = at->parent())
+        for (Node* at = node.get(); at; at = at->parent()) {
             if (!at->filters().empty())
                 bounds = render::grown(bounds, render::filterGrowth(at->filters(), scale));
+            // A mask that no longer meets what has filters lets all of it be seen.
+            if (Node* maskee = at->maskee(); maskee && !maskee->filters().empty())
+                addDirty(render::grown(render::deviceBounds(maskee->reach(), view * maskee->toStage()),
+                                       render::filterGrowth(maskee->filters(), scale)));
+        }
         addDirty(bounds);
     }
     m_dirty = render::intersect(m_dirty, area());
