@@ -84,7 +84,8 @@ void Canvas::Impl::beginLayer(const IntRect& deviceBounds, std::span<const swf::
     const Growth growth = filterGrowth(filters, m_pixelScale);
     // What lies outside the clip is needed as far as the filters carry it inside.
     const Growth reach{growth.right, growth.bottom, growth.left, growth.top};
-    IntRect bounds = intersect(grown(deviceBounds, growth), grown(grown(clip(), reach), growth));
+    IntRect bounds = grown(deviceBounds, growth);
+    if (!needsWhole(filters)) bounds = intersect(bounds, grown(grown(clip(), reach), growth));
     if (1LL * bounds.width() * bounds.height() > kMaxLayerPixels) bounds = {};
     pushFrame(Frame::Kind::Layer, bounds);
 }

@@ -2,6 +2,7 @@
 
 #include "flash/guard/Guard.h"
 #include "flash/render/Blur.h"
+#include "flash/render/Displacement.h"
 #include "flash/render/Pixel.h"
 #include "flash/render/ShadowFilters.h"
 
@@ -14,6 +15,11 @@ namespace flash::render
 {
 namespace
 {
+
+void apply(const swf::DisplacementMapFilter& filter, SurfaceView surface, double scale)
+{
+    displace(filter, surface, scale);
+}
 
 Growth blurGrowth(double blurX, double blurY, int passes, double scale)
 {
@@ -173,6 +179,8 @@ Growth growthOf(const swf::ConvolutionFilter& f, double)
     return {x, y, x, y};
 }
 Growth growthOf(const swf::ColorMatrixFilter&, double) { return {}; }
+// What is moved beyond the edges is lost.
+Growth growthOf(const swf::DisplacementMapFilter&, double) { return {}; }
 
 } // namespace
 
@@ -207,7 +215,26 @@ void applyFilter(const swf::Filter& filter, SurfaceView surface, double scale)
 
 void applyFilters(std::span<const swf::Filter> filters, SurfaceView surface, double scale)
 {
-    for (const swf::Filter& filter : filters) applyFilter(filter, surface, scale);
+    if (!needsWhole(filters)) {
+        for (const swf::Filter& filter : filters) applyFilter(filter, surface, scale);
+        return;
+    }
+    // Each filter has the result of those before it, and no more.
+    const Growth all = filterGrowth(filters, scale);
+    IntRect own{all.left, all.top, surface.width - all.right, surface.height - all.bottom};
+    for (const swf::Filter& filter : filters) {
+        own = grown(own, filterGrowth(filter, scale));
+        if (own.isEmpty()) return;
+        applyFilter(filter, {surface.row(own.top) + own.left, own.width(), own.height(), surface.stride},
+                    scale);
+    }
+}
+
+bool needsWhole(std::span<const swf::Filter> filters)
+{
+    return std::ranges::any_of(filters, [](const swf::Filter& filter) {
+        return std::holds_alternative<swf::DisplacementMapFilter>(filter);
+    });
 }
 
 } // namespace flash::render

@@ -23,6 +23,11 @@ IntRect grown(const IntRect& rect, const Growth& growth);
 /// Applies a filter in place. The surface must already have room for the result: pixels that would fall
 /// outside are lost, and everything outside counts as transparent.
 void applyFilter(const swf::Filter& filter, SurfaceView surface, double scale = 1);
+/// @param surface holds what is filtered with filterGrowth() of the chain around it, on each side
 void applyFilters(std::span<const swf::Filter> filters, SurfaceView surface, double scale = 1);
+
+/// Whether a chain asks where what it filters begins and ends, and may look anywhere in it: it is never to be
+/// given a part.
+[[nodiscard]] bool needsWhole(std::span<const swf::Filter> filters);
 
 } // namespace flash::render

@@ -36,6 +36,11 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
         ++content.left;
         ++content.top;
     }
+    // Where pixels are moved about by a map, the map begins with the first pixel.
+    if (render::needsWhole(node.filters()) && !content.isEmpty()) {
+        content = render::deviceBounds(node.reach(), toDevice);
+        content = render::IntRect{content.left + 1, content.top + 1, content.right - 1, content.bottom - 1};
+    }
     render::IntRect reach = content;
     if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
     if (!m_pictureRoot) node.noteDrawn(reach);

@@ -84,8 +84,18 @@ struct ConvolutionFilter {
 struct ColorMatrixFilter {
     std::array<double, 20> matrix{};
 };
+/// Moves pixels about as a picture tells. Only scripts make one: no file holds it.
+struct DisplacementMapFilter {
+    enum class Mode : std::uint8_t { Wrap, Clamp, Ignore, Color };
+    std::shared_ptr<Bitmap> map;        ///< a script's, that may draw on it; null moves nothing
+    int mapX = 0, mapY = 0;             ///< of the map's corner from that of what is filtered, pixels
+    int componentX = 0, componentY = 0; ///< channels: 1 red, 2 green, 4 blue, 8 alpha; others move nothing
+    double scaleX = 0, scaleY = 0;      ///< pixels that 256 levels of a channel stand for
+    Mode mode = Mode::Wrap;             ///< what becomes of places outside of what is filtered
+    Rgba color;                         ///< for Mode::Color
+};
 using Filter = std::variant<BlurFilter, DropShadowFilter, GlowFilter, BevelFilter, GradientFilter,
-                            ConvolutionFilter, ColorMatrixFilter>;
+                            ConvolutionFilter, ColorMatrixFilter, DisplacementMapFilter>;
 
 /// Bits of ClipAction::events, as in the file's 32-bit form.
 enum ClipEvent : std::uint32_t {

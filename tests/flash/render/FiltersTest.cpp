@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -286,6 +287,90 @@ TEST(Filters, OnePixelOfBlurIsNoneAtAnyScale)
     // Three pixels wide, one to either side.
     EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{2, 2, 1}}, 2), (Growth{1, 1, 1, 1}));
     EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{3, 1, 1}}, 1), (Growth{1, 0, 1, 0}));
+}
+
+using Displacement = swf::DisplacementMapFilter;
+
+// Four pixels in a row: white, red, green, blue; the map asks for the pixel `away` further on.
+std::vector<std::uint32_t> displacedRow(Displacement filter, int away)
+{
+    constexpr std::uint32_t kBlue = 0xFF0000FF;
+    Surface row(4, 1);
+    for (int x = 0; x < 4; ++x)
+        row.row(0)[x] = std::array{kWhite, kRed, kGreen, kBlue}[static_cast<std::size_t>(x)];
+    auto map = std::make_shared<swf::Bitmap>(swf::Bitmap{4, 1, false, {}});
+    map->pixels.assign(4, packPixel(255, static_cast<std::uint32_t>(128 + away), 0, 0));
+    filter.map = map;
+    filter.componentX = 1;
+    filter.scaleX = 256;
+    applyFilter(filter, row.view());
+    return {row.row(0), row.row(0) + 4};
+}
+
+TEST(Filters, DisplacementTreatsPlacesOutsideAsItsModeSays)
+{
+    constexpr std::uint32_t kBlue = 0xFF0000FF, kGray = 0xFF808080;
+    const auto in = [](Displacement::Mode mode) {
+        Displacement filter;
+        filter.mode = mode;
+        filter.color = {128, 128, 128, 255};
+        return filter;
+    };
+    using Row = std::vector<std::uint32_t>;
+    EXPECT_EQ(displacedRow(in(Displacement::Mode::Wrap), 1), (Row{kRed, kGreen, kBlue, kWhite}));
+    EXPECT_EQ(displacedRow(in(Displacement::Mode::Clamp), 2), (Row{kGreen, kBlue, kBlue, kBlue}));
+    EXPECT_EQ(displacedRow(in(Displacement::Mode::Ignore), -1), (Row{kWhite, kWhite, kRed, kGreen}));
+    EXPECT_EQ(displacedRow(in(Displacement::Mode::Color), -2), (Row{kGray, kGray, kWhite, kRed}));
+    Displacement beside = in(Displacement::Mode::Wrap);
+    beside.mapX = 2;
+    EXPECT_EQ(displacedRow(beside, 1), (Row{kWhite, kRed, kBlue, kWhite})) << "where the map does not lie";
+    Displacement none = in(Displacement::Mode::Wrap);
+    none.componentY = 3; // two channels at once are none
+    none.scaleY = 1000;
+    EXPECT_EQ(displacedRow(none, 0), (Row{kWhite, kRed, kGreen, kBlue}));
+}
+
+TEST(Filters, DisplacementSurvivesNumbersThatMakeNoSense)
+{
+    for (const double scale : {1e300, -1e300, std::numeric_limits<double>::infinity(), std::nan("")}) {
+        for (const auto mode :
+             {Displacement::Mode::Wrap, Displacement::Mode::Clamp, Displacement::Mode::Ignore}) {
+            Displacement filter;
+            filter.mode = mode;
+            filter.mapX = -2147483647;
+            displacedRow(filter, 1);
+            filter.mapX = 0;
+            filter.componentY = 1;
+            filter.scaleY = scale;
+            displacedRow(filter, 1);
+        }
+    }
+    Surface surface(3, 3);
+    Displacement empty;
+    empty.map = std::make_shared<swf::Bitmap>(swf::Bitmap{4, 4, false, {}}); // fewer pixels than it states
+    applyFilter(empty, surface.view());
+}
+
+// What is before it in the chain lets the picture grow, and the map begins with what that has made.
+TEST(Filters, DisplacementSeesTheResultOfThoseBefore)
+{
+    Displacement shift;
+    shift.map = std::make_shared<swf::Bitmap>(swf::Bitmap{64, 64, true, {}});
+    shift.map->pixels.assign(64 * 64, 0xFF818181);
+    shift.componentX = 1;
+    shift.scaleX = 256;
+    shift.mode = Displacement::Mode::Clamp;
+    const std::vector<swf::Filter> chain{swf::BlurFilter{5, 5, 1}, shift}, blur{swf::BlurFilter{5, 5, 1}};
+    const Growth growth = filterGrowth(chain);
+    EXPECT_EQ(growth, filterGrowth(blur));
+    const auto draw = [&](const std::vector<swf::Filter>& filters) {
+        Surface surface(21, 21);
+        for (int y = 5; y < 16; ++y) std::fill_n(surface.row(y) + 5, 11, kRed);
+        applyFilters(filters, surface.view());
+        return surface;
+    };
+    const Surface moved = draw(chain), still = draw(blur);
+    for (int x = 0; x < 20; ++x) ASSERT_EQ(moved.pixel(x, 10), still.pixel(x + 1, 10)) << x;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "flash/avm1/bindings/BitmapDataMembers.h"
 #include "flash/avm1/bindings/Classes.h"
+#include "flash/avm1/classes/BitmapDataNative.h"
 #include "flash/avm1/classes/Filters.h"
 #include "flash/avm1/classes/GeomValues.h"
 #include "flash/guard/Guard.h"
@@ -18,17 +19,6 @@ namespace
 
 using bitmaps::color;
 using bitmaps::kRefused;
-
-struct BitmapDataNative final : Native {
-    static inline const char kTag = 0;
-    explicit BitmapDataNative(std::shared_ptr<swf::Bitmap> picture) : bitmap(std::move(picture)) {}
-    [[nodiscard]] const void* tag() const override { return &kTag; }
-    void trace(Tracer& tracer) override
-    {
-        if (bitmap) tracer.outside(bitmap->pixels.size() * sizeof(std::uint32_t));
-    }
-    std::shared_ptr<swf::Bitmap> bitmap; ///< null once disposed of
-};
 
 void attach(Vm& vm, Object& object, std::shared_ptr<swf::Bitmap> bitmap)
 {

@@ -1,5 +1,6 @@
 #include "flash/avm1/classes/Filters.h"
 
+#include "flash/avm1/classes/BitmapDataNative.h"
 #include "flash/avm1/classes/FilterFields.h"
 
 #include <utility>
@@ -172,9 +173,22 @@ swf::Filter describe(const FilterNative& f)
             filter.matrix[i] = f.matrix[i];
         return filter;
     }
+    case FilterKind::DisplacementMap: {
+        swf::DisplacementMapFilter filter;
+        const auto* map = f.map == nullptr ? nullptr : f.map->native<BitmapDataNative>();
+        if (map != nullptr) filter.map = map->bitmap;
+        filter.mapX = static_cast<int>(f.mapX);
+        filter.mapY = static_cast<int>(f.mapY);
+        filter.componentX = static_cast<int>(f[F::ComponentX]);
+        filter.componentY = static_cast<int>(f[F::ComponentY]);
+        filter.scaleX = f[F::ScaleX];
+        filter.scaleY = f[F::ScaleY];
+        filter.mode = static_cast<swf::DisplacementMapFilter::Mode>(f[F::Mode]);
+        filter.color = rgba(f[F::Color], f[F::Alpha]);
+        return filter;
+    }
     case FilterKind::Blur:
     case FilterKind::Base:
-    case FilterKind::DisplacementMap:
     case FilterKind::Count: break;
     }
     return swf::BlurFilter{f[F::BlurX], f[F::BlurY], passes};
@@ -284,13 +298,27 @@ struct Recorder {
         make(FilterKind::ColorMatrix).matrix.assign(filter.matrix.begin(), filter.matrix.end());
         return "ColorMatrixFilter";
     }
+    const char* operator()(const swf::DisplacementMapFilter& filter)
+    {
+        FilterNative& f = make(FilterKind::DisplacementMap);
+        f[F::ComponentX] = filter.componentX;
+        f[F::ComponentY] = filter.componentY;
+        f[F::ScaleX] = filter.scaleX;
+        f[F::ScaleY] = filter.scaleY;
+        f[F::Mode] = static_cast<double>(filter.mode);
+        f[F::Color] = rgbOf(filter.color);
+        f[F::Alpha] = filter.color.a;
+        f.mapX = filter.mapX;
+        f.mapY = filter.mapY;
+        return "DisplacementMapFilter";
+    }
 };
 
-/// The prototype of flash.filters.NAME as scripts left it, or null.
-Object* filterPrototype(Vm& vm, const char* name)
+/// The prototype of flash.PACKAGE.NAME as scripts left it, or null.
+Object* classPrototype(Vm& vm, const char* package, const char* name)
 {
     Object* object = vm.global();
-    for (const char* step : {"flash", "filters", name, "prototype"}) {
+    for (const char* step : {"flash", package, name, "prototype"}) {
         object = object->get(vm, vm.name(std::string_view(step))).asObject();
         if (object == nullptr) break;
     }
@@ -324,8 +352,6 @@ std::optional<swf::Filter> filterFromValue(Value value)
     const Object* object = value.asObject();
     const auto* filter = object == nullptr ? nullptr : object->native<FilterNative>();
     if (filter == nullptr || filter->kind == FilterKind::Base) return {};
-    // TODO: nothing moves pixels about yet; a displaced clip shows as it is.
-    if (filter->kind == FilterKind::DisplacementMap) return {};
     return describe(*filter);
 }
 
@@ -346,10 +372,19 @@ Value filterToValue(Vm& vm, const swf::Filter& filter)
 {
     Recorder recorder{vm.heap()};
     const char* name = std::visit(recorder, filter);
-    Object* prototype = filterPrototype(vm, name);
+    Object* prototype = classPrototype(vm, "filters", name);
     if (prototype == nullptr) return {};
     Object* object = vm.newObject(prototype);
     object->attach(recorder.made);
+    const auto* displacement = std::get_if<swf::DisplacementMapFilter>(&filter);
+    Object* picture = displacement != nullptr && displacement->map != nullptr
+                          ? classPrototype(vm, "display", "BitmapData")
+                          : nullptr;
+    if (picture != nullptr) {
+        Object* map = vm.newObject(picture);
+        map->attachNew<BitmapDataNative>(displacement->map);
+        recorder.made->map = map;
+    }
     return object;
 }
 

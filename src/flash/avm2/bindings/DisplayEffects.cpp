@@ -58,29 +58,30 @@ Value filters(Call& call)
     for (std::size_t i = 0; i < kept.size(); ++i) list->push(call.vm, call.vm.callPublic(kept[i], "clone"));
     return Value(list);
 }
-/// What the renderer has no filter for is kept for scripts, and changes nothing.
+/// Scripts find the map of a displacement again, and not another one that looks the same: the chain is kept
+/// as they have set it.
 Value setFilters(Call& call)
 {
     Vm& vm = call.vm;
     std::vector<swf::Filter> filters;
     RootedList<Value> kept(vm.heap());
-    bool allKnown = true;
-    const Traits* unknown = vm.nativeClass("flash.filters::DisplacementMapFilter")->instances;
+    bool keeps = false;
+    const Traits* mapped = vm.nativeClass("flash.filters::DisplacementMapFilter")->instances;
     auto* list = as<ArrayObject>(vm.coerce(call.arg(0), vm.classes().array->instances));
     for (std::uint32_t i = 0; list != nullptr && i < list->length(); ++i) {
         const Value value = list->at(vm, i);
         const auto filter = filterOf(vm, value);
-        const bool isKept = !filter && value.isObject() && value.object()->traits()->isA(unknown);
-        if (!filter && !isKept)
+        if (!filter)
             vm.throwError(ErrorClass::Argument, 2005,
                           "Parameter 0 is of the incorrect type. Should be type Filter.");
-        if (filter) filters.push_back(*filter);
-        allKnown = allKnown && filter.has_value();
-        kept.push_back(filter ? newFilter(vm, *filter) : displacement(vm, *value.object()));
+        filters.push_back(*filter);
+        const bool isMapped = value.object()->traits()->isA(mapped);
+        keeps = keeps || isMapped;
+        kept.push_back(isMapped ? displacement(vm, *value.object()) : newFilter(vm, *filter));
     }
     auto& object = displaySelf(call);
     object.filterValues.clear();
-    if (!allKnown) object.filterValues.assign(kept->begin(), kept->end());
+    if (keeps) object.filterValues.assign(kept->begin(), kept->end());
     object.node().setFilters(std::move(filters));
     return {};
 }

@@ -1,3 +1,4 @@
+#include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Graphics.h"
 
@@ -14,6 +15,8 @@ namespace
 
 constexpr double kDegree = std::numbers::pi / 180;
 constexpr std::size_t kMatrixSize = 20;
+// In the order of the modes; the first also stands for every other text.
+constexpr std::string_view kDisplacementModes[] = {"wrap", "clamp", "ignore", "color"};
 
 swf::Rgba rgba(Object& object, std::uint32_t colorSlot, std::uint32_t alphaSlot)
 {
@@ -131,7 +134,44 @@ struct ToValue {
         made->setSlot(0, Value(matrix));
         return Value(made);
     }
+    Value operator()(const swf::DisplacementMapFilter& f) const
+    {
+        Object* made = make(vm, "flash.filters::DisplacementMapFilter");
+        fill(*made, {f.map ? newBitmapData(vm, f.map) : Value::null(), newPoint(vm, f.mapX, f.mapY),
+                     f.componentX, f.componentY, f.scaleX, f.scaleY,
+                     Value(vm.name(kDisplacementModes[static_cast<std::size_t>(f.mode)]).string()),
+                     Value(static_cast<double>(rgbOf(f.color))), alphaOf(f.color)});
+        return Value(made);
+    }
 };
+
+swf::Filter displacementFilter(Vm& vm, Object& f)
+{
+    swf::DisplacementMapFilter result;
+    if (const auto* map = as<BitmapDataObject>(f.slot(0))) result.map = map->bitmap;
+    if (Object* point = f.slot(1).asObject()) {
+        const auto whole = [](double value) {
+            constexpr double kFar = 1 << 29;
+            return static_cast<int>(std::clamp(std::isnan(value) ? 0 : std::trunc(value), -kFar, kFar));
+        };
+        const swf::Point at = pointOf(*point);
+        result.mapX = whole(at.x);
+        result.mapY = whole(at.y);
+    }
+    result.componentX = vm.toInt(f.slot(2));
+    result.componentY = vm.toInt(f.slot(3));
+    result.scaleX = slotNumber(f, 4);
+    result.scaleY = slotNumber(f, 5);
+    if (f.slot(6).isString()) {
+        const std::u16string_view mode = vm.text(f.slot(6));
+        for (std::size_t i = 0; i < std::size(kDisplacementModes); ++i) {
+            if (std::ranges::equal(mode, kDisplacementModes[i]))
+                result.mode = static_cast<swf::DisplacementMapFilter::Mode>(i);
+        }
+    }
+    result.color = rgba(f, 7, 8);
+    return result;
+}
 
 } // namespace
 
@@ -190,6 +230,7 @@ std::optional<swf::Filter> filterOf(Vm& vm, Value value)
         result.defaultColor = rgba(f, 7, 8);
         return result;
     }
+    if (name == u"DisplacementMapFilter") return displacementFilter(vm, f);
     return {};
 }
 
