@@ -126,4 +126,9 @@ void Canvas::endLayer(swf::BlendMode blend, const swf::ColorTransform& color,
     m_impl->endLayer(blend, color, filters);
 }
 
+std::unique_ptr<Canvas> Canvas::companion(SurfaceView target) const
+{
+    return std::make_unique<Canvas>(target, m_impl->m_quality, m_impl->m_cache);
+}
+
 } // namespace flash::render

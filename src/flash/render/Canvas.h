@@ -110,6 +110,9 @@ public:
     void endLayer(swf::BlendMode blend = swf::BlendMode::Layer, const swf::ColorTransform& color = {},
                   std::span<const swf::Filter> filters = {});
 
+    /// One that draws elsewhere in the same quality, between two calls of this one.
+    [[nodiscard]] std::unique_ptr<Canvas> companion(SurfaceView target) const;
+
     /// Whether what is drawn becomes a mask.
     [[nodiscard]] bool buildsMask() const;
 

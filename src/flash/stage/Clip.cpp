@@ -326,7 +326,7 @@ bool Clip::hitsShape(swf::Point stagePoint)
 {
     guard::check();
     // Quick refusal, with room for hairlines.
-    const swf::Matrix toStageSpace = toStage();
+    const swf::Matrix toStageSpace = toStageAt(stagePoint);
     if (!toStageSpace.isInvertible()) return false;
     const swf::Point own = toStageSpace.inverted().map(stagePoint);
     const swf::Rect extent = bounds(Extent::WithStrokes);

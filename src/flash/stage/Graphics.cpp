@@ -31,14 +31,15 @@ swf::Matrix scaledBy(const swf::Matrix& m, double factor)
 bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint)
 {
     const auto sliced = node.sliced();
-    const swf::Matrix toStage = sliced ? sliced->holder->toStage() * sliced->toHolder : node.toStage();
+    const swf::Matrix toStage =
+        sliced ? sliced->holder->toStageAt(stagePoint) * sliced->toHolder : node.toStageAt(stagePoint);
     if (!toStage.isInvertible()) return false;
     return render::shapeContains(sliced ? *sliced->shape : shape, toStage.inverted().map(stagePoint));
 }
 
 bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint)
 {
-    const swf::Matrix toStage = node.toStage();
+    const swf::Matrix toStage = node.toStageAt(stagePoint);
     if (rect.isEmpty() || !toStage.isInvertible()) return false;
     const swf::Point p = toStage.inverted().map(stagePoint);
     return p.x >= rect.xMin && p.x < rect.xMax && p.y >= rect.yMin && p.y < rect.yMax;
@@ -99,7 +100,7 @@ swf::Rect StaticTextNode::bounds(Extent) { return m_text.bounds; }
 
 bool StaticTextNode::hitsShape(swf::Point stagePoint)
 {
-    const swf::Matrix nodeToStage = toStage();
+    const swf::Matrix nodeToStage = toStageAt(stagePoint);
     for (const Run& run : m_runs) {
         for (const Glyph& glyph : run.glyphs) {
             const swf::Matrix toStageSpace = nodeToStage * glyph.toNode;

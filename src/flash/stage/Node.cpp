@@ -3,6 +3,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/ScalingGrid.h"
+#include "flash/stage/Space.h"
 #include "flash/stage/Stage.h"
 #include "flash/swf/LevelName.h"
 

@@ -15,6 +15,11 @@ namespace flash::render
 {
 class Canvas;
 }
+namespace flash::swf
+{
+struct Matrix3D;
+struct Perspective;
+} // namespace flash::swf
 
 namespace flash::stage
 {
@@ -23,6 +28,8 @@ class Stage;
 class Clip;
 class Button;
 class Node;
+struct Space;
+struct SpacePlace;
 enum class Event : std::uint8_t;
 enum class Cursor : std::uint8_t;
 enum class TextCommand : std::uint8_t;
@@ -145,6 +152,32 @@ public:
     [[nodiscard]] bool isScriptTransformed() const { return m_scriptTransformed; }
     void setScriptTransformed() { m_scriptTransformed = true; }
 
+    // ---- space: null and unused as long as nothing leaves its plane ----
+    [[nodiscard]] const Space* space() const { return m_space.get(); }
+    /// Whether it has a place in space, which then counts instead of its matrix. The matrix, and what scripts
+    /// see as scale and rotation, follow it as far as they can.
+    [[nodiscard]] const SpacePlace* spacePlace() const;
+    /// That place, or the one that its matrix gives it.
+    [[nodiscard]] SpacePlace spacePlaceOrFlat();
+    void setSpacePlace(const SpacePlace& place);
+    /// Back into the plane, where its matrix has it.
+    void clearSpacePlace();
+    /// The perspective in which what it contains is seen; nothing: that of what contains it.
+    void setPerspective(const std::optional<swf::Perspective>& perspective);
+    /// Whether it, or something that contains it, has left the plane.
+    [[nodiscard]] bool isInSpace() const;
+    /// Whether something below it has.
+    [[nodiscard]] bool holdsSpace() const;
+    /// What the eye does to the parent's space, on the way to the parent's plane.
+    [[nodiscard]] swf::Matrix3D perspectiveAround() const;
+    /// Its own place in its parent's space.
+    [[nodiscard]] swf::Matrix3D matrix3D() const;
+    /// To the stage, as seen.
+    [[nodiscard]] swf::Matrix3D toStageInSpace() const;
+    /// As toStage(); in space the matrix that is right for what is seen at that point.
+    /// Not invertible where nothing of its plane is seen.
+    [[nodiscard]] swf::Matrix toStageAt(swf::Point stagePoint) const;
+
     // ---- geometry ----
     /// Of what it shows, in its own space. With or without strokes.
     enum class Extent : std::uint8_t { WithStrokes, WithoutStrokes };
@@ -235,6 +268,7 @@ public:
     Peer* peer = nullptr;
 
 protected:
+    Space& needSpace();
     /// What a scaling grid slices. Null for what is scaled as a whole.
     virtual std::shared_ptr<const swf::Shape> outline() { return nullptr; }
     void cacheScale();
@@ -285,7 +319,8 @@ protected:
     Node* m_maskee = nullptr;
     struct SliceCache;
     std::unique_ptr<SliceCache> m_sliceCache; ///< made when first sliced
-    render::IntRect m_drawnBounds;            ///< device pixels, as last drawn; empty when not drawn
+    std::unique_ptr<Space> m_space;
+    render::IntRect m_drawnBounds; ///< device pixels, as last drawn; empty when not drawn
 };
 
 } // namespace flash::stage

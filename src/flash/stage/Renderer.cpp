@@ -3,6 +3,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/render/Filters.h"
 #include "flash/stage/Clip.h"
+#include "flash/stage/Stage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +15,10 @@ namespace flash::stage
 void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor)
 {
     if (!node.isVisible() || node.maskee()) return;
+    if (node.spacePlace()) {
+        drawOutOfPlane(node, parentToDevice, parentColor * node.color());
+        return;
+    }
     drawPlaced(node, parentToDevice * node.matrix(), parentColor * node.color());
 }
 
@@ -43,7 +48,10 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     }
     render::IntRect reach = content;
     if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
-    if (!m_pictureRoot) node.noteDrawn(reach);
+    // What has left the plane may be seen far from where it would lie in it.
+    const bool reachesOut = node.stage().view().hasSpaces() && node.holdsSpace();
+    if (reachesOut) content = reach = m_canvas.clip();
+    if (!m_pictureRoot) node.noteDrawn(m_noteAs ? *m_noteAs : reach);
     if (!reach.intersects(m_canvas.clip())) return;
 
     // Filters work on the part of the picture that the mask lets through. Where there is none, the player has

@@ -3,6 +3,8 @@
 #include "flash/render/Canvas.h"
 #include "flash/stage/Node.h"
 
+#include <optional>
+
 namespace flash::stage
 {
 
@@ -26,11 +28,22 @@ private:
     static swf::Matrix snapped(swf::Matrix matrix, const swf::Rect& rect);
     void drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawAsMask(Node& mask, const swf::Matrix& toDevice);
+    // ---- what has left the plane ----
+    /// Whether a node is drawn with all it contains, or what it shows itself.
+    enum class Part : std::uint8_t { Whole, Own };
+    void drawOutOfPlane(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& color);
+    void drawInSpace(Node& node, const swf::Matrix3D& toDevice, const swf::ColorTransform& color);
+    void drawChildrenInSpace(Node& node, const swf::Matrix3D& toDevice, const swf::ColorTransform& color);
+    void drawProjected(Node& node, const swf::Matrix3D& toDevice, const swf::ColorTransform& color,
+                       Part part);
+
     render::Canvas& m_canvas;
     swf::Matrix m_view;
     int m_depth = 0;
     /// What a picture is drawn of; what is drawn then says nothing about where the stage must be drawn again.
     Node* m_pictureRoot = nullptr;
+    /// Where all that is drawn is seen, when that is elsewhere; device pixels.
+    std::optional<render::IntRect> m_noteAs;
 };
 
 } // namespace flash::stage

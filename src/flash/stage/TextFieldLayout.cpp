@@ -245,7 +245,7 @@ swf::Point TextField::textOrigin()
 
 swf::Point TextField::toText(swf::Point stagePoint)
 {
-    const swf::Matrix matrix = toStage();
+    const swf::Matrix matrix = toStageAt(stagePoint);
     const swf::Point own = matrix.isInvertible() ? matrix.inverted().map(stagePoint) : swf::Point{};
     const swf::Point origin = textOrigin();
     return {own.x - origin.x, own.y - origin.y};

@@ -5,9 +5,11 @@
 #include "flash/render/RenderCache.h"
 #include "flash/stage/Renderer.h"
 #include "flash/stage/Stage.h"
+#include "flash/swf/Space.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace flash::stage
 {
@@ -169,6 +171,16 @@ swf::Matrix View::matrix() const
             top - originY * scaleY / swf::kTwipsPerPixel};
 }
 
+swf::Perspective View::defaultPerspective() const
+{
+    swf::Perspective perspective;
+    const double width = frameWidth(m_stage.movie()), height = frameHeight(m_stage.movie());
+    perspective.focalLength = width / 2 / std::tan(perspective.fieldOfView * std::numbers::pi / 360);
+    perspective.centerX = width / 2;
+    perspective.centerY = height / 2;
+    return perspective;
+}
+
 render::IntRect View::area() const
 {
     const int width = m_width > 0 ? m_width : static_cast<int>(std::ceil(frameWidth(m_stage.movie())));
@@ -190,6 +202,8 @@ void View::collectDirty()
     if (Node* focus = m_stage.focus().node()) focus->tick(m_stage.nowMs());
     const swf::Matrix view = matrix();
     const double scale = view.a * swf::kTwipsPerPixel;
+    // What has left the plane is seen anywhere.
+    if (hasSpaces() && !m_changedNodes.empty()) invalidateAll();
     const std::vector<std::weak_ptr<Node>> changed = std::move(m_changedNodes);
     m_changedNodes.clear();
     for (const std::weak_ptr<Node>& entry : changed) {

@@ -13,6 +13,11 @@ class Canvas;
 class RenderCache;
 } // namespace flash::render
 
+namespace flash::swf
+{
+struct Perspective;
+}
+
 namespace flash::stage
 {
 
@@ -53,6 +58,8 @@ public:
     /// The stage as scripts see it (Stage.width and height), pixels.
     [[nodiscard]] double stageWidth() const;
     [[nodiscard]] double stageHeight() const;
+    /// What has left the plane is seen in it, unless something around it has another.
+    [[nodiscard]] swf::Perspective defaultPerspective() const;
     [[nodiscard]] bool isFullScreen() const { return m_fullScreen; }
     void setFullScreen(bool on);
     /// What scripts see of a movie in full screen that no host gives a size, pixels. Without, the size stays.
@@ -76,6 +83,9 @@ public:
     /// Those that are gone hold on to their memory as long as they are listed.
     void forgetGoneNodes();
     void forgetNodes() { m_changedNodes.clear(); }
+    /// To be held by whatever leaves the plane.
+    [[nodiscard]] const std::shared_ptr<const int>& spaces() const { return m_spaces; }
+    [[nodiscard]] bool hasSpaces() const { return m_spaces.use_count() > 1; }
     /// Instances listed as changed since the stage was drawn last, those that are gone by now included.
     [[nodiscard]] std::size_t notedChanges() const { return m_changedNodes.size(); }
 
@@ -97,6 +107,7 @@ private:
     std::unique_ptr<render::RenderCache> m_renderCache;
     render::IntRect m_dirty;
     std::vector<std::weak_ptr<Node>> m_changedNodes;
+    std::shared_ptr<const int> m_spaces = std::make_shared<const int>();
     std::size_t m_changedKept = 0; ///< of those, still there when last looked at
 };
 

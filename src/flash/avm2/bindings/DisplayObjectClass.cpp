@@ -2,9 +2,11 @@
 
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/DisplayEffects.h"
+#include "flash/avm2/bindings/DisplaySpace.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/bindings/Transform.h"
+#include "flash/stage/Space.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,6 +40,10 @@ Value setPlace(Call& call)
     const double twips = std::clamp(std::trunc(finite(call) * kTwips), -2147483648.0, 2147483647.0);
     auto& object = self(call);
     object.noteTransformed();
+    if (object.node().spacePlace() != nullptr) {
+        space::moveTo(object, isX ? 0 : 1, twips / kTwips);
+        return {};
+    }
     if (object.node().kind() == stage::NodeKind::TextField) {
         isX ? object.node().setX(twips / kTwips) : object.node().setY(twips / kTwips);
         return {};
@@ -55,6 +61,7 @@ Value setScale(Call& call)
 {
     const double value = finite(call);
     (self(call).node().*set)(value * 100);
+    space::keepScale(self(call));
     self(call).noteTransformed();
     return {};
 }
@@ -62,6 +69,7 @@ Value setRotation(Call& call)
 {
     // What is no angle is kept as one, and turns nothing.
     const double value = call.vm.toNumber(call.arg(0));
+    if (self(call).node().spacePlace() != nullptr) return space::setTurn<2>(call);
     self(call).node().setRotation(std::isfinite(value) ? value : std::numeric_limits<double>::infinity());
     self(call).noteTransformed();
     return {};
@@ -74,6 +82,7 @@ Value setSize(Call& call)
     const double value = call.vm.toNumber(call.arg(0));
     if (!(value >= 0)) return {};
     (self(call).node().*set)(value);
+    space::keepScale(self(call));
     self(call).noteTransformed();
     return {};
 }
@@ -127,9 +136,10 @@ Value rootOf(Call& call)
 }
 
 /// From what it shows, as it has scrolled that, to the stage.
-swf::Matrix spaceOf(DisplayObject& object)
+/// @param seenAt where on the stage it is to be right for what has left the plane
+swf::Matrix spaceOf(DisplayObject& object, const swf::Point& seenAt)
 {
-    swf::Matrix matrix = object.node().toStage();
+    swf::Matrix matrix = object.node().toStageAt(seenAt);
     if (const auto& rect = object.node().scrollRect()) {
         matrix = matrix *
                  swf::Matrix{1, 0, 0, 1, -static_cast<double>(rect->xMin), -static_cast<double>(rect->yMin)};
@@ -138,7 +148,7 @@ swf::Matrix spaceOf(DisplayObject& object)
 }
 swf::Point toLocal(DisplayObject& object, swf::Point stagePoint)
 {
-    const swf::Matrix toStage = spaceOf(object);
+    const swf::Matrix toStage = spaceOf(object, stagePoint);
     return toStage.isInvertible() ? toStage.inverted().map(stagePoint) : swf::Point{};
 }
 template <bool isX>
@@ -154,7 +164,8 @@ Value convertPoint(Call& call)
     const swf::Point given = pointOf(objectArg(call, 0, "flash.geom::Point", "point"));
     const swf::Point twips{std::round(given.x * kTwips), std::round(given.y * kTwips)};
     auto& object = self(call);
-    if (const swf::Matrix space = spaceOf(object); !toGlobal && space.isInvertible()) {
+    if (toGlobal && object.node().isInSpace()) return space::seenFrom(call.vm, object, given);
+    if (const swf::Matrix space = spaceOf(object, twips); !toGlobal && space.isInvertible()) {
         // The way back moves by whole twips, too.
         const swf::Matrix back = space.inverted();
         const auto shifted = [](double turned, double moved) {
@@ -163,16 +174,11 @@ Value convertPoint(Call& call)
         return newPoint(call.vm, shifted(back.a * twips.x + back.c * twips.y, back.tx),
                         shifted(back.b * twips.x + back.d * twips.y, back.ty));
     }
-    const swf::Point at = toGlobal ? spaceOf(object).map(twips) : toLocal(object, twips);
+    const swf::Point at = toGlobal ? spaceOf(object, twips).map(twips) : toLocal(object, twips);
     constexpr double kSlack = 1e-6; // of a twip, for what products leave
     const auto cut = [](double value) { return std::trunc(value + std::copysign(kSlack, value)) / kTwips; };
     return newPoint(call.vm, cut(at.x), cut(at.y));
 }
-Value globalToLocal3D(Call& call)
-{
-    return call.vm.construct(Value(call.vm.nativeClass("flash.geom::Vector3D")), {});
-}
-
 template <stage::Node::Extent extent>
 Value getBounds(Call& call)
 {
@@ -180,6 +186,8 @@ Value getBounds(Call& call)
     auto* target = as<DisplayObject>(Value(optionalArg(call, 0, "flash.display::DisplayObject")));
     if (target == nullptr) target = &object;
     swf::Matrix through;
+    if (target != &object && (object.node().isInSpace() || target->node().isInSpace()))
+        return newRectangle(call.vm, space::boundsIn(object, *target, extent));
     if (target != &object) {
         const swf::Matrix toStage = target->node().toStage();
         if (!toStage.isInvertible()) return newRectangle(call.vm, 0, 0, 0, 0);
@@ -196,8 +204,7 @@ Value hitTestObject(Call& call)
 {
     auto& other = displayArg(call, 0, "obj");
     auto& object = self(call);
-    const swf::Rect a = object.node().boundsThrough(object.node().toStage());
-    const swf::Rect b = other.node().boundsThrough(other.node().toStage());
+    const swf::Rect a = space::boundsOnStage(object), b = space::boundsOnStage(other);
     if (a.isEmpty() || b.isEmpty()) return false;
     return a.xMin <= b.xMax && b.xMin <= a.xMax && a.yMin <= b.yMax && b.yMin <= a.yMax;
 }
@@ -208,7 +215,7 @@ Value hitTestPoint(Call& call)
     // The shape of what is not on the stage is hit by nothing.
     if (call.vm.toBoolean(call.arg(2)))
         return Player::of(call.vm).isOnStage(object) && object.node().hitsShape(at);
-    const swf::Rect box = object.node().boundsThrough(object.node().toStage());
+    const swf::Rect box = space::boundsOnStage(object);
     return !box.isEmpty() && at.x >= box.xMin && at.x < box.xMax && at.y >= box.yMin && at.y < box.yMax;
 }
 
@@ -308,7 +315,10 @@ Value setTransform(Call& call)
     auto* other = as<TransformObject>(&objectArg(call, 0, "flash.geom::Transform", "transform"));
     if (other == nullptr || other->target == nullptr) return {};
     auto& object = self(call);
+    object.node().clearSpacePlace();
     object.node().setMatrix(other->target->node().matrix());
+    if (const stage::SpacePlace* place = other->target->node().spacePlace())
+        object.node().setSpacePlace(*place);
     object.node().setColor(other->target->node().color());
     object.noteTransformed();
     return {};
@@ -366,15 +376,18 @@ constexpr NativeMember kDisplay[] = {
     {"getRect", Kind::Method, &getBounds<stage::Node::Extent::WithoutStrokes>, 1, 1},
     {"globalToLocal", Kind::Method, &convertPoint<false>, 1, 1},
     {"localToGlobal", Kind::Method, &convertPoint<true>, 1, 1},
-    {"globalToLocal3D", Kind::Method, &globalToLocal3D, 1, 1},
-    {"local3DToGlobal", Kind::Method, &convertPoint<true>, 1, 1},
+    {"z", Kind::Getter, &space::depth, 0, 0, &space::setDepth, "Number"},
+    {"scaleZ", Kind::Getter, &space::depthScale, 0, 0, &space::setDepthScale, "Number"},
+    {"rotationX", Kind::Getter, &space::turn<0>, 0, 0, &space::setTurn<0>, "Number"},
+    {"rotationY", Kind::Getter, &space::turn<1>, 0, 0, &space::setTurn<1>, "Number"},
+    {"rotationZ", Kind::Getter, &rotation, 0, 0, &space::setTurn<2>, "Number"},
+    {"globalToLocal3D", Kind::Method, &space::globalToLocal, 1, 1, nullptr, "flash.geom::Vector3D"},
+    {"local3DToGlobal", Kind::Method, &space::localToGlobal, 1, 1, nullptr, "flash.geom::Point"},
     {"hitTestObject", Kind::Method, &hitTestObject, 1, 1},
     {"hitTestPoint", Kind::Method, &hitTestPoint, 2, 3},
 };
-/// What nothing here acts on. Depth and turns out of the plane are kept as they are told.
-constexpr std::string_view kDisplaySlots =
-    "accessibilityProperties:* z:Number scaleZ:Number=1 rotationX:Number rotationY:Number rotationZ:Number "
-    "metaData:Object blendShader:*";
+/// What nothing here acts on.
+constexpr std::string_view kDisplaySlots = "accessibilityProperties:* metaData:Object blendShader:*";
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
      .name = "DisplayObject",

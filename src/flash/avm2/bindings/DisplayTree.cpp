@@ -3,6 +3,7 @@
 #include "flash/avm2/classes/Library.h"
 #include "flash/guard/Guard.h"
 #include "flash/stage/Graphics.h"
+#include "flash/stage/Space.h"
 #include "flash/stage/TextField.h"
 #include "flash/stage/TextLine.h"
 
@@ -51,6 +52,8 @@ void DisplayObject::setNode(stage::NodePtr node)
         node->setBlend(m_node->blend());
         node->setFilters(m_node->filters());
         node->setRatio(m_node->ratio());
+        if (const stage::SpacePlace* place = m_node->spacePlace()) node->setSpacePlace(*place);
+        if (const stage::Space* space = m_node->space()) node->setPerspective(space->perspective);
         m_node->peer = nullptr;
         if (parent != nullptr && m_node->parent() != nullptr && parent->clip() != nullptr) {
             stage::Clip& holder = *parent->clip();

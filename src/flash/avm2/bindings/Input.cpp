@@ -77,19 +77,20 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         DisplayObject* area = object.states[static_cast<std::size_t>(DisplayObject::State::Hit)];
         if (area == nullptr || !wants) return Hit::None;
         // It lies on no list, and is where the button is.
-        const swf::Point local = node.toStage().inverted().map(point);
+        const swf::Point local = node.toStageAt(point).inverted().map(point);
         const bool isHit =
             area->node().parent() != nullptr ? area->node().hitsShape(point) : area->node().hitsShape(local);
         return isHit ? take() : Hit::None;
     }
     if (!isKind(object, kContainer)) {
         const bool isField = node.kind() == stage::NodeKind::TextField;
-        if (isField ? !isWithin(node.bounds(), node.toStage().inverted().map(point)) : !node.hitsShape(point))
+        if (isField ? !isWithin(node.bounds(), node.toStageAt(point).inverted().map(point))
+                    : !node.hitsShape(point))
             return Hit::None;
         return wants ? take() : Hit::Parent;
     }
     if (node.scrollRect() && !object.isStage) {
-        if (!isWithin(*node.scrollRect(), node.toStage().inverted().map(point))) return Hit::None;
+        if (!isWithin(*node.scrollRect(), node.toStageAt(point).inverted().map(point))) return Hit::None;
     }
     // One that keeps the mouse from its children is one thing.
     if (!flag(object, kContainer, "mouseChildren")) {
@@ -139,7 +140,7 @@ void Input::fireMouse(std::string_view type, DisplayObject& target, DisplayObjec
 {
     Vm& vm = m_player.vm();
     const swf::Point point = m_player.stage().pointer().position();
-    const swf::Point local = target.isStage ? point : target.node().toStage().inverted().map(point);
+    const swf::Point local = target.isStage ? point : target.node().toStageAt(point).inverted().map(point);
     constexpr double kTwips = swf::kTwipsPerPixel;
     Root<DisplayObject> keep(vm.heap(), &target);
     const auto tell = [&](DispatcherObject& hearer) {

@@ -23,6 +23,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         NativeLibrary{matrixClasses(), {}},
         NativeLibrary{vector3DClasses(), {}},
         NativeLibrary{matrix3DClasses(), {}},
+        NativeLibrary{perspectiveClasses(), {}},
         NativeLibrary{transformClasses(), {}},
         NativeLibrary{displayClasses(), {}, displaySignatures()},
         NativeLibrary{spriteClasses(), {}},

@@ -13,6 +13,7 @@ std::span<const NativeLibrary> bindingsLibrary();
 std::span<const NativeClass> geometryClasses();
 std::span<const NativeClass> matrixClasses();
 std::span<const NativeClass> vector3DClasses();
+std::span<const NativeClass> perspectiveClasses();
 std::span<const NativeClass> matrix3DClasses();
 std::span<const NativeClass> spriteClasses();
 std::span<const NativeClass> stageClasses();

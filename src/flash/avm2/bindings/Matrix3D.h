@@ -1,9 +1,13 @@
 #pragma once
 
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/classes/Library.h"
 
+#include "flash/stage/Space.h"
+
 #include <array>
+#include <optional>
 
 // Matrices of space: sixteen numbers of single precision, column by column; a vector is a column.
 namespace flash::avm2::space
@@ -18,8 +22,27 @@ class Matrix3DObject final : public Object
 public:
     AVM2_NATIVE(Object)
     Matrix3DObject(Traits* traits, Object* proto) : Object(traits, proto) {}
+    void trace(Tracer& tracer) override
+    {
+        Object::trace(tracer);
+        tracer(target);
+    }
+    /// Takes over where the object it places stands now, or lets go of it when that is flat again.
+    void refresh();
+    /// The other way.
+    void commit();
     Raw raw = kIdentity;
+    DisplayObject* target = nullptr; ///< what it places: both change together
 };
+
+/// The numbers of scripts count pixels, those of the stage twips.
+Raw rawOf(const swf::Matrix3D& matrix);
+swf::Matrix3D twipsOf(const Raw& raw);
+/// The place that a matrix gives, taken apart.
+stage::SpacePlace placeOf(const Raw& raw);
+/// Nothing for one that has none.
+std::optional<swf::Matrix3D> inverse(const swf::Matrix3D& matrix);
+Value newMatrix3D(Vm& vm, const Raw& raw, DisplayObject* target = nullptr);
 
 inline Matrix3DObject& self(Call& call)
 {
@@ -27,7 +50,9 @@ inline Matrix3DObject& self(Call& call)
 }
 inline Matrix3DObject& matrixArg(Call& call, std::uint32_t i, const char* name)
 {
-    return *as<Matrix3DObject>(&objectArg(call, i, kMatrix3D, name));
+    auto& matrix = *as<Matrix3DObject>(&objectArg(call, i, kMatrix3D, name));
+    matrix.refresh();
+    return matrix;
 }
 Value newVector(Vm& vm, double x, double y, double z, double w);
 
@@ -36,5 +61,6 @@ Value decompose(Call& call);
 Value recompose(Call& call);
 Value interpolate(Call& call);
 Value interpolateTo(Call& call);
+Value pointAt(Call& call);
 
 } // namespace flash::avm2::space

@@ -129,7 +129,8 @@ Value rotate(Call& call)
     return combine<append>(self(call), product(there, product(turn, back)));
 }
 
-double minor3(const Raw& m, std::size_t row, std::size_t column)
+template <class Numbers>
+double minor3(const Numbers& m, std::size_t row, std::size_t column)
 {
     std::array<double, 9> n{};
     std::size_t next = 0;
@@ -141,7 +142,8 @@ double minor3(const Raw& m, std::size_t row, std::size_t column)
     return n[0] * (n[4] * n[8] - n[5] * n[7]) - n[3] * (n[1] * n[8] - n[2] * n[7]) +
            n[6] * (n[1] * n[5] - n[2] * n[4]);
 }
-double determinantOf(const Raw& m)
+template <class Numbers>
+double determinantOf(const Numbers& m)
 {
     double sum = 0;
     for (std::size_t c = 0; c < 4; ++c) sum += (c % 2 == 0 ? 1 : -1) * m[4 * c] * minor3(m, 0, c);
@@ -151,18 +153,26 @@ Value determinant(Call& call)
 {
     return static_cast<double>(static_cast<float>(determinantOf(self(call).raw)));
 }
-Value invert(Call& call)
+/// Nothing for one that has none.
+template <class Numbers>
+std::optional<Numbers> inverseOf(const Numbers& m)
 {
-    const Raw m = self(call).raw;
     const double whole = determinantOf(m);
     constexpr double kMinDeterminant = 1e-11;
-    if (!(std::abs(whole) > kMinDeterminant)) return false;
+    if (!(std::abs(whole) > kMinDeterminant)) return {};
+    Numbers result{};
     for (std::size_t c = 0; c < 4; ++c) {
         for (std::size_t r = 0; r < 4; ++r)
-            self(call).raw[4 * c + r] =
-                static_cast<float>(((c + r) % 2 == 0 ? 1 : -1) * minor3(m, c, r) / whole);
+            result[4 * c + r] = static_cast<typename Numbers::value_type>(((c + r) % 2 == 0 ? 1 : -1) *
+                                                                          minor3(m, c, r) / whole);
     }
-    return true;
+    return result;
+}
+Value invert(Call& call)
+{
+    const auto inverted = inverseOf(self(call).raw);
+    if (inverted) self(call).raw = *inverted;
+    return inverted.has_value();
 }
 Value transpose(Call& call)
 {
@@ -269,7 +279,9 @@ Value copyFrom(Call& call)
 }
 Value copyTo(Call& call)
 {
-    matrixArg(call, 0, "dest").raw = self(call).raw;
+    Matrix3DObject& to = matrixArg(call, 0, "dest");
+    to.raw = self(call).raw;
+    to.commit();
     return {};
 }
 Value clone(Call& call)
@@ -279,37 +291,50 @@ Value clone(Call& call)
     return Value(made);
 }
 
+/// What a matrix places moves with it.
+template <NativeFunction function>
+Value linked(Call& call)
+{
+    Matrix3DObject& matrix = self(call);
+    matrix.refresh();
+    const Raw before = matrix.raw;
+    const Value result = function(call);
+    if (matrix.raw != before) matrix.commit();
+    return result;
+}
+
 constexpr NativeMember kMembers[] = {
-    {"decompose", Kind::Method, &decompose, 0, 1},
-    {"recompose", Kind::Method, &recompose, 1, 2},
+    {"decompose", Kind::Method, &linked<&decompose>, 0, 1},
+    {"recompose", Kind::Method, &linked<&recompose>, 1, 2},
     {"interpolate", Kind::Static, &interpolate, 3, 3},
-    {"interpolateTo", Kind::Method, &interpolateTo, 2, 2},
-    {"rawData", Kind::Getter, &rawData, 0, 0, &construct, "__AS3__.vec::Vector.<Number>"},
-    {"position", Kind::Getter, &position, 0, 0, &setPosition, "flash.geom::Vector3D"},
-    {"determinant", Kind::Getter, &determinant, 0, 0, nullptr, "Number"},
-    {"identity", Kind::Method, &identity, 0, 0},
-    {"append", Kind::Method, &multiply<true>, 1, 1},
-    {"prepend", Kind::Method, &multiply<false>, 1, 1},
-    {"appendTranslation", Kind::Method, &translate<true>, 3, 3},
-    {"prependTranslation", Kind::Method, &translate<false>, 3, 3},
-    {"appendScale", Kind::Method, &scale<true>, 3, 3},
-    {"prependScale", Kind::Method, &scale<false>, 3, 3},
-    {"appendRotation", Kind::Method, &rotate<true>, 2, 3},
-    {"prependRotation", Kind::Method, &rotate<false>, 2, 3},
-    {"invert", Kind::Method, &invert, 0, 0},
-    {"transpose", Kind::Method, &transpose, 0, 0},
-    {"transformVector", Kind::Method, &transformVector<1>, 1, 1},
-    {"deltaTransformVector", Kind::Method, &transformVector<0>, 1, 1},
-    {"transformVectors", Kind::Method, &transformVectors, 2, 2},
-    {"copyColumnFrom", Kind::Method, &copyLine<false, false>, 2, 2},
-    {"copyColumnTo", Kind::Method, &copyLine<false, true>, 2, 2},
-    {"copyRowFrom", Kind::Method, &copyLine<true, false>, 2, 2},
-    {"copyRowTo", Kind::Method, &copyLine<true, true>, 2, 2},
-    {"copyRawDataFrom", Kind::Method, &copyRawFrom, 1, 3},
-    {"copyRawDataTo", Kind::Method, &copyRawTo, 1, 3},
-    {"copyFrom", Kind::Method, &copyFrom, 1, 1},
-    {"copyToMatrix3D", Kind::Method, &copyTo, 1, 1},
-    {"clone", Kind::Method, &clone, 0, 0},
+    {"interpolateTo", Kind::Method, &linked<&interpolateTo>, 2, 2},
+    {"rawData", Kind::Getter, &linked<&rawData>, 0, 0, &linked<&construct>, "__AS3__.vec::Vector.<Number>"},
+    {"position", Kind::Getter, &linked<&position>, 0, 0, &linked<&setPosition>, "flash.geom::Vector3D"},
+    {"determinant", Kind::Getter, &linked<&determinant>, 0, 0, nullptr, "Number"},
+    {"pointAt", Kind::Method, &linked<&pointAt>, 1, 3},
+    {"identity", Kind::Method, &linked<&identity>, 0, 0},
+    {"append", Kind::Method, &linked<&multiply<true>>, 1, 1},
+    {"prepend", Kind::Method, &linked<&multiply<false>>, 1, 1},
+    {"appendTranslation", Kind::Method, &linked<&translate<true>>, 3, 3},
+    {"prependTranslation", Kind::Method, &linked<&translate<false>>, 3, 3},
+    {"appendScale", Kind::Method, &linked<&scale<true>>, 3, 3},
+    {"prependScale", Kind::Method, &linked<&scale<false>>, 3, 3},
+    {"appendRotation", Kind::Method, &linked<&rotate<true>>, 2, 3},
+    {"prependRotation", Kind::Method, &linked<&rotate<false>>, 2, 3},
+    {"invert", Kind::Method, &linked<&invert>, 0, 0},
+    {"transpose", Kind::Method, &linked<&transpose>, 0, 0},
+    {"transformVector", Kind::Method, &linked<&transformVector<1>>, 1, 1},
+    {"deltaTransformVector", Kind::Method, &linked<&transformVector<0>>, 1, 1},
+    {"transformVectors", Kind::Method, &linked<&transformVectors>, 2, 2},
+    {"copyColumnFrom", Kind::Method, &linked<&copyLine<false, false>>, 2, 2},
+    {"copyColumnTo", Kind::Method, &linked<&copyLine<false, true>>, 2, 2},
+    {"copyRowFrom", Kind::Method, &linked<&copyLine<true, false>>, 2, 2},
+    {"copyRowTo", Kind::Method, &linked<&copyLine<true, true>>, 2, 2},
+    {"copyRawDataFrom", Kind::Method, &linked<&copyRawFrom>, 1, 3},
+    {"copyRawDataTo", Kind::Method, &linked<&copyRawTo>, 1, 3},
+    {"copyFrom", Kind::Method, &linked<&copyFrom>, 1, 1},
+    {"copyToMatrix3D", Kind::Method, &linked<&copyTo>, 1, 1},
+    {"clone", Kind::Method, &linked<&clone>, 0, 0},
 };
 constexpr NativeClass kClasses[] = {
     {.package = "flash.geom",
@@ -330,6 +355,55 @@ Value newVector(Vm& vm, double x, double y, double z, double w)
     const double values[] = {x, y, z, w};
     for (std::uint32_t i = 0; i < 4; ++i) made->setSlot(i, values[i]);
     return Value(made);
+}
+
+std::optional<swf::Matrix3D> inverse(const swf::Matrix3D& matrix)
+{
+    const auto found = inverseOf(matrix.m);
+    if (!found) return {};
+    return swf::Matrix3D(*found);
+}
+
+Value newMatrix3D(Vm& vm, const Raw& raw, DisplayObject* target)
+{
+    auto* made = as<Matrix3DObject>(Value(vm.instantiate(vm.nativeClass(kMatrix3D))));
+    made->raw = raw;
+    made->target = target;
+    return Value(made);
+}
+
+void Matrix3DObject::refresh()
+{
+    if (target == nullptr) return;
+    if (const stage::SpacePlace* place = target->node().spacePlace())
+        raw = rawOf(place->matrix);
+    else
+        target = nullptr;
+}
+void Matrix3DObject::commit()
+{
+    if (target != nullptr) target->node().setSpacePlace(placeOf(raw));
+}
+
+Raw rawOf(const swf::Matrix3D& matrix)
+{
+    Raw raw{};
+    for (std::size_t i = 0; i < raw.size(); ++i) raw[i] = static_cast<float>(matrix.m[i]);
+    for (std::size_t i = 0; i < 3; ++i) {
+        raw[12 + i] = static_cast<float>(matrix.m[12 + i] / swf::kTwipsPerPixel);
+        raw[4 * i + 3] = static_cast<float>(matrix.m[4 * i + 3] * swf::kTwipsPerPixel);
+    }
+    return raw;
+}
+swf::Matrix3D twipsOf(const Raw& raw)
+{
+    swf::Matrix3D matrix;
+    for (std::size_t i = 0; i < raw.size(); ++i) matrix.m[i] = raw[i];
+    for (std::size_t i = 0; i < 3; ++i) {
+        matrix.m[12 + i] *= swf::kTwipsPerPixel;
+        matrix.m[4 * i + 3] /= swf::kTwipsPerPixel;
+    }
+    return matrix;
 }
 
 } // namespace flash::avm2::space

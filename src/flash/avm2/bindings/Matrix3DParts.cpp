@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 // What a matrix of space does: where it puts things, how it turns and how it scales them.
 namespace flash::avm2::space
@@ -139,6 +140,56 @@ Raw between(const Raw& from, const Raw& to, double share)
 }
 
 } // namespace
+
+stage::SpacePlace placeOf(const Raw& raw)
+{
+    constexpr double kDegrees = 180 / std::numbers::pi;
+    const Parts parts(raw);
+    stage::SpacePlace place;
+    place.place = parts.place;
+    place.scale = parts.scale;
+    const auto& [x, y, z] = parts.axes;
+    place.turn = {std::atan2(y[2], z[2]) * kDegrees, std::asin(std::clamp(-x[2], -1.0, 1.0)) * kDegrees,
+                  std::atan2(x[1], x[0]) * kDegrees};
+    place.matrix = twipsOf(raw);
+    return place;
+}
+
+/// Turns `at` of its own space towards a place, and `up` of it as far upwards as that leaves.
+Value pointAt(Call& call)
+{
+    const auto vectorArg = [&](std::uint32_t i, const Vector& otherwise) -> Vector {
+        Object* vector = optionalArg(call, i, kVector);
+        if (vector == nullptr) return otherwise;
+        return {slotNumber(*vector, 0), slotNumber(*vector, 1), slotNumber(*vector, 2)};
+    };
+    const auto cross = [](const Vector& a, const Vector& b) -> Vector {
+        return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+    };
+    // Three directions, the third along `ahead`.
+    const auto frame = [&](Vector ahead, Vector up) -> std::array<Vector, 3> {
+        normalize(ahead);
+        up = less(up, ahead, dot(up, ahead));
+        if (normalize(up) == 0) {
+            up = std::abs(ahead[1]) < 0.5 ? Vector{0, -1, 0} : Vector{0, 0, 1};
+            up = less(up, ahead, dot(up, ahead));
+            normalize(up);
+        }
+        return {cross(up, ahead), up, ahead};
+    };
+    objectArg(call, 0, kVector, "pos");
+    const Vector aim = vectorArg(0, {}), at = vectorArg(1, {0, 0, -1}), up = vectorArg(2, {0, -1, 0});
+    const Parts parts(self(call).raw);
+    const Vector ahead = less(aim, parts.place, 1);
+    if (dot(ahead, ahead) == 0 || dot(at, at) == 0) return {};
+    const auto own = frame(at, up), outer = frame(ahead, up);
+    std::array<Vector, 3> axes{};
+    for (std::size_t column = 0; column < 3; ++column)
+        for (std::size_t row = 0; row < 3; ++row)
+            for (std::size_t i = 0; i < 3; ++i) axes[column][row] += outer[i][row] * own[i][column];
+    self(call).raw = assembled(parts.place, axes, parts.scale);
+    return {};
+}
 
 Value decompose(Call& call)
 {

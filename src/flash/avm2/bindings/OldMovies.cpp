@@ -65,7 +65,7 @@ void OldMovieNode::noteChanges()
 
 swf::Point OldMovieNode::toInner(swf::Point stagePoint) const
 {
-    const swf::Matrix toStage = this->toStage();
+    const swf::Matrix toStage = toStageAt(stagePoint);
     const swf::Point own =
         toStage.isInvertible() ? toStage.inverted().map(stagePoint) : swf::Point{-1e6, -1e6};
     return m_movie->stage().view().matrix().map(own);
@@ -121,7 +121,7 @@ swf::Rect OldMovieNode::bounds(Extent extent)
 
 bool OldMovieNode::hitsShape(swf::Point stagePoint)
 {
-    const swf::Matrix toStage = this->toStage();
+    const swf::Matrix toStage = toStageAt(stagePoint);
     if (m_movie == nullptr || !toStage.isInvertible()) return false;
     const swf::Point own = toStage.inverted().map(stagePoint);
     return std::ranges::any_of(m_movie->stage().displayList().levels(),

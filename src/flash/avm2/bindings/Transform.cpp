@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/Transform.h"
 
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Matrix3D.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/Library.h"
 
@@ -31,7 +32,11 @@ Value constructTransform(Call& call)
     return {};
 }
 
-Value matrix(Call& call) { return newMatrix(call.vm, target(call).node().matrix()); }
+Value matrix(Call& call)
+{
+    const stage::Node& node = target(call).node();
+    return node.spacePlace() != nullptr ? Value::null() : newMatrix(call.vm, node.matrix());
+}
 Value setMatrix(Call& call)
 {
     auto& object = target(call);
@@ -40,9 +45,51 @@ Value setMatrix(Call& call)
     swf::Matrix wanted = matrixOf(*matrix);
     wanted.tx = std::trunc(wanted.tx);
     wanted.ty = std::trunc(wanted.ty);
+    object.node().clearSpacePlace();
     object.node().setMatrix(wanted);
     object.noteTransformed();
     return {};
+}
+
+// ---- space ----
+Value matrix3D(Call& call)
+{
+    DisplayObject& object = target(call);
+    const stage::SpacePlace* place = object.node().spacePlace();
+    return place == nullptr ? Value::null()
+                            : space::newMatrix3D(call.vm, space::rawOf(place->matrix), &object);
+}
+/// None lays the object flat. The matrix goes on placing it when it is changed later.
+Value setMatrix3D(Call& call)
+{
+    DisplayObject& object = target(call);
+    auto* matrix = as<space::Matrix3DObject>(Value(optionalArg(call, 0, space::kMatrix3D)));
+    object.noteTransformed();
+    if (matrix == nullptr) {
+        object.node().clearSpacePlace();
+        return {};
+    }
+    matrix->refresh();
+    if (matrix->target != nullptr && matrix->target != &object)
+        call.vm.throwError(ErrorClass::Argument, 2189,
+                           "A Matrix3D can not be assigned to more than one DisplayObject.");
+    matrix->target = &object;
+    matrix->commit();
+    return {};
+}
+/// From one object's space to another's, without what the eye does.
+Value relativeMatrix3D(Call& call)
+{
+    const auto outwards = [](DisplayObject& object) {
+        swf::Matrix3D matrix;
+        for (DisplayObject* at = &object; at != nullptr && !at->isStage; at = at->parent)
+            matrix = at->node().matrix3D() * matrix;
+        return matrix;
+    };
+    DisplayObject& object = target(call);
+    const auto back = space::inverse(outwards(displayArg(call, 0, "relativeTo")));
+    if (!back) return Value::null();
+    return space::newMatrix3D(call.vm, space::rawOf(*back * outwards(object)));
 }
 
 /// The player multiplies single-precision numbers, and has the stage in twips on the way.
@@ -114,6 +161,10 @@ Value pixelBounds(Call& call)
 }
 
 constexpr NativeMember kTransform[] = {
+    {"matrix3D", Kind::Getter, &matrix3D, 0, 0, &setMatrix3D, "flash.geom::Matrix3D"},
+    {"perspectiveProjection", Kind::Getter, &transformPerspective, 0, 0, &setTransformPerspective,
+     "flash.geom::PerspectiveProjection"},
+    {"getRelativeMatrix3D", Kind::Method, &relativeMatrix3D, 1, 1, nullptr, "flash.geom::Matrix3D"},
     {"matrix", Kind::Getter, &matrix, 0, 0, &setMatrix, "flash.geom::Matrix"},
     {"concatenatedMatrix", Kind::Getter, &concatenatedMatrix, 0, 0, nullptr, "flash.geom::Matrix"},
     {"colorTransform", Kind::Getter, &colorTransform, 0, 0, &setColorTransform, "flash.geom::ColorTransform"},
@@ -130,17 +181,16 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 1,
      .maxArguments = 1,
      .allocate = &classes::allocateNative<TransformObject>,
-     .members = kTransform,
-     .slots = "matrix3D:* perspectiveProjection:*"},
+     .members = kTransform},
 };
 
 } // namespace
 
+DisplayObject& transformTarget(Call& call) { return target(call); }
+
 Value newTransform(Vm& vm, DisplayObject& target)
 {
     auto* made = as<TransformObject>(Value(vm.instantiate(vm.nativeClass("flash.geom::Transform"))));
-    made->setSlot(0, Value::null());
-    made->setSlot(1, Value::null());
     made->target = &target;
     return Value(made);
 }

@@ -20,6 +20,11 @@ public:
 };
 
 Value newTransform(Vm& vm, DisplayObject& target);
+/// The object that a Transform is of.
+DisplayObject& transformTarget(Call& call);
+// In which what it contains is seen.
+Value transformPerspective(Call& call);
+Value setTransformPerspective(Call& call);
 std::span<const NativeClass> transformClasses();
 
 } // namespace flash::avm2

@@ -189,11 +189,6 @@ constexpr NativeClass kClasses[] = {
      .base = {},
      .flags = NativeClass::Sealed | NativeClass::Final,
      .constants = kOrientation},
-    {.package = "flash.geom",
-     .name = "PerspectiveProjection",
-     .base = {},
-     .flags = NativeClass::Sealed,
-     .slots = "fieldOfView:Number=55 focalLength:Number=480 projectionCenter:*"},
 };
 
 } // namespace
