@@ -88,7 +88,7 @@ void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
 
 struct Corner {
     swf::Point at, uv;
-    double depth = 1;
+    double depth = 1; ///< as scripts have it: the greater, the nearer
 };
 
 /// A bitmap fill whose corners of the picture (0..1) lie where those of the triangle do.
@@ -109,6 +109,47 @@ std::optional<swf::FillStyle> stretched(const swf::FillStyle& fill, const std::a
     swf::FillStyle result = fill;
     result.matrix = target * source.inverted() * swf::Matrix{kTwips, 0, 0, kTwips, 0, 0};
     return result;
+}
+
+void outline(stage::Drawing& pen, const std::array<Corner, 3>& corners)
+{
+    pen.moveTo(corners[0].at);
+    pen.lineTo(corners[1].at);
+    pen.lineTo(corners[2].at);
+    pen.lineTo(corners[0].at);
+}
+
+/// A fill lies flat on its triangle. One whose corners are of different depth is therefore cut where an
+/// edge's middle would show the wrong place of the picture, which leaves no gaps: triangles that share an
+/// edge cut it alike.
+void fillInDepth(stage::Drawing& pen, const swf::FillStyle& fill, const std::array<Corner, 3>& corners,
+                 int cuts)
+{
+    constexpr double kSlack = 10; // twips
+    std::size_t worst = 0;
+    double most = 0;
+    for (std::size_t i = 0; i < 3 && cuts > 0; ++i) {
+        const Corner &a = corners[i], &b = corners[(i + 1) % 3];
+        if (!(a.depth > 0 && b.depth > 0)) continue;
+        const double off =
+            std::abs(b.depth / (a.depth + b.depth) - 0.5) * std::hypot(b.at.x - a.at.x, b.at.y - a.at.y);
+        if (off > most) {
+            most = off;
+            worst = i;
+        }
+    }
+    if (most <= kSlack) {
+        if (auto own = stretched(fill, corners)) pen.beginFill(std::move(*own));
+        outline(pen, corners);
+        return;
+    }
+    const Corner &a = corners[worst], &b = corners[(worst + 1) % 3], &c = corners[(worst + 2) % 3];
+    const double share = b.depth / (a.depth + b.depth);
+    const Corner middle{{(a.at.x + b.at.x) / 2, (a.at.y + b.at.y) / 2},
+                        {std::lerp(a.uv.x, b.uv.x, share), std::lerp(a.uv.y, b.uv.y, share)},
+                        (a.depth + b.depth) / 2};
+    fillInDepth(pen, fill, {a, middle, c}, cuts - 1);
+    fillInDepth(pen, fill, {middle, b, c}, cuts - 1);
 }
 
 void triangles(Vm& vm, GraphicsObject& graphics, Value vertexList, Value indexList, Value uvList,
@@ -137,18 +178,31 @@ void triangles(Vm& vm, GraphicsObject& graphics, Value vertexList, Value indexLi
             const auto n = static_cast<std::size_t>(index);
             corners[k].at = {twips(vertices[2 * n]), twips(vertices[2 * n + 1])};
             if (hasUv) corners[k].uv = {uvs[uvStep * n], uvs[uvStep * n + 1]};
+            if (hasUv && uvStep == 3) corners[k].depth = uvs[uvStep * n + 2];
         }
         if (!known) continue;
         const auto [a, b, c] = corners;
         const double turn = (b.at.x - a.at.x) * (c.at.y - a.at.y) - (b.at.y - a.at.y) * (c.at.x - a.at.x);
         if ((culling == u"positive" && turn > 0) || (culling == u"negative" && turn < 0)) continue;
-        if (hasUv && fill && fill->kind == swf::FillStyle::Kind::Bitmap) {
+        const bool hasPicture = hasUv && fill && fill->kind == swf::FillStyle::Kind::Bitmap;
+        if (hasPicture && (a.depth != b.depth || a.depth != c.depth)) {
+            // Lines go around the whole of it.
+            constexpr int kMaxCuts = 10;
+            const std::optional<swf::LineStyle> line = pen.currentLine();
+            pen.lineStyle({});
+            // Twice, so that hardly anything shines through between the smooth edges of the parts.
+            fillInDepth(pen, *fill, corners, kMaxCuts);
+            fillInDepth(pen, *fill, corners, kMaxCuts);
+            if (!line) continue;
+            pen.endFill();
+            pen.lineStyle(line);
+            outline(pen, corners);
+            continue;
+        }
+        if (hasPicture) {
             if (auto own = stretched(*fill, corners)) pen.beginFill(std::move(*own));
         }
-        pen.moveTo(a.at);
-        pen.lineTo(b.at);
-        pen.lineTo(c.at);
-        pen.lineTo(a.at);
+        outline(pen, corners);
     }
     graphics.changed();
 }
