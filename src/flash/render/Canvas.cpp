@@ -2,6 +2,7 @@
 
 #include "flash/render/Bounds.h"
 #include "flash/render/CanvasImpl.h"
+#include "flash/render/Compose.h"
 #include "flash/render/Pixel.h"
 
 #include <algorithm>
@@ -28,8 +29,15 @@ void Canvas::clear(swf::Rgba color)
 {
     const IntRect area = clip();
     m_impl->m_isStage = color.a == 255;
-    for (int y = area.top; y < area.bottom; ++y)
-        std::fill_n(m_impl->m_target.at(area.left, y), area.width(), premultiply(color));
+    const std::uint32_t pixel = premultiply(color);
+    const Target& target = m_impl->m_target;
+    const auto width = static_cast<std::size_t>(area.width()),
+               height = static_cast<std::size_t>(area.height());
+    if (area.width() == target.view.stride && height > 0) {
+        fillPixels(target.at(area.left, area.top), width * height, pixel);
+        return;
+    }
+    for (int y = area.top; y < area.bottom; ++y) fillPixels(target.at(area.left, y), width, pixel);
 }
 
 void Canvas::drawShape(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& toDevice,

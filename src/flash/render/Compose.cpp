@@ -1,6 +1,7 @@
 #include "flash/render/Compose.h"
 
 #include "flash/render/Pixel.h"
+#include "flash/render/PixelVectors.h"
 #include "flash/render/Vectorize.h"
 
 #include <algorithm>
@@ -11,73 +12,31 @@ namespace flash::render
 namespace
 {
 
-// Four pixels at a time, a channel in each lane. The compiler splits the wide vector where the processor's
-// registers are narrower.
-constexpr std::size_t kLanes = 4;
-using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
-using Words16 = std::uint16_t __attribute__((vector_size(32)));
-
-[[gnu::always_inline]] inline void load(Words16& to, const void* from)
-{
-    Bytes16 bytes;
-    std::memcpy(&bytes, from, sizeof bytes);
-    to = __builtin_convertvector(bytes, Words16);
-}
-
-[[gnu::always_inline]] inline void store(void* to, const Words16& from)
-{
-    const Bytes16 bytes = __builtin_convertvector(from, Bytes16);
-    std::memcpy(to, &bytes, sizeof bytes);
-}
-
-// value becomes value / 255, rounded.
-[[gnu::always_inline]] inline void div255(Words16& value)
-{
-    value += 128;
-    value = (value + (value >> 8)) >> 8;
-}
-
-// The alpha of each pixel in all four lanes of the pixel.
-[[gnu::always_inline]] inline void spreadAlpha(Words16& to, const Words16& from)
-{
-    to = __builtin_shufflevector(from, from, 3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15);
-}
-
-[[gnu::always_inline]] inline void spreadCoverage(Words16& to, std::uint32_t four)
-{
-    Bytes16 bytes = {};
-    std::memcpy(&bytes, &four, sizeof four);
-    bytes = __builtin_shufflevector(bytes, bytes, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3);
-    to = __builtin_convertvector(bytes, Words16);
-}
-
-[[gnu::always_inline]] inline void layOver(std::uint32_t* below, const Words16& source)
-{
-    Words16 under;
-    Words16 alpha;
-    load(under, below);
-    spreadAlpha(alpha, source);
-    under *= 255 - alpha;
-    div255(under);
-    under += source;
-    store(below, under);
-}
-
-[[gnu::always_inline]] inline std::uint32_t fourCoverages(const std::uint8_t* coverage)
-{
-    std::uint32_t four;
-    std::memcpy(&four, coverage, sizeof four);
-    return four;
-}
-
-[[gnu::always_inline]] inline std::uint64_t eightCoverages(const std::uint8_t* coverage)
-{
-    std::uint64_t eight;
-    std::memcpy(&eight, coverage, sizeof eight);
-    return eight;
-}
+using wide::div255;
+using wide::eightCoverages;
+using wide::fourCoverages;
+using wide::kLanes;
+using wide::layOver;
+using wide::load;
+using wide::spreadCoverage;
+using wide::store;
+using wide::Words16;
 
 } // namespace
+
+void fillPixels(std::uint32_t* to, std::size_t count, std::uint32_t color)
+{
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+    // Processors know where this leads, and do not fetch what will be written over whole; it takes them a
+    // moment to begin.
+    constexpr std::size_t kMany = 512;
+    if (count >= kMany) {
+        __asm__ volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(color) : "memory");
+        return;
+    }
+#endif
+    std::fill_n(to, count, color);
+}
 
 ZORVEX_VECTORIZE
 void composeSolid(std::uint32_t* below, std::size_t count, std::uint32_t color)

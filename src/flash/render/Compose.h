@@ -9,6 +9,9 @@
 namespace flash::render
 {
 
+/// For many: whole pieces of memory are written without reading them first.
+void fillPixels(std::uint32_t* to, std::size_t count, std::uint32_t color);
+
 void composeSolid(std::uint32_t* below, std::size_t count, std::uint32_t color);
 void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_t count, std::uint32_t color);
 void composePixels(std::uint32_t* below, const std::uint32_t* source, std::size_t count);

@@ -1,6 +1,8 @@
 #include "flash/render/DenseCells.h"
 
-#include "flash/render/Vectorize.h"
+#include "flash/render/CellSums.h"
+#include "flash/render/Compose.h"
+#include "flash/render/Pixel.h"
 
 #include <bit>
 #include <cstring>
@@ -17,117 +19,6 @@ constexpr std::size_t kMaxSums = std::size_t{2} << 20;
 constexpr int kShortGap = 16;
 // Evenly covered pixels up to so many are told one by one with their neighbours.
 constexpr int kShortStretch = 16;
-
-using Ints4 = std::int32_t __attribute__((vector_size(16)));
-using Ints8 = std::int32_t __attribute__((vector_size(32)));
-using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
-
-[[gnu::always_inline]] inline void runningSum(Ints4& v)
-{
-    constexpr Ints4 kZero = {};
-    v += __builtin_shufflevector(v, kZero, 4, 0, 1, 2);
-    v += __builtin_shufflevector(v, kZero, 4, 4, 0, 1);
-}
-
-[[gnu::always_inline]] inline void toInside(Ints4& v, FillRule rule)
-{
-    const Ints4 sign = v >> 31;
-    v = (v ^ sign) - sign;
-    if (rule == FillRule::NonZero) {
-        v = v < kFullArea ? v : Ints4{kFullArea, kFullArea, kFullArea, kFullArea};
-        return;
-    }
-    v &= 2 * kFullArea - 1;
-    const Ints4 other = 2 * kFullArea - v;
-    v = v < other ? v : other;
-}
-
-// Four pixels further along a row: takes their numbers, clears them, and leaves the parts that are inside.
-// @param carry the sum so far, in all four: it need not leave its register
-[[gnu::always_inline]] inline void fourAreas(std::int32_t* sums, Ints4& carry, FillRule rule, Ints4& areas)
-{
-    constexpr Ints4 kZero = {};
-    std::memcpy(&areas, sums, sizeof areas);
-    std::memcpy(sums, &kZero, sizeof kZero);
-    runningSum(areas);
-    areas += carry;
-    carry = __builtin_shufflevector(areas, areas, 3, 3, 3, 3);
-    toInside(areas, rule);
-}
-
-template <FillRule kRule>
-[[gnu::always_inline]] inline void coverageBytes(std::int32_t* sums, std::size_t count, std::int32_t& carry,
-                                                 std::uint8_t* to)
-{
-    Ints4 sum = {carry, carry, carry, carry};
-    // A group at a time: it is read in pieces as large, and what was written in smaller ones would have to
-    // reach memory first.
-    for (std::size_t i = 0; i < count; i += 8) {
-        Ints4 areas, further;
-        fourAreas(sums + i, sum, kRule, areas);
-        fourAreas(sums + i + 4, sum, kRule, further);
-        areas = (areas + kSubpixels) >> (kSubpixelBits + 1);
-        areas -= areas >> 8;
-        further = (further + kSubpixels) >> (kSubpixelBits + 1);
-        further -= further >> 8;
-        const Ints8 both = __builtin_shufflevector(areas, further, 0, 1, 2, 3, 4, 5, 6, 7);
-        const Bytes8 bytes = __builtin_convertvector(both, Bytes8);
-        std::memcpy(to + i, &bytes, sizeof bytes);
-    }
-    carry = sum[0];
-}
-
-ZORVEX_VECTORIZE
-void takeCoverage(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::uint8_t* to)
-{
-    if (rule == FillRule::EvenOdd)
-        coverageBytes<FillRule::EvenOdd>(sums, count, carry, to);
-    else
-        coverageBytes<FillRule::NonZero>(sums, count, carry, to);
-}
-
-// @param present is told, group by group, whether there is anything
-ZORVEX_VECTORIZE
-void takeAreas(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::int32_t* to,
-               std::uint8_t* present)
-{
-    Ints4 sum = {carry, carry, carry, carry};
-    for (std::size_t i = 0; i < count; i += 8) {
-        Ints4 areas, further;
-        fourAreas(sums + i, sum, rule, areas);
-        fourAreas(sums + i + 4, sum, rule, further);
-        std::memcpy(to + i, &areas, sizeof areas);
-        std::memcpy(to + i + 4, &further, sizeof further);
-        areas |= further;
-        present[i / 8] = (areas[0] | areas[1] | areas[2] | areas[3]) != 0 ? 1 : 0;
-    }
-    carry = sum[0];
-}
-
-ZORVEX_VECTORIZE
-void areasToBytes(const std::int32_t* areas, std::size_t count, std::uint8_t* to)
-{
-    for (std::size_t i = 0; i < count; ++i) to[i] = toByte(toCoverage(areas[i]));
-}
-
-// What a group of pixels has left for styles below: areas so far, and how many of 255 parts they came to.
-// Rounding the running sum, not each part, keeps a full pixel at exactly 255.
-struct Given {
-    std::int32_t areas[8] = {};
-    std::int32_t parts[8] = {};
-};
-
-ZORVEX_VECTORIZE
-void giveShares(Given& given, const std::int32_t* areas, std::uint8_t* shares)
-{
-    for (int i = 0; i < 8; ++i) {
-        const std::int32_t sum = std::min(given.areas[i] + areas[i], kFullArea);
-        const std::int32_t parts = (sum * 255 + kFullArea / 2) / kFullArea;
-        shares[i] = static_cast<std::uint8_t>(parts - given.parts[i]);
-        given.areas[i] = sum;
-        given.parts[i] = parts;
-    }
-}
 
 std::size_t roundedUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
 
@@ -400,20 +291,81 @@ void DenseCells::sweepShared(int x, std::size_t group, std::span<const std::uint
     }
 }
 
-void DenseCells::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink)
+// The same as sweepOne() and what a painter makes of it, with nothing kept in between.
+void DenseCells::paintOne(std::int32_t* sums, FillRule rule, std::uint32_t color, std::uint32_t* to)
+{
+    std::int32_t carry = 0;
+    for (const Stretch& stretch : m_stretches) {
+        if (stretch.varies) {
+            const int count = stretch.end - stretch.begin;
+            laySolid(sums + stretch.begin, count, carry, rule, color, to + stretch.begin,
+                     m_width - stretch.begin);
+            continue;
+        }
+        const std::uint32_t coverage = toCoverage(insideArea(carry, rule));
+        const int count = std::min(stretch.end, m_width) - stretch.begin;
+        if (coverage == 0 || count <= 0) continue;
+        composeSolid(to + stretch.begin, static_cast<std::size_t>(count),
+                     count <= kShortStretch ? scale255(color, toByte(coverage)) : scale256(color, coverage));
+    }
+}
+
+// What a row of pixels will need of memory is asked for some rows ahead: pictures are larger than caches, and
+// the short pieces of a shape's rows are nothing that a processor would foresee.
+void DenseCells::foresee(int row, int left, int y, const PixelGround& ground) const
+{
+    constexpr unsigned kLineGroups = 2; // 64 bytes
+    constexpr unsigned kMostGroups = 32;
+    const std::uint64_t* bits = m_bits.data() + static_cast<std::size_t>(row) * m_wordsOfRow;
+    const std::uint32_t* pixels = ground.at(left, y);
+    unsigned first = 0, end = 0; // groups
+    for (std::size_t word = 0; word < m_wordsOfRow; ++word) {
+        if (bits[word] == 0) continue;
+        const auto base = static_cast<unsigned>(word) * 64;
+        if (end == 0) first = base + static_cast<unsigned>(std::countr_zero(bits[word]));
+        end = base + 64 - static_cast<unsigned>(std::countl_zero(bits[word]));
+    }
+    if (end - first > kMostGroups) return; // so long a row is foreseen
+    for (unsigned group = first; group < end; group += kLineGroups)
+        __builtin_prefetch(pixels + group * kGroup, 1);
+}
+
+void DenseCells::sweep(int firstRow, int lastRow, int left, int top, FillRule rule, SpanSink& sink)
+{
+    constexpr int kAhead = 4;
+    const PixelGround ground = sink.ground();
+    if (ground.pixels == nullptr) {
+        for (int row = firstRow; row <= lastRow; ++row) sweepRow(row, left, top + row, rule, sink, ground);
+        return;
+    }
+    for (int row = firstRow; row < std::min(firstRow + kAhead, lastRow + 1); ++row)
+        foresee(row, left, top + row, ground);
+    for (int row = firstRow; row <= lastRow; ++row) {
+        if (row + kAhead <= lastRow) foresee(row + kAhead, left, top + row + kAhead, ground);
+        sweepRow(row, left, top + row, rule, sink, ground);
+    }
+}
+
+void DenseCells::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink, const PixelGround& ground)
 {
     const std::uint32_t styles = std::exchange(m_rowStyles[static_cast<std::size_t>(row)], 0);
     if (styles == 0) return;
-    m_origin = left;
-    m_spans.clear();
     std::int32_t* sums = m_sums.data() + static_cast<std::size_t>(row) * m_rowSize;
     findStretches(m_bits.data() + static_cast<std::size_t>(row) * m_wordsOfRow);
-    if ((styles & (styles - 1)) == 0) {
-        const auto style = static_cast<std::uint32_t>(std::countr_zero(styles));
-        sweepOne(style + 1, sums + style * m_styleSize, rule);
-    } else {
-        sweepSeveral(styles, sums, rule);
+    const bool isSingle = (styles & (styles - 1)) == 0;
+    const auto style = static_cast<std::uint32_t>(std::countr_zero(styles));
+    if (isSingle && ground.pixels != nullptr) {
+        if (const auto color = sink.plainColor(style + 1)) {
+            paintOne(sums + style * m_styleSize, rule, *color, ground.at(left, y));
+            return;
+        }
     }
+    m_origin = left;
+    m_spans.clear();
+    if (isSingle)
+        sweepOne(style + 1, sums + style * m_styleSize, rule);
+    else
+        sweepSeveral(styles, sums, rule);
     if (!m_spans.empty()) sink.row(y, m_spans);
 }
 

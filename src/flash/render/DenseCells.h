@@ -65,7 +65,9 @@ public:
     template <int kStepBits>
     void addCounted(const CountedLine& line);
     [[nodiscard]] bool isOverfull() const { return false; }
-    void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink);
+    /// Tells the sink about rows and forgets them.
+    /// @param left,top where the sink has their first pixel and row 0
+    void sweep(int firstRow, int lastRow, int left, int top, FillRule rule, SpanSink& sink);
 
 private:
     static constexpr unsigned kGroup = 8; ///< pixels
@@ -89,6 +91,9 @@ private:
     }
     template <int kStepBits, bool kBothSides>
     void countSides(const CountedLine& line);
+    void foresee(int row, int left, int y, const PixelGround& ground) const;
+    void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink, const PixelGround& ground);
+    void paintOne(std::int32_t* sums, FillRule rule, std::uint32_t color, std::uint32_t* to);
     void findStretches(std::uint64_t* bits);
     void sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule);
     void sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule);

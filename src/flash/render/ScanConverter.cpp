@@ -317,21 +317,16 @@ void ScanConverter::clippedLine(double x0, double y0, double x1, double y1)
     if (x1 < 0) lineInside(0, fixed(by), 0, fixed(y1));
 }
 
-template <class Cells>
-void ScanConverter::sweepRows(Cells& cells, FillRule rule, SpanSink& sink)
-{
-    for (int row = m_firstRow; row <= m_lastRow; ++row)
-        cells.sweepRow(row, m_clip.left, m_clip.top + row, rule, sink);
-    m_firstRow = m_clip.height();
-    m_lastRow = -1;
-}
-
 void ScanConverter::sweep(FillRule rule, SpanSink& sink)
 {
-    if (m_isDense)
-        sweepRows(m_dense, rule, sink);
-    else
-        sweepRows(m_sparse, rule, sink);
+    if (m_isDense) {
+        m_dense.sweep(m_firstRow, m_lastRow, m_clip.left, m_clip.top, rule, sink);
+    } else {
+        for (int row = m_firstRow; row <= m_lastRow; ++row)
+            m_sparse.sweepRow(row, m_clip.left, m_clip.top + row, rule, sink);
+    }
+    m_firstRow = m_clip.height();
+    m_lastRow = -1;
 }
 
 } // namespace flash::render

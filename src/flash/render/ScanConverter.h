@@ -64,8 +64,6 @@ private:
     template <int kStepBits, class Cells>
     void lineCounted(Cells& cells, int x0, int y0, int x1, int y1);
     void clippedLine(double x0, double y0, double x1, double y1);
-    template <class Cells>
-    void sweepRows(Cells& cells, FillRule rule, SpanSink& sink);
 
     IntRect m_clip;
     Coverage m_coverage = Coverage::Exact;

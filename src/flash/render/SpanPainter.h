@@ -36,6 +36,15 @@ public:
     std::vector<StylePaint>& styles() { return m_styles; }
 
     void row(int y, std::span<const StyleSpan> spans) override;
+    [[nodiscard]] PixelGround ground() const override
+    {
+        return {m_target.view.pixels, m_target.view.stride, m_target.left, m_target.top};
+    }
+    [[nodiscard]] std::optional<std::uint32_t> plainColor(std::uint32_t style) const override
+    {
+        if (m_mask != nullptr || m_styles[style - 1].paint != nullptr) return std::nullopt;
+        return m_styles[style - 1].color;
+    }
 
 private:
     void single(const StyleSpan& span);

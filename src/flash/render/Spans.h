@@ -1,8 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <span>
 
 // What scan conversion says about the pixels of a row.
@@ -21,6 +23,14 @@ struct StyleSpan {
     const std::uint8_t* coverages = nullptr; ///< not null: counts instead of `coverage`
 };
 
+/// Pixels that a sink lays what it receives onto.
+struct PixelGround {
+    std::uint32_t* pixels = nullptr; ///< those of device pixel (left, top); null for none
+    std::ptrdiff_t stride = 0;       ///< pixels from one row to the next
+    int left = 0, top = 0;
+    [[nodiscard]] std::uint32_t* at(int x, int y) const { return pixels + (y - top) * stride + (x - left); }
+};
+
 /// Receives what a row holds, from left to right. Where several styles share pixels, their spans follow each
 /// other with the same `x` and `count`; coverages are then given in the same way for all of them, and those
 /// of one pixel sum up to 256, or 255, at most. Other spans do not overlap. The spans and what they point to
@@ -30,6 +40,14 @@ class SpanSink
 public:
     virtual ~SpanSink() = default;
     virtual void row(int y, std::span<const StyleSpan> spans) = 0;
+    /// For converters that can fetch pixels ahead, or lay them themselves.
+    [[nodiscard]] virtual PixelGround ground() const { return {}; }
+    /// What a span of the style would be laid onto the ground with, premultiplied, if it is one colour and
+    /// nothing else matters: the converter may do it itself then instead of calling row().
+    [[nodiscard]] virtual std::optional<std::uint32_t> plainColor(std::uint32_t /*style*/) const
+    {
+        return std::nullopt;
+    }
 };
 
 // Within a pixel, positions are counted in 1/256 of it, and areas in such a unit that 2 * 256 * 256 is the
