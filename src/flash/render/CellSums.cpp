@@ -6,13 +6,15 @@
 
 #include <algorithm>
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace flash::render
 {
 namespace
 {
 
-using wide::eightCoverages;
 using wide::kLanes;
 using wide::Words16;
 
@@ -53,20 +55,31 @@ using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
     toInside(areas, rule);
 }
 
-// The coverages of a group of pixels.
+// The coverages, 0..255, of a group of pixels.
 template <FillRule kRule>
-[[gnu::always_inline]] inline void eightBytes(std::int32_t* sums, Ints4& carry, std::uint8_t* to)
+[[gnu::always_inline]] inline void eightCoverages(std::int32_t* sums, Ints4& carry, Ints4& first,
+                                                  Ints4& second)
 {
-    Ints4 areas, further;
-    fourAreas(sums, carry, kRule, areas);
-    fourAreas(sums + 4, carry, kRule, further);
-    areas = (areas + kSubpixels) >> (kSubpixelBits + 1);
-    areas -= areas >> 8;
-    further = (further + kSubpixels) >> (kSubpixelBits + 1);
-    further -= further >> 8;
-    const Ints8 both = __builtin_shufflevector(areas, further, 0, 1, 2, 3, 4, 5, 6, 7);
+    fourAreas(sums, carry, kRule, first);
+    fourAreas(sums + 4, carry, kRule, second);
+    first = (first + kSubpixels) >> (kSubpixelBits + 1);
+    first -= first >> 8;
+    second = (second + kSubpixels) >> (kSubpixelBits + 1);
+    second -= second >> 8;
+}
+
+[[gnu::always_inline]] inline void toBytes(const Ints4& first, const Ints4& second, std::uint8_t* to)
+{
+#ifdef __SSE2__
+    // What the compiler makes of the conversion goes pixel by pixel.
+    const __m128i words =
+        _mm_packs_epi32(reinterpret_cast<const __m128i&>(first), reinterpret_cast<const __m128i&>(second));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(words, words));
+#else
+    const Ints8 both = __builtin_shufflevector(first, second, 0, 1, 2, 3, 4, 5, 6, 7);
     const Bytes8 bytes = __builtin_convertvector(both, Bytes8);
     std::memcpy(to, &bytes, sizeof bytes);
+#endif
 }
 
 template <FillRule kRule>
@@ -76,20 +89,33 @@ template <FillRule kRule>
     Ints4 sum = {carry, carry, carry, carry};
     // A group at a time: it is read in pieces as large, and what was written in smaller ones would have to
     // reach memory first.
-    for (std::size_t i = 0; i < count; i += 8) eightBytes<kRule>(sums + i, sum, to + i);
+    for (std::size_t i = 0; i < count; i += 8) {
+        Ints4 first, second;
+        eightCoverages<kRule>(sums + i, sum, first, second);
+        toBytes(first, second, to + i);
+    }
     carry = sum[0];
 }
 
-// Eight coverages at `to`, and eight pixels laid over with one colour.
-[[gnu::always_inline]] inline void layEight(std::uint32_t* to, std::uint64_t coverages, const Words16& source)
+// Lays `source`, four times the same pixel, over four pixels.
+[[gnu::always_inline]] inline void layFour(std::uint32_t* to, const Ints4& coverages, const Words16& source)
 {
-    for (std::size_t half = 0; half < 2; ++half) {
-        Words16 part;
-        wide::spreadCoverage(part, static_cast<std::uint32_t>(coverages >> 32 * half));
-        part *= source;
-        wide::div255(part);
-        wide::layOver(to + half * kLanes, part);
-    }
+    const Ints4 twice = coverages | coverages << 16;
+    const Ints8 each = __builtin_shufflevector(twice, twice, 0, 0, 1, 1, 2, 2, 3, 3);
+    Words16 part;
+    std::memcpy(&part, &each, sizeof part);
+    part *= source;
+    wide::div255(part);
+    wide::layOver(to, part);
+}
+
+// Whether all of eight numbers are `value`.
+[[gnu::always_inline]] inline bool areAll(const Ints4& first, const Ints4& second, std::int32_t value)
+{
+    const Ints4 different = (first ^ value) | (second ^ value);
+    std::uint64_t halves[2];
+    std::memcpy(halves, &different, sizeof halves);
+    return (halves[0] | halves[1]) == 0;
 }
 
 template <FillRule kRule>
@@ -102,18 +128,20 @@ template <FillRule kRule>
     wide::load(source, four);
     Ints4 sum = {carry, carry, carry, carry};
     for (int i = 0; i < count; i += 8) {
-        std::uint8_t bytes[8];
-        eightBytes<kRule>(sums + i, sum, bytes);
-        const std::uint64_t coverages = eightCoverages(bytes);
-        if (coverages == 0) continue;
+        Ints4 first, second;
+        eightCoverages<kRule>(sums + i, sum, first, second);
+        if (areAll(first, second, 0)) continue;
         if (i + 8 > room) {
+            std::uint8_t bytes[8];
+            toBytes(first, second, bytes);
             for (int last = 0; i + last < room; ++last)
                 to[i + last] = over(scale255(color, bytes[last]), to[i + last]);
-        } else if (opaque && coverages == ~std::uint64_t{0}) {
+        } else if (opaque && areAll(first, second, 255)) {
             std::memcpy(to + i, four, sizeof four);
             std::memcpy(to + i + kLanes, four, sizeof four);
         } else {
-            layEight(to + i, coverages, source);
+            layFour(to + i, first, source);
+            layFour(to + i + kLanes, second, source);
         }
     }
     carry = sum[0];

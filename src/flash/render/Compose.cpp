@@ -22,6 +22,15 @@ using wide::spreadCoverage;
 using wide::store;
 using wide::Words16;
 
+// Whether all of eight pixels are.
+[[gnu::always_inline]] inline bool areOpaque(const std::uint32_t* pixels)
+{
+    std::uint64_t pairs[4];
+    std::memcpy(pairs, pixels, sizeof pairs);
+    constexpr std::uint64_t kAlphas = 0xFF000000FF000000;
+    return (pairs[0] & pairs[1] & pairs[2] & pairs[3] & kAlphas) == kAlphas;
+}
+
 } // namespace
 
 void fillPixels(std::uint32_t* to, std::size_t count, std::uint32_t color)
@@ -114,6 +123,10 @@ void composePixels(std::uint32_t* below, const std::uint32_t* source, const std:
     for (; i + 2 * kLanes <= count; i += 2 * kLanes) {
         const std::uint64_t coverages = eightCoverages(coverage + i);
         if (coverages == 0) continue;
+        if (coverages == ~std::uint64_t{0} && areOpaque(source + i)) {
+            std::memcpy(below + i, source + i, 2 * kLanes * sizeof(std::uint32_t));
+            continue;
+        }
         for (std::size_t half = 0; half < 2; ++half) {
             Words16 four;
             Words16 part;

@@ -334,6 +334,7 @@ void DenseCells::sweep(int firstRow, int lastRow, int left, int top, FillRule ru
 {
     constexpr int kAhead = 4;
     const PixelGround ground = sink.ground();
+    m_askedStyle = 0;
     if (ground.pixels == nullptr) {
         for (int row = firstRow; row <= lastRow; ++row) sweepRow(row, left, top + row, rule, sink, ground);
         return;
@@ -355,8 +356,12 @@ void DenseCells::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sin
     const bool isSingle = (styles & (styles - 1)) == 0;
     const auto style = static_cast<std::uint32_t>(std::countr_zero(styles));
     if (isSingle && ground.pixels != nullptr) {
-        if (const auto color = sink.plainColor(style + 1)) {
-            paintOne(sums + style * m_styleSize, rule, *color, ground.at(left, y));
+        if (m_askedStyle != style + 1) {
+            m_askedStyle = style + 1;
+            m_plainColor = sink.plainColor(m_askedStyle);
+        }
+        if (m_plainColor) {
+            paintOne(sums + style * m_styleSize, rule, *m_plainColor, ground.at(left, y));
             return;
         }
     }

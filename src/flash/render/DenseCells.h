@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace flash::render
@@ -123,6 +124,9 @@ private:
     std::vector<std::uint8_t> m_present;  ///< by style and group: not 0 when it has an area there
     std::vector<StyleSpan> m_spans;
     int m_origin = 0; ///< x of the row's first pixel for the sink
+    // The style whose colour the sink was asked for last.
+    std::uint32_t m_askedStyle = 0;
+    std::optional<std::uint32_t> m_plainColor;
     // A span of m_coverage that may still grow.
     std::uint32_t m_openStyle = 0;
     int m_openBegin = 0, m_openEnd = 0;
