@@ -99,14 +99,14 @@ void DenseCells::countSides(const CountedLine& line)
         mark(bits, static_cast<unsigned>(std::min(column, lastColumn)) / kGroup,
              static_cast<unsigned>(std::max(column, lastColumn) + 1) / kGroup);
         if (column == lastColumn) {
+            // Those beyond the line's end are looked at too: half the rows of a shape's short lines are not
+            // whole, and which is hard to foretell.
             int steps = 0;
-            if (count == kSteps) {
-                for (int i = 0; i < kSteps; ++i, x += slope)
-                    steps += static_cast<int>(x >> CountedLine::kFraction) & (kSteps - 1);
-            } else {
-                for (int i = 0; i < count; ++i, x += slope)
-                    steps += static_cast<int>(x >> CountedLine::kFraction) & (kSteps - 1);
+            for (int i = 0; i < kSteps; ++i) {
+                const int at = static_cast<int>((x + i * slope) >> CountedLine::kFraction);
+                steps += at & (kSteps - 1) & -static_cast<int>(i < count);
             }
+            x += count * slope;
             add(column, count, steps);
         } else {
             for (int i = 0; i < count; ++i, x += slope) {
