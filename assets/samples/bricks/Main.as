@@ -34,6 +34,7 @@ package bricks
             stage.addEventListener(MouseEvent.MOUSE_DOWN, onPress);
             addEventListener(Event.ENTER_FRAME, onFrame);
             last = getTimer();
+            show(0); // the first picture comes before the first ENTER_FRAME
         }
 
         private function start():void
@@ -71,6 +72,11 @@ package bricks
             var passed:Number = Math.min((now - last) / 1000, 0.1);
             last = now;
             if (isPlaying && !isPaused) play(passed);
+            show(passed);
+        }
+
+        private function show(passed:Number):void
+        {
             scene.animate(passed);
             scene.showNumbers(field.score, best, field.lives, field.level);
         }
