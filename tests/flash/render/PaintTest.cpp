@@ -1,3 +1,4 @@
+#include "flash/render/Paint.h"
 #include "Shapes.h"
 #include "flash/render/Pixel.h"
 
@@ -273,6 +274,28 @@ TEST(Gradients, LetThroughWhatTheirStopsDo)
         EXPECT_EQ(picture.at(128, 1), kBlue);
         EXPECT_NEAR(picture.at(0, 1) & 0xFF, alpha, 2);
         EXPECT_NEAR(picture.at(0, 1) >> 16 & 0xFF, 255 - alpha, 2);
+    }
+}
+
+TEST(Gradients, WriteAsManyPixelsAsAreWanted)
+{
+    const FillStyle::Kind kKinds[] = {FillStyle::Kind::LinearGradient, FillStyle::Kind::RadialGradient,
+                                      FillStyle::Kind::FocalGradient};
+    for (const FillStyle::Kind kind : kKinds) {
+        Gradient gradient;
+        gradient.stops = {{0, {255, 0, 0, 255}}, {255, {0, 0, 255, 255}}};
+        gradient.focalPoint = 0.5;
+        const auto paint =
+            makeGradientPaint(kind, gradient, makeRamp(gradient, {}), {0.005, 0, 0, 0.005, 50, 0});
+        std::vector<std::uint32_t> all(600);
+        paint->fetch(0, 0, all.size(), all.data());
+        for (const unsigned count : {1U, 7U, 8U, 9U, 255U, 256U, 257U, 513U}) {
+            std::vector<std::uint32_t> some(count + 1, 7);
+            paint->fetch(0, 0, count, some.data());
+            EXPECT_EQ(some.back(), 7U) << count;
+            some.pop_back();
+            EXPECT_TRUE(std::equal(some.begin(), some.end(), all.begin())) << count;
+        }
     }
 }
 
