@@ -1,6 +1,5 @@
 #include "flash/avm2/bindings/EventKinds.h"
 
-#include "flash/avm2/bindings/Events.h"
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/classes/Library.h"
 
@@ -13,21 +12,6 @@ using Kind = NativeMember::Kind;
 
 namespace
 {
-
-/// The first three, then the class's own in the order of its slots.
-Value construct(Call& call)
-{
-    constexpr std::uint32_t kShared = 3;
-    auto& made = classes::selfAs<EventObject>(call, "flash.events.Event");
-    const std::u16string_view name = made.traits()->name.view();
-    made.type = call.vm.coerceString(call.arg(0));
-    made.bubbles =
-        call.has(1) ? call.vm.toBoolean(call.arg(1)) : name == u"TouchEvent" || name == u"GestureEvent";
-    made.cancelable = call.vm.toBoolean(call.arg(2));
-    for (std::uint32_t i = kShared; i < call.count && i - kShared < made.slotCount(); ++i)
-        call.vm.setSlotTyped(made, i - kShared, call.args[i]);
-    return {};
-}
 
 Value updateAfterEvent(Call&) { return {}; }
 
@@ -138,22 +122,6 @@ constexpr C kClipboardTransferMode[] = {{"CLONE_ONLY", 0, "cloneOnly"},
                                         {"ORIGINAL_ONLY", 0, "originalOnly"},
                                         {"ORIGINAL_PREFERRED", 0, "originalPreferred"}};
 
-constexpr NativeClass kind(std::string_view name, std::string_view slots,
-                           std::span<const NativeConstant> constants = {},
-                           std::span<const NativeMember> members = {})
-{
-    return {.package = "flash.events",
-            .name = name,
-            .base = "flash.events::Event",
-            .flags = NativeClass::Sealed,
-            .constructor = &construct,
-            .minArguments = 1,
-            .maxArguments = -1,
-            .members = members,
-            .constants = constants,
-            .slots = slots};
-}
-
 constexpr NativeClass kClasses[] = {
     {.package = "flash.media",
      .name = "AVTagData",
@@ -163,35 +131,35 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 2,
      .maxArguments = 2,
      .slots = "data:String localTime:Number"},
-    kind("TouchEvent",
-         "touchPointID:int isPrimaryTouchPoint:Boolean localX:Number=nan localY:Number=nan "
-         "sizeX:Number=nan sizeY:Number=nan pressure:Number=nan relatedObject:* "
-         "ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
-         kTouchEvent, kUpdates),
-    kind("GestureEvent",
-         "phase:String localX:Number localY:Number ctrlKey:Boolean altKey:Boolean "
-         "shiftKey:Boolean",
-         kGestureEvent, kUpdates),
-    kind("ShaderEvent", "bitmapData:* byteArray:* vector:*", kShaderEvent),
-    kind("SyncEvent", "changeList:*", kSyncEvent),
-    kind("NetDataEvent", "timestamp:Number info:*", kNetDataEvent),
-    kind("NetMonitorEvent", "netStream:*", kNetMonitorEvent),
-    kind("NetFilterEvent", "header:* data:*", {}, kFilterMembers),
-    kind("OutputProgressEvent", "bytesPending:Number bytesTotal:Number", kOutputProgressEvent),
-    kind("AccelerometerEvent",
-         "timestamp:Number accelerationX:Number accelerationY:Number accelerationZ:Number",
-         kAccelerometerEvent),
-    kind("GeolocationEvent",
-         "latitude:Number longitude:Number altitude:Number horizontalAccuracy:Number "
-         "verticalAccuracy:Number speed:Number heading:Number timestamp:Number",
-         kGeolocationEvent),
-    kind("GameInputEvent", "device:*", kGameInputEvent),
-    kind("SoftKeyboardEvent", "relatedObject:* triggerType:String", kSoftKeyboardEvent),
-    kind("StageVideoAvailabilityEvent", "availability:String", kStageVideoAvailabilityEvent),
-    kind("StageVideoEvent", "status:String colorSpace:String", kStageVideoEvent),
-    kind("VideoEvent", "status:String", kVideoEvent),
-    kind("VideoTextureEvent", "status:String colorSpace:String", kVideoTextureEvent),
-    kind("ThrottleEvent", "state:String targetFrameRate:Number", kThrottleEvent),
+    eventClass("TouchEvent",
+               "touchPointID:int isPrimaryTouchPoint:Boolean localX:Number=nan localY:Number=nan "
+               "sizeX:Number=nan sizeY:Number=nan pressure:Number=nan relatedObject:* "
+               "ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
+               kTouchEvent, kUpdates),
+    eventClass("GestureEvent",
+               "phase:String localX:Number localY:Number ctrlKey:Boolean altKey:Boolean "
+               "shiftKey:Boolean",
+               kGestureEvent, kUpdates),
+    eventClass("ShaderEvent", "bitmapData:* byteArray:* vector:*", kShaderEvent),
+    eventClass("SyncEvent", "changeList:*", kSyncEvent),
+    eventClass("NetDataEvent", "timestamp:Number info:*", kNetDataEvent),
+    eventClass("NetMonitorEvent", "netStream:*", kNetMonitorEvent),
+    eventClass("NetFilterEvent", "header:* data:*", {}, kFilterMembers),
+    eventClass("OutputProgressEvent", "bytesPending:Number bytesTotal:Number", kOutputProgressEvent),
+    eventClass("AccelerometerEvent",
+               "timestamp:Number accelerationX:Number accelerationY:Number accelerationZ:Number",
+               kAccelerometerEvent),
+    eventClass("GeolocationEvent",
+               "latitude:Number longitude:Number altitude:Number horizontalAccuracy:Number "
+               "verticalAccuracy:Number speed:Number heading:Number timestamp:Number",
+               kGeolocationEvent),
+    eventClass("GameInputEvent", "device:*", kGameInputEvent),
+    eventClass("SoftKeyboardEvent", "relatedObject:* triggerType:String", kSoftKeyboardEvent),
+    eventClass("StageVideoAvailabilityEvent", "availability:String", kStageVideoAvailabilityEvent),
+    eventClass("StageVideoEvent", "status:String colorSpace:String", kStageVideoEvent),
+    eventClass("VideoEvent", "status:String", kVideoEvent),
+    eventClass("VideoTextureEvent", "status:String colorSpace:String", kVideoTextureEvent),
+    eventClass("ThrottleEvent", "state:String targetFrameRate:Number", kThrottleEvent),
     constantsOf("flash.display", "ActionScriptVersion", kActionScriptVersion),
     constantsOf("flash.display", "ColorCorrection", kColorCorrection),
     constantsOf("flash.display", "ColorCorrectionSupport", kColorCorrectionSupport),

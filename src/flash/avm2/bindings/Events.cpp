@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/Events.h"
 
+#include "flash/avm2/bindings/EventKinds.h"
 #include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/classes/Library.h"
 
@@ -36,22 +37,11 @@ DispatcherObject& dispatcher(Call& call)
 bool bubblesByDefault(Vm& vm, EventObject& event)
 {
     for (const char* cls :
-         {"flash.events::MouseEvent", "flash.events::KeyboardEvent", "flash.events::FocusEvent"}) {
+         {"flash.events::MouseEvent", "flash.events::KeyboardEvent", "flash.events::FocusEvent",
+          "flash.events::TouchEvent", "flash.events::GestureEvent"}) {
         if (event.traits()->isA(vm.nativeClass(cls)->instances)) return true;
     }
     return false;
-}
-
-/// The first three, then the class's own in the order of its slots.
-Value constructEvent(Call& call)
-{
-    auto& made = event(call);
-    made.type = call.vm.coerceString(call.arg(0));
-    made.bubbles = call.has(1) ? call.vm.toBoolean(call.arg(1)) : bubblesByDefault(call.vm, made);
-    made.cancelable = call.vm.toBoolean(call.arg(2));
-    for (std::uint32_t i = 3; i < call.count && i - 3 < made.slotCount(); ++i)
-        call.vm.setSlotTyped(made, i - 3, call.args[i]);
-    return {};
 }
 
 Value type(Call& call) { return event(call).type; }
@@ -311,23 +301,6 @@ constexpr NativeMember kUpdateMembers[] = {
     {"updateAfterEvent", Kind::Method, &interactive::updateAfterEvent, 0, 0},
 };
 
-constexpr NativeClass derived(std::string_view name, std::string_view slots,
-                              std::span<const NativeConstant> constants,
-                              std::string_view base = "flash.events::Event",
-                              std::span<const NativeMember> members = {})
-{
-    return {.package = "flash.events",
-            .name = name,
-            .base = base,
-            .flags = NativeClass::Sealed,
-            .constructor = &constructEvent,
-            .minArguments = 1,
-            .maxArguments = -1,
-            .members = members,
-            .constants = constants,
-            .slots = slots};
-}
-
 constexpr NativeClass kClasses[] = {
     {.package = "flash.events",
      .name = "Event",
@@ -351,32 +324,44 @@ constexpr NativeClass kClasses[] = {
      .allocate = &allocateNative<DispatcherObject>,
      .members = kDispatcherMembers,
      .interfaces = "flash.events::IEventDispatcher"},
-    derived("MouseEvent",
-            "localX:Number=nan localY:Number=nan relatedObject:* ctrlKey:Boolean altKey:Boolean "
-            "shiftKey:Boolean buttonDown:Boolean delta:int",
-            kMouseConstants, "flash.events::Event", kMouseMembers),
-    derived("KeyboardEvent",
-            "charCode:uint keyCode:uint keyLocation:uint ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
-            kKeyConstants, "flash.events::Event", kUpdateMembers),
-    derived("TimerEvent", "", kTimerConstants, "flash.events::Event", kUpdateMembers),
-    derived("ProgressEvent", "bytesLoaded:Number bytesTotal:Number", kProgressConstants),
-    derived("TextEvent", "text:String=", kTextConstants),
-    derived("ErrorEvent", "errorID:int", kErrorConstants, "flash.events::TextEvent"),
-    derived("IOErrorEvent", "", kIoConstants, "flash.events::ErrorEvent"),
-    derived("SecurityErrorEvent", "", kSecurityConstants, "flash.events::ErrorEvent"),
-    derived("AsyncErrorEvent", "error:*", kAsyncConstants, "flash.events::ErrorEvent"),
-    derived("FocusEvent", "relatedObject:* shiftKey:Boolean keyCode:uint direction:String", kFocusConstants),
-    derived("HTTPStatusEvent", "status:int redirected:Boolean responseURL:String", kHttpConstants),
-    derived("NetStatusEvent", "info:*", kNetConstants),
-    derived("DataEvent", "data:String=", kDataConstants, "flash.events::TextEvent"),
-    derived("SampleDataEvent", "position:Number data:*", kSampleConstants),
-    derived("FullScreenEvent", "fullScreen:Boolean interactive:Boolean", kScreenConstants),
-    derived("ContextMenuEvent", "mouseTarget:* contextMenuOwner:*", kMenuConstants),
-    derived("ActivityEvent", "activating:Boolean", kActivityConstants),
-    derived("StatusEvent", "code:String level:String", kStatusConstants),
+    eventClass("MouseEvent",
+               "localX:Number=nan localY:Number=nan relatedObject:* ctrlKey:Boolean altKey:Boolean "
+               "shiftKey:Boolean buttonDown:Boolean delta:int",
+               kMouseConstants, kMouseMembers),
+    eventClass("KeyboardEvent",
+               "charCode:uint keyCode:uint keyLocation:uint ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
+               kKeyConstants, kUpdateMembers),
+    eventClass("TimerEvent", "", kTimerConstants, kUpdateMembers),
+    eventClass("ProgressEvent", "bytesLoaded:Number bytesTotal:Number", kProgressConstants),
+    eventClass("TextEvent", "text:String=", kTextConstants),
+    eventClass("ErrorEvent", "errorID:int", kErrorConstants, {}, "flash.events::TextEvent"),
+    eventClass("IOErrorEvent", "", kIoConstants, {}, "flash.events::ErrorEvent"),
+    eventClass("SecurityErrorEvent", "", kSecurityConstants, {}, "flash.events::ErrorEvent"),
+    eventClass("AsyncErrorEvent", "error:*", kAsyncConstants, {}, "flash.events::ErrorEvent"),
+    eventClass("FocusEvent", "relatedObject:* shiftKey:Boolean keyCode:uint direction:String",
+               kFocusConstants),
+    eventClass("HTTPStatusEvent", "status:int redirected:Boolean responseURL:String", kHttpConstants),
+    eventClass("NetStatusEvent", "info:*", kNetConstants),
+    eventClass("DataEvent", "data:String=", kDataConstants, {}, "flash.events::TextEvent"),
+    eventClass("SampleDataEvent", "position:Number data:*", kSampleConstants),
+    eventClass("FullScreenEvent", "fullScreen:Boolean interactive:Boolean", kScreenConstants),
+    eventClass("ContextMenuEvent", "mouseTarget:* contextMenuOwner:*", kMenuConstants),
+    eventClass("ActivityEvent", "activating:Boolean", kActivityConstants),
+    eventClass("StatusEvent", "code:String level:String", kStatusConstants),
 };
 
 } // namespace
+
+Value constructEvent(Call& call)
+{
+    auto& made = event(call);
+    made.type = call.vm.coerceString(call.arg(0));
+    made.bubbles = call.has(1) ? call.vm.toBoolean(call.arg(1)) : bubblesByDefault(call.vm, made);
+    made.cancelable = call.vm.toBoolean(call.arg(2));
+    for (std::uint32_t i = 3; i < call.count && i - 3 < made.slotCount(); ++i)
+        call.vm.setSlotTyped(made, i - 3, call.args[i]);
+    return {};
+}
 
 std::span<const NativeClass> eventClasses() { return kClasses; }
 

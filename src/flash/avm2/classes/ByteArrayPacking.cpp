@@ -33,24 +33,41 @@ bool deflateTo(Bytes& out, Bytes& in, int window)
     return true;
 }
 
+enum class Coded : std::uint8_t { More, End, Damaged };
+
+/// Lets a coder write piece by piece. `code` fills the place that it is given, says what is left of it, and
+/// how it goes on.
+/// @returns whether the end came, within the limits
+template <class Code>
+bool codeInPieces(Bytes& out, Code&& code)
+{
+    Coded state = Coded::More;
+    while (state == Coded::More && out.size() < kMaxBytes) {
+        const std::size_t at = out.size();
+        out.resize(at + kPieceBytes);
+        std::size_t left = kPieceBytes;
+        state = code(out.data() + at, left);
+        out.resize(at + kPieceBytes - left);
+    }
+    return state == Coded::End;
+}
+
 bool inflateTo(Bytes& out, Bytes& in, int window)
 {
     z_stream stream{};
     if (inflateInit2(&stream, window) != Z_OK) return false;
     stream.next_in = in.data();
     stream.avail_in = static_cast<uInt>(in.size());
-    int state = Z_OK;
-    while (state == Z_OK && out.size() < kMaxBytes) {
-        const std::size_t at = out.size();
-        out.resize(at + kPieceBytes);
-        stream.next_out = out.data() + at;
-        stream.avail_out = kPieceBytes;
-        state = inflate(&stream, Z_NO_FLUSH);
-        out.resize(at + kPieceBytes - stream.avail_out);
-        if (state == Z_OK && stream.avail_in == 0 && stream.avail_out != 0) break;
-    }
+    const bool isWhole = codeInPieces(out, [&](std::uint8_t* to, std::size_t& left) {
+        stream.next_out = to;
+        stream.avail_out = static_cast<uInt>(left);
+        const int state = inflate(&stream, Z_NO_FLUSH);
+        left = stream.avail_out;
+        if (state == Z_STREAM_END) return Coded::End;
+        return state == Z_OK && (stream.avail_in != 0 || left == 0) ? Coded::More : Coded::Damaged;
+    });
     inflateEnd(&stream);
-    return state == Z_STREAM_END;
+    return isWhole;
 }
 
 #ifdef ZORVEX_HAS_LZMA
@@ -59,17 +76,15 @@ bool codeTo(Bytes& out, const Bytes& in, lzma_stream& stream)
 {
     stream.next_in = in.data();
     stream.avail_in = in.size();
-    lzma_ret state = LZMA_OK;
-    while (state == LZMA_OK && out.size() < kMaxBytes) {
-        const std::size_t at = out.size();
-        out.resize(at + kPieceBytes);
-        stream.next_out = out.data() + at;
-        stream.avail_out = kPieceBytes;
-        state = lzma_code(&stream, LZMA_FINISH);
-        out.resize(at + kPieceBytes - stream.avail_out);
-    }
+    const bool isWhole = codeInPieces(out, [&](std::uint8_t* to, std::size_t& left) {
+        stream.next_out = to;
+        stream.avail_out = left;
+        const lzma_ret state = lzma_code(&stream, LZMA_FINISH);
+        left = stream.avail_out;
+        return state == LZMA_OK ? Coded::More : state == LZMA_STREAM_END ? Coded::End : Coded::Damaged;
+    });
     lzma_end(&stream);
-    return state == LZMA_STREAM_END;
+    return isWhole;
 }
 
 // The form: 5 bytes of properties, the length of the content in 8 bytes (all ones: there is a mark at the

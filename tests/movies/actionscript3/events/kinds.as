@@ -9,3 +9,6 @@ trace(shader);
 trace(new NetDataEvent("a", false, false, 5, "b"));
 trace(StatusEvent.STATUS, DataEvent.DATA, FullScreenEvent.FULL_SCREEN, ContextMenuEvent.MENU_SELECT);
 trace(SWFVersion.FLASH9, ActionScriptVersion.ACTIONSCRIPT3, ShaderPrecision.FULL, GesturePhase.BEGIN);
+class Tap extends TouchEvent { public function Tap() { super("tap"); } }
+trace(new Tap().bubbles, new Tap().isPrimaryTouchPoint, new TouchEvent("t", false).bubbles, new GestureEvent("g").bubbles, new GestureEvent("g", true, true).cancelable);
+trace(new MouseEvent("m").bubbles, new KeyboardEvent("k").bubbles, new FocusEvent("f").bubbles, new TextEvent("x").bubbles, new ErrorEvent("e", false, false, "text", 7).errorID);
