@@ -21,7 +21,7 @@ QAccessible::Role roleOf(SkinControl::Part part)
     return QAccessible::Pane;
 }
 
-class AccessibleElement : public QAccessibleWidget
+class AccessibleElement : public QAccessibleWidget, public QAccessibleValueInterface
 {
 public:
     explicit AccessibleElement(SkinControl& control)
@@ -44,6 +44,19 @@ public:
     {
         if (name == pressAction() && m_control.part() == SkinControl::Part::Button) m_control.click();
     }
+    /// A slider has a value as soon as its skin says which.
+    void* interface_cast(QAccessible::InterfaceType type) override
+    {
+        const bool isSlider = m_control.part() == SkinControl::Part::Slider && m_control.Value() >= 0;
+        if (type == QAccessible::ValueInterface && isSlider)
+            return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    [[nodiscard]] QVariant currentValue() const override { return m_control.Value(); }
+    void setCurrentValue(const QVariant& value) override { m_control.dragTo(value.toDouble()); }
+    [[nodiscard]] QVariant maximumValue() const override { return 100.0; }
+    [[nodiscard]] QVariant minimumValue() const override { return 0.0; }
+    [[nodiscard]] QVariant minimumStepSize() const override { return 1.0; }
 
 private:
     SkinControl& m_control; // goes after this: the toolkit deletes what it made for a widget with the widget

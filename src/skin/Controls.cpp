@@ -3,8 +3,10 @@
 #include "base/Failure.h"
 #include "skin/Texts.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 
 #include <algorithm>
 #include <cmath>
@@ -77,6 +79,32 @@ bool SkinControl::event(QEvent* event)
 {
     if (m_resting && event->type() == QEvent::MouseButtonPress) emit pressedWhileResting();
     return QWidget::event(event);
+}
+
+void SkinControl::setValue(double percent)
+{
+    const double value = std::isnan(percent) ? -1 : std::clamp(percent, 0.0, 100.0);
+    const bool isNews = std::round(value) != std::round(m_value);
+    m_value = value;
+    if (!isNews || !QAccessible::isActive()) return;
+    QAccessibleValueChangeEvent changed(this, std::round(value));
+    QAccessible::updateAccessibility(&changed);
+}
+
+void SkinControl::dragTo(double percent)
+{
+    // How far the knob stays away from the ends is the script's business: each drag comes nearer.
+    constexpr int kDrags = 4;
+    const QPointer<SkinControl> self(this);
+    const double wanted = std::clamp(percent, 0.0, 100.0);
+    double at = wanted / 100 * width();
+    for (int i = 0; i < kDrags && self != nullptr && isVisible() && Enabled(); ++i) {
+        const QPoint position(static_cast<int>(std::lround(at)), height() / 2);
+        emit pressed(PointerButton::Left, position);
+        if (self != nullptr) emit released(PointerButton::Left, position);
+        if (self == nullptr || m_value < 0 || std::abs(wanted - m_value) < 1) return;
+        at = std::clamp(at + (wanted - m_value) / 100 * width(), 0.0, static_cast<double>(width()));
+    }
 }
 
 void SkinControl::mousePressEvent(QMouseEvent* event)

@@ -28,6 +28,7 @@ class SkinControl : public QWidget
     Q_PROPERTY(bool Visible READ Visible WRITE setShown)
     Q_PROPERTY(bool Enabled READ Enabled WRITE setUsable)
     Q_PROPERTY(QString ToolTipText READ toolTip WRITE setToolTip)
+    Q_PROPERTY(double Value READ Value WRITE setValue)
     Q_PROPERTY(QObject* Parent READ Parent)
     Q_PROPERTY(QObject* Container READ Container WRITE setContainer)
 
@@ -61,6 +62,10 @@ public:
         return parentWidget() == m_client ? m_window : parentWidget();
     }
     void setContainer(QObject* container);
+    /// What a slider stands for at the moment, in percent: for who cannot see where its knob is. Below 0
+    /// where no script has said so.
+    [[nodiscard]] double Value() const { return m_value; }
+    void setValue(double percent);
 
     Q_INVOKABLE void Move(double left);
     Q_INVOKABLE void Move(double left, double top);
@@ -86,6 +91,8 @@ public:
     [[nodiscard]] Part part() const { return m_part; }
     /// Does what a click does, for who has no pointer.
     void click() { emit clicked(); }
+    /// Drags until the script says that it stands for the value, or for the nearest that can be had.
+    void dragTo(double percent);
 
 signals:
     void pressed(skin::PointerButton button, QPoint position);
@@ -117,6 +124,7 @@ private:
     QString m_tag;
     QWidget* m_window; ///< outlives its children
     QWidget* m_client; ///< the widget of the window that views lie on
+    double m_value = -1;
     Part m_part = Part::None;
     bool m_usable = true;
     bool m_resting = false;

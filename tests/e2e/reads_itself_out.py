@@ -57,6 +57,15 @@ class Reader:
     def press(self, item):
         return 'true' in self.call(item, 'org.a11y.atspi.Action.DoAction', '0')
 
+    def value(self, item):
+        told = re.search(r'<(-?[\d.]+)>', self.call(item, 'org.freedesktop.DBus.Properties.Get',
+                                                    'org.a11y.atspi.Value', 'CurrentValue'))
+        return float(told.group(1)) if told else None
+
+    def set_value(self, item, value):
+        self.call(item, 'org.freedesktop.DBus.Properties.Set', 'org.a11y.atspi.Value', 'CurrentValue',
+                  '<%.1f>' % value)
+
     def windows(self):
         root = ('org.a11y.atspi.Registry', '/org/a11y/atspi/accessible/root')
         return [window for program in self.children(root) for window in self.children(program)]
@@ -130,6 +139,13 @@ def main():
                        ('slider', 'Громкость'), ('slider', 'Место в ролике'), ('push button', 'Воспроизвести'),
                        ('label', 'Проигрыватель роликов Flash'), ('label', 'Остановлено')):
             assert wanted in spoken, (wanted, spoken)
+
+        # A slider says where it stands, and can be set without a pointer.
+        volume = next(one for role, name, one in found if (role, name) == ('slider', 'Громкость'))
+        assert reader.value(volume) == 100, reader.value(volume)
+        reader.set_value(volume, 40)
+        wait_for('another volume', lambda: abs(reader.value(volume) - 40) <= 1)
+        reader.set_value(volume, 100)
 
         # The ring on the page is the focus of who listens.
         main_window = next(number for number, (_, _, title) in windows_of('Zorvex').items() if title == 'Zorvex')

@@ -10,8 +10,8 @@ Dim normalSet, fullSet  ' the controls of the two views
 Class ControlSet
     Public Play, Pause, Mute, Unmute
     Public Info
-    Public SeekTrack, SeekFill, SeekKnob
-    Public VolumeTrack, VolumeFill, VolumeKnob
+    Public SeekTrack, SeekFill, SeekKnob, SeekArea
+    Public VolumeTrack, VolumeFill, VolumeKnob, VolumeArea
 End Class
 
 Sub MakeControlSets
@@ -21,6 +21,7 @@ Sub MakeControlSets
         Set .Info = infoText
         Set .SeekTrack = seekTrack : Set .SeekFill = seekFill : Set .SeekKnob = seekKnob
         Set .VolumeTrack = volumeTrack : Set .VolumeFill = volumeFill : Set .VolumeKnob = volumeKnob
+        Set .SeekArea = seekArea : Set .VolumeArea = volumeArea
     End With
     Set fullSet = New ControlSet
     With fullSet
@@ -28,6 +29,7 @@ Sub MakeControlSets
         Set .Info = fullInfo
         Set .SeekTrack = fullSeekTrack : Set .SeekFill = fullSeekFill : Set .SeekKnob = fullSeekKnob
         Set .VolumeTrack = fullVolumeTrack : Set .VolumeFill = fullVolumeFill : Set .VolumeKnob = fullVolumeKnob
+        Set .SeekArea = fullSeekArea : Set .VolumeArea = fullVolumeArea
     End With
 End Sub
 
@@ -47,17 +49,18 @@ Sub ShowControls(controls, narrow)
         .Info.Caption = text
 
         If SWF.TotalFrames > 1 Then
-            ShowSlider .SeekTrack, .SeekFill, .SeekKnob, SWF.FrameNum / (SWF.TotalFrames - 1)
+            ShowSlider .SeekTrack, .SeekFill, .SeekKnob, .SeekArea, SWF.FrameNum / (SWF.TotalFrames - 1)
         Else
-            ShowSlider .SeekTrack, .SeekFill, .SeekKnob, 0
+            ShowSlider .SeekTrack, .SeekFill, .SeekKnob, .SeekArea, 0
         End If
         .SeekKnob.Visible = SWF.TotalFrames > 1
-        ShowSlider .VolumeTrack, .VolumeFill, .VolumeKnob, Player.Volume / 100
+        ShowSlider .VolumeTrack, .VolumeFill, .VolumeKnob, .VolumeArea, Player.Volume / 100
     End With
 End Sub
 
 ' share: 0 to 1
-Sub ShowSlider(track, fill, knob, share)
+Sub ShowSlider(track, fill, knob, area, share)
+    area.Value = share * 100  ' for those who hear it
     fill.Width = track.Width * share
     knob.Left = track.Left + fill.Width - KnobWidth / 2
 End Sub
