@@ -89,7 +89,7 @@ Value constructData(Call& call)
                       "Argument count mismatch on flash.display::BitmapData(). Expected 2, got " +
                           std::to_string(call.count) + ".");
     const std::int32_t width = vm.toInt(call.arg(0)), height = vm.toInt(call.arg(1));
-    const int longest = vm.version < kLargeVersion ? kOldMaxSide : kMaxSide;
+    const int longest = vm.apiVersion() < kLargeVersion ? kOldMaxSide : kMaxSide;
     if (width <= 0 || height <= 0 || width > longest || height > longest ||
         static_cast<std::int64_t>(width) * height > kMaxPixels)
         invalidData(vm);

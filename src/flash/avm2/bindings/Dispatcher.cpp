@@ -104,7 +104,7 @@ void DispatcherObject::callListeners(Vm& vm, EventObject& event, Name type, Valu
     event.currentTarget = current;
     event.isDispatched = true;
     for (std::size_t i = 0; i < functions.size() && !event.isStoppedAtOnce; ++i) {
-        vm.guarded([&] { vm.call(functions[i], Value(), {Value(&event)}); });
+        vm.guarded([&] { vm.call(functions[i], Value(vm.nativeGlobal()), {Value(&event)}); });
     }
 }
 

@@ -3,6 +3,8 @@
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/classes/Library.h"
 
+#include <array>
+
 // Events that nothing here sends, for movies that make them on their own, and lists of constants that go with
 // later services. What they are about is not there; the names are.
 namespace flash::avm2
@@ -12,6 +14,38 @@ using Kind = NativeMember::Kind;
 
 namespace
 {
+
+/// Gestures that carry more than their base: their arguments stand in an order of their own.
+Value constructGesture(Call& call)
+{
+    constexpr std::uint32_t kShared = 3;
+    // Slots, by argument: phase, localX, localY, what is the class's own, ctrlKey, altKey, shiftKey.
+    constexpr std::array<std::uint32_t, 11> kTransform = {0, 1, 2, 6, 7, 8, 9, 10, 3, 4, 5};
+    constexpr std::array<std::uint32_t, 8> kTap = {0, 1, 2, 6, 7, 3, 4, 5};
+    auto& made = classes::selfAs<EventObject>(call, "flash.events.Event");
+    made.type = call.vm.coerceString(call.arg(0));
+    made.bubbles = !call.has(1) || call.vm.toBoolean(call.arg(1));
+    made.cancelable = call.vm.toBoolean(call.arg(2));
+    const bool isTransform = made.slotCount() >= kTransform.size();
+    const std::span<const std::uint32_t> order =
+        isTransform ? std::span<const std::uint32_t>(kTransform) : std::span<const std::uint32_t>(kTap);
+    for (std::uint32_t i = kShared; i < call.count && i - kShared < order.size(); ++i) {
+        if (order[i - kShared] < made.slotCount())
+            call.vm.setSlotTyped(made, order[i - kShared], call.args[i]);
+    }
+    return {};
+}
+
+Value constructUncaught(Call& call)
+{
+    auto& made = classes::selfAs<EventObject>(call, "flash.events.Event");
+    made.type = call.has(0) ? Value(call.vm.coerceString(call.arg(0)))
+                            : Value(call.vm.name("uncaughtError").string());
+    made.bubbles = !call.has(1) || call.vm.toBoolean(call.arg(1));
+    made.cancelable = !call.has(2) || call.vm.toBoolean(call.arg(2));
+    call.vm.setPublic(call.self, "error", call.has(3) ? call.arg(3) : Value::null());
+    return {};
+}
 
 Value updateAfterEvent(Call&) { return {}; }
 
@@ -43,6 +77,15 @@ constexpr C kTouchEvent[] = {{"TOUCH_BEGIN", 0, "touchBegin"},        {"TOUCH_EN
                              {"TOUCH_OVER", 0, "touchOver"},          {"TOUCH_ROLL_OUT", 0, "touchRollOut"},
                              {"TOUCH_ROLL_OVER", 0, "touchRollOver"}, {"TOUCH_TAP", 0, "touchTap"}};
 constexpr C kGestureEvent[] = {{"GESTURE_TWO_FINGER_TAP", 0, "gestureTwoFingerTap"}};
+constexpr C kTransformGestureEvent[] = {{"GESTURE_DIRECTIONAL_TAP", 0, "gestureDirectionalTap"},
+                                        {"GESTURE_PAN", 0, "gesturePan"},
+                                        {"GESTURE_ROTATE", 0, "gestureRotate"},
+                                        {"GESTURE_SWIPE", 0, "gestureSwipe"},
+                                        {"GESTURE_ZOOM", 0, "gestureZoom"}};
+constexpr C kPressAndTapGestureEvent[] = {{"GESTURE_PRESS_AND_TAP", 0, "gesturePressAndTap"}};
+constexpr C kUncaughtErrorEvent[] = {{"UNCAUGHT_ERROR", 0, "uncaughtError"}};
+constexpr C kImeEvent[] = {{"IME_COMPOSITION", 0, "imeComposition"},
+                           {"IME_START_COMPOSITION", 0, "imeStartComposition"}};
 constexpr C kShaderEvent[] = {{"COMPLETE", 0, "complete"}};
 constexpr C kSyncEvent[] = {{"SYNC", 0, "sync"}};
 constexpr C kNetDataEvent[] = {{"MEDIA_TYPE_DATA", 0, "mediaTypeData"}};
@@ -122,7 +165,45 @@ constexpr C kClipboardTransferMode[] = {{"CLONE_ONLY", 0, "cloneOnly"},
                                         {"ORIGINAL_ONLY", 0, "originalOnly"},
                                         {"ORIGINAL_PREFERRED", 0, "originalPreferred"}};
 
+constexpr NativeClass gesture(std::string_view name, std::string_view slots,
+                              std::span<const NativeConstant> constants)
+{
+    return {.package = "flash.events",
+            .name = name,
+            .base = "flash.events::GestureEvent",
+            .flags = NativeClass::Sealed,
+            .constructor = &constructGesture,
+            .minArguments = 1,
+            .maxArguments = -1,
+            .constants = constants,
+            .slots = slots};
+}
+
 constexpr NativeClass kClasses[] = {
+    {.package = "flash.events",
+     .name = "UncaughtErrorEvent",
+     .base = "flash.events::ErrorEvent",
+     .flags = NativeClass::Sealed,
+     .constructor = &constructUncaught,
+     .minArguments = 0,
+     .maxArguments = 4,
+     .constants = kUncaughtErrorEvent,
+     .slots = "error:*"},
+    {.package = "flash.events",
+     .name = "UncaughtErrorEvents",
+     .base = "flash.events::EventDispatcher",
+     .flags = NativeClass::Sealed,
+     .minArguments = 0,
+     .maxArguments = 0},
+    {.package = "flash.events",
+     .name = "IMEEvent",
+     .base = "flash.events::TextEvent",
+     .flags = NativeClass::Sealed,
+     .constructor = &constructEvent,
+     .minArguments = 1,
+     .maxArguments = 5,
+     .constants = kImeEvent,
+     .slots = "imeClient:*"},
     {.package = "flash.media",
      .name = "AVTagData",
      .base = {},
@@ -140,6 +221,10 @@ constexpr NativeClass kClasses[] = {
                "phase:String localX:Number localY:Number ctrlKey:Boolean altKey:Boolean "
                "shiftKey:Boolean",
                kGestureEvent, kUpdates),
+    gesture("TransformGestureEvent",
+            "scaleX:Number=1 scaleY:Number=1 rotation:Number offsetX:Number offsetY:Number",
+            kTransformGestureEvent),
+    gesture("PressAndTapGestureEvent", "tapLocalX:Number tapLocalY:Number", kPressAndTapGestureEvent),
     eventClass("ShaderEvent", "bitmapData:* byteArray:* vector:*", kShaderEvent),
     eventClass("SyncEvent", "changeList:*", kSyncEvent),
     eventClass("NetDataEvent", "timestamp:Number info:*", kNetDataEvent),

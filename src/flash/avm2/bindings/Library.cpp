@@ -44,6 +44,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         netPeerLibrary(),
         netStreamLibrary(),
         fileLibrary(),
+        clipboardLibrary(),
         socketLibrary(),
         sharedObjectLibrary(),
         textFormatLibrary(),

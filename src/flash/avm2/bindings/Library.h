@@ -41,7 +41,8 @@ NativeLibrary textEngineLibrary(); ///< flash.text.engine
 NativeLibrary xmlNodeLibrary();    ///< flash.xml
 NativeLibrary soundLibrary();
 NativeLibrary soundMixerLibrary();
-NativeLibrary fontLibrary(); ///< and the lists of constants around texts
-NativeLibrary fileLibrary(); ///< files that a user would choose
+NativeLibrary fontLibrary();      ///< and the lists of constants around texts
+NativeLibrary clipboardLibrary(); ///< flash.desktop, and what else belongs to the desktop
+NativeLibrary fileLibrary();      ///< files that a user would choose
 
 } // namespace flash::avm2

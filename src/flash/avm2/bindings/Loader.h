@@ -34,4 +34,9 @@ LoaderInfoObject* newLoaderInfo(Vm& vm, std::string_view url);
 Value queryParameters(Vm& vm, std::string_view url);
 std::span<const NativeClass> loaderClasses();
 
+/// What hears of errors that no script catches; made when it is first asked for.
+Value errorEvents(Vm& vm, LoaderInfoObject& info);
+/// Tells those who listen there of one. @returns whether they have prevented that anybody else hears of it
+bool offerUncaught(Vm& vm, const LoaderInfoObject& info, Value error);
+
 } // namespace flash::avm2

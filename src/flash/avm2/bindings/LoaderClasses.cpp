@@ -238,14 +238,7 @@ Value content(Call& call)
     const LoaderInfoObject* info = infoOf(loaderSelf(call));
     return info != nullptr ? Value(info->content) : Value::null();
 }
-Value uncaughtErrors(Call& call)
-{
-    auto& self = loaderSelf(call);
-    if (infoOf(self)->errors.isUndefined())
-        infoOf(self)->errors =
-            call.vm.construct(Value(call.vm.nativeClass("flash.events::EventDispatcher")), {});
-    return infoOf(self)->errors;
-}
+Value uncaughtErrors(Call& call) { return errorEvents(call.vm, *infoOf(loaderSelf(call))); }
 /// A loader's list is its own.
 Value refuseList(Call& call)
 {

@@ -53,6 +53,26 @@ LoaderInfoObject* newLoaderInfo(Vm& vm, std::string_view url)
     return info;
 }
 
+bool offerUncaught(Vm& vm, const LoaderInfoObject& info, Value error)
+{
+    auto* events = as<DispatcherObject>(info.errors);
+    if (events == nullptr || !events->hasListener(vm.name("uncaughtError"))) return false;
+    bool isTaken = false;
+    vm.guarded([&] {
+        EventObject* event = newEvent(vm, "flash.events::UncaughtErrorEvent", "uncaughtError", true, true);
+        vm.setPublic(Value(event), "error", error);
+        isTaken = !events->dispatch(vm, *event);
+    });
+    return isTaken;
+}
+
+Value errorEvents(Vm& vm, LoaderInfoObject& info)
+{
+    if (info.errors.isUndefined())
+        info.errors = vm.construct(Value(vm.nativeClass("flash.events::UncaughtErrorEvents")), {});
+    return info.errors;
+}
+
 namespace
 {
 
@@ -86,6 +106,8 @@ Value loader(Call& call)
 Value applicationDomain(Call& call)
 {
     auto& info = self(call);
+    // A loader's is known once something has come.
+    if (info.loader != nullptr && info.kind == LoaderInfoObject::Content::None) return Value::null();
     Domain* domain = info.domain != nullptr ? info.domain : call.vm.movieDomain;
     return Value(classes::domainValue(call.vm, domain));
 }
@@ -131,15 +153,15 @@ Value bytes(Call& call)
     }
     return info.bytes;
 }
-Value dispatcher(Call& call, Value LoaderInfoObject::*field)
+Value sharedEvents(Call& call)
 {
     auto& info = self(call);
-    if ((info.*field).isUndefined())
-        info.*field = call.vm.construct(Value(call.vm.nativeClass("flash.events::EventDispatcher")), {});
-    return info.*field;
+    if (info.sharedEvents.isUndefined())
+        info.sharedEvents =
+            call.vm.construct(Value(call.vm.nativeClass("flash.events::EventDispatcher")), {});
+    return info.sharedEvents;
 }
-Value sharedEvents(Call& call) { return dispatcher(call, &LoaderInfoObject::sharedEvents); }
-Value uncaughtErrors(Call& call) { return dispatcher(call, &LoaderInfoObject::errors); }
+Value uncaughtErrors(Call& call) { return errorEvents(call.vm, self(call)); }
 Value nothing(Call&) { return Value::null(); }
 Value getByDefinition(Call& call)
 {

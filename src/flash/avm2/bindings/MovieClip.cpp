@@ -154,7 +154,7 @@ int frameOf(Call& call, DisplayObject& clip)
         if (name.name == label && !givesScene) return name.frame;
     }
     constexpr int kStrictVersion = 11;
-    if (call.vm.version < kStrictVersion) return 1;
+    if (call.vm.apiVersion() < kStrictVersion) return 1;
     call.vm.throwError(ErrorClass::Argument, 2109,
                        u"Frame label " + text + u" not found in scene " + fromUtf8(parts[part].name) + u".");
 }

@@ -300,6 +300,8 @@ constexpr NativeClass kClasses[] = {
      .maxArguments = 0,
      .allocate = &allocateNative<NetConnectionObject>,
      .members = kConnection,
+     .slots = "protocol:String maxPeerConnections:uint=8 nearID:String= farID:String= nearNonce:String= "
+              "farNonce:String=",
      .setUp = [](Vm& vm, ClassObject& cls) { classes::addState<classes::DefaultEncoding>(vm, cls); }},
     {.package = "flash.net",
      .name = "Responder",

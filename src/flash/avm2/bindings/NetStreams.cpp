@@ -309,6 +309,15 @@ constexpr NativeMember kVideo[] = {
     {"deblocking", Kind::Getter, &deblocking, 0, 0, &setDeblocking, "int"},
 };
 
+/// Settings of services that nothing here takes part in: kept for those who ask.
+constexpr std::string_view kStreamSlots =
+    "maxPauseBufferTime:Number=30 bufferTimeMax:Number backBufferTime:Number=30 backBufferLength:Number "
+    "inBufferSeek:Boolean decodedFrames:uint videoCodec:uint audioCodec:uint audioReliable:Boolean=true "
+    "videoReliable:Boolean=true dataReliable:Boolean=true audioSampleAccess:Boolean "
+    "videoSampleAccess:Boolean "
+    "useHardwareDecoder:Boolean=true useJitterBuffer:Boolean videoStreamSettings:* farID:String= "
+    "nearNonce:String= farNonce:String=";
+
 constexpr NativeClass kClasses[] = {
     {.package = "flash.net",
      .name = "NetStream",
@@ -318,7 +327,22 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 1,
      .maxArguments = 2,
      .allocate = &allocateNative<NetStreamObject>,
-     .members = kStream},
+     .members = kStream,
+     .slots = kStreamSlots},
+    {.package = "flash.net",
+     .name = "NetStreamInfo",
+     .base = {},
+     .flags = NativeClass::Sealed | NativeClass::Final,
+     .minArguments = 0,
+     .maxArguments = 22,
+     .slots =
+         "currentBytesPerSecond:Number byteCount:Number maxBytesPerSecond:Number audioBytesPerSecond:Number "
+         "audioByteCount:Number videoBytesPerSecond:Number videoByteCount:Number dataBytesPerSecond:Number "
+         "dataByteCount:Number playbackBytesPerSecond:Number droppedFrames:Number "
+         "audioBufferByteLength:Number videoBufferByteLength:Number dataBufferByteLength:Number "
+         "audioBufferLength:Number videoBufferLength:Number dataBufferLength:Number SRTT:Number "
+         "audioLossRate:Number videoLossRate:Number metaData:* xmpData:* uri:String resourceName:String "
+         "isLive:Boolean"},
     {.package = "flash.net",
      .name = "NetStreamPlayOptions",
      .base = "flash.events::EventDispatcher",

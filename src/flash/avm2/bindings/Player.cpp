@@ -153,7 +153,7 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
         }
         m_vm->guarded([&] {
             if (movie.domain == nullptr) return; // its frames go on, without a class of its own
-            Unit* unit = movie.domain->load(*m_vm, *parsed);
+            Unit* unit = movie.domain->load(*m_vm, *parsed, movie.movie->header.version);
             if (!block.lazy) unit->runAllScripts(*m_vm);
         });
     }
@@ -258,6 +258,11 @@ void Player::begin()
     m_vm->guarded([&] {
         LoaderInfoObject* info = newLoaderInfo(*m_vm, main.url);
         main.loaderInfo = info;
+        m_vm->offerUncaught = [this](Value error) {
+            const LoadedMovie* movie = mainMovie();
+            const auto* known = movie == nullptr ? nullptr : as<LoaderInfoObject>(Value(movie->loaderInfo));
+            return known != nullptr && avm2::offerUncaught(*m_vm, *known, error);
+        };
         // The stage has one of its own.
         LoaderInfoObject* ofStage = newLoaderInfo(*m_vm, main.url);
         ofStage->contentType = Value::null();

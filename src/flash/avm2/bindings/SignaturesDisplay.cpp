@@ -38,7 +38,7 @@ flash.display::BitmapData
   pixelDissolve(BitmapData,Rectangle,Point,int=,int=,uint=):int hitTest(Point,uint,Object,Point=,uint=):Boolean
   compare(BitmapData):Object histogram(Rectangle=):Vector<Vector<Number>> encode(Rectangle,Object,ByteArray=):ByteArray
 flash.display::DisplayObject
-  () root-:DisplayObject stage-:Stage name:String parent-:DisplayObjectContainer mask:DisplayObject visible:Boolean x:Number
+  () addEventListener(String,Function,Boolean=,int=,Boolean=):void root-:DisplayObject stage-:Stage name:String parent-:DisplayObjectContainer mask:DisplayObject visible:Boolean x:Number
   y:Number z:Number scaleX:Number scaleY:Number scaleZ:Number mouseX-:Number mouseY-:Number rotation:Number rotationX:Number
   rotationY:Number rotationZ:Number alpha:Number width:Number height:Number cacheAsBitmap:Boolean opaqueBackground:Object
   scrollRect:Rectangle filters:Array blendMode:String transform:Transform scale9Grid:Rectangle globalToLocal(Point):Point
@@ -70,7 +70,8 @@ flash.display::InteractiveObject
   accessibilityImplementation:AccessibilityImplementation softKeyboardInputAreaOfInterest:Rectangle needsSoftKeyboard:Boolean
   contextMenu:ContextMenu requestSoftKeyboard():Boolean
 flash.display::Loader
-  () load(URLRequest,LoaderContext=):void loadBytes(ByteArray,LoaderContext=):void close():void unload():void
+  () addChild(DisplayObject):DisplayObject addChildAt(DisplayObject,int):DisplayObject removeChild(DisplayObject):DisplayObject
+  removeChildAt(int):DisplayObject setChildIndex(DisplayObject,int):void load(URLRequest,LoaderContext=):void loadBytes(ByteArray,LoaderContext=):void close():void unload():void
   unloadAndStop(Boolean=):void content-:DisplayObject contentLoaderInfo-:LoaderInfo uncaughtErrorEvents-:UncaughtErrorEvents
 flash.display::LoaderInfo
   ^getLoaderInfoByDefinition(Object):LoaderInfo loaderURL-:String url-:String isURLInaccessible-:Boolean bytesLoaded-:uint
@@ -95,7 +96,7 @@ flash.display::Sprite
   startTouchDrag(int,Boolean=,Rectangle=):void stopTouchDrag(int):void hitArea:Sprite useHandCursor:Boolean
   soundTransform:SoundTransform
 flash.display::Stage
-  frameRate:Number invalidate():void scaleMode:String align:String stageWidth:int stageHeight:int showDefaultContextMenu:Boolean
+  tabChildren:Boolean frameRate:Number invalidate():void scaleMode:String align:String stageWidth:int stageHeight:int showDefaultContextMenu:Boolean
   focus:InteractiveObject colorCorrection:String colorCorrectionSupport-:String isFocusInaccessible():Boolean
   stageFocusRect:Boolean quality:String displayState:String fullScreenSourceRect:Rectangle mouseLock:Boolean
   stageVideos-:Vector<StageVideo> stage3Ds-:Vector<Stage3D> color:uint fullScreenWidth-:uint fullScreenHeight-:uint wmodeGPU-:Boolean

@@ -125,7 +125,9 @@ flash.system::Capabilities
   ^screenResolutionY-:Number ^touchscreenType-:String ^hasIME-:Boolean ^hasTLS-:Boolean ^maxLevelIDC-:String
   ^supports32BitProcesses-:Boolean ^supports64BitProcesses-:Boolean ^_internal-:uint ^hasMultiChannelAudio(String):Boolean
 flash.system::JPEGLoaderContext
-  (Number=,Boolean=,ApplicationDomain=,SecurityDomain=) .deblockingFilter:Number
+  (Number=,Boolean=,ApplicationDomain=,SecurityDomain=) .deblockingFilter:Number .checkPolicyFile:Boolean
+  .applicationDomain:ApplicationDomain .securityDomain:SecurityDomain .allowCodeImport:Boolean
+  .requestedContentParent:DisplayObjectContainer .parameters:Object .imageDecodingPolicy:String
 flash.system::LoaderContext
   (Boolean=,ApplicationDomain=,SecurityDomain=) .checkPolicyFile:Boolean .applicationDomain:ApplicationDomain
   .securityDomain:SecurityDomain .allowCodeImport:Boolean .requestedContentParent:DisplayObjectContainer .parameters:Object

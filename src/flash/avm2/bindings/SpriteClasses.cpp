@@ -33,7 +33,13 @@ Value setHitArea(Call& call)
     return {};
 }
 
+/// There is no touch to drag by, and no keyboard on the screen.
+Value doNothing(Call&) { return {}; }
+Value isFalse(Call&) { return false; }
+
 constexpr NativeMember kSprite[] = {
+    {"startTouchDrag", Kind::Method, &doNothing, 1, 3},
+    {"stopTouchDrag", Kind::Method, &doNothing, 1, 1},
     {"graphics", Kind::Getter, &graphics},
     {"startDrag", Kind::Method, &interactive::startDrag, 0, 2},
     {"stopDrag", Kind::Method, &interactive::stopDrag, 0, 0},
@@ -45,12 +51,14 @@ constexpr NativeMember kSprite[] = {
 constexpr NativeMember kInteractive[] = {
     {"tabEnabled", Kind::Getter, &interactive::tabEnabled, 0, 0, &interactive::setTabEnabled, "Boolean"},
     {"tabIndex", Kind::Getter, &interactive::tabIndex, 0, 0, &interactive::setTabIndex, "int"},
+    {"requestSoftKeyboard", Kind::Method, &isFalse, 0, 0},
     {"focusRect", Kind::Getter, &interactive::focusRect, 0, 0, &interactive::setFocusRect, "Object"},
 };
 constexpr NativeMember kShape[] = {{"graphics", Kind::Getter, &graphics}};
 constexpr std::string_view kInteractiveSlots =
     "mouseEnabled:Boolean=true doubleClickEnabled:Boolean "
-    "contextMenu:* needsSoftKeyboard:Boolean softKeyboardInputAreaOfInterest:*";
+    "contextMenu:* needsSoftKeyboard:Boolean softKeyboardInputAreaOfInterest:* "
+    "accessibilityImplementation:*";
 
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",

@@ -192,7 +192,8 @@ constexpr NativeClass kClasses[] = {
      .constructor = &refuseDisplayConstruction,
      .members = kStage,
      .slots = "stageFocusRect:Boolean=true fullScreenSourceRect:* colorCorrection:String=default "
-              "stage3Ds:* stageVideos:* mouseLock:Boolean"},
+              "stage3Ds:* stageVideos:* mouseLock:Boolean colorCorrectionSupport:String=defaultOff "
+              "browserZoomFactor:Number=1 displayContextInfo:String=none"},
 };
 
 } // namespace

@@ -9,5 +9,7 @@ namespace flash::avm2::classes
 
 /// flash.utils.describeType
 std::span<const NativeFunctionInfo> describeFunctions();
+/// What a description is to have in it, for those who ask in detail.
+std::span<const NativeValue> describeFlags();
 
 } // namespace flash::avm2::classes

@@ -339,6 +339,7 @@ constinit const NativeClass kJson{.package = {},
                                   .name = "JSON",
                                   .base = {},
                                   .flags = NativeClass::Sealed | NativeClass::Final | NativeClass::Abstract,
-                                  .members = kMembers};
+                                  .members = kMembers,
+                                  .since = 13};
 
 } // namespace flash::avm2::classes

@@ -118,6 +118,8 @@ flash.utils::IDataOutput
   writeMultiByte(String,String):void writeBytes(ByteArray,uint=,uint=):void writeObject(*):void
 flash.utils::IExternalizable
   writeExternal(IDataOutput):void readExternal(IDataInput):void
+__AS3__.vec::Vector
+  (uint=,Boolean=) length:uint fixed:Boolean
 flash.xml::XMLNode
   (uint,String) nodeType:uint nodeName:String nodeValue:String attributes:Object childNodes-:Array firstChild:XMLNode lastChild:XMLNode
   nextSibling:XMLNode previousSibling:XMLNode parentNode:XMLNode prefix-:String localName-:String namespaceURI-:String

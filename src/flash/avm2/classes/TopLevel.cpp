@@ -259,7 +259,7 @@ std::span<const NativeLibrary> library()
     static const std::array<NativeLibrary, 3> kLibraries = {
         NativeLibrary{kOwn, topLevelFunctions(), signatures()},
         NativeLibrary{errorClasses(), utilityFunctions()},
-        NativeLibrary{utilityClasses(), describeFunctions()}};
+        NativeLibrary{utilityClasses(), describeFunctions(), {}, describeFlags()}};
     return kLibraries;
 }
 

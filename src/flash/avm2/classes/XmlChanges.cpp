@@ -26,7 +26,7 @@ void insertAt(Call& call, XmlNode& parent, std::size_t index, Value value)
         if (isWithin(&parent, node))
             call.vm.throwError(ErrorClass::Type, 1118, "Illegal cyclical loop between nodes.");
         if (node->parent != nullptr && node->kind != XmlNode::Kind::Attribute &&
-            call.vm.version >= kMovesNodes) {
+            call.vm.apiVersion() >= kMovesNodes) {
             const auto at = std::ranges::find(node->parent->children, node);
             if (node->parent == &parent && at - parent.children.begin() < static_cast<std::ptrdiff_t>(index))
                 --index;
@@ -46,7 +46,7 @@ Value appendChild(Call& call)
     XmlNode& node = one(call);
     if (node.kind != XmlNode::Kind::Element) return call.self;
     const bool isMarkup = call.arg(0).isObject() && call.arg(0).object()->isXml();
-    if (!isMarkup && call.vm.version < kMovesNodes && !node.children.empty() &&
+    if (!isMarkup && call.vm.apiVersion() < kMovesNodes && !node.children.empty() &&
         node.children.back()->kind == XmlNode::Kind::Element) {
         // In old movies a text behind an element becomes one more such element.
         const XmlNode& last = *node.children.back();

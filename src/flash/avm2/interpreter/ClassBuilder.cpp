@@ -77,7 +77,10 @@ bool mayOverride(const Traits& traits, const Traits::Entry& known, const abc::Tr
     const MethodEnv& inherited = *traits.methods[static_cast<std::size_t>(id)];
     if (inherited.unit == nullptr || inherited.owner == &traits) return true;
     if ((trait.attributes & abc::Trait::Override) == 0) return false;
-    if (known.source->kind == trait.kind && (known.source->attributes & abc::Trait::Final) != 0) return false;
+    for (const abc::Trait* source : {known.source, known.setterSource}) {
+        if (source != nullptr && source->kind == trait.kind && (source->attributes & abc::Trait::Final) != 0)
+            return false;
+    }
     return hasSameSignature(own, inherited);
 }
 
@@ -176,8 +179,16 @@ void Vm::fillTraits(Traits& traits, Unit* unit, const std::vector<abc::Trait>& l
         // An override may stand in the derived class's own protected namespace or in that of its base.
         if (binding.kind != Binding::Kind::None) traits.bind(name.name, name.single, binding);
         Traits::Entry* entry = traits.entry(name.name, name.single);
-        entry->source = &trait;
-        entry->unit = unit;
+        const bool isSetter = trait.kind == abc::Trait::Kind::Setter;
+        if (isSetter) {
+            entry->setterSource = &trait;
+            entry->setterUnit = unit;
+        }
+        // A pair is known by its getter.
+        if (!isSetter || entry->source == nullptr || entry->source->kind == abc::Trait::Kind::Setter) {
+            entry->source = &trait;
+            entry->unit = unit;
+        }
         if (traits.base != nullptr && name.single->kind == Namespace::Kind::Protected) {
             for (Traits* at = traits.base; at != nullptr; at = at->base) {
                 if (at->protectedNs != nullptr && traits.entry(name.name, at->protectedNs) != nullptr)

@@ -360,7 +360,8 @@ bool Vm::instanceOf(Value value, Value type)
     else {
         throwError(ErrorClass::Type, 1040, "The right-hand side of instanceof must be a class or function.");
     }
-    if (value.isNullish()) return false;
+    if (value.isUndefined()) traitsOf(value);
+    if (value.isNull()) return false;
     Object* at = value.isObject() ? value.object()->proto() : traitsOf(value)->cls->prototype;
     if (proto == nullptr) return false;
     int left = 256;

@@ -44,8 +44,9 @@ Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
             if (object->traits()->find(name) != nullptr) return scope;
             if (isKept) f.code->caches[static_cast<std::size_t>(ins.cache)].passed[i] = object->traits();
         }
-        if (isPublic && object->isDynamic() && object->tableIfAny() != nullptr && !name.name.isNull() &&
-            object->tableIfAny()->find(name.name) != PropertyTable::kMissing)
+        const bool isOutermost = i == 0 && (f.env->scope == nullptr || f.env->scope->scopes.empty());
+        if (!isOutermost && isPublic && object->isDynamic() && object->tableIfAny() != nullptr &&
+            !name.name.isNull() && object->tableIfAny()->find(name.name) != PropertyTable::kMissing)
             return scope;
     }
     if (site != nullptr && site->holder != nullptr && site->chain == f.env->scope &&
@@ -62,7 +63,7 @@ Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
                 if (m_vm.has(Value(object), name)) holder = object;
             } else if (object->traits()->find(name) != nullptr) {
                 holder = object;
-            } else if (isPublic && object->isDynamic() && !name.name.isNull()) {
+            } else if (isPublic && object->isDynamic() && !name.name.isNull() && i > 0) {
                 // Additions to these cannot be seen coming.
                 if (object->traits()->cls != nullptr) cacheable = false;
                 if (object->tableIfAny() != nullptr &&
@@ -72,12 +73,18 @@ Value Interpreter::find(const Multiname& name, const Ins& ins, bool strict)
                 }
             }
         }
-        if (holder == nullptr && f.env->scope->global != nullptr) {
-            Object* global = f.env->scope->global;
-            if (global->traits()->find(name) != nullptr || m_vm.hasOwn(Value(global), name)) holder = global;
-        }
     }
     if (holder == nullptr) holder = f.unit->domain()->find(m_vm, name);
+    if (holder == nullptr && f.env->scope != nullptr) {
+        // What was added to the outermost is found after all that is defined anywhere.
+        const auto& scopes = f.env->scope->scopes;
+        Object* outer = f.env->scope->global;
+        if (!scopes.empty() && !scopes.front().isWith) outer = scopes.front().object;
+        for (Object* global : {outer, f.env->scope->global}) {
+            if (holder == nullptr && global != nullptr && m_vm.hasOwn(Value(global), name)) holder = global;
+        }
+        cacheable = false;
+    }
     if (holder == nullptr) {
         if (strict)
             m_vm.throwError(ErrorClass::Reference, 1065,

@@ -187,7 +187,8 @@ Traits* Interpreter::lateType(Value type)
 {
     auto* cls = as<ClassObject>(type);
     if (cls == nullptr) {
-        if (type.isNullish()) m_vm.traitsOf(type);
+        // What is no object at all is taken for the lack of one.
+        if (!type.isObject()) m_vm.traitsOf(type.isUndefined() ? type : Value::null());
         m_vm.throwError(ErrorClass::Type, 1041, "The right-hand side of operator must be a class.");
     }
     return cls->instances;

@@ -49,19 +49,28 @@ struct NativeClass {
     std::string_view interfaces = {};           ///< qualified, separated by spaces
     std::string_view slots = {};                ///< variables: `name:type=initial`, separated by spaces
     void (*setUp)(Vm&, ClassObject&) = nullptr; ///< does what a table cannot say
+    std::int8_t since = 0;                      ///< movies before this version do not see the class
 };
 
 struct NativeFunctionInfo {
     std::string_view package, name;
     NativeFunction function;
     std::int8_t minArguments = 0, maxArguments = -1;
+    bool isInternal = false; ///< seen from within its package only
+};
+
+/// A number that is in a package by itself.
+struct NativeValue {
+    std::string_view package, name;
+    double number = 0;
 };
 
 struct NativeLibrary {
     std::span<const NativeClass> classes;
     std::span<const NativeFunctionInfo> functions;
-    std::string_view signatures =
-        {}; ///< what classes take and give, see Signatures.h; of other libraries', too
+    /// What classes take and give, see Signatures.h; of other libraries', too.
+    std::string_view signatures = {};
+    std::span<const NativeValue> values = {};
 };
 
 } // namespace flash::avm2

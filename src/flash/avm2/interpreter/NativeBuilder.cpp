@@ -269,6 +269,7 @@ void Vm::makeCore()
     m_classes.object = first;
     keep(first);
     auto* clsStatics = m_heap.make<Traits>(name("Class"), m_public, m_classes.cls->instances);
+    clsStatics->bind(m_common.length, m_public, {Binding::Kind::Const, clsStatics->addSlot({}, 1), -1});
     ClassObject* second = m_heap.make<ClassObject>(*this, clsStatics, m_classes.cls->instances, first);
     second->prototype = m_heap.make<Object>(first->instances, first->prototype);
     second->allocate = m_classes.cls->allocate;
@@ -298,6 +299,7 @@ void Vm::makeCore()
     m_nativeValues[{name("Infinity").cell(), m_public}] = HUGE_VAL;
     m_nativeGlobal =
         m_heap.make<NativeGlobal>(m_heap.make<Traits>(name("global"), m_public, first->instances));
+    m_nativeGlobal->setProto(first->prototype);
     const auto special = [&](std::string_view plain, Traits::Special kind) {
         ClassObject* cls = nativeClass(plain);
         cls->instances->special = kind;
@@ -348,30 +350,43 @@ ClassObject* Vm::nativeClass(std::string_view qualifiedName)
     const std::string_view plain =
         colons == std::string_view::npos ? qualifiedName : qualifiedName.substr(colons + 2);
     Value found;
-    if (!findNative(Multiname::of(name(plain), ns(Namespace::Kind::Public, package)), found)) return nullptr;
+    if (!findAnyNative(Multiname::of(name(plain), ns(Namespace::Kind::Public, package)), found))
+        return nullptr;
     return as<ClassObject>(found);
 }
 
 bool Vm::findNative(const Multiname& wanted, Value& result)
 {
+    for (std::uint32_t i = 0; i < wanted.size() && !wanted.name.isNull(); ++i) {
+        const auto found = m_since.find({wanted.name.cell(), wanted.at(i)});
+        if (found != m_since.end() && apiVersion() < found->second) return false;
+    }
+    return findAnyNative(wanted, result);
+}
+
+bool Vm::findAnyNative(const Multiname& wanted, Value& result)
+{
     if (wanted.name.isNull()) return false;
     for (std::uint32_t i = 0; i < wanted.size(); ++i) {
         Namespace* space = wanted.at(i);
-        if (space->kind != Namespace::Kind::Public) continue;
+        const bool isInternal = space->kind == Namespace::Kind::Internal;
+        if (space->kind != Namespace::Kind::Public && !isInternal) continue;
         const auto known = m_nativeValues.find({wanted.name.cell(), space});
         if (known != m_nativeValues.end()) {
             result = known->second;
             return true;
         }
         const std::string package = toUtf8(space->uri.view()), plain = toUtf8(wanted.name.view());
-        if (const auto spec = m_nativeClasses.find({package, plain}); spec != m_nativeClasses.end()) {
+        if (const auto spec = m_nativeClasses.find({package, plain});
+            spec != m_nativeClasses.end() && !isInternal) {
             ClassObject* cls = makeNative(*spec->second);
             m_nativeValues[{wanted.name.cell(), space}] = Value(cls);
             if (m_classes.function != nullptr) addMembers(*cls, *spec->second);
             result = Value(cls);
             return true;
         }
-        if (const auto info = m_nativeFunctions.find({package, plain}); info != m_nativeFunctions.end()) {
+        if (const auto info = m_nativeFunctions.find({package, plain});
+            info != m_nativeFunctions.end() && info->second->isInternal == isInternal) {
             FunctionObject* function = newFunction(info->second->function, info->second->name,
                                                    info->second->minArguments, info->second->maxArguments);
             function->env()->name = wanted.name;

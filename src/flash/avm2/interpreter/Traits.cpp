@@ -26,6 +26,7 @@ void Traits::trace(Tracer& tracer)
         tracer(entry.name);
         tracer(entry.ns);
         tracer(entry.unit);
+        tracer(entry.setterUnit);
         tracer(entry.declaredBy);
     }
 }
@@ -82,7 +83,7 @@ void Traits::bind(Name wanted, Namespace* space, Binding binding)
     }
     const auto at = static_cast<std::int32_t>(m_entries.size());
     auto [found, isNew] = m_first.try_emplace(wanted.cell(), -1);
-    m_entries.push_back({wanted, space, binding, found->second, nullptr, nullptr, this});
+    m_entries.push_back({wanted, space, binding, found->second, nullptr, nullptr, this, nullptr, nullptr});
     found->second = at;
 }
 

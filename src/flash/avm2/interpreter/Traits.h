@@ -71,6 +71,8 @@ public:
         const abc::Trait* source = nullptr; ///< for describeType; null for natives
         Unit* unit = nullptr;
         Traits* declaredBy = nullptr;
+        const abc::Trait* setterSource = nullptr; ///< of an accessor's other half
+        Unit* setterUnit = nullptr;
     };
     [[nodiscard]] const std::vector<Entry, vm::TracedAllocator<Entry>>& entries() const { return m_entries; }
     Entry* entry(Name name, Namespace* ns);

@@ -217,9 +217,10 @@ void Domain::trace(Tracer& tracer)
     }
 }
 
-Unit* Domain::load(Vm& vm, std::shared_ptr<const abc::Abc> abc)
+Unit* Domain::load(Vm& vm, std::shared_ptr<const abc::Abc> abc, int version)
 {
     auto* unit = vm.heap().make<Unit>(vm, this, std::move(abc));
+    unit->version = version != 0 ? version : vm.version;
     ++vm.scopeEpoch;
     for (std::uint32_t i = 0; i < unit->abc().scripts.size(); ++i) {
         for (const abc::Trait& trait : unit->abc().scripts[i].traits) {

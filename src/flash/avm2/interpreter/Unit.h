@@ -52,6 +52,7 @@ public:
     void runAllScripts(Vm& vm);
     /// The global object of a script, as far as there is one.
     [[nodiscard]] Object* scriptIfMade(std::uint32_t index) const { return m_scripts[index].global; }
+    int version = 0; ///< of the movie that it came in
     /// The verified code of a method, null before.
     Code*& codeOf(std::uint32_t method) { return m_codes[method]; }
     MethodEnv* method(Vm& vm, std::uint32_t index, ScopeChain* scope);
@@ -80,7 +81,7 @@ public:
     void trace(Tracer& tracer) override;
 
     /// Makes a block's definitions known; nothing of it runs yet.
-    Unit* load(Vm& vm, std::shared_ptr<const abc::Abc> abc);
+    Unit* load(Vm& vm, std::shared_ptr<const abc::Abc> abc, int version = 0);
     /// @returns the object that has the definition, its script run; null when there is none.
     Object* find(Vm& vm, const Multiname& name);
     /// @returns what a definition holds by now, running nothing; undefined when that is not known

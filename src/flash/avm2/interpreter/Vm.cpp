@@ -27,7 +27,14 @@ Vm::Vm(Host& host, std::span<const NativeLibrary> libraries)
     defaultXmlNs = m_public;
     for (const NativeLibrary& library : libraries) {
         m_signatures.add(library.signatures);
-        for (const NativeClass& spec : library.classes) m_nativeClasses[{spec.package, spec.name}] = &spec;
+        for (const NativeClass& spec : library.classes) {
+            m_nativeClasses[{spec.package, spec.name}] = &spec;
+            if (spec.since > 0)
+                m_since[{name(spec.name).cell(), ns(Namespace::Kind::Public, spec.package)}] = spec.since;
+        }
+        for (const NativeValue& value : library.values)
+            m_nativeValues[{name(value.name).cell(), ns(Namespace::Kind::Public, value.package)}] =
+                value.number;
         for (const NativeFunctionInfo& info : library.functions)
             m_nativeFunctions[{info.package, info.name}] = &info;
     }
@@ -107,6 +114,12 @@ void Vm::report()
     const Value value = m_thrown;
     m_thrown = {};
     try {
+        // What goes wrong in there is offered to nobody.
+        if (const auto offer = std::exchange(offerUncaught, nullptr)) {
+            const bool isTaken = offer(value);
+            offerUncaught = offer;
+            if (isTaken) return;
+        }
         m_host.uncaught(describeThrown(value));
     } catch (const ScriptThrow&) {
         m_thrown = {};
@@ -190,6 +203,14 @@ std::vector<std::u16string> Vm::callStack()
         result.push_back(env.role == MethodEnv::Role::ScriptInit ? line : line + u"()");
     }
     return result;
+}
+
+int Vm::apiVersion() const
+{
+    for (std::size_t i = m_calls.size(); i-- > 0;) {
+        if (m_calls[i]->unit != nullptr) return m_calls[i]->unit->version;
+    }
+    return version;
 }
 
 Domain* Vm::currentDomain()

@@ -6,6 +6,7 @@
 #include "flash/avm2/interpreter/Signatures.h"
 #include "flash/avm2/interpreter/Unit.h"
 
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -68,9 +69,13 @@ public:
     Namespace* as3Ns() { return m_as3; }
     Namespace* ns(Namespace::Kind kind, Name uri);
     Namespace* ns(Namespace::Kind kind, std::string_view uri) { return ns(kind, name(uri)); }
-    /// Of the movie that runs; some conversions differ.
+    /// Of the movie that runs.
     int version = 10;
+    /// Of the movie whose code is calling: what it sees of the player, and how that behaves.
+    [[nodiscard]] int apiVersion() const;
     void* binding = nullptr; ///< whoever made the machine, for its natives
+    /// Is offered each error that no script caught. @returns whether nobody else is to hear of it
+    std::function<bool(Value error)> offerUncaught;
 
     // ---- making things ----
     String* string(std::u16string text) { return m_heap.make<String>(std::move(text)); }
@@ -221,6 +226,8 @@ public:
     /// The object that native definitions are found on.
     Object* nativeGlobal() { return m_nativeGlobal; }
     bool findNative(const Multiname& name, Value& result);
+    /// The same for those that the calling movie is too old to see.
+    bool findAnyNative(const Multiname& name, Value& result);
     std::uint32_t scopeEpoch = 1; ///< counts changes of what names in scopes may mean
     std::vector<std::u16string> callStack();
     /// Of the script that runs.
@@ -263,6 +270,7 @@ private:
     std::map<std::pair<std::string_view, std::string_view>, const NativeFunctionInfo*> m_nativeFunctions;
     Signatures m_signatures;
     std::map<const Signature*, std::vector<Traits*>> m_argumentTypes;
+    std::map<std::pair<const Atom*, const Namespace*>, int> m_since; ///< of what not all movies see
     std::map<std::pair<const Atom*, const Namespace*>, Value, std::less<>,
              vm::TracedAllocator<std::pair<const std::pair<const Atom*, const Namespace*>, Value>>>
         m_nativeValues;
