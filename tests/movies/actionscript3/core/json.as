@@ -1,4 +1,4 @@
-// movie: version="10" rate="20"
+// movie: version="13" rate="20"
 var o:Object = JSON.parse('{"a": [1, 2.5, "x", null, true], "b": {"c": "\\u0416\\n"}}');
 trace(o.a.length, o.a[1], o.a[3], o.b.c);
 trace(JSON.stringify([1, "q\"", null, undefined, NaN, {k: [true]}]));

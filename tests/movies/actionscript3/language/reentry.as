@@ -1,4 +1,4 @@
-// movie: version="10" rate="20"
+// movie: version="13" rate="20"
 // Natives that call script find their list, their text and themselves changed when it returns.
 import flash.utils.*;
 function attempt(name:String, work:Function):void
