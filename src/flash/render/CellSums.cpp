@@ -20,88 +20,154 @@ using wide::Words16;
 
 using Ints4 = std::int32_t __attribute__((vector_size(16)));
 using Ints8 = std::int32_t __attribute__((vector_size(32)));
+using Words8 = std::int16_t __attribute__((vector_size(16)));
 using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
 
-[[gnu::always_inline]] inline void runningSum(Ints4& v)
+[[gnu::always_inline]] inline void addUp(Ints4& v)
 {
     constexpr Ints4 kZero = {};
     v += __builtin_shufflevector(v, kZero, 4, 0, 1, 2);
     v += __builtin_shufflevector(v, kZero, 4, 4, 0, 1);
 }
 
-[[gnu::always_inline]] inline void toInside(Ints4& v, FillRule rule)
+[[gnu::always_inline]] inline void addUp(Words8& v)
 {
-    const Ints4 sign = v >> 31;
+    constexpr Words8 kZero = {};
+    v += __builtin_shufflevector(v, kZero, 8, 0, 1, 2, 3, 4, 5, 6);
+    v += __builtin_shufflevector(v, kZero, 8, 8, 0, 1, 2, 3, 4, 5);
+    v += __builtin_shufflevector(v, kZero, 8, 8, 8, 8, 0, 1, 2, 3);
+}
+
+[[gnu::always_inline]] inline void spreadLast(Ints4& to, const Ints4& from)
+{
+    to = __builtin_shufflevector(from, from, 3, 3, 3, 3);
+}
+[[gnu::always_inline]] inline void spreadLast(Words8& to, const Words8& from)
+{
+    to = __builtin_shufflevector(from, from, 7, 7, 7, 7, 7, 7, 7, 7);
+}
+
+// @tparam kFull the whole pixel
+template <int kFull, class Vector>
+[[gnu::always_inline]] inline void toInside(Vector& v, FillRule rule)
+{
+    const Vector sign = v >> static_cast<int>(8 * sizeof(v[0]) - 1);
     v = (v ^ sign) - sign;
     if (rule == FillRule::NonZero) {
-        v = v < kFullArea ? v : Ints4{kFullArea, kFullArea, kFullArea, kFullArea};
+        const Vector full = Vector{} + kFull;
+        v = v < full ? v : full;
         return;
     }
-    v &= 2 * kFullArea - 1;
-    const Ints4 other = 2 * kFullArea - v;
+    v &= 2 * kFull - 1;
+    const Vector other = 2 * kFull - v;
     v = v < other ? v : other;
 }
 
-// Four pixels further along a row: takes their numbers, clears them, and leaves the parts that are inside.
-// @param carry the sum so far, in all four: it need not leave its register
-[[gnu::always_inline]] inline void fourAreas(std::int32_t* sums, Ints4& carry, FillRule rule, Ints4& areas)
+// As many pixels further along a row: takes their numbers, clears them, and leaves the parts that are inside.
+// @param carry the sum so far, in all lanes: it need not leave its register
+template <class Sum, class Vector>
+[[gnu::always_inline]] inline void takeInside(Sum* sums, Vector& carry, FillRule rule, Vector& parts)
 {
-    constexpr Ints4 kZero = {};
-    std::memcpy(&areas, sums, sizeof areas);
+    constexpr Vector kZero = {};
+    std::memcpy(&parts, sums, sizeof parts);
     std::memcpy(sums, &kZero, sizeof kZero);
-    runningSum(areas);
-    areas += carry;
-    carry = __builtin_shufflevector(areas, areas, 3, 3, 3, 3);
-    toInside(areas, rule);
+    addUp(parts);
+    parts += carry;
+    spreadLast(carry, parts);
+    toInside<(kFullArea >> kUnitBits<Sum>)>(parts, rule);
 }
 
-// The coverages, 0..255, of a group of pixels.
-template <FillRule kRule>
-[[gnu::always_inline]] inline void eightCoverages(std::int32_t* sums, Ints4& carry, Ints4& first,
-                                                  Ints4& second)
-{
-    fourAreas(sums, carry, kRule, first);
-    fourAreas(sums + 4, carry, kRule, second);
-    first = (first + kSubpixels) >> (kSubpixelBits + 1);
-    first -= first >> 8;
-    second = (second + kSubpixels) >> (kSubpixelBits + 1);
-    second -= second >> 8;
-}
+// How the numbers of a group of pixels are worked with.
+template <class Sum>
+struct Group;
 
-[[gnu::always_inline]] inline void toBytes(const Ints4& first, const Ints4& second, std::uint8_t* to)
+template <>
+struct Group<std::int32_t> {
+    using Carry = Ints4;
+    [[gnu::always_inline]] static void coverage(std::int32_t* sums, Ints4& carry, FillRule rule, Words8& to)
+    {
+        Ints4 first, second;
+        takeInside(sums, carry, rule, first);
+        takeInside(sums + 4, carry, rule, second);
+        first = (first + kSubpixels) >> (kSubpixelBits + 1);
+        second = (second + kSubpixels) >> (kSubpixelBits + 1);
+#ifdef __SSE2__
+        // What the compiler makes of the conversion goes pixel by pixel.
+        const __m128i words = _mm_packs_epi32(reinterpret_cast<const __m128i&>(first),
+                                              reinterpret_cast<const __m128i&>(second));
+        std::memcpy(&to, &words, sizeof to);
+#else
+        const Ints8 both = __builtin_shufflevector(first, second, 0, 1, 2, 3, 4, 5, 6, 7);
+        to = __builtin_convertvector(both, Words8);
+#endif
+        to -= to >> 8;
+    }
+    [[gnu::always_inline]] static void areas(std::int32_t* sums, Ints4& carry, FillRule rule, Ints4& first,
+                                             Ints4& second)
+    {
+        takeInside(sums, carry, rule, first);
+        takeInside(sums + 4, carry, rule, second);
+    }
+};
+
+template <>
+struct Group<std::int16_t> {
+    using Carry = Words8;
+    static constexpr int kToCoverage = kUnitBits<std::int16_t> - (kSubpixelBits + 1);
+    [[gnu::always_inline]] static void coverage(std::int16_t* sums, Words8& carry, FillRule rule, Words8& to)
+    {
+        takeInside(sums, carry, rule, to);
+        to <<= kToCoverage;
+        to -= to >> 8;
+    }
+    [[gnu::always_inline]] static void areas(std::int16_t* sums, Words8& carry, FillRule rule, Ints4& first,
+                                             Ints4& second)
+    {
+        Words8 parts;
+        takeInside(sums, carry, rule, parts);
+        constexpr Words8 kZero = {};
+        const Words8 low = __builtin_shufflevector(parts, kZero, 0, 8, 1, 9, 2, 10, 3, 11);
+        const Words8 high = __builtin_shufflevector(parts, kZero, 4, 12, 5, 13, 6, 14, 7, 15);
+        std::memcpy(&first, &low, sizeof first);
+        std::memcpy(&second, &high, sizeof second);
+        first <<= kUnitBits<std::int16_t>;
+        second <<= kUnitBits<std::int16_t>;
+    }
+};
+
+[[gnu::always_inline]] inline void toBytes(const Words8& coverages, std::uint8_t* to)
 {
 #ifdef __SSE2__
-    // What the compiler makes of the conversion goes pixel by pixel.
-    const __m128i words =
-        _mm_packs_epi32(reinterpret_cast<const __m128i&>(first), reinterpret_cast<const __m128i&>(second));
+    const auto& words = reinterpret_cast<const __m128i&>(coverages);
     _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(words, words));
 #else
-    const Ints8 both = __builtin_shufflevector(first, second, 0, 1, 2, 3, 4, 5, 6, 7);
-    const Bytes8 bytes = __builtin_convertvector(both, Bytes8);
+    const Bytes8 bytes = __builtin_convertvector(coverages, Bytes8);
     std::memcpy(to, &bytes, sizeof bytes);
 #endif
 }
 
-template <FillRule kRule>
-[[gnu::always_inline]] inline void coverageBytes(std::int32_t* sums, std::size_t count, std::int32_t& carry,
+template <FillRule kRule, class Sum>
+[[gnu::always_inline]] inline void coverageBytes(Sum* sums, std::size_t count, std::int32_t& carry,
                                                  std::uint8_t* to)
 {
-    Ints4 sum = {carry, carry, carry, carry};
+    typename Group<Sum>::Carry sum = typename Group<Sum>::Carry{} + static_cast<Sum>(carry);
     // A group at a time: it is read in pieces as large, and what was written in smaller ones would have to
     // reach memory first.
     for (std::size_t i = 0; i < count; i += 8) {
-        Ints4 first, second;
-        eightCoverages<kRule>(sums + i, sum, first, second);
-        toBytes(first, second, to + i);
+        Words8 coverages;
+        Group<Sum>::coverage(sums + i, sum, kRule, coverages);
+        toBytes(coverages, to + i);
     }
     carry = sum[0];
 }
 
 // Lays `source`, four times the same pixel, over four pixels.
-[[gnu::always_inline]] inline void layFour(std::uint32_t* to, const Ints4& coverages, const Words16& source)
+// @param twice their coverages, each twice
+[[gnu::always_inline]] inline void layFour(std::uint32_t* to, const Words8& twice, const Words16& source)
 {
-    const Ints4 twice = coverages | coverages << 16;
-    const Ints8 each = __builtin_shufflevector(twice, twice, 0, 0, 1, 1, 2, 2, 3, 3);
+    Ints4 pairs;
+    std::memcpy(&pairs, &twice, sizeof pairs);
+    const Ints8 each = __builtin_shufflevector(pairs, pairs, 0, 0, 1, 1, 2, 2, 3, 3);
     Words16 part;
     std::memcpy(&part, &each, sizeof part);
     part *= source;
@@ -110,39 +176,56 @@ template <FillRule kRule>
 }
 
 // Whether all of eight numbers are `value`.
-[[gnu::always_inline]] inline bool areAll(const Ints4& first, const Ints4& second, std::int32_t value)
+[[gnu::always_inline]] inline bool areAll(const Words8& numbers, std::int16_t value)
 {
-    const Ints4 different = (first ^ value) | (second ^ value);
+    const Words8 different = numbers ^ value;
     std::uint64_t halves[2];
     std::memcpy(halves, &different, sizeof halves);
     return (halves[0] | halves[1]) == 0;
 }
 
-template <FillRule kRule>
-[[gnu::always_inline]] inline void solidGroups(std::int32_t* sums, int count, std::int32_t& carry,
-                                               std::uint32_t color, std::uint32_t* to, int room)
+template <FillRule kRule, class Sum>
+[[gnu::always_inline]] inline void solidGroups(Sum* sums, int count, std::int32_t& carry, std::uint32_t color,
+                                               std::uint32_t* to, int room)
 {
     const std::uint32_t four[kLanes] = {color, color, color, color};
     const bool opaque = alphaOf(color) == 255;
     Words16 source;
     wide::load(source, four);
-    Ints4 sum = {carry, carry, carry, carry};
+    typename Group<Sum>::Carry sum = typename Group<Sum>::Carry{} + static_cast<Sum>(carry);
     for (int i = 0; i < count; i += 8) {
-        Ints4 first, second;
-        eightCoverages<kRule>(sums + i, sum, first, second);
-        if (areAll(first, second, 0)) continue;
+        Words8 coverages;
+        Group<Sum>::coverage(sums + i, sum, kRule, coverages);
+        if (areAll(coverages, 0)) continue;
         if (i + 8 > room) {
             std::uint8_t bytes[8];
-            toBytes(first, second, bytes);
+            toBytes(coverages, bytes);
             for (int last = 0; i + last < room; ++last)
                 to[i + last] = over(scale255(color, bytes[last]), to[i + last]);
-        } else if (opaque && areAll(first, second, 255)) {
+        } else if (opaque && areAll(coverages, 255)) {
             std::memcpy(to + i, four, sizeof four);
             std::memcpy(to + i + kLanes, four, sizeof four);
         } else {
-            layFour(to + i, first, source);
-            layFour(to + i + kLanes, second, source);
+            layFour(to + i, __builtin_shufflevector(coverages, coverages, 0, 0, 1, 1, 2, 2, 3, 3), source);
+            layFour(to + i + kLanes, __builtin_shufflevector(coverages, coverages, 4, 4, 5, 5, 6, 6, 7, 7),
+                    source);
         }
+    }
+    carry = sum[0];
+}
+
+template <class Sum>
+[[gnu::always_inline]] inline void groupAreas(Sum* sums, std::size_t count, std::int32_t& carry,
+                                              FillRule rule, std::int32_t* to, std::uint8_t* present)
+{
+    typename Group<Sum>::Carry sum = typename Group<Sum>::Carry{} + static_cast<Sum>(carry);
+    for (std::size_t i = 0; i < count; i += 8) {
+        Ints4 first, second;
+        Group<Sum>::areas(sums + i, sum, rule, first, second);
+        std::memcpy(to + i, &first, sizeof first);
+        std::memcpy(to + i + 4, &second, sizeof second);
+        first |= second;
+        present[i / 8] = (first[0] | first[1] | first[2] | first[3]) != 0 ? 1 : 0;
     }
     carry = sum[0];
 }
@@ -159,26 +242,26 @@ void takeCoverage(std::int32_t* sums, std::size_t count, std::int32_t& carry, Fi
 }
 
 ZORVEX_VECTORIZE
-void takeAreas(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::int32_t* to,
-               std::uint8_t* present)
+void takeCoverage(std::int16_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::uint8_t* to)
 {
-    Ints4 sum = {carry, carry, carry, carry};
-    for (std::size_t i = 0; i < count; i += 8) {
-        Ints4 areas, further;
-        fourAreas(sums + i, sum, rule, areas);
-        fourAreas(sums + i + 4, sum, rule, further);
-        std::memcpy(to + i, &areas, sizeof areas);
-        std::memcpy(to + i + 4, &further, sizeof further);
-        areas |= further;
-        present[i / 8] = (areas[0] | areas[1] | areas[2] | areas[3]) != 0 ? 1 : 0;
-    }
-    carry = sum[0];
+    if (rule == FillRule::EvenOdd)
+        coverageBytes<FillRule::EvenOdd>(sums, count, carry, to);
+    else
+        coverageBytes<FillRule::NonZero>(sums, count, carry, to);
 }
 
 ZORVEX_VECTORIZE
-void areasToBytes(const std::int32_t* areas, std::size_t count, std::uint8_t* to)
+void takeAreas(std::int32_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::int32_t* to,
+               std::uint8_t* present)
 {
-    for (std::size_t i = 0; i < count; ++i) to[i] = toByte(toCoverage(areas[i]));
+    groupAreas(sums, count, carry, rule, to, present);
+}
+
+ZORVEX_VECTORIZE
+void takeAreas(std::int16_t* sums, std::size_t count, std::int32_t& carry, FillRule rule, std::int32_t* to,
+               std::uint8_t* present)
+{
+    groupAreas(sums, count, carry, rule, to, present);
 }
 
 ZORVEX_VECTORIZE
@@ -189,6 +272,22 @@ void laySolid(std::int32_t* sums, int count, std::int32_t& carry, FillRule rule,
         solidGroups<FillRule::EvenOdd>(sums, count, carry, color, to, room);
     else
         solidGroups<FillRule::NonZero>(sums, count, carry, color, to, room);
+}
+
+ZORVEX_VECTORIZE
+void laySolid(std::int16_t* sums, int count, std::int32_t& carry, FillRule rule, std::uint32_t color,
+              std::uint32_t* to, int room)
+{
+    if (rule == FillRule::EvenOdd)
+        solidGroups<FillRule::EvenOdd>(sums, count, carry, color, to, room);
+    else
+        solidGroups<FillRule::NonZero>(sums, count, carry, color, to, room);
+}
+
+ZORVEX_VECTORIZE
+void areasToBytes(const std::int32_t* areas, std::size_t count, std::uint8_t* to)
+{
+    for (std::size_t i = 0; i < count; ++i) to[i] = toByte(toCoverage(areas[i]));
 }
 
 ZORVEX_VECTORIZE

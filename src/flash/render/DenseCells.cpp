@@ -24,14 +24,16 @@ std::size_t roundedUp(std::size_t value, std::size_t unit) { return (value + uni
 
 } // namespace
 
-bool DenseCells::suits(int width, int height, std::uint32_t styles)
+template <class Sum>
+bool DenseCells<Sum>::suits(int width, int height, std::uint32_t styles)
 {
     return styles <= kMaxStyles && roundedUp(static_cast<std::size_t>(width) + 2, kGroup) *
                                            static_cast<std::size_t>(height) * styles <=
                                        kMaxSums;
 }
 
-void DenseCells::begin(int width, int height, std::uint32_t styles)
+template <class Sum>
+void DenseCells<Sum>::begin(int width, int height, std::uint32_t styles)
 {
     const auto rows = static_cast<std::size_t>(height);
     m_width = width;
@@ -50,7 +52,8 @@ void DenseCells::begin(int width, int height, std::uint32_t styles)
     setStyles(0, 0);
 }
 
-void DenseCells::setStyles(std::uint32_t left, std::uint32_t right)
+template <class Sum>
+void DenseCells<Sum>::setStyles(std::uint32_t left, std::uint32_t right)
 {
     const auto start = [this](std::uint32_t style) {
         return style == 0 ? kNone : static_cast<std::ptrdiff_t>((style - 1) * m_styleSize);
@@ -60,30 +63,31 @@ void DenseCells::setStyles(std::uint32_t left, std::uint32_t right)
     m_styleBits = (left == 0 ? 0 : 1U << (left - 1)) | (right == 0 ? 0 : 1U << (right - 1));
 }
 
+template <class Sum>
 template <int kStepBits, bool kBothSides>
-void DenseCells::countSides(const CountedLine& line)
+void DenseCells<Sum>::countSides(const CountedLine& line)
 {
     constexpr int kSteps = 1 << kStepBits, kHeight = kSubpixels / kSteps, kStepArea = 2 * kHeight * kHeight;
     int y = line.first, row = y >> kStepBits;
     const auto index = static_cast<std::size_t>(row);
-    std::int32_t* const sums = m_sums.data() + index * m_rowSize;
+    Sum* const sums = m_sums.data() + index * m_rowSize;
     // Of a line with one side only, that one is counted, left ones with the other sign.
     const bool isLeft = !kBothSides && m_left != kNone;
-    std::int32_t* right = sums + (isLeft ? m_left : m_right);
-    std::int32_t* left = kBothSides ? sums + m_left : nullptr;
+    Sum* right = sums + (isLeft ? m_left : m_right);
+    Sum* left = kBothSides ? sums + m_left : nullptr;
     std::uint64_t* bits = m_bits.data() + index * m_wordsOfRow;
     std::uint32_t* styles = m_rowStyles.data() + index;
     const int unit = isLeft ? -line.sign : line.sign;
     const std::uint32_t styleBits = m_styleBits;
     const std::size_t rowSize = m_rowSize, words = m_wordsOfRow;
     const auto add = [&](int x, int count, int steps) {
-        const int area = unit * steps * kStepArea;
-        const int here = unit * count * (kHeight * 2 * kSubpixels) - area;
-        right[x] += here;
-        right[x + 1] += area;
+        const int area = unit * steps * (kStepArea >> kUnitBits<Sum>);
+        const int here = unit * count * (kHeight * 2 * kSubpixels >> kUnitBits<Sum>)-area;
+        addTo(right[x], here);
+        addTo(right[x + 1], area);
         if constexpr (kBothSides) {
-            left[x] -= here;
-            left[x + 1] -= area;
+            addTo(left[x], -here);
+            addTo(left[x + 1], -area);
         }
     };
     std::int64_t x = line.x;
@@ -124,18 +128,18 @@ void DenseCells::countSides(const CountedLine& line)
     }
 }
 
+template <class Sum>
 template <int kStepBits>
-void DenseCells::addCounted(const CountedLine& line)
+void DenseCells<Sum>::addCounted(const CountedLine& line)
 {
     if (m_left != kNone && m_right != kNone)
         countSides<kStepBits, true>(line);
     else if (m_left != kNone || m_right != kNone)
         countSides<kStepBits, false>(line);
 }
-template void DenseCells::addCounted<1>(const CountedLine& line);
-template void DenseCells::addCounted<2>(const CountedLine& line);
 
-void DenseCells::findStretches(std::uint64_t* bits)
+template <class Sum>
+void DenseCells<Sum>::findStretches(std::uint64_t* bits)
 {
     m_stretches.clear();
     int at = 0;
@@ -160,7 +164,8 @@ void DenseCells::findStretches(std::uint64_t* bits)
     if (at < m_width) m_stretches.push_back({at, m_width, false});
 }
 
-void DenseCells::flush()
+template <class Sum>
+void DenseCells<Sum>::flush()
 {
     if (m_openStyle == 0) return;
     const int end = std::min(m_openEnd, m_width);
@@ -171,7 +176,8 @@ void DenseCells::flush()
 }
 
 // The coverage of these pixels stands in m_coverage.
-void DenseCells::addPixels(std::uint32_t style, int x, int count)
+template <class Sum>
+void DenseCells<Sum>::addPixels(std::uint32_t style, int x, int count)
 {
     if (m_openStyle != style || m_openEnd != x) {
         flush();
@@ -181,7 +187,8 @@ void DenseCells::addPixels(std::uint32_t style, int x, int count)
     m_openEnd = x + count;
 }
 
-void DenseCells::addConstant(std::uint32_t style, int x, int count, std::uint32_t coverage)
+template <class Sum>
+void DenseCells<Sum>::addConstant(std::uint32_t style, int x, int count, std::uint32_t coverage)
 {
     count = std::min(count, m_width - x);
     if (count <= 0) return;
@@ -194,7 +201,8 @@ void DenseCells::addConstant(std::uint32_t style, int x, int count, std::uint32_
     m_spans.push_back({m_origin + x, count, style, coverage});
 }
 
-void DenseCells::sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule)
+template <class Sum>
+void DenseCells<Sum>::sweepOne(std::uint32_t style, Sum* sums, FillRule rule)
 {
     std::int32_t carry = 0;
     for (const Stretch& stretch : m_stretches) {
@@ -203,7 +211,8 @@ void DenseCells::sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule
             takeCoverage(sums + stretch.begin, static_cast<std::size_t>(count), carry, rule,
                          m_coverage.data() + stretch.begin);
             addPixels(style, stretch.begin, count);
-        } else if (const std::uint32_t coverage = toCoverage(insideArea(carry, rule)); coverage != 0) {
+        } else if (const std::uint32_t coverage = toCoverage(insideArea(areaOf(carry), rule));
+                   coverage != 0) {
             addConstant(style, stretch.begin, count, coverage);
         }
     }
@@ -211,8 +220,9 @@ void DenseCells::sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule
 }
 
 // Pixels that all have the same areas of the styles, the highest first.
-void DenseCells::emitShared(int x, int count, std::span<const std::int32_t> areas,
-                            std::span<const std::uint32_t> styles)
+template <class Sum>
+void DenseCells<Sum>::emitShared(int x, int count, std::span<const std::int32_t> areas,
+                                 std::span<const std::uint32_t> styles)
 {
     // Rounding the running sum, not each part, keeps a full pixel at exactly 256.
     const std::size_t first = m_spans.size();
@@ -236,7 +246,8 @@ void DenseCells::emitShared(int x, int count, std::span<const std::int32_t> area
     addConstant(alone.style, x, count, alone.coverage);
 }
 
-void DenseCells::sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule)
+template <class Sum>
+void DenseCells<Sum>::sweepSeveral(std::uint32_t styles, Sum* sums, FillRule rule)
 {
     // Highest first: it lies on top.
     std::array<std::uint32_t, kMaxStyles> numbers{};
@@ -246,7 +257,7 @@ void DenseCells::sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule
         if ((styles >> (style - 1) & 1U) != 0) numbers[n++] = style;
     for (const Stretch& stretch : m_stretches) {
         if (!stretch.varies) {
-            for (std::size_t s = 0; s < n; ++s) here[s] = insideArea(carries[s], rule);
+            for (std::size_t s = 0; s < n; ++s) here[s] = insideArea(areaOf(carries[s]), rule);
             flush();
             emitShared(stretch.begin, stretch.end - stretch.begin, {here.data(), n}, {numbers.data(), n});
             continue;
@@ -277,7 +288,8 @@ void DenseCells::sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule
 }
 
 // A group of pixels, the `group`th of the areas at hand, of which several styles have something.
-void DenseCells::sweepShared(int x, std::size_t group, std::span<const std::uint32_t> styles)
+template <class Sum>
+void DenseCells<Sum>::sweepShared(int x, std::size_t group, std::span<const std::uint32_t> styles)
 {
     flush();
     const int count = std::min(static_cast<int>(kGroup), m_width - x);
@@ -292,7 +304,8 @@ void DenseCells::sweepShared(int x, std::size_t group, std::span<const std::uint
 }
 
 // The same as sweepOne() and what a painter makes of it, with nothing kept in between.
-void DenseCells::paintOne(std::int32_t* sums, FillRule rule, std::uint32_t color, std::uint32_t* to)
+template <class Sum>
+void DenseCells<Sum>::paintOne(Sum* sums, FillRule rule, std::uint32_t color, std::uint32_t* to)
 {
     std::int32_t carry = 0;
     for (const Stretch& stretch : m_stretches) {
@@ -302,7 +315,7 @@ void DenseCells::paintOne(std::int32_t* sums, FillRule rule, std::uint32_t color
                      m_width - stretch.begin);
             continue;
         }
-        const std::uint32_t coverage = toCoverage(insideArea(carry, rule));
+        const std::uint32_t coverage = toCoverage(insideArea(areaOf(carry), rule));
         const int count = std::min(stretch.end, m_width) - stretch.begin;
         if (coverage == 0 || count <= 0) continue;
         composeSolid(to + stretch.begin, static_cast<std::size_t>(count),
@@ -312,7 +325,8 @@ void DenseCells::paintOne(std::int32_t* sums, FillRule rule, std::uint32_t color
 
 // What a row of pixels will need of memory is asked for some rows ahead: pictures are larger than caches, and
 // the short pieces of a shape's rows are nothing that a processor would foresee.
-void DenseCells::foresee(int row, int left, int y, const PixelGround& ground) const
+template <class Sum>
+void DenseCells<Sum>::foresee(int row, int left, int y, const PixelGround& ground) const
 {
     constexpr unsigned kLineGroups = 2; // 64 bytes
     constexpr unsigned kMostGroups = 32;
@@ -330,7 +344,8 @@ void DenseCells::foresee(int row, int left, int y, const PixelGround& ground) co
         __builtin_prefetch(pixels + group * kGroup, 1);
 }
 
-void DenseCells::sweep(int firstRow, int lastRow, int left, int top, FillRule rule, SpanSink& sink)
+template <class Sum>
+void DenseCells<Sum>::sweep(int firstRow, int lastRow, int left, int top, FillRule rule, SpanSink& sink)
 {
     constexpr int kAhead = 4;
     const PixelGround ground = sink.ground();
@@ -347,11 +362,13 @@ void DenseCells::sweep(int firstRow, int lastRow, int left, int top, FillRule ru
     }
 }
 
-void DenseCells::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink, const PixelGround& ground)
+template <class Sum>
+void DenseCells<Sum>::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink,
+                               const PixelGround& ground)
 {
     const std::uint32_t styles = std::exchange(m_rowStyles[static_cast<std::size_t>(row)], 0);
     if (styles == 0) return;
-    std::int32_t* sums = m_sums.data() + static_cast<std::size_t>(row) * m_rowSize;
+    Sum* sums = m_sums.data() + static_cast<std::size_t>(row) * m_rowSize;
     findStretches(m_bits.data() + static_cast<std::size_t>(row) * m_wordsOfRow);
     const bool isSingle = (styles & (styles - 1)) == 0;
     const auto style = static_cast<std::uint32_t>(std::countr_zero(styles));
@@ -373,5 +390,10 @@ void DenseCells::sweepRow(int row, int left, int y, FillRule rule, SpanSink& sin
         sweepSeveral(styles, sums, rule);
     if (!m_spans.empty()) sink.row(y, m_spans);
 }
+
+template class DenseCells<std::int32_t>;
+template class DenseCells<std::int16_t>;
+template void DenseCells<std::int32_t>::addCounted<1>(const CountedLine& line);
+template void DenseCells<std::int16_t>::addCounted<2>(const CountedLine& line);
 
 } // namespace flash::render

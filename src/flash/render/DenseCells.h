@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/render/CellSums.h"
 #include "flash/render/Spans.h"
 
 #include <array>
@@ -10,9 +11,19 @@
 namespace flash::render
 {
 
+/// The rows of samples that a line crosses, 2^kStepBits of them to the pixel each way.
+struct CountedLine {
+    static constexpr int kFraction = 20; ///< bits
+    int first = 0, last = 0;             ///< rows of samples
+    std::int64_t x = 0, slope = 0;       ///< where the first is crossed, and what each adds; within the row
+    int sign = 1;                        ///< 1 when the line goes down
+};
+
 /// Collects what lines do to pixels in a number for each pixel and style, from which coverage follows by
 /// adding up along the row. Nothing has to be sorted, and pixels are converted side by side; a bit for each
 /// group of pixels tells where there is anything at all. For few styles on surfaces of usual size.
+/// @tparam Sum the number, see kUnitBits
+template <class Sum>
 class DenseCells
 {
 public:
@@ -28,22 +39,23 @@ public:
     public:
         void add(int x, int cover, int area)
         {
-            const int here = cover * (2 * kSubpixels) - area;
+            area >>= kUnitBits<Sum>;
+            const int here = (cover * (2 * kSubpixels) >> kUnitBits<Sum>)-area;
             if (m_right != nullptr) {
-                m_right[x] += here;
-                m_right[x + 1] += area;
+                addTo(m_right[x], here);
+                addTo(m_right[x + 1], area);
             }
             if (m_left != nullptr) {
-                m_left[x] -= here;
-                m_left[x + 1] -= area;
+                addTo(m_left[x], -here);
+                addTo(m_left[x + 1], -area);
             }
         }
 
     private:
         friend class DenseCells;
-        Row(std::int32_t* left, std::int32_t* right) : m_left(left), m_right(right) {}
-        std::int32_t* m_left;
-        std::int32_t* m_right;
+        Row(Sum* left, Sum* right) : m_left(left), m_right(right) {}
+        Sum* m_left;
+        Sum* m_right;
     };
     /// @param first,last columns that will be added to
     Row row(int y, int first, int last)
@@ -53,16 +65,9 @@ public:
         // The last column's right neighbour is written to as well.
         mark(m_bits.data() + index * m_wordsOfRow, static_cast<unsigned>(first) / kGroup,
              static_cast<unsigned>(last + 1) / kGroup);
-        std::int32_t* sums = m_sums.data() + index * m_rowSize;
+        Sum* sums = m_sums.data() + index * m_rowSize;
         return {m_left == kNone ? nullptr : sums + m_left, m_right == kNone ? nullptr : sums + m_right};
     }
-    /// The rows of samples that a line crosses, 2^kStepBits of them to the pixel each way.
-    struct CountedLine {
-        static constexpr int kFraction = 20; ///< bits
-        int first = 0, last = 0;             ///< rows of samples
-        std::int64_t x = 0, slope = 0; ///< where the first is crossed, and what each adds; within the row
-        int sign = 1;                  ///< 1 when the line goes down
-    };
     template <int kStepBits>
     void addCounted(const CountedLine& line);
     [[nodiscard]] bool isOverfull() const { return false; }
@@ -78,6 +83,12 @@ private:
         int begin = 0, end = 0; ///< pixels
         bool varies = false;
     };
+    static void addTo(Sum& sum, int value) { sum = static_cast<Sum>(sum + value); }
+    // A running sum as an area.
+    static std::int32_t areaOf(std::int32_t sum)
+    {
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) << kUnitBits<Sum>);
+    }
     static void mark(std::uint64_t* bits, unsigned first, unsigned last)
     {
         constexpr std::uint64_t kAll = ~std::uint64_t{0};
@@ -94,10 +105,10 @@ private:
     void countSides(const CountedLine& line);
     void foresee(int row, int left, int y, const PixelGround& ground) const;
     void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink, const PixelGround& ground);
-    void paintOne(std::int32_t* sums, FillRule rule, std::uint32_t color, std::uint32_t* to);
+    void paintOne(Sum* sums, FillRule rule, std::uint32_t color, std::uint32_t* to);
     void findStretches(std::uint64_t* bits);
-    void sweepOne(std::uint32_t style, std::int32_t* sums, FillRule rule);
-    void sweepSeveral(std::uint32_t styles, std::int32_t* sums, FillRule rule);
+    void sweepOne(std::uint32_t style, Sum* sums, FillRule rule);
+    void sweepSeveral(std::uint32_t styles, Sum* sums, FillRule rule);
     void sweepShared(int x, std::size_t group, std::span<const std::uint32_t> styles);
     void emitShared(int x, int count, std::span<const std::int32_t> areas,
                     std::span<const std::uint32_t> styles);
@@ -113,7 +124,7 @@ private:
     std::ptrdiff_t m_left = kNone, m_right = kNone; ///< where the present styles' numbers start in a row
     std::uint32_t m_styleBits = 0;
     // Between conversions all of these are 0.
-    std::vector<std::int32_t> m_sums;
+    std::vector<Sum> m_sums;
     std::vector<std::uint64_t> m_bits;
     std::vector<std::uint32_t> m_rowStyles; ///< bit by bit, which styles a row has anything of
 

@@ -32,19 +32,23 @@ void ScanConverter::begin(const IntRect& clip, Coverage coverage, std::uint32_t 
     m_coverage = coverage;
     m_firstRow = clip.height();
     m_lastRow = -1;
-    m_isDense = DenseCells::suits(clip.width(), clip.height(), styles);
-    if (m_isDense)
-        m_dense.begin(clip.width(), clip.height(), styles);
-    else
-        m_sparse.begin(clip.width(), clip.height());
+    m_kind = Kind::Sparse;
+    if (m_dense.suits(clip.width(), clip.height(), styles))
+        m_kind = coverage == Coverage::Grid4 ? Kind::Quarters : Kind::Dense;
+    switch (m_kind) {
+    case Kind::Sparse: m_sparse.begin(clip.width(), clip.height()); break;
+    case Kind::Dense: m_dense.begin(clip.width(), clip.height(), styles); break;
+    case Kind::Quarters: m_quarters.begin(clip.width(), clip.height(), styles); break;
+    }
 }
 
 void ScanConverter::setStyles(std::uint32_t left, std::uint32_t right)
 {
-    if (m_isDense)
-        m_dense.setStyles(left, right);
-    else
-        m_sparse.setStyles(left, right);
+    switch (m_kind) {
+    case Kind::Sparse: m_sparse.setStyles(left, right); break;
+    case Kind::Dense: m_dense.setStyles(left, right); break;
+    case Kind::Quarters: m_quarters.setStyles(left, right); break;
+    }
 }
 
 // The part of a line within row y: from (x0, fy0) to (x1, fy1), x in 1/256 pixel, fy within the row, fy0 <
@@ -163,14 +167,14 @@ void ScanConverter::lineCounted(Cells& cells, int x0, int y0, int x1, int y1)
     if (first > last || (x0 >= width && x1 >= width)) return;
     m_firstRow = std::min(m_firstRow, first >> kStepBits);
     m_lastRow = std::max(m_lastRow, last >> kStepBits);
-    constexpr int kFraction = DenseCells::CountedLine::kFraction;
+    constexpr int kFraction = CountedLine::kFraction;
     constexpr std::int64_t kHalf = (std::int64_t{1} << (kFraction - 1)) - 1;
     const std::int64_t slope = (std::int64_t{x1 - x0} << kFraction) / (y1 - y0);
     std::int64_t x = (std::int64_t{x0} << kFraction) + slope * (first - y0) + kHalf;
     constexpr int kHeight = kOne / kSteps;
     constexpr int kStepArea = 2 * kHeight * kHeight;
     const bool inside = std::min(x0, x1) >= 0 && std::max(x0, x1) < width;
-    if constexpr (std::is_same_v<Cells, DenseCells>) {
+    if constexpr (!std::is_same_v<Cells, SparseCells>) {
         if (inside) {
             cells.template addCounted<kStepBits>({first, last, x, slope, sign});
             return;
@@ -220,13 +224,13 @@ void ScanConverter::lineCounted(Cells& cells, int x0, int y0, int x1, int y1)
 void ScanConverter::lineOnGrid(int x0, int y0, int x1, int y1)
 {
     if (m_coverage == Coverage::Grid4) {
-        if (m_isDense)
-            lineCounted<2>(m_dense, x0, y0, x1, y1);
+        if (m_kind == Kind::Quarters)
+            lineCounted<2>(m_quarters, x0, y0, x1, y1);
         else
             lineCounted<2>(m_sparse, x0, y0, x1, y1);
         return;
     }
-    if (m_isDense)
+    if (m_kind == Kind::Dense)
         lineCounted<1>(m_dense, x0, y0, x1, y1);
     else
         lineCounted<1>(m_sparse, x0, y0, x1, y1);
@@ -240,7 +244,7 @@ void ScanConverter::lineInside(int x0, int y0, int x1, int y1)
              static_cast<double>(x1) / kOne + m_clip.left, static_cast<double>(y1) / kOne + m_clip.top);
         return;
     }
-    if (m_isDense)
+    if (m_kind == Kind::Dense)
         lineExact(m_dense, x0, y0, x1, y1);
     else
         lineExact(m_sparse, x0, y0, x1, y1);
@@ -258,7 +262,7 @@ void ScanConverter::line(double x0, double y0, double x1, double y1)
         // Ends on the grid of subpixels, so that what sums of small numbers leave does not decide about
         // centres.
         const auto snapped = [](double value) { return std::nearbyint(value * kOne) / kOne; };
-        if (m_isDense)
+        if (m_kind == Kind::Dense)
             lineSampled(m_dense, snapped(x0), snapped(y0), snapped(x1), snapped(y1));
         else
             lineSampled(m_sparse, snapped(x0), snapped(y0), snapped(x1), snapped(y1));
@@ -319,11 +323,13 @@ void ScanConverter::clippedLine(double x0, double y0, double x1, double y1)
 
 void ScanConverter::sweep(FillRule rule, SpanSink& sink)
 {
-    if (m_isDense) {
-        m_dense.sweep(m_firstRow, m_lastRow, m_clip.left, m_clip.top, rule, sink);
-    } else {
+    switch (m_kind) {
+    case Kind::Sparse:
         for (int row = m_firstRow; row <= m_lastRow; ++row)
             m_sparse.sweepRow(row, m_clip.left, m_clip.top + row, rule, sink);
+        break;
+    case Kind::Dense: m_dense.sweep(m_firstRow, m_lastRow, m_clip.left, m_clip.top, rule, sink); break;
+    case Kind::Quarters: m_quarters.sweep(m_firstRow, m_lastRow, m_clip.left, m_clip.top, rule, sink); break;
     }
     m_firstRow = m_clip.height();
     m_lastRow = -1;

@@ -49,12 +49,14 @@ public:
 
     /// Too many cells: what was added since begin() is incomplete. The caller divides the clip and starts
     /// over.
-    [[nodiscard]] bool isOverfull() const { return !m_isDense && m_sparse.isOverfull(); }
+    [[nodiscard]] bool isOverfull() const { return m_kind == Kind::Sparse && m_sparse.isOverfull(); }
 
     /// Goes over all rows that lines have touched.
     void sweep(FillRule rule, SpanSink& sink);
 
 private:
+    // Where lines are collected. Quarters: densely, for Coverage::Grid4.
+    enum class Kind { Sparse, Dense, Quarters };
     template <class Cells>
     void rowPiece(Cells& cells, int y, int x0, int fy0, int x1, int fy1, int sign, float slope);
     template <class Cells>
@@ -67,10 +69,11 @@ private:
 
     IntRect m_clip;
     Coverage m_coverage = Coverage::Exact;
-    bool m_isDense = false;
+    Kind m_kind = Kind::Sparse;
     int m_firstRow = 0, m_lastRow = -1; ///< rows touched, relative to the clip
     SparseCells m_sparse;
-    DenseCells m_dense;
+    DenseCells<std::int32_t> m_dense;
+    DenseCells<std::int16_t> m_quarters;
 };
 
 } // namespace flash::render

@@ -62,7 +62,7 @@ private:
 };
 
 // So many that numbers for each pixel and style are not kept.
-constexpr std::uint32_t kManyStyles = DenseCells::kMaxStyles + 1;
+constexpr std::uint32_t kManyStyles = DenseCells<std::int32_t>::kMaxStyles + 1;
 
 Recorder convertWith(std::uint32_t statedStyles, const IntRect& clip, const std::vector<Line>& lines,
                      std::uint32_t styles, FillRule rule, Coverage coverage)
