@@ -48,6 +48,8 @@ std::string run(const AbcBuilder::Bytes& bytes)
     return printer.out;
 }
 
+constexpr std::uint8_t kOverride = 0x20; ///< beside the kind of a trait
+
 /// A class Base with `var x:int` and `m()` giving 1, a class Derived whose `m()` gives 2, and what `use`
 /// writes into a method of one Base parameter, called with a Derived. Local 1 is the parameter.
 AbcBuilder classesUsedBy(void (*use)(AbcBuilder&))
@@ -79,7 +81,8 @@ AbcBuilder classesUsedBy(void (*use)(AbcBuilder&))
                          constructor,
                          initializer,
                          {{b.qname("x"), 0, b.name("int")}, {b.qname("m"), 1, ofBase}}});
-    b.classes.push_back({derived, base, constructor, initializer, {{b.qname("m"), 1, ofDerived}}});
+    b.classes.push_back(
+        {derived, base, constructor, initializer, {{b.qname("m"), kOverride | 1, ofDerived}}});
     b.globals = {{base, 4, 0}, {derived, 4, 1}, {run, 1, method}};
     return b;
 }
@@ -206,6 +209,42 @@ TEST(RegisterForm, TellsOfNullWhereAClassIsKnown)
     });
     EXPECT_EQ(run(used.build()),
               "TypeError: Error #1009: Cannot access a property or method of a null object reference.");
+}
+
+TEST(RegisterForm, StopsLoopsThatGoOnForTooLong)
+{
+    struct Case {
+        const char* name;
+        void (*write)(AbcBuilder&);
+    };
+    const Case kCases[] = {
+        {"a step and its jump",
+         [](AbcBuilder& b) {
+             b.byte(0).op(Op::setlocal_1).label("again").op(Op::label);
+             b.op(Op::declocal_i, 1).op(Op::getlocal_1).byte(100).branch(Op::iflt, "again");
+         }},
+        {"two jumps that take turns",
+         [](AbcBuilder& b) {
+             b.byte(0).op(Op::setlocal_1).label("again").op(Op::label);
+             b.op(Op::getlocal_1).byte(1).op(Op::bitxor).op(Op::setlocal_1);
+             b.op(Op::getlocal_1).branch(Op::iftrue, "again").op(Op::getlocal_1).byte(0);
+             b.branch(Op::ifeq, "again");
+         }},
+        {"a jump within a loop",
+         [](AbcBuilder& b) {
+             b.label("outer").op(Op::label).byte(0).op(Op::setlocal_1).label("again").op(Op::label);
+             b.op(Op::inclocal_i, 1).op(Op::getlocal_1).byte(10).branch(Op::iflt, "again");
+             b.op(Op::pushtrue).branch(Op::iftrue, "outer");
+         }},
+    };
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        AbcBuilder b;
+        b.op(Op::getlocal_0).op(Op::pushscope);
+        c.write(b);
+        b.op(Op::pushstring, b.string("past it")).trace().op(Op::returnvoid);
+        EXPECT_EQ(run(b.build()).find("past it"), std::string::npos);
+    }
 }
 
 TEST(RegisterForm, SurvivesDamagedCode)

@@ -67,6 +67,20 @@ Value push(Call& call)
     return static_cast<double>(array.length());
 }
 
+Value quickPush(Vm& vm, Value receiver, const Value* args)
+{
+    auto* const array = as<ArrayObject>(receiver);
+    if (array == nullptr) return Value::hole();
+    array->push(vm, args[0]);
+    return static_cast<double>(array->length());
+}
+Value quickLength(Vm&, Value receiver, const Value*)
+{
+    const auto* const array = as<ArrayObject>(receiver);
+    if (array == nullptr) return Value::hole();
+    return static_cast<double>(array->length());
+}
+
 Value pop(Call& call)
 {
     auto& array = self(call);
@@ -298,7 +312,7 @@ Value setLength(Call& call)
 }
 
 constexpr NativeMember kMembers[] = {
-    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint"},
+    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint", &quickLength},
     {"concat", Kind::As3, &concat},
     {"every", Kind::As3, &every, 1, 2},
     {"filter", Kind::As3, &filter, 1, 2},
@@ -309,7 +323,7 @@ constexpr NativeMember kMembers[] = {
     {"lastIndexOf", Kind::As3, &lastIndexOf, 1, 2},
     {"map", Kind::As3, &map, 1, 2},
     {"pop", Kind::As3, &pop, 0, 0},
-    {"push", Kind::As3, &push},
+    {"push", Kind::As3, &push, 0, -1, nullptr, {}, &quickPush, 1},
     {"removeAt", Kind::As3, &removeAt, 1, 1},
     {"reverse", Kind::As3, &reverse, 0, 0},
     {"shift", Kind::As3, &shift, 0, 0},

@@ -42,22 +42,79 @@ using BitsOf =
                        std::conditional_t<sizeof(T) == 4, std::uint32_t,
                                           std::conditional_t<sizeof(T) == 2, std::uint16_t, std::uint8_t>>>;
 
+/// A number in the order of an array, or the other way round.
+template <class Bits>
+Bits ordered(const ByteArrayObject& array, Bits bits)
+{
+    return array.isLittle == (std::endian::native == std::endian::little) ? bits : swapped(bits);
+}
+
+template <class T>
+T numberAt(const ByteArrayObject& array, const std::uint8_t* bytes)
+{
+    BitsOf<T> bits{};
+    std::memcpy(&bits, bytes, sizeof(T));
+    return std::bit_cast<T>(ordered(array, bits));
+}
+
 template <class T>
 T fetch(Call& call)
 {
     auto& array = self(call);
-    BitsOf<T> bits{};
-    std::memcpy(&bits, array.read(call.vm, sizeof(T)).data(), sizeof(T));
-    return std::bit_cast<T>(array.isLittle == (std::endian::native == std::endian::little) ? bits
-                                                                                           : swapped(bits));
+    return numberAt<T>(array, array.read(call.vm, sizeof(T)).data());
+}
+
+/// The receiver, if it is of this class itself and has at least so many bytes at its position.
+ByteArrayObject* within(Vm& vm, Value receiver, std::size_t count)
+{
+    if (!receiver.isObject() || receiver.object()->traits() != vm.classes().byteArray->instances)
+        return nullptr;
+    auto* const array = static_cast<ByteArrayObject*>(receiver.object());
+    const std::size_t length = array->content.size();
+    return length >= count && array->position <= length - count ? array : nullptr;
+}
+template <class T>
+Value quickRead(Vm& vm, Value receiver, const Value*)
+{
+    ByteArrayObject* const array = within(vm, receiver, sizeof(T));
+    if (array == nullptr) return Value::hole();
+    const T number = numberAt<T>(*array, array->content.data() + array->position);
+    array->position += sizeof(T);
+    return static_cast<double>(number);
+}
+/// Over bytes that are there already.
+template <class T>
+Value quickWrite(Vm& vm, Value receiver, const Value* args)
+{
+    ByteArrayObject* const array = within(vm, receiver, sizeof(T));
+    if (array == nullptr || !args[0].isNumber()) return Value::hole();
+    T value{};
+    if constexpr (std::is_integral_v<T>)
+        value = static_cast<T>(vm.toInt(args[0]));
+    else
+        value = static_cast<T>(args[0].number());
+    const auto bits = ordered(*array, std::bit_cast<BitsOf<T>>(value));
+    std::memcpy(array->content.data() + array->position, &bits, sizeof(T));
+    array->position += sizeof(T);
+    return {};
+}
+enum class Measure : std::uint8_t { Length, Position, Available };
+template <Measure measure>
+Value quickMeasure(Vm& vm, Value receiver, const Value*)
+{
+    const ByteArrayObject* const array = within(vm, receiver, 0);
+    if (array == nullptr) return Value::hole();
+    const std::size_t length = array->content.size(), position = array->position;
+    return static_cast<double>(measure == Measure::Length     ? length
+                               : measure == Measure::Position ? position
+                                                              : length - position);
 }
 
 template <class T>
 void store(Call& call, T value)
 {
     auto& array = self(call);
-    auto bits = std::bit_cast<BitsOf<T>>(value);
-    if (array.isLittle != (std::endian::native == std::endian::little)) bits = swapped(bits);
+    const auto bits = ordered(array, std::bit_cast<BitsOf<T>>(value));
     std::array<std::uint8_t, sizeof(T)> bytes{};
     std::memcpy(bytes.data(), &bits, sizeof(T));
     array.write(call.vm, bytes);
@@ -303,33 +360,53 @@ Value setDefaultEncoding(Call& call)
 void setUp(Vm& vm, ClassObject& cls) { addState<ByteArrayState>(vm, cls); }
 
 constexpr NativeMember kMembers[] = {
-    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint"},
-    {"position", Kind::Getter, &position, 0, 0, &setPosition, "uint"},
-    {"bytesAvailable", Kind::Getter, &bytesAvailable, 0, 0, nullptr, "uint"},
+    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint", &quickMeasure<Measure::Length>},
+    {"position", Kind::Getter, &position, 0, 0, &setPosition, "uint", &quickMeasure<Measure::Position>},
+    {"bytesAvailable", Kind::Getter, &bytesAvailable, 0, 0, nullptr, "uint",
+     &quickMeasure<Measure::Available>},
     {"endian", Kind::Getter, &endian, 0, 0, &setEndian, "String"},
     {"objectEncoding", Kind::Getter, &objectEncoding, 0, 0, &setObjectEncoding, "uint"},
     {"defaultObjectEncoding", Kind::StaticGetter, &defaultEncoding, 0, 0, &setDefaultEncoding, "uint"},
     {"readBoolean", Kind::Method, &readBoolean, 0, 0, nullptr, "Boolean"},
-    {"readByte", Kind::Method, &readNumber<std::int8_t>, 0, 0, nullptr, "int"},
-    {"readUnsignedByte", Kind::Method, &readNumber<std::uint8_t>, 0, 0, nullptr, "uint"},
-    {"readShort", Kind::Method, &readNumber<std::int16_t>, 0, 0, nullptr, "int"},
-    {"readUnsignedShort", Kind::Method, &readNumber<std::uint16_t>, 0, 0, nullptr, "uint"},
-    {"readInt", Kind::Method, &readNumber<std::int32_t>, 0, 0, nullptr, "int"},
-    {"readUnsignedInt", Kind::Method, &readNumber<std::uint32_t>, 0, 0, nullptr, "uint"},
-    {"readFloat", Kind::Method, &readNumber<float>, 0, 0, nullptr, "Number"},
-    {"readDouble", Kind::Method, &readNumber<double>, 0, 0, nullptr, "Number"},
+    {"readByte", Kind::Method, &readNumber<std::int8_t>, 0, 0, nullptr, "int", &quickRead<std::int8_t>},
+    {"readUnsignedByte", Kind::Method, &readNumber<std::uint8_t>, 0, 0, nullptr, "uint",
+     &quickRead<std::uint8_t>},
+    {"readShort", Kind::Method, &readNumber<std::int16_t>, 0, 0, nullptr, "int", &quickRead<std::int16_t>},
+    {"readUnsignedShort", Kind::Method, &readNumber<std::uint16_t>, 0, 0, nullptr, "uint",
+     &quickRead<std::uint16_t>},
+    {"readInt", Kind::Method, &readNumber<std::int32_t>, 0, 0, nullptr, "int", &quickRead<std::int32_t>},
+    {"readUnsignedInt", Kind::Method, &readNumber<std::uint32_t>, 0, 0, nullptr, "uint",
+     &quickRead<std::uint32_t>},
+    {"readFloat", Kind::Method, &readNumber<float>, 0, 0, nullptr, "Number", &quickRead<float>},
+    {"readDouble", Kind::Method, &readNumber<double>, 0, 0, nullptr, "Number", &quickRead<double>},
     {"readUTF", Kind::Method, &readUtf, 0, 0, nullptr, "String"},
     {"readUTFBytes", Kind::Method, &readUtfBytes, 1, 1, nullptr, "String"},
     {"readMultiByte", Kind::Method, &readMultiByte, 2, 2, nullptr, "String"},
     {"readBytes", Kind::Method, &readBytes, 1, 3},
     {"readObject", Kind::Method, &readObject, 0, 0},
     {"writeBoolean", Kind::Method, &writeBoolean, 1, 1},
-    {"writeByte", Kind::Method, &writeInteger<std::uint8_t>, 1, 1},
-    {"writeShort", Kind::Method, &writeInteger<std::uint16_t>, 1, 1},
-    {"writeInt", Kind::Method, &writeInteger<std::int32_t>, 1, 1},
-    {"writeUnsignedInt", Kind::Method, &writeInteger<std::uint32_t>, 1, 1},
-    {"writeFloat", Kind::Method, &writeFloat, 1, 1},
-    {"writeDouble", Kind::Method, &writeDouble, 1, 1},
+    {"writeByte", Kind::Method, &writeInteger<std::uint8_t>, 1, 1, nullptr, {}, &quickWrite<std::uint8_t>, 1},
+    {"writeShort",
+     Kind::Method,
+     &writeInteger<std::uint16_t>,
+     1,
+     1,
+     nullptr,
+     {},
+     &quickWrite<std::uint16_t>,
+     1},
+    {"writeInt", Kind::Method, &writeInteger<std::int32_t>, 1, 1, nullptr, {}, &quickWrite<std::int32_t>, 1},
+    {"writeUnsignedInt",
+     Kind::Method,
+     &writeInteger<std::uint32_t>,
+     1,
+     1,
+     nullptr,
+     {},
+     &quickWrite<std::uint32_t>,
+     1},
+    {"writeFloat", Kind::Method, &writeFloat, 1, 1, nullptr, {}, &quickWrite<float>, 1},
+    {"writeDouble", Kind::Method, &writeDouble, 1, 1, nullptr, {}, &quickWrite<double>, 1},
     {"writeUTF", Kind::Method, &writeUtf, 1, 1},
     {"writeUTFBytes", Kind::Method, &writeUtfBytes, 1, 1},
     {"writeMultiByte", Kind::Method, &writeMultiByte, 2, 2},

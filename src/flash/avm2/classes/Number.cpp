@@ -199,6 +199,17 @@ Value one(Call& call)
     return function(call.vm.toNumber(call.arg(0)));
 }
 
+template <double (*function)(double)>
+Value quickOne(Vm&, Value, const Value* args)
+{
+    if (!args[0].isNumber()) return Value::hole();
+    return function(args[0].number());
+}
+constexpr NativeMember mathOfOne(std::string_view name, NativeFunction function, QuickFunction quick)
+{
+    return {name, Kind::Static, function, 1, 1, nullptr, {}, quick, 1};
+}
+
 double roundHalfUp(double number) { return std::floor(number + 0.5); }
 
 Value power(Call& call)
@@ -230,7 +241,19 @@ Value extreme(Call& call)
     return best;
 }
 
-Value randomNumber(Call& call) { return (call.vm.host().random() >> 1U) / 2147483648.0; }
+/// Of two numbers, one of which is greater.
+template <bool wantsMost>
+Value quickExtreme(Vm&, Value, const Value* args)
+{
+    if (!args[0].isNumber() || !args[1].isNumber()) return Value::hole();
+    const double a = args[0].number(), b = args[1].number();
+    if (!(a < b) && !(b < a)) return Value::hole();
+    return (a < b) == wantsMost ? b : a;
+}
+
+double randomOf(Vm& vm) { return (vm.host().random() >> 1U) / 2147483648.0; }
+Value randomNumber(Call& call) { return randomOf(call.vm); }
+Value quickRandom(Vm& vm, Value, const Value*) { return randomOf(vm); }
 
 constexpr NativeMember kMembers[] = {
     {"toString", Kind::As3, &toString, 0, -1},
@@ -257,15 +280,24 @@ constexpr NativeMember kBooleanMembers[] = {
     {"valueOf", Kind::As3, &booleanValueOf, 0, -1},
 };
 constexpr NativeMember kMathMembers[] = {
-    {"abs", Kind::Static, &one<std::fabs>, 1, 1},  {"acos", Kind::Static, &one<std::acos>, 1, 1},
-    {"asin", Kind::Static, &one<std::asin>, 1, 1}, {"atan", Kind::Static, &one<std::atan>, 1, 1},
-    {"ceil", Kind::Static, &one<std::ceil>, 1, 1}, {"cos", Kind::Static, &one<std::cos>, 1, 1},
-    {"exp", Kind::Static, &one<std::exp>, 1, 1},   {"floor", Kind::Static, &one<std::floor>, 1, 1},
-    {"log", Kind::Static, &one<std::log>, 1, 1},   {"round", Kind::Static, &one<roundHalfUp>, 1, 1},
-    {"sin", Kind::Static, &one<std::sin>, 1, 1},   {"sqrt", Kind::Static, &one<std::sqrt>, 1, 1},
-    {"tan", Kind::Static, &one<std::tan>, 1, 1},   {"atan2", Kind::Static, &arcTangent2, 2, 2},
-    {"pow", Kind::Static, &power, 2, 2},           {"max", Kind::Static, &extreme<true>},
-    {"min", Kind::Static, &extreme<false>},        {"random", Kind::Static, &randomNumber, 0, 0},
+    mathOfOne("abs", &one<std::fabs>, &quickOne<std::fabs>),
+    mathOfOne("acos", &one<std::acos>, &quickOne<std::acos>),
+    mathOfOne("asin", &one<std::asin>, &quickOne<std::asin>),
+    mathOfOne("atan", &one<std::atan>, &quickOne<std::atan>),
+    mathOfOne("ceil", &one<std::ceil>, &quickOne<std::ceil>),
+    mathOfOne("cos", &one<std::cos>, &quickOne<std::cos>),
+    mathOfOne("exp", &one<std::exp>, &quickOne<std::exp>),
+    mathOfOne("floor", &one<std::floor>, &quickOne<std::floor>),
+    mathOfOne("log", &one<std::log>, &quickOne<std::log>),
+    mathOfOne("round", &one<roundHalfUp>, &quickOne<roundHalfUp>),
+    mathOfOne("sin", &one<std::sin>, &quickOne<std::sin>),
+    mathOfOne("sqrt", &one<std::sqrt>, &quickOne<std::sqrt>),
+    mathOfOne("tan", &one<std::tan>, &quickOne<std::tan>),
+    {"atan2", Kind::Static, &arcTangent2, 2, 2},
+    {"pow", Kind::Static, &power, 2, 2},
+    {"max", Kind::Static, &extreme<true>, 0, -1, nullptr, {}, &quickExtreme<true>, 2},
+    {"min", Kind::Static, &extreme<false>, 0, -1, nullptr, {}, &quickExtreme<false>, 2},
+    {"random", Kind::Static, &randomNumber, 0, 0, nullptr, {}, &quickRandom},
 };
 constexpr NativeConstant kMathConstants[] = {
     {"E", std::numbers::e},           {"LN10", std::numbers::ln10},   {"LN2", std::numbers::ln2},

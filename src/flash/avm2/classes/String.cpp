@@ -41,6 +41,20 @@ Value charCodeAt(Call& call)
     return static_cast<double>(self->view()[static_cast<std::size_t>(place)]);
 }
 
+Value quickCharCodeAt(Vm&, Value receiver, const Value* args)
+{
+    if (!receiver.isString() || !args[0].isNumber()) return Value::hole();
+    String* const text = receiver.string();
+    const double at = args[0].number();
+    if (!(at >= 0 && at < static_cast<double>(text->length()))) return Value::hole();
+    return static_cast<double>(text->view()[static_cast<std::size_t>(at)]);
+}
+Value quickLength(Vm&, Value receiver, const Value*)
+{
+    if (!receiver.isString()) return Value::hole();
+    return static_cast<double>(receiver.string()->length());
+}
+
 Value concat(Call& call)
 {
     std::u16string text = selfText(call);
@@ -252,9 +266,9 @@ Value convert(Call& call)
 }
 
 constexpr NativeMember kMembers[] = {
-    {"length", Kind::Getter, &length, 0, 0, nullptr, "int"},
+    {"length", Kind::Getter, &length, 0, 0, nullptr, "int", &quickLength},
     {"charAt", Kind::As3, &charAt, 0, 1},
-    {"charCodeAt", Kind::As3, &charCodeAt, 0, 1},
+    {"charCodeAt", Kind::As3, &charCodeAt, 0, 1, nullptr, {}, &quickCharCodeAt, 1},
     {"concat", Kind::As3, &concat},
     {"indexOf", Kind::As3, &indexOf, 0, 2},
     {"lastIndexOf", Kind::As3, &lastIndexOf, 0, 2},

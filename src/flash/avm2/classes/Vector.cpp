@@ -1,4 +1,5 @@
 #include "flash/avm2/classes/Sort.h"
+#include "flash/avm2/interpreter/Interpreter.h"
 
 #include <algorithm>
 
@@ -79,6 +80,22 @@ Value push(Call& call)
     needsChangeable(call, vector);
     for (const Value value : call.rest(0)) vector.push(call.vm, value);
     return static_cast<double>(vector.items.size());
+}
+
+Value quickPush(Vm& vm, Value receiver, const Value* args)
+{
+    auto* const vector = as<VectorObject>(receiver);
+    if (vector == nullptr || vector->isFixed) return Value::hole();
+    const Traits* const type = vector->elementType();
+    if (type != nullptr && !fitsType(args[0], type)) return Value::hole();
+    vector->push(vm, args[0]);
+    return static_cast<double>(vector->items.size());
+}
+Value quickLength(Vm&, Value receiver, const Value*)
+{
+    const auto* const vector = as<VectorObject>(receiver);
+    if (vector == nullptr) return Value::hole();
+    return static_cast<double>(vector->items.size());
 }
 
 /// What an empty vector gives away: of objects it is nothing at all.
@@ -335,7 +352,7 @@ Value removeAt(Call& call)
 }
 
 constexpr NativeMember kMembers[] = {
-    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint"},
+    {"length", Kind::Getter, &length, 0, 0, &setLength, "uint", &quickLength},
     {"fixed", Kind::Getter, &isFixed, 0, 0, &setFixed, "Boolean"},
     {"concat", Kind::As3, &concat},
     {"every", Kind::As3, &every, 1, 2},
@@ -347,7 +364,7 @@ constexpr NativeMember kMembers[] = {
     {"lastIndexOf", Kind::As3, &lastIndexOf, 1, 2},
     {"map", Kind::As3, &map, 1, 2},
     {"pop", Kind::As3, &pop, 0, 0},
-    {"push", Kind::As3, &push},
+    {"push", Kind::As3, &push, 0, -1, nullptr, {}, &quickPush, 1},
     {"removeAt", Kind::As3, &removeAt, 1, 1},
     {"reverse", Kind::As3, &reverse, 0, 0},
     {"shift", Kind::As3, &shift, 0, 0},

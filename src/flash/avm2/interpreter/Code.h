@@ -70,9 +70,13 @@ public:
     /// The slot that is all a method gives, when it does nothing else; -1: it does.
     std::int32_t slotRead = -1;
     // What most calls begin with is done with the arguments: ints become raw, `this` becomes the first scope.
+    std::uint32_t clearedLocals = 0; ///< those behind are written before they are read
     std::uint64_t rawParameters = 0; ///< a bit for each register
     bool startsWithThis = false;
-    bool isDirect = false; ///< with all arguments given, and of their types, there is nothing else to do
+    static constexpr std::uint32_t kNotDirect = 0xFFFF'FFFF;
+    /// With so many arguments, of their types, there is nothing else to do.
+    std::uint32_t directCount = kNotDirect;
+    bool checksTypes = false;    ///< there are types among them that are not raw
     std::uint32_t registers = 0; ///< frameSize(), once the code is translated
     std::uint32_t entry = 0;     ///< the first instruction behind that
     TracedList<Traits*> parameterTypes;

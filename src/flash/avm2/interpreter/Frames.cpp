@@ -2,6 +2,7 @@
 #include "flash/avm2/interpreter/Unit.h"
 
 #include <algorithm>
+#include <bit>
 
 // Frames: how they begin, how they end, and what becomes of them when something is thrown.
 namespace flash::avm2
@@ -30,6 +31,7 @@ Value Interpreter::execute(MethodEnv& env, Value* window, std::uint32_t given, O
             if (before != nullptr) place = before;
         }
     } restore{m_vm.defaultXmlNs, isInitializer(env) ? nullptr : m_vm.defaultXmlNs};
+    m_lastFrame = m_frames + std::min(kLevels - 1, kDeepestCalls - std::min(m_calls, kDeepestCalls));
     open(m_frames[0], env, window, given, callee);
     m_frame = m_frames;
     for (;;) {
@@ -102,13 +104,35 @@ void Interpreter::open(Frame& frame, MethodEnv& env, Value* window, std::uint32_
     frame.made = nullptr;
 }
 
+void Interpreter::box(Value* window, std::uint64_t raws)
+{
+    for (; raws != 0; raws &= raws - 1) {
+        Value& value = window[std::countr_zero(raws)];
+        value = static_cast<std::int32_t>(value.bits());
+    }
+}
+
+bool Interpreter::adapt(const Code& code, Value* window, std::uint64_t& raws)
+{
+    box(window, raws);
+    raws = 0;
+    for (std::uint64_t left = code.rawParameters; left != 0; left &= left - 1) {
+        const auto i = static_cast<std::size_t>(std::countr_zero(left));
+        if (!fitsType(window[i], code.parameterTypes[i - 1])) return false;
+    }
+    unbox(code, window);
+    raws = code.rawParameters;
+    return true;
+}
+
 /// Natives, calls that are not as simple as most, and those that go too deep.
 bool Interpreter::beginOther(MethodEnv& env, Value* window, std::uint32_t count, Object* callee,
-                             Value* result, Object* made)
+                             Value* result, Object* made, std::uint64_t raws)
 {
     Vm& vm = m_vm;
-    const bool isDeep = m_frame == m_frames + kLevels - 1 || vm.m_calls.size() >= kDeepestCalls;
-    if (env.native == nullptr && (isDeep || (env.info().flags & abc::MethodInfo::SetDxns) != 0)) {
+    box(window, raws);
+    if (env.native == nullptr &&
+        (m_frame == m_lastFrame || (env.info().flags & abc::MethodInfo::SetDxns) != 0)) {
         const Value value = vm.enter(env, window, count, callee);
         *result = made != nullptr ? Value(made) : value;
         return false;

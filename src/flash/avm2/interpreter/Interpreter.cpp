@@ -48,6 +48,13 @@ const Value* elementAt(const TracedList<Value>& items, std::uint32_t index)
     const auto at = static_cast<std::ptrdiff_t>(std::uint64_t{index} * sizeof(Value));
     return at < bytes ? begin + index : nullptr;
 }
+/// A method or getter of a receiver of a known class; null where it is no such object after all.
+MethodEnv* methodAt(Value receiver, std::int32_t id)
+{
+    if (!receiver.isObject()) return nullptr;
+    const auto& methods = receiver.object()->traits()->methods;
+    return static_cast<std::size_t>(id) < methods.size() ? methods[static_cast<std::size_t>(id)] : nullptr;
+}
 bool hasSlot(const Object& object, std::int32_t slot)
 {
     return static_cast<std::uint32_t>(slot) < object.slotCount();
@@ -149,17 +156,28 @@ Value Interpreter::run(const void* const** labels)
     do_##name : MARK;                                                                                        \
     JUMP_IF(condition);
 // A call: of verified code the loop goes on with its frame, until that returns.
-#define CALL_MAKING(env, window, count, callee, result, made)                                                \
+#define GO_ON_IF(hasBegun)                                                                                   \
     do {                                                                                                     \
-        if (!begin(env, window, count, callee, result, made)) NEXT;                                          \
-        f = m_frame;                                                                                         \
-        constants = f->code->constants.data();                                                               \
-        r = f->locals;                                                                                       \
-        ip = f->code->code.data() + f->resume;                                                               \
-        DISPATCH();                                                                                          \
+        if (!(hasBegun)) NEXT;                                                                               \
+        goto enter;                                                                                          \
     } while (false)
-#define CALL(env, window, count, callee, result) CALL_MAKING(env, window, count, callee, result, nullptr)
+#define CALL(env, window, count, raws, result) GO_ON_IF(begin(env, window, count, raws, result))
+// The same, where it may be a native that has a simple case.
+#define TRY_QUICK(env, receiver, args, count, to)                                                            \
+    if ((env).quickArguments == (count)) {                                                                   \
+        if (const Value given = (env).quick(vm, receiver, args); !given.isHole()) [[likely]] {               \
+            store(to, given);                                                                                \
+            NEXT;                                                                                            \
+        }                                                                                                    \
+    }
     int untilCheck = kJumpsBetweenChecks;
+    DISPATCH();
+
+enter:
+    f = m_frame;
+    constants = f->code->constants.data();
+    r = f->locals;
+    ip = f->code->code.data() + f->resume;
     DISPATCH();
 
     COMPUTE(Move, B)
@@ -412,7 +430,8 @@ do_other:
 #undef BRANCH
 #undef BRANCH_MARKED
 #undef CALL
-#undef CALL_MAKING
+#undef GO_ON_IF
+#undef TRY_QUICK
 #undef NUMERIC
 }
 

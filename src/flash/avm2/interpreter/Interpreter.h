@@ -26,18 +26,6 @@ inline std::int32_t cut(double number)
 /// As Value::isInt(). What is no number has the pattern of a NaN, which equals nothing.
 inline bool isInt(Value value) { return static_cast<double>(cut(value.number())) == value.number(); }
 
-/// Whether a value is at once seen to be what coercing it to a type would make of it.
-inline bool fitsType(Value value, const Traits* type)
-{
-    // By how often each is there.
-    const Traits::Special special = type->special;
-    if (special == Traits::Special::None) return value.isObject() && value.object()->traits() == type;
-    if (special == Traits::Special::Int) return isInt(value);
-    if (special == Traits::Special::Number) return value.isNumber();
-    if (special == Traits::Special::String) return value.isString();
-    return special == Traits::Special::Boolean && value.isBoolean();
-}
-
 /// The 32 bits of a number.
 inline std::int32_t narrow(double number)
 {
@@ -52,6 +40,24 @@ inline std::int32_t narrow(double number)
 #endif
     return vm::toInt32(number);
 }
+inline bool isUint(Value value)
+{
+    return static_cast<double>(static_cast<std::uint32_t>(narrow(value.number()))) == value.number();
+}
+
+/// Whether a value is at once seen to be what coercing it to a type would make of it.
+inline bool fitsType(Value value, const Traits* type)
+{
+    // By how often each is there.
+    const Traits::Special special = type->special;
+    if (special == Traits::Special::None) return value.isObject() && value.object()->traits() == type;
+    if (special == Traits::Special::Int) return isInt(value);
+    if (special == Traits::Special::Number) return value.isNumber();
+    if (special == Traits::Special::String) return value.isString();
+    if (special == Traits::Special::Uint) return isUint(value);
+    return special == Traits::Special::Boolean && value.isBoolean();
+}
+
 /// An int as registers have it.
 inline Value rawValue(std::int32_t value) { return vm::Value::fromBits(static_cast<std::uint32_t>(value)); }
 
@@ -78,7 +84,7 @@ struct Frame {
 class Interpreter
 {
 public:
-    explicit Interpreter(Vm& vm) : m_vm(vm) {}
+    explicit Interpreter(Vm& vm) : m_vm(vm), m_stackEnd(vm.m_stack.get() + Vm::kStackValues) {}
     /// @param window the receiver and, behind it, the arguments: they become the first registers
     Value execute(MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
     /// What `this` is for a function that is called as such.
@@ -103,7 +109,7 @@ private:
         if (m_vm.m_top > m_vm.m_highest) m_vm.m_highest = m_vm.m_top;
         Value* const scopes = window + code.locals;
         Value* const stack = scopes + code.maxScopes;
-        for (Value* at = window + used; at < stack; ++at) *at = Value();
+        for (std::uint32_t i = used; i < code.clearedLocals; ++i) window[i] = Value();
         if (code.startsWithThis) *scopes = *window;
         frame.env = &env;
         frame.code = &code;
@@ -123,32 +129,73 @@ private:
         return code.self == nullptr ||
                (object != nullptr && (object->traits() == code.self || object->traits()->isA(code.self)));
     }
-    /// Begins a call. @returns whether its frame is the present one now; otherwise it is over
-    bool begin(MethodEnv& env, Value* window, std::uint32_t count, Object* callee, Value* result,
-               Object* made)
+    /// Begins a call of a method that the receiver has.
+    /// @param raws a bit for each argument that is raw, counted from the receiver
+    /// @returns whether its frame is the present one now; otherwise it is over
+    [[gnu::noinline]] bool begin(MethodEnv& env, Value* window, std::uint32_t count, std::uint32_t raws,
+                                 Value* result)
+    {
+        return beginAny<true>(env, window, count, raws, result, nullptr, nullptr);
+    }
+    /// The same of any function.
+    [[gnu::noinline]] bool beginAs(MethodEnv& env, Value* window, std::uint32_t count, Object* callee,
+                                   Value* result, Object* made)
+    {
+        return beginAny<false>(env, window, count, 0, result, callee, made);
+    }
+    template <bool knowsSelf>
+    [[gnu::always_inline]] bool beginAny(MethodEnv& env, Value* window, std::uint32_t count,
+                                         std::uint64_t raws, Value* result, Object* callee, Object* made)
+    {
+        return beginDirect<knowsSelf>(env, window, count, result, made, raws) ||
+               beginOther(env, window, count, callee, result, made, raws);
+    }
+    /// Begins a call, where that is simple: of verified code that has all its arguments, of the right types.
+    /// @param raws what they are then, when it is not that simple
+    template <bool knowsSelf>
+    [[gnu::always_inline]] bool beginDirect(MethodEnv& env, Value* window, std::uint32_t count, Value* result,
+                                            Object* made, std::uint64_t& raws)
     {
         Code* const code = env.code;
-        if (code == nullptr || count != code->declared || !code->isDirect ||
-            m_frame == m_frames + kLevels - 1 || m_vm.m_calls.size() >= kDeepestCalls ||
-            static_cast<std::size_t>(m_vm.m_stack.get() + Vm::kStackValues - window) < code->registers ||
-            !isSelf(*code, *window)) [[unlikely]]
-            return beginOther(env, window, count, callee, result, made);
-        Traits* const* const types = code->parameterTypes.data();
-        for (std::uint32_t i = 0; i < count; ++i) {
-            if (types[i] != nullptr && !fitsType(window[i + 1], types[i])) [[unlikely]]
-                return beginOther(env, window, count, callee, result, made);
+        if (code == nullptr || count != code->directCount || m_frame == m_lastFrame ||
+            window + code->registers > m_stackEnd) [[unlikely]]
+            return false;
+        if constexpr (!knowsSelf) {
+            if (!isSelf(*code, *window)) [[unlikely]]
+                return false;
+        }
+        if (raws != code->rawParameters && !adapt(*code, window, raws)) [[unlikely]]
+            return false;
+        if (code->checksTypes && !areOfTypes(*code, window)) [[unlikely]] {
+            raws = code->rawParameters;
+            return false;
         }
         m_vm.check();
         m_vm.m_calls.push_back(&env);
-        if (code->rawParameters != 0) unbox(*code, window);
-        Frame* const frame = ++m_frame;
+        Frame* const frame = m_frame + 1;
+        m_frame = frame;
         fill(*frame, env, *code, window, count + 1);
         frame->result = result;
         frame->made = made;
         return true;
     }
+    /// Of the arguments that are not raw.
+    static bool areOfTypes(const Code& code, const Value* window)
+    {
+        Traits* const* const types = code.parameterTypes.data();
+        for (std::uint32_t i = 0; i < code.declared; ++i) {
+            if (types[i] == nullptr || (i < 63 && (code.rawParameters >> (i + 1) & 1U) != 0)) continue;
+            if (!fitsType(window[i + 1], types[i])) return false;
+        }
+        return true;
+    }
+    /// Makes arguments raw, or boxed, as code wants them. @returns false when one is of another type: then
+    /// all of them are boxed, and `raws` is 0
+    static bool adapt(const Code& code, Value* window, std::uint64_t& raws);
+    static void box(Value* window, std::uint64_t raws);
+    /// Begins any call. @returns whether its frame is the present one now; otherwise it is over
     bool beginOther(MethodEnv& env, Value* window, std::uint32_t count, Object* callee, Value* result,
-                    Object* made);
+                    Object* made, std::uint64_t raws);
     static void unbox(const Code& code, Value* window)
     {
         for (std::uint32_t i = 1; i <= code.declared; ++i) {
@@ -173,17 +220,17 @@ private:
     Multiname multiname(const Ins& ins, Value*& sp);
     Value find(const Multiname& name, const Ins& ins, bool strict);
     Value getCached(Value base, const Ins& ins);
+    Value getOfString(Value text, const Multiname& name, SiteCache& cache);
     void setCached(Value base, const Ins& ins, Value value);
     /// @param window the receiver and the arguments
-    Value callCached(const Ins& ins, Value* window);
+    Value callCached(const Ins& ins, Value* window, std::uint32_t count);
     /// The method that a call is found to mean; null when it is not that simple.
-    MethodEnv* methodOf(const Ins& ins, Value receiver)
+    MethodEnv* methodOf(const Frame& frame, const Ins& ins, Value receiver)
     {
-        const Object* object = receiver.asObject();
-        const SiteCache& cache = m_frame->code->caches[static_cast<std::size_t>(ins.cache)];
-        if (object != nullptr && cache.traits == object->traits() &&
-            cache.binding.kind == Binding::Kind::Method && object->exotic() != Exotic::First)
-            return object->traits()->methods[static_cast<std::size_t>(cache.binding.id)];
+        const SiteCache& cache = frame.code->caches[static_cast<std::size_t>(ins.cache)];
+        if (receiver.isObject() && cache.traits == receiver.object()->traits() &&
+            cache.binding.kind == Binding::Kind::Method) [[likely]]
+            return cache.traits->methods[static_cast<std::size_t>(cache.binding.id)];
         return cacheMethod(ins, receiver);
     }
     MethodEnv* cacheMethod(const Ins& ins, Value receiver);
@@ -221,8 +268,10 @@ private:
 
     static constexpr std::size_t kLevels = 16;
     Vm& m_vm;
-    Frame* m_frame = nullptr; ///< the present one
-    std::size_t m_calls = 0;  ///< of the machine, with the first frame
+    Value* const m_stackEnd;      ///< of the machine's
+    Frame* m_frame = nullptr;     ///< the present one
+    Frame* m_lastFrame = nullptr; ///< from which on calls are deep
+    std::size_t m_calls = 0;      ///< of the machine, with the first frame
     Frame m_frames[kLevels];
 };
 

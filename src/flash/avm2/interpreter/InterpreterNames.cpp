@@ -104,8 +104,9 @@ Value Interpreter::getCached(Value base, const Ins& ins)
 {
     const Multiname& name = m_frame->unit->multiname(static_cast<std::uint32_t>(ins.a));
     Object* object = base.asObject();
-    if (object == nullptr || object->exotic() == Exotic::First) return m_vm.get(base, name);
     SiteCache& cache = m_frame->code->caches[static_cast<std::size_t>(ins.cache)];
+    if (base.isString()) return getOfString(base, name, cache);
+    if (object == nullptr || object->exotic() == Exotic::First) return m_vm.get(base, name);
     if (cache.traits == object->traits()) {
         switch (cache.binding.kind) {
         case Binding::Kind::Slot:
@@ -136,6 +137,22 @@ Value Interpreter::getCached(Value base, const Ins& ins)
         }
     }
     return m_vm.get(base, name);
+}
+
+/// Mostly it is the length.
+Value Interpreter::getOfString(Value text, const Multiname& name, SiteCache& cache)
+{
+    Traits* const traits = m_vm.classes().string->instances;
+    if (cache.traits != traits) {
+        const Binding* found = name.attribute ? nullptr : traits->find(name);
+        if (found == nullptr || found->kind != Binding::Kind::Accessor || found->id < 0)
+            return m_vm.get(text, name);
+        cache.traits = traits;
+        cache.binding = *found;
+    }
+    const MethodEnv& getter = *traits->methods[static_cast<std::size_t>(cache.binding.id)];
+    const Value result = getter.quickArguments == 0 ? getter.quick(m_vm, text, nullptr) : Value::hole();
+    return result.isHole() ? m_vm.get(text, name) : result;
 }
 
 void Interpreter::setCached(Value base, const Ins& ins, Value value)
@@ -200,10 +217,9 @@ MethodEnv* Interpreter::cacheMethod(const Ins& ins, Value receiver)
 }
 
 /// Of what is no method.
-Value Interpreter::callCached(const Ins& ins, Value* window)
+Value Interpreter::callCached(const Ins& ins, Value* window, std::uint32_t count)
 {
     const Multiname& name = m_frame->unit->multiname(static_cast<std::uint32_t>(ins.a));
-    const auto count = static_cast<std::uint32_t>(ins.b);
     const bool isLex = ins.op == RegisterOp::callproplex;
     const Object* object = window->asObject();
     if (object == nullptr || object->exotic() == Exotic::First)

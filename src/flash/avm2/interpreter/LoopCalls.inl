@@ -4,11 +4,41 @@ do_CallEarly : {
     MARK;
     const auto count = static_cast<std::uint32_t>(ip->b);
     Value* const window = r + ip->d - count - 1;
-    Object* const object = window->asObject();
-    if (object != nullptr && static_cast<std::size_t>(ip->a) < object->traits()->methods.size()) [[likely]]
-        CALL(*object->traits()->methods[static_cast<std::size_t>(ip->a)], window, count, nullptr, window);
+    if (MethodEnv* const method = methodAt(*window, ip->a)) [[likely]] {
+        TRY_QUICK(*method, *window, window + 1, count, window)
+        CALL(*method, window, count, ip->parts, window);
+    }
+    box(window, ip->parts);
     const Value result = vm.callProperty(*window, f->unit->multiname(static_cast<std::uint32_t>(ip->c)),
                                          {window + 1, count});
+    *window = result;
+    NEXT;
+}
+// Without arguments. The receiver may lie anywhere.
+do_CallEarly0 : {
+    MARK;
+    const Value receiver = B;
+    Value* const window = r + ip->d;
+    if (MethodEnv* const method = methodAt(receiver, ip->a)) [[likely]] {
+        TRY_QUICK(*method, receiver, nullptr, 0U, window)
+        store(window, receiver);
+        CALL(*method, window, 0, 0, window);
+    }
+    const Value result = vm.callProperty(receiver, f->unit->multiname(static_cast<std::uint32_t>(ip->c)), {});
+    *window = result;
+    NEXT;
+}
+do_CallCached0 : {
+    MARK;
+    const Value receiver = B;
+    Value* const window = r + ip->d;
+    if (MethodEnv* const method = methodOf(*f, *ip, receiver)) [[likely]] {
+        TRY_QUICK(*method, receiver, nullptr, 0U, window)
+        store(window, receiver);
+        CALL(*method, window, 0, 0, window);
+    }
+    store(window, receiver);
+    const Value result = callCached(*ip, window, 0);
     *window = result;
     NEXT;
 }
@@ -21,6 +51,9 @@ do_ReturnCoerced:
         MARK;
         returned = vm.coerce(returned, f->code->returnType);
     }
+    goto leave;
+do_ReturnI:
+    returned = computed(bits(B));
     goto leave;
 do_ReturnVoid:
     returned = Value();
@@ -42,7 +75,7 @@ do_call : {
     Value* const window = r + ip->d - count - 1;
     if (auto* const closure = as<FunctionObject>(window[-1])) {
         bindReceiver(vm, *closure, *window);
-        CALL(*closure->env(), window, count, closure, window - 1);
+        GO_ON_IF(beginAs(*closure->env(), window, count, closure, window - 1, nullptr));
     }
     const Value result = vm.call(window[-1], *window, std::span<const Value>(window + 1, count));
     window[-1] = result;
@@ -61,9 +94,11 @@ do_callproplex : {
     const auto count = static_cast<std::uint32_t>(ip->b);
     Value* const args = r + ip->d - count;
     if (ip->parts == 0) {
-        if (MethodEnv* const method = methodOf(*ip, args[-1]))
-            CALL(*method, args - 1, count, nullptr, args - 1);
-        const Value result = callCached(*ip, args - 1);
+        if (MethodEnv* const method = methodOf(*f, *ip, args[-1])) {
+            TRY_QUICK(*method, args[-1], args, count, args - 1)
+            CALL(*method, args - 1, count, 0, args - 1);
+        }
+        const Value result = callCached(*ip, args - 1, count);
         args[-1] = result;
     } else {
         Value* base = args;
@@ -84,7 +119,7 @@ do_constructprop : {
             Object* const made = vm.instantiate(cls);
             args[-1] = made;
             if (cls->constructor == nullptr) NEXT;
-            CALL_MAKING(*cls->constructor, args - 1, count, cls, args - 1, made);
+            GO_ON_IF(beginAs(*cls->constructor, args - 1, count, cls, args - 1, made));
         }
         const Value result = constructCached(*ip, constructor, args - 1);
         args[-1] = result;

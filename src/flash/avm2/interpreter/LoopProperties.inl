@@ -12,7 +12,12 @@ do_GetProp : {
             if (cache.binding.kind == Binding::Kind::Accessor) {
                 const MethodEnv& getter =
                     *cache.traits->methods[static_cast<std::size_t>(cache.binding.id)];
-                if (getter.code != nullptr && getter.code->slotRead >= 0) {
+                if (getter.quickArguments == 0) {
+                    if (const Value given = getter.quick(vm, Value(object), nullptr); !given.isHole()) {
+                        D = given;
+                        NEXT;
+                    }
+                } else if (getter.code != nullptr && getter.code->slotRead >= 0) {
                     D = object->slot(static_cast<std::uint32_t>(getter.code->slotRead));
                     NEXT;
                 }
@@ -137,14 +142,19 @@ do_SetElem : {
 }
 do_GetAccessor : {
     MARK;
-    Object* const object = B.asObject();
-    const auto id = static_cast<std::size_t>(ip->c);
-    if (object == nullptr || id >= object->traits()->methods.size()) {
-        const Value result = vm.get(B, f->unit->multiname(static_cast<std::uint32_t>(ip->a)));
-        D = result;
-        NEXT;
+    const Value receiver = B;
+    if (MethodEnv* const getter = methodAt(receiver, ip->c)) [[likely]] {
+        TRY_QUICK(*getter, receiver, nullptr, 0U, r + ip->d)
+        if (getter->code != nullptr && getter->code->slotRead >= 0 &&
+            hasSlot(*receiver.object(), getter->code->slotRead)) {
+            D = receiver.object()->slot(static_cast<std::uint32_t>(getter->code->slotRead));
+            NEXT;
+        }
+        Value* const window = r + ip->cache;
+        *window = receiver;
+        CALL(*getter, window, 0, 0, r + ip->d);
     }
-    Value* const window = r + ip->cache;
-    *window = B;
-    CALL(*object->traits()->methods[id], window, 0, nullptr, r + ip->d);
+    const Value result = vm.get(receiver, f->unit->multiname(static_cast<std::uint32_t>(ip->a)));
+    D = result;
+    NEXT;
 }

@@ -26,6 +26,9 @@ struct NativeMember {
     std::int8_t minArguments = 0, maxArguments = -1; ///< arguments; -1: any number
     NativeFunction setter = nullptr;
     std::string_view type = {}; ///< of a getter or a result, for describeType
+    // Of methods and getters that are worth it; for setters there is none.
+    QuickFunction quick = nullptr;
+    std::uint8_t quickArguments = 0; ///< that it takes
 };
 
 struct NativeConstant {

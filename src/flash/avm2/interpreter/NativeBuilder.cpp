@@ -167,6 +167,10 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
         env->name = name(member.name);
         env->ns = member.kind == NativeMember::Kind::As3 ? m_as3 : m_public;
         env->role = role;
+        if (member.quick != nullptr && role != MethodEnv::Role::Setter) {
+            env->quick = member.quick;
+            env->quickArguments = member.quickArguments;
+        }
         if (const Signature* known = told != nullptr ? told->find(member.name, &owner == statics) : nullptr)
             sign(*env, *known);
         return env;

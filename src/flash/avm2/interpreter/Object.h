@@ -29,6 +29,10 @@ struct Call {
     }
 };
 using NativeFunction = Value (*)(Call&);
+/// The simple case of a native, for loops that call it again and again: the receiver and the arguments are
+/// what is expected, and nothing goes wrong. Runs no script and throws nothing.
+/// @returns a hole, having changed nothing, when it is not that simple: the native itself is called then
+using QuickFunction = Value (*)(Vm& vm, Value self, const Value* args);
 
 /// In what ways an object answers for properties that its traits do not name.
 enum class Exotic : std::uint8_t {
@@ -169,8 +173,11 @@ public:
     NativeFunction native = nullptr;
     std::string_view nativeName;                      ///< static text
     std::int16_t minArguments = 0, maxArguments = -1; ///< arguments of a native; -1: any number
-    Traits* owner = nullptr;                          ///< whose method it is; for super
-    Name name;                                        ///< of the trait
+    static constexpr std::uint32_t kNotQuick = 0xFFFF'FFFF;
+    std::uint32_t quickArguments = kNotQuick; ///< that there have to be for `quick`
+    QuickFunction quick = nullptr;            ///< of some natives
+    Traits* owner = nullptr;                  ///< whose method it is; for super
+    Name name;                                ///< of the trait
     Namespace* ns = nullptr;
     enum class Role : std::uint8_t { Method, Getter, Setter, Function, Constructor, StaticInit, ScriptInit };
     Role role = Role::Function;

@@ -30,7 +30,7 @@ namespace flash::avm2
     X(JLtN) X(JLeN) X(JNltN) X(JNleN) X(JEqN) X(JNeN)                                                         \
     X(JLtV) X(JLeV) X(JNltV) X(JNleV) X(JEqV) X(JNeV) X(JSeqV) X(JSneV) X(Switch)                             \
     X(GetProp) X(SetProp) X(GetSlot) X(SetSlot) X(SetSlotTyped) X(GetElem) X(SetElem) X(GetAccessor)          \
-    X(GetSlotI) X(SetSlotI) X(GetElemI) X(CallEarly) X(PushScope) X(Return) X(ReturnCoerced) X(ReturnVoid)
+    X(GetSlotI) X(SetSlotI) X(GetElemI) X(CallEarly) X(CallEarly0) X(CallCached0) X(PushScope) X(Return) X(ReturnCoerced) X(ReturnVoid) X(ReturnI)
 
 // What several instructions in a row do, in one: the instructions it was made of stay behind it.
 #define AVM2_FUSED_OPS(X)                                                                                    \

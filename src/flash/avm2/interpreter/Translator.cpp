@@ -359,6 +359,8 @@ bool Translator::spill(std::int32_t local)
 void Translator::readLocal(std::size_t local)
 {
     const Type::Kind kind = localType(local).kind;
+    if (m_pass == Pass::Write && (kind == Type::Kind::Any || kind == Type::Kind::Undefined))
+        m_code.clearedLocals = std::max(m_code.clearedLocals, static_cast<std::uint32_t>(local) + 1);
     if (m_pass != Pass::ChooseForms) return;
     if (kind != Type::Kind::Int) m_maybeInt[local] = false;
     if (kind != Type::Kind::Uint) m_maybeUint[local] = false;

@@ -110,6 +110,8 @@ private:
     bool setProperty(std::uint32_t multiname, bool isInit);
     bool setElement(std::uint32_t multiname);
     void call(const abc::Instruction& instruction);
+    std::uint16_t placeArguments(std::size_t base, const MethodEnv* method);
+    Type resultOf(const MethodEnv& method);
     bool findInScopes(std::uint32_t multiname);
     Type constantType(Value value) const;
 

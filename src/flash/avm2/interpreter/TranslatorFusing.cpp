@@ -65,16 +65,12 @@ std::int32_t slotRead(const std::vector<Ins>& code)
 {
     std::size_t at = 0;
     if (at < code.size() && code[at].op == R::PushScope && code[at].b == 0) ++at;
-    if (code.size() < at + 2 || code.size() > at + 3 || code[at].b != 0) return -1;
+    if (code.size() < at + 2 || code[at].b != 0) return -1;
     const Ins& get = code[at];
     const bool isInt = get.op == R::GetSlotI;
     if (get.op != R::GetSlot && !isInt) return -1;
-    std::int32_t value = get.d;
-    if (isInt) {
-        if (code[++at].op != R::BoxInt || code[at].b != value) return -1;
-        value = code[at].d;
-    }
-    if (++at + 1 != code.size() || code[at].op != R::Return || code[at].b != value) return -1;
+    const Ins& end = code[at + 1];
+    if (code.size() != at + 2 || end.op != (isInt ? R::ReturnI : R::Return) || end.b != get.d) return -1;
     return get.c;
 }
 
@@ -96,7 +92,11 @@ void Translator::takeEntry()
     m_code.startsWithThis =
         m_code.self != nullptr && at < code.size() && code[at].op == R::PushScope && code[at].b == 0;
     const bool setsNamespace = (m_abc.methods[m_body.method].flags & abc::MethodInfo::SetDxns) != 0;
-    m_code.isDirect = !m_code.takesMore && m_code.slotRead < 0 && !setsNamespace;
+    if (!m_code.takesMore && m_code.slotRead < 0 && !setsNamespace) m_code.directCount = m_code.declared;
+    for (std::uint32_t i = 0; i < m_code.declared; ++i) {
+        const bool isRaw = i + 1 < kBits && (m_code.rawParameters >> (i + 1) & 1U) != 0;
+        if (m_code.parameterTypes[i] != nullptr && !isRaw) m_code.checksTypes = true;
+    }
     m_code.registers = m_code.frameSize();
     m_code.entry = at + (m_code.startsWithThis ? 1 : 0);
 }

@@ -155,14 +155,20 @@ bool Translator::step(const abc::Instruction& instruction)
     }
     case Op::returnvoid: emit(R::ReturnVoid, 0); return false;
     case Op::returnvalue: {
-        const Type type = m_stack.back().type;
-        const std::int32_t from = boxed(depth() - 1);
+        const Operand value = m_stack.back();
+        const Type type = value.type;
         const Type wanted = typeOfTraits(m_code.returnType);
         const bool fits =
             wanted.kind == Kind::Instance
                 ? type.kind == Kind::Null || (type.kind == Kind::Instance && type.traits->isA(wanted.traits))
-                : type.kind != Kind::Any && type == wanted;
+                : (type.kind != Kind::Any && type == wanted) ||
+                      (type.isNumeric() && wanted.kind == Kind::Number);
         const bool isPlain = m_code.returnType == nullptr || fits;
+        if (isPlain && value.where == Operand::Where::Register && value.rep == Rep::Int) {
+            emit(R::ReturnI, 0, 0, value.at);
+            return false;
+        }
+        const std::int32_t from = boxed(depth() - 1);
         emit(isPlain ? R::Return : R::ReturnCoerced, 0, 0, from);
         return false;
     }

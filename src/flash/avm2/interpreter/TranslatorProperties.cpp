@@ -189,6 +189,47 @@ bool Translator::findInScopes(std::uint32_t multiname)
     return false;
 }
 
+/// Puts the receiver and the arguments of a call in their places: boxed, but for ints that the method wants
+/// as such. @returns a bit for each of those, counted from the receiver
+std::uint16_t Translator::placeArguments(std::size_t base, const MethodEnv* method)
+{
+    constexpr std::size_t kBits = 16;
+    const bool hasTypes = method != nullptr && method->native == nullptr;
+    std::uint16_t raws = 0;
+    const auto wantsInt = [&](std::size_t argument) {
+        if (!hasTypes || argument == 0 || argument >= kBits) return false;
+        const auto& types = method->info().parameterTypes;
+        if (argument > types.size()) return false;
+        bool known = false;
+        const Traits* type = settledType(m_vm, *method->unit, types[argument - 1], known);
+        return known && type != nullptr && type->special == Traits::Special::Int;
+    };
+    for (std::size_t i = base; i < depth(); ++i) {
+        const Operand& operand = m_stack[i];
+        const bool isInt = operand.where == Operand::Where::Register
+                               ? operand.rep == Rep::Int
+                               : operand.where == Operand::Where::IntConstant;
+        if (operand.type.kind != Kind::Int || !isInt || !wantsInt(i - base)) {
+            place(i);
+            continue;
+        }
+        const std::int32_t from = raw(i);
+        if (from != reg(i)) emit(R::Move, reg(i), 0, from);
+        m_stack[i].at = reg(i);
+        raws |= static_cast<std::uint16_t>(1U << (i - base));
+    }
+    return raws;
+}
+
+/// The kind of number that a method gives: those that override it have the same signature.
+Type Translator::resultOf(const MethodEnv& method)
+{
+    if (method.native != nullptr) return {};
+    bool known = false;
+    const Type result = typeOfTraits(settledType(m_vm, *method.unit, method.info().returnType, known));
+    return known && (result.isNumeric() || result.kind == Kind::Boolean) ? result : Type();
+}
+
 void Translator::call(const abc::Instruction& instruction)
 {
     const auto op = static_cast<Op>(instruction.op);
@@ -198,10 +239,19 @@ void Translator::call(const abc::Instruction& instruction)
     const std::size_t taken = static_cast<std::size_t>(count) + 1 + (runtime & 1U) + (runtime >> 1U & 1U);
     const std::size_t base = depth() - taken;
     const Type receiver = m_stack[base].type;
-    for (std::size_t i = base; i < depth(); ++i) place(i);
     const Binding* found = binding(receiver, multiname);
-    if (found != nullptr && found->kind == Binding::Kind::Method) {
-        emit(R::CallEarly, reg(depth()), found->id, count, instruction.operands[0]);
+    const bool isEarly = found != nullptr && found->kind == Binding::Kind::Method;
+    const MethodEnv* const method =
+        isEarly ? receiver.traits->methods[static_cast<std::size_t>(found->id)] : nullptr;
+    const bool isAlone = count == 0 && runtime == 0 && op != Op::callproplex;
+    const std::int32_t alone = isAlone ? boxed(base) : 0;
+    const std::uint16_t raws = isAlone ? 0 : placeArguments(base, method);
+    if (isAlone) {
+        emit(isEarly ? R::CallEarly0 : R::CallCached0, reg(base),
+             isEarly ? found->id : instruction.operands[0], alone, instruction.operands[0])
+            .cache = isEarly ? -1 : cache();
+    } else if (isEarly) {
+        emit(R::CallEarly, reg(depth()), found->id, count, instruction.operands[0]).parts = raws;
     } else {
         const std::int32_t site = cache();
         Ins& ins = emit(stackOp(op), reg(depth()), instruction.operands[0], count);
@@ -209,7 +259,7 @@ void Translator::call(const abc::Instruction& instruction)
         ins.cache = site;
     }
     pop(taken);
-    if (op != Op::callpropvoid) push({});
+    if (op != Op::callpropvoid) push(method != nullptr ? resultOf(*method) : Type());
 }
 
 bool Translator::properties(const abc::Instruction& instruction)
