@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// Numbers and times as people write them on a command line.
+// Numbers and times as people and scripts write them.
 namespace base
 {
 
@@ -13,5 +13,8 @@ std::optional<double> numberFromText(std::string_view text);
 
 /// A local time like 2001-02-03T04:05:06. @returns milliseconds since 1970
 std::optional<double> localTimeFromText(const std::string& text);
+
+/// What a decimal number is that std::from_chars has called out of range, without its sign: 0 or infinity.
+double valueOutOfRange(std::string_view text);
 
 } // namespace base

@@ -1,5 +1,7 @@
 #include "flash/vm/Numbers.h"
 
+#include "base/TextNumbers.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -58,11 +60,7 @@ double decimal(std::u16string_view text)
     double value = 0;
     const auto [end, error] = std::from_chars(view.data(), view.data() + view.size(), value);
     if (error == std::errc::result_out_of_range) {
-        // from_chars leaves the value alone; tell too large from too small by the exponent's sign.
-        const std::size_t exponent = view.find_first_of("eE");
-        const bool tiny =
-            exponent != std::string_view::npos && exponent + 1 < view.size() && view[exponent + 1] == '-';
-        value = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+        value = base::valueOutOfRange(view);
         return view[0] == '-' ? -value : value;
     }
     return value;

@@ -1,5 +1,6 @@
 #include "script/vbscript/Convert.h"
 
+#include "base/TextNumbers.h"
 #include "script/vbscript/DateTime.h"
 #include "script/vbscript/Errors.h"
 #include "script/vbscript/Text.h"
@@ -168,10 +169,8 @@ std::optional<double> parseNumber(std::u16string_view text, const Locale& locale
     if (digits.front() == '.') digits.insert(digits.begin(), '0');
     double number = 0;
     const auto [end, code] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (code == std::errc::result_out_of_range) {
-        if (digits.find("e-") != std::string::npos) return 0.0;
-        return std::numeric_limits<double>::infinity(); // callers report it as an overflow
-    }
+    // Callers report infinity as an overflow.
+    if (code == std::errc::result_out_of_range) return base::valueOutOfRange(digits);
     if (code != std::errc()) return std::nullopt;
     return negative ? -number : number;
 }

@@ -1,5 +1,6 @@
 #include "script/vbscript/Lexer.h"
 
+#include "base/TextNumbers.h"
 #include "script/vbscript/DateTime.h"
 #include "script/vbscript/Errors.h"
 #include "script/vbscript/Text.h"
@@ -233,7 +234,7 @@ private:
         for (const char16_t c : m_source.substr(begin, m_position - begin)) digits += static_cast<char>(c);
         double value = 0;
         const auto [end, code] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-        if (code == std::errc::result_out_of_range && digits.find('-') == std::string::npos)
+        if (code == std::errc::result_out_of_range && base::valueOutOfRange(digits) != 0)
             return failAt(error::kInvalidNumber, m_start);
         Token& token = add(TokenKind::Number);
         token.value = whole && value <= INT32_MAX ? Value::number(static_cast<std::int64_t>(value))

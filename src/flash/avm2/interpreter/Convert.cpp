@@ -1,3 +1,4 @@
+#include "base/TextNumbers.h"
 #include "flash/avm2/interpreter/Vm.h"
 
 #include <charconv>
@@ -144,10 +145,7 @@ double textNumber(std::u16string_view text)
         for (const char16_t unit : text) ascii += unit < 0x80 ? static_cast<char>(unit) : '?';
         const auto [end, error] = std::from_chars(ascii.data(), ascii.data() + ascii.size(), value);
         if (error == std::errc::invalid_argument || end != ascii.data() + ascii.size()) return std::nan("");
-        if (error == std::errc::result_out_of_range) {
-            const auto mark = ascii.find_first_of("eE");
-            value = mark != std::string::npos && ascii[mark + 1] == '-' ? 0 : HUGE_VAL;
-        }
+        if (error == std::errc::result_out_of_range) value = base::valueOutOfRange(ascii);
     }
     return negative ? -value : value;
 }
