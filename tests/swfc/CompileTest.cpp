@@ -1,45 +1,19 @@
 #include "MovieChecker.h"
-
-#include "swfc/source/Movie.h"
+#include "MovieFiles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <map>
 
 namespace
 {
 
+using test::compile;
+using test::Compiled;
+using test::MemoryFiles;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-/// Serves sources from memory.
-class MemoryFiles : public swfc::SourceFiles
-{
-public:
-    std::map<std::string, std::string> files;
-    base::Result<std::vector<std::uint8_t>> read(const std::string& path) override
-    {
-        const auto found = files.find(path);
-        if (found == files.end()) return base::fail(base::ErrorCode::NotFound, "no such file");
-        return std::vector<std::uint8_t>(found->second.begin(), found->second.end());
-    }
-};
-
-struct Compiled {
-    std::vector<std::uint8_t> movie;
-    std::vector<std::string> errors;
-};
-
-Compiled compile(MemoryFiles& files, const std::string& path)
-{
-    swfc::Diagnostics diagnostics;
-    Compiled compiled;
-    compiled.movie = swfc::source::compileMovie(path, files, diagnostics);
-    compiled.errors = diagnostics.lines();
-    return compiled;
-}
 
 Compiled compileScript(const std::string& script, int version = 8)
 {

@@ -1,30 +1,18 @@
 // What has no trace and no picture of its own, read back from the compiled file by the engine's parser.
 
+#include "MovieFiles.h"
+
 #include "flash/swf/Movie.h"
-#include "swfc/source/Movie.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
-
 namespace
 {
 
+using test::MemoryFiles;
 using testing::ElementsAre;
 namespace swf = flash::swf;
-
-class MemoryFiles : public swfc::SourceFiles
-{
-public:
-    std::map<std::string, std::string> files;
-    base::Result<std::vector<std::uint8_t>> read(const std::string& path) override
-    {
-        const auto found = files.find(path);
-        if (found == files.end()) return base::fail(base::ErrorCode::NotFound, "no such file");
-        return std::vector<std::uint8_t>(found->second.begin(), found->second.end());
-    }
-};
 
 std::string littleEndian(std::uint32_t value, int bytes)
 {
