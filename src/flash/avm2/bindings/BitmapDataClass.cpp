@@ -144,7 +144,9 @@ Value floodFill(Call& call)
 {
     const auto bitmap = picture(call);
     const int x = call.vm.toInt(call.arg(0)), y = call.vm.toInt(call.arg(1));
-    if (isInside(*bitmap, x, y)) render::floodFill(*bitmap, x, y, call.vm.toUint(call.arg(2)));
+    // Asking for a number may run script, which may dispose of the picture.
+    const std::uint32_t color = call.vm.toUint(call.arg(2));
+    if (isInside(*bitmap, x, y)) render::floodFill(*bitmap, x, y, color);
     pictureChanged(call);
     return {};
 }
@@ -258,10 +260,11 @@ Value getVector(Call& call)
 Value setVector(Call& call)
 {
     const auto bitmap = picture(call);
-    const render::IntRect area = areaArg(call, *bitmap);
+    render::IntRect area = areaArg(call, *bitmap);
     if (call.arg(1).isNullish())
         call.vm.throwError(ErrorClass::Type, 2007, "Parameter imputVector must be non-null.");
     const auto colors = numbersOf(call.vm, call.arg(1));
+    area = render::intersect(area, render::boundsOf(*bitmap)); // elements may have disposed of it
     const auto wanted = static_cast<std::size_t>(area.width()) * static_cast<std::size_t>(area.height());
     if (colors.size() < wanted)
         call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");

@@ -172,6 +172,14 @@ Value constructLoader(Call& call)
     return {};
 }
 
+/// Takes off what was loaded before, and tells of it.
+void dropContent(Vm& vm, DisplayObject& loader)
+{
+    const bool had = infoOf(loader)->content != nullptr;
+    takeContent(vm, loader);
+    if (had) fire(vm, *infoOf(loader), "unload");
+}
+
 Value load(Call& call)
 {
     auto& self = loaderSelf(call);
@@ -180,7 +188,7 @@ Value load(Call& call)
     const Value address = vm.getPublic(call.arg(0), "url");
     if (address.isNullish()) vm.throwError(ErrorClass::Type, 2007, "Parameter url must be non-null.");
     Player& player = Player::of(vm);
-    takeContent(vm, self);
+    dropContent(vm, self);
     LoaderInfoObject& info = *infoOf(self);
     info.isLoading = true;
     info.domain = contextDomain(call, 1);
@@ -209,7 +217,7 @@ Value loadBytes(Call& call)
     if (data == nullptr) call.vm.throwError(ErrorClass::Type, 2007, "Parameter bytes must be non-null.");
     if (data->content.empty())
         call.vm.throwError(ErrorClass::Argument, 2085, "Parameter bytes must be non-empty string.");
-    takeContent(call.vm, self);
+    dropContent(call.vm, self);
     infoOf(self)->isLoading = true;
     infoOf(self)->domain = contextDomain(call, 1);
     ++self.generation;
@@ -222,9 +230,7 @@ Value unload(Call& call)
 {
     auto& self = loaderSelf(call);
     ++self.generation;
-    const bool had = infoOf(self)->content != nullptr;
-    takeContent(call.vm, self);
-    if (had) fire(call.vm, *infoOf(self), "unload");
+    dropContent(call.vm, self);
     return {};
 }
 Value close(Call& call)
