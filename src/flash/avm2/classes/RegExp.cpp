@@ -71,6 +71,11 @@ RegExpObject::Groups RegExpObject::find(Vm& vm, std::u16string_view text, std::s
     if (!m_compiled || m_compiled->code == nullptr || from > text.size()) return groups;
     const int count = pcre2_match(m_compiled->code, reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(),
                                   from, 0, m_compiled->data, m_compiled->context);
+    if (count == PCRE2_ERROR_MATCHLIMIT) {
+        // That took as long as many other things do.
+        constexpr int kChecks = 400;
+        for (int i = 0; i < kChecks; ++i) vm.check();
+    }
     if (count <= 0) return groups;
     const PCRE2_SIZE* ends = pcre2_get_ovector_pointer(m_compiled->data);
     const std::uint32_t pairs = pcre2_get_ovector_count(m_compiled->data);

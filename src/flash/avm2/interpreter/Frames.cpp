@@ -34,8 +34,10 @@ Value Interpreter::execute(MethodEnv& env, Value* window, std::uint32_t given, O
     m_lastFrame = m_frames + std::min(kLevels - 1, kDeepestCalls - std::min(m_calls, kDeepestCalls));
     open(m_frames[0], env, window, given, callee);
     m_frame = m_frames;
-    for (;;) {
+    for (bool isResumed = false;; isResumed = true) {
         try {
+            // A loop that throws each time around never comes to the checks of its jumps.
+            if (isResumed) m_vm.check();
             return run();
         } catch (const ScriptThrow&) {
             if (!unwind()) throw;
