@@ -80,7 +80,10 @@ StaticTextNode::StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticTe
         const swf::Character* character = m_movie->character(record.fontId);
         const swf::Font* font = character ? std::get_if<swf::Font>(&character->data) : nullptr;
         if (!font) continue;
-        Run run{record.color, {}};
+        Run run{record.color,
+                {},
+                font->name.substr(0, font->name.find('\0')),
+                static_cast<double>(record.height)};
         const double scale = static_cast<double>(record.height) / font->unitsPerEm;
         double x = record.x;
         for (const swf::StaticText::GlyphEntry& entry : record.glyphs) {
@@ -121,6 +124,28 @@ void StaticTextNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
             if (glyph.outline) placements.push_back({glyph.outline, toDevice * glyph.toNode});
         canvas.drawGlyphs(placements, swf::apply(color, run.color));
     }
+}
+
+std::size_t StaticTextNode::glyphCount() const
+{
+    std::size_t count = 0;
+    for (const Run& run : m_runs) count += run.glyphs.size();
+    return count;
+}
+
+StaticTextNode::GlyphInfo StaticTextNode::glyph(std::size_t index) const
+{
+    for (const Run& run : m_runs) {
+        if (index >= run.glyphs.size()) {
+            index -= run.glyphs.size();
+            continue;
+        }
+        const Glyph& glyph = run.glyphs[index];
+        return {glyph.code,   glyph.outline ? glyph.outline->bounds : swf::Rect{},
+                glyph.toNode, run.font,
+                run.height,   run.color};
+    }
+    return {};
 }
 
 std::string StaticTextNode::text() const

@@ -58,6 +58,17 @@ public:
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
     /// The characters of its glyphs, for text snapshots. UTF-8.
     [[nodiscard]] std::string text() const;
+    [[nodiscard]] std::size_t glyphCount() const;
+    struct GlyphInfo {
+        std::uint16_t code = 0;
+        swf::Rect bounds;   ///< of its outline, in its font's units
+        swf::Matrix toNode; ///< from there
+        std::string font;   ///< UTF-8
+        double height = 0;  ///< twips to the em
+        swf::Rgba color;
+    };
+    /// @param index less than glyphCount()
+    [[nodiscard]] GlyphInfo glyph(std::size_t index) const;
 
 private:
     struct Glyph {
@@ -68,6 +79,8 @@ private:
     struct Run {
         swf::Rgba color;
         std::vector<Glyph> glyphs;
+        std::string font;
+        double height = 0;
     };
     const swf::StaticText& m_text;
     std::vector<Run> m_runs;

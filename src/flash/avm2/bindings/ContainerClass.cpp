@@ -206,7 +206,9 @@ Value objectsUnderPoint(Call& call)
     }
     return Value(list);
 }
+Value textSnapshot(Call& call) { return newTextSnapshot(call.vm, displaySelf(call)); }
 constexpr NativeMember kContainer[] = {
+    {"textSnapshot", Kind::Getter, &textSnapshot, 0, 0, nullptr, "flash.text::TextSnapshot"},
     {"addChild", Kind::Method, &addChild, 1, 1},
     {"addChildAt", Kind::Method, &addChildAt, 2, 2},
     {"removeChild", Kind::Method, &removeChild, 1, 1},

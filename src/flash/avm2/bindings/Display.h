@@ -146,5 +146,7 @@ Object* allocateDisplay(Vm& vm, ClassObject& cls);
 /// The constructor of what scripts may make, and of what they may not.
 Value constructDisplay(Call& call);
 Value refuseDisplayConstruction(Call& call);
+/// A TextSnapshot of the static texts of a list.
+Value newTextSnapshot(Vm& vm, DisplayObject& holder);
 
 } // namespace flash::avm2

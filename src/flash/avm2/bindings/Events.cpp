@@ -38,7 +38,7 @@ bool bubblesByDefault(Vm& vm, EventObject& event)
 {
     for (const char* cls :
          {"flash.events::MouseEvent", "flash.events::KeyboardEvent", "flash.events::FocusEvent",
-          "flash.events::TouchEvent", "flash.events::GestureEvent"}) {
+          "flash.events::TouchEvent", "flash.events::GestureEvent", "flash.events::TransformGestureEvent"}) {
         if (event.traits()->isA(vm.nativeClass(cls)->instances)) return true;
     }
     return false;

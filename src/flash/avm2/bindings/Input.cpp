@@ -198,7 +198,9 @@ void Input::chooseCursor()
 {
     DisplayObject* over = m_over.get();
     stage::Cursor cursor = stage::Cursor::Arrow;
-    if (over != nullptr) {
+    if (m_cursor) {
+        cursor = *m_cursor;
+    } else if (over != nullptr) {
         m_player.vm().guarded([&] {
             if (stage::TextField* field = fieldOf(over))
                 cursor = field->cursorAt(m_player.stage().pointer().position());

@@ -4,6 +4,8 @@
 #include "flash/avm2/bindings/Events.h"
 #include "flash/stage/Pointer.h"
 
+#include <optional>
+
 namespace flash::avm2
 {
 
@@ -37,6 +39,13 @@ public:
     /// does.
     DisplayObject* targetAt(swf::Point point);
 
+    /// The cursor that a script has chosen; nothing: what is under the pointer chooses it.
+    void setCursor(std::optional<stage::Cursor> cursor)
+    {
+        m_cursor = cursor;
+        chooseCursor();
+    }
+
 private:
     enum class Hit : std::uint8_t { None, Parent, Target };
     Hit pick(DisplayObject& object, swf::Point point, DisplayObject*& target, int depth);
@@ -61,6 +70,7 @@ private:
     Root<DisplayObject> m_over;
     Root<DisplayObject> m_pressed[3]; ///< by button
     int m_clicks = 1;
+    std::optional<stage::Cursor> m_cursor;
     bool m_hasLink = false;
     std::u16string m_link, m_linkTarget; ///< that was pressed
 };

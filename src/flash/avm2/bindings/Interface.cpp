@@ -2,6 +2,9 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 
+#include <algorithm>
+#include <optional>
+
 // What a movie has of its user besides the stage: keys, cursor, menus, printers, helpers.
 namespace flash::avm2
 {
@@ -25,13 +28,23 @@ Value showMouse(Call& call)
     Player::of(call.vm).stage().pointer().setVisible(true);
     return {};
 }
-Value cursor(Call& call) { return Value(call.vm.name("auto").string()); }
+struct CursorName {
+    std::u16string_view name;
+    std::optional<stage::Cursor> cursor;
+};
+constexpr CursorName kCursorNames[] = {{u"auto", {}},
+                                       {u"arrow", stage::Cursor::Arrow},
+                                       {u"button", stage::Cursor::Hand},
+                                       {u"hand", stage::Cursor::Hand},
+                                       {u"ibeam", stage::Cursor::Text}};
+Value cursor(Call& call) { return Value(call.vm.string(Player::of(call.vm).cursorName)); }
 Value setCursor(Call& call)
 {
-    if (call.arg(0).isNullish()) throwNullParameter(call.vm, "cursor");
-    const std::u16string name(call.vm.text(call.arg(0)));
-    if (name != u"auto" && name != u"arrow" && name != u"button" && name != u"hand" && name != u"ibeam")
-        throwNotAccepted(call.vm, "cursor");
+    const std::u16string name = textArg(call, 0, "cursor");
+    const auto* known = std::ranges::find(kCursorNames, name, &CursorName::name);
+    if (known == std::end(kCursorNames)) throwNotAccepted(call.vm, "cursor");
+    Player::of(call.vm).cursorName = known->name;
+    Player::of(call.vm).input().setCursor(known->cursor);
     return {};
 }
 template <int key>
@@ -307,7 +320,6 @@ constexpr NativeClass kClasses[] = {
      .flags = NativeClass::Sealed,
      .slots = "name:String= description:String= shortcut:String= silent:Boolean forceSimple:Boolean "
               "noAutoLabeling:Boolean"},
-    {.package = "flash.accessibility", .name = "AccessibilityImplementation", .base = {}},
     {.package = "flash.printing",
      .name = "PrintJob",
      .base = kDispatcher,

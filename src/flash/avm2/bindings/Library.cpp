@@ -53,6 +53,9 @@ std::span<const NativeLibrary> bindingsLibrary()
         soundLibrary(),
         textFieldLibrary(),
         textEngineLibrary(),
+        textSnapshotLibrary(),
+        accessibilityLibrary(),
+        netStreamInfoLibrary(),
         xmlNodeLibrary(),
         soundMixerLibrary(),
     };

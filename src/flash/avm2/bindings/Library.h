@@ -23,6 +23,7 @@ std::span<const NativeClass> recordClasses();
 
 std::string_view displaySignatures();
 std::string_view eventsSignatures();
+std::string_view textEngineSignatures();
 std::string_view mediaSignatures(); ///< and all that is neither of these nor the language's own
 
 NativeLibrary timerLibrary();
@@ -34,6 +35,9 @@ NativeLibrary netStreamLibrary();  ///< and Video
 NativeLibrary netPeerLibrary();    ///< connections
 NativeLibrary socketLibrary();
 NativeLibrary sharedObjectLibrary();
+NativeLibrary accessibilityLibrary();
+NativeLibrary textSnapshotLibrary();
+NativeLibrary netStreamInfoLibrary();
 NativeLibrary textFormatLibrary();
 NativeLibrary styleSheetLibrary();
 NativeLibrary textFieldLibrary();

@@ -133,6 +133,12 @@ Value ofServer(Call& call)
         call.vm.throwError(ErrorClass::Argument, 2126, "NetConnection object must be connected.");
     return isFlag ? Value(false) : Value(call.vm.name("none").string());
 }
+/// There are none.
+Value noPeers(Call& call)
+{
+    connectionSelf(call);
+    return Value(call.vm.newArray());
+}
 Value proxyType(Call& call) { return Value(call.vm.name("none").string()); }
 
 // ---- Responder ----
@@ -276,6 +282,8 @@ constexpr NativeMember kConnection[] = {
      &classes::setDefaultObjectEncoding, "uint"},
     {"proxyType", Kind::Getter, &proxyType, 0, 0, &doNothing, "String"},
     {"connectedProxyType", Kind::Getter, &ofServer<false>, 0, 0, nullptr, "String"},
+    {"protocol", Kind::Getter, &ofServer<false>, 0, 0, nullptr, "String"},
+    {"unconnectedPeerStreams", Kind::Getter, &noPeers, 0, 0, nullptr, "Array"},
     {"usingTLS", Kind::Getter, &ofServer<true>, 0, 0, nullptr, "Boolean"},
 };
 constexpr NativeMember kLocal[] = {
@@ -300,7 +308,7 @@ constexpr NativeClass kClasses[] = {
      .maxArguments = 0,
      .allocate = &allocateNative<NetConnectionObject>,
      .members = kConnection,
-     .slots = "protocol:String maxPeerConnections:uint=8 nearID:String= farID:String= nearNonce:String= "
+     .slots = "maxPeerConnections:uint=8 nearID:String= farID:String= nearNonce:String= "
               "farNonce:String=",
      .setUp = [](Vm& vm, ClassObject& cls) { classes::addState<classes::DefaultEncoding>(vm, cls); }},
     {.package = "flash.net",

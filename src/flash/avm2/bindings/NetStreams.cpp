@@ -213,11 +213,44 @@ Value setTransform(Call& call)
         Player::of(call.vm).services().sound.setSoundTransform(stream.sound, stream.transform);
     return {};
 }
+/// A file has come as a whole: what is still to be played.
+Value bufferLength(Call& call)
+{
+    auto& stream = self(call);
+    stream.follow(call.vm);
+    if (!stream.player) return 0;
+    return std::max(0.0, stream.player->endMs() - stream.player->timeMs()) / kMsPerSecond;
+}
+/// Plays what the options name.
+Value play2(Call& call)
+{
+    Object* options = objectArg(call, 0, "flash.net::NetStreamPlayOptions");
+    if (options == nullptr) throwNullParameter(call.vm, "param");
+    const Value name = call.vm.getPublic(Value(options), "streamName");
+    Call named{call.vm, call.self, &name, 1};
+    return play(named);
+}
+Value noFeed(Call& call)
+{
+    self(call);
+    Player::of(call.vm).log("NetStream.appendBytes is not supported");
+    return {};
+}
+Value info(Call& call) { return newNetStreamInfo(call.vm, bytes(call).number()); }
+Value noNames(Call& call) { return Value(call.vm.newArray()); }
 Value zero(Call&) { return 0; }
 Value three(Call&) { return 3; }
 
 constexpr NativeMember kStream[] = {
     {"play", Kind::Method, &play, 0, -1},
+    {"play2", Kind::Method, &play2, 1, 1},
+    {"appendBytes", Kind::Method, &noFeed, 1, 1},
+    {"appendBytesAction", Kind::Method, &noFeed, 1, 1},
+    {"step", Kind::Method, &doNothing, 1, 1},
+    {"onPeerConnect", Kind::Method, &isAlwaysTrue, 1, 1},
+    {"info", Kind::Getter, &info, 0, 0, nullptr, "flash.net::NetStreamInfo"},
+    {"multicastInfo", Kind::Getter, &isAlwaysNull},
+    {"peerStreams", Kind::Getter, &noNames, 0, 0, nullptr, "Array"},
     {"pause", Kind::Method, &pause, 0, 0},
     {"resume", Kind::Method, &resume, 0, 0},
     {"togglePause", Kind::Method, &togglePause, 0, 0},
@@ -238,12 +271,15 @@ constexpr NativeMember kStream[] = {
     {"bytesTotal", Kind::Getter, &bytes, 0, 0, nullptr, "uint"},
     {"currentFPS", Kind::Getter, &currentFps, 0, 0, nullptr, "Number"},
     {"bufferTime", Kind::Getter, &bufferTime, 0, 0, &setBufferTime, "Number"},
-    {"bufferLength", Kind::Getter, &zero, 0, 0, nullptr, "Number"},
+    {"bufferLength", Kind::Getter, &bufferLength, 0, 0, nullptr, "Number"},
     {"liveDelay", Kind::Getter, &zero, 0, 0, nullptr, "Number"},
     {"objectEncoding", Kind::Getter, &three, 0, 0, nullptr, "uint"},
     {"soundTransform", Kind::Getter, &transform, 0, 0, &setTransform, "flash.media::SoundTransform"},
     {"checkPolicyFile", Kind::Getter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
 };
+
+constexpr NativeConstant kPeers[] = {{"CONNECT_TO_FMS", 0, "connectToFMS"},
+                                     {"DIRECT_CONNECTIONS", 0, "directConnections"}};
 
 // ---- Video ----
 
@@ -328,21 +364,8 @@ constexpr NativeClass kClasses[] = {
      .maxArguments = 2,
      .allocate = &allocateNative<NetStreamObject>,
      .members = kStream,
+     .constants = kPeers,
      .slots = kStreamSlots},
-    {.package = "flash.net",
-     .name = "NetStreamInfo",
-     .base = {},
-     .flags = NativeClass::Sealed | NativeClass::Final,
-     .minArguments = 0,
-     .maxArguments = 22,
-     .slots =
-         "currentBytesPerSecond:Number byteCount:Number maxBytesPerSecond:Number audioBytesPerSecond:Number "
-         "audioByteCount:Number videoBytesPerSecond:Number videoByteCount:Number dataBytesPerSecond:Number "
-         "dataByteCount:Number playbackBytesPerSecond:Number droppedFrames:Number "
-         "audioBufferByteLength:Number videoBufferByteLength:Number dataBufferByteLength:Number "
-         "audioBufferLength:Number videoBufferLength:Number dataBufferLength:Number SRTT:Number "
-         "audioLossRate:Number videoLossRate:Number metaData:* xmpData:* uri:String resourceName:String "
-         "isLive:Boolean"},
     {.package = "flash.net",
      .name = "NetStreamPlayOptions",
      .base = "flash.events::EventDispatcher",

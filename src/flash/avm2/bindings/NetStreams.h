@@ -43,4 +43,7 @@ public:
     bool isPaused = false, hasEnded = false;
 };
 
+/// What is known of a stream that has come as a whole.
+Value newNetStreamInfo(Vm& vm, double byteCount);
+
 } // namespace flash::avm2

@@ -170,7 +170,8 @@ public:
     /// Streams play on from frame to frame.
     void watchStream(Object& stream);
     void unwatchStream(Object& stream);
-    int soundBufferTime = 5; ///< seconds; what scripts set, no more
+    std::u16string_view cursorName = u"auto"; ///< as a script chose it; static text
+    int soundBufferTime = 5;                  ///< seconds; what scripts set, no more
     /// Writes those that have changed.
     void saveSharedObjects();
 

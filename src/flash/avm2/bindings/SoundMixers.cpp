@@ -181,20 +181,6 @@ constexpr NativeMember kMixer[] = {
     {"bufferTime", Kind::StaticGetter, &bufferTime, 0, 0, &setBufferTime, "int"},
 };
 
-// ---- devices ----
-
-Value noNames(Call& call) { return Value(call.vm.newArray()); }
-constexpr NativeMember kMicrophone[] = {
-    {"getMicrophone", Kind::Static, &isAlwaysNull, 0, 1},
-    {"getEnhancedMicrophone", Kind::Static, &isAlwaysNull, 0, 1},
-    {"isSupported", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
-    {"names", Kind::StaticGetter, &noNames, 0, 0, nullptr, "Array"},
-};
-constexpr NativeMember kCamera[] = {
-    {"getCamera", Kind::Static, &isAlwaysNull, 0, 1},
-    {"isSupported", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
-    {"names", Kind::StaticGetter, &noNames, 0, 0, nullptr, "Array"},
-};
 using C = NativeConstant;
 constexpr C kCodecs[] = {
     {"NELLYMOSER", 0, "NellyMoser"}, {"PCMA", 0, "pcma"}, {"PCMU", 0, "pcmu"}, {"SPEEX", 0, "Speex"}};
@@ -231,16 +217,6 @@ constexpr NativeClass kClasses[] = {
      .base = {},
      .slots = "album:String artist:String comment:String genre:String songName:String track:String "
               "year:String"},
-    {.package = "flash.media",
-     .name = "Microphone",
-     .base = "flash.events::EventDispatcher",
-     .flags = NativeClass::Sealed | NativeClass::Final,
-     .members = kMicrophone},
-    {.package = "flash.media",
-     .name = "Camera",
-     .base = "flash.events::EventDispatcher",
-     .flags = NativeClass::Sealed | NativeClass::Final,
-     .members = kCamera},
     constantsOf("flash.media", "SoundCodec", kCodecs),
 };
 

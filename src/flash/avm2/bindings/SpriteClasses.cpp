@@ -4,6 +4,7 @@
 #include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
+#include "flash/stage/Graphics.h"
 
 // What can be drawn on, and what can be pointed at.
 namespace flash::avm2
@@ -37,6 +38,13 @@ Value setHitArea(Call& call)
 Value doNothing(Call&) { return {}; }
 Value isFalse(Call&) { return false; }
 
+Value staticText(Call& call)
+{
+    stage::Node& node = self(call).node();
+    if (node.kind() != stage::NodeKind::StaticText) return Value(call.vm.common().empty.string());
+    return Value(call.vm.string(std::string_view(static_cast<stage::StaticTextNode&>(node).text())));
+}
+constexpr NativeMember kStaticText[] = {{"text", Kind::Getter, &staticText, 0, 0, nullptr, "String"}};
 constexpr NativeMember kSprite[] = {
     {"startTouchDrag", Kind::Method, &doNothing, 1, 3},
     {"stopTouchDrag", Kind::Method, &doNothing, 1, 1},
@@ -96,7 +104,8 @@ constexpr NativeClass kClasses[] = {
      .name = "StaticText",
      .base = "flash.display::DisplayObject",
      .flags = NativeClass::Sealed,
-     .constructor = &refuseDisplayConstruction},
+     .constructor = &refuseDisplayConstruction,
+     .members = kStaticText},
 };
 
 } // namespace

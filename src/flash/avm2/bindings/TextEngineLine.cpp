@@ -371,7 +371,7 @@ NativeLibrary textEngineLibrary()
             all.insert(all.end(), list.begin(), list.end());
         return all;
     }();
-    return {kAll, {}};
+    return {kAll, {}, textEngineSignatures()};
 }
 
 } // namespace flash::avm2

@@ -122,6 +122,29 @@ Value setStreamEncoding(Call& call)
     return {};
 }
 
+classes::ByteArrayObject* bytesOf(Call& call) { return as<classes::ByteArrayObject>(streamSelf(call).bytes); }
+Value streamLength(Call& call)
+{
+    const auto* bytes = bytesOf(call);
+    return bytes != nullptr ? static_cast<double>(bytes->content.size()) : 0.0;
+}
+Value streamPosition(Call& call)
+{
+    const auto* bytes = bytesOf(call);
+    return bytes != nullptr ? static_cast<double>(bytes->position) : 0.0;
+}
+Value setStreamPosition(Call& call)
+{
+    const double place = call.vm.toNumber(call.arg(0));
+    auto* bytes = bytesOf(call);
+    if (bytes != nullptr && place >= 0)
+        bytes->position =
+            static_cast<std::size_t>(std::min(place, static_cast<double>(bytes->content.size())));
+    return {};
+}
+/// As closing it, and nothing to complain of when it is.
+Value stopStream(Call& call) { return streamSelf(call).isConnected ? closeStream(call) : Value(); }
+
 #define READ_AS(name)                                                                                        \
     NativeMember                                                                                             \
     {                                                                                                        \
@@ -131,6 +154,10 @@ Value setStreamEncoding(Call& call)
 constexpr NativeMember kStream[] = {
     {"load", Kind::Method, &loadStream, 1, 1},
     {"close", Kind::Method, &closeStream, 0, 0},
+    {"stop", Kind::Method, &stopStream, 0, 0, nullptr, "void"},
+    {"length", Kind::Getter, &streamLength, 0, 0, nullptr, "Number"},
+    {"position", Kind::Getter, &streamPosition, 0, 0, &setStreamPosition, "Number"},
+    {"diskCacheEnabled", Kind::Getter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
     {"connected", Kind::Getter, &streamConnected, 0, 0, nullptr, "Boolean"},
     {"bytesAvailable", Kind::Getter, &streamAvailable, 0, 0, nullptr, "uint"},
     {"endian", Kind::Getter, &streamEndian, 0, 0, &setStreamEndian, "String"},
