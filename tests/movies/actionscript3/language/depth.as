@@ -1,4 +1,4 @@
-// movie: version="10" rate="20"
+// movie: version="17" rate="20"
 // Calls end somewhere, by whatever way they go deeper; that is an error like others, and calls go on after it.
 import flash.events.*;
 import flash.utils.*;
