@@ -55,11 +55,17 @@ var ways:Array = [
     "an array in itself", function():void { var list:Array = []; list.push(list); String(list); },
     "finally", function():void { var work:Function = function():void { try { work(); } finally { direct(0); } }; work(); }
 ];
-for (var i:int = 0; i < ways.length; i += 2) {
-    try {
-        ways[i + 1]();
-        trace(ways[i], "came back");
-    } catch (error:Error) {
-        trace(ways[i], error.errorID, [2, 1].sort(), direct.length);
+// One at a time: each has the time of a script.
+var timer:uint = setInterval(function():void {
+    if (ways.length == 0) {
+        clearInterval(timer);
+        return;
     }
-}
+    var name:String = ways.shift(), work:Function = ways.shift();
+    try {
+        work();
+        trace(name, "came back");
+    } catch (error:Error) {
+        trace(name, error.errorID, [2, 1].sort(), direct.length);
+    }
+}, 10);
