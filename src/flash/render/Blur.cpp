@@ -15,9 +15,15 @@ constexpr double kMaxExtent = 4096;
 
 // A box as whole pixels to either side of the middle one and the part, of 256, of the next one.
 struct Box {
+    // Extents are whole 32nds of a pixel, those between cut down.
+    static std::uint32_t partOf(double fraction)
+    {
+        constexpr int kSteps = 64;
+        constexpr double kSlack = 1e-9; // for what products leave of whole numbers
+        return static_cast<std::uint32_t>(fraction * kSteps + kSlack) * (256 / kSteps);
+    }
     explicit Box(double extent)
-        : whole(static_cast<int>((extent - 1) / 2)),
-          part(static_cast<std::uint32_t>(std::lround(((extent - 1) / 2 - whole) * 256))),
+        : whole(static_cast<int>((extent - 1) / 2)), part(partOf((extent - 1) / 2 - whole)),
           factor(1.0F / static_cast<float>(256 * (2 * whole + 1) + 2 * static_cast<int>(part)))
     {
     }
@@ -25,6 +31,9 @@ struct Box {
     std::uint32_t part;
     float factor; ///< one by the sum of all weights
 };
+
+// Means are cut, not rounded; what the product leaves of whole numbers must not count as less.
+constexpr float kSlack = 0.001F;
 
 // The bytes of a row from sums over whole pixels and the two neighbours that count in part.
 ZORVEX_VECTORIZE
@@ -34,7 +43,7 @@ void meanRow(std::uint8_t* to, const std::uint32_t* sums, const std::uint8_t* be
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint32_t sum = sums[i] * 256 + part * (std::uint32_t{before[i]} + after[i]);
         to[i] = static_cast<std::uint8_t>(
-            static_cast<std::int32_t>(static_cast<float>(static_cast<std::int32_t>(sum)) * factor + 0.5F));
+            static_cast<std::int32_t>(static_cast<float>(static_cast<std::int32_t>(sum)) * factor + kSlack));
     }
 }
 
@@ -78,7 +87,7 @@ void blurRows(const Plane& from, Plane& to, const Box& box)
                 sums[c] += padded[i + c + 2 * margin - kChannels] - before;
                 const std::uint32_t sum = sums[c] * 256 + box.part * (before + padded[i + c + 2 * margin]);
                 out[i + c] = static_cast<std::uint8_t>(
-                    static_cast<std::int32_t>(static_cast<float>(sum) * box.factor + 0.5F));
+                    static_cast<std::int32_t>(static_cast<float>(sum) * box.factor + kSlack));
             }
         }
     }

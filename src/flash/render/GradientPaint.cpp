@@ -95,6 +95,31 @@ void lookUp(const std::uint32_t* ramp, const std::int32_t* entries, std::size_t 
     for (; i < count; ++i) to[i] = ramp[entries[i]];
 }
 
+// Between entries: each has its colour in its middle.
+void lookUpBetween(const std::uint32_t* ramp, const float* positions, std::size_t count,
+                   swf::Gradient::Spread spread, std::uint32_t* to)
+{
+    constexpr std::int32_t kLast = kRampSize - 1, kTwice = 2 * kRampSize - 1;
+    const auto entry = [=](std::int32_t at) {
+        switch (spread) {
+        case swf::Gradient::Spread::Pad: break;
+        case swf::Gradient::Spread::Reflect: at &= kTwice; return std::min(at, kTwice - at);
+        case swf::Gradient::Spread::Repeat: return at & kLast;
+        }
+        return std::min(std::max(at, 0), kLast);
+    };
+    for (std::size_t i = 0; i < count; ++i) {
+        const float at = positions[i] - 0.5F, whole = std::floor(at);
+        const auto first = static_cast<std::int32_t>(whole);
+        const auto part = static_cast<std::uint32_t>((at - whole) * 256), rest = 256 - part;
+        const std::uint32_t from = ramp[entry(first)], next = ramp[entry(first + 1)];
+        const std::uint32_t low = ((from & 0x00FF00FF) * rest + (next & 0x00FF00FF) * part + 0x00800080) >> 8;
+        const std::uint32_t high =
+            (from >> 8 & 0x00FF00FF) * rest + (next >> 8 & 0x00FF00FF) * part + 0x00800080;
+        to[i] = (low & 0x00FF00FF) | (high & 0xFF00FF00);
+    }
+}
+
 // Where in a pixel a gradient is looked at, from its upper left corner.
 constexpr double kCentre = 0.5, kCorner = 0;
 // The genuine player's radial ones lie off by a hair and are too large by less, as its fixed-point numbers
@@ -111,7 +136,8 @@ public:
     GradientPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
                   GradientSample sample, double shift = 0)
         : m_ramp(ramp), m_spread(gradient.spread), m_fromDevice(fromDevice),
-          m_within(sample == GradientSample::Corner ? kCorner + shift : kCentre)
+          m_within(sample == GradientSample::Corner ? kCorner + shift : kCentre),
+          m_between(sample == GradientSample::Centre)
     {
         std::uint32_t all = ~0U;
         for (const std::uint32_t color : ramp) all &= color;
@@ -128,8 +154,12 @@ public:
             const std::size_t block = std::min(count, kBlock);
             const swf::Point start = m_fromDevice.map(x + m_within, y + m_within);
             place(start, wholeGroups(block), positions);
-            toEntries(positions, wholeGroups(block), m_spread, entries);
-            lookUp(m_ramp.data(), entries, block, to);
+            if (m_between) {
+                lookUpBetween(m_ramp.data(), positions, block, m_spread, to);
+            } else {
+                toEntries(positions, wholeGroups(block), m_spread, entries);
+                lookUp(m_ramp.data(), entries, block, to);
+            }
             to += block;
             x += static_cast<int>(block);
             count -= block;
@@ -141,12 +171,11 @@ protected:
     virtual void place(swf::Point start, std::size_t count, float* positions) const = 0;
     [[nodiscard]] std::uint32_t colorAt(int x, int y) const
     {
-        float positions[kGroup];
-        std::int32_t entries[kGroup];
-        place(m_fromDevice.map(x + m_within, y + m_within), kGroup, positions);
-        toEntries(positions, kGroup, m_spread, entries);
-        return m_ramp[static_cast<std::size_t>(entries[0])];
+        std::uint32_t color = 0;
+        fetch(x, y, 1, &color);
+        return color;
     }
+    [[nodiscard]] bool isBetween() const { return m_between; }
     [[nodiscard]] float stepX() const { return static_cast<float>(m_fromDevice.a); }
     [[nodiscard]] float stepY() const { return static_cast<float>(m_fromDevice.b); }
 
@@ -155,6 +184,7 @@ private:
     swf::Gradient::Spread m_spread;
     swf::Matrix m_fromDevice; ///< device pixels to the unit circle
     double m_within;          ///< where in a pixel it is looked at, from its corner
+    bool m_between;           ///< colours go over into each other between entries
     bool m_isOpaque = false;
 };
 
@@ -210,8 +240,11 @@ public:
 private:
     void place(swf::Point start, std::size_t count, float* positions) const override
     {
-        placeLinear(static_cast<float>((start.x + 1) * (kRampSize / 2)), stepX() * (kRampSize / 2), count,
-                    positions);
+        const auto first = static_cast<float>((start.x + 1) * (kRampSize / 2));
+        const float step = stepX() * (kRampSize / 2);
+        if (!isBetween()) return placeLinear(first, step, count, positions);
+        for (std::size_t i = 0; i < count; ++i)
+            positions[i] = std::clamp(first + step * static_cast<float>(i), -kMaxDistance, kMaxDistance);
     }
 };
 
