@@ -95,6 +95,12 @@ void Drawing::curveTo(swf::Point control, swf::Point to)
     m_pen = to;
 }
 
+void Drawing::fillByWinding()
+{
+    m_work.nonZeroWinding = true;
+    m_built.reset();
+}
+
 void Drawing::clear() { *this = Drawing(); }
 
 bool Drawing::isEmpty() const { return m_work.layers.empty(); }

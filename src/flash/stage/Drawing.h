@@ -16,6 +16,9 @@ public:
     void endFill();
     /// @param style nothing ends lines
     void lineStyle(std::optional<swf::LineStyle> style);
+    /// What a path goes around more than once, in one direction, is filled all the same: counts for the whole
+    /// drawing from now on.
+    void fillByWinding();
     void moveTo(swf::Point to);
     /// How far the box around lines goes beyond them: before version 8 by the whole width.
     enum class Reach { HalfWidth, Width };

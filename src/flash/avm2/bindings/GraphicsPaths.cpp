@@ -35,6 +35,11 @@ void checkWinding(Vm& vm, Value winding)
     const std::u16string_view text = vm.text(winding);
     if (text != u"evenOdd" && text != u"nonZero") notAccepted(vm, "winding");
 }
+/// The rule is the drawing's, not the path's: one path that asks for it changes those before.
+void fillBy(Vm& vm, GraphicsObject& graphics, Value winding)
+{
+    if (vm.text(winding) == u"nonZero") graphics.drawing().fillByWinding();
+}
 bool isCulling(Vm& vm, Value culling)
 {
     if (culling.isNullish()) return false;
@@ -80,7 +85,9 @@ void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
             cubicTo(pen, first, second, point());
             break;
         }
-        default: break;
+        case 0: break;
+        // One that there is not ends the path.
+        default: return graphics.changed();
         }
     }
     graphics.changed();
@@ -180,7 +187,8 @@ void triangles(Vm& vm, GraphicsObject& graphics, Value vertexList, Value indexLi
             if (hasUv) corners[k].uv = {uvs[uvStep * n], uvs[uvStep * n + 1]};
             if (hasUv && uvStep == 3) corners[k].depth = uvs[uvStep * n + 2];
         }
-        if (!known) continue;
+        // One with a corner that there is not ends them.
+        if (!known) break;
         const auto [a, b, c] = corners;
         const double turn = (b.at.x - a.at.x) * (c.at.y - a.at.y) - (b.at.y - a.at.y) * (c.at.x - a.at.x);
         if ((culling == u"positive" && turn > 0) || (culling == u"negative" && turn < 0)) continue;
@@ -236,6 +244,7 @@ void drawRecord(Vm& vm, GraphicsObject& graphics, Object& record)
     const std::u16string_view name = record.traits()->name.view();
     if (name == u"GraphicsPath") {
         checkWinding(vm, slot(record, 2));
+        fillBy(vm, graphics, slot(record, 2));
         return path(vm, graphics, slot(record, 0), slot(record, 1));
     }
     if (name == u"GraphicsTrianglePath")
@@ -361,7 +370,10 @@ constexpr NativeClass kClasses[] = {
 Value drawPath(Call& call)
 {
     auto& self = graphicsSelf(call);
-    if (call.has(2)) checkWinding(call.vm, call.arg(2));
+    if (call.has(2)) {
+        checkWinding(call.vm, call.arg(2));
+        fillBy(call.vm, self, call.arg(2));
+    }
     path(call.vm, self, call.arg(0), call.arg(1));
     return {};
 }
