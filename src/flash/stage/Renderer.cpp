@@ -14,7 +14,8 @@ namespace flash::stage
 
 void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor)
 {
-    if (!node.isVisible() || node.maskee()) return;
+    // A mask lets through by what it is made of, shown or not.
+    if ((!node.isVisible() && !m_canvas.buildsMask()) || node.maskee()) return;
     if (node.spacePlace()) {
         drawOutOfPlane(node, parentToDevice, parentColor * node.color());
         return;

@@ -59,6 +59,21 @@ bool Input::isDown(int keyCode) { return m_player.stage().keyboard().isDown(keyC
 
 // ---- what is under the pointer ----
 
+namespace
+{
+
+/// Whether a mask lets a point through. What of it is not shown masks as well.
+bool letsThrough(stage::Node& mask, swf::Point point, int depth = 0)
+{
+    constexpr int kDeepest = 64;
+    if (mask.hitsShape(point)) return true;
+    return depth < kDeepest && std::ranges::any_of(mask.children(), [&](const stage::NodePtr& child) {
+               return letsThrough(*child, point, depth + 1);
+           });
+}
+
+} // namespace
+
 /// The topmost object that wants the mouse at a point. What does not want it, or is none of its business (a
 /// shape), lets those below have it, and is a part of its parent when none does.
 Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& target, int depth)
@@ -66,7 +81,7 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
     stage::Node& node = object.node();
     if (depth > kMaxDepth || (!object.isStage && !node.isVisible()) || node.maskee() != nullptr)
         return Hit::None;
-    if (node.mask() != nullptr && !node.mask()->hitsShape(point)) return Hit::None;
+    if (node.mask() != nullptr && !letsThrough(*node.mask(), point)) return Hit::None;
     if (!isKind(object, kInteractive)) return node.hitsShape(point) ? Hit::Parent : Hit::None;
     const bool wants = flag(object, kInteractive, "mouseEnabled");
     const auto take = [&] {
@@ -87,6 +102,9 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         if (isField ? !isWithin(node.bounds(), node.toStageAt(point).inverted().map(point))
                     : !node.hitsShape(point))
             return Hit::None;
+        // Static text that was saved as a field stays a part of what it lies on, unless it can be marked.
+        const auto* field = isField ? static_cast<const stage::TextField*>(&node) : nullptr;
+        if (field != nullptr && field->definition().wasStatic && !field->selectable) return Hit::Parent;
         return wants ? take() : Hit::Parent;
     }
     if (node.scrollRect() && !object.isStage) {
