@@ -56,6 +56,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         textSnapshotLibrary(),
         accessibilityLibrary(),
         netStreamInfoLibrary(),
+        videoLibrary(),
         xmlNodeLibrary(),
         soundMixerLibrary(),
     };

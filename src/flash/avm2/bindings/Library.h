@@ -37,7 +37,8 @@ NativeLibrary socketLibrary();
 NativeLibrary sharedObjectLibrary();
 NativeLibrary accessibilityLibrary();
 NativeLibrary textSnapshotLibrary();
-NativeLibrary netStreamInfoLibrary();
+NativeLibrary videoLibrary();
+NativeLibrary netStreamInfoLibrary(); ///< and the devices that would feed streams
 NativeLibrary textFormatLibrary();
 NativeLibrary styleSheetLibrary();
 NativeLibrary textFieldLibrary();

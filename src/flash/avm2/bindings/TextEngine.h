@@ -136,6 +136,12 @@ public:
     ElementObject* group = nullptr;
     BlockObject* block = nullptr; ///< whose content it is
 };
+/// @throws 1034
+ElementObject& elementSelf(Call& call);
+/// Sets what all elements have. @param first of the arguments: format, mirror and rotation
+void constructElement(Call& call, std::uint32_t first);
+Value constructGroup(Call& call);
+std::span<const NativeMember> groupMembers();
 /// What stands for a picture in the text.
 constexpr char16_t kGraphicCharacter = 0xFDEF;
 
