@@ -125,10 +125,12 @@ void frmInfo::fillTexts(const media::MediaInfo& info, const QString& playTime)
     m_lblMetrix->setText(known.metrix);
 }
 
-void frmInfo::showEvent(QShowEvent* event)
+/// Making a thumbnail lets events through. Before the window stands they would leave it at the least size
+/// that a window has.
+void frmInfo::setVisible(bool visible)
 {
-    QDialog::showEvent(event);
-    if (m_loaded) return;
+    QDialog::setVisible(visible);
+    if (!visible || m_loaded) return;
     m_loaded = true;
     // A file that is gone has no picture to be made of it.
     if (!core::fileExists(m_thumbnail) && core::fileExists(m_path)) {

@@ -19,8 +19,9 @@ public:
     frmInfo(BrowserHost& host, core::Application& application, Thumbnails& thumbnails,
             const media::MediaInfo& info);
 
+    void setVisible(bool visible) override;
+
 protected:
-    void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
