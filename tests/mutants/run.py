@@ -34,6 +34,8 @@ OTHER_MOVIES = ("Movies_script4*:Movies_classes*:Movies_engine.*:Movies_engine_p
                 "Movies_library*:Movies_player*:Movies_bitmaps*:Movies_memory.instances")
 MOVIES = [("movie_tests", QUICK_MOVIES, "flashrun"), ("movie_tests", OTHER_MOVIES, "flashrun")]
 TESTS = {
+    "vm": [("flash_vm_tests", "*", None)],
+    "avm2": [("flash_avm2_tests", "*", None), ("movie_tests", "Movies_actionscript3*", "flashrun")],
     "avm1": [("flash_avm1_tests", "*", None), *MOVIES],
     "stage": [("flash_stage_tests", "*", None), *MOVIES],
     "render": [("flash_render_tests", "*", None), *MOVIES],
