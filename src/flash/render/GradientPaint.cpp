@@ -104,12 +104,15 @@ void lookUpBetween(const std::uint32_t* ramp, const float* positions, std::size_
         switch (spread) {
         case swf::Gradient::Spread::Pad: break;
         case swf::Gradient::Spread::Reflect: at &= kTwice; return std::min(at, kTwice - at);
-        case swf::Gradient::Spread::Repeat: return at & kLast;
+        case swf::Gradient::Spread::Repeat: break;
         }
         return std::min(std::max(at, 0), kLast);
     };
     for (std::size_t i = 0; i < count; ++i) {
-        const float at = positions[i] - 0.5F, whole = std::floor(at);
+        // Where a ramp begins anew its ends do not mix.
+        float position = positions[i];
+        if (spread == swf::Gradient::Spread::Repeat) position -= kRampSize * std::floor(position / kRampSize);
+        const float at = position - 0.5F, whole = std::floor(at);
         const auto first = static_cast<std::int32_t>(whole);
         const auto part = static_cast<std::uint32_t>((at - whole) * 256), rest = 256 - part;
         const std::uint32_t from = ramp[entry(first)], next = ramp[entry(first + 1)];
