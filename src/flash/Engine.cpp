@@ -5,6 +5,7 @@
 #include "base/TextCodeGuess.h"
 #include "flash/InnerMovie.h"
 #include "flash/MovieLoader.h"
+#include "flash/SoundReader.h"
 #include "flash/avm1/bindings/StageBinding.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/guard/Guard.h"
@@ -83,25 +84,6 @@ render::Quality toRender(stage::Quality quality)
     case stage::Quality::Best: return render::Quality::Best;
     }
     return render::Quality::High;
-}
-
-/// Scripts take a sound apart at their own pace.
-avm2::SoundReader readerOf(const stage::MoviePtr& movie, const swf::Sound* symbol,
-                           const std::shared_ptr<const std::vector<std::uint8_t>>& file)
-{
-    std::shared_ptr<sound::SampleSource> source =
-        symbol != nullptr ? sound::openSound(movie, *symbol) : sound::openSoundFile(file);
-    if (source == nullptr) return {};
-    return [source](std::optional<std::uint64_t> from, std::span<std::array<std::int16_t, 2>> out) {
-        if (from) {
-            source->rewind();
-            source->seek(*from);
-        }
-        std::vector<sound::StereoFrame> frames(out.size());
-        const std::size_t count = source->read(frames);
-        for (std::size_t i = 0; i < count; ++i) out[i] = {frames[i].left, frames[i].right};
-        return count;
-    };
 }
 
 } // namespace
@@ -199,7 +181,7 @@ public:
                 return sound.playQueue(std::move(queue));
             };
             inputs.soundPeaks = [this](stage::SoundId id) { return sound.mixer().peaks(id); };
-            inputs.readSound = &readerOf;
+            inputs.readSound = &soundReader;
             script3 = std::make_unique<avm2::Player>(services, std::move(inputs));
             if (options.collectAlways) script3->vm().collectAlways();
             stage = std::make_unique<stage::Stage>(services, script3.get());

@@ -86,4 +86,79 @@ Type typeOfSlot(Vm& vm, const Traits& traits, std::uint32_t slot)
     }
 }
 
+Type resultTypeOf(Vm& vm, abc::Op op)
+{
+    using abc::Op;
+    using Kind = Type::Kind;
+    switch (op) {
+    case Op::pushbyte:
+    case Op::pushshort:
+    case Op::pushint:
+    case Op::convert_i:
+    case Op::coerce_i:
+    case Op::add_i:
+    case Op::subtract_i:
+    case Op::multiply_i:
+    case Op::negate_i:
+    case Op::increment_i:
+    case Op::decrement_i:
+    case Op::bitnot:
+    case Op::bitand_:
+    case Op::bitor_:
+    case Op::bitxor:
+    case Op::lshift:
+    case Op::rshift:
+    case Op::li8:
+    case Op::li16:
+    case Op::li32:
+    case Op::sxi1:
+    case Op::sxi8:
+    case Op::sxi16:
+    case Op::hasnext: return Type::of(Kind::Int);
+    case Op::pushuint:
+    case Op::convert_u:
+    case Op::coerce_u:
+    case Op::urshift: return Type::of(Kind::Uint);
+    case Op::pushdouble:
+    case Op::pushnan:
+    case Op::convert_d:
+    case Op::coerce_d:
+    case Op::subtract:
+    case Op::multiply:
+    case Op::divide:
+    case Op::modulo:
+    case Op::negate:
+    case Op::increment:
+    case Op::decrement:
+    case Op::lf32:
+    case Op::lf64: return Type::of(Kind::Number);
+    case Op::pushtrue:
+    case Op::pushfalse:
+    case Op::convert_b:
+    case Op::coerce_b:
+    case Op::not_:
+    case Op::equals:
+    case Op::strictequals:
+    case Op::lessthan:
+    case Op::lessequals:
+    case Op::greaterthan:
+    case Op::greaterequals:
+    case Op::instanceof_:
+    case Op::istypelate:
+    case Op::in:
+    case Op::deleteproperty: return Type::of(Kind::Boolean);
+    case Op::pushstring:
+    case Op::convert_s:
+    case Op::coerce_s:
+    case Op::typeof_:
+    case Op::esc_xattr:
+    case Op::esc_xelem: return Type::of(Kind::String);
+    case Op::pushnull: return Type::of(Kind::Null);
+    case Op::pushundefined: return Type::of(Kind::Undefined);
+    case Op::newarray: return Type::instance(vm.classes().array->instances, true);
+    case Op::newfunction: return Type::instance(vm.classes().function->instances, true);
+    default: return {};
+    }
+}
+
 } // namespace flash::avm2

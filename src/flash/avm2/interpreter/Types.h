@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/avm2/abc/Opcodes.h"
 #include "flash/avm2/interpreter/Object.h"
 
 namespace flash::avm2
@@ -33,5 +34,7 @@ Type typeOfTraits(Traits* traits);
 Traits* settledType(Vm& vm, Unit& unit, std::uint32_t multiname, bool& known);
 /// Of a slot, for those that read it.
 Type typeOfSlot(Vm& vm, const Traits& traits, std::uint32_t slot);
+/// Of what an instruction leaves on the stack, where its code alone tells.
+Type resultTypeOf(Vm& vm, abc::Op op);
 
 } // namespace flash::avm2
