@@ -2,6 +2,7 @@
 #include "flash/render/CanvasImpl.h"
 #include "flash/render/Compose.h"
 #include "flash/render/Pixel.h"
+#include "flash/render/ShaderRun.h"
 
 #include <algorithm>
 #include <array>
@@ -131,6 +132,10 @@ StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matri
     }
     case swf::FillStyle::Kind::Bitmap:
         if (fill.bitmap == nullptr) break;
+        if (const ShaderBinding* shader = shaderOf(fill.bitmap)) {
+            style.paint = makeShaderPaint(*shader, toDevice * fill.matrix, color);
+            break;
+        }
         style.paint =
             makeBitmapPaint(pixelSource(*fill.bitmap), toDevice * fill.matrix,
                             fill.repeat ? Edges::Repeat : Edges::Clamp, smoothingOf(fill.smooth), color);

@@ -4,6 +4,7 @@
 #include "flash/render/Blur.h"
 #include "flash/render/Displacement.h"
 #include "flash/render/Pixel.h"
+#include "flash/render/ShaderRun.h"
 #include "flash/render/ShadowFilters.h"
 
 #include <algorithm>
@@ -18,6 +19,7 @@ namespace
 
 void apply(const swf::DisplacementMapFilter& filter, SurfaceView surface, double scale)
 {
+    if (const ShaderBinding* shader = shaderOf(filter.map)) return applyShader(*shader, surface, scale);
     displace(filter, surface, scale);
 }
 
@@ -180,7 +182,11 @@ Growth growthOf(const swf::ConvolutionFilter& f, double)
 }
 Growth growthOf(const swf::ColorMatrixFilter&, double) { return {}; }
 // What is moved beyond the edges is lost.
-Growth growthOf(const swf::DisplacementMapFilter&, double) { return {}; }
+Growth growthOf(const swf::DisplacementMapFilter& f, double scale)
+{
+    const ShaderBinding* shader = shaderOf(f.map);
+    return shader != nullptr ? shaderGrowth(*shader, scale) : Growth{};
+}
 
 } // namespace
 

@@ -6,6 +6,7 @@
 #include "flash/render/BitmapOps.h"
 #include "flash/render/Canvas.h"
 #include "flash/render/Filters.h"
+#include "flash/render/ShaderRun.h"
 #include "flash/stage/Renderer.h"
 
 #include <algorithm>
@@ -47,6 +48,12 @@ int channelArg(Call& call, std::uint32_t index) { return call.vm.toInt(call.arg(
 bool isSolid(const swf::Bitmap& b, int x, int y, std::uint32_t limit)
 {
     return x >= 0 && y >= 0 && x < b.width && y < b.height && (render::pixelAt(b, x, y) >> 24U) >= limit;
+}
+
+bool isShader(const swf::Filter& filter)
+{
+    const auto* displacement = std::get_if<swf::DisplacementMapFilter>(&filter);
+    return displacement != nullptr && render::shaderOf(displacement->map) != nullptr;
 }
 
 Value drawWith(Call& call, render::Quality quality)
@@ -127,13 +134,15 @@ Value bitmapDrawWithQuality(Call& call)
 
 Value bitmapApplyFilter(Call& call)
 {
-    const Copy copy = copyArgs(call);
+    Copy copy = copyArgs(call);
     const auto filter = filterOf(call.vm, call.arg(3));
     if (!filter) {
         if (call.arg(3).isNullish())
             call.vm.throwError(ErrorClass::Type, 2007, "Parameter filter must be non-null.");
         return {};
     }
+    // A kernel is given the whole picture, whatever part was named.
+    if (isShader(*filter)) copy.from = render::boundsOf(*copy.source);
     // Filtered on a sheet with room for what the filter adds, then laid in place as a whole.
     const render::IntRect from = render::intersect(copy.from, render::boundsOf(*copy.source));
     if (from.isEmpty()) return {};
@@ -153,10 +162,11 @@ Value bitmapApplyFilter(Call& call)
 }
 Value bitmapFilterRect(Call& call)
 {
-    picture(call);
-    const render::IntRect rect = pixelsOf(objectArg(call, 0, kRectangle, "sourceRect"));
+    const auto bitmap = picture(call);
+    render::IntRect rect = pixelsOf(objectArg(call, 0, kRectangle, "sourceRect"));
     const auto filter = filterOf(call.vm, call.arg(1));
     if (!filter) call.vm.throwError(ErrorClass::Type, 2007, "Parameter filter must be non-null.");
+    if (isShader(*filter)) rect = render::boundsOf(*bitmap);
     const render::IntRect r = render::grown(rect, render::filterGrowth(*filter));
     return newRectangle(call.vm, r.left, r.top, r.width(), r.height());
 }

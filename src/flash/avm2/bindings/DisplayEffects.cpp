@@ -12,13 +12,19 @@ namespace flash::avm2::effects
 namespace
 {
 
+Object* copied(Vm& vm, Object& filter, std::string_view cls)
+{
+    Object* made = vm.instantiate(vm.nativeClass(cls));
+    for (std::uint32_t i = 0; i < made->slotCount() && i < filter.slotCount(); ++i)
+        made->setSlot(i, filter.slot(i));
+    return made;
+}
+
 /// A copy, as the player keeps its numbers.
 Value displacement(Vm& vm, Object& filter)
 {
-    Object* made = vm.instantiate(vm.nativeClass("flash.filters::DisplacementMapFilter"));
+    Object* made = copied(vm, filter, "flash.filters::DisplacementMapFilter");
     constexpr std::uint32_t kMapPoint = 1, kScaleX = 4, kScaleY = 5;
-    for (std::uint32_t i = 0; i < made->slotCount() && i < filter.slotCount(); ++i)
-        made->setSlot(i, filter.slot(i));
     if (Object* point = made->slot(kMapPoint).asObject(); point != nullptr) {
         const swf::Point at = pointOf(*point);
         made->setSlot(kMapPoint, newPoint(vm, std::trunc(at.x), std::trunc(at.y)));
@@ -58,15 +64,17 @@ Value filters(Call& call)
     for (std::size_t i = 0; i < kept.size(); ++i) list->push(call.vm, call.vm.callPublic(kept[i], "clone"));
     return Value(list);
 }
-/// Scripts find the map of a displacement again, and not another one that looks the same: the chain is kept
-/// as they have set it.
+/// Scripts find the map of a displacement and the kernel of a shader again, and not another one that looks
+/// the same: the chain is kept as they have set it.
 Value setFilters(Call& call)
 {
     Vm& vm = call.vm;
     std::vector<swf::Filter> filters;
     RootedList<Value> kept(vm.heap());
     bool keeps = false;
+    constexpr std::string_view kShader = "flash.filters::ShaderFilter";
     const Traits* mapped = vm.nativeClass("flash.filters::DisplacementMapFilter")->instances;
+    const Traits* shaded = vm.nativeClass(kShader)->instances;
     auto* list = as<ArrayObject>(vm.coerce(call.arg(0), vm.classes().array->instances));
     for (std::uint32_t i = 0; list != nullptr && i < list->length(); ++i) {
         const Value value = list->at(vm, i);
@@ -76,8 +84,11 @@ Value setFilters(Call& call)
                           "Parameter 0 is of the incorrect type. Should be type Filter.");
         filters.push_back(*filter);
         const bool isMapped = value.object()->traits()->isA(mapped);
-        keeps = keeps || isMapped;
-        kept.push_back(isMapped ? displacement(vm, *value.object()) : newFilter(vm, *filter));
+        const bool isShader = value.object()->traits()->isA(shaded);
+        keeps = keeps || isMapped || isShader;
+        kept.push_back(isMapped   ? displacement(vm, *value.object())
+                       : isShader ? Value(copied(vm, *value.object(), kShader))
+                                  : newFilter(vm, *filter));
     }
     auto& object = displaySelf(call);
     object.filterValues.clear();

@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Graphics.h"
+#include "flash/avm2/bindings/Shaders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -231,6 +232,7 @@ std::optional<swf::Filter> filterOf(Vm& vm, Value value)
         return result;
     }
     if (name == u"DisplacementMapFilter") return displacementFilter(vm, f);
+    if (name == u"ShaderFilter") return shaderFilterOf(vm, f);
     return {};
 }
 

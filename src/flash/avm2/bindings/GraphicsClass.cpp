@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Graphics.h"
+#include "flash/avm2/bindings/Shaders.h"
 #include "flash/avm2/classes/Library.h"
 
 #include <algorithm>
@@ -224,7 +225,10 @@ Value beginBitmapFill(Call& call)
 }
 Value beginShaderFill(Call& call)
 {
-    openFill(graphicsSelf(call), {});
+    auto& self = graphicsSelf(call);
+    if (call.arg(0).isNullish())
+        call.vm.throwError(ErrorClass::Type, 2007, "Parameter shader must be non-null.");
+    openFill(self, shaderFillOf(call.vm, call.arg(0), call.arg(1)));
     return {};
 }
 
@@ -256,7 +260,11 @@ Value lineBitmapStyle(Call& call)
                              !call.has(2) || call.vm.toBoolean(call.arg(2)), call.vm.toBoolean(call.arg(3))));
     return {};
 }
-Value ignore(Call&) { return {}; }
+Value lineShaderStyle(Call& call)
+{
+    setLineFill(graphicsSelf(call), shaderFillOf(call.vm, call.arg(0), call.arg(1)));
+    return {};
+}
 
 Value moveTo(Call& call)
 {
@@ -392,7 +400,7 @@ constexpr NativeMember kGraphics[] = {
     {"lineStyle", Kind::Method, &lineStyle, 0, 8},
     {"lineGradientStyle", Kind::Method, &lineGradientStyle, 4, 8},
     {"lineBitmapStyle", Kind::Method, &lineBitmapStyle, 1, 4},
-    {"lineShaderStyle", Kind::Method, &ignore, 1, 2},
+    {"lineShaderStyle", Kind::Method, &lineShaderStyle, 1, 2},
     {"moveTo", Kind::Method, &moveTo, 2, 2},
     {"lineTo", Kind::Method, &lineTo, 2, 2},
     {"curveTo", Kind::Method, &curveTo, 4, 4},

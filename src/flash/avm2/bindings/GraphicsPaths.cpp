@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Graphics.h"
+#include "flash/avm2/bindings/Shaders.h"
 #include "flash/avm2/classes/Library.h"
 
 #include <algorithm>
@@ -236,6 +237,7 @@ std::optional<swf::FillStyle> fillOf(Vm& vm, Object& record)
     if (name == u"GraphicsBitmapFill" && as<BitmapDataObject>(slot(record, 0)) != nullptr)
         return bitmapFillOf(vm, slot(record, 0), slot(record, 1), vm.toBoolean(slot(record, 2)),
                             vm.toBoolean(slot(record, 3)));
+    if (name == u"GraphicsShaderFill") return shaderFillOf(vm, slot(record, 0), slot(record, 1));
     return {};
 }
 

@@ -59,6 +59,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         videoLibrary(),
         xmlNodeLibrary(),
         soundMixerLibrary(),
+        shaderLibrary(),
     };
     return kLibraries;
 }

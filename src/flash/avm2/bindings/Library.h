@@ -46,7 +46,8 @@ NativeLibrary textEngineLibrary(); ///< flash.text.engine
 NativeLibrary xmlNodeLibrary();    ///< flash.xml
 NativeLibrary soundLibrary();
 NativeLibrary soundMixerLibrary();
-NativeLibrary fontLibrary();      ///< and the lists of constants around texts
+NativeLibrary fontLibrary(); ///< and the lists of constants around texts
+NativeLibrary shaderLibrary();
 NativeLibrary clipboardLibrary(); ///< flash.desktop, and what else belongs to the desktop
 NativeLibrary fileLibrary();      ///< files that a user would choose
 

@@ -119,6 +119,8 @@ constexpr NativeClass kClasses[] = {
     filter("GradientBevelFilter",
            "distance:Number=4 angle:Number=45 colors:* alphas:* ratios:* blurX:Number=4 blurY:Number=4 "
            "strength:Number=1 quality:int=1 type:String=inner knockout:Boolean"),
+    filter("ShaderFilter",
+           "shader:* leftExtension:int topExtension:int rightExtension:int bottomExtension:int"),
     {.package = "flash.display",
      .name = "FrameLabel",
      .base = "flash.events::EventDispatcher",
