@@ -34,6 +34,11 @@ bool isComparison(ShaderOp op)
 }
 bool isMatrixProduct(ShaderOp op) { return op >= ShaderOp::MatrixByMatrix && op <= ShaderOp::MatrixByVector; }
 
+bool isFlow(ShaderOp op)
+{
+    return op == ShaderOp::If || op == ShaderOp::Else || op == ShaderOp::EndIf || op == ShaderOp::Nop;
+}
+
 class Parser
 {
 public:
@@ -179,7 +184,7 @@ private:
         for (std::uint8_t i = 0; i < 4; ++i)
             if ((mask & 0x80U >> i) != 0) made.target.channels[made.written++] = i;
         made.read = static_cast<std::uint8_t>((mask & 3U) + 1);
-        const unsigned matrix = mask >> 2U & 3U;
+        const unsigned matrix = isFlow(op) ? 0 : mask >> 2U & 3U;
         const auto side = static_cast<std::uint8_t>(matrix == 0 ? 0 : matrix + 1);
         const std::uint32_t columns = side > 2 ? side : 1U;
         made.target.isWhole = (target & kWholeBit) != 0;
@@ -214,6 +219,7 @@ private:
         if (op == ShaderOp::If && !made.source.isWhole) return malformed("a condition that is none");
         CHECK_RESULT(nest(op));
         if (side != 0) return matrixStep(made, side);
+        if (isMatrixProduct(op)) return malformed("a product without a matrix");
         if (const bool same = made.source.isWhole == made.target.isWhole; !same && !convertsKind(op))
             return malformed("registers of different kinds");
         // The first channel takes what is one number.
@@ -224,8 +230,7 @@ private:
     static bool convertsKind(ShaderOp op)
     {
         return op == ShaderOp::FloatToInt || op == ShaderOp::IntToFloat || op == ShaderOp::FloatToBool ||
-               op == ShaderOp::BoolToFloat || op == ShaderOp::If || op == ShaderOp::Else ||
-               op == ShaderOp::EndIf || op == ShaderOp::Nop;
+               op == ShaderOp::BoolToFloat || isFlow(op);
     }
     Result<void> nest(ShaderOp op)
     {

@@ -62,6 +62,9 @@ int floorOf(float value)
 Texel sampleLinear(const ShaderImage& image, float px, float py)
 {
     const float x = px - 0.5F, y = py - 0.5F;
+    const bool isNear =
+        x > -1 && y > -1 && x < static_cast<float>(image.width) && y < static_cast<float>(image.height);
+    if (!isNear) return {}; // no numbers, too
     const int left = floorOf(x), top = floorOf(y);
     const float u = x - static_cast<float>(left), v = y - static_cast<float>(top);
     const Texel a = texelAt(image, left, top), b = texelAt(image, left + 1, top),

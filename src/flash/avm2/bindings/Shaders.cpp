@@ -6,6 +6,7 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/ByteArray.h"
+#include "flash/guard/Guard.h"
 #include "flash/render/ShaderRun.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ namespace
 {
 
 /// More numbers than this no job puts out.
-constexpr std::size_t kMaxNumbers = std::size_t{1} << 24U;
+constexpr std::size_t kMaxNumbers = guard::kMaxElements;
 constexpr std::string_view kTypeNames[] = {
     "",     "float", "float2", "float3", "float4", "matrix2x2", "matrix3x3", "matrix4x4", "int",
     "int2", "int3",  "int4",   "string", "bool",   "bool2",     "bool3",     "bool4"};
@@ -68,6 +69,7 @@ public:
     void trace(Tracer& tracer) override
     {
         Object::trace(tracer);
+        if (program) tracer.outside(program->steps.size() * sizeof(render::ShaderStep));
         for (ShaderInputObject* input : inputs) tracer(input);
         for (ShaderParameterObject* parameter : parameters) tracer(parameter);
     }
@@ -291,7 +293,8 @@ render::ShaderImage imageOf(Vm& vm, const ShaderInputObject& input, const std::s
     }
     const auto* bytes = as<ByteArrayObject>(input.input);
     const auto* vector = as<VectorObject>(input.input);
-    if (bytes == nullptr && vector == nullptr) badInput(vm, 2164, name);
+    const bool isNumbers = vector != nullptr && vector->elementType() == vm.classes().number->instances;
+    if (bytes == nullptr && !isNumbers) badInput(vm, 2164, name);
     if (input.width <= 0 || input.height <= 0) badInput(vm, 2166, name);
     image.width = input.width;
     image.height = input.height;
@@ -361,8 +364,9 @@ Value constructJob(Call& call)
 
 void paint(Vm& vm, ShaderJobObject& job, const BitmapDataObject& target)
 {
-    const auto bitmap = picture(vm, target);
+    // Values of parameters may be scripts' own, which run here; what they leave of the target is asked after.
     const auto binding = bindColors(vm, job.shader, FirstImage::Given);
+    const auto bitmap = picture(vm, target);
     // The target may be what the kernel reads.
     std::vector<std::uint32_t> made(bitmap->pixels.size());
     render::ShaderRun run(*binding);
