@@ -4,6 +4,7 @@
 #include "flash/render/Compose.h"
 #include "flash/render/Filters.h"
 #include "flash/render/Pixel.h"
+#include "flash/render/ShaderRun.h"
 
 #include <algorithm>
 #include <cassert>
@@ -11,6 +12,24 @@
 // Masks and layers: what is open, and what becomes of it when it ends.
 namespace flash::render
 {
+namespace
+{
+
+// What was opaque stays so.
+void replaceRow(std::uint32_t* to, const std::uint32_t* from, const std::uint8_t* mask, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t opaque = alphaOf(to[i]) == 255 ? 0xFF000000U : 0;
+        const std::uint32_t share = mask == nullptr ? 255 : mask[i];
+        std::uint32_t mixed = 0;
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            mixed |= ((from[i] >> shift & 255U) * share + (to[i] >> shift & 255U) * (255 - share) + 127) / 255
+                     << shift;
+        to[i] = mixed | opaque;
+    }
+}
+
+} // namespace
 
 Canvas::Impl::Impl(SurfaceView target, Quality quality, RenderCache& cache)
     : m_target{target, 0, 0}, m_quality(quality), m_cache(cache), m_clip(target.bounds()),
@@ -101,9 +120,25 @@ void Canvas::Impl::endLayer(swf::BlendMode blend, const swf::ColorTransform& col
     applyFilters(filters, frame.surface.view(), m_pixelScale);
     const Destination to = destination();
     const IntRect area = intersect(to.clip, frame.bounds);
+    const auto count = static_cast<std::size_t>(area.width());
+    const auto layerRow = [&](int y) {
+        return frame.surface.row(y - frame.bounds.top) + (area.left - frame.bounds.left);
+    };
+    if (const ShaderBinding* shader = blendShaderOf(filters)) {
+        Surface below(frame.bounds.width(), frame.bounds.height());
+        for (int y = area.top; y < area.bottom; ++y) {
+            if (!color.isIdentity()) transformPixels(layerRow(y), count, color);
+            std::copy_n(to.target.at(area.left, y), count,
+                        below.row(y - frame.bounds.top) + (area.left - frame.bounds.left));
+        }
+        blendByShader(*shader, frame.surface.view(), below.view(), m_pixelScale);
+        for (int y = area.top; y < area.bottom; ++y)
+            replaceRow(to.target.at(area.left, y), layerRow(y),
+                       to.mask == nullptr ? nullptr : to.mask->at(area.left, y), count);
+        return;
+    }
     for (int y = area.top; y < area.bottom; ++y) {
-        std::uint32_t* from = frame.surface.row(y - frame.bounds.top) + (area.left - frame.bounds.left);
-        const auto count = static_cast<std::size_t>(area.width());
+        std::uint32_t* from = layerRow(y);
         if (!color.isIdentity()) transformPixels(from, count, color);
         blendRow(blend, to.target.at(area.left, y), from,
                  to.mask == nullptr ? nullptr : to.mask->at(area.left, y), count);

@@ -19,7 +19,10 @@ namespace
 
 void apply(const swf::DisplacementMapFilter& filter, SurfaceView surface, double scale)
 {
-    if (const ShaderBinding* shader = shaderOf(filter.map)) return applyShader(*shader, surface, scale);
+    if (const ShaderBinding* shader = shaderOf(filter.map)) {
+        if (!shader->blends) applyShader(*shader, surface, scale);
+        return;
+    }
     displace(filter, surface, scale);
 }
 

@@ -605,4 +605,32 @@ void applyShader(const ShaderBinding& given, SurfaceView surface, double scale)
                 static_cast<std::size_t>(surface.width), surface.row(y));
 }
 
+const ShaderBinding* blendShaderOf(std::span<const swf::Filter> filters)
+{
+    const auto* last = filters.empty() ? nullptr : std::get_if<swf::DisplacementMapFilter>(&filters.back());
+    const ShaderBinding* binding = last != nullptr ? shaderOf(last->map) : nullptr;
+    return binding != nullptr && binding->blends ? binding : nullptr;
+}
+
+void blendByShader(const ShaderBinding& given, SurfaceView layer, SurfaceView below, double scale)
+{
+    if (!(scale > 0)) return;
+    ShaderBinding binding = given;
+    binding.images.resize(std::max<std::size_t>(binding.images.size(), 2));
+    Surface above(layer.width, layer.height);
+    for (int y = 0; y < layer.height; ++y) std::copy_n(layer.row(y), layer.width, above.row(y));
+    for (ShaderImage* image : {&binding.images[0], &binding.images[1]}) {
+        *image = {};
+        image->width = layer.width;
+        image->height = layer.height;
+        image->scale = static_cast<float>(scale);
+    }
+    binding.images[0].surface = below;
+    binding.images[1].surface = above.view();
+    ShaderRun run(binding);
+    for (int y = 0; y < layer.height; ++y)
+        run.row({0.5 / scale, (y + 0.5) / scale}, {1 / scale, 0}, static_cast<std::size_t>(layer.width),
+                layer.row(y));
+}
+
 } // namespace flash::render

@@ -27,6 +27,7 @@ struct ShaderBinding {
     std::vector<ShaderImage> images;            ///< by the index of their texture
     std::vector<std::vector<double>> arguments; ///< of each parameter; numbers that are missing are 0
     Growth margins;                             ///< of a filter, pixels of the stage
+    bool blends = false; ///< at the end of a chain of filters: how the result is laid over what is below
 };
 
 /// Computes pixels of one kernel. Keeps its registers from row to row.
@@ -62,5 +63,11 @@ std::unique_ptr<Paint> makeShaderPaint(const ShaderBinding& binding, const swf::
 Growth shaderGrowth(const ShaderBinding& binding, double scale);
 /// Filters in place: the surface is the kernel's first image.
 void applyShader(const ShaderBinding& binding, SurfaceView surface, double scale);
+
+/// @returns null for a chain that does not end in a kernel that blends
+const ShaderBinding* blendShaderOf(std::span<const swf::Filter> filters);
+/// Replaces a layer by what the kernel makes of its two images: what is below, and the layer.
+/// @param below as large as the layer
+void blendByShader(const ShaderBinding& binding, SurfaceView layer, SurfaceView below, double scale);
 
 } // namespace flash::render

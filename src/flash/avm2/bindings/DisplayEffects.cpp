@@ -3,6 +3,8 @@
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/bindings/Shaders.h"
+#include "flash/render/ShaderRun.h"
 
 #include <cmath>
 
@@ -38,7 +40,25 @@ Value displacement(Vm& vm, Object& filter)
 
 } // namespace
 
-Value blendMode(Call& call) { return call.vm.string(blendModeName(displaySelf(call).node().blend())); }
+Value blendMode(Call& call)
+{
+    const stage::Node& node = displaySelf(call).node();
+    return call.vm.string(render::blendShaderOf(node.filters()) != nullptr ? "shader"
+                                                                           : blendModeName(node.blend()));
+}
+Value setBlendShader(Call& call)
+{
+    Object* shader = optionalArg(call, 0, "flash.display::Shader");
+    stage::Node& node = displaySelf(call).node();
+    std::vector<swf::Filter> filters = node.filters();
+    if (render::blendShaderOf(filters) != nullptr) filters.pop_back();
+    if (shader != nullptr) {
+        filters.push_back(shaderBlendOf(call.vm, Value(shader)));
+        node.setBlend(swf::BlendMode::Normal);
+    }
+    node.setFilters(std::move(filters));
+    return {};
+}
 Value setBlendMode(Call& call)
 {
     if (call.arg(0).isNullish())
@@ -48,7 +68,13 @@ Value setBlendMode(Call& call)
     if (!mode && name != u"shader")
         call.vm.throwError(ErrorClass::Argument, 2008,
                            "Parameter blendMode must be one of the accepted values.");
-    displaySelf(call).node().setBlend(mode.value_or(swf::BlendMode::Normal));
+    stage::Node& node = displaySelf(call).node();
+    node.setBlend(mode.value_or(swf::BlendMode::Normal));
+    if (mode && render::blendShaderOf(node.filters()) != nullptr) {
+        std::vector<swf::Filter> filters = node.filters();
+        filters.pop_back();
+        node.setFilters(std::move(filters));
+    }
     return {};
 }
 Value filters(Call& call)
@@ -56,8 +82,9 @@ Value filters(Call& call)
     auto& object = displaySelf(call);
     auto* list = static_cast<ArrayObject*>(call.vm.newArray());
     if (object.filterValues.empty()) {
-        for (const swf::Filter& filter : object.node().filters())
-            list->push(call.vm, newFilter(call.vm, filter));
+        std::span<const swf::Filter> own = object.node().filters();
+        if (render::blendShaderOf(own) != nullptr) own = own.first(own.size() - 1);
+        for (const swf::Filter& filter : own) list->push(call.vm, newFilter(call.vm, filter));
         return Value(list);
     }
     RootedList<Value> kept(call.vm.heap(), object.filterValues.begin(), object.filterValues.end());
@@ -93,6 +120,8 @@ Value setFilters(Call& call)
     auto& object = displaySelf(call);
     object.filterValues.clear();
     if (keeps) object.filterValues.assign(kept->begin(), kept->end());
+    const auto& before = object.node().filters();
+    if (render::blendShaderOf(before) != nullptr) filters.push_back(before.back());
     object.node().setFilters(std::move(filters));
     return {};
 }

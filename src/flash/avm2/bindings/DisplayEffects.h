@@ -8,6 +8,8 @@ namespace flash::avm2::effects
 
 Value blendMode(Call& call);
 Value setBlendMode(Call& call);
+/// A kernel that blends is written only; what reads the mode finds "shader".
+Value setBlendShader(Call& call);
 Value filters(Call& call);
 Value setFilters(Call& call);
 

@@ -366,6 +366,7 @@ constexpr NativeMember kDisplay[] = {
     {"loaderInfo", Kind::Getter, &loaderInfo, 0, 0, nullptr, "flash.display::LoaderInfo"},
     {"mask", Kind::Getter, &mask, 0, 0, &setMask, "flash.display::DisplayObject"},
     {"blendMode", Kind::Getter, &effects::blendMode, 0, 0, &effects::setBlendMode, "String"},
+    {"blendShader", Kind::Getter, nullptr, 0, 0, &effects::setBlendShader, "flash.display::Shader"},
     {"filters", Kind::Getter, &effects::filters, 0, 0, &effects::setFilters, "Array"},
     {"cacheAsBitmap", Kind::Getter, &cacheAsBitmap, 0, 0, &setCacheAsBitmap, "Boolean"},
     {"opaqueBackground", Kind::Getter, &opaqueBackground, 0, 0, &setOpaqueBackground, "Object"},
@@ -387,7 +388,7 @@ constexpr NativeMember kDisplay[] = {
     {"hitTestPoint", Kind::Method, &hitTestPoint, 2, 3},
 };
 /// What nothing here acts on.
-constexpr std::string_view kDisplaySlots = "accessibilityProperties:* metaData:Object blendShader:*";
+constexpr std::string_view kDisplaySlots = "accessibilityProperties:* metaData:Object";
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
      .name = "DisplayObject",

@@ -312,8 +312,9 @@ render::ShaderImage imageOf(Vm& vm, const ShaderInputObject& input, const std::s
     return image;
 }
 
-enum class FirstImage : std::uint8_t { Given, Implied };
-std::shared_ptr<const render::ShaderBinding> bind(Vm& vm, Value shader, FirstImage first,
+/// How many images the place where a kernel is used gives it, before those of the script.
+enum class Implied : std::uint8_t { None, Filtered, BelowAndAbove };
+std::shared_ptr<const render::ShaderBinding> bind(Vm& vm, Value shader, Implied implied,
                                                   const render::Growth& margins = {})
 {
     const auto* held = as<ShaderObject>(shader);
@@ -328,7 +329,7 @@ std::shared_ptr<const render::ShaderBinding> bind(Vm& vm, Value shader, FirstIma
         const ShaderInputObject& input = *data->inputs[i];
         const auto index = static_cast<std::size_t>(input.index);
         if (made->images.size() <= index) made->images.resize(index + 1);
-        if (index == 0 && first == FirstImage::Implied) continue;
+        if (index < static_cast<std::size_t>(implied)) continue;
         made->images[index] = imageOf(vm, input, made->program->textures[i].name);
     }
     made->arguments.resize(made->program->parameters.size());
@@ -339,10 +340,10 @@ std::shared_ptr<const render::ShaderBinding> bind(Vm& vm, Value shader, FirstIma
     return made;
 }
 /// Of a kernel whose colours are shown.
-std::shared_ptr<const render::ShaderBinding> bindColors(Vm& vm, Value shader, FirstImage first,
+std::shared_ptr<const render::ShaderBinding> bindColors(Vm& vm, Value shader, Implied implied,
                                                         const render::Growth& margins = {})
 {
-    auto made = bind(vm, shader, first, margins);
+    auto made = bind(vm, shader, implied, margins);
     if (made->program->output()->size() < 3) badOutput(vm);
     return made;
 }
@@ -365,7 +366,7 @@ Value constructJob(Call& call)
 void paint(Vm& vm, ShaderJobObject& job, const BitmapDataObject& target)
 {
     // Values of parameters may be scripts' own, which run here; what they leave of the target is asked after.
-    const auto binding = bindColors(vm, job.shader, FirstImage::Given);
+    const auto binding = bindColors(vm, job.shader, Implied::None);
     const auto bitmap = picture(vm, target);
     // The target may be what the kernel reads.
     std::vector<std::uint32_t> made(bitmap->pixels.size());
@@ -382,7 +383,7 @@ void paint(Vm& vm, ShaderJobObject& job, const BitmapDataObject& target)
 }
 void compute(Vm& vm, ShaderJobObject& job, ByteArrayObject* bytes, VectorObject* vector)
 {
-    const auto binding = bind(vm, job.shader, FirstImage::Given);
+    const auto binding = bind(vm, job.shader, Implied::None);
     render::ShaderRun run(*binding);
     if (job.width <= 0 || job.height <= 0) invalid(vm);
     const auto width = static_cast<std::size_t>(job.width), height = static_cast<std::size_t>(job.height),
@@ -436,7 +437,7 @@ Value startJob(Call& call)
         return {};
     }
     // What is missing shows at once, whenever the job is done.
-    bind(vm, self.shader, FirstImage::Given);
+    bind(vm, self.shader, Implied::None);
     self.isRunning = true;
     auto held = std::make_shared<Root<ShaderJobObject>>(vm.heap(), &self);
     Player::of(vm).later([&vm, held, generation = ++self.generation] {
@@ -563,8 +564,17 @@ swf::Filter shaderFilterOf(Vm& vm, Object& filter)
         return std::clamp(static_cast<int>(vm.toInt(filter.slot(slot))), 0, kWidest);
     };
     made.map = render::shaderBitmap(
-        bindColors(vm, filter.slot(0), FirstImage::Implied,
+        bindColors(vm, filter.slot(0), Implied::Filtered,
                    {.left = margin(1), .top = margin(2), .right = margin(3), .bottom = margin(4)}));
+    return made;
+}
+
+swf::Filter shaderBlendOf(Vm& vm, Value shader)
+{
+    auto binding = std::make_shared<render::ShaderBinding>(*bindColors(vm, shader, Implied::BelowAndAbove));
+    binding->blends = true;
+    swf::DisplacementMapFilter made;
+    made.map = render::shaderBitmap(std::move(binding));
     return made;
 }
 
@@ -574,7 +584,7 @@ std::optional<swf::FillStyle> shaderFillOf(Vm& vm, Value shader, Value matrix)
     constexpr double kTwips = swf::kTwipsPerPixel;
     swf::FillStyle fill;
     fill.kind = swf::FillStyle::Kind::Bitmap;
-    fill.bitmap = render::shaderBitmap(bindColors(vm, shader, FirstImage::Given));
+    fill.bitmap = render::shaderBitmap(bindColors(vm, shader, Implied::None));
     Object* given = matrix.asObject();
     fill.matrix =
         (given != nullptr ? matrixOf(*given) : swf::Matrix{}) * swf::Matrix{kTwips, 0, 0, kTwips, 0, 0};

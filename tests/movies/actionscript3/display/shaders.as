@@ -94,6 +94,29 @@ package {
             step(MOVE, 1, 0xC1, 0, 0x1B);
             return new Shader(code);
         }
+        // What is below without the red, and what is above.
+        private function blend():Shader
+        {
+            begin("Blend");
+            texture(0, 4, "below");
+            texture(1, 4, "above");
+            parameter(2, 4, 1, 0xF, "dst");
+            parameter(1, 4, 2, 0xF, "strength");
+            metadata(0xA2, 4, "defaultValue", 0, 1, 1, 1);
+            step(SAMPLE, 1, 0xF1, 0, 0x1B);
+            step(MULTIPLY, 1, 0xF3, 2, 0x1B);
+            step(SAMPLE, 3, 0xF1, 0, 0x1B, 1);
+            step(1, 1, 0xF3, 3, 0x1B);
+            return new Shader(code);
+        }
+        private static function square(x:int, color:uint):Shape
+        {
+            var made:Shape = new Shape();
+            made.graphics.beginFill(color);
+            made.graphics.drawRect(0, 0, 4, 4);
+            made.x = x;
+            return made;
+        }
         private static function tried(name:String, what:Function):void
         {
             try { what(); trace(name, "no error"); }
@@ -173,6 +196,22 @@ package {
             filter.leftExtension = 2;
             filter.bottomExtension = 1;
             trace(drawn.generateFilterRect(new Rectangle(2, 2, 3, 3), filter));
+
+            // How one lies over another.
+            var pair:Sprite = new Sprite();
+            var above:Shape = square(2, 0x0000FF);
+            pair.addChild(square(0, 0xFFFF00));
+            pair.addChild(above);
+            above.blendShader = blend();
+            trace(above.blendMode, above.filters.length);
+            for each (var mode:String in ["", BlendMode.NORMAL])
+            {
+                if (mode) above.blendMode = mode;
+                drawn.fillRect(drawn.rect, 0);
+                drawn.draw(pair);
+                trace(above.blendMode, hex(drawn.getPixel32(1, 1)), hex(drawn.getPixel32(3, 1)),
+                    hex(drawn.getPixel32(5, 1)), hex(drawn.getPixel32(7, 1)));
+            }
 
             // A job that waits for its turn, and one that is called off.
             data.src.input = new BitmapData(1, 1, false, 0xFFFFFF);
