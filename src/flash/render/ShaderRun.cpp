@@ -35,7 +35,13 @@ Texel texelOf(std::uint32_t pixel)
 
 Texel texelAt(const ShaderImage& image, int x, int y)
 {
-    if (x < 0 || y < 0 || x >= image.width || y >= image.height) return {};
+    if (image.width <= 0 || image.height <= 0) return {};
+    if (image.surface.pixels != nullptr) {
+        if (x < 0 || y < 0 || x >= image.width || y >= image.height) return {};
+    } else {
+        x = std::clamp(x, 0, image.width - 1);
+        y = std::clamp(y, 0, image.height - 1);
+    }
     const auto at =
         static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) + static_cast<std::size_t>(x);
     if (image.bitmap) {
@@ -61,10 +67,11 @@ int floorOf(float value)
 
 Texel sampleLinear(const ShaderImage& image, float px, float py)
 {
-    const float x = px - 0.5F, y = py - 0.5F;
-    const bool isNear =
-        x > -1 && y > -1 && x < static_cast<float>(image.width) && y < static_cast<float>(image.height);
-    if (!isNear) return {}; // no numbers, too
+    // Just beyond the edges it is the same as anywhere there.
+    const auto near = [](float place, int size) {
+        return std::isnan(place) ? -1.0F : std::clamp(place - 0.5F, -1.0F, static_cast<float>(size));
+    };
+    const float x = near(px, image.width), y = near(py, image.height);
     const int left = floorOf(x), top = floorOf(y);
     const float u = x - static_cast<float>(left), v = y - static_cast<float>(top);
     const Texel a = texelAt(image, left, top), b = texelAt(image, left + 1, top),

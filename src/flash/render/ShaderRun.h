@@ -11,7 +11,8 @@
 namespace flash::render
 {
 
-/// What a kernel samples: a picture, or numbers. Transparent black outside of it.
+/// What a kernel samples: a picture, or numbers. Those of scripts go on for ever with what is at their edges;
+/// outside of a surface, which is what is filtered or blended, is nothing.
 struct ShaderImage {
     int width = 0, height = 0;
     int channels = 4;                          ///< of the numbers

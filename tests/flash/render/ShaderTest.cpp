@@ -251,11 +251,11 @@ TEST(Shader, SamplesPicturesAndNumbers)
         ShaderBinding binding = kernel.binding();
         binding.images.push_back(
             {.width = 2, .height = 1, .channels = 1, .bitmap = nullptr, .numbers = {2, 4}, .surface = {}});
-        // In the middle of a pixel both agree; outside there is nothing.
-        EXPECT_EQ(numbers(binding, 3), (std::vector<float>{2, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0}));
+        // In the middle of a pixel both agree; the edges go on for ever.
+        EXPECT_EQ(numbers(binding, 3), (std::vector<float>{2, 0, 0, 0, 4, 0, 0, 0, 4, 0, 0, 0}));
         EXPECT_EQ(numbers(binding, 1, {1, 0.5})[0], op == Op::SampleLinear ? 3 : 4);
-        EXPECT_EQ(numbers(binding, 1, {-0.5, 0.5})[0], 0);
-        EXPECT_EQ(numbers(binding, 1, {std::nan(""), 1e30})[0], 0);
+        EXPECT_EQ(numbers(binding, 1, {-0.5, 1e30})[0], 2);
+        EXPECT_EQ(numbers(binding, 1, {std::nan(""), -1e30})[0], 2);
     }
     auto kernel = Kernel::withOutput();
     kernel.texture(0, 4, "src").step(Op::SampleNearest, 1, kRgba, 0, kXyzw);
@@ -267,6 +267,14 @@ TEST(Shader, SamplesPicturesAndNumbers)
     std::uint32_t pixels[2]{};
     ShaderRun(binding).row({0.5, 0.5}, {1, 0}, 2, pixels);
     EXPECT_EQ(pixels[0], 0x80402010U);
+    EXPECT_EQ(pixels[1], 0x80402010U);
+    // Outside of what is filtered there is nothing.
+    binding.images[0] = {};
+    binding.images[0].width = binding.images[0].height = 1;
+    std::uint32_t filtered = 0xFFFFFFFF;
+    binding.images[0].surface = {&filtered, 1, 1, 1};
+    ShaderRun(binding).row({0.5, 0.5}, {1, 0}, 2, pixels);
+    EXPECT_EQ(pixels[0], 0xFFFFFFFFU);
     EXPECT_EQ(pixels[1], 0U);
 }
 
