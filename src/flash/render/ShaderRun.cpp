@@ -2,6 +2,8 @@
 
 #include "flash/guard/Guard.h"
 #include "flash/render/Pixel.h"
+#include "flash/render/ShaderLanes.h"
+#include "flash/render/ShaderSampling.h"
 
 #include <algorithm>
 #include <bit>
@@ -11,97 +13,6 @@
 
 namespace flash::render
 {
-
-namespace
-{
-
-/// Pixels that are computed side by side.
-constexpr std::size_t kLanes = 64;
-template <class T>
-using Lanes = std::array<T, kLanes>;
-template <class T>
-using Quad = std::array<Lanes<T>, 4>;
-using On = Lanes<std::uint8_t>;
-
-using Texel = std::array<float, 4>;
-
-Texel texelOf(std::uint32_t pixel)
-{
-    constexpr float kScale = 1.0F / 255.0F;
-    return {static_cast<float>(pixel >> 16U & 0xFFU) * kScale,
-            static_cast<float>(pixel >> 8U & 0xFFU) * kScale, static_cast<float>(pixel & 0xFFU) * kScale,
-            static_cast<float>(pixel >> 24U) * kScale};
-}
-
-Texel texelAt(const ShaderImage& image, int x, int y)
-{
-    if (image.width <= 0 || image.height <= 0) return {};
-    if (image.surface.pixels != nullptr) {
-        if (x < 0 || y < 0 || x >= image.width || y >= image.height) return {};
-    } else {
-        x = std::clamp(x, 0, image.width - 1);
-        y = std::clamp(y, 0, image.height - 1);
-    }
-    const auto at =
-        static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) + static_cast<std::size_t>(x);
-    if (image.bitmap) {
-        // A script may have thrown the picture away since.
-        if (at >= image.bitmap->pixels.size()) return {};
-        const std::uint32_t pixel = image.bitmap->pixels[at];
-        return texelOf(image.bitmap->opaque ? pixel | 0xFF000000U : pixel);
-    }
-    if (image.surface.pixels != nullptr) return texelOf(image.surface.row(y)[x]);
-    Texel texel{};
-    const auto channels = static_cast<std::size_t>(image.channels);
-    for (std::size_t i = 0; i < channels && at * channels + i < image.numbers.size(); ++i)
-        texel[i] = image.numbers[at * channels + i];
-    return texel;
-}
-
-/// The whole number at or below; far off for what has no such.
-int floorOf(float value)
-{
-    constexpr float kFar = 1 << 24;
-    return std::isnan(value) ? -1 : static_cast<int>(std::floor(std::clamp(value, -kFar, kFar)));
-}
-
-Texel sampleLinear(const ShaderImage& image, float px, float py)
-{
-    // Just beyond the edges it is the same as anywhere there.
-    const auto near = [](float place, int size) {
-        return std::isnan(place) ? -1.0F : std::clamp(place - 0.5F, -1.0F, static_cast<float>(size));
-    };
-    const float x = near(px, image.width), y = near(py, image.height);
-    const int left = floorOf(x), top = floorOf(y);
-    const float u = x - static_cast<float>(left), v = y - static_cast<float>(top);
-    const Texel a = texelAt(image, left, top), b = texelAt(image, left + 1, top),
-                c = texelAt(image, left, top + 1), d = texelAt(image, left + 1, top + 1);
-    Texel result;
-    for (std::size_t i = 0; i < 4; ++i)
-        result[i] = (a[i] * (1 - u) + b[i] * u) * (1 - v) + (c[i] * (1 - u) + d[i] * u) * v;
-    return result;
-}
-
-std::int32_t wholeOf(float value)
-{
-    constexpr float kMost = 2147483520.0F;
-    return std::isnan(value) ? 0 : static_cast<std::int32_t>(std::clamp(value, -kMost, kMost));
-}
-
-std::uint32_t channelOf(float value)
-{
-    if (!(value > 0)) return 0; // NaN too
-    return static_cast<std::uint32_t>(std::min(value, 1.0F) * 255.0F + 0.5F);
-}
-
-template <class T, class F>
-void each(std::size_t channels, Quad<T>& a, const Quad<T>& b, F f)
-{
-    for (std::size_t c = 0; c < channels; ++c)
-        for (std::size_t i = 0; i < kLanes; ++i) a[c][i] = f(a[c][i], b[c][i]);
-}
-
-} // namespace
 
 class ShaderRun::Impl
 {
@@ -527,117 +438,6 @@ void ShaderRun::row(swf::Point place, swf::Point step, std::size_t count, std::u
                     std::min(channel(2), alpha);
         }
     }
-}
-
-namespace
-{
-
-/// Goes along with the bitmap that stands for a kernel, and is how that one is known.
-struct Carrier {
-    std::shared_ptr<const ShaderBinding> binding;
-    void operator()(swf::Bitmap* bitmap) const { delete bitmap; }
-};
-
-class ShaderPaint final : public Paint
-{
-public:
-    ShaderPaint(const ShaderBinding& binding, const swf::Matrix& fromDevice, const swf::ColorTransform& color)
-        : m_run(binding), m_fromDevice(fromDevice), m_color(color)
-    {
-    }
-    void fetch(int x, int y, std::size_t count, std::uint32_t* to) const override
-    {
-        const swf::Point at = m_fromDevice.map({x + 0.5, y + 0.5});
-        m_run.row(at, {m_fromDevice.a, m_fromDevice.b}, count, to);
-        transformPixels(to, count, m_color);
-    }
-
-private:
-    mutable ShaderRun m_run; // its registers only
-    swf::Matrix m_fromDevice;
-    swf::ColorTransform m_color;
-};
-
-} // namespace
-
-std::shared_ptr<swf::Bitmap> shaderBitmap(std::shared_ptr<const ShaderBinding> binding)
-{
-    return {new swf::Bitmap{1, 1, false, {0}}, Carrier{std::move(binding)}};
-}
-const ShaderBinding* shaderOf(const std::shared_ptr<const swf::Bitmap>& bitmap)
-{
-    const auto* carrier = std::get_deleter<Carrier>(bitmap);
-    return carrier != nullptr ? carrier->binding.get() : nullptr;
-}
-
-std::unique_ptr<Paint> makeShaderPaint(const ShaderBinding& binding, const swf::Matrix& toDevice,
-                                       const swf::ColorTransform& color)
-{
-    if (!toDevice.isInvertible()) return nullptr;
-    return std::make_unique<ShaderPaint>(binding, toDevice.inverted(), color);
-}
-
-Growth shaderGrowth(const ShaderBinding& binding, double scale)
-{
-    const auto reach = [scale](int margin) {
-        return static_cast<int>(std::ceil(std::max(margin, 0) * scale));
-    };
-    const Growth& m = binding.margins;
-    return {reach(m.left), reach(m.top), reach(m.right), reach(m.bottom)};
-}
-
-void applyShader(const ShaderBinding& given, SurfaceView surface, double scale)
-{
-    // Kernels count from the corner of what is filtered, without the margins.
-    const Growth margins = shaderGrowth(given, scale);
-    const int width = surface.width - margins.left - margins.right,
-              height = surface.height - margins.top - margins.bottom;
-    if (width <= 0 || height <= 0 || !(scale > 0)) return;
-    std::vector<std::uint32_t> source(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (int y = 0; y < height; ++y)
-        std::copy_n(surface.row(y + margins.top) + margins.left, width,
-                    source.begin() + std::ptrdiff_t{y} * width);
-    ShaderBinding binding = given;
-    if (binding.images.empty()) binding.images.emplace_back();
-    binding.images.front() = {.width = width,
-                              .height = height,
-                              .channels = 4,
-                              .bitmap = nullptr,
-                              .numbers = {},
-                              .surface = {source.data(), width, height, width},
-                              .scale = static_cast<float>(scale)};
-    ShaderRun run(binding);
-    for (int y = 0; y < surface.height; ++y)
-        run.row({(0.5 - margins.left) / scale, (y + 0.5 - margins.top) / scale}, {1 / scale, 0},
-                static_cast<std::size_t>(surface.width), surface.row(y));
-}
-
-const ShaderBinding* blendShaderOf(std::span<const swf::Filter> filters)
-{
-    const auto* last = filters.empty() ? nullptr : std::get_if<swf::DisplacementMapFilter>(&filters.back());
-    const ShaderBinding* binding = last != nullptr ? shaderOf(last->map) : nullptr;
-    return binding != nullptr && binding->blends ? binding : nullptr;
-}
-
-void blendByShader(const ShaderBinding& given, SurfaceView layer, SurfaceView below, double scale)
-{
-    if (!(scale > 0)) return;
-    ShaderBinding binding = given;
-    binding.images.resize(std::max<std::size_t>(binding.images.size(), 2));
-    Surface above(layer.width, layer.height);
-    for (int y = 0; y < layer.height; ++y) std::copy_n(layer.row(y), layer.width, above.row(y));
-    for (ShaderImage* image : {&binding.images[0], &binding.images[1]}) {
-        *image = {};
-        image->width = layer.width;
-        image->height = layer.height;
-        image->scale = static_cast<float>(scale);
-    }
-    binding.images[0].surface = below;
-    binding.images[1].surface = above.view();
-    ShaderRun run(binding);
-    for (int y = 0; y < layer.height; ++y)
-        run.row({0.5 / scale, (y + 0.5) / scale}, {1 / scale, 0}, static_cast<std::size_t>(layer.width),
-                layer.row(y));
 }
 
 } // namespace flash::render

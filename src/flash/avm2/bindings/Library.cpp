@@ -60,6 +60,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         xmlNodeLibrary(),
         soundMixerLibrary(),
         shaderLibrary(),
+        shaderJobLibrary(),
     };
     return kLibraries;
 }

@@ -48,6 +48,7 @@ NativeLibrary soundLibrary();
 NativeLibrary soundMixerLibrary();
 NativeLibrary fontLibrary(); ///< and the lists of constants around texts
 NativeLibrary shaderLibrary();
+NativeLibrary shaderJobLibrary();
 NativeLibrary clipboardLibrary(); ///< flash.desktop, and what else belongs to the desktop
 NativeLibrary fileLibrary();      ///< files that a user would choose
 

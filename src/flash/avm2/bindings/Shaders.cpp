@@ -5,6 +5,7 @@
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
+#include "flash/avm2/bindings/ShaderObjects.h"
 #include "flash/avm2/classes/ByteArray.h"
 #include "flash/guard/Guard.h"
 #include "flash/render/ShaderRun.h"
@@ -25,95 +26,10 @@ using render::ShaderType;
 namespace
 {
 
-/// More numbers than this no job puts out.
-constexpr std::size_t kMaxNumbers = guard::kMaxElements;
 constexpr std::string_view kTypeNames[] = {
     "",     "float", "float2", "float3", "float4", "matrix2x2", "matrix3x3", "matrix4x4", "int",
     "int2", "int3",  "int4",   "string", "bool",   "bool2",     "bool3",     "bool4"};
 
-class ShaderInputObject final : public Object
-{
-public:
-    AVM2_NATIVE(Object)
-    ShaderInputObject(Traits* traits, Object* proto) : Object(traits, proto) {}
-    void trace(Tracer& tracer) override
-    {
-        Object::trace(tracer);
-        tracer(input);
-    }
-    int channels = 0, index = 0, width = 0, height = 0;
-    Value input = Value::null();
-};
-
-class ShaderParameterObject final : public Object
-{
-public:
-    AVM2_NATIVE(Object)
-    ShaderParameterObject(Traits* traits, Object* proto) : Object(traits, proto) {}
-    void trace(Tracer& tracer) override
-    {
-        Object::trace(tracer);
-        tracer(value);
-    }
-    ShaderType type = ShaderType::Float;
-    int index = 0;
-    std::size_t number = 0; ///< among all parameters of the program
-    Value value = Value::null();
-};
-
-class ShaderDataObject final : public Object
-{
-public:
-    AVM2_NATIVE(Object)
-    ShaderDataObject(Traits* traits, Object* proto) : Object(traits, proto) {}
-    void trace(Tracer& tracer) override
-    {
-        Object::trace(tracer);
-        if (program) tracer.outside(program->steps.size() * sizeof(render::ShaderStep));
-        for (ShaderInputObject* input : inputs) tracer(input);
-        for (ShaderParameterObject* parameter : parameters) tracer(parameter);
-    }
-    std::shared_ptr<const render::ShaderProgram> program; ///< null before it is constructed
-    TracedList<ShaderInputObject*> inputs;
-    TracedList<ShaderParameterObject*> parameters;
-};
-
-class ShaderObject final : public Object
-{
-public:
-    AVM2_NATIVE(Object)
-    ShaderObject(Traits* traits, Object* proto) : Object(traits, proto) {}
-    void trace(Tracer& tracer) override
-    {
-        Object::trace(tracer);
-        tracer(data);
-    }
-    Value data = Value::null();
-    bool isFast = false; ///< the hint, which changes nothing here
-};
-
-class ShaderJobObject final : public DispatcherObject
-{
-public:
-    AVM2_NATIVE(DispatcherObject)
-    ShaderJobObject(Traits* traits, Object* proto) : DispatcherObject(traits, proto) {}
-    void trace(Tracer& tracer) override
-    {
-        DispatcherObject::trace(tracer);
-        tracer(shader);
-        tracer(target);
-    }
-    Value shader = Value::null(), target = Value::null();
-    int width = 0, height = 0;
-    double progress = 0;
-    bool isRunning = false;
-    int generation = 0; ///< counts the starts, so that one that was cancelled is known
-};
-
-[[noreturn]] void invalid(Vm& vm)
-{
-    vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
-}
 [[noreturn]] void badInput(Vm& vm, int number, const std::string& name)
 {
     const char* what = number == 2164   ? " is missing or an unsupported type."
@@ -193,7 +109,7 @@ Value constructData(Call& call)
     auto* bytes = as<ByteArrayObject>(call.arg(0));
     if (bytes == nullptr) throwNullParameter(vm, "byteCode");
     auto parsed = render::parseShader(bytes->content);
-    if (!parsed) invalid(vm);
+    if (!parsed) throwInvalidShader(vm);
     self.program = std::make_shared<const render::ShaderProgram>(std::move(*parsed));
     self.inputs.clear();
     self.parameters.clear();
@@ -312,176 +228,9 @@ render::ShaderImage imageOf(Vm& vm, const ShaderInputObject& input, const std::s
     return image;
 }
 
-/// How many images the place where a kernel is used gives it, before those of the script.
-enum class Implied : std::uint8_t { None, Filtered, BelowAndAbove };
-std::shared_ptr<const render::ShaderBinding> bind(Vm& vm, Value shader, Implied implied,
-                                                  const render::Growth& margins = {})
-{
-    const auto* held = as<ShaderObject>(shader);
-    const auto* data = held != nullptr ? as<ShaderDataObject>(held->data) : nullptr;
-    if (data == nullptr || !data->program) invalid(vm);
-    auto made = std::make_shared<render::ShaderBinding>();
-    made->program = data->program;
-    made->margins = margins;
-    const render::ShaderParameter* output = made->program->output();
-    if (output == nullptr || !render::isFloat(output->type) || output->size() > 4) badOutput(vm);
-    for (std::size_t i = 0; i < data->inputs.size(); ++i) {
-        const ShaderInputObject& input = *data->inputs[i];
-        const auto index = static_cast<std::size_t>(input.index);
-        if (made->images.size() <= index) made->images.resize(index + 1);
-        if (index < static_cast<std::size_t>(implied)) continue;
-        made->images[index] = imageOf(vm, input, made->program->textures[i].name);
-    }
-    made->arguments.resize(made->program->parameters.size());
-    for (std::size_t i = 0; i < data->parameters.size(); ++i) {
-        const ShaderParameterObject& parameter = *data->parameters[i];
-        made->arguments[parameter.number] = numbersOf(vm, parameter.value);
-    }
-    return made;
-}
-/// Of a kernel whose colours are shown.
-std::shared_ptr<const render::ShaderBinding> bindColors(Vm& vm, Value shader, Implied implied,
-                                                        const render::Growth& margins = {})
-{
-    auto made = bind(vm, shader, implied, margins);
-    if (made->program->output()->size() < 3) badOutput(vm);
-    return made;
-}
-
-// ---- ShaderJob --------------------------------------------------------------------------------------------
-
-ShaderJobObject& jobSelf(Call& call) { return selfAs<ShaderJobObject>(call, "flash.display.ShaderJob"); }
-
-Value constructJob(Call& call)
-{
-    auto& self = jobSelf(call);
-    Object* shader = objectArg(call, 0, "flash.display::Shader");
-    if (shader != nullptr) self.shader = Value(shader);
-    if (!call.arg(1).isNullish()) self.target = call.arg(1);
-    self.width = call.has(2) ? call.vm.toInt(call.arg(2)) : 0;
-    self.height = call.has(3) ? call.vm.toInt(call.arg(3)) : 0;
-    return {};
-}
-
-void paint(Vm& vm, ShaderJobObject& job, const BitmapDataObject& target)
-{
-    // Values of parameters may be scripts' own, which run here; what they leave of the target is asked after.
-    const auto binding = bindColors(vm, job.shader, Implied::None);
-    const auto bitmap = picture(vm, target);
-    // The target may be what the kernel reads.
-    std::vector<std::uint32_t> made(bitmap->pixels.size());
-    render::ShaderRun run(*binding);
-    const auto width = static_cast<std::size_t>(bitmap->width);
-    for (int y = 0; y < bitmap->height; ++y) {
-        run.row({0.5, y + 0.5}, {1, 0}, width, made.data() + static_cast<std::size_t>(y) * width);
-        vm.check();
-    }
-    if (bitmap->opaque)
-        for (std::uint32_t& pixel : made) pixel |= 0xFF000000U;
-    bitmap->pixels = std::move(made);
-    Player::of(vm).stage().view().invalidateAll();
-}
-void compute(Vm& vm, ShaderJobObject& job, ByteArrayObject* bytes, VectorObject* vector)
-{
-    const auto binding = bind(vm, job.shader, Implied::None);
-    render::ShaderRun run(*binding);
-    if (job.width <= 0 || job.height <= 0) invalid(vm);
-    const auto width = static_cast<std::size_t>(job.width), height = static_cast<std::size_t>(job.height),
-               channels = static_cast<std::size_t>(run.channels());
-    if (height > kMaxNumbers / channels / width) invalid(vm);
-    std::vector<float> made(width * height * channels);
-    for (std::size_t y = 0; y < height; ++y) {
-        run.row({0.5, static_cast<double>(y) + 0.5}, {1, 0}, width, made.data() + y * width * channels);
-        vm.check();
-    }
-    if (bytes != nullptr) {
-        bytes->resize(vm, made.size() * sizeof(float));
-        std::memcpy(bytes->content.data(), made.data(), made.size() * sizeof(float));
-        return;
-    }
-    vector->resize(vm, static_cast<double>(made.size()));
-    for (std::size_t i = 0; i < made.size(); ++i) vector->items[i] = Value(static_cast<double>(made[i]));
-}
-void runJob(Vm& vm, ShaderJobObject& job)
-{
-    if (const auto* bitmap = as<BitmapDataObject>(job.target)) {
-        paint(vm, job, *bitmap);
-    } else {
-        auto* bytes = as<ByteArrayObject>(job.target);
-        auto* vector = as<VectorObject>(job.target);
-        if (vector != nullptr && vector->elementType() != vm.classes().number->instances) vector = nullptr;
-        if (bytes == nullptr && vector == nullptr) invalid(vm);
-        compute(vm, job, bytes, vector);
-    }
-    job.progress = 1;
-}
-
-void finishLater(Vm& vm, ShaderJobObject& job)
-{
-    job.isRunning = false;
-    runJob(vm, job);
-    const auto given = [&job](bool fits) { return fits ? job.target : Value::null(); };
-    fireWith(vm, job, "flash.events::ShaderEvent", "complete",
-             {given(as<BitmapDataObject>(job.target) != nullptr),
-              given(as<ByteArrayObject>(job.target) != nullptr),
-              given(as<VectorObject>(job.target) != nullptr)});
-}
-Value startJob(Call& call)
-{
-    auto& self = jobSelf(call);
-    Vm& vm = call.vm;
-    if (self.isRunning) return {};
-    self.progress = 0;
-    if (vm.toBoolean(call.arg(0))) {
-        runJob(vm, self);
-        return {};
-    }
-    // What is missing shows at once, whenever the job is done.
-    bind(vm, self.shader, Implied::None);
-    self.isRunning = true;
-    auto held = std::make_shared<Root<ShaderJobObject>>(vm.heap(), &self);
-    Player::of(vm).later([&vm, held, generation = ++self.generation] {
-        ShaderJobObject& job = **held;
-        if (job.isRunning && job.generation == generation) finishLater(vm, job);
-    });
-    return {};
-}
-Value cancelJob(Call& call)
-{
-    jobSelf(call).isRunning = false;
-    return {};
-}
-template <int ShaderJobObject::*member>
-Value jobNumber(Call& call)
-{
-    return jobSelf(call).*member;
-}
-template <int ShaderJobObject::*member>
-Value setJobNumber(Call& call)
-{
-    const int value = call.vm.toInt(call.arg(0));
-    jobSelf(call).*member = value;
-    return {};
-}
-Value jobProgress(Call& call) { return jobSelf(call).progress; }
-Value jobShader(Call& call) { return jobSelf(call).shader; }
-Value setJobShader(Call& call)
-{
-    Object* shader = objectArg(call, 0, "flash.display::Shader");
-    jobSelf(call).shader = shader != nullptr ? Value(shader) : Value::null();
-    return {};
-}
-Value jobTarget(Call& call) { return jobSelf(call).target; }
-Value setJobTarget(Call& call)
-{
-    jobSelf(call).target = call.arg(0).isNullish() ? Value::null() : call.arg(0);
-    return {};
-}
-
 // ---- tables -----------------------------------------------------------------------------------------------
 
 using In = ShaderInputObject;
-using Job = ShaderJobObject;
 constexpr NativeMember kInput[] = {
     {"channels", Kind::Getter, &inputNumber<&In::channels>, 0, 0, nullptr, "int"},
     {"index", Kind::Getter, &inputNumber<&In::index>, 0, 0, nullptr, "int"},
@@ -498,15 +247,6 @@ constexpr NativeMember kShader[] = {
     {"byteCode", Kind::Getter, nullptr, 0, 0, &setByteCode, "flash.utils::ByteArray"},
     {"data", Kind::Getter, &shaderData, 0, 0, &setShaderData, "flash.display::ShaderData"},
     {"precisionHint", Kind::Getter, &precisionHint, 0, 0, &setPrecisionHint, "String"},
-};
-constexpr NativeMember kJob[] = {
-    {"start", Kind::Method, &startJob, 0, 1},
-    {"cancel", Kind::Method, &cancelJob, 0, 0},
-    {"width", Kind::Getter, &jobNumber<&Job::width>, 0, 0, &setJobNumber<&Job::width>, "int"},
-    {"height", Kind::Getter, &jobNumber<&Job::height>, 0, 0, &setJobNumber<&Job::height>, "int"},
-    {"progress", Kind::Getter, &jobProgress, 0, 0, nullptr, "Number"},
-    {"shader", Kind::Getter, &jobShader, 0, 0, &setJobShader, "flash.display::Shader"},
-    {"target", Kind::Getter, &jobTarget, 0, 0, &setJobTarget, "Object"},
 };
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
@@ -542,18 +282,49 @@ constexpr NativeClass kClasses[] = {
      .maxArguments = 1,
      .allocate = &allocateNative<ShaderObject>,
      .members = kShader},
-    {.package = "flash.display",
-     .name = "ShaderJob",
-     .base = "flash.events::EventDispatcher",
-     .flags = NativeClass::Sealed,
-     .constructor = &constructJob,
-     .minArguments = 0,
-     .maxArguments = 4,
-     .allocate = &allocateNative<ShaderJobObject>,
-     .members = kJob},
 };
 
 } // namespace
+
+void throwInvalidShader(Vm& vm)
+{
+    vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
+}
+
+std::shared_ptr<const render::ShaderBinding> bindKernel(Vm& vm, Value shader, Implied implied,
+                                                        const render::Growth& margins)
+{
+    const auto* held = as<ShaderObject>(shader);
+    auto* data = held != nullptr ? as<ShaderDataObject>(held->data) : nullptr;
+    if (data == nullptr || !data->program) throwInvalidShader(vm);
+    // Values are asked of scripts, which may give the Shader other data meanwhile.
+    const Root<ShaderDataObject> keep(vm.heap(), data);
+    auto made = std::make_shared<render::ShaderBinding>();
+    made->program = data->program;
+    made->margins = margins;
+    const render::ShaderParameter* output = made->program->output();
+    if (output == nullptr || !render::isFloat(output->type) || output->size() > 4) badOutput(vm);
+    for (std::size_t i = 0; i < data->inputs.size(); ++i) {
+        const ShaderInputObject& input = *data->inputs[i];
+        const auto index = static_cast<std::size_t>(input.index);
+        if (made->images.size() <= index) made->images.resize(index + 1);
+        if (index < static_cast<std::size_t>(implied)) continue;
+        made->images[index] = imageOf(vm, input, made->program->textures[i].name);
+    }
+    made->arguments.resize(made->program->parameters.size());
+    for (std::size_t i = 0; i < data->parameters.size(); ++i) {
+        const ShaderParameterObject& parameter = *data->parameters[i];
+        made->arguments[parameter.number] = numbersOf(vm, parameter.value);
+    }
+    return made;
+}
+std::shared_ptr<const render::ShaderBinding> bindColors(Vm& vm, Value shader, Implied implied,
+                                                        const render::Growth& margins)
+{
+    auto made = bindKernel(vm, shader, implied, margins);
+    if (made->program->output()->size() < 3) badOutput(vm);
+    return made;
+}
 
 swf::Filter shaderFilterOf(Vm& vm, Object& filter)
 {
