@@ -172,6 +172,18 @@ package {
             tried("nowhere", function():void { new ShaderJob(place(), null).start(true); });
             tried("endless", function():void { new ShaderJob(place(), numbers, 1 << 30, 1 << 30).start(true); });
 
+            // A value that takes the data and the target away when it is asked.
+            var robbed:Shader = tint();
+            var late:ShaderJob = new ShaderJob(robbed, new BitmapData(2, 2));
+            robbed.data.src.input = new BitmapData(2, 2);
+            robbed.data.strength.value = [{valueOf: function():Number {
+                robbed.data = place().data;
+                late.target = null;
+                return 1;
+            }}, 1, 1, 1];
+            tried("robbed", function():void { late.start(true); });
+            trace(late.progress, late.target, robbed.data.name);
+
             // A fill, from the place within the shape; and a filter.
             var shape:Shape = new Shape();
             data.src.input = new BitmapData(4, 1, false, 0x0000FF);
