@@ -174,15 +174,15 @@ package {
 
             // A value that takes the data and the target away when it is asked.
             var robbed:Shader = tint();
-            var late:ShaderJob = new ShaderJob(robbed, new BitmapData(2, 2));
+            var asked:ShaderJob = new ShaderJob(robbed, new BitmapData(2, 2));
             robbed.data.src.input = new BitmapData(2, 2);
             robbed.data.strength.value = [{valueOf: function():Number {
                 robbed.data = place().data;
-                late.target = null;
+                asked.target = null;
                 return 1;
             }}, 1, 1, 1];
-            tried("robbed", function():void { late.start(true); });
-            trace(late.progress, late.target, robbed.data.name);
+            tried("robbed", function():void { asked.start(true); });
+            trace(asked.progress, asked.target, robbed.data.name);
 
             // A fill, from the place within the shape; and a filter.
             var shape:Shape = new Shape();
