@@ -1,0 +1,1 @@
+zorvex_fuzz(FuzzShader FuzzShader.cpp LIBS zorvex_flash_render)
