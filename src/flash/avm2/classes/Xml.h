@@ -72,8 +72,12 @@ public:
     Value nextName(Vm&, std::uint32_t index) override { return index == 0 ? Value() : Value(index - 1); }
     Value nextValue(Vm& vm, std::uint32_t index) override;
     Value descendants(Vm& vm, const Multiname& name) override;
+    /// The first node. Where there is none it is made, with the elements that lead to it.
+    /// @returns null where nothing tells what and where it would be
+    XmlNode* firstOrMade(Vm& vm);
     TracedList<XmlNode*> nodes;
-    XmlNode* target = nullptr; ///< where what is appended goes
+    XmlNode* target = nullptr;     ///< where what is appended goes
+    XmlListObject* from = nullptr; ///< the list that this one is a property of, when that was empty
     Name targetName;
     Namespace* targetNs = nullptr;
     bool targetIsAttribute = false;

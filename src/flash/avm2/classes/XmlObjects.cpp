@@ -1,6 +1,7 @@
 #include "flash/avm2/classes/Xml.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace flash::avm2::classes
 {
@@ -231,8 +232,31 @@ void XmlListObject::trace(Tracer& tracer)
     Object::trace(tracer);
     for (const XmlNode* node : nodes) tracer(node);
     tracer(target);
+    tracer(from);
     tracer(targetName);
     tracer(targetNs);
+}
+
+XmlNode* XmlListObject::firstOrMade(Vm& vm)
+{
+    // Scripts may ask for a property of a property as often as they like: no recursion.
+    std::vector<XmlListObject*> way;
+    for (XmlListObject* list = this; list != nullptr && list->nodes.empty(); list = list->from)
+        way.push_back(list);
+    for (auto step = way.rbegin(); step != way.rend(); ++step) {
+        XmlListObject& list = **step;
+        if (list.from != nullptr) list.target = list.from->nodes[0];
+        if (list.target == nullptr || list.targetName.isNull() || list.targetIsAttribute) return nullptr;
+        auto* made = vm.heap().make<XmlNode>(XmlNode::Kind::Element);
+        made->name = list.targetName;
+        made->ns = list.targetNs != nullptr && list.targetNs->kind == Namespace::Kind::Public
+                       ? list.targetNs
+                       : vm.defaultXmlNs;
+        made->parent = list.target;
+        list.target->children.push_back(made);
+        list.nodes.push_back(made);
+    }
+    return nodes[0];
 }
 
 bool XmlListObject::getExotic(Vm& vm, const Multiname& name, Value& result)
@@ -245,6 +269,7 @@ bool XmlListObject::getExotic(Vm& vm, const Multiname& name, Value& result)
     auto* list = newXmlList(vm);
     for (XmlNode* node : nodes) collect(name, *node, list->nodes);
     if (nodes.size() == 1) list->target = nodes[0];
+    if (nodes.empty()) list->from = this;
     list->targetName = name.name;
     list->targetNs = name.size() == 1 ? name.at(0) : nullptr;
     list->targetIsAttribute = name.attribute;
@@ -259,20 +284,12 @@ bool XmlListObject::setExotic(Vm& vm, const Multiname& name, Value value)
         if (nodes.size() > 1)
             vm.throwError(ErrorClass::Type, 1089,
                           "Assignment to lists with more than one item is not supported.");
-        if (nodes.empty()) {
-            if (target == nullptr || targetName.isNull()) return true;
-            auto* made = vm.heap().make<XmlNode>(XmlNode::Kind::Element);
-            made->name = targetName;
-            made->ns =
-                targetNs != nullptr && targetNs->kind == Namespace::Kind::Public ? targetNs : vm.defaultXmlNs;
-            made->parent = target;
-            target->children.push_back(made);
-            nodes.push_back(made);
-        }
+        if (firstOrMade(vm) == nullptr) return true;
         vm.set(xmlValue(vm, nodes[0]), name, value);
         return true;
     }
     if (index >= nodes.size()) {
+        if (target == nullptr && from != nullptr) target = from->firstOrMade(vm);
         if (target == nullptr) {
             nodes.push_back(contentNode(vm, value));
             return true;
