@@ -29,19 +29,23 @@ Value newVector(Vm& vm, std::span<ElementObject* const> elements)
     return Value(list);
 }
 
-std::size_t indexArg(Call& call, std::uint32_t i, std::size_t size)
+// What is given is asked of scripts, which may change the elements meanwhile: how many there are is asked
+// after.
+template <class Size>
+std::size_t indexArg(Call& call, std::uint32_t i, Size size)
 {
     const std::int32_t index = call.vm.toInt(call.arg(i));
-    if (index < 0 || static_cast<std::size_t>(index) >= size) throwOutOfRange(call.vm);
+    if (index < 0 || static_cast<std::size_t>(index) >= size()) throwOutOfRange(call.vm);
     return static_cast<std::size_t>(index);
 }
 struct Range {
     std::size_t begin, end;
 };
-Range rangeArg(Call& call, std::size_t size)
+Range rangeArg(Call& call, const ElementObject& holder)
 {
     const std::int32_t begin = call.vm.toInt(call.arg(0)), end = call.vm.toInt(call.arg(1));
-    if (begin < 0 || end < begin || static_cast<std::size_t>(end) > size) throwOutOfRange(call.vm);
+    if (begin < 0 || end < begin || static_cast<std::size_t>(end) > holder.children.size())
+        throwOutOfRange(call.vm);
     return {static_cast<std::size_t>(begin), static_cast<std::size_t>(end)};
 }
 
@@ -100,7 +104,8 @@ Value elementCount(Call& call) { return static_cast<double>(group(call).children
 Value elementAt(Call& call)
 {
     ElementObject& holder = group(call);
-    return Value(holder.children[indexArg(call, 0, holder.children.size())]);
+    const std::size_t index = indexArg(call, 0, [&] { return holder.children.size(); });
+    return Value(holder.children[index]);
 }
 Value elementIndex(Call& call)
 {
@@ -112,7 +117,7 @@ Value elementIndex(Call& call)
 Value elementAtCharacter(Call& call)
 {
     ElementObject& holder = group(call);
-    std::size_t index = indexArg(call, 0, holder.length());
+    std::size_t index = indexArg(call, 0, [&] { return holder.length(); });
     for (ElementObject* child : holder.children) {
         if (index < child->length()) return Value(child);
         index -= child->length();
@@ -130,7 +135,7 @@ Value replaceElements(Call& call)
 {
     const auto elements = elementsArg(call, 2);
     ElementObject& holder = group(call);
-    const Range range = rangeArg(call, holder.children.size());
+    const Range range = rangeArg(call, holder);
     const RootedList<ElementObject*> gone(call.vm.heap(),
                                           holder.children.begin() + static_cast<std::ptrdiff_t>(range.begin),
                                           holder.children.begin() + static_cast<std::ptrdiff_t>(range.end));
@@ -149,7 +154,7 @@ ElementObject* newElement(Call& call, std::string_view cls, const ElementObject&
 Value groupElements(Call& call)
 {
     ElementObject& holder = group(call);
-    const Range range = rangeArg(call, holder.children.size());
+    const Range range = rangeArg(call, holder);
     int above = 1;
     for (const ElementObject* at = &holder; at != nullptr; at = at->group) ++above;
     if (above + holder.depth() > kMaxDepth) throwInvalid(call.vm);
@@ -168,7 +173,7 @@ Value groupElements(Call& call)
 Value ungroupElements(Call& call)
 {
     ElementObject& holder = group(call);
-    const std::size_t index = indexArg(call, 0, holder.children.size());
+    const std::size_t index = indexArg(call, 0, [&] { return holder.children.size(); });
     ElementObject* inner = holder.children[index];
     if (inner->kind != ElementObject::Kind::Group) return {};
     inner->changed();
@@ -182,10 +187,12 @@ Value ungroupElements(Call& call)
 Value splitText(Call& call)
 {
     ElementObject& holder = group(call);
-    const std::size_t index = indexArg(call, 0, holder.children.size());
+    const std::int32_t place = call.vm.toInt(call.arg(1));
+    const std::size_t index = indexArg(call, 0, [&] { return holder.children.size(); });
     ElementObject* first = holder.children[index];
     if (first->kind != ElementObject::Kind::Text) throwInvalid(call.vm);
-    const std::size_t at = indexArg(call, 1, first->text.size() + 1);
+    if (place < 0 || static_cast<std::size_t>(place) > first->text.size()) throwOutOfRange(call.vm);
+    const auto at = static_cast<std::size_t>(place);
     ElementObject* second = newElement(call, "flash.text.engine::TextElement", *first);
     second->text = first->text.substr(at);
     second->hasText = true;
@@ -198,7 +205,7 @@ Value splitText(Call& call)
 Value mergeText(Call& call)
 {
     ElementObject& holder = group(call);
-    const Range range = rangeArg(call, holder.children.size());
+    const Range range = rangeArg(call, holder);
     if (range.begin == range.end) return Value::null();
     const auto from = holder.children.begin() + static_cast<std::ptrdiff_t>(range.begin),
                to = holder.children.begin() + static_cast<std::ptrdiff_t>(range.end);

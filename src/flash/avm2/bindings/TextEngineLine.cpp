@@ -29,8 +29,9 @@ LineState& self(Call& call)
 const render::ComposedLine& line(Call& call) { return *self(call).line; }
 const LineAtom& atomArg(Call& call)
 {
+    const std::int32_t index =
+        call.vm.toInt(call.arg(0)); // a script's, which may have the line laid out anew
     const auto& atoms = line(call).atoms;
-    const std::int32_t index = call.vm.toInt(call.arg(0));
     if (index < 0 || static_cast<std::size_t>(index) >= atoms.size()) throwOutOfRange(call.vm);
     return atoms[static_cast<std::size_t>(index)];
 }
