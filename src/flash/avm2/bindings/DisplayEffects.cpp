@@ -81,6 +81,7 @@ Value filters(Call& call)
 {
     auto& object = displaySelf(call);
     auto* list = static_cast<ArrayObject*>(call.vm.newArray());
+    const Root<Object> keep(call.vm.heap(), list);
     if (object.filterValues.empty()) {
         std::span<const swf::Filter> own = object.node().filters();
         if (render::blendShaderOf(own) != nullptr) own = own.first(own.size() - 1);

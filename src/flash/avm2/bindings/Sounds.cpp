@@ -52,12 +52,13 @@ double lengthMs(Vm& vm, const SoundObject& sound)
 // ---- playing ----
 
 /// What a script has given is heard as if it were made while it plays.
+/// @param startMs not negative
 stage::SoundId playSamples(Vm& vm, const SoundObject& sound, SoundChannelObject& channel, double startMs,
                            std::uint16_t loops)
 {
     constexpr std::size_t kMaxFrames = std::size_t{1} << 25U;
     const SoundObject::Samples& samples = *sound.samples;
-    const auto first = static_cast<std::size_t>(std::max(startMs, 0.0) * kSamplesPerMs);
+    const auto first = static_cast<std::size_t>(startMs * kSamplesPerMs);
     auto queue = std::make_shared<stage::SampleQueue>();
     for (std::uint16_t i = 0; i < loops && first < samples.size(); ++i) {
         if (queue->frames.size() + samples.size() - first > kMaxFrames) break;
@@ -74,8 +75,8 @@ bool begin(Vm& vm, SoundObject& sound, SoundChannelObject& channel, double start
 {
     swf::SoundInfo info;
     constexpr double kMaxStartMs = 1e8;
-    if (startMs > 0 && startMs < kMaxStartMs)
-        info.inPoint = static_cast<std::uint32_t>(startMs * kSamplesPerMs);
+    if (!(startMs > 0 && startMs < kMaxStartMs)) startMs = 0;
+    if (startMs > 0) info.inPoint = static_cast<std::uint32_t>(startMs * kSamplesPerMs);
     info.loops = loops;
     if (const swf::Sound* symbol = sound.symbolSound())
         channel.id = system(vm).playSound(nullptr, sound.movie, sound.symbol, *symbol, info);

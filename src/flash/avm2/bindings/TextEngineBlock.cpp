@@ -253,6 +253,8 @@ Value makeLine(Call& call, BlockObject& block, const LineArguments& arguments, D
     block.last = object;
     block.result = nameValue(vm, line->isEmergency ? "emergency" : "success");
     if (auto* node = dynamic_cast<stage::TextLine*>(&object->node())) node->setLine(line, state->toNode);
+    // Scripts hear of pictures that are added, and may let go of the line.
+    const Root<DisplayObject> keep(vm.heap(), object);
     addGraphics(vm, *object, *state);
     return Value(object);
 }

@@ -156,12 +156,7 @@ void Translator::meet(std::uint32_t offset)
         for (const Operand& operand : m_stack) head.stack.push_back(m_isTyped ? operand.type : Type());
         head.scopes = m_scopes;
     } else {
-        const auto join = [&changed](Type& known, const Type& other) {
-            const Type both = merge(known, other);
-            if (both == known) return;
-            known = both;
-            changed = true;
-        };
+        const auto join = [&changed](Type& known, const Type& other) { changed |= narrowBy(known, other); };
         for (std::size_t i = 0; i < head.locals.size(); ++i) join(head.locals[i], m_locals[i]);
         for (std::size_t i = 0; i < head.stack.size(); ++i) {
             if (m_isTyped) join(head.stack[i], m_stack[i].type);

@@ -25,6 +25,14 @@ Type merge(const Type& a, const Type& b)
     return {};
 }
 
+bool narrowBy(Type& known, const Type& other)
+{
+    const Type both = merge(known, other);
+    if (both == known) return false;
+    known = both;
+    return true;
+}
+
 Type typeOfTraits(Traits* traits)
 {
     using Kind = Type::Kind;

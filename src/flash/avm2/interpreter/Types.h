@@ -27,6 +27,8 @@ struct Type {
 
 /// What holds for a value that comes from either of two places.
 Type merge(const Type& a, const Type& b);
+/// Leaves of what is known what holds for another value, too. @returns whether that is less than before
+bool narrowBy(Type& known, const Type& other);
 /// Of what was coerced to a class.
 Type typeOfTraits(Traits* traits);
 /// The class that a multiname of a unit names, when that can be told without running script.

@@ -123,10 +123,7 @@ private:
             head.state = state;
         } else {
             const auto join = [&changed](Type& known, const Type& other) {
-                const Type both = merge(known, other);
-                if (both == known) return;
-                known = both;
-                changed = true;
+                changed |= narrowBy(known, other);
             };
             for (std::size_t i = 0; i < state.locals.size(); ++i) join(head.state.locals[i], state.locals[i]);
             for (std::size_t i = 0; i < state.stack.size(); ++i) join(head.state.stack[i], state.stack[i]);

@@ -46,6 +46,16 @@ package {
             try {
                 trace(line.getAtomGraphic({valueOf: function():Number { return 5; }}));
             } catch (e:Error) { trace(e.errorID, line.atomCount); }
+
+            // A picture of the text that has all lines let go of when it is added to one.
+            var picture:Sprite = new Sprite();
+            block.content = new GraphicElement(picture, 10, 10, new ElementFormat());
+            picture.addEventListener("added", function(e:Object):void {
+                if (block.firstLine) block.releaseLines(block.firstLine, block.lastLine);
+                for (var i:int = 0; i < 1000; i++) new Sprite();
+            });
+            var kept:TextLine = block.createTextLine(null, 400);
+            trace(kept.numChildren, kept.validity, block.firstLine, kept.contains(picture));
         }
     }
 }
