@@ -1,3 +1,4 @@
+#include "flash/guard/Guard.h"
 #include "flash/render/Bounds.h"
 #include "flash/render/CanvasImpl.h"
 #include "flash/render/Compose.h"
@@ -161,6 +162,7 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
         owner != nullptr ? m_cache.impl().flatShape(*owner, step)
                          : std::make_shared<const FlatShape>(flatten(shape, step));
 
+    constexpr int kRowsPerStep = 16; // a script's drawing may have any number of layers, each as large as all
     // Lines do not count in masks.
     std::shared_ptr<const StrokedShape> strokes;
     swf::Point offset;
@@ -180,6 +182,7 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
 
     const bool plain = color.isIdentity();
     for (std::size_t i = 0; i < flat->layers.size(); ++i) {
+        guard::check(static_cast<std::uint32_t>(1 + to.clip.height() / kRowsPerStep));
         const swf::ShapeLayer& layer = shape.layers[i];
         if (!flat->layers[i].runs.empty()) {
             std::vector<StylePaint>& styles = m_drawer.styles();

@@ -23,6 +23,7 @@ public:
 
     DisplayObject* owner = nullptr;
     std::optional<swf::FillStyle> fill; ///< the one that is open
+    std::size_t pieces = 0;             ///< that triangles in depth were cut into since it was cleared
 private:
     stage::Drawing m_unseen;
 };
@@ -45,6 +46,11 @@ std::optional<swf::LineStyle> lineOf(double width, std::uint32_t rgb, double alp
                                      std::u16string_view scale, std::u16string_view caps,
                                      std::u16string_view joints, double miter);
 void cubicTo(stage::Drawing& drawing, swf::Point c1, swf::Point c2, swf::Point to);
+/// As twips of a pen; 0 for what is not finite.
+double penTwips(double pixels);
+[[noreturn]] void invalidGraphicsArgument(Vm& vm);
+void addTriangles(Vm& vm, GraphicsObject& graphics, Value vertices, Value indices, Value uvs,
+                  std::u16string_view culling);
 Value drawPath(Call& call);
 Value drawTriangles(Call& call);
 Value drawGraphicsData(Call& call);

@@ -18,12 +18,10 @@ namespace
 {
 constexpr double kTwips = swf::kTwipsPerPixel;
 
-double twips(double pixels) { return std::isfinite(pixels) ? std::trunc(pixels * kTwips) : 0; }
-
 swf::Point pointArg(Call& call, std::uint32_t index)
 {
     const double x = call.vm.toNumber(call.arg(index)), y = call.vm.toNumber(call.arg(index + 1));
-    return {twips(x), twips(y)};
+    return {penTwips(x), penTwips(y)};
 }
 double number(Call& call, std::uint32_t index, double missing)
 {
@@ -35,6 +33,8 @@ std::u16string word(Call& call, std::uint32_t index, std::u16string_view missing
     return std::u16string(call.vm.text(call.arg(index)));
 }
 } // namespace
+
+double penTwips(double pixels) { return std::isfinite(pixels) ? std::trunc(pixels * kTwips) : 0; }
 
 stage::Drawing& GraphicsObject::drawing()
 {
@@ -66,6 +66,7 @@ std::vector<double> numbersOf(Vm& vm, Value list)
     const std::uint32_t length = std::min(kMax, vm.toUint(vm.getPublic(list, "length")));
     numbers.reserve(length);
     for (std::uint32_t i = 0; i < length; ++i) {
+        vm.check();
         Value value;
         object->element(i, value);
         numbers.push_back(vm.toNumber(value));
@@ -187,6 +188,7 @@ Value clear(Call& call)
     auto& self = graphicsSelf(call);
     self.drawing().clear();
     self.fill.reset();
+    self.pieces = 0;
     self.changed();
     return {};
 }
@@ -299,11 +301,11 @@ Value drawRect(Call& call)
     const double x = call.vm.toNumber(call.arg(0)), y = call.vm.toNumber(call.arg(1)),
                  right = x + call.vm.toNumber(call.arg(2)), bottom = y + call.vm.toNumber(call.arg(3));
     stage::Drawing& pen = self.drawing();
-    pen.moveTo({twips(x), twips(y)});
-    pen.lineTo({twips(right), twips(y)});
-    pen.lineTo({twips(right), twips(bottom)});
-    pen.lineTo({twips(x), twips(bottom)});
-    pen.lineTo({twips(x), twips(y)});
+    pen.moveTo({penTwips(x), penTwips(y)});
+    pen.lineTo({penTwips(right), penTwips(y)});
+    pen.lineTo({penTwips(right), penTwips(bottom)});
+    pen.lineTo({penTwips(x), penTwips(bottom)});
+    pen.lineTo({penTwips(x), penTwips(y)});
     self.changed();
     return {};
 }

@@ -7,23 +7,20 @@
 #include <algorithm>
 #include <cmath>
 
-// Drawings as data: paths, triangles, records of IGraphicsData.
+// Drawings as data: paths, records of IGraphicsData.
 namespace flash::avm2
 {
+
+void invalidGraphicsArgument(Vm& vm)
+{
+    vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
+}
 
 using Kind = NativeMember::Kind;
 
 namespace
 {
 
-constexpr double kTwips = swf::kTwipsPerPixel;
-
-double twips(double pixels) { return std::isfinite(pixels) ? std::trunc(pixels * kTwips) : 0; }
-
-[[noreturn]] void invalid(Vm& vm)
-{
-    vm.throwError(ErrorClass::Argument, 2004, "One of the parameters is invalid.");
-}
 [[noreturn]] void notAccepted(Vm& vm, std::string_view name)
 {
     vm.throwError(ErrorClass::Argument, 2008,
@@ -51,16 +48,17 @@ bool isCulling(Vm& vm, Value culling)
 void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
 {
     const auto commands = numbersOf(vm, commandList), data = numbersOf(vm, dataList);
-    if (!commands.empty() && data.size() % 2 != 0) invalid(vm);
+    if (!commands.empty() && data.size() % 2 != 0) invalidGraphicsArgument(vm);
     stage::Drawing& pen = graphics.drawing();
     std::size_t at = 0;
     const auto left = [&](std::size_t wanted) { return at + wanted <= data.size(); };
     const auto point = [&] {
-        const swf::Point p{twips(data[at]), twips(data[at + 1])};
+        const swf::Point p{penTwips(data[at]), penTwips(data[at + 1])};
         at += 2;
         return p;
     };
     for (const double command : commands) {
+        vm.check();
         switch (vm.toInt(Value(command))) {
         case 4: // with two numbers that do not count
         case 1:
@@ -90,128 +88,6 @@ void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
         // One that there is not ends the path.
         default: return graphics.changed();
         }
-    }
-    graphics.changed();
-}
-
-struct Corner {
-    swf::Point at, uv;
-    double depth = 1; ///< as scripts have it: the greater, the nearer
-};
-
-/// A bitmap fill whose corners of the picture (0..1) lie where those of the triangle do.
-std::optional<swf::FillStyle> stretched(const swf::FillStyle& fill, const std::array<Corner, 3>& t)
-{
-    if (!fill.bitmap) return {};
-    const double w = fill.bitmap->width * kTwips, h = fill.bitmap->height * kTwips;
-    const swf::Point u{(t[1].uv.x - t[0].uv.x) * w, (t[1].uv.y - t[0].uv.y) * h};
-    const swf::Point v{(t[2].uv.x - t[0].uv.x) * w, (t[2].uv.y - t[0].uv.y) * h};
-    const swf::Matrix source{u.x, u.y, v.x, v.y, t[0].uv.x * w, t[0].uv.y * h};
-    if (!source.isInvertible()) return {};
-    const swf::Matrix target{t[1].at.x - t[0].at.x,
-                             t[1].at.y - t[0].at.y,
-                             t[2].at.x - t[0].at.x,
-                             t[2].at.y - t[0].at.y,
-                             t[0].at.x,
-                             t[0].at.y};
-    swf::FillStyle result = fill;
-    result.matrix = target * source.inverted() * swf::Matrix{kTwips, 0, 0, kTwips, 0, 0};
-    return result;
-}
-
-void outline(stage::Drawing& pen, const std::array<Corner, 3>& corners)
-{
-    pen.moveTo(corners[0].at);
-    pen.lineTo(corners[1].at);
-    pen.lineTo(corners[2].at);
-    pen.lineTo(corners[0].at);
-}
-
-/// A fill lies flat on its triangle. One whose corners are of different depth is therefore cut where an
-/// edge's middle would show the wrong place of the picture, which leaves no gaps: triangles that share an
-/// edge cut it alike.
-void fillInDepth(stage::Drawing& pen, const swf::FillStyle& fill, const std::array<Corner, 3>& corners,
-                 int cuts)
-{
-    constexpr double kSlack = 10; // twips
-    std::size_t worst = 0;
-    double most = 0;
-    for (std::size_t i = 0; i < 3 && cuts > 0; ++i) {
-        const Corner &a = corners[i], &b = corners[(i + 1) % 3];
-        if (!(a.depth > 0 && b.depth > 0)) continue;
-        const double off =
-            std::abs(b.depth / (a.depth + b.depth) - 0.5) * std::hypot(b.at.x - a.at.x, b.at.y - a.at.y);
-        if (off > most) {
-            most = off;
-            worst = i;
-        }
-    }
-    if (most <= kSlack) {
-        if (auto own = stretched(fill, corners)) pen.beginFill(std::move(*own));
-        outline(pen, corners);
-        return;
-    }
-    const Corner &a = corners[worst], &b = corners[(worst + 1) % 3], &c = corners[(worst + 2) % 3];
-    const double share = b.depth / (a.depth + b.depth);
-    const Corner middle{{(a.at.x + b.at.x) / 2, (a.at.y + b.at.y) / 2},
-                        {std::lerp(a.uv.x, b.uv.x, share), std::lerp(a.uv.y, b.uv.y, share)},
-                        (a.depth + b.depth) / 2};
-    fillInDepth(pen, fill, {a, middle, c}, cuts - 1);
-    fillInDepth(pen, fill, {middle, b, c}, cuts - 1);
-}
-
-void triangles(Vm& vm, GraphicsObject& graphics, Value vertexList, Value indexList, Value uvList,
-               std::u16string_view culling)
-{
-    const auto vertices = numbersOf(vm, vertexList), uvs = numbersOf(vm, uvList);
-    std::vector<double> indices = numbersOf(vm, indexList);
-    const bool indexed = !indexList.isNullish();
-    if (vertices.size() % 2 != 0) invalid(vm);
-    const std::size_t points = vertices.size() / 2;
-    if (indexed ? indices.size() % 3 != 0 : vertices.size() % 6 != 0) invalid(vm);
-    if (!indexed) {
-        for (std::size_t i = 0; i < points; ++i) indices.push_back(static_cast<double>(i));
-    }
-    const std::size_t uvStep = points > 0 && uvs.size() >= 3 * points ? 3 : 2;
-    const bool hasUv = points > 0 && uvs.size() >= uvStep * points;
-    const std::optional<swf::FillStyle> fill = graphics.fill;
-    stage::Drawing& pen = graphics.drawing();
-    for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
-        std::array<Corner, 3> corners;
-        bool known = true;
-        for (std::size_t k = 0; k < 3; ++k) {
-            const double index = indices[i + k];
-            known = known && index >= 0 && index < static_cast<double>(points);
-            if (!known) break;
-            const auto n = static_cast<std::size_t>(index);
-            corners[k].at = {twips(vertices[2 * n]), twips(vertices[2 * n + 1])};
-            if (hasUv) corners[k].uv = {uvs[uvStep * n], uvs[uvStep * n + 1]};
-            if (hasUv && uvStep == 3) corners[k].depth = uvs[uvStep * n + 2];
-        }
-        // One with a corner that there is not ends them.
-        if (!known) break;
-        const auto [a, b, c] = corners;
-        const double turn = (b.at.x - a.at.x) * (c.at.y - a.at.y) - (b.at.y - a.at.y) * (c.at.x - a.at.x);
-        if ((culling == u"positive" && turn > 0) || (culling == u"negative" && turn < 0)) continue;
-        const bool hasPicture = hasUv && fill && fill->kind == swf::FillStyle::Kind::Bitmap;
-        if (hasPicture && (a.depth != b.depth || a.depth != c.depth)) {
-            // Lines go around the whole of it.
-            constexpr int kMaxCuts = 10;
-            const std::optional<swf::LineStyle> line = pen.currentLine();
-            pen.lineStyle({});
-            // Twice, so that hardly anything shines through between the smooth edges of the parts.
-            fillInDepth(pen, *fill, corners, kMaxCuts);
-            fillInDepth(pen, *fill, corners, kMaxCuts);
-            if (!line) continue;
-            pen.endFill();
-            pen.lineStyle(line);
-            outline(pen, corners);
-            continue;
-        }
-        if (hasPicture) {
-            if (auto own = stretched(*fill, corners)) pen.beginFill(std::move(*own));
-        }
-        outline(pen, corners);
     }
     graphics.changed();
 }
@@ -250,8 +126,8 @@ void drawRecord(Vm& vm, GraphicsObject& graphics, Object& record)
         return path(vm, graphics, slot(record, 0), slot(record, 1));
     }
     if (name == u"GraphicsTrianglePath")
-        return triangles(vm, graphics, slot(record, 0), slot(record, 1), slot(record, 2),
-                         wordOf(vm, slot(record, 3)));
+        return addTriangles(vm, graphics, slot(record, 0), slot(record, 1), slot(record, 2),
+                            wordOf(vm, slot(record, 3)));
     if (name != u"GraphicsStroke") return openFill(graphics, fillOf(vm, record));
     auto line =
         lineOf(vm.toNumber(slot(record, 0)), 0, 1, vm.toBoolean(slot(record, 1)), wordOf(vm, slot(record, 2)),
@@ -383,9 +259,9 @@ Value drawPath(Call& call)
 Value drawTriangles(Call& call)
 {
     auto& self = graphicsSelf(call);
-    if (call.has(3) && !isCulling(call.vm, call.arg(3))) invalid(call.vm);
+    if (call.has(3) && !isCulling(call.vm, call.arg(3))) invalidGraphicsArgument(call.vm);
     const std::u16string culling = call.has(3) ? std::u16string(call.vm.text(call.arg(3))) : u"none";
-    triangles(call.vm, self, call.arg(0), call.arg(1), call.arg(2), culling);
+    addTriangles(call.vm, self, call.arg(0), call.arg(1), call.arg(2), culling);
     return {};
 }
 
@@ -410,6 +286,7 @@ Value copyGraphics(Call& call)
     if (source == nullptr || source == &self) return {};
     self.drawing() = source->drawing();
     self.fill = source->fill;
+    self.pieces = source->pieces;
     self.changed();
     return {};
 }
