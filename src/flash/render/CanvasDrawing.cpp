@@ -26,11 +26,6 @@ Coverage coverageOf(Quality quality)
     return Coverage::Exact;
 }
 
-FillRule fillRuleOf(const swf::Shape& shape)
-{
-    return shape.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
-}
-
 bool isGradient(swf::FillStyle::Kind kind)
 {
     return kind != swf::FillStyle::Kind::Solid && kind != swf::FillStyle::Kind::Bitmap;
@@ -166,8 +161,10 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
     // Lines do not count in masks.
     std::shared_ptr<const StrokedShape> strokes;
     swf::Point offset;
+    bool mayComeAgain = owner != nullptr && to.building == nullptr;
     if (to.building == nullptr && hasLines(*flat)) {
         const bool keep = owner != nullptr && !hasHintedLines(shape);
+        mayComeAgain = keep;
         const swf::Matrix matrix = keep ? withoutTranslation(toDevice) : toDevice;
         if (keep) {
             offset = {toDevice.tx, toDevice.ty};
@@ -178,6 +175,14 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
                 std::make_shared<const StrokedShape>(outlineStrokes(shape, *flat, matrix, m_pixelScale));
             if (keep) m_cache.impl().keepStrokes(*owner, matrix, m_pixelScale, strokes);
         }
+    }
+
+    std::shared_ptr<const StampedShape> stamps;
+    NextStamp next;
+    if (const int steps = gridSteps(to.coverage); mayComeAgain && steps != 0) {
+        const WholePixels whole = wholePixels(toDevice, steps);
+        stamps = stampsOf(*owner, *flat, strokes.get(), to, toDevice, whole);
+        if (stamps != nullptr) next = {stamps->parts.data(), whole.dx, whole.dy};
     }
 
     const bool plain = color.isIdentity();
@@ -197,22 +202,28 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
                     ramp = m_cache.impl().ramp(*owner, i, n);
                 styles.push_back(stylePaint(layer.fills[n], toDevice, color, ramp.get()));
             }
-            m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(shape));
+            if (next.stamp != nullptr)
+                m_drawer.stamp(to, *next.stamp++, next.dx, next.dy);
+            else
+                m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(shape));
         }
-        if (strokes != nullptr) drawStrokes(to, shape, *strokes, i, offset, toDevice, color);
+        if (strokes != nullptr) drawStrokes(to, shape, *strokes, i, offset, toDevice, color, next);
     }
 }
 
 void Canvas::Impl::drawStrokes(const Destination& to, const swf::Shape& shape, const StrokedShape& strokes,
                                std::size_t layer, swf::Point offset, const swf::Matrix& toDevice,
-                               const swf::ColorTransform& color)
+                               const swf::ColorTransform& color, NextStamp& next)
 {
     for (const StrokedLine& line : strokes.lines) {
         if (line.layer != layer) continue;
         const swf::LineStyle& style = shape.layers[layer].lines[line.line - 1U];
         setSingleStyle(style.fill ? stylePaint(*style.fill, toDevice, color)
                                   : StylePaint{premultiply(apply(color, style.color)), nullptr});
-        m_drawer.stroke(to, line.outline, offset);
+        if (next.stamp != nullptr)
+            m_drawer.stamp(to, *next.stamp++, next.dx, next.dy);
+        else
+            m_drawer.stroke(to, line.outline, offset);
     }
 }
 

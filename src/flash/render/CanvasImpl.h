@@ -30,6 +30,11 @@ struct CanvasFrame {
     std::size_t firstMaskBefore = 0;
 };
 
+inline FillRule fillRuleOf(const swf::Shape& shape)
+{
+    return shape.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
+}
+
 /// What a canvas is made of: what it draws with, and the masks and layers that are open.
 class Canvas::Impl
 {
@@ -92,9 +97,26 @@ private:
     StylePaint stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
                           const swf::ColorTransform& color, const GradientRamp* known = nullptr) const;
     [[nodiscard]] Smoothing smoothingOf(bool wanted) const;
+    struct NextStamp {
+        const Stamp* stamp = nullptr; ///< null where there are none
+        int dx = 0, dy = 0;
+    };
     void drawStrokes(const Destination& to, const swf::Shape& shape, const StrokedShape& strokes,
                      std::size_t layer, swf::Point offset, const swf::Matrix& toDevice,
-                     const swf::ColorTransform& color);
+                     const swf::ColorTransform& color, NextStamp& next);
+    // A translation apart from what is left of it within a pixel, in steps of a grid.
+    struct WholePixels {
+        int dx = 0, dy = 0;
+        int stepsX = 0, stepsY = 0;
+        bool isNear = false; ///< else the rest says nothing
+    };
+    static WholePixels wholePixels(const swf::Matrix& toDevice, int steps);
+    /// What was converted before for the shape in the same place but for whole pixels, or is now to be kept.
+    /// Null when it is not worth it, or parts of it are outside the clip.
+    std::shared_ptr<const StampedShape> stampsOf(const std::shared_ptr<const swf::Shape>& shape,
+                                                 const FlatShape& flat, const StrokedShape* strokes,
+                                                 const Destination& to, const swf::Matrix& toDevice,
+                                                 const WholePixels& whole);
     bool layLetter(const Destination& to, const GlyphPlacement& glyph, std::uint32_t pixel);
     void setSingleStyle(StylePaint paint);
     void pushFrame(Frame::Kind kind, const IntRect& bounds);
@@ -104,7 +126,8 @@ private:
     std::vector<Frame> m_frames;
     std::vector<Mask> m_masks; // each already cut by those before it
     std::vector<std::uint8_t> m_letterRow;
-    std::size_t m_firstMask = 0; // masks before this one apply to the layer as a whole
+    std::vector<IntRect> m_reaches; ///< of what a shape's stamps are made of
+    std::size_t m_firstMask = 0;    // masks before this one apply to the layer as a whole
 };
 
 } // namespace flash::render

@@ -88,6 +88,10 @@ void OutlineDrawer::convert(const Destination& to, const IntRect& bounds, FillRu
 {
     const IntRect area = intersect(to.clip, bounds);
     if (area.isEmpty()) return;
+    if (to.stamp != nullptr) {
+        convertPart(to, area, rule, feed, *to.stamp);
+        return;
+    }
     if (to.building == nullptr) {
         m_painter.setTarget(to.target, to.mask);
         convertPart(to, area, rule, feed, m_painter);
@@ -105,12 +109,30 @@ void OutlineDrawer::convert(const Destination& to, const IntRect& bounds, FillRu
     uniteInto(*to.building, part);
 }
 
+IntRect OutlineDrawer::reach(Coverage coverage, const FlatLayer& layer, const swf::Matrix& m)
+{
+    if (layer.points.empty()) return {};
+    return roundedOn(coverage, boundsOf(m, layer.min.x, layer.min.y, layer.max.x, layer.max.y));
+}
+
+IntRect OutlineDrawer::reach(Coverage coverage, const StrokeOutline& outline, swf::Point offset)
+{
+    if (outline.points.empty()) return {};
+    return roundedOn(coverage, boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.min.x, outline.min.y,
+                                        outline.max.x, outline.max.y));
+}
+
+void OutlineDrawer::stamp(const Destination& to, const Stamp& stamp, int dx, int dy)
+{
+    m_painter.setTarget(to.target, to.mask);
+    stamp.paint(m_painter, to.target, to.clip, dx, dy);
+}
+
 void OutlineDrawer::drawLayer(const Destination& to, const FlatLayer& layer, const swf::Matrix& m,
                               FillRule rule, Numbers numbers)
 {
     if (layer.points.empty()) return;
-    const IntRect bounds =
-        roundedOn(to.coverage, boundsOf(m, layer.min.x, layer.min.y, layer.max.x, layer.max.y));
+    const IntRect bounds = reach(to.coverage, layer, m);
     convert(to, bounds, rule, [&](const IntRect& area) {
         const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         // Relative to the area, in subpixels.
@@ -176,8 +198,7 @@ void OutlineDrawer::silhouette(const Destination& to, const FlatLayer& layer, co
 void OutlineDrawer::stroke(const Destination& to, const StrokeOutline& outline, swf::Point offset)
 {
     if (outline.points.empty()) return;
-    const IntRect bounds = roundedOn(to.coverage, boundsOf({1, 0, 0, 1, offset.x, offset.y}, outline.min.x,
-                                                           outline.min.y, outline.max.x, outline.max.y));
+    const IntRect bounds = reach(to.coverage, outline, offset);
     convert(to, bounds, FillRule::NonZero, [&](const IntRect& area) {
         const bool inside = to.coverage == Coverage::Exact && area.contains(bounds);
         m_converter.setStyles(0, 1);

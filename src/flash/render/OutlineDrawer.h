@@ -4,6 +4,7 @@
 #include "flash/render/Mask.h"
 #include "flash/render/ScanConverter.h"
 #include "flash/render/SpanPainter.h"
+#include "flash/render/Stamp.h"
 #include "flash/render/Stroker.h"
 
 #include <vector>
@@ -18,6 +19,7 @@ struct Destination {
     const Mask* mask = nullptr; ///< null for none; never a plain rectangle, which the clip stands for
     Mask* building = nullptr;   ///< not null: coverage is added here, nothing is painted
     Coverage coverage = Coverage::Exact;
+    StampSink* stamp = nullptr; ///< not null: takes all there is within the clip, and nothing is painted
 };
 
 /// Converts outlines and paints them, with scratch memory that is kept from one to the next.
@@ -36,6 +38,12 @@ public:
     /// A stroke with style 1.
     /// @param offset what is still missing from the outline's coordinates to device pixels
     void stroke(const Destination& to, const StrokeOutline& outline, swf::Point offset);
+    /// What fills() or stroke() would do again. @param dx,dy the whole pixel that the outline is moved to
+    void stamp(const Destination& to, const Stamp& stamp, int dx, int dy);
+    /// What those two would touch without any clip.
+    [[nodiscard]] static IntRect reach(Coverage coverage, const FlatLayer& layer,
+                                       const swf::Matrix& toDevice);
+    [[nodiscard]] static IntRect reach(Coverage coverage, const StrokeOutline& outline, swf::Point offset);
     /// A convex or other polygon in device pixels with style 1.
     void polygon(const Destination& to, std::span<const swf::Point> corners);
 

@@ -4,6 +4,7 @@
 #include "flash/render/OutlineDrawer.h"
 #include "flash/render/Paint.h"
 #include "flash/render/RenderCache.h"
+#include "flash/render/Stamp.h"
 #include "flash/render/Stroker.h"
 
 #include <cstdint>
@@ -27,7 +28,10 @@ struct StrokedShape {
 class RenderCache::Impl
 {
 public:
-    explicit Impl(std::size_t budgetBytes) : m_budget(budgetBytes) {}
+    explicit Impl(std::size_t budgetBytes)
+        : m_budget(budgetBytes - budgetBytes / 4), m_stamps(budgetBytes / 4)
+    {
+    }
 
     std::shared_ptr<const FlatShape> flatShape(const std::shared_ptr<const swf::Shape>& shape, int scaleStep);
 
@@ -52,7 +56,9 @@ public:
     /// otherwise get and clear for each. It holds nothing from one drawing call to the next.
     [[nodiscard]] OutlineDrawer& drawer() { return m_drawer; }
 
-    [[nodiscard]] std::size_t usedBytes() const { return m_used; }
+    [[nodiscard]] StampCache& stamps() { return m_stamps; }
+
+    [[nodiscard]] std::size_t usedBytes() const { return m_used + m_stamps.usedBytes(); }
 
 private:
     enum class Kind : std::uint8_t { Fills, Strokes, Letter, Ramp };
@@ -88,6 +94,7 @@ private:
     std::size_t m_lookAgainAt = 0; ///< bytes in use with which dead ones may have become many
     std::uint64_t m_clock = 0;
     std::unordered_map<Key, Entry, KeyHash> m_entries;
+    StampCache m_stamps;
 };
 
 } // namespace flash::render

@@ -1,0 +1,75 @@
+#include "Scenes.h"
+
+#include "flash/render/RenderCacheImpl.h"
+
+#include <gtest/gtest.h>
+
+namespace flash::render
+{
+namespace
+{
+
+using namespace test;
+
+TEST(Stamps, PaintWhatConversionPaints)
+{
+    constexpr int kWidth = 220, kHeight = 160;
+    for (const Quality quality : {Quality::Low, Quality::Medium, Quality::High, Quality::Best}) {
+        const Scene scene(7);
+        RenderCache cache;
+        Surface surface(kWidth, kHeight);
+        for (int frame = 0; frame < 24; ++frame) {
+            const int time = frame % 6;
+            Canvas canvas(surface.view(), quality, cache);
+            // A part of the picture only, now and then: what it cuts is not stamped.
+            if (frame % 5 == 4) canvas.setClip({30, 20, 150, 120});
+            scene.draw(canvas, kWidth, kHeight, time);
+
+            RenderCache fresh;
+            Surface expected(kWidth, kHeight);
+            Canvas plain(expected.view(), quality, fresh);
+            if (frame % 5 == 4) plain.setClip({30, 20, 150, 120});
+            scene.draw(plain, kWidth, kHeight, time);
+            const IntRect seen = frame % 5 == 4 ? IntRect{30, 20, 150, 120} : expected.bounds();
+            int different = 0;
+            for (int y = seen.top; y < seen.bottom; ++y)
+                for (int x = seen.left; x < seen.right; ++x)
+                    different += surface.pixel(x, y) == expected.pixel(x, y) ? 0 : 1;
+            EXPECT_EQ(different, 0) << "frame " << frame << ", quality " << static_cast<int>(quality);
+            EXPECT_EQ(fresh.impl().stamps().usedBytes(), 0U);
+        }
+        const bool onGrid = quality == Quality::Medium || quality == Quality::High;
+        EXPECT_EQ(cache.impl().stamps().usedBytes() > 0, onGrid);
+    }
+}
+
+TEST(Stamps, AreNotMadeOfWhatIsDrawnOnce)
+{
+    RenderCache cache;
+    Surface surface(100, 100);
+    Canvas canvas(surface.view(), Quality::High, cache);
+    const auto square = rectShape(-20, -20, 20, 20, solid(255, 0, 0));
+    for (int i = 0; i < 500; ++i) {
+        const double c = 0.05 * std::cos(0.001 * i), s = 0.05 * std::sin(0.001 * i);
+        canvas.drawShape(square, {c, s, -s, c, 50, 50});
+        canvas.drawShape(rectShape(i % 9, 0, 20, 20, solid(0, 0, 255)), kStage);
+    }
+    EXPECT_EQ(cache.impl().stamps().usedBytes(), 0U);
+}
+
+TEST(Stamps, KeepToTheirBudgetAndForgetTheDead)
+{
+    constexpr std::size_t kBudget = std::size_t{256} << 10;
+    RenderCache cache(kBudget);
+    Surface surface(400, 400);
+    Canvas canvas(surface.view(), Quality::High, cache);
+    for (int i = 0; i < 300; ++i) {
+        const auto star = rectShape(0, 0.5, 20 + i, 300, solid(255, 0, 0));
+        for (int again = 0; again < 3; ++again) canvas.drawShape(star, kStage);
+        ASSERT_LE(cache.usedBytes(), kBudget);
+    }
+    EXPECT_EQ(surface.pixel(300, 100), kRed);
+}
+
+} // namespace
+} // namespace flash::render
