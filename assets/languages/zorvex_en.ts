@@ -1499,5 +1499,21 @@ Start the program again; if that does not help, install it anew.</translation>
         <source>Копировать</source>
         <translation>Copy</translation>
     </message>
+    <message>
+        <source>Вырезать</source>
+        <translation>Cut</translation>
+    </message>
+    <message>
+        <source>Вставить</source>
+        <translation>Paste</translation>
+    </message>
+    <message>
+        <source>Удалить</source>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>Выделить всё</source>
+        <translation>Select All</translation>
+    </message>
 </context>
 </TS>

@@ -56,6 +56,7 @@ void FlashControl::unload(int layer)
         d->movie.clear();
         d->background.reset();
         update();
+        d->forgetMenu();
     }
     if (layer == 0 && d->isRemote) {
         d->newLocal();
@@ -252,6 +253,15 @@ void FlashControl::setClipboardAllowed(bool allowed) { d->clipboardAllowed = all
 void FlashControl::interrupt() { d->port->interrupt(); }
 void FlashControl::advance(double ms) { d->command(control::Advance{ms}); }
 
+FlashControl::Menu FlashControl::openMenu(std::optional<QPointF> at) { return d->openMenu(at); }
+
+void FlashControl::chooseMenuItem(quint32 menu, int item)
+{
+    if (menu == 0 || menu != d->menu || item < 0) return;
+    d->userActed();
+    d->pass(control::ChooseMenuItem{menu, static_cast<std::uint32_t>(item)});
+}
+
 QSize FlashControl::sizeHint() const
 {
     const QSize size = movieSize();
@@ -368,7 +378,14 @@ void FlashControl::inputMethodEvent(QInputMethodEvent* event)
     event->accept();
 }
 
-void FlashControl::focusInEvent(QFocusEvent*) { d->pass(control::FocusChange{1}); }
-void FlashControl::focusOutEvent(QFocusEvent*) { d->pass(control::FocusChange{0}); }
+void FlashControl::focusInEvent(QFocusEvent*) { d->tellFocus(control::FocusChange::Kind::Gained); }
+
+void FlashControl::focusOutEvent(QFocusEvent* event)
+{
+    using Kind = control::FocusChange::Kind;
+    // Commands of a menu are for what has the focus in the movie.
+    const bool isMenu = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::MenuBarFocusReason;
+    d->tellFocus(isMenu ? Kind::Paused : Kind::Lost);
+}
 
 } // namespace flash

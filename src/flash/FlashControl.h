@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
 #include <QWidget>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace flash
 {
@@ -187,12 +189,33 @@ public:
     /// Moves the movie on by that much of simulated time, unheard, suspended or not.
     void advance(double ms);
 
+    /// What the movie adds to the host's menu of the right button.
+    struct Menu {
+        struct Item {
+            /// All but a movie's own items have the host's captions.
+            enum class Kind : quint8 { Own, Cut, Copy, Paste, Clear, SelectAll };
+            Kind kind = Kind::Own;
+            QString caption; ///< of one line
+            bool separatorBefore = false, enabled = true;
+        };
+        quint32 id = 0;
+        QList<Item> items; ///< in their order: 15 of the movie's own at most, then those for a text
+    };
+    /// The user asks for a menu: the movie hears of it and says what it adds. Empty when the movie is busy.
+    /// @param at of this widget; nothing: the menu of what has the focus in the movie
+    [[nodiscard]] Menu openMenu(std::optional<QPointF> at);
+    /// Tells the movie. Nothing happens when its menu has ended meanwhile.
+    /// @param item its place in the menu
+    void chooseMenuItem(quint32 menu, int item);
+
     [[nodiscard]] QSize sizeHint() const override;
 
     /// The names of Quality2 in the order of Quality.
     [[nodiscard]] static QStringList qualityNames();
 
 signals:
+    /// The movie whose menu was opened last plays no more: nothing of it can be chosen.
+    void menuEnded();
     void FSCommand(const QString& command, const QString& args);
     void OnReadyStateChange(int newState);
     void OnProgress(int percentDone);

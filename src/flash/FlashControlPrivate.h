@@ -5,6 +5,7 @@
 #include "flash/control/Inbox.h"
 #include "flash/control/LocalMovie.h"
 #include "flash/control/RemoteMovie.h"
+#include "flash/stage/ContextMenu.h"
 #include "flash/stage/Stage.h"
 
 #include <QClipboard>
@@ -220,6 +221,7 @@ public:
         }
         error.clear();
         if (layer == 0) {
+            forgetMenu();
             movieLoad = lastLoad;
             this->loading = loading.state == State::GoesOn;
             sources = {{lastLoad, sources.value(lastLoad)}};
@@ -350,6 +352,7 @@ public:
             return;
         }
         const QString lostMovie = movie;
+        forgetMenu();
         if (loss == Loss::NeverBegan && loadAgain(lostMovie)) return;
         movie.clear();
         speaking = 0;
@@ -396,6 +399,53 @@ public:
         sinceAct.start();
     }
 
+    void tellFocus(control::FocusChange::Kind kind)
+    {
+        pass(control::FocusChange{static_cast<std::uint8_t>(kind)});
+    }
+
+    // ---- the menu
+    // -------------------------------------------------------------------------------------------
+
+    [[nodiscard]] Menu openMenu(std::optional<QPointF> at)
+    {
+        using Kind = stage::MenuItem::Kind;
+        if (port->isBusy() || state().open == 0) return {};
+        control::OpenMenu open{++lastMenu, 0, 0, 0};
+        if (at) {
+            const QPointF device = *at * q.devicePixelRatioF();
+            open = {lastMenu, 1, device.x(), device.y()};
+        }
+        menu = open.id;
+        const auto told = port->menu(open);
+        Menu shown{open.id, {}};
+        // A process that is not what it seems obeys the same rules.
+        stage::MenuItems allowed;
+        for (const control::MenuEntry& item : told) {
+            const auto kind = static_cast<Kind>(item.kind);
+            if (kind == Kind::Own)
+                allowed.add(QString::fromStdString(item.caption).toStdU16String(), item.separatorBefore != 0,
+                            item.enabled != 0, true);
+            else
+                allowed.add(kind, item.enabled != 0);
+        }
+        const auto items = allowed.take();
+        // What the far end numbers is what stands there: a list that was changed here is none of this
+        // movie's.
+        if (items.size() != told.size()) return {};
+        for (const stage::MenuItem& item : items)
+            shown.items.append({static_cast<Menu::Item::Kind>(item.kind),
+                                QString::fromStdString(item.caption), item.separatorBefore, item.enabled});
+        settle();
+        return shown;
+    }
+
+    /// Another movie comes, or none.
+    void forgetMenu()
+    {
+        if (std::exchange(menu, 0) != 0) emit q.menuEnded();
+    }
+
     void mouse(QMouseEvent* event, int clicks)
     {
         using Kind = control::Mouse::Kind;
@@ -424,6 +474,7 @@ public:
     QHash<std::uint32_t, Source> sources; // by the loads' ids
     std::uint32_t lastLoad = 0, movieLoad = 0, speaking = 0;
     int readyState = 0;
+    std::uint32_t lastMenu = 0, menu = 0; // the one that may be chosen from; 0: none
     std::function<bool()> timeout, watch;
     std::vector<control::ToMovie> early; // of a movie that is still loading
     int startsLeft = 0, takenOver = 0;

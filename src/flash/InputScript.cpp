@@ -77,6 +77,22 @@ char32_t characterOf(int keyCode)
     return printsOrControls ? static_cast<char32_t>(keyCode) : 0;
 }
 
+/// A line of what a menu shows, as it stands among the traces.
+std::string menuLine(const stage::MenuItem& item)
+{
+    constexpr const char* kKinds[] = {"", "[cut]", "[copy]", "[paste]", "[clear]", "[select all]"};
+    return std::string("menu: ") + (item.separatorBefore ? "| " : "") + item.caption +
+           kKinds[static_cast<std::size_t>(item.kind)] + (item.enabled ? "" : " (off)");
+}
+
+void openMenu(Stage& stage, const std::function<std::vector<stage::MenuItem>()>& open)
+{
+    const auto items = open();
+    stage::HostEvents& host = stage.services().host;
+    if (items.empty()) host.traceLine("menu: nothing");
+    for (const stage::MenuItem& item : items) host.traceLine(menuLine(item));
+}
+
 /// @returns an empty step for what is no event.
 Step stepOf(const QJsonObject& event, const std::function<void(std::string)>& setClipboard)
 {
@@ -100,6 +116,18 @@ Step stepOf(const QJsonObject& event, const std::function<void(std::string)>& se
                                                      : event["pixels"].toDouble() / kPixelsPerWheelLine;
         return [=](Stage& stage, const Scale&) { stage.pointer().wheel(static_cast<int>(lines)); };
     }
+    if (type == "OpenMenu" && position.isEmpty())
+        return [](Stage& stage, const Scale&) {
+            openMenu(stage, [&] { return stage.pointer().openFocusMenu(); });
+        };
+    if (type == "OpenMenu")
+        return [=](Stage& stage, const Scale& scale) {
+            openMenu(stage, [&] { return stage.pointer().openMenu(x * scale.x, y * scale.y); });
+        };
+    if (type == "ChooseMenuItem")
+        return [item = event["index"].toInt()](Stage& stage, const Scale&) {
+            stage.pointer().chooseMenuItem(static_cast<std::size_t>(item));
+        };
     if (type == "KeyDown" || type == "KeyUp") {
         const int code = event["key_code"].toInt();
         if (type == "KeyUp")

@@ -51,8 +51,8 @@ QElapsedTimer started()
 
 Player::Player(core::Application& application, const QString& commandLine)
     : m_application(application), m_client(new QWidget(this)), m_movieScreen(*m_client, *this),
-      m_bar(new ControlBar(this)), m_menus(this), m_media(application, *this),
-      m_playback(control(), m_menus, application.GadgetsPath),
+      m_bar(new ControlBar(this)), m_menus(this), m_movieMenu(control(), m_menus.popUp()),
+      m_media(application, *this), m_playback(control(), m_menus, application.GadgetsPath),
       m_transport(
           control(), m_menus,
           {[this](const QString& text) { tell(text); }, [this](int frames) { return GetTime(frames); }}),

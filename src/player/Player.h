@@ -14,6 +14,7 @@
 #include "player/MovieHealth.h"
 #include "player/MovieJournal.h"
 #include "player/MovieList.h"
+#include "player/MovieMenu.h"
 #include "player/MovieScreen.h"
 #include "player/Outside.h"
 #include "player/PageCommands.h"
@@ -352,7 +353,8 @@ private:
     void followWindow();
     /// Near the window's upper left corner, for who has asked by the keyboard.
     [[nodiscard]] QPoint menuCorner() const;
-    void showPopUpAt(QPoint place);
+    enum class Asked : quint8 { ByPointer, ByKey };
+    void showPopUpAt(QPoint place, Asked asked);
     void showMenuAt(QPoint place);
     /// Opens what the program itself names, and says so when the system has nothing for it.
     void openKnown(const QUrl& url);
@@ -377,6 +379,7 @@ private:
     MovieScreen m_movieScreen;
     ControlBar* m_bar;
     Menus m_menus;
+    MovieMenu m_movieMenu;
     media::MediaFiles m_media;
     Playback m_playback;
     Transport m_transport;

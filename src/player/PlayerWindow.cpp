@@ -45,11 +45,12 @@ void Player::AssignMenus()
     m_menus.AssignMenus(m_application.AppPath + "media/menus/" + options().menus + '/');
 }
 
-void Player::ShowPopUp() { showPopUpAt(QCursor::pos()); }
+void Player::ShowPopUp() { showPopUpAt(QCursor::pos(), Asked::ByPointer); }
 
-void Player::showPopUpAt(QPoint place)
+void Player::showPopUpAt(QPoint place, Asked asked)
 {
     if (isUnbidden()) return;
+    m_movieMenu.fill(asked == Asked::ByPointer ? std::optional(place) : std::nullopt);
     m_menus.setChecked("mnuPopHQ", control().Quality() == 1);
     m_menus.setChecked("mnuPopLQ", control().Quality() == 0);
     m_menus.item("mnuPopPlay").setText(m_menus.item("mnuPlay").text());
@@ -75,7 +76,7 @@ QPoint Player::menuCorner() const
 
 void Player::contextMenuEvent(QContextMenuEvent* event)
 {
-    event->reason() == QContextMenuEvent::Keyboard ? showPopUpAt(menuCorner()) : ShowPopUp();
+    event->reason() == QContextMenuEvent::Keyboard ? showPopUpAt(menuCorner(), Asked::ByKey) : ShowPopUp();
 }
 
 void Player::connectKeys()
@@ -91,7 +92,7 @@ void Player::connectKeys()
                         chooseFirst(qobject_cast<QMenu*>(QApplication::activePopupWidget()));
                     },
                     [this, chooseFirst] {
-                        showPopUpAt(menuCorner());
+                        showPopUpAt(menuCorner(), Asked::ByKey);
                         chooseFirst(qobject_cast<QMenu*>(QApplication::activePopupWidget()));
                     },
                     [this](int direction) {

@@ -17,6 +17,12 @@ inline constexpr core::Text kOpeningFile      = QT_TRANSLATE_NOOP("zorvex", "О�
 inline constexpr core::Text kSavingFile       = QT_TRANSLATE_NOOP("zorvex", "Сохранение файла...");
 inline constexpr core::Text kMenuPause        = QT_TRANSLATE_NOOP("zorvex", "Приостановить");
 inline constexpr core::Text kMenuPlay         = QT_TRANSLATE_NOOP("zorvex", "Воспроизвести");
+// For the text that the pointer is on.
+inline constexpr core::Text kTextCut          = QT_TRANSLATE_NOOP("zorvex", "Вырезать");
+inline constexpr core::Text kTextCopy         = QT_TRANSLATE_NOOP("zorvex", "Копировать");
+inline constexpr core::Text kTextPaste        = QT_TRANSLATE_NOOP("zorvex", "Вставить");
+inline constexpr core::Text kTextClear        = QT_TRANSLATE_NOOP("zorvex", "Удалить");
+inline constexpr core::Text kTextSelectAll    = QT_TRANSLATE_NOOP("zorvex", "Выделить всё");
 
 inline constexpr core::Text kTimeModes[]      = {QT_TRANSLATE_NOOP("zorvex", "Прошло времени: "), QT_TRANSLATE_NOOP("zorvex", "Осталось времени: "), QT_TRANSLATE_NOOP("zorvex", "Всего времени: "),
                                                   QT_TRANSLATE_NOOP("zorvex", "Прошло кадров: "),  QT_TRANSLATE_NOOP("zorvex", "Осталось кадров: "),  QT_TRANSLATE_NOOP("zorvex", "Всего кадров: ")};

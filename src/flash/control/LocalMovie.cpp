@@ -58,6 +58,13 @@ std::optional<std::string> LocalMovie::variable(const std::string& name)
     return m_value.text;
 }
 
+std::vector<MenuEntry> LocalMovie::menu(const OpenMenu& open)
+{
+    m_menu = {};
+    if (!isBusy()) command(open);
+    return std::exchange(m_menu, {}).items;
+}
+
 void LocalMovie::command(const ToMovie& message)
 {
     m_runner.handle(message);
@@ -128,6 +135,8 @@ void LocalMovie::say(FromMovie message)
         m_loaded = *loaded;
     else if (const auto* value = std::get_if<Value>(&message))
         m_value = *value;
+    else if (auto* menu = std::get_if<Menu>(&message))
+        m_menu = std::move(*menu);
     else
         m_listener.heard(std::move(message));
 }

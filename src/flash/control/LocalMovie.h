@@ -27,6 +27,7 @@ public:
     void command(const ToMovie& message) override;
     void pass(const ToMovie& message) override { command(message); }
     std::optional<std::string> variable(const std::string& name) override;
+    std::vector<MenuEntry> menu(const OpenMenu& open) override;
     void advance(double ms) override { command(Advance{ms}); }
     [[nodiscard]] const State& state() const override { return m_runner.state(); }
     [[nodiscard]] bool isBusy() const override { return m_runner.isBusy(); }
@@ -55,6 +56,7 @@ private:
     std::optional<View> m_wantedView; // came while scripts ran
     Loaded m_loaded;
     Value m_value;
+    Menu m_menu;
 };
 
 } // namespace flash::control

@@ -31,6 +31,16 @@ public:
         const auto* raw = reinterpret_cast<const std::uint8_t*>(text.data());
         m_bytes.insert(m_bytes.end(), raw, raw + units * sizeof(Unit));
     }
+    template <class Entry>
+    void put(const std::vector<Entry>& list)
+    {
+        const std::size_t count = std::min(list.size(), kMaxListed);
+        put(static_cast<std::uint32_t>(count));
+        for (std::size_t i = 0; i < count; ++i) {
+            Entry entry = list[i];
+            std::apply([this](const auto&... field) { (put(field), ...); }, entry.fields());
+        }
+    }
 
 private:
     std::vector<std::uint8_t>& m_bytes;
@@ -59,6 +69,28 @@ public:
         std::memcpy(text.data(), raw.data(), raw.size());
         return {};
     }
+    template <class Entry>
+    base::Result<void> take(std::vector<Entry>& list)
+    {
+        const std::uint32_t count = TRY_RESULT(m_bytes.u32());
+        if (count > kMaxListed)
+            return base::fail(base::ErrorCode::LimitReached, "list of " + std::to_string(count) + " entries");
+        list.resize(count);
+        for (Entry& entry : list) CHECK_RESULT(takeAll(entry));
+        return {};
+    }
+    /// All fields, up to the first that is not there.
+    template <class Fielded>
+    base::Result<void> takeAll(Fielded& fielded)
+    {
+        base::Result<void> failed;
+        [[maybe_unused]] const auto one = [&](auto& field) {
+            failed = take(field);
+            return failed.has_value();
+        };
+        std::apply([&](auto&... field) { (void)(one(field) && ...); }, fielded.fields());
+        return failed;
+    }
     [[nodiscard]] std::size_t remaining() const { return m_bytes.remaining(); }
 
 private:
@@ -86,13 +118,7 @@ base::Result<Message> decodeOne(base::Bytes body)
 {
     std::variant_alternative_t<Index, Message> message;
     Reader reader(body);
-    base::Result<void> failed;
-    [[maybe_unused]] const auto take = [&](auto& field) {
-        failed = reader.take(field);
-        return failed.has_value();
-    };
-    std::apply([&](auto&... field) { (void)(take(field) && ...); }, message.fields());
-    if (!failed) return tl::make_unexpected(std::move(failed).error());
+    CHECK_RESULT(reader.takeAll(message));
     if (reader.remaining() != 0)
         return base::fail(base::ErrorCode::Malformed, "message " + std::to_string(Index) + ": " +
                                                           std::to_string(reader.remaining()) +

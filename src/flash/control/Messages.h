@@ -14,12 +14,15 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 5;
+inline constexpr std::uint32_t kProtocolVersion = 6;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
 /// The longest body of a message. A body that announces more ends the connection.
 inline constexpr std::size_t kMaxBodyBytes = kMaxTextBytes * 6;
+
+/// A list in a message is no longer than this; one that announces more is none.
+inline constexpr std::size_t kMaxListed = 32;
 
 struct Rectangle {
     std::int32_t left = 0, top = 0, width = 0, height = 0;
@@ -114,8 +117,26 @@ struct TypedText {
     auto fields() { return std::tie(text); }
 };
 struct FocusChange {
-    std::uint8_t gained = 0;
+    enum class Kind : std::uint8_t {
+        Lost,
+        Gained,
+        Paused, ///< a menu of the window has the keys
+    };
+    std::uint8_t gained = 0; ///< Kind
     auto fields() { return std::tie(gained); }
+};
+/// The user opens the menu of the right button. Answered by Menu with the same id.
+struct OpenMenu {
+    std::uint32_t id = 0;
+    std::uint8_t byPointer = 1; ///< 0: at what has the focus
+    double x = 0, y = 0;        ///< device pixels of the view
+    auto fields() { return std::tie(id, byPointer, x, y); }
+};
+/// Of the menu `id`, unless another was opened since or the movie is another one.
+struct ChooseMenuItem {
+    std::uint32_t id = 0;
+    std::uint32_t item = 0; ///< its place in the list
+    auto fields() { return std::tie(id, item); }
 };
 /// Moves on by simulated time, unheard.
 struct Advance {
@@ -144,9 +165,9 @@ struct SoundDevice {
     auto fields() { return std::tie(open); }
 };
 
-using ToMovie =
-    std::variant<Load, Unload, Play, Stop, Halt, SetVariable, GetVariable, Settings, Background, View, Mouse,
-                 Key, TypedText, FocusChange, Advance, Sync, Release, Answer, SoundDevice>;
+using ToMovie = std::variant<Load, Unload, Play, Stop, Halt, SetVariable, GetVariable, Settings, Background,
+                             View, Mouse, Key, TypedText, FocusChange, Advance, Sync, Release, Answer,
+                             SoundDevice, OpenMenu, ChooseMenuItem>;
 
 // ---- from the movie to the window -------------------------------------------------------------------------
 
@@ -192,6 +213,18 @@ struct Value {
     std::uint32_t id = 0;
     std::string text;
     auto fields() { return std::tie(id, text); }
+};
+struct MenuEntry {
+    std::uint8_t kind = 0; ///< as stage::MenuItem::Kind
+    std::string caption;
+    std::uint8_t separatorBefore = 0, enabled = 1;
+    auto fields() { return std::tie(kind, caption, separatorBefore, enabled); }
+};
+/// What a movie adds to the window's menu.
+struct Menu {
+    std::uint32_t id = 0;
+    std::vector<MenuEntry> items;
+    auto fields() { return std::tie(id, items); }
 };
 struct Done {
     std::uint32_t id = 0;
@@ -261,11 +294,12 @@ struct LimitReached {
 
 using FromMovie =
     std::variant<Hello, Speaking, Loaded, State, Value, Done, Picture, Command, OpenAddress, TraceLine,
-                 LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory, LimitReached, Begins>;
+                 LogLine, ReadyState, Progress, CopyText, Ask, RanOutOfMemory, LimitReached, Begins, Menu>;
 
 // ---- bytes ------------------------------------------------------------------------------------------------
 // A message is its index in the variant in 16 bits, the body's length in bytes in 32 bits, and the body: the
-// fields in order, numbers little-endian, texts as a 32-bit count of units and the units.
+// fields in order, numbers little-endian, texts as a 32-bit count of units and the units, lists as a 32-bit
+// count and the fields of each entry.
 
 inline constexpr std::size_t kHeaderBytes = 6;
 

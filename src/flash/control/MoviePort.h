@@ -70,6 +70,8 @@ public:
     virtual void pass(const ToMovie& message) = 0;
     /// @returns nothing when the movie is busy.
     virtual std::optional<std::string> variable(const std::string& name) = 0;
+    /// Opens the menu of the right button. @returns what the movie adds; nothing when it is busy
+    virtual std::vector<MenuEntry> menu(const OpenMenu& open) = 0;
     virtual void advance(double ms) = 0;
 
     [[nodiscard]] virtual const State& state() const = 0;

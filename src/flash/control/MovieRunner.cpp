@@ -138,6 +138,7 @@ void MovieRunner::load(const Load& load, std::optional<std::vector<std::uint8_t>
         answer = {load.id, static_cast<std::uint8_t>(opened.has_value()),
                   opened ? std::string() : opened.error().what};
         if (load.layer != 0) return;
+        m_menu = 0;
         if (!opened) {
             say(Speaking{m_loaded = before});
             return;
@@ -155,6 +156,7 @@ void MovieRunner::act(const Unload& unload)
             m_engine.stage().loads().unloadLevel(unload.layer);
             return;
         }
+        m_menu = 0;
         m_engine.close();
         say(Speaking{m_loaded = 0});
     });
@@ -280,7 +282,35 @@ void MovieRunner::type(const std::u32string& text)
 
 void MovieRunner::act(const FocusChange& focus)
 {
-    if (focus.gained == 0) drive([&] { m_engine.stage().keyboard().leave(); });
+    using Kind = FocusChange::Kind;
+    if (focus.gained == static_cast<std::uint8_t>(Kind::Lost))
+        drive([&] { m_engine.stage().keyboard().leave(); });
+    else if (focus.gained == static_cast<std::uint8_t>(Kind::Paused))
+        m_engine.stage().keyboard().pause();
+}
+
+void MovieRunner::act(const OpenMenu& open)
+{
+    Menu menu{open.id, {}};
+    drive([&] {
+        if (!m_engine.isOpen()) return;
+        stage::Pointer& pointer = m_engine.stage().pointer();
+        m_menu = open.id;
+        for (stage::MenuItem& item :
+             open.byPointer != 0 ? pointer.openMenu(open.x, open.y) : pointer.openFocusMenu())
+            menu.items.push_back({static_cast<std::uint8_t>(item.kind), std::move(item.caption),
+                                  static_cast<std::uint8_t>(item.separatorBefore ? 1 : 0),
+                                  static_cast<std::uint8_t>(item.enabled ? 1 : 0)});
+    });
+    // Scripts that heard of it may have ended the movie.
+    if (!m_engine.isOpen()) menu.items.clear();
+    say(std::move(menu));
+}
+
+void MovieRunner::act(const ChooseMenuItem& chosen)
+{
+    if (chosen.id == 0 || std::exchange(m_menu, 0) != chosen.id || !m_engine.isOpen()) return;
+    drive([&] { m_engine.stage().pointer().chooseMenuItem(chosen.item); });
 }
 
 void MovieRunner::act(const Advance& advance)

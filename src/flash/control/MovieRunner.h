@@ -97,6 +97,8 @@ private:
     void act(const Key& key);
     void act(const TypedText& typed);
     void act(const FocusChange& focus);
+    void act(const OpenMenu& open);
+    void act(const ChooseMenuItem& chosen);
     void act(const Advance& advance);
     void act(const Sync& sync);
     // These are of the way between two processes.
@@ -116,6 +118,7 @@ private:
     Settings m_settings;
     sound::Stretcher m_stretcher;
     State m_state;
+    std::uint32_t m_menu = 0;   // that may be chosen from; 0: none
     std::uint32_t m_loaded = 0; // the id of the Load that layer 0 came by
     int m_readyState = 0;
     std::size_t m_saidInDrive = 0;

@@ -3,6 +3,7 @@
 #include "flash/AudioOutput.h"
 #include "flash/Engine.h"
 #include "flash/control/FarEnd.h"
+#include "flash/stage/ContextMenu.h"
 
 #include <QPainter>
 #include <QPointer>
@@ -185,6 +186,18 @@ std::optional<std::string> RemoteMovie::variable(const std::string& name)
     return came ? std::optional(m_value->text) : std::nullopt;
 }
 
+std::vector<MenuEntry> RemoteMovie::menu(const OpenMenu& open)
+{
+    m_menu.reset();
+    send(open);
+    sync();
+    waitFor([&, id = m_lastSync] { return (m_menu && m_menu->id == open.id) || m_doneSync == id; },
+            patienceMs());
+    // One that comes late belongs to a menu that is open without it.
+    if (!m_menu || m_menu->id != open.id) return {};
+    return std::exchange(m_menu, std::nullopt)->items;
+}
+
 // ---- what the movie says ----------------------------------------------------------------------------------
 
 void RemoteMovie::receiveFromLoop()
@@ -250,6 +263,12 @@ void RemoteMovie::take(FromMovie message)
         return;
     } else if (const auto* value = std::get_if<Value>(&message)) {
         m_value = *value;
+        return;
+    } else if (auto* menu = std::get_if<Menu>(&message)) {
+        for (const MenuEntry& item : menu->items) {
+            if (item.kind > static_cast<std::uint8_t>(stage::MenuItem::Kind::SelectAll)) return ended();
+        }
+        m_menu = std::move(*menu);
         return;
     } else if (const auto* begins = std::get_if<Begins>(&message)) {
         if (begins->id == m_asked) m_begun = m_asked;

@@ -39,6 +39,7 @@ public:
     void command(const ToMovie& message) override;
     void pass(const ToMovie& message) override;
     std::optional<std::string> variable(const std::string& name) override;
+    std::vector<MenuEntry> menu(const OpenMenu& open) override;
     void advance(double ms) override { command(Advance{ms}); }
     [[nodiscard]] const State& state() const override { return m_state; }
     [[nodiscard]] bool isBusy() const override { return false; }
@@ -87,6 +88,7 @@ private:
     std::uint32_t m_asked = 0, m_begun = 0; // loads of layer 0, by their ids
     std::optional<Loaded> m_loaded;
     std::optional<Value> m_value;
+    std::optional<Menu> m_menu;
     QElapsedTimer m_unanswered; // since the oldest Sync that was not answered
     QTimer m_watch, m_soundTimer;
     bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false, m_greeted = false,

@@ -59,6 +59,8 @@ public:
     void command(TextCommand command);
     /// The keys go to another window.
     void leave();
+    /// They do so for a moment, as while a menu is open: what has the focus keeps it.
+    void pause() { m_down.clear(); }
 
     // ---- for scripts ----
     [[nodiscard]] bool isDown(int keyCode) const { return m_down.contains(keyCode); }

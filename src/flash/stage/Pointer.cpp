@@ -320,6 +320,29 @@ void Pointer::leave()
     update();
 }
 
+std::vector<MenuItem> Pointer::openMenu(double x, double y)
+{
+    const Stage::InputScope scope(m_stage);
+    const swf::Point point = m_stage.view().matrix().inverted().map(x, y);
+    if (point != m_position || !m_isInside) move(x, y);
+    return openMenu(MenuAt::Pointer);
+}
+
+std::vector<MenuItem> Pointer::openMenu(MenuAt at)
+{
+    const Stage::InputScope scope(m_stage);
+    auto items = m_stage.script().openMenu(at);
+    m_stage.queue().run();
+    return items;
+}
+
+void Pointer::chooseMenuItem(std::size_t item)
+{
+    const Stage::InputScope scope(m_stage);
+    m_stage.script().chooseMenuItem(item);
+    m_stage.queue().run();
+}
+
 void Pointer::startDrag(Clip& clip, bool lockCenter, std::optional<DragLimits> limits)
 {
     m_dragged = std::static_pointer_cast<Clip>(clip.shared_from_this());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/stage/Clip.h"
+#include "flash/stage/ContextMenu.h"
 #include "flash/stage/TextFormat.h"
 
 #include <memory>
@@ -34,6 +35,11 @@ public:
     void release(double x, double y, MouseButton button = MouseButton::Left);
     void wheel(int lines);
     void leave();
+    // The menu of what is at a point, or of what has the focus: @returns the movie's part of it
+    std::vector<MenuItem> openMenu(double x, double y);
+    std::vector<MenuItem> openFocusMenu() { return openMenu(MenuAt::Focus); }
+    /// One of the last menu's, by its place.
+    void chooseMenuItem(std::size_t item);
 
     [[nodiscard]] swf::Point position() const { return m_position; } ///< stage twips
     [[nodiscard]] bool isInside() const { return m_isInside; }
@@ -73,6 +79,7 @@ public:
     void forgetAll();
 
 private:
+    std::vector<MenuItem> openMenu(MenuAt at);
     NodePtr targetAt(swf::Point stagePoint);
     void update();
     void updateCursor();

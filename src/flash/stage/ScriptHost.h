@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/stage/ContextMenu.h"
 #include "flash/stage/Services.h"
 
 #include <optional>
@@ -63,6 +64,14 @@ public:
     virtual void keyReleased(int /*keyCode*/, char32_t /*charCode*/) {}
     /// A text is typed into a field. @returns whether it goes there
     virtual bool takesText(TextField&, std::u16string_view /*text*/) { return true; }
+
+    /// The user opens the menu of the right button. Scripts hear of it before they are asked for their items.
+    /// @returns what is to be shown, in its order
+    virtual std::vector<MenuItem> openMenu(MenuAt) { return {}; }
+    /// One of the items of the last menu was chosen, by its place there. A menu is chosen from once.
+    virtual void chooseMenuItem(std::size_t /*item*/) {}
+    /// Nothing of the last menu can be chosen any more.
+    virtual void closeMenu() {}
 
     /// Runs one compiled block with `target` as `this`. `movie` owns the block and gives its version.
     virtual void runActions(Clip& /*target*/, const MoviePtr& /*movie*/, const swf::ActionBlock&) {}

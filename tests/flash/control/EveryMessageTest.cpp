@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 
 namespace flash::control
@@ -97,5 +98,33 @@ TEST(EveryMessage, OfTheWindowIsReadWholeOrNotAtAll) { checkKinds<ToMovie>(); }
 TEST(EveryMessage, OfTheMovieIsReadWholeOrNotAtAll) { checkKinds<FromMovie>(); }
 TEST(EveryMessage, OfTheWindowMayBeNoise) { checkNoise<ToMovie>(); }
 TEST(EveryMessage, OfTheMovieMayBeNoise) { checkNoise<FromMovie>(); }
+
+TEST(EveryMessage, ListsAreAsLongAsTheyMayBeAndNoLonger)
+{
+    Menu menu{7, {}};
+    for (std::size_t i = 0; i < kMaxListed + 5; ++i)
+        menu.items.push_back({0, "item " + std::to_string(i), static_cast<std::uint8_t>(i % 2), 1});
+    std::vector<std::uint8_t> bytes;
+    encode(FromMovie(menu), bytes);
+    const auto header = decodeHeader(bytes);
+    ASSERT_TRUE(header);
+    const base::Bytes body = base::Bytes(bytes).subspan(kHeaderBytes);
+    const auto whole = decodeFromMovie(header->kind, body);
+    ASSERT_TRUE(whole) << whole.error().what;
+    const auto& read = std::get<Menu>(*whole);
+    EXPECT_EQ(read.id, 7U);
+    ASSERT_EQ(read.items.size(), kMaxListed) << "what is too much is left out";
+    EXPECT_EQ(read.items.back().caption, "item 31");
+    EXPECT_EQ(read.items.back().separatorBefore, 1);
+    // Every cut is noticed, and so is a count that the bytes do not bear out.
+    for (std::size_t length = 0; length < body.size(); ++length)
+        EXPECT_FALSE(decodeFromMovie(header->kind, body.first(length))) << length;
+    constexpr std::size_t kCountAt = 4;
+    for (const std::uint32_t count : {0U, 31U, 33U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+        std::vector<std::uint8_t> lies(body.begin(), body.end());
+        std::memcpy(lies.data() + kCountAt, &count, sizeof count);
+        EXPECT_FALSE(decodeFromMovie(header->kind, lies)) << count;
+    }
+}
 
 } // namespace flash::control

@@ -38,6 +38,7 @@ void StageEvents::forgetNames()
 {
     m_handlers = {};
     m_enabled = {};
+    m_menus.close();
 }
 
 void StageEvents::trace(Tracer& tracer)
@@ -45,6 +46,7 @@ void StageEvents::trace(Tracer& tracer)
     for (const Name name : m_handlers)
         if (!name.isNull()) tracer(name.cell());
     if (!m_enabled.isNull()) tracer(m_enabled.cell());
+    m_menus.trace(tracer);
 }
 
 void StageEvents::runActions(stage::Clip& target, const stage::MoviePtr& movie, const swf::ActionBlock& block)

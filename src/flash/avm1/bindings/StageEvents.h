@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/avm1/bindings/ContextMenus.h"
 #include "flash/avm1/interpreter/Vm.h"
 #include "flash/stage/Stage.h"
 
@@ -20,7 +21,7 @@ class StageBinding;
 class StageEvents final : public stage::ScriptHost
 {
 public:
-    explicit StageEvents(StageBinding& binding) : m_binding(binding) {}
+    explicit StageEvents(StageBinding& binding) : m_binding(binding), m_menus(binding) {}
 
     /// A fresh machine has other names.
     void restart(Vm& vm);
@@ -55,7 +56,14 @@ public:
     void nodeNamed(std::string_view name) override;
     void nodeRemoved(stage::Node& node) override;
     void clipReset(stage::Clip& clip) override;
-    void movieReplaced() override { vm().removeTimers(); }
+    void movieReplaced() override
+    {
+        vm().removeTimers();
+        m_menus.close();
+    }
+    std::vector<stage::MenuItem> openMenu(stage::MenuAt at) override { return m_menus.open(at); }
+    void chooseMenuItem(std::size_t item) override { m_menus.choose(item); }
+    void closeMenu() override { m_menus.close(); }
     double nextTimerMs() override;
     void runTimers(double nowMs) override;
     void frameEnded() override;
@@ -75,6 +83,7 @@ private:
     StageBinding& m_binding;
     std::array<Name, kEvents> m_handlers; ///< by event; of none where there is no handler
     Name m_enabled;
+    ContextMenus m_menus;
 };
 
 } // namespace flash::avm1

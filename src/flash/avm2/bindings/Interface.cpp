@@ -154,6 +154,7 @@ Value makeMenuList(Call& call)
     Object& self = *call.self.object();
     self.setSlot(0, Value(call.vm.newArray()));
     self.setSlot(1, call.vm.construct(Value(call.vm.nativeClass("flash.ui::ContextMenuBuiltInItems")), {}));
+    self.setSlot(2, call.vm.construct(Value(call.vm.nativeClass("flash.ui::ContextMenuClipboardItems")), {}));
     return {};
 }
 Value hideBuiltIn(Call& call)

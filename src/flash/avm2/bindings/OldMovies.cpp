@@ -105,6 +105,20 @@ void OldMovieNode::releaseKey(int keyCode, char32_t charCode)
     act([&](stage::Stage& inner) { inner.keyboard().release(keyCode, charCode); });
 }
 
+std::vector<stage::MenuItem> OldMovieNode::openMenu(swf::Point stagePoint)
+{
+    std::vector<stage::MenuItem> items;
+    act([&](stage::Stage& inner) {
+        const swf::Point at = toInner(stagePoint);
+        items = inner.pointer().openMenu(at.x, at.y);
+    });
+    return items;
+}
+void OldMovieNode::chooseMenuItem(std::size_t item)
+{
+    act([&](stage::Stage& inner) { inner.pointer().chooseMenuItem(item); });
+}
+
 swf::Rect OldMovieNode::bounds(Extent extent)
 {
     swf::Rect all;

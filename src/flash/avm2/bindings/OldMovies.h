@@ -43,6 +43,8 @@ public:
     void turnWheel(int lines);
     void pressKey(int keyCode, char32_t charCode);
     void releaseKey(int keyCode, char32_t charCode);
+    std::vector<stage::MenuItem> openMenu(swf::Point stagePoint);
+    void chooseMenuItem(std::size_t item);
 
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;

@@ -30,6 +30,7 @@ Player::Player(stage::Services services, PlayerInputs inputs)
 {
     m_vm->binding = this;
     m_input = std::make_unique<Input>(*this, m_vm->heap());
+    m_menus = std::make_unique<ContextMenus>(*this, m_vm->heap());
     m_vm->heap().addRootSource([this](Tracer& tracer) {
         if (m_movies.empty()) return;
         const LoadedMovie& main = *m_movies.front();
@@ -89,6 +90,7 @@ Player::~Player()
     m_madeSounds.clear();
     m_streams.clear();
     m_input.reset();
+    m_menus.reset();
     m_later.clear();
     m_linked.clear();
     m_movies.clear();
@@ -370,6 +372,7 @@ void Player::movieReplaced()
 {
     m_timers.clear();
     m_dueTimers.clear();
+    closeMenu();
 }
 
 } // namespace flash::avm2

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/avm2/bindings/ContextMenus.h"
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Input.h"
 #include "flash/avm2/bindings/LoadedMovie.h"
@@ -77,6 +78,9 @@ public:
     void pointerReleased(stage::MouseButton button) override;
     void wheelTurned(int lines) override;
     void pointerLeft() override;
+    std::vector<stage::MenuItem> openMenu(stage::MenuAt at) override;
+    void chooseMenuItem(std::size_t item) override;
+    void closeMenu() override;
     void keyPressed(int keyCode, char32_t charCode) override;
     void keyReleased(int keyCode, char32_t charCode) override;
     void focusChanged(stage::Node* before, stage::Node* now) override;
@@ -217,6 +221,7 @@ private:
     stage::Stage* m_stage = nullptr;
     std::unique_ptr<Vm> m_vm;
     std::unique_ptr<Input> m_input;
+    std::unique_ptr<ContextMenus> m_menus;
     std::vector<std::unique_ptr<LoadedMovie>> m_movies; ///< the main one first
     std::unordered_map<const ClassObject*, std::pair<LoadedMovie*, std::uint16_t>> m_linked;
     Root<DisplayObject> m_stageObject;
