@@ -47,7 +47,9 @@ constexpr LibraryPackage kPackages[] = {
          "GradientBevelFilter GradientGlowFilter ShaderFilter "},
     {"flash.geom", " ColorTransform Matrix Matrix3D Orientation3D PerspectiveProjection Point Rectangle Transform "
          "Utils3D Vector3D "},
-    {"flash.globalization", " Collator DateTimeFormatter NumberFormatter StringTools CurrencyFormatter "},
+    {"flash.globalization", " Collator CollatorMode CurrencyFormatter CurrencyParseResult DateTimeFormatter DateTimeNameContext "
+                            "DateTimeNameStyle DateTimeStyle LastOperationStatus LocaleID NationalDigitsType NumberFormatter "
+                            "NumberParseResult StringTools "},
     {"flash.media", " Camera ID3Info Microphone Sound SoundChannel SoundCodec SoundLoaderContext SoundMixer "
          "SoundTransform Video "},
     {"flash.net", " DynamicPropertyOutput FileFilter FileReference FileReferenceList GroupSpecifier "

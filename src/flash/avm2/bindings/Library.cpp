@@ -4,6 +4,7 @@
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/EventKinds.h"
 #include "flash/avm2/bindings/Events.h"
+#include "flash/avm2/bindings/Globalization.h"
 #include "flash/avm2/bindings/Graphics.h"
 #include "flash/avm2/bindings/Loader.h"
 #include "flash/avm2/bindings/Transform.h"
@@ -61,6 +62,9 @@ std::span<const NativeLibrary> bindingsLibrary()
         soundMixerLibrary(),
         shaderLibrary(),
         shaderJobLibrary(),
+        globalization::textLibrary(),
+        globalization::numberLibrary(),
+        globalization::dateLibrary(),
     };
     return kLibraries;
 }
