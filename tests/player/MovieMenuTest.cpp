@@ -15,14 +15,14 @@ protected:
     {
         withMenu =
             compile("menu", R"(<movie version="8" width="550" height="400" rate="12" background="#104080">
-  <frame><actions>
+  <frame><script>
     var told = "";
     var m = new ContextMenu(function () { _root.told += "opened "; });
     m.hideBuiltInItems();
     var f = function (o, item) { _root.told += item.caption + " "; };
     m.customItems.push(new ContextMenuItem("Начать &amp; кончить", f), new ContextMenuItem("Grey", f, true, false));
     _root.menu = m;
-  </actions></frame></movie>)");
+  </script></frame></movie>)");
         player.Form_Load();
         player.show();
         own = captions();
@@ -66,7 +66,7 @@ TEST_F(MovieMenus, AreAtTheHeadWhileTheyAreOpenAndTellTheMovie)
     for (const QString& caption : before) EXPECT_TRUE(captions().contains(caption)) << caption.toStdString();
 
     // Elsewhere than over the movie the menu is the player's alone.
-    QCursor::setPos(player.mapToGlobal(QPoint(2, 2)));
+    QCursor::setPos(player.frameGeometry().bottomRight() + QPoint(50, 50));
     QApplication::processEvents();
     player.ShowPopUp();
     EXPECT_FALSE(captions().contains("Grey"));
