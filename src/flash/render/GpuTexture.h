@@ -1,0 +1,43 @@
+#pragma once
+
+#include "flash/render/GpuProgram.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace flash::render
+{
+
+/// A texture with its levels, each half as large as the one before; of a cube six faces.
+class GpuTexture
+{
+public:
+    static constexpr int kMaxSide = 4096;
+    struct Level {
+        int width = 0, height = 0;
+        std::vector<std::uint32_t> pixels; ///< 0xAARRGGBB, rows from the top; empty: black and transparent
+    };
+    /// @param faces 1, or 6 of a cube, whose sides are equal
+    GpuTexture(int width, int height, int faces);
+    [[nodiscard]] int width() const { return m_width; }
+    [[nodiscard]] int height() const { return m_height; }
+    [[nodiscard]] bool isCube() const { return m_faces.size() == 6; }
+    [[nodiscard]] int levels() const { return static_cast<int>(m_faces.front().size()); }
+    /// With its pixels made. @param level less than levels()
+    [[nodiscard]] Level& level(int face, int level);
+    [[nodiscard]] std::size_t bytes() const;
+
+    /// @param lod the level wanted, 0 the largest
+    /// @returns red, green, blue, alpha, 0 to 1
+    [[nodiscard]] std::array<float, 4> sample(float u, float v, float lod, const GpuSampling& how) const;
+    [[nodiscard]] std::array<float, 4> sampleCube(float x, float y, float z, const GpuSampling& how) const;
+
+private:
+    [[nodiscard]] std::array<float, 4> sampleFace(std::size_t face, float u, float v, float lod,
+                                                  const GpuSampling& how) const;
+    int m_width, m_height;
+    std::vector<std::vector<Level>> m_faces;
+};
+
+} // namespace flash::render
