@@ -77,6 +77,28 @@ void View::setHostBackground(swf::Rgba color)
     invalidateAll();
 }
 
+swf::Matrix View::Backdrop::place() const
+{
+    return {swf::kTwipsPerPixel, 0, 0, swf::kTwipsPerPixel, x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel};
+}
+
+swf::Rect View::Backdrop::reach() const
+{
+    if (!picture) return {};
+    const auto twips = [](double pixels) { return static_cast<int>(pixels * swf::kTwipsPerPixel); };
+    return {twips(x), twips(x + picture->width), twips(y), twips(y + picture->height)};
+}
+
+void View::setBackdrop(std::size_t index, std::shared_ptr<const swf::Bitmap> picture, double x, double y)
+{
+    if (m_backdrops.size() <= index) m_backdrops.resize(index + 1);
+    Backdrop& backdrop = m_backdrops[index];
+    const swf::Matrix view = matrix();
+    addDirty(render::deviceBounds(backdrop.reach(), view));
+    backdrop = {std::move(picture), x, y};
+    addDirty(render::deviceBounds(backdrop.reach(), view));
+}
+
 void View::setFullScreen(bool on)
 {
     if (on == m_fullScreen) return;
@@ -102,6 +124,7 @@ void View::setShowsMenu(bool full)
 void View::adopt(const swf::Movie& movie)
 {
     m_movieBackground = m_hostBackground = false;
+    m_backdrops.clear();
     m_background = movie.hasBackground ? movie.background : swf::Rgba{255, 255, 255, 255};
     invalidateAll();
 }
@@ -234,6 +257,10 @@ void View::render(render::Canvas& canvas, const render::IntRect& clip)
     canvas.setClip(clip);
     canvas.setPixelScale(std::sqrt(std::abs(view.a * view.d)) * swf::kTwipsPerPixel);
     canvas.clear(m_background);
+    for (const Backdrop& backdrop : m_backdrops) {
+        if (backdrop.picture)
+            canvas.drawBitmap(*backdrop.picture, view * backdrop.place(), {}, render::Smoothing::On);
+    }
     Renderer renderer(canvas, view);
     for (const auto& [number, root] : m_stage.displayList().levels()) renderer.drawNode(*root, view, {});
     m_stage.focus().draw(canvas, view);

@@ -73,6 +73,9 @@ public:
     /// Draws what lies in `clip` (device pixels), background included, and forgets what was dirty.
     void render(render::Canvas& canvas, const render::IntRect& clip);
     void invalidateAll();
+    /// Pictures that lie below all else of the stage. @param picture opaque; none: there is none any more
+    /// @param x, y of its upper left corner, pixels of the stage
+    void setBackdrop(std::size_t index, std::shared_ptr<const swf::Bitmap> picture, double x, double y);
     /// For canvases that draw this stage.
     [[nodiscard]] render::RenderCache& renderCache() { return *m_renderCache; }
 
@@ -94,6 +97,13 @@ private:
     void collectDirty();
     void addDirty(const render::IntRect& rect) { m_dirty = render::unite(m_dirty, rect); }
 
+    struct Backdrop {
+        std::shared_ptr<const swf::Bitmap> picture;
+        double x = 0, y = 0;
+        [[nodiscard]] swf::Matrix place() const; ///< its pixels to twips of the stage
+        [[nodiscard]] swf::Rect reach() const;
+    };
+
     Stage& m_stage;
     int m_width = 0, m_height = 0;
     double m_deviceScale = 1;
@@ -106,6 +116,7 @@ private:
     int m_screenWidth = 0, m_screenHeight = 0;
     std::unique_ptr<render::RenderCache> m_renderCache;
     render::IntRect m_dirty;
+    std::vector<Backdrop> m_backdrops;
     std::vector<std::weak_ptr<Node>> m_changedNodes;
     std::shared_ptr<const int> m_spaces = std::make_shared<const int>();
     std::size_t m_changedKept = 0; ///< of those, still there when last looked at
