@@ -34,6 +34,11 @@ constexpr LibraryPackage kPackages[] = {
          "ShaderData ShaderInput ShaderJob ShaderParameter ShaderParameterType ShaderPrecision Shape SimpleButton "
          "SpreadMethod Sprite Stage StageAlign StageDisplayState StageQuality StageScaleMode TriangleCulling "
          "NativeWindow JPEGEncoderOptions PNGEncoderOptions BitmapEncodingColorSpace Stage3D "},
+    {"flash.display3D", " Context3D Context3DBlendFactor Context3DBufferUsage Context3DClearMask Context3DCompareMode "
+         "Context3DFillMode Context3DMipFilter Context3DProfile Context3DProgramType Context3DRenderMode "
+         "Context3DStencilAction Context3DTextureFilter Context3DTextureFormat Context3DTriangleFace "
+         "Context3DVertexBufferFormat Context3DWrapMode IndexBuffer3D Program3D VertexBuffer3D "},
+    {"flash.display3D.textures", " CubeTexture RectangleTexture Texture TextureBase "},
     {"flash.errors", " EOFError IOError IllegalOperationError InvalidSWFError MemoryError ScriptTimeoutError "
          "StackOverflowError "},
     {"flash.events", " ActivityEvent AsyncErrorEvent ContextMenuEvent DataEvent ErrorEvent Event EventDispatcher "

@@ -65,6 +65,9 @@ std::span<const NativeLibrary> bindingsLibrary()
         globalization::textLibrary(),
         globalization::numberLibrary(),
         globalization::dateLibrary(),
+        stage3DLibrary(),
+        context3DLibrary(),
+        resource3DLibrary(),
     };
     return kLibraries;
 }

@@ -49,6 +49,9 @@ NativeLibrary soundMixerLibrary();
 NativeLibrary fontLibrary(); ///< and the lists of constants around texts
 NativeLibrary shaderLibrary();
 NativeLibrary shaderJobLibrary();
+NativeLibrary stage3DLibrary(); ///< the space behind the stage
+NativeLibrary context3DLibrary();
+NativeLibrary resource3DLibrary();
 NativeLibrary clipboardLibrary(); ///< flash.desktop, and what else belongs to the desktop
 NativeLibrary fileLibrary();      ///< files that a user would choose
 

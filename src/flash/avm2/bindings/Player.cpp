@@ -1,5 +1,7 @@
 #include "flash/avm2/bindings/Player.h"
 
+#include "flash/avm2/bindings/Context3D.h"
+
 #include "flash/avm2/abc/Abc.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Loader.h"
@@ -252,6 +254,7 @@ void Player::begin()
         m_stageObject = stage;
         stage->setNode(m_stage->root()->shared_from_this());
         stage->isStage = stage->isConstructed = true;
+        m_vm->setPublic(Value(stage), "stage3Ds", newStage3Ds(*m_vm));
     });
     if (!m_stageObject) return;
     Domain* domain = m_vm->heap().make<Domain>(m_vm->systemDomain());
