@@ -8,10 +8,12 @@
 #include <QRawFont>
 #include <QString>
 #include <QStringList>
+#include <QTextLayout>
 
 #include <array>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 
@@ -149,7 +151,7 @@ private:
     QPointF m_start, m_at;
 };
 
-QRawFont rawFont(const QString& family, bool bold, bool italic)
+QFont fontOf(const QString& family, bool bold, bool italic)
 {
     QFont font(family);
     font.setPixelSize(kPixelSize);
@@ -157,14 +159,20 @@ QRawFont rawFont(const QString& family, bool bold, bool italic)
     font.setItalic(italic);
     font.setHintingPreference(QFont::PreferNoHinting);
     font.setKerning(false);
-    return QRawFont::fromFont(font);
+    return font;
+}
+
+QRawFont rawFont(const QString& family, bool bold, bool italic)
+{
+    return QRawFont::fromFont(fontOf(family, bold, italic));
 }
 
 class DeviceFace final : public FontFace
 {
 public:
-    DeviceFace(QRawFont font, QRawFont substitute, Metrics metrics)
-        : m_font(std::move(font)), m_substitute(std::move(substitute)), m_metrics(metrics)
+    DeviceFace(QFont asked, QRawFont substitute, Metrics metrics)
+        : m_asked(std::move(asked)), m_font(QRawFont::fromFont(m_asked)), m_substitute(std::move(substitute)),
+          m_metrics(metrics)
     {
     }
     [[nodiscard]] Metrics metrics() const override { return m_metrics; }
@@ -175,6 +183,8 @@ public:
         for (const QRawFont* font : {&m_font, &m_substitute})
             if (font->isValid() && font->supportsCharacter(static_cast<uint>(character)))
                 return &m_glyphs.emplace(character, load(*font, character)).first->second;
+        if (std::optional<FaceGlyph> other = fromAnyFont(character))
+            return &m_glyphs.emplace(character, *std::move(other)).first->second;
         // The box that stands for a missing character.
         return &m_glyphs.emplace(character, fromIndex(m_font, 0)).first->second;
     }
@@ -187,6 +197,22 @@ private:
         const auto indexes = font.glyphIndexesForString(text);
         return indexes.isEmpty() ? FaceGlyph{} : fromIndex(font, indexes[0]);
     }
+    // Of whichever of the machine's fonts the system takes for such a character.
+    [[nodiscard]] std::optional<FaceGlyph> fromAnyFont(char32_t character) const
+    {
+        QTextLayout layout(QString::fromUcs4(&character, 1), m_asked);
+        layout.beginLayout();
+        layout.createLine();
+        layout.endLayout();
+        for (const QGlyphRun& run : layout.glyphRuns()) {
+            const auto indexes = run.glyphIndexes();
+            if (indexes.isEmpty() || indexes[0] == 0) continue;
+            QRawFont font = run.rawFont();
+            font.setPixelSize(kPixelSize);
+            return fromIndex(font, indexes[0]);
+        }
+        return {};
+    }
     static FaceGlyph fromIndex(const QRawFont& font, quint32 index)
     {
         OutlineMaker maker;
@@ -196,6 +222,7 @@ private:
         return {maker.finish(), advance};
     }
 
+    QFont m_asked;
     QRawFont m_font, m_substitute;
     Metrics m_metrics;
     mutable std::unordered_map<char32_t, FaceGlyph> m_glyphs; ///< filled on demand
@@ -244,8 +271,8 @@ private:
             metrics.ascent = kind.ascent * kUnitsPerEm;
             metrics.descent = kind.descent * kUnitsPerEm;
         }
-        return std::make_shared<DeviceFace>(font, rawFont(QStringLiteral("DejaVu Sans"), bold, italic),
-                                            metrics);
+        return std::make_shared<DeviceFace>(fontOf(family, bold, italic),
+                                            rawFont(QStringLiteral("DejaVu Sans"), bold, italic), metrics);
     }
 
     std::map<std::tuple<std::string, bool, bool>, FontFacePtr> m_faces;
