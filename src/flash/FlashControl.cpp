@@ -313,8 +313,11 @@ void FlashControl::mousePressEvent(QMouseEvent* event)
     // The right button's menu is the host's.
     if (event->button() == Qt::RightButton)
         event->ignore();
-    else
+    else {
+        // What was being composed is typed where it stands, not where the pointer puts the caret.
+        if (d->isComposing) QGuiApplication::inputMethod()->commit();
         d->mouse(event, 1);
+    }
 }
 
 void FlashControl::mouseDoubleClickEvent(QMouseEvent* event)
@@ -376,6 +379,20 @@ void FlashControl::inputMethodEvent(QInputMethodEvent* event)
     const auto typed = event->commitString().toUcs4();
     if (!typed.isEmpty()) d->pass(control::TypedText{std::u32string(typed.begin(), typed.end())});
     event->accept();
+    // What is not committed yet is seen in its place, until it is empty again.
+    const QString composed = event->preeditString();
+    if (composed.isEmpty() && !d->isComposing) return;
+    d->isComposing = !composed.isEmpty();
+    int caret = static_cast<int>(composed.size());
+    for (const QInputMethodEvent::Attribute& attribute : event->attributes())
+        if (attribute.type == QInputMethodEvent::Cursor) caret = attribute.start;
+    d->pass(control::Composition{composed.toStdString(), caret});
+}
+
+QVariant FlashControl::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    if (query == Qt::ImCursorRectangle && d->isTyping()) return d->caret();
+    return QWidget::inputMethodQuery(query);
 }
 
 void FlashControl::focusInEvent(QFocusEvent*) { d->tellFocus(control::FocusChange::Kind::Gained); }

@@ -13,6 +13,7 @@
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QHash>
+#include <QInputMethod>
 #include <QLocale>
 #include <QMouseEvent>
 #include <QScreen>
@@ -299,6 +300,13 @@ public:
         return sender;
     }
 
+    /// Where an input method shows what it offers.
+    [[nodiscard]] QRect caret() const
+    {
+        const control::State& now = state();
+        return toWidget(QRect(now.caretLeft, now.caretTop, 1, now.caretHeight));
+    }
+
     void showState()
     {
         const auto wanted = static_cast<stage::Cursor>(state().cursor);
@@ -308,6 +316,11 @@ public:
         }
         if (isTyping() != q.testAttribute(Qt::WA_InputMethodEnabled))
             q.setAttribute(Qt::WA_InputMethodEnabled, isTyping());
+        if (!isTyping()) isComposing = false;
+        if (const QRect now = caret(); isTyping() && now != toldCaret) {
+            toldCaret = now;
+            QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle);
+        }
     }
 
     void pictureChanged(const QRect& part, Painting painting) override
@@ -462,6 +475,8 @@ public:
     control::Inbox inbox;
     std::unique_ptr<control::MoviePort> port;
     bool isRemote = false, loading = false, waits = true;
+    bool isComposing = false; // an input method, within the movie
+    QRect toldCaret;
     bool hasLost = false; // the movie, and the host is about to be told
     control::Settings settings;
     QSize viewSize; // device pixels

@@ -141,6 +141,11 @@ Step stepOf(const QJsonObject& event, const std::function<void(std::string)>& se
                                                     : static_cast<char32_t>(value.toInt());
         return [=](Stage& stage, const Scale&) { stage.keyboard().type(character); };
     }
+    if (type == "TextComposition") {
+        const std::u16string text = event["text"].toString().toStdU16String();
+        const auto caret = static_cast<std::size_t>(event["caret"].toInt(static_cast<int>(text.size())));
+        return [=](Stage& stage, const Scale&) { stage.keyboard().compose(text, caret); };
+    }
     if (type == "TextControl") {
         const auto found = textCommands().find(event["code"].toString());
         if (found == textCommands().end()) return {};

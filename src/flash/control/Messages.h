@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 6;
+inline constexpr std::uint32_t kProtocolVersion = 7;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
@@ -116,6 +116,12 @@ struct TypedText {
     std::u32string text;
     auto fields() { return std::tie(text); }
 };
+/// What an input method is about to type; empty: it has come to an end.
+struct Composition {
+    std::string text;
+    std::int32_t caret = 0; ///< in it, UTF-16 units
+    auto fields() { return std::tie(text, caret); }
+};
 struct FocusChange {
     enum class Kind : std::uint8_t {
         Lost,
@@ -167,7 +173,7 @@ struct SoundDevice {
 
 using ToMovie = std::variant<Load, Unload, Play, Stop, Halt, SetVariable, GetVariable, Settings, Background,
                              View, Mouse, Key, TypedText, FocusChange, Advance, Sync, Release, Answer,
-                             SoundDevice, OpenMenu, ChooseMenuItem>;
+                             SoundDevice, OpenMenu, ChooseMenuItem, Composition>;
 
 // ---- from the movie to the window -------------------------------------------------------------------------
 
@@ -202,10 +208,12 @@ struct State {
     double frameRate = 0;
     std::uint32_t background = 0xFFFFFF;
     std::uint8_t silent = 1;
+    /// While `typing`: the caret, device pixels of the view.
+    std::int32_t caretLeft = 0, caretTop = 0, caretHeight = 0;
     auto fields()
     {
         return std::tie(open, playing, listensToKeys, typing, cursor, frame, totalFrames, width, height,
-                        frameRate, background, silent);
+                        frameRate, background, silent, caretLeft, caretTop, caretHeight);
     }
     friend bool operator==(const State&, const State&) = default;
 };

@@ -1,7 +1,10 @@
 #include "flash/control/MovieRunner.h"
 
+#include "base/TextCodes.h"
+#include "flash/render/Bounds.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
 
 #include <algorithm>
 #include <cmath>
@@ -275,6 +278,14 @@ void MovieRunner::act(const TypedText& typed)
     drive([&] { type(typed.text); });
 }
 
+void MovieRunner::act(const Composition& composition)
+{
+    drive([&] {
+        m_engine.stage().keyboard().compose(base::utf16FromUtf8(composition.text),
+                                            static_cast<std::size_t>(std::max(composition.caret, 0)));
+    });
+}
+
 void MovieRunner::type(const std::u32string& text)
 {
     for (const char32_t character : text) m_engine.stage().keyboard().type(character);
@@ -348,6 +359,13 @@ void MovieRunner::tellState()
         now.playing = stage.isPlaying() ? 1 : 0;
         now.listensToKeys = stage.keyboard().isHeard() ? 1 : 0;
         now.typing = isTyping() ? 1 : 0;
+        if (now.typing != 0) {
+            auto& field = static_cast<stage::TextField&>(*stage.focus().node());
+            const render::IntRect caret = render::deviceBounds(field.caretOnStage(), stage.view().matrix());
+            now.caretLeft = caret.left;
+            now.caretTop = caret.top;
+            now.caretHeight = caret.height();
+        }
         now.frame = stage.currentFrame();
         now.totalFrames = stage.totalFrames();
         now.width = static_cast<std::int32_t>(std::lround(frame.width() / 20.0));

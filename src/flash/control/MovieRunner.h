@@ -96,6 +96,7 @@ private:
     void act(const Mouse& mouse);
     void act(const Key& key);
     void act(const TypedText& typed);
+    void act(const Composition& composition);
     void act(const FocusChange& focus);
     void act(const OpenMenu& open);
     void act(const ChooseMenuItem& chosen);

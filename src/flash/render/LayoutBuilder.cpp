@@ -75,6 +75,7 @@ void LayoutBuilder::build()
         if (!hasBreak) break;
         begin = end + 1;
     }
+    placeFloats(m_text.size(), 0);
     alignLines();
 }
 
@@ -145,6 +146,45 @@ std::size_t LayoutBuilder::fitCells(std::size_t first, double start, double room
     return m_cells.size();
 }
 
+double LayoutBuilder::nextTop() const
+{
+    const auto& lines = m_layout.m_lines;
+    return std::max(m_leastTop, lines.empty() ? 0 : lines.back().bottom() + lines.back().leading);
+}
+
+void LayoutBuilder::placeFloats(std::size_t index, double rightMargin)
+{
+    while (m_layout.m_floats.size() < m_options.floats.size()) {
+        const TextFloat& next = m_options.floats[m_layout.m_floats.size()];
+        if (next.index > index) return;
+        double top = nextTop();
+        for (const PlacedFloat& other : m_standing)
+            if (other.onRight == next.onRight) top = std::max(top, other.bottom);
+        const double left = next.onRight ? std::max(0.0, m_options.width - rightMargin - next.width) : 0;
+        m_layout.m_floats.push_back({left, top});
+        m_standing.push_back({top, top + next.height, next.width, next.onRight});
+    }
+}
+
+LayoutBuilder::Sides LayoutBuilder::besideFloats(double room)
+{
+    constexpr double kLeastRoom = 20 * swf::kTwipsPerPixel;
+    for (;;) {
+        const double top = nextTop();
+        std::erase_if(m_standing, [&](const PlacedFloat& f) { return f.bottom <= top; });
+        Sides sides;
+        double bottom = 0;
+        for (const PlacedFloat& standing : m_standing) {
+            if (standing.top > top) continue;
+            double& side = standing.onRight ? sides.right : sides.left;
+            side = std::max(side, standing.width);
+            if (bottom == 0 || standing.bottom < bottom) bottom = standing.bottom;
+        }
+        if (bottom == 0 || !m_options.wordWrap || room - sides.left - sides.right >= kLeastRoom) return sides;
+        m_leastTop = bottom;
+    }
+}
+
 void LayoutBuilder::paragraph(std::size_t begin, std::size_t end, bool hasBreak)
 {
     const TextStyle style = m_layout.m_runs[runAt(begin)].style;
@@ -154,14 +194,19 @@ void LayoutBuilder::paragraph(std::size_t begin, std::size_t end, bool hasBreak)
     bool isFirst = true;
     do {
         const double indent = isFirst ? style.indent : 0;
-        const double room = m_options.width - margin - indent - style.rightMargin;
+        placeFloats(first < m_cells.size() ? m_cells[first].index : end, style.rightMargin);
+        const double whole = m_options.width - margin - indent - style.rightMargin;
+        const Sides beside = besideFloats(whole);
+        const double room = whole - beside.left - beside.right;
         const std::size_t last = fitCells(first, style.blockIndent + indent, room);
         const bool isLast = last == m_cells.size();
         const std::size_t lineBegin = first < m_cells.size() ? m_cells[first].index : end;
         const std::size_t lineEnd = isLast ? end + (hasBreak ? 1 : 0) : m_cells[last].index;
         addLine(first, last, style, isFirst, isLast, lineBegin, lineEnd);
-        m_layout.m_lines.back().x = margin + indent;
-        if (isFirst && style.bullet) addBullet(runAt(begin), style.leftMargin + style.blockIndent + kBulletX);
+        m_layout.m_lines.back().x = margin + indent + beside.left;
+        m_alignments.back().right += beside.right;
+        if (isFirst && style.bullet)
+            addBullet(runAt(begin), beside.left + style.leftMargin + style.blockIndent + kBulletX);
         isFirst = false;
         first = last;
     } while (first < m_cells.size());
@@ -202,8 +247,7 @@ void LayoutBuilder::addLine(std::size_t first, std::size_t last, const TextStyle
         if (isLast || !isSpace(cell.character)) line.width = x;
     }
     m_layout.m_width = std::max(m_layout.m_width, x);
-    line.top =
-        m_layout.m_lines.empty() ? 0 : m_layout.m_lines.back().bottom() + m_layout.m_lines.back().leading;
+    line.top = nextTop();
     line.baseline = line.top + line.ascent;
     m_layout.m_lines.push_back(line);
     m_alignments.push_back({style.align, style.rightMargin, !isLast});

@@ -2,6 +2,8 @@
 
 #include "flash/render/TextLayout.h"
 
+#include <limits>
+
 namespace flash::render
 {
 
@@ -36,6 +38,15 @@ private:
     void addLine(std::size_t first, std::size_t last, const TextStyle& style, bool isFirst, bool isLast,
                  std::size_t begin, std::size_t end);
     void addBullet(std::size_t run, double x);
+    /// Places the floats that begin at or before a character, at the line that comes next.
+    void placeFloats(std::size_t index, double rightMargin);
+    /// What the floats take away from the next line, on each side; moves it below them when they leave less
+    /// than a letter or two of `room`.
+    struct Sides {
+        double left = 0, right = 0;
+    };
+    Sides besideFloats(double room);
+    [[nodiscard]] double nextTop() const;
     [[nodiscard]] double tabAdvance(std::size_t run, double x) const;
     void alignLines();
     [[nodiscard]] std::size_t runAt(std::size_t index) const;
@@ -54,6 +65,13 @@ private:
         bool justifiable = false;
     };
     std::vector<Alignment> m_alignments;
+
+    struct PlacedFloat {
+        double top = 0, bottom = 0, width = 0;
+        bool onRight = false;
+    };
+    std::vector<PlacedFloat> m_standing; ///< floats that reach further down than the lines so far
+    double m_leastTop = std::numeric_limits<double>::lowest(); ///< the next line stands no higher
 };
 
 } // namespace flash::render

@@ -51,6 +51,14 @@ public:
     virtual FontFacePtr face(const TextStyle& style) = 0;
 };
 
+/// Something that stands at the side of a text, whose lines flow around it. It begins with the line that the
+/// character `index` begins, or else with the next one, and below what stands at that side already.
+struct TextFloat {
+    std::size_t index = 0;
+    double width = 0, height = 0; ///< with what is left free around it
+    bool onRight = false;
+};
+
 struct TextOptions {
     /// Room for lines; decides on wrapping and on where lines are aligned to.
     double width = 0;
@@ -61,6 +69,7 @@ struct TextOptions {
     bool autoSize = false;
     /// Shown instead of every character.
     std::optional<char16_t> password;
+    std::vector<TextFloat> floats = {}; ///< in the order of their indices
 };
 
 struct LayoutGlyph {
@@ -98,6 +107,9 @@ public:
     [[nodiscard]] const std::vector<LayoutLine>& lines() const { return m_lines; }
     [[nodiscard]] const std::vector<LayoutGlyph>& glyphs() const { return m_glyphs; }
     [[nodiscard]] const std::vector<TextRun>& runs() const { return m_runs; }
+
+    /// The upper left corners of the floats.
+    [[nodiscard]] const std::vector<swf::Point>& floats() const { return m_floats; }
 
     [[nodiscard]] double width() const { return m_width; }   ///< of the widest line
     [[nodiscard]] double height() const { return m_height; } ///< to the bottom of the last line
@@ -139,6 +151,7 @@ private:
     std::vector<LayoutLine> m_lines;
     std::vector<LayoutGlyph> m_glyphs;
     std::vector<Bullet> m_bullets;
+    std::vector<swf::Point> m_floats;
     double m_width = 0, m_height = 0;
     std::size_t m_length = 0;
 };

@@ -1,6 +1,7 @@
 #include "flash/stage/Keyboard.h"
 
 #include "flash/stage/Stage.h"
+#include "flash/stage/TextField.h"
 
 #include <algorithm>
 
@@ -137,6 +138,14 @@ void Keyboard::command(TextCommand command)
     if (!focus) return;
     focus->command(command);
     m_stage.queue().run();
+}
+
+void Keyboard::compose(std::u16string text, std::size_t caret)
+{
+    const Stage::InputScope scope(m_stage);
+    Node* focus = m_stage.focus().node();
+    if (focus && focus->kind() == NodeKind::TextField)
+        static_cast<TextField*>(focus)->compose(std::move(text), caret);
 }
 
 void Keyboard::leave()

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <set>
+#include <string>
 
 namespace flash::stage
 {
@@ -57,6 +58,9 @@ public:
     void release(int keyCode, char32_t charCode = 0);
     void type(char32_t character);
     void command(TextCommand command);
+    /// What an input method is about to type is seen where it will stand; empty: it has come to an end.
+    /// @param caret where in it the caret stands
+    void compose(std::u16string text, std::size_t caret);
     /// The keys go to another window.
     void leave();
     /// They do so for a moment, as while a menu is open: what has the focus keeps it.

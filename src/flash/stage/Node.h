@@ -291,6 +291,7 @@ protected:
     friend class DisplayList;
     friend class Clip;
     friend class Button;
+    friend class TextField;
 
     Stage& m_stage;
     NodeKind m_kind;

@@ -105,6 +105,14 @@ void Pointer::adoptLike(const NodePtr& target)
     button->setState(pressed && !m_pressedOutside ? Button::State::Down : Button::State::Over);
 }
 
+// A link of a text that the pointer has left looks as before.
+void Pointer::noteOver(const NodePtr& target)
+{
+    TextField* field = asField(m_over);
+    if (field && m_over != target) field->hover(0, false);
+    m_over = target;
+}
+
 void Pointer::update()
 {
     // What the focus is on stays rolled over until the pointer moves.
@@ -134,10 +142,10 @@ void Pointer::update()
             m_pressedOutside = false;
             tell(*target, Event::DragOver);
         }
-        m_over = target;
+        noteOver(target);
     } else if (target != m_over) {
         const NodePtr before = m_over;
-        m_over = target;
+        noteOver(target);
         if (before && !before->isRemoved()) tell(*before, Event::RollOut);
         if (target) tell(*target, Event::RollOver);
     }

@@ -82,6 +82,7 @@ private:
     std::vector<MenuItem> openMenu(MenuAt at);
     NodePtr targetAt(swf::Point stagePoint);
     void update();
+    void noteOver(const NodePtr& target);
     void updateCursor();
     /// Lets the node answer, then its scripts.
     void tell(Node& node, Event event);

@@ -161,6 +161,14 @@ void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::
     constexpr int kMaxDepth = 256;
     if (m_depth >= kMaxDepth) return;
     ++m_depth;
+    // The pictures of a text end with its box.
+    const bool boxed =
+        node.kind() == NodeKind::TextField && !node.children().empty() && !m_canvas.buildsMask();
+    if (boxed) {
+        m_canvas.beginMask();
+        m_canvas.fillRect(node.bounds(), toDevice, {0, 0, 0, 255});
+        m_canvas.endMask();
+    }
     std::vector<int> open; // the last depths of the clip layers, outermost first
     for (const NodePtr& child : node.children()) {
         while (!open.empty() && child->depth() > open.back()) {
@@ -180,6 +188,7 @@ void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::
         drawNode(*child, toDevice, color);
     }
     for (std::size_t i = 0; i < open.size(); ++i) m_canvas.popMask();
+    if (boxed) m_canvas.popMask();
     --m_depth;
 }
 

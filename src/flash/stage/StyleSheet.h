@@ -40,6 +40,8 @@ public:
     /// @param selector in lower case
     void applyTo(std::u16string_view selector, TextFormat& format, bool& shown) const;
 
+    [[nodiscard]] bool has(std::u16string_view selector) const { return m_styles.contains(selector); }
+
 private:
     std::map<std::u16string, StyleProperties, std::less<>> m_styles; ///< by the selector in lower case
 };

@@ -11,6 +11,7 @@ void TextContent::clear()
 {
     m_text.clear();
     m_runs.clear();
+    m_pictures.clear();
 }
 
 void TextContent::append(std::u16string_view text, const TextFormat& format)
@@ -22,6 +23,17 @@ void TextContent::append(std::u16string_view text, const TextFormat& format)
         m_runs.back().length += text.size();
     else
         m_runs.push_back({text.size(), format});
+}
+
+void TextContent::append(TextPicture picture)
+{
+    constexpr std::size_t kMostPictures = 256;
+    if (m_pictures.size() >= kMostPictures) {
+        guard::refuse(guard::Bound::Texts, "A text field holds too many pictures; the rest is left out");
+        return;
+    }
+    picture.index = m_text.size();
+    m_pictures.push_back(std::move(picture));
 }
 
 std::size_t TextContent::roomFor(std::size_t units) const
@@ -74,6 +86,9 @@ void TextContent::replace(std::size_t begin, std::size_t end, std::u16string_vie
     m_runs.erase(m_runs.begin() + first, m_runs.begin() + last);
     if (!text.empty()) m_runs.insert(m_runs.begin() + first, Run{text.size(), format});
     m_text.replace(begin, end - begin, text);
+    std::erase_if(m_pictures, [&](const TextPicture& p) { return p.index > begin && p.index < end; });
+    for (TextPicture& picture : m_pictures)
+        if (picture.index >= end) picture.index = picture.index - end + begin + text.size();
     join();
 }
 

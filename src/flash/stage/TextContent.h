@@ -9,6 +9,20 @@
 namespace flash::stage
 {
 
+/// A picture among the letters of a text, which flow around it. It takes no place in the text: it stands
+/// before the character `index`. Lengths are twips.
+struct TextPicture {
+    std::size_t index = 0;
+    std::u16string source;               ///< a linkage name, or the address of a picture or movie
+    std::u16string id;                   ///< what scripts call its instance; may be empty
+    std::optional<double> width, height; ///< as stated; else its own
+    static constexpr double kUsualSpace = 8 * swf::kTwipsPerPixel;
+    double horizontalSpace = kUsualSpace, verticalSpace = kUsualSpace; ///< left free on each side
+    bool onRight = false;
+    TextFormat format; ///< of letters that would stand in its place
+    friend bool operator==(const TextPicture&, const TextPicture&) = default;
+};
+
 /// A text with the format of each of its characters. Indices count UTF-16 units; those beyond the end mean
 /// the end. Paragraphs end with a carriage
 /// return, or with a line feed, which breaks the line just so but is not there for scripts (see
@@ -25,10 +39,15 @@ public:
     /// None is empty, neighbours differ.
     [[nodiscard]] const std::vector<Run>& runs() const { return m_runs; }
     [[nodiscard]] std::size_t size() const { return m_text.size(); }
+    /// In the order of their places.
+    [[nodiscard]] const std::vector<TextPicture>& pictures() const { return m_pictures; }
     [[nodiscard]] bool isEmpty() const { return m_text.empty(); }
 
     void clear();
     void append(std::u16string_view text, const TextFormat& format);
+    /// Puts a picture at the end of the text, whatever its index says.
+    void append(TextPicture picture);
+    /// Pictures between the replaced characters go with them.
     void replace(std::size_t begin, std::size_t end, std::u16string_view text, const TextFormat& format);
     void apply(std::size_t begin, std::size_t end, const PartialTextFormat& change);
 
@@ -45,6 +64,7 @@ private:
     void join();
     std::u16string m_text;
     std::vector<Run> m_runs;
+    std::vector<TextPicture> m_pictures;
 };
 
 } // namespace flash::stage

@@ -153,6 +153,8 @@ void TextField::readHtml()
     options.condenseWhite = m_condenseWhite;
     options.version = m_movie ? m_movie->header.version : 8;
     options.styles = m_styleSheet.get();
+    options.hoveredLink = m_hoveredLink;
+    options.linkIsPressed = m_linkIsPressed;
     // Up to version 7 HTML knows nothing of formats that scripts set for new text.
     const TextFormat& base = options.version < 8 ? m_firstFormat : m_newFormat;
     m_content = contentFromHtml(m_source, base, options, &m_newFormat);

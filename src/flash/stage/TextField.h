@@ -131,12 +131,19 @@ public:
     void focusLost() override;
     void input(char32_t character) override;
     void command(TextCommand command) override;
+    /// See Keyboard::compose(). Scripts do not see it.
+    void compose(std::u16string text, std::size_t caret);
+    /// Where the caret stands, on the stage (twips): where an input method shows what it offers.
+    [[nodiscard]] swf::Rect caretOnStage();
     void press(swf::Point stagePoint, int clicks = 1);
     void drag(swf::Point stagePoint);
     /// Scrolls by the wheel. @returns whether there was anything to scroll
     bool wheel(int lines);
     /// The format of the link at the point; null when there is none. What is being edited has no links.
     [[nodiscard]] const TextFormat* linkAt(swf::Point stagePoint);
+    /// The pointer is over a link (TextFormat::link), which a style sheet may show in another way; 0: over
+    /// none.
+    void hover(unsigned link, bool pressed);
     /// Lets the caret blink.
     void tick(double nowMs) override;
     [[nodiscard]] bool hearsInput() const override { return false; }
@@ -148,13 +155,45 @@ public:
     [[nodiscard]] bool isScriptable() const override { return true; }
     [[nodiscard]] bool isExchangeable() const override { return false; }
     void begin() override;
+    /// The pictures in its text.
+    [[nodiscard]] std::span<const NodePtr> children() const override { return m_pictureNodes; }
+    /// The size of a picture has become known.
+    void pictureArrived() { outdateLayout(); }
 
 protected:
+    void leave() override;
     NodePtr ownPointerTarget(swf::Point stagePoint) override;
 
 private:
     class Fonts;
     [[nodiscard]] bool isFocused() const;
+    [[nodiscard]] render::TextLayout layoutOf(const TextContent& content);
+    void drawText(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color);
+
+    // ---- input methods ----
+    static constexpr double kCaretWidth = 20; ///< twips
+    /// The text with what is about to be typed in its place.
+    struct Composed {
+        render::TextLayout layout;
+        std::size_t begin = 0, end = 0, caret = 0; ///< in the layout's text
+        double shift = 0;                          ///< to the left, so that its caret is seen
+    };
+    [[nodiscard]] Composed composed();
+    void underline(render::Canvas& canvas, const swf::Matrix& textToDevice, const swf::ColorTransform& color,
+                   const Composed& composed);
+
+    // ---- pictures ----
+    /// Makes instances of the pictures that the text has now, and takes off those it has no more.
+    void renewPictures();
+    [[nodiscard]] NodePtr makePicture(const TextPicture& picture);
+    void startPicture(const TextPicture& picture, Node& node);
+    struct PictureSize {
+        swf::Rect own;
+        double width = 0, height = 0;
+    };
+    [[nodiscard]] static PictureSize sizeOf(const TextPicture& picture, Node& node);
+    void placePictures();
+    [[nodiscard]] std::vector<render::TextFloat> floats();
     void assign(TextContent content);
     void readHtml();
     void textChanged(); ///< by a script
@@ -170,6 +209,8 @@ private:
 
     // ---- editing ----
     [[nodiscard]] bool accepts(char16_t character) const;
+    /// Typed text looks like what stands before it.
+    [[nodiscard]] const TextFormat& typingFormat() const;
     void type(std::u16string_view text);
     void erase(std::size_t begin, std::size_t end);
     void userChanged();
@@ -185,6 +226,8 @@ private:
     TextFormat m_firstFormat; ///< as the field was defined
     std::u16string m_source;  ///< what was set as HTML, while a style sheet is in force
     std::shared_ptr<const StyleSheet> m_styleSheet;
+    unsigned m_hoveredLink = 0;
+    bool m_linkIsPressed = false;
     std::string m_variable;
     std::optional<std::string> m_lastValue; ///< of the variable, as last seen or set
     bool m_bound = false;                   ///< the stage looks after the variable
@@ -205,6 +248,14 @@ private:
     int m_scroll = 0;
     double m_hscroll = 0;
 
+    std::vector<TextPicture> m_pictures; ///< those there are instances of
+    std::vector<NodePtr> m_pictureNodes; ///< of each; entries may be removed ones
+
+    struct Composition {
+        std::u16string text;
+        std::size_t caret = 0;
+    };
+    Composition m_composition; ///< stands in the place of what is selected
     std::size_t m_anchor = 0, m_caret = 0;
     bool m_caretShown = false, m_hasSelection = false;
     double m_caretSinceMs = 0;

@@ -72,16 +72,37 @@ void TextField::select(std::size_t anchor, std::size_t caret)
 void TextField::begin()
 {
     syncVariable();
+    if (!m_content.pictures().empty()) outdateLayout();
     m_stage.script().textFieldPlaced(*this);
 }
 
 NodePtr TextField::ownPointerTarget(swf::Point stagePoint)
 {
+    for (std::size_t i = m_pictureNodes.size(); i-- > 0;)
+        if (NodePtr target = m_pictureNodes[i]->pointerTarget(stagePoint)) return target;
     const bool taken = selectable || isInput() ? hitsShape(stagePoint) : linkAt(stagePoint) != nullptr;
     return taken ? shared_from_this() : nullptr;
 }
 
-Cursor TextField::cursorAt(swf::Point stagePoint) { return linkAt(stagePoint) ? Cursor::Hand : Cursor::Text; }
+Cursor TextField::cursorAt(swf::Point stagePoint)
+{
+    const TextFormat* link = linkAt(stagePoint);
+    hover(link ? link->link : 0, m_stage.pointer().isDown());
+    return linkAt(stagePoint) ? Cursor::Hand : Cursor::Text;
+}
+
+void TextField::hover(unsigned link, bool pressed)
+{
+    pressed = pressed && link != 0;
+    if (link == m_hoveredLink && pressed == m_linkIsPressed) return;
+    m_hoveredLink = link;
+    m_linkIsPressed = pressed;
+    if (m_source.empty() || !m_styleSheet ||
+        !(m_styleSheet->has(u"a:hover") || m_styleSheet->has(u"a:active")))
+        return;
+    readHtml();
+    outdateLayout();
+}
 
 void TextField::focusGained()
 {
@@ -93,6 +114,7 @@ void TextField::focusLost()
 {
     m_hasSelection = false;
     m_caretShown = false;
+    m_composition = {};
     invalidate();
 }
 
@@ -114,6 +136,13 @@ bool TextField::accepts(char16_t character) const
     return !restrict || character == u'\r' || isAllowed(*restrict, character);
 }
 
+const TextFormat& TextField::typingFormat() const
+{
+    const std::size_t begin = selectionBegin();
+    const TextFormat* before = begin > 0 ? m_content.formatAt(begin - 1) : m_content.formatAt(0);
+    return before ? *before : m_newFormat;
+}
+
 void TextField::type(std::u16string_view text)
 {
     if (!isInput() || text.empty() || !m_stage.script().takesText(*this, text)) return;
@@ -131,9 +160,7 @@ void TextField::type(std::u16string_view text)
     }
     if (accepted.empty()) return;
     const std::size_t begin = selectionBegin();
-    // Typed text looks like what stands before it.
-    const TextFormat* before = begin > 0 ? m_content.formatAt(begin - 1) : m_content.formatAt(0);
-    const TextFormat format = before ? *before : m_newFormat;
+    const TextFormat format = typingFormat();
     m_content.replace(begin, selectionEnd(), accepted, format);
     m_anchor = m_caret = begin + accepted.size();
     userChanged();
@@ -320,6 +347,9 @@ bool TextField::wheel(int lines)
 const TextFormat* TextField::linkAt(swf::Point stagePoint)
 {
     if (isInput() || !hitsShape(stagePoint)) return nullptr;
+    for (std::size_t i = m_pictureNodes.size(); i-- > 0;)
+        if (!m_pictures[i].format.url.empty() && m_pictureNodes[i]->hitsShape(stagePoint))
+            return &m_pictures[i].format;
     const std::optional<std::size_t> index = layout().characterAt(toText(stagePoint));
     const TextFormat* format = index ? m_content.formatAt(*index) : nullptr;
     return format && !format->url.empty() ? format : nullptr;

@@ -15,7 +15,6 @@ namespace
 
 constexpr char16_t kPasswordCharacter = u'*';
 constexpr swf::Rgba kSelectionGround{0, 0, 0, 255}, kSelectedText{255, 255, 255, 255};
-constexpr double kCaretWidth = 20; // twips
 
 swf::Matrix translation(swf::Point by) { return {1, 0, 0, 1, by.x, by.y}; }
 
@@ -58,6 +57,8 @@ void TextField::outdateLayout()
         invalidate();
     else
         contentChanged();
+    renewPictures();
+    placePictures();
 }
 
 const render::TextLayout& TextField::layout()
@@ -67,18 +68,24 @@ const render::TextLayout& TextField::layout()
     if (m_layoutValid) return m_layout;
     m_wrapChangedFrame.reset();
     m_layoutValid = true;
+    m_layout = layoutOf(m_content);
+    if (m_autoSize != AutoSize::None) fitToText();
+    return m_layout;
+}
+
+render::TextLayout TextField::layoutOf(const TextContent& content)
+{
     std::vector<render::TextRun> runs;
-    for (const TextContent::Run& run : m_content.runs()) runs.push_back({run.length, run.format.style});
+    for (const TextContent::Run& run : content.runs()) runs.push_back({run.length, run.format.style});
     if (runs.empty()) runs.push_back({0, m_newFormat.style});
     render::TextOptions options;
     options.width = std::max(0.0, m_bounds.width() - 2 * render::kTextGutter);
     options.wordWrap = m_wordWrap;
     options.autoSize = m_autoSize != AutoSize::None;
     if (m_password) options.password = kPasswordCharacter;
+    options.floats = floats();
     Fonts fonts(*this);
-    m_layout = render::TextLayout(m_content.text(), std::move(runs), options, fonts);
-    if (m_autoSize != AutoSize::None) fitToText();
-    return m_layout;
+    return render::TextLayout(content.text(), std::move(runs), options, fonts);
 }
 
 double TextField::textHeight(const render::TextLayout& layout)
@@ -154,6 +161,7 @@ void TextField::setWidth(double pixels)
     m_bounds.xMax = m_bounds.xMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();
+    placePictures();
 }
 
 void TextField::setHeight(double pixels)
@@ -164,6 +172,7 @@ void TextField::setHeight(double pixels)
     m_bounds.yMax = m_bounds.yMin + static_cast<std::int32_t>(twips);
     m_layoutValid = false;
     contentChanged();
+    placePictures();
 }
 
 // ---- scrolling --------------------------------------------------------------------------------------------
@@ -200,6 +209,7 @@ void TextField::setScroll(int line)
     m_scroll = std::clamp(line, 0, maxScroll());
     if (m_scroll == before) return;
     invalidate();
+    placePictures();
     m_stage.script().textScrolled(*this);
 }
 
@@ -231,6 +241,7 @@ void TextField::setHscroll(double twips)
     m_hscroll = std::clamp(twips, 0.0, maxHscroll());
     if (m_hscroll == before) return;
     invalidate();
+    placePictures();
     m_stage.script().textScrolled(*this);
 }
 
@@ -278,11 +289,19 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
         canvas.strokeRect(box, toDevice, swf::apply(color, m_borderColor),
                           m_embedFonts ? Corner::InPart : last);
     }
-    const bool focused = isFocused();
-    if (m_content.isEmpty() && !focused) return;
+    if (!m_content.isEmpty() || isFocused()) drawText(canvas, toDevice, color);
+}
 
-    const render::TextLayout& text = layout();
-    const swf::Point origin = textOrigin();
+void TextField::drawText(render::Canvas& canvas, const swf::Matrix& toDevice,
+                         const swf::ColorTransform& color)
+{
+    const bool focused = isFocused();
+    const swf::Rect box = bounds();
+    std::optional<Composed> composing;
+    if (focused && !m_composition.text.empty()) composing = composed();
+    const render::TextLayout& text = composing ? composing->layout : layout();
+    swf::Point origin = textOrigin();
+    if (composing) origin.x -= composing->shift;
     // The machine's letters keep their proportions: stretched to the side, only their box gets wider.
     swf::Matrix textToDevice = toDevice * translation(origin);
     if (!m_embedFonts && toDevice.b == 0 && toDevice.c == 0)
@@ -297,14 +316,15 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
         canvas.endMask();
     }
     std::optional<render::TextLayout::Selection> selected;
-    if (focused && m_anchor != m_caret) {
+    if (focused && m_anchor != m_caret && !composing) {
         selected = {selectionBegin(), selectionEnd(), swf::apply(color, kSelectedText)};
         for (const swf::Rect& rect : text.rectsOf(selectionBegin(), selectionEnd()))
             canvas.fillRect(rect, textToDevice, swf::apply(color, kSelectionGround));
     }
     text.draw(canvas, textToDevice, color, selected);
-    if (focused && isInput() && m_caretShown && m_anchor == m_caret) {
-        const render::TextLayout::Caret caret = text.caret(m_caret);
+    if (composing) underline(canvas, textToDevice, color, *composing);
+    if (focused && isInput() && m_caretShown && (composing || m_anchor == m_caret)) {
+        const render::TextLayout::Caret caret = text.caret(composing ? composing->caret : m_caret);
         const swf::Rect bar{static_cast<std::int32_t>(std::lround(caret.x)),
                             static_cast<std::int32_t>(std::lround(caret.x + kCaretWidth)),
                             static_cast<std::int32_t>(std::lround(caret.top)),

@@ -13,6 +13,7 @@ namespace flash::stage
 struct TextFormat {
     render::TextStyle style;
     std::u16string url, target; ///< of a link; the url is empty when there is none
+    unsigned link = 0;          ///< which link of its HTML it belongs to, from 1; 0 for others
     friend bool operator==(const TextFormat&, const TextFormat&) = default;
 };
 

@@ -59,23 +59,56 @@ public:
     {
         std::size_t at = 0;
         for (const TextContent::Run& run : m_content.runs()) {
-            std::u16string_view text = std::u16string_view(m_content.text()).substr(at, run.length);
-            at += run.length;
-            while (!text.empty()) {
+            const std::size_t runEnd = at + run.length;
+            while (at < runEnd) {
                 if (!m_inParagraph) beginParagraph(run.format);
                 follow(run.format);
-                const std::size_t end = text.find_first_of(u"\r\n");
-                m_html += escaped(text.substr(0, end));
-                if (end == std::u16string_view::npos) break;
+                const std::u16string_view upToRunEnd =
+                    std::u16string_view(m_content.text()).substr(0, runEnd);
+                const std::size_t lineEnd = std::min(upToRunEnd.find_first_of(u"\r\n", at), runEnd);
+                put(at, lineEnd);
+                at = lineEnd;
+                if (at == runEnd) break;
                 endParagraph();
-                text.remove_prefix(end + 1);
+                ++at;
             }
+        }
+        if (m_nextPicture < m_content.pictures().size()) {
+            if (!m_inParagraph) beginParagraph(m_content.pictures()[m_nextPicture].format);
+            put(at, at);
         }
         if (m_inParagraph) endParagraph();
         return std::move(m_html);
     }
 
 private:
+    // Characters of one line and one format, with the pictures that stand before, between and behind them.
+    void put(std::size_t begin, std::size_t end)
+    {
+        const std::u16string_view text = m_content.text();
+        const std::vector<TextPicture>& pictures = m_content.pictures();
+        for (; m_nextPicture < pictures.size() && pictures[m_nextPicture].index <= end; ++m_nextPicture) {
+            const std::size_t index = std::max(pictures[m_nextPicture].index, begin);
+            m_html += escaped(text.substr(begin, index - begin));
+            begin = index;
+            put(pictures[m_nextPicture]);
+        }
+        m_html += escaped(text.substr(begin, end - begin));
+    }
+    void put(const TextPicture& picture)
+    {
+        m_html += u"<IMG";
+        attribute(u"SRC", escaped(picture.source));
+        if (picture.width) attribute(u"WIDTH", pixels(*picture.width));
+        if (picture.height) attribute(u"HEIGHT", pixels(*picture.height));
+        if (!picture.id.empty()) attribute(u"ID", escaped(picture.id));
+        if (picture.onRight) attribute(u"ALIGN", u"right");
+        if (picture.horizontalSpace != TextPicture::kUsualSpace)
+            attribute(u"HSPACE", pixels(picture.horizontalSpace));
+        if (picture.verticalSpace != TextPicture::kUsualSpace)
+            attribute(u"VSPACE", pixels(picture.verticalSpace));
+        m_html += u'>';
+    }
     void attribute(std::u16string_view name, const std::u16string& value)
     {
         m_html += u' ';
@@ -194,6 +227,7 @@ private:
     }
 
     const TextContent& m_content;
+    std::size_t m_nextPicture = 0;
     std::u16string m_html;
     std::vector<render::TextStyle> m_fonts; ///< open ones, outermost first
     std::optional<TextFormat> m_inner;      ///< whose link, bold, italic and underline are open

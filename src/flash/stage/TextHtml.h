@@ -16,6 +16,8 @@ struct HtmlOptions {
     bool condenseWhite = false; ///< runs of white space become one space
     int version = 8;            ///< of the movie
     const StyleSheet* styles = nullptr;
+    unsigned hoveredLink = 0; ///< TextFormat::link of the one under the pointer
+    bool linkIsPressed = false;
 };
 
 /// A line feed in the HTML becomes an ordinary break, a carriage return one that scripts do not see.

@@ -170,6 +170,10 @@ private:
             flush(text);
             return;
         }
+        if (tag.name == u"img" && m_options.version >= 7) {
+            picture(tag);
+            return;
+        }
         Element element{tag.name, format(), m_open.back().shown};
         if (tag.name == u"li") {
             const std::u16string& text = m_content.text();
@@ -177,6 +181,30 @@ private:
         }
         applyTag(tag, element);
         if (!tag.empty) m_open.push_back(std::move(element));
+    }
+
+    void picture(const Tag& tag)
+    {
+        const std::u16string* source = tag.find(u"src");
+        if (!source || source->empty() || !m_open.back().shown) return;
+        TextPicture picture;
+        picture.source = *source;
+        picture.format = format();
+        if (const std::u16string* id = tag.find(u"id")) picture.id = *id;
+        if (const std::u16string* align = tag.find(u"align"))
+            picture.onRight = base::asciiLowered(*align) == u"right";
+        const auto length = [&](std::u16string_view name) -> std::optional<double> {
+            const std::u16string* value = tag.find(name);
+            const std::optional<int> number = value ? leadingInteger(*value) : std::nullopt;
+            constexpr int kLongest = 16384;
+            if (!number) return {};
+            return std::clamp(*number, 0, kLongest) * double{swf::kTwipsPerPixel};
+        };
+        picture.width = length(u"width");
+        picture.height = length(u"height");
+        picture.horizontalSpace = length(u"hspace").value_or(TextPicture::kUsualSpace);
+        picture.verticalSpace = length(u"vspace").value_or(TextPicture::kUsualSpace);
+        m_content.append(std::move(picture));
     }
 
     void applyTag(const Tag& tag, Element& element)
@@ -187,7 +215,7 @@ private:
             sheet->applyTo(tag.name, element.format, element.shown);
             if (const std::u16string* name = tag.find(u"class"))
                 sheet->applyTo(u"." + base::asciiLowered(*name), element.format, element.shown);
-            if (tag.name == u"a") sheet->applyTo(u"a:link", element.format, element.shown);
+            if (tag.name == u"a") linkStyles(*sheet, element);
         }
         if (tag.name == u"b") {
             style.bold = true;
@@ -214,6 +242,15 @@ private:
         } else if (tag.name == u"textformat") {
             textFormat(tag, style);
         }
+    }
+
+    void linkStyles(const StyleSheet& sheet, Element& element)
+    {
+        element.format.link = ++m_links;
+        sheet.applyTo(u"a:link", element.format, element.shown);
+        if (m_links != m_options.hoveredLink) return;
+        sheet.applyTo(u"a:hover", element.format, element.shown);
+        if (m_options.linkIsPressed) sheet.applyTo(u"a:active", element.format, element.shown);
     }
 
     static void font(const Tag& tag, render::TextStyle& style, int version)
@@ -253,7 +290,10 @@ private:
             std::u16string_view rest = *stops;
             while (!rest.empty()) {
                 const std::size_t end = std::min(rest.find(u','), rest.size());
-                if (const std::optional<int> number = leadingInteger(rest.substr(0, end)))
+                std::u16string_view stop = rest.substr(0, end);
+                // Authors also write them as scripts do: [60, 120].
+                while (!stop.empty() && (isSpace(stop[0]) || stop[0] == u'[')) stop.remove_prefix(1);
+                if (const std::optional<int> number = leadingInteger(stop))
                     style.tabStops.push_back(*number * swf::kTwipsPerPixel);
                 rest.remove_prefix(std::min(end + 1, rest.size()));
             }
@@ -322,6 +362,7 @@ private:
     TextContent m_content;
     std::vector<Element> m_open;
     std::optional<render::TextStyle> m_closedFont; ///< of the font element that was closed last
+    unsigned m_links = 0;
     bool m_afterSpace = true; ///< when white space is condensed: a further space is dropped
 };
 

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QInputMethodEvent>
 #include <QPaintEvent>
 #include <QTest>
 
@@ -366,6 +367,37 @@ TEST(FlashControl, TellsWhetherTheUserHasJustActed)
     QTest::mouseClick(&control, Qt::LeftButton, {}, {20, 20});
     QTest::qWait(1200);
     EXPECT_EQ(next(), 0U) << "it holds for a second";
+}
+
+TEST(FlashControl, LetsInputMethodsTypeIntoTheMovie)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(100, 80);
+    control.show();
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::inputField())));
+    EXPECT_FALSE(control.testAttribute(Qt::WA_InputMethodEnabled));
+    const auto send = [&control](const QString& composed, const QString& committed = {}) {
+        QInputMethodEvent event(composed, {});
+        event.setCommitString(committed);
+        QCoreApplication::sendEvent(&control, &event);
+    };
+    QWidget& widget = control;
+    const auto caret = [&widget] { return widget.inputMethodQuery(Qt::ImCursorRectangle).toRect(); };
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {20, 20});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return control.testAttribute(Qt::WA_InputMethodEnabled); }));
+    const QRect empty = caret();
+    EXPECT_TRUE(QRect(5, 5, 80, 30).contains(empty)) << "where the method may show what it offers";
+
+    send("ab");
+    EXPECT_EQ(control.GetVariable("v"), "") << "nothing is typed yet";
+    EXPECT_GT(caret().left(), empty.left() + 5);
+    send({});
+    EXPECT_EQ(caret(), empty) << "called off";
+    send("a");
+    send({}, QString::fromUtf8("\u00E9\u0436"));
+    EXPECT_EQ(control.GetVariable("v"), QString::fromUtf8("\u00E9\u0436"));
+    EXPECT_GT(caret().left(), empty.left());
 }
 
 TEST(FlashControl, TakesOnlySoMuchAtOnceFromAMovie)

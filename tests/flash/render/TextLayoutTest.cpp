@@ -172,6 +172,33 @@ TEST(TextLayout, JustifiesAllButTheLastLineOfAParagraph)
     EXPECT_DOUBLE_EQ(layout.lines()[1].width, 400);
 }
 
+TEST(TextLayout, FlowsAroundWhatStandsAtTheSides)
+{
+    const std::u16string_view text = u"aa b cc d ee f gg";
+    TextOptions options{.width = 1100, .wordWrap = true, .password = {}};
+    options.floats = {{0, 400, 250, false}, {1, 200, 100, true}};
+    const TextLayout layout = layOut(text, options);
+    EXPECT_EQ(linesOf(layout, text), (std::vector<std::u16string>{u"aa b cc ", u"d ee ", u"f gg"}));
+    ASSERT_EQ(layout.floats().size(), 2U);
+    EXPECT_EQ(layout.floats()[0], (swf::Point{0, 0}));
+    EXPECT_EQ(layout.floats()[1], (swf::Point{900, 200})) << "from the next line on";
+    EXPECT_DOUBLE_EQ(layout.lines()[1].x, 400);
+    EXPECT_DOUBLE_EQ(layout.lines()[2].x, 0);
+
+    // Where nothing is left beside them, the text goes on below; those of one side stand below each other.
+    options.floats = {{0, 1090, 250, false}, {0, 10, 40, false}};
+    const TextLayout below = layOut(text, options);
+    EXPECT_DOUBLE_EQ(below.lines()[0].top, 250);
+    EXPECT_DOUBLE_EQ(below.lines()[0].x, 10);
+    EXPECT_DOUBLE_EQ(below.lines()[1].x, 0);
+    EXPECT_EQ(below.floats()[1], (swf::Point{0, 250}));
+
+    options.floats = {{99, 100, 100, false}};
+    EXPECT_EQ(layOut(u"a", options).floats().size(), 0U) << "no place in the text";
+    options.floats = {{1, 100, 100, false}};
+    EXPECT_EQ(layOut(u"a", options).floats().at(0).y, 200) << "behind the last letter";
+}
+
 TEST(TextLayout, SpacesLettersTabsAndBullets)
 {
     TextStyle spaced = style();

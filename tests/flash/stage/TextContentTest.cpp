@@ -93,6 +93,38 @@ TEST(TextHtml, ReadsTextAsRecorded)
     }
 }
 
+TEST(TextHtml, KeepsPicturesAtTheirPlaces)
+{
+    const std::u16string_view html = u"<p>ab<img src='x' id='i' width='10' align='right' hspace='0'>c</p>"
+                                     u"<p>d<img src='y'/></p><img>";
+    TextContent content = contentFromHtml(html, sized(12), {});
+    EXPECT_EQ(content.text(), u"abc\rd\r");
+    const auto places = [&content] {
+        std::vector<std::pair<std::size_t, std::u16string>> places;
+        for (const TextPicture& picture : content.pictures())
+            places.emplace_back(picture.index, picture.source);
+        return places;
+    };
+    using Places = decltype(places());
+    EXPECT_EQ(places(), (Places{{2, u"x"}, {5, u"y"}})) << "one without a source is none";
+    EXPECT_EQ(content.pictures()[0].width, 200);
+    EXPECT_FALSE(content.pictures()[0].height);
+    EXPECT_TRUE(content.pictures()[0].onRight);
+    EXPECT_EQ(content.pictures()[1].horizontalSpace, 160);
+    const std::u16string written = htmlFromContent(content);
+    EXPECT_NE(written.find(u"ab<IMG SRC=\"x\" WIDTH=\"10\" ID=\"i\" ALIGN=\"right\" HSPACE=\"0\">c<"),
+              std::u16string::npos);
+    EXPECT_NE(written.find(u"d<IMG SRC=\"y\"></FONT></P>"), std::u16string::npos);
+    // What is typed moves them, what is erased around them takes them along.
+    content.replace(0, 0, u"12", sized(12));
+    EXPECT_EQ(places(), (Places{{4, u"x"}, {7, u"y"}}));
+    content.replace(3, 5, u"", sized(12));
+    EXPECT_EQ(places(), (Places{{5, u"y"}}));
+    HtmlOptions old;
+    old.version = 6;
+    EXPECT_TRUE(contentFromHtml(html, sized(12), old).pictures().empty());
+}
+
 std::u16string roundTrip(std::u16string_view html)
 {
     std::u16string result = htmlFromContent(contentFromHtml(html, sized(12), {}));

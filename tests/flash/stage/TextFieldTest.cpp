@@ -191,6 +191,57 @@ TEST(TextField, ShowsTheHandOverLinksOnly)
     EXPECT_EQ(cursorAt(45), Cursor::Text) << "what is being edited";
 }
 
+TEST(TextField, ShowsLinksUnderThePointerInTheirStyle)
+{
+    swf::EditText definition = input("<a href='x'>one</a> <a href='x'>two</a>");
+    definition.html = definition.readOnly = true;
+    Fixture f(std::move(definition));
+    auto sheet = std::make_shared<StyleSheet>();
+    sheet->set(u"a:hover", {{u"color", u"#FF0000"}});
+    sheet->set(u"a:active", {{u"color", u"#00FF00"}});
+    f.field().setStyleSheet(sheet);
+    const auto colors = [&f](double x) {
+        f.stage.pointer().move(x, 10);
+        const auto of = [&f](std::size_t index) {
+            const swf::Rgba color = f.field().content().formatAt(index)->style.color;
+            return color.r != 0 ? 'r' : color.g != 0 ? 'g' : '-';
+        };
+        return std::string{of(0), of(5)};
+    };
+    EXPECT_EQ(colors(14), "r-");
+    EXPECT_EQ(colors(55), "-r") << "links are told apart, wherever they lead";
+    f.stage.pointer().press(55, 10);
+    EXPECT_EQ(colors(55), "-g");
+    f.stage.pointer().release(55, 10);
+    EXPECT_EQ(colors(55), "-r");
+    EXPECT_EQ(colors(500), "--");
+}
+
+TEST(TextField, ShowsWhatAnInputMethodIsAboutToType)
+{
+    Fixture f(input("abcd"));
+    f.stage.focus().set(&f.field());
+    f.field().select(1, 3);
+    const auto caret = [&f] { return (f.field().caretOnStage().xMin - f.field().caretOnStage().yMin) / 20; };
+    const int before = caret();
+    f.stage.keyboard().compose(u"xyz", 99);
+    EXPECT_EQ(f.field().text(), u"abcd") << "scripts do not see it";
+    EXPECT_NE(caret(), before);
+    const int atEnd = caret();
+    f.stage.keyboard().compose(u"xyz", 0);
+    EXPECT_LT(caret(), atEnd);
+    f.stage.keyboard().compose(u"", 0);
+    EXPECT_EQ(caret(), before);
+    EXPECT_EQ(f.script.changes, 0);
+    f.stage.keyboard().type(U'x');
+    EXPECT_EQ(f.field().text(), u"axd") << "it takes the place of what is selected";
+    f.field().readOnly = true;
+    f.stage.keyboard().compose(u"xyz", 3);
+    const int untouched = caret();
+    f.stage.keyboard().compose(u"", 0);
+    EXPECT_EQ(caret(), untouched);
+}
+
 TEST(TextField, ScrollsWithinItsText)
 {
     swf::EditText tall = input("a\nb\nc\nd");

@@ -118,7 +118,9 @@ bool NodeObject::lookUp(Vm& vm, Name name, Value& result)
             }
         }
     }
-    if (node->kind() == stage::NodeKind::Button && vm.names().mayBeNodeName(name)) {
+    const bool holdsOthers =
+        node->kind() == stage::NodeKind::Button || node->kind() == stage::NodeKind::TextField;
+    if (holdsOthers && vm.names().mayBeNodeName(name)) {
         for (const stage::NodePtr& child : node->children()) {
             const std::u16string own = base::utf16FromUtf8(child->name());
             const bool same = sensitive ? own == text : AtomTable::fold(own) == AtomTable::fold(text);
