@@ -110,7 +110,8 @@ Smoothing Canvas::Impl::smoothingOf(bool wanted) const
 }
 
 StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
-                                    const swf::ColorTransform& color, const GradientRamp* known) const
+                                    const swf::ColorTransform& color,
+                                    std::shared_ptr<const GradientRamp> known) const
 {
     StylePaint style;
     switch (fill.kind) {
@@ -118,12 +119,13 @@ StylePaint Canvas::Impl::stylePaint(const swf::FillStyle& fill, const swf::Matri
     case swf::FillStyle::Kind::LinearGradient:
     case swf::FillStyle::Kind::RadialGradient:
     case swf::FillStyle::Kind::FocalGradient: {
-        const GradientRamp ramp = known != nullptr ? *known : makeRamp(fill.gradient, color);
+        if (known == nullptr) known = std::make_shared<const GradientRamp>(makeRamp(fill.gradient, color));
+        const std::uint32_t last = known->colors.back();
         style.paint =
-            makeGradientPaint(fill.kind, fill.gradient, ramp, toDevice * fill.matrix,
+            makeGradientPaint(fill.kind, fill.gradient, std::move(known), toDevice * fill.matrix,
                               m_quality == Quality::Low ? GradientSample::Centre : GradientSample::Corner);
         // Squeezed to nothing, all that is seen lies beyond the end.
-        if (style.paint == nullptr) style.color = ramp.back();
+        if (style.paint == nullptr) style.color = last;
         break;
     }
     case swf::FillStyle::Kind::Bitmap:
@@ -184,8 +186,6 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
         stamps = stampsOf(*owner, *flat, strokes.get(), to, toDevice, whole);
         if (stamps != nullptr) next = {stamps->parts.data(), whole.dx, whole.dy};
     }
-
-    const bool plain = color.isIdentity();
     for (std::size_t i = 0; i < flat->layers.size(); ++i) {
         guard::check(static_cast<std::uint32_t>(1 + to.clip.height() / kRowsPerStep));
         const swf::ShapeLayer& layer = shape.layers[i];
@@ -198,9 +198,9 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
                     continue;
                 }
                 std::shared_ptr<const GradientRamp> ramp;
-                if (owner != nullptr && plain && isGradient(layer.fills[n].kind))
-                    ramp = m_cache.impl().ramp(*owner, i, n);
-                styles.push_back(stylePaint(layer.fills[n], toDevice, color, ramp.get()));
+                if (owner != nullptr && isGradient(layer.fills[n].kind))
+                    ramp = m_cache.impl().ramp(*owner, i, n, color);
+                styles.push_back(stylePaint(layer.fills[n], toDevice, color, std::move(ramp)));
             }
             if (next.stamp != nullptr)
                 m_drawer.stamp(to, *next.stamp++, next.dx, next.dy);

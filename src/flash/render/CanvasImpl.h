@@ -95,7 +95,8 @@ private:
     Destination destination();
     /// @param known the fill's ramp when it was made before
     StylePaint stylePaint(const swf::FillStyle& fill, const swf::Matrix& toDevice,
-                          const swf::ColorTransform& color, const GradientRamp* known = nullptr) const;
+                          const swf::ColorTransform& color,
+                          std::shared_ptr<const GradientRamp> known = nullptr) const;
     [[nodiscard]] Smoothing smoothingOf(bool wanted) const;
     struct NextStamp {
         const Stamp* stamp = nullptr; ///< null where there are none

@@ -1,10 +1,10 @@
+#include "flash/render/GradientRows.h"
 #include "flash/render/Paint.h"
 #include "flash/render/Pixel.h"
-#include "flash/render/Vectorize.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <utility>
 
 namespace flash::render
 {
@@ -12,7 +12,6 @@ namespace
 {
 
 constexpr double kSquareRadius = 16384;
-constexpr int kRampSize = 256;
 
 double toLinear(double value)
 {
@@ -51,241 +50,100 @@ void fillBetween(std::array<swf::Rgba, kRampSize>& colors, const swf::Gradient::
             mixPlain(a.a, b.a, part, whole)};
 }
 
-// What is worked out side by side comes in whole groups of so many: some pixels more cost less than some one
-// by one at the end, and most rows of a shape are short.
-constexpr std::size_t kGroup = 8;
-constexpr std::size_t wholeGroups(std::size_t count) { return (count + kGroup - 1) & ~(kGroup - 1); }
-
-// Positions along the ramp, in entries, to whole entries that there are. Positions are bounded by the
-// callers.
-// @param count of whole groups, here and below
-ZORVEX_VECTORIZE
-void toEntries(const float* positions, std::size_t count, swf::Gradient::Spread spread, std::int32_t* entries)
-{
-    count &= ~(kGroup - 1);
-    constexpr std::int32_t kLast = kRampSize - 1, kTwice = 2 * kRampSize - 1;
-    switch (spread) {
-    case swf::Gradient::Spread::Pad:
-        for (std::size_t i = 0; i < count; ++i)
-            entries[i] = std::min(std::max(static_cast<std::int32_t>(positions[i]), 0), kLast);
-        return;
-    case swf::Gradient::Spread::Reflect:
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::int32_t at = static_cast<std::int32_t>(positions[i]) & kTwice;
-            entries[i] = std::min(at, kTwice - at);
-        }
-        return;
-    case swf::Gradient::Spread::Repeat:
-        for (std::size_t i = 0; i < count; ++i) entries[i] = static_cast<std::int32_t>(positions[i]) & kLast;
-        return;
-    }
-}
-
-// Written four at a time, as they are read soon after: what was written in smaller pieces would have to reach
-// memory first.
-void lookUp(const std::uint32_t* ramp, const std::int32_t* entries, std::size_t count, std::uint32_t* to)
-{
-    using Pixels4 = std::uint32_t __attribute__((vector_size(16)));
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const Pixels4 four = {ramp[entries[i]], ramp[entries[i + 1]], ramp[entries[i + 2]],
-                              ramp[entries[i + 3]]};
-        std::memcpy(to + i, &four, sizeof four);
-    }
-    for (; i < count; ++i) to[i] = ramp[entries[i]];
-}
-
-// Between entries: each has its colour in its middle.
-void lookUpBetween(const std::uint32_t* ramp, const float* positions, std::size_t count,
-                   swf::Gradient::Spread spread, std::uint32_t* to)
-{
-    constexpr std::int32_t kLast = kRampSize - 1, kTwice = 2 * kRampSize - 1;
-    const auto entry = [=](std::int32_t at) {
-        switch (spread) {
-        case swf::Gradient::Spread::Pad: break;
-        case swf::Gradient::Spread::Reflect: at &= kTwice; return std::min(at, kTwice - at);
-        case swf::Gradient::Spread::Repeat: break;
-        }
-        return std::min(std::max(at, 0), kLast);
-    };
-    for (std::size_t i = 0; i < count; ++i) {
-        // Where a ramp begins anew its ends do not mix.
-        float position = positions[i];
-        if (spread == swf::Gradient::Spread::Repeat) position -= kRampSize * std::floor(position / kRampSize);
-        const float at = position - 0.5F, whole = std::floor(at);
-        const auto first = static_cast<std::int32_t>(whole);
-        const auto part = static_cast<std::uint32_t>((at - whole) * 256), rest = 256 - part;
-        const std::uint32_t from = ramp[entry(first)], next = ramp[entry(first + 1)];
-        const std::uint32_t low = ((from & 0x00FF00FF) * rest + (next & 0x00FF00FF) * part + 0x00800080) >> 8;
-        const std::uint32_t high =
-            (from >> 8 & 0x00FF00FF) * rest + (next >> 8 & 0x00FF00FF) * part + 0x00800080;
-        to[i] = (low & 0x00FF00FF) | (high & 0xFF00FF00);
-    }
-}
-
 // Where in a pixel a gradient is looked at, from its upper left corner.
 constexpr double kCentre = 0.5, kCorner = 0;
-// The genuine player's radial ones lie off by a hair and are too large by less, as its fixed-point numbers
-// make them; found from its pictures, where it decides about single pixels on the rings of the ramp.
+// The genuine player's radial ones lie off by a hair; found from its pictures, see kRadialSize.
 constexpr double kRadialShift = 0.0012;
-constexpr float kRadialSize = kRampSize * (1 - 1e-5F);
 
-// Far beyond any number of repetitions that could be told apart.
-constexpr float kMaxDistance = 1e6F;
-
-class GradientPaint : public Paint
+class GradientPaint final : public Paint
 {
 public:
-    GradientPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
-                  GradientSample sample, double shift = 0)
-        : m_ramp(ramp), m_spread(gradient.spread), m_fromDevice(fromDevice),
-          m_within(sample == GradientSample::Corner ? kCorner + shift : kCentre),
-          m_between(sample == GradientSample::Centre)
+    GradientPaint(GradientForm form, const swf::Gradient& gradient, std::shared_ptr<const GradientRamp> ramp,
+                  const swf::Matrix& fromDevice, GradientSample sample)
+        : GradientPaint(form, gradient, std::move(ramp), fromDevice, sample,
+                        gradientLoops(form, gradient.spread))
     {
-        std::uint32_t all = ~0U;
-        for (const std::uint32_t color : ramp) all &= color;
-        m_isOpaque = alphaOf(all) == 255;
     }
-    [[nodiscard]] bool isOpaque() const override { return m_isOpaque; }
+
     void fetch(int x, int y, std::size_t count, std::uint32_t* to) const override
     {
-        // Positions are worked out a block at a time, as numbers the compiler can do side by side.
-        constexpr std::size_t kBlock = 32 * kGroup;
-        float positions[kBlock];
-        std::int32_t entries[kBlock];
-        while (count > 0) {
-            const std::size_t block = std::min(count, kBlock);
-            const swf::Point start = m_fromDevice.map(x + m_within, y + m_within);
-            place(start, wholeGroups(block), positions);
-            if (m_between) {
-                lookUpBetween(m_ramp.data(), positions, block, m_spread, to);
-            } else {
-                toEntries(positions, wholeGroups(block), m_spread, entries);
-                lookUp(m_ramp.data(), entries, block, to);
-            }
-            to += block;
-            x += static_cast<int>(block);
-            count -= block;
+        const std::uint32_t* ramp = m_ramp->colors.data();
+        forBlocks(x, y, count,
+                  [&](const GradientRow& row, std::size_t first, std::size_t done, std::size_t n) {
+                      if (m_isBetween)
+                          fillBetweenEntries(m_form, m_spread, ramp, row, first, n, to + done);
+                      else
+                          m_loops.fill(ramp, row, first, n, to + done);
+                  });
+    }
+
+    void lay(int x, int y, const std::uint8_t* coverage, std::size_t count, std::uint32_t* to) const override
+    {
+        const std::uint32_t* ramp = m_ramp->colors.data();
+        forBlocks(x, y, count,
+                  [&](const GradientRow& row, std::size_t first, std::size_t done, std::size_t n) {
+                      m_loops.lay(ramp, row, first, coverage + done, n, to + done);
+                  });
+    }
+
+    [[nodiscard]] std::uint32_t rowColor(int y) const override
+    {
+        std::uint32_t color = 0;
+        fetch(0, y, 1, &color);
+        return color;
+    }
+
+private:
+    GradientPaint(GradientForm form, const swf::Gradient& gradient, std::shared_ptr<const GradientRamp> ramp,
+                  const swf::Matrix& fromDevice, GradientSample sample, GradientLoops loops)
+        : Paint({.isOpaque = ramp->isOpaque,
+                 // Skies and buttons: what runs straight down has one colour a row.
+                 .hasRowColors =
+                     form == GradientForm::Linear && static_cast<float>(fromDevice.a) * (kRampSize / 2) == 0,
+                 .canLay = sample == GradientSample::Corner && loops.lay != nullptr}),
+          m_ramp(std::move(ramp)), m_form(form), m_spread(gradient.spread), m_fromDevice(fromDevice),
+          m_loops(loops),
+          // On the circle itself every point would be infinitely far along its way.
+          m_focal(static_cast<float>(std::clamp(gradient.focalPoint, -0.98, 0.98))),
+          m_isBetween(sample == GradientSample::Centre)
+    {
+        if (m_isBetween)
+            m_within = kCentre;
+        else
+            m_within = form == GradientForm::Radial ? kCorner + kRadialShift : kCorner;
+    }
+
+    // Pixels are looked at from the borders of blocks: what they look like does not depend on where a row is
+    // begun, on the clip that is.
+    template <class Each>
+    void forBlocks(int x, int y, std::size_t count, const Each& each) const
+    {
+        GradientRow row;
+        row.focal = m_focal;
+        row.stepX = static_cast<float>(m_fromDevice.a);
+        row.stepY = static_cast<float>(m_fromDevice.b);
+        if (m_form == GradientForm::Linear) row.stepX *= kRampSize / 2;
+        for (std::size_t done = 0; done < count;) {
+            const int at = x + static_cast<int>(done);
+            const auto first = static_cast<std::size_t>(at & (kGradientBlock - 1));
+            const swf::Point start = m_fromDevice.map(at - static_cast<int>(first) + m_within, y + m_within);
+            row.startY = static_cast<float>(start.y);
+            row.startX = static_cast<float>(m_form == GradientForm::Linear ? (start.x + 1) * (kRampSize / 2)
+                                                                           : start.x);
+            const std::size_t block = std::min(count - done, kGradientBlock - first);
+            each(row, first, done, block);
+            done += block;
         }
     }
 
-protected:
-    // The positions on the ramp, in entries, of pixels from `start` (in the gradient's unit circle) on.
-    virtual void place(swf::Point start, std::size_t count, float* positions) const = 0;
-    [[nodiscard]] std::uint32_t colorAt(int x, int y) const
-    {
-        std::uint32_t color = 0;
-        fetch(x, y, 1, &color);
-        return color;
-    }
-    [[nodiscard]] bool isBetween() const { return m_between; }
-    [[nodiscard]] float stepX() const { return static_cast<float>(m_fromDevice.a); }
-    [[nodiscard]] float stepY() const { return static_cast<float>(m_fromDevice.b); }
-
-private:
-    GradientRamp m_ramp;
+    std::shared_ptr<const GradientRamp> m_ramp;
+    GradientForm m_form;
     swf::Gradient::Spread m_spread;
     swf::Matrix m_fromDevice; ///< device pixels to the unit circle
-    double m_within;          ///< where in a pixel it is looked at, from its corner
-    bool m_between;           ///< colours go over into each other between entries
-    bool m_isOpaque = false;
-};
-
-ZORVEX_VECTORIZE
-void placeLinear(float start, float step, std::size_t count, float* positions)
-{
-    count &= ~(kGroup - 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        const float at = start + step * static_cast<float>(static_cast<int>(i));
-        positions[i] = std::floor(std::min(std::max(at, -kMaxDistance), kMaxDistance));
-    }
-}
-
-ZORVEX_VECTORIZE
-void placeRadial(float startX, float startY, float stepX, float stepY, std::size_t count, float* positions)
-{
-    count &= ~(kGroup - 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        const float x = startX + stepX * static_cast<float>(static_cast<int>(i));
-        const float y = startY + stepY * static_cast<float>(static_cast<int>(i));
-        positions[i] = std::min(std::sqrt(x * x + y * y) * kRadialSize, kMaxDistance);
-    }
-}
-
-// The ray from the focal point (f, 0) through (x, y) meets the unit circle; the position is how far along
-// that way the point lies: t = (f dx + sqrt(dx dx + y y - f f y y)) / (1 - f f), dx being x - f.
-ZORVEX_VECTORIZE
-void placeFocal(float startX, float startY, float stepX, float stepY, float focal, std::size_t count,
-                float* positions)
-{
-    count &= ~(kGroup - 1);
-    const float inverse = 1 / (1 - focal * focal);
-    for (std::size_t i = 0; i < count; ++i) {
-        const float dx = startX + stepX * static_cast<float>(static_cast<int>(i)) - focal;
-        const float y = startY + stepY * static_cast<float>(static_cast<int>(i));
-        const float root = std::sqrt(std::max(dx * dx + y * y - focal * focal * y * y, 0.0F));
-        const float at = (focal * dx + root) * inverse * kRampSize;
-        positions[i] = std::min(std::max(at, 0.0F), kMaxDistance);
-    }
-}
-
-class LinearPaint final : public GradientPaint
-{
-public:
-    using GradientPaint::GradientPaint;
-    // Skies and buttons: what runs straight down has one colour a row.
-    [[nodiscard]] std::optional<std::uint32_t> rowColor(int y) const override
-    {
-        if (stepX() * (kRampSize / 2) != 0) return std::nullopt;
-        return colorAt(0, y);
-    }
-
-private:
-    void place(swf::Point start, std::size_t count, float* positions) const override
-    {
-        const auto first = static_cast<float>((start.x + 1) * (kRampSize / 2));
-        const float step = stepX() * (kRampSize / 2);
-        if (!isBetween()) return placeLinear(first, step, count, positions);
-        for (std::size_t i = 0; i < count; ++i)
-            positions[i] = std::clamp(first + step * static_cast<float>(i), -kMaxDistance, kMaxDistance);
-    }
-};
-
-class RadialPaint final : public GradientPaint
-{
-public:
-    RadialPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
-                GradientSample sample)
-        : GradientPaint(gradient, ramp, fromDevice, sample, kRadialShift)
-    {
-    }
-
-private:
-    void place(swf::Point start, std::size_t count, float* positions) const override
-    {
-        placeRadial(static_cast<float>(start.x), static_cast<float>(start.y), stepX(), stepY(), count,
-                    positions);
-    }
-};
-
-class FocalPaint final : public GradientPaint
-{
-public:
-    FocalPaint(const swf::Gradient& gradient, const GradientRamp& ramp, const swf::Matrix& fromDevice,
-               GradientSample sample)
-        : GradientPaint(gradient, ramp, fromDevice, sample),
-          // On the circle itself every point would be infinitely far along its way.
-          m_focal(static_cast<float>(std::clamp(gradient.focalPoint, -0.98, 0.98)))
-    {
-    }
-
-private:
-    void place(swf::Point start, std::size_t count, float* positions) const override
-    {
-        placeFocal(static_cast<float>(start.x), static_cast<float>(start.y), stepX(), stepY(), m_focal, count,
-                   positions);
-    }
+    GradientLoops m_loops;
     float m_focal;
+    bool m_isBetween;    ///< colours go over into each other between entries
+    double m_within = 0; ///< where in a pixel it is looked at, from its corner
 };
 
 } // namespace
@@ -315,25 +173,28 @@ GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& 
     }
     std::fill(colors.begin() + std::min(previous.ratio + 1, kRampSize), colors.end(), previous.color);
     const bool plain = color.isIdentity();
-    std::ranges::transform(colors, ramp.begin(),
+    std::ranges::transform(colors, ramp.colors.begin(),
                            [&](swf::Rgba c) { return premultiply(plain ? c : apply(color, c)); });
+    ramp.isOpaque =
+        std::ranges::all_of(ramp.colors, [](std::uint32_t pixel) { return alphaOf(pixel) == 255; });
     return ramp;
 }
 
 std::unique_ptr<Paint> makeGradientPaint(swf::FillStyle::Kind kind, const swf::Gradient& gradient,
-                                         const GradientRamp& ramp, const swf::Matrix& toDevice,
-                                         GradientSample sample)
+                                         std::shared_ptr<const GradientRamp> ramp,
+                                         const swf::Matrix& toDevice, GradientSample sample)
 {
     if (!toDevice.isInvertible()) return nullptr;
     swf::Matrix fromDevice = toDevice.inverted();
     constexpr double f = 1 / kSquareRadius;
     fromDevice = {fromDevice.a * f, fromDevice.b * f,  fromDevice.c * f,
                   fromDevice.d * f, fromDevice.tx * f, fromDevice.ty * f};
-    const bool focal = kind == swf::FillStyle::Kind::FocalGradient && gradient.focalPoint != 0;
+    GradientForm form = GradientForm::Radial;
     if (kind == swf::FillStyle::Kind::LinearGradient)
-        return std::make_unique<LinearPaint>(gradient, ramp, fromDevice, sample);
-    if (focal) return std::make_unique<FocalPaint>(gradient, ramp, fromDevice, sample);
-    return std::make_unique<RadialPaint>(gradient, ramp, fromDevice, sample);
+        form = GradientForm::Linear;
+    else if (kind == swf::FillStyle::Kind::FocalGradient && gradient.focalPoint != 0)
+        form = GradientForm::Focal;
+    return std::make_unique<GradientPaint>(form, gradient, std::move(ramp), fromDevice, sample);
 }
 
 } // namespace flash::render

@@ -7,13 +7,15 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace flash::render
 {
 
 /// Colours along a gradient, premultiplied, after the colour transform.
-using GradientRamp = std::array<std::uint32_t, 256>;
+struct GradientRamp {
+    std::array<std::uint32_t, 256> colors{};
+    bool isOpaque = false; ///< all of them
+};
 
 GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& color);
 
@@ -42,10 +44,32 @@ public:
     virtual ~Paint() = default;
     /// Writes the colours of pixels (x, y) to (x + count - 1, y), as seen at their centres.
     virtual void fetch(int x, int y, std::size_t count, std::uint32_t* to) const = 0;
-    /// The one colour of all pixels of a row, where that can be told at once.
-    [[nodiscard]] virtual std::optional<std::uint32_t> rowColor(int /*y*/) const { return std::nullopt; }
+    /// Whether lay() may be called; else fetch() and composePixels() do the same.
+    [[nodiscard]] bool canLay() const { return m_traits.canLay; }
+    /// Lays the colours of these pixels over those at `to`.
+    /// @param coverage 0..255; may be read, not used, for up to seven pixels beyond
+    virtual void lay(int /*x*/, int /*y*/, const std::uint8_t* /*coverage*/, std::size_t /*count*/,
+                     std::uint32_t* /*to*/) const
+    {
+    }
+    /// Whether all pixels of a row have one colour, for which rowColor() may be called.
+    [[nodiscard]] bool hasRowColors() const { return m_traits.hasRowColors; }
+    [[nodiscard]] virtual std::uint32_t rowColor(int /*y*/) const { return 0; }
     /// Whether every pixel it writes is opaque.
-    [[nodiscard]] virtual bool isOpaque() const { return false; }
+    [[nodiscard]] bool isOpaque() const { return m_traits.isOpaque; }
+
+protected:
+    /// What is asked for every span, and so is no matter of virtual functions.
+    struct Traits {
+        bool isOpaque = false;
+        bool hasRowColors = false;
+        bool canLay = false;
+    };
+    Paint() = default;
+    explicit Paint(Traits traits) : m_traits(traits) {}
+
+private:
+    Traits m_traits;
 };
 
 /// Where within a pixel a gradient is looked at: where edges are smoothed, at the first of its samples, the
@@ -55,7 +79,8 @@ enum class GradientSample { Corner, Centre };
 /// @param toDevice gradient square to device pixels
 /// @returns null when the matrix cannot be inverted
 std::unique_ptr<Paint> makeGradientPaint(swf::FillStyle::Kind kind, const swf::Gradient& gradient,
-                                         const GradientRamp& ramp, const swf::Matrix& toDevice,
+                                         std::shared_ptr<const GradientRamp> ramp,
+                                         const swf::Matrix& toDevice,
                                          GradientSample sample = GradientSample::Corner);
 
 enum class Edges { Clamp, Repeat };

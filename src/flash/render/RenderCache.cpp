@@ -136,8 +136,10 @@ void RenderCache::Impl::keepLetter(const std::shared_ptr<const swf::Shape>& outl
 }
 
 std::shared_ptr<const GradientRamp> RenderCache::Impl::ramp(const std::shared_ptr<const swf::Shape>& shape,
-                                                            std::size_t layer, std::size_t fill)
+                                                            std::size_t layer, std::size_t fill,
+                                                            const swf::ColorTransform& color)
 {
+    if (!color.isIdentity()) return m_tintedRamps.ramp(shape, layer, fill, color);
     const Key key{shape.get(), Kind::Ramp, static_cast<double>(layer), static_cast<double>(fill)};
     if (const Entry* entry = find(key)) return entry->ramp;
     auto ramp = std::make_shared<const GradientRamp>(makeRamp(shape->layers[layer].fills[fill].gradient, {}));

@@ -3,6 +3,7 @@
 #include "flash/render/Flatten.h"
 #include "flash/render/OutlineDrawer.h"
 #include "flash/render/Paint.h"
+#include "flash/render/RampCache.h"
 #include "flash/render/RenderCache.h"
 #include "flash/render/Stamp.h"
 #include "flash/render/Stroker.h"
@@ -47,10 +48,11 @@ public:
     void keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& matrix,
                     std::shared_ptr<const Mask> mask);
 
-    /// The ramp of a fill's gradient, without a colour transform.
+    /// The ramp of a fill's gradient.
     /// @param layer,fill which of the shape's, both from 0
     std::shared_ptr<const GradientRamp> ramp(const std::shared_ptr<const swf::Shape>& shape,
-                                             std::size_t layer, std::size_t fill);
+                                             std::size_t layer, std::size_t fill,
+                                             const swf::ColorTransform& color);
 
     /// Its scratch memory is worth keeping, too: megabytes, which canvases that live for one frame would
     /// otherwise get and clear for each. It holds nothing from one drawing call to the next.
@@ -95,6 +97,7 @@ private:
     std::uint64_t m_clock = 0;
     std::unordered_map<Key, Entry, KeyHash> m_entries;
     StampCache m_stamps;
+    TintedRamps m_tintedRamps;
 };
 
 } // namespace flash::render

@@ -154,7 +154,7 @@ void applyGradient(const swf::GradientFilter& f, SurfaceView surface, double sca
     const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
     swf::Gradient gradient;
     gradient.stops = f.stops;
-    const GradientRamp ramp = makeRamp(gradient, {});
+    const auto ramp = makeRamp(gradient, {}).colors;
     combineAll(surface, whereOf(f.inner, f.onTop), f.knockout, f.compositeSource, [&](int x, int y) {
         if (!f.bevel) {
             const int value = away.at(x, y);

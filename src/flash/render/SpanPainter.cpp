@@ -26,7 +26,7 @@ constexpr std::uint32_t gather(std::uint64_t sum)
 // Whether nothing below shows through, for long enough to be worth a start of its own.
 bool coversAlone(const StyleSpan& span)
 {
-    constexpr int kLong = 16;
+    constexpr int kLong = 64;
     constexpr std::uint32_t kFull = 256;
     return span.coverages == nullptr && span.coverage == kFull && span.count >= kLong;
 }
@@ -38,8 +38,9 @@ void SpanPainter::setTarget(const Target& target, const Mask* mask)
     m_target = target;
     m_mask = mask;
     const auto width = static_cast<std::size_t>(target.view.width);
-    if (m_coverage.size() < width) {
-        m_coverage.resize(width);
+    if (m_fetched.size() < width) {
+        constexpr std::size_t kReadBeyond = 8; // see Paint::lay()
+        m_coverage.resize(width + kReadBeyond);
         m_fetched.resize(width);
         m_mixed.resize(width);
         m_sums.resize(4 * width);
@@ -67,9 +68,9 @@ void SpanPainter::single(const StyleSpan& span)
     if (style.paint != nullptr && m_mask == nullptr && coversAlone(span)) {
         const auto count = static_cast<std::size_t>(span.count);
         std::uint32_t* to = m_target.at(span.x, m_y);
-        if (const auto color = style.paint->rowColor(m_y)) {
+        if (style.paint->hasRowColors()) {
             flushRun();
-            composeSolid(to, count, *color);
+            composeSolid(to, count, style.paint->rowColor(m_y));
             return;
         }
         if (style.paint->isOpaque()) {
@@ -116,8 +117,10 @@ void SpanPainter::flushRun()
     const auto count = static_cast<std::size_t>(m_runEnd - m_runStart);
     applyMask(m_runStart, count);
     std::uint32_t* to = m_target.at(m_runStart, m_y);
-    if (const auto color = colorOf(style)) {
-        composeSolid(to, m_coverage.data(), count, *color);
+    if (isPlain(style)) {
+        composeSolid(to, m_coverage.data(), count, colorOf(style));
+    } else if (style.paint->canLay()) {
+        style.paint->lay(m_runStart, m_y, m_coverage.data(), count, to);
     } else {
         style.paint->fetch(m_runStart, m_y, count, m_fetched.data());
         composePixels(to, m_fetched.data(), m_coverage.data(), count);
@@ -125,10 +128,14 @@ void SpanPainter::flushRun()
     m_runStyle = 0;
 }
 
-std::optional<std::uint32_t> SpanPainter::colorOf(const StylePaint& style) const
+bool SpanPainter::isPlain(const StylePaint& style)
 {
-    if (style.paint == nullptr) return style.color;
-    return style.paint->rowColor(m_y);
+    return style.paint == nullptr || style.paint->hasRowColors();
+}
+
+std::uint32_t SpanPainter::colorOf(const StylePaint& style) const
+{
+    return style.paint == nullptr ? style.color : style.paint->rowColor(m_y);
 }
 
 void SpanPainter::applyMask(int x, std::size_t count)
@@ -150,8 +157,8 @@ void SpanPainter::shared(std::span<const StyleSpan> parts)
     std::fill_n(m_sums.data(), 4 * count, std::uint16_t{0});
     for (const StyleSpan& part : parts) {
         const StylePaint& style = m_styles[part.style - 1];
-        if (const auto color = colorOf(style)) {
-            addSolid(m_sums.data(), part.coverages, count, *color);
+        if (isPlain(style)) {
+            addSolid(m_sums.data(), part.coverages, count, colorOf(style));
             continue;
         }
         style.paint->fetch(x, m_y, count, m_fetched.data());
@@ -169,8 +176,8 @@ void SpanPainter::evenlyShared(std::span<const StyleSpan> parts)
     std::uint64_t solid = 0;
     bool allSolid = true;
     for (const StyleSpan& part : parts) {
-        if (const auto color = colorOf(m_styles[part.style - 1]))
-            solid += spread(*color) * part.coverage;
+        if (const StylePaint& style = m_styles[part.style - 1]; isPlain(style))
+            solid += spread(colorOf(style)) * part.coverage;
         else
             allSolid = false;
     }
@@ -187,7 +194,7 @@ void SpanPainter::evenlyShared(std::span<const StyleSpan> parts)
         std::uint64_t sum = solid;
         for (const StyleSpan& part : parts) {
             const StylePaint& style = m_styles[part.style - 1];
-            if (colorOf(style)) continue;
+            if (isPlain(style)) continue;
             std::uint32_t pixel = 0;
             style.paint->fetch(x + static_cast<int>(i), m_y, 1, &pixel);
             sum += spread(pixel) * part.coverage;

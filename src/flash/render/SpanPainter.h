@@ -54,8 +54,10 @@ private:
     void extendRun(const StyleSpan& span);
     void flushRun();
     void applyMask(int x, std::size_t count);
-    /// The one colour that a style has in this row; none where it has to be fetched.
-    [[nodiscard]] std::optional<std::uint32_t> colorOf(const StylePaint& style) const;
+    /// Whether a style has one colour in each row; else its colours have to be fetched.
+    [[nodiscard]] static bool isPlain(const StylePaint& style);
+    /// That colour in this row.
+    [[nodiscard]] std::uint32_t colorOf(const StylePaint& style) const;
 
     Target m_target;
     const Mask* m_mask = nullptr;

@@ -286,7 +286,8 @@ TEST(Gradients, WriteAsManyPixelsAsAreWanted)
         gradient.stops = {{0, {255, 0, 0, 255}}, {255, {0, 0, 255, 255}}};
         gradient.focalPoint = 0.5;
         const auto paint =
-            makeGradientPaint(kind, gradient, makeRamp(gradient, {}), {0.005, 0, 0, 0.005, 50, 0});
+            makeGradientPaint(kind, gradient, std::make_shared<const GradientRamp>(makeRamp(gradient, {})),
+                              {0.005, 0, 0, 0.005, 50, 0});
         std::vector<std::uint32_t> all(600);
         paint->fetch(0, 0, all.size(), all.data());
         for (const unsigned count : {1U, 7U, 8U, 9U, 255U, 256U, 257U, 513U}) {
