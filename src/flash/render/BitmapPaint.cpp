@@ -1,3 +1,4 @@
+#include "flash/render/BitmapRows.h"
 #include "flash/render/Paint.h"
 #include "flash/render/Pixel.h"
 
@@ -12,38 +13,14 @@ namespace
 
 using swf::ColorTransform;
 
-// Positions in the bitmap are 16.16 fixed point in 64 bits. Start and step are bounded so that 2^16 steps,
-// more than any surface is wide, cannot overflow.
-constexpr int kFractionBits = 16;
-constexpr std::int64_t kOne = std::int64_t{1} << kFractionBits;
+constexpr double kPlaceOne = 1 << kPlaceBits;
 
 std::int64_t toFixed(double value)
 {
     constexpr double kMaxDistance = 1e9;
     if (std::isnan(value)) return 0;
-    return static_cast<std::int64_t>(std::floor(std::clamp(value, -kMaxDistance, kMaxDistance) * kOne + 0.5));
-}
-
-int wrap(std::int64_t at, int size)
-{
-    const std::int64_t rest = at % size;
-    return static_cast<int>(rest < 0 ? rest + size : rest);
-}
-
-int place(std::int64_t at, int size, Edges edges)
-{
-    if (at >= 0 && at < size) return static_cast<int>(at);
-    if (edges == Edges::Repeat) return wrap(at, size);
-    return at < 0 ? 0 : size - 1;
-}
-
-// Each channel: from + (to - from) * part / 256.
-std::uint32_t blend256(std::uint32_t from, std::uint32_t to, std::uint32_t part)
-{
-    const std::uint32_t rest = 256 - part;
-    const std::uint32_t low = ((from & 0x00FF00FF) * rest + (to & 0x00FF00FF) * part + 0x00800080) >> 8;
-    const std::uint32_t high = (from >> 8 & 0x00FF00FF) * rest + (to >> 8 & 0x00FF00FF) * part + 0x00800080;
-    return (low & 0x00FF00FF) | (high & 0xFF00FF00);
+    return static_cast<std::int64_t>(
+        std::floor(std::clamp(value, -kMaxDistance, kMaxDistance) * kPlaceOne + 0.5));
 }
 
 class BitmapPaint : public Paint
@@ -51,7 +28,9 @@ class BitmapPaint : public Paint
 public:
     BitmapPaint(const PixelSource& source, const swf::Matrix& fromDevice, Edges edges,
                 const ColorTransform& color)
-        : m_source(source), m_fromDevice(fromDevice), m_edges(edges), m_color(color)
+        // What lies beyond a bitmap is its border or its beginning: it has no holes.
+        : Paint({.isOpaque = source.opaque && color.alphaMul == 256 && color.alphaAdd == 0}),
+          m_source(source), m_fromDevice(fromDevice), m_edges(edges), m_color(color)
     {
     }
     void fetch(int x, int y, std::size_t count, std::uint32_t* to) const final
@@ -79,10 +58,10 @@ class CopyPaint final : public BitmapPaint
     {
         const auto offsetX = static_cast<std::int64_t>(std::floor(m_fromDevice.tx + 0.5));
         const auto offsetY = static_cast<std::int64_t>(std::floor(m_fromDevice.ty + 0.5));
-        const std::uint32_t* row = m_source.row(place(y + offsetY, m_source.height, m_edges));
+        const std::uint32_t* row = m_source.row(placeWithin(y + offsetY, m_source.height, m_edges));
         std::int64_t at = x + offsetX;
         while (count > 0) {
-            const int column = place(at, m_source.width, m_edges);
+            const int column = placeWithin(at, m_source.width, m_edges);
             if (m_edges == Edges::Clamp && (at < 0 || at >= m_source.width)) {
                 const std::size_t outside = at < 0 ? static_cast<std::size_t>(std::min<std::int64_t>(
                                                          -at, static_cast<std::int64_t>(count)))
@@ -102,41 +81,40 @@ class CopyPaint final : public BitmapPaint
     }
 };
 
-class NearestPaint final : public BitmapPaint
+// Scaled or turned.
+class SampledPaint final : public BitmapPaint
 {
-    using BitmapPaint::BitmapPaint;
-    void read(int x, int y, std::size_t count, std::uint32_t* to) const override
+public:
+    SampledPaint(const PixelSource& source, const swf::Matrix& fromDevice, Edges edges, Smoothing smoothing,
+                 const ColorTransform& color)
+        : BitmapPaint(source, fromDevice, edges, color),
+          m_loop(smoothing == Smoothing::On ? bitmapLoops().smooth : bitmapLoops().nearest),
+          // From where whole numbers are corners of pixels to where they are their middles.
+          m_shift(smoothing == Smoothing::On ? 0.5 : 0)
     {
-        const swf::Point start = m_fromDevice.map(x + 0.5, y + 0.5);
-        std::int64_t u = toFixed(start.x), v = toFixed(start.y);
-        const std::int64_t stepU = toFixed(m_fromDevice.a), stepV = toFixed(m_fromDevice.b);
-        for (std::size_t i = 0; i < count; ++i, u += stepU, v += stepV)
-            to[i] = m_source.row(place(v >> kFractionBits, m_source.height,
-                                       m_edges))[place(u >> kFractionBits, m_source.width, m_edges)];
     }
-};
 
-// Weighs the four pixels around each point.
-class SmoothPaint final : public BitmapPaint
-{
-    using BitmapPaint::BitmapPaint;
+private:
     void read(int x, int y, std::size_t count, std::uint32_t* to) const override
     {
-        const swf::Point start = m_fromDevice.map(x + 0.5, y + 0.5);
-        std::int64_t u = toFixed(start.x - 0.5), v = toFixed(start.y - 0.5);
-        const std::int64_t stepU = toFixed(m_fromDevice.a), stepV = toFixed(m_fromDevice.b);
-        const int width = m_source.width, height = m_source.height;
-        for (std::size_t i = 0; i < count; ++i, u += stepU, v += stepV) {
-            const std::int64_t column = u >> kFractionBits, row = v >> kFractionBits;
-            const auto partX = static_cast<std::uint32_t>(u >> (kFractionBits - 8) & 0xFF);
-            const auto partY = static_cast<std::uint32_t>(v >> (kFractionBits - 8) & 0xFF);
-            const std::uint32_t* upper = m_source.row(place(row, height, m_edges));
-            const std::uint32_t* lower = m_source.row(place(row + 1, height, m_edges));
-            const int left = place(column, width, m_edges), right = place(column + 1, width, m_edges);
-            to[i] = blend256(blend256(upper[left], upper[right], partX),
-                             blend256(lower[left], lower[right], partX), partY);
+        // Places are counted from the borders of blocks on the device: they do not depend on where a row is
+        // begun, on the clip that is.
+        constexpr int kBlock = 256;
+        while (count > 0) {
+            const auto first = static_cast<std::size_t>(x & (kBlock - 1));
+            const std::size_t block = std::min(count, kBlock - first);
+            const swf::Point start = m_fromDevice.map(x - static_cast<int>(first) + 0.5, y + 0.5);
+            const BitmapRow row{toFixed(start.x - m_shift), toFixed(start.y - m_shift),
+                                toFixed(m_fromDevice.a), toFixed(m_fromDevice.b)};
+            m_loop(m_source, m_edges, row.from(first), block, to);
+            to += block;
+            x += static_cast<int>(block);
+            count -= block;
         }
     }
+
+    BitmapLoop m_loop;
+    double m_shift;
 };
 
 bool isWhole(double value) { return std::abs(value - std::round(value)) < 1.0 / 512; }
@@ -185,8 +163,7 @@ std::unique_ptr<Paint> makeBitmapPaint(const PixelSource& source, const swf::Mat
     if (source.pixels == nullptr || !toDevice.isInvertible()) return nullptr;
     const swf::Matrix fromDevice = toDevice.inverted();
     if (keepsPixels(fromDevice)) return std::make_unique<CopyPaint>(source, fromDevice, edges, color);
-    if (smoothing == Smoothing::On) return std::make_unique<SmoothPaint>(source, fromDevice, edges, color);
-    return std::make_unique<NearestPaint>(source, fromDevice, edges, color);
+    return std::make_unique<SampledPaint>(source, fromDevice, edges, smoothing, color);
 }
 
 } // namespace flash::render

@@ -3,6 +3,7 @@
 #include "flash/render/Pixel.h"
 #include "flash/render/PixelVectors.h"
 #include "flash/render/Vectorize.h"
+#include "flash/render/WidePixels.h"
 
 #include <algorithm>
 #include <cstring>
@@ -214,6 +215,57 @@ template <FillRule kRule, class Sum>
     carry = sum[0];
 }
 
+#ifdef ZORVEX_HAS_WIDE
+// The same with the whole group of pixels in a register.
+template <FillRule kRule, class Sum>
+ZORVEX_WIDE void solidGroupsWide(Sum* sums, int count, std::int32_t& carry, std::uint32_t color,
+                                 std::uint32_t* to, int room)
+{
+    const __m256i full = _mm256_set1_epi32(static_cast<int>(color));
+    const wide8::Channels source = wide8::channelsOf(full);
+    const bool opaque = alphaOf(color) == 255;
+    typename Group<Sum>::Carry sum = typename Group<Sum>::Carry{} + static_cast<Sum>(carry);
+    for (int i = 0; i < count; i += 8) {
+        Words8 coverages;
+        Group<Sum>::coverage(sums + i, sum, kRule, coverages);
+        const auto& words = reinterpret_cast<const __m128i&>(coverages);
+        const __m128i bytes = _mm_packus_epi16(words, words);
+        const std::int64_t eight = _mm_cvtsi128_si64(bytes);
+        if (eight == 0) continue;
+        if (i + 8 > room) {
+            const __m256i wanted = wide8::firstOf(static_cast<std::size_t>(std::max(room - i, 0)));
+            const wide8::Channels part = wide8::scaled(source, wide8::spreadCoverage(bytes));
+            wide8::store(to + i, wanted, wide8::over(part, wide8::load(to + i, wanted)));
+        } else if (opaque && eight == -1) {
+            wide8::store(to + i, full);
+        } else {
+            const wide8::Channels part = wide8::scaled(source, wide8::spreadCoverage(bytes));
+            wide8::store(to + i, wide8::over(part, wide8::load(to + i)));
+        }
+    }
+    carry = sum[0];
+}
+#endif
+
+// @returns false where there is no such processor
+template <class Sum>
+bool laySolidWide([[maybe_unused]] Sum* sums, [[maybe_unused]] int count,
+                  [[maybe_unused]] std::int32_t& carry, [[maybe_unused]] FillRule rule,
+                  [[maybe_unused]] std::uint32_t color, [[maybe_unused]] std::uint32_t* to,
+                  [[maybe_unused]] int room)
+{
+#ifdef ZORVEX_HAS_WIDE
+    if (!wide8::hasWide()) return false;
+    if (rule == FillRule::EvenOdd)
+        solidGroupsWide<FillRule::EvenOdd>(sums, count, carry, color, to, room);
+    else
+        solidGroupsWide<FillRule::NonZero>(sums, count, carry, color, to, room);
+    return true;
+#else
+    return false;
+#endif
+}
+
 template <class Sum>
 [[gnu::always_inline]] inline void groupAreas(Sum* sums, std::size_t count, std::int32_t& carry,
                                               FillRule rule, std::int32_t* to, std::uint8_t* present)
@@ -264,20 +316,20 @@ void takeAreas(std::int16_t* sums, std::size_t count, std::int32_t& carry, FillR
     groupAreas(sums, count, carry, rule, to, present);
 }
 
-ZORVEX_VECTORIZE
 void laySolid(std::int32_t* sums, int count, std::int32_t& carry, FillRule rule, std::uint32_t color,
               std::uint32_t* to, int room)
 {
+    if (laySolidWide(sums, count, carry, rule, color, to, room)) return;
     if (rule == FillRule::EvenOdd)
         solidGroups<FillRule::EvenOdd>(sums, count, carry, color, to, room);
     else
         solidGroups<FillRule::NonZero>(sums, count, carry, color, to, room);
 }
 
-ZORVEX_VECTORIZE
 void laySolid(std::int16_t* sums, int count, std::int32_t& carry, FillRule rule, std::uint32_t color,
               std::uint32_t* to, int room)
 {
+    if (laySolidWide(sums, count, carry, rule, color, to, room)) return;
     if (rule == FillRule::EvenOdd)
         solidGroups<FillRule::EvenOdd>(sums, count, carry, color, to, room);
     else

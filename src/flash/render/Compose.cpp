@@ -1,8 +1,10 @@
 #include "flash/render/Compose.h"
 
+#include "flash/render/ComposeWide.h"
 #include "flash/render/Pixel.h"
 #include "flash/render/PixelVectors.h"
 #include "flash/render/Vectorize.h"
+#include "flash/render/WidePixels.h"
 
 #include <algorithm>
 #include <cstring>
@@ -47,7 +49,9 @@ void fillPixels(std::uint32_t* to, std::size_t count, std::uint32_t color)
     std::fill_n(to, count, color);
 }
 
-ZORVEX_VECTORIZE
+namespace plain
+{
+
 void composeSolid(std::uint32_t* below, std::size_t count, std::uint32_t color)
 {
     if (alphaOf(color) == 255) {
@@ -63,7 +67,6 @@ void composeSolid(std::uint32_t* below, std::size_t count, std::uint32_t color)
     for (; i < count; ++i) below[i] = over(color, below[i]);
 }
 
-ZORVEX_VECTORIZE
 void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_t count, std::uint32_t color)
 {
     const std::uint32_t four[kLanes] = {color, color, color, color};
@@ -98,7 +101,6 @@ void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_
     for (; i < count; ++i) below[i] = over(scale255(color, coverage[i]), below[i]);
 }
 
-ZORVEX_VECTORIZE
 void composePixels(std::uint32_t* below, const std::uint32_t* source, std::size_t count)
 {
     std::size_t i = 0;
@@ -115,7 +117,6 @@ void composePixels(std::uint32_t* below, const std::uint32_t* source, std::size_
     for (; i < count; ++i) below[i] = over(source[i], below[i]);
 }
 
-ZORVEX_VECTORIZE
 void composePixels(std::uint32_t* below, const std::uint32_t* source, const std::uint8_t* coverage,
                    std::size_t count)
 {
@@ -147,6 +148,41 @@ void composePixels(std::uint32_t* below, const std::uint32_t* source, const std:
         layOver(below + i, part);
     }
     for (; i < count; ++i) below[i] = over(scale255(source[i], coverage[i]), below[i]);
+}
+
+} // namespace plain
+
+void composeSolid(std::uint32_t* below, std::size_t count, std::uint32_t color)
+{
+    if (wide8::hasWide())
+        wide8::composeSolid(below, count, color);
+    else
+        plain::composeSolid(below, count, color);
+}
+
+void composeSolid(std::uint32_t* below, const std::uint8_t* coverage, std::size_t count, std::uint32_t color)
+{
+    if (wide8::hasWide())
+        wide8::composeSolid(below, coverage, count, color);
+    else
+        plain::composeSolid(below, coverage, count, color);
+}
+
+void composePixels(std::uint32_t* below, const std::uint32_t* source, std::size_t count)
+{
+    if (wide8::hasWide())
+        wide8::composePixels(below, source, count);
+    else
+        plain::composePixels(below, source, count);
+}
+
+void composePixels(std::uint32_t* below, const std::uint32_t* source, const std::uint8_t* coverage,
+                   std::size_t count)
+{
+    if (wide8::hasWide())
+        wide8::composePixels(below, source, coverage, count);
+    else
+        plain::composePixels(below, source, coverage, count);
 }
 
 ZORVEX_VECTORIZE

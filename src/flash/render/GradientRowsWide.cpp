@@ -22,8 +22,18 @@ ZORVEX_WIDE_INLINE Floats rootOf(Floats v) { return _mm256_sqrt_ps(v); }
 ZORVEX_WIDE_INLINE Floats atMost(Floats v, float bound) { return _mm256_min_ps(v, _mm256_set1_ps(bound)); }
 ZORVEX_WIDE_INLINE Floats atLeast(Floats v, float bound) { return _mm256_max_ps(v, _mm256_set1_ps(bound)); }
 
+// A GradientRow in registers.
+struct Places {
+    ZORVEX_WIDE_INLINE explicit Places(const GradientRow& row)
+        : startX(Floats{} + row.startX), startY(Floats{} + row.startY), stepX(Floats{} + row.stepX),
+          stepY(Floats{} + row.stepY), focal(Floats{} + row.focal), inverse(1 / (1 - focal * focal))
+    {
+    }
+    Floats startX, startY, stepX, stepY, focal, inverse;
+};
+
 template <GradientForm kForm>
-ZORVEX_WIDE_INLINE Floats positionsAt(const GradientRow& row, Floats index)
+ZORVEX_WIDE_INLINE Floats positionsAt(const Places& row, Floats index)
 {
     const Floats x = row.startX + row.stepX * index;
     if constexpr (kForm == GradientForm::Linear) {
@@ -32,23 +42,25 @@ ZORVEX_WIDE_INLINE Floats positionsAt(const GradientRow& row, Floats index)
         const Floats y = row.startY + row.stepY * index;
         if constexpr (kForm == GradientForm::Radial)
             return atMost(rootOf(x * x + y * y) * kRadialSize, kMaxDistance);
-        const float focal = row.focal, inverse = 1 / (1 - focal * focal);
-        const Floats dx = x - focal;
+        const Floats focal = row.focal, dx = x - focal;
         const Floats root = rootOf(atLeast(dx * dx + y * y - focal * focal * y * y, 0));
-        return atMost(atLeast((focal * dx + root) * inverse * kRampSize, 0), kMaxDistance);
+        return atMost(atLeast((focal * dx + root) * row.inverse * kRampSize, 0), kMaxDistance);
     }
 }
 
 template <GradientForm kForm, Spread kSpread>
-ZORVEX_WIDE_INLINE __m256i entriesAt(const GradientRow& row, Floats index)
+ZORVEX_WIDE_INLINE __m256i entriesAt(const Places& row, Floats index)
 {
     const __m256i last = _mm256_set1_epi32(kRampSize - 1), twice = _mm256_set1_epi32(2 * kRampSize - 1);
     Floats positions = positionsAt<kForm>(row, index);
     if constexpr (kForm == GradientForm::Linear && kSpread != Spread::Pad)
         positions = _mm256_floor_ps(positions);
-    const __m256i at = _mm256_cvttps_epi32(positions);
-    if constexpr (kSpread == Spread::Pad)
-        return _mm256_min_epi32(_mm256_max_epi32(at, _mm256_setzero_si256()), last);
+    __m256i at = _mm256_cvttps_epi32(positions);
+    if constexpr (kSpread == Spread::Pad) {
+        // Distances are never below nothing.
+        if constexpr (kForm == GradientForm::Linear) at = _mm256_max_epi32(at, _mm256_setzero_si256());
+        return _mm256_min_epi32(at, last);
+    }
     if constexpr (kSpread == Spread::Repeat) return _mm256_and_si256(at, last);
     const __m256i within = _mm256_and_si256(at, twice);
     return _mm256_min_epi32(within, _mm256_sub_epi32(twice, within));
@@ -68,11 +80,12 @@ template <GradientForm kForm, Spread kSpread>
 ZORVEX_WIDE void fillGroups(const std::uint32_t* ramp, const GradientRow& row, std::size_t first,
                             std::size_t count, std::uint32_t* to)
 {
+    const Places places(row);
     Floats index = indexFrom(first);
     for (; count >= kGroup; count -= kGroup, to += kGroup, index += kGroup)
-        wide8::store(to, colorsOf(ramp, entriesAt<kForm, kSpread>(row, index)));
+        wide8::store(to, colorsOf(ramp, entriesAt<kForm, kSpread>(places, index)));
     if (count > 0)
-        wide8::store(to, wide8::firstOf(count), colorsOf(ramp, entriesAt<kForm, kSpread>(row, index)));
+        wide8::store(to, wide8::firstOf(count), colorsOf(ramp, entriesAt<kForm, kSpread>(places, index)));
 }
 
 ZORVEX_WIDE_INLINE __m256i laid(std::uint64_t coverages, __m256i colors, __m256i below)
@@ -85,17 +98,21 @@ template <GradientForm kForm, Spread kSpread>
 ZORVEX_WIDE void layGroups(const std::uint32_t* ramp, const GradientRow& row, std::size_t first,
                            const std::uint8_t* coverage, std::size_t count, std::uint32_t* to)
 {
+    const Places places(row);
     Floats index = indexFrom(first);
-    // Nothing is asked: where rows are covered wholly, or not at all, is hard to foretell, and comes out
-    // right.
-    for (; count >= kGroup; count -= kGroup, to += kGroup, coverage += kGroup, index += kGroup)
-        wide8::store(to, laid(wide8::eightCoverages(coverage),
-                              colorsOf(ramp, entriesAt<kForm, kSpread>(row, index)), wide8::load(to)));
+    for (; count >= kGroup; count -= kGroup, to += kGroup, coverage += kGroup, index += kGroup) {
+        const std::uint64_t coverages = wide8::eightCoverages(coverage);
+        const __m256i colors = colorsOf(ramp, entriesAt<kForm, kSpread>(places, index));
+        if (coverages == ~std::uint64_t{0} && wide8::areOpaque(colors))
+            wide8::store(to, colors);
+        else
+            wide8::store(to, laid(coverages, colors, wide8::load(to)));
+    }
     if (count == 0) return;
     const __m256i wanted = wide8::firstOf(count);
     wide8::store(to, wanted,
-                 laid(wide8::eightCoverages(coverage), colorsOf(ramp, entriesAt<kForm, kSpread>(row, index)),
-                      wide8::load(to, wanted)));
+                 laid(wide8::eightCoverages(coverage),
+                      colorsOf(ramp, entriesAt<kForm, kSpread>(places, index)), wide8::load(to, wanted)));
 }
 
 // Along a line positions only grow, or only fall: where both ends of a piece have the same entry, beyond the
@@ -109,8 +126,8 @@ ZORVEX_WIDE void fillLinearPad(const std::uint32_t* ramp, const GradientRow& row
         const std::size_t piece = std::min(count, kPiece);
         const auto from = static_cast<float>(static_cast<int>(first)),
                    last = static_cast<float>(static_cast<int>(first + piece - 1));
-        const __m256i ends =
-            entriesAt<GradientForm::Linear, Spread::Pad>(row, Floats{from, last, from, from, from, from});
+        const __m256i ends = entriesAt<GradientForm::Linear, Spread::Pad>(
+            Places(row), Floats{from, last, from, from, from, from});
         const int entry = _mm256_extract_epi32(ends, 0);
         if (entry == _mm256_extract_epi32(ends, 1))
             std::fill_n(to, piece, ramp[entry]);

@@ -26,7 +26,7 @@ constexpr std::uint32_t gather(std::uint64_t sum)
 // Whether nothing below shows through, for long enough to be worth a start of its own.
 bool coversAlone(const StyleSpan& span)
 {
-    constexpr int kLong = 64;
+    constexpr int kLong = 48;
     constexpr std::uint32_t kFull = 256;
     return span.coverages == nullptr && span.coverage == kFull && span.count >= kLong;
 }

@@ -70,10 +70,10 @@ ZORVEX_WIDE_INLINE Channels scaled(const Channels& c, const Channels& by)
     return {div255(_mm256_mullo_epi16(c.first, by.first)), div255(_mm256_mullo_epi16(c.second, by.second))};
 }
 
-// The coverage of each pixel for all its channels.
-ZORVEX_WIDE_INLINE Channels spreadCoverage(std::uint64_t eight)
+// The coverage of each pixel, in a byte, for all its channels.
+ZORVEX_WIDE_INLINE Channels spreadCoverage(__m128i eight)
 {
-    const __m256i all = _mm256_set1_epi64x(static_cast<long long>(eight));
+    const __m256i all = _mm256_broadcastq_epi64(eight);
     constexpr char kNo = static_cast<char>(0x80);
     const __m256i first = _mm256_setr_epi8(0, kNo, 0, kNo, 0, kNo, 0, kNo, 1, kNo, 1, kNo, 1, kNo, 1, kNo, 4,
                                            kNo, 4, kNo, 4, kNo, 4, kNo, 5, kNo, 5, kNo, 5, kNo, 5, kNo);
@@ -82,6 +82,12 @@ ZORVEX_WIDE_INLINE Channels spreadCoverage(std::uint64_t eight)
     return {_mm256_shuffle_epi8(all, first), _mm256_shuffle_epi8(all, _mm256_add_epi16(first, two))};
 }
 
+ZORVEX_WIDE_INLINE Channels spreadCoverage(std::uint64_t eight)
+{
+    return spreadCoverage(_mm_cvtsi64_si128(static_cast<long long>(eight)));
+}
+
+// 255 less each pixel's alpha, for all its channels.
 ZORVEX_WIDE_INLINE __m256i without(__m256i channels)
 {
     constexpr char kNo = static_cast<char>(0x80);
@@ -101,7 +107,6 @@ ZORVEX_WIDE_INLINE __m256i over(const Channels& source, __m256i below)
 
 ZORVEX_WIDE_INLINE bool areOpaque(__m256i pixels)
 {
-    // The highest bits of the alphas alone would not tell.
     const __m256i full = _mm256_cmpeq_epi32(_mm256_srli_epi32(pixels, 24), _mm256_set1_epi32(255));
     return _mm256_movemask_epi8(full) == -1;
 }
@@ -114,4 +119,12 @@ ZORVEX_WIDE_INLINE std::uint64_t eightCoverages(const std::uint8_t* coverage)
 }
 
 } // namespace flash::render::wide8
+
+#else
+
+namespace flash::render::wide8
+{
+inline bool hasWide() { return false; }
+} // namespace flash::render::wide8
+
 #endif
