@@ -2,6 +2,7 @@
 
 #include "flash/render/CellSums.h"
 #include "flash/render/Compose.h"
+#include "flash/render/Paint.h"
 #include "flash/render/Pixel.h"
 
 #include <bit>
@@ -45,7 +46,8 @@ void DenseCells<Sum>::begin(int width, int height, std::uint32_t styles)
     if (m_sums.size() < m_rowSize * rows) m_sums.resize(m_rowSize * rows);
     if (m_bits.size() < m_wordsOfRow * rows) m_bits.resize(m_wordsOfRow * rows);
     if (m_rowStyles.size() < rows) m_rowStyles.resize(rows);
-    if (m_coverage.size() < m_styleSize) m_coverage.resize(m_styleSize);
+    // See Paint::lay().
+    if (m_coverage.size() < m_styleSize + kGroup) m_coverage.resize(m_styleSize + kGroup);
     if (m_areas.size() < m_rowSize) m_areas.resize(m_rowSize);
     if (m_shares.size() < m_rowSize) m_shares.resize(m_rowSize);
     if (m_present.size() < m_rowSize / kGroup) m_present.resize(m_rowSize / kGroup);
@@ -323,6 +325,43 @@ void DenseCells<Sum>::paintOne(Sum* sums, FillRule rule, std::uint32_t color, st
     }
 }
 
+// The same for a paint that lays its colours itself. What hangs together is laid at once.
+template <class Sum>
+void DenseCells<Sum>::layOne(Sum* sums, FillRule rule, const Paint& paint, int left, int y, std::uint32_t* to)
+{
+    constexpr int kLong = 48; // evenly covered pixels worth a start of their own
+    std::int32_t carry = 0;
+    int begin = 0, end = 0; // of what is not laid yet
+    const auto layOpen = [&] {
+        const int last = std::min(end, m_width);
+        if (last > begin)
+            paint.lay(left + begin, y, m_coverage.data() + begin, static_cast<std::size_t>(last - begin),
+                      to + begin);
+        begin = end;
+    };
+    for (const Stretch& stretch : m_stretches) {
+        const auto count = static_cast<std::size_t>(stretch.end - stretch.begin);
+        std::uint8_t* coverages = m_coverage.data() + stretch.begin;
+        std::uint32_t coverage = 1;
+        if (stretch.varies)
+            takeCoverage(sums + stretch.begin, count, carry, rule, coverages);
+        else
+            coverage = toCoverage(insideArea(areaOf(carry), rule));
+        const int within = std::min(stretch.end, m_width) - stretch.begin;
+        const bool isAlone = !stretch.varies && coverage == kSubpixels && within >= kLong && paint.isOpaque();
+        if (coverage == 0 || isAlone) {
+            layOpen();
+            if (isAlone)
+                paint.fetch(left + stretch.begin, y, static_cast<std::size_t>(within), to + stretch.begin);
+            begin = stretch.end;
+        } else if (!stretch.varies) {
+            std::memset(coverages, toByte(coverage), count);
+        }
+        end = stretch.end;
+    }
+    layOpen();
+}
+
 // What a row of pixels will need of memory is asked for some rows ahead: pictures are larger than caches, and
 // the short pieces of a shape's rows are nothing that a processor would foresee.
 template <class Sum>
@@ -376,9 +415,14 @@ void DenseCells<Sum>::sweepRow(int row, int left, int y, FillRule rule, SpanSink
         if (m_askedStyle != style + 1) {
             m_askedStyle = style + 1;
             m_plainColor = sink.plainColor(m_askedStyle);
+            m_plainPaint = sink.plainPaint(m_askedStyle);
         }
         if (m_plainColor) {
             paintOne(sums + style * m_styleSize, rule, *m_plainColor, ground.at(left, y));
+            return;
+        }
+        if (m_plainPaint != nullptr) {
+            layOne(sums + style * m_styleSize, rule, *m_plainPaint, left, y, ground.at(left, y));
             return;
         }
     }

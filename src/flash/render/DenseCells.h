@@ -107,6 +107,7 @@ private:
     [[gnu::always_inline]] inline void foresee(int row, int left, int y, const PixelGround& ground) const;
     void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink, const PixelGround& ground);
     void paintOne(Sum* sums, FillRule rule, std::uint32_t color, std::uint32_t* to);
+    void layOne(Sum* sums, FillRule rule, const Paint& paint, int left, int y, std::uint32_t* to);
     void findStretches(std::uint64_t* bits);
     void sweepOne(std::uint32_t style, Sum* sums, FillRule rule);
     void sweepSeveral(std::uint32_t styles, Sum* sums, FillRule rule);
@@ -136,8 +137,9 @@ private:
     std::vector<std::uint8_t> m_present;  ///< by style and group: not 0 when it has an area there
     std::vector<StyleSpan> m_spans;
     int m_origin = 0; ///< x of the row's first pixel for the sink
-    // The style whose colour the sink was asked for last.
+    // The style whose colour and paint the sink was asked for last.
     std::uint32_t m_askedStyle = 0;
+    const Paint* m_plainPaint = nullptr;
     std::optional<std::uint32_t> m_plainColor;
     // A span of m_coverage that may still grow.
     std::uint32_t m_openStyle = 0;

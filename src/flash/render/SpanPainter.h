@@ -45,6 +45,13 @@ public:
         if (m_mask != nullptr || m_styles[style - 1].paint != nullptr) return std::nullopt;
         return m_styles[style - 1].color;
     }
+    [[nodiscard]] const Paint* plainPaint(std::uint32_t style) const override
+    {
+        const Paint* paint = m_styles[style - 1].paint.get();
+        const bool isLaid =
+            m_mask == nullptr && paint != nullptr && paint->canLay() && !paint->hasRowColors();
+        return isLaid ? paint : nullptr;
+    }
 
 private:
     void single(const StyleSpan& span);

@@ -31,6 +31,8 @@ struct PixelGround {
     [[nodiscard]] std::uint32_t* at(int x, int y) const { return pixels + (y - top) * stride + (x - left); }
 };
 
+class Paint;
+
 /// Receives what a row holds, from left to right. Where several styles share pixels, their spans follow each
 /// other with the same `x` and `count`; coverages are then given in the same way for all of them, and those
 /// of one pixel sum up to 256, or 255, at most. Other spans do not overlap. The spans and what they point to
@@ -48,6 +50,9 @@ public:
     {
         return std::nullopt;
     }
+    /// The same for a style whose colours are laid by Paint::lay(); null if it has none such, or something
+    /// else matters.
+    [[nodiscard]] virtual const Paint* plainPaint(std::uint32_t /*style*/) const { return nullptr; }
 };
 
 // Within a pixel, positions are counted in 1/256 of it, and areas in such a unit that 2 * 256 * 256 is the

@@ -88,6 +88,37 @@ TEST(SpanPainter, LaysOneColourTheSameWithSpansAndWithout)
     }
 }
 
+TEST(SpanPainter, LaysGradientsTheSameWithSpansAndWithout)
+{
+    std::mt19937 random(12);
+    // The last one is wider than the blocks that rows of gradients are worked out in.
+    constexpr int kWidths[] = {1, 7, 8, 15, 61, 700};
+    for (int round = 0; round < 300; ++round) {
+        const int width = kWidths[static_cast<std::size_t>(round) % std::size(kWidths)], height = 30;
+        const IntRect clip{3, 2, 3 + width, 2 + height};
+        const FillRule rule = round % 2 == 0 ? FillRule::EvenOdd : FillRule::NonZero;
+        const Polygon polygon = randomPolygon(random, width, height);
+        swf::Gradient gradient;
+        const auto alpha = static_cast<std::uint8_t>(round % 3 == 0 ? 255 : round % 3 == 1 ? 90 : 0);
+        gradient.stops = {{0, {250, 10, 90, 255}}, {255, {0, 200, 30, alpha}}};
+        const auto ramp = std::make_shared<const GradientRamp>(makeRamp(gradient, {}));
+        const auto kind =
+            round % 5 == 0 ? swf::FillStyle::Kind::LinearGradient : swf::FillStyle::Kind::RadialGradient;
+        Surface direct = ground(width + 9, height + 5), spans = ground(width + 9, height + 5);
+        SpanPainter painter;
+        painter.styles().push_back(
+            {0, makeGradientPaint(kind, gradient, ramp, {0.0013, 0.0004, -0.0002, 0.0017, 20.3, 15.8})});
+        painter.setTarget({direct.view(), 0, 0}, nullptr);
+        convert(polygon, clip, rule, painter);
+        painter.setTarget({spans.view(), 0, 0}, nullptr);
+        RowsOnly rows(painter);
+        convert(polygon, clip, rule, rows);
+        for (int y = 0; y < direct.height(); ++y)
+            for (int x = 0; x < direct.width(); ++x)
+                ASSERT_EQ(direct.pixel(x, y), spans.pixel(x, y)) << round << ": " << x << ", " << y;
+    }
+}
+
 TEST(SpanPainter, FillsAsManyPixelsAsItIsTold)
 {
     for (const unsigned count : {0U, 1U, 511U, 512U, 5000U}) {
