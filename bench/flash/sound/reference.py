@@ -4,10 +4,10 @@
     bench/flash/sound/reference.py build/bin/flashrun MOVIE|FOLDER...
 
 Each sound of each movie, and each synchronised stream, is put into a movie of its own that does nothing but play it.
-What flashrun records of that is laid beside FFmpeg's decoding at 44100 Hz in stereo. A line for each: how far the two
-lie apart in time, how loud one is to the other, and how loud what is left is to the sound itself once both are evened
-out, in dB: -90 is a digit of a 16-bit sample, -40 what converters of rates differ by at the upper end of what is heard.
-Needs the ffmpeg command.
+What flashrun records of that is laid beside FFmpeg's decoding, in stereo, at those samples that are the sound's own and
+not a converter's (at all of them where the rates have no such samples). A line for each: how far the two lie apart in
+time, how loud one is to the other, and how loud what is left is to the sound itself once both are evened out, in dB: -90
+is a digit of a 16-bit sample. Needs the ffmpeg command.
 """
 import array
 import lzma
@@ -74,6 +74,8 @@ class Sound:
         self.name, self.flags, self.packets, self.movie = name, flags, packets, movie
         self.format = flags >> 4
         self.rate = {4: 16000, 5: 8000, SPEEX: 16000}.get(self.format, RATES[flags >> 2 & 3])
+        # The player's samples to one of the sound's own.
+        self.step = OUT_RATE // self.rate if self.rate in RATES else 1
         self.seconds = min(samples / self.rate, LONGEST)
 
     def flv(self):
@@ -129,8 +131,8 @@ def reference_of(sound, folder):
     with open(path, "wb") as file:
         file.write(b"".join(sound.packets) if sound.format == MP3 else sound.flv())
     both = "pan=stereo|c0=c0|c1=c1" if sound.flags & 1 else "pan=stereo|c0=c0|c1=c0"
-    done = subprocess.run(["ffmpeg", "-v", "error", "-i", path, "-af", both, "-f", "s16le", "-ar", str(OUT_RATE), "-"],
-                          capture_output=True)
+    done = subprocess.run(["ffmpeg", "-v", "error", "-i", path, "-af", both, "-f", "s16le",
+                           "-ar", str(sound.rate if sound.step > 1 else OUT_RATE), "-"], capture_output=True)
     samples = array.array("h")
     samples.frombytes(done.stdout[:len(done.stdout) // 4 * 4])
     return samples[0::2], samples[1::2]
@@ -151,18 +153,19 @@ def energy(values):
     return sum(v * v for v in values)
 
 
-def lag_between(ours, theirs):
+def lag_between(ours, theirs, step):
     """By how many samples ours come later; they are matched where theirs are loudest. The player leaves out the silence
     that an MP3 begins with, up to two of its frames, and FFmpeg may not."""
-    window, earlier, later = 1000, 8000, 1500
-    limit = min(len(theirs), LONGEST * OUT_RATE) - window
+    window, earlier, later = 1000 // step + 50, 8000, 1500
+    limit = min(len(theirs), LONGEST * OUT_RATE // step) - window
     if limit <= 0:
         return 0
     at = max(range(0, limit, window), key=lambda i: energy(theirs[i:i + window]))
     pattern = theirs[at:at + window]
     best, best_lag = math.inf, 0
-    for lag in range(-min(earlier, at), later):
-        piece = ours[at + lag:at + lag + window]
+    for lag in range(-min(earlier, at * step), later):
+        begin = at * step + lag
+        piece = ours[begin:begin + window * step:step]
         if len(piece) < window:
             break
         apart = sum((a - b) * (a - b) for a, b in zip(piece, pattern))
@@ -171,20 +174,23 @@ def lag_between(ours, theirs):
     return best_lag
 
 
-def compare(ours, theirs):
+def compare(ours, theirs, sound):
     """@returns lag in ms, gain in dB, what is left in dB; None when one of them is silent"""
-    lag = lag_between(ours[0], theirs[0])
+    step = sound.step
+    lag = lag_between(ours[0], theirs[0], step)
+    # FFmpeg goes on to the end of the last packet, the player ends where the file says.
+    count = int((sound.seconds * OUT_RATE - lag) / step)
     both = theirs_all = ours_all = 0
     for our, their in zip(ours, theirs):
         our = our[lag:] if lag >= 0 else array.array("h", [0] * -lag) + our
-        for a, b in zip(our[:LONGEST * OUT_RATE], their):
+        for a, b in zip(our[::step], their[:count]):
             both += a * b
             ours_all += a * a
             theirs_all += b * b
     if not theirs_all or not ours_all:
         return None
     gain = both / theirs_all
-    left = max(ours_all - gain * both, 1e-9)
+    left = max(ours_all - gain * both, ours_all * 1e-12)
     return lag / OUT_RATE * 1000, 20 * math.log10(max(gain, 1e-9)), 10 * math.log10(left / ours_all)
 
 
@@ -208,7 +214,8 @@ def main():
                 continue
             seen.add(key)
             with tempfile.TemporaryDirectory() as folder:
-                result = compare(recorded_of(sound, runner, folder), reference_of(sound, folder))
+                result = compare(recorded_of(sound, runner, folder), reference_of(sound, folder),
+                                 sound)
             name = "/".join(path.split(os.sep)[-2:])
             line = f"{name[-40:]:40} {sound.name:22} {NAMES.get(sound.format, '?'):8} {sound.rate:5} {sound.seconds:6.2f}"
             if result is None:
