@@ -178,12 +178,13 @@ def compare(ours, theirs, sound):
     """@returns lag in ms, gain in dB, what is left in dB; None when one of them is silent"""
     step = sound.step
     lag = lag_between(ours[0], theirs[0], step)
-    # FFmpeg goes on to the end of the last packet, the player ends where the file says.
+    # FFmpeg plays all of the first and the last packet, the player from where to where the file says.
+    first = max(0, math.ceil(-lag / step))
     count = int((sound.seconds * OUT_RATE - lag) / step)
     both = theirs_all = ours_all = 0
     for our, their in zip(ours, theirs):
         our = our[lag:] if lag >= 0 else array.array("h", [0] * -lag) + our
-        for a, b in zip(our[::step], their[:count]):
+        for a, b in zip(our[first * step::step], their[first:count]):
             both += a * b
             ours_all += a * a
             theirs_all += b * b
