@@ -57,6 +57,8 @@ private:
     void chooseCursor();
     void focusByMouse(DisplayObject& target);
     void focusByTab(bool backwards);
+    void focusByArrow(int keyCode);
+    void focusByKey(DisplayObject& to, int keyCode);
     /// @returns whether nobody prevented it
     bool asksFocusChange(std::string_view type, DisplayObject* to, int keyCode);
     [[nodiscard]] bool flag(DisplayObject& object, std::string_view cls, std::string_view name);

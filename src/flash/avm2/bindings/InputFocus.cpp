@@ -1,9 +1,11 @@
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Input.h"
 #include "flash/avm2/bindings/Player.h"
+#include "flash/stage/FocusSteps.h"
 #include "flash/stage/TextField.h"
 
 #include <algorithm>
+#include <memory>
 
 // The keys, and which object they go to.
 namespace flash::avm2
@@ -17,11 +19,36 @@ constexpr std::string_view kInteractive = "flash.display::InteractiveObject",
 constexpr int kMaxDepth = 1000; // of nested objects that are looked at
 // Key codes.
 constexpr int kShift = 16, kControl = 17, kAlternate = 18, kTab = 9;
+constexpr int kLeft = 37, kUp = 38, kRight = 39, kDown = 40;
 
 bool isInputField(DisplayObject& object)
 {
     return object.node().kind() == stage::NodeKind::TextField &&
            static_cast<stage::TextField&>(object.node()).isInput();
+}
+
+std::optional<stage::Direction> directionOf(int keyCode)
+{
+    switch (keyCode) {
+    case kLeft: return stage::Direction::Left;
+    case kUp: return stage::Direction::Up;
+    case kRight: return stage::Direction::Right;
+    case kDown: return stage::Direction::Down;
+    default: return {};
+    }
+}
+
+/// Of the stage; what shows nothing is where it stands.
+swf::Rect boxOf(DisplayObject* object)
+{
+    const swf::Matrix toStage = object->node().toStage();
+    const swf::Rect bounds = object->node().bounds();
+    swf::Rect rect = swf::mapBounds(toStage, bounds);
+    if (bounds.isEmpty()) {
+        rect.xMin = rect.xMax = static_cast<std::int32_t>(toStage.tx);
+        rect.yMin = rect.yMax = static_cast<std::int32_t>(toStage.ty);
+    }
+    return rect;
 }
 
 } // namespace
@@ -45,11 +72,16 @@ void Input::focusChanged(stage::Node* before, stage::Node* now)
                      {other ? Value(other.get()) : Value::null(), Value(false), Value(0)}, true);
         });
     };
-    // Where nothing was selected yet, what is typed comes after the text.
+    // Where nothing has been selected when the frame is over, what is typed comes after the text.
     if (come && isInputField(*come)) {
-        auto& field = static_cast<stage::TextField&>(come->node());
-        if (field.selectionBegin() == 0 && field.selectionEnd() == 0)
-            field.select(field.length(), field.length());
+        auto held = std::make_shared<Root<DisplayObject>>(vm.heap(), come.get());
+        m_player.later([this, held] {
+            DisplayObject* object = held->get();
+            if (object != focus() || !isInputField(*object)) return;
+            auto& field = static_cast<stage::TextField&>(object->node());
+            if (field.selectionBegin() == 0 && field.selectionEnd() == 0)
+                field.select(field.length(), field.length());
+        });
     }
     tell("focusOut", left, come);
     tell("focusIn", come, left);
@@ -131,14 +163,7 @@ void Input::focusByTab(bool backwards)
         } else {
             // Reading order: from the upper left to the lower right. Of those in one place the first counts.
             const auto placeOf = [](DisplayObject* object) {
-                const swf::Matrix toStage = object->node().toStage();
-                const swf::Rect bounds = object->node().bounds();
-                swf::Rect rect = swf::mapBounds(toStage, bounds);
-                if (bounds.isEmpty()) {
-                    // What shows nothing is where it stands.
-                    rect.xMin = static_cast<std::int32_t>(toStage.tx);
-                    rect.yMin = static_cast<std::int32_t>(toStage.ty);
-                }
+                const swf::Rect rect = boxOf(object);
                 return rect.xMin + 6LL * rect.yMin;
             };
             std::stable_sort(stops->begin(), stops->end(),
@@ -156,13 +181,41 @@ void Input::focusByTab(bool backwards)
     const std::ptrdiff_t next =
         at < 0 ? (backwards ? size - 1 : 0) : (at + (backwards ? size - 1 : 1)) % size;
     DisplayObject* to = stops[static_cast<std::size_t>(next)];
-    if (!asksFocusChange("keyFocusChange", to, kTab)) return;
-    if (to == focus()) return;
+    focusByKey(*to, kTab);
+}
+
+/// From what has the focus to what lies that way; fields keep the arrows for their caret.
+void Input::focusByArrow(int keyCode)
+{
+    const auto direction = directionOf(keyCode);
+    DisplayObject* now = focus();
+    if (!direction || now == nullptr || now->isStage) return;
+    if (now->node().kind() == stage::NodeKind::TextField) return;
+    Vm& vm = m_player.vm();
+    Root<DisplayObject> from(vm.heap(), now);
+    RootedList<DisplayObject*> stops(vm.heap());
+    vm.guarded([&] {
+        if (m_player.stageObject() != nullptr) collectTabStops(*m_player.stageObject(), stops, 0);
+    });
+    // The scripts that were asked may have taken it away.
+    if (focus() != from.get()) return;
+    std::erase(*stops, from.get());
+    std::vector<swf::Rect> boxes;
+    for (std::size_t i = 0; i < stops.size(); ++i) boxes.push_back(boxOf(stops[i]));
+    if (const auto found = stage::nextInDirection(boxOf(from.get()), boxes, *direction))
+        focusByKey(*stops[*found], keyCode);
+}
+
+void Input::focusByKey(DisplayObject& to, int keyCode)
+{
+    Root<DisplayObject> keep(m_player.vm().heap(), &to);
+    if (!asksFocusChange("keyFocusChange", &to, keyCode)) return;
+    if (&to == focus()) return;
     m_player.stage().focus().show(true);
-    m_player.stage().focus().move(&to->node(), stage::Focus::By::User);
+    m_player.stage().focus().move(&to.node(), stage::Focus::By::User);
     // A field that is tabbed into is selected as a whole.
-    if (isInputField(*to)) {
-        auto& field = static_cast<stage::TextField&>(to->node());
+    if (isInputField(to)) {
+        auto& field = static_cast<stage::TextField&>(to.node());
         field.select(0, field.length());
     }
 }
@@ -187,7 +240,10 @@ void Input::fireKey(std::string_view type, int keyCode, char32_t charCode)
 void Input::keyPressed(int keyCode, char32_t charCode)
 {
     fireKey("keyDown", keyCode, charCode);
-    if (keyCode == kTab) focusByTab(isDown(kShift));
+    if (keyCode == kTab)
+        focusByTab(isDown(kShift));
+    else
+        focusByArrow(keyCode);
 }
 
 void Input::keyReleased(int keyCode, char32_t charCode) { fireKey("keyUp", keyCode, charCode); }
