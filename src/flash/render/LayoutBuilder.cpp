@@ -141,7 +141,9 @@ std::size_t LayoutBuilder::fitCells(std::size_t first, double start, double room
         if (m_options.wordWrap && !space && i > first && x + cell.advance > room + kSlack)
             return lastBreak > first ? lastBreak : i;
         x += cell.advance;
-        if (space || cell.character == U'-' || isIdeographic(cell.character)) lastBreak = i + 1;
+        // A tab holds what is beside it together.
+        if (cell.character == U' ' || cell.character == U'-' || isIdeographic(cell.character))
+            lastBreak = i + 1;
     }
     return m_cells.size();
 }

@@ -63,9 +63,6 @@ std::size_t TextLayout::caretAt(swf::Point point) const
         if (point.x < glyph.x + glyph.advance / 2) return glyph.index;
         index = glyph.index + glyph.length;
     }
-    // Behind the last character of a wrapped line is the beginning of the next one already.
-    const bool wrapped = line + 1 != m_lines.end() && !(line + 1)->startsParagraph;
-    if (wrapped && line->glyphCount > 0) return m_glyphs[line->firstGlyph + line->glyphCount - 1].index;
     return index;
 }
 

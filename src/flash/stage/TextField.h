@@ -216,6 +216,7 @@ private:
     void userChanged();
     void showCaret();
     [[nodiscard]] std::size_t verticalTarget(int lines);
+    [[nodiscard]] std::pair<std::size_t, std::size_t> unitAround(std::size_t index, int clicks) const;
     [[nodiscard]] std::size_t wordStart(std::size_t index) const;
     [[nodiscard]] std::size_t wordEnd(std::size_t index) const;
     void copySelection();
@@ -257,6 +258,8 @@ private:
     };
     Composition m_composition; ///< stands in the place of what is selected
     std::size_t m_anchor = 0, m_caret = 0;
+    std::size_t m_pressBegin = 0, m_pressEnd = 0; ///< what the last press has selected
+    int m_clicks = 1;                             ///< of that press
     bool m_caretShown = false, m_hasSelection = false;
     double m_caretSinceMs = 0;
 };

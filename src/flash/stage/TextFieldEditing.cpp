@@ -4,6 +4,8 @@
 #include "flash/stage/TextField.h"
 
 #include <cmath>
+#include <tuple>
+#include <utility>
 
 // The user at work in a field: keyboard, mouse, clipboard.
 namespace flash::stage
@@ -310,30 +312,39 @@ void TextField::command(TextCommand command)
 
 // ---- the mouse --------------------------------------------------------------------------------------------
 
+/// What a press of so many clicks selects around a place: the place, the word or the paragraph.
+std::pair<std::size_t, std::size_t> TextField::unitAround(std::size_t index, int clicks) const
+{
+    const std::u16string& text = m_content.text();
+    std::size_t begin = index, end = index;
+    const auto isPart = [&](char16_t c) {
+        return clicks > 2 ? c != u'\r' && c != u'\n' : isWordCharacter(c);
+    };
+    if (clicks < 2) return {begin, end};
+    while (begin > 0 && isPart(text[begin - 1])) --begin;
+    while (end < text.size() && isPart(text[end])) ++end;
+    return {begin, end};
+}
+
 void TextField::press(swf::Point stagePoint, int clicks)
 {
     if (!selectable) return;
-    const std::size_t index = layout().caretAt(toText(stagePoint));
-    if (clicks >= 3) {
-        const render::LayoutLine& line = layout().lines()[layout().lineOf(index)];
-        select(line.begin, line.end);
-    } else if (clicks == 2) {
-        const std::u16string& text = m_content.text();
-        std::size_t begin = index, end = index;
-        while (begin > 0 && isWordCharacter(text[begin - 1])) --begin;
-        while (end < text.size() && isWordCharacter(text[end])) ++end;
-        select(begin, end);
-    } else {
-        select(index, index);
-    }
+    m_clicks = clicks;
+    std::tie(m_pressBegin, m_pressEnd) = unitAround(layout().caretAt(toText(stagePoint)), clicks);
+    select(m_pressBegin, m_pressEnd);
 }
 
 void TextField::drag(swf::Point stagePoint)
 {
     if (!selectable) return;
     const std::size_t index = layout().caretAt(toText(stagePoint));
-    if (index == m_caret) return;
-    select(m_anchor, index);
+    // What was selected by words goes on by words, with the one it began with.
+    const auto [begin, end] = unitAround(index, m_clicks);
+    const bool isBack = begin < m_pressBegin;
+    const std::size_t anchor = std::min(isBack ? m_pressEnd : m_pressBegin, m_content.size());
+    const std::size_t caret = isBack ? begin : std::max(end, m_clicks > 1 ? m_pressEnd : end);
+    if (m_clicks < 2 ? index == m_caret : anchor == m_anchor && caret == m_caret) return;
+    select(m_clicks < 2 ? m_anchor : anchor, caret);
     showCaret();
 }
 

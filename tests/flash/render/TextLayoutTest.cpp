@@ -233,7 +233,7 @@ TEST(TextLayout, CaretsAndPointsFindEachOther)
         EXPECT_EQ(layout.caretAt({caret.x + 1, (caret.top + caret.bottom) / 2}), i);
     }
     EXPECT_EQ(layout.caretAt({-50, -50}), 0U);
-    EXPECT_EQ(layout.caretAt({5000, 100}), 3U) << "before the space at which the line was broken";
+    EXPECT_EQ(layout.caretAt({5000, 100}), 4U) << "behind the space at which the line was broken";
     EXPECT_EQ(layout.caretAt({5000, 300}), 7U) << "before the line break";
     EXPECT_EQ(layout.caretAt({5000, 5000}), 10U);
     EXPECT_EQ(layout.characterAt({150, 450}), 9U);
