@@ -1,8 +1,11 @@
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Display.h"
-#include "flash/avm2/bindings/Interactive.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
+#include "flash/avm2/bindings/Sounds.h"
+
+#include <algorithm>
 
 // Buttons: four objects, one of which is shown. None of them has the button for a parent, as scripts see it.
 namespace flash::avm2
@@ -71,8 +74,21 @@ Value setState(Call& call)
     return {};
 }
 
+/// Buttons have no sounds below them: theirs is that of everything.
+Value transformOfAll(Call& call)
+{
+    return makeSoundTransform(call.vm, Player::of(call.vm).services().sound.transform(nullptr));
+}
+Value setTransformOfAll(Call& call)
+{
+    Object* given = objectArg(call, 0, "flash.media::SoundTransform");
+    if (given == nullptr) throwNullParameter(call.vm, "soundTransform");
+    Player::of(call.vm).services().sound.setTransform(nullptr, soundTransformOf(call.vm, Value(given)));
+    return {};
+}
+
 constexpr NativeMember kButton[] = {
-    {"soundTransform", Kind::Getter, &interactive::ownerTransform, 0, 0, &interactive::setOwnerTransform,
+    {"soundTransform", Kind::Getter, &transformOfAll, 0, 0, &setTransformOfAll,
      "flash.media::SoundTransform"},
     {"upState", Kind::Getter, &getState<State::Up>, 0, 0, &setState<State::Up>,
      "flash.display::DisplayObject"},
@@ -127,6 +143,9 @@ void Player::makeButtonStates(DisplayObject& button)
         }
         first[state + 1] = made.size();
     }
+    Traits* clips = m_vm->nativeClass("flash.display::MovieClip")->instances;
+    const auto isMovieClip = [&](DisplayObject* object) { return m_vm->isType(Value(object), clips); };
+    std::size_t rounds = std::ranges::any_of(*made, isMovieClip) ? 1 : 0;
     for (std::size_t state = 0; state < kStateBits.size(); ++state) {
         const std::size_t count = first[state + 1] - first[state];
         if (count == 1) {
@@ -137,12 +156,21 @@ void Player::makeButtonStates(DisplayObject& button)
             button.states[state] = sprite;
             sprite->isConstructed = true;
             sprite->name = Value(m_vm->string(nextInstanceName()));
-            for (std::size_t i = 0; i < count; ++i) insert(*sprite, *made[first[state] + i], i);
+            std::size_t clipsTogether = 0;
+            for (std::size_t i = 0; i < count; ++i) {
+                DisplayObject* object = made[first[state] + i];
+                const bool isScripts = !object->traits()->ns->uri.view().starts_with(u"flash.");
+                clipsTogether += isScripts && isMovieClip(object) ? 1 : 0;
+                insert(*sprite, *made[first[state] + i], i);
+            }
+            rounds = std::max(rounds, clipsTogether);
         }
         noteOffStage(*button.states[state]);
     }
     showButtonState(button, State::Up);
-    runNestedFrame(nullptr);
+    // Clips begin with a frame of their own, sprites do not; each of those of one state that have a class of
+    // the movie's begins by itself.
+    for (; rounds > 0; --rounds) runNestedFrame(nullptr);
 }
 
 void Player::showButtonState(DisplayObject& button, State state)

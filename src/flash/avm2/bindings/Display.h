@@ -111,11 +111,12 @@ public:
     std::map<int, Placed> placed; ///< what the timeline shows now, by depth
     int frame = 0;                ///< 1-based; 0: none shown yet
     bool isPlaying = true, hasPendingScript = false, isInScript = false;
-    bool isListed = false;   ///< among those off the stage that play
-    int generation = 0;      ///< counts the frames that were shown
-    bool hasStepped = false; ///< it has had its share of a frame
-    bool skipsStep = false;  ///< its first frame came between two
-    int queuedFrame = 0;     ///< where its script that runs now wants to go; 0: nowhere
+    bool isListed = false;     ///< among those off the stage that play
+    int generation = 0;        ///< counts the frames that were shown
+    bool hasStepped = false;   ///< it has had its share of a frame
+    bool skipsStep = false;    ///< its first frame came between two
+    bool isToldToPlay = false; ///< by a script
+    int queuedFrame = 0;       ///< where its script that runs now wants to go; 0: nowhere
     std::vector<std::pair<int, Value>, vm::TracedAllocator<std::pair<int, Value>>> frameScripts;
     TracedList<Value> filterValues; ///< as scripts have set them; empty: those of the node
     DisplayObject* mask = nullptr;

@@ -208,10 +208,18 @@ Value hitTestObject(Call& call)
     if (a.isEmpty() || b.isEmpty()) return false;
     return a.xMin <= b.xMax && b.xMin <= a.xMax && a.yMin <= b.yMax && b.yMin <= a.yMax;
 }
+/// A movie that moves its main timeline moves the points of its hit tests along.
+swf::Point onStage(const DisplayObject& object, swf::Point ofRoot)
+{
+    const DisplayObject* at = &object;
+    while (at != nullptr && !at->isRoot) at = at->parent;
+    return at != nullptr ? at->node().toStage().map(ofRoot) : ofRoot;
+}
 Value hitTestPoint(Call& call)
 {
     auto& object = self(call);
-    const swf::Point at{call.vm.toNumber(call.arg(0)) * kTwips, call.vm.toNumber(call.arg(1)) * kTwips};
+    const double x = call.vm.toNumber(call.arg(0)), y = call.vm.toNumber(call.arg(1));
+    const swf::Point at = onStage(object, {x * kTwips, y * kTwips});
     // The shape of what is not on the stage is hit by nothing.
     if (call.vm.toBoolean(call.arg(2)))
         return Player::of(call.vm).isOnStage(object) && object.node().hitsShape(at);

@@ -139,21 +139,23 @@ void Player::showRootFrame(int frame)
 
 void Player::advance(DisplayObject& clip)
 {
+    // From the end of the list to its beginning, and within before around: what is told of the things that
+    // go finds its holder in the frame before.
     RootedList<DisplayObject*> children(m_vm->heap(), clip.children.begin(), clip.children.end());
-    clip.hasStepped = true;
-    const bool waits = std::exchange(clip.skipsStep, false);
-    if (!waits && clip.isPlaying && clip.timeline != nullptr && clip.totalFrames() > 1 &&
-        clip.isConstructed) {
-        const bool ends = clip.frame >= clip.totalFrames();
-        const bool stays = ends && &clip == root() && !m_stage->loop();
-        if (stays)
-            clip.isPlaying = false;
-        else
-            m_vm->guarded([&] { showFrame(clip, ends ? 1 : clip.frame + 1); });
-    }
-    for (std::size_t i = 0; i < children.size(); ++i) {
+    for (std::size_t i = children.size(); i-- > 0;) {
         if (children[i]->parent == &clip) advance(*children[i]);
     }
+    clip.hasStepped = true;
+    const bool waits = std::exchange(clip.skipsStep, false);
+    if (waits || !clip.isPlaying || clip.timeline == nullptr || clip.totalFrames() <= 1 ||
+        !clip.isConstructed)
+        return;
+    const bool ends = clip.frame >= clip.totalFrames();
+    const bool stays = ends && &clip == root() && !m_stage->loop();
+    if (stays)
+        clip.isPlaying = false;
+    else
+        m_vm->guarded([&] { showFrame(clip, ends ? 1 : clip.frame + 1); });
 }
 
 void Player::goTo(DisplayObject& clip, int frame)
@@ -200,7 +202,7 @@ void Player::runFrameScripts(DisplayObject& clip)
     while (clip.hasPendingScript && !clip.isInScript) {
         clip.hasPendingScript = false;
         // Before there were frames within frames, what a jump has placed is made here.
-        if (m_vm->version < kNestedFramesVersion) m_vm->guarded([&] { constructAll(clip); });
+        if (m_vm->version < kNestedFramesVersion) m_vm->guarded([&] { constructChildren(clip); });
         Value script;
         for (const auto& [frame, function] : clip.frameScripts) {
             if (frame == clip.frame) script = function;

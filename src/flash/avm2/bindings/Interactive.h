@@ -19,7 +19,7 @@ Value startDrag(Call& call);
 Value stopDrag(Call& call);
 Value dropTarget(Call& call);
 
-// ---- Sprite and SimpleButton: the sounds below them ----
+// ---- Sprite: the sounds below it ----
 Value ownerTransform(Call& call);
 Value setOwnerTransform(Call& call);
 

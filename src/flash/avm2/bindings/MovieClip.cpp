@@ -17,7 +17,7 @@ DisplayObject& self(Call& call) { return displaySelf(call); }
 
 Value play(Call& call)
 {
-    self(call).isPlaying = true;
+    self(call).isPlaying = self(call).isToldToPlay = true;
     return {};
 }
 Value stop(Call& call)
@@ -167,6 +167,7 @@ Value gotoAnd(Call& call)
     auto& clip = self(call);
     const int frame = frameOf(call, clip);
     clip.isPlaying = plays;
+    if (plays) clip.isToldToPlay = true;
     go(call, clip, frame);
     return {};
 }
@@ -203,22 +204,22 @@ Value currentFrame(Call& call)
     return std::max(1, self(call).frame) - parts[currentPart(parts, self(call))].first + 1;
 }
 Value totalFrames(Call& call) { return self(call).totalFrames(); }
-/// Not before its first frame is over, whatever it is about to do.
+/// Not before its first frame is over, whatever it is about to do; what a script has made moves on by itself
+/// as well, but is not said to play until a script has told it so.
 Value isPlaying(Call& call)
 {
     const auto& clip = self(call);
-    return clip.isPlaying && clip.hasStepped && clip.totalFrames() > 1;
+    const bool isCounted = clip.isToldToPlay || clip.isRoot || clip.placedFrame > 0;
+    return isCounted && clip.isPlaying && clip.hasStepped && clip.totalFrames() > 1;
 }
-/// The last one up to the frame, within its scene; or the frame's own.
+/// The last one up to the frame, be it of a scene before; or the frame's own.
 Value label(Call& call, bool exactly)
 {
     auto& clip = self(call);
-    const auto parts = scenesOf(call, clip);
-    const ScenePart& part = parts[currentPart(parts, clip)];
     const FrameName* best = nullptr;
     const auto names = namesOf(call, clip);
     for (const FrameName& name : names) {
-        if (name.frame > clip.frame || name.frame < part.first) continue;
+        if (name.frame > clip.frame) continue;
         if (exactly && name.frame != clip.frame) continue;
         if (best == nullptr || name.frame > best->frame) best = &name;
     }

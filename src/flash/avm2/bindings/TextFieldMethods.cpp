@@ -84,7 +84,8 @@ Value replaceSelectedText(Call& call)
     TextField& field = fieldSelf(call);
     const std::size_t begin = field.selectionBegin();
     field.replaceText(begin, field.selectionEnd(), text);
-    field.select(begin + text.size(), begin + text.size());
+    // What is selected elsewhere than where the focus is stays as it was told.
+    if (field.stage().focus().node() == &field) field.select(begin + text.size(), begin + text.size());
     return {};
 }
 

@@ -116,13 +116,14 @@ void Player::apply(DisplayObject& child, const Placed& entry)
         node.setMatrix(entry.matrix.value_or(swf::Matrix{}));
         node.setColor(entry.color.value_or(swf::ColorTransform{}));
     }
-    if (entry.ratio) node.setRatio(*entry.ratio);
+    node.setRatio(entry.ratio.value_or(0));
     if (entry.clipDepth)
         node.setClipDepth(stage::kTimelineDepth + *entry.clipDepth);
     else
         node.setClipDepth({});
-    if (entry.filters) {
-        node.setFilters(*entry.filters);
+    // Back where the timeline had none, its own go; those of scripts stay.
+    if (entry.filters || child.filterValues.empty()) {
+        node.setFilters(entry.filters.value_or(std::vector<swf::Filter>{}));
         child.filterValues.clear();
     }
     if (entry.blend) node.setBlend(*entry.blend);

@@ -316,9 +316,11 @@ Value sort(Call& call)
     const auto order = sortedOrder(static_cast<std::uint32_t>(values.size()), compare);
     if ((flags & kUniqueSort) != 0) {
         for (std::size_t i = 1; i < order.size(); ++i) {
-            if (compare(order[i - 1], order[i]) == 0) return 0;
+            if (compare(order[i - 1], order[i]) == 0) return call.self;
         }
     }
+    // A vector has no list of places to answer with: it is given back as it stands.
+    if ((flags & kReturnIndexed) != 0) return call.self;
     for (std::size_t i = 0; i < order.size() && i < vector.items.size(); ++i)
         vector.items[i] = values[order[i]];
     return call.self;
