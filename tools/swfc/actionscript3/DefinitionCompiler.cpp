@@ -309,6 +309,7 @@ void DefinitionCompiler::checkOverride(ClassSymbol& cls, const Stmt* stmt, const
     const bool isProtected = member.ns == cls.protectedNs;
     bool isLibrary = cls.base != nullptr && base == nullptr;
     bool isFound = false;
+    ClassSymbol* holder = nullptr;
     std::size_t depth = 0;
     for (ClassSymbol* at = base; at != nullptr && !isFound && ++depth < kLongestLine;
          at = m_program.baseOf(at)) {
@@ -318,6 +319,7 @@ void DefinitionCompiler::checkOverride(ClassSymbol& cls, const Stmt* stmt, const
             isFound = isFound || (!other.isStatic &&
                                   (other.kind == Member::Kind::Setter) == (kind == Member::Kind::Setter) &&
                                   (isProtected ? other.ns == at->protectedNs : other.ns == member.ns));
+            if (isFound && holder == nullptr) holder = at;
         }
         if (at->base != nullptr && at->base->kind != Type::Kind::Class) isLibrary = true;
     }
@@ -328,6 +330,38 @@ void DefinitionCompiler::checkOverride(ClassSymbol& cls, const Stmt* stmt, const
     if (!isFound && stmt->modifiers.isOverride && !isLibrary)
         m_program.error(stmt->function->where,
                         "expected a function of the base class to override, found '" + name + "'");
+    if (holder != nullptr && stmt->modifiers.isOverride) checkOverridden(cls, stmt, *holder);
+}
+
+/// The machine refuses a class that changes what it overrides; what is wrong shows here.
+void DefinitionCompiler::checkOverridden(const ClassSymbol& cls, const Stmt* stmt, const ClassSymbol& holder)
+{
+    const Function& own = *stmt->function;
+    const auto found = std::ranges::find_if(holder.declaration->body, [&](const Stmt* other) {
+        return other->kind == StmtKind::Function && !other->modifiers.isStatic &&
+               other->function->name == own.name && other->function->role == own.role;
+    });
+    if (found == holder.declaration->body.end()) {
+        m_program.error(own.where,
+                        "expected a function of the same kind to override, found '" + own.name + "'");
+        return;
+    }
+    const Function& other = *(*found)->function;
+    if ((*found)->modifiers.isFinal)
+        m_program.error(own.where,
+                        "expected a function to override that is not final, found '" + own.name + "'");
+    const auto type = [&](const TypeExpr* written, const ClassSymbol& of) {
+        return m_program.resolve(written, *of.scope);
+    };
+    bool isSame = own.parameters.size() == other.parameters.size() &&
+                  own.rest.empty() == other.rest.empty() &&
+                  type(own.returnType, cls) == type(other.returnType, holder);
+    for (std::size_t i = 0; isSame && i < own.parameters.size(); ++i)
+        isSame = type(own.parameters[i].type, cls) == type(other.parameters[i].type, holder) &&
+                 (own.parameters[i].value == nullptr) == (other.parameters[i].value == nullptr);
+    if (!isSame)
+        m_program.error(own.where, "expected the parameters and the result of what is overridden, found '" +
+                                       own.name + "' with others");
 }
 
 void DefinitionCompiler::checkInterfaces(ClassSymbol& cls)

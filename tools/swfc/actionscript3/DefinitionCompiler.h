@@ -22,6 +22,7 @@ private:
     Index staticInitializer(ClassSymbol& cls, std::uint32_t depth);
     Index constructor(ClassSymbol& cls, std::uint32_t depth);
     void checkOverride(ClassSymbol& cls, const Stmt* stmt, const Member& member);
+    void checkOverridden(const ClassSymbol& cls, const Stmt* stmt, const ClassSymbol& holder);
     void checkInterfaces(ClassSymbol& cls);
     void packageTraits(Package& package);
     void packageStatements(Package& package);

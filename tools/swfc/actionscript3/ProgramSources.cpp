@@ -319,6 +319,9 @@ void Program::declareMembers(ClassSymbol& cls)
         else
             error(cls.declaration->base->where,
                   "expected a class to extend, found the interface '" + base->text + "'");
+        if (base->kind == Type::Kind::Class && base->cls->declaration->modifiers.isFinal)
+            error(cls.declaration->base->where,
+                  "expected a class to extend that is not final, found '" + base->text + "'");
         if (cls.base != nullptr && cls.base->kind == Type::Kind::Object) cls.base = nullptr;
     }
     for (const Stmt* stmt : cls.declaration->body) {

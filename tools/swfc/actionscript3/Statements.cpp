@@ -264,6 +264,29 @@ void FunctionCompiler::jumpStatement(const Stmt* stmt)
               isBreak ? "expected a loop or switch around 'break'" : "expected a loop around 'continue'");
 }
 
+namespace
+{
+/// What has a value whatever it is made of; a name or a call may be of nothing.
+bool isSurelyValue(const Expr& expr)
+{
+    switch (expr.kind) {
+    case ExprKind::Number:
+    case ExprKind::String:
+    case ExprKind::RegExp:
+    case ExprKind::True:
+    case ExprKind::False:
+    case ExprKind::Null:
+    case ExprKind::This:
+    case ExprKind::Array:
+    case ExprKind::Vector:
+    case ExprKind::Object:
+    case ExprKind::Function:
+    case ExprKind::New: return true;
+    default: return false;
+    }
+}
+} // namespace
+
 void FunctionCompiler::returnStatement(const Stmt* stmt)
 {
     const bool hasFinally = std::ranges::any_of(
@@ -272,6 +295,8 @@ void FunctionCompiler::returnStatement(const Stmt* stmt)
     if (m_kind == Kind::ScriptInit || m_kind == Kind::StaticInit)
         error(stmt->where, "expected 'return' within a function");
     if (stmt->a != nullptr) {
+        if (returnsNothing && isSurelyValue(*stmt->a))
+            error(stmt->a->where, "expected no value from a function whose result is void");
         if (returnsNothing)
             effect(stmt->a);
         else
