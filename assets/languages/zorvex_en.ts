@@ -1316,6 +1316,10 @@ Start the program again; if that does not help, install it anew.</translation>
         <translation>Thumbnails of high quality</translation>
     </message>
     <message>
+        <source>Два потока для сложных сцен</source>
+        <translation>Two threads for heavy scenes</translation>
+    </message>
+    <message>
         <source>Использовать для открытия файлов SWF</source>
         <translation>Use for opening SWF files</translation>
     </message>
@@ -1346,6 +1350,10 @@ Start the program again; if that does not help, install it anew.</translation>
     <message>
         <source>В роликах Flash 5 и старше текст записан в кодировке системы автора; действует со следующего ролика</source>
         <translation>Movies of Flash 5 and before hold text in the code of their author&apos;s system; takes effect with the next movie</translation>
+    </message>
+    <message>
+        <source>Кадры, которые рисуются долго, делят между собой два ядра процессора</source>
+        <translation>Frames that take long to draw are shared between two processor cores</translation>
     </message>
     <message>
         <source>Поставьте галочку, чтобы при двойном щелчке на файле SWF запускалось это приложение</source>

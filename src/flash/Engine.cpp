@@ -274,6 +274,7 @@ public:
     std::unique_ptr<avm2::Player> script3;
     std::unique_ptr<stage::Stage> stage;
     double deviceScale = 1;
+    render::SecondThread secondThread = render::SecondThread::Never;
 };
 
 Engine::Engine(stage::HostEvents& host, Options options)
@@ -398,6 +399,8 @@ stage::Stage& Engine::stage() { return *d->stage; }
 const stage::Stage& Engine::stage() const { return *d->stage; }
 sound::SoundPlayer& Engine::sound() { return d->sound; }
 
+void Engine::setSecondThread(render::SecondThread when) { d->secondThread = when; }
+
 void Engine::setDeviceScale(double scale)
 {
     d->deviceScale = scale;
@@ -422,8 +425,11 @@ void Engine::Private::render(QImage& image, const QRect& visible)
 {
     const render::SurfaceView view{reinterpret_cast<std::uint32_t*>(image.bits()), image.width(),
                                    image.height(), image.bytesPerLine() / 4};
+    stage->view().renderCache().setSecondThread(secondThread);
     render::Canvas canvas(view, toRender(stage->view().quality()), stage->view().renderCache());
+    canvas.beginFrame();
     stage->view().render(canvas, toRender(visible));
+    canvas.endFrame();
 }
 
 std::string Engine::getVariable(const std::string& path)

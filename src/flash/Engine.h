@@ -2,6 +2,7 @@
 
 #include "base/Result.h"
 #include "flash/guard/Guard.h"
+#include "flash/render/RenderCache.h"
 #include "flash/stage/Services.h"
 
 #include <cstdint>
@@ -122,6 +123,8 @@ public:
 
     /// Device pixels to a pixel of the host's measure; kept from movie to movie.
     void setDeviceScale(double scale);
+    /// Who draws frames, of this movie and those after it.
+    void setSecondThread(render::SecondThread when);
     /// @returns what changed since it was drawn last, device pixels.
     [[nodiscard]] QRect dirtyRect();
     /// Draws a part of the view, background included, and takes everything for drawn.

@@ -241,6 +241,12 @@ void FlashControl::setStorageFolder(const QString& folder) { d->storageFolder = 
 
 void FlashControl::setTextCode(const QString& name) { d->textCode = name; }
 
+void FlashControl::setSecondThread(bool may)
+{
+    d->settings.secondThread = may ? 1 : 0;
+    d->pass(d->settings);
+}
+
 void FlashControl::setSharedFolder(const QString& movies, const QString& shared)
 {
     d->trustedFolder = movies;

@@ -167,6 +167,10 @@ public:
     /// windows-1251. Takes effect with the next movie.
     void setTextCode(const QString& name);
 
+    /// Whether a second thread may help with frames that take long to draw, where there is a second core. Not
+    /// by default. Pixels are the same.
+    void setSecondThread(bool may);
+
     /// Movies that lie in the folder `movies`, not below it, may also read from the folder `shared`, by full
     /// paths: for pages of the host's own. None by default; takes effect with the next movie.
     void setSharedFolder(const QString& movies, const QString& shared);

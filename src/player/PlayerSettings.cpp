@@ -50,8 +50,14 @@ void PlayerSettings::refresh()
     m_recent.clear();
     for (auto path = recent.crbegin(); path != recent.crend(); ++path) m_recent.AddRecent(*path);
     showRecent();
-    m_places.control.setTextCode(m_options.codepage);
+    tellControl();
     m_host.optionsChanged();
+}
+
+void PlayerSettings::tellControl()
+{
+    m_places.control.setTextCode(m_options.codepage);
+    m_places.control.setSecondThread(m_options.secondThread);
 }
 
 void PlayerSettings::LoadOpts()
@@ -73,7 +79,7 @@ void PlayerSettings::LoadOpts()
     m_places.placement.setTopMost(m_options.topMost);
     m_places.placement.setPlace(m_options.place);
     if (menus.isChecked("mnuMenuBar") != m_options.menuBar) m_places.placement.ToggleMenu();
-    control.setTextCode(m_options.codepage);
+    tellControl();
     control.setLoop(m_options.repeat);
     menus.setChecked("mnuLoop", m_options.repeat);
     m_places.playback.restoreSound(m_options.volume, m_options.pan, m_options.mute);
@@ -134,7 +140,7 @@ void PlayerSettings::edit()
 {
     settings::frmOptions dialog(&m_places.window, m_options);
     m_host.ShowDialog(dialog);
-    m_places.control.setTextCode(m_options.codepage);
+    tellControl();
     if (dialog.result() != QDialog::Accepted) return;
     const bool isSaved = m_host.SaveOpts();
     m_host.optionsChanged();

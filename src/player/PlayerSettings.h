@@ -64,6 +64,7 @@ private:
     void watch();
     /// Collects the options from what they live in.
     void gather();
+    void tellControl(); ///< what it does not tell itself
 
     core::Application& m_application;
     PlayerHost& m_host;

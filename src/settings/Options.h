@@ -34,6 +34,7 @@ struct Options {
     bool sfx = true;
     bool hqShots = true;
     bool associate = false;
+    bool secondThread = true;       ///< draws heavy scenes where there is a second core
     QString codepage = "automatic"; ///< of movies before version 6: "automatic" or the name of an 8-bit code
     QString language = "ru";        ///< of the interface: its two-letter code
     // SETTINGS/EXPORT

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <thread>
 #include <vector>
 
 namespace settings
@@ -86,6 +87,10 @@ frmOptions::frmOptions(QWidget* parent, Options& options) : QDialog(parent), m_o
     m_specialEffects =
         addBox(*column, "chkSFX", texts::kSpecialEffects, texts::kSpecialEffectsTip, options.sfx);
     m_hqShots = addBox(*column, "chkHQShots", texts::kHqShots, texts::kHqShotsTip, options.hqShots);
+    const bool hasSecondCore = std::thread::hardware_concurrency() > 1;
+    m_secondThread = addBox(*column, "chkSecondThread", texts::kSecondThread, texts::kSecondThreadTip,
+                            options.secondThread && hasSecondCore);
+    m_secondThread->setEnabled(hasSecondCore);
     column->addSpacing(12);
     addHeading(*column, "lblAssoc", texts::kAssociation);
     m_associate = addBox(*column, "chkAssoc", texts::kMakeDefault, texts::kAssociationTip, options.associate);
@@ -166,6 +171,7 @@ void frmOptions::cbOk_Click()
     m_options.sfx = m_specialEffects->isChecked();
     m_options.hqShots = m_hqShots->isChecked();
     m_options.associate = m_associate->isChecked();
+    if (m_secondThread->isEnabled()) m_options.secondThread = m_secondThread->isChecked();
     if (m_cache->currentIndex() >= 0) m_options.cacheMode = m_cache->currentIndex();
     if (m_startUp->currentIndex() >= 0) m_options.startUp = m_startUp->currentIndex();
     if (m_codepage->currentIndex() >= 0)

@@ -38,6 +38,7 @@ private:
     QCheckBox* m_animation;
     QCheckBox* m_specialEffects;
     QCheckBox* m_hqShots;
+    QCheckBox* m_secondThread;
     QCheckBox* m_associate;
 };
 

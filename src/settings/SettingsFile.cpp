@@ -54,6 +54,7 @@ constexpr Setting kSettings[] = {
     {"SYSTEM",  "associate",   &Options::associate},
     {"SYSTEM",  "codepage",    &Options::codepage, true},
     {"SYSTEM",  "language",    &Options::language, true},
+    {"SYSTEM",  "secondThread", &Options::secondThread, true},
     {"EXPORT",  "choice",      &Options::exportChoice},
     {"FILES",   "search",      &Options::search},
     {"FILES",   "lastPage",    &Options::lastPage},

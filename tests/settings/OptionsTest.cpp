@@ -11,6 +11,8 @@
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace settings
 {
 namespace
@@ -93,6 +95,10 @@ TEST_F(OptionsWindow, ShowsWhatIsSetAndStoresWhatIsChosen)
     EXPECT_EQ(find<QComboBox>("cmbCache").currentText(), "Оставлять эскизы");
 
     for (const char* box : {"chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"}) click(box);
+    const bool hasSecondCore = std::thread::hardware_concurrency() > 1;
+    EXPECT_EQ(find<QCheckBox>("chkSecondThread").isChecked(), hasSecondCore);
+    EXPECT_EQ(find<QCheckBox>("chkSecondThread").isEnabled(), hasSecondCore);
+    click("chkSecondThread");
     QTest::keyClick(&find<QComboBox>("cmbStartUp"), Qt::Key_Up);
     QTest::keyClick(&find<QComboBox>("cmbCache"), Qt::Key_Down);
     EXPECT_EQ(find<QComboBox>("cmbCodepage").currentText(), "Автоматически");
@@ -103,6 +109,7 @@ TEST_F(OptionsWindow, ShowsWhatIsSetAndStoresWhatIsChosen)
     EXPECT_EQ(options.noAnimation, "False");
     EXPECT_TRUE(options.sfx);
     EXPECT_FALSE(options.hqShots);
+    EXPECT_EQ(options.secondThread, !hasSecondCore) << "where it cannot be chosen it is kept";
     EXPECT_TRUE(options.associate);
     EXPECT_EQ(options.startUp, 1);
     EXPECT_EQ(options.cacheMode, 2);
@@ -143,14 +150,16 @@ TEST_F(OptionsWindow, IsWorkedByKeysAlone)
 {
     open();
     dialog->activateWindow();
-    QStringList visited;
-    for (int i = 0; i < 10; ++i) {
+    QStringList visited,
+        expected{"cmbStartUp", "cmbCache",        "cmbCodepage", "cmbLanguage", "chkAnimation", "chkSFX",
+                 "chkHQShots", "chkSecondThread", "chkAssoc",    "cbOk",        "cbCancel"};
+    if (!find<QCheckBox>("chkSecondThread").isEnabled()) expected.removeOne("chkSecondThread");
+    for (qsizetype i = 0; i < expected.size(); ++i) {
         ASSERT_NE(dialog->focusWidget(), nullptr);
         visited += dialog->focusWidget()->objectName();
         QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(visited, (QStringList{"cmbStartUp", "cmbCache", "cmbCodepage", "cmbLanguage", "chkAnimation",
-                                    "chkSFX", "chkHQShots", "chkAssoc", "cbOk", "cbCancel"}));
+    EXPECT_EQ(visited, expected);
     find<QCheckBox>("chkHQShots").setFocus();
     QTest::keyClick(dialog->focusWidget(), Qt::Key_Space);
     QTest::keyClick(dialog.get(), Qt::Key_Return);
@@ -161,8 +170,8 @@ TEST_F(OptionsWindow, IsWorkedByKeysAlone)
 TEST_F(OptionsWindow, SaysOfEveryControlWhatItIsFor)
 {
     open();
-    for (const char* name :
-         {"cmbStartUp", "cmbCache", "cmbCodepage", "chkAnimation", "chkSFX", "chkHQShots", "chkAssoc"})
+    for (const char* name : {"cmbStartUp", "cmbCache", "cmbCodepage", "chkAnimation", "chkSFX", "chkHQShots",
+                             "chkSecondThread", "chkAssoc"})
         EXPECT_GT(find<QWidget>(name).toolTip().size(), 20) << name;
     EXPECT_EQ(find<QComboBox>("cmbStartUp").accessibleName(), "При запуске по умолчанию:");
     // A list must not change because the pointer stood over it while the user scrolled.

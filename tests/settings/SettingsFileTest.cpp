@@ -211,11 +211,14 @@ TEST_F(SettingsFiles, GainWhatCameLaterOnceItIsChosen)
     ASSERT_TRUE(file.save(options, {}));
     EXPECT_FALSE(content().contains("codepage"))
         << "the file keeps its form as long as nothing else is wanted";
+    EXPECT_FALSE(content().contains("secondThread"));
     options.codepage = "koi8-r";
+    options.secondThread = false;
     ASSERT_TRUE(file.save(options, {}));
     options = {};
     ASSERT_TRUE(SettingsFile(application).load(options, recent));
     EXPECT_EQ(options.codepage, "koi8-r");
+    EXPECT_FALSE(options.secondThread);
     options.codepage = "automatic";
     ASSERT_TRUE(file.save(options, {}));
     ASSERT_TRUE(SettingsFile(application).load(options, recent));

@@ -25,6 +25,7 @@ const char* const kHelp =
                        writes pictures; a series is named frame0001.png and so on
       --scale S        times the movie's own size (default 1)
       --quality Q      low, medium, high or best (default high)
+      --threads N      draws frames by so many, 1 or 2 (default 1): the pictures are the same
   flashrun thumbnail MOVIE --out FILE.png [options]
                        writes the first picture that shows what the movie is about
       --size N         pixels of the longer side (default 256)
@@ -113,6 +114,8 @@ base::Result<void> takeOption(Arguments& arguments, std::string_view option, con
         arguments.out = value;
     } else if (option == "--scale" && arguments.command == Command::Render) {
         arguments.scale = TRY_RESULT(number(option, value, 0.01, 64));
+    } else if (option == "--threads" && arguments.command == Command::Render) {
+        arguments.twoThreads = TRY_RESULT(number(option, value, 1, 2)) == 2;
     } else if (option == "--quality") {
         arguments.quality = TRY_RESULT(qualityByName(value));
     } else if (option == "--base-dir") {

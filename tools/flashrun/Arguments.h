@@ -22,6 +22,7 @@ struct Arguments {
     bool series = false;               ///< `out` is a folder
     bool showCommands = false;
     bool collectAlways = false;
+    bool twoThreads = false;
     std::filesystem::path out, baseFolder, input, storageFolder;
     /// The same on every machine, so that a run is: the code that most of the old movies were made in.
     std::string textCode = "iso-8859-1";

@@ -117,6 +117,7 @@ public:
             m_input.setScale(arguments.scale, arguments.scale);
         }
         m_engine.setDeviceScale(arguments.scale);
+        if (arguments.twoThreads) m_engine.setSecondThread(flash::render::SecondThread::Always);
         m_engine.stage().view().setQuality(arguments.quality);
         CHECK_RESULT(m_engine.open(arguments.movie));
         playInput();

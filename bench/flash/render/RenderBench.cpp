@@ -101,21 +101,25 @@ Scene makeScene(Style style)
     return scene;
 }
 
-void drawWithCanvas(benchmark::State& state, Style style)
+void drawWithCanvas(benchmark::State& state, Style style,
+                    render::SecondThread second = render::SecondThread::Never)
 {
     const int width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
     const Scene scene = makeScene(style);
     const double scale = width / 550.0 / swf::kTwipsPerPixel;
     render::Surface surface(width, height);
     render::RenderCache cache;
+    cache.setSecondThread(second);
     double turn = 0;
     for (auto _ : state) {
         Canvas canvas(surface.view(), render::Quality::High, cache);
+        canvas.beginFrame();
         canvas.clear({255, 255, 255, 255});
         turn += style == Style::Strokes ? 0 : 0.01;
         const double c = scale * std::cos(turn), s = scale * std::sin(turn);
         for (const Scene::Item& item : scene.items)
             canvas.drawShape(item.shape, {c, s, -s, c, item.x * width, item.y * height});
+        canvas.endFrame();
         benchmark::ClobberMemory();
     }
 }
@@ -173,6 +177,12 @@ BENCHMARK_CAPTURE(drawWithCanvas, strokes, Style::Strokes)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithPainter, strokes, Style::Strokes)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithCanvas, gradients, Style::Gradients)->FRAME_SIZES;
 BENCHMARK_CAPTURE(drawWithPainter, gradients, Style::Gradients)->FRAME_SIZES;
+
+// The same by two threads: the time that passes counts.
+BENCHMARK_CAPTURE(drawWithCanvas, fillsByTwo, Style::Fills, render::SecondThread::Always)
+    ->FRAME_SIZES->UseRealTime();
+BENCHMARK_CAPTURE(drawWithCanvas, gradientsByTwo, Style::Gradients, render::SecondThread::Always)
+    ->FRAME_SIZES->UseRealTime();
 
 // ---- the rest of what movies show
 // ---------------------------------------------------------------------------

@@ -81,7 +81,11 @@ struct Settings {
     std::int32_t scaleMode = 0, quality = 1;
     double volume = 1, balance = 0; ///< 0 to 1; -1 (left) to 1 (right)
     double speed = 1;               ///< of the movie's time
-    auto fields() { return std::tie(loop, muted, suspended, scaleMode, quality, volume, balance, speed); }
+    std::uint8_t secondThread = 0;  ///< may help with frames that take long
+    auto fields()
+    {
+        return std::tie(loop, muted, suspended, scaleMode, quality, volume, balance, speed, secondThread);
+    }
     friend bool operator==(const Settings&, const Settings&) = default;
 };
 struct Background {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 #include <utility>
 
 namespace flash::control
@@ -208,6 +209,9 @@ void MovieRunner::act(const Settings& settings)
     m_engine.sound().setMasterVolume(std::clamp(settings.volume, 0.0, 1.0),
                                      std::clamp(settings.balance, -1.0, 1.0));
     mixer().setMuted(settings.muted != 0);
+    m_engine.setSecondThread(settings.secondThread != 0 && std::thread::hardware_concurrency() > 1
+                                 ? render::SecondThread::WhenHeavy
+                                 : render::SecondThread::Never);
     if (settings.suspended != before.suspended) m_clock.start();
     if (settings.quality != before.quality) {
         m_automaticHigh = settings.quality != AutoLow;

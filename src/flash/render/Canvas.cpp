@@ -4,6 +4,7 @@
 #include "flash/render/CanvasImpl.h"
 #include "flash/render/Compose.h"
 #include "flash/render/Pixel.h"
+#include "flash/render/Recording.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,22 @@
 namespace flash::render
 {
 
+namespace
+{
+
+std::size_t bytesOf(const swf::Shape& shape)
+{
+    std::size_t sum = sizeof(swf::Shape);
+    for (const swf::ShapeLayer& layer : shape.layers) {
+        sum += sizeof layer + layer.fills.size() * sizeof(swf::FillStyle) +
+               layer.lines.size() * sizeof(swf::LineStyle);
+        for (const swf::EdgeRun& run : layer.runs) sum += sizeof run + run.edges.size() * sizeof(swf::Edge);
+    }
+    return sum;
+}
+
+} // namespace
+
 Canvas::Canvas(SurfaceView target, Quality quality, RenderCache& cache)
     : m_impl(std::make_unique<Impl>(target, quality, cache))
 {
@@ -19,14 +36,29 @@ Canvas::Canvas(SurfaceView target, Quality quality, RenderCache& cache)
 
 Canvas::~Canvas() = default;
 
-void Canvas::setPixelScale(double scale) { m_impl->m_pixelScale = scale; }
+void Canvas::setPixelScale(double scale)
+{
+    if (m_recording) {
+        m_recording->setPixelScale(scale);
+        return m_recording->add([=](Canvas& to) { to.setPixelScale(scale); });
+    }
+    m_impl->m_pixelScale = scale;
+}
 
-void Canvas::setClip(const IntRect& clip) { m_impl->m_clip = intersect(clip, m_impl->m_target.bounds()); }
+void Canvas::setClip(const IntRect& clip)
+{
+    if (m_recording) {
+        m_recording->setClip(clip);
+        return m_recording->add([=](Canvas& to) { to.setClip(clip); });
+    }
+    m_impl->setClip(clip);
+}
 
-IntRect Canvas::clip() const { return m_impl->clip(); }
+IntRect Canvas::clip() const { return m_recording ? m_recording->clip() : m_impl->clip(); }
 
 void Canvas::clear(swf::Rgba color)
 {
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.clear(color); });
     const IntRect area = clip();
     m_impl->m_isStage = color.a == 255;
     const std::uint32_t pixel = premultiply(color);
@@ -43,28 +75,58 @@ void Canvas::clear(swf::Rgba color)
 void Canvas::drawShape(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& toDevice,
                        const swf::ColorTransform& color)
 {
-    if (shape != nullptr) m_impl->drawShape(*shape, &shape, toDevice, color);
+    if (shape == nullptr) return;
+    if (m_recording && m_recording->isFull()) drawKept();
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.drawShape(shape, toDevice, color); });
+    m_impl->drawShape(*shape, &shape, toDevice, color);
 }
 
 void Canvas::drawShape(const swf::Shape& shape, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
+    if (m_recording) {
+        const auto copy = std::make_shared<const swf::Shape>(shape);
+        m_recording->add([=](Canvas& to) { to.drawShape(*copy, toDevice, color); }, bytesOf(shape));
+        if (m_recording->isFull()) drawKept();
+        return;
+    }
     m_impl->drawShape(shape, nullptr, toDevice, color);
 }
 
 void Canvas::drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba color)
 {
+    if (m_recording) {
+        return m_recording->add([copy = std::vector<GlyphPlacement>(glyphs.begin(), glyphs.end()),
+                                 color](Canvas& to) { to.drawGlyphs(copy, color); });
+    }
     m_impl->drawGlyphs(glyphs, color);
 }
 
 void Canvas::drawBitmap(const swf::Bitmap& bitmap, const swf::Matrix& toDevice,
                         const swf::ColorTransform& color, Smoothing smoothing)
 {
+    if (m_recording) {
+        const auto copy = std::make_shared<const swf::Bitmap>(bitmap);
+        m_recording->add([=](Canvas& to) { to.drawBitmap(*copy, toDevice, color, smoothing); },
+                         bitmap.pixels.size() * sizeof(std::uint32_t));
+        if (m_recording->isFull()) drawKept();
+        return;
+    }
     m_impl->drawPixels(pixelSource(bitmap), toDevice, color, smoothing);
+}
+
+void Canvas::drawBitmap(const std::shared_ptr<const swf::Bitmap>& bitmap, const swf::Matrix& toDevice,
+                        const swf::ColorTransform& color, Smoothing smoothing)
+{
+    if (bitmap == nullptr) return;
+    if (m_recording)
+        return m_recording->add([=](Canvas& to) { to.drawBitmap(*bitmap, toDevice, color, smoothing); });
+    m_impl->drawPixels(pixelSource(*bitmap), toDevice, color, smoothing);
 }
 
 void Canvas::fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.fillRect(twips, toDevice, color); });
     const std::array corners{toDevice.map(twips.xMin, twips.yMin), toDevice.map(twips.xMax, twips.yMin),
                              toDevice.map(twips.xMax, twips.yMax), toDevice.map(twips.xMin, twips.yMax)};
     m_impl->fillPolygon(corners, color);
@@ -73,23 +135,27 @@ void Canvas::fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::
 void Canvas::fillBox(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.fillBox(twips, toDevice, color); });
     if (const auto box = Impl::snappedBox(twips, toDevice))
         m_impl->fillDeviceRect(*box, color);
     else
         fillRect(twips, toDevice, color);
 }
 
-bool Canvas::buildsMask() const { return m_impl->buildsMask(); }
+bool Canvas::buildsMask() const { return m_recording ? m_recording->buildsMask() : m_impl->buildsMask(); }
 
 void Canvas::strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color,
                         LastCorner corner)
 {
+    if (m_recording)
+        return m_recording->add([=](Canvas& to) { to.strokeRect(twips, toDevice, color, corner); });
     m_impl->strokeRect(twips, toDevice, color, corner);
 }
 
 void Canvas::strokeInside(swf::Point min, swf::Point max, double width, swf::Rgba color)
 {
     if (!(min.x < max.x && min.y < max.y)) return;
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.strokeInside(min, max, width, color); });
     const double across = std::min({width, (max.x - min.x) / 2, (max.y - min.y) / 2});
     const double left = min.x + across, right = max.x - across;
     const double top = min.y + across, bottom = max.y - across;
@@ -110,6 +176,7 @@ void Canvas::strokeInside(swf::Point min, swf::Point max, double width, swf::Rgb
 void Canvas::invertRect(const swf::Rect& twips, const swf::Matrix& toDevice)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.invertRect(twips, toDevice); });
     const swf::Point a = toDevice.map(twips.xMin, twips.yMin), b = toDevice.map(twips.xMax, twips.yMax);
     // At least a pixel wide, so that a thin caret does not vanish between two.
     const auto left = static_cast<int>(std::lround(std::clamp(std::min(a.x, b.x), -1e8, 1e8)));
@@ -117,21 +184,6 @@ void Canvas::invertRect(const swf::Rect& twips, const swf::Matrix& toDevice)
     const auto right = static_cast<int>(std::lround(std::clamp(std::max(a.x, b.x), -1e8, 1e8)));
     const auto bottom = static_cast<int>(std::lround(std::clamp(std::max(a.y, b.y), -1e8, 1e8)));
     m_impl->invertRect({left, top, std::max(right, left + 1), std::max(bottom, top + 1)});
-}
-
-void Canvas::beginMask(MaskKind kind) { m_impl->beginMask(kind); }
-void Canvas::endMask() { m_impl->endMask(); }
-void Canvas::popMask() { m_impl->popMask(); }
-
-void Canvas::beginLayer(const IntRect& deviceBounds, std::span<const swf::Filter> filters)
-{
-    m_impl->beginLayer(deviceBounds, filters);
-}
-
-void Canvas::endLayer(swf::BlendMode blend, const swf::ColorTransform& color,
-                      std::span<const swf::Filter> filters)
-{
-    m_impl->endLayer(blend, color, filters);
 }
 
 std::unique_ptr<Canvas> Canvas::companion(SurfaceView target) const

@@ -5,6 +5,7 @@
 #include "flash/swf/Movie.h"
 
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace flash::render
@@ -21,6 +22,8 @@ enum class Smoothing { Off, On };
 /// Opaque: whatever is drawn covers, however transparent its paint (the usual mask of a clip). Alpha: the
 /// alpha of what is drawn counts (mask and masked clip both cached as bitmaps).
 enum class MaskKind { Opaque, Alpha };
+
+class Recording;
 
 /// One glyph of a run: its outline and where it goes.
 struct GlyphPlacement {
@@ -46,6 +49,13 @@ public:
     ~Canvas();
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
+
+    /// What is drawn between these two is a frame: the cache may divide it between two threads if such frames
+    /// take long, see RenderCache::setSecondThread(). Then all calls between are kept and nothing is drawn
+    /// before the end, so that bitmaps must stay as they are until then; those given by reference are copied.
+    /// Without an end the frame is lost.
+    void beginFrame();
+    void endFrame();
 
     /// Device pixels to a pixel of the stage, 1 at first. Strokes that do not scale with their object still
     /// scale with this.
@@ -74,6 +84,9 @@ public:
 
     /// @param toDevice bitmap pixels to device pixels
     void drawBitmap(const swf::Bitmap& bitmap, const swf::Matrix& toDevice,
+                    const swf::ColorTransform& color = {}, Smoothing smoothing = Smoothing::Off);
+
+    void drawBitmap(const std::shared_ptr<const swf::Bitmap>& bitmap, const swf::Matrix& toDevice,
                     const swf::ColorTransform& color = {}, Smoothing smoothing = Smoothing::Off);
 
     void fillRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color);
@@ -119,8 +132,12 @@ public:
     static constexpr long long kMaxLayerPixels = 16LL << 20;
 
 private:
+    void drawKept();
+
     class Impl;
     std::unique_ptr<Impl> m_impl;
+    std::unique_ptr<Recording> m_recording; ///< of a frame that two threads will draw
+    std::optional<double> m_frameStart;     ///< of a frame that is drawn at once
 };
 
 /// The device pixels that a rectangle in twips can touch, with one pixel more all around for edge smoothing

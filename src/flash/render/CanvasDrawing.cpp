@@ -86,6 +86,7 @@ Destination Canvas::Impl::destination()
     Destination to;
     to.coverage = coverageOf(m_quality);
     to.clip = clip();
+    to.whole = wholeClip();
     const Mask* mask = currentMask();
     if (mask != nullptr && !mask->isRectangle()) to.mask = mask;
     to.target = m_target;
@@ -189,7 +190,9 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
     for (std::size_t i = 0; i < flat->layers.size(); ++i) {
         guard::check(static_cast<std::uint32_t>(1 + to.clip.height() / kRowsPerStep));
         const swf::ShapeLayer& layer = shape.layers[i];
-        if (!flat->layers[i].runs.empty()) {
+        const Stamp* stamp = next.stamp;
+        if (stamp != nullptr && !flat->layers[i].runs.empty()) ++next.stamp;
+        if (OutlineDrawer::reach(to.coverage, flat->layers[i], toDevice).intersects(to.clip)) {
             std::vector<StylePaint>& styles = m_drawer.styles();
             styles.clear();
             for (std::size_t n = 0; n < layer.fills.size(); ++n) {
@@ -202,8 +205,8 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
                     ramp = m_cache.impl().ramp(*owner, i, n, color);
                 styles.push_back(stylePaint(layer.fills[n], toDevice, color, std::move(ramp)));
             }
-            if (next.stamp != nullptr)
-                m_drawer.stamp(to, *next.stamp++, next.dx, next.dy);
+            if (stamp != nullptr)
+                m_drawer.stamp(to, *stamp, next.dx, next.dy);
             else
                 m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(shape));
         }
@@ -266,7 +269,7 @@ bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph,
         if (bounds.width() > kMax || bounds.height() > kMax) return false;
         Mask made = emptyMask(bounds);
         Destination into;
-        into.clip = bounds;
+        into.clip = into.whole = bounds;
         into.building = &made;
         for (const FlatLayer& layer : flat->layers)
             m_drawer.silhouette(into, layer, near, fillRuleOf(*glyph.outline));

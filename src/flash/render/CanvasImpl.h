@@ -6,6 +6,7 @@
 #include "flash/render/Paint.h"
 #include "flash/render/RenderCacheImpl.h"
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <span>
@@ -26,7 +27,7 @@ struct CanvasFrame {
     IntRect bounds; // device pixels of surface or mask
     Surface surface;
     Mask mask;
-    IntRect clipBefore;
+    IntRect clipBefore, wholeBefore;
     std::size_t firstMaskBefore = 0;
 };
 
@@ -48,6 +49,10 @@ public:
         const Mask* mask = currentMask();
         return mask == nullptr ? m_clip : intersect(m_clip, mask->bounds);
     }
+
+    void setClip(const IntRect& clip);
+    /// Only these rows are drawn, as if there were all. Bottom is outside.
+    void setBand(int top, int bottom);
 
     void drawShape(const swf::Shape& shape, const std::shared_ptr<const swf::Shape>* owner,
                    const swf::Matrix& toDevice, const swf::ColorTransform& color);
@@ -76,7 +81,7 @@ public:
     Target m_target;
     Quality m_quality;
     RenderCache& m_cache;
-    IntRect m_clip;
+    IntRect m_clip, m_whole; ///< the second as it would be if there was no band; the same columns
     double m_pixelScale = 1;
     bool m_isStage = false; // see Canvas::clear()
 
@@ -84,6 +89,15 @@ private:
     [[nodiscard]] const Mask* currentMask() const
     {
         return m_masks.size() > m_firstMask ? &m_masks.back() : nullptr;
+    }
+    [[nodiscard]] IntRect wholeClip() const
+    {
+        const Mask* mask = currentMask();
+        return mask == nullptr ? m_whole : intersect(m_whole, mask->bounds);
+    }
+    [[nodiscard]] IntRect inBand(const IntRect& rect) const
+    {
+        return intersect(rect, {rect.left, m_bandTop, rect.right, m_bandBottom});
     }
     // The innermost frame that takes what is drawn; null for the surface itself.
     [[nodiscard]] Frame* receiver()
@@ -120,10 +134,11 @@ private:
                                                  const WholePixels& whole);
     bool layLetter(const Destination& to, const GlyphPlacement& glyph, std::uint32_t pixel);
     void setSingleStyle(StylePaint paint);
-    void pushFrame(Frame::Kind kind, const IntRect& bounds);
+    void pushFrame(Frame::Kind kind, const IntRect& bounds, const IntRect& whole);
     Frame popFrame();
 
     OutlineDrawer& m_drawer;
+    int m_bandTop = std::numeric_limits<int>::min(), m_bandBottom = std::numeric_limits<int>::max();
     std::vector<Frame> m_frames;
     std::vector<Mask> m_masks; // each already cut by those before it
     std::vector<std::uint8_t> m_letterRow;

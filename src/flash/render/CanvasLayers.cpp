@@ -4,6 +4,7 @@
 #include "flash/render/Compose.h"
 #include "flash/render/Filters.h"
 #include "flash/render/Pixel.h"
+#include "flash/render/Recording.h"
 #include "flash/render/ShaderRun.h"
 
 #include <algorithm>
@@ -32,17 +33,31 @@ void replaceRow(std::uint32_t* to, const std::uint32_t* from, const std::uint8_t
 } // namespace
 
 Canvas::Impl::Impl(SurfaceView target, Quality quality, RenderCache& cache)
-    : m_target{target, 0, 0}, m_quality(quality), m_cache(cache), m_clip(target.bounds()),
+    : m_target{target, 0, 0}, m_quality(quality), m_cache(cache), m_clip(target.bounds()), m_whole(m_clip),
       m_drawer(cache.impl().drawer())
 {
 }
 
-void Canvas::Impl::pushFrame(Frame::Kind kind, const IntRect& bounds)
+void Canvas::Impl::setClip(const IntRect& clip)
+{
+    m_whole = intersect(clip, m_target.bounds());
+    m_clip = inBand(m_whole);
+}
+
+void Canvas::Impl::setBand(int top, int bottom)
+{
+    m_bandTop = top;
+    m_bandBottom = bottom;
+    m_clip = inBand(m_whole);
+}
+
+void Canvas::Impl::pushFrame(Frame::Kind kind, const IntRect& bounds, const IntRect& whole)
 {
     Frame frame;
     frame.kind = kind;
     frame.bounds = bounds;
     frame.clipBefore = m_clip;
+    frame.wholeBefore = m_whole;
     frame.firstMaskBefore = m_firstMask;
     switch (kind) {
     case Frame::Kind::Layer:
@@ -53,6 +68,7 @@ void Canvas::Impl::pushFrame(Frame::Kind kind, const IntRect& bounds)
     m_frames.push_back(std::move(frame));
     if (kind == Frame::Kind::Ignored) return;
     m_clip = bounds;
+    m_whole = whole;
     m_firstMask = m_masks.size();
 }
 
@@ -62,13 +78,16 @@ CanvasFrame Canvas::Impl::popFrame()
     m_frames.pop_back();
     assert(frame.kind == Frame::Kind::Ignored || m_masks.size() == m_firstMask);
     m_clip = frame.clipBefore;
+    m_whole = frame.wholeBefore;
     m_firstMask = frame.firstMaskBefore;
     return frame;
 }
 
 void Canvas::Impl::beginMask(MaskKind kind)
 {
-    pushFrame(kind == MaskKind::Alpha ? Frame::Kind::AlphaMask : Frame::Kind::Mask, clip());
+    // Whole in any band: what a mask is like depends on all of it.
+    const IntRect all = wholeClip();
+    pushFrame(kind == MaskKind::Alpha ? Frame::Kind::AlphaMask : Frame::Kind::Mask, all, all);
 }
 
 void Canvas::Impl::endMask()
@@ -97,16 +116,15 @@ void Canvas::Impl::popMask()
 void Canvas::Impl::beginLayer(const IntRect& deviceBounds, std::span<const swf::Filter> filters)
 {
     if (const Frame* frame = receiver(); frame != nullptr && frame->kind == Frame::Kind::Mask) {
-        pushFrame(Frame::Kind::Ignored, {});
+        pushFrame(Frame::Kind::Ignored, {}, {});
         return;
     }
-    const Growth growth = filterGrowth(filters, m_pixelScale);
-    // What lies outside the clip is needed as far as the filters carry it inside.
-    const Growth reach{growth.right, growth.bottom, growth.left, growth.top};
-    IntRect bounds = grown(deviceBounds, growth);
-    if (!needsWhole(filters)) bounds = intersect(bounds, grown(grown(clip(), reach), growth));
-    if (1LL * bounds.width() * bounds.height() > kMaxLayerPixels) bounds = {};
-    pushFrame(Frame::Kind::Layer, bounds);
+    IntRect whole = layerBounds(deviceBounds, wholeClip(), filters, m_pixelScale);
+    if (1LL * whole.width() * whole.height() > kMaxLayerPixels) whole = {};
+    // A band leaves out rows, no columns.
+    const IntRect part =
+        clip() == wholeClip() ? whole : layerBounds(deviceBounds, clip(), filters, m_pixelScale);
+    pushFrame(Frame::Kind::Layer, intersect(whole, {whole.left, part.top, whole.right, part.bottom}), whole);
 }
 
 void Canvas::Impl::endLayer(swf::BlendMode blend, const swf::ColorTransform& color,

@@ -92,7 +92,7 @@ std::shared_ptr<const StampedShape> Canvas::Impl::stampsOf(const std::shared_ptr
     const auto part = [&](const auto& draw) {
         const IntRect& reach = m_reaches[made->parts.size()];
         StampSink sink(made->parts.emplace_back(reach), whole.dx, whole.dy);
-        into.clip = moved(reach, whole.dx, whole.dy);
+        into.clip = into.whole = moved(reach, whole.dx, whole.dy);
         into.stamp = &sink;
         draw();
     };

@@ -208,6 +208,22 @@ Growth filterGrowth(std::span<const swf::Filter> filters, double scale)
     return sum;
 }
 
+Growth filterReach(std::span<const swf::Filter> filters, double scale)
+{
+    Growth sum;
+    for (swf::Filter filter : filters) {
+        std::visit(
+            [](auto& f) {
+                if constexpr (requires { f.inner; }) f.inner = false;
+                if constexpr (requires { f.preserveAlpha; }) f.preserveAlpha = false;
+            },
+            filter);
+        const Growth g = filterGrowth(filter, scale);
+        sum = {sum.left + g.right, sum.top + g.bottom, sum.right + g.left, sum.bottom + g.top};
+    }
+    return sum;
+}
+
 IntRect grown(const IntRect& rect, const Growth& growth)
 {
     if (rect.isEmpty()) return {};

@@ -18,6 +18,9 @@ struct Growth {
 Growth filterGrowth(const swf::Filter& filter, double scale = 1);
 /// Of a whole chain: the sum.
 Growth filterGrowth(std::span<const swf::Filter> filters, double scale = 1);
+/// How far from a pixel the source may lie that decides about it, in the chain as a whole: filters that only
+/// act within what they filter look beyond it, too.
+Growth filterReach(std::span<const swf::Filter> filters, double scale = 1);
 IntRect grown(const IntRect& rect, const Growth& growth);
 
 /// Applies a filter in place. The surface must already have room for the result: pixels that would fall

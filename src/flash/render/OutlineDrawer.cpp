@@ -65,19 +65,35 @@ void uniteInto(Mask& building, const Mask& part)
                       static_cast<std::size_t>(part.bounds.width()));
 }
 
+// Lets rows of a band through.
+class BandSink final : public SpanSink
+{
+public:
+    BandSink(SpanSink& to, int top, int bottom) : m_to(to), m_top(top), m_bottom(bottom) {}
+    void row(int y, std::span<const StyleSpan> spans) override
+    {
+        if (y >= m_top && y < m_bottom) m_to.row(y, spans);
+    }
+
+private:
+    SpanSink& m_to;
+    int m_top, m_bottom;
+};
+
 } // namespace
 
 // A layer so rich that its cells do not fit is converted in parts, from above.
+// @param wholeHeight of what the area is a band of
 template <class Feed>
-void OutlineDrawer::convertPart(const Destination& to, const IntRect& area, FillRule rule, const Feed& feed,
-                                SpanSink& sink)
+void OutlineDrawer::convertPart(const Destination& to, const IntRect& area, int wholeHeight, FillRule rule,
+                                const Feed& feed, SpanSink& sink)
 {
-    m_converter.begin(area, to.coverage, static_cast<std::uint32_t>(styles().size()));
+    m_converter.begin(area, to.coverage, static_cast<std::uint32_t>(styles().size()), wholeHeight);
     feed(area);
     if (m_converter.isOverfull() && area.height() > 1) {
         const int middle = area.top + area.height() / 2;
-        convertPart(to, {area.left, area.top, area.right, middle}, rule, feed, sink);
-        convertPart(to, {area.left, middle, area.right, area.bottom}, rule, feed, sink);
+        convertPart(to, {area.left, area.top, area.right, middle}, middle - area.top, rule, feed, sink);
+        convertPart(to, {area.left, middle, area.right, area.bottom}, area.bottom - middle, rule, feed, sink);
         return;
     }
     m_converter.sweep(rule, sink);
@@ -89,22 +105,29 @@ void OutlineDrawer::convert(const Destination& to, const IntRect& bounds, FillRu
     const IntRect area = intersect(to.clip, bounds);
     if (area.isEmpty()) return;
     if (to.stamp != nullptr) {
-        convertPart(to, area, rule, feed, *to.stamp);
+        convertPart(to, area, area.height(), rule, feed, *to.stamp);
         return;
     }
     if (to.building == nullptr) {
         m_painter.setTarget(to.target, to.mask);
-        convertPart(to, area, rule, feed, m_painter);
+        const IntRect whole = intersect(to.whole, bounds);
+        // Where lines are cut matters a little to those that lie anywhere.
+        if (to.coverage == Coverage::Exact && whole != area) {
+            BandSink sink(m_painter, area.top, area.bottom);
+            convertPart(to, whole, whole.height(), rule, feed, sink);
+        } else {
+            convertPart(to, area, whole.height(), rule, feed, m_painter);
+        }
         return;
     }
     if (to.mask == nullptr) {
         MaskSink sink(*to.building);
-        convertPart(to, area, rule, feed, sink);
+        convertPart(to, area, area.height(), rule, feed, sink);
         return;
     }
     Mask part = emptyMask(area);
     MaskSink sink(part);
-    convertPart(to, area, rule, feed, sink);
+    convertPart(to, area, area.height(), rule, feed, sink);
     intersectMask(part, *to.mask);
     uniteInto(*to.building, part);
 }

@@ -16,6 +16,7 @@ namespace flash::render
 struct Destination {
     Target target;
     IntRect clip;               ///< within the target and the mask
+    IntRect whole;              ///< the clip with all rows, of which it may be a band
     const Mask* mask = nullptr; ///< null for none; never a plain rectangle, which the clip stands for
     Mask* building = nullptr;   ///< not null: coverage is added here, nothing is painted
     Coverage coverage = Coverage::Exact;
@@ -54,8 +55,8 @@ private:
     template <class Feed>
     void convert(const Destination& to, const IntRect& bounds, FillRule rule, const Feed& feed);
     template <class Feed>
-    void convertPart(const Destination& to, const IntRect& area, FillRule rule, const Feed& feed,
-                     SpanSink& sink);
+    void convertPart(const Destination& to, const IntRect& area, int wholeHeight, FillRule rule,
+                     const Feed& feed, SpanSink& sink);
 
     ScanConverter m_converter;
     SpanPainter m_painter;

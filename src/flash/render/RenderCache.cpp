@@ -1,5 +1,6 @@
 #include "flash/render/RenderCache.h"
 
+#include "flash/render/Bands.h"
 #include "flash/render/RenderCacheImpl.h"
 
 #include <algorithm>
@@ -152,10 +153,21 @@ std::shared_ptr<const GradientRamp> RenderCache::Impl::ramp(const std::shared_pt
     return ramp;
 }
 
-RenderCache::RenderCache(std::size_t budgetBytes) : m_impl(std::make_unique<Impl>(budgetBytes)) {}
+RenderCache::RenderCache(std::size_t budgetBytes)
+    : m_impl(std::make_unique<Impl>(budgetBytes)), m_budget(budgetBytes)
+{
+}
 RenderCache::~RenderCache() = default;
 RenderCache::RenderCache(RenderCache&&) noexcept = default;
 RenderCache& RenderCache::operator=(RenderCache&&) noexcept = default;
 std::size_t RenderCache::usedBytes() const { return m_impl->usedBytes(); }
+
+void RenderCache::setSecondThread(SecondThread when)
+{
+    if (when == m_secondThread) return;
+    m_secondThread = when;
+    m_bands.reset();
+    if (when != SecondThread::Never) m_bands = std::make_unique<Bands>(when, m_budget / 2);
+}
 
 } // namespace flash::render

@@ -24,7 +24,7 @@ double bounded(double value)
 
 } // namespace
 
-void ScanConverter::begin(const IntRect& clip, Coverage coverage, std::uint32_t styles)
+void ScanConverter::begin(const IntRect& clip, Coverage coverage, std::uint32_t styles, int wholeHeight)
 {
     // Left over when a conversion was given up.
     if (m_firstRow <= m_lastRow) m_sparse.drop(m_firstRow, m_lastRow);
@@ -33,7 +33,7 @@ void ScanConverter::begin(const IntRect& clip, Coverage coverage, std::uint32_t 
     m_firstRow = clip.height();
     m_lastRow = -1;
     m_kind = Kind::Sparse;
-    if (m_dense.suits(clip.width(), clip.height(), styles))
+    if (m_dense.suits(clip.width(), std::max(clip.height(), wholeHeight), styles))
         m_kind = coverage == Coverage::Grid4 ? Kind::Quarters : Kind::Dense;
     switch (m_kind) {
     case Kind::Sparse: m_sparse.begin(clip.width(), clip.height()); break;

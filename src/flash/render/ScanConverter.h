@@ -32,7 +32,8 @@ public:
     /// Starts over.
     /// @param clip   lines are needed for these pixels only
     /// @param styles the highest style number
-    void begin(const IntRect& clip, Coverage coverage, std::uint32_t styles);
+    /// @param wholeHeight of what the clip is a band of, if it is one: the way of collecting depends on that
+    void begin(const IntRect& clip, Coverage coverage, std::uint32_t styles, int wholeHeight = 0);
 
     /// Styles of the lines that follow, 0 for none. Which one is called left does not matter, as long as it
     /// is always the same side with regard to the direction of travel.

@@ -175,7 +175,7 @@ bool BitmapNode::hitsShape(swf::Point stagePoint)
 void BitmapNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
     if (!m_bitmap || m_bitmap->width == 0) return;
-    canvas.drawBitmap(*m_bitmap, scaledBy(toDevice, swf::kTwipsPerPixel), color,
+    canvas.drawBitmap(m_bitmap, scaledBy(toDevice, swf::kTwipsPerPixel), color,
                       m_smooth ? render::Smoothing::On : render::Smoothing::Off);
 }
 
@@ -218,7 +218,7 @@ void VideoNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
     if (!m_picture || m_picture->width == 0 || m_picture->height == 0) return;
     const swf::Matrix fit{static_cast<double>(m_stream.width) / m_picture->width,   0, 0,
                           static_cast<double>(m_stream.height) / m_picture->height, 0, 0};
-    canvas.drawBitmap(*m_picture, scaledBy(toDevice, swf::kTwipsPerPixel) * fit, color,
+    canvas.drawBitmap(m_picture, scaledBy(toDevice, swf::kTwipsPerPixel) * fit, color,
                       m_smoothing ? render::Smoothing::On : render::Smoothing::Off);
 }
 

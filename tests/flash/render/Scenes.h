@@ -25,7 +25,6 @@ public:
     void draw(Canvas& canvas, int width, int height, int time) const
     {
         canvas.clear({230, 230, 240, 255});
-        const std::vector<swf::Filter> blur{swf::BlurFilter{5, 3, 2}};
         for (std::size_t i = 0; i < m_shapes.size(); ++i) {
             const int n = static_cast<int>(i);
             const swf::Matrix place = at(n, width, height, time);
@@ -40,10 +39,13 @@ public:
                 canvas.popMask();
                 break;
             case 3:
-                canvas.beginLayer(deviceBounds(m_shapes[i]->bounds, place), blur);
+            case 7: {
+                const auto filters = filtersOf(n / 4);
+                canvas.beginLayer(deviceBounds(m_shapes[i]->bounds, place), filters);
                 canvas.drawShape(m_shapes[i], place, color);
-                canvas.endLayer(swf::BlendMode::Multiply, {}, blur);
+                canvas.endLayer(n % 8 == 3 ? swf::BlendMode::Multiply : swf::BlendMode::Normal, {}, filters);
                 break;
+            }
             case 4:
                 canvas.beginMask(MaskKind::Alpha);
                 canvas.drawShape(m_shapes[(i + 1) % m_shapes.size()], place, {.alphaMul = 180});
@@ -71,6 +73,21 @@ public:
     }
 
 private:
+    static std::vector<swf::Filter> filtersOf(int n)
+    {
+        const swf::Rgba dark{0, 0, 60, 255}, light{255, 255, 200, 255};
+        switch (n % 6) {
+        case 0: return {swf::BlurFilter{5, 3, 2}};
+        case 1: return {swf::DropShadowFilter{dark, 6, 9, 1, 7, 1.5, true}};
+        case 2: return {swf::GlowFilter{light, 9, 9, 2, true}, swf::BlurFilter{2, 2, 1}};
+        case 3: return {swf::BevelFilter{light, dark, 5, 5, 2, 6, 1, true}};
+        case 4:
+            return {swf::ConvolutionFilter{3, 5, 15, 0, std::vector<double>(15, 1), dark, true, true},
+                    swf::DropShadowFilter{dark, 3, 3, -2, 11, 1}};
+        default: return {swf::GradientFilter{true, {{0, light}, {255, dark}}, 7, 7, 1, 5, 1, true}};
+        }
+    }
+
     double part() { return std::uniform_real_distribution<double>(0, 1)(m_random); }
 
     [[nodiscard]] static swf::Matrix at(int n, int width, int height, int time)
