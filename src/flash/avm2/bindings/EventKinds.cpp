@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/EventKinds.h"
 
 #include "flash/avm2/bindings/Fields.h"
+#include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/classes/Library.h"
 
 #include <array>
@@ -68,7 +69,16 @@ Value constructTagData(Call& call)
     return {};
 }
 
-constexpr NativeMember kUpdates[] = {{"updateAfterEvent", Kind::Method, &updateAfterEvent, 0, 0}};
+// Where on the stage something happened that names a place of its target.
+constexpr NativeMember kPlaced[] = {
+    {"stageX", Kind::Getter, &interactive::stageX, 0, 0, nullptr, "Number"},
+    {"stageY", Kind::Getter, &interactive::stageY, 0, 0, nullptr, "Number"},
+    {"updateAfterEvent", Kind::Method, &updateAfterEvent, 0, 0},
+};
+constexpr NativeMember kTapPlaced[] = {
+    {"tapStageX", Kind::Getter, &interactive::tapStageX, 0, 0, nullptr, "Number"},
+    {"tapStageY", Kind::Getter, &interactive::tapStageY, 0, 0, nullptr, "Number"},
+};
 constexpr NativeMember kFilterMembers[] = {{"toString", Kind::Method, &filterToString, 0, 0}};
 
 using C = NativeConstant;
@@ -166,7 +176,8 @@ constexpr C kClipboardTransferMode[] = {{"CLONE_ONLY", 0, "cloneOnly"},
                                         {"ORIGINAL_PREFERRED", 0, "originalPreferred"}};
 
 constexpr NativeClass gesture(std::string_view name, std::string_view slots,
-                              std::span<const NativeConstant> constants)
+                              std::span<const NativeConstant> constants,
+                              std::span<const NativeMember> members = {})
 {
     return {.package = "flash.events",
             .name = name,
@@ -175,6 +186,7 @@ constexpr NativeClass gesture(std::string_view name, std::string_view slots,
             .constructor = &constructGesture,
             .minArguments = 1,
             .maxArguments = -1,
+            .members = members,
             .constants = constants,
             .slots = slots};
 }
@@ -215,16 +227,17 @@ constexpr NativeClass kClasses[] = {
     eventClass("TouchEvent",
                "touchPointID:int isPrimaryTouchPoint:Boolean localX:Number=nan localY:Number=nan "
                "sizeX:Number=nan sizeY:Number=nan pressure:Number=nan relatedObject:* "
-               "ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
-               kTouchEvent, kUpdates),
+               "ctrlKey:Boolean altKey:Boolean shiftKey:Boolean isRelatedObjectInaccessible:Boolean",
+               kTouchEvent, kPlaced),
     eventClass("GestureEvent",
                "phase:String localX:Number localY:Number ctrlKey:Boolean altKey:Boolean "
                "shiftKey:Boolean",
-               kGestureEvent, kUpdates),
+               kGestureEvent, kPlaced),
     gesture("TransformGestureEvent",
             "scaleX:Number=1 scaleY:Number=1 rotation:Number offsetX:Number offsetY:Number",
             kTransformGestureEvent),
-    gesture("PressAndTapGestureEvent", "tapLocalX:Number tapLocalY:Number", kPressAndTapGestureEvent),
+    gesture("PressAndTapGestureEvent", "tapLocalX:Number tapLocalY:Number", kPressAndTapGestureEvent,
+            kTapPlaced),
     eventClass("ShaderEvent", "bitmapData:* byteArray:* vector:*", kShaderEvent),
     eventClass("SyncEvent", "changeList:*", kSyncEvent),
     eventClass("NetDataEvent", "timestamp:Number info:*", kNetDataEvent),
@@ -241,9 +254,9 @@ constexpr NativeClass kClasses[] = {
     eventClass("GameInputEvent", "device:*", kGameInputEvent),
     eventClass("SoftKeyboardEvent", "relatedObject:* triggerType:String", kSoftKeyboardEvent),
     eventClass("StageVideoAvailabilityEvent", "availability:String", kStageVideoAvailabilityEvent),
-    eventClass("StageVideoEvent", "status:String colorSpace:String", kStageVideoEvent),
-    eventClass("VideoEvent", "status:String", kVideoEvent),
-    eventClass("VideoTextureEvent", "status:String colorSpace:String", kVideoTextureEvent),
+    eventClass("StageVideoEvent", "status:String colorSpace:String codecInfo:String", kStageVideoEvent),
+    eventClass("VideoEvent", "status:String codecInfo:String", kVideoEvent),
+    eventClass("VideoTextureEvent", "status:String colorSpace:String codecInfo:String", kVideoTextureEvent),
     eventClass("ThrottleEvent", "state:String targetFrameRate:Number", kThrottleEvent),
     constantsOf("flash.display", "ActionScriptVersion", kActionScriptVersion),
     constantsOf("flash.display", "ColorCorrection", kColorCorrection),

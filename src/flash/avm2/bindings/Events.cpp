@@ -326,7 +326,8 @@ constexpr NativeClass kClasses[] = {
      .interfaces = "flash.events::IEventDispatcher"},
     eventClass("MouseEvent",
                "localX:Number=nan localY:Number=nan relatedObject:* ctrlKey:Boolean altKey:Boolean "
-               "shiftKey:Boolean buttonDown:Boolean delta:int",
+               "shiftKey:Boolean buttonDown:Boolean delta:int isRelatedObjectInaccessible:Boolean "
+               "movementX:Number movementY:Number",
                kMouseConstants, kMouseMembers),
     eventClass("KeyboardEvent",
                "charCode:uint keyCode:uint keyLocation:uint ctrlKey:Boolean altKey:Boolean shiftKey:Boolean",
@@ -338,14 +339,18 @@ constexpr NativeClass kClasses[] = {
     eventClass("IOErrorEvent", "", kIoConstants, {}, "flash.events::ErrorEvent"),
     eventClass("SecurityErrorEvent", "", kSecurityConstants, {}, "flash.events::ErrorEvent"),
     eventClass("AsyncErrorEvent", "error:*", kAsyncConstants, {}, "flash.events::ErrorEvent"),
-    eventClass("FocusEvent", "relatedObject:* shiftKey:Boolean keyCode:uint direction:String",
+    eventClass("FocusEvent",
+               "relatedObject:* shiftKey:Boolean keyCode:uint direction:String "
+               "isRelatedObjectInaccessible:Boolean",
                kFocusConstants),
-    eventClass("HTTPStatusEvent", "status:int redirected:Boolean responseURL:String", kHttpConstants),
+    eventClass("HTTPStatusEvent", "status:int redirected:Boolean responseURL:String responseHeaders:*",
+               kHttpConstants),
     eventClass("NetStatusEvent", "info:*", kNetConstants),
     eventClass("DataEvent", "data:String=", kDataConstants, {}, "flash.events::TextEvent"),
     eventClass("SampleDataEvent", "position:Number data:*", kSampleConstants),
     eventClass("FullScreenEvent", "fullScreen:Boolean interactive:Boolean", kScreenConstants),
-    eventClass("ContextMenuEvent", "mouseTarget:* contextMenuOwner:*", kMenuConstants),
+    eventClass("ContextMenuEvent", "mouseTarget:* contextMenuOwner:* isMouseTargetInaccessible:Boolean",
+               kMenuConstants),
     eventClass("ActivityEvent", "activating:Boolean", kActivityConstants),
     eventClass("StatusEvent", "code:String level:String", kStatusConstants),
 };

@@ -6,6 +6,7 @@
 #include "flash/stage/TextField.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace flash::avm2
 {
@@ -160,14 +161,21 @@ void Input::fireMouse(std::string_view type, DisplayObject& target, DisplayObjec
     const swf::Point point = m_player.stage().pointer().position();
     const swf::Point local = target.isStage ? point : target.node().toStageAt(point).inverted().map(point);
     constexpr double kTwips = swf::kTwipsPerPixel;
+    constexpr std::uint32_t kMovementX = 9; // of the event's slots
     Root<DisplayObject> keep(vm.heap(), &target);
     const auto tell = [&](DispatcherObject& hearer) {
-        fireWith(vm, hearer, "flash.events::MouseEvent", type,
-                 {Value(local.x / kTwips), Value(local.y / kTwips),
-                  related != nullptr ? Value(related) : Value::null(), Value(isDown(kControl)),
-                  Value(isDown(kAlternate)), Value(isDown(kShift)),
-                  Value(m_player.stage().pointer().isDown() || type.ends_with("MouseDown")), Value(delta)},
-                 bubbles);
+        EventObject* event = newEventWith(
+            vm, "flash.events::MouseEvent", type,
+            {Value(local.x / kTwips), Value(local.y / kTwips),
+             related != nullptr ? Value(related) : Value::null(), Value(isDown(kControl)),
+             Value(isDown(kAlternate)), Value(isDown(kShift)),
+             Value(m_player.stage().pointer().isDown() || type.ends_with("MouseDown")), Value(delta)},
+            bubbles);
+        if (type == "mouseMove") {
+            event->setSlot(kMovementX, Value(m_movement.x / kTwips));
+            event->setSlot(kMovementX + 1, Value(m_movement.y / kTwips));
+        }
+        hearer.dispatch(vm, *event);
     };
     vm.guarded([&] { tell(target); });
     // What shows a part of a text may have somebody who hears of it as well.
@@ -237,6 +245,8 @@ void Input::chooseCursor()
 void Input::moved()
 {
     stage::Pointer& pointer = m_player.stage().pointer();
+    const swf::Point before = std::exchange(m_movedTo, pointer.position());
+    m_movement = {m_movedTo.x - before.x, m_movedTo.y - before.y};
     DisplayObject* target = targetAt(pointer.position());
     if (target == nullptr) return;
     Root<DisplayObject> keep(m_player.vm().heap(), target);

@@ -72,6 +72,7 @@ private:
     Root<DisplayObject> m_over;
     Root<DisplayObject> m_pressed[3]; ///< by button
     int m_clicks = 1;
+    swf::Point m_movedTo, m_movement; ///< twips; where the pointer was, and how far it has come since
     std::optional<stage::Cursor> m_cursor;
     bool m_hasLink = false;
     std::u16string m_link, m_linkTarget; ///< that was pressed

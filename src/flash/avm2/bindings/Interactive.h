@@ -27,6 +27,8 @@ Value setOwnerTransform(Call& call);
 Value stageX(Call& call);
 Value stageY(Call& call);
 Value updateAfterEvent(Call& call);
+Value tapStageX(Call& call); ///< of gestures with a place of their own
+Value tapStageY(Call& call);
 
 // ---- Stage ----
 Value stageTabChildren(Call& call);

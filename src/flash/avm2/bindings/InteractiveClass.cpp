@@ -143,12 +143,12 @@ namespace
 {
 
 /// Where the event's place in its target is on the stage now.
-swf::Point stagePoint(Call& call)
+swf::Point stagePoint(Call& call, const char* x = "localX", const char* y = "localY")
 {
     const auto number = [&](const char* name) {
         return call.vm.toNumber(call.vm.getPublic(call.self, name));
     };
-    const swf::Point local{number("localX"), number("localY")};
+    const swf::Point local{number(x), number(y)};
     auto* event = as<EventObject>(call.self);
     auto* target = event != nullptr ? as<DisplayObject>(event->target) : nullptr;
     if (std::isnan(local.x) || std::isnan(local.y)) return local;
@@ -163,6 +163,8 @@ swf::Point stagePoint(Call& call)
 
 Value stageX(Call& call) { return stagePoint(call).x; }
 Value stageY(Call& call) { return stagePoint(call).y; }
+Value tapStageX(Call& call) { return stagePoint(call, "tapLocalX", "tapLocalY").x; }
+Value tapStageY(Call& call) { return stagePoint(call, "tapLocalX", "tapLocalY").y; }
 /// The next drawing shows what listeners changed, as it does anyway.
 Value updateAfterEvent(Call&) { return {}; }
 

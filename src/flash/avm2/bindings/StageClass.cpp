@@ -180,6 +180,8 @@ constexpr NativeMember kStage[] = {
     {"isFocusInaccessible", Kind::Method, &isFalse, 0, 0},
     {"contentsScaleFactor", Kind::Getter, &one, 0, 0, nullptr, "Number"},
     {"wmodeGPU", Kind::Getter, &isFalse, 0, 0, nullptr, "Boolean"},
+    {"softKeyboardRect", Kind::Getter, [](Call& call) -> Value { return newRectangle(call.vm, 0, 0, 0, 0); },
+     0, 0, nullptr, "flash.geom::Rectangle"},
     {"allowsFullScreen", Kind::Getter, &isFalse, 0, 0, nullptr, "Boolean"},
     {"allowsFullScreenInteractive", Kind::Getter, &isFalse, 0, 0, nullptr, "Boolean"},
 };
