@@ -5,6 +5,8 @@
 #include "flash/render/HitTest.h"
 #include "flash/stage/Stage.h"
 
+#include <cmath>
+
 namespace flash::stage
 {
 
@@ -72,6 +74,11 @@ void MorphNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const 
     canvas.drawShape(shape(), toDevice, color);
 }
 
+namespace
+{
+constexpr double kUsualAscent = 0.8; // of the em, in fonts that do not say
+}
+
 StaticTextNode::StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticText& text)
     : Node(stage, NodeKind::StaticText), m_text(text)
 {
@@ -83,14 +90,17 @@ StaticTextNode::StaticTextNode(Stage& stage, MoviePtr movie, const swf::StaticTe
         Run run{record.color,
                 {},
                 font->name.substr(0, font->name.find('\0')),
-                static_cast<double>(record.height)};
+                static_cast<double>(record.height),
+                font->ascent > 0 ? font->ascent : font->unitsPerEm * kUsualAscent,
+                font->descent > 0 ? font->descent : font->unitsPerEm * (1 - kUsualAscent)};
         const double scale = static_cast<double>(record.height) / font->unitsPerEm;
         double x = record.x;
         for (const swf::StaticText::GlyphEntry& entry : record.glyphs) {
             if (entry.index < font->glyphs.size()) {
                 const swf::Font::Glyph& glyph = font->glyphs[entry.index];
                 const swf::Matrix place{scale, 0, 0, scale, x, static_cast<double>(record.y)};
-                run.glyphs.push_back({glyph.outline, text.matrix * place, glyph.code});
+                const double advance = scale > 0 ? entry.advance / scale : 0;
+                run.glyphs.push_back({glyph.outline, text.matrix * place, glyph.code, advance});
             }
             x += entry.advance;
         }
@@ -117,12 +127,41 @@ bool StaticTextNode::hitsShape(swf::Point stagePoint)
 void StaticTextNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
                           const swf::ColorTransform& color)
 {
+    if (!m_selected.empty()) drawSelection(canvas, toDevice, color);
     std::vector<render::GlyphPlacement> placements;
     for (const Run& run : m_runs) {
         placements.clear();
         for (const Glyph& glyph : run.glyphs)
             if (glyph.outline) placements.push_back({glyph.outline, toDevice * glyph.toNode});
         canvas.drawGlyphs(placements, swf::apply(color, run.color));
+    }
+}
+
+void StaticTextNode::select(std::size_t index, bool isSelected, swf::Rgba color)
+{
+    const std::size_t count = glyphCount();
+    if (index >= count) return;
+    if (m_selected.empty()) {
+        if (!isSelected) return;
+        m_selected.resize(count);
+    }
+    m_selected[index] = isSelected;
+    m_selectColor = color;
+    contentChanged();
+}
+
+void StaticTextNode::drawSelection(render::Canvas& canvas, const swf::Matrix& toDevice,
+                                   const swf::ColorTransform& color)
+{
+    const swf::Rgba ground = swf::apply(color, m_selectColor);
+    std::size_t index = 0;
+    for (const Run& run : m_runs) {
+        for (const Glyph& glyph : run.glyphs) {
+            if (!m_selected[index++]) continue;
+            const auto whole = [](double units) { return static_cast<std::int32_t>(std::lround(units)); };
+            const swf::Rect box{0, whole(glyph.advance), -whole(run.ascent), whole(run.descent)};
+            canvas.fillRect(box, toDevice * glyph.toNode, ground);
+        }
     }
 }
 

@@ -19,6 +19,7 @@ public:
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
+    [[nodiscard]] const std::shared_ptr<const swf::Shape>& shape() const { return m_shape; }
 
 protected:
     std::shared_ptr<const swf::Shape> outline() override { return m_shape; }
@@ -69,21 +70,28 @@ public:
     };
     /// @param index less than glyphCount()
     [[nodiscard]] GlyphInfo glyph(std::size_t index) const;
+    /// Paints the ground of selected characters, as scripts have selected them.
+    void select(std::size_t index, bool isSelected, swf::Rgba color);
 
 private:
     struct Glyph {
         std::shared_ptr<const swf::Shape> outline;
         swf::Matrix toNode;
         std::uint16_t code = 0;
+        double advance = 0; ///< in units of its outline
     };
     struct Run {
         swf::Rgba color;
         std::vector<Glyph> glyphs;
         std::string font;
         double height = 0;
+        double ascent = 0, descent = 0; ///< in units of its outlines
     };
+    void drawSelection(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     const swf::StaticText& m_text;
     std::vector<Run> m_runs;
+    std::vector<bool> m_selected; ///< by glyph; empty: none
+    swf::Rgba m_selectColor;
 };
 
 /// A picture: attached by script, or loaded in a movie's place. None shows nothing.

@@ -91,19 +91,33 @@ Value getSelected(Call& call)
     }
     return false;
 }
+/// Has its text paint a character as it is selected.
+void show(const SnapshotObject& snapshot, const SnapshotObject::Character& character)
+{
+    const std::uint32_t rgb = snapshot.selectColor;
+    const swf::Rgba color{static_cast<std::uint8_t>(rgb >> 16U), static_cast<std::uint8_t>(rgb >> 8U),
+                          static_cast<std::uint8_t>(rgb), 255};
+    if (const auto node = character.node.lock())
+        static_cast<stage::StaticTextNode&>(*node).select(character.glyph, character.isSelected, color);
+}
 Value setSelected(Call& call)
 {
     const bool value = call.vm.toBoolean(call.arg(2));
     SnapshotObject& snapshot = self(call);
     const Range range = rangeArg(call, snapshot);
-    for (std::size_t i = range.begin; i < range.end; ++i) snapshot.characters[i].isSelected = value;
+    for (std::size_t i = range.begin; i < range.end; ++i) {
+        snapshot.characters[i].isSelected = value;
+        show(snapshot, snapshot.characters[i]);
+    }
     return {};
 }
-/// Kept: what is selected is not painted in another colour.
 Value setSelectColor(Call& call)
 {
     const std::uint32_t color = call.has(0) ? call.vm.toUint(call.arg(0)) : 0xFFFF00;
-    self(call).selectColor = color;
+    SnapshotObject& snapshot = self(call);
+    snapshot.selectColor = color;
+    for (const SnapshotObject::Character& character : snapshot.characters)
+        if (character.isSelected) show(snapshot, character);
     return {};
 }
 Value findText(Call& call)
