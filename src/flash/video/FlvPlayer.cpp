@@ -65,6 +65,18 @@ bool FlvPlayer::seek(double timeMs)
     return true;
 }
 
+bool FlvPlayer::step(int pictures)
+{
+    const auto due = static_cast<std::int64_t>(dueVideo(m_timeMs));
+    const std::int64_t wanted = due - 1 + pictures;
+    if (pictures == 0 || wanted < 0 || wanted >= std::ssize(m_file.video)) return false;
+    const double timeMs = m_file.video[static_cast<std::size_t>(wanted)].timeMs;
+    // Back there is only what a key frame leads to.
+    if (pictures < 0) seek(timeMs);
+    if (timeMs > m_timeMs) advance(timeMs - m_timeMs);
+    return true;
+}
+
 std::optional<double> FlvPlayer::msToNext() const
 {
     std::optional<double> next;

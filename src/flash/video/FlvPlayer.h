@@ -24,6 +24,14 @@ public:
     [[nodiscard]] bool atEnd() const { return m_timeMs >= m_file.lastMs; }
     [[nodiscard]] std::size_t byteCount() const { return m_bytes->size(); }
 
+    /// What the file holds, in order of time.
+    [[nodiscard]] const FlvFile& file() const { return m_file; }
+    /// Packets of video that are due by now.
+    [[nodiscard]] std::size_t duePictures() const { return dueVideo(m_timeMs); }
+    /// To the picture so many further on, or back when negative. @returns false, with nothing changed, when
+    /// there is none
+    bool step(int pictures);
+
     /// Moves on; stops at the end.
     void advance(double ms);
     /// To the key frame at or before a time. @returns false, with nothing changed, beyond the end

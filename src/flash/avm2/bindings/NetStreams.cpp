@@ -31,14 +31,7 @@ NetStreamObject& self(Call& call) { return selfAs<NetStreamObject>(call, "flash.
 void tell(Vm& vm, NetStreamObject& stream, std::string_view code, std::string_view level,
           const std::string& description = {})
 {
-    vm.guarded([&] {
-        Root<Object> info(vm.heap(), vm.newObject());
-        vm.setPublic(Value(info.get()), "code", Value(vm.name(code).string()));
-        if (!description.empty())
-            vm.setPublic(Value(info.get()), "description", Value(vm.string(std::string_view(description))));
-        vm.setPublic(Value(info.get()), "level", Value(vm.name(level).string()));
-        fireWith(vm, stream, "flash.events::NetStatusEvent", "netStatus", {Value(info.get())});
-    });
+    tellStream(vm, stream, code, level, description);
 }
 
 /// Calls the client's methods of the messages that are due: a name and a value each.
@@ -99,6 +92,7 @@ Value play(Call& call)
     Vm& vm = call.vm;
     auto& stream = self(call);
     stream.close(vm);
+    if (call.arg(0).isNullish()) stream.isFed = call.has(0);
     if (call.arg(0).isNullish() || call.arg(0).isBoolean()) return {};
     Player& player = Player::of(vm);
     stage::LoadRequest request;
@@ -230,12 +224,6 @@ Value play2(Call& call)
     Call named{call.vm, call.self, &name, 1};
     return play(named);
 }
-Value noFeed(Call& call)
-{
-    self(call);
-    Player::of(call.vm).log("NetStream.appendBytes is not supported");
-    return {};
-}
 Value info(Call& call) { return newNetStreamInfo(call.vm, bytes(call).number()); }
 Value noNames(Call& call) { return Value(call.vm.newArray()); }
 Value zero(Call&) { return 0; }
@@ -244,9 +232,9 @@ Value three(Call&) { return 3; }
 constexpr NativeMember kStream[] = {
     {"play", Kind::Method, &play, 0, -1},
     {"play2", Kind::Method, &play2, 1, 1},
-    {"appendBytes", Kind::Method, &noFeed, 1, 1},
-    {"appendBytesAction", Kind::Method, &noFeed, 1, 1},
-    {"step", Kind::Method, &doNothing, 1, 1},
+    {"appendBytes", Kind::Method, &appendBytes, 1, 1},
+    {"appendBytesAction", Kind::Method, &appendBytesAction, 1, 1},
+    {"step", Kind::Method, &stepStream, 1, 1},
     {"onPeerConnect", Kind::Method, &isAlwaysTrue, 1, 1},
     {"info", Kind::Getter, &info, 0, 0, nullptr, "flash.net::NetStreamInfo"},
     {"multicastInfo", Kind::Getter, &isAlwaysNull},
@@ -272,6 +260,9 @@ constexpr NativeMember kStream[] = {
     {"currentFPS", Kind::Getter, &currentFps, 0, 0, nullptr, "Number"},
     {"bufferTime", Kind::Getter, &bufferTime, 0, 0, &setBufferTime, "Number"},
     {"bufferLength", Kind::Getter, &bufferLength, 0, 0, nullptr, "Number"},
+    {"videoCodec", Kind::Getter, &streamVideoCodec, 0, 0, nullptr, "uint"},
+    {"audioCodec", Kind::Getter, &streamAudioCodec, 0, 0, nullptr, "uint"},
+    {"decodedFrames", Kind::Getter, &streamDecodedFrames, 0, 0, nullptr, "uint"},
     {"liveDelay", Kind::Getter, &zero, 0, 0, nullptr, "Number"},
     {"objectEncoding", Kind::Getter, &three, 0, 0, nullptr, "uint"},
     {"soundTransform", Kind::Getter, &transform, 0, 0, &setTransform, "flash.media::SoundTransform"},
@@ -284,7 +275,7 @@ constexpr NativeConstant kPeers[] = {{"CONNECT_TO_FMS", 0, "connectToFMS"},
 /// Settings of services that nothing here takes part in: kept for those who ask.
 constexpr std::string_view kStreamSlots =
     "maxPauseBufferTime:Number=30 bufferTimeMax:Number backBufferTime:Number=30 backBufferLength:Number "
-    "inBufferSeek:Boolean decodedFrames:uint videoCodec:uint audioCodec:uint audioReliable:Boolean=true "
+    "inBufferSeek:Boolean audioReliable:Boolean=true "
     "videoReliable:Boolean=true dataReliable:Boolean=true audioSampleAccess:Boolean "
     "videoSampleAccess:Boolean "
     "useHardwareDecoder:Boolean=true useJitterBuffer:Boolean videoStreamSettings:* farID:String= "
@@ -313,6 +304,19 @@ constexpr NativeClass kClasses[] = {
 };
 
 } // namespace
+
+void tellStream(Vm& vm, NetStreamObject& stream, std::string_view code, std::string_view level,
+                const std::string& description)
+{
+    vm.guarded([&] {
+        Root<Object> info(vm.heap(), vm.newObject());
+        vm.setPublic(Value(info.get()), "code", Value(vm.name(code).string()));
+        if (!description.empty())
+            vm.setPublic(Value(info.get()), "description", Value(vm.string(std::string_view(description))));
+        vm.setPublic(Value(info.get()), "level", Value(vm.name(level).string()));
+        fireWith(vm, stream, "flash.events::NetStatusEvent", "netStatus", {Value(info.get())});
+    });
+}
 
 void NetStreamObject::addScreen(const std::shared_ptr<stage::VideoNode>& screen)
 {
@@ -363,12 +367,14 @@ void NetStreamObject::close(Vm& vm)
     stopSound(vm);
     player.reset();
     shown.reset();
-    isPaused = hasEnded = false;
+    isPaused = hasEnded = isFed = feedEnds = hasNews = startsAtTag = false;
+    fed = {};
     Player::of(vm).unwatchStream(*this);
 }
 
 void NetStreamObject::follow(Vm& vm)
 {
+    if (isFed) takeFed(vm);
     if (!isPlaying()) return;
     const double now = vm.host().timeMs();
     player->advance(now - followedMs);
@@ -377,6 +383,8 @@ void NetStreamObject::follow(Vm& vm)
     const std::uint32_t before = turn;
     tellMessages(vm, *this);
     if (turn != before || !player || !player->atEnd()) return;
+    // What is fed goes on when there is more of it.
+    if (isFed && !feedEnds) return;
     hasEnded = true;
     for (const char* code : {"NetStream.Buffer.Flush", "NetStream.Play.Stop", "NetStream.Buffer.Empty"}) {
         if (turn == before) tell(vm, *this, code, "status");

@@ -20,6 +20,7 @@ public:
     {
         DispatcherObject::trace(tracer);
         tracer(client);
+        tracer.outside(fed.capacity());
     }
     [[nodiscard]] bool isPlaying() const { return player && !isPaused && !hasEnded; }
     void addScreen(const std::shared_ptr<stage::VideoNode>& screen);
@@ -41,7 +42,27 @@ public:
     double bufferTime = 0.1;
     std::uint32_t turn = 0; ///< counts the files that were asked for or given up
     bool isPaused = false, hasEnded = false;
+
+    // ---- fed by a script, byte by byte ----
+    bool isFed = false;       ///< play(null): what comes is what the script appends
+    bool feedEnds = false;    ///< nothing more is to come
+    bool hasNews = false;     ///< bytes that the player does not know yet
+    bool startsAtTag = false; ///< after a seek: from the first tag's time on
+    std::vector<std::uint8_t> fed;
+    /// Lets the player know what was appended, when it needs it.
+    void takeFed(Vm& vm);
 };
+
+// Members of NetStream that scripts feed it by, and what they ask of what it plays.
+Value appendBytes(Call& call);
+Value appendBytesAction(Call& call);
+Value stepStream(Call& call);
+Value streamVideoCodec(Call& call);
+Value streamAudioCodec(Call& call);
+Value streamDecodedFrames(Call& call);
+/// Tells listeners of a stream's state.
+void tellStream(Vm& vm, NetStreamObject& stream, std::string_view code, std::string_view level,
+                const std::string& description = {});
 
 /// What is known of a stream that has come as a whole.
 Value newNetStreamInfo(Vm& vm, double byteCount);
