@@ -51,5 +51,6 @@ Value bitmapDissolve(Call& call);
 Value bitmapHitTest(Call& call);
 Value bitmapCompare(Call& call);
 Value bitmapHistogram(Call& call);
+Value bitmapEncode(Call& call);
 
 } // namespace flash::avm2

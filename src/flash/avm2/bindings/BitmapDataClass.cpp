@@ -402,6 +402,7 @@ constexpr NativeMember kData[] = {
     {"hitTest", Kind::Method, &bitmapHitTest, 3, 5},
     {"compare", Kind::Method, &bitmapCompare, 1, 1},
     {"histogram", Kind::Method, &bitmapHistogram, 0, 1},
+    {"encode", Kind::Method, &bitmapEncode, 2, 3},
 };
 constexpr NativeMember kBitmap[] = {
     {"bitmapData", Kind::Getter, &bitmapData, 0, 0, &setBitmapData, "flash.display::BitmapData"},

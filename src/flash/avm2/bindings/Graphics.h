@@ -55,5 +55,6 @@ Value drawPath(Call& call);
 Value drawTriangles(Call& call);
 Value drawGraphicsData(Call& call);
 Value copyGraphics(Call& call);
+Value readGraphicsData(Call& call);
 
 } // namespace flash::avm2

@@ -415,6 +415,7 @@ constexpr NativeMember kGraphics[] = {
     {"drawPath", Kind::Method, &drawPath, 2, 3},
     {"drawTriangles", Kind::Method, &drawTriangles, 1, 4},
     {"drawGraphicsData", Kind::Method, &drawGraphicsData, 1, 1},
+    {"readGraphicsData", Kind::Method, &readGraphicsData, 0, 1},
     {"copyFrom", Kind::Method, &copyGraphics, 1, 1},
 };
 constexpr NativeClass kClasses[] = {

@@ -5,6 +5,7 @@
 #include "flash/avm2/classes/Library.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 // Drawings as data: paths, records of IGraphicsData.
@@ -177,11 +178,19 @@ Value extend(Call& call)
     return {};
 }
 
+/// With two numbers that say nothing before those of the place.
+template <int command>
+Value extendWide(Call& call)
+{
+    const std::array<Value, 4> numbers{Value(0), Value(0), call.arg(0), call.arg(1)};
+    Call wide{call.vm, call.self, numbers.data(), 4};
+    return extend<command, 4>(wide);
+}
+
 constexpr NativeMember kPath[] = {
-    {"moveTo", Kind::Method, &extend<1, 2>, 2, 2},
-    {"lineTo", Kind::Method, &extend<2, 2>, 2, 2},
-    {"curveTo", Kind::Method, &extend<3, 4>, 4, 4},
-    {"cubicCurveTo", Kind::Method, &extend<6, 6>, 6, 6},
+    {"moveTo", Kind::Method, &extend<1, 2>, 2, 2},      {"lineTo", Kind::Method, &extend<2, 2>, 2, 2},
+    {"curveTo", Kind::Method, &extend<3, 4>, 4, 4},     {"cubicCurveTo", Kind::Method, &extend<6, 6>, 6, 6},
+    {"wideMoveTo", Kind::Method, &extendWide<4>, 2, 2}, {"wideLineTo", Kind::Method, &extendWide<5>, 2, 2},
 };
 
 constexpr NativeClass record(std::string_view name, std::string_view interfaces, std::string_view slots,

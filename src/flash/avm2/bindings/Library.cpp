@@ -62,6 +62,8 @@ std::span<const NativeLibrary> bindingsLibrary()
         soundMixerLibrary(),
         shaderLibrary(),
         shaderJobLibrary(),
+        pictureEncoderLibrary(),
+        absentLibrary(),
         globalization::textLibrary(),
         globalization::numberLibrary(),
         globalization::dateLibrary(),

@@ -53,6 +53,8 @@ NativeLibrary stage3DLibrary(); ///< the space behind the stage
 NativeLibrary context3DLibrary();
 NativeLibrary resource3DLibrary();
 NativeLibrary clipboardLibrary(); ///< flash.desktop, and what else belongs to the desktop
-NativeLibrary fileLibrary();      ///< files that a user would choose
+NativeLibrary pictureEncoderLibrary();
+NativeLibrary absentLibrary(); ///< classes of services that are not there
+NativeLibrary fileLibrary();   ///< files that a user would choose
 
 } // namespace flash::avm2

@@ -267,6 +267,15 @@ constexpr NativeMember kLoader[] = {
     {"removeChildAt", Kind::Method, &refuseList, 1, 1},
     {"setChildIndex", Kind::Method, &refuseList, 2, 2},
 };
+/// The two machines do not call each other.
+Value notAcross(Call& call)
+{
+    call.vm.throwError(ErrorClass::Error, 2014, "Feature is not available at this time.");
+}
+constexpr NativeMember kOldMovie[] = {
+    {"call", Kind::Method, &notAcross, 1, -1},
+    {"addCallback", Kind::Method, &notAcross, 2, 2},
+};
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display",
      .name = "Loader",
@@ -279,7 +288,8 @@ constexpr NativeClass kClasses[] = {
      .name = "AVM1Movie",
      .base = "flash.display::DisplayObject",
      .flags = NativeClass::Sealed,
-     .constructor = &refuseDisplayConstruction},
+     .constructor = &refuseDisplayConstruction,
+     .members = kOldMovie},
 };
 
 } // namespace

@@ -178,6 +178,9 @@ constexpr NativeMember kMixer[] = {
     {"areSoundsInaccessible", Kind::Static, &isAlwaysFalse, 0, 0},
     {"soundTransform", Kind::StaticGetter, &mixerTransform, 0, 0, &setMixerTransform,
      "flash.media::SoundTransform"},
+    {"useSpeakerphoneForVoice", Kind::StaticGetter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
+    {"audioPlaybackMode", Kind::StaticGetter,
+     [](Call& call) -> Value { return Value(call.vm.name("media").string()); }, 0, 0, &doNothing, "String"},
     {"bufferTime", Kind::StaticGetter, &bufferTime, 0, 0, &setBufferTime, "int"},
 };
 

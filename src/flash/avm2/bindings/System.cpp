@@ -103,6 +103,7 @@ constexpr NativeMember kSystem[] = {
     {"totalMemoryNumber", Kind::StaticGetter, &memory, 0, 0, nullptr, "Number"},
     {"privateMemory", Kind::StaticGetter, &memory, 0, 0, nullptr, "Number"},
     {"freeMemory", Kind::StaticGetter, [](Call&) -> Value { return 0; }, 0, 0, nullptr, "Number"},
+    {"processCPUUsage", Kind::StaticGetter, [](Call&) -> Value { return 0; }, 0, 0, nullptr, "Number"},
     {"ime", Kind::StaticGetter, &isAlwaysNull},
     {"pause", Kind::Static, &doNothing, 0, 0},
     {"resume", Kind::Static, &doNothing, 0, 0},
@@ -123,6 +124,15 @@ constexpr NativeMember kSecurity[] = {
     {"disableAVM1Loading", Kind::StaticGetter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
     {"sandboxType", Kind::StaticGetter, &sandboxType, 0, 0, nullptr, "String"},
     {"pageDomain", Kind::StaticGetter, &pageDomain, 0, 0, nullptr, "String"},
+};
+/// Every movie is in the one that there is.
+Value currentSecurityDomain(Call& call)
+{
+    return call.vm.construct(Value(call.vm.nativeClass("flash.system::SecurityDomain")), {});
+}
+constexpr NativeMember kSecurityDomain[] = {
+    {"currentDomain", Kind::StaticGetter, &currentSecurityDomain, 0, 0, nullptr,
+     "flash.system::SecurityDomain"},
 };
 using C = NativeConstant;
 constexpr C kSecurityConstants[] = {
@@ -259,7 +269,7 @@ constexpr NativeClass kClasses[] = {
      .minArguments = 0,
      .maxArguments = 4,
      .slots = "deblockingFilter:Number"},
-    {.package = "flash.system", .name = "SecurityDomain", .base = {}},
+    {.package = "flash.system", .name = "SecurityDomain", .base = {}, .members = kSecurityDomain},
     constantsOf("flash.system", "SecurityPanel", kPanels),
     constantsOf("flash.system", "IMEConversionMode", kImePolicies),
     constantsOf("flash.system", "ImageDecodingPolicy", kImageDecoding),
