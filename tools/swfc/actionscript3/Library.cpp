@@ -45,7 +45,7 @@ constexpr LibraryPackage kPackages[] = {
          "EventPhase FocusEvent FullScreenEvent HTTPStatusEvent IEventDispatcher IMEEvent IOErrorEvent KeyboardEvent "
          "MouseEvent NetFilterEvent NetMonitorEvent NetStatusEvent OutputProgressEvent ProgressEvent SampleDataEvent "
          "SecurityErrorEvent ShaderEvent StatusEvent SyncEvent TextEvent ThrottleEvent TimerEvent TouchEvent "
-         "TransformGestureEvent GestureEvent UncaughtErrorEvent UncaughtErrorEvents VideoEvent WeakFunctionClosure "},
+         "TransformGestureEvent GestureEvent PressAndTapGestureEvent GesturePhase UncaughtErrorEvent UncaughtErrorEvents VideoEvent WeakFunctionClosure "},
     {"flash.external", " ExternalInterface "},
     {"flash.filters", " BevelFilter BitmapFilter BitmapFilterQuality BitmapFilterType BlurFilter ColorMatrixFilter "
          "ConvolutionFilter DisplacementMapFilter DisplacementMapFilterMode DropShadowFilter GlowFilter "

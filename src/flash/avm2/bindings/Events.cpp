@@ -4,6 +4,8 @@
 #include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/classes/Library.h"
 
+#include <algorithm>
+
 namespace flash::avm2
 {
 
@@ -101,6 +103,10 @@ Value formatToString(Call& call)
     return call.vm.string(text + u"]");
 }
 
+/// These were added later, and are not shown.
+constexpr std::u16string_view kUnshown[] = {u"direction", u"errorID",   u"isRelatedObjectInaccessible",
+                                            u"movementX", u"movementY", u"responseHeaders"};
+
 Value eventToString(Call& call)
 {
     Traits* traits = event(call).traits();
@@ -113,9 +119,8 @@ Value eventToString(Call& call)
     if (traits->slotTypes.size() > 0) {
         names->pop_back();
         for (const Traits::Entry& entry : traits->entries()) {
-            // These were added later, and are not shown.
-            if (entry.binding.kind != Binding::Kind::Slot || entry.name.view() == u"direction" ||
-                entry.name.view() == u"errorID")
+            if (entry.binding.kind != Binding::Kind::Slot ||
+                std::ranges::find(kUnshown, entry.name.view()) != std::end(kUnshown))
                 continue;
             names.push_back(Value(entry.name.string()));
             if (entry.name.view() != u"localY") continue;
