@@ -22,6 +22,17 @@ public:
     /// @returns how many; fewer than asked for only where the data end.
     std::size_t decode(std::size_t count, std::vector<std::int16_t>& out);
 
+    /// Moments at the end that may be what fills up the last byte, after all has been decoded. Only who knows
+    /// how many there should be can tell.
+    [[nodiscard]] std::size_t paddingMoments() const
+    {
+        constexpr std::size_t kLongestPadding = 7; // bits
+        const std::size_t left = m_bytes.size() * 8 - m_bit;
+        return left > kLongestPadding
+                   ? 0
+                   : (kLongestPadding - left) / static_cast<std::size_t>(m_codeBits * m_channelCount);
+    }
+
 private:
     struct Channel {
         int sample = 0, stepIndex = 0;

@@ -211,12 +211,24 @@ private:
             convertPcm(block, m_head.rate, m_head.sixteenBit, channels, m_converter, out);
         } else if (m_head.format == swf::SoundFormat::Adpcm) {
             std::vector<std::int16_t> samples;
-            AdpcmDecoder(block, channels).decode(block.size() * 4, samples);
+            AdpcmDecoder decoder(block, channels);
+            const std::size_t moments = decoder.decode(block.size() * 4, samples);
+            const std::size_t extra = std::min({decoder.paddingMoments(), momentsTooMany(moments), moments});
+            samples.resize(samples.size() - extra * static_cast<std::size_t>(channels));
             convertSixteenBit(samples, m_head.rate, channels, m_converter, out);
         } else if (m_codec) {
             if (m_head.format == swf::SoundFormat::Mp3) block = startOfMp3Block(block);
             m_codec->feed(block, out);
         }
+    }
+
+    // What fills up a block's last byte sounds like moments of it, which would add up to a drift.
+    [[nodiscard]] std::size_t momentsTooMany(std::size_t decoded) const
+    {
+        const double perMoment = kMixRate / exactRate(m_head.rate);
+        const double due = static_cast<double>(m_nextFrame - m_firstFrame) * m_perFrame;
+        const double most = static_cast<double>(m_produced) + static_cast<double>(decoded) * perMoment - due;
+        return most < perMoment ? 0 : static_cast<std::size_t>(most / perMoment);
     }
 
     // An MP3 block begins with its sample count and with how far into it the frame's moment lies.

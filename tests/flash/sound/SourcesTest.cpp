@@ -235,4 +235,35 @@ TEST(SoundCache, HandsOutTheSameSamplesToEveryReader)
     EXPECT_EQ(rest[0].left, 15000);
 }
 
+TEST(Streams, OfAdpcmDoNotDriftByWhatFillsUpTheirBytes)
+{
+    // 918.75 samples of four bits to a frame; blocks of 918 end in half a byte, which is not a sample.
+    constexpr int kFrames = 1200, kRate = 11025, kFramesPerSecond = 12;
+    auto movie = std::make_shared<swf::Movie>();
+    std::vector<std::size_t> begins;
+    long done = 0;
+    for (int i = 0; i < kFrames; ++i) {
+        const long end = std::lround((i + 1) * (kRate + 0.0) / kFramesPerSecond);
+        const std::vector<std::int16_t> samples(static_cast<std::size_t>(end - done), 1000);
+        done = end;
+        const auto encoded = test::encodeAdpcm(samples, 1, 4);
+        begins.push_back(movie->bytes.size());
+        movie->bytes.insert(movie->bytes.end(), encoded.bytes.begin(), encoded.bytes.end());
+    }
+    begins.push_back(movie->bytes.size());
+    swf::Timeline timeline;
+    timeline.streamHead = swf::SoundStreamHead{swf::SoundFormat::Adpcm, kRate, true, false, 919, 0};
+    timeline.frames.resize(kFrames);
+    for (std::size_t i = 0; i < kFrames; ++i)
+        timeline.frames[i].tags.emplace_back(
+            swf::SoundStreamBlock{base::Bytes(movie->bytes).subspan(begins[i], begins[i + 1] - begins[i])});
+    const auto source = openStream(movie, timeline, 0, kFramesPerSecond);
+    ASSERT_NE(source, nullptr);
+    std::vector<StereoFrame> out(4096);
+    long heard = 0;
+    while (const std::size_t count = source->read(out)) heard += static_cast<long>(count);
+    EXPECT_NEAR(static_cast<double>(heard) / kMixRate, kFrames / static_cast<double>(kFramesPerSecond),
+                0.002);
+}
+
 } // namespace flash::sound
