@@ -9,18 +9,39 @@ namespace flash::render
 namespace
 {
 
+/// @param mask components that are wanted
 template <class Work>
-void each(GpuRegister& to, const GpuRegister& a, Work work)
+void each(unsigned mask, GpuRegister& to, const GpuRegister& a, Work work)
 {
     for (std::size_t c = 0; c < 4; ++c) {
+        if (!(mask >> c & 1U)) continue;
         for (std::size_t i = 0; i < kGpuLanes; ++i) to[c][i] = work(a[c][i]);
     }
 }
 template <class Work>
-void each(GpuRegister& to, const GpuRegister& a, const GpuRegister& b, Work work)
+void each(unsigned mask, GpuRegister& to, const GpuRegister& a, const GpuRegister& b, Work work)
 {
     for (std::size_t c = 0; c < 4; ++c) {
+        if (!(mask >> c & 1U)) continue;
         for (std::size_t i = 0; i < kGpuLanes; ++i) to[c][i] = work(a[c][i], b[c][i]);
+    }
+}
+
+/// Components of its sources that an instruction reads.
+unsigned componentsRead(const GpuStep& step)
+{
+    constexpr unsigned kX = 1, kXyz = 7, kXyzw = 15;
+    switch (step.op) {
+    case GpuOp::Nrm:
+    case GpuOp::Crs:
+    case GpuOp::Dp3:
+    case GpuOp::M33:
+    case GpuOp::Tex: return kXyz;
+    case GpuOp::Dp4:
+    case GpuOp::M44:
+    case GpuOp::M34: return kXyzw;
+    case GpuOp::Kill: return kX;
+    default: return step.mask;
     }
 }
 
@@ -41,22 +62,23 @@ void cross(GpuRegister& to, const GpuRegister& a, const GpuRegister& b)
     to[3].fill(0);
 }
 
-void normalize(GpuRegister& to, const GpuRegister& a)
+void normalize(unsigned mask, GpuRegister& to, const GpuRegister& a)
 {
     GpuLane length;
     dot(length, a, a, 3);
-    for (std::size_t c = 0; c < 4; ++c) {
-        for (std::size_t i = 0; i < kGpuLanes; ++i) {
-            const float root = std::sqrt(length[i]);
-            to[c][i] = root > 0 ? a[c][i] / root : 0;
-        }
+    for (float& number : length) number = std::sqrt(number);
+    for (std::size_t c = 0; c < 3; ++c) {
+        if (!(mask >> c & 1U)) continue;
+        for (std::size_t i = 0; i < kGpuLanes; ++i) to[c][i] = length[i] > 0 ? a[c][i] / length[i] : 0;
     }
+    to[3].fill(0);
 }
 
 /// How a value changes to the right, or downwards, within each four.
-void slope(GpuRegister& to, const GpuRegister& a, std::size_t distance)
+void slope(unsigned mask, GpuRegister& to, const GpuRegister& a, std::size_t distance)
 {
     for (std::size_t c = 0; c < 4; ++c) {
+        if (!(mask >> c & 1U)) continue;
         for (std::size_t i = 0; i < kGpuLanes; ++i) {
             const std::size_t low = i & ~distance;
             to[c][i] = a[c][low | distance] - a[c][low];
@@ -92,16 +114,20 @@ const GpuRegister& GpuLanes::registerOf(GpuFile file, std::size_t index) const
     }
 }
 
-void GpuLanes::fetch(const GpuSource& source, std::size_t row, GpuRegister& to) const
+void GpuLanes::fetch(const GpuSource& source, std::size_t row, unsigned mask, GpuRegister& to) const
 {
     if (source.file != GpuFile::Constant) {
         const GpuRegister& from = registerOf(source.file, source.index + row);
-        for (std::size_t c = 0; c < 4; ++c) to[c] = from[source.swizzle[c]];
+        for (std::size_t c = 0; c < 4; ++c) {
+            if (mask >> c & 1U) to[c] = from[source.swizzle[c]];
+        }
         return;
     }
     if (!source.isIndirect) {
         const std::array<float, 4>& from = m_constants[source.index + row];
-        for (std::size_t c = 0; c < 4; ++c) to[c].fill(from[source.swizzle[c]]);
+        for (std::size_t c = 0; c < 4; ++c) {
+            if (mask >> c & 1U) to[c].fill(from[source.swizzle[c]]);
+        }
         return;
     }
     for (std::size_t i = 0; i < kGpuLanes; ++i) {
@@ -154,9 +180,10 @@ void GpuLanes::texture(const GpuStep& step, const GpuRegister& at, GpuRegister& 
     }
     GpuRegister across, down;
     const bool usesMips = sampler.how.mips != GpuMips::None && !step.isCube;
+    constexpr unsigned kUv = 3;
     if (usesMips) {
-        slope(across, at, 1);
-        slope(down, at, kGpuLanesAcross);
+        slope(kUv, across, at, 1);
+        slope(kUv, down, at, kGpuLanesAcross);
     }
     const auto width = static_cast<float>(sampler.texture->width());
     const auto height = static_cast<float>(sampler.texture->height());
@@ -189,8 +216,8 @@ void GpuLanes::branch(const GpuStep& step)
         return;
     }
     GpuRegister a, b;
-    fetch(step.a, 0, a);
-    fetch(step.b, 0, b);
+    fetch(step.a, 0, 1, a);
+    fetch(step.b, 0, 1, b);
     std::uint32_t holds = 0;
     for (std::size_t i = 0; i < kGpuLanes; ++i) {
         const float x = a[0][i], y = b[0][i];
@@ -208,73 +235,74 @@ void GpuLanes::step(const GpuStep& step)
 {
     if (step.op >= GpuOp::IfEqual && step.op <= GpuOp::EndIf) return branch(step);
     if (m_active == 0) return;
+    const unsigned read = componentsRead(step), mask = step.mask;
     GpuRegister a, b, r;
-    fetch(step.a, 0, a);
+    fetch(step.a, 0, read, a);
     switch (step.op) {
-    case GpuOp::Mov: r = a; break;
+    case GpuOp::Mov: return store(step, a);
     case GpuOp::Add:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x + y; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x + y; });
         break;
     case GpuOp::Sub:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x - y; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x - y; });
         break;
     case GpuOp::Mul:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x * y; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x * y; });
         break;
     case GpuOp::Div:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x / y; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x / y; });
         break;
-    case GpuOp::Rcp: each(r, a, [](float x) { return 1 / x; }); break;
+    case GpuOp::Rcp: each(mask, r, a, [](float x) { return 1 / x; }); break;
     case GpuOp::Min:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return y < x ? y : x; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return y < x ? y : x; });
         break;
     case GpuOp::Max:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return y > x ? y : x; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return y > x ? y : x; });
         break;
-    case GpuOp::Frc: each(r, a, [](float x) { return x - std::floor(x); }); break;
-    case GpuOp::Sqt: each(r, a, [](float x) { return std::sqrt(x); }); break;
-    case GpuOp::Rsq: each(r, a, [](float x) { return 1 / std::sqrt(x); }); break;
+    case GpuOp::Frc: each(mask, r, a, [](float x) { return x - std::floor(x); }); break;
+    case GpuOp::Sqt: each(mask, r, a, [](float x) { return std::sqrt(x); }); break;
+    case GpuOp::Rsq: each(mask, r, a, [](float x) { return 1 / std::sqrt(x); }); break;
     case GpuOp::Pow:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return std::pow(x, y); });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return std::pow(x, y); });
         break;
-    case GpuOp::Log: each(r, a, [](float x) { return std::log2(x); }); break;
-    case GpuOp::Exp: each(r, a, [](float x) { return std::exp2(x); }); break;
-    case GpuOp::Nrm: normalize(r, a); break;
-    case GpuOp::Sin: each(r, a, [](float x) { return std::sin(x); }); break;
-    case GpuOp::Cos: each(r, a, [](float x) { return std::cos(x); }); break;
+    case GpuOp::Log: each(mask, r, a, [](float x) { return std::log2(x); }); break;
+    case GpuOp::Exp: each(mask, r, a, [](float x) { return std::exp2(x); }); break;
+    case GpuOp::Nrm: normalize(mask, r, a); break;
+    case GpuOp::Sin: each(mask, r, a, [](float x) { return std::sin(x); }); break;
+    case GpuOp::Cos: each(mask, r, a, [](float x) { return std::cos(x); }); break;
     case GpuOp::Crs:
-        fetch(step.b, 0, b);
+        fetch(step.b, 0, read, b);
         cross(r, a, b);
         break;
     case GpuOp::Dp3:
     case GpuOp::Dp4:
-        fetch(step.b, 0, b);
+        fetch(step.b, 0, read, b);
         dot(r[0], a, b, step.op == GpuOp::Dp3 ? 3 : 4);
         r[1] = r[2] = r[3] = r[0];
         break;
-    case GpuOp::Abs: each(r, a, [](float x) { return std::abs(x); }); break;
-    case GpuOp::Neg: each(r, a, [](float x) { return -x; }); break;
-    case GpuOp::Sat: each(r, a, [](float x) { return std::min(std::max(x, 0.0F), 1.0F); }); break;
+    case GpuOp::Abs: each(mask, r, a, [](float x) { return std::abs(x); }); break;
+    case GpuOp::Neg: each(mask, r, a, [](float x) { return -x; }); break;
+    case GpuOp::Sat: each(mask, r, a, [](float x) { return std::min(std::max(x, 0.0F), 1.0F); }); break;
     case GpuOp::M33:
     case GpuOp::M44:
     case GpuOp::M34: {
         const std::size_t rows = step.op == GpuOp::M44 ? 4 : 3;
-        r = {};
+        if (rows == 3) r[3].fill(0);
         for (std::size_t row = 0; row < rows; ++row) {
-            fetch(step.b, row, b);
+            fetch(step.b, row, read, b);
             dot(r[row], a, b, step.op == GpuOp::M33 ? 3 : 4);
         }
         break;
     }
-    case GpuOp::Ddx: slope(r, a, 1); break;
-    case GpuOp::Ddy: slope(r, a, kGpuLanesAcross); break;
+    case GpuOp::Ddx: slope(mask, r, a, 1); break;
+    case GpuOp::Ddy: slope(mask, r, a, kGpuLanesAcross); break;
     case GpuOp::Kill:
         for (std::size_t i = 0; i < kGpuLanes; ++i) {
             if (a[0][i] < 0) killed |= m_active & 1U << i;
@@ -282,21 +310,21 @@ void GpuLanes::step(const GpuStep& step)
         return;
     case GpuOp::Tex: texture(step, a, r); break;
     case GpuOp::Sge:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x >= y ? 1.0F : 0.0F; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x >= y ? 1.0F : 0.0F; });
         break;
     case GpuOp::Slt:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x < y ? 1.0F : 0.0F; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x < y ? 1.0F : 0.0F; });
         break;
-    case GpuOp::Sgn: each(r, a, sign); break;
+    case GpuOp::Sgn: each(mask, r, a, sign); break;
     case GpuOp::Seq:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x == y ? 1.0F : 0.0F; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x == y ? 1.0F : 0.0F; });
         break;
     case GpuOp::Sne:
-        fetch(step.b, 0, b);
-        each(r, a, b, [](float x, float y) { return x != y ? 1.0F : 0.0F; });
+        fetch(step.b, 0, read, b);
+        each(mask, r, a, b, [](float x, float y) { return x != y ? 1.0F : 0.0F; });
         break;
     default: return;
     }

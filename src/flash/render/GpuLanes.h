@@ -40,7 +40,8 @@ public:
 
 private:
     void step(const GpuStep& step);
-    void fetch(const GpuSource& source, std::size_t row, GpuRegister& to) const;
+    /// @param mask components that are read
+    void fetch(const GpuSource& source, std::size_t row, unsigned mask, GpuRegister& to) const;
     [[nodiscard]] const GpuRegister& registerOf(GpuFile file, std::size_t index) const;
     [[nodiscard]] GpuRegister& targetOf(const GpuStep& step);
     void store(const GpuStep& step, const GpuRegister& value);
