@@ -19,6 +19,7 @@
 
 #include <QCryptographicHash>
 #include <QImage>
+#include <QRect>
 
 #include <algorithm>
 #include <chrono>
@@ -251,7 +252,7 @@ public:
         stage->view().setDeviceScale(deviceScale);
     }
 
-    void render(QImage& image, const QRect& visible);
+    void render(QImage& image, std::span<const render::IntRect> boxes);
 
     [[nodiscard]] int devicePixels(std::int32_t twips) const
     {
@@ -407,29 +408,37 @@ void Engine::setDeviceScale(double scale)
     d->stage->view().setDeviceScale(scale);
 }
 
-QRect Engine::dirtyRect()
+std::vector<QRect> Engine::dirtyRects()
 {
-    render::IntRect dirty;
-    d->watched([&] { dirty = d->stage->view().dirtyRect(); });
-    return dirty.isEmpty() ? QRect() : QRect(dirty.left, dirty.top, dirty.width(), dirty.height());
+    std::vector<QRect> rects;
+    d->watched([&] {
+        for (const render::IntRect& box : d->stage->view().dirtyBoxes())
+            rects.emplace_back(box.left, box.top, box.width(), box.height());
+    });
+    return rects;
 }
 
-void Engine::render(QImage& image, const QRect& rect)
+void Engine::render(QImage& image, const std::vector<QRect>& rects)
 {
-    const QRect visible = rect & image.rect();
-    if (visible.isEmpty()) return;
-    d->watched([&] { d->render(image, visible); }, guard::Guard::Work::Drawing);
+    std::vector<render::IntRect> boxes;
+    for (const QRect& rect : rects)
+        if (const QRect visible = rect & image.rect(); !visible.isEmpty()) boxes.push_back(toRender(visible));
+    if (boxes.empty()) return;
+    d->watched([&] { d->render(image, boxes); }, guard::Guard::Work::Drawing);
 }
 
-void Engine::Private::render(QImage& image, const QRect& visible)
+void Engine::Private::render(QImage& image, std::span<const render::IntRect> boxes)
 {
     const render::SurfaceView view{reinterpret_cast<std::uint32_t*>(image.bits()), image.width(),
                                    image.height(), image.bytesPerLine() / 4};
     stage->view().renderCache().setSecondThread(secondThread);
     render::Canvas canvas(view, toRender(stage->view().quality()), stage->view().renderCache());
-    canvas.beginFrame();
-    stage->view().render(canvas, toRender(visible));
-    canvas.endFrame();
+    // Each by itself is a frame to whoever draws it in bands.
+    for (const render::IntRect& box : boxes) {
+        canvas.beginFrame();
+        stage->view().render(canvas, box);
+        canvas.endFrame();
+    }
 }
 
 std::string Engine::getVariable(const std::string& path)

@@ -125,11 +125,12 @@ public:
     void setDeviceScale(double scale);
     /// Who draws frames, of this movie and those after it.
     void setSecondThread(render::SecondThread when);
-    /// @returns what changed since it was drawn last, device pixels.
-    [[nodiscard]] QRect dirtyRect();
-    /// Draws a part of the view, background included, and takes everything for drawn.
+    /// @returns what changed since it was drawn last, device pixels: a few parts (stage::Damage::kMaxBoxes at
+    ///          most), which may overlap.
+    [[nodiscard]] std::vector<QRect> dirtyRects();
+    /// Draws parts of the view, background included, and takes everything for drawn.
     /// @param image of the view's size, Format_ARGB32_Premultiplied
-    void render(QImage& image, const QRect& rect);
+    void render(QImage& image, const std::vector<QRect>& rects);
 
     [[nodiscard]] std::string getVariable(const std::string& path);
     void setVariable(const std::string& path, const std::string& value);

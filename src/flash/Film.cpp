@@ -111,8 +111,8 @@ bool Film::isPlaying() const { return m_engine.stage().isPlaying(); }
 
 const std::string& Film::endedBecause() const { return m_host->endedBecause(); }
 
-bool Film::hasChanged() { return !m_engine.dirtyRect().isEmpty(); }
+bool Film::hasChanged() { return !m_engine.dirtyRects().empty(); }
 
-void Film::draw(QImage& picture) { m_engine.render(picture, m_engine.dirtyRect()); }
+void Film::draw(QImage& picture) { m_engine.render(picture, m_engine.dirtyRects()); }
 
 } // namespace flash

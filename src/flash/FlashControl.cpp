@@ -294,11 +294,21 @@ bool FlashControl::event(QEvent* event)
         key->accept();
         return true;
     }
-    case QEvent::ScreenChangeInternal:
-    case QEvent::Show: d->fitView(); break;
+    case QEvent::ScreenChangeInternal: d->fitView(); break;
+    case QEvent::Show:
+        d->fitView();
+        d->tellWhetherSeen();
+        break;
+    case QEvent::Hide: d->tellWhetherSeen(); break;
     default: break;
     }
     return QWidget::event(event);
+}
+
+bool FlashControl::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Expose && watched == d->watched) d->tellWhetherSeen();
+    return QWidget::eventFilter(watched, event);
 }
 
 void FlashControl::paintEvent(QPaintEvent* event)

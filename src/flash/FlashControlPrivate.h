@@ -16,8 +16,10 @@
 #include <QInputMethod>
 #include <QLocale>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScreen>
 #include <QTimer>
+#include <QWindow>
 
 #include <cmath>
 #include <filesystem>
@@ -304,7 +306,7 @@ public:
     [[nodiscard]] QRect caret() const
     {
         const control::State& now = state();
-        return toWidget(QRect(now.caretLeft, now.caretTop, 1, now.caretHeight));
+        return toWidget(QRect(now.caretLeft, now.caretTop, 1, now.caretHeight)).boundingRect();
     }
 
     void showState()
@@ -323,9 +325,9 @@ public:
         }
     }
 
-    void pictureChanged(const QRect& part, Painting painting) override
+    void pictureChanged(const QRegion& parts, Painting painting) override
     {
-        painting == Painting::Now ? q.repaint(toWidget(part)) : q.update(toWidget(part));
+        painting == Painting::Now ? q.repaint(toWidget(parts)) : q.update(toWidget(parts));
     }
 
     control::Answer asked(control::Ask::What what) override
@@ -387,11 +389,31 @@ public:
     // ---- the widget
     // -----------------------------------------------------------------------------------------
 
-    [[nodiscard]] QRect toWidget(const QRect& device) const
+    [[nodiscard]] QRegion toWidget(const QRegion& device) const
     {
         const double ratio = q.devicePixelRatioF();
-        return QRectF(device.x() / ratio, device.y() / ratio, device.width() / ratio, device.height() / ratio)
-            .toAlignedRect();
+        if (ratio == 1) return device;
+        QRegion result;
+        for (const QRect& part : device)
+            result |= QRectF(part.x() / ratio, part.y() / ratio, part.width() / ratio, part.height() / ratio)
+                          .toAlignedRect();
+        return result;
+    }
+
+    /// A window that is minimised, and a control that is not shown, need no pictures. One that was never
+    /// shown may be grabbed all the time.
+    void tellWhetherSeen()
+    {
+        QWindow* const window = q.window()->windowHandle();
+        if (window != watched) {
+            if (watched) watched->removeEventFilter(&q);
+            if (window != nullptr) window->installEventFilter(&q);
+            watched = window;
+        }
+        const bool seen = q.isVisible() && (window == nullptr || window->isExposed());
+        wasSeen = wasSeen || seen;
+        const std::uint8_t unseen = wasSeen && !seen ? 1 : 0;
+        if (std::exchange(settings.unseen, unseen) != unseen) port->pass(settings);
     }
 
     void fitView()
@@ -479,6 +501,8 @@ public:
     QRect toldCaret;
     bool hasLost = false; // the movie, and the host is about to be told
     control::Settings settings;
+    QPointer<QWindow> watched; // the one that the control is in
+    bool wasSeen = false;
     QSize viewSize; // device pixels
     double viewScale = 1;
     stage::Cursor cursor = stage::Cursor::Arrow;

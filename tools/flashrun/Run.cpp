@@ -167,7 +167,7 @@ base::Result<void> writePicture(flash::Engine& engine, const std::filesystem::pa
     QImage image(engine.stage().view().width(), engine.stage().view().height(),
                  QImage::Format_ARGB32_Premultiplied);
     image.fill(0);
-    engine.render(image, image.rect());
+    engine.render(image, {image.rect()});
     return writePng(image, file);
 }
 

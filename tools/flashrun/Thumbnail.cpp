@@ -207,7 +207,7 @@ base::Result<void> thumbnail(const Arguments& arguments)
         if (nowMs < nextLookMs) continue;
         nextLookMs = nowMs + kLookMs;
         picture.fill(0);
-        engine.render(picture, picture.rect());
+        engine.render(picture, {picture.rect()});
         best.offer(picture, detail(picture));
         if (best.isRich() || best.isLate()) break;
     }

@@ -3,8 +3,6 @@
 #include "flash/Engine.h"
 #include "flash/sound/Mixer.h"
 
-#include <QRegion>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -20,7 +18,7 @@ namespace
 
 // Enough to bridge a slow frame, little enough for a click to sound with its button.
 constexpr std::size_t kSoundAheadFrames = sound::kMixRate / 16;
-constexpr int kSoundWaitMs = 20;
+constexpr int kSoundWaitMs = 20, kMaxStaleRects = 64;
 // A window that does not listen stops a movie that talks.
 constexpr std::size_t kMaxUnsentBytes = 1U << 18U;
 
@@ -123,6 +121,8 @@ void FarEnd::handle(const ToMovie& message)
         prepare(*view);
     } else if (std::holds_alternative<Release>(message)) {
         return; // the picture follows by itself
+    } else if (const auto* settings = std::get_if<Settings>(&message)) {
+        m_unseen = settings->unseen != 0;
     } else if (const auto* device = std::get_if<SoundDevice>(&message)) {
         takeSound(*device);
         return;
@@ -174,27 +174,34 @@ void FarEnd::prepare(const View& view)
 
 void FarEnd::publishPicture()
 {
-    if (m_picture[0].isNull() || !m_runner.isOpen()) return;
+    if (m_picture[0].isNull() || !m_runner.isOpen() || m_unseen) return;
     const QRect all = m_picture[0].rect();
-    const QRect changed = m_last < 0 ? all : m_runner.dirtyRect() & all;
-    if (changed.isEmpty()) return;
+    const std::vector<QRect> changed = m_last < 0 ? std::vector{all} : m_runner.dirtyRects();
+    if (changed.empty()) return;
     const int free = m_pictures.takeFree();
     if (free < 0) return;
     const auto index = static_cast<std::size_t>(free);
     QImage& picture = m_picture[index];
     // What the pictures before it brought, and what is not drawn anew, is copied.
+    QRegion drawn;
+    for (const QRect& part : changed) drawn |= part;
     if (m_last >= 0 && m_last != free) {
-        for (const QRect& missed : QRegion(m_stale[index]) - changed)
+        for (const QRect& missed : m_stale[index] - drawn)
             copyPart(m_picture[static_cast<std::size_t>(m_last)], picture, missed);
     }
     m_runner.render(picture, changed);
-    for (QRect& stale : m_stale) stale |= changed;
-    m_stale[index] = QRect();
+    for (QRegion& stale : m_stale) {
+        stale |= drawn;
+        // One that has not been drawn to for long; what it is too much will do no harm.
+        if (stale.rectCount() > kMaxStaleRects) stale = stale.boundingRect();
+    }
+    m_stale[index] = QRegion();
     m_pictures.hold(free);
     m_last = free;
-    say(Picture{static_cast<std::uint8_t>(free),
-                {changed.left(), changed.top(), changed.width(), changed.height()},
-                m_view});
+    Picture ready{static_cast<std::uint8_t>(free), m_view, {}};
+    for (const QRect& part : changed)
+        ready.changed.push_back({part.left(), part.top(), part.width(), part.height()});
+    say(std::move(ready));
 }
 
 void FarEnd::takeSound(const SoundDevice& device)

@@ -6,6 +6,8 @@
 #include "flash/control/PictureMemory.h"
 #include "flash/control/SoundRing.h"
 
+#include <QRegion>
+
 #include <array>
 #include <deque>
 
@@ -66,11 +68,12 @@ private:
     std::deque<ToMovie> m_waiting; // came while the movie waited for an answer
     PictureMemory m_pictures;
     std::array<QImage, PictureMemory::kPictures> m_picture;
-    std::array<QRect, PictureMemory::kPictures> m_stale; // what each has not followed
-    int m_last = -1;                                     // the one that was drawn last
+    std::array<QRegion, PictureMemory::kPictures> m_stale; // what each has not followed
+    int m_last = -1;                                       // the one that was drawn last
     std::uint32_t m_view = 0;
     SoundRing m_ring;
     bool m_deviceOpen = false, m_confined = false, m_gone = false;
+    bool m_unseen = false;           // the window shows no pictures
     std::uint64_t m_takenBefore = 0; // frames that the device had taken when it was opened
     std::uint32_t m_lastAsked = 0;
 };

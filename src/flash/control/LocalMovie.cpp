@@ -1,9 +1,8 @@
 #include "flash/control/LocalMovie.h"
 
 #include "flash/AudioOutput.h"
+#include "flash/control/PicturePainting.h"
 #include "flash/sound/Mixer.h"
-
-#include <QPainter>
 
 #include <cmath>
 
@@ -86,8 +85,9 @@ void LocalMovie::tick()
 void LocalMovie::finish()
 {
     if (m_wantedView) m_runner.handle(*std::exchange(m_wantedView, std::nullopt));
-    if (const QRect dirty = m_runner.dirtyRect(); !dirty.isEmpty())
-        m_listener.pictureChanged(dirty, MovieListener::Painting::Later);
+    QRegion dirty;
+    for (const QRect& part : m_runner.dirtyRects()) dirty |= part;
+    if (!dirty.isEmpty()) m_listener.pictureChanged(dirty, MovieListener::Painting::Later);
     if (const auto wait = m_runner.msToNextStep())
         m_timer.start(static_cast<int>(std::ceil(*wait)));
     else
@@ -109,9 +109,9 @@ void LocalMovie::setView(int width, int height, double deviceScale)
 void LocalMovie::refresh()
 {
     if (isBusy()) return;
-    const QRect dirty = (m_runner.dirtyRect() | m_unpainted) & m_image.rect();
+    const std::vector<QRect> dirty = m_unpainted.isEmpty() ? m_runner.dirtyRects() : std::vector{m_unpainted};
     m_unpainted = QRect();
-    if (!dirty.isEmpty()) m_runner.render(m_image, dirty);
+    if (!dirty.empty()) m_runner.render(m_image, dirty);
 }
 
 void LocalMovie::paint(QPainter& painter, const QRegion& region, double deviceScale)
@@ -120,11 +120,7 @@ void LocalMovie::paint(QPainter& painter, const QRegion& region, double deviceSc
     // Opaque, so that it is copied without a look at each pixel's alpha.
     const QImage opaque(m_image.constBits(), m_image.width(), m_image.height(), m_image.bytesPerLine(),
                         QImage::Format_RGB32);
-    for (const QRect& rect : region) {
-        const QRectF source(rect.x() * deviceScale, rect.y() * deviceScale, rect.width() * deviceScale,
-                            rect.height() * deviceScale);
-        painter.drawImage(QRectF(rect), opaque, source);
-    }
+    paintPicture(painter, opaque, region, deviceScale);
 }
 
 void LocalMovie::releaseSound() { m_audio->release(); }

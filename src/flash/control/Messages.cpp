@@ -144,6 +144,18 @@ base::Result<Message> decodeAny(std::uint16_t kind, base::Bytes body)
 
 } // namespace
 
+Rectangle cutTo(const Rectangle& rectangle, std::int32_t width, std::int32_t height)
+{
+    const auto cut = [](std::int64_t from, std::int64_t length, std::int64_t limit) {
+        const std::int64_t begin = std::clamp<std::int64_t>(from, 0, limit);
+        const std::int64_t end = std::clamp<std::int64_t>(from + length, begin, limit);
+        return std::pair(static_cast<std::int32_t>(begin), static_cast<std::int32_t>(end - begin));
+    };
+    const auto [left, across] = cut(rectangle.left, rectangle.width, std::max(width, 0));
+    const auto [top, down] = cut(rectangle.top, rectangle.height, std::max(height, 0));
+    return {left, top, across, down};
+}
+
 void encode(const ToMovie& message, std::vector<std::uint8_t>& bytes) { encodeAny(message, bytes); }
 void encode(const FromMovie& message, std::vector<std::uint8_t>& bytes) { encodeAny(message, bytes); }
 

@@ -26,8 +26,12 @@ inline constexpr std::size_t kMaxListed = 32;
 
 struct Rectangle {
     std::int32_t left = 0, top = 0, width = 0, height = 0;
+    auto fields() { return std::tie(left, top, width, height); }
     friend bool operator==(const Rectangle&, const Rectangle&) = default;
 };
+
+/// The part of a rectangle that lies within a picture, whatever its numbers are.
+Rectangle cutTo(const Rectangle& rectangle, std::int32_t width, std::int32_t height);
 
 // Each message lists its fields once, in `fields`; encoding, decoding and comparison follow from it.
 
@@ -78,13 +82,15 @@ struct GetVariable {
 /// Numbers as FlashControl's properties; loop and muted are 0 or 1.
 struct Settings {
     std::uint8_t loop = 1, muted = 0, suspended = 0;
+    std::uint8_t unseen = 0; ///< nobody looks: no picture is needed, everything else goes on
     std::int32_t scaleMode = 0, quality = 1;
     double volume = 1, balance = 0; ///< 0 to 1; -1 (left) to 1 (right)
     double speed = 1;               ///< of the movie's time
     std::uint8_t secondThread = 0;  ///< may help with frames that take long
     auto fields()
     {
-        return std::tie(loop, muted, suspended, scaleMode, quality, volume, balance, speed, secondThread);
+        return std::tie(loop, muted, suspended, unseen, scaleMode, quality, volume, balance, speed,
+                        secondThread);
     }
     friend bool operator==(const Settings&, const Settings&) = default;
 };
@@ -245,12 +251,9 @@ struct Done {
 /// A picture is ready. What differs from the picture before lies in `changed`.
 struct Picture {
     std::uint8_t picture = 0;
-    Rectangle changed;
     std::uint32_t view = 0; ///< which View it was drawn for, counted from 1
-    auto fields()
-    {
-        return std::tie(picture, changed.left, changed.top, changed.width, changed.height, view);
-    }
+    std::vector<Rectangle> changed;
+    auto fields() { return std::tie(picture, view, changed); }
 };
 /// How a movie stands as it says something: see Engine::holdsOnlyTrusted() and hasReadFiles().
 struct Standing {

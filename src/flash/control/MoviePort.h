@@ -2,13 +2,12 @@
 
 #include "flash/control/Messages.h"
 
-#include <QRect>
+#include <QRegion>
 
 #include <memory>
 #include <optional>
 
 class QPainter;
-class QRegion;
 
 namespace flash::control
 {
@@ -26,8 +25,8 @@ public:
         Now,   ///< from the event loop: before the call returns, which saves a round through the loop
         Later, ///< somebody is in the middle of something
     };
-    /// A part of the picture has changed, device pixels.
-    virtual void pictureChanged(const QRect& part, Painting painting) = 0;
+    /// Parts of the picture have changed, device pixels.
+    virtual void pictureChanged(const QRegion& parts, Painting painting) = 0;
     virtual Answer asked(Ask::What what) = 0;
     virtual bool endsScripts() = 0;
     /// After heard() from the event loop: there is something to act on.

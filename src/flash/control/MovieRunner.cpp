@@ -102,13 +102,13 @@ std::optional<double> MovieRunner::msToNextStep()
     return std::clamp(m_engine.stage().msToNextEvent() / m_settings.speed - since, 0.0, kLongestWaitMs);
 }
 
-QRect MovieRunner::dirtyRect() { return m_engine.dirtyRect(); }
+std::vector<QRect> MovieRunner::dirtyRects() { return m_engine.dirtyRects(); }
 
-void MovieRunner::render(QImage& image, const QRect& rect)
+void MovieRunner::render(QImage& image, const std::vector<QRect>& rects)
 {
     QElapsedTimer cost;
     cost.start();
-    m_engine.render(image, rect);
+    m_engine.render(image, rects);
     m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
 }
 

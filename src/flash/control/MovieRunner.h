@@ -9,6 +9,7 @@
 #include <QRect>
 
 #include <optional>
+#include <vector>
 
 class QImage;
 
@@ -55,8 +56,8 @@ public:
     [[nodiscard]] qint64 busyForMs() const { return m_busy ? m_sinceBusy.elapsed() : 0; }
     [[nodiscard]] bool isOpen() const { return m_engine.isOpen(); }
     /// What has changed since it was drawn, device pixels.
-    [[nodiscard]] QRect dirtyRect();
-    void render(QImage& image, const QRect& rect);
+    [[nodiscard]] std::vector<QRect> dirtyRects();
+    void render(QImage& image, const std::vector<QRect>& rects);
     [[nodiscard]] sound::Mixer& mixer();
     /// What a device is to play next, in its pitch whatever the speed is.
     void mix(std::span<sound::StereoFrame> frames);

@@ -3,9 +3,9 @@
 #include "flash/AudioOutput.h"
 #include "flash/Engine.h"
 #include "flash/control/FarEnd.h"
+#include "flash/control/PicturePainting.h"
 #include "flash/stage/ContextMenu.h"
 
-#include <QPainter>
 #include <QPointer>
 
 #include <cerrno>
@@ -22,11 +22,11 @@ namespace flash::control
 namespace
 {
 
-constexpr int kWatchMs = 500, kSoundMs = 100, kPictureMs = 40;
+constexpr int kWatchMs = 500, kSoundMs = 100, kPictureMs = 40, kUnseenMs = 200;
 // Between input that a busy movie has not taken yet, moves of the mouse are left out.
 constexpr std::size_t kMuchUnsentBytes = 1U << 14U, kTooMuchUnsentBytes = 32U << 20U;
 // So many messages of a movie are handled before the window gets its turn again.
-constexpr int kMessagesAtOnce = 500;
+constexpr int kMessagesAtOnce = 500, kMaxChangedRects = 64;
 
 class RingSource : public SoundSource
 {
@@ -74,6 +74,7 @@ RemoteMovie::~RemoteMovie()
 void RemoteMovie::send(const ToMovie& message, int attached)
 {
     if (m_ended) return;
+    if (const auto* settings = std::get_if<Settings>(&message)) m_settings = *settings;
     if (!m_process->channel().send(message, attached) ||
         m_process->channel().waitingBytes() > kTooMuchUnsentBytes)
         ended();
@@ -210,7 +211,7 @@ void RemoteMovie::receiveFromLoop()
 
 void RemoteMovie::tellChange(MovieListener::Painting painting)
 {
-    if (const QRect changed = std::exchange(m_changed, {}); !changed.isEmpty())
+    if (const QRegion changed = std::exchange(m_changed, {}); !changed.isEmpty())
         m_listener.pictureChanged(changed, painting);
 }
 
@@ -311,10 +312,12 @@ void RemoteMovie::take(const Picture& picture)
     }
     m_shownIndex = picture.picture;
     m_shown = m_pictures.picture(m_shownIndex, QImage::Format_RGB32);
-    const Rectangle& changed = picture.changed;
-    m_changed |= before < 0
-                     ? m_shown.rect()
-                     : QRect(changed.left, changed.top, changed.width, changed.height) & m_shown.rect();
+    if (before < 0) m_changed = m_shown.rect();
+    for (const Rectangle& told : picture.changed) {
+        const Rectangle part = cutTo(told, m_shown.width(), m_shown.height());
+        m_changed |= QRect(part.left, part.top, part.width, part.height);
+    }
+    if (m_changed.rectCount() > kMaxChangedRects) m_changed = m_changed.boundingRect();
     if (before >= 0 && before != m_shownIndex && m_pictures.giveBack(before)) send(Release{});
 }
 
@@ -368,16 +371,25 @@ void RemoteMovie::setView(int width, int height, double deviceScale)
     send(View{width, height, deviceScale}, m_pictures.descriptor());
 }
 
+/// Somebody wants a picture of what is on no screen.
+void RemoteMovie::drawUnseen()
+{
+    const Settings settings = m_settings;
+    Settings seen = settings;
+    seen.unseen = 0;
+    send(seen);
+    sync();
+    waitFor([id = m_lastSync, this] { return m_doneSync == id; }, kUnseenMs);
+    send(settings);
+}
+
 void RemoteMovie::paint(QPainter& painter, const QRegion& region, double deviceScale)
 {
     // The window has just changed its size: a movie that is quick about it saves the old picture a stretch.
     if (m_shownView != m_view) waitFor([&] { return m_shownView == m_view; }, kPictureMs);
+    if (m_settings.unseen != 0) drawUnseen();
     if (m_shown.isNull()) return;
-    for (const QRect& rect : region) {
-        const QRectF source(rect.x() * deviceScale, rect.y() * deviceScale, rect.width() * deviceScale,
-                            rect.height() * deviceScale);
-        painter.drawImage(QRectF(rect), m_shown, source);
-    }
+    paintPicture(painter, m_shown, region, deviceScale);
 }
 
 void RemoteMovie::followSound()

@@ -66,6 +66,7 @@ private:
     void noteDevice(const char* what);
     void send(const ToMovie& message, int attached = -1);
     void sync();
+    void drawUnseen();
     /// Takes messages until `done`. @returns whether it came to pass in time
     template <class Done>
     bool waitFor(Done&& done, int limitMs);
@@ -78,7 +79,8 @@ private:
     // The pictures that are drawn into now, and those that the one on the screen belongs to.
     PictureMemory m_pictures, m_shownPictures;
     QImage m_shown;
-    QRect m_changed; // of it, not told yet
+    QRegion m_changed;   // of it, not told yet
+    Settings m_settings; // as the movie was told them last
     int m_shownIndex = -1;
     std::uint32_t m_view = 0, m_shownView = 0;
     std::shared_ptr<SoundRing> m_ring;

@@ -101,7 +101,7 @@ void Button::setState(State state)
         } else if (!wanted && shown != m_byRecord.end()) {
             const NodePtr gone = shown->second;
             m_byRecord.erase(shown);
-            m_stage.view().noteRemoved(gone->m_drawnBounds);
+            m_stage.view().noteRemoved(*gone, gone->m_drawnBounds);
             m_stage.displayList().queueUnload(*gone);
             m_stage.displayList().retire(*gone);
         }

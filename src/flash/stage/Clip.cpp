@@ -23,10 +23,22 @@ void noteSubtreeGone(Node& node)
 {
     guard::check();
     Stage& stage = node.stage();
-    stage.view().noteRemoved(node.takeChange());
+    stage.view().noteRemoved(node, node.takeChange());
     stage.focus().forget(node);
     stage.pointer().forget(node);
     for (const NodePtr& child : node.children()) noteSubtreeGone(*child);
+}
+
+/// What scripts are told of a drawing's bounds leaves out how far joints and square ends reach.
+bool hasPointedLines(const swf::Shape& shape)
+{
+    using Line = swf::LineStyle;
+    return std::ranges::any_of(shape.layers, [](const swf::ShapeLayer& layer) {
+        return std::ranges::any_of(layer.lines, [](const Line& line) {
+            return line.join == Line::Join::Miter || line.startCap == Line::Cap::Square ||
+                   line.endCap == Line::Cap::Square;
+        });
+    });
 }
 
 bool equalNames(std::string_view a, std::string_view b, Clip::Case sensitivity)
@@ -96,7 +108,9 @@ void Clip::take(Node& node)
                      m_children.end(), isIt);
     if (found == m_children.end()) found = std::find_if(m_children.begin(), m_children.end(), isIt);
     if (found == m_children.end()) return;
-    m_stage.view().noteRemoved(node.m_drawnBounds);
+    m_stage.view().noteRemoved(node, node.m_drawnBounds);
+    // What it masked may be seen whole from now on.
+    if (Node* masked = node.maskee()) masked->invalidate();
     m_children.erase(found);
     forgetBounds();
 }
@@ -314,6 +328,7 @@ swf::Rect Clip::bounds(Extent extent)
     if (m_drawing && !m_drawing->isEmpty()) {
         const swf::Shape& shape = *m_drawing->shape();
         all = extent == Extent::WithStrokes ? shape.bounds : shape.edgeBounds;
+        if (hasPointedLines(shape) || hasUnscaledLines(shape)) m_stage.view().noteOutgrowth();
     }
     for (const NodePtr& child : m_children)
         all = swf::unite(all, swf::mapBounds(child->matrix(), child->bounds(extent)));

@@ -121,24 +121,30 @@ void Focus::next(bool backwards)
     set(stops[index].second);
 }
 
-// Three pixels wide and within the bounds of what has the focus, above everything; around what takes the
-// pointer of a button. Fields show theirs by the caret.
-void Focus::draw(render::Canvas& canvas, const swf::Matrix& view)
+// Around what takes the pointer of a button. Fields show theirs by the caret.
+std::optional<std::array<swf::Point, 2>> Focus::frame(const swf::Matrix& view) const
 {
-    if (!isFramed() || !m_node || m_node->isRemoved() || !m_node->hearsInput()) return;
+    if (!isFramed() || !m_node || m_node->isRemoved() || !m_node->hearsInput()) return {};
     for (const Node* root = m_node.get(); root->parent(); root = root->parent())
-        if (!root->isVisible()) return;
+        if (!root->isVisible()) return {};
     const swf::Rect own = m_node->pointerBounds();
-    if (own.isEmpty()) return;
+    if (own.isEmpty()) return {};
     // Not rounded to twips: a turned clip's corners lie anywhere.
     const swf::Matrix toDevice = view * m_node->toStage();
     const std::array corners{toDevice.map(own.xMin, own.yMin), toDevice.map(own.xMax, own.yMin),
                              toDevice.map(own.xMin, own.yMax), toDevice.map(own.xMax, own.yMax)};
     const auto [left, right] = std::ranges::minmax(corners, {}, &swf::Point::x);
     const auto [top, bottom] = std::ranges::minmax(corners, {}, &swf::Point::y);
+    return std::array{swf::Point{left.x, top.y}, swf::Point{right.x, bottom.y}};
+}
+
+// Three pixels wide and within the bounds of what has the focus, above everything.
+void Focus::draw(render::Canvas& canvas, const swf::Matrix& view)
+{
+    const auto corners = frame(view);
+    if (!corners) return;
     // On a stage that is shown larger or smaller it keeps its width.
-    canvas.strokeInside({left.x, top.y}, {right.x, bottom.y}, 3 * m_stage.view().deviceScale(),
-                        {255, 255, 0, 255});
+    canvas.strokeInside((*corners)[0], (*corners)[1], 3 * m_stage.view().deviceScale(), {255, 255, 0, 255});
 }
 
 } // namespace flash::stage

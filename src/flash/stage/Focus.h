@@ -2,6 +2,9 @@
 
 #include "flash/stage/Node.h"
 
+#include <array>
+#include <optional>
+
 namespace flash::stage
 {
 
@@ -30,6 +33,8 @@ public:
     /// Whether a frame is drawn around the focus, and with it the keyboard's click is possible.
     [[nodiscard]] bool isFramed() const { return m_shown && m_framed; }
     [[nodiscard]] bool hidesAtEveryMove() const;
+    /// Where that frame is, upper left and lower right, device pixels; nothing where none is seen.
+    [[nodiscard]] std::optional<std::array<swf::Point, 2>> frame(const swf::Matrix& view) const;
     void draw(render::Canvas& canvas, const swf::Matrix& view);
 
     /// A node leaves the stage.

@@ -5,6 +5,7 @@
 #include "flash/render/HitTest.h"
 #include "flash/stage/Stage.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace flash::stage
@@ -30,6 +31,15 @@ swf::Matrix scaledBy(const swf::Matrix& m, double factor)
 
 } // namespace
 
+bool hasUnscaledLines(const swf::Shape& shape)
+{
+    return std::ranges::any_of(shape.layers, [](const swf::ShapeLayer& layer) {
+        return std::ranges::any_of(layer.lines, [](const swf::LineStyle& line) {
+            return line.noHorizontalScale || line.noVerticalScale;
+        });
+    });
+}
+
 bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint)
 {
     const auto sliced = node.sliced();
@@ -45,6 +55,12 @@ bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint
     if (rect.isEmpty() || !toStage.isInvertible()) return false;
     const swf::Point p = toStage.inverted().map(stagePoint);
     return p.x >= rect.xMin && p.x < rect.xMax && p.y >= rect.yMin && p.y < rect.yMax;
+}
+
+ShapeNode::ShapeNode(Stage& stage, std::shared_ptr<const swf::Shape> shape)
+    : Node(stage, NodeKind::Shape), m_shape(std::move(shape))
+{
+    if (hasUnscaledLines(*m_shape)) stage.view().noteOutgrowth();
 }
 
 swf::Rect ShapeNode::bounds(Extent extent) { return extentOf(*m_shape, extent); }
@@ -64,7 +80,10 @@ void MorphNode::setRatio(std::uint16_t ratio)
 }
 const std::shared_ptr<const swf::Shape>& MorphNode::shape()
 {
-    if (!m_shape) m_shape = std::make_shared<swf::Shape>(swf::interpolate(*m_morph, m_ratio));
+    if (!m_shape) {
+        m_shape = std::make_shared<swf::Shape>(swf::interpolate(*m_morph, m_ratio));
+        if (hasUnscaledLines(*m_shape)) m_stage.view().noteOutgrowth();
+    }
     return m_shape;
 }
 swf::Rect MorphNode::bounds(Extent extent) { return extentOf(*shape(), extent); }

@@ -12,10 +12,7 @@ namespace flash::stage
 class ShapeNode final : public Node
 {
 public:
-    ShapeNode(Stage& stage, std::shared_ptr<const swf::Shape> shape)
-        : Node(stage, NodeKind::Shape), m_shape(std::move(shape))
-    {
-    }
+    ShapeNode(Stage& stage, std::shared_ptr<const swf::Shape> shape);
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
@@ -151,6 +148,9 @@ private:
     bool m_smoothing;
     std::shared_ptr<const swf::Bitmap> m_picture;
 };
+
+/// Whether lines of a shape keep their width when it is scaled, which leads them out of its stated bounds.
+[[nodiscard]] bool hasUnscaledLines(const swf::Shape& shape);
 
 /// Whether a stage point (twips) lies on a shape of the node, as its scaling grid may spread it.
 bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint);

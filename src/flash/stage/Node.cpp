@@ -102,6 +102,7 @@ void Node::setFilters(std::vector<swf::Filter> filters)
     if (filters.empty() && m_filters.empty()) return;
     invalidate();
     m_filters = std::move(filters);
+    m_stage.view().noteOutgrowth();
     invalidate();
 }
 

@@ -201,6 +201,9 @@ public:
     /// Nothing unless there is a grid that counts: not when its clip is turned or skewed.
     [[nodiscard]] std::optional<Sliced> sliced();
 
+    /// What a scaling grid slices. Null for what is scaled as a whole.
+    [[nodiscard]] virtual std::shared_ptr<const swf::Shape> outline() { return nullptr; }
+
     /// What it contains, in depth order.
     [[nodiscard]] virtual std::span<const NodePtr> children() const { return {}; }
     /// Paints what the node itself shows; containers paint nothing (the renderer walks their children).
@@ -269,8 +272,6 @@ public:
 
 protected:
     Space& needSpace();
-    /// What a scaling grid slices. Null for what is scaled as a whole.
-    virtual std::shared_ptr<const swf::Shape> outline() { return nullptr; }
     void cacheScale();
     void fit(double pixels, double now, double own, double Node::*scale, void (Node::*set)(double));
     /// It counts no longer as one of the stage's instances.

@@ -3,6 +3,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/render/Filters.h"
 #include "flash/stage/Clip.h"
+#include "flash/stage/SeenBounds.h"
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
@@ -47,20 +48,26 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
         content = render::deviceBounds(node.reach(), toDevice);
         content = render::IntRect{content.left + 1, content.top + 1, content.right - 1, content.bottom - 1};
     }
+    const bool blends = node.blend() != swf::BlendMode::Normal;
     render::IntRect reach = content;
-    if (!node.filters().empty()) reach = render::grown(content, render::filterGrowth(node.filters(), scale));
+    if (!node.filters().empty())
+        reach = render::grown(content, render::filterGrowth(node.filters(), scale));
+    else if (!isLayered(node) && node.stage().view().hasOutgrowth())
+        reach = seenBounds(node, toDevice, scale);
     // What has left the plane may be seen far from where it would lie in it.
     const bool reachesOut = node.stage().view().hasSpaces() && node.holdsSpace();
     if (reachesOut) content = reach = m_canvas.clip();
-    if (!m_pictureRoot) node.noteDrawn(m_noteAs ? *m_noteAs : reach);
+    if (!m_pictureRoot) {
+        node.noteDrawn(m_noteAs ? *m_noteAs : reach);
+        if (!m_noteAs && followsContent(node)) node.stage().view().drawnPictures().note(node, reach, m_view);
+    }
     if (!reach.intersects(m_canvas.clip())) return;
 
     // Filters work on the part of the picture that the mask lets through. Where there is none, the player has
     // nothing to make a bitmap of, and shows the node as if it had neither filters nor mask.
     Node* mask = node.mask();
     static const std::vector<swf::Filter> kNoFilters;
-    const bool isMissed = mask && !node.filters().empty() && !mask->reach().isEmpty() &&
-                          !render::deviceBounds(mask->reach(), m_view * mask->toStage()).intersects(content);
+    const bool isMissed = mask && maskMisses(node, content, m_view);
     const std::vector<swf::Filter>& filters = isMissed ? kNoFilters : node.filters();
     if (isMissed) mask = nullptr;
     const bool alphaMask = mask && node.cacheAsBitmap() && mask->cacheAsBitmap();
@@ -69,7 +76,6 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
         drawAsMask(*mask, m_view * mask->toStage());
         m_canvas.endMask();
     }
-    const bool blends = node.blend() != swf::BlendMode::Normal;
     const bool layered = blends || !filters.empty() || node.cacheAsBitmap();
     if (layered) {
         constexpr long long kPixelsPerStep = 256;

@@ -53,7 +53,7 @@ void TextField::renewPictures()
     }
     for (const NodePtr& gone : nodes) {
         if (!gone) continue;
-        m_stage.view().noteRemoved(gone->m_drawnBounds);
+        m_stage.view().noteRemoved(*gone, gone->m_drawnBounds);
         m_stage.displayList().queueUnload(*gone);
         m_stage.displayList().retire(*gone);
     }

@@ -1,9 +1,11 @@
 #include "flash/stage/View.h"
 
+#include "flash/render/Bounds.h"
 #include "flash/render/Canvas.h"
-#include "flash/render/Filters.h"
 #include "flash/render/RenderCache.h"
+#include "flash/stage/Damage.h"
 #include "flash/stage/Renderer.h"
+#include "flash/stage/SeenBounds.h"
 #include "flash/stage/Stage.h"
 #include "flash/swf/Space.h"
 
@@ -14,7 +16,12 @@
 namespace flash::stage
 {
 
-View::View(Stage& stage) : m_stage(stage), m_renderCache(std::make_unique<render::RenderCache>()) {}
+View::View(Stage& stage)
+    : m_stage(stage), m_renderCache(std::make_unique<render::RenderCache>()),
+      m_damage(std::make_unique<Damage>()), m_drawnPictures(std::make_unique<DrawnPictures>())
+{
+    m_damage->setArea(area());
+}
 
 View::~View() = default;
 
@@ -94,9 +101,9 @@ void View::setBackdrop(std::size_t index, std::shared_ptr<const swf::Bitmap> pic
     if (m_backdrops.size() <= index) m_backdrops.resize(index + 1);
     Backdrop& backdrop = m_backdrops[index];
     const swf::Matrix view = matrix();
-    addDirty(render::deviceBounds(backdrop.reach(), view));
+    m_damage->add(render::deviceBounds(backdrop.reach(), view));
     backdrop = {std::move(picture), x, y};
-    addDirty(render::deviceBounds(backdrop.reach(), view));
+    m_damage->add(render::deviceBounds(backdrop.reach(), view));
 }
 
 void View::setFullScreen(bool on)
@@ -211,12 +218,34 @@ render::IntRect View::area() const
     return {0, 0, width, height};
 }
 
-void View::invalidateAll() { m_dirty = area(); }
+void View::invalidateAll()
+{
+    m_damage->setArea(area());
+    m_damage->add(area());
+}
 
-render::IntRect View::dirtyRect()
+namespace
+{
+
+/// Of a matrix that leads from twips.
+double pixelScale(const swf::Matrix& view)
+{
+    return std::sqrt(std::abs(view.a * view.d)) * swf::kTwipsPerPixel;
+}
+
+} // namespace
+
+void View::noteRemoved(const Node& node, const render::IntRect& drawnBounds)
+{
+    if (drawnBounds.isEmpty()) return;
+    m_damage->add(m_hasOutgrowth ? grownByFiltersAround(node, drawnBounds, pixelScale(matrix()))
+                                 : drawnBounds);
+}
+
+std::span<const render::IntRect> View::dirtyBoxes()
 {
     collectDirty();
-    return m_dirty;
+    return m_damage->boxes();
 }
 
 void View::collectDirty()
@@ -224,7 +253,14 @@ void View::collectDirty()
     m_stage.displayList().syncTextFields();
     if (Node* focus = m_stage.focus().node()) focus->tick(m_stage.nowMs());
     const swf::Matrix view = matrix();
-    const double scale = view.a * swf::kTwipsPerPixel;
+    const double scale = pixelScale(view);
+    collectFocusFrame(view);
+    // What is hidden may go unnoticed, and the content it was part of have other bounds since.
+    if (m_changedNodes.empty() && m_damage->isEmpty() && m_drawnPictures->isEmpty()) return;
+    // A further box is walked over by all that might show in it.
+    constexpr long long kBoxPixels = 4096, kPixelsPerInstance = 32;
+    m_damage->setBoxCost(kBoxPixels +
+                         kPixelsPerInstance * static_cast<long long>(m_stage.displayList().instances()));
     // What has left the plane is seen anywhere.
     if (hasSpaces() && !m_changedNodes.empty()) invalidateAll();
     const std::vector<std::weak_ptr<Node>> changed = std::move(m_changedNodes);
@@ -232,38 +268,53 @@ void View::collectDirty()
     for (const std::weak_ptr<Node>& entry : changed) {
         const NodePtr node = entry.lock();
         if (!node) continue;
-        // What lies under a mask that masks no more shows up whole; the mask itself is drawn from now on.
-        addDirty(node->takeChange());
-        if (node->isRemoved()) continue;
-        render::IntRect bounds = render::deviceBounds(node->reach(), view * node->toStage());
-        for (Node* at = node.get(); at; at = at->parent()) {
-            if (!at->filters().empty())
-                bounds = render::grown(bounds, render::filterGrowth(at->filters(), scale));
-            // A mask that no longer meets what has filters lets all of it be seen.
-            if (Node* maskee = at->maskee(); maskee && !maskee->filters().empty())
-                addDirty(render::grown(render::deviceBounds(maskee->reach(), view * maskee->toStage()),
-                                       render::filterGrowth(maskee->filters(), scale)));
-        }
-        addDirty(bounds);
+        noteRemoved(*node, node->takeChange());
+        if (node->isRemoved() || !canShow(*node)) continue;
+        m_damage->add(grownByFiltersAround(*node, seenBounds(*node, view * node->toStage(), scale), scale));
     }
-    m_dirty = render::intersect(m_dirty, area());
+    m_drawnPictures->collect(*m_damage, view, scale);
+    m_damage->settle();
 }
 
-void View::render(render::Canvas& canvas, const render::IntRect& clip)
+void View::collectFocusFrame(const swf::Matrix& view)
 {
-    collectDirty();
-    m_dirty = {};
-    const swf::Matrix view = matrix();
-    canvas.setClip(clip);
-    canvas.setPixelScale(std::sqrt(std::abs(view.a * view.d)) * swf::kTwipsPerPixel);
-    canvas.clear(m_background);
-    for (const Backdrop& backdrop : m_backdrops) {
-        if (backdrop.picture)
-            canvas.drawBitmap(*backdrop.picture, view * backdrop.place(), {}, render::Smoothing::On);
+    const auto frame = m_stage.focus().frame(view);
+    if (frame == m_focusFrame) return;
+    for (const auto& corners : {m_focusFrame, frame}) {
+        if (!corners) continue;
+        const auto [min, max] = *corners;
+        m_damage->add(render::boundsOf({}, min.x, min.y, max.x, max.y));
     }
-    Renderer renderer(canvas, view);
-    for (const auto& [number, root] : m_stage.displayList().levels()) renderer.drawNode(*root, view, {});
-    m_stage.focus().draw(canvas, view);
+    m_focusFrame = frame;
+}
+
+void View::render(render::Canvas& canvas, std::span<const render::IntRect> boxes)
+{
+    // What is to be drawn may be what is about to be forgotten.
+    const std::vector<render::IntRect> wanted(boxes.begin(), boxes.end());
+    collectDirty();
+    m_damage->clear();
+    const swf::Matrix view = matrix();
+    canvas.setPixelScale(pixelScale(view));
+    for (const render::IntRect& box : wanted) {
+        canvas.setClip(box);
+        canvas.clear(m_background);
+        for (const Backdrop& backdrop : m_backdrops) {
+            if (backdrop.picture)
+                canvas.drawBitmap(*backdrop.picture, view * backdrop.place(), {}, render::Smoothing::On);
+        }
+        Renderer renderer(canvas, view);
+        for (const auto& [number, root] : m_stage.displayList().levels()) renderer.drawNode(*root, view, {});
+        m_stage.focus().draw(canvas, view);
+    }
+}
+
+void View::forgetNodes()
+{
+    m_changedNodes.clear();
+    m_drawnPictures->clear();
+    m_focusFrame.reset();
+    m_hasOutgrowth = false;
 }
 
 void View::forgetGoneNodes()

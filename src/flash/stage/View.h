@@ -3,8 +3,11 @@
 #include "flash/render/Surface.h"
 #include "flash/stage/Node.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace flash::render
@@ -20,6 +23,9 @@ struct Perspective;
 
 namespace flash::stage
 {
+
+class Damage;
+class DrawnPictures;
 
 enum class ScaleMode : std::uint8_t { ShowAll, NoBorder, ExactFit, NoScale };
 enum class Quality : std::uint8_t { Low, Medium, High, Best };
@@ -68,10 +74,12 @@ public:
     [[nodiscard]] bool showsMenu() const { return m_showsMenu; }
 
     // ---- drawing ----
-    /// The union of what changed since the last call of render(), device pixels; empty when nothing did.
-    [[nodiscard]] render::IntRect dirtyRect();
-    /// Draws what lies in `clip` (device pixels), background included, and forgets what was dirty.
-    void render(render::Canvas& canvas, const render::IntRect& clip);
+    /// What changed since the last call of render(), device pixels: few boxes within the view, which may
+    /// overlap. None when nothing did. Valid until something changes.
+    [[nodiscard]] std::span<const render::IntRect> dirtyBoxes();
+    /// Draws what lies in `boxes` (device pixels), background included, and forgets what was dirty.
+    void render(render::Canvas& canvas, std::span<const render::IntRect> boxes);
+    void render(render::Canvas& canvas, const render::IntRect& box) { render(canvas, std::span(&box, 1)); }
     void invalidateAll();
     /// Pictures that lie below all else of the stage. @param picture opaque; none: there is none any more
     /// @param x, y of its upper left corner, pixels of the stage
@@ -82,10 +90,15 @@ public:
     // ---- for nodes ----
     void noteChanged(Node& node) { m_changedNodes.push_back(node.weak_from_this()); }
     /// It is drawn no longer where it was.
-    void noteRemoved(const render::IntRect& drawnBounds) { addDirty(drawnBounds); }
+    void noteRemoved(const Node& node, const render::IntRect& drawnBounds);
+    /// From now on there may be nodes that are seen outside what they say they reach.
+    void noteOutgrowth() { m_hasOutgrowth = true; }
+    [[nodiscard]] bool hasOutgrowth() const { return m_hasOutgrowth; }
+    /// How what is drawn as a picture of its own was drawn last.
+    [[nodiscard]] DrawnPictures& drawnPictures() { return *m_drawnPictures; }
     /// Those that are gone hold on to their memory as long as they are listed.
     void forgetGoneNodes();
-    void forgetNodes() { m_changedNodes.clear(); }
+    void forgetNodes();
     /// To be held by whatever leaves the plane.
     [[nodiscard]] const std::shared_ptr<const int>& spaces() const { return m_spaces; }
     [[nodiscard]] bool hasSpaces() const { return m_spaces.use_count() > 1; }
@@ -95,7 +108,7 @@ public:
 private:
     [[nodiscard]] render::IntRect area() const;
     void collectDirty();
-    void addDirty(const render::IntRect& rect) { m_dirty = render::unite(m_dirty, rect); }
+    void collectFocusFrame(const swf::Matrix& view);
 
     struct Backdrop {
         std::shared_ptr<const swf::Bitmap> picture;
@@ -115,8 +128,11 @@ private:
     bool m_fullScreen = false, m_showsMenu = true;
     int m_screenWidth = 0, m_screenHeight = 0;
     std::unique_ptr<render::RenderCache> m_renderCache;
-    render::IntRect m_dirty;
     std::vector<Backdrop> m_backdrops;
+    std::unique_ptr<Damage> m_damage;
+    std::unique_ptr<DrawnPictures> m_drawnPictures;
+    std::optional<std::array<swf::Point, 2>> m_focusFrame; ///< as drawn last
+    bool m_hasOutgrowth = false;
     std::vector<std::weak_ptr<Node>> m_changedNodes;
     std::shared_ptr<const int> m_spaces = std::make_shared<const int>();
     std::size_t m_changedKept = 0; ///< of those, still there when last looked at

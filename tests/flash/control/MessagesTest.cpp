@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -93,6 +94,47 @@ TEST(Messages, CutTextsThatAreTooLong)
     const auto cut = decodeWhole(bytesOf(SetVariable{"x", std::string(kMaxTextBytes + 5, 'y')}));
     ASSERT_TRUE(cut) << cut.error().what;
     EXPECT_EQ(std::get<SetVariable>(*cut).value.size(), kMaxTextBytes);
+}
+
+TEST(Messages, TellOfTheChangedPartsOfAPicture)
+{
+    const auto sent = [](const Picture& picture) {
+        std::vector<std::uint8_t> bytes;
+        encode(FromMovie(picture), bytes);
+        return bytes;
+    };
+    const auto decoded = [](const std::vector<std::uint8_t>& bytes) {
+        const auto header = decodeHeader(bytes);
+        return decodeFromMovie(header->kind, base::Bytes(bytes).subspan(kHeaderBytes));
+    };
+    Picture picture{2, 7, {}};
+    for (int i = 0; i < 8; ++i) picture.changed.push_back({10 * i, 20 * i, 5, 6});
+    auto few = decoded(sent(picture));
+    ASSERT_TRUE(few) << few.error().what;
+    EXPECT_EQ(std::get<Picture>(*few).fields(), picture.fields());
+
+    // A count of more than there may be, with and without the bytes for it.
+    auto hostile = sent(picture);
+    const std::size_t countAt = kHeaderBytes + 5;
+    ASSERT_EQ(hostile[countAt], 8);
+    hostile[countAt] = 9;
+    EXPECT_FALSE(decoded(hostile));
+    hostile[countAt] = kMaxListed + 1;
+    hostile.resize(countAt + 4 + 16 * (kMaxListed + 1));
+    EXPECT_FALSE(decoded(hostile));
+    std::fill_n(hostile.begin() + countAt, 4, std::uint8_t{0xFF});
+    EXPECT_FALSE(decoded(hostile));
+}
+
+TEST(Messages, PartsOutsideAPictureComeToNothing)
+{
+    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min(),
+                           kMost = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(cutTo({kLeast, kLeast, kMost, kMost}, 40, 30), (Rectangle{0, 0, 0, 0}));
+    EXPECT_EQ(cutTo({kMost, kMost, kMost, kMost}, 40, 30), (Rectangle{40, 30, 0, 0}));
+    EXPECT_EQ(cutTo({-10, -10, kMost, kMost}, 40, 30), (Rectangle{0, 0, 40, 30}));
+    EXPECT_EQ(cutTo({5, 5, -3, kLeast}, 40, 30), (Rectangle{5, 5, 0, 0}));
+    EXPECT_EQ(cutTo({30, 20, 20, 20}, 40, 30), (Rectangle{30, 20, 10, 10}));
 }
 
 TEST(Channel, PutsMessagesTogetherHoweverTheyArrive)

@@ -220,6 +220,25 @@ TEST_F(RemoteMovie, PagesAndMoviesDoNotShareAProcess)
     EXPECT_FALSE(m_control.LoadMovie(1, m_folder.path() + "/b.swf"));
 }
 
+TEST_F(RemoteMovie, IsDrawnForWhoeverGrabsItWhileNobodySeesIt)
+{
+    const QColor red(255, 0, 0), grey(128, 128, 128);
+    m_control.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_control));
+    load("a.swf", test::movingSquare(5));
+    m_control.Rewind();
+    EXPECT_EQ(pixel(10, 10), red);
+    m_control.hide();
+    m_control.GotoFrame(2);
+    EXPECT_EQ(pixel(50, 10), red);
+    EXPECT_EQ(pixel(10, 10), grey);
+    m_control.GotoFrame(3);
+    m_control.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_control));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pixel(70, 10) == red; }, 2000));
+    EXPECT_EQ(pixel(50, 10), grey);
+}
+
 TEST_F(RemoteMovie, FollowsTheWindowsSizeAndShowsThePictureOfEach)
 {
     load("a.swf", test::movingSquare(1));

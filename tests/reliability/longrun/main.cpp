@@ -117,7 +117,7 @@ bool playFor(double hours, const std::string& movie)
         // A longer pause would be caught up with in part only.
         const double frameMs = std::max(engine.stage().frameMs(), 1.0);
         for (double played = 0; played < kStepMs; played += frameMs) engine.advance(frameMs);
-        engine.render(image, image.rect());
+        engine.render(image, {image.rect()});
         seed = seed * 1664525U + 1013904223U;
         const double x = seed >> 8U & 0xFFU, y = seed >> 16U & 0xFFU;
         engine.stage().pointer().move(x, y);

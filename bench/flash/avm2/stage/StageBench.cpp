@@ -63,7 +63,7 @@ void frames(benchmark::State& state, const char* movie)
     const double frameMs = engine.stage().frameMs();
     const auto oneFrame = [&] {
         engine.advance(frameMs);
-        if (const QRect dirty = engine.dirtyRect(); !dirty.isEmpty()) engine.render(image, dirty);
+        if (const auto dirty = engine.dirtyRects(); !dirty.empty()) engine.render(image, dirty);
     };
     for (int i = 0; i < 3; ++i) oneFrame();
     for ([[maybe_unused]] auto round : state) oneFrame();

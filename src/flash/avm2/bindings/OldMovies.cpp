@@ -59,7 +59,7 @@ void OldMovieNode::noteChanges()
     stage::Stage& inner = m_movie->stage();
     const bool changed = inner.view().notedChanges() > 0 || inner.displayList().instances() != m_instances;
     m_instances = inner.displayList().instances();
-    static_cast<void>(inner.view().dirtyRect()); // forgets the changes
+    static_cast<void>(inner.view().dirtyBoxes()); // forgets the changes
     if (changed) contentChanged();
 }
 

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "flash/stage/Node.h"
+
+#include <memory>
+#include <unordered_map>
+
+namespace flash::stage
+{
+
+class Damage;
+
+/// The device pixels that a node with all it contains may cover. More than its reach: what its parts' filters
+/// add lies around them, and lines that do not scale may leave the bounds that a file states.
+/// @param scale device pixels to one pixel of the stage
+render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale);
+
+/// Where a change within `bounds` (device pixels) of a node shows: the filters of what contains it carry it
+/// further.
+render::IntRect grownByFiltersAround(const Node& node, render::IntRect bounds, double scale);
+
+/// Whether a node is drawn as a picture of its own first.
+[[nodiscard]] bool isLayered(const Node& node);
+
+/// Whether how a node looks as a whole follows from all it contains: as a picture of its own it lies on whole
+/// pixels and is cut where its content ends, a grid scales by it, a ground covers all of it.
+[[nodiscard]] bool followsContent(const Node& node);
+
+/// Whether a change of the node can show: neither it nor anything around it is hidden. What belongs to a mask
+/// counts, hidden or not.
+[[nodiscard]] bool canShow(const Node& node);
+
+/// Of each node that follows its content, how it was drawn last.
+class DrawnPictures
+{
+public:
+    /// @param seen device pixels
+    /// @param view stage twips to device pixels
+    void note(Node& node, const render::IntRect& seen, const swf::Matrix& view);
+    /// Adds those that look different as a whole because of what has changed around or in them.
+    void collect(Damage& damage, const swf::Matrix& view, double scale);
+    void clear() { m_notes.clear(); }
+    [[nodiscard]] bool isEmpty() const { return m_notes.empty(); }
+
+private:
+    struct Note {
+        std::weak_ptr<Node> node; // its memory stays while it is listed, so that no other takes its place
+        swf::Rect reach;
+        render::IntRect seen;
+        bool maskMisses = false;
+    };
+    std::unordered_map<const Node*, Note> m_notes;
+};
+
+/// Whether a node's mask leaves nothing of it; its filters do not count then.
+[[nodiscard]] bool maskMisses(Node& node, const render::IntRect& content, const swf::Matrix& view);
+
+} // namespace flash::stage
