@@ -4,8 +4,9 @@
   cpu_use.py PROGRAM MOVIE [--seconds S] [--settle S] [--window WIDTHxHEIGHT]
   cpu_use.py PROGRAM MOVIE --paired [--rounds N]
 
-Prints the processor time used in the span, in per cent of one core (user and system, all threads of all processes),
-and the memory of all processes together (proportional set size, so that what they share counts once). --paired plays
+Prints the processor time used in the span, in per cent of one core (user and system, all threads of all processes;
+then of each process), and the memory of all processes together (proportional set size, so that what they share counts
+once). --paired plays
 the movie twice at the same time, in a process of its own and inside the player's, and prints both and their ratio for
 each round and the median: what else the machine does then hits both alike. Starts a virtual display when there is
 none. The figures are for the program alone, not for the display server.
@@ -30,6 +31,11 @@ def used_seconds(pids):
             with open('/proc/%d/task/%s/schedstat' % (pid, task), encoding='ascii') as handle:
                 total += int(handle.read().split()[0]) / 1e9
     return total
+
+
+def name_of(pid):
+    with open('/proc/%d/comm' % pid, encoding='ascii', errors='replace') as handle:
+        return handle.read().strip()
 
 
 def memory_mib(pids):
@@ -61,10 +67,14 @@ class Playing:
         if self.process.poll() is not None:
             sys.exit('the program ended with status %d' % self.process.returncode)
         self.pids = family(self.process.pid)
-        self.before, self.begun = used_seconds(self.pids), time.monotonic()
+        self.before, self.begun = {pid: used_seconds([pid]) for pid in self.pids}, time.monotonic()
+
+    def shares(self):
+        """Of each process, in the order they were started in."""
+        return {pid: (used_seconds([pid]) - self.before[pid]) / (time.monotonic() - self.begun) for pid in self.pids}
 
     def share(self):
-        return (used_seconds(self.pids) - self.before) / (time.monotonic() - self.begun)
+        return sum(self.shares().values())
 
     def end(self):
         self.process.terminate()
@@ -89,8 +99,10 @@ def main():
             time.sleep(args.settle)
             playing.mark()
             time.sleep(args.seconds)
-            print('%.2f %% of one core over %.0f s, %.0f MiB' % (100 * playing.share(), args.seconds,
-                                                                memory_mib(playing.pids)))
+            shares = playing.shares()
+            print('%.2f %% of one core over %.0f s, %.0f MiB (%s)' %
+                  (100 * sum(shares.values()), args.seconds, memory_mib(playing.pids),
+                   ', '.join('%s %.2f %%' % (name_of(pid), 100 * share) for pid, share in shares.items())))
         finally:
             playing.end()
         return
