@@ -86,7 +86,7 @@ inline void play(base::Bytes movie, base::Bytes input, const std::string& query 
             input = input.subspan(3);
         }
         engine.advance(std::clamp(engine.stage().frameMs(), 1.0, 1000.0));
-        engine.render(image, image.rect());
+        engine.render(image, {image.rect()});
     }
     std::error_code ignored;
     std::filesystem::remove_all(options.storageFolder, ignored);

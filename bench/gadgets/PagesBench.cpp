@@ -23,7 +23,7 @@ void open(benchmark::State& state, const char* address, bool keepsEngine)
         if (!engine->open(std::string(GADGETS_DIR) + address)) state.SkipWithError("cannot be opened");
         QImage image(engine->stage().view().width(), engine->stage().view().height(),
                      QImage::Format_ARGB32_Premultiplied);
-        engine->render(image, image.rect());
+        engine->render(image, {image.rect()});
         benchmark::DoNotOptimize(image.bits());
     }
 }

@@ -17,7 +17,6 @@
 #include "flash/stage/Stage.h"
 #include "flash/swf/Texts.h"
 
-#include <QCryptographicHash>
 #include <QImage>
 #include <QRect>
 
@@ -52,13 +51,6 @@ base::Result<Source> readSource(const std::string& address, std::optional<std::v
     if (mark != std::string::npos) source.url += address.substr(mark);
     source.bytes = bytes ? std::move(*bytes) : TRY_RESULT(base::readFile(source.path, kMaxMovieBytes));
     return source;
-}
-
-/// A folder name of its own for each movie, made of its path so that two movies of one name do not meet.
-std::string storageName(const std::filesystem::path& movie)
-{
-    const QByteArray path = QByteArray::fromStdString(movie.string());
-    return QCryptographicHash::hash(path, QCryptographicHash::Sha1).toHex().toStdString();
 }
 
 render::IntRect toRender(const QRect& rect)
@@ -284,21 +276,6 @@ Engine::Engine(stage::HostEvents& host, Options options)
 }
 
 Engine::~Engine() = default;
-
-std::filesystem::path Engine::pathOf(const std::string& address)
-{
-    const std::string file = address.substr(0, address.rfind('?'));
-    const bool isUrl = file.size() > 5 && QByteArray::fromRawData(file.data(), 5).toLower() == "file:";
-    std::error_code ignored;
-    return std::filesystem::absolute(isUrl ? net::pathFromUrl(file) : base::pathNamed(file).string(),
-                                     ignored);
-}
-
-std::filesystem::path Engine::storageOf(const std::filesystem::path& storageFolder,
-                                        const std::filesystem::path& movie)
-{
-    return storageFolder / storageName(movie);
-}
 
 Engine::Options& Engine::options() { return d->options; }
 

@@ -15,13 +15,6 @@ namespace
 
 Value zero(Call&) { return 0; }
 Value minusOne(Call&) { return -1; }
-Value assignSlots(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 Value refuse(Call& call)
 {
     call.vm.throwError(ErrorClass::Argument, 2012,

@@ -95,6 +95,15 @@ inline bool fireWith(Vm& vm, DispatcherObject& target, std::string_view cls, std
 /// Status as peers of a network report it: a code and a level.
 void fireNetStatus(Vm& vm, DispatcherObject& target, std::string_view code, std::string_view level);
 
+/// A constructor that sets its object's variables in their order.
+inline Value assignSlots(Call& call)
+{
+    Object& self = *call.self.object();
+    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
+        call.vm.setSlotTyped(self, i, call.args[i]);
+    return {};
+}
+
 inline Value doNothing(Call&) { return {}; }
 inline Value isAlwaysFalse(Call&) { return false; }
 inline Value isAlwaysTrue(Call&) { return true; }

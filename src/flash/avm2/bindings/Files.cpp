@@ -34,13 +34,10 @@ Value unchosen(Call& call)
     call.vm.throwError(ErrorClass::Error, 2037,
                        "Functions called in incorrect sequence, or earlier call was unsuccessful.");
 }
-Value assignSlots(Call& call)
+Value constructFilter(Call& call)
 {
-    Object& self = *call.self.object();
-    self.setSlot(2, Value::null());
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
+    call.self.object()->setSlot(2, Value::null());
+    return assignSlots(call);
 }
 
 constexpr NativeMember kFile[] = {
@@ -82,7 +79,7 @@ constexpr NativeClass kClasses[] = {
      .name = "FileFilter",
      .base = {},
      .flags = NativeClass::Sealed | NativeClass::Final,
-     .constructor = &assignSlots,
+     .constructor = &constructFilter,
      .minArguments = 2,
      .maxArguments = 3,
      .slots = "description:String extension:String macType:String"},

@@ -387,14 +387,6 @@ constexpr NativeMember kCurrencies[] = {
     {"parse", Kind::Method, &parseCurrency, 1, 1},
 };
 
-Value takeSlots(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
-
 constexpr NativeClass formatter(std::string_view name, NativeFunction constructor,
                                 std::span<const NativeMember> members, std::string_view slots)
 {
@@ -415,7 +407,7 @@ constexpr NativeClass result(std::string_view name, std::string_view slots)
             .name = name,
             .base = {},
             .flags = NativeClass::Sealed | NativeClass::Final,
-            .constructor = &takeSlots,
+            .constructor = &assignSlots,
             .minArguments = 0,
             .maxArguments = 3,
             .slots = slots};

@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Graphics.h"
 #include "flash/avm2/bindings/Shaders.h"
 #include "flash/avm2/classes/Library.h"
@@ -143,22 +144,15 @@ void drawRecord(Vm& vm, GraphicsObject& graphics, Object& record)
     graphics.drawing().lineStyle(line);
 }
 
-Value assign(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 Value constructPath(Call& call)
 {
     if (call.has(2)) checkWinding(call.vm, call.arg(2));
-    return assign(call);
+    return assignSlots(call);
 }
 Value constructTriangles(Call& call)
 {
     if (call.has(3) && !isCulling(call.vm, call.arg(3))) notAccepted(call.vm, "culling");
-    return assign(call);
+    return assignSlots(call);
 }
 
 /// Paths grow by members of their own: a command and its numbers.
@@ -194,7 +188,8 @@ constexpr NativeMember kPath[] = {
 };
 
 constexpr NativeClass record(std::string_view name, std::string_view interfaces, std::string_view slots,
-                             NativeFunction constructor = &assign, std::span<const NativeMember> members = {})
+                             NativeFunction constructor = &assignSlots,
+                             std::span<const NativeMember> members = {})
 {
     return {.package = "flash.display",
             .name = name,

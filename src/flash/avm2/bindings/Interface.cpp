@@ -163,13 +163,6 @@ Value hideBuiltIn(Call& call)
     for (std::uint32_t i = 0; items != nullptr && i < items->slotCount(); ++i) items->setSlot(i, false);
     return {};
 }
-Value assignSlots(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 Value cloneSlots(Call& call)
 {
     Object& self = *call.self.object();

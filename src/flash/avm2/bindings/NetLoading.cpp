@@ -360,13 +360,6 @@ Value sendToUrl(Call& call)
     Player::of(call.vm).log("sendToURL: nothing is sent");
     return {};
 }
-Value assignSlots(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 
 using C = NativeConstant;
 constexpr C kMethods[] = {{"DELETE", 0, "DELETE"},   {"GET", 0, "GET"},   {"HEAD", 0, "HEAD"},

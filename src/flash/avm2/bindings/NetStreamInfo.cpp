@@ -11,14 +11,6 @@ using Kind = NativeMember::Kind;
 namespace
 {
 
-/// Numbers first, as the constructor takes them.
-Value construct(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 Value infoToText(Call& call)
 {
     Vm& vm = call.vm;
@@ -69,7 +61,7 @@ constexpr NativeClass kClasses[] = {
      .name = "NetStreamInfo",
      .base = {},
      .flags = NativeClass::Sealed | NativeClass::Final,
-     .constructor = &construct,
+     .constructor = &assignSlots,
      .minArguments = 0,
      .maxArguments = 22,
      .members = kInfo,

@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/ByteArray.h"
@@ -13,14 +14,6 @@ namespace flash::avm2
 
 namespace
 {
-
-Value assignSlots(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 
 constexpr NativeClass options(std::string_view name, std::string_view slots)
 {

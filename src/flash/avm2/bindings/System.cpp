@@ -181,14 +181,6 @@ constexpr NativeMember kCapabilities[] = {
 
 // ---- contexts of loads ----
 
-/// The variables of a class, in the order of its constructor's arguments.
-Value assignSlots(Call& call)
-{
-    Object& self = *call.self.object();
-    for (std::uint32_t i = 0; i < call.count && i < self.slotCount(); ++i)
-        call.vm.setSlotTyped(self, i, call.args[i]);
-    return {};
-}
 Value jpegContext(Call& call)
 {
     Object& self = *call.self.object();
