@@ -3,6 +3,9 @@
 #include "flash/stage/Stage.h"
 #include "flash/stage/TextField.h"
 
+#include <algorithm>
+#include <utility>
+
 // The pictures among a field's letters: clips that the field holds, placed where the layout leaves room.
 namespace flash::stage
 {
@@ -35,6 +38,8 @@ void TextField::renewPictures()
     if (wanted == m_pictures) return;
     // Before it is on its list it shows nothing, and the newer scripts keep their own lists.
     if (isRemoved() || !parent() || m_stage.script().keepsClips()) return;
+    const NodePtr self = shared_from_this();
+    std::vector<std::pair<TextPicture, NodePtr>> fresh;
     const std::vector<TextPicture> known = std::exchange(m_pictures, {});
     std::vector<NodePtr> nodes = std::exchange(m_pictureNodes, {});
     for (const TextPicture& picture : std::vector(wanted)) {
@@ -49,7 +54,7 @@ void TextField::renewPictures()
         if (!node) continue;
         m_pictures.push_back(picture);
         m_pictureNodes.push_back(node);
-        if (!stays) startPicture(picture, *node);
+        if (!stays) fresh.emplace_back(picture, node);
     }
     for (const NodePtr& gone : nodes) {
         if (!gone) continue;
@@ -58,6 +63,9 @@ void TextField::renewPictures()
         m_stage.displayList().retire(*gone);
     }
     invalidate();
+    // Last, because what begins runs scripts, which may give the field another text or take it away.
+    for (const auto& [picture, node] : fresh)
+        if (std::ranges::find(m_pictureNodes, node) != m_pictureNodes.end()) startPicture(picture, *node);
 }
 
 // An instance of the library's, or a clip that is still empty, on no list yet.

@@ -119,7 +119,8 @@ public:
         std::vector<Node*> nodes;
         list(*m_stage.root(), nodes);
         Node& node = *nodes[below(nodes.size())];
-        return "node " + nameOf(node) + ": " + change(node, nodes);
+        const std::string name = nameOf(node); // while it is there
+        return "node " + name + ": " + change(node, nodes);
     }
 
 private:
