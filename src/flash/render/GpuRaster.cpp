@@ -43,7 +43,7 @@ public:
     {
         std::vector<std::uint16_t> wanted(draw.indices.begin(), draw.indices.end());
         std::ranges::sort(wanted);
-        wanted.erase(std::ranges::unique(wanted).begin(), wanted.end());
+        wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
         m_corners.resize(wanted.size());
         GpuLanes lanes(*draw.vertex, *draw.vertexConstants, {});
         for (std::size_t from = 0; from < wanted.size(); from += kGpuLanes) {
