@@ -98,13 +98,16 @@ void GpuPixels::triangle(const GpuCorner& a, const GpuCorner& b, const GpuCorner
 {
     std::array<const GpuCorner*, 3> corners = {&a, &b, &c};
     std::array<std::int64_t, 3> x{}, y{};
-    const auto place = [&](std::size_t i) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        // What was cut off between numbers near the largest ones may be anywhere, or none.
+        constexpr double kFar = 16;
         const auto& p = corners[i]->position;
-        const double inverse = 1.0 / static_cast<double>(p[3]);
-        x[i] = std::llround((p[0] * inverse + 1) / 2 * m_target.width * kGrid);
-        y[i] = std::llround((1 - p[1] * inverse) / 2 * m_target.height * kGrid);
-    };
-    for (std::size_t i = 0; i < 3; ++i) place(i);
+        const double across = static_cast<double>(p[0]) / static_cast<double>(p[3]);
+        const double up = static_cast<double>(p[1]) / static_cast<double>(p[3]);
+        if (!(std::abs(across) <= kFar && std::abs(up) <= kFar)) return;
+        x[i] = std::llround((across + 1) / 2 * m_target.width * kGrid);
+        y[i] = std::llround((1 - up) / 2 * m_target.height * kGrid);
+    }
     std::int64_t area = (x[1] - x[0]) * (y[2] - y[0]) - (x[2] - x[0]) * (y[1] - y[0]);
     if (area == 0) return;
     Setup setup;
