@@ -136,7 +136,7 @@ public:
 
 /// Of `this`. @throws 3694 for one that was disposed of
 Context3DObject& contextSelf(Call& call);
-/// The four that a stage has.
+/// The four that a stage has; null for movies from before there were any, which start without them.
 Value newStage3Ds(Vm& vm);
 
 // Members of Context3D that make things.

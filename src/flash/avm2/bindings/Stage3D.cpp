@@ -253,6 +253,7 @@ flash.display3D.textures::RectangleTexture
 
 Value newStage3Ds(Vm& vm)
 {
+    if (vm.apiVersion() < kSince) return Value::null();
     ClassObject* cls = vm.nativeClass("flash.display::Stage3D");
     Root<Object> list(vm.heap(), vm.construct(Value(vm.vectorOf(cls->instances)), {}).object());
     for (std::size_t i = 0; i < kPlaces; ++i) {
