@@ -59,6 +59,7 @@ std::shared_ptr<const StampedShape> Canvas::Impl::stampsOf(const std::shared_ptr
         const auto count = static_cast<std::uint32_t>(styles);
         isWhole = isWhole && (reach.isEmpty() ||
                               (reach.left >= to.clip.left && reach.right <= to.clip.right &&
+                               reach.width() <= Stamp::kMaxWidth &&
                                DenseCells<std::int16_t>::suits(reach.width(), reach.height(), count)));
         m_reaches.push_back(moved(reach, -whole.dx, -whole.dy));
         hash = mixed(hash, m_reaches.back());

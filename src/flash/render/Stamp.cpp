@@ -38,7 +38,7 @@ void Stamp::addRow(int x, int y, std::span<const StyleSpan> spans)
     while (m_rowEnds.size() < index) m_rowEnds.push_back(static_cast<std::uint32_t>(m_pieces.size()));
     for (const StyleSpan& span : spans) {
         Piece piece;
-        piece.x = static_cast<std::int16_t>(span.x - x);
+        piece.x = static_cast<std::uint16_t>(span.x - x - m_bounds.left);
         piece.count = static_cast<std::uint16_t>(span.count);
         piece.style = static_cast<std::uint16_t>(span.style);
         piece.coverage = static_cast<std::uint16_t>(span.coverage);
@@ -71,12 +71,13 @@ void Stamp::paint(SpanPainter& painter, const Target& target, const IntRect& cli
     const int first = std::max(clip.top, m_bounds.top + dy);
     const int end = std::min(clip.bottom, m_bounds.top + dy + static_cast<int>(m_rowEnds.size()));
     if (m_onlyStyle == 0 || first >= end) return;
+    const int left = m_bounds.left + dx;
     const auto indexOf = [&](int y) { return static_cast<std::size_t>(y - dy - m_bounds.top); };
     if (m_onlyStyle != kSeveral) {
         if (const auto color = painter.plainColor(m_onlyStyle)) {
             for (int y = first; y < end; ++y) {
                 const auto pieces = row(indexOf(y));
-                if (!pieces.empty()) paintRow(pieces, *color, target.at(dx, y));
+                if (!pieces.empty()) paintRow(pieces, *color, target.at(left, y));
             }
             return;
         }
@@ -85,7 +86,7 @@ void Stamp::paint(SpanPainter& painter, const Target& target, const IntRect& cli
     for (int y = first; y < end; ++y) {
         spans.clear();
         for (const Piece& piece : row(indexOf(y)))
-            spans.push_back({piece.x + dx, piece.count, piece.style, piece.coverage,
+            spans.push_back({piece.x + left, piece.count, piece.style, piece.coverage,
                              piece.coverages == kEven ? nullptr : m_coverages.data() + piece.coverages});
         if (!spans.empty()) painter.row(y, spans);
     }

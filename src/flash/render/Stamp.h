@@ -22,7 +22,10 @@ struct Target;
 class Stamp
 {
 public:
-    /// @param bounds what was converted, relative to the whole pixel that the outline was moved to
+    static constexpr int kMaxWidth = 0xFFFF;
+
+    /// @param bounds what was converted, relative to the whole pixel that the outline was moved to; at most
+    ///               kMaxWidth wide
     explicit Stamp(const IntRect& bounds = {}) : m_bounds(bounds) {}
     [[nodiscard]] const IntRect& bounds() const { return m_bounds; }
     [[nodiscard]] std::size_t bytes() const;
@@ -34,7 +37,7 @@ public:
 
 private:
     struct Piece {
-        std::int16_t x = 0;
+        std::uint16_t x = 0; ///< from the left of the bounds, however far those lie from the shape's origin
         std::uint16_t count = 0, style = 0, coverage = 0;
         std::uint32_t coverages = kEven; ///< index of the first
     };

@@ -43,6 +43,35 @@ TEST(Stamps, PaintWhatConversionPaints)
     }
 }
 
+// A scroller a hundred screens long, moved to its end, and a picture wider than any screen.
+TEST(Stamps, MayLieFarFromTheOriginOfTheirShape)
+{
+    for (const int far : {-40'000, 40'000, 100'000}) {
+        const auto square = rectShape(far, 10, far + 40, 40, solid(255, 0, 0));
+        RenderCache cache;
+        for (int time = 0; time < 6; ++time) {
+            Surface surface(100, 50);
+            Canvas canvas(surface.view(), Quality::High, cache);
+            canvas.drawShape(square, {0.05, 0, 0, 0.05, 20.0 - far + time % 3, 0});
+            EXPECT_EQ(surface.pixel(20 + time % 3, 10), kRed);
+            EXPECT_EQ(surface.pixel(59 + time % 3, 39), kRed);
+            EXPECT_EQ(surface.pixel(19 + time % 3, 10), 0U);
+            EXPECT_EQ(surface.pixel(60 + time % 3, 39), 0U);
+        }
+        EXPECT_GT(cache.impl().stamps().usedBytes(), 0U);
+    }
+    constexpr int kWide = 70'000;
+    const auto band = rectShape(0, 0, kWide, 2, solid(255, 0, 0));
+    RenderCache cache;
+    Surface surface(kWide, 2);
+    Canvas canvas(surface.view(), Quality::High, cache);
+    for (int time = 0; time < 3; ++time) {
+        canvas.clear({});
+        canvas.drawShape(band, kStage);
+        EXPECT_EQ(surface.pixel(kWide - 1, 1), kRed);
+    }
+}
+
 TEST(Stamps, AreNotMadeOfWhatIsDrawnOnce)
 {
     RenderCache cache;
