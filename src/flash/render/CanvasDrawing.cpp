@@ -208,7 +208,7 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
             if (stamp != nullptr)
                 m_drawer.stamp(to, *stamp, next.dx, next.dy);
             else
-                m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(shape));
+                m_drawer.fills(to, flat->layers[i], toDevice, fillRuleOf(layer));
         }
         if (strokes != nullptr) drawStrokes(to, shape, *strokes, i, offset, toDevice, color, next);
     }
@@ -241,8 +241,8 @@ void Canvas::Impl::drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba 
         if (glyph.outline == nullptr || !isUsable(glyph.toDevice)) continue;
         if (to.coverage == Coverage::Exact && to.building == nullptr && layLetter(to, glyph, pixel)) continue;
         const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(glyph.toDevice));
-        for (const FlatLayer& layer : flat->layers)
-            m_drawer.silhouette(to, layer, glyph.toDevice, fillRuleOf(*glyph.outline));
+        for (std::size_t i = 0; i < flat->layers.size(); ++i)
+            m_drawer.silhouette(to, flat->layers[i], glyph.toDevice, fillRuleOf(glyph.outline->layers[i]));
     }
 }
 
@@ -271,8 +271,8 @@ bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph,
         Destination into;
         into.clip = into.whole = bounds;
         into.building = &made;
-        for (const FlatLayer& layer : flat->layers)
-            m_drawer.silhouette(into, layer, near, fillRuleOf(*glyph.outline));
+        for (std::size_t i = 0; i < flat->layers.size(); ++i)
+            m_drawer.silhouette(into, flat->layers[i], near, fillRuleOf(glyph.outline->layers[i]));
         letter = std::make_shared<const Mask>(std::move(made));
         m_cache.impl().keepLetter(glyph.outline, near, letter);
     }

@@ -31,9 +31,9 @@ struct CanvasFrame {
     std::size_t firstMaskBefore = 0;
 };
 
-inline FillRule fillRuleOf(const swf::Shape& shape)
+inline FillRule fillRuleOf(const swf::ShapeLayer& layer)
 {
-    return shape.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
+    return layer.nonZeroWinding ? FillRule::NonZero : FillRule::EvenOdd;
 }
 
 /// What a canvas is made of: what it draws with, and the masks and layers that are open.

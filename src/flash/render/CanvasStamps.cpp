@@ -102,7 +102,7 @@ std::shared_ptr<const StampedShape> Canvas::Impl::stampsOf(const std::shared_ptr
         if (!flat.layers[i].runs.empty()) {
             m_drawer.styles().clear();
             m_drawer.styles().resize(shape->layers[i].fills.size());
-            part([&] { m_drawer.fills(into, flat.layers[i], m, fillRuleOf(*shape)); });
+            part([&] { m_drawer.fills(into, flat.layers[i], m, fillRuleOf(shape->layers[i])); });
         }
         setSingleStyle({});
         while (strokes != nullptr && nextLine < strokes->lines.size() && strokes->lines[nextLine].layer == i)

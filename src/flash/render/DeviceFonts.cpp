@@ -95,7 +95,7 @@ public:
             }
         shape->edgeBounds = shape->bounds;
         // Contours of one glyph may overlap.
-        shape->nonZeroWinding = true;
+        m_layer.nonZeroWinding = true;
         m_layer.fills.emplace_back();
         shape->layers.push_back(std::move(m_layer));
         return shape;

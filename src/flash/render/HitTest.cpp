@@ -21,7 +21,7 @@ int crossing(FlatPoint from, FlatPoint to, swf::Point p)
     return to.y > from.y ? 1 : -1;
 }
 
-bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, bool nonZero, swf::Point p)
+bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, swf::Point p)
 {
     if (layer.points.empty() || p.x < layer.min.x || p.x > layer.max.x || p.y < layer.min.y ||
         p.y > layer.max.y)
@@ -37,7 +37,8 @@ bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, bool no
     }
     return std::ranges::any_of(windings, [&](const auto& winding) {
         const auto [fill, count] = winding;
-        return fill != 0 && fill <= styles.fills.size() && (nonZero ? count != 0 : count % 2 != 0);
+        return fill != 0 && fill <= styles.fills.size() &&
+               (styles.nonZeroWinding ? count != 0 : count % 2 != 0);
     });
 }
 
@@ -68,7 +69,7 @@ bool shapeContains(const swf::Shape& shape, swf::Point point, double hairlineTwi
     const FlatShape flat = flatten(shape, scaleStep({}));
     for (std::size_t i = 0; i < flat.layers.size(); ++i) {
         const FlatLayer& layer = flat.layers[i];
-        if (fillsContain(shape.layers[i], layer, shape.nonZeroWinding, point)) return true;
+        if (fillsContain(shape.layers[i], layer, point)) return true;
         for (const FlatStroke& stroke : layer.strokes) {
             const swf::LineStyle& style = shape.layers[i].lines[stroke.line - 1U];
             const double width = std::max<double>(style.width, hairlineTwips);

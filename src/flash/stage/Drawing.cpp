@@ -95,10 +95,21 @@ void Drawing::curveTo(swf::Point control, swf::Point to)
     m_pen = to;
 }
 
-void Drawing::fillByWinding()
+void Drawing::setWinding(Winding winding) { m_winding = winding; }
+
+/// Paths of one fill that differ in their rule lie in layers of their own.
+void Drawing::splitByWinding()
 {
-    m_work.nonZeroWinding = true;
-    m_built.reset();
+    if (!m_filling || !m_layerOpen || m_runOpen || m_pen != m_pathStart) return;
+    const bool nonZero = m_winding == Winding::NonZero;
+    if (m_work.layers.back().nonZeroWinding == nonZero) return;
+    if (!m_work.layers.back().runs.empty()) {
+        swf::ShapeLayer next;
+        next.fills = m_work.layers.back().fills;
+        m_work.layers.push_back(std::move(next));
+        m_lineIndex = 0;
+    }
+    m_work.layers.back().nonZeroWinding = nonZero;
 }
 
 void Drawing::clear() { *this = Drawing(); }
@@ -113,6 +124,7 @@ swf::EdgeRun& Drawing::run()
         m_lineIndex = 0;
         m_runOpen = false;
     }
+    splitByWinding();
     swf::ShapeLayer& layer = m_work.layers.back();
     if (m_line && m_lineIndex == 0 && layer.lines.size() < 0xFFFF) {
         layer.lines.push_back(*m_line);

@@ -16,9 +16,10 @@ public:
     void endFill();
     /// @param style nothing ends lines
     void lineStyle(std::optional<swf::LineStyle> style);
-    /// What a path goes around more than once, in one direction, is filled all the same: counts for the whole
-    /// drawing from now on.
-    void fillByWinding();
+    /// Whether what a path goes around twice in one direction is filled, too, or a hole. Counts for what is
+    /// begun from now on; a path amid its edges goes on as it is.
+    enum class Winding { EvenOdd, NonZero };
+    void setWinding(Winding winding);
     void moveTo(swf::Point to);
     /// How far the box around lines goes beyond them: before version 8 by the whole width.
     enum class Reach { HalfWidth, Width };
@@ -36,6 +37,7 @@ public:
 
 private:
     swf::EdgeRun& run();
+    void splitByWinding();
     void append(const swf::Edge& edge);
     void closePath();
     void include(swf::Point point);
@@ -43,6 +45,7 @@ private:
     mutable std::shared_ptr<const swf::Shape> m_built;
     std::optional<swf::LineStyle> m_line;
     Reach m_reach = Reach::HalfWidth;
+    Winding m_winding = Winding::EvenOdd;
     bool m_filling = false, m_runOpen = false, m_layerOpen = false;
     std::uint16_t m_lineIndex = 0; ///< of m_line in the open layer, from 1; 0 while it is not there
     swf::Point m_pen, m_pathStart;

@@ -131,7 +131,6 @@ public:
 
     swf::Shape run()
     {
-        m_result.nonZeroWinding = m_shape.nonZeroWinding;
         for (const swf::ShapeLayer& layer : m_shape.layers) addLayer(layer);
         m_result.bounds = rectOf(m_bounds);
         m_result.edgeBounds = rectOf(m_edgeBounds);
@@ -158,6 +157,7 @@ private:
         swf::ShapeLayer& sliced = m_result.layers.emplace_back();
         sliced.fills = layer.fills;
         sliced.lines = layer.lines;
+        sliced.nonZeroWinding = layer.nonZeroWinding;
         for (const swf::EdgeRun& run : layer.runs) sliced.runs.push_back(addRun(run));
         for (std::size_t i = 0; i < sliced.fills.size(); ++i) restyle(sliced.fills[i], m_fills[i + 1]);
         for (std::size_t i = 0; i < sliced.lines.size(); ++i) {

@@ -75,12 +75,12 @@ struct ShapeLayer {
     std::vector<FillStyle> fills;
     std::vector<LineStyle> lines;
     std::vector<EdgeRun> runs;
+    bool nonZeroWinding = false; ///< what the runs go around twice in one direction is filled, too
 };
 
 struct Shape {
     Rect bounds;     ///< with strokes, as stated in the file
     Rect edgeBounds; ///< without strokes; equals bounds before DefineShape4
-    bool nonZeroWinding = false;
     std::vector<ShapeLayer> layers;
 };
 

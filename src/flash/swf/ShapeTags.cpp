@@ -29,9 +29,10 @@ base::Result<void> defineShape(TagContext& tag)
     const std::uint16_t id = body.u16();
     shape->bounds = body.rect();
     shape->edgeBounds = shape->bounds;
+    bool usesWinding = false;
     if (form.number >= 4) {
         shape->edgeBounds = body.rect();
-        shape->nonZeroWinding = (body.u8() & kUsesWindingRule) != 0;
+        usesWinding = (body.u8() & kUsesWindingRule) != 0;
     }
     Budget& budget = tag.builder.definitions();
     auto styles = readStyles(body, form, budget);
@@ -42,6 +43,7 @@ base::Result<void> defineShape(TagContext& tag)
     else if (body.overrun())
         tag.warn("ends within its edges; those before the end are used");
     dropBadIndices(*shape);
+    for (ShapeLayer& layer : shape->layers) layer.nonZeroWinding = usesWinding;
     tag.builder.defineShape(id, std::move(shape));
     return {};
 }

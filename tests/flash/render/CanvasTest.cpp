@@ -149,7 +149,7 @@ TEST(Canvas, OverlapOfOneFillIsAHoleUnlessWindingsCount)
     EXPECT_EQ(evenOdd.at(4, 4), kWhite);
 
     swf::Shape shape = *shapeOf(layer);
-    shape.nonZeroWinding = true;
+    shape.layers[0].nonZeroWinding = true;
     Picture nonZero(8, 8);
     nonZero.canvas.drawShape(shape, kStage);
     EXPECT_EQ(nonZero.at(4, 4), kBlue);

@@ -1,6 +1,8 @@
 #include "MovieBuilder.h"
 
+#include "flash/render/HitTest.h"
 #include "flash/stage/Button.h"
+#include "flash/stage/Drawing.h"
 #include "flash/stage/Stage.h"
 
 #include <gmock/gmock.h>
@@ -136,6 +138,52 @@ struct Other : Peer {
     static constexpr char kTag = 0;
     Other() : Peer(&kTag) {}
 };
+
+void goAroundTwice(Drawing& drawing, double left)
+{
+    for (const double inset : {0.0, 100.0}) {
+        const double low = left + inset, high = left + 400 - inset;
+        drawing.moveTo({low, inset});
+        for (const swf::Point to : {swf::Point{high, inset}, {high, 400 - inset}, {low, 400 - inset}})
+            drawing.lineTo(to);
+    }
+}
+
+TEST(Drawing, AWindingRuleIsItsPathsOwn)
+{
+    using Winding = Drawing::Winding;
+    Drawing drawing;
+    drawing.lineStyle(swf::LineStyle{});
+    drawing.beginFill({});
+    goAroundTwice(drawing, 0);
+    drawing.setWinding(Winding::NonZero);
+    goAroundTwice(drawing, 1000);
+    drawing.setWinding(Winding::EvenOdd);
+    goAroundTwice(drawing, 2000);
+    drawing.endFill();
+    const swf::Shape& shape = *drawing.shape();
+    for (const double left : {0.0, 1000.0, 2000.0}) {
+        EXPECT_TRUE(render::shapeContains(shape, {left + 50, 200}));
+        EXPECT_EQ(render::shapeContains(shape, {left + 200, 200}), left == 1000) << left;
+    }
+    // Each part has all of its lines.
+    ASSERT_EQ(shape.layers.size(), 3U);
+    for (const swf::ShapeLayer& layer : shape.layers)
+        for (const swf::EdgeRun& run : layer.runs) EXPECT_EQ(run.line, 1);
+    EXPECT_EQ(shape.edgeBounds, (swf::Rect{0, 2400, 0, 400}));
+}
+
+TEST(Drawing, APathAmidItsEdgesKeepsItsRule)
+{
+    Drawing drawing;
+    drawing.beginFill({});
+    drawing.lineTo({400, 0});
+    drawing.setWinding(Drawing::Winding::NonZero);
+    drawing.lineTo({400, 400});
+    drawing.endFill();
+    ASSERT_EQ(drawing.shape()->layers.size(), 1U);
+    EXPECT_FALSE(drawing.shape()->layers[0].nonZeroWinding);
+}
 
 TEST(Peer, IsThatOfItsMachineOnly)
 {

@@ -77,9 +77,9 @@ TEST(Shape, ReadsTheLinesAndWindingOfItsFourthForm)
 {
     const auto movie = parsed(sampleMovie());
     const auto shape = shapeOf(*movie, 11);
-    EXPECT_TRUE(shape->nonZeroWinding);
     EXPECT_EQ(shape->edgeBounds, (Rect{1, 2, 3, 4}));
     ASSERT_EQ(shape->layers.size(), 1U);
+    EXPECT_TRUE(shape->layers[0].nonZeroWinding);
     const auto& fills = shape->layers[0].fills;
     ASSERT_EQ(fills.size(), 3U);
     EXPECT_EQ(fills[0].kind, FillStyle::Kind::LinearGradient);

@@ -35,11 +35,6 @@ void checkWinding(Vm& vm, Value winding)
     const std::u16string_view text = vm.text(winding);
     if (text != u"evenOdd" && text != u"nonZero") notAccepted(vm, "winding");
 }
-/// The rule is the drawing's, not the path's: one path that asks for it changes those before.
-void fillBy(Vm& vm, GraphicsObject& graphics, Value winding)
-{
-    if (vm.text(winding) == u"nonZero") graphics.drawing().fillByWinding();
-}
 bool isCulling(Vm& vm, Value culling)
 {
     if (culling.isNullish()) return false;
@@ -47,7 +42,7 @@ bool isCulling(Vm& vm, Value culling)
     return text == u"none" || text == u"positive" || text == u"negative";
 }
 
-void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
+void addPath(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
 {
     const auto commands = numbersOf(vm, commandList), data = numbersOf(vm, dataList);
     if (!commands.empty() && data.size() % 2 != 0) invalidGraphicsArgument(vm);
@@ -94,6 +89,19 @@ void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
     graphics.changed();
 }
 
+/// @param winding of this path only
+void path(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList, Value winding)
+{
+    using Winding = stage::Drawing::Winding;
+    struct Restore {
+        stage::Drawing& drawing;
+        ~Restore() { drawing.setWinding(Winding::EvenOdd); }
+    } const restore{graphics.drawing()};
+    const bool nonZero = !winding.isNullish() && vm.text(winding) == u"nonZero";
+    restore.drawing.setWinding(nonZero ? Winding::NonZero : Winding::EvenOdd);
+    addPath(vm, graphics, commandList, dataList);
+}
+
 Value slot(Object& object, std::uint32_t index)
 {
     return index < object.slotCount() ? object.slot(index) : Value::null();
@@ -124,8 +132,7 @@ void drawRecord(Vm& vm, GraphicsObject& graphics, Object& record)
     const std::u16string_view name = record.traits()->name.view();
     if (name == u"GraphicsPath") {
         checkWinding(vm, slot(record, 2));
-        fillBy(vm, graphics, slot(record, 2));
-        return path(vm, graphics, slot(record, 0), slot(record, 1));
+        return path(vm, graphics, slot(record, 0), slot(record, 1), slot(record, 2));
     }
     if (name == u"GraphicsTrianglePath")
         return addTriangles(vm, graphics, slot(record, 0), slot(record, 1), slot(record, 2),
@@ -252,11 +259,8 @@ constexpr NativeClass kClasses[] = {
 Value drawPath(Call& call)
 {
     auto& self = graphicsSelf(call);
-    if (call.has(2)) {
-        checkWinding(call.vm, call.arg(2));
-        fillBy(call.vm, self, call.arg(2));
-    }
-    path(call.vm, self, call.arg(0), call.arg(1));
+    if (call.has(2)) checkWinding(call.vm, call.arg(2));
+    path(call.vm, self, call.arg(0), call.arg(1), call.has(2) ? call.arg(2) : Value());
     return {};
 }
 

@@ -28,8 +28,8 @@ public:
     {
         for (const swf::ShapeLayer& layer : shape.layers) {
             for (std::size_t fill = 1; fill <= layer.fills.size(); ++fill)
-                readFill(shape, layer, static_cast<std::uint16_t>(fill), toOwner);
-            readLines(shape, layer, toOwner);
+                readFill(layer, static_cast<std::uint16_t>(fill), toOwner);
+            readLines(layer, toOwner);
         }
     }
     void readObject(DisplayObject& object, const swf::Matrix& toOwner, bool recurses, int depth)
@@ -194,8 +194,7 @@ private:
     }
 
     /// The runs around a fill, with the lines that belong to them.
-    void readFill(const swf::Shape& shape, const swf::ShapeLayer& layer, std::uint16_t fill,
-                  const swf::Matrix& toOwner)
+    void readFill(const swf::ShapeLayer& layer, std::uint16_t fill, const swf::Matrix& toOwner)
     {
         const auto touches = [&](const swf::EdgeRun& run) { return run.fill0 == fill || run.fill1 == fill; };
         if (m_records.size() > kMostRecords || std::ranges::none_of(layer.runs, touches)) return;
@@ -209,18 +208,18 @@ private:
             const bool isOther = run.fill0 != 0 && run.fill1 != 0 && std::min(run.fill0, run.fill1) != fill;
             const std::uint16_t wanted = isOther || run.line > layer.lines.size() ? 0 : run.line;
             if (wanted != line) {
-                addPath(path, shape.nonZeroWinding);
+                addPath(path, layer.nonZeroWinding);
                 addStroke(wanted != 0 ? &layer.lines[wanted - 1U] : nullptr, toOwner);
                 line = wanted;
             }
             addRun(path, run, toOwner);
         }
-        addPath(path, shape.nonZeroWinding);
+        addPath(path, layer.nonZeroWinding);
         add("GraphicsEndFill");
         if (line != 0) addStroke(nullptr, toOwner);
     }
     /// The runs that nothing is filled beside.
-    void readLines(const swf::Shape& shape, const swf::ShapeLayer& layer, const swf::Matrix& toOwner)
+    void readLines(const swf::ShapeLayer& layer, const swf::Matrix& toOwner)
     {
         Path path(m_vm);
         std::uint16_t line = 0;
@@ -230,13 +229,13 @@ private:
             if (!isLine || m_records.size() > kMostRecords) continue;
             m_vm.check();
             if (run.line != line) {
-                addPath(path, shape.nonZeroWinding);
+                addPath(path, layer.nonZeroWinding);
                 line = run.line;
                 addStroke(&layer.lines[line - 1U], toOwner);
             }
             addRun(path, run, toOwner);
         }
-        addPath(path, shape.nonZeroWinding);
+        addPath(path, layer.nonZeroWinding);
         if (line != 0) addStroke(nullptr, toOwner);
     }
 
