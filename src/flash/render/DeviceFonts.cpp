@@ -9,7 +9,9 @@
 #include <QString>
 #include <QStringList>
 #include <QTextLayout>
+#include <QtEndian>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
@@ -176,6 +178,32 @@ public:
     {
     }
     [[nodiscard]] Metrics metrics() const override { return m_metrics; }
+    // As the tables OS/2 and post state them, in the font's own units and upwards.
+    [[nodiscard]] Extras extras() const override
+    {
+        Extras extras = FontFace::extras();
+        const double own = m_font.unitsPerEm();
+        if (!(own > 0)) return extras;
+        const QByteArray os2 = m_font.fontTable("OS/2"), post = m_font.fontTable("post");
+        const auto number = [&](const QByteArray& table, qsizetype at) {
+            return static_cast<double>(qFromBigEndian<qint16>(table.constData() + at));
+        };
+        const double toUnits = kUnitsPerEm / own;
+        constexpr qsizetype kOs2Needed = 30, kPostNeeded = 12;
+        if (os2.size() >= kOs2Needed && number(os2, 12) > 0 && number(os2, 20) > 0) {
+            extras.subscriptScale = number(os2, 12) / own;
+            extras.subscript = number(os2, 16) * toUnits;
+            extras.superscriptScale = number(os2, 20) / own;
+            extras.superscript = -number(os2, 24) * toUnits;
+            extras.strikeThickness = number(os2, 26) * toUnits;
+            extras.strike = -number(os2, 28) * toUnits + extras.strikeThickness / 2;
+        }
+        if (post.size() >= kPostNeeded && number(post, 10) > 0) {
+            extras.underlineThickness = number(post, 10) * toUnits;
+            extras.underline = -number(post, 8) * toUnits;
+        }
+        return extras;
+    }
     [[nodiscard]] const FaceGlyph* glyph(char32_t character) const override
     {
         const auto known = m_glyphs.find(character);
@@ -280,6 +308,16 @@ private:
 
 DeviceFonts::DeviceFonts() : m_impl(std::make_unique<Impl>()) {}
 DeviceFonts::~DeviceFonts() = default;
+
+bool DeviceFonts::has(std::string_view name)
+{
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) return false;
+    const QString names = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+    const QStringList all = names.split(u',', Qt::SkipEmptyParts);
+    return names.startsWith(u'_') || std::ranges::any_of(all, [](const QString& one) {
+               return QFontDatabase::hasFamily(one.trimmed());
+           });
+}
 
 FontFacePtr DeviceFonts::face(std::string_view name, bool bold, bool italic)
 {

@@ -1,6 +1,8 @@
 #include "flash/render/FontFace.h"
 
 #include <algorithm>
+#include <cmath>
+#include <unordered_map>
 #include <vector>
 
 namespace flash::render
@@ -50,7 +52,77 @@ private:
     std::vector<FaceGlyph> m_glyphs;
 };
 
+std::shared_ptr<const swf::Shape> scaled(const swf::Shape& shape, double scale)
+{
+    const auto move = [&](std::int32_t& value) {
+        value = static_cast<std::int32_t>(std::lround(value * scale));
+    };
+    auto result = std::make_shared<swf::Shape>(shape);
+    for (swf::Rect* rect : {&result->bounds, &result->edgeBounds})
+        for (std::int32_t* side : {&rect->xMin, &rect->xMax, &rect->yMin, &rect->yMax}) move(*side);
+    for (swf::ShapeLayer& layer : result->layers)
+        for (swf::EdgeRun& run : layer.runs) {
+            move(run.startX);
+            move(run.startY);
+            for (swf::Edge& edge : run.edges)
+                for (std::int32_t* value : {&edge.controlX, &edge.controlY, &edge.anchorX, &edge.anchorY})
+                    move(*value);
+        }
+    return result;
+}
+
+class CompletedFace final : public FontFace
+{
+public:
+    CompletedFace(FontFacePtr first, FontFacePtr second)
+        : m_first(std::move(first)), m_second(std::move(second)),
+          m_scale(m_first->metrics().unitsPerEm / m_second->metrics().unitsPerEm)
+    {
+    }
+    [[nodiscard]] Metrics metrics() const override { return m_first->metrics(); }
+    [[nodiscard]] Extras extras() const override { return m_first->extras(); }
+    [[nodiscard]] const FaceGlyph* glyph(char32_t character) const override
+    {
+        if (const FaceGlyph* own = m_first->glyph(character)) return own;
+        const auto known = m_glyphs.find(character);
+        if (known != m_glyphs.end()) return &known->second;
+        const FaceGlyph* other = m_second->glyph(character);
+        if (other == nullptr) return nullptr;
+        FaceGlyph made{other->outline ? scaled(*other->outline, m_scale) : nullptr, other->advance * m_scale};
+        return &m_glyphs.emplace(character, std::move(made)).first->second;
+    }
+    [[nodiscard]] double kerning(char32_t left, char32_t right) const override
+    {
+        return m_first->kerning(left, right);
+    }
+
+private:
+    FontFacePtr m_first, m_second;
+    double m_scale;
+    mutable std::unordered_map<char32_t, FaceGlyph> m_glyphs; ///< those of the second, filled on demand
+};
+
 } // namespace
+
+FontFace::Extras FontFace::extras() const
+{
+    const double em = metrics().unitsPerEm;
+    return {.underline = 0.1 * em,
+            .underlineThickness = 0.05 * em,
+            .strike = -0.3 * em,
+            .strikeThickness = 0.05 * em,
+            .subscript = 0.2 * em,
+            .subscriptScale = 0.7,
+            .superscript = -0.35 * em,
+            .superscriptScale = 0.7};
+}
+
+FontFacePtr completedBy(FontFacePtr first, FontFacePtr second)
+{
+    if (first == nullptr || second == nullptr) return first != nullptr ? first : second;
+    if (!(second->metrics().unitsPerEm > 0)) return first;
+    return std::make_shared<CompletedFace>(std::move(first), std::move(second));
+}
 
 FontFacePtr makeEmbeddedFace(std::shared_ptr<const swf::Font> font)
 {

@@ -22,8 +22,18 @@ public:
         double ascent = 0, descent = 0; ///< both counted away from the baseline
         double leading = 0;
     };
+    /// Lines at letters, and letters beside the line. Distances are below the baseline, negative above it;
+    /// of lines that is the middle.
+    struct Extras {
+        double underline = 0, underlineThickness = 0;
+        double strike = 0, strikeThickness = 0;
+        double subscript = 0, subscriptScale = 1; ///< times the size
+        double superscript = 0, superscriptScale = 1;
+    };
     virtual ~FontFace() = default;
     [[nodiscard]] virtual Metrics metrics() const = 0;
+    /// Those that text fonts usually have, where the font does not say.
+    [[nodiscard]] virtual Extras extras() const;
     /// @returns the glyph of a character; null when the font has none. Lives as long as the face.
     [[nodiscard]] virtual const FaceGlyph* glyph(char32_t character) const = 0;
     /// What is added between two characters.
@@ -33,6 +43,8 @@ using FontFacePtr = std::shared_ptr<const FontFace>;
 
 /// A font of the movie. Characters outside the basic plane are never in it.
 FontFacePtr makeEmbeddedFace(std::shared_ptr<const swf::Font> font);
+/// The first face, with the letters that it has not from the second. Each of them may be null.
+FontFacePtr completedBy(FontFacePtr first, FontFacePtr second);
 
 /// Fonts of the machine, by the names that movies use: "_sans", "_serif", "_typewriter" and family names. A
 /// family that is not installed is replaced by one of its kind; ascent and descent are those of the fonts
@@ -51,6 +63,8 @@ public:
     /// @param name UTF-8; several may stand separated by commas, the first installed one counts
     /// @returns the face, kept for further calls; null when the machine has no fonts at all
     FontFacePtr face(std::string_view name, bool bold, bool italic);
+    /// Whether that would be a font of this name, and not another one instead.
+    [[nodiscard]] static bool has(std::string_view name);
 
 private:
     class Impl;

@@ -28,8 +28,8 @@ public:
     render::FontFacePtr face(const render::TextStyle& style) override
     {
         TextFonts& fonts = m_field.m_stage.textFonts();
-        if (!m_field.m_embedFonts) return fonts.device(style.font, style.bold, style.italic);
         const MoviePtr& movie = m_field.m_movie;
+        if (!m_field.m_embedFonts) return fonts.device(movie, style.font, style.bold, style.italic);
         // A font without a name can only be meant by its number.
         const swf::EditText& definition = m_field.m_definition;
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;

@@ -75,4 +75,18 @@ render::FontFacePtr TextFonts::device(const std::string& name, bool bold, bool i
     return m_device.face(name, bold, italic);
 }
 
+render::FontFacePtr TextFonts::device(const MoviePtr& movie, const std::string& name, bool bold, bool italic)
+{
+    if (!movie) return device(name, bold, italic);
+    const std::string key = keyOf(name, bold, italic);
+    if (const auto known = of(movie).inPlaceOfDevice.find(key); known != of(movie).inPlaceOfDevice.end())
+        return known->second;
+    render::FontFacePtr face = device(name, bold, italic);
+    if (!render::DeviceFonts::has(name))
+        face = render::completedBy(embedded(movie, name, bold, italic), face);
+    // Without an application there are no fonts, but later there may be one.
+    if (qGuiApp) of(movie).inPlaceOfDevice.emplace(key, face);
+    return face;
+}
+
 } // namespace flash::stage

@@ -25,6 +25,8 @@ public:
     /// By its number. @returns null when that is no font
     render::FontFacePtr embedded(const MoviePtr& movie, std::uint16_t fontId);
     render::FontFacePtr device(const std::string& name, bool bold, bool italic);
+    /// A font of the machine; where it has none of that name, that of the movie, as far as its letters go.
+    render::FontFacePtr device(const MoviePtr& movie, const std::string& name, bool bold, bool italic);
     /// The families that the machine has. UTF-8.
     [[nodiscard]] static std::vector<std::string> installed();
 
@@ -32,6 +34,7 @@ private:
     struct PerMovie {
         std::weak_ptr<const swf::Movie> movie;
         std::map<std::string, std::uint16_t> fontByKey;
+        std::map<std::string, render::FontFacePtr> inPlaceOfDevice;
         std::unordered_map<std::uint16_t, render::FontFacePtr> faces;
     };
     PerMovie& of(const MoviePtr& movie);

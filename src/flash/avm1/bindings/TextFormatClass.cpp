@@ -272,14 +272,14 @@ constexpr std::size_t kConstructorArguments = 13;
 class ExtentFonts final : public render::FontSource
 {
 public:
-    explicit ExtentFonts(stage::TextFonts& fonts) : m_fonts(fonts) {}
+    explicit ExtentFonts(stage::Stage& stage) : m_stage(stage) {}
     render::FontFacePtr face(const render::TextStyle& style) override
     {
-        return m_fonts.device(style.font, style.bold, style.italic);
+        return m_stage.textFonts().device(m_stage.movie(), style.font, style.bold, style.italic);
     }
 
 private:
-    stage::TextFonts& m_fonts;
+    stage::Stage& m_stage;
 };
 
 Value getTextExtent(Call& call)
@@ -295,7 +295,7 @@ Value getTextExtent(Call& call)
     const double fieldWidth = options.wordWrap ? numberArg(call, 1) : 0;
     options.width = std::max(0.0, fieldWidth * kTwips - 2 * render::kTextGutter);
     options.autoSize = !options.wordWrap;
-    ExtentFonts fonts(StageBinding::of(call).stage().textFonts());
+    ExtentFonts fonts(StageBinding::of(call).stage());
     const render::TextLayout layout(text, {{text.size(), format.style}}, options, fonts);
     const auto pixels = [](double twips) { return std::round(twips / kTwips); };
     const render::LayoutLine& line = layout.lines().front();

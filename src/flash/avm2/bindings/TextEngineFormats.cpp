@@ -386,7 +386,7 @@ render::FontFacePtr faceOf(Vm& vm, FontDescriptionObject* font)
             if (auto face = fonts.embedded(movie, name, bold, italic)) return face;
         }
     }
-    return fonts.device(name, bold, italic);
+    return fonts.device(player.stage().movie(), name, bold, italic);
 }
 
 render::ParagraphRun runOf(Vm& vm, ElementFormatObject* format)
