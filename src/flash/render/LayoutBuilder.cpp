@@ -16,8 +16,8 @@ using Align = swf::EditText::Align;
 constexpr double kBulletX = 18 * swf::kTwipsPerPixel;
 constexpr double kBulletTextX = 36 * swf::kTwipsPerPixel;
 constexpr char32_t kBulletCharacter = 0x2022;
-// Without tab stops a tab is as wide as so many spaces, wherever it stands.
-constexpr int kTabSpaces = 6;
+// Where no tab stops are given they lie so far apart, times the height of the letters.
+constexpr double kTabDistance = 1.979;
 
 bool isLineBreak(char16_t c) { return c == u'\r' || c == u'\n'; }
 bool isSpace(char32_t c) { return c == U' ' || c == U'\t'; }
@@ -56,6 +56,7 @@ void LayoutBuilder::loadFonts()
             font.scale = metrics.unitsPerEm > 0 ? run.style.size / metrics.unitsPerEm : 0;
             font.ascent = std::trunc(metrics.ascent * font.scale);
             font.descent = std::trunc(metrics.descent * font.scale);
+            font.tabDistance = std::round(kTabDistance * (metrics.ascent + metrics.descent) * font.scale);
         }
         m_runFonts.push_back(std::move(font));
     }
@@ -119,8 +120,7 @@ double LayoutBuilder::tabAdvance(std::size_t run, double x) const
     // Beyond the last stop tabs take no room.
     if (!style.tabStops.empty()) return 0;
     const Font& font = m_runFonts[run];
-    const FaceGlyph* space = font.face == nullptr ? nullptr : font.face->glyph(U' ');
-    return space == nullptr ? 0 : kTabSpaces * std::trunc(space->advance * font.scale);
+    return font.tabDistance > 0 ? (std::floor(x / font.tabDistance) + 1) * font.tabDistance - x : 0;
 }
 
 // Gives tabs their width, and tells how many cells from `first` on go into a line: at least one, spaces at

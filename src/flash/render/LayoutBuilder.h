@@ -21,6 +21,7 @@ private:
         FontFacePtr face;
         double scale = 0; ///< face units to twips
         double ascent = 0, descent = 0;
+        double tabDistance = 0; ///< where no tab stops are given
     };
     // One character of the text, before it has found its line.
     struct Cell {

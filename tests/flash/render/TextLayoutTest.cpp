@@ -215,8 +215,12 @@ TEST(TextLayout, SpacesLettersTabsAndBullets)
     EXPECT_DOUBLE_EQ(tabbed.glyphs()[4].x, 450);
     EXPECT_DOUBLE_EQ(tabbed.glyphs()[6].x, 550); // beyond the last stop
     const TextLayout unstopped = layOut(u"a\tb\tc", {.width = 5000, .password = {}}, style());
-    EXPECT_DOUBLE_EQ(unstopped.glyphs()[2].x, 700); // six spaces
-    EXPECT_DOUBLE_EQ(unstopped.glyphs()[4].x, 1400);
+    const double distance = unstopped.glyphs()[2].x;
+    EXPECT_NEAR(distance, 1.979 * 200, 1); // of the letters' height
+    EXPECT_DOUBLE_EQ(unstopped.glyphs()[4].x, 2 * distance);
+    // Letters that reach a stop have the next tab go on to the one after it.
+    const TextLayout wide = layOut(u"aaaa\tb", {.width = 5000, .password = {}}, style());
+    EXPECT_DOUBLE_EQ(wide.glyphs()[5].x, 2 * distance);
 
     TextStyle bullet = style();
     bullet.bullet = true;
