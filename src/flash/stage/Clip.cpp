@@ -7,6 +7,7 @@
 #include "flash/stage/Button.h"
 #include "flash/stage/Drawing.h"
 #include "flash/stage/Graphics.h"
+#include "flash/stage/SeenBounds.h"
 #include "flash/stage/Stage.h"
 #include "flash/stage/TextField.h"
 
@@ -24,6 +25,7 @@ void noteSubtreeGone(Node& node)
     guard::check();
     Stage& stage = node.stage();
     stage.view().noteRemoved(node, node.takeChange());
+    if (Node* masked = node.maskee()) masked->invalidate();
     stage.focus().forget(node);
     stage.pointer().forget(node);
     for (const NodePtr& child : node.children()) noteSubtreeGone(*child);
@@ -39,6 +41,15 @@ bool hasPointedLines(const swf::Shape& shape)
                    line.endCap == Line::Cap::Square;
         });
     });
+}
+
+/// Whether, where scripts have brought the depths out of order, what stands there ends a clip layer before
+/// others that it would clip.
+bool endsLayersEarly(const std::vector<NodePtr>& siblings, std::vector<NodePtr>::const_iterator at)
+{
+    const auto next = std::next(at);
+    return next != siblings.end() && (*next)->depth() < (*at)->depth() &&
+           std::ranges::any_of(siblings, [](const NodePtr& node) { return node->clipDepth().has_value(); });
 }
 
 bool equalNames(std::string_view a, std::string_view b, Clip::Case sensitivity)
@@ -96,6 +107,7 @@ void Clip::insert(NodePtr node, int depth)
     m_children.insert(at, std::move(node));
     forgetBounds();
     inserted.invalidate();
+    if (inserted.clipDepth()) invalidateClipped(inserted, *inserted.clipDepth());
 }
 
 void Clip::take(Node& node)
@@ -111,6 +123,8 @@ void Clip::take(Node& node)
     m_stage.view().noteRemoved(node, node.m_drawnBounds);
     // What it masked may be seen whole from now on.
     if (Node* masked = node.maskee()) masked->invalidate();
+    if (node.clipDepth()) invalidateClipped(node, *node.clipDepth());
+    if (endsLayersEarly(m_children, found)) invalidate();
     m_children.erase(found);
     forgetBounds();
 }
@@ -122,9 +136,12 @@ void Clip::insertAt(NodePtr node, std::size_t index, int depth)
     node->m_nesting = m_nesting + 1;
     Node& inserted = *node;
     index = std::min(index, m_children.size());
-    m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), std::move(node));
+    const auto at =
+        m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), std::move(node));
     forgetBounds();
     inserted.invalidate();
+    if (inserted.clipDepth()) invalidateClipped(inserted, *inserted.clipDepth());
+    if (endsLayersEarly(m_children, at)) invalidate();
 }
 
 void Clip::detach(Node& child)

@@ -3,6 +3,7 @@
 #include "flash/guard/Guard.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/ScalingGrid.h"
+#include "flash/stage/SeenBounds.h"
 #include "flash/stage/Space.h"
 #include "flash/stage/Stage.h"
 #include "flash/swf/LevelName.h"
@@ -124,6 +125,8 @@ void Node::setScrollRect(std::optional<swf::Rect> rect)
     invalidate();
     m_scrollRect = rect;
     contentChanged();
+    // What it reaches as long as it scrolls is not what it remembers as its bounds.
+    if (m_parent) m_parent->forgetBounds();
 }
 
 void Node::setScalingGrid(std::optional<swf::Rect> grid)
@@ -200,9 +203,10 @@ void Node::setRatio(std::uint16_t ratio) { m_ratio = ratio; }
 void Node::setClipDepth(std::optional<int> depth)
 {
     if (depth == m_clipDepth) return;
+    const int last = std::max(m_clipDepth.value_or(m_depth), depth.value_or(m_depth));
     m_clipDepth = depth;
-    // What it covered and what it covers from now on are siblings.
-    if (m_parent) m_parent->invalidate();
+    invalidate();
+    invalidateClipped(*this, last);
 }
 
 void Node::setMask(Node* mask)

@@ -50,16 +50,25 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     }
     const bool blends = node.blend() != swf::BlendMode::Normal;
     render::IntRect reach = content;
-    if (!node.filters().empty())
+    if (m_canvas.buildsMask())
+        reach = render::unite(content, seenBounds(node, toDevice, scale, DrawnAs::Mask));
+    else if (!node.filters().empty())
         reach = render::grown(content, render::filterGrowth(node.filters(), scale));
     else if (!isLayered(node) && node.stage().view().hasOutgrowth())
         reach = seenBounds(node, toDevice, scale);
+    else if (!isLayered(node) && leavesItsBounds(node, toDevice, scale)) {
+        // What contains it may have been drawn in part for its smaller bounds: all of it once more.
+        node.stage().view().noteOutgrowth();
+        node.stage().view().invalidateAll();
+        reach = seenBounds(node, toDevice, scale);
+    }
     // What has left the plane may be seen far from where it would lie in it.
     const bool reachesOut = node.stage().view().hasSpaces() && node.holdsSpace();
     if (reachesOut) content = reach = m_canvas.clip();
     if (!m_pictureRoot) {
         node.noteDrawn(m_noteAs ? *m_noteAs : reach);
-        if (!m_noteAs && followsContent(node)) node.stage().view().drawnPictures().note(node, reach, m_view);
+        if (!m_noteAs && (followsContent(node) || node.mask() != nullptr))
+            node.stage().view().drawnPictures().note(node, reach, m_view);
     }
     if (!reach.intersects(m_canvas.clip())) return;
 
@@ -138,12 +147,7 @@ void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::C
         m_canvas.fillRect(node.bounds(), toDevice, {});
         m_canvas.endMask();
     }
-    const swf::Matrix scrolled = toDevice * swf::Matrix{1,
-                                                        0,
-                                                        0,
-                                                        1,
-                                                        -static_cast<double>(node.scrollRect()->xMin),
-                                                        -static_cast<double>(node.scrollRect()->yMin)};
+    const swf::Matrix scrolled = toDevice * scrolledBy(*node.scrollRect());
     drawOwn(node, scrolled, color);
     drawChildren(node, scrolled, color);
     if (cut) m_canvas.popMask();

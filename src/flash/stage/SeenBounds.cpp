@@ -7,10 +7,23 @@
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace flash::stage
 {
+
+namespace
+{
+
+bool isInMask(const Node& node)
+{
+    for (const Node* at = &node; at != nullptr; at = at->parent())
+        if (at->maskee() != nullptr || at->clipDepth()) return true;
+    return false;
+}
+
+} // namespace
 
 bool isLayered(const Node& node)
 {
@@ -22,26 +35,50 @@ bool followsContent(const Node& node)
     return isLayered(node) || node.scalingGrid() || node.opaqueBackground();
 }
 
-render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale)
+bool leavesItsBounds(Node& node, const swf::Matrix& toDevice, double scale)
+{
+    const double across = toDevice.a * toDevice.a + toDevice.b * toDevice.b,
+                 down = toDevice.c * toDevice.c + toDevice.d * toDevice.d,
+                 skew = toDevice.a * toDevice.c + toDevice.b * toDevice.d;
+    constexpr double kEven = 1e-3;
+    if (std::abs(across - down) + std::abs(skew) <= kEven * (across + down)) return false;
+    const std::shared_ptr<const swf::Shape> outline = node.outline();
+    return outline && !render::deviceBounds(node.reach(), toDevice)
+                           .contains(render::deviceBounds(*outline, toDevice, scale));
+}
+
+swf::Matrix scrolledBy(const swf::Rect& rect)
+{
+    return {1, 0, 0, 1, -static_cast<double>(rect.xMin), -static_cast<double>(rect.yMin)};
+}
+
+render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale, DrawnAs as)
 {
     guard::check();
+    const bool asMask = as == DrawnAs::Mask;
     const render::IntRect own = render::deviceBounds(node.reach(), toDevice);
-    if (!node.stage().view().hasOutgrowth()) return own;
+    if (!asMask && !node.stage().view().hasOutgrowth()) return own;
     render::IntRect all = own;
-    if (const auto outline = node.outline())
-        all = render::unite(all, render::deviceBounds(*outline, toDevice, scale));
-    if (!node.scrollRect()) {
+    if (asMask || !node.scrollRect()) {
+        const swf::Matrix around = node.scrollRect() ? toDevice * scrolledBy(*node.scrollRect()) : toDevice;
+        if (const auto outline = node.outline())
+            all = render::unite(all, render::deviceBounds(*outline, around, scale));
         for (const NodePtr& child : node.children()) {
             // A clip layer lies where its reach is, too: what it lets through is within.
-            if (child->isVisible() && !child->maskee())
-                all = render::unite(all, seenBounds(*child, toDevice * child->matrix(), scale));
+            if ((asMask || child->isVisible()) && !child->maskee())
+                all = render::unite(all, seenBounds(*child, around * child->matrix(), scale, as));
         }
     }
     // What is drawn as a picture is cut where its own bounds are.
-    if (isLayered(node) || node.scrollRect()) all = own;
+    if (!asMask && (isLayered(node) || node.scrollRect())) all = own;
     // What is kept as a bitmap, or made one of by filters, is moved to whole pixels.
     if (node.cacheAsBitmap() || !node.filters().empty()) all = render::grown(all, {1, 1, 1, 1});
     return node.filters().empty() ? all : render::grown(all, render::filterGrowth(node.filters(), scale));
+}
+
+render::IntRect seenOnStage(Node& node, const swf::Matrix& view, double scale)
+{
+    return seenBounds(node, view * node.toStage(), scale, isInMask(node) ? DrawnAs::Mask : DrawnAs::Picture);
 }
 
 namespace
@@ -58,6 +95,8 @@ bool isMissed(Node& node, const swf::Matrix& view)
 render::IntRect grownByFiltersAround(const Node& node, render::IntRect bounds, double scale)
 {
     for (const Node* at = node.parent(); at != nullptr; at = at->parent()) {
+        // What is moved to whole pixels takes along what it holds.
+        if (at->cacheAsBitmap() || !at->filters().empty()) bounds = render::grown(bounds, {1, 1, 1, 1});
         if (at->filters().empty()) continue;
         // As far as results look for their source, sources show in results on the other side.
         const render::Growth reach = render::filterReach(at->filters(), scale);
@@ -83,22 +122,50 @@ bool maskMisses(Node& node, const render::IntRect& content, const swf::Matrix& v
            !render::deviceBounds(mask->reach(), view * mask->toStage()).intersects(content);
 }
 
+void invalidateClipped(const Node& layer, int lastDepth)
+{
+    if (layer.parent() == nullptr) return;
+    bool isAbove = false;
+    guard::check();
+    for (const NodePtr& sibling : layer.parent()->children()) {
+        if (sibling.get() == &layer) {
+            isAbove = true;
+        } else if (isAbove) {
+            if (sibling->depth() > lastDepth) return;
+            // One within another makes the other reach as far as itself.
+            if (sibling->clipDepth()) lastDepth = std::max(lastDepth, *sibling->clipDepth());
+            sibling->invalidate();
+        }
+    }
+}
+
 void DrawnPictures::note(Node& node, const render::IntRect& seen, const swf::Matrix& view)
 {
-    m_notes[&node] = {node.weak_from_this(), node.reach(), seen, isMissed(node, view)};
+    Note& note = m_notes[&node];
+    note = {node.weak_from_this(), node.reach(), seen, isMissed(node, view), {}, {}};
+    if (Node* mask = node.mask()) {
+        note.maskPlace = mask->toStage();
+        note.maskReach = mask->reach();
+    }
 }
 
 void DrawnPictures::collect(Damage& damage, const swf::Matrix& view, double scale)
 {
     for (auto at = m_notes.begin(); at != m_notes.end();) {
         const NodePtr node = at->second.node.lock();
-        if (!node || node->isRemoved() || !followsContent(*node)) {
+        if (!node || node->isRemoved() || !(followsContent(*node) || node->mask() != nullptr)) {
             at = m_notes.erase(at);
             continue;
         }
         const Note& note = at->second;
         ++at;
-        const bool changes = note.reach != node->reach() || note.maskMisses != isMissed(*node, view);
+        // The mask's own place may change with whatever it is in, elsewhere.
+        Node* const mask = node->mask();
+        const bool maskMoved =
+            mask != nullptr && (mask->toStage() != note.maskPlace || mask->reach() != note.maskReach);
+        const bool changes =
+            maskMoved || (followsContent(*node) &&
+                          (note.reach != node->reach() || note.maskMisses != isMissed(*node, view)));
         // What may look at any pixel of its picture shows a change anywhere.
         const bool isMoved = render::needsWhole(node->filters()) &&
                              std::ranges::any_of(damage.boxes(), [&](const render::IntRect& box) {
@@ -106,8 +173,7 @@ void DrawnPictures::collect(Damage& damage, const swf::Matrix& view, double scal
                              });
         if (!changes && !isMoved) continue;
         damage.add(grownByFiltersAround(*node, note.seen, scale));
-        if (changes)
-            damage.add(grownByFiltersAround(*node, seenBounds(*node, view * node->toStage(), scale), scale));
+        if (changes) damage.add(grownByFiltersAround(*node, seenOnStage(*node, view, scale), scale));
     }
 }
 

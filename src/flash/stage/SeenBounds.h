@@ -10,10 +10,27 @@ namespace flash::stage
 
 class Damage;
 
+/// Whether lines of a node leave the bounds that it states: stretched unevenly they keep one width all
+/// around.
+[[nodiscard]] bool leavesItsBounds(Node& node, const swf::Matrix& toDevice, double scale);
+
+/// What a scroll rectangle does to what it shows.
+[[nodiscard]] swf::Matrix scrolledBy(const swf::Rect& rect);
+
+/// What a node is drawn as.
+enum class DrawnAs : std::uint8_t {
+    Picture,
+    Mask ///< neither hidden nor cut by what it is shown through as a picture
+};
+
 /// The device pixels that a node with all it contains may cover. More than its reach: what its parts' filters
 /// add lies around them, and lines that do not scale may leave the bounds that a file states.
 /// @param scale device pixels to one pixel of the stage
-render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale);
+render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale,
+                           DrawnAs as = DrawnAs::Picture);
+/// The same of a node where it stands, as what it is drawn there.
+/// @param view stage twips to device pixels
+render::IntRect seenOnStage(Node& node, const swf::Matrix& view, double scale);
 
 /// Where a change within `bounds` (device pixels) of a node shows: the filters of what contains it carry it
 /// further.
@@ -30,7 +47,11 @@ render::IntRect grownByFiltersAround(const Node& node, render::IntRect bounds, d
 /// counts, hidden or not.
 [[nodiscard]] bool canShow(const Node& node);
 
-/// Of each node that follows its content, how it was drawn last.
+/// What a clip layer clips, or clipped, is drawn again: its siblings above it.
+/// @param lastDepth up to which, at most
+void invalidateClipped(const Node& layer, int lastDepth);
+
+/// Of each node that follows its content or has a mask, how it was drawn last.
 class DrawnPictures
 {
 public:
@@ -48,6 +69,8 @@ private:
         swf::Rect reach;
         render::IntRect seen;
         bool maskMisses = false;
+        swf::Matrix maskPlace; ///< to the stage; unless there is none
+        swf::Rect maskReach;
     };
     std::unordered_map<const Node*, Note> m_notes;
 };

@@ -6,6 +6,7 @@
 #include "flash/stage/Damage.h"
 #include "flash/stage/Renderer.h"
 #include "flash/stage/SeenBounds.h"
+#include "flash/stage/ShownBitmaps.h"
 #include "flash/stage/Stage.h"
 #include "flash/swf/Space.h"
 
@@ -242,6 +243,18 @@ void View::noteRemoved(const Node& node, const render::IntRect& drawnBounds)
                                  : drawnBounds);
 }
 
+void View::noteDrawnOn(const swf::Bitmap& picture)
+{
+    // Most often it is the one of before: pictures are drawn on pixel by pixel.
+    if (!m_drawnOn.empty() && m_drawnOn.back() == &picture) return;
+    constexpr std::size_t kMany = 32;
+    if (m_drawnOn.size() == kMany) {
+        invalidateAll();
+        m_drawnOn.clear();
+    }
+    if (std::ranges::find(m_drawnOn, &picture) == m_drawnOn.end()) m_drawnOn.push_back(&picture);
+}
+
 std::span<const render::IntRect> View::dirtyBoxes()
 {
     collectDirty();
@@ -255,6 +268,8 @@ void View::collectDirty()
     const swf::Matrix view = matrix();
     const double scale = pixelScale(view);
     collectFocusFrame(view);
+    if (!m_drawnOn.empty() && !m_damage->contains(area())) invalidateShowing(m_stage, m_drawnOn);
+    m_drawnOn.clear();
     // What is hidden may go unnoticed, and the content it was part of have other bounds since.
     if (m_changedNodes.empty() && m_damage->isEmpty() && m_drawnPictures->isEmpty()) return;
     // A further box is walked over by all that might show in it.
@@ -270,7 +285,7 @@ void View::collectDirty()
         if (!node) continue;
         noteRemoved(*node, node->takeChange());
         if (node->isRemoved() || !canShow(*node)) continue;
-        m_damage->add(grownByFiltersAround(*node, seenBounds(*node, view * node->toStage(), scale), scale));
+        m_damage->add(grownByFiltersAround(*node, seenOnStage(*node, view, scale), scale));
     }
     m_drawnPictures->collect(*m_damage, view, scale);
     m_damage->settle();
@@ -312,6 +327,7 @@ void View::render(render::Canvas& canvas, std::span<const render::IntRect> boxes
 void View::forgetNodes()
 {
     m_changedNodes.clear();
+    m_drawnOn.clear();
     m_drawnPictures->clear();
     m_focusFrame.reset();
     m_hasOutgrowth = false;

@@ -94,6 +94,8 @@ public:
     /// From now on there may be nodes that are seen outside what they say they reach.
     void noteOutgrowth() { m_hasOutgrowth = true; }
     [[nodiscard]] bool hasOutgrowth() const { return m_hasOutgrowth; }
+    /// A script has drawn on a picture: what shows it is drawn again.
+    void noteDrawnOn(const swf::Bitmap& picture);
     /// How what is drawn as a picture of its own was drawn last.
     [[nodiscard]] DrawnPictures& drawnPictures() { return *m_drawnPictures; }
     /// Those that are gone hold on to their memory as long as they are listed.
@@ -134,6 +136,7 @@ private:
     std::optional<std::array<swf::Point, 2>> m_focusFrame; ///< as drawn last
     bool m_hasOutgrowth = false;
     std::vector<std::weak_ptr<Node>> m_changedNodes;
+    std::vector<const swf::Bitmap*> m_drawnOn; ///< for comparison only: they may be gone
     std::shared_ptr<const int> m_spaces = std::make_shared<const int>();
     std::size_t m_changedKept = 0; ///< of those, still there when last looked at
 };

@@ -54,9 +54,11 @@ template <Member Function, std::size_t MinArguments>
 Value changing(Call& call)
 {
     const auto* native = call.native<BitmapDataNative>();
+    const std::shared_ptr<swf::Bitmap> before = native != nullptr ? native->bitmap : nullptr;
     const Value result = guarded<Function, MinArguments>(call);
-    if (native != nullptr && native->bitmap.use_count() > 1)
-        StageBinding::of(call).stage().view().invalidateAll();
+    // Held by itself, unless it has been disposed of, and here.
+    if (before.use_count() > (native != nullptr && native->bitmap == before ? 2 : 1))
+        StageBinding::of(call).stage().view().noteDrawnOn(*before);
     return result;
 }
 

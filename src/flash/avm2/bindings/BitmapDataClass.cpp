@@ -62,7 +62,8 @@ std::shared_ptr<swf::Bitmap> pictureArg(Call& call, std::uint32_t index, const c
 }
 void pictureChanged(Call& call)
 {
-    if (dataSelf(call).bitmap.use_count() > 1) Player::of(call.vm).stage().view().invalidateAll();
+    const auto& bitmap = dataSelf(call).bitmap;
+    if (bitmap.use_count() > 1) Player::of(call.vm).stage().view().noteDrawnOn(*bitmap);
 }
 
 namespace

@@ -167,7 +167,7 @@ Value drawToBitmapData(Call& call)
         for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x)
             bitmap->pixels[to + x] = self.back.shown(from + x);
     }
-    Player::of(call.vm).stage().view().invalidateAll();
+    Player::of(call.vm).stage().view().noteDrawnOn(*bitmap);
     return {};
 }
 

@@ -70,7 +70,7 @@ void paint(Vm& vm, ShaderJobObject& job, const BitmapDataObject& target)
     if (bitmap->opaque)
         for (std::uint32_t& pixel : made) pixel |= 0xFF000000U;
     bitmap->pixels = std::move(made);
-    Player::of(vm).stage().view().invalidateAll();
+    Player::of(vm).stage().view().noteDrawnOn(*bitmap);
 }
 void compute(Vm& vm, ShaderJobObject& job, ByteArrayObject* bytes, VectorObject* vector)
 {
