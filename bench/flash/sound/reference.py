@@ -153,31 +153,44 @@ def energy(values):
     return sum(v * v for v in values)
 
 
-def lag_between(ours, theirs, step):
-    """By how many samples ours come later; they are matched where theirs are loudest. The player leaves out the silence
-    that an MP3 begins with, up to two of its frames, and FFmpeg may not."""
-    window, earlier, later = 1000 // step + 50, 8000, 1500
+def lags_between(ours, theirs, step):
+    """By how many samples ours may come later, the least first; they are matched where theirs are loudest. The player leaves out the silence
+    that an MP3 begins with, up to two of its frames, and FFmpeg may not; FFmpeg leaves out what an encoder says that it
+    has put before the sound, and the player does not. A tone matches after each of its periods."""
+    window, earlier, later = 1000 // step + 50, 8000, 4000
+    window = min(window, len(theirs) // 2)
     limit = min(len(theirs), LONGEST * OUT_RATE // step) - window
     if limit <= 0:
-        return 0
+        return [0]
     at = max(range(0, limit, window), key=lambda i: energy(theirs[i:i + window]))
     pattern = theirs[at:at + window]
-    best, best_lag = math.inf, 0
-    for lag in range(-min(earlier, at * step), later):
+    first = -min(earlier, at * step)
+    apart = []
+    for lag in range(first, later):
         begin = at * step + lag
         piece = ours[begin:begin + window * step:step]
         if len(piece) < window:
             break
-        apart = sum((a - b) * (a - b) for a, b in zip(piece, pattern))
-        if apart < best:
-            best, best_lag = apart, lag
-    return best_lag
+        apart.append(sum((a - b) * (a - b) for a, b in zip(piece, pattern)))
+    if not apart:
+        return [0]
+    near = min(apart) + energy(pattern) / 100
+    lowest = [i for i, value in enumerate(apart) if value <= near and value == min(apart[max(i - step, 0):i + step + 1])]
+    return sorted((i + first for i in lowest), key=abs)
 
 
 def compare(ours, theirs, sound):
-    """@returns lag in ms, gain in dB, what is left in dB; None when one of them is silent"""
+    """@returns lag in ms, gain in dB, what is left in dB; None when one of them is silent, False when both are"""
+    lags, best = lags_between(ours[0], theirs[0], sound.step), None
+    for lag in lags:
+        result = compare_at(lag, ours, theirs, sound)
+        if best is None or not best or result and result[2] < best[2] - 0.5:
+            best = result
+    return best
+
+
+def compare_at(lag, ours, theirs, sound):
     step = sound.step
-    lag = lag_between(ours[0], theirs[0], step)
     # FFmpeg plays all of the first and the last packet, the player from where to where the file says.
     first = max(0, math.ceil(-lag / step))
     count = int((sound.seconds * OUT_RATE - lag) / step)
@@ -189,7 +202,7 @@ def compare(ours, theirs, sound):
             ours_all += a * a
             theirs_all += b * b
     if not theirs_all or not ours_all:
-        return None
+        return None if theirs_all or any(map(any, ours)) else False
     gain = both / theirs_all
     left = max(ours_all - gain * both, ours_all * 1e-12)
     return lag / OUT_RATE * 1000, 20 * math.log10(max(gain, 1e-9)), 10 * math.log10(left / ours_all)
@@ -219,8 +232,8 @@ def main():
                                  sound)
             name = "/".join(path.split(os.sep)[-2:])
             line = f"{name[-40:]:40} {sound.name:22} {NAMES.get(sound.format, '?'):8} {sound.rate:5} {sound.seconds:6.2f}"
-            if result is None:
-                print(line, "  silent on one side")
+            if not result:
+                print(line, "  silent" if result is False else "  silent on one side")
                 continue
             worst = max(worst, result[2])
             print(f"{line} {result[0]:7.2f} {result[1]:8.2f} {result[2]:8.1f}", flush=True)
