@@ -217,6 +217,11 @@ public:
         return &m_glyphs.emplace(character, fromIndex(m_font, 0)).first->second;
     }
     [[nodiscard]] double kerning(char32_t, char32_t) const override { return 0; }
+    [[nodiscard]] bool standsOnPixels() const override { return true; }
+    [[nodiscard]] bool hasOwn(char32_t character) const override
+    {
+        return m_font.supportsCharacter(static_cast<uint>(character));
+    }
 
 private:
     static FaceGlyph load(const QRawFont& font, char32_t character)

@@ -95,6 +95,8 @@ public:
     {
         return m_first->kerning(left, right);
     }
+    [[nodiscard]] bool standsOnPixels() const override { return m_second->standsOnPixels(); }
+    [[nodiscard]] bool hasOwn(char32_t character) const override { return m_first->hasOwn(character); }
 
 private:
     FontFacePtr m_first, m_second;

@@ -38,6 +38,10 @@ public:
     [[nodiscard]] virtual const FaceGlyph* glyph(char32_t character) const = 0;
     /// What is added between two characters.
     [[nodiscard]] virtual double kerning(char32_t left, char32_t right) const = 0;
+    /// Whether its letters stand on whole pixels, as the machine's do in text fields.
+    [[nodiscard]] virtual bool standsOnPixels() const { return false; }
+    /// Whether a character is the font's own, and not another one's that stands in.
+    [[nodiscard]] virtual bool hasOwn(char32_t character) const { return glyph(character) != nullptr; }
 };
 using FontFacePtr = std::shared_ptr<const FontFace>;
 

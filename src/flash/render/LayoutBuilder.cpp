@@ -101,15 +101,23 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
         const bool invisible = cell.character < 0x20 && cell.character != U'\t';
         if (font.face != nullptr && !invisible && cell.character != U'\t') {
             cell.glyph = font.face->glyph(cell.character);
-            // Letters stand on whole twips, as they did where the movie was made.
-            if (cell.glyph != nullptr)
-                cell.advance = std::trunc(cell.glyph->advance * font.scale) + style.letterSpacing;
+            if (cell.glyph != nullptr) cell.advance = advanceOf(*cell.glyph, font, style.letterSpacing);
             if (style.kerning && !m_cells.empty() && m_cells.back().run == cell.run)
                 m_cells.back().advance +=
                     font.face->kerning(m_cells.back().character, cell.character) * font.scale;
         }
         m_cells.push_back(cell);
     }
+}
+
+/// Letters stand on whole twips, as they did where the movie was made; the machine's own on whole pixels, and
+/// no spacing takes all of their room.
+double LayoutBuilder::advanceOf(const FaceGlyph& glyph, const Font& font, double spacing)
+{
+    const double own = glyph.advance * font.scale;
+    if (!font.face->standsOnPixels()) return std::trunc(own) + spacing;
+    const double whole = std::floor(own / swf::kTwipsPerPixel + 0.5) * swf::kTwipsPerPixel;
+    return whole + spacing > 0 ? whole + spacing : whole;
 }
 
 double LayoutBuilder::tabAdvance(std::size_t run, double x) const

@@ -48,6 +48,7 @@ private:
     };
     Sides besideFloats(double room);
     [[nodiscard]] double nextTop() const;
+    [[nodiscard]] static double advanceOf(const FaceGlyph& glyph, const Font& font, double spacing);
     [[nodiscard]] double tabAdvance(std::size_t run, double x) const;
     void alignLines();
     [[nodiscard]] std::size_t runAt(std::size_t index) const;

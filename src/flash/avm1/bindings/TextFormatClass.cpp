@@ -303,7 +303,7 @@ Value getTextExtent(Call& call)
     const double width = std::trunc(layout.width() / kTwips);
     const double height = text.empty() ? 0 : (ascent + descent) * static_cast<double>(layout.lines().size());
     constexpr double kGutters = 2 * render::kTextGutter / kTwips;
-    Object* extent = call.vm.newObject();
+    Object* extent = call.vm.newObject(nullptr);
     extent->define(call.vm, "ascent", Value(ascent));
     extent->define(call.vm, "descent", Value(descent));
     extent->define(call.vm, "width", Value(width));
