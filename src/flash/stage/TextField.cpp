@@ -170,8 +170,9 @@ void TextField::setStyleSheet(std::shared_ptr<const StyleSheet> sheet)
 
 void TextField::replaceText(std::size_t begin, std::size_t end, std::u16string_view text)
 {
-    // The new text looks like what comes after it, and text set later like the first character.
-    const TextFormat* after = end < m_content.size() ? m_content.formatAt(end) : nullptr;
+    // The new text looks like what comes after it, and text set later like the first character. What is put
+    // before all the rest looks as if it was set.
+    const TextFormat* after = end > 0 && end < m_content.size() ? m_content.formatAt(end) : nullptr;
     const TextFormat format = after ? *after : m_newFormat;
     std::u16string inserted(text);
     for (char16_t& c : inserted)

@@ -258,8 +258,8 @@ private:
     };
     Composition m_composition; ///< stands in the place of what is selected
     std::size_t m_anchor = 0, m_caret = 0;
-    std::size_t m_pressBegin = 0, m_pressEnd = 0; ///< what the last press has selected
-    int m_clicks = 1;                             ///< of that press
+    std::size_t m_pressIndex = 0; ///< where the last press was
+    int m_clicks = 1;             ///< of that press
     bool m_caretShown = false, m_hasSelection = false;
     double m_caretSinceMs = 0;
 };

@@ -4,7 +4,6 @@
 #include "flash/stage/TextField.h"
 
 #include <cmath>
-#include <tuple>
 #include <utility>
 
 // The user at work in a field: keyboard, mouse, clipboard.
@@ -330,19 +329,21 @@ void TextField::press(swf::Point stagePoint, int clicks)
 {
     if (!selectable) return;
     m_clicks = clicks;
-    std::tie(m_pressBegin, m_pressEnd) = unitAround(layout().caretAt(toText(stagePoint)), clicks);
-    select(m_pressBegin, m_pressEnd);
+    m_pressIndex = layout().caretAt(toText(stagePoint));
+    const auto [begin, end] = unitAround(m_pressIndex, clicks);
+    select(begin, end);
 }
 
 void TextField::drag(swf::Point stagePoint)
 {
     if (!selectable) return;
     const std::size_t index = layout().caretAt(toText(stagePoint));
-    // What was selected by words goes on by words, with the one it began with.
+    // What was selected by words goes on by words, with the one it began with as that is now.
     const auto [begin, end] = unitAround(index, m_clicks);
-    const bool isBack = begin < m_pressBegin;
-    const std::size_t anchor = std::min(isBack ? m_pressEnd : m_pressBegin, m_content.size());
-    const std::size_t caret = isBack ? begin : std::max(end, m_clicks > 1 ? m_pressEnd : end);
+    const auto [pressBegin, pressEnd] = unitAround(std::min(m_pressIndex, m_content.size()), m_clicks);
+    const bool isBack = begin < pressBegin;
+    const std::size_t anchor = isBack ? pressEnd : pressBegin;
+    const std::size_t caret = isBack ? begin : std::max(end, m_clicks > 1 ? pressEnd : end);
     if (m_clicks < 2 ? index == m_caret : anchor == m_anchor && caret == m_caret) return;
     select(m_clicks < 2 ? m_anchor : anchor, caret);
     showCaret();

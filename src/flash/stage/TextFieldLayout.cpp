@@ -184,8 +184,11 @@ int TextField::maxScroll()
 {
     const auto& lines = layout().lines();
     const double room = visibleHeight();
-    std::size_t first = lines.size() - 1;
-    while (first > 0 && lines.back().bottom() - lines[first - 1].top <= room) --first;
+    // An empty last line is there to type in.
+    std::size_t last = lines.size() - 1;
+    if (last > 0 && !isInput() && lines[last].begin == lines[last].end) --last;
+    std::size_t first = last;
+    while (first > 0 && lines[last].bottom() - lines[first - 1].top <= room) --first;
     return static_cast<int>(first);
 }
 

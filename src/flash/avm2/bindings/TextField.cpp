@@ -308,8 +308,8 @@ Value bottomScrollV(Call& call) { return fieldSelf(call).bottomScroll() + 1; }
 Value scrollH(Call& call) { return std::trunc(fieldSelf(call).hscroll() / kTwips); }
 Value setScrollH(Call& call)
 {
-    const int pixels = call.vm.toInt(call.arg(0));
-    fieldSelf(call).setHscroll(pixels * kTwips);
+    const double pixels = call.vm.toInt(call.arg(0)); // as recorded, its sign does not count
+    fieldSelf(call).setHscroll(std::abs(pixels) * kTwips);
     return {};
 }
 Value maxScrollH(Call& call) { return std::trunc(fieldSelf(call).maxHscroll() / kTwips); }
