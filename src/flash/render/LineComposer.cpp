@@ -1,3 +1,4 @@
+#include "flash/render/Bidi.h"
 #include "flash/render/Paragraph.h"
 
 #include <algorithm>
@@ -29,7 +30,10 @@ private:
     using Atom = Paragraph::Atom;
     using Break = Paragraph::Break;
     [[nodiscard]] const Atom& atom(std::size_t i) const { return m_paragraph.m_atoms[i]; }
-    bool fit();
+    bool fit(bool squeezes);
+    [[nodiscard]] bool isJustified() const;
+    [[nodiscard]] bool squeezesSpaces() const;
+    void order();
     [[nodiscard]] double tabWidth(std::size_t tab, double x) const;
     void place();
     void justify();
@@ -68,17 +72,21 @@ double LineComposer::tabWidth(std::size_t tab, double x) const
 }
 
 /// @returns whether there is a line
-bool LineComposer::fit()
+/// @param squeezes whether spaces may become as narrow as they are allowed to
+bool LineComposer::fit(bool squeezes)
 {
     const auto& atoms = m_paragraph.m_atoms;
     if (atoms.empty() || m_request.begin >= m_paragraph.length()) return false;
     m_first = m_paragraph.atomAt(m_request.begin);
-    double x = 0;
+    m_widths.clear();
+    m_line->isEmergency = false;
+    double x = 0, spare = 0; // by how much spaces can be narrower
+    const double narrow = squeezes ? std::clamp(m_request.justification.narrowestSpace, 0.0, 1.0) : 1;
     std::size_t lastBreak = m_first;
     for (m_last = m_first; m_last < atoms.size(); ++m_last) {
         const Atom& next = atoms[m_last];
         const double width = next.isTab ? tabWidth(m_last, x) : next.width;
-        if (!next.isBlank && x + width > m_request.width + kSlack) {
+        if (!next.isBlank && x + width - spare > m_request.width + kSlack) {
             if (m_last == m_first && !m_request.fitsSomething) return false;
             if (lastBreak > m_first) {
                 m_last = lastBreak;
@@ -89,6 +97,8 @@ bool LineComposer::fit()
         }
         m_widths.push_back(width);
         x += width;
+        if (next.isTab) spare = 0;
+        if (next.isBlank) spare += width * (1 - narrow);
         if (next.after == Break::Must) {
             ++m_last;
             return true;
@@ -96,6 +106,23 @@ bool LineComposer::fit()
         if (next.after == Break::Allowed) lastBreak = m_last + 1;
     }
     return true;
+}
+
+bool LineComposer::isJustified() const
+{
+    const bool isLast = m_last == m_paragraph.m_atoms.size();
+    const bool isMandatory = atom(m_last - 1).after == Break::Must;
+    using Lines = Justification::Lines;
+    const Lines lines = m_request.justification.lines;
+    return lines == Lines::All || (lines == Lines::AllButLast && !isLast) ||
+           (lines == Lines::AllButMandatory && !isMandatory && !isLast);
+}
+
+bool LineComposer::squeezesSpaces() const
+{
+    const Justification& how = m_request.justification;
+    return how.lines != Justification::Lines::None && how.spread != Justification::Spread::Letters &&
+           how.narrowestSpace < 1;
 }
 
 void LineComposer::place()
@@ -108,7 +135,8 @@ void LineComposer::place()
     for (std::size_t i = m_first; i < m_last; ++i) {
         const Atom& from = atom(i);
         const double width = m_widths[i - m_first];
-        line.atoms.push_back({from.begin, from.length, from.run, x, width, 0, 0, from.startsWord});
+        line.atoms.push_back(
+            {from.begin, from.length, from.run, x, width, 0, 0, from.startsWord, from.level, from.quarters});
         line.hasTabs = line.hasTabs || from.isTab;
         line.hasPictures = line.hasPictures ||
                            (from.run < m_paragraph.m_runs.size() && m_paragraph.m_runs[from.run].picture);
@@ -123,12 +151,8 @@ void LineComposer::justify()
 {
     ComposedLine& line = *m_line;
     const Justification& how = m_request.justification;
-    const bool isMandatory = atom(m_last - 1).after == Break::Must;
-    using Lines = Justification::Lines;
-    const bool isWanted = how.lines == Lines::All || (how.lines == Lines::AllButLast && !line.isLast) ||
-                          (how.lines == Lines::AllButMandatory && !isMandatory && !line.isLast);
     const double spare = m_request.width - line.naturalWidth;
-    if (!isWanted || spare <= 0) return;
+    if (!isJustified() || spare == 0 || (spare < 0 && !squeezesSpaces())) return;
     std::size_t visible = line.atoms.size();
     while (visible > 0 && atom(m_first + visible - 1).isBlank) --visible;
     if (visible < 2) return;
@@ -144,9 +168,9 @@ void LineComposer::justify()
     }
     using Spread = Justification::Spread;
     double bySpaces = count == 0 || how.spread == Spread::Letters ? 0 : spare;
-    if (how.spread == Spread::SpacesAndLetters && count > 0)
+    if (how.spread == Spread::SpacesAndLetters && count > 0 && spare > 0)
         bySpaces = std::min(spare, std::max(0.0, blanks * (how.widestSpace - 1)));
-    if (how.spread == Spread::Spaces && count == 0) return;
+    if ((how.spread == Spread::Spaces || spare < 0) && count == 0) return;
     const std::size_t gaps = visible - from - 1;
     const double perGap = gaps > 0 ? (spare - bySpaces) / static_cast<double>(gaps) : 0;
     const double perSpace = count > 0 ? bySpaces / static_cast<double>(count) : 0;
@@ -159,6 +183,28 @@ void LineComposer::justify()
         shift += more;
     }
     line.textWidth = m_request.width;
+}
+
+/// Has the parts stand in the order they are seen in; what hangs over the end stands beside the line.
+void LineComposer::order()
+{
+    std::vector<LineAtom>& atoms = m_line->atoms;
+    const std::uint8_t base = m_paragraph.m_options.bidiLevel;
+    const bool runsBack = base % 2 != 0;
+    const auto isForward = [](const LineAtom& atom) { return atom.level == 0; };
+    if (!runsBack && std::ranges::all_of(atoms, isForward)) return;
+    double hanging = 0;
+    for (std::size_t i = atoms.size(); i > 0 && atom(m_first + i - 1).isBlank; --i) {
+        atoms[i - 1].level = base;
+        hanging += atoms[i - 1].width;
+    }
+    std::vector<std::uint8_t> levels;
+    for (const LineAtom& at : atoms) levels.push_back(at.level);
+    double x = runsBack ? -hanging : 0;
+    for (const std::size_t index : visualOrder(levels)) {
+        atoms[index].x = x;
+        x += atoms[index].width;
+    }
 }
 
 void LineComposer::findBaselines()
@@ -201,29 +247,44 @@ void LineComposer::stand()
         const Baseline by = run.alignment.value_or(run.dominant);
         const double roman = line.baselines[static_cast<std::size_t>(by)] -
                              m_paragraph.baselineOf(run, extent, by) + run.shift;
-        at.top = roman - extent.ascent;
-        at.bottom = roman + extent.descent;
+        const Atom& from = atom(m_first + i);
+        const double centre = roman + m_paragraph.baselineOf(run, extent, Baseline::IdeographicCenter);
+        const bool liesAcross = at.quarters % 2 != 0;
+        at.top = liesAcross ? centre - from.across / 2 : roman - extent.ascent;
+        at.bottom = liesAcross ? centre + from.across / 2 : roman + extent.descent;
         line.totalAscent = std::max(line.totalAscent, -at.top);
         line.totalDescent = std::max(line.totalDescent, at.bottom);
         if (!run.picture) {
             line.ascent = std::max(line.ascent, -at.top);
             line.descent = std::max(line.descent, at.bottom);
         }
-        const Atom& from = atom(m_first + i);
+        // Letters turn about the middle of their place.
+        swf::Matrix turned{1, 0, 0, 1, at.x, roman};
+        if (at.quarters != 0) {
+            constexpr swf::Matrix kTurns[] = {
+                {}, {0, 1, -1, 0, 0, 0}, {-1, 0, 0, -1, 0, 0}, {0, -1, 1, 0, 0, 0}};
+            turned = swf::Matrix{1, 0, 0, 1, at.x + from.width / 2, centre} * kTurns[at.quarters] *
+                     swf::Matrix{1, 0, 0, 1, -(liesAcross ? from.across : from.width) / 2, roman - centre};
+        }
         for (std::size_t g = from.firstGlyph; g < from.firstGlyph + from.glyphCount; ++g) {
             const Paragraph::Glyph& glyph = m_paragraph.m_glyphs[g];
             if (glyph.glyph->outline != nullptr)
-                line.m_glyphs.push_back(
-                    {glyph.glyph->outline, at.x + glyph.x, roman, glyph.scale, run.color});
+                line.m_glyphs.push_back({glyph.glyph->outline,
+                                         turned * swf::Matrix{glyph.scale, 0, 0, glyph.scale, glyph.x, 0},
+                                         run.color});
         }
     }
 }
 
 std::shared_ptr<const ComposedLine> LineComposer::compose()
 {
-    if (!fit()) return nullptr;
+    const bool squeezes = squeezesSpaces();
+    if (!fit(squeezes)) return nullptr;
+    // What is not justified after all has its spaces as they are.
+    if (squeezes && !isJustified() && !fit(false)) return nullptr;
     place();
     justify();
+    order();
     findBaselines();
     stand();
     return m_line;
@@ -242,8 +303,7 @@ void ComposedLine::draw(Canvas& canvas, const swf::Matrix& toDevice, const swf::
         batch.clear();
         for (; i < m_glyphs.size() && m_glyphs[i].color == ink; ++i) {
             const Glyph& glyph = m_glyphs[i];
-            batch.push_back(
-                {glyph.outline, toDevice * swf::Matrix{glyph.scale, 0, 0, glyph.scale, glyph.x, glyph.y}});
+            batch.push_back({glyph.outline, toDevice * glyph.place});
         }
         canvas.drawGlyphs(batch, apply(color, ink));
     }

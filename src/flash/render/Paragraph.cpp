@@ -1,6 +1,7 @@
 #include "flash/render/Paragraph.h"
 
 #include "flash/guard/Guard.h"
+#include "flash/render/Bidi.h"
 
 #include <QChar>
 #include <QString>
@@ -56,6 +57,8 @@ Paragraph::Paragraph(std::u16string text, std::vector<ParagraphRun> runs, Option
 {
     for (const ParagraphRun& run : m_runs)
         m_extents.push_back(run.picture ? Extent{run.picture->height, 0} : extentOf(run.face, run.size));
+    m_levels = bidiLevels(m_text, m_options.bidiLevel);
+    if (hasJoiningLetters(m_text)) m_forms = joinedForms(m_text);
     readAtoms();
 }
 
@@ -73,8 +76,10 @@ void Paragraph::readAtoms()
         letters.setPosition(static_cast<qsizetype>(at));
         const auto next = letters.toNextBoundary();
         std::size_t end = next < 0 ? m_text.size() : static_cast<std::size_t>(next);
+        if (run < m_runs.size()) end = endOfAtom(at, end, m_runs[run]);
         if (runEnd > at) end = std::min(end, runEnd);
         Atom atom;
+        atom.level = m_levels[at];
         atom.begin = at;
         atom.length = end - at;
         atom.run = run;
@@ -103,6 +108,43 @@ void Paragraph::readAtoms()
     }
 }
 
+const LetterForm* Paragraph::formAt(std::size_t index) const
+{
+    const auto found = std::ranges::lower_bound(m_forms, index, {}, &LetterForm::at);
+    return found != m_forms.end() && found->at == index ? &*found : nullptr;
+}
+
+/// Letters that are drawn as one are one atom.
+std::size_t Paragraph::endOfAtom(std::size_t at, std::size_t graphemeEnd, const ParagraphRun& run) const
+{
+    if (run.face == nullptr || run.picture) return graphemeEnd;
+    if (const LetterForm* form = formAt(at); form != nullptr && form->length > 1)
+        return std::max(graphemeEnd, at + form->length);
+    const bool mayJoin = run.trackingLeft == 0 && run.trackingRight == 0 &&
+                         run.letters == ParagraphRun::Letters::AsGiven && m_levels[at] % 2 == 0 &&
+                         run.rotation != ParagraphRun::Rotation::Quarter &&
+                         run.rotation != ParagraphRun::Rotation::ThreeQuarters;
+    if (!mayJoin || graphemeEnd != at + 1) return graphemeEnd;
+    const LetterForm ligature = ligatureAt(std::u16string_view(m_text).substr(at), run.ligatures);
+    return ligature.length > 0 && run.face->hasOwn(ligature.form) ? at + ligature.length : graphemeEnd;
+}
+
+/// The character whose glyph stands for one of the text.
+char32_t Paragraph::shownAs(char32_t character, std::size_t index, const Atom& atom) const
+{
+    const FontFace& face = *m_runs[atom.run].face;
+    if (const LetterForm* form = formAt(index);
+        form != nullptr && atom.begin + atom.length >= index + form->length)
+        return form->length > 1 || face.hasOwn(form->form) || !face.hasOwn(character) ? form->form
+                                                                                      : character;
+    if (atom.level % 2 != 0) character = QChar::mirroredChar(character);
+    if (m_options.isColumn && atom.quarters != 0) {
+        const char32_t column = columnForm(character);
+        if (face.hasOwn(column)) return column;
+    }
+    return character;
+}
+
 void Paragraph::readGlyphs(Atom& atom)
 {
     atom.firstGlyph = m_glyphs.size();
@@ -114,11 +156,30 @@ void Paragraph::readGlyphs(Atom& atom)
         return;
     }
     if (run.face == nullptr || atom.isTab || isBreakCharacter(m_text[atom.begin])) return;
+    using Rotation = ParagraphRun::Rotation;
+    if (run.rotation != Rotation::Auto)
+        atom.quarters = static_cast<std::uint8_t>(run.rotation);
+    else if (m_options.isColumn && standsInColumns(m_text[atom.begin]))
+        atom.quarters = static_cast<std::uint8_t>(Rotation::ThreeQuarters);
+    const bool liesAcross = atom.quarters % 2 != 0;
+    double x = liesAcross ? 0 : run.trackingLeft;
+    addGlyphs(atom, x);
+    atom.glyphCount = m_glyphs.size() - atom.firstGlyph;
+    atom.across = x;
+    // Fonts seldom say how high the place of a letter is in columns: an em.
+    atom.width = liesAcross ? run.trackingLeft + run.size + run.trackingRight : x + run.trackingRight;
+}
+
+void Paragraph::addGlyphs(Atom& atom, double& x)
+{
+    const ParagraphRun& run = m_runs[atom.run];
     const double unitsPerEm = run.face->metrics().unitsPerEm;
     if (unitsPerEm <= 0) return;
-    double x = run.trackingLeft;
+    const LetterForm ligature = ligatureAt(std::u16string_view(m_text).substr(atom.begin), run.ligatures);
+    const bool isLigature = ligature.length > 1 && ligature.length == atom.length;
     for (std::size_t i = 0; i < atom.length; ++i) {
-        char32_t character = m_text[atom.begin + i];
+        const std::size_t index = atom.begin + i;
+        char32_t character = m_text[index];
         const bool isFirst = i == 0;
         if (QChar::isHighSurrogate(character) && i + 1 < atom.length) {
             ++i;
@@ -133,18 +194,28 @@ void Paragraph::readGlyphs(Atom& atom)
             character = QChar::toLower(character);
         else if (run.letters != Letters::AsGiven)
             character = upper;
+        if (isLigature) {
+            character = ligature.form;
+            i += ligature.length - 1;
+        } else if (const LetterForm* form = formAt(index); form != nullptr && form->length > 1) {
+            character = form->form;
+            i += form->length - 1;
+        } else {
+            character = shownAs(character, index, atom);
+        }
         const FaceGlyph* glyph = run.face->glyph(character);
         if (glyph == nullptr) continue;
         // Letters that belong together move together; the pair's distance belongs to the atom before.
-        if (run.kerning && !m_atoms.empty() && m_lastCharacter != 0 && m_atoms.back().run == atom.run &&
-            isFirst)
+        const bool isBeside = isFirst && !m_atoms.empty() && m_lastCharacter != 0 &&
+                              m_atoms.back().run == atom.run && atom.level % 2 == 0 &&
+                              m_atoms.back().level == atom.level && atom.quarters == 0 &&
+                              m_atoms.back().quarters == 0;
+        if (run.kerning && isBeside)
             m_atoms.back().width += run.face->kerning(m_lastCharacter, character) * scale;
         m_glyphs.push_back({glyph, x, scale});
         x += glyph->advance * scale;
         m_lastCharacter = character;
     }
-    atom.glyphCount = m_glyphs.size() - atom.firstGlyph;
-    atom.width = x + run.trackingRight;
 }
 
 std::size_t Paragraph::atomAt(std::size_t index) const

@@ -2,6 +2,7 @@
 
 #include "flash/render/Canvas.h"
 #include "flash/render/FontFace.h"
+#include "flash/render/LetterForms.h"
 
 #include <array>
 #include <memory>
@@ -33,6 +34,8 @@ struct ParagraphRun {
         None, ///< not allowed
         All,  ///< after each character
     };
+    /// Of each letter, clockwise. Auto: those that stand upright in columns, in lines that are columns.
+    enum class Rotation : std::uint8_t { None, Quarter, Half, ThreeQuarters, Auto };
     enum class Letters : std::uint8_t { AsGiven, Upper, Lower, SmallCapitals, AllSmall };
     struct Picture {
         double width = 0, height = 0;
@@ -48,6 +51,8 @@ struct ParagraphRun {
     std::optional<Baseline> alignment; ///< nothing: the dominant one
     Breaks breaks = Breaks::Auto;
     Letters letters = Letters::AsGiven;
+    Rotation rotation = Rotation::None;
+    Ligatures ligatures = Ligatures::Common; ///< where no tracking parts the letters
     std::optional<Picture> picture;
 };
 
@@ -67,7 +72,8 @@ struct Justification {
     };
     Lines lines = Lines::None;
     Spread spread = Spread::Spaces;
-    double widestSpace = 1.5; ///< times its own width
+    double widestSpace = 1.5;  ///< times its own width
+    double narrowestSpace = 1; ///< the same; what fits with spaces so narrow goes into the line
 };
 
 struct LineRequest {
@@ -79,13 +85,16 @@ struct LineRequest {
     std::span<const LineTabStop> tabStops; ///< ascending
 };
 
-/// What a line is made of and what a caret stops at: a character with what combines with it, or a picture.
+/// What a line is made of and what a caret stops at: a character with what combines with it, a ligature, or
+/// a picture. In the order of the text, whichever way that runs.
 struct LineAtom {
     std::size_t begin = 0, length = 0; ///< in the paragraph, UTF-16 units
     std::size_t run = 0;
     double x = 0, width = 0;
     double top = 0, bottom = 0;
     bool startsWord = false;
+    std::uint8_t level = 0;    ///< odd where the text runs to the left
+    std::uint8_t quarters = 0; ///< that it is turned by, clockwise
 };
 
 /// A line that has been laid out. Never changed.
@@ -109,7 +118,7 @@ private:
     friend class LineComposer;
     struct Glyph {
         std::shared_ptr<const swf::Shape> outline;
-        double x = 0, y = 0, scale = 0;
+        swf::Matrix place; ///< of the outline in the line
         swf::Rgba color;
     };
     std::vector<Glyph> m_glyphs;
@@ -122,6 +131,8 @@ public:
         Baseline zero = Baseline::Roman;
         FontFacePtr baselineFace; ///< null: that of the largest text of each line
         double baselineSize = 240;
+        std::uint8_t bidiLevel = 0; ///< odd where the paragraph as a whole runs to the left
+        bool isColumn = false;      ///< lines are turned, letters that stand upright then turn back
     };
     /// @param runs together as long as the text
     Paragraph(std::u16string text, std::vector<ParagraphRun> runs, Options options);
@@ -147,6 +158,8 @@ private:
         std::size_t begin = 0, length = 0, run = 0;
         std::size_t firstGlyph = 0, glyphCount = 0;
         double width = 0;
+        double across = 0; ///< of a letter that lies across the line, its own width
+        std::uint8_t level = 0, quarters = 0;
         bool isBlank = false, isTab = false, startsWord = false;
         Break after = Break::No;
     };
@@ -154,7 +167,12 @@ private:
         double ascent = 0, descent = 0;
     };
     void readAtoms();
+    [[nodiscard]] std::size_t endOfAtom(std::size_t at, std::size_t graphemeEnd,
+                                        const ParagraphRun& run) const;
+    [[nodiscard]] const LetterForm* formAt(std::size_t index) const;
+    [[nodiscard]] char32_t shownAs(char32_t character, std::size_t index, const Atom& atom) const;
     void readGlyphs(Atom& atom);
+    void addGlyphs(Atom& atom, double& x);
     [[nodiscard]] std::size_t atomAt(std::size_t index) const;
     [[nodiscard]] double baselineOf(const ParagraphRun& run, const Extent& extent, Baseline line) const;
     [[nodiscard]] static Extent extentOf(const FontFacePtr& face, double size);
@@ -162,7 +180,9 @@ private:
     std::u16string m_text;
     std::vector<ParagraphRun> m_runs;
     Options m_options;
-    std::vector<Extent> m_extents; ///< of the runs
+    std::vector<Extent> m_extents;      ///< of the runs
+    std::vector<std::uint8_t> m_levels; ///< of the characters
+    std::vector<LetterForm> m_forms;    ///< of letters that join
     std::vector<Atom> m_atoms;
     std::vector<Glyph> m_glyphs;
     char32_t m_lastCharacter = 0; ///< while glyphs are read; for kerning

@@ -216,7 +216,6 @@ public:
     DisplayObject *previous = nullptr, *next = nullptr;
     std::vector<Part, vm::TracedAllocator<Part>> parts;
     double specifiedWidth = 0;
-    int bidiLevel = 0;
     enum class Validity : std::uint8_t { Valid, PossiblyInvalid, Invalid, Own };
     Validity validity = Validity::Valid;
     bool isStatic = false; ///< no change of the text makes it invalid

@@ -238,7 +238,6 @@ Value makeLine(Call& call, BlockObject& block, const LineArguments& arguments, D
     state->line = line;
     state->toNode = turn(vm.text(block.lineRotation));
     state->specifiedWidth = arguments.width;
-    state->bidiLevel = block.bidiLevel;
     state->previous = arguments.previous;
     std::size_t at = 0;
     block.content->forLeaves([&](ElementObject& leaf) {

@@ -160,22 +160,27 @@ Value setLocale(Call& call)
     selfAs<Format>(call, Format::kClass).change(call).fields[FormatLocale] = value;
     return {};
 }
-/// What can be said of a font as a whole: the numbers are those that fonts usually state.
+/// What its font states of itself, at the format's size.
 Value fontMetrics(Call& call)
 {
     Vm& vm = call.vm;
     Format& format = selfAs<Format>(call, Format::kClass);
     const double size = format.fields[FormatSize].number();
-    Object* metrics = vm.instantiate(vm.nativeClass("flash.text.engine::FontMetrics"));
-    constexpr double kAbove = 0.88, kThickness = 0.05;
+    const auto face = faceOf(vm, as<Font>(format.fields[FormatFont]));
+    const double scale = face != nullptr ? size / face->metrics().unitsPerEm : 0;
+    const render::FontFace::Extras extras = face != nullptr ? face->extras() : render::FontFace::Extras();
+    const Root<Object> metrics(vm.heap(), vm.instantiate(vm.nativeClass("flash.text.engine::FontMetrics")));
+    constexpr double kAbove = 0.88;
     metrics->setSlot(
         0, vm.construct(Value(vm.nativeClass("flash.geom::Rectangle")),
                         std::array<Value, 4>{Value(0), Value(-kAbove * size), Value(size), Value(size)}));
-    const double rest[] = {-0.3 * size, kThickness * size, 0.1 * size, kThickness * size, 0.2 * size,
-                           0.7,         -0.35 * size,      0.7};
+    const double rest[] = {extras.strike * scale,      extras.strikeThickness * scale,
+                           extras.underline * scale,   extras.underlineThickness * scale,
+                           extras.subscript * scale,   extras.subscriptScale,
+                           extras.superscript * scale, extras.superscriptScale};
     for (std::uint32_t i = 0; i < std::size(rest) && i + 1 < metrics->slotCount(); ++i)
         metrics->setSlot(i + 1, rest[i]);
-    return Value(metrics);
+    return Value(metrics.get());
 }
 
 template <FormatField field, FieldType type>
@@ -429,6 +434,13 @@ render::ParagraphRun runOf(Vm& vm, ElementFormatObject* format)
                   : letters == u"capsAndSmallCaps"              ? Run::Letters::SmallCapitals
                   : letters == u"smallCaps"                     ? Run::Letters::AllSmall
                                                                 : Run::Letters::AsGiven;
+    for (std::size_t i = 0; i < std::size(kRotations); ++i)
+        if (text(FormatRotation) == widen(kRotations[i]))
+            run.rotation = i == 0 ? Run::Rotation::Auto : static_cast<Run::Rotation>(i - 1);
+    const std::u16string_view ligatures = text(FormatLigatures);
+    run.ligatures = ligatures == u"none" || ligatures == u"minimum" ? render::Ligatures::None
+                    : ligatures == u"common"                        ? render::Ligatures::Common
+                                                                    : render::Ligatures::Rare;
     return run;
 }
 

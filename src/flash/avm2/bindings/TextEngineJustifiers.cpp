@@ -222,6 +222,7 @@ render::Justification justificationOf(Vm& vm, const Justifier* justifier)
                  : vm.toBoolean(justifier->fields[JustifierLetters]) ? Spread::SpacesAndLetters
                                                                      : Spread::Spaces;
     how.widestSpace = justifier->fields[JustifierMaximum].number();
+    if (!justifier->isEastAsian) how.narrowestSpace = justifier->fields[JustifierMinimum].number();
     return how;
 }
 

@@ -116,12 +116,15 @@ Value atomEnd(Call& call)
     const LineAtom& atom = atomArg(call);
     return static_cast<double>(atom.begin + atom.length);
 }
-Value atomBidi(Call& call)
+Value atomBidi(Call& call) { return static_cast<int>(atomArg(call).level); }
+/// On the left of what runs to the left is its end.
+Value atomWordOnLeft(Call& call)
 {
-    atomArg(call);
-    return self(call).bidiLevel;
+    const LineAtom& atom = atomArg(call);
+    if (atom.level % 2 == 0) return atom.startsWord;
+    const auto& atoms = line(call).atoms;
+    return &atom == &atoms.back() || (&atom + 1)->startsWord;
 }
-Value atomStartsWord(Call& call) { return atomArg(call).startsWord; }
 Value atomGraphic(Call& call)
 {
     const LineState::Part* part = self(call).partAt(atomArg(call).begin);
@@ -130,10 +133,8 @@ Value atomGraphic(Call& call)
 }
 Value atomRotation(Call& call)
 {
-    const LineState::Part* part = self(call).partAt(atomArg(call).begin);
-    const auto* format = part != nullptr ? as<ElementFormatObject>(part->element->format) : nullptr;
-    const bool isTurned = format != nullptr && call.vm.text(format->fields[FormatRotation]) != u"auto";
-    return isTurned ? format->fields[FormatRotation] : nameValue(call.vm, "rotate0");
+    constexpr std::string_view kNames[] = {"rotate0", "rotate90", "rotate180", "rotate270"};
+    return nameValue(call.vm, kNames[atomArg(call).quarters]);
 }
 Value atomAtCharacter(Call& call)
 {
@@ -177,8 +178,8 @@ void forRegions(const LineState& state, Visit&& visit)
         bool isThere = false;
         for (const LineAtom& atom : state.line->atoms) {
             if (atom.begin < part.begin || atom.begin >= part.begin + part.length) continue;
-            left = isThere ? left : atom.x;
-            right = atom.x + atom.width;
+            left = isThere ? std::min(left, atom.x) : atom.x;
+            right = isThere ? std::max(right, atom.x + atom.width) : atom.x + atom.width;
             top = std::min(top, atom.top);
             bottom = std::max(bottom, atom.bottom);
             isThere = true;
@@ -275,7 +276,7 @@ constexpr NativeMember kLine[] = {
     {"getAtomTextRotation", Kind::Method, &atomRotation, 1, 1, nullptr, "String"},
     {"getAtomTextBlockBeginIndex", Kind::Method, &atomBegin, 1, 1, nullptr, "int"},
     {"getAtomTextBlockEndIndex", Kind::Method, &atomEnd, 1, 1, nullptr, "int"},
-    {"getAtomWordBoundaryOnLeft", Kind::Method, &atomStartsWord, 1, 1, nullptr, "Boolean"},
+    {"getAtomWordBoundaryOnLeft", Kind::Method, &atomWordOnLeft, 1, 1, nullptr, "Boolean"},
     {"getAtomIndexAtCharIndex", Kind::Method, &atomAtCharacter, 1, 1, nullptr, "int"},
     {"getAtomIndexAtPoint", Kind::Method, &atomAtPoint, 2, 2, nullptr, "int"},
     {"flushAtomData", Kind::Method, &doNothing, 0, 0, nullptr, "void"},

@@ -1,5 +1,7 @@
 #include "flash/avm2/bindings/TextEngine.h"
 
+#include <algorithm>
+
 // What paragraphs of the text engine keep, and which of their lines still show them.
 namespace flash::avm2::textengine
 {
@@ -41,6 +43,9 @@ const render::Paragraph& BlockObject::paragraph(Vm& vm)
     render::Paragraph::Options options;
     options.zero = textengine::baselineOf(vm.text(baselineZero));
     options.baselineSize = baselineSize * kTwips;
+    constexpr int kDeepest = 125;
+    options.bidiLevel = static_cast<std::uint8_t>(std::min(bidiLevel, kDeepest));
+    options.isColumn = vm.text(lineRotation) == u"rotate90";
     if (auto* font = as<FontDescriptionObject>(baselineFont)) options.baselineFace = faceOf(vm, font);
     m_paragraph = std::make_unique<render::Paragraph>(std::move(text), std::move(runs), std::move(options));
     return *m_paragraph;
