@@ -376,6 +376,10 @@ void Engine::advance(double ms, SoundPace clock)
 stage::Stage& Engine::stage() { return *d->stage; }
 const stage::Stage& Engine::stage() const { return *d->stage; }
 sound::SoundPlayer& Engine::sound() { return d->sound; }
+stage::CursorPicturePtr Engine::cursorPicture() const
+{
+    return d->script3 ? d->script3->cursorPicture() : nullptr;
+}
 
 void Engine::setSecondThread(render::SecondThread when) { d->secondThread = when; }
 

@@ -3,6 +3,7 @@
 #include "base/Result.h"
 #include "flash/guard/Guard.h"
 #include "flash/render/RenderCache.h"
+#include "flash/stage/CursorPicture.h"
 #include "flash/stage/Services.h"
 
 #include <cstdint>
@@ -120,6 +121,9 @@ public:
     [[nodiscard]] stage::Stage& stage();
     [[nodiscard]] const stage::Stage& stage() const;
     [[nodiscard]] sound::SoundPlayer& sound();
+    /// The pointer that the movie has made itself, at this moment; null: stage().pointer() says which is
+    /// seen.
+    [[nodiscard]] stage::CursorPicturePtr cursorPicture() const;
 
     /// Device pixels to a pixel of the host's measure; kept from movie to movie.
     void setDeviceScale(double scale);

@@ -4,6 +4,7 @@
 #include "flash/FlashControl.h"
 #include "flash/control/Inbox.h"
 #include "flash/control/LocalMovie.h"
+#include "flash/control/PicturePainting.h"
 #include "flash/control/RemoteMovie.h"
 #include "flash/stage/ContextMenu.h"
 #include "flash/stage/Stage.h"
@@ -19,6 +20,7 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <array>
 #include <cmath>
 #include <optional>
 
@@ -180,13 +182,23 @@ public:
         return toWidget(QRect(now.caretLeft, now.caretTop, 1, now.caretHeight)).boundingRect();
     }
 
+    void showPointer()
+    {
+        const control::State& now = state();
+        const auto wanted = static_cast<stage::Cursor>(now.cursor);
+        const std::array shape{now.pointerWidth, now.pointerX, now.pointerY};
+        if (wanted == cursor && shape == pointerShape && now.pointerPixels == pointer) return;
+        cursor = wanted;
+        pointerShape = shape;
+        pointer = now.pointerPixels;
+        const QImage own = control::ownPointer(now);
+        q.setCursor(own.isNull() ? QCursor(toShape(wanted))
+                                 : QCursor(QPixmap::fromImage(own), now.pointerX, now.pointerY));
+    }
+
     void showState()
     {
-        const auto wanted = static_cast<stage::Cursor>(state().cursor);
-        if (wanted != cursor) {
-            cursor = wanted;
-            q.setCursor(toShape(wanted));
-        }
+        showPointer();
         if (isTyping() != q.testAttribute(Qt::WA_InputMethodEnabled))
             q.setAttribute(Qt::WA_InputMethodEnabled, isTyping());
         if (!isTyping()) isComposing = false;
@@ -376,7 +388,10 @@ public:
     bool wasSeen = false;
     QSize viewSize; // device pixels
     double viewScale = 1;
+    // What is seen: the movie's own pointer, unless empty, with its width and the pixel that points.
     stage::Cursor cursor = stage::Cursor::Arrow;
+    std::string pointer;
+    std::array<std::uint8_t, 3> pointerShape{};
     std::optional<QColor> background; // as the host set it
     QString movie, error;
     QString storageFolder, trustedFolder, sharedFolder;

@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 7;
+inline constexpr std::uint32_t kProtocolVersion = 8;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
@@ -220,10 +220,14 @@ struct State {
     std::uint8_t silent = 1;
     /// While `typing`: the caret, device pixels of the view.
     std::int32_t caretLeft = 0, caretTop = 0, caretHeight = 0;
+    /// Instead of `cursor`, unless empty: a pointer that the movie has made, as ownPointer() reads it.
+    std::uint8_t pointerWidth = 0, pointerHeight = 0, pointerX = 0, pointerY = 0;
+    std::string pointerPixels; ///< four bytes each: blue first, times opacity; rows from the top
     auto fields()
     {
         return std::tie(open, playing, listensToKeys, typing, cursor, frame, totalFrames, width, height,
-                        frameRate, background, silent, caretLeft, caretTop, caretHeight);
+                        frameRate, background, silent, caretLeft, caretTop, caretHeight, pointerWidth,
+                        pointerHeight, pointerX, pointerY, pointerPixels);
     }
     friend bool operator==(const State&, const State&) = default;
 };

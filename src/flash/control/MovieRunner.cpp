@@ -1,6 +1,7 @@
 #include "flash/control/MovieRunner.h"
 
 #include "base/TextCodes.h"
+#include "flash/control/OwnPointer.h"
 #include "flash/render/Bounds.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/stage/Stage.h"
@@ -375,6 +376,7 @@ void MovieRunner::tellState()
         now.width = static_cast<std::int32_t>(std::lround(frame.width() / 20.0));
         now.height = static_cast<std::int32_t>(std::lround(frame.height() / 20.0));
         now.frameRate = stage.frameRate();
+        if (const stage::CursorPicturePtr picture = m_engine.cursorPicture()) showPointer(*picture, now);
     }
     if (now == m_state) return;
     m_state = now;

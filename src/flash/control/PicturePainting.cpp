@@ -1,8 +1,12 @@
 #include "flash/control/PicturePainting.h"
 
-#include <QImage>
+#include "flash/control/Messages.h"
+#include "flash/stage/CursorPicture.h"
+
 #include <QPainter>
 #include <QRegion>
+
+#include <cstring>
 
 namespace flash::control
 {
@@ -23,6 +27,23 @@ void paintPicture(QPainter& painter, const QImage& picture, const QRegion& regio
         painter.drawImage(pixels.topLeft(), picture, pixels);
     }
     painter.restore();
+}
+
+QImage ownPointer(const State& state)
+{
+    constexpr int kMost = stage::CursorPicture::kMostSide;
+    constexpr std::size_t kPixelBytes = 4;
+    const int width = state.pointerWidth, height = state.pointerHeight;
+    if (width < 1 || height < 1 || width > kMost || height > kMost) return {};
+    if (state.pointerX >= width || state.pointerY >= height) return {};
+    const std::size_t rowBytes = static_cast<std::size_t>(width) * kPixelBytes;
+    if (state.pointerPixels.size() != rowBytes * static_cast<std::size_t>(height)) return {};
+    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) return {};
+    for (int y = 0; y < height; ++y)
+        std::memcpy(image.scanLine(y), state.pointerPixels.data() + static_cast<std::size_t>(y) * rowBytes,
+                    rowBytes);
+    return image;
 }
 
 } // namespace flash::control

@@ -25,15 +25,17 @@ constexpr LibraryPackage kPackages[] = {
     {"flash.accessibility", " Accessibility AccessibilityImplementation AccessibilityProperties ISearchableText "
          "ISimpleTextSelection "},
     {"flash.desktop", " Clipboard ClipboardFormats ClipboardTransferMode "},
-    {"flash.display", " AVM1Movie ActionScriptVersion Bitmap BitmapData BitmapDataChannel BlendMode CapsStyle "
-         "ColorCorrection ColorCorrectionSupport DisplayObject DisplayObjectContainer FrameLabel GradientType Graphics "
-         "GraphicsBitmapFill GraphicsEndFill GraphicsGradientFill GraphicsPath GraphicsPathCommand "
-         "GraphicsPathWinding GraphicsShaderFill GraphicsSolidFill GraphicsStroke GraphicsTrianglePath IBitmapDrawable "
-         "IDrawCommand IGraphicsData IGraphicsFill IGraphicsPath IGraphicsStroke InteractiveObject InterpolationMethod "
-         "JointStyle LineScaleMode Loader LoaderInfo MorphShape MovieClip PixelSnapping SWFVersion Scene Shader "
-         "ShaderData ShaderInput ShaderJob ShaderParameter ShaderParameterType ShaderPrecision Shape SimpleButton "
-         "SpreadMethod Sprite Stage StageAlign StageDisplayState StageQuality StageScaleMode TriangleCulling "
-         "NativeWindow JPEGEncoderOptions PNGEncoderOptions BitmapEncodingColorSpace Stage3D "},
+    {"flash.display", " AVM1Movie ActionScriptVersion Bitmap BitmapData BitmapDataChannel BitmapEncodingColorSpace BlendMode "
+         "CapsStyle ColorCorrection ColorCorrectionSupport DisplayObject DisplayObjectContainer FocusDirection "
+         "FrameLabel GradientType Graphics GraphicsBitmapFill GraphicsEndFill GraphicsGradientFill "
+         "GraphicsPath GraphicsPathCommand GraphicsPathWinding GraphicsShaderFill GraphicsSolidFill "
+         "GraphicsStroke GraphicsTrianglePath IBitmapDrawable IDrawCommand IGraphicsData IGraphicsFill "
+         "IGraphicsPath IGraphicsStroke InteractiveObject InterpolationMethod JPEGEncoderOptions "
+         "JPEGXREncoderOptions JointStyle LineScaleMode Loader LoaderInfo MorphShape MovieClip NativeMenu "
+         "NativeMenuItem NativeWindow PNGEncoderOptions PixelSnapping SWFVersion Scene Shader ShaderData "
+         "ShaderInput ShaderJob ShaderParameter ShaderParameterType ShaderPrecision Shape SimpleButton "
+         "SpreadMethod Sprite Stage Stage3D StageAlign StageDisplayState StageQuality StageScaleMode "
+         "TriangleCulling "},
     {"flash.display3D", " Context3D Context3DBlendFactor Context3DBufferUsage Context3DClearMask Context3DCompareMode "
          "Context3DFillMode Context3DMipFilter Context3DProfile Context3DProgramType Context3DRenderMode "
          "Context3DStencilAction Context3DTextureFilter Context3DTextureFormat Context3DTriangleFace "
@@ -41,11 +43,15 @@ constexpr LibraryPackage kPackages[] = {
     {"flash.display3D.textures", " CubeTexture RectangleTexture Texture TextureBase "},
     {"flash.errors", " EOFError IOError IllegalOperationError InvalidSWFError MemoryError ScriptTimeoutError "
          "StackOverflowError "},
-    {"flash.events", " ActivityEvent AsyncErrorEvent ContextMenuEvent DataEvent ErrorEvent Event EventDispatcher "
-         "EventPhase FocusEvent FullScreenEvent HTTPStatusEvent IEventDispatcher IMEEvent IOErrorEvent KeyboardEvent "
-         "MouseEvent NetFilterEvent NetMonitorEvent NetStatusEvent OutputProgressEvent ProgressEvent SampleDataEvent "
-         "SecurityErrorEvent ShaderEvent StatusEvent SyncEvent TextEvent ThrottleEvent TimerEvent TouchEvent "
-         "TransformGestureEvent GestureEvent PressAndTapGestureEvent GesturePhase UncaughtErrorEvent UncaughtErrorEvents VideoEvent WeakFunctionClosure "},
+    {"flash.events", " AccelerometerEvent ActivityEvent AsyncErrorEvent ContextMenuEvent DRMAuthenticationCompleteEvent "
+         "DRMAuthenticationErrorEvent DRMErrorEvent DRMStatusEvent DataEvent ErrorEvent Event EventDispatcher "
+         "EventPhase FocusEvent FullScreenEvent GameInputEvent GeolocationEvent GestureEvent GesturePhase "
+         "HTTPStatusEvent IEventDispatcher IMEEvent IOErrorEvent KeyboardEvent MouseEvent NetDataEvent "
+         "NetFilterEvent NetMonitorEvent NetStatusEvent OutputProgressEvent PressAndTapGestureEvent "
+         "ProgressEvent SampleDataEvent SecurityErrorEvent ShaderEvent SoftKeyboardEvent SoftKeyboardTrigger "
+         "StageVideoAvailabilityEvent StageVideoEvent StatusEvent SyncEvent TextEvent ThrottleEvent "
+         "ThrottleType TimerEvent TouchEvent TransformGestureEvent UncaughtErrorEvent UncaughtErrorEvents "
+         "VideoEvent VideoTextureEvent WeakFunctionClosure "},
     {"flash.external", " ExternalInterface "},
     {"flash.filters", " BevelFilter BitmapFilter BitmapFilterQuality BitmapFilterType BlurFilter ColorMatrixFilter "
          "ConvolutionFilter DisplacementMapFilter DisplacementMapFilterMode DropShadowFilter GlowFilter "
@@ -55,19 +61,27 @@ constexpr LibraryPackage kPackages[] = {
     {"flash.globalization", " Collator CollatorMode CurrencyFormatter CurrencyParseResult DateTimeFormatter DateTimeNameContext "
                             "DateTimeNameStyle DateTimeStyle LastOperationStatus LocaleID NationalDigitsType NumberFormatter "
                             "NumberParseResult StringTools "},
-    {"flash.media", " Camera ID3Info Microphone Sound SoundChannel SoundCodec SoundLoaderContext SoundMixer "
-         "SoundTransform Video "},
+    {"flash.media", " AVTagData Camera H264Level H264Profile ID3Info Microphone MicrophoneEnhancedMode Sound SoundChannel "
+         "SoundCodec SoundLoaderContext SoundMixer SoundTransform StageVideo StageVideoAvailability "
+         "StageVideoAvailabilityReason Video VideoCodec VideoStatus "},
     {"flash.net", " DynamicPropertyOutput FileFilter FileReference FileReferenceList GroupSpecifier "
-         "IDynamicPropertyOutput IDynamicPropertyWriter LocalConnection NetConnection NetStream NetStreamInfo "
-         "ObjectEncoding Responder SecureSocket SharedObject SharedObjectFlushStatus Socket URLLoader "
-         "URLLoaderDataFormat URLRequest URLRequestHeader URLRequestMethod URLStream URLVariables XMLSocket "
-         "getClassByAlias navigateToURL registerClassAlias sendToURL "},
+         "IDynamicPropertyOutput IDynamicPropertyWriter LocalConnection NetConnection NetGroup NetGroupInfo "
+         "NetGroupReceiveMode NetGroupReplicationStrategy NetGroupSendMode NetGroupSendResult NetMonitor "
+         "NetStream NetStreamAppendBytesAction NetStreamInfo NetStreamMulticastInfo NetStreamPlayOptions "
+         "NetStreamPlayTransitions ObjectEncoding Responder SecureSocket SharedObject SharedObjectFlushStatus "
+         "Socket URLLoader URLLoaderDataFormat URLRequest URLRequestHeader URLRequestMethod URLStream "
+         "URLVariables XMLSocket getClassByAlias navigateToURL registerClassAlias sendToURL "},
+    {"flash.net.drm", " AuthenticationMethod DRMContentData DRMManager DRMPlaybackTimeWindow DRMVoucher LoadVoucherSetting "},
+    {"flash.sensors", " Accelerometer Geolocation "},
+    {"flash.text.ime", " CompositionAttributeRange IIMEClient "},
+    {"flash.trace", " Trace "},
+    {"flash.crypto", " generateRandomBytes "},
     {"flash.printing", " PrintJob PrintJobOptions PrintJobOrientation "},
     {"flash.profiler", " profile showRedrawRegions "},
     {"flash.sampler", " Sample StackFrame NewObjectSample DeleteObjectSample getSize getMemberNames "},
-    {"flash.system", " ApplicationDomain Capabilities FSCommand IME IMEConversionMode ImageDecodingPolicy "
-         "JPEGLoaderContext LoaderContext Security SecurityDomain SecurityPanel System SystemUpdater "
-         "TouchscreenType Worker fscommand exit "},
+    {"flash.system", " ApplicationDomain Capabilities FSCommand IME IMEConversionMode ImageDecodingPolicy JPEGLoaderContext "
+         "LoaderContext Security SecurityDomain SecurityPanel System SystemUpdater SystemUpdaterType "
+         "TouchscreenType Worker exit fscommand "},
     {"flash.text", " AntiAliasType CSMSettings Font FontStyle FontType GridFitType StaticText StyleSheet TextColorType "
          "TextDisplayMode TextExtent TextField TextFieldAutoSize TextFieldType TextFormat TextFormatAlign "
          "TextFormatDisplay TextInteractionMode TextLineMetrics TextRenderer TextRun TextSnapshot "},
@@ -76,8 +90,9 @@ constexpr LibraryPackage kPackages[] = {
          "JustificationStyle Kerning LigatureLevel LineJustification RenderingMode SpaceJustifier TabAlignment TabStop "
          "TextBaseline TextBlock TextElement TextJustifier TextLine TextLineCreationResult TextLineMirrorRegion "
          "TextLineValidity TextRotation TypographicCase "},
-    {"flash.ui", " ContextMenu ContextMenuBuiltInItems ContextMenuClipboardItems ContextMenuItem KeyLocation Keyboard "
-         "KeyboardType Mouse MouseCursor MouseCursorData Multitouch MultitouchInputMode GameInput "},
+    {"flash.ui", " ContextMenu ContextMenuBuiltInItems ContextMenuClipboardItems ContextMenuItem GameInput "
+         "GameInputControl GameInputDevice KeyLocation Keyboard KeyboardType Mouse MouseCursor MouseCursorData "
+         "Multitouch MultitouchInputMode "},
     {"flash.utils", " ByteArray CompressionAlgorithm Dictionary Endian IDataInput IDataInput2 IDataOutput IDataOutput2 "
          "IExternalizable ObjectInput ObjectOutput Proxy SetIntervalTimer Timer clearInterval clearTimeout "
          "describeType escapeMultiByte flash_proxy getAliasName getDefinitionByName getQualifiedClassName "

@@ -13,18 +13,9 @@ using C = NativeConstant;
 namespace
 {
 
-Value zero(Call&) { return 0; }
 Value minusOne(Call&) { return -1; }
-Value refuse(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012,
-                       std::u16string(call.vm.traitsOf(call.self)->name.view()) +
-                           u"$ class cannot be instantiated.");
-}
 
 // ---- flash.sampler: no samples are taken ----
-
-Value noMembers(Call& call) { return Value(call.vm.newArray()); }
 
 // ---- flash.text.TextRenderer ----
 
@@ -41,7 +32,7 @@ constexpr NativeMember kRenderer[] = {
 
 constexpr NativeMember kTrace[] = {
     {"setLevel", Kind::Static, &doNothing, 1, 2},
-    {"getLevel", Kind::Static, &zero, 0, 1},
+    {"getLevel", Kind::Static, &isAlwaysZero, 0, 1},
     {"setListener", Kind::Static, &doNothing, 1, 1},
     {"getListener", Kind::Static, &isAlwaysNull, 0, 0},
 };
@@ -97,7 +88,7 @@ constexpr NativeClass refused(std::string_view package, std::string_view name)
             .name = name,
             .base = "flash.events::EventDispatcher",
             .flags = NativeClass::Sealed,
-            .constructor = &refuse};
+            .constructor = &refuseConstruction};
 }
 
 constexpr NativeClass kClasses[] = {
@@ -118,7 +109,6 @@ constexpr NativeClass kClasses[] = {
           "relativeStart:int relativeEnd:int selected:Boolean converted:Boolean"),
     {.package = "flash.text.ime", .name = "IIMEClient", .base = {}, .flags = NativeClass::Interface},
     refused("flash.media", "StageVideo"),
-    refused("flash.net", "NetGroup"),
     constantsOf("flash.net", "NetGroupReceiveMode", kReceiveModes),
     constantsOf("flash.net", "NetGroupSendMode", kSendModes),
     constantsOf("flash.net", "NetGroupSendResult", kSendResults),
@@ -134,14 +124,14 @@ constexpr NativeFunctionInfo kFunctions[] = {
     {"flash.sampler", "sampleInternalAllocs", &doNothing, 1, 1},
     {"flash.sampler", "setSamplerCallback", &doNothing, 1, 1},
     {"flash.sampler", "getSamples", &isAlwaysNull, 0, 0},
-    {"flash.sampler", "getSampleCount", &zero, 0, 0},
-    {"flash.sampler", "getSize", &zero, 1, 1},
-    {"flash.sampler", "getMemberNames", &noMembers, 1, 2},
+    {"flash.sampler", "getSampleCount", &isAlwaysZero, 0, 0},
+    {"flash.sampler", "getSize", &isAlwaysZero, 1, 1},
+    {"flash.sampler", "getMemberNames", &isAlwaysEmpty, 1, 2},
     {"flash.sampler", "getInvocationCount", &minusOne, 2, 2},
     {"flash.sampler", "getSetterInvocationCount", &minusOne, 2, 2},
     {"flash.sampler", "getGetterInvocationCount", &minusOne, 2, 2},
     {"flash.sampler", "isGetterSetter", &isAlwaysFalse, 2, 2},
-    {"flash.sampler", "getLexicalScopes", &noMembers, 1, 1},
+    {"flash.sampler", "getLexicalScopes", &isAlwaysEmpty, 1, 1},
     {"flash.sampler", "getSavedThis", &isAlwaysNull, 1, 1},
 };
 

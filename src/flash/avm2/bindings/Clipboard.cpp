@@ -129,10 +129,6 @@ Value hasFormat(Call& call)
 {
     return selfAs<ClipboardObject>(call, ClipboardObject::kClass).find(formatOf(call)) != nullptr;
 }
-Value refuseClipboard(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012, "Clipboard$ class cannot be instantiated.");
-}
 
 constexpr NativeMember kClipboard[] = {
     {"generalClipboard", Kind::StaticGetter, &general, 0, 0},
@@ -147,10 +143,8 @@ constexpr NativeMember kClipboard[] = {
 
 // ---- text put together by several keys: the system does that before a movie hears of it ----
 
-Value isAlwaysFalse(Call&) { return false; }
 Value unknownMode(Call& call) { return Value(call.vm.name("UNKNOWN").string()); }
 Value refuseIme(Call& call) { call.vm.throwError(ErrorClass::Error, 2063, "Error setting property IME."); }
-Value doNothing(Call&) { return {}; }
 
 constexpr NativeMember kIme[] = {
     {"enabled", Kind::StaticGetter, &isAlwaysFalse, 0, 0, &refuseIme},
@@ -167,7 +161,7 @@ constexpr NativeClass kClasses[] = {
      .name = "Clipboard",
      .base = {},
      .flags = NativeClass::Sealed,
-     .constructor = &refuseClipboard,
+     .constructor = &refuseConstruction,
      .minArguments = 0,
      .maxArguments = 0,
      .allocate = &allocateNative<ClipboardObject>,

@@ -44,7 +44,7 @@ Value constructUncaught(Call& call)
                             : Value(call.vm.name("uncaughtError").string());
     made.bubbles = !call.has(1) || call.vm.toBoolean(call.arg(1));
     made.cancelable = !call.has(2) || call.vm.toBoolean(call.arg(2));
-    call.vm.setPublic(call.self, "error", call.has(3) ? call.arg(3) : Value::null());
+    setReadOnly(call.vm, made, "error", call.has(3) ? call.arg(3) : Value::null());
     return {};
 }
 

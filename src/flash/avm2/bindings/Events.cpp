@@ -119,9 +119,9 @@ Value eventToString(Call& call)
     if (traits->slotTypes.size() > 0) {
         names->pop_back();
         for (const Traits::Entry& entry : traits->entries()) {
-            if (entry.binding.kind != Binding::Kind::Slot ||
-                std::ranges::find(kUnshown, entry.name.view()) != std::end(kUnshown))
-                continue;
+            const bool isVariable =
+                entry.binding.kind == Binding::Kind::Slot || entry.binding.kind == Binding::Kind::Const;
+            if (!isVariable || std::ranges::find(kUnshown, entry.name.view()) != std::end(kUnshown)) continue;
             names.push_back(Value(entry.name.string()));
             if (entry.name.view() != u"localY") continue;
             for (const char* place : {"stageX", "stageY"})

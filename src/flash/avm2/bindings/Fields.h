@@ -104,6 +104,22 @@ inline Value assignSlots(Call& call)
     return {};
 }
 
+/// A constructor of what only the player makes.
+inline Value refuseConstruction(Call& call)
+{
+    call.vm.throwError(ErrorClass::Argument, 2012,
+                       std::u16string(call.vm.traitsOf(call.self)->name.view()) +
+                           u"$ class cannot be instantiated.");
+}
+/// Sets a variable that scripts only read.
+inline void setReadOnly(Vm& vm, Object& object, std::string_view property, Value value)
+{
+    const Binding* binding = object.traits()->find(vm.publicName(property));
+    if (binding != nullptr) vm.setSlotTyped(object, static_cast<std::uint32_t>(binding->id), value);
+}
+
+inline Value isAlwaysZero(Call&) { return 0; }
+inline Value isAlwaysEmpty(Call& call) { return Value(call.vm.newArray()); } ///< a list
 inline Value doNothing(Call&) { return {}; }
 inline Value isAlwaysFalse(Call&) { return false; }
 inline Value isAlwaysTrue(Call&) { return true; }

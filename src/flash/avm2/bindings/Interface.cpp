@@ -2,9 +2,6 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 
-#include <algorithm>
-#include <optional>
-
 // What a movie has of its user besides the stage: keys, cursor, menus, printers, helpers.
 namespace flash::avm2
 {
@@ -16,37 +13,8 @@ using Kind = NativeMember::Kind;
 namespace
 {
 
-// ---- Mouse and Keyboard ----
+// ---- Keyboard ----
 
-Value hideMouse(Call& call)
-{
-    Player::of(call.vm).stage().pointer().setVisible(false);
-    return {};
-}
-Value showMouse(Call& call)
-{
-    Player::of(call.vm).stage().pointer().setVisible(true);
-    return {};
-}
-struct CursorName {
-    std::u16string_view name;
-    std::optional<stage::Cursor> cursor;
-};
-constexpr CursorName kCursorNames[] = {{u"auto", {}},
-                                       {u"arrow", stage::Cursor::Arrow},
-                                       {u"button", stage::Cursor::Hand},
-                                       {u"hand", stage::Cursor::Hand},
-                                       {u"ibeam", stage::Cursor::Text}};
-Value cursor(Call& call) { return Value(call.vm.string(Player::of(call.vm).cursorName)); }
-Value setCursor(Call& call)
-{
-    const std::u16string name = textArg(call, 0, "cursor");
-    const auto* known = std::ranges::find(kCursorNames, name, &CursorName::name);
-    if (known == std::end(kCursorNames)) throwNotAccepted(call.vm, "cursor");
-    Player::of(call.vm).cursorName = known->name;
-    Player::of(call.vm).input().setCursor(known->cursor);
-    return {};
-}
 template <int key>
 Value isToggled(Call& call)
 {
@@ -55,15 +23,6 @@ Value isToggled(Call& call)
 constexpr int kCapsLock = 20, kNumLock = 144;
 Value isAccessibleKey(Call&) { return false; }
 
-constexpr NativeMember kMouse[] = {
-    {"hide", Kind::Static, &hideMouse, 0, 0},
-    {"show", Kind::Static, &showMouse, 0, 0},
-    {"cursor", Kind::StaticGetter, &cursor, 0, 0, &setCursor, "String"},
-    {"supportsCursor", Kind::StaticGetter, &isAlwaysTrue, 0, 0, nullptr, "Boolean"},
-    {"supportsNativeCursor", Kind::StaticGetter, &isAlwaysTrue, 0, 0, nullptr, "Boolean"},
-    {"registerCursor", Kind::Static, &doNothing, 2, 2},
-    {"unregisterCursor", Kind::Static, &doNothing, 1, 1},
-};
 constexpr NativeMember kKeyboard[] = {
     {"capsLock", Kind::StaticGetter, &isToggled<kCapsLock>, 0, 0, nullptr, "Boolean"},
     {"numLock", Kind::StaticGetter, &isToggled<kNumLock>, 0, 0, nullptr, "Boolean"},
@@ -109,42 +68,46 @@ constexpr C kKeys[] = {
 };
 // clang-format on
 constexpr C kLocations[] = {{"STANDARD", 0}, {"LEFT", 1}, {"RIGHT", 2}, {"NUM_PAD", 3}, {"D_PAD", 4}};
-constexpr C kCursors[] = {{"ARROW", 0, "arrow"},
-                          {"AUTO", 0, "auto"},
-                          {"BUTTON", 0, "button"},
-                          {"HAND", 0, "hand"},
-                          {"IBEAM", 0, "ibeam"}};
 constexpr C kTouchModes[] = {
     {"GESTURE", 0, "gesture"}, {"NONE", 0, "none"}, {"TOUCH_POINT", 0, "touchPoint"}};
 constexpr C kKeyboardTypes[] = {
     {"ALPHANUMERIC", 0, "alphanumeric"}, {"KEYPAD", 0, "keypad"}, {"NONE", 0, "none"}};
 
-Value inputMode(Call& call) { return Value(call.vm.name("none").string()); }
-Value zero(Call&) { return 0; }
+Value inputMode(Call& call) { return Value(call.vm.string(Player::of(call.vm).kept.touchMode)); }
+/// Which of the user's touches would be told of; there are none.
+Value setInputMode(Call& call)
+{
+    const std::u16string mode = textArg(call, 0, "inputMode");
+    for (const std::u16string_view known : {u"none", u"gesture", u"touchPoint"}) {
+        if (mode != known) continue;
+        Player::of(call.vm).kept.touchMode = known;
+        return {};
+    }
+    throwNotAccepted(call.vm, "inputMode");
+}
+Value mapsTouch(Call& call) { return Player::of(call.vm).kept.mapsTouch; }
+Value setMapsTouch(Call& call)
+{
+    Player::of(call.vm).kept.mapsTouch = call.vm.toBoolean(call.arg(0));
+    return {};
+}
 constexpr NativeMember kMultitouch[] = {
-    {"inputMode", Kind::StaticGetter, &inputMode, 0, 0, &doNothing, "String"},
-    {"maxTouchPoints", Kind::StaticGetter, &zero, 0, 0, nullptr, "int"},
+    {"inputMode", Kind::StaticGetter, &inputMode, 0, 0, &setInputMode, "String"},
+    {"maxTouchPoints", Kind::StaticGetter, &isAlwaysZero, 0, 0, nullptr, "int"},
     {"supportedGestures", Kind::StaticGetter, &isAlwaysNull},
     {"supportsGestureEvents", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
     {"supportsTouchEvents", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
-    {"mapTouchToMouse", Kind::StaticGetter, &isAlwaysTrue, 0, 0, &doNothing, "Boolean"},
+    {"mapTouchToMouse", Kind::StaticGetter, &mapsTouch, 0, 0, &setMapsTouch, "Boolean"},
 };
 
 // ---- game devices: there are none ----
 
 Value deviceAt(Call& call) { call.vm.throwError(ErrorClass::Range, 1506, "The specified range is invalid."); }
 constexpr NativeMember kGameInput[] = {
-    {"numDevices", Kind::StaticGetter, &zero, 0, 0, nullptr, "int"},
+    {"numDevices", Kind::StaticGetter, &isAlwaysZero, 0, 0, nullptr, "int"},
     {"isSupported", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
     {"getDeviceAt", Kind::Static, &deviceAt, 1, 1},
 };
-
-Value refuseConstruction(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012,
-                       std::u16string(call.vm.traitsOf(call.self)->name.view()) +
-                           u"$ class cannot be instantiated.");
-}
 
 // ---- menus ----
 
@@ -180,6 +143,16 @@ constexpr NativeMember kMenu[] = {
     {"isSupported", Kind::StaticGetter, &isAlwaysTrue, 0, 0, nullptr, "Boolean"},
 };
 constexpr NativeMember kClone[] = {{"clone", Kind::Method, &cloneSlots, 0, 0}};
+/// What its base has, it sets as well.
+Value makeMenuItem(Call& call)
+{
+    if (call.arg(0).isNullish()) throwNullParameter(call.vm, "caption");
+    constexpr const char* kNames[] = {"caption", "separatorBefore", "enabled", "visible"};
+    Object& self = *call.self.object();
+    for (std::uint32_t i = 0; i < call.count && i < std::size(kNames); ++i)
+        setReadOnly(call.vm, self, kNames[i], call.args[i]);
+    return {};
+}
 
 // ---- what is outside the player: not there ----
 
@@ -243,7 +216,6 @@ constexpr NativeClass sensor(std::string_view name)
 constexpr std::string_view kDispatcher = "flash.events::EventDispatcher";
 
 constexpr NativeClass kClasses[] = {
-    staticsOf("flash.ui", "Mouse", kMouse),
     {.package = "flash.ui",
      .name = "Keyboard",
      .base = {},
@@ -251,15 +223,9 @@ constexpr NativeClass kClasses[] = {
      .members = kKeyboard,
      .constants = kKeys},
     constantsOf("flash.ui", "KeyLocation", kLocations),
-    constantsOf("flash.ui", "MouseCursor", kCursors),
     constantsOf("flash.ui", "MultitouchInputMode", kTouchModes),
     constantsOf("flash.ui", "KeyboardType", kKeyboardTypes),
     staticsOf("flash.ui", "Multitouch", kMultitouch),
-    {.package = "flash.ui",
-     .name = "MouseCursorData",
-     .base = {},
-     .flags = NativeClass::Sealed | NativeClass::Final,
-     .slots = "data:* hotSpot:* frameRate:Number"},
     {.package = "flash.ui",
      .name = "GameInput",
      .base = kDispatcher,
@@ -275,6 +241,22 @@ constexpr NativeClass kClasses[] = {
      .base = {},
      .flags = NativeClass::Sealed,
      .constructor = &refuseConstruction},
+    {.package = "flash.display",
+     .name = "NativeMenu",
+     .base = kDispatcher,
+     .flags = NativeClass::Sealed,
+     .constructor = &refuseConstruction,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .since = 10},
+    {.package = "flash.display",
+     .name = "NativeMenuItem",
+     .base = kDispatcher,
+     .flags = NativeClass::Sealed,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .slots = "enabled:Boolean=true",
+     .since = 10},
     {.package = "flash.ui",
      .name = "ContextMenuBuiltInItems",
      .base = {},
@@ -290,7 +272,7 @@ constexpr NativeClass kClasses[] = {
      .slots = "clear:Boolean copy:Boolean cut:Boolean paste:Boolean selectAll:Boolean"},
     {.package = "flash.ui",
      .name = "ContextMenu",
-     .base = kDispatcher,
+     .base = "flash.display::NativeMenu",
      .flags = NativeClass::Sealed | NativeClass::Final,
      .constructor = &makeMenuList,
      .minArguments = 0,
@@ -299,13 +281,13 @@ constexpr NativeClass kClasses[] = {
      .slots = "customItems:* builtInItems:* clipboardItems:* clipboardMenu:Boolean link:*"},
     {.package = "flash.ui",
      .name = "ContextMenuItem",
-     .base = kDispatcher,
+     .base = "flash.display::NativeMenuItem",
      .flags = NativeClass::Sealed | NativeClass::Final,
-     .constructor = &assignSlots,
+     .constructor = &makeMenuItem,
      .minArguments = 1,
      .maxArguments = 4,
      .members = kClone,
-     .slots = "caption:String separatorBefore:Boolean enabled:Boolean=true visible:Boolean=true"},
+     .slots = "caption:String separatorBefore:Boolean visible:Boolean=true"},
     staticsOf("flash.external", "ExternalInterface", kExternal),
     staticsOf("flash.accessibility", "Accessibility", kAccessibility),
     {.package = "flash.accessibility",

@@ -28,6 +28,7 @@ std::string_view mediaSignatures(); ///< and all that is neither of these nor th
 
 NativeLibrary timerLibrary();
 NativeLibrary systemLibrary();    ///< flash.system and what reports on the machine
+NativeLibrary cursorLibrary();    ///< flash.ui.Mouse
 NativeLibrary interfaceLibrary(); ///< flash.ui, flash.accessibility, flash.external, flash.printing
 NativeLibrary urlStreamLibrary();
 NativeLibrary netLoadingLibrary(); ///< what fetches addresses
@@ -54,6 +55,8 @@ NativeLibrary context3DLibrary();
 NativeLibrary resource3DLibrary();
 NativeLibrary clipboardLibrary(); ///< flash.desktop, and what else belongs to the desktop
 NativeLibrary pictureEncoderLibrary();
+NativeLibrary groupLibrary();  ///< flash.net: groups of peers, and who watches streams
+NativeLibrary rightsLibrary(); ///< flash.net.drm
 NativeLibrary absentLibrary(); ///< classes of services that are not there
 NativeLibrary fileLibrary();   ///< files that a user would choose
 

@@ -1,4 +1,5 @@
 #include "base/PercentCode.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Loader.h"
 #include "flash/avm2/bindings/Player.h"
@@ -60,7 +61,7 @@ bool offerUncaught(Vm& vm, const LoaderInfoObject& info, Value error)
     bool isTaken = false;
     vm.guarded([&] {
         EventObject* event = newEvent(vm, "flash.events::UncaughtErrorEvent", "uncaughtError", true, true);
-        vm.setPublic(Value(event), "error", error);
+        setReadOnly(vm, *event, "error", error);
         isTaken = !events->dispatch(vm, *event);
     });
     return isTaken;

@@ -16,7 +16,7 @@ using classes::allocateNative;
 using classes::selfAs;
 using Kind = NativeMember::Kind;
 
-std::u16string loadedText(std::span<const std::uint8_t> bytes)
+std::u16string loadedText(Vm& vm, std::span<const std::uint8_t> bytes)
 {
     std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF", kLittleMark = "\xFF\xFE", kBigMark = "\xFE\xFF";
@@ -31,6 +31,8 @@ std::u16string loadedText(std::span<const std::uint8_t> bytes)
         }
         return result;
     }
+    Player& player = Player::of(vm);
+    if (player.kept.usesCodePage) return player.stage().linkage().textCode().decode(text);
     return base::utf16FromUtf8(text);
 }
 
@@ -255,7 +257,7 @@ void takeContent(Vm& vm, UrlLoaderObject& loader, std::span<const std::uint8_t> 
         loader.fields[Content] = bytesValue(vm, bytes);
         return;
     }
-    loader.fields[Content] = Value(vm.string(loadedText(bytes)));
+    loader.fields[Content] = Value(vm.string(loadedText(vm, bytes)));
     if (format != u"variables" || bytes.empty()) return;
     const Value args[] = {loader.fields[Content]};
     loader.fields[Content] = vm.construct(Value(vm.nativeClass("flash.net::URLVariables")), args);

@@ -10,8 +10,9 @@
 namespace flash::avm2
 {
 
-/// The text of a loaded file: UTF-16 where a mark says so, otherwise UTF-8.
-std::u16string loadedText(std::span<const std::uint8_t> bytes);
+/// The text of a loaded file: UTF-16 where a mark says so, otherwise UTF-8, or in the system's code when
+/// System.useCodePage says so.
+std::u16string loadedText(Vm& vm, std::span<const std::uint8_t> bytes);
 
 /// The dynamic properties of an object as a query: `name=value&name=value`.
 std::string encodedVariables(Vm& vm, Object* object);

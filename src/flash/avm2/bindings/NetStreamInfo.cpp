@@ -2,6 +2,8 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/NetStreams.h"
 
+#include <algorithm>
+
 // Figures of streams, and the devices that would feed them and are not there.
 namespace flash::avm2
 {
@@ -26,18 +28,11 @@ constexpr NativeMember kInfo[] = {{"toString", Kind::Method, &infoToText, 0, 0, 
 
 // ---- devices ----
 
-Value noNames(Call& call) { return Value(call.vm.newArray()); }
-Value refuse(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012,
-                       std::u16string(call.vm.traitsOf(call.self)->name.view()) +
-                           u"$ class cannot be instantiated.");
-}
 constexpr NativeMember kMicrophone[] = {
     {"getMicrophone", Kind::Static, &isAlwaysNull, 0, 1},
     {"getEnhancedMicrophone", Kind::Static, &isAlwaysNull, 0, 1},
     {"isSupported", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
-    {"names", Kind::StaticGetter, &noNames, 0, 0, nullptr, "Array"},
+    {"names", Kind::StaticGetter, &isAlwaysEmpty, 0, 0, nullptr, "Array"},
     {"setLoopBack", Kind::Method, &doNothing, 0, 1, nullptr, "void"},
     {"setSilenceLevel", Kind::Method, &doNothing, 1, 2, nullptr, "void"},
     {"setUseEchoSuppression", Kind::Method, &doNothing, 1, 1, nullptr, "void"},
@@ -45,7 +40,7 @@ constexpr NativeMember kMicrophone[] = {
 constexpr NativeMember kCamera[] = {
     {"getCamera", Kind::Static, &isAlwaysNull, 0, 1},
     {"isSupported", Kind::StaticGetter, &isAlwaysFalse, 0, 0, nullptr, "Boolean"},
-    {"names", Kind::StaticGetter, &noNames, 0, 0, nullptr, "Array"},
+    {"names", Kind::StaticGetter, &isAlwaysEmpty, 0, 0, nullptr, "Array"},
     {"setLoopback", Kind::Method, &doNothing, 0, 1, nullptr, "void"},
     {"setMode", Kind::Method, &doNothing, 3, 4, nullptr, "void"},
     {"setMotionLevel", Kind::Method, &doNothing, 1, 2, nullptr, "void"},
@@ -76,7 +71,7 @@ constexpr NativeClass kClasses[] = {
      .name = "Microphone",
      .base = "flash.events::EventDispatcher",
      .flags = NativeClass::Sealed | NativeClass::Final,
-     .constructor = &refuse,
+     .constructor = &refuseConstruction,
      .members = kMicrophone,
      .slots = "activityLevel:Number=-1 gain:Number=50 index:int muted:Boolean=true name:String rate:int=8 "
               "silenceLevel:Number=10 silenceTimeout:int=2000 codec:String framesPerPacket:int=2 "
@@ -86,7 +81,7 @@ constexpr NativeClass kClasses[] = {
      .name = "Camera",
      .base = "flash.events::EventDispatcher",
      .flags = NativeClass::Sealed | NativeClass::Final,
-     .constructor = &refuse,
+     .constructor = &refuseConstruction,
      .members = kCamera,
      .slots = "activityLevel:Number=-1 bandwidth:int=16384 currentFPS:Number fps:Number=15 height:int=120 "
               "index:int keyFrameInterval:int=15 loopback:Boolean motionLevel:int=50 "
@@ -95,12 +90,65 @@ constexpr NativeClass kClasses[] = {
 
 } // namespace
 
-Value newNetStreamInfo(Vm& vm, double byteCount)
+namespace
 {
-    Object* made = vm.instantiate(vm.nativeClass("flash.net::NetStreamInfo"));
-    constexpr std::uint32_t kByteCount = 1;
-    made->setSlot(kByteCount, byteCount);
-    return Value(made);
+
+/// Bytes of one kind that a file holds, seen from a moment of it.
+struct Share {
+    double all = 0, ahead = 0, lastSecond = 0;
+    double aheadMs = 0; ///< until the last of them is due
+};
+template <class Tags, class SizeOf>
+Share shareOf(const Tags& tags, double nowMs, SizeOf&& sizeOf)
+{
+    constexpr double kSecond = 1000;
+    Share share;
+    for (const auto& tag : tags) {
+        const auto size = static_cast<double>(sizeOf(tag));
+        share.all += size;
+        if (tag.timeMs > nowMs) {
+            share.ahead += size;
+            share.aheadMs = std::max(share.aheadMs, tag.timeMs - nowMs);
+        } else if (tag.timeMs > nowMs - kSecond) {
+            share.lastSecond += size;
+        }
+    }
+    return share;
+}
+
+} // namespace
+
+Value newNetStreamInfo(Vm& vm, const NetStreamObject& stream)
+{
+    Root<Object> made(vm.heap(), vm.instantiate(vm.nativeClass("flash.net::NetStreamInfo")));
+    const auto set = [&](std::string_view name, Value value) { setReadOnly(vm, *made, name, value); };
+    set("metaData", stream.metaData);
+    set("xmpData", stream.xmpData);
+    set("resourceName", stream.resource);
+    set("uri", Value(vm.name("null").string()));
+    if (!stream.player) return Value(made.get());
+    const video::FlvFile& file = stream.player->file();
+    const double now = stream.player->timeMs();
+    constexpr double kSecond = 1000;
+    // A file comes at once: whatever it is, it came within the second in which it was opened.
+    const double arrives = vm.host().timeMs() - stream.openedMs < kSecond ? 1 : 0;
+    const auto bytes = static_cast<double>(stream.player->byteCount());
+    set("byteCount", bytes);
+    set("maxBytesPerSecond", bytes);
+    set("currentBytesPerSecond", bytes * arrives);
+    double played = 0;
+    const auto tell = [&](const std::string& kind, const Share& share) {
+        played += share.lastSecond;
+        set(kind + "ByteCount", share.all);
+        set(kind + "BytesPerSecond", share.all * arrives);
+        set(kind + "BufferByteLength", share.ahead);
+        set(kind + "BufferLength", share.aheadMs / kSecond);
+    };
+    tell("audio", shareOf(file.sound, now, [](const auto& tag) { return tag.bytes.size(); }));
+    tell("video", shareOf(file.video, now, [](const auto& tag) { return tag.packet.size(); }));
+    tell("data", shareOf(file.scripts, now, [](const auto& tag) { return tag.message.size(); }));
+    set("playbackBytesPerSecond", played);
+    return Value(made.get());
 }
 
 NativeLibrary netStreamInfoLibrary() { return {kClasses, {}}; }

@@ -45,6 +45,9 @@ void tellMessages(Vm& vm, NetStreamObject& stream)
             const Value name = classes::readAmf(vm, *bytes, 0);
             const Value value = classes::readAmf(vm, *bytes, 0);
             if (!name.isString()) return;
+            const std::u16string_view called = vm.text(name);
+            if (called == u"onMetaData") stream.metaData = value;
+            if (called == u"onXMPData") stream.xmpData = value;
             const Multiname method = vm.publicName(vm.names().intern(vm.toString(name)));
             if (vm.has(stream.client, method)) vm.callProperty(stream.client, method, {&value, 1});
         });
@@ -67,7 +70,7 @@ void begin(Vm& vm, NetStreamObject& stream, const base::Result<stage::LoadAnswer
     }
     stream.player = std::move(*opened);
     stream.hasEnded = false;
-    stream.followedMs = vm.host().timeMs();
+    stream.followedMs = stream.openedMs = vm.host().timeMs();
     if (!stream.isPaused) stream.startSound(vm);
     // A listener may close the stream.
     const std::uint32_t turn = stream.turn;
@@ -84,6 +87,7 @@ Value construct(Call& call)
     if (connection == nullptr || connection->state == NetConnectionObject::State::None)
         call.vm.throwError(ErrorClass::Argument, 2126, "NetConnection object must be connected.");
     made.client = Value(&made);
+    Player::of(call.vm).noteStream(made);
     return {};
 }
 
@@ -96,7 +100,8 @@ Value play(Call& call)
     if (call.arg(0).isNullish() || call.arg(0).isBoolean()) return {};
     Player& player = Player::of(vm);
     stage::LoadRequest request;
-    request.url = toUtf8(vm.text(call.arg(0)));
+    stream.resource = vm.coerceString(call.arg(0));
+    request.url = toUtf8(vm.text(stream.resource));
     request.baseUrl = player.stage().url();
     player.watchStream(stream);
     // The object is part of what waits: it stays while its file is on the way.
@@ -224,9 +229,12 @@ Value play2(Call& call)
     Call named{call.vm, call.self, &name, 1};
     return play(named);
 }
-Value info(Call& call) { return newNetStreamInfo(call.vm, bytes(call).number()); }
-Value noNames(Call& call) { return Value(call.vm.newArray()); }
-Value zero(Call&) { return 0; }
+Value info(Call& call)
+{
+    auto& stream = self(call);
+    stream.follow(call.vm);
+    return newNetStreamInfo(call.vm, stream);
+}
 Value three(Call&) { return 3; }
 
 constexpr NativeMember kStream[] = {
@@ -238,7 +246,7 @@ constexpr NativeMember kStream[] = {
     {"onPeerConnect", Kind::Method, &isAlwaysTrue, 1, 1},
     {"info", Kind::Getter, &info, 0, 0, nullptr, "flash.net::NetStreamInfo"},
     {"multicastInfo", Kind::Getter, &isAlwaysNull},
-    {"peerStreams", Kind::Getter, &noNames, 0, 0, nullptr, "Array"},
+    {"peerStreams", Kind::Getter, &isAlwaysEmpty, 0, 0, nullptr, "Array"},
     {"pause", Kind::Method, &pause, 0, 0},
     {"resume", Kind::Method, &resume, 0, 0},
     {"togglePause", Kind::Method, &togglePause, 0, 0},
@@ -263,7 +271,7 @@ constexpr NativeMember kStream[] = {
     {"videoCodec", Kind::Getter, &streamVideoCodec, 0, 0, nullptr, "uint"},
     {"audioCodec", Kind::Getter, &streamAudioCodec, 0, 0, nullptr, "uint"},
     {"decodedFrames", Kind::Getter, &streamDecodedFrames, 0, 0, nullptr, "uint"},
-    {"liveDelay", Kind::Getter, &zero, 0, 0, nullptr, "Number"},
+    {"liveDelay", Kind::Getter, &isAlwaysZero, 0, 0, nullptr, "Number"},
     {"objectEncoding", Kind::Getter, &three, 0, 0, nullptr, "uint"},
     {"soundTransform", Kind::Getter, &transform, 0, 0, &setTransform, "flash.media::SoundTransform"},
     {"checkPolicyFile", Kind::Getter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
@@ -367,6 +375,7 @@ void NetStreamObject::close(Vm& vm)
     stopSound(vm);
     player.reset();
     shown.reset();
+    metaData = xmpData = resource = Value::null();
     isPaused = hasEnded = isFed = feedEnds = hasNews = startsAtTag = false;
     fed = {};
     Player::of(vm).unwatchStream(*this);
@@ -392,6 +401,18 @@ void NetStreamObject::follow(Vm& vm)
     if (turn == before && hasEnded) Player::of(vm).unwatchStream(*this);
 }
 
+void Player::noteStream(DispatcherObject& stream)
+{
+    m_allStreams.push_back(&stream);
+    RootedList<Object*> hearers(m_vm->heap());
+    for (DispatcherObject* monitor : m_monitors) hearers.push_back(monitor);
+    for (std::size_t i = 0; i < hearers.size(); ++i) {
+        m_vm->guarded([&] {
+            fireWith(*m_vm, static_cast<DispatcherObject&>(*hearers[i]), "flash.events::NetMonitorEvent",
+                     "netStreamCreate", {Value(&stream)});
+        });
+    }
+}
 void Player::watchStream(Object& stream) { m_streams.try_emplace(&stream, m_vm->heap(), &stream); }
 void Player::unwatchStream(Object& stream) { m_streams.erase(&stream); }
 

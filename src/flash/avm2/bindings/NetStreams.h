@@ -20,6 +20,9 @@ public:
     {
         DispatcherObject::trace(tracer);
         tracer(client);
+        tracer(metaData);
+        tracer(xmpData);
+        tracer(resource);
         tracer.outside(fed.capacity());
     }
     [[nodiscard]] bool isPlaying() const { return player && !isPaused && !hasEnded; }
@@ -34,6 +37,9 @@ public:
 
     std::unique_ptr<video::FlvPlayer> player;
     Value client;
+    // As the stream told of itself, and what was asked to be played.
+    Value metaData = Value::null(), xmpData = Value::null(), resource = Value::null();
+    double openedMs = 0; ///< the stage's time when its bytes came
     std::vector<std::weak_ptr<stage::VideoNode>> screens;
     std::shared_ptr<const swf::Bitmap> shown;
     stage::SoundId sound = 0;
@@ -64,7 +70,7 @@ Value streamDecodedFrames(Call& call);
 void tellStream(Vm& vm, NetStreamObject& stream, std::string_view code, std::string_view level,
                 const std::string& description = {});
 
-/// What is known of a stream that has come as a whole.
-Value newNetStreamInfo(Vm& vm, double byteCount);
+/// Figures of what a stream plays, at this moment.
+Value newNetStreamInfo(Vm& vm, const NetStreamObject& stream);
 
 } // namespace flash::avm2

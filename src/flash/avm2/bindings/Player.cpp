@@ -3,6 +3,7 @@
 #include "flash/avm2/bindings/Context3D.h"
 
 #include "flash/avm2/abc/Abc.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Loader.h"
 #include "flash/avm2/classes/ByteArray.h"
@@ -52,6 +53,8 @@ void Player::forgetGone()
     std::erase_if(m_weaklyHeard,
                   [&](DispatcherObject* object) { return isGone(object) || !object->dropGoneListeners(); });
     std::erase_if(m_orphans, isGone);
+    std::erase_if(m_allStreams, isGone);
+    std::erase_if(m_monitors, isGone);
     std::erase_if(m_linked, [&](const auto& entry) { return isGone(entry.first); });
     for (const auto& movie : m_movies) {
         if (isGone(movie->domain)) movie->domain = nullptr;
@@ -254,7 +257,9 @@ void Player::begin()
         m_stageObject = stage;
         stage->setNode(m_stage->root()->shared_from_this());
         stage->isStage = stage->isConstructed = true;
-        m_vm->setPublic(Value(stage), "stage3Ds", newStage3Ds(*m_vm));
+        setReadOnly(*m_vm, *stage, "stage3Ds", newStage3Ds(*m_vm));
+        ClassObject* videos = m_vm->vectorOf(m_vm->nativeClass("flash.media::StageVideo")->instances);
+        setReadOnly(*m_vm, *stage, "stageVideos", m_vm->construct(Value(videos), {}));
     });
     if (!m_stageObject) return;
     Domain* domain = m_vm->heap().make<Domain>(m_vm->systemDomain());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/avm2/bindings/ContextMenus.h"
+#include "flash/avm2/bindings/Cursors.h"
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Input.h"
 #include "flash/avm2/bindings/LoadedMovie.h"
@@ -41,6 +42,15 @@ struct PlayerInputs {
     std::function<SoundReader(const stage::MoviePtr&, const swf::Sound*,
                               const std::shared_ptr<const std::vector<std::uint8_t>>&)>
         readSound;
+};
+
+/// What scripts set of the player as a whole.
+struct PlayerSettings {
+    // Static texts.
+    std::u16string_view touchMode = u"gesture", colorCorrection = u"default";
+    std::optional<std::array<double, 4>> fullScreenPart; ///< x, y, width and height, pixels
+    bool mapsTouch = true, exactSettings = true, refusesOldMovies = false;
+    bool usesCodePage = false; ///< what is loaded as text is in the system's code, not in UTF-8
 };
 
 /// Joins the machine to a stage: the frames of the display list as scripts see it, timers, events.
@@ -174,8 +184,15 @@ public:
     /// Streams play on from frame to frame.
     void watchStream(Object& stream);
     void unwatchStream(Object& stream);
-    std::u16string_view cursorName = u"auto"; ///< as a script chose it; static text
-    int soundBufferTime = 5;                  ///< seconds; what scripts set, no more
+    /// Those that live, and those that hear of new ones: neither is kept alive by it.
+    void noteStream(DispatcherObject& stream);
+    void noteMonitor(DispatcherObject& monitor) { m_monitors.push_back(&monitor); }
+    [[nodiscard]] const std::vector<DispatcherObject*>& streams() const { return m_allStreams; }
+    PlayerSettings kept;
+    Cursors& cursors() { return m_cursors; }
+    /// The movie's own pointer at this moment; null while the system's is seen, or none.
+    [[nodiscard]] stage::CursorPicturePtr cursorPicture() const;
+    int soundBufferTime = 5; ///< seconds; what scripts set, no more
     /// Writes those that have changed.
     void saveSharedObjects();
 
@@ -222,6 +239,7 @@ private:
     std::unique_ptr<Vm> m_vm;
     std::unique_ptr<Input> m_input;
     std::unique_ptr<ContextMenus> m_menus;
+    Cursors m_cursors;
     std::vector<std::unique_ptr<LoadedMovie>> m_movies; ///< the main one first
     std::unordered_map<const ClassObject*, std::pair<LoadedMovie*, std::uint16_t>> m_linked;
     Root<DisplayObject> m_stageObject;
@@ -243,7 +261,8 @@ private:
     std::unordered_set<DispatcherObject*> m_weaklyHeard;
     std::vector<std::weak_ptr<OldMovieNode>> m_oldMovies;
     std::vector<DisplayObject*> m_orphans;
-    std::size_t m_keptOrphans = 0, m_seenCollections = 0; ///< after the last collection at a frame's end
+    std::vector<DispatcherObject*> m_allStreams, m_monitors; ///< weak, as are the orphans
+    std::size_t m_keptOrphans = 0, m_seenCollections = 0;    ///< after the last collection at a frame's end
     std::vector<std::function<void()>> m_later;
     std::map<std::uint32_t, std::unique_ptr<Timer>> m_timers;
     std::set<std::pair<double, std::uint32_t>> m_dueTimers; ///< the same by when they are due

@@ -6,6 +6,7 @@
 #include "flash/avm2/bindings/Player.h"
 
 #include <algorithm>
+#include <array>
 
 namespace flash::avm2
 {
@@ -156,6 +157,38 @@ Value setShowsMenu(Call& call)
     view(call).setShowsMenu(call.vm.toBoolean(call.arg(0)));
     return {};
 }
+/// Colours are those of the screen, whatever is asked for.
+Value colorCorrection(Call& call) { return Value(call.vm.string(Player::of(call.vm).kept.colorCorrection)); }
+Value setColorCorrection(Call& call)
+{
+    const std::u16string_view name = call.vm.text(call.arg(0));
+    for (const std::u16string_view known : {u"default", u"on", u"off"}) {
+        if (name != known) continue;
+        Player::of(call.vm).kept.colorCorrection = known;
+        return {};
+    }
+    notAccepted(call, "colorCorrection");
+}
+/// The part that the whole screen shows; kept for those who ask.
+Value fullScreenPart(Call& call)
+{
+    const auto& part = Player::of(call.vm).kept.fullScreenPart;
+    return part ? newRectangle(call.vm, (*part)[0], (*part)[1], (*part)[2], (*part)[3]) : Value::null();
+}
+Value setFullScreenPart(Call& call)
+{
+    auto& part = Player::of(call.vm).kept.fullScreenPart;
+    if (call.arg(0).isNull()) {
+        part.reset();
+        return {};
+    }
+    std::array<double, 4> given{};
+    constexpr const char* kSides[] = {"x", "y", "width", "height"};
+    for (std::size_t i = 0; i < given.size(); ++i)
+        given[i] = call.vm.toNumber(call.vm.getPublic(call.arg(0), kSides[i]));
+    part = given;
+    return {};
+}
 Value isFalse(Call&) { return false; }
 Value ignore(Call&) { return {}; }
 Value one(Call&) { return 1; }
@@ -175,6 +208,9 @@ constexpr NativeMember kStage[] = {
     {"fullScreenHeight", Kind::Getter, &stageHeight, 0, 0, nullptr, "uint"},
     {"frameRate", Kind::Getter, &frameRate, 0, 0, &setFrameRate, "Number"},
     {"color", Kind::Getter, &color, 0, 0, &setColor, "uint"},
+    {"colorCorrection", Kind::Getter, &colorCorrection, 0, 0, &setColorCorrection, "String"},
+    {"fullScreenSourceRect", Kind::Getter, &fullScreenPart, 0, 0, &setFullScreenPart,
+     "flash.geom::Rectangle"},
     {"invalidate", Kind::Method, &invalidate, 0, 0},
     {"showDefaultContextMenu", Kind::Getter, &showsMenu, 0, 0, &setShowsMenu, "Boolean"},
     {"isFocusInaccessible", Kind::Method, &isFalse, 0, 0},
@@ -193,8 +229,8 @@ constexpr NativeClass kClasses[] = {
      .flags = NativeClass::Sealed,
      .constructor = &refuseDisplayConstruction,
      .members = kStage,
-     .slots = "stageFocusRect:Boolean=true fullScreenSourceRect:* colorCorrection:String=default "
-              "stage3Ds:* stageVideos:* mouseLock:Boolean colorCorrectionSupport:String=defaultOff "
+     .slots = "stageFocusRect:Boolean=true stage3Ds:* stageVideos:* mouseLock:Boolean "
+              "colorCorrectionSupport:String=defaultOff "
               "browserZoomFactor:Number=1 displayContextInfo:String=none"},
 };
 

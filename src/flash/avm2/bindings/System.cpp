@@ -57,7 +57,18 @@ Value exitPlayer(Call& call)
 
 Value sandboxType(Call& call) { return Value(call.vm.name("localWithFile").string()); }
 Value pageDomain(Call&) { return Value::null(); }
-Value exactSettings(Call&) { return true; }
+/// A setting of the whole player that scripts make and read again.
+template <bool PlayerSettings::*setting>
+Value kept(Call& call)
+{
+    return Player::of(call.vm).kept.*setting;
+}
+template <bool PlayerSettings::*setting>
+Value keep(Call& call)
+{
+    Player::of(call.vm).kept.*setting = call.vm.toBoolean(call.arg(0));
+    return {};
+}
 
 // ---- Capabilities ----
 
@@ -111,7 +122,8 @@ constexpr NativeMember kSystem[] = {
     {"setClipboard", Kind::Static, &setClipboard, 1, 1},
     {"disposeXML", Kind::Static, &disposeXml, 1, 1},
     {"pauseForGCIfCollectionImminent", Kind::Static, &doNothing, 0, 1},
-    {"useCodePage", Kind::StaticGetter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
+    {"useCodePage", Kind::StaticGetter, &kept<&PlayerSettings::usesCodePage>, 0, 0,
+     &keep<&PlayerSettings::usesCodePage>, "Boolean"},
     {"vmVersion", Kind::StaticGetter, [](Call& call) -> Value { return textOf(call, "1.0 cyclone"); }, 0, 0,
      nullptr, "String"},
 };
@@ -120,8 +132,10 @@ constexpr NativeMember kSecurity[] = {
     {"allowInsecureDomain", Kind::Static, &doNothing},
     {"loadPolicyFile", Kind::Static, &doNothing, 1, 1},
     {"showSettings", Kind::Static, &doNothing, 0, 1},
-    {"exactSettings", Kind::StaticGetter, &exactSettings, 0, 0, &doNothing, "Boolean"},
-    {"disableAVM1Loading", Kind::StaticGetter, &isAlwaysFalse, 0, 0, &doNothing, "Boolean"},
+    {"exactSettings", Kind::StaticGetter, &kept<&PlayerSettings::exactSettings>, 0, 0,
+     &keep<&PlayerSettings::exactSettings>, "Boolean"},
+    {"disableAVM1Loading", Kind::StaticGetter, &kept<&PlayerSettings::refusesOldMovies>, 0, 0,
+     &keep<&PlayerSettings::refusesOldMovies>, "Boolean"},
     {"sandboxType", Kind::StaticGetter, &sandboxType, 0, 0, nullptr, "String"},
     {"pageDomain", Kind::StaticGetter, &pageDomain, 0, 0, nullptr, "String"},
 };

@@ -87,7 +87,8 @@ Member memberOf(Vm& vm, const Traits& traits, const Traits::Entry& entry)
     if (entry.declaredBy != nullptr) made.declaredBy = entry.declaredBy->qualifiedName();
     const auto id = static_cast<std::size_t>(entry.binding.id);
     if (const Signature* known = signatureOf(vm, entry);
-        known != nullptr && entry.binding.kind != Binding::Kind::Const) {
+        known != nullptr &&
+        (known->kind == Signature::Kind::Accessor || entry.binding.kind != Binding::Kind::Const)) {
         fill(vm, *known, made);
         return made;
     }

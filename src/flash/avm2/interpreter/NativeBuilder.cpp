@@ -198,7 +198,16 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
     }
     for (std::size_t at = 0; at < spec.slots.size();) {
         const std::size_t end = std::min(spec.slots.find(' ', at), spec.slots.size());
-        bindSlot(*instances, spec.slots.substr(at, end - at));
+        const std::string_view slot = spec.slots.substr(at, end - at);
+        bindSlot(*instances, slot);
+        // What is told to be read only natives set, and nobody else.
+        const std::string_view plain = slot.substr(0, slot.find(':'));
+        const Signature* known = told != nullptr ? told->find(plain, false) : nullptr;
+        if (known != nullptr && !known->canWrite) {
+            Binding binding = *instances->find(name(plain), m_public);
+            binding.kind = Binding::Kind::Const;
+            instances->bind(name(plain), m_public, binding);
+        }
         at = end + 1;
     }
     for (const NativeConstant& constant : spec.constants) {
