@@ -1,4 +1,5 @@
 #include "flash/render/GradientRows.h"
+#include "flash/render/LinearLight.h"
 #include "flash/render/Paint.h"
 #include "flash/render/Pixel.h"
 
@@ -13,17 +14,6 @@ namespace
 
 constexpr double kSquareRadius = 16384;
 
-double toLinear(double value)
-{
-    value /= 255;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double fromLinear(double value)
-{
-    return 255 * (value <= 0.0031308 ? value * 12.92 : 1.055 * std::pow(value, 1 / 2.4) - 0.055);
-}
-
 // Channel `part` of `whole` on the way.
 std::uint8_t mixPlain(std::uint8_t from, std::uint8_t to, int part, int whole)
 {
@@ -33,8 +23,8 @@ std::uint8_t mixPlain(std::uint8_t from, std::uint8_t to, int part, int whole)
 std::uint8_t mixLinear(std::uint8_t from, std::uint8_t to, int part, int whole)
 {
     const double t = static_cast<double>(part) / whole;
-    return static_cast<std::uint8_t>(
-        std::lround(fromLinear(toLinear(from) + (toLinear(to) - toLinear(from)) * t)));
+    return static_cast<std::uint8_t>(std::lround(
+        255 * fromLinearLight(toLinearLight(from / 255.0) * (1 - t) + toLinearLight(to / 255.0) * t)));
 }
 
 // Fills the entries after `from` up to `to`.
@@ -67,13 +57,12 @@ public:
 
     void fetch(int x, int y, std::size_t count, std::uint32_t* to) const override
     {
-        const std::uint32_t* ramp = m_ramp->colors.data();
         forBlocks(x, y, count,
                   [&](const GradientRow& row, std::size_t first, std::size_t done, std::size_t n) {
                       if (m_isBetween)
-                          fillBetweenEntries(m_form, m_spread, ramp, row, first, n, to + done);
+                          fillBetweenEntries(m_form, m_spread, *m_ramp, row, first, n, to + done);
                       else
-                          m_loops.fill(ramp, row, first, n, to + done);
+                          m_loops.fill(m_ramp->colors.data(), row, first, n, to + done);
                   });
     }
 
@@ -146,6 +135,37 @@ private:
     double m_within = 0; ///< where in a pixel it is looked at, from its corner
 };
 
+// The genuine player's, where edges are not smoothed: each entry is cut to whole levels, those of a gradient
+// that is mixed in linear light to levels of the light. From the entry after one stop on the way leads to the
+// next.
+void setPlain(GradientRamp& ramp, const swf::Gradient& gradient)
+{
+    ramp.isLinear = gradient.interpolation == swf::Gradient::Interpolation::Linear;
+    const std::vector<swf::Gradient::Stop>& stops = gradient.stops;
+    if (stops.empty()) {
+        ramp.plain.fill(0xFF000000);
+        return;
+    }
+    const auto level = [&](std::uint8_t channel) {
+        return ramp.isLinear ? 255 * toLinearLight(channel / 255.0) : channel;
+    };
+    std::size_t last = 0;
+    for (int i = 0; i < kRampSize; ++i) {
+        while (last + 1 < stops.size() && stops[last + 1].ratio < i) ++last;
+        const swf::Gradient::Stop &from = stops[last], &to = stops[std::min(last + 1, stops.size() - 1)];
+        const int whole = to.ratio - from.ratio;
+        const double part =
+            whole <= 0 ? 0 : std::clamp((i - from.ratio) / static_cast<double>(whole), 0.0, 1.0);
+        const auto mixed = [&](double a, double b) {
+            // A hair is added for products that miss the whole level they stand for.
+            return static_cast<std::uint32_t>(a + (b - a) * part + 1e-6);
+        };
+        ramp.plain[static_cast<std::size_t>(i)] = packPixel(
+            mixed(from.color.a, to.color.a), mixed(level(from.color.r), level(to.color.r)),
+            mixed(level(from.color.g), level(to.color.g)), mixed(level(from.color.b), level(to.color.b)));
+    }
+}
+
 } // namespace
 
 GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& color)
@@ -177,6 +197,8 @@ GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& 
                            [&](swf::Rgba c) { return premultiply(plain ? c : apply(color, c)); });
     ramp.isOpaque =
         std::ranges::all_of(ramp.colors, [](std::uint32_t pixel) { return alphaOf(pixel) == 255; });
+    setPlain(ramp, gradient);
+    ramp.transform = color;
     return ramp;
 }
 

@@ -91,15 +91,6 @@ void placeFocal(const GradientRow& row, std::size_t first, std::size_t count, fl
     }
 }
 
-void place(GradientForm form, const GradientRow& row, std::size_t first, std::size_t count, float* positions)
-{
-    switch (form) {
-    case GradientForm::Linear: placeLinear(row, first, count, positions); break;
-    case GradientForm::Radial: placeRadial(row, first, count, positions); break;
-    case GradientForm::Focal: placeFocal(row, first, count, positions); break;
-    }
-}
-
 template <GradientForm kForm, Spread kSpread>
 void fillPlain(const std::uint32_t* ramp, const GradientRow& row, std::size_t first, std::size_t count,
                std::uint32_t* to)
@@ -108,7 +99,7 @@ void fillPlain(const std::uint32_t* ramp, const GradientRow& row, std::size_t fi
     std::int32_t entries[kGradientBlock];
     count = std::min<std::size_t>(count, kGradientBlock);
     const std::size_t whole = wholeGroups(count);
-    place(kForm, row, first, whole, positions);
+    placeOnRamp(kForm, row, first, whole, positions);
     // Before the ramp, conversion would round the other way.
     if constexpr (kForm == GradientForm::Linear && kSpread != Spread::Pad)
         for (std::size_t i = 0; i < whole; ++i) positions[i] = std::floor(positions[i]);
@@ -127,33 +118,17 @@ GradientLoops plainOf(Spread spread)
     return {fillPlain<kForm, Spread::Repeat>};
 }
 
-void lookUpBetween(const std::uint32_t* ramp, const float* positions, std::size_t count, Spread spread,
-                   std::uint32_t* to)
+} // namespace
+
+void placeOnRamp(GradientForm form, const GradientRow& row, std::size_t first, std::size_t count,
+                 float* positions)
 {
-    const auto entry = [=](std::int32_t at) {
-        switch (spread) {
-        case Spread::Pad: break;
-        case Spread::Reflect: at &= kTwice; return std::min(at, kTwice - at);
-        case Spread::Repeat: break;
-        }
-        return std::min(std::max(at, 0), kLast);
-    };
-    for (std::size_t i = 0; i < count; ++i) {
-        // Where a ramp begins anew its ends do not mix.
-        float position = positions[i];
-        if (spread == Spread::Repeat) position -= kRampSize * std::floor(position / kRampSize);
-        const float at = position - 0.5F, whole = std::floor(at);
-        const auto first = static_cast<std::int32_t>(whole);
-        const auto part = static_cast<std::uint32_t>((at - whole) * 256), rest = 256 - part;
-        const std::uint32_t from = ramp[entry(first)], next = ramp[entry(first + 1)];
-        const std::uint32_t low = ((from & 0x00FF00FF) * rest + (next & 0x00FF00FF) * part + 0x00800080) >> 8;
-        const std::uint32_t high =
-            (from >> 8 & 0x00FF00FF) * rest + (next >> 8 & 0x00FF00FF) * part + 0x00800080;
-        to[i] = (low & 0x00FF00FF) | (high & 0xFF00FF00);
+    switch (form) {
+    case GradientForm::Linear: placeLinear(row, first, count, positions); break;
+    case GradientForm::Radial: placeRadial(row, first, count, positions); break;
+    case GradientForm::Focal: placeFocal(row, first, count, positions); break;
     }
 }
-
-} // namespace
 
 GradientLoops plainGradientLoops(GradientForm form, Spread spread)
 {
@@ -169,15 +144,6 @@ GradientLoops gradientLoops(GradientForm form, Spread spread)
 {
     const GradientLoops wide = wideGradientLoops(form, spread);
     return wide.fill != nullptr ? wide : plainGradientLoops(form, spread);
-}
-
-void fillBetweenEntries(GradientForm form, Spread spread, const std::uint32_t* ramp, const GradientRow& row,
-                        std::size_t first, std::size_t count, std::uint32_t* to)
-{
-    float positions[kGradientBlock];
-    count = std::min<std::size_t>(count, kGradientBlock);
-    place(form, row, first, wholeGroups(count), positions);
-    lookUpBetween(ramp, positions, count, spread, to);
 }
 
 } // namespace flash::render

@@ -47,9 +47,16 @@ GradientLoops plainGradientLoops(GradientForm form, swf::Gradient::Spread spread
 /// @returns those for AVX2; null where there is none
 GradientLoops wideGradientLoops(GradientForm form, swf::Gradient::Spread spread);
 
-/// The same, with colours that go over into each other between entries of the ramp, each of which has its own
-/// in its middle.
-void fillBetweenEntries(GradientForm form, swf::Gradient::Spread spread, const std::uint32_t* ramp,
+/// Positions along the ramp, in entries, of pixels `first` to `first + count - 1`, within kGradientBlock.
+/// @param count of whole groups of eight
+void placeOnRamp(GradientForm form, const GradientRow& row, std::size_t first, std::size_t count,
+                 float* positions);
+
+struct GradientRamp;
+
+/// Writes colours that go over into each other between entries of the ramp, each of which has its own in its
+/// middle: as a gradient looks where edges are not smoothed.
+void fillBetweenEntries(GradientForm form, swf::Gradient::Spread spread, const GradientRamp& ramp,
                         const GradientRow& row, std::size_t first, std::size_t count, std::uint32_t* to);
 
 // The genuine player's radial gradients are too large by a hair, as its fixed-point numbers make them; found

@@ -11,10 +11,14 @@
 namespace flash::render
 {
 
-/// Colours along a gradient, premultiplied, after the colour transform.
+/// Colours along a gradient.
 struct GradientRamp {
-    std::array<std::uint32_t, 256> colors{};
-    bool isOpaque = false; ///< all of them
+    std::array<std::uint32_t, 256> colors{}; ///< premultiplied, after the colour transform
+    bool isOpaque = false;                   ///< all of them
+    // What colours between the entries are mixed from.
+    std::array<std::uint32_t, 256> plain{}; ///< not premultiplied, before the colour transform
+    bool isLinear = false;                  ///< `plain` is: in parts of the light, not of what is seen
+    swf::ColorTransform transform;
 };
 
 GradientRamp makeRamp(const swf::Gradient& gradient, const swf::ColorTransform& color);

@@ -94,6 +94,54 @@ TEST(GradientRows, DoNotDependOnWhereTheyAreBegun)
     }
 }
 
+// One row of a gradient from end to end over 256 pixels, as it looks without smoothed edges.
+std::vector<std::uint32_t> betweenEntries(const Gradient& gradient, const swf::ColorTransform& color = {})
+{
+    const auto ramp = std::make_shared<const GradientRamp>(makeRamp(gradient, color));
+    const auto paint = makeGradientPaint(FillStyle::Kind::LinearGradient, gradient, ramp,
+                                         {1 / 128.0, 0, 0, 1 / 128.0, 128, 0}, GradientSample::Centre);
+    std::vector<std::uint32_t> row(256);
+    paint->fetch(0, 0, row.size(), row.data());
+    return row;
+}
+
+TEST(GradientMixing, CutsLevelsOfLight)
+{
+    Gradient gradient;
+    gradient.interpolation = Gradient::Interpolation::Linear;
+    gradient.stops = {{0, {255, 20, 25, 255}}, {255, {14, 20, 255, 255}}};
+    const auto row = betweenEntries(gradient);
+    // 20 is less than two levels of light of 255, and one of them is seen as 13.
+    for (const std::uint32_t pixel : row) ASSERT_EQ(pixel >> 8 & 0xFF, 13U);
+    EXPECT_EQ(row[0], 0xFFFF0D16U);
+    // Half of the light is more than half of the level.
+    EXPECT_NEAR(row[128] >> 16 & 0xFF, 187, 1);
+    gradient.interpolation = Gradient::Interpolation::Normal;
+    EXPECT_EQ(betweenEntries(gradient)[128], 0xFF86148CU);
+}
+
+TEST(GradientMixing, PremultipliesLightTwice)
+{
+    Gradient gradient;
+    gradient.interpolation = Gradient::Interpolation::Linear;
+    gradient.stops = {{0, {255, 255, 0, 128}}, {255, {255, 255, 0, 128}}};
+    // Twice as much light as there may be is seen as 1.353 of what there may be.
+    EXPECT_EQ(betweenEntries(gradient)[9], 0x80575700U);
+    gradient.interpolation = Gradient::Interpolation::Normal;
+    EXPECT_EQ(betweenEntries(gradient)[9], 0x80808000U);
+}
+
+TEST(GradientMixing, TransformsBeforeItPremultiplies)
+{
+    Gradient gradient;
+    gradient.stops = {{0, {200, 0, 0, 128}}, {255, {200, 0, 0, 128}}};
+    swf::ColorTransform color;
+    color.redMul = 128;
+    color.blueAdd = 255;
+    color.alphaAdd = 64;
+    EXPECT_EQ(betweenEntries(gradient, color)[9], 0xC04B00C0U);
+}
+
 TEST(GradientRows, KeepRampsUnderColourTransforms)
 {
     TintedRamps ramps;

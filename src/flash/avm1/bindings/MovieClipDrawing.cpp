@@ -1,6 +1,7 @@
 #include "flash/avm1/bindings/Classes.h"
 #include "flash/avm1/classes/GeomValues.h"
 #include "flash/stage/Drawing.h"
+#include "flash/swf/FixedPoint.h"
 
 #include <cmath>
 #include <numbers>
@@ -135,6 +136,8 @@ GradientFill gradientFill(Call& call)
         result.outcome = GradientFill::Outcome::NoChange;
         return result;
     }
+    constexpr std::size_t kMostArguments = 8;
+    if (call.count() > kMostArguments) return result;
     Object* colors = call.arg(1).asObject();
     Object* alphas = call.arg(2).asObject();
     Object* ratios = call.arg(3).asObject();
@@ -143,7 +146,7 @@ GradientFill gradientFill(Call& call)
     auto stops = StopReader(vm, colors, alphas, ratios).read();
     if (!stops) return result;
     fill.gradient.stops = std::move(*stops);
-    fill.matrix = gradientMatrix(vm, matrix);
+    fill.matrix = swf::inFixedPoint(gradientMatrix(vm, matrix));
     const std::u16string spread = call.count() > 5 ? textArg(call, 5) : std::u16string();
     if (spread == u"reflect") fill.gradient.spread = swf::Gradient::Spread::Reflect;
     if (spread == u"repeat") fill.gradient.spread = swf::Gradient::Spread::Repeat;
@@ -153,7 +156,7 @@ GradientFill gradientFill(Call& call)
         const double focal = numberArg(call, 7);
         if (fill.kind == swf::FillStyle::Kind::RadialGradient && focal != 0 && !std::isnan(focal)) {
             fill.kind = swf::FillStyle::Kind::FocalGradient;
-            fill.gradient.focalPoint = std::clamp(focal, -1.0, 1.0);
+            fill.gradient.focalPoint = swf::focalInFixedPoint(focal);
         }
     }
     result.outcome = GradientFill::Outcome::Fill;
