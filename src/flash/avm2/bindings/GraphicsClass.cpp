@@ -3,6 +3,7 @@
 #include "flash/avm2/bindings/Graphics.h"
 #include "flash/avm2/bindings/Shaders.h"
 #include "flash/avm2/classes/Library.h"
+#include "flash/swf/FixedPoint.h"
 
 #include <algorithm>
 #include <cmath>
@@ -104,7 +105,7 @@ std::optional<swf::FillStyle> gradientOf(Vm& vm, std::u16string_view type, Value
         fill.gradient.stops.push_back(stop);
     }
     if (fill.gradient.stops.empty()) return {};
-    if (Object* given = matrix.asObject()) fill.matrix = matrixOf(*given);
+    if (Object* given = matrix.asObject()) fill.matrix = swf::inFixedPoint(matrixOf(*given));
     // Without a matrix it is a square of 200 pixels around the origin.
     else
         fill.matrix = {200 * kTwips / 32768, 0, 0, 200 * kTwips / 32768, 0, 0};
@@ -113,7 +114,7 @@ std::optional<swf::FillStyle> gradientOf(Vm& vm, std::u16string_view type, Value
     if (interpolation == u"linearRGB") fill.gradient.interpolation = swf::Gradient::Interpolation::Linear;
     if (type == u"radial" && focal != 0 && !std::isnan(focal)) {
         fill.kind = swf::FillStyle::Kind::FocalGradient;
-        fill.gradient.focalPoint = std::clamp(focal, -1.0, 1.0);
+        fill.gradient.focalPoint = swf::focalInFixedPoint(focal);
     }
     return fill;
 }
@@ -310,6 +311,14 @@ Value drawRect(Call& call)
     return {};
 }
 
+// Coordinates of round things are cut to twips as all others are; sums and sines may miss a whole one by a
+// hair.
+double cutTwips(double twips)
+{
+    constexpr double kHair = 1e-7;
+    return std::isfinite(twips) ? std::trunc(twips + std::copysign(kHair, twips)) : 0;
+}
+
 /// A part of an ellipse, of 45 degrees each, from `from` eighths on.
 void arcs(stage::Drawing& pen, swf::Point centre, double rx, double ry, int from, int count)
 {
@@ -317,15 +326,16 @@ void arcs(stage::Drawing& pen, swf::Point centre, double rx, double ry, int from
     const double reach = 1 / std::cos(kEighth / 2);
     for (int i = from; i < from + count; ++i) {
         const double end = kEighth * (i + 1), middle = kEighth * (i + 0.5);
-        pen.curveTo({centre.x + std::cos(middle) * reach * rx, centre.y + std::sin(middle) * reach * ry},
-                    {centre.x + std::cos(end) * rx, centre.y + std::sin(end) * ry});
+        pen.curveTo({cutTwips(centre.x + std::cos(middle) * reach * rx),
+                     cutTwips(centre.y + std::sin(middle) * reach * ry)},
+                    {cutTwips(centre.x + std::cos(end) * rx), cutTwips(centre.y + std::sin(end) * ry)});
     }
 }
 void ellipse(GraphicsObject& self, double cx, double cy, double rx, double ry)
 {
     stage::Drawing& pen = self.drawing();
     if (!std::isfinite(cx + cy + rx + ry)) return;
-    pen.moveTo({(cx + rx) * kTwips, cy * kTwips});
+    pen.moveTo({cutTwips((cx + rx) * kTwips), cutTwips(cy * kTwips)});
     arcs(pen, {cx * kTwips, cy * kTwips}, rx * kTwips, ry * kTwips, 0, 8);
     self.changed();
 }
@@ -350,9 +360,11 @@ void roundRect(GraphicsObject& self, double x, double y, double width, double he
     if (!std::isfinite(x + y + width + height)) return;
     stage::Drawing& pen = self.drawing();
     const double right = x + width, bottom = y + height;
-    const auto to = [](double px, double py) { return swf::Point{px * kTwips, py * kTwips}; };
+    const auto to = [](double px, double py) {
+        return swf::Point{cutTwips(px * kTwips), cutTwips(py * kTwips)};
+    };
     const auto corner = [&](double cx, double cy, swf::Point r, int from) {
-        if (r.x > 0 && r.y > 0) arcs(pen, to(cx, cy), r.x * kTwips, r.y * kTwips, from, 2);
+        if (r.x > 0 && r.y > 0) arcs(pen, {cx * kTwips, cy * kTwips}, r.x * kTwips, r.y * kTwips, from, 2);
     };
     const auto [ul, ur, ll, lr] = radii;
     pen.moveTo(to(right, bottom - lr.y));
