@@ -37,9 +37,8 @@ Growth blurGrowth(double blurX, double blurY, int passes, double scale)
 Growth moved(const Growth& growth, double distance, double angle, double scale, bool both)
 {
     const ShadowOffset offset = shadowOffset(distance, angle, scale);
-    const auto beyond = [](int reach, double by) {
-        return std::max(reach + static_cast<int>(std::ceil(by)), 0);
-    };
+    // What is moved is blurred before: its border must be there, too.
+    const auto beyond = [](int reach, int by) { return reach + std::max(by, 0); };
     const Growth once{beyond(growth.left, -offset.x), beyond(growth.top, -offset.y),
                       beyond(growth.right, offset.x), beyond(growth.bottom, offset.y)};
     if (!both) return once;

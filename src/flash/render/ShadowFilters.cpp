@@ -25,36 +25,22 @@ Plane blurredAlpha(SurfaceView surface, double blurX, double blurY, int passes)
     return plane;
 }
 
-// A plane moved by any distance: between pixels it is weighed.
 class MovedPlane
 {
 public:
-    MovedPlane(const Plane& plane, ShadowOffset offset) : m_plane(plane)
-    {
-        m_x = static_cast<int>(std::floor(offset.x));
-        m_y = static_cast<int>(std::floor(offset.y));
-        m_partX = static_cast<int>(std::lround((offset.x - m_x) * 256));
-        m_partY = static_cast<int>(std::lround((offset.y - m_y) * 256));
-    }
+    MovedPlane(const Plane& plane, ShadowOffset offset) : m_plane(plane), m_offset(offset) {}
     /// 0..255
     [[nodiscard]] int at(int x, int y) const
     {
-        x -= m_x;
-        y -= m_y;
-        if (m_partX == 0 && m_partY == 0) return value(x, y);
-        const int here = value(x, y) * (256 - m_partX) + value(x - 1, y) * m_partX;
-        const int above = value(x, y - 1) * (256 - m_partX) + value(x - 1, y - 1) * m_partX;
-        return (here * (256 - m_partY) + above * m_partY + 32768) >> 16;
-    }
-
-private:
-    [[nodiscard]] int value(int x, int y) const
-    {
+        x -= m_offset.x;
+        y -= m_offset.y;
         if (x < 0 || y < 0 || x >= m_plane.width || y >= m_plane.height) return 0;
         return m_plane.row(y)[x];
     }
+
+private:
     const Plane& m_plane;
-    int m_x = 0, m_y = 0, m_partX = 0, m_partY = 0;
+    ShadowOffset m_offset;
 };
 
 int strengthened(int value, double strength)
@@ -110,12 +96,9 @@ ShadowOffset shadowOffset(double distance, double angle, double scale)
 {
     const double x = distance * scale * std::cos(angle), y = distance * scale * std::sin(angle);
     if (!std::isfinite(x) || !std::isfinite(y)) return {};
-    // What cosine and sine leave of a right angle is no shift.
-    const auto clean = [](double v) {
-        const double whole = std::round(v);
-        return std::clamp(std::abs(v - whole) < 1e-3 ? whole : v, -1e5, 1e5);
-    };
-    return {clean(x), clean(y)};
+    constexpr double kFar = 1e5;
+    const auto whole = [=](double v) { return static_cast<int>(std::lround(std::clamp(v, -kFar, kFar))); };
+    return {whole(x), whole(y)};
 }
 
 void applyShadow(const swf::DropShadowFilter& f, SurfaceView surface, double scale)

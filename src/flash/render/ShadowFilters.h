@@ -7,8 +7,9 @@
 namespace flash::render
 {
 
+/// Whole device pixels: the genuine player does not move effects within them.
 struct ShadowOffset {
-    double x = 0, y = 0; ///< device pixels
+    int x = 0, y = 0;
 };
 /// @param angle radians, clockwise from the x axis
 ShadowOffset shadowOffset(double distance, double angle, double scale);

@@ -104,7 +104,9 @@ TEST(Filters, ShadowFallsWhereTheAngleSays)
         int x, y;
     };
     for (const Case& c : {Case{"right", 0, 3, 0}, Case{"down", std::numbers::pi / 2, 0, 3},
-                          Case{"left", std::numbers::pi, -3, 0}}) {
+                          Case{"left", std::numbers::pi, -3, 0},
+                          // 2.12 pixels each way, of which whole ones count.
+                          Case{"down and right", std::numbers::pi / 4, 2, 2}}) {
         SCOPED_TRACE(c.name);
         filter.angle = c.angle;
         Surface surface = square(20, 8, 12, kRed);
@@ -291,6 +293,25 @@ TEST(Filters, OnePixelOfBlurIsNoneAtAnyScale)
     // Three pixels wide, one to either side.
     EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{2, 2, 1}}, 2), (Growth{1, 1, 1, 1}));
     EXPECT_EQ(filterGrowth(swf::Filter{swf::BlurFilter{3, 1, 1}}, 1), (Growth{1, 0, 1, 0}));
+}
+
+TEST(Filters, WhatIsMovedHasRoomForItsBlur)
+{
+    swf::DropShadowFilter shadow;
+    shadow.color = {0, 0, 0, 255};
+    shadow.blurX = shadow.blurY = 5;
+    shadow.distance = 15;
+    shadow.strength = 1;
+    shadow.passes = 1;
+    const Growth growth = filterGrowth(swf::Filter{shadow});
+    EXPECT_EQ(growth, (Growth{2, 2, 17, 2}));
+    // A shadow begins two pixels before what throws it, however far it is moved.
+    Surface surface(40, 20);
+    for (int y = growth.top; y < 20 - growth.bottom; ++y)
+        std::fill(surface.row(y) + growth.left, surface.row(y) + 40 - growth.right, kRed);
+    applyFilter(shadow, surface.view());
+    EXPECT_EQ(alphaOf(surface.pixel(34, 0)), 51U);
+    EXPECT_EQ(alphaOf(surface.pixel(39, 10)), 51U);
 }
 
 using Displacement = swf::DisplacementMapFilter;
