@@ -149,13 +149,22 @@ void Canvas::Impl::setSingleStyle(StylePaint paint)
     m_drawer.styles().push_back(std::move(paint));
 }
 
+// Without smoothed edges the genuine player flattens a shape once, for its own size, however large the movie
+// shows it. A larger window is not the movie's doing.
+int Canvas::Impl::flatteningStep(Coverage coverage, const swf::Matrix& toDevice) const
+{
+    if (coverage != Coverage::Sampled) return scaleStep(toDevice);
+    const double scale = std::max(m_pixelScale, 1.0) / swf::kTwipsPerPixel;
+    return scaleStep({scale, 0, 0, scale, 0, 0});
+}
+
 void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<const swf::Shape>* owner,
                              const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
     if (!isUsable(toDevice)) return;
     const Destination to = destination();
     if (to.clip.isEmpty()) return;
-    const int step = scaleStep(toDevice);
+    const int step = flatteningStep(to.coverage, toDevice);
     const std::shared_ptr<const FlatShape> flat =
         owner != nullptr ? m_cache.impl().flatShape(*owner, step)
                          : std::make_shared<const FlatShape>(flatten(shape, step));

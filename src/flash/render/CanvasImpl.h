@@ -112,6 +112,7 @@ private:
                           const swf::ColorTransform& color,
                           std::shared_ptr<const GradientRamp> known = nullptr) const;
     [[nodiscard]] Smoothing smoothingOf(bool wanted) const;
+    [[nodiscard]] int flatteningStep(Coverage coverage, const swf::Matrix& toDevice) const;
     struct NextStamp {
         const Stamp* stamp = nullptr; ///< null where there are none
         int dx = 0, dy = 0;

@@ -226,10 +226,11 @@ double strokeWidth(const LineStyle& style, const swf::Matrix& m, double pixelSca
     double scale = pixelScale / swf::kTwipsPerPixel;
     if (!style.noHorizontalScale && !style.noVerticalScale)
         scale = std::hypot(m.a + m.c, m.b + m.d) / std::numbers::sqrt2;
+    // As the genuine player has it: how far (1, 1) is moved that way, and nothing when it is moved back.
     else if (!style.noHorizontalScale)
-        scale = std::hypot(m.a, m.b);
+        scale = m.a + m.c;
     else if (!style.noVerticalScale)
-        scale = std::hypot(m.c, m.d);
+        scale = m.b + m.d;
     return std::max(style.width * scale, 1.0);
 }
 

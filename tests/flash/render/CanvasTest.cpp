@@ -1,4 +1,5 @@
 #include "Shapes.h"
+#include "flash/render/Stroker.h"
 
 #include <gtest/gtest.h>
 
@@ -216,6 +217,29 @@ TEST(Canvas, LowQualityPaintsPixelsWhoseCentreIsInside)
         for (int x = 0; x < 4; ++x) EXPECT_EQ(picture.at(x, y), x < 2 && y < 2 ? kRed : kWhite);
 }
 
+TEST(Canvas, LowQualityFlattensShapesOnceForTheirOwnSize)
+{
+    // An arch of one pixel's height, drawn eighty times as large: its chords are seen.
+    swf::EdgeRun arch = run({{0, 2}, {0, 1}}, 0, 1);
+    arch.edges.push_back(curveTo(1, 0, 2, 1));
+    arch.edges.push_back(lineTo(2, 2));
+    arch.edges.push_back(lineTo(0, 2));
+    const auto shape = shapeOf({{solid(255, 0, 0)}, {}, {arch}});
+    const auto heightAt = [&](Quality quality, double zoom, int x) {
+        Picture picture(160, 160, {255, 255, 255, 255}, quality);
+        picture.canvas.setPixelScale(zoom);
+        picture.canvas.drawShape(shape, twipsToPixels({80, 0, 0, 80, 0, 0}));
+        int height = 0;
+        while (height < 160 && picture.at(x, 159 - height) == kRed) ++height;
+        return height;
+    };
+    // The curve is at 105 there, a chord between its ends and its middle eight pixels or more below.
+    EXPECT_NEAR(heightAt(Quality::High, 1, 30), 104, 2);
+    EXPECT_LT(heightAt(Quality::Low, 1, 30), 101);
+    // A window that is larger shows more of it.
+    EXPECT_NEAR(heightAt(Quality::Low, 80, 30), 104, 2);
+}
+
 TEST(Canvas, BoxesOfFieldsKeepTheirSizeOnWholePixels)
 {
     Picture picture(12, 6);
@@ -345,6 +369,20 @@ TEST(Strokes, AreNeverThinnerThanAPixelAndScaleUnlessTold)
     swf::LineStyle fixed = lineStyle(3);
     fixed.noHorizontalScale = fixed.noVerticalScale = true;
     EXPECT_NEAR(widthAt(fixed, ten), 3, 0.01);
+}
+
+TEST(Strokes, ScaleInOneDirectionAsFarAsADiagonalIsMovedThatWay)
+{
+    swf::LineStyle across = lineStyle(4), down = across;
+    across.noVerticalScale = true;
+    down.noHorizontalScale = true;
+    const swf::Matrix stretched = twipsToPixels({2, 0, 0, 3, 0, 0});
+    EXPECT_NEAR(strokeWidth(across, stretched, 1), 8, 1e-9);
+    EXPECT_NEAR(strokeWidth(down, stretched, 1), 12, 1e-9);
+    // Turned by 45 degrees and stretched before.
+    const swf::Matrix turned = twipsToPixels({0.7071, 0.7071, -1.4142, 1.4142, 0, 0});
+    EXPECT_NEAR(strokeWidth(across, turned, 1), 1, 1e-9);
+    EXPECT_NEAR(strokeWidth(down, turned, 1), 4 * 2.1213, 1e-3);
 }
 
 TEST(Strokes, DoNotBlendTwiceWhereTheyCrossThemselves)
