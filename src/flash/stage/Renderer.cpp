@@ -53,7 +53,8 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     if (m_canvas.buildsMask())
         reach = render::unite(content, seenBounds(node, toDevice, scale, DrawnAs::Mask));
     else if (!node.filters().empty())
-        reach = render::grown(content, render::filterGrowth(node.filters(), scale));
+        reach = isCut(node) ? render::grown(content, render::filterGrowth(node.filters(), scale))
+                            : render::unite(content, seenBounds(node, toDevice, scale));
     else if (!isLayered(node) && node.stage().view().hasOutgrowth())
         reach = seenBounds(node, toDevice, scale);
     else if (!isLayered(node) && leavesItsBounds(node, toDevice, scale)) {

@@ -30,6 +30,12 @@ bool isLayered(const Node& node)
     return node.blend() != swf::BlendMode::Normal || !node.filters().empty() || node.cacheAsBitmap();
 }
 
+bool isCut(const Node& node)
+{
+    if (node.blend() != swf::BlendMode::Normal || node.cacheAsBitmap()) return true;
+    return !node.filters().empty() && node.mask() == nullptr;
+}
+
 bool followsContent(const Node& node)
 {
     return isLayered(node) || node.scalingGrid() || node.opaqueBackground();
@@ -70,7 +76,7 @@ render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale
         }
     }
     // What is drawn as a picture is cut where its own bounds are.
-    if (!asMask && (isLayered(node) || node.scrollRect())) all = own;
+    if (!asMask && (isCut(node) || node.scrollRect())) all = own;
     // What is kept as a bitmap, or made one of by filters, is moved to whole pixels.
     if (node.cacheAsBitmap() || !node.filters().empty()) all = render::grown(all, {1, 1, 1, 1});
     return node.filters().empty() ? all : render::grown(all, render::filterGrowth(node.filters(), scale));
@@ -92,17 +98,43 @@ bool isMissed(Node& node, const swf::Matrix& view)
 
 } // namespace
 
-render::IntRect grownByFiltersAround(const Node& node, render::IntRect bounds, double scale)
+namespace
 {
-    for (const Node* at = node.parent(); at != nullptr; at = at->parent()) {
-        // What is moved to whole pixels takes along what it holds.
-        if (at->cacheAsBitmap() || !at->filters().empty()) bounds = render::grown(bounds, {1, 1, 1, 1});
-        if (at->filters().empty()) continue;
-        // As far as results look for their source, sources show in results on the other side.
-        const render::Growth reach = render::filterReach(at->filters(), scale);
-        bounds = render::grown(bounds, {reach.right, reach.bottom, reach.left, reach.top});
+
+// As far as results look for their source, sources show in results on the other side.
+render::IntRect grownBySources(const std::vector<swf::Filter>& filters, const render::IntRect& bounds,
+                               double scale)
+{
+    const render::Growth reach = render::filterReach(filters, scale);
+    return render::grown(bounds, {reach.right, reach.bottom, reach.left, reach.top});
+}
+
+/// @param masks how many masks of masks are looked at; they may go round in a ring
+render::IntRect grownAround(const Node& node, render::IntRect bounds, double scale, int masks)
+{
+    render::IntRect all;
+    for (const Node* at = &node; at != nullptr; at = at->parent()) {
+        if (at != &node) {
+            // What is moved to whole pixels takes along what it holds.
+            if (at->cacheAsBitmap() || !at->filters().empty()) bounds = render::grown(bounds, {1, 1, 1, 1});
+            if (!at->filters().empty()) bounds = grownBySources(at->filters(), bounds, scale);
+        }
+        // A mask cuts before filters are at work.
+        if (const Node* masked = at->maskee(); masked != nullptr && masks > 0) {
+            const render::IntRect cut =
+                masked->filters().empty() ? bounds : grownBySources(masked->filters(), bounds, scale);
+            all = render::unite(all, grownAround(*masked, cut, scale, masks - 1));
+        }
     }
-    return bounds;
+    return render::unite(all, bounds);
+}
+
+} // namespace
+
+render::IntRect grownByFiltersAround(const Node& node, const render::IntRect& bounds, double scale)
+{
+    constexpr int kMasks = 4;
+    return grownAround(node, bounds, scale, kMasks);
 }
 
 bool canShow(const Node& node)

@@ -34,10 +34,13 @@ render::IntRect seenOnStage(Node& node, const swf::Matrix& view, double scale);
 
 /// Where a change within `bounds` (device pixels) of a node shows: the filters of what contains it carry it
 /// further.
-render::IntRect grownByFiltersAround(const Node& node, render::IntRect bounds, double scale);
+render::IntRect grownByFiltersAround(const Node& node, const render::IntRect& bounds, double scale);
 
 /// Whether a node is drawn as a picture of its own first.
 [[nodiscard]] bool isLayered(const Node& node);
+
+/// Whether it is drawn as such a picture for sure: filters do not count where a mask leaves nothing of it.
+[[nodiscard]] bool isCut(const Node& node);
 
 /// Whether how a node looks as a whole follows from all it contains: as a picture of its own it lies on whole
 /// pixels and is cut where its content ends, a grid scales by it, a ground covers all of it.

@@ -254,6 +254,26 @@ TEST(Damage, WhatALayerHidShowsWhenItGoes)
     EXPECT_NE(shown.pixels[25 * 160 + 25], 0xFFFFFFFFU) << "further than the layer reached";
 }
 
+TEST(Damage, AMaskReachesAsFarAsTheFiltersOfWhatItMasks)
+{
+    Shown shown;
+    Clip& root = *shown.stage.root();
+    const NodePtr masked = root.attach(shown.stage.movie(), 2, 0, "masked");
+    const NodePtr mask = root.attach(shown.stage.movie(), 1, 1, "mask");
+    masked->setX(40);
+    masked->setY(40);
+    masked->setFilters({swf::BlurFilter{20, 20, 3}});
+    mask->setX(50);
+    mask->setY(50);
+    masked->setMask(mask.get());
+    shown.drawChanges();
+    mask->setX(54);
+    shown.drawChanges();
+    const std::vector<std::uint32_t> parts = shown.pixels;
+    shown.drawWhole();
+    EXPECT_TRUE(looksSame(parts, shown.pixels, 1));
+}
+
 TEST(Damage, ThatAClipScrollsCountsForWhatItIsIn)
 {
     Shown shown;
