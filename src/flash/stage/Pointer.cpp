@@ -246,12 +246,15 @@ void Pointer::press(double x, double y, MouseButton button, int clicks)
 
 void Pointer::pressField(TextField& field, int clicks)
 {
+    const bool hadFocus = m_stage.focus().node() == &field;
     if (field.selectable || field.isInput()) m_stage.focus().set(&field);
-    // A link is there to be clicked: pressing it selects nothing.
-    if (const TextFormat* link = field.linkAt(m_position))
+    if (const TextFormat* link = field.linkAt(m_position)) {
         m_pressedLink = *link;
-    else
+        // A link is there to be clicked: pressing it selects nothing, as the coming focus would.
+        if (!hadFocus) field.select(0, 0);
+    } else {
         field.press(m_position, clicks);
+    }
 }
 
 void Pointer::release(double x, double y, MouseButton button)

@@ -189,6 +189,10 @@ TEST(TextField, ShowsTheHandOverLinksOnly)
     EXPECT_EQ(f.stage.focus().node(), nullptr);
     f.field().readOnly = false;
     EXPECT_EQ(cursorAt(45), Cursor::Text) << "what is being edited";
+    f.field().readOnly = f.field().selectable = true;
+    f.stage.pointer().press(45, 10);
+    EXPECT_EQ(f.stage.focus().node(), &f.field());
+    EXPECT_EQ(f.field().selectionBegin(), f.field().selectionEnd()) << "the focus selects all but for a link";
 }
 
 TEST(TextField, ShowsLinksUnderThePointerInTheirStyle)
