@@ -4,6 +4,7 @@
 #include "flash/sound/CodecDecoder.h"
 #include "flash/sound/DecodingSource.h"
 #include "flash/video/FlvFile.h"
+#include "flash/video/GrowingFile.h"
 
 #include <algorithm>
 
@@ -27,7 +28,8 @@ class FlvSound final : public DecodingSource
 {
 public:
     FlvSound(FileBytes bytes, std::vector<Packet> packets, base::Bytes config)
-        : m_bytes(std::move(bytes)), m_packets(std::move(packets)), m_config(config)
+        : m_growth(video::growthOf(bytes)), m_bytes(std::move(bytes)), m_packets(std::move(packets)),
+          m_config(config)
     {
         begin(0);
     }
@@ -63,6 +65,8 @@ private:
     {
         if (m_ended) return false;
         const std::size_t before = out.size();
+        while (m_next == m_packets.size() && takeGrowth()) {
+        }
         if (m_next == m_packets.size()) {
             m_ended = true;
             if (m_codec)
@@ -84,6 +88,22 @@ private:
             m_hasLookedAhead = false;
         }
         m_produced += out.size() - before;
+        return true;
+    }
+
+    /// Goes on with the same decoder: nothing is heard of the seam.
+    bool takeGrowth()
+    {
+        if (!m_growth) return false;
+        FileBytes longer = m_growth->beyond(m_bytes);
+        if (!longer) return false;
+        auto parsed = video::FlvFile::parse(*longer);
+        if (!parsed) return false;
+        std::ranges::stable_sort(parsed->sound, {}, &Packet::timeMs);
+        m_bytes = std::move(longer);
+        m_packets = std::move(parsed->sound);
+        m_config = parsed->soundConfig;
+        m_next = std::min(m_next, m_packets.size());
         return true;
     }
 
@@ -109,6 +129,7 @@ private:
         }
     }
 
+    std::shared_ptr<video::Growth> m_growth;
     FileBytes m_bytes; // keeps the packets' bytes alive
     std::vector<Packet> m_packets;
     base::Bytes m_config;

@@ -1,6 +1,7 @@
 #include "flash/sound/FlvSound.h"
 
 #include "flash/sound/EventSource.h"
+#include "flash/video/GrowingFile.h"
 
 #include <gtest/gtest.h>
 
@@ -118,6 +119,32 @@ TEST(FlvSound, StandsWhereItsTimesSay)
     }
     source->seek(frames.size());
     EXPECT_TRUE(readAll(*source).empty());
+}
+
+TEST(FlvSound, GoesOnWithoutASeamWhileTheFileGrows)
+{
+    for (const char* codec : {"nellymoser", "aac", "speex", "mulaw"}) {
+        SCOPED_TRACE(codec);
+        const FileBytes whole = tone(codec);
+        const auto wanted = readAll(*openSoundFile(whole));
+        const auto growth = std::make_shared<video::Growth>();
+        const auto upTo = [&](std::size_t part) {
+            const auto end = whole->begin() + static_cast<std::ptrdiff_t>(whole->size() * part / 10);
+            return shared(ByteList(whole->begin(), end));
+        };
+        const auto source = openSoundFile(video::growing(upTo(4), growth));
+        ASSERT_TRUE(source);
+        std::vector<StereoFrame> heard, some(wanted.size() / 10);
+        for (std::size_t part = 5; part <= 10; ++part) {
+            EXPECT_TRUE(growth->offer(upTo(part)));
+            const std::size_t got = source->read(some);
+            heard.insert(heard.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(got));
+        }
+        const auto rest = readAll(*source);
+        heard.insert(heard.end(), rest.begin(), rest.end());
+        EXPECT_EQ(heard, wanted);
+        EXPECT_FALSE(growth->offer(whole)) << "it has come to the end before";
+    }
 }
 
 TEST(FlvSound, CostsNothingWhereAPacketLiesDaysAhead)

@@ -81,7 +81,7 @@ void NetStreamObject::takeFed(Vm& vm)
     hasNews = false;
     auto held = guard::hold(fed);
     if (!held) return;
-    auto opened = video::FlvPlayer::open(std::move(held));
+    auto opened = video::FlvPlayer::open(held);
     if (!opened) return; // the head has not come as a whole, or is none
     video::FlvPlayer& next = **opened;
     const bool isFirst = player == nullptr;
@@ -102,8 +102,11 @@ void NetStreamObject::takeFed(Vm& vm)
     player = std::move(*opened);
     hasEnded = false;
     if (isFirst) followedMs = vm.host().timeMs();
-    stopSound(vm);
-    if (!isPaused) startSound(vm);
+    // What sounds goes on by itself, unless it has come to the end before.
+    if (sound == 0 || !soundGrowth || !soundGrowth->offer(std::move(held))) {
+        stopSound(vm);
+        if (!isPaused) startSound(vm);
+    }
     if (!isFirst) return;
     const std::uint32_t before = turn;
     tellStream(vm, *this, "NetStream.Play.Start", "status");

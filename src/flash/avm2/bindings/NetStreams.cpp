@@ -353,8 +353,12 @@ void NetStreamObject::showPicture()
 
 void NetStreamObject::startSound(Vm& vm)
 {
-    const auto file = player->soundFile();
+    auto file = player->soundFile();
     if (!file) return;
+    if (isFed) {
+        soundGrowth = std::make_shared<video::Growth>();
+        file = video::growing(std::move(file), soundGrowth);
+    }
     swf::SoundInfo info;
     constexpr double kLast = std::numeric_limits<std::uint32_t>::max();
     info.inPoint = static_cast<std::uint32_t>(std::min(player->timeMs() * kSamplesPerMs, kLast));

@@ -3,6 +3,7 @@
 #include "flash/avm2/bindings/Events.h"
 #include "flash/stage/Graphics.h"
 #include "flash/video/FlvPlayer.h"
+#include "flash/video/GrowingFile.h"
 
 #include <memory>
 #include <vector>
@@ -55,6 +56,7 @@ public:
     bool hasNews = false;     ///< bytes that the player does not know yet
     bool startsAtTag = false; ///< after a seek: from the first tag's time on
     std::vector<std::uint8_t> fed;
+    std::shared_ptr<video::Growth> soundGrowth; ///< of what is heard
     /// Lets the player know what was appended, when it needs it.
     void takeFed(Vm& vm);
 };
