@@ -273,10 +273,6 @@ Value dispose(Call& call)
     owner.show(call.vm);
     return {};
 }
-Value refuseConstruction(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012, "Context3D$ class cannot be instantiated.");
-}
 
 constexpr NativeMember kContext[] = {
     {"supportsVideoTexture", Kind::StaticGetter, &isAlwaysFalse, 0, 0},
@@ -318,7 +314,6 @@ constexpr NativeMember kContext[] = {
     {"setTextureAt", Kind::Method, &setTextureAt, 2, 2},
     {"setVertexBufferAt", Kind::Method, &setVertexBufferAt, 2, 4},
 };
-constexpr std::int8_t kSince = 13; ///< version of movies
 constexpr NativeClass kClasses[] = {
     {.package = "flash.display3D",
      .name = "Context3D",
@@ -327,7 +322,7 @@ constexpr NativeClass kClasses[] = {
      .constructor = &refuseConstruction,
      .allocate = &allocateNative<Context3DObject>,
      .members = kContext,
-     .since = kSince},
+     .since = kStage3DSince},
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "flash/swf/Shape.h"
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -14,6 +15,8 @@ namespace flash::avm2
 {
 
 class Context3DObject;
+
+constexpr std::int8_t kStage3DSince = 13; ///< the version of movies that see any of it
 
 /// A place behind the stage that a context's picture is shown in.
 class Stage3DObject final : public DispatcherObject

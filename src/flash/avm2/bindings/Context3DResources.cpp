@@ -283,12 +283,6 @@ bool isPower(int size) { return size > 0 && std::has_single_bit(static_cast<unsi
 
 // ---- tables -----------------------------------------------------------------------------------------------
 
-Value refuseConstruction(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012,
-                       call.vm.className(call.self) + u"$ class cannot be instantiated.");
-}
-
 constexpr NativeMember kVertexBuffer[] = {
     {"uploadFromVector", Kind::Method, &uploadVertices, 3, 3},
     {"uploadFromByteArray", Kind::Method, &uploadVertexBytes, 4, 4},
@@ -318,7 +312,6 @@ constexpr NativeMember kRectangleTexture[] = {
     {"uploadFromBitmapData", Kind::Method, &uploadBitmap, 1, 1},
     {"uploadFromByteArray", Kind::Method, &uploadBytes, 2, 2},
 };
-constexpr std::int8_t kSince = 13; ///< version of movies
 constexpr NativeClass resource(std::string_view package, std::string_view name, std::string_view base,
                                Allocator allocate, std::span<const NativeMember> members)
 {
@@ -329,7 +322,7 @@ constexpr NativeClass resource(std::string_view package, std::string_view name, 
             .constructor = &refuseConstruction,
             .allocate = allocate,
             .members = members,
-            .since = kSince};
+            .since = kStage3DSince};
 }
 constexpr std::string_view kTextures = "flash.display3D.textures",
                            kBase = "flash.display3D.textures::TextureBase";

@@ -169,10 +169,6 @@ Value getByDefinition(Call& call)
     auto* main = Player::of(call.vm).mainMovie();
     return main != nullptr ? Value(main->loaderInfo) : Value::null();
 }
-Value refuse(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012, "LoaderInfo$ class cannot be instantiated.");
-}
 
 constexpr NativeMember kLoaderInfo[] = {
     {"url", Kind::Getter, &get<&LoaderInfoObject::url>, 0, 0, nullptr, "String"},
@@ -205,7 +201,7 @@ constexpr NativeClass kClasses[] = {
      .name = "LoaderInfo",
      .base = "flash.events::EventDispatcher",
      .flags = NativeClass::Sealed,
-     .constructor = &refuse,
+     .constructor = &refuseConstruction,
      .allocate = &classes::allocateNative<LoaderInfoObject>,
      .members = kLoaderInfo},
 };

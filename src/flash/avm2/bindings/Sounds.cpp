@@ -249,12 +249,6 @@ Value setChannelTransform(Call& call)
     if (channel.id != 0) system(call.vm).setSoundTransform(channel.id, channel.transform);
     return {};
 }
-Value refuseConstruction(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012,
-                       std::u16string(call.vm.traitsOf(call.self)->name.view()) +
-                           u"$ class cannot be instantiated.");
-}
 
 constexpr NativeMember kSound[] = {
     {"play", Kind::Method, &play, 0, 3},

@@ -90,10 +90,6 @@ Value requestMatching(Call& call)
     request(call.vm, stage3DSelf(call));
     return {};
 }
-Value refuseConstruction(Call& call)
-{
-    call.vm.throwError(ErrorClass::Argument, 2012, "Stage3D$ class cannot be instantiated.");
-}
 
 constexpr NativeMember kStage3D[] = {
     {"context3D", Kind::Getter, &context3D, 0, 0},
@@ -177,11 +173,10 @@ constexpr NativeConstant kWrapModes[] = {
 };
 constexpr NativeConstant kFillModes[] = {{"SOLID", 0, "solid"}, {"WIREFRAME", 0, "wireframe"}};
 
-constexpr std::int8_t kSince = 13; ///< version of movies
 constexpr NativeClass names(std::string_view name, std::span<const NativeConstant> list)
 {
     NativeClass made = constantsOf("flash.display3D", name, list);
-    made.since = kSince;
+    made.since = kStage3DSince;
     return made;
 }
 constexpr NativeClass kClasses[] = {
@@ -192,7 +187,7 @@ constexpr NativeClass kClasses[] = {
      .constructor = &refuseConstruction,
      .allocate = &allocateNative<Stage3DObject>,
      .members = kStage3D,
-     .since = kSince},
+     .since = kStage3DSince},
     names("Context3DBlendFactor", kBlendFactors),
     names("Context3DBufferUsage", kBufferUsages),
     names("Context3DClearMask", kClearMasks),
@@ -253,7 +248,7 @@ flash.display3D.textures::RectangleTexture
 
 Value newStage3Ds(Vm& vm)
 {
-    if (vm.apiVersion() < kSince) return Value::null();
+    if (vm.apiVersion() < kStage3DSince) return Value::null();
     ClassObject* cls = vm.nativeClass("flash.display::Stage3D");
     Root<Object> list(vm.heap(), vm.construct(Value(vm.vectorOf(cls->instances)), {}).object());
     for (std::size_t i = 0; i < kPlaces; ++i) {
