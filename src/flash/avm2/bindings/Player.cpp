@@ -151,6 +151,7 @@ void Player::loadScripts(LoadedMovie& movie, std::size_t frame)
 
 void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
 {
+    RootedList<Unit*> eager(m_vm->heap());
     for (const swf::ScriptTags::Block& block : movie.tags.blocks) {
         if (block.frame != frame) continue;
         auto parsed = abc::parseAbc(block.bytes);
@@ -161,7 +162,7 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
         m_vm->guarded([&] {
             if (movie.domain == nullptr) return; // its frames go on, without a class of its own
             Unit* unit = movie.domain->load(*m_vm, *parsed, movie.movie->header.version);
-            if (!block.lazy) unit->runAllScripts(*m_vm);
+            if (!block.lazy) eager.push_back(unit);
         });
     }
     for (const swf::ScriptTags::Symbol& symbol : movie.tags.symbols) {
@@ -187,6 +188,8 @@ void Player::readFrameScripts(LoadedMovie& movie, std::size_t frame)
             if (binary != movie.tags.binaries.end()) cls->allocate = &allocateBinary;
         });
     }
+    // What the frame's symbols are linked to has come first, with the scripts that it is in.
+    for (std::size_t i = 0; i < eager.size(); ++i) m_vm->guarded([&] { eager[i]->runAllScripts(*m_vm); });
 }
 
 /// An array of bytes that the file holds.
