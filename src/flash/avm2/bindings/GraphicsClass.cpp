@@ -1,5 +1,6 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Graphics.h"
 #include "flash/avm2/bindings/Shaders.h"
 #include "flash/avm2/classes/Library.h"
@@ -435,6 +436,9 @@ constexpr NativeClass kClasses[] = {
      .name = "Graphics",
      .base = {},
      .flags = NativeClass::Sealed | NativeClass::Final,
+     .constructor = &refuseConstruction,
+     .minArguments = 0,
+     .maxArguments = 0,
      .allocate = &classes::allocateNative<GraphicsObject>,
      .members = kGraphics},
 };

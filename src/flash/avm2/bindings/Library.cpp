@@ -37,6 +37,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         NativeLibrary{bitmapDataClasses(), {}},
         NativeLibrary{loaderClasses(), {}},
         NativeLibrary{loaderInfoClasses(), {}},
+        filterLibrary(),
         timerLibrary(),
         systemLibrary(),
         cursorLibrary(),

@@ -26,6 +26,7 @@ std::string_view eventsSignatures();
 std::string_view textEngineSignatures();
 std::string_view mediaSignatures(); ///< and all that is neither of these nor the language's own
 
+NativeLibrary filterLibrary();
 NativeLibrary timerLibrary();
 NativeLibrary systemLibrary();    ///< flash.system and what reports on the machine
 NativeLibrary cursorLibrary();    ///< flash.ui.Mouse

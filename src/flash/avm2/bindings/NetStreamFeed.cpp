@@ -101,6 +101,7 @@ void NetStreamObject::takeFed(Vm& vm)
     // A picture that shows stays until the next one is there.
     player = std::move(*opened);
     hasEnded = false;
+    openedMs = vm.host().timeMs();
     if (isFirst) followedMs = vm.host().timeMs();
     // What sounds goes on by itself, unless it has come to the end before.
     if (sound == 0 || !soundGrowth || !soundGrowth->offer(std::move(held))) {

@@ -5,8 +5,6 @@
 namespace flash::avm2
 {
 
-using Kind = NativeMember::Kind;
-
 namespace
 {
 
@@ -19,19 +17,6 @@ Value assign(Call& call)
     return {};
 }
 
-Value cloned(Call& call)
-{
-    Object* self = call.self.asObject();
-    ClassObject* cls = self->traits()->cls;
-    while (cls->constructor != nullptr && cls->constructor->native == nullptr && cls->base != nullptr)
-        cls = cls->base;
-    Object* made = call.vm.instantiate(cls);
-    for (std::uint32_t i = 0; i < made->slotCount() && i < self->slotCount(); ++i)
-        made->setSlot(i, self->slot(i));
-    return Value(made);
-}
-
-constexpr NativeMember kClone[] = {{"clone", Kind::Method, &cloned, 0, 0}};
 using C = NativeConstant;
 constexpr C kBlend[] = {{"ADD", 0, "add"},          {"ALPHA", 0, "alpha"},
                         {"DARKEN", 0, "darken"},    {"DIFFERENCE", 0, "difference"},
@@ -70,18 +55,6 @@ constexpr C kDisplacementMode[] = {
     {"CLAMP", 0, "clamp"}, {"COLOR", 0, "color"}, {"IGNORE", 0, "ignore"}, {"WRAP", 0, "wrap"}};
 constexpr C kFilterType[] = {{"FULL", 0, "full"}, {"INNER", 0, "inner"}, {"OUTER", 0, "outer"}};
 
-constexpr NativeClass filter(std::string_view name, std::string_view slots)
-{
-    return {.package = "flash.filters",
-            .name = name,
-            .base = "flash.filters::BitmapFilter",
-            .flags = NativeClass::Sealed,
-            .constructor = &assign,
-            .minArguments = 0,
-            .maxArguments = -1,
-            .members = kClone,
-            .slots = slots};
-}
 constexpr NativeClass constants(std::string_view package, std::string_view name,
                                 std::span<const NativeConstant> list)
 {
@@ -92,35 +65,6 @@ constexpr NativeClass constants(std::string_view package, std::string_view name,
             .constants = list};
 }
 constexpr NativeClass kClasses[] = {
-    {.package = "flash.filters",
-     .name = "BitmapFilter",
-     .base = {},
-     .flags = NativeClass::Sealed,
-     .constructor = &assign,
-     .members = kClone},
-    filter("BlurFilter", "blurX:Number=4 blurY:Number=4 quality:int=1"),
-    filter("GlowFilter", "color:uint=16711680 alpha:Number=1 blurX:Number=6 blurY:Number=6 strength:Number=2 "
-                         "quality:int=1 inner:Boolean knockout:Boolean"),
-    filter("DropShadowFilter",
-           "distance:Number=4 angle:Number=45 color:uint alpha:Number=1 blurX:Number=4 blurY:Number=4 "
-           "strength:Number=1 quality:int=1 inner:Boolean knockout:Boolean hideObject:Boolean"),
-    filter("BevelFilter",
-           "distance:Number=4 angle:Number=45 highlightColor:uint=16777215 highlightAlpha:Number=1 "
-           "shadowColor:uint shadowAlpha:Number=1 blurX:Number=4 blurY:Number=4 strength:Number=1 "
-           "quality:int=1 type:String=inner knockout:Boolean"),
-    filter("ColorMatrixFilter", "matrix:*"),
-    filter("DisplacementMapFilter", "mapBitmap:* mapPoint:* componentX:uint componentY:uint scaleX:Number "
-                                    "scaleY:Number mode:String=wrap color:uint alpha:Number"),
-    filter("ConvolutionFilter", "matrixX:Number matrixY:Number matrix:* divisor:Number=1 bias:Number "
-                                "preserveAlpha:Boolean=true clamp:Boolean=true color:uint alpha:Number"),
-    filter("GradientGlowFilter",
-           "distance:Number=4 angle:Number=45 colors:* alphas:* ratios:* blurX:Number=4 blurY:Number=4 "
-           "strength:Number=1 quality:int=1 type:String=inner knockout:Boolean"),
-    filter("GradientBevelFilter",
-           "distance:Number=4 angle:Number=45 colors:* alphas:* ratios:* blurX:Number=4 blurY:Number=4 "
-           "strength:Number=1 quality:int=1 type:String=inner knockout:Boolean"),
-    filter("ShaderFilter",
-           "shader:* leftExtension:int topExtension:int rightExtension:int bottomExtension:int"),
     {.package = "flash.display",
      .name = "FrameLabel",
      .base = "flash.events::EventDispatcher",

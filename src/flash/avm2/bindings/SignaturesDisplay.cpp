@@ -96,6 +96,11 @@ flash.display::Sprite
   startTouchDrag(int,Boolean=,Rectangle=):void stopTouchDrag(int):void hitArea:Sprite useHandCursor:Boolean
   soundTransform:SoundTransform
 flash.display::Stage
+  name:String mask:DisplayObject visible:Boolean x:Number y:Number z:Number scaleX:Number scaleY:Number scaleZ:Number
+  rotation:Number rotationX:Number rotationY:Number rotationZ:Number alpha:Number width:Number height:Number
+  cacheAsBitmap:Boolean opaqueBackground:Object scrollRect:Rectangle filters:Array blendMode:String transform:Transform
+  scale9Grid:Rectangle focusRect:Object mouseEnabled:Boolean accessibilityProperties:AccessibilityProperties
+  accessibilityImplementation:AccessibilityImplementation contextMenu:ContextMenu
   tabChildren:Boolean frameRate:Number invalidate():void scaleMode:String align:String stageWidth:int stageHeight:int showDefaultContextMenu:Boolean
   focus:InteractiveObject colorCorrection:String colorCorrectionSupport-:String isFocusInaccessible():Boolean
   stageFocusRect:Boolean quality:String displayState:String fullScreenSourceRect:Rectangle mouseLock:Boolean

@@ -193,7 +193,49 @@ Value isFalse(Call&) { return false; }
 Value ignore(Call&) { return {}; }
 Value one(Call&) { return 1; }
 
+/// What other objects have and the stage only shows: setting it is a mistake that scripts hear of.
+Value refuseOnStage(Call& call)
+{
+    call.vm.throwError(ErrorClass::IllegalOperation, 2071,
+                       "The Stage class does not implement this property or method.");
+}
+constexpr NativeMember unset(std::string_view name, NativeFunction getter = nullptr)
+{
+    return {name, Kind::Getter, getter, 0, 0, &refuseOnStage};
+}
+Value isNull(Call&) { return Value::null(); }
+Value isTrue(Call&) { return true; }
+
 constexpr NativeMember kStage[] = {
+    unset("name"),
+    unset("mask"),
+    unset("visible"),
+    unset("x"),
+    unset("y"),
+    unset("z"),
+    unset("scaleX"),
+    unset("scaleY"),
+    unset("scaleZ"),
+    unset("rotation"),
+    unset("rotationX"),
+    unset("rotationY"),
+    unset("rotationZ"),
+    unset("alpha"),
+    unset("width"),
+    unset("height"),
+    unset("cacheAsBitmap"),
+    unset("opaqueBackground"),
+    unset("scrollRect"),
+    unset("filters"),
+    unset("blendMode"),
+    unset("transform"),
+    unset("scale9Grid"),
+    unset("focusRect"),
+    // Variables elsewhere.
+    unset("mouseEnabled", &isTrue),
+    unset("accessibilityProperties", &isNull),
+    unset("accessibilityImplementation", &isNull),
+    unset("contextMenu", &isNull),
     {"tabChildren", Kind::Getter, &interactive::stageTabChildren, 0, 0, &interactive::setStageTabChildren,
      "Boolean"},
     {"focus", Kind::Getter, &interactive::stageFocus, 0, 0, &interactive::setStageFocus,

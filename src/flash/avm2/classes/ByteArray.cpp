@@ -196,9 +196,16 @@ Value textOf(Call& call, std::size_t count)
 }
 Value readUtf(Call& call) { return textOf(call, fetch<std::uint16_t>(call)); }
 Value readUtfBytes(Call& call) { return textOf(call, call.vm.toUint(call.arg(0))); }
+/// @throws 2007
+std::u16string_view writtenText(Call& call, std::uint32_t i = 0, const char* name = "value")
+{
+    if (call.arg(i).isNullish())
+        call.vm.throwError(ErrorClass::Type, 2007, "Parameter " + std::string(name) + " must be non-null.");
+    return call.vm.text(call.arg(i));
+}
 Value writeUtf(Call& call)
 {
-    const std::string text = toUtf8(call.vm.text(call.arg(0)));
+    const std::string text = toUtf8(writtenText(call));
     if (text.size() > 65535)
         call.vm.throwError(ErrorClass::Range, 2006, "The supplied index is out of bounds.");
     store(call, static_cast<std::uint16_t>(text.size()));
@@ -207,7 +214,7 @@ Value writeUtf(Call& call)
 }
 Value writeUtfBytes(Call& call)
 {
-    const std::string text = toUtf8(call.vm.text(call.arg(0)));
+    const std::string text = toUtf8(writtenText(call));
     self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     return {};
 }
@@ -224,7 +231,7 @@ ByteArrayState& state(Vm& vm)
 const base::TextCode* codeArg(Call& call, std::uint32_t i)
 {
     // Making one takes thousands of questions to the system.
-    auto [found, isNew] = state(call.vm).codes.try_emplace(toUtf8(call.vm.text(call.arg(i))));
+    auto [found, isNew] = state(call.vm).codes.try_emplace(toUtf8(writtenText(call, i, "charSet")));
     if (isNew) found->second = base::TextCode::named(found->first);
     return found->second.get();
 }
@@ -240,7 +247,7 @@ Value readMultiByte(Call& call)
 }
 Value writeMultiByte(Call& call)
 {
-    const std::u16string text(call.vm.text(call.arg(0)));
+    const std::u16string text(writtenText(call));
     const base::TextCode* code = codeArg(call, 1);
     const std::string bytes = code != nullptr ? code->encode(text) : toUtf8(text);
     self(call).write(call.vm, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
