@@ -92,10 +92,13 @@ std::shared_ptr<const StampedShape> Canvas::Impl::stampsOf(const std::shared_ptr
     into.mask = nullptr;
     const auto part = [&](const auto& draw) {
         const IntRect& reach = m_reaches[made->parts.size()];
-        StampSink sink(made->parts.emplace_back(reach), whole.dx, whole.dy);
+        Stamp& stamp = cache.workpiece();
+        stamp.begin(reach);
+        StampSink sink(stamp, whole.dx, whole.dy);
         into.clip = into.whole = moved(reach, whole.dx, whole.dy);
         into.stamp = &sink;
         draw();
+        made->parts.push_back(stamp.compacted());
     };
     nextLine = 0;
     for (std::size_t i = 0; i < flat.layers.size(); ++i) {

@@ -135,7 +135,13 @@ void OutlineDrawer::convert(const Destination& to, const IntRect& bounds, FillRu
 IntRect OutlineDrawer::reach(Coverage coverage, const FlatLayer& layer, const swf::Matrix& m)
 {
     if (layer.points.empty()) return {};
-    return roundedOn(coverage, boundsOf(m, layer.min.x, layer.min.y, layer.max.x, layer.max.y));
+    swf::Matrix placed = m;
+    // As points are placed on it: where within a step a shape lies makes no difference then.
+    if (const int steps = gridSteps(coverage); steps != 0) {
+        placed.tx = std::nearbyint(m.tx * steps) / steps;
+        placed.ty = std::nearbyint(m.ty * steps) / steps;
+    }
+    return roundedOn(coverage, boundsOf(placed, layer.min.x, layer.min.y, layer.max.x, layer.max.y));
 }
 
 IntRect OutlineDrawer::reach(Coverage coverage, const StrokeOutline& outline, swf::Point offset)

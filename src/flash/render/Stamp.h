@@ -1,5 +1,6 @@
 #pragma once
 
+#include "flash/render/DenseCells.h"
 #include "flash/render/Mask.h"
 #include "flash/render/Spans.h"
 #include "flash/render/Surface.h"
@@ -26,30 +27,49 @@ public:
 
     /// @param bounds what was converted, relative to the whole pixel that the outline was moved to; at most
     ///               kMaxWidth wide
-    explicit Stamp(const IntRect& bounds = {}) : m_bounds(bounds) {}
+    explicit Stamp(const IntRect& bounds = {}) { begin(bounds); }
+    /// Starts over, with the memory there is.
+    void begin(const IntRect& bounds);
     [[nodiscard]] const IntRect& bounds() const { return m_bounds; }
     [[nodiscard]] std::size_t bytes() const;
 
     /// Rows come from above, relative like the bounds.
     void addRow(int x, int y, std::span<const StyleSpan> spans);
+    /// What is to be kept, in no more memory than that takes.
+    [[nodiscard]] Stamp compacted() const { return *this; }
     /// @param clip columns of the bounds must not be cut by it
     void paint(SpanPainter& painter, const Target& target, const IntRect& clip, int dx, int dy) const;
 
-private:
+    static constexpr unsigned kCoverageBits = 10;
+    static constexpr std::uint32_t kEach = (1U << kCoverageBits) - 1;
+    /// Pixels of one style in a row: all covered to the same degree, of 256, or (kEach) each to its own, of
+    /// 255, in as many of the row's coverages.
     struct Piece {
         std::uint16_t x = 0; ///< from the left of the bounds, however far those lie from the shape's origin
-        std::uint16_t count = 0, style = 0, coverage = 0;
-        std::uint32_t coverages = kEven; ///< index of the first
+        std::uint16_t count = 0;
+        std::uint16_t styleAndCoverage = 0; ///< the lower kCoverageBits
+        [[nodiscard]] std::uint32_t style() const { return styleAndCoverage >> kCoverageBits; }
+        [[nodiscard]] std::uint32_t coverage() const { return styleAndCoverage & kEach; }
     };
-    static constexpr std::uint32_t kEven = 0xFFFFFFFF;
-    [[nodiscard]] std::span<const Piece> row(std::size_t index) const;
-    void paintRow(std::span<const Piece> pieces, std::uint32_t color, std::uint32_t* to) const;
+    /// Where a row begins among the pieces and coverages; the next one begins where it ends.
+    struct Row {
+        std::uint32_t piece = 0, coverage = 0;
+    };
+
+private:
+    enum class Neighbours : std::uint8_t { Apart, Sharing };
+    void addPiece(const Piece& piece, Neighbours neighbours);
+    void addEach(int x, const StyleSpan& span, int begin, int end, Neighbours neighbours);
+    void addApart(int x, const StyleSpan& span);
+    void endRow();
 
     IntRect m_bounds;
     std::uint32_t m_onlyStyle = 0; ///< 0: none yet; kSeveral
     static constexpr std::uint32_t kSeveral = 0xFFFFFFFF;
-    std::vector<std::uint32_t> m_rowEnds; ///< index past the last piece of each
+    bool m_mayGrow = false;  ///< the last piece is of the present row and shares no pixels
+    std::vector<Row> m_rows; ///< and one for where the last one ends
     std::vector<Piece> m_pieces;
+    // Groups of them are read at once: behind the last are some that count for nothing.
     std::vector<std::uint8_t> m_coverages;
 };
 
@@ -73,8 +93,9 @@ private:
 };
 
 /// Stamps of shapes, for each place within a pixel. What is drawn just once, as what turns or is drawn anew
-/// in every frame, leaves nothing but a trace of a few bytes here; of what comes again the least recently
-/// used go when the budget is spent.
+/// in every frame, leaves nothing but a trace of a few bytes here. When the budget is spent, what was not
+/// used for long goes first, then a part of the rest that is always the same: of a movie that goes round in
+/// more than there is room for, some stays from one round to the next.
 class StampCache
 {
 public:
@@ -96,6 +117,8 @@ public:
     void keep(const Key& key, const std::shared_ptr<const swf::Shape>& owner,
               std::shared_ptr<const StampedShape> stamps);
     [[nodiscard]] std::size_t usedBytes() const { return m_used; }
+    /// To make stamps in: what is kept is a copy that fits.
+    [[nodiscard]] Stamp& workpiece() { return m_workpiece; }
 
 private:
     struct KeyHash {
@@ -111,6 +134,7 @@ private:
 
     std::size_t m_budget, m_used = 0;
     std::uint64_t m_clock = 0;
+    Stamp m_workpiece;
     std::unordered_map<Key, Entry, KeyHash> m_entries;
     std::vector<std::size_t> m_known; ///< hashes, each at the place that its lower bits tell
 };

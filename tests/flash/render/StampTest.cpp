@@ -86,6 +86,52 @@ TEST(Stamps, AreNotMadeOfWhatIsDrawnOnce)
     EXPECT_EQ(cache.impl().stamps().usedBytes(), 0U);
 }
 
+TEST(Stamps, ServeWhateverIsTheSamePlaceOnTheGrid)
+{
+    RenderCache cache;
+    Surface surface(100, 100);
+    Canvas canvas(surface.view(), Quality::High, cache);
+    const auto square = rectShape(0, 0, 19.7, 19.7, solid(255, 0, 0));
+    const auto drawAt = [&](double x) {
+        for (int again = 0; again < 3; ++again) canvas.drawShape(square, {0.05, 0, 0, 0.05, x, 10});
+        return cache.impl().stamps().usedBytes();
+    };
+    const std::size_t one = drawAt(10.27);
+    EXPECT_GT(one, 0U);
+    // The right side of what it reaches is another pixel there.
+    EXPECT_EQ(drawAt(10.32), one);
+    EXPECT_EQ(drawAt(47.26), one);
+    EXPECT_GT(drawAt(10.5), one);
+}
+
+TEST(Stamps, SomeStayOfALoopThatIsMoreThanTheBudget)
+{
+    constexpr std::size_t kBudget = std::size_t{64} << 10;
+    constexpr int kKeys = 60, kRounds = 8;
+    StampCache cache(kBudget);
+    const auto shape = rectShape(0, 0, 10, 10, solid(255, 0, 0));
+    int found = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        found = 0;
+        for (int i = 0; i < kKeys; ++i) {
+            StampCache::Key key{shape.get(), 1.0 + i, 0, 0, 1};
+            if (cache.find(key) != nullptr) {
+                ++found;
+                continue;
+            }
+            auto made = std::make_shared<StampedShape>();
+            Stamp stamp({0, 0, 50, 100});
+            const StyleSpan span{3, 40, 1, 256};
+            for (int y = 0; y < 100; ++y) stamp.addRow(0, y, {&span, 1});
+            made->parts.push_back(stamp.compacted());
+            EXPECT_GT(made->bytes() * kKeys, kBudget);
+            cache.keep(key, shape, std::move(made));
+            EXPECT_LE(cache.usedBytes(), kBudget);
+        }
+    }
+    EXPECT_GT(found, kKeys / 3);
+}
+
 TEST(Stamps, KeepToTheirBudgetAndForgetTheDead)
 {
     constexpr std::size_t kBudget = std::size_t{256} << 10;
