@@ -1,6 +1,7 @@
 #include "flash/render/HitTest.h"
 
 #include "flash/render/Flatten.h"
+#include "flash/render/RenderCacheImpl.h"
 #include "flash/render/Stroker.h"
 
 #include <algorithm>
@@ -60,13 +61,13 @@ bool strokeContains(const swf::LineStyle& style, double width, std::span<const S
     return sum != 0;
 }
 
-} // namespace
+// Twips are taken for pixels here, which is twenty times finer than anything that is drawn.
+int finestStep() { return scaleStep({}); }
 
-bool shapeContains(const swf::Shape& shape, swf::Point point, double hairlineTwips)
+bool isFinite(swf::Point point) { return std::isfinite(point.x) && std::isfinite(point.y); }
+
+bool linesContain(const swf::Shape& shape, const FlatShape& flat, swf::Point point, double hairlineTwips)
 {
-    if (!std::isfinite(point.x) || !std::isfinite(point.y)) return false;
-    // Twips are taken for pixels here, which is twenty times finer than anything that is drawn.
-    const FlatShape flat = flatten(shape, scaleStep({}));
     for (std::size_t i = 0; i < flat.layers.size(); ++i) {
         const FlatLayer& layer = flat.layers[i];
         if (fillsContain(shape.layers[i], layer, point)) return true;
@@ -78,6 +79,20 @@ bool shapeContains(const swf::Shape& shape, swf::Point point, double hairlineTwi
         }
     }
     return false;
+}
+
+} // namespace
+
+bool shapeContains(const swf::Shape& shape, swf::Point point, double hairlineTwips)
+{
+    return isFinite(point) && linesContain(shape, flatten(shape, finestStep()), point, hairlineTwips);
+}
+
+bool shapeContains(const std::shared_ptr<const swf::Shape>& shape, swf::Point point, RenderCache& cache,
+                   double hairlineTwips)
+{
+    return isFinite(point) &&
+           linesContain(*shape, *cache.impl().flatShape(shape, finestStep()), point, hairlineTwips);
 }
 
 } // namespace flash::render

@@ -40,13 +40,33 @@ bool hasUnscaledLines(const swf::Shape& shape)
     });
 }
 
-bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint)
+namespace
+{
+
+// @param contains(point) the shape itself, in its space
+template <class Contains>
+bool isHit(Node& node, swf::Point stagePoint, Contains&& contains)
 {
     const auto sliced = node.sliced();
     const swf::Matrix toStage =
         sliced ? sliced->holder->toStageAt(stagePoint) * sliced->toHolder : node.toStageAt(stagePoint);
     if (!toStage.isInvertible()) return false;
-    return render::shapeContains(sliced ? *sliced->shape : shape, toStage.inverted().map(stagePoint));
+    const swf::Point point = toStage.inverted().map(stagePoint);
+    return sliced ? render::shapeContains(*sliced->shape, point) : contains(point);
+}
+
+bool keptShapeHit(Node& node, const std::shared_ptr<const swf::Shape>& shape, swf::Point stagePoint)
+{
+    return isHit(node, stagePoint, [&](swf::Point point) {
+        return render::shapeContains(shape, point, node.stage().view().renderCache());
+    });
+}
+
+} // namespace
+
+bool shapeHit(Node& node, const swf::Shape& shape, swf::Point stagePoint)
+{
+    return isHit(node, stagePoint, [&](swf::Point point) { return render::shapeContains(shape, point); });
 }
 
 bool rectContains(const Node& node, const swf::Rect& rect, swf::Point stagePoint)
@@ -64,7 +84,7 @@ ShapeNode::ShapeNode(Stage& stage, std::shared_ptr<const swf::Shape> shape)
 }
 
 swf::Rect ShapeNode::bounds(Extent extent) { return extentOf(*m_shape, extent); }
-bool ShapeNode::hitsShape(swf::Point stagePoint) { return shapeHit(*this, *m_shape, stagePoint); }
+bool ShapeNode::hitsShape(swf::Point stagePoint) { return keptShapeHit(*this, m_shape, stagePoint); }
 void ShapeNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
     canvas.drawShape(m_shape, toDevice, color);
@@ -137,7 +157,8 @@ bool StaticTextNode::hitsShape(swf::Point stagePoint)
         for (const Glyph& glyph : run.glyphs) {
             const swf::Matrix toStageSpace = nodeToStage * glyph.toNode;
             if (!glyph.outline || !toStageSpace.isInvertible()) continue;
-            if (render::shapeContains(*glyph.outline, toStageSpace.inverted().map(stagePoint))) return true;
+            const swf::Point point = toStageSpace.inverted().map(stagePoint);
+            if (render::shapeContains(glyph.outline, point, stage().view().renderCache())) return true;
         }
     }
     return false;

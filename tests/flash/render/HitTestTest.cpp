@@ -2,7 +2,11 @@
 
 #include "Shapes.h"
 
+#include "flash/render/RenderCache.h"
+
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace flash::render
 {
@@ -34,6 +38,25 @@ TEST(HitTest, FindsFillsHolesAndStrokes)
     EXPECT_TRUE(hit(20, 2)) << "on the right edge";
     EXPECT_TRUE(hit(30, 21)) << "in the round cap";
     EXPECT_FALSE(hit(30, 23));
+}
+
+TEST(HitTest, KeepsLinesAsLongAsTheShapeLives)
+{
+    RenderCache cache;
+    const auto at = [](double x, double y) {
+        return swf::Point{x * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel};
+    };
+    // A shape that comes to lie where another one has been is not taken for it.
+    for (int width = 10; width < 60; ++width) {
+        const auto shape = rectShape(0, 0, width, 20, solid(0, 0, 0));
+        const std::size_t before = cache.usedBytes();
+        EXPECT_TRUE(shapeContains(shape, at(width - 1, 10), cache));
+        const std::size_t kept = cache.usedBytes();
+        EXPECT_FALSE(shapeContains(shape, at(width + 1, 10), cache));
+        EXPECT_FALSE(shapeContains(shape, at(std::nan(""), 10), cache));
+        EXPECT_EQ(cache.usedBytes(), kept) << "nothing is flattened twice";
+        EXPECT_GT(kept, width == 10 ? before : 0U);
+    }
 }
 
 TEST(HitTest, FollowsCurvesAndSharedEdges)
