@@ -61,7 +61,7 @@ constexpr LibraryPackage kPackages[] = {
     {"flash.globalization", " Collator CollatorMode CurrencyFormatter CurrencyParseResult DateTimeFormatter DateTimeNameContext "
                             "DateTimeNameStyle DateTimeStyle LastOperationStatus LocaleID NationalDigitsType NumberFormatter "
                             "NumberParseResult StringTools "},
-    {"flash.media", " AVTagData Camera H264Level H264Profile ID3Info Microphone MicrophoneEnhancedMode Sound SoundChannel "
+    {"flash.media", " AVTagData Camera H264Level H264Profile ID3Info Microphone MicrophoneEnhancedMode MicrophoneEnhancedOptions VideoStreamSettings H264VideoStreamSettings Sound SoundChannel "
          "SoundCodec SoundLoaderContext SoundMixer SoundTransform StageVideo StageVideoAvailability "
          "StageVideoAvailabilityReason Video VideoCodec VideoStatus "},
     {"flash.net", " DynamicPropertyOutput FileFilter FileReference FileReferenceList GroupSpecifier "

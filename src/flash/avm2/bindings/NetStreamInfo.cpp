@@ -3,6 +3,7 @@
 #include "flash/avm2/bindings/NetStreams.h"
 
 #include <algorithm>
+#include <iterator>
 
 // Figures of streams, and the devices that would feed them and are not there.
 namespace flash::avm2
@@ -51,7 +52,77 @@ constexpr NativeMember kCamera[] = {
     {"copyToVector", Kind::Method, &doNothing, 2, 2, nullptr, "void"},
 };
 
+// What streams that are sent would be made of: settings that a script reads again, as nothing is sent.
+Value setVideoMode(Call& call)
+{
+    Object& self = *call.self.object();
+    constexpr const char* kNames[] = {"width", "height", "fps"};
+    for (std::uint32_t i = 0; i < std::size(kNames); ++i) setReadOnly(call.vm, self, kNames[i], call.arg(i));
+    return {};
+}
+Value setVideoQuality(Call& call)
+{
+    Object& self = *call.self.object();
+    setReadOnly(call.vm, self, "bandwidth", call.arg(0));
+    setReadOnly(call.vm, self, "quality", call.arg(1));
+    return {};
+}
+Value setKeyFrames(Call& call)
+{
+    setReadOnly(call.vm, *call.self.object(), "keyFrameInterval", call.arg(0));
+    return {};
+}
+Value sorenson(Call& call) { return Value(call.vm.name("Sorenson").string()); }
+Value h264(Call& call) { return Value(call.vm.name("H264Avc").string()); }
+Value setProfile(Call& call)
+{
+    const std::u16string profile = textArg(call, 0, "profile"), level = textArg(call, 1, "level");
+    if (profile != u"baseline" && profile != u"main") throwNotAccepted(call.vm, "profile");
+    setReadOnly(call.vm, *call.self.object(), "profile", Value(call.vm.string(profile)));
+    setReadOnly(call.vm, *call.self.object(), "level", Value(call.vm.string(level)));
+    return {};
+}
+constexpr NativeMember kSettings[] = {
+    {"setMode", Kind::Method, &setVideoMode, 3, 3},
+    {"setQuality", Kind::Method, &setVideoQuality, 2, 2},
+    {"setKeyFrameInterval", Kind::Method, &setKeyFrames, 1, 1},
+    {"codec", Kind::Getter, &sorenson, 0, 0, nullptr, "String"},
+};
+constexpr NativeMember kH264Settings[] = {
+    {"setProfileLevel", Kind::Method, &setProfile, 2, 2},
+    {"codec", Kind::Getter, &h264, 0, 0, nullptr, "String"},
+};
+constexpr std::int8_t kOptionsSince = 12, kSettingsSince = 13; // versions of movies
+
 constexpr NativeClass kClasses[] = {
+    {.package = "flash.media",
+     .name = "MicrophoneEnhancedOptions",
+     .base = {},
+     .flags = NativeClass::Sealed | NativeClass::Final,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .slots = "mode:String=fullDuplex echoPath:int=128 nonLinearProcessing:Boolean=true "
+              "autoGain:Boolean isVoiceDetected:int",
+     .since = kOptionsSince},
+    {.package = "flash.media",
+     .name = "VideoStreamSettings",
+     .base = {},
+     .flags = NativeClass::Sealed,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .members = kSettings,
+     .slots = "width:int=160 height:int=120 fps:Number=15 bandwidth:int=16384 quality:int "
+              "keyFrameInterval:int=15",
+     .since = kSettingsSince},
+    {.package = "flash.media",
+     .name = "H264VideoStreamSettings",
+     .base = "flash.media::VideoStreamSettings",
+     .flags = NativeClass::Sealed | NativeClass::Final,
+     .minArguments = 0,
+     .maxArguments = 0,
+     .members = kH264Settings,
+     .slots = "profile:String=baseline level:String=2.1",
+     .since = kSettingsSince},
     {.package = "flash.net",
      .name = "NetStreamInfo",
      .base = {},

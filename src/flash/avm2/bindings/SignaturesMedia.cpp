@@ -24,6 +24,13 @@ flash.media::Microphone
   encodeQuality:int enableVAD:Boolean noiseSuppressionLevel:int useEchoSuppression-:Boolean soundTransform:SoundTransform
   enhancedOptions:MicrophoneEnhancedOptions setLoopBack(Boolean=):void setSilenceLevel(Number,int=):void
   setUseEchoSuppression(Boolean):void
+flash.media::MicrophoneEnhancedOptions
+  () mode:String echoPath:int nonLinearProcessing:Boolean autoGain:Boolean isVoiceDetected:int
+flash.media::VideoStreamSettings
+  () width-:int height-:int fps-:Number bandwidth-:int quality-:int keyFrameInterval-:int codec-:String setMode(int,int,Number):void
+  setQuality(int,int):void setKeyFrameInterval(int):void
+flash.media::H264VideoStreamSettings
+  () profile-:String level-:String codec-:String setProfileLevel(String,String):void
 flash.media::Sound
   (URLRequest=,SoundLoaderContext=) load(URLRequest,SoundLoaderContext=):void
   loadCompressedDataFromByteArray(ByteArray,uint):void loadPCMFromByteArray(ByteArray,uint,String=,Boolean=,Number=):void url-:String
