@@ -11,9 +11,9 @@
 namespace flash::render
 {
 
-/// Low draws without edge smoothing and without bitmap smoothing. Medium counts four samples of a pixel for
-/// its edges and leaves bitmaps unsmoothed. High counts sixteen, as the genuine player does, and smooths the
-/// bitmaps that ask for it. Best knows exactly how much of a pixel is covered, and smooths all bitmaps that
+/// Low draws without edge smoothing. Medium counts four samples of a pixel for its edges, High sixteen, as
+/// the genuine player does. All of them smooth the bitmaps that ask for it, as recordings show even where
+/// edges are not smoothed. Best knows exactly how much of a pixel is covered, and smooths all bitmaps that
 /// are scaled. Letters are exact in all but Low.
 enum class Quality { Low, Medium, High, Best };
 

@@ -103,7 +103,7 @@ Smoothing Canvas::Impl::smoothingOf(bool wanted) const
 {
     switch (m_quality) {
     case Quality::Low:
-    case Quality::Medium: return Smoothing::Off;
+    case Quality::Medium:
     case Quality::High: return wanted ? Smoothing::On : Smoothing::Off;
     case Quality::Best: return Smoothing::On;
     }

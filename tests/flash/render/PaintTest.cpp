@@ -91,7 +91,8 @@ TEST(BitmapFills, AreInterpolatedOnlyWhenSmooth)
     };
     EXPECT_EQ(middleOf(false, Quality::High), 0U);
     EXPECT_NEAR(middleOf(true, Quality::High), 255 * 0.375, 1.5);
-    EXPECT_EQ(middleOf(true, Quality::Low), 0U);
+    EXPECT_NEAR(middleOf(true, Quality::Low), 255 * 0.375, 1.5);
+    EXPECT_EQ(middleOf(false, Quality::Low), 0U);
     EXPECT_NEAR(middleOf(false, Quality::Best), 255 * 0.375, 1.5);
 }
 
