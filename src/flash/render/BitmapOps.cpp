@@ -1,5 +1,7 @@
 #include "flash/render/BitmapOps.h"
 
+#include "flash/render/Pixel.h"
+
 #include <cmath>
 
 namespace flash::render
@@ -86,12 +88,6 @@ int shiftOf(int channel)
     case 8: return 24;
     default: return -1;
     }
-}
-
-std::uint32_t scalePixel(std::uint32_t pixel, std::uint32_t factor)
-{
-    const auto scaled = [&](int shift) { return ((pixel >> shift & 255) * factor + 127) / 255 << shift; };
-    return scaled(24) | scaled(16) | scaled(8) | scaled(0);
 }
 
 /// What is left of a pixel under another one; rounded down, as the genuine player does.
@@ -199,6 +195,20 @@ void scroll(swf::Bitmap& bitmap, int dx, int dy)
     copyPixels(bitmap, dx, dy, bitmap, boundsOf(bitmap), CopyAlpha::Replace);
 }
 
+namespace
+{
+// A pixel seen through the alpha of another one. The genuine player takes it apart before: its colour keeps
+// to the rounded level, and its alpha is cut.
+std::uint32_t withAlpha(std::uint32_t pixel, std::uint32_t alpha)
+{
+    swf::Rgba color = unpremultiply(pixel);
+    // 255 stands for all of it on either side.
+    const std::uint32_t factor = alpha + (alpha >> 7);
+    color.a = static_cast<std::uint8_t>(color.a == 255 ? alpha : color.a * factor >> 8);
+    return premultiply(color);
+}
+} // namespace
+
 void copyPixels(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, const IntRect& from,
                 CopyAlpha mode, std::optional<AlphaSource> alpha)
 {
@@ -211,7 +221,7 @@ void copyPixels(swf::Bitmap& target, int x, int y, const swf::Bitmap& source, co
             const long long ax = static_cast<long long>(alpha->x) + sx - from.left;
             const long long ay = static_cast<long long>(alpha->y) + sy - from.top;
             if (ax < 0 || ay < 0 || ax >= alpha->bitmap.width || ay >= alpha->bitmap.height) return;
-            in = scalePixel(in, rowOf(alpha->bitmap, static_cast<int>(ay))[ax] >> 24);
+            in = withAlpha(in, rowOf(alpha->bitmap, static_cast<int>(ay))[ax] >> 24);
         }
         out = merging ? in + shownThrough(out, in >> 24) : in;
         if (target.opaque) out |= 0xFF000000U;

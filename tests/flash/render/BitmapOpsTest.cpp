@@ -47,6 +47,22 @@ TEST(BitmapOps, AnOpaqueAlphaBitmapHasNoSay)
     EXPECT_EQ(pixelAt(target, 3, 0), 0x80FFFFFFU);
 }
 
+TEST(BitmapOps, CopiesThroughAlphaKeepTheirColourAndCutTheirAlpha)
+{
+    struct Case {
+        std::uint32_t source, glass, copied;
+    };
+    // The last two: what is whole on one side stays what it is on the other.
+    for (const Case& c : {Case{0xAA2288DD, 0xEE, 0x9E165589}, Case{0xAA2288DD, 0x66, 0x4309243A},
+                          Case{0x44888888, 0xEE, 0x3F212121}, Case{0xFF888888, 0x66, 0x66363636},
+                          Case{0xAA2288DD, 0xFF, 0xAA175B93}}) {
+        const swf::Bitmap source = bitmap(1, 1, false, c.source), glass = bitmap(1, 1, false, c.glass << 24);
+        swf::Bitmap target = bitmap(1, 1);
+        copyPixels(target, 0, 0, source, boundsOf(source), CopyAlpha::Replace, AlphaSource{glass, 0, 0});
+        EXPECT_EQ(target.pixels[0], c.copied) << std::hex << c.source << ' ' << c.glass;
+    }
+}
+
 TEST(BitmapOps, AlphaAloneIsNeverMadeMore)
 {
     swf::Bitmap target = bitmap(2, 1, false, 0x40FFFFFF);

@@ -136,8 +136,11 @@ Value setPixel(Call& call)
 Value fillRect(Call& call)
 {
     const auto bitmap = picture(call);
-    render::fillRect(*bitmap, pixelsOf(objectArg(call, 0, "flash.geom::Rectangle", "rect")),
-                     call.vm.toUint(call.arg(1)));
+    render::IntRect area = pixelsOf(objectArg(call, 0, "flash.geom::Rectangle", "rect"));
+    // Sizes may be negative here.
+    if (area.left > area.right) std::swap(area.left, area.right);
+    if (area.top > area.bottom) std::swap(area.top, area.bottom);
+    render::fillRect(*bitmap, area, call.vm.toUint(call.arg(1)));
     pictureChanged(call);
     return {};
 }

@@ -86,11 +86,12 @@ swf::Rect twipsOf(Object& r)
 render::IntRect pixelsOf(Object& r)
 {
     constexpr double kFar = 1 << 29;
+    // Each edge goes to the nearest pixel, as recorded copies of parts of pixels show.
     const auto whole = [&](double value) {
-        return static_cast<int>(std::clamp(truncated(value), -kFar, kFar));
+        return static_cast<int>(std::clamp(truncated(std::floor(value + 0.5)), -kFar, kFar));
     };
-    const int x = whole(slotNumber(r, 0)), y = whole(slotNumber(r, 1));
-    return {x, y, x + whole(slotNumber(r, 2)), y + whole(slotNumber(r, 3))};
+    const double x = slotNumber(r, 0), y = slotNumber(r, 1);
+    return {whole(x), whole(y), whole(x + slotNumber(r, 2)), whole(y + slotNumber(r, 3))};
 }
 swf::Point pointOf(Object& point) { return {slotNumber(point, 0), slotNumber(point, 1)}; }
 
