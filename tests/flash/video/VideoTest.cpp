@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 namespace flash::video
@@ -195,6 +196,78 @@ TEST(VideoDecoder, DecodesScreenVideo)
     ASSERT_NE(last, nullptr);
     EXPECT_EQ(last->width, 40);
     EXPECT_EQ(last->height, 24);
+}
+
+using ByteList = std::vector<std::uint8_t>;
+
+/// A key frame of VP6 of so many blocks of 16 pixels a side. What its arithmetic coder reads means something
+/// whatever it is.
+ByteList vp6KeyFrame(std::uint8_t rows, std::uint8_t columns, unsigned seed)
+{
+    constexpr std::uint8_t kMiddlingQuality = 30 << 1, kVersion = 6 << 3, kFiltered = 6;
+    ByteList bytes{kMiddlingQuality, kVersion | kFiltered, rows, columns, rows, columns};
+    for (unsigned i = 0; i < 600; ++i) {
+        seed = seed * 1664525 + 1013904223;
+        bytes.push_back(static_cast<std::uint8_t>(seed >> 24));
+    }
+    return bytes;
+}
+
+/// Colours, with an alpha picture behind them. @param offset of that, as it is stated
+ByteList withAlpha(const ByteList& colors, const ByteList& alpha, std::size_t offset)
+{
+    ByteList packet;
+    for (int shift = 16; shift >= 0; shift -= 8) packet.push_back(static_cast<std::uint8_t>(offset >> shift));
+    packet.insert(packet.end(), colors.begin(), colors.end());
+    packet.insert(packet.end(), alpha.begin(), alpha.end());
+    return packet;
+}
+
+TEST(VideoDecoder, TakesAlphaPicturesAsTheyAre)
+{
+    const ByteList colors = vp6KeyFrame(2, 3, 1), same = vp6KeyFrame(2, 3, 2);
+    const ByteList bigger = vp6KeyFrame(9, 12, 3), smaller = vp6KeyFrame(1, 1, 4);
+    const std::size_t end = colors.size();
+    struct Case {
+        const char* name;
+        ByteList packet;
+        bool isWhole;
+    };
+    std::vector<Case> cases = {
+        {"alike", withAlpha(colors, same, end), true},
+        {"a bigger alpha", withAlpha(colors, bigger, end), false},
+        {"a smaller alpha", withAlpha(colors, smaller, end), false},
+        {"alpha within the colours", withAlpha(colors, same, 3), false},
+        {"alpha at the very end", withAlpha(colors, {}, end), false},
+        {"alpha behind the end", withAlpha(colors, same, 0xFFFFFF), false},
+        {"alpha of size 0", withAlpha(colors, vp6KeyFrame(0, 0, 5), end), false},
+    };
+    const ByteList whole = cases.front().packet;
+    for (std::size_t size = 0; size < whole.size(); size += size < 40 ? 1 : 37)
+        cases.push_back(
+            {"cut off", ByteList(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)), false});
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + ", bytes: " + std::to_string(c.packet.size()));
+        const auto decoder = VideoDecoder::open(VideoCodec::Vp6Alpha, 0, 0);
+        ASSERT_NE(decoder, nullptr);
+        const auto picture = decoder->decode(c.packet);
+        EXPECT_TRUE(picture != nullptr || !c.isWhole);
+        // After damage it goes on with what is whole.
+        const auto next = decoder->decode(whole);
+        ASSERT_NE(next, nullptr);
+        EXPECT_EQ(next->width, 48);
+        EXPECT_EQ(next->height, 32);
+        for (const auto& shown : {picture, next}) {
+            if (shown == nullptr) continue;
+            ASSERT_EQ(shown->pixels.size(), static_cast<std::size_t>(shown->width * shown->height));
+            EXPECT_FALSE(shown->opaque);
+            EXPECT_TRUE(std::ranges::all_of(shown->pixels, [](std::uint32_t pixel) {
+                const std::uint32_t alpha = pixel >> 24;
+                return (pixel >> 16 & 0xFF) <= alpha && (pixel >> 8 & 0xFF) <= alpha &&
+                       (pixel & 0xFF) <= alpha;
+            }));
+        }
+    }
 }
 
 } // namespace
