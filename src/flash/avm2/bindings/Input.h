@@ -55,6 +55,8 @@ private:
     void roll(DisplayObject* to);
     void showButton(DisplayObject* object, DisplayObject::State state);
     void chooseCursor();
+    /// The Enter key or the space bar, on a button or what is to be one.
+    void clickFocus();
     void focusByMouse(DisplayObject& target);
     void focusByTab(bool backwards);
     void focusByArrow(int keyCode);

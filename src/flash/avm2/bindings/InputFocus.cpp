@@ -18,7 +18,7 @@ constexpr std::string_view kInteractive = "flash.display::InteractiveObject",
                            kContainer = "flash.display::DisplayObjectContainer";
 constexpr int kMaxDepth = 1000; // of nested objects that are looked at
 // Key codes.
-constexpr int kShift = 16, kControl = 17, kAlternate = 18, kTab = 9;
+constexpr int kShift = 16, kControl = 17, kAlternate = 18, kTab = 9, kEnter = 13, kSpace = 32;
 constexpr int kLeft = 37, kUp = 38, kRight = 39, kDown = 40;
 
 bool isInputField(DisplayObject& object)
@@ -242,8 +242,26 @@ void Input::keyPressed(int keyCode, char32_t charCode)
     fireKey("keyDown", keyCode, charCode);
     if (keyCode == kTab)
         focusByTab(isDown(kShift));
+    else if (keyCode == kEnter || keyCode == kSpace)
+        clickFocus();
     else
         focusByArrow(keyCode);
+}
+
+// What had the focus when the key came down may have lost it to a listener.
+void Input::clickFocus()
+{
+    DisplayObject* at = focus();
+    if (at == nullptr) return;
+    Root<DisplayObject> keep(m_player.vm().heap(), at);
+    bool isClicked = false;
+    m_player.vm().guarded([&] {
+        isClicked =
+            (isKind(*at, "flash.display::Sprite") && flag(*at, "flash.display::Sprite", "buttonMode")) ||
+            (isKind(*at, "flash.display::SimpleButton") &&
+             flag(*at, "flash.display::SimpleButton", "enabled"));
+    });
+    if (isClicked) fireMouse("click", *at);
 }
 
 void Input::keyReleased(int keyCode, char32_t charCode) { fireKey("keyUp", keyCode, charCode); }
