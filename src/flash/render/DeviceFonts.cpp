@@ -1,5 +1,6 @@
-// The one file that asks Qt for fonts. What comes out are outlines like those of a movie's own fonts.
+// The file that asks Qt for fonts. What comes out are outlines like those of a movie's own fonts.
 #include "flash/render/FontFace.h"
+#include "flash/render/HintedFont.h"
 
 #include <QFont>
 #include <QFontDatabase>
@@ -174,7 +175,7 @@ class DeviceFace final : public FontFace
 public:
     DeviceFace(QFont asked, QRawFont substitute, Metrics metrics)
         : m_asked(std::move(asked)), m_font(QRawFont::fromFont(m_asked)), m_substitute(std::move(substitute)),
-          m_metrics(metrics)
+          m_metrics(metrics), m_hinted(isAsAsked() ? m_font : QRawFont())
     {
     }
     [[nodiscard]] Metrics metrics() const override { return m_metrics; }
@@ -218,12 +219,24 @@ public:
     }
     [[nodiscard]] double kerning(char32_t, char32_t) const override { return 0; }
     [[nodiscard]] bool standsOnPixels() const override { return true; }
+    [[nodiscard]] const FaceGlyph* shapedAt(char32_t character, int pixels) const override
+    {
+        if (!m_font.supportsCharacter(static_cast<uint>(character))) return nullptr;
+        const auto indexes = m_font.glyphIndexesForString(QString::fromUcs4(&character, 1));
+        return indexes.isEmpty() ? nullptr : m_hinted.glyph(indexes[0], pixels);
+    }
     [[nodiscard]] bool hasOwn(char32_t character) const override
     {
         return m_font.supportsCharacter(static_cast<uint>(character));
     }
 
 private:
+    // A font that has no bold or slanted letters has them made, and its instructions know nothing of that.
+    [[nodiscard]] bool isAsAsked() const
+    {
+        return (!m_asked.bold() || m_font.weight() >= QFont::DemiBold) &&
+               (!m_asked.italic() || m_font.style() != QFont::StyleNormal);
+    }
     static FaceGlyph load(const QRawFont& font, char32_t character)
     {
         const QString text = QString::fromUcs4(&character, 1);
@@ -258,6 +271,7 @@ private:
     QFont m_asked;
     QRawFont m_font, m_substitute;
     Metrics m_metrics;
+    mutable HintedFont m_hinted;
     mutable std::unordered_map<char32_t, FaceGlyph> m_glyphs; ///< filled on demand
 };
 

@@ -95,6 +95,10 @@ public:
     {
         return m_first->kerning(left, right);
     }
+    [[nodiscard]] const FaceGlyph* shapedAt(char32_t character, int pixels) const override
+    {
+        return m_first->glyph(character) != nullptr ? nullptr : m_second->shapedAt(character, pixels);
+    }
     [[nodiscard]] bool standsOnPixels() const override { return m_second->standsOnPixels(); }
     [[nodiscard]] bool hasOwn(char32_t character) const override { return m_first->hasOwn(character); }
 

@@ -56,6 +56,10 @@ void LayoutBuilder::loadFonts()
             font.scale = metrics.unitsPerEm > 0 ? run.style.size / metrics.unitsPerEm : 0;
             font.ascent = std::trunc(metrics.ascent * font.scale);
             font.descent = std::trunc(metrics.descent * font.scale);
+            const double pixels = run.style.size / swf::kTwipsPerPixel;
+            constexpr double kMostPixels = 100; // so large that pixels no longer matter
+            const bool isWhole = pixels == std::floor(pixels) && pixels >= 1 && pixels <= kMostPixels;
+            if (isWhole && font.face->standsOnPixels()) font.wholePixels = static_cast<int>(pixels);
             font.tabDistance = std::round(kTabDistance * (metrics.ascent + metrics.descent) * font.scale);
         }
         m_runFonts.push_back(std::move(font));
@@ -101,7 +105,8 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
         const bool invisible = cell.character < 0x20 && cell.character != U'\t';
         if (font.face != nullptr && !invisible && cell.character != U'\t') {
             cell.glyph = font.face->glyph(cell.character);
-            if (cell.glyph != nullptr) cell.advance = advanceOf(*cell.glyph, font, style.letterSpacing);
+            if (font.wholePixels > 0) cell.shaped = font.face->shapedAt(cell.character, font.wholePixels);
+            if (cell.glyph != nullptr) cell.advance = advanceOf(cell, font, style.letterSpacing);
             if (style.kerning && !m_cells.empty() && m_cells.back().run == cell.run)
                 m_cells.back().advance +=
                     font.face->kerning(m_cells.back().character, cell.character) * font.scale;
@@ -112,9 +117,11 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
 
 /// Letters stand on whole twips, as they did where the movie was made; the machine's own on whole pixels, and
 /// no spacing takes all of their room.
-double LayoutBuilder::advanceOf(const FaceGlyph& glyph, const Font& font, double spacing)
+double LayoutBuilder::advanceOf(const Cell& cell, const Font& font, double spacing)
 {
-    const double own = glyph.advance * font.scale;
+    constexpr double kShapedUnit = swf::kTwipsPerPixel / 64.0;
+    const double own =
+        cell.shaped != nullptr ? cell.shaped->advance * kShapedUnit : cell.glyph->advance * font.scale;
     if (!font.face->standsOnPixels()) return std::trunc(own) + spacing;
     const double whole = std::floor(own / swf::kTwipsPerPixel + 0.5) * swf::kTwipsPerPixel;
     return whole + spacing > 0 ? whole + spacing : whole;
@@ -251,6 +258,7 @@ void LayoutBuilder::addLine(std::size_t first, std::size_t last, const TextStyle
         glyph.advance = cell.advance;
         glyph.scale = m_runFonts[cell.run].scale;
         if (cell.glyph != nullptr) glyph.outline = cell.glyph->outline;
+        if (cell.shaped != nullptr) glyph.shaped = cell.shaped->outline;
         m_layout.m_glyphs.push_back(std::move(glyph));
         x += cell.advance;
         // Spaces that hang over the end of a wrapped line take no room, but count in the text's own width.

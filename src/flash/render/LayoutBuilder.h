@@ -21,6 +21,7 @@ private:
         FontFacePtr face;
         double scale = 0; ///< face units to twips
         double ascent = 0, descent = 0;
+        int wholePixels = 0;    ///< its size, where letters are shaped for pixels
         double tabDistance = 0; ///< where no tab stops are given
     };
     // One character of the text, before it has found its line.
@@ -29,6 +30,7 @@ private:
         std::size_t run = 0;
         char32_t character = 0;
         const FaceGlyph* glyph = nullptr;
+        const FaceGlyph* shaped = nullptr; ///< for the pixels of its size
         double advance = 0;
     };
 
@@ -48,7 +50,7 @@ private:
     };
     Sides besideFloats(double room);
     [[nodiscard]] double nextTop() const;
-    [[nodiscard]] static double advanceOf(const FaceGlyph& glyph, const Font& font, double spacing);
+    [[nodiscard]] static double advanceOf(const Cell& cell, const Font& font, double spacing);
     [[nodiscard]] double tabAdvance(std::size_t run, double x) const;
     void alignLines();
     [[nodiscard]] std::size_t runAt(std::size_t index) const;

@@ -26,6 +26,20 @@ swf::Matrix glyphMatrix(const swf::Matrix& toDevice, const LayoutGlyph& glyph, d
     return toDevice * swf::Matrix{glyph.scale, 0, 0, glyph.scale, glyph.x, baseline};
 }
 
+/// Where pixels are the stage's, letters that are shaped for pixels stand on them.
+GlyphPlacement placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice, double baseline)
+{
+    constexpr double kTolerance = 1e-6, kShapedUnit = 1.0 / 64;
+    const auto isUnscaled = [](double value) {
+        return std::abs(value * swf::kTwipsPerPixel - 1) < kTolerance;
+    };
+    const bool isPlain =
+        toDevice.b == 0 && toDevice.c == 0 && isUnscaled(toDevice.a) && isUnscaled(toDevice.d);
+    if (glyph.shaped == nullptr || !isPlain) return {glyph.outline, glyphMatrix(toDevice, glyph, baseline)};
+    const swf::Point at = toDevice.map(glyph.x, baseline);
+    return {glyph.shaped, {kShapedUnit, 0, 0, kShapedUnit, std::round(at.x), std::round(at.y)}};
+}
+
 } // namespace
 
 TextLayout::TextLayout(std::u16string_view text, std::vector<TextRun> runs, const TextOptions& options,
@@ -136,7 +150,7 @@ void TextLayout::draw(Canvas& canvas, const swf::Matrix& toDevice, const swf::Co
             batch.clear();
             for (; i < glyphs.size() && glyphs[i].run == run && colorOf(glyphs[i]) == ink; ++i)
                 if (glyphs[i].outline != nullptr)
-                    batch.push_back({glyphs[i].outline, glyphMatrix(toDevice, glyphs[i], line.baseline)});
+                    batch.push_back(placementOf(glyphs[i], toDevice, line.baseline));
             canvas.drawGlyphs(batch, ink);
             const TextStyle& style = m_runs[run].style;
             if (!style.underline) continue;

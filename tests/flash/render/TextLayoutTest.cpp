@@ -199,6 +199,61 @@ TEST(TextLayout, FlowsAroundWhatStandsAtTheSides)
     EXPECT_EQ(layOut(u"a", options).floats().at(0).y, 200) << "behind the last letter";
 }
 
+/// Every letter is 0.47 em wide; as it is shaped for pixels it is a box of two by three of them.
+class PixelFace final : public FontFace
+{
+public:
+    [[nodiscard]] Metrics metrics() const override { return {1000, 800, 200, 0}; }
+    [[nodiscard]] const FaceGlyph* glyph(char32_t) const override { return &m_plain; }
+    [[nodiscard]] double kerning(char32_t, char32_t) const override { return 0; }
+    [[nodiscard]] bool standsOnPixels() const override { return true; }
+    [[nodiscard]] const FaceGlyph* shapedAt(char32_t character, int pixels) const override
+    {
+        return character == 's' && pixels == 10 ? &m_shaped : nullptr;
+    }
+
+private:
+    FaceGlyph m_plain{rectShape(0, -40, 20, 0, solid(0, 0, 0)), 470};
+    FaceGlyph m_shaped{rectShape(0, -9.6, 6.4, 0, solid(0, 0, 0)), 7 * 64};
+};
+class PixelFonts final : public FontSource
+{
+public:
+    FontFacePtr face(const TextStyle&) override { return std::make_shared<PixelFace>(); }
+};
+
+TEST(TextLayout, LettersOfTheMachineStandOnPixels)
+{
+    const auto placesOf = [](double size, double spacing) {
+        PixelFonts fonts;
+        TextStyle look = style();
+        look.size = size;
+        look.letterSpacing = spacing;
+        const TextLayout layout(u"asa", {{3, look}}, {.width = 5000, .password = {}}, fonts);
+        return std::pair(layout.glyphs()[1].x, layout.glyphs()[2].x);
+    };
+    EXPECT_EQ(placesOf(200, 0), std::pair(100.0, 240.0)); // 4.7 pixels, and 7 as it is shaped
+    EXPECT_EQ(placesOf(200, -40), std::pair(60.0, 160.0));
+    EXPECT_EQ(placesOf(200, -100), std::pair(100.0, 140.0)) << "a letter is left its place";
+    EXPECT_EQ(placesOf(240, 0), std::pair(120.0, 240.0)) << "5.6 pixels; not shaped for this size";
+
+    PixelFonts fonts;
+    const TextLayout layout(u"s", {{1, style()}}, {.width = 5000, .password = {}}, fonts);
+    Picture plain(20, 20), moved(20, 20), large(40, 40);
+    const auto inkOf = [](const Picture& picture, int size) {
+        int ink = 0;
+        for (int y = 0; y < size; ++y)
+            for (int x = 0; x < size; ++x) ink += picture.at(x, y) != kWhite;
+        return ink;
+    };
+    layout.draw(plain.canvas, {0.05, 0, 0, 0.05, 2, 2});
+    EXPECT_EQ(inkOf(plain, 20), 6);
+    layout.draw(moved.canvas, {0.05, 0, 0, 0.05, 2.3, 2.4});
+    EXPECT_EQ(inkOf(moved, 20), 6) << "on whole pixels, wherever its field is";
+    layout.draw(large.canvas, {0.1, 0, 0, 0.1, 2, 2});
+    EXPECT_GT(inkOf(large, 40), 24) << "not shaped for other pixels than the stage's";
+}
+
 TEST(TextLayout, SpacesLettersTabsAndBullets)
 {
     TextStyle spaced = style();

@@ -1,0 +1,174 @@
+// The one file that asks FreeType: Qt has letters shaped by their fonts in height only.
+#include "flash/render/HintedFont.h"
+
+#include <QByteArray>
+#include <QtEndian>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_MODULE_H
+#include FT_OUTLINE_H
+
+#include <array>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+namespace flash::render
+{
+namespace
+{
+
+/// What is needed of a font to draw its letters by their numbers, as a file of its own.
+/// @returns nothing when it has no instructions
+QByteArray fileOf(const QRawFont& font)
+{
+    constexpr std::array kTables{"OS/2", "cvt ", "fpgm", "glyf", "head",
+                                 "hhea", "hmtx", "loca", "maxp", "prep"};
+    constexpr qsizetype kHead = 12, kEntry = 16, kAlign = 4;
+    QByteArray directory(kHead, '\0'), body;
+    const qsizetype start = kHead + kEntry * static_cast<qsizetype>(kTables.size());
+    quint16 count = 0;
+    for (const char* tag : kTables) {
+        const QByteArray table = font.fontTable(tag);
+        if (table.isEmpty()) {
+            if (std::strcmp(tag, "OS/2") == 0 || std::strcmp(tag, "cvt ") == 0) continue;
+            return {};
+        }
+        std::array<char, kEntry> entry{};
+        std::memcpy(entry.data(), tag, 4);
+        qToBigEndian<quint32>(static_cast<quint32>(start + body.size()), entry.data() + 8);
+        qToBigEndian<quint32>(static_cast<quint32>(table.size()), entry.data() + 12);
+        directory.append(entry.data(), kEntry);
+        body.append(table);
+        body.append((kAlign - body.size() % kAlign) % kAlign, '\0');
+        ++count;
+    }
+    qToBigEndian<quint32>(0x00010000, directory.data());
+    qToBigEndian<quint16>(count, directory.data() + 4);
+    directory.resize(start, '\0');
+    return directory + body;
+}
+
+class OutlineReader
+{
+public:
+    static std::shared_ptr<const swf::Shape> read(FT_Outline& outline)
+    {
+        OutlineReader reader;
+        const FT_Outline_Funcs calls{&moveTo, &lineTo, &quadTo, &cubicTo, 0, 0};
+        if (FT_Outline_Decompose(&outline, &calls, &reader) != 0) return nullptr;
+        reader.close();
+        auto shape = std::make_shared<swf::Shape>();
+        FT_BBox box;
+        FT_Outline_Get_CBox(&outline, &box);
+        shape->bounds = {static_cast<std::int32_t>(box.xMin), static_cast<std::int32_t>(box.xMax),
+                         static_cast<std::int32_t>(-box.yMax), static_cast<std::int32_t>(-box.yMin)};
+        shape->edgeBounds = shape->bounds;
+        reader.m_layer.nonZeroWinding = true; // contours of one letter may overlap
+        reader.m_layer.fills.emplace_back();
+        shape->layers.push_back(std::move(reader.m_layer));
+        return shape;
+    }
+
+private:
+    static OutlineReader& self(void* user) { return *static_cast<OutlineReader*>(user); }
+    static std::int32_t x(const FT_Vector* at) { return static_cast<std::int32_t>(at->x); }
+    static std::int32_t y(const FT_Vector* at) { return static_cast<std::int32_t>(-at->y); }
+    static int moveTo(const FT_Vector* to, void* user)
+    {
+        self(user).close();
+        self(user).m_run = {};
+        self(user).m_run.fill1 = 1;
+        self(user).m_run.startX = x(to);
+        self(user).m_run.startY = y(to);
+        return 0;
+    }
+    static int lineTo(const FT_Vector* to, void* user)
+    {
+        self(user).m_run.edges.push_back({false, 0, 0, x(to), y(to)});
+        return 0;
+    }
+    static int quadTo(const FT_Vector* control, const FT_Vector* to, void* user)
+    {
+        self(user).m_run.edges.push_back({true, x(control), y(control), x(to), y(to)});
+        return 0;
+    }
+    // TrueType has none.
+    static int cubicTo(const FT_Vector*, const FT_Vector*, const FT_Vector* to, void* user)
+    {
+        return lineTo(to, user);
+    }
+    void close()
+    {
+        if (m_run.edges.empty()) return;
+        const swf::Edge& last = m_run.edges.back();
+        if (last.anchorX != m_run.startX || last.anchorY != m_run.startY)
+            m_run.edges.push_back({false, 0, 0, m_run.startX, m_run.startY});
+        m_layer.runs.push_back(std::move(m_run));
+        m_run = {};
+    }
+
+    swf::ShapeLayer m_layer;
+    swf::EdgeRun m_run;
+};
+
+} // namespace
+
+class HintedFont::Engine
+{
+public:
+    explicit Engine(QByteArray file) : m_file(std::move(file))
+    {
+        if (FT_Init_FreeType(&m_library) != 0) {
+            m_library = nullptr;
+            return;
+        }
+        // The interpreter that heeds what instructions say of widths.
+        FT_UInt version = 35;
+        FT_Property_Set(m_library, "truetype", "interpreter-version", &version);
+        if (FT_New_Memory_Face(m_library, reinterpret_cast<const FT_Byte*>(m_file.constData()),
+                               static_cast<FT_Long>(m_file.size()), 0, &m_face) != 0)
+            m_face = nullptr;
+    }
+    ~Engine()
+    {
+        if (m_library != nullptr) FT_Done_FreeType(m_library); // with the face
+    }
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+
+    std::optional<FaceGlyph> load(quint32 index, int pixels)
+    {
+        if (m_face == nullptr || FT_Set_Pixel_Sizes(m_face, 0, static_cast<FT_UInt>(pixels)) != 0) return {};
+        if (FT_Load_Glyph(m_face, index, FT_LOAD_NO_BITMAP | FT_LOAD_NO_AUTOHINT) != 0) return {};
+        FT_GlyphSlot slot = m_face->glyph;
+        if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return {};
+        return FaceGlyph{OutlineReader::read(slot->outline), static_cast<double>(slot->advance.x)};
+    }
+
+private:
+    QByteArray m_file; // which the face reads
+    FT_Library m_library = nullptr;
+    FT_Face m_face = nullptr;
+};
+
+HintedFont::HintedFont(const QRawFont& font)
+{
+    if (!font.isValid()) return;
+    if (QByteArray file = fileOf(font); !file.isEmpty()) m_engine = std::make_unique<Engine>(std::move(file));
+}
+
+HintedFont::~HintedFont() = default;
+
+const FaceGlyph* HintedFont::glyph(quint32 index, int pixels)
+{
+    if (m_engine == nullptr) return nullptr;
+    const auto known = m_glyphs.find({index, pixels});
+    if (known != m_glyphs.end()) return &known->second;
+    std::optional<FaceGlyph> made = m_engine->load(index, pixels);
+    if (!made) return nullptr;
+    return &m_glyphs.emplace(std::pair(index, pixels), *std::move(made)).first->second;
+}
+
+} // namespace flash::render
