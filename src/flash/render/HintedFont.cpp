@@ -9,7 +9,9 @@
 #include FT_MODULE_H
 #include FT_OUTLINE_H
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <optional>
 #include <vector>
@@ -18,6 +20,18 @@ namespace flash::render
 {
 namespace
 {
+
+constexpr std::int32_t kUnitsPerStep = 16; // FreeType counts in 64ths of a pixel
+
+/// Into how many lines a curve is cut: as few as the recorded letters show.
+/// @param bend how far its control point is from where a line would have it, twice, in 64ths of a pixel
+int piecesOf(int bend)
+{
+    constexpr int kFlat = 32;
+    int pieces = 2;
+    for (int rest = bend / kFlat; rest > 0; rest /= 4) pieces *= 2;
+    return pieces;
+}
 
 /// What is needed of a font to draw its letters by their numbers, as a file of its own.
 /// @returns nothing when it has no instructions
@@ -62,8 +76,8 @@ public:
         auto shape = std::make_shared<swf::Shape>();
         FT_BBox box;
         FT_Outline_Get_CBox(&outline, &box);
-        shape->bounds = {static_cast<std::int32_t>(box.xMin), static_cast<std::int32_t>(box.xMax),
-                         static_cast<std::int32_t>(-box.yMax), static_cast<std::int32_t>(-box.yMin)};
+        const FT_Vector least{box.xMin, box.yMin}, most{box.xMax, box.yMax};
+        shape->bounds = {x(&least), x(&most), y(&most), y(&least)};
         shape->edgeBounds = shape->bounds;
         reader.m_layer.nonZeroWinding = true; // contours of one letter may overlap
         reader.m_layer.fills.emplace_back();
@@ -73,8 +87,8 @@ public:
 
 private:
     static OutlineReader& self(void* user) { return *static_cast<OutlineReader*>(user); }
-    static std::int32_t x(const FT_Vector* at) { return static_cast<std::int32_t>(at->x); }
-    static std::int32_t y(const FT_Vector* at) { return static_cast<std::int32_t>(-at->y); }
+    static std::int32_t x(const FT_Vector* at) { return static_cast<std::int32_t>(at->x) * kUnitsPerStep; }
+    static std::int32_t y(const FT_Vector* at) { return static_cast<std::int32_t>(-at->y) * kUnitsPerStep; }
     static int moveTo(const FT_Vector* to, void* user)
     {
         self(user).close();
@@ -91,7 +105,22 @@ private:
     }
     static int quadTo(const FT_Vector* control, const FT_Vector* to, void* user)
     {
-        self(user).m_run.edges.push_back({true, x(control), y(control), x(to), y(to)});
+        // So few pixels show how a curve is cut.
+        swf::EdgeRun& run = self(user).m_run;
+        const bool isFirst = run.edges.empty();
+        const double fromX = isFirst ? run.startX : run.edges.back().anchorX;
+        const double fromY = isFirst ? run.startY : run.edges.back().anchorY;
+        const double bend =
+            std::max(std::abs(fromX - 2.0 * x(control) + x(to)), std::abs(fromY - 2.0 * y(control) + y(to)));
+        const int pieces = piecesOf(static_cast<int>(bend) / kUnitsPerStep);
+        for (int i = 1; i <= pieces; ++i) {
+            const double t = static_cast<double>(i) / pieces, u = 1 - t;
+            const auto at = [&](double from, double middle, double last) {
+                return static_cast<std::int32_t>(
+                    std::lround(u * u * from + 2 * u * t * middle + t * t * last));
+            };
+            run.edges.push_back({false, 0, 0, at(fromX, x(control), x(to)), at(fromY, y(control), y(to))});
+        }
         return 0;
     }
     // TrueType has none.
@@ -144,7 +173,8 @@ public:
         if (FT_Load_Glyph(m_face, index, FT_LOAD_NO_BITMAP | FT_LOAD_NO_AUTOHINT) != 0) return {};
         FT_GlyphSlot slot = m_face->glyph;
         if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return {};
-        return FaceGlyph{OutlineReader::read(slot->outline), static_cast<double>(slot->advance.x)};
+        return FaceGlyph{OutlineReader::read(slot->outline),
+                         static_cast<double>(slot->advance.x) * kUnitsPerStep};
     }
 
 private:

@@ -17,7 +17,7 @@ class HintedFont
 {
 public:
     /// One unit of what comes out, in pixels.
-    static constexpr double kUnit = 1.0 / 64;
+    static constexpr double kUnit = 1.0 / 1024;
 
     explicit HintedFont(const QRawFont& font);
     ~HintedFont();

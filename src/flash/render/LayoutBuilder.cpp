@@ -119,7 +119,7 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
 /// no spacing takes all of their room.
 double LayoutBuilder::advanceOf(const Cell& cell, const Font& font, double spacing)
 {
-    constexpr double kShapedUnit = swf::kTwipsPerPixel / 64.0;
+    constexpr double kShapedUnit = swf::kTwipsPerPixel / 1024.0;
     const double own =
         cell.shaped != nullptr ? cell.shaped->advance * kShapedUnit : cell.glyph->advance * font.scale;
     if (!font.face->standsOnPixels()) return std::trunc(own) + spacing;
@@ -301,7 +301,13 @@ void LayoutBuilder::alignLines()
         const auto glyphs = std::span(m_layout.m_glyphs).subspan(line.firstGlyph, line.glyphCount);
         switch (alignment.align) {
         case Align::Left: break;
-        case Align::Right: line.x += spare; break;
+        case Align::Right: {
+            // As recorded, letters that stand on pixels leave one free.
+            const auto face = glyphs.empty() ? nullptr : m_runFonts[glyphs.front().run].face;
+            const bool onPixels = face != nullptr && face->standsOnPixels();
+            line.x += onPixels ? std::max(spare - swf::kTwipsPerPixel, 0.0) : spare;
+            break;
+        }
         case Align::Center: line.x += spare / 2; break;
         case Align::Justify: {
             if (!alignment.justifiable) break;

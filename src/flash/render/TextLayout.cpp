@@ -29,7 +29,7 @@ swf::Matrix glyphMatrix(const swf::Matrix& toDevice, const LayoutGlyph& glyph, d
 /// Where pixels are the stage's, letters that are shaped for pixels stand on them.
 GlyphPlacement placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice, double baseline)
 {
-    constexpr double kTolerance = 1e-6, kShapedUnit = 1.0 / 64;
+    constexpr double kTolerance = 1e-6, kShapedUnit = 1.0 / 1024;
     const auto isUnscaled = [](double value) {
         return std::abs(value * swf::kTwipsPerPixel - 1) < kTolerance;
     };

@@ -214,7 +214,7 @@ public:
 
 private:
     FaceGlyph m_plain{rectShape(0, -40, 20, 0, solid(0, 0, 0)), 470};
-    FaceGlyph m_shaped{rectShape(0, -9.6, 6.4, 0, solid(0, 0, 0)), 7 * 64};
+    FaceGlyph m_shaped{rectShape(0, -153.6, 102.4, 0, solid(0, 0, 0)), 7 * 1024};
 };
 class PixelFonts final : public FontSource
 {
