@@ -39,6 +39,8 @@ std::int32_t entryAt(std::int32_t at, Spread spread)
 
 Between betweenAt(const std::uint32_t* ramp, float position, Spread spread)
 {
+    // Matrices near nothing put pixels where no number is.
+    if (std::isnan(position)) position = 0;
     // Where a ramp begins anew its ends do not mix.
     if (spread == Spread::Repeat) position -= kRampSize * std::floor(position / kRampSize);
     const float at = position - 0.5F, whole = std::floor(at);
