@@ -34,20 +34,20 @@ class GridMap
 {
 public:
     GridMap(const swf::Matrix& m, const IntRect& area, int steps)
-        : m_a(m.a * steps), m_b(m.b * steps), m_c(m.c * steps), m_d(m.d * steps),
-          m_x(toTerm(m.tx * steps) - std::int64_t{area.left} * steps),
-          m_y(toTerm(m.ty * steps) - std::int64_t{area.top} * steps)
+        : m_a(m.a * steps), m_b(m.b * steps), m_c(m.c * steps), m_d(m.d * steps), m_x(toTerm(m.tx * steps)),
+          m_y(toTerm(m.ty * steps)), m_left(area.left * steps), m_top(area.top * steps)
     {
     }
     [[nodiscard]] GridPoint operator()(FlatPoint p) const
     {
-        return {toSteps(toTerm(m_a * p.x) + toTerm(m_c * p.y) + m_x),
-                toSteps(toTerm(m_b * p.x) + toTerm(m_d * p.y) + m_y)};
+        return {toSteps(toTerm(m_a * p.x) + toTerm(m_c * p.y) + m_x) - m_left,
+                toSteps(toTerm(m_b * p.x) + toTerm(m_d * p.y) + m_y) - m_top};
     }
 
 private:
     double m_a, m_b, m_c, m_d;
     std::int64_t m_x, m_y;
+    int m_left, m_top; // taken off last: what is too far to be told lies in the same place for any area
 };
 
 // Points that are rounded may come to lie a little outside.
@@ -234,8 +234,8 @@ void OutlineDrawer::stroke(const Destination& to, const StrokeOutline& outline, 
         std::uint32_t first = 0;
         if (const int steps = gridSteps(to.coverage); steps != 0) {
             const auto map = [&](FlatPoint p) {
-                return GridPoint{toSteps((p.x + offset.x - area.left) * steps),
-                                 toSteps((p.y + offset.y - area.top) * steps)};
+                return GridPoint{toSteps((p.x + offset.x) * steps) - area.left * steps,
+                                 toSteps((p.y + offset.y) * steps) - area.top * steps};
             };
             for (const std::uint32_t end : outline.contourEnds) {
                 GridPoint from = map(outline.points[end - 1]);
@@ -279,7 +279,8 @@ void OutlineDrawer::polygon(const Destination& to, std::span<const swf::Point> c
         m_converter.setStyles(0, 1);
         if (const int steps = gridSteps(to.coverage); steps != 0) {
             const auto map = [&](swf::Point p) {
-                return GridPoint{toSteps((p.x - area.left) * steps), toSteps((p.y - area.top) * steps)};
+                return GridPoint{toSteps(p.x * steps) - area.left * steps,
+                                 toSteps(p.y * steps) - area.top * steps};
             };
             GridPoint from = map(corners.back());
             for (const swf::Point& corner : corners) {

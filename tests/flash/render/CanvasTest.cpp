@@ -180,6 +180,26 @@ TEST(Canvas, ChangesOnlyWhatTheClipHolds)
             EXPECT_EQ(picture.at(x, y), x >= 2 && x < 4 && y >= 2 && y < 4 ? kRed : kWhite);
 }
 
+// Scripts scale by any number; corners too far to be told are taken for nearer ones, wherever the clip is.
+TEST(Canvas, DrawsInPartsWhatIsLargerThanAnyNumber)
+{
+    const auto shape =
+        shapeOf({{solid(255, 0, 0)}, {}, {run({{-82877, 0}, {135, -46}, {50'000, 17}, {-82877, 0}}, 0, 1)}});
+    const double scale = 1073742 * 0.05, turn = 4.3622;
+    const swf::Matrix m{
+        scale * std::cos(turn), scale * std::sin(turn), -0.05 * std::sin(turn), 0.05 * std::cos(turn), 0, 0};
+    Picture whole(200, 150), parts(200, 150);
+    whole.canvas.drawShape(shape, m);
+    for (const IntRect& part : {IntRect{0, 0, 200, 75}, IntRect{0, 75, 90, 150}, IntRect{90, 75, 200, 150}}) {
+        parts.canvas.setClip(part);
+        parts.canvas.drawShape(shape, m);
+    }
+    int different = 0;
+    for (int y = 0; y < 150; ++y)
+        for (int x = 0; x < 200; ++x) different += whole.at(x, y) == parts.at(x, y) ? 0 : 1;
+    EXPECT_EQ(different, 0);
+}
+
 TEST(Canvas, DrawsNothingForUselessMatrices)
 {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
