@@ -33,6 +33,31 @@ inline swf::ByteList movingSquare(unsigned frames, const swf::ByteList& firstFra
     return swf::movieBytes(6, tags, frames);
 }
 
+/// 100 x 80 pixels, two frames; many veils over all of it, that move from frame to frame.
+inline swf::ByteList movingVeils()
+{
+    using swf::BodyWriter;
+    using swf::tag;
+    constexpr int kVeils = 150, kWidth = 2400, kHeight = 2000;
+    BodyWriter shape;
+    shape.u16(1).rect(0, kWidth, 0, kHeight).u8(1).u8(0).rgba({0, 0, 255, 40}).u8(0).indexWidths(1, 0);
+    shape.moveTo(0, 0).fill1(1).lineTo(kWidth, 0).lineTo(0, kHeight).lineTo(-kWidth, 0);
+    shape.lineTo(0, -kHeight).endShape();
+    std::vector<swf::ByteList> tags = {tag(9, BodyWriter().rgb({255, 255, 255, 255})), tag(32, shape)};
+    for (int frame = 0; frame < 2; ++frame) {
+        for (std::uint32_t depth = 1; depth <= kVeils; ++depth) {
+            BodyWriter place;
+            if (frame == 0)
+                place.u8(0b110).u16(depth).u16(1);
+            else
+                place.u8(0b101).u16(depth);
+            tags.push_back(tag(26, place.translation(-200 + 20 * frame, -200)));
+        }
+        tags.push_back(swf::kShowFrame);
+    }
+    return swf::movieBytes(6, tags, 2);
+}
+
 /// Actions: getURL(url, target).
 inline swf::ByteList getUrl(std::string_view url, std::string_view target)
 {

@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace flash
 {
@@ -248,6 +249,28 @@ TEST_F(RemoteMovie, FollowsTheWindowsSizeAndShowsThePictureOfEach)
         EXPECT_EQ(pixel(20 * factor - 2, 20 * factor - 2), QColor(255, 0, 0));
         EXPECT_EQ(pixel(20 * factor + 2, 20 * factor + 2), QColor(128, 128, 128));
     }
+}
+
+TEST_F(RemoteMovie, DrawsHeavyFramesByTwoThreadsWhereItMay)
+{
+    if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "there is one core";
+    const auto threads = [this] {
+        return QDir(QString("/proc/%1/task").arg(m_control.processId()))
+            .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+            .size();
+    };
+    m_control.resize(1000, 800);
+    m_control.setSecondThread(false);
+    load("a.swf", test::movingVeils());
+    m_control.grab(); // one that nobody looks at has no size yet
+    QTest::qWait(700);
+    ASSERT_TRUE(m_control.Playing());
+    const auto alone = threads();
+    ASSERT_GT(alone, 0);
+    m_control.setSecondThread(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return threads() == alone + 1; }, 10000));
+    m_control.setSecondThread(false);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return threads() == alone; }, 10000));
 }
 
 } // namespace flash
