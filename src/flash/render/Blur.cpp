@@ -13,17 +13,20 @@ namespace
 
 constexpr double kMaxExtent = 4096;
 
+// The genuine player keeps five bits of an extent below its highest one, and cuts the others: whole 32nds of
+// a pixel below two, quarters from eight on. Recordings show that up to ten pixels; whole ones are kept.
+double cutExtent(double extent)
+{
+    constexpr double kSlack = 1e-9; // for what products leave of whole numbers
+    const double step = std::min(std::exp2(std::floor(std::log2(extent)) - 5), 1.0);
+    return std::floor(extent / step + kSlack) * step;
+}
+
 // A box as whole pixels to either side of the middle one and the part, of 256, of the next one.
 struct Box {
-    // Extents are whole 32nds of a pixel, those between cut down.
-    static std::uint32_t partOf(double fraction)
-    {
-        constexpr int kSteps = 64;
-        constexpr double kSlack = 1e-9; // for what products leave of whole numbers
-        return static_cast<std::uint32_t>(fraction * kSteps + kSlack) * (256 / kSteps);
-    }
     explicit Box(double extent)
-        : whole(static_cast<int>((extent - 1) / 2)), part(partOf((extent - 1) / 2 - whole)),
+        : whole(static_cast<int>((extent - 1) / 2)),
+          part(static_cast<std::uint32_t>(((extent - 1) / 2 - whole) * 256)),
           factor(1.0F / static_cast<float>(256 * (2 * whole + 1) + 2 * static_cast<int>(part)))
     {
     }
@@ -112,7 +115,7 @@ void boxBlur(Plane& plane, double extentX, double extentY, int passes)
 {
     if (plane.bytes.empty()) return;
     passes = blurPasses(passes);
-    const Box across(blurExtent(extentX)), down(blurExtent(extentY));
+    const Box across(cutExtent(blurExtent(extentX))), down(cutExtent(blurExtent(extentY)));
     Plane other{plane.width, plane.height, plane.channels, std::vector<std::uint8_t>(plane.bytes.size())};
     constexpr std::size_t kBytesPerStep = 512;
     for (int pass = 0; pass < passes; ++pass) {

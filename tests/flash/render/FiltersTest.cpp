@@ -51,7 +51,7 @@ TEST(Filters, BlurIsTheMeanOfABoxOfAnyExtent)
     struct Case {
         double x, y;
     };
-    for (const Case c : {Case{3, 5}, Case{4, 4}, Case{2.5, 1}, Case{1, 6.3}, Case{20, 20}}) {
+    for (const Case c : {Case{3, 5}, Case{4, 4}, Case{2.5, 1}, Case{1, 6.25}, Case{20, 20}}) {
         Surface surface = dots(17, 15);
         std::vector<double> expected[4];
         for (int channel = 0; channel < 4; ++channel)
@@ -65,6 +65,25 @@ TEST(Filters, BlurIsTheMeanOfABoxOfAnyExtent)
                                 expected[channel][static_cast<std::size_t>(y * 17 + x)], 1.3)
                         << c.x << "x" << c.y << " at " << x << "," << y;
     }
+}
+
+TEST(Filters, BlurTakesExtentsMoreRoughlyTheLargerTheyAre)
+{
+    const auto edge = [](double extent) {
+        Surface surface(40, 1);
+        std::fill(surface.row(0) + 20, surface.row(0) + 40, kWhite);
+        applyFilter(swf::BlurFilter{extent, 1, 1}, surface.view());
+        return std::vector<std::uint32_t>(surface.row(0), surface.row(0) + 40);
+    };
+    EXPECT_EQ(edge(9.2), edge(9));
+    EXPECT_EQ(edge(9.4), edge(9.25));
+    EXPECT_NE(edge(9.25), edge(9));
+    EXPECT_EQ(edge(5.1), edge(5));
+    EXPECT_EQ(edge(5.2), edge(5.125));
+    EXPECT_NE(edge(5.2), edge(5));
+    EXPECT_NE(edge(3.1), edge(3));
+    EXPECT_EQ(edge(101), edge(101.9));
+    EXPECT_NE(edge(101), edge(103));
 }
 
 TEST(Filters, BlurOfManyPassesStaysWithinItsGrowth)
