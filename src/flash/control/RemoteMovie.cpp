@@ -380,7 +380,8 @@ void RemoteMovie::drawUnseen()
     send(seen);
     sync();
     waitFor([id = m_lastSync, this] { return m_doneSync == id; }, kUnseenMs);
-    send(settings);
+    // Unless the host has others meanwhile.
+    if (m_settings == seen) send(settings);
 }
 
 void RemoteMovie::paint(QPainter& painter, const QRegion& region, double deviceScale)
