@@ -40,7 +40,9 @@ public:
     [[nodiscard]] virtual double kerning(char32_t left, char32_t right) const = 0;
     /// Whether its letters stand on whole pixels, as the machine's do in text fields.
     [[nodiscard]] virtual bool standsOnPixels() const { return false; }
-    /// A character as the font's own instructions shape it at a size in pixels. Units are 1024ths of a pixel.
+    /// Of what shapedAt() gives, in pixels.
+    static constexpr double kShapedUnit = 1.0 / 1024;
+    /// A character as the font's own instructions shape it at a size in pixels. Units are kShapedUnit.
     /// @returns null where the font has none; lives as long as the face
     [[nodiscard]] virtual const FaceGlyph* shapedAt(char32_t, int /*pixels*/) const { return nullptr; }
     /// Whether a character is the font's own, and not another one's that stands in.

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstring>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace flash::render
@@ -21,7 +22,8 @@ namespace flash::render
 namespace
 {
 
-constexpr std::int32_t kUnitsPerStep = 16; // FreeType counts in 64ths of a pixel
+// FreeType counts in 64ths of a pixel.
+constexpr auto kUnitsPerStep = static_cast<std::int32_t>(1 / (64 * FontFace::kShapedUnit));
 
 /// Into how many lines a curve is cut: as few as the recorded letters show.
 /// @param bend how far its control point is from where a line would have it, twice, in 64ths of a pixel
@@ -183,16 +185,16 @@ private:
     FT_Face m_face = nullptr;
 };
 
-HintedFont::HintedFont(const QRawFont& font)
-{
-    if (!font.isValid()) return;
-    if (QByteArray file = fileOf(font); !file.isEmpty()) m_engine = std::make_unique<Engine>(std::move(file));
-}
+HintedFont::HintedFont(QRawFont font) : m_font(std::move(font)) {}
 
 HintedFont::~HintedFont() = default;
 
 const FaceGlyph* HintedFont::glyph(quint32 index, int pixels)
 {
+    if (!std::exchange(m_isRead, true) && m_font.isValid()) {
+        if (QByteArray file = fileOf(m_font); !file.isEmpty())
+            m_engine = std::make_unique<Engine>(std::move(file));
+    }
     if (m_engine == nullptr) return nullptr;
     const auto known = m_glyphs.find({index, pixels});
     if (known != m_glyphs.end()) return &known->second;

@@ -16,19 +16,19 @@ namespace flash::render
 class HintedFont
 {
 public:
-    /// One unit of what comes out, in pixels.
-    static constexpr double kUnit = 1.0 / 1024;
-
-    explicit HintedFont(const QRawFont& font);
+    explicit HintedFont(QRawFont font);
     ~HintedFont();
     HintedFont(const HintedFont&) = delete;
     HintedFont& operator=(const HintedFont&) = delete;
 
+    /// The first call reads the font. What comes out is counted in FontFace::kShapedUnit.
     /// @returns null when the font has no instructions, or they fail; lives as long as this
     const FaceGlyph* glyph(quint32 index, int pixels);
 
 private:
     class Engine;
+    QRawFont m_font;
+    bool m_isRead = false;
     std::unique_ptr<Engine> m_engine; ///< null where there is nothing to do
     std::map<std::pair<quint32, int>, FaceGlyph> m_glyphs;
 };

@@ -119,7 +119,7 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
 /// no spacing takes all of their room.
 double LayoutBuilder::advanceOf(const Cell& cell, const Font& font, double spacing)
 {
-    constexpr double kShapedUnit = swf::kTwipsPerPixel / 1024.0;
+    constexpr double kShapedUnit = swf::kTwipsPerPixel * FontFace::kShapedUnit;
     const double own =
         cell.shaped != nullptr ? cell.shaped->advance * kShapedUnit : cell.glyph->advance * font.scale;
     if (!font.face->standsOnPixels()) return std::trunc(own) + spacing;

@@ -29,7 +29,7 @@ swf::Matrix glyphMatrix(const swf::Matrix& toDevice, const LayoutGlyph& glyph, d
 /// Where pixels are the stage's, letters that are shaped for pixels stand on them.
 GlyphPlacement placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice, double baseline)
 {
-    constexpr double kTolerance = 1e-6, kShapedUnit = 1.0 / 1024;
+    constexpr double kTolerance = 1e-6, kUnit = FontFace::kShapedUnit;
     const auto isUnscaled = [](double value) {
         return std::abs(value * swf::kTwipsPerPixel - 1) < kTolerance;
     };
@@ -37,7 +37,7 @@ GlyphPlacement placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice
         toDevice.b == 0 && toDevice.c == 0 && isUnscaled(toDevice.a) && isUnscaled(toDevice.d);
     if (glyph.shaped == nullptr || !isPlain) return {glyph.outline, glyphMatrix(toDevice, glyph, baseline)};
     const swf::Point at = toDevice.map(glyph.x, baseline);
-    return {glyph.shaped, {kShapedUnit, 0, 0, kShapedUnit, std::round(at.x), std::round(at.y)}};
+    return {glyph.shaped, {kUnit, 0, 0, kUnit, std::round(at.x), std::round(at.y)}};
 }
 
 } // namespace

@@ -80,7 +80,8 @@ struct LayoutGlyph {
     double advance = 0;     ///< to the next one: justification, spacing and kerning included
     double scale = 0;       ///< face units to twips
     std::shared_ptr<const swf::Shape> outline; ///< null for what is not seen
-    /// As its font shapes it for the pixels of a stage that is not scaled, in 1024ths of one; may be null.
+    /// As its font shapes it for the pixels of a stage that is not scaled, in FontFace::kShapedUnit; may be
+    /// null.
     std::shared_ptr<const swf::Shape> shaped = nullptr;
 };
 
