@@ -109,7 +109,7 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
             if (cell.glyph != nullptr) cell.advance = advanceOf(cell, font, style.letterSpacing);
             if (style.kerning && !m_cells.empty() && m_cells.back().run == cell.run)
                 m_cells.back().advance +=
-                    font.face->kerning(m_cells.back().character, cell.character) * font.scale;
+                    std::floor(font.face->kerning(m_cells.back().character, cell.character) * font.scale);
         }
         m_cells.push_back(cell);
     }
