@@ -177,13 +177,24 @@ void Canvas::invertRect(const swf::Rect& twips, const swf::Matrix& toDevice)
 {
     if (twips.isEmpty() || !isUsable(toDevice)) return;
     if (m_recording) return m_recording->add([=](Canvas& to) { to.invertRect(twips, toDevice); });
-    const swf::Point a = toDevice.map(twips.xMin, twips.yMin), b = toDevice.map(twips.xMax, twips.yMax);
     // At least a pixel wide, so that a thin caret does not vanish between two.
-    const auto left = static_cast<int>(std::lround(std::clamp(std::min(a.x, b.x), -1e8, 1e8)));
+    if (!Impl::isSquare(toDevice)) {
+        swf::Rect line = twips;
+        const double pixel = std::ceil(1 / std::hypot(toDevice.a, toDevice.b));
+        line.xMax = std::max(line.xMax, line.xMin + static_cast<std::int32_t>(std::min(pixel, 1e6)));
+        beginLayer(deviceBounds(line, toDevice));
+        fillRect(line, toDevice, {255, 255, 255, 255});
+        endLayer(swf::BlendMode::Invert);
+        return;
+    }
+    const swf::Point a = toDevice.map(twips.xMin, twips.yMin), b = toDevice.map(twips.xMax, twips.yMax);
+    // As recorded, halves of a pixel count to the left.
+    constexpr double kNothing = 1e-3;
+    const auto left = static_cast<int>(std::floor(std::clamp(std::min(a.x, b.x), -1e8, 1e8) + kNothing));
     const auto top = static_cast<int>(std::lround(std::clamp(std::min(a.y, b.y), -1e8, 1e8)));
-    const auto right = static_cast<int>(std::lround(std::clamp(std::max(a.x, b.x), -1e8, 1e8)));
+    const auto width = static_cast<int>(std::lround(std::clamp(std::abs(b.x - a.x), 1.0, 1e8)));
     const auto bottom = static_cast<int>(std::lround(std::clamp(std::max(a.y, b.y), -1e8, 1e8)));
-    m_impl->invertRect({left, top, std::max(right, left + 1), std::max(bottom, top + 1)});
+    m_impl->invertRect({left, top, left + width, std::max(bottom, top + 1)});
 }
 
 std::unique_ptr<Canvas> Canvas::companion(SurfaceView target) const

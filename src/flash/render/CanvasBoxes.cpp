@@ -18,13 +18,18 @@ void Canvas::Impl::fillPolygon(std::span<const swf::Point> corners, swf::Rgba co
     m_drawer.polygon(destination(), corners);
 }
 
-std::optional<IntRect> Canvas::Impl::snappedBox(const swf::Rect& twips, const swf::Matrix& m)
+bool Canvas::Impl::isSquare(const swf::Matrix& m)
 {
     // What sines and cosines leave of right angles.
     constexpr double kNothing = 1e-6;
     const bool straight = std::abs(m.b) < kNothing && std::abs(m.c) < kNothing;
     const bool turned = std::abs(m.a) < kNothing && std::abs(m.d) < kNothing;
-    if (!straight && !turned) return {};
+    return straight || turned;
+}
+
+std::optional<IntRect> Canvas::Impl::snappedBox(const swf::Rect& twips, const swf::Matrix& m)
+{
+    if (!isSquare(m)) return {};
     const swf::Point a = m.map(twips.xMin, twips.yMin), b = m.map(twips.xMax, twips.yMax);
     // Place and size are rounded each by itself, so that a field keeps its size wherever it stands; halves go
     // to the even number.

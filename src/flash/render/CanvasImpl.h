@@ -63,6 +63,8 @@ public:
     void strokeRect(const swf::Rect& twips, const swf::Matrix& toDevice, swf::Rgba color, LastCorner corner);
     void invertRect(const IntRect& rect);
     void fillDeviceRect(const IntRect& rect, swf::Rgba color);
+    /// Rectangles stay upright on the device.
+    [[nodiscard]] static bool isSquare(const swf::Matrix& m);
     /// Nothing unless the rectangle is upright on the device.
     [[nodiscard]] static std::optional<IntRect> snappedBox(const swf::Rect& twips, const swf::Matrix& m);
     [[nodiscard]] bool buildsMask()

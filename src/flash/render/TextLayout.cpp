@@ -117,18 +117,21 @@ swf::Rect TextLayout::characterRect(std::size_t index) const
             if (index >= glyph.index && index < glyph.index + glyph.length)
                 return rect(glyph.x, line.top, glyph.x + glyph.advance, line.bottom());
         }
-    return {};
+    // What ends a line stands at its end.
+    if (index >= m_length) return {};
+    const Caret end = caret(index);
+    return rect(end.x, end.top, end.x, end.bottom);
 }
 
 void TextLayout::draw(Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color,
-                      const std::optional<Selection>& selection) const
+                      const std::optional<Selection>& selection, std::size_t firstLine) const
 {
     const auto colorOf = [&](const LayoutGlyph& glyph) {
         const bool selected = selection && glyph.index >= selection->begin && glyph.index < selection->end;
         return apply(color, selected ? selection->color : m_runs[glyph.run].style.color);
     };
     std::vector<GlyphPlacement> batch;
-    for (std::size_t l = 0; l < m_lines.size(); ++l) {
+    for (std::size_t l = firstLine; l < m_lines.size(); ++l) {
         const LayoutLine& line = m_lines[l];
         // Glyphs may reach beyond their line by about its height.
         const double margin = line.bottom() - line.top;

@@ -129,18 +129,19 @@ public:
     [[nodiscard]] Caret caret(std::size_t index) const;
     /// A rectangle for each line that characters from `begin` up to `end` lie in.
     [[nodiscard]] std::vector<swf::Rect> rectsOf(std::size_t begin, std::size_t end) const;
-    /// The place and size of one character; empty if it is not laid out.
+    /// The place and size of one character; a line break has no width.
     [[nodiscard]] swf::Rect characterRect(std::size_t index) const;
 
     /// Draws glyphs, underlines and bullets.
     /// @param toDevice of the text's own system
+    /// @param firstLine what stands above it is left out
     /// @param selection these characters are drawn in `selectedColor`; the caller has drawn the ground
     struct Selection {
         std::size_t begin = 0, end = 0;
         swf::Rgba color;
     };
     void draw(Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color = {},
-              const std::optional<Selection>& selection = {}) const;
+              const std::optional<Selection>& selection = {}, std::size_t firstLine = 0) const;
 
 private:
     friend class LayoutBuilder;

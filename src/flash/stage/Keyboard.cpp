@@ -125,8 +125,9 @@ void Keyboard::release(int keyCode, char32_t charCode)
 void Keyboard::type(char32_t character)
 {
     const Stage::InputScope scope(m_stage);
-    Node* focus = m_stage.focus().node();
-    if (!focus || m_taken) return;
+    if (m_stage.focus().node() == nullptr || m_taken) return;
+    // Scripts that hear of it may take it away.
+    const NodePtr focus = m_stage.focus().node()->shared_from_this();
     focus->input(character);
     m_stage.queue().run();
 }
@@ -134,8 +135,8 @@ void Keyboard::type(char32_t character)
 void Keyboard::command(TextCommand command)
 {
     const Stage::InputScope scope(m_stage);
-    Node* focus = m_stage.focus().node();
-    if (!focus) return;
+    if (m_stage.focus().node() == nullptr) return;
+    const NodePtr focus = m_stage.focus().node()->shared_from_this();
     focus->command(command);
     m_stage.queue().run();
 }

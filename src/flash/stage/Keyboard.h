@@ -21,6 +21,8 @@ enum class TextCommand : std::uint8_t {
     MoveRightWord,
     MoveLineStart,
     MoveLineEnd,
+    MovePageUp,
+    MovePageDown,
     MoveDocumentStart,
     MoveDocumentEnd,
     SelectLeft,
@@ -31,6 +33,8 @@ enum class TextCommand : std::uint8_t {
     SelectRightWord,
     SelectLineStart,
     SelectLineEnd,
+    SelectPageUp,
+    SelectPageDown,
     SelectDocumentStart,
     SelectDocumentEnd,
     SelectAll,
@@ -43,6 +47,11 @@ enum class TextCommand : std::uint8_t {
     DeleteWord,
     Enter,
 };
+/// It marks or copies, and leaves the text and its caret alone.
+constexpr bool onlyReads(TextCommand command)
+{
+    return command >= TextCommand::SelectLeft && command <= TextCommand::Copy;
+}
 
 /// The keys of a stage: which are down, and who hears of them.
 class Keyboard

@@ -153,8 +153,20 @@ void Pointer::update()
     m_stage.queue().run();
 }
 
+TextField* Pointer::markedField()
+{
+    Node* focus = m_stage.focus().node();
+    return focus != nullptr ? asField(focus->shared_from_this()) : nullptr;
+}
+
 void Pointer::frameEnded()
 {
+    // Held beyond the edge of a text, the pointer goes on scrolling it.
+    if (TextField* field = m_isDown ? markedField() : nullptr) {
+        const NodePtr keep = field->shared_from_this();
+        field->dragOn(m_position);
+        m_stage.queue().run();
+    }
     if (m_isInside && !m_stage.script().keepsClips()) update();
 }
 
@@ -216,6 +228,7 @@ void Pointer::press(double x, double y, MouseButton button, int clicks)
     if (button == MouseButton::Left || (button == MouseButton::Right && m_stage.focus().hidesAtEveryMove()))
         m_stage.focus().show(false);
     m_stage.keyboard().noteDown(keyOf(button));
+    if (TextField* field = markedField()) field->endDrag();
     if (m_stage.script().keepsClips()) {
         m_isDown = m_isDown || button == MouseButton::Left;
         m_stage.script().pointerPressed(button, clicks);

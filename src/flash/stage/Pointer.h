@@ -89,6 +89,8 @@ private:
     /// What a press of the left button does to a field.
     void pressField(TextField& field, int clicks);
     void followPressedLink(TextField& field);
+    /// The field that has the focus, in which a pressed pointer marks text.
+    TextField* markedField();
     void moveDragged();
     /// A button went from under the pointer; its like may follow before the pointer looks again.
     void noteLost(const Node& node);

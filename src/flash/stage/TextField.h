@@ -86,6 +86,8 @@ public:
 
     // ---- what the user may do ----
     bool readOnly = false, selectable = true, mouseWheelEnabled = true;
+    [[nodiscard]] bool alwaysShowsSelection() const { return m_alwaysShowsSelection; }
+    void setAlwaysShowsSelection(bool on);
     std::optional<int> maxChars;            ///< unlimited when none
     std::optional<std::u16string> restrict; ///< the characters that can be typed, as scripts write them
     [[nodiscard]] bool isInput() const { return !readOnly; }
@@ -137,6 +139,10 @@ public:
     [[nodiscard]] swf::Rect caretOnStage();
     void press(swf::Point stagePoint, int clicks = 1);
     void drag(swf::Point stagePoint);
+    /// A step further where the pointer that was pressed here is held beyond an edge.
+    void dragOn(swf::Point stagePoint);
+    /// What is pressed from now on is something else.
+    void endDrag() { m_isDragged = false; }
     /// Scrolls by the wheel. @returns whether there was anything to scroll
     bool wheel(int lines);
     /// The format of the link at the point; null when there is none. What is being edited has no links.
@@ -258,9 +264,12 @@ private:
     };
     Composition m_composition; ///< stands in the place of what is selected
     std::size_t m_anchor = 0, m_caret = 0;
-    std::size_t m_pressIndex = 0; ///< where the last press was
-    int m_clicks = 1;             ///< of that press
+    std::size_t m_pressIndex = 0;        ///< where the last press was
+    int m_clicks = 1;                    ///< of that press
+    bool m_alwaysShowsSelection = false; ///< without the focus, too
+    bool m_isDragged = false;            ///< since that press
     bool m_caretShown = false, m_hasSelection = false;
+    std::optional<double> m_caretColumn; ///< twips: where up and down go, however short the lines between
     double m_caretSinceMs = 0;
 };
 

@@ -59,11 +59,18 @@ char16_t otherCase(char16_t c)
 
 bool TextField::isFocused() const { return m_stage.focus().node() == this; }
 
+void TextField::setAlwaysShowsSelection(bool on)
+{
+    m_alwaysShowsSelection = on;
+    invalidate();
+}
+
 void TextField::select(std::size_t anchor, std::size_t caret)
 {
     m_anchor = std::min(anchor, m_content.size());
     m_caret = std::min(caret, m_content.size());
     m_hasSelection = isFocused();
+    m_caretColumn.reset();
     m_caretShown = true;
     m_caretSinceMs = m_stage.nowMs();
     invalidate();
@@ -89,7 +96,8 @@ Cursor TextField::cursorAt(swf::Point stagePoint)
 {
     const TextFormat* link = linkAt(stagePoint);
     hover(link ? link->link : 0, m_stage.pointer().isDown());
-    return linkAt(stagePoint) ? Cursor::Hand : Cursor::Text;
+    if (linkAt(stagePoint)) return Cursor::Hand;
+    return selectable || isInput() ? Cursor::Text : Cursor::Arrow;
 }
 
 void TextField::hover(unsigned link, bool pressed)
@@ -189,7 +197,8 @@ void TextField::showCaret()
     m_caretSinceMs = m_stage.nowMs();
     const int line = static_cast<int>(layout().lineOf(m_caret));
     if (line < scroll()) setScroll(line);
-    while (line > bottomScroll() && scroll() < maxScroll()) setScroll(scroll() + 1);
+    // Each step is told to scripts.
+    while (!isRemoved() && line > bottomScroll() && scroll() < maxScroll()) setScroll(scroll() + 1);
     const double x = layout().caret(m_caret).x;
     if (x < hscroll()) setHscroll(x);
     if (x > hscroll() + visibleWidth()) setHscroll(x - visibleWidth());
@@ -243,7 +252,7 @@ std::size_t TextField::verticalTarget(int lines)
     if (line < 0) return 0;
     if (line >= lineCount()) return m_content.size();
     const render::LayoutLine& target = text.lines()[static_cast<std::size_t>(line)];
-    return text.caretAt({text.caret(m_caret).x, (target.top + target.baseline) / 2});
+    return text.caretAt({m_caretColumn.value_or(text.caret(m_caret).x), (target.top + target.baseline) / 2});
 }
 
 void TextField::command(TextCommand command)
@@ -257,8 +266,29 @@ void TextField::command(TextCommand command)
         const bool last = index + 1 == layout().lines().size();
         return last ? line.end : std::max(line.begin, line.end - 1);
     };
-    const auto previous = [&] { return m_caret > 0 ? m_caret - 1 : 0; };
-    const auto next = [&] { return std::min(m_caret + 1, m_content.size()); };
+    const auto page = [&] { return bottomScroll() - scroll() + 1; };
+    // The caret does not stand within a character of two units.
+    const std::u16string& units = m_content.text();
+    const auto isWithinPair = [&](std::size_t index) {
+        return index > 0 && index < units.size() && (units[index] & 0xFC00) == 0xDC00 &&
+               (units[index - 1] & 0xFC00) == 0xD800;
+    };
+    const auto previous = [&] {
+        const std::size_t index = m_caret > 0 ? m_caret - 1 : 0;
+        return isWithinPair(index) ? index - 1 : index;
+    };
+    const auto next = [&] {
+        const std::size_t index = std::min(m_caret + 1, units.size());
+        return isWithinPair(index) ? index + 1 : index;
+    };
+    // Up and down keep to the column that they began in.
+    const auto follow = [&](int lines, bool extends) {
+        const double column = m_caretColumn.value_or(layout().caret(m_caret).x);
+        const std::size_t index = verticalTarget(lines);
+        select(extends ? m_anchor : index, index);
+        m_caretColumn = column;
+        showCaret();
+    };
     const auto moveTo = [&](std::size_t index) {
         select(index, index);
         showCaret();
@@ -270,22 +300,26 @@ void TextField::command(TextCommand command)
     switch (command) {
     case TextCommand::MoveLeft: moveTo(selecting ? begin : previous()); break;
     case TextCommand::MoveRight: moveTo(selecting ? end : next()); break;
-    case TextCommand::MoveUp: moveTo(verticalTarget(-1)); break;
-    case TextCommand::MoveDown: moveTo(verticalTarget(1)); break;
+    case TextCommand::MoveUp: follow(-1, false); break;
+    case TextCommand::MoveDown: follow(1, false); break;
     case TextCommand::MoveLeftWord: moveTo(wordStart(m_caret)); break;
     case TextCommand::MoveRightWord: moveTo(wordEnd(m_caret)); break;
     case TextCommand::MoveLineStart: moveTo(lineEdge(false)); break;
     case TextCommand::MoveLineEnd: moveTo(lineEdge(true)); break;
+    case TextCommand::MovePageUp: follow(-page(), false); break;
+    case TextCommand::MovePageDown: follow(page(), false); break;
     case TextCommand::MoveDocumentStart: moveTo(0); break;
     case TextCommand::MoveDocumentEnd: moveTo(m_content.size()); break;
     case TextCommand::SelectLeft: extendTo(previous()); break;
     case TextCommand::SelectRight: extendTo(next()); break;
-    case TextCommand::SelectUp: extendTo(verticalTarget(-1)); break;
-    case TextCommand::SelectDown: extendTo(verticalTarget(1)); break;
+    case TextCommand::SelectUp: follow(-1, true); break;
+    case TextCommand::SelectDown: follow(1, true); break;
     case TextCommand::SelectLeftWord: extendTo(wordStart(m_caret)); break;
     case TextCommand::SelectRightWord: extendTo(wordEnd(m_caret)); break;
     case TextCommand::SelectLineStart: extendTo(lineEdge(false)); break;
     case TextCommand::SelectLineEnd: extendTo(lineEdge(true)); break;
+    case TextCommand::SelectPageUp: follow(-page(), true); break;
+    case TextCommand::SelectPageDown: follow(page(), true); break;
     case TextCommand::SelectDocumentStart: extendTo(0); break;
     case TextCommand::SelectDocumentEnd: extendTo(m_content.size()); break;
     case TextCommand::SelectAll: select(0, m_content.size()); break;
@@ -328,6 +362,7 @@ std::pair<std::size_t, std::size_t> TextField::unitAround(std::size_t index, int
 void TextField::press(swf::Point stagePoint, int clicks)
 {
     if (!selectable) return;
+    m_isDragged = true;
     m_clicks = clicks;
     m_pressIndex = layout().caretAt(toText(stagePoint));
     const auto [begin, end] = unitAround(m_pressIndex, clicks);
@@ -347,6 +382,16 @@ void TextField::drag(swf::Point stagePoint)
     if (m_clicks < 2 ? index == m_caret : anchor == m_anchor && caret == m_caret) return;
     select(m_clicks < 2 ? m_anchor : anchor, caret);
     showCaret();
+}
+
+void TextField::dragOn(swf::Point stagePoint)
+{
+    if (!m_isDragged) return;
+    const swf::Matrix matrix = toStageAt(stagePoint);
+    if (!matrix.isInvertible()) return;
+    const swf::Point at = matrix.inverted().map(stagePoint);
+    const swf::Rect box = bounds();
+    if (at.x < box.xMin || at.x > box.xMax || at.y < box.yMin || at.y > box.yMax) drag(stagePoint);
 }
 
 bool TextField::wheel(int lines)

@@ -14,7 +14,8 @@ namespace
 {
 
 constexpr char16_t kPasswordCharacter = u'*';
-constexpr swf::Rgba kSelectionGround{0, 0, 0, 255}, kSelectedText{255, 255, 255, 255};
+constexpr swf::Rgba kSelectionGround{0, 0, 0, 255}, kIdleSelectionGround{85, 85, 85, 255},
+    kSelectedText{255, 255, 255, 255};
 
 swf::Matrix translation(swf::Point by) { return {1, 0, 0, 1, by.x, by.y}; }
 
@@ -319,15 +320,21 @@ void TextField::drawText(render::Canvas& canvas, const swf::Matrix& toDevice,
         canvas.endMask();
     }
     std::optional<render::TextLayout::Selection> selected;
-    if (focused && m_anchor != m_caret && !composing) {
+    // Lines that were scrolled away are not drawn, however far their letters reach down.
+    const auto firstLine = static_cast<std::size_t>(std::min(scroll(), maxScroll()));
+    const std::size_t firstSeen = text.lines()[std::min(firstLine, text.lines().size() - 1)].begin;
+    if ((focused || m_alwaysShowsSelection) && m_anchor != m_caret && !composing) {
         selected = {selectionBegin(), selectionEnd(), swf::apply(color, kSelectedText)};
-        for (const swf::Rect& rect : text.rectsOf(selectionBegin(), selectionEnd()))
-            canvas.fillRect(rect, textToDevice, swf::apply(color, kSelectionGround));
+        const swf::Rgba ground = focused ? kSelectionGround : kIdleSelectionGround;
+        for (const swf::Rect& rect : text.rectsOf(std::max(selectionBegin(), firstSeen), selectionEnd()))
+            canvas.fillRect(rect, textToDevice, swf::apply(color, ground));
     }
-    text.draw(canvas, textToDevice, color, selected);
+    text.draw(canvas, textToDevice, color, selected, firstLine);
     if (composing) underline(canvas, textToDevice, color, *composing);
-    if (focused && isInput() && m_caretShown && (composing || m_anchor == m_caret)) {
-        const render::TextLayout::Caret caret = text.caret(composing ? composing->caret : m_caret);
+    const std::size_t caretIndex = composing ? composing->caret : m_caret;
+    if (focused && isInput() && m_caretShown && (composing || m_anchor == m_caret) &&
+        caretIndex >= firstSeen) {
+        const render::TextLayout::Caret caret = text.caret(caretIndex);
         const swf::Rect bar{static_cast<std::int32_t>(std::lround(caret.x)),
                             static_cast<std::int32_t>(std::lround(caret.x + kCaretWidth)),
                             static_cast<std::int32_t>(std::lround(caret.top)),

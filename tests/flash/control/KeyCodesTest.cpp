@@ -47,6 +47,8 @@ TEST(KeyCodes, EditTextAsThePlatformDoes)
     EXPECT_EQ(textCommandOf(copy), stage::TextCommand::Copy);
     const QKeyEvent word(QEvent::KeyPress, Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(textCommandOf(word), stage::TextCommand::SelectLeftWord);
+    const QKeyEvent page(QEvent::KeyPress, Qt::Key_PageDown, Qt::ShiftModifier);
+    EXPECT_EQ(textCommandOf(page), stage::TextCommand::SelectPageDown);
     const QKeyEvent letter(QEvent::KeyPress, Qt::Key_C, Qt::NoModifier, "c");
     EXPECT_FALSE(textCommandOf(letter));
 }

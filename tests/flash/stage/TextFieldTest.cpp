@@ -110,6 +110,11 @@ TEST(TextField, TypesReplacesAndErases)
     f.stage.keyboard().command(TextCommand::Paste);
     EXPECT_EQ(f.field().text(), u"zx");
     EXPECT_EQ(f.script.changes, 6);
+    f.field().setText(u"a\U0001F600b");
+    f.field().select(4, 4);
+    f.stage.keyboard().command(TextCommand::MoveLeft);
+    f.stage.keyboard().command(TextCommand::Backspace);
+    EXPECT_EQ(f.field().text(), u"ab") << "a character of two units goes as one";
 }
 
 TEST(TextField, TakesOnlyWhatItIsToldTo)
@@ -244,6 +249,47 @@ TEST(TextField, ShowsWhatAnInputMethodIsAboutToType)
     const int untouched = caret();
     f.stage.keyboard().compose(u"", 0);
     EXPECT_EQ(caret(), untouched);
+}
+
+TEST(TextField, FollowsThePointerBeyondItsEdges)
+{
+    swf::EditText tall = input("a\nb\nc\nd\ne\nf");
+    tall.multiline = true;
+    Fixture f(tall);
+    f.stage.pointer().press(2, 5);
+    f.stage.pointer().move(2, 50);
+    const int first = f.field().scroll();
+    EXPECT_LT(first, f.field().maxScroll());
+    for (int frame = 0; frame < 5; ++frame) f.stage.advanceFrame();
+    EXPECT_EQ(f.field().scroll(), f.field().maxScroll()) << "held there, it goes on";
+    EXPECT_EQ(f.field().selectionBegin(), 0U);
+    EXPECT_EQ(f.field().selectionEnd(), 10U);
+    f.stage.pointer().release(2, 50);
+    f.field().setScroll(0);
+    f.stage.advanceFrame();
+    EXPECT_EQ(f.field().scroll(), 0) << "let go, it stays";
+}
+
+TEST(TextField, MovesByLinesAndPagesInOneColumn)
+{
+    swf::EditText tall = input("abcd\n\nefgh\nijkl\nmnop\nqrst");
+    tall.multiline = true;
+    Fixture f(tall);
+    TextField& field = f.field();
+    f.stage.focus().set(&field);
+    field.select(3, 3);
+    const auto caretAfter = [&](TextCommand command) {
+        f.stage.keyboard().command(command);
+        return field.caret();
+    };
+    EXPECT_EQ(caretAfter(TextCommand::MoveDown), 5U);
+    EXPECT_EQ(caretAfter(TextCommand::MoveDown), 9U) << "an empty line between does not take the column away";
+    EXPECT_EQ(caretAfter(TextCommand::MovePageDown), 19U) << "two lines are a page here";
+    EXPECT_EQ(field.bottomScroll(), 4);
+    EXPECT_EQ(caretAfter(TextCommand::SelectPageUp), 9U);
+    EXPECT_EQ(field.selectionEnd(), 19U);
+    EXPECT_EQ(caretAfter(TextCommand::MoveLineStart), 6U);
+    EXPECT_EQ(caretAfter(TextCommand::MovePageUp), 0U);
 }
 
 TEST(TextField, ScrollsWithinItsText)

@@ -4,6 +4,7 @@
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/bindings/StyleSheets.h"
 #include "flash/avm2/bindings/TextFormat.h"
+#include "flash/stage/TextHtml.h"
 
 #include <algorithm>
 #include <array>
@@ -32,7 +33,7 @@ public:
         tracer(styleSheet);
     }
     Value styleSheet = Value::null();
-    bool alwaysShowsSelection = false, usesRichClipboard = false;
+    bool usesRichClipboard = false;
     Value interaction;
 };
 
@@ -105,7 +106,13 @@ Value setText(Call& call)
     fieldSelf(call).setText(value);
     return {};
 }
-Value htmlText(Call& call) { return call.vm.string(fieldSelf(call).html()); }
+/// A text that was not set as HTML can be read as such all the same.
+Value htmlText(Call& call)
+{
+    TextField& field = fieldSelf(call);
+    const bool isPlain = !field.isHtml() && stateOf(call).styleSheet.isNull();
+    return call.vm.string(isPlain ? stage::htmlFromContent(field.content()) : field.html());
+}
 Value setHtmlText(Call& call)
 {
     const std::u16string value = textArg(call, 0, "value");
@@ -315,8 +322,8 @@ Value setScrollH(Call& call)
 Value maxScrollH(Call& call) { return std::trunc(fieldSelf(call).maxHscroll() / kTwips); }
 
 constexpr NativeMember kProperties[] = {
-    {"alwaysShowSelection", Kind::Getter, &getState<&FieldState::alwaysShowsSelection>, 0, 0,
-     &setState<&FieldState::alwaysShowsSelection>, "Boolean"},
+    {"alwaysShowSelection", Kind::Getter, &getFlag<&TextField::alwaysShowsSelection>, 0, 0,
+     &setFlag<&TextField::setAlwaysShowsSelection>, "Boolean"},
     {"antiAliasType", Kind::Getter, &antiAlias, 0, 0, &setAntiAlias, "String"},
     {"autoSize", Kind::Getter, &autoSize, 0, 0, &setAutoSize, "String"},
     {"background", Kind::Getter, &getFlag<&TextField::hasBackground>, 0, 0,
