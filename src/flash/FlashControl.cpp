@@ -287,10 +287,14 @@ bool FlashControl::event(QEvent* event)
         return true;
     }
     case QEvent::ShortcutOverride: {
-        // While a text field is typed in, the editing keys are its own.
+        // While a text field is typed in, the editing keys are its own; of a text that one only reads, those
+        // that mark and copy.
         auto* key = static_cast<QKeyEvent*>(event);
         const bool prints = !key->text().isEmpty() && key->text().at(0).isPrint();
-        if (!d->isTyping() || (!prints && !textCommandOf(*key))) break;
+        const auto command = textCommandOf(*key);
+        const bool isOwn =
+            d->isTyping() ? prints || command : command && stage::onlyReads(*command) && d->holdsText();
+        if (!isOwn) break;
         key->accept();
         return true;
     }
@@ -332,7 +336,7 @@ void FlashControl::mousePressEvent(QMouseEvent* event)
     else {
         // What was being composed is typed where it stands, not where the pointer puts the caret.
         if (d->isComposing) QGuiApplication::inputMethod()->commit();
-        d->mouse(event, 1);
+        d->mouse(event, d->clicksOf(*event));
     }
 }
 
@@ -341,7 +345,7 @@ void FlashControl::mouseDoubleClickEvent(QMouseEvent* event)
     if (event->button() == Qt::RightButton)
         event->ignore();
     else
-        d->mouse(event, 2);
+        d->mouse(event, d->clicksOf(*event));
 }
 
 void FlashControl::mouseReleaseEvent(QMouseEvent* event)

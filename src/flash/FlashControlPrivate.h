@@ -17,6 +17,7 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QScreen>
+#include <QStyleHints>
 #include <QTimer>
 #include <QWindow>
 
@@ -33,6 +34,9 @@ inline stage::MouseButton toStage(Qt::MouseButton button)
     if (button == Qt::MiddleButton) return stage::MouseButton::Middle;
     return button == Qt::RightButton ? stage::MouseButton::Right : stage::MouseButton::Left;
 }
+
+/// Movies end lines with carriage returns, and other programs with both; on the clipboard one is a line feed.
+inline QString lineFed(QString text) { return text.replace("\r\n", "\n").replace('\r', '\n'); }
 
 inline Qt::CursorShape toShape(stage::Cursor cursor)
 {
@@ -109,7 +113,8 @@ public:
     }
 
     [[nodiscard]] const control::State& state() const { return port->state(); }
-    [[nodiscard]] bool isTyping() const { return state().typing != 0; }
+    [[nodiscard]] bool holdsText() const { return state().is(control::TextFocus::Held); }
+    [[nodiscard]] bool isTyping() const { return state().is(control::TextFocus::Typed); }
 
     [[nodiscard]] control::Load loadOf(int layer, const QString& url);
     /// Layer 0 in a process of its own, where there is a way to one. What played goes on when it fails.
@@ -138,7 +143,8 @@ public:
         } else if (std::get_if<control::State>(&message) != nullptr) {
             showState();
         } else if (const auto* copied = std::get_if<control::CopyText>(&message)) {
-            if (clipboardAllowed) QGuiApplication::clipboard()->setText(QString::fromStdString(copied->text));
+            if (clipboardAllowed)
+                QGuiApplication::clipboard()->setText(lineFed(QString::fromStdString(copied->text)));
         } else if (std::get_if<control::RanOutOfMemory>(&message) != nullptr) {
             lost(Loss::OutOfMemory);
         } else if (const auto* loaded = std::get_if<control::Loaded>(&message)) {
@@ -201,6 +207,10 @@ public:
         showPointer();
         if (isTyping() != q.testAttribute(Qt::WA_InputMethodEnabled))
             q.setAttribute(Qt::WA_InputMethodEnabled, isTyping());
+        const Qt::InputMethodHints secret =
+            Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText;
+        const auto hints = isTyping() && state().is(control::TextFocus::Secret) ? secret : Qt::ImhNone;
+        if (hints != q.inputMethodHints()) q.setInputMethodHints(hints);
         if (!isTyping()) isComposing = false;
         if (const QRect now = caret(); isTyping() && now != toldCaret) {
             toldCaret = now;
@@ -220,7 +230,8 @@ public:
             return {0, static_cast<std::uint8_t>(!timeout || timeout() ? 1 : 0), {}};
         case control::Ask::What::ClipboardText:
             return {0, 1,
-                    clipboardAllowed ? QGuiApplication::clipboard()->text().toStdString() : std::string()};
+                    clipboardAllowed ? lineFed(QGuiApplication::clipboard()->text()).toStdString()
+                                     : std::string()};
         }
         return {};
     }
@@ -364,6 +375,24 @@ public:
         if (std::exchange(menu, 0) != 0) emit q.menuEnded();
     }
 
+    /// How many times in quick succession a button that goes down has been clicked: Qt counts to two.
+    int clicksOf(const QMouseEvent& event)
+    {
+        constexpr int kDouble = 2, kTriple = 3;
+        const QPoint at = event.position().toPoint();
+        if (event.type() == QEvent::MouseButtonDblClick) {
+            doubleClick.start();
+            doubleClickAt = at;
+            return kDouble;
+        }
+        const QStyleHints& hints = *QGuiApplication::styleHints();
+        const bool follows = doubleClick.isValid() && event.button() == Qt::LeftButton &&
+                             doubleClick.elapsed() < hints.mouseDoubleClickInterval() &&
+                             (at - doubleClickAt).manhattanLength() < hints.mouseDoubleClickDistance();
+        doubleClick.invalidate();
+        return follows ? kTriple : 1;
+    }
+
     void mouse(QMouseEvent* event, int clicks)
     {
         using Kind = control::Mouse::Kind;
@@ -381,6 +410,8 @@ public:
     std::unique_ptr<control::MoviePort> port;
     bool isRemote = false, loading = false, waits = true;
     bool isComposing = false; // an input method, within the movie
+    QElapsedTimer doubleClick;
+    QPoint doubleClickAt;
     QRect toldCaret;
     bool hasLost = false; // the movie, and the host is about to be told
     control::Settings settings;

@@ -209,26 +209,34 @@ struct Loaded {
     std::string error; ///< English, for the log
     auto fields() { return std::tie(id, done, error); }
 };
+/// What the text that has the keyboard is to the user; bits.
+enum class TextFocus : std::uint8_t {
+    Held = 1,   ///< it can be marked and copied
+    Typed = 2,  ///< one types into it
+    Secret = 4, ///< and nobody is to see what
+};
 /// What the window shows or is asked for at any time; sent when it has changed.
 struct State {
-    std::uint8_t open = 0, playing = 0, listensToKeys = 0, typing = 0;
+    std::uint8_t open = 0, playing = 0, listensToKeys = 0;
+    std::uint8_t text = 0;   ///< bits of TextFocus; 0: no text has the focus
     std::uint8_t cursor = 0; ///< as stage::Cursor
     std::int32_t frame = -1, totalFrames = 0;
     std::int32_t width = 0, height = 0; ///< of the movie, pixels
     double frameRate = 0;
     std::uint32_t background = 0xFFFFFF;
     std::uint8_t silent = 1;
-    /// While `typing`: the caret, device pixels of the view.
+    /// While a text has the focus: the caret, device pixels of the view.
     std::int32_t caretLeft = 0, caretTop = 0, caretHeight = 0;
     /// Instead of `cursor`, unless empty: a pointer that the movie has made, as ownPointer() reads it.
     std::uint8_t pointerWidth = 0, pointerHeight = 0, pointerX = 0, pointerY = 0;
     std::string pointerPixels; ///< four bytes each: blue first, times opacity; rows from the top
     auto fields()
     {
-        return std::tie(open, playing, listensToKeys, typing, cursor, frame, totalFrames, width, height,
+        return std::tie(open, playing, listensToKeys, text, cursor, frame, totalFrames, width, height,
                         frameRate, background, silent, caretLeft, caretTop, caretHeight, pointerWidth,
                         pointerHeight, pointerX, pointerY, pointerPixels);
     }
+    [[nodiscard]] bool is(TextFocus what) const { return (text & static_cast<std::uint8_t>(what)) != 0; }
     friend bool operator==(const State&, const State&) = default;
 };
 struct Value {

@@ -270,7 +270,7 @@ void MovieRunner::act(const Key& key)
             return;
         }
         stage.keyboard().press(key.code, key.character);
-        if (!isTyping()) return;
+        if (focusedField() == nullptr) return;
         if (key.command >= 0 && key.command <= static_cast<int>(stage::TextCommand::Enter))
             stage.keyboard().command(static_cast<stage::TextCommand>(key.command));
         else
@@ -343,10 +343,11 @@ void MovieRunner::say(FromMovie message)
     if (++m_saidInDrive <= kMaxMessagesPerDrive || !m_busy) m_output.say(std::move(message));
 }
 
-bool MovieRunner::isTyping()
+stage::TextField* MovieRunner::focusedField()
 {
-    const stage::Node* focus = m_engine.stage().focus().node();
-    return focus != nullptr && focus->kind() == stage::NodeKind::TextField;
+    stage::Node* focus = m_engine.stage().focus().node();
+    const bool is = focus != nullptr && focus->kind() == stage::NodeKind::TextField;
+    return is ? static_cast<stage::TextField*>(focus) : nullptr;
 }
 
 void MovieRunner::tellState()
@@ -363,10 +364,12 @@ void MovieRunner::tellState()
         now.open = 1;
         now.playing = stage.isPlaying() ? 1 : 0;
         now.listensToKeys = stage.keyboard().isHeard() ? 1 : 0;
-        now.typing = isTyping() ? 1 : 0;
-        if (now.typing != 0) {
-            auto& field = static_cast<stage::TextField&>(*stage.focus().node());
-            const render::IntRect caret = render::deviceBounds(field.caretOnStage(), stage.view().matrix());
+        if (stage::TextField* field = focusedField()) {
+            const auto note = [&now](TextFocus what) { now.text |= static_cast<std::uint8_t>(what); };
+            note(TextFocus::Held);
+            if (field->isInput()) note(TextFocus::Typed);
+            if (field->isPassword()) note(TextFocus::Secret);
+            const render::IntRect caret = render::deviceBounds(field->caretOnStage(), stage.view().matrix());
             now.caretLeft = caret.left;
             now.caretTop = caret.top;
             now.caretHeight = caret.height();

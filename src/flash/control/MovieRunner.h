@@ -12,6 +12,10 @@
 #include <vector>
 
 class QImage;
+namespace flash::stage
+{
+class TextField;
+}
 
 namespace flash::control
 {
@@ -109,7 +113,8 @@ private:
     void act(const SoundDevice&) {}
 
     void type(const std::u32string& text);
-    [[nodiscard]] bool isTyping();
+    /// @returns null when something else has the focus, or nothing
+    [[nodiscard]] stage::TextField* focusedField();
     [[nodiscard]] double inStepWithSound(double elapsedMs, SoundClock device);
     void applyQuality();
     void adaptQuality(double elapsedMs);

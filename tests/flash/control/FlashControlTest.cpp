@@ -4,10 +4,12 @@
 #include "StandInOutput.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QElapsedTimer>
 #include <QImage>
 #include <QInputMethodEvent>
 #include <QPaintEvent>
+#include <QStyleHints>
 #include <QTest>
 
 #include <atomic>
@@ -398,6 +400,67 @@ TEST(FlashControl, LetsInputMethodsTypeIntoTheMovie)
     send({}, QString::fromUtf8("\u00E9\u0436"));
     EXPECT_EQ(control.GetVariable("v"), QString::fromUtf8("\u00E9\u0436"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return caret().left() > empty.left(); }));
+}
+
+TEST(FlashControl, LeavesTheKeysThatAMovieDoesNotTypeToItsHost)
+{
+    constexpr std::uint8_t kReadOnly = 0x08, kPassword = 0x10;
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(100, 80);
+    control.show();
+    const auto takes = [&control](Qt::Key key, Qt::KeyboardModifiers modifiers, const QString& text) {
+        QKeyEvent event(QEvent::ShortcutOverride, key, modifiers, text);
+        event.ignore();
+        QCoreApplication::sendEvent(&control, &event);
+        return event.isAccepted();
+    };
+    const auto copies = [&] { return takes(Qt::Key_C, Qt::ControlModifier, "\3"); };
+    const auto types = [&] { return takes(Qt::Key_C, {}, "c"); };
+    const auto click = [&control](const QString& file) {
+        ASSERT_TRUE(control.LoadMovie(0, file));
+        QTest::mouseClick(&control, Qt::LeftButton, {}, {20, 20});
+    };
+    click(folder.write("typed.swf", test::inputField()));
+    EXPECT_TRUE(QTest::qWaitFor(copies));
+    EXPECT_TRUE(types());
+    EXPECT_EQ(control.inputMethodHints(), Qt::ImhNone);
+    click(folder.write("read.swf", test::inputField(kReadOnly)));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return copies() && !types(); })) << "it can be copied, and no more";
+    EXPECT_FALSE(control.testAttribute(Qt::WA_InputMethodEnabled));
+    click(folder.write("secret.swf", test::inputField(kPassword)));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return control.inputMethodHints().testFlag(Qt::ImhHiddenText); }));
+    EXPECT_TRUE(types());
+}
+
+TEST(FlashControl, CountsClicksToThree)
+{
+    const test::MovieFolder folder;
+    FlashControl control;
+    control.resize(100, 80);
+    control.show();
+    ASSERT_TRUE(control.LoadMovie(0, folder.write("a.swf", test::inputField())));
+    control.SetVariable("v", "ab cd");
+    QGuiApplication::clipboard()->clear();
+    // Far enough apart from the clicks of other tests, and from each other where one begins anew.
+    const auto copied = [&](int clicks) {
+        QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+        const QPointF at(12, 15);
+        for (int i = 0; i < clicks; ++i) {
+            for (const auto type : {i == 1 ? QEvent::MouseButtonDblClick : QEvent::MouseButtonPress,
+                                    QEvent::MouseButtonRelease}) {
+                const bool isHeld = type != QEvent::MouseButtonRelease;
+                QMouseEvent event(type, at, control.mapToGlobal(at), Qt::LeftButton,
+                                  isHeld ? Qt::LeftButton : Qt::NoButton, {});
+                QCoreApplication::sendEvent(&control, &event);
+            }
+        }
+        QTest::keyClick(&control, Qt::Key_C, Qt::ControlModifier);
+        QTest::qWait(100);
+        return QGuiApplication::clipboard()->text();
+    };
+    EXPECT_EQ(copied(2), "ab");
+    EXPECT_EQ(copied(3), "ab cd");
 }
 
 TEST(FlashControl, TakesOnlySoMuchAtOnceFromAMovie)

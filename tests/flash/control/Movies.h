@@ -89,13 +89,14 @@ inline swf::ByteList blank(const swf::ByteList& actions)
 }
 
 /// As blank(), with a field to type into, 80 x 30 pixels, that sets the variable "v".
-inline swf::ByteList inputField()
+/// @param flags the first of the field's two bytes of them
+inline swf::ByteList inputField(std::uint8_t flags = 0)
 {
     using swf::BodyWriter;
     using swf::tag;
     return swf::movieBytes(6,
                            {tag(9, BodyWriter().rgb({128, 128, 128, 255})),
-                            tag(37, BodyWriter().u16(1).rect(0, 1600, 0, 600).u8(0).u8(0x08).text("v")),
+                            tag(37, BodyWriter().u16(1).rect(0, 1600, 0, 600).u8(flags).u8(0x08).text("v")),
                             tag(26, BodyWriter().u8(0b110).u16(1).u16(1).translation(100, 100)),
                             swf::kShowFrame},
                            1);
