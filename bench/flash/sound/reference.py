@@ -77,6 +77,7 @@ class Sound:
         # The player's samples to one of the sound's own.
         self.step = OUT_RATE // self.rate if self.rate in RATES else 1
         self.seconds = min(samples / self.rate, LONGEST)
+        self.per_packet = 0  # samples, of ADPCM in a stream: what fills up a packet's last byte is none
 
     def flv(self):
         out = [b"FLV\x01\x04\x00\x00\x00\x09\x00\x00\x00\x00"]
@@ -121,6 +122,8 @@ def sounds_of(path):
             packets = [b[4:] if is_mp3 else b for b in blocks]
             movie = movie_of([tag(*head)] + frame, rate, max(frame.count(tag(1, b"")), 1))
             found.append(Sound(f"stream of {where}", flags, packets, samples, movie))
+            if flags >> 4 == 1 and len(set(map(len, packets))) == 1:
+                found[-1].per_packet = struct.unpack_from("<H", head[1], 2)[0]
 
     walk(tags_of(body[size + 4:]), "the movie")
     return found
@@ -135,6 +138,12 @@ def reference_of(sound, folder):
                            "-ar", str(sound.rate if sound.step > 1 else OUT_RATE), "-"], capture_output=True)
     samples = array.array("h")
     samples.frombytes(done.stdout[:len(done.stdout) // 4 * 4])
+    decoded = len(samples) // 2 // len(sound.packets)
+    if sound.per_packet and sound.per_packet < decoded:
+        whole = samples
+        samples = array.array("h")
+        for start in range(0, decoded * len(sound.packets), decoded):
+            samples.extend(whole[start * 2:(start + sound.per_packet) * 2])
     return samples[0::2], samples[1::2]
 
 

@@ -145,6 +145,7 @@ private:
     {
         m_nextFrame = m_firstFrame;
         m_produced = 0;
+        m_decoded = 0;
         m_pause = 0;
         m_block.reset();
         m_isFirstBlock = true;
@@ -174,6 +175,7 @@ private:
             const std::uint64_t count = std::min<std::uint64_t>(m_pause, kChunkSamples);
             out.resize(before + count);
             m_pause -= count;
+            m_decoded += static_cast<double>(count);
         } else {
             decodeBlock(*m_block, out);
             m_block.reset();
@@ -215,6 +217,7 @@ private:
             const std::size_t moments = decoder.decode(block.size() * 4, samples);
             const std::size_t extra = std::min({decoder.paddingMoments(), momentsTooMany(moments), moments});
             samples.resize(samples.size() - extra * static_cast<std::size_t>(channels));
+            m_decoded += static_cast<double>(moments - extra) * kMixRate / exactRate(m_head.rate);
             convertSixteenBit(samples, m_head.rate, channels, m_converter, out);
         } else if (m_codec) {
             if (m_head.format == swf::SoundFormat::Mp3) block = startOfMp3Block(block);
@@ -227,7 +230,7 @@ private:
     {
         const double perMoment = kMixRate / exactRate(m_head.rate);
         const double due = static_cast<double>(m_nextFrame - m_firstFrame) * m_perFrame;
-        const double most = static_cast<double>(m_produced) + static_cast<double>(decoded) * perMoment - due;
+        const double most = m_decoded + static_cast<double>(decoded) * perMoment - due;
         return most < perMoment ? 0 : static_cast<std::size_t>(most / perMoment);
     }
 
@@ -251,6 +254,7 @@ private:
     const double m_perFrame;
     std::size_t m_nextFrame = 0;
     std::uint64_t m_produced = 0; // frames at kMixRate, for gaps
+    double m_decoded = 0;         // of ADPCM, as m_produced, with what the converter still holds back
     std::uint64_t m_pause = 0;    // silence that is left before m_block
     std::optional<base::Bytes> m_block;
     bool m_isFirstBlock = true, m_ended = false;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
 namespace flash::sound
 {
@@ -235,35 +236,66 @@ TEST(SoundCache, HandsOutTheSameSamplesToEveryReader)
     EXPECT_EQ(rest[0].left, 15000);
 }
 
+namespace
+{
+
+/// A stream of a block to a frame, 16 bits of one channel. @param samplesOf gives those of a block
+struct AdpcmStream {
+    std::shared_ptr<swf::Movie> movie = std::make_shared<swf::Movie>();
+    swf::Timeline timeline;
+    template <class SamplesOf>
+    AdpcmStream(std::size_t frames, int rate, std::uint16_t perBlock, SamplesOf&& samplesOf)
+    {
+        std::vector<std::size_t> begins;
+        for (std::size_t i = 0; i < frames; ++i) {
+            const auto encoded = test::encodeAdpcm(samplesOf(i), 1, 4);
+            begins.push_back(movie->bytes.size());
+            movie->bytes.insert(movie->bytes.end(), encoded.bytes.begin(), encoded.bytes.end());
+        }
+        begins.push_back(movie->bytes.size());
+        timeline.streamHead = swf::SoundStreamHead{swf::SoundFormat::Adpcm, rate, true, false, perBlock, 0};
+        timeline.frames.resize(frames);
+        for (std::size_t i = 0; i < frames; ++i)
+            timeline.frames[i].tags.emplace_back(swf::SoundStreamBlock{
+                base::Bytes(movie->bytes).subspan(begins[i], begins[i + 1] - begins[i])});
+    }
+};
+
+} // namespace
+
 TEST(Streams, OfAdpcmDoNotDriftByWhatFillsUpTheirBytes)
 {
     // 918.75 samples of four bits to a frame; blocks of 918 end in half a byte, which is not a sample.
     constexpr int kFrames = 1200, kRate = 11025, kFramesPerSecond = 12;
-    auto movie = std::make_shared<swf::Movie>();
-    std::vector<std::size_t> begins;
     long done = 0;
-    for (int i = 0; i < kFrames; ++i) {
-        const long end = std::lround((i + 1) * (kRate + 0.0) / kFramesPerSecond);
-        const std::vector<std::int16_t> samples(static_cast<std::size_t>(end - done), 1000);
-        done = end;
-        const auto encoded = test::encodeAdpcm(samples, 1, 4);
-        begins.push_back(movie->bytes.size());
-        movie->bytes.insert(movie->bytes.end(), encoded.bytes.begin(), encoded.bytes.end());
-    }
-    begins.push_back(movie->bytes.size());
-    swf::Timeline timeline;
-    timeline.streamHead = swf::SoundStreamHead{swf::SoundFormat::Adpcm, kRate, true, false, 919, 0};
-    timeline.frames.resize(kFrames);
-    for (std::size_t i = 0; i < kFrames; ++i)
-        timeline.frames[i].tags.emplace_back(
-            swf::SoundStreamBlock{base::Bytes(movie->bytes).subspan(begins[i], begins[i + 1] - begins[i])});
-    const auto source = openStream(movie, timeline, 0, kFramesPerSecond);
+    const AdpcmStream stream(kFrames, kRate, 919, [&](std::size_t i) {
+        const long end = std::lround((static_cast<double>(i) + 1) * kRate / kFramesPerSecond);
+        return std::vector<std::int16_t>(static_cast<std::size_t>(end - std::exchange(done, end)), 1000);
+    });
+    const auto source = openStream(stream.movie, stream.timeline, 0, kFramesPerSecond);
     ASSERT_NE(source, nullptr);
     std::vector<StereoFrame> out(4096);
     long heard = 0;
     while (const std::size_t count = source->read(out)) heard += static_cast<long>(count);
     EXPECT_NEAR(static_cast<double>(heard) / kMixRate, kFrames / static_cast<double>(kFramesPerSecond),
                 0.002);
+}
+
+TEST(Streams, OfAdpcmKeepTheirPlaceFromTheFirstBlockOn)
+{
+    // 882 samples of four bits, each block on the other side of silence: it changes there, and nowhere later.
+    constexpr std::size_t kFrames = 40, kSamples = 882, kInMix = 2 * kSamples, kNear = 4;
+    const AdpcmStream stream(kFrames, 22050, kSamples, [](std::size_t i) {
+        return std::vector<std::int16_t>(kSamples, i % 2 == 0 ? 4000 : -4000);
+    });
+    const auto source = openStream(stream.movie, stream.timeline, 0, 25);
+    ASSERT_NE(source, nullptr);
+    const auto heard = readAll(*source);
+    ASSERT_EQ(heard.size(), kFrames * kInMix);
+    for (std::size_t i = 1; i < kFrames; ++i) {
+        EXPECT_EQ(heard[i * kInMix - kNear].left > 0, i % 2 != 0) << "before block " << i;
+        EXPECT_EQ(heard[i * kInMix + kNear].left > 0, i % 2 == 0) << "in block " << i;
+    }
 }
 
 } // namespace flash::sound
