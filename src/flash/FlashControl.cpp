@@ -28,6 +28,24 @@ FlashControl::FlashControl(QWidget* parent) : QWidget(parent), d(std::make_uniqu
 
 FlashControl::~FlashControl() = default;
 
+// ---- what is seen -----------------------------------------------------------------------------------------
+
+void FlashControl::Private::pictureChanged(const QRegion& parts, Painting painting)
+{
+    if (painting == Painting::Later) return q.update(toWidget(parts));
+    const QRegion painted = parts - putDirectly(parts);
+    if (!painted.isEmpty()) q.repaint(toWidget(painted));
+}
+
+QRegion FlashControl::Private::putDirectly(const QRegion& parts)
+{
+    const auto place = direct.placeOf(toWidget(parts));
+    const QRegion free = place ? place->free & parts : QRegion();
+    if (free.isEmpty() || !port->put(place->window->winId(), place->origin, free)) return {};
+    direct.note(toWidget(free));
+    return free;
+}
+
 // ---- loading ----------------------------------------------------------------------------------------------
 
 bool FlashControl::LoadMovie(int layer, const QString& url)

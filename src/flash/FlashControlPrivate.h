@@ -2,6 +2,7 @@
 
 #include "flash/Engine.h"
 #include "flash/FlashControl.h"
+#include "flash/control/DirectPainting.h"
 #include "flash/control/Inbox.h"
 #include "flash/control/LocalMovie.h"
 #include "flash/control/PicturePainting.h"
@@ -218,10 +219,9 @@ public:
         }
     }
 
-    void pictureChanged(const QRegion& parts, Painting painting) override
-    {
-        painting == Painting::Now ? q.repaint(toWidget(parts)) : q.update(toWidget(parts));
-    }
+    void pictureChanged(const QRegion& parts, Painting painting) override;
+    /// @returns which of the parts are shown; the others are to be painted
+    QRegion putDirectly(const QRegion& parts);
 
     control::Answer asked(control::Ask::What what) override
     {
@@ -415,6 +415,7 @@ public:
     QRect toldCaret;
     bool hasLost = false; // the movie, and the host is about to be told
     control::Settings settings;
+    control::DirectPainting direct{q};
     QPointer<QWindow> watched; // the one that the control is in
     bool wasSeen = false;
     QSize viewSize; // device pixels

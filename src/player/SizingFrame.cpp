@@ -37,6 +37,8 @@ SizingFrame::SizingFrame(QWidget& client) : QWidget(&client), m_client(client)
     setObjectName("frmSizing");
     setMouseTracking(true);
     setAttribute(Qt::WA_NoSystemBackground);
+    // There for the mouse alone: what lies below may be painted as if nothing was over it.
+    setUpdatesEnabled(false);
     hide();
     client.installEventFilter(this);
     client.window()->installEventFilter(this);

@@ -3,6 +3,7 @@
 #include "flash/control/Messages.h"
 
 #include <QRegion>
+#include <qwindowdefs.h>
 
 #include <memory>
 #include <optional>
@@ -88,6 +89,11 @@ public:
     virtual void setView(int width, int height, double deviceScale) = 0;
     /// Draws what is to be seen now. @param region of the widget
     virtual void paint(QPainter& painter, const QRegion& region, double deviceScale) = 0;
+    /// Shows parts of the picture past the window's store, where the display can take it from where it is.
+    /// @param origin of the picture in the window, device pixels
+    /// @param parts  of the picture, device pixels
+    /// @returns whether it is shown; paint() does so in any case
+    virtual bool put(WId /*window*/, QPoint /*origin*/, const QRegion& /*parts*/) { return false; }
     virtual void releaseSound() = 0;
     /// Ends what the movie does in this process, for good. One in a process of its own ends with the port.
     virtual void interrupt() {}

@@ -8,7 +8,7 @@ namespace
 
 constexpr std::size_t kBytesPerPixel = 4, kLineAlignment = 64, kOwnersBytes = 64;
 
-std::size_t lineBytes(int width)
+std::size_t paddedLineBytes(int width)
 {
     const std::size_t bytes = static_cast<std::size_t>(width) * kBytesPerPixel;
     return (bytes + kLineAlignment - 1) / kLineAlignment * kLineAlignment;
@@ -21,7 +21,7 @@ base::Result<std::size_t> PictureMemory::sizeBytes(int width, int height)
     if (width <= 0 || height <= 0 || width > kMaxEdge || height > kMaxEdge)
         return base::fail(base::ErrorCode::LimitReached,
                           "pictures of " + std::to_string(width) + " x " + std::to_string(height));
-    return lineBytes(width) * static_cast<std::size_t>(height) * kPictures + kOwnersBytes;
+    return paddedLineBytes(width) * static_cast<std::size_t>(height) * kPictures + kOwnersBytes;
 }
 
 base::Result<PictureMemory> PictureMemory::create(int width, int height)
@@ -46,15 +46,18 @@ base::Result<PictureMemory> PictureMemory::attach(int descriptor, int width, int
 
 QImage PictureMemory::picture(int index, QImage::Format format) const
 {
-    const std::size_t offset = pictureBytes() * static_cast<std::size_t>(index);
-    return {m_memory.bytes().data() + offset, m_width, m_height, static_cast<qsizetype>(lineBytes(m_width)),
-            format};
+    return {m_memory.bytes().data() + offsetBytes(index), m_width, m_height,
+            static_cast<qsizetype>(lineBytes()), format};
 }
 
-std::size_t PictureMemory::pictureBytes() const
+std::size_t PictureMemory::offsetBytes(int index) const
 {
-    return lineBytes(m_width) * static_cast<std::size_t>(m_height);
+    return pictureBytes() * static_cast<std::size_t>(index);
 }
+
+std::size_t PictureMemory::lineBytes() const { return paddedLineBytes(m_width); }
+
+std::size_t PictureMemory::pictureBytes() const { return lineBytes() * static_cast<std::size_t>(m_height); }
 
 // Behind the pixels. The memory begins zeroed, which is valid: nothing is held.
 PictureMemory::Owners& PictureMemory::owners() const

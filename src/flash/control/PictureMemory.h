@@ -31,6 +31,11 @@ public:
     ///               each pixel's alpha
     [[nodiscard]] QImage picture(int index, QImage::Format format) const;
 
+    /// Where a picture begins in the memory, and how far apart its lines are: for those who map it
+    /// themselves.
+    [[nodiscard]] std::size_t offsetBytes(int index) const;
+    [[nodiscard]] std::size_t lineBytes() const;
+
     // Who has a picture stands beside the pixels, so that giving one back wakes nobody up. The window's end
     // reads nothing from there but whether to send a word.
 

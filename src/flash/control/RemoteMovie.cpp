@@ -318,7 +318,9 @@ void RemoteMovie::take(const Picture& picture)
         m_changed |= QRect(part.left, part.top, part.width, part.height);
     }
     if (m_changed.rectCount() > kMaxChangedRects) m_changed = m_changed.boundingRect();
-    if (before >= 0 && before != m_shownIndex && m_pictures.giveBack(before)) send(Release{});
+    if (before < 0 || before == m_shownIndex) return;
+    if (m_display) m_display->finish();
+    if (m_pictures.giveBack(before)) send(Release{});
 }
 
 void RemoteMovie::ended()
@@ -367,6 +369,7 @@ void RemoteMovie::setView(int width, int height, double deviceScale)
     // The picture on the screen stays until the first of the new size comes.
     if (m_shownView == m_view && m_shownIndex >= 0) m_shownPictures = std::move(m_pictures);
     m_pictures = std::move(*pictures);
+    if (m_display) m_display->detach();
     ++m_view;
     send(View{width, height, deviceScale}, m_pictures.descriptor());
 }
@@ -391,6 +394,12 @@ void RemoteMovie::paint(QPainter& painter, const QRegion& region, double deviceS
     if (m_settings.unseen != 0) drawUnseen();
     if (m_shown.isNull()) return;
     paintPicture(painter, m_shown, region, deviceScale);
+}
+
+bool RemoteMovie::put(WId window, QPoint origin, const QRegion& parts)
+{
+    if (!m_display || m_shown.isNull() || m_shownView != m_view) return false;
+    return m_display->put(m_pictures, m_shownIndex, window, origin, parts & m_shown.rect());
 }
 
 void RemoteMovie::followSound()

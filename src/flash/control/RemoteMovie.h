@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/control/Channel.h"
+#include "flash/control/DisplayPut.h"
 #include "flash/control/MoviePort.h"
 #include "flash/control/MovieProcess.h"
 #include "flash/control/PictureMemory.h"
@@ -51,6 +52,7 @@ public:
     }
     void setView(int width, int height, double deviceScale) override;
     void paint(QPainter& painter, const QRegion& region, double deviceScale) override;
+    bool put(WId window, QPoint origin, const QRegion& parts) override;
     void releaseSound() override;
     [[nodiscard]] qint64 processId() const override { return m_process->processId(); }
 
@@ -79,6 +81,7 @@ private:
     // The pictures that are drawn into now, and those that the one on the screen belongs to.
     PictureMemory m_pictures, m_shownPictures;
     QImage m_shown;
+    std::unique_ptr<DisplayPut> m_display = DisplayPut::create();
     QRegion m_changed;   // of it, not told yet
     Settings m_settings; // as the movie was told them last
     int m_shownIndex = -1;

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "flash/control/PictureMemory.h"
+
+#include <QRegion>
+#include <qwindowdefs.h>
+
+#include <memory>
+
+namespace flash::control
+{
+
+/// Has the display server take pictures out of the memory that they were drawn into (X11, MIT-SHM), past the
+/// toolkit's store of the window: nothing is copied here, and nothing waits for the display. What is put goes
+/// over the toolkit's own connection, so that it is in one order with what the toolkit draws.
+class DisplayPut
+{
+public:
+    /// @returns null where windows are not shown by an X11 server of this machine
+    static std::unique_ptr<DisplayPut> create();
+    ~DisplayPut();
+    DisplayPut(const DisplayPut&) = delete;
+    DisplayPut& operator=(const DisplayPut&) = delete;
+
+    /// Shows parts of a picture. The server reads them later: see finish().
+    /// @param pictures the same object until detach()
+    /// @param index    of the picture
+    /// @param window   exposed
+    /// @param origin   of the picture in the window, device pixels
+    /// @param parts    of the picture, device pixels
+    /// @returns false when the server cannot, which is for good; nothing is shown then
+    bool put(const PictureMemory& pictures, int index, WId window, QPoint origin, const QRegion& parts);
+    /// Returns when the server has read all that was put: the pictures may be drawn into.
+    void finish();
+    /// Other pictures are put from now on.
+    void detach();
+
+private:
+    class Private;
+    explicit DisplayPut(std::unique_ptr<Private> made);
+    std::unique_ptr<Private> d;
+};
+
+} // namespace flash::control

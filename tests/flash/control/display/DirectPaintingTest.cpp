@@ -1,0 +1,190 @@
+#include "flash/FlashControl.h"
+
+#include "../Movies.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+#include <QTest>
+
+#include <gtest/gtest.h>
+#include <optional>
+
+// What a movie's window shows past its store, seen on the screen.
+namespace flash
+{
+
+namespace
+{
+
+constexpr QRect kPlace(40, 30, 100, 80); // of the movie in the window
+
+class PaintCount : public QObject
+{
+public:
+    explicit PaintCount(QObject& of) { of.installEventFilter(this); }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+/// Lets through half of what is below.
+class Veil : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), QColor(0, 0, 255, 128)); }
+};
+
+class DirectPainting : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (QGuiApplication::platformName() != "xcb") GTEST_SKIP() << "no X11 display";
+        m_control = new FlashControl(&m_window);
+        m_control->setGeometry(kPlace);
+        m_window.setGeometry(20, 10, 300, 200);
+        m_window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_window));
+        ASSERT_TRUE(m_control->LoadMovie(0, m_folder.write("a.swf", test::movingSquare(5))));
+        ASSERT_TRUE(m_control->hasOwnProcess());
+        playOn();
+    }
+
+    /// Some frames, the last of which holds.
+    void playOn()
+    {
+        m_control->Play();
+        QTest::qWait(100);
+        const int before = m_paints ? m_paints->count : 0;
+        QTest::qWait(500);
+        m_painted = m_paints ? m_paints->count - before : 0;
+        m_control->setSuspended(true);
+        QTest::qWait(100);
+    }
+    void goOn()
+    {
+        m_control->setSuspended(false);
+        playOn();
+    }
+
+    QImage screen(const QRect& part) const
+    {
+        const QRect there = part.translated(m_window.mapToGlobal(QPoint()));
+        return QGuiApplication::primaryScreen()
+            ->grabWindow(0, there.x(), there.y(), there.width(), there.height())
+            .toImage()
+            .convertToFormat(QImage::Format_RGB32);
+    }
+    /// Whether the screen shows what painting the window would.
+    bool isShown()
+    {
+        return QTest::qWaitFor(
+            [this] {
+                const QImage painted = m_window.grab().toImage().convertToFormat(QImage::Format_RGB32);
+                return screen(m_window.rect()) == painted;
+            },
+            2000);
+    }
+
+    test::MovieFolder m_folder;
+    QWidget m_window;
+    FlashControl* m_control = nullptr;
+    std::optional<PaintCount> m_paints;
+    int m_painted = 0;
+};
+
+} // namespace
+
+TEST_F(DirectPainting, PicturesReachTheScreenWithoutAPaintEvent)
+{
+    m_paints.emplace(*m_control);
+    const QImage before = screen(kPlace);
+    for (int round = 0; round < 3; ++round) {
+        goOn();
+        EXPECT_EQ(m_painted, 0);
+        EXPECT_TRUE(isShown());
+    }
+    EXPECT_NE(screen(kPlace), before) << "or else nothing moved";
+}
+
+TEST_F(DirectPainting, WhatLiesOverTheMovieStays)
+{
+    Veil veil(&m_window);
+    veil.setGeometry(kPlace.left() + 30, kPlace.top(), 40, 10);
+    veil.show();
+    goOn();
+    EXPECT_TRUE(isShown());
+    veil.move(kPlace.topLeft());
+    goOn();
+    EXPECT_TRUE(isShown());
+    veil.hide();
+    EXPECT_TRUE(isShown());
+    Veil within(m_control);
+    within.setGeometry(0, 0, 100, 10);
+    within.show();
+    goOn();
+    EXPECT_TRUE(isShown());
+    m_control->setMask(QRegion(0, 0, 50, 80));
+    goOn();
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(DirectPainting, WhatTheStoreMissesIsPaintedBeforeItIsSeen)
+{
+    goOn();
+    {
+        QWidget other(nullptr, Qt::ToolTip);
+        other.setGeometry(QRect(m_window.mapToGlobal(kPlace.topLeft()), QSize(100, 15)));
+        other.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+        goOn();
+    }
+    EXPECT_TRUE(isShown()) << "uncovered";
+    goOn();
+    m_control->move(kPlace.topLeft() + QPoint(35, 25));
+    EXPECT_TRUE(isShown()) << "moved within the window";
+    goOn();
+    m_window.hide();
+    m_window.show();
+    EXPECT_TRUE(isShown()) << "shown again";
+    goOn();
+    m_control->resize(130, 100);
+    EXPECT_TRUE(isShown()) << "of another size";
+    goOn();
+    EXPECT_TRUE(isShown());
+}
+
+TEST_F(DirectPainting, AnotherWindowTakesTheMovieOver)
+{
+    goOn();
+    QWidget other;
+    other.setGeometry(330, 10, 200, 150);
+    other.show();
+    m_control->setParent(&other);
+    m_control->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+    goOn();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            const QPoint at = other.mapToGlobal(QPoint());
+            return QGuiApplication::primaryScreen()
+                       ->grabWindow(0, at.x(), at.y(), other.width(), other.height())
+                       .toImage()
+                       .convertToFormat(QImage::Format_RGB32) ==
+                   other.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        },
+        2000));
+    EXPECT_TRUE(isShown());
+    m_control->setParent(&m_window);
+}
+
+} // namespace flash
