@@ -95,7 +95,7 @@ int Clip::nextHighestDepth() const
     return m_children.empty() ? 0 : std::max(0, m_children.back()->depth() + 1);
 }
 
-void Clip::insert(NodePtr node, int depth)
+void Clip::list(NodePtr node, int depth)
 {
     node->m_parent = this;
     node->m_depth = depth;
@@ -103,9 +103,14 @@ void Clip::insert(NodePtr node, int depth)
     // Should the depth be taken, what comes later lies below.
     const auto at = std::lower_bound(m_children.begin(), m_children.end(), depth,
                                      [](const NodePtr& child, int d) { return child->depth() < d; });
-    Node& inserted = *node;
     m_children.insert(at, std::move(node));
     forgetBounds();
+}
+
+void Clip::insert(NodePtr node, int depth)
+{
+    Node& inserted = *node;
+    list(std::move(node), depth);
     inserted.invalidate();
     if (inserted.clipDepth()) invalidateClipped(inserted, *inserted.clipDepth());
 }

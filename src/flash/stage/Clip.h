@@ -169,7 +169,10 @@ private:
     /// @param isPlacement by the timeline, not by a script
     NodePtr instantiate(const MoviePtr& movie, std::uint16_t characterId, int depth,
                         bool isPlacement = false);
+    void list(NodePtr node, int depth); ///< drawn as it was, as far as the list goes
     void insert(NodePtr node, int depth);
+    /// No layers, and nothing that depends on the order things came in.
+    [[nodiscard]] bool isPlainlyListed() const;
     void take(Node& node); ///< off the list, without any consequence
     void removeAllChildren();
 
@@ -189,6 +192,7 @@ private:
     bool m_begun = false;    ///< its load event has been queued
     bool m_inert = false;    ///< only a button's hit area: runs nothing
     bool m_streaming = false;
+    bool m_asideIsSeen = false; ///< what is taken back from m_aside looks as before
     swf::Rect m_bounds[2];
     bool m_boundsKnown[2] = {false, false};
 };

@@ -4,6 +4,7 @@
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace flash::stage
 {
@@ -296,11 +297,24 @@ void Clip::skipTo(int frame)
     runFrame(frame, Run::Whole);
 }
 
+bool Clip::isPlainlyListed() const
+{
+    for (std::size_t i = 0; i < m_children.size(); ++i) {
+        const Node& child = *m_children[i];
+        if (child.clipDepth() || child.maskee() != nullptr) return false;
+        if (i > 0 && m_children[i - 1]->depth() == child.depth()) return false;
+    }
+    return true;
+}
+
 void Clip::rewindTo(int frame)
 {
     const NodePtr keep = shared_from_this();
     // The list is built anew from the first frame. What stood on it waits aside: an instance whose own
-    // placement comes by again is taken back, the others go in the end.
+    // placement comes by again is taken back, the others go in the end. Movies do so in every frame, to stay
+    // where they are: what looks as before is not drawn again.
+    const bool isPlain = m_asideIsSeen = isPlainlyListed();
+    std::vector<NodePtr> seen;
     for (std::size_t i = 0; i < m_children.size();) {
         const NodePtr child = m_children[i];
         if (!isTimelineDepth(child->depth())) {
@@ -308,12 +322,23 @@ void Clip::rewindTo(int frame)
             continue;
         }
         m_aside.push_back(child);
-        take(*child);
+        if (isPlain) {
+            seen.push_back(child);
+            m_children.erase(m_children.begin() + static_cast<std::ptrdiff_t>(i));
+        } else {
+            take(*child);
+        }
     }
+    forgetBounds();
     for (int at = 0; at < frame; ++at) runFrame(at, Run::ListOnly);
     runFrame(frame, Run::Whole);
     const std::vector<NodePtr> gone = std::move(m_aside);
     m_aside.clear();
+    if (isPlain)
+        for (const NodePtr& node : gone) m_stage.view().noteRemoved(*node, node->m_drawnBounds);
+    // Layers that came meanwhile, or scripts that went elsewhere.
+    if (!std::exchange(m_asideIsSeen, false) || !isPlainlyListed())
+        for (const NodePtr& node : seen) node->invalidate();
     for (const NodePtr& node : gone) {
         if (m_stage.displayList().queueUnload(*node)) {
             node->m_unloading = true;
@@ -333,7 +358,7 @@ NodePtr Clip::takeBack(const swf::PlaceObject& tag, int frame)
     if (found == m_aside.end()) return nullptr;
     const NodePtr node = *found;
     m_aside.erase(found);
-    insert(node, depth);
+    m_asideIsSeen ? list(node, depth) : insert(node, depth);
     // Whatever the placement does not state is as it was at its creation.
     swf::PlaceObject whole = tag;
     if (!whole.matrix) whole.matrix = swf::Matrix{};

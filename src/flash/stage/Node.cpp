@@ -250,6 +250,7 @@ swf::Matrix Node::toStage() const
 
 void Node::invalidate()
 {
+    m_onlyMoved = false;
     if (m_changed || m_removed) return;
     m_changed = true;
     m_stage.view().noteChanged(*this);
@@ -266,6 +267,13 @@ void Node::contentChanged()
 void Node::forgetBounds()
 {
     if (m_parent) m_parent->forgetBounds();
+}
+
+bool Node::cameBack()
+{
+    if (!m_changed || !m_onlyMoved || m_matrix != m_matrixBefore) return false;
+    m_changed = false;
+    return true;
 }
 
 render::IntRect Node::takeChange()

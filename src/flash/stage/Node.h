@@ -214,6 +214,9 @@ public:
     /// The same, and what it shows has other bounds than before.
     void contentChanged();
 
+    /// Whether it was only moved since it was noted, and stands again where it stood: scripts place things in
+    /// several steps, over and over. From now on it counts as unchanged then.
+    [[nodiscard]] bool cameBack();
     /// Where it was drawn last. From now on it counts as drawn nowhere, and as unchanged.
     [[nodiscard]] render::IntRect takeChange();
     /// @param where device pixels that it may have painted
@@ -306,6 +309,8 @@ protected:
     bool m_scriptTransformed = false, m_scaleCached = false;
     std::shared_ptr<std::size_t> m_listed; ///< the stage's count of instances; null once it has left
     bool m_changed = false;                ///< listed by the stage as changed since the last drawing
+    bool m_onlyMoved = false;              ///< while changed: by nothing but its matrix
+    swf::Matrix m_matrixBefore;            ///< while only moved
     /// Frame (index) whose tag placed it; -1 when a script did.
     int m_placedFrame = -1;
     std::uint16_t m_placedId = 0; ///< the character that the tag placed; exchanged ones differ

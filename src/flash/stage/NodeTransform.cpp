@@ -37,9 +37,12 @@ void Node::setMatrix(const swf::Matrix& matrix)
 {
     m_scaleCached = false;
     if (matrix == m_matrix) return;
-    invalidate();
+    if (!m_changed) {
+        invalidate();
+        m_onlyMoved = m_changed;
+        m_matrixBefore = m_matrix;
+    }
     m_matrix = matrix;
-    invalidate();
     if (m_parent) m_parent->forgetBounds();
 }
 

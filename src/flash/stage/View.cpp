@@ -270,6 +270,10 @@ void View::collectDirty()
     collectFocusFrame(view);
     if (!m_drawnOn.empty() && !m_damage->contains(area())) invalidateShowing(m_stage, m_drawnOn);
     m_drawnOn.clear();
+    std::erase_if(m_changedNodes, [](const std::weak_ptr<Node>& entry) {
+        const NodePtr node = entry.lock();
+        return !node || node->cameBack();
+    });
     // What is hidden may go unnoticed, and the content it was part of have other bounds since.
     if (m_changedNodes.empty() && m_damage->isEmpty() && m_drawnPictures->isEmpty()) return;
     // A further box is walked over by all that might show in it.

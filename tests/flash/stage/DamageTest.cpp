@@ -71,14 +71,19 @@ TEST(Damage, CoversAllThatWasAddedWithFewBoxes)
 
 /// A stage and the picture of it.
 struct Shown {
-    Shown()
+    Shown() : Shown(twoSquares()) {}
+    explicit Shown(MovieBuilder movie)
     {
-        MovieBuilder movie(1, 160, 120);
         movie.movie().header.version = 8;
-        movie.square(1, 12, {200, 40, 40, 255});
-        movie.square(2, 30, {40, 160, 60, 160});
         stage.open(movie.take(), "m.swf");
         stage.view().setSize(160, 120);
+    }
+    static MovieBuilder twoSquares()
+    {
+        MovieBuilder movie(1, 160, 120);
+        movie.square(1, 12, {200, 40, 40, 255});
+        movie.square(2, 30, {40, 160, 60, 160});
+        return movie;
     }
     void draw(std::span<const IntRect> boxes)
     {
@@ -285,6 +290,69 @@ TEST(Damage, ThatAClipScrollsCountsForWhatItIsIn)
     EXPECT_EQ(outer->bounds().width(), 100);
     inner->setScrollRect({});
     EXPECT_EQ(outer->bounds().width(), 600);
+}
+
+TEST(Damage, WhatStandsWhereItStoodIsNotDrawnAgain)
+{
+    Shown shown;
+    const NodePtr square = shown.stage.root()->attach(shown.stage.movie(), 1, 0, "square");
+    shown.drawChanges();
+    const auto there = [&] {
+        square->setX(30);
+        square->setScaleX(200);
+    };
+    const auto back = [&] {
+        square->setX(0);
+        square->setScaleX(100);
+    };
+    there();
+    back();
+    EXPECT_TRUE(shown.stage.view().dirtyBoxes().empty());
+    there();
+    EXPECT_FALSE(shown.drawChanges().empty()) << "still noted when it moves later";
+    back();
+    square->setAlpha(50);
+    there();
+    EXPECT_FALSE(shown.drawChanges().empty()) << "it looks another way";
+    back();
+    shown.stage.root()->removeChild(*square);
+    EXPECT_FALSE(shown.drawChanges().empty());
+    const std::vector<std::uint32_t> parts = shown.pixels;
+    shown.drawWhole();
+    EXPECT_EQ(parts, shown.pixels);
+}
+
+TEST(Damage, ALoopOfTheTimelineDrawsOnlyWhatItChanges)
+{
+    MovieBuilder movie(4, 160, 120);
+    movie.square(1, 12, {200, 40, 40, 255});
+    movie.square(2, 30, {40, 160, 60, 160});
+    movie.tag(0, MovieBuilder::placed(1, 1, 0, 0, "stays"));
+    movie.tag(1, MovieBuilder::placed(2, 3, 60, 40, "also"));
+    movie.tag(3, MovieBuilder::placed(2, 2, 100, 80, "comes"));
+    Shown shown(movie);
+    const auto drawn = [&](int frame) {
+        shown.stage.gotoFrame(frame);
+        auto boxes = shown.drawChanges();
+        const std::vector<std::uint32_t> parts = shown.pixels;
+        shown.drawWhole();
+        EXPECT_EQ(parts, shown.pixels) << frame;
+        return boxes;
+    };
+    drawn(2);
+    EXPECT_TRUE(drawn(1).empty()) << "as it was";
+    EXPECT_TRUE(drawn(2).empty());
+    EXPECT_EQ(drawn(3).size(), 1U);
+    const auto back = drawn(1);
+    ASSERT_EQ(back.size(), 1U) << "where something went";
+    EXPECT_EQ(back[0].left, 99) << "with what its smoothed edges may touch";
+    EXPECT_FALSE(drawn(0).empty());
+    drawn(2);
+    shown.stage.root()->childAt(kTimelineDepth + 3)->setX(10);
+    EXPECT_FALSE(drawn(2).empty());
+    shown.stage.root()->childAt(kTimelineDepth + 1)->setClipDepth(kTimelineDepth + 3);
+    drawn(2);
+    EXPECT_FALSE(drawn(1).empty()) << "a layer that the placement does not know of";
 }
 
 TEST(Damage, MasksMayGoRoundInARing)
