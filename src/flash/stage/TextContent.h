@@ -33,6 +33,7 @@ public:
     struct Run {
         std::size_t length = 0;
         TextFormat format;
+        friend bool operator==(const Run&, const Run&) = default;
     };
 
     [[nodiscard]] const std::u16string& text() const { return m_text; }
@@ -55,6 +56,8 @@ public:
     [[nodiscard]] const TextFormat* formatAt(std::size_t index) const;
     /// What the characters have in common; all open when there are none.
     [[nodiscard]] PartialTextFormat common(std::size_t begin, std::size_t end) const;
+
+    friend bool operator==(const TextContent&, const TextContent&) = default;
 
 private:
     /// @returns how many of so many units more it takes

@@ -99,6 +99,15 @@ NodePtr TextField::makeDynamic(Stage& stage, const MoviePtr& movie, const swf::R
 
 void TextField::assign(TextContent content)
 {
+    // Clocks and scores are set in every frame, most often to what they show. A layout that holds is of the
+    // field as it is.
+    const bool isShown = m_layoutValid && !m_wrapChangedFrame && !m_html && m_autoSize == AutoSize::None &&
+                         content == m_content;
+    if (isShown) {
+        m_scrollUnbounded = true;
+        publish();
+        return;
+    }
     m_content = std::move(content);
     textChanged();
 }

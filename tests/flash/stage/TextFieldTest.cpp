@@ -309,6 +309,31 @@ TEST(TextField, ScrollsWithinItsText)
     EXPECT_EQ(field.hscroll(), (220 - 100) * 20);
 }
 
+TEST(TextField, IsNotDrawnAgainForTheTextItShows)
+{
+    swf::EditText counter = input("7");
+    counter.variableName = "v";
+    Fixture f(counter);
+    // Drawn, which lays it out.
+    const auto draw = [&] {
+        static_cast<void>(f.field().maxScroll());
+        static_cast<void>(f.stage.view().dirtyBoxes());
+    };
+    draw();
+    f.script.values["v"] = "elsewhere";
+    f.field().setText(u"7");
+    EXPECT_EQ(f.stage.view().notedChanges(), 0U);
+    EXPECT_EQ(f.script.values["v"], "7") << "all the same";
+    f.field().setText(u"8");
+    EXPECT_EQ(f.stage.view().notedChanges(), 1U);
+    draw();
+    PartialTextFormat red;
+    red.color = swf::Rgba{255, 0, 0, 255};
+    f.field().setNewFormat(red);
+    f.field().setText(u"8");
+    EXPECT_EQ(f.stage.view().notedChanges(), 1U) << "in another colour";
+}
+
 TEST(TextField, FitsItselfToItsText)
 {
     struct Case {
