@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <poll.h>
 #include <unistd.h>
 
@@ -29,6 +30,17 @@ void copyPart(const QImage& from, QImage& to, const QRect& part)
         std::copy_n(reinterpret_cast<const QRgb*>(from.constScanLine(y)) + part.left(), part.width(),
                     reinterpret_cast<QRgb*>(to.scanLine(y)) + part.left());
     }
+}
+
+bool isSamePart(const QImage& a, const QImage& b, const QRect& part)
+{
+    const auto lineBytes = static_cast<std::size_t>(part.width()) * sizeof(QRgb);
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        if (std::memcmp(reinterpret_cast<const QRgb*>(a.constScanLine(y)) + part.left(),
+                        reinterpret_cast<const QRgb*>(b.constScanLine(y)) + part.left(), lineBytes) != 0)
+            return false;
+    }
+    return true;
 }
 
 [[noreturn]] void endWith(FarExit status) { _exit(static_cast<int>(status)); }
@@ -190,6 +202,13 @@ void FarEnd::publishPicture()
             copyPart(m_picture[static_cast<std::size_t>(m_last)], picture, missed);
     }
     m_runner.render(picture, changed);
+    // What scripts set anew in every frame often looks as before: the window need not hear of it.
+    if (m_last >= 0 && m_last != free && std::ranges::all_of(changed, [&](const QRect& part) {
+            return isSamePart(m_picture[static_cast<std::size_t>(m_last)], picture, part & all);
+        })) {
+        m_stale[index] = QRegion();
+        return;
+    }
     for (QRegion& stale : m_stale) {
         stale |= drawn;
         // One that has not been drawn to for long; what it is too much will do no harm.
