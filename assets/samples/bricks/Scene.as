@@ -18,6 +18,7 @@ package bricks
         private var hearts:Shape = new Shape();
         private var shownLives:int = -1;
         private var path:Vector.<Number> = new Vector.<Number>();
+        private var restingFor:int = 0; // frames
         private var sounds:Object = {};
 
         public function Scene(field:Field)
@@ -67,6 +68,15 @@ package bricks
             paddle.x = field.paddleX;
             ball.x = field.ballX;
             ball.y = field.ballY;
+            const last:int = path.length - 2;
+            restingFor = last >= 0 && path[last] == field.ballX && path[last + 1] == field.ballY ? restingFor + 1 : 0;
+            if (restingFor <= 12) drawTrail();
+            sparks.advance(seconds);
+        }
+
+        // Twelve places; a ball that has rested for so long leaves the same over and over.
+        private function drawTrail():void
+        {
             path.push(field.ballX, field.ballY);
             if (path.length > 24) path.splice(0, path.length - 24);
             var g:Graphics = trail.graphics;
@@ -78,7 +88,6 @@ package bricks
                 g.drawCircle(path[i], path[i + 1], Field.RADIUS * share);
                 g.endFill();
             }
-            sparks.advance(seconds);
         }
 
         public function showNumbers(score:int, best:int, lives:int, level:int):void
