@@ -56,12 +56,11 @@ void LayoutBuilder::loadFonts()
             font.scale = metrics.unitsPerEm > 0 ? run.style.size / metrics.unitsPerEm : 0;
             font.ascent = std::trunc(metrics.ascent * font.scale);
             font.descent = std::trunc(metrics.descent * font.scale);
-            const double pixels = run.style.size / swf::kTwipsPerPixel;
-            constexpr double kMostPixels = 100; // so large that pixels no longer matter
-            const bool isWhole = pixels == std::floor(pixels) && pixels >= 1 && pixels <= kMostPixels;
-            if (isWhole && font.face->standsOnPixels()) font.wholePixels = static_cast<int>(pixels);
+            if (font.face->standsOnPixels())
+                font.wholePixels = wholePixels(run.style.size / swf::kTwipsPerPixel).value_or(0);
             font.tabDistance = std::round(kTabDistance * (metrics.ascent + metrics.descent) * font.scale);
         }
+        m_layout.m_faces.push_back(font.face);
         m_runFonts.push_back(std::move(font));
     }
 }
@@ -115,16 +114,14 @@ void LayoutBuilder::readCells(std::size_t begin, std::size_t end)
     }
 }
 
-/// Letters stand on whole twips, as they did where the movie was made; the machine's own on whole pixels, and
-/// no spacing takes all of their room.
+/// Letters stand on whole twips, as they did where the movie was made; the machine's own on whole pixels.
 double LayoutBuilder::advanceOf(const Cell& cell, const Font& font, double spacing)
 {
     constexpr double kShapedUnit = swf::kTwipsPerPixel * FontFace::kShapedUnit;
     const double own =
         cell.shaped != nullptr ? cell.shaped->advance * kShapedUnit : cell.glyph->advance * font.scale;
     if (!font.face->standsOnPixels()) return std::trunc(own) + spacing;
-    const double whole = std::floor(own / swf::kTwipsPerPixel + 0.5) * swf::kTwipsPerPixel;
-    return whole + spacing > 0 ? whole + spacing : whole;
+    return pixelAdvance(own / swf::kTwipsPerPixel, spacing / swf::kTwipsPerPixel) * swf::kTwipsPerPixel;
 }
 
 double LayoutBuilder::tabAdvance(std::size_t run, double x) const
@@ -254,6 +251,7 @@ void LayoutBuilder::addLine(std::size_t first, std::size_t last, const TextStyle
         glyph.index = cell.index;
         glyph.length = cell.length;
         glyph.run = cell.run;
+        glyph.character = cell.character;
         glyph.x = x;
         glyph.advance = cell.advance;
         glyph.scale = m_runFonts[cell.run].scale;

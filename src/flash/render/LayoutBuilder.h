@@ -7,6 +7,13 @@
 namespace flash::render
 {
 
+/// The size in pixels for which letters are shaped; none for one of parts of pixels, or so large that they no
+/// longer matter.
+std::optional<int> wholePixels(double size);
+/// How far apart letters lie that stand on whole pixels, of which no spacing takes all of their room. In
+/// pixels.
+double pixelAdvance(double own, double spacing);
+
 /// Breaks a text into lines. Used once for each layout.
 class LayoutBuilder
 {

@@ -26,27 +26,89 @@ swf::Matrix glyphMatrix(const swf::Matrix& toDevice, const LayoutGlyph& glyph, d
     return toDevice * swf::Matrix{glyph.scale, 0, 0, glyph.scale, glyph.x, baseline};
 }
 
-/// Where pixels are the stage's, letters that are shaped for pixels stand on them.
-GlyphPlacement placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice, double baseline)
+} // namespace
+
+std::optional<int> wholePixels(double size)
 {
-    constexpr double kTolerance = 1e-6, kUnit = FontFace::kShapedUnit;
-    const auto isUnscaled = [](double value) {
-        return std::abs(value * swf::kTwipsPerPixel - 1) < kTolerance;
-    };
-    const bool isPlain =
-        toDevice.b == 0 && toDevice.c == 0 && isUnscaled(toDevice.a) && isUnscaled(toDevice.d);
-    if (glyph.shaped == nullptr || !isPlain) return {glyph.outline, glyphMatrix(toDevice, glyph, baseline)};
-    const swf::Point at = toDevice.map(glyph.x, baseline);
-    return {glyph.shaped, {kUnit, 0, 0, kUnit, std::round(at.x), std::round(at.y)}};
+    constexpr double kMost = 100; // so large that pixels no longer matter
+    constexpr double kTolerance = 1e-6;
+    const double whole = std::round(size);
+    if (std::abs(size - whole) > kTolerance || whole < 1 || whole > kMost) return {};
+    return static_cast<int>(whole);
 }
 
-} // namespace
+double pixelAdvance(double own, double spacing)
+{
+    const double whole = std::floor(own + 0.5);
+    return whole + spacing > 0 ? whole + spacing : whole;
+}
 
 TextLayout::TextLayout(std::u16string_view text, std::vector<TextRun> runs, const TextOptions& options,
                        FontSource& fonts)
     : m_runs(std::move(runs)), m_length(text.size())
 {
     LayoutBuilder(*this, text, options, fonts).build();
+}
+
+/// Where pixels are those that letters are shaped for, these stand on them.
+GlyphPlacement TextLayout::placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice,
+                                       double baseline) const
+{
+    constexpr double kTolerance = 1e-6, kUnit = FontFace::kShapedUnit;
+    const auto fits = [this](double value) { return std::abs(value / m_pixelsPerTwip - 1) < kTolerance; };
+    const bool isPlain = toDevice.b == 0 && toDevice.c == 0 && fits(toDevice.a) && fits(toDevice.d);
+    if (glyph.shaped == nullptr || !isPlain) return {glyph.outline, glyphMatrix(toDevice, glyph, baseline)};
+    const swf::Point at = toDevice.map(glyph.x, baseline);
+    return {glyph.shaped, {kUnit, 0, 0, kUnit, std::round(at.x), std::round(at.y)}};
+}
+
+TextLayout TextLayout::shapedFor(double pixelsPerTwip) const
+{
+    TextLayout fitted = *this;
+    fitted.m_pixelsPerTwip = pixelsPerTwip;
+    for (LayoutLine& line : fitted.m_lines) {
+        const auto glyphs = std::span(fitted.m_glyphs).subspan(line.firstGlyph, line.glyphCount);
+        if (glyphs.empty()) continue;
+        const auto align = m_runs[glyphs.front().run].style.align;
+        double x = glyphs.front().x;
+        for (std::size_t i = 0; i < glyphs.size(); ++i) {
+            LayoutGlyph& glyph = glyphs[i];
+            const double end = glyph.x + glyph.advance;
+            fitted.shape(glyph, i + 1 < glyphs.size() ? &glyphs[i + 1] : nullptr);
+            if (align == swf::EditText::Align::Justify)
+                glyph.advance = end - glyph.x; // its words stand where they fill the line
+            else
+                glyph.x = x;
+            // What comes after a tab stays in its column.
+            if (glyph.character == U'\t') glyph.advance = std::max(end - glyph.x, 0.0);
+            x = glyph.x + glyph.advance;
+        }
+        const LayoutGlyph& last = m_glyphs[line.firstGlyph + line.glyphCount - 1];
+        const double grown = x - (last.x + last.advance);
+        line.width += grown;
+        fitted.m_width = std::max(fitted.m_width, m_width + grown);
+        if (align == swf::EditText::Align::Left || align == swf::EditText::Align::Justify) continue;
+        const double shift = align == swf::EditText::Align::Right ? -grown : -grown / 2;
+        line.x += shift;
+        for (LayoutGlyph& glyph : glyphs) glyph.x += shift;
+    }
+    return fitted;
+}
+
+void TextLayout::shape(LayoutGlyph& glyph, const LayoutGlyph* next) const
+{
+    const TextStyle& style = m_runs[glyph.run].style;
+    const FontFacePtr& face = m_faces[glyph.run];
+    if (face == nullptr || !face->standsOnPixels()) return;
+    const std::optional<int> size = wholePixels(style.size * m_pixelsPerTwip);
+    const FaceGlyph* shaped = size ? face->shapedAt(glyph.character, *size) : nullptr;
+    glyph.shaped = shaped != nullptr ? shaped->outline : nullptr;
+    if (shaped == nullptr) return;
+    const double pixels =
+        pixelAdvance(shaped->advance * FontFace::kShapedUnit, style.letterSpacing * m_pixelsPerTwip);
+    glyph.advance = pixels / m_pixelsPerTwip;
+    if (style.kerning && next != nullptr && next->run == glyph.run)
+        glyph.advance += std::floor(face->kerning(glyph.character, next->character) * glyph.scale);
 }
 
 std::size_t TextLayout::lineOf(std::size_t index) const

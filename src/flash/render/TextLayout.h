@@ -76,12 +76,12 @@ struct LayoutGlyph {
     std::size_t index = 0;  ///< of its character in the text, UTF-16 units
     std::size_t length = 1; ///< UTF-16 units
     std::size_t run = 0;    ///< index into the runs
+    char32_t character = 0; ///< as it is shown
     double x = 0;           ///< of the origin
     double advance = 0;     ///< to the next one: justification, spacing and kerning included
     double scale = 0;       ///< face units to twips
     std::shared_ptr<const swf::Shape> outline; ///< null for what is not seen
-    /// As its font shapes it for the pixels of a stage that is not scaled, in FontFace::kShapedUnit; may be
-    /// null.
+    /// As its font shapes it for the pixels that the layout is for, in FontFace::kShapedUnit; may be null.
     std::shared_ptr<const swf::Shape> shaped = nullptr;
 };
 
@@ -106,6 +106,10 @@ public:
     ///             What they miss has the style of the last run.
     TextLayout(std::u16string_view text, std::vector<TextRun> runs, const TextOptions& options,
                FontSource& fonts);
+
+    /// The same lines for other pixels than those of a stage that is not scaled: letters that stand on pixels
+    /// are shaped for the size that they come to there, and lie as far apart as they do at that size.
+    [[nodiscard]] TextLayout shapedFor(double pixelsPerTwip) const;
 
     [[nodiscard]] const std::vector<LayoutLine>& lines() const { return m_lines; }
     [[nodiscard]] const std::vector<LayoutGlyph>& glyphs() const { return m_glyphs; }
@@ -150,14 +154,20 @@ private:
         LayoutGlyph glyph;
     };
     [[nodiscard]] double xOf(const LayoutLine& line, std::size_t index) const;
+    /// @param next the one behind it in its line, or null
+    void shape(LayoutGlyph& glyph, const LayoutGlyph* next) const;
+    [[nodiscard]] GlyphPlacement placementOf(const LayoutGlyph& glyph, const swf::Matrix& toDevice,
+                                             double baseline) const;
 
     std::vector<TextRun> m_runs;
+    std::vector<FontFacePtr> m_faces; ///< of the runs
     std::vector<LayoutLine> m_lines;
     std::vector<LayoutGlyph> m_glyphs;
     std::vector<Bullet> m_bullets;
     std::vector<swf::Point> m_floats;
     double m_width = 0, m_height = 0;
     std::size_t m_length = 0;
+    double m_pixelsPerTwip = 1.0 / swf::kTwipsPerPixel; ///< where letters are shaped for pixels
 };
 
 } // namespace flash::render

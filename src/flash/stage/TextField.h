@@ -174,6 +174,7 @@ private:
     class Fonts;
     [[nodiscard]] bool isFocused() const;
     [[nodiscard]] render::TextLayout layoutOf(const TextContent& content);
+    [[nodiscard]] const render::TextLayout& layoutFor(double pixelsPerTwip);
     void drawText(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color);
 
     // ---- input methods ----
@@ -248,6 +249,12 @@ private:
 
     render::TextLayout m_layout;
     bool m_layoutValid = false;
+    /// As it was drawn last on pixels that are not the stage's.
+    struct Shaped {
+        double pixelsPerTwip = 0;
+        render::TextLayout layout;
+    };
+    std::optional<Shaped> m_shaped; ///< of m_layout
     bool m_scrollUnbounded = false; ///< the text changed: scrolling may reach beyond its end
     /// Frame in which word wrap was switched: lines are broken anew in the next one only, unless something
     /// else about the text changes before.

@@ -19,6 +19,23 @@ constexpr swf::Rgba kSelectionGround{0, 0, 0, 255}, kIdleSelectionGround{85, 85,
 
 swf::Matrix translation(swf::Point by) { return {1, 0, 0, 1, by.x, by.y}; }
 
+/// Upright, it ends on whole pixels: the grounds of two lines meet without a seam.
+void fillGround(render::Canvas& canvas, const swf::Rect& rect, const swf::Matrix& toDevice, swf::Rgba color)
+{
+    if (toDevice.b != 0 || toDevice.c != 0) {
+        canvas.fillRect(rect, toDevice, color);
+        return;
+    }
+    const auto whole = [](double pixels) {
+        constexpr double kFar = 1e8;
+        return static_cast<std::int32_t>(std::lround(std::clamp(pixels, -kFar, kFar)));
+    };
+    const swf::Point a = toDevice.map(rect.xMin, rect.yMin), b = toDevice.map(rect.xMax, rect.yMax);
+    canvas.fillRect({whole(std::min(a.x, b.x)), whole(std::max(a.x, b.x)), whole(std::min(a.y, b.y)),
+                     whole(std::max(a.y, b.y))},
+                    {}, color);
+}
+
 } // namespace
 
 /// The faces of one field: those of its movie when it embeds fonts, else the machine's.
@@ -70,6 +87,7 @@ const render::TextLayout& TextField::layout()
     m_wrapChangedFrame.reset();
     m_layoutValid = true;
     m_layout = layoutOf(m_content);
+    m_shaped.reset();
     if (m_autoSize != AutoSize::None) fitToText();
     return m_layout;
 }
@@ -296,6 +314,17 @@ void TextField::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
     if (!m_content.isEmpty() || isFocused()) drawText(canvas, toDevice, color);
 }
 
+/// The machine's letters are shaped anew for every size that they come to, and lie as far apart as there.
+const render::TextLayout& TextField::layoutFor(double pixelsPerTwip)
+{
+    constexpr double kTolerance = 1e-6;
+    const render::TextLayout& plain = layout();
+    if (std::abs(pixelsPerTwip * swf::kTwipsPerPixel - 1) < kTolerance) return plain;
+    if (!m_shaped || m_shaped->pixelsPerTwip != pixelsPerTwip)
+        m_shaped = Shaped{pixelsPerTwip, plain.shapedFor(pixelsPerTwip)};
+    return m_shaped->layout;
+}
+
 void TextField::drawText(render::Canvas& canvas, const swf::Matrix& toDevice,
                          const swf::ColorTransform& color)
 {
@@ -303,13 +332,15 @@ void TextField::drawText(render::Canvas& canvas, const swf::Matrix& toDevice,
     const swf::Rect box = bounds();
     std::optional<Composed> composing;
     if (focused && !m_composition.text.empty()) composing = composed();
-    const render::TextLayout& text = composing ? composing->layout : layout();
     swf::Point origin = textOrigin();
     if (composing) origin.x -= composing->shift;
     // The machine's letters keep their proportions: stretched to the side, only their box gets wider.
     swf::Matrix textToDevice = toDevice * translation(origin);
     if (!m_embedFonts && toDevice.b == 0 && toDevice.c == 0)
         textToDevice.a = std::copysign(toDevice.d, toDevice.a);
+    const render::TextLayout& text = composing      ? composing->layout
+                                     : m_embedFonts ? layout()
+                                                    : layoutFor(toDevice.d);
     const bool overflows = origin.x + text.width() > box.xMax || hscroll() > 0 || scroll() > 0 ||
                            origin.y + text.height() > box.yMax || origin.x < box.xMin;
     // As a mask it is as large as its text.
@@ -327,7 +358,7 @@ void TextField::drawText(render::Canvas& canvas, const swf::Matrix& toDevice,
         selected = {selectionBegin(), selectionEnd(), swf::apply(color, kSelectedText)};
         const swf::Rgba ground = focused ? kSelectionGround : kIdleSelectionGround;
         for (const swf::Rect& rect : text.rectsOf(std::max(selectionBegin(), firstSeen), selectionEnd()))
-            canvas.fillRect(rect, textToDevice, swf::apply(color, ground));
+            fillGround(canvas, rect, textToDevice, swf::apply(color, ground));
     }
     text.draw(canvas, textToDevice, color, selected, firstLine);
     if (composing) underline(canvas, textToDevice, color, *composing);

@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 
+#include <array>
 #include <gtest/gtest.h>
 
 namespace flash::render
@@ -252,6 +253,25 @@ TEST(TextLayout, LettersOfTheMachineStandOnPixels)
     EXPECT_EQ(inkOf(moved, 20), 6) << "on whole pixels, wherever its field is";
     layout.draw(large.canvas, {0.1, 0, 0, 0.1, 2, 2});
     EXPECT_GT(inkOf(large, 40), 24) << "not shaped for other pixels than the stage's";
+}
+
+TEST(TextLayout, LettersOfTheMachineAreShapedForTheSizeTheyAreSeenIn)
+{
+    const auto placesOf = [](swf::EditText::Align align) {
+        PixelFonts fonts;
+        TextStyle look = style();
+        look.size = 100;
+        look.align = align;
+        const TextLayout layout(u"asa", {{3, look}}, {.width = 500, .password = {}}, fonts);
+        const TextLayout doubled = layout.shapedFor(0.1);
+        EXPECT_EQ(layout.glyphs()[1].shaped, nullptr) << "of 5 pixels there is none";
+        EXPECT_NE(doubled.glyphs()[1].shaped, nullptr) << "and of 10";
+        EXPECT_EQ(doubled.shapedFor(0.05).glyphs()[1].shaped, nullptr);
+        return std::array{layout.glyphs()[0].x, layout.glyphs()[2].x, doubled.glyphs()[0].x,
+                          doubled.glyphs()[2].x};
+    };
+    EXPECT_EQ(placesOf(swf::EditText::Align::Left), (std::array{0.0, 80.0, 0.0, 110.0})) << "7 pixels wide";
+    EXPECT_EQ(placesOf(swf::EditText::Align::Right), (std::array{360.0, 440.0, 330.0, 440.0}));
 }
 
 TEST(TextLayout, SpacesLettersTabsAndBullets)
