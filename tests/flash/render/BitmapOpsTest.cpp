@@ -174,5 +174,29 @@ TEST(BitmapOps, PerlinNoiseRefusesWhatIsNoSize)
     EXPECT_EQ(gray >> 16 & 255, gray & 255);
 }
 
+// Levels by hand from the reference algorithm.
+TEST(BitmapOps, PerlinNoiseIsTheTurbulenceOfItsSeed)
+{
+    swf::Bitmap picture = bitmap(16, 12);
+    perlinNoise(picture, {10, 8, 3, 42, false, true, 7, false, {}, {}});
+    EXPECT_EQ(pixelAt(picture, 0, 0), 0xFF7F7F7FU);
+    EXPECT_EQ(pixelAt(picture, 3, 5), 0xFF000000U | 151U << 16 | 76U << 8 | 123U);
+    EXPECT_EQ(pixelAt(picture, 15, 11), 0xFF000000U | 188U << 16 | 176U << 8 | 138U);
+    perlinNoise(picture, {10, 8, 3, -5, false, true, 1 | 8, true, {}, {}});
+    EXPECT_EQ(pixelAt(picture, 3, 5) >> 24, 196U);
+    perlinNoise(picture, {10, 5, 3, 42, true, false, 7, false, {}, {}});
+    EXPECT_EQ(pixelAt(picture, 7, 2), 0xFF000000U | 78U << 16 | 54U << 8 | 142U);
+}
+
+TEST(BitmapOps, StitchedPerlinNoiseGoesOnWhereItBegan)
+{
+    swf::Bitmap picture = bitmap(16, 12), moved = bitmap(16, 12);
+    perlinNoise(picture, {7, 5, 2, 9, true, true, 7, false, {}, {}});
+    perlinNoise(moved, {7, 5, 2, 9, true, true, 7, false, {{16, -12}, {-32, 24}}, {}});
+    EXPECT_EQ(picture.pixels, moved.pixels);
+    perlinNoise(moved, {7, 5, 2, 9, true, true, 7, false, {{3, 0}, {3, 0}}, {}});
+    EXPECT_EQ(pixelAt(moved, 2, 4), pixelAt(picture, 5, 4));
+}
+
 } // namespace
 } // namespace flash::render
