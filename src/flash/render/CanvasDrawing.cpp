@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 // What is drawn, onto whatever is open at the moment.
 namespace flash::render
@@ -51,7 +52,7 @@ bool hasLines(const FlatShape& flat)
 
 // @param toDevice its translation may be missing, unless lines are hinted
 StrokedShape outlineStrokes(const swf::Shape& shape, const FlatShape& flat, const swf::Matrix& toDevice,
-                            double pixelScale)
+                            double pixelScale, const Arcs& arcs)
 {
     StrokedShape result;
     std::vector<StrokePoint> path;
@@ -73,10 +74,19 @@ StrokedShape outlineStrokes(const swf::Shape& shape, const FlatShape& flat, cons
                 width = std::max(std::round(width), 1.0);
                 hintStroke(path, width);
             }
-            addStroke(result.lines.back().outline, path, style, width);
+            addStroke(result.lines.back().outline, path, style, width, arcs);
         }
     }
     return result;
+}
+
+// Without smoothed edges arcs are cut for the shape's own size, as its curves are.
+Arcs arcsFor(Coverage coverage, const swf::Matrix& toDevice, double pixelScale)
+{
+    if (coverage != Coverage::Sampled) return {};
+    constexpr double kToleranceInShape = 0.1; // its pixels
+    const double scale = std::hypot(toDevice.a + toDevice.c, toDevice.b + toDevice.d) / std::numbers::sqrt2;
+    return {kToleranceInShape * scale * swf::kTwipsPerPixel / std::max(pixelScale, 1.0), true};
 }
 
 } // namespace
@@ -178,14 +188,15 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
         const bool keep = owner != nullptr && !hasHintedLines(shape);
         mayComeAgain = keep;
         const swf::Matrix matrix = keep ? withoutTranslation(toDevice) : toDevice;
+        const StrokeScale scale{m_pixelScale, step};
         if (keep) {
             offset = {toDevice.tx, toDevice.ty};
-            strokes = m_cache.impl().findStrokes(*owner, matrix, m_pixelScale);
+            strokes = m_cache.impl().findStrokes(*owner, matrix, scale);
         }
         if (strokes == nullptr) {
-            strokes =
-                std::make_shared<const StrokedShape>(outlineStrokes(shape, *flat, matrix, m_pixelScale));
-            if (keep) m_cache.impl().keepStrokes(*owner, matrix, m_pixelScale, strokes);
+            strokes = std::make_shared<const StrokedShape>(outlineStrokes(
+                shape, *flat, matrix, m_pixelScale, arcsFor(to.coverage, toDevice, m_pixelScale)));
+            if (keep) m_cache.impl().keepStrokes(*owner, matrix, scale, strokes);
         }
     }
 

@@ -99,22 +99,25 @@ std::shared_ptr<const FlatShape> RenderCache::Impl::flatShape(const std::shared_
 
 std::shared_ptr<const StrokedShape>
 RenderCache::Impl::findStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& m,
-                               double pixelScale)
+                               StrokeScale scale)
 {
-    const Entry* entry = find({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, pixelScale});
+    const Entry* entry = find({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, scale.pixelScale,
+                               static_cast<double>(scale.flatteningStep)});
     return entry == nullptr ? nullptr : entry->strokes;
 }
 
 void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& m,
-                                    double pixelScale, std::shared_ptr<const StrokedShape> strokes)
+                                    StrokeScale scale, std::shared_ptr<const StrokedShape> strokes)
 {
     const std::size_t bytes = strokes->bytes();
-    insert({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, pixelScale}, {.owner = shape,
-                                                                          .fills = nullptr,
-                                                                          .strokes = std::move(strokes),
-                                                                          .letter = nullptr,
-                                                                          .ramp = nullptr,
-                                                                          .bytes = bytes});
+    insert({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, scale.pixelScale,
+            static_cast<double>(scale.flatteningStep)},
+           {.owner = shape,
+            .fills = nullptr,
+            .strokes = std::move(strokes),
+            .letter = nullptr,
+            .ramp = nullptr,
+            .bytes = bytes});
 }
 
 std::shared_ptr<const Mask> RenderCache::Impl::findLetter(const std::shared_ptr<const swf::Shape>& outline,

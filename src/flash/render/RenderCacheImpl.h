@@ -26,6 +26,12 @@ struct StrokedShape {
     [[nodiscard]] std::size_t bytes() const;
 };
 
+/// What the outlines of strokes depend on besides their matrix.
+struct StrokeScale {
+    double pixelScale = 1;  ///< device pixels to a pixel of the stage
+    int flatteningStep = 0; ///< of the curves that they follow
+};
+
 class RenderCache::Impl
 {
 public:
@@ -38,9 +44,9 @@ public:
 
     /// @returns null when there is none yet
     std::shared_ptr<const StrokedShape> findStrokes(const std::shared_ptr<const swf::Shape>& shape,
-                                                    const swf::Matrix& linear, double pixelScale);
+                                                    const swf::Matrix& linear, StrokeScale scale);
     void keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& linear,
-                     double pixelScale, std::shared_ptr<const StrokedShape> strokes);
+                     StrokeScale scale, std::shared_ptr<const StrokedShape> strokes);
 
     /// The coverage of a letter's outline, placed by `matrix` near (0, 0); null when there is none yet.
     std::shared_ptr<const Mask> findLetter(const std::shared_ptr<const swf::Shape>& outline,
@@ -70,7 +76,7 @@ private:
         const swf::Shape* shape = nullptr;
         Kind kind = Kind::Fills;
         double a = 0, b = 0, c = 0, d = 0;
-        double x = 0, y = 0; ///< strokes: the pixel scale, and 0
+        double x = 0, y = 0; ///< strokes: the pixel scale, and the flattening step
         friend bool operator==(const Key&, const Key&) = default;
     };
     struct KeyHash {

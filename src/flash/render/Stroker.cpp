@@ -11,7 +11,6 @@ namespace
 
 using swf::LineStyle;
 
-constexpr double kToleranceInPixels = 0.05;
 constexpr double kMaxArcSteps = 256;
 // Points closer than this are one; a direction between them would be noise.
 constexpr double kSamePoint = 1e-4;
@@ -41,10 +40,10 @@ struct Vertex {
 class PathStroker
 {
 public:
-    PathStroker(StrokeOutline& outline, const LineStyle& style, double width)
-        : m_outline(outline), m_style(style), m_half(width / 2)
+    PathStroker(StrokeOutline& outline, const LineStyle& style, double width, const Arcs& arcs)
+        : m_outline(outline), m_style(style), m_half(width / 2), m_halved(arcs.halved)
     {
-        const double ratio = std::clamp(1 - kToleranceInPixels / std::max(m_half, 0.5), -1.0, 1.0);
+        const double ratio = std::clamp(1 - arcs.tolerance / std::max(m_half, 0.5), 0.0, 1.0);
         m_arcStep = std::max(2 * std::acos(ratio), 2 * std::numbers::pi / kMaxArcSteps);
     }
 
@@ -166,11 +165,17 @@ private:
         add(p + n1 * m_half - after * further);
     }
 
+    [[nodiscard]] int linesOf(double angle) const
+    {
+        const double lines = std::max(std::ceil(angle / m_arcStep), 1.0);
+        return static_cast<int>(m_halved ? std::exp2(std::round(std::log2(lines))) : lines);
+    }
+
     // From p + n0 to p + n1, turning the way the outer side of a bend does.
     void arc(Vector p, Vector n0, Vector n1, double turn, double along)
     {
         const double angle = std::abs(std::atan2(turn, along));
-        const int steps = static_cast<int>(std::ceil(angle / m_arcStep));
+        const int steps = linesOf(angle);
         add(p + n0 * m_half);
         for (int i = 1; i < steps; ++i) {
             const double a = angle * i / steps;
@@ -186,7 +191,14 @@ private:
         const Vector d = direction * m_half;
         switch (cap) {
         case LineStyle::Cap::None: break;
-        case LineStyle::Cap::Round: arc(p, normalOf(direction), -normalOf(direction), 0, -1); break;
+        case LineStyle::Cap::Round:
+            if (m_halved) {
+                arc(p, normalOf(direction), direction, 1, 0);
+                arc(p, direction, -normalOf(direction), 1, 0);
+            } else {
+                arc(p, normalOf(direction), -normalOf(direction), 0, -1);
+            }
+            break;
         case LineStyle::Cap::Square:
             add(p + n + d);
             add(p - n + d);
@@ -207,6 +219,7 @@ private:
     const LineStyle& m_style;
     double m_half;
     double m_arcStep; ///< radians
+    bool m_halved;
 };
 
 void measure(StrokeOutline& outline, std::size_t from)
@@ -235,7 +248,7 @@ double strokeWidth(const LineStyle& style, const swf::Matrix& m, double pixelSca
 }
 
 void addStroke(StrokeOutline& outline, std::span<const StrokePoint> path, const LineStyle& style,
-               double width)
+               double width, const Arcs& arcs)
 {
     std::vector<Vertex> vertices;
     vertices.reserve(path.size());
@@ -255,7 +268,7 @@ void addStroke(StrokeOutline& outline, std::span<const StrokePoint> path, const 
     if (closed) vertices.pop_back();
     closed = closed && vertices.size() > 1;
     const std::size_t from = outline.points.size();
-    PathStroker(outline, style, width).stroke(std::move(vertices), closed);
+    PathStroker(outline, style, width, arcs).stroke(std::move(vertices), closed);
     measure(outline, from);
 }
 
