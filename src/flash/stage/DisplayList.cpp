@@ -74,7 +74,12 @@ NodePtr DisplayList::makeNode(const MoviePtr& movie, std::uint16_t characterId)
     } else if (const auto* video = std::get_if<swf::VideoStream>(&character->data)) {
         node = std::make_shared<VideoNode>(m_stage, *video);
     } else if (const auto* bitmap = std::get_if<swf::BitmapCharacter>(&character->data)) {
-        if (bitmap->bitmap) node = std::make_shared<BitmapNode>(m_stage, bitmap->bitmap, false);
+        if (bitmap->bitmap) {
+            auto shown = std::make_shared<BitmapNode>(m_stage, bitmap->bitmap, false);
+            // What a timeline moves goes smoothly.
+            shown->setSnapping(PixelSnapping::Never);
+            node = shown;
+        }
     } else if (const auto* sprite = std::get_if<swf::Sprite>(&character->data)) {
         auto clip =
             std::make_shared<Clip>(m_stage, movie, sprite->timeline ? sprite->timeline : emptyTimeline());

@@ -246,6 +246,20 @@ void BitmapNode::setSmooth(bool smooth)
     m_smooth = smooth;
     invalidate();
 }
+namespace
+{
+bool keepsSize(const swf::Matrix& pixelsToDevice)
+{
+    constexpr double kTolerance = 0.001;
+    return std::abs(pixelsToDevice.a - 1) < kTolerance && std::abs(pixelsToDevice.d - 1) < kTolerance &&
+           std::abs(pixelsToDevice.b) < kTolerance && std::abs(pixelsToDevice.c) < kTolerance;
+}
+} // namespace
+void BitmapNode::setSnapping(PixelSnapping snapping)
+{
+    m_snapping = snapping;
+    invalidate();
+}
 swf::Rect BitmapNode::bounds(Extent) { return m_width > 0 ? pixelRect(m_width, m_height) : swf::Rect{}; }
 bool BitmapNode::hitsShape(swf::Point stagePoint)
 {
@@ -254,7 +268,13 @@ bool BitmapNode::hitsShape(swf::Point stagePoint)
 void BitmapNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
     if (!m_bitmap || m_bitmap->width == 0) return;
-    canvas.drawBitmap(m_bitmap, scaledBy(toDevice, swf::kTwipsPerPixel), color,
+    swf::Matrix pixelsToDevice = scaledBy(toDevice, swf::kTwipsPerPixel);
+    if (m_snapping == PixelSnapping::Always ||
+        (m_snapping == PixelSnapping::Auto && keepsSize(pixelsToDevice))) {
+        pixelsToDevice.tx = std::floor(pixelsToDevice.tx + 0.5);
+        pixelsToDevice.ty = std::floor(pixelsToDevice.ty + 0.5);
+    }
+    canvas.drawBitmap(m_bitmap, pixelsToDevice, color,
                       m_smooth ? render::Smoothing::On : render::Smoothing::Off);
 }
 

@@ -92,6 +92,9 @@ private:
 };
 
 /// A picture: attached by script, or loaded in a movie's place. None shows nothing.
+/// Whether a bitmap's corner is drawn on a whole pixel. Auto: as long as it is neither scaled nor turned.
+enum class PixelSnapping { Auto, Always, Never };
+
 class BitmapNode final : public Node
 {
 public:
@@ -109,6 +112,7 @@ public:
     }
     [[nodiscard]] bool isSmooth() const { return m_smooth; }
     void setSmooth(bool smooth);
+    void setSnapping(PixelSnapping snapping);
     [[nodiscard]] swf::Rect bounds(Extent extent = Extent::WithStrokes) override;
     [[nodiscard]] bool hitsShape(swf::Point stagePoint) override;
     void draw(render::Canvas& canvas, const swf::Matrix& toDevice, const swf::ColorTransform& color) override;
@@ -117,6 +121,7 @@ private:
     std::shared_ptr<const swf::Bitmap> m_bitmap;
     int m_width = 0, m_height = 0; ///< the picture's, which a script may take from it
     bool m_smooth;
+    PixelSnapping m_snapping = PixelSnapping::Auto;
 };
 
 /// A video's place on the stage: shows the frames embedded in the movie, or the pictures of a file that a

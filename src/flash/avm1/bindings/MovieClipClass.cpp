@@ -136,15 +136,24 @@ Value removeMovieClip(Call& call)
     return {};
 }
 
+stage::PixelSnapping snappingOf(std::u16string_view name)
+{
+    if (name == u"never") return stage::PixelSnapping::Never;
+    return name == u"always" ? stage::PixelSnapping::Always : stage::PixelSnapping::Auto;
+}
+
 Value attachBitmap(Call& call)
 {
+    // What asks for texts and numbers may run script, which may take the clip away.
+    const auto depth = depthArg(call, 1);
+    const stage::PixelSnapping snapping = snappingOf(toText(call.vm, call.arg(2)));
     stage::Clip* clip = selfClip(call);
     Object* object = call.arg(0).asObject();
-    const auto depth = depthArg(call, 1);
     if (!clip || !object || !depth) return {};
     if (auto bitmap = StageBinding::of(call).bitmapOf(object)) {
         const bool smooth = toBoolean(call.vm, call.arg(3));
         const stage::NodePtr node = clip->attachBitmap(std::move(bitmap), *depth, smooth);
+        if (node) static_cast<stage::BitmapNode&>(*node).setSnapping(snapping);
     }
     return {};
 }

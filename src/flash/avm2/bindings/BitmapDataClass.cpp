@@ -29,12 +29,7 @@ BitmapDataObject& dataSelf(Call& call)
 
 std::shared_ptr<swf::Bitmap> makeBitmap(Vm& vm, int width, int height, bool transparent, std::uint32_t color)
 {
-    auto bitmap = std::make_shared<swf::Bitmap>();
-    bitmap->width = width;
-    bitmap->height = height;
-    bitmap->opaque = !transparent;
-    bitmap->pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    render::fillRect(*bitmap, render::boundsOf(*bitmap), color);
+    auto bitmap = std::make_shared<swf::Bitmap>(render::newBitmap(width, height, transparent, color));
     vm.heap().noteExternalBytes(bitmap->pixels.size() * sizeof(std::uint32_t));
     vm.check();
     return bitmap;
@@ -337,11 +332,16 @@ Value pixelSnapping(Call& call)
 }
 Value setPixelSnapping(Call& call)
 {
+    static constexpr std::u16string_view kNames[] = {u"auto", u"always", u"never"};
     const std::u16string name = call.arg(0).isNullish() ? u"" : std::u16string(call.vm.text(call.arg(0)));
-    if (name != u"auto" && name != u"never" && name != u"always")
+    const auto* found = std::ranges::find(kNames, name);
+    if (found == std::end(kNames))
         call.vm.throwError(ErrorClass::Argument, 2008,
                            "Parameter pixelSnapping must be one of the accepted values.");
-    displaySelf(call).pixelSnapping = call.arg(0);
+    DisplayObject& self = displaySelf(call);
+    self.pixelSnapping = call.arg(0);
+    if (stage::BitmapNode* node = bitmapNode(self))
+        node->setSnapping(static_cast<stage::PixelSnapping>(found - std::begin(kNames)));
     return {};
 }
 Value constructBitmap(Call& call)
