@@ -157,6 +157,13 @@ Value setShowsMenu(Call& call)
     view(call).setShowsMenu(call.vm.toBoolean(call.arg(0)));
     return {};
 }
+/// Whether what has the focus is framed where it does not say itself.
+Value focusRect(Call& call) { return displaySelf(call).node().focusRect.value_or(true); }
+Value setFocusRect(Call& call)
+{
+    displaySelf(call).node().focusRect = call.vm.toBoolean(call.arg(0));
+    return {};
+}
 /// Colours are those of the screen, whatever is asked for.
 Value colorCorrection(Call& call) { return Value(call.vm.string(Player::of(call.vm).kept.colorCorrection)); }
 Value setColorCorrection(Call& call)
@@ -255,6 +262,7 @@ constexpr NativeMember kStage[] = {
      "flash.geom::Rectangle"},
     {"invalidate", Kind::Method, &invalidate, 0, 0},
     {"showDefaultContextMenu", Kind::Getter, &showsMenu, 0, 0, &setShowsMenu, "Boolean"},
+    {"stageFocusRect", Kind::Getter, &focusRect, 0, 0, &setFocusRect, "Boolean"},
     {"isFocusInaccessible", Kind::Method, &isFalse, 0, 0},
     {"contentsScaleFactor", Kind::Getter, &one, 0, 0, nullptr, "Number"},
     {"wmodeGPU", Kind::Getter, &isFalse, 0, 0, nullptr, "Boolean"},
@@ -271,7 +279,7 @@ constexpr NativeClass kClasses[] = {
      .flags = NativeClass::Sealed,
      .constructor = &refuseDisplayConstruction,
      .members = kStage,
-     .slots = "stageFocusRect:Boolean=true stage3Ds:* stageVideos:* mouseLock:Boolean "
+     .slots = "stage3Ds:* stageVideos:* mouseLock:Boolean "
               "colorCorrectionSupport:String=defaultOff "
               "browserZoomFactor:Number=1 displayContextInfo:String=none"},
 };
