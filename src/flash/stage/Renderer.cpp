@@ -21,7 +21,21 @@ void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf
         drawOutOfPlane(node, parentToDevice, parentColor * node.color());
         return;
     }
-    drawPlaced(node, parentToDevice * node.matrix(), parentColor * node.color());
+    drawPlaced(node, onWholeTwips(parentToDevice * node.matrix()), parentColor * node.color());
+}
+
+// Places on the stage are whole twips: what scaled parents leave of them is rounded, at each level.
+swf::Matrix Renderer::onWholeTwips(swf::Matrix placed) const
+{
+    const swf::Point at = m_toStage.map(placed.tx, placed.ty);
+    const swf::Point whole{std::nearbyint(at.x), std::nearbyint(at.y)};
+    constexpr double kSame = 1e-6, kFar = 1e8;
+    const double away = std::abs(at.x - whole.x) + std::abs(at.y - whole.y);
+    if (!(away > kSame && std::abs(at.x) < kFar && std::abs(at.y) < kFar)) return placed;
+    const swf::Point moved = m_view.map(whole.x, whole.y);
+    placed.tx = moved.x;
+    placed.ty = moved.y;
+    return placed;
 }
 
 void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::ColorTransform& color)
@@ -31,7 +45,8 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
     // What is kept as a bitmap, and what filters make one of, lies on whole pixels.
     const bool kept = node.cacheAsBitmap() || !node.filters().empty();
     const swf::Matrix toDevice = kept ? snapped(placed, node.reach()) : placed;
-    render::IntRect content = render::deviceBounds(node.reach(), toDevice);
+    render::IntRect content =
+        isLayered(node) ? pictureBounds(node, toDevice, scale) : render::deviceBounds(node.reach(), toDevice);
     // A colour matrix can give a colour to what is empty, so that the size of the picture shows: it begins
     // with the first pixel that would hold something, were it not moved to whole ones, and behind the last
     // one there is one more.
@@ -187,12 +202,14 @@ void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::
             open.pop_back();
         }
         if (child->clipDepth()) {
+            // Nor is a mask cut by the clip layers that it holds: all of what they would cut lets through.
+            if (m_canvas.buildsMask()) continue;
             // A clip layer within another is cut by it for good, also where it reaches further: the outer one
             // goes on.
             for (int& lastDepth : open) lastDepth = std::max(lastDepth, *child->clipDepth());
             open.push_back(*child->clipDepth());
             m_canvas.beginMask();
-            drawAsMask(*child, toDevice * child->matrix());
+            drawAsMask(*child, onWholeTwips(toDevice * child->matrix()));
             m_canvas.endMask();
             continue;
         }

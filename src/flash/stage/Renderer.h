@@ -13,7 +13,10 @@ class Renderer
 {
 public:
     /// @param view stage twips to device pixels; masks that lie elsewhere on the stage are placed by it
-    Renderer(render::Canvas& canvas, const swf::Matrix& view) : m_canvas(canvas), m_view(view) {}
+    Renderer(render::Canvas& canvas, const swf::Matrix& view)
+        : m_canvas(canvas), m_view(view), m_toStage(view.isInvertible() ? view.inverted() : swf::Matrix{})
+    {
+    }
 
     /// A node with all below, unless it is hidden or serves as a mask.
     void drawNode(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor);
@@ -25,6 +28,7 @@ private:
     void drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawOwn(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawPlaced(Node& node, const swf::Matrix& placed, const swf::ColorTransform& color);
+    [[nodiscard]] swf::Matrix onWholeTwips(swf::Matrix placed) const;
     static swf::Matrix snapped(swf::Matrix matrix, const swf::Rect& rect);
     void drawChildren(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color);
     void drawAsMask(Node& mask, const swf::Matrix& toDevice);
@@ -38,7 +42,7 @@ private:
                        Part part);
 
     render::Canvas& m_canvas;
-    swf::Matrix m_view;
+    swf::Matrix m_view, m_toStage; ///< and back
     int m_depth = 0;
     /// What a picture is drawn of; what is drawn then says nothing about where the stage must be drawn again.
     Node* m_pictureRoot = nullptr;

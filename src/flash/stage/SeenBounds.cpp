@@ -76,10 +76,25 @@ render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale
         }
     }
     // What is drawn as a picture is cut where its own bounds are.
-    if (!asMask && (isCut(node) || node.scrollRect())) all = own;
+    if (!asMask && (isCut(node) || node.scrollRect())) all = pictureBounds(node, toDevice, scale);
     // What is kept as a bitmap, or made one of by filters, is moved to whole pixels.
     if (node.cacheAsBitmap() || !node.filters().empty()) all = render::grown(all, {1, 1, 1, 1});
     return node.filters().empty() ? all : render::grown(all, render::filterGrowth(node.filters(), scale));
+}
+
+render::IntRect pictureBounds(Node& node, const swf::Matrix& toDevice, double scale)
+{
+    guard::check();
+    render::IntRect all = render::deviceBounds(node.reach(), toDevice);
+    if (node.scrollRect()) return all;
+    for (const NodePtr& child : node.children()) {
+        if (!child->isVisible() || child->maskee() != nullptr || child->clipDepth()) continue;
+        const render::IntRect part = pictureBounds(*child, toDevice * child->matrix(), scale);
+        all = render::unite(all, child->filters().empty()
+                                     ? part
+                                     : render::grown(part, render::filterGrowth(child->filters(), scale)));
+    }
+    return all;
 }
 
 render::IntRect seenOnStage(Node& node, const swf::Matrix& view, double scale)
@@ -92,8 +107,13 @@ namespace
 
 bool isMissed(Node& node, const swf::Matrix& view)
 {
-    return node.mask() != nullptr &&
-           maskMisses(node, render::deviceBounds(node.reach(), view * node.toStage()), view);
+    if (node.mask() == nullptr) return false;
+    const swf::Matrix toDevice = view * node.toStage();
+    const double scale = std::sqrt(std::abs(view.a * view.d)) * swf::kTwipsPerPixel;
+    return maskMisses(node,
+                      isLayered(node) ? pictureBounds(node, toDevice, scale)
+                                      : render::deviceBounds(node.reach(), toDevice),
+                      view);
 }
 
 } // namespace

@@ -32,6 +32,10 @@ render::IntRect seenBounds(Node& node, const swf::Matrix& toDevice, double scale
 /// @param view stage twips to device pixels
 render::IntRect seenOnStage(Node& node, const swf::Matrix& view, double scale);
 
+/// What a picture of the node, before filters of its own, holds: its reach, and what filters of its parts add
+/// around them. Lines that leave the stated bounds are cut by it.
+render::IntRect pictureBounds(Node& node, const swf::Matrix& toDevice, double scale);
+
 /// Where a change within `bounds` (device pixels) of a node shows: the filters of what contains it carry it
 /// further.
 render::IntRect grownByFiltersAround(const Node& node, const render::IntRect& bounds, double scale);
