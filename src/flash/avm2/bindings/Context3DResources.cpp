@@ -1,7 +1,10 @@
 #include "flash/avm2/bindings/BitmapData.h"
 #include "flash/avm2/bindings/Context3D.h"
 #include "flash/avm2/bindings/Conversions.h"
+#include "flash/avm2/bindings/Events.h"
+#include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/ByteArray.h"
+#include "flash/render/PackedTexture.h"
 
 #include <algorithm>
 #include <bit>
@@ -243,11 +246,27 @@ Value uploadPixels(Call& call, std::uint32_t sides)
 }
 Value uploadBytes(Call& call) { return uploadPixels(call, 0); }
 Value uploadSideBytes(Call& call) { return uploadPixels(call, 1); }
-/// What has been packed for graphics cards is not read.
-Value refusePacked(Call& call)
+/// What only some graphics cards or a photograph's codec would read is refused.
+Value uploadPacked(Call& call)
 {
-    textureSelf(call);
-    fail(call.vm, 3677, "Texture decoding failed. Internal error.");
+    Vm& vm = call.vm;
+    const ByteArrayObject& given = bytesArg(call);
+    const std::uint32_t offset = vm.toUint(call.arg(1));
+    const bool isLater = vm.toBoolean(call.arg(2));
+    TextureObject& self = textureSelf(call);
+    const std::span<const std::uint8_t> content(given.content);
+    switch (render::unpackTexture(content.subspan(std::min<std::size_t>(offset, content.size())),
+                                  *self.texture)) {
+    case render::Unpacking::Done: break;
+    case render::Unpacking::Mismatch: fail(vm, 3675, "Texture format mismatch.");
+    case render::Unpacking::Damaged:
+    case render::Unpacking::Foreign: fail(vm, 3677, "Texture decoding failed. Internal error.");
+    }
+    if (!isLater) return {};
+    const auto held = std::make_shared<Root<Object>>(vm.heap(), &self);
+    Player::of(vm).later(
+        [&vm, held] { fire(vm, *static_cast<TextureObject*>(held->get()), "textureReady"); });
+    return {};
 }
 Value disposeTexture(Call& call)
 {
@@ -301,12 +320,12 @@ constexpr NativeMember kTextureBase[] = {{"dispose", Kind::Method, &disposeTextu
 constexpr NativeMember kTexture[] = {
     {"uploadFromBitmapData", Kind::Method, &uploadBitmap, 1, 2},
     {"uploadFromByteArray", Kind::Method, &uploadBytes, 2, 3},
-    {"uploadCompressedTextureFromByteArray", Kind::Method, &refusePacked, 2, 3},
+    {"uploadCompressedTextureFromByteArray", Kind::Method, &uploadPacked, 2, 3},
 };
 constexpr NativeMember kCubeTexture[] = {
     {"uploadFromBitmapData", Kind::Method, &uploadSide, 2, 3},
     {"uploadFromByteArray", Kind::Method, &uploadSideBytes, 3, 4},
-    {"uploadCompressedTextureFromByteArray", Kind::Method, &refusePacked, 2, 3},
+    {"uploadCompressedTextureFromByteArray", Kind::Method, &uploadPacked, 2, 3},
 };
 constexpr NativeMember kRectangleTexture[] = {
     {"uploadFromBitmapData", Kind::Method, &uploadBitmap, 1, 1},
