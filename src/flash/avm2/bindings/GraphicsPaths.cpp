@@ -23,23 +23,30 @@ using Kind = NativeMember::Kind;
 namespace
 {
 
-[[noreturn]] void notAccepted(Vm& vm, std::string_view name)
-{
-    vm.throwError(ErrorClass::Argument, 2008,
-                  "Parameter " + std::string(name) + " must be one of the accepted values.");
-}
+/// A variable of a record that takes a few words. Its slot has the name behind an "@", which no script
+/// reaches.
+struct Choice {
+    std::string_view name;
+    std::array<std::u16string_view, 4> accepted;
+    [[nodiscard]] bool holds(Vm& vm, Value value) const
+    {
+        if (value.isNullish()) return false;
+        const std::u16string_view text = vm.text(value);
+        return !text.empty() && std::ranges::find(accepted, text) != accepted.end();
+    }
+};
+constexpr Choice kWindings = {"winding", {u"evenOdd", u"nonZero"}},
+                 kCullings = {"culling", {u"none", u"positive", u"negative"}},
+                 kGradientTypes = {"type", {u"linear", u"radial"}},
+                 kSpreads = {"spreadMethod", {u"pad", u"reflect", u"repeat"}},
+                 kInterpolations = {"interpolationMethod", {u"rgb", u"linearRGB"}},
+                 kScaleModes = {"scaleMode", {u"normal", u"none", u"vertical", u"horizontal"}},
+                 kCaps = {"caps", {u"none", u"round", u"square"}},
+                 kJoints = {"joints", {u"bevel", u"miter", u"round"}};
 
-void checkWinding(Vm& vm, Value winding)
+void check(Vm& vm, const Choice& choice, Value value)
 {
-    if (winding.isNullish()) notAccepted(vm, "winding");
-    const std::u16string_view text = vm.text(winding);
-    if (text != u"evenOdd" && text != u"nonZero") notAccepted(vm, "winding");
-}
-bool isCulling(Vm& vm, Value culling)
-{
-    if (culling.isNullish()) return false;
-    const std::u16string_view text = vm.text(culling);
-    return text == u"none" || text == u"positive" || text == u"negative";
+    if (!choice.holds(vm, value)) throwNotAccepted(vm, choice.name);
 }
 
 void addPath(Vm& vm, GraphicsObject& graphics, Value commandList, Value dataList)
@@ -131,7 +138,6 @@ void drawRecord(Vm& vm, GraphicsObject& graphics, Object& record)
 {
     const std::u16string_view name = record.traits()->name.view();
     if (name == u"GraphicsPath") {
-        checkWinding(vm, slot(record, 2));
         return path(vm, graphics, slot(record, 0), slot(record, 1), slot(record, 2));
     }
     if (name == u"GraphicsTrianglePath")
@@ -151,14 +157,40 @@ void drawRecord(Vm& vm, GraphicsObject& graphics, Object& record)
     graphics.drawing().lineStyle(line);
 }
 
-Value constructPath(Call& call)
+std::uint32_t choiceSlot(Call& call, const Choice& choice)
 {
-    if (call.has(2)) checkWinding(call.vm, call.arg(2));
-    return assignSlots(call);
+    const Name hidden = call.vm.name("@" + std::string(choice.name));
+    const Binding* binding = call.vm.traitsOf(call.self)->find(hidden, call.vm.publicNs());
+    if (binding == nullptr) throwNotAccepted(call.vm, choice.name);
+    return static_cast<std::uint32_t>(binding->id);
 }
-Value constructTriangles(Call& call)
+template <const Choice& choice>
+Value chosen(Call& call)
 {
-    if (call.has(3) && !isCulling(call.vm, call.arg(3))) notAccepted(call.vm, "culling");
+    return call.self.object()->slot(choiceSlot(call, choice));
+}
+template <const Choice& choice>
+Value choose(Call& call)
+{
+    check(call.vm, choice, call.arg(0));
+    call.vm.setSlotTyped(*call.self.object(), choiceSlot(call, choice), call.arg(0));
+    return {};
+}
+template <const Choice& choice>
+constexpr NativeMember choiceMember()
+{
+    return {choice.name, NativeMember::Kind::Getter, &chosen<choice>, 0, 0, &choose<choice>, "String"};
+}
+
+/// A constructor whose arguments at some places are choices.
+template <const Choice&... choices>
+Value constructRecord(Call& call)
+{
+    const auto checkOne = [&](const Choice& choice) {
+        const std::uint32_t at = choiceSlot(call, choice);
+        if (at < call.count) check(call.vm, choice, call.args[at]);
+    };
+    (checkOne(choices), ...);
     return assignSlots(call);
 }
 
@@ -189,10 +221,19 @@ Value extendWide(Call& call)
 }
 
 constexpr NativeMember kPath[] = {
-    {"moveTo", Kind::Method, &extend<1, 2>, 2, 2},      {"lineTo", Kind::Method, &extend<2, 2>, 2, 2},
-    {"curveTo", Kind::Method, &extend<3, 4>, 4, 4},     {"cubicCurveTo", Kind::Method, &extend<6, 6>, 6, 6},
-    {"wideMoveTo", Kind::Method, &extendWide<4>, 2, 2}, {"wideLineTo", Kind::Method, &extendWide<5>, 2, 2},
+    {"moveTo", Kind::Method, &extend<1, 2>, 2, 2},
+    {"lineTo", Kind::Method, &extend<2, 2>, 2, 2},
+    {"curveTo", Kind::Method, &extend<3, 4>, 4, 4},
+    {"cubicCurveTo", Kind::Method, &extend<6, 6>, 6, 6},
+    {"wideMoveTo", Kind::Method, &extendWide<4>, 2, 2},
+    {"wideLineTo", Kind::Method, &extendWide<5>, 2, 2},
+    choiceMember<kWindings>(),
 };
+constexpr NativeMember kTriangles[] = {choiceMember<kCullings>()};
+constexpr NativeMember kGradient[] = {choiceMember<kGradientTypes>(), choiceMember<kSpreads>(),
+                                      choiceMember<kInterpolations>()};
+constexpr NativeMember kLine[] = {choiceMember<kScaleModes>(), choiceMember<kCaps>(),
+                                  choiceMember<kJoints>()};
 
 constexpr NativeClass record(std::string_view name, std::string_view interfaces, std::string_view slots,
                              NativeFunction constructor = &assignSlots,
@@ -236,19 +277,22 @@ constexpr NativeClass kClasses[] = {
     interface("IGraphicsFill"),
     interface("IGraphicsPath"),
     interface("IGraphicsStroke"),
-    record("GraphicsPath", kPathKind, "commands:* data:* winding:String=evenOdd", &constructPath, kPath),
-    record("GraphicsTrianglePath", kPathKind, "vertices:* indices:* uvtData:* culling:String=none",
-           &constructTriangles),
+    record("GraphicsPath", kPathKind, "commands:* data:* @winding:String=evenOdd",
+           &constructRecord<kWindings>, kPath),
+    record("GraphicsTrianglePath", kPathKind, "vertices:* indices:* uvtData:* @culling:String=none",
+           &constructRecord<kCullings>, kTriangles),
     record("GraphicsSolidFill", kFill, "color:uint alpha:Number=1"),
     record("GraphicsGradientFill", kFill,
-           "type:String=linear colors:* alphas:* ratios:* matrix:* spreadMethod:String=pad "
-           "interpolationMethod:String=rgb focalPointRatio:Number"),
+           "@type:String=linear colors:* alphas:* ratios:* matrix:* @spreadMethod:String=pad "
+           "@interpolationMethod:String=rgb focalPointRatio:Number",
+           &constructRecord<kGradientTypes, kSpreads, kInterpolations>, kGradient),
     record("GraphicsBitmapFill", kFill, "bitmapData:* matrix:* repeat:Boolean=true smooth:Boolean"),
     record("GraphicsShaderFill", kFill, "shader:* matrix:*"),
     record("GraphicsEndFill", kFill, ""),
     record("GraphicsStroke", kStroke,
-           "thickness:Number=nan pixelHinting:Boolean scaleMode:String=normal caps:String=none "
-           "joints:String=round miterLimit:Number=3 fill:*"),
+           "thickness:Number=nan pixelHinting:Boolean @scaleMode:String=normal @caps:String=none "
+           "@joints:String=round miterLimit:Number=3 fill:*",
+           &constructRecord<kScaleModes, kCaps, kJoints>, kLine),
     constants("GraphicsPathCommand", kCommands),
     constants("GraphicsPathWinding", kWinding),
     constants("TriangleCulling", kCulling),
@@ -259,7 +303,7 @@ constexpr NativeClass kClasses[] = {
 Value drawPath(Call& call)
 {
     auto& self = graphicsSelf(call);
-    if (call.has(2)) checkWinding(call.vm, call.arg(2));
+    if (call.has(2)) check(call.vm, kWindings, call.arg(2));
     path(call.vm, self, call.arg(0), call.arg(1), call.has(2) ? call.arg(2) : Value());
     return {};
 }
@@ -267,7 +311,7 @@ Value drawPath(Call& call)
 Value drawTriangles(Call& call)
 {
     auto& self = graphicsSelf(call);
-    if (call.has(3) && !isCulling(call.vm, call.arg(3))) invalidGraphicsArgument(call.vm);
+    if (call.has(3) && !kCullings.holds(call.vm, call.arg(3))) invalidGraphicsArgument(call.vm);
     const std::u16string culling = call.has(3) ? std::u16string(call.vm.text(call.arg(3))) : u"none";
     addTriangles(call.vm, self, call.arg(0), call.arg(1), call.arg(2), culling);
     return {};

@@ -143,6 +143,8 @@ bool hasScripted(const Traits* traits, const Namespace* ns)
 bool isTold(Vm& vm, const Traits& traits, const Traits::Entry& entry, std::uint32_t flags)
 {
     if (entry.binding.kind == Binding::Kind::None) return false;
+    // What natives keep behind their accessors no script can name.
+    if (entry.source == nullptr && entry.name.view().starts_with(u'@')) return false;
     const Traits* object = vm.classes().object->instances;
     if ((flags & HideObject) != 0 && entry.declaredBy == object && &traits != object) return false;
     const bool hasUri = entry.ns == vm.as3Ns() || entry.ns->kind == Namespace::Kind::Explicit;

@@ -47,7 +47,7 @@ do_SetProp:
         } else if (cache.binding.kind == Binding::Kind::Slot) {
             const auto slot = static_cast<std::uint32_t>(cache.binding.id);
             const TypeRef& type = cache.traits->slotTypes[slot];
-            if (type.unit == nullptr && (type.resolved == nullptr || fitsType(C, type.resolved))) {
+            if (type.isFinal() && (type.resolved == nullptr || fitsType(C, type.resolved))) {
                 store(object->slots() + slot, C);
                 NEXT;
             }

@@ -30,7 +30,7 @@ public:
 
 } // namespace
 
-void Vm::bindSlot(Traits& traits, std::string_view text)
+void Vm::bindSlot(Traits& traits, std::string_view text, const Signature* signature)
 {
     const auto colon = text.find(':'), equals = text.find('=');
     const std::string_view type =
@@ -51,6 +51,9 @@ void Vm::bindSlot(Traits& traits, std::string_view text)
     } else if (type == "String") {
         if (hasInitial) value = Value(name(initial).string());
         reference.resolved = m_classes.string->instances;
+    } else if (signature != nullptr && signature->type != "*") {
+        // Making the class now might lead back to this one.
+        reference.native = signature;
     }
     const std::int32_t slot = traits.addSlot(reference, value);
     traits.bind(name(text.substr(0, colon)), m_public, {Binding::Kind::Slot, slot, -1});
@@ -199,10 +202,10 @@ ClassObject* Vm::makeNative(const NativeClass& spec)
     for (std::size_t at = 0; at < spec.slots.size();) {
         const std::size_t end = std::min(spec.slots.find(' ', at), spec.slots.size());
         const std::string_view slot = spec.slots.substr(at, end - at);
-        bindSlot(*instances, slot);
-        // What is told to be read only natives set, and nobody else.
         const std::string_view plain = slot.substr(0, slot.find(':'));
         const Signature* known = told != nullptr ? told->find(plain, false) : nullptr;
+        bindSlot(*instances, slot, known);
+        // What is told to be read only natives set, and nobody else.
         if (known != nullptr && !known->canWrite) {
             Binding binding = *instances->find(name(plain), m_public);
             binding.kind = Binding::Kind::Const;

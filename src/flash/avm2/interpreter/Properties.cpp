@@ -159,38 +159,39 @@ Value Vm::get(Value base, const Multiname& given)
 
 void Vm::setSlotTyped(Object& object, std::uint32_t slot, Value value)
 {
-    TypeRef& type = object.traits()->slotTypes[slot];
-    if (type.unit != nullptr) {
-        Traits* resolved = type.unit->type(*this, type.name);
-        TypeRef& again = object.traits()->slotTypes[slot];
-        again.resolved = resolved;
-        again.unit = nullptr;
+    const TypeRef type = object.traits()->slotTypes[slot];
+    if (!type.isFinal()) {
+        Traits* resolved =
+            type.unit != nullptr ? type.unit->type(*this, type.name) : signatureTraits(type.native->type);
+        object.traits()->slotTypes[slot] = {nullptr, 0, resolved, nullptr};
     }
     Traits* wanted = object.traits()->slotTypes[slot].resolved;
     object.setSlot(slot, wanted != nullptr ? coerce(value, wanted) : value);
 }
 
-void Vm::setBinding(Object& object, Traits& traits, const Binding& binding, Value value,
-                    const Multiname& name, bool isInit)
+void Vm::setBinding(Value base, Traits& traits, const Binding& binding, Value value, const Multiname& name,
+                    bool isInit)
 {
     switch (binding.kind) {
     case Binding::Kind::Const:
         if (!isInit)
             throwError(ErrorClass::Reference, 1074,
                        u"Illegal write to read-only property " + nameText(name) + u" on " +
-                           typeName(*this, Value(&object)) + u".");
+                           typeName(*this, base) + u".");
         [[fallthrough]];
-    case Binding::Kind::Slot: setSlotTyped(object, static_cast<std::uint32_t>(binding.id), value); return;
+    case Binding::Kind::Slot:
+        setSlotTyped(*base.object(), static_cast<std::uint32_t>(binding.id), value);
+        return;
     case Binding::Kind::Method:
         throwError(ErrorClass::Reference, 1037,
                    u"Cannot assign to a method " + std::u16string(name.name.view()) + u" on " +
-                       typeName(*this, Value(&object)) + u".");
+                       typeName(*this, base) + u".");
     case Binding::Kind::Accessor:
         if (binding.setter < 0)
             throwError(ErrorClass::Reference, 1074,
                        u"Illegal write to read-only property " + std::u16string(name.name.view()) + u" on " +
-                           typeName(*this, Value(&object)) + u".");
-        invoke(*traits.methods[static_cast<std::size_t>(binding.setter)], Value(&object), {&value, 1});
+                           typeName(*this, base) + u".");
+        invoke(*traits.methods[static_cast<std::size_t>(binding.setter)], base, {&value, 1});
         return;
     case Binding::Kind::None: return;
     }
@@ -205,15 +206,15 @@ void Vm::set(Value base, const Multiname& given, Value value)
         if (object->setExotic(*this, given, value)) return;
     }
     const Multiname name = spelled(*this, given);
+    if (!name.attribute) {
+        if (const Binding* binding = traits->find(name)) {
+            setBinding(base, *traits, *binding, value, name, false);
+            return;
+        }
+    }
     if (object == nullptr) {
         throwError(ErrorClass::Reference, 1056,
                    u"Cannot create property " + nameText(name) + u" on " + typeName(*this, base) + u".");
-    }
-    if (!name.attribute) {
-        if (const Binding* binding = traits->find(name)) {
-            setBinding(*object, *traits, *binding, value, name, false);
-            return;
-        }
     }
     if (object->exotic() == Exotic::Last && object->setExotic(*this, name, value)) return;
     if (!object->isDynamic() || name.attribute || !name.hasPublic() || name.name.isNull())
@@ -230,7 +231,7 @@ void Vm::initialize(Value base, const Multiname& name, Value value)
     Object* object = base.asObject();
     if (object != nullptr && object->exotic() != Exotic::First) {
         if (const Binding* binding = object->traits()->find(name)) {
-            setBinding(*object, *object->traits(), *binding, value, name, true);
+            setBinding(base, *object->traits(), *binding, value, name, true);
             return;
         }
     }
@@ -358,7 +359,7 @@ void Vm::setSuper(Value self, Traits* base, const Multiname& given, Value value)
     const Binding* binding = base->find(name);
     Object* object = self.asObject();
     if (binding != nullptr && object != nullptr && object->traits()->isA(base)) {
-        setBinding(*object, *base, *binding, value, name, false);
+        setBinding(self, *base, *binding, value, name, false);
         return;
     }
     set(self, given, value);

@@ -14,6 +14,7 @@ class MethodEnv;
 class Traits;
 class Unit;
 class Vm;
+struct Signature;
 
 /// What a name stands for in the traits of an object.
 struct Binding {
@@ -25,9 +26,11 @@ struct Binding {
 
 /// The type of a slot or parameter: looked up when it is first needed, as it may be defined later.
 struct TypeRef {
-    Unit* unit = nullptr;   ///< null: `resolved` is final
+    Unit* unit = nullptr;   ///< null: it is no movie's
     std::uint32_t name = 0; ///< multiname of the unit; 0: any
     Traits* resolved = nullptr;
+    const Signature* native = nullptr; ///< of a built-in class's variable, whose type is not looked up yet
+    [[nodiscard]] bool isFinal() const { return unit == nullptr && native == nullptr; }
 };
 
 /// The fixed part of objects of one class (or of a class itself, a script, an activation): names, slots with

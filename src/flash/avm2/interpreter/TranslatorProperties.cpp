@@ -129,9 +129,9 @@ bool Translator::setProperty(std::uint32_t multiname, bool isInit)
         (found->kind == Binding::Kind::Slot || (found->kind == Binding::Kind::Const && isInit))) {
         const auto slot = static_cast<std::uint32_t>(found->id);
         const TypeRef& reference = receiver.traits->slotTypes[slot];
-        bool known = reference.unit == nullptr;
-        Traits* wanted =
-            known ? reference.resolved : settledType(m_vm, *reference.unit, reference.name, known);
+        bool known = reference.isFinal();
+        Traits* wanted = reference.resolved;
+        if (reference.unit != nullptr) wanted = settledType(m_vm, *reference.unit, reference.name, known);
         const Type type = typeOfTraits(wanted), given = m_stack[value].type;
         bool fits = known && wanted == nullptr;
         if (known && wanted != nullptr) {

@@ -73,6 +73,8 @@ public:
     int version = 10;
     /// Of the movie whose code is calling: what it sees of the player, and how that behaves.
     [[nodiscard]] int apiVersion() const;
+    /// The name of the function that runs.
+    [[nodiscard]] Name currentCall() const { return m_calls.empty() ? Name() : m_calls.back()->name; }
     void* binding = nullptr; ///< whoever made the machine, for its natives
     /// Is offered each error that no script caught. @returns whether nobody else is to hear of it
     std::function<bool(Value error)> offerUncaught;
@@ -133,8 +135,8 @@ public:
         return callProperty(base, publicName(property), std::span<const Value>(args.begin(), args.size()));
     }
     Value getBinding(Value base, const Binding& binding);
-    void setBinding(Object& object, Traits& traits, const Binding& binding, Value value,
-                    const Multiname& name, bool isInit);
+    void setBinding(Value base, Traits& traits, const Binding& binding, Value value, const Multiname& name,
+                    bool isInit);
     void setSlotTyped(Object& object, std::uint32_t slot, Value value);
     /// A name that a value gives at run time. @param base gives the namespaces
     Multiname runtimeName(const Multiname& base, Value value);
@@ -249,7 +251,8 @@ private:
     void sign(MethodEnv& env, const Signature& signature);
     void makeCore();
     ClassObject* makeNative(const NativeClass& spec);
-    void bindSlot(Traits& traits, std::string_view text);
+    /// @param signature of the variable, where there is one: it names a class that the text leaves out
+    void bindSlot(Traits& traits, std::string_view text, const Signature* signature);
     void addMembers(ClassObject& cls, const NativeClass& spec);
     bool getFromPrototypes(Object* from, const Multiname& name, Value& result);
     void traceRoots(Tracer& tracer);
