@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/Events.h"
 
 #include "flash/avm2/bindings/EventKinds.h"
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Interactive.h"
 #include "flash/avm2/classes/Library.h"
 
@@ -104,8 +105,14 @@ Value formatToString(Call& call)
 }
 
 /// These were added later, and are not shown.
-constexpr std::u16string_view kUnshown[] = {u"direction", u"errorID",   u"isRelatedObjectInaccessible",
-                                            u"movementX", u"movementY", u"responseHeaders"};
+constexpr std::u16string_view kUnshown[] = {u"direction",
+                                            u"errorID",
+                                            u"imeClient",
+                                            u"isMouseTargetInaccessible",
+                                            u"isRelatedObjectInaccessible",
+                                            u"movementX",
+                                            u"movementY",
+                                            u"responseHeaders"};
 
 Value eventToString(Call& call)
 {
@@ -143,14 +150,19 @@ Value constructDispatcher(Call& call)
     return {};
 }
 
+Name eventType(Call& call)
+{
+    if (call.arg(0).isNullish()) throwNullParameter(call.vm, "type");
+    return call.vm.names().intern(call.vm.toString(call.arg(0)));
+}
 Value addEventListener(Call& call)
 {
+    const Name type = eventType(call);
     if (!isFunction(call.arg(1))) {
         if (call.arg(1).isNullish())
             call.vm.throwError(ErrorClass::Type, 2007, "Parameter listener must be non-null.");
         call.vm.coerce(call.arg(1), call.vm.classes().function->instances);
     }
-    const Name type = call.vm.names().intern(call.vm.toString(call.arg(0)));
     const auto hold =
         call.vm.toBoolean(call.arg(4)) ? DispatcherObject::Hold::Weak : DispatcherObject::Hold::Strong;
     dispatcher(call).listen(call.vm, type, call.arg(1), call.vm.toBoolean(call.arg(2)),
@@ -159,7 +171,8 @@ Value addEventListener(Call& call)
 }
 Value removeEventListener(Call& call)
 {
-    const Name type = call.vm.names().intern(call.vm.toString(call.arg(0)));
+    const Name type = eventType(call);
+    if (call.arg(1).isNullish()) throwNullParameter(call.vm, "listener");
     dispatcher(call).unlisten(call.vm, type, call.arg(1), call.vm.toBoolean(call.arg(2)));
     return {};
 }

@@ -201,6 +201,24 @@ std::optional<stage::LoadRequest> requestArg(Call& call, std::uint32_t i)
     return request;
 }
 
+std::string addressOf(const stage::LoadRequest& request)
+{
+    std::string query;
+    for (const auto& [name, value] : request.variables)
+        query +=
+            (query.empty() ? "" : "&") + percentCoded(fromUtf8(name)) + "=" + percentCoded(fromUtf8(value));
+    if (query.empty()) return request.url;
+    return request.url + (request.url.find('?') == std::string::npos ? "?" : "&") + query;
+}
+
+void askToOpen(Vm& vm, const std::string& url, const std::string& window)
+{
+    stage::Stage& stage = Player::of(vm).stage();
+    if (!stage.queue().takesRequest(url.size() + window.size())) return;
+    stage.queue().addRequest([&host = stage.services().host, url, window] { host.openUrl(url, window); },
+                             url.size() + window.size());
+}
+
 void fireHttpStatus(Vm& vm, DispatcherObject& target)
 {
     fireWith(vm, target, "flash.events::HTTPStatusEvent", "httpStatus", {Value(0)});
@@ -247,6 +265,7 @@ public:
     AVM2_NATIVE(Base)
     UrlLoaderObject(Traits* traits, Object* proto) : Base(traits, proto) {}
     std::uint32_t turn = 0; ///< counts the loads that were asked for or given up
+    bool isLoading = false;
 };
 
 /// What came, in the form that was asked for.
@@ -270,9 +289,13 @@ void loaderAnswered(Vm& vm, DispatcherObject& object, const base::Result<stage::
     const auto step = [&](auto&& work) {
         if (turn == loader.turn) vm.guarded(work);
     };
+    const auto end = [&] {
+        if (turn == loader.turn) loader.isLoading = false;
+    };
     if (!answer) {
         step([&] { fireHttpStatus(vm, loader); });
         step([&] { takeContent(vm, loader, {}); });
+        end();
         step([&] {
             fireWith(vm, loader, "flash.events::IOErrorEvent", "ioError",
                      {Value(vm.string(std::u16string_view(u"Error #2032: Stream Error"))), Value(2032)});
@@ -285,6 +308,7 @@ void loaderAnswered(Vm& vm, DispatcherObject& object, const base::Result<stage::
     step([&] { fireProgress(vm, loader, size, size); });
     step([&] { fireHttpStatus(vm, loader); });
     step([&] { takeContent(vm, loader, answer->bytes); });
+    end();
     step([&] { fire(vm, loader, "complete"); });
 }
 
@@ -294,6 +318,7 @@ Value loadUrl(Call& call)
     auto request = requestArg(call, 0);
     if (!request) throwNullParameter(call.vm, "request");
     ++loader.turn;
+    loader.isLoading = true;
     loader.fields[Loaded] = loader.fields[Total] = 0;
     fetchFor(call, loader, loader.turn, std::move(*request), &loaderAnswered);
     return {};
@@ -307,7 +332,11 @@ Value constructLoader(Call& call)
 }
 Value closeLoader(Call& call)
 {
-    ++selfAs<UrlLoaderObject>(call, LoaderTag::kClass).turn;
+    auto& loader = selfAs<UrlLoaderObject>(call, LoaderTag::kClass);
+    if (!loader.isLoading)
+        call.vm.throwError(ErrorClass::Io, 2029, "This URLStream object does not have a stream opened.");
+    ++loader.turn;
+    loader.isLoading = false;
     return {};
 }
 
@@ -342,17 +371,8 @@ Value navigate(Call& call)
 {
     const auto request = requestArg(call, 0);
     if (!request) throwNullParameter(call.vm, "request");
-    std::string url = request->url;
-    std::string query;
-    for (const auto& [name, value] : request->variables)
-        query +=
-            (query.empty() ? "" : "&") + percentCoded(fromUtf8(name)) + "=" + percentCoded(fromUtf8(value));
-    if (!query.empty()) url += (url.find('?') == std::string::npos ? "?" : "&") + query;
     const std::string window = call.arg(1).isNullish() ? std::string() : toUtf8(call.vm.text(call.arg(1)));
-    stage::Stage& stage = Player::of(call.vm).stage();
-    if (!stage.queue().takesRequest(url.size() + window.size())) return {};
-    stage.queue().addRequest([&host = stage.services().host, url, window] { host.openUrl(url, window); },
-                             url.size() + window.size());
+    askToOpen(call.vm, addressOf(*request), window);
     return {};
 }
 /// What is sent without an answer goes nowhere: there is no network here.

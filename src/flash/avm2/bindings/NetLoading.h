@@ -19,6 +19,10 @@ std::string encodedVariables(Vm& vm, Object* object);
 
 /// What a URLRequest asks for; none for null. @throws 1034 for another object, 2007 without an address
 std::optional<stage::LoadRequest> requestArg(Call& call, std::uint32_t i);
+/// Its address with what it sends along as a query.
+std::string addressOf(const stage::LoadRequest& request);
+/// The host asks the user, after the scripts that run now.
+void askToOpen(Vm& vm, const std::string& url, const std::string& window);
 
 void fireHttpStatus(Vm& vm, DispatcherObject& target);
 void fireProgress(Vm& vm, DispatcherObject& target, double loaded, double total);

@@ -60,7 +60,8 @@ Value align(Call& call)
 Value setAlign(Call& call)
 {
     unsigned bits = 0;
-    for (const char16_t letter : call.vm.text(call.arg(0))) {
+    const Value letters = call.arg(0);
+    for (const char16_t letter : letters.isNullish() ? std::u16string_view() : call.vm.text(letters)) {
         switch (letter) {
         case u'T':
         case u't': bits |= stage::kAlignTop; break;

@@ -144,6 +144,8 @@ Value bytesAvailable(Call& call)
 Value endian(Call& call) { return call.vm.name(self(call).isLittle ? "littleEndian" : "bigEndian").string(); }
 Value setEndian(Call& call)
 {
+    if (call.arg(0).isNullish())
+        call.vm.throwError(ErrorClass::Type, 2007, "Parameter type must be non-null.");
     const auto text = call.vm.text(call.arg(0));
     if (text != u"littleEndian" && text != u"bigEndian")
         call.vm.throwError(ErrorClass::Argument, 2008, "Parameter type must be one of the accepted values.");
@@ -366,7 +368,11 @@ Value setDefaultEncoding(Call& call)
 }
 void setUp(Vm& vm, ClassObject& cls) { addState<ByteArrayState>(vm, cls); }
 
+/// What the bytes mean nobody here knows.
+Value toJson(Call& call) { return call.vm.string(std::string_view("ByteArray")); }
+
 constexpr NativeMember kMembers[] = {
+    {"toJSON", Kind::Prototype, &toJson, 0, 1},
     {"length", Kind::Getter, &length, 0, 0, &setLength, "uint", &quickMeasure<Measure::Length>},
     {"position", Kind::Getter, &position, 0, 0, &setPosition, "uint", &quickMeasure<Measure::Position>},
     {"bytesAvailable", Kind::Getter, &bytesAvailable, 0, 0, nullptr, "uint",

@@ -212,7 +212,11 @@ private:
     bool write(Value holder, Value key, Value value, const std::u16string& indent)
     {
         m_vm.check();
-        if (value.isObject() && m_vm.has(value, m_vm.publicName(m_vm.common().toJSON))) {
+        if (value.isObject() && value.object()->isXml()) {
+            // Names of its own are those of its elements.
+            const Value function = m_vm.getPublic(Value(value.object()->proto()), "toJSON");
+            if (isFunction(function)) value = m_vm.call(function, value, {key});
+        } else if (value.isObject() && m_vm.has(value, m_vm.publicName(m_vm.common().toJSON))) {
             const Value function = m_vm.getPublic(value, "toJSON");
             if (isFunction(function))
                 value = m_vm.callProperty(value, m_vm.publicName(m_vm.common().toJSON), {&key, 1});

@@ -1,12 +1,13 @@
 #include "base/Ascii.h"
 #include "flash/avm2/classes/DescribeType.h"
 #include "flash/avm2/classes/Library.h"
+#include "flash/avm2/classes/Xml.h"
 
 #include <QChar>
 
-#include <array>
-
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace flash::avm2::classes
 {
@@ -78,21 +79,22 @@ Value parseInt(Call& call)
     return negative ? -value : value;
 }
 
-Value parseFloat(Call& call) { return vm::parseFloatPrefix(call.vm.text(call.arg(0))); }
+Value parseFloat(Call& call)
+{
+    const std::u16string_view text = call.vm.text(call.arg(0));
+    const std::size_t sign = std::min(text.find_first_not_of(u" \t\r\n"), text.size());
+    const bool isSigned = sign < text.size() && (text[sign] == u'-' || text[sign] == u'+');
+    if (text.substr(sign + (isSigned ? 1 : 0)).starts_with(u"Infinity"))
+        return isSigned && text[sign] == u'-' ? -HUGE_VAL : HUGE_VAL;
+    return vm::parseFloatPrefix(text);
+}
 Value isNaN(Call& call) { return std::isnan(call.vm.toNumber(call.arg(0))); }
 Value isFinite(Call& call) { return std::isfinite(call.vm.toNumber(call.arg(0))); }
 
 Value isXmlName(Call& call)
 {
     if (call.arg(0).isNullish()) return false;
-    const auto text = call.vm.text(call.arg(0));
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t unit = text[i];
-        const bool isStart = (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z' && unit < 0x80;
-        const bool isMore = (unit >= u'0' && unit <= u'9') || unit == u'-' || unit == u'.';
-        if (!(isStart || unit == u'_' || unit >= 0xC0 || (i > 0 && isMore))) return false;
-    }
-    return !text.empty();
+    return isXmlNameText(call.vm.text(call.arg(0)));
 }
 
 constexpr std::string_view kAlphanumeric = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";

@@ -92,6 +92,7 @@ XmlNode* nodeOf(Value value); ///< of an XML, or of a list of one; null else
 XmlNode* copyOf(Vm& vm, const XmlNode& node);
 /// Reads markup. @returns the nodes at its top. @throws 1085 and its like
 void parseXml(Vm& vm, std::u16string_view text, TracedList<XmlNode*>& out);
+bool isXmlNameText(std::u16string_view text);
 std::u16string_view trimmedXml(std::u16string_view text); ///< without blanks at either end
 std::u16string toMarkup(Vm& vm, const XmlNode& node, bool pretty, int indent = 0);
 std::u16string contentText(Vm& vm, const XmlNode& node);

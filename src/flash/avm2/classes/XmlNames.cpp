@@ -5,6 +5,17 @@
 namespace flash::avm2::classes
 {
 
+bool isXmlNameText(std::u16string_view text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i];
+        const bool isStart = (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z' && unit < 0x80;
+        const bool isMore = (unit >= u'0' && unit <= u'9') || unit == u'-' || unit == u'.';
+        if (!(isStart || unit == u'_' || unit >= 0xC0 || (i > 0 && isMore))) return false;
+    }
+    return !text.empty();
+}
+
 namespace xml
 {
 
@@ -13,6 +24,15 @@ namespace
 bool hasName(const XmlNode& node)
 {
     return node.kind != XmlNode::Kind::Text && node.kind != XmlNode::Kind::Comment;
+}
+/// A name given as a text. @throws 1117 for one that no document could have
+Name nameTextArg(Call& call)
+{
+    const Name name = call.vm.names().intern(call.vm.toString(call.arg(0)));
+    if (!isXmlNameText(name.view()))
+        call.vm.throwError(ErrorClass::Type, 1117,
+                           u"Invalid XML name: " + std::u16string(name.view()) + u".");
+    return name;
 }
 } // namespace
 Value localName(Call& call)
@@ -38,7 +58,7 @@ Value setName(Call& call)
         node.name = qname->name;
         if (qname->ns != nullptr && node.kind != XmlNode::Kind::Instruction) node.ns = qname->ns;
     } else {
-        node.name = call.vm.names().intern(call.vm.toString(call.arg(0)));
+        node.name = nameTextArg(call);
     }
     return {};
 }
@@ -47,7 +67,7 @@ Value setLocalName(Call& call)
     XmlNode& node = one(call);
     if (!hasName(node)) return {};
     auto* qname = as<QNameObject>(call.arg(0));
-    node.name = qname != nullptr ? qname->name : call.vm.names().intern(call.vm.toString(call.arg(0)));
+    node.name = qname != nullptr ? qname->name : nameTextArg(call);
     return {};
 }
 namespace

@@ -22,7 +22,9 @@ XmlNode& one(Call& call)
 {
     auto nodes = nodesOf(call);
     if (nodes.size() != 1)
-        call.vm.throwError(ErrorClass::Type, 1086, "The method only works on lists containing one item.");
+        call.vm.throwError(ErrorClass::Type, 1086,
+                           u"The " + std::u16string(call.vm.currentCall().view()) +
+                               u" method only works on lists containing one item.");
     return *nodes[0];
 }
 
