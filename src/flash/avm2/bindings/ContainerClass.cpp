@@ -1,6 +1,7 @@
 #include "flash/avm2/bindings/Conversions.h"
 #include "flash/avm2/bindings/Display.h"
 #include "flash/avm2/bindings/Library.h"
+#include "flash/avm2/bindings/OldMovies.h"
 #include "flash/avm2/bindings/Player.h"
 
 #include <algorithm>
@@ -26,6 +27,11 @@ void checkNesting(Call& call, DisplayObject& parent, DisplayObject& child)
         call.vm.throwError(
             ErrorClass::Argument, 2150,
             "An object cannot be added as a child to one of it's children (or children's children, etc.).");
+    if (child.node().kind() == stage::NodeKind::Shape &&
+        dynamic_cast<const OldMovieNode*>(&child.node()) != nullptr)
+        call.vm.throwError(ErrorClass::Argument, 2180,
+                           "It is illegal to move AVM1 content (AS1 or AS2) to a different part of the "
+                           "displayList when it has been loaded into AVM2 content.");
     if (child.isStage)
         call.vm.throwError(ErrorClass::Argument, 2175,
                            "One or more items on the render list could not be added.");

@@ -94,6 +94,8 @@ bool show(Vm& vm, DisplayObject& loader, base::Bytes bytes, const std::string& u
             LoadedMovie& added = player.addMovie(*movie, url, info.domain);
             added.loaderInfo = &info;
             info.content = player.makeRoot(added, nullptr);
+        } else if (player.kept.refusesOldMovies) {
+            return false;
         } else {
             info.kind = LoaderInfoObject::Content::OldMovie;
             auto* content =
@@ -126,19 +128,11 @@ bool show(Vm& vm, DisplayObject& loader, base::Bytes bytes, const std::string& u
     return true;
 }
 
-/// @param url empty for bytes
-void arrive(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& bytes, const std::string& url)
+/// What came is shown and told of. @param url empty for bytes
+void present(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& bytes, const std::string& url)
 {
     LoaderInfoObject& info = *infoOf(loader);
     const bool fromFile = !url.empty();
-    if (fromFile) fire(vm, info, "open");
-    info.loaded = 0;
-    info.total = static_cast<double>(bytes.size());
-    progress(vm, info);
-    info.loaded = info.total;
-    if (const auto movie = swf::parseMovie(bytes)) info.bytes = bytesValue(vm, (*movie)->bytes);
-    info.parameters = queryParameters(vm, url);
-    progress(vm, info);
     const std::string address = fromFile ? url : Player::of(vm).stage().url();
     if (!show(vm, loader, bytes, address)) {
         info.bytes = Value();
@@ -151,6 +145,40 @@ void arrive(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& byte
         info.content->skipsStep = !fromFile;
     }
     finish(vm, loader, fromFile);
+}
+
+bool beginsPicture(std::span<const std::uint8_t> bytes)
+{
+    constexpr std::string_view kBegins[] = {"\xFF\xD8", "\x89PNG", "GIF8"};
+    return std::ranges::any_of(kBegins, [&](std::string_view begin) {
+        return std::ranges::equal(begin, bytes.first(std::min(begin.size(), bytes.size())), {},
+                                  [](char unit) { return static_cast<std::uint8_t>(unit); });
+    });
+}
+
+/// @param url empty for bytes
+void arrive(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& bytes, const std::string& url)
+{
+    LoaderInfoObject& info = *infoOf(loader);
+    const bool fromFile = !url.empty();
+    const int generation = loader.generation;
+    if (fromFile) fire(vm, info, "open");
+    info.loaded = 0;
+    info.total = static_cast<double>(bytes.size());
+    progress(vm, info);
+    info.loaded = info.total;
+    const auto movie = swf::parseMovie(bytes);
+    if (movie) info.bytes = bytesValue(vm, (*movie)->bytes);
+    info.parameters = queryParameters(vm, url);
+    progress(vm, info);
+    if (fromFile || movie || !beginsPicture(bytes)) return present(vm, loader, bytes, url);
+    // Pictures are taken apart aside from the scripts: whoever gives their bytes finds them a frame later.
+    auto held = std::make_shared<Root<DisplayObject>>(vm.heap(), &loader);
+    Player::of(vm).later([&vm, held, generation, bytes] {
+        Player::of(vm).later([&vm, held, generation, bytes] {
+            if ((*held)->generation == generation) present(vm, **held, bytes, {});
+        });
+    });
 }
 
 Domain* contextDomain(Call& call, std::uint32_t index)

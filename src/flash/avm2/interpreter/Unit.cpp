@@ -229,7 +229,7 @@ Unit* Domain::load(Vm& vm, std::shared_ptr<const abc::Abc> abc, int version)
             // The first definition of a name stays, as with scripts that come later from elsewhere.
             if (m_definitions
                     .try_emplace(Key{name.name.cell(), name.single},
-                                 Definition{name.name, name.single, unit, i})
+                                 Definition{name.name, name.single, unit, i, false})
                     .second)
                 m_order.push_back({name.name.cell(), name.single});
         }
@@ -249,22 +249,25 @@ const Domain::Definition* Domain::definition(const Multiname& name) const
 
 Object* Domain::find(Vm& vm, const Multiname& name)
 {
+    const Definition* known = definition(name);
+    if (known != nullptr && known->isTaken) return known->unit->script(vm, known->script);
     if (parent == nullptr) {
         Value ignored;
         if (vm.findNative(name, ignored)) return vm.nativeGlobal();
     } else if (Object* found = parent->find(vm, name)) {
         return found;
     }
-    const Definition* known = definition(name);
-    return known == nullptr ? nullptr : known->unit->script(vm, known->script);
+    if (known == nullptr) return nullptr;
+    known->isTaken = true;
+    return known->unit->script(vm, known->script);
 }
 
 Value Domain::madeAlready(const Multiname& name) const
 {
-    if (parent != nullptr) {
+    const Definition* known = definition(name);
+    if (parent != nullptr && (known == nullptr || !known->isTaken)) {
         if (const Value made = parent->madeAlready(name); !made.isUndefined()) return made;
     }
-    const Definition* known = definition(name);
     Object* global = known != nullptr ? known->unit->scriptIfMade(known->script) : nullptr;
     const Binding* binding = global != nullptr ? global->traits()->find(name) : nullptr;
     if (binding == nullptr || (binding->kind != Binding::Kind::Const && binding->kind != Binding::Kind::Slot))

@@ -116,6 +116,8 @@ private:
         Namespace* ns;
         Unit* unit;
         std::uint32_t script;
+        /// Found in here once: what those above come to define under its name no longer hides it.
+        mutable bool isTaken = false;
     };
     static constexpr std::size_t kSpareBytes = 1024;
     std::vector<std::uint8_t> m_spareMemory;

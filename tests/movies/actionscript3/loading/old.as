@@ -22,6 +22,11 @@ package {
             var info:LoaderInfo = loader.contentLoaderInfo;
             trace("init", loader.content, info.actionScriptVersion, info.swfVersion, info.width, info.height);
             trace("size", loader.content.width, loader.content.height, loader.width, loader.height);
+            try {
+                addChild(loader.content);
+            } catch (error:ArgumentError) {
+                trace("stays", error.errorID, loader.content.parent == loader);
+            }
         }
         private function onPress(event:MouseEvent):void { trace("pressed", event.target, event.stageX, event.stageY); }
         private function onFrame(event:Event):void
