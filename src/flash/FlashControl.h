@@ -197,7 +197,7 @@ public:
     struct Menu {
         struct Item {
             /// All but a movie's own items have the host's captions.
-            enum class Kind : quint8 { Own, Cut, Copy, Paste, Clear, SelectAll };
+            enum class Kind : quint8 { Own, Cut, Copy, Paste, Clear, SelectAll, OpenLink, CopyLink };
             Kind kind = Kind::Own;
             QString caption; ///< of one line
             bool separatorBefore = false, enabled = true;

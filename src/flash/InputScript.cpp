@@ -80,7 +80,8 @@ char32_t characterOf(int keyCode)
 /// A line of what a menu shows, as it stands among the traces.
 std::string menuLine(const stage::MenuItem& item)
 {
-    constexpr const char* kKinds[] = {"", "[cut]", "[copy]", "[paste]", "[clear]", "[select all]"};
+    constexpr const char* kKinds[] = {"",        "[cut]",        "[copy]",      "[paste]",
+                                      "[clear]", "[select all]", "[open link]", "[copy link]"};
     return std::string("menu: ") + (item.separatorBefore ? "| " : "") + item.caption +
            kKinds[static_cast<std::size_t>(item.kind)] + (item.enabled ? "" : " (off)");
 }

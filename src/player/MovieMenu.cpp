@@ -21,6 +21,8 @@ QString captionOf(const Menu::Item& item)
     case Menu::Item::Kind::Paste: return QString(texts::kTextPaste);
     case Menu::Item::Kind::Clear: return QString(texts::kTextClear);
     case Menu::Item::Kind::SelectAll: return QString(texts::kTextSelectAll);
+    case Menu::Item::Kind::OpenLink: return QString(texts::kLinkOpen);
+    case Menu::Item::Kind::CopyLink: return QString(texts::kLinkCopy);
     }
     return {};
 }

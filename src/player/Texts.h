@@ -23,6 +23,8 @@ inline constexpr core::Text kTextCopy         = QT_TRANSLATE_NOOP("zorvex", "К�
 inline constexpr core::Text kTextPaste        = QT_TRANSLATE_NOOP("zorvex", "Вставить");
 inline constexpr core::Text kTextClear        = QT_TRANSLATE_NOOP("zorvex", "Удалить");
 inline constexpr core::Text kTextSelectAll    = QT_TRANSLATE_NOOP("zorvex", "Выделить всё");
+inline constexpr core::Text kLinkOpen         = QT_TRANSLATE_NOOP("zorvex", "Открыть ссылку");
+inline constexpr core::Text kLinkCopy         = QT_TRANSLATE_NOOP("zorvex", "Копировать ссылку");
 
 inline constexpr core::Text kTimeModes[]      = {QT_TRANSLATE_NOOP("zorvex", "Прошло времени: "), QT_TRANSLATE_NOOP("zorvex", "Осталось времени: "), QT_TRANSLATE_NOOP("zorvex", "Всего времени: "),
                                                   QT_TRANSLATE_NOOP("zorvex", "Прошло кадров: "),  QT_TRANSLATE_NOOP("zorvex", "Осталось кадров: "),  QT_TRANSLATE_NOOP("zorvex", "Всего кадров: ")};

@@ -267,7 +267,7 @@ void RemoteMovie::take(FromMovie message)
         return;
     } else if (auto* menu = std::get_if<Menu>(&message)) {
         for (const MenuEntry& item : menu->items) {
-            if (item.kind > static_cast<std::uint8_t>(stage::MenuItem::Kind::SelectAll)) return ended();
+            if (item.kind > static_cast<std::uint8_t>(stage::MenuItem::kLastKind)) return ended();
         }
         m_menu = std::move(*menu);
         return;

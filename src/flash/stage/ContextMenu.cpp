@@ -93,7 +93,9 @@ void doTextItem(Stage& stage, TextField& field, MenuItem::Kind kind)
     // Scripts that heard of it may have moved it on, or taken the field away.
     if (stage.focus().node() != &field || field.isRemoved()) return;
     switch (kind) {
-    case MenuItem::Kind::Own: break;
+    case MenuItem::Kind::Own:
+    case MenuItem::Kind::OpenLink:
+    case MenuItem::Kind::CopyLink: break;
     case MenuItem::Kind::Cut: field.command(TextCommand::Cut); break;
     case MenuItem::Kind::Copy: field.command(TextCommand::Copy); break;
     case MenuItem::Kind::Paste: field.command(TextCommand::Paste); break;

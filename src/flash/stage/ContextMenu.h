@@ -16,7 +16,8 @@ class TextField;
 /// An item that a movie adds to the menu of the right button.
 struct MenuItem {
     /// What choosing it does; the captions of all but a movie's own are the host's.
-    enum class Kind : std::uint8_t { Own, Cut, Copy, Paste, Clear, SelectAll };
+    enum class Kind : std::uint8_t { Own, Cut, Copy, Paste, Clear, SelectAll, OpenLink, CopyLink };
+    static constexpr Kind kLastKind = Kind::CopyLink;
     Kind kind = Kind::Own;
     std::string caption; ///< UTF-8; of the movie's own
     bool separatorBefore = false, enabled = true;

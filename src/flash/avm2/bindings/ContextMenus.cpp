@@ -2,6 +2,7 @@
 
 #include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Input.h"
+#include "flash/avm2/bindings/NetLoading.h"
 #include "flash/avm2/bindings/OldMovies.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/interpreter/Collections.h"
@@ -89,6 +90,7 @@ std::vector<stage::MenuItem> ContextMenus::open(stage::MenuAt at)
         if (!isFound) return;
         tell(*menu, "menuSelect");
         listItems(*menu, items);
+        if (listLink(*menu, items)) return;
         if (m_field.expired()) listClipboard(*menu, items);
     });
     if (const stage::NodePtr field = m_field.lock(); field != nullptr && !field->isRemoved())
@@ -118,6 +120,28 @@ void ContextMenus::listItems(DispatcherObject& menu, stage::MenuItems& items)
         if (items.add(vm.text(caption), flag("separatorBefore"), flag("enabled"), flag("visible")))
             m_listed.push_back(as<DispatcherObject>(entry));
     }
+}
+
+/// @returns whether the menu is one of a link: what else it says of the clipboard does not count then
+bool ContextMenus::listLink(DispatcherObject& menu, stage::MenuItems& items)
+{
+    Vm& vm = m_player.vm();
+    const Value link = property(vm, menu, kMenu, "link");
+    if (link.isNullish() || vm.getPublic(link, "url").isNullish()) return false;
+    Call reading{vm, Value(&menu), &link, 1};
+    const auto request = requestArg(reading, 0);
+    m_link = addressOf(*request);
+    items.add(Kind::OpenLink, true);
+    items.add(Kind::CopyLink, true);
+    return true;
+}
+
+void ContextMenus::followLink(Kind kind)
+{
+    if (kind == Kind::OpenLink)
+        askToOpen(m_player.vm(), m_link, "_blank");
+    else
+        m_player.stage().services().host.setClipboardText(m_link);
 }
 
 void ContextMenus::listClipboard(DispatcherObject& menu, stage::MenuItems& items)
@@ -153,7 +177,9 @@ void ContextMenus::choose(std::size_t item)
     Vm& vm = m_player.vm();
     Root<DispatcherObject> chosen(vm.heap(), item < m_listed.size() ? (*m_listed)[item] : nullptr);
     m_kinds.clear(); // chosen from once
-    if (kind != Kind::Own) {
+    if (kind == Kind::OpenLink || kind == Kind::CopyLink) {
+        followLink(kind);
+    } else if (kind != Kind::Own) {
         if (editField(kind)) return close();
         const auto* known = std::ranges::find(kClipboard, kind, &ClipboardItem::kind);
         Root<DisplayObject> owner(vm.heap(), m_owner.get());
@@ -172,6 +198,7 @@ void ContextMenus::close()
     m_field.reset();
     m_oldMovie.reset();
     m_kinds.clear();
+    m_link.clear();
 }
 
 // ---- the player's part ----

@@ -29,6 +29,8 @@ private:
     void listItems(DispatcherObject& menu, stage::MenuItems& items);
     void listClipboard(DispatcherObject& menu, stage::MenuItems& items);
     void tell(DispatcherObject& hearer, std::string_view type);
+    bool listLink(DispatcherObject& menu, stage::MenuItems& items);
+    void followLink(stage::MenuItem::Kind kind);
     bool editField(stage::MenuItem::Kind kind);
 
     Player& m_player;
@@ -37,6 +39,7 @@ private:
     std::weak_ptr<stage::Node> m_field;
     std::weak_ptr<OldMovieNode> m_oldMovie;
     std::vector<stage::MenuItem::Kind> m_kinds; ///< of all that is shown
+    std::string m_link;                         ///< where it leads, UTF-8
 };
 
 } // namespace flash::avm2
