@@ -57,6 +57,7 @@ public:
             return fonts.embedded(movie, definition.fontId);
         if (render::FontFacePtr face = fonts.embedded(movie, style.font, style.bold, style.italic))
             return face;
+        if (render::FontFacePtr face = fonts.shared(style.font, style.bold, style.italic)) return face;
         // HTML need not repeat that the field's own font is a bold one.
         const bool plain = own && !style.bold && !style.italic;
         return plain && m_field.m_html && m_field.m_stage.linkage().textOf(movie, own->name) == style.font

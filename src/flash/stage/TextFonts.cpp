@@ -49,6 +49,20 @@ render::FontFacePtr TextFonts::embedded(const MoviePtr& movie, const std::string
     return found == known.fontByKey.end() ? nullptr : embedded(movie, found->second);
 }
 
+render::FontFacePtr TextFonts::shared(const std::string& name, bool bold, bool italic)
+{
+    const std::string wanted = keyOf(name, bold, italic);
+    for (const auto& [from, id] : m_shared) {
+        const MoviePtr movie = from.lock();
+        const swf::Character* character = movie ? movie->character(id) : nullptr;
+        const auto* font = character != nullptr ? std::get_if<swf::Font>(&character->data) : nullptr;
+        if (font == nullptr) continue;
+        if (keyOf(m_stage.linkage().textOf(movie, font->name), font->bold, font->italic) == wanted)
+            return embedded(movie, id);
+    }
+    return nullptr;
+}
+
 render::FontFacePtr TextFonts::embedded(const MoviePtr& movie, std::uint16_t fontId)
 {
     if (!movie) return nullptr;

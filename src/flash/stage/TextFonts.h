@@ -24,6 +24,10 @@ public:
     render::FontFacePtr embedded(const MoviePtr& movie, const std::string& name, bool bold, bool italic);
     /// By its number. @returns null when that is no font
     render::FontFacePtr embedded(const MoviePtr& movie, std::uint16_t fontId);
+    /// Lets the fields of all movies have a font, as long as its movie is there.
+    void share(const MoviePtr& movie, std::uint16_t fontId) { m_shared.emplace_back(movie, fontId); }
+    /// One of those. @returns null when there is none of that name and style
+    render::FontFacePtr shared(const std::string& name, bool bold, bool italic);
     render::FontFacePtr device(const std::string& name, bool bold, bool italic);
     /// A font of the machine; where it has none of that name, that of the movie, as far as its letters go.
     render::FontFacePtr device(const MoviePtr& movie, const std::string& name, bool bold, bool italic);
@@ -39,6 +43,7 @@ private:
     };
     PerMovie& of(const MoviePtr& movie);
     std::unordered_map<const swf::Movie*, PerMovie> m_movies;
+    std::vector<std::pair<std::weak_ptr<const swf::Movie>, std::uint16_t>> m_shared;
     Stage& m_stage; // which owns this
     render::DeviceFonts m_device;
 };

@@ -4,6 +4,7 @@
 #include "flash/stage/TextFonts.h"
 
 #include <algorithm>
+#include <tuple>
 
 // Fonts as scripts see them, and the lists of constants around texts.
 namespace flash::avm2
@@ -86,7 +87,7 @@ Value enumerateFonts(Call& call)
         font->deviceName = device;
         list->push(vm, Value(font));
     };
-    for (const auto& [movie, id] : Player::of(vm).fonts()) add(movie, id, {});
+    for (const auto& [movie, id] : Player::of(vm).fontsSeenFrom(vm.currentDomain())) add(movie, id, {});
     if (call.has(0) && vm.toBoolean(call.arg(0))) {
         for (const std::string& name : stage::TextFonts::installed()) add(nullptr, 0, name);
     }
@@ -183,10 +184,11 @@ constexpr NativeClass kClasses[] = {
 
 } // namespace
 
-std::vector<std::pair<stage::MoviePtr, std::uint16_t>> Player::fonts() const
+std::vector<std::pair<stage::MoviePtr, std::uint16_t>> Player::fontsSeenFrom(const Domain* domain) const
 {
     std::vector<std::pair<stage::MoviePtr, std::uint16_t>> result;
     for (const auto& loaded : m_movies) {
+        if (loaded->domain != domain) continue;
         for (const auto& [id, cls] : loaded->symbols) {
             const swf::Character* character = loaded->movie->character(id);
             if (character != nullptr && std::holds_alternative<swf::Font>(character->data))
@@ -200,10 +202,19 @@ std::vector<std::pair<stage::MoviePtr, std::uint16_t>> Player::fonts() const
 void Player::registerFont(const stage::MoviePtr& movie, std::uint16_t id)
 {
     constexpr std::size_t kMaxFonts = 1000;
+    const auto faceOf = [](const auto& entry) {
+        const auto& font = std::get<swf::Font>(entry.first->character(entry.second)->data);
+        return std::tuple(std::string_view(font.name), font.bold, font.italic);
+    };
     const std::pair entry(movie, id);
-    if (m_registeredFonts.size() < kMaxFonts &&
-        std::ranges::find(m_registeredFonts, entry) == m_registeredFonts.end())
-        m_registeredFonts.push_back(entry);
+    const swf::Character* character = movie->character(id);
+    if (character == nullptr || !std::holds_alternative<swf::Font>(character->data)) return;
+    // Of two with one name and style the first stays.
+    if (m_registeredFonts.size() >= kMaxFonts ||
+        std::ranges::find(m_registeredFonts, faceOf(entry), faceOf) != m_registeredFonts.end())
+        return;
+    m_registeredFonts.push_back(entry);
+    m_stage->textFonts().share(movie, id);
 }
 
 NativeLibrary fontLibrary() { return {kClasses, {}}; }

@@ -173,8 +173,10 @@ public:
     std::map<std::u16string, Root<Object>>& localConnections() { return m_localConnections; }
     /// Those that are open, by the name that the store knows.
     std::map<std::string, Root<Object>>& sharedObjects() { return m_sharedObjects; }
-    /// Embedded ones that texts find: those of the movie that have classes, and those that were registered.
-    [[nodiscard]] std::vector<std::pair<stage::MoviePtr, std::uint16_t>> fonts() const;
+    /// Embedded ones that code of a domain finds: those of its movies that have classes, and all that were
+    /// registered.
+    [[nodiscard]] std::vector<std::pair<stage::MoviePtr, std::uint16_t>>
+    fontsSeenFrom(const Domain* domain) const;
     void registerFont(const stage::MoviePtr& movie, std::uint16_t id);
     /// The channel hears when the sound has ended.
     void watchSound(std::uint64_t id, Object& channel);

@@ -387,7 +387,7 @@ render::FontFacePtr faceOf(Vm& vm, FontDescriptionObject* font)
     const bool bold = is(FontWeight, u"bold"), italic = is(FontPosture, u"italic");
     if (is(FontLookup, u"embeddedCFF")) {
         if (auto face = fonts.embedded(player.stage().movie(), name, bold, italic)) return face;
-        for (const auto& [movie, id] : player.fonts()) {
+        for (const auto& [movie, id] : player.fontsSeenFrom(vm.currentDomain())) {
             if (auto face = fonts.embedded(movie, name, bold, italic)) return face;
         }
     }

@@ -1,6 +1,8 @@
+#include "flash/avm2/bindings/Fields.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/bindings/TextField.h"
 #include "flash/avm2/bindings/TextFormat.h"
+#include "flash/stage/TextFonts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -131,6 +133,25 @@ Value textRuns(Call& call)
     return Value(list);
 }
 Value rawText(Call& call) { return call.vm.string(fieldSelf(call).text()); }
+
+/// Whether there is an embedded font of a name and style that the code's movie has, or one that is shared.
+Value isFontCompatible(Call& call)
+{
+    const std::string name = toUtf8(textArg(call, 0, "fontName"));
+    const std::u16string style = textArg(call, 1, "fontStyle");
+    const bool isBoth = style == u"boldItalic";
+    if (style != u"regular" && style != u"bold" && style != u"italic" && !isBoth)
+        throwNotAccepted(call.vm, "fontStyle");
+    const bool bold = isBoth || style == u"bold", italic = isBoth || style == u"italic";
+    Player& player = Player::of(call.vm);
+    stage::TextFonts& fonts = player.stage().textFonts();
+    if (fonts.embedded(player.stage().movie(), name, bold, italic) != nullptr ||
+        fonts.shared(name, bold, italic) != nullptr)
+        return true;
+    const auto seen = player.fontsSeenFrom(call.vm.currentDomain());
+    return std::ranges::any_of(
+        seen, [&](const auto& entry) { return fonts.embedded(entry.first, name, bold, italic) != nullptr; });
+}
 
 constexpr NativeMember kMethods[] = {
     {"appendText", Kind::Method, &appendText, 1, 1},
@@ -271,7 +292,7 @@ constexpr NativeMember kLineMethods[] = {
     {"getFirstCharInParagraph", Kind::Method, &firstInParagraph, 1, 1},
     {"getParagraphLength", Kind::Method, &paragraphLength, 1, 1},
     {"getImageReference", Kind::Method, &isAlwaysNull, 1, 1},
-    {"isFontCompatible", Kind::Static, &isAlwaysTrue, 2, 2},
+    {"isFontCompatible", Kind::Static, &isFontCompatible, 2, 2},
 };
 
 } // namespace
