@@ -18,6 +18,8 @@ constexpr double kBulletTextX = 36 * swf::kTwipsPerPixel;
 constexpr char32_t kBulletCharacter = 0x2022;
 // Where no tab stops are given they lie so far apart, times the height of the letters.
 constexpr double kTabDistance = 1.979;
+// Lines with less room than that beside floats stand below them.
+constexpr double kLeastRoom = 20 * swf::kTwipsPerPixel;
 
 bool isLineBreak(char16_t c) { return c == u'\r' || c == u'\n'; }
 bool isSpace(char32_t c) { return c == U' ' || c == U'\t'; }
@@ -166,23 +168,42 @@ double LayoutBuilder::nextTop() const
     return std::max(m_leastTop, lines.empty() ? 0 : lines.back().bottom() + lines.back().leading);
 }
 
+void LayoutBuilder::placeFloat(double rightMargin)
+{
+    const TextFloat& next = m_options.floats[m_layout.m_floats.size()];
+    double top = nextTop();
+    for (const PlacedFloat& other : m_standing)
+        if (other.onRight == next.onRight) top = std::max(top, other.bottom);
+    const double left = next.onRight ? std::max(0.0, m_options.width - rightMargin - next.width) : 0;
+    m_layout.m_floats.push_back({left, top});
+    m_standing.push_back({top, top + next.height, next.width, next.onRight});
+}
+
 void LayoutBuilder::placeFloats(std::size_t index, double rightMargin)
 {
-    while (m_layout.m_floats.size() < m_options.floats.size()) {
-        const TextFloat& next = m_options.floats[m_layout.m_floats.size()];
-        if (next.index > index) return;
-        double top = nextTop();
-        for (const PlacedFloat& other : m_standing)
-            if (other.onRight == next.onRight) top = std::max(top, other.bottom);
-        const double left = next.onRight ? std::max(0.0, m_options.width - rightMargin - next.width) : 0;
-        m_layout.m_floats.push_back({left, top});
-        m_standing.push_back({top, top + next.height, next.width, next.onRight});
+    while (m_layout.m_floats.size() < m_options.floats.size() &&
+           m_options.floats[m_layout.m_floats.size()].index <= index)
+        placeFloat(rightMargin);
+}
+
+bool LayoutBuilder::placeFloatAmid(std::size_t first, std::size_t last, std::size_t end, double room,
+                                   double rightMargin)
+{
+    if (m_layout.m_floats.size() == m_options.floats.size()) return false;
+    const TextFloat& next = m_options.floats[m_layout.m_floats.size()];
+    if (next.index > end) return false;
+    double x = 0, before = 0;
+    for (std::size_t i = first; i < last && m_cells[i].index < next.index; ++i) {
+        x += m_cells[i].advance;
+        if (!isSpace(m_cells[i].character)) before = x;
     }
+    if (m_options.wordWrap && next.width + std::max(before, kLeastRoom) > room) return false;
+    placeFloat(rightMargin);
+    return true;
 }
 
 LayoutBuilder::Sides LayoutBuilder::besideFloats(double room)
 {
-    constexpr double kLeastRoom = 20 * swf::kTwipsPerPixel;
     for (;;) {
         const double top = nextTop();
         std::erase_if(m_standing, [&](const PlacedFloat& f) { return f.bottom <= top; });
@@ -210,9 +231,15 @@ void LayoutBuilder::paragraph(std::size_t begin, std::size_t end, bool hasBreak)
         const double indent = isFirst ? style.indent : 0;
         placeFloats(first < m_cells.size() ? m_cells[first].index : end, style.rightMargin);
         const double whole = m_options.width - margin - indent - style.rightMargin;
-        const Sides beside = besideFloats(whole);
-        const double room = whole - beside.left - beside.right;
-        const std::size_t last = fitCells(first, style.blockIndent + indent, room);
+        Sides beside = besideFloats(whole);
+        std::size_t last = 0;
+        for (;;) {
+            const double room = whole - beside.left - beside.right;
+            last = fitCells(first, style.blockIndent + indent, room);
+            const std::size_t lastIndex = last < m_cells.size() ? m_cells[last].index - 1 : end;
+            if (!placeFloatAmid(first, last, lastIndex, room, style.rightMargin)) break;
+            beside = besideFloats(whole);
+        }
         const bool isLast = last == m_cells.size();
         const std::size_t lineBegin = first < m_cells.size() ? m_cells[first].index : end;
         const std::size_t lineEnd = isLast ? end + (hasBreak ? 1 : 0) : m_cells[last].index;

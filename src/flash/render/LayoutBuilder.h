@@ -50,6 +50,12 @@ private:
     void addBullet(std::size_t run, double x);
     /// Places the floats that begin at or before a character, at the line that comes next.
     void placeFloats(std::size_t index, double rightMargin);
+    /// Places the first of those left beside the line that comes next, if it begins amid that line and the
+    /// letters before it, or a letter or two, have room there as well. @returns whether it did
+    /// @param first,last cells of the line. @param end of the line's characters, which it may begin behind
+    bool placeFloatAmid(std::size_t first, std::size_t last, std::size_t end, double room,
+                        double rightMargin);
+    void placeFloat(double rightMargin);
     /// What the floats take away from the next line, on each side; moves it below them when they leave less
     /// than a letter or two of `room`.
     struct Sides {

@@ -179,10 +179,10 @@ TEST(TextLayout, FlowsAroundWhatStandsAtTheSides)
     TextOptions options{.width = 1100, .wordWrap = true, .password = {}};
     options.floats = {{0, 400, 250, false}, {1, 200, 100, true}};
     const TextLayout layout = layOut(text, options);
-    EXPECT_EQ(linesOf(layout, text), (std::vector<std::u16string>{u"aa b cc ", u"d ee ", u"f gg"}));
+    EXPECT_EQ(linesOf(layout, text), (std::vector<std::u16string>{u"aa b ", u"cc d ee ", u"f gg"}));
     ASSERT_EQ(layout.floats().size(), 2U);
     EXPECT_EQ(layout.floats()[0], (swf::Point{0, 0}));
-    EXPECT_EQ(layout.floats()[1], (swf::Point{900, 200})) << "from the next line on";
+    EXPECT_EQ(layout.floats()[1], (swf::Point{900, 0})) << "beside the line that it is in";
     EXPECT_DOUBLE_EQ(layout.lines()[1].x, 400);
     EXPECT_DOUBLE_EQ(layout.lines()[2].x, 0);
 
@@ -194,10 +194,32 @@ TEST(TextLayout, FlowsAroundWhatStandsAtTheSides)
     EXPECT_DOUBLE_EQ(below.lines()[1].x, 0);
     EXPECT_EQ(below.floats()[1], (swf::Point{0, 250}));
 
+    // Amid a line they stand beside it as long as the letters before them have room there, too.
+    struct Amid {
+        const char* name;
+        std::size_t index;
+        double width, top;
+        std::vector<std::u16string> lines;
+    };
+    const Amid cases[] = {
+        {"just room", 7, 400, 0, {u"aa b cc ", u"d ee f ", u"gg"}},
+        {"a space does not count", 8, 400, 0, {u"aa b cc ", u"d ee f ", u"gg"}},
+        {"no room", 7, 401, 200, {u"aa b cc d ", u"ee f ", u"gg"}},
+        {"the word goes to the next line", 6, 450, 0, {u"aa b ", u"cc d ", u"ee f gg"}},
+        {"less than a letter or two left", 1, 701, 200, {u"aa b cc d ", u"ee f gg"}},
+    };
+    for (const Amid& c : cases) {
+        SCOPED_TRACE(c.name);
+        options.floats = {{c.index, c.width, 400, false}};
+        const TextLayout amid = layOut(text, options);
+        EXPECT_EQ(linesOf(amid, text), c.lines);
+        EXPECT_EQ(amid.floats().at(0), (swf::Point{0, c.top}));
+    }
+
     options.floats = {{99, 100, 100, false}};
     EXPECT_EQ(layOut(u"a", options).floats().size(), 0U) << "no place in the text";
     options.floats = {{1, 100, 100, false}};
-    EXPECT_EQ(layOut(u"a", options).floats().at(0).y, 200) << "behind the last letter";
+    EXPECT_EQ(layOut(u"a", options).floats().at(0).y, 0) << "behind the last letter";
 }
 
 /// Every letter is 0.47 em wide; as it is shaped for pixels it is a box of two by three of them.
