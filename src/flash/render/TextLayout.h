@@ -52,8 +52,8 @@ public:
 };
 
 /// Something that stands at the side of a text, whose lines flow around it. It begins with the line that the
-/// character `index` is in, or, where the letters before it leave no room for it, with the next one; and below
-/// what stands at that side already.
+/// character `index` is in, or, where the letters before it leave no room for it, with the next one; and
+/// below what stands at that side already.
 struct TextFloat {
     std::size_t index = 0;
     double width = 0, height = 0; ///< with what is left free around it

@@ -19,18 +19,6 @@ namespace flash::stage
 namespace
 {
 
-/// It is drawn no longer, nor is anything in it.
-void noteSubtreeGone(Node& node)
-{
-    guard::check();
-    Stage& stage = node.stage();
-    stage.view().noteRemoved(node, node.takeChange());
-    if (Node* masked = node.maskee()) masked->invalidate();
-    stage.focus().forget(node);
-    stage.pointer().forget(node);
-    for (const NodePtr& child : node.children()) noteSubtreeGone(*child);
-}
-
 /// What scripts are told of a drawing's bounds leaves out how far joints and square ends reach.
 bool hasPointedLines(const swf::Shape& shape)
 {
@@ -153,7 +141,7 @@ void Clip::detach(Node& child)
 {
     if (child.m_parent != this) return;
     const NodePtr keep = child.shared_from_this();
-    noteSubtreeGone(child);
+    child.noteGone();
     take(child);
     child.m_parent = nullptr;
 }

@@ -161,6 +161,16 @@ void Node::unlist()
     m_listed.reset();
 }
 
+void Node::noteGone()
+{
+    guard::check();
+    m_stage.view().noteRemoved(*this, takeChange());
+    if (m_maskee) m_maskee->invalidate();
+    m_stage.focus().forget(*this);
+    m_stage.pointer().forget(*this);
+    for (const NodePtr& child : children()) child->noteGone();
+}
+
 void Node::setName(std::string name)
 {
     m_name = std::move(name);

@@ -277,6 +277,8 @@ protected:
     Space& needSpace();
     void cacheScale();
     void fit(double pixels, double now, double own, double Node::*scale, void (Node::*set)(double));
+    /// It is drawn no longer, nor is anything in it; nothing of it has the pointer or the focus.
+    void noteGone();
     /// It counts no longer as one of the stage's instances.
     void unlist();
     /// A cached extent somewhere above is out of date.

@@ -109,6 +109,9 @@ public:
     virtual void textFieldPlaced(TextField&) {}
     virtual void textChanged(TextField&) {}
     virtual void textScrolled(TextField&) {}
+    /// The text has other pictures than are shown (see TextField::missingPicture()). Asked of hosts that keep
+    /// the clips; others leave them to the stage.
+    virtual void renewPictures(TextField&) {}
     /// The user clicked a link of the field. `url` may name a function of the field's timeline instead of an
     /// address: `asfunction:NAME,ARGUMENT`.
     virtual void followLink(TextField&, std::u16string_view /*url*/, std::u16string_view /*window*/) {}

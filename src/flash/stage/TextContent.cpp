@@ -36,6 +36,11 @@ void TextContent::append(TextPicture picture)
     m_pictures.push_back(std::move(picture));
 }
 
+void TextContent::removePicture(std::size_t place)
+{
+    if (place < m_pictures.size()) m_pictures.erase(m_pictures.begin() + static_cast<std::ptrdiff_t>(place));
+}
+
 std::size_t TextContent::roomFor(std::size_t units) const
 {
     const std::size_t room = guard::kLongestFieldText - std::min(m_text.size(), guard::kLongestFieldText);

@@ -20,6 +20,13 @@ struct TextPicture {
     double horizontalSpace = kUsualSpace, verticalSpace = kUsualSpace; ///< left free on each side
     bool onRight = false;
     TextFormat format; ///< of letters that would stand in its place
+    /// One instance does for both: they differ in where they stand among the letters, at most.
+    [[nodiscard]] bool isSameAs(const TextPicture& other) const
+    {
+        return source == other.source && id == other.id && width == other.width && height == other.height &&
+               horizontalSpace == other.horizontalSpace && verticalSpace == other.verticalSpace &&
+               onRight == other.onRight;
+    }
     friend bool operator==(const TextPicture&, const TextPicture&) = default;
 };
 
@@ -48,6 +55,8 @@ public:
     void append(std::u16string_view text, const TextFormat& format);
     /// Puts a picture at the end of the text, whatever its index says.
     void append(TextPicture picture);
+    /// @param place among the pictures
+    void removePicture(std::size_t place);
     /// Pictures between the replaced characters go with them.
     void replace(std::size_t begin, std::size_t end, std::u16string_view text, const TextFormat& format);
     void apply(std::size_t begin, std::size_t end, const PartialTextFormat& change);

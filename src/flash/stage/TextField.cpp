@@ -114,6 +114,7 @@ void TextField::assign(TextContent content)
 
 void TextField::textChanged()
 {
+    const NodePtr keep = shared_from_this(); // pictures that come or go run scripts
     m_anchor = std::min(m_anchor, m_content.size());
     m_caret = std::min(m_caret, m_content.size());
     m_scrollUnbounded = true;

@@ -22,6 +22,7 @@ public:
 
     TextField(Stage& stage, MoviePtr movie, const swf::EditText& definition);
     /// @param boundsTwips of a negative size when the field lies to the left of its position, or above it
+    ~TextField() override;
     static NodePtr makeDynamic(Stage& stage, const MoviePtr& movie, const swf::Rect& boundsTwips);
 
     [[nodiscard]] const swf::EditText& definition() const { return m_definition; }
@@ -164,7 +165,23 @@ public:
     /// The pictures in its text.
     [[nodiscard]] std::span<const NodePtr> children() const override { return m_pictureNodes; }
     /// The size of a picture has become known.
-    void pictureArrived() { outdateLayout(); }
+    void pictureArrived() { relayout(); }
+
+    // ---- its pictures, for scripts that keep the clips and make them themselves ----
+    /// One that is shown and that the text has no more; null when there is none.
+    [[nodiscard]] Node* surplusPicture() const;
+    /// Those that stay take their places in the text as it is now.
+    void settlePictures();
+    /// The first one that the text has and that is not shown; null when there is none.
+    [[nodiscard]] const TextPicture* missingPicture() const;
+    /// @param picture a missing one. @param node stands nowhere yet
+    void showPicture(const TextPicture& picture, const NodePtr& node);
+    /// One that the text has cannot be shown, and is none of the text's any more.
+    void refusePicture(const TextPicture& picture);
+    /// It is none of the text's any more, whoever takes it.
+    void dropPicture(Node& node);
+    /// The first one of that name; null when there is none, and for an empty name.
+    [[nodiscard]] Node* pictureNamed(std::u16string_view id) const;
 
 protected:
     void leave() override;
@@ -192,6 +209,9 @@ private:
     // ---- pictures ----
     /// Makes instances of the pictures that the text has now, and takes off those it has no more.
     void renewPictures();
+    /// Of each picture that the text has: which of those shown stands for it, or kNone.
+    [[nodiscard]] std::vector<std::size_t> pairPictures() const;
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
     [[nodiscard]] NodePtr makePicture(const TextPicture& picture);
     void startPicture(const TextPicture& picture, Node& node);
     struct PictureSize {
@@ -203,8 +223,9 @@ private:
     [[nodiscard]] std::vector<render::TextFloat> floats();
     void assign(TextContent content);
     void readHtml();
-    void textChanged(); ///< by a script
-    void outdateLayout();
+    void textChanged();   ///< by a script
+    void outdateLayout(); ///< brings its pictures up to date as well, which may run scripts
+    void relayout();
     void fitToText();
     void boundScroll();
     [[nodiscard]] swf::Point placedEdges();

@@ -94,6 +94,7 @@ NodePtr TextField::ownPointerTarget(swf::Point stagePoint)
 
 Cursor TextField::cursorAt(swf::Point stagePoint)
 {
+    const NodePtr keep = shared_from_this(); // pictures that come or go run scripts
     const TextFormat* link = linkAt(stagePoint);
     hover(link ? link->link : 0, m_stage.pointer().isDown());
     if (linkAt(stagePoint)) return Cursor::Hand;
@@ -185,6 +186,7 @@ void TextField::erase(std::size_t begin, std::size_t end)
 
 void TextField::userChanged()
 {
+    const NodePtr keep = shared_from_this(); // what the text had, and what is told of it, runs scripts
     outdateLayout();
     showCaret();
     publish();

@@ -69,15 +69,23 @@ private:
     TextField& m_field;
 };
 
-void TextField::outdateLayout()
+void TextField::relayout()
 {
     m_layoutValid = false;
     if (m_autoSize == AutoSize::None)
         invalidate();
     else
         contentChanged();
-    renewPictures();
     placePictures();
+}
+
+void TextField::outdateLayout()
+{
+    relayout();
+    if (m_content.pictures() == m_pictures) return;
+    const NodePtr keep = shared_from_this();
+    renewPictures();
+    relayout();
 }
 
 const render::TextLayout& TextField::layout()

@@ -32,29 +32,46 @@ private:
 
 } // namespace
 
+// Children that something else holds on to outlive it.
+TextField::~TextField()
+{
+    for (const NodePtr& node : m_pictureNodes)
+        if (node->m_parent == this) node->m_parent = nullptr;
+}
+
+std::vector<std::size_t> TextField::pairPictures() const
+{
+    std::vector<std::size_t> pairs;
+    std::vector<bool> isTaken(m_pictures.size());
+    for (const TextPicture& picture : m_content.pictures()) {
+        std::size_t i = 0;
+        while (i < m_pictures.size() && (isTaken[i] || !m_pictures[i].isSameAs(picture))) ++i;
+        if (i < m_pictures.size()) isTaken[i] = true;
+        pairs.push_back(i < m_pictures.size() ? i : kNone);
+    }
+    return pairs;
+}
+
 void TextField::renewPictures()
 {
-    const std::vector<TextPicture>& wanted = m_content.pictures();
-    if (wanted == m_pictures) return;
-    // Before it is on its list it shows nothing, and the newer scripts keep their own lists.
-    if (isRemoved() || !parent() || m_stage.script().keepsClips()) return;
-    const NodePtr self = shared_from_this();
+    if (m_stage.script().keepsClips()) {
+        m_stage.script().renewPictures(*this);
+        return;
+    }
+    // Before it is on its list it shows nothing.
+    if (isRemoved() || !parent()) return;
     std::vector<std::pair<TextPicture, NodePtr>> fresh;
-    const std::vector<TextPicture> known = std::exchange(m_pictures, {});
+    const std::vector<std::size_t> pairs = pairPictures();
     std::vector<NodePtr> nodes = std::exchange(m_pictureNodes, {});
-    for (const TextPicture& picture : std::vector(wanted)) {
-        std::size_t i = 0;
-        const auto isSame = [&](TextPicture other) {
-            other.index = picture.index;
-            return other == picture;
-        };
-        while (i < known.size() && !(nodes[i] && isSame(known[i]))) ++i;
-        const bool stays = i < known.size();
-        NodePtr node = stays ? std::exchange(nodes[i], nullptr) : makePicture(picture);
+    m_pictures.clear();
+    const std::vector<TextPicture> wanted = m_content.pictures();
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        const bool stays = pairs[i] != kNone;
+        NodePtr node = stays ? std::exchange(nodes[pairs[i]], nullptr) : makePicture(wanted[i]);
         if (!node) continue;
-        m_pictures.push_back(picture);
+        m_pictures.push_back(wanted[i]);
         m_pictureNodes.push_back(node);
-        if (!stays) fresh.emplace_back(picture, node);
+        if (!stays) fresh.emplace_back(wanted[i], node);
     }
     for (const NodePtr& gone : nodes) {
         if (!gone) continue;
@@ -62,11 +79,96 @@ void TextField::renewPictures()
         m_stage.displayList().queueUnload(*gone);
         m_stage.displayList().retire(*gone);
     }
-    invalidate();
     // Last, because what begins runs scripts, which may give the field another text or take it away.
     for (const auto& [picture, node] : fresh)
         if (std::ranges::find(m_pictureNodes, node) != m_pictureNodes.end()) startPicture(picture, *node);
 }
+
+// ---- for scripts that keep the clips ----------------------------------------------------------------------
+
+Node* TextField::surplusPicture() const
+{
+    const std::vector<std::size_t> pairs = pairPictures();
+    for (std::size_t i = 0; i < m_pictureNodes.size(); ++i)
+        if (std::ranges::find(pairs, i) == pairs.end()) return m_pictureNodes[i].get();
+    return nullptr;
+}
+
+void TextField::settlePictures()
+{
+    std::vector<TextPicture> pictures;
+    std::vector<NodePtr> nodes;
+    const std::vector<std::size_t> pairs = pairPictures();
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        if (pairs[i] == kNone) continue;
+        pictures.push_back(m_content.pictures()[i]);
+        nodes.push_back(std::exchange(m_pictureNodes[pairs[i]], nullptr));
+    }
+    for (std::size_t i = 0; i < m_pictureNodes.size(); ++i) {
+        if (!m_pictureNodes[i]) continue;
+        pictures.push_back(m_pictures[i]);
+        nodes.push_back(m_pictureNodes[i]);
+    }
+    m_pictures = std::move(pictures);
+    m_pictureNodes = std::move(nodes);
+}
+
+const TextPicture* TextField::missingPicture() const
+{
+    const std::vector<std::size_t> pairs = pairPictures();
+    const auto found = std::ranges::find(pairs, kNone);
+    return found != pairs.end() ? &m_content.pictures()[static_cast<std::size_t>(found - pairs.begin())]
+                                : nullptr;
+}
+
+void TextField::showPicture(const TextPicture& picture, const NodePtr& node)
+{
+    const auto at = std::ranges::upper_bound(m_pictures, picture.index, {}, &TextPicture::index);
+    m_pictureNodes.insert(m_pictureNodes.begin() + (at - m_pictures.begin()), node);
+    m_pictures.insert(at, picture);
+    node->m_parent = this;
+    node->m_nesting = m_nesting + 1;
+    node->m_depth = kTimelineDepth;
+    node->invalidate();
+    settlePictures();
+    relayout();
+}
+
+void TextField::refusePicture(const TextPicture& picture)
+{
+    const std::vector<std::size_t> pairs = pairPictures();
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        if (pairs[i] != kNone || !m_content.pictures()[i].isSameAs(picture)) continue;
+        m_content.removePicture(i);
+        return;
+    }
+}
+
+void TextField::dropPicture(Node& node)
+{
+    const auto found = std::ranges::find(m_pictureNodes, &node, &NodePtr::get);
+    if (found == m_pictureNodes.end()) return;
+    const NodePtr keep = *found;
+    const auto place = found - m_pictureNodes.begin();
+    const std::vector<std::size_t> pairs = pairPictures();
+    const auto inText = std::ranges::find(pairs, static_cast<std::size_t>(place));
+    if (inText != pairs.end()) m_content.removePicture(static_cast<std::size_t>(inText - pairs.begin()));
+    node.noteGone();
+    m_pictures.erase(m_pictures.begin() + place);
+    m_pictureNodes.erase(found);
+    node.m_parent = nullptr;
+    relayout();
+}
+
+Node* TextField::pictureNamed(std::u16string_view id) const
+{
+    const auto found = std::ranges::find(m_pictures, id, &TextPicture::id);
+    return !id.empty() && found != m_pictures.end()
+               ? m_pictureNodes[static_cast<std::size_t>(found - m_pictures.begin())].get()
+               : nullptr;
+}
+
+// ---- for those that leave them to the stage ---------------------------------------------------------------
 
 // An instance of the library's, or a clip that is still empty, on no list yet.
 NodePtr TextField::makePicture(const TextPicture& picture)

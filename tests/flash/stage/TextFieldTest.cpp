@@ -39,6 +39,24 @@ public:
     std::u16string followed;
 };
 
+/// A script host that makes the pictures of texts itself, and holds on to them.
+class Pictures : public ScriptHost
+{
+public:
+    bool keepsClips() override { return true; }
+    void renewPictures(TextField& field) override
+    {
+        while (Node* gone = field.surplusPicture()) field.dropPicture(*gone);
+        field.settlePictures();
+        while (const TextPicture* missing = field.missingPicture()) {
+            Stage& stage = field.stage();
+            made.push_back(std::make_shared<Clip>(stage, field.movie(), stage.displayList().emptyTimeline()));
+            field.showPicture(*missing, made.back());
+        }
+    }
+    std::vector<NodePtr> made;
+};
+
 /// The letters a to z, each half an em wide.
 swf::Font monospaced()
 {
@@ -368,6 +386,41 @@ TEST(TextField, FollowsItsVariableAndSetsIt)
     f.stage.focus().set(&f.field());
     f.type(u"x");
     EXPECT_EQ(f.script.values["v"], "x");
+}
+
+TEST(TextField, KeepsThePicturesThatItsTextStillHas)
+{
+    NullServices services;
+    Pictures script;
+    Stage stage{{services.sound, services.loader, services.host, services.sharedObjects}, &script};
+    MovieBuilder movie(1);
+    stage.open(movie.take(), "m.swf");
+    NodePtr node = TextField::makeDynamic(stage, stage.movie(), {0, 4000, 0, 4000});
+    auto& field = static_cast<TextField&>(*node);
+    field.setIsHtml(true);
+    field.setEmbedsFonts(true);
+    field.setHtml(u"<img src='a' id='one'>letters<img src='b' id='two'>");
+    ASSERT_EQ(script.made.size(), 2U);
+    const NodePtr one = script.made[0], two = script.made[1];
+    EXPECT_EQ(one->parent(), &field);
+    EXPECT_EQ(field.pictureNamed(u"two"), two.get());
+    EXPECT_EQ(field.pictureNamed(u""), nullptr);
+
+    field.setHtml(u"<img src='b' id='two'>others<img src='a' id='one'>");
+    ASSERT_EQ(script.made.size(), 2U) << "they change places only";
+    EXPECT_EQ(field.children()[0], two);
+    EXPECT_EQ(field.layout().floats().size(), 2U);
+
+    // One that is taken away is the text's no more, and is not made again for what is typed behind it.
+    field.dropPicture(*two);
+    EXPECT_EQ(two->parent(), nullptr);
+    EXPECT_EQ(field.html().find(u"SRC=\"b\""), std::u16string::npos);
+    field.replaceText(6, 6, u"!");
+    EXPECT_EQ(script.made.size(), 2U);
+    EXPECT_EQ(field.children().size(), 1U);
+
+    node.reset();
+    EXPECT_EQ(one->parent(), nullptr) << "it outlives its text";
 }
 
 } // namespace

@@ -83,6 +83,8 @@ void DisplayObject::eraseChild(DisplayObject& child)
 {
     if (const auto at = std::ranges::find(children, &child); at != children.end()) children.erase(at);
     if (clip() != nullptr && child.node().parent() == clip()) clip()->detach(child.node());
+    if (m_node->kind() == stage::NodeKind::TextField)
+        static_cast<stage::TextField&>(*m_node).dropPicture(child.node());
     child.parent = nullptr;
 }
 
@@ -173,6 +175,8 @@ Value constructDisplay(Call& call)
         made.skipsStep = made.isClip();
     }
     player.noteOffStage(made);
+    if (made.node().kind() == stage::NodeKind::TextField)
+        player.renewPictures(static_cast<stage::TextField&>(made.node()));
     player.constructChildren(made);
     return {};
 }

@@ -31,6 +31,19 @@ stage::TextField* fieldOf(DisplayObject* object)
     const bool is = object != nullptr && object->node().kind() == stage::NodeKind::TextField;
     return is ? static_cast<stage::TextField*>(&object->node()) : nullptr;
 }
+/// The field that an object is, or among whose letters it stands; null when there is none.
+DisplayObject* textOf(DisplayObject* object)
+{
+    while (object != nullptr && fieldOf(object) == nullptr) object = object->parent;
+    return object;
+}
+/// The field whose link lies at a point of an object: what stands in a link may hold texts of its own.
+DisplayObject* linkOf(DisplayObject* object, swf::Point point)
+{
+    object = textOf(object);
+    while (object != nullptr && fieldOf(object)->linkAt(point) == nullptr) object = textOf(object->parent);
+    return object;
+}
 
 struct ButtonNames {
     std::string_view down, up, click;
@@ -103,6 +116,10 @@ Input::Hit Input::pick(DisplayObject& object, swf::Point point, DisplayObject*& 
         if (isField ? !isWithin(node.bounds(), node.toStageAt(point).inverted().map(point))
                     : !node.hitsShape(point))
             return Hit::None;
+        RootedList<DisplayObject*> pictures(m_player.vm().heap(), object.children.begin(),
+                                            object.children.end());
+        for (std::size_t i = pictures.size(); i-- > 0;)
+            if (pick(*pictures[i], point, target, depth + 1) == Hit::Target) return Hit::Target;
         // Static text that was saved as a field stays a part of what it lies on, unless it can be marked.
         const auto* field = isField ? static_cast<const stage::TextField*>(&node) : nullptr;
         if (field != nullptr && field->definition().wasStatic && !field->selectable) return Hit::Parent;
@@ -228,8 +245,10 @@ void Input::chooseCursor()
         cursor = *m_cursor;
     } else if (over != nullptr) {
         m_player.vm().guarded([&] {
-            if (stage::TextField* field = fieldOf(over))
-                cursor = field->cursorAt(m_player.stage().pointer().position());
+            const swf::Point point = m_player.stage().pointer().position();
+            DisplayObject* link = linkOf(over, point);
+            if (stage::TextField* field = fieldOf(link != nullptr ? link : over))
+                cursor = field->cursorAt(point);
             else if (isKind(*over, kButton))
                 cursor = flag(*over, kButton, "enabled") && flag(*over, kButton, "useHandCursor")
                              ? stage::Cursor::Hand
@@ -272,14 +291,13 @@ void Input::pressed(stage::MouseButton button, int clicks)
         m_hasLink = false;
         focusByMouse(*target);
         showButton(target, DisplayObject::State::Down);
-        if (stage::TextField* field = fieldOf(target)) {
-            if (const stage::TextFormat* link = field->linkAt(point)) {
-                m_hasLink = true;
-                m_link = link->url;
-                m_linkTarget = link->target;
-            } else {
-                field->press(point, clicks);
-            }
+        if (stage::TextField* field = fieldOf(linkOf(target, point))) {
+            const stage::TextFormat* link = field->linkAt(point);
+            m_hasLink = true;
+            m_link = link->url;
+            m_linkTarget = link->target;
+        } else if (stage::TextField* pressed = fieldOf(target)) {
+            pressed->press(point, clicks);
         }
     }
     fireMouse(kButtonNames[index].down, *target);
@@ -309,14 +327,15 @@ void Input::released(stage::MouseButton button)
     fireMouse(isDouble ? "doubleClick" : kButtonNames[index].click, *target);
     if (!isLeft || !m_hasLink) return;
     m_hasLink = false;
-    stage::TextField* field = fieldOf(target);
+    const Root<DisplayObject> text(heap, linkOf(target, point));
+    stage::TextField* field = fieldOf(text.get());
     const stage::TextFormat* link = field != nullptr ? field->linkAt(point) : nullptr;
     if (link == nullptr || link->url != m_link) return;
     constexpr std::u16string_view kEvent = u"event:";
     Vm& vm = m_player.vm();
     if (m_link.starts_with(kEvent)) {
         vm.guarded([&] {
-            fireWith(vm, *target, "flash.events::TextEvent", "link",
+            fireWith(vm, *text, "flash.events::TextEvent", "link",
                      {Value(vm.string(m_link.substr(kEvent.size())))}, true);
         });
     } else {
@@ -332,7 +351,7 @@ void Input::wheel(int lines)
     if (target == nullptr) return;
     Root<DisplayObject> keep(m_player.vm().heap(), target);
     fireMouse("mouseWheel", *target, nullptr, true, lines);
-    if (stage::TextField* field = fieldOf(target)) field->wheel(lines);
+    if (stage::TextField* field = fieldOf(textOf(target))) field->wheel(lines);
 }
 
 void Input::left()

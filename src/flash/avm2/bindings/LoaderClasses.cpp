@@ -3,6 +3,7 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Loader.h"
 #include "flash/avm2/bindings/Player.h"
+#include "flash/avm2/bindings/TextField.h"
 #include "flash/avm2/classes/ByteArray.h"
 #include "flash/avm2/classes/Domains.h"
 #include "flash/avm2/classes/Library.h"
@@ -66,6 +67,12 @@ Value bytesValue(Vm& vm, base::Bytes bytes)
     auto* made = as<classes::ByteArrayObject>(Value(vm.instantiate(vm.classes().byteArray)));
     made->content.assign(bytes.begin(), bytes.end());
     return Value(made);
+}
+
+/// The letters of a text move once it is known how large a picture among them is.
+void tellText(DisplayObject& loader)
+{
+    if (stage::TextField* field = fieldAround(loader)) field->pictureArrived();
 }
 
 /// The first frame of what came has run.
@@ -144,6 +151,7 @@ void present(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& byt
         Player::of(vm).runFirstFrame(*info.content);
         info.content->skipsStep = !fromFile;
     }
+    tellText(loader);
     finish(vm, loader, fromFile);
 }
 
@@ -205,6 +213,7 @@ void dropContent(Vm& vm, DisplayObject& loader)
 {
     const bool had = infoOf(loader)->content != nullptr;
     takeContent(vm, loader);
+    if (had) tellText(loader);
     if (had) fire(vm, *infoOf(loader), "unload");
 }
 

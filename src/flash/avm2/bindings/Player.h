@@ -19,6 +19,11 @@
 #include <unordered_map>
 #include <unordered_set>
 
+namespace flash::stage
+{
+struct TextPicture;
+} // namespace flash::stage
+
 namespace flash::avm2
 {
 
@@ -97,6 +102,7 @@ public:
     void textChanged(stage::TextField& field) override;
     void textScrolled(stage::TextField& field) override;
     bool takesText(stage::TextField& field, std::u16string_view text) override;
+    void renewPictures(stage::TextField& field) override;
     double nextTimerMs() override;
     void runTimers(double nowMs) override;
     void movieReplaced() override;
@@ -224,6 +230,7 @@ private:
     void construct(DisplayObject& child);
     [[nodiscard]] static bool wouldContainItself(const DisplayObject& child, const DisplayObject& parent);
     void nameInParent(DisplayObject& parent, DisplayObject& child);
+    void addPicture(DisplayObject& field, const stage::TextPicture& wanted);
     template <class Work>
     void forOrphans(Work&& work);
     void syncHost();

@@ -10,6 +10,10 @@ namespace flash::avm2
 /// The field behind an object. @throws 1034 when it is of another class, or has none
 stage::TextField& fieldSelf(Call& call);
 
+/// The field among whose letters an object stands as a picture; null for others.
+stage::TextField* fieldAround(const DisplayObject& object);
+Value getImageReference(Call& call);
+
 /// Those that lay the text out, or change parts of it.
 std::span<const NativeMember> textFieldMethods();
 std::span<const NativeMember> textFieldLineMethods();

@@ -291,7 +291,7 @@ constexpr NativeMember kLineMethods[] = {
     {"getCharBoundaries", Kind::Method, &charBoundaries, 1, 1},
     {"getFirstCharInParagraph", Kind::Method, &firstInParagraph, 1, 1},
     {"getParagraphLength", Kind::Method, &paragraphLength, 1, 1},
-    {"getImageReference", Kind::Method, &isAlwaysNull, 1, 1},
+    {"getImageReference", Kind::Method, &getImageReference, 1, 1},
     {"isFontCompatible", Kind::Static, &isFontCompatible, 2, 2},
 };
 
