@@ -3,15 +3,14 @@
 #ifdef ZORVEX_HAS_XCB
 #include <QGuiApplication>
 
+#include <xcb/shm.h>
 #include <xcb/xcb.h>
-#include <xcb/xcbext.h>
 
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
 #include <sys/socket.h>
-#include <sys/uio.h>
 #include <utility>
 #endif
 
@@ -29,70 +28,17 @@ struct Free {
 template <class Reply>
 using Owned = std::unique_ptr<Reply, Free>;
 
-/// The few requests of the MIT-SHM extension that are needed, as they go over the wire.
-namespace shm
-{
-
-xcb_extension_t extension{"MIT-SHM", 0};
-enum Opcode : std::uint8_t { kQueryVersion = 0, kDetach = 2, kPutImage = 3, kAttachFd = 6 };
-
-struct Header { // the library fills it in
-    std::uint8_t major, minor;
-    std::uint16_t length;
-};
-struct QueryVersion {
-    Header header;
-};
-struct Version {
-    std::uint8_t responseType, sharedPixmaps;
-    std::uint16_t sequence;
-    std::uint32_t length;
-    std::uint16_t major, minor;
-};
-struct AttachFd {
-    Header header;
-    std::uint32_t segment;
-    std::uint8_t readOnly;
-    std::uint8_t unused[3];
-};
-struct Detach {
-    Header header;
-    std::uint32_t segment;
-};
-struct PutImage {
-    Header header;
-    std::uint32_t drawable, context;
-    std::uint16_t totalWidth, totalHeight, sourceX, sourceY, width, height;
-    std::int16_t x, y;
-    std::uint8_t depth, format, sendEvent, unused;
-    std::uint32_t segment, offsetBytes;
-};
-static_assert(sizeof(AttachFd) == 12 && sizeof(Detach) == 8 && sizeof(PutImage) == 40);
-
-/// @param attached a descriptor that the library closes, or -1
-template <class Request>
-unsigned send(xcb_connection_t* connection, Opcode opcode, Request request, int flags = 0, int attached = -1)
-{
-    // The library writes the length in front of what it is given.
-    iovec parts[3]{};
-    parts[2] = {&request, sizeof request};
-    const xcb_protocol_request_t form{1, &extension, opcode,
-                                      static_cast<std::uint8_t>(opcode == kQueryVersion ? 0 : 1)};
-    return attached < 0 ? xcb_send_request(connection, flags, parts + 2, &form)
-                        : xcb_send_request_with_fds(connection, flags, parts + 2, &form, 1, &attached);
-}
-
 /// Memory goes to the server by descriptor since 1.2.
 bool takesDescriptors(xcb_connection_t* connection)
 {
-    const xcb_query_extension_reply_t* found = xcb_get_extension_data(connection, &extension);
+    const xcb_query_extension_reply_t* found = xcb_get_extension_data(connection, &xcb_shm_id);
     if (found == nullptr || found->present == 0) return false;
-    const unsigned asked = send(connection, kQueryVersion, QueryVersion{}, XCB_REQUEST_CHECKED);
-    const Owned<Version> version(static_cast<Version*>(xcb_wait_for_reply(connection, asked, nullptr)));
-    return version && (version->major > 1 || (version->major == 1 && version->minor >= 2));
+    const auto asked = xcb_shm_query_version(connection);
+    const Owned<xcb_shm_query_version_reply_t> version(
+        xcb_shm_query_version_reply(connection, asked, nullptr));
+    return version && std::pair(version->major_version, version->minor_version) >=
+                          std::pair<std::uint16_t, std::uint16_t>(1, 2);
 }
-
-} // namespace shm
 
 /// A descriptor that is sent any other way ends the connection.
 bool isLocalSocket(xcb_connection_t* connection)
@@ -150,17 +96,17 @@ public:
         const int descriptor = fcntl(pictures.descriptor(), F_DUPFD_CLOEXEC, 0);
         if (descriptor < 0) return false;
         const std::uint32_t segment = xcb_generate_id(m_connection);
-        const unsigned sent = shm::send(m_connection, shm::kAttachFd, shm::AttachFd{{}, segment, 1, {}},
-                                        XCB_REQUEST_CHECKED, descriptor);
-        if (Owned<xcb_generic_error_t>(xcb_request_check(m_connection, {sent}))) return false;
+        // The library closes the descriptor.
+        constexpr std::uint8_t kReadOnly = 1;
+        const auto sent = xcb_shm_attach_fd_checked(m_connection, segment, descriptor, kReadOnly);
+        if (Owned<xcb_generic_error_t>(xcb_request_check(m_connection, sent))) return false;
         m_segment = segment;
         return true;
     }
 
     void detach()
     {
-        if (m_segment != 0)
-            shm::send(m_connection, shm::kDetach, shm::Detach{{}, std::exchange(m_segment, 0)});
+        if (m_segment != 0) xcb_shm_detach(m_connection, std::exchange(m_segment, 0));
     }
 
     bool enterWindow(xcb_window_t window)
@@ -190,24 +136,17 @@ public:
 
     void put(const PictureMemory& pictures, int index, QPoint origin, const QRegion& parts)
     {
-        shm::PutImage request{};
-        request.drawable = m_window;
-        request.context = m_context;
-        request.totalWidth = static_cast<std::uint16_t>(pictures.lineBytes() / sizeof(std::uint32_t));
-        request.totalHeight = static_cast<std::uint16_t>(pictures.size().height());
-        request.depth = m_depth;
-        request.format = XCB_IMAGE_FORMAT_Z_PIXMAP;
-        request.segment = m_segment;
-        request.offsetBytes = static_cast<std::uint32_t>(pictures.offsetBytes(index));
-        for (const QRect& part : parts) {
-            request.sourceX = static_cast<std::uint16_t>(part.x());
-            request.sourceY = static_cast<std::uint16_t>(part.y());
-            request.width = static_cast<std::uint16_t>(part.width());
-            request.height = static_cast<std::uint16_t>(part.height());
-            request.x = static_cast<std::int16_t>(origin.x() + part.x());
-            request.y = static_cast<std::int16_t>(origin.y() + part.y());
-            shm::send(m_connection, shm::kPutImage, request);
-        }
+        const auto width = static_cast<std::uint16_t>(pictures.lineBytes() / sizeof(std::uint32_t));
+        const auto height = static_cast<std::uint16_t>(pictures.size().height());
+        const auto offsetBytes = static_cast<std::uint32_t>(pictures.offsetBytes(index));
+        constexpr std::uint8_t kNoEvent = 0;
+        for (const QRect& part : parts)
+            xcb_shm_put_image(
+                m_connection, m_window, m_context, width, height, static_cast<std::uint16_t>(part.x()),
+                static_cast<std::uint16_t>(part.y()), static_cast<std::uint16_t>(part.width()),
+                static_cast<std::uint16_t>(part.height()), static_cast<std::int16_t>(origin.x() + part.x()),
+                static_cast<std::int16_t>(origin.y() + part.y()), m_depth, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                kNoEvent, m_segment, offsetBytes);
         // Any answer to what is asked behind it says that the server has come so far.
         if (m_unread) xcb_discard_reply(m_connection, m_unread->sequence);
         m_unread = xcb_get_input_focus(m_connection);
@@ -237,8 +176,7 @@ std::unique_ptr<DisplayPut> DisplayPut::create()
     if (qGuiApp == nullptr || QGuiApplication::platformName() != "xcb") return nullptr;
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
-    if (connection == nullptr || !isLocalSocket(connection) || !shm::takesDescriptors(connection))
-        return nullptr;
+    if (connection == nullptr || !isLocalSocket(connection) || !takesDescriptors(connection)) return nullptr;
     return std::unique_ptr<DisplayPut>(new DisplayPut(std::make_unique<Private>(connection)));
 }
 
