@@ -43,8 +43,10 @@ std::vector<std::size_t> TextField::pairPictures() const
 {
     std::vector<std::size_t> pairs;
     std::vector<bool> isTaken(m_pictures.size());
+    std::size_t first = 0; // that is not taken: mostly they stay in order, and none is looked at twice
     for (const TextPicture& picture : m_content.pictures()) {
-        std::size_t i = 0;
+        while (first < m_pictures.size() && isTaken[first]) ++first;
+        std::size_t i = first;
         while (i < m_pictures.size() && (isTaken[i] || !m_pictures[i].isSameAs(picture))) ++i;
         if (i < m_pictures.size()) isTaken[i] = true;
         pairs.push_back(i < m_pictures.size() ? i : kNone);
