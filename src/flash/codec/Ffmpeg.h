@@ -5,6 +5,7 @@ extern "C" {
 #include <libavutil/channel_layout.h>
 #include <libavutil/frame.h>
 #include <libavutil/log.h>
+#include <libavutil/video_enc_params.h>
 #include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
@@ -35,6 +36,7 @@ struct Ffmpeg {
     X(avutil, av_frame_alloc)                                                                                \
     X(avutil, av_frame_free)                                                                                 \
     X(avutil, av_frame_unref)                                                                                \
+    X(avutil, av_frame_get_side_data)                                                                        \
     X(avutil, av_log_set_level)                                                                              \
     X(avutil, av_mallocz)                                                                                    \
     X(avutil, av_channel_layout_default)                                                                     \
@@ -47,7 +49,6 @@ struct Ffmpeg {
     X(swscale, sws_getCachedContext)                                                                         \
     X(swscale, sws_freeContext)                                                                              \
     X(swscale, sws_getCoefficients)                                                                          \
-    X(swscale, sws_setColorspaceDetails)                                                                     \
     X(swscale, sws_scale)
 #define FLASH_FFMPEG_DECLARE(library, function) decltype(&::function) function = nullptr;
     FLASH_FFMPEG_FUNCTIONS(FLASH_FFMPEG_DECLARE)

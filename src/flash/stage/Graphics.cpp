@@ -279,9 +279,14 @@ void BitmapNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice, const
 }
 
 VideoNode::VideoNode(Stage& stage, const swf::VideoStream& stream)
-    : Node(stage, NodeKind::Video), deblocking(stream.deblocking), m_stream(stream), m_embedded(stream),
-      m_smoothing(stream.smoothing)
+    : Node(stage, NodeKind::Video), m_stream(stream), m_embedded(stream), m_smoothing(stream.smoothing)
 {
+    setDeblocking(stream.deblocking);
+}
+void VideoNode::setDeblocking(int number)
+{
+    m_deblocking = number;
+    m_embedded.setDeblocking(video::deblockingOf(number));
 }
 void VideoNode::setPicture(std::shared_ptr<const swf::Bitmap> picture)
 {

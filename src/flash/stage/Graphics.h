@@ -143,7 +143,9 @@ public:
     [[nodiscard]] bool isScriptable() const override { return true; }
     void setSmoothing(bool on);
     [[nodiscard]] bool smoothing() const { return m_smoothing; }
-    int deblocking = 0; ///< kept for scripts; the decoder does as the stream says
+    /// As scripts number it. For the pictures that come.
+    void setDeblocking(int number);
+    [[nodiscard]] int deblocking() const { return m_deblocking; }
 
 private:
     const swf::VideoStream& m_stream; ///< belongs to movie()
@@ -151,6 +153,7 @@ private:
     bool m_attached = false;
     bool m_stale = true; ///< the embedded frame has changed since m_picture was taken
     bool m_smoothing;
+    int m_deblocking;
     std::shared_ptr<const swf::Bitmap> m_picture;
 };
 

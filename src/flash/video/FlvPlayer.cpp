@@ -103,12 +103,12 @@ void FlvPlayer::openDecoder(const FlvFile::Video& video)
     m_decoder = VideoDecoder::open(m_codec, 0, 0, video.adjustment, m_config);
 }
 
-std::shared_ptr<const swf::Bitmap> FlvPlayer::picture()
+std::shared_ptr<const swf::Bitmap> FlvPlayer::picture(Deblocking deblocking)
 {
     if (m_isReordered)
         decodeReordered();
     else
-        decodeInOrder();
+        decodeInOrder(deblocking);
     return m_picture;
 }
 
@@ -150,7 +150,7 @@ void FlvPlayer::decodeReordered()
     }
 }
 
-void FlvPlayer::decodeInOrder()
+void FlvPlayer::decodeInOrder(Deblocking deblocking)
 {
     const std::size_t due = dueVideo(m_timeMs);
     // From the last key frame on; what lies before it shows no more.
@@ -163,6 +163,7 @@ void FlvPlayer::decodeInOrder()
         const FlvFile::Video& video = m_file.video[m_decoded++];
         openDecoder(video);
         if (!m_decoder) continue;
+        m_decoder->setDeblocking(deblocking);
         if (m_decoded < due)
             m_decoder->skip(video.packet);
         else if (auto picture = m_decoder->decode(video.packet))

@@ -40,7 +40,7 @@ public:
     [[nodiscard]] std::optional<double> msToNext() const;
 
     /// The picture that shows now; null before the first. Decodes what is new.
-    std::shared_ptr<const swf::Bitmap> picture();
+    std::shared_ptr<const swf::Bitmap> picture(Deblocking deblocking = Deblocking::AsCoded);
     /// The messages that became due since the last call.
     std::vector<base::Bytes> takeMessages();
     /// Pictures that became due in the second before now.
@@ -52,7 +52,7 @@ public:
 
 private:
     FlvPlayer(FileBytes bytes, FlvFile file);
-    void decodeInOrder();
+    void decodeInOrder(Deblocking deblocking);
     void decodeReordered();
     void restartAt(std::size_t packet);
     void openDecoder(const FlvFile::Video& video);

@@ -5,6 +5,8 @@
 namespace flash::video
 {
 
+void StreamPictures::setDeblocking(Deblocking deblocking) { m_deblocking = deblocking; }
+
 std::shared_ptr<const swf::Bitmap> StreamPictures::at(std::uint16_t number)
 {
     if (!m_opened) {
@@ -13,6 +15,7 @@ std::shared_ptr<const swf::Bitmap> StreamPictures::at(std::uint16_t number)
             VideoDecoder::open(static_cast<VideoCodec>(m_stream.codec), m_stream.width, m_stream.height);
     }
     if (!m_decoder) return nullptr;
+    m_decoder->setDeblocking(m_deblocking);
     const auto end = static_cast<std::size_t>(
         std::find_if(m_stream.frames.begin(), m_stream.frames.end(),
                      [&](const swf::VideoStream::FrameData& frame) { return frame.number > number; }) -

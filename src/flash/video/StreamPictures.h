@@ -20,11 +20,14 @@ public:
     /// @returns the picture shown with this number: that of the nearest packet at or before it; null before
     ///          the first and when nothing can be decoded
     std::shared_ptr<const swf::Bitmap> at(std::uint16_t number);
+    /// For the pictures that are still to be decoded.
+    void setDeblocking(Deblocking deblocking);
 
 private:
     const swf::VideoStream& m_stream;
     std::unique_ptr<VideoDecoder> m_decoder;
     bool m_opened = false;
+    Deblocking m_deblocking = Deblocking::AsCoded;
     std::size_t m_next = 0; ///< the packet that comes next
     std::shared_ptr<const swf::Bitmap> m_picture;
 };

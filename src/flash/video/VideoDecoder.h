@@ -20,6 +20,19 @@ enum class VideoCodec : std::uint8_t {
     H264 = 7
 };
 
+/// Whether the seams between coded blocks are smoothed; only Sorenson H.263 knows it.
+enum class Deblocking : std::uint8_t {
+    AsCoded, ///< where the packet asks for it
+    Off,
+    On
+};
+
+/// What scripts and files say about it, by number; On2's own ways, from 3 on, mean nothing to other codecs.
+[[nodiscard]] constexpr Deblocking deblockingOf(int number)
+{
+    return number == 1 ? Deblocking::Off : number == 2 ? Deblocking::On : Deblocking::AsCoded;
+}
+
 /// Decodes packet after packet by libavcodec; each picture builds on the ones before it.
 class VideoDecoder
 {
@@ -39,6 +52,9 @@ public:
     ~VideoDecoder();
     VideoDecoder(const VideoDecoder&) = delete;
     VideoDecoder& operator=(const VideoDecoder&) = delete;
+
+    /// For the pictures made from now on.
+    void setDeblocking(Deblocking deblocking);
 
     /// @returns the picture; null when the packet holds none, or is damaged
     std::shared_ptr<const swf::Bitmap> decode(base::Bytes packet);
@@ -65,7 +81,9 @@ private:
     explicit VideoDecoder(std::unique_ptr<Parts> parts);
     bool send(base::Bytes packet, std::int64_t stamp = 0);
     bool receive();
-    bool prepareScaler(int width, int height);
+    bool scale(swf::Bitmap& bitmap);
+    void convert(swf::Bitmap& bitmap);
+    void smooth();
     std::unique_ptr<Parts> m_parts;
 };
 

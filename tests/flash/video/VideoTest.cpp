@@ -1,6 +1,8 @@
 #include "flash/guard/Guard.h"
 #include "flash/guard/Holding.h"
+#include "flash/video/Deblocking.h"
 #include "flash/video/FlvPlayer.h"
+#include "flash/video/PlanarPixels.h"
 #include "flash/video/StreamPictures.h"
 
 #include <gtest/gtest.h>
@@ -268,6 +270,98 @@ TEST(VideoDecoder, TakesAlphaPicturesAsTheyAre)
             }));
         }
     }
+}
+
+/// A key frame of Sorenson H.263 of two blocks of 16 pixels a side, each of one level: 64 and 80 in luma, no
+/// colour; coded by a quantizer of 11.
+ByteList twoLevels(bool asksForDeblocking)
+{
+    ByteList bytes;
+    int used = 0;
+    const auto put = [&](unsigned value, int bits) {
+        for (int bit = bits - 1; bit >= 0; --bit, ++used) {
+            if (used % 8 == 0) bytes.push_back(0);
+            bytes.back() |= static_cast<std::uint8_t>((value >> bit & 1) << (7 - used % 8));
+        }
+    };
+    put(1, 17); // where a picture starts
+    put(0, 5 + 8 + 3);
+    put(32, 8);
+    put(16, 8);
+    put(0, 2);
+    put(asksForDeblocking ? 1 : 0, 1);
+    put(11, 5);
+    put(0, 1);
+    for (const unsigned level : {64U, 80U}) {
+        put(0b1'0011, 1 + 4); // nothing but the levels of its four blocks and of the two of colour
+        for (int block = 0; block < 4; ++block) put(level, 8);
+        put(0xFF, 8); // 128
+        put(0xFF, 8);
+    }
+    put(0, 16);
+    return bytes;
+}
+
+TEST(VideoDecoder, SmoothsSeamsWhereItIsAsked)
+{
+    const auto grays = [](bool asks, Deblocking deblocking) {
+        const auto decoder = VideoDecoder::open(VideoCodec::SorensonH263, 32, 16);
+        decoder->setDeblocking(deblocking);
+        const auto picture = decoder->decode(twoLevels(asks));
+        std::vector<int> found;
+        for (std::size_t x = 13; picture && x < 19; ++x)
+            found.push_back(static_cast<int>(picture->pixels[4 * 32 + x] & 0xFF));
+        return found;
+    };
+    // 64 to 80 in luma, shown as 56 to 75.
+    const std::vector<int> hard{56, 56, 56, 75, 75, 75}, soft{56, 58, 61, 70, 72, 75};
+    EXPECT_EQ(grays(false, Deblocking::AsCoded), hard);
+    EXPECT_EQ(grays(true, Deblocking::AsCoded), soft);
+    EXPECT_EQ(grays(true, Deblocking::Off), hard);
+    EXPECT_EQ(grays(false, Deblocking::On), soft);
+}
+
+TEST(Deblocking, LeavesEdgesOfWhatIsShown)
+{
+    // Left and right of a seam, and what becomes of the four samples beside it at a strength of 5.
+    struct Case {
+        int left, right;
+        std::vector<int> wanted;
+    };
+    const Case cases[] = {{31, 16, {29, 27, 20, 18}},
+                          {16, 31, {18, 21, 26, 29}},
+                          {200, 60, {200, 200, 60, 60}},
+                          {90, 90, {90, 90, 90, 90}}};
+    for (const Case& c : cases) {
+        for (const bool upright : {true, false}) {
+            ByteList samples(256);
+            for (int i = 0; i < 256; ++i)
+                samples[static_cast<std::size_t>(i)] =
+                    static_cast<std::uint8_t>((upright ? i % 16 : i / 16) < 8 ? c.left : c.right);
+            smoothSeams({samples.data(), 16, 16, 16}, [](int, int) { return 11; });
+            std::vector<int> found;
+            for (int at = 6; at < 10; ++at)
+                found.push_back(samples[static_cast<std::size_t>(upright ? 4 * 16 + at : at * 16 + 4)]);
+            EXPECT_EQ(found, c.wanted) << c.left << " to " << c.right << (upright ? "" : ", level");
+        }
+    }
+}
+
+TEST(PlanarPixels, KeepsColoursWithinTheirFourPixelsAndTheirAlpha)
+{
+    const int older[] = {104597, 132201, 25675, 53279};
+    const ByteList luma{81, 81, 145, 145, 16, 235}, u{90, 54, 128}, v{240, 34, 128};
+    const PlanarRow row{luma.data(), u.data(), v.data(), nullptr};
+    std::vector<std::uint32_t> pixels(6);
+    makePixels(row, ColorMatrix::of({older[0], older[1], older[2], older[3]}, false), pixels);
+    EXPECT_EQ(pixels, (std::vector<std::uint32_t>{0xFFFE0000, 0xFFFE0000, 0xFF00FF01, 0xFF00FF01, 0xFF000000,
+                                                  0xFFFFFFFF}));
+    const ByteList alpha{255, 100, 0, 16, 0, 255};
+    makePixels({luma.data(), u.data(), v.data(), alpha.data()},
+               ColorMatrix::of({older[0], older[1], older[2], older[3]}, true), pixels);
+    EXPECT_EQ(pixels[1], 0x64640E0EU) << "of full range, and no more of it than its alpha";
+    EXPECT_EQ(pixels[2], 0U);
+    EXPECT_EQ(pixels[5], 0xFFEBEBEBU);
 }
 
 } // namespace

@@ -165,7 +165,8 @@ void NetStream::end()
 void NetStream::showPicture()
 {
     if (!m_player) return;
-    auto picture = m_player->picture();
+    const auto first = m_screens.empty() ? nullptr : m_screens.front().lock();
+    auto picture = m_player->picture(video::deblockingOf(first ? first->deblocking() : 0));
     if (picture == m_shown) return;
     m_shown = std::move(picture);
     for (const auto& entry : m_screens)

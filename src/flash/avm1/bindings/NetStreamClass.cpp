@@ -204,10 +204,10 @@ Value setSmoothing(Call& call, stage::VideoNode& video)
     video.setSmoothing(toBoolean(call.vm, call.arg(0)));
     return {};
 }
-Value getDeblocking(Call&, stage::VideoNode& video) { return Value(video.deblocking); }
+Value getDeblocking(Call&, stage::VideoNode& video) { return Value(video.deblocking()); }
 Value setDeblocking(Call& call, stage::VideoNode& video)
 {
-    video.deblocking = intArg(call, 0);
+    video.setDeblocking(intArg(call, 0));
     return {};
 }
 

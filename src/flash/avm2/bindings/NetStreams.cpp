@@ -344,7 +344,8 @@ void NetStreamObject::removeScreen(const stage::VideoNode& screen)
 void NetStreamObject::showPicture()
 {
     if (!player) return;
-    auto picture = player->picture();
+    const auto first = screens.empty() ? nullptr : screens.front().lock();
+    auto picture = player->picture(video::deblockingOf(first ? first->deblocking() : 0));
     if (picture == shown) return;
     shown = std::move(picture);
     for (const auto& entry : screens)

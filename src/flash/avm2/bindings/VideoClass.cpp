@@ -57,11 +57,11 @@ Value setSmoothing(Call& call)
     videoSelf(call).setSmoothing(on);
     return {};
 }
-Value deblocking(Call& call) { return videoSelf(call).deblocking; }
+Value deblocking(Call& call) { return videoSelf(call).deblocking(); }
 Value setDeblocking(Call& call)
 {
     const int value = call.vm.toInt(call.arg(0));
-    videoSelf(call).deblocking = value;
+    videoSelf(call).setDeblocking(value);
     return {};
 }
 constexpr NativeMember kVideo[] = {
