@@ -204,7 +204,7 @@ void callFunction(Frame& frame, const Instruction& instruction)
         const StackedArguments args(frame);
         Object* self = nullptr;
         const Value function = Interpreter::getVariableCached(frame, name, instruction.b, &self);
-        result = Interpreter::invoke(frame.vm, function, self, args.values());
+        result = Interpreter::invoke(frame.vm, function, self, args.values(), {.isWritten = true});
     }
     frame.push(result);
     Interpreter::checkClip(frame);
@@ -220,7 +220,7 @@ void callMethod(Frame& frame, const Instruction& instruction)
     {
         const StackedArguments args(frame);
         if (isNoName(key, name)) {
-            result = Interpreter::invoke(vm, base, Value(), args.values());
+            result = Interpreter::invoke(vm, base, Value(), args.values(), {.isWritten = true});
         } else {
             const InlineCache& cache = frame.code->cache(instruction.b);
             Object* holder = base.isString() ? Interpreter::cachedStringMember(cache, vm, name)
@@ -238,7 +238,7 @@ void callMethod(Frame& frame, const Instruction& instruction)
                 }
             }
             result = Interpreter::invoke(vm, method, receiverFor(vm, self, method), args.values(),
-                                         {holder, false});
+                                         {.superBase = holder, .isWritten = true});
         }
     }
     frame.push(result);

@@ -139,6 +139,21 @@ Value Interpreter::invoke(Vm& vm, Value callable, Value self, std::span<const Va
     return result;
 }
 
+namespace
+{
+
+/// Makes the clip that a call comes from, or is made on, the one that the called code works on.
+void borrow(Frame& frame, const Frame& caller)
+{
+    Host& host = frame.vm.host();
+    const bool isMethod = frame.self.isObject() && host.isClip(frame.self.object());
+    frame.target = frame.baseTarget = isMethod ? frame.self.object() : caller.baseTarget;
+    frame.endsWithClip = frame.baseTarget != nullptr && host.isClip(frame.baseTarget);
+    if (frame.baseTarget != nullptr) frame.version = std::max(host.movieVersion(frame.baseTarget), 5);
+}
+
+} // namespace
+
 Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::span<const Value> args,
                                 const CallOptions& options)
 {
@@ -170,6 +185,10 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
     // In version 5 a method of a clip works on that clip, wherever it was written.
     if (frame.version == 5 && self.isObject() && vm.m_host.isClip(self.object()))
         frame.target = frame.baseTarget = self.object();
+    // What a script of version 5 calls belongs to the clip it is called on, or to the caller's, and is of
+    // that clip's version, whoever wrote it.
+    const bool isBorrowed = options.isWritten && written != Code::kCallersVersion && vm.m_frame->version <= 5;
+    if (isBorrowed) borrow(frame, *vm.m_frame);
 
     Value* stack = vm.m_frame == nullptr ? vm.m_stack.get() : vm.m_frame->top;
     frame.limit = vm.m_stack.get() + Vm::kStackValues;
@@ -191,8 +210,9 @@ Value Interpreter::invokeScript(Vm& vm, Function* function, Value self, std::spa
 
     const FrameGuard guard(vm.m_frame, vm.m_version, frame);
     // Version 5 has no closures: a function sees its own variables and those of its clip.
-    Scope* outer = frame.version > 5 ? function->scope()
-                                     : vm.m_heap.make<Scope>(Scope::Kind::Target, frame.baseTarget, nullptr);
+    const bool isClosure = frame.version > 5 && !isBorrowed;
+    Scope* outer =
+        isClosure ? function->scope() : vm.m_heap.make<Scope>(Scope::Kind::Target, frame.baseTarget, nullptr);
     if (frame.body->needsActivation) {
         frame.activation = vm.m_heap.make<Object>(vm, nullptr);
         frame.scope = vm.m_heap.make<Scope>(Scope::Kind::Activation, frame.activation, outer);

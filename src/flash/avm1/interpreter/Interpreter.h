@@ -95,6 +95,7 @@ public:
 struct CallOptions {
     Object* superBase = nullptr;
     bool isConstruct = false;
+    bool isWritten = false; ///< it stands in a script, rather than following from what one does
 };
 
 /// The machine's inner side: what actions work with.
