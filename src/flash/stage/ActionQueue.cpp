@@ -7,9 +7,10 @@
 namespace flash::stage
 {
 
-void ActionQueue::addBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions)
+void ActionQueue::addBlock(Node& target, MoviePtr movie, swf::ActionBlock actions)
 {
-    if (actions.isEmpty() || target.isInert()) return;
+    const Clip* clip = asClip(&target);
+    if (actions.isEmpty() || (clip && clip->isInert())) return;
     Queued item;
     item.kind = Queued::Kind::Block;
     item.node = target.shared_from_this();
@@ -119,7 +120,7 @@ void ActionQueue::run()
             if (!last && item.node->isLeaving()) continue;
             runEvent(*item.node, item.event, item.keyCode);
         } else if (!item.node->isLeaving()) {
-            m_stage.script().runActions(static_cast<Clip&>(*item.node), item.movie, item.block);
+            m_stage.script().runActions(*item.node, item.movie, item.block);
         }
     }
     m_isRunning = false;

@@ -21,7 +21,7 @@ public:
     ActionQueue& operator=(const ActionQueue&) = delete;
 
     /// Queues a block for `target`; skipped when it has left the stage by then.
-    void addBlock(Clip& target, MoviePtr movie, swf::ActionBlock actions);
+    void addBlock(Node& target, MoviePtr movie, swf::ActionBlock actions);
     /// Queues the initialisation of a sprite's class; once for a movie.
     void addInit(Clip& target, const MoviePtr& movie, const swf::DoInitAction& init);
     void addEvent(Node& node, Event event, int keyCode = 0);

@@ -172,7 +172,8 @@ void Button::answerPointer(Event event)
 
 void Button::runPointerActions(Event event)
 {
-    Clip* target = parentClip();
+    // Inside of another button it is that one whose actions these are.
+    Node* const target = parent();
     if (!target) return;
     const unsigned condition = conditionOf(event, tracksAsMenu());
     for (const swf::ButtonAction& action : m_definition.actions)
@@ -181,7 +182,7 @@ void Button::runPointerActions(Event event)
 
 bool Button::takeKeyPress(int keyPressCode)
 {
-    Clip* target = parentClip();
+    Node* const target = parent();
     if (!target || !isVisible() || !m_stage.script().isEnabled(*this)) return false;
     bool any = false;
     for (const swf::ButtonAction& action : m_definition.actions) {
@@ -189,13 +190,16 @@ bool Button::takeKeyPress(int keyPressCode)
         m_stage.queue().addBlock(*target, m_movie, action.actions);
         any = true;
     }
-    return any;
+    return any || std::any_of(m_children.begin(), m_children.end(),
+                              [&](const NodePtr& child) { return child->takeKeyPress(keyPressCode); });
 }
 
 bool Button::listensToKeys() const
 {
     return std::any_of(m_definition.actions.begin(), m_definition.actions.end(),
-                       [](const swf::ButtonAction& action) { return action.keyCode != 0; });
+                       [](const swf::ButtonAction& action) { return action.keyCode != 0; }) ||
+           std::any_of(m_children.begin(), m_children.end(),
+                       [](const NodePtr& child) { return child->listensToKeys(); });
 }
 
 Cursor Button::cursorAt(swf::Point) { return useHandCursor ? Cursor::Hand : Cursor::Arrow; }
@@ -204,6 +208,11 @@ bool Button::isTabStop() { return m_stage.script().isEnabled(*this); }
 
 NodePtr Button::ownPointerTarget(swf::Point stagePoint)
 {
+    // A button inside of it comes first; whatever else it shows is only looked at.
+    for (auto child = m_children.rbegin(); child != m_children.rend(); ++child) {
+        if ((*child)->kind() != NodeKind::Button) continue;
+        if (NodePtr inner = (*child)->pointerTarget(stagePoint)) return inner;
+    }
     return answersPointer() && takesPointer(stagePoint) ? shared_from_this() : nullptr;
 }
 

@@ -74,7 +74,7 @@ public:
     virtual void closeMenu() {}
 
     /// Runs one compiled block with `target` as `this`. `movie` owns the block and gives its version.
-    virtual void runActions(Clip& /*target*/, const MoviePtr& /*movie*/, const swf::ActionBlock&) {}
+    virtual void runActions(Node& /*target*/, const MoviePtr& /*movie*/, const swf::ActionBlock&) {}
 
     /// Runs the script-side handler of an instance (`onLoad`, `onPress`, ...) if it has one. The blocks that
     /// the file holds for the event ran before.

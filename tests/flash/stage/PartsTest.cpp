@@ -21,7 +21,7 @@ using B = MovieBuilder;
 class Listener : public ScriptHost
 {
 public:
-    void runActions(Clip&, const MoviePtr&, const swf::ActionBlock& block) override
+    void runActions(Node&, const MoviePtr&, const swf::ActionBlock& block) override
     {
         lines.emplace_back(reinterpret_cast<const char*>(block.bytes.data()), block.bytes.size());
     }

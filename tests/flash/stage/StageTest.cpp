@@ -19,11 +19,11 @@ using testing::ElementsAre;
 class Recorder : public ScriptHost
 {
 public:
-    void runActions(Clip& target, const MoviePtr&, const swf::ActionBlock& block) override
+    void runActions(Node& target, const MoviePtr&, const swf::ActionBlock& block) override
     {
         const std::string name(reinterpret_cast<const char*>(block.bytes.data()), block.bytes.size());
         lines.push_back(target.name().empty() ? name : target.name() + ":" + name);
-        if (const auto act = acts.find(name); act != acts.end()) act->second(target);
+        if (const auto act = acts.find(name); act != acts.end()) act->second(static_cast<Clip&>(target));
     }
     bool hasHandler(Node& node, Event event) override { return handlers.contains({node.name(), event}); }
     void dispatch(Node& node, Event event) override

@@ -49,7 +49,7 @@ void StageEvents::trace(Tracer& tracer)
     m_menus.trace(tracer);
 }
 
-void StageEvents::runActions(stage::Clip& target, const stage::MoviePtr& movie, const swf::ActionBlock& block)
+void StageEvents::runActions(stage::Node& target, const stage::MoviePtr& movie, const swf::ActionBlock& block)
 {
     if (!movie) return;
     vm().run(movie, block, movie->header.version, m_binding.objectOf(&target));

@@ -30,7 +30,7 @@ public:
     void trace(Tracer& tracer);
 
     void stopSlowScripts() override;
-    void runActions(stage::Clip& target, const stage::MoviePtr& movie,
+    void runActions(stage::Node& target, const stage::MoviePtr& movie,
                     const swf::ActionBlock& block) override;
     void dispatch(stage::Node& node, stage::Event event) override;
     bool hasHandler(stage::Node& node, stage::Event event) override;
