@@ -276,7 +276,12 @@ public:
 protected:
     Space& needSpace();
     void cacheScale();
-    void fit(double pixels, double now, double own, double Node::*scale, void (Node::*set)(double));
+    struct Sides {
+        double width, height; ///< pixels
+    };
+    [[nodiscard]] bool isUpright() const;
+    void fit(Sides wanted);
+    void collapse();
     /// It is drawn no longer, nor is anything in it; nothing of it has the pointer or the focus.
     void noteGone();
     /// It counts no longer as one of the stage's instances.

@@ -176,32 +176,47 @@ double Node::height()
     return rect.width() == 0 ? 0 : static_cast<double>(rect.height()) / swf::kTwipsPerPixel;
 }
 
-// A size is reached by scaling along one axis, as `scale` and `set` name it.
-void Node::fit(double pixels, double now, double own, double Node::*scale, void (Node::*set)(double))
+// The box a rotated thing takes has its sides along the axes of what holds it. One side is set, the other
+// kept; by how much they differ from the sides it would have unscaled are the new scales, whichever way they
+// turn it.
+void Node::fit(Sides wanted)
 {
-    // What has no extent has none in either way from then on.
-    if (own <= 0) {
-        setScaleX(0);
-        setScaleY(0);
-        return;
-    }
+    const swf::Rect own = bounds();
+    const double across = own.width() / static_cast<double>(swf::kTwipsPerPixel);
+    const double down = own.height() / static_cast<double>(swf::kTwipsPerPixel);
     cacheScale();
-    const bool upright = m_matrix.b == 0 && m_matrix.c == 0;
-    (this->*set)(upright || now <= 0 ? pixels / own * 100 : this->*scale * pixels / now);
+    const double angle = std::isnan(m_rotation) ? 0 : m_rotation / kDegreesPerRadian;
+    const double cos = std::abs(std::cos(angle)), sin = std::abs(std::sin(angle));
+    const Sides unscaled{cos * across + sin * down, sin * across + cos * down};
+    setScaleX(wanted.width / unscaled.width * 100);
+    setScaleY(wanted.height / unscaled.height * 100);
 }
+
+bool Node::isUpright() const { return m_matrix.b == 0 && m_matrix.c == 0; }
 
 void Node::setWidth(double pixels)
 {
     if (!std::isfinite(pixels)) return;
     const double own = bounds().width() / static_cast<double>(swf::kTwipsPerPixel);
-    fit(pixels, width(), own, &Node::m_scaleX, &Node::setScaleX);
+    if (own <= 0) return collapse();
+    if (!isUpright() && width() > 0) return fit({pixels, height()});
+    setScaleX(pixels / own * 100);
 }
 
 void Node::setHeight(double pixels)
 {
     if (!std::isfinite(pixels)) return;
     const double own = bounds().height() / static_cast<double>(swf::kTwipsPerPixel);
-    fit(pixels, height(), own, &Node::m_scaleY, &Node::setScaleY);
+    if (own <= 0) return collapse();
+    if (!isUpright() && height() > 0) return fit({width(), pixels});
+    setScaleY(pixels / own * 100);
+}
+
+// What has no extent has none in either way once it is sized.
+void Node::collapse()
+{
+    setScaleX(0);
+    setScaleY(0);
 }
 
 } // namespace flash::stage

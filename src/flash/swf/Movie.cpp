@@ -50,8 +50,9 @@ Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
     Timeline timeline;
     Frame frame;
     const std::size_t start = body.offset() - body.position();
+    const std::size_t origin = spriteDepth > 0 ? body.offset() : 0;
     const auto endFrame = [&] {
-        frame.endOffset = body.offset();
+        frame.endOffset = body.offset() - origin;
         if (builder.definitions().take(sizeof(Frame))) timeline.frames.push_back(std::move(frame));
         frame = {};
     };
@@ -97,6 +98,8 @@ Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
     // Tags behind the last mark are a frame when the end tag says that they are all there. Of a movie that
     // was cut off they are half a frame, which is better than nothing only when there is no other.
     if (isWorthKeeping(frame) && (ended || timeline.frames.empty())) endFrame();
+    // The end tag is a sprite's, too.
+    if (origin > 0 && !timeline.frames.empty()) timeline.frames.back().endOffset = body.offset() - origin;
     return timeline;
 }
 

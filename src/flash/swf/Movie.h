@@ -345,7 +345,7 @@ struct Frame {
     std::string label;            ///< empty: none
     bool isAnchor = false;
     std::size_t endOffset =
-        0; ///< bytes into the plain movie at the frame's end; for getBytesLoaded and preloaders
+        0; ///< bytes into the plain movie, or the sprite's tags, at the frame's end; for preloaders
 };
 
 /// The main timeline or a sprite's.

@@ -102,8 +102,8 @@ Value ClipHost::propertyOf(stage::Node& node, int index)
     case kFramesLoaded: return clip ? Value(frameCount(*clip, clip->loadedFrames(), -1)) : Value();
     case kName: return m_binding.utf8(node.name());
     case kDropTarget: {
-        stage::Clip* under =
-            stage().pointer().dragged() == clip || clip ? stage().pointer().dropTarget() : nullptr;
+        const stage::Pointer& pointer = stage().pointer();
+        stage::Clip* under = clip && pointer.lastDragged() == clip ? pointer.dropTarget() : nullptr;
         return m_binding.utf8(under ? under->slashPath() : std::string());
     }
     case kUrl: return m_binding.utf8(clip ? clip->url() : stage().url());
@@ -126,8 +126,10 @@ void ClipHost::setPropertyOf(stage::Node& node, int index, Value value)
 {
     Vm& vm = this->vm();
     const auto number = [&] { return toNumber(vm, value); };
+    // What no number says is not set; nor what is nothing, though early versions take that for 0 elsewhere.
+    const auto placing = [&] { return value.isNullish() && vm.version() < 7 ? std::nan("") : number(); };
     const auto place = [&](void (stage::Node::*set)(double)) {
-        const double n = value.isNullish() && vm.version() < 7 ? std::nan("") : number();
+        const double n = placing();
         if (std::isnan(n)) return;
         node.setScriptTransformed();
         (node.*set)(n);
@@ -139,7 +141,7 @@ void ClipHost::setPropertyOf(stage::Node& node, int index, Value value)
     case kYScale: place(&stage::Node::setScaleY); break;
     case kAlpha: place(&stage::Node::setAlpha); break;
     case kVisible:
-        if (const double n = number(); !std::isnan(n)) {
+        if (const double n = placing(); !std::isnan(n)) {
             node.setVisible(n != 0);
             if (!node.isVisible()) stage().focus().dropWithin(node);
         }
