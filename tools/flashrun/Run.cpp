@@ -130,9 +130,19 @@ public:
         const double rate = m_engine.stage().frameRate();
         return rate > 0 ? 1000 / rate : kStepMsWithoutRate;
     }
+    /// To the next frame, which a movie that took this one's place may have at another rate.
     void playFrame()
     {
-        m_engine.advance(frameMs());
+        constexpr double kLeastMs = 1e-6, kSpareMs = 1000;
+        constexpr int kMostEvents = 100'000;
+        const auto frame = m_engine.stage().frameCounter();
+        // A movie that was ended has no more frames.
+        double left = frameMs() + kSpareMs;
+        for (int i = 0; i < kMostEvents && left > 0 && m_engine.stage().frameCounter() == frame; ++i) {
+            const double ms = std::max(m_engine.stage().msToNextEvent(), kLeastMs);
+            m_engine.advance(ms);
+            left -= ms;
+        }
         playInput();
     }
     void playAsLongAs(const Arguments& arguments)

@@ -10,8 +10,9 @@
 namespace flash::stage
 {
 
-// Frames between a request for nothing, or for something that is out of reach, and its answer.
-constexpr int kSlowFrames = 2;
+// Frames between a request for something that is out of reach and its answer; and for nothing, which takes
+// longer when it is asked for as the movie begins.
+constexpr int kRefusalFrames = 2, kEmptyFrames = 1, kFirstEmptyFrames = 2;
 // Bytes of a movie's file that are there at once.
 constexpr double kFirstBytes = 1024;
 
@@ -115,7 +116,10 @@ void Loads::intoLevel(int level, LoadRequest request, std::shared_ptr<LoadListen
 long long Loads::dueFrame(const Pending& load) const
 {
     const bool denied = !load.answer && load.answer.error().code == base::ErrorCode::Denied;
-    return denied || load.unload ? m_stage.frameCounter() + kSlowFrames : m_stage.frameCounter();
+    const long long now = m_stage.frameCounter();
+    if (denied) return now + kRefusalFrames;
+    if (load.unload) return now + (now == 0 ? kFirstEmptyFrames : kEmptyFrames);
+    return now;
 }
 
 void Loads::requestUnload(Clip& target)

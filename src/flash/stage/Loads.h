@@ -29,7 +29,8 @@ struct LoadListener {
 /// Loads have their answers at the end of the frame in which they were asked for. They report in that
 /// order; the movies that came run their first frames in the next frame, as the other clips do: the newest
 /// first, and are reported as ready in that order when all scripts of the frame are done. What is refused,
-/// and a load of nothing (an empty address), have theirs at the start of the frame after the next one.
+/// has its answer at the start of the frame after the next one, a load of nothing (an empty address) at that
+/// of the next.
 class Loads
 {
 public:
