@@ -3,6 +3,7 @@
 #include "base/TextCodes.h"
 #include "flash/stage/Clip.h"
 #include "flash/stage/Stage.h"
+#include "flash/stage/TextFonts.h"
 #include "flash/stage/TextHtml.h"
 
 #include <utility>
@@ -100,9 +101,10 @@ NodePtr TextField::makeDynamic(Stage& stage, const MoviePtr& movie, const swf::R
 void TextField::assign(TextContent content)
 {
     // Clocks and scores are set in every frame, most often to what they show. A layout that holds is of the
-    // field as it is.
-    const bool isShown = m_layoutValid && !m_wrapChangedFrame && !m_html && m_autoSize == AutoSize::None &&
-                         content == m_content;
+    // field as it is, unless a font may have come since.
+    const bool fontsMayHaveCome = m_embedFonts && m_stage.textFonts().hasShared();
+    const bool isShown = !fontsMayHaveCome && m_layoutValid && !m_wrapChangedFrame && !m_html &&
+                         m_autoSize == AutoSize::None && content == m_content;
     if (isShown) {
         m_scrollUnbounded = true;
         publish();

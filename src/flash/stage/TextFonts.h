@@ -26,6 +26,7 @@ public:
     render::FontFacePtr embedded(const MoviePtr& movie, std::uint16_t fontId);
     /// Lets the fields of all movies have a font, as long as its movie is there.
     void share(const MoviePtr& movie, std::uint16_t fontId) { m_shared.emplace_back(movie, fontId); }
+    [[nodiscard]] bool hasShared() const { return !m_shared.empty(); }
     /// One of those. @returns null when there is none of that name and style
     render::FontFacePtr shared(const std::string& name, bool bold, bool italic);
     render::FontFacePtr device(const std::string& name, bool bold, bool italic);
