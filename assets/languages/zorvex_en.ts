@@ -1523,5 +1523,13 @@ Start the program again; if that does not help, install it anew.</translation>
         <source>Выделить всё</source>
         <translation>Select All</translation>
     </message>
+    <message>
+        <source>Открыть ссылку</source>
+        <translation>Open Link</translation>
+    </message>
+    <message>
+        <source>Копировать ссылку</source>
+        <translation>Copy Link</translation>
+    </message>
 </context>
 </TS>
