@@ -1,5 +1,7 @@
 #include "flash/render/GpuLanes.h"
 
+#include "flash/render/Vectorize.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -188,19 +190,23 @@ void GpuLanes::texture(const GpuStep& step, const GpuRegister& at, GpuRegister& 
     const auto width = static_cast<float>(sampler.texture->width());
     const auto height = static_cast<float>(sampler.texture->height());
     for (std::size_t i = 0; i < kGpuLanes; ++i) {
-        std::array<float, 4> color{};
+        GpuColor color;
         if (step.isCube) {
-            color = sampler.texture->sampleCube(at[0][i], at[1][i], at[2][i], sampler.how);
+            sampler.texture->sampleCube(color, at[0][i], at[1][i], at[2][i], sampler.how);
         } else {
             float lod = 0;
             if (usesMips) {
-                const float longest = std::max(std::hypot(across[0][i] * width, across[1][i] * height),
-                                               std::hypot(down[0][i] * width, down[1][i] * height));
-                lod = longest > 0 ? std::log2(longest) : 0;
+                const auto squared = [&](const GpuRegister& slopes) {
+                    const float u = slopes[0][i] * width, v = slopes[1][i] * height;
+                    return u * u + v * v;
+                };
+                const float longest = std::max(squared(across), squared(down));
+                lod = longest > 0 ? std::log2(longest) / 2 : 0;
             }
-            color = sampler.texture->sample(at[0][i], at[1][i], lod, sampler.how);
+            sampler.texture->sample(color, at[0][i], at[1][i], lod, sampler.how);
         }
-        for (std::size_t c = 0; c < 4; ++c) to[c][i] = color[c];
+        for (std::size_t c = 0; c < 3; ++c) to[c][i] = color[2 - c]; // red first
+        to[3][i] = color[3];
     }
 }
 
@@ -231,7 +237,7 @@ void GpuLanes::branch(const GpuStep& step)
     m_active &= holds;
 }
 
-void GpuLanes::step(const GpuStep& step)
+ZORVEX_VECTORIZE void GpuLanes::step(const GpuStep& step)
 {
     if (step.op >= GpuOp::IfEqual && step.op <= GpuOp::EndIf) return branch(step);
     if (m_active == 0) return;

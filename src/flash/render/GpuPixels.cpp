@@ -12,6 +12,7 @@ namespace flash::render
 namespace
 {
 
+constexpr std::uint32_t kAllLanes = (1U << kGpuLanes) - 1;
 constexpr int kAcross = static_cast<int>(kGpuLanesAcross), kDown = static_cast<int>(kGpuLanes) / kAcross;
 /// Corners lie on a grid within the pixel.
 constexpr double kGrid = 256;
@@ -42,32 +43,51 @@ bool compares(GpuCompare how, T a, T b)
     return true;
 }
 
-using Color = std::array<float, 4>; ///< red, green, blue, alpha
-
-float factor(GpuBlend how, const Color& source, const Color& destination, std::size_t channel)
+[[gnu::always_inline]] inline void spreadAlpha(GpuColor& to, const GpuColor& color)
 {
-    switch (how) {
-    case GpuBlend::Zero: return 0;
-    case GpuBlend::One: return 1;
-    case GpuBlend::SourceColor: return source[channel];
-    case GpuBlend::OneMinusSourceColor: return 1 - source[channel];
-    case GpuBlend::SourceAlpha: return source[3];
-    case GpuBlend::OneMinusSourceAlpha: return 1 - source[3];
-    case GpuBlend::DestinationAlpha: return destination[3];
-    case GpuBlend::OneMinusDestinationAlpha: return 1 - destination[3];
-    case GpuBlend::DestinationColor: return destination[channel];
-    case GpuBlend::OneMinusDestinationColor: return 1 - destination[channel];
-    }
-    return 0;
+    to = __builtin_shufflevector(color, color, 3, 3, 3, 3);
 }
 
-constexpr std::array<unsigned, 4> kShifts = {16, 8, 0, 24};
+/// How much of a colour counts.
+[[gnu::always_inline]] inline void weigh(GpuColor& to, GpuBlend how, const GpuColor& source,
+                                         const GpuColor& destination)
+{
+    const GpuColor none{};
+    switch (how) {
+    case GpuBlend::Zero: to = none; return;
+    case GpuBlend::One: to = none + 1; return;
+    case GpuBlend::SourceColor: to = source; return;
+    case GpuBlend::OneMinusSourceColor: to = 1 - source; return;
+    case GpuBlend::SourceAlpha: spreadAlpha(to, source); return;
+    case GpuBlend::OneMinusSourceAlpha:
+        spreadAlpha(to, source);
+        to = 1 - to;
+        return;
+    case GpuBlend::DestinationAlpha: spreadAlpha(to, destination); return;
+    case GpuBlend::OneMinusDestinationAlpha:
+        spreadAlpha(to, destination);
+        to = 1 - to;
+        return;
+    case GpuBlend::DestinationColor: to = destination; return;
+    case GpuBlend::OneMinusDestinationColor: to = 1 - destination; return;
+    }
+    to = none;
+}
+
+/// Between 0 and 1, what is no number being 0.
+[[gnu::always_inline]] inline void bound(GpuColor& color)
+{
+    const GpuColor none{}, most = none + 1;
+    color = color > none ? color : none;
+    color = color < most ? color : most;
+}
 
 } // namespace
 
 /// A triangle on the picture.
 struct GpuPixels::Setup {
     std::array<Edge, 3> edges;
+    std::array<std::int64_t, 3> least{}, most{}; ///< of each edge over a block and a pixel around it
     Plane depth, inverseW;
     std::array<std::array<Plane, 4>, GpuProgram::kVaryings> varyings;
     std::size_t face = 0; ///< 0: its corners run clockwise
@@ -136,6 +156,11 @@ void GpuPixels::triangle(const GpuCorner& a, const GpuCorner& b, const GpuCorner
         edge.value = dx * (kUnit / 2 - y[p]) - dy * (kUnit / 2 - x[p]);
         // What lies on an edge belongs to the triangle below it or to the right.
         if (!(dy < 0 || (dy == 0 && dx > 0))) --edge.value;
+        // Samples lie beside their pixel's middle.
+        const auto [leastX, mostX] = std::minmax({-edge.dx, edge.dx * kAcross});
+        const auto [leastY, mostY] = std::minmax({-edge.dy, edge.dy * kDown});
+        setup.least[i] = leastX + leastY;
+        setup.most[i] = mostX + mostY;
     }
     const auto plane = [&](double f0, double f1, double f2) {
         Plane result;
@@ -167,39 +192,54 @@ void GpuPixels::triangle(const GpuCorner& a, const GpuCorner& b, const GpuCorner
 
 void GpuPixels::rows(const Setup& setup, const IntRect& box)
 {
+    Coverage whole{};
+    for (std::size_t s = 0; s < m_target.samples; ++s) whole[s] = kAllLanes;
     for (int row = box.top & ~(kDown - 1); row < box.bottom; row += kDown) {
         guard::check();
+        const bool isCutAcross = row < box.top || row + kDown > box.bottom;
         for (int column = box.left & ~(kAcross - 1); column < box.right; column += kAcross) {
-            const bool isOutside = std::ranges::any_of(setup.edges, [&](const Edge& edge) {
-                // A pixel around, for the samples.
-                return edge.value + edge.dx * column + edge.dy * row +
-                           std::max<std::int64_t>(-edge.dx, edge.dx * kAcross) +
-                           std::max<std::int64_t>(-edge.dy, edge.dy * kDown) <
-                       0;
-            });
+            std::array<std::int64_t, 3> edges;
+            bool isOutside = false;
+            bool isInside = !isCutAcross && column >= box.left && column + kAcross <= box.right;
+            for (std::size_t i = 0; i < 3; ++i) {
+                edges[i] = setup.edges[i].value + setup.edges[i].dx * column + setup.edges[i].dy * row;
+                isOutside = isOutside || edges[i] + setup.most[i] < 0;
+                isInside = isInside && edges[i] + setup.least[i] >= 0;
+            }
             if (isOutside) continue;
-            const Coverage covered = coverage(setup, box, column, row);
+            const Coverage covered = isInside ? whole : coverage(setup, box, column, row, edges);
             if ((covered[0] | covered[1] | covered[2] | covered[3]) != 0) block(setup, column, row, covered);
         }
     }
 }
 
-GpuPixels::Coverage GpuPixels::coverage(const Setup& setup, const IntRect& box, int x, int y) const
+/// @param edges at the middle of the block's first pixel
+GpuPixels::Coverage GpuPixels::coverage(const Setup& setup, const IntRect& box, int x, int y,
+                                        const std::array<std::int64_t, 3>& edges) const
 {
+    // Lanes whose pixels are in the box.
+    std::uint32_t lanes = 0;
+    for (int row = 0; row < kDown; ++row) {
+        if (y + row < box.top || y + row >= box.bottom) continue;
+        const int from = std::max(box.left - x, 0), to = std::min(box.right - x, kAcross);
+        lanes |= ((1U << to) - (1U << from)) << row * kAcross;
+    }
     Coverage covered{};
     const auto& places = m_target.samples > 1 ? kFour : kOne;
-    for (std::size_t lane = 0; lane < kGpuLanes; ++lane) {
-        const int px = x + laneX(lane), py = y + laneY(lane);
-        if (px < box.left || px >= box.right || py < box.top || py >= box.bottom) continue;
-        for (std::size_t s = 0; s < m_target.samples; ++s) {
-            const bool isInside = std::ranges::all_of(setup.edges, [&](const Edge& edge) {
-                constexpr auto kUnit = static_cast<std::int64_t>(kGrid);
-                return edge.value + edge.dx * px + edge.dy * py + edge.dx / kUnit * places[s].x +
-                           edge.dy / kUnit * places[s].y >=
-                       0;
-            });
-            if (isInside) covered[s] |= 1U << lane;
+    for (std::size_t s = 0; s < m_target.samples; ++s) {
+        // A sign bit where an edge leaves the sample outside.
+        std::array<std::int64_t, kGpuLanes> outside{};
+        for (std::size_t i = 0; i < 3; ++i) {
+            constexpr auto kUnit = static_cast<std::int64_t>(kGrid);
+            const Edge& edge = setup.edges[i];
+            const std::int64_t first =
+                edges[i] + edge.dx / kUnit * places[s].x + edge.dy / kUnit * places[s].y;
+            for (std::size_t lane = 0; lane < kGpuLanes; ++lane)
+                outside[lane] |= first + edge.dx * laneX(lane) + edge.dy * laneY(lane);
         }
+        for (std::size_t lane = 0; lane < kGpuLanes; ++lane)
+            covered[s] |= static_cast<std::uint32_t>(outside[lane] >= 0) << lane;
+        covered[s] &= lanes;
     }
     return covered;
 }
@@ -222,18 +262,27 @@ void GpuPixels::block(const Setup& setup, int x, int y, Coverage covered)
 
 void GpuPixels::shade(const Setup& setup, int x, int y)
 {
+    // Lanes are counted by row and column, which the compiler takes several of at once.
+    const auto eachLane = [](auto work) {
+        for (int row = 0; row < kDown; ++row) {
+            for (int column = 0; column < kAcross; ++column)
+                work(static_cast<std::size_t>(row * kAcross + column), column, row);
+        }
+    };
     GpuLane w;
-    for (std::size_t i = 0; i < kGpuLanes; ++i)
-        w[i] = static_cast<float>(1 / (setup.inverseW.value + setup.inverseW.dx * (x + laneX(i)) +
-                                       setup.inverseW.dy * (y + laneY(i))));
+    eachLane([&](std::size_t i, int column, int row) {
+        w[i] = static_cast<float>(
+            1 / (setup.inverseW.value + setup.inverseW.dx * (x + column) + setup.inverseW.dy * (y + row)));
+    });
     for (std::size_t v = 0; v < GpuProgram::kVaryings; ++v) {
         if (!(m_draw.fragment->varyings >> v & 1U)) continue;
         for (std::size_t k = 0; k < 4; ++k) {
             const Plane& plane = setup.varyings[v][k];
             const double first = plane.value + plane.dx * x + plane.dy * y;
             GpuLane& lane = m_lanes.varyings[v][k];
-            for (std::size_t i = 0; i < kGpuLanes; ++i)
-                lane[i] = static_cast<float>(first + plane.dx * laneX(i) + plane.dy * laneY(i)) * w[i];
+            eachLane([&](std::size_t i, int column, int row) {
+                lane[i] = static_cast<float>(first + plane.dx * column + plane.dy * row) * w[i];
+            });
         }
     }
     m_lanes.run();
@@ -297,17 +346,18 @@ GpuPixels::Coverage GpuPixels::test(const Setup& setup, int x, int y, Coverage c
     return covered;
 }
 
-std::uint32_t GpuPixels::blended(const Color& source, std::uint32_t below) const
+std::uint32_t GpuPixels::blended(const GpuColor& source, std::uint32_t below) const
 {
-    Color under;
-    for (std::size_t k = 0; k < 4; ++k) under[k] = static_cast<float>(below >> kShifts[k] & 0xFFU) / 255;
-    std::uint32_t mixed = 0;
-    for (std::size_t k = 0; k < 4; ++k) {
-        const float value = source[k] * factor(m_state.source, source, under, k) +
-                            under[k] * factor(m_state.destination, source, under, k);
-        mixed |= static_cast<std::uint32_t>(std::clamp(value, 0.0F, 1.0F) * 255 + 0.5F) << kShifts[k];
+    GpuColor mixed = source;
+    if (m_state.source != GpuBlend::One || m_state.destination != GpuBlend::Zero) {
+        GpuColor under, share, shareUnder;
+        spread(under, below);
+        weigh(share, m_state.source, source, under);
+        weigh(shareUnder, m_state.destination, source, under);
+        mixed = source * share + under * shareUnder;
+        bound(mixed);
     }
-    return (below & ~m_state.colorMask) | (mixed & m_state.colorMask);
+    return (below & ~m_state.colorMask) | (gathered(mixed) & m_state.colorMask);
 }
 
 void GpuPixels::blend(int x, int y, const Coverage& covered)
@@ -315,11 +365,9 @@ void GpuPixels::blend(int x, int y, const Coverage& covered)
     for (std::uint32_t left = covered[0] | covered[1] | covered[2] | covered[3]; left != 0;
          left &= left - 1) {
         const auto lane = static_cast<std::size_t>(std::countr_zero(left));
-        Color source;
-        for (std::size_t k = 0; k < 4; ++k) {
-            const float value = m_lanes.output[k][lane];
-            source[k] = value > 0 ? std::min(value, 1.0F) : 0;
-        }
+        const GpuRegister& out = m_lanes.output;
+        GpuColor source = {out[2][lane], out[1][lane], out[0][lane], out[3][lane]};
+        bound(source);
         const std::size_t first = at(x, y, lane);
         std::uint32_t below = 0, result = 0;
         bool isKnown = false; // samples of a pixel mostly lie on the same

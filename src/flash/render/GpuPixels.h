@@ -31,14 +31,15 @@ private:
     /// Bits of lanes, for each sample.
     using Coverage = std::array<std::uint32_t, 4>;
     void rows(const Setup& setup, const IntRect& box);
-    [[nodiscard]] Coverage coverage(const Setup& setup, const IntRect& box, int x, int y) const;
+    [[nodiscard]] Coverage coverage(const Setup& setup, const IntRect& box, int x, int y,
+                                    const std::array<std::int64_t, 3>& edges) const;
     void block(const Setup& setup, int x, int y, Coverage covered);
     void shade(const Setup& setup, int x, int y);
     [[nodiscard]] Coverage test(const Setup& setup, int x, int y, Coverage covered);
     [[nodiscard]] bool passes(std::size_t face, std::size_t sample, float depth);
     [[nodiscard]] std::uint8_t stenciled(GpuStencilAction action, std::uint8_t now) const;
     void blend(int x, int y, const Coverage& covered);
-    [[nodiscard]] std::uint32_t blended(const std::array<float, 4>& source, std::uint32_t below) const;
+    [[nodiscard]] std::uint32_t blended(const GpuColor& source, std::uint32_t below) const;
     /// The first sample of a lane's pixel.
     [[nodiscard]] std::size_t at(int x, int y, std::size_t lane) const;
 

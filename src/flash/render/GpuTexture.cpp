@@ -10,55 +10,63 @@ namespace flash::render
 namespace
 {
 
-using Texel = std::array<float, 4>;
-
-Texel texelOf(const GpuTexture::Level& level, int x, int y)
-{
-    if (level.pixels.empty()) return {0, 0, 0, 0};
-    const std::uint32_t pixel =
-        level.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(level.width) +
-                     static_cast<std::size_t>(x)];
-    constexpr float kUnit = 1.0F / 255;
-    return {static_cast<float>(pixel >> 16U & 0xFFU) * kUnit, static_cast<float>(pixel >> 8U & 0xFFU) * kUnit,
-            static_cast<float>(pixel & 0xFFU) * kUnit, static_cast<float>(pixel >> 24U) * kUnit};
-}
-
+/// Repeated textures are tamed before: no more than one beyond an edge.
 int wrapped(int at, int size, bool repeats)
 {
     if (!repeats) return std::clamp(at, 0, size - 1);
-    const int rest = at % size;
-    return rest < 0 ? rest + size : rest;
+    if (at < 0) return at + size;
+    return at >= size ? at - size : at;
+}
+
+/// Of a small number.
+int wholeBelow(float number)
+{
+    const int whole = static_cast<int>(number);
+    return static_cast<float>(whole) > number ? whole - 1 : whole;
 }
 
 /// Numbers of a program may be anything.
 float tamed(float coordinate, bool repeats)
 {
     if (!std::isfinite(coordinate)) return 0;
-    return repeats ? coordinate - std::floor(coordinate) : std::clamp(coordinate, -1.0F, 2.0F);
+    if (!repeats) return std::clamp(coordinate, -1.0F, 2.0F);
+    // What is larger has no fraction.
+    constexpr float kWhole = 8388608; // 2^23
+    if (coordinate >= kWhole || coordinate <= -kWhole) return 0;
+    return coordinate - static_cast<float>(wholeBelow(coordinate));
 }
 
-Texel mix(const Texel& a, const Texel& b, float share)
-{
-    Texel result;
-    for (std::size_t i = 0; i < 4; ++i) result[i] = a[i] + (b[i] - a[i]) * share;
-    return result;
-}
+void mix(GpuColor& a, const GpuColor& b, float share) { a += (b - a) * share; }
 
-Texel fromLevel(const GpuTexture::Level& level, float u, float v, const GpuSampling& how)
+void fromLevel(GpuColor& color, const GpuTexture::Level& level, float u, float v, const GpuSampling& how)
 {
+    if (level.pixels.empty()) {
+        color = GpuColor{};
+        return;
+    }
     const float x = tamed(u, how.repeatsU) * static_cast<float>(level.width);
     const float y = tamed(v, how.repeatsV) * static_cast<float>(level.height);
-    const auto at = [&](int column, int row) {
-        return texelOf(level, wrapped(column, level.width, how.repeatsU),
-                       wrapped(row, level.height, how.repeatsV));
+    const auto column = [&](int at) { return wrapped(at, level.width, how.repeatsU); };
+    const auto row = [&](int at) {
+        return level.pixels.data() + static_cast<std::size_t>(wrapped(at, level.height, how.repeatsV)) *
+                                         static_cast<std::size_t>(level.width);
     };
-    if (how.filter == GpuFilter::Nearest)
-        return at(static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)));
-    const float left = std::floor(x - 0.5F), top = std::floor(y - 0.5F);
-    const float shareX = x - 0.5F - left, shareY = y - 0.5F - top;
-    const int column = static_cast<int>(left), row = static_cast<int>(top);
-    return mix(mix(at(column, row), at(column + 1, row), shareX),
-               mix(at(column, row + 1), at(column + 1, row + 1), shareX), shareY);
+    if (how.filter == GpuFilter::Nearest) {
+        spread(color, row(wholeBelow(y))[column(wholeBelow(x))]);
+        return;
+    }
+    const int left = wholeBelow(x - 0.5F), top = wholeBelow(y - 0.5F);
+    const float shareX = x - 0.5F - static_cast<float>(left), shareY = y - 0.5F - static_cast<float>(top);
+    const std::uint32_t *const above = row(top), *const below = row(top + 1);
+    const int first = column(left), second = column(left + 1);
+    GpuColor other, belowColor;
+    spread(color, above[first]);
+    spread(other, above[second]);
+    mix(color, other, shareX);
+    spread(belowColor, below[first]);
+    spread(other, below[second]);
+    mix(belowColor, other, shareX);
+    mix(color, belowColor, shareY);
 }
 
 } // namespace
@@ -91,29 +99,32 @@ std::size_t GpuTexture::bytes() const
     return total;
 }
 
-std::array<float, 4> GpuTexture::sampleFace(std::size_t face, float u, float v, float lod,
-                                            const GpuSampling& how) const
+void GpuTexture::sampleFace(GpuColor& color, std::size_t face, float u, float v, float lod,
+                            const GpuSampling& how) const
 {
     const std::vector<Level>& levels = m_faces[face];
     const auto last = static_cast<float>(levels.size() - 1);
     const float wanted = std::isfinite(lod) ? std::clamp(lod + how.bias, 0.0F, last) : 0;
-    if (how.mips == GpuMips::None || wanted <= 0) return fromLevel(levels.front(), u, v, how);
+    if (how.mips == GpuMips::None || wanted <= 0) return fromLevel(color, levels.front(), u, v, how);
     if (how.mips == GpuMips::Nearest)
-        return fromLevel(levels[static_cast<std::size_t>(wanted + 0.5F)], u, v, how);
+        return fromLevel(color, levels[static_cast<std::size_t>(wanted + 0.5F)], u, v, how);
     const auto lower = static_cast<std::size_t>(wanted);
     const std::size_t upper = std::min(lower + 1, levels.size() - 1);
-    return mix(fromLevel(levels[lower], u, v, how), fromLevel(levels[upper], u, v, how),
-               wanted - static_cast<float>(lower));
+    GpuColor smaller;
+    fromLevel(color, levels[lower], u, v, how);
+    fromLevel(smaller, levels[upper], u, v, how);
+    mix(color, smaller, wanted - static_cast<float>(lower));
 }
 
-std::array<float, 4> GpuTexture::sample(float u, float v, float lod, const GpuSampling& how) const
+void GpuTexture::sample(GpuColor& color, float u, float v, float lod, const GpuSampling& how) const
 {
-    return sampleFace(0, u, v, lod, how);
+    sampleFace(color, 0, u, v, lod, how);
 }
 
-std::array<float, 4> GpuTexture::sampleCube(float x, float y, float z, const GpuSampling& how) const
+void GpuTexture::sampleCube(GpuColor& color, float x, float y, float z, const GpuSampling& how) const
 {
-    if (!isCube()) return {0, 0, 0, 0};
+    color = GpuColor{};
+    if (!isCube()) return;
     const float ax = std::abs(x), ay = std::abs(y), az = std::abs(z);
     // Faces come in pairs, the positive first; each has its own right and down.
     std::size_t face = 0;
@@ -134,10 +145,10 @@ std::array<float, 4> GpuTexture::sampleCube(float x, float y, float z, const Gpu
         down = -y;
         depth = az;
     }
-    if (!(depth > 0)) return {0, 0, 0, 0};
+    if (!(depth > 0)) return;
     GpuSampling within = how;
     within.repeatsU = within.repeatsV = false;
-    return sampleFace(face, (right / depth + 1) / 2, (down / depth + 1) / 2, 0, within);
+    sampleFace(color, face, (right / depth + 1) / 2, (down / depth + 1) / 2, 0, within);
 }
 
 } // namespace flash::render

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "flash/render/GpuColor.h"
 #include "flash/render/GpuProgram.h"
 
-#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -29,13 +29,12 @@ public:
     [[nodiscard]] std::size_t bytes() const;
 
     /// @param lod the level wanted, 0 the largest
-    /// @returns red, green, blue, alpha, 0 to 1
-    [[nodiscard]] std::array<float, 4> sample(float u, float v, float lod, const GpuSampling& how) const;
-    [[nodiscard]] std::array<float, 4> sampleCube(float x, float y, float z, const GpuSampling& how) const;
+    void sample(GpuColor& color, float u, float v, float lod, const GpuSampling& how) const;
+    void sampleCube(GpuColor& color, float x, float y, float z, const GpuSampling& how) const;
 
 private:
-    [[nodiscard]] std::array<float, 4> sampleFace(std::size_t face, float u, float v, float lod,
-                                                  const GpuSampling& how) const;
+    void sampleFace(GpuColor& color, std::size_t face, float u, float v, float lod,
+                    const GpuSampling& how) const;
     int m_width, m_height;
     std::vector<std::vector<Level>> m_faces;
 };
