@@ -101,7 +101,7 @@ GpuLanes::GpuLanes(const GpuProgram& program, const GpuConstants& constants,
 
 void GpuLanes::run()
 {
-    m_active = kAll;
+    m_active = kAllGpuLanes;
     killed = 0;
     m_branches.clear();
     for (const GpuStep& next : m_program.steps) step(next);
@@ -158,7 +158,7 @@ GpuRegister& GpuLanes::targetOf(const GpuStep& step)
 void GpuLanes::store(const GpuStep& step, const GpuRegister& value)
 {
     const auto put = [this](GpuLane& to, const GpuLane& from) {
-        if (m_active == kAll) {
+        if (m_active == kAllGpuLanes) {
             to = from;
             return;
         }

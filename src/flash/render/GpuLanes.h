@@ -14,6 +14,7 @@ namespace flash::render
 /// So many corners or pixels run at once. Pixels are two rows of eight: each is one of four that lie
 /// together, whose differences say how steep a value is.
 constexpr std::size_t kGpuLanes = 16, kGpuLanesAcross = 8;
+constexpr std::uint32_t kAllGpuLanes = (1U << kGpuLanes) - 1; ///< a bit for each
 using GpuLane = std::array<float, kGpuLanes>;
 using GpuRegister = std::array<GpuLane, 4>;
 using GpuConstants = std::array<std::array<float, 4>, GpuProgram::kConstants>;
@@ -52,8 +53,7 @@ private:
     const GpuConstants& m_constants;
     std::span<const GpuSampler> m_samplers;
     std::array<GpuRegister, GpuProgram::kTemporaries> m_temporaries;
-    static constexpr std::uint32_t kAll = (1U << kGpuLanes) - 1;
-    std::uint32_t m_active = kAll; ///< lanes that conditions leave
+    std::uint32_t m_active = kAllGpuLanes; ///< lanes that conditions leave
     struct Branch {
         std::uint32_t outer, taken;
     };

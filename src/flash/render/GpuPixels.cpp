@@ -12,7 +12,6 @@ namespace flash::render
 namespace
 {
 
-constexpr std::uint32_t kAllLanes = (1U << kGpuLanes) - 1;
 constexpr int kAcross = static_cast<int>(kGpuLanesAcross), kDown = static_cast<int>(kGpuLanes) / kAcross;
 /// Corners lie on a grid within the pixel.
 constexpr double kGrid = 256;
@@ -193,7 +192,7 @@ void GpuPixels::triangle(const GpuCorner& a, const GpuCorner& b, const GpuCorner
 void GpuPixels::rows(const Setup& setup, const IntRect& box)
 {
     Coverage whole{};
-    for (std::size_t s = 0; s < m_target.samples; ++s) whole[s] = kAllLanes;
+    for (std::size_t s = 0; s < m_target.samples; ++s) whole[s] = kAllGpuLanes;
     for (int row = box.top & ~(kDown - 1); row < box.bottom; row += kDown) {
         guard::check();
         const bool isCutAcross = row < box.top || row + kDown > box.bottom;

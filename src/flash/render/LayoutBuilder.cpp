@@ -234,6 +234,7 @@ void LayoutBuilder::paragraph(std::size_t begin, std::size_t end, bool hasBreak)
         Sides beside = besideFloats(whole);
         std::size_t last = 0;
         for (;;) {
+            guard::check(); // the line is fitted anew for every picture in it
             const double room = whole - beside.left - beside.right;
             last = fitCells(first, style.blockIndent + indent, room);
             const std::size_t lastIndex = last < m_cells.size() ? m_cells[last].index - 1 : end;
