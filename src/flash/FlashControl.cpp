@@ -39,11 +39,18 @@ void FlashControl::Private::pictureChanged(const QRegion& parts, Painting painti
 
 QRegion FlashControl::Private::putDirectly(const QRegion& parts)
 {
+    const auto place = placeOf(parts);
+    if (!place || !port->put(*place)) return {};
+    direct.note(toWidget(place->parts));
+    return place->parts;
+}
+
+std::optional<control::ShownPlace> FlashControl::Private::placeOf(const QRegion& parts)
+{
     const auto place = direct.placeOf(toWidget(parts));
     const QRegion free = place ? place->free & parts : QRegion();
-    if (free.isEmpty() || !port->put(place->window->winId(), place->origin, free)) return {};
-    direct.note(toWidget(free));
-    return free;
+    if (free.isEmpty()) return std::nullopt;
+    return control::ShownPlace{place->window->winId(), place->origin, free};
 }
 
 // ---- loading ----------------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include "flash/control/LocalMovie.h"
 #include "flash/control/PicturePainting.h"
 #include "flash/control/RemoteMovie.h"
+#include "flash/control/SleepWatch.h"
 #include "flash/stage/ContextMenu.h"
 #include "flash/stage/Stage.h"
 
@@ -222,6 +223,10 @@ public:
     void pictureChanged(const QRegion& parts, Painting painting) override;
     /// @returns which of the parts are shown; the others are to be painted
     QRegion putDirectly(const QRegion& parts);
+    /// Where parts of the picture may be put. @returns nothing when they have to be painted
+    std::optional<control::ShownPlace> placeOf(const QRegion& parts);
+    void fallAsleep() { port->letShow(isRemote ? placeOf(QRect(QPoint(), viewSize)) : std::nullopt); }
+    void wakeUp() { direct.note(toWidget(port->stopShowing())); }
 
     control::Answer asked(control::Ask::What what) override
     {
@@ -416,6 +421,7 @@ public:
     bool hasLost = false; // the movie, and the host is about to be told
     control::Settings settings;
     control::DirectPainting direct{q};
+    control::SleepWatch sleep{[this] { fallAsleep(); }, [this] { wakeUp(); }};
     QPointer<QWindow> watched; // the one that the control is in
     bool wasSeen = false;
     QSize viewSize; // device pixels

@@ -5,10 +5,13 @@
 
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
+#include <xcb/xcbext.h>
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <optional>
 #include <sys/socket.h>
 #include <utility>
@@ -40,14 +43,43 @@ bool takesDescriptors(xcb_connection_t* connection)
                           std::pair<std::uint16_t, std::uint16_t>(1, 2);
 }
 
-/// A descriptor that is sent any other way ends the connection.
-bool isLocalSocket(xcb_connection_t* connection)
+using Address = std::pair<sockaddr_storage, socklen_t>;
+
+/// Of the server. @returns nothing unless it is on this machine: memory goes by descriptors, and one that is
+/// sent any other way ends the connection
+std::optional<Address> localServer(xcb_connection_t* connection)
 {
-    sockaddr_storage address{};
-    socklen_t length = sizeof address;
-    return getsockname(xcb_get_file_descriptor(connection), reinterpret_cast<sockaddr*>(&address), &length) ==
-               0 &&
-           address.ss_family == AF_UNIX;
+    Address address{{}, sizeof(sockaddr_storage)};
+    if (getpeername(xcb_get_file_descriptor(connection), reinterpret_cast<sockaddr*>(&address.first),
+                    &address.second) != 0 ||
+        address.first.ss_family != AF_UNIX)
+        return std::nullopt;
+    return address;
+}
+
+struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+using Connection = std::shared_ptr<xcb_connection_t>;
+
+/// One for all movies, as long as there are any. The toolkit's own has a thread that wakes up for whatever
+/// comes by it.
+/// @returns null unless it leads where the toolkit's does
+Connection connectionBeside(xcb_connection_t* toolkits)
+{
+    static std::weak_ptr<xcb_connection_t> common;
+    if (auto connection = common.lock()) return connection;
+    const auto wanted = localServer(toolkits);
+    if (!wanted) return nullptr;
+    // Never null, but maybe in error.
+    Connection connection(xcb_connect(nullptr, nullptr), Disconnect());
+    if (xcb_connection_has_error(connection.get()) != 0) return nullptr;
+    const auto there = localServer(connection.get());
+    if (!there || there->second != wanted->second ||
+        std::memcmp(&there->first, &wanted->first, there->second) != 0 || !takesDescriptors(connection.get()))
+        return nullptr;
+    common = connection;
+    return connection;
 }
 
 bool isLittleEndian()
@@ -77,11 +109,12 @@ bool hasPictureFormat(const xcb_setup_t* setup, std::uint8_t depth, xcb_visualid
 class DisplayPut::Private
 {
 public:
-    explicit Private(xcb_connection_t* connection) : m_connection(connection) {}
+    Private(Connection connection, xcb_connection_t* toolkits)
+        : m_connected(std::move(connection)), m_connection(m_connected.get()), m_toolkits(toolkits)
+    {
+    }
     ~Private()
     {
-        // After the application, there is no connection any more.
-        if (qGuiApp == nullptr) return;
         leaveWindow();
         detach();
         if (m_unread) xcb_discard_reply(m_connection, m_unread->sequence);
@@ -157,13 +190,30 @@ public:
     {
         if (!m_unread) return;
         const auto asked = *std::exchange(m_unread, std::nullopt);
-        Owned<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(m_connection, asked, nullptr));
+        // By the next picture the answer lies there, as a rule.
+        void* reply = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        if (xcb_poll_for_reply(m_connection, asked.sequence, &reply, &error) == 0)
+            reply = xcb_get_input_focus_reply(m_connection, asked, &error);
+        std::free(reply);
+        std::free(error);
+        // Windows that are gone meanwhile, and what the server tells everybody.
+        while (const auto event = Owned<xcb_generic_event_t>(xcb_poll_for_queued_event(m_connection))) {
+        }
+    }
+
+    void letToolkitFirst()
+    {
+        const auto asked = xcb_get_input_focus(m_toolkits);
+        Owned<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(m_toolkits, asked, nullptr));
     }
 
     bool m_cannot = false;
 
 private:
-    xcb_connection_t* m_connection; // the toolkit's
+    Connection m_connected;
+    xcb_connection_t* m_connection;
+    xcb_connection_t* m_toolkits; // lives as long as the application
     std::uint32_t m_segment = 0;
     xcb_window_t m_window = 0;
     xcb_gcontext_t m_context = 0;
@@ -175,9 +225,11 @@ std::unique_ptr<DisplayPut> DisplayPut::create()
 {
     if (qGuiApp == nullptr || QGuiApplication::platformName() != "xcb") return nullptr;
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
-    if (connection == nullptr || !isLocalSocket(connection) || !takesDescriptors(connection)) return nullptr;
-    return std::unique_ptr<DisplayPut>(new DisplayPut(std::make_unique<Private>(connection)));
+    if (x11 == nullptr || x11->connection() == nullptr) return nullptr;
+    auto connection = connectionBeside(x11->connection());
+    if (connection == nullptr) return nullptr;
+    return std::unique_ptr<DisplayPut>(
+        new DisplayPut(std::make_unique<Private>(std::move(connection), x11->connection())));
 }
 
 bool DisplayPut::put(const PictureMemory& pictures, int index, WId window, QPoint origin,
@@ -191,6 +243,7 @@ bool DisplayPut::put(const PictureMemory& pictures, int index, WId window, QPoin
 }
 
 void DisplayPut::finish() { d->finish(); }
+void DisplayPut::letToolkitFirst() { d->letToolkitFirst(); }
 void DisplayPut::detach() { d->detach(); }
 
 #else
@@ -202,6 +255,7 @@ class DisplayPut::Private
 std::unique_ptr<DisplayPut> DisplayPut::create() { return nullptr; }
 bool DisplayPut::put(const PictureMemory&, int, WId, QPoint, const QRegion&) { return false; }
 void DisplayPut::finish() {}
+void DisplayPut::letToolkitFirst() {}
 void DisplayPut::detach() {}
 
 #endif

@@ -11,8 +11,8 @@ namespace flash::control
 {
 
 /// Has the display server take pictures out of the memory that they were drawn into (X11, MIT-SHM), past the
-/// toolkit's store of the window: nothing is copied here, and nothing waits for the display. What is put goes
-/// over the toolkit's own connection, so that it is in one order with what the toolkit draws.
+/// toolkit's store of the window: nothing is copied here, and nothing waits for the display. It has a
+/// connection of its own; one thread at a time.
 class DisplayPut
 {
 public:
@@ -32,6 +32,8 @@ public:
     bool put(const PictureMemory& pictures, int index, WId window, QPoint origin, const QRegion& parts);
     /// Returns when the server has read all that was put: the pictures may be drawn into.
     void finish();
+    /// Returns when the server has drawn all that the toolkit has asked it to. The thread of the windows.
+    void letToolkitFirst();
     /// Other pictures are put from now on.
     void detach();
 

@@ -82,7 +82,8 @@ int FarEnd::run()
             handle(message);
         }
         while (const auto message = nextMessage()) handle(*message);
-        if (const auto wait = m_runner.msToNextStep(); wait && *wait <= 0) m_runner.step(soundClock());
+        if (const auto wait = m_runner.msToNextStep(); wait && *wait <= 0)
+            m_runner.step(soundClock(), MovieRunner::FrameNews::Gathered);
         publishPicture();
         fillRing();
         exchange(msToWait());
@@ -101,15 +102,30 @@ int FarEnd::msToWait()
 bool FarEnd::exchange(int ms)
 {
     if (!m_channel.flush()) m_gone = true;
-    pollfd socket{m_channel.descriptor(), POLLIN, 0};
-    if (m_channel.waitingBytes() > 0) socket.events |= POLLOUT;
-    const int ready = poll(&socket, 1, ms);
+    // -1 is left out.
+    pollfd sockets[] = {{m_channel.descriptor(), POLLIN, 0},
+                        {m_pictureChannel ? m_pictureChannel->descriptor() : -1, POLLIN, 0}};
+    pollfd &said = sockets[0], &pictures = sockets[1];
+    if (m_channel.waitingBytes() > 0) said.events |= POLLOUT;
+    const int ready = poll(sockets, std::size(sockets), ms);
     if (ready < 0 && errno != EINTR) m_gone = true;
     if (ready > 0) {
-        if ((socket.revents & POLLOUT) != 0 && !m_channel.flush()) m_gone = true;
-        if ((socket.revents & (POLLIN | POLLHUP | POLLERR)) != 0 && !m_channel.receive()) m_gone = true;
+        if ((said.revents & POLLOUT) != 0 && !m_channel.flush()) m_gone = true;
+        if ((said.revents & (POLLIN | POLLHUP | POLLERR)) != 0 && !m_channel.receive()) m_gone = true;
+        if (pictures.revents != 0 && !takeReleases()) m_gone = true;
     }
     return !m_gone;
+}
+
+/// The picture that waits for one follows by itself. @returns false when the window's end has gone
+bool FarEnd::takeReleases()
+{
+    const bool isThere = m_pictureChannel->receive();
+    while (const auto body = m_pictureChannel->next()) {
+        const auto message = decodeToMovie(body->kind, body->bytes);
+        if (!message || !std::holds_alternative<Release>(*message)) endWith(FarExit::BadMessage);
+    }
+    return isThere;
 }
 
 std::optional<ToMovie> FarEnd::nextMessage()
@@ -131,8 +147,13 @@ void FarEnd::handle(const ToMovie& message)
         return;
     } else if (const auto* view = std::get_if<View>(&message)) {
         prepare(*view);
+    } else if (std::holds_alternative<PictureSocket>(message)) {
+        const int socket = m_channel.takeDescriptor();
+        if (socket < 0 || m_pictureChannel) endWith(FarExit::BadMessage);
+        m_pictureChannel.emplace(socket, Channel::Descriptors::Refused);
+        return;
     } else if (std::holds_alternative<Release>(message)) {
-        return; // the picture follows by itself
+        endWith(FarExit::BadMessage); // not here
     } else if (const auto* settings = std::get_if<Settings>(&message)) {
         m_unseen = settings->unseen != 0;
     } else if (const auto* device = std::get_if<SoundDevice>(&message)) {
@@ -186,7 +207,7 @@ void FarEnd::prepare(const View& view)
 
 void FarEnd::publishPicture()
 {
-    if (m_picture[0].isNull() || !m_runner.isOpen() || m_unseen) return;
+    if (m_picture[0].isNull() || !m_pictureChannel || !m_runner.isOpen() || m_unseen) return;
     const QRect all = m_picture[0].rect();
     const std::vector<QRect> changed = m_last < 0 ? std::vector{all} : m_runner.dirtyRects();
     if (changed.empty()) return;
@@ -220,7 +241,8 @@ void FarEnd::publishPicture()
     Picture ready{static_cast<std::uint8_t>(free), m_view, {}};
     for (const QRect& part : changed)
         ready.changed.push_back({part.left(), part.top(), part.width(), part.height()});
-    say(std::move(ready));
+    // Before anything that is said later.
+    if (!m_pictureChannel->send(FromMovie(std::move(ready)))) m_gone = true;
 }
 
 void FarEnd::takeSound(const SoundDevice& device)

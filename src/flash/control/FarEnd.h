@@ -10,6 +10,7 @@
 
 #include <array>
 #include <deque>
+#include <optional>
 
 namespace flash::control
 {
@@ -59,10 +60,12 @@ private:
     /// Waits for the socket, sends and receives. @param ms -1: for as long as it takes
     /// @returns false when the window's end has gone.
     bool exchange(int ms);
+    bool takeReleases();
     /// The next message that has come and was not handled. Ends the process for what is none.
     std::optional<ToMovie> nextMessage();
 
     Channel m_channel;
+    std::optional<Channel> m_pictureChannel; // pictures go there, and Release comes
     int m_broker;
     MovieRunner m_runner;
     std::deque<ToMovie> m_waiting; // came while the movie waited for an answer

@@ -14,7 +14,7 @@ namespace flash::control
 {
 
 /// Raised with every change below: both ends come from one build, and an end that finds another number stops.
-inline constexpr std::uint32_t kProtocolVersion = 8;
+inline constexpr std::uint32_t kProtocolVersion = 9;
 
 /// Texts that a movie sends are cut at this length, in bytes: no command, address or trace needs more.
 inline constexpr std::size_t kMaxTextBytes = 1U << 20U;
@@ -105,6 +105,10 @@ struct View {
     double deviceScale = 1;
     auto fields() { return std::tie(width, height, deviceScale); }
 };
+/// Comes with a socket, before the first View: Picture goes there and Release comes from there.
+struct PictureSocket {
+    auto fields() { return std::tie(); }
+};
 struct Mouse {
     enum class Kind : std::uint8_t { Move, Down, Up, Leave, Wheel };
     std::uint8_t kind = 0;
@@ -183,7 +187,7 @@ struct SoundDevice {
 
 using ToMovie = std::variant<Load, Unload, Play, Stop, Halt, SetVariable, GetVariable, Settings, Background,
                              View, Mouse, Key, TypedText, FocusChange, Advance, Sync, Release, Answer,
-                             SoundDevice, OpenMenu, ChooseMenuItem, Composition>;
+                             SoundDevice, OpenMenu, ChooseMenuItem, Composition, PictureSocket>;
 
 // ---- from the movie to the window -------------------------------------------------------------------------
 

@@ -13,6 +13,13 @@ class QPainter;
 namespace flash::control
 {
 
+/// Where a window may show parts of a picture as they are, past its store.
+struct ShownPlace {
+    WId window = 0; ///< exposed
+    QPoint origin;  ///< of the picture in it, device pixels
+    QRegion parts;  ///< of the picture, device pixels; nothing else is shown over them
+};
+
 /// Hears a movie, wherever it runs.
 class MovieListener
 {
@@ -90,10 +97,14 @@ public:
     /// Draws what is to be seen now. @param region of the widget
     virtual void paint(QPainter& painter, const QRegion& region, double deviceScale) = 0;
     /// Shows parts of the picture past the window's store, where the display can take it from where it is.
-    /// @param origin of the picture in the window, device pixels
-    /// @param parts  of the picture, device pixels
-    /// @returns whether it is shown; paint() does so in any case
-    virtual bool put(WId /*window*/, QPoint /*origin*/, const QRegion& /*parts*/) { return false; }
+    /// @returns whether they are shown; paint() does so in any case
+    virtual bool put(const ShownPlace& /*place*/) { return false; }
+    /// The thread of the window is about to sleep, and need not be woken up for pictures that can be shown
+    /// there.
+    /// @param place nothing: it is to be woken up for all
+    virtual void letShow(const std::optional<ShownPlace>& /*place*/) {}
+    /// It is awake. @returns which parts of the picture were shown meanwhile
+    virtual QRegion stopShowing() { return {}; }
     virtual void releaseSound() = 0;
     /// Ends what the movie does in this process, for good. One in a process of its own ends with the port.
     virtual void interrupt() {}

@@ -51,8 +51,13 @@ public:
 
     /// Ends what the movie does now, and every one that is still to come.
     void interrupt() { m_engine.interrupt(Engine::Until::Ever); }
+    /// How soon the window hears that a movie that plays has come to another frame, when that is all.
+    enum class FrameNews : std::uint8_t {
+        Each,
+        Gathered, ///< some times a second: nobody need wake up for each
+    };
     /// Moves on to the present. @param device where the sound device is
-    void step(SoundClock device);
+    void step(SoundClock device, FrameNews news = FrameNews::Each);
     /// Until the next step is due, milliseconds; empty when nothing moves.
     [[nodiscard]] std::optional<double> msToNextStep();
 
@@ -83,9 +88,9 @@ private:
 
     /// Runs `work`, which may run scripts, then tells the window what came of it.
     template <class Work>
-    void drive(Work&& work);
+    void drive(Work&& work, FrameNews news = FrameNews::Each);
     void say(FromMovie message);
-    void tellState();
+    void tellState(FrameNews news = FrameNews::Each);
     [[nodiscard]] Standing standing() const;
 
     void act(const Load& message) { load(message, std::nullopt); }
@@ -109,6 +114,7 @@ private:
     void act(const Sync& sync);
     // These are of the way between two processes.
     void act(const Release&) {}
+    void act(const PictureSocket&) {}
     void act(const Answer&) {}
     void act(const SoundDevice&) {}
 
@@ -125,6 +131,7 @@ private:
     Settings m_settings;
     sound::Stretcher m_stretcher;
     State m_state;
+    QElapsedTimer m_sinceTold;  // the state
     std::uint32_t m_menu = 0;   // that may be chosen from; 0: none
     std::uint32_t m_loaded = 0; // the id of the Load that layer 0 came by
     int m_readyState = 0;

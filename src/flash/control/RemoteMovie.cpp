@@ -26,7 +26,7 @@ constexpr int kWatchMs = 500, kSoundMs = 100, kPictureMs = 40, kUnseenMs = 200;
 // Between input that a busy movie has not taken yet, moves of the mouse are left out.
 constexpr std::size_t kMuchUnsentBytes = 1U << 14U, kTooMuchUnsentBytes = 32U << 20U;
 // So many messages of a movie are handled before the window gets its turn again.
-constexpr int kMessagesAtOnce = 500, kMaxChangedRects = 64;
+constexpr int kMessagesAtOnce = 500;
 
 class RingSource : public SoundSource
 {
@@ -46,7 +46,7 @@ private:
 } // namespace
 
 RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> process)
-    : m_listener(listener), m_process(std::move(process))
+    : m_listener(listener), m_process(std::move(process)), m_feed([this] { receiveFromLoop(); })
 {
     m_process->listen([this] { receiveFromLoop(); });
     m_watch.setTimerType(Qt::CoarseTimer);
@@ -59,6 +59,10 @@ RemoteMovie::RemoteMovie(MovieListener& listener, std::unique_ptr<MovieProcess> 
                 [this] { noteDevice("is lost; the movie plays on"); });
         connect(m_audio.get(), &AudioOutput::foundAgain, this, [this] { noteDevice("is back"); });
         send(SoundDevice{0}, m_ring->descriptor());
+    }
+    if (const int pictures = m_feed.takeFarEnd(); pictures >= 0) {
+        send(PictureSocket{}, pictures);
+        close(pictures);
     }
 }
 
@@ -88,10 +92,10 @@ bool RemoteMovie::waitFor(DoneNow&& done, int limitMs)
     while (!m_ended && !done()) {
         const auto left = limitMs - static_cast<int>(waited.elapsed());
         if (left <= 0) break;
-        pollfd socket{m_process->channel().descriptor(), POLLIN, 0};
-        if (m_process->channel().waitingBytes() > 0) socket.events |= POLLOUT;
-        if (poll(&socket, 1, left) <= 0) continue;
-        if ((socket.revents & POLLOUT) != 0) m_process->channel().flush();
+        pollfd sockets[] = {{m_process->channel().descriptor(), POLLIN, 0}, {m_feed.descriptor(), POLLIN, 0}};
+        if (m_process->channel().waitingBytes() > 0) sockets[0].events |= POLLOUT;
+        if (poll(sockets, std::size(sockets), left) <= 0) continue;
+        if ((sockets[0].revents & POLLOUT) != 0) m_process->channel().flush();
         receive();
     }
     tellChange(MovieListener::Painting::Later);
@@ -211,7 +215,7 @@ void RemoteMovie::receiveFromLoop()
 
 void RemoteMovie::tellChange(MovieListener::Painting painting)
 {
-    if (const QRegion changed = std::exchange(m_changed, {}); !changed.isEmpty())
+    if (const QRegion changed = m_feed.takeChanged(); !changed.isEmpty())
         m_listener.pictureChanged(changed, painting);
 }
 
@@ -220,6 +224,8 @@ void RemoteMovie::receive()
     if (m_ended) return;
     // What was left over comes first, and meanwhile the socket fills up: a movie that talks too much waits.
     const bool connected = m_process->channel().hasNext() || m_process->channel().receive();
+    // After it: a picture comes before what tells of it.
+    if (!m_feed.take()) return ended();
     for (int i = 0; i < kMessagesAtOnce; ++i) {
         const auto body = m_process->channel().next();
         if (!body) break;
@@ -254,9 +260,8 @@ void RemoteMovie::take(FromMovie message)
             // The device is opened at once, but for whoever waits for the movie now.
             QTimer::singleShot(0, this, [this] { followSound(); });
         }
-    } else if (const auto* picture = std::get_if<Picture>(&message)) {
-        take(*picture);
-        return;
+    } else if (std::holds_alternative<Picture>(message)) {
+        return ended(); // not here
     } else if (const auto* done = std::get_if<Done>(&message)) {
         m_doneSync = done->id;
         if (m_doneSync == m_lastSync) m_unanswered.invalidate();
@@ -298,31 +303,6 @@ void RemoteMovie::take(FromMovie message)
     m_listener.heard(std::move(message));
 }
 
-void RemoteMovie::take(const Picture& picture)
-{
-    if (picture.picture >= PictureMemory::kPictures || picture.view != m_view) {
-        // Of a view that is no more: its memory went with it.
-        if (picture.picture >= PictureMemory::kPictures || picture.view > m_view) ended();
-        return;
-    }
-    const int before = m_shownView == m_view ? m_shownIndex : -1;
-    if (m_shownView != m_view) {
-        m_shownPictures = PictureMemory();
-        m_shownView = m_view;
-    }
-    m_shownIndex = picture.picture;
-    m_shown = m_pictures.picture(m_shownIndex, QImage::Format_RGB32);
-    if (before < 0) m_changed = m_shown.rect();
-    for (const Rectangle& told : picture.changed) {
-        const Rectangle part = cutTo(told, m_shown.width(), m_shown.height());
-        m_changed |= QRect(part.left, part.top, part.width, part.height);
-    }
-    if (m_changed.rectCount() > kMaxChangedRects) m_changed = m_changed.boundingRect();
-    if (before < 0 || before == m_shownIndex) return;
-    if (m_display) m_display->finish();
-    if (m_pictures.giveBack(before)) send(Release{});
-}
-
 void RemoteMovie::ended()
 {
     if (std::exchange(m_ended, true)) return;
@@ -356,7 +336,9 @@ void RemoteMovie::watch()
             m_listener.lost(MovieListener::Loss::Frozen);
         return;
     }
-    if (m_state.playing == 0 && m_process->channel().waitingBytes() == 0 && m_loaded) return;
+    // One that draws need not be asked.
+    const bool draws = std::exchange(m_seenPictures, m_feed.count()) != m_feed.count();
+    if ((m_state.playing == 0 || draws) && m_process->channel().waitingBytes() == 0 && m_loaded) return;
     sync();
 }
 
@@ -364,14 +346,8 @@ void RemoteMovie::watch()
 
 void RemoteMovie::setView(int width, int height, double deviceScale)
 {
-    auto pictures = PictureMemory::create(width, height);
-    if (!pictures) return;
-    // The picture on the screen stays until the first of the new size comes.
-    if (m_shownView == m_view && m_shownIndex >= 0) m_shownPictures = std::move(m_pictures);
-    m_pictures = std::move(*pictures);
-    if (m_display) m_display->detach();
-    ++m_view;
-    send(View{width, height, deviceScale}, m_pictures.descriptor());
+    if (const auto pictures = m_feed.setView(width, height))
+        send(View{width, height, deviceScale}, *pictures);
 }
 
 /// Somebody wants a picture of what is on no screen.
@@ -390,17 +366,13 @@ void RemoteMovie::drawUnseen()
 void RemoteMovie::paint(QPainter& painter, const QRegion& region, double deviceScale)
 {
     // The window has just changed its size: a movie that is quick about it saves the old picture a stretch.
-    if (m_shownView != m_view) waitFor([&] { return m_shownView == m_view; }, kPictureMs);
+    if (!m_feed.isOfView()) waitFor([&] { return m_feed.isOfView(); }, kPictureMs);
     if (m_settings.unseen != 0) drawUnseen();
-    if (m_shown.isNull()) return;
-    paintPicture(painter, m_shown, region, deviceScale);
+    if (const QImage& picture = m_feed.paintable(); !picture.isNull())
+        paintPicture(painter, picture, region, deviceScale);
 }
 
-bool RemoteMovie::put(WId window, QPoint origin, const QRegion& parts)
-{
-    if (!m_display || m_shown.isNull() || m_shownView != m_view) return false;
-    return m_display->put(m_pictures, m_shownIndex, window, origin, parts & m_shown.rect());
-}
+bool RemoteMovie::put(const ShownPlace& place) { return m_feed.put(place); }
 
 void RemoteMovie::followSound()
 {

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "flash/control/Channel.h"
-#include "flash/control/DisplayPut.h"
 #include "flash/control/MoviePort.h"
 #include "flash/control/MovieProcess.h"
-#include "flash/control/PictureMemory.h"
+#include "flash/control/PictureFeed.h"
 #include "flash/control/SoundRing.h"
 
 #include <QElapsedTimer>
@@ -52,7 +51,9 @@ public:
     }
     void setView(int width, int height, double deviceScale) override;
     void paint(QPainter& painter, const QRegion& region, double deviceScale) override;
-    bool put(WId window, QPoint origin, const QRegion& parts) override;
+    bool put(const ShownPlace& place) override;
+    void letShow(const std::optional<ShownPlace>& place) override { m_feed.letShow(place); }
+    QRegion stopShowing() override { return m_feed.stopShowing(); }
     void releaseSound() override;
     [[nodiscard]] qint64 processId() const override { return m_process->processId(); }
 
@@ -61,7 +62,6 @@ private:
     void receive();
     void tellChange(MovieListener::Painting painting);
     void take(FromMovie message);
-    void take(const Picture& picture);
     void ended();
     void watch();
     void followSound();
@@ -78,14 +78,8 @@ private:
     std::unique_ptr<MovieProcess> m_process;
     std::filesystem::path m_storage; // of the movie's shared objects
     State m_state;
-    // The pictures that are drawn into now, and those that the one on the screen belongs to.
-    PictureMemory m_pictures, m_shownPictures;
-    QImage m_shown;
-    std::unique_ptr<DisplayPut> m_display = DisplayPut::create();
-    QRegion m_changed;   // of it, not told yet
+    PictureFeed m_feed;
     Settings m_settings; // as the movie was told them last
-    int m_shownIndex = -1;
-    std::uint32_t m_view = 0, m_shownView = 0;
     std::shared_ptr<SoundRing> m_ring;
     std::unique_ptr<AudioOutput> m_audio;
     bool m_deviceOpen = false;
@@ -94,6 +88,7 @@ private:
     std::optional<Loaded> m_loaded;
     std::optional<Value> m_value;
     std::optional<Menu> m_menu;
+    std::uint64_t m_seenPictures = 0;
     QElapsedTimer m_unanswered; // since the oldest Sync that was not answered
     QTimer m_watch, m_soundTimer;
     bool m_frozen = false, m_ended = false, m_asking = false, m_waitsForLoad = false, m_greeted = false,

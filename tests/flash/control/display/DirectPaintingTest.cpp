@@ -2,10 +2,12 @@
 
 #include "../Movies.h"
 
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -33,6 +35,29 @@ protected:
     }
 };
 
+/// Of what this thread has to do.
+class EventCount : public QObject
+{
+public:
+    EventCount() { qApp->installEventFilter(this); }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent*) override
+    {
+        ++count;
+        return false;
+    }
+};
+
+/// As an application that has nothing to do: between events the thread sleeps in its loop.
+void idleFor(int ms)
+{
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 /// Lets through half of what is below.
 class Veil : public QWidget
 {
@@ -43,11 +68,13 @@ protected:
     void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), QColor(0, 0, 255, 128)); }
 };
 
-class DirectPainting : public testing::Test
+/// The parameter: whether the window's thread sleeps between its events, or always comes round for more.
+class DirectPainting : public testing::TestWithParam<bool>
 {
 protected:
     void SetUp() override
     {
+        m_sleeps = GetParam();
         if (QGuiApplication::platformName() != "xcb") GTEST_SKIP() << "no X11 display";
         m_control = new FlashControl(&m_window);
         m_control->setGeometry(kPlace);
@@ -62,13 +89,14 @@ protected:
     /// Some frames, the last of which holds.
     void playOn()
     {
+        const auto wait = [this](int ms) { m_sleeps ? idleFor(ms) : QTest::qWait(ms); };
         m_control->Play();
-        QTest::qWait(100);
+        wait(60);
         const int before = m_paints ? m_paints->count : 0;
-        QTest::qWait(500);
+        wait(250);
         m_painted = m_paints ? m_paints->count - before : 0;
         m_control->setSuspended(true);
-        QTest::qWait(100);
+        wait(60);
     }
     void goOn()
     {
@@ -100,11 +128,12 @@ protected:
     FlashControl* m_control = nullptr;
     std::optional<PaintCount> m_paints;
     int m_painted = 0;
+    bool m_sleeps = false;
 };
 
 } // namespace
 
-TEST_F(DirectPainting, PicturesReachTheScreenWithoutAPaintEvent)
+TEST_P(DirectPainting, PicturesReachTheScreenWithoutAPaintEvent)
 {
     m_paints.emplace(*m_control);
     const QImage before = screen(kPlace);
@@ -116,7 +145,66 @@ TEST_F(DirectPainting, PicturesReachTheScreenWithoutAPaintEvent)
     EXPECT_NE(screen(kPlace), before) << "or else nothing moved";
 }
 
-TEST_F(DirectPainting, WhatLiesOverTheMovieStays)
+TEST_P(DirectPainting, TheWindowIsNotWokenUpForPictures)
+{
+    if (!m_sleeps) GTEST_SKIP();
+    m_control->setSuspended(false);
+    m_control->Play();
+    idleFor(300);
+    // 30 frames a second, each with a picture; and whoever sees them may see other things meanwhile.
+    EventCount events;
+    QImage before = screen(kPlace);
+    int seen = 0;
+    constexpr int kLooks = 8;
+    for (int look = 0; look < kLooks; ++look) {
+        idleFor(250);
+        const QImage now = screen(kPlace);
+        seen += now != before ? 1 : 0;
+        before = now;
+    }
+    EXPECT_GE(seen, kLooks - 2);
+    // The end of each sleep here, what it takes to look, and news of the movie some times a second.
+    EXPECT_LT(events.count, 60);
+}
+
+TEST_P(DirectPainting, WhatComesOverTheMovieBetweenPicturesStays)
+{
+    m_control->setSuspended(false);
+    m_control->Play();
+    Veil veil(&m_window);
+    for (int round = 0; round < 6; ++round) {
+        veil.setGeometry(kPlace.left() + 7 * round, kPlace.top() + 5 * round, 40, 10);
+        veil.show();
+        idleFor(80);
+        QWidget dialog(&m_window, Qt::Dialog);
+        dialog.setGeometry(330, 10, 50, 50);
+        dialog.show();
+        idleFor(50);
+        veil.hide();
+        idleFor(30);
+    }
+    veil.show();
+    m_control->setSuspended(true);
+    EXPECT_TRUE(isShown());
+}
+
+TEST_P(DirectPainting, AMovieThatEndsWhileTheWindowSleepsEndsTheWait)
+{
+    for (int round = 0; round < 3; ++round) {
+        m_control->setSuspended(false);
+        m_control->Play();
+        idleFor(100);
+        // From within the loop, as handlers do: the next one, and then none.
+        QTimer::singleShot(50, m_control, [this, round] {
+            const QString next = m_folder.write("b.swf", test::movingSquare(5));
+            EXPECT_TRUE(m_control->LoadMovie(0, round == 2 ? QString() : next));
+        });
+        idleFor(200);
+    }
+    EXPECT_TRUE(isShown());
+}
+
+TEST_P(DirectPainting, WhatLiesOverTheMovieStays)
 {
     Veil veil(&m_window);
     veil.setGeometry(kPlace.left() + 30, kPlace.top(), 40, 10);
@@ -138,7 +226,7 @@ TEST_F(DirectPainting, WhatLiesOverTheMovieStays)
     EXPECT_TRUE(isShown());
 }
 
-TEST_F(DirectPainting, WhatTheStoreMissesIsPaintedBeforeItIsSeen)
+TEST_P(DirectPainting, WhatTheStoreMissesIsPaintedBeforeItIsSeen)
 {
     goOn();
     {
@@ -163,7 +251,7 @@ TEST_F(DirectPainting, WhatTheStoreMissesIsPaintedBeforeItIsSeen)
     EXPECT_TRUE(isShown());
 }
 
-TEST_F(DirectPainting, AnotherWindowTakesTheMovieOver)
+TEST_P(DirectPainting, AnotherWindowTakesTheMovieOver)
 {
     goOn();
     QWidget other;
@@ -186,5 +274,8 @@ TEST_F(DirectPainting, AnotherWindowTakesTheMovieOver)
     EXPECT_TRUE(isShown());
     m_control->setParent(&m_window);
 }
+
+INSTANTIATE_TEST_SUITE_P(AThreadThat, DirectPainting, testing::Bool(),
+                         [](const auto& info) { return info.param ? "Sleeps" : "IsAwake"; });
 
 } // namespace flash
