@@ -5,8 +5,6 @@
 
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QPaintEvent>
-#include <QPainter>
 #include <QWheelEvent>
 
 namespace flash
@@ -27,31 +25,6 @@ FlashControl::FlashControl(QWidget* parent) : QWidget(parent), d(std::make_uniqu
 }
 
 FlashControl::~FlashControl() = default;
-
-// ---- what is seen -----------------------------------------------------------------------------------------
-
-void FlashControl::Private::pictureChanged(const QRegion& parts, Painting painting)
-{
-    if (painting == Painting::Later) return q.update(toWidget(parts));
-    const QRegion painted = parts - putDirectly(parts);
-    if (!painted.isEmpty()) q.repaint(toWidget(painted));
-}
-
-QRegion FlashControl::Private::putDirectly(const QRegion& parts)
-{
-    const auto place = placeOf(parts);
-    if (!place || !port->put(*place)) return {};
-    direct.note(toWidget(place->parts));
-    return place->parts;
-}
-
-std::optional<control::ShownPlace> FlashControl::Private::placeOf(const QRegion& parts)
-{
-    const auto place = direct.placeOf(toWidget(parts));
-    const QRegion free = place ? place->free & parts : QRegion();
-    if (free.isEmpty()) return std::nullopt;
-    return control::ShownPlace{place->window->winId(), place->origin, free};
-}
 
 // ---- loading ----------------------------------------------------------------------------------------------
 
@@ -339,19 +312,6 @@ bool FlashControl::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Expose && watched == d->watched) d->tellWhetherSeen();
     return QWidget::eventFilter(watched, event);
 }
-
-void FlashControl::paintEvent(QPaintEvent* event)
-{
-    QPainter painter(this);
-    if (d->state().open == 0) {
-        painter.fillRect(event->rect(), QColor('#' + BGColor()));
-        return;
-    }
-    d->fitView();
-    d->port->paint(painter, event->region(), devicePixelRatioF());
-}
-
-void FlashControl::resizeEvent(QResizeEvent*) { d->fitView(); }
 
 void FlashControl::mousePressEvent(QMouseEvent* event)
 {

@@ -27,7 +27,7 @@
 #include <cmath>
 #include <optional>
 
-// Included by FlashControl.cpp and FlashControlLoading.cpp alone.
+// Included by FlashControl*.cpp alone.
 namespace flash
 {
 
@@ -225,8 +225,8 @@ public:
     QRegion putDirectly(const QRegion& parts);
     /// Where parts of the picture may be put. @returns nothing when they have to be painted
     std::optional<control::ShownPlace> placeOf(const QRegion& parts);
-    void fallAsleep() { port->letShow(isRemote ? placeOf(QRect(QPoint(), viewSize)) : std::nullopt); }
-    void wakeUp() { direct.note(toWidget(port->stopShowing())); }
+    void fallAsleep();
+    void wakeUp();
 
     control::Answer asked(control::Ask::What what) override
     {

@@ -82,8 +82,7 @@ int FarEnd::run()
             handle(message);
         }
         while (const auto message = nextMessage()) handle(*message);
-        if (const auto wait = m_runner.msToNextStep(); wait && *wait <= 0)
-            m_runner.step(soundClock(), MovieRunner::FrameNews::Gathered);
+        if (const auto wait = m_runner.msToNextStep(); wait && *wait <= 0) m_runner.step(soundClock());
         publishPicture();
         fillRing();
         exchange(msToWait());
@@ -197,6 +196,7 @@ void FarEnd::prepare(const View& view)
     auto pictures = PictureMemory::attach(m_channel.takeDescriptor(), view.width, view.height);
     if (!pictures) endWith(FarExit::BadMessage);
     m_pictures = std::move(*pictures);
+    m_pictures.setFrame(m_runner.state().frame);
     ++m_view;
     m_last = -1;
     for (int i = 0; i < PictureMemory::kPictures; ++i) {
@@ -276,6 +276,13 @@ void FarEnd::say(FromMovie message)
 {
     if (!m_channel.queue(message)) m_gone = true;
     while (!m_gone && m_channel.waitingBytes() > kMaxUnsentBytes) exchange(-1);
+}
+
+bool FarEnd::showsFrame(int frame)
+{
+    if (m_picture[0].isNull()) return false;
+    m_pictures.setFrame(frame);
+    return true;
 }
 
 Answer FarEnd::ask(Ask::What what)

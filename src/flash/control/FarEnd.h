@@ -44,6 +44,7 @@ public:
 
 private:
     void say(FromMovie message) override;
+    bool showsFrame(int frame) override;
     Answer ask(Ask::What what) override;
     bool endsScripts() override { return false; } // the window ends the whole process
 

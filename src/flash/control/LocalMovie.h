@@ -39,6 +39,7 @@ public:
 
 private:
     void say(FromMovie message) override;
+    bool showsFrame(int) override { return true; } // state() is the runner's
     Answer ask(Ask::What what) override { return m_listener.asked(what); }
     bool endsScripts() override { return m_listener.endsScripts(); }
 

@@ -22,7 +22,6 @@ namespace
 constexpr double kLongestStepMs = 1000;
 // How often the sound device and the loads of a movie without a next event are looked after.
 constexpr double kLongestWaitMs = 1000;
-constexpr qint64 kGatheredMs = 200;
 // A movie that traces in an endless loop must not fill the memory before its script is stopped.
 constexpr std::size_t kMaxMessagesPerDrive = 100'000;
 
@@ -34,7 +33,7 @@ enum QualityNumber { Low, High, AutoLow, AutoHigh, Medium, Best };
 MovieRunner::MovieRunner(MovieOutput& output) : m_output(output), m_engine(*this, {}) { applyQuality(); }
 
 template <class Work>
-void MovieRunner::drive(Work&& work, FrameNews news)
+void MovieRunner::drive(Work&& work)
 {
     if (m_busy) return;
     m_busy = true;
@@ -42,8 +41,7 @@ void MovieRunner::drive(Work&& work, FrameNews news)
     m_sinceBusy.start();
     m_engine.act([&](stage::Stage&) { work(); });
     m_busy = false;
-    // Who hears something else wants to know where.
-    tellState(m_saidInDrive == 0 ? news : FrameNews::Each);
+    tellState();
 }
 
 void MovieRunner::limitReached(std::string_view what) { say(LimitReached{std::string(what)}); }
@@ -59,22 +57,19 @@ void MovieRunner::handle(const ToMovie& message)
     std::visit([this](const auto& one) { act(one); }, message);
 }
 
-void MovieRunner::step(SoundClock device, FrameNews news)
+void MovieRunner::step(SoundClock device)
 {
     if (!m_engine.isOpen() || m_settings.suspended != 0) return;
-    drive(
-        [&] {
-            const double elapsed =
-                std::min(static_cast<double>(m_clock.nsecsElapsed()) / 1e6, kLongestStepMs);
-            m_clock.start();
-            QElapsedTimer cost;
-            cost.start();
-            m_engine.advance(inStepWithSound(elapsed, device) * m_settings.speed,
-                             device ? Engine::SoundPace::Device : Engine::SoundPace::Simulated);
-            m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
-            adaptQuality(elapsed);
-        },
-        news);
+    drive([&] {
+        const double elapsed = std::min(static_cast<double>(m_clock.nsecsElapsed()) / 1e6, kLongestStepMs);
+        m_clock.start();
+        QElapsedTimer cost;
+        cost.start();
+        m_engine.advance(inStepWithSound(elapsed, device) * m_settings.speed,
+                         device ? Engine::SoundPace::Device : Engine::SoundPace::Simulated);
+        m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
+        adaptQuality(elapsed);
+    });
 }
 
 /// The device's clock leads where there is one: streams and timeline must not drift apart.
@@ -339,11 +334,7 @@ void MovieRunner::act(const Advance& advance)
     drive([&] { m_engine.advance(advance.ms); });
 }
 
-void MovieRunner::act(const Sync& sync)
-{
-    tellState();
-    say(Done{sync.id});
-}
+void MovieRunner::act(const Sync& sync) { say(Done{sync.id}); }
 
 // ---- what the movie says ----------------------------------------------------------------------------------
 
@@ -359,7 +350,7 @@ stage::TextField* MovieRunner::focusedField()
     return is ? static_cast<stage::TextField*>(focus) : nullptr;
 }
 
-void MovieRunner::tellState(FrameNews news)
+void MovieRunner::tellState()
 {
     State now;
     stage::Stage& stage = m_engine.stage();
@@ -390,16 +381,10 @@ void MovieRunner::tellState(FrameNews news)
         now.frameRate = stage.frameRate();
         if (const stage::CursorPicturePtr picture = m_engine.cursorPicture()) showPointer(*picture, now);
     }
+    // A movie that plays changes nothing but this, as a rule.
+    if (now.frame != m_state.frame && m_output.showsFrame(now.frame)) m_state.frame = now.frame;
     if (now == m_state) return;
-    if (news == FrameNews::Gathered && now.playing != 0 && m_sinceTold.isValid() &&
-        m_sinceTold.elapsed() < kGatheredMs) {
-        State atThatFrame = m_state;
-        atThatFrame.frame = now.frame;
-        // The next one follows soon, or a stop.
-        if (atThatFrame == now) return;
-    }
     m_state = now;
-    m_sinceTold.start();
     m_output.say(now);
 }
 

@@ -26,6 +26,9 @@ class MovieOutput
 public:
     virtual ~MovieOutput() = default;
     virtual void say(FromMovie message) = 0;
+    /// The timeline has come to another frame. @returns whether the window can see that by itself; otherwise
+    /// it is said
+    virtual bool showsFrame(int frame) = 0;
     /// Waits for the window's answer. Input and commands that come meanwhile reach the movie later.
     virtual Answer ask(Ask::What what) = 0;
     /// Asked every few milliseconds while scripts run. @returns true to end all scripts of the movie for good
@@ -51,13 +54,8 @@ public:
 
     /// Ends what the movie does now, and every one that is still to come.
     void interrupt() { m_engine.interrupt(Engine::Until::Ever); }
-    /// How soon the window hears that a movie that plays has come to another frame, when that is all.
-    enum class FrameNews : std::uint8_t {
-        Each,
-        Gathered, ///< some times a second: nobody need wake up for each
-    };
     /// Moves on to the present. @param device where the sound device is
-    void step(SoundClock device, FrameNews news = FrameNews::Each);
+    void step(SoundClock device);
     /// Until the next step is due, milliseconds; empty when nothing moves.
     [[nodiscard]] std::optional<double> msToNextStep();
 
@@ -88,9 +86,9 @@ private:
 
     /// Runs `work`, which may run scripts, then tells the window what came of it.
     template <class Work>
-    void drive(Work&& work, FrameNews news = FrameNews::Each);
+    void drive(Work&& work);
     void say(FromMovie message);
-    void tellState(FrameNews news = FrameNews::Each);
+    void tellState();
     [[nodiscard]] Standing standing() const;
 
     void act(const Load& message) { load(message, std::nullopt); }
@@ -131,7 +129,6 @@ private:
     Settings m_settings;
     sound::Stretcher m_stretcher;
     State m_state;
-    QElapsedTimer m_sinceTold;  // the state
     std::uint32_t m_menu = 0;   // that may be chosen from; 0: none
     std::uint32_t m_loaded = 0; // the id of the Load that layer 0 came by
     int m_readyState = 0;

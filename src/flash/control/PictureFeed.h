@@ -53,6 +53,8 @@ public:
         m_wasPainted = true;
         return m_shown;
     }
+    /// Of the movie's timeline, while pictures of the size asked for last are drawn.
+    [[nodiscard]] std::optional<int> frame() const { return m_pictures.frame(); }
     /// How many have come.
     std::uint64_t count()
     {

@@ -6,7 +6,7 @@ namespace flash::control
 namespace
 {
 
-constexpr std::size_t kBytesPerPixel = 4, kLineAlignment = 64, kOwnersBytes = 64;
+constexpr std::size_t kBytesPerPixel = 4, kLineAlignment = 64, kNotesBytes = 64;
 
 std::size_t paddedLineBytes(int width)
 {
@@ -21,7 +21,7 @@ base::Result<std::size_t> PictureMemory::sizeBytes(int width, int height)
     if (width <= 0 || height <= 0 || width > kMaxEdge || height > kMaxEdge)
         return base::fail(base::ErrorCode::LimitReached,
                           "pictures of " + std::to_string(width) + " x " + std::to_string(height));
-    return paddedLineBytes(width) * static_cast<std::size_t>(height) * kPictures + kOwnersBytes;
+    return paddedLineBytes(width) * static_cast<std::size_t>(height) * kPictures + kNotesBytes;
 }
 
 base::Result<PictureMemory> PictureMemory::create(int width, int height)
@@ -60,32 +60,40 @@ std::size_t PictureMemory::lineBytes() const { return paddedLineBytes(m_width); 
 std::size_t PictureMemory::pictureBytes() const { return lineBytes() * static_cast<std::size_t>(m_height); }
 
 // Behind the pixels. The memory begins zeroed, which is valid: nothing is held.
-PictureMemory::Owners& PictureMemory::owners() const
+PictureMemory::Notes& PictureMemory::notes() const
 {
-    static_assert(sizeof(Owners) <= kOwnersBytes);
-    return *reinterpret_cast<Owners*>(m_memory.bytes().data() + pictureBytes() * kPictures);
+    static_assert(sizeof(Notes) <= kNotesBytes);
+    return *reinterpret_cast<Notes*>(m_memory.bytes().data() + pictureBytes() * kPictures);
 }
 
 int PictureMemory::takeFree()
 {
     const auto find = [this] {
         for (int i = 0; i < kPictures; ++i) {
-            if (owners().held[i].load() == 0) return i;
+            if (notes().held[i].load() == 0) return i;
         }
         return -1;
     };
-    owners().waits.store(0);
+    notes().waits.store(0);
     const int found = find();
     if (found >= 0) return found;
     // Looked at again behind the word, so that one of the two ends sees what the other has done.
-    owners().waits.store(1);
+    notes().waits.store(1);
     return find();
+}
+
+std::optional<int> PictureMemory::frame() const
+{
+    if (m_width == 0) return std::nullopt;
+    const std::int32_t frameAndTwo = notes().frameAndTwo.load();
+    if (frameAndTwo <= 0) return std::nullopt;
+    return frameAndTwo - 2;
 }
 
 bool PictureMemory::giveBack(int index)
 {
-    owners().held[index].store(0);
-    return owners().waits.load() != 0;
+    notes().held[index].store(0);
+    return notes().waits.load() != 0;
 }
 
 } // namespace flash::control

@@ -5,6 +5,7 @@
 #include <QImage>
 
 #include <atomic>
+#include <optional>
 
 namespace flash::control
 {
@@ -36,24 +37,30 @@ public:
     [[nodiscard]] std::size_t offsetBytes(int index) const;
     [[nodiscard]] std::size_t lineBytes() const;
 
-    // Who has a picture stands beside the pixels, so that giving one back wakes nobody up. The window's end
-    // reads nothing from there but whether to send a word.
+    // Who has a picture and which frame it is of stand beside the pixels, so that neither wakes anybody up.
+    // The window's end reads nothing from there but whether to send a word, and that number.
 
     /// The movie's end: a free picture, or -1; then the window's end sends Release with the next one that it
     /// gives back.
     [[nodiscard]] int takeFree();
     /// The movie's end: the picture goes to the window.
-    void hold(int index) { owners().held[index].store(1); }
+    void hold(int index) { notes().held[index].store(1); }
     /// The window's end: it is no longer shown. @returns whether the movie's end waits for one
     [[nodiscard]] bool giveBack(int index);
 
+    /// The movie's end: its timeline has come so far. @param frame -1 or more
+    void setFrame(int frame) { notes().frameAndTwo.store(frame + 2); }
+    /// The window's end. @returns nothing as long as the movie's has set none; else any number
+    [[nodiscard]] std::optional<int> frame() const;
+
 private:
-    struct Owners {
+    struct Notes {
         std::atomic<std::uint32_t> held[kPictures], waits;
+        std::atomic<std::int32_t> frameAndTwo; ///< so that 0, as which the memory begins, is none
     };
     static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
     [[nodiscard]] std::size_t pictureBytes() const;
-    [[nodiscard]] Owners& owners() const;
+    [[nodiscard]] Notes& notes() const;
     static base::Result<std::size_t> sizeBytes(int width, int height);
 
     SharedMemory m_memory;

@@ -8,6 +8,7 @@
 
 #include <QPointer>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -370,6 +371,14 @@ void RemoteMovie::paint(QPainter& painter, const QRegion& region, double deviceS
     if (m_settings.unseen != 0) drawUnseen();
     if (const QImage& picture = m_feed.paintable(); !picture.isNull())
         paintPicture(painter, picture, region, deviceScale);
+}
+
+const State& RemoteMovie::state() const
+{
+    // Any number may stand there.
+    if (const auto frame = m_feed.frame())
+        m_state.frame = std::clamp(*frame, -1, std::max(m_state.totalFrames - 1, -1));
+    return m_state;
 }
 
 bool RemoteMovie::put(const ShownPlace& place) { return m_feed.put(place); }

@@ -41,7 +41,7 @@ public:
     std::optional<std::string> variable(const std::string& name) override;
     std::vector<MenuEntry> menu(const OpenMenu& open) override;
     void advance(double ms) override { command(Advance{ms}); }
-    [[nodiscard]] const State& state() const override { return m_state; }
+    [[nodiscard]] const State& state() const override;
     [[nodiscard]] bool isBusy() const override { return false; }
     [[nodiscard]] qint64 busyForMs() const override { return 0; }
     void setWaits(bool waits) override { m_waits = waits; }
@@ -77,7 +77,7 @@ private:
     MovieListener& m_listener;
     std::unique_ptr<MovieProcess> m_process;
     std::filesystem::path m_storage; // of the movie's shared objects
-    State m_state;
+    mutable State m_state;           // its frame as it was seen last
     PictureFeed m_feed;
     Settings m_settings; // as the movie was told them last
     std::shared_ptr<SoundRing> m_ring;
