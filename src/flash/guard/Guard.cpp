@@ -24,7 +24,8 @@ std::atomic<bool> g_allInterrupted = false;
 
 constexpr std::uint32_t kStepsBetweenLooks = 500;
 
-/// @returns what the process holds in memory; 0 where the system does not tell.
+} // namespace
+
 std::size_t residentBytes()
 {
 #ifdef __linux__
@@ -40,13 +41,11 @@ std::size_t residentBytes()
 #endif
 }
 
-} // namespace
-
 Guard* current() { return t_current; }
 
 void interruptAll() noexcept { g_allInterrupted.store(true, std::memory_order_relaxed); }
 
-Guard::Guard() : m_ledger(std::make_shared<Ledger>(kMaxHeldBytes)) {}
+Guard::Guard(ResidentBytes measure) : m_measure(measure), m_ledger(std::make_shared<Ledger>(kMaxHeldBytes)) {}
 Guard::~Guard() = default;
 
 bool Guard::isInterrupted() const noexcept
@@ -61,7 +60,7 @@ void Guard::renew()
     setMostHeld(m_ledger->most());
     settle();
     m_refused = 0;
-    m_bytesBefore = residentBytes();
+    m_bytesBefore = m_measure();
     m_scriptTime = {};
     restartClock();
 }
@@ -70,11 +69,17 @@ void Guard::lookAround()
 {
     if (m_ending) return;
     if (isInterrupted()) throw MovieEnded(MovieEnded::Cause::Interrupted, "it was interrupted");
-    constexpr std::chrono::milliseconds kBetweenMeasures{20};
+    // Memory is taken by working: a movie that mostly waits need not be measured at every frame, which costs
+    // more than many a frame does.
+    constexpr std::chrono::milliseconds kWorkBetweenMeasures{20};
+    constexpr std::chrono::seconds kLongestBetweenMeasures{1};
     const Clock::time_point now = Clock::now();
-    if (now < m_nextMeasure) return;
-    m_nextMeasure = now + kBetweenMeasures;
-    if (residentBytes() > m_bytesBefore + kMaxGrowthBytes)
+    if (m_workedBefore + (now - m_workingSince) < kWorkBetweenMeasures &&
+        now - m_measuredAt < kLongestBetweenMeasures)
+        return;
+    m_measuredAt = m_workingSince = now;
+    m_workedBefore = {};
+    if (m_measure() > m_bytesBefore + kMaxGrowthBytes)
         throw MovieEnded(MovieEnded::Cause::Memory, "it needs too much memory");
 }
 
@@ -104,13 +109,16 @@ void Guard::refuse(Bound bound, std::string_view text)
 Turn::Turn(Guard& guard, Work work)
     : m_guard(guard), m_outer(std::exchange(t_current, &guard)), m_outerWork(guard.m_work)
 {
-    if (m_guard.m_turns++ == 0) m_guard.restartClock();
+    if (m_guard.m_turns++ == 0) {
+        m_guard.restartClock();
+        m_guard.m_workingSince = m_guard.m_start;
+    }
     m_guard.m_work = work;
 }
 
 Turn::~Turn()
 {
-    --m_guard.m_turns;
+    if (--m_guard.m_turns == 0) m_guard.m_workedBefore += Guard::Clock::now() - m_guard.m_workingSince;
     m_guard.m_work = m_outerWork;
     t_current = m_outer;
 }

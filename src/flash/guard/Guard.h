@@ -89,6 +89,9 @@ class Ledger;
 /// The process is about to end: every movie in it is interrupted for ever. From any thread or signal handler.
 void interruptAll() noexcept;
 
+/// @returns what the process holds in memory; 0 where the system does not tell.
+[[nodiscard]] std::size_t residentBytes();
+
 /// Watches over one movie. Belongs to the engine; while that works for the movie, a Turn makes it known to
 /// all that happens on the thread, so that code deep within a walk or a filter can ask without being handed
 /// it.
@@ -99,7 +102,8 @@ public:
     /// @param text English, for the log
     using Report = std::function<void(Bound, std::string_view text)>;
 
-    Guard();
+    using ResidentBytes = std::size_t (*)();
+    explicit Guard(ResidentBytes measure = &residentBytes);
     ~Guard();
     Guard(const Guard&) = delete;
     Guard& operator=(const Guard&) = delete;
@@ -157,11 +161,16 @@ private:
     friend class Turn;
     void look();
 
+    ResidentBytes m_measure;
     Report m_report;
     std::shared_ptr<Ledger> m_ledger; ///< of the movie at hand
     std::atomic<bool> m_interrupted = false, m_forever = false;
     bool m_ending = false;
-    Clock::time_point m_start = Clock::now(), m_nextMeasure{};
+    Clock::time_point m_start = Clock::now();
+    // Since its memory was measured last the movie has worked for `m_workedBefore` in turns that are over, and
+    // in the one at hand since `m_workingSince`.
+    Clock::time_point m_measuredAt{}, m_workingSince = m_start;
+    Clock::duration m_workedBefore{0};
     std::size_t m_bytesBefore = 0; ///< resident, when the movie began
     std::chrono::milliseconds m_scriptTime{0};
     Work m_work = Work::Frames;

@@ -145,7 +145,7 @@ void Mixer::mixBlock(std::span<StereoFrame> out)
 {
     if (m_voices.empty()) {
         for (StereoFrame& frame : out) frame = limited(0, 0);
-        if (!m_recent.empty()) remember(out);
+        rememberSilence(out.size());
         return;
     }
     std::array<float, kBlockFrames> left{}, right{};
@@ -194,8 +194,19 @@ std::pair<float, float> Mixer::peaks(VoiceId voice) const
 void Mixer::remember(std::span<const StereoFrame> frames)
 {
     m_recent.resize(kRecentFrames);
+    m_silentFrames = 0;
     for (const StereoFrame& frame : frames) {
         m_recent[m_recentEnd] = frame;
+        m_recentEnd = (m_recentEnd + 1) % kRecentFrames;
+    }
+}
+
+/// Once there is nothing but silence, more of it changes nothing.
+void Mixer::rememberSilence(std::uint64_t frames)
+{
+    if (m_recent.empty()) return;
+    for (; frames > 0 && m_silentFrames < kRecentFrames; --frames, ++m_silentFrames) {
+        m_recent[m_recentEnd] = {};
         m_recentEnd = (m_recentEnd + 1) % kRecentFrames;
     }
 }
@@ -215,19 +226,13 @@ void Mixer::recent(std::span<float> left, std::span<float> right) const
 
 void Mixer::skip(std::uint64_t frames)
 {
-    std::array<StereoFrame, kBlockFrames> unheard;
     while (frames > 0 && !m_voices.empty()) {
+        std::array<StereoFrame, kBlockFrames> unheard;
         const std::size_t count = std::min<std::uint64_t>(frames, unheard.size());
         mixBlock(std::span(unheard).first(count));
         frames -= count;
     }
-    if (frames == 0 || m_recent.empty()) return;
-    unheard.fill({});
-    for (std::uint64_t left = std::min<std::uint64_t>(frames, kRecentFrames); left > 0;) {
-        const std::size_t count = std::min<std::uint64_t>(left, unheard.size());
-        remember(std::span(unheard).first(count));
-        left -= count;
-    }
+    rememberSilence(frames);
 }
 
 } // namespace flash::sound

@@ -92,8 +92,10 @@ private:
     bool m_muted = false;
     float m_limit = 1; ///< what everything is turned down to
     void remember(std::span<const StereoFrame> frames);
+    void rememberSilence(std::uint64_t frames);
     std::vector<StereoFrame> m_recent; ///< a ring of kRecentFrames, once anything was mixed
     std::size_t m_recentEnd = 0;
+    std::size_t m_silentFrames = 0; ///< the newest of the ring that are known to be silent
 };
 
 } // namespace flash::sound

@@ -145,6 +145,46 @@ TEST(Guard, LooksAtTheClockOnlyDuringATurn)
     EXPECT_EQ(guard::current(), nullptr);
 }
 
+std::size_t g_resident = 0;
+int g_measures = 0;
+
+void work(guard::Guard& watch, std::chrono::microseconds time)
+{
+    const guard::Turn turn(watch);
+    watch.lookAround();
+    for (const auto begin = Clock::now(); Clock::now() - begin < time;) {}
+}
+
+TEST(Guard, MeasuresMemoryByTheWorkThatIsDone)
+{
+    g_resident = g_measures = 0;
+    guard::Guard watch([] {
+        ++g_measures;
+        return g_resident;
+    });
+    watch.renew();
+    work(watch, 0us);
+    g_measures = 0;
+    for (int i = 0; i < 100; ++i) work(watch, 10us);
+    EXPECT_LE(g_measures, 2) << "a movie that does next to nothing is left alone";
+    g_resident = guard::kMaxGrowthBytes + 1;
+    EXPECT_THROW(
+        {
+            for (int i = 0; i < 25; ++i) work(watch, 1ms);
+        },
+        guard::MovieEnded)
+        << "20 ms of work, in however small pieces";
+    EXPECT_THROW(
+        {
+            const guard::Turn turn(watch);
+            for (const auto begin = Clock::now(); Clock::now() - begin < 2s;) guard::check();
+        },
+        guard::MovieEnded)
+        << "or in one";
+    g_resident = 0;
+    work(watch, 0us);
+}
+
 TEST(Guard, ReportsEachBoundOnceForAMovie)
 {
     int reports = 0;

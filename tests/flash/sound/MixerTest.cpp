@@ -81,6 +81,15 @@ TEST(Mixer, RemembersWhatWasHeardLast)
     mixer.skip(1'000'000);
     mixer.recent(left, right);
     EXPECT_EQ(left[0], 0);
+
+    // And so is what comes after the silence, among what is left of it.
+    mixer.add(std::make_unique<Steady>(StereoFrame{16384, -8192}, 2));
+    mixer.skip(2 + Mixer::kRecentFrames / 2);
+    std::array<float, Mixer::kRecentFrames> allLeft{}, allRight{};
+    mixer.recent(allLeft, allRight);
+    EXPECT_EQ(std::ranges::count(allLeft, 0.5F), 2);
+    EXPECT_EQ(std::ranges::count(allLeft, 0.0F), static_cast<long>(Mixer::kRecentFrames) - 2);
+    EXPECT_FLOAT_EQ(allLeft[Mixer::kRecentFrames / 2 - 1], 0.5F);
 }
 
 TEST(SoundPlayer, PlaysAQueueUntilItHasEnded)
