@@ -72,6 +72,12 @@ void Canvas::clear(swf::Rgba color)
     for (int y = area.top; y < area.bottom; ++y) fillPixels(target.at(area.left, y), width, pixel);
 }
 
+void Canvas::clearUnseen(swf::Rgba color)
+{
+    if (m_recording) return m_recording->add([=](Canvas& to) { to.clearUnseen(color); });
+    m_impl->m_isStage = color.a == 255;
+}
+
 void Canvas::drawShape(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& toDevice,
                        const swf::ColorTransform& color)
 {

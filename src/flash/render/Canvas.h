@@ -71,6 +71,8 @@ public:
     /// Sets the pixels within the clip, without blending. After an opaque colour the surface counts as a
     /// stage, which stays opaque: BlendMode::Alpha and Erase only act within layers from then on.
     void clear(swf::Rgba color);
+    /// The same where what is drawn next covers all of the clip: the pixels are left as they are.
+    void clearUnseen(swf::Rgba color);
 
     /// The flattened outlines are kept in the cache as long as the shape lives; for shapes drawn repeatedly.
     void drawShape(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& toDevice,

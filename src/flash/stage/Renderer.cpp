@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <variant>
 
 namespace flash::stage
@@ -21,18 +22,18 @@ void Renderer::drawNode(Node& node, const swf::Matrix& parentToDevice, const swf
         drawOutOfPlane(node, parentToDevice, parentColor * node.color());
         return;
     }
-    drawPlaced(node, onWholeTwips(parentToDevice * node.matrix()), parentColor * node.color());
+    drawPlaced(node, onWholeTwips(parentToDevice * node.matrix(), m_view, m_toStage),
+               parentColor * node.color());
 }
 
-// Places on the stage are whole twips: what scaled parents leave of them is rounded, at each level.
-swf::Matrix Renderer::onWholeTwips(swf::Matrix placed) const
+swf::Matrix onWholeTwips(swf::Matrix placed, const swf::Matrix& view, const swf::Matrix& toStage)
 {
-    const swf::Point at = m_toStage.map(placed.tx, placed.ty);
+    const swf::Point at = toStage.map(placed.tx, placed.ty);
     const swf::Point whole{std::nearbyint(at.x), std::nearbyint(at.y)};
     constexpr double kSame = 1e-6, kFar = 1e8;
     const double away = std::abs(at.x - whole.x) + std::abs(at.y - whole.y);
     if (!(away > kSame && std::abs(at.x) < kFar && std::abs(at.y) < kFar)) return placed;
-    const swf::Point moved = m_view.map(whole.x, whole.y);
+    const swf::Point moved = view.map(whole.x, whole.y);
     placed.tx = moved.x;
     placed.ty = moved.y;
     return placed;
@@ -101,7 +102,7 @@ void Renderer::drawPlaced(Node& node, const swf::Matrix& placed, const swf::Colo
         drawAsMask(*mask, m_view * mask->toStage());
         m_canvas.endMask();
     }
-    const bool layered = blends || !filters.empty() || node.cacheAsBitmap();
+    const bool layered = m_ground == nullptr && (blends || !filters.empty() || node.cacheAsBitmap());
     if (layered) {
         constexpr long long kPixelsPerStep = 256;
         const render::IntRect area = render::intersect(content, m_canvas.clip());
@@ -146,7 +147,7 @@ void Renderer::drawForPicture(Node& node, const swf::Matrix& toDevice, const swf
 
 void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
-    if (node.opaqueBackground()) {
+    if (node.opaqueBackground() && m_ground == nullptr) {
         swf::Rgba background = *node.opaqueBackground();
         background.a = 255;
         m_canvas.fillRect(node.bounds(), toDevice, background);
@@ -171,6 +172,8 @@ void Renderer::drawContent(Node& node, const swf::Matrix& toDevice, const swf::C
 
 void Renderer::drawOwn(Node& node, const swf::Matrix& toDevice, const swf::ColorTransform& color)
 {
+    if (m_ground == &node) m_ground = nullptr;
+    if (m_ground != nullptr) return;
     // A picture's root has no scale there.
     if (const auto sliced = node.sliced(); sliced && sliced->holder != m_pictureRoot) {
         if (sliced->holder != &node && !node.matrix().isInvertible()) return;
@@ -209,7 +212,7 @@ void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::
             for (int& lastDepth : open) lastDepth = std::max(lastDepth, *child->clipDepth());
             open.push_back(*child->clipDepth());
             m_canvas.beginMask();
-            drawAsMask(*child, onWholeTwips(toDevice * child->matrix()));
+            drawAsMask(*child, onWholeTwips(toDevice * child->matrix(), m_view, m_toStage));
             m_canvas.endMask();
             continue;
         }
@@ -220,6 +223,11 @@ void Renderer::drawChildren(Node& node, const swf::Matrix& toDevice, const swf::
     --m_depth;
 }
 
-void Renderer::drawAsMask(Node& mask, const swf::Matrix& toDevice) { drawPlaced(mask, toDevice, {}); }
+void Renderer::drawAsMask(Node& mask, const swf::Matrix& toDevice)
+{
+    const Node* const ground = std::exchange(m_ground, nullptr);
+    drawPlaced(mask, toDevice, {});
+    m_ground = ground;
+}
 
 } // namespace flash::stage

@@ -4,6 +4,7 @@
 #include "flash/render/Canvas.h"
 #include "flash/render/RenderCache.h"
 #include "flash/stage/Damage.h"
+#include "flash/stage/Ground.h"
 #include "flash/stage/Renderer.h"
 #include "flash/stage/SeenBounds.h"
 #include "flash/stage/ShownBitmaps.h"
@@ -307,6 +308,36 @@ void View::collectFocusFrame(const swf::Matrix& view)
     m_focusFrame = frame;
 }
 
+namespace
+{
+
+/// The part of a box of device pixels that lies within the movie's frame; empty when there is little of it.
+render::IntRect insideFrame(const MoviePtr& movie, const swf::Matrix& view, const render::IntRect& box)
+{
+    if (!movie) return {};
+    const swf::Rect& frame = movie->header.frameSize;
+    const swf::Point min = view.map(frame.xMin, frame.yMin), max = view.map(frame.xMax, frame.yMax);
+    constexpr double kHair = 1e-6;
+    const auto ceiled = [](double v) { return static_cast<int>(std::ceil(v - kHair)); };
+    const auto floored = [](double v) { return static_cast<int>(std::floor(v + kHair)); };
+    const render::IntRect inner =
+        render::intersect(box, {ceiled(min.x), ceiled(min.y), floored(max.x), floored(max.y)});
+    constexpr int kFewestPixels = 16384;
+    const auto pixels = static_cast<long long>(inner.width()) * inner.height();
+    const auto all = static_cast<long long>(box.width()) * box.height();
+    return pixels >= kFewestPixels && 2 * pixels >= all ? inner : render::IntRect{};
+}
+
+} // namespace
+
+void View::drawBackdrops(render::Canvas& canvas, const swf::Matrix& view) const
+{
+    for (const Backdrop& backdrop : m_backdrops) {
+        if (backdrop.picture)
+            canvas.drawBitmap(*backdrop.picture, view * backdrop.place(), {}, render::Smoothing::On);
+    }
+}
+
 void View::render(render::Canvas& canvas, std::span<const render::IntRect> boxes)
 {
     // What is to be drawn may be what is about to be forgotten.
@@ -316,16 +347,43 @@ void View::render(render::Canvas& canvas, std::span<const render::IntRect> boxes
     const swf::Matrix view = matrix();
     canvas.setPixelScale(pixelScale(view));
     for (const render::IntRect& box : wanted) {
-        canvas.setClip(box);
-        canvas.clear(m_background);
-        for (const Backdrop& backdrop : m_backdrops) {
-            if (backdrop.picture)
-                canvas.drawBitmap(*backdrop.picture, view * backdrop.place(), {}, render::Smoothing::On);
+        if (const Node* ground = groundOf(m_stage, view, box)) {
+            drawBox(canvas, view, box, ground);
+            continue;
         }
-        Renderer renderer(canvas, view);
-        for (const auto& [number, root] : m_stage.displayList().levels()) renderer.drawNode(*root, view, {});
-        m_stage.focus().draw(canvas, view);
+        // Grounds are made for the movie's frame: what is beside it would keep them from hiding what is
+        // below.
+        const render::IntRect inner = insideFrame(m_stage.movie(), view, box);
+        const Node* const ground = inner == box || inner.isEmpty() ? nullptr : groundOf(m_stage, view, inner);
+        if (ground == nullptr) {
+            drawBox(canvas, view, box, nullptr);
+            continue;
+        }
+        drawBox(canvas, view, inner, ground);
+        for (const render::IntRect& beside :
+             {render::IntRect{box.left, box.top, box.right, inner.top},
+              render::IntRect{box.left, inner.bottom, box.right, box.bottom},
+              render::IntRect{box.left, inner.top, inner.left, inner.bottom},
+              render::IntRect{inner.right, inner.top, box.right, inner.bottom}})
+            if (!beside.isEmpty()) drawBox(canvas, view, beside, nullptr);
     }
+}
+
+/// @param ground nothing below it shows in the box; null: all that is there may
+void View::drawBox(render::Canvas& canvas, const swf::Matrix& view, const render::IntRect& box,
+                   const Node* ground)
+{
+    canvas.setClip(box);
+    if (ground != nullptr) {
+        canvas.clearUnseen(m_background);
+    } else {
+        canvas.clear(m_background);
+        drawBackdrops(canvas, view);
+    }
+    Renderer renderer(canvas, view);
+    renderer.beginAt(ground);
+    for (const auto& [number, root] : m_stage.displayList().levels()) renderer.drawNode(*root, view, {});
+    m_stage.focus().draw(canvas, view);
 }
 
 void View::forgetNodes()

@@ -111,6 +111,9 @@ private:
     [[nodiscard]] render::IntRect area() const;
     void collectDirty();
     void collectFocusFrame(const swf::Matrix& view);
+    void drawBox(render::Canvas& canvas, const swf::Matrix& view, const render::IntRect& box,
+                 const Node* ground);
+    void drawBackdrops(render::Canvas& canvas, const swf::Matrix& view) const;
 
     struct Backdrop {
         std::shared_ptr<const swf::Bitmap> picture;

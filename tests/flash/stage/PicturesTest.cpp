@@ -2,9 +2,13 @@
 
 #include "flash/render/Canvas.h"
 #include "flash/stage/Graphics.h"
+#include "flash/stage/Ground.h"
+#include "flash/stage/Renderer.h"
 #include "flash/stage/Stage.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
 
 // Where what is on the display list is seen, to the pixel.
 namespace flash::stage::test
@@ -44,6 +48,87 @@ struct Shown {
     NullServices services;
     Stage stage{services.services(), nullptr};
 };
+
+/// All of the stage, with nothing left out.
+std::vector<std::uint32_t> drawnWhole(Stage& stage, render::RenderCache& cache)
+{
+    std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
+    render::Canvas canvas({pixels.data(), kWidth, kHeight, kWidth}, render::Quality::High, cache);
+    canvas.clear(stage.view().background());
+    Renderer renderer(canvas, stage.view().matrix());
+    renderer.drawNode(*stage.root(), stage.view().matrix(), {});
+    return pixels;
+}
+
+/// Things here and there, within each other, that are changed in any way.
+struct Meddled : Shown {
+    explicit Meddled(unsigned seed) : random(seed)
+    {
+        std::vector<Clip*> clips{stage.root()};
+        for (int i = 0; i < 12; ++i) {
+            Clip& to = *clips[static_cast<std::size_t>(upTo(static_cast<int>(clips.size()) - 1))];
+            if (upTo(3) == 0) {
+                nodes.push_back(to.attachEmpty(i, "c"));
+                clips.push_back(static_cast<Clip*>(nodes.back().get()));
+            } else {
+                nodes.push_back(attach(to, static_cast<std::uint16_t>(1 + upTo(1)), i, upTo(80), upTo(40)));
+            }
+        }
+    }
+    int upTo(int most) { return static_cast<int>(random() % static_cast<unsigned>(most + 1)); }
+    void change()
+    {
+        Node& node = *nodes[static_cast<std::size_t>(upTo(11))];
+        const bool on = upTo(1) == 0;
+        swf::ColorTransform pale;
+        pale.alphaMul = 128;
+        switch (upTo(10)) {
+        case 9:
+        case 10:
+        case 0: node.setMatrix({20, 0, 0, 20, upTo(400) * -10.0, upTo(400) * -10.0}); break;
+        case 1: node.setMatrix({1, 0.2, 0, 1, upTo(80) * 20.0, upTo(40) * 20.0}); break;
+        case 2: node.setVisible(on); break;
+        case 3: node.setColor(pale); break;
+        case 4: node.setColor({}); break;
+        case 5: node.setBlend(on ? swf::BlendMode::Multiply : swf::BlendMode::Normal); break;
+        case 6: node.setClipDepth(on ? std::optional(node.depth() + upTo(4)) : std::nullopt); break;
+        case 7:
+            node.setFilters(on ? std::vector<swf::Filter>{swf::BlurFilter{}} : std::vector<swf::Filter>{});
+            break;
+        default: nodes[0]->setMask(on ? nodes[1].get() : nullptr);
+        }
+    }
+    std::mt19937 random;
+    std::vector<NodePtr> nodes;
+};
+
+// What a ground hides is not drawn. Nothing else may tell: whatever lies above or below it, is cut, blended
+// or filtered, and wherever it goes afterwards.
+TEST(Pictures, GroundsHideOnlyWhatIsHidden)
+{
+    int grounds = 0;
+    for (unsigned scene = 0; scene < 150; ++scene) {
+        Meddled shown(scene), compared(scene);
+        View& view = shown.stage.view();
+        std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
+        render::Canvas canvas({pixels.data(), kWidth, kHeight, kWidth}, render::Quality::High,
+                              view.renderCache());
+        for (int step = 0; step < 15; ++step) {
+            SCOPED_TRACE(std::to_string(scene) + " " + std::to_string(step));
+            const auto boxes = view.dirtyBoxes();
+            const std::vector<render::IntRect> dirty(boxes.begin(), boxes.end());
+            for (const render::IntRect& box : dirty)
+                grounds += groundOf(shown.stage, view.matrix(), box) != nullptr ? 1 : 0;
+            view.render(canvas, dirty);
+            const auto whole = drawnWhole(compared.stage, compared.stage.view().renderCache());
+            const auto away = std::ranges::mismatch(pixels, whole).in1 - pixels.begin();
+            ASSERT_EQ(pixels, whole) << away % kWidth << "," << away / kWidth;
+            shown.change();
+            compared.change();
+        }
+    }
+    EXPECT_GT(grounds, 300);
+}
 
 TEST(Pictures, AMaskIsNotCutByWhatItHolds)
 {

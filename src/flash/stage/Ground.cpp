@@ -1,0 +1,82 @@
+#include "flash/stage/Ground.h"
+
+#include "flash/guard/Guard.h"
+#include "flash/render/Canvas.h"
+#include "flash/render/Occlusion.h"
+#include "flash/stage/Renderer.h"
+#include "flash/stage/SeenBounds.h"
+#include "flash/stage/Stage.h"
+
+#include <algorithm>
+#include <limits>
+#include <ranges>
+#include <span>
+
+namespace flash::stage
+{
+
+namespace
+{
+
+constexpr int kDeepest = 32;
+
+bool isClipLayer(const NodePtr& node) { return node->clipDepth().has_value(); }
+
+/// The last of the list's depths that a clip layer before it may cut; what lies there is left alone.
+int lastClippedDepth(std::span<const NodePtr> children)
+{
+    int last = std::numeric_limits<int>::min();
+    for (const NodePtr& child : children)
+        if (isClipLayer(child)) last = std::max(last, *child->clipDepth());
+    return last;
+}
+
+class Search
+{
+public:
+    Search(const swf::Matrix& view, const render::IntRect& box)
+        : m_view(view), m_toStage(view.isInvertible() ? view.inverted() : swf::Matrix{}), m_box(box)
+    {
+    }
+
+    Node* groundIn(Node& node, const swf::Matrix& parentToDevice, const swf::ColorTransform& parentColor,
+                   int depth) const
+    {
+        guard::check();
+        const bool isPlain = node.isVisible() && node.maskee() == nullptr && node.mask() == nullptr &&
+                             !node.clipDepth() && !isLayered(node) && !node.scrollRect();
+        if (!isPlain || depth > kDeepest) return nullptr;
+        const swf::Matrix toDevice = onWholeTwips(parentToDevice * node.matrix(), m_view, m_toStage);
+        if (!render::deviceBounds(node.reach(), toDevice).contains(m_box)) return nullptr;
+        const swf::ColorTransform color = parentColor * node.color();
+        const std::span<const NodePtr> children = node.children();
+        // Those of a text lie in its box.
+        if (!children.empty() && node.kind() != NodeKind::TextField) {
+            const int clipped = lastClippedDepth(children);
+            for (const NodePtr& child : std::views::reverse(children)) {
+                if (child->depth() <= clipped) continue;
+                if (Node* ground = groundIn(*child, toDevice, color, depth + 1)) return ground;
+            }
+        }
+        const auto outline = node.outline();
+        const bool hides = outline && !node.sliced() && render::hidesBox(*outline, toDevice, color, m_box);
+        return hides ? &node : nullptr;
+    }
+
+private:
+    swf::Matrix m_view, m_toStage; ///< and back
+    render::IntRect m_box;
+};
+
+} // namespace
+
+Node* groundOf(Stage& stage, const swf::Matrix& view, const render::IntRect& box)
+{
+    if (stage.view().hasSpaces()) return nullptr;
+    const Search search(view, box);
+    for (const auto& [number, root] : std::views::reverse(stage.displayList().levels()))
+        if (Node* ground = search.groundIn(*root, view, {}, 0)) return ground;
+    return nullptr;
+}
+
+} // namespace flash::stage
