@@ -48,12 +48,13 @@ public:
         TextFonts& fonts = m_field.m_stage.textFonts();
         const MoviePtr& movie = m_field.m_movie;
         if (!m_field.m_embedFonts) return fonts.device(movie, style.font, style.bold, style.italic);
-        // A font without a name can only be meant by its number.
         const swf::EditText& definition = m_field.m_definition;
         const swf::Character* character = movie ? movie->character(definition.fontId) : nullptr;
         const auto* own = character ? std::get_if<swf::Font>(&character->data) : nullptr;
-        if (own && m_field.m_stage.linkage().textOf(movie, own->name) == style.font &&
-            own->bold == style.bold && own->italic == style.italic)
+        // A font without a name can only be meant by its number. Of those that share a name and style the
+        // first one serves all fields.
+        if (own && own->name.empty() && style.font.empty() && own->bold == style.bold &&
+            own->italic == style.italic)
             return fonts.embedded(movie, definition.fontId);
         if (render::FontFacePtr face = fonts.embedded(movie, style.font, style.bold, style.italic))
             return face;
