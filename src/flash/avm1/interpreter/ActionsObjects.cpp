@@ -80,6 +80,19 @@ void putLocal(Frame& frame, Name name, Value value)
     object->put(frame.vm, name, value);
 }
 
+/// What a movie's own function that hangs on the global object has as `this` when it is called by its name
+/// alone: the clip it was written in. The player's own functions see the global object, as do those that a
+/// script of version 5 calls, which has none. @returns null for the global object
+Object* clipOfGlobal(const Frame& frame, Value callable)
+{
+    const Function* function = callable.isObject() ? callable.object()->asFunction() : nullptr;
+    if (frame.version <= 5 || function == nullptr || function->isNative() ||
+        function->owner()->version() == Code::kCallersVersion)
+        return nullptr;
+    Object* clip = function->definingTarget();
+    return clip != nullptr && frame.vm.host().isClip(clip) ? clip : nullptr;
+}
+
 } // namespace
 
 void getVariable(Frame& frame, const Instruction& instruction)
@@ -204,6 +217,7 @@ void callFunction(Frame& frame, const Instruction& instruction)
         const StackedArguments args(frame);
         Object* self = nullptr;
         const Value function = Interpreter::getVariableCached(frame, name, instruction.b, &self);
+        if (self == nullptr) self = clipOfGlobal(frame, function);
         result = Interpreter::invoke(frame.vm, function, self, args.values(), {.isWritten = true});
     }
     frame.push(result);
