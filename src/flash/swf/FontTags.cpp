@@ -24,7 +24,7 @@ std::shared_ptr<const Shape> readGlyph(BodyReader body, Budget& budget)
     auto outline = std::make_shared<Shape>();
     ShapeLayer& layer = outline->layers.emplace_back();
     layer.fills.resize(1);
-    layer.nonZeroWinding = true; // contours of one glyph may overlap
+    layer.nonZeroWinding = true;                             // contours of one glyph may overlap
     (void)readShapeRecords(body, nullptr, *outline, budget); // fails for styles only, and there are none
     bool anyFill = false;
     for (EdgeRun& run : layer.runs) {
