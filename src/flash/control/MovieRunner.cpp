@@ -1,8 +1,6 @@
 #include "flash/control/MovieRunner.h"
 
 #include "base/TextCodes.h"
-#include "flash/control/OwnPointer.h"
-#include "flash/render/Bounds.h"
 #include "flash/sound/SoundPlayer.h"
 #include "flash/stage/Stage.h"
 #include "flash/stage/TextField.h"
@@ -22,8 +20,8 @@ namespace
 constexpr double kLongestStepMs = 1000;
 // How often the sound device and the loads of a movie without a next event are looked after.
 constexpr double kLongestWaitMs = 1000;
-// A movie that traces in an endless loop must not fill the memory before its script is stopped.
-constexpr std::size_t kMaxMessagesPerDrive = 100'000;
+// A key that comes so soon after a movie has begun to listen is the window's.
+constexpr qint64 kLookMs = 150;
 
 // The numbers of Settings::quality.
 enum QualityNumber { Low, High, AutoLow, AutoHigh, Medium, Best };
@@ -33,7 +31,7 @@ enum QualityNumber { Low, High, AutoLow, AutoHigh, Medium, Best };
 MovieRunner::MovieRunner(MovieOutput& output) : m_output(output), m_engine(*this, {}) { applyQuality(); }
 
 template <class Work>
-void MovieRunner::drive(Work&& work)
+void MovieRunner::drive(Work&& work, Listeners listeners)
 {
     if (m_busy) return;
     m_busy = true;
@@ -41,7 +39,7 @@ void MovieRunner::drive(Work&& work)
     m_sinceBusy.start();
     m_engine.act([&](stage::Stage&) { work(); });
     m_busy = false;
-    tellState();
+    tellState(listeners);
 }
 
 void MovieRunner::limitReached(std::string_view what) { say(LimitReached{std::string(what)}); }
@@ -60,16 +58,20 @@ void MovieRunner::handle(const ToMovie& message)
 void MovieRunner::step(SoundClock device)
 {
     if (!m_engine.isOpen() || m_settings.suspended != 0) return;
-    drive([&] {
-        const double elapsed = std::min(static_cast<double>(m_clock.nsecsElapsed()) / 1e6, kLongestStepMs);
-        m_clock.start();
-        QElapsedTimer cost;
-        cost.start();
-        m_engine.advance(inStepWithSound(elapsed, device) * m_settings.speed,
-                         device ? Engine::SoundPace::Device : Engine::SoundPace::Simulated);
-        m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
-        adaptQuality(elapsed);
-    });
+    drive(
+        [&] {
+            const double elapsed =
+                std::min(static_cast<double>(m_clock.nsecsElapsed()) / 1e6, kLongestStepMs);
+            m_clock.start();
+            QElapsedTimer cost;
+            cost.start();
+            m_engine.advance(inStepWithSound(elapsed, device) * m_settings.speed,
+                             device ? Engine::SoundPace::Device : Engine::SoundPace::Simulated);
+            m_costMs += static_cast<double>(cost.nsecsElapsed()) / 1e6;
+            adaptQuality(elapsed);
+        },
+        m_sinceLooked.isValid() && m_sinceLooked.elapsed() < kLookMs ? Listeners::AsBefore
+                                                                     : Listeners::LookedFor);
 }
 
 /// The device's clock leads where there is one: streams and timeline must not drift apart.
@@ -335,88 +337,6 @@ void MovieRunner::act(const Advance& advance)
 }
 
 void MovieRunner::act(const Sync& sync) { say(Done{sync.id}); }
-
-// ---- what the movie says ----------------------------------------------------------------------------------
-
-void MovieRunner::say(FromMovie message)
-{
-    if (++m_saidInDrive <= kMaxMessagesPerDrive || !m_busy) m_output.say(std::move(message));
-}
-
-stage::TextField* MovieRunner::focusedField()
-{
-    stage::Node* focus = m_engine.stage().focus().node();
-    const bool is = focus != nullptr && focus->kind() == stage::NodeKind::TextField;
-    return is ? static_cast<stage::TextField*>(focus) : nullptr;
-}
-
-void MovieRunner::tellState()
-{
-    State now;
-    stage::Stage& stage = m_engine.stage();
-    const swf::Rgba ground = stage.view().background();
-    now.background =
-        static_cast<std::uint32_t>(ground.r) << 16U | static_cast<std::uint32_t>(ground.g) << 8U | ground.b;
-    now.cursor = static_cast<std::uint8_t>(stage.pointer().cursor());
-    now.silent = mixer().isSilent() ? 1 : 0;
-    if (m_engine.isOpen()) {
-        const swf::Rect& frame = stage.movie()->header.frameSize;
-        now.open = 1;
-        now.playing = stage.isPlaying() ? 1 : 0;
-        now.listensToKeys = stage.keyboard().isHeard() ? 1 : 0;
-        if (stage::TextField* field = focusedField()) {
-            const auto note = [&now](TextFocus what) { now.text |= static_cast<std::uint8_t>(what); };
-            note(TextFocus::Held);
-            if (field->isInput()) note(TextFocus::Typed);
-            if (field->isPassword()) note(TextFocus::Secret);
-            const render::IntRect caret = render::deviceBounds(field->caretOnStage(), stage.view().matrix());
-            now.caretLeft = caret.left;
-            now.caretTop = caret.top;
-            now.caretHeight = caret.height();
-        }
-        now.frame = stage.currentFrame();
-        now.totalFrames = stage.totalFrames();
-        now.width = static_cast<std::int32_t>(std::lround(frame.width() / 20.0));
-        now.height = static_cast<std::int32_t>(std::lround(frame.height() / 20.0));
-        now.frameRate = stage.frameRate();
-        if (const stage::CursorPicturePtr picture = m_engine.cursorPicture()) showPointer(*picture, now);
-    }
-    // A movie that plays changes nothing but this, as a rule.
-    if (now.frame != m_state.frame && m_output.showsFrame(now.frame)) m_state.frame = now.frame;
-    if (now == m_state) return;
-    m_state = now;
-    m_output.say(now);
-}
-
-Standing MovieRunner::standing() const
-{
-    return {static_cast<std::uint8_t>(m_engine.holdsOnlyTrusted() ? 1 : 0),
-            static_cast<std::uint8_t>(m_engine.hasReadFiles() ? 1 : 0)};
-}
-
-void MovieRunner::fsCommand(std::string_view command, std::string_view arguments)
-{
-    say(Command{std::string(command), std::string(arguments), standing()});
-}
-
-void MovieRunner::openUrl(std::string_view url, std::string_view window)
-{
-    say(OpenAddress{std::string(url), std::string(window), standing()});
-}
-
-void MovieRunner::traceLine(std::string_view utf8) { say(TraceLine{std::string(utf8)}); }
-void MovieRunner::logLine(std::string_view utf8) { say(LogLine{std::string(utf8)}); }
-
-void MovieRunner::readyStateChanged(int state)
-{
-    if (std::exchange(m_readyState, state) != state) say(ReadyState{state});
-}
-
-void MovieRunner::progressed(int percent) { say(Progress{percent}); }
-void MovieRunner::setClipboardText(std::string_view utf8) { say(CopyText{std::string(utf8)}); }
-std::string MovieRunner::clipboardText() { return m_output.ask(Ask::What::ClipboardText).text; }
-bool MovieRunner::abortSlowScript() { return m_output.ask(Ask::What::AbortSlowScript).yes != 0; }
-bool MovieRunner::endsScripts() { return m_output.endsScripts(); }
 
 // ---- quality ----------------------------------------------------------------------------------------------
 

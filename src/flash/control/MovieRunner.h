@@ -84,11 +84,13 @@ private:
     void limitReached(std::string_view what) override;
     void movieEnded(EndCause cause, std::string_view why) override;
 
+    /// Who listens to keys may be anywhere in the movie.
+    enum class Listeners : std::uint8_t { LookedFor, AsBefore };
     /// Runs `work`, which may run scripts, then tells the window what came of it.
     template <class Work>
-    void drive(Work&& work);
+    void drive(Work&& work, Listeners listeners = Listeners::LookedFor);
     void say(FromMovie message);
-    void tellState();
+    void tellState(Listeners listeners = Listeners::LookedFor);
     [[nodiscard]] Standing standing() const;
 
     void act(const Load& message) { load(message, std::nullopt); }
@@ -129,8 +131,9 @@ private:
     Settings m_settings;
     sound::Stretcher m_stretcher;
     State m_state;
-    std::uint32_t m_menu = 0;   // that may be chosen from; 0: none
-    std::uint32_t m_loaded = 0; // the id of the Load that layer 0 came by
+    QElapsedTimer m_sinceLooked; // for listeners
+    std::uint32_t m_menu = 0;    // that may be chosen from; 0: none
+    std::uint32_t m_loaded = 0;  // the id of the Load that layer 0 came by
     int m_readyState = 0;
     std::size_t m_saidInDrive = 0;
     bool m_busy = false, m_automaticHigh = true;
