@@ -43,10 +43,14 @@ std::optional<std::size_t> nextInDirection(const swf::Rect& from, std::span<cons
     std::pair<Kind, double> bestWorth{};
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         const Seen box = seen(boxes[i], direction);
-        if (box.far <= origin.far) continue;
+        // Up and down it is the lower borders that are compared.
+        const bool isBehind = direction == Direction::Up ? box.near <= origin.near : box.far <= origin.far;
+        if (isBehind) continue;
         const double along = gap(origin.near, origin.far, box.near, box.far);
         const double across = gap(origin.left, origin.right, box.left, box.right);
-        const Kind kind = across == 0 ? Ahead : box.near < origin.far ? Beside : Elsewhere;
+        // What stands to the side of the origin comes first on the way down only.
+        const bool isBeside = direction == Direction::Down && box.near < origin.far;
+        const Kind kind = across == 0 ? Ahead : isBeside ? Beside : Elsewhere;
         const std::pair worth{kind, along * along + across * across};
         if (best && !(worth < bestWorth)) continue;
         best = i;

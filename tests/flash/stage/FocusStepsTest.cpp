@@ -45,7 +45,7 @@ TEST(FocusSteps, TheNearestCountsAndThenTheFirst)
     EXPECT_EQ(below({box(60, 210), box(160, 155)}), 0);
 }
 
-TEST(FocusSteps, AllDirectionsAreAlike)
+TEST(FocusSteps, EachDirectionFindsItsOwn)
 {
     const std::vector<Rect> around = {box(0, 40), box(0, -40), box(-40, 0), box(40, 0)};
     const auto next = [&](Direction direction) { return *nextInDirection(box(0, 0), around, direction); };
@@ -53,6 +53,27 @@ TEST(FocusSteps, AllDirectionsAreAlike)
     EXPECT_EQ(next(Direction::Up), 1U);
     EXPECT_EQ(next(Direction::Left), 2U);
     EXPECT_EQ(next(Direction::Right), 3U);
+}
+
+// The genuine player is not the same in all directions.
+TEST(FocusSteps, UpwardsLowerBordersAreCompared)
+{
+    const auto isAbove = [](const Rect& other) {
+        return nextInDirection(box(0, 0), std::vector<Rect>{other}, Direction::Up).has_value();
+    };
+    EXPECT_TRUE(isAbove(box(0, 0, 10, 5))) << "ends above where the origin does";
+    EXPECT_FALSE(isAbove(box(0, -20, 10, 30))) << "begins above, but does not end there";
+}
+
+TEST(FocusSteps, WhatIsBesideComesFirstOnlyOnTheWayDown)
+{
+    const auto next = [](Direction direction, std::vector<Rect> boxes) {
+        return *nextInDirection(box(0, 0), boxes, direction);
+    };
+    EXPECT_EQ(next(Direction::Down, {box(20, 20), box(-80, 5)}), 1U);
+    EXPECT_EQ(next(Direction::Up, {box(20, -20), box(-80, -5)}), 0U);
+    EXPECT_EQ(next(Direction::Left, {box(-20, 20), box(-5, -80)}), 0U);
+    EXPECT_EQ(next(Direction::Right, {box(20, 20), box(5, -80)}), 0U);
 }
 
 } // namespace
