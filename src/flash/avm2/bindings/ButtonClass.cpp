@@ -171,6 +171,11 @@ void Player::makeButtonStates(DisplayObject& button)
     // Clips begin with a frame of their own, sprites do not; each of those of one state that have a class of
     // the movie's begins by itself.
     for (; rounds > 0; --rounds) runNestedFrame(nullptr);
+    // From then on the state that shows a press has its turn before those that show the pointer and its area.
+    for (const State state : {State::Over, State::Hit}) {
+        DisplayObject* object = button.states[static_cast<std::size_t>(state)];
+        if (object != nullptr && std::erase(m_orphans, object) != 0) m_orphans.push_back(object);
+    }
 }
 
 void Player::showButtonState(DisplayObject& button, State state)
