@@ -1,12 +1,15 @@
 #include "flash/vm/AtomTable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace flash::vm
 {
 
 namespace
 {
+
+constexpr std::size_t kFewestSlots = 4096;
 
 char16_t foldUnit(char16_t unit)
 {
@@ -32,7 +35,7 @@ std::u16string AtomTable::fold(std::u16string_view text)
     return folded;
 }
 
-AtomTable::AtomTable(Heap& heap) : m_heap(heap), m_nodeNames(heap), m_units(heap)
+AtomTable::AtomTable(Heap& heap) : m_heap(heap), m_slots(kFewestSlots), m_nodeNames(heap), m_units(heap)
 {
     m_common = {
         .empty = intern(std::string_view("")),
@@ -77,12 +80,49 @@ AtomTable::AtomTable(Heap& heap) : m_heap(heap), m_nodeNames(heap), m_units(heap
     }
 }
 
+const AtomTable::Slot& AtomTable::slotOf(std::u16string_view text, std::size_t hash) const
+{
+    const std::size_t last = m_slots.size() - 1;
+    for (std::size_t at = hash & last;; at = (at + 1) & last) {
+        const Slot& slot = m_slots[at];
+        if (slot.atom == nullptr || (slot.hash == hash && slot.atom->m_text == text)) return slot;
+    }
+}
+
+/// @param slot of a text that has none yet
+void AtomTable::put(Slot slot)
+{
+    const std::size_t slots = m_slots.size();
+    if (2 * (m_taken + 1) > slots)
+        resize(2 * slots);
+    else if (16 * m_taken < slots && slots > kFewestSlots)
+        resize(slots / 4);
+    ++m_taken;
+    place(slot);
+}
+
+void AtomTable::place(Slot slot)
+{
+    const std::size_t last = m_slots.size() - 1;
+    std::size_t at = slot.hash & last;
+    while (m_slots[at].atom != nullptr) at = (at + 1) & last;
+    m_slots[at] = slot;
+}
+
+void AtomTable::resize(std::size_t slots)
+{
+    const std::vector<Slot> before = std::exchange(m_slots, std::vector<Slot>(slots));
+    for (const Slot& slot : before)
+        if (slot.atom != nullptr) place(slot);
+}
+
 Name AtomTable::intern(std::u16string_view text)
 {
-    if (const auto found = m_table.find(text); found != m_table.end()) return Name(found->second);
+    const std::size_t hash = hashOf(text);
+    if (Atom* known = slotOf(text, hash).atom) return Name(known);
     auto* cell = m_heap.make<Atom>(std::u16string(text));
     m_heap.noteExternalBytes(text.size() * sizeof(char16_t));
-    m_table.emplace(std::u16string_view(cell->m_text), cell);
+    put({hash, cell});
     std::u16string folded = fold(text);
     if (folded != text) cell->m_folded = intern(folded).cell();
     return Name(cell);
@@ -121,9 +161,9 @@ bool AtomTable::noteNodeName(std::u16string_view text)
 {
     if (m_anyMayBeNodeName || text.empty()) return false;
     const std::u16string folded = fold(text);
-    const auto found = m_table.find(folded);
-    const bool wasKnown = found != m_table.end();
-    Atom* cell = wasKnown ? found->second : intern(folded).cell();
+    Atom* cell = slotOf(folded, hashOf(folded)).atom;
+    const bool wasKnown = cell != nullptr;
+    if (!wasKnown) cell = intern(folded).cell();
     if (cell->m_isNodeName) return false;
     cell->m_isNodeName = true;
     m_nodeNames.push_back(Name(cell));
@@ -150,7 +190,19 @@ void AtomTable::renewNodeNames(const std::function<void()>& noteAll)
 
 void AtomTable::dropUnmarked()
 {
-    std::erase_if(m_table, [](const auto& entry) { return !Heap::isMarked(entry.second); });
+    // In place: there may be no memory left. From behind a free slot on, each name goes as far forward as it
+    // can.
+    const std::size_t last = m_slots.size() - 1;
+    std::size_t start = 0;
+    while (m_slots[start].atom != nullptr) ++start;
+    for (std::size_t i = 1; i <= m_slots.size(); ++i) {
+        const Slot slot = std::exchange(m_slots[(start + i) & last], {});
+        if (slot.atom == nullptr) continue;
+        if (Heap::isMarked(slot.atom))
+            place(slot);
+        else
+            --m_taken;
+    }
 }
 
 } // namespace flash::vm

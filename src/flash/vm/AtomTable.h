@@ -3,7 +3,7 @@
 #include "flash/vm/String.h"
 
 #include <functional>
-#include <unordered_map>
+#include <vector>
 
 namespace flash::vm
 {
@@ -56,13 +56,21 @@ public:
     [[nodiscard]] const Common& common() const { return m_common; }
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::u16string_view text) const
-        {
-            return std::hash<std::u16string_view>{}(text);
-        }
+    // Names are looked up in every frame, each with caches that have forgotten the table: a slot is found in
+    // one step, and the text of no other name is looked at.
+    struct Slot {
+        std::size_t hash = 0;
+        Atom* atom = nullptr; // null: free
     };
+    [[nodiscard]] static std::size_t hashOf(std::u16string_view text)
+    {
+        return std::hash<std::u16string_view>{}(text);
+    }
+    /// The slot of a text, or the free one where it would go.
+    [[nodiscard]] const Slot& slotOf(std::u16string_view text, std::size_t hash) const;
+    void put(Slot slot);
+    void place(Slot slot);
+    void resize(std::size_t slots);
     Name internNew(String* string);
     void dropUnmarked();
     void clearNodeNames();
@@ -70,7 +78,8 @@ private:
     static constexpr std::size_t kKeptUnits = 256;
 
     Heap& m_heap;
-    std::unordered_map<std::u16string_view, Atom*> m_table; // the views point into the names' own text
+    std::vector<Slot> m_slots; // a power of two; at most half of them taken
+    std::size_t m_taken = 0;
     Common m_common;
     RootedList<Name> m_nodeNames;
     std::size_t m_manyNodeNames = kFewNodeNames;

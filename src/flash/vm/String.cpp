@@ -48,7 +48,14 @@ String::String(String* left, String* right)
 void String::flatten()
 {
     Heap::of(*this).noteExternalBytes(m_length * sizeof(char16_t));
-    std::u16string text(m_length, u'\0');
+    std::u16string text;
+    text.reserve(m_length);
+    if (m_left->m_left == nullptr && m_right->m_left == nullptr) {
+        m_text = std::move(text.append(m_left->m_text).append(m_right->m_text));
+        m_left = m_right = nullptr;
+        return;
+    }
+    text.resize(m_length);
     std::size_t end = m_length;
     std::vector<String*> pending{m_left, m_right};
     while (!pending.empty()) {
