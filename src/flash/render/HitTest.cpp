@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <span>
 #include <unordered_map>
 
 namespace flash::render
@@ -22,6 +24,26 @@ int crossing(FlatPoint from, FlatPoint to, swf::Point p)
     return to.y > from.y ? 1 : -1;
 }
 
+// Of a chain of lines. Most of a large outline lies above or below the point: whole groups of lines are
+// passed over that do.
+int crossings(std::span<const FlatPoint> points, swf::Point p)
+{
+    // A coordinate is less than p.y exactly when it is less than this, which takes no conversion.
+    auto level = static_cast<float>(p.y);
+    if (static_cast<double>(level) < p.y)
+        level = std::nextafter(level, std::numeric_limits<float>::infinity());
+    constexpr std::size_t kGroup = 16;
+    int sum = 0;
+    for (std::size_t first = 1; first < points.size(); first += kGroup) {
+        const std::size_t end = std::min(first + kGroup, points.size());
+        unsigned above = 0;
+        for (std::size_t i = first - 1; i < end; ++i) above += points[i].y < level ? 1U : 0U;
+        if (above == 0 || above == end - first + 1) continue;
+        for (std::size_t i = first; i < end; ++i) sum += crossing(points[i - 1], points[i], p);
+    }
+    return sum;
+}
+
 bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, swf::Point p)
 {
     if (layer.points.empty() || p.x < layer.min.x || p.x > layer.max.x || p.y < layer.min.y ||
@@ -29,9 +51,7 @@ bool fillsContain(const swf::ShapeLayer& styles, const FlatLayer& layer, swf::Po
         return false;
     std::unordered_map<std::uint16_t, int> windings;
     for (const FlatRun& run : layer.runs) {
-        int sum = 0;
-        for (std::uint32_t i = 1; i < run.count; ++i)
-            sum += crossing(layer.points[run.first + i - 1], layer.points[run.first + i], p);
+        const int sum = crossings({layer.points.data() + run.first, run.count}, p);
         if (sum == 0) continue;
         windings[run.fill0] -= sum;
         windings[run.fill1] += sum;

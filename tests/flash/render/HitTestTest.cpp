@@ -40,6 +40,31 @@ TEST(HitTest, FindsFillsHolesAndStrokes)
     EXPECT_FALSE(hit(30, 23));
 }
 
+// An outline of many lines, whose answer is known everywhere.
+TEST(HitTest, FollowsLongOutlines)
+{
+    constexpr int kTeeth = 40;
+    swf::EdgeRun comb;
+    comb.startX = comb.startY = 0;
+    comb.fill1 = 1;
+    for (int i = 0; i < kTeeth; ++i) {
+        const int x = i * 40;
+        comb.edges.insert(comb.edges.end(), {lineTo(x / 20.0 + 1, 0), lineTo(x / 20.0 + 1, 50 + i),
+                                             lineTo(x / 20.0 + 2, 50 + i), lineTo(x / 20.0 + 2, 0)});
+    }
+    comb.edges.insert(comb.edges.end(), {lineTo(2 * kTeeth, -10), lineTo(0, -10), lineTo(0, 0)});
+    const auto shape = shapeOf({{solid(0, 0, 0)}, {}, {comb}});
+    for (double y = -12.5; y < 95; y += 2.5) {
+        for (int x = 0; x < 2 * kTeeth; ++x) {
+            const bool isTooth = x % 2 == 1 && y > 0 && y <= 50 + x / 2;
+            const bool isBack = y > -10 && y <= 0;
+            EXPECT_EQ(shapeContains(*shape, {(x + 0.5) * swf::kTwipsPerPixel, y * swf::kTwipsPerPixel}),
+                      isTooth || isBack)
+                << x << "," << y;
+        }
+    }
+}
+
 TEST(HitTest, KeepsLinesAsLongAsTheShapeLives)
 {
     RenderCache cache;
