@@ -8,6 +8,7 @@
 #include "flash/stage/Stage.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <ranges>
 #include <span>
@@ -43,6 +44,7 @@ public:
                    int depth) const
     {
         guard::check();
+        if (!isLargeEnough(node, parentToDevice)) return nullptr;
         const bool isPlain = node.isVisible() && node.maskee() == nullptr && node.mask() == nullptr &&
                              !node.clipDepth() && !isLayered(node) && !node.scrollRect();
         if (!isPlain || depth > kDeepest) return nullptr;
@@ -64,6 +66,20 @@ public:
     }
 
 private:
+    // Most things are smaller than most boxes.
+    [[nodiscard]] bool isLargeEnough(Node& node, const swf::Matrix& to) const
+    {
+        const swf::Rect reach = node.reach();
+        const swf::Matrix& m = node.matrix();
+        const double width = reach.xMax - static_cast<double>(reach.xMin),
+                     height = reach.yMax - static_cast<double>(reach.yMin);
+        const double across = std::abs(m.a) * width + std::abs(m.c) * height,
+                     down = std::abs(m.b) * width + std::abs(m.d) * height;
+        return std::abs(to.a) * across + std::abs(to.c) * down + kRounding >= m_box.width() &&
+               std::abs(to.b) * across + std::abs(to.d) * down + kRounding >= m_box.height();
+    }
+    static constexpr double kRounding = 1;
+
     swf::Matrix m_view, m_toStage; ///< and back
     render::IntRect m_box;
 };
