@@ -45,9 +45,11 @@ void Player::forOrphans(Work&& work)
 
 void Player::broadcast(std::string_view type)
 {
+    const auto listening = m_listening.find(widen(type));
+    if (listening == m_listening.end() || listening->second.list.empty()) return;
     const Name name = m_vm->name(type);
     RootedList<DispatcherObject*> targets(m_vm->heap());
-    Hearers& hearers = m_listening[widen(type)];
+    Hearers& hearers = listening->second;
     hearers.forget([&](const DispatcherObject* object) { return !object->hasListener(name); });
     for (DispatcherObject* object : hearers.list) targets.push_back(object);
     for (std::size_t i = 0; i < targets.size(); ++i) m_vm->guarded([&] { fire(*m_vm, *targets[i], type); });
