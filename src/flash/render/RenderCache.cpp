@@ -86,14 +86,9 @@ std::shared_ptr<const FlatShape> RenderCache::Impl::flatShape(const std::shared_
                                                               int scaleStep)
 {
     const Key key{shape.get(), Kind::Fills, static_cast<double>(scaleStep)};
-    if (const Entry* entry = find(key)) return entry->fills;
+    if (const Entry* entry = find(key)) return std::get<std::shared_ptr<const FlatShape>>(entry->made);
     auto flat = std::make_shared<const FlatShape>(flatten(*shape, scaleStep));
-    insert(key, {.owner = shape,
-                 .fills = flat,
-                 .strokes = nullptr,
-                 .letter = nullptr,
-                 .ramp = nullptr,
-                 .bytes = flat->bytes()});
+    insert(key, {.owner = shape, .made = flat, .bytes = flat->bytes()});
     return flat;
 }
 
@@ -103,7 +98,7 @@ RenderCache::Impl::findStrokes(const std::shared_ptr<const swf::Shape>& shape, c
 {
     const Entry* entry = find({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, scale.pixelScale,
                                static_cast<double>(scale.flatteningStep)});
-    return entry == nullptr ? nullptr : entry->strokes;
+    return entry == nullptr ? nullptr : std::get<std::shared_ptr<const StrokedShape>>(entry->made);
 }
 
 void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& m,
@@ -112,31 +107,22 @@ void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& sha
     const std::size_t bytes = strokes->bytes();
     insert({shape.get(), Kind::Strokes, m.a, m.b, m.c, m.d, scale.pixelScale,
             static_cast<double>(scale.flatteningStep)},
-           {.owner = shape,
-            .fills = nullptr,
-            .strokes = std::move(strokes),
-            .letter = nullptr,
-            .ramp = nullptr,
-            .bytes = bytes});
+           {.owner = shape, .made = std::move(strokes), .bytes = bytes});
 }
 
 std::shared_ptr<const Mask> RenderCache::Impl::findLetter(const std::shared_ptr<const swf::Shape>& outline,
                                                           const swf::Matrix& m)
 {
     const Entry* entry = find({outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty});
-    return entry == nullptr ? nullptr : entry->letter;
+    return entry == nullptr ? nullptr : std::get<std::shared_ptr<const Mask>>(entry->made);
 }
 
 void RenderCache::Impl::keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& m,
                                    std::shared_ptr<const Mask> mask)
 {
     const std::size_t bytes = sizeof(Mask) + mask->coverage.capacity();
-    insert({outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty}, {.owner = outline,
-                                                                           .fills = nullptr,
-                                                                           .strokes = nullptr,
-                                                                           .letter = std::move(mask),
-                                                                           .ramp = nullptr,
-                                                                           .bytes = bytes});
+    insert({outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty},
+           {.owner = outline, .made = std::move(mask), .bytes = bytes});
 }
 
 std::shared_ptr<const GradientRamp> RenderCache::Impl::ramp(const std::shared_ptr<const swf::Shape>& shape,
@@ -145,14 +131,9 @@ std::shared_ptr<const GradientRamp> RenderCache::Impl::ramp(const std::shared_pt
 {
     if (!color.isIdentity()) return m_tintedRamps.ramp(shape, layer, fill, color);
     const Key key{shape.get(), Kind::Ramp, static_cast<double>(layer), static_cast<double>(fill)};
-    if (const Entry* entry = find(key)) return entry->ramp;
+    if (const Entry* entry = find(key)) return std::get<std::shared_ptr<const GradientRamp>>(entry->made);
     auto ramp = std::make_shared<const GradientRamp>(makeRamp(shape->layers[layer].fills[fill].gradient, {}));
-    insert(key, {.owner = shape,
-                 .fills = nullptr,
-                 .strokes = nullptr,
-                 .letter = nullptr,
-                 .ramp = ramp,
-                 .bytes = sizeof(GradientRamp)});
+    insert(key, {.owner = shape, .made = ramp, .bytes = sizeof(GradientRamp)});
     return ramp;
 }
 

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <variant>
 
 namespace flash::render
 {
@@ -82,12 +83,12 @@ private:
     struct KeyHash {
         std::size_t operator()(const Key& key) const;
     };
+    // Small: entries are looked up for each shape and letter of a frame.
+    using Made = std::variant<std::shared_ptr<const FlatShape>, std::shared_ptr<const StrokedShape>,
+                              std::shared_ptr<const Mask>, std::shared_ptr<const GradientRamp>>;
     struct Entry {
         std::weak_ptr<const swf::Shape> owner; ///< another shape may come to lie at the address of a dead one
-        std::shared_ptr<const FlatShape> fills;
-        std::shared_ptr<const StrokedShape> strokes;
-        std::shared_ptr<const Mask> letter;
-        std::shared_ptr<const GradientRamp> ramp;
+        Made made;                             ///< of its kind
         std::size_t bytes = 0;
         std::uint64_t lastUse = 0;
     };
