@@ -171,6 +171,7 @@ void StaticTextNode::draw(render::Canvas& canvas, const swf::Matrix& toDevice,
     std::vector<render::GlyphPlacement> placements;
     for (const Run& run : m_runs) {
         placements.clear();
+        placements.reserve(run.glyphs.size());
         for (const Glyph& glyph : run.glyphs)
             if (glyph.outline) placements.push_back({glyph.outline, toDevice * glyph.toNode});
         canvas.drawGlyphs(placements, swf::apply(color, run.color));
