@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Measures what the whole program costs while it plays a movie: in its own process and in all it has started.
 
-  cpu_use.py PROGRAM MOVIE [--seconds S] [--settle S] [--window WIDTHxHEIGHT]
+  cpu_use.py PROGRAM MOVIE [--seconds S] [--settle S] [--window WIDTHxHEIGHT] [--awake]
   cpu_use.py PROGRAM MOVIE --paired [--rounds N]
 
 Prints the processor time used in the span, in per cent of one core (user and system, all threads of all processes;
 then of each process), and the memory of all processes together (proportional set size, so that what they share counts
 once). --paired plays
 the movie twice at the same time, in a process of its own and inside the player's, and prints both and their ratio for
-each round and the median: what else the machine does then hits both alike. Starts a virtual display when there is
+each round and the median: what else the machine does then hits both alike. --awake keeps the processors from falling
+asleep by loops that run when nothing else does: in a virtual machine, what it costs to wake one up again is counted as
+the program's, and comes to more than a small frame does. Starts a virtual display when there is
 none. The figures are for the program alone, not for the display server.
 """
 import argparse
@@ -44,6 +46,13 @@ def memory_mib(pids):
         with open('/proc/%d/smaps_rollup' % pid, encoding='ascii') as handle:
             total += next(int(line.split()[1]) for line in handle if line.startswith('Pss:'))
     return total / 1024
+
+
+def keep_awake():
+    """@returns processes that take what time nobody else wants, one for each processor, to be killed."""
+    def last():
+        os.sched_setscheduler(0, os.SCHED_IDLE, os.sched_param(0))
+    return [subprocess.Popen(['sh', '-c', 'while :; do :; done'], preexec_fn=last) for _ in range(os.cpu_count())]
 
 
 class Playing:
@@ -88,11 +97,21 @@ def main():
     ap.add_argument('--seconds', type=float, default=20)
     ap.add_argument('--settle', type=float, default=4, help='seconds to let the start-up pass')
     ap.add_argument('--window', metavar='WIDTHxHEIGHT', help='the size to give the window; needs xdotool')
+    ap.add_argument('--awake', action='store_true', help='keep the processors from falling asleep')
     ap.add_argument('--paired', action='store_true')
     ap.add_argument('--rounds', type=int, default=5)
     args = ap.parse_args()
     if not os.environ.get('DISPLAY') and shutil.which('xvfb-run'):
         os.execvp('xvfb-run', ['xvfb-run', '-a', '-s', '-screen 0 1280x960x24', sys.executable] + sys.argv)
+    loops = keep_awake() if args.awake else []
+    try:
+        measure(args)
+    finally:
+        for loop in loops:
+            loop.kill()
+
+
+def measure(args):
     if not args.paired:
         playing = Playing(args.program, args.movie, window=args.window)
         try:
