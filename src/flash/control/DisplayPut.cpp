@@ -68,7 +68,8 @@ using Connection = std::shared_ptr<xcb_connection_t>;
 Connection connectionBeside(xcb_connection_t* toolkits)
 {
     static std::weak_ptr<xcb_connection_t> common;
-    if (auto connection = common.lock()) return connection;
+    if (auto connection = common.lock(); connection && xcb_connection_has_error(connection.get()) == 0)
+        return connection;
     const auto wanted = localServer(toolkits);
     if (!wanted) return nullptr;
     // Never null, but maybe in error.
@@ -123,6 +124,9 @@ public:
     Private(const Private&) = delete;
     Private& operator=(const Private&) = delete;
 
+    /// The server may end this connection and leave the toolkit's.
+    [[nodiscard]] bool isConnected() const { return xcb_connection_has_error(m_connection) == 0; }
+
     bool attach(const PictureMemory& pictures)
     {
         if (m_segment != 0) return true;
@@ -167,7 +171,7 @@ public:
         m_window = 0;
     }
 
-    void put(const PictureMemory& pictures, int index, QPoint origin, const QRegion& parts)
+    bool put(const PictureMemory& pictures, int index, QPoint origin, const QRegion& parts)
     {
         const auto width = static_cast<std::uint16_t>(pictures.lineBytes() / sizeof(std::uint32_t));
         const auto height = static_cast<std::uint16_t>(pictures.size().height());
@@ -183,7 +187,7 @@ public:
         // Any answer to what is asked behind it says that the server has come so far.
         if (m_unread) xcb_discard_reply(m_connection, m_unread->sequence);
         m_unread = xcb_get_input_focus(m_connection);
-        xcb_flush(m_connection);
+        return xcb_flush(m_connection) > 0;
     }
 
     void finish()
@@ -236,12 +240,13 @@ bool DisplayPut::put(const PictureMemory& pictures, int index, WId window, QPoin
                      const QRegion& parts)
 {
     if (d->m_cannot) return false;
-    d->m_cannot = !d->enterWindow(static_cast<xcb_window_t>(window)) || !d->attach(pictures);
-    if (d->m_cannot) return false;
-    d->put(pictures, index, origin, parts);
-    return true;
+    d->m_cannot =
+        !d->isConnected() || !d->enterWindow(static_cast<xcb_window_t>(window)) || !d->attach(pictures);
+    d->m_cannot = d->m_cannot || !d->put(pictures, index, origin, parts);
+    return !d->m_cannot;
 }
 
+bool DisplayPut::can() const { return !d->m_cannot; }
 void DisplayPut::finish() { d->finish(); }
 void DisplayPut::letToolkitFirst() { d->letToolkitFirst(); }
 void DisplayPut::detach() { d->detach(); }
@@ -254,6 +259,7 @@ class DisplayPut::Private
 
 std::unique_ptr<DisplayPut> DisplayPut::create() { return nullptr; }
 bool DisplayPut::put(const PictureMemory&, int, WId, QPoint, const QRegion&) { return false; }
+bool DisplayPut::can() const { return false; }
 void DisplayPut::finish() {}
 void DisplayPut::letToolkitFirst() {}
 void DisplayPut::detach() {}

@@ -28,8 +28,10 @@ public:
     /// @param window   exposed
     /// @param origin   of the picture in the window, device pixels
     /// @param parts    of the picture, device pixels
-    /// @returns false when the server cannot, which is for good; nothing is shown then
+    /// @returns false when the server cannot, which is for good; what was put before may not be shown then
     bool put(const PictureMemory& pictures, int index, WId window, QPoint origin, const QRegion& parts);
+    /// Whether it was not refused so far.
+    [[nodiscard]] bool can() const;
     /// Returns when the server has read all that was put: the pictures may be drawn into.
     void finish();
     /// Returns when the server has drawn all that the toolkit has asked it to. The thread of the windows.

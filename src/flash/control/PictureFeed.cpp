@@ -85,7 +85,7 @@ void PictureFeed::letShow(const std::optional<ShownPlace>& place)
 {
     haveTurn();
     if (!m_notifier || m_isOver || m_isBad) return;
-    const bool shows = place && m_display;
+    const bool shows = place && m_display && m_display->can();
     if (m_notifier->isEnabled() == shows) m_notifier->setEnabled(!shows);
     if (!shows) return;
     settlePaint();
@@ -144,8 +144,13 @@ void PictureFeed::take(const Picture& picture)
 
 bool PictureFeed::putNow(const ShownPlace& place)
 {
-    if (!m_display || m_shown.isNull() || !isOfView()) return false;
-    return m_display->put(m_pictures, m_shownIndex, place.window, place.origin, place.parts & m_shown.rect());
+    if (!m_display || !m_display->can() || m_shown.isNull() || !isOfView()) return false;
+    if (m_display->put(m_pictures, m_shownIndex, place.window, place.origin, place.parts & m_shown.rect()))
+        return true;
+    // Who knows what of the pictures before has come to the screen.
+    m_changed = m_shown.rect();
+    tellReady();
+    return false;
 }
 
 // ---- the thread -------------------------------------------------------------------------------------------

@@ -11,6 +11,10 @@
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <string_view>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <vector>
 
 // What a movie's window shows past its store, seen on the screen.
 namespace flash
@@ -56,6 +60,21 @@ void idleFor(int ms)
     QEventLoop loop;
     QTimer::singleShot(ms, &loop, &QEventLoop::quit);
     loop.exec();
+}
+
+/// The connections of this process to the display, the toolkit's first.
+std::vector<int> displaySockets()
+{
+    std::vector<int> found;
+    constexpr int kMostOpen = 256;
+    for (int file = 0; file < kMostOpen; ++file) {
+        sockaddr_un peer{};
+        socklen_t length = sizeof peer;
+        if (getpeername(file, reinterpret_cast<sockaddr*>(&peer), &length) != 0) continue;
+        const std::string_view path(peer.sun_path, sizeof peer.sun_path);
+        if (path.find("X11-unix") != std::string_view::npos) found.push_back(file);
+    }
+    return found;
 }
 
 /// Lets through half of what is below.
@@ -201,6 +220,24 @@ TEST_P(DirectPainting, AMovieThatEndsWhileTheWindowSleepsEndsTheWait)
         });
         idleFor(200);
     }
+    EXPECT_TRUE(isShown());
+}
+
+TEST_P(DirectPainting, IsPaintedWhenTheWayToTheDisplayEnds)
+{
+    goOn();
+    const std::vector<int> sockets = displaySockets();
+    ASSERT_EQ(sockets.size(), 2U);
+    shutdown(sockets.back(), SHUT_RDWR);
+    m_paints.emplace(*m_control);
+    goOn();
+    EXPECT_GT(m_painted, 0);
+    EXPECT_TRUE(isShown());
+    // The next movie has another.
+    ASSERT_TRUE(m_control->LoadMovie(0, m_folder.write("b.swf", test::movingSquare(5))));
+    playOn();
+    goOn();
+    EXPECT_EQ(m_painted, 0);
     EXPECT_TRUE(isShown());
 }
 
