@@ -15,6 +15,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace flash::control
 {
@@ -31,8 +32,6 @@ public:
     PictureFeed(const PictureFeed&) = delete;
     PictureFeed& operator=(const PictureFeed&) = delete;
 
-    /// Whether the movie's end can be reached.
-    [[nodiscard]] bool isThere() const { return m_channel != nullptr; }
     /// @returns the movie's end of the socket, owned by the caller; or -1. Once
     int takeFarEnd() { return std::exchange(m_farEnd, -1); }
     /// To wait for it, beside others; -1 when nothing comes any more.
