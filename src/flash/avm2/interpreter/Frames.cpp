@@ -45,6 +45,14 @@ Value Interpreter::execute(MethodEnv& env, Value* window, std::uint32_t given, O
     }
 }
 
+void Interpreter::forgetEnded()
+{
+    for (Interpreter* each = this; each != nullptr; each = each->m_outer) {
+        Frame* const first = each->m_frame == nullptr ? each->m_frames : each->m_frame + 1;
+        std::fill(first, std::end(each->m_frames), Frame{});
+    }
+}
+
 void Interpreter::bindReceiver(Vm& vm, const FunctionObject& closure, Value& receiver)
 {
     if (closure.isBound()) {

@@ -84,7 +84,14 @@ struct Frame {
 class Interpreter
 {
 public:
-    explicit Interpreter(Vm& vm) : m_vm(vm), m_stackEnd(vm.m_stack.get() + Vm::kStackValues) {}
+    explicit Interpreter(Vm& vm)
+        : m_vm(vm), m_outer(vm.m_interpreter), m_stackEnd(vm.m_stack.get() + Vm::kStackValues)
+    {
+        vm.m_interpreter = this;
+    }
+    ~Interpreter() { m_vm.m_interpreter = m_outer; }
+    Interpreter(const Interpreter&) = delete;
+    Interpreter& operator=(const Interpreter&) = delete;
     /// @param window the receiver and, behind it, the arguments: they become the first registers
     Value execute(MethodEnv& env, Value* window, std::uint32_t given, Object* callee);
     /// What `this` is for a function that is called as such.
@@ -97,6 +104,9 @@ public:
         return labels;
     }
     static constexpr std::size_t kDeepestCalls = 1000;
+    /// Clears the frames of calls that are over or never were, here and in those that wait for this one: to
+    /// the collector what they are left with would be in use.
+    void forgetEnded();
 
 private:
     /// Goes on with the present frame. @param labels where to put them, instead of running anything
@@ -268,6 +278,7 @@ private:
 
     static constexpr std::size_t kLevels = 16;
     Vm& m_vm;
+    Interpreter* const m_outer;   ///< the one whose native called this one; null: none
     Value* const m_stackEnd;      ///< of the machine's
     Frame* m_frame = nullptr;     ///< the present one
     Frame* m_lastFrame = nullptr; ///< from which on calls are deep

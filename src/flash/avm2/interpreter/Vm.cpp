@@ -1,5 +1,6 @@
 #include "flash/avm2/interpreter/Vm.h"
 
+#include "flash/avm2/interpreter/Interpreter.h"
 #include "flash/guard/Guard.h"
 
 #include <algorithm>
@@ -46,6 +47,7 @@ Vm::~Vm() = default;
 
 void Vm::traceRoots(Tracer& tracer)
 {
+    if (m_interpreter != nullptr) m_interpreter->forgetEnded();
     for (const Value* at = m_stack.get(); at < m_top; ++at) tracer(*at);
     // Frames are not cleared when they begin: what they find there has to be alive.
     std::fill(m_top, m_highest, Value());

@@ -15,6 +15,8 @@
 namespace flash::avm2
 {
 
+class Interpreter;
+
 /// A script error on its way; what was thrown is Vm::thrown().
 struct ScriptThrow {
 };
@@ -290,6 +292,7 @@ private:
     double m_timeoutMs = 15'000, m_startedMs = 0;
     bool m_disabled = false;
     TracedList<MethodEnv*> m_calls;
+    Interpreter* m_interpreter = nullptr; ///< the innermost
 };
 
 /// Enters script from outside of it: the clock starts.
