@@ -27,6 +27,8 @@ constexpr std::size_t kBlockBytes = 64 * 1024;
 constexpr std::size_t kMinThresholdBytes = 8 << 20;
 // So that little more than what is bounded can be in use between two looks.
 constexpr std::size_t kMaxThresholdBytes = 128 << 20;
+// Collecting always: a heap beyond the first is looked through when it has grown by such a part of the rest.
+constexpr std::size_t kSmallHeapBytes = 4 << 20, kGrowthParts = 256;
 constexpr int kFreedByte = 0xDB; // as a pointer: no address there is
 
 /// @returns the end of this thread's stack that was there first (stacks grow down).
@@ -213,7 +215,10 @@ void Heap::sweep()
         }
     }
     m_bytesSinceCollection = 0;
-    m_thresholdBytes = m_collectsAlways ? 1 : std::clamp(m_liveBytes, kMinThresholdBytes, kMaxThresholdBytes);
+    if (m_collectsAlways)
+        m_thresholdBytes = 1 + (std::max(m_liveBytes, kSmallHeapBytes) - kSmallHeapBytes) / kGrowthParts;
+    else
+        m_thresholdBytes = std::clamp(m_liveBytes, kMinThresholdBytes, kMaxThresholdBytes);
 }
 
 // The scan reads words that the sanitizer holds to be out of bounds, and rightly so.

@@ -208,8 +208,9 @@ public:
 
     [[nodiscard]] bool shouldCollect() const { return m_bytesSinceCollection >= m_thresholdBytes; }
     void collect();
-    /// From now on shouldCollect() says so whenever anything was made since the last collection, and freed
-    /// cells are overwritten (to AddressSanitizer they are out of bounds). Finds what is not kept alive.
+    /// From now on shouldCollect() says so whenever anything was made since the last collection (in a large
+    /// heap: enough to be worth a look), and freed cells are overwritten (to AddressSanitizer they are out of
+    /// bounds). Finds what is not kept alive.
     void collectAlways();
     /// @returns the heap that a cell lives in.
     [[nodiscard]] static Heap& of(const Cell& cell);

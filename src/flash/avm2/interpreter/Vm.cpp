@@ -58,6 +58,7 @@ void Vm::traceRoots(Tracer& tracer)
     tracer(m_thrown);
     tracer(defaultXmlNs);
     for (const MethodEnv* env : m_calls) tracer(env);
+    for (const auto& [key, since] : m_since) tracer(key.first);
     for (const auto& [key, value] : m_nativeValues) {
         tracer(key.first);
         tracer(key.second);
