@@ -18,8 +18,20 @@ namespace
 constexpr std::size_t kMaxSums = std::size_t{2} << 20;
 // Pixels without a number of their own, up to so many between others, are cheaper converted than told apart.
 constexpr int kShortGap = 16;
-// Evenly covered pixels up to so many are told one by one with their neighbours.
-constexpr int kShortStretch = 16;
+
+// What a sample at each place within two neighbouring pixels adds to them and to the next one, a byte each,
+// the first pixel's the lowest. Of a row of samples through a pixel, so many units as it has steps, what lies
+// to the right of the place is the pixel's own, and the rest its neighbour's.
+template <int kStepBits>
+constexpr auto kPartsAt = [] {
+    constexpr std::uint32_t kSteps = 1 << kStepBits;
+    std::array<std::uint32_t, 2 * kSteps> parts{};
+    for (std::uint32_t at = 0; at < 2 * kSteps; ++at) {
+        const std::uint32_t steps = at % kSteps, shift = 8 * (at / kSteps);
+        parts[at] = (kSteps - steps) << shift | steps << (shift + 8);
+    }
+    return parts;
+}();
 
 std::size_t roundedUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
 
@@ -66,12 +78,26 @@ void DenseCells<Sum>::setStyles(std::uint32_t left, std::uint32_t right)
 }
 
 template <class Sum>
+void DenseCells<Sum>::markBeyond(std::uint64_t* bits, unsigned first, unsigned last)
+{
+    constexpr std::uint64_t kAll = ~std::uint64_t{0};
+    const std::uint64_t from = kAll << (first % 64), upTo = kAll >> (63 - last % 64);
+    if (first / 64 == last / 64) {
+        bits[first / 64] |= from & upTo;
+        return;
+    }
+    bits[first / 64] |= from;
+    for (unsigned word = first / 64 + 1; word < last / 64; ++word) bits[word] = kAll;
+    bits[last / 64] |= upTo;
+}
+
+template <class Sum>
 template <int kStepBits, bool kBothSides>
 void DenseCells<Sum>::countSides(const CountedLine& line)
 {
-    constexpr int kSteps = 1 << kStepBits, kHeight = kSubpixels / kSteps, kStepArea = 2 * kHeight * kHeight;
-    int y = line.first, row = y >> kStepBits;
-    const auto index = static_cast<std::size_t>(row);
+    constexpr int kSteps = 1 << kStepBits, kStepArea = 2 * (kSubpixels / kSteps) * (kSubpixels / kSteps);
+    constexpr int kFraction = CountedLine::kFraction;
+    const auto index = static_cast<std::size_t>(line.first >> kStepBits);
     Sum* const sums = m_sums.data() + index * m_rowSize;
     // Of a line with one side only, that one is counted, left ones with the other sign.
     const bool isLeft = !kBothSides && m_left != kNone;
@@ -79,54 +105,49 @@ void DenseCells<Sum>::countSides(const CountedLine& line)
     Sum* left = kBothSides ? sums + m_left : nullptr;
     std::uint64_t* bits = m_bits.data() + index * m_wordsOfRow;
     std::uint32_t* styles = m_rowStyles.data() + index;
-    const int unit = isLeft ? -line.sign : line.sign;
-    const std::uint32_t styleBits = m_styleBits;
-    const std::size_t rowSize = m_rowSize, words = m_wordsOfRow;
-    const auto add = [&](int x, int count, int steps) {
-        const int area = unit * steps * (kStepArea >> kUnitBits<Sum>);
-        const int here = unit * count * (kHeight * 2 * kSubpixels >> kUnitBits<Sum>)-area;
-        addTo(right[x], here);
-        addTo(right[x + 1], area);
-        if constexpr (kBothSides) {
-            addTo(left[x], -here);
-            addTo(left[x + 1], -area);
-        }
+    const int unit = (isLeft ? -line.sign : line.sign) * (kStepArea >> kUnitBits<Sum>);
+    const auto add = [&](int column, int units) {
+        addTo(right[column], unit * units);
+        if constexpr (kBothSides) addTo(left[column], -unit * units);
     };
     std::int64_t x = line.x;
     const std::int64_t slope = line.slope;
+    int rest = line.last + 1 - line.first;
+    int count = std::min(kSteps - (line.first & (kSteps - 1)), rest);
     while (true) {
-        const int end = std::min(line.last + 1, (row + 1) << kStepBits), count = end - y;
-        const std::int64_t lastX = x + slope * (count - 1);
-        const int from = static_cast<int>(x >> CountedLine::kFraction);
-        const int to = static_cast<int>(lastX >> CountedLine::kFraction);
-        const int column = from >> kStepBits, lastColumn = to >> kStepBits;
-        *styles |= styleBits;
+        const int from = static_cast<int>(x >> kFraction);
+        const int to = static_cast<int>((x + slope * (count - 1)) >> kFraction);
+        const int column = std::min(from, to) >> kStepBits, lastColumn = std::max(from, to) >> kStepBits;
+        *styles |= m_styleBits;
         // The last column's right neighbour is written to as well.
-        mark(bits, static_cast<unsigned>(std::min(column, lastColumn)) / kGroup,
-             static_cast<unsigned>(std::max(column, lastColumn) + 1) / kGroup);
-        if (column == lastColumn) {
+        mark(bits, static_cast<unsigned>(column) / kGroup, static_cast<unsigned>(lastColumn + 1) / kGroup);
+        if (lastColumn - column <= 1) {
             // Those beyond the line's end are looked at too: half the rows of a shape's short lines are not
-            // whole, and which is hard to foretell.
-            int steps = 0;
+            // whole, and which is hard to foretell. So is whether a row reaches a second column.
+            std::uint32_t parts = 0;
             for (int i = 0; i < kSteps; ++i) {
-                const int at = static_cast<int>((x + i * slope) >> CountedLine::kFraction);
-                steps += at & (kSteps - 1) & -static_cast<int>(i < count);
+                const int at = static_cast<int>((x + i * slope) >> kFraction) - (column << kStepBits);
+                parts += kPartsAt<kStepBits>[static_cast<std::size_t>(at & (2 * kSteps - 1))] &
+                         static_cast<std::uint32_t>(-static_cast<int>(i < count));
             }
+            add(column, static_cast<int>(parts & 0xFF));
+            add(column + 1, static_cast<int>(parts >> 8 & 0xFF));
+            add(column + 2, static_cast<int>(parts >> 16));
             x += count * slope;
-            add(column, count, steps);
         } else {
             for (int i = 0; i < count; ++i, x += slope) {
-                const int at = static_cast<int>(x >> CountedLine::kFraction);
-                add(at >> kStepBits, 1, at & (kSteps - 1));
+                const int at = static_cast<int>(x >> kFraction), steps = at & (kSteps - 1);
+                add(at >> kStepBits, kSteps - steps);
+                add((at >> kStepBits) + 1, steps);
             }
         }
-        if (end > line.last) return;
-        y = end;
-        ++row;
+        rest -= count;
+        if (rest == 0) return;
+        count = std::min(kSteps, rest);
         ++styles;
-        bits += words;
-        right += rowSize;
-        if constexpr (kBothSides) left += rowSize;
+        bits += m_wordsOfRow;
+        right += m_rowSize;
+        if constexpr (kBothSides) left += m_rowSize;
     }
 }
 
@@ -305,63 +326,6 @@ void DenseCells<Sum>::sweepShared(int x, std::size_t group, std::span<const std:
     }
 }
 
-// The same as sweepOne() and what a painter makes of it, with nothing kept in between.
-template <class Sum>
-void DenseCells<Sum>::paintOne(Sum* sums, FillRule rule, std::uint32_t color, std::uint32_t* to)
-{
-    std::int32_t carry = 0;
-    for (const Stretch& stretch : m_stretches) {
-        if (stretch.varies) {
-            const int count = stretch.end - stretch.begin;
-            laySolid(sums + stretch.begin, count, carry, rule, color, to + stretch.begin,
-                     m_width - stretch.begin);
-            continue;
-        }
-        const std::uint32_t coverage = toCoverage(insideArea(areaOf(carry), rule));
-        const int count = std::min(stretch.end, m_width) - stretch.begin;
-        if (coverage == 0 || count <= 0) continue;
-        composeSolid(to + stretch.begin, static_cast<std::size_t>(count),
-                     count <= kShortStretch ? scale255(color, toByte(coverage)) : scale256(color, coverage));
-    }
-}
-
-// The same for a paint that lays its colours itself. What hangs together is laid at once.
-template <class Sum>
-void DenseCells<Sum>::layOne(Sum* sums, FillRule rule, const Paint& paint, int left, int y, std::uint32_t* to)
-{
-    constexpr int kLong = 48; // evenly covered pixels worth a start of their own
-    std::int32_t carry = 0;
-    int begin = 0, end = 0; // of what is not laid yet
-    const auto layOpen = [&] {
-        const int last = std::min(end, m_width);
-        if (last > begin)
-            paint.lay(left + begin, y, m_coverage.data() + begin, static_cast<std::size_t>(last - begin),
-                      to + begin);
-        begin = end;
-    };
-    for (const Stretch& stretch : m_stretches) {
-        const auto count = static_cast<std::size_t>(stretch.end - stretch.begin);
-        std::uint8_t* coverages = m_coverage.data() + stretch.begin;
-        std::uint32_t coverage = 1;
-        if (stretch.varies)
-            takeCoverage(sums + stretch.begin, count, carry, rule, coverages);
-        else
-            coverage = toCoverage(insideArea(areaOf(carry), rule));
-        const int within = std::min(stretch.end, m_width) - stretch.begin;
-        const bool isAlone = !stretch.varies && coverage == kSubpixels && within >= kLong && paint.isOpaque();
-        if (coverage == 0 || isAlone) {
-            layOpen();
-            if (isAlone)
-                paint.fetch(left + stretch.begin, y, static_cast<std::size_t>(within), to + stretch.begin);
-            begin = stretch.end;
-        } else if (!stretch.varies) {
-            std::memset(coverages, toByte(coverage), count);
-        }
-        end = stretch.end;
-    }
-    layOpen();
-}
-
 // What a row of pixels will need of memory is asked for some rows ahead: pictures are larger than caches, and
 // the short pieces of a shape's rows are nothing that a processor would foresee.
 template <class Sum>
@@ -408,7 +372,7 @@ void DenseCells<Sum>::sweepRow(int row, int left, int y, FillRule rule, SpanSink
     const std::uint32_t styles = std::exchange(m_rowStyles[static_cast<std::size_t>(row)], 0);
     if (styles == 0) return;
     Sum* sums = m_sums.data() + static_cast<std::size_t>(row) * m_rowSize;
-    findStretches(m_bits.data() + static_cast<std::size_t>(row) * m_wordsOfRow);
+    std::uint64_t* bits = m_bits.data() + static_cast<std::size_t>(row) * m_wordsOfRow;
     const bool isSingle = (styles & (styles - 1)) == 0;
     const auto style = static_cast<std::uint32_t>(std::countr_zero(styles));
     if (isSingle && ground.pixels != nullptr) {
@@ -417,14 +381,20 @@ void DenseCells<Sum>::sweepRow(int row, int left, int y, FillRule rule, SpanSink
             m_plainColor = sink.plainColor(m_askedStyle);
             m_plainPaint = sink.plainPaint(m_askedStyle);
         }
+        Sum* const own = sums + style * m_styleSize;
+        std::uint32_t* const to = ground.at(left, y);
+        if (m_plainPaint != nullptr && layNear(own, bits, rule, *m_plainPaint, left, y, to)) return;
+        findStretches(bits);
         if (m_plainColor) {
-            paintOne(sums + style * m_styleSize, rule, *m_plainColor, ground.at(left, y));
+            paintOne(own, rule, *m_plainColor, to);
             return;
         }
         if (m_plainPaint != nullptr) {
-            layOne(sums + style * m_styleSize, rule, *m_plainPaint, left, y, ground.at(left, y));
+            layOne(own, rule, *m_plainPaint, left, y, to);
             return;
         }
+    } else {
+        findStretches(bits);
     }
     m_origin = left;
     m_spans.clear();

@@ -78,6 +78,8 @@ public:
 private:
     static constexpr unsigned kGroup = 8; ///< pixels
     static constexpr std::ptrdiff_t kNone = -1;
+    // Evenly covered pixels up to so many are told one by one with their neighbours.
+    static constexpr int kShortStretch = 16;
     // A stretch of groups that have their bit set, or of pixels between such.
     struct Stretch {
         int begin = 0, end = 0; ///< pixels
@@ -91,16 +93,13 @@ private:
     }
     static void mark(std::uint64_t* bits, unsigned first, unsigned last)
     {
-        constexpr std::uint64_t kAll = ~std::uint64_t{0};
-        const std::uint64_t from = kAll << (first % 64), upTo = kAll >> (63 - last % 64);
-        if (first / 64 == last / 64) {
-            bits[first / 64] |= from & upTo;
-            return;
-        }
-        bits[first / 64] |= from;
-        for (unsigned word = first / 64 + 1; word < last / 64; ++word) bits[word] = kAll;
-        bits[last / 64] |= upTo;
+        if (last < 64)
+            *bits |= (std::uint64_t{2} << last) - (std::uint64_t{1} << first);
+        else
+            markBeyond(bits, first, last);
     }
+    /// The same for rows of more than a word.
+    [[gnu::noinline]] static void markBeyond(std::uint64_t* bits, unsigned first, unsigned last);
     template <int kStepBits, bool kBothSides>
     void countSides(const CountedLine& line);
     // Inlined by order: a call of something that changes nothing is left out.
@@ -108,6 +107,8 @@ private:
     void sweepRow(int row, int left, int y, FillRule rule, SpanSink& sink, const PixelGround& ground);
     void paintOne(Sum* sums, FillRule rule, std::uint32_t color, std::uint32_t* to);
     void layOne(Sum* sums, FillRule rule, const Paint& paint, int left, int y, std::uint32_t* to);
+    bool layNear(Sum* sums, std::uint64_t* bits, FillRule rule, const Paint& paint, int left, int y,
+                 std::uint32_t* to);
     void findStretches(std::uint64_t* bits);
     void sweepOne(std::uint32_t style, Sum* sums, FillRule rule);
     void sweepSeveral(std::uint32_t styles, Sum* sums, FillRule rule);

@@ -246,6 +246,47 @@ TEST(ScanConverter, SamplesPixelCentresWithoutSmoothing)
             EXPECT_EQ(r.at(1, x, y), x >= 1 && x < 4 && y >= 1 && y < 4 ? 256U : 0U) << x << "," << y;
 }
 
+TEST(ScanConverter, CountsSamplesTheSameHoweverCellsAreKept)
+{
+    std::mt19937 random(5);
+    // The last one needs more than a word to tell its groups of pixels.
+    constexpr int kWidths[] = {1, 9, 40, 700};
+    for (int round = 0; round < 200; ++round) {
+        const IntRect clip{2, 3, 2 + kWidths[static_cast<std::size_t>(round) % std::size(kWidths)], 30};
+        const Coverage coverage = round % 3 == 0 ? Coverage::Grid2 : Coverage::Grid4;
+        // Some reach beyond the clip, which is gone about otherwise.
+        const int beyond = round % 5 == 0 ? 20 : 0, steps = coverage == Coverage::Grid4 ? 4 : 2;
+        const auto place = [&](int size) {
+            const auto range = static_cast<unsigned>((size + 2 * beyond) * steps);
+            return static_cast<int>(random() % range) - beyond * steps;
+        };
+        Recorder dense(clip, 2), sparse(clip, 2);
+        ScanConverter converters[2];
+        converters[0].begin(clip, coverage, 2);
+        converters[1].begin(clip, coverage, kManyStyles);
+        // Two outlines: of one style, and between two.
+        for (const std::uint32_t left : {0U, 2U}) {
+            for (ScanConverter& converter : converters) converter.setStyles(left, 1);
+            const int startX = place(clip.width()), startY = place(clip.height());
+            int x = startX, y = startY;
+            for (int corner = 0; corner < 7; ++corner) {
+                const int nextX = corner == 6 ? startX : place(clip.width());
+                const int nextY = corner == 6 ? startY : place(clip.height());
+                for (ScanConverter& converter : converters) converter.lineOnGrid(x, y, nextX, nextY);
+                x = nextX;
+                y = nextY;
+            }
+        }
+        converters[0].sweep(FillRule::EvenOdd, dense);
+        converters[1].sweep(FillRule::EvenOdd, sparse);
+        for (std::uint32_t style = 1; style <= 2; ++style)
+            for (int y = clip.top; y < clip.bottom; ++y)
+                for (int x = clip.left; x < clip.right; ++x)
+                    ASSERT_NEAR(dense.at(style, x, y), sparse.at(style, x, y), 1)
+                        << round << ": " << style << " at " << x << "," << y;
+    }
+}
+
 TEST(ScanConverter, SaysWhenItIsOverfullAndRecovers)
 {
     ScanConverter converter;
