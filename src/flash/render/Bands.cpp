@@ -1,6 +1,7 @@
 #include "flash/render/Bands.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <ctime>
 #include <system_error>
@@ -14,8 +15,16 @@ namespace
 // A thread is woken in some hundredths of a millisecond, and outlines that cross the border are converted
 // twice: what takes little gains nothing.
 constexpr double kHeavyMs = 5, kLightMs = 3;
+// Below, frames are not timed exactly. One that then takes long must exceed it.
+constexpr double kTinyMs = 0.5;
 // How much of a new measurement counts.
 constexpr double kNew = 0.25;
+
+double clockMs()
+{
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
 
 } // namespace
 
@@ -45,6 +54,18 @@ Bands::~Bands()
 int Bands::divide(int top, int bottom) const
 {
     return top + static_cast<int>(std::lround((bottom - top) * m_upperShare));
+}
+
+FrameStart Bands::start() const
+{
+    if (m_ms > kTinyMs) return {processorTimeMs(), true};
+    return {clockMs(), false};
+}
+
+void Bands::noteFrame(const FrameStart& since)
+{
+    // The clock went on while other programs ran: much of it is only a reason to look closer from now on.
+    noteFrame(since.isExact ? processorTimeMs() - since.ms : std::min(clockMs() - since.ms, kLightMs));
 }
 
 void Bands::noteFrame(double ms)

@@ -30,7 +30,10 @@ public:
     [[nodiscard]] int divide(int top, int bottom) const;
     [[nodiscard]] RenderCache& lowerCache() { return m_lowerCache; }
 
-    /// Work on a frame by one thread.
+    /// Where work on a frame by one thread begins; exact where frames have lately taken long enough for it to
+    /// matter.
+    [[nodiscard]] FrameStart start() const;
+    void noteFrame(const FrameStart& since);
     /// @param ms of processor time
     void noteFrame(double ms);
     /// Does both, the lower one on the other thread if it can be had, and returns when both are done.

@@ -139,7 +139,7 @@ private:
     class Impl;
     std::unique_ptr<Impl> m_impl;
     std::unique_ptr<Recording> m_recording; ///< of a frame that two threads will draw
-    std::optional<double> m_frameStart;     ///< of a frame that is drawn at once
+    std::optional<FrameStart> m_frameStart; ///< of a frame that is drawn at once
 };
 
 /// The device pixels that a rectangle in twips can touch, with one pixel more all around for edge smoothing

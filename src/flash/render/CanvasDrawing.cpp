@@ -278,7 +278,8 @@ bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph,
         return static_cast<int>(whole);
     };
     const int x = split(near.tx), y = split(near.ty);
-    std::shared_ptr<const Mask> letter = m_cache.impl().findLetter(glyph.outline, near);
+    const Mask* letter = m_cache.impl().findLetter(glyph.outline, near);
+    std::shared_ptr<const Mask> fresh;
     if (letter == nullptr) {
         constexpr int kMax = 64;
         const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(near));
@@ -293,8 +294,9 @@ bool Canvas::Impl::layLetter(const Destination& to, const GlyphPlacement& glyph,
         into.building = &made;
         for (std::size_t i = 0; i < flat->layers.size(); ++i)
             m_drawer.silhouette(into, flat->layers[i], near, fillRuleOf(glyph.outline->layers[i]));
-        letter = std::make_shared<const Mask>(std::move(made));
-        m_cache.impl().keepLetter(glyph.outline, near, letter);
+        fresh = std::make_shared<const Mask>(std::move(made));
+        letter = fresh.get();
+        m_cache.impl().keepLetter(glyph.outline, near, fresh);
     }
     const IntRect& at = letter->bounds;
     const IntRect area = intersect(to.clip, {at.left + x, at.top + y, at.right + x, at.bottom + y});

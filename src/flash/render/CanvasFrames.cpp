@@ -15,13 +15,13 @@ void Canvas::beginFrame()
     if (bands->isWorthIt())
         m_recording = std::make_unique<Recording>(m_impl->m_target.bounds());
     else
-        m_frameStart = processorTimeMs();
+        m_frameStart = bands->start();
 }
 
 void Canvas::endFrame()
 {
     Bands* bands = m_impl->m_cache.bands();
-    if (m_frameStart && bands != nullptr) bands->noteFrame(processorTimeMs() - *m_frameStart);
+    if (m_frameStart && bands != nullptr) bands->noteFrame(*m_frameStart);
     m_frameStart.reset();
     if (m_recording == nullptr || bands == nullptr) return;
     const std::unique_ptr<Recording> recording = std::move(m_recording);
@@ -40,7 +40,7 @@ void Canvas::endFrame()
 /// All that was put off, in one piece, and what comes after it at once.
 void Canvas::drawKept()
 {
-    m_frameStart = processorTimeMs();
+    if (const Bands* bands = m_impl->m_cache.bands()) m_frameStart = bands->start();
     const std::unique_ptr<Recording> recording = std::move(m_recording);
     recording->replay(*this);
 }

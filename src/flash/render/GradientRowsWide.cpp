@@ -112,10 +112,12 @@ ZORVEX_WIDE void layGroups(const std::uint32_t* ramp, const GradientRow& row, st
         const std::uint64_t coverages = wide8::eightCoverages(coverage);
         if (coverages == 0) continue;
         const __m256i colors = colorsOf(ramp, entriesAt<kForm, kSpread>(places, index));
-        if (coverages == ~std::uint64_t{0} && wide8::areOpaque(colors))
-            wide8::store(to, colors);
-        else
+        if (coverages != ~std::uint64_t{0})
             wide8::store(to, laid(coverages, colors, wide8::load(to)));
+        else if (wide8::areOpaque(colors))
+            wide8::store(to, colors);
+        else if (_mm256_testz_si256(colors, colors) == 0)
+            wide8::store(to, wide8::over(wide8::channelsOf(colors), wide8::load(to)));
     }
     if (count == 0) return;
     const __m256i wanted = wide8::firstOf(count);

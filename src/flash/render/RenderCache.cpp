@@ -32,20 +32,27 @@ RenderCache::Impl::Entry* RenderCache::Impl::find(const Key& key)
     const auto found = m_entries.find(key);
     if (found == m_entries.end()) return nullptr;
     if (found->second.owner.expired()) {
-        m_used -= found->second.bytes;
-        m_entries.erase(found);
+        drop(found);
         return nullptr;
     }
     found->second.lastUse = ++m_clock;
     return &found->second;
 }
 
+void RenderCache::Impl::drop(std::unordered_map<Key, Entry, KeyHash>::iterator at)
+{
+    m_letters.clear();
+    m_used -= at->second.bytes;
+    m_entries.erase(at);
+}
+
 void RenderCache::Impl::insert(const Key& key, Entry entry)
 {
     entry.lastUse = ++m_clock;
     entry.bytes += sizeof(Key) + sizeof(Entry);
+    if (const auto found = m_entries.find(key); found != m_entries.end()) drop(found);
     m_used += entry.bytes;
-    m_entries.insert_or_assign(key, std::move(entry));
+    m_entries.emplace(key, std::move(entry));
     if (m_used > m_budget)
         makeRoom();
     else if (m_used > m_lookAgainAt)
@@ -56,6 +63,7 @@ void RenderCache::Impl::insert(const Key& key, Entry entry)
 void RenderCache::Impl::dropDead()
 {
     constexpr std::size_t kLittleBytes = std::size_t{1} << 20;
+    m_letters.clear();
     std::erase_if(m_entries, [this](const auto& item) {
         if (!item.second.owner.expired()) return false;
         m_used -= item.second.bytes;
@@ -76,9 +84,7 @@ void RenderCache::Impl::makeRoom()
     std::ranges::sort(byAge, {}, &std::pair<std::uint64_t, Key>::first);
     for (const auto& [use, key] : byAge) {
         if (m_used <= goal) return;
-        const auto found = m_entries.find(key);
-        m_used -= found->second.bytes;
-        m_entries.erase(found);
+        drop(m_entries.find(key));
     }
 }
 
@@ -110,11 +116,15 @@ void RenderCache::Impl::keepStrokes(const std::shared_ptr<const swf::Shape>& sha
            {.owner = shape, .made = std::move(strokes), .bytes = bytes});
 }
 
-std::shared_ptr<const Mask> RenderCache::Impl::findLetter(const std::shared_ptr<const swf::Shape>& outline,
-                                                          const swf::Matrix& m)
+const Mask* RenderCache::Impl::findLetter(const std::shared_ptr<const swf::Shape>& outline,
+                                          const swf::Matrix& m)
 {
+    if (const Mask* mask = m_letters.find(outline, m)) return mask;
     const Entry* entry = find({outline.get(), Kind::Letter, m.a, m.b, m.c, m.d, m.tx, m.ty});
-    return entry == nullptr ? nullptr : std::get<std::shared_ptr<const Mask>>(entry->made);
+    if (entry == nullptr) return nullptr;
+    const Mask* mask = std::get<std::shared_ptr<const Mask>>(entry->made).get();
+    m_letters.keep(outline, m, mask);
+    return mask;
 }
 
 void RenderCache::Impl::keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& m,

@@ -12,6 +12,13 @@ enum class SecondThread : std::uint8_t { Never, WhenHeavy, Always };
 
 class Bands;
 
+/// When drawing began: by the processor's time for this thread (exact), or by a clock, which unlike that is
+/// no call of the system.
+struct FrameStart {
+    double ms = 0;
+    bool isExact = false;
+};
+
 /// Outlines flattened for a scale, and gradient ramps, kept from frame to frame. One per stage; not to be
 /// shared between threads. Entries of shapes that no longer exist are dropped, and the least recently used
 /// ones when the budget is spent.

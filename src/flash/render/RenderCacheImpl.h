@@ -1,6 +1,7 @@
 #pragma once
 
 #include "flash/render/Flatten.h"
+#include "flash/render/LetterSlots.h"
 #include "flash/render/OutlineDrawer.h"
 #include "flash/render/Paint.h"
 #include "flash/render/RampCache.h"
@@ -49,9 +50,10 @@ public:
     void keepStrokes(const std::shared_ptr<const swf::Shape>& shape, const swf::Matrix& linear,
                      StrokeScale scale, std::shared_ptr<const StrokedShape> strokes);
 
-    /// The coverage of a letter's outline, placed by `matrix` near (0, 0); null when there is none yet.
-    std::shared_ptr<const Mask> findLetter(const std::shared_ptr<const swf::Shape>& outline,
-                                           const swf::Matrix& matrix);
+    /// The coverage of a letter's outline, placed by `matrix` near (0, 0), as long as nothing is asked for;
+    /// null when there is none yet.
+    /// @param matrix moves by whole subpixels, within the first pixel
+    const Mask* findLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& matrix);
     void keepLetter(const std::shared_ptr<const swf::Shape>& outline, const swf::Matrix& matrix,
                     std::shared_ptr<const Mask> mask);
 
@@ -94,6 +96,7 @@ private:
     };
     Entry* find(const Key& key);
     void insert(const Key& key, Entry entry);
+    void drop(std::unordered_map<Key, Entry, KeyHash>::iterator at);
     void makeRoom();
     void dropDead();
 
@@ -103,6 +106,7 @@ private:
     std::size_t m_lookAgainAt = 0; ///< bytes in use with which dead ones may have become many
     std::uint64_t m_clock = 0;
     std::unordered_map<Key, Entry, KeyHash> m_entries;
+    LetterSlots m_letters; ///< of what entries hold
     StampCache m_stamps;
     TintedRamps m_tintedRamps;
 };

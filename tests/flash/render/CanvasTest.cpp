@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <utility>
 
 namespace flash::render
@@ -642,6 +643,35 @@ TEST(RenderCache, DropsDeadShapesAndKeepsToItsBudget)
         ASSERT_LE(cache.usedBytes(), std::size_t{64} << 10);
     }
     EXPECT_EQ(surface.pixel(40, 20), kRed);
+}
+
+// Letters of shapes that come and go, some where a dead one lay, in a cache that has no room for all.
+TEST(RenderCache, DrawsNoLetterOfAnother)
+{
+    RenderCache cache(48 << 10);
+    std::vector<std::shared_ptr<const swf::Shape>> alive;
+    std::mt19937 random(3);
+    for (int round = 0; round < 3000; ++round) {
+        if (alive.size() < 20) {
+            const double width = 1 + random() % 40 / 4.0, height = 1 + random() % 40 / 4.0;
+            alive.push_back(shapeOf(
+                {{solid(0, 0, 0)}, {}, {run({{0, 0}, {width, 1}, {width / 2, height}, {0, 0}}, 0, 1)}}));
+        }
+        const std::size_t which = random() % alive.size();
+        const auto place = [&] { return random() % 5 * 2.5; };
+        const GlyphPlacement glyph{alive[which], kStage * swf::Matrix{1, 0, 0, 1, place(), place()}};
+        Picture fresh(16, 16);
+        fresh.canvas.drawGlyphs({&glyph, 1}, {0, 0, 0, 255});
+        Surface surface(16, 16);
+        Canvas canvas(surface.view(), Quality::High, cache);
+        canvas.clear({255, 255, 255, 255});
+        canvas.drawGlyphs({&glyph, 1}, {0, 0, 0, 255});
+        for (int y = 0; y < 16; ++y)
+            for (int x = 0; x < 16; ++x)
+                ASSERT_EQ(surface.pixel(x, y), fresh.at(x, y)) << round << ": " << x << "," << y;
+        if (random() % 8 == 0) alive.erase(alive.begin() + static_cast<std::ptrdiff_t>(which));
+    }
+    EXPECT_LE(cache.usedBytes(), std::size_t{48} << 10);
 }
 
 TEST(RenderCache, ForgetsDeadShapesLongBeforeItsBudgetIsSpent)
