@@ -18,6 +18,8 @@ namespace
 constexpr std::size_t kMaxSums = std::size_t{2} << 20;
 // Pixels without a number of their own, up to so many between others, are cheaper converted than told apart.
 constexpr int kShortGap = 16;
+// Pixels beyond the right border that lines there touch, the last one with nothing.
+constexpr std::size_t kBeyond = 3;
 
 // What a sample at each place within two neighbouring pixels adds to them and to the next one, a byte each,
 // the first pixel's the lowest. Of a row of samples through a pixel, so many units as it has steps, what lies
@@ -40,7 +42,7 @@ std::size_t roundedUp(std::size_t value, std::size_t unit) { return (value + uni
 template <class Sum>
 bool DenseCells<Sum>::suits(int width, int height, std::uint32_t styles)
 {
-    return styles <= kMaxStyles && roundedUp(static_cast<std::size_t>(width) + 2, kGroup) *
+    return styles <= kMaxStyles && roundedUp(static_cast<std::size_t>(width) + kBeyond, kGroup) *
                                            static_cast<std::size_t>(height) * styles <=
                                        kMaxSums;
 }
@@ -51,8 +53,7 @@ void DenseCells<Sum>::begin(int width, int height, std::uint32_t styles)
     const auto rows = static_cast<std::size_t>(height);
     m_width = width;
     m_styles = styles;
-    // Lines at the right border touch two pixels beyond.
-    m_styleSize = roundedUp(static_cast<std::size_t>(width) + 2, kGroup);
+    m_styleSize = roundedUp(static_cast<std::size_t>(width) + kBeyond, kGroup);
     m_rowSize = m_styleSize * styles;
     m_wordsOfRow = roundedUp(m_styleSize / kGroup, 64) / 64;
     if (m_sums.size() < m_rowSize * rows) m_sums.resize(m_rowSize * rows);
