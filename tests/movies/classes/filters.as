@@ -23,3 +23,8 @@ glow.blurX = 1;
 trace(clip.filters.length + " " + clip.filters[0].blurY + " " + clip.filters[1].blurX + " " + (clip.filters[1] instanceof flash.filters.GlowFilter));
 clip.filters = null;
 trace(clip.filters.length);
+
+// Loops see what made a filter, as in no other class.
+var members = "";
+for (var member in new flash.filters.BlurFilter(1)) members += " " + member;
+trace(members);

@@ -31,9 +31,7 @@ public:
     void trace(std::u16string_view text) override;
     void log(std::string_view text) override;
     void reportError(std::u16string_view text) override;
-    /// @returns whether the movie was made for players later than version 9, which show errors among the
-    /// traces and differ in a few more ways
-    [[nodiscard]] bool isOfLaterPlayers() const;
+    [[nodiscard]] bool isOfLaterPlayers() const override;
     double timeMs() override;
     double wallClockMs() override;
     std::uint32_t random() override;

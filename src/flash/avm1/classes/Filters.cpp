@@ -38,8 +38,8 @@ Value constructFilter(Call& call)
     Object* self = call.self.asObject();
     if (self == nullptr || !call.isConstruct) return {};
     auto& filter = self->attachNew<FilterNative>(Kind);
-    // Made without arguments, seen by loops, unlike those of other classes.
-    if (Kind != FilterKind::Base && call.count() == 0)
+    // Players up to version 9 let loops see it, unlike those of other classes.
+    if (Kind != FilterKind::Base && !call.vm.host().isOfLaterPlayers())
         self->changeFlags(call.vm, call.vm.common().constructorInternal, 0, kDontEnum | kFrom6);
     const auto properties = filterProperties(Kind);
     for (std::size_t i = 0; i < properties.size() && i < call.count(); ++i)

@@ -54,6 +54,9 @@ public:
 
     /// The 8-bit code that scripts before version 6 and texts without a mark are read and written in.
     [[nodiscard]] virtual const base::TextCode& textCode() const { return base::TextCode::ansi(); }
+    /// @returns whether the movie was made for players later than version 9, which show errors among the
+    /// traces and differ in a few more ways
+    [[nodiscard]] virtual bool isOfLaterPlayers() const { return false; }
 
     // ---- outputs and inputs ------------------------------------------------------------------------------
     virtual void trace(std::u16string_view text) = 0;
