@@ -159,8 +159,8 @@ void Canvas::Impl::setSingleStyle(StylePaint paint)
     m_drawer.styles().push_back(std::move(paint));
 }
 
-// Without smoothed edges the genuine player flattens a shape once, for its own size, however large the movie
-// shows it. A larger window is not the movie's doing.
+// Without smoothed edges the genuine player flattens a shape or a letter once, for its own size, however
+// large the movie shows it. A larger window is not the movie's doing.
 int Canvas::Impl::flatteningStep(Coverage coverage, const swf::Matrix& toDevice) const
 {
     if (coverage != Coverage::Sampled) return scaleStep(toDevice);
@@ -260,7 +260,8 @@ void Canvas::Impl::drawGlyphs(std::span<const GlyphPlacement> glyphs, swf::Rgba 
     for (const GlyphPlacement& glyph : glyphs) {
         if (glyph.outline == nullptr || !isUsable(glyph.toDevice)) continue;
         if (to.coverage == Coverage::Exact && to.building == nullptr && layLetter(to, glyph, pixel)) continue;
-        const auto flat = m_cache.impl().flatShape(glyph.outline, scaleStep(glyph.toDevice));
+        const auto flat =
+            m_cache.impl().flatShape(glyph.outline, flatteningStep(to.coverage, glyph.toDevice));
         for (std::size_t i = 0; i < flat->layers.size(); ++i)
             m_drawer.silhouette(to, flat->layers[i], glyph.toDevice, fillRuleOf(glyph.outline->layers[i]));
     }

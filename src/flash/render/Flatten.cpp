@@ -67,6 +67,19 @@ private:
     double m_first = 0, m_last = 0, m_start = 0, m_span = 1, m_lines = 0;
 };
 
+// A curve that nowhere bulges more than that from the line between its ends, nor reaches beyond them. The
+// count of lines above is an estimate, which makes two of some curves that one line is near enough to.
+bool isNearlyStraight(swf::Point from, swf::Point control, swf::Point to, double tolerance)
+{
+    const double chordX = to.x - from.x, chordY = to.y - from.y;
+    const double controlX = control.x - from.x, controlY = control.y - from.y;
+    const double square = chordX * chordX + chordY * chordY;
+    const double along = controlX * chordX + controlY * chordY;
+    if (!(along >= 0 && along <= square)) return false;
+    // At its middle the curve is half as far away as its control point.
+    return std::abs(controlX * chordY - controlY * chordX) <= 2 * tolerance * std::sqrt(square);
+}
+
 class Flattener
 {
 public:
@@ -79,8 +92,11 @@ public:
         const double toX = edge.anchorX, toY = edge.anchorY;
         if (edge.curved) {
             const double cx = edge.controlX, cy = edge.controlY;
-            const Parabola curve({fromX, fromY}, {cx, cy}, {toX, toY});
-            const double wanted = std::ceil(curve.linesWithin(kTolerance / m_scale));
+            const double tolerance = kTolerance / m_scale;
+            const swf::Point from{fromX, fromY}, control{cx, cy}, to{toX, toY};
+            if (isNearlyStraight(from, control, to, tolerance)) return add(toX, toY, true);
+            const Parabola curve(from, control, to);
+            const double wanted = std::ceil(curve.linesWithin(tolerance));
             const auto lines =
                 static_cast<std::size_t>(std::clamp(wanted, 1.0, static_cast<double>(m_mostLines)));
             const double slopeX = 2 * (cx - fromX), slopeY = 2 * (cy - fromY);

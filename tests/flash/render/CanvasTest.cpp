@@ -1,4 +1,5 @@
 #include "Shapes.h"
+#include "flash/render/Flatten.h"
 #include "flash/render/Stroker.h"
 
 #include <gtest/gtest.h>
@@ -238,7 +239,7 @@ TEST(Canvas, LowQualityPaintsPixelsWhoseCentreIsInside)
         for (int x = 0; x < 4; ++x) EXPECT_EQ(picture.at(x, y), x < 2 && y < 2 ? kRed : kWhite);
 }
 
-TEST(Canvas, LowQualityFlattensShapesOnceForTheirOwnSize)
+TEST(Canvas, LowQualityFlattensShapesAndLettersOnceForTheirOwnSize)
 {
     // An arch of one pixel's height, drawn eighty times as large: its chords are seen.
     swf::EdgeRun arch = run({{0, 2}, {0, 1}}, 0, 1);
@@ -246,10 +247,14 @@ TEST(Canvas, LowQualityFlattensShapesOnceForTheirOwnSize)
     arch.edges.push_back(lineTo(2, 2));
     arch.edges.push_back(lineTo(0, 2));
     const auto shape = shapeOf({{solid(255, 0, 0)}, {}, {arch}});
-    const auto heightAt = [&](Quality quality, double zoom, int x) {
+    const auto heightAt = [&](Quality quality, double zoom, int x, bool isLetter = false) {
         Picture picture(160, 160, {255, 255, 255, 255}, quality);
         picture.canvas.setPixelScale(zoom);
-        picture.canvas.drawShape(shape, twipsToPixels({80, 0, 0, 80, 0, 0}));
+        const GlyphPlacement letter{shape, twipsToPixels({80, 0, 0, 80, 0, 0})};
+        if (isLetter)
+            picture.canvas.drawGlyphs({&letter, 1}, {255, 0, 0, 255});
+        else
+            picture.canvas.drawShape(shape, letter.toDevice);
         int height = 0;
         while (height < 160 && picture.at(x, 159 - height) == kRed) ++height;
         return height;
@@ -257,8 +262,26 @@ TEST(Canvas, LowQualityFlattensShapesOnceForTheirOwnSize)
     // The curve is at 105 there, a chord between its ends and its middle eight pixels or more below.
     EXPECT_NEAR(heightAt(Quality::High, 1, 30), 104, 2);
     EXPECT_LT(heightAt(Quality::Low, 1, 30), 101);
+    EXPECT_EQ(heightAt(Quality::Low, 1, 30, true), heightAt(Quality::Low, 1, 30));
+    EXPECT_NEAR(heightAt(Quality::High, 1, 30, true), 104, 2);
     // A window that is larger shows more of it.
     EXPECT_NEAR(heightAt(Quality::Low, 80, 30), 104, 2);
+}
+
+TEST(Canvas, CurvesNearEnoughToOneLineAreOne)
+{
+    // From (0, 0) by a control point to (4430, -5620): how many points stand for it. It bulges by a quarter of
+    // what the control point lies beyond the middle twice, across the line: 0.098 pixels for ten twips.
+    const auto pointsFor = [](int controlX, int controlY) {
+        swf::EdgeRun curve = run({{0, 0}}, 0, 1);
+        curve.edges.push_back({true, controlX, controlY, 4430, -5620});
+        return flatten(*shapeOf({{solid(0, 0, 0)}, {}, {curve}}), 0).layers[0].points.size();
+    };
+    EXPECT_EQ(pointsFor(2215, -2810), 2U);
+    EXPECT_EQ(pointsFor(2220, -2810), 2U);
+    EXPECT_EQ(pointsFor(2225, -2810), 3U);
+    // On the line, but beyond its end: there and back is flat too, and one that turns back beside it is not.
+    EXPECT_GT(pointsFor(4430 + 800, -5620 - 980), 2U);
 }
 
 TEST(Canvas, BoxesOfFieldsKeepTheirSizeOnWholePixels)
