@@ -14,6 +14,7 @@ namespace
 {
 /// The first version in which what is inserted leaves the place where it was, and a text stays one.
 constexpr int kMovesNodes = 21;
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 void insertAt(Call& call, XmlNode& parent, std::size_t index, Value value)
 {
@@ -22,11 +23,13 @@ void insertAt(Call& call, XmlNode& parent, std::size_t index, Value value)
         added = list->nodes;
     else
         added.push_back(contentNode(call.vm, value));
-    for (XmlNode* node : added) {
+    for (XmlNode*& node : added) {
+        // An attribute gives its text, and stays where it is.
+        if (node->kind == XmlNode::Kind::Attribute)
+            node = contentNode(call.vm, Value(call.vm.string(node->text)));
         if (isWithin(&parent, node))
             call.vm.throwError(ErrorClass::Type, 1118, "Illegal cyclical loop between nodes.");
-        if (node->parent != nullptr && node->kind != XmlNode::Kind::Attribute &&
-            call.vm.apiVersion() >= kMovesNodes) {
+        if (node->parent != nullptr && call.vm.apiVersion() >= kMovesNodes) {
             const auto at = std::ranges::find(node->parent->children, node);
             if (node->parent == &parent && at - parent.children.begin() < static_cast<std::ptrdiff_t>(index))
                 --index;
@@ -37,6 +40,18 @@ void insertAt(Call& call, XmlNode& parent, std::size_t index, Value value)
     parent.children.insert(parent.children.begin() +
                                static_cast<std::ptrdiff_t>(std::min(index, parent.children.size())),
                            added.begin(), added.end());
+}
+
+/// What is assigned rather than moved: markup as a copy of its own.
+Value copied(Vm& vm, Value value)
+{
+    if (auto* list = as<XmlListObject>(value)) {
+        auto* copy = newXmlList(vm);
+        for (const XmlNode* node : list->nodes) copy->nodes.push_back(copyOf(vm, *node));
+        return Value(copy);
+    }
+    const XmlNode* node = nodeOf(value);
+    return node != nullptr ? xmlValue(vm, copyOf(vm, *node)) : value;
 }
 
 } // namespace
@@ -92,23 +107,30 @@ Value insertChildAfter(Call& call) { return insertChild<1>(call); }
 Value setChildren(Call& call)
 {
     XmlNode& node = one(call);
+    const Value content = copied(call.vm, call.arg(0));
     for (XmlNode* old : node.children) old->parent = nullptr;
     node.children.clear();
-    insertAt(call, node, 0, call.arg(0));
+    insertAt(call, node, 0, content);
     return call.self;
 }
 Value replace(Call& call)
 {
     XmlNode& node = one(call);
+    if (node.kind != XmlNode::Kind::Element) return call.self;
     const Multiname name = nameArg(call, 0);
-    std::size_t first = node.children.size();
+    // A text of digits is an index, too. One behind the end appends; a name that nothing has changes nothing.
+    std::uint32_t index = name.index;
+    if (index == Atom::kNotIndex && !name.name.isNull()) index = name.name.arrayIndex();
+    const bool isIndex = index != Atom::kNotIndex;
+    const Value content = copied(call.vm, call.arg(1));
+    std::size_t first = isIndex ? node.children.size() : kNone;
     for (std::size_t i = node.children.size(); i-- > 0;) {
-        if (name.index != Atom::kNotIndex ? i != name.index : !matches(name, *node.children[i])) continue;
+        if (isIndex ? i != index : !matches(name, *node.children[i])) continue;
         node.children[i]->parent = nullptr;
         node.children.erase(node.children.begin() + static_cast<std::ptrdiff_t>(i));
         first = i;
     }
-    if (first <= node.children.size()) insertAt(call, node, first, call.arg(1));
+    if (first != kNone) insertAt(call, node, first, content);
     return call.self;
 }
 

@@ -1,6 +1,7 @@
 #include "flash/avm2/classes/XmlMethods.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace flash::avm2::classes
 {
@@ -136,28 +137,61 @@ XmlNode::Declaration declarationArg(Call& call)
     return {Value(),
             call.vm.ns(Namespace::Kind::Public, call.vm.names().intern(call.vm.toString(call.arg(0))))};
 }
+std::u16string_view prefixOf(const XmlNode::Declaration& declaration)
+{
+    return declaration.prefix.isString() ? declaration.prefix.string()->view() : std::u16string_view();
+}
+
+/// Declares a namespace at an element. A prefix stands for one namespace: what bore it for another loses it.
+void declare(XmlNode& element, const XmlNode::Declaration& declaration)
+{
+    // Without a prefix there is nothing to declare.
+    if (element.kind != XmlNode::Kind::Element || !declaration.prefix.isString()) return;
+    const std::u16string_view prefix = prefixOf(declaration);
+    const auto release = [&](XmlNode& node) {
+        if (node.ns != declaration.ns && node.prefix.isString() && node.prefix.string()->view() == prefix)
+            node.prefix = {};
+    };
+    release(element);
+    for (XmlNode* attribute : element.attributes) release(*attribute);
+    for (auto& known : element.declarations) {
+        if (known.prefix.isString() && prefixOf(known) == prefix) {
+            known.ns = declaration.ns;
+            return;
+        }
+    }
+    element.declarations.push_back(declaration);
+}
+
+/// Takes a declaration from an element and all below it, but not from those that are named by it.
+void withdraw(XmlNode& top, const XmlNode::Declaration& declaration)
+{
+    const auto isMeant = [&](const XmlNode::Declaration& known) {
+        if (known.ns != declaration.ns) return false;
+        return !declaration.prefix.isString() || prefixOf(known) == prefixOf(declaration);
+    };
+    // Documents may be as deep as they like: no recursion.
+    std::vector<XmlNode*> open{&top};
+    while (!open.empty()) {
+        XmlNode& node = *open.back();
+        open.pop_back();
+        const auto isNamedByIt = [&](const XmlNode* named) { return named->ns == declaration.ns; };
+        if (node.kind != XmlNode::Kind::Element || isNamedByIt(&node) ||
+            std::ranges::any_of(node.attributes, isNamedByIt))
+            continue;
+        std::erase_if(node.declarations, isMeant);
+        open.insert(open.end(), node.children.begin(), node.children.end());
+    }
+}
 } // namespace
 Value addNamespace(Call& call)
 {
-    XmlNode& node = one(call);
-    const auto declaration = declarationArg(call);
-    // Without a prefix there is nothing to declare.
-    if (!declaration.prefix.isString()) return call.self;
-    for (auto& known : node.declarations) {
-        if (known.prefix.isString() && declaration.prefix.isString() &&
-            known.prefix.string()->view() == declaration.prefix.string()->view()) {
-            known.ns = declaration.ns;
-            return call.self;
-        }
-    }
-    if (node.kind == XmlNode::Kind::Element) node.declarations.push_back(declaration);
+    declare(one(call), declarationArg(call));
     return call.self;
 }
 Value removeNamespace(Call& call)
 {
-    XmlNode& node = one(call);
-    const auto declaration = declarationArg(call);
-    std::erase_if(node.declarations, [&](const auto& known) { return known.ns == declaration.ns; });
+    withdraw(one(call), declarationArg(call));
     return call.self;
 }
 Value setNamespace(Call& call)
@@ -168,8 +202,7 @@ Value setNamespace(Call& call)
     node.ns = declaration.ns;
     node.prefix = declaration.prefix;
     XmlNode* element = node.kind == XmlNode::Kind::Attribute ? node.parent : &node;
-    if (element != nullptr && declaration.prefix.isString() && !declaration.ns->uri.view().empty())
-        element->declarations.push_back(declaration);
+    if (element != nullptr && !declaration.ns->uri.view().empty()) declare(*element, declaration);
     return {};
 }
 } // namespace xml

@@ -24,8 +24,9 @@ std::u16string typeName(Vm& vm, Value value)
 std::u16string Vm::nameText(const Multiname& name)
 {
     if (name.index != Atom::kNotIndex) return numberText(name.index);
-    if (name.size() == 1) return qualified(name.at(0), name.name);
-    return name.name.isNull() ? u"*" : std::u16string(name.name.view());
+    const std::u16string mark(name.attribute ? u"@" : u"");
+    if (name.size() == 1) return mark + qualified(name.at(0), name.name);
+    return mark + (name.name.isNull() ? u"*" : std::u16string(name.name.view()));
 }
 
 void Vm::throwNull(Value base)
@@ -153,7 +154,8 @@ Value Vm::get(Value base, const Multiname& given)
         }
     }
     throwError(ErrorClass::Reference, 1069,
-               u"Property " + (name.hasPublic() ? std::u16string(name.name.view()) : nameText(name)) +
+               u"Property " +
+                   (name.hasPublic() && !name.attribute ? std::u16string(name.name.view()) : nameText(name)) +
                    u" not found on " + typeName(*this, base) + u" and there is no default value.");
 }
 

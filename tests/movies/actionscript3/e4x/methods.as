@@ -108,3 +108,19 @@ for each (var i:XML in walked.i) {
 trace(count, walked.i.length());
 for (var key:String in walked.i) delete walked.i[0];
 trace(walked.i.length() < 6);
+
+// ---- what is put in the place of something is a copy; what is inserted is the thing itself ----
+var part:XML = <n/>;
+var whole:XML = <a id="1"><b/><b/><c/></a>;
+whole.replace("b", part);
+whole.insertChildBefore(whole.c[0], part);
+part.@late = "yes";
+trace(whole.toXMLString(), part.parent() === whole);
+whole.replace("1", "text").replace("none", <lost/>).replace(9, <end/>).replace("end", whole.@id);
+trace(whole.toXMLString());
+whole.setChildren(part);
+part.@late = "no";
+whole.appendChild(whole.@id);
+trace(whole.toXMLString(), whole.@id.length());
+trace(id(function():* { return whole.none.name(); }), id(function():* { return whole.n.(@absent == 1); }));
+try { whole.n.(@absent == 1); } catch (e:Error) { trace(e.message); }

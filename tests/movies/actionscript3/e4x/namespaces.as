@@ -20,3 +20,13 @@ function spaced(fails:Boolean):String {
 function inner():String { default xml namespace = "urn:i"; return (<a/>).name().uri + " "; }
 trace(spaced(false), "[" + (<a/>).name().uri + "]");
 try { spaced(true); } catch (e:Error) { trace(e.message, "[" + (<a/>).name().uri + "]"); }
+
+// A prefix stands for one namespace, and what names something stays.
+var bound:XML = <a xmlns:p="urn:1"><b xmlns:p="urn:1"/><p:c/><d xmlns:p="urn:1" p:k="v"/></a>;
+bound.removeNamespace(new Namespace("p", "urn:1"));
+trace(bound.toXMLString());
+bound.setNamespace(new Namespace("q", "urn:1"));
+bound.setNamespace(new Namespace("q", "urn:2"));
+bound.setNamespace(new Namespace("q", "urn:2"));
+bound.removeNamespace("urn:2");
+trace(bound.toXMLString().split("\n")[0]);
