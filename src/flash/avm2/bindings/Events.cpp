@@ -129,6 +129,8 @@ Value eventToString(Call& call)
             const bool isVariable =
                 entry.binding.kind == Binding::Kind::Slot || entry.binding.kind == Binding::Kind::Const;
             if (!isVariable || std::ranges::find(kUnshown, entry.name.view()) != std::end(kUnshown)) continue;
+            // Of data that came the text is the data itself.
+            if (entry.name.view() == u"text" && traits->name.view() == u"DataEvent") continue;
             names.push_back(Value(entry.name.string()));
             if (entry.name.view() != u"localY") continue;
             for (const char* place : {"stageX", "stageY"})
@@ -381,8 +383,15 @@ Value constructEvent(Call& call)
     made.type = call.vm.coerceString(call.arg(0));
     made.bubbles = call.has(1) ? call.vm.toBoolean(call.arg(1)) : bubblesByDefault(call.vm, made);
     made.cancelable = call.vm.toBoolean(call.arg(2));
-    for (std::uint32_t i = 3; i < call.count && i - 3 < made.slotCount(); ++i)
-        call.vm.setSlotTyped(made, i - 3, call.args[i]);
+    // Not all take what their base has: data comes in the place of a text, an error in that of its number.
+    const auto isA = [&](const char* cls) { return made.traits()->isA(call.vm.nativeClass(cls)->instances); };
+    const std::uint32_t left = isA("flash.events::DataEvent")         ? 3U
+                               : isA("flash.events::AsyncErrorEvent") ? 4U
+                                                                      : call.count;
+    for (std::uint32_t i = 3; i < call.count; ++i) {
+        const std::uint32_t slot = i < left ? i - 3 : i - 2;
+        if (slot < made.slotCount()) call.vm.setSlotTyped(made, slot, call.args[i]);
+    }
     return {};
 }
 

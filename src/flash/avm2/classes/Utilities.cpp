@@ -50,7 +50,12 @@ Value definitionIn(Call& call, Domain* domain)
     return result;
 }
 
-Value getDefinitionByName(Call& call) { return definitionIn(call, currentDomain(call)); }
+Value getDefinitionByName(Call& call)
+{
+    if (call.arg(0).isNullish())
+        call.vm.throwError(ErrorClass::Type, 2007, "Parameter name must be non-null.");
+    return definitionIn(call, currentDomain(call));
+}
 
 class DomainObject final : public Object
 {

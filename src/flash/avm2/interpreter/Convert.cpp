@@ -374,6 +374,9 @@ std::u16string Vm::className(Value value)
     if (value.isNull()) return u"null";
     if (value.isUndefined()) return u"void";
     if (auto* cls = as<ClassObject>(value)) return cls->instances->qualifiedName();
+    // A method taken from its object is of a class that scripts cannot name.
+    if (auto* function = as<FunctionObject>(value); function != nullptr && function->isBound())
+        return u"builtin.as$0::MethodClosure";
     // Whole numbers of more than 29 bits are stored as others are, and it shows.
     constexpr double kSmall = 1 << 28;
     if (value.isInt() && (value.number() >= kSmall || value.number() < -kSmall))

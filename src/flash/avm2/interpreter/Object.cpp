@@ -114,7 +114,7 @@ Value FunctionObject::construct(Vm& vm, std::span<const Value> args)
 {
     if (m_isBound || m_env->role == MethodEnv::Role::Method)
         vm.throwError(ErrorClass::Type, 1064,
-                      std::u16string(u"Cannot call method ") + fromUtf8("") + u" as constructor.");
+                      u"Cannot call method " + vm.methodText(*m_env) + u" as constructor.");
     // One that was taken away is made anew.
     if (m_prototype.isNullish()) m_hasPrototype = false;
     const Value wanted = prototype(vm);

@@ -173,38 +173,40 @@ std::u16string Vm::describeThrown(Value value)
     return std::u16string(text(value));
 }
 
+std::u16string Vm::methodText(const MethodEnv& env)
+{
+    std::u16string line;
+    if (env.owner != nullptr) {
+        line = env.owner->qualifiedName();
+        if (env.role == MethodEnv::Role::Constructor) {
+        } else if (env.role == MethodEnv::Role::ScriptInit) {
+            line = u"global$init() [TU=]";
+        } else if (env.role == MethodEnv::Role::StaticInit) {
+            line += u"$cinit";
+        } else {
+            if (env.owner->cls == nullptr && env.owner->base == m_classes.cls->instances) line += u"$";
+            line += u"/";
+            if (env.role == MethodEnv::Role::Getter) line += u"get ";
+            if (env.role == MethodEnv::Role::Setter) line += u"set ";
+            // Only names in namespaces of their own tell so.
+            const bool isOwn = env.ns != nullptr && (env.ns->kind == Namespace::Kind::Public ||
+                                                     env.ns->kind == Namespace::Kind::Explicit);
+            line += qualified(isOwn ? env.ns : nullptr, env.name);
+        }
+    } else if (env.native != nullptr) {
+        line = u"global/" + (env.ns != nullptr ? qualified(env.ns, env.name) : fromUtf8(env.nativeName));
+    } else {
+        const Name name = env.name;
+        line = name.isNull() || name.view().empty() ? u"MethodInfo-" + numberText(env.method)
+                                                    : u"Function/" + std::u16string(name.view());
+    }
+    return env.role == MethodEnv::Role::ScriptInit ? line : line + u"()";
+}
+
 std::vector<std::u16string> Vm::callStack()
 {
     std::vector<std::u16string> result;
-    for (std::size_t i = m_calls.size(); i-- > 0;) {
-        const MethodEnv& env = *m_calls[i];
-        std::u16string line;
-        if (env.owner != nullptr) {
-            line = env.owner->qualifiedName();
-            if (env.role == MethodEnv::Role::Constructor) {
-            } else if (env.role == MethodEnv::Role::ScriptInit) {
-                line = u"global$init() [TU=]";
-            } else if (env.role == MethodEnv::Role::StaticInit) {
-                line += u"$cinit";
-            } else {
-                if (env.owner->cls == nullptr && env.owner->base == m_classes.cls->instances) line += u"$";
-                line += u"/";
-                if (env.role == MethodEnv::Role::Getter) line += u"get ";
-                if (env.role == MethodEnv::Role::Setter) line += u"set ";
-                // Only names in namespaces of their own tell so.
-                const bool isOwn = env.ns != nullptr && (env.ns->kind == Namespace::Kind::Public ||
-                                                         env.ns->kind == Namespace::Kind::Explicit);
-                line += qualified(isOwn ? env.ns : nullptr, env.name);
-            }
-        } else if (env.native != nullptr) {
-            line = u"global/" + (env.ns != nullptr ? qualified(env.ns, env.name) : fromUtf8(env.nativeName));
-        } else {
-            const Name name = env.name;
-            line = name.isNull() || name.view().empty() ? u"MethodInfo-" + numberText(env.method)
-                                                        : u"Function/" + std::u16string(name.view());
-        }
-        result.push_back(env.role == MethodEnv::Role::ScriptInit ? line : line + u"()");
-    }
+    for (std::size_t i = m_calls.size(); i-- > 0;) result.push_back(methodText(*m_calls[i]));
     return result;
 }
 

@@ -7,6 +7,8 @@ trace(touch.bubbles, touch.type, isNaN(touch.localX), touch.touchPointID);
 var shader:Event = new ShaderEvent(ShaderEvent.COMPLETE).clone();
 trace(shader);
 trace(new NetDataEvent("a", false, false, 5, "b"));
+trace(new DataEvent("a", false, false, "b"), new DataEvent("a", false, false, "b").data);
+trace(new AsyncErrorEvent("a", false, false, "b", new Error("c")).error);
 trace(StatusEvent.STATUS, DataEvent.DATA, FullScreenEvent.FULL_SCREEN, ContextMenuEvent.MENU_SELECT);
 trace(SWFVersion.FLASH9, ActionScriptVersion.ACTIONSCRIPT3, ShaderPrecision.FULL, GesturePhase.BEGIN);
 class Tap extends TouchEvent { public function Tap() { super("tap"); } }
