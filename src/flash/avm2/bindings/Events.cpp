@@ -383,6 +383,7 @@ Value constructEvent(Call& call)
     made.type = call.vm.coerceString(call.arg(0));
     made.bubbles = call.has(1) ? call.vm.toBoolean(call.arg(1)) : bubblesByDefault(call.vm, made);
     made.cancelable = call.vm.toBoolean(call.arg(2));
+    if (call.count <= 3) return {};
     // Not all take what their base has: data comes in the place of a text, an error in that of its number.
     const auto isA = [&](const char* cls) { return made.traits()->isA(call.vm.nativeClass(cls)->instances); };
     const std::uint32_t left = isA("flash.events::DataEvent")         ? 3U

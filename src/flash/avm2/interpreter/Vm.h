@@ -234,8 +234,8 @@ public:
     bool findAnyNative(const Multiname& name, Value& result);
     std::uint32_t scopeEpoch = 1; ///< counts changes of what names in scopes may mean
     std::vector<std::u16string> callStack();
-    std::u16string
-    methodText(const MethodEnv& env); ///< `flash.display::Sprite/startDrag()`, as errors name it
+    /// As errors name it: `flash.display::Sprite/startDrag()`.
+    std::u16string methodText(const MethodEnv& env);
     /// Of the script that runs.
     Domain* currentDomain();
     Domain* movieDomain = nullptr; ///< when none runs; traced
