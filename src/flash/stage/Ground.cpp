@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <ranges>
 #include <span>
 
 namespace flash::stage
@@ -55,9 +54,9 @@ public:
         // Those of a text lie in its box.
         if (!children.empty() && node.kind() != NodeKind::TextField) {
             const int clipped = lastClippedDepth(children);
-            for (const NodePtr& child : std::views::reverse(children)) {
-                if (child->depth() <= clipped) continue;
-                if (Node* ground = groundIn(*child, toDevice, color, depth + 1)) return ground;
+            for (auto child = children.rbegin(); child != children.rend(); ++child) {
+                if ((*child)->depth() <= clipped) continue;
+                if (Node* ground = groundIn(**child, toDevice, color, depth + 1)) return ground;
             }
         }
         const auto outline = node.outline();
@@ -90,8 +89,9 @@ Node* groundOf(Stage& stage, const swf::Matrix& view, const render::IntRect& box
 {
     if (stage.view().hasSpaces()) return nullptr;
     const Search search(view, box);
-    for (const auto& [number, root] : std::views::reverse(stage.displayList().levels()))
-        if (Node* ground = search.groundIn(*root, view, {}, 0)) return ground;
+    const auto& levels = stage.displayList().levels();
+    for (auto level = levels.rbegin(); level != levels.rend(); ++level)
+        if (Node* ground = search.groundIn(*level->second, view, {}, 0)) return ground;
     return nullptr;
 }
 
