@@ -103,6 +103,17 @@ Timeline parseTimeline(MovieBuilder& builder, BodyReader body, int spriteDepth)
     return timeline;
 }
 
+bool Movie::isOfLaterPlayers() const
+{
+    constexpr int kLastEarlyVersion = 9;
+    // The authoring tools write the background before all else, after the attributes once there are some, and
+    // suggest at least this many frames a second. Compilers that were used with the early players write it
+    // elsewhere or not at all, or ask for less.
+    constexpr double kSlowestSuggestedRate = 12;
+    return header.version > kLastEarlyVersion || !metadata.empty() || startsWithAttributesAndBackground ||
+           (startsWithBackground && header.frameRate >= kSlowestSuggestedRate);
+}
+
 std::optional<std::size_t> Timeline::frameByLabel(std::string_view label) const
 {
     if (label.empty()) return {};

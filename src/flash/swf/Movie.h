@@ -399,7 +399,8 @@ struct Movie {
     bool usesNetwork = false; ///< FileAttributes
     std::string metadata;
     std::uint16_t scriptMaxRecursion = 256, scriptTimeoutSeconds = 15;
-    std::vector<TagCount> tagCounts;   ///< by code
+    std::vector<TagCount> tagCounts;                                              ///< by code
+    bool startsWithAttributesAndBackground = false, startsWithBackground = false; ///< its very first tags
     std::vector<std::string> warnings; ///< damaged tags that were skipped, one line each
 
     /// Characters that live in other movies, by their ids here. Whoever opens the movie finds them, before
@@ -411,6 +412,9 @@ struct Movie {
     mutable std::map<std::uint16_t, Imported> imports;
     mutable bool importsKnown = false;
 
+    /// @returns whether it was probably made for players that show errors among the traces; a file does not
+    /// say so itself, but the tools that wrote for them leave their marks in it
+    [[nodiscard]] bool isOfLaterPlayers() const;
     /// @returns the character, an imported one too; null when there is none
     [[nodiscard]] const Character* character(std::uint16_t id) const
     {

@@ -5,6 +5,8 @@ namespace flash::swf
 namespace
 {
 
+enum : std::uint16_t { kTagSetBackgroundColor = 9, kTagFileAttributes = 69 };
+
 constexpr std::size_t kMaxWarnings = 500;
 // Roughly what an entry of the dictionary and its empty definition take.
 constexpr std::uint64_t kCharacterBytes = sizeof(Character) + 128;
@@ -70,6 +72,8 @@ void MovieBuilder::count(std::uint16_t tagCode, std::uint64_t bytes)
     entry.code = tagCode;
     ++entry.count;
     entry.bytes += bytes;
+    if (m_tags < m_firstTags.size()) m_firstTags[m_tags] = tagCode;
+    ++m_tags;
 }
 
 void MovieBuilder::link(std::vector<ShapeLayer>& layers) const
@@ -96,6 +100,9 @@ void MovieBuilder::finish()
         link(morph->end.layers);
     }
     for (const auto& [code, count] : m_counts) m_movie->tagCounts.push_back(count);
+    m_movie->startsWithBackground = m_firstTags[0] == kTagSetBackgroundColor;
+    m_movie->startsWithAttributesAndBackground =
+        m_firstTags[0] == kTagFileAttributes && m_firstTags[1] == kTagSetBackgroundColor;
 }
 
 } // namespace flash::swf

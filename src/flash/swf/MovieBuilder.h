@@ -2,6 +2,7 @@
 
 #include "flash/swf/Movie.h"
 
+#include <array>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -84,6 +85,8 @@ private:
     std::vector<std::shared_ptr<Shape>> m_shapes;
     std::vector<std::shared_ptr<MorphShape>> m_morphs;
     std::map<std::uint16_t, TagCount> m_counts;
+    std::array<std::uint16_t, 2> m_firstTags{};
+    std::size_t m_tags = 0;
 };
 
 } // namespace flash::swf

@@ -244,6 +244,26 @@ TEST(Movie, OfTheOtherMachineIsRecognisedFromVersion9)
     EXPECT_FALSE(parsed(movieBytes(8, {attributes}))->isAs3);
 }
 
+TEST(Movie, ShowsByItsFirstTagsForWhichPlayersItWasMade)
+{
+    const ByteList attributes = tag(69, BodyWriter().u32(0)), about = tag(77, BodyWriter().text("<about/>"));
+    const ByteList background = tag(9, BodyWriter().u8(1).u8(2).u8(3));
+    const auto isOfLaterPlayers = [](int version, int rate, const std::vector<ByteList>& tags) {
+        constexpr std::size_t kWholeRateAt = 20; // behind the signature, the length, the stage and a fraction
+        ByteList bytes = movieBytes(version, tags);
+        bytes[kWholeRateAt] = static_cast<std::uint8_t>(rate);
+        return parsed(bytes)->isOfLaterPlayers();
+    };
+    EXPECT_TRUE(isOfLaterPlayers(10, 1, {kShowFrame})) << "by its version";
+    EXPECT_TRUE(isOfLaterPlayers(8, 1, {attributes, about, kShowFrame})) << "by what it tells of itself";
+    EXPECT_TRUE(isOfLaterPlayers(7, 1, {attributes, background, kShowFrame})) << "by the tools' order";
+    EXPECT_FALSE(isOfLaterPlayers(8, 1, {background, attributes, kShowFrame})) << "not the tools' order";
+    EXPECT_TRUE(isOfLaterPlayers(5, 12, {background, kShowFrame}));
+    EXPECT_FALSE(isOfLaterPlayers(5, 1, {background, kShowFrame}));
+    EXPECT_FALSE(isOfLaterPlayers(8, 24, {attributes, kShowFrame, background}));
+    EXPECT_FALSE(isOfLaterPlayers(6, 24, {kShowFrame, background})) << "a background that comes late";
+}
+
 TEST(Movie, FromTheCollectionIsReadWithoutAWarning)
 {
     const std::filesystem::path folder = std::filesystem::path(PROJECT_SOURCE_DIR) / "../shared/movies";

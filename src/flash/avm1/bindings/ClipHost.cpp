@@ -54,10 +54,8 @@ void ClipHost::reportError(std::u16string_view text)
 }
 bool ClipHost::isOfLaterPlayers() const
 {
-    // What the tools of that time made has metadata.
-    constexpr int kLastEarlyVersion = 9;
     const stage::MoviePtr movie = m_binding.hasStage() ? stage().movie() : nullptr;
-    return movie && (movie->header.version > kLastEarlyVersion || !movie->metadata.empty());
+    return movie && movie->isOfLaterPlayers();
 }
 
 void ClipHost::log(std::string_view text) { m_binding.services().host.logLine(text); }
