@@ -1,3 +1,4 @@
+#include "flash/avm2/classes/ArrayLike.h"
 #include "flash/avm2/classes/Sort.h"
 
 #include <algorithm>
@@ -29,12 +30,13 @@ Value convert(Call& call) { return call.callee->construct(call.vm, call.rest(0))
 
 void checkLoop(Call& call) { call.vm.check(); }
 
-std::u16string joined(Call& call, ArrayObject& array, std::u16string_view separator, bool locale)
+std::u16string joined(Call& call, std::u16string_view separator, bool locale)
 {
+    ArrayLike list(call);
     std::u16string text;
-    for (std::uint32_t i = 0; i < array.length(); ++i) {
+    for (std::uint32_t i = 0; i < list.length(); ++i) {
         if (i > 0) text += separator;
-        const Value value = array.at(call.vm, i);
+        const Value value = list.at(i);
         if (!value.isNullish())
             text += call.vm.text(locale ? call.vm.callPublic(value, "toLocaleString") : value);
         checkLoop(call);
@@ -47,18 +49,20 @@ std::u16string joined(Call& call, ArrayObject& array, std::u16string_view separa
 Value join(Call& call)
 {
     const std::u16string separator(call.arg(0).isUndefined() ? u"," : call.vm.text(call.arg(0)));
-    auto* array = as<ArrayObject>(call.self);
-    return array != nullptr ? Value(call.vm.string(joined(call, *array, separator, false)))
-                            : Value(call.vm.string(std::u16string()));
+    return call.vm.string(joined(call, separator, false));
 }
 
 Value toString(Call& call)
 {
-    auto* array = as<ArrayObject>(call.self);
-    return call.vm.string(array != nullptr ? joined(call, *array, u",", false) : std::u16string());
+    const bool isArray = as<ArrayObject>(call.self) != nullptr;
+    return call.vm.string(isArray ? joined(call, u",", false) : std::u16string());
 }
 
-Value toLocaleString(Call& call) { return call.vm.string(joined(call, self(call), u",", true)); }
+Value toLocaleString(Call& call)
+{
+    self(call);
+    return call.vm.string(joined(call, u",", true));
+}
 
 Value push(Call& call)
 {
@@ -143,20 +147,21 @@ Value concat(Call& call)
             result->push(call.vm, value);
         }
     };
-    append(Value(&self(call)));
+    append(call.self);
     for (const Value value : call.rest(0)) append(value);
     return result;
 }
 
 Value slice(Call& call)
 {
-    auto& array = self(call);
-    const double from = clampIndex(call.has(0) ? call.vm.toNumber(call.arg(0)) : 0, array.length());
-    const double to = clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 16777215, array.length());
+    ArrayLike list(call);
+    const double length = list.length();
+    const double from = clampIndex(call.has(0) ? call.vm.toNumber(call.arg(0)) : 0, length);
+    const double to = clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 16777215, length);
     auto* result = static_cast<ArrayObject*>(call.vm.newArray());
     for (auto i = static_cast<std::uint32_t>(from); i < to; ++i) {
         // What the prototype has in place of an element becomes one.
-        result->put(call.vm, i - static_cast<std::uint32_t>(from), array.at(call.vm, i));
+        result->put(call.vm, i - static_cast<std::uint32_t>(from), list.at(i));
         checkLoop(call);
     }
     if (to > from) result->setLength(static_cast<std::uint32_t>(to - from));
@@ -198,12 +203,11 @@ Value splice(Call& call)
 
 Value indexOf(Call& call)
 {
-    auto& array = self(call);
+    ArrayLike list(call);
     for (auto i = static_cast<std::uint32_t>(
-             clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 0, array.length()));
-         i < array.length(); ++i) {
-        if (array.holds(call.vm, i) && call.vm.strictEquals(array.at(call.vm, i), call.arg(0)))
-            return static_cast<double>(i);
+             clampIndex(call.has(1) ? call.vm.toNumber(call.arg(1)) : 0, list.length()));
+         i < list.length(); ++i) {
+        if (list.holds(i) && call.vm.strictEquals(list.at(i), call.arg(0))) return static_cast<double>(i);
         checkLoop(call);
     }
     return -1;
@@ -211,12 +215,13 @@ Value indexOf(Call& call)
 
 Value lastIndexOf(Call& call)
 {
-    auto& array = self(call);
+    ArrayLike list(call);
+    const double length = list.length();
     double from = call.has(1) ? call.vm.toNumber(call.arg(1)) : 2147483647.0;
-    if (from < 0) from += array.length();
-    for (double i = std::min(std::trunc(from), array.length() - 1.0); i >= 0; --i) {
+    if (from < 0) from += length;
+    for (double i = std::min(std::trunc(from), length - 1.0); i >= 0; --i) {
         const auto at = static_cast<std::uint32_t>(i);
-        if (array.holds(call.vm, at) && call.vm.strictEquals(array.at(call.vm, at), call.arg(0))) return i;
+        if (list.holds(at) && call.vm.strictEquals(list.at(at), call.arg(0))) return i;
         checkLoop(call);
     }
     return -1;
@@ -226,19 +231,13 @@ Value lastIndexOf(Call& call)
 template <class Use>
 void walk(Call& call, Use&& use)
 {
-    auto& array = self(call);
-    if (call.arg(0).isNullish()) return;
-    if (!isFunction(call.arg(0))) call.vm.coerce(call.arg(0), call.vm.classes().function->instances);
-    auto* function = as<FunctionObject>(call.arg(0));
-    if (function != nullptr && function->isBound() && !call.arg(1).isNullish())
-        call.vm.throwError(
-            ErrorClass::Type, 1510,
-            "When the callback argument is a method of a class, the optional this argument must be null.");
-    for (std::uint32_t i = 0; i < array.length(); ++i) {
+    if (!canWalk(call)) return;
+    ArrayLike list(call);
+    for (std::uint32_t i = 0; i < list.length(); ++i) {
         checkLoop(call);
-        const Value value = array.at(call.vm, i);
+        const Value value = list.at(i);
         const Value answer =
-            call.vm.call(call.arg(0), call.arg(1), {value, Value(static_cast<double>(i)), Value(&array)});
+            call.vm.call(call.arg(0), call.arg(1), {value, Value(static_cast<double>(i)), call.self});
         if (!use(value, answer)) return;
     }
 }
@@ -322,19 +321,19 @@ constexpr NativeMember kMembers[] = {
     {"join", Kind::As3, &join, 0, 1},
     {"lastIndexOf", Kind::As3, &lastIndexOf, 1, 2},
     {"map", Kind::As3, &map, 1, 2},
-    {"pop", Kind::As3, &pop, 0, 0},
-    {"push", Kind::As3, &push, 0, -1, nullptr, {}, &quickPush, 1},
+    {"pop", Kind::As3, &onAnyList<&pop>, 0, 0},
+    {"push", Kind::As3, &onAnyList<&push>, 0, -1, nullptr, {}, &quickPush, 1},
     {"removeAt", Kind::As3, &removeAt, 1, 1},
-    {"reverse", Kind::As3, &reverse, 0, 0},
-    {"shift", Kind::As3, &shift, 0, 0},
+    {"reverse", Kind::As3, &onAnyList<&reverse>, 0, 0},
+    {"shift", Kind::As3, &onAnyList<&shift>, 0, 0},
     {"slice", Kind::As3, &slice, 0, 2},
     {"some", Kind::As3, &some, 1, 2},
-    {"sort", Kind::As3, &sortArray},
-    {"sortOn", Kind::As3, &sortArrayOn, 1, -1},
-    {"splice", Kind::As3, &splice},
+    {"sort", Kind::As3, &onAnyList<&sortArray>},
+    {"sortOn", Kind::As3, &onAnyList<&sortArrayOn>, 1, -1},
+    {"splice", Kind::As3, &onAnyList<&splice>},
     {"toLocaleString", Kind::Prototype, &toLocaleString},
     {"toString", Kind::Prototype, &toString},
-    {"unshift", Kind::As3, &unshift},
+    {"unshift", Kind::As3, &onAnyList<&unshift>},
 };
 constexpr NativeConstant kConstants[] = {
     {"CASEINSENSITIVE", 1},    {"DESCENDING", 2}, {"UNIQUESORT", 4},

@@ -42,6 +42,12 @@ Object* allocateNative(Vm& vm, ClassObject& cls)
     return vm.heap().make<T>(cls.instances, cls.prototype);
 }
 
+/// Whether the first argument can be called for each element of a list: not if it is null.
+/// @throws the script errors 1034 when it is no function, 1510 when it is a method of an object and the
+/// second
+///         argument names another `this`
+bool canWalk(Call& call);
+
 /// A position as slice() and its like take it: counted from the end when negative, within 0 and `length`.
 inline double clampIndex(double index, double length)
 {

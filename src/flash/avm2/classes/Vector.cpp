@@ -255,7 +255,7 @@ template <class Use>
 void walk(Call& call, Use&& use)
 {
     auto& vector = self(call);
-    if (call.arg(0).isNullish()) return;
+    if (!canWalk(call)) return;
     for (std::size_t i = 0; i < vector.items.size(); ++i) {
         call.vm.check();
         const Value value = vector.items[i];

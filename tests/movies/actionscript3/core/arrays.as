@@ -16,3 +16,11 @@ trace(new Array(3).length, new Array("3").length, new Array(1, 2), Array(4).leng
 var keys:Array = []; for (var k:String in ["a", , "c"]) keys.push(k); trace(keys);
 try { new Array(-1); } catch (e:RangeError) { trace(e.errorID); }
 a = []; a["name"] = "extra"; a[0] = 1; trace(a.length, a.name);
+// What the prototype has works on anything with a length.
+var list:Object = {length: 3, 0: "a", 2: "c"}, P:Object = Array.prototype;
+trace(P.slice.call(list, 1), P.concat.call(list, 1).length, P.join.call(list, "-"), P.indexOf.call(list, "c"), P.lastIndexOf.call(list, "a"));
+trace(P.map.call(list, function(e:*, i:int, l:Object):String { return String(e) + i + (l === list); }));
+trace(P.push.call(list, "d"), list.length, list[3], P.pop.call(list), list.length, 3 in list);
+P.reverse.call(list);
+trace(list[0], 1 in list, P.shift.call(list), list.length, P.unshift.call(list, "x", "y"), P.splice.call(list, 0, 1, 9, 8), P.join.call(list));
+trace(P.sort.call(list) === list, P.join.call(list), P.every.call({}, function(e:*, i:int, l:*):Boolean { return false; }));

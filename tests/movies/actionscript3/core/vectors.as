@@ -17,3 +17,9 @@ trace(new <uint>[1, -1][1], new <Boolean>[1, 0]);
 trace(v.map(function(e:int, i:int, l:Vector.<int>):int { return e * 2; }), v.splice(0, 1), v.shift(), v.pop(), v.length);
 v.length = 3; trace(v);
 var any:Vector.<*> = new <*>[1, "a", null]; trace(any.length, any[1]);
+class Taken { public function method(v:*, i:int, l:*):Boolean { return true; } }
+var taken:Taken = new Taken(), walked:Vector.<int> = new <int>[1, 2];
+for each (var walk:String in ["every", "some", "filter", "forEach", "map"]) {
+	try { walked[walk](taken.method, {}); } catch (bound:TypeError) { trace(walk, bound.errorID); }
+	try { walked[walk](5); } catch (no:TypeError) { trace(walk, no.errorID, walked[walk](taken.method, null), walked[walk](null)); }
+}
