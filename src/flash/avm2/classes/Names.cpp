@@ -79,6 +79,7 @@ Value constructQName(Call& call)
     if (auto* other = as<QNameObject>(last)) {
         made.name = other->name;
         made.ns = other->ns;
+        made.prefix = other->prefix;
         if (call.count < 2) return {};
     } else {
         setName(last);
@@ -86,16 +87,20 @@ Value constructQName(Call& call)
         if (call.count < 2) return {};
     }
     const Value first = call.arg(0);
-    if (first.isNull())
+    made.prefix = Value();
+    if (first.isNull()) {
         made.ns = nullptr;
-    else if (first.isUndefined())
+    } else if (first.isUndefined()) {
         made.ns = made.name.isNull() ? nullptr : vm.defaultXmlNs;
-    else if (auto* ns = as<NamespaceObject>(first))
+    } else if (auto* ns = as<NamespaceObject>(first)) {
         made.ns = ns->ns;
-    else if (auto* name = as<QNameObject>(first); name != nullptr && name->ns != nullptr)
+        made.prefix = ns->prefix;
+    } else if (auto* name = as<QNameObject>(first); name != nullptr && name->ns != nullptr) {
         made.ns = name->ns;
-    else
+        made.prefix = name->prefix;
+    } else {
         made.ns = byUri(vm, vm.text(first));
+    }
     return {};
 }
 

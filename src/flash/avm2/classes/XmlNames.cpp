@@ -47,8 +47,73 @@ Value name(Call& call)
     if (!hasName(node)) return Value::null();
     QNameObject* made = newQName(call.vm, node.ns != nullptr ? node.ns : call.vm.publicNs(), node.name);
     made->attribute = node.kind == XmlNode::Kind::Attribute;
+    made->prefix = node.prefix;
     return Value(made);
 }
+namespace
+{
+XmlNode::Declaration declarationArg(Call& call)
+{
+    if (auto* given = as<NamespaceObject>(call.arg(0))) return {given->prefix, given->ns};
+    return {Value(),
+            call.vm.ns(Namespace::Kind::Public, call.vm.names().intern(call.vm.toString(call.arg(0))))};
+}
+std::u16string_view prefixOf(const XmlNode::Declaration& declaration)
+{
+    return declaration.prefix.isString() ? declaration.prefix.string()->view() : std::u16string_view();
+}
+
+/// Declares a namespace at an element. A prefix stands for one namespace: what bore it for another loses it.
+void declare(XmlNode& element, const XmlNode::Declaration& declaration)
+{
+    // Without a prefix there is nothing to declare.
+    if (element.kind != XmlNode::Kind::Element || !declaration.prefix.isString()) return;
+    const std::u16string_view prefix = prefixOf(declaration);
+    const auto release = [&](XmlNode& node) {
+        if (node.ns != declaration.ns && node.prefix.isString() && node.prefix.string()->view() == prefix)
+            node.prefix = {};
+    };
+    release(element);
+    for (XmlNode* attribute : element.attributes) release(*attribute);
+    for (auto& known : element.declarations) {
+        if (known.prefix.isString() && prefixOf(known) == prefix) {
+            known.ns = declaration.ns;
+            return;
+        }
+    }
+    element.declarations.push_back(declaration);
+}
+
+/// Has a node named by a namespace, which its element then declares.
+void putInto(XmlNode& node, const XmlNode::Declaration& declaration)
+{
+    node.ns = declaration.ns;
+    node.prefix = declaration.prefix;
+    XmlNode* element = node.kind == XmlNode::Kind::Attribute ? node.parent : &node;
+    if (element != nullptr && !declaration.ns->uri.view().empty()) declare(*element, declaration);
+}
+
+/// Takes a declaration from an element and all below it, but not from those that are named by it.
+void withdraw(XmlNode& top, const XmlNode::Declaration& declaration)
+{
+    const auto isMeant = [&](const XmlNode::Declaration& known) {
+        if (known.ns != declaration.ns) return false;
+        return !declaration.prefix.isString() || prefixOf(known) == prefixOf(declaration);
+    };
+    // Documents may be as deep as they like: no recursion.
+    std::vector<XmlNode*> open{&top};
+    while (!open.empty()) {
+        XmlNode& node = *open.back();
+        open.pop_back();
+        const auto isNamedByIt = [&](const XmlNode* named) { return named->ns == declaration.ns; };
+        if (node.kind != XmlNode::Kind::Element || isNamedByIt(&node) ||
+            std::ranges::any_of(node.attributes, isNamedByIt))
+            continue;
+        std::erase_if(node.declarations, isMeant);
+        open.insert(open.end(), node.children.begin(), node.children.end());
+    }
+}
+} // namespace
 Value setName(Call& call)
 {
     XmlNode& node = one(call);
@@ -57,7 +122,8 @@ Value setName(Call& call)
     node.ns = node.kind == XmlNode::Kind::Element ? call.vm.defaultXmlNs : call.vm.publicNs();
     if (auto* qname = as<QNameObject>(call.arg(0))) {
         node.name = qname->name;
-        if (qname->ns != nullptr && node.kind != XmlNode::Kind::Instruction) node.ns = qname->ns;
+        if (qname->ns != nullptr && node.kind != XmlNode::Kind::Instruction)
+            putInto(node, {qname->prefix, qname->ns});
     } else {
         node.name = nameTextArg(call);
     }
@@ -129,61 +195,6 @@ Value namespaceDeclarations(Call& call)
         list->push(call.vm, namespaceValue(call.vm, declaration));
     return Value(list);
 }
-namespace
-{
-XmlNode::Declaration declarationArg(Call& call)
-{
-    if (auto* given = as<NamespaceObject>(call.arg(0))) return {given->prefix, given->ns};
-    return {Value(),
-            call.vm.ns(Namespace::Kind::Public, call.vm.names().intern(call.vm.toString(call.arg(0))))};
-}
-std::u16string_view prefixOf(const XmlNode::Declaration& declaration)
-{
-    return declaration.prefix.isString() ? declaration.prefix.string()->view() : std::u16string_view();
-}
-
-/// Declares a namespace at an element. A prefix stands for one namespace: what bore it for another loses it.
-void declare(XmlNode& element, const XmlNode::Declaration& declaration)
-{
-    // Without a prefix there is nothing to declare.
-    if (element.kind != XmlNode::Kind::Element || !declaration.prefix.isString()) return;
-    const std::u16string_view prefix = prefixOf(declaration);
-    const auto release = [&](XmlNode& node) {
-        if (node.ns != declaration.ns && node.prefix.isString() && node.prefix.string()->view() == prefix)
-            node.prefix = {};
-    };
-    release(element);
-    for (XmlNode* attribute : element.attributes) release(*attribute);
-    for (auto& known : element.declarations) {
-        if (known.prefix.isString() && prefixOf(known) == prefix) {
-            known.ns = declaration.ns;
-            return;
-        }
-    }
-    element.declarations.push_back(declaration);
-}
-
-/// Takes a declaration from an element and all below it, but not from those that are named by it.
-void withdraw(XmlNode& top, const XmlNode::Declaration& declaration)
-{
-    const auto isMeant = [&](const XmlNode::Declaration& known) {
-        if (known.ns != declaration.ns) return false;
-        return !declaration.prefix.isString() || prefixOf(known) == prefixOf(declaration);
-    };
-    // Documents may be as deep as they like: no recursion.
-    std::vector<XmlNode*> open{&top};
-    while (!open.empty()) {
-        XmlNode& node = *open.back();
-        open.pop_back();
-        const auto isNamedByIt = [&](const XmlNode* named) { return named->ns == declaration.ns; };
-        if (node.kind != XmlNode::Kind::Element || isNamedByIt(&node) ||
-            std::ranges::any_of(node.attributes, isNamedByIt))
-            continue;
-        std::erase_if(node.declarations, isMeant);
-        open.insert(open.end(), node.children.begin(), node.children.end());
-    }
-}
-} // namespace
 Value addNamespace(Call& call)
 {
     declare(one(call), declarationArg(call));
@@ -198,11 +209,7 @@ Value setNamespace(Call& call)
 {
     XmlNode& node = one(call);
     if (!hasName(node)) return {};
-    const auto declaration = declarationArg(call);
-    node.ns = declaration.ns;
-    node.prefix = declaration.prefix;
-    XmlNode* element = node.kind == XmlNode::Kind::Attribute ? node.parent : &node;
-    if (element != nullptr && !declaration.ns->uri.view().empty()) declare(*element, declaration);
+    putInto(node, declarationArg(call));
     return {};
 }
 } // namespace xml

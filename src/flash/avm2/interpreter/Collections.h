@@ -111,6 +111,7 @@ public:
         Object::trace(tracer);
         tracer(ns);
         tracer(name);
+        tracer(prefix);
     }
     bool qualifiedName(Multiname& multiname) const override;
     std::uint32_t nextIndex(Vm&, std::uint32_t after) override { return after < 2 ? after + 1 : 0; }
@@ -118,6 +119,7 @@ public:
     Value nextValue(Vm& vm, std::uint32_t index) override;
     Namespace* ns = nullptr; ///< null: any
     Name name;               ///< null: any
+    Value prefix;            ///< of the namespace that it was made of; undefined: none is known
     bool attribute = false;
 };
 

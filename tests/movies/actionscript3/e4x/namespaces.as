@@ -30,3 +30,11 @@ bound.setNamespace(new Namespace("q", "urn:2"));
 bound.setNamespace(new Namespace("q", "urn:2"));
 bound.removeNamespace("urn:2");
 trace(bound.toXMLString().split("\n")[0]);
+// A name keeps the prefix of the namespace that it was made of.
+var prefixed:XML = <a><b at="1"/></a>;
+prefixed.b.setName(new QName(new Namespace("p", "urn:p"), "c"));
+prefixed.children()[0].@at.setName(new QName(new Namespace("q", "urn:q"), "d"));
+trace(prefixed.toXMLString());
+var named:XML = <z/>;
+named.setName(prefixed.children()[0].name());
+trace(named.toXMLString());
