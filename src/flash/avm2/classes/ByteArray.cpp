@@ -371,6 +371,12 @@ void setUp(Vm& vm, ClassObject& cls) { addState<ByteArrayState>(vm, cls); }
 /// What the bytes mean nobody here knows.
 Value toJson(Call& call) { return call.vm.string(std::string_view("ByteArray")); }
 
+template <class T>
+constexpr NativeMember writer(std::string_view name)
+{
+    return {name, Kind::Method, &writeInteger<T>, 1, 1, nullptr, {}, &quickWrite<T>, 1};
+}
+
 constexpr NativeMember kMembers[] = {
     {"toJSON", Kind::Prototype, &toJson, 0, 1},
     {"length", Kind::Getter, &length, 0, 0, &setLength, "uint", &quickMeasure<Measure::Length>},
@@ -398,26 +404,10 @@ constexpr NativeMember kMembers[] = {
     {"readBytes", Kind::Method, &readBytes, 1, 3},
     {"readObject", Kind::Method, &readObject, 0, 0},
     {"writeBoolean", Kind::Method, &writeBoolean, 1, 1},
-    {"writeByte", Kind::Method, &writeInteger<std::uint8_t>, 1, 1, nullptr, {}, &quickWrite<std::uint8_t>, 1},
-    {"writeShort",
-     Kind::Method,
-     &writeInteger<std::uint16_t>,
-     1,
-     1,
-     nullptr,
-     {},
-     &quickWrite<std::uint16_t>,
-     1},
-    {"writeInt", Kind::Method, &writeInteger<std::int32_t>, 1, 1, nullptr, {}, &quickWrite<std::int32_t>, 1},
-    {"writeUnsignedInt",
-     Kind::Method,
-     &writeInteger<std::uint32_t>,
-     1,
-     1,
-     nullptr,
-     {},
-     &quickWrite<std::uint32_t>,
-     1},
+    writer<std::uint8_t>("writeByte"),
+    writer<std::uint16_t>("writeShort"),
+    writer<std::int32_t>("writeInt"),
+    writer<std::uint32_t>("writeUnsignedInt"),
     {"writeFloat", Kind::Method, &writeFloat, 1, 1, nullptr, {}, &quickWrite<float>, 1},
     {"writeDouble", Kind::Method, &writeDouble, 1, 1, nullptr, {}, &quickWrite<double>, 1},
     {"writeUTF", Kind::Method, &writeUtf, 1, 1},
@@ -430,6 +420,9 @@ constexpr NativeMember kMembers[] = {
     {"uncompress", Kind::Method, &uncompress, 0, 1},
     {"deflate", Kind::Method, &deflateRaw, 0, 0},
     {"inflate", Kind::Method, &inflateRaw, 0, 0},
+    {"shareable", Kind::Getter, &isShareable, 0, 0, &setShareable, "Boolean"},
+    {"atomicCompareAndSwapIntAt", Kind::Method, &compareAndSwapInt, 3, 3},
+    {"atomicCompareAndSwapLength", Kind::Method, &compareAndSwapLength, 2, 2},
     {"toString", Kind::Method, &toString, 0, 0},
     {"toString", Kind::Prototype, &toString, 0, -1},
 };

@@ -32,8 +32,15 @@ public:
 
     std::vector<std::uint8_t> content;
     std::size_t position = 0;
-    bool isLittle = false;
+    bool isLittle = false, isShareable = false;
     int encoding = 3; ///< of objects: 0 or 3
 };
+
+// It stays with the one worker there is, whatever it says.
+Value isShareable(Call& call);
+Value setShareable(Call& call);
+// Steps that no other thread comes between; there is one only. Each @returns what was there before.
+Value compareAndSwapInt(Call& call);
+Value compareAndSwapLength(Call& call);
 
 } // namespace flash::avm2::classes

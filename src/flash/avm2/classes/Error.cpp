@@ -1,3 +1,4 @@
+#include "flash/avm2/classes/ErrorTexts.h"
 #include "flash/avm2/classes/Library.h"
 
 namespace flash::avm2::classes
@@ -78,7 +79,34 @@ Value errorId(Call& call) { return selfAs<ErrorObject>(call, "Error").id; }
 
 Value convert(Call& call) { return call.callee->construct(call.vm, call.rest(0)); }
 
-Value throwError(Call& call) { call.vm.throwError(ErrorClass::Error, call.vm.toInt(call.arg(1)), ""); }
+std::u16string messageOf(int number)
+{
+    const std::string_view text = errorText(number);
+    return u"Error #" + numberText(number) + (text.empty() ? u"" : u": " + fromUtf8(text));
+}
+
+Value getErrorMessage(Call& call) { return call.vm.string(messageOf(call.vm.toInt(call.arg(0)))); }
+
+/// Makes an error of a class with the text of a number, what follows put into its gaps, and throws it.
+Value throwError(Call& call)
+{
+    Vm& vm = call.vm;
+    const int number = vm.toInt(call.arg(1));
+    const std::u16string text = messageOf(number);
+    std::u16string filled;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isGap =
+            text[i] == u'%' && i + 1 < text.size() && text[i + 1] >= u'1' && text[i + 1] <= u'9';
+        if (!isGap) {
+            filled += text[i];
+            continue;
+        }
+        const auto which = static_cast<std::uint32_t>(text[++i] - u'1');
+        if (call.has(2 + which)) filled += vm.text(call.arg(2 + which));
+    }
+    const Value args[] = {Value(vm.string(std::move(filled))), Value(number)};
+    vm.throwValue(vm.construct(call.arg(0), args));
+}
 
 constexpr NativeMember kMembers[] = {
     {"toString", Kind::Prototype, &toString, 0, -1},
@@ -86,6 +114,7 @@ constexpr NativeMember kMembers[] = {
     {"message", Kind::Getter, &message, 0, 0, &setMessage},
     {"name", Kind::Getter, &name, 0, 0, &setName},
     {"errorID", Kind::Getter, &errorId, 0, 0, nullptr, "int"},
+    {"getErrorMessage", Kind::Static, &getErrorMessage, 1, 1},
     {"throwError", Kind::Static, &throwError, 2, -1},
 };
 

@@ -15,3 +15,8 @@ var o:ByteArray = new ByteArray(); o.writeObject({list: [1, "two", null], n: 1.5
 var back:Object = o.readObject(); trace(back.list, back.n);
 b.length = 2; trace(b.length, b.position);
 b[5] = 300; trace(b.length, b[5], b[4]);
+var shared:ByteArray = new ByteArray();
+shared.length = 8; shared.shareable = true; shared.endian = Endian.BIG_ENDIAN;
+trace(shared.shareable, shared.atomicCompareAndSwapIntAt(4, 0, 258), shared[4], shared[5], shared.atomicCompareAndSwapIntAt(4, 1, 7), shared[4]);
+for each (var place:int in [-4, 2, 8]) try { shared.atomicCompareAndSwapIntAt(place, 0, 0); } catch (off:Error) { trace(off.name, off.errorID); }
+trace(shared.atomicCompareAndSwapLength(8, 12), shared.length, shared.atomicCompareAndSwapLength(8, 2), shared.length);

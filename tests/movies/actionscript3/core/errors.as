@@ -10,3 +10,7 @@ trace(id(function():void { nothing.x; }), id(function():void { none.x; }), id(fu
 trace(id(function():void { number.foo(); }), id(function():void { var a:Array = number; }));
 trace(id(function():void { decodeURIComponent("%"); }), id(function():void { new RegExp("a", "g").exec(); }));
 trace(Error.length, new Error().message == "", String(new Error()));
+class Wrapped extends Error { public function Wrapped(m:String, n:int) { super("<" + m + ">", n); } }
+trace(Error.getErrorMessage(1009), Error.getErrorMessage(7));
+try { Error.throwError(RangeError, 1125, 5, 3); } catch (r:RangeError) { trace(r, r.errorID); }
+try { Error.throwError(Wrapped, 2007, "child"); } catch (w:Wrapped) { trace(w.message, w.errorID); }
