@@ -97,6 +97,7 @@ struct LoadRequest {
     std::string baseUrl;
     Method method = Method::None;
     std::vector<std::pair<std::string, std::string>> variables; ///< to send; not yet encoded
+    std::string digest = {}; ///< of a signed library, what is to come: its SHA-256; empty: anything may come
 };
 struct LoadAnswer {
     std::string url; ///< resolved, with its query

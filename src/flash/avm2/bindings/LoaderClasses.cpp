@@ -179,14 +179,16 @@ void arrive(Vm& vm, DisplayObject& loader, const std::vector<std::uint8_t>& byte
     if (movie) info.bytes = bytesValue(vm, (*movie)->bytes);
     info.parameters = queryParameters(vm, url);
     progress(vm, info);
-    if (fromFile || movie || !beginsPicture(bytes)) return present(vm, loader, bytes, url);
-    // Pictures are taken apart aside from the scripts: whoever gives their bytes finds them a frame later.
+    const bool isPicture = !movie && beginsPicture(bytes);
+    if (fromFile || (!movie && !isPicture)) return present(vm, loader, bytes, url);
+    // Whoever gives the bytes may still begin to listen. Pictures are taken apart aside from the scripts,
+    // which find them a frame later still.
     auto held = std::make_shared<Root<DisplayObject>>(vm.heap(), &loader);
-    Player::of(vm).later([&vm, held, generation, bytes] {
-        Player::of(vm).later([&vm, held, generation, bytes] {
-            if ((*held)->generation == generation) present(vm, **held, bytes, {});
-        });
-    });
+    const auto show = [&vm, held, generation, bytes] {
+        if ((*held)->generation == generation) present(vm, **held, bytes, {});
+    };
+    Player& player = Player::of(vm);
+    player.later(isPicture ? std::function<void()>([&player, show] { player.later(show); }) : show);
 }
 
 Domain* contextDomain(Call& call, std::uint32_t index)

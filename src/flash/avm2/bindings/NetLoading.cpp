@@ -6,6 +6,7 @@
 #include "flash/avm2/bindings/Library.h"
 #include "flash/avm2/bindings/Player.h"
 #include "flash/avm2/classes/ByteArray.h"
+#include "flash/net/SignedLibrary.h"
 
 #include <algorithm>
 
@@ -188,6 +189,7 @@ std::optional<stage::LoadRequest> requestArg(Call& call, std::uint32_t i)
     if (given->fields[Url].isNull()) throwNullParameter(vm, "url");
     request.url = toUtf8(vm.text(given->fields[Url]));
     request.baseUrl = Player::of(vm).stage().url();
+    if (given->fields[Digest].isString()) request.digest = toUtf8(vm.text(given->fields[Digest]));
     const bool isPost =
         vm.text(given->fields[Method]) == u"POST" || vm.text(given->fields[Method]) == u"post";
     const Value data = given->fields[Data];
@@ -233,12 +235,13 @@ void fetchFor(Call& call, DispatcherObject& object, const std::uint32_t& current
 {
     Vm& vm = call.vm;
     auto target = std::make_shared<Root<DispatcherObject>>(vm.heap(), &object);
+    const std::string digest = request.digest;
     Player::of(vm).stage().loads().fetch(
-        std::move(request),
-        [&vm, target, &current, turn = current, answered](const base::Result<stage::LoadAnswer>& answer) {
+        std::move(request), [&vm, target, &current, turn = current, answered,
+                             digest](const base::Result<stage::LoadAnswer>& answer) {
             // `current` is a part of what `target` keeps alive.
             if (turn != current || vm.isDisabled()) return;
-            answered(vm, *target->get(), answer);
+            answered(vm, *target->get(), digest.empty() ? answer : net::signedAnswer(answer, digest));
         });
 }
 
