@@ -175,7 +175,7 @@ bool equalsHook(Vm& vm, Value a, Value b)
     return contentText(vm, *node) == vm.text(other);
 }
 
-void setUp(Vm& vm, ClassObject&) { vm.xml = {&addHook, &equalsHook, &escapeXml}; }
+void setUp(Vm& vm, ClassObject&) { vm.xml = {&addHook, &equalsHook, &escapeXml, false}; }
 
 #define XML_SHARED                                                                                           \
     {"toString", Kind::As3, &xml::toString, 0, -1}, {"toXMLString", Kind::As3, &xml::toXmlString, 0, 0},     \
@@ -211,6 +211,8 @@ void setUp(Vm& vm, ClassObject&) { vm.xml = {&addHook, &equalsHook, &escapeXml};
 
 constexpr NativeMember kXmlMembers[] = {
     XML_SHARED,
+    {"notification", Kind::As3, &xml::notification, 0, 0},
+    {"setNotification", Kind::As3, &xml::setNotification, 1, 1},
     {"ignoreComments", Kind::StaticGetter, &getFlag<&XmlSettings::ignoreComments>, 0, 0,
      &setFlag<&XmlSettings::ignoreComments>},
     {"ignoreProcessingInstructions", Kind::StaticGetter, &getFlag<&XmlSettings::ignoreProcessingInstructions>,

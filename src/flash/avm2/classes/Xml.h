@@ -24,8 +24,9 @@ public:
     XmlNode* parent = nullptr;
     TracedList<XmlNode*> children, attributes;
     std::vector<Declaration, vm::TracedAllocator<Declaration>> declarations;
-    bool isCdata = false;    ///< of a text: stands in a CDATA section
-    Object* value = nullptr; ///< the one object that scripts have for it
+    bool isCdata = false;           ///< of a text: stands in a CDATA section
+    Object* value = nullptr;        ///< the one object that scripts have for it
+    Value listener = Value::null(); ///< hears of changes in it and below
 };
 
 class XmlObject final : public Object
@@ -104,5 +105,22 @@ bool xmlEquals(const XmlNode& a, const XmlNode& b);
 /// What a value becomes as content: a node of its own.
 XmlNode* contentNode(Vm& vm, Value value);
 bool isWithin(const XmlNode* node, const XmlNode* ancestor);
+
+/// Puts content in the place of what is there, or behind everything.
+void putChild(Vm& vm, XmlNode& parent, std::size_t index, Value value);
+void setAttribute(Vm& vm, XmlNode& element, const Multiname& name, Value value);
+/// The children of that name become the one value.
+void setElement(Vm& vm, XmlNode& parent, const Multiname& name, Value value);
+
+/// Tells the functions that listen at an element and around it what was changed there. They may change the
+/// document again: to be called when all is done.
+/// @param change `nodeAdded`, `attributeChanged` and so on
+/// @param value what is there now: a node, a text, a namespace, or the name of an attribute
+/// @param detail what was there before; of a new attribute its text
+void notifyXml(Vm& vm, XmlNode& target, std::string_view change, Value value, Value detail = {});
+/// The same of each of a list of nodes.
+void notifyXml(Vm& vm, XmlNode& target, std::string_view change, const TracedList<XmlNode*>& nodes);
+/// Of children, or of attributes, that are gone.
+void notifyXmlRemoved(Vm& vm, XmlNode& element, const TracedList<XmlNode*>& gone);
 
 } // namespace flash::avm2::classes

@@ -3,6 +3,7 @@
 #include "flash/net/XmlScanner.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace flash::avm2::classes
 {
@@ -40,6 +41,7 @@ void insertAt(Call& call, XmlNode& parent, std::size_t index, Value value)
     parent.children.insert(parent.children.begin() +
                                static_cast<std::ptrdiff_t>(std::min(index, parent.children.size())),
                            added.begin(), added.end());
+    notifyXml(call.vm, parent, "nodeAdded", added);
 }
 
 /// What is assigned rather than moved: markup as a copy of its own.
@@ -108,8 +110,9 @@ Value setChildren(Call& call)
 {
     XmlNode& node = one(call);
     const Value content = copied(call.vm, call.arg(0));
-    for (XmlNode* old : node.children) old->parent = nullptr;
-    node.children.clear();
+    const TracedList<XmlNode*> old = std::exchange(node.children, {});
+    for (XmlNode* child : old) child->parent = nullptr;
+    notifyXml(call.vm, node, "nodeRemoved", old);
     insertAt(call, node, 0, content);
     return call.self;
 }
@@ -124,12 +127,15 @@ Value replace(Call& call)
     const bool isIndex = index != Atom::kNotIndex;
     const Value content = copied(call.vm, call.arg(1));
     std::size_t first = isIndex ? node.children.size() : kNone;
+    TracedList<XmlNode*> removed;
     for (std::size_t i = node.children.size(); i-- > 0;) {
         if (isIndex ? i != index : !matches(name, *node.children[i])) continue;
         node.children[i]->parent = nullptr;
+        removed.push_back(node.children[i]);
         node.children.erase(node.children.begin() + static_cast<std::ptrdiff_t>(i));
         first = i;
     }
+    notifyXml(call.vm, node, "nodeRemoved", removed);
     if (first != kNone) insertAt(call, node, first, content);
     return call.self;
 }

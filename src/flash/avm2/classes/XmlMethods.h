@@ -51,6 +51,8 @@ Value insertChildAfter(Call& call);
 Value setChildren(Call& call);
 Value replace(Call& call);
 Value normalize(Call& call);
+Value notification(Call& call);
+Value setNotification(Call& call);
 
 // Names and namespaces.
 Value localName(Call& call);

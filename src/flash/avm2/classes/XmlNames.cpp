@@ -118,6 +118,7 @@ Value setName(Call& call)
 {
     XmlNode& node = one(call);
     if (!hasName(node)) return {};
+    const Value before = name(call);
     node.prefix = {};
     node.ns = node.kind == XmlNode::Kind::Element ? call.vm.defaultXmlNs : call.vm.publicNs();
     if (auto* qname = as<QNameObject>(call.arg(0))) {
@@ -127,14 +128,17 @@ Value setName(Call& call)
     } else {
         node.name = nameTextArg(call);
     }
+    notifyXml(call.vm, node, "nameSet", name(call), before);
     return {};
 }
 Value setLocalName(Call& call)
 {
     XmlNode& node = one(call);
     if (!hasName(node)) return {};
+    const Value before(node.name.string());
     auto* qname = as<QNameObject>(call.arg(0));
     node.name = qname != nullptr ? qname->name : nameTextArg(call);
+    notifyXml(call.vm, node, "nameSet", Value(node.name.string()), before);
     return {};
 }
 namespace
@@ -197,19 +201,26 @@ Value namespaceDeclarations(Call& call)
 }
 Value addNamespace(Call& call)
 {
-    declare(one(call), declarationArg(call));
+    const auto declaration = declarationArg(call);
+    declare(one(call), declaration);
+    notifyXml(call.vm, one(call), "namespaceAdded", namespaceValue(call.vm, declaration));
     return call.self;
 }
 Value removeNamespace(Call& call)
 {
-    withdraw(one(call), declarationArg(call));
+    const auto declaration = declarationArg(call);
+    withdraw(one(call), declaration);
+    notifyXml(call.vm, one(call), "namespaceRemoved", namespaceValue(call.vm, declaration));
     return call.self;
 }
 Value setNamespace(Call& call)
 {
     XmlNode& node = one(call);
     if (!hasName(node)) return {};
-    putInto(node, declarationArg(call));
+    const auto declaration = declarationArg(call);
+    const Value before = namespaceValue(call.vm, {node.prefix, node.ns});
+    putInto(node, declaration);
+    notifyXml(call.vm, node, "namespaceSet", namespaceValue(call.vm, declaration), before);
     return {};
 }
 } // namespace xml

@@ -1,6 +1,7 @@
 #include "flash/avm2/classes/Xml.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace flash::avm2::classes
@@ -8,110 +9,6 @@ namespace flash::avm2::classes
 
 namespace
 {
-
-/// Puts content in the place of what is there, or behind everything.
-void putChild(Vm& vm, XmlNode& parent, std::size_t index, Value value)
-{
-    TracedList<XmlNode*> added;
-    if (auto* list = as<XmlListObject>(value))
-        added = list->nodes;
-    else
-        added.push_back(contentNode(vm, value));
-    for (XmlNode*& node : added) {
-        if (node->kind == XmlNode::Kind::Attribute) node = contentNode(vm, Value(vm.string(node->text)));
-        if (isWithin(&parent, node))
-            vm.throwError(ErrorClass::Type, 1118, "Illegal cyclical loop between nodes.");
-    }
-    if (index < parent.children.size()) {
-        parent.children[index]->parent = nullptr;
-        parent.children.erase(parent.children.begin() + static_cast<std::ptrdiff_t>(index));
-    } else {
-        index = parent.children.size();
-    }
-    for (XmlNode* node : added) node->parent = &parent;
-    parent.children.insert(parent.children.begin() + static_cast<std::ptrdiff_t>(index), added.begin(),
-                           added.end());
-}
-
-void setAttribute(Vm& vm, XmlNode& element, const Multiname& name, Value value)
-{
-    std::u16string text;
-    if (auto* list = as<XmlListObject>(value)) {
-        for (std::size_t i = 0; i < list->nodes.size(); ++i)
-            text += (i > 0 ? u" " : u"") + contentText(vm, *list->nodes[i]);
-    } else {
-        text = vm.text(value);
-    }
-    XmlNode* found = nullptr;
-    for (std::size_t i = 0; i < element.attributes.size();) {
-        if (!matches(name, *element.attributes[i])) {
-            ++i;
-        } else if (found == nullptr) {
-            found = element.attributes[i++];
-        } else {
-            element.attributes.erase(element.attributes.begin() + static_cast<std::ptrdiff_t>(i));
-        }
-    }
-    if (found == nullptr && !name.name.isNull()) {
-        found = vm.heap().make<XmlNode>(XmlNode::Kind::Attribute);
-        found->name = name.name;
-        found->ns = name.size() == 1 ? name.at(0) : vm.publicNs();
-        if (found->ns->kind != Namespace::Kind::Public) found->ns = vm.publicNs();
-        found->parent = &element;
-        element.attributes.push_back(found);
-    }
-    if (found != nullptr) found->text = std::move(text);
-}
-
-/// The children of that name become the one value.
-void setElement(Vm& vm, XmlNode& parent, const Multiname& name, Value value)
-{
-    const bool isContent = value.isObject() && value.object()->isXml() &&
-                           !(nodeOf(value) != nullptr && (nodeOf(value)->kind == XmlNode::Kind::Text ||
-                                                          nodeOf(value)->kind == XmlNode::Kind::Attribute));
-    std::size_t first = parent.children.size();
-    for (std::size_t i = parent.children.size(); i-- > 0;) {
-        if (!matches(name, *parent.children[i])) continue;
-        if (first < parent.children.size())
-            parent.children.erase(parent.children.begin() + static_cast<std::ptrdiff_t>(first));
-        first = i;
-    }
-    if (isContent) {
-        TracedList<XmlNode*> copies;
-        if (auto* list = as<XmlListObject>(value)) {
-            auto* copy = newXmlList(vm);
-            for (const XmlNode* node : list->nodes) copy->nodes.push_back(copyOf(vm, *node));
-            putChild(vm, parent, first, Value(copy));
-        } else {
-            putChild(vm, parent, first, xmlValue(vm, copyOf(vm, *nodeOf(value))));
-        }
-        return;
-    }
-    if (name.isAnyName() && name.index == Atom::kNotIndex) {
-        parent.children.clear();
-        putChild(vm, parent, 0, value);
-        return;
-    }
-    const std::u16string text(vm.text(value));
-    XmlNode* element = nullptr;
-    if (first < parent.children.size()) {
-        element = parent.children[first];
-    } else {
-        element = vm.heap().make<XmlNode>(XmlNode::Kind::Element);
-        element->name = name.name;
-        element->ns =
-            name.size() == 1 && name.at(0)->kind == Namespace::Kind::Public ? name.at(0) : vm.defaultXmlNs;
-        element->parent = &parent;
-        parent.children.push_back(element);
-    }
-    element->children.clear();
-    if (!text.empty()) {
-        auto* node = vm.heap().make<XmlNode>(XmlNode::Kind::Text);
-        node->text = text;
-        node->parent = element;
-        element->children.push_back(node);
-    }
-}
 
 std::uint32_t indexOf(const Multiname& name)
 {
@@ -190,16 +87,19 @@ bool XmlObject::hasExotic(Vm&, const Multiname& name)
     return !found.empty();
 }
 
-bool XmlObject::deleteExotic(Vm&, const Multiname& name, bool& deleted)
+bool XmlObject::deleteExotic(Vm& vm, const Multiname& name, bool& deleted)
 {
     deleted = true;
     if (indexOf(name) != Atom::kNotIndex) return true;
     auto& list = name.attribute ? node->attributes : node->children;
+    TracedList<XmlNode*> gone;
     std::erase_if(list, [&](XmlNode* child) {
         if (!matches(name, *child)) return false;
         child->parent = nullptr;
+        gone.push_back(child);
         return true;
     });
+    notifyXmlRemoved(vm, *node, gone);
     return true;
 }
 
@@ -321,11 +221,15 @@ bool XmlListObject::setExotic(Vm& vm, const Multiname& name, Value value)
         made->parent = target;
         target->children.push_back(made);
         nodes.push_back(made);
+        notifyXml(vm, *target, "nodeAdded", xmlValue(vm, made));
         return true;
     }
     XmlNode* old = nodes[index];
     if (old->kind == XmlNode::Kind::Attribute) {
+        const Value before(vm.string(old->text));
         old->text = vm.text(value);
+        if (old->parent != nullptr)
+            notifyXml(vm, *old->parent, "attributeChanged", Value(old->name.string()), before);
         return true;
     }
     if (XmlNode* parent = old->parent; parent != nullptr) {
@@ -338,7 +242,7 @@ bool XmlListObject::setExotic(Vm& vm, const Multiname& name, Value value)
             return true;
         }
         putChild(vm, *parent, at, value);
-        if (at < parent->children.size()) nodes[index] = parent->children[at];
+        if (index < nodes.size() && at < parent->children.size()) nodes[index] = parent->children[at];
         return true;
     }
     nodes[index] = contentNode(vm, value);
@@ -360,9 +264,12 @@ bool XmlListObject::deleteExotic(Vm& vm, const Multiname& name, bool& deleted)
         if (index >= nodes.size()) return true;
         XmlNode* node = nodes[index];
         if (node->parent != nullptr) {
-            std::erase(node->parent->children, node);
-            std::erase(node->parent->attributes, node);
-            node->parent = nullptr;
+            XmlNode& parent = *std::exchange(node->parent, nullptr);
+            std::erase(parent.children, node);
+            std::erase(parent.attributes, node);
+            nodes.erase(nodes.begin() + index);
+            notifyXmlRemoved(vm, parent, {node});
+            return true;
         }
         nodes.erase(nodes.begin() + index);
         return true;

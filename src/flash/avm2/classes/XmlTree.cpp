@@ -200,6 +200,7 @@ void XmlNode::trace(Tracer& tracer)
         tracer(declaration.ns);
     }
     tracer(value);
+    tracer(listener);
     tracer.outside(text.capacity() * 2);
 }
 

@@ -204,6 +204,7 @@ public:
         Value (*add)(Vm&, Value, Value) = nullptr;
         bool (*equals)(Vm&, Value, Value) = nullptr;
         std::u16string (*escape)(std::u16string_view, bool attribute) = nullptr;
+        bool isListenedTo = false; ///< some element has a function that hears of changes
     } xml;
     struct XmlSettings {
         bool ignoreComments = true, ignoreProcessingInstructions = true, ignoreWhitespace = true,

@@ -124,3 +124,34 @@ whole.appendChild(whole.@id);
 trace(whole.toXMLString(), whole.@id.length());
 trace(id(function():* { return whole.none.name(); }), id(function():* { return whole.n.(@absent == 1); }));
 try { whole.n.(@absent == 1); } catch (e:Error) { trace(e.message); }
+var watched:XML = <a><b at="1">old</b><c/></a>;
+var told:Function = function(current:Object, change:String, target:Object, value:Object, detail:Object):void {
+	trace(change, current.name(), target.name(), value is XML ? value.toXMLString() : value, detail is XML ? detail.toXMLString() : detail);
+};
+watched.setNotification(told);
+trace(watched.notification() === told, watched.b[0].notification());
+watched.b.@at = 2;
+watched.b.@more = "m";
+delete watched.b.@more;
+watched.b = "new";
+watched.d = "made";
+watched.appendChild(<e/>);
+watched.c[0] = <c2/>;
+delete watched.e;
+delete watched.d[0];
+watched.b[0].setName("bb");
+watched.bb[0].setLocalName("b");
+watched.b[0].setNamespace(new Namespace("p", "urn:p"));
+watched.addNamespace(new Namespace("q", "urn:q"));
+watched.replace("c2", <c3/>);
+watched.setChildren(<only/>);
+watched.setNotification(null);
+watched.x = 1;
+trace(watched.notification());
+try { watched.setNotification(5); } catch (e:Error) { trace(e.errorID); }
+// What hears may change the document again.
+watched.setNotification(function(current:XML, change:String, target:XML, value:Object, detail:Object):void {
+	if (current.children().length() < 5) current.appendChild(<again/>);
+});
+watched.y = 1;
+trace(watched.children().length());
