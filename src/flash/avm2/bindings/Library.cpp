@@ -68,6 +68,7 @@ std::span<const NativeLibrary> bindingsLibrary()
         groupLibrary(),
         rightsLibrary(),
         absentLibrary(),
+        workerLibrary(),
         globalization::textLibrary(),
         globalization::numberLibrary(),
         globalization::dateLibrary(),

@@ -59,6 +59,7 @@ NativeLibrary pictureEncoderLibrary();
 NativeLibrary groupLibrary();  ///< flash.net: groups of peers, and who watches streams
 NativeLibrary rightsLibrary(); ///< flash.net.drm
 NativeLibrary absentLibrary(); ///< classes of services that are not there
+NativeLibrary workerLibrary(); ///< scripts that run beside each other, of which there is one
 NativeLibrary fileLibrary();   ///< files that a user would choose
 
 } // namespace flash::avm2

@@ -151,6 +151,17 @@ flash.system::System
 flash.system::IME
   ^enabled:Boolean ^conversionMode:String ^setCompositionString(String):void ^doConversion():void ^compositionSelectionChanged(int,int):void
   ^compositionAbandoned():void ^isSupported-:Boolean
+flash.system::Worker
+  ^isSupported-:Boolean ^current-:Worker isPrimordial-:Boolean state-:String start():void terminate():Boolean
+  setSharedProperty(String,*):void getSharedProperty(String):* createMessageChannel(Worker):MessageChannel
+flash.system::WorkerDomain
+  ^isSupported-:Boolean ^current-:WorkerDomain createWorker(ByteArray,Boolean=):Worker listWorkers():Vector<Worker>
+flash.system::MessageChannel
+  messageAvailable-:Boolean state-:String send(*,int=):void receive(Boolean=):* close():void
+flash.concurrent::Mutex
+  () ^isSupported-:Boolean lock():void tryLock():Boolean unlock():void
+flash.concurrent::Condition
+  (Mutex) ^isSupported-:Boolean mutex-:Mutex wait(Number=):Boolean notify():void notifyAll():void
 flash.system::SystemUpdater
   () update(String):void cancel():void
 flash.desktop::Clipboard

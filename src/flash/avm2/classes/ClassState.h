@@ -13,6 +13,11 @@ class ClassState final : public Object
 public:
     AVM2_NATIVE(Object)
     ClassState(Traits* traits, Object* proto) : Object(traits, proto) {}
+    void trace(Tracer& tracer) override
+    {
+        Object::trace(tracer);
+        if constexpr (requires { state.trace(tracer); }) state.trace(tracer);
+    }
     State state;
 };
 
