@@ -22,6 +22,22 @@ Value askNobody(Call& call)
              [](Vm& vm, Object& object) { fire(vm, static_cast<DispatcherObject&>(object), "cancel"); });
     return true;
 }
+
+struct FilesTag {
+    static constexpr const char* kClass = "flash.net.FileReferenceList";
+};
+using FilesObject = FieldsOf<DispatcherObject, 1, FilesTag>; ///< what was chosen; null until it is asked for
+
+Value browseFiles(Call& call)
+{
+    selfAs<FilesObject>(call, FilesTag::kClass).fields[0] = Value(call.vm.newArray());
+    return askNobody(call);
+}
+Value chosenFiles(Call& call)
+{
+    const Value list = selfAs<FilesObject>(call, FilesTag::kClass).fields[0];
+    return list.isObject() ? list : Value::null();
+}
 Value save(Call& call)
 {
     if (call.arg(0).isNullish()) throwNullParameter(call.vm, "data");
@@ -56,8 +72,8 @@ constexpr NativeMember kFile[] = {
     {"type", Kind::Getter, &unchosen, 0, 0, nullptr, "String"},
 };
 constexpr NativeMember kList[] = {
-    {"browse", Kind::Method, &askNobody, 0, 1},
-    {"fileList", Kind::Getter, &isAlwaysNull, 0, 0, nullptr, "Array"},
+    {"browse", Kind::Method, &browseFiles, 0, 1},
+    {"fileList", Kind::Getter, &chosenFiles, 0, 0, nullptr, "Array"},
 };
 
 constexpr NativeClass kClasses[] = {
@@ -74,6 +90,7 @@ constexpr NativeClass kClasses[] = {
      .flags = NativeClass::Sealed,
      .minArguments = 0,
      .maxArguments = 0,
+     .allocate = &allocateNative<FilesObject>,
      .members = kList},
     {.package = "flash.net",
      .name = "FileFilter",
