@@ -12,34 +12,76 @@ namespace flash::render
 namespace
 {
 
-Plane blurredAlpha(SurfaceView surface, double blurX, double blurY, int passes)
+// What a filter blurs, how far, and how far the result is moved, in device pixels.
+struct BlurredMove {
+    double blurX, blurY;
+    int passes;
+    ShadowOffset offset;
+};
+
+template <class Filter>
+BlurredMove moveOf(const Filter& f, double scale)
 {
-    Plane plane{surface.width, surface.height, 1, {}};
-    plane.bytes.resize(plane.rowBytes() * static_cast<std::size_t>(surface.height));
-    for (int y = 0; y < surface.height; ++y) {
-        const std::uint32_t* from = surface.row(y);
-        std::transform(from, from + surface.width, plane.row(y),
-                       [](std::uint32_t pixel) { return static_cast<std::uint8_t>(alphaOf(pixel)); });
-    }
-    boxBlur(plane, blurX, blurY, passes);
-    return plane;
+    return {scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes,
+            shadowOffset(f.distance, f.angle, scale)};
 }
 
-class MovedPlane
+// How far outside its surface an effect looks that shows within only: as far as it is moved and as later
+// passes look for what earlier ones left there, and no further than anything is left.
+int outlook(double extent, int passes, int offset)
+{
+    const int reach = blurReach(extent);
+    passes = blurPasses(passes);
+    return std::min(std::abs(offset) + reach * std::max(passes - 1, 0), reach * passes);
+}
+
+// The blurred alpha of a surface, and of what the blur leaves around it where that is seen.
+class BlurredAlpha
 {
 public:
-    MovedPlane(const Plane& plane, ShadowOffset offset) : m_plane(plane), m_offset(offset) {}
-    /// 0..255
+    BlurredAlpha(SurfaceView surface, const BlurredMove& move, bool growsWithEffect)
+    {
+        if (!growsWithEffect) {
+            m_marginX = outlook(move.blurX, move.passes, move.offset.x);
+            m_marginY = outlook(move.blurY, move.passes, move.offset.y);
+            constexpr std::int64_t kMaxPixels = 1 << 26;
+            if ((surface.width + std::int64_t{2} * m_marginX) *
+                    (surface.height + std::int64_t{2} * m_marginY) >
+                kMaxPixels)
+                m_marginX = m_marginY = 0;
+        }
+        m_plane = {surface.width + 2 * m_marginX, surface.height + 2 * m_marginY, 1, {}};
+        m_plane.bytes.resize(m_plane.rowBytes() * static_cast<std::size_t>(m_plane.height));
+        for (int y = 0; y < surface.height; ++y) {
+            const std::uint32_t* from = surface.row(y);
+            std::transform(from, from + surface.width, m_plane.row(y + m_marginY) + m_marginX,
+                           [](std::uint32_t pixel) { return static_cast<std::uint8_t>(alphaOf(pixel)); });
+        }
+        boxBlur(m_plane, move.blurX, move.blurY, move.passes);
+    }
+
+    /// 0..255, by coordinates of the surface
     [[nodiscard]] int at(int x, int y) const
     {
-        x -= m_offset.x;
-        y -= m_offset.y;
+        x += m_marginX;
+        y += m_marginY;
         if (x < 0 || y < 0 || x >= m_plane.width || y >= m_plane.height) return 0;
         return m_plane.row(y)[x];
     }
 
 private:
-    const Plane& m_plane;
+    Plane m_plane;
+    int m_marginX = 0, m_marginY = 0;
+};
+
+class MovedAlpha
+{
+public:
+    MovedAlpha(const BlurredAlpha& alpha, ShadowOffset offset) : m_alpha(alpha), m_offset(offset) {}
+    [[nodiscard]] int at(int x, int y) const { return m_alpha.at(x - m_offset.x, y - m_offset.y); }
+
+private:
+    const BlurredAlpha& m_alpha;
     ShadowOffset m_offset;
 };
 
@@ -103,9 +145,9 @@ ShadowOffset shadowOffset(double distance, double angle, double scale)
 
 void applyShadow(const swf::DropShadowFilter& f, SurfaceView surface, double scale)
 {
-    const Plane alpha =
-        blurredAlpha(surface, scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes);
-    const MovedPlane shadow(alpha, shadowOffset(f.distance, f.angle, scale));
+    const BlurredMove move = moveOf(f, scale);
+    const BlurredAlpha alpha(surface, move, !f.inner);
+    const MovedAlpha shadow(alpha, move.offset);
     const std::uint32_t color = premultiply(f.color);
     combineAll(surface, whereOf(f.inner, false), f.knockout, f.compositeSource, [&](int x, int y) {
         const int value = shadow.at(x, y);
@@ -117,10 +159,9 @@ void applyShadow(const swf::DropShadowFilter& f, SurfaceView surface, double sca
 // The difference of the alpha on either side tells which way the border faces.
 void applyBevel(const swf::BevelFilter& f, SurfaceView surface, double scale)
 {
-    const Plane alpha =
-        blurredAlpha(surface, scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes);
-    const ShadowOffset offset = shadowOffset(f.distance, f.angle, scale);
-    const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
+    const BlurredMove move = moveOf(f, scale);
+    const BlurredAlpha alpha(surface, move, whereOf(f.inner, f.onTop) != Where::Inside);
+    const MovedAlpha away(alpha, move.offset), towards(alpha, {-move.offset.x, -move.offset.y});
     const std::uint32_t highlight = premultiply(f.highlight), shadow = premultiply(f.shadow);
     combineAll(surface, whereOf(f.inner, f.onTop), f.knockout, f.compositeSource, [&](int x, int y) {
         const int slope = towards.at(x, y) - away.at(x, y);
@@ -131,10 +172,9 @@ void applyBevel(const swf::BevelFilter& f, SurfaceView surface, double scale)
 
 void applyGradient(const swf::GradientFilter& f, SurfaceView surface, double scale)
 {
-    const Plane alpha =
-        blurredAlpha(surface, scaledBlur(f.blurX, scale), scaledBlur(f.blurY, scale), f.passes);
-    const ShadowOffset offset = shadowOffset(f.distance, f.angle, scale);
-    const MovedPlane away(alpha, offset), towards(alpha, {-offset.x, -offset.y});
+    const BlurredMove move = moveOf(f, scale);
+    const BlurredAlpha alpha(surface, move, whereOf(f.inner, f.onTop) != Where::Inside);
+    const MovedAlpha away(alpha, move.offset), towards(alpha, {-move.offset.x, -move.offset.y});
     swf::Gradient gradient;
     gradient.stops = f.stops;
     const auto ramp = makeRamp(gradient, {}).colors;

@@ -9,7 +9,6 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <numbers>
 
 namespace flash::render
 {
@@ -102,123 +101,6 @@ TEST(Filters, BlurOfManyPassesStaysWithinItsGrowth)
             for (int i = 0; i < surface.width(); ++i)
                 EXPECT_EQ(surface.pixel(4, i), 0U) << extent << " x" << passes;
         }
-}
-
-Surface square(int size, int from, int to, std::uint32_t color)
-{
-    Surface surface(size, size);
-    for (int y = from; y < to; ++y) std::fill(surface.row(y) + from, surface.row(y) + to, color);
-    return surface;
-}
-
-TEST(Filters, ShadowFallsWhereTheAngleSays)
-{
-    swf::DropShadowFilter filter;
-    filter.color = {0, 0, 0, 255};
-    filter.distance = 3;
-    filter.strength = 1;
-    struct Case {
-        const char* name;
-        double angle;
-        int x, y;
-    };
-    for (const Case& c : {Case{"right", 0, 3, 0}, Case{"down", std::numbers::pi / 2, 0, 3},
-                          Case{"left", std::numbers::pi, -3, 0},
-                          // 2.12 pixels each way, of which whole ones count.
-                          Case{"down and right", std::numbers::pi / 4, 2, 2}}) {
-        SCOPED_TRACE(c.name);
-        filter.angle = c.angle;
-        Surface surface = square(20, 8, 12, kRed);
-        applyFilter(filter, surface.view());
-        for (int y = 0; y < 20; ++y)
-            for (int x = 0; x < 20; ++x) {
-                const auto within = [](int v) { return v >= 8 && v < 12; };
-                const std::uint32_t expected = within(x) && within(y)               ? kRed
-                                               : within(x - c.x) && within(y - c.y) ? kBlack
-                                                                                    : 0;
-                ASSERT_EQ(surface.pixel(x, y), expected) << x << "," << y;
-            }
-    }
-}
-
-TEST(Filters, ShadowsCombineWithTheirObjectAsTheirFlagsSay)
-{
-    struct Case {
-        const char* name;
-        bool inner, knockout, composite;
-        std::uint32_t inShadowOnly, inBoth, inObjectOnly;
-    };
-    // A red square from 8 to 12, its black shadow 2 to the right.
-    constexpr Case kCases[] = {
-        {"outer", false, false, true, kBlack, kRed, kRed},
-        {"outer, knocked out", false, true, true, kBlack, 0, 0},
-        {"outer, object hidden", false, false, false, kBlack, kBlack, 0},
-        {"inner", true, false, true, 0, kRed, kBlack},
-        {"inner, knocked out", true, true, true, 0, 0, kBlack},
-    };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.name);
-        swf::DropShadowFilter filter;
-        filter.color = {0, 0, 0, 255};
-        filter.distance = 2;
-        filter.strength = 1;
-        filter.inner = c.inner;
-        filter.knockout = c.knockout;
-        filter.compositeSource = c.composite;
-        Surface surface = square(20, 8, 12, kRed);
-        applyFilter(filter, surface.view());
-        EXPECT_EQ(surface.pixel(13, 10), c.inShadowOnly);
-        EXPECT_EQ(surface.pixel(11, 10), c.inBoth);
-        EXPECT_EQ(surface.pixel(8, 10), c.inObjectOnly);
-    }
-}
-
-TEST(Filters, GlowIsStrengthTimesTheBlurredAlpha)
-{
-    swf::GlowFilter filter;
-    filter.color = {0, 255, 0, 255};
-    filter.blurX = 5;
-    filter.blurY = 1;
-    filter.strength = 2;
-    Surface surface = square(20, 8, 12, kRed);
-    applyFilter(filter, surface.view());
-    EXPECT_EQ(surface.pixel(8, 10), kRed);
-    EXPECT_EQ(surface.pixel(12, 10) & 0xFF00, 0xCC00U); // two of five, twice
-    EXPECT_EQ(surface.pixel(13, 10) & 0xFF00, 0x6600U);
-    EXPECT_EQ(surface.pixel(14, 10), 0U);
-}
-
-TEST(Filters, BevelsLightTheSideTheirAngleComesFrom)
-{
-    swf::BevelFilter filter;
-    filter.highlight = {255, 255, 255, 255};
-    filter.shadow = {0, 0, 0, 255};
-    filter.distance = 1;
-    filter.angle = 0;
-    filter.strength = 1;
-    filter.inner = true;
-    Surface inner = square(20, 8, 12, kRed);
-    applyFilter(filter, inner.view());
-    EXPECT_EQ(inner.pixel(8, 10), kWhite);
-    EXPECT_EQ(inner.pixel(10, 10), kRed);
-    EXPECT_EQ(inner.pixel(11, 10), kBlack);
-    EXPECT_EQ(inner.pixel(7, 10), 0U);
-    filter.inner = false;
-    Surface outer = square(20, 8, 12, kRed);
-    applyFilter(filter, outer.view());
-    EXPECT_EQ(outer.pixel(7, 10), kWhite);
-    EXPECT_EQ(outer.pixel(8, 10), kRed);
-    EXPECT_EQ(outer.pixel(12, 10), kBlack);
-
-    swf::GradientFilter gradient;
-    gradient.bevel = gradient.inner = true;
-    gradient.stops = {{0, {255, 255, 255, 255}}, {128, {255, 0, 0, 0}}, {255, {0, 0, 0, 255}}};
-    gradient.distance = gradient.strength = 1;
-    Surface ramped = square(20, 8, 12, kRed);
-    applyFilter(gradient, ramped.view());
-    EXPECT_EQ(ramped.pixel(8, 10), kWhite);
-    EXPECT_EQ(ramped.pixel(10, 10), kRed);
-    EXPECT_EQ(ramped.pixel(11, 10), kBlack);
 }
 
 TEST(Filters, ColourMatrixActsOnPlainColours)
