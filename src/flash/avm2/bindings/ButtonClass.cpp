@@ -66,7 +66,9 @@ Value setState(Call& call)
                            "An object cannot be added as a child to one of it's children (or children's "
                            "children, etc.).");
     Player& player = Player::of(call.vm);
-    if (given != nullptr && given->parent != nullptr) player.removeChild(*given->parent, *given);
+    // One that the button shows already, as another of its states, stays where it is.
+    if (given != nullptr && given->parent != nullptr && given->parent != &self)
+        player.removeChild(*given->parent, *given);
     self.states[static_cast<std::size_t>(state)] = given;
     if (self.state != state) return {};
     player.showButtonState(self, state);
