@@ -51,8 +51,9 @@ bool hasLines(const FlatShape& flat)
 }
 
 // @param toDevice its translation may be missing, unless lines are hinted
+// @param isHinted whether lines that ask for it are moved to whole pixels
 StrokedShape outlineStrokes(const swf::Shape& shape, const FlatShape& flat, const swf::Matrix& toDevice,
-                            double pixelScale, const Arcs& arcs)
+                            double pixelScale, const Arcs& arcs, bool isHinted)
 {
     StrokedShape result;
     std::vector<StrokePoint> path;
@@ -70,7 +71,7 @@ StrokedShape outlineStrokes(const swf::Shape& shape, const FlatShape& flat, cons
                 const swf::Point at = toDevice.map(point.at.x, point.at.y);
                 point.at = {static_cast<float>(at.x), static_cast<float>(at.y)};
             }
-            if (style.pixelHinting) {
+            if (style.pixelHinting && isHinted) {
                 width = std::max(std::round(width), 1.0);
                 hintStroke(path, width);
             }
@@ -185,7 +186,9 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
     swf::Point offset;
     bool mayComeAgain = owner != nullptr && to.building == nullptr;
     if (to.building == nullptr && hasLines(*flat)) {
-        const bool keep = owner != nullptr && !hasHintedLines(shape);
+        // Without smoothed edges lines cover whole pixels anyway, and the genuine player moves none.
+        const bool isHinted = to.coverage != Coverage::Sampled && hasHintedLines(shape);
+        const bool keep = owner != nullptr && !isHinted;
         mayComeAgain = keep;
         const swf::Matrix matrix = keep ? withoutTranslation(toDevice) : toDevice;
         const StrokeScale scale{m_pixelScale, step};
@@ -195,7 +198,7 @@ void Canvas::Impl::drawShape(const swf::Shape& shape, const std::shared_ptr<cons
         }
         if (strokes == nullptr) {
             strokes = std::make_shared<const StrokedShape>(outlineStrokes(
-                shape, *flat, matrix, m_pixelScale, arcsFor(to.coverage, toDevice, m_pixelScale)));
+                shape, *flat, matrix, m_pixelScale, arcsFor(to.coverage, toDevice, m_pixelScale), isHinted));
             if (keep) m_cache.impl().keepStrokes(*owner, matrix, scale, strokes);
         }
     }

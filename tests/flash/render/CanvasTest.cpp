@@ -270,8 +270,8 @@ TEST(Canvas, LowQualityFlattensShapesAndLettersOnceForTheirOwnSize)
 
 TEST(Canvas, CurvesNearEnoughToOneLineAreOne)
 {
-    // From (0, 0) by a control point to (4430, -5620): how many points stand for it. It bulges by a quarter of
-    // what the control point lies beyond the middle twice, across the line: 0.098 pixels for ten twips.
+    // From (0, 0) by a control point to (4430, -5620): how many points stand for it. It bulges by a quarter
+    // of what the control point lies beyond the middle twice, across the line: 0.098 pixels for ten twips.
     const auto pointsFor = [](int controlX, int controlY) {
         swf::EdgeRun curve = run({{0, 0}}, 0, 1);
         curve.edges.push_back({true, controlX, controlY, 4430, -5620});
@@ -449,6 +449,23 @@ TEST(Strokes, HintedLinesCoverWholePixels)
     EXPECT_EQ(picture.at(10, 2), kWhite);
     EXPECT_EQ(picture.at(10, 3), kBlack);
     EXPECT_EQ(picture.at(10, 4), kWhite);
+}
+
+TEST(Strokes, HintsMoveNothingWithoutSmoothedEdges)
+{
+    swf::LineStyle style = lineStyle(5);
+    const auto draw = [&](bool isHinted) {
+        style.pixelHinting = isHinted;
+        Picture picture(20, 20, {255, 255, 255, 255}, Quality::Low);
+        picture.canvas.drawShape(shapeOf({{}, {style}, {run({{2, 12}, {15, 12}, {15.6, 3}}, 0, 0, 1)}}),
+                                 kStage);
+        return std::move(picture.surface);
+    };
+    const Surface hinted = draw(true), plain = draw(false);
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < 20; ++x) ASSERT_EQ(hinted.pixel(x, y), plain.pixel(x, y)) << x << "," << y;
+    EXPECT_EQ(plain.pixel(10, 9), kBlack);
+    EXPECT_EQ(plain.pixel(10, 14), kWhite);
 }
 
 // ---- masks and layers -------------------------------------------------------------------------------------
