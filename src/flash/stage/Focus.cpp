@@ -127,7 +127,7 @@ std::optional<std::array<swf::Point, 2>> Focus::frame(const swf::Matrix& view) c
     if (!isFramed() || !m_node || m_node->isRemoved() || !m_node->hearsInput()) return {};
     for (const Node* root = m_node.get(); root->parent(); root = root->parent())
         if (!root->isVisible()) return {};
-    const swf::Rect own = m_node->pointerBounds();
+    const swf::Rect own = m_stage.script().pointerBounds(*m_node).value_or(m_node->pointerBounds());
     if (own.isEmpty()) return {};
     // Not rounded to twips: a turned clip's corners lie anywhere.
     const swf::Matrix toDevice = view * m_node->toStage();

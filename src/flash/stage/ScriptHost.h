@@ -50,6 +50,9 @@ public:
     /// Whether the scripts keep the timelines and the lists of all clips themselves: the stage then only
     /// draws what they have put there.
     virtual bool keepsClips() { return false; }
+    /// Where a button of such a host takes the pointer, in its node's own space. Nothing where the node says
+    /// it.
+    virtual std::optional<swf::Rect> pointerBounds(Node&) { return {}; }
     /// The host wants such a movie's root to show a frame (index).
     virtual void showRootFrame(int /*frame*/) {}
 

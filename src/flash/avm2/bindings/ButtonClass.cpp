@@ -196,6 +196,14 @@ void Player::showButtonState(DisplayObject& button, State state)
     if (wanted->isConstructed) announce(*wanted, "added");
 }
 
+std::optional<swf::Rect> Player::pointerBounds(stage::Node& node)
+{
+    const DisplayObject* button = DisplayObject::of(&node);
+    DisplayObject* area = button != nullptr ? button->states[static_cast<std::size_t>(State::Hit)] : nullptr;
+    if (area == nullptr) return {};
+    return swf::mapBounds(area->node().matrix(), area->node().bounds());
+}
+
 std::span<const NativeClass> buttonClasses() { return kClasses; }
 
 } // namespace flash::avm2

@@ -84,6 +84,7 @@ public:
 
     // ---- stage::ScriptHost ----
     bool keepsClips() override { return true; }
+    std::optional<swf::Rect> pointerBounds(stage::Node& node) override;
     void showRootFrame(int frame) override;
     void frameEnded() override;
     void broadcastResize() override;
