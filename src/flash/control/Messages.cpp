@@ -38,7 +38,7 @@ public:
         put(static_cast<std::uint32_t>(count));
         for (std::size_t i = 0; i < count; ++i) {
             Entry entry = list[i];
-            std::apply([this](const auto&... field) { (put(field), ...); }, entry.fields());
+            std::apply([this](const auto&... field) { (this->put(field), ...); }, entry.fields());
         }
     }
 
