@@ -44,10 +44,13 @@ public:
         if (!growsWithEffect) {
             m_marginX = outlook(move.blurX, move.passes, move.offset.x);
             m_marginY = outlook(move.blurY, move.passes, move.offset.y);
-            constexpr std::int64_t kMaxPixels = 1 << 26;
-            if ((surface.width + std::int64_t{2} * m_marginX) *
-                    (surface.height + std::int64_t{2} * m_marginY) >
-                kMaxPixels)
+            // Beyond that it would cost far more than the object itself, and little of it is seen.
+            constexpr std::int64_t kCheapPixels = 1 << 20;
+            const auto size = [&](int marginX, int marginY) {
+                return (surface.width + std::int64_t{2} * marginX) *
+                       (surface.height + std::int64_t{2} * marginY);
+            };
+            if (size(m_marginX, m_marginY) > std::max(kCheapPixels, 2 * size(0, 0)))
                 m_marginX = m_marginY = 0;
         }
         m_plane = {surface.width + 2 * m_marginX, surface.height + 2 * m_marginY, 1, {}};

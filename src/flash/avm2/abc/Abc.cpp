@@ -149,6 +149,8 @@ private:
         m_abc.multinames.assign(1, {});
         for (std::uint32_t i = 1; i < multinames && !m_in.failed(); ++i)
             m_abc.multinames.push_back(multinameInfo(multinames));
+        // Names were checked against the count that was announced: all of them have to be there.
+        if (m_in.failed()) return;
         // A generic may be named before its base; one that leads back to itself names nothing.
         for (const MultinameInfo& name : m_abc.multinames) {
             if (name.kind != MultinameKind::TypeName) continue;
